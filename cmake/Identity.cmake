@@ -1,0 +1,5 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+
+# Who the program is: the one place that says so. Everything else is filled in from here.
+set(PLEXA_APPLICATION_NAME "Plexa")
+set(PLEXA_COMPANY_NAME "Quorvel")

@@ -1,0 +1,42 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+
+# What all of our own targets share: the language, the include root, the warnings, the sanitizers.
+add_library(plexa_common INTERFACE)
+target_compile_features(plexa_common INTERFACE cxx_std_20)
+target_include_directories(plexa_common INTERFACE "${PROJECT_SOURCE_DIR}/src" "${PROJECT_BINARY_DIR}/generated")
+target_compile_definitions(plexa_common INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII
+    QT_NO_URL_CAST_FROM_STRING QT_NO_FOREACH QT_NO_KEYWORDS QT_DISABLE_DEPRECATED_BEFORE=0x060400
+    $<$<CONFIG:Dev>:QT_FORCE_ASSERTS>)
+target_compile_options(plexa_common INTERFACE -Wall -Wextra -Wpedantic -Wconversion
+    $<$<BOOL:${PLEXA_WARNINGS_AS_ERRORS}>:-Werror>)
+if(PLEXA_SANITIZE)
+    target_compile_options(plexa_common INTERFACE -fsanitize=${PLEXA_SANITIZE} -fno-omit-frame-pointer
+        -fno-sanitize-recover=all)
+    target_link_options(plexa_common INTERFACE -fsanitize=${PLEXA_SANITIZE})
+endif()
+
+# plexa_layer(<folder> SOURCES <files> [PUBLIC <libraries>] [PRIVATE <libraries>])
+# makes the static library of one folder of src/, known to the others as plexa::<folder>.
+function(plexa_layer name)
+    cmake_parse_arguments(LAYER "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+    add_library(plexa_${name} STATIC ${LAYER_SOURCES})
+    add_library(plexa::${name} ALIAS plexa_${name})
+    set_target_properties(plexa_${name} PROPERTIES AUTOMOC ON)
+    target_link_libraries(plexa_${name} PUBLIC plexa_common ${LAYER_PUBLIC} PRIVATE ${LAYER_PRIVATE})
+endfunction()
+
+# plexa_test(<name> SOURCES <files> LINK <libraries> [TIMEOUT <seconds>])
+# makes one Qt Test program and registers it with CTest in a fixed environment.
+function(plexa_test name)
+    cmake_parse_arguments(TEST "" "TIMEOUT" "SOURCES;LINK" ${ARGN})
+    if(NOT TEST_TIMEOUT)
+        set(TEST_TIMEOUT 120)
+    endif()
+    add_executable(${name} ${TEST_SOURCES})
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    target_link_libraries(${name} PRIVATE plexa_common Qt6::Test ${TEST_LINK})
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${TEST_TIMEOUT}
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;TZ=Europe/Berlin;LC_ALL=C.UTF-8;LANGUAGE=en_US;PLEXA_SOURCE_DIR=${PROJECT_SOURCE_DIR};PLEXA_BINARY_DIR=${PROJECT_BINARY_DIR};TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp:halt_on_error=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp")
+endfunction()

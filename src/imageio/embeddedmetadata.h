@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "platform/result.h"
+
+#include <QByteArray>
+#include <QSize>
+#include <QVariantMap>
+
+#include <memory>
+
+namespace plexa
+{
+
+/// The EXIF, IPTC and XMP that a file carries, whole: also what the property dictionary does not model
+/// (maker notes, unknown tags). Immutable after reading, so threads may share it. The metadata library and
+/// its exceptions stay inside.
+class EmbeddedMetadata final
+{
+public:
+    /// Reads a file's metadata. Damaged metadata never fail a photo: what cannot be read is left out.
+    static std::shared_ptr<const EmbeddedMetadata> read(const QString &path);
+
+    /// No metadata.
+    static std::shared_ptr<const EmbeddedMetadata> none();
+
+    ~EmbeddedMetadata();
+    EmbeddedMetadata(const EmbeddedMetadata &) = delete;
+    EmbeddedMetadata &operator=(const EmbeddedMetadata &) = delete;
+
+    /// The part of the property dictionary that comes from metadata: "Orientation", "DPIWidth", "DPIHeight",
+    /// "{TIFF}", "{Exif}", "{ExifAux}", "{IPTC}", "{GPS}" as far as the file has them (keys:
+    /// imageio/propertykeys.h). What the pixels say (size, depth, colour model, profile) is the codec's.
+    QVariantMap properties() const;
+
+    /// Does the EXIF carry a thumbnail?
+    bool hasThumbnail() const;
+
+    /// What a copy carries.
+    struct Encoded {
+        QByteArray exif;                 ///< TIFF structure, little or big endian as in the source
+        QByteArray iptc;                 ///< IIM records
+        QByteArray xmp;                  ///< packet, UTF-8
+        QByteArray comment;              ///< JPEG comment
+        QByteArray thumbnailPlaceholder; ///< the bytes in `exif` that stand for the thumbnail to be made
+    };
+
+    /// How a copy differs from its source.
+    struct CopyFacts {
+        QSize pixelSize;              ///< of the copy
+        qsizetype thumbnailBytes = 0; ///< room to keep for a new EXIF thumbnail, 0: none
+    };
+
+    /// Metadata for a copy: the file's own, changed where `properties` differs from properties(), freed from
+    /// every picture that shows the unmarked photo (thumbnails, previews in maker notes, XMP thumbnails),
+    /// sRGB, upright. A group that is empty in `properties` but not here is cleared in all places that
+    /// store it.
+    Encoded encodeForCopy(const QVariantMap &properties, const CopyFacts &facts) const;
+
+private:
+    struct Data;
+    explicit EmbeddedMetadata(std::unique_ptr<Data> data);
+    std::unique_ptr<Data> m_data;
+};
+
+} // namespace plexa

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "imageio/imageformat.h"
+
+#include <memory>
+
+namespace plexa
+{
+
+class EmbeddedMetadata;
+
+/// A picture file that is open for reading. Detects the type by content first, then by suffix. Holds the
+/// file open; not shared between threads.
+class ImageSource final
+{
+public:
+    /// Opens the file and reads what can be known without decoding.
+    /// @return the failure as text that follows a file's name: "the file is empty", ...
+    [[nodiscard]] static Result<ImageSource> open(const QString &path, const ReadLimits &limits = {});
+
+    ImageSource(ImageSource &&) noexcept;
+    ImageSource &operator=(ImageSource &&) noexcept;
+    ~ImageSource();
+
+    /// MIME name of the contents, whatever the file is called.
+    QString type() const;
+    const ImageFormat &format() const;
+    const PictureInfo &info() const;
+    int imageCount() const;
+
+    /// The property dictionary of image 0 (keys: imageio/propertykeys.h). Read at the first call.
+    const QVariantMap &properties() const;
+
+    /// All metadata of the file, for a copy to keep what the dictionary does not model. Never null.
+    std::shared_ptr<const EmbeddedMetadata> metadata() const;
+
+    /// Image 0 as stored (no orientation tag followed), 8-bit sRGB.
+    [[nodiscard]] Result<QImage> createImage() const;
+
+    /// Image 0 as stored, at least `minimumSide` on its longer side where the file has that many, decoded at
+    /// a reduced scale where the format can.
+    [[nodiscard]] Result<QImage> createReducedImage(int minimumSide) const;
+
+    /// The rows of image 0. The reader uses this object's file: keep it alive, and read one at a time.
+    [[nodiscard]] Result<std::unique_ptr<RowReader>> openRows() const;
+
+private:
+    struct State;
+    explicit ImageSource(std::unique_ptr<State> state);
+    std::unique_ptr<State> m_state;
+};
+
+} // namespace plexa

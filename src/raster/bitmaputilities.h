@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QColor>
+#include <QImage>
+#include <QTransform>
+
+namespace plexa
+{
+
+// Bitmaps that are made, turned, mirrored, scaled and recoloured.
+//
+// Rules common to all of these functions: a bitmap is 8-bit sRGB, Format_RGB32 without alpha and
+// Format_ARGB32_Premultiplied with. Geometry is given with the origin at the bottom left and y upwards,
+// although a QImage's first row is the top one. A null QImage means that the bitmap could not be made
+// (no size, no memory). No function changes its arguments. Any thread.
+
+/// A cleared bitmap whose format follows `image`: premultiplied alpha where the image has alpha, where it
+/// has more than 8 bits a component, or where `forcePremultipliedAlpha` asks for it; none otherwise.
+QImage createBitmapContextLikeImage(const QImage &image, int width, int height, bool forcePremultipliedAlpha);
+
+/// A cleared bitmap: transparent with alpha, black without.
+QImage createBitmapContext(int width, int height, bool withAlpha);
+
+/// The image turned by a quarter.
+QImage createImageRotatedByQuarter(const QImage &image, bool clockwise);
+
+/// The image turned by a half.
+QImage createImageRotatedByHalf(const QImage &image);
+
+/// The image mirrored: left to right, or top to bottom when `vertically`.
+QImage createImageFlipped(const QImage &image, bool vertically);
+
+/// The image turned counter-clockwise, in its bounding box (fractions of a pixel cut off), the corners
+/// transparent where the bitmap has alpha.
+QImage createImageRotatedByAngle(const QImage &image, double radians);
+
+/// The image turned counter-clockwise about its centre, same size; what turns out of the frame is lost.
+QImage createImageRotatedAboutCenter(const QImage &image, double radians);
+
+/// The image drawn through `transform`, which maps (x, y) to (m11 x + m21 y + dx, m12 x + m22 y + dy)
+/// with the origin at the bottom left. Width and height are exchanged when m12 or m21 is not zero. A
+/// transform that only mirrors, turns by quarters and moves copies pixels exactly; one that stretches
+/// interpolates, into the stretched size.
+QImage createImageWithTransform(const QImage &image, const QTransform &transform);
+
+/// The image made smaller so that its longer side is `maxSize`, sides cut to whole pixels; never larger.
+/// With `flipVertically` off and `maxSize` not below the longer side it is the very same image.
+QImage createImageScaledToMaxSize(const QImage &image, int maxSize, bool flipVertically);
+
+/// The image scaled to exactly that size.
+QImage createImageScaledToSize(const QImage &image, int width, int height, bool highQuality);
+
+/// The image scaled onto a background: transparent when `keepAlpha`, else filled with `background`.
+QImage createImageFlattened(const QImage &image, bool keepAlpha, const QColor &background, int width,
+                            int height);
+
+/// The colour to draw with: the same colour in sRGB.
+QColor createCGColorFromColor(const QColor &color);
+
+} // namespace plexa

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "raster/compositing.h"
+#include "watermark/watermarklayout.h"
+
+#include <optional>
+#include <vector>
+
+namespace plexa
+{
+
+class FontCatalog;
+class TokenSource;
+struct WPresetValues;
+
+/// A watermark that is ready to be drawn on one photo, whole or strip by strip. Immutable; any number of
+/// threads may draw different strips.
+class WatermarkDrawing final
+{
+public:
+    /// Makes the watermark bitmap, turns it and lays it out.
+    /// @param customOrigin  a place chosen by hand (photo pixels, origin bottom left), or none
+    /// @return no value when the preset yields no watermark for this photo (no text, no picture); a failure
+    ///         when no bitmap can be made
+    [[nodiscard]] static Result<std::optional<WatermarkDrawing>> prepare(const WPresetValues &values,
+                                                                         const TokenSource &photo,
+                                                                         const FontCatalog &fonts,
+                                                                         std::optional<QPointF> customOrigin);
+
+    /// The layout, in photo pixels with the origin at the bottom left.
+    const WatermarkLayout &layout() const { return m_layout; }
+
+    /// Draws onto the photo's rows `firstRow <= y < firstRow + rows.height()` (y from the top). Formats as in
+    /// raster/compositing.h. Touches only what the watermark covers.
+    void drawRows(QImage &rows, int firstRow) const;
+
+private:
+    WatermarkDrawing() = default;
+
+    struct Box {
+        QRectF rect; ///< origin top left
+        QColor color;
+    };
+
+    struct Stamp {
+        QPoint topLeft; ///< origin top left
+    };
+
+    WatermarkLayout m_layout;
+    std::optional<Box> m_box;
+    QImage m_mark;
+    Shadow m_shadow;
+    QPoint m_shadowOffset; ///< from the mark's to the shadow's top left corner, y downwards
+    BlendMode m_mode = BlendMode::Normal;
+    double m_opacity = 1;
+    std::vector<Stamp> m_stamps;
+};
+
+} // namespace plexa

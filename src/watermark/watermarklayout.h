@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QPointF>
+#include <QRectF>
+#include <QSize>
+#include <QSizeF>
+
+#include <optional>
+#include <vector>
+
+namespace plexa
+{
+
+struct WPresetValues;
+
+/// Where a watermark lands on a photo. Photo pixels, origin at the bottom left, y upwards; QRectF::x/y are
+/// the bottom left corner. Nothing is rounded or clamped.
+struct WatermarkLayout {
+    QRectF rect;                  ///< of the first copy
+    std::optional<QRectF> box;    ///< the background box, clipped to the photo; none when there is none
+    std::vector<QPointF> repeats; ///< bottom left corners of all copies in drawing order, the first included
+    QPointF shadowOffset;         ///< y upwards; (0, 0) without a shadow
+    bool tooManyRepeats = false;  ///< the tiling was given up; `repeats` holds the first copy only
+};
+
+/// The layout of a watermark bitmap that is already turned and mirrored.
+/// @param photo   pixels, after the photo's turns
+/// @param bitmap  pixels of the turned and mirrored watermark bitmap
+/// @param customOrigin  a place chosen by hand, which replaces the anchor's
+WatermarkLayout layoutWatermark(const WPresetValues &values, QSize photo, QSize bitmap,
+                                std::optional<QPointF> customOrigin);
+
+/// The pixel value of a length: "% of width", "% of height", "% of long edge" and "% of short edge" refer to
+/// the photo, every other unit means pixels. Computed in double, returned in single precision.
+float absoluteValueForSize(float value, const QString &unit, QSizeF imageSize);
+
+} // namespace plexa
