@@ -2,12 +2,8 @@
 
 #include "cli/fieldarguments.h"
 
-#include "watermark/watermarkpicture.h"
 #include "watermark/wpresetfields.h"
 #include "watermark/wpresetvalues.h"
-
-#include <QJsonArray>
-#include <QJsonDocument>
 
 namespace plexa
 {
@@ -20,7 +16,7 @@ constexpr int kHighestQuality = 100;
 
 Result<QString> formatName(const FieldArgument &field, const QStringList &allowed)
 {
-    const QString name = field.value.toString();
+    const QString name = field.text;
     if (allowed.contains(name))
         return name;
     return fail(QStringLiteral("%1: \"%2\" is none of %3")
@@ -35,10 +31,7 @@ Result<FieldArgument> FieldArgument::parse(const std::string &argument)
     const qsizetype equals = text.indexOf(QLatin1Char('='));
     if (equals < 1)
         return fail(QStringLiteral("\"%1\" is not of the form FIELD=VALUE").arg(text));
-    const QString value = text.mid(equals + 1);
-    // Only arrays and objects are whole documents, so the value is read as an element of one.
-    const QJsonArray parsed = QJsonDocument::fromJson('[' + value.toUtf8() + ']').array();
-    return FieldArgument{text.left(equals), parsed.size() == 1 ? parsed.first() : QJsonValue(value)};
+    return FieldArgument{text.left(equals), text.mid(equals + 1)};
 }
 
 Result<void> applyField(WPresetValues &values, const std::string &argument)
@@ -46,13 +39,7 @@ Result<void> applyField(WPresetValues &values, const std::string &argument)
     const Result<FieldArgument> field = FieldArgument::parse(argument);
     if (!field)
         return tl::unexpected(field.error());
-    if (field->name != QLatin1String("image"))
-        return setField(values, field->name, field->value);
-    Result<WatermarkPicture> picture = WatermarkPicture::load(field->value.toString());
-    if (!picture)
-        return tl::unexpected(picture.error());
-    values.image = std::move(*picture);
-    return {};
+    return setFieldFromText(values, field->name, field->text);
 }
 
 Result<void> applySavingField(SavingPreset &preset, const std::string &argument)
@@ -61,18 +48,19 @@ Result<void> applySavingField(SavingPreset &preset, const std::string &argument)
     if (!field)
         return tl::unexpected(field.error());
     if (field->name == QLatin1String("jpegQuality")) {
-        const double quality = field->value.toDouble(-1);
-        if (quality < kLowestQuality || quality > kHighestQuality || quality != static_cast<int>(quality))
+        bool isNumber = false;
+        const int quality = field->text.toInt(&isNumber);
+        if (!isNumber || quality < kLowestQuality || quality > kHighestQuality)
             return fail(QStringLiteral("jpegQuality: a whole number from %1 to %2")
                             .arg(kLowestQuality)
                             .arg(kHighestQuality));
-        preset.jpegQuality = static_cast<int>(quality);
+        preset.jpegQuality = quality;
         return {};
     }
     if (field->name == QLatin1String("tiffCompressionLZW")) {
-        if (!field->value.isBool())
+        if (field->text != QLatin1String("true") && field->text != QLatin1String("false"))
             return fail(QStringLiteral("tiffCompressionLZW: true or false"));
-        preset.tiffCompressionLZW = field->value.toBool();
+        preset.tiffCompressionLZW = field->text == QLatin1String("true");
         return {};
     }
     QStringList formats = SavingPreset::supportedFileFormats();

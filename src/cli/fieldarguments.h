@@ -5,7 +5,6 @@
 #include "platform/result.h"
 #include "presets/savingpreset.h"
 
-#include <QJsonValue>
 #include <QString>
 
 #include <string>
@@ -15,15 +14,15 @@ namespace plexa
 
 struct WPresetValues;
 
-/// "FIELD=VALUE" taken apart; VALUE is JSON where it parses as such, else a string.
+/// "FIELD=VALUE" taken apart.
 struct FieldArgument {
     QString name;
-    QJsonValue value;
+    QString text;
 
     [[nodiscard]] static Result<FieldArgument> parse(const std::string &argument);
 };
 
-/// Sets a field of the quick preset; for "image", VALUE is the path of a picture.
+/// Sets a field of the quick preset; VALUE is JSON where it parses as such, else a string.
 [[nodiscard]] Result<void> applyField(WPresetValues &values, const std::string &argument);
 
 /// Sets a field of the saving preset.

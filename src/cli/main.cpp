@@ -50,8 +50,8 @@ int main(int argc, char **argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication application(argc, argv);
     QCoreApplication::setOrganizationName(plexa::companyName(true));
-    QCoreApplication::setApplicationName(plexa::applicationName(false, false, true));
-    QCoreApplication::setApplicationVersion(plexa::applicationVersion());
+    QCoreApplication::setApplicationName(plexa::applicationNameWithCompany(false, false, true));
+    QCoreApplication::setApplicationVersion(plexa::BundleInfo::own().shortVersionString);
     plexa::catchInterruptions();
     return run(argc, argv);
 }

@@ -27,7 +27,7 @@ QVariantMap propertiesOfCopy(ImageMetadata metadata, const CopyOrder &order, con
 {
     metadata.setOrientation(1);
     metadata.setCompressionQuality(order.quality);
-    metadata.setTiffSoftware(applicationName(true, false, true));
+    metadata.setTiffSoftware(applicationNameWithCompany(true, false, true));
     metadata.setTiffCompression(order.tiffLzw ? kTiffCompressionLzw : kTiffCompressionNone);
     if (uprighting.isStretched()) {
         const double dpi = std::max(metadata.dpiWidth().toDouble(), metadata.dpiHeight().toDouble());

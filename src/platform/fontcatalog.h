@@ -12,8 +12,17 @@
 namespace plexa
 {
 
+/// A font of any size, made from one of a whole size: Qt rounds sizes to whole pixels. Text is laid out with
+/// `font`, then everything (lengths, glyph positions, outlines) is multiplied by `scale`, as with
+/// `QPainter::scale(scale, scale)`; a line width in the picture's pixels is divided by it first.
+struct SizedFont {
+    QFont font;       ///< its size is pixelSize(): whole, and the same on every paint device; hinting off
+    double scale = 1; ///< > 0; 1 for most whole sizes
+};
+
 /// The fonts of this desktop by their PostScript names ("DejaVuSans-Bold"), which is how presets store them.
-/// Loaded once when made; all functions afterwards are const and may be called from any thread.
+/// Loaded once when made; all functions afterwards are const and may be called from any thread. fontNamed()
+/// and defaultFont() need a QGuiApplication.
 class FontCatalog final
 {
 public:
@@ -22,25 +31,31 @@ public:
     FontCatalog(const FontCatalog &) = delete;
     FontCatalog &operator=(const FontCatalog &) = delete;
 
-    /// The font of that PostScript name, where 1 point is 1 pixel; hinting off.
-    /// @param pixelSize  > 0, may be fractional
+    /// The font of exactly that PostScript name (letter case counts). Where several installed files have the
+    /// name, the newest version among them.
+    /// @param pixelSize  the em's height in pixels, may be fractional; what is not above 0 counts as tiny
     /// @return none when no such font is installed
-    std::optional<QFont> fontNamed(const QString &postScriptName, double pixelSize) const;
+    std::optional<SizedFont> fontNamed(const QString &postScriptName, double pixelSize) const;
 
     /// The default sans-serif font; always usable.
-    QFont defaultFont(double pixelSize) const;
+    SizedFont defaultFont(double pixelSize) const;
+
+    /// Its PostScript name; empty only where no font at all is installed.
     QString defaultFontName() const;
 
-    /// The PostScript name of a family's style; empty when there is none.
+    /// The PostScript name of a family's style, letter case ignored; empty when there is none. Also takes the
+    /// family's other names (in another language, or the short one of a width such as "DejaVu Sans
+    /// Condensed") with the style's name there.
     QString postScriptName(const QString &family, const QString &style) const;
 
     /// All families, sorted for people.
     QStringList families() const;
 
-    /// The styles of a family, from light to heavy, upright before slanted.
+    /// The styles of a family: normal width before the others; from light to heavy, upright before slanted.
     QStringList styles(const QString &family) const;
 
-    /// Family and style of a PostScript name; both empty when it is unknown.
+    /// Family and style of a PostScript name, as families() and styles() list them; both empty when it is
+    /// unknown.
     struct Face {
         QString family;
         QString style;

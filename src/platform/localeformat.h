@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <QByteArray>
 #include <QDateTime>
 #include <QString>
 
@@ -9,30 +10,37 @@ namespace plexa
 {
 
 /// Dates, times and numbers as the user's locale writes them (CLDR styles, by ICU). A value; any thread.
+///
+/// Every time is written as the clock on the wall of the system's time zone (TZ) showed it. An invalid time
+/// gives an empty string.
 class LocaleFormat final
 {
 public:
     enum class Style { Full, Long, Medium, Short };
 
-    /// The user's locale, from the environment (LC_ALL, LC_TIME/LC_NUMERIC, LANG).
+    /// The user's locale, from the environment: LC_ALL, else LC_TIME for dates and times and LC_NUMERIC for
+    /// numbers, else LANG. "C" and "POSIX" write dates and times in American English, and numbers plainly.
     LocaleFormat();
 
-    /// @param localeName  as in "de_DE"; unknown names fall back as ICU does
+    /// @param localeName  as in "de_DE" or "sr_RS.UTF-8@latin"; unknown names fall back as ICU does
     explicit LocaleFormat(const QString &localeName);
 
-    /// The date alone, or the time alone, of a local time, in the local time zone.
+    /// The date alone, or the time alone.
     QString date(const QDateTime &when, Style style) const;
     QString time(const QDateTime &when, Style style) const;
 
-    /// A strftime pattern ("%Y-%m-%d"), in the local time zone.
+    /// A strftime pattern ("%Y-%m-%d"). Understands %Y %y %C %m %d %e %j %H %I %M %S %F %T %R %D %n %t %%,
+    /// always in the digits 0 to 9, and %A %a %B %b %h %p in the locale's language; anything else stays as it
+    /// stands.
     QString calendar(const QDateTime &when, const QString &pattern) const;
 
     /// A decimal number with at most `maxFractionDigits` digits after the separator, rounded half to even, as
-    /// the locale's decimal style writes it.
+    /// the locale's decimal style writes it (digit groups included).
     QString decimal(double value, int maxFractionDigits) const;
 
 private:
-    QByteArray m_locale;
+    QByteArray m_dateLocale;   // in ICU's spelling
+    QByteArray m_numberLocale; // in ICU's spelling
 };
 
 } // namespace plexa

@@ -1,0 +1,357 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/atomicfile.h"
+
+#include "platform/systemerror.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <fcntl.h>
+#include <stdio.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <random>
+
+namespace plexa
+{
+namespace
+{
+
+constexpr mode_t kModeBeforeUmask = 0666;
+constexpr mode_t kPermissionBits = 0777;
+constexpr int kMaxLinks = 40; // the kernel's own limit
+constexpr int kMaxNameTries = 100;
+
+struct AtomicFileTexts {
+    Q_DECLARE_TR_FUNCTIONS(AtomicFile)
+};
+
+QByteArray folderOf(const QByteArray &path)
+{
+    return path.left(std::max<qsizetype>(path.lastIndexOf('/'), 1));
+}
+
+QByteArray randomTemporaryPath(const QByteArray &target)
+{
+    static constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
+    std::random_device random;
+    std::uniform_int_distribution<std::size_t> letter(0, sizeof kLetters - 2);
+    QByteArray name = "/.plexa-";
+    for (int i = 0; i < 8; ++i)
+        name += kLetters[letter(random)];
+    return folderOf(target) + name + ".tmp";
+}
+
+/// The link under which a process finds its own open file.
+QByteArray descriptorPath(int descriptor)
+{
+    return "/proc/self/fd/" + QByteArray::number(descriptor);
+}
+
+/// Follows symbolic links at the end of the path, also a last one that points nowhere.
+/// @return 0 or an errno value
+int followLinks(QByteArray &path)
+{
+    for (int i = 0; i < kMaxLinks; ++i) {
+        char buffer[4096];
+        const ssize_t length = readlink(path.constData(), buffer, sizeof buffer);
+        if (length < 0)
+            return errno == EINVAL || errno == ENOENT ? 0 : errno;
+        if (length == ssize_t(sizeof buffer))
+            return ENAMETOOLONG;
+        const QByteArray link(buffer, length);
+        path = link.startsWith('/') ? link : folderOf(path) + '/' + link;
+    }
+    return ELOOP;
+}
+
+} // namespace
+
+/// Remembers that a write failed: QFile forgets it with the next seek.
+class AtomicFile::Device final : public QFile
+{
+public:
+    bool seek(qint64 position) override
+    {
+        errno = 0;
+        const bool done = QFile::seek(position);
+        if (!done)
+            note();
+        return done;
+    }
+
+    /// Writes what is buffered. @return 0 or the errno value of the first failure of all
+    int finish()
+    {
+        errno = 0;
+        if (!flush())
+            note();
+        return m_error;
+    }
+
+protected:
+    qint64 writeData(const char *data, qint64 size) override
+    {
+        errno = 0;
+        const qint64 written = QFile::writeData(data, size);
+        if (written != size)
+            note();
+        return written;
+    }
+
+private:
+    void note()
+    {
+        if (m_error == 0)
+            m_error = errno != 0 ? errno : EIO;
+    }
+
+    int m_error = 0;
+};
+
+AtomicFile::AtomicFile(QString path, IfExists ifExists, Durability durability, Staging staging)
+    : m_path(std::move(path))
+    , m_ifExists(ifExists)
+    , m_durability(durability)
+    , m_staging(staging)
+{
+}
+
+AtomicFile::~AtomicFile()
+{
+    discard();
+}
+
+Result<void> AtomicFile::failure(int error) const
+{
+    return fail(AtomicFileTexts::tr("\"%1\" cannot be written: %2").arg(m_path, writeErrorText(error)));
+}
+
+Result<void> AtomicFile::open()
+{
+    Q_ASSERT(!m_device);
+    // Absolute, so that a later change of the working directory does not matter.
+    m_target = QFile::encodeName(QFileInfo(m_path).absoluteFilePath());
+    if (m_path.isEmpty() || m_path.contains(QChar(u'\0')))
+        return failure(ENOENT);
+    if (m_ifExists == IfExists::Replace) {
+        if (const int error = followLinks(m_target))
+            return failure(error);
+    }
+    struct stat there {
+    };
+    if (lstat(m_target.constData(), &there) == 0) {
+        if (S_ISDIR(there.st_mode))
+            return failure(EISDIR);
+        if (m_ifExists == IfExists::Fail)
+            return failure(EEXIST);
+        if (!S_ISREG(there.st_mode))
+            return fail(
+                AtomicFileTexts::tr("\"%1\" cannot be written: it is not an ordinary file").arg(m_path));
+        if (faccessat(AT_FDCWD, m_target.constData(), W_OK, AT_EACCESS) != 0)
+            return fail(AtomicFileTexts::tr("\"%1\" cannot be written: it is write-protected").arg(m_path));
+    }
+
+    int descriptor = m_staging == Staging::Named ? -1 : openNameless();
+    if (descriptor < 0)
+        descriptor = openNamed();
+    if (descriptor < 0)
+        return failure(errno);
+    m_device = std::make_unique<Device>();
+    if (!m_device->QFile::open(descriptor, QIODevice::ReadWrite, QFileDevice::AutoCloseHandle)) {
+        ::close(descriptor);
+        discard();
+        return failure(EIO);
+    }
+    return {};
+}
+
+int AtomicFile::openNameless() const
+{
+    // Without /proc such a file could never get a name.
+    if (access("/proc/self/fd", X_OK) != 0)
+        return -1;
+    return ::open(folderOf(m_target).constData(), O_TMPFILE | O_RDWR | O_CLOEXEC, kModeBeforeUmask);
+}
+
+int AtomicFile::openNamed()
+{
+    for (int i = 0; i < kMaxNameTries; ++i) {
+        const QByteArray path = randomTemporaryPath(m_target);
+        const int descriptor =
+            ::open(path.constData(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC | O_NOFOLLOW, kModeBeforeUmask);
+        if (descriptor >= 0)
+            m_temporaryPath = path;
+        if (descriptor >= 0 || errno != EEXIST)
+            return descriptor;
+    }
+    return -1;
+}
+
+QFile &AtomicFile::device()
+{
+    Q_ASSERT(m_device);
+    return *m_device;
+}
+
+void AtomicFile::setModificationTime(const QDateTime &time)
+{
+    m_modificationTime = time;
+}
+
+Result<void> AtomicFile::commit()
+{
+    if (!m_device)
+        return failure(EBADF);
+    Result<void> done = finishContents();
+    if (done) {
+        if (const int error = putInPlace())
+            done = failure(error);
+    }
+    discard();
+    if (done && m_durability == Durability::Synced) {
+        // Best effort: the file is in place whatever this says, and some file systems cannot do it.
+        const int folder = ::open(folderOf(m_target).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (folder >= 0) {
+            fsync(folder);
+            ::close(folder);
+        }
+    }
+    return done;
+}
+
+Result<void> AtomicFile::finishContents()
+{
+    if (const int error = m_device->finish())
+        return failure(error);
+    const int descriptor = m_device->handle();
+    if (m_ifExists == IfExists::Replace) {
+        if (Result<void> done = takeOverPermissions(); !done)
+            return done;
+    }
+    if (m_modificationTime && m_modificationTime->isValid()) {
+        const qint64 ms = m_modificationTime->toMSecsSinceEpoch();
+        const qint64 msOfSecond = (ms % 1000 + 1000) % 1000;
+        timespec times[2] = {};
+        times[0].tv_nsec = UTIME_OMIT;
+        times[1].tv_sec = (ms - msOfSecond) / 1000;
+        times[1].tv_nsec = msOfSecond * 1'000'000;
+        if (futimens(descriptor, times) != 0)
+            return failure(errno);
+    }
+    if (m_durability == Durability::Synced)
+        return fsync(descriptor) == 0 ? Result<void>() : failure(errno);
+    // Network file systems tell that the disk is full only when a file is closed.
+    const int copy = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    if (copy >= 0 && ::close(copy) != 0 && errno != EINTR)
+        return failure(errno);
+    return {};
+}
+
+Result<void> AtomicFile::takeOverPermissions() const
+{
+    struct stat old {
+    };
+    struct stat own {
+    };
+    const int descriptor = m_device->handle();
+    if (stat(m_target.constData(), &old) != 0)
+        return errno == ENOENT ? Result<void>() : failure(errno);
+    if (fstat(descriptor, &own) != 0)
+        return failure(errno);
+    mode_t mode = old.st_mode & kPermissionBits;
+    if (old.st_uid != own.st_uid || old.st_gid != own.st_gid) {
+        const bool groupKept = fchown(descriptor, old.st_uid, old.st_gid) == 0 ||
+                               fchown(descriptor, static_cast<uid_t>(-1), old.st_gid) == 0;
+        // What one group might do is not for another one to do.
+        if (!groupKept)
+            mode = (mode & ~mode_t(S_IRWXG)) | (mode & ((mode & S_IRWXO) << 3));
+    }
+    // File systems without permissions refuse this, and then there is nothing to take over.
+    if (fchmod(descriptor, mode) != 0 && errno != EPERM && errno != ENOTSUP)
+        return failure(errno);
+    return {};
+}
+
+/// @return 0 or an errno value
+int AtomicFile::putInPlace()
+{
+    if (m_ifExists == IfExists::Fail) {
+        if (!m_temporaryPath.isEmpty())
+            return moveWithoutReplacing();
+        const int linked = linkat(AT_FDCWD, descriptorPath(m_device->handle()).constData(), AT_FDCWD,
+                                  m_target.constData(), AT_SYMLINK_FOLLOW);
+        return linked == 0 ? 0 : errno;
+    }
+    if (m_temporaryPath.isEmpty()) {
+        if (const int error = giveTemporaryName())
+            return error;
+    }
+    if (rename(m_temporaryPath.constData(), m_target.constData()) != 0)
+        return errno;
+    m_temporaryPath.clear();
+    return 0;
+}
+
+/// A link cannot replace a file, so the nameless file needs a name to be renamed from.
+int AtomicFile::giveTemporaryName()
+{
+    for (int i = 0; i < kMaxNameTries; ++i) {
+        const QByteArray path = randomTemporaryPath(m_target);
+        if (linkat(AT_FDCWD, descriptorPath(m_device->handle()).constData(), AT_FDCWD, path.constData(),
+                   AT_SYMLINK_FOLLOW) == 0) {
+            m_temporaryPath = path;
+            return 0;
+        }
+        if (errno != EEXIST)
+            return errno;
+    }
+    return EEXIST;
+}
+
+/// The first of three ways that the file system offers. What is left of the temporary name, discard()
+/// removes.
+int AtomicFile::moveWithoutReplacing() const
+{
+    const char *from = m_temporaryPath.constData();
+    const char *to = m_target.constData();
+    if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0)
+        return 0;
+    if (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP)
+        return errno;
+    if (link(from, to) == 0)
+        return 0;
+    if (errno != EPERM && errno != ENOSYS && errno != ENOTSUP && errno != EMLINK)
+        return errno;
+    // An empty file of our own takes the name, which only one can do, and is then replaced.
+    const int claim = ::open(to, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, kModeBeforeUmask);
+    if (claim < 0)
+        return errno;
+    ::close(claim);
+    if (rename(from, to) == 0)
+        return 0;
+    const int error = errno;
+    unlink(to);
+    return error;
+}
+
+void AtomicFile::discard()
+{
+    m_device.reset();
+    if (!m_temporaryPath.isEmpty())
+        unlink(m_temporaryPath.constData());
+    m_temporaryPath.clear();
+}
+
+bool AtomicFile::isTemporaryName(const QString &fileName)
+{
+    static const QRegularExpression pattern(QStringLiteral("\\A\\.plexa-[a-z0-9]{8}\\.tmp\\z"));
+    return pattern.match(fileName).hasMatch();
+}
+
+} // namespace plexa

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/systemerror.h"
+
+#include <QCoreApplication>
+
+#include <cerrno>
+#include <system_error>
+
+namespace plexa
+{
+namespace
+{
+
+struct SystemError {
+    Q_DECLARE_TR_FUNCTIONS(SystemError)
+};
+
+} // namespace
+
+QString writeErrorText(int error)
+{
+    switch (error) {
+    case ENOSPC:
+        return SystemError::tr("no space left on the disk");
+    case EDQUOT:
+        return SystemError::tr("the disk quota is used up");
+    case EFBIG:
+        return SystemError::tr("the file is larger than is allowed here");
+    case EACCES:
+    case EPERM:
+        return SystemError::tr("no permission to write into the folder");
+    case EROFS:
+        return SystemError::tr("the disk is read-only");
+    case ENOENT:
+        return SystemError::tr("the folder does not exist");
+    case ENOTDIR:
+        return SystemError::tr("a part of its path is not a folder");
+    case EISDIR:
+        return SystemError::tr("a folder of that name exists");
+    case EEXIST:
+        return SystemError::tr("a file of that name exists already");
+    case ENAMETOOLONG:
+        return SystemError::tr("its name is too long");
+    case ELOOP:
+        return SystemError::tr("its symbolic links go in a circle");
+    case EIO:
+        return SystemError::tr("the disk reports an error");
+    case EMFILE:
+    case ENFILE:
+        return SystemError::tr("too many files are open");
+    default:
+        return QString::fromLocal8Bit(std::system_category().message(error).c_str());
+    }
+}
+
+} // namespace plexa

@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/userdefaults.h"
+
+#include <QRegularExpression>
+
+#include <cmath>
+#include <limits>
+
+namespace plexa
+{
+namespace
+{
+
+bool isText(const QVariant &value)
+{
+    return value.typeId() == QMetaType::QString || value.typeId() == QMetaType::QByteArray;
+}
+
+bool isNumber(const QVariant &value)
+{
+    switch (value.typeId()) {
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::Long:
+    case QMetaType::ULong:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::Float:
+    case QMetaType::Double:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// What of `text` the pattern's first group matches at its start.
+QString leading(const QString &text, const QRegularExpression &pattern)
+{
+    return pattern.match(text).captured(1);
+}
+
+bool truthOf(const QString &text)
+{
+    static const QRegularExpression pattern(QStringLiteral("\\A\\s*[-+]?0*[YyTt1-9]"));
+    return pattern.match(text).hasMatch();
+}
+
+qint64 integerOf(const QString &text)
+{
+    static const QRegularExpression pattern(QStringLiteral("\\A\\s*([-+]?[0-9]+)"));
+    const QString digits = leading(text, pattern);
+    bool fits = false;
+    const qint64 number = digits.toLongLong(&fits);
+    if (fits || digits.isEmpty())
+        return number;
+    return digits.startsWith(QLatin1Char('-')) ? std::numeric_limits<qint64>::min()
+                                               : std::numeric_limits<qint64>::max();
+}
+
+qint64 integerOf(double number)
+{
+    constexpr double kBeyond = 9223372036854775808.0; // 2^63
+    if (std::isnan(number))
+        return 0;
+    if (number >= kBeyond)
+        return std::numeric_limits<qint64>::max();
+    if (number < -kBeyond)
+        return std::numeric_limits<qint64>::min();
+    return static_cast<qint64>(number);
+}
+
+double decimalOf(const QString &text)
+{
+    static const QRegularExpression pattern(
+        QStringLiteral("\\A\\s*([-+]?(?:[0-9]+\\.?[0-9]*|\\.[0-9]+)(?:[eE][-+]?[0-9]+)?)"));
+    return leading(text, pattern).toDouble();
+}
+
+float finiteFloat(double number)
+{
+    constexpr double kGreatest = std::numeric_limits<float>::max();
+    return std::isnan(number) ? 0.0F : static_cast<float>(std::clamp(number, -kGreatest, kGreatest));
+}
+
+} // namespace
+
+UserDefaults::UserDefaults(const QString &maker, const QString &application)
+    : m_stored(maker, application)
+{
+}
+
+void UserDefaults::registerDefaults(const QHash<QString, QVariant> &defaults)
+{
+    const std::lock_guard lock(m_mutex);
+    m_registered.insert(defaults);
+}
+
+QVariant UserDefaults::objectForKey(const QString &key) const
+{
+    const std::lock_guard lock(m_mutex);
+    if (!m_stored.contains(key))
+        return m_registered.value(key);
+    const QVariant value = m_stored.value(key);
+    // An empty list is written as a value of no type; nothing else is, since storing one removes the key.
+    return value.isValid() ? value : QVariant(QStringList());
+}
+
+bool UserDefaults::boolForKey(const QString &key) const
+{
+    const QVariant value = objectForKey(key);
+    if (isText(value))
+        return truthOf(value.toString());
+    return value.typeId() == QMetaType::Bool ? value.toBool() : isNumber(value) && value.toDouble() != 0;
+}
+
+qint64 UserDefaults::integerForKey(const QString &key) const
+{
+    const QVariant value = objectForKey(key);
+    if (isText(value))
+        return integerOf(value.toString());
+    if (value.typeId() == QMetaType::Float || value.typeId() == QMetaType::Double)
+        return integerOf(value.toDouble());
+    return value.typeId() == QMetaType::Bool || isNumber(value) ? value.toLongLong() : 0;
+}
+
+float UserDefaults::floatForKey(const QString &key) const
+{
+    const QVariant value = objectForKey(key);
+    if (isText(value))
+        return finiteFloat(decimalOf(value.toString()));
+    return value.typeId() == QMetaType::Bool || isNumber(value) ? finiteFloat(value.toDouble()) : 0.0F;
+}
+
+QString UserDefaults::stringForKey(const QString &key) const
+{
+    const QVariant value = objectForKey(key);
+    if (value.typeId() == QMetaType::Bool)
+        return value.toBool() ? QStringLiteral("1") : QStringLiteral("0");
+    return isText(value) || isNumber(value) ? value.toString() : QString();
+}
+
+QStringList UserDefaults::stringArrayForKey(const QString &key) const
+{
+    const QVariant value = objectForKey(key);
+    // A list of one and a single text look alike in the file.
+    if (isText(value) || value.typeId() == QMetaType::QStringList)
+        return value.toStringList();
+    QStringList texts;
+    for (const QVariant &element : value.toList()) {
+        if (!isText(element))
+            return {};
+        texts.append(element.toString());
+    }
+    return texts;
+}
+
+void UserDefaults::setObject(const QString &key, const QVariant &value)
+{
+    const std::lock_guard lock(m_mutex);
+    if (value.isValid())
+        m_stored.setValue(key, value);
+    else
+        m_stored.remove(key);
+}
+
+void UserDefaults::removeObjectForKey(const QString &key)
+{
+    setObject(key, {});
+}
+
+bool UserDefaults::synchronize()
+{
+    const std::lock_guard lock(m_mutex);
+    m_stored.sync();
+    return m_stored.status() == QSettings::NoError;
+}
+
+} // namespace plexa

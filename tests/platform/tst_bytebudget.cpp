@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/bytebudget.h"
+
+#include <QtTest>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <limits>
+#include <thread>
+#include <vector>
+
+using namespace plexa;
+using namespace std::chrono_literals;
+
+class ByteBudgetTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void requests_data();
+    void requests();
+    void neverOverdrawn();
+    void largeRequestIsNotStarved();
+    void physicalMemory();
+};
+
+void ByteBudgetTest::requests_data()
+{
+    QTest::addColumn<qint64>("total");
+    QTest::addColumn<qint64>("bytes");
+    QTest::addColumn<bool>("granted");
+    QTest::newRow("some") << qint64(100) << qint64(40) << true;
+    QTest::newRow("all") << qint64(100) << qint64(100) << true;
+    QTest::newRow("more than there is") << qint64(100) << qint64(101) << false;
+    QTest::newRow("absurd") << qint64(100) << std::numeric_limits<qint64>::max() << false;
+    QTest::newRow("negative") << qint64(100) << qint64(-5) << true;
+    QTest::newRow("nothing of nothing") << qint64(-1) << qint64(0) << true;
+}
+
+void ByteBudgetTest::requests()
+{
+    QFETCH(qint64, total);
+    QFETCH(qint64, bytes);
+    QFETCH(bool, granted);
+    ByteBudget budget(total);
+    {
+        auto reservation = budget.reserve(bytes);
+        QCOMPARE(reservation.has_value(), granted);
+        QCOMPARE(budget.available(), budget.total() - (granted ? std::max<qint64>(bytes, 0) : 0));
+        if (granted) {
+            ByteBudget::Reservation moved = std::move(*reservation);
+            moved.release();
+            moved.release();
+            QCOMPARE(budget.available(), budget.total());
+            moved = *budget.reserve(0);
+        }
+    }
+    QCOMPARE(budget.available(), budget.total());
+}
+
+void ByteBudgetTest::neverOverdrawn()
+{
+    ByteBudget budget(100);
+    std::atomic<qint64> held = 0;
+    std::atomic<qint64> most = 0;
+    std::atomic<int> done = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&, i] {
+            for (int n = 0; n < 500; ++n) {
+                const qint64 bytes = (n * 37 + i * 11) % 101;
+                const auto reservation = budget.reserve(bytes);
+                const qint64 now = held += bytes;
+                qint64 before = most;
+                while (now > before && !most.compare_exchange_weak(before, now)) {
+                }
+                std::this_thread::yield();
+                held -= bytes;
+            }
+            ++done;
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    QCOMPARE(done, 4);
+    QVERIFY(most <= 100);
+    QCOMPARE(budget.available(), 100);
+}
+
+void ByteBudgetTest::largeRequestIsNotStarved()
+{
+    ByteBudget budget(100);
+    std::atomic<bool> largeIsServed = false;
+    std::atomic<bool> stop = false;
+    std::atomic<int> started = 0;
+    // Small ones overlap, so that all of the budget is never free by chance.
+    std::vector<std::thread> small;
+    for (int i = 0; i < 3; ++i) {
+        small.emplace_back([&] {
+            auto held = budget.reserve(10);
+            ++started;
+            while (!stop) {
+                held = {};
+                held = budget.reserve(10);
+                std::this_thread::sleep_for(1ms);
+            }
+        });
+    }
+    while (started < 3)
+        std::this_thread::yield();
+    std::thread large([&] {
+        const auto all = budget.reserve(100);
+        largeIsServed = all.has_value();
+    });
+    const bool served = QTest::qWaitFor([&] { return largeIsServed.load(); }, 20'000);
+    stop = true;
+    large.join();
+    for (std::thread &thread : small)
+        thread.join();
+    QVERIFY(served);
+}
+
+void ByteBudgetTest::physicalMemory()
+{
+    QVERIFY(physicalMemoryBytes() > 32 * 1024 * 1024);
+    QFile info(QStringLiteral("/proc/meminfo"));
+    QVERIFY(info.open(QIODevice::ReadOnly));
+    const qint64 kilobytes = info.readLine().simplified().split(' ').value(1).toLongLong();
+    QVERIFY(physicalMemoryBytes() <= kilobytes * 1024);
+}
+
+QTEST_GUILESS_MAIN(ByteBudgetTest)
+#include "tst_bytebudget.moc"
