@@ -79,13 +79,14 @@ Weights weightsFor(double extent, int target)
 /// smaller. Both factors at most 256, or a sum of bytes would not fit.
 QImage shrunkByWholeFactors(const QImage &image, int factorX, int factorY)
 {
-    const int width = (image.width() + factorX - 1) / factorX;
+    const int fullWidth = image.width();
+    const int width = (fullWidth + factorX - 1) / factorX;
     const int height = (image.height() + factorY - 1) / factorY;
     QImage result(width, height, image.format());
     if (result.isNull())
         return {};
     uchar *bits = result.bits();
-    const qsizetype bytes = qsizetype(image.width()) * 4;
+    const qsizetype bytes = qsizetype(fullWidth) * 4;
     std::vector<quint16> sums(std::size_t(bytes), 0);
     for (int y = 0; y < height; ++y) {
         const int top = y * factorY;
@@ -100,7 +101,7 @@ QImage shrunkByWholeFactors(const QImage &image, int factorX, int factorY)
         uchar *to = bits + y * result.bytesPerLine();
         for (int x = 0; x < width; ++x) {
             const int left = x * factorX;
-            const int columns = std::min(factorX, image.width() - left);
+            const int columns = std::min(factorX, fullWidth - left);
             const quint16 *from = sums.data() + qsizetype(left) * 4;
             quint32 total[4] = {0, 0, 0, 0};
             for (int column = 0; column < columns; ++column, from += 4) {
@@ -123,6 +124,7 @@ QImage filtered(const QImage &image, QSize size, const Weights &across, const We
     if (result.isNull())
         return {};
     const std::size_t width = std::size_t(size.width());
+    const qsizetype channelCount = qsizetype(image.width()) * 4;
     std::vector<Pixel> wide(std::size_t(image.width()));
     std::vector<Pixel> ring(width * std::size_t(down.taps));
     std::vector<Pixel> sum(width);
@@ -135,7 +137,7 @@ QImage filtered(const QImage &image, QSize size, const Weights &across, const We
         for (ready = std::max(ready, first); ready < first + down.taps; ++ready) {
             const uchar *from = image.constBits() + ready * image.bytesPerLine();
             auto *channels = reinterpret_cast<float *>(wide.data());
-            for (qsizetype i = 0; i < qsizetype(image.width()) * 4; ++i)
+            for (qsizetype i = 0; i < channelCount; ++i)
                 channels[i] = float(from[i]);
             Pixel *to = ring.data() + std::size_t(ready % down.taps) * width;
             for (std::size_t x = 0; x < width; ++x) {
