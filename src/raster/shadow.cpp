@@ -303,10 +303,7 @@ Shadow shadowOf(const QImage &mark, double blur, const QColor &color)
     }
 
     const int block = std::max(1, int(deviation / kBlocksPerDeviation));
-    // Averaging over blocks and drawing lines between their middles blur, too: by these variances, in blocks.
-    const double own = block == 1 ? 0 : (1 - 1.0 / (double(block) * block)) / 12 + 1.0 / 6;
-    const double inBlocks = deviation / block;
-    const std::vector<float> kernel = gaussian(std::sqrt(inBlocks * inBlocks - own));
+    const std::vector<float> kernel = gaussian(deviation / block);
     const int columns = (shadow.image.width() + block - 1) / block;
     const int lines = (shadow.image.height() + block - 1) / block;
     BlurredRows rows(BlockedCoverage(mark, shadow.margin, block, columns), columns, kernel);
