@@ -72,10 +72,9 @@ QVariantList numbersOf(const Exiv2::Value &value)
     QVariantList numbers;
     if (isNumeric(value) && value.count() <= kMaxElements) {
         for (long i = 0; i < value.count(); ++i) {
+            // "Unknown", zero divided by zero, has a place to keep in a list.
             const QVariant number = numberAt(value, i);
-            if (!number.isValid())
-                return {};
-            numbers += number;
+            numbers += number.isValid() ? number : QVariant(0);
         }
     }
     return numbers;
@@ -255,7 +254,7 @@ QVariant iptcField(const Exiv2::IptcData &iptc, const MetadataField &field)
         if (datum.record() != key.record() || datum.tag() != key.tag())
             continue;
         // Many records are UTF-8 and do not say so, and some say so and are not.
-        const QString text = trimmedAtEnd(decodedText(bytesOf(datum.value())));
+        const QString text = decodedField(bytesOf(datum.value()));
         if (!text.isEmpty() && texts.size() < kMaxElements * 16)
             texts += text;
     }
@@ -296,13 +295,12 @@ QString makerNoteLens(const Exiv2::ExifData &exif)
 
 void insertLens(QVariantMap &aux, const MetadataSet &set)
 {
-    if (!aux.contains(kCGImagePropertyExifAuxLensModel)) {
-        const QString name = makerNoteLens(set.exif);
-        if (!name.isEmpty())
-            aux.insert(kCGImagePropertyExifAuxLensModel, name);
-    }
+    const QString name = makerNoteLens(set.exif);
+    if (!name.isEmpty() && !aux.contains(kCGImagePropertyExifAuxLensModel))
+        aux.insert(kCGImagePropertyExifAuxLensModel, name);
     const auto canonType = set.exif.findKey(Exiv2::ExifKey("Exif.CanonCs.LensType"));
-    if (canonType != set.exif.end() && canonType->count() == 1) {
+    // A number that names no lens comes from a damaged note or a camera without lens mount.
+    if (!name.isEmpty() && canonType != set.exif.end() && canonType->count() == 1) {
         const QVariant number = numberAt(canonType->value(), 0);
         if (number.toInt() > 0 && number.toInt() != 0xFFFF)
             aux.insert(kCGImagePropertyExifAuxLensID, number);
