@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <utility>
 
 namespace plexa
 {
@@ -125,14 +126,10 @@ public:
         m_top += metrics.height();
     }
 
-    TextSetting setting() const
+    TextSetting setting() &&
     {
-        TextSetting setting;
-        setting.outlines = QTransform::fromScale(1.0 / kEm, 1.0 / kEm).map(m_outlines);
-        setting.outlines.setFillRule(Qt::WindingFill);
-        setting.pictureGlyphs = m_pictureGlyphs;
-        setting.height = m_top / kEm;
-        return setting;
+        m_setting.height = m_top / kEm;
+        return std::move(m_setting);
     }
 
 private:
@@ -148,10 +145,19 @@ private:
                 outline = known.insert(glyphs.at(i), font.pathForGlyph(glyphs.at(i)));
             const QPointF at = positions.at(i) + offset;
             if (!outline->isEmpty())
-                m_outlines.addPath(outline->translated(at));
+                addOutline(*outline, at);
             else if (!font.boundingRect(glyphs.at(i)).isEmpty())
                 addPicture(font, glyphs.at(i), at);
         }
+    }
+
+    void addOutline(const QPainterPath &outline, QPointF at)
+    {
+        constexpr double toEms = 1.0 / kEm;
+        QPainterPath placed =
+            (QTransform::fromTranslate(at.x(), at.y()) * QTransform::fromScale(toEms, toEms)).map(outline);
+        placed.setFillRule(Qt::WindingFill);
+        m_setting.outlines.push_back(std::move(placed));
     }
 
     void addPicture(const QRawFont &font, quint32 glyph, QPointF at)
@@ -160,12 +166,11 @@ private:
         single.setRawFont(font);
         single.setGlyphIndexes({glyph});
         single.setPositions({at});
-        m_pictureGlyphs.push_back(single);
+        m_setting.pictureGlyphs.push_back(single);
     }
 
     LineMetrics m_ofFont;
-    QPainterPath m_outlines;
-    std::vector<QGlyphRun> m_pictureGlyphs;
+    TextSetting m_setting;
     double m_top = 0;
 };
 
@@ -194,7 +199,7 @@ Result<TextSetting> setText(const QString &text, const FontCatalog &fonts, const
     layout.endLayout();
     for (int i = 0; i < layout.lineCount(); ++i)
         glyphs.addLine(layout.lineAt(i));
-    return glyphs.setting();
+    return std::move(glyphs).setting();
 }
 
 double lineHeightInEms(const FontCatalog &fonts, const QString &fontName)

@@ -22,7 +22,7 @@ enum class TextAlignment { Left, Centre, Right };
 /// A text set in a frame, as outlines. Lengths are in ems (1: the font size), origin at the frame's top left,
 /// y downwards, so that one setting serves every size. Belongs to the thread that made it.
 struct TextSetting {
-    QPainterPath outlines; ///< of all glyphs that have outlines, non-zero winding
+    std::vector<QPainterPath> outlines; ///< a glyph each, non-zero winding
     std::vector<QGlyphRun>
         pictureGlyphs; ///< those without (colour emoji), a glyph each, in thousandths of an em
     double height = 0; ///< that the frame needs
