@@ -171,11 +171,11 @@ QImage filtered(const QImage &image, QSize size, const Weights &across, const We
     return result;
 }
 
-/// What is averaged away in whole blocks first, so that the filter itself still shrinks at least 2.5 times:
+/// What is averaged away in whole blocks first, so that the filter itself still shrinks at least 6 times:
 /// enough for it to hide the blocks.
 int blockFactor(int source, int target)
 {
-    return std::clamp(int(source / (2.5 * target)), 1, 256);
+    return std::clamp(int(source / (6.0 * target)), 1, 256);
 }
 
 /// A pixel as four lanes of 16 bits.
