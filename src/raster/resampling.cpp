@@ -75,11 +75,6 @@ Weights weightsFor(double extent, int target)
     return result;
 }
 
-const quint32 *rowOf(const QImage &image, qsizetype y)
-{
-    return reinterpret_cast<const quint32 *>(image.constBits() + y * image.bytesPerLine());
-}
-
 /// The average of each block of `factorX` x `factorY` pixels; blocks at the right and at the bottom may be
 /// smaller. Both factors at most 256, or a sum of bytes would not fit.
 QImage shrunkByWholeFactors(const QImage &image, int factorX, int factorY)
@@ -112,9 +107,9 @@ QImage shrunkByWholeFactors(const QImage &image, int factorX, int factorY)
                 for (int c = 0; c < 4; ++c)
                     total[c] += from[c];
             }
-            const quint32 area = quint32(columns * rows);
+            const float share = 1.0F / float(columns * rows);
             for (int c = 0; c < 4; ++c)
-                to[x * 4 + c] = uchar((total[c] + area / 2) / area);
+                to[x * 4 + c] = uchar(int(float(int(total[c])) * share + 0.5F));
         }
     }
     return result;
@@ -146,10 +141,17 @@ QImage filtered(const QImage &image, QSize size, const Weights &across, const We
             for (std::size_t x = 0; x < width; ++x) {
                 const float *weight = across.of(int(x));
                 const Pixel *pixel = wide.data() + across.first[x];
-                Pixel total{0, 0, 0, 0};
-                for (int k = 0; k < across.taps; ++k)
-                    total += pixel[k] * weight[k];
-                to[x] = total;
+                // Two sums, for the processor to add to both at a time.
+                Pixel even{0, 0, 0, 0};
+                Pixel odd{0, 0, 0, 0};
+                int k = 0;
+                for (; k + 1 < across.taps; k += 2) {
+                    even += pixel[k] * weight[k];
+                    odd += pixel[k + 1] * weight[k + 1];
+                }
+                if (k < across.taps)
+                    even += pixel[k] * weight[k];
+                to[x] = even + odd;
             }
         }
         std::fill(sum.begin(), sum.end(), Pixel{0.5F, 0.5F, 0.5F, 0.5F});
@@ -238,8 +240,10 @@ void drawTransformed(QImage &target, const QImage &image, const QTransform &toSo
     const int height = image.height();
     const bool opaque = image.format() == QImage::Format_RGB32;
     const quint32 outside = opaque ? 0xff000000U : 0U;
-    const auto pixelAt = [&](qint64 x, qint64 y) {
-        return x >= 0 && x < width && y >= 0 && y < height ? rowOf(image, y)[x] : outside;
+    const auto *pixels = reinterpret_cast<const quint32 *>(image.constBits());
+    const qsizetype stride = image.bytesPerLine() / 4;
+    const auto pixelAt = [=](qint64 x, qint64 y) {
+        return x >= 0 && x < width && y >= 0 && y < height ? pixels[y * stride + x] : outside;
     };
     // Places in the image are fixed-point numbers with 32 bits behind the point: over any row that fits into
     // memory the steps add up to less than a hundredth of a pixel.
@@ -267,8 +271,8 @@ void drawTransformed(QImage &target, const QImage &image, const QTransform &toSo
             const qint64 top = y >> 32;
             quint32 corner[4];
             if (left >= 0 && left + 1 < width && top >= 0 && top + 1 < height) {
-                const quint32 *upper = rowOf(image, top) + left;
-                const quint32 *lower = rowOf(image, top + 1) + left;
+                const quint32 *upper = pixels + top * stride + left;
+                const quint32 *lower = upper + stride;
                 corner[0] = upper[0];
                 corner[1] = upper[1];
                 corner[2] = lower[0];
