@@ -119,15 +119,27 @@ void encodeExif(EmbeddedMetadata::Encoded &encoded, Exiv2::ExifData &exif, Exiv2
     }
 }
 
-QByteArray encodedIptc(const Exiv2::IptcData &iptc)
+bool areSame(const Exiv2::IptcData &a, const Exiv2::IptcData &b)
 {
-    if (iptc.empty())
-        return {};
-    const Exiv2::DataBuf buffer = Exiv2::IptcParser::encode(iptc);
-    if (!buffer.pData_ ||
-        holdsPictureStart(reinterpret_cast<const char *>(buffer.pData_), static_cast<size_t>(buffer.size_)))
-        return {};
-    return QByteArray(reinterpret_cast<const char *>(buffer.pData_), buffer.size_);
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](const Exiv2::Iptcdatum &left, const Exiv2::Iptcdatum &right) {
+                          return left.key() == right.key() && left.toString() == right.toString();
+                      });
+}
+
+/// The records as they came where nothing changed: writing them anew would fill in time zones and such.
+QByteArray encodedIptc(const MetadataSet &set, const Exiv2::IptcData &original)
+{
+    QByteArray records;
+    if (!set.iptcBlock.isEmpty() && areSame(set.iptc, original)) {
+        records = set.iptcBlock;
+    } else if (!set.iptc.empty()) {
+        const Exiv2::DataBuf buffer = Exiv2::IptcParser::encode(set.iptc);
+        if (buffer.pData_)
+            records = QByteArray(reinterpret_cast<const char *>(buffer.pData_), buffer.size_);
+    }
+    const bool holdsPicture = holdsPictureStart(records.constData(), static_cast<size_t>(records.size()));
+    return holdsPicture ? QByteArray() : records;
 }
 
 QByteArray encodedXmp(const Exiv2::XmpData &xmp)
@@ -150,13 +162,14 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     Exiv2::XmpData xmp = decodedXmp(set.xmpPacket);
     erasePicturesFromExif(set.exif);
     erasePicturesFromXmp(xmp);
+    const Exiv2::IptcData original = set.iptc;
     applyPropertyChanges(set, xmp, before, after);
     describePictureInExif(set.exif, facts.pixelSize);
     describePictureInXmp(xmp, facts.pixelSize);
 
     encodeExif(encoded, set.exif, set.byteOrder, facts.thumbnailBytes);
     try {
-        encoded.iptc = encodedIptc(set.iptc);
+        encoded.iptc = encodedIptc(set, original);
     } catch (const std::exception &) {
         encoded.iptc.clear();
     }

@@ -72,10 +72,9 @@ QVariantList numbersOf(const Exiv2::Value &value)
     QVariantList numbers;
     if (isNumeric(value) && value.count() <= kMaxElements) {
         for (long i = 0; i < value.count(); ++i) {
+            // "Unknown", zero divided by zero, has a place to keep in a list.
             const QVariant number = numberAt(value, i);
-            if (!number.isValid())
-                return {};
-            numbers += number;
+            numbers += number.isValid() ? number : QVariant(0);
         }
     }
     return numbers;
@@ -255,7 +254,7 @@ QVariant iptcField(const Exiv2::IptcData &iptc, const MetadataField &field)
         if (datum.record() != key.record() || datum.tag() != key.tag())
             continue;
         // Many records are UTF-8 and do not say so, and some say so and are not.
-        const QString text = trimmedAtEnd(decodedText(bytesOf(datum.value())));
+        const QString text = decodedField(bytesOf(datum.value()));
         if (!text.isEmpty() && texts.size() < kMaxElements * 16)
             texts += text;
     }

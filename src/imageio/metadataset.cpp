@@ -62,6 +62,8 @@ void decodeIptc(MetadataSet &set, const QByteArray &iptc)
     } catch (const std::exception &) {
         set.iptc.clear();
     }
+    if (!set.iptc.empty())
+        set.iptcBlock = iptc;
 }
 
 void readThroughLibrary(MetadataSet &set, const QString &path)

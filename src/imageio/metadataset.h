@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <exiv2/exiv2.hpp>
@@ -16,6 +17,7 @@ namespace plexa
 struct MetadataSet {
     Exiv2::ExifData exif;
     Exiv2::IptcData iptc;
+    QByteArray iptcBlock; ///< the records as they came, empty where only the library saw them
     std::string xmpPacket;
     std::string comment;
     Exiv2::ByteOrder byteOrder = Exiv2::littleEndian;
