@@ -5,6 +5,7 @@
 #include "platform/fontcatalog.h"
 #include "watermark/wpresetvalues.h"
 
+#include <QPainterPath>
 #include <QRawFont>
 #include <QtTest>
 

@@ -187,7 +187,9 @@ void WatermarkLayoutTest::absurdTilingIsGivenUp_data()
     QTest::addColumn<double>("start");
     QTest::addColumn<bool>("isGivenUp");
     QTest::newRow("dense but drawable") << QSize(10, 10) << 10 << 0.0 << false;
-    QTest::newRow("a copy a pixel, both ways") << QSize(400, 100) << -99 << 0.0 << true;
+    QTest::newRow("a copy a pixel, both ways") << QSize(100, 100) << -99 << 0.0 << true;
+    QTest::newRow("large ones, ten pixels apart") << QSize(3000, 2000) << -1990 << 0.0 << true;
+    QTest::newRow("large ones, fewer") << QSize(3000, 2000) << -1900 << 0.0 << false;
     QTest::newRow("tiny ones without number") << QSize(1, 1) << 0 << 0.0 << true;
     QTest::newRow("from very far") << QSize(10, 10) << 10 << -1e300 << true;
     QTest::newRow("from infinity") << QSize(10, 10) << 10 << -std::numeric_limits<double>::infinity() << true;
