@@ -1,5 +1,9 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 
+# The folders of src/ from the bottom up: a folder uses only itself and the ones before it. This is the one
+# place with the order; scripts/check-layers reads this line.
+set(PLEXA_LAYERS platform raster imageio metadata watermark presets images saving views bulletin app cli)
+
 # What all of our own targets share: the language, the include root, the warnings, the sanitizers.
 add_library(plexa_common INTERFACE)
 target_compile_features(plexa_common INTERFACE cxx_std_20)
@@ -13,6 +17,11 @@ if(PLEXA_SANITIZE)
     target_compile_options(plexa_common INTERFACE -fsanitize=${PLEXA_SANITIZE} -fno-omit-frame-pointer
         -fno-sanitize-recover=all)
     target_link_options(plexa_common INTERFACE -fsanitize=${PLEXA_SANITIZE})
+endif()
+
+if(PLEXA_FUZZ)
+    # Coverage counters for libFuzzer; without its main function, which plexa_fuzz() adds.
+    target_compile_options(plexa_common INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
 # plexa_layer(<folder> SOURCES <files> [PUBLIC <libraries>] [PRIVATE <libraries>])
@@ -39,4 +48,15 @@ function(plexa_test name)
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES TIMEOUT ${TEST_TIMEOUT}
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;TZ=Europe/Berlin;LC_ALL=C.UTF-8;LANGUAGE=en_US;PLEXA_SOURCE_DIR=${PROJECT_SOURCE_DIR};PLEXA_BINARY_DIR=${PROJECT_BINARY_DIR};TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp:halt_on_error=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp")
+endfunction()
+
+# plexa_fuzz(<name> SOURCES <files> LINK <libraries>)
+# makes one libFuzzer program; <name> begins with "fuzz_", by which scripts/test --fuzz finds it. Its start
+# files are tests/fuzz/corpus/<name>/ where that exists, else tests/fuzz/corpus/.
+function(plexa_fuzz name)
+    cmake_parse_arguments(FUZZ "" "" "SOURCES;LINK" ${ARGN})
+    add_executable(${name} ${FUZZ_SOURCES})
+    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    target_link_libraries(${name} PRIVATE plexa_common ${FUZZ_LINK})
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
 endfunction()

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "platform/result.h"
 #include "raster/compositing.h"
 #include "watermark/watermarklayout.h"
 
@@ -39,23 +40,38 @@ public:
 private:
     WatermarkDrawing() = default;
 
+    void placeBox(const WPresetValues &values, QSize photo);
+    [[nodiscard]] Result<void> castShadow(const WPresetValues &values, QSize photo);
+    void placeStamps(QSize photo, QPoint inkAt);
+
     struct Box {
         QRectF rect; ///< origin top left
         QColor color;
     };
 
     struct Stamp {
-        QPoint topLeft; ///< origin top left
+        QPoint topLeft; ///< of the mark, origin top left
     };
 
     WatermarkLayout m_layout;
     std::optional<Box> m_box;
-    QImage m_mark;
+    QImage m_mark; ///< the part of the bitmap with something in it
     Shadow m_shadow;
     QPoint m_shadowOffset; ///< from the mark's to the shadow's top left corner, y downwards
     BlendMode m_mode = BlendMode::Normal;
     double m_opacity = 1;
-    std::vector<Stamp> m_stamps;
+    std::vector<Stamp> m_stamps; ///< those that reach into the photo
 };
+
+/// The photo with the watermark on it.
+/// @param image          the photo's pixels, format as in raster/compositing.h; brought to `photo`'s size
+///                       where it has another one
+/// @param useCustomRect  `rect` brings the origin to use (photo pixels, bottom left)
+/// @param rect           may be null; receives the origin that was used and the bitmap's size
+/// @return `image` itself (the same pixels, not a copy) when the preset yields no watermark for this photo;
+///         a failure when no bitmap can be made
+[[nodiscard]] Result<QImage> createWatermarkOnImage(const QImage &image, const WPresetValues &values,
+                                                    const TokenSource &photo, const FontCatalog &fonts,
+                                                    bool useCustomRect, QRectF *rect);
 
 } // namespace plexa

@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include "watermark/wpresetvalues.h"
+
 #include <QPointF>
 #include <QRectF>
 #include <QSize>
@@ -12,8 +14,6 @@
 
 namespace plexa
 {
-
-struct WPresetValues;
 
 /// Where a watermark lands on a photo. Photo pixels, origin at the bottom left, y upwards; QRectF::x/y are
 /// the bottom left corner. Nothing is rounded or clamped.
@@ -35,5 +35,8 @@ WatermarkLayout layoutWatermark(const WPresetValues &values, QSize photo, QSize 
 /// The pixel value of a length: "% of width", "% of height", "% of long edge" and "% of short edge" refer to
 /// the photo, every other unit means pixels. Computed in double, returned in single precision.
 float absoluteValueForSize(float value, const QString &unit, QSizeF imageSize);
+
+/// An angle of a preset in radians, in single precision; a negative one is raised by a full turn, once.
+float positiveRadians(FloatNumber degrees);
 
 } // namespace plexa

@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "cli/inspectcommand.h"
+
+#include "cli/interruption.h"
+#include "imageio/imagesource.h"
+#include "images/photofacts.h"
+#include "images/uprighting.h"
+#include "platform/localeformat.h"
+#include "saving/orderedwork.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cstdio>
+#include <thread>
+
+namespace plexa
+{
+
+namespace
+{
+
+constexpr int kSomethingFailed = 1;
+
+/// What there is to say of one file.
+struct Inspection {
+    QString path;
+    QString type;
+    QSize size; ///< as people see the photo
+    int orientation = 1;
+    QVariantMap properties;
+    std::vector<std::pair<QString, std::optional<QString>>> tokens; ///< in the vocabulary's order
+};
+
+Result<Inspection> inspect(const QString &path, const LocaleFormat &locale)
+{
+    const Result<ImageSource> source = ImageSource::open(path);
+    if (!source)
+        return tl::unexpected(source.error());
+    Inspection result;
+    result.path = path;
+    result.type = source->type();
+    result.properties = source->properties();
+    const ImageMetadata metadata(result.properties);
+    const Uprighting uprighting = uprightingOf(source->info().rows.size, metadata, 1, ReadLimits());
+    result.size = uprighting.size();
+    result.orientation = metadata.orientationCorrected();
+    const PhotoFacts facts(path, metadata, uprighting.size(), uprighting.unscaledSize(), locale);
+    for (const QString &token : tokenNames())
+        result.tokens.emplace_back(token, facts.stringForInfoToken(token, nullptr));
+    return result;
+}
+
+QJsonObject jsonOf(const Inspection &photo)
+{
+    QJsonObject tokens;
+    for (const auto &[name, text] : photo.tokens)
+        tokens[name] = text ? QJsonValue(*text) : QJsonValue(QJsonValue::Null);
+    return {{QStringLiteral("path"), photo.path},
+            {QStringLiteral("type"), photo.type},
+            {QStringLiteral("width"), photo.size.width()},
+            {QStringLiteral("height"), photo.size.height()},
+            {QStringLiteral("orientation"), photo.orientation},
+            {QStringLiteral("properties"), QJsonObject::fromVariantMap(photo.properties)},
+            {QStringLiteral("tokens"), tokens}};
+}
+
+/// A value on one line, as JSON writes it, strings without their quotation marks.
+QString plainText(const QVariant &value)
+{
+    const QJsonValue json = QJsonValue::fromVariant(value);
+    if (json.isString())
+        return json.toString();
+    const QByteArray text = QJsonDocument(QJsonArray{json}).toJson(QJsonDocument::Compact);
+    return QString::fromUtf8(text.mid(1, text.size() - 2));
+}
+
+void appendProperties(QString &text, const QVariantMap &properties, const QString &indent)
+{
+    for (auto property = properties.begin(); property != properties.end(); ++property) {
+        if (property->typeId() == QMetaType::QVariantMap) {
+            text += indent + property.key() + QLatin1String(":\n");
+            appendProperties(text, property->toMap(), indent + QLatin1String("  "));
+        } else {
+            text += indent + property.key() + QLatin1String(": ") + plainText(*property) + QLatin1Char('\n');
+        }
+    }
+}
+
+QString textOf(const Inspection &photo)
+{
+    QString text = QStringLiteral("%1\n  type: %2\n  size: %3 x %4\n  orientation: %5\n  properties:\n")
+                       .arg(photo.path, photo.type)
+                       .arg(photo.size.width())
+                       .arg(photo.size.height())
+                       .arg(photo.orientation);
+    appendProperties(text, photo.properties, QStringLiteral("    "));
+    text += QLatin1String("  tokens:\n");
+    for (const auto &[name, value] : photo.tokens) {
+        if (value)
+            text += QStringLiteral("    %1: %2\n").arg(name, *value);
+    }
+    return text;
+}
+
+} // namespace
+
+CLI::App *addInspectCommand(CLI::App &program, InspectOptions &options)
+{
+    CLI::App *command = program.add_subcommand(
+        "inspect", "Show what is known of photos: size as shown, properties, the tokens' texts");
+    command->add_flag("--json", options.json, "Print an array with an object for each file");
+    command->add_option("FILE", options.paths, "The photos")->required();
+    return command;
+}
+
+int runInspect(const InspectOptions &options)
+{
+    const LocaleFormat locale;
+    std::vector<std::optional<Result<Inspection>>> results(options.paths.size());
+    bool hasFailures = false;
+    bool isFirst = true;
+    OrderedWork work;
+    work.count = options.paths.size();
+    work.threads = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+    work.work = [&](std::size_t i) {
+        results[i] = inspect(QString::fromStdString(options.paths[i]), locale);
+    };
+    work.deliver = [&](std::size_t i) {
+        const Result<Inspection> result = *std::exchange(results[i], std::nullopt);
+        if (!result) {
+            hasFailures = true;
+            const QString name = QFileInfo(QString::fromStdString(options.paths[i])).fileName();
+            std::fprintf(stderr, "%s: %s\n", qUtf8Printable(name), qUtf8Printable(result.error().text));
+        } else if (options.json) {
+            const QByteArray object = QJsonDocument(jsonOf(*result)).toJson(QJsonDocument::Compact);
+            std::fprintf(stdout, "%s%s", isFirst ? "[" : ",\n", object.constData());
+            isFirst = false;
+        } else {
+            std::fputs(qUtf8Printable(textOf(*result)), stdout);
+        }
+    };
+    work.isStopped = isInterrupted;
+    const std::size_t begun = runOrdered(work);
+    if (options.json)
+        std::fputs(isFirst ? "[]\n" : "]\n", stdout);
+    return hasFailures || begun < work.count ? kSomethingFailed : 0;
+}
+
+} // namespace plexa

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+namespace plexa
+{
+
+/// From now on the first Ctrl-C, hang-up or request to end only sets the flag that isInterrupted() tells; the
+/// second one ends the program. To be called once, by the main thread.
+void catchInterruptions();
+
+/// Has somebody asked the program to stop? Any thread.
+bool isInterrupted();
+
+} // namespace plexa

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "cli/inspectcommand.h"
+#include "cli/interruption.h"
+#include "cli/savecommand.h"
+#include "platform/applicationname.h"
+
+#include <QGuiApplication>
+
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+
+namespace
+{
+
+constexpr int kWrongUsage = 2;
+
+int run(int argc, char **argv)
+{
+    using namespace plexa;
+    CLI::App program("Watermarks photographs in batches.", "plexa-cli");
+    program.set_version_flag("--version",
+                             "plexa-cli " + QCoreApplication::applicationVersion().toStdString());
+    program.require_subcommand(1);
+    program.get_formatter()->column_width(34);
+
+    SaveOptions save;
+    CLI::App *saveCommand = addSaveCommand(program, save);
+    InspectOptions inspect;
+    CLI::App *inspectCommand = addInspectCommand(program, inspect);
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        const int status = program.exit(error, std::cout, std::cerr);
+        return status == 0 ? 0 : kWrongUsage;
+    }
+    if (*saveCommand)
+        return runSave(save);
+    if (*inspectCommand)
+        return runInspect(inspect);
+    return kWrongUsage;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    // Everything works without a display.
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication application(argc, argv);
+    QCoreApplication::setOrganizationName(plexa::companyName(true));
+    QCoreApplication::setApplicationName(plexa::applicationNameWithCompany(false, false, true));
+    QCoreApplication::setApplicationVersion(plexa::BundleInfo::own().shortVersionString);
+    plexa::catchInterruptions();
+    return run(argc, argv);
+}

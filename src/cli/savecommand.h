@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace CLI
+{
+class App;
+}
+
+namespace plexa
+{
+
+/// What stands on the command line of "plexa-cli save".
+struct SaveOptions {
+    std::string text;
+    std::string image;
+    std::vector<std::string> fields;       ///< "FIELD=VALUE" of the quick preset
+    std::vector<std::string> savingFields; ///< "FIELD=VALUE" of the run's saving preset
+    std::string output;
+    std::vector<std::string> paths;
+    int jobs = 0; ///< 0: as many as there are cores
+    bool json = false;
+    bool quiet = false;
+    bool dryRun = false;
+    bool noCreationDate = false;
+};
+
+/// Declares the sub-command; `options` outlives the parsing.
+CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options);
+
+/// Watermarks the photos. @return the exit status
+int runSave(const SaveOptions &options);
+
+} // namespace plexa

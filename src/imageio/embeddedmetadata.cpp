@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/embeddedmetadata.h"
+
+#include "imageio/copyencoding.h"
+#include "imageio/exiv2setup.h"
+#include "imageio/metadatareading.h"
+
+namespace plexa
+{
+
+struct EmbeddedMetadata::Data {
+    MetadataSet set;
+    QVariantMap properties;
+};
+
+EmbeddedMetadata::EmbeddedMetadata(std::unique_ptr<Data> data)
+    : m_data(std::move(data))
+{
+}
+
+EmbeddedMetadata::~EmbeddedMetadata() = default;
+
+std::shared_ptr<const EmbeddedMetadata> EmbeddedMetadata::read(const QString &path)
+{
+    auto data = std::make_unique<Data>();
+    try {
+        data->set = readMetadataSet(path);
+        const auto lock = lockXmpNamespaces();
+        data->properties = propertiesOfMetadata(data->set, decodedXmp(data->set.xmpPacket));
+    } catch (const std::exception &) {
+        // Metadata that cannot be understood are none.
+        data = std::make_unique<Data>();
+    }
+    return std::shared_ptr<const EmbeddedMetadata>(new EmbeddedMetadata(std::move(data)));
+}
+
+std::shared_ptr<const EmbeddedMetadata> EmbeddedMetadata::none()
+{
+    prepareMetadataLibrary();
+    return std::shared_ptr<const EmbeddedMetadata>(new EmbeddedMetadata(std::make_unique<Data>()));
+}
+
+QVariantMap EmbeddedMetadata::properties() const
+{
+    return m_data->properties;
+}
+
+bool EmbeddedMetadata::hasThumbnail() const
+{
+    const Exiv2::ExifData &exif = m_data->set.exif;
+    return std::any_of(exif.begin(), exif.end(), [](const Exiv2::Exifdatum &datum) {
+        return datum.groupName() == "Thumbnail" && (datum.tag() == 0x0201 || datum.tag() == 0x0111);
+    });
+}
+
+EmbeddedMetadata::Encoded EmbeddedMetadata::encodeForCopy(const QVariantMap &properties,
+                                                          const CopyFacts &facts) const
+{
+    try {
+        return encodedForCopy(m_data->set, m_data->properties, properties, facts);
+    } catch (const std::exception &) {
+        // A copy without metadata is better than none, and better than one with an unmarked picture.
+        return {};
+    }
+}
+
+} // namespace plexa

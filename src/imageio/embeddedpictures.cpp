@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/embeddedpictures.h"
+
+#include "imageio/metadataclearing.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace plexa
+{
+
+namespace
+{
+
+using namespace std::string_view_literals;
+
+bool containsAnyCase(const std::string &text, QLatin1StringView word)
+{
+    return QString::fromStdString(text).contains(word, Qt::CaseInsensitive);
+}
+
+/// Tags of the main directory that say how and where the file keeps its pixels, or hold other files.
+constexpr std::array kStructureTags = {
+    0x00FE, 0x00FF, // kind of picture
+    0x0100, 0x0101, 0x0102, 0x0103, 0x0106, 0x0107, 0x0108, 0x0109, 0x010A, 0x0111, 0x0115, 0x0116,
+    0x0117, 0x0118, 0x0119, 0x011C, 0x0120, 0x0121, 0x0122, 0x0123, 0x0124, 0x0125, 0x013D, 0x0140,
+    0x0141, 0x0142, 0x0143, 0x0144, 0x0145, 0x014A, 0x014C, 0x014D, 0x014E, 0x0150, 0x0151, 0x0152,
+    0x0153, 0x0154, 0x0155, 0x0156, 0x0157, 0x0158, 0x0159, 0x015A, 0x015B, 0x0200, 0x0201, 0x0202,
+    0x0203, 0x0205, 0x0206, 0x0207, 0x0208, 0x0209, 0x0212, 0x0214,
+    0x02BC,                         // XMP packet
+    0x7032,                         // image history
+    0x80E3, 0x80E4, 0x80E5, 0x80E6, // matteing, data type, depth, tile depth
+    0x828D, 0x828E,                 // colour filter array
+    0x83BB,                         // IPTC record
+    0x8649,                         // Photoshop resources
+    0x8773,                         // ICC profile
+    0x935C,                         // Photoshop layers
+    0xC4A5,                         // print settings that belong to the camera's own picture
+};
+
+bool isStructureTag(uint16_t tag)
+{
+    return std::find(kStructureTags.begin(), kStructureTags.end(), tag) != kStructureTags.end();
+}
+
+bool isDngTag(uint16_t tag)
+{
+    return (tag >= 0xC612 && tag <= 0xC7FF) || (tag >= 0xCD2D && tag <= 0xCD4F);
+}
+
+bool holdsPicture(const Exiv2::Exifdatum &datum)
+{
+    const auto holds = [](Exiv2::DataBuf buffer) {
+        return buffer.pData_ && holdsPictureStart(reinterpret_cast<const char *>(buffer.pData_),
+                                                  static_cast<size_t>(buffer.size_));
+    };
+    if (holds(datum.dataArea()))
+        return true;
+    if (datum.size() < 3)
+        return false;
+    Exiv2::DataBuf buffer(datum.size());
+    datum.copy(buffer.pData_, Exiv2::littleEndian);
+    return holds(buffer);
+}
+
+/// Does the name of the tag or group say that this is a picture, or where it lies?
+bool isPreviewTag(const Exiv2::Exifdatum &datum)
+{
+    const std::string group = datum.groupName();
+    if (!isMakerNoteGroup(group))
+        return false;
+    const std::string name = datum.tagName();
+    return containsAnyCase(group, QLatin1StringView("preview")) ||
+           containsAnyCase(name, QLatin1StringView("preview")) ||
+           containsAnyCase(name, QLatin1StringView("thumbnail"));
+}
+
+bool isOfKeptGroup(const std::string &group)
+{
+    return group == "Image" || group == "Photo" || group == "GPSInfo" || group == "Iop" ||
+           isMakerNoteGroup(group);
+}
+
+} // namespace
+
+bool holdsPictureStart(const char *data, size_t size)
+{
+    const std::string_view bytes(data, size);
+    return bytes.find("\xFF\xD8\xFF"sv) != bytes.npos || bytes.find("\x89PNG\r\n\x1A\n"sv) != bytes.npos;
+}
+
+void erasePicturesFromExif(Exiv2::ExifData &exif)
+{
+    const bool isRaw = exif.findKey(Exiv2::ExifKey("Exif.Image.DNGVersion")) != exif.end();
+    eraseMetadataIf(exif, [isRaw](const Exiv2::Exifdatum &datum) {
+        const std::string group = datum.groupName();
+        if (group == "Image" && (isStructureTag(datum.tag()) || (isRaw && isDngTag(datum.tag()))))
+            return true;
+        return !isOfKeptGroup(group) || isPreviewTag(datum);
+    });
+    // The maker note as one lump is written anew from its decoded fields; it is judged when all is encoded.
+    eraseMetadataIf(exif, [&exif](const Exiv2::Exifdatum &datum) {
+        const bool isDecodedElsewhere =
+            datum.key() == "Exif.Photo.MakerNote" &&
+            std::any_of(exif.begin(), exif.end(),
+                        [](const Exiv2::Exifdatum &other) { return isMakerNoteGroup(other.groupName()); });
+        return !isDecodedElsewhere && holdsPicture(datum);
+    });
+}
+
+void erasePicturesFromXmp(Exiv2::XmpData &xmp)
+{
+    eraseMetadataIf(xmp, [](const Exiv2::Xmpdatum &datum) {
+        const std::string key = datum.key();
+        for (const auto beginning :
+             {"Xmp.xmp.Thumbnails"sv, "Xmp.xmpGImg."sv, "Xmp.hdrgm."sv, "Xmp.HDRGainMap."sv, "Xmp.apdi."sv,
+              "Xmp.Container."sv, "Xmp.GContainer."sv, "Xmp.GImage."sv, "Xmp.GDepth."sv, "Xmp.GAudio."sv,
+              "Xmp.GCamera.MicroVideo"sv, "Xmp.GCamera.MotionPhoto"sv, "Xmp.xmpNote.HasExtendedXMP"sv}) {
+            if (key.starts_with(beginning))
+                return true;
+        }
+        if (key.find("xmpGImg:") != key.npos || key.find("xapGImg:") != key.npos)
+            return true;
+        // A JPEG or PNG in Base64.
+        const std::string value = datum.size() > 64 ? datum.toString() : std::string();
+        return value.find("/9j/") != value.npos || value.find("iVBORw0KGgo") != value.npos;
+    });
+}
+
+} // namespace plexa

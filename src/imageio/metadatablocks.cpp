@@ -1,0 +1,232 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/metadatablocks.h"
+
+#include <QList>
+#include <QtEndian>
+
+#include <zlib.h>
+
+#include <memory>
+
+namespace plexa
+{
+
+namespace
+{
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int kMaxBlocks = 20'000;     // segments or chunks that are looked at before giving up
+constexpr int kMaxStrayBytes = 65'536; // between two segments
+
+/// The IIM records inside Photoshop image resources; empty when there are none.
+QByteArray iptcOfImageResources(const QByteArray &resources)
+{
+    QByteArray iptc;
+    qsizetype at = 0;
+    while (at + 12 <= resources.size() && resources.mid(at, 4) == "8BIM") {
+        const auto id = qFromBigEndian<quint16>(resources.constData() + at + 4);
+        const qsizetype nameBytes = static_cast<uchar>(resources[at + 6]) + 1;
+        at += 6 + nameBytes + nameBytes % 2;
+        if (at + 4 > resources.size())
+            break;
+        const qsizetype size = qFromBigEndian<quint32>(resources.constData() + at);
+        at += 4;
+        if (size > resources.size() - at)
+            break;
+        if (id == 0x0404)
+            iptc += resources.mid(at, size);
+        at += size + size % 2;
+    }
+    return iptc;
+}
+
+void takeFirst(QByteArray &block, const QByteArray &candidate)
+{
+    if (block.isEmpty() && candidate.size() <= kMaxMetadataBytes)
+        block = candidate;
+}
+
+MetadataBlocks readJpegBlocks(QIODevice &device)
+{
+    MetadataBlocks blocks;
+    QByteArray imageResources;
+    device.seek(2);
+    for (int i = 0; i < kMaxBlocks; ++i) {
+        char byte = 0;
+        int strayBytes = 0;
+        while (device.getChar(&byte) && static_cast<uchar>(byte) != 0xFF && ++strayBytes < kMaxStrayBytes) {
+        }
+        while (device.getChar(&byte) && static_cast<uchar>(byte) == 0xFF) {
+        }
+        const auto marker = static_cast<uchar>(byte);
+        if (marker == 0xDA || marker == 0xD9 || device.atEnd())
+            break;
+        if (marker == 0x01 || (marker >= 0xD0 && marker <= 0xD8))
+            continue;
+        const QByteArray lengthBytes = device.read(2);
+        if (lengthBytes.size() < 2)
+            break;
+        const int length = qFromBigEndian<quint16>(lengthBytes.constData()) - 2;
+        if (length < 0)
+            break;
+        if (marker != 0xE1 && marker != 0xED && marker != 0xFE) {
+            device.skip(length);
+            continue;
+        }
+        const QByteArray data = device.read(length);
+        if (marker == 0xFE)
+            takeFirst(blocks.comment, data);
+        else if (marker == 0xE1 && data.startsWith("Exif\0\0"_ba))
+            takeFirst(blocks.exif, data.mid(6));
+        else if (marker == 0xE1 && data.startsWith("http://ns.adobe.com/xap/1.0/\0"_ba))
+            takeFirst(blocks.xmp, data.mid(29));
+        else if (marker == 0xED && data.startsWith("Photoshop 3.0\0"_ba))
+            if (imageResources.size() < kMaxMetadataBytes)
+                imageResources += data.mid(14); // long resources run on in the next segment
+    }
+    blocks.iptc = iptcOfImageResources(imageResources);
+    return blocks;
+}
+
+/// Decompresses a zlib stream; empty when it is damaged or larger than a block may be.
+QByteArray inflated(const QByteArray &data)
+{
+    z_stream stream{};
+    if (inflateInit(&stream) != Z_OK)
+        return {};
+    const std::unique_ptr<z_stream, decltype(&inflateEnd)> guard(&stream, inflateEnd);
+    stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(data.constData()));
+    stream.avail_in = static_cast<uInt>(data.size());
+    QByteArray result;
+    for (;;) {
+        char buffer[16 * 1024];
+        stream.next_out = reinterpret_cast<Bytef *>(buffer);
+        stream.avail_out = sizeof buffer;
+        const int code = inflate(&stream, Z_NO_FLUSH);
+        result.append(buffer, static_cast<qsizetype>(sizeof buffer - stream.avail_out));
+        if (code == Z_STREAM_END)
+            return result;
+        if (code != Z_OK || result.size() > kMaxMetadataBytes)
+            return {};
+    }
+}
+
+/// A profile that a program has put into a PNG text as "\nname\n  length\nhex digits".
+QByteArray rawProfile(const QByteArray &text)
+{
+    const QList<QByteArray> lines = text.trimmed().split('\n');
+    if (lines.size() < 3)
+        return {};
+    QByteArray data = QByteArray::fromHex(QByteArrayList(lines.mid(2)).join());
+    const qsizetype length = lines[1].trimmed().toLongLong();
+    return length > 0 ? data.left(length) : data;
+}
+
+void takeRawProfile(MetadataBlocks &blocks, const QByteArray &keyword, const QByteArray &text)
+{
+    if (!keyword.startsWith("Raw profile type "))
+        return;
+    const QByteArray kind = keyword.mid(17).toLower();
+    QByteArray data = rawProfile(text);
+    const bool startsAsExif = data.startsWith("Exif\0\0"_ba);
+    if (kind == "exif" || (kind == "app1" && startsAsExif))
+        takeFirst(blocks.exif, startsAsExif ? data.mid(6) : data);
+    else if (kind == "app1" && data.startsWith("http://ns.adobe.com/xap/1.0/\0"_ba))
+        takeFirst(blocks.xmp, data.mid(29));
+    else if (kind == "xmp")
+        takeFirst(blocks.xmp, data);
+    else if (kind == "iptc" || kind == "8bim")
+        takeFirst(blocks.iptc, data.startsWith("8BIM") ? iptcOfImageResources(data) : data);
+}
+
+void takePngText(MetadataBlocks &blocks, const QByteArray &type, const QByteArray &data)
+{
+    const qsizetype end = data.indexOf('\0');
+    if (end < 0)
+        return;
+    const QByteArray keyword = data.left(end);
+    if (type == "tEXt") {
+        takeRawProfile(blocks, keyword, data.mid(end + 1));
+    } else if (type == "zTXt") {
+        takeRawProfile(blocks, keyword, inflated(data.mid(end + 2)));
+    } else if (end + 3 < data.size() && keyword == "XML:com.adobe.xmp") { // iTXt
+        const bool isCompressed = data[end + 1] == 1;
+        const qsizetype languageEnd = data.indexOf('\0', end + 3);
+        const qsizetype translatedEnd = languageEnd < 0 ? -1 : data.indexOf('\0', languageEnd + 1);
+        if (translatedEnd >= 0) {
+            const QByteArray text = data.mid(translatedEnd + 1);
+            takeFirst(blocks.xmp, isCompressed ? inflated(text) : text);
+        }
+    }
+}
+
+MetadataBlocks readPngBlocks(QIODevice &device)
+{
+    MetadataBlocks blocks;
+    device.seek(8);
+    for (int i = 0; i < kMaxBlocks; ++i) {
+        const QByteArray head = device.read(8);
+        if (head.size() < 8)
+            break;
+        const qint64 size = qFromBigEndian<quint32>(head.constData());
+        const QByteArray type = head.mid(4);
+        const qint64 next = device.pos() + size + 4;
+        if (type == "IEND")
+            break;
+        if (size <= kMaxMetadataBytes) {
+            if (type == "eXIf") {
+                const QByteArray data = device.read(size);
+                takeFirst(blocks.exif, data.startsWith("Exif\0\0"_ba) ? data.mid(6) : data);
+            } else if (type == "tEXt" || type == "zTXt" || type == "iTXt") {
+                takePngText(blocks, type, device.read(size));
+            }
+        }
+        if (next >= device.size() || !device.seek(next))
+            break;
+    }
+    return blocks;
+}
+
+MetadataBlocks readWebpBlocks(QIODevice &device)
+{
+    MetadataBlocks blocks;
+    device.seek(12);
+    for (int i = 0; i < kMaxBlocks; ++i) {
+        const QByteArray head = device.read(8);
+        if (head.size() < 8)
+            break;
+        const qint64 size = qFromLittleEndian<quint32>(head.constData() + 4);
+        const QByteArray type = head.left(4);
+        const qint64 next = device.pos() + size + size % 2;
+        if (size <= kMaxMetadataBytes) {
+            if (type == "EXIF") {
+                const QByteArray data = device.read(size);
+                takeFirst(blocks.exif, data.startsWith("Exif\0\0"_ba) ? data.mid(6) : data);
+            } else if (type == "XMP ") {
+                takeFirst(blocks.xmp, device.read(size));
+            }
+        }
+        if (next >= device.size() || !device.seek(next))
+            break;
+    }
+    return blocks;
+}
+
+} // namespace
+
+std::optional<MetadataBlocks> readMetadataBlocks(QIODevice &device)
+{
+    device.seek(0);
+    const QByteArray head = device.read(12);
+    if (head.startsWith("\xFF\xD8\xFF"))
+        return readJpegBlocks(device);
+    if (head.startsWith("\x89PNG\r\n\x1A\n"))
+        return readPngBlocks(device);
+    if (head.startsWith("RIFF") && head.mid(8) == "WEBP")
+        return readWebpBlocks(device);
+    return std::nullopt;
+}
+
+} // namespace plexa

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QByteArray>
+#include <QIODevice>
+
+#include <optional>
+
+namespace plexa
+{
+
+/// The metadata of a file as they lie in its container, undecoded.
+struct MetadataBlocks {
+    QByteArray exif;    ///< a TIFF structure
+    QByteArray iptc;    ///< IIM records
+    QByteArray xmp;     ///< the packet, UTF-8
+    QByteArray comment; ///< JPEG comment
+};
+
+/// No block is taken that is larger: the largest that cameras and editors write stay far below.
+inline constexpr qsizetype kMaxMetadataBytes = 16 * 1024 * 1024;
+
+/// Collects the blocks of a JPEG, PNG or WebP file without touching its pixels. Damaged blocks are left out.
+/// @param device  open for reading, random access, at any position
+/// @return none when the contents are of another format
+std::optional<MetadataBlocks> readMetadataBlocks(QIODevice &device);
+
+} // namespace plexa

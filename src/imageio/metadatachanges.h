@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "imageio/metadataset.h"
+
+#include <QVariantMap>
+
+namespace plexa
+{
+
+/// Carries what differs between two property dictionaries into EXIF, IPTC and XMP: a new value goes where
+/// the fact belongs and wherever XMP repeats it, a removed one leaves all places. A group that has become
+/// empty is cleared with everything that belongs to it (see metadataclearing.h).
+/// To be called under lockXmpNamespaces() with the XMP of the set, decoded.
+/// @param before  what the set says: propertiesOfMetadata()
+void applyPropertyChanges(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &before,
+                          const QVariantMap &after);
+
+} // namespace plexa

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <exiv2/exiv2.hpp>
+
+#include <string>
+
+namespace plexa
+{
+
+/// A file's metadata, decoded. XMP stays the packet that it was: its prefixes mean something only while the
+/// table of namespaces is held still (lockXmpNamespaces()).
+struct MetadataSet {
+    Exiv2::ExifData exif;
+    Exiv2::IptcData iptc;
+    QByteArray iptcBlock; ///< the records as they came, empty where only the library saw them
+    std::string xmpPacket;
+    std::string comment;
+    Exiv2::ByteOrder byteOrder = Exiv2::littleEndian;
+};
+
+/// Reads what the file carries; nothing is thrown, what cannot be read is left out.
+MetadataSet readMetadataSet(const QString &path);
+
+/// Decodes a packet; empty when it is damaged or beyond all measure (size, nesting).
+/// To be called and its result used under lockXmpNamespaces().
+Exiv2::XmpData decodedXmp(const std::string &packet);
+
+} // namespace plexa

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace plexa
+{
+
+/// Text of unknown origin: UTF-8 where the bytes are valid UTF-8, else Latin-1.
+QString decodedText(const QByteArray &bytes);
+
+/// A padded field: up to its first NUL, as decodedText(). A field of nothing but blanks gives an empty text.
+QString decodedField(const QByteArray &bytes);
+
+/// Without blanks and NULs at the end.
+QString trimmedAtEnd(QString text);
+
+/// An EXIF text that begins with eight bytes of character code ("ASCII", "UNICODE", "JIS" or NULs), such as
+/// the user comment. Trailing blanks and NULs are left out.
+/// @param fileIsBigEndian  decides for Unicode text that has no byte-order mark and looks the same both ways
+QString decodedComment(const QByteArray &bytes, bool fileIsBigEndian);
+
+/// The bytes of an EXIF text with character code: "ASCII" where that is enough, else "UNICODE" in the given
+/// byte order.
+QByteArray encodedComment(const QString &text, bool bigEndian);
+
+/// The longest beginning of `text` that fits into so many bytes of UTF-8 without cutting a character.
+QByteArray utf8OfAtMost(const QString &text, qsizetype maxBytes);
+
+} // namespace plexa

@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/metadatavalues.h"
+
+#include "imageio/metadatatext.h"
+
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace plexa
+{
+
+namespace
+{
+
+QVariantList itemsOf(const QVariant &value)
+{
+    if (value.typeId() == QMetaType::QVariantList || value.typeId() == QMetaType::QStringList)
+        return value.toList();
+    return {value};
+}
+
+bool isRational(Exiv2::TypeId type)
+{
+    return type == Exiv2::unsignedRational || type == Exiv2::signedRational;
+}
+
+/// Numbers as the library reads them: "3 5/10"
+ExifText numbersText(const QVariant &value, Exiv2::TypeId type)
+{
+    ExifText result{type, {}, false};
+    for (const QVariant &item : itemsOf(value)) {
+        bool isNumber = false;
+        const double number = item.toDouble(&isNumber);
+        const bool isSigned = type == Exiv2::signedRational || type == Exiv2::signedShort ||
+                              type == Exiv2::signedLong || type == Exiv2::signedByte;
+        if (!isNumber || !std::isfinite(number) || (number < 0 && !isSigned) ||
+            std::abs(number) > 4294967295.0)
+            return {};
+        if (type == Exiv2::unsignedShort && number > 65535)
+            result.type = Exiv2::unsignedLong;
+        if (!result.text.empty())
+            result.text += ' ';
+        result.text += isRational(type) ? rationalText(number).toStdString()
+                                        : std::to_string(static_cast<long long>(std::llround(number)));
+    }
+    return result;
+}
+
+/// [2, 2, 1] is the bytes "0221".
+ExifText versionText(const QVariant &value)
+{
+    QString digits;
+    const QVariantList parts = itemsOf(value);
+    for (qsizetype i = 0; i < parts.size(); ++i)
+        digits += QString::number(parts[i].toInt()).rightJustified(i == 0 ? 2 : 1, u'0');
+    digits = digits.leftJustified(4, u'0');
+    if (digits.size() != 4)
+        return {};
+    return {Exiv2::undefined, digits.toStdString(), true};
+}
+
+ExifText degreesText(const QVariant &value)
+{
+    const double degrees = std::abs(value.toDouble());
+    if (!(degrees <= 360))
+        return {};
+    // Seconds to a ten-thousandth: three millimetres on the ground.
+    const auto units = static_cast<qlonglong>(std::llround(degrees * 36'000'000));
+    return {Exiv2::unsignedRational,
+            QStringLiteral("%1/1 %2/1 %3/10000")
+                .arg(units / 36'000'000)
+                .arg(units / 600'000 % 60)
+                .arg(units % 600'000)
+                .toStdString(),
+            false};
+}
+
+ExifText timeOfDayText(const QVariant &value)
+{
+    const QStringList parts = value.toString().split(u':');
+    if (parts.size() != 3)
+        return {};
+    bool areNumbers = true;
+    QStringList rationals;
+    for (const QString &part : parts) {
+        bool isNumber = false;
+        rationals += rationalText(part.toDouble(&isNumber));
+        areNumbers = areNumbers && isNumber && !rationals.constLast().isEmpty();
+    }
+    return areNumbers ? ExifText{Exiv2::unsignedRational, rationals.join(u' ').toStdString(), false}
+                      : ExifText{};
+}
+
+} // namespace
+
+QString rationalText(double number)
+{
+    constexpr double kGreatest = std::numeric_limits<qint32>::max();
+    if (!std::isfinite(number) || std::abs(number) > kGreatest)
+        return {};
+    // Continued fractions; stops where the quotient equals the number to a double's precision.
+    const double wanted = std::abs(number);
+    double rest = wanted;
+    double numerator = 1;
+    double denominator = 0;
+    double oldNumerator = 0;
+    double oldDenominator = 1;
+    for (int i = 0; i < 32; ++i) {
+        const double whole = std::floor(rest);
+        const double nextNumerator = whole * numerator + oldNumerator;
+        const double nextDenominator = whole * denominator + oldDenominator;
+        if (nextNumerator > kGreatest || nextDenominator > kGreatest)
+            break;
+        oldNumerator = std::exchange(numerator, nextNumerator);
+        oldDenominator = std::exchange(denominator, nextDenominator);
+        if (std::abs(numerator / denominator - wanted) <= wanted * 1e-15 || rest == whole)
+            break;
+        rest = 1 / (rest - whole);
+    }
+    return QStringLiteral("%1%2/%3")
+        .arg(QLatin1StringView(number < 0 ? "-" : ""))
+        .arg(static_cast<qlonglong>(numerator))
+        .arg(static_cast<qlonglong>(denominator));
+}
+
+ExifText exifText(MetadataKind kind, const QVariant &value, Exiv2::TypeId type, bool bigEndian)
+{
+    switch (kind) {
+    case MetadataKind::Text:
+    case MetadataKind::TextList:
+    case MetadataKind::DateTime:
+    case MetadataKind::IptcDate:
+    case MetadataKind::Copyright:
+        return {Exiv2::asciiString, propertyTexts(value).join(QStringLiteral("; ")).toStdString(), false};
+    case MetadataKind::Comment:
+        return {Exiv2::undefined, encodedComment(value.toString(), bigEndian).toStdString(), true};
+    case MetadataKind::Integer:
+    case MetadataKind::IntegerList:
+    case MetadataKind::Number:
+    case MetadataKind::NumberList:
+        return numbersText(value, type == Exiv2::asciiString ? Exiv2::invalidTypeId : type);
+    case MetadataKind::Version:
+        return versionText(value);
+    case MetadataKind::Degrees:
+        return degreesText(value);
+    case MetadataKind::TimeOfDay:
+        return timeOfDayText(value);
+    }
+    return {};
+}
+
+QStringList xmpTexts(MetadataKind kind, const QVariant &value)
+{
+    switch (kind) {
+    case MetadataKind::Text:
+    case MetadataKind::TextList:
+    case MetadataKind::Copyright:
+    case MetadataKind::Comment:
+        return propertyTexts(value);
+    case MetadataKind::DateTime: {
+        QString text = value.toString();
+        if (text.size() != 19)
+            return {};
+        text[4] = text[7] = u'-';
+        text[10] = u'T';
+        return {text};
+    }
+    case MetadataKind::IptcDate: {
+        const QString text = value.toString();
+        return text.size() == 8 ? QStringList(text.left(4) + u'-' + text.mid(4, 2) + u'-' + text.mid(6))
+                                : QStringList();
+    }
+    case MetadataKind::Integer:
+    case MetadataKind::IntegerList: {
+        QStringList texts;
+        for (const QVariant &item : itemsOf(value))
+            texts += QString::number(item.toLongLong());
+        return texts;
+    }
+    case MetadataKind::Number:
+    case MetadataKind::NumberList: {
+        QStringList texts;
+        for (const QVariant &item : itemsOf(value))
+            texts += rationalText(item.toDouble());
+        return texts;
+    }
+    case MetadataKind::Version:
+        return {QString::fromStdString(versionText(value).text)};
+    case MetadataKind::Degrees:
+    case MetadataKind::TimeOfDay:
+        break; // one XMP property holds letter or date as well: a stale one is only removed
+    }
+    return {};
+}
+
+QStringList propertyTexts(const QVariant &value)
+{
+    QStringList texts;
+    for (const QVariant &item : itemsOf(value)) {
+        if (item.isValid())
+            texts += item.toString();
+    }
+    return texts;
+}
+
+} // namespace plexa

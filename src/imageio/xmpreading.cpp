@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/xmpreading.h"
+
+#include "imageio/metadatatext.h"
+#include "imageio/propertykeys.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <optional>
+
+namespace plexa
+{
+
+namespace
+{
+
+constexpr long kMaxItems = 4096;
+
+Exiv2::XmpData::const_iterator found(const Exiv2::XmpData &xmp, const char *key)
+{
+    return std::find_if(xmp.begin(), xmp.end(),
+                        [key](const Exiv2::Xmpdatum &datum) { return datum.key() == key; });
+}
+
+QStringList textsOf(const Exiv2::Value &value)
+{
+    QStringList texts;
+    const auto add = [&texts](const std::string &item) {
+        const QString text = trimmedAtEnd(QString::fromStdString(item));
+        if (!text.isEmpty())
+            texts += text;
+    };
+    if (const auto *languages = dynamic_cast<const Exiv2::LangAltValue *>(&value)) {
+        const auto byDefault = languages->value_.find("x-default");
+        if (byDefault != languages->value_.end())
+            add(byDefault->second);
+        else if (!languages->value_.empty())
+            add(languages->value_.begin()->second);
+    } else if (const auto *text = dynamic_cast<const Exiv2::XmpTextValue *>(&value)) {
+        if (text->xmpStruct() == Exiv2::XmpValue::xsNone)
+            add(text->value_);
+    } else {
+        for (long i = 0; i < std::min(value.count(), kMaxItems); ++i)
+            add(value.toString(i));
+    }
+    return texts;
+}
+
+/// "28/10" or "2.8" or "3"
+QVariant numberOf(const QString &text)
+{
+    bool isWhole = false;
+    const int whole = text.toInt(&isWhole);
+    if (isWhole)
+        return whole;
+    const QStringList parts = text.split(u'/');
+    bool hasNumerator = false;
+    bool hasDenominator = true;
+    const double numerator = parts[0].toDouble(&hasNumerator);
+    const double denominator = parts.size() > 1 ? parts[1].toDouble(&hasDenominator) : 1;
+    if (!hasNumerator || !hasDenominator || denominator == 0 || parts.size() > 2)
+        return {};
+    return numerator / denominator;
+}
+
+QVariant numberListOf(const QStringList &texts)
+{
+    QVariantList numbers;
+    for (const QString &text : texts) {
+        // A lens range is one text of four numbers.
+        for (const QString &word : text.split(u' ', Qt::SkipEmptyParts)) {
+            const QVariant number = numberOf(word);
+            if (!number.isValid())
+                return {};
+            numbers += number;
+        }
+    }
+    return numbers.isEmpty() ? QVariant() : QVariant(numbers);
+}
+
+/// The groups of `pattern` in `text`; empty when it does not match.
+QStringList captured(const char *pattern, const QString &text)
+{
+    return QRegularExpression(QLatin1StringView(pattern)).match(text).capturedTexts();
+}
+
+constexpr const char *kIsoDate = "^([0-9]{4})-([0-9]{2})-([0-9]{2})(?:T([0-9]{2}):([0-9]{2})(?::([0-9]{2})"
+                                 "(?:\\.([0-9]+))?)?(.*))?$";
+
+/// "2010-08-13T21:00:01.85-06:00" is "2010:08:13 21:00:01"; a date without a time is no point in time.
+QVariant dateTimeOf(const QString &text)
+{
+    const QStringList parts = captured(kIsoDate, text);
+    if (parts.size() < 6)
+        return {};
+    return QStringLiteral("%1:%2:%3 %4:%5:%6")
+        .arg(parts[1], parts[2], parts[3], parts[4], parts[5],
+             parts.size() > 6 && !parts[6].isEmpty() ? parts[6] : QStringLiteral("00"));
+}
+
+QVariant iptcDateOf(const QString &text)
+{
+    const QStringList parts = captured(kIsoDate, text);
+    return parts.size() < 4 ? QVariant() : QVariant(parts[1] + parts[2] + parts[3]);
+}
+
+/// "51,10.69686N" or "51,10,41.8N": degrees and the letter.
+struct Coordinate {
+    double degrees;
+    QString letter;
+};
+
+std::optional<Coordinate> coordinateOf(const QString &text)
+{
+    const QStringList parts =
+        captured("^([0-9]+),([0-9]+(?:\\.[0-9]+)?)(?:,([0-9]+(?:\\.[0-9]+)?))?([NSEWnsew])$", text);
+    if (parts.size() != 5)
+        return {};
+    return Coordinate{parts[1].toDouble() + parts[2].toDouble() / 60 + parts[3].toDouble() / 3600,
+                      parts[4].toUpper()};
+}
+
+QVariant degreesOf(const QString &text)
+{
+    const auto coordinate = coordinateOf(text);
+    return coordinate ? QVariant(coordinate->degrees) : QVariant();
+}
+
+QVariant versionOf(const QString &text)
+{
+    const QStringList digits = captured("^([0-9]{2})([0-9])([0-9])$", text);
+    if (digits.size() != 4)
+        return {};
+    QVariantList parts{digits[1].toInt(), digits[2].toInt()};
+    if (digits[3] != u"0")
+        parts += digits[3].toInt();
+    return parts;
+}
+
+/// EXIF packs into one number what XMP spreads over a structure.
+QVariant flashOf(const Exiv2::XmpData &xmp)
+{
+    const auto part = [&](const char *name) {
+        const auto datum = found(xmp, (std::string("Xmp.exif.Flash/exif:") + name).c_str());
+        return datum == xmp.end() ? QString() : textsOf(datum->value()).join(u' ').toLower();
+    };
+    const QString fired = part("Fired");
+    if (fired.isEmpty())
+        return {};
+    const auto isTrue = [](const QString &text) { return text == u"true" ? 1 : 0; };
+    return isTrue(fired) | (part("Return").toInt() & 3) << 1 | (part("Mode").toInt() & 3) << 3 |
+           isTrue(part("Function")) << 5 | isTrue(part("RedEyeMode")) << 6;
+}
+
+} // namespace
+
+QVariant xmpField(const Exiv2::XmpData &xmp, const MetadataField &field)
+{
+    if (field.key == kCGImagePropertyExifFlash)
+        return flashOf(xmp);
+    const auto datum = field.xmp ? found(xmp, field.xmp) : xmp.end();
+    if (datum == xmp.end())
+        return {};
+    const QStringList texts = textsOf(datum->value());
+    if (texts.isEmpty())
+        return {};
+    const QString &first = texts.constFirst();
+    switch (field.kind) {
+    case MetadataKind::Text:
+    case MetadataKind::Copyright:
+    case MetadataKind::Comment:
+        return first;
+    case MetadataKind::TextList:
+        return QVariantList(texts.begin(), texts.end());
+    case MetadataKind::DateTime:
+        return dateTimeOf(first);
+    case MetadataKind::IptcDate:
+        return iptcDateOf(first);
+    case MetadataKind::Integer:
+    case MetadataKind::Number:
+        return numberOf(first);
+    case MetadataKind::IntegerList:
+    case MetadataKind::NumberList:
+        return numberListOf(texts);
+    case MetadataKind::Version:
+        return versionOf(first);
+    case MetadataKind::Degrees:
+        return degreesOf(first);
+    case MetadataKind::TimeOfDay:
+        return {};
+    }
+    return {};
+}
+
+void insertGpsFromXmp(QVariantMap &gps, const Exiv2::XmpData &xmp)
+{
+    const auto insert = [&gps](QLatin1StringView key, const QString &text) {
+        if (!text.isEmpty() && !gps.contains(key))
+            gps.insert(key, text);
+    };
+    const auto textOf = [&xmp](const char *key) {
+        const auto datum = found(xmp, key);
+        return datum == xmp.end() ? QString() : textsOf(datum->value()).value(0);
+    };
+    const auto insertLetter = [&](const char *key, QLatin1StringView letterKey) {
+        if (const auto coordinate = coordinateOf(textOf(key)))
+            insert(letterKey, coordinate->letter);
+    };
+    insertLetter("Xmp.exif.GPSLatitude", kCGImagePropertyGPSLatitudeRef);
+    insertLetter("Xmp.exif.GPSLongitude", kCGImagePropertyGPSLongitudeRef);
+    insertLetter("Xmp.exif.GPSDestLatitude", kCGImagePropertyGPSDestLatitudeRef);
+    insertLetter("Xmp.exif.GPSDestLongitude", kCGImagePropertyGPSDestLongitudeRef);
+
+    const QStringList moment = captured(kIsoDate, textOf("Xmp.exif.GPSTimeStamp"));
+    if (moment.size() >= 4)
+        insert(kCGImagePropertyGPSDateStamp, moment[1] + u':' + moment[2] + u':' + moment[3]);
+    if (moment.size() >= 7 && !moment[6].isEmpty()) {
+        const QString fraction = moment.size() > 7 && !moment[7].isEmpty() ? u'.' + moment[7] : QString();
+        insert(kCGImagePropertyGPSTimeStamp, moment[4] + u':' + moment[5] + u':' + moment[6] + fraction);
+    }
+}
+
+} // namespace plexa

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "images/photoservices.h"
+#include "images/strips.h"
+#include "metadata/imagemetadata.h"
+#include "platform/atomicfile.h"
+#include "watermark/wpresetvalues.h"
+
+#include <QPointF>
+#include <QRectF>
+
+#include <optional>
+#include <vector>
+
+namespace plexa
+{
+
+/// A watermark to be drawn on a copy.
+struct MarkOrder {
+    WPresetValues values;
+    std::optional<QPointF> customOrigin; ///< photo pixels, origin at the bottom left
+};
+
+/// Everything that one watermarked copy is made of.
+struct CopyOrder {
+    QString path;     ///< the photo as people know it
+    QString readPath; ///< the file to read
+    QString targetPath;
+    QString targetType;   ///< MIME name of a format that can be written
+    double quality = 0.8; ///< 0..1, for formats with losses
+    bool tiffLzw = true;
+    std::vector<MarkOrder> marks;          ///< in drawing order
+    int turns = 1;                         ///< the user's turns, as an orientation
+    std::optional<ImageMetadata> metadata; ///< where the user has edited it; else the file's
+    QImage upright; ///< the decoded photo where it is at hand, turns applied; else null
+    AtomicFile::IfExists ifExists = AtomicFile::IfExists::Fail;
+    bool preservesCreationDate = true;
+    CancelCheck isCancelled;
+};
+
+/// What became of a copy.
+struct CopyReport {
+    QSize size; ///< pixels of the copy
+    std::vector<std::optional<QRectF>>
+        rects;           ///< of each mark, origin at the bottom left; none: it had nothing to draw
+    QStringList dropped; ///< pictures of the source that the copy does not have: "gain map"
+};
+
+/// Reads the photo, draws the watermarks and writes the copy. A photo that needs no turning passes through in
+/// strips; another one is decoded whole. A failure leaves no file behind. Any thread.
+[[nodiscard]] Result<CopyReport> writeCopy(const CopyOrder &order, const PhotoServices &services);
+
+} // namespace plexa

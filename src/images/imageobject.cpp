@@ -1,0 +1,417 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "images/imageobject.h"
+
+#include "imageio/imagesource.h"
+#include "images/photofacts.h"
+#include "raster/bitmaputilities.h"
+#include "watermark/watermarkdrawing.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace plexa
+{
+
+namespace
+{
+
+constexpr int kThumbnailSide = 400;
+
+/// The thumbnail is stored mirrored top to bottom, so its quarter turns go the other way round.
+QImage turnedThumbnail(const QImage &thumbnail, ImageTransform transform)
+{
+    switch (transform) {
+    case ImageTransform::RotateClockwise:
+        return createImageRotatedByQuarter(thumbnail, false);
+    case ImageTransform::RotateCounterClockwise:
+        return createImageRotatedByQuarter(thumbnail, true);
+    case ImageTransform::RotateHalf:
+        return createImageRotatedByHalf(thumbnail);
+    case ImageTransform::MirrorLeftRight:
+        return createImageFlipped(thumbnail, false);
+    case ImageTransform::MirrorTopBottom:
+        return createImageFlipped(thumbnail, true);
+    }
+    return {};
+}
+
+QImage turnedPhoto(const QImage &photo, ImageTransform transform)
+{
+    switch (transform) {
+    case ImageTransform::RotateClockwise:
+        return createImageRotatedByQuarter(photo, true);
+    case ImageTransform::RotateCounterClockwise:
+        return createImageRotatedByQuarter(photo, false);
+    case ImageTransform::RotateHalf:
+        return createImageRotatedByHalf(photo);
+    case ImageTransform::MirrorLeftRight:
+        return createImageFlipped(photo, false);
+    case ImageTransform::MirrorTopBottom:
+        return createImageFlipped(photo, true);
+    }
+    return {};
+}
+
+} // namespace
+
+ImageObject::ImageObject(const QString &path, const PhotoServices &services)
+    : m_services(services)
+    , m_key(services.cache.newKey())
+    , m_path(path)
+{
+}
+
+ImageObject::~ImageObject()
+{
+    m_services.cache.remove(m_key);
+}
+
+QString ImageObject::path() const
+{
+    const std::lock_guard lock(m_stateLock);
+    return m_path;
+}
+
+void ImageObject::setPath(const QString &path)
+{
+    {
+        const std::lock_guard lock(m_stateLock);
+        if (m_path == path)
+            return;
+        m_path = path;
+    }
+    Q_EMIT pathChanged();
+}
+
+QString ImageObject::filename() const
+{
+    return filenameOf(path());
+}
+
+void ImageObject::setFilename(const QString &filename)
+{
+    const QFileInfo info(path());
+    const QString name = info.suffix().isEmpty() ? filename : filename + QLatin1Char('.') + info.suffix();
+    setPath(info.path() == QLatin1String(".") ? name : QDir(info.path()).filePath(name));
+}
+
+QString ImageObject::pathToImportFrom() const
+{
+    const std::lock_guard lock(m_stateLock);
+    return m_pathToImportFrom;
+}
+
+void ImageObject::setPathToImportFrom(const QString &path)
+{
+    const std::lock_guard lock(m_stateLock);
+    m_pathToImportFrom = path;
+}
+
+QString ImageObject::readPath() const
+{
+    const std::lock_guard lock(m_stateLock);
+    return m_pathToImportFrom.isEmpty() ? m_path : m_pathToImportFrom;
+}
+
+bool ImageObject::isLoaded() const
+{
+    const std::lock_guard lock(m_stateLock);
+    return m_imageHasBeenLoaded && m_hasImage;
+}
+
+bool ImageObject::imageHasBeenLoaded() const
+{
+    const std::lock_guard lock(m_stateLock);
+    return m_imageHasBeenLoaded;
+}
+
+QString ImageObject::loadError() const
+{
+    const std::lock_guard lock(m_stateLock);
+    return m_loadError;
+}
+
+bool ImageObject::loadImageFromDisk()
+{
+    if (isLoaded())
+        return true;
+    if (path().isEmpty())
+        return false;
+    const std::lock_guard processing(m_processingLock);
+    if (isLoaded()) // another thread was quicker
+        return true;
+    const Result<void> loaded = load();
+    const std::lock_guard lock(m_stateLock);
+    m_loadError = loaded ? QString() : loaded.error().text;
+    return loaded.has_value();
+}
+
+Result<void> ImageObject::load()
+{
+    const std::lock_guard pixels(m_pixelLock);
+    const Result<ImageSource> source = ImageSource::open(readPath(), m_services.limits);
+    if (!source)
+        return tl::unexpected(source.error());
+    const ImageMetadata metadata(source->properties());
+    {
+        const std::lock_guard lock(m_stateLock);
+        m_metadata = metadata;
+    }
+    Q_EMIT metadataChanged();
+
+    const Uprighting uprighting = uprightingOf(source->info().rows.size, metadata, 1, m_services.limits);
+    const Result<QImage> picture = readUpright(*source, uprighting, kThumbnailSide);
+    if (!picture)
+        return tl::unexpected(picture.error());
+    const QImage thumbnail = createImageScaledToMaxSize(*picture, kThumbnailSide, true);
+    // A format that cannot be decoded smaller has just given the whole photo.
+    if (picture->size() == uprighting.size())
+        m_services.cache.insert(m_key, *picture);
+
+    const std::lock_guard lock(m_stateLock);
+    m_uprighting = uprighting;
+    m_turns = 1;
+    m_originalThumbnail = thumbnail;
+    m_imageHasBeenLoaded = true;
+    m_hasImage = true;
+    return {};
+}
+
+std::optional<Uprighting> ImageObject::uprighting() const
+{
+    const std::lock_guard lock(m_stateLock);
+    return m_hasImage ? std::optional(m_uprighting) : std::nullopt;
+}
+
+QImage ImageObject::originalCGImage()
+{
+    if (!loadImageFromDisk())
+        return {};
+    const std::lock_guard pixels(m_pixelLock);
+    if (QImage kept = m_services.cache.find(m_key); !kept.isNull())
+        return kept;
+    const std::optional<Uprighting> how = uprighting();
+    if (!how)
+        return {};
+    const Result<ImageSource> source = ImageSource::open(readPath(), m_services.limits);
+    // A file that was replaced by one of another size meanwhile is not the photo that was loaded.
+    if (!source || source->info().rows.size != how->stored)
+        return {};
+    const Result<QImage> picture = readUpright(*source, *how);
+    if (!picture)
+        return {};
+    m_services.cache.insert(m_key, *picture);
+    return *picture;
+}
+
+QSize ImageObject::originalImageSize()
+{
+    return loadImageFromDisk() ? pixelSize() : QSize(0, 0);
+}
+
+QString ImageObject::originalImageSizeAsString()
+{
+    const QSize size = originalImageSize();
+    return QStringLiteral("%1 x %2").arg(size.width()).arg(size.height());
+}
+
+QImage ImageObject::thumbnail() const
+{
+    const std::lock_guard lock(m_stateLock);
+    return m_originalThumbnail;
+}
+
+std::optional<ImageMetadata> ImageObject::metadata() const
+{
+    const std::lock_guard lock(m_stateLock);
+    return m_metadata;
+}
+
+void ImageObject::setMetadata(const ImageMetadata &metadata)
+{
+    {
+        const std::lock_guard lock(m_stateLock);
+        m_metadata = metadata;
+    }
+    Q_EMIT metadataChanged();
+}
+
+void ImageObject::releaseImagesData()
+{
+    const std::lock_guard processing(m_processingLock);
+    const std::lock_guard pixels(m_pixelLock);
+    m_services.cache.remove(m_key);
+    const std::lock_guard lock(m_stateLock);
+    m_originalThumbnail = {};
+    m_hasImage = false;
+    m_turns = 1;
+}
+
+bool ImageObject::transformOriginalImageWithOperation(int operation)
+{
+    if (operation < 1 || operation > 5 || !loadImageFromDisk())
+        return false;
+    const auto transform = static_cast<ImageTransform>(operation);
+    const std::lock_guard pixels(m_pixelLock);
+    const QImage turned = turnedThumbnail(thumbnail(), transform);
+    if (turned.isNull())
+        return false;
+    // Pixels that are not at hand are turned when they are decoded.
+    if (const QImage photo = m_services.cache.find(m_key); !photo.isNull()) {
+        const QImage turnedPixels = turnedPhoto(photo, transform);
+        if (turnedPixels.isNull())
+            return false;
+        m_services.cache.insert(m_key, turnedPixels);
+    }
+    const std::lock_guard lock(m_stateLock);
+    m_customWatermarkRectOrigins.clear();
+    m_originalThumbnail = turned;
+    m_turns = orientationAfter(m_turns, transform);
+    m_uprighting.orientation = orientationAfter(m_uprighting.orientation, transform);
+    return true;
+}
+
+std::optional<QPointF> ImageObject::customWatermarkRectOriginForWPreset(const WPreset *preset) const
+{
+    const std::lock_guard lock(m_stateLock);
+    for (const CustomOrigin &custom : m_customWatermarkRectOrigins) {
+        if (custom.preset.get() == preset)
+            return custom.origin;
+    }
+    return std::nullopt;
+}
+
+void ImageObject::setCustomWatermarkRectOrigin(QPointF origin, const std::shared_ptr<const WPreset> &preset)
+{
+    const std::lock_guard lock(m_stateLock);
+    for (CustomOrigin &custom : m_customWatermarkRectOrigins) {
+        if (custom.preset == preset) {
+            custom.origin = origin;
+            return;
+        }
+    }
+    m_customWatermarkRectOrigins.push_back({preset, origin});
+}
+
+bool ImageObject::resetCustomWatermarkRectOriginForWPreset(const WPreset *preset)
+{
+    const std::lock_guard lock(m_stateLock);
+    const auto found =
+        std::find_if(m_customWatermarkRectOrigins.begin(), m_customWatermarkRectOrigins.end(),
+                     [&](const CustomOrigin &custom) { return custom.preset.get() == preset; });
+    if (found == m_customWatermarkRectOrigins.end())
+        return false;
+    m_customWatermarkRectOrigins.erase(found);
+    return true;
+}
+
+void ImageObject::resetAllCustomWatermarkRectOrigins()
+{
+    const std::lock_guard lock(m_stateLock);
+    m_customWatermarkRectOrigins.clear();
+}
+
+QImage ImageObject::createWatermarkedImage(const QImage &image, const AppliedPreset &preset, QRectF *rect)
+{
+    if (rect)
+        *rect = QRectF();
+    QImage photo = image.isNull() ? originalCGImage() : image;
+    if (photo.isNull())
+        return {};
+    const Result<std::optional<WatermarkDrawing>> drawing = WatermarkDrawing::prepare(
+        preset.values, facts(), m_services.fonts, customWatermarkRectOriginForWPreset(preset.preset.get()));
+    if (!drawing)
+        return {};
+    if (!*drawing)
+        return photo;
+    if (rect)
+        *rect = (*drawing)->layout().rect;
+    QImage marked = photo.copy();
+    if (!marked.isNull())
+        (*drawing)->drawRows(marked, 0);
+    return marked;
+}
+
+QImage ImageObject::createWatermarkedImageForAllAppliedWPresets(const std::vector<AppliedPreset> &presets)
+{
+    QImage result = originalCGImage();
+    for (const AppliedPreset &preset : presets) {
+        if (const QImage marked = createWatermarkedImage(result, preset); !marked.isNull())
+            result = marked;
+    }
+    return result;
+}
+
+QImage ImageObject::createFinalCGImage(const AppliedPreset *preset, const std::vector<AppliedPreset> &presets,
+                                       QRectF *rect)
+{
+    return preset ? createWatermarkedImage({}, *preset, rect)
+                  : createWatermarkedImageForAllAppliedWPresets(presets);
+}
+
+QImage ImageObject::savedImage(const AppliedPreset *preset, const std::vector<AppliedPreset> &presets)
+{
+    return createFinalCGImage(preset, presets);
+}
+
+QList<QImage> ImageObject::generatePasteboardImages(const std::vector<AppliedPreset> &presets)
+{
+    QList<QImage> images;
+    for (const AppliedPreset &preset : presets) {
+        if (const QImage image = savedImage(&preset, presets); !image.isNull())
+            images.append(image);
+    }
+    return images;
+}
+
+Result<CopyReport> ImageObject::saveImageAtPath(const QString &destination,
+                                                const std::vector<AppliedPreset> &presets,
+                                                const SavingPreset &savingPreset,
+                                                AtomicFile::IfExists ifExists, bool preservesCreationDate,
+                                                const CancelCheck &isCancelled)
+{
+    CopyOrder order;
+    order.path = path();
+    order.readPath = readPath();
+    order.targetPath = destination;
+    order.targetType = savingPreset.imageFormatUTI(order.path);
+    if (order.targetType.isEmpty())
+        return fail(QStringLiteral("the format \"%1\" cannot be written").arg(savingPreset.imageFormat));
+    order.quality = savingPreset.jpegQuality / 100.0;
+    order.tiffLzw = savingPreset.tiffCompressionLZW;
+    for (const AppliedPreset &preset : presets)
+        order.marks.push_back({preset.values, customWatermarkRectOriginForWPreset(preset.preset.get())});
+    order.ifExists = ifExists;
+    order.preservesCreationDate = preservesCreationDate;
+    order.isCancelled = isCancelled;
+    {
+        const std::lock_guard lock(m_stateLock);
+        order.metadata = m_metadata;
+        order.turns = m_turns;
+    }
+    order.upright = m_services.cache.find(m_key);
+    return writeCopy(order, m_services);
+}
+
+QSize ImageObject::pixelSize() const
+{
+    const std::lock_guard lock(m_stateLock);
+    return m_hasImage ? m_uprighting.size() : QSize(0, 0);
+}
+
+PhotoFacts ImageObject::facts() const
+{
+    const std::lock_guard lock(m_stateLock);
+    return PhotoFacts(m_path, m_metadata.value_or(ImageMetadata()), m_uprighting.size(),
+                      m_uprighting.unscaledSize(), m_services.locale);
+}
+
+std::optional<QString> ImageObject::stringForInfoToken(const QString &piece, bool *tokenExists) const
+{
+    return facts().stringForInfoToken(piece, tokenExists);
+}
+
+} // namespace plexa

@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "images/copywriter.h"
+#include "images/photofacts.h"
+#include "images/photoservices.h"
+#include "images/uprighting.h"
+#include "metadata/imagemetadata.h"
+#include "presets/savingpreset.h"
+#include "watermark/texttokens.h"
+#include "watermark/wpreset.h"
+
+#include <QObject>
+#include <QPointF>
+#include <QRectF>
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+namespace plexa
+{
+
+/// A preset as it stood when a piece of work began: who it is (places chosen by hand are kept by that), and
+/// its values, which the work may read while the user goes on editing.
+struct AppliedPreset {
+    std::shared_ptr<const WPreset> preset;
+    WPresetValues values;
+};
+
+/// One photo of the working set. It loads the photo and its metadata when they are asked for, keeps a
+/// thumbnail, applies the user's turns, remembers the places to which watermarks were dragged, and makes
+/// watermarked images and copies.
+///
+/// Loaded pixels live in the shared cache. Pixels that the cache gave up are decoded again when they are
+/// needed, with the turns applied; only releaseImagesData() forgets the turns.
+///
+/// All functions may be called from any thread; signals are sent from the thread that caused them. A thread
+/// that holds the processing lock must not call loadImageFromDisk() on a photo that is not loaded.
+class ImageObject final : public QObject, public TokenSource
+{
+    Q_OBJECT
+
+public:
+    /// A new object for the file; nothing is read. The services outlive it.
+    ImageObject(const QString &path, const PhotoServices &services);
+    ~ImageObject() override;
+
+    QString path() const;
+    /// Changes the path, and with it the file name.
+    void setPath(const QString &path);
+
+    /// The file's name without folder and extension.
+    QString filename() const;
+    /// Renames the photo: the path keeps its folder and its extension.
+    void setFilename(const QString &filename);
+
+    /// Where the photo is read from when not from path(); empty: from path().
+    QString pathToImportFrom() const;
+    void setPathToImportFrom(const QString &path);
+
+    /// Reads the photo: its metadata, its thumbnail, and whether it can be decoded. Cheap when that was done.
+    /// @return false when the photo cannot be read, each time it is called; loadError() says why
+    bool loadImageFromDisk();
+    QString loadError() const;
+
+    /// Has the photo been read at least once?
+    bool imageHasBeenLoaded() const;
+
+    /// The photo upright, its pixels square, the user's turns applied; loads it. Null when that fails.
+    QImage originalCGImage();
+
+    /// Pixels of originalCGImage(), without decoding it; (0, 0) when the photo cannot be read.
+    QSize originalImageSize();
+
+    /// "WxH" in words: "4000 x 3000".
+    QString originalImageSizeAsString();
+
+    /// At most 400 pixels on its longer side, mirrored top to bottom. Null until the photo is loaded.
+    QImage thumbnail() const;
+
+    /// None until the photo is loaded; a copy.
+    std::optional<ImageMetadata> metadata() const;
+    /// Takes over edited metadata, which copies will carry.
+    void setMetadata(const ImageMetadata &metadata);
+
+    /// Forgets pixels, thumbnail and turns; the metadata stay. Takes the processing lock.
+    void releaseImagesData();
+
+    /// The processing lock, for work that must not be done twice on one photo at a time.
+    void lock() { m_processingLock.lock(); }
+    bool tryLock() { return m_processingLock.try_lock(); }
+    void unlock() { m_processingLock.unlock(); }
+
+    /// Turns or mirrors the photo (codes: ImageTransform) and forgets the places chosen by hand.
+    /// @return false, and nothing changed, when the operation is unknown or the photo cannot be read
+    bool transformOriginalImageWithOperation(int operation);
+
+    /// Places chosen by hand: photo pixels, origin at the bottom left. Presets are compared by identity.
+    std::optional<QPointF> customWatermarkRectOriginForWPreset(const WPreset *preset) const;
+    void setCustomWatermarkRectOrigin(QPointF origin, const std::shared_ptr<const WPreset> &preset);
+    bool resetCustomWatermarkRectOriginForWPreset(const WPreset *preset);
+    void resetAllCustomWatermarkRectOrigins();
+
+    /// One preset drawn.
+    /// @param image  what to draw on, of the photo's size; null: the photo
+    /// @param rect   receives, where given, the watermark's rectangle; zeros when there is no watermark
+    /// @return the very image when the preset yields nothing; null when it cannot be made
+    QImage createWatermarkedImage(const QImage &image, const AppliedPreset &preset, QRectF *rect = nullptr);
+
+    /// All presets drawn in their order; one that cannot be drawn is left out. Null when the photo cannot be
+    /// read.
+    QImage createWatermarkedImageForAllAppliedWPresets(const std::vector<AppliedPreset> &presets);
+
+    /// One preset drawn, or with none, all of them.
+    QImage createFinalCGImage(const AppliedPreset *preset, const std::vector<AppliedPreset> &presets,
+                              QRectF *rect = nullptr);
+
+    /// The picture that is saved.
+    QImage savedImage(const AppliedPreset *preset, const std::vector<AppliedPreset> &presets);
+
+    /// For the clipboard: one picture for each preset.
+    QList<QImage> generatePasteboardImages(const std::vector<AppliedPreset> &presets);
+
+    /// Writes one copy with these presets drawn.
+    [[nodiscard]] Result<CopyReport>
+    saveImageAtPath(const QString &destination, const std::vector<AppliedPreset> &presets,
+                    const SavingPreset &savingPreset, AtomicFile::IfExists ifExists,
+                    bool preservesCreationDate, const CancelCheck &isCancelled = {});
+
+    // TokenSource
+    QSize pixelSize() const override;
+    std::optional<QString> stringForInfoToken(const QString &piece, bool *tokenExists) const override;
+
+Q_SIGNALS:
+    void pathChanged();
+    void metadataChanged();
+
+private:
+    struct CustomOrigin {
+        std::shared_ptr<const WPreset> preset;
+        QPointF origin;
+    };
+
+    QString readPath() const;
+    bool isLoaded() const;
+    Result<void> load();
+    std::optional<Uprighting> uprighting() const;
+    PhotoFacts facts() const;
+
+    const PhotoServices &m_services;
+    const PixelCache::Key m_key;
+
+    std::mutex m_processingLock;
+    std::mutex m_pixelLock;         // one thread decodes or turns at a time; taken after the processing lock
+    mutable std::mutex m_stateLock; // guards what follows; taken last, never while decoding
+
+    QString m_path;
+    QString m_pathToImportFrom;
+    bool m_imageHasBeenLoaded = false;
+    bool m_hasImage = false;
+    QString m_loadError;
+    std::optional<ImageMetadata> m_metadata;
+    Uprighting m_uprighting; // of the file, the user's turns included
+    int m_turns = 1;         // the user's alone
+    QImage m_originalThumbnail;
+    std::vector<CustomOrigin> m_customWatermarkRectOrigins;
+};
+
+} // namespace plexa

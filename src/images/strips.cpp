@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "images/strips.h"
+
+#include <algorithm>
+
+namespace plexa
+{
+
+namespace
+{
+
+constexpr qsizetype kStripBytes = 512 * 1024;
+constexpr int kCodecBlockRows = 16; // JPEG works in blocks of up to 16 rows
+
+int rowsPerStrip(QSize picture)
+{
+    const qsizetype bytesPerRow = qsizetype(picture.width()) * 4;
+    const auto blocks =
+        static_cast<int>(std::max<qsizetype>(1, kStripBytes / (bytesPerRow * kCodecBlockRows)));
+    return std::min(picture.height(), blocks * kCodecBlockRows);
+}
+
+} // namespace
+
+Result<void> forEachStrip(RowReader &reader, const StripVisitor &visit)
+{
+    const RowFormat format = reader.format();
+    QImage strip = blankPicture({format.size.width(), rowsPerStrip(format.size)}, format.imageFormat());
+    if (strip.isNull())
+        return fail(outOfMemoryText());
+    for (int row = 0; row < format.size.height(); row += strip.height()) {
+        const int count = std::min(strip.height(), format.size.height() - row);
+        if (Result<void> read = reader.readRows(strip, count); !read)
+            return read;
+        if (Result<void> visited = visit(strip, row, count); !visited)
+            return visited;
+    }
+    return {};
+}
+
+Result<void> writeStrips(RowWriter &writer, const QImage &picture, const CancelCheck &isCancelled)
+{
+    const int rows = rowsPerStrip(picture.size());
+    for (int row = 0; row < picture.height(); row += rows) {
+        if (isCancelled && isCancelled())
+            return fail(cancelledText());
+        const int count = std::min(rows, picture.height() - row);
+        const QImage strip(picture.constScanLine(row), picture.width(), count, picture.bytesPerLine(),
+                           picture.format());
+        if (Result<void> written = writer.writeRows(strip, count); !written)
+            return written;
+    }
+    return {};
+}
+
+QImage blankPicture(QSize size, QImage::Format format)
+{
+    return QImage(size, format);
+}
+
+QString outOfMemoryText()
+{
+    return QStringLiteral("there is not enough memory for the picture");
+}
+
+QString cancelledText()
+{
+    return QStringLiteral("the work was stopped");
+}
+
+} // namespace plexa

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "images/uprighting.h"
+
+#include "images/strips.h"
+#include "metadata/imagemetadata.h"
+#include "raster/bitmaputilities.h"
+#include "raster/orientation.h"
+
+#include <array>
+#include <cmath>
+
+namespace plexa
+{
+
+namespace
+{
+
+// The linear part of each orientation: (x, y) goes to (a x + c y, b x + d y), y upwards.
+struct Turn {
+    int a, b, c, d;
+    bool operator==(const Turn &) const = default;
+};
+
+constexpr std::array<Turn, 8> kTurns = {{{1, 0, 0, 1},
+                                         {-1, 0, 0, 1},
+                                         {-1, 0, 0, -1},
+                                         {1, 0, 0, -1},
+                                         {0, -1, -1, 0},
+                                         {0, -1, 1, 0},
+                                         {0, 1, 1, 0},
+                                         {0, 1, -1, 0}}};
+
+constexpr std::array<int, 5> kOrientationOfTransform = {6, 8, 3, 2, 4};
+
+QSize scaledBy(QSize size, double scaleX, double scaleY)
+{
+    return {static_cast<int>(std::lround(size.width() * scaleX)),
+            static_cast<int>(std::lround(size.height() * scaleY))};
+}
+
+} // namespace
+
+int composedOrientation(int first, int second)
+{
+    const Turn &one = kTurns[static_cast<std::size_t>(first - 1)];
+    const Turn &two = kTurns[static_cast<std::size_t>(second - 1)];
+    const Turn both{two.a * one.a + two.c * one.b, two.b * one.a + two.d * one.b,
+                    two.a * one.c + two.c * one.d, two.b * one.c + two.d * one.d};
+    return static_cast<int>(std::find(kTurns.begin(), kTurns.end(), both) - kTurns.begin()) + 1;
+}
+
+int orientationAfter(int orientation, ImageTransform transform)
+{
+    return composedOrientation(orientation, kOrientationOfTransform[static_cast<std::size_t>(transform) - 1]);
+}
+
+QSize Uprighting::size() const
+{
+    return orientedSize(scaledBy(stored, scaleX, scaleY), orientation);
+}
+
+QSize Uprighting::unscaledSize() const
+{
+    return orientedSize(stored, orientation);
+}
+
+QTransform Uprighting::transform(QSize decoded) const
+{
+    return orientationTransform(orientation, scaleX, scaleY, decoded);
+}
+
+Uprighting uprightingOf(QSize stored, const ImageMetadata &metadata, int turns, const ReadLimits &limits)
+{
+    Uprighting result;
+    result.stored = stored;
+    result.orientation = composedOrientation(metadata.orientationCorrected(), turns);
+
+    const double dx = metadata.dpiWidth().toDouble();
+    const double dy = metadata.dpiHeight().toDouble();
+    if (!(dx > 0 && dy > 0) || !std::isfinite(dx) || !std::isfinite(dy) || dx == dy)
+        return result;
+    const double scaleX = dx < dy ? dy / dx : 1;
+    const double scaleY = dy < dx ? dx / dy : 1;
+    const double pixels = scaleX * stored.width() * scaleY * stored.height();
+    // A resolution that would blow the photo up beyond all bounds is a mistake, not a shape of pixels.
+    if (pixels > static_cast<double>(limits.maxPixels) || pixels * 4 > static_cast<double>(limits.maxBytes) ||
+        scaleX * stored.width() > 65'535 || scaleY * stored.height() > 65'535)
+        return result;
+    result.scaleX = scaleX;
+    result.scaleY = scaleY;
+    return result;
+}
+
+Result<QImage> readUpright(const ImageSource &source, const Uprighting &uprighting, int reducedTo)
+{
+    if (reducedTo > 0 || uprighting.isStretched()) {
+        const Result<QImage> stored =
+            reducedTo > 0 ? source.createReducedImage(reducedTo) : source.createImage();
+        if (!stored || uprighting.isIdentity())
+            return stored;
+        QImage upright = createImageWithTransform(*stored, uprighting.transform(stored->size()));
+        return upright.isNull() ? *stored : upright;
+    }
+    if (uprighting.orientation == 1)
+        return source.createImage();
+
+    Result<std::unique_ptr<RowReader>> reader = source.openRows();
+    if (!reader)
+        return tl::unexpected(reader.error());
+    const RowFormat format = (*reader)->format();
+    QImage upright = blankPicture(uprighting.size(), format.imageFormat());
+    if (upright.isNull())
+        return fail(outOfMemoryText());
+    const Result<void> read = forEachStrip(**reader, [&](const QImage &strip, int firstRow, int count) {
+        placeOrientedRows(upright, strip, count, firstRow, format.size, uprighting.orientation);
+        return Result<void>();
+    });
+    if (!read)
+        return tl::unexpected(read.error());
+    return upright;
+}
+
+} // namespace plexa

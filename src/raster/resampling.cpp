@@ -1,0 +1,294 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "raster/resampling.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+namespace plexa
+{
+
+namespace
+{
+
+/// The four channels of one pixel, worked on at once.
+using Pixel = float __attribute__((vector_size(16)));
+
+/// A filter over pixels: centred on 0, and 0 beyond `reach`.
+struct Linear {
+    static constexpr double kReach = 1;
+    static double at(double x) { return std::max(0.0, 1 - std::abs(x)); }
+};
+
+/// Keys' cubic with a = -1/2 (Catmull-Rom): R. Keys, "Cubic convolution interpolation for digital image
+/// processing", IEEE Trans. ASSP 29, 1981.
+struct Cubic {
+    static constexpr double kReach = 2;
+    static double at(double x)
+    {
+        x = std::abs(x);
+        if (x < 1)
+            return (1.5 * x - 2.5) * x * x + 1;
+        return x < 2 ? ((-0.5 * x + 2.5) * x - 4) * x + 2 : 0;
+    }
+};
+
+/// What one side's target pixels take from the source: `taps` weights each, from `first` on.
+struct Weights {
+    std::vector<int> first;
+    std::vector<float> weight;
+    int taps = 0;
+
+    const float *of(int index) const { return weight.data() + qsizetype(index) * taps; }
+};
+
+/// @param extent  the source's length in its pixels; the last pixel may be covered in part only
+template<class Filter>
+Weights weightsFor(double extent, int target)
+{
+    const int count = int(std::ceil(extent - 1e-9));
+    const double ratio = extent / target;
+    const double stretch = std::max(1.0, ratio);
+    const double reach = Filter::kReach * stretch;
+
+    Weights result;
+    result.taps = int(std::min<double>(count, 2 * std::ceil(reach) + 1));
+    result.first.resize(std::size_t(target));
+    result.weight.resize(std::size_t(target) * std::size_t(result.taps));
+    std::vector<double> row(std::size_t(result.taps));
+    for (int i = 0; i < target; ++i) {
+        const double centre = (i + 0.5) * ratio;
+        const int first = std::clamp(int(std::floor(centre - reach)), 0, count - result.taps);
+        double sum = 0;
+        for (int k = 0; k < result.taps; ++k) {
+            const double covered = std::min(1.0, extent - (first + k));
+            row[std::size_t(k)] = Filter::at((first + k + 0.5 - centre) / stretch) * covered;
+            sum += row[std::size_t(k)];
+        }
+        result.first[std::size_t(i)] = first;
+        float *to = result.weight.data() + qsizetype(i) * result.taps;
+        for (int k = 0; k < result.taps; ++k)
+            to[k] = float(row[std::size_t(k)] / sum);
+    }
+    return result;
+}
+
+const quint32 *rowOf(const QImage &image, qsizetype y)
+{
+    return reinterpret_cast<const quint32 *>(image.constBits() + y * image.bytesPerLine());
+}
+
+/// The average of each block of `factorX` x `factorY` pixels; blocks at the right and at the bottom may be
+/// smaller. Both factors at most 256, or a sum of bytes would not fit.
+QImage shrunkByWholeFactors(const QImage &image, int factorX, int factorY)
+{
+    const int width = (image.width() + factorX - 1) / factorX;
+    const int height = (image.height() + factorY - 1) / factorY;
+    QImage result(width, height, image.format());
+    if (result.isNull())
+        return {};
+    uchar *bits = result.bits();
+    const qsizetype bytes = qsizetype(image.width()) * 4;
+    std::vector<quint16> sums(std::size_t(bytes), 0);
+    for (int y = 0; y < height; ++y) {
+        const int top = y * factorY;
+        const int rows = std::min(factorY, image.height() - top);
+        std::fill(sums.begin(), sums.end(), quint16(0));
+        for (int row = top; row < top + rows; ++row) {
+            const uchar *from = image.constBits() + row * image.bytesPerLine();
+            quint16 *to = sums.data();
+            for (qsizetype i = 0; i < bytes; ++i)
+                to[i] = quint16(to[i] + from[i]);
+        }
+        uchar *to = bits + y * result.bytesPerLine();
+        for (int x = 0; x < width; ++x) {
+            const int left = x * factorX;
+            const int columns = std::min(factorX, image.width() - left);
+            const quint16 *from = sums.data() + qsizetype(left) * 4;
+            quint32 total[4] = {0, 0, 0, 0};
+            for (int column = 0; column < columns; ++column, from += 4) {
+                for (int c = 0; c < 4; ++c)
+                    total[c] += from[c];
+            }
+            const quint32 area = quint32(columns * rows);
+            for (int c = 0; c < 4; ++c)
+                to[x * 4 + c] = uchar((total[c] + area / 2) / area);
+        }
+    }
+    return result;
+}
+
+/// Applies both sides' weights. Source rows are filtered along x once, when they are first needed, and kept
+/// only as long as a target row needs them.
+QImage filtered(const QImage &image, QSize size, const Weights &across, const Weights &down)
+{
+    QImage result(size, image.format());
+    if (result.isNull())
+        return {};
+    const std::size_t width = std::size_t(size.width());
+    std::vector<Pixel> wide(std::size_t(image.width()));
+    std::vector<Pixel> ring(width * std::size_t(down.taps));
+    std::vector<Pixel> sum(width);
+    const bool opaque = image.format() == QImage::Format_RGB32;
+    uchar *bits = result.bits();
+    int ready = 0;
+
+    for (int y = 0; y < size.height(); ++y) {
+        const int first = down.first[std::size_t(y)];
+        for (ready = std::max(ready, first); ready < first + down.taps; ++ready) {
+            const uchar *from = image.constBits() + ready * image.bytesPerLine();
+            auto *channels = reinterpret_cast<float *>(wide.data());
+            for (qsizetype i = 0; i < qsizetype(image.width()) * 4; ++i)
+                channels[i] = float(from[i]);
+            Pixel *to = ring.data() + std::size_t(ready % down.taps) * width;
+            for (std::size_t x = 0; x < width; ++x) {
+                const float *weight = across.of(int(x));
+                const Pixel *pixel = wide.data() + across.first[x];
+                Pixel total{0, 0, 0, 0};
+                for (int k = 0; k < across.taps; ++k)
+                    total += pixel[k] * weight[k];
+                to[x] = total;
+            }
+        }
+        std::fill(sum.begin(), sum.end(), Pixel{0.5F, 0.5F, 0.5F, 0.5F});
+        const float *weight = down.of(y);
+        for (int k = 0; k < down.taps; ++k) {
+            const Pixel *row = ring.data() + std::size_t((first + k) % down.taps) * width;
+            const float factor = weight[k];
+            for (std::size_t x = 0; x < width; ++x)
+                sum[x] += row[x] * factor;
+        }
+        auto *to = reinterpret_cast<quint32 *>(bits + y * result.bytesPerLine());
+        for (std::size_t x = 0; x < width; ++x) {
+            const Pixel pixel = sum[x];
+            const float alpha = opaque ? 255.0F : std::clamp(pixel[3], 0.0F, 255.0F);
+            const auto channel = [&](int c) { return quint32(std::clamp(pixel[c], 0.0F, alpha)); };
+            to[x] = quint32(alpha) << 24 | channel(2) << 16 | channel(1) << 8 | channel(0);
+        }
+    }
+    return result;
+}
+
+/// What is averaged away in whole blocks first, so that the filter itself still shrinks at least 6 times:
+/// enough for it to hide the blocks.
+int blockFactor(int source, int target)
+{
+    return std::clamp(int(source / (6.0 * target)), 1, 256);
+}
+
+/// A pixel as four lanes of 16 bits.
+quint64 spread(quint32 pixel)
+{
+    return quint64(pixel & 0x00ff00ffU) | quint64((pixel >> 8) & 0x00ff00ffU) << 32;
+}
+
+quint32 gathered(quint64 lanes)
+{
+    lanes &= 0x00ff00ff00ff00ffULL;
+    return quint32(lanes) | quint32(lanes >> 32) << 8;
+}
+
+/// The part of a row that can show the image.
+struct Span {
+    double begin;
+    double end;
+
+    /// Keeps the x for which `start + x * step` lies within [low, high].
+    void limit(double start, double step, double low, double high)
+    {
+        if (std::abs(step) < 1e-12) {
+            if (start < low || start > high)
+                end = begin;
+            return;
+        }
+        const double atLow = (low - start) / step;
+        const double atHigh = (high - start) / step;
+        begin = std::max(begin, std::min(atLow, atHigh));
+        end = std::min(end, std::max(atLow, atHigh));
+    }
+};
+
+} // namespace
+
+QImage resampled(const QImage &image, QSize size, Quality quality)
+{
+    if (image.isNull() || size.isEmpty())
+        return {};
+    if (image.size() == size)
+        return image;
+    const int factorX = blockFactor(image.width(), size.width());
+    const int factorY = blockFactor(image.height(), size.height());
+    const QImage source = factorX > 1 || factorY > 1 ? shrunkByWholeFactors(image, factorX, factorY) : image;
+    if (source.isNull())
+        return {};
+    const double extentX = double(image.width()) / factorX;
+    const double extentY = double(image.height()) / factorY;
+    if (quality == Quality::Low)
+        return filtered(source, size, weightsFor<Linear>(extentX, size.width()),
+                        weightsFor<Linear>(extentY, size.height()));
+    return filtered(source, size, weightsFor<Cubic>(extentX, size.width()),
+                    weightsFor<Cubic>(extentY, size.height()));
+}
+
+void drawTransformed(QImage &target, const QImage &image, const QTransform &toSource)
+{
+    const int width = image.width();
+    const int height = image.height();
+    const bool opaque = image.format() == QImage::Format_RGB32;
+    const quint32 outside = opaque ? 0xff000000U : 0U;
+    const auto pixelAt = [&](qint64 x, qint64 y) {
+        return x >= 0 && x < width && y >= 0 && y < height ? rowOf(image, y)[x] : outside;
+    };
+    // Places in the image are fixed-point numbers with 32 bits behind the point: over any row that fits into
+    // memory the steps add up to less than a hundredth of a pixel.
+    constexpr double kOne = 4294967296.0;
+    uchar *bits = target.bits();
+    for (int row = 0; row < target.height(); ++row) {
+        const double v = row + 0.5;
+        // The centre of pixel 0 is at 0.5: taken off here, a whole number is the middle of a pixel.
+        const double startX = toSource.m11() * 0.5 + toSource.m21() * v + toSource.dx() - 0.5;
+        const double startY = toSource.m12() * 0.5 + toSource.m22() * v + toSource.dy() - 0.5;
+        Span span{0, double(target.width())};
+        span.limit(startX, toSource.m11(), -1, width);
+        span.limit(startY, toSource.m12(), -1, height);
+        if (!(span.begin < span.end))
+            continue;
+        const int begin = int(std::floor(span.begin));
+        const int end = std::min(target.width(), int(std::ceil(span.end)) + 1);
+        const auto stepX = qint64(std::llround(toSource.m11() * kOne));
+        const auto stepY = qint64(std::llround(toSource.m12() * kOne));
+        auto x = qint64(std::llround((startX + begin * toSource.m11()) * kOne));
+        auto y = qint64(std::llround((startY + begin * toSource.m12()) * kOne));
+        auto *to = reinterpret_cast<quint32 *>(bits + row * target.bytesPerLine());
+        for (int column = begin; column < end; ++column, x += stepX, y += stepY) {
+            const qint64 left = x >> 32;
+            const qint64 top = y >> 32;
+            quint32 corner[4];
+            if (left >= 0 && left + 1 < width && top >= 0 && top + 1 < height) {
+                const quint32 *upper = rowOf(image, top) + left;
+                const quint32 *lower = rowOf(image, top + 1) + left;
+                corner[0] = upper[0];
+                corner[1] = upper[1];
+                corner[2] = lower[0];
+                corner[3] = lower[1];
+            } else {
+                corner[0] = pixelAt(left, top);
+                corner[1] = pixelAt(left + 1, top);
+                corner[2] = pixelAt(left, top + 1);
+                corner[3] = pixelAt(left + 1, top + 1);
+            }
+            // Four weights of 8 bits that add up to exactly 256, so that a plain area keeps its colour.
+            const quint64 fx = quint64(x >> 24) & 255;
+            const quint64 fy = quint64(y >> 24) & 255;
+            const quint64 both = (fx * fy + 128) >> 8;
+            const quint64 lanes = spread(corner[0]) * (256 - fx - fy + both) +
+                                  spread(corner[1]) * (fx - both) + spread(corner[2]) * (fy - both) +
+                                  spread(corner[3]) * both + 0x0080008000800080ULL;
+            to[column] = gathered(lanes >> 8);
+        }
+    }
+}
+
+} // namespace plexa

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QImage>
+#include <QSize>
+#include <QTransform>
+
+namespace plexa
+{
+
+// How pixels between pixels are found. Images are Format_RGB32 or Format_ARGB32_Premultiplied; the sample
+// values are mixed as they are stored. Any thread.
+
+enum class Quality { Low, High };
+
+/// The image scaled to that size. Every source pixel counts by its area when shrinking, so that nothing
+/// aliases; enlarging interpolates between pixels: bicubic (Catmull-Rom) in high quality, linear in low.
+/// @return of the image's format; null when there is no memory
+QImage resampled(const QImage &image, QSize size, Quality quality);
+
+/// Draws the image through a transform onto a cleared target of the same format, interpolating linearly
+/// between pixels. Beyond its edges the image is transparent (black without alpha), which softens them.
+/// @param toSource  maps points of the target to points of the image; both have the origin at the top left
+///                  and y downwards, pixels are unit squares
+void drawTransformed(QImage &target, const QImage &image, const QTransform &toSource);
+
+} // namespace plexa

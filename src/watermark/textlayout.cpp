@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "watermark/textlayout.h"
+
+#include "platform/fontcatalog.h"
+
+#include <QCoreApplication>
+#include <QHash>
+#include <QPainter>
+#include <QRawFont>
+#include <QTextLayout>
+#include <QTransform>
+
+#include <algorithm>
+#include <mutex>
+
+namespace plexa
+{
+namespace
+{
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(plexa::TextWatermark)
+};
+
+/// Texts are set at this many pixels an em, without hinting, and scaled from there: the fractions of a pixel
+/// to which the text engine rounds vanish, and its caches serve photos of every size.
+constexpr int kEm = 1000;
+
+/// The text engine counts in 64ths of a pixel, in 32 bits.
+constexpr double kMaxFrameWidth = 16'000'000;
+
+constexpr qsizetype kMaxCharacters = 100'000;
+
+/// The one place that calls the text engine. Its fonts and caches belong to a thread each, but the font
+/// database behind them, the platform's list of substitutes and a QFont that was copied from another are
+/// shared; what is shared is not promised to be safe. Setting a text takes well under a millisecond, so
+/// nothing is lost by one at a time.
+std::mutex &textEngine()
+{
+    static std::mutex mutex;
+    return mutex;
+}
+
+QFont fontOf(const FontCatalog &fonts, const QString &name)
+{
+    const std::optional<SizedFont> named = fonts.fontNamed(name, kEm);
+    QFont font = named ? named->font : fonts.defaultFont(kEm).font;
+    font.setPixelSize(kEm);
+    font.setHintingPreference(QFont::PreferNoHinting);
+    return font;
+}
+
+struct LineMetrics {
+    double ascent = 0;
+    double descent = 0;
+    double leading = 0;
+
+    double height() const { return ascent + descent + leading; }
+
+    void include(const QRawFont &font)
+    {
+        const double scale = font.pixelSize() > 0 ? kEm / font.pixelSize() : 0;
+        ascent = std::max(ascent, font.ascent() * scale);
+        descent = std::max(descent, font.descent() * scale);
+        leading = std::max(leading, font.leading() * scale);
+    }
+};
+
+/// Line breaks as the text engine knows them, and nothing else that is invisible and has no width.
+QString preparedForSetting(const QString &text)
+{
+    QString prepared;
+    prepared.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        const bool isBreak = c == u'\n' || c == u'\r' || c == u'\v' || c == u'\f' || c == QChar(0x85) ||
+                             c == QChar::ParagraphSeparator || c == QChar::LineSeparator;
+        if (c == u'\r' && i + 1 < text.size() && text.at(i + 1) == u'\n')
+            continue;
+        if (isBreak)
+            prepared += QChar(QChar::LineSeparator);
+        else if (c == u'\t' || c.category() != QChar::Other_Control)
+            prepared += c;
+    }
+    return prepared;
+}
+
+QTextOption optionsFor(TextAlignment alignment)
+{
+    QTextOption options;
+    options.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    options.setUseDesignMetrics(true);
+    options.setTabStopDistance(4 * kEm);
+    switch (alignment) {
+    case TextAlignment::Left:
+        options.setAlignment(Qt::AlignLeft | Qt::AlignAbsolute);
+        break;
+    case TextAlignment::Centre:
+        options.setAlignment(Qt::AlignHCenter);
+        break;
+    case TextAlignment::Right:
+        options.setAlignment(Qt::AlignRight | Qt::AlignAbsolute);
+        break;
+    }
+    return options;
+}
+
+/// Gathers the glyphs of lines that are put one below the other.
+class GlyphGatherer
+{
+public:
+    explicit GlyphGatherer(const QRawFont &font) { m_ofFont.include(font); }
+
+    void addLine(const QTextLine &line)
+    {
+        const QList<QGlyphRun> runs = line.glyphRuns();
+        LineMetrics metrics = m_ofFont;
+        for (const QGlyphRun &run : runs)
+            metrics.include(run.rawFont());
+        // Runs are placed against the line's own top.
+        const double down = m_top + metrics.ascent - line.ascent() - line.y();
+        for (const QGlyphRun &run : runs)
+            addRun(run, QPointF(0, down));
+        m_top += metrics.height();
+    }
+
+    TextSetting setting() const
+    {
+        TextSetting setting;
+        setting.outlines = QTransform::fromScale(1.0 / kEm, 1.0 / kEm).map(m_outlines);
+        setting.outlines.setFillRule(Qt::WindingFill);
+        setting.pictureGlyphs = m_pictureGlyphs;
+        setting.height = m_top / kEm;
+        return setting;
+    }
+
+private:
+    void addRun(const QGlyphRun &run, QPointF offset)
+    {
+        const QRawFont font = run.rawFont();
+        const QList<quint32> glyphs = run.glyphIndexes();
+        const QList<QPointF> positions = run.positions();
+        QHash<quint32, QPainterPath> known;
+        for (qsizetype i = 0; i < glyphs.size(); ++i) {
+            auto outline = known.find(glyphs.at(i));
+            if (outline == known.end())
+                outline = known.insert(glyphs.at(i), font.pathForGlyph(glyphs.at(i)));
+            const QPointF at = positions.at(i) + offset;
+            if (!outline->isEmpty())
+                m_outlines.addPath(outline->translated(at));
+            else if (!font.boundingRect(glyphs.at(i)).isEmpty())
+                addPicture(font, glyphs.at(i), at);
+        }
+    }
+
+    void addPicture(const QRawFont &font, quint32 glyph, QPointF at)
+    {
+        QGlyphRun single;
+        single.setRawFont(font);
+        single.setGlyphIndexes({glyph});
+        single.setPositions({at});
+        m_pictureGlyphs.push_back(single);
+    }
+
+    LineMetrics m_ofFont;
+    QPainterPath m_outlines;
+    std::vector<QGlyphRun> m_pictureGlyphs;
+    double m_top = 0;
+};
+
+} // namespace
+
+Result<TextSetting> setText(const QString &text, const FontCatalog &fonts, const QString &fontName,
+                            TextAlignment alignment, double widthInEms)
+{
+    if (text.size() > kMaxCharacters) {
+        return fail(Texts::tr("the watermark's text is %1 characters long, more than the %2 that are drawn")
+                        .arg(text.size())
+                        .arg(kMaxCharacters));
+    }
+    const std::lock_guard lock(textEngine());
+    const QFont font = fontOf(fonts, fontName);
+    const QString prepared = preparedForSetting(text);
+    QTextLayout layout(prepared, font);
+    layout.setTextOption(optionsFor(alignment));
+    layout.setCacheEnabled(true);
+
+    GlyphGatherer glyphs(QRawFont::fromFont(font));
+    const double width = std::min(widthInEms * kEm, kMaxFrameWidth);
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine())
+        line.setLineWidth(width);
+    layout.endLayout();
+    for (int i = 0; i < layout.lineCount(); ++i)
+        glyphs.addLine(layout.lineAt(i));
+    return glyphs.setting();
+}
+
+double lineHeightInEms(const FontCatalog &fonts, const QString &fontName)
+{
+    const std::lock_guard lock(textEngine());
+    LineMetrics metrics;
+    metrics.include(QRawFont::fromFont(fontOf(fonts, fontName)));
+    return metrics.height() / kEm;
+}
+
+void drawPictureGlyphs(QPainter &painter, const TextSetting &setting)
+{
+    if (setting.pictureGlyphs.empty())
+        return;
+    const std::lock_guard lock(textEngine());
+    for (const QGlyphRun &glyph : setting.pictureGlyphs)
+        painter.drawGlyphRun({}, glyph);
+}
+
+} // namespace plexa

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "watermark/watermarkbitmap.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace plexa
+{
+
+class FontCatalog;
+struct WPresetValues;
+
+/// The bitmap of a text watermark before any turning: exactly as wide as the box and as tall as the text
+/// then needs, both cut to whole pixels. What sticks out of it (an outline at the edge) is cut off. Any
+/// thread.
+/// @param width  of the box, in pixels of the photo
+/// @param photo  pixels; sizes in percent refer to it
+/// @return none when there is nothing to draw on (no width, no height); a failure when it would be too large
+[[nodiscard]] Result<std::optional<WatermarkBitmap>>
+createTextWatermarkOfWidth(double width, const WPresetValues &values, const QString &text, QSize photo,
+                           const FontCatalog &fonts);
+
+/// The font size in pixels of the photo. A percentage makes a line of text that many percent of the base
+/// length tall.
+/// @param lineHeight  in ems
+double fontSizeInPixels(const WPresetValues &values, QSize photo, double lineHeight);
+
+} // namespace plexa

@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "watermark/watermarkpicture.h"
+
+#include "imageio/imagesource.h"
+#include "imageio/propertykeys.h"
+#include "raster/bitmaputilities.h"
+#include "raster/orientation.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QPainter>
+#include <QSvgRenderer>
+#include <QXmlStreamReader>
+
+#include <cmath>
+#include <mutex>
+
+namespace plexa
+{
+namespace
+{
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(plexa::WatermarkPicture)
+};
+
+constexpr qint64 kMaxSvgBytes = 16'000'000;
+
+/// An SVG reader walks the document's tree by calling itself.
+constexpr int kMaxSvgDepth = 200;
+constexpr int kMaxSvgElements = 200'000;
+
+/// A scaled picture above this is made anew for each photo.
+constexpr qint64 kMaxCachedBytes = 64'000'000;
+
+/// Is it XML at all, not too deep and not too large? Returns the reason why not.
+QString faultOfSvg(const QByteArray &svg)
+{
+    QXmlStreamReader xml(svg);
+    int depth = 0;
+    int elements = 0;
+    while (!xml.atEnd()) {
+        const QXmlStreamReader::TokenType token = xml.readNext();
+        if (token == QXmlStreamReader::EndElement)
+            --depth;
+        if (token != QXmlStreamReader::StartElement)
+            continue;
+        if (elements == 0 && xml.name() != QLatin1StringView("svg"))
+            return Texts::tr("it is not an SVG drawing");
+        if (++depth > kMaxSvgDepth || ++elements > kMaxSvgElements)
+            return Texts::tr("the SVG drawing is nested too deeply or has too many parts");
+    }
+    if (xml.hasError() || elements == 0)
+        return Texts::tr("the SVG drawing is damaged in line %1").arg(xml.lineNumber());
+    return {};
+}
+
+bool isSvg(QByteArrayView head)
+{
+    const QByteArray start = head.first(std::min<qsizetype>(head.size(), 1024)).toByteArray().trimmed();
+    const bool isXml = start.startsWith('<') || start.startsWith("\xef\xbb\xbf<");
+    return isXml && (start.contains("<svg") || start.startsWith("<?xml") || start.contains("<!DOCTYPE svg"));
+}
+
+/// Renders on the calling thread with a renderer of its own: a QSvgRenderer serves one thread.
+bool loadRenderer(QSvgRenderer &renderer, const QByteArray &svg)
+{
+    // An animation's timer would need an event loop; a watermark shows the first moment.
+    renderer.setFramesPerSecond(0);
+    return renderer.load(svg) && renderer.isValid();
+}
+
+QImage renderedSvg(const QByteArray &svg, QSize size)
+{
+    QSvgRenderer renderer;
+    QImage image = createBitmapContext(size.width(), size.height(), true);
+    if (image.isNull() || !loadRenderer(renderer, svg))
+        return {};
+    QPainter painter(&image);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform |
+                           QPainter::TextAntialiasing);
+    renderer.render(&painter, QRectF(QPointF(), QSizeF(size)));
+    return image;
+}
+
+Result<QByteArray> contentsOf(const QString &path)
+{
+    QFile file(path);
+    if (QFileInfo(path).isDir())
+        return fail(Texts::tr("it is a folder"));
+    if (!file.open(QIODevice::ReadOnly))
+        return fail(file.errorString());
+    const QByteArray bytes = file.read(kMaxSvgBytes + 1);
+    if (bytes.size() > kMaxSvgBytes)
+        return fail(Texts::tr("the SVG drawing is larger than %1 MB").arg(kMaxSvgBytes / 1'000'000));
+    return bytes;
+}
+
+Result<QByteArray> headOf(const QString &path)
+{
+    QFile file(path);
+    if (QFileInfo(path).isDir())
+        return fail(Texts::tr("it is a folder"));
+    if (!file.open(QIODevice::ReadOnly))
+        return fail(file.errorString());
+    return file.read(1024);
+}
+
+Result<QImage> uprightImage(const QString &path)
+{
+    const Result<ImageSource> source = ImageSource::open(path);
+    if (!source)
+        return tl::unexpected(source.error());
+    const Result<QImage> stored = source->createImage();
+    if (!stored)
+        return stored;
+    const int orientation = source->properties().value(kCGImagePropertyOrientation).toInt();
+    if (orientation < 2 || orientation > 8)
+        return stored;
+    const QImage upright =
+        createImageWithTransform(*stored, orientationTransform(orientation, 1, 1, stored->size()));
+    if (upright.isNull())
+        return fail(Texts::tr("there is not enough memory for it"));
+    return upright;
+}
+
+} // namespace
+
+struct WatermarkPicture::Data {
+    QByteArray svg;
+    QImage pixels;
+    QSizeF size;
+
+    mutable std::mutex lock;
+    mutable QImage lastScaled; // guarded by lock
+};
+
+WatermarkPicture::WatermarkPicture() = default;
+WatermarkPicture::~WatermarkPicture() = default;
+WatermarkPicture::WatermarkPicture(const WatermarkPicture &) = default;
+WatermarkPicture::WatermarkPicture(WatermarkPicture &&) noexcept = default;
+WatermarkPicture &WatermarkPicture::operator=(const WatermarkPicture &) = default;
+WatermarkPicture &WatermarkPicture::operator=(WatermarkPicture &&) noexcept = default;
+
+Result<WatermarkPicture> WatermarkPicture::load(const QString &path)
+{
+    const auto failed = [&path](const Error &error) {
+        return fail(Texts::tr("\"%1\" cannot be used as a watermark: %2").arg(path, error.text));
+    };
+    const Result<QByteArray> head = headOf(path);
+    if (!head)
+        return failed(head.error());
+    if (isSvg(*head)) {
+        const Result<WatermarkPicture> picture = contentsOf(path).and_then(&WatermarkPicture::fromSvg);
+        return picture ? picture : failed(picture.error());
+    }
+    const Result<QImage> image = uprightImage(path);
+    if (!image)
+        return failed(image.error());
+    return fromImage(*image);
+}
+
+WatermarkPicture WatermarkPicture::fromImage(const QImage &image)
+{
+    WatermarkPicture picture;
+    if (image.isNull())
+        return picture;
+    const auto data = std::make_shared<Data>();
+    data->pixels = image;
+    data->size = image.size();
+    picture.m_data = data;
+    return picture;
+}
+
+Result<WatermarkPicture> WatermarkPicture::fromSvg(const QByteArray &svg)
+{
+    if (const QString fault = faultOfSvg(svg); !fault.isEmpty())
+        return fail(fault);
+    QSvgRenderer renderer;
+    if (!loadRenderer(renderer, svg))
+        return fail(Texts::tr("the SVG drawing cannot be read"));
+    // In user units, unlike the default size not cut to whole ones.
+    QSizeF size = renderer.viewBoxF().size();
+    if (size.isEmpty())
+        size = renderer.defaultSize();
+    if (!(size.width() > 0 && size.height() > 0) || !std::isfinite(size.width() * size.height()))
+        return fail(Texts::tr("the SVG drawing has no size"));
+    const auto data = std::make_shared<Data>();
+    data->svg = svg;
+    data->size = size;
+    WatermarkPicture picture;
+    picture.m_data = data;
+    return picture;
+}
+
+QSizeF WatermarkPicture::size() const
+{
+    return m_data ? m_data->size : QSizeF();
+}
+
+QByteArray WatermarkPicture::svg() const
+{
+    return m_data ? m_data->svg : QByteArray();
+}
+
+QImage WatermarkPicture::image() const
+{
+    if (!m_data || m_data->svg.isEmpty())
+        return m_data ? m_data->pixels : QImage();
+    return imageOfSize(m_data->size.toSize().expandedTo(QSize(1, 1)));
+}
+
+QImage WatermarkPicture::imageOfSize(QSize size) const
+{
+    if (!m_data || size.isEmpty())
+        return {};
+    // Held while drawing: workers that need the same picture wait for it instead of drawing it, too.
+    const std::lock_guard guard(m_data->lock);
+    if (m_data->lastScaled.size() == size)
+        return m_data->lastScaled;
+    QImage scaled;
+    if (!m_data->svg.isEmpty())
+        scaled = renderedSvg(m_data->svg, size);
+    else if (m_data->pixels.size() == size)
+        scaled = m_data->pixels;
+    else
+        scaled = createImageScaledToSize(m_data->pixels, size.width(), size.height(), true);
+    scaled.convertTo(QImage::Format_ARGB32_Premultiplied);
+    m_data->lastScaled = scaled.sizeInBytes() <= kMaxCachedBytes ? scaled : QImage();
+    return scaled;
+}
+
+} // namespace plexa

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "watermark/wpresetfields.h"
+
+#include <QObject>
+#include <QSizeF>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace plexa
+{
+
+class TokenSource;
+
+/// One watermark preset of a list: an identity with change signals around its values. Two presets with equal
+/// values are still two presets; positions that were chosen by hand are kept by identity. Lives on one
+/// thread; work elsewhere takes a copy of values().
+class WPreset final : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool offsetHorizontalHidden READ offsetHorizontalHidden NOTIFY offsetHidingChanged)
+    Q_PROPERTY(bool offsetVerticalHidden READ offsetVerticalHidden NOTIFY offsetHidingChanged)
+    Q_PROPERTY(bool offsetHidden READ offsetHidden NOTIFY offsetHidingChanged)
+    Q_PROPERTY(bool validPreset READ validPreset CONSTANT)
+
+public:
+    /// A field has a new value.
+    using Observer =
+        std::function<void(const WPresetField &field, const FieldValue &old, const FieldValue &now)>;
+
+    explicit WPreset(WPresetValues values, QObject *parent = nullptr);
+
+    /// A new preset with the values of WPresetValues::forNewPreset().
+    explicit WPreset(const FontCatalog &fonts, QObject *parent = nullptr);
+
+    /// Another preset with the same values, the name included. It has no parent and no observers.
+    std::unique_ptr<WPreset> copy() const;
+
+    const WPresetValues &values() const { return m_values; }
+
+    /// Sets every field, in declaration order.
+    void setValues(const WPresetValues &values);
+
+    FieldValue value(FieldId id) const;
+
+    /// Every setter comes down to this one. Setting the value that is there already does nothing.
+    /// @param value  must be of the field's kind
+    void setValue(FieldId id, const FieldValue &value);
+
+#define PLEXA_FIELD_ACCESSORS(name, Name, Type, initial)                                                     \
+    const Type &name() const                                                                                 \
+    {                                                                                                        \
+        return m_values.name;                                                                                \
+    }                                                                                                        \
+    void set##Name(const Type &value)                                                                        \
+    {                                                                                                        \
+        setValue(FieldId::Name, FieldValue(std::in_place_type<Type>, value));                                \
+    }
+    PLEXA_WPRESET_FIELDS(PLEXA_FIELD_ACCESSORS)
+#undef PLEXA_FIELD_ACCESSORS
+
+    /// The anchor point has no use for the horizontal (vertical, either) offset.
+    bool offsetHorizontalHidden() const;
+    bool offsetVerticalHidden() const;
+    bool offsetHidden() const;
+
+    bool validPreset() const
+    {
+        return true;
+    }
+
+    /// Calls `observer` at every change of a field, until `context` or the preset is destroyed.
+    void addObserverForAllKeys(QObject *context, Observer observer);
+    void removeObserverForAllKeys(QObject *context);
+
+    /// As the free functions of watermarklayout.h and watermarktext.h.
+    static float absoluteValueForSize(float value, const QString &forPercentUnit, QSizeF forImageSize);
+    std::optional<QString> watermarkTextForImage(const TokenSource &image) const;
+
+Q_SIGNALS:
+    void fieldChanged(plexa::FieldId id, const plexa::FieldValue &old, const plexa::FieldValue &now);
+    void offsetHidingChanged();
+
+private:
+    WPresetValues m_values;
+};
+
+} // namespace plexa

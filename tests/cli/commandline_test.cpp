@@ -1,0 +1,342 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "support/testenvironment.h"
+
+#include <QDirIterator>
+#include <QImage>
+#include <QImageReader>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTest>
+
+#include <cmath>
+#include <csignal>
+
+using namespace plexa::test;
+
+namespace
+{
+
+/// What a run of the program left behind.
+struct Outcome {
+    int status = -1;
+    QByteArray out;
+    QByteArray err;
+};
+
+QString program()
+{
+    return qEnvironmentVariable("PLEXA_BINARY_DIR") + QStringLiteral("/bin/plexa-cli");
+}
+
+Outcome run(const QStringList &arguments)
+{
+    QProcess process;
+    process.start(program(), arguments);
+    if (!process.waitForFinished(300'000) || process.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+QList<QJsonObject> jsonLines(const QByteArray &out)
+{
+    QList<QJsonObject> lines;
+    for (const QByteArray &line : out.split('\n')) {
+        if (!line.isEmpty())
+            lines.append(QJsonDocument::fromJson(line).object());
+    }
+    return lines;
+}
+
+QStringList entries(const QString &folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+QImage uprightRgb(const QString &path)
+{
+    QImageReader reader(path);
+    reader.setAutoTransform(true);
+    return reader.read().convertToFormat(QImage::Format_RGB32);
+}
+
+/// Peak signal-to-noise ratio in dB of what lies outside of `hole`.
+double psnrOutside(const QImage &one, const QImage &two, const QRect &hole)
+{
+    double squares = 0;
+    qint64 samples = 0;
+    for (int y = 0; y < one.height(); ++y) {
+        const auto *a = reinterpret_cast<const QRgb *>(one.constScanLine(y));
+        const auto *b = reinterpret_cast<const QRgb *>(two.constScanLine(y));
+        for (int x = 0; x < one.width(); ++x) {
+            if (hole.contains(x, y))
+                continue;
+            for (const int difference :
+                 {qRed(a[x]) - qRed(b[x]), qGreen(a[x]) - qGreen(b[x]), qBlue(a[x]) - qBlue(b[x])})
+                squares += difference * difference;
+            samples += 3;
+        }
+    }
+    return squares == 0 ? 99 : 10 * std::log10(255.0 * 255.0 * static_cast<double>(samples) / squares);
+}
+
+/// The rectangle of a result line in QImage's coordinates, grown by what JPEG blocks carry further.
+QRect holeOf(const QJsonObject &line)
+{
+    const QJsonArray rect = line[QStringLiteral("rect")].toArray();
+    const double height = line[QStringLiteral("size")].toArray()[1].toDouble();
+    return QRectF(rect[0].toDouble(), height - rect[1].toDouble() - rect[3].toDouble(), rect[2].toDouble(),
+                  rect[3].toDouble())
+        .toAlignedRect()
+        .adjusted(-16, -16, 16, 16);
+}
+
+QImage gradient(QSize size)
+{
+    QImage image(size, QImage::Format_RGB32);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixel(x, y, qRgb(x * 200 / size.width(), y * 200 / size.height(), 90));
+    }
+    return image;
+}
+
+} // namespace
+
+class CommandLineTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void realPhotos();
+    void wrongUsage_data();
+    void wrongUsage();
+    void badFilesDoNotStopTheOthers();
+    void namesAreNeverTakenTwice();
+    void dryRunAgreesWithTheRun();
+    void stoppingLeavesWholeFiles();
+    void inspect();
+
+private:
+    void write(const QString &name, const QByteArray &contents);
+
+    std::unique_ptr<TestFolder> m_folder;
+};
+
+void CommandLineTest::init()
+{
+    m_folder = std::make_unique<TestFolder>();
+    QVERIFY(QDir(m_folder->path()).mkpath(QStringLiteral("in")));
+    QVERIFY(gradient({320, 200}).save(m_folder->path(QStringLiteral("in/b.jpg"))));
+    QVERIFY(gradient({120, 200}).save(m_folder->path(QStringLiteral("in/a.png"))));
+}
+
+void CommandLineTest::write(const QString &name, const QByteArray &contents)
+{
+    QFile file(m_folder->path(name));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(contents);
+}
+
+void CommandLineTest::realPhotos()
+{
+    const QString photos = photosFolder();
+    if (photos.isEmpty())
+        QSKIP("the folder of real photos is not here");
+    const QString out = m_folder->path(QStringLiteral("out"));
+    const Outcome outcome =
+        run({QStringLiteral("save"), QStringLiteral("--text"), QStringLiteral("(c) Test"),
+             QStringLiteral("--json"), QStringLiteral("--output"), out, photos + QStringLiteral("/jpeg")});
+    QVERIFY2(outcome.status == 0, outcome.err.constData());
+    int photosCount = 0;
+    for (QDirIterator it(photos + QStringLiteral("/jpeg"), QDir::Files, QDirIterator::Subdirectories);
+         it.hasNext(); ++photosCount)
+        it.next();
+    const QList<QJsonObject> lines = jsonLines(outcome.out);
+    QCOMPARE(lines.size(), photosCount);
+
+    const QString exiftool = firstProgram({QStringLiteral("exiftool")});
+    for (const QJsonObject &line : lines) {
+        const QString source = line[QStringLiteral("source")].toString();
+        const QString copy = line[QStringLiteral("output")].toString();
+        QCOMPARE(line[QStringLiteral("status")].toString(), QStringLiteral("written"));
+        const QImage before = uprightRgb(source);
+        const QImage after = uprightRgb(copy);
+        QCOMPARE(after.size(), QSize(line[QStringLiteral("size")].toArray()[0].toInt(),
+                                     line[QStringLiteral("size")].toArray()[1].toInt()));
+        if (source.contains(QLatin1String("nonsquare")))
+            continue; // its pixels are made square
+        QVERIFY2(before.size() == after.size(), qPrintable(source));
+        // The conversion of other colour spaces is compared elsewhere, with a colour-managed oracle.
+        const QByteArray profile =
+            exiftool.isEmpty()
+                ? "?"
+                : outputOf(exiftool, {QStringLiteral("-s3"),
+                                      QStringLiteral("-ICC_Profile:ProfileDescription"), source});
+        if (!profile.trimmed().isEmpty() && !profile.contains("sRGB IEC61966"))
+            continue;
+        if (source.contains(QLatin1String("cmyk")))
+            continue;
+        const double psnr = psnrOutside(before, after, holeOf(line));
+        QVERIFY2(psnr > 38, qPrintable(QStringLiteral("%1: %2 dB").arg(source).arg(psnr)));
+        QVERIFY2(psnrOutside(before, after, QRect()) < 60,
+                 qPrintable(source + QStringLiteral(" carries no watermark")));
+    }
+}
+
+void CommandLineTest::wrongUsage_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QByteArray>("message");
+    const auto text = QStringList{QStringLiteral("--text"), QStringLiteral("x")};
+    const auto with = [&](const char *option, const char *value) {
+        return text + QStringList{QLatin1String(option), QString::fromUtf8(value)};
+    };
+    QTest::newRow("no watermark") << QStringList{} << QByteArray("--text");
+    QTest::newRow("unknown option") << with("--frobnicate", "1") << QByteArray("frobnicate");
+    QTest::newRow("unknown field") << with("--set", "anchor=8") << QByteArray("anchor");
+    QTest::newRow("not a field") << with("--set", "anchorPoint") << QByteArray("FIELD=VALUE");
+    QTest::newRow("unknown unit") << with("--set", "widthUnit=miles") << QByteArray("% of width");
+    QTest::newRow("wrong type") << with("--set", "fontSize=big") << QByteArray("fontSize");
+    QTest::newRow("bad colour") << with("--set", "fillColor=#12") << QByteArray("fillColor");
+    QTest::newRow("missing logo") << QStringList{QStringLiteral("--image"),
+                                                 QStringLiteral("no such logo.png")}
+                                  << QByteArray("no such logo.png");
+    QTest::newRow("logo that is no picture")
+        << QStringList{QStringLiteral("--image"), QStringLiteral("/dev/null")} << QByteArray("/dev/null");
+    QTest::newRow("missing folder") << text + QStringList{QStringLiteral("no such folder")}
+                                    << QByteArray("no such folder");
+    QTest::newRow("quality out of range")
+        << with("--save-set", "jpegQuality=101") << QByteArray("jpegQuality");
+    QTest::newRow("no jobs") << with("--jobs", "0") << QByteArray("jobs");
+}
+
+void CommandLineTest::wrongUsage()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QByteArray, message);
+    const QString out = m_folder->path(QStringLiteral("out"));
+    const Outcome outcome = run(QStringList{QStringLiteral("save"), QStringLiteral("--output"), out,
+                                            m_folder->path(QStringLiteral("in"))} +
+                                options);
+    QCOMPARE(outcome.status, 2);
+    QVERIFY2(outcome.err.contains(message), outcome.err.constData());
+    QVERIFY(outcome.out.isEmpty());
+    QVERIFY(!QFile::exists(out));
+}
+
+void CommandLineTest::badFilesDoNotStopTheOthers()
+{
+    QByteArray jpeg;
+    QFile good(m_folder->path(QStringLiteral("in/b.jpg")));
+    QVERIFY(good.open(QIODevice::ReadOnly));
+    jpeg = good.readAll();
+    write(QStringLiteral("in/0 empty.jpg"), {});
+    write(QStringLiteral("in/1 text.png"), "no picture");
+    write(QStringLiteral("in/2 cut.jpg"), jpeg.left(jpeg.size() * 2 / 3));
+    write(QStringLiteral("in/notes.txt"), "not even looked at");
+    const QString out = m_folder->path(QStringLiteral("out"));
+    const Outcome outcome = run({QStringLiteral("save"), QStringLiteral("--text"), QStringLiteral("x"),
+                                 QStringLiteral("--output"), out, m_folder->path(QStringLiteral("in"))});
+    QCOMPARE(outcome.status, 1);
+    QCOMPARE(entries(out), (QStringList{QStringLiteral("a.png"), QStringLiteral("b.jpg")}));
+    const QList<QByteArray> lines = outcome.err.trimmed().split('\n');
+    QCOMPARE(lines.size(), 3);
+    QVERIFY2(lines[0].startsWith("0 empty.jpg: "), lines[0].constData());
+    QVERIFY2(lines[1].startsWith("1 text.png: "), lines[1].constData());
+    QVERIFY2(lines[2].startsWith("2 cut.jpg: "), lines[2].constData());
+}
+
+void CommandLineTest::namesAreNeverTakenTwice()
+{
+    QVERIFY(QDir(m_folder->path()).mkpath(QStringLiteral("in/deep")));
+    QVERIFY(gradient({40, 40}).save(m_folder->path(QStringLiteral("in/deep/b.jpg"))));
+    QVERIFY(QDir(m_folder->path()).mkpath(QStringLiteral("out")));
+    write(QStringLiteral("out/a.png"), "mine");
+    const QString out = m_folder->path(QStringLiteral("out"));
+    const Outcome outcome = run({QStringLiteral("save"), QStringLiteral("--text"), QStringLiteral("x"),
+                                 QStringLiteral("--output"), out, m_folder->path(QStringLiteral("in"))});
+    QVERIFY2(outcome.status == 0, outcome.err.constData());
+    QCOMPARE(entries(out), (QStringList{QStringLiteral("a-1.png"), QStringLiteral("a.png"),
+                                        QStringLiteral("b-1.jpg"), QStringLiteral("b.jpg")}));
+    QFile mine(out + QStringLiteral("/a.png"));
+    QVERIFY(mine.open(QIODevice::ReadOnly));
+    QCOMPARE(mine.readAll(), "mine");
+}
+
+void CommandLineTest::dryRunAgreesWithTheRun()
+{
+    const QString out = m_folder->path(QStringLiteral("out"));
+    const QStringList arguments{QStringLiteral("save"),
+                                QStringLiteral("--text"),
+                                QStringLiteral("x"),
+                                QStringLiteral("--json"),
+                                QStringLiteral("--jobs"),
+                                QStringLiteral("3"),
+                                QStringLiteral("--output"),
+                                out,
+                                m_folder->path(QStringLiteral("in"))};
+    const Outcome plan = run(arguments + QStringList{QStringLiteral("--dry-run")});
+    QCOMPARE(plan.status, 0);
+    QVERIFY(!QFile::exists(out));
+    const Outcome real = run(arguments);
+    QCOMPARE(real.status, 0);
+    const QList<QJsonObject> planned = jsonLines(plan.out);
+    const QList<QJsonObject> done = jsonLines(real.out);
+    QCOMPARE(planned.size(), 2);
+    QCOMPARE(done.size(), 2);
+    for (int i = 0; i < 2; ++i) {
+        for (const char *key : {"source", "output", "sequence", "wpreset"})
+            QCOMPARE(done[i][QLatin1String(key)], planned[i][QLatin1String(key)]);
+        QVERIFY(QFile::exists(done[i][QStringLiteral("output")].toString()));
+    }
+}
+
+void CommandLineTest::stoppingLeavesWholeFiles()
+{
+    const QString in = m_folder->path(QStringLiteral("many"));
+    QVERIFY(QDir().mkpath(in));
+    QVERIFY(gradient({1600, 1200}).save(in + QStringLiteral("/000.jpg")));
+    for (int i = 1; i < 200; ++i)
+        QVERIFY(QFile::link(in + QStringLiteral("/000.jpg"),
+                            in + QStringLiteral("/%1.jpg").arg(i, 3, 10, QLatin1Char('0'))));
+    const QString out = m_folder->path(QStringLiteral("out"));
+    QProcess process;
+    process.start(program(), {QStringLiteral("save"), QStringLiteral("--text"), QStringLiteral("x"),
+                              QStringLiteral("--output"), out, in});
+    QVERIFY(process.waitForReadyRead(60'000)); // the first copy is written
+    ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+    QVERIFY(process.waitForFinished(60'000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 1);
+    const QStringList copies = entries(out);
+    QVERIFY(!copies.isEmpty());
+    QVERIFY2(copies.size() < 200, "the run was over before it could be stopped");
+    for (const QString &copy : copies) {
+        QVERIFY2(!copy.startsWith(QLatin1Char('.')), qPrintable(copy));
+        QCOMPARE(QImage(out + QLatin1Char('/') + copy).size(), QSize(1600, 1200));
+    }
+}
+
+void CommandLineTest::inspect()
+{
+    write(QStringLiteral("in/0 empty.jpg"), {});
+    const Outcome outcome =
+        run({QStringLiteral("inspect"), QStringLiteral("--json"), m_folder->path(QStringLiteral("in/b.jpg")),
+             m_folder->path(QStringLiteral("in/0 empty.jpg")), m_folder->path(QStringLiteral("in/a.png"))});
+    QCOMPARE(outcome.status, 1);
+    QVERIFY(outcome.err.startsWith("0 empty.jpg: "));
+    const QJsonArray photos = QJsonDocument::fromJson(outcome.out).array();
+    QCOMPARE(photos.size(), 2);
+    QCOMPARE(photos[0][QStringLiteral("type")].toString(), QStringLiteral("image/jpeg"));
+    QCOMPARE(photos[0][QStringLiteral("width")].toInt(), 320);
+    QCOMPARE(photos[0][QStringLiteral("tokens")][QStringLiteral("dimensions")].toString(),
+             QStringLiteral("320 x 200"));
+    QVERIFY(photos[0][QStringLiteral("tokens")][QStringLiteral("city")].isNull());
+    QCOMPARE(photos[1][QStringLiteral("type")].toString(), QStringLiteral("image/png"));
+}
+
+QTEST_GUILESS_MAIN(CommandLineTest)
+#include "commandline_test.moc"

@@ -1,0 +1,89 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+
+# Feeds scripts/check-layers small source trees, sound and broken, and looks at its verdict.
+set -euo pipefail
+
+check=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)/scripts/check-layers
+work=$(mktemp -d "${TMPDIR:-/tmp}/plexa layers ä XXXXXX")
+trap 'rm -rf "$work"' EXIT
+failures=0
+
+# A tree with one file; %b turns "\n" into line ends.
+tree_with() { # FILE TEXT
+    rm -rf "$work/tree"
+    mkdir -p "$work/tree/$(dirname "$1")"
+    printf '%b\n' "$2" >"$work/tree/$1"
+}
+
+expect_sound() { # CASE FILE TEXT
+    tree_with "$2" "$3"
+    if ! output=$("$check" "$work/tree" 2>&1); then
+        printf 'FAIL: %s: refused:\n%s\n' "$1" "$output"
+        failures=$((failures + 1))
+    fi
+}
+
+expect_fault() { # CASE FILE TEXT EXPECTED-MESSAGE
+    tree_with "$2" "$3"
+    if output=$("$check" "$work/tree" 2>&1); then
+        printf 'FAIL: %s: not noticed\n' "$1"
+        failures=$((failures + 1))
+    elif [[ $output != *"$2:"*"$4"* ]]; then
+        printf 'FAIL: %s: expected "%s", got:\n%s\n' "$1" "$4" "$output"
+        failures=$((failures + 1))
+    fi
+}
+
+expect_sound 'own folder, lower folders, Qt and C++' src/watermark/a.cpp \
+    '#include "watermark/a.h"\n#include "raster/b.h"\n#include <QImage>\n#include <QByteArrayView>\n#include <vector>\n#include "a.moc"'
+expect_sound 'libraries where they belong' src/imageio/a.cpp \
+    '#include <jpeglib.h>\n#include <png.h>\n#include <lcms2.h>\n#include <exiv2/exiv2.hpp>'
+expect_sound 'fonts and locales' src/platform/a.cpp '#include <fontconfig/fontconfig.h>\n#include <unicode/datefmt.h>'
+expect_sound 'command line' src/cli/a.cpp '#include "cli/a.h"\n#include <CLI/CLI.hpp>'
+expect_sound 'widgets in a ui folder' src/metadata/ui/a.cpp '#include "metadata/ui/a.h"\n#include <QLabel>\n#include <QtWidgets/QDialog>'
+expect_sound 'widgets in the window' src/app/a.cpp '#include <QMainWindow>\n#include "views/grid.h"\n#include "saving/ui/panel.h"'
+expect_sound 'a commented include' src/raster/a.h '// #include "app/b.h"'
+expect_sound 'exactly 600 lines' src/raster/a.cpp "$(printf 'int a;%.0s\\n' {1..599})int b;"
+
+expect_fault 'a later folder' src/raster/a.cpp '#include "watermark/b.h"' 'raster may not include "watermark/b.h"'
+expect_fault 'a later folder, first to last' src/platform/a.h '#include "cli/b.h"' 'platform may not include'
+expect_fault 'blanks in the line' src/raster/a.cpp '  #  include  "watermark/b.h"  // why not' 'may not include'
+expect_fault 'no blank in the line' src/raster/a.cpp '#include"watermark/b.h"' 'may not include'
+expect_fault 'DOS line end' src/raster/a.cpp '#include "watermark/b.h"\r' 'may not include'
+expect_fault 'angled' src/raster/a.cpp '#include <watermark/b.h>' 'may not include'
+expect_fault 'angled, allowed folder' src/watermark/a.cpp '#include <raster/b.h>' 'use quotes'
+expect_fault 'inside a condition' src/raster/a.cpp '#ifdef X\n#include "app/b.h"\n#endif' '2: raster may not include'
+expect_fault 'no folder named' src/raster/a.cpp '#include "b.h"' 'does not name its folder'
+expect_fault 'relative path' src/raster/a.cpp '#include "../platform/b.h"' 'relative path'
+expect_fault 'relative path inside' src/raster/a.cpp '#include "raster/../app/b.h"' 'relative path'
+expect_fault 'macro' src/raster/a.cpp '#include HEADER' 'cannot be checked'
+expect_fault 'widget in the core' src/watermark/a.cpp '#include <QApplication>' 'without a window'
+expect_fault 'widget by its module' src/watermark/a.cpp '#include <QtWidgets/QDialog>' 'without a window'
+expect_fault 'all widgets' src/watermark/a.cpp '#include <QtWidgets>' 'without a window'
+expect_fault 'widget by its file' src/watermark/a.cpp '#include <qlabel.h>' 'without a window'
+expect_fault 'widget in the command line' src/cli/a.cpp '#include <QMessageBox>' 'without a window'
+expect_fault 'panel in the core' src/images/a.cpp '#include "metadata/ui/panel.h"' 'without a window'
+expect_fault 'own panel in the core' src/metadata/a.cpp '#include "metadata/ui/panel.h"' 'without a window'
+expect_fault 'views in the command line' src/cli/a.cpp '#include "views/grid.h"' 'without a window'
+expect_fault 'JPEG library outside' src/raster/a.cpp '#include <jpeglib.h>' 'only imageio'
+expect_fault 'colour library outside' src/raster/a.cpp '#include <lcms2.h>' 'only imageio'
+expect_fault 'metadata library outside' src/metadata/a.cpp '#include <exiv2/exif.hpp>' 'only imageio'
+expect_fault 'font library outside' src/watermark/a.cpp '#include <fontconfig/fontconfig.h>' 'only platform'
+expect_fault 'locale library outside' src/watermark/a.cpp '#include <unicode/datefmt.h>' 'only platform'
+expect_fault 'command-line library outside' src/saving/a.cpp '#include <CLI/App.hpp>' 'only cli'
+expect_fault 'unknown folder' src/utils/a.h '#include <QString>' '"utils" is not in the list'
+expect_fault 'no folder' src/a.h '#include <QString>' 'belongs in a folder'
+expect_fault '601 lines' src/raster/a.cpp "$(printf 'int a;%.0s\\n' {1..600})int b;" '601 lines'
+
+rm -rf "$work/tree" && mkdir -p "$work/tree/src"
+if "$check" "$work/tree" >/dev/null 2>&1; then
+    echo 'FAIL: a tree without sources passed'
+    failures=$((failures + 1))
+fi
+
+if ((failures)); then
+    echo "$failures failed"
+    exit 1
+fi
+echo 'all passed'
