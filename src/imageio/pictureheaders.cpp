@@ -4,6 +4,8 @@
 
 #include <QtEndian>
 
+#include <limits>
+
 namespace plexa
 {
 
@@ -105,6 +107,7 @@ PictureHeader readTiffHeader(QIODevice &device)
     const bool isBig = TiffNumbers(isLittle, false).at<quint16>(start, 2) == 43;
     const TiffNumbers numbers(isLittle, isBig);
     header.isCameraRaw = start.mid(8, 2) == "CR";
+    header.hasAlpha = false;
     const auto position = qint64(isBig ? numbers.at<quint64>(start, 8) : numbers.at<quint32>(start, 4));
     const QByteArray counter = readAt(device, position, isBig ? 8 : 2);
     const quint64 count = isBig ? numbers.at<quint64>(counter, 0) : numbers.at<quint16>(counter, 0);
@@ -127,6 +130,9 @@ PictureHeader readTiffHeader(QIODevice &device)
             header.isCameraRaw = header.isCameraRaw || field.firstValue == 32803 || field.firstValue == 34892;
             header.colorModel = modelOfPhotometric(field.firstValue);
             break;
+        case 338: // ExtraSamples: 1 is premultiplied, 2 straight alpha
+            header.hasAlpha = field.fits && (field.firstValue == 1 || field.firstValue == 2);
+            break;
         case 34675: // ICC profile
             if (!field.fits && qint64(field.count) <= kMaxProfileBytes)
                 header.iccProfile = readAt(device, qint64(field.offset), qint64(field.count));
@@ -146,9 +152,18 @@ PictureHeader readWebpHeader(QIODevice &device)
     PictureHeader header;
     header.depth = 8;
     header.colorModel = QStringLiteral("RGB");
-    // The profile stands right behind the extended header, in front of all pixels.
     const QByteArray start = readAt(device, 0, 38);
-    if (start.mid(12, 4) != "VP8X" || start.mid(30, 4) != "ICCP")
+    if (start.size() < 38)
+        return header;
+    const QByteArray kind = start.mid(12, 4);
+    if (kind == "VP8X") // flags
+        header.hasAlpha = (uchar(start[20]) & 0x10) != 0;
+    else if (kind == "VP8L") // behind a signature byte and two sides of 14 bits
+        header.hasAlpha = (uchar(start[24]) & 0x10) != 0;
+    else
+        header.hasAlpha = false;
+    // The profile stands right behind the extended header, in front of all pixels.
+    if (kind != "VP8X" || start.mid(30, 4) != "ICCP")
         return header;
     const qint64 size = qFromLittleEndian<quint32>(start.constData() + 34);
     if (size <= kMaxProfileBytes)
@@ -164,6 +179,10 @@ PictureHeader readBmpHeader(QIODevice &device)
     const QByteArray start = readAt(device, 0, 46);
     if (start.size() < 46 || qFromLittleEndian<quint32>(start.constData() + 14) < 40)
         return header;
+    const auto width = qFromLittleEndian<qint32>(start.constData() + 18);
+    const auto height = qFromLittleEndian<qint32>(start.constData() + 22);
+    if (height > std::numeric_limits<qint32>::min()) // rows from the top down have a negative count
+        header.size = QSize(width, qAbs(height));
     const auto horizontal = qFromLittleEndian<qint32>(start.constData() + 38);
     const auto vertical = qFromLittleEndian<qint32>(start.constData() + 42);
     if (horizontal > 0 && vertical > 0) {

@@ -4,7 +4,10 @@
 
 #include <QByteArray>
 #include <QIODevice>
+#include <QSize>
 #include <QString>
+
+#include <optional>
 
 namespace plexa
 {
@@ -16,6 +19,8 @@ struct PictureHeader {
     QString colorModel; ///< "RGB", "Gray", "CMYK", "Lab"; empty: not said
     double dpiWidth = 0;
     double dpiHeight = 0;
+    std::optional<bool> hasAlpha;
+    QSize size;               ///< where the file may claim more than Qt is willing to speak of
     bool isCameraRaw = false; ///< the file's first picture is but a preview of a camera's raw data
 };
 

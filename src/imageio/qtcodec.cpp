@@ -8,6 +8,8 @@
 #include <QColorSpace>
 #include <QImageReader>
 
+#include <tiffio.h>
+
 #include <mutex>
 
 namespace plexa
@@ -16,11 +18,17 @@ namespace plexa
 namespace
 {
 
-/// Qt's own bound for one picture is 128 MB for the whole process; ours are checked before decoding.
-void raiseQtLimit()
+/// Sets up what the plugins share in this process.
+void prepareQt()
 {
     static std::once_flag once;
-    std::call_once(once, [] { QImageReader::setAllocationLimit(int(ReadLimits().maxBytes / (1 << 20))); });
+    std::call_once(once, [] {
+        // Qt's own bound for one picture is 128 MB; ours are checked before decoding.
+        QImageReader::setAllocationLimit(int(ReadLimits().maxBytes / (1 << 20)));
+        // Qt's plugin leaves libtiff's messages on the standard error stream.
+        TIFFSetErrorHandler(nullptr);
+        TIFFSetWarningHandler(nullptr);
+    });
 }
 
 bool isDeep(QImage::Format format)
@@ -52,9 +60,11 @@ bool isGray(QImage::Format format)
            format == QImage::Format_Mono || format == QImage::Format_MonoLSB;
 }
 
-/// Will the rows have alpha? What a plugin does not say beforehand counts as yes.
-bool announcesAlpha(const QImageReader &reader)
+/// Will the rows have alpha? What neither header nor plugin says beforehand counts as yes.
+bool announcesAlpha(const QImageReader &reader, const PictureHeader &header)
 {
+    if (header.hasAlpha)
+        return *header.hasAlpha;
     const QImage::Format format = reader.imageFormat();
     if (format == QImage::Format_Invalid)
         return true;
@@ -64,9 +74,14 @@ bool announcesAlpha(const QImageReader &reader)
 }
 
 /// Prepares a reader for one format, whatever the contents look like to other plugins, and checks the size.
-Result<void> prepare(QImageReader &reader, QIODevice &device, const char *qtFormat, const ReadLimits &limits)
+Result<void> prepare(QImageReader &reader, QIODevice &device, const char *qtFormat, QSize claimedSize,
+                     const ReadLimits &limits)
 {
-    raiseQtLimit();
+    prepareQt();
+    if (claimedSize.isValid()) {
+        if (const auto checked = ReadFailures::checkSize(claimedSize, limits); !checked)
+            return checked;
+    }
     if (!device.seek(0))
         return fail(ReadFailures::readError(device));
     reader.setAutoDetectImageFormat(false);
@@ -176,23 +191,25 @@ Result<PictureInfo> QtCodec::readInfo(QIODevice &device, const ReadLimits &limit
     if (header.isCameraRaw)
         return fail(ReadFailures::cameraRaw());
     QImageReader reader;
-    if (const auto prepared = prepare(reader, device, m_qtFormat, limits); !prepared)
+    if (const auto prepared = prepare(reader, device, m_qtFormat, header.size, limits); !prepared)
         return tl::unexpected(prepared.error());
     PictureInfo info;
-    info.rows = {reader.size(), announcesAlpha(reader)};
+    info.rows = {reader.size(), announcesAlpha(reader, header)};
     if (!info.rows.size.isValid()) { // some plugins know only after decoding
         QImage image;
         if (!reader.read(&image))
             return fail(reasonOf(reader, device));
         info.rows.size = image.size();
     }
-    info.imageCount = qMax(1, reader.imageCount());
     const QImage::Format format = reader.imageFormat();
     info.depth = header.depth > 0 ? header.depth : isDeep(format) ? 16 : 8;
     info.colorModel = !header.colorModel.isEmpty() ? header.colorModel
                       : isGray(format)             ? QStringLiteral("Gray")
                                                    : QStringLiteral("RGB");
     info.iccProfile = header.iccProfile;
+    // Last, because counting moves within the file; the TIFF plugin counts from where the device stands.
+    if (device.seek(0))
+        info.imageCount = qMax(1, reader.imageCount());
     info.dpiWidth = header.dpiWidth;
     info.dpiHeight = header.dpiHeight;
     return info;
@@ -204,9 +221,9 @@ Result<std::unique_ptr<RowReader>> QtCodec::openReader(QIODevice &device, const 
         return fail(ReadFailures::readError(device));
     const PictureHeader header = m_readHeader ? m_readHeader(device) : PictureHeader();
     QImageReader reader;
-    if (const auto prepared = prepare(reader, device, m_qtFormat, limits); !prepared)
+    if (const auto prepared = prepare(reader, device, m_qtFormat, header.size, limits); !prepared)
         return tl::unexpected(prepared.error());
-    const bool hasAlpha = announcesAlpha(reader);
+    const bool hasAlpha = announcesAlpha(reader, header);
     QImage image;
     if (!reader.read(&image))
         return fail(reasonOf(reader, device));
