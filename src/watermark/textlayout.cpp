@@ -138,6 +138,7 @@ private:
         const QRawFont font = run.rawFont();
         const QList<quint32> glyphs = run.glyphIndexes();
         const QList<QPointF> positions = run.positions();
+        const bool hasPictures = !font.fontTable("CBLC").isEmpty() || !font.fontTable("sbix").isEmpty();
         QHash<quint32, QPainterPath> known;
         for (qsizetype i = 0; i < glyphs.size(); ++i) {
             auto outline = known.find(glyphs.at(i));
@@ -146,7 +147,7 @@ private:
             const QPointF at = positions.at(i) + offset;
             if (!outline->isEmpty())
                 addOutline(*outline, at);
-            else if (!font.boundingRect(glyphs.at(i)).isEmpty())
+            else if (hasPictures)
                 addPicture(font, glyphs.at(i), at);
         }
     }
@@ -167,6 +168,8 @@ private:
         single.setGlyphIndexes({glyph});
         single.setPositions({at});
         m_setting.pictureGlyphs.push_back(single);
+        // The engine knows no box for them; none is this large.
+        m_setting.pictureReach |= QRectF(at.x() / kEm - 0.5, at.y() / kEm - 1.5, 3, 2);
     }
 
     LineMetrics m_ofFont;
@@ -215,6 +218,7 @@ void drawPictureGlyphs(QPainter &painter, const TextSetting &setting)
     if (setting.pictureGlyphs.empty())
         return;
     const std::lock_guard lock(textEngine());
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     for (const QGlyphRun &glyph : setting.pictureGlyphs)
         painter.drawGlyphRun({}, glyph);
 }

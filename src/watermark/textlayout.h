@@ -6,7 +6,7 @@
 
 #include <QGlyphRun>
 #include <QPainterPath>
-#include <QPointF>
+#include <QRectF>
 #include <QString>
 
 #include <vector>
@@ -23,9 +23,10 @@ enum class TextAlignment { Left, Centre, Right };
 /// y downwards, so that one setting serves every size. Belongs to the thread that made it.
 struct TextSetting {
     std::vector<QPainterPath> outlines; ///< a glyph each, non-zero winding
-    std::vector<QGlyphRun>
-        pictureGlyphs; ///< those without (colour emoji), a glyph each, in thousandths of an em
-    double height = 0; ///< that the frame needs
+    /// Glyphs without outlines (colour emoji), one each, in thousandths of an em.
+    std::vector<QGlyphRun> pictureGlyphs;
+    QRectF pictureReach; ///< which those stay within
+    double height = 0;   ///< that the frame needs
 };
 
 /// Lines may break where words end, and inside of words that are wider than the frame; "\n" and its like

@@ -102,7 +102,7 @@ class PaintableText
 public:
     PaintableText(const TextSetting &setting, const QTransform &toPixels, const Inks &inks)
         : m_setting(setting)
-        , m_thousandths(QTransform::fromScale(0.001, 0.001) * toPixels)
+        , m_toPixels(toPixels)
         , m_inks(inks)
     {
         QPainterPathStroker stroker(inks.outline);
@@ -118,12 +118,7 @@ public:
 
     QRectF bounds() const
     {
-        QRectF bounds = m_fills.bounds() | m_outlines.bounds();
-        for (const QGlyphRun &glyph : m_setting.pictureGlyphs) {
-            const QRectF box = glyph.rawFont().boundingRect(glyph.glyphIndexes().first());
-            bounds |= m_thousandths.mapRect(box.translated(glyph.positions().first())).adjusted(-1, -1, 1, 1);
-        }
-        return bounds;
+        return m_fills.bounds() | m_outlines.bounds() | m_toPixels.mapRect(m_setting.pictureReach);
     }
 
     /// @param ink  its top left corner stands at `at` in the text's pixels; not shared
@@ -138,6 +133,8 @@ public:
                 paintTile(tile, at + QPoint(x, y));
             }
         }
+        if (!m_setting.pictureGlyphs.empty())
+            paintPictures(ink, at);
     }
 
 private:
@@ -149,7 +146,13 @@ private:
         painter.translate(-at);
         painter.fillPath(m_fills.reachingInto(part), m_inks.fill);
         painter.fillPath(m_outlines.reachingInto(part), m_inks.outline.color());
-        painter.setTransform(m_thousandths * painter.transform());
+    }
+
+    void paintPictures(QImage &ink, QPoint at) const
+    {
+        QPainter painter(&ink);
+        painter.setTransform(QTransform::fromScale(0.001, 0.001) * m_toPixels *
+                             QTransform::fromTranslate(-at.x(), -at.y()));
         painter.setPen(m_inks.fill);
         drawPictureGlyphs(painter, m_setting);
     }
@@ -158,7 +161,7 @@ private:
     static constexpr double kCurveTolerance = 0.1;
 
     const TextSetting &m_setting;
-    QTransform m_thousandths;
+    QTransform m_toPixels;
     Inks m_inks;
     Shapes m_fills;
     Shapes m_outlines;
