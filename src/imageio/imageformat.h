@@ -24,9 +24,11 @@ struct ImageFormat {
     const char *type;                     ///< MIME name, the type identifier
     const char *name;                     ///< as people call it: "JPEG"
     QStringList suffixes;                 ///< lower case, without the dot; the first is the one written
-    bool (*matches)(QByteArrayView head); ///< do a file's first bytes (up to 64) belong to this format?
+    bool (*matches)(QByteArrayView head); ///< do a file's first bytes (up to 64) belong to this format? null:
+                                          ///< it has no signature, only the suffix tells
     const Codec *codec;                   ///< never null; static storage
     bool canWrite = false;
+    bool writesAlpha = false; ///< a written file keeps what shows through
 };
 
 /// All formats that this build reads, in the order in which contents are tested.
@@ -66,7 +68,7 @@ struct WriteOptions {
     double quality = 0.8;            ///< 0..1, for formats with losses
     double dpi[2] = {0, 0};          ///< horizontal and vertical, 0: not written
     bool isProgressive = false;      ///< JPEG
-    QByteArray chromaSampling;       ///< JPEG: as in PictureInfo; empty: the codec's own rule
+    QByteArray chromaSampling;       ///< JPEG: as in PictureInfo, kept at high quality; may be empty
     QByteArray exif;                 ///< a TIFF structure without "Exif\0\0", may be empty
     QByteArray thumbnailPlaceholder; ///< bytes inside `exif` that finish() replaces by a JPEG thumbnail of
                                      ///< the written picture, padded to the same length; may be empty

@@ -57,7 +57,7 @@ struct ColorDodge {
     {
         // The smallest divisor stands for 0: any backdrop but black divided by it is over 1.
         const float quotient = under / std::max(1 - over, 1e-12F);
-        return std::min(1.0F, quotient);
+        return quotient < 1 ? quotient : 1.0F;
     }
 };
 
@@ -65,7 +65,7 @@ struct ColorBurn {
     static float mix(float under, float over)
     {
         const float quotient = (1 - under) / std::max(over, 1e-12F);
-        return 1 - std::min(1.0F, quotient);
+        return quotient < 1 ? 1 - quotient : 0.0F;
     }
 };
 

@@ -99,6 +99,28 @@ void blendBlock(quint32 *under, const quint32 *over, float opacity)
     std::memcpy(under, result, sizeof result);
 }
 
+/// Normal blending at full opacity needs no colour without its alpha: each byte becomes
+/// over + under (1 - as), on any backdrop, which whole numbers give to the nearest.
+void coverBlock(quint32 *under, const quint32 *over)
+{
+    constexpr std::size_t kBytes = kBlock * sizeof(quint32);
+    alignas(64) quint32 alphas[kBlock];
+    for (int i = 0; i < kBlock; ++i)
+        alphas[i] = (over[i] >> 24) * 0x01010101U;
+    alignas(64) uchar alpha[kBytes];
+    alignas(64) uchar source[kBytes];
+    alignas(64) uchar backdrop[kBytes];
+    std::memcpy(alpha, alphas, kBytes);
+    std::memcpy(source, over, kBytes);
+    std::memcpy(backdrop, under, kBytes);
+    for (std::size_t i = 0; i < kBytes; ++i) {
+        // x / 255 to the nearest is (t + t / 256) / 256 with t = x + 128, for all x up to 255 * 255.
+        const auto t = quint16(backdrop[i] * (255 - alpha[i]) + 128);
+        backdrop[i] = uchar(source[i] + (quint16(t + (t >> 8)) >> 8));
+    }
+    std::memcpy(under, backdrop, kBytes);
+}
+
 bool isEmpty(const quint32 *pixels)
 {
     quint32 all = 0;
@@ -107,28 +129,14 @@ bool isEmpty(const quint32 *pixels)
     return all == 0;
 }
 
-bool isSolid(const quint32 *pixels)
-{
-    quint32 all = 0xff000000U;
-    for (int i = 0; i < kBlock; ++i)
-        all &= pixels[i];
-    return all == 0xff000000U;
-}
-
-template<class Blend, bool isOpaque>
-void blendRow(quint32 *under, const quint32 *over, int count, float opacity)
+/// Walks over a row in blocks, passing over the empty ones: most of a text's bitmap is empty.
+template<class DrawBlock>
+void walk(quint32 *under, const quint32 *over, int count, const DrawBlock &draw)
 {
     int x = 0;
     for (; x + kBlock <= count; x += kBlock) {
-        if (isEmpty(over + x))
-            continue;
-        if constexpr (std::is_same_v<Blend, blend::Normal>) {
-            if (opacity == 1 && isSolid(over + x)) {
-                std::memcpy(under + x, over + x, kBlock * sizeof(quint32));
-                continue;
-            }
-        }
-        blendBlock<Blend, isOpaque>(under + x, over + x, opacity);
+        if (!isEmpty(over + x))
+            draw(under + x, over + x);
     }
     const auto rest = std::size_t(count - x) * sizeof(quint32);
     if (rest == 0)
@@ -139,8 +147,22 @@ void blendRow(quint32 *under, const quint32 *over, int count, float opacity)
     std::memcpy(lastOver, over + x, rest);
     if (isEmpty(lastOver))
         return;
-    blendBlock<Blend, isOpaque>(lastUnder, lastOver, opacity);
+    draw(lastUnder, lastOver);
     std::memcpy(under + x, lastUnder, rest);
+}
+
+template<class Blend, bool isOpaque>
+void blendRow(quint32 *under, const quint32 *over, int count, float opacity)
+{
+    if constexpr (std::is_same_v<Blend, blend::Normal>) {
+        if (opacity == 1) {
+            walk(under, over, count, coverBlock);
+            return;
+        }
+    }
+    walk(under, over, count, [opacity](quint32 *backdrop, const quint32 *source) {
+        blendBlock<Blend, isOpaque>(backdrop, source, opacity);
+    });
 }
 
 template<class... Blends>

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <utility>
 
 namespace plexa
 {
@@ -125,14 +126,10 @@ public:
         m_top += metrics.height();
     }
 
-    TextSetting setting() const
+    TextSetting setting() &&
     {
-        TextSetting setting;
-        setting.outlines = QTransform::fromScale(1.0 / kEm, 1.0 / kEm).map(m_outlines);
-        setting.outlines.setFillRule(Qt::WindingFill);
-        setting.pictureGlyphs = m_pictureGlyphs;
-        setting.height = m_top / kEm;
-        return setting;
+        m_setting.height = m_top / kEm;
+        return std::move(m_setting);
     }
 
 private:
@@ -141,6 +138,7 @@ private:
         const QRawFont font = run.rawFont();
         const QList<quint32> glyphs = run.glyphIndexes();
         const QList<QPointF> positions = run.positions();
+        const bool hasPictures = !font.fontTable("CBLC").isEmpty() || !font.fontTable("sbix").isEmpty();
         QHash<quint32, QPainterPath> known;
         for (qsizetype i = 0; i < glyphs.size(); ++i) {
             auto outline = known.find(glyphs.at(i));
@@ -148,10 +146,19 @@ private:
                 outline = known.insert(glyphs.at(i), font.pathForGlyph(glyphs.at(i)));
             const QPointF at = positions.at(i) + offset;
             if (!outline->isEmpty())
-                m_outlines.addPath(outline->translated(at));
-            else if (!font.boundingRect(glyphs.at(i)).isEmpty())
+                addOutline(*outline, at);
+            else if (hasPictures)
                 addPicture(font, glyphs.at(i), at);
         }
+    }
+
+    void addOutline(const QPainterPath &outline, QPointF at)
+    {
+        constexpr double toEms = 1.0 / kEm;
+        QPainterPath placed =
+            (QTransform::fromTranslate(at.x(), at.y()) * QTransform::fromScale(toEms, toEms)).map(outline);
+        placed.setFillRule(Qt::WindingFill);
+        m_setting.outlines.push_back(std::move(placed));
     }
 
     void addPicture(const QRawFont &font, quint32 glyph, QPointF at)
@@ -160,12 +167,13 @@ private:
         single.setRawFont(font);
         single.setGlyphIndexes({glyph});
         single.setPositions({at});
-        m_pictureGlyphs.push_back(single);
+        m_setting.pictureGlyphs.push_back(single);
+        // The engine knows no box for them; none is this large.
+        m_setting.pictureReach |= QRectF(at.x() / kEm - 0.5, at.y() / kEm - 1.5, 3, 2);
     }
 
     LineMetrics m_ofFont;
-    QPainterPath m_outlines;
-    std::vector<QGlyphRun> m_pictureGlyphs;
+    TextSetting m_setting;
     double m_top = 0;
 };
 
@@ -194,7 +202,7 @@ Result<TextSetting> setText(const QString &text, const FontCatalog &fonts, const
     layout.endLayout();
     for (int i = 0; i < layout.lineCount(); ++i)
         glyphs.addLine(layout.lineAt(i));
-    return glyphs.setting();
+    return std::move(glyphs).setting();
 }
 
 double lineHeightInEms(const FontCatalog &fonts, const QString &fontName)
@@ -210,6 +218,7 @@ void drawPictureGlyphs(QPainter &painter, const TextSetting &setting)
     if (setting.pictureGlyphs.empty())
         return;
     const std::lock_guard lock(textEngine());
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     for (const QGlyphRun &glyph : setting.pictureGlyphs)
         painter.drawGlyphRun({}, glyph);
 }

@@ -6,7 +6,7 @@
 
 #include <QGlyphRun>
 #include <QPainterPath>
-#include <QPointF>
+#include <QRectF>
 #include <QString>
 
 #include <vector>
@@ -22,10 +22,11 @@ enum class TextAlignment { Left, Centre, Right };
 /// A text set in a frame, as outlines. Lengths are in ems (1: the font size), origin at the frame's top left,
 /// y downwards, so that one setting serves every size. Belongs to the thread that made it.
 struct TextSetting {
-    QPainterPath outlines; ///< of all glyphs that have outlines, non-zero winding
-    std::vector<QGlyphRun>
-        pictureGlyphs; ///< those without (colour emoji), a glyph each, in thousandths of an em
-    double height = 0; ///< that the frame needs
+    std::vector<QPainterPath> outlines; ///< a glyph each, non-zero winding
+    /// Glyphs without outlines (colour emoji), one each, in thousandths of an em.
+    std::vector<QGlyphRun> pictureGlyphs;
+    QRectF pictureReach; ///< which those stay within
+    double height = 0;   ///< that the frame needs
 };
 
 /// Lines may break where words end, and inside of words that are wider than the frame; "\n" and its like

@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/imagedestination.h"
+
+#include "imageio/embeddedmetadata.h"
+#include "imageio/imagesource.h"
+#include "imageio/readfailures.h"
+
+namespace plexa
+{
+
+namespace
+{
+
+/// Room for a thumbnail: one of 160 pixels with much detail has about this many bytes at good quality.
+constexpr qsizetype kThumbnailBytes = 10'000;
+
+/// Puts pixels that show through onto white and hands them to a writer that knows no alpha.
+class FlatteningWriter final : public RowWriter
+{
+public:
+    explicit FlatteningWriter(std::unique_ptr<RowWriter> writer)
+        : m_writer(std::move(writer))
+    {
+    }
+
+    Result<void> writeRows(const QImage &strip, int count) override
+    {
+        if (m_strip.width() != strip.width() || m_strip.height() < kRows)
+            m_strip = QImage(strip.width(), kRows, QImage::Format_RGB32);
+        if (m_strip.isNull())
+            return fail(ReadFailures::outOfMemory());
+        for (int done = 0; done < count; done += kRows) {
+            const int rows = qMin(kRows, count - done);
+            for (int y = 0; y < rows; ++y)
+                flatten(reinterpret_cast<const QRgb *>(strip.constScanLine(done + y)),
+                        reinterpret_cast<QRgb *>(m_strip.scanLine(y)), strip.width());
+            if (const auto written = m_writer->writeRows(m_strip, rows); !written)
+                return written;
+        }
+        return {};
+    }
+
+    Result<void> finish() override { return m_writer->finish(); }
+
+private:
+    static constexpr int kRows = 64;
+
+    static void flatten(const QRgb *from, QRgb *to, int count)
+    {
+        for (int x = 0; x < count; ++x) {
+            const QRgb color = from[x]; // premultiplied: what is missing to opaque is white
+            const int white = 255 - qAlpha(color);
+            to[x] = qRgb(qRed(color) + white, qGreen(color) + white, qBlue(color) + white);
+        }
+    }
+
+    std::unique_ptr<RowWriter> m_writer;
+    QImage m_strip;
+};
+
+double positiveNumber(const QVariantMap &properties, const QString &key)
+{
+    const double number = properties.value(key).toDouble();
+    return number > 0 ? number : 0;
+}
+
+} // namespace
+
+Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowFormat &format,
+                                                   const CopyRequest &request)
+{
+    const ImageFormat *target = imageFormatOfType(request.type);
+    if (!target || !target->canWrite)
+        return fail(ReadFailures::cannotWrite(request.type));
+    const QVariantMap &properties = request.properties;
+    WriteOptions options;
+    options.quality = qBound(
+        0.0, properties.value(u"kCGImageDestinationLossyCompressionQuality"_qs, options.quality).toDouble(),
+        1.0);
+    options.dpi[0] = positiveNumber(properties, u"DPIWidth"_qs);
+    options.dpi[1] = positiveNumber(properties, u"DPIHeight"_qs);
+    const QVariantMap tiff = properties.value(u"{TIFF}"_qs).toMap();
+    options.tiffLzw = tiff.value(u"Compression"_qs, 5).toInt() != 1;
+    if (request.source) {
+        options.isProgressive = request.source->info().isProgressive;
+        options.chromaSampling = request.source->info().chromaSampling;
+    }
+    const auto metadata = request.source ? request.source->metadata() : EmbeddedMetadata::none();
+    const EmbeddedMetadata::CopyFacts facts = {format.size, metadata->hasThumbnail() ? kThumbnailBytes : 0};
+    const EmbeddedMetadata::Encoded encoded = metadata->encodeForCopy(properties, facts);
+    options.exif = encoded.exif;
+    options.thumbnailPlaceholder = encoded.thumbnailPlaceholder;
+    options.iptc = encoded.iptc;
+    options.xmp = encoded.xmp;
+    options.comment = encoded.comment;
+    const bool flattens = format.hasAlpha && !target->writesAlpha;
+    const RowFormat written = {format.size, format.hasAlpha && !flattens};
+    Result<std::unique_ptr<RowWriter>> writer = target->codec->openWriter(device, written, options);
+    if (!writer || !flattens)
+        return writer;
+    return std::make_unique<FlatteningWriter>(std::move(*writer));
+}
+
+Result<void> writeImage(QIODevice &device, const QImage &image, const CopyRequest &request)
+{
+    const RowFormat format = {image.size(), image.hasAlphaChannel()};
+    const QImage rows = image.convertToFormat(format.imageFormat());
+    if (rows.isNull())
+        return fail(ReadFailures::outOfMemory());
+    Result<std::unique_ptr<RowWriter>> writer = openDestination(device, format, request);
+    if (!writer)
+        return tl::unexpected(writer.error());
+    if (const auto written = (*writer)->writeRows(rows, rows.height()); !written)
+        return written;
+    return (*writer)->finish();
+}
+
+QStringList droppedPictures(const ImageSource &source)
+{
+    // A preview is the photo over again, only smaller: nobody misses it.
+    QStringList pictures = source.info().unmarkedPictures;
+    pictures.removeAll(u"preview"_qs);
+    return pictures;
+}
+
+} // namespace plexa

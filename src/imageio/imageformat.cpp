@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/imageformat.h"
+
+#include "imageio/jpegcodec.h"
+#include "imageio/pictureheaders.h"
+#include "imageio/pngcodec.h"
+#include "imageio/qtcodec.h"
+
+#include <QtEndian>
+
+namespace plexa
+{
+
+namespace
+{
+
+bool isJpeg(QByteArrayView head)
+{
+    return head.startsWith("\xff\xd8\xff");
+}
+
+bool isPng(QByteArrayView head)
+{
+    return head.startsWith("\x89PNG\r\n\x1a\n");
+}
+
+bool isGif(QByteArrayView head)
+{
+    return head.startsWith("GIF87a") || head.startsWith("GIF89a");
+}
+
+bool isWebp(QByteArrayView head)
+{
+    return head.size() >= 16 && head.startsWith("RIFF") && head.sliced(8, 4) == QByteArrayView("WEBP");
+}
+
+bool isTiff(QByteArrayView head)
+{
+    return head.startsWith(QByteArrayView("II*\0", 4)) || head.startsWith(QByteArrayView("MM\0*", 4)) ||
+           head.startsWith(QByteArrayView("II+\0\x08\0\0\0", 8)) ||
+           head.startsWith(QByteArrayView("MM\0+\0\x08\0\0", 8));
+}
+
+bool isBmp(QByteArrayView head)
+{
+    if (head.size() < 18 || !head.startsWith("BM"))
+        return false;
+    // Two letters are few: the size of the second header tells more.
+    const auto headerSize = qFromLittleEndian<quint32>(head.data() + 14);
+    return headerSize == 12 || (headerSize >= 40 && headerSize <= 124);
+}
+
+bool isIcon(QByteArrayView head)
+{
+    return head.size() >= 22 && head.startsWith(QByteArrayView("\0\0\1\0", 4)) && head[5] == 0 &&
+           head[4] != 0;
+}
+
+bool isIcns(QByteArrayView head)
+{
+    return head.startsWith("icns");
+}
+
+bool isNetpbm(QByteArrayView head, char plain, char raw)
+{
+    return head.size() >= 8 && head[0] == 'P' && (head[1] == plain || head[1] == raw) &&
+           (head[2] == '\n' || head[2] == ' ' || head[2] == '\t' || head[2] == '\r' || head[2] == '#');
+}
+
+bool isPixmap(QByteArrayView head)
+{
+    return isNetpbm(head, '3', '6');
+}
+
+bool isGraymap(QByteArrayView head)
+{
+    return isNetpbm(head, '2', '5');
+}
+
+bool isBitmap(QByteArrayView head)
+{
+    return isNetpbm(head, '1', '4');
+}
+
+bool isXpm(QByteArrayView head)
+{
+    return head.startsWith("/* XPM */");
+}
+
+QList<ImageFormat> makeFormats()
+{
+    static const JpegCodec jpeg;
+    static const PngCodec png;
+    QList<ImageFormat> formats = {
+        {"image/jpeg", "JPEG", {u"jpg"_qs, u"jpeg"_qs, u"jpe"_qs, u"jfif"_qs}, isJpeg, &jpeg, true, false},
+        {"image/png", "PNG", {u"png"_qs}, isPng, &png, true, true},
+    };
+    static const QtCodec gif("gif");
+    static const QtCodec webp("webp", readWebpHeader);
+    static const QtCodec tiff("tiff", readTiffHeader);
+    static const QtCodec bmp("bmp", readBmpHeader);
+    static const QtCodec icon("ico");
+    static const QtCodec icns("icns");
+    static const QtCodec pixmap("ppm");
+    static const QtCodec graymap("pgm");
+    static const QtCodec bitmap("pbm");
+    static const QtCodec xpm("xpm");
+    static const QtCodec xbm("xbm");
+    static const QtCodec wbmp("wbmp");
+    static const QtCodec tga("tga");
+    const struct {
+        const char *type;
+        const char *name;
+        QStringList suffixes;
+        bool (*matches)(QByteArrayView head);
+        const QtCodec *codec;
+    } qtFormats[] = {
+        {"image/gif", "GIF", {u"gif"_qs}, isGif, &gif},
+        {"image/webp", "WebP", {u"webp"_qs}, isWebp, &webp},
+        {"image/tiff", "TIFF", {u"tif"_qs, u"tiff"_qs}, isTiff, &tiff},
+        {"image/bmp", "BMP", {u"bmp"_qs, u"dib"_qs}, isBmp, &bmp},
+        {"image/vnd.microsoft.icon", "ICO", {u"ico"_qs}, isIcon, &icon},
+        {"image/x-icns", "ICNS", {u"icns"_qs}, isIcns, &icns},
+        {"image/x-portable-pixmap", "PPM", {u"ppm"_qs}, isPixmap, &pixmap},
+        {"image/x-portable-graymap", "PGM", {u"pgm"_qs}, isGraymap, &graymap},
+        {"image/x-portable-bitmap", "PBM", {u"pbm"_qs}, isBitmap, &bitmap},
+        {"image/x-xpixmap", "XPM", {u"xpm"_qs}, isXpm, &xpm},
+        {"image/x-xbitmap", "XBM", {u"xbm"_qs}, nullptr, &xbm},
+        {"image/vnd.wap.wbmp", "WBMP", {u"wbmp"_qs}, nullptr, &wbmp},
+        {"image/x-tga", "TGA", {u"tga"_qs}, nullptr, &tga},
+    };
+    for (const auto &row : qtFormats) {
+        if (row.codec->isAvailable())
+            formats.append({row.type, row.name, row.suffixes, row.matches, row.codec, false, false});
+    }
+    return formats;
+}
+
+template<class Test>
+const ImageFormat *firstFormat(Test test)
+{
+    const QList<ImageFormat> &formats = imageFormats();
+    const auto found = std::find_if(formats.begin(), formats.end(), test);
+    return found == formats.end() ? nullptr : &*found;
+}
+
+} // namespace
+
+const QList<ImageFormat> &imageFormats()
+{
+    static const QList<ImageFormat> formats = makeFormats();
+    return formats;
+}
+
+const ImageFormat *imageFormatOfContents(QByteArrayView head)
+{
+    return firstFormat([head](const ImageFormat &format) { return format.matches && format.matches(head); });
+}
+
+const ImageFormat *imageFormatOfSuffix(const QString &suffix)
+{
+    const QString lower = suffix.toLower();
+    return firstFormat([&lower](const ImageFormat &format) { return format.suffixes.contains(lower); });
+}
+
+const ImageFormat *imageFormatOfType(const QString &type)
+{
+    return firstFormat([&type](const ImageFormat &format) { return type == QLatin1String(format.type); });
+}
+
+} // namespace plexa

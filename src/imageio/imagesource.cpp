@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/imagesource.h"
+
+#include "imageio/colorprofile.h"
+#include "imageio/embeddedmetadata.h"
+#include "imageio/readfailures.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <optional>
+
+namespace plexa
+{
+
+namespace
+{
+
+/// Camera makers' files of raw data look like TIFF and hold a small preview as their first picture.
+bool isCameraRawSuffix(const QString &suffix)
+{
+    static const QStringList suffixes = {u"3fr"_qs, u"arw"_qs, u"cr2"_qs, u"dcr"_qs, u"dng"_qs, u"erf"_qs,
+                                         u"fff"_qs, u"iiq"_qs, u"k25"_qs, u"kdc"_qs, u"mef"_qs, u"mos"_qs,
+                                         u"nef"_qs, u"nrw"_qs, u"orf"_qs, u"pef"_qs, u"raw"_qs, u"rw2"_qs,
+                                         u"rwl"_qs, u"sr2"_qs, u"srf"_qs, u"srw"_qs};
+    return suffixes.contains(suffix.toLower());
+}
+
+} // namespace
+
+struct ImageSource::State {
+    QString path;
+    ReadLimits limits;
+    std::unique_ptr<QFile> file;
+    const ImageFormat *format = nullptr;
+    PictureInfo info;
+    mutable std::shared_ptr<const EmbeddedMetadata> metadata;
+    mutable std::optional<QVariantMap> properties;
+
+    QVariantMap makeProperties(const EmbeddedMetadata &fromMetadata) const;
+    Result<QImage> readImage(int reduction) const;
+};
+
+QVariantMap ImageSource::State::makeProperties(const EmbeddedMetadata &fromMetadata) const
+{
+    QVariantMap map;
+    map.insert(u"PixelWidth"_qs, info.rows.size.width());
+    map.insert(u"PixelHeight"_qs, info.rows.size.height());
+    map.insert(u"Depth"_qs, info.depth);
+    map.insert(u"ColorModel"_qs, info.colorModel);
+    map.insert(u"HasAlpha"_qs, info.rows.hasAlpha);
+    const QString profile = profileDescription(info.iccProfile);
+    if (!profile.isEmpty())
+        map.insert(u"ProfileName"_qs, profile);
+    if (info.dpiWidth > 0 && info.dpiHeight > 0) {
+        map.insert(u"DPIWidth"_qs, info.dpiWidth);
+        map.insert(u"DPIHeight"_qs, info.dpiHeight);
+    }
+    // A density that EXIF has with its unit is what the camera or the editor wrote on purpose; JFIF's is
+    // often only filled in.
+    map.insert(fromMetadata.properties());
+    return map;
+}
+
+Result<QImage> ImageSource::State::readImage(int reduction) const
+{
+    Result<std::unique_ptr<RowReader>> reader = format->codec->openReader(*file, limits, reduction);
+    if (!reader)
+        return tl::unexpected(reader.error());
+    const RowFormat rows = (*reader)->format();
+    if (const auto checked = ReadFailures::checkMemory(rows.size, 4, limits); !checked)
+        return tl::unexpected(checked.error());
+    QImage image(rows.size, rows.imageFormat());
+    if (image.isNull())
+        return fail(ReadFailures::outOfMemory());
+    if (const auto read = (*reader)->readRows(image, rows.size.height()); !read)
+        return tl::unexpected(read.error());
+    return image;
+}
+
+ImageSource::ImageSource(std::unique_ptr<State> state)
+    : m_state(std::move(state))
+{
+}
+
+ImageSource::ImageSource(ImageSource &&) noexcept = default;
+ImageSource &ImageSource::operator=(ImageSource &&) noexcept = default;
+ImageSource::~ImageSource() = default;
+
+Result<ImageSource> ImageSource::open(const QString &path, const ReadLimits &limits)
+{
+    auto state = std::make_unique<State>();
+    state->path = path;
+    state->limits = limits;
+    state->file = std::make_unique<QFile>(path);
+    // A pipe or a device has no size and no end that could be relied on.
+    if (QFileInfo(path).exists() && !QFileInfo(path).isFile())
+        return fail(ReadFailures::notAPicture());
+    if (!state->file->open(QIODevice::ReadOnly))
+        return fail(ReadFailures::readError(*state->file));
+    const QByteArray head = state->file->peek(64);
+    if (head.isEmpty())
+        return fail(state->file->size() > 0 ? ReadFailures::readError(*state->file)
+                                            : ReadFailures::emptyFile());
+    const QString suffix = QFileInfo(path).suffix();
+    state->format = imageFormatOfContents(head);
+    if (!state->format) {
+        // A format with a signature would have been known by it.
+        state->format = imageFormatOfSuffix(suffix);
+        if (!state->format || state->format->matches)
+            return fail(isCameraRawSuffix(suffix) ? ReadFailures::cameraRaw() : ReadFailures::notAPicture());
+    }
+    if (state->format == imageFormatOfType(u"image/tiff"_qs) && isCameraRawSuffix(suffix))
+        return fail(ReadFailures::cameraRaw());
+    Result<PictureInfo> info = state->format->codec->readInfo(*state->file, limits);
+    if (!info)
+        return tl::unexpected(info.error());
+    state->info = std::move(*info);
+    return ImageSource(std::move(state));
+}
+
+QString ImageSource::type() const
+{
+    return QString::fromLatin1(m_state->format->type);
+}
+
+const ImageFormat &ImageSource::format() const
+{
+    return *m_state->format;
+}
+
+const PictureInfo &ImageSource::info() const
+{
+    return m_state->info;
+}
+
+int ImageSource::imageCount() const
+{
+    return m_state->info.imageCount;
+}
+
+const QVariantMap &ImageSource::properties() const
+{
+    if (!m_state->properties)
+        m_state->properties = m_state->makeProperties(*metadata());
+    return *m_state->properties;
+}
+
+std::shared_ptr<const EmbeddedMetadata> ImageSource::metadata() const
+{
+    if (!m_state->metadata)
+        m_state->metadata = EmbeddedMetadata::read(m_state->path);
+    return m_state->metadata;
+}
+
+Result<QImage> ImageSource::createImage() const
+{
+    return m_state->readImage(1);
+}
+
+Result<QImage> ImageSource::createReducedImage(int minimumSide) const
+{
+    const int longer = qMax(m_state->info.rows.size.width(), m_state->info.rows.size.height());
+    int reduction = 8;
+    while (reduction > 1 && (longer + reduction - 1) / reduction < minimumSide)
+        reduction /= 2;
+    return m_state->readImage(reduction);
+}
+
+Result<std::unique_ptr<RowReader>> ImageSource::openRows() const
+{
+    return m_state->format->codec->openReader(*m_state->file, m_state->limits, 1);
+}
+
+} // namespace plexa

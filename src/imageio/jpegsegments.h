@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "imageio/imageformat.h"
+
+#include <QList>
+
+namespace plexa
+{
+
+/// One marker segment of a JPEG to be written.
+struct JpegSegment {
+    int marker;         ///< second byte of the marker: 0xE1 for APP1
+    QByteArray payload; ///< at most kMaxPayload bytes
+
+    static constexpr qsizetype kMaxPayload = 65533;
+};
+
+/// The longest EXIF structure that a JPEG can hold.
+constexpr qsizetype kMaxJpegExif = JpegSegment::kMaxPayload - 6;
+
+/// Everything that a written JPEG carries besides JFIF and the picture: EXIF, XMP (in several segments where
+/// one is too short), IPTC, the sRGB profile, the comment. Made from `options` alone, so that nothing of a
+/// source's segments slips through.
+/// @return the failure when the EXIF structure is longer than kMaxJpegExif
+[[nodiscard]] Result<QList<JpegSegment>> jpegMetadataSegments(const WriteOptions &options);
+
+/// A Photoshop image resource block that holds IIM records (resource 0x0404).
+QByteArray iptcResourceBlock(const QByteArray &iptc);
+
+} // namespace plexa

@@ -1,0 +1,311 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/jpegstructure.h"
+
+#include "imageio/readfailures.h"
+
+#include <QtEndian>
+
+#include <array>
+#include <optional>
+
+namespace plexa
+{
+
+namespace
+{
+
+// Marker codes of ITU-T T.81, table B.1.
+enum Marker {
+    SOF0 = 0xc0,
+    DHT = 0xc4,
+    JPG = 0xc8,
+    DAC = 0xcc,
+    SOF15 = 0xcf,
+    RST0 = 0xd0,
+    SOI = 0xd8,
+    EOI = 0xd9,
+    SOS = 0xda,
+    APP0 = 0xe0,
+    APP1 = 0xe1,
+    APP2 = 0xe2,
+    TEM = 0x01,
+};
+
+constexpr QByteArrayView kIcc("ICC_PROFILE\0", 12);
+constexpr QByteArrayView kMultiPicture("MPF\0", 4);
+constexpr QByteArrayView kXmp("http://ns.adobe.com/xap/1.0/\0", 29);
+constexpr QByteArrayView kIsoGainMap("urn:iso:std:iso:ts:21496:-1\0", 28);
+
+/// A picture needs a few dozen segments; a file of a million tiny ones is made to waste time.
+constexpr int kMaxSegments = 20'000;
+
+constexpr int kMaxFurtherPictures = 64;
+
+/// A picture that a multi-picture index names besides the first.
+struct FurtherPicture {
+    qint64 position = 0; ///< in the file
+    bool isPreview = false;
+};
+
+/// Goes through the segments of one picture.
+class SegmentReader
+{
+public:
+    explicit SegmentReader(QIODevice &device)
+        : m_device(device)
+    {
+    }
+
+    /// Steps to the next segment. @return its marker; none at the end of the file or of patience
+    std::optional<int> next()
+    {
+        m_payload.clear();
+        if (m_nextPosition < 0) {
+            char start[2];
+            if (m_device.read(start, 2) != 2 || uchar(start[0]) != 0xff || uchar(start[1]) != SOI)
+                return {};
+        } else if (!m_device.seek(m_nextPosition)) {
+            return {};
+        }
+        if (++m_count > kMaxSegments)
+            return {};
+        // Up to the next marker: fill bytes are allowed, other bytes are skipped as decoders do.
+        char byte = 0;
+        bool isMarker = false;
+        for (int skipped = 0; skipped < 0x100000; ++skipped) {
+            if (!m_device.getChar(&byte))
+                return {};
+            if (isMarker && byte != 0 && uchar(byte) != 0xff)
+                break;
+            isMarker = uchar(byte) == 0xff;
+        }
+        const int marker = uchar(byte);
+        m_nextPosition = m_device.pos();
+        if (marker == TEM || (marker >= RST0 && marker <= EOI))
+            return marker;
+        uchar length[2];
+        if (m_device.read(reinterpret_cast<char *>(length), 2) != 2)
+            return {};
+        m_payloadSize = qFromBigEndian<quint16>(length) - 2;
+        if (m_payloadSize < 0)
+            return {};
+        m_payloadPosition = m_nextPosition + 2;
+        m_nextPosition = m_payloadPosition + m_payloadSize;
+        return marker;
+    }
+
+    /// The segment's first bytes behind its length, up to `most`.
+    QByteArrayView payload(qint64 most = 0x10000)
+    {
+        if (m_payload.size() < qMin<qint64>(most, m_payloadSize) && m_device.seek(m_payloadPosition))
+            m_payload = m_device.read(qMin<qint64>(most, m_payloadSize));
+        return m_payload;
+    }
+
+    qint64 payloadPosition() const { return m_payloadPosition; }
+
+private:
+    QIODevice &m_device;
+    qint64 m_nextPosition = -1;
+    qint64 m_payloadPosition = 0;
+    qint64 m_payloadSize = 0;
+    QByteArray m_payload;
+    int m_count = 0;
+};
+
+bool speaksOfGainMap(QByteArrayView xmp)
+{
+    return xmp.indexOf("hdrgainmap") >= 0 || xmp.indexOf("hdrgm:Version") >= 0 ||
+           xmp.indexOf("\"GainMap\"") >= 0;
+}
+
+/// Collects the pieces of a colour profile (ICC.1, annex B.4).
+class IccPieces
+{
+public:
+    void add(QByteArrayView payload)
+    {
+        if (payload.size() < 14)
+            return;
+        const int number = uchar(payload[12]);
+        const int count = uchar(payload[13]);
+        if (number < 1 || number > count || (m_count != 0 && count != m_count))
+            return;
+        m_count = count;
+        if (m_pieces[size_t(number)].isEmpty())
+            m_pieces[size_t(number)] = payload.sliced(14).toByteArray();
+    }
+
+    QByteArray whole() const
+    {
+        QByteArray profile;
+        for (int number = 1; number <= m_count; ++number) {
+            if (m_pieces[size_t(number)].isEmpty())
+                return {};
+            profile += m_pieces[size_t(number)];
+        }
+        return profile;
+    }
+
+private:
+    std::array<QByteArray, 256> m_pieces;
+    int m_count = 0;
+};
+
+/// Reads a multi-picture index (CIPA DC-007): a TIFF structure with one directory; tag 0xB002 has 16 bytes
+/// for each picture.
+QList<FurtherPicture> readMultiPictureIndex(QByteArrayView tiff, qint64 tiffPosition)
+{
+    QList<FurtherPicture> pictures;
+    if (tiff.size() < 8)
+        return pictures;
+    const bool isLittle = tiff.startsWith("II");
+    const auto word = [&](qsizetype at) -> quint32 {
+        const char *p = tiff.data() + at;
+        return isLittle ? qFromLittleEndian<quint16>(p) : qFromBigEndian<quint16>(p);
+    };
+    const auto longWord = [&](qsizetype at) -> quint32 {
+        const char *p = tiff.data() + at;
+        return isLittle ? qFromLittleEndian<quint32>(p) : qFromBigEndian<quint32>(p);
+    };
+    const qsizetype directory = longWord(4);
+    if (directory > tiff.size() - 2)
+        return pictures;
+    const quint32 fields = word(directory);
+    for (quint32 i = 0; i < fields; ++i) {
+        const qsizetype field = directory + 2 + qsizetype(i) * 12;
+        if (field > tiff.size() - 12)
+            break;
+        if (word(field) != 0xb002)
+            continue;
+        const qsizetype bytes = longWord(field + 4);
+        const qsizetype entries = longWord(field + 8);
+        for (qsizetype at = entries; at + 16 <= entries + bytes && at + 16 <= tiff.size(); at += 16) {
+            const quint32 offset = longWord(at + 8);
+            if (offset == 0) // the first picture, in which the index stands
+                continue;
+            const quint32 type = longWord(at) & 0xffffff;
+            pictures.append({tiffPosition + offset, type == 0x010001 || type == 0x010002});
+            if (pictures.size() == kMaxFurtherPictures)
+                return pictures;
+        }
+    }
+    return pictures;
+}
+
+bool isGainMap(QIODevice &device, const FurtherPicture &picture)
+{
+    if (!device.seek(picture.position))
+        return false;
+    SegmentReader segments(device);
+    while (const std::optional<int> marker = segments.next()) {
+        if (*marker == SOS || *marker == EOI)
+            break;
+        if (*marker == APP1 && segments.payload().startsWith(kXmp) && speaksOfGainMap(segments.payload()))
+            return true;
+        if (*marker == APP2 && segments.payload(64).startsWith(kIsoGainMap))
+            return true;
+    }
+    return false;
+}
+
+QStringList nameUnmarkedPictures(QIODevice &device, const QList<FurtherPicture> &pictures, bool hasGainMap)
+{
+    QStringList names;
+    for (const FurtherPicture &picture : pictures) {
+        if (isGainMap(device, picture))
+            hasGainMap = true;
+        else if (picture.isPreview)
+            names.append(QStringLiteral("preview"));
+        else if (!hasGainMap)
+            names.append(QStringLiteral("second picture"));
+    }
+    if (hasGainMap)
+        names.prepend(QStringLiteral("gain map"));
+    names.removeDuplicates();
+    return names;
+}
+
+Result<void> readFrame(QByteArrayView payload, int marker, JpegStructure &structure)
+{
+    // Sequential and progressive, Huffman or arithmetic; not lossless, not hierarchical.
+    const int process = marker - SOF0;
+    if (process != 0 && process != 1 && process != 2 && process != 9 && process != 10)
+        return fail(ReadFailures::unsupportedKind("JPEG"));
+    if (payload.size() < 6)
+        return fail(ReadFailures::damaged());
+    const int count = uchar(payload[5]);
+    if (uchar(payload[0]) != 8 || (count != 1 && count != 3 && count != 4))
+        return fail(ReadFailures::unsupportedKind("JPEG"));
+    if (payload.size() < 6 + 3 * count)
+        return fail(ReadFailures::damaged());
+    structure.isProgressive = process == 2 || process == 10;
+    structure.size =
+        QSize(qFromBigEndian<quint16>(payload.data() + 3), qFromBigEndian<quint16>(payload.data() + 1));
+    for (int i = 0; i < count; ++i) {
+        const int factors = uchar(payload[6 + 3 * i + 1]);
+        structure.components.append({factors >> 4, factors & 15});
+    }
+    return {};
+}
+
+void readDensity(QByteArrayView jfif, JpegStructure &structure)
+{
+    if (jfif.size() < 12 || !jfif.startsWith(QByteArrayView("JFIF\0", 5)))
+        return;
+    const int unit = uchar(jfif[7]);
+    const int horizontal = qFromBigEndian<quint16>(jfif.data() + 8);
+    const int vertical = qFromBigEndian<quint16>(jfif.data() + 10);
+    if (horizontal == 0 || vertical == 0 || unit > 2 || (unit == 0 && horizontal == vertical))
+        return;
+    const double perInch = unit == 2 ? 2.54 : 1;
+    structure.dpiWidth = horizontal * perInch;
+    structure.dpiHeight = vertical * perInch;
+}
+
+} // namespace
+
+Result<JpegStructure> readJpegStructure(QIODevice &device, const ReadLimits &limits)
+{
+    JpegStructure structure;
+    IccPieces icc;
+    QList<FurtherPicture> furtherPictures;
+    bool hasGainMap = false;
+    bool hasData = false;
+    SegmentReader segments(device);
+    while (const std::optional<int> marker = segments.next()) {
+        if (*marker == SOS || *marker == EOI) {
+            hasData = *marker == SOS;
+            break;
+        }
+        if (*marker >= SOF0 && *marker <= SOF15 && *marker != DHT && *marker != JPG && *marker != DAC) {
+            if (!structure.components.isEmpty())
+                return fail(ReadFailures::damaged());
+            if (const auto frame = readFrame(segments.payload(), *marker, structure); !frame)
+                return tl::unexpected(frame.error());
+        } else if (*marker == APP0) {
+            readDensity(segments.payload(32), structure);
+        } else if (*marker == APP1 && segments.payload(32).startsWith(kXmp)) {
+            hasGainMap = hasGainMap || speaksOfGainMap(segments.payload());
+        } else if (*marker == APP2 && segments.payload(32).startsWith(kIcc)) {
+            icc.add(segments.payload());
+        } else if (*marker == APP2 && segments.payload(32).startsWith(kMultiPicture)) {
+            const qint64 position = segments.payloadPosition() + kMultiPicture.size();
+            if (furtherPictures.isEmpty())
+                furtherPictures =
+                    readMultiPictureIndex(segments.payload().sliced(kMultiPicture.size()), position);
+        } else if (*marker == APP2 && segments.payload(32).startsWith(kIsoGainMap)) {
+            hasGainMap = true;
+        }
+    }
+    if (!hasData || structure.components.isEmpty())
+        return fail(device.atEnd() ? ReadFailures::endsEarly() : ReadFailures::damaged());
+    if (const auto size = ReadFailures::checkSize(structure.size, limits); !size)
+        return tl::unexpected(size.error());
+    structure.iccProfile = icc.whole();
+    structure.unmarkedPictures = nameUnmarkedPictures(device, furtherPictures, hasGainMap);
+    return structure;
+}
+
+} // namespace plexa

@@ -1,0 +1,244 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/qtcodec.h"
+
+#include "imageio/colorprofile.h"
+#include "imageio/readfailures.h"
+
+#include <QColorSpace>
+#include <QImageReader>
+
+#include <tiffio.h>
+
+#include <mutex>
+
+namespace plexa
+{
+
+namespace
+{
+
+/// Sets up what the plugins share in this process.
+void prepareQt()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        // Qt's own bound for one picture is 128 MB; ours are checked before decoding.
+        QImageReader::setAllocationLimit(int(ReadLimits().maxBytes / (1 << 20)));
+        // Qt's plugin leaves libtiff's messages on the standard error stream.
+        TIFFSetErrorHandler(nullptr);
+        TIFFSetWarningHandler(nullptr);
+    });
+}
+
+bool isDeep(QImage::Format format)
+{
+    switch (format) {
+    case QImage::Format_Grayscale16:
+    case QImage::Format_RGBX64:
+    case QImage::Format_RGBA64:
+    case QImage::Format_RGBA64_Premultiplied:
+    case QImage::Format_BGR30:
+    case QImage::Format_RGB30:
+    case QImage::Format_A2BGR30_Premultiplied:
+    case QImage::Format_A2RGB30_Premultiplied:
+    case QImage::Format_RGBX16FPx4:
+    case QImage::Format_RGBA16FPx4:
+    case QImage::Format_RGBA16FPx4_Premultiplied:
+    case QImage::Format_RGBX32FPx4:
+    case QImage::Format_RGBA32FPx4:
+    case QImage::Format_RGBA32FPx4_Premultiplied:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool isGray(QImage::Format format)
+{
+    return format == QImage::Format_Grayscale8 || format == QImage::Format_Grayscale16 ||
+           format == QImage::Format_Mono || format == QImage::Format_MonoLSB;
+}
+
+/// Will the rows have alpha? What neither header nor plugin says beforehand counts as yes.
+bool announcesAlpha(const QImageReader &reader, const PictureHeader &header)
+{
+    if (header.hasAlpha)
+        return *header.hasAlpha;
+    const QImage::Format format = reader.imageFormat();
+    if (format == QImage::Format_Invalid)
+        return true;
+    if (format == QImage::Format_Indexed8)
+        return reader.format() == "gif" || reader.format() == "xpm";
+    return QImage::toPixelFormat(format).alphaUsage() == QPixelFormat::UsesAlpha;
+}
+
+/// Prepares a reader for one format, whatever the contents look like to other plugins, and checks the size.
+Result<void> prepare(QImageReader &reader, QIODevice &device, const char *qtFormat, QSize claimedSize,
+                     const ReadLimits &limits)
+{
+    prepareQt();
+    if (claimedSize.isValid()) {
+        if (const auto checked = ReadFailures::checkSize(claimedSize, limits); !checked)
+            return checked;
+    }
+    if (!device.seek(0))
+        return fail(ReadFailures::readError(device));
+    reader.setAutoDetectImageFormat(false);
+    reader.setFormat(qtFormat);
+    reader.setDevice(&device);
+    reader.setAutoTransform(false);
+    if (!reader.canRead())
+        return fail(ReadFailures::notAPicture());
+    const QSize size = reader.size();
+    if (!size.isValid())
+        return {};
+    if (const auto checked = ReadFailures::checkSize(size, limits); !checked)
+        return checked;
+    // What the plugin decodes, and the rows that are made of it.
+    return ReadFailures::checkMemory(size, isDeep(reader.imageFormat()) ? 12 : 8, limits);
+}
+
+/// Changes the picture to 8-bit sRGB rows of the announced kind.
+QImage toRows(QImage image, const QByteArray &headerProfile, bool hasAlpha)
+{
+    const QByteArray icc = headerProfile.isEmpty() ? image.colorSpace().iccProfile() : headerProfile;
+    const QImage::Format target = RowFormat{image.size(), hasAlpha}.imageFormat();
+    if (isGray(image.format())) {
+        if (const auto transform = ColorTransform::toSrgb(icc, PixelLayout::Gray8)) {
+            image.convertTo(QImage::Format_Grayscale8);
+            QImage rows(image.size(), QImage::Format_RGB32);
+            for (int y = 0; y < rows.height() && !image.isNull() && !rows.isNull(); ++y)
+                transform->convert(image.constScanLine(y), reinterpret_cast<QRgb *>(rows.scanLine(y)),
+                                   rows.width());
+            rows.convertTo(target);
+            return rows;
+        }
+    }
+    const bool deep = isDeep(image.format());
+    const auto transform = ColorTransform::toSrgb(icc, deep ? PixelLayout::Rgba64 : PixelLayout::Rgb32);
+    if (transform) {
+        const bool imageHasAlpha = image.hasAlphaChannel();
+        const QImage::Format straight = imageHasAlpha ? QImage::Format_ARGB32 : QImage::Format_RGB32;
+        image.convertTo(deep ? QImage::Format_RGBA64 : straight);
+        QImage rows = deep ? QImage(image.size(), straight) : QImage();
+        for (int y = 0; y < image.height(); ++y) {
+            if (deep && rows.isNull())
+                return {};
+            auto *row = reinterpret_cast<QRgb *>(deep ? rows.scanLine(y) : image.scanLine(y));
+            transform->convert(deep ? image.constScanLine(y) : reinterpret_cast<uchar *>(row), row,
+                               image.width());
+        }
+        if (deep)
+            image = rows;
+    }
+    image.convertTo(target);
+    return image;
+}
+
+/// Hands out the rows of a picture that is decoded already.
+class WholeImageReader final : public RowReader
+{
+public:
+    WholeImageReader(QImage image, bool hasAlpha)
+        : m_image(std::move(image))
+        , m_format{m_image.size(), hasAlpha}
+    {
+    }
+
+    RowFormat format() const override { return m_format; }
+
+    Result<void> readRows(QImage &strip, int count) override
+    {
+        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
+        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_image.height() - m_nextRow);
+        uchar *bits = strip.bits();
+        for (int row = 0; row < count; ++row, ++m_nextRow)
+            std::copy_n(m_image.constScanLine(m_nextRow), size_t(m_image.width()) * sizeof(QRgb),
+                        bits + row * strip.bytesPerLine());
+        return {};
+    }
+
+private:
+    const QImage m_image;
+    const RowFormat m_format;
+    int m_nextRow = 0;
+};
+
+QString reasonOf(const QImageReader &reader, const QIODevice &device)
+{
+    if (reader.error() == QImageReader::InvalidDataError && device.atEnd())
+        return ReadFailures::endsEarly();
+    return ReadFailures::damaged();
+}
+
+} // namespace
+
+QtCodec::QtCodec(const char *qtFormat, PictureHeader (*readHeader)(QIODevice &))
+    : m_qtFormat(qtFormat)
+    , m_readHeader(readHeader)
+{
+}
+
+bool QtCodec::isAvailable() const
+{
+    return QImageReader::supportedImageFormats().contains(m_qtFormat);
+}
+
+Result<PictureInfo> QtCodec::readInfo(QIODevice &device, const ReadLimits &limits) const
+{
+    const PictureHeader header = m_readHeader ? m_readHeader(device) : PictureHeader();
+    if (header.isCameraRaw)
+        return fail(ReadFailures::cameraRaw());
+    QImageReader reader;
+    if (const auto prepared = prepare(reader, device, m_qtFormat, header.size, limits); !prepared)
+        return tl::unexpected(prepared.error());
+    PictureInfo info;
+    info.rows = {reader.size(), announcesAlpha(reader, header)};
+    if (!info.rows.size.isValid()) { // some plugins know only after decoding
+        QImage image;
+        if (!reader.read(&image))
+            return fail(reasonOf(reader, device));
+        info.rows.size = image.size();
+    }
+    const QImage::Format format = reader.imageFormat();
+    info.depth = header.depth > 0 ? header.depth : isDeep(format) ? 16 : 8;
+    info.colorModel = !header.colorModel.isEmpty() ? header.colorModel
+                      : isGray(format)             ? QStringLiteral("Gray")
+                                                   : QStringLiteral("RGB");
+    info.iccProfile = header.iccProfile;
+    // Last, because counting moves within the file; the TIFF plugin counts from where the device stands.
+    if (device.seek(0))
+        info.imageCount = qMax(1, reader.imageCount());
+    info.dpiWidth = header.dpiWidth;
+    info.dpiHeight = header.dpiHeight;
+    return info;
+}
+
+Result<std::unique_ptr<RowReader>> QtCodec::openReader(QIODevice &device, const ReadLimits &limits, int) const
+{
+    if (!device.seek(0))
+        return fail(ReadFailures::readError(device));
+    const PictureHeader header = m_readHeader ? m_readHeader(device) : PictureHeader();
+    QImageReader reader;
+    if (const auto prepared = prepare(reader, device, m_qtFormat, header.size, limits); !prepared)
+        return tl::unexpected(prepared.error());
+    const bool hasAlpha = announcesAlpha(reader, header);
+    QImage image;
+    if (!reader.read(&image))
+        return fail(reasonOf(reader, device));
+    if (const auto checked = ReadFailures::checkSize(image.size(), limits); !checked)
+        return tl::unexpected(checked.error());
+    image = toRows(std::move(image), header.iccProfile, hasAlpha);
+    if (image.isNull())
+        return fail(ReadFailures::outOfMemory());
+    return std::make_unique<WholeImageReader>(std::move(image), hasAlpha);
+}
+
+Result<std::unique_ptr<RowWriter>> QtCodec::openWriter(QIODevice &, const RowFormat &,
+                                                       const WriteOptions &) const
+{
+    return fail(ReadFailures::cannotWrite(QString::fromLatin1(m_qtFormat)));
+}
+
+} // namespace plexa

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "imageio/imageformat.h"
+#include "imageio/pictureheaders.h"
+
+namespace plexa
+{
+
+/// Reads one of the formats that Qt's image plugins know; of an animation the first frame. Decodes a picture
+/// whole. Does not write.
+class QtCodec final : public Codec
+{
+public:
+    /// @param qtFormat    the plugin's name of the format
+    /// @param readHeader  what Qt does not say of a file; may be null
+    explicit QtCodec(const char *qtFormat, PictureHeader (*readHeader)(QIODevice &) = nullptr);
+
+    /// Is the plugin that this needs installed?
+    bool isAvailable() const;
+
+    [[nodiscard]] Result<PictureInfo> readInfo(QIODevice &device, const ReadLimits &limits) const override;
+    [[nodiscard]] Result<std::unique_ptr<RowReader>> openReader(QIODevice &device, const ReadLimits &limits,
+                                                                int reduction) const override;
+    [[nodiscard]] Result<std::unique_ptr<RowWriter>> openWriter(QIODevice &device, const RowFormat &format,
+                                                                const WriteOptions &options) const override;
+
+private:
+    const char *m_qtFormat;
+    PictureHeader (*m_readHeader)(QIODevice &);
+};
+
+} // namespace plexa

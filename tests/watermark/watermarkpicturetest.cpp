@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "watermark/watermarkpicture.h"
+
+#include "support/testenvironment.h"
+
+#include <QFile>
+#include <QtTest>
+
+#include <thread>
+
+using namespace plexa;
+
+namespace
+{
+
+QByteArray svgOf(const QByteArray &content, const QByteArray &attributes = R"(viewBox="0 0 20 10")")
+{
+    return R"(<svg xmlns="http://www.w3.org/2000/svg" )" + attributes + '>' + content + "</svg>";
+}
+
+const QByteArray kCircle = R"(<circle cx="5" cy="5" r="4" fill="#ff0000"/>)";
+
+} // namespace
+
+class WatermarkPictureTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    QString fileWith(const QString &name, const QByteArray &contents)
+    {
+        QFile file(m_folder.path(name));
+        if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size())
+            return {};
+        return file.fileName();
+    }
+
+    test::TestFolder m_folder;
+
+private Q_SLOTS:
+    void drawingsAreSharpAtEverySize();
+    void drawingsKnowTheirSize_data();
+    void drawingsKnowTheirSize();
+    void badFilesAreNamed_data();
+    void badFilesAreNamed();
+    void largeReductionsDoNotAlias();
+    void logosAreRead_data();
+    void logosAreRead();
+    void cameraTurnsAreFollowed();
+    void threadsShareOnePicture();
+};
+
+void WatermarkPictureTest::drawingsAreSharpAtEverySize()
+{
+    const Result<WatermarkPicture> picture =
+        WatermarkPicture::load(fileWith(u"logo.SVG"_qs, "\n\n" + svgOf(kCircle)));
+    QVERIFY(picture.has_value());
+    QCOMPARE(picture->size(), QSizeF(20, 10));
+    for (const int width : {40, 4000}) {
+        const QImage image = picture->imageOfSize(QSize(width, width / 2));
+        QCOMPARE(image.size(), QSize(width, width / 2));
+        // The middle row crosses the circle's edge twice, in a pixel each, whatever the size.
+        int filled = 0;
+        int partly = 0;
+        for (int x = 0; x < width; ++x) {
+            const int alpha = qAlpha(image.pixel(x, width / 4));
+            filled += alpha == 255 ? 1 : 0;
+            partly += alpha > 0 && alpha < 255 ? 1 : 0;
+        }
+        QVERIFY2(partly <= 4, qPrintable(QString::number(partly)));
+        QVERIFY2(std::abs(filled - width * 8 / 20) <= 4, qPrintable(QString::number(filled)));
+    }
+}
+
+void WatermarkPictureTest::drawingsKnowTheirSize_data()
+{
+    QTest::addColumn<QByteArray>("attributes");
+    QTest::addColumn<QSizeF>("size");
+    QTest::newRow("view box") << QByteArray(R"(viewBox="-5 -5 33.5 10")") << QSizeF(33.5, 10);
+    QTest::newRow("sides") << QByteArray(R"(width="300" height="200")") << QSizeF(300, 200);
+    QTest::newRow("both: the view box has the proportions")
+        << QByteArray(R"(width="100%" height="100%" viewBox="0 0 64 32")") << QSizeF(64, 32);
+}
+
+void WatermarkPictureTest::drawingsKnowTheirSize()
+{
+    QFETCH(QByteArray, attributes);
+    const Result<WatermarkPicture> picture = WatermarkPicture::fromSvg(svgOf(kCircle, attributes));
+    QVERIFY(picture.has_value());
+    QTEST(picture->size(), "size");
+}
+
+void WatermarkPictureTest::badFilesAreNamed_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("contents");
+    const int deep = 100'000;
+    QByteArray nested;
+    for (int i = 0; i < deep; ++i)
+        nested += "<g>";
+    for (int i = 0; i < deep; ++i)
+        nested += "</g>";
+    QTest::newRow("empty") << "empty.png" << QByteArray();
+    QTest::newRow("text") << "text.png" << QByteArray("not a picture");
+    QTest::newRow("cut drawing") << "cut.svg" << svgOf(kCircle).chopped(3);
+    QTest::newRow("other XML") << "page.svg" << QByteArray("<?xml version=\"1.0\"?><html/>");
+    QTest::newRow("no size") << "flat.svg" << svgOf(kCircle, R"(viewBox="0 0 0 10" width="0" height="0")");
+    QTest::newRow("nested without end") << "deep.svg" << svgOf(nested);
+}
+
+void WatermarkPictureTest::badFilesAreNamed()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, contents);
+    const QString path = fileWith(name, contents);
+    const Result<WatermarkPicture> picture = WatermarkPicture::load(path);
+    QVERIFY(!picture.has_value());
+    QVERIFY2(picture.error().text.contains(path), qPrintable(picture.error().text));
+    QVERIFY(!WatermarkPicture::load(m_folder.path()).has_value());
+}
+
+void WatermarkPictureTest::largeReductionsDoNotAlias()
+{
+    QImage chequered(1000, 1000, QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < 1000; ++y) {
+        for (int x = 0; x < 1000; ++x)
+            chequered.setPixel(x, y, (x + y) % 2 != 0 ? qRgb(255, 255, 255) : qRgb(0, 0, 0));
+    }
+    const WatermarkPicture picture = WatermarkPicture::fromImage(chequered);
+    for (const int side : {300, 77, 10}) {
+        const QImage small = picture.imageOfSize(QSize(side, side));
+        for (int i = 1; i < side - 1; ++i) {
+            const int gray = qGray(small.pixel(i, (i * 7) % (side - 2) + 1));
+            QVERIFY2(gray > 110 && gray < 205, qPrintable(QString::number(gray)));
+        }
+    }
+}
+
+void WatermarkPictureTest::logosAreRead_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("logos/badge-512x512.png") << QSize(512, 512);
+    QTest::newRow("logos/stamp-97x61-palette.png") << QSize(97, 61);
+    QTest::newRow("logos/wordmark-1200x301.png") << QSize(1200, 301);
+    QTest::newRow("jpeg/cmyk-ycck-small.jpg") << QSize();
+    QTest::newRow("png/gray16.png") << QSize(32, 32);
+}
+
+void WatermarkPictureTest::logosAreRead()
+{
+    if (test::photosFolder().isEmpty())
+        QSKIP("There is no folder of photos.");
+    QFETCH(QSize, size);
+    const QString path = test::photosFolder() + u'/' + QLatin1StringView(QTest::currentDataTag());
+    const Result<WatermarkPicture> picture = WatermarkPicture::load(path);
+    QVERIFY2(picture.has_value(), qPrintable(picture ? QString() : picture.error().text));
+    if (!size.isEmpty())
+        QCOMPARE(picture->size(), QSizeF(size));
+    QCOMPARE(picture->imageOfSize(QSize(200, 50)).format(), QImage::Format_ARGB32_Premultiplied);
+    QCOMPARE(picture->imageOfSize(QSize(200, 50)).size(), QSize(200, 50));
+}
+
+void WatermarkPictureTest::cameraTurnsAreFollowed()
+{
+    if (test::photosFolder().isEmpty())
+        QSKIP("There is no folder of photos.");
+    // Eight files that show the same when upright.
+    const QString folder = test::photosFolder() + u"/jpeg/orientation/"_qs;
+    const QStringList names = QDir(folder).entryList({u"*.jpg"_qs}, QDir::Files, QDir::Name);
+    QVERIFY(names.size() >= 8);
+    QHash<QString, QImage> firstOfSeries;
+    for (const QString &name : names) {
+        const Result<WatermarkPicture> picture = WatermarkPicture::load(folder + name);
+        QVERIFY(picture.has_value());
+        const QImage small = picture->imageOfSize(QSize(24, 24));
+        const QString series = name.section(u'_', 0, 0).section(u'-', 0, 0);
+        QImage &first = firstOfSeries[series];
+        if (first.isNull())
+            first = small;
+        double difference = 0;
+        for (int y = 0; y < 24; ++y) {
+            for (int x = 0; x < 24; ++x)
+                difference += std::abs(qGray(small.pixel(x, y)) - qGray(first.pixel(x, y))) / 576.0;
+        }
+        QVERIFY2(difference < 12, qPrintable(name + QString::number(difference)));
+    }
+}
+
+void WatermarkPictureTest::threadsShareOnePicture()
+{
+    const Result<WatermarkPicture> picture = WatermarkPicture::fromSvg(svgOf(kCircle));
+    QVERIFY(picture.has_value());
+    const QImage expected = picture->imageOfSize(QSize(200, 100));
+    std::atomic<int> wrong = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 6; ++i) {
+        threads.emplace_back([&, i] {
+            for (int k = 0; k < 10; ++k) {
+                const WatermarkPicture copy = *picture;
+                if (copy.imageOfSize(QSize(200 + (i + k) % 2, 100)).width() != 200 + (i + k) % 2 ||
+                    copy.imageOfSize(QSize(200, 100)) != expected)
+                    ++wrong;
+            }
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    QCOMPARE(wrong.load(), 0);
+}
+
+QTEST_MAIN(WatermarkPictureTest)
+#include "watermarkpicturetest.moc"
