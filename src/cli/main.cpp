@@ -16,6 +16,13 @@ namespace
 
 constexpr int kWrongUsage = 2;
 
+/// What the libraries have to say to developers does not belong among the messages about photos.
+void printFaultsOnly(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        std::fprintf(stderr, "%s\n", qUtf8Printable(text));
+}
+
 int run(int argc, char **argv)
 {
     using namespace plexa;
@@ -48,6 +55,7 @@ int main(int argc, char **argv)
 {
     // Everything works without a display.
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    qInstallMessageHandler(printFaultsOnly);
     QGuiApplication application(argc, argv);
     QCoreApplication::setOrganizationName(plexa::companyName(true));
     QCoreApplication::setApplicationName(plexa::applicationNameWithCompany(false, false, true));

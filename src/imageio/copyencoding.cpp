@@ -3,11 +3,15 @@
 #include "imageio/copyencoding.h"
 
 #include "imageio/embeddedpictures.h"
+#include "imageio/exifwriter.h"
 #include "imageio/exiv2setup.h"
 #include "imageio/metadatachanges.h"
 #include "imageio/metadataclearing.h"
 
 #include <QRandomGenerator>
+#include <QRegularExpression>
+
+#include <algorithm>
 
 namespace plexa
 {
@@ -66,29 +70,9 @@ void describePictureInXmp(Exiv2::XmpData &xmp, QSize size)
     eraseXmpProperty(xmp, "Xmp.exif.Gamma");
 }
 
-QByteArray encodedExif(const Exiv2::ExifData &exif, Exiv2::ByteOrder order)
+bool holdsPicture(const QByteArray &bytes)
 {
-    Exiv2::Blob blob;
-    Exiv2::ExifParser::encode(blob, order, exif);
-    return QByteArray(reinterpret_cast<const char *>(blob.data()), static_cast<qsizetype>(blob.size()));
-}
-
-/// EXIF that certainly holds no picture: rather without maker notes, rather empty.
-QByteArray exifWithoutPictures(Exiv2::ExifData &exif, Exiv2::ByteOrder order)
-{
-    const auto isAcceptable = [](const QByteArray &blob) {
-        return static_cast<size_t>(blob.size()) <= kMaxExifBytes &&
-               !holdsPictureStart(blob.constData(), static_cast<size_t>(blob.size()));
-    };
-    QByteArray blob = encodedExif(exif, order);
-    if (isAcceptable(blob))
-        return blob;
-    eraseMakerNotes(exif);
-    blob = encodedExif(exif, order);
-    if (isAcceptable(blob))
-        return blob;
-    exif.clear();
-    return {};
+    return holdsPictureStart(bytes.constData(), static_cast<size_t>(bytes.size()));
 }
 
 /// Bytes that occur nowhere else: letters, so that no picture can seem to begin in them.
@@ -100,21 +84,105 @@ QByteArray newPlaceholder(qsizetype bytes)
     return placeholder;
 }
 
-void encodeExif(EmbeddedMetadata::Encoded &encoded, Exiv2::ExifData &exif, Exiv2::ByteOrder order,
-                qsizetype thumbnailBytes)
+size_t makerNoteFields(const Exiv2::ExifData &exif)
 {
-    encoded.exif = exifWithoutPictures(exif, order);
+    return static_cast<size_t>(std::count_if(exif.begin(), exif.end(), [](const Exiv2::Exifdatum &datum) {
+        return isMakerNoteGroup(datum.groupName());
+    }));
+}
+
+MakerNoteBlock makerNoteOf(const Exiv2::ExifData &exif)
+{
+    MakerNoteBlock block;
+    const auto note = exif.findKey(Exiv2::ExifKey("Exif.Photo.MakerNote"));
+    if (note == exif.end() || note->size() <= 0)
+        return block;
+    block.bytes.resize(note->size());
+    note->copy(reinterpret_cast<Exiv2::byte *>(block.bytes.data()), Exiv2::littleEndian);
+    const auto offset = exif.findKey(Exiv2::ExifKey("Exif.MakerNote.Offset"));
+    if (offset != exif.end() && offset->count() > 0)
+        block.offset = offset->toLong();
+    return block;
+}
+
+QByteArray encodedByLibrary(Exiv2::ExifData exif, Exiv2::ByteOrder order, const QByteArray &thumbnail)
+{
+    eraseMetadataIf(exif, [](const Exiv2::Exifdatum &datum) {
+        return Exiv2::TypeInfo::typeSize(datum.typeId()) == 0 || datum.size() == 0;
+    });
+    if (!thumbnail.isEmpty())
+        Exiv2::ExifThumb(exif).setJpegThumbnail(reinterpret_cast<const Exiv2::byte *>(thumbnail.constData()),
+                                                static_cast<long>(thumbnail.size()), {72, 1}, {72, 1}, 2);
+    Exiv2::Blob blob;
+    Exiv2::ExifParser::encode(blob, order, exif);
+    return QByteArray(reinterpret_cast<const char *>(blob.data()), static_cast<qsizetype>(blob.size()));
+}
+
+/// Tries the ways to write EXIF from the one that keeps most to the one that keeps least, until the result
+/// fits into a JPEG segment and holds no picture: the maker note as it was, the maker note made anew from
+/// what the library understands of it, none.
+class ExifEncoder
+{
+public:
+    /// @param note  the maker note as it was; empty when it may not be kept as it was
+    ExifEncoder(Exiv2::ExifData exif, Exiv2::ByteOrder order, const MakerNoteBlock &note)
+        : m_exif(std::move(exif))
+        , m_order(order)
+        , m_note(note)
+    {
+    }
+
+    QByteArray encoded(const QByteArray &thumbnail) const
+    {
+        if (!m_note.bytes.isEmpty() && !holdsMangledPicture(m_note.bytes)) {
+            const QByteArray asItWas = writtenExif(m_exif, m_order, m_note, thumbnail);
+            if (isAcceptable(asItWas, thumbnail))
+                return asItWas;
+        }
+        if (makerNoteFields(m_exif) > 0) {
+            try {
+                const QByteArray anew = encodedByLibrary(m_exif, m_order, thumbnail);
+                if (isAcceptable(anew, thumbnail))
+                    return anew;
+            } catch (const std::exception &) {
+                // The next way needs nothing of the maker note.
+            }
+        }
+        const QByteArray without = writtenExif(m_exif, m_order, {}, thumbnail);
+        return isAcceptable(without, thumbnail) ? without : QByteArray();
+    }
+
+private:
+    static bool isAcceptable(const QByteArray &blob, const QByteArray &thumbnail)
+    {
+        return !blob.isEmpty() && static_cast<size_t>(blob.size()) <= kMaxExifBytes && !holdsPicture(blob) &&
+               (thumbnail.isEmpty() || blob.count(thumbnail) == 1);
+    }
+
+    /// Some cameras spoil the first byte of the JPEGs in their notes.
+    static bool holdsMangledPicture(const QByteArray &note)
+    {
+        return note.contains("\xD8\xFF\xDB") || note.contains("\xD8\xFF\xE0") ||
+               note.contains("\xD8\xFF\xE1");
+    }
+
+    Exiv2::ExifData m_exif;
+    Exiv2::ByteOrder m_order;
+    MakerNoteBlock m_note;
+};
+
+void encodeExif(EmbeddedMetadata::Encoded &encoded, const ExifEncoder &encoder, qsizetype thumbnailBytes)
+{
+    const QByteArray plain = encoder.encoded({});
+    encoded.exif = plain;
     constexpr qsizetype kDirectoryBytes = 256;
-    if (thumbnailBytes <= 0 || encoded.exif.isEmpty() ||
-        static_cast<size_t>(encoded.exif.size() + thumbnailBytes + kDirectoryBytes) > kMaxExifBytes)
+    if (thumbnailBytes <= 0 || plain.isEmpty() ||
+        static_cast<size_t>(plain.size() + thumbnailBytes + kDirectoryBytes) > kMaxExifBytes)
         return;
     const QByteArray placeholder = newPlaceholder(thumbnailBytes);
-    Exiv2::ExifThumb(exif).setJpegThumbnail(reinterpret_cast<const Exiv2::byte *>(placeholder.constData()),
-                                            static_cast<long>(placeholder.size()), {72, 1}, {72, 1}, 2);
-    const QByteArray blob = encodedExif(exif, order);
-    if (static_cast<size_t>(blob.size()) <= kMaxExifBytes && blob.count(placeholder) == 1 &&
-        !holdsPictureStart(blob.constData(), static_cast<size_t>(blob.size()))) {
-        encoded.exif = blob;
+    const QByteArray withThumbnail = encoder.encoded(placeholder);
+    if (!withThumbnail.isEmpty()) {
+        encoded.exif = withThumbnail;
         encoded.thumbnailPlaceholder = placeholder;
     }
 }
@@ -138,8 +206,7 @@ QByteArray encodedIptc(const MetadataSet &set, const Exiv2::IptcData &original)
         if (buffer.pData_)
             records = QByteArray(reinterpret_cast<const char *>(buffer.pData_), buffer.size_);
     }
-    const bool holdsPicture = holdsPictureStart(records.constData(), static_cast<size_t>(records.size()));
-    return holdsPicture ? QByteArray() : records;
+    return holdsPicture(records) ? QByteArray() : records;
 }
 
 QByteArray encodedXmp(const Exiv2::XmpData &xmp)
@@ -152,6 +219,17 @@ QByteArray encodedXmp(const Exiv2::XmpData &xmp)
     return QByteArray::fromStdString(packet);
 }
 
+/// The library forgets what the packet says it is about.
+void restoreAbout(QByteArray &packet, const std::string &original)
+{
+    static const QRegularExpression about(QStringLiteral("rdf:about=([\"'])([^\"'<>&]{1,200})\\1"));
+    const auto match =
+        about.match(QString::fromUtf8(original.c_str(), static_cast<qsizetype>(original.size())));
+    const qsizetype at = match.hasMatch() ? packet.indexOf("rdf:about=\"\"") : -1;
+    if (at >= 0)
+        packet.insert(at + 11, match.captured(2).toUtf8());
+}
+
 } // namespace
 
 EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &before, const QVariantMap &after,
@@ -160,6 +238,8 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     EmbeddedMetadata::Encoded encoded;
     const auto lock = lockXmpNamespaces();
     Exiv2::XmpData xmp = decodedXmp(set.xmpPacket);
+    const MakerNoteBlock note = makerNoteOf(set.exif);
+    const size_t noteFields = makerNoteFields(set.exif);
     erasePicturesFromExif(set.exif);
     erasePicturesFromXmp(xmp);
     const Exiv2::IptcData original = set.iptc;
@@ -167,7 +247,10 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     describePictureInExif(set.exif, facts.pixelSize);
     describePictureInXmp(xmp, facts.pixelSize);
 
-    encodeExif(encoded, set.exif, set.byteOrder, facts.thumbnailBytes);
+    const bool keepsNote = set.exif.findKey(Exiv2::ExifKey("Exif.Photo.MakerNote")) != set.exif.end() &&
+                           makerNoteFields(set.exif) == noteFields;
+    encodeExif(encoded, ExifEncoder(set.exif, set.byteOrder, keepsNote ? note : MakerNoteBlock()),
+               facts.thumbnailBytes);
     try {
         encoded.iptc = encodedIptc(set, original);
     } catch (const std::exception &) {
@@ -175,6 +258,7 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     }
     try {
         encoded.xmp = encodedXmp(xmp);
+        restoreAbout(encoded.xmp, set.xmpPacket);
     } catch (const std::exception &) {
         encoded.xmp.clear();
     }

@@ -47,7 +47,8 @@ bool isStructureTag(uint16_t tag)
 
 bool isDngTag(uint16_t tag)
 {
-    return (tag >= 0xC612 && tag <= 0xC7FF) || (tag >= 0xCD2D && tag <= 0xCD4F);
+    const bool isOfCamera = tag == 0xC614 || tag == 0xC62F || tag == 0xC630; // model, serial number, lens
+    return !isOfCamera && ((tag >= 0xC612 && tag <= 0xC7FF) || (tag >= 0xCD2D && tag <= 0xCD4F));
 }
 
 bool holdsPicture(const Exiv2::Exifdatum &datum)
@@ -65,16 +66,22 @@ bool holdsPicture(const Exiv2::Exifdatum &datum)
     return holds(buffer);
 }
 
-/// Does the name of the tag or group say that this is a picture, or where it lies?
+/// Does the name of the tag or group say that this is a picture, or where it lies? Sizes and borders of
+/// previews, and places of previews that are not there, give nothing away.
 bool isPreviewTag(const Exiv2::Exifdatum &datum)
 {
     const std::string group = datum.groupName();
     if (!isMakerNoteGroup(group))
         return false;
     const std::string name = datum.tagName();
-    return containsAnyCase(group, QLatin1StringView("preview")) ||
-           containsAnyCase(name, QLatin1StringView("preview")) ||
-           containsAnyCase(name, QLatin1StringView("thumbnail"));
+    if (containsAnyCase(group, QLatin1StringView("preview")) || datum.key() == "Exif.Nikon3.Preview")
+        return true;
+    if (!containsAnyCase(name, QLatin1StringView("preview")) &&
+        !containsAnyCase(name, QLatin1StringView("thumbnail")))
+        return false;
+    constexpr long kMostBytesOfAFact = 64;
+    const bool isPlace = name.ends_with("Start") || name.ends_with("Offset") || name.ends_with("Length");
+    return datum.size() > kMostBytesOfAFact || (isPlace && datum.toLong() != 0);
 }
 
 bool isOfKeptGroup(const std::string &group)

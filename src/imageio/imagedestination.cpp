@@ -4,7 +4,6 @@
 
 #include "imageio/embeddedmetadata.h"
 #include "imageio/imagesource.h"
-#include "imageio/jpegsegments.h"
 #include "imageio/readfailures.h"
 
 namespace plexa
@@ -60,21 +59,6 @@ private:
     QImage m_strip;
 };
 
-/// The metadata of the copy. A JPEG has room for 64 KB of EXIF: a thumbnail is given up first.
-EmbeddedMetadata::Encoded encodeMetadata(const EmbeddedMetadata &metadata, const QVariantMap &properties,
-                                         QSize size, qsizetype maxExif)
-{
-    EmbeddedMetadata::CopyFacts facts;
-    facts.pixelSize = size;
-    facts.thumbnailBytes = metadata.hasThumbnail() ? kThumbnailBytes : 0;
-    EmbeddedMetadata::Encoded encoded = metadata.encodeForCopy(properties, facts);
-    if (encoded.exif.size() > maxExif && facts.thumbnailBytes > 0) {
-        facts.thumbnailBytes = 0;
-        encoded = metadata.encodeForCopy(properties, facts);
-    }
-    return encoded;
-}
-
 double positiveNumber(const QVariantMap &properties, const QString &key)
 {
     const double number = properties.value(key).toDouble();
@@ -89,7 +73,6 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
     const ImageFormat *target = imageFormatOfType(request.type);
     if (!target || !target->canWrite)
         return fail(ReadFailures::cannotWrite(request.type));
-    const bool isJpeg = request.type == QLatin1String("image/jpeg");
     const QVariantMap &properties = request.properties;
     WriteOptions options;
     options.quality = qBound(
@@ -104,8 +87,8 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
         options.chromaSampling = request.source->info().chromaSampling;
     }
     const auto metadata = request.source ? request.source->metadata() : EmbeddedMetadata::none();
-    const EmbeddedMetadata::Encoded encoded =
-        encodeMetadata(*metadata, properties, format.size, isJpeg ? kMaxJpegExif : INT_MAX);
+    const EmbeddedMetadata::CopyFacts facts = {format.size, metadata->hasThumbnail() ? kThumbnailBytes : 0};
+    const EmbeddedMetadata::Encoded encoded = metadata->encodeForCopy(properties, facts);
     options.exif = encoded.exif;
     options.thumbnailPlaceholder = encoded.thumbnailPlaceholder;
     options.iptc = encoded.iptc;

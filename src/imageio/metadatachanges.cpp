@@ -9,6 +9,7 @@
 #include "imageio/propertykeys.h"
 #include "imageio/propertyvalues.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace plexa
@@ -130,10 +131,18 @@ void setIptc(Exiv2::IptcData &iptc, const MetadataField &field, const QVariant &
         iptc["Iptc.Application2.RecordVersion"] = uint16_t{4};
 }
 
+/// IIM has room for few characters; what has to be cut off there stands whole in XMP.
+bool fitsIptc(const MetadataField &field, const QVariant &value)
+{
+    const QStringList texts = propertyTexts(value);
+    return std::all_of(texts.begin(), texts.end(),
+                       [&](const QString &text) { return text.toUtf8().size() <= field.iptcMaxBytes; });
+}
+
 void setXmp(Exiv2::XmpData &xmp, const MetadataField &field, const QVariant &value)
 {
     const bool wasPresent = eraseXmpProperty(xmp, field.xmp);
-    const bool hasOtherHome = field.exif || field.iptc;
+    const bool hasOtherHome = field.exif || (field.iptc && fitsIptc(field, value));
     const QStringList texts = xmpTexts(field.kind, value);
     if (texts.isEmpty() || (!wasPresent && hasOtherHome))
         return;

@@ -295,13 +295,12 @@ QString makerNoteLens(const Exiv2::ExifData &exif)
 
 void insertLens(QVariantMap &aux, const MetadataSet &set)
 {
-    if (!aux.contains(kCGImagePropertyExifAuxLensModel)) {
-        const QString name = makerNoteLens(set.exif);
-        if (!name.isEmpty())
-            aux.insert(kCGImagePropertyExifAuxLensModel, name);
-    }
+    const QString name = makerNoteLens(set.exif);
+    if (!name.isEmpty() && !aux.contains(kCGImagePropertyExifAuxLensModel))
+        aux.insert(kCGImagePropertyExifAuxLensModel, name);
     const auto canonType = set.exif.findKey(Exiv2::ExifKey("Exif.CanonCs.LensType"));
-    if (canonType != set.exif.end() && canonType->count() == 1) {
+    // A number that names no lens comes from a damaged note or a camera without lens mount.
+    if (!name.isEmpty() && canonType != set.exif.end() && canonType->count() == 1) {
         const QVariant number = numberAt(canonType->value(), 0);
         if (number.toInt() > 0 && number.toInt() != 0xFFFF)
             aux.insert(kCGImagePropertyExifAuxLensID, number);

@@ -76,8 +76,11 @@ void readThroughLibrary(MetadataSet &set, const QString &path)
     set.exif = image->exifData();
     set.iptc = image->iptcData();
     set.comment = image->comment();
+    const auto noteOrder = set.exif.findKey(Exiv2::ExifKey("Exif.MakerNote.ByteOrder"));
     if (image->byteOrder() != Exiv2::invalidByteOrder)
         set.byteOrder = image->byteOrder();
+    else if (noteOrder != set.exif.end() && noteOrder->toString().starts_with("MM"))
+        set.byteOrder = Exiv2::bigEndian;
     set.xmpPacket = image->xmpPacket();
     if (set.xmpPacket.empty() && !image->xmpData().empty())
         Exiv2::XmpParser::encode(set.xmpPacket, image->xmpData());

@@ -6,6 +6,7 @@
 
 #include <QHash>
 #include <QRawFont>
+#include <QSet>
 
 #include <fontconfig/fontconfig.h>
 
@@ -32,8 +33,9 @@ struct Naming {
 };
 
 struct InstalledFace {
-    QString postScriptName;
-    QList<Naming> namings; ///< at least one; the first is the one to show
+    QString postScriptName; ///< under which the catalog knows it
+    QString nameInFile;     ///< the same, unless the name went to another face that shares it
+    QList<Naming> namings;  ///< at least one; the first is the one to show
     int weight = QFont::Normal;
     int width = FC_WIDTH_NORMAL;
     QFont::Style slant = QFont::StyleNormal;
@@ -80,7 +82,8 @@ QFont::Style slantOf(const FcPattern *pattern)
 
 void readFace(const FcPattern *pattern, InstalledFace &face)
 {
-    face.postScriptName = stringAt(pattern, FC_POSTSCRIPT_NAME, 0);
+    face.nameInFile = stringAt(pattern, FC_POSTSCRIPT_NAME, 0);
+    face.postScriptName = face.nameInFile;
     const QString mainStyle = stringAt(pattern, FC_STYLE, 0);
     for (int i = 0;; ++i) {
         const QString family = stringAt(pattern, FC_FAMILY, i);
@@ -133,7 +136,7 @@ bool resolvesTo(const QFont &request, const InstalledFace &face)
     if (face.isInstance || face.isWholeRange)
         return raw.familyName() == request.family() && raw.styleName() == request.styleName();
     const QStringList names = postScriptNames(raw.fontTable("name"));
-    return names.isEmpty() || names.contains(face.postScriptName);
+    return names.isEmpty() || names.contains(face.nameInFile);
 }
 
 QFont fontFor(const InstalledFace &face)
@@ -164,6 +167,19 @@ SizedFont sized(QFont font, double pixelSize)
     return {font, wanted / layoutSize};
 }
 
+/// The greater, the better a face's right to a PostScript name that several faces have.
+auto nameClaim(const InstalledFace &face)
+{
+    return std::tuple(!face.isWholeRange, face.slant == QFont::StyleNormal,
+                      -std::abs(face.weight - int(QFont::Normal)), face.width == FC_WIDTH_NORMAL,
+                      face.version);
+}
+
+QString styleKey(const InstalledFace &face)
+{
+    return face.namings.first().family + QLatin1Char('\n') + face.namings.first().style;
+}
+
 bool isSameText(const QString &a, const QString &b)
 {
     return a.compare(b, Qt::CaseInsensitive) == 0;
@@ -185,6 +201,7 @@ struct FontCatalog::Data {
 
 private:
     void loadFaces();
+    void nameTheNameless();
     void chooseDefault();
 };
 
@@ -193,11 +210,37 @@ FontCatalog::Data::Data()
     loadFaces();
     for (const InstalledFace &face : faces) {
         const InstalledFace *&best = byName[face.postScriptName];
-        const auto rank = [](const InstalledFace &f) { return std::tuple(!f.isWholeRange, f.version); };
-        if (!best || rank(face) > rank(*best))
+        if (!best || nameClaim(face) > nameClaim(*best))
             best = &face;
     }
+    nameTheNameless();
     chooseDefault();
+}
+
+/// The styles of a variable font may all have one PostScript name. The plainest of them keeps it; the others
+/// get the name that such a font usually has, so that each style can be chosen and found again.
+void FontCatalog::Data::nameTheNameless()
+{
+    QSet<QString> reachable;
+    for (const InstalledFace *face : std::as_const(byName))
+        reachable.insert(styleKey(*face));
+    QHash<QString, InstalledFace *> unreachable;
+    for (InstalledFace &face : faces) {
+        if (face.isWholeRange || reachable.contains(styleKey(face)))
+            continue;
+        InstalledFace *&best = unreachable[styleKey(face)];
+        if (!best || nameClaim(face) > nameClaim(*best))
+            best = &face;
+    }
+    for (InstalledFace *face : std::as_const(unreachable)) {
+        const Naming &naming = face->namings.first();
+        QString name = naming.family + QLatin1Char('-') + naming.style;
+        name.remove(QLatin1Char(' '));
+        if (!byName.contains(name)) {
+            face->postScriptName = name;
+            byName.insert(name, face);
+        }
+    }
 }
 
 void FontCatalog::Data::loadFaces()

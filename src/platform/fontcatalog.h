@@ -31,8 +31,9 @@ public:
     FontCatalog(const FontCatalog &) = delete;
     FontCatalog &operator=(const FontCatalog &) = delete;
 
-    /// The font of exactly that PostScript name (letter case counts). Where several installed files have the
-    /// name, the newest version among them.
+    /// The font of exactly that PostScript name (letter case counts). Where several installed faces have the
+    /// name, it is the plainest one's, in the newest version; the others are then known under the family's
+    /// and the style's name without blanks, "-" between them.
     /// @param pixelSize  the em's height in pixels, may be fractional; what is not above 0 counts as tiny
     /// @return none when no such font is installed
     std::optional<SizedFont> fontNamed(const QString &postScriptName, double pixelSize) const;

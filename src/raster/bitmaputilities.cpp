@@ -107,9 +107,14 @@ QImage drawnThrough(const QImage &image, const QTransform &transform, double wid
     QImage result = cleared(width, height, source.format());
     if (result.isNull())
         return {};
-    const QTransform upright =
+    const QTransform toTarget =
         QTransform(1, 0, 0, -1, 0, source.height()) * transform * QTransform(1, 0, 0, -1, 0, result.height());
-    drawTransformed(result, source, upright.inverted());
+    const QTransform toSource = toTarget.inverted();
+    // A transform that flattens the image to less than a thousandth of a pixel shows nothing of it.
+    const double steepest = std::max({std::abs(toSource.m11()), std::abs(toSource.m12()),
+                                      std::abs(toSource.m21()), std::abs(toSource.m22())});
+    if (steepest < 1000.0 * std::max(source.width(), source.height()))
+        drawTransformed(result, source, toSource);
     return result;
 }
 

@@ -14,7 +14,7 @@ namespace plexa
 // Rules common to all of these functions: a bitmap is 8-bit sRGB, Format_RGB32 without alpha and
 // Format_ARGB32_Premultiplied with. Geometry is given with the origin at the bottom left and y upwards,
 // although a QImage's first row is the top one. A null QImage means that the bitmap could not be made
-// (no size, no memory). No function changes its arguments. Any thread.
+// (no size, no memory, more than 2^30 pixels). No function changes its arguments. Any thread.
 
 /// A cleared bitmap whose format follows `image`: premultiplied alpha where the image has alpha, where it
 /// has more than 8 bits a component, or where `forcePremultipliedAlpha` asks for it; none otherwise.
@@ -45,8 +45,9 @@ QImage createImageRotatedAboutCenter(const QImage &image, double radians);
 /// interpolates, into the stretched size.
 QImage createImageWithTransform(const QImage &image, const QTransform &transform);
 
-/// The image made smaller so that its longer side is `maxSize`, sides cut to whole pixels; never larger.
-/// With `flipVertically` off and `maxSize` not below the longer side it is the very same image.
+/// The image made smaller so that its longer side is `maxSize`, sides cut to whole pixels but not to
+/// none; never larger. With `flipVertically` off and `maxSize` not below the longer side it is the very same
+/// image.
 QImage createImageScaledToMaxSize(const QImage &image, int maxSize, bool flipVertically);
 
 /// The image scaled to exactly that size.

@@ -79,13 +79,14 @@ Weights weightsFor(double extent, int target)
 /// smaller. Both factors at most 256, or a sum of bytes would not fit.
 QImage shrunkByWholeFactors(const QImage &image, int factorX, int factorY)
 {
-    const int width = (image.width() + factorX - 1) / factorX;
+    const int fullWidth = image.width();
+    const int width = (fullWidth + factorX - 1) / factorX;
     const int height = (image.height() + factorY - 1) / factorY;
     QImage result(width, height, image.format());
     if (result.isNull())
         return {};
     uchar *bits = result.bits();
-    const qsizetype bytes = qsizetype(image.width()) * 4;
+    const qsizetype bytes = qsizetype(fullWidth) * 4;
     std::vector<quint16> sums(std::size_t(bytes), 0);
     for (int y = 0; y < height; ++y) {
         const int top = y * factorY;
@@ -100,7 +101,7 @@ QImage shrunkByWholeFactors(const QImage &image, int factorX, int factorY)
         uchar *to = bits + y * result.bytesPerLine();
         for (int x = 0; x < width; ++x) {
             const int left = x * factorX;
-            const int columns = std::min(factorX, image.width() - left);
+            const int columns = std::min(factorX, fullWidth - left);
             const quint16 *from = sums.data() + qsizetype(left) * 4;
             quint32 total[4] = {0, 0, 0, 0};
             for (int column = 0; column < columns; ++column, from += 4) {
@@ -123,6 +124,7 @@ QImage filtered(const QImage &image, QSize size, const Weights &across, const We
     if (result.isNull())
         return {};
     const std::size_t width = std::size_t(size.width());
+    const qsizetype channelCount = qsizetype(image.width()) * 4;
     std::vector<Pixel> wide(std::size_t(image.width()));
     std::vector<Pixel> ring(width * std::size_t(down.taps));
     std::vector<Pixel> sum(width);
@@ -135,7 +137,7 @@ QImage filtered(const QImage &image, QSize size, const Weights &across, const We
         for (ready = std::max(ready, first); ready < first + down.taps; ++ready) {
             const uchar *from = image.constBits() + ready * image.bytesPerLine();
             auto *channels = reinterpret_cast<float *>(wide.data());
-            for (qsizetype i = 0; i < qsizetype(image.width()) * 4; ++i)
+            for (qsizetype i = 0; i < channelCount; ++i)
                 channels[i] = float(from[i]);
             Pixel *to = ring.data() + std::size_t(ready % down.taps) * width;
             for (std::size_t x = 0; x < width; ++x) {
@@ -192,6 +194,60 @@ quint32 gathered(quint64 lanes)
     return quint32(lanes) | quint32(lanes >> 32) << 8;
 }
 
+/// Places in an image are fixed-point numbers with 32 bits behind the point: over any row that fits into
+/// memory the steps add up to less than a hundredth of a pixel.
+constexpr double kFixedOne = 4294967296.0;
+
+/// The colours between an image's pixels.
+class Sampler
+{
+public:
+    explicit Sampler(const QImage &image)
+        : m_pixels(reinterpret_cast<const quint32 *>(image.constBits()))
+        , m_stride(image.bytesPerLine() / 4)
+        , m_width(image.width())
+        , m_height(image.height())
+        , m_outside(image.format() == QImage::Format_RGB32 ? 0xff000000U : 0U)
+    {
+    }
+
+    /// @param x, y  fixed-point; whole numbers are the middles of pixels
+    quint32 at(qint64 x, qint64 y) const
+    {
+        const qint64 left = x >> 32;
+        const qint64 top = y >> 32;
+        // Four weights of 8 bits that add up to exactly 256, so that a plain area keeps its colour.
+        const quint64 fx = quint64(x >> 24) & 255;
+        const quint64 fy = quint64(y >> 24) & 255;
+        const quint64 both = (fx * fy + 128) >> 8;
+        const auto mixed = [=](quint32 upperLeft, quint32 upperRight, quint32 lowerLeft, quint32 lowerRight) {
+            const quint64 lanes = spread(upperLeft) * (256 - fx - fy + both) +
+                                  spread(upperRight) * (fx - both) + spread(lowerLeft) * (fy - both) +
+                                  spread(lowerRight) * both + 0x0080008000800080ULL;
+            return gathered(lanes >> 8);
+        };
+        if (left >= 0 && left + 1 < m_width && top >= 0 && top + 1 < m_height) {
+            const quint32 *upper = m_pixels + top * m_stride + left;
+            const quint32 *lower = upper + m_stride;
+            return mixed(upper[0], upper[1], lower[0], lower[1]);
+        }
+        return mixed(pixelAt(left, top), pixelAt(left + 1, top), pixelAt(left, top + 1),
+                     pixelAt(left + 1, top + 1));
+    }
+
+private:
+    quint32 pixelAt(qint64 x, qint64 y) const
+    {
+        return x >= 0 && x < m_width && y >= 0 && y < m_height ? m_pixels[y * m_stride + x] : m_outside;
+    }
+
+    const quint32 *m_pixels;
+    qsizetype m_stride;
+    qint64 m_width;
+    qint64 m_height;
+    quint32 m_outside;
+};
+
 /// The part of a row that can show the image.
 struct Span {
     double begin;
@@ -236,18 +292,9 @@ QImage resampled(const QImage &image, QSize size, Quality quality)
 
 void drawTransformed(QImage &target, const QImage &image, const QTransform &toSource)
 {
-    const int width = image.width();
-    const int height = image.height();
-    const bool opaque = image.format() == QImage::Format_RGB32;
-    const quint32 outside = opaque ? 0xff000000U : 0U;
-    const auto *pixels = reinterpret_cast<const quint32 *>(image.constBits());
-    const qsizetype stride = image.bytesPerLine() / 4;
-    const auto pixelAt = [=](qint64 x, qint64 y) {
-        return x >= 0 && x < width && y >= 0 && y < height ? pixels[y * stride + x] : outside;
-    };
-    // Places in the image are fixed-point numbers with 32 bits behind the point: over any row that fits into
-    // memory the steps add up to less than a hundredth of a pixel.
-    constexpr double kOne = 4294967296.0;
+    const Sampler sampler(image);
+    const auto stepX = qint64(std::llround(toSource.m11() * kFixedOne));
+    const auto stepY = qint64(std::llround(toSource.m12() * kFixedOne));
     uchar *bits = target.bits();
     for (int row = 0; row < target.height(); ++row) {
         const double v = row + 0.5;
@@ -255,43 +302,17 @@ void drawTransformed(QImage &target, const QImage &image, const QTransform &toSo
         const double startX = toSource.m11() * 0.5 + toSource.m21() * v + toSource.dx() - 0.5;
         const double startY = toSource.m12() * 0.5 + toSource.m22() * v + toSource.dy() - 0.5;
         Span span{0, double(target.width())};
-        span.limit(startX, toSource.m11(), -1, width);
-        span.limit(startY, toSource.m12(), -1, height);
+        span.limit(startX, toSource.m11(), -1, image.width());
+        span.limit(startY, toSource.m12(), -1, image.height());
         if (!(span.begin < span.end))
             continue;
         const int begin = int(std::floor(span.begin));
         const int end = std::min(target.width(), int(std::ceil(span.end)) + 1);
-        const auto stepX = qint64(std::llround(toSource.m11() * kOne));
-        const auto stepY = qint64(std::llround(toSource.m12() * kOne));
-        auto x = qint64(std::llround((startX + begin * toSource.m11()) * kOne));
-        auto y = qint64(std::llround((startY + begin * toSource.m12()) * kOne));
+        auto x = qint64(std::llround((startX + begin * toSource.m11()) * kFixedOne));
+        auto y = qint64(std::llround((startY + begin * toSource.m12()) * kFixedOne));
         auto *to = reinterpret_cast<quint32 *>(bits + row * target.bytesPerLine());
-        for (int column = begin; column < end; ++column, x += stepX, y += stepY) {
-            const qint64 left = x >> 32;
-            const qint64 top = y >> 32;
-            quint32 corner[4];
-            if (left >= 0 && left + 1 < width && top >= 0 && top + 1 < height) {
-                const quint32 *upper = pixels + top * stride + left;
-                const quint32 *lower = upper + stride;
-                corner[0] = upper[0];
-                corner[1] = upper[1];
-                corner[2] = lower[0];
-                corner[3] = lower[1];
-            } else {
-                corner[0] = pixelAt(left, top);
-                corner[1] = pixelAt(left + 1, top);
-                corner[2] = pixelAt(left, top + 1);
-                corner[3] = pixelAt(left + 1, top + 1);
-            }
-            // Four weights of 8 bits that add up to exactly 256, so that a plain area keeps its colour.
-            const quint64 fx = quint64(x >> 24) & 255;
-            const quint64 fy = quint64(y >> 24) & 255;
-            const quint64 both = (fx * fy + 128) >> 8;
-            const quint64 lanes = spread(corner[0]) * (256 - fx - fy + both) +
-                                  spread(corner[1]) * (fx - both) + spread(corner[2]) * (fy - both) +
-                                  spread(corner[3]) * both + 0x0080008000800080ULL;
-            to[column] = gathered(lanes >> 8);
-        }
+        for (int column = begin; column < end; ++column, x += stepX, y += stepY)
+            to[column] = sampler.at(x, y);
     }
 }
 

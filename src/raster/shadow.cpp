@@ -96,6 +96,7 @@ class BlockedCoverage
 public:
     BlockedCoverage(const QImage &mark, int margin, int block, int columns)
         : m_mark(mark)
+        , m_width(mark.width())
         , m_margin(margin)
         , m_block(block)
         , m_sums(std::size_t(columns))
@@ -128,7 +129,7 @@ private:
     {
         quint32 any = 0;
         quint32 *to = m_sums.data() + m_margin;
-        for (int x = 0; x < m_mark.width(); ++x) {
+        for (int x = 0; x < m_width; ++x) {
             to[x] = pixels[x] >> 24;
             any |= to[x];
         }
@@ -139,10 +140,10 @@ private:
     {
         quint32 any = 0;
         int x = 0;
-        for (std::size_t column = std::size_t(m_margin / m_block); x < m_mark.width(); ++column) {
+        for (std::size_t column = std::size_t(m_margin / m_block); x < m_width; ++column) {
             const auto end = qint64(column + 1) * m_block - m_margin;
             quint32 sum = 0;
-            for (; x < std::min<qint64>(end, m_mark.width()); ++x)
+            for (; x < std::min<qint64>(end, m_width); ++x)
                 sum += pixels[x] >> 24;
             m_sums[column] += sum;
             any |= sum;
@@ -151,6 +152,7 @@ private:
     }
 
     const QImage &m_mark;
+    int m_width;
     int m_margin;
     int m_block;
     std::vector<quint32> m_sums;
@@ -301,10 +303,7 @@ Shadow shadowOf(const QImage &mark, double blur, const QColor &color)
     }
 
     const int block = std::max(1, int(deviation / kBlocksPerDeviation));
-    // Averaging over blocks and drawing lines between their middles blur, too: by these variances, in blocks.
-    const double own = block == 1 ? 0 : (1 - 1.0 / (double(block) * block)) / 12 + 1.0 / 6;
-    const double inBlocks = deviation / block;
-    const std::vector<float> kernel = gaussian(std::sqrt(inBlocks * inBlocks - own));
+    const std::vector<float> kernel = gaussian(deviation / block);
     const int columns = (shadow.image.width() + block - 1) / block;
     const int lines = (shadow.image.height() + block - 1) / block;
     BlurredRows rows(BlockedCoverage(mark, shadow.margin, block, columns), columns, kernel);

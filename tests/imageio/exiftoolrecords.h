@@ -15,10 +15,10 @@ namespace plexa::test
 
 /// What exiftool reads from each of these files: "group:tag" to value, numbers as numbers. One process for
 /// all. Files that it does not know have few entries or none.
-inline QMap<QString, QJsonObject> exiftoolRecords(const QStringList &paths, const QStringList &options = {})
+inline QMap<QString, QJsonObject> exiftoolRecords(const QStringList &paths, const QStringList &options)
 {
     QStringList arguments{QStringLiteral("-json"),    QStringLiteral("-n"),
-                          QStringLiteral("-G1"),      QStringLiteral("-a"),
+                                QStringLiteral("-a"),
                           QStringLiteral("-charset"), QStringLiteral("filename=utf8"),
                           QStringLiteral("-api"),     QStringLiteral("struct=2")};
     QProcess process;

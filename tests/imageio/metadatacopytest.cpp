@@ -1,0 +1,310 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/embeddedmetadata.h"
+#include "imageio/exiftoolrecords.h"
+#include "imageio/jpegassembly.h"
+#include "imageio/propertykeys.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+#include <functional>
+
+using namespace plexa;
+
+namespace
+{
+
+constexpr qsizetype kThumbnailBytes = 6000;
+const QString kSoftware = QStringLiteral("Quorvel Plexa");
+
+QVariantMap withValue(QVariantMap properties, QLatin1StringView group, QLatin1StringView key,
+                      const QVariant &value)
+{
+    QVariantMap dictionary = properties.value(group).toMap();
+    dictionary.insert(key, value);
+    properties.insert(group, dictionary);
+    return properties;
+}
+
+QByteArray contentsOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void write(const QString &path, const QByteArray &data)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(data), data.size());
+}
+
+} // namespace
+
+class MetadataCopyTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void copyKeepsEverything();
+    void copyHoldsNoPicture();
+    void clearedGroupsLeaveAllPlaces_data();
+    void clearedGroupsLeaveAllPlaces();
+    void editsReachAllPlaces();
+    void valuesSurviveWriting_data();
+    void valuesSurviveWriting();
+
+private:
+    QMap<QString, QString>
+    writeCopies(const std::function<EmbeddedMetadata::Encoded(const EmbeddedMetadata &)> &encode) const;
+
+    test::TestFolder m_folder;
+    QStringList m_paths;
+};
+
+void MetadataCopyTest::initTestCase()
+{
+    if (test::photosFolder().isEmpty())
+        QSKIP("There is no folder of photos.");
+    m_paths = test::photoPaths();
+    // exiftool understands a container that ends early, the library does not.
+    m_paths.removeIf([](const QString &path) { return path.endsWith(u"truncated.heic"); });
+}
+
+/// Writes a small JPEG with the metadata of each photo. @return copy by photo
+QMap<QString, QString> MetadataCopyTest::writeCopies(
+    const std::function<EmbeddedMetadata::Encoded(const EmbeddedMetadata &)> &encode) const
+{
+    QMap<QString, QString> copies;
+    for (const QString &path : m_paths) {
+        const QString copy = m_folder.path(QStringLiteral("%1.jpg").arg(copies.size()));
+        write(copy, test::jpegWith(encode(*EmbeddedMetadata::read(path))));
+        copies.insert(path, copy);
+    }
+    return copies;
+}
+
+/// What a copy must say differently or cannot have, by "family 0:family 1:tag" of exiftool.
+bool mayDiffer(const QString &tag)
+{
+    static const QRegularExpression expected(QStringLiteral(
+        "^SourceFile$"
+        // other pictures of the file, and how raw data and TIFF lie in it
+        "|^EXIF:(IFD[1-9]|SubIFD[0-9]*):|^MakerNotes:.*:PreviewImage|^MakerNotes:PreviewIFD:|^MakerNotes:"
+        "KodakIFD:"
+        "|^EXIF:IFD0:(SubfileType|Image(Width|Height)|BitsPerSample|Compression|PhotometricInterpretation"
+        "|Strip.*|RowsPerStrip|SamplesPerPixel|PlanarConfiguration|Tile.*|ExtraSamples|SampleFormat|InkSet|"
+        "ColorMap"
+        "|Matteing|PageNumber|Preview.*|ThumbnailTIFF|DNG.*|CFA.*|Black.*|White.*|Linear.*|Color.*|Analog.*"
+        "|Baseline.*|AsShot.*|Calibration.*|Default.*|ActiveArea|NoiseReduction.*|Profile.*)$"
+        // the picture is upright, sRGB, of another size, and another program's
+        "|^EXIF:IFD0:(Orientation|Software|WhitePoint|PrimaryChromaticities|YCbCrCoefficients)$"
+        "|^EXIF:ExifIFD:(ColorSpace|ExifImageWidth|ExifImageHeight|Gamma)$|^EXIF:InteropIFD:InteropIndex$"
+        "|^XMP:XMP-tiff:(ImageWidth|ImageHeight|Orientation)$|^XMP:XMP-exif:(ColorSpace|ExifImage.*)$"
+        "|^XMP:XMP-photoshop:(ICCProfileName|ColorMode)$|^XMP:XMP-x:XMPToolkit$"
+        // pictures beside it that are not there any more
+        "|^XMP:XMP-(hdrgm|apdi|semanticSegmentationMatte|GContainer.*|HDRGainMap):"));
+    return expected.match(tag).hasMatch();
+}
+
+void MetadataCopyTest::copyKeepsEverything()
+{
+    const auto encode = [](const EmbeddedMetadata &metadata) {
+        const QVariantMap properties = withValue(metadata.properties(), kCGImagePropertyTIFFDictionary,
+                                                 kCGImagePropertyTIFFSoftware, kSoftware);
+        return metadata.encodeForCopy(properties, {QSize(16, 16), kThumbnailBytes});
+    };
+    const QMap<QString, QString> copies = writeCopies(encode);
+    const QStringList options{u"-G0:1"_qs, u"-EXIF:all"_qs, u"-IPTC:all"_qs, u"-XMP:all"_qs,
+                              u"-MakerNotes:all"_qs};
+    const auto sourceRecords = test::exiftoolRecords(copies.keys(), options);
+    const auto copyRecords = test::exiftoolRecords(copies.values(), options);
+    QCOMPARE(copyRecords.size(), copies.size());
+    int compared = 0;
+    QStringList failures;
+    for (auto path = copies.begin(); path != copies.end(); ++path) {
+        const QJsonObject source = sourceRecords.value(path.key());
+        const QJsonObject copy = copyRecords.value(path.value());
+        for (auto tag = source.begin(); tag != source.end(); ++tag) {
+            const QString text = test::comparable(tag.value());
+            if (mayDiffer(tag.key()) || text.trimmed().isEmpty())
+                continue;
+            ++compared;
+            if (copy[tag.key()] != tag.value())
+                failures += QStringLiteral("%1 %2: %3 | %4")
+                                .arg(QFileInfo(path.key()).fileName(), tag.key(), text.left(60),
+                                     test::comparable(copy[tag.key()]).left(60));
+        }
+        QCOMPARE(copy[u"EXIF:IFD0:Orientation"].toInt(), 1);
+        QCOMPARE(copy[u"EXIF:IFD0:Software"].toString(), kSoftware);
+        QVERIFY(!copy.contains(u"EXIF:ExifIFD:ColorSpace") || copy[u"EXIF:ExifIFD:ColorSpace"].toInt() == 1);
+        QVERIFY(copy[u"EXIF:InteropIFD:InteropIndex"].toString() != u"R03");
+    }
+    qInfo("%d values compared", compared);
+    for (const QString &failure : std::as_const(failures))
+        qWarning().noquote() << failure;
+    QCOMPARE(failures.size(), 0);
+    QVERIFY(compared > 3000);
+}
+
+/// The placeholder alone begins at the one place where exiftool finds a picture.
+void MetadataCopyTest::copyHoldsNoPicture()
+{
+    qsizetype withThumbnail = 0;
+    const QMap<QString, QString> copies = writeCopies([&](const EmbeddedMetadata &metadata) {
+        auto encoded = metadata.encodeForCopy(metadata.properties(), {QSize(16, 16), kThumbnailBytes});
+        if (!encoded.thumbnailPlaceholder.isEmpty()) {
+            ++withThumbnail;
+            const qsizetype at = encoded.exif.indexOf(encoded.thumbnailPlaceholder);
+            encoded.exif.replace(at, 4, "\xFF\xD8\xFF\xDB"); // so that exiftool takes it for a JPEG
+        }
+        return encoded;
+    });
+    QCOMPARE(withThumbnail, copies.size());
+    const auto records = test::exiftoolRecords(copies.values(), {u"-G1"_qs, u"-preview:all"_qs, u"-b"_qs});
+    for (auto path = copies.begin(); path != copies.end(); ++path) {
+        QJsonObject record = records.value(path.value());
+        record.remove(u"SourceFile"_qs);
+        QCOMPARE(record.keys(), QStringList(u"IFD1:ThumbnailImage"_qs));
+        const QByteArray copy = contentsOf(path.value());
+        QCOMPARE(copy.count("\xFF\xD8\xFF"), 2); // the file itself and the thumbnail
+        QVERIFY2(!copy.contains("/9j/"), qPrintable(path.key()));
+    }
+}
+
+void MetadataCopyTest::clearedGroupsLeaveAllPlaces_data()
+{
+    QTest::addColumn<QString>("photo");
+    QTest::addColumn<QStringList>("clearedGroups");
+    QTest::addColumn<QStringList>("options"); // what exiftool must not find any more
+    const QStringList gps{u"-*GPS*"_qs, u"-XMP:*latitude*"_qs};
+    const QStringList exif{u"-ExifIFD:all"_qs,    u"-MakerNotes:all"_qs, u"-XMP-exif:all"_qs,
+                           u"-XMP-exifEX:all"_qs, u"-XMP-aux:all"_qs,    u"-*SerialNumber*"_qs};
+    const QStringList iptc{
+        u"-IPTC:all"_qs,         u"-XMP-dc:Title"_qs,       u"-XMP-dc:Creator"_qs,
+        u"-XMP-dc:Subject"_qs,   u"-XMP-dc:Description"_qs, u"-XMP-dc:Rights"_qs,
+        u"-XMP-iptcCore:all"_qs, u"-XMP-photoshop:City"_qs, u"-XMP-photoshop:CaptionWriter"_qs,
+        u"-XMP-xmpRights:all"_qs};
+    const QString gpsKey = kCGImagePropertyGPSDictionary;
+    const QString exifKey = kCGImagePropertyExifDictionary;
+    const QString auxKey = kCGImagePropertyExifAuxDictionary;
+    const QString iptcKey = kCGImagePropertyIPTCDictionary;
+    QTest::newRow("GPS in EXIF") << u"jpeg/canon-s5-furnace-creek.jpg"_qs << QStringList{gpsKey} << gps;
+    QTest::newRow("GPS and its time in XMP") << u"jpeg/dates-gps-only.jpg"_qs << QStringList{gpsKey} << gps;
+    QTest::newRow("EXIF with maker notes")
+        << u"jpeg/olympus-e-p3.jpg"_qs << QStringList{exifKey, auxKey} << exif;
+    QTest::newRow("EXIF with XMP mirrors")
+        << u"jpeg/canon-eos-5d-mark-iii-22mp.jpg"_qs << QStringList{exifKey, auxKey} << exif;
+    QTest::newRow("EXIF in XMP alone")
+        << u"jpeg/canon-eos-1d-mark-iii-lightroom.jpg"_qs << QStringList{exifKey, auxKey} << exif;
+    QTest::newRow("IPTC") << u"jpeg/canon-eos-1d-mark-iii-lightroom.jpg"_qs << QStringList{iptcKey} << iptc;
+    QTest::newRow("IPTC of a newsroom")
+        << u"jpeg/adobe-rgb-uss-reagan.jpg"_qs << QStringList{iptcKey} << iptc;
+}
+
+void MetadataCopyTest::clearedGroupsLeaveAllPlaces()
+{
+    QFETCH(QString, photo);
+    QFETCH(QStringList, clearedGroups);
+    QFETCH(QStringList, options);
+    const QString path = test::photosFolder() + u'/' + photo;
+    auto before = test::exiftoolRecords({path}, options).value(path);
+    QVERIFY2(before.size() > 1, "The photo has nothing to clear.");
+
+    const auto metadata = EmbeddedMetadata::read(path);
+    QVariantMap properties = metadata->properties();
+    for (const QString &group : clearedGroups)
+        properties.insert(group, QVariantMap());
+    const QString copy = m_folder.path(u"cleared.jpg"_qs);
+    write(copy, test::jpegWith(metadata->encodeForCopy(properties, {QSize(16, 16), 0})));
+    const QJsonObject after = test::exiftoolRecords({copy}, options).value(copy);
+    QCOMPARE(after.keys(), QStringList(u"SourceFile"_qs));
+}
+
+void MetadataCopyTest::editsReachAllPlaces()
+{
+    const QString path = test::photosFolder() + u"/jpeg/canon-eos-1d-mark-iii-lightroom.jpg"_qs;
+    const auto metadata = EmbeddedMetadata::read(path);
+    const QString caption = QString::fromUtf8("Z\u00FCrich, \u6771\u4EAC");
+    QVariantMap properties = withValue(metadata->properties(), kCGImagePropertyIPTCDictionary,
+                                       kCGImagePropertyIPTCCaptionAbstract, caption);
+    properties =
+        withValue(properties, kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFImageDescription, caption);
+    QVariantMap contact = properties.value(kCGImagePropertyIPTCDictionary)
+                              .toMap()
+                              .value(kCGImagePropertyIPTCCreatorContactInfo)
+                              .toMap();
+    contact.insert(kCGImagePropertyIPTCContactInfoCity, caption);
+    contact.remove(kCGImagePropertyIPTCContactInfoPhones);
+    properties = withValue(properties, kCGImagePropertyIPTCDictionary, kCGImagePropertyIPTCCreatorContactInfo,
+                           contact);
+    properties = withValue(properties, kCGImagePropertyIPTCDictionary, kCGImagePropertyIPTCByline,
+                           QVariantList{QString(40, u'\u00E9')}); // 80 bytes, of which IIM holds 32
+    const QString copy = m_folder.path(u"edited.jpg"_qs);
+    write(copy, test::jpegWith(metadata->encodeForCopy(properties, {QSize(16, 16), 0})));
+
+    const QJsonObject record = test::exiftoolRecords({copy}, {u"-G1"_qs}).value(copy);
+    for (const char *tag :
+         {"IFD0:ImageDescription", "IPTC:Caption-Abstract", "XMP-dc:Description", "XMP-iptcCore:CreatorCity"})
+        QCOMPARE(record[QLatin1StringView(tag)].toString(), caption);
+    QVERIFY(!record.contains(u"XMP-iptcCore:CreatorWorkTelephone"));
+    QCOMPARE(record[u"IPTC:By-line"].toString(), QString(16, u'\u00E9'));
+    QCOMPARE(test::comparable(record[u"XMP-dc:Creator"]), QString(40, u'\u00E9'));
+    // The rest of the contact and of the record is as it was.
+    QCOMPARE(record[u"XMP-iptcCore:CreatorPostalCode"].toString(), u"iptc creator-postal code"_qs);
+    const QVariantMap expected = withValue(properties, kCGImagePropertyIPTCDictionary,
+                                           kCGImagePropertyIPTCByline, QVariantList{QString(16, u'\u00E9')});
+    QCOMPARE(EmbeddedMetadata::read(copy)->properties().value(kCGImagePropertyIPTCDictionary),
+             expected.value(kCGImagePropertyIPTCDictionary));
+}
+
+void MetadataCopyTest::valuesSurviveWriting_data()
+{
+    QTest::addColumn<QLatin1StringView>("group");
+    QTest::addColumn<QLatin1StringView>("key");
+    QTest::addColumn<QVariant>("value");
+    const auto row = [](const char *name, QLatin1StringView group, QLatin1StringView key,
+                        const QVariant &value) { QTest::newRow(name) << group << key << value; };
+    const QLatin1StringView exif = kCGImagePropertyExifDictionary;
+    row("short exposure", exif, kCGImagePropertyExifExposureTime, 1.0 / 8000);
+    row("decimal", exif, kCGImagePropertyExifFNumber, 2.8);
+    row("negative", exif, kCGImagePropertyExifExposureBiasValue, -2.0 / 3);
+    row("whole number", exif, kCGImagePropertyExifFocalLenIn35mmFilm, 400);
+    row("array", exif, kCGImagePropertyExifISOSpeedRatings, QVariantList{12800});
+    row("version", exif, kCGImagePropertyExifVersion, QVariantList{2, 3, 1});
+    row("comment", exif, kCGImagePropertyExifUserComment, QStringLiteral("plain"));
+    row("Unicode comment", exif, kCGImagePropertyExifUserComment, QString::fromUtf8("\u6771\u4EAC"));
+    row("serial number", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxSerialNumber,
+        QStringLiteral("007"));
+    row("lens", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxLensModel, QStringLiteral("50 mm"));
+    row("lens number", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxLensID, 137);
+    row("image number", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxImageNumber, 4711);
+    row("time of day", kCGImagePropertyGPSDictionary, kCGImagePropertyGPSTimeStamp,
+        QStringLiteral("07:05:09.25"));
+    row("altitude reference", kCGImagePropertyGPSDictionary, kCGImagePropertyGPSAltitudeRef, 1);
+    row("keywords", kCGImagePropertyIPTCDictionary, kCGImagePropertyIPTCKeywords,
+        QVariantList{QStringLiteral("a"), QString::fromUtf8("\u00E4")});
+    row("usage terms", kCGImagePropertyIPTCDictionary, kCGImagePropertyIPTCRightsUsageTerms,
+        QStringLiteral("free"));
+}
+
+/// A fact that is given to a picture without metadata is read back from its copy.
+void MetadataCopyTest::valuesSurviveWriting()
+{
+    QFETCH(QLatin1StringView, group);
+    QFETCH(QLatin1StringView, key);
+    QFETCH(QVariant, value);
+    const QString copy = m_folder.path(u"written.jpg"_qs);
+    write(copy, test::jpegWith(EmbeddedMetadata::none()->encodeForCopy(withValue({}, group, key, value),
+                                                                       {QSize(16, 16), 0})));
+    const QVariant read = EmbeddedMetadata::read(copy)->properties().value(group).toMap().value(key);
+    if (value.typeId() == QMetaType::Double)
+        QVERIFY(qFuzzyCompare(read.toDouble(), value.toDouble()));
+    else
+        QCOMPARE(read, value);
+}
+
+QTEST_GUILESS_MAIN(MetadataCopyTest)
+#include "metadatacopytest.moc"
