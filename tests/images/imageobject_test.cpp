@@ -4,6 +4,7 @@
 #include "support/testenvironment.h"
 
 #include <QBuffer>
+#include <QColorSpace>
 #include <QSignalSpy>
 #include <QTest>
 
