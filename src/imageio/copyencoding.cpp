@@ -237,7 +237,7 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
 {
     EmbeddedMetadata::Encoded encoded;
     const auto lock = lockXmpNamespaces();
-    Exiv2::XmpData xmp = decodedXmp(set.xmpPacket);
+    Exiv2::XmpData xmp = decodedXmp(set);
     const MakerNoteBlock note = makerNoteOf(set.exif);
     const size_t noteFields = makerNoteFields(set.exif);
     erasePicturesFromExif(set.exif);

@@ -27,7 +27,7 @@ std::shared_ptr<const EmbeddedMetadata> EmbeddedMetadata::read(const QString &pa
     try {
         data->set = readMetadataSet(path);
         const auto lock = lockXmpNamespaces();
-        data->properties = propertiesOfMetadata(data->set, decodedXmp(data->set.xmpPacket));
+        data->properties = propertiesOfMetadata(data->set, decodedXmp(data->set));
     } catch (const std::exception &) {
         // Metadata that cannot be understood are none.
         data = std::make_unique<Data>();

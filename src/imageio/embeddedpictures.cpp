@@ -37,7 +37,6 @@ constexpr std::array kStructureTags = {
     0x8649,                         // Photoshop resources
     0x8773,                         // ICC profile
     0x935C,                         // Photoshop layers
-    0xC4A5,                         // print settings that belong to the camera's own picture
 };
 
 bool isStructureTag(uint16_t tag)

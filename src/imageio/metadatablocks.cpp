@@ -3,6 +3,7 @@
 #include "imageio/metadatablocks.h"
 
 #include <QList>
+#include <QMap>
 #include <QtEndian>
 
 #include <zlib.h>
@@ -48,10 +49,46 @@ void takeFirst(QByteArray &block, const QByteArray &candidate)
         block = candidate;
 }
 
+/// A packet in pieces: each says which packet it belongs to, how long that is and where the piece goes.
+class ExtendedXmp
+{
+public:
+    void add(const QByteArray &piece)
+    {
+        if (piece.size() < kHeadBytes)
+            return;
+        const QByteArray guid = piece.left(kGuidBytes);
+        const qsizetype length = qFromBigEndian<quint32>(piece.constData() + kGuidBytes);
+        const qsizetype offset = qFromBigEndian<quint32>(piece.constData() + kGuidBytes + 4);
+        const QByteArray text = piece.mid(kHeadBytes);
+        if (length > kMaxMetadataBytes || offset != m_packets[guid].size() || offset + text.size() > length)
+            return;
+        m_packets[guid] += text;
+        m_lengths[guid] = length;
+    }
+
+    /// The packet that the main one names, where it is whole.
+    QByteArray packetNamedIn(const QByteArray &mainPacket) const
+    {
+        for (auto packet = m_packets.begin(); packet != m_packets.end(); ++packet) {
+            if (packet->size() == m_lengths.value(packet.key()) && mainPacket.contains(packet.key()))
+                return *packet;
+        }
+        return {};
+    }
+
+private:
+    static constexpr qsizetype kGuidBytes = 32;
+    static constexpr qsizetype kHeadBytes = kGuidBytes + 8;
+    QMap<QByteArray, QByteArray> m_packets;
+    QMap<QByteArray, qsizetype> m_lengths;
+};
+
 MetadataBlocks readJpegBlocks(QIODevice &device)
 {
     MetadataBlocks blocks;
     QByteArray imageResources;
+    ExtendedXmp extendedXmp;
     device.seek(2);
     for (int i = 0; i < kMaxBlocks; ++i) {
         char byte = 0;
@@ -82,11 +119,14 @@ MetadataBlocks readJpegBlocks(QIODevice &device)
             takeFirst(blocks.exif, data.mid(6));
         else if (marker == 0xE1 && data.startsWith("http://ns.adobe.com/xap/1.0/\0"_ba))
             takeFirst(blocks.xmp, data.mid(29));
+        else if (marker == 0xE1 && data.startsWith("http://ns.adobe.com/xmp/extension/\0"_ba))
+            extendedXmp.add(data.mid(35));
         else if (marker == 0xED && data.startsWith("Photoshop 3.0\0"_ba))
             if (imageResources.size() < kMaxMetadataBytes)
                 imageResources += data.mid(14); // long resources run on in the next segment
     }
     blocks.iptc = iptcOfImageResources(imageResources);
+    blocks.moreXmp = extendedXmp.packetNamedIn(blocks.xmp);
     return blocks;
 }
 

@@ -15,6 +15,7 @@ struct MetadataBlocks {
     QByteArray exif;    ///< a TIFF structure
     QByteArray iptc;    ///< IIM records
     QByteArray xmp;     ///< the packet, UTF-8
+    QByteArray moreXmp; ///< a JPEG's second packet, for what does not fit into one segment
     QByteArray comment; ///< JPEG comment
 };
 

@@ -36,6 +36,20 @@ bool nestsTooDeeply(const std::string &xml)
     return false;
 }
 
+Exiv2::XmpData decodedPacket(const std::string &packet)
+{
+    Exiv2::XmpData xmp;
+    if (packet.empty() || packet.size() > static_cast<size_t>(kMaxMetadataBytes) || nestsTooDeeply(packet))
+        return xmp;
+    try {
+        if (Exiv2::XmpParser::decode(xmp, packet) != 0)
+            xmp.clear();
+    } catch (const std::exception &) {
+        xmp.clear();
+    }
+    return xmp;
+}
+
 void decodeExif(MetadataSet &set, const QByteArray &exif)
 {
     if (exif.isEmpty())
@@ -99,6 +113,7 @@ MetadataSet readMetadataSet(const QString &path)
         decodeExif(set, blocks->exif);
         decodeIptc(set, blocks->iptc);
         set.xmpPacket = blocks->xmp.toStdString();
+        set.moreXmpPacket = blocks->moreXmp.toStdString();
         set.comment = blocks->comment.toStdString();
         return set;
     }
@@ -110,16 +125,12 @@ MetadataSet readMetadataSet(const QString &path)
     return set;
 }
 
-Exiv2::XmpData decodedXmp(const std::string &packet)
+Exiv2::XmpData decodedXmp(const MetadataSet &set)
 {
-    Exiv2::XmpData xmp;
-    if (packet.empty() || packet.size() > static_cast<size_t>(kMaxMetadataBytes) || nestsTooDeeply(packet))
-        return xmp;
-    try {
-        if (Exiv2::XmpParser::decode(xmp, packet) != 0)
-            xmp.clear();
-    } catch (const std::exception &) {
-        xmp.clear();
+    Exiv2::XmpData xmp = decodedPacket(set.xmpPacket);
+    for (const Exiv2::Xmpdatum &datum : decodedPacket(set.moreXmpPacket)) {
+        if (xmp.findKey(Exiv2::XmpKey(datum.key())) == xmp.end())
+            xmp.add(datum);
     }
     return xmp;
 }

@@ -19,6 +19,7 @@ struct MetadataSet {
     Exiv2::IptcData iptc;
     QByteArray iptcBlock; ///< the records as they came, empty where only the library saw them
     std::string xmpPacket;
+    std::string moreXmpPacket; ///< what a JPEG keeps in a second packet
     std::string comment;
     Exiv2::ByteOrder byteOrder = Exiv2::littleEndian;
 };
@@ -26,8 +27,8 @@ struct MetadataSet {
 /// Reads what the file carries; nothing is thrown, what cannot be read is left out.
 MetadataSet readMetadataSet(const QString &path);
 
-/// Decodes a packet; empty when it is damaged or beyond all measure (size, nesting).
+/// Decodes the XMP, both packets as one; without what is damaged or beyond all measure (size, nesting).
 /// To be called and its result used under lockXmpNamespaces().
-Exiv2::XmpData decodedXmp(const std::string &packet);
+Exiv2::XmpData decodedXmp(const MetadataSet &set);
 
 } // namespace plexa

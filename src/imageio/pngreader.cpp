@@ -206,12 +206,15 @@ std::unique_ptr<ColorTransform> chooseTransform(const Header &header, PixelLayou
         if (auto transform = ColorTransform::toSrgb(icc, layout))
             return transform;
     } else if (!header.hasSrgb && header.hasGamma) {
-        // Writers that know nothing of the display's colours write 1/2.2 and mean sRGB.
-        const bool meansSrgb = !header.hasChromaticities && qAbs(header.gamma / 0.45455 - 1) <= 0.05;
         ColorCalibration calibration;
+        // An exponent of 1/2.2 is what writers put down for sRGB, whose curve is not quite that, with its
+        // primaries or without any.
+        bool meansSrgb = qAbs(header.gamma / 0.45455 - 1) <= 0.05;
+        for (size_t i = 0; header.hasChromaticities && i < calibration.chromaticities.size(); ++i) {
+            meansSrgb = meansSrgb && qAbs(header.chromaticities[i] - calibration.chromaticities[i]) < 0.002;
+            calibration.chromaticities[i] = header.chromaticities[i];
+        }
         calibration.gamma = header.gamma;
-        if (header.hasChromaticities)
-            std::copy_n(header.chromaticities, 8, calibration.chromaticities.begin());
         if (!meansSrgb) {
             if (auto transform = ColorTransform::toSrgb(calibration, colorLayout))
                 return transform;

@@ -252,10 +252,17 @@ void ImageObject::releaseImagesData()
 
 bool ImageObject::transformOriginalImageWithOperation(int operation)
 {
-    if (operation < 1 || operation > 5 || !loadImageFromDisk())
+    if (operation < 1 || operation > 5)
         return false;
     const auto transform = static_cast<ImageTransform>(operation);
-    const std::lock_guard pixels(m_pixelLock);
+    std::unique_lock pixels(m_pixelLock, std::defer_lock);
+    do { // another thread may release the photo before its pixels are locked
+        if (pixels.owns_lock())
+            pixels.unlock();
+        if (!loadImageFromDisk())
+            return false;
+        pixels.lock();
+    } while (!isLoaded());
     const QImage turned = turnedThumbnail(thumbnail(), transform);
     if (turned.isNull())
         return false;

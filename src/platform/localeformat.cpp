@@ -120,17 +120,9 @@ QString padded(int number, int width, char fill = '0')
     return QStringLiteral("%1").arg(number, width, 10, QLatin1Char(fill));
 }
 
-/// What one strftime conversion stands for; a null string when it is not known.
-QString conversion(QChar letter, const QByteArray &locale, const QDateTime &local)
+/// What a strftime conversion stands for that is a number; a null string when it is none.
+QString number(QChar letter, QDate date, QTime time)
 {
-    const QDate date = local.date();
-    const QTime time = local.time();
-    const auto sub = [&](const char *letters, QChar separator) {
-        QStringList parts;
-        for (const char *l = letters; *l; ++l)
-            parts.append(conversion(QLatin1Char(*l), locale, local));
-        return parts.join(separator);
-    };
     switch (letter.unicode()) {
     case 'Y':
         return padded(date.year(), 4);
@@ -154,14 +146,15 @@ QString conversion(QChar letter, const QByteArray &locale, const QDateTime &loca
         return padded(time.minute(), 2);
     case 'S':
         return padded(time.second(), 2);
-    case 'F':
-        return sub("Ymd", QLatin1Char('-'));
-    case 'T':
-        return sub("HMS", QLatin1Char(':'));
-    case 'R':
-        return sub("HM", QLatin1Char(':'));
-    case 'D':
-        return sub("mdy", QLatin1Char('/'));
+    default:
+        return {};
+    }
+}
+
+/// What a strftime conversion stands for that is a word, or a character of its own; else a null string.
+QString word(QChar letter, const QByteArray &locale, const QDateTime &local)
+{
+    switch (letter.unicode()) {
     case 'A':
         return formattedBy(u"EEEE", locale, local);
     case 'a':
@@ -182,6 +175,42 @@ QString conversion(QChar letter, const QByteArray &locale, const QDateTime &loca
     default:
         return {};
     }
+}
+
+/// The longer pattern that a strftime conversion abbreviates; else a null string.
+QString abbreviated(QChar letter)
+{
+    switch (letter.unicode()) {
+    case 'F':
+        return QStringLiteral("%Y-%m-%d");
+    case 'T':
+        return QStringLiteral("%H:%M:%S");
+    case 'R':
+        return QStringLiteral("%H:%M");
+    case 'D':
+        return QStringLiteral("%m/%d/%y");
+    default:
+        return {};
+    }
+}
+
+QString expanded(const QString &pattern, const QByteArray &locale, const QDateTime &local)
+{
+    QString result;
+    for (qsizetype i = 0; i < pattern.size(); ++i) {
+        if (pattern[i] != QLatin1Char('%') || i + 1 == pattern.size()) {
+            result += pattern[i];
+            continue;
+        }
+        const QChar letter = pattern[++i];
+        QString value = number(letter, local.date(), local.time());
+        if (value.isNull())
+            value = word(letter, locale, local);
+        if (value.isNull())
+            value = expanded(abbreviated(letter), locale, local);
+        result += value.isEmpty() ? QLatin1Char('%') + QString(letter) : value;
+    }
+    return result;
 }
 
 } // namespace
@@ -220,20 +249,7 @@ QString LocaleFormat::calendar(const QDateTime &when, const QString &pattern) co
 {
     if (!when.isValid())
         return {};
-    const QDateTime local = when.toLocalTime();
-    QString result;
-    for (qsizetype i = 0; i < pattern.size(); ++i) {
-        if (pattern[i] == QLatin1Char('%') && i + 1 < pattern.size()) {
-            const QString value = conversion(pattern[i + 1], m_dateLocale, local);
-            if (!value.isNull()) {
-                result += value;
-                ++i;
-                continue;
-            }
-        }
-        result += pattern[i];
-    }
-    return result;
+    return expanded(pattern, m_dateLocale, when.toLocalTime());
 }
 
 QString LocaleFormat::decimal(double value, int maxFractionDigits) const

@@ -138,17 +138,20 @@ private:
         const QRawFont font = run.rawFont();
         const QList<quint32> glyphs = run.glyphIndexes();
         const QList<QPointF> positions = run.positions();
-        const bool hasPictures = !font.fontTable("CBLC").isEmpty() || !font.fontTable("sbix").isEmpty();
+        const bool isPictures = !font.fontTable("CBLC").isEmpty() && font.fontTable("loca").isEmpty();
         QHash<quint32, QPainterPath> known;
         for (qsizetype i = 0; i < glyphs.size(); ++i) {
+            const QPointF at = positions.at(i) + offset;
+            if (isPictures) {
+                // Not even asked for its outline: the engine would remember the wrong width with it.
+                addPicture(font, glyphs.at(i), at);
+                continue;
+            }
             auto outline = known.find(glyphs.at(i));
             if (outline == known.end())
                 outline = known.insert(glyphs.at(i), font.pathForGlyph(glyphs.at(i)));
-            const QPointF at = positions.at(i) + offset;
             if (!outline->isEmpty())
                 addOutline(*outline, at);
-            else if (hasPictures)
-                addPicture(font, glyphs.at(i), at);
         }
     }
 

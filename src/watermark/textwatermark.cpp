@@ -144,7 +144,11 @@ private:
         QPainter painter(&tile);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.translate(-at);
+        // What is opaque, or lies on nothing, mixes by its coverage alone, which is the quick way.
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
         painter.fillPath(m_fills.reachingInto(part), m_inks.fill);
+        if (m_inks.isFilled && m_inks.outline.color().alpha() < 255)
+            painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
         painter.fillPath(m_outlines.reachingInto(part), m_inks.outline.color());
     }
 

@@ -6,13 +6,13 @@
 #include "imageio/propertykeys.h"
 #include "raster/bitmaputilities.h"
 #include "raster/orientation.h"
+#include "watermark/svgcheck.h"
 
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QPainter>
 #include <QSvgRenderer>
-#include <QXmlStreamReader>
 
 #include <cmath>
 #include <mutex>
@@ -28,34 +28,8 @@ struct Texts {
 
 constexpr qint64 kMaxSvgBytes = 16'000'000;
 
-/// An SVG reader walks the document's tree by calling itself.
-constexpr int kMaxSvgDepth = 200;
-constexpr int kMaxSvgElements = 200'000;
-
 /// A scaled picture above this is made anew for each photo.
 constexpr qint64 kMaxCachedBytes = 64'000'000;
-
-/// Is it XML at all, not too deep and not too large? Returns the reason why not.
-QString faultOfSvg(const QByteArray &svg)
-{
-    QXmlStreamReader xml(svg);
-    int depth = 0;
-    int elements = 0;
-    while (!xml.atEnd()) {
-        const QXmlStreamReader::TokenType token = xml.readNext();
-        if (token == QXmlStreamReader::EndElement)
-            --depth;
-        if (token != QXmlStreamReader::StartElement)
-            continue;
-        if (elements == 0 && xml.name() != QLatin1StringView("svg"))
-            return Texts::tr("it is not an SVG drawing");
-        if (++depth > kMaxSvgDepth || ++elements > kMaxSvgElements)
-            return Texts::tr("the SVG drawing is nested too deeply or has too many parts");
-    }
-    if (xml.hasError() || elements == 0)
-        return Texts::tr("the SVG drawing is damaged in line %1").arg(xml.lineNumber());
-    return {};
-}
 
 bool isSvg(QByteArrayView head)
 {

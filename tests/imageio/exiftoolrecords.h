@@ -15,12 +15,16 @@ namespace plexa::test
 
 /// What exiftool reads from each of these files: "group:tag" to value, numbers as numbers. One process for
 /// all. Files that it does not know have few entries or none.
-inline QMap<QString, QJsonObject> exiftoolRecords(const QStringList &paths, const QStringList &options)
+inline QMap<QString, QJsonObject> exiftoolRecords(const QStringList &paths,
+                                                  const QStringList &options = {QStringLiteral("-G1")})
 {
-    QStringList arguments{QStringLiteral("-json"),    QStringLiteral("-n"),
-                                QStringLiteral("-a"),
-                          QStringLiteral("-charset"), QStringLiteral("filename=utf8"),
-                          QStringLiteral("-api"),     QStringLiteral("struct=2")};
+    QStringList arguments{QStringLiteral("-json"),
+                          QStringLiteral("-n"),
+                          QStringLiteral("-a"),
+                          QStringLiteral("-charset"),
+                          QStringLiteral("filename=utf8"),
+                          QStringLiteral("-api"),
+                          QStringLiteral("struct=2")};
     QProcess process;
     process.start(QStringLiteral("exiftool"), arguments + options + paths);
     QMap<QString, QJsonObject> records;

@@ -40,7 +40,9 @@ inline QByteArray jpegWith(const EmbeddedMetadata::Encoded &metadata)
     if (!metadata.iptc.isEmpty()) {
         QByteArray length(4, '\0');
         qToBigEndian(static_cast<quint32>(metadata.iptc.size()), length.data());
-        QByteArray resource = "Photoshop 3.0\0" "8BIM\x04\x04\0\0"_ba + length + metadata.iptc;
+        QByteArray resource = "Photoshop 3.0\0"
+                              "8BIM\x04\x04\0\0"_ba +
+                              length + metadata.iptc;
         segments += jpegSegment(0xED, resource + QByteArray(metadata.iptc.size() % 2, '\0'));
     }
     if (!metadata.comment.isEmpty())

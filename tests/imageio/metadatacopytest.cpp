@@ -53,6 +53,7 @@ private Q_SLOTS:
     void clearedGroupsLeaveAllPlaces_data();
     void clearedGroupsLeaveAllPlaces();
     void editsReachAllPlaces();
+    void longXmpIsReadFromItsPieces();
     void valuesSurviveWriting_data();
     void valuesSurviveWriting();
 
@@ -258,6 +259,25 @@ void MetadataCopyTest::editsReachAllPlaces()
                                            kCGImagePropertyIPTCByline, QVariantList{QString(16, u'\u00E9')});
     QCOMPARE(EmbeddedMetadata::read(copy)->properties().value(kCGImagePropertyIPTCDictionary),
              expected.value(kCGImagePropertyIPTCDictionary));
+}
+
+/// exiftool splits what does not fit into one segment of a JPEG.
+void MetadataCopyTest::longXmpIsReadFromItsPieces()
+{
+    const QString path = m_folder.path(u"long.jpg"_qs);
+    write(path, test::jpegWith({}));
+    const QString instructions = QString(150'000, u'i');
+    const QString arguments = m_folder.path(u"arguments"_qs);
+    write(arguments,
+          "-XMP-photoshop:Instructions=" + instructions.toUtf8() + "\n-XMP-dc:Title=T\n" + path.toUtf8());
+    test::outputOf(u"exiftool"_qs, {u"-charset"_qs, u"filename=utf8"_qs, u"-@"_qs, arguments});
+    QCOMPARE(contentsOf(path).count("http://ns.adobe.com/xmp/extension/"), 3);
+    const auto metadata = EmbeddedMetadata::read(path);
+    const QVariantMap iptc = metadata->properties().value(kCGImagePropertyIPTCDictionary).toMap();
+    QCOMPARE(iptc.value(kCGImagePropertyIPTCObjectName).toString(), u"T"_qs);
+    QCOMPARE(iptc.value(kCGImagePropertyIPTCSpecialInstructions).toString(), instructions);
+    QVERIFY(metadata->encodeForCopy(metadata->properties(), {QSize(8, 8), 0})
+                .xmp.contains(instructions.toUtf8()));
 }
 
 void MetadataCopyTest::valuesSurviveWriting_data()

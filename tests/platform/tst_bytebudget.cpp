@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <limits>
@@ -94,31 +95,31 @@ void ByteBudgetTest::largeRequestIsNotStarved()
     ByteBudget budget(100);
     std::atomic<bool> largeIsServed = false;
     std::atomic<bool> stop = false;
-    std::atomic<int> started = 0;
-    // Small ones overlap, so that all of the budget is never free by chance.
-    std::vector<std::thread> small;
-    for (int i = 0; i < 3; ++i) {
-        small.emplace_back([&] {
-            auto held = budget.reserve(10);
-            ++started;
-            while (!stop) {
-                held = {};
-                held = budget.reserve(10);
-                std::this_thread::sleep_for(1ms);
-            }
-        });
-    }
-    while (started < 3)
-        std::this_thread::yield();
+    // Two threads relieve each other: each keeps its bytes until the other has some, so that all of the
+    // budget is never free unless one of them has to queue, and the other one tires of waiting.
+    std::array<std::atomic<int>, 2> grants{};
+    const auto relieve = [&](std::size_t own) {
+        while (!stop) {
+            const auto held = budget.reserve(10);
+            const int seen = grants[1 - own];
+            ++grants[own];
+            const auto end = std::chrono::steady_clock::now() + 100ms;
+            while (!stop && grants[1 - own] == seen && std::chrono::steady_clock::now() < end)
+                std::this_thread::yield();
+        }
+    };
+    std::thread first(relieve, 0);
+    std::thread second(relieve, 1);
+    const bool relieving = QTest::qWaitFor([&] { return grants[0] > 10 && grants[1] > 10; }, 20'000);
     std::thread large([&] {
         const auto all = budget.reserve(100);
         largeIsServed = all.has_value();
     });
-    const bool served = QTest::qWaitFor([&] { return largeIsServed.load(); }, 20'000);
+    const bool served = QTest::qWaitFor([&] { return largeIsServed.load(); }, 5'000);
     stop = true;
-    large.join();
-    for (std::thread &thread : small)
-        thread.join();
+    for (std::thread *thread : {&large, &first, &second})
+        thread->join();
+    QVERIFY(relieving);
     QVERIFY(served);
 }
 

@@ -4,6 +4,7 @@
 
 #include "imageio/embeddedmetadata.h"
 #include "imageio/exiftoolrecords.h"
+#include "imageio/imagesource.h"
 #include "metadata/imagemetadata.h"
 #include "platform/localeformat.h"
 #include "watermark/fakephoto.h"
@@ -75,6 +76,8 @@ const QList<Expectation> kExpectations{
     {"camera serial #", {u"XMP-aux:SerialNumber"_qs, u"ExifIFD:SerialNumber"_qs}, Form::Text},
     {"EXIF user comment", {u"ExifIFD:UserComment"_qs}, Form::Text},
     {"software", {u"IFD0:Software"_qs}, Form::Text},
+    {"bit depth", {u"File:BitsPerSample"_qs, u"PNG:BitDepth"_qs}, Form::Number},
+    {"ICC profile", {u"ICC_Profile:ProfileDescription"_qs}, Form::Text},
 };
 
 QString withSign(double value, const QString &plain)
@@ -266,14 +269,16 @@ void TextTokensTest::realPhotosAgreeWithExiftool()
     if (test::photosFolder().isEmpty())
         QSKIP("There is no folder of photos.");
     const QStringList paths = test::photoPaths();
-    const auto records = test::exiftoolRecords(paths);
+    const auto records = test::exiftoolRecords(paths, {u"-G1"_qs});
     QVERIFY(!records.isEmpty());
     QStringList failures;
     QSet<QString> seen;
     for (const QString &path : paths) {
         if (path.contains(u"/broken/"_qs))
             continue;
-        const ImageMetadata metadata(EmbeddedMetadata::read(path)->properties());
+        const Result<ImageSource> source = ImageSource::open(path);
+        const ImageMetadata metadata(source ? source->properties()
+                                            : EmbeddedMetadata::read(path)->properties());
         const QJsonObject record = records.value(path);
         for (const Expectation &expected : kExpectations) {
             QJsonValue value(QJsonValue::Undefined);
@@ -282,6 +287,10 @@ void TextTokensTest::realPhotosAgreeWithExiftool()
                 if (value.isUndefined() && !test::comparable(record[name]).trimmed().isEmpty())
                     value = record[tag = name];
             }
+            // What the pixels say is known only of formats that are decoded.
+            if (!source &&
+                !expected.tags.first().contains(QRegularExpression(u"^(IPTC|XMP|Exif|GPS|IFD0)"_qs)))
+                continue;
             // exiftool's words for what is not a number.
             if (value.isUndefined() || value.toString() == u"undef"_qs || value.toString() == u"inf"_qs)
                 continue;

@@ -5,6 +5,7 @@
 #include "platform/fontcatalog.h"
 #include "watermark/wpresetvalues.h"
 
+#include <QFontDatabase>
 #include <QPainterPath>
 #include <QRawFont>
 #include <QtTest>
@@ -58,6 +59,7 @@ private Q_SLOTS:
     void wordsWrapAtTheWidth();
     void lineBreaks_data();
     void lineBreaks();
+    void colourGlyphsKeepTheirColoursAndWidth();
     void extremesFailOrVanish_data();
     void extremesFailOrVanish();
 };
@@ -219,6 +221,27 @@ void TextWatermarkTest::lineBreaks()
     QFETCH(QString, text);
     QFETCH(int, lines);
     QCOMPARE(bitmapOf(WPresetValues(), text).size.height(), lines * 240);
+}
+
+void TextWatermarkTest::colourGlyphsKeepTheirColoursAndWidth()
+{
+    if (!QFontDatabase::families().contains(u"Noto Color Emoji"_qs))
+        QSKIP("There is no font of colour glyphs.");
+    // The second time, too: the text engine is known to mix its sizes up.
+    for (int i = 0; i < 2; ++i) {
+        const WatermarkBitmap bitmap = bitmapOf(WPresetValues(), QString::fromUtf8("🎉🎉🎉🎉"));
+        const QRect ink = inkBox(bitmap);
+        const double emInPixels = 240 / 1.2;
+        QVERIFY2(ink.width() > 4 * emInPixels && ink.width() < 5.5 * emInPixels,
+                 qPrintable(QDebug::toString(ink)));
+        int coloured = 0;
+        for (int y = 0; y < bitmap.ink.height(); ++y) {
+            for (int x = 0; x < bitmap.ink.width(); ++x)
+                coloured +=
+                    std::abs(qRed(bitmap.ink.pixel(x, y)) - qBlue(bitmap.ink.pixel(x, y))) > 60 ? 1 : 0;
+        }
+        QVERIFY2(coloured > 20'000, qPrintable(QString::number(coloured)));
+    }
 }
 
 void TextWatermarkTest::extremesFailOrVanish_data()

@@ -110,6 +110,7 @@ private Q_SLOTS:
     void opacityMixes();
     void theShadowFallsToItsSide_data();
     void theShadowFallsToItsSide();
+    void markAndShadowReachInAlone();
     void stripsEqualTheWhole();
     void repeatsAreSeparateDraws();
     void absurdPresetsFail_data();
@@ -218,12 +219,14 @@ void WatermarkDrawingTest::inkTurnsLikeTheWholeBitmap_data()
 void WatermarkDrawingTest::inkTurnsLikeTheWholeBitmap()
 {
     QFETCH(float, angle);
-    WPresetValues values = textPreset(u"Turn"_qs);
+    // Two empty lines below put the ink far from the frame's centre.
+    const QString text = u"Turn\n\n\u00a0"_qs;
+    WPresetValues values = textPreset(text);
     values.width = 300;
     values.widthUnit = u"Pixels"_qs;
     values.textAlignment = 2;
     values.anchorPoint = 4;
-    const auto bitmap = createTextWatermarkOfWidth(300, values, u"Turn"_qs, kSize, m_fonts);
+    const auto bitmap = createTextWatermarkOfWidth(300, values, text, kSize, m_fonts);
     QVERIFY(bitmap && *bitmap);
     QImage whole = createBitmapContext((*bitmap)->size.width(), (*bitmap)->size.height(), true);
     QPainter(&whole).drawImage((*bitmap)->inkAt, (*bitmap)->ink);
@@ -321,6 +324,25 @@ void WatermarkDrawingTest::theShadowFallsToItsSide()
     QVERIFY(std::abs(qRed(marked.pixel(dark)) - 160) <= 1); // a third darker
     QCOMPARE(marked.pixel(light), qRgb(240, 240, 240));
     QVERIFY(marked.pixel(200 - 10, 150 - 5) == qRgb(255, 0, 0));
+}
+
+void WatermarkDrawingTest::markAndShadowReachInAlone()
+{
+    WPresetValues values = fourColours();
+    values.shadow = true;
+    values.shadowAngle = 0;
+    values.shadowOffset = 100;
+    values.shadowOffsetUnit = u"Pixels"_qs;
+    values.shadowBlur = 0;
+    const QImage photo = flatPhoto();
+    QRectF rect(-60, 140, 0, 0);
+    const auto shadowInside =
+        createWatermarkOnImage(photo, values, test::FakePhoto(kSize), m_fonts, true, &rect);
+    QCOMPARE(differingRect(photo, shadowInside.value_or(QImage())), QRect(40, 140, 40, 20));
+    rect = QRectF(350, 140, 0, 0);
+    const auto markInside =
+        createWatermarkOnImage(photo, values, test::FakePhoto(kSize), m_fonts, true, &rect);
+    QCOMPARE(differingRect(photo, markInside.value_or(QImage())), QRect(350, 140, 40, 20));
 }
 
 void WatermarkDrawingTest::stripsEqualTheWhole()

@@ -79,6 +79,8 @@ void WatermarkPictureTest::drawingsKnowTheirSize_data()
     QTest::addColumn<QSizeF>("size");
     QTest::newRow("view box") << QByteArray(R"(viewBox="-5 -5 33.5 10")") << QSizeF(33.5, 10);
     QTest::newRow("sides") << QByteArray(R"(width="300" height="200")") << QSizeF(300, 200);
+    QTest::newRow("with a part used twice")
+        << QByteArray(R"(viewBox="0 0 8 4" xmlns:xlink="http://www.w3.org/1999/xlink")") << QSizeF(8, 4);
     QTest::newRow("both: the view box has the proportions")
         << QByteArray(R"(width="100%" height="100%" viewBox="0 0 64 32")") << QSizeF(64, 32);
 }
@@ -86,7 +88,10 @@ void WatermarkPictureTest::drawingsKnowTheirSize_data()
 void WatermarkPictureTest::drawingsKnowTheirSize()
 {
     QFETCH(QByteArray, attributes);
-    const Result<WatermarkPicture> picture = WatermarkPicture::fromSvg(svgOf(kCircle, attributes));
+    const bool isLinked = attributes.contains("xlink");
+    const QByteArray content =
+        isLinked ? R"(<g id="a">)" + kCircle + R"(</g><use xlink:href="#a"/>)" : kCircle;
+    const Result<WatermarkPicture> picture = WatermarkPicture::fromSvg(svgOf(content, attributes));
     QVERIFY(picture.has_value());
     QTEST(picture->size(), "size");
 }
@@ -106,6 +111,15 @@ void WatermarkPictureTest::badFilesAreNamed_data()
     QTest::newRow("cut drawing") << "cut.svg" << svgOf(kCircle).chopped(3);
     QTest::newRow("other XML") << "page.svg" << QByteArray("<?xml version=\"1.0\"?><html/>");
     QTest::newRow("no size") << "flat.svg" << svgOf(kCircle, R"(viewBox="0 0 0 10" width="0" height="0")");
+    QByteArray laughs = R"(<g id="a0"><rect width="1" height="1"/></g>)";
+    for (int i = 1; i < 30; ++i) {
+        const QByteArray use = "<use xlink:href=\"#a" + QByteArray::number(i - 1) + "\"/>";
+        laughs += "<g id=\"a" + QByteArray::number(i) + "\">" + use.repeated(10) + "</g>";
+    }
+    const QByteArray links = R"(viewBox="0 0 9 9" xmlns:xlink="http://www.w3.org/1999/xlink")";
+    QTest::newRow("used again and again") << "laughs.svg" << svgOf(laughs, links);
+    QTest::newRow("used by itself") << "loop.svg"
+                                    << svgOf(R"(<g id="a"><g id="b"><use xlink:href="#a"/></g></g>)", links);
     QTest::newRow("nested without end") << "deep.svg" << svgOf(nested);
 }
 

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "fuzz/codecfuzzing.h"
+#include "imageio/imageformat.h"
+#include "imageio/qtcodec.h"
+
+#include <QGuiApplication>
+
+/// The plugins print what they do not like.
+extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
+    static QGuiApplication application(*argc, *argv);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    const auto *format = plexa::imageFormatOfContents({data, qMin<qsizetype>(qsizetype(size), 64)});
+    if (!format)
+        format = plexa::imageFormatOfSuffix(QStringLiteral("tga"));
+    if (format && dynamic_cast<const plexa::QtCodec *>(format->codec))
+        plexa::test::decodeForFuzzing(*format->codec, data, size);
+    return 0;
+}

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "imageio/imagedestination.h"
+#include "imageio/imagesource.h"
+#include "support/testenvironment.h"
+
+#include <QBuffer>
+#include <QFile>
+
+#include <cstdlib>
+
+namespace plexa::test
+{
+
+/// Decodes a file as the program does. @return null when it cannot be read, with the reason in `error`
+inline QImage decoded(const QString &path, QString *error = nullptr, const ReadLimits &limits = {})
+{
+    const auto source = ImageSource::open(path, limits);
+    const auto image = source ? source->createImage() : tl::unexpected(source.error());
+    if (!image && error)
+        *error = image.error().text;
+    return image ? *image : QImage();
+}
+
+/// Decodes a file with ImageMagick, its colours brought to the sRGB of `profile` (a file).
+inline QImage decodedByMagick(const QString &path, QSize size, const QString &profile)
+{
+    const QByteArray pixels = outputOf(
+        magickConvert(), {path + QStringLiteral("[0]"), QStringLiteral("-intent"), QStringLiteral("Relative"),
+                          QStringLiteral("-black-point-compensation"), QStringLiteral("-profile"), profile,
+                          QStringLiteral("-colorspace"), QStringLiteral("sRGB"), QStringLiteral("-depth"),
+                          QStringLiteral("8"), QStringLiteral("rgba:-")});
+    if (pixels.size() != qsizetype(size.width()) * size.height() * 4)
+        return {};
+    return QImage(reinterpret_cast<const uchar *>(pixels.constData()), size.width(), size.height(),
+                  QImage::Format_RGBA8888)
+        .copy();
+}
+
+/// The mean difference of the colours as they look on black (with that of alpha added), 0..255; 256 when the
+/// sizes differ.
+inline double meanDifference(const QImage &a, const QImage &b)
+{
+    if (a.isNull() || a.size() != b.size())
+        return 256;
+    const QImage left = a.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    const QImage right = b.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    qint64 sum = 0;
+    for (int y = 0; y < left.height(); ++y) {
+        const uchar *p = left.constScanLine(y);
+        const uchar *q = right.constScanLine(y);
+        for (qsizetype i = 0; i < qsizetype(left.width()) * 4; ++i)
+            sum += std::abs(p[i] - q[i]);
+    }
+    return double(sum) / (3.0 * left.width() * left.height());
+}
+
+/// Streams a photo into a file in memory, in strips whose height does not divide the picture's.
+/// @return empty when something failed; `error` then says what
+inline QByteArray copied(const QString &path, const char *type, double quality, QString *error = nullptr)
+{
+    const auto report = [error](const Error &reason) {
+        if (error)
+            *error = reason.text;
+        return QByteArray();
+    };
+    const auto source = ImageSource::open(path);
+    if (!source)
+        return report(source.error());
+    QVariantMap properties = source->properties();
+    properties.insert(QStringLiteral("kCGImageDestinationLossyCompressionQuality"), quality);
+    properties.insert(QStringLiteral("Orientation"), 1);
+    QBuffer file;
+    file.open(QIODevice::ReadWrite);
+    const auto reader = source->openRows();
+    if (!reader)
+        return report(reader.error());
+    const RowFormat format = (*reader)->format();
+    const auto writer = openDestination(file, format, {QLatin1String(type), properties, &*source});
+    if (!writer)
+        return report(writer.error());
+    QImage strip(format.size.width(), 37, format.imageFormat());
+    for (int row = 0; row < format.size.height(); row += strip.height()) {
+        const int rows = qMin(strip.height(), format.size.height() - row);
+        if (const auto read = (*reader)->readRows(strip, rows); !read)
+            return report(read.error());
+        if (const auto written = (*writer)->writeRows(strip, rows); !written)
+            return report(written.error());
+    }
+    if (const auto finished = (*writer)->finish(); !finished)
+        return report(finished.error());
+    return file.data();
+}
+
+inline QByteArray contentsOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+inline bool putFile(const QString &path, const QByteArray &contents)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size();
+}
+
+/// One value of exiftool's, as it prints it with -s3.
+inline QByteArray exiftoolValue(const QString &path, const QString &tag)
+{
+    return outputOf(QStringLiteral("exiftool"),
+                    {QStringLiteral("-s3"), QStringLiteral("-b"), QStringLiteral("-") + tag, path});
+}
+
+} // namespace plexa::test
