@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "images/imageobject.h"
+#include "raster/bitmaputilities.h"
 #include "support/testenvironment.h"
 
 #include <QBuffer>
@@ -331,8 +332,7 @@ void ImageObjectTest::everyOrientationComesUpright()
             if (!QFile::exists(path))
                 continue;
             ImageObject photo(path, services.all);
-            const QImage small =
-                photo.originalCGImage().scaled(90, 90, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+            const QImage small = createImageScaledToSize(photo.originalCGImage(), 90, 90, true);
             QVERIFY2(!small.isNull(), qPrintable(photo.loadError()));
             if (first.isNull())
                 first = small;
