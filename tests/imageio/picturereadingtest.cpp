@@ -31,6 +31,7 @@ private Q_SLOTS:
     void brokenFilesGiveAReason();
     void cutFileIsWholeOrFails_data();
     void cutFileIsWholeOrFails();
+    void lastChecksumOfPngIsProved();
     void flippedBytesDoNoHarm_data();
     void flippedBytesDoNoHarm();
     void limitsHold_data();
@@ -278,7 +279,7 @@ void PictureReadingTest::cutFileIsWholeOrFails_data()
     add("progressive", "jpg", QStringLiteral("-interlace Plane"));
     add("grey", "jpg", QStringLiteral("-colorspace Gray"));
     add("CMYK", "jpg", QStringLiteral("-colorspace CMYK"));
-    add("arithmetic", "jpg", QStringLiteral("-define jpeg:arithmetic-coding=true"));
+    add("arithmetic", "jpg", QStringLiteral("cjpeg -arithmetic"));
     add("PNG", "png", {});
     add("PNG, 16 bit", "png", QStringLiteral("-depth 16"));
     add("PNG, interlaced", "png", QStringLiteral("-interlace Plane"));
@@ -294,7 +295,13 @@ void PictureReadingTest::cutFileIsWholeOrFails()
     const QString whole = m_folder.path(QStringLiteral("whole.") + suffix);
     const QString cut = m_folder.path(QStringLiteral("cut.") + suffix);
     QVERIFY(noisyPicture({97, 61}, QImage::Format_RGB32).save(origin));
-    outputOf(magickConvert(), QStringList{origin} + options + QStringList{whole});
+    if (options.value(0) == u"cjpeg"_qs) { // ImageMagick does not write these
+        if (firstProgram({options[0]}).isEmpty())
+            QSKIP("cjpeg is not installed");
+        outputOf(options[0], options.mid(1) + QStringList{u"-outfile"_qs, whole, origin});
+    } else {
+        outputOf(magickConvert(), QStringList{origin} + options + QStringList{whole});
+    }
     const QByteArray bytes = contentsOf(whole);
     const QImage reference = decoded(whole);
     QVERIFY(!reference.isNull());
@@ -311,6 +318,21 @@ void PictureReadingTest::cutFileIsWholeOrFails()
             QVERIFY2(image == reference, qPrintable(QString::number(length)));
     }
     QVERIFY(failures > 40);
+}
+
+void PictureReadingTest::lastChecksumOfPngIsProved()
+{
+    // Damage in the last bytes of the data may leave a picture that looks whole.
+    const QString path = m_folder.path(u"checksum.png"_qs);
+    QVERIFY(noisyPicture({40, 30}, QImage::Format_RGB32).save(path));
+    QByteArray bytes = contentsOf(path);
+    QVERIFY(!decoded(path).isNull());
+    const qsizetype end = bytes.lastIndexOf("IEND") - 4;
+    bytes[end - 1] = char(bytes[end - 1] ^ 1); // of the chunk's CRC
+    QVERIFY(putFile(path, bytes));
+    QString error;
+    QVERIFY(decoded(path, &error).isNull());
+    QCOMPARE(error, u"the picture data are damaged"_qs);
 }
 
 void PictureReadingTest::flippedBytesDoNoHarm_data()
