@@ -22,6 +22,8 @@ private Q_SLOTS:
     void threadsDoNotDisturbEachOther(); // first: the thread sanitizer allows no thread after a fork
     void colorsAreThoseOfImageMagick_data();
     void colorsAreThoseOfImageMagick();
+    void kindsOfPngAreRead_data();
+    void kindsOfPngAreRead();
     void gammaFollowsTheFormula();
     void deepSamplesAreRounded();
     void factsOfTheContainer_data();
@@ -51,6 +53,24 @@ private:
 #define NEEDS_PHOTOS()                                                                                       \
     if (skipsWithoutPhotos())                                                                                \
     QSKIP("there is no folder of photos (PLEXA_PHOTOS)")
+
+namespace
+{
+
+/// A picture with detail everywhere, so that no cut goes unnoticed.
+QImage noisyPicture(QSize size, QImage::Format format)
+{
+    QImage image(size, QImage::Format_ARGB32);
+    QRandomGenerator random(7);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixel(x, y,
+                           qRgba(x * 255 / size.width(), y * 255 / size.height(), random.bounded(256), 200));
+    }
+    return image.convertToFormat(format);
+}
+
+} // namespace
 
 void PictureReadingTest::initTestCase()
 {
@@ -114,6 +134,50 @@ void PictureReadingTest::colorsAreThoseOfImageMagick()
     QVERIFY2(!theirs.isNull(), "ImageMagick sees another size");
     const double difference = meanDifference(ours, theirs);
     QVERIFY2(difference < 2, qPrintable(QString::number(difference)));
+}
+
+void PictureReadingTest::kindsOfPngAreRead_data()
+{
+    QTest::addColumn<QStringList>("options"); // ImageMagick's; %1 and %2 are profiles of RGB and of grey
+    const auto add = [](const char *row, const QString &options) {
+        QTest::newRow(row) << options.split(u' ', Qt::SkipEmptyParts);
+    };
+    add("RGB and alpha, 16 bit", u"-depth 16 -define png:color-type=6"_qs);
+    add("RGB and alpha, interlaced", u"-interlace Plane -define png:color-type=6"_qs);
+    add("grey and alpha", u"-colorspace Gray -depth 8 -define png:color-type=4"_qs);
+    add("grey and alpha, 16 bit", u"-colorspace Gray -depth 16 -define png:color-type=4"_qs);
+    add("1 bit", u"-alpha off -monochrome -define png:color-type=0 -define png:bit-depth=1"_qs);
+    add("2 bit", u"-alpha off -colorspace Gray -define png:color-type=0 -define png:bit-depth=2 -depth 2"_qs);
+    add("palette with alpha", u"-colors 20 -define png:color-type=3"_qs);
+    add("transparent colour", u"-alpha off -transparent black -define png:color-type=2"_qs);
+    add("Adobe RGB, alpha", u"-profile %1"_qs);
+    add("Adobe RGB, 16 bit", u"-depth 16 -profile %1"_qs);
+    add("grey profile", u"-alpha off -colorspace Gray -profile %2"_qs);
+    add("grey profile, alpha", u"-colorspace Gray -define png:color-type=4 -profile %2"_qs);
+    add("grey profile, alpha, 16 bit", u"-colorspace Gray -depth 16 -define png:color-type=4 -profile %2"_qs);
+}
+
+void PictureReadingTest::kindsOfPngAreRead()
+{
+    NEEDS_PHOTOS();
+    if (magickConvert().isEmpty())
+        QSKIP("ImageMagick is not installed");
+    QFETCH(QStringList, options);
+    const QString adobe = m_folder.path(u"adobe.icc"_qs);
+    const QString gray = m_folder.path(u"gray.icc"_qs);
+    QVERIFY(putFile(adobe, ImageSource::open(photo(u"jpeg/adobe-rgb-uss-reagan.jpg"_qs))->info().iccProfile));
+    QVERIFY(putFile(gray, ImageSource::open(photo(u"jpeg/gray-concert.jpg"_qs))->info().iccProfile));
+    for (QString &option : options)
+        option.replace(u"%1"_qs, adobe).replace(u"%2"_qs, gray);
+    const QString origin = m_folder.path(u"origin.png"_qs);
+    const QString path = m_folder.path(u"kind.png"_qs);
+    QVERIFY(noisyPicture({61, 43}, QImage::Format_ARGB32).save(origin));
+    outputOf(magickConvert(), QStringList{origin} + options + QStringList{path});
+    QString error;
+    const QImage ours = decoded(path, &error);
+    QVERIFY2(!ours.isNull(), qPrintable(error));
+    const double difference = meanDifference(ours, decodedByMagick(path, ours.size(), m_srgb));
+    QVERIFY2(difference < 1, qPrintable(QString::number(difference)));
 }
 
 void PictureReadingTest::gammaFollowsTheFormula()
@@ -247,24 +311,6 @@ void PictureReadingTest::brokenFilesGiveAReason()
     QCOMPARE(image.isNull(), !reason.isEmpty());
     QCOMPARE(error, reason);
 }
-
-namespace
-{
-
-/// A picture with detail everywhere, so that no cut goes unnoticed.
-QImage noisyPicture(QSize size, QImage::Format format)
-{
-    QImage image(size, QImage::Format_ARGB32);
-    QRandomGenerator random(7);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixel(x, y,
-                           qRgba(x * 255 / size.width(), y * 255 / size.height(), random.bounded(256), 200));
-    }
-    return image.convertToFormat(format);
-}
-
-} // namespace
 
 void PictureReadingTest::cutFileIsWholeOrFails_data()
 {
