@@ -4,6 +4,7 @@
 
 #include "imageio/embeddedmetadata.h"
 #include "imageio/imagesource.h"
+#include "imageio/propertykeys.h"
 #include "imageio/readfailures.h"
 
 namespace plexa
@@ -76,12 +77,11 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
     const QVariantMap &properties = request.properties;
     WriteOptions options;
     options.quality = qBound(
-        0.0, properties.value(u"kCGImageDestinationLossyCompressionQuality"_qs, options.quality).toDouble(),
-        1.0);
-    options.dpi[0] = positiveNumber(properties, u"DPIWidth"_qs);
-    options.dpi[1] = positiveNumber(properties, u"DPIHeight"_qs);
-    const QVariantMap tiff = properties.value(u"{TIFF}"_qs).toMap();
-    options.tiffLzw = tiff.value(u"Compression"_qs, 5).toInt() != 1;
+        0.0, properties.value(kCGImageDestinationLossyCompressionQuality, options.quality).toDouble(), 1.0);
+    options.dpi[0] = positiveNumber(properties, kCGImagePropertyDPIWidth);
+    options.dpi[1] = positiveNumber(properties, kCGImagePropertyDPIHeight);
+    const QVariantMap tiff = properties.value(kCGImagePropertyTIFFDictionary).toMap();
+    options.tiffLzw = tiff.value(kCGImagePropertyTIFFCompression, 5).toInt() != 1;
     if (request.source) {
         options.isProgressive = request.source->info().isProgressive;
         options.chromaSampling = request.source->info().chromaSampling;

@@ -4,6 +4,7 @@
 
 #include "imageio/colorprofile.h"
 #include "imageio/embeddedmetadata.h"
+#include "imageio/propertykeys.h"
 #include "imageio/readfailures.h"
 
 #include <QFile>
@@ -45,17 +46,17 @@ struct ImageSource::State {
 QVariantMap ImageSource::State::makeProperties(const EmbeddedMetadata &fromMetadata) const
 {
     QVariantMap map;
-    map.insert(u"PixelWidth"_qs, info.rows.size.width());
-    map.insert(u"PixelHeight"_qs, info.rows.size.height());
-    map.insert(u"Depth"_qs, info.depth);
-    map.insert(u"ColorModel"_qs, info.colorModel);
-    map.insert(u"HasAlpha"_qs, info.rows.hasAlpha);
+    map.insert(kCGImagePropertyPixelWidth, info.rows.size.width());
+    map.insert(kCGImagePropertyPixelHeight, info.rows.size.height());
+    map.insert(kCGImagePropertyDepth, info.depth);
+    map.insert(kCGImagePropertyColorModel, info.colorModel);
+    map.insert(kCGImagePropertyHasAlpha, info.rows.hasAlpha);
     const QString profile = profileDescription(info.iccProfile);
     if (!profile.isEmpty())
-        map.insert(u"ProfileName"_qs, profile);
+        map.insert(kCGImagePropertyProfileName, profile);
     if (info.dpiWidth > 0 && info.dpiHeight > 0) {
-        map.insert(u"DPIWidth"_qs, info.dpiWidth);
-        map.insert(u"DPIHeight"_qs, info.dpiHeight);
+        map.insert(kCGImagePropertyDPIWidth, info.dpiWidth);
+        map.insert(kCGImagePropertyDPIHeight, info.dpiHeight);
     }
     // A density that EXIF has with its unit is what the camera or the editor wrote on purpose; JFIF's is
     // often only filled in.

@@ -22,11 +22,12 @@ QByteArray readAt(QIODevice &device, qint64 position, qint64 count)
     return device.read(count);
 }
 
-/// Numbers of a TIFF file (TIFF 6.0, section 2) or of its 64-bit kind.
-class TiffNumbers
+/// Numbers of a file in either byte order, 0 behind the end; offsets as in TIFF (6.0, section 2) or its
+/// 64-bit kind.
+class FileNumbers
 {
 public:
-    TiffNumbers(bool isLittle, bool isBig)
+    FileNumbers(bool isLittle, bool isBig)
         : m_isLittle(isLittle)
         , m_isBig(isBig)
     {
@@ -64,7 +65,7 @@ struct TiffField {
     bool fits;
 };
 
-TiffField readField(const TiffNumbers &numbers, const QByteArray &directory, qsizetype at)
+TiffField readField(const FileNumbers &numbers, const QByteArray &directory, qsizetype at)
 {
     TiffField field = {};
     field.tag = numbers.at<quint16>(directory, at);
@@ -104,8 +105,8 @@ PictureHeader readTiffHeader(QIODevice &device)
     const bool isLittle = start.startsWith("II");
     if (start.size() < 16 || (!isLittle && !start.startsWith("MM")))
         return header;
-    const bool isBig = TiffNumbers(isLittle, false).at<quint16>(start, 2) == 43;
-    const TiffNumbers numbers(isLittle, isBig);
+    const bool isBig = FileNumbers(isLittle, false).at<quint16>(start, 2) == 43;
+    const FileNumbers numbers(isLittle, isBig);
     header.isCameraRaw = start.mid(8, 2) == "CR";
     header.hasAlpha = false;
     const auto position = qint64(isBig ? numbers.at<quint64>(start, 8) : numbers.at<quint32>(start, 4));
@@ -177,14 +178,15 @@ PictureHeader readBmpHeader(QIODevice &device)
     header.depth = 8;
     header.colorModel = QStringLiteral("RGB");
     const QByteArray start = readAt(device, 0, 46);
-    if (start.size() < 46 || qFromLittleEndian<quint32>(start.constData() + 14) < 40)
+    const FileNumbers numbers(true, false); // little-endian, and checked against the end
+    if (start.size() < 46 || numbers.at<quint32>(start, 14) < 40)
         return header;
-    const auto width = qFromLittleEndian<qint32>(start.constData() + 18);
-    const auto height = qFromLittleEndian<qint32>(start.constData() + 22);
+    const auto width = qint32(numbers.at<quint32>(start, 18));
+    const auto height = qint32(numbers.at<quint32>(start, 22));
     if (height > std::numeric_limits<qint32>::min()) // rows from the top down have a negative count
         header.size = QSize(width, qAbs(height));
-    const auto horizontal = qFromLittleEndian<qint32>(start.constData() + 38);
-    const auto vertical = qFromLittleEndian<qint32>(start.constData() + 42);
+    const auto horizontal = qint32(numbers.at<quint32>(start, 38));
+    const auto vertical = qint32(numbers.at<quint32>(start, 42));
     if (horizontal > 0 && vertical > 0) {
         header.dpiWidth = horizontal * 0.0254;
         header.dpiHeight = vertical * 0.0254;

@@ -130,6 +130,7 @@ public:
     size_t rowBytes() const { return png_get_rowbytes(m_png, m_info); }
     bool isInterlaced() const { return m_header.interlace != PNG_INTERLACE_NONE; }
 
+    /// With the last row libpng reads up to the end of the picture's data and proves their checksum.
     bool readRow(png_bytep row)
     {
         if (setjmp(m_errors.jump))
@@ -144,16 +145,6 @@ public:
             return false;
         for (int pass = 0; pass < m_passes; ++pass)
             png_read_rows(m_png, rows, nullptr, m_header.height);
-        return true;
-    }
-
-    /// Reads what follows the picture, which proves the checksum of its last chunk. That the file ends
-    /// behind the last row is no damage to the picture.
-    bool readEnd()
-    {
-        if (setjmp(m_errors.jump))
-            return m_source.reachedEnd;
-        png_read_end(m_png, nullptr);
         return true;
     }
 
@@ -272,11 +263,6 @@ public:
             if (!decoded)
                 return failure();
             convertRow(decoded, target);
-        }
-        if (m_rowsRead == m_format.size.height()) {
-            m_buffer = {};
-            if (!m_decoder.readEnd())
-                return failure();
         }
         return {};
     }
