@@ -64,9 +64,9 @@ int refuse(const QString &text)
     return kWrongUsage;
 }
 
-Result<WPresetValues> quickPreset(const SaveOptions &options)
+Result<WPresetValues> quickPreset(const SaveOptions &options, const FontCatalog &fonts)
 {
-    WPresetValues values;
+    WPresetValues values = WPresetValues::forNewPreset(fonts);
     values.name = kQuickPresetName;
     if (!options.text.empty()) {
         values.type = QStringLiteral("Text");
@@ -99,9 +99,9 @@ Result<SavingPreset> runSavingPreset(const SaveOptions &options)
 }
 
 /// Everything that can be wrong with the command line is found here, before any file is touched.
-Result<Run> planRun(const SaveOptions &options)
+Result<Run> planRun(const SaveOptions &options, const FontCatalog &fonts)
 {
-    Result<WPresetValues> values = quickPreset(options);
+    Result<WPresetValues> values = quickPreset(options, fonts);
     if (!values)
         return tl::unexpected(values.error());
     Run run;
@@ -196,9 +196,8 @@ int printPlan(const Run &run, const SaveOptions &options)
     return kAllDone;
 }
 
-int makeCopies(Run &run, const SaveOptions &options)
+int makeCopies(Run &run, const SaveOptions &options, const FontCatalog &fonts)
 {
-    const FontCatalog fonts;
     const LocaleFormat locale;
     PixelCache cache(0); // each photo is looked at once
     const qint64 memory = physicalMemoryBytes() / 2;
@@ -267,7 +266,8 @@ int runSave(const SaveOptions &options)
 {
     if (options.text.empty() && options.image.empty() && options.fields.empty())
         return refuse(QStringLiteral("there is no watermark: give --text, --image or --set"));
-    Result<Run> run = planRun(options);
+    const FontCatalog fonts;
+    Result<Run> run = planRun(options, fonts);
     if (!run)
         return refuse(run.error().text);
     if (options.dryRun)
@@ -275,7 +275,7 @@ int runSave(const SaveOptions &options)
     const QString folder = QString::fromStdString(options.output);
     if (!QDir().mkpath(folder))
         return refuse(QStringLiteral("the folder \"%1\" cannot be made").arg(folder));
-    return makeCopies(*run, options);
+    return makeCopies(*run, options, fonts);
 }
 
 } // namespace plexa
