@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <new>
 #include <thread>
 
 namespace plexa

@@ -12,6 +12,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <new>
 
 namespace plexa
 {
@@ -87,74 +88,112 @@ Result<void> streamRows(RowReader &reader, const Drawings &drawings, RowWriter &
     });
 }
 
+/// A photo on its way from its file to its copy.
+class Copy
+{
+public:
+    Copy(const CopyOrder &order, const PhotoServices &services, const ImageSource &source)
+        : m_order(order)
+        , m_services(services)
+        , m_source(source)
+        , m_metadata(source.properties())
+        , m_uprighting(uprightingOf(source.info().rows.size, m_metadata, order.turns, services.limits))
+    {
+        if (order.metadata)
+            m_metadata = *order.metadata;
+    }
+
+    Result<CopyReport> write()
+    {
+        const PhotoFacts facts(m_order.path, m_metadata, m_uprighting.size(), m_uprighting.unscaledSize(),
+                               m_services.locale);
+        CopyReport report;
+        report.size = m_uprighting.size();
+        report.dropped = droppedPictures(m_source);
+        return prepareMarks(m_order, facts, m_services, report)
+            .and_then([this](Drawings drawings) {
+                m_drawings = std::move(drawings);
+                return m_uprighting.isIdentity() && m_order.upright.isNull() ? Result<void>() : makeUpright();
+            })
+            .and_then([this] { return writeFile(); })
+            .map([&] { return report; });
+    }
+
+private:
+    /// Gets a picture that cannot pass in strips, before the target file appears.
+    Result<void> makeUpright()
+    {
+        m_upright = m_order.upright;
+        if (!m_upright.isNull())
+            return {};
+        const QSize size = m_uprighting.size();
+        Result<ByteBudget::Reservation> room =
+            m_services.budget.reserve(qint64(size.width()) * size.height() * 4);
+        if (!room)
+            return tl::unexpected(room.error());
+        m_room = std::move(*room);
+        return readUpright(m_source, m_uprighting).map([this](const QImage &upright) {
+            m_upright = upright;
+        });
+    }
+
+    Result<void> writeFile()
+    {
+        AtomicFile file(m_order.targetPath, m_order.ifExists, AtomicFile::Durability::Lazy);
+        if (Result<void> opened = file.open(); !opened)
+            return opened;
+        const RowFormat format = m_upright.isNull()
+                                     ? m_source.info().rows
+                                     : RowFormat{m_upright.size(), m_upright.hasAlphaChannel()};
+        const CopyRequest request{m_order.targetType, propertiesOfCopy(m_metadata, m_order, m_uprighting),
+                                  &m_source};
+        const Result<std::unique_ptr<RowWriter>> writer = openDestination(file.device(), format, request);
+        if (!writer)
+            return tl::unexpected(writer.error());
+        if (Result<void> written = writeRows(**writer); !written)
+            return written;
+        if (Result<void> finished = (*writer)->finish(); !finished)
+            return finished;
+        if (m_order.preservesCreationDate)
+            file.setModificationTime(creationDateOf(m_order.path));
+        return file.commit();
+    }
+
+    Result<void> writeRows(RowWriter &writer)
+    {
+        if (!m_upright.isNull()) {
+            drawAll(m_drawings, m_upright, 0);
+            return writeStrips(writer, m_upright, m_order.isCancelled);
+        }
+        const Result<std::unique_ptr<RowReader>> reader = m_source.openRows();
+        if (!reader)
+            return tl::unexpected(reader.error());
+        return streamRows(**reader, m_drawings, writer, m_order.isCancelled);
+    }
+
+    const CopyOrder &m_order;
+    const PhotoServices &m_services;
+    const ImageSource &m_source;
+    ImageMetadata m_metadata;
+    const Uprighting m_uprighting;
+    Drawings m_drawings;
+    ByteBudget::Reservation m_room;
+    QImage m_upright; ///< null where the picture passes in strips
+};
+
 } // namespace
 
 Result<CopyReport> writeCopy(const CopyOrder &order, const PhotoServices &services)
 {
-    const Result<ImageSource> source = ImageSource::open(order.readPath, services.limits);
-    if (!source)
-        return tl::unexpected(source.error());
-    const ImageMetadata ownMetadata(source->properties());
-    const Uprighting uprighting =
-        uprightingOf(source->info().rows.size, ownMetadata, order.turns, services.limits);
-    const ImageMetadata &metadata = order.metadata ? *order.metadata : ownMetadata;
-    const PhotoFacts facts(order.path, metadata, uprighting.size(), uprighting.unscaledSize(),
-                           services.locale);
-
-    CopyReport report;
-    report.size = uprighting.size();
-    report.dropped = droppedPictures(*source);
-    const Result<Drawings> drawings = prepareMarks(order, facts, services, report);
-    if (!drawings)
-        return tl::unexpected(drawings.error());
-
-    // A picture that cannot pass in strips is at hand before the target file appears.
-    const bool isStreamed = order.upright.isNull() && uprighting.isIdentity();
-    std::optional<ByteBudget::Reservation> room;
-    QImage upright = order.upright;
-    if (!isStreamed && upright.isNull()) {
-        const QSize size = uprighting.size();
-        Result<ByteBudget::Reservation> reserved =
-            services.budget.reserve(qint64(size.width()) * size.height() * 4);
-        if (!reserved)
-            return tl::unexpected(reserved.error());
-        room = std::move(*reserved);
-        Result<QImage> read = readUpright(*source, uprighting);
-        if (!read)
-            return tl::unexpected(read.error());
-        upright = std::move(*read);
+    try {
+        const Result<ImageSource> source = ImageSource::open(order.readPath, services.limits);
+        if (!source)
+            return tl::unexpected(source.error());
+        return Copy(order, services, *source).write();
+    } catch (const std::bad_alloc &) {
+        // One photo too many for the memory must not end the run of the others.
+        return fail(outOfMemoryText());
     }
-
-    AtomicFile file(order.targetPath, order.ifExists, AtomicFile::Durability::Lazy);
-    if (const Result<void> opened = file.open(); !opened)
-        return tl::unexpected(opened.error());
-    const RowFormat format =
-        isStreamed ? source->info().rows : RowFormat{upright.size(), upright.hasAlphaChannel()};
-    const CopyRequest request{order.targetType, propertiesOfCopy(metadata, order, uprighting), &*source};
-    Result<std::unique_ptr<RowWriter>> writer = openDestination(file.device(), format, request);
-    if (!writer)
-        return tl::unexpected(writer.error());
-
-    Result<void> written;
-    if (isStreamed) {
-        const Result<std::unique_ptr<RowReader>> reader = source->openRows();
-        if (!reader)
-            return tl::unexpected(reader.error());
-        written = streamRows(**reader, *drawings, **writer, order.isCancelled);
-    } else {
-        drawAll(*drawings, upright, 0);
-        written = writeStrips(**writer, upright, order.isCancelled);
-    }
-    if (written)
-        written = (*writer)->finish();
-    if (!written)
-        return tl::unexpected(written.error());
-
-    if (order.preservesCreationDate)
-        file.setModificationTime(creationDateOf(order.path));
-    if (const Result<void> committed = file.commit(); !committed)
-        return tl::unexpected(committed.error());
-    return report;
 }
 
 } // namespace plexa

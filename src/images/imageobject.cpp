@@ -11,6 +11,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <new>
 
 namespace plexa
 {
@@ -143,7 +144,12 @@ bool ImageObject::loadImageFromDisk()
     const std::lock_guard processing(m_processingLock);
     if (isLoaded()) // another thread was quicker
         return true;
-    const Result<void> loaded = load();
+    Result<void> loaded;
+    try {
+        loaded = load();
+    } catch (const std::bad_alloc &) {
+        loaded = fail(outOfMemoryText());
+    }
     const std::lock_guard lock(m_stateLock);
     m_loadError = loaded ? QString() : loaded.error().text;
     return loaded.has_value();
