@@ -70,6 +70,8 @@ Result<QImage> ImageSource::State::readImage(int reduction) const
     if (!reader)
         return tl::unexpected(reader.error());
     const RowFormat rows = (*reader)->format();
+    if (reduction == 1 && rows != info.rows)
+        return fail(ReadFailures::damaged());
     if (const auto checked = ReadFailures::checkMemory(rows.size, 4, limits); !checked)
         return tl::unexpected(checked.error());
     QImage image(rows.size, rows.imageFormat());
@@ -171,7 +173,12 @@ Result<QImage> ImageSource::createReducedImage(int minimumSide) const
 
 Result<std::unique_ptr<RowReader>> ImageSource::openRows() const
 {
-    return m_state->format->codec->openReader(*m_state->file, m_state->limits, 1);
+    Result<std::unique_ptr<RowReader>> reader =
+        m_state->format->codec->openReader(*m_state->file, m_state->limits, 1);
+    // Some formats tell a size at their beginning that their pictures do not keep to.
+    if (reader && (*reader)->format() != m_state->info.rows)
+        return fail(ReadFailures::damaged());
+    return reader;
 }
 
 } // namespace plexa

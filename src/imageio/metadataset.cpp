@@ -6,6 +6,7 @@
 #include "imageio/metadatablocks.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <memory>
 
@@ -84,8 +85,10 @@ void readThroughLibrary(MetadataSet &set, const QString &path)
 {
     // The library decodes the XMP of these formats along with the rest.
     const auto lock = lockXmpNamespaces();
+    // The library takes "-" and names with a protocol for something else than files.
+    const QString absolutePath = QFileInfo(path).absoluteFilePath();
     const std::unique_ptr<Exiv2::Image> image(
-        Exiv2::ImageFactory::open(QFile::encodeName(path).toStdString()).release());
+        Exiv2::ImageFactory::open(QFile::encodeName(absolutePath).toStdString()).release());
     image->readMetadata();
     set.exif = image->exifData();
     set.iptc = image->iptcData();

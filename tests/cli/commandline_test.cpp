@@ -116,6 +116,7 @@ private Q_SLOTS:
     void badFilesDoNotStopTheOthers();
     void namesAreNeverTakenTwice();
     void dryRunAgreesWithTheRun();
+    void namesThatMeanSomethingElsewhere();
     void stoppingLeavesWholeFiles();
     void inspect();
 
@@ -292,6 +293,31 @@ void CommandLineTest::dryRunAgreesWithTheRun()
             QCOMPARE(done[i][QLatin1String(key)], planned[i][QLatin1String(key)]);
         QVERIFY(QFile::exists(done[i][QStringLiteral("output")].toString()));
     }
+}
+
+/// Libraries take some names for the standard input, or for addresses.
+void CommandLineTest::namesThatMeanSomethingElsewhere()
+{
+    const QString folder = m_folder->path(QStringLiteral("odd"));
+    QVERIFY(QDir().mkpath(folder));
+    const QStringList names{QStringLiteral("-"), QStringLiteral("--quiet"), QStringLiteral("data:x"),
+                            QStringLiteral("%1 %n")};
+    const QString tiff = m_folder->path(QStringLiteral("photo.tif"));
+    QVERIFY(gradient({30, 20}).save(tiff));
+    for (const QString &name : names)
+        QVERIFY(QFile::copy(tiff, folder + QLatin1Char('/') + name));
+    QProcess process;
+    process.setWorkingDirectory(folder);
+    process.setStandardInputFile(QStringLiteral("/dev/zero"));
+    process.start(program(),
+                  QStringList{QStringLiteral("save"), QStringLiteral("--text"), QStringLiteral("x"),
+                              QStringLiteral("--output"), QStringLiteral("out"), QStringLiteral("--")} +
+                      names);
+    QVERIFY(process.waitForFinished(60'000));
+    QCOMPARE(process.readAllStandardError(), QByteArray());
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(entries(folder).size(), names.size() + 1);
+    QCOMPARE(entries(folder + QStringLiteral("/out")).size(), names.size());
 }
 
 void CommandLineTest::stoppingLeavesWholeFiles()

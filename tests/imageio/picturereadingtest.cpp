@@ -31,6 +31,7 @@ private Q_SLOTS:
     void reducedPictureLooksTheSame();
     void brokenFilesGiveAReason_data();
     void brokenFilesGiveAReason();
+    void announcedSizeIsKeptTo();
     void cutFileIsWholeOrFails_data();
     void cutFileIsWholeOrFails();
     void lastChecksumOfPngIsProved();
@@ -310,6 +311,20 @@ void PictureReadingTest::brokenFilesGiveAReason()
     const QImage image = decoded(photo(name), &error);
     QCOMPARE(image.isNull(), !reason.isEmpty());
     QCOMPARE(error, reason);
+}
+
+/// Rows are read into strips of the size that was told before.
+void PictureReadingTest::announcedSizeIsKeptTo()
+{
+    const QString corpus = qEnvironmentVariable("PLEXA_SOURCE_DIR") + u"/tests/fuzz/corpus"_qs;
+    int files = 0;
+    for (QDirIterator it(corpus, QDir::Files, QDirIterator::Subdirectories); it.hasNext(); ++files) {
+        const auto source = ImageSource::open(it.next());
+        const Result<std::unique_ptr<RowReader>> reader =
+            source ? source->openRows() : fail(u"not opened"_qs);
+        QVERIFY2(!reader || (*reader)->format() == source->info().rows, qPrintable(it.filePath()));
+    }
+    QVERIFY(files > 0);
 }
 
 void PictureReadingTest::cutFileIsWholeOrFails_data()
