@@ -2,6 +2,7 @@
 
 #include "pictures.h"
 
+#include <QDirIterator>
 #include <QRandomGenerator>
 #include <QTest>
 
