@@ -3,13 +3,13 @@
 #include "cli/inspectcommand.h"
 
 #include "cli/interruption.h"
+#include "cli/messages.h"
 #include "imageio/imagesource.h"
 #include "images/photofacts.h"
 #include "images/uprighting.h"
 #include "platform/localeformat.h"
 #include "saving/orderedwork.h"
 
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -137,8 +137,7 @@ int runInspect(const InspectOptions &options)
         const Result<Inspection> result = *std::exchange(results[i], std::nullopt);
         if (!result) {
             hasFailures = true;
-            const QString name = QFileInfo(QString::fromStdString(options.paths[i])).fileName();
-            std::fprintf(stderr, "%s: %s\n", qUtf8Printable(name), qUtf8Printable(result.error().text));
+            printAbout(QString::fromStdString(options.paths[i]), result.error().text);
         } else if (options.json) {
             const QByteArray object = QJsonDocument(jsonOf(*result)).toJson(QJsonDocument::Compact);
             std::fprintf(stdout, "%s%s", isFirst ? "[" : ",\n", object.constData());

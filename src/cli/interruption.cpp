@@ -24,8 +24,11 @@ void onSignal(int signal)
 
 void catchInterruptions()
 {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
-        std::signal(signal, onSignal);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        // Whoever started the program may want it to outlive a signal, as nohup does.
+        if (std::signal(signal, onSignal) == SIG_IGN)
+            std::signal(signal, SIG_IGN);
+    }
 }
 
 bool isInterrupted()

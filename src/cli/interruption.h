@@ -6,7 +6,8 @@ namespace plexa
 {
 
 /// From now on the first Ctrl-C, hang-up or request to end only sets the flag that isInterrupted() tells; the
-/// second one ends the program. To be called once, by the main thread.
+/// second one ends the program. What is ignored at the start stays ignored. To be called once, by the main
+/// thread.
 void catchInterruptions();
 
 /// Has somebody asked the program to stop? Any thread.

@@ -4,11 +4,13 @@
 
 #include "imageio/imageformat.h"
 
-#include <QDir>
+#include <QFile>
 #include <QFileInfo>
-#include <QSet>
 
+#include <algorithm>
 #include <array>
+#include <filesystem>
+#include <set>
 
 namespace plexa
 {
@@ -16,49 +18,87 @@ namespace plexa
 namespace
 {
 
+namespace fs = std::filesystem;
+
 // Folders that people see as one file.
 constexpr std::array kPackageSuffixes = {"app",           "bundle", "framework",
                                          "photoslibrary", "lrdata", "lrlibrary"};
 
-bool isPackage(const QFileInfo &folder)
+bool isPackage(const QString &folder)
 {
-    const QByteArray suffix = folder.suffix().toLower().toLatin1();
+    const QByteArray suffix = QFileInfo(folder).suffix().toLower().toLatin1();
     return std::any_of(kPackageSuffixes.begin(), kPackageSuffixes.end(),
                        [&](const char *package) { return suffix == package; });
 }
 
-void scan(const QString &folder, QSet<QString> &visited, QStringList &photos)
+/// The path as a text, with a failure where that text would not lead back to the file.
+PhotoPath decoded(const std::string &path)
 {
-    const QString canonical = QFileInfo(folder).canonicalFilePath();
-    if (canonical.isEmpty() || visited.contains(canonical))
-        return;
-    visited.insert(canonical);
-    const QFileInfoList entries =
-        QDir(folder).entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
-    for (const QFileInfo &entry : entries) {
-        if (!entry.isDir()) {
-            if (imageFormatOfSuffix(entry.suffix()))
-                photos.append(entry.filePath());
-        } else if (!isPackage(entry)) {
-            scan(entry.filePath(), visited, photos);
+    const QByteArray bytes = QByteArray::fromStdString(path);
+    const QString text = QFile::decodeName(bytes);
+    if (QFile::encodeName(text) == bytes)
+        return {text, {}};
+    return {text, QStringLiteral("its name is not valid UTF-8")};
+}
+
+class Scan
+{
+public:
+    explicit Scan(std::vector<PhotoPath> &photos)
+        : m_photos(photos)
+    {
+    }
+
+    void folder(const fs::path &path)
+    {
+        std::error_code error;
+        const fs::path canonical = fs::canonical(path, error);
+        if (error || !m_visited.insert(canonical).second)
+            return;
+        std::vector<fs::path> entries;
+        for (fs::directory_iterator it(path, error), end; !error && it != end; it.increment(error))
+            entries.push_back(it->path());
+        if (error)
+            m_photos.push_back({decoded(path.native()).path, QStringLiteral("the folder cannot be read")});
+        std::sort(entries.begin(), entries.end());
+        for (const fs::path &entry : entries)
+            take(entry);
+    }
+
+private:
+    void take(const fs::path &entry)
+    {
+        if (entry.filename().native().starts_with('.'))
+            return;
+        const PhotoPath photo = decoded(entry.native());
+        std::error_code ignored;
+        if (fs::is_directory(entry, ignored)) {
+            if (!isPackage(photo.path))
+                folder(entry);
+        } else if (imageFormatOfSuffix(QFileInfo(photo.path).suffix())) {
+            m_photos.push_back(photo);
         }
     }
-}
+
+    std::vector<PhotoPath> &m_photos;
+    std::set<fs::path> m_visited;
+};
 
 } // namespace
 
-Result<QStringList> photosAt(const QStringList &paths)
+Result<std::vector<PhotoPath>> photosAt(const std::vector<std::string> &paths)
 {
-    QStringList photos;
-    QSet<QString> visited;
-    for (const QString &path : paths) {
-        const QFileInfo info(path);
-        if (!info.exists())
-            return fail(QStringLiteral("there is no file or folder \"%1\"").arg(path));
-        if (info.isDir())
-            scan(path, visited, photos);
+    std::vector<PhotoPath> photos;
+    Scan scan(photos);
+    for (const std::string &path : paths) {
+        std::error_code error;
+        const fs::file_status status = fs::status(path, error);
+        if (!fs::exists(status))
+            return fail(QStringLiteral("there is no file or folder \"%1\"").arg(decoded(path).path));
+        if (fs::is_directory(status))
+            scan.folder(path);
         else
-            photos.append(path);
+            photos.push_back(decoded(path));
     }
     return photos;
 }

@@ -4,15 +4,24 @@
 
 #include "platform/result.h"
 
-#include <QStringList>
+#include <string>
+#include <vector>
 
 namespace plexa
 {
 
+/// A photo that was asked for, or what stands in its place.
+struct PhotoPath {
+    QString path;
+    QString failure; ///< why it cannot be had, where that is known already; else empty
+};
+
 /// The photos that these paths stand for, in order: a file is one whatever it is called, a folder gives the
 /// files below it whose suffix is that of a picture format, sorted by name; hidden entries, package folders
-/// and circles of symbolic links are left out.
+/// and circles of symbolic links are left out. A folder that cannot be read, and a name that is no text,
+/// stand there as failures.
+/// @param paths  as the shell gives them, in the file system's encoding
 /// @return a failure when a path does not exist
-[[nodiscard]] Result<QStringList> photosAt(const QStringList &paths);
+[[nodiscard]] Result<std::vector<PhotoPath>> photosAt(const std::vector<std::string> &paths);
 
 } // namespace plexa

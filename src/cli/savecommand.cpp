@@ -4,6 +4,7 @@
 
 #include "cli/fieldarguments.h"
 #include "cli/interruption.h"
+#include "cli/messages.h"
 #include "cli/photopaths.h"
 #include "cli/progressline.h"
 #include "images/imageobject.h"
@@ -52,11 +53,6 @@ struct Run {
     int jobs = 1;
     bool keepsCreationDate = true;
 };
-
-void printLine(FILE *stream, const QString &text)
-{
-    std::fprintf(stream, "%s\n", text.toUtf8().constData());
-}
 
 int refuse(const QString &text)
 {
@@ -111,10 +107,7 @@ Result<Run> planRun(const SaveOptions &options, const FontCatalog &fonts)
         return tl::unexpected(savingPreset.error());
     run.savingPreset = std::move(*savingPreset);
 
-    QStringList paths;
-    for (const std::string &path : options.paths)
-        paths.append(QString::fromStdString(path));
-    const Result<QStringList> photos = photosAt(paths);
+    const Result<std::vector<PhotoPath>> photos = photosAt(options.paths);
     if (!photos)
         return tl::unexpected(photos.error());
     const QString folder = QString::fromStdString(options.output);
@@ -122,8 +115,12 @@ Result<Run> planRun(const SaveOptions &options, const FontCatalog &fonts)
         return fail(QStringLiteral("\"%1\" is not a folder").arg(folder));
 
     CopyNames names(folder, run.savingPreset);
-    for (const QString &photo : *photos)
-        run.items.push_back({photo, names.pathForCopyOf(photo), std::nullopt});
+    for (const PhotoPath &photo : *photos) {
+        if (photo.failure.isEmpty())
+            run.items.push_back({photo.path, names.pathForCopyOf(photo.path), std::nullopt});
+        else
+            run.items.push_back({photo.path, {}, Result<CopyReport>(fail(photo.failure))});
+    }
     run.jobs =
         options.jobs > 0 ? options.jobs : static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
     run.keepsCreationDate = !options.noCreationDate;
@@ -165,23 +162,23 @@ QByteArray jsonLine(const Item &item, std::size_t sequence)
 /// Results on standard output, messages on standard error.
 void report(const Item &item, std::size_t sequence, const SaveOptions &options)
 {
-    const QString name = QFileInfo(item.source).fileName();
     if (item.result && !*item.result)
-        printLine(stderr, QStringLiteral("%1: %2").arg(name, item.result->error().text));
+        printAbout(item.source, item.result->error().text);
     else if (item.result && !options.quiet && !(*item.result)->rects.empty() &&
              !(*item.result)->rects.front())
-        printLine(stderr,
-                  QStringLiteral("%1: saved without a watermark, which is empty for this photo").arg(name));
+        printAbout(item.source, QStringLiteral("saved without a watermark, which is empty for this photo"));
 
     if (options.json)
         std::fprintf(stdout, "%s\n", jsonLine(item, sequence).constData());
     else if (!options.quiet && (!item.result || *item.result))
-        printLine(stdout, QStringLiteral("%1 -> %2").arg(item.source, item.target));
+        printLine(stdout, onOneLine(QStringLiteral("%1 -> %2").arg(item.source, item.target)));
     std::fflush(stdout);
 }
 
 Result<CopyReport> makeCopy(const Item &item, const Run &run, const PhotoServices &services)
 {
+    if (item.result) // it failed when the run was planned
+        return *item.result;
     if (item.target.isEmpty())
         return fail(QStringLiteral("no name is free for the copy"));
     ImageObject photo(item.source, services);
@@ -191,9 +188,12 @@ Result<CopyReport> makeCopy(const Item &item, const Run &run, const PhotoService
 
 int printPlan(const Run &run, const SaveOptions &options)
 {
-    for (std::size_t i = 0; i < run.items.size(); ++i)
+    bool hasFailures = false;
+    for (std::size_t i = 0; i < run.items.size(); ++i) {
         report(run.items[i], i + 1, options);
-    return kAllDone;
+        hasFailures = hasFailures || run.items[i].result;
+    }
+    return hasFailures ? kSomethingFailed : kAllDone;
 }
 
 int makeCopies(Run &run, const SaveOptions &options, const FontCatalog &fonts)
@@ -270,6 +270,8 @@ int runSave(const SaveOptions &options)
     Result<Run> run = planRun(options, fonts);
     if (!run)
         return refuse(run.error().text);
+    if (run->items.empty())
+        printLine(stderr, QStringLiteral("plexa-cli: no photos found"));
     if (options.dryRun)
         return printPlan(*run, options);
     const QString folder = QString::fromStdString(options.output);

@@ -141,21 +141,29 @@ bool ImageObject::loadImageFromDisk()
         return true;
     if (path().isEmpty())
         return false;
-    const std::lock_guard processing(m_processingLock);
-    if (isLoaded()) // another thread was quicker
-        return true;
-    Result<void> loaded;
-    try {
-        loaded = load();
-    } catch (const std::bad_alloc &) {
-        loaded = fail(outOfMemoryText());
-    }
-    const std::lock_guard lock(m_stateLock);
-    m_loadError = loaded ? QString() : loaded.error().text;
-    return loaded.has_value();
+    bool hasNewMetadata = false;
+    const bool isReadable = [&] {
+        const std::lock_guard processing(m_processingLock);
+        if (isLoaded()) // another thread was quicker
+            return true;
+        Result<void> loaded;
+        try {
+            loaded = load(hasNewMetadata);
+        } catch (const std::bad_alloc &) {
+            loaded = fail(outOfMemoryText());
+        }
+        const std::lock_guard lock(m_stateLock);
+        m_loadError = loaded ? QString() : loaded.error().text;
+        return loaded.has_value();
+    }();
+    // Whoever hears of it may ask for the photo, so nothing is locked any more.
+    if (hasNewMetadata)
+        Q_EMIT metadataChanged();
+    return isReadable;
 }
 
-Result<void> ImageObject::load()
+/// Called with the processing lock held.
+Result<void> ImageObject::load(bool &hasNewMetadata)
 {
     const std::lock_guard pixels(m_pixelLock);
     const Result<ImageSource> source = ImageSource::open(readPath(), m_services.limits);
@@ -166,7 +174,7 @@ Result<void> ImageObject::load()
         const std::lock_guard lock(m_stateLock);
         m_metadata = metadata;
     }
-    Q_EMIT metadataChanged();
+    hasNewMetadata = true;
 
     const Uprighting uprighting = uprightingOf(source->info().rows.size, metadata, 1, m_services.limits);
     const Result<QImage> picture = readUpright(*source, uprighting, kThumbnailSide);
@@ -186,27 +194,40 @@ Result<void> ImageObject::load()
     return {};
 }
 
-std::optional<Uprighting> ImageObject::uprighting() const
-{
-    const std::lock_guard lock(m_stateLock);
-    return m_hasImage ? std::optional(m_uprighting) : std::nullopt;
-}
-
 QImage ImageObject::originalCGImage()
 {
-    if (!loadImageFromDisk())
-        return {};
-    const std::lock_guard pixels(m_pixelLock);
+    return snapshot(Pixels::Needed).pixels;
+}
+
+ImageObject::Snapshot ImageObject::snapshot(Pixels pixels)
+{
+    if (pixels == Pixels::Needed)
+        loadImageFromDisk();
+    const std::lock_guard pixelLock(m_pixelLock);
+    const QImage picture = pixels == Pixels::Needed ? decodedPixels() : QImage();
+    const PhotoFacts current = facts();
+    const std::lock_guard lock(m_stateLock);
+    return {current, m_customWatermarkRectOrigins, picture};
+}
+
+/// The pixels from the cache, else from the file; null when they cannot be had. Called with the pixel lock
+/// held.
+QImage ImageObject::decodedPixels()
+{
+    Uprighting uprighting;
+    {
+        const std::lock_guard lock(m_stateLock);
+        if (!m_hasImage)
+            return {};
+        uprighting = m_uprighting;
+    }
     if (QImage kept = m_services.cache.find(m_key); !kept.isNull())
         return kept;
-    const std::optional<Uprighting> how = uprighting();
-    if (!how)
-        return {};
     const Result<ImageSource> source = ImageSource::open(readPath(), m_services.limits);
     // A file that was replaced by one of another size meanwhile is not the photo that was loaded.
-    if (!source || source->info().rows.size != how->stored)
+    if (!source || source->info().rows.size != uprighting.stored)
         return {};
-    const Result<QImage> picture = readUpright(*source, *how);
+    const Result<QImage> picture = readUpright(*source, uprighting);
     if (!picture)
         return {};
     m_services.cache.insert(m_key, *picture);
@@ -247,7 +268,6 @@ void ImageObject::setMetadata(const ImageMetadata &metadata)
 
 void ImageObject::releaseImagesData()
 {
-    const std::lock_guard processing(m_processingLock);
     const std::lock_guard pixels(m_pixelLock);
     m_services.cache.remove(m_key);
     const std::lock_guard lock(m_stateLock);
@@ -327,32 +347,44 @@ void ImageObject::resetAllCustomWatermarkRectOrigins()
     m_customWatermarkRectOrigins.clear();
 }
 
-QImage ImageObject::createWatermarkedImage(const QImage &image, const AppliedPreset &preset, QRectF *rect)
+QImage ImageObject::drawn(const QImage &image, const Snapshot &snapshot, const AppliedPreset &preset,
+                          QRectF *rect) const
 {
-    if (rect)
-        *rect = QRectF();
-    QImage photo = image.isNull() ? originalCGImage() : image;
-    if (photo.isNull())
+    if (image.isNull())
         return {};
-    const Result<std::optional<WatermarkDrawing>> drawing = WatermarkDrawing::prepare(
-        preset.values, facts(), m_services.fonts, customWatermarkRectOriginForWPreset(preset.preset.get()));
+    const auto custom =
+        std::find_if(snapshot.customOrigins.begin(), snapshot.customOrigins.end(),
+                     [&](const CustomOrigin &origin) { return origin.preset == preset.preset; });
+    const std::optional<QPointF> origin =
+        custom == snapshot.customOrigins.end() ? std::nullopt : std::optional(custom->origin);
+    const Result<std::optional<WatermarkDrawing>> drawing =
+        WatermarkDrawing::prepare(preset.values, snapshot.facts, m_services.fonts, origin);
     if (!drawing)
         return {};
     if (!*drawing)
-        return photo;
+        return image;
     if (rect)
         *rect = (*drawing)->layout().rect;
-    QImage marked = photo.copy();
+    QImage marked = image.copy();
     if (!marked.isNull())
         (*drawing)->drawRows(marked, 0);
     return marked;
 }
 
+QImage ImageObject::createWatermarkedImage(const QImage &image, const AppliedPreset &preset, QRectF *rect)
+{
+    if (rect)
+        *rect = QRectF();
+    const Snapshot current = snapshot(image.isNull() ? Pixels::Needed : Pixels::NotNeeded);
+    return drawn(image.isNull() ? current.pixels : image, current, preset, rect);
+}
+
 QImage ImageObject::createWatermarkedImageForAllAppliedWPresets(const std::vector<AppliedPreset> &presets)
 {
-    QImage result = originalCGImage();
+    const Snapshot current = snapshot(Pixels::Needed);
+    QImage result = current.pixels;
     for (const AppliedPreset &preset : presets) {
-        if (const QImage marked = createWatermarkedImage(result, preset); !marked.isNull())
+        if (const QImage marked = drawn(result, current, preset, nullptr); !marked.isNull())
             result = marked;
     }
     return result;
@@ -395,17 +427,19 @@ Result<CopyReport> ImageObject::saveImageAtPath(const QString &destination,
         return fail(QStringLiteral("the format \"%1\" cannot be written").arg(savingPreset.imageFormat));
     order.quality = savingPreset.jpegQuality / 100.0;
     order.tiffLzw = savingPreset.tiffCompressionLZW;
-    for (const AppliedPreset &preset : presets)
-        order.marks.push_back({preset.values, customWatermarkRectOriginForWPreset(preset.preset.get())});
     order.ifExists = ifExists;
     order.preservesCreationDate = preservesCreationDate;
     order.isCancelled = isCancelled;
     {
+        // Turns, places and pixels of one moment.
+        const std::lock_guard pixels(m_pixelLock);
+        for (const AppliedPreset &preset : presets)
+            order.marks.push_back({preset.values, customWatermarkRectOriginForWPreset(preset.preset.get())});
+        order.upright = m_services.cache.find(m_key);
         const std::lock_guard lock(m_stateLock);
         order.metadata = m_metadata;
         order.turns = m_turns;
     }
-    order.upright = m_services.cache.find(m_key);
     return writeCopy(order, m_services);
 }
 

@@ -86,7 +86,7 @@ public:
     /// Takes over edited metadata, which copies will carry.
     void setMetadata(const ImageMetadata &metadata);
 
-    /// Forgets pixels, thumbnail and turns; the metadata stay. Takes the processing lock.
+    /// Forgets pixels, thumbnail and turns; the metadata stay.
     void releaseImagesData();
 
     /// The processing lock, for work that must not be done twice on one photo at a time.
@@ -144,11 +144,22 @@ private:
         QPointF origin;
     };
 
+    /// The photo at one moment: its facts and its pixels belong together, whatever is turned meanwhile.
+    struct Snapshot {
+        PhotoFacts facts;
+        std::vector<CustomOrigin> customOrigins;
+        QImage pixels; ///< null when they were not asked for or cannot be had
+    };
+    enum class Pixels { Needed, NotNeeded };
+
     QString readPath() const;
     bool isLoaded() const;
-    Result<void> load();
-    std::optional<Uprighting> uprighting() const;
+    Result<void> load(bool &hasNewMetadata);
+    QImage decodedPixels();
+    Snapshot snapshot(Pixels pixels);
     PhotoFacts facts() const;
+    QImage drawn(const QImage &image, const Snapshot &snapshot, const AppliedPreset &preset,
+                 QRectF *rect) const;
 
     const PhotoServices &m_services;
     const PixelCache::Key m_key;

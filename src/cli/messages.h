@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QString>
+
+#include <cstdio>
+
+namespace plexa
+{
+
+/// Prints a line as UTF-8.
+void printLine(FILE *stream, const QString &text);
+
+/// A text on one line: characters that would move the cursor are replaced by a question mark.
+QString onOneLine(QString text);
+
+/// The line on standard error that says what is wrong with a file: "NAME: reason".
+void printAbout(const QString &path, const QString &reason);
+
+} // namespace plexa
