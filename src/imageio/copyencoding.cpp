@@ -236,6 +236,8 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
                                          const EmbeddedMetadata::CopyFacts &facts)
 {
     EmbeddedMetadata::Encoded encoded;
+    if (hasExcessiveXmp(set))
+        encoded.omitted += u"XMP"_qs;
     const auto lock = lockXmpNamespaces();
     Exiv2::XmpData xmp = decodedXmp(set);
     const MakerNoteBlock note = makerNoteOf(set.exif);
