@@ -209,6 +209,19 @@ QByteArray encodedIptc(const MetadataSet &set, const Exiv2::IptcData &original)
     return holdsPicture(records) ? QByteArray() : records;
 }
 
+/// The comment where it is a text: anything may be kept in that segment.
+QByteArray textualComment(const std::string &comment)
+{
+    const QByteArray bytes = QByteArray::fromStdString(comment);
+    const qsizetype end = static_cast<qsizetype>(comment.find_last_not_of('\0') + 1);
+    // White space, and the escape that switches character sets.
+    static const QByteArray allowed("\t\n\v\f\r\x1B");
+    const bool isText = std::all_of(bytes.begin(), bytes.begin() + end, [](char byte) {
+        return static_cast<uchar>(byte) >= ' ' || allowed.contains(byte);
+    });
+    return isText && !isPictureValue(bytes) ? bytes : QByteArray();
+}
+
 QByteArray encodedXmp(const Exiv2::XmpData &xmp)
 {
     if (xmp.empty())
@@ -264,7 +277,7 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     } catch (const std::exception &) {
         encoded.xmp.clear();
     }
-    encoded.comment = QByteArray::fromStdString(set.comment);
+    encoded.comment = textualComment(set.comment);
     return encoded;
 }
 

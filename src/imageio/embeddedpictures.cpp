@@ -4,6 +4,8 @@
 
 #include "imageio/metadataclearing.h"
 
+#include <QtEndian>
+
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -50,19 +52,52 @@ bool isDngTag(uint16_t tag)
     return !isOfCamera && ((tag >= 0xC612 && tag <= 0xC7FF) || (tag >= 0xCD2D && tag <= 0xCD4F));
 }
 
+/// The header of a Windows bitmap, which names the size of all.
+bool beginsAsBitmap(std::string_view bytes)
+{
+    const auto numberAt = [bytes](size_t at) { return qFromLittleEndian<quint32>(bytes.data() + at); };
+    return bytes.starts_with("BM"sv) && numberAt(2) <= bytes.size() && numberAt(6) == 0 &&
+           numberAt(10) < bytes.size() && numberAt(14) >= 12 && numberAt(14) <= 124;
+}
+
+/// Does a file begin with these bytes that shows a picture? Too few bytes show nothing.
+bool beginsAsPicture(std::string_view bytes)
+{
+    constexpr size_t kLeastBytes = 128;
+    if (bytes.size() < kLeastBytes)
+        return false;
+    for (const std::string_view beginning :
+         {"II*\0"sv, "MM\0*"sv, "II+\0"sv, "MM\0+"sv, "GIF87a"sv, "GIF89a"sv, "\xFF\x0A"sv,
+          "\xFF\x4F\xFF\x51"sv, "\0\0\0\x0CJXL "sv, "\0\0\0\x0CjP  "sv}) {
+        if (bytes.starts_with(beginning))
+            return true;
+    }
+    return bytes.substr(4, 4) == "ftyp"sv ||
+           (bytes.starts_with("RIFF"sv) && bytes.substr(8, 4) == "WEBP"sv) || beginsAsBitmap(bytes);
+}
+
+template<class Datum>
+QByteArray bytesOf(const Datum &datum)
+{
+    QByteArray bytes(std::max<qsizetype>(0, datum.size()), '\0');
+    if (!bytes.isEmpty())
+        datum.copy(reinterpret_cast<Exiv2::byte *>(bytes.data()), Exiv2::littleEndian);
+    return bytes;
+}
+
 bool holdsPicture(const Exiv2::Exifdatum &datum)
 {
-    const auto holds = [](Exiv2::DataBuf buffer) {
-        return buffer.pData_ && holdsPictureStart(reinterpret_cast<const char *>(buffer.pData_),
-                                                  static_cast<size_t>(buffer.size_));
-    };
-    if (holds(datum.dataArea()))
+    const Exiv2::DataBuf area = datum.dataArea();
+    if (area.pData_ &&
+        holdsPictureStart(reinterpret_cast<const char *>(area.pData_), static_cast<size_t>(area.size_)))
         return true;
-    if (datum.size() < 3)
-        return false;
-    Exiv2::DataBuf buffer(datum.size());
-    datum.copy(buffer.pData_, Exiv2::littleEndian);
-    return holds(buffer);
+    const QByteArray bytes = bytesOf(datum);
+    // The notes of some makers are built like a TIFF file, and begin like one.
+    if (datum.key() == "Exif.Photo.MakerNote")
+        return holdsPictureStart(bytes.constData(), static_cast<size_t>(bytes.size()));
+    constexpr qsizetype kCharacterCode = 8;
+    return isPictureValue(bytes) ||
+           (datum.key() == "Exif.Photo.UserComment" && isPictureValue(bytes.mid(kCharacterCode)));
 }
 
 /// Does the name of the tag or group say that this is a picture, or where it lies? Sizes and borders of
@@ -97,6 +132,12 @@ bool holdsPictureStart(const char *data, size_t size)
     return bytes.find("\xFF\xD8\xFF"sv) != bytes.npos || bytes.find("\x89PNG\r\n\x1A\n"sv) != bytes.npos;
 }
 
+bool isPictureValue(const QByteArray &value)
+{
+    const auto size = static_cast<size_t>(value.size());
+    return holdsPictureStart(value.constData(), size) || beginsAsPicture({value.constData(), size});
+}
+
 void erasePicturesFromExif(Exiv2::ExifData &exif)
 {
     const bool isRaw = exif.findKey(Exiv2::ExifKey("Exif.Image.DNGVersion")) != exif.end();
@@ -129,9 +170,11 @@ void erasePicturesFromXmp(Exiv2::XmpData &xmp)
         }
         if (key.find("xmpGImg:") != key.npos || key.find("xapGImg:") != key.npos)
             return true;
-        // A JPEG or PNG in Base64.
+        // A JPEG or PNG in Base64, or a GIF, WebP or TIFF.
         const std::string value = datum.size() > 64 ? datum.toString() : std::string();
-        return value.find("/9j/") != value.npos || value.find("iVBORw0KGgo") != value.npos;
+        return value.find("/9j/") != value.npos || value.find("iVBORw0KGgo") != value.npos ||
+               value.starts_with("R0lGOD") || value.starts_with("UklGR") || value.starts_with("SUkqA") ||
+               value.starts_with("TU0AK");
     });
 }
 

@@ -43,6 +43,34 @@ QByteArray number(qsizetype value, int bytes)
     return number;
 }
 
+/// A big-endian directory that begins at `at`, its values behind it.
+QByteArray directory(qsizetype at, const QList<Field> &fields)
+{
+    QByteArray table = number(fields.size(), 2);
+    QByteArray values;
+    const qsizetype valuesAt = at + 2 + 12 * fields.size() + 4;
+    for (const Field &field : fields) {
+        const qsizetype count = field.type == 4 ? 1 : field.value.size();
+        table += number(field.tag, 2) + number(field.type, 2) + number(count, 4);
+        if (field.value.size() <= 4) {
+            table += field.value.leftJustified(4, '\0');
+        } else {
+            table += number(valuesAt + values.size(), 4);
+            values += field.value + QByteArray(field.value.size() % 2, '\0');
+        }
+    }
+    return table + number(0, 4) + values;
+}
+
+/// EXIF with a maker, a date and these fields.
+QByteArray exifWith(const QList<Field> &more)
+{
+    constexpr qsizetype kMainBytes = 2 + 2 * 12 + 4 + 8;
+    const QList<Field> main{{0x010F, 2, "Quorvel\0"_ba}, {0x8769, 4, number(8 + kMainBytes, 4)}};
+    const QList<Field> photo{{0x9003, 2, "2020:01:01 10:00:00\0"_ba}};
+    return "MM\0\x2A\0\0\0\x08"_ba + directory(8, main) + directory(8 + kMainBytes, photo + more);
+}
+
 QByteArray xmpPacket(const QByteArray &properties)
 {
     return "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF "
@@ -59,6 +87,10 @@ class CopySafetyTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void picturesInExifStayBehind_data();
+    void picturesInExifStayBehind();
+    void commentIsText_data();
+    void commentIsText();
     void excessiveXmpIsRefused_data();
     void excessiveXmpIsRefused();
 
@@ -81,6 +113,60 @@ private:
 
     test::TestFolder m_folder;
 };
+
+void CopySafetyTest::picturesInExifStayBehind_data()
+{
+    QTest::addColumn<int>("tag");
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<bool>("isKept");
+    constexpr int unknown = 0xFDE8;
+    QTest::newRow("JPEG") << unknown << "abc" + kJpeg << false;
+    QTest::newRow("PNG") << unknown << "abc" + kPng << false;
+    QTest::newRow("TIFF") << unknown << kTiff << false;
+    QTest::newRow("WebP") << unknown << kWebp << false;
+    QTest::newRow("GIF") << unknown << kGif << false;
+    QTest::newRow("HEIF") << unknown << kHeif << false;
+    QTest::newRow("GIF in a comment") << 0x9286 << "ASCII\0\0\0"_ba + kGif << false;
+    QTest::newRow("other bytes") << unknown << "BMXX"_ba + QByteArray(300, '\x01') << true;
+    QTest::newRow("maker note with the header of a TIFF") << 0x927C << kTiff << true;
+}
+
+void CopySafetyTest::picturesInExifStayBehind()
+{
+    QFETCH(int, tag);
+    QFETCH(QByteArray, value);
+    QFETCH(bool, isKept);
+    EmbeddedMetadata::Encoded blocks;
+    blocks.exif = exifWith({{tag, 7, value}});
+    const QByteArray exif = copied(blocks).exif;
+    QVERIFY(exif.contains("Quorvel"));
+    QCOMPARE(exif.contains(value), isKept);
+    QCOMPARE(exif.contains(value.right(290)), isKept);
+}
+
+void CopySafetyTest::commentIsText_data()
+{
+    QTest::addColumn<QByteArray>("comment");
+    QTest::addColumn<bool>("isKept");
+    QTest::newRow("text") << "Lake\tat\r\nnoon\n"_ba << true;
+    QTest::newRow("closed text") << "Lake\0"_ba << true;
+    QTest::newRow("Latin 1") << "Z\xFCrich"_ba << true;
+    QTest::newRow("UTF-8") << "Z\xC3\xBCrich"_ba << true;
+    QTest::newRow("control bytes") << "Lake\x01\x02"_ba << false;
+    QTest::newRow("JPEG") << "\xFF\xD8\xFF\xDB"_ba + QByteArray(300, 'x') << false;
+    QTest::newRow("PNG") << kPng << false;
+    QTest::newRow("TIFF") << kTiff << false;
+    QTest::newRow("GIF without control bytes") << "GIF89a"_ba + QByteArray(300, 'x') << false;
+}
+
+void CopySafetyTest::commentIsText()
+{
+    QFETCH(QByteArray, comment);
+    QFETCH(bool, isKept);
+    EmbeddedMetadata::Encoded blocks;
+    blocks.comment = comment;
+    QCOMPARE(copied(blocks).comment, isKept ? comment : QByteArray());
+}
 
 void CopySafetyTest::excessiveXmpIsRefused_data()
 {
