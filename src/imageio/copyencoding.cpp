@@ -200,7 +200,7 @@ QByteArray encodedIptc(const MetadataSet &set, const Exiv2::IptcData &original)
 {
     QByteArray records;
     if (!set.iptcBlock.isEmpty() && areSame(set.iptc, original)) {
-        records = set.iptcBlock;
+        records = iptcWithoutPictures(set.iptcBlock);
     } else if (!set.iptc.empty()) {
         const Exiv2::DataBuf buffer = Exiv2::IptcParser::encode(set.iptc);
         if (buffer.pData_)
@@ -257,6 +257,9 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     const size_t noteFields = makerNoteFields(set.exif);
     erasePicturesFromExif(set.exif);
     erasePicturesFromXmp(xmp);
+    // A digest of the old record would make other programs distrust the new one.
+    if (erasePicturesFromIptc(set.iptc))
+        eraseXmpProperty(xmp, "Xmp.photoshop.LegacyIPTCDigest");
     const Exiv2::IptcData original = set.iptc;
     applyPropertyChanges(set, xmp, before, after);
     describePictureInExif(set.exif, facts.pixelSize);

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <string_view>
 
 namespace plexa
@@ -100,6 +101,43 @@ bool holdsPicture(const Exiv2::Exifdatum &datum)
            (datum.key() == "Exif.Photo.UserComment" && isPictureValue(bytes.mid(kCharacterCode)));
 }
 
+/// One dataset of IIM records.
+struct IptcDataSet {
+    uint8_t record = 0;
+    uint8_t number = 0;
+    qsizetype headBytes = 0;
+    qsizetype valueBytes = 0;
+};
+
+/// The dataset that begins at `at`; none where it is not whole.
+std::optional<IptcDataSet> iptcDataSetAt(const QByteArray &block, qsizetype at)
+{
+    constexpr qsizetype kHeadBytes = 5;
+    if (at + kHeadBytes > block.size())
+        return {};
+    IptcDataSet set{static_cast<uint8_t>(block[at + 1]), static_cast<uint8_t>(block[at + 2]), kHeadBytes,
+                    qFromBigEndian<quint16>(block.constData() + at + 3)};
+    if (set.valueBytes > 0x7FFF) { // so many bytes of length follow
+        const qsizetype lengthBytes = set.valueBytes & 0x7FFF;
+        set.headBytes += lengthBytes;
+        if (lengthBytes > 4 || at + set.headBytes > block.size())
+            return {};
+        set.valueBytes = 0;
+        for (qsizetype i = at + kHeadBytes; i < at + set.headBytes; ++i)
+            set.valueBytes = set.valueBytes << 8 | static_cast<uchar>(block[i]);
+    }
+    if (set.valueBytes > block.size() - at - set.headBytes)
+        return {};
+    return set;
+}
+
+bool isPictureDataSet(int record, int number, const QByteArray &value)
+{
+    // The preview with its format, and the object itself with its sizes.
+    return (record == 2 && number >= 200 && number <= 202) || (record >= 7 && record <= 9) ||
+           isPictureValue(value);
+}
+
 /// Does the name of the tag or group say that this is a picture, or where it lies? Sizes and borders of
 /// previews, and places of previews that are not there, give nothing away.
 bool isPreviewTag(const Exiv2::Exifdatum &datum)
@@ -155,6 +193,31 @@ void erasePicturesFromExif(Exiv2::ExifData &exif)
                         [](const Exiv2::Exifdatum &other) { return isMakerNoteGroup(other.groupName()); });
         return !isDecodedElsewhere && holdsPicture(datum);
     });
+}
+
+bool erasePicturesFromIptc(Exiv2::IptcData &iptc)
+{
+    const auto before = iptc.size();
+    eraseMetadataIf(iptc, [](const Exiv2::Iptcdatum &datum) {
+        return isPictureDataSet(datum.record(), datum.tag(), bytesOf(datum));
+    });
+    return iptc.size() != before;
+}
+
+QByteArray iptcWithoutPictures(const QByteArray &block)
+{
+    constexpr char kMarker = '\x1C';
+    QByteArray kept;
+    for (qsizetype at = block.indexOf(kMarker); at >= 0;) {
+        const std::optional<IptcDataSet> set = iptcDataSetAt(block, at);
+        if (!set)
+            break;
+        const qsizetype bytes = set->headBytes + set->valueBytes;
+        if (!isPictureDataSet(set->record, set->number, block.mid(at + set->headBytes, set->valueBytes)))
+            kept += block.mid(at, bytes);
+        at = block.indexOf(kMarker, at + bytes);
+    }
+    return kept;
 }
 
 void erasePicturesFromXmp(Exiv2::XmpData &xmp)

@@ -19,6 +19,14 @@ void erasePicturesFromExif(Exiv2::ExifData &exif);
 /// To be called under lockXmpNamespaces().
 void erasePicturesFromXmp(Exiv2::XmpData &xmp);
 
+/// Removes from IPTC the preview, the object of records 7 to 9, and any dataset that is a picture.
+/// @return was there any?
+bool erasePicturesFromIptc(Exiv2::IptcData &iptc);
+
+/// The same for records that are not decoded: the datasets that are kept, byte for byte. What lies between
+/// and behind the datasets and those that are not whole are left out.
+QByteArray iptcWithoutPictures(const QByteArray &block);
+
 /// Does a JPEG or PNG begin anywhere in these bytes?
 bool holdsPictureStart(const char *data, size_t size);
 

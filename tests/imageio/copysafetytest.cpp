@@ -71,6 +71,11 @@ QByteArray exifWith(const QList<Field> &more)
     return "MM\0\x2A\0\0\0\x08"_ba + directory(8, main) + directory(8 + kMainBytes, photo + more);
 }
 
+QByteArray dataSet(int record, int tag, const QByteArray &value)
+{
+    return "\x1C"_ba + number(record, 1) + number(tag, 1) + number(value.size(), 2) + value;
+}
+
 QByteArray xmpPacket(const QByteArray &properties)
 {
     return "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF "
@@ -89,6 +94,8 @@ class CopySafetyTest : public QObject
 private Q_SLOTS:
     void picturesInExifStayBehind_data();
     void picturesInExifStayBehind();
+    void picturesInIptcStayBehind_data();
+    void picturesInIptcStayBehind();
     void commentIsText_data();
     void commentIsText();
     void excessiveXmpIsRefused_data();
@@ -142,6 +149,32 @@ void CopySafetyTest::picturesInExifStayBehind()
     QVERIFY(exif.contains("Quorvel"));
     QCOMPARE(exif.contains(value), isKept);
     QCOMPARE(exif.contains(value.right(290)), isKept);
+}
+
+void CopySafetyTest::picturesInIptcStayBehind_data()
+{
+    QTest::addColumn<QByteArray>("unwanted");
+    QTest::newRow("none") << QByteArray();
+    QTest::newRow("JPEG preview") << dataSet(2, 200, "\0\x0B"_ba) + dataSet(2, 201, "\0\x01"_ba) +
+                                         dataSet(2, 202, kJpeg);
+    QTest::newRow("TIFF preview") << dataSet(2, 202, kTiff);
+    QTest::newRow("preview without a known header") << dataSet(2, 202, QByteArray(300, 'p'));
+    QTest::newRow("object in records 7 to 9")
+        << dataSet(7, 10, "\1"_ba) + dataSet(8, 10, QByteArray(300, 'o')) + dataSet(9, 10, "\0\0\1\0"_ba);
+    QTest::newRow("GIF in an unknown dataset") << dataSet(2, 240, kGif);
+    QTest::newRow("bytes behind the last dataset") << kWebp;
+}
+
+void CopySafetyTest::picturesInIptcStayBehind()
+{
+    QFETCH(QByteArray, unwanted);
+    // A time without zone: the library would add one when it writes it anew.
+    const QByteArray before = dataSet(2, 0, "\0\x04"_ba) + dataSet(2, 60, "101500") + dataSet(2, 120, "Lake");
+    const QByteArray after = dataSet(2, 25, "water");
+    EmbeddedMetadata::Encoded blocks;
+    const bool isAtEnd = !unwanted.startsWith('\x1C');
+    blocks.iptc = isAtEnd ? before + after + unwanted : before + unwanted + after;
+    QCOMPARE(copied(blocks).iptc, before + after);
 }
 
 void CopySafetyTest::commentIsText_data()
