@@ -92,6 +92,8 @@ class CopySafetyTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void longExifLosesLittle_data();
+    void longExifLosesLittle();
     void picturesInExifStayBehind_data();
     void picturesInExifStayBehind();
     void picturesInIptcStayBehind_data();
@@ -120,6 +122,53 @@ private:
 
     test::TestFolder m_folder;
 };
+
+void CopySafetyTest::longExifLosesLittle_data()
+{
+    QTest::addColumn<int>("noteBytes");
+    QTest::addColumn<int>("commentBytes");
+    QTest::addColumn<int>("unknownBytes");
+    QTest::addColumn<qsizetype>("limit");
+    QTest::addColumn<QStringList>("omitted");
+    const qsizetype jpeg = kFacts.maxExifBytes;
+    const QString unknown = u"EXIF field 0xfde8"_qs;
+    QTest::newRow("fits") << 1000 << 1000 << 1000 << jpeg << QStringList();
+    QTest::newRow("comment") << 0 << 65'425 << 0 << jpeg << QStringList{u"user comment"_qs};
+    QTest::newRow("note") << 40'000 << 25'405 << 0 << jpeg << QStringList{u"maker note"_qs};
+    QTest::newRow("unknown field") << 0 << 33'410 << 32'000 << jpeg << QStringList{unknown};
+    QTest::newRow("no more than needed") << 0 << 64'000 << 1000 << qsizetype(65'000) << QStringList{unknown};
+    QTest::newRow("all three") << 2000 << 2000 << 3000 << qsizetype(1000)
+                               << QStringList{u"maker note"_qs, unknown, u"user comment"_qs};
+    QTest::newRow("all of it in a PNG") << 0 << 65'425 << 0 << qsizetype(100'000) << QStringList();
+}
+
+void CopySafetyTest::longExifLosesLittle()
+{
+    QFETCH(int, noteBytes);
+    QFETCH(int, commentBytes);
+    QFETCH(int, unknownBytes);
+    QFETCH(qsizetype, limit);
+    QFETCH(QStringList, omitted);
+    QList<Field> fields;
+    if (noteBytes > 0)
+        fields += {0x927C, 7, QByteArray(noteBytes, 'n')};
+    if (commentBytes > 0)
+        fields += {0x9286, 7, "ASCII\0\0\0"_ba + QByteArray(commentBytes - 8, 'c')};
+    if (unknownBytes > 0)
+        fields += {0xFDE8, 7, QByteArray(unknownBytes, 'u')};
+    EmbeddedMetadata::Encoded blocks;
+    blocks.exif = exifWith(fields);
+    QVERIFY(blocks.exif.size() <= kFacts.maxExifBytes);
+    const EmbeddedMetadata::Encoded copy = copied(blocks, {QSize(16, 16), 10'000, limit});
+    QVERIFY(copy.exif.size() <= limit);
+    QCOMPARE(copy.omitted, omitted);
+    QCOMPARE(copy.exif.contains(QByteArray(noteBytes, 'n')), !omitted.contains(u"maker note"_qs));
+    QCOMPARE(copy.exif.contains(QByteArray(qMax(0, commentBytes - 8), 'c')),
+             !omitted.contains(u"user comment"_qs));
+    QCOMPARE(copy.exif.contains(QByteArray(unknownBytes, 'u')), !omitted.contains(u"EXIF field 0xfde8"_qs));
+    QVERIFY(copy.exif.contains("Quorvel"));
+    QVERIFY(copy.exif.contains("2020:01:01 10:00:00"));
+}
 
 void CopySafetyTest::picturesInExifStayBehind_data()
 {
