@@ -102,6 +102,8 @@ private Q_SLOTS:
     void commentIsText();
     void excessiveXmpIsRefused_data();
     void excessiveXmpIsRefused();
+    void thumbnailFitsAnyRoom_data();
+    void thumbnailFitsAnyRoom();
 
 private:
     std::shared_ptr<const EmbeddedMetadata> readBack(const EmbeddedMetadata::Encoded &blocks)
@@ -307,6 +309,29 @@ void CopySafetyTest::excessiveXmpIsRefused()
     QCOMPARE(copy.xmp.isEmpty(), !isKept);
     QCOMPARE(copy.omitted, isKept ? QStringList() : QStringList{u"XMP"_qs});
     QVERIFY(timer.elapsed() < 3000); // a tenth of that without sanitizers
+}
+
+void CopySafetyTest::thumbnailFitsAnyRoom_data()
+{
+    QTest::addColumn<int>("room");
+    for (const int room : {700, 1500, 4000, 10'000})
+        QTest::addRow("%d", room) << room;
+}
+
+/// Noise is what compresses worst.
+void CopySafetyTest::thumbnailFitsAnyRoom()
+{
+    QFETCH(int, room);
+    QImage noise(640, 640, QImage::Format_RGB32);
+    QRandomGenerator random(1);
+    for (int y = 0; y < noise.height(); ++y)
+        for (int x = 0; x < noise.width(); ++x)
+            noise.setPixel(x, y, x / 4 % 2 == y / 4 % 2 ? random.generate() : 0xFF000000);
+    ThumbnailMaker maker(noise.size());
+    maker.addRows(noise, noise.height());
+    const QByteArray thumbnail = maker.jpeg(room);
+    QCOMPARE(thumbnail.size(), room);
+    QVERIFY(!QImage::fromData(thumbnail, "JPG").isNull());
 }
 
 QTEST_GUILESS_MAIN(CopySafetyTest)
