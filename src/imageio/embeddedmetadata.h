@@ -2,10 +2,12 @@
 
 #pragma once
 
+#include "imageio/jpegsegments.h"
 #include "platform/result.h"
 
 #include <QByteArray>
 #include <QSize>
+#include <QStringList>
 #include <QVariantMap>
 
 #include <memory>
@@ -44,12 +46,14 @@ public:
         QByteArray xmp;                  ///< packet, UTF-8
         QByteArray comment;              ///< JPEG comment
         QByteArray thumbnailPlaceholder; ///< the bytes in `exif` that stand for the thumbnail to be made
+        QStringList omitted;             ///< what was too long for the copy: "maker note", "user comment"
     };
 
     /// How a copy differs from its source.
     struct CopyFacts {
-        QSize pixelSize;              ///< of the copy
-        qsizetype thumbnailBytes = 0; ///< room to keep for a new EXIF thumbnail, 0: none
+        QSize pixelSize;                       ///< of the copy
+        qsizetype thumbnailBytes = 0;          ///< room to keep for a new EXIF thumbnail, 0: none
+        qsizetype maxExifBytes = kMaxJpegExif; ///< the longest EXIF that the copy's format holds
     };
 
     /// Metadata for a copy: the file's own, changed where `properties` differs from properties(), freed from

@@ -4,8 +4,11 @@
 
 #include "imageio/metadataclearing.h"
 
+#include <QtEndian>
+
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <string_view>
 
 namespace plexa
@@ -50,19 +53,89 @@ bool isDngTag(uint16_t tag)
     return !isOfCamera && ((tag >= 0xC612 && tag <= 0xC7FF) || (tag >= 0xCD2D && tag <= 0xCD4F));
 }
 
+/// The header of a Windows bitmap, which names the size of all.
+bool beginsAsBitmap(std::string_view bytes)
+{
+    const auto numberAt = [bytes](size_t at) { return qFromLittleEndian<quint32>(bytes.data() + at); };
+    return bytes.starts_with("BM"sv) && numberAt(2) <= bytes.size() && numberAt(6) == 0 &&
+           numberAt(10) < bytes.size() && numberAt(14) >= 12 && numberAt(14) <= 124;
+}
+
+/// Does a file begin with these bytes that shows a picture? Too few bytes show nothing.
+bool beginsAsPicture(std::string_view bytes)
+{
+    constexpr size_t kLeastBytes = 128;
+    if (bytes.size() < kLeastBytes)
+        return false;
+    for (const std::string_view beginning :
+         {"II*\0"sv, "MM\0*"sv, "II+\0"sv, "MM\0+"sv, "GIF87a"sv, "GIF89a"sv, "\xFF\x0A"sv,
+          "\xFF\x4F\xFF\x51"sv, "\0\0\0\x0CJXL "sv, "\0\0\0\x0CjP  "sv}) {
+        if (bytes.starts_with(beginning))
+            return true;
+    }
+    return bytes.substr(4, 4) == "ftyp"sv ||
+           (bytes.starts_with("RIFF"sv) && bytes.substr(8, 4) == "WEBP"sv) || beginsAsBitmap(bytes);
+}
+
+template<class Datum>
+QByteArray bytesOf(const Datum &datum)
+{
+    QByteArray bytes(std::max<qsizetype>(0, datum.size()), '\0');
+    if (!bytes.isEmpty())
+        datum.copy(reinterpret_cast<Exiv2::byte *>(bytes.data()), Exiv2::littleEndian);
+    return bytes;
+}
+
 bool holdsPicture(const Exiv2::Exifdatum &datum)
 {
-    const auto holds = [](Exiv2::DataBuf buffer) {
-        return buffer.pData_ && holdsPictureStart(reinterpret_cast<const char *>(buffer.pData_),
-                                                  static_cast<size_t>(buffer.size_));
-    };
-    if (holds(datum.dataArea()))
+    const Exiv2::DataBuf area = datum.dataArea();
+    if (area.pData_ &&
+        holdsPictureStart(reinterpret_cast<const char *>(area.pData_), static_cast<size_t>(area.size_)))
         return true;
-    if (datum.size() < 3)
-        return false;
-    Exiv2::DataBuf buffer(datum.size());
-    datum.copy(buffer.pData_, Exiv2::littleEndian);
-    return holds(buffer);
+    const QByteArray bytes = bytesOf(datum);
+    // The notes of some makers are built like a TIFF file, and begin like one.
+    if (datum.key() == "Exif.Photo.MakerNote")
+        return holdsPictureStart(bytes.constData(), static_cast<size_t>(bytes.size()));
+    constexpr qsizetype kCharacterCode = 8;
+    return isPictureValue(bytes) ||
+           (datum.key() == "Exif.Photo.UserComment" && isPictureValue(bytes.mid(kCharacterCode)));
+}
+
+/// One dataset of IIM records.
+struct IptcDataSet {
+    uint8_t record = 0;
+    uint8_t number = 0;
+    qsizetype headBytes = 0;
+    qsizetype valueBytes = 0;
+};
+
+/// The dataset that begins at `at`; none where it is not whole.
+std::optional<IptcDataSet> iptcDataSetAt(const QByteArray &block, qsizetype at)
+{
+    constexpr qsizetype kHeadBytes = 5;
+    if (at + kHeadBytes > block.size())
+        return {};
+    IptcDataSet set{static_cast<uint8_t>(block[at + 1]), static_cast<uint8_t>(block[at + 2]), kHeadBytes,
+                    qFromBigEndian<quint16>(block.constData() + at + 3)};
+    if (set.valueBytes > 0x7FFF) { // so many bytes of length follow
+        const qsizetype lengthBytes = set.valueBytes & 0x7FFF;
+        set.headBytes += lengthBytes;
+        if (lengthBytes > 4 || at + set.headBytes > block.size())
+            return {};
+        set.valueBytes = 0;
+        for (qsizetype i = at + kHeadBytes; i < at + set.headBytes; ++i)
+            set.valueBytes = set.valueBytes << 8 | static_cast<uchar>(block[i]);
+    }
+    if (set.valueBytes > block.size() - at - set.headBytes)
+        return {};
+    return set;
+}
+
+bool isPictureDataSet(int record, int number, const QByteArray &value)
+{
+    // The preview with its format, and the object itself with its sizes.
+    return (record == 2 && number >= 200 && number <= 202) || (record >= 7 && record <= 9) ||
+           isPictureValue(value);
 }
 
 /// Does the name of the tag or group say that this is a picture, or where it lies? Sizes and borders of
@@ -97,6 +170,12 @@ bool holdsPictureStart(const char *data, size_t size)
     return bytes.find("\xFF\xD8\xFF"sv) != bytes.npos || bytes.find("\x89PNG\r\n\x1A\n"sv) != bytes.npos;
 }
 
+bool isPictureValue(const QByteArray &value)
+{
+    const auto size = static_cast<size_t>(value.size());
+    return holdsPictureStart(value.constData(), size) || beginsAsPicture({value.constData(), size});
+}
+
 void erasePicturesFromExif(Exiv2::ExifData &exif)
 {
     const bool isRaw = exif.findKey(Exiv2::ExifKey("Exif.Image.DNGVersion")) != exif.end();
@@ -116,6 +195,31 @@ void erasePicturesFromExif(Exiv2::ExifData &exif)
     });
 }
 
+bool erasePicturesFromIptc(Exiv2::IptcData &iptc)
+{
+    const auto before = iptc.size();
+    eraseMetadataIf(iptc, [](const Exiv2::Iptcdatum &datum) {
+        return isPictureDataSet(datum.record(), datum.tag(), bytesOf(datum));
+    });
+    return iptc.size() != before;
+}
+
+QByteArray iptcWithoutPictures(const QByteArray &block)
+{
+    constexpr char kMarker = '\x1C';
+    QByteArray kept;
+    for (qsizetype at = block.indexOf(kMarker); at >= 0;) {
+        const std::optional<IptcDataSet> set = iptcDataSetAt(block, at);
+        if (!set)
+            break;
+        const qsizetype bytes = set->headBytes + set->valueBytes;
+        if (!isPictureDataSet(set->record, set->number, block.mid(at + set->headBytes, set->valueBytes)))
+            kept += block.mid(at, bytes);
+        at = block.indexOf(kMarker, at + bytes);
+    }
+    return kept;
+}
+
 void erasePicturesFromXmp(Exiv2::XmpData &xmp)
 {
     eraseMetadataIf(xmp, [](const Exiv2::Xmpdatum &datum) {
@@ -129,9 +233,11 @@ void erasePicturesFromXmp(Exiv2::XmpData &xmp)
         }
         if (key.find("xmpGImg:") != key.npos || key.find("xapGImg:") != key.npos)
             return true;
-        // A JPEG or PNG in Base64.
+        // A JPEG or PNG in Base64, or a GIF, WebP or TIFF.
         const std::string value = datum.size() > 64 ? datum.toString() : std::string();
-        return value.find("/9j/") != value.npos || value.find("iVBORw0KGgo") != value.npos;
+        return value.find("/9j/") != value.npos || value.find("iVBORw0KGgo") != value.npos ||
+               value.starts_with("R0lGOD") || value.starts_with("UklGR") || value.starts_with("SUkqA") ||
+               value.starts_with("TU0AK");
     });
 }
 

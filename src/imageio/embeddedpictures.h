@@ -11,7 +11,7 @@ namespace plexa
 
 /// Removes from EXIF every picture that shows the photo: the thumbnail directory, previews in maker notes,
 /// further directories of raw and TIFF files with the tags that say where their pixels lie, and any field
-/// whose data hold the start of a JPEG or PNG.
+/// whose data hold the start of a JPEG or PNG, or begin like another picture file.
 void erasePicturesFromExif(Exiv2::ExifData &exif);
 
 /// Removes from XMP thumbnails, depth maps and other pictures, and what describes pictures that a copy does
@@ -19,7 +19,19 @@ void erasePicturesFromExif(Exiv2::ExifData &exif);
 /// To be called under lockXmpNamespaces().
 void erasePicturesFromXmp(Exiv2::XmpData &xmp);
 
+/// Removes from IPTC the preview, the object of records 7 to 9, and any dataset that is a picture.
+/// @return was there any?
+bool erasePicturesFromIptc(Exiv2::IptcData &iptc);
+
+/// The same for records that are not decoded: the datasets that are kept, byte for byte. What lies between
+/// and behind the datasets and those that are not whole are left out.
+QByteArray iptcWithoutPictures(const QByteArray &block);
+
 /// Does a JPEG or PNG begin anywhere in these bytes?
 bool holdsPictureStart(const char *data, size_t size);
+
+/// Is this value a picture: does a JPEG or PNG begin anywhere in it, or does it begin like a file of another
+/// picture format (TIFF, GIF, WebP, HEIF, AVIF, JPEG XL, JPEG 2000, BMP)?
+bool isPictureValue(const QByteArray &value);
 
 } // namespace plexa

@@ -87,8 +87,11 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
         options.chromaSampling = request.source->info().chromaSampling;
     }
     const auto metadata = request.source ? request.source->metadata() : EmbeddedMetadata::none();
-    const EmbeddedMetadata::CopyFacts facts = {format.size, metadata->hasThumbnail() ? kThumbnailBytes : 0};
+    const EmbeddedMetadata::CopyFacts facts = {format.size, metadata->hasThumbnail() ? kThumbnailBytes : 0,
+                                               target->codec->maxExifBytes()};
     const EmbeddedMetadata::Encoded encoded = metadata->encodeForCopy(properties, facts);
+    if (request.omitted)
+        *request.omitted += encoded.omitted;
     options.exif = encoded.exif;
     options.thumbnailPlaceholder = encoded.thumbnailPlaceholder;
     options.iptc = encoded.iptc;

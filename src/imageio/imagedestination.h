@@ -18,6 +18,8 @@ struct CopyRequest {
                             ///< "kCGImageDestinationLossyCompressionQuality" (0..1) where it applies
     const ImageSource *source =
         nullptr; ///< whose unmodelled metadata, sampling and so on are kept; may be null
+    QStringList *omitted =
+        nullptr; ///< is appended what of the metadata was too long for the copy; may be null
 };
 
 /// Opens a writer for one picture with its metadata, sRGB profile and, where the source had one, a new

@@ -99,6 +99,9 @@ public:
     /// alpha are given rows without it. Fails when the format cannot be written.
     [[nodiscard]] virtual Result<std::unique_ptr<RowWriter>>
     openWriter(QIODevice &device, const RowFormat &format, const WriteOptions &options) const = 0;
+
+    /// The longest EXIF structure that openWriter() takes.
+    virtual qsizetype maxExifBytes() const { return 16 * 1024 * 1024; }
 };
 
 } // namespace plexa

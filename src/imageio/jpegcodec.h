@@ -3,6 +3,7 @@
 #pragma once
 
 #include "imageio/imageformat.h"
+#include "imageio/jpegsegments.h"
 
 #include <QImage>
 
@@ -19,6 +20,7 @@ public:
                                                                 int reduction) const override;
     [[nodiscard]] Result<std::unique_ptr<RowWriter>> openWriter(QIODevice &device, const RowFormat &format,
                                                                 const WriteOptions &options) const override;
+    qsizetype maxExifBytes() const override { return kMaxJpegExif; }
 };
 
 /// A baseline JPEG without any application segment, as EXIF wants its thumbnails, half chroma.

@@ -260,11 +260,12 @@ public:
             return failure();
         if (!m_thumbnail)
             return {};
-        // Should no quality fit, the room keeps the placeholder, which shows nothing.
         const QByteArray thumbnail = m_thumbnail->jpeg(m_thumbnailBytes);
+        if (thumbnail.isEmpty())
+            return fail(ReadFailures::outOfMemory());
         const qint64 end = m_device.pos();
-        if (!thumbnail.isEmpty() && (!m_device.seek(m_thumbnailPosition) ||
-                                     m_device.write(thumbnail) != thumbnail.size() || !m_device.seek(end)))
+        if (!m_device.seek(m_thumbnailPosition) || m_device.write(thumbnail) != thumbnail.size() ||
+            !m_device.seek(end))
             return failure();
         return {};
     }

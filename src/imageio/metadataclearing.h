@@ -6,7 +6,10 @@
 
 #include <QVariantMap>
 
+#include <algorithm>
+#include <iterator>
 #include <string_view>
+#include <type_traits>
 
 namespace plexa
 {
@@ -15,8 +18,16 @@ namespace plexa
 template<class Container, class Predicate>
 void eraseMetadataIf(Container &container, Predicate predicate)
 {
-    for (auto entry = container.begin(); entry != container.end();)
-        entry = predicate(*entry) ? container.erase(entry) : std::next(entry);
+    using Category = typename std::iterator_traits<decltype(container.begin())>::iterator_category;
+    if constexpr (std::is_base_of_v<std::random_access_iterator_tag, Category>) {
+        // Erasing one by one moves all that follows each time.
+        const auto kept = std::remove_if(container.begin(), container.end(), predicate) - container.begin();
+        while (container.end() - container.begin() > kept)
+            container.erase(std::prev(container.end()));
+    } else {
+        for (auto entry = container.begin(); entry != container.end();)
+            entry = predicate(*entry) ? container.erase(entry) : std::next(entry);
+    }
 }
 
 /// Removes an XMP property and what is nested in it. @return was there any?

@@ -9,6 +9,8 @@
 #include <QFileInfo>
 
 #include <memory>
+#include <set>
+#include <string_view>
 
 namespace plexa
 {
@@ -19,28 +21,104 @@ namespace
 // The XML is walked recursively by the library; real packets nest less than twenty elements.
 constexpr int kMaxXmlDepth = 200;
 
-bool nestsTooDeeply(const std::string &xml)
+// The library looks for each property among all others, so that its time grows with the square: this many
+// take a third of a second.
+constexpr int kMaxXmlNames = 5000;
+
+struct XmlTag {
+    size_t end = std::string_view::npos; ///< of its '>'
+    int names = 1;                       ///< of the element and its attributes
+    bool isClosed = false;
+};
+
+XmlTag tagAt(std::string_view xml, size_t at)
 {
-    int depth = 0;
-    for (size_t at = xml.find('<'); at != std::string::npos; at = xml.find('<', at + 1)) {
-        const char next = at + 1 < xml.size() ? xml[at + 1] : ' ';
-        if (next == '/') {
-            --depth;
-        } else if (next != '?' && next != '!') {
-            if (++depth > kMaxXmlDepth)
-                return true;
-            const size_t end = xml.find('>', at);
-            if (end != std::string::npos && xml[end - 1] == '/')
-                --depth;
+    XmlTag tag;
+    char quote = '\0';
+    for (size_t i = at + 1; i < xml.size(); ++i) {
+        const char byte = xml[i];
+        if (quote != '\0') {
+            if (byte == quote)
+                quote = '\0';
+        } else if (byte == '"' || byte == '\'') {
+            quote = byte;
+        } else if (byte == '=') {
+            ++tag.names;
+        } else if (byte == '>') {
+            tag.end = i;
+            tag.isClosed = xml[i - 1] == '/';
+            break;
         }
     }
-    return false;
+    return tag;
 }
 
-Exiv2::XmpData decodedPacket(const std::string &packet)
+bool isWideText(std::string_view xml)
+{
+    return xml.find('\0') < xml.find_last_not_of('\0') && xml.find_last_not_of('\0') != xml.npos;
+}
+
+/// Looks at the XML without decoding it. In texts of several bytes a character every '<' counts as one more
+/// element inside of the others.
+class XmlMeasure
+{
+public:
+    /// @return false when this packet, or the packets so far, nest too deeply or name too much
+    bool accepts(std::string_view xml)
+    {
+        const bool isWide = isWideText(xml);
+        m_depth = 0;
+        for (size_t at = xml.find('<'); at != xml.npos; at = xml.find('<', at)) {
+            const std::string_view rest = xml.substr(at);
+            if (isWide) {
+                if (++m_depth > kMaxXmlDepth)
+                    return false;
+                ++at;
+            } else if (rest.starts_with("<!--")) {
+                at = xml.find("-->", at + 4);
+            } else if (rest.starts_with("<![CDATA[")) {
+                at = xml.find("]]>", at + 9);
+            } else if (rest.starts_with("<!")) {
+                return false; // a document type: its entities may stand for any amount of XML
+            } else if (rest.starts_with("<?")) {
+                at = xml.find("?>", at + 2);
+            } else if (rest.starts_with("</")) {
+                --m_depth;
+                ++at;
+            } else if (!enter(tagAt(xml, at), at)) {
+                return false;
+            }
+            if (at == xml.npos)
+                break;
+        }
+        return true;
+    }
+
+private:
+    bool enter(const XmlTag &tag, size_t &at)
+    {
+        at = tag.end;
+        m_names += tag.names;
+        if (++m_depth > kMaxXmlDepth || m_names > kMaxXmlNames)
+            return false;
+        if (tag.isClosed)
+            --m_depth;
+        return true;
+    }
+
+    int m_depth = 0;
+    int m_names = 0;
+};
+
+bool isAcceptable(const std::string &packet, XmlMeasure &measure)
+{
+    return packet.size() <= static_cast<size_t>(kMaxMetadataBytes) && measure.accepts(packet);
+}
+
+Exiv2::XmpData decodedPacket(const std::string &packet, XmlMeasure &measure)
 {
     Exiv2::XmpData xmp;
-    if (packet.empty() || packet.size() > static_cast<size_t>(kMaxMetadataBytes) || nestsTooDeeply(packet))
+    if (packet.empty() || !isAcceptable(packet, measure))
         return xmp;
     try {
         if (Exiv2::XmpParser::decode(xmp, packet) != 0)
@@ -130,12 +208,25 @@ MetadataSet readMetadataSet(const QString &path)
 
 Exiv2::XmpData decodedXmp(const MetadataSet &set)
 {
-    Exiv2::XmpData xmp = decodedPacket(set.xmpPacket);
-    for (const Exiv2::Xmpdatum &datum : decodedPacket(set.moreXmpPacket)) {
-        if (xmp.findKey(Exiv2::XmpKey(datum.key())) == xmp.end())
+    XmlMeasure measure;
+    Exiv2::XmpData xmp = decodedPacket(set.xmpPacket, measure);
+    const Exiv2::XmpData more = decodedPacket(set.moreXmpPacket, measure);
+    if (more.empty())
+        return xmp;
+    std::set<std::string> keys;
+    for (const Exiv2::Xmpdatum &datum : xmp)
+        keys.insert(datum.key());
+    for (const Exiv2::Xmpdatum &datum : more) {
+        if (keys.insert(datum.key()).second)
             xmp.add(datum);
     }
     return xmp;
+}
+
+bool hasExcessiveXmp(const MetadataSet &set)
+{
+    XmlMeasure measure;
+    return !isAcceptable(set.xmpPacket, measure) || !isAcceptable(set.moreXmpPacket, measure);
 }
 
 } // namespace plexa

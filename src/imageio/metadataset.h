@@ -27,8 +27,12 @@ struct MetadataSet {
 /// Reads what the file carries; nothing is thrown, what cannot be read is left out.
 MetadataSet readMetadataSet(const QString &path);
 
-/// Decodes the XMP, both packets as one; without what is damaged or beyond all measure (size, nesting).
+/// Decodes the XMP, both packets as one; without a packet that is damaged or beyond all measure (size,
+/// nesting, number of elements and attributes).
 /// To be called and its result used under lockXmpNamespaces().
 Exiv2::XmpData decodedXmp(const MetadataSet &set);
+
+/// Does decodedXmp() leave out a packet that is beyond all measure?
+bool hasExcessiveXmp(const MetadataSet &set);
 
 } // namespace plexa

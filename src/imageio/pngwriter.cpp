@@ -226,7 +226,7 @@ private:
     {
         const QByteArray thumbnail = m_thumbnail->jpeg(m_thumbnailBytes);
         if (thumbnail.isEmpty())
-            return {};
+            return fail(ReadFailures::outOfMemory());
         m_exif.replace(m_thumbnailOffset, m_thumbnailBytes, thumbnail);
         uLong sum = crc32(0, reinterpret_cast<const Bytef *>("eXIf"), 4);
         sum = crc32(sum, reinterpret_cast<const Bytef *>(m_exif.constData()), uInt(m_exif.size()));

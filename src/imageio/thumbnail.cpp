@@ -100,9 +100,16 @@ QImage ThumbnailMaker::image() const
 
 QByteArray ThumbnailMaker::jpeg(qsizetype bytes) const
 {
-    const QImage small = image();
+    QImage small = image();
     for (const int quality : {88, 80, 72, 64, 56, 48, 40, 30, 20, 10, 1}) {
         const QByteArray encoded = encodeBareJpeg(small, quality);
+        if (!encoded.isEmpty() && encoded.size() <= bytes)
+            return filledUp(encoded, bytes);
+    }
+    while (small.width() > 1 || small.height() > 1) {
+        small = small.scaled(qMax(1, small.width() / 2), qMax(1, small.height() / 2), Qt::IgnoreAspectRatio,
+                             Qt::SmoothTransformation);
+        const QByteArray encoded = encodeBareJpeg(small, 30);
         if (!encoded.isEmpty() && encoded.size() <= bytes)
             return filledUp(encoded, bytes);
     }

@@ -29,8 +29,9 @@ public:
     /// The thumbnail of the rows added so far, Format_RGB32.
     QImage image() const;
 
-    /// The thumbnail as a JPEG of exactly `bytes` bytes: as good as fits, filled up behind the picture.
-    /// @return empty when even the worst quality does not fit
+    /// The thumbnail as a JPEG of exactly `bytes` bytes: as good as fits, filled up behind the picture;
+    /// smaller where even the worst quality does not fit.
+    /// @return empty when not even one pixel fits (some 700 bytes) or memory is short
     QByteArray jpeg(qsizetype bytes) const;
 
 private:

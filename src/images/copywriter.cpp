@@ -116,7 +116,10 @@ public:
                 return m_uprighting.isIdentity() && m_order.upright.isNull() ? Result<void>() : makeUpright();
             })
             .and_then([this] { return writeFile(); })
-            .map([&] { return report; });
+            .map([&] {
+                report.dropped += m_omitted;
+                return report;
+            });
     }
 
 private:
@@ -146,7 +149,7 @@ private:
                                      ? m_source.info().rows
                                      : RowFormat{m_upright.size(), m_upright.hasAlphaChannel()};
         const CopyRequest request{m_order.targetType, propertiesOfCopy(m_metadata, m_order, m_uprighting),
-                                  &m_source};
+                                  &m_source, &m_omitted};
         const Result<std::unique_ptr<RowWriter>> writer = openDestination(file.device(), format, request);
         if (!writer)
             return tl::unexpected(writer.error());
@@ -178,6 +181,7 @@ private:
     const Uprighting m_uprighting;
     Drawings m_drawings;
     ByteBudget::Reservation m_room;
+    QStringList m_omitted;
     QImage m_upright; ///< null where the picture passes in strips
 };
 

@@ -45,7 +45,7 @@ struct CopyReport {
     QSize size; ///< pixels of the copy
     std::vector<std::optional<QRectF>>
         rects;           ///< of each mark, origin at the bottom left; none: it had nothing to draw
-    QStringList dropped; ///< pictures of the source that the copy does not have: "gain map"
+    QStringList dropped; ///< of the source, what the copy does not have: "gain map", "maker note"
 };
 
 /// Reads the photo, draws the watermarks and writes the copy. A photo that needs no turning passes through in
