@@ -12,6 +12,7 @@
 #include <QTransform>
 
 #include <algorithm>
+#include <limits>
 #include <mutex>
 #include <utility>
 
@@ -30,8 +31,6 @@ constexpr int kEm = 1000;
 
 /// The text engine counts in 64ths of a pixel, in 32 bits.
 constexpr double kMaxFrameWidth = 16'000'000;
-
-constexpr qsizetype kMaxCharacters = 100'000;
 
 /// The one place that calls the text engine. Its fonts and caches belong to a thread each, but the font
 /// database behind them, the platform's list of substitutes and a QFont that was copied from another are
@@ -133,35 +132,53 @@ public:
     }
 
 private:
+    /// What is known of a font's glyphs.
+    struct KnownFont {
+        bool isPictures = false;
+        QHash<quint32, std::size_t> shapes; ///< by glyph index; kNoShape for what shows nothing
+    };
+    static constexpr std::size_t kNoShape = std::numeric_limits<std::size_t>::max();
+
+    KnownFont &known(const QRawFont &font)
+    {
+        const auto found = m_fonts.find(font);
+        if (found != m_fonts.end())
+            return *found;
+        KnownFont fresh;
+        fresh.isPictures = !font.fontTable("CBLC").isEmpty() && font.fontTable("loca").isEmpty();
+        return *m_fonts.insert(font, fresh);
+    }
+
     void addRun(const QGlyphRun &run, QPointF offset)
     {
         const QRawFont font = run.rawFont();
         const QList<quint32> glyphs = run.glyphIndexes();
         const QList<QPointF> positions = run.positions();
-        const bool isPictures = !font.fontTable("CBLC").isEmpty() && font.fontTable("loca").isEmpty();
-        QHash<quint32, QPainterPath> known;
+        KnownFont &ofFont = known(font);
         for (qsizetype i = 0; i < glyphs.size(); ++i) {
             const QPointF at = positions.at(i) + offset;
-            if (isPictures) {
+            if (ofFont.isPictures) {
                 // Not even asked for its outline: the engine would remember the wrong width with it.
                 addPicture(font, glyphs.at(i), at);
                 continue;
             }
-            auto outline = known.find(glyphs.at(i));
-            if (outline == known.end())
-                outline = known.insert(glyphs.at(i), font.pathForGlyph(glyphs.at(i)));
-            if (!outline->isEmpty())
-                addOutline(*outline, at);
+            auto shape = ofFont.shapes.find(glyphs.at(i));
+            if (shape == ofFont.shapes.end())
+                shape = ofFont.shapes.insert(glyphs.at(i), addShape(font.pathForGlyph(glyphs.at(i))));
+            if (*shape != kNoShape)
+                m_setting.glyphs.push_back({*shape, at / kEm});
         }
     }
 
-    void addOutline(const QPainterPath &outline, QPointF at)
+    std::size_t addShape(const QPainterPath &outline)
     {
+        if (outline.isEmpty())
+            return kNoShape;
         constexpr double toEms = 1.0 / kEm;
-        QPainterPath placed =
-            (QTransform::fromTranslate(at.x(), at.y()) * QTransform::fromScale(toEms, toEms)).map(outline);
-        placed.setFillRule(Qt::WindingFill);
-        m_setting.outlines.push_back(std::move(placed));
+        QPainterPath shape = QTransform::fromScale(toEms, toEms).map(outline);
+        shape.setFillRule(Qt::WindingFill);
+        m_setting.shapes.push_back(std::move(shape));
+        return m_setting.shapes.size() - 1;
     }
 
     void addPicture(const QRawFont &font, quint32 glyph, QPointF at)
@@ -170,11 +187,11 @@ private:
         single.setRawFont(font);
         single.setGlyphIndexes({glyph});
         single.setPositions({at});
-        m_setting.pictureGlyphs.push_back(single);
         // The engine knows no box for them; none is this large.
-        m_setting.pictureReach |= QRectF(at.x() / kEm - 0.5, at.y() / kEm - 1.5, 3, 2);
+        m_setting.pictureGlyphs.push_back({single, QRectF(at.x() / kEm - 0.5, at.y() / kEm - 1.5, 3, 2)});
     }
 
+    QHash<QRawFont, KnownFont> m_fonts;
     LineMetrics m_ofFont;
     TextSetting m_setting;
     double m_top = 0;
@@ -185,10 +202,10 @@ private:
 Result<TextSetting> setText(const QString &text, const FontCatalog &fonts, const QString &fontName,
                             TextAlignment alignment, double widthInEms)
 {
-    if (text.size() > kMaxCharacters) {
+    if (text.size() > kMaxTextCharacters) {
         return fail(Texts::tr("the watermark's text is %1 characters long, more than the %2 that are drawn")
                         .arg(text.size())
-                        .arg(kMaxCharacters));
+                        .arg(kMaxTextCharacters));
     }
     const std::lock_guard lock(textEngine());
     const QFont font = fontOf(fonts, fontName);
@@ -216,14 +233,16 @@ double lineHeightInEms(const FontCatalog &fonts, const QString &fontName)
     return metrics.height() / kEm;
 }
 
-void drawPictureGlyphs(QPainter &painter, const TextSetting &setting)
+void drawPictureGlyphs(QPainter &painter, const TextSetting &setting, const QRectF &part)
 {
     if (setting.pictureGlyphs.empty())
         return;
     const std::lock_guard lock(textEngine());
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    for (const QGlyphRun &glyph : setting.pictureGlyphs)
-        painter.drawGlyphRun({}, glyph);
+    for (const TextSetting::PictureGlyph &glyph : setting.pictureGlyphs) {
+        if (glyph.reach.intersects(part))
+            painter.drawGlyphRun({}, glyph.run);
+    }
 }
 
 } // namespace plexa

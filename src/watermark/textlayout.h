@@ -22,16 +22,29 @@ enum class TextAlignment { Left, Centre, Right };
 /// A text set in a frame, as outlines. Lengths are in ems (1: the font size), origin at the frame's top left,
 /// y downwards, so that one setting serves every size. Belongs to the thread that made it.
 struct TextSetting {
-    std::vector<QPainterPath> outlines; ///< a glyph each, non-zero winding
-    /// Glyphs without outlines (colour emoji), one each, in thousandths of an em.
-    std::vector<QGlyphRun> pictureGlyphs;
-    QRectF pictureReach; ///< which those stay within
-    double height = 0;   ///< that the frame needs
+    struct Glyph {
+        std::size_t shape = 0; ///< its place in `shapes`
+        QPointF at;            ///< where the shape's origin stands
+    };
+    /// A glyph without an outline (colour emoji).
+    struct PictureGlyph {
+        QGlyphRun run; ///< of it alone, in thousandths of an em
+        QRectF reach;  ///< which it stays within
+    };
+
+    std::vector<QPainterPath> shapes; ///< each kind of glyph once, non-zero winding, its origin at (0, 0)
+    std::vector<Glyph> glyphs;        ///< with something to be seen, in reading order
+    std::vector<PictureGlyph> pictureGlyphs;
+    double height = 0; ///< that the frame needs
 };
+
+/// The most UTF-16 units that a watermark's text may have.
+constexpr qsizetype kMaxTextCharacters = 10'000;
 
 /// Lines may break where words end, and inside of words that are wider than the frame; "\n" and its like
 /// always break. Characters that the font lacks come from the fonts that the system puts in its place.
-/// Any thread.
+/// Any thread. Takes time and memory in proportion to the text's length.
+/// @param text        not longer than kMaxTextCharacters, or it fails
 /// @param fontName    PostScript name; the default font stands in for one that is not installed
 /// @param widthInEms  of the frame, > 0
 [[nodiscard]] Result<TextSetting> setText(const QString &text, const FontCatalog &fonts,
@@ -41,7 +54,9 @@ struct TextSetting {
 /// The height of a line of that font, in ems: ascent, descent and line gap. Any thread.
 double lineHeightInEms(const FontCatalog &fonts, const QString &fontName);
 
-/// Draws the glyphs that are pictures. `painter` is set up so that a unit is a thousandth of an em.
-void drawPictureGlyphs(QPainter &painter, const TextSetting &setting);
+/// Draws the glyphs that are pictures and reach into `part`.
+/// @param painter  set up so that a unit is a thousandth of an em
+/// @param part     in ems
+void drawPictureGlyphs(QPainter &painter, const TextSetting &setting, const QRectF &part);
 
 } // namespace plexa

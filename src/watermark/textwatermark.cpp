@@ -60,43 +60,8 @@ Inks inksOf(const WPresetValues &values, double fontSize)
     return inks;
 }
 
-/// Shapes to fill, each with the rectangle that it reaches.
-class Shapes
-{
-public:
-    void add(const QPainterPath &shape)
-    {
-        // Anti-aliasing reaches a pixel further.
-        const QRectF reach = shape.controlPointRect().adjusted(-1, -1, 1, 1);
-        m_bounds |= reach;
-        m_shapes.push_back({shape, reach});
-    }
-
-    QRectF bounds() const { return m_bounds; }
-
-    /// All that reach into `part` as one, so that where they overlap nothing is filled twice.
-    QPainterPath reachingInto(const QRectF &part) const
-    {
-        QPainterPath all;
-        all.setFillRule(Qt::WindingFill);
-        for (const Shape &shape : m_shapes) {
-            if (shape.reach.intersects(part))
-                all.addPath(shape.path);
-        }
-        return all;
-    }
-
-private:
-    struct Shape {
-        QPainterPath path;
-        QRectF reach;
-    };
-
-    std::vector<Shape> m_shapes;
-    QRectF m_bounds;
-};
-
-/// A text in pixels, ready to be painted: the fill first, the outlines on top of it.
+/// A text in pixels, ready to be painted: the fill first, the outlines on top of it. Nothing is outlined
+/// before it is painted, and each kind of glyph once only.
 class PaintableText
 {
 public:
@@ -104,33 +69,39 @@ public:
         : m_setting(setting)
         , m_toPixels(toPixels)
         , m_inks(inks)
+        , m_shapes(setting.shapes.size())
     {
-        QPainterPathStroker stroker(inks.outline);
-        stroker.setCurveThreshold(kCurveTolerance);
-        for (const QPainterPath &outline : setting.outlines) {
-            const QPainterPath glyph = toPixels.map(outline);
-            if (inks.isFilled)
-                m_fills.add(glyph);
-            if (inks.isOutlined)
-                m_outlines.add(stroker.createStroke(glyph));
+        const double outside = inks.isOutlined ? inks.outline.widthF() / 2 : 0;
+        // Anti-aliasing reaches a pixel further.
+        const double margin = outside + 1;
+        const QTransform scaling(toPixels.m11(), 0, 0, toPixels.m22(), 0, 0);
+        for (std::size_t i = 0; i < m_shapes.size(); ++i) {
+            m_shapes[i].reach = scaling.mapRect(setting.shapes[i].controlPointRect())
+                                    .adjusted(-margin, -margin, margin, margin);
         }
+        for (const TextSetting::Glyph &glyph : setting.glyphs)
+            m_bounds |= reachOf(glyph);
+        for (const TextSetting::PictureGlyph &glyph : setting.pictureGlyphs)
+            m_bounds |= toPixels.mapRect(glyph.reach);
     }
 
-    QRectF bounds() const
-    {
-        return m_fills.bounds() | m_outlines.bounds() | m_toPixels.mapRect(m_setting.pictureReach);
-    }
+    QRectF bounds() const { return m_bounds; }
 
     /// @param ink  its top left corner stands at `at` in the text's pixels; not shared
-    void paint(QImage &ink, QPoint at) const
+    void paint(QImage &ink, QPoint at)
     {
         const qsizetype stride = ink.bytesPerLine();
         uchar *const bits = ink.bits();
         for (int y = 0; y < ink.height(); y += kTileSide) {
+            const int height = std::min(kTileSide, ink.height() - y);
+            const std::vector<TextSetting::Glyph> inRow =
+                reachingInto(m_setting.glyphs, QRectF(at.x(), at.y() + y, ink.width(), height));
+            if (inRow.empty())
+                continue;
             for (int x = 0; x < ink.width(); x += kTileSide) {
                 QImage tile(bits + y * stride + qsizetype{4} * x, std::min(kTileSide, ink.width() - x),
-                            std::min(kTileSide, ink.height() - y), stride, ink.format());
-                paintTile(tile, at + QPoint(x, y));
+                            height, stride, ink.format());
+                paintTile(tile, at + QPoint(x, y), inRow);
             }
         }
         if (!m_setting.pictureGlyphs.empty())
@@ -138,18 +109,85 @@ public:
     }
 
 private:
-    void paintTile(QImage &tile, QPoint at) const
+    /// A kind of glyph in pixels, its origin at (0, 0).
+    struct Shape {
+        QRectF reach;
+        QPainterPath fill;    ///< made when it is first painted
+        QPainterPath outline; ///< likewise
+    };
+
+    QRectF reachOf(const TextSetting::Glyph &glyph) const
     {
-        const QRectF part(at, tile.size());
+        return m_shapes[glyph.shape].reach.translated(m_toPixels.map(glyph.at));
+    }
+
+    std::vector<TextSetting::Glyph> reachingInto(const std::vector<TextSetting::Glyph> &glyphs,
+                                                 const QRectF &part) const
+    {
+        std::vector<TextSetting::Glyph> reaching;
+        for (const TextSetting::Glyph &glyph : glyphs) {
+            if (reachOf(glyph).intersects(part))
+                reaching.push_back(glyph);
+        }
+        return reaching;
+    }
+
+    const QPainterPath &fillOf(std::size_t index)
+    {
+        Shape &shape = m_shapes[index];
+        if (shape.fill.isEmpty())
+            shape.fill =
+                QTransform(m_toPixels.m11(), 0, 0, m_toPixels.m22(), 0, 0).map(m_setting.shapes[index]);
+        return shape.fill;
+    }
+
+    const QPainterPath &outlineOf(std::size_t index)
+    {
+        Shape &shape = m_shapes[index];
+        if (shape.outline.isEmpty()) {
+            QPainterPathStroker stroker(m_inks.outline);
+            stroker.setCurveThreshold(kCurveTolerance);
+            shape.outline = stroker.createStroke(fillOf(index));
+        }
+        return shape.outline;
+    }
+
+    void paintTile(QImage &tile, QPoint at, const std::vector<TextSetting::Glyph> &inRow)
+    {
+        const std::vector<TextSetting::Glyph> glyphs = reachingInto(inRow, QRectF(at, tile.size()));
+        if (glyphs.empty())
+            return;
         QPainter painter(&tile);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.translate(-at);
         // What is opaque, or lies on nothing, mixes by its coverage alone, which is the quick way.
         painter.setCompositionMode(QPainter::CompositionMode_Source);
-        painter.fillPath(m_fills.reachingInto(part), m_inks.fill);
+        if (m_inks.isFilled)
+            fill(painter, glyphs, m_inks.fill, [this](std::size_t shape) { return fillOf(shape); });
+        if (!m_inks.isOutlined)
+            return;
         if (m_inks.isFilled && m_inks.outline.color().alpha() < 255)
             painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-        painter.fillPath(m_outlines.reachingInto(part), m_inks.outline.color());
+        fill(painter, glyphs, m_inks.outline.color(), [this](std::size_t shape) { return outlineOf(shape); });
+    }
+
+    /// Fills the glyphs as one shape, so that where they overlap nothing is filled twice; piece by piece
+    /// where there are thousands in one tile, which cannot be told apart anyway.
+    template<typename PathOf>
+    void fill(QPainter &painter, const std::vector<TextSetting::Glyph> &glyphs, const QColor &color,
+              const PathOf &pathOf) const
+    {
+        QPainterPath piece;
+        piece.setFillRule(Qt::WindingFill);
+        for (const TextSetting::Glyph &glyph : glyphs) {
+            piece.addPath(pathOf(glyph.shape).translated(m_toPixels.map(glyph.at)));
+            if (piece.elementCount() < kMaxPieceElements)
+                continue;
+            painter.fillPath(piece, color);
+            piece.clear();
+            piece.setFillRule(Qt::WindingFill);
+        }
+        painter.fillPath(piece, color);
     }
 
     void paintPictures(QImage &ink, QPoint at) const
@@ -158,17 +196,19 @@ private:
         painter.setTransform(QTransform::fromScale(0.001, 0.001) * m_toPixels *
                              QTransform::fromTranslate(-at.x(), -at.y()));
         painter.setPen(m_inks.fill);
-        drawPictureGlyphs(painter, m_setting);
+        drawPictureGlyphs(painter, m_setting, m_toPixels.inverted().mapRect(QRectF(at, ink.size())));
     }
 
     /// The furthest that a drawn outline may be from the true one, in pixels.
     static constexpr double kCurveTolerance = 0.1;
 
+    static constexpr int kMaxPieceElements = 100'000;
+
     const TextSetting &m_setting;
     QTransform m_toPixels;
     Inks m_inks;
-    Shapes m_fills;
-    Shapes m_outlines;
+    std::vector<Shape> m_shapes;
+    QRectF m_bounds;
 };
 
 std::optional<double> baseLength(const QString &unit, QSize photo)
@@ -219,7 +259,7 @@ Result<std::optional<WatermarkBitmap>> createTextWatermarkOfWidth(double width, 
     // The fraction of a pixel that is cut off goes at the top.
     const QTransform toPixels = QTransform::fromScale(fontSize, fontSize) *
                                 QTransform::fromTranslate(0, bitmap.size.height() - height);
-    const PaintableText paintable(*setting, toPixels, inksOf(values, fontSize));
+    PaintableText paintable(*setting, toPixels, inksOf(values, fontSize));
     const QRectF bounds = paintable.bounds().intersected(QRectF(QPointF(0, 0), QSizeF(bitmap.size)));
     const QRect ink = bounds.toAlignedRect();
     if (ink.isEmpty())

@@ -14,9 +14,9 @@ namespace plexa
 /// The bitmap of a watermark, of which only the part with something in it is kept: a line of text is much
 /// smaller than the box that it stands in.
 struct WatermarkBitmap {
-    QSize size;   ///< of the whole bitmap
-    QImage ink;   ///< Format_ARGB32_Premultiplied, sRGB; null: the whole bitmap is transparent
-    QPoint inkAt; ///< the ink's top left corner, from the bitmap's top left corner
+    QSize size{0, 0}; ///< of the whole bitmap
+    QImage ink;       ///< Format_ARGB32_Premultiplied, sRGB; null: the whole bitmap is transparent
+    QPoint inkAt;     ///< the ink's top left corner, from the bitmap's top left corner
 };
 
 /// The most pixels that one bitmap may take for a photo of that size; beyond, drawing fails with a message

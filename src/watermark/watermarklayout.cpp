@@ -118,13 +118,14 @@ double coveredLength(double copies, double start, double step, double length, do
                       : std::max(0.0, std::min(start + length, end) - std::max(start, 0.0));
 }
 
-void appendColumn(std::vector<QPointF> &copies, QPointF first, double step, double end, bool isRepeated)
+void appendColumn(std::vector<QPointF> &copies, const QRectF &first, double step, QSizeF photo,
+                  bool isRepeated)
 {
-    copies.push_back(first);
-    if (!isRepeated || !(step > 0))
+    copies.push_back(first.topLeft());
+    if (!isRepeated)
         return;
-    for (double y = first.y() + step; y < end; y += step)
-        copies.emplace_back(first.x(), y);
+    const std::vector<QPointF> above = replicateVerticallyWatermark(first, step, photo);
+    copies.insert(copies.end(), above.begin(), above.end());
 }
 
 void appendRepeats(WatermarkLayout &layout, const WPresetValues &values, const Lengths &lengths, QSizeF photo)
@@ -146,11 +147,12 @@ void appendRepeats(WatermarkLayout &layout, const WPresetValues &values, const L
         return;
     }
     layout.repeats.reserve(static_cast<std::size_t>(columns * rows));
-    appendColumn(layout.repeats, first, sy, photo.height(), values.replicateVertical);
+    appendColumn(layout.repeats, layout.rect, sy, photo, values.replicateVertical);
     if (!values.replicateHorizontal || !(sx > 0))
         return;
     for (double x = first.x() + sx; x < photo.width(); x += sx)
-        appendColumn(layout.repeats, {x, first.y()}, sy, photo.height(), values.replicateVertical);
+        appendColumn(layout.repeats, QRectF(QPointF(x, first.y()), layout.rect.size()), sy, photo,
+                     values.replicateVertical);
 }
 
 QPointF shadowOffsetOf(const WPresetValues &values, const Lengths &lengths)
@@ -176,6 +178,19 @@ float absoluteValueForSize(float value, const QString &unit, QSizeF imageSize)
     if (unit == QLatin1StringView("% of short edge"))
         return static_cast<float>(number * std::min(imageSize.width(), imageSize.height()) / 100);
     return value;
+}
+
+std::vector<QPointF> replicateVerticallyWatermark(const QRectF &initialRect, double step, QSizeF imageSize)
+{
+    std::vector<QPointF> repeats;
+    if (!(step > 0))
+        return repeats;
+    for (double y = initialRect.y() + step; y < imageSize.height(); y += step) {
+        if (static_cast<double>(repeats.size()) >= kMaxCopies)
+            break;
+        repeats.emplace_back(initialRect.x(), y);
+    }
+    return repeats;
 }
 
 float positiveRadians(FloatNumber degrees)

@@ -36,6 +36,15 @@ WatermarkLayout layoutWatermark(const WPresetValues &values, QSize photo, QSize 
 /// the photo, every other unit means pixels. Computed in double, returned in single precision.
 float absoluteValueForSize(float value, const QString &unit, QSizeF imageSize);
 
+/// The repeats of one column, from bottom to top: copies of `initialRect`, which is not among them, for as
+/// long as their lower edge lies below the photo's upper one. At most 100,000. Any thread.
+/// @param initialRect  of the column's first copy: photo pixels, x/y its bottom left corner, y upwards
+/// @param step         from one copy's lower edge to the next one's, in pixels; none are repeated unless it
+/// is > 0
+/// @param imageSize    of the photo, in pixels
+/// @return the bottom left corners
+std::vector<QPointF> replicateVerticallyWatermark(const QRectF &initialRect, double step, QSizeF imageSize);
+
 /// An angle of a preset in radians, in single precision; a negative one is raised by a full turn, once.
 float positiveRadians(FloatNumber degrees);
 

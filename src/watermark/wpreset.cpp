@@ -21,6 +21,11 @@ WPreset::WPreset(const FontCatalog &fonts, QObject *parent)
 {
 }
 
+std::unique_ptr<WPreset> WPreset::initWithFile([[maybe_unused]] const QString &path, const FontCatalog &fonts)
+{
+    return std::make_unique<WPreset>(fonts);
+}
+
 std::unique_ptr<WPreset> WPreset::copy() const
 {
     return std::make_unique<WPreset>(m_values);

@@ -37,6 +37,10 @@ public:
     /// A new preset with the values of WPresetValues::forNewPreset().
     explicit WPreset(const FontCatalog &fonts, QObject *parent = nullptr);
 
+    /// A new preset with the values of WPresetValues::forNewPreset(). A preset has no file of its own yet:
+    /// `path` is ignored, and need not exist.
+    static std::unique_ptr<WPreset> initWithFile(const QString &path, const FontCatalog &fonts);
+
     /// Another preset with the same values, the name included. It has no parent and no observers.
     std::unique_ptr<WPreset> copy() const;
 

@@ -60,6 +60,7 @@ private Q_SLOTS:
     void lineBreaks_data();
     void lineBreaks();
     void colourGlyphsKeepTheirColoursAndWidth();
+    void longTextsTakeLittleMemory();
     void extremesFailOrVanish_data();
     void extremesFailOrVanish();
 };
@@ -244,6 +245,41 @@ void TextWatermarkTest::colourGlyphsKeepTheirColoursAndWidth()
     }
 }
 
+void TextWatermarkTest::longTextsTakeLittleMemory()
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    QSKIP("A sanitizer takes memory of its own.");
+#endif
+    QFile status(u"/proc/self/clear_refs"_qs);
+    if (!status.open(QIODevice::WriteOnly))
+        QSKIP("The most memory that was taken cannot be told.");
+    const auto peakMegabytes = [] {
+        QFile file(u"/proc/self/status"_qs);
+        if (!file.open(QIODevice::ReadOnly))
+            return -1;
+        const QList<QByteArray> lines = file.readAll().split('\n');
+        for (const QByteArray &line : lines) {
+            if (line.startsWith("VmHWM:"))
+                return line.mid(6).trimmed().split(' ').first().toInt() / 1000;
+        }
+        return -1;
+    };
+    WPresetValues values;
+    values.strokeWidth = 4;
+    values.fontSize = 1;
+    values.fontSizeUnit = u"Points"_qs;
+    bitmapOf(values, u"warm"_qs);
+    status.write("5");
+    status.close();
+    const int before = peakMegabytes();
+    // All in one tile, and all in one place.
+    QVERIFY(!bitmapOf(values, QString(10'000, u'&'), 64).ink.isNull());
+    values.fontSize = 100;
+    QVERIFY(!bitmapOf(values, u'a' + QString(9'999, QChar(0x0334))).ink.isNull());
+    const int taken = peakMegabytes() - before;
+    QVERIFY2(taken >= 0 && taken < 60, qPrintable(QString::number(taken)));
+}
+
 void TextWatermarkTest::extremesFailOrVanish_data()
 {
     QTest::addColumn<int>("size");
@@ -259,7 +295,8 @@ void TextWatermarkTest::extremesFailOrVanish_data()
     QTest::newRow("huge glyphs") << 2'000'000'000 << "Points" << 4e6 << 1 << "failure";
     QTest::newRow("large glyphs in a huge box") << 100'000 << "Points" << 1e6 << 10 << "failure";
     QTest::newRow("tall column") << 100 << "Points" << 60.0 << 2000 << "bitmap";
-    QTest::newRow("very long text") << 10 << "Points" << 4000.0 << 100'001 << "failure";
+    QTest::newRow("very long text") << 10 << "Points" << 4000.0 << 10'001 << "failure";
+    QTest::newRow("long text") << 10 << "Points" << 4000.0 << 10'000 << "bitmap";
 }
 
 void TextWatermarkTest::extremesFailOrVanish()
@@ -272,6 +309,8 @@ void TextWatermarkTest::extremesFailOrVanish()
     values.fontSize = size;
     values.fontSizeUnit = unit;
     const auto bitmap = createTextWatermarkOfWidth(width, values, QString(repeats, u'W'), kPhoto, m_fonts);
+    if (repeats > 10'000)
+        QVERIFY2(bitmap.error().text.contains(u"10000"), qPrintable(bitmap.error().text));
     const QString outcome = !bitmap ? u"failure"_qs : *bitmap ? u"bitmap"_qs : u"none"_qs;
     QTEST(outcome, "outcome");
     QVERIFY(bitmap || !bitmap.error().text.isEmpty());

@@ -105,6 +105,7 @@ private Q_SLOTS:
     void quarterTurnsAndMirrors();
     void inkTurnsLikeTheWholeBitmap_data();
     void inkTurnsLikeTheWholeBitmap();
+    void aBitmapThatCouldNotBeTurnedIsEmpty();
     void theBoxIgnoresTheWatermarksOpacity();
     void multiplyingByWhiteChangesNothing();
     void opacityMixes();
@@ -255,6 +256,20 @@ void WatermarkDrawingTest::inkTurnsLikeTheWholeBitmap()
     const QPointF off = centre(marked) - centre(expected);
     // Each of the two is moved to whole pixels once.
     QVERIFY2(std::abs(off.x()) <= 1.01 && std::abs(off.y()) <= 1.01, qPrintable(QDebug::toString(off)));
+}
+
+void WatermarkDrawingTest::aBitmapThatCouldNotBeTurnedIsEmpty()
+{
+    WPresetValues values;
+    values.background = true;
+    const WatermarkBitmap none;
+    const WatermarkLayout layout = layoutWatermark(values, kSize, none.size, QPointF(40, 30));
+    QCOMPARE(layout.rect, QRectF(40, 30, 0, 0));
+    values.backgroundPaddingTop = values.backgroundPaddingBottom = 10;
+    values.backgroundPaddingLeft = values.backgroundPaddingRight = 10;
+    values.backgroundPaddingUnit = u"Pixels"_qs;
+    values.backgroundFullWidth = false;
+    QCOMPARE(layoutWatermark(values, kSize, none.size, QPointF(40, 30)).box, QRectF(30, 20, 20, 20));
 }
 
 void WatermarkDrawingTest::theBoxIgnoresTheWatermarksOpacity()

@@ -43,6 +43,7 @@ private Q_SLOTS:
     void theBoxIsClippedToThePhoto();
     void repeatsRunRightAndUp_data();
     void repeatsRunRightAndUp();
+    void aColumnRunsUpToThePhotosEdge();
     void absurdTilingIsGivenUp_data();
     void absurdTilingIsGivenUp();
     void theShadowFallsAlongItsAngle_data();
@@ -178,6 +179,18 @@ void WatermarkLayoutTest::repeatsRunRightAndUp()
     const WatermarkLayout layout = layoutWatermark(values, kPhoto, kMark, QPointF(-100, 1400));
     QTEST(QList<QPointF>(layout.repeats.begin(), layout.repeats.end()), "copies");
     QVERIFY(!layout.tooManyRepeats);
+}
+
+void WatermarkLayoutTest::aColumnRunsUpToThePhotosEdge()
+{
+    const QRectF first(20, 5, 30, 10);
+    const std::vector<QPointF> expected{{20, 30}, {20, 55}, {20, 80}};
+    // The edge itself is outside.
+    QVERIFY(replicateVerticallyWatermark(first, 25, QSizeF(100, 105)) == expected);
+    for (const double step : {0.0, -3.0, std::nan(""), 1e300})
+        QVERIFY(replicateVerticallyWatermark(first, step, QSizeF(100, 105)).empty());
+    const QRectF farBelow(0, -1e300, 30, 10);
+    QVERIFY(replicateVerticallyWatermark(farBelow, 25, QSizeF(100, 105)).size() <= 100'000);
 }
 
 void WatermarkLayoutTest::absurdTilingIsGivenUp_data()

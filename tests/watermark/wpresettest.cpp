@@ -51,6 +51,7 @@ class WPresetTest : public QObject
 private Q_SLOTS:
     void theTableHoldsEveryFieldInOrder();
     void aNewPresetNamesYearAndUser();
+    void aFileThatIsNotThereMakesANewPreset();
     void everyFieldReportsItsChangesOnce();
     void theAnchorHidesOffsets();
     void aCopyIsEqualAndSeparate();
@@ -92,6 +93,14 @@ void WPresetTest::aNewPresetNamesYearAndUser()
     const QString year = QDate::currentDate().toString(u"yyyy"_qs);
     QCOMPARE(preset.textTokens().first(), QString(QChar(0xa9)) + u' ' + year + u' ' + fullUserName());
     QVERIFY(fonts.fontNamed(preset.font(), 10).has_value());
+}
+
+void WPresetTest::aFileThatIsNotThereMakesANewPreset()
+{
+    const FontCatalog fonts;
+    const std::unique_ptr<WPreset> preset = WPreset::initWithFile(u"/no/such/file"_qs, fonts);
+    QVERIFY(preset->values() == WPreset(fonts).values());
+    QVERIFY(!preset->parent());
 }
 
 void WPresetTest::everyFieldReportsItsChangesOnce()
