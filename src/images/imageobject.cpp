@@ -4,6 +4,7 @@
 
 #include "imageio/imagesource.h"
 #include "images/photofacts.h"
+#include "platform/filenames.h"
 #include "raster/bitmaputilities.h"
 #include "watermark/watermarkdrawing.h"
 
@@ -95,7 +96,8 @@ QString ImageObject::filename() const
 void ImageObject::setFilename(const QString &filename)
 {
     const QFileInfo info(path());
-    const QString name = info.suffix().isEmpty() ? filename : filename + QLatin1Char('.') + info.suffix();
+    const QString extension = fileExtensionOf(path());
+    const QString name = extension.isEmpty() ? filename : filename + QLatin1Char('.') + extension;
     setPath(info.path() == QLatin1String(".") ? name : QDir(info.path()).filePath(name));
 }
 

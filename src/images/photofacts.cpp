@@ -2,7 +2,7 @@
 
 #include "images/photofacts.h"
 
-#include <QFileInfo>
+#include "platform/filenames.h"
 
 namespace plexa
 {
@@ -22,11 +22,6 @@ std::optional<QString> PhotoFacts::stringForInfoToken(const QString &piece, bool
 {
     const TokenFacts facts{&m_metadata, m_path, m_filename, m_unscaledSize};
     return plexa::stringForInfoToken(piece, facts, m_locale, tokenExists);
-}
-
-QString filenameOf(const QString &path)
-{
-    return QFileInfo(path).completeBaseName();
 }
 
 } // namespace plexa

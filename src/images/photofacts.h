@@ -32,7 +32,4 @@ private:
     LocaleFormat m_locale;
 };
 
-/// A file's name without its folder and its last suffix.
-QString filenameOf(const QString &path);
-
 } // namespace plexa

@@ -27,16 +27,6 @@ const QString &topLevelDictionaryKey(qsizetype i)
 }
 constexpr qsizetype kDictionaries = 5;
 
-bool keepsCopyright(ImageMetadata::Keep keep)
-{
-    return keep == ImageMetadata::Keep::Copyright || keep == ImageMetadata::Keep::CopyrightAndContactInfo;
-}
-
-bool keepsContactInfo(ImageMetadata::Keep keep)
-{
-    return keep == ImageMetadata::Keep::ContactInfo || keep == ImageMetadata::Keep::CopyrightAndContactInfo;
-}
-
 void setOrRemove(QVariantMap &dictionary, const QString &key, const QVariant &value)
 {
     if (value.isValid())
@@ -473,6 +463,11 @@ QVariant ImageMetadata::exifMeteringModeStr() const
     return meteringModeString(exifMeteringMode());
 }
 
+QString ImageMetadata::exifDateTimeFormatter()
+{
+    return plexa::exifDateTimeFormatter();
+}
+
 QVariant ImageMetadata::latitudeOrLongitudeStringValueFromNumber(const QVariant &number,
                                                                  const QVariant &reference)
 {
@@ -529,12 +524,12 @@ void ImageMetadata::clearGPSData()
     m_properties.insert(kCGImagePropertyGPSDictionary, QVariantMap());
 }
 
-void ImageMetadata::clearIptcData(Keep keep)
+void ImageMetadata::clearIptcDataKeepCopyright(bool keepCopyright, bool keepContactInfo)
 {
-    const QVariant copyright = keepsCopyright(keep) ? iptcCopyright() : QVariant();
-    const QVariant creator = keepsContactInfo(keep) ? iptcCreator() : QVariant();
-    const QVariant title = keepsContactInfo(keep) ? iptcCreatorTitle() : QVariant();
-    const QVariantMap contact = keepsContactInfo(keep) ? iptcContactData() : QVariantMap();
+    const QVariant copyright = keepCopyright ? iptcCopyright() : QVariant();
+    const QVariant creator = keepContactInfo ? iptcCreator() : QVariant();
+    const QVariant title = keepContactInfo ? iptcCreatorTitle() : QVariant();
+    const QVariantMap contact = keepContactInfo ? iptcContactData() : QVariantMap();
     m_properties.insert(kCGImagePropertyIPTCDictionary,
                         QVariantMap{{kCGImagePropertyIPTCCreatorContactInfo, contact}});
     if (copyright.isValid())
@@ -545,12 +540,12 @@ void ImageMetadata::clearIptcData(Keep keep)
         setIptcCreatorTitle(title);
 }
 
-void ImageMetadata::clearTiffData(Keep keep)
+void ImageMetadata::clearTiffDataKeepCopyright(bool keepCopyright, bool keepContactInfo)
 {
     setTiffValue({}, kCGImagePropertyTIFFSoftware);
-    if (!keepsCopyright(keep))
+    if (!keepCopyright)
         setTiffValue({}, kCGImagePropertyTIFFCopyright);
-    if (!keepsContactInfo(keep))
+    if (!keepContactInfo)
         setTiffValue({}, kCGImagePropertyTIFFArtist);
     setTiffValue({}, kCGImagePropertyTIFFImageDescription);
     setTiffValue({}, kCGImagePropertyTIFFMake);

@@ -96,7 +96,9 @@ public:
     QVariant tiffDescription() const;
     void setTiffDescription(const QVariant &value);
 
-    /// Capture and scan time, in the local time zone; invalid when absent or not an EXIF date.
+    /// Capture and scan time: the clock that the photo's camera showed, in the local time zone (in one of a
+    /// fixed offset where the local clock skips that hour); invalid when absent or not an EXIF date. The
+    /// setters store the wall clock (onItsWallClock()).
     QDateTime exifDateTimeOriginal() const;
     void setExifDateTimeOriginal(const QDateTime &when);
     QDateTime exifDateTimeDigitized() const;
@@ -312,20 +314,21 @@ public:
     QVariant gpsImageDirection() const;
     QVariant gpsTimeStamp() const;
 
+    /// The form in which EXIF dates are read and written, as QDateTime::toString() takes it:
+    /// "yyyy:MM:dd HH:mm:ss".
+    static QString exifDateTimeFormatter();
+
     /// Degrees, minutes, seconds and, where there is one, the letter: 48° 51' 30.240" N. Each part keeps the
     /// sign of a negative number. Invalid without a number.
     static QVariant latitudeOrLongitudeStringValueFromNumber(const QVariant &number,
                                                              const QVariant &reference);
 
-    /// Which facts a clearing keeps.
-    enum class Keep { Nothing, Copyright, ContactInfo, CopyrightAndContactInfo };
-
     void clearExifData(); ///< EXIF and EXIF auxiliary
     void clearGPSData();
     /// Copyright: the notice. Contact information: creator, creator's title, contact dictionary.
-    void clearIptcData(Keep keep);
-    /// Removes software, description, camera and, unless kept, copyright and artist.
-    void clearTiffData(Keep keep);
+    void clearIptcDataKeepCopyright(bool keepCopyright, bool keepContactInfo);
+    /// Removes software, description, camera and, unless kept, copyright and artist (contact information).
+    void clearTiffDataKeepCopyright(bool keepCopyright, bool keepContactInfo);
 
 private:
     static QVariant firstOf(const QVariant &value);

@@ -2,10 +2,19 @@
 
 #include "metadata/metadatastrings.h"
 
+#include "platform/localeformat.h"
+
+#include <QTimeZone>
+
 #include <cmath>
 
 namespace plexa
 {
+
+QString exifDateTimeFormatter()
+{
+    return QStringLiteral("yyyy:MM:dd HH:mm:ss");
+}
 
 QVariant exposureProgramString(const QVariant &program)
 {
@@ -54,12 +63,23 @@ QVariant latitudeOrLongitudeString(const QVariant &number, const QVariant &refer
 
 QDateTime exifDateTimeFromString(const QString &text)
 {
-    return QDateTime::fromString(text, QStringLiteral("yyyy:MM:dd HH:mm:ss"));
+    constexpr qsizetype kDateLength = 10;
+    const QString format = exifDateTimeFormatter();
+    const QDate date = QDate::fromString(text.left(kDateLength), format.left(kDateLength));
+    const QTime time = QTime::fromString(text.mid(kDateLength), format.mid(kDateLength));
+    if (!date.isValid() || !time.isValid())
+        return {};
+    const QDateTime local(date, time);
+    if (local.isValid())
+        return local;
+    // The hour that the local clock skips in spring: cameras in other zones have it. The offset only has to
+    // be one that makes the clock show this time.
+    return QDateTime(date, time, QTimeZone(QDateTime(date.addDays(-1), time).offsetFromUtc()));
 }
 
 QString exifStringFromDateTime(const QDateTime &when)
 {
-    return when.toLocalTime().toString(QStringLiteral("yyyy:MM:dd HH:mm:ss"));
+    return onItsWallClock(when).toString(exifDateTimeFormatter());
 }
 
 } // namespace plexa

@@ -19,11 +19,14 @@ QVariant meteringModeString(const QVariant &mode);
 /// 48° 51' 30.240" N. Each part keeps the sign of a negative number. Invalid without a number.
 QVariant latitudeOrLongitudeString(const QVariant &number, const QVariant &reference);
 
-/// An EXIF date and time, "yyyy:MM:dd HH:mm:ss", in the local time zone. Invalid for anything else, a day
-/// that does not exist included.
+/// The form of EXIF's dates and times, "yyyy:MM:dd HH:mm:ss", as QDateTime::toString() takes it.
+QString exifDateTimeFormatter();
+
+/// An EXIF date and time, in the local time zone, or in one that shows the same clock where the local one
+/// skips that hour. Invalid for anything else, a day that does not exist included.
 QDateTime exifDateTimeFromString(const QString &text);
 
-/// The EXIF form of a point in time, in the local time zone.
+/// The EXIF form of a point in time, on its wall clock (onItsWallClock()).
 QString exifStringFromDateTime(const QDateTime &when);
 
 } // namespace plexa

@@ -62,8 +62,9 @@ QByteArray localeFromEnvironment(const char *category)
     return icuName("C");
 }
 
-/// ICU's zone that shows the same clock as Qt's local time at that moment. They may differ where TZ holds a
-/// rule instead of a zone's name, or where the two have different time zone data.
+/// ICU's zone that shows the same clock as Qt at that moment: the system's. They may differ where TZ holds a
+/// rule instead of a zone's name, where the two have different time zone data, and for a time with a zone of
+/// its own.
 std::unique_ptr<icu::TimeZone> zoneAt(const QDateTime &local)
 {
     const int offsetMs = local.offsetFromUtc() * 1000;
@@ -215,6 +216,12 @@ QString expanded(const QString &pattern, const QByteArray &locale, const QDateTi
 
 } // namespace
 
+QDateTime onItsWallClock(const QDateTime &when)
+{
+    const bool hasItsOwn = when.timeSpec() == Qt::TimeZone || when.timeSpec() == Qt::OffsetFromUTC;
+    return hasItsOwn ? when : when.toLocalTime();
+}
+
 LocaleFormat::LocaleFormat()
     : m_dateLocale(localeFromEnvironment("LC_TIME"))
     , m_numberLocale(localeFromEnvironment("LC_NUMERIC"))
@@ -233,7 +240,7 @@ QString LocaleFormat::date(const QDateTime &when, Style style) const
         return {};
     const std::unique_ptr<icu::DateFormat> format(
         icu::DateFormat::createDateInstance(icuStyle(style), icu::Locale(m_dateLocale.constData())));
-    return formatted(format.get(), when.toLocalTime());
+    return formatted(format.get(), onItsWallClock(when));
 }
 
 QString LocaleFormat::time(const QDateTime &when, Style style) const
@@ -242,14 +249,14 @@ QString LocaleFormat::time(const QDateTime &when, Style style) const
         return {};
     const std::unique_ptr<icu::DateFormat> format(
         icu::DateFormat::createTimeInstance(icuStyle(style), icu::Locale(m_dateLocale.constData())));
-    return formatted(format.get(), when.toLocalTime());
+    return formatted(format.get(), onItsWallClock(when));
 }
 
 QString LocaleFormat::calendar(const QDateTime &when, const QString &pattern) const
 {
     if (!when.isValid())
         return {};
-    return expanded(pattern, m_dateLocale, when.toLocalTime());
+    return expanded(pattern, m_dateLocale, onItsWallClock(when));
 }
 
 QString LocaleFormat::decimal(double value, int maxFractionDigits) const

@@ -9,10 +9,14 @@
 namespace plexa
 {
 
+/// The time as the clock on a wall shows it: its own clock where it brings its own time zone or offset, and
+/// the system's time zone (TZ) for local times and UTC.
+QDateTime onItsWallClock(const QDateTime &when);
+
 /// Dates, times and numbers as the user's locale writes them (CLDR styles, by ICU). A value; any thread.
 ///
-/// Every time is written as the clock on the wall of the system's time zone (TZ) showed it. An invalid time
-/// gives an empty string.
+/// Every time is written as the clock on its wall showed it (onItsWallClock()). An invalid time gives an
+/// empty string.
 class LocaleFormat final
 {
 public:

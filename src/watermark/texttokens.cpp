@@ -3,11 +3,11 @@
 #include "watermark/texttokens.h"
 
 #include "metadata/imagemetadata.h"
+#include "platform/filenames.h"
 #include "platform/localeformat.h"
 #include "watermark/plainstring.h"
 
 #include <QDateTime>
-#include <QFileInfo>
 
 #include <array>
 
@@ -106,7 +106,8 @@ Text filename(const TokenFacts &facts)
 
 Text fileExtension(const TokenFacts &facts)
 {
-    return QFileInfo(facts.path).suffix();
+    const QString extension = fileExtensionOf(facts.path);
+    return extension.isEmpty() ? Text() : extension;
 }
 
 using M = ImageMetadata;

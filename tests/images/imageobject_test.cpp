@@ -314,6 +314,10 @@ void ImageObjectTest::renaming()
     QCOMPARE(photo.path(), QStringLiteral("/x/b.jpg"));
     photo.setFilename(QStringLiteral("b"));
     QCOMPARE(changes.count(), 1);
+    ImageObject hidden(QStringLiteral("/x/.hidden"), services.all);
+    QCOMPARE(hidden.filename(), QStringLiteral(".hidden"));
+    hidden.setFilename(QStringLiteral("seen"));
+    QCOMPARE(hidden.path(), QStringLiteral("/x/seen"));
 }
 
 void ImageObjectTest::everyOrientationComesUpright()

@@ -44,6 +44,8 @@ private Q_SLOTS:
     void texts();
     void dates_data();
     void dates();
+    void timesInTheSkippedHour_data();
+    void timesInTheSkippedHour();
     void clearing();
 };
 
@@ -75,7 +77,7 @@ void ImageMetadataTest::copiesShareNothing()
     original.setIptcCreatorCity(QStringLiteral("Bonn"));
     ImageMetadata copy = original;
     copy.setIptcCreatorCity(QStringLiteral("Ulm"));
-    copy.clearTiffData(ImageMetadata::Keep::Nothing);
+    copy.clearTiffDataKeepCopyright(false, false);
     QCOMPARE(original.iptcCreatorCity().toString(), QStringLiteral("Bonn"));
 }
 
@@ -310,9 +312,48 @@ void ImageMetadataTest::dates()
     QCOMPARE(metadata.exifDateTimeDigitizedStr(), expected.isValid() ? QVariant(raw) : QVariant());
 }
 
+/// The hour that the local clock skips: a camera in another zone took photos in it.
+void ImageMetadataTest::timesInTheSkippedHour_data()
+{
+    QTest::addColumn<QByteArray>("zone");
+    QTest::addColumn<QDateTime>("taken");
+    QTest::newRow("ahead of UTC") << QByteArray("Europe/Berlin")
+                                  << QDateTime(QDate(2021, 3, 28), QTime(2, 30), Qt::UTC);
+    QTest::newRow("UTC in winter") << QByteArray("Europe/London")
+                                   << QDateTime(QDate(2021, 3, 28), QTime(1, 0), Qt::UTC);
+    QTest::newRow("UTC in summer") << QByteArray("Atlantic/Azores")
+                                   << QDateTime(QDate(2021, 3, 28), QTime(0, 59, 59), Qt::UTC);
+    QTest::newRow("half an hour") << QByteArray("Australia/Lord_Howe")
+                                  << QDateTime(QDate(2021, 10, 3), QTime(2, 10), Qt::UTC);
+    QTest::newRow("a whole day") << QByteArray("Pacific/Apia")
+                                 << QDateTime(QDate(2011, 12, 30), QTime(12, 0), Qt::UTC);
+}
+
+void ImageMetadataTest::timesInTheSkippedHour()
+{
+    QFETCH(QByteArray, zone);
+    QFETCH(QDateTime, taken);
+    const QByteArray before = qgetenv("TZ");
+    qputenv("TZ", zone);
+    tzset();
+    const QString raw = taken.toString(ImageMetadata::exifDateTimeFormatter());
+    ImageMetadata metadata;
+    metadata.setExifDateTimeOriginalStr(raw);
+    const QDateTime read = metadata.exifDateTimeOriginal();
+    metadata.setExifDateTimeDigitized(read);
+    const LocaleFormat german(QStringLiteral("de_DE"));
+    const QString shown = read.isValid() ? german.date(read, LocaleFormat::Style::Medium) + u' ' +
+                                               german.time(read, LocaleFormat::Style::Medium) + u' ' +
+                                               german.calendar(read, QStringLiteral("%F %T"))
+                                         : QString();
+    before.isNull() ? qunsetenv("TZ") : qputenv("TZ", before);
+    tzset();
+    QCOMPARE(shown, taken.toString(QStringLiteral("dd.MM.yyyy HH:mm:ss yyyy-MM-dd HH:mm:ss")));
+    QCOMPARE(metadata.exifDateTimeDigitizedStr(), QVariant(raw));
+}
+
 void ImageMetadataTest::clearing()
 {
-    using Keep = ImageMetadata::Keep;
     ImageMetadata full;
     full.setTiffCopyright(QStringLiteral("(c)"));
     full.setTiffArtist(QStringLiteral("Ann"));
@@ -325,13 +366,12 @@ void ImageMetadataTest::clearing()
     full.setIptcCreatorEmail(QStringLiteral("ann@example.org"));
     full.setExifFNumber(8);
     full.setExifLens(QStringLiteral("50 mm"));
-    for (const Keep keep :
-         {Keep::Nothing, Keep::Copyright, Keep::ContactInfo, Keep::CopyrightAndContactInfo}) {
-        const bool copyright = keep == Keep::Copyright || keep == Keep::CopyrightAndContactInfo;
-        const bool contact = keep == Keep::ContactInfo || keep == Keep::CopyrightAndContactInfo;
+    for (int choice = 0; choice < 4; ++choice) {
+        const bool copyright = (choice & 1) != 0;
+        const bool contact = (choice & 2) != 0;
         ImageMetadata metadata = full;
-        metadata.clearTiffData(keep);
-        metadata.clearIptcData(keep);
+        metadata.clearTiffDataKeepCopyright(copyright, contact);
+        metadata.clearIptcDataKeepCopyright(copyright, contact);
         metadata.clearExifData();
         QCOMPARE(metadata.iptcCopyright().isValid(), copyright);
         QCOMPARE(metadata.tiffCopyright().isValid(), copyright);

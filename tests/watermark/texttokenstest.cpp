@@ -6,6 +6,7 @@
 #include "imageio/exiftoolrecords.h"
 #include "imageio/imagesource.h"
 #include "metadata/imagemetadata.h"
+#include "platform/filenames.h"
 #include "platform/localeformat.h"
 #include "watermark/fakephoto.h"
 #include "watermark/watermarktext.h"
@@ -135,6 +136,8 @@ private Q_SLOTS:
     void valuesAreWrittenPlainly_data();
     void valuesAreWrittenPlainly();
     void theFileSpeaksForItself();
+    void namesAreParted_data();
+    void namesAreParted();
     void aPhotoWithoutMetadataHasNone();
     void piecesAreJoinedAsTheyStand_data();
     void piecesAreJoinedAsTheyStand();
@@ -225,6 +228,36 @@ void TextTokensTest::theFileSpeaksForItself()
     QCOMPARE(expansion(u"DPI height"_qs, metadata), Text());
     QCOMPARE(expansion(u"bit depth"_qs, metadata), Text(u"8"_qs));
     QCOMPARE(expansion(u"color model"_qs, metadata), Text(u"RGB"_qs));
+}
+
+void TextTokensTest::namesAreParted_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("filename");
+    QTest::addColumn<QString>("extension"); // null: none
+    QTest::newRow("usual") << "/a.b/c.d.JPG"
+                           << "c.d"
+                           << "JPG";
+    QTest::newRow("no extension") << "/a.b/c"
+                                  << "c" << QString();
+    QTest::newRow("hidden") << "/a/.hidden"
+                            << ".hidden" << QString();
+    QTest::newRow("hidden, with extension") << "/a/.hidden.jpg"
+                                            << ".hidden"
+                                            << "jpg";
+    QTest::newRow("dot at the end") << "a."
+                                    << "a" << QString();
+}
+
+void TextTokensTest::namesAreParted()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, extension);
+    QTEST(filenameOf(path), "filename");
+    const TokenFacts facts{nullptr, path, filenameOf(path), QSize()};
+    const Text found = stringForInfoToken(u"file extension"_qs, facts, LocaleFormat());
+    QCOMPARE(found.has_value(), !extension.isNull());
+    QCOMPARE(found.value_or(QString()), extension);
 }
 
 void TextTokensTest::aPhotoWithoutMetadataHasNone()
