@@ -149,20 +149,30 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     EmbeddedMetadata::Encoded encoded;
     if (hasExcessiveXmp(set))
         encoded.omitted += u"XMP"_qs;
-    const auto lock = lockXmpNamespaces();
-    Exiv2::XmpData xmp = decodedXmp(set);
     const MakerNoteBlock note = makerNoteOf(set.exif);
     const size_t noteFields = makerNoteFields(set.exif);
     erasePicturesFromExif(set.exif);
+    const bool erasedFromIptc = erasePicturesFromIptc(set.iptc);
+    const Exiv2::IptcData original = set.iptc;
+
+    // All threads wait for this lock: what needs no namespaces is done without it.
+    auto lock = lockXmpNamespaces();
+    Exiv2::XmpData xmp = decodedXmp(set);
     erasePicturesFromXmp(xmp);
     // A digest of the old record would make other programs distrust the new one.
-    if (erasePicturesFromIptc(set.iptc))
+    if (erasedFromIptc)
         eraseXmpProperty(xmp, "Xmp.photoshop.LegacyIPTCDigest");
-    const Exiv2::IptcData original = set.iptc;
     applyPropertyChanges(set, xmp, before, after);
-    describePictureInExif(set.exif, facts.pixelSize);
     describePictureInXmp(xmp, facts.pixelSize);
+    try {
+        encoded.xmp = encodedXmp(xmp);
+        restoreAbout(encoded.xmp, set.xmpPacket);
+    } catch (const std::exception &) {
+        encoded.xmp.clear();
+    }
+    lock.unlock();
 
+    describePictureInExif(set.exif, facts.pixelSize);
     const bool keepsNote = set.exif.findKey(Exiv2::ExifKey("Exif.Photo.MakerNote")) != set.exif.end() &&
                            makerNoteFields(set.exif) == noteFields;
     EncodedExif exif = encodedExif(set.exif, set.byteOrder, keepsNote ? note : MakerNoteBlock(), facts);
@@ -173,12 +183,6 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
         encoded.iptc = encodedIptc(set, original);
     } catch (const std::exception &) {
         encoded.iptc.clear();
-    }
-    try {
-        encoded.xmp = encodedXmp(xmp);
-        restoreAbout(encoded.xmp, set.xmpPacket);
-    } catch (const std::exception &) {
-        encoded.xmp.clear();
     }
     encoded.comment = textualComment(set.comment);
     return encoded;

@@ -26,8 +26,10 @@ std::shared_ptr<const EmbeddedMetadata> EmbeddedMetadata::read(const QString &pa
     auto data = std::make_unique<Data>();
     try {
         data->set = readMetadataSet(path);
-        const auto lock = lockXmpNamespaces();
-        data->properties = propertiesOfMetadata(data->set, decodedXmp(data->set));
+        auto lock = lockXmpNamespaces();
+        const Exiv2::XmpData xmp = decodedXmp(data->set);
+        lock.unlock();
+        data->properties = propertiesOfMetadata(data->set, xmp);
     } catch (const std::exception &) {
         // Metadata that cannot be understood are none.
         data = std::make_unique<Data>();

@@ -11,7 +11,7 @@ namespace plexa
 
 /// The property dictionary of a file's metadata. A fact is taken from EXIF or IIM; where these are silent,
 /// from XMP; lens and serial number also from the maker notes.
-/// To be called under lockXmpNamespaces() with the XMP of the set, decoded.
+/// @param xmp  decodedXmp() of the set
 QVariantMap propertiesOfMetadata(const MetadataSet &set, const Exiv2::XmpData &xmp);
 
 } // namespace plexa

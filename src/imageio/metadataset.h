@@ -29,7 +29,8 @@ MetadataSet readMetadataSet(const QString &path);
 
 /// Decodes the XMP, both packets as one; without a packet that is damaged or beyond all measure (size,
 /// nesting, number of elements and attributes).
-/// To be called and its result used under lockXmpNamespaces().
+/// To be called under lockXmpNamespaces(); the result is changed and encoded under the same lock, but may be
+/// read without it.
 Exiv2::XmpData decodedXmp(const MetadataSet &set);
 
 /// Does decodedXmp() leave out a packet that is beyond all measure?

@@ -12,11 +12,10 @@ namespace plexa
 {
 
 /// The value that XMP has for a field; invalid when it has none or none that can be read.
-/// To be called under lockXmpNamespaces().
 QVariant xmpField(const Exiv2::XmpData &xmp, const MetadataField &field);
 
 /// Adds what one XMP property says in place of two EXIF ones: reference letters, date and time of the fix.
-/// Present values stay. To be called under lockXmpNamespaces().
+/// Present values stay.
 void insertGpsFromXmp(QVariantMap &gps, const Exiv2::XmpData &xmp);
 
 } // namespace plexa

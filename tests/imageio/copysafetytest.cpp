@@ -308,7 +308,7 @@ void CopySafetyTest::excessiveXmpIsRefused()
     QCOMPARE(copy.xmp.contains("image/x"), isKept);
     QCOMPARE(copy.xmp.isEmpty(), !isKept);
     QCOMPARE(copy.omitted, isKept ? QStringList() : QStringList{u"XMP"_qs});
-    QVERIFY(timer.elapsed() < 3000); // a tenth of that without sanitizers
+    QVERIFY(timer.elapsed() < 15'000); // a quarter of a second without sanitizers
 }
 
 void CopySafetyTest::thumbnailFitsAnyRoom_data()
