@@ -11,6 +11,7 @@ namespace plexa
 
 struct EmbeddedMetadata::Data {
     MetadataSet set;
+    QVariantMap ownProperties; ///< without what only a PNG's texts say
     QVariantMap properties;
 };
 
@@ -27,7 +28,8 @@ std::shared_ptr<const EmbeddedMetadata> EmbeddedMetadata::read(const QString &pa
     try {
         data->set = readMetadataSet(path);
         const auto lock = lockXmpNamespaces();
-        data->properties = propertiesOfMetadata(data->set, decodedXmp(data->set));
+        data->ownProperties = propertiesOfMetadata(data->set, decodedXmp(data->set));
+        data->properties = withPngTexts(data->ownProperties, data->set.texts);
     } catch (const std::exception &) {
         // Metadata that cannot be understood are none.
         data = std::make_unique<Data>();
@@ -58,7 +60,10 @@ EmbeddedMetadata::Encoded EmbeddedMetadata::encodeForCopy(const QVariantMap &pro
                                                           const CopyFacts &facts) const
 {
     try {
-        return encodedForCopy(m_data->set, m_data->properties, properties, facts);
+        // What only the texts say goes into the copy's other places like an edit: a JPEG has no texts.
+        Encoded encoded = encodedForCopy(m_data->set, m_data->ownProperties, properties, facts);
+        encoded.texts = pngTextsForCopy(m_data->set.texts, m_data->properties, properties);
+        return encoded;
     } catch (const std::exception &) {
         // A copy without metadata is better than none, and better than one with an unmarked picture.
         return {};
