@@ -11,6 +11,7 @@ namespace plexa
 
 struct EmbeddedMetadata::Data {
     MetadataSet set;
+    QVariantMap ownProperties; ///< without what only a PNG's texts say
     QVariantMap properties;
 };
 
@@ -29,7 +30,8 @@ std::shared_ptr<const EmbeddedMetadata> EmbeddedMetadata::read(const QString &pa
         auto lock = lockXmpNamespaces();
         const Exiv2::XmpData xmp = decodedXmp(data->set);
         lock.unlock();
-        data->properties = propertiesOfMetadata(data->set, xmp);
+        data->ownProperties = propertiesOfMetadata(data->set, xmp);
+        data->properties = withPngTexts(data->ownProperties, data->set.texts);
     } catch (const std::exception &) {
         // Metadata that cannot be understood are none.
         data = std::make_unique<Data>();
@@ -60,7 +62,10 @@ EmbeddedMetadata::Encoded EmbeddedMetadata::encodeForCopy(const QVariantMap &pro
                                                           const CopyFacts &facts) const
 {
     try {
-        return encodedForCopy(m_data->set, m_data->properties, properties, facts);
+        // What only the texts say goes into the copy's other places like an edit: a JPEG has no texts.
+        Encoded encoded = encodedForCopy(m_data->set, m_data->ownProperties, properties, facts);
+        encoded.texts = pngTextsForCopy(m_data->set.texts, m_data->properties, properties);
+        return encoded;
     } catch (const std::exception &) {
         // A copy without metadata is better than none, and better than one with an unmarked picture.
         return {};

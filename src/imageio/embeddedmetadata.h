@@ -3,6 +3,7 @@
 #pragma once
 
 #include "imageio/jpegsegments.h"
+#include "imageio/pngtexts.h"
 #include "platform/result.h"
 
 #include <QByteArray>
@@ -33,7 +34,8 @@ public:
 
     /// The part of the property dictionary that comes from metadata: "Orientation", "DPIWidth", "DPIHeight",
     /// "{TIFF}", "{Exif}", "{ExifAux}", "{IPTC}", "{GPS}" as far as the file has them (keys:
-    /// imageio/propertykeys.h). What the pixels say (size, depth, colour model, profile) is the codec's.
+    /// imageio/propertykeys.h). The author, copyright, title and description of a PNG's texts stand in where
+    /// nothing else says them. What the pixels say (size, depth, colour model, profile) is the codec's.
     QVariantMap properties() const;
 
     /// Does the EXIF carry a thumbnail?
@@ -45,6 +47,7 @@ public:
         QByteArray iptc;                 ///< IIM records
         QByteArray xmp;                  ///< packet, UTF-8
         QByteArray comment;              ///< JPEG comment
+        QList<PngText> texts;            ///< for a PNG: the source's, as far as it was one, and the software
         QByteArray thumbnailPlaceholder; ///< the bytes in `exif` that stand for the thumbnail to be made
         QStringList omitted;             ///< what was too long for the copy: "maker note", "user comment"
     };

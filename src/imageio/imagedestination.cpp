@@ -97,6 +97,7 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
     options.iptc = encoded.iptc;
     options.xmp = encoded.xmp;
     options.comment = encoded.comment;
+    options.texts = encoded.texts;
     const bool flattens = format.hasAlpha && !target->writesAlpha;
     const RowFormat written = {format.size, format.hasAlpha && !flattens};
     Result<std::unique_ptr<RowWriter>> writer = target->codec->openWriter(device, written, options);

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "imageio/pngtexts.h"
 #include "imageio/rowstream.h"
 
 #include <QByteArray>
@@ -75,6 +76,7 @@ struct WriteOptions {
     QByteArray iptc;                 ///< IIM records, may be empty
     QByteArray xmp;                  ///< packet as UTF-8, may be empty
     QByteArray comment;              ///< JPEG comment, may be empty
+    QList<PngText> texts;            ///< PNG, may be empty
     bool tiffLzw = true;             ///< TIFF: LZW, else none
 };
 

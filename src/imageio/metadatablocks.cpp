@@ -6,10 +6,6 @@
 #include <QMap>
 #include <QtEndian>
 
-#include <zlib.h>
-
-#include <memory>
-
 namespace plexa
 {
 
@@ -130,29 +126,6 @@ MetadataBlocks readJpegBlocks(QIODevice &device)
     return blocks;
 }
 
-/// Decompresses a zlib stream; empty when it is damaged or larger than a block may be.
-QByteArray inflated(const QByteArray &data)
-{
-    z_stream stream{};
-    if (inflateInit(&stream) != Z_OK)
-        return {};
-    const std::unique_ptr<z_stream, decltype(&inflateEnd)> guard(&stream, inflateEnd);
-    stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(data.constData()));
-    stream.avail_in = static_cast<uInt>(data.size());
-    QByteArray result;
-    for (;;) {
-        char buffer[16 * 1024];
-        stream.next_out = reinterpret_cast<Bytef *>(buffer);
-        stream.avail_out = sizeof buffer;
-        const int code = inflate(&stream, Z_NO_FLUSH);
-        result.append(buffer, static_cast<qsizetype>(sizeof buffer - stream.avail_out));
-        if (code == Z_STREAM_END)
-            return result;
-        if (code != Z_OK || result.size() > kMaxMetadataBytes)
-            return {};
-    }
-}
-
 /// A profile that a program has put into a PNG text as "\nname\n  length\nhex digits".
 QByteArray rawProfile(const QByteArray &text)
 {
@@ -181,30 +154,23 @@ void takeRawProfile(MetadataBlocks &blocks, const QByteArray &keyword, const QBy
         takeFirst(blocks.iptc, data.startsWith("8BIM") ? iptcOfImageResources(data) : data);
 }
 
-void takePngText(MetadataBlocks &blocks, const QByteArray &type, const QByteArray &data)
+void takePngText(MetadataBlocks &blocks, PngTextChunks &texts, const QByteArray &type, const QByteArray &data)
 {
-    const qsizetype end = data.indexOf('\0');
-    if (end < 0)
+    const std::optional<PngTextChunks::Content> content = texts.unpacked(type, data);
+    if (!content)
         return;
-    const QByteArray keyword = data.left(end);
-    if (type == "tEXt") {
-        takeRawProfile(blocks, keyword, data.mid(end + 1));
-    } else if (type == "zTXt") {
-        takeRawProfile(blocks, keyword, inflated(data.mid(end + 2)));
-    } else if (end + 3 < data.size() && keyword == "XML:com.adobe.xmp") { // iTXt
-        const bool isCompressed = data[end + 1] == 1;
-        const qsizetype languageEnd = data.indexOf('\0', end + 3);
-        const qsizetype translatedEnd = languageEnd < 0 ? -1 : data.indexOf('\0', languageEnd + 1);
-        if (translatedEnd >= 0) {
-            const QByteArray text = data.mid(translatedEnd + 1);
-            takeFirst(blocks.xmp, isCompressed ? inflated(text) : text);
-        }
-    }
+    if (!content->isBlock())
+        texts.add(*content);
+    else if (!content->isUtf8)
+        takeRawProfile(blocks, content->keyword, content->bytes);
+    else if (content->keyword == "XML:com.adobe.xmp")
+        takeFirst(blocks.xmp, content->bytes);
 }
 
 MetadataBlocks readPngBlocks(QIODevice &device)
 {
     MetadataBlocks blocks;
+    PngTextChunks texts;
     device.seek(8);
     for (int i = 0; i < kMaxBlocks; ++i) {
         const QByteArray head = device.read(8);
@@ -220,12 +186,13 @@ MetadataBlocks readPngBlocks(QIODevice &device)
                 const QByteArray data = device.read(size);
                 takeFirst(blocks.exif, data.startsWith("Exif\0\0"_ba) ? data.mid(6) : data);
             } else if (type == "tEXt" || type == "zTXt" || type == "iTXt") {
-                takePngText(blocks, type, device.read(size));
+                takePngText(blocks, texts, type, device.read(size));
             }
         }
         if (next >= device.size() || !device.seek(next))
             break;
     }
+    blocks.texts = texts.texts();
     return blocks;
 }
 

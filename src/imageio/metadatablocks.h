@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include "imageio/pngtexts.h"
+
 #include <QByteArray>
 #include <QIODevice>
 
@@ -17,6 +19,7 @@ struct MetadataBlocks {
     QByteArray xmp;     ///< the packet, UTF-8
     QByteArray moreXmp; ///< a JPEG's second packet, for what does not fit into one segment
     QByteArray comment; ///< JPEG comment
+    QList<PngText> texts;
 };
 
 /// No block is taken that is larger: the largest that cameras and editors write stay far below.

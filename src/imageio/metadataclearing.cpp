@@ -149,6 +149,12 @@ bool iptcHasBeenCleared(QVariantMap before, QVariantMap after)
 
 } // namespace
 
+bool isIptcCleared(const QVariantMap &before, const QVariantMap &after)
+{
+    return iptcHasBeenCleared(groupDictionary(before, MetadataGroup::Iptc),
+                              groupDictionary(after, MetadataGroup::Iptc));
+}
+
 bool eraseXmpProperty(Exiv2::XmpData &xmp, std::string_view key)
 {
     bool found = false;
@@ -184,8 +190,7 @@ void clearEmptiedGroups(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap
         clearGps(set, xmp);
     if (isCleared(MetadataGroup::Exif))
         clearExif(set, xmp);
-    if (iptcHasBeenCleared(groupDictionary(before, MetadataGroup::Iptc),
-                           groupDictionary(after, MetadataGroup::Iptc)))
+    if (isIptcCleared(before, after))
         clearIptc(set, xmp, after);
 }
 

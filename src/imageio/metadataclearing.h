@@ -33,6 +33,9 @@ void eraseMetadataIf(Container &container, Predicate predicate)
 /// Removes an XMP property and what is nested in it. @return was there any?
 bool eraseXmpProperty(Exiv2::XmpData &xmp, std::string_view key);
 
+/// Is the IPTC group of `after` emptied but for what a clearing may keep (copyright, creator, contact)?
+bool isIptcCleared(const QVariantMap &before, const QVariantMap &after);
+
 /// Clears the groups that are empty in `after` but not in `before`, in all places that store something of
 /// them, modelled or not: EXIF with maker notes, serial numbers and XMP mirrors; GPS; IPTC with its XMP
 /// mirrors but for what `after` keeps (copyright, creator, contact).

@@ -196,6 +196,7 @@ MetadataSet readMetadataSet(const QString &path)
         set.xmpPacket = blocks->xmp.toStdString();
         set.moreXmpPacket = blocks->moreXmp.toStdString();
         set.comment = blocks->comment.toStdString();
+        set.texts = blocks->texts;
         return set;
     }
     try {

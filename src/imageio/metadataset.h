@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include "imageio/pngtexts.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -21,6 +23,7 @@ struct MetadataSet {
     std::string xmpPacket;
     std::string moreXmpPacket; ///< what a JPEG keeps in a second packet
     std::string comment;
+    QList<PngText> texts;
     Exiv2::ByteOrder byteOrder = Exiv2::littleEndian;
 };
 

@@ -11,6 +11,7 @@
 
 #include <zlib.h>
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 #include <vector>
@@ -47,6 +48,57 @@ QByteArray rawProfileText(const QByteArray &iptc)
         text += digits.mid(at, 72) + '\n';
     return text;
 }
+
+/// The texts for the encoder, which takes pointers to what lives here.
+class TextChunks
+{
+public:
+    void add(int compression, const QByteArray &keyword, const QByteArray &text)
+    {
+        if (!text.isEmpty())
+            m_chunks.push_back({compression, keyword, text});
+    }
+
+    /// Only where Latin-1 does not do it a text is UTF-8: fewer programs look into that kind of chunk.
+    void add(const PngText &text)
+    {
+        const bool isLatin1 = std::all_of(text.text.begin(), text.text.end(), [](QChar letter) {
+            const ushort code = letter.unicode();
+            return code == '\n' || (code >= 0x20 && code <= 0x7E) || (code >= 0xA0 && code <= 0xFF);
+        });
+        if (isLatin1)
+            add(PNG_TEXT_COMPRESSION_NONE, text.keyword, text.text.toLatin1());
+        else
+            add(PNG_ITXT_COMPRESSION_NONE, text.keyword, text.text.toUtf8());
+    }
+
+    /// Valid as long as this object lives unchanged.
+    std::vector<png_text> entries()
+    {
+        std::vector<png_text> entries;
+        for (Chunk &chunk : m_chunks) {
+            png_text entry = {};
+            entry.compression = chunk.compression;
+            entry.key = chunk.keyword.data();
+            entry.text = chunk.text.data();
+            (chunk.compression >= PNG_ITXT_COMPRESSION_NONE ? entry.itxt_length : entry.text_length) =
+                size_t(chunk.text.size());
+            entry.lang = m_none;
+            entry.lang_key = m_none;
+            entries.push_back(entry);
+        }
+        return entries;
+    }
+
+private:
+    struct Chunk {
+        int compression;
+        QByteArray keyword;
+        QByteArray text;
+    };
+    std::vector<Chunk> m_chunks;
+    char m_none[1] = "";
+};
 
 /// Runs libpng's encoder. The functions that call it have no object of their own that a jump would leave
 /// behind; after one returned false the encoder is of no more use.
@@ -165,30 +217,15 @@ public:
 
     Result<void> start(const WriteOptions &options)
     {
-        QByteArray xmp = options.xmp;
-        QByteArray iptc = options.iptc.isEmpty() ? QByteArray() : rawProfileText(options.iptc);
-        QByteArray comment = options.comment;
-        char none[] = "";
-        char xmpKey[] = "XML:com.adobe.xmp";
-        char iptcKey[] = "Raw profile type iptc";
-        char commentKey[] = "Comment";
-        std::vector<png_text> texts;
-        const auto add = [&](int compression, char *key, QByteArray &text) {
-            if (text.isEmpty())
-                return;
-            png_text entry = {};
-            entry.compression = compression;
-            entry.key = key;
-            entry.text = text.data();
-            (compression >= PNG_ITXT_COMPRESSION_NONE ? entry.itxt_length : entry.text_length) =
-                size_t(text.size());
-            entry.lang = none;
-            entry.lang_key = none;
-            texts.push_back(entry);
-        };
-        add(PNG_ITXT_COMPRESSION_NONE, xmpKey, xmp);
-        add(PNG_TEXT_COMPRESSION_zTXt, iptcKey, iptc);
-        add(PNG_ITXT_COMPRESSION_NONE, commentKey, comment);
+        TextChunks chunks;
+        chunks.add(PNG_ITXT_COMPRESSION_NONE, "XML:com.adobe.xmp", options.xmp);
+        if (!options.iptc.isEmpty())
+            chunks.add(PNG_TEXT_COMPRESSION_zTXt, "Raw profile type iptc", rawProfileText(options.iptc));
+        chunks.add({"Comment", options.comment.isValidUtf8() ? QString::fromUtf8(options.comment)
+                                                             : QString::fromLatin1(options.comment)});
+        for (const PngText &text : options.texts)
+            chunks.add(text);
+        std::vector<png_text> texts = chunks.entries();
         if (!m_encoder.start(srgbProfile(), options, texts.data(), int(texts.size())))
             return failure();
         return {};

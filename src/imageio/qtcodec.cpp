@@ -4,6 +4,7 @@
 
 #include "imageio/colorprofile.h"
 #include "imageio/readfailures.h"
+#include "raster/pixelformat.h"
 
 #include <QColorSpace>
 #include <QImageReader>
@@ -29,29 +30,6 @@ void prepareQt()
         TIFFSetErrorHandler(nullptr);
         TIFFSetWarningHandler(nullptr);
     });
-}
-
-bool isDeep(QImage::Format format)
-{
-    switch (format) {
-    case QImage::Format_Grayscale16:
-    case QImage::Format_RGBX64:
-    case QImage::Format_RGBA64:
-    case QImage::Format_RGBA64_Premultiplied:
-    case QImage::Format_BGR30:
-    case QImage::Format_RGB30:
-    case QImage::Format_A2BGR30_Premultiplied:
-    case QImage::Format_A2RGB30_Premultiplied:
-    case QImage::Format_RGBX16FPx4:
-    case QImage::Format_RGBA16FPx4:
-    case QImage::Format_RGBA16FPx4_Premultiplied:
-    case QImage::Format_RGBX32FPx4:
-    case QImage::Format_RGBA32FPx4:
-    case QImage::Format_RGBA32FPx4_Premultiplied:
-        return true;
-    default:
-        return false;
-    }
 }
 
 bool isGray(QImage::Format format)
@@ -96,7 +74,7 @@ Result<void> prepare(QImageReader &reader, QIODevice &device, const char *qtForm
     if (const auto checked = ReadFailures::checkSize(size, limits); !checked)
         return checked;
     // What the plugin decodes, and the rows that are made of it.
-    return ReadFailures::checkMemory(size, isDeep(reader.imageFormat()) ? 12 : 8, limits);
+    return ReadFailures::checkMemory(size, hasDeepComponents(reader.imageFormat()) ? 12 : 8, limits);
 }
 
 /// Changes the picture to 8-bit sRGB rows of the announced kind.
@@ -115,7 +93,7 @@ QImage toRows(QImage image, const QByteArray &headerProfile, bool hasAlpha)
             return rows;
         }
     }
-    const bool deep = isDeep(image.format());
+    const bool deep = hasDeepComponents(image.format());
     const auto transform = ColorTransform::toSrgb(icc, deep ? PixelLayout::Rgba64 : PixelLayout::Rgb32);
     if (transform) {
         const bool imageHasAlpha = image.hasAlphaChannel();
@@ -202,7 +180,7 @@ Result<PictureInfo> QtCodec::readInfo(QIODevice &device, const ReadLimits &limit
         info.rows.size = image.size();
     }
     const QImage::Format format = reader.imageFormat();
-    info.depth = header.depth > 0 ? header.depth : isDeep(format) ? 16 : 8;
+    info.depth = header.depth > 0 ? header.depth : hasDeepComponents(format) ? 16 : 8;
     info.colorModel = !header.colorModel.isEmpty() ? header.colorModel
                       : isGray(format)             ? QStringLiteral("Gray")
                                                    : QStringLiteral("RGB");
