@@ -265,6 +265,11 @@ void PictureReadingTest::kindsOfTiffAreRead_data()
     add("CMYK, profile, 16 bit", u"-alpha off -depth 16 -colorspace CMYK -profile %3 -compress LZW"_qs);
     add("CMYK, profile, planes", u"-alpha off -depth 8 -colorspace CMYK -profile %3 -interlace Plane"_qs);
     add("CMYK, plain", u"-alpha off -depth 8 -colorspace CMYK"_qs);
+    add("luma and chroma", u"-alpha off -depth 8 -colorspace YCbCr -compress LZW"_qs);
+    add("luma and chroma, turned",
+        u"-alpha off -depth 8 -colorspace YCbCr -compress Zip -orient RightTop"_qs);
+    add("luma and chroma, tiles",
+        u"-alpha off -depth 8 -colorspace YCbCr -compress Zip -define tiff:tile-geometry=32x16"_qs);
     add("turned", u"-alpha off -depth 8 -orient RightTop"_qs);
     add("64-bit offsets", u"TIFF64: -alpha off -depth 8"_qs);
 }
