@@ -60,8 +60,12 @@ LayoutFacts factsOf(PixelLayout layout)
         return {TYPE_GRAYA_16, cmsSigGrayData, true};
     case PixelLayout::Cmyk8:
         return {TYPE_CMYK_8, cmsSigCmykData, false};
+    case PixelLayout::Cmyk16:
+        return {TYPE_CMYK_16, cmsSigCmykData, false};
     case PixelLayout::CmykInverted8:
         return {TYPE_CMYK_8_REV, cmsSigCmykData, false};
+    case PixelLayout::Lab16:
+        return {TYPE_Lab_16, cmsSigLabData, false};
     }
     Q_UNREACHABLE();
 }
@@ -88,6 +92,9 @@ Transform makeTransform(cmsContext context, cmsHPROFILE from, cmsUInt32Number fo
     cmsUInt32Number flags = cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE;
     if (copiesAlpha)
         flags |= cmsFLAGS_COPY_ALPHA;
+    // The table that would stand for the formulas is coarse where sRGB ends inside of a cell.
+    if (T_COLORSPACE(format) == PT_Lab)
+        flags |= cmsFLAGS_NOOPTIMIZE;
     return Transform(
         cmsCreateTransformTHR(context, from, format, to.get(), kRgb32, INTENT_RELATIVE_COLORIMETRIC, flags));
 }
@@ -150,7 +157,9 @@ std::unique_ptr<ColorTransform> ColorTransform::Data::make(Context context, cons
                                                            PixelLayout layout)
 {
     const LayoutFacts facts = factsOf(layout);
-    if (!from || cmsGetColorSpace(from.get()) != facts.space || !describesPictures(from.get()))
+    if (!from || cmsGetColorSpace(from.get()) != facts.space)
+        return nullptr;
+    if (facts.space != cmsSigLabData && !describesPictures(from.get()))
         return nullptr;
     if (facts.space == cmsSigRgbData) {
         const Transform test = makeTransform(context.get(), from.get(), kRgb32, false);
@@ -202,6 +211,15 @@ std::unique_ptr<ColorTransform> ColorTransform::toSrgb(const ColorCalibration &c
     cmsToneCurve *curves[3] = {curve.get(), curve.get(), curve.get()};
     const Profile from(cmsCreateRGBProfileTHR(context.get(), &white, &primaries, curves));
     return Data::make(std::move(context), from, layout);
+}
+
+std::unique_ptr<ColorTransform> ColorTransform::labToSrgb()
+{
+    Context context(cmsCreateContext(nullptr, nullptr));
+    if (!context)
+        return nullptr;
+    const Profile from(cmsCreateLab4ProfileTHR(context.get(), nullptr)); // null: D50
+    return Data::make(std::move(context), from, PixelLayout::Lab16);
 }
 
 void ColorTransform::convert(const void *in, QRgb *out, qsizetype count) const

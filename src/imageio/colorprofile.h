@@ -20,7 +20,9 @@ enum class PixelLayout {
     GrayAlpha8,    ///< grey, straight alpha
     GrayAlpha16,   ///< the same in words
     Cmyk8,         ///< 255: all ink
+    Cmyk16,        ///< the same in words
     CmykInverted8, ///< 0: all ink
+    Lab16,         ///< lightness, a, b in words: 65535 for 100, 257 (a + 128), 257 (b + 128)
 };
 
 /// What a picture says of its colours where it has no profile: the exponent of its encoding (0.45455 for a
@@ -42,6 +44,9 @@ public:
 
     /// The same for colours given by calibration; `layout` is Rgb32 or Rgba64.
     static std::unique_ptr<ColorTransform> toSrgb(const ColorCalibration &calibration, PixelLayout layout);
+
+    /// From CIE Lab under D50 (layout Lab16). @return null without memory
+    static std::unique_ptr<ColorTransform> labToSrgb();
 
     ~ColorTransform();
     ColorTransform(const ColorTransform &) = delete;

@@ -6,6 +6,7 @@
 #include "imageio/pictureheaders.h"
 #include "imageio/pngcodec.h"
 #include "imageio/qtcodec.h"
+#include "imageio/tiffcodec.h"
 
 #include <QtEndian>
 
@@ -92,13 +93,14 @@ QList<ImageFormat> makeFormats()
 {
     static const JpegCodec jpeg;
     static const PngCodec png;
+    static const TiffCodec tiff;
     QList<ImageFormat> formats = {
         {"image/jpeg", "JPEG", {u"jpg"_qs, u"jpeg"_qs, u"jpe"_qs, u"jfif"_qs}, isJpeg, &jpeg, true, false},
         {"image/png", "PNG", {u"png"_qs}, isPng, &png, true, true},
+        {"image/tiff", "TIFF", {u"tif"_qs, u"tiff"_qs}, isTiff, &tiff, false, false},
     };
     static const QtCodec gif("gif");
     static const QtCodec webp("webp", readWebpHeader);
-    static const QtCodec tiff("tiff", readTiffHeader);
     static const QtCodec bmp("bmp", readBmpHeader);
     static const QtCodec icon("ico");
     static const QtCodec icns("icns");
@@ -118,7 +120,6 @@ QList<ImageFormat> makeFormats()
     } qtFormats[] = {
         {"image/gif", "GIF", {u"gif"_qs}, isGif, &gif},
         {"image/webp", "WebP", {u"webp"_qs}, isWebp, &webp},
-        {"image/tiff", "TIFF", {u"tif"_qs, u"tiff"_qs}, isTiff, &tiff},
         {"image/bmp", "BMP", {u"bmp"_qs, u"dib"_qs}, isBmp, &bmp},
         {"image/vnd.microsoft.icon", "ICO", {u"ico"_qs}, isIcon, &icon},
         {"image/x-icns", "ICNS", {u"icns"_qs}, isIcns, &icns},

@@ -20,13 +20,11 @@ struct PictureHeader {
     double dpiWidth = 0;
     double dpiHeight = 0;
     std::optional<bool> hasAlpha;
-    QSize size;               ///< where the file may claim more than Qt is willing to speak of
-    bool isCameraRaw = false; ///< the file's first picture is but a preview of a camera's raw data
+    QSize size; ///< where the file may claim more than Qt is willing to speak of
 };
 
 /// Each takes a device of random access at the start of the file, leaves its position anywhere, and gives
 /// what could be read: damage is left to the decoder to find.
-PictureHeader readTiffHeader(QIODevice &device);
 PictureHeader readWebpHeader(QIODevice &device);
 PictureHeader readBmpHeader(QIODevice &device);
 

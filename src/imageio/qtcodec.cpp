@@ -9,8 +9,6 @@
 #include <QColorSpace>
 #include <QImageReader>
 
-#include <tiffio.h>
-
 #include <mutex>
 
 namespace plexa
@@ -26,9 +24,6 @@ void prepareQt()
     std::call_once(once, [] {
         // Qt's own bound for one picture is 128 MB; ours are checked before decoding.
         QImageReader::setAllocationLimit(int(ReadLimits().maxBytes / (1 << 20)));
-        // Qt's plugin leaves libtiff's messages on the standard error stream.
-        TIFFSetErrorHandler(nullptr);
-        TIFFSetWarningHandler(nullptr);
     });
 }
 
@@ -166,8 +161,6 @@ bool QtCodec::isAvailable() const
 Result<PictureInfo> QtCodec::readInfo(QIODevice &device, const ReadLimits &limits) const
 {
     const PictureHeader header = m_readHeader ? m_readHeader(device) : PictureHeader();
-    if (header.isCameraRaw)
-        return fail(ReadFailures::cameraRaw());
     QImageReader reader;
     if (const auto prepared = prepare(reader, device, m_qtFormat, header.size, limits); !prepared)
         return tl::unexpected(prepared.error());
@@ -185,7 +178,7 @@ Result<PictureInfo> QtCodec::readInfo(QIODevice &device, const ReadLimits &limit
                       : isGray(format)             ? QStringLiteral("Gray")
                                                    : QStringLiteral("RGB");
     info.iccProfile = header.iccProfile;
-    // Last, because counting moves within the file; the TIFF plugin counts from where the device stands.
+    // Last, because counting moves within the file.
     if (device.seek(0))
         info.imageCount = qMax(1, reader.imageCount());
     info.dpiWidth = header.dpiWidth;

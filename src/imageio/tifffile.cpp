@@ -1,0 +1,306 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/tifffile.h"
+
+#include "imageio/readfailures.h"
+
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <set>
+
+namespace plexa
+{
+
+namespace
+{
+
+/// More pictures than that are counted as that many: a crafted chain of directories costs time.
+constexpr int kMaxPictures = 10'000;
+
+/// Profiles of printers have a few megabytes.
+constexpr quint32 kMaxProfileBytes = 32'000'000;
+
+/// Of DNG: raw samples that are demosaiced already.
+constexpr quint16 kLinearRaw = 34892;
+
+template<class Value>
+Value fieldOf(TIFF *tiff, ttag_t tag, Value otherwise)
+{
+    Value value = otherwise;
+    return TIFFGetFieldDefaulted(tiff, tag, &value) ? value : otherwise;
+}
+
+int channelsOf(TiffFacts::Kind kind)
+{
+    switch (kind) {
+    case TiffFacts::Kind::Gray:
+    case TiffFacts::Kind::Palette:
+        return 1;
+    case TiffFacts::Kind::Cmyk:
+        return 4;
+    default:
+        return 3;
+    }
+}
+
+/// An unsigned number of 2, 4 or 8 bytes; 0 where the file ends.
+quint64 numberAt(QIODevice &device, quint64 position, int bytes, bool isLittle)
+{
+    if (position > quint64(device.size()) || !device.seek(qint64(position)))
+        return 0;
+    const QByteArray read = device.read(bytes);
+    quint64 number = 0;
+    for (int i = 0; i < bytes && read.size() == bytes; ++i)
+        number = number << 8 | uchar(read[isLittle ? bytes - 1 - i : i]);
+    return number;
+}
+
+} // namespace
+
+TiffFile::TiffFile(QIODevice &device, const ReadLimits &limits)
+    : m_device(device)
+    , m_limits(limits)
+{
+}
+
+TiffFile::~TiffFile()
+{
+    if (m_tiff)
+        TIFFClose(m_tiff);
+}
+
+tmsize_t TiffFile::read(thandle_t handle, void *bytes, tmsize_t count)
+{
+    auto *file = static_cast<TiffFile *>(handle);
+    qint64 got = 0;
+    if (file->m_position < file->m_device.size()) {
+        got = file->m_device.seek(file->m_position) ? file->m_device.read(static_cast<char *>(bytes), count)
+                                                    : -1;
+        file->m_readFailed = file->m_readFailed || got < 0;
+    }
+    file->m_reachedEnd = file->m_reachedEnd || (got >= 0 && got < count);
+    file->m_position += qMax<qint64>(got, 0);
+    return got;
+}
+
+toff_t TiffFile::seek(thandle_t handle, toff_t offset, int whence)
+{
+    auto *file = static_cast<TiffFile *>(handle);
+    const quint64 base = whence == SEEK_SET   ? 0
+                         : whence == SEEK_CUR ? quint64(file->m_position)
+                                              : quint64(file->m_device.size());
+    const quint64 position = base + offset; // a negative offset wraps around to what is meant
+    if (position > quint64(std::numeric_limits<qint64>::max()))
+        return toff_t(-1);
+    file->m_position = qint64(position);
+    return position;
+}
+
+int TiffFile::onError(TIFF *, void *self, const char *, const char *, va_list)
+{
+    static_cast<TiffFile *>(self)->m_isDamaged = true;
+    return 1;
+}
+
+int TiffFile::onWarning(TIFF *, void *self, const char *module, const char *, va_list)
+{
+    // libjpeg only warns of damaged data and makes up what is missing.
+    if (qstrcmp(module, "JPEGLib") == 0)
+        static_cast<TiffFile *>(self)->m_isDamaged = true;
+    return 1;
+}
+
+QString TiffFile::failureReason() const
+{
+    if (m_readFailed)
+        return ReadFailures::readError(m_device);
+    return m_reachedEnd ? ReadFailures::endsEarly() : ReadFailures::damaged();
+}
+
+Result<void> TiffFile::open()
+{
+    TIFFOpenOptions *options = TIFFOpenOptionsAlloc();
+    if (!options)
+        return fail(ReadFailures::outOfMemory());
+    TIFFOpenOptionsSetMaxSingleMemAlloc(options, tmsize_t(m_limits.maxBytes));
+    TIFFOpenOptionsSetErrorHandlerExtR(options, onError, this);
+    TIFFOpenOptionsSetWarningHandlerExtR(options, onWarning, this);
+    m_tiff = TIFFClientOpenExt(
+        "", "rm", this, read, [](thandle_t, void *, tmsize_t) { return tmsize_t(0); }, seek,
+        [](thandle_t) { return 0; },
+        [](thandle_t handle) { return toff_t(static_cast<TiffFile *>(handle)->m_device.size()); }, nullptr,
+        nullptr, options);
+    TIFFOpenOptionsFree(options);
+    if (!m_tiff)
+        return fail(failureReason());
+    if (isCameraRaw())
+        return fail(ReadFailures::cameraRaw());
+    if (const auto read = readLayout(); !read)
+        return read;
+    // What was complained of up to here is outside of the picture's data.
+    m_isDamaged = m_reachedEnd = false;
+    return {};
+}
+
+bool TiffFile::isCameraRaw()
+{
+    const quint16 photometric = fieldOf<quint16>(m_tiff, TIFFTAG_PHOTOMETRIC, 0);
+    quint8 *version = nullptr;
+    return (fieldOf<quint32>(m_tiff, TIFFTAG_SUBFILETYPE, 0) & FILETYPE_REDUCEDIMAGE) != 0 ||
+           photometric == PHOTOMETRIC_CFA || photometric == kLinearRaw ||
+           TIFFGetField(m_tiff, TIFFTAG_DNGVERSION, &version) != 0 ||
+           numberAt(m_device, 8, 2, false) == quint64('C' << 8 | 'R');
+}
+
+Result<void> TiffFile::readLayout()
+{
+    const quint32 width = fieldOf<quint32>(m_tiff, TIFFTAG_IMAGEWIDTH, 0);
+    const quint32 height = fieldOf<quint32>(m_tiff, TIFFTAG_IMAGELENGTH, 0);
+    constexpr quint32 kMaxSide = std::numeric_limits<int>::max();
+    m_facts.size = QSize(int(qMin(width, kMaxSide)), int(qMin(height, kMaxSide)));
+    if (const auto checked = ReadFailures::checkSize(m_facts.size, m_limits); !checked)
+        return checked;
+    m_facts.isPlanar =
+        fieldOf<quint16>(m_tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) == PLANARCONFIG_SEPARATE;
+    m_facts.samples = fieldOf<quint16>(m_tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
+    if (m_facts.samples == 1)
+        m_facts.isPlanar = false;
+    m_facts.depth = fieldOf<quint16>(m_tiff, TIFFTAG_BITSPERSAMPLE, 1);
+    m_facts.isFloat =
+        fieldOf<quint16>(m_tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT) == SAMPLEFORMAT_IEEEFP;
+    if (!readKind())
+        return fail(ReadFailures::unsupportedKind("TIFF"));
+    m_facts.isTiled = TIFFIsTiled(m_tiff) != 0;
+    m_facts.blockWidth = m_facts.isTiled ? fieldOf<quint32>(m_tiff, TIFFTAG_TILEWIDTH, 0) : width;
+    m_facts.blockHeight = m_facts.isTiled
+                              ? fieldOf<quint32>(m_tiff, TIFFTAG_TILELENGTH, 0)
+                              : qMin(fieldOf<quint32>(m_tiff, TIFFTAG_ROWSPERSTRIP, height), height);
+    if (m_facts.blockWidth == 0 || m_facts.blockHeight == 0)
+        return fail(ReadFailures::damaged());
+    quint32 profileBytes = 0;
+    const void *profile = nullptr;
+    if (TIFFGetField(m_tiff, TIFFTAG_ICCPROFILE, &profileBytes, &profile) && profileBytes <= kMaxProfileBytes)
+        m_facts.iccProfile = QByteArray(static_cast<const char *>(profile), qsizetype(profileBytes));
+    readResolution();
+    return {};
+}
+
+bool TiffFile::readKind()
+{
+    using Kind = TiffFacts::Kind;
+    TiffFacts &facts = m_facts;
+    const quint16 compression = fieldOf<quint16>(m_tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
+    if (!TIFFIsCODECConfigured(compression))
+        return false;
+    quint16 photometric = 0;
+    if (!TIFFGetField(m_tiff, TIFFTAG_PHOTOMETRIC, &photometric))
+        photometric = facts.samples >= 3 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK;
+    facts.colorModel = QStringLiteral("RGB");
+    switch (photometric) {
+    case PHOTOMETRIC_MINISWHITE:
+    case PHOTOMETRIC_MINISBLACK:
+        facts.kind = Kind::Gray;
+        facts.zeroIsWhite = photometric == PHOTOMETRIC_MINISWHITE;
+        facts.colorModel = QStringLiteral("Gray");
+        break;
+    case PHOTOMETRIC_RGB:
+        facts.kind = Kind::Rgb;
+        break;
+    case PHOTOMETRIC_PALETTE:
+        facts.kind = Kind::Palette;
+        break;
+    case PHOTOMETRIC_SEPARATED:
+        facts.kind = Kind::Cmyk;
+        facts.colorModel = QStringLiteral("CMYK");
+        if (fieldOf<quint16>(m_tiff, TIFFTAG_INKSET, INKSET_CMYK) != INKSET_CMYK)
+            return false;
+        break;
+    case PHOTOMETRIC_CIELAB:
+    case PHOTOMETRIC_ICCLAB:
+        facts.kind = Kind::Lab;
+        facts.hasSignedAB = photometric == PHOTOMETRIC_CIELAB;
+        facts.colorModel = QStringLiteral("Lab");
+        break;
+    case PHOTOMETRIC_YCBCR:
+        facts.kind = Kind::ByLibrary;
+        if (compression == COMPRESSION_JPEG && !facts.isPlanar) {
+            facts.kind = Kind::Rgb;
+            TIFFSetField(m_tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+        }
+        break;
+    case PHOTOMETRIC_LOGL:
+    case PHOTOMETRIC_LOGLUV:
+        facts.kind = Kind::ByLibrary;
+        break;
+    default:
+        return false;
+    }
+    if (facts.kind == Kind::ByLibrary) {
+        char text[1024];
+        // Rows are wanted as they are stored.
+        TIFFSetField(m_tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
+        return TIFFRGBAImageOK(m_tiff, text) != 0;
+    }
+    facts.channels = channelsOf(facts.kind);
+    readExtraSamples();
+    const quint16 sampleFormat = fieldOf<quint16>(m_tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
+    const int depth = facts.depth;
+    const bool isSmall = depth == 1 || depth == 2 || depth == 4 || depth == 8;
+    if (facts.samples < facts.channels)
+        return false;
+    if (facts.kind == Kind::Lab)
+        return (depth == 8 || depth == 16) && !facts.isFloat;
+    if (facts.isFloat)
+        return depth == 32 && facts.kind != Kind::Palette;
+    return (sampleFormat == SAMPLEFORMAT_UINT || sampleFormat == SAMPLEFORMAT_VOID) &&
+           (isSmall || (depth == 16 && facts.kind != Kind::Palette));
+}
+
+void TiffFile::readExtraSamples()
+{
+    quint16 count = 0;
+    const quint16 *kinds = nullptr;
+    if (!TIFFGetField(m_tiff, TIFFTAG_EXTRASAMPLES, &count, &kinds))
+        return;
+    for (int i = 0; i < count && m_facts.channels + i < m_facts.samples; ++i) {
+        if (kinds[i] == EXTRASAMPLE_ASSOCALPHA || kinds[i] == EXTRASAMPLE_UNASSALPHA) {
+            m_facts.alphaSample = m_facts.channels + i;
+            m_facts.isPremultiplied = kinds[i] == EXTRASAMPLE_ASSOCALPHA;
+            return;
+        }
+    }
+}
+
+void TiffFile::readResolution()
+{
+    const auto horizontal = double(fieldOf<float>(m_tiff, TIFFTAG_XRESOLUTION, 0));
+    const auto vertical = double(fieldOf<float>(m_tiff, TIFFTAG_YRESOLUTION, 0));
+    const quint16 unit = fieldOf<quint16>(m_tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+    const double perInch = unit == RESUNIT_INCH ? 1 : unit == RESUNIT_CENTIMETER ? 2.54 : 0;
+    if (!std::isfinite(horizontal) || !std::isfinite(vertical) || horizontal <= 0 || vertical <= 0)
+        return;
+    m_facts.dpiWidth = horizontal * perInch;
+    m_facts.dpiHeight = vertical * perInch;
+}
+
+int TiffFile::countPictures() const
+{
+    const bool isLittle = numberAt(m_device, 0, 2, true) == quint64('I' << 8 | 'I');
+    const bool isBig = numberAt(m_device, 2, 2, isLittle) == 43;
+    const int offsetBytes = isBig ? 8 : 4;
+    std::set<quint64> seen;
+    quint64 position = numberAt(m_device, isBig ? 8 : 4, offsetBytes, isLittle);
+    while (position != 0 && int(seen.size()) < kMaxPictures && seen.insert(position).second) {
+        const quint64 fields = numberAt(m_device, position, isBig ? 8 : 2, isLittle);
+        if (fields == 0 || fields > 65535) {
+            seen.erase(position);
+            break;
+        }
+        position += isBig ? 8 + fields * 20 : 2 + fields * 12;
+        position = numberAt(m_device, position, offsetBytes, isLittle);
+    }
+    return qMax(1, int(seen.size()));
+}
+
+} // namespace plexa
