@@ -133,6 +133,10 @@ Result<WatermarkPicture> WatermarkPicture::load(const QString &path)
     const Result<QByteArray> head = headOf(path);
     if (!head)
         return failed(head.error());
+    if (head->startsWith("\x1f\x8b")) {
+        return failed(
+            Error{Texts::tr("it is compressed, as .svgz files are; save the drawing as plain SVG")});
+    }
     if (isSvg(*head)) {
         const Result<WatermarkPicture> picture = contentsOf(path).and_then(&WatermarkPicture::fromSvg);
         return picture ? picture : failed(picture.error());

@@ -212,6 +212,7 @@ void WatermarkPictureTest::badFilesAreNamed_data()
     QTest::newRow("used again and again") << "laughs.svg" << svgOf(laughs, links);
     QTest::newRow("used by itself") << "loop.svg"
                                     << svgOf(R"(<g id="a"><g id="b"><use xlink:href="#a"/></g></g>)", links);
+    QTest::newRow("compressed") << "logo.svgz" << QByteArray("\x1f\x8b\x08\x00 compressed");
     QTest::newRow("nested without end") << "deep.svg" << svgOf(nested);
 }
 
@@ -223,6 +224,8 @@ void WatermarkPictureTest::badFilesAreNamed()
     const Result<WatermarkPicture> picture = WatermarkPicture::load(path);
     QVERIFY(!picture.has_value());
     QVERIFY2(picture.error().text.contains(path), qPrintable(picture.error().text));
+    if (name.endsWith(u".svgz"_qs))
+        QVERIFY2(picture.error().text.contains(u"plain SVG"_qs), qPrintable(picture.error().text));
     QVERIFY(!WatermarkPicture::load(m_folder.path()).has_value());
 }
 
