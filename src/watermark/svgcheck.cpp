@@ -2,6 +2,8 @@
 
 #include "watermark/svgcheck.h"
 
+#include "watermark/svgreferences.h"
+
 #include <QCoreApplication>
 #include <QHash>
 #include <QXmlStreamReader>
@@ -49,6 +51,8 @@ public:
         m_open.push_back(0);
         while (!m_xml.atEnd()) {
             const QXmlStreamReader::TokenType token = m_xml.readNext();
+            if (const QString outside = m_references.faultOf(m_xml); !outside.isEmpty())
+                return outside;
             if (token == QXmlStreamReader::EndElement)
                 leave();
             if (token != QXmlStreamReader::StartElement)
@@ -124,6 +128,7 @@ private:
     }
 
     QXmlStreamReader m_xml;
+    SvgReferences m_references;
     int m_elements = 0;
     std::vector<bool> m_isPartAt;    ///< for each open element
     std::vector<std::size_t> m_open; ///< the parts that the current element is in

@@ -32,16 +32,6 @@ constexpr int kEm = 1000;
 /// The text engine counts in 64ths of a pixel, in 32 bits.
 constexpr double kMaxFrameWidth = 16'000'000;
 
-/// The one place that calls the text engine. Its fonts and caches belong to a thread each, but the font
-/// database behind them, the platform's list of substitutes and a QFont that was copied from another are
-/// shared; what is shared is not promised to be safe. Setting a text takes well under a millisecond, so
-/// nothing is lost by one at a time.
-std::mutex &textEngine()
-{
-    static std::mutex mutex;
-    return mutex;
-}
-
 QFont fontOf(const FontCatalog &fonts, const QString &name)
 {
     const std::optional<SizedFont> named = fonts.fontNamed(name, kEm);
@@ -198,6 +188,12 @@ private:
 };
 
 } // namespace
+
+std::mutex &textEngine()
+{
+    static std::mutex mutex;
+    return mutex;
+}
 
 Result<TextSetting> setText(const QString &text, const FontCatalog &fonts, const QString &fontName,
                             TextAlignment alignment, double widthInEms)

@@ -7,6 +7,8 @@
 #include "raster/bitmaputilities.h"
 #include "raster/orientation.h"
 #include "watermark/svgcheck.h"
+#include "watermark/svgcost.h"
+#include "watermark/textlayout.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -28,6 +30,9 @@ struct Texts {
 
 constexpr qint64 kMaxSvgBytes = 16'000'000;
 
+/// What a drawing may take at the size of a large photo.
+constexpr double kMaxSecondsToDraw = 2;
+
 /// A scaled picture above this is made anew for each photo.
 constexpr qint64 kMaxCachedBytes = 64'000'000;
 
@@ -48,6 +53,8 @@ bool loadRenderer(QSvgRenderer &renderer, const QByteArray &svg)
 
 QImage renderedSvg(const QByteArray &svg, QSize size)
 {
+    // Drawings may have text in them.
+    const std::lock_guard lock(textEngine());
     QSvgRenderer renderer;
     QImage image = createBitmapContext(size.width(), size.height(), true);
     if (image.isNull() || !loadRenderer(renderer, svg))
@@ -126,6 +133,10 @@ Result<WatermarkPicture> WatermarkPicture::load(const QString &path)
     const Result<QByteArray> head = headOf(path);
     if (!head)
         return failed(head.error());
+    if (head->startsWith("\x1f\x8b")) {
+        return failed(
+            Error{Texts::tr("it is compressed, as .svgz files are; save the drawing as plain SVG")});
+    }
     if (isSvg(*head)) {
         const Result<WatermarkPicture> picture = contentsOf(path).and_then(&WatermarkPicture::fromSvg);
         return picture ? picture : failed(picture.error());
@@ -152,6 +163,8 @@ Result<WatermarkPicture> WatermarkPicture::fromSvg(const QByteArray &svg)
 {
     if (const QString fault = faultOfSvg(svg); !fault.isEmpty())
         return fail(fault);
+    // Drawings may have text in them.
+    const std::lock_guard lock(textEngine());
     QSvgRenderer renderer;
     if (!loadRenderer(renderer, svg))
         return fail(Texts::tr("the SVG drawing cannot be read"));
@@ -161,6 +174,8 @@ Result<WatermarkPicture> WatermarkPicture::fromSvg(const QByteArray &svg)
         size = renderer.defaultSize();
     if (!(size.width() > 0 && size.height() > 0) || !std::isfinite(size.width() * size.height()))
         return fail(Texts::tr("the SVG drawing has no size"));
+    if (secondsToDrawSvg(renderer) > kMaxSecondsToDraw)
+        return fail(Texts::tr("the SVG drawing is too intricate; it would take too long to draw"));
     const auto data = std::make_shared<Data>();
     data->svg = svg;
     data->size = size;

@@ -3,7 +3,9 @@
 #include "watermark/watermarkpicture.h"
 
 #include "support/testenvironment.h"
+#include "watermark/textlayout.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QtTest>
 
@@ -42,6 +44,10 @@ private Q_SLOTS:
     void drawingsAreSharpAtEverySize();
     void drawingsKnowTheirSize_data();
     void drawingsKnowTheirSize();
+    void drawingsReferToNothingOutside_data();
+    void drawingsReferToNothingOutside();
+    void intricateDrawingsAreRefused_data();
+    void intricateDrawingsAreRefused();
     void badFilesAreNamed_data();
     void badFilesAreNamed();
     void largeReductionsDoNotAlias();
@@ -49,6 +55,7 @@ private Q_SLOTS:
     void logosAreRead();
     void cameraTurnsAreFollowed();
     void threadsShareOnePicture();
+    void drawingsWithTextShareTheTextEngine();
 };
 
 void WatermarkPictureTest::drawingsAreSharpAtEverySize()
@@ -96,6 +103,91 @@ void WatermarkPictureTest::drawingsKnowTheirSize()
     QTEST(picture->size(), "size");
 }
 
+void WatermarkPictureTest::drawingsReferToNothingOutside_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("outcome");
+    const QImage red = [] {
+        QImage image(2, 2, QImage::Format_RGB32);
+        image.fill(Qt::red);
+        return image;
+    }();
+    QByteArray png;
+    QBuffer buffer(&png);
+    red.save(&buffer, "PNG");
+    const auto image = [](const QByteArray &href) {
+        return R"(<image width="9" height="9" xlink:href=")" + href + R"("/>)";
+    };
+    const auto data = [&image](const QByteArray &bytes) {
+        return image("data:image/png;base64," + bytes.toBase64());
+    };
+    QTest::newRow("a picture within") << data(png) << "";
+    QTest::newRow("a gradient within") << QByteArray("<rect fill='url(#g)' width='9' height='9'/>") << "";
+    QTest::newRow("a sheet within") << QByteArray("<style>rect { fill: url( '#g' ) }</style>") << "";
+    const QByteArray outside = m_folder.path(u"red.png"_qs).toUtf8();
+    red.save(m_folder.path(u"red.png"_qs));
+    const char *const refused = "another file";
+    QTest::newRow("a file's picture") << image(outside) << refused;
+    QTest::newRow("a file's picture as an address") << image("file://" + outside) << refused;
+    QTest::newRow("without a prefix") << QByteArray(R"(<image href="red.png"/>)") << refused;
+    QTest::newRow("a part of another file") << QByteArray(R"(<use xlink:href="other.svg#a"/>)") << refused;
+    QTest::newRow("a fill") << QByteArray("<rect fill='URL( other.svg#a)'/>") << refused;
+    QTest::newRow("a style") << QByteArray("<rect style='fill:url(/etc/x)'/>") << refused;
+    QTest::newRow("a sheet") << QByteArray("<style>rect { fill: u<![CDATA[rl(/x)]]> }</style>") << refused;
+    QTest::newRow("a sheet's sheet") << QByteArray("<style>@import '/x.css';</style>") << refused;
+    QTest::newRow("a sheet beside") << QByteArray(R"(<?xml-stylesheet type="text/css" href="/x"?>)")
+                                    << refused;
+    const char *const unreadable = "cannot be read";
+    QTest::newRow("no picture") << data("none") << unreadable;
+    QTest::newRow("a cut picture") << data(png.first(40)) << unreadable;
+    QTest::newRow("a drawing within") << data(svgOf(kCircle)) << unreadable;
+    QTest::newRow("a file named like data") << image("data:/../" + outside) << unreadable;
+    QImage large(8000, 6000, QImage::Format_Mono);
+    large.fill(0);
+    QByteArray largePng;
+    QBuffer largeBuffer(&largePng);
+    large.save(&largeBuffer, "PNG");
+    QTest::newRow("a huge picture") << data(largePng) << "million pixels";
+}
+
+void WatermarkPictureTest::drawingsReferToNothingOutside()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, outcome);
+    const Result<WatermarkPicture> picture = WatermarkPicture::fromSvg(
+        svgOf(content, R"(viewBox="0 0 9 9" xmlns:xlink="http://www.w3.org/1999/xlink")"));
+    QCOMPARE(picture.has_value(), outcome.isEmpty());
+    if (!picture)
+        QVERIFY2(picture.error().text.contains(outcome), qPrintable(picture.error().text));
+}
+
+void WatermarkPictureTest::intricateDrawingsAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QByteArray zigzag = R"(<path d="M0 0)";
+    for (int i = 0; i < 300'000; ++i)
+        zigzag += " L" + QByteArray::number(i * 7 % 20) + ' ' + QByteArray::number(i * 3 % 10);
+    QTest::newRow("a path without end") << zigzag + R"("/>)";
+    QTest::newRow("layer upon layer")
+        << QByteArray(R"(<rect width="20" height="10" fill-opacity=".5"/>)").repeated(500);
+    QTest::newRow("endless dashes") << QByteArray(
+        R"(<path d="M0 0L9000 9000" stroke="#000" stroke-dasharray=".0001 .0001"/>)");
+}
+
+void WatermarkPictureTest::intricateDrawingsAreRefused()
+{
+    QFETCH(QByteArray, content);
+    QElapsedTimer timer;
+    timer.start();
+    const Result<WatermarkPicture> picture = WatermarkPicture::fromSvg(svgOf(content));
+    QVERIFY(!picture.has_value());
+    QVERIFY2(picture.error().text.contains(u"too long to draw"), qPrintable(picture.error().text));
+    QVERIFY2(timer.elapsed() < 10'000, qPrintable(QString::number(timer.elapsed())));
+    // A drawing of some thousand small parts is none.
+    const QByteArray small = R"(<path d="M1 1h.1v.1h-.1z"/>)";
+    QVERIFY(WatermarkPicture::fromSvg(svgOf(small.repeated(3000))).has_value());
+}
+
 void WatermarkPictureTest::badFilesAreNamed_data()
 {
     QTest::addColumn<QString>("name");
@@ -120,6 +212,7 @@ void WatermarkPictureTest::badFilesAreNamed_data()
     QTest::newRow("used again and again") << "laughs.svg" << svgOf(laughs, links);
     QTest::newRow("used by itself") << "loop.svg"
                                     << svgOf(R"(<g id="a"><g id="b"><use xlink:href="#a"/></g></g>)", links);
+    QTest::newRow("compressed") << "logo.svgz" << QByteArray("\x1f\x8b\x08\x00 compressed");
     QTest::newRow("nested without end") << "deep.svg" << svgOf(nested);
 }
 
@@ -131,6 +224,8 @@ void WatermarkPictureTest::badFilesAreNamed()
     const Result<WatermarkPicture> picture = WatermarkPicture::load(path);
     QVERIFY(!picture.has_value());
     QVERIFY2(picture.error().text.contains(path), qPrintable(picture.error().text));
+    if (name.endsWith(u".svgz"_qs))
+        QVERIFY2(picture.error().text.contains(u"plain SVG"_qs), qPrintable(picture.error().text));
     QVERIFY(!WatermarkPicture::load(m_folder.path()).has_value());
 }
 
@@ -221,6 +316,22 @@ void WatermarkPictureTest::threadsShareOnePicture()
     for (std::thread &thread : threads)
         thread.join();
     QCOMPARE(wrong.load(), 0);
+}
+
+void WatermarkPictureTest::drawingsWithTextShareTheTextEngine()
+{
+    const Result<WatermarkPicture> picture =
+        WatermarkPicture::fromSvg(svgOf(R"(<text x="1" y="8" font-size="6">Text</text>)"));
+    QVERIFY(picture.has_value());
+    std::atomic<bool> isDrawn = false;
+    std::unique_lock lock(textEngine());
+    std::thread thread([&] { isDrawn = !picture->imageOfSize(QSize(200, 100)).isNull(); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    const bool hasWaited = !isDrawn;
+    lock.unlock();
+    thread.join();
+    QVERIFY(hasWaited);
+    QVERIFY(isDrawn);
 }
 
 QTEST_MAIN(WatermarkPictureTest)
