@@ -96,8 +96,8 @@ QList<ImageFormat> makeFormats()
         {"image/jpeg", "JPEG", {u"jpg"_qs, u"jpeg"_qs, u"jpe"_qs, u"jfif"_qs}, isJpeg, &jpeg, true, false},
         {"image/png", "PNG", {u"png"_qs}, isPng, &png, true, true},
     };
-    static const QtCodec gif("gif");
-    static const QtCodec webp("webp", readWebpHeader);
+    static const QtCodec gif("gif", nullptr, 4);
+    static const QtCodec webp("webp", readWebpHeader, 4); // where it is lossless
     static const QtCodec tiff("tiff", readTiffHeader);
     static const QtCodec bmp("bmp", readBmpHeader);
     static const QtCodec icon("ico");

@@ -19,6 +19,10 @@ public:
                                                                 int reduction) const override;
     [[nodiscard]] Result<std::unique_ptr<RowWriter>> openWriter(QIODevice &device, const RowFormat &format,
                                                                 const WriteOptions &options) const override;
+    QSize reducedSize(QSize size, int reduction) const override;
+
+    /// Coefficients, where the copy is progressive.
+    qint64 writerBytes(const RowFormat &format, const WriteOptions &options) const override;
 };
 
 /// A baseline JPEG without any application segment, as EXIF wants its thumbnails, half chroma.
