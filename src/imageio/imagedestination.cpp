@@ -66,14 +66,9 @@ double positiveNumber(const QVariantMap &properties, const QString &key)
     return number > 0 ? number : 0;
 }
 
-} // namespace
-
-Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowFormat &format,
-                                                   const CopyRequest &request)
+/// How the pixels are encoded; the metadata are left out.
+WriteOptions pictureOptions(const CopyRequest &request)
 {
-    const ImageFormat *target = imageFormatOfType(request.type);
-    if (!target || !target->canWrite)
-        return fail(ReadFailures::cannotWrite(request.type));
     const QVariantMap &properties = request.properties;
     WriteOptions options;
     options.quality = qBound(
@@ -86,6 +81,31 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
         options.isProgressive = request.source->info().isProgressive;
         options.chromaSampling = request.source->info().chromaSampling;
     }
+    return options;
+}
+
+/// The rows that the format's codec is given.
+RowFormat writtenFormat(const RowFormat &format, const ImageFormat &target)
+{
+    return {format.size, format.hasAlpha && target.writesAlpha};
+}
+
+} // namespace
+
+qint64 destinationBytes(const RowFormat &format, const CopyRequest &request)
+{
+    const ImageFormat *target = imageFormatOfType(request.type);
+    return target ? target->codec->writerBytes(writtenFormat(format, *target), pictureOptions(request)) : 0;
+}
+
+Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowFormat &format,
+                                                   const CopyRequest &request)
+{
+    const ImageFormat *target = imageFormatOfType(request.type);
+    if (!target || !target->canWrite)
+        return fail(ReadFailures::cannotWrite(request.type));
+    const QVariantMap &properties = request.properties;
+    WriteOptions options = pictureOptions(request);
     const auto metadata = request.source ? request.source->metadata() : EmbeddedMetadata::none();
     const EmbeddedMetadata::CopyFacts facts = {format.size, metadata->hasThumbnail() ? kThumbnailBytes : 0,
                                                target->codec->maxExifBytes()};
@@ -99,7 +119,7 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
     options.comment = encoded.comment;
     options.texts = encoded.texts;
     const bool flattens = format.hasAlpha && !target->writesAlpha;
-    const RowFormat written = {format.size, format.hasAlpha && !flattens};
+    const RowFormat written = writtenFormat(format, *target);
     Result<std::unique_ptr<RowWriter>> writer = target->codec->openWriter(device, written, options);
     if (!writer || !flattens)
         return writer;

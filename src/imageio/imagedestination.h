@@ -30,6 +30,10 @@ struct CopyRequest {
 [[nodiscard]] Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowFormat &format,
                                                                  const CopyRequest &request);
 
+/// The most memory (bytes) that such a writer takes besides the caller's strips: 0 where the rows stream,
+/// the coefficients of a progressive JPEG. To be reserved before openDestination().
+qint64 destinationBytes(const RowFormat &format, const CopyRequest &request);
+
 /// Writes a whole picture through openDestination().
 [[nodiscard]] Result<void> writeImage(QIODevice &device, const QImage &image, const CopyRequest &request);
 

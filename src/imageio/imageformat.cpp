@@ -99,8 +99,8 @@ QList<ImageFormat> makeFormats()
         {"image/png", "PNG", {u"png"_qs}, isPng, &png, true, true},
         {"image/tiff", "TIFF", {u"tif"_qs, u"tiff"_qs}, isTiff, &tiff, false, false},
     };
-    static const QtCodec gif("gif");
-    static const QtCodec webp("webp", readWebpHeader);
+    static const QtCodec gif("gif", nullptr, 4);
+    static const QtCodec webp("webp", readWebpHeader, 4); // where it is lossless
     static const QtCodec bmp("bmp", readBmpHeader);
     static const QtCodec icon("ico");
     static const QtCodec icns("icns");

@@ -59,8 +59,10 @@ struct PictureInfo {
     QByteArray iccProfile; ///< embedded, empty when there is none
     double dpiWidth = 0;   ///< 0 when the container says nothing
     double dpiHeight = 0;
-    bool isProgressive = false;   ///< JPEG only
-    QByteArray chromaSampling;    ///< JPEG only, horizontal and vertical factor of each component: "22,11,11"
+    bool isProgressive = false; ///< JPEG only
+    QByteArray chromaSampling;  ///< JPEG only, horizontal and vertical factor of each component: "22,11,11"
+    qint64 decoderBytes = 0; ///< the most memory that a reader holds besides the strips it fills: what it has
+                             ///< to decode whole before the first row comes out; 0 where the rows stream
     QStringList unmarkedPictures; ///< pictures beside image 0 that a copy must not carry: "gain map", ...
 };
 
@@ -104,6 +106,22 @@ public:
 
     /// The longest EXIF structure that openWriter() takes.
     virtual qsizetype maxExifBytes() const { return 16 * 1024 * 1024; }
+
+    /// The size of the rows that openReader() gives for a picture of `size` pixels.
+    virtual QSize reducedSize(QSize size, int reduction) const
+    {
+        Q_UNUSED(reduction)
+        return size;
+    }
+
+    /// The memory (bytes) that such a writer holds besides the strips it is given: what it has to gather
+    /// before it can write; 0 where the rows stream.
+    virtual qint64 writerBytes(const RowFormat &format, const WriteOptions &options) const
+    {
+        Q_UNUSED(format)
+        Q_UNUSED(options)
+        return 0;
+    }
 };
 
 } // namespace plexa

@@ -40,8 +40,18 @@ struct ImageSource::State {
     mutable std::optional<QVariantMap> properties;
 
     QVariantMap makeProperties(const EmbeddedMetadata &fromMetadata) const;
+    int reductionTo(int minimumSide) const;
     Result<QImage> readImage(int reduction) const;
 };
+
+int ImageSource::State::reductionTo(int minimumSide) const
+{
+    const int longer = qMax(info.rows.size.width(), info.rows.size.height());
+    int reduction = 8;
+    while (reduction > 1 && (longer + reduction - 1) / reduction < minimumSide)
+        reduction /= 2;
+    return reduction;
+}
 
 QVariantMap ImageSource::State::makeProperties(const EmbeddedMetadata &fromMetadata) const
 {
@@ -164,11 +174,24 @@ Result<QImage> ImageSource::createImage() const
 
 Result<QImage> ImageSource::createReducedImage(int minimumSide) const
 {
-    const int longer = qMax(m_state->info.rows.size.width(), m_state->info.rows.size.height());
-    int reduction = 8;
-    while (reduction > 1 && (longer + reduction - 1) / reduction < minimumSide)
-        reduction /= 2;
-    return m_state->readImage(reduction);
+    return m_state->readImage(m_state->reductionTo(minimumSide));
+}
+
+qint64 ImageSource::rowsBytes() const
+{
+    return m_state->info.decoderBytes;
+}
+
+qint64 ImageSource::imageBytes(int minimumSide) const
+{
+    const QSize size = imageSize(minimumSide);
+    return rowsBytes() + qint64(size.width()) * size.height() * qint64(sizeof(QRgb));
+}
+
+QSize ImageSource::imageSize(int minimumSide) const
+{
+    return m_state->format->codec->reducedSize(m_state->info.rows.size,
+                                               minimumSide > 0 ? m_state->reductionTo(minimumSide) : 1);
 }
 
 Result<std::unique_ptr<RowReader>> ImageSource::openRows() const

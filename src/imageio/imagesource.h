@@ -46,6 +46,18 @@ public:
     /// The rows of image 0. The reader uses this object's file: keep it alive, and read one at a time.
     [[nodiscard]] Result<std::unique_ptr<RowReader>> openRows() const;
 
+    /// The most memory (bytes) that a reader of openRows() takes besides the caller's strips: 0 where the
+    /// rows stream; else the coefficients of a JPEG of several scans, an interlaced PNG, or the whole
+    /// picture with what its conversion takes. To be reserved before openRows().
+    qint64 rowsBytes() const;
+
+    /// The most memory (bytes) that createImage() or, where `minimumSide` is above 0, createReducedImage()
+    /// takes, the image included.
+    qint64 imageBytes(int minimumSide = 0) const;
+
+    /// Pixels of what createReducedImage() gives, or createImage() where `minimumSide` is 0.
+    QSize imageSize(int minimumSide = 0) const;
+
 private:
     struct State;
     explicit ImageSource(std::unique_ptr<State> state);

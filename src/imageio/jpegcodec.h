@@ -21,6 +21,10 @@ public:
     [[nodiscard]] Result<std::unique_ptr<RowWriter>> openWriter(QIODevice &device, const RowFormat &format,
                                                                 const WriteOptions &options) const override;
     qsizetype maxExifBytes() const override { return kMaxJpegExif; }
+    QSize reducedSize(QSize size, int reduction) const override;
+
+    /// Coefficients, where the copy is progressive.
+    qint64 writerBytes(const RowFormat &format, const WriteOptions &options) const override;
 };
 
 /// A baseline JPEG without any application segment, as EXIF wants its thumbnails, half chroma.

@@ -332,6 +332,8 @@ Result<PictureInfo> JpegCodec::readInfo(QIODevice &device, const ReadLimits &lim
     for (const JpegStructure::Component &component : structure->components)
         factors.append(QByteArray::number(component.horizontal) + QByteArray::number(component.vertical));
     info.chromaSampling = factors.join(',');
+    if (structure->hasSeveralScans)
+        info.decoderBytes = coefficientBytes(structure->size, structure->components);
     info.unmarkedPictures = structure->unmarkedPictures;
     return info;
 }
@@ -350,6 +352,11 @@ Result<std::unique_ptr<RowReader>> JpegCodec::openReader(QIODevice &device, cons
     if (const auto opened = reader->open(reduction); !opened)
         return tl::unexpected(opened.error());
     return reader;
+}
+
+QSize JpegCodec::reducedSize(QSize size, int reduction) const
+{
+    return {(size.width() + reduction - 1) / reduction, (size.height() + reduction - 1) / reduction};
 }
 
 } // namespace plexa

@@ -277,6 +277,9 @@ Result<JpegStructure> readJpegStructure(QIODevice &device, const ReadLimits &lim
     while (const std::optional<int> marker = segments.next()) {
         if (*marker == SOS || *marker == EOI) {
             hasData = *marker == SOS;
+            const QByteArrayView scan = hasData ? segments.payload(1) : QByteArrayView();
+            structure.hasSeveralScans =
+                structure.isProgressive || (!scan.isEmpty() && uchar(scan[0]) < structure.components.size());
             break;
         }
         if (*marker >= SOF0 && *marker <= SOF15 && *marker != DHT && *marker != JPG && *marker != DAC) {
@@ -306,6 +309,23 @@ Result<JpegStructure> readJpegStructure(QIODevice &device, const ReadLimits &lim
     structure.iccProfile = icc.whole();
     structure.unmarkedPictures = nameUnmarkedPictures(device, furtherPictures, hasGainMap);
     return structure;
+}
+
+qint64 coefficientBytes(QSize size, const QList<JpegStructure::Component> &components)
+{
+    const auto factor = [](int value) { return qint64(qBound(1, value, 4)); };
+    const auto divided = [](qint64 value, qint64 by) { return (value + by - 1) / by; };
+    qint64 mostAcross = 1;
+    qint64 mostDown = 1;
+    for (const JpegStructure::Component &component : components) {
+        mostAcross = qMax(mostAcross, factor(component.horizontal));
+        mostDown = qMax(mostDown, factor(component.vertical));
+    }
+    const qint64 groups = divided(size.width(), 8 * mostAcross) * divided(size.height(), 8 * mostDown);
+    qint64 blocks = 0;
+    for (const JpegStructure::Component &component : components)
+        blocks += groups * factor(component.horizontal) * factor(component.vertical);
+    return blocks * 64 * 2;
 }
 
 } // namespace plexa

@@ -17,7 +17,8 @@ struct JpegStructure {
     QSize size;
     QList<Component> components;
     bool isProgressive = false;
-    double dpiWidth = 0; ///< from JFIF; the bare aspect where it has no unit; 0 when it says nothing
+    bool hasSeveralScans = false; ///< the first one does not give the whole picture
+    double dpiWidth = 0;          ///< from JFIF; the bare aspect where it has no unit; 0 when it says nothing
     double dpiHeight = 0;
     QByteArray iccProfile;        ///< put together from its pieces; empty when one is missing
     QStringList unmarkedPictures; ///< see PictureInfo
@@ -27,5 +28,11 @@ struct JpegStructure {
 /// names. Decodes nothing, so damage behind the segments is not seen.
 /// @param device  random access, at the start of the file
 [[nodiscard]] Result<JpegStructure> readJpegStructure(QIODevice &device, const ReadLimits &limits);
+
+/// The memory (bytes) that the coefficients of a picture take which is decoded from or encoded to several
+/// scans: two bytes each, in blocks of 8 x 8 samples, each component's planes filled up to whole groups of
+/// blocks as its sampling factors make them.
+/// @param components  factors 1..4; others count as the nearest of these
+qint64 coefficientBytes(QSize size, const QList<JpegStructure::Component> &components);
 
 } // namespace plexa

@@ -3,6 +3,7 @@
 #include "imageio/jpegcodec.h"
 #include "imageio/jpegerrors.h"
 #include "imageio/jpegsegments.h"
+#include "imageio/jpegstructure.h"
 #include "imageio/readfailures.h"
 #include "imageio/thumbnail.h"
 
@@ -291,6 +292,17 @@ int density(double dpi)
     return dpi >= 0.5 && dpi <= 65535 ? int(std::lround(dpi)) : 0;
 }
 
+Encoding encodingOf(const WriteOptions &options)
+{
+    Encoding encoding;
+    encoding.quality = qBound(0, int(std::lround(options.quality * 100)), 100);
+    encoding.sampling = encoding.quality >= 90 ? samplingFromText(options.chromaSampling) : kHalfChroma;
+    encoding.isProgressive = options.isProgressive;
+    encoding.dpi[0] = density(options.dpi[0]);
+    encoding.dpi[1] = density(options.dpi[1]);
+    return encoding;
+}
+
 } // namespace
 
 Result<std::unique_ptr<RowWriter>> JpegCodec::openWriter(QIODevice &device, const RowFormat &format,
@@ -299,16 +311,22 @@ Result<std::unique_ptr<RowWriter>> JpegCodec::openWriter(QIODevice &device, cons
     Q_ASSERT(!format.hasAlpha);
     if (qMax(format.size.width(), format.size.height()) > JPEG_MAX_DIMENSION || format.size.isEmpty())
         return fail(ReadFailures::tooLargeToWrite("JPEG"));
-    Encoding encoding;
-    encoding.quality = qBound(0, int(std::lround(options.quality * 100)), 100);
-    encoding.sampling = encoding.quality >= 90 ? samplingFromText(options.chromaSampling) : kHalfChroma;
-    encoding.isProgressive = options.isProgressive;
-    encoding.dpi[0] = density(options.dpi[0]);
-    encoding.dpi[1] = density(options.dpi[1]);
+    const Encoding encoding = encodingOf(options);
     auto writer = std::make_unique<JpegRowWriter>(device, format, encoding);
     if (const auto started = writer->start(options); !started)
         return tl::unexpected(started.error());
     return writer;
+}
+
+qint64 JpegCodec::writerBytes(const RowFormat &format, const WriteOptions &options) const
+{
+    const Encoding encoding = encodingOf(options);
+    if (!encoding.isProgressive)
+        return 0;
+    QList<JpegStructure::Component> components;
+    for (const SamplingFactors &factors : encoding.sampling)
+        components.append({factors.horizontal, factors.vertical});
+    return coefficientBytes(format.size, components);
 }
 
 QByteArray encodeBareJpeg(const QImage &image, int quality)

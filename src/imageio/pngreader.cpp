@@ -215,6 +215,19 @@ std::unique_ptr<ColorTransform> chooseTransform(const Header &header, PixelLayou
     return nullptr;
 }
 
+/// Bytes of a decoded pixel with its alpha.
+qint64 bytesPerPixel(PixelLayout layout)
+{
+    switch (layout) {
+    case PixelLayout::GrayAlpha8:
+        return 2;
+    case PixelLayout::Rgba64:
+        return 8;
+    default:
+        return 4;
+    }
+}
+
 class PngRowReader final : public RowReader
 {
 public:
@@ -350,6 +363,12 @@ Result<PictureInfo> PngCodec::readInfo(QIODevice &device, const ReadLimits &limi
     info.colorModel =
         (header.colorType & PNG_COLOR_MASK_COLOR) != 0 ? QStringLiteral("RGB") : QStringLiteral("Gray");
     info.iccProfile = iccOf(header);
+    if (decoder.isInterlaced()) {
+        // The whole picture, whose first row is done with the last pass only.
+        PixelLayout layout = PixelLayout::Rgb32;
+        chooseTransform(header, layout);
+        info.decoderBytes = bytesPerPixel(layout) * header.width * header.height;
+    }
     if (header.hasDensity && header.densityX > 0 && header.densityY > 0) {
         // Without a unit the two numbers are but the shape of a pixel.
         const bool hasUnit = header.densityUnit == PNG_RESOLUTION_METER;

@@ -17,20 +17,45 @@ namespace plexa
 namespace
 {
 
-/// Sets up what the plugins share in this process.
-void prepareQt()
+/// Sets up what the plugins share in this process. Qt's own bound for one picture (128 MB) is replaced by the
+/// largest that any reader was given so far: the setting is one for all, and each picture's own bound is
+/// checked before it is decoded.
+void prepareQt(const ReadLimits &limits)
 {
-    static std::once_flag once;
-    std::call_once(once, [] {
-        // Qt's own bound for one picture is 128 MB; ours are checked before decoding.
-        QImageReader::setAllocationLimit(int(ReadLimits().maxBytes / (1 << 20)));
-    });
+    static std::mutex mutex;
+    static int allowedMegabytes = 0;
+    const std::lock_guard lock(mutex);
+    const auto megabytes = int(qBound(qint64(1), limits.maxBytes / (1 << 20), qint64(1 << 20)));
+    if (megabytes > allowedMegabytes) {
+        allowedMegabytes = megabytes;
+        QImageReader::setAllocationLimit(megabytes);
+    }
 }
 
 bool isGray(QImage::Format format)
 {
     return format == QImage::Format_Grayscale8 || format == QImage::Format_Grayscale16 ||
            format == QImage::Format_Mono || format == QImage::Format_MonoLSB;
+}
+
+/// The most memory that a picture takes from decoding to rows: the picture as the plugin gives it, beside it
+/// the one that it is converted to, as toRows() does it, and what the plugin keeps for itself meanwhile.
+/// @param format  QImage::Format_Invalid where the plugin does not say: counts as the most usual kind
+qint64 decodingBytes(QSize size, QImage::Format format, const QByteArray &icc, int pluginBytesPerPixel)
+{
+    const qint64 pixels = qint64(size.width()) * size.height();
+    const int bits = format == QImage::Format_Invalid ? 32 : QImage::toPixelFormat(format).bitsPerPixel();
+    const qint64 decoded = pixels * bits / 8;
+    const qint64 rows = pixels * 4;
+    const qint64 plugin = pixels * pluginBytesPerPixel;
+    if (bits == 64 && icc.isEmpty()) // changed in place
+        return decoded + plugin;
+    if (hasDeepComponents(format) && !(isGray(format) && (icc.isEmpty() || profileColorModel(icc) == u"Gray"_qs))) {
+        const qint64 wide = pixels * 8; // changed to this kind before its colours are
+        return qMax(decoded + plugin, wide + (bits == 64 ? rows : qMax(decoded, rows)));
+    }
+    // Kinds of 32 bits are changed in place.
+    return decoded + (bits == 32 ? plugin : qMax(rows, plugin));
 }
 
 /// Will the rows have alpha? What neither header nor plugin says beforehand counts as yes.
@@ -50,7 +75,7 @@ bool announcesAlpha(const QImageReader &reader, const PictureHeader &header)
 Result<void> prepare(QImageReader &reader, QIODevice &device, const char *qtFormat, QSize claimedSize,
                      const ReadLimits &limits)
 {
-    prepareQt();
+    prepareQt(limits);
     if (claimedSize.isValid()) {
         if (const auto checked = ReadFailures::checkSize(claimedSize, limits); !checked)
             return checked;
@@ -147,9 +172,10 @@ QString reasonOf(const QImageReader &reader, const QIODevice &device)
 
 } // namespace
 
-QtCodec::QtCodec(const char *qtFormat, PictureHeader (*readHeader)(QIODevice &))
+QtCodec::QtCodec(const char *qtFormat, PictureHeader (*readHeader)(QIODevice &), int pluginBytesPerPixel)
     : m_qtFormat(qtFormat)
     , m_readHeader(readHeader)
+    , m_pluginBytesPerPixel(pluginBytesPerPixel)
 {
 }
 
@@ -183,6 +209,7 @@ Result<PictureInfo> QtCodec::readInfo(QIODevice &device, const ReadLimits &limit
         info.imageCount = qMax(1, reader.imageCount());
     info.dpiWidth = header.dpiWidth;
     info.dpiHeight = header.dpiHeight;
+    info.decoderBytes = decodingBytes(info.rows.size, format, header.iccProfile, m_pluginBytesPerPixel);
     return info;
 }
 

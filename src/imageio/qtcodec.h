@@ -15,7 +15,9 @@ class QtCodec final : public Codec
 public:
     /// @param qtFormat    the plugin's name of the format
     /// @param readHeader  what Qt does not say of a file; may be null
-    explicit QtCodec(const char *qtFormat, PictureHeader (*readHeader)(QIODevice &) = nullptr);
+    /// @param pluginBytesPerPixel  what the plugin takes while decoding besides the picture that it gives
+    explicit QtCodec(const char *qtFormat, PictureHeader (*readHeader)(QIODevice &) = nullptr,
+                     int pluginBytesPerPixel = 0);
 
     /// Is the plugin that this needs installed?
     bool isAvailable() const;
@@ -29,6 +31,7 @@ public:
 private:
     const char *m_qtFormat;
     PictureHeader (*m_readHeader)(QIODevice &);
+    int m_pluginBytesPerPixel;
 };
 
 } // namespace plexa

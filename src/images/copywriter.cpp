@@ -113,8 +113,9 @@ public:
         return prepareMarks(m_order, facts, m_services, report)
             .and_then([this](Drawings drawings) {
                 m_drawings = std::move(drawings);
-                return m_uprighting.isIdentity() && m_order.upright.isNull() ? Result<void>() : makeUpright();
+                return reserve();
             })
+            .and_then([this] { return isStreamed() ? Result<void>() : makeUpright(); })
             .and_then([this] { return writeFile(); })
             .map([&] {
                 report.dropped += m_omitted;
@@ -123,18 +124,43 @@ public:
     }
 
 private:
+    bool isStreamed() const { return m_uprighting.isIdentity() && m_order.upright.isNull(); }
+
+    RowFormat writtenFormat() const
+    {
+        if (!m_order.upright.isNull())
+            return {m_order.upright.size(), m_order.upright.hasAlphaChannel()};
+        return {m_uprighting.size(), m_source.info().rows.hasAlpha};
+    }
+
+    CopyRequest request() const
+    {
+        return {m_order.targetType, propertiesOfCopy(m_metadata, m_order, m_uprighting), &m_source};
+    }
+
+    /// Waits for all the memory that this copy will take beyond strips, before any of it is taken. What
+    /// streams from end to end does not wait.
+    Result<void> reserve()
+    {
+        const qint64 encoding = destinationBytes(writtenFormat(), request());
+        qint64 bytes = 0;
+        if (isStreamed()) // decoder and encoder at the same time
+            bytes = m_source.rowsBytes() + encoding;
+        else if (m_order.upright.isNull()) // one after the other, around the picture
+            bytes =
+                std::max(uprightBytes(m_source, m_uprighting), pictureBytes(m_uprighting.size()) + encoding);
+        else // the cache goes on holding the bare picture
+            bytes = (m_drawings.empty() ? 0 : pictureBytes(m_order.upright.size())) + encoding;
+        return reserveForPhoto(m_services.budget, m_source.info().rows.size, bytes)
+            .map([this](ByteBudget::Reservation room) { m_room = std::move(room); });
+    }
+
     /// Gets a picture that cannot pass in strips, before the target file appears.
     Result<void> makeUpright()
     {
         m_upright = m_order.upright;
         if (!m_upright.isNull())
             return {};
-        const QSize size = m_uprighting.size();
-        Result<ByteBudget::Reservation> room =
-            m_services.budget.reserve(qint64(size.width()) * size.height() * 4);
-        if (!room)
-            return tl::unexpected(room.error());
-        m_room = std::move(*room);
         return readUpright(m_source, m_uprighting).map([this](const QImage &upright) {
             m_upright = upright;
         });
@@ -148,8 +174,8 @@ private:
         const RowFormat format = m_upright.isNull()
                                      ? m_source.info().rows
                                      : RowFormat{m_upright.size(), m_upright.hasAlphaChannel()};
-        const CopyRequest request{m_order.targetType, propertiesOfCopy(m_metadata, m_order, m_uprighting),
-                                  &m_source, &m_omitted};
+        CopyRequest request = this->request();
+        request.omitted = &m_omitted;
         const Result<std::unique_ptr<RowWriter>> writer = openDestination(file.device(), format, request);
         if (!writer)
             return tl::unexpected(writer.error());

@@ -179,7 +179,7 @@ Result<void> ImageObject::load(bool &hasNewMetadata)
     hasNewMetadata = true;
 
     const Uprighting uprighting = uprightingOf(source->info().rows.size, metadata, 1, m_services.limits);
-    const Result<QImage> picture = readUpright(*source, uprighting, kThumbnailSide);
+    const Result<QImage> picture = readUprightWithin(m_services.budget, *source, uprighting, kThumbnailSide);
     if (!picture)
         return tl::unexpected(picture.error());
     const QImage thumbnail = createImageScaledToMaxSize(*picture, kThumbnailSide, true);
@@ -229,7 +229,7 @@ QImage ImageObject::decodedPixels()
     // A file that was replaced by one of another size meanwhile is not the photo that was loaded.
     if (!source || source->info().rows.size != uprighting.stored)
         return {};
-    const Result<QImage> picture = readUpright(*source, uprighting);
+    const Result<QImage> picture = readUprightWithin(m_services.budget, *source, uprighting);
     if (!picture)
         return {};
     m_services.cache.insert(m_key, *picture);

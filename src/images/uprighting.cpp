@@ -2,11 +2,13 @@
 
 #include "images/uprighting.h"
 
+#include "imageio/readfailures.h"
 #include "images/strips.h"
 #include "metadata/imagemetadata.h"
 #include "raster/bitmaputilities.h"
 #include "raster/orientation.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -40,6 +42,11 @@ QSize scaledBy(QSize size, double scaleX, double scaleY)
 }
 
 } // namespace
+
+qint64 pictureBytes(QSize size)
+{
+    return qint64(size.width()) * size.height() * qint64(sizeof(QRgb));
+}
 
 int composedOrientation(int first, int second)
 {
@@ -119,6 +126,43 @@ Result<QImage> readUpright(const ImageSource &source, const Uprighting &uprighti
     if (!read)
         return tl::unexpected(read.error());
     return upright;
+}
+
+qint64 uprightBytes(const ImageSource &source, const Uprighting &uprighting, int reducedTo)
+{
+    if (!(reducedTo > 0 || uprighting.isStretched())) {
+        // The rows of a turned photo go straight to their places.
+        return source.imageBytes();
+    }
+    const qint64 decoding = source.imageBytes(reducedTo);
+    if (uprighting.isIdentity())
+        return decoding;
+    // The stored picture, turned, and stretched, all at once.
+    const QSize stored = source.imageSize(reducedTo);
+    const qint64 storedBytes = pictureBytes(stored);
+    const qint64 turnedBytes = uprighting.orientation == 1 ? 0 : storedBytes;
+    const qint64 stretchedBytes =
+        uprighting.isStretched() ? pictureBytes(scaledBy(stored, uprighting.scaleX, uprighting.scaleY)) : 0;
+    return std::max(decoding, storedBytes + turnedBytes + stretchedBytes);
+}
+
+Result<ByteBudget::Reservation> reserveForPhoto(ByteBudget &budget, QSize size, qint64 bytes)
+{
+    if (bytes <= 0)
+        return ByteBudget::Reservation();
+    if (bytes > budget.total())
+        return fail(ReadFailures::tooMuchMemory(size, bytes, ReadLimits{.maxBytes = budget.total()}));
+    return budget.reserve(bytes);
+}
+
+Result<QImage> readUprightWithin(ByteBudget &budget, const ImageSource &source, const Uprighting &uprighting,
+                                 int reducedTo)
+{
+    const Result<ByteBudget::Reservation> room =
+        reserveForPhoto(budget, source.info().rows.size, uprightBytes(source, uprighting, reducedTo));
+    if (!room)
+        return tl::unexpected(room.error());
+    return readUpright(source, uprighting, reducedTo);
 }
 
 } // namespace plexa

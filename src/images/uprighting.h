@@ -3,6 +3,7 @@
 #pragma once
 
 #include "imageio/imagesource.h"
+#include "platform/bytebudget.h"
 
 #include <QSize>
 #include <QTransform>
@@ -61,5 +62,23 @@ Uprighting uprightingOf(QSize stored, const ImageMetadata &metadata, int turns, 
 ///                   much, which lets some formats decode faster
 [[nodiscard]] Result<QImage> readUpright(const ImageSource &source, const Uprighting &uprighting,
                                          int reducedTo = 0);
+
+/// The memory (bytes) of a decoded picture.
+qint64 pictureBytes(QSize size);
+
+/// The most memory (bytes) that readUpright() of the same arguments takes, its result included.
+qint64 uprightBytes(const ImageSource &source, const Uprighting &uprighting, int reducedTo = 0);
+
+/// Waits for the memory that the work on one photo will take; one call for all of it, because a thread that
+/// holds a reservation must not wait for another.
+/// @param size   pixels of the photo, for the failure's text
+/// @param bytes  0: there is nothing to wait for
+/// @return a failure, at once, when the photo can never have so much
+[[nodiscard]] Result<ByteBudget::Reservation> reserveForPhoto(ByteBudget &budget, QSize size, qint64 bytes);
+
+/// readUpright() within a budget: waits for the memory that it takes, and gives it back when the picture is
+/// there. The calling thread must not hold a reservation.
+[[nodiscard]] Result<QImage> readUprightWithin(ByteBudget &budget, const ImageSource &source,
+                                               const Uprighting &uprighting, int reducedTo = 0);
 
 } // namespace plexa

@@ -1,0 +1,243 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/imagedestination.h"
+#include "images/copywriter.h"
+#include "images/uprighting.h"
+#include "support/testenvironment.h"
+
+#include <QTest>
+
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
+
+using namespace plexa;
+using namespace plexa::test;
+
+namespace
+{
+
+/// Small beside what is measured: fonts, code, the blocks that the allocator keeps.
+constexpr qint64 kNoise = 16'000'000;
+
+/// Runs the command line's program on one photo. @return the most memory it had (bytes); 0 when it failed
+qint64 peakOfSaving(const QString &photo, const QString &folder)
+{
+    const QList<QByteArray> words = {
+        (qEnvironmentVariable("PLEXA_BINARY_DIR") + QStringLiteral("/bin/plexa-cli")).toLocal8Bit(),
+        "save",
+        "--quiet",
+        "--text",
+        "X",
+        "--output",
+        folder.toLocal8Bit(),
+        photo.toLocal8Bit()};
+    std::vector<char *> arguments;
+    for (const QByteArray &word : words)
+        arguments.push_back(const_cast<char *>(word.constData()));
+    arguments.push_back(nullptr);
+    pid_t child = 0;
+    if (posix_spawn(&child, arguments[0], nullptr, nullptr, arguments.data(), environ) != 0)
+        return 0;
+    int status = 0;
+    rusage usage = {};
+    if (wait4(child, &status, 0, &usage) != child || !WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        return 0;
+    return qint64(usage.ru_maxrss) * 1024;
+}
+
+/// Has ImageMagick write a picture. @return empty when it cannot
+QString made(const TestFolder &folder, const QString &name, QSize size, const QStringList &options)
+{
+    QStringList arguments = {
+        QStringLiteral("-size"), QStringLiteral("%1x%2").arg(size.width()).arg(size.height()),
+        QStringLiteral("gradient:red-blue"), QStringLiteral("-depth"), QStringLiteral("8")};
+    const QString path = folder.path(QStringLiteral("%1 %2").arg(size.width()).arg(name));
+    arguments << options << path;
+    outputOf(magickConvert(), arguments);
+    return QFileInfo::exists(path) ? path : QString();
+}
+
+Uprighting uprightingOf(const ImageSource &source)
+{
+    return plexa::uprightingOf(source.info().rows.size, ImageMetadata(source.properties()), 1, {});
+}
+
+/// What a copy of the photo in its own format (JPEG where that cannot be written) is said to take.
+qint64 toldBytes(const ImageSource &source)
+{
+    const Uprighting uprighting = uprightingOf(source);
+    const CopyRequest request{source.format().canWrite ? source.type() : QStringLiteral("image/jpeg"),
+                              {{QStringLiteral("kCGImageDestinationLossyCompressionQuality"), 0.95}},
+                              &source};
+    const qint64 encoding = destinationBytes({uprighting.size(), source.info().rows.hasAlpha}, request);
+    if (uprighting.isIdentity())
+        return source.rowsBytes() + encoding;
+    return std::max(uprightBytes(source, uprighting), pictureBytes(uprighting.size()) + encoding);
+}
+
+struct Services {
+    explicit Services(qint64 budgetBytes)
+        : budget(budgetBytes)
+    {
+    }
+
+    FontCatalog fonts;
+    LocaleFormat locale{QStringLiteral("en_US")};
+    PixelCache cache{0};
+    ByteBudget budget;
+    PhotoServices all{fonts, locale, cache, budget, {}};
+};
+
+CopyOrder orderFor(const QString &photo, const QString &target)
+{
+    CopyOrder order;
+    order.path = order.readPath = photo;
+    order.targetPath = target;
+    order.targetType = QStringLiteral("image/jpeg");
+    order.quality = 0.95;
+    return order;
+}
+
+} // namespace
+
+class PhotoMemoryTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void toldIsTaken_data();
+    void toldIsTaken();
+    void largePhotosTakeTurns();
+    void tooLargeForTheBudget();
+    void streamedPhotosNeedNoBudget();
+
+private:
+    std::unique_ptr<TestFolder> m_folder;
+};
+
+void PhotoMemoryTest::init()
+{
+    if (magickConvert().isEmpty())
+        QSKIP("ImageMagick is not installed");
+    m_folder = std::make_unique<TestFolder>();
+}
+
+void PhotoMemoryTest::toldIsTaken_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QStringList>("options");
+    const QStringList progressive = {QStringLiteral("-interlace"), QStringLiteral("Plane")};
+    const QStringList full = {QStringLiteral("-sampling-factor"), QStringLiteral("1x1")};
+    QTest::newRow("baseline JPEG") << QStringLiteral("a.jpg") << QStringList();
+    QTest::newRow("progressive JPEG")
+        << QStringLiteral("b.jpg")
+        << progressive + QStringList{QStringLiteral("-quality"), QStringLiteral("80")};
+    QTest::newRow("progressive JPEG, full chroma") << QStringLiteral("c.jpg") << progressive + full;
+    QTest::newRow("interlaced PNG") << QStringLiteral("e.png")
+                                    << QStringList{QStringLiteral("-interlace"), QStringLiteral("PNG")};
+    QTest::newRow("PPM") << QStringLiteral("f.ppm") << QStringList();
+    QTest::newRow("PGM") << QStringLiteral("g.pgm") << QStringList();
+    QTest::newRow("BMP") << QStringLiteral("h.bmp")
+                         << QStringList{QStringLiteral("-type"), QStringLiteral("TrueColor")};
+    QTest::newRow("TIFF") << QStringLiteral("j.tif") << QStringList();
+    QTest::newRow("deep TIFF") << QStringLiteral("k.tif")
+                               << QStringList{QStringLiteral("-depth"), QStringLiteral("16")};
+    QTest::newRow("GIF") << QStringLiteral("l.gif") << QStringList();
+    QTest::newRow("lossless WebP") << QStringLiteral("n.webp")
+                                   << QStringList{QStringLiteral("-define"),
+                                                  QStringLiteral("webp:lossless=true,webp:method=0")};
+}
+
+void PhotoMemoryTest::toldIsTaken()
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    QSKIP("a sanitizer takes more memory than the photos");
+#endif
+    QFETCH(QString, name);
+    QFETCH(QStringList, options);
+    const QString large = made(*m_folder, name, {5003, 3001}, options);
+    const QString small = made(*m_folder, name, {53, 31}, options);
+    if (large.isEmpty() || small.isEmpty())
+        QSKIP("ImageMagick does not write this format");
+    const auto source = ImageSource::open(large);
+    if (!source)
+        QFAIL(qPrintable(source.error().text));
+    const qint64 told = toldBytes(*source);
+    const qint64 usual = peakOfSaving(small, m_folder->path(QStringLiteral("small")));
+    const qint64 peak = peakOfSaving(large, m_folder->path(QStringLiteral("large")));
+    QVERIFY(usual > 0 && peak > usual);
+    const qint64 taken = peak - usual;
+    const QString both = QStringLiteral("told %1, taken %2").arg(told).arg(taken);
+    qInfo().noquote() << both;
+    QVERIFY2(double(told) >= 0.7 * double(taken - kNoise), qPrintable(both));
+    QVERIFY2(double(told) <= 1.6 * double(taken + kNoise), qPrintable(both));
+}
+
+void PhotoMemoryTest::largePhotosTakeTurns()
+{
+    const QString photo = made(*m_folder, QStringLiteral("photo.jpg"), {1600, 1200},
+                               {QStringLiteral("-interlace"), QStringLiteral("Plane")});
+    const auto source = ImageSource::open(photo);
+    QVERIFY(source);
+    const qint64 told = toldBytes(*source);
+    QVERIFY(told > 2 * 1600 * 1200 * 2);
+    Services services(told + told / 2);
+    // Where one holds its bytes from the first strip to the last, the other cannot have begun.
+    std::atomic<int> strips = 0;
+    std::atomic<bool> isHeld = true;
+    std::atomic<int> written = 0;
+    const auto copy = [&](const QString &target) {
+        CopyOrder order = orderFor(photo, target);
+        order.isCancelled = [&] {
+            ++strips;
+            isHeld = isHeld && services.budget.total() - services.budget.available() == told;
+            return false;
+        };
+        if (writeCopy(order, services.all))
+            ++written;
+    };
+    std::thread other([&] { copy(m_folder->path(QStringLiteral("one.jpg"))); });
+    copy(m_folder->path(QStringLiteral("two.jpg")));
+    other.join();
+    QCOMPARE(written.load(), 2);
+    QVERIFY(strips > 4);
+    QVERIFY(isHeld);
+    QCOMPARE(services.budget.available(), services.budget.total());
+}
+
+void PhotoMemoryTest::tooLargeForTheBudget()
+{
+    const QString photo = made(*m_folder, QStringLiteral("photo.png"), {2000, 1500},
+                               {QStringLiteral("-interlace"), QStringLiteral("PNG")});
+    Services services(2000 * 1500 * 4 - 1);
+    const QString target = m_folder->path(QStringLiteral("copy.jpg"));
+    const auto copied = writeCopy(orderFor(photo, target), services.all);
+    QVERIFY(!copied);
+    QVERIFY2(copied.error().text.contains(QLatin1String("2000 x 1500")) &&
+                 copied.error().text.contains(QLatin1String("12 MB")),
+             qPrintable(copied.error().text));
+    QVERIFY(!QFileInfo::exists(target));
+
+    const auto source = ImageSource::open(photo);
+    QVERIFY(source);
+    QVERIFY(!readUprightWithin(services.budget, *source, uprightingOf(*source)));
+    ByteBudget enough(2000 * 1500 * 8);
+    QVERIFY(readUprightWithin(enough, *source, uprightingOf(*source)));
+    QCOMPARE(enough.available(), enough.total());
+}
+
+void PhotoMemoryTest::streamedPhotosNeedNoBudget()
+{
+    const QString photo = made(*m_folder, QStringLiteral("photo.jpg"), {2000, 1500}, {});
+    Services services(0);
+    QVERIFY(writeCopy(orderFor(photo, m_folder->path(QStringLiteral("copy.jpg"))), services.all));
+}
+
+QTEST_GUILESS_MAIN(PhotoMemoryTest)
+#include "photomemory_test.moc"
