@@ -61,5 +61,11 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(plexa::applicationNameWithCompany(false, false, true));
     QCoreApplication::setApplicationVersion(plexa::BundleInfo::own().shortVersionString);
     plexa::catchInterruptions();
-    return run(argc, argv);
+    const int status = run(argc, argv);
+    // Results that did not arrive are a failure, too.
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        std::fputs("plexa-cli: the results could not be written to the standard output\n", stderr);
+        return status == 0 ? 1 : status;
+    }
+    return status;
 }

@@ -31,6 +31,19 @@ bool isPackage(const QString &folder)
                        [&](const char *package) { return suffix == package; });
 }
 
+// Photos that people expect to be found, although they cannot be read.
+constexpr std::array kUnreadableSuffixes = {
+    "heic", "heif", "hif", "avif", "jp2", "jxl", "dng", "cr2", "cr3", "crw", "nef", "nrw", "arw", "sr2",
+    "srf",  "raf",  "orf", "rw2",  "pef", "srw", "3fr", "iiq", "kdc", "dcr", "mrw", "erf", "x3f", "rwl"};
+
+bool isPhotoSuffix(const QString &suffix)
+{
+    const QByteArray lower = suffix.toLower().toLatin1();
+    return imageFormatOfSuffix(suffix) ||
+           std::any_of(kUnreadableSuffixes.begin(), kUnreadableSuffixes.end(),
+                       [&](const char *unreadable) { return lower == unreadable; });
+}
+
 /// The path as a text, with a failure where that text would not lead back to the file.
 PhotoPath decoded(const std::string &path)
 {
@@ -44,8 +57,10 @@ PhotoPath decoded(const std::string &path)
 class Scan
 {
 public:
-    explicit Scan(std::vector<PhotoPath> &photos)
+    /// @param leftOut  an absolute path without links, or empty
+    Scan(std::vector<PhotoPath> &photos, const fs::path &leftOut)
         : m_photos(photos)
+        , m_leftOut(leftOut)
     {
     }
 
@@ -53,7 +68,7 @@ public:
     {
         std::error_code error;
         const fs::path canonical = fs::canonical(path, error);
-        if (error || !m_visited.insert(canonical).second)
+        if (!error && !m_visited.insert(canonical).second)
             return;
         std::vector<fs::path> entries;
         for (fs::directory_iterator it(path, error), end; !error && it != end; it.increment(error))
@@ -73,23 +88,25 @@ private:
         const PhotoPath photo = decoded(entry.native());
         std::error_code ignored;
         if (fs::is_directory(entry, ignored)) {
-            if (!isPackage(photo.path))
+            if (!isPackage(photo.path) && (m_leftOut.empty() || fs::canonical(entry, ignored) != m_leftOut))
                 folder(entry);
-        } else if (imageFormatOfSuffix(QFileInfo(photo.path).suffix())) {
+        } else if (isPhotoSuffix(QFileInfo(photo.path).suffix())) {
             m_photos.push_back(photo);
         }
     }
 
     std::vector<PhotoPath> &m_photos;
+    const fs::path m_leftOut;
     std::set<fs::path> m_visited;
 };
 
 } // namespace
 
-Result<std::vector<PhotoPath>> photosAt(const std::vector<std::string> &paths)
+Result<std::vector<PhotoPath>> photosAt(const std::vector<std::string> &paths, const std::string &leftOut)
 {
     std::vector<PhotoPath> photos;
-    Scan scan(photos);
+    std::error_code ignored;
+    Scan scan(photos, fs::canonical(leftOut, ignored));
     for (const std::string &path : paths) {
         std::error_code error;
         const fs::file_status status = fs::status(path, error);

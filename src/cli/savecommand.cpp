@@ -13,6 +13,7 @@
 #include "platform/localeformat.h"
 #include "saving/copynames.h"
 #include "saving/orderedwork.h"
+#include "watermark/texttokens.h"
 #include "watermark/watermarkpicture.h"
 
 #include <QDir>
@@ -60,13 +61,22 @@ int refuse(const QString &text)
     return kWrongUsage;
 }
 
+/// The pieces that stand for a text as it is: a text that is a token's name is taken apart, so that it is
+/// none.
+QStringList literalText(const QString &text)
+{
+    if (!tokenNames().contains(text))
+        return {text};
+    return {text.left(1), text.mid(1)};
+}
+
 Result<WPresetValues> quickPreset(const SaveOptions &options, const FontCatalog &fonts)
 {
     WPresetValues values = WPresetValues::forNewPreset(fonts);
     values.name = kQuickPresetName;
-    if (!options.text.empty()) {
+    if (options.text) {
         values.type = QStringLiteral("Text");
-        values.textTokens = {QString::fromStdString(options.text)};
+        values.textTokens = literalText(QString::fromStdString(*options.text));
     }
     if (!options.image.empty()) {
         Result<WatermarkPicture> picture = WatermarkPicture::load(QString::fromStdString(options.image));
@@ -75,10 +85,16 @@ Result<WPresetValues> quickPreset(const SaveOptions &options, const FontCatalog 
         values.type = QStringLiteral("Image");
         values.image = std::move(*picture);
     }
+    const QString typeBefore = values.type;
     for (const std::string &field : options.fields) {
         if (Result<void> applied = applyField(values, field); !applied)
             return tl::unexpected(applied.error());
     }
+    const bool isImageWanted = !options.text && values.type == typeBefore && !values.image.isNull();
+    if (isImageWanted)
+        values.type = QStringLiteral("Image");
+    if (values.type == QLatin1String("Image") && values.image.isNull())
+        return fail(QStringLiteral("an image watermark needs a picture: give --image"));
     return values;
 }
 
@@ -107,7 +123,7 @@ Result<Run> planRun(const SaveOptions &options, const FontCatalog &fonts)
         return tl::unexpected(savingPreset.error());
     run.savingPreset = std::move(*savingPreset);
 
-    const Result<std::vector<PhotoPath>> photos = photosAt(options.paths);
+    const Result<std::vector<PhotoPath>> photos = photosAt(options.paths, options.output);
     if (!photos)
         return tl::unexpected(photos.error());
     const QString folder = QString::fromStdString(options.output);
@@ -264,7 +280,9 @@ CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options)
 
 int runSave(const SaveOptions &options)
 {
-    if (options.text.empty() && options.image.empty() && options.fields.empty())
+    if (options.text && options.text->empty())
+        return refuse(QStringLiteral("--text is empty, so there is no watermark"));
+    if (!options.text && options.image.empty() && options.fields.empty())
         return refuse(QStringLiteral("there is no watermark: give --text, --image or --set"));
     const FontCatalog fonts;
     Result<Run> run = planRun(options, fonts);

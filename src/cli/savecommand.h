@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,7 @@ namespace plexa
 
 /// What stands on the command line of "plexa-cli save".
 struct SaveOptions {
-    std::string text;
+    std::optional<std::string> text;
     std::string image;
     std::vector<std::string> fields;       ///< "FIELD=VALUE" of the quick preset
     std::vector<std::string> savingFields; ///< "FIELD=VALUE" of the run's saving preset

@@ -50,7 +50,8 @@ qint64 decodingBytes(QSize size, QImage::Format format, const QByteArray &icc, i
     const qint64 plugin = pixels * pluginBytesPerPixel;
     if (bits == 64 && icc.isEmpty()) // changed in place
         return decoded + plugin;
-    if (hasDeepComponents(format) && !(isGray(format) && (icc.isEmpty() || profileColorModel(icc) == u"Gray"_qs))) {
+    if (hasDeepComponents(format) &&
+        !(isGray(format) && (icc.isEmpty() || profileColorModel(icc) == u"Gray"_qs))) {
         const qint64 wide = pixels * 8; // changed to this kind before its colours are
         return qMax(decoded + plugin, wide + (bits == 64 ? rows : qMax(decoded, rows)));
     }

@@ -109,6 +109,7 @@ private:
     {
         if (m_error == 0)
             m_error = errno != 0 ? errno : EIO;
+        setErrorString(writeErrorText(m_error));
     }
 
     int m_error = 0;

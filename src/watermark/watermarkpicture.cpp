@@ -71,6 +71,8 @@ Result<QByteArray> contentsOf(const QString &path)
     QFile file(path);
     if (QFileInfo(path).isDir())
         return fail(Texts::tr("it is a folder"));
+    if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) // opening a pipe would wait for its other end
+        return fail(Texts::tr("it is not a regular file"));
     if (!file.open(QIODevice::ReadOnly))
         return fail(file.errorString());
     const QByteArray bytes = file.read(kMaxSvgBytes + 1);
@@ -84,6 +86,8 @@ Result<QByteArray> headOf(const QString &path)
     QFile file(path);
     if (QFileInfo(path).isDir())
         return fail(Texts::tr("it is a folder"));
+    if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) // opening a pipe would wait for its other end
+        return fail(Texts::tr("it is not a regular file"));
     if (!file.open(QIODevice::ReadOnly))
         return fail(file.errorString());
     return file.read(1024);

@@ -210,6 +210,13 @@ void CommandLineTest::wrongUsage_data()
                                   << QByteArray("no such logo.png");
     QTest::newRow("logo that is no picture")
         << QStringList{QStringLiteral("--image"), QStringLiteral("/dev/null")} << QByteArray("/dev/null");
+    QTest::newRow("empty text") << QStringList{QStringLiteral("--text"), QString(), QStringLiteral("--set"),
+                                               QStringLiteral("background=true")}
+                                << QByteArray("--text");
+    QTest::newRow("image without a picture")
+        << QStringList{QStringLiteral("--set"), QStringLiteral("type=Image")} << QByteArray("--image");
+    QTest::newRow("logo that is a device")
+        << QStringList{QStringLiteral("--image"), QStringLiteral("/dev/zero")} << QByteArray("/dev/zero");
     QTest::newRow("missing folder") << text + QStringList{QStringLiteral("no such folder")}
                                     << QByteArray("no such folder");
     QTest::newRow("quality out of range")
