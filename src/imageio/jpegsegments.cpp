@@ -48,7 +48,7 @@ QByteArray withoutPacketWrapper(const QByteArray &packet)
     return rdf.trimmed();
 }
 
-/// XMP specification part 3, section 1.1.3.1: a packet that is too long goes into numbered extension
+/// XMP standard, third volume, 1.1.3.1: a packet that is too long goes into numbered extension
 /// segments; the main packet names them by the MD5 sum of what they hold.
 void appendLongXmp(const QByteArray &packet, QList<JpegSegment> &segments)
 {

@@ -183,7 +183,7 @@ QByteArray iccOf(const Header &header)
 }
 
 /// The transform that the picture's own words on colour ask for, in the order of weight that the PNG
-/// specification gives them; null when the pixels are sRGB as they are.
+/// standard gives them; null when the pixels are sRGB as they are.
 std::unique_ptr<ColorTransform> chooseTransform(const Header &header, PixelLayout &layout)
 {
     const bool isWide = header.depth == 16;

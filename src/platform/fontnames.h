@@ -9,7 +9,7 @@ namespace plexa
 {
 
 /// The PostScript names (name 6) that a font file's "name" table gives, which is usually one name twice.
-/// Format: OpenType specification, "name - Naming Table". Bytes that point outside of the table are skipped;
+/// Format: the OpenType standard, "name - Naming Table". Bytes that point outside of the table are skipped;
 /// a pure function.
 QStringList postScriptNames(const QByteArray &nameTable);
 

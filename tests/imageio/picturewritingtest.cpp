@@ -65,7 +65,7 @@ QImage colorfulPicture(QSize size, QImage::Format format)
     return image.convertToFormat(format);
 }
 
-/// The CRC of ISO 3309 bit by bit, as annex D of the PNG specification defines it.
+/// The CRC of ISO 3309 bit by bit, as annex D of the PNG standard defines it.
 quint32 plainCrc(const QByteArray &bytes)
 {
     quint32 crc = 0xffffffff;
