@@ -168,7 +168,7 @@ private:
 
     Result<void> writeFile()
     {
-        AtomicFile file(m_order.targetPath, m_order.ifExists, AtomicFile::Durability::Lazy);
+        AtomicFile file(m_order.targetPath, m_order.ifExists, AtomicFile::Durability::Synced);
         if (Result<void> opened = file.open(); !opened)
             return opened;
         const RowFormat format = m_upright.isNull()

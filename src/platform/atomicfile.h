@@ -24,8 +24,8 @@ public:
     /// at the last moment or a dangling symbolic link.
     enum class IfExists { Replace, Fail };
 
-    /// Whether commit() waits until the disk has the contents (for what cannot be made again), or leaves the
-    /// time to the system (for copies).
+    /// Whether commit() waits until the disk has the contents, so that not even a power cut leaves an empty
+    /// file, or leaves the time to the system (for what is easily made again).
     enum class Durability { Synced, Lazy };
 
     /// How the unfinished file is kept.
