@@ -22,24 +22,6 @@ namespace
 
 constexpr int kThumbnailSide = 400;
 
-/// The thumbnail is stored mirrored top to bottom, so its quarter turns go the other way round.
-QImage turnedThumbnail(const QImage &thumbnail, ImageTransform transform)
-{
-    switch (transform) {
-    case ImageTransform::RotateClockwise:
-        return createImageRotatedByQuarter(thumbnail, false);
-    case ImageTransform::RotateCounterClockwise:
-        return createImageRotatedByQuarter(thumbnail, true);
-    case ImageTransform::RotateHalf:
-        return createImageRotatedByHalf(thumbnail);
-    case ImageTransform::MirrorLeftRight:
-        return createImageFlipped(thumbnail, false);
-    case ImageTransform::MirrorTopBottom:
-        return createImageFlipped(thumbnail, true);
-    }
-    return {};
-}
-
 QImage turnedPhoto(const QImage &photo, ImageTransform transform)
 {
     switch (transform) {
@@ -55,6 +37,19 @@ QImage turnedPhoto(const QImage &photo, ImageTransform transform)
         return createImageFlipped(photo, true);
     }
     return {};
+}
+
+/// The thumbnail is stored mirrored top to bottom, so its quarter turns go the other way round.
+QImage turnedThumbnail(const QImage &thumbnail, ImageTransform transform)
+{
+    switch (transform) {
+    case ImageTransform::RotateClockwise:
+        return turnedPhoto(thumbnail, ImageTransform::RotateCounterClockwise);
+    case ImageTransform::RotateCounterClockwise:
+        return turnedPhoto(thumbnail, ImageTransform::RotateClockwise);
+    default:
+        return turnedPhoto(thumbnail, transform);
+    }
 }
 
 } // namespace
