@@ -352,20 +352,15 @@ QImage ImageObject::drawn(const QImage &image, const Snapshot &snapshot, const A
     const auto custom =
         std::find_if(snapshot.customOrigins.begin(), snapshot.customOrigins.end(),
                      [&](const CustomOrigin &origin) { return origin.preset == preset.preset; });
-    const std::optional<QPointF> origin =
-        custom == snapshot.customOrigins.end() ? std::nullopt : std::optional(custom->origin);
-    const Result<std::optional<WatermarkDrawing>> drawing =
-        WatermarkDrawing::prepare(preset.values, snapshot.facts, m_services.fonts, origin);
-    if (!drawing)
+    const bool isPlacedByHand = custom != snapshot.customOrigins.end();
+    QRectF place = isPlacedByHand ? QRectF(custom->origin, QSizeF()) : QRectF();
+    const Result<QImage> marked = createWatermarkOnImage(image, preset.values, snapshot.facts,
+                                                         m_services.fonts, isPlacedByHand, &place);
+    if (!marked)
         return {};
-    if (!*drawing)
-        return image;
-    if (rect)
-        *rect = (*drawing)->layout().rect;
-    QImage marked = image.copy();
-    if (!marked.isNull())
-        (*drawing)->drawRows(marked, 0);
-    return marked;
+    if (rect && marked->constBits() != image.constBits())
+        *rect = place;
+    return *marked;
 }
 
 QImage ImageObject::createWatermarkedImage(const QImage &image, const AppliedPreset &preset, QRectF *rect)
