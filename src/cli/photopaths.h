@@ -20,7 +20,7 @@ struct PhotoPath {
 /// files below it whose suffix is that of a picture format, sorted by name; hidden entries, package folders
 /// and circles of symbolic links are left out. A folder that cannot be read, and a name that is no text,
 /// stand there as failures.
-/// Photos of formats that cannot be read (camera raw, HEIC) are among them, so that reading them says so.
+/// Photos of formats that cannot be read (camera raw) are among them, so that reading them says so.
 /// @param paths     as the shell gives them, in the file system's encoding
 /// @param leftOut   a folder that is not looked into when it lies below one of the paths: where copies go
 /// @return a failure when a path does not exist

@@ -57,6 +57,7 @@ public:
         QSize pixelSize;                       ///< of the copy
         qsizetype thumbnailBytes = 0;          ///< room to keep for a new EXIF thumbnail, 0: none
         qsizetype maxExifBytes = kMaxJpegExif; ///< the longest EXIF that the copy's format holds
+        bool holdsIptc = true; ///< else what IIM records tell goes into the XMP, as far as it has a place
     };
 
     /// Metadata for a copy: the file's own, changed where `properties` differs from properties(), freed from

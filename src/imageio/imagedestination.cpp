@@ -107,8 +107,9 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
     const QVariantMap &properties = request.properties;
     WriteOptions options = pictureOptions(request);
     const auto metadata = request.source ? request.source->metadata() : EmbeddedMetadata::none();
-    const EmbeddedMetadata::CopyFacts facts = {format.size, metadata->hasThumbnail() ? kThumbnailBytes : 0,
-                                               target->codec->maxExifBytes()};
+    const bool hasThumbnail = metadata->hasThumbnail() && target->codec->writesExifThumbnail();
+    const EmbeddedMetadata::CopyFacts facts = {format.size, hasThumbnail ? kThumbnailBytes : 0,
+                                               target->codec->maxExifBytes(), target->codec->writesIptc()};
     const EmbeddedMetadata::Encoded encoded = metadata->encodeForCopy(properties, facts);
     if (request.omitted)
         *request.omitted += encoded.omitted;

@@ -2,6 +2,8 @@
 
 #include "imageio/imageformat.h"
 
+#include "imageio/heifbrands.h"
+#include "imageio/heifcodec.h"
 #include "imageio/jpegcodec.h"
 #include "imageio/pictureheaders.h"
 #include "imageio/pngcodec.h"
@@ -94,10 +96,20 @@ QList<ImageFormat> makeFormats()
     static const JpegCodec jpeg;
     static const PngCodec png;
     static const TiffCodec tiff;
+    static const HeifCodec heic(HeifCodec::Kind::Hevc);
+    static const HeifCodec avif(HeifCodec::Kind::Av1);
     QList<ImageFormat> formats = {
         {"image/jpeg", "JPEG", {u"jpg"_qs, u"jpeg"_qs, u"jpe"_qs, u"jfif"_qs}, isJpeg, &jpeg, true, false},
         {"image/png", "PNG", {u"png"_qs}, isPng, &png, true, true},
         {"image/tiff", "TIFF", {u"tif"_qs, u"tiff"_qs}, isTiff, &tiff, false, false},
+        {"image/heic",
+         "HEIC",
+         {u"heic"_qs, u"heif"_qs, u"hif"_qs},
+         isHeicContents,
+         &heic,
+         heic.canEncode(),
+         true},
+        {"image/avif", "AVIF", {u"avif"_qs}, isAvifContents, &avif, false, false},
     };
     static const QtCodec gif("gif", nullptr, 4);
     static const QtCodec webp("webp", readWebpHeader, 4); // where it is lossless

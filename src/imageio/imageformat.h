@@ -60,7 +60,9 @@ struct PictureInfo {
     double dpiWidth = 0;   ///< 0 when the container says nothing
     double dpiHeight = 0;
     bool isProgressive = false; ///< JPEG only
-    QByteArray chromaSampling;  ///< JPEG only, horizontal and vertical factor of each component: "22,11,11"
+    QByteArray chromaSampling;  ///< horizontal and vertical factor of each component as JPEG has them:
+                                ///< "22,11,11"; JPEG and HEIF only
+    bool isUpright = false; ///< the format turns its pictures by itself: EXIF's orientation is not followed
     qint64 decoderBytes = 0; ///< the most memory that a reader holds besides the strips it fills: what it has
                              ///< to decode whole before the first row comes out; 0 where the rows stream
     QStringList unmarkedPictures; ///< pictures beside image 0 that a copy must not carry: "gain map", ...
@@ -71,7 +73,7 @@ struct WriteOptions {
     double quality = 0.8;            ///< 0..1, for formats with losses
     double dpi[2] = {0, 0};          ///< horizontal and vertical, 0: not written
     bool isProgressive = false;      ///< JPEG
-    QByteArray chromaSampling;       ///< JPEG: as in PictureInfo, kept at high quality; may be empty
+    QByteArray chromaSampling;       ///< JPEG, HEIC: as in PictureInfo, kept at high quality; may be empty
     QByteArray exif;                 ///< a TIFF structure without "Exif\0\0", may be empty
     QByteArray thumbnailPlaceholder; ///< bytes inside `exif` that finish() replaces by a JPEG thumbnail of
                                      ///< the written picture, padded to the same length; may be empty
@@ -106,6 +108,12 @@ public:
 
     /// The longest EXIF structure that openWriter() takes.
     virtual qsizetype maxExifBytes() const { return 16 * 1024 * 1024; }
+
+    /// Does a written file keep IIM records? Where it does not, XMP has to tell what they tell.
+    virtual bool writesIptc() const { return true; }
+
+    /// Does a written file keep a thumbnail in its EXIF (WriteOptions::thumbnailPlaceholder)?
+    virtual bool writesExifThumbnail() const { return true; }
 
     /// The size of the rows that openReader() gives for a picture of `size` pixels.
     virtual QSize reducedSize(QSize size, int reduction) const

@@ -28,6 +28,18 @@ bool isCameraRawSuffix(const QString &suffix)
     return suffixes.contains(suffix.toLower());
 }
 
+/// What EXIF says of a picture's orientation, where its format has turned it already.
+void setUpright(QVariantMap &properties)
+{
+    if (properties.contains(kCGImagePropertyOrientation))
+        properties.insert(kCGImagePropertyOrientation, 1);
+    QVariantMap tiff = properties.value(kCGImagePropertyTIFFDictionary).toMap();
+    if (!tiff.contains(kCGImagePropertyTIFFOrientation))
+        return;
+    tiff.insert(kCGImagePropertyTIFFOrientation, 1);
+    properties.insert(kCGImagePropertyTIFFDictionary, tiff);
+}
+
 } // namespace
 
 struct ImageSource::State {
@@ -71,6 +83,8 @@ QVariantMap ImageSource::State::makeProperties(const EmbeddedMetadata &fromMetad
     // A density that EXIF has with its unit is what the camera or the editor wrote on purpose; JFIF's is
     // often only filled in.
     map.insert(fromMetadata.properties());
+    if (info.isUpright)
+        setUpright(map);
     return map;
 }
 

@@ -2,6 +2,8 @@
 
 #include "imageio/metadatablocks.h"
 
+#include "imageio/heifmetadata.h"
+
 #include <QList>
 #include <QMap>
 #include <QtEndian>
@@ -226,13 +228,15 @@ MetadataBlocks readWebpBlocks(QIODevice &device)
 std::optional<MetadataBlocks> readMetadataBlocks(QIODevice &device)
 {
     device.seek(0);
-    const QByteArray head = device.read(12);
+    const QByteArray head = device.read(64);
     if (head.startsWith("\xFF\xD8\xFF"))
         return readJpegBlocks(device);
     if (head.startsWith("\x89PNG\r\n\x1A\n"))
         return readPngBlocks(device);
-    if (head.startsWith("RIFF") && head.mid(8) == "WEBP")
+    if (head.startsWith("RIFF") && head.mid(8, 4) == "WEBP")
         return readWebpBlocks(device);
+    if (isHeif(head))
+        return readHeifBlocks(device);
     return std::nullopt;
 }
 

@@ -37,6 +37,11 @@ QString ReadFailures::writeError(const QIODevice &device)
     return tr("it cannot be written: %1").arg(device.errorString());
 }
 
+QString ReadFailures::encoderFailed(const char *format)
+{
+    return tr("the picture could not be encoded as %1").arg(QLatin1String(format));
+}
+
 QString ReadFailures::tooLargeToWrite(const char *format)
 {
     return tr("the picture is too large for a %1 file").arg(QLatin1String(format));

@@ -28,6 +28,7 @@ public:
     static QString readError(const QIODevice &device);
     static QString writeError(const QIODevice &device);
     static QString exifTooLong() { return tr("its EXIF data are too long for a JPEG file"); }
+    static QString encoderFailed(const char *format);
     static QString tooLargeToWrite(const char *format);
     static QString cannotWrite(const QString &type);
 

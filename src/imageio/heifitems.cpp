@@ -1,0 +1,404 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/heifitems.h"
+
+#include "imageio/readfailures.h"
+
+#include <QtEndian>
+
+namespace plexa
+{
+
+namespace
+{
+
+// Real files have one box of metadata with some kilobytes, and at most a few hundred items.
+constexpr qint64 kMaxMetaBytes = 32'000'000;
+constexpr int kMaxTopLevelBoxes = 1000;
+constexpr qsizetype kMaxItems = 10'000;
+constexpr qsizetype kMaxExtents = 100'000; // of all items; one may take no bytes in the box
+constexpr quint32 kMaxCropSide = 1'000'000;
+
+/// Numbers of a box, from its front; behind the end there are zeros, and isWhole turns false.
+class BoxReader
+{
+public:
+    explicit BoxReader(QByteArrayView bytes)
+        : m_bytes(bytes)
+    {
+    }
+
+    /// @param count  0 to 8 bytes
+    quint64 number(int count)
+    {
+        quint64 value = 0;
+        for (const char byte : take(count))
+            value = value << 8 | uchar(byte);
+        return value;
+    }
+
+    quint32 word() { return quint32(number(4)); }
+    QByteArray letters() { return take(4).toByteArray(); }
+
+    QByteArrayView take(qsizetype count)
+    {
+        if (count < 0 || count > m_bytes.size()) {
+            isWhole = false;
+            m_bytes = {};
+            return {};
+        }
+        const QByteArrayView taken = m_bytes.first(count);
+        m_bytes = m_bytes.sliced(count);
+        return taken;
+    }
+
+    QByteArrayView rest() const { return m_bytes; }
+    bool atEnd() const { return m_bytes.isEmpty(); }
+
+    bool isWhole = true;
+
+private:
+    QByteArrayView m_bytes;
+};
+
+struct Box {
+    QByteArray type;
+    QByteArrayView payload;
+};
+
+/// The next box inside of a box. @return an empty type when it does not fit
+Box nextBox(BoxReader &reader)
+{
+    quint64 size = reader.word();
+    Box box{reader.letters(), {}};
+    quint64 header = 8;
+    if (size == 1) {
+        size = reader.number(8);
+        header = 16;
+    } else if (size == 0) {
+        size = quint64(reader.rest().size()) + header;
+    }
+    if (size < header || size - header > quint64(reader.rest().size()))
+        reader.isWhole = false;
+    if (!reader.isWhole)
+        return {};
+    box.payload = reader.take(qsizetype(size - header));
+    return box;
+}
+
+/// Version and flags, with which many boxes begin.
+struct FullBox {
+    int version;
+    quint32 flags;
+
+    explicit FullBox(BoxReader &reader)
+        : version(int(reader.number(1)))
+        , flags(quint32(reader.number(3)))
+    {
+    }
+};
+
+class MetaParser
+{
+public:
+    /// @param payload  of the "meta" box
+    bool parse(QByteArrayView payload)
+    {
+        BoxReader reader(payload);
+        const FullBox head(reader);
+        QList<Box> later;
+        while (reader.isWhole && !reader.atEnd()) {
+            const Box box = nextBox(reader);
+            bool isSound = true;
+            if (box.type == "pitm")
+                isSound = parsePrimary(box.payload);
+            else if (box.type == "iinf")
+                isSound = parseInfos(box.payload);
+            else if (box.type == "idat")
+                result.dataBox = box.payload.toByteArray();
+            else if (box.type == "iloc" || box.type == "iprp" || box.type == "iref")
+                later.append(box); // they speak of items that "iinf" announces
+            if (!isSound)
+                return false;
+        }
+        bool isSound = reader.isWhole && !result.items.isEmpty();
+        for (const Box &box : later) {
+            if (box.type == "iloc")
+                isSound = isSound && parseLocations(box.payload);
+            else if (box.type == "iprp")
+                isSound = isSound && parseProperties(box.payload);
+            else
+                isSound = isSound && parseReferences(box.payload);
+        }
+        return isSound && result.items.contains(result.primary);
+    }
+
+    HeifItems result;
+
+private:
+    HeifItem *find(quint32 id)
+    {
+        const auto found = result.items.find(id);
+        return found == result.items.end() ? nullptr : &*found;
+    }
+
+    bool parsePrimary(QByteArrayView payload)
+    {
+        BoxReader reader(payload);
+        const FullBox head(reader);
+        result.primary = quint32(reader.number(head.version == 0 ? 2 : 4));
+        return reader.isWhole;
+    }
+
+    bool parseInfos(QByteArrayView payload)
+    {
+        BoxReader reader(payload);
+        const FullBox head(reader);
+        reader.number(head.version == 0 ? 2 : 4);
+        while (reader.isWhole && !reader.atEnd()) {
+            const Box box = nextBox(reader);
+            if (box.type != "infe")
+                continue;
+            BoxReader entry(box.payload);
+            const FullBox entryHead(entry);
+            if (entryHead.version < 2)
+                continue;
+            const auto id = quint32(entry.number(entryHead.version == 2 ? 2 : 4));
+            entry.number(2);
+            HeifItem item;
+            item.type = entry.letters();
+            if (!entry.isWhole || result.items.size() >= kMaxItems)
+                return false;
+            result.items.insert(id, item);
+        }
+        return reader.isWhole;
+    }
+
+    bool parseLocations(QByteArrayView payload)
+    {
+        BoxReader reader(payload);
+        const FullBox head(reader);
+        const auto sizes = quint32(reader.number(2));
+        const auto bytesOf = [sizes](int shift) { return int(sizes >> shift & 15); };
+        if (head.version > 2 || bytesOf(12) > 8 || bytesOf(8) > 8 || bytesOf(4) > 8)
+            return false;
+        const int indexBytes = head.version == 0 ? 0 : bytesOf(0);
+        if (indexBytes > 8)
+            return false;
+        quint64 count = reader.number(head.version == 2 ? 4 : 2);
+        for (; count > 0 && reader.isWhole; --count) {
+            const auto id = quint32(reader.number(head.version == 2 ? 4 : 2));
+            const int method = head.version == 0 ? 0 : int(reader.number(2) & 15);
+            const quint64 otherFile = reader.number(2);
+            const quint64 base = reader.number(bytesOf(4));
+            quint64 extents = reader.number(2);
+            HeifItem *item = find(id);
+            for (; extents > 0 && reader.isWhole; --extents) {
+                reader.number(indexBytes);
+                const quint64 offset = base + reader.number(bytesOf(12));
+                const quint64 length = reader.number(bytesOf(8));
+                constexpr quint64 kMax = quint64(1) << 62;
+                if (offset > kMax || length > kMax || ++m_extents > kMaxExtents)
+                    return false;
+                if (item)
+                    item->extents.append({qint64(offset), qint64(length)});
+            }
+            if (item) {
+                item->isInDataBox = method == 1;
+                item->isElsewhere = method > 1 || otherFile != 0;
+            }
+        }
+        return reader.isWhole;
+    }
+
+    static bool isSoundCrop(QByteArrayView payload)
+    {
+        BoxReader reader(payload);
+        bool isSound = true;
+        for (int i = 0; i < 4; ++i) { // width, height, horizontal and vertical offset
+            const quint32 numerator = reader.word();
+            const quint32 denominator = reader.word();
+            const auto magnitude = qAbs(qint64(qint32(numerator)));
+            isSound = isSound && denominator != 0 && denominator <= kMaxCropSide &&
+                      magnitude / denominator <= kMaxCropSide;
+        }
+        return isSound && reader.isWhole;
+    }
+
+    static void applyProperty(HeifItem &item, const Box &property)
+    {
+        BoxReader reader(property.payload);
+        if (property.type == "ispe") {
+            const FullBox head(reader);
+            const quint32 width = reader.word();
+            const quint32 height = reader.word();
+            constexpr quint32 kMax = 0x7fffffff;
+            item.size = QSize(int(qMin(width, kMax)), int(qMin(height, kMax)));
+        } else if (property.type == "hvcC" || property.type == "av1C") {
+            item.configuration = property.payload.toByteArray();
+        } else if (property.type == "clap") {
+            item.hasSoundCrop = item.hasSoundCrop && isSoundCrop(property.payload);
+        } else if (property.type == "auxC") {
+            const FullBox head(reader);
+            item.auxiliaryType = reader.rest().toByteArray();
+        }
+    }
+
+    bool parseProperties(QByteArrayView payload)
+    {
+        BoxReader reader(payload);
+        QList<Box> properties;
+        QList<QByteArrayView> associations;
+        while (reader.isWhole && !reader.atEnd()) {
+            const Box box = nextBox(reader);
+            if (box.type == "ipma")
+                associations.append(box.payload);
+            if (box.type != "ipco")
+                continue;
+            BoxReader list(box.payload);
+            while (list.isWhole && !list.atEnd() && properties.size() < kMaxItems)
+                properties.append(nextBox(list));
+            if (!list.isWhole || !list.atEnd())
+                return false;
+        }
+        bool isSound = reader.isWhole;
+        for (const QByteArrayView association : associations)
+            isSound = isSound && parseAssociations(association, properties);
+        return isSound;
+    }
+
+    bool parseAssociations(QByteArrayView payload, const QList<Box> &properties)
+    {
+        BoxReader reader(payload);
+        const FullBox head(reader);
+        const bool isWide = (head.flags & 1) != 0;
+        for (quint32 count = reader.word(); count > 0 && reader.isWhole; --count) {
+            HeifItem *item = find(quint32(reader.number(head.version == 0 ? 2 : 4)));
+            for (auto links = int(reader.number(1)); links > 0 && reader.isWhole; --links) {
+                const quint64 index = reader.number(isWide ? 2 : 1) & (isWide ? 0x7fff : 0x7f);
+                if (item && index > 0 && index <= quint64(properties.size()))
+                    applyProperty(*item, properties[qsizetype(index) - 1]);
+            }
+        }
+        return reader.isWhole;
+    }
+
+    bool parseReferences(QByteArrayView payload)
+    {
+        BoxReader reader(payload);
+        const FullBox head(reader);
+        const int idBytes = head.version == 0 ? 2 : 4;
+        while (reader.isWhole && !reader.atEnd()) {
+            const Box box = nextBox(reader);
+            BoxReader list(box.payload);
+            const auto from = quint32(list.number(idBytes));
+            for (quint64 count = list.number(2); count > 0 && list.isWhole; --count) {
+                const auto to = quint32(list.number(idBytes));
+                if (HeifItem *derived = box.type == "dimg" ? find(from) : nullptr)
+                    derived->parts.append(to);
+                if (HeifItem *master = box.type == "auxl" ? find(to) : nullptr)
+                    master->auxiliaries.append(from);
+                if (HeifItem *master = box.type == "thmb" ? find(to) : nullptr)
+                    master->thumbnails.append(from);
+            }
+            if (!list.isWhole)
+                return false;
+        }
+        return reader.isWhole;
+    }
+
+    qsizetype m_extents = 0;
+};
+
+/// The payload of the file's box of metadata.
+Result<QByteArray> readMetaBox(QIODevice &device)
+{
+    const qint64 end = device.size();
+    qint64 at = 0;
+    for (int i = 0; i < kMaxTopLevelBoxes && at + 8 <= end; ++i) {
+        if (!device.seek(at))
+            return fail(ReadFailures::readError(device));
+        const QByteArray head = device.read(16);
+        if (head.size() < 8)
+            break;
+        qint64 size = qFromBigEndian<quint32>(head.constData());
+        qint64 headerBytes = 8;
+        if (size == 1 && head.size() == 16) {
+            size = qint64(qMin(qFromBigEndian<quint64>(head.constData() + 8), quint64(1) << 62));
+            headerBytes = 16;
+        } else if (size == 0) {
+            size = end - at;
+        }
+        if (size < headerBytes)
+            return fail(ReadFailures::damaged());
+        if (head.mid(4, 4) == "meta") {
+            if (size > end - at)
+                return fail(ReadFailures::endsEarly());
+            if (size > kMaxMetaBytes || !device.seek(at + headerBytes))
+                return fail(ReadFailures::damaged());
+            const QByteArray payload = device.read(size - headerBytes);
+            if (payload.size() != size - headerBytes)
+                return fail(ReadFailures::readError(device));
+            return payload;
+        }
+        at += size;
+    }
+    return fail(at >= end ? ReadFailures::endsEarly() : ReadFailures::damaged());
+}
+
+} // namespace
+
+Result<HeifItems> HeifItems::read(QIODevice &device)
+{
+    const Result<QByteArray> meta = readMetaBox(device);
+    if (!meta)
+        return tl::unexpected(meta.error());
+    MetaParser parser;
+    if (!parser.parse(*meta))
+        return fail(ReadFailures::damaged());
+    return std::move(parser.result);
+}
+
+QByteArray HeifItems::bytes(QIODevice &device, const HeifItem &item, qint64 offset, qint64 count) const
+{
+    QByteArray result;
+    for (const HeifItem::Extent &extent : item.extents) {
+        if (offset >= extent.length) {
+            offset -= extent.length;
+            continue;
+        }
+        const qint64 wanted = qMin(count - result.size(), extent.length - offset);
+        const qint64 at = extent.offset + offset;
+        if (item.isInDataBox)
+            result += dataBox.mid(qsizetype(qMin(at, qint64(dataBox.size()))), qsizetype(wanted));
+        else if (at < device.size() && device.seek(at))
+            result += device.read(wanted);
+        offset = 0;
+        if (result.size() >= count)
+            break;
+    }
+    return result;
+}
+
+QStringList HeifItems::furtherPictures() const
+{
+    QStringList names;
+    const auto add = [&names](const QString &name) {
+        if (!names.contains(name))
+            names.append(name);
+    };
+    for (const HeifItem &item : items) {
+        const QByteArray auxiliary = item.auxiliaryType.toLower();
+        if (item.type == "tmap" || auxiliary.contains("gainmap"))
+            add(QStringLiteral("gain map"));
+        else if (auxiliary.contains("depth") || auxiliary.contains("disparity") ||
+                 auxiliary.startsWith("urn:mpeg:hevc:2015:auxid:2"))
+            add(QStringLiteral("depth map"));
+        if (!item.thumbnails.isEmpty())
+            add(QStringLiteral("preview"));
+    }
+    names.sort();
+    return names;
+}
+
+} // namespace plexa
