@@ -2,6 +2,7 @@
 
 #include "cli/fieldarguments.h"
 
+#include "presets/savingformats.h"
 #include "watermark/wpresetfields.h"
 #include "watermark/wpresetvalues.h"
 
@@ -10,9 +11,6 @@ namespace plexa
 
 namespace
 {
-
-constexpr int kLowestQuality = 40;
-constexpr int kHighestQuality = 100;
 
 Result<QString> formatName(const FieldArgument &field, const QStringList &allowed)
 {
@@ -42,7 +40,7 @@ Result<void> applyField(WPresetValues &values, const std::string &argument)
     return setFieldFromText(values, field->name, field->text);
 }
 
-Result<void> applySavingField(SavingPreset &preset, const std::string &argument)
+Result<void> applySavingField(SavingPresetValues &preset, const std::string &argument)
 {
     const Result<FieldArgument> field = FieldArgument::parse(argument);
     if (!field)
@@ -50,10 +48,11 @@ Result<void> applySavingField(SavingPreset &preset, const std::string &argument)
     if (field->name == QLatin1String("jpegQuality")) {
         bool isNumber = false;
         const int quality = field->text.toInt(&isNumber);
-        if (!isNumber || quality < kLowestQuality || quality > kHighestQuality)
+        if (!isNumber || quality < SavingPresetValues::kLowestQuality ||
+            quality > SavingPresetValues::kHighestQuality)
             return fail(QStringLiteral("jpegQuality: a whole number from %1 to %2")
-                            .arg(kLowestQuality)
-                            .arg(kHighestQuality));
+                            .arg(SavingPresetValues::kLowestQuality)
+                            .arg(SavingPresetValues::kHighestQuality));
         preset.jpegQuality = quality;
         return {};
     }
@@ -63,10 +62,10 @@ Result<void> applySavingField(SavingPreset &preset, const std::string &argument)
         preset.tiffCompressionLZW = field->text == QLatin1String("true");
         return {};
     }
-    QStringList formats = SavingPreset::supportedFileFormats();
+    QStringList formats = savingFormatNames();
     if (field->name == QLatin1String("imageFormat"))
         return formatName(*field, formats).map([&](const QString &name) { preset.imageFormat = name; });
-    formats.removeLast(); // "Original" cannot stand for itself
+    formats.removeAll(originalFormatName()); // "Original" cannot stand for itself
     if (field->name == QLatin1String("alternativeImageFormat"))
         return formatName(*field, formats).map([&](const QString &name) {
             preset.alternativeImageFormat = name;

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/result.h"
-#include "presets/savingpreset.h"
+#include "presets/savingpresetvalues.h"
 
 #include <QString>
 
@@ -26,6 +26,6 @@ struct FieldArgument {
 [[nodiscard]] Result<void> applyField(WPresetValues &values, const std::string &argument);
 
 /// Sets a field of the saving preset.
-[[nodiscard]] Result<void> applySavingField(SavingPreset &preset, const std::string &argument);
+[[nodiscard]] Result<void> applySavingField(SavingPresetValues &preset, const std::string &argument);
 
 } // namespace plexa

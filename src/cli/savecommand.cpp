@@ -49,7 +49,7 @@ struct Item {
 /// What all copies of the run share.
 struct Run {
     AppliedPreset preset;
-    SavingPreset savingPreset;
+    SavingPresetValues savingPreset;
     std::vector<Item> items;
     int jobs = 1;
     bool keepsCreationDate = true;
@@ -98,9 +98,9 @@ Result<WPresetValues> quickPreset(const SaveOptions &options, const FontCatalog 
     return values;
 }
 
-Result<SavingPreset> runSavingPreset(const SaveOptions &options)
+Result<SavingPresetValues> runSavingPreset(const SaveOptions &options)
 {
-    SavingPreset preset;
+    SavingPresetValues preset;
     preset.imageFormat = QStringLiteral("Original");
     preset.jpegQuality = kQuality;
     for (const std::string &field : options.savingFields) {
@@ -118,7 +118,7 @@ Result<Run> planRun(const SaveOptions &options, const FontCatalog &fonts)
         return tl::unexpected(values.error());
     Run run;
     run.preset.values = std::move(*values);
-    Result<SavingPreset> savingPreset = runSavingPreset(options);
+    Result<SavingPresetValues> savingPreset = runSavingPreset(options);
     if (!savingPreset)
         return tl::unexpected(savingPreset.error());
     run.savingPreset = std::move(*savingPreset);

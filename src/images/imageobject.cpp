@@ -406,7 +406,7 @@ QList<QImage> ImageObject::generatePasteboardImages(const std::vector<AppliedPre
 
 Result<CopyReport> ImageObject::saveImageAtPath(const QString &destination,
                                                 const std::vector<AppliedPreset> &presets,
-                                                const SavingPreset &savingPreset,
+                                                const SavingPresetValues &savingPreset,
                                                 AtomicFile::IfExists ifExists, bool preservesCreationDate,
                                                 const CancelCheck &isCancelled)
 {

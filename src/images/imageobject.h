@@ -7,7 +7,7 @@
 #include "images/photoservices.h"
 #include "images/uprighting.h"
 #include "metadata/imagemetadata.h"
-#include "presets/savingpreset.h"
+#include "presets/savingpresetvalues.h"
 #include "watermark/texttokens.h"
 #include "watermark/wpreset.h"
 
@@ -127,7 +127,7 @@ public:
     /// Writes one copy with these presets drawn.
     [[nodiscard]] Result<CopyReport>
     saveImageAtPath(const QString &destination, const std::vector<AppliedPreset> &presets,
-                    const SavingPreset &savingPreset, AtomicFile::IfExists ifExists,
+                    const SavingPresetValues &savingPreset, AtomicFile::IfExists ifExists,
                     bool preservesCreationDate, const CancelCheck &isCancelled = {});
 
     // TokenSource

@@ -2,67 +2,247 @@
 
 #include "presets/savingpreset.h"
 
-#include "imageio/imageformat.h"
+#include "presets/savingformats.h"
+#include "presets/xmlnumbers.h"
 
-#include <QFileInfo>
+#include <limits>
+#include <utility>
 
 namespace plexa
 {
-
 namespace
 {
 
-const QString kOriginal = QStringLiteral("Original");
+const QString kRootElement = QStringLiteral("savingPresets");
+const QString kFileVersion = QStringLiteral("1.4");
+constexpr double kSupportedVersion = 1.4;
 
-// The formats that presets offer, in the order in which they are shown.
-const char *const kOfferedTypes[] = {"image/jpeg", "image/heic", "image/tiff",
-                                     "image/png",  "image/gif",  "image/bmp"};
+// A little below the versions that they stand for, which no binary fraction is equal to.
+constexpr double kWithTiffCompression = 1.099;
+constexpr double kWithCases = 1.299;
+constexpr double kWithFormatNames = 1.399;
 
-bool isOffered(const ImageFormat &format)
+// Greater IDs, which only a damaged file has, are not counted on from: there would soon be no next one.
+constexpr qint64 kHighestCountedID = std::numeric_limits<qint64>::max() / 2;
+
+void raiseTo(std::atomic<qint64> &highest, qint64 presetID)
 {
-    return format.canWrite && std::any_of(std::begin(kOfferedTypes), std::end(kOfferedTypes),
-                                          [&](const char *type) { return qstrcmp(type, format.type) == 0; });
+    qint64 current = highest;
+    while (presetID > current && presetID <= kHighestCountedID) {
+        if (highest.compare_exchange_weak(current, presetID))
+            return;
+    }
+}
+
+bool readText(const XMLParser::Element &element, QString &text)
+{
+    if (!element.text().isValidUtf8()) {
+        element.report("the text of the element \"" + element.name() + "\" is not UTF-8");
+        return false;
+    }
+    text = QString::fromUtf8(element.text());
+    return true;
+}
+
+bool readOptionalText(const XMLParser::Element &preset, const char *name, QString &text)
+{
+    const XMLParser::Element *element = preset.subelement(name);
+    return !element || readText(*element, text);
+}
+
+const XMLParser::Element *requiredElement(const XMLParser::Element &preset, const char *name)
+{
+    const XMLParser::Element *element = preset.subelement(name);
+    if (!element)
+        preset.report("the preset has no element \"" + QByteArray(name) + '"');
+    return element;
+}
+
+bool readTokens(const XMLParser::Element &filename, QStringList &tokens)
+{
+    tokens.clear();
+    for (qsizetype i = 0; i < filename.subelementCount(); ++i) {
+        QString token;
+        if (!readText(*filename.subelement(i), token))
+            return false;
+        tokens.append(token);
+    }
+    return true;
+}
+
+/// Older files number the formats.
+bool readFormatNumber(const XMLParser::Element &preset, const char *name, QString &format)
+{
+    const XMLParser::Element *element = requiredElement(preset, name);
+    if (!element)
+        return false;
+    const QStringList formats = savingFormatNames();
+    const qint64 number = leadingInteger(element->text());
+    if (number < 0 || number >= formats.size()) {
+        preset.report("there is no format number " + QByteArray::number(number));
+        return false;
+    }
+    format = formats.at(number);
+    return true;
+}
+
+bool readFormats(const XMLParser::Element &preset, double fileVersion, SavingPresetValues &values)
+{
+    if (fileVersion > kWithFormatNames)
+        return readOptionalText(preset, "format", values.imageFormat) &&
+               readOptionalText(preset, "alternativeFormat", values.alternativeImageFormat);
+    return readFormatNumber(preset, "format", values.imageFormat) &&
+           readFormatNumber(preset, "alternativeFormat", values.alternativeImageFormat);
+}
+
+bool readQuality(const XMLParser::Element &preset, int &quality)
+{
+    const XMLParser::Element *element = requiredElement(preset, "quality");
+    if (!element)
+        return false;
+    constexpr double lowest = std::numeric_limits<int>::min();
+    constexpr double highest = std::numeric_limits<int>::max();
+    quality = static_cast<int>(std::clamp(leadingDecimal(element->text()), lowest, highest));
+    return true;
+}
+
+bool readTiffCompression(const XMLParser::Element &preset, bool &isOn)
+{
+    const XMLParser::Element *element = requiredElement(preset, "tiffCompressionLZW");
+    if (!element)
+        return false;
+    // Only a zero that ends its line counts as off. Files with a bare zero, as they are written, have always
+    // been read as on.
+    isOn = !element->text().startsWith("0\n");
+    return true;
+}
+
+bool readValues(const XMLParser::Element &preset, double fileVersion, SavingPresetValues &values)
+{
+    const XMLParser::Element *name = requiredElement(preset, "name");
+    if (!name || !readText(*name, values.name))
+        return false;
+    const XMLParser::Element *filename = requiredElement(preset, "filename");
+    if (!filename || !readTokens(*filename, values.filenameTokens))
+        return false;
+    if (fileVersion > kWithCases &&
+        !(readOptionalText(preset, "fileExtensionCase", values.fileExtensionCase) &&
+          readOptionalText(preset, "fileBaseNameCase", values.fileBaseNameCase)))
+        return false;
+    if (!readFormats(preset, fileVersion, values) || !readQuality(preset, values.jpegQuality))
+        return false;
+    return fileVersion <= kWithTiffCompression || readTiffCompression(preset, values.tiffCompressionLZW);
 }
 
 } // namespace
 
-QString SavingPreset::imageFormatUTI(const QString &sourcePath) const
+std::atomic<qint64> SavingPreset::s_lastUsedPresetID = 0;
+
+SavingPreset::SavingPreset(SavingPresetValues values)
+    : m_values(std::move(values))
 {
-    if (imageFormat != kOriginal)
-        return utiForFileExtension(imageFormat);
-    const QString own = utiForFileExtension(QFileInfo(sourcePath).suffix());
-    return own.isEmpty() ? utiForFileExtension(alternativeImageFormat) : own;
+    selfAssignNewID();
 }
 
-QStringList SavingPreset::filenameExtensions(const QString &sourcePath) const
+std::unique_ptr<SavingPreset> SavingPreset::initWithoutNewID()
 {
-    const ImageFormat *format = imageFormatOfType(imageFormatUTI(sourcePath));
-    return format ? format->suffixes : QStringList();
+    return std::unique_ptr<SavingPreset>(new SavingPreset(WithoutID()));
+}
+
+std::unique_ptr<SavingPreset> SavingPreset::copy() const
+{
+    return std::make_unique<SavingPreset>(m_values);
+}
+
+void SavingPreset::selfAssignNewID()
+{
+    m_presetID = ++s_lastUsedPresetID;
+}
+
+void SavingPreset::setValues(const SavingPresetValues &values)
+{
+    // Observers may change the preset while it is being set.
+    const SavingPresetValues wanted = values;
+#define PLEXA_SET_FIELD(name, Name, Type, initial) set##Name(wanted.name);
+    PLEXA_SAVINGPRESET_FIELDS(PLEXA_SET_FIELD)
+#undef PLEXA_SET_FIELD
+}
+
+void SavingPreset::announce(SavingField field)
+{
+    Q_EMIT fieldChanged(field);
+    if (field != SavingField::ImageFormat && field != SavingField::AlternativeImageFormat)
+        return;
+    Q_EMIT hideJPEGQualityChanged();
+    Q_EMIT hideTiffCompressionChanged();
+    if (field == SavingField::ImageFormat)
+        Q_EMIT hideAlternativeFormatChanged();
 }
 
 QStringList SavingPreset::supportedFileFormats()
 {
-    QStringList names;
-    for (const char *type : kOfferedTypes) {
-        const ImageFormat *format = imageFormatOfType(QLatin1String(type));
-        if (format && format->canWrite)
-            names.append(QLatin1String(format->name));
-    }
-    names.append(kOriginal);
+    return savingFormatNames();
+}
+
+QStringList SavingPreset::supportedFileFormatsWithoutOriginal()
+{
+    QStringList names = savingFormatNames();
+    names.removeAll(originalFormatName());
     return names;
 }
 
 QString SavingPreset::utiForFileExtension(const QString &extension)
 {
-    // A format's name in lower case is one of its suffixes.
-    const ImageFormat *format = imageFormatOfSuffix(extension);
-    return format && isOffered(*format) ? QLatin1String(format->type) : QString();
+    return savingTypeForExtension(extension);
 }
 
 bool SavingPreset::supportedUTI(const QString &type)
 {
-    const ImageFormat *format = imageFormatOfType(type);
-    return format && isOffered(*format);
+    return isSavingType(type);
+}
+
+void SavingPreset::appendObjectToXML(QString &xml) const
+{
+    xml += QStringLiteral("\n  <preset>\n    <id>%1</id>\n    <name>%2</name>\n    <filename>")
+               .arg(QString::number(m_presetID), replaceXmlSpecialChars(name()));
+    for (const QString &token : filenameTokens())
+        xml += QStringLiteral("\n      <token>%1</token>").arg(token);
+    xml += QStringLiteral("\n    </filename>\n    <fileBaseNameCase>%1</fileBaseNameCase>"
+                          "\n    <fileExtensionCase>%2</fileExtensionCase>\n    <format>%3</format>"
+                          "\n    <alternativeFormat>%4</alternativeFormat>\n    <quality>%5</quality>"
+                          "\n    <tiffCompressionLZW>%6</tiffCompressionLZW>\n  </preset>")
+               .arg(fileBaseNameCase(), fileExtensionCase(), imageFormat(), alternativeImageFormat(),
+                    QString::number(jpegQuality()), QString::number(tiffCompressionLZW() ? 1 : 0));
+}
+
+std::shared_ptr<SavingPreset> SavingPreset::initWithXMLData(const XMLParser::Element &element,
+                                                            double fileVersion)
+{
+    std::shared_ptr<SavingPreset> preset = initWithoutNewID();
+    const XMLParser::Element *id = requiredElement(element, "id");
+    if (!id)
+        return nullptr;
+    preset->m_presetID = leadingInteger(id->text());
+    raiseTo(s_lastUsedPresetID, preset->m_presetID);
+    return readValues(element, fileVersion, preset->m_values) ? preset : nullptr;
+}
+
+std::optional<std::vector<std::shared_ptr<SavingPreset>>>
+SavingPreset::readObjectsFromFile(const QString &path, const QString &appID, ReadCode &returnCode,
+                                  const XMLParser::ErrorSink &errors)
+{
+    return XMLFile::readObjectsFromFile<SavingPreset>(path, appID, kRootElement, kSupportedVersion,
+                                                      returnCode, errors);
+}
+
+Result<void> SavingPreset::writeObjects(const std::vector<std::shared_ptr<SavingPreset>> &presets,
+                                        const QString &path, const QString &appID)
+{
+    std::vector<const XMLFile *> objects;
+    objects.reserve(presets.size());
+    for (const auto &preset : presets)
+        objects.push_back(preset.get());
+    return XMLFile::writeObjects(objects, path, appID, kRootElement, kFileVersion);
 }
 
 } // namespace plexa

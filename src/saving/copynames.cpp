@@ -17,7 +17,7 @@ constexpr int kHighestNumber = 9999;
 
 } // namespace
 
-CopyNames::CopyNames(const QString &folder, const SavingPreset &savingPreset)
+CopyNames::CopyNames(const QString &folder, const SavingPresetValues &savingPreset)
     : m_folder(folder)
     , m_savingPreset(savingPreset)
 {

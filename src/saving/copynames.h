@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "presets/savingpreset.h"
+#include "presets/savingpresetvalues.h"
 
 #include <QSet>
 #include <QString>
@@ -16,7 +16,7 @@ class CopyNames final
 {
 public:
     /// @param folder  where the copies go
-    CopyNames(const QString &folder, const SavingPreset &savingPreset);
+    CopyNames(const QString &folder, const SavingPresetValues &savingPreset);
 
     /// The path for the copy of a source: its name, with the suffix of the format that is written where its
     /// own does not fit; where that name is taken, "NAME-1.jpg", "NAME-2.jpg" and so on up to 9999.
@@ -27,7 +27,7 @@ private:
     bool isFree(const QString &path) const;
 
     QString m_folder;
-    SavingPreset m_savingPreset;
+    SavingPresetValues m_savingPreset;
     QSet<QString> m_given;
 };
 

@@ -54,7 +54,7 @@ AppliedPreset textPreset(const FontCatalog &fonts, const QString &text)
 
 bool saves(ImageObject &photo, const QString &target, const std::vector<AppliedPreset> &presets)
 {
-    SavingPreset png;
+    SavingPresetValues png;
     png.imageFormat = QStringLiteral("PNG");
     const auto saved = photo.saveImageAtPath(target, presets, png, AtomicFile::IfExists::Fail, true);
     if (!saved)
@@ -268,7 +268,7 @@ void ImageObjectTest::failedSaveLeavesNothing()
     Services services(kLargeCache);
     ImageObject photo(writtenPattern({900, 900}), services.all);
     int strips = 0;
-    SavingPreset png;
+    SavingPresetValues png;
     png.imageFormat = QStringLiteral("PNG");
     const auto saved = photo.saveImageAtPath(
         m_folder->path(folder + QStringLiteral("copy.png")),

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "presets/xmlfile.h"
+
+#include "platform/atomicfile.h"
+#include "presets/xmlnumbers.h"
+
+#include <QDebug>
+
+namespace plexa
+{
+namespace
+{
+
+// The name by which the first major version marked its files.
+const QString kFirstVersionAppID = QStringLiteral("Quorvel Plexa 1");
+
+void logAbstractCall(const char *function)
+{
+    qCritical().noquote() << QStringLiteral(
+                                 "ERROR:  The abstract method XMLFile::%1 has been called directly!")
+                                 .arg(QLatin1StringView(function));
+}
+
+bool isHeader(const XMLParser::Element *header)
+{
+    return header && header->attributeCount() == 2 && header->attributeValue("version") == "1.0" &&
+           header->attributeValue("encoding") == "UTF-8";
+}
+
+bool isRoot(const XMLParser::Element *root, const QString &appID, const QString &name)
+{
+    if (!root || root->name() != name.toUtf8() || root->attributeCount() != 2)
+        return false;
+    const std::optional<QByteArray> application = root->attributeValue("application");
+    return application && (*application == appID.toUtf8() || *application == kFirstVersionAppID.toUtf8());
+}
+
+} // namespace
+
+void XMLFile::appendObjectToXML([[maybe_unused]] QString &xml) const
+{
+    logAbstractCall("appendObjectToXML");
+}
+
+std::shared_ptr<XMLFile> XMLFile::initWithXMLData([[maybe_unused]] const XMLParser::Element &element,
+                                                  [[maybe_unused]] double fileVersion)
+{
+    logAbstractCall("initWithXMLData");
+    return nullptr;
+}
+
+std::optional<std::vector<std::shared_ptr<XMLFile>>>
+XMLFile::readObjectsFromFile([[maybe_unused]] const QString &path, [[maybe_unused]] const QString &appID,
+                             ReadCode &returnCode)
+{
+    logAbstractCall("readObjectsFromFile");
+    returnCode = ReadCode::Failed;
+    return std::nullopt;
+}
+
+Result<void> XMLFile::writeObjects([[maybe_unused]] const std::vector<std::shared_ptr<XMLFile>> &objects,
+                                   [[maybe_unused]] const QString &path,
+                                   [[maybe_unused]] const QString &appID)
+{
+    logAbstractCall("writeObjects");
+    return fail(QStringLiteral("these objects have no file"));
+}
+
+Result<void> XMLFile::writeObjects(std::span<const XMLFile *const> objects, const QString &path,
+                                   const QString &appID, const QString &rootXMLElement,
+                                   const QString &supportedVersion)
+{
+    QString xml = QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                 "<%1 application=\"%2\" fileVersion=\"%3\">")
+                      .arg(rootXMLElement, appID, supportedVersion);
+    for (const XMLFile *object : objects)
+        object->appendObjectToXML(xml);
+    xml += QStringLiteral("\n</%1>\n").arg(rootXMLElement);
+
+    AtomicFile file(path, AtomicFile::IfExists::Replace, AtomicFile::Durability::Synced);
+    if (Result<void> opened = file.open(); !opened)
+        return opened;
+    file.device().write(xml.toUtf8()); // a failure comes out of commit()
+    return file.commit();
+}
+
+QString XMLFile::replaceXmlSpecialChars(const QString &text)
+{
+    QString replaced = text;
+    replaced.replace(QLatin1Char('&'), QLatin1StringView("&amp;"));
+    replaced.replace(QLatin1Char('<'), QLatin1StringView("&lt;"));
+    replaced.replace(QLatin1Char('>'), QLatin1StringView("&gt;"));
+    return replaced;
+}
+
+bool XMLFile::readFile(const QString &path, const QString &appID, const QString &rootXMLElement,
+                       const KeepObject &keepObject, const XMLParser::ErrorSink &errors)
+{
+    XMLParser parser(errors);
+    if (!parser.loadAndParseFile(path))
+        return false;
+    if (!isHeader(parser.header())) {
+        parser.report("the XML header is not the one of preset files in \"" + path.toUtf8() + '"');
+        return false;
+    }
+    if (!isRoot(parser.root(), appID, rootXMLElement)) {
+        parser.report('"' + path.toUtf8() + "\" has not the root element \"" + rootXMLElement.toUtf8() +
+                      "\" of the application \"" + appID.toUtf8() + '"');
+        return false;
+    }
+    const XMLParser::Element &root = *parser.root();
+    const double fileVersion = leadingDecimal(root.attributeValue("fileVersion").value_or(QByteArray()));
+    for (qsizetype i = 0; i < root.subelementCount(); ++i) {
+        if (!keepObject(*root.subelement(i), fileVersion)) {
+            parser.report("number " + QByteArray::number(i + 1) + " of the presets in \"" + path.toUtf8() +
+                          "\" cannot be read");
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace plexa

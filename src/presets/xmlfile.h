@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "platform/result.h"
+#include "presets/xmlparser.h"
+
+#include <QString>
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace plexa
+{
+
+/// What became of the reading of a preset file.
+enum class ReadCode : qint32 {
+    Failed = -1,
+    LaterVersion = 0, ///< the file belongs to a later version of the program; never given by XMLFile
+    Success = 1,
+};
+
+/// The base of objects that are stored as a list in one of the program's XML files. It has the file's
+/// envelope: an XML header, and a root element that names the program and the file's version. A subclass
+/// writes itself with appendObjectToXML() and is made from an element by a static function of its own,
+///
+///     static std::shared_ptr<T> initWithXMLData(const XMLParser::Element &element, double fileVersion);
+///
+/// which returns null when the element is not what it must be. It offers readObjectsFromFile() and
+/// writeObjects() without root element and version, made of the ones here.
+class XMLFile
+{
+public:
+    virtual ~XMLFile() = default;
+
+    /// Appends the object's element, which begins with a line end.
+    virtual void appendObjectToXML(QString &xml) const;
+
+    /// What every subclass has to have a version of. These log that they were called, and fail.
+    static std::shared_ptr<XMLFile> initWithXMLData(const XMLParser::Element &element, double fileVersion);
+    static std::optional<std::vector<std::shared_ptr<XMLFile>>>
+    readObjectsFromFile(const QString &path, const QString &appID, ReadCode &returnCode);
+    static Result<void> writeObjects(const std::vector<std::shared_ptr<XMLFile>> &objects,
+                                     const QString &path, const QString &appID);
+
+    /// Reads a file whole: all of its objects, or none of them.
+    /// @param appID             the program that the file must belong to; the files of the first major
+    /// version,
+    ///                          which named themselves otherwise, are read as well
+    /// @param rootXMLElement    the name that the root element must have
+    /// @param supportedVersion  today's version of the file; later ones are read as far as they are
+    /// understood
+    /// @param errors            takes the error lines, also those on what this function finds
+    /// @return none, with ReadCode::Failed, when anything is wrong with the file
+    template<class T>
+    static std::optional<std::vector<std::shared_ptr<T>>>
+    readObjectsFromFile(const QString &path, const QString &appID, const QString &rootXMLElement,
+                        double supportedVersion, ReadCode &returnCode,
+                        const XMLParser::ErrorSink &errors = XMLParser::writeErrorLine);
+
+    /// Writes a file whole or not at all.
+    /// @param supportedVersion  the file's version, as it is written
+    [[nodiscard]] static Result<void> writeObjects(std::span<const XMLFile *const> objects,
+                                                   const QString &path, const QString &appID,
+                                                   const QString &rootXMLElement,
+                                                   const QString &supportedVersion);
+
+    /// The text as an element's text: "&", "<" and ">" become references. Quotes stay, so it is no attribute.
+    static QString replaceXmlSpecialChars(const QString &text);
+
+protected:
+    XMLFile() = default;
+    XMLFile(const XMLFile &) = default;
+    XMLFile &operator=(const XMLFile &) = default;
+
+private:
+    /// Makes an object of an element and keeps it; false when the element is not right.
+    using KeepObject = std::function<bool(const XMLParser::Element &element, double fileVersion)>;
+
+    static bool readFile(const QString &path, const QString &appID, const QString &rootXMLElement,
+                         const KeepObject &keepObject, const XMLParser::ErrorSink &errors);
+};
+
+template<class T>
+std::optional<std::vector<std::shared_ptr<T>>>
+XMLFile::readObjectsFromFile(const QString &path, const QString &appID, const QString &rootXMLElement,
+                             [[maybe_unused]] double supportedVersion, ReadCode &returnCode,
+                             const XMLParser::ErrorSink &errors)
+{
+    std::vector<std::shared_ptr<T>> objects;
+    const auto keep = [&objects](const XMLParser::Element &element, double fileVersion) {
+        std::shared_ptr<T> object = T::initWithXMLData(element, fileVersion);
+        if (!object)
+            return false;
+        objects.push_back(std::move(object));
+        return true;
+    };
+    const bool isRead = readFile(path, appID, rootXMLElement, keep, errors);
+    returnCode = isRead ? ReadCode::Success : ReadCode::Failed;
+    if (!isRead)
+        return std::nullopt;
+    return objects;
+}
+
+} // namespace plexa
