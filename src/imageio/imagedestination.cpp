@@ -107,7 +107,8 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
     const QVariantMap &properties = request.properties;
     WriteOptions options = pictureOptions(request);
     const auto metadata = request.source ? request.source->metadata() : EmbeddedMetadata::none();
-    const EmbeddedMetadata::CopyFacts facts = {format.size, metadata->hasThumbnail() ? kThumbnailBytes : 0,
+    const bool hasThumbnail = metadata->hasThumbnail() && target->codec->holdsThumbnail();
+    const EmbeddedMetadata::CopyFacts facts = {format.size, hasThumbnail ? kThumbnailBytes : 0,
                                                target->codec->maxExifBytes()};
     const EmbeddedMetadata::Encoded encoded = metadata->encodeForCopy(properties, facts);
     if (request.omitted)

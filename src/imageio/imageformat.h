@@ -107,6 +107,9 @@ public:
     /// The longest EXIF structure that openWriter() takes.
     virtual qsizetype maxExifBytes() const { return 16 * 1024 * 1024; }
 
+    /// Does a written file hold an EXIF thumbnail?
+    virtual bool holdsThumbnail() const { return true; }
+
     /// The size of the rows that openReader() gives for a picture of `size` pixels.
     virtual QSize reducedSize(QSize size, int reduction) const
     {
