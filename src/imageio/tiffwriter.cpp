@@ -28,7 +28,6 @@ constexpr qint64 kMaxFileBytes = 0xFFFF'FFFF;
 
 constexpr qsizetype kHeaderBytes = 8;
 constexpr quint16 kByte = 1;
-constexpr quint16 kLong = 4;
 constexpr quint16 kUndefined = 7;
 
 constexpr bool kIsLittleEndian = Q_BYTE_ORDER == Q_LITTLE_ENDIAN;
@@ -314,21 +313,18 @@ private:
         const QByteArray structure = m_structure.bytes();
         if (!structure.isEmpty() && m_output.append(structure) != kHeaderBytes)
             return false;
-        // Readers take IPTC for numbers of four bytes, and it is written so since the first programs did. The
-        // bytes stay in their order.
-        QByteArray iptc = options.iptc;
-        iptc.append((4 - iptc.size() % 4) % 4, '\0');
+        // Many programs write IPTC as numbers of four bytes; then some readers turn them around.
         return putBlock(TIFFTAG_XMLPACKET, kByte, options.xmp) &&
-               putBlock(TIFFTAG_RICHTIFFIPTC, kLong, iptc) &&
+               putBlock(TIFFTAG_RICHTIFFIPTC, kUndefined, options.iptc) &&
                putBlock(TIFFTAG_ICCPROFILE, kUndefined, srgbProfile());
     }
 
     bool putBlock(quint16 tag, quint16 type, const QByteArray &bytes)
     {
-        if (bytes.isEmpty())
+        if (bytes.size() <= 4) // too few for what any of them holds
             return true;
         const qint64 at = m_output.append(bytes);
-        TiffField field{type, quint32(bytes.size() / (type == kLong ? 4 : 1)), QByteArray(4, '\0')};
+        TiffField field{type, quint32(bytes.size()), QByteArray(4, '\0')};
         putTiffNumber(field.value.data(), quint32(at), 4, m_structure.order());
         m_blocks.insert(tag, field);
         return at > 0 && at + bytes.size() <= kMaxFileBytes;
