@@ -25,8 +25,8 @@ struct TiffFacts {
 
     QSize size;
     Kind kind = Kind::Gray;
-    int depth = 8;        ///< bits a sample
-    bool isFloat = false; ///< of 32 bits
+    int depth = 8; ///< bits a sample
+    bool isFloat = false;
     int channels = 1;     ///< of the colour, which come first
     int samples = 1;      ///< of a pixel
     int alphaSample = -1; ///< -1: none
@@ -77,6 +77,7 @@ private:
     bool isCameraRaw();
     Result<void> readLayout();
     bool readKind();
+    bool isReadableSample() const;
     void readExtraSamples();
     void readResolution();
 
