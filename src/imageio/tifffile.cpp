@@ -21,6 +21,9 @@ constexpr int kMaxPictures = 10'000;
 /// Profiles of printers have a few megabytes.
 constexpr quint32 kMaxProfileBytes = 32'000'000;
 
+/// Samples of a pixel, of which a photo and its masks need a few: more would only cost time.
+constexpr int kMaxSamples = 64;
+
 /// Of DNG: raw samples that are demosaiced already.
 constexpr quint16 kLinearRaw = 34892;
 
@@ -103,11 +106,14 @@ int TiffFile::onError(TIFF *, void *self, const char *, const char *, va_list)
     return 1;
 }
 
-int TiffFile::onWarning(TIFF *, void *self, const char *module, const char *, va_list)
+int TiffFile::onWarning(TIFF *, void *self, const char *module, const char *format, va_list)
 {
-    // libjpeg only warns of damaged data and makes up what is missing.
+    auto *file = static_cast<TiffFile *>(self);
+    // libjpeg only warns of damaged data and makes up what is missing, and so do the fax decoders.
     if (qstrcmp(module, "JPEGLib") == 0)
-        static_cast<TiffFile *>(self)->m_isDamaged = true;
+        file->m_isDamaged = true;
+    else if (qstrncmp(format, "Premature EOF", 13) == 0)
+        file->m_isDamaged = file->m_reachedEnd = true;
     return 1;
 }
 
@@ -244,7 +250,7 @@ bool TiffFile::readKind()
     }
     facts.channels = channelsOf(facts.kind);
     readExtraSamples();
-    return facts.samples >= facts.channels && isReadableSample();
+    return facts.samples >= facts.channels && facts.samples <= kMaxSamples && isReadableSample();
 }
 
 bool TiffFile::isReadableSample() const

@@ -72,7 +72,7 @@ private:
     static tmsize_t read(thandle_t handle, void *bytes, tmsize_t count);
     static toff_t seek(thandle_t handle, toff_t offset, int whence);
     static int onError(TIFF *, void *self, const char *, const char *, va_list);
-    static int onWarning(TIFF *, void *self, const char *module, const char *, va_list);
+    static int onWarning(TIFF *, void *self, const char *module, const char *format, va_list);
 
     bool isCameraRaw();
     Result<void> readLayout();

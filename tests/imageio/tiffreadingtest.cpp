@@ -318,6 +318,9 @@ void TiffReadingTest::directoriesOfTiffAreBounded_data()
         << tiffOf(tiffFields({4, 3}, 1, 1, 5, 0xfffffff0), data) << false;
     QTest::newRow("too many pixels") << tiffOf(tiffFields({2'000'000'000, 2'000'000'000}, 1, 1, 5, 12), data)
                                      << false;
+    auto fax = tiffFields({3'000, 3'000}, 1, 20'000, 4, 12);
+    fax[2].second = 1;
+    QTest::newRow("many samples of a bit") << tiffOf(fax, data) << false;
     QTest::newRow("many samples") << tiffOf(tiffFields({30'000, 30'000}, 1, 65535, 5, 12), data) << false;
     auto tiles = tiffFields({4, 3}, 1, 1, 5, 12);
     tiles[5] = {322, 0x40000000};
@@ -351,6 +354,7 @@ void TiffReadingTest::cutTiffDataFail_data()
     QTest::newRow("deflate") << u"Zip"_qs << 8u;
     QTest::newRow("PackBits") << u"RLE"_qs << 32773u;
     QTest::newRow("JPEG") << u"JPEG"_qs << 7u;
+    QTest::newRow("fax") << u"Group4"_qs << 4u;
 }
 
 /// The data of a strip end early, and the file with them or not.
@@ -364,9 +368,12 @@ void TiffReadingTest::cutTiffDataFail()
     const QString origin = m_folder.path(u"origin.png"_qs);
     const QString path = m_folder.path(u"strip.tif"_qs);
     QVERIFY(noisyPicture(size, QImage::Format_RGB32).save(origin));
+    const QStringList kind = number == 4 ? QStringList{u"-monochrome"_qs}
+                                         : QStringList{u"-colorspace"_qs, u"Gray"_qs, u"-depth"_qs, u"8"_qs};
     outputOf(magickConvert(),
-             {origin, u"-colorspace"_qs, u"Gray"_qs, u"-depth"_qs, u"8"_qs, u"-compress"_qs, compression,
-              u"-define"_qs, u"tiff:predictor=1"_qs, u"-define"_qs, u"tiff:rows-per-strip=48"_qs, path});
+             QStringList{origin} + kind +
+                 QStringList{u"-compress"_qs, compression, u"-define"_qs, u"tiff:predictor=1"_qs,
+                             u"-define"_qs, u"tiff:rows-per-strip=48"_qs, path});
     const qsizetype start = exiftoolValue(path, u"StripOffsets"_qs).toLongLong();
     const qsizetype bytes = exiftoolValue(path, u"StripByteCounts"_qs).toLongLong();
     QByteArray data = contentsOf(path).mid(start, bytes);
@@ -375,7 +382,11 @@ void TiffReadingTest::cutTiffDataFail()
         data = contentsOf(m_folder.path(u"strip.jpg"_qs));
     }
     QVERIFY(data.size() > 100);
-    const auto fields = [&](qsizetype count) { return tiffFields(size, 1, 1, number, quint32(count)); };
+    const auto fields = [&](qsizetype count) {
+        auto list = tiffFields(size, 1, 1, number, quint32(count));
+        list[2].second = number == 4 ? 1 : 8;
+        return list;
+    };
     QVERIFY(putFile(path, tiffOf(fields(data.size()), data)));
     QVERIFY(!decoded(path).isNull());
     for (qsizetype length = 1; length < data.size() - 8; length += 1 + data.size() / 60) {
