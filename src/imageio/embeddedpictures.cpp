@@ -42,11 +42,6 @@ constexpr std::array kStructureTags = {
     0x935C,                         // Photoshop layers
 };
 
-bool isStructureTag(uint16_t tag)
-{
-    return std::find(kStructureTags.begin(), kStructureTags.end(), tag) != kStructureTags.end();
-}
-
 bool isDngTag(uint16_t tag)
 {
     const bool isOfCamera = tag == 0xC614 || tag == 0xC62F || tag == 0xC630; // model, serial number, lens
@@ -164,6 +159,11 @@ bool isOfKeptGroup(const std::string &group)
 
 } // namespace
 
+bool isPictureStructureTag(uint16_t tag)
+{
+    return std::find(kStructureTags.begin(), kStructureTags.end(), tag) != kStructureTags.end();
+}
+
 bool holdsPictureStart(const char *data, size_t size)
 {
     const std::string_view bytes(data, size);
@@ -181,7 +181,7 @@ void erasePicturesFromExif(Exiv2::ExifData &exif)
     const bool isRaw = exif.findKey(Exiv2::ExifKey("Exif.Image.DNGVersion")) != exif.end();
     eraseMetadataIf(exif, [isRaw](const Exiv2::Exifdatum &datum) {
         const std::string group = datum.groupName();
-        if (group == "Image" && (isStructureTag(datum.tag()) || (isRaw && isDngTag(datum.tag()))))
+        if (group == "Image" && (isPictureStructureTag(datum.tag()) || (isRaw && isDngTag(datum.tag()))))
             return true;
         return !isOfKeptGroup(group) || isPreviewTag(datum);
     });

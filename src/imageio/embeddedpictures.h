@@ -9,6 +9,10 @@
 namespace plexa
 {
 
+/// Does a field of this tag in a TIFF's directory say how and where the file keeps its pixels, or does it
+/// hold other data of the file (XMP, IPTC, Photoshop resources, a profile)?
+bool isPictureStructureTag(uint16_t tag);
+
 /// Removes from EXIF every picture that shows the photo: the thumbnail directory, previews in maker notes,
 /// further directories of raw and TIFF files with the tags that say where their pixels lie, and any field
 /// whose data hold the start of a JPEG or PNG, or begin like another picture file.

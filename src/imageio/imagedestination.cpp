@@ -107,7 +107,7 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
     const QVariantMap &properties = request.properties;
     WriteOptions options = pictureOptions(request);
     const auto metadata = request.source ? request.source->metadata() : EmbeddedMetadata::none();
-    const bool hasThumbnail = metadata->hasThumbnail() && target->codec->writesExifThumbnail();
+    const bool hasThumbnail = metadata->hasThumbnail() && target->codec->holdsThumbnail();
     const EmbeddedMetadata::CopyFacts facts = {format.size, hasThumbnail ? kThumbnailBytes : 0,
                                                target->codec->maxExifBytes(), target->codec->writesIptc()};
     const EmbeddedMetadata::Encoded encoded = metadata->encodeForCopy(properties, facts);

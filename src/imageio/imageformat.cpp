@@ -101,7 +101,7 @@ QList<ImageFormat> makeFormats()
     QList<ImageFormat> formats = {
         {"image/jpeg", "JPEG", {u"jpg"_qs, u"jpeg"_qs, u"jpe"_qs, u"jfif"_qs}, isJpeg, &jpeg, true, false},
         {"image/png", "PNG", {u"png"_qs}, isPng, &png, true, true},
-        {"image/tiff", "TIFF", {u"tif"_qs, u"tiff"_qs}, isTiff, &tiff, false, false},
+        {"image/tiff", "TIFF", {u"tif"_qs, u"tiff"_qs}, isTiff, &tiff, true, true},
         {"image/heic",
          "HEIC",
          {u"heic"_qs, u"heif"_qs, u"hif"_qs},

@@ -113,7 +113,7 @@ public:
     virtual bool writesIptc() const { return true; }
 
     /// Does a written file keep a thumbnail in its EXIF (WriteOptions::thumbnailPlaceholder)?
-    virtual bool writesExifThumbnail() const { return true; }
+    virtual bool holdsThumbnail() const { return true; }
 
     /// The size of the rows that openReader() gives for a picture of `size` pixels.
     virtual QSize reducedSize(QSize size, int reduction) const

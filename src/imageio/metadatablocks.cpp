@@ -19,28 +19,6 @@ using namespace Qt::Literals::StringLiterals;
 constexpr int kMaxBlocks = 20'000;     // segments or chunks that are looked at before giving up
 constexpr int kMaxStrayBytes = 65'536; // between two segments
 
-/// The IIM records inside Photoshop image resources; empty when there are none.
-QByteArray iptcOfImageResources(const QByteArray &resources)
-{
-    QByteArray iptc;
-    qsizetype at = 0;
-    while (at + 12 <= resources.size() && resources.mid(at, 4) == "8BIM") {
-        const auto id = qFromBigEndian<quint16>(resources.constData() + at + 4);
-        const qsizetype nameBytes = static_cast<uchar>(resources[at + 6]) + 1;
-        at += 6 + nameBytes + nameBytes % 2;
-        if (at + 4 > resources.size())
-            break;
-        const qsizetype size = qFromBigEndian<quint32>(resources.constData() + at);
-        at += 4;
-        if (size > resources.size() - at)
-            break;
-        if (id == 0x0404)
-            iptc += resources.mid(at, size);
-        at += size + size % 2;
-    }
-    return iptc;
-}
-
 void takeFirst(QByteArray &block, const QByteArray &candidate)
 {
     if (block.isEmpty() && candidate.size() <= kMaxMetadataBytes)
@@ -224,6 +202,27 @@ MetadataBlocks readWebpBlocks(QIODevice &device)
 }
 
 } // namespace
+
+QByteArray iptcOfImageResources(const QByteArray &resources)
+{
+    QByteArray iptc;
+    qsizetype at = 0;
+    while (at + 12 <= resources.size() && resources.mid(at, 4) == "8BIM") {
+        const auto id = qFromBigEndian<quint16>(resources.constData() + at + 4);
+        const qsizetype nameBytes = static_cast<uchar>(resources[at + 6]) + 1;
+        at += 6 + nameBytes + nameBytes % 2;
+        if (at + 4 > resources.size())
+            break;
+        const qsizetype size = qFromBigEndian<quint32>(resources.constData() + at);
+        at += 4;
+        if (size > resources.size() - at)
+            break;
+        if (id == 0x0404)
+            iptc += resources.mid(at, size);
+        at += size + size % 2;
+    }
+    return iptc;
+}
 
 std::optional<MetadataBlocks> readMetadataBlocks(QIODevice &device)
 {

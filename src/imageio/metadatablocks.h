@@ -25,6 +25,9 @@ struct MetadataBlocks {
 /// No block is taken that is larger: the largest that cameras and editors write stay far below.
 inline constexpr qsizetype kMaxMetadataBytes = 16 * 1024 * 1024;
 
+/// The IIM records inside Photoshop image resources; empty when there are none.
+QByteArray iptcOfImageResources(const QByteArray &resources);
+
 /// Collects the blocks of a JPEG, PNG, WebP or HEIF file without touching its pixels. Damaged blocks are left out.
 /// @param device  open for reading, random access, at any position
 /// @return none when the contents are of another format

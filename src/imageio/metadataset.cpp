@@ -4,6 +4,7 @@
 
 #include "imageio/exiv2setup.h"
 #include "imageio/metadatablocks.h"
+#include "imageio/tiffmetadata.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -11,6 +12,7 @@
 #include <memory>
 #include <set>
 #include <string_view>
+#include <utility>
 
 namespace plexa
 {
@@ -204,6 +206,12 @@ MetadataSet readMetadataSet(const QString &path)
     } catch (const std::exception &) {
         // What was taken over before the failure is whole.
     }
+    // The records as they lie in the file are kept as they are where nothing changes.
+    const QByteArray iptc = iptcOfTiff(file);
+    const Exiv2::IptcData ofLibrary = std::exchange(set.iptc, {});
+    decodeIptc(set, iptc);
+    if (set.iptc.empty())
+        set.iptc = ofLibrary;
     return set;
 }
 

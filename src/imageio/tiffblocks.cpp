@@ -2,7 +2,8 @@
 
 #include "imageio/tiffblocks.h"
 
-#include <cstring>
+#include "imageio/tiffsamples.h"
+
 #include <limits>
 #include <new>
 
@@ -170,26 +171,7 @@ bool TiffBlocks::readRasters(int row)
 
 void TiffBlocks::unpack(const uchar *bytes, qint64 count, quint16 *out, int stride) const
 {
-    if (m_facts.isFloat) {
-        for (qint64 i = 0; i < count; ++i, out += stride) {
-            float value = 0;
-            std::memcpy(&value, bytes + 4 * i, sizeof value);
-            *out = value > 0 ? quint16(qMin(value, 1.0f) * 65535 + 0.5f) : 0; // not a number: 0
-        }
-    } else if (m_facts.depth == 16) {
-        for (qint64 i = 0; i < count; ++i, out += stride)
-            std::memcpy(out, bytes + 2 * i, sizeof *out);
-    } else if (m_facts.depth == 8) {
-        for (qint64 i = 0; i < count; ++i, out += stride)
-            *out = bytes[i];
-    } else {
-        const int depth = m_facts.depth;
-        const int mask = (1 << depth) - 1;
-        for (qint64 i = 0; i < count; ++i, out += stride) {
-            const qint64 bit = i * depth;
-            *out = quint16(bytes[bit / 8] >> (8 - depth - int(bit % 8)) & mask);
-        }
-    }
+    unpackTiffSamples(bytes, count, m_facts.depth, m_facts.isFloat, out, stride);
 }
 
 } // namespace plexa

@@ -29,8 +29,8 @@ public:
     /// To be called once, before a row is read. Throws std::bad_alloc, or returns false, without memory.
     [[nodiscard]] bool allocate();
 
-    /// @return the samples of a row, all of a pixel together, 0 to 2^depth - 1, or 65535 for numbers with a
-    ///         fraction; the caller may change them. Null on failure.
+    /// @return the samples of a row, all of a pixel together, as
+    ///         unpackTiffSamples() gives them; the caller may change them. Null on failure.
     quint16 *readSamples(int row);
 
     /// Reads a row of a picture whose colours the library makes. @return false on failure

@@ -7,7 +7,8 @@
 namespace plexa
 {
 
-/// TIFF and BigTIFF through libtiff: reads the first picture of a file, writes none.
+/// TIFF through libtiff: reads the first picture of a file, also of a BigTIFF; writes files of one picture, 8
+/// bits a sample, LZW or not, in strips.
 class TiffCodec final : public Codec
 {
 public:
@@ -16,6 +17,8 @@ public:
                                                                 int reduction) const override;
     [[nodiscard]] Result<std::unique_ptr<RowWriter>> openWriter(QIODevice &device, const RowFormat &format,
                                                                 const WriteOptions &options) const override;
+    bool holdsThumbnail() const override { return false; } // it would be a second picture of the file
+    qint64 writerBytes(const RowFormat &format, const WriteOptions &options) const override;
 };
 
 } // namespace plexa

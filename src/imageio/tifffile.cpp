@@ -21,6 +21,9 @@ constexpr int kMaxPictures = 10'000;
 /// Profiles of printers have a few megabytes.
 constexpr quint32 kMaxProfileBytes = 32'000'000;
 
+/// Samples of a pixel, of which a photo and its masks need a few: more would only cost time.
+constexpr int kMaxSamples = 64;
+
 /// Of DNG: raw samples that are demosaiced already.
 constexpr quint16 kLinearRaw = 34892;
 
@@ -103,11 +106,14 @@ int TiffFile::onError(TIFF *, void *self, const char *, const char *, va_list)
     return 1;
 }
 
-int TiffFile::onWarning(TIFF *, void *self, const char *module, const char *, va_list)
+int TiffFile::onWarning(TIFF *, void *self, const char *module, const char *format, va_list)
 {
-    // libjpeg only warns of damaged data and makes up what is missing.
+    auto *file = static_cast<TiffFile *>(self);
+    // libjpeg only warns of damaged data and makes up what is missing, and so do the fax decoders.
     if (qstrcmp(module, "JPEGLib") == 0)
-        static_cast<TiffFile *>(self)->m_isDamaged = true;
+        file->m_isDamaged = true;
+    else if (qstrncmp(format, "Premature EOF", 13) == 0)
+        file->m_isDamaged = file->m_reachedEnd = true;
     return 1;
 }
 
@@ -244,17 +250,30 @@ bool TiffFile::readKind()
     }
     facts.channels = channelsOf(facts.kind);
     readExtraSamples();
-    const quint16 sampleFormat = fieldOf<quint16>(m_tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
-    const int depth = facts.depth;
-    const bool isSmall = depth == 1 || depth == 2 || depth == 4 || depth == 8;
-    if (facts.samples < facts.channels)
+    return facts.samples >= facts.channels && facts.samples <= kMaxSamples && isReadableSample();
+}
+
+bool TiffFile::isReadableSample() const
+{
+    using Kind = TiffFacts::Kind;
+    const int depth = m_facts.depth;
+    const bool isByteOrWord = depth == 8 || depth == 16;
+    switch (fieldOf<quint16>(m_tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT)) {
+    case SAMPLEFORMAT_IEEEFP:
+        return (depth == 16 || depth == 24 || depth == 32 || depth == 64) && m_facts.kind != Kind::Palette &&
+               m_facts.kind != Kind::Lab;
+    case SAMPLEFORMAT_INT: // programs that mean signs in pictures are rarer than those that say it wrongly
+        return (isByteOrWord || depth == 32) && m_facts.kind != Kind::Palette &&
+               (m_facts.kind != Kind::Lab || isByteOrWord);
+    case SAMPLEFORMAT_UINT:
+    case SAMPLEFORMAT_VOID:
+        if (m_facts.kind == Kind::Lab)
+            return isByteOrWord;
+        return depth >= 1 &&
+               (depth <= 8 || (m_facts.kind != Kind::Palette && (depth <= 16 || depth == 24 || depth == 32)));
+    default:
         return false;
-    if (facts.kind == Kind::Lab)
-        return (depth == 8 || depth == 16) && !facts.isFloat;
-    if (facts.isFloat)
-        return depth == 32 && facts.kind != Kind::Palette;
-    return (sampleFormat == SAMPLEFORMAT_UINT || sampleFormat == SAMPLEFORMAT_VOID) &&
-           (isSmall || (depth == 16 && facts.kind != Kind::Palette));
+    }
 }
 
 void TiffFile::readExtraSamples()

@@ -25,8 +25,8 @@ struct TiffFacts {
 
     QSize size;
     Kind kind = Kind::Gray;
-    int depth = 8;        ///< bits a sample
-    bool isFloat = false; ///< of 32 bits
+    int depth = 8; ///< bits a sample
+    bool isFloat = false;
     int channels = 1;     ///< of the colour, which come first
     int samples = 1;      ///< of a pixel
     int alphaSample = -1; ///< -1: none
@@ -72,11 +72,12 @@ private:
     static tmsize_t read(thandle_t handle, void *bytes, tmsize_t count);
     static toff_t seek(thandle_t handle, toff_t offset, int whence);
     static int onError(TIFF *, void *self, const char *, const char *, va_list);
-    static int onWarning(TIFF *, void *self, const char *module, const char *, va_list);
+    static int onWarning(TIFF *, void *self, const char *module, const char *format, va_list);
 
     bool isCameraRaw();
     Result<void> readLayout();
     bool readKind();
+    bool isReadableSample() const;
     void readExtraSamples();
     void readResolution();
 

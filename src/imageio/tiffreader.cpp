@@ -339,10 +339,4 @@ Result<std::unique_ptr<RowReader>> TiffCodec::openReader(QIODevice &device, cons
     return reader;
 }
 
-Result<std::unique_ptr<RowWriter>> TiffCodec::openWriter(QIODevice &, const RowFormat &,
-                                                         const WriteOptions &) const
-{
-    return fail(ReadFailures::cannotWrite(QStringLiteral("image/tiff")));
-}
-
 } // namespace plexa

@@ -8,6 +8,7 @@
 
 #include <QBuffer>
 #include <QFile>
+#include <QRandomGenerator>
 
 #include <cstdlib>
 
@@ -92,6 +93,19 @@ inline QByteArray copied(const QString &path, const char *type, double quality, 
     if (const auto finished = (*writer)->finish(); !finished)
         return report(finished.error());
     return file.data();
+}
+
+/// A picture with detail everywhere, so that no cut goes unnoticed.
+inline QImage noisyPicture(QSize size, QImage::Format format)
+{
+    QImage image(size, QImage::Format_ARGB32);
+    QRandomGenerator random(7);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixel(x, y,
+                           qRgba(x * 255 / size.width(), y * 255 / size.height(), random.bounded(256), 200));
+    }
+    return image.convertToFormat(format);
 }
 
 inline QByteArray contentsOf(const QString &path)

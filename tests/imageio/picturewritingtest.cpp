@@ -51,6 +51,7 @@ namespace
 
 constexpr const char *kJpeg = "image/jpeg";
 constexpr const char *kPng = "image/png";
+constexpr const char *kTiff = "image/tiff";
 
 /// Smooth colours with every alpha.
 QImage colorfulPicture(QSize size, QImage::Format format)
@@ -356,7 +357,7 @@ void PictureWritingTest::fullDiskIsReported_data()
 {
     QTest::addColumn<QByteArray>("type");
     QTest::addColumn<int>("room");
-    for (const char *type : {kJpeg, kPng}) {
+    for (const char *type : {kJpeg, kPng, kTiff}) {
         for (const int room : {0, 10, 1'000, 20'000})
             QTest::addRow("%s, %d bytes", type, room) << QByteArray(type) << room;
     }
