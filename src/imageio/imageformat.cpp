@@ -2,6 +2,8 @@
 
 #include "imageio/imageformat.h"
 
+#include "imageio/bmpcodec.h"
+#include "imageio/gifcodec.h"
 #include "imageio/jpegcodec.h"
 #include "imageio/pictureheaders.h"
 #include "imageio/pngcodec.h"
@@ -94,14 +96,16 @@ QList<ImageFormat> makeFormats()
     static const JpegCodec jpeg;
     static const PngCodec png;
     static const TiffCodec tiff;
+    static const GifCodec gif;
+    static const BmpCodec bmp;
     QList<ImageFormat> formats = {
         {"image/jpeg", "JPEG", {u"jpg"_qs, u"jpeg"_qs, u"jpe"_qs, u"jfif"_qs}, isJpeg, &jpeg, true, false},
         {"image/png", "PNG", {u"png"_qs}, isPng, &png, true, true},
         {"image/tiff", "TIFF", {u"tif"_qs, u"tiff"_qs}, isTiff, &tiff, false, false},
+        {"image/gif", "GIF", {u"gif"_qs}, isGif, &gif, true, true},
+        {"image/bmp", "BMP", {u"bmp"_qs, u"dib"_qs}, isBmp, &bmp, true, false},
     };
-    static const QtCodec gif("gif", nullptr, 4);
     static const QtCodec webp("webp", readWebpHeader, 4); // where it is lossless
-    static const QtCodec bmp("bmp", readBmpHeader);
     static const QtCodec icon("ico");
     static const QtCodec icns("icns");
     static const QtCodec pixmap("ppm");
@@ -118,9 +122,7 @@ QList<ImageFormat> makeFormats()
         bool (*matches)(QByteArrayView head);
         const QtCodec *codec;
     } qtFormats[] = {
-        {"image/gif", "GIF", {u"gif"_qs}, isGif, &gif},
         {"image/webp", "WebP", {u"webp"_qs}, isWebp, &webp},
-        {"image/bmp", "BMP", {u"bmp"_qs, u"dib"_qs}, isBmp, &bmp},
         {"image/vnd.microsoft.icon", "ICO", {u"ico"_qs}, isIcon, &icon},
         {"image/x-icns", "ICNS", {u"icns"_qs}, isIcns, &icns},
         {"image/x-portable-pixmap", "PPM", {u"ppm"_qs}, isPixmap, &pixmap},

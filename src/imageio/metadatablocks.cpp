@@ -2,6 +2,8 @@
 
 #include "imageio/metadatablocks.h"
 
+#include "imageio/gifstructure.h"
+
 #include <QList>
 #include <QMap>
 #include <QtEndian>
@@ -221,6 +223,16 @@ MetadataBlocks readWebpBlocks(QIODevice &device)
     return blocks;
 }
 
+MetadataBlocks readGifBlocks(QIODevice &device)
+{
+    MetadataBlocks blocks;
+    if (const Result<GifStructure> structure = readGifStructure(device)) {
+        takeFirst(blocks.xmp, structure->xmp);
+        takeFirst(blocks.comment, structure->comment);
+    }
+    return blocks;
+}
+
 } // namespace
 
 std::optional<MetadataBlocks> readMetadataBlocks(QIODevice &device)
@@ -233,6 +245,8 @@ std::optional<MetadataBlocks> readMetadataBlocks(QIODevice &device)
         return readPngBlocks(device);
     if (head.startsWith("RIFF") && head.mid(8) == "WEBP")
         return readWebpBlocks(device);
+    if (head.startsWith("GIF87a") || head.startsWith("GIF89a"))
+        return readGifBlocks(device);
     return std::nullopt;
 }
 

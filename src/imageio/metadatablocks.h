@@ -18,14 +18,15 @@ struct MetadataBlocks {
     QByteArray iptc;    ///< IIM records
     QByteArray xmp;     ///< the packet, UTF-8
     QByteArray moreXmp; ///< a JPEG's second packet, for what does not fit into one segment
-    QByteArray comment; ///< JPEG comment
+    QByteArray comment; ///< JPEG's or GIF's
     QList<PngText> texts;
 };
 
 /// No block is taken that is larger: the largest that cameras and editors write stay far below.
 inline constexpr qsizetype kMaxMetadataBytes = 16 * 1024 * 1024;
 
-/// Collects the blocks of a JPEG, PNG or WebP file without touching its pixels. Damaged blocks are left out.
+/// Collects the blocks of a JPEG, PNG, WebP or GIF file without touching its pixels. Damaged blocks are left
+/// out.
 /// @param device  open for reading, random access, at any position
 /// @return none when the contents are of another format
 std::optional<MetadataBlocks> readMetadataBlocks(QIODevice &device);

@@ -68,7 +68,7 @@ bool announcesAlpha(const QImageReader &reader, const PictureHeader &header)
     if (format == QImage::Format_Invalid)
         return true;
     if (format == QImage::Format_Indexed8)
-        return reader.format() == "gif" || reader.format() == "xpm";
+        return reader.format() == "xpm";
     return QImage::toPixelFormat(format).alphaUsage() == QPixelFormat::UsesAlpha;
 }
 
