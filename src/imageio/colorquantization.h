@@ -21,7 +21,7 @@ struct IndexedPicture {
 
 /// Chooses the colours by which a picture looks best, and dithers it with them by diffusing errors; a picture
 /// that has no more colours than allowed keeps them exactly. Takes some seconds for a large photo. The same
-/// picture always gives the same result on one machine.
+/// picture always gives the same result.
 /// @param pixels     red, green, blue and 255, row by row without padding
 /// @param size       sides of at least 1, at most maxQuantizedPixels() in all
 /// @param maxColors  2 to 256

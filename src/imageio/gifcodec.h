@@ -8,8 +8,8 @@ namespace plexa
 {
 
 /// GIF: the first frame is read, composed on the screen, through giflib; a picture is written as one frame
-/// with a palette of its own (libimagequant). Of alpha a written file keeps whether a pixel shows: below one
-/// half it is transparent, from there on it is opaque, in the colour that it has on white.
+/// with a palette of its own (libimagequant). A written file knows no half: a pixel of hardly any alpha is
+/// transparent, every other is opaque, in the colour that it has on white.
 class GifCodec final : public Codec
 {
 public:

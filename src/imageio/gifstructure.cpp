@@ -29,7 +29,7 @@ public:
     }
 
     qint64 position() const { return m_start + m_at; }
-    bool atEnd() { return m_at >= m_buffer.size() && !fill(); }
+    bool metEnd() const { return m_metEnd; }
     bool readFailed() const { return m_readFailed; }
 
     /// @return the next byte; -1 where there is none
@@ -72,6 +72,7 @@ private:
         m_buffer.resize(64 * 1024);
         const qint64 got = m_device.read(m_buffer.data(), m_buffer.size());
         m_readFailed = m_readFailed || got < 0;
+        m_metEnd = m_metEnd || got == 0;
         m_buffer.resize(qMax<qint64>(got, 0));
         return got > 0;
     }
@@ -81,6 +82,7 @@ private:
     qint64 m_start = 0; ///< of the buffer in the file
     qsizetype m_at = 0; ///< in the buffer
     bool m_readFailed = false;
+    bool m_metEnd = false; ///< more was asked for than there is
 };
 
 int wordAt(const QByteArray &bytes, qsizetype at)
@@ -118,12 +120,11 @@ public:
     }
 
 private:
-    QString failureReason()
+    QString failureReason() const
     {
-        const bool atEnd = m_bytes.atEnd();
         if (m_bytes.readFailed())
             return ReadFailures::readError(m_device);
-        return atEnd ? ReadFailures::endsEarly() : ReadFailures::damaged();
+        return m_bytes.metEnd() ? ReadFailures::endsEarly() : ReadFailures::damaged();
     }
 
     bool readBlock()

@@ -18,7 +18,10 @@ namespace
 {
 
 constexpr int kMaxSide = 65535;
-constexpr int kOpaqueFrom = 128; ///< half of full alpha
+
+/// A pixel with less alpha is transparent. Half of 255, as usual elsewhere, would lose a watermark of less
+/// opacity that lies on nothing, and cut shadows; without any bound their last traces would be white.
+constexpr int kOpaqueFrom = 16;
 
 /// What EGifOpen() is given to write to.
 struct Target {
