@@ -106,8 +106,8 @@ QList<ImageFormat> makeFormats()
         {"image/bmp", "BMP", {u"bmp"_qs, u"dib"_qs}, isBmp, &bmp, true, false},
     };
     static const QtCodec webp("webp", readWebpHeader, 4); // where it is lossless
-    static const QtCodec icon("ico");
-    static const QtCodec icns("icns");
+    static const QtCodec icon("ico", nullptr, 0, QtCodec::Choice::Largest);
+    static const QtCodec icns("icns", nullptr, 0, QtCodec::Choice::Largest);
     static const QtCodec pixmap("ppm");
     static const QtCodec graymap("pgm");
     static const QtCodec bitmap("pbm");
