@@ -2,6 +2,8 @@
 
 #include "imageio/imageformat.h"
 
+#include "imageio/bmpcodec.h"
+#include "imageio/gifcodec.h"
 #include "imageio/heifbrands.h"
 #include "imageio/heifcodec.h"
 #include "imageio/jpegcodec.h"
@@ -96,6 +98,8 @@ QList<ImageFormat> makeFormats()
     static const JpegCodec jpeg;
     static const PngCodec png;
     static const TiffCodec tiff;
+    static const GifCodec gif;
+    static const BmpCodec bmp;
     static const HeifCodec heic(HeifCodec::Kind::Hevc);
     static const HeifCodec avif(HeifCodec::Kind::Av1);
     QList<ImageFormat> formats = {
@@ -110,12 +114,12 @@ QList<ImageFormat> makeFormats()
          heic.canEncode(),
          true},
         {"image/avif", "AVIF", {u"avif"_qs}, isAvifContents, &avif, false, false},
+        {"image/gif", "GIF", {u"gif"_qs}, isGif, &gif, true, true},
+        {"image/bmp", "BMP", {u"bmp"_qs, u"dib"_qs}, isBmp, &bmp, true, false},
     };
-    static const QtCodec gif("gif", nullptr, 4);
     static const QtCodec webp("webp", readWebpHeader, 4); // where it is lossless
-    static const QtCodec bmp("bmp", readBmpHeader);
-    static const QtCodec icon("ico");
-    static const QtCodec icns("icns");
+    static const QtCodec icon("ico", nullptr, 0, QtCodec::Choice::Largest);
+    static const QtCodec icns("icns", nullptr, 0, QtCodec::Choice::Largest);
     static const QtCodec pixmap("ppm");
     static const QtCodec graymap("pgm");
     static const QtCodec bitmap("pbm");
@@ -130,9 +134,7 @@ QList<ImageFormat> makeFormats()
         bool (*matches)(QByteArrayView head);
         const QtCodec *codec;
     } qtFormats[] = {
-        {"image/gif", "GIF", {u"gif"_qs}, isGif, &gif},
         {"image/webp", "WebP", {u"webp"_qs}, isWebp, &webp},
-        {"image/bmp", "BMP", {u"bmp"_qs, u"dib"_qs}, isBmp, &bmp},
         {"image/vnd.microsoft.icon", "ICO", {u"ico"_qs}, isIcon, &icon},
         {"image/x-icns", "ICNS", {u"icns"_qs}, isIcns, &icns},
         {"image/x-portable-pixmap", "PPM", {u"ppm"_qs}, isPixmap, &pixmap},

@@ -2,6 +2,7 @@
 
 #include "imageio/metadatablocks.h"
 
+#include "imageio/gifstructure.h"
 #include "imageio/heifmetadata.h"
 
 #include <QList>
@@ -201,6 +202,16 @@ MetadataBlocks readWebpBlocks(QIODevice &device)
     return blocks;
 }
 
+MetadataBlocks readGifBlocks(QIODevice &device)
+{
+    MetadataBlocks blocks;
+    if (const Result<GifStructure> structure = readGifStructure(device)) {
+        takeFirst(blocks.xmp, structure->xmp);
+        takeFirst(blocks.comment, structure->comment);
+    }
+    return blocks;
+}
+
 } // namespace
 
 QByteArray iptcOfImageResources(const QByteArray &resources)
@@ -234,6 +245,8 @@ std::optional<MetadataBlocks> readMetadataBlocks(QIODevice &device)
         return readPngBlocks(device);
     if (head.startsWith("RIFF") && head.mid(8, 4) == "WEBP")
         return readWebpBlocks(device);
+    if (head.startsWith("GIF87a") || head.startsWith("GIF89a"))
+        return readGifBlocks(device);
     if (isHeif(head))
         return readHeifBlocks(device);
     return std::nullopt;

@@ -18,7 +18,7 @@ struct MetadataBlocks {
     QByteArray iptc;    ///< IIM records
     QByteArray xmp;     ///< the packet, UTF-8
     QByteArray moreXmp; ///< a JPEG's second packet, for what does not fit into one segment
-    QByteArray comment; ///< JPEG comment
+    QByteArray comment; ///< JPEG's or GIF's
     QList<PngText> texts;
 };
 
@@ -28,7 +28,8 @@ inline constexpr qsizetype kMaxMetadataBytes = 16 * 1024 * 1024;
 /// The IIM records inside Photoshop image resources; empty when there are none.
 QByteArray iptcOfImageResources(const QByteArray &resources);
 
-/// Collects the blocks of a JPEG, PNG, WebP or HEIF file without touching its pixels. Damaged blocks are left out.
+/// Collects the blocks of a JPEG, PNG, WebP, HEIF or GIF file without touching its pixels. Damaged blocks are
+/// left out.
 /// @param device  open for reading, random access, at any position
 /// @return none when the contents are of another format
 std::optional<MetadataBlocks> readMetadataBlocks(QIODevice &device);

@@ -4,6 +4,7 @@
 
 #include <QtEndian>
 
+#include <bit>
 #include <limits>
 
 namespace plexa
@@ -20,6 +21,23 @@ QByteArray readAt(QIODevice &device, qint64 position, qint64 count)
     if (count < 0 || position < 0 || position > device.size() - count || !device.seek(position))
         return {};
     return device.read(count);
+}
+
+/// The bits of each sample in a bitmap of 16 bits a pixel.
+/// @param start  the file's first bytes, at least 46
+std::array<int, 4> sampleBitsOf(const QByteArray &start)
+{
+    const auto headerSize = qFromLittleEndian<quint32>(start.constData() + 14);
+    const auto compression = qFromLittleEndian<quint32>(start.constData() + 30);
+    if (qFromLittleEndian<quint16>(start.constData() + 28) != 16)
+        return {};
+    if (compression == 0)
+        return {5, 5, 5, 0};
+    std::array<int, 4> bits = {};
+    const size_t masks = headerSize >= 56 ? 4 : 3; // behind a short header stand those of the colours
+    for (size_t i = 0; i < masks && start.size() >= 58 + qsizetype(4 * i); ++i)
+        bits[i] = std::popcount(qFromLittleEndian<quint32>(start.constData() + 54 + 4 * i));
+    return bits;
 }
 
 } // namespace
@@ -53,13 +71,14 @@ PictureHeader readBmpHeader(QIODevice &device)
     PictureHeader header;
     header.depth = 8;
     header.colorModel = QStringLiteral("RGB");
-    const QByteArray start = readAt(device, 0, 46);
+    const QByteArray start = readAt(device, 0, qMin<qint64>(70, device.size()));
     if (start.size() < 46 || qFromLittleEndian<quint32>(start.constData() + 14) < 40)
         return header;
     const auto width = qFromLittleEndian<qint32>(start.constData() + 18);
     const auto height = qFromLittleEndian<qint32>(start.constData() + 22);
     if (height > std::numeric_limits<qint32>::min()) // rows from the top down have a negative count
         header.size = QSize(width, qAbs(height));
+    header.sampleBits = sampleBitsOf(start);
     const auto horizontal = qFromLittleEndian<qint32>(start.constData() + 38);
     const auto vertical = qFromLittleEndian<qint32>(start.constData() + 42);
     if (horizontal > 0 && vertical > 0) {

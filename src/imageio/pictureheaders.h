@@ -7,6 +7,7 @@
 #include <QSize>
 #include <QString>
 
+#include <array>
 #include <optional>
 
 namespace plexa
@@ -20,7 +21,9 @@ struct PictureHeader {
     double dpiWidth = 0;
     double dpiHeight = 0;
     std::optional<bool> hasAlpha;
-    QSize size; ///< where the file may claim more than Qt is willing to speak of
+    std::array<int, 4> sampleBits = {}; ///< of red, green, blue and alpha, where Qt fills up what lacks to 8
+                                        ///< with zeros; 0: nothing to mend
+    QSize size;                         ///< where the file may claim more than Qt is willing to speak of
 };
 
 /// Each takes a device of random access at the start of the file, leaves its position anywhere, and gives

@@ -5,6 +5,8 @@
 #include "imageio/pngerrors.h"
 #include "imageio/readfailures.h"
 
+#include <QtEndian>
+
 #include <optional>
 #include <vector>
 
@@ -21,6 +23,31 @@ constexpr bool kIsLittleEndian = Q_BYTE_ORDER == Q_LITTLE_ENDIAN;
 constexpr png_byte kSkippedChunks[] = {
     "tEXt\0zTXt\0iTXt\0eXIf\0sPLT\0hIST\0tIME\0pCAL\0sCAL\0oFFs\0bKGD\0sTER"};
 constexpr int kSkippedChunkCount = sizeof(kSkippedChunks) / 5;
+
+/// Chunks that count only where there is no profile. libpng would rather pass over a profile that follows one
+/// of these, or that stands beside a damaged one.
+constexpr png_byte kLesserColors[] = {"sRGB\0gAMA\0cHRM"};
+constexpr int kLesserColorCount = sizeof(kLesserColors) / 5;
+
+/// Is there a profile in front of the picture's data? Leaves the device where it was.
+bool hasProfileChunk(QIODevice &device)
+{
+    constexpr int kMaxChunks = 1000;
+    const qint64 start = device.pos();
+    bool isFound = false;
+    device.seek(start + 8);
+    for (int i = 0; i < kMaxChunks && !isFound; ++i) {
+        const QByteArray head = device.read(8);
+        if (head.size() < 8 || head.endsWith("IDAT"))
+            break;
+        isFound = head.endsWith("iCCP");
+        const qint64 next = device.pos() + qFromBigEndian<quint32>(head.constData()) + 4;
+        if (next > device.size() || !device.seek(next))
+            break;
+    }
+    device.seek(start);
+    return isFound;
+}
 
 /// What a chunk other than the picture may take when it is unpacked. Colour profiles of printers have
 /// a few megabytes.
@@ -71,6 +98,7 @@ class PngDecoder
 public:
     explicit PngDecoder(QIODevice &device)
         : m_source{&device, false, false}
+        , m_hasProfile(hasProfileChunk(device))
     {
     }
 
@@ -94,6 +122,8 @@ public:
         png_set_chunk_malloc_max(m_png, kMaxChunkBytes);
         png_set_keep_unknown_chunks(m_png, PNG_HANDLE_CHUNK_NEVER, nullptr, 0);
         png_set_keep_unknown_chunks(m_png, PNG_HANDLE_CHUNK_NEVER, kSkippedChunks, kSkippedChunkCount);
+        if (m_hasProfile)
+            png_set_keep_unknown_chunks(m_png, PNG_HANDLE_CHUNK_NEVER, kLesserColors, kLesserColorCount);
         png_read_info(m_png, m_info);
         png_get_IHDR(m_png, m_info, &m_header.width, &m_header.height, &m_header.depth, &m_header.colorType,
                      &m_header.interlace, nullptr, nullptr);
@@ -170,6 +200,7 @@ private:
 
     PngErrors m_errors;
     Source m_source;
+    const bool m_hasProfile;
     png_structp m_png = nullptr;
     png_infop m_info = nullptr;
     Header m_header = {};

@@ -68,13 +68,34 @@ bool announcesAlpha(const QImageReader &reader, const PictureHeader &header)
     if (format == QImage::Format_Invalid)
         return true;
     if (format == QImage::Format_Indexed8)
-        return reader.format() == "gif" || reader.format() == "xpm";
+        return reader.format() == "xpm";
     return QImage::toPixelFormat(format).alphaUsage() == QPixelFormat::UsesAlpha;
 }
 
+/// Moves to the largest picture, the first of those.
+void jumpToLargest(QImageReader &reader)
+{
+    constexpr int kMaxImages = 64; // icons have about ten
+    const int count = qMin(reader.imageCount(), kMaxImages);
+    qint64 most = 0;
+    int largest = 0;
+    for (int i = 0; i < count && reader.jumpToImage(i); ++i) {
+        QSize size = reader.size();
+        if (!size.isValid()) // known after decoding only; such icons have fixed sizes
+            size = reader.read().size();
+        const qint64 pixels = qint64(size.width()) * size.height();
+        if (pixels > most) {
+            most = pixels;
+            largest = i;
+        }
+    }
+    if (count > 1)
+        reader.jumpToImage(largest);
+}
+
 /// Prepares a reader for one format, whatever the contents look like to other plugins, and checks the size.
-Result<void> prepare(QImageReader &reader, QIODevice &device, const char *qtFormat, QSize claimedSize,
-                     const ReadLimits &limits)
+Result<void> prepare(QImageReader &reader, QIODevice &device, const char *qtFormat, QtCodec::Choice choice,
+                     QSize claimedSize, const ReadLimits &limits)
 {
     prepareQt(limits);
     if (claimedSize.isValid()) {
@@ -89,6 +110,8 @@ Result<void> prepare(QImageReader &reader, QIODevice &device, const char *qtForm
     reader.setAutoTransform(false);
     if (!reader.canRead())
         return fail(ReadFailures::notAPicture());
+    if (choice == QtCodec::Choice::Largest)
+        jumpToLargest(reader);
     const QSize size = reader.size();
     if (!size.isValid())
         return {};
@@ -98,9 +121,30 @@ Result<void> prepare(QImageReader &reader, QIODevice &device, const char *qtForm
     return ReadFailures::checkMemory(size, hasDeepComponents(reader.imageFormat()) ? 12 : 8, limits);
 }
 
-/// Changes the picture to 8-bit sRGB rows of the announced kind.
-QImage toRows(QImage image, const QByteArray &headerProfile, bool hasAlpha)
+/// Fills samples of few bits up with copies of themselves, so that all ones are full.
+void fillSamples(QImage &image, const std::array<int, 4> &bits)
 {
+    if (image.format() != QImage::Format_RGB32 && image.format() != QImage::Format_ARGB32)
+        return;
+    const auto filled = [](int sample, int count) {
+        for (int shift = count; shift > 0 && shift < 8; shift *= 2)
+            sample |= sample >> shift;
+        return sample;
+    };
+    for (int y = 0; y < image.height(); ++y) {
+        auto *row = reinterpret_cast<QRgb *>(image.scanLine(y));
+        for (int x = 0; x < image.width(); ++x)
+            row[x] = qRgba(filled(qRed(row[x]), bits[0]), filled(qGreen(row[x]), bits[1]),
+                           filled(qBlue(row[x]), bits[2]), filled(qAlpha(row[x]), bits[3]));
+    }
+}
+
+/// Changes the picture to 8-bit sRGB rows of the announced kind.
+QImage toRows(QImage image, const PictureHeader &header, bool hasAlpha)
+{
+    if (header.sampleBits != std::array<int, 4>{})
+        fillSamples(image, header.sampleBits);
+    const QByteArray &headerProfile = header.iccProfile;
     const QByteArray icc = headerProfile.isEmpty() ? image.colorSpace().iccProfile() : headerProfile;
     const QImage::Format target = RowFormat{image.size(), hasAlpha}.imageFormat();
     if (isGray(image.format())) {
@@ -173,10 +217,12 @@ QString reasonOf(const QImageReader &reader, const QIODevice &device)
 
 } // namespace
 
-QtCodec::QtCodec(const char *qtFormat, PictureHeader (*readHeader)(QIODevice &), int pluginBytesPerPixel)
+QtCodec::QtCodec(const char *qtFormat, PictureHeader (*readHeader)(QIODevice &), int pluginBytesPerPixel,
+                 Choice choice)
     : m_qtFormat(qtFormat)
     , m_readHeader(readHeader)
     , m_pluginBytesPerPixel(pluginBytesPerPixel)
+    , m_choice(choice)
 {
 }
 
@@ -189,7 +235,7 @@ Result<PictureInfo> QtCodec::readInfo(QIODevice &device, const ReadLimits &limit
 {
     const PictureHeader header = m_readHeader ? m_readHeader(device) : PictureHeader();
     QImageReader reader;
-    if (const auto prepared = prepare(reader, device, m_qtFormat, header.size, limits); !prepared)
+    if (const auto prepared = prepare(reader, device, m_qtFormat, m_choice, header.size, limits); !prepared)
         return tl::unexpected(prepared.error());
     PictureInfo info;
     info.rows = {reader.size(), announcesAlpha(reader, header)};
@@ -220,7 +266,7 @@ Result<std::unique_ptr<RowReader>> QtCodec::openReader(QIODevice &device, const 
         return fail(ReadFailures::readError(device));
     const PictureHeader header = m_readHeader ? m_readHeader(device) : PictureHeader();
     QImageReader reader;
-    if (const auto prepared = prepare(reader, device, m_qtFormat, header.size, limits); !prepared)
+    if (const auto prepared = prepare(reader, device, m_qtFormat, m_choice, header.size, limits); !prepared)
         return tl::unexpected(prepared.error());
     const bool hasAlpha = announcesAlpha(reader, header);
     QImage image;
@@ -228,7 +274,7 @@ Result<std::unique_ptr<RowReader>> QtCodec::openReader(QIODevice &device, const 
         return fail(reasonOf(reader, device));
     if (const auto checked = ReadFailures::checkSize(image.size(), limits); !checked)
         return tl::unexpected(checked.error());
-    image = toRows(std::move(image), header.iccProfile, hasAlpha);
+    image = toRows(std::move(image), header, hasAlpha);
     if (image.isNull())
         return fail(ReadFailures::outOfMemory());
     return std::make_unique<WholeImageReader>(std::move(image), hasAlpha);

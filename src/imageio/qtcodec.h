@@ -8,16 +8,19 @@
 namespace plexa
 {
 
-/// Reads one of the formats that Qt's image plugins know; of an animation the first frame. Decodes a picture
-/// whole. Does not write.
+/// Reads one of the formats that Qt's image plugins know; of an animation the first frame, of an icon the
+/// largest picture. Decodes a picture whole. Does not write.
 class QtCodec final : public Codec
 {
 public:
+    /// Which picture of a file counts.
+    enum class Choice { First, Largest };
+
     /// @param qtFormat    the plugin's name of the format
     /// @param readHeader  what Qt does not say of a file; may be null
     /// @param pluginBytesPerPixel  what the plugin takes while decoding besides the picture that it gives
     explicit QtCodec(const char *qtFormat, PictureHeader (*readHeader)(QIODevice &) = nullptr,
-                     int pluginBytesPerPixel = 0);
+                     int pluginBytesPerPixel = 0, Choice choice = Choice::First);
 
     /// Is the plugin that this needs installed?
     bool isAvailable() const;
@@ -32,6 +35,7 @@ private:
     const char *m_qtFormat;
     PictureHeader (*m_readHeader)(QIODevice &);
     int m_pluginBytesPerPixel;
+    Choice m_choice;
 };
 
 } // namespace plexa

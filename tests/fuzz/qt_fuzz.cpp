@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "fuzz/codecfuzzing.h"
+#include "imageio/bmpcodec.h"
 #include "imageio/imageformat.h"
 #include "imageio/qtcodec.h"
 
@@ -17,10 +18,18 @@ extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    const auto *format = plexa::imageFormatOfContents({data, qMin<qsizetype>(qsizetype(size), 64)});
-    if (!format)
-        format = plexa::imageFormatOfSuffix(QStringLiteral("tga"));
-    if (format && dynamic_cast<const plexa::QtCodec *>(format->codec))
-        plexa::test::decodeForFuzzing(*format->codec, data, size);
+    const auto decode = [data, size](const plexa::ImageFormat &format) {
+        if (dynamic_cast<const plexa::QtCodec *>(format.codec) ||
+            dynamic_cast<const plexa::BmpCodec *>(format.codec))
+            plexa::test::decodeForFuzzing(*format.codec, data, size);
+    };
+    if (const auto *format = plexa::imageFormatOfContents({data, qMin<qsizetype>(qsizetype(size), 64)})) {
+        decode(*format);
+        return 0;
+    }
+    for (const plexa::ImageFormat &format : plexa::imageFormats()) {
+        if (!format.matches)
+            decode(format);
+    }
     return 0;
 }
