@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QByteArrayView>
+
+namespace plexa
+{
+
+/// Does the EXIF say that the pixels are Adobe RGB? Cameras write such photos without a profile: the colour
+/// space is "uncalibrated" and the interoperability directory names the rule R03 (DCF 2.0, optional colour
+/// space); some write the colour space 2 instead.
+/// @param tiff  the EXIF from its TIFF header on, may be damaged
+bool exifSaysAdobeRgb(QByteArrayView tiff);
+
+} // namespace plexa
