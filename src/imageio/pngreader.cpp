@@ -236,9 +236,12 @@ QVariantMap propertiesOf(const Header &header)
     QVariantMap png = {{kCGImagePropertyPNGInterlaceType, header.interlace}};
     if (header.hasGamma)
         png.insert(kCGImagePropertyPNGGamma, header.gamma);
-    if (header.hasChromaticities)
-        png.insert(kCGImagePropertyPNGChromaticities,
-                   QVariantList(std::begin(header.chromaticities), std::end(header.chromaticities)));
+    if (header.hasChromaticities) {
+        QVariantList chromaticities;
+        for (const double chromaticity : header.chromaticities)
+            chromaticities.append(qRound(chromaticity * 100'000) / 100'000.0); // as the file has them
+        png.insert(kCGImagePropertyPNGChromaticities, chromaticities);
+    }
     if (header.hasSrgb)
         png.insert(kCGImagePropertyPNGsRGBIntent, header.srgbIntent);
     if (header.hasDensity && header.densityUnit == PNG_RESOLUTION_METER) {

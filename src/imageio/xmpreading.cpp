@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <string_view>
 
 namespace plexa
 {
@@ -19,10 +20,33 @@ namespace
 
 constexpr long kMaxItems = 4096;
 
-Exiv2::XmpData::const_iterator found(const Exiv2::XmpData &xmp, const char *key)
+/// Are these one path into a structure? Below the property itself, its parts have the prefix that the file
+/// happens to use: "Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrCity".
+bool isSamePath(std::string_view a, std::string_view b)
 {
-    return std::find_if(xmp.begin(), xmp.end(),
-                        [key](const Exiv2::Xmpdatum &datum) { return datum.key() == key; });
+    const auto takePart = [](std::string_view &path) {
+        const size_t slash = path.find('/');
+        std::string_view part = path.substr(0, slash);
+        path.remove_prefix(slash == path.npos ? path.size() : slash + 1);
+        const size_t colon = part.find(':');
+        if (colon != part.npos)
+            part.remove_prefix(colon + 1);
+        return part;
+    };
+    while (!a.empty() && !b.empty()) {
+        if (takePart(a) != takePart(b))
+            return false;
+    }
+    return a.empty() && b.empty();
+}
+
+Exiv2::XmpData::const_iterator found(const Exiv2::XmpData &xmp, std::string_view key)
+{
+    const bool isInside = key.find('/') != key.npos;
+    return std::find_if(xmp.begin(), xmp.end(), [&](const Exiv2::Xmpdatum &datum) {
+        const std::string other = datum.key();
+        return isInside ? isSamePath(other, key) : other == key;
+    });
 }
 
 QStringList textsOf(const Exiv2::Value &value)
@@ -95,7 +119,7 @@ constexpr const char *kIsoDate = "^([0-9]{4})-([0-9]{2})-([0-9]{2})(?:T([0-9]{2}
                                  "(?:\\.([0-9]+))?)?(.*))?$";
 
 /// The first text under the key; empty when there is none.
-QString textAt(const Exiv2::XmpData &xmp, const char *key)
+QString textAt(const Exiv2::XmpData &xmp, std::string_view key)
 {
     const auto datum = found(xmp, key);
     return datum == xmp.end() ? QString() : textsOf(datum->value()).value(0);
@@ -168,7 +192,7 @@ QVariant versionOf(const QString &text)
 QVariant flashOf(const Exiv2::XmpData &xmp)
 {
     const auto part = [&](const char *name) {
-        const auto datum = found(xmp, (std::string("Xmp.exif.Flash/exif:") + name).c_str());
+        const auto datum = found(xmp, std::string("Xmp.exif.Flash/exif:") + name);
         return datum == xmp.end() ? QString() : textsOf(datum->value()).join(u' ').toLower();
     };
     const QString fired = part("Fired");
@@ -276,7 +300,7 @@ void insertIptcFromXmp(QVariantMap &iptc, const Exiv2::XmpData &xmp)
     }
     for (const Part &part : kParts) {
         const std::string key = std::string("Xmp.iptcExt.LocationCreated[1]/Iptc4xmpExt:") + part.name;
-        if (const QString text = textAt(xmp, key.c_str()); !text.isEmpty())
+        if (const QString text = textAt(xmp, key); !text.isEmpty())
             iptc.insert(part.key, text);
     }
 }
@@ -300,8 +324,13 @@ void insertGpsFromXmp(QVariantMap &gps, const Exiv2::XmpData &xmp)
     insertLetter("Xmp.exif.GPSDestLongitude", kCGImagePropertyGPSDestLongitudeRef, "EW");
 
     const QStringList moment = captured(kIsoDate, textAt(xmp, "Xmp.exif.GPSTimeStamp"));
-    if (moment.size() >= 4)
-        insert(kCGImagePropertyGPSDateStamp, moment[1] + u':' + moment[2] + u':' + moment[3]);
+    if (moment.size() < 4)
+        return;
+    const QString date = moment[1] + u':' + moment[2] + u':' + moment[3];
+    insert(kCGImagePropertyGPSDateStamp, date);
+    // The time of another day would make a moment that never was.
+    if (gps.value(kCGImagePropertyGPSDateStamp).toString() != date)
+        return;
     if (moment.size() >= 7 && !moment[6].isEmpty()) {
         const QString fraction = moment.size() > 7 && !moment[7].isEmpty() ? u'.' + moment[7] : QString();
         insert(kCGImagePropertyGPSTimeStamp, moment[4] + u':' + moment[5] + u':' + moment[6] + fraction);

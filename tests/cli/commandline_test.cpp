@@ -181,8 +181,8 @@ void CommandLineTest::realPhotos()
                                       QStringLiteral("-ICC_Profile:ProfileDescription"), source});
         if (!profile.trimmed().isEmpty() && !profile.contains("sRGB IEC61966"))
             continue;
-        if (source.contains(QLatin1String("cmyk")))
-            continue;
+        if (source.contains(QLatin1String("cmyk")) || source.contains(QLatin1String("olympus-e-p3")))
+            continue; // the latter is Adobe RGB without a profile
         const double psnr = psnrOutside(before, after, holeOf(line));
         QVERIFY2(psnr > 38, qPrintable(QStringLiteral("%1: %2 dB").arg(source).arg(psnr)));
         QVERIFY2(psnrOutside(before, after, QRect()) < 60,
