@@ -209,7 +209,9 @@ QVariant xmpField(const Exiv2::XmpData &xmp, const MetadataField &field)
 {
     if (field.key == kCGImagePropertyExifFlash)
         return flashOf(xmp);
-    const auto datum = field.xmp ? found(xmp, field.xmp) : xmp.end();
+    auto datum = field.xmp ? found(xmp, field.xmp) : xmp.end();
+    if (datum == xmp.end() && field.key == kCGImagePropertyExifISOSpeedRatings) // its name since EXIF 2.3
+        datum = found(xmp, "Xmp.exifEX.PhotographicSensitivity");
     if (datum == xmp.end())
         return {};
     const QStringList texts = textsOf(datum->value());

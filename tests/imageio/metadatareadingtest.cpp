@@ -2,6 +2,7 @@
 
 #include "imageio/embeddedmetadata.h"
 #include "imageio/exiftoolrecords.h"
+#include "imageio/imagesource.h"
 #include "imageio/jpegassembly.h"
 #include "imageio/propertykeys.h"
 
@@ -24,6 +25,8 @@ private Q_SLOTS:
     void initTestCase();
     void variants_data();
     void variants();
+    void adobeRgbOfExif_data();
+    void adobeRgbOfExif();
     void damagedFilesAreHarmless();
     void deeplyNestedXmpIsLeftOut();
     void manyThreads();
@@ -73,7 +76,7 @@ void MetadataReadingTest::variants_data()
             "xmlns:aux='http://ns.adobe.com/exif/1.0/aux/' "
             "xmlns:photoshop='http://ns.adobe.com/photoshop/1.0/' "
             "xmlns:core='http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/' "
-            "xmlns:ext='http://iptc.org/std/Iptc4xmpExt/2008-02-29/' " +
+            "xmlns:ex='http://cipa.jp/exif/1.0/' xmlns:ext='http://iptc.org/std/Iptc4xmpExt/2008-02-29/' " +
             attributes + ">" + elements + "</rdf:Description></rdf:RDF></x:xmpmeta>";
         QTest::newRow(name) << QByteArray() << packet << where << expected;
     };
@@ -106,6 +109,8 @@ void MetadataReadingTest::variants_data()
     xmp("time", taken, {}, u"{Exif}/DateTimeOriginal"_qs, u"2024:05:06 07:08:09"_qs);
     xmp("fraction of a second", taken, {}, u"{Exif}/SubsecTimeOriginal"_qs, u"25"_qs);
     xmp("offset", taken, {}, u"{Exif}/OffsetTimeOriginal"_qs, u"-03:30"_qs);
+    xmp("sensitivity of EXIF 2.3", "ex:PhotographicSensitivity='640'", {}, u"{Exif}/ISOSpeedRatings"_qs,
+        QVariantList{640});
     xmp("position", "exif:GPSLongitude='8,30.6W'", {}, u"{GPS}/Longitude"_qs, 8.51);
     xmp("plain degrees", "exif:GPSLatitude='-33.5'", {}, u"{GPS}/Latitude"_qs, 33.5);
     xmp("letter of plain degrees", "exif:GPSLatitude='-33.5'", {}, u"{GPS}/LatitudeRef"_qs, u"S"_qs);
@@ -131,6 +136,47 @@ void MetadataReadingTest::variants()
     for (const QString &key : where.split(u'/'))
         found = found.toMap().value(key);
     QCOMPARE(found, expected);
+}
+
+/// Photos without a profile whose EXIF names the colour space.
+void MetadataReadingTest::adobeRgbOfExif_data()
+{
+    QTest::addColumn<QStringList>("tags");
+    QTest::addColumn<bool>("isAdobeRgb");
+    const QString uncalibrated = u"-ColorSpace#=65535"_qs;
+    const QString optional = u"-InteropIndex=R03"_qs;
+    QTest::newRow("as cameras do it") << QStringList{uncalibrated, optional} << true;
+    QTest::newRow("big endian") << QStringList{u"-ExifByteOrder=MM"_qs, uncalibrated, optional} << true;
+    QTest::newRow("a number of its own") << QStringList{u"-ColorSpace#=2"_qs} << true;
+    QTest::newRow("sRGB, whatever the rule") << QStringList{u"-ColorSpace#=1"_qs, optional} << false;
+    QTest::newRow("uncalibrated") << QStringList{uncalibrated} << false;
+    QTest::newRow("basic rule") << QStringList{uncalibrated, u"-InteropIndex=R98"_qs} << false;
+    QTest::newRow("grey") << QStringList{uncalibrated, optional, u"-Comment=grey"_qs} << false;
+}
+
+void MetadataReadingTest::adobeRgbOfExif()
+{
+    if (test::firstProgram({u"exiftool"_qs}).isEmpty())
+        QSKIP("exiftool is not installed.");
+    QFETCH(QStringList, tags);
+    QFETCH(bool, isAdobeRgb);
+    const test::TestFolder folder;
+    const QString path = folder.path(u"photo.jpg"_qs);
+    QImage image(16, 16, QImage::Format_RGB32);
+    image.fill(QColor(40, 160, 80));
+    if (tags.contains(u"-Comment=grey"_qs))
+        image.convertTo(QImage::Format_Grayscale8);
+    QVERIFY(image.save(path));
+    test::outputOf(u"exiftool"_qs,
+                   QStringList{u"-q"_qs, u"-overwrite_original"_qs} + tags + QStringList{path});
+    const auto source = ImageSource::open(path);
+    QVERIFY(source);
+    QCOMPARE(source->properties().value(kCGImagePropertyProfileName).toString(),
+             isAdobeRgb ? u"Adobe RGB (1998)"_qs : QString());
+    const auto decoded = source->createImage();
+    QVERIFY(decoded);
+    // The same green is stronger in Adobe RGB: red lies outside of sRGB then.
+    QCOMPARE(qRed(decoded->pixel(8, 8)) < 20, isAdobeRgb);
 }
 
 /// Whatever is done to a file's metadata, reading and encoding end, soon and without a crash.
