@@ -2,9 +2,8 @@
 
 #include "imageio/exifcolorspace.h"
 
+#include <QBuffer>
 #include <QtEndian>
-
-#include <optional>
 
 namespace plexa
 {
@@ -17,76 +16,92 @@ constexpr quint32 kInteroperabilityDirectory = 0xA005;
 constexpr quint32 kColorSpace = 0xA001;
 constexpr quint32 kInteroperabilityIndex = 0x0001;
 
+constexpr quint32 kAdobeRgb = 2;
+constexpr quint32 kUncalibrated = 0xFFFF;
+
 /// Looks up single values in a TIFF structure.
 class TiffDirectories
 {
 public:
-    explicit TiffDirectories(QByteArrayView tiff)
+    explicit TiffDirectories(QIODevice &tiff)
         : m_tiff(tiff)
-        , m_isLittle(tiff.startsWith("II"))
+        , m_head(bytesAt(0, 8))
+        , m_isLittle(m_head.startsWith("II"))
     {
     }
 
     bool isTiff() const
     {
-        return m_tiff.size() >= 8 && (m_isLittle || m_tiff.startsWith("MM")) && word(2) == 42;
+        return m_head.size() == 8 && (m_isLittle || m_head.startsWith("MM")) &&
+               word(m_head.constData() + 2) == 42;
     }
 
-    quint32 first() const { return longWord(4); }
+    quint32 first() const { return longWord(m_head.constData() + 4); }
 
-    /// The place of the four bytes in which the tag has its value or the offset of it; none: no such tag.
-    std::optional<qsizetype> find(quint32 directory, quint32 tag) const
+    /// The four bytes in which the tag has its value or the offset of it; empty: no such tag.
+    QByteArray find(quint32 directory, quint32 tag) const
     {
-        if (directory < 8 || qsizetype(directory) > m_tiff.size() - 2)
+        constexpr qsizetype kEntryBytes = 12;
+        const QByteArray count = bytesAt(directory, 2);
+        if (directory < 8 || count.size() < 2)
             return {};
-        const qsizetype count = word(directory);
-        for (qsizetype i = 0; i < count; ++i) {
-            const qsizetype entry = qsizetype(directory) + 2 + i * 12;
-            if (entry > m_tiff.size() - 12)
-                return {};
-            if (word(entry) == tag)
-                return entry + 8;
+        const QByteArray entries =
+            bytesAt(qint64(directory) + 2, qint64(word(count.constData())) * kEntryBytes);
+        for (qsizetype at = 0; at + kEntryBytes <= entries.size(); at += kEntryBytes) {
+            if (word(entries.constData() + at) == tag)
+                return entries.mid(at + 8, 4);
         }
         return {};
     }
 
-    quint32 word(qsizetype at) const
+    quint32 word(const char *bytes) const
     {
-        const char *bytes = m_tiff.data() + at;
         return m_isLittle ? qFromLittleEndian<quint16>(bytes) : qFromBigEndian<quint16>(bytes);
     }
 
-    quint32 longWord(qsizetype at) const
+    quint32 longWord(const char *bytes) const
     {
-        const char *bytes = m_tiff.data() + at;
         return m_isLittle ? qFromLittleEndian<quint32>(bytes) : qFromBigEndian<quint32>(bytes);
     }
 
 private:
-    QByteArrayView m_tiff;
+    /// As many of them as there are.
+    QByteArray bytesAt(qint64 position, qint64 count) const
+    {
+        return position < m_tiff.size() && m_tiff.seek(position) ? m_tiff.read(count) : QByteArray();
+    }
+
+    QIODevice &m_tiff;
+    QByteArray m_head;
     bool m_isLittle;
 };
 
 } // namespace
 
-bool exifSaysAdobeRgb(QByteArrayView tiff)
+bool exifSaysAdobeRgb(QIODevice &tiff)
 {
     const TiffDirectories directories(tiff);
     if (!directories.isTiff())
         return false;
-    const auto exif = directories.find(directories.first(), kExifDirectory);
-    if (!exif)
+    const QByteArray exif = directories.find(directories.first(), kExifDirectory);
+    if (exif.isEmpty())
         return false;
-    const quint32 exifDirectory = directories.longWord(*exif);
-    const auto space = directories.find(exifDirectory, kColorSpace);
-    const quint32 colorSpace = space ? directories.word(*space) : 0xFFFF;
-    if (colorSpace != 0xFFFF)
-        return colorSpace == 2;
-    const auto interoperability = directories.find(exifDirectory, kInteroperabilityDirectory);
-    if (!interoperability)
-        return false;
-    const auto index = directories.find(directories.longWord(*interoperability), kInteroperabilityIndex);
-    return index && tiff.sliced(*index, 3) == QByteArrayView("R03");
+    const quint32 exifDirectory = directories.longWord(exif.constData());
+    const QByteArray space = directories.find(exifDirectory, kColorSpace);
+    const quint32 colorSpace = space.isEmpty() ? kUncalibrated : directories.word(space.constData());
+    if (colorSpace != kUncalibrated)
+        return colorSpace == kAdobeRgb;
+    const QByteArray interoperability = directories.find(exifDirectory, kInteroperabilityDirectory);
+    return !interoperability.isEmpty() &&
+           directories.find(directories.longWord(interoperability.constData()), kInteroperabilityIndex)
+               .startsWith("R03");
+}
+
+bool exifSaysAdobeRgb(QByteArrayView tiff)
+{
+    QByteArray bytes = QByteArray::fromRawData(tiff.data(), tiff.size());
+    QBuffer device(&bytes);
+    return device.open(QIODevice::ReadOnly) && exifSaysAdobeRgb(device);
 }
 
 } // namespace plexa

@@ -146,6 +146,7 @@ void MetadataReadingTest::adobeRgbOfExif_data()
     const QString uncalibrated = u"-ColorSpace#=65535"_qs;
     const QString optional = u"-InteropIndex=R03"_qs;
     QTest::newRow("as cameras do it") << QStringList{uncalibrated, optional} << true;
+    QTest::newRow("TIFF") << QStringList{uncalibrated, optional, u"-Comment=tiff"_qs} << true;
     QTest::newRow("big endian") << QStringList{u"-ExifByteOrder=MM"_qs, uncalibrated, optional} << true;
     QTest::newRow("a number of its own") << QStringList{u"-ColorSpace#=2"_qs} << true;
     QTest::newRow("sRGB, whatever the rule") << QStringList{u"-ColorSpace#=1"_qs, optional} << false;
@@ -161,7 +162,8 @@ void MetadataReadingTest::adobeRgbOfExif()
     QFETCH(QStringList, tags);
     QFETCH(bool, isAdobeRgb);
     const test::TestFolder folder;
-    const QString path = folder.path(u"photo.jpg"_qs);
+    const bool isTiff = tags.removeAll(u"-Comment=tiff"_qs) > 0;
+    const QString path = folder.path(isTiff ? u"photo.tif"_qs : u"photo.jpg"_qs);
     QImage image(16, 16, QImage::Format_RGB32);
     image.fill(QColor(40, 160, 80));
     if (tags.contains(u"-Comment=grey"_qs))
