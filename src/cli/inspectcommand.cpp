@@ -72,41 +72,73 @@ QJsonObject jsonOf(const Inspection &photo)
             {QStringLiteral("tokens"), tokens}};
 }
 
+/// A text that does nothing to a terminal: control characters as dots.
+QString printable(QString text)
+{
+    for (QChar &character : text) {
+        if (character.category() == QChar::Other_Control)
+            character = u'.';
+    }
+    return text;
+}
+
 /// A value on one line, as JSON writes it, strings without their quotation marks.
 QString plainText(const QVariant &value)
 {
     const QJsonValue json = QJsonValue::fromVariant(value);
     if (json.isString())
-        return json.toString();
+        return printable(json.toString());
     const QByteArray text = QJsonDocument(QJsonArray{json}).toJson(QJsonDocument::Compact);
-    return QString::fromUtf8(text.mid(1, text.size() - 2));
+    return printable(QString::fromUtf8(text.mid(1, text.size() - 2)));
 }
 
+using Lines = std::vector<std::pair<QString, QString>>;
+
+/// Adds "name  value" lines with the values below each other.
+void appendLines(QString &text, const Lines &lines, const QString &indent)
+{
+    qsizetype width = 0;
+    for (const auto &[name, value] : lines)
+        width = std::max(width, name.size());
+    for (const auto &[name, value] : lines)
+        text += indent + name.leftJustified(width) + QLatin1String("  ") + value + u'\n';
+}
+
+/// The plain values first, the dictionaries below them.
 void appendProperties(QString &text, const QVariantMap &properties, const QString &indent)
 {
+    Lines lines;
+    for (auto property = properties.begin(); property != properties.end(); ++property) {
+        if (property->typeId() != QMetaType::QVariantMap)
+            lines.emplace_back(printable(property.key()), plainText(*property));
+    }
+    appendLines(text, lines, indent);
     for (auto property = properties.begin(); property != properties.end(); ++property) {
         if (property->typeId() == QMetaType::QVariantMap) {
-            text += indent + property.key() + QLatin1String(":\n");
+            text += indent + printable(property.key()) + u'\n';
             appendProperties(text, property->toMap(), indent + QLatin1String("  "));
-        } else {
-            text += indent + property.key() + QLatin1String(": ") + plainText(*property) + QLatin1Char('\n');
         }
     }
 }
 
 QString textOf(const Inspection &photo)
 {
-    QString text = QStringLiteral("%1\n  type: %2\n  size: %3 x %4\n  orientation: %5\n  properties:\n")
-                       .arg(photo.path, photo.type)
-                       .arg(photo.size.width())
-                       .arg(photo.size.height())
-                       .arg(photo.orientation);
+    QString text = printable(photo.path) + u'\n';
+    appendLines(
+        text,
+        {{QStringLiteral("type"), photo.type},
+         {QStringLiteral("size"), QStringLiteral("%1 x %2").arg(photo.size.width()).arg(photo.size.height())},
+         {QStringLiteral("orientation"), QString::number(photo.orientation)}},
+        QStringLiteral("  "));
+    text += QLatin1String("  properties\n");
     appendProperties(text, photo.properties, QStringLiteral("    "));
-    text += QLatin1String("  tokens:\n");
+    text += QLatin1String("  tokens\n");
+    Lines tokens;
     for (const auto &[name, value] : photo.tokens) {
         if (value)
-            text += QStringLiteral("    %1: %2\n").arg(name, *value);
+            tokens.emplace_back(name, printable(*value));
     }
+    appendLines(text, tokens, QStringLiteral("    "));
     return text;
 }
 

@@ -300,18 +300,16 @@ bool setText(cmsContext context, cmsHPROFILE profile, cmsTagSignature tag, const
     return isSet;
 }
 
-QByteArray makeSrgbProfile()
+/// A profile of version 2, which every program reads that knows profiles at all; white is D65.
+QByteArray makeRgbProfile(cmsContext context, const cmsCIExyYTRIPLE &primaries, const Curve &curve,
+                          const char *description)
 {
-    const Context context(cmsCreateContext(nullptr, nullptr));
     const cmsCIExyY white = {0.3127, 0.3290, 1};
-    const cmsCIExyYTRIPLE primaries = {{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}};
-    const Curve curve = srgbCurve(context.get());
     cmsToneCurve *curves[3] = {curve.get(), curve.get(), curve.get()};
-    const Profile profile(cmsCreateRGBProfileTHR(context.get(), &white, &primaries, curves));
-    // Version 2: every program that knows profiles at all reads it.
+    const Profile profile(cmsCreateRGBProfileTHR(context, &white, &primaries, curves));
     cmsSetProfileVersion(profile.get(), 2.1);
-    setText(context.get(), profile.get(), cmsSigProfileDescriptionTag, "sRGB IEC61966-2.1");
-    setText(context.get(), profile.get(), cmsSigCopyrightTag, "No copyright, use freely");
+    setText(context, profile.get(), cmsSigProfileDescriptionTag, description);
+    setText(context, profile.get(), cmsSigCopyrightTag, "No copyright, use freely");
     cmsUInt32Number size = 0;
     cmsSaveProfileToMem(profile.get(), nullptr, &size);
     QByteArray bytes(qsizetype(size), '\0');
@@ -322,11 +320,34 @@ QByteArray makeSrgbProfile()
     return bytes;
 }
 
+QByteArray makeSrgbProfile()
+{
+    const Context context(cmsCreateContext(nullptr, nullptr));
+    const cmsCIExyYTRIPLE primaries = {{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}};
+    return makeRgbProfile(context.get(), primaries, srgbCurve(context.get()), "sRGB IEC61966-2.1");
+}
+
+/// Adobe RGB (1998) Color Image Encoding, version 2005-05: sections 4.3.1.1 (primaries) and 4.3.4.2
+/// (exponent).
+QByteArray makeAdobeRgbProfile()
+{
+    const Context context(cmsCreateContext(nullptr, nullptr));
+    const cmsCIExyYTRIPLE primaries = {{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}};
+    const Curve curve(cmsBuildGamma(context.get(), 2.19921875));
+    return makeRgbProfile(context.get(), primaries, curve, "Adobe RGB (1998)");
+}
+
 } // namespace
 
 const QByteArray &srgbProfile()
 {
     static const QByteArray profile = makeSrgbProfile();
+    return profile;
+}
+
+const QByteArray &adobeRgbProfile()
+{
+    static const QByteArray profile = makeAdobeRgbProfile();
     return profile;
 }
 

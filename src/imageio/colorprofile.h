@@ -69,6 +69,9 @@ QString profileColorModel(const QByteArray &iccProfile);
 /// The profile's name for people; empty when it has none.
 QString profileDescription(const QByteArray &iccProfile);
 
+/// Adobe RGB (1998), for pictures that name it without carrying a profile.
+const QByteArray &adobeRgbProfile();
+
 /// The sRGB profile that every written picture carries: under 4 KB, always the same bytes.
 const QByteArray &srgbProfile();
 

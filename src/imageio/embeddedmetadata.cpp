@@ -5,6 +5,7 @@
 #include "imageio/copyencoding.h"
 #include "imageio/exiv2setup.h"
 #include "imageio/metadatareading.h"
+#include "imageio/propertykeys.h"
 
 namespace plexa
 {
@@ -32,6 +33,8 @@ std::shared_ptr<const EmbeddedMetadata> EmbeddedMetadata::read(const QString &pa
         lock.unlock();
         data->ownProperties = propertiesOfMetadata(data->set, xmp);
         data->properties = withPngTexts(data->ownProperties, data->set.texts);
+        if (const QVariantMap png = pngTextProperties(data->set.texts); !png.isEmpty())
+            data->properties.insert(kCGImagePropertyPNGDictionary, png);
     } catch (const std::exception &) {
         // Metadata that cannot be understood are none.
         data = std::make_unique<Data>();

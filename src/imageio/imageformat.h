@@ -56,7 +56,7 @@ struct PictureInfo {
     int imageCount = 1;
     int depth = 8;         ///< bits a component in the file
     QString colorModel;    ///< "RGB", "Gray", "CMYK" or "Lab", of the file
-    QByteArray iccProfile; ///< embedded, empty when there is none
+    QByteArray iccProfile; ///< embedded, or the one that the file names without it; empty: none
     double dpiWidth = 0;   ///< 0 when the container says nothing
     double dpiHeight = 0;
     bool isProgressive = false; ///< JPEG only
@@ -65,6 +65,8 @@ struct PictureInfo {
     bool isUpright = false; ///< the format turns its pictures by itself: EXIF's orientation is not followed
     qint64 decoderBytes = 0; ///< the most memory that a reader holds besides the strips it fills: what it has
                              ///< to decode whole before the first row comes out; 0 where the rows stream
+    QVariantMap formatProperties; ///< dictionaries of the property dictionary that are of one container
+                                  ///< only: "{JFIF}", "{PNG}", ...
     QStringList unmarkedPictures; ///< pictures beside image 0 that a copy must not carry: "gain map", ...
 };
 

@@ -83,6 +83,13 @@ QVariantMap ImageSource::State::makeProperties(const EmbeddedMetadata &fromMetad
     // A density that EXIF has with its unit is what the camera or the editor wrote on purpose; JFIF's is
     // often only filled in.
     map.insert(fromMetadata.properties());
+    // Texts of a PNG come with the metadata, the rest of its dictionary with the picture.
+    for (auto dictionary = info.formatProperties.begin(); dictionary != info.formatProperties.end();
+         ++dictionary) {
+        QVariantMap whole = map.value(dictionary.key()).toMap();
+        whole.insert(dictionary->toMap());
+        map.insert(dictionary.key(), whole);
+    }
     if (info.isUpright)
         setUpright(map);
     return map;

@@ -4,6 +4,7 @@
 #include "imageio/jpegcodec.h"
 #include "imageio/jpegerrors.h"
 #include "imageio/jpegstructure.h"
+#include "imageio/propertykeys.h"
 #include "imageio/readfailures.h"
 
 #include <array>
@@ -332,6 +333,10 @@ Result<PictureInfo> JpegCodec::readInfo(QIODevice &device, const ReadLimits &lim
     for (const JpegStructure::Component &component : structure->components)
         factors.append(QByteArray::number(component.horizontal) + QByteArray::number(component.vertical));
     info.chromaSampling = factors.join(',');
+    if (!structure->jfif.isEmpty()) {
+        structure->jfif.insert(kCGImagePropertyJFIFIsProgressive, structure->isProgressive);
+        info.formatProperties.insert(kCGImagePropertyJFIFDictionary, structure->jfif);
+    }
     if (structure->hasSeveralScans)
         info.decoderBytes = coefficientBytes(structure->size, structure->components);
     info.unmarkedPictures = structure->unmarkedPictures;

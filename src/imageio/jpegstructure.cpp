@@ -2,6 +2,9 @@
 
 #include "imageio/jpegstructure.h"
 
+#include "imageio/colorprofile.h"
+#include "imageio/exifcolorspace.h"
+#include "imageio/propertykeys.h"
 #include "imageio/readfailures.h"
 
 #include <QtEndian>
@@ -34,6 +37,7 @@ enum Marker {
 
 constexpr QByteArrayView kIcc("ICC_PROFILE\0", 12);
 constexpr QByteArrayView kMultiPicture("MPF\0", 4);
+constexpr QByteArrayView kExif("Exif\0\0", 6);
 constexpr QByteArrayView kXmp("http://ns.adobe.com/xap/1.0/\0", 29);
 constexpr QByteArrayView kIsoGainMap("urn:iso:std:iso:ts:21496:-1\0", 28);
 
@@ -257,6 +261,12 @@ void readDensity(QByteArrayView jfif, JpegStructure &structure)
     const int unit = uchar(jfif[7]);
     const int horizontal = qFromBigEndian<quint16>(jfif.data() + 8);
     const int vertical = qFromBigEndian<quint16>(jfif.data() + 10);
+    structure.jfif = {
+        {kCGImagePropertyJFIFVersion, QVariantList{int(uchar(jfif[5])), int(uchar(jfif[6]))}},
+        {kCGImagePropertyJFIFXDensity, horizontal},
+        {kCGImagePropertyJFIFYDensity, vertical},
+        {kCGImagePropertyJFIFDensityUnit, unit},
+    };
     if (horizontal == 0 || vertical == 0 || unit > 2 || (unit == 0 && horizontal == vertical))
         return;
     const double perInch = unit == 2 ? 2.54 : 1;
@@ -273,6 +283,8 @@ Result<JpegStructure> readJpegStructure(QIODevice &device, const ReadLimits &lim
     QList<FurtherPicture> furtherPictures;
     bool hasGainMap = false;
     bool hasData = false;
+    bool isAdobeRgb = false;
+    bool hasExif = false;
     SegmentReader segments(device);
     while (const std::optional<int> marker = segments.next()) {
         if (*marker == SOS || *marker == EOI) {
@@ -289,6 +301,9 @@ Result<JpegStructure> readJpegStructure(QIODevice &device, const ReadLimits &lim
                 return tl::unexpected(frame.error());
         } else if (*marker == APP0) {
             readDensity(segments.payload(32), structure);
+        } else if (*marker == APP1 && !hasExif && segments.payload(32).startsWith(kExif)) {
+            hasExif = true;
+            isAdobeRgb = exifSaysAdobeRgb(segments.payload().sliced(kExif.size()));
         } else if (*marker == APP1 && segments.payload(32).startsWith(kXmp)) {
             hasGainMap = hasGainMap || speaksOfGainMap(segments.payload());
         } else if (*marker == APP2 && segments.payload(32).startsWith(kIcc)) {
@@ -307,6 +322,8 @@ Result<JpegStructure> readJpegStructure(QIODevice &device, const ReadLimits &lim
     if (const auto size = ReadFailures::checkSize(structure.size, limits); !size)
         return tl::unexpected(size.error());
     structure.iccProfile = icc.whole();
+    if (structure.iccProfile.isEmpty() && isAdobeRgb && structure.components.size() == 3)
+        structure.iccProfile = adobeRgbProfile();
     structure.unmarkedPictures = nameUnmarkedPictures(device, furtherPictures, hasGainMap);
     return structure;
 }

@@ -20,7 +20,9 @@ struct JpegStructure {
     bool hasSeveralScans = false; ///< the first one does not give the whole picture
     double dpiWidth = 0;          ///< from JFIF; the bare aspect where it has no unit; 0 when it says nothing
     double dpiHeight = 0;
-    QByteArray iccProfile;        ///< put together from its pieces; empty when one is missing
+    QByteArray iccProfile;        ///< put together from its pieces, empty when one is missing; Adobe RGB of
+                                  ///< our making where there is none and the EXIF names that space
+    QVariantMap jfif;             ///< the dictionary "{JFIF}" without "IsProgressive"; empty: no JFIF
     QStringList unmarkedPictures; ///< see PictureInfo
 };
 

@@ -2,6 +2,7 @@
 
 #include "imageio/metadatachanges.h"
 
+#include "imageio/exifvalues.h"
 #include "imageio/metadataclearing.h"
 #include "imageio/metadatafields.h"
 #include "imageio/metadatatext.h"
@@ -106,9 +107,11 @@ void makeUtf8(Exiv2::IptcData &iptc)
     const bool isMarked = iptc.findKey(Exiv2::IptcKey("Iptc.Envelope.CharacterSet")) != iptc.end();
     if (isMarked && charset && qstrcmp(charset, "UTF-8") == 0)
         return;
+    const QByteArray characterSet = iptcCharacterSet(iptc);
     for (Exiv2::Iptcdatum &datum : iptc) {
         if (datum.typeId() == Exiv2::string && datum.record() != Exiv2::IptcDataSets::envelope)
-            datum.setValue(decodedText(QByteArray::fromStdString(datum.toString())).toStdString());
+            datum.setValue(
+                decodedIptcText(QByteArray::fromStdString(datum.toString()), characterSet).toStdString());
     }
     iptc["Iptc.Envelope.CharacterSet"] = std::string("\x1B%G");
 }

@@ -8,8 +8,17 @@
 namespace plexa
 {
 
-/// Text of unknown origin: UTF-8 where the bytes are valid UTF-8, else Latin-1.
+/// Text of unknown origin: UTF-8 where the bytes are valid UTF-8, else Windows-1252, which has Latin-1's
+/// letters.
 QString decodedText(const QByteArray &bytes);
+
+/// A text of an IPTC record.
+/// @param characterSet  the record's data set 1:90, an escape sequence of ISO 2022; empty or unknown: as
+///                      decodedText(). So is a text that is not the UTF-8 that the record promises.
+QString decodedIptcText(const QByteArray &bytes, const QByteArray &characterSet);
+
+/// The same of a padded field, as decodedField().
+QString decodedIptcField(const QByteArray &bytes, const QByteArray &characterSet);
 
 /// A padded field: up to its first NUL, as decodedText(). A field of nothing but blanks gives an empty text.
 QString decodedField(const QByteArray &bytes);

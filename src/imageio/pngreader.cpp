@@ -3,6 +3,7 @@
 #include "imageio/colorprofile.h"
 #include "imageio/pngcodec.h"
 #include "imageio/pngerrors.h"
+#include "imageio/propertykeys.h"
 #include "imageio/readfailures.h"
 
 #include <QtEndian>
@@ -81,6 +82,7 @@ struct Header {
     png_bytep icc;        ///< libpng's
     png_uint_32 iccSize;
     bool hasSrgb;
+    int srgbIntent;
     bool hasGamma;
     double gamma;
     bool hasChromaticities;
@@ -190,6 +192,7 @@ private:
         if (!png_get_iCCP(m_png, m_info, &name, &compression, &m_header.icc, &m_header.iccSize))
             m_header.icc = nullptr;
         m_header.hasSrgb = png_get_sRGB(m_png, m_info, &intent) != 0;
+        m_header.srgbIntent = intent;
         m_header.hasGamma = png_get_valid(m_png, m_info, PNG_INFO_gAMA) != 0 &&
                             png_get_gAMA(m_png, m_info, &m_header.gamma) != 0;
         double *c = m_header.chromaticities;
@@ -257,6 +260,26 @@ qint64 bytesPerPixel(PixelLayout layout)
     default:
         return 4;
     }
+}
+
+QVariantMap propertiesOf(const Header &header)
+{
+    QVariantMap png = {{kCGImagePropertyPNGInterlaceType, header.interlace}};
+    if (header.hasGamma)
+        png.insert(kCGImagePropertyPNGGamma, header.gamma);
+    if (header.hasChromaticities) {
+        QVariantList chromaticities;
+        for (const double chromaticity : header.chromaticities)
+            chromaticities.append(qRound(chromaticity * 100'000) / 100'000.0); // as the file has them
+        png.insert(kCGImagePropertyPNGChromaticities, chromaticities);
+    }
+    if (header.hasSrgb)
+        png.insert(kCGImagePropertyPNGsRGBIntent, header.srgbIntent);
+    if (header.hasDensity && header.densityUnit == PNG_RESOLUTION_METER) {
+        png.insert(kCGImagePropertyPNGXPixelsPerMeter, qlonglong(header.densityX));
+        png.insert(kCGImagePropertyPNGYPixelsPerMeter, qlonglong(header.densityY));
+    }
+    return png;
 }
 
 class PngRowReader final : public RowReader
@@ -394,6 +417,7 @@ Result<PictureInfo> PngCodec::readInfo(QIODevice &device, const ReadLimits &limi
     info.colorModel =
         (header.colorType & PNG_COLOR_MASK_COLOR) != 0 ? QStringLiteral("RGB") : QStringLiteral("Gray");
     info.iccProfile = iccOf(header);
+    info.formatProperties.insert(kCGImagePropertyPNGDictionary, propertiesOf(header));
     if (decoder.isInterlaced()) {
         // The whole picture, whose first row is done with the last pass only.
         PixelLayout layout = PixelLayout::Rgb32;

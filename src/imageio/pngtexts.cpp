@@ -186,6 +186,17 @@ QVariantMap withPngTexts(QVariantMap properties, const QList<PngText> &texts)
     return properties;
 }
 
+QVariantMap pngTextProperties(const QList<PngText> &texts)
+{
+    QVariantMap dictionary;
+    for (const PngText &text : texts) {
+        const QString key = QString::fromLatin1(text.keyword);
+        if (!dictionary.contains(key))
+            dictionary.insert(key, text.text);
+    }
+    return dictionary;
+}
+
 QList<PngText> pngTextsForCopy(const QList<PngText> &texts, const QVariantMap &before,
                                const QVariantMap &after)
 {

@@ -15,6 +15,8 @@ inline constexpr QLatin1StringView kCGImagePropertyExifDictionary("{Exif}");
 inline constexpr QLatin1StringView kCGImagePropertyExifAuxDictionary("{ExifAux}");
 inline constexpr QLatin1StringView kCGImagePropertyIPTCDictionary("{IPTC}");
 inline constexpr QLatin1StringView kCGImagePropertyGPSDictionary("{GPS}");
+inline constexpr QLatin1StringView kCGImagePropertyJFIFDictionary("{JFIF}");
+inline constexpr QLatin1StringView kCGImagePropertyPNGDictionary("{PNG}");
 inline constexpr QLatin1StringView kCGImagePropertyFileSize("FileSize");
 inline constexpr QLatin1StringView kCGImagePropertyPixelWidth("PixelWidth");
 inline constexpr QLatin1StringView kCGImagePropertyPixelHeight("PixelHeight");
@@ -239,6 +241,21 @@ inline constexpr QLatin1StringView kCGImagePropertyIPTCContactInfoStateProvince(
 inline constexpr QLatin1StringView kCGImagePropertyIPTCContactInfoEmails("CiEmailWork");
 inline constexpr QLatin1StringView kCGImagePropertyIPTCContactInfoPhones("CiTelWork");
 inline constexpr QLatin1StringView kCGImagePropertyIPTCContactInfoWebURLs("CiUrlWork");
+
+// JFIF
+inline constexpr QLatin1StringView kCGImagePropertyJFIFVersion("JFIFVersion");
+inline constexpr QLatin1StringView kCGImagePropertyJFIFXDensity("XDensity");
+inline constexpr QLatin1StringView kCGImagePropertyJFIFYDensity("YDensity");
+inline constexpr QLatin1StringView kCGImagePropertyJFIFDensityUnit("DensityUnit");
+inline constexpr QLatin1StringView kCGImagePropertyJFIFIsProgressive("IsProgressive");
+
+// PNG; its texts stand beside these under their own keywords ("Author", "Creation Time")
+inline constexpr QLatin1StringView kCGImagePropertyPNGGamma("Gamma");
+inline constexpr QLatin1StringView kCGImagePropertyPNGInterlaceType("InterlaceType");
+inline constexpr QLatin1StringView kCGImagePropertyPNGXPixelsPerMeter("XPixelsPerMeter");
+inline constexpr QLatin1StringView kCGImagePropertyPNGYPixelsPerMeter("YPixelsPerMeter");
+inline constexpr QLatin1StringView kCGImagePropertyPNGsRGBIntent("sRGBIntent");
+inline constexpr QLatin1StringView kCGImagePropertyPNGChromaticities("Chromaticities");
 
 // For the writer
 /// 0 (smallest file) to 1 (best quality).

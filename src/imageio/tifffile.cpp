@@ -2,6 +2,8 @@
 
 #include "imageio/tifffile.h"
 
+#include "imageio/colorprofile.h"
+#include "imageio/exifcolorspace.h"
 #include "imageio/readfailures.h"
 
 #include <cmath>
@@ -188,6 +190,8 @@ Result<void> TiffFile::readLayout()
     const void *profile = nullptr;
     if (TIFFGetField(m_tiff, TIFFTAG_ICCPROFILE, &profileBytes, &profile) && profileBytes <= kMaxProfileBytes)
         m_facts.iccProfile = QByteArray(static_cast<const char *>(profile), qsizetype(profileBytes));
+    else if (m_facts.colorModel == u"RGB"_qs && exifSaysAdobeRgb(m_device))
+        m_facts.iccProfile = adobeRgbProfile();
     readResolution();
     return {};
 }

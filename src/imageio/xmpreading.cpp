@@ -8,7 +8,9 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
+#include <string_view>
 
 namespace plexa
 {
@@ -18,10 +20,33 @@ namespace
 
 constexpr long kMaxItems = 4096;
 
-Exiv2::XmpData::const_iterator found(const Exiv2::XmpData &xmp, const char *key)
+/// Are these one path into a structure? Below the property itself, its parts have the prefix that the file
+/// happens to use: "Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrCity".
+bool isSamePath(std::string_view a, std::string_view b)
 {
-    return std::find_if(xmp.begin(), xmp.end(),
-                        [key](const Exiv2::Xmpdatum &datum) { return datum.key() == key; });
+    const auto takePart = [](std::string_view &path) {
+        const size_t slash = path.find('/');
+        std::string_view part = path.substr(0, slash);
+        path.remove_prefix(slash == path.npos ? path.size() : slash + 1);
+        const size_t colon = part.find(':');
+        if (colon != part.npos)
+            part.remove_prefix(colon + 1);
+        return part;
+    };
+    while (!a.empty() && !b.empty()) {
+        if (takePart(a) != takePart(b))
+            return false;
+    }
+    return a.empty() && b.empty();
+}
+
+Exiv2::XmpData::const_iterator found(const Exiv2::XmpData &xmp, std::string_view key)
+{
+    const bool isInside = key.find('/') != key.npos;
+    return std::find_if(xmp.begin(), xmp.end(), [&](const Exiv2::Xmpdatum &datum) {
+        const std::string other = datum.key();
+        return isInside ? isSamePath(other, key) : other == key;
+    });
 }
 
 QStringList textsOf(const Exiv2::Value &value)
@@ -55,6 +80,10 @@ QVariant numberOf(const QString &text)
     const int whole = text.toInt(&isWhole);
     if (isWhole)
         return whole;
+    // Some lenses are identified by eight bytes in one number.
+    const qlonglong large = text.toLongLong(&isWhole);
+    if (isWhole)
+        return large;
     const QStringList parts = text.split(u'/');
     bool hasNumerator = false;
     bool hasDenominator = true;
@@ -89,6 +118,22 @@ QStringList captured(const char *pattern, const QString &text)
 constexpr const char *kIsoDate = "^([0-9]{4})-([0-9]{2})-([0-9]{2})(?:T([0-9]{2}):([0-9]{2})(?::([0-9]{2})"
                                  "(?:\\.([0-9]+))?)?(.*))?$";
 
+/// The first text under the key; empty when there is none.
+QString textAt(const Exiv2::XmpData &xmp, std::string_view key)
+{
+    const auto datum = found(xmp, key);
+    return datum == xmp.end() ? QString() : textsOf(datum->value()).value(0);
+}
+
+/// "+01:00" at the end of a date that kIsoDate has matched; empty when there is none.
+QString offsetOf(const QStringList &dateParts)
+{
+    const QString zone = dateParts.value(8);
+    if (zone == u"Z")
+        return QStringLiteral("+00:00");
+    return captured("^[+-][0-9]{2}:[0-9]{2}$", zone).value(0);
+}
+
 /// "2010-08-13T21:00:01.85-06:00" is "2010:08:13 21:00:01"; a date without a time is no point in time.
 QVariant dateTimeOf(const QString &text)
 {
@@ -106,26 +151,30 @@ QVariant iptcDateOf(const QString &text)
     return parts.size() < 4 ? QVariant() : QVariant(parts[1] + parts[2] + parts[3]);
 }
 
-/// "51,10.69686N" or "51,10,41.8N": degrees and the letter.
+/// "51,10.69686N" or "51,10,41.8N": degrees and the letter. Some programs write plain degrees, "51.178" or
+/// "-1.83", with or without a letter.
 struct Coordinate {
     double degrees;
-    QString letter;
+    QString letter; ///< may be empty
 };
 
 std::optional<Coordinate> coordinateOf(const QString &text)
 {
     const QStringList parts =
         captured("^([0-9]+),([0-9]+(?:\\.[0-9]+)?)(?:,([0-9]+(?:\\.[0-9]+)?))?([NSEWnsew])$", text);
-    if (parts.size() != 5)
+    if (parts.size() == 5)
+        return Coordinate{parts[1].toDouble() + parts[2].toDouble() / 60 + parts[3].toDouble() / 3600,
+                          parts[4].toUpper()};
+    const QStringList plain = captured("^([+-]?[0-9]{1,3}(?:\\.[0-9]+)?)([NSEWnsew]?)$", text);
+    if (plain.size() < 2)
         return {};
-    return Coordinate{parts[1].toDouble() + parts[2].toDouble() / 60 + parts[3].toDouble() / 3600,
-                      parts[4].toUpper()};
+    return Coordinate{plain[1].toDouble(), plain.value(2).toUpper()};
 }
 
 QVariant degreesOf(const QString &text)
 {
     const auto coordinate = coordinateOf(text);
-    return coordinate ? QVariant(coordinate->degrees) : QVariant();
+    return coordinate ? QVariant(std::abs(coordinate->degrees)) : QVariant();
 }
 
 QVariant versionOf(const QString &text)
@@ -143,7 +192,7 @@ QVariant versionOf(const QString &text)
 QVariant flashOf(const Exiv2::XmpData &xmp)
 {
     const auto part = [&](const char *name) {
-        const auto datum = found(xmp, (std::string("Xmp.exif.Flash/exif:") + name).c_str());
+        const auto datum = found(xmp, std::string("Xmp.exif.Flash/exif:") + name);
         return datum == xmp.end() ? QString() : textsOf(datum->value()).join(u' ').toLower();
     };
     const QString fired = part("Fired");
@@ -160,7 +209,9 @@ QVariant xmpField(const Exiv2::XmpData &xmp, const MetadataField &field)
 {
     if (field.key == kCGImagePropertyExifFlash)
         return flashOf(xmp);
-    const auto datum = field.xmp ? found(xmp, field.xmp) : xmp.end();
+    auto datum = field.xmp ? found(xmp, field.xmp) : xmp.end();
+    if (datum == xmp.end() && field.key == kCGImagePropertyExifISOSpeedRatings) // its name since EXIF 2.3
+        datum = found(xmp, "Xmp.exifEX.PhotographicSensitivity");
     if (datum == xmp.end())
         return {};
     const QStringList texts = textsOf(datum->value());
@@ -194,28 +245,94 @@ QVariant xmpField(const Exiv2::XmpData &xmp, const MetadataField &field)
     return {};
 }
 
+void insertTimesFromXmp(QVariantMap &exif, const QVariantMap &tiff, const Exiv2::XmpData &xmp)
+{
+    struct Time {
+        const char *xmp;
+        QLatin1StringView timeKey;
+        QLatin1StringView subsecKey;
+        QLatin1StringView offsetKey;
+    };
+    static constexpr Time kTimes[] = {
+        {"Xmp.exif.DateTimeOriginal", kCGImagePropertyExifDateTimeOriginal,
+         kCGImagePropertyExifSubsecTimeOrginal, kCGImagePropertyExifOffsetTimeOriginal},
+        {"Xmp.exif.DateTimeDigitized", kCGImagePropertyExifDateTimeDigitized,
+         kCGImagePropertyExifSubsecTimeDigitized, kCGImagePropertyExifOffsetTimeDigitized},
+        {"Xmp.xmp.ModifyDate", kCGImagePropertyTIFFDateTime, kCGImagePropertyExifSubsecTime,
+         kCGImagePropertyExifOffsetTime},
+    };
+    for (const Time &time : kTimes) {
+        const bool isInTiff = time.timeKey == kCGImagePropertyTIFFDateTime;
+        if ((isInTiff ? tiff : exif).contains(time.timeKey))
+            continue;
+        const QStringList parts = captured(kIsoDate, textAt(xmp, time.xmp));
+        if (!parts.value(7).isEmpty() && !exif.contains(time.subsecKey))
+            exif.insert(time.subsecKey, parts[7]);
+        const QString offset = offsetOf(parts);
+        if (!offset.isEmpty() && !exif.contains(time.offsetKey))
+            exif.insert(time.offsetKey, offset);
+    }
+}
+
+void insertIptcFromXmp(QVariantMap &iptc, const Exiv2::XmpData &xmp)
+{
+    const QStringList created = captured(kIsoDate, textAt(xmp, "Xmp.photoshop.DateCreated"));
+    const QString offset = offsetOf(created).remove(u':');
+    // A time without its date in IIM would be put together with a date of another source.
+    if (created.size() > 5 && !created[4].isEmpty() && !iptc.contains(kCGImagePropertyIPTCTimeCreated) &&
+        iptc.value(kCGImagePropertyIPTCDateCreated) == created[1] + created[2] + created[3])
+        iptc.insert(kCGImagePropertyIPTCTimeCreated,
+                    created[4] + created[5] +
+                        (created.value(6).isEmpty() ? QStringLiteral("00") : created[6]) + offset);
+
+    struct Part {
+        const char *name;
+        QLatin1StringView key;
+    };
+    static constexpr Part kParts[] = {
+        {"Sublocation", kCGImagePropertyIPTCSubLocation},
+        {"City", kCGImagePropertyIPTCCity},
+        {"ProvinceState", kCGImagePropertyIPTCProvinceState},
+        {"CountryName", kCGImagePropertyIPTCCountryPrimaryLocationName},
+        {"CountryCode", kCGImagePropertyIPTCCountryPrimaryLocationCode},
+    };
+    for (const Part &part : kParts) {
+        if (iptc.contains(part.key))
+            return;
+    }
+    for (const Part &part : kParts) {
+        const std::string key = std::string("Xmp.iptcExt.LocationCreated[1]/Iptc4xmpExt:") + part.name;
+        if (const QString text = textAt(xmp, key); !text.isEmpty())
+            iptc.insert(part.key, text);
+    }
+}
+
 void insertGpsFromXmp(QVariantMap &gps, const Exiv2::XmpData &xmp)
 {
     const auto insert = [&gps](QLatin1StringView key, const QString &text) {
         if (!text.isEmpty() && !gps.contains(key))
             gps.insert(key, text);
     };
-    const auto textOf = [&xmp](const char *key) {
-        const auto datum = found(xmp, key);
-        return datum == xmp.end() ? QString() : textsOf(datum->value()).value(0);
-    };
-    const auto insertLetter = [&](const char *key, QLatin1StringView letterKey) {
-        if (const auto coordinate = coordinateOf(textOf(key)))
+    const auto insertLetter = [&](const char *key, QLatin1StringView letterKey, const char *letters) {
+        const auto coordinate = coordinateOf(textAt(xmp, key));
+        if (coordinate && coordinate->letter.isEmpty())
+            insert(letterKey, QString(QLatin1Char(coordinate->degrees < 0 ? letters[1] : letters[0])));
+        else if (coordinate)
             insert(letterKey, coordinate->letter);
     };
-    insertLetter("Xmp.exif.GPSLatitude", kCGImagePropertyGPSLatitudeRef);
-    insertLetter("Xmp.exif.GPSLongitude", kCGImagePropertyGPSLongitudeRef);
-    insertLetter("Xmp.exif.GPSDestLatitude", kCGImagePropertyGPSDestLatitudeRef);
-    insertLetter("Xmp.exif.GPSDestLongitude", kCGImagePropertyGPSDestLongitudeRef);
+    insertLetter("Xmp.exif.GPSLatitude", kCGImagePropertyGPSLatitudeRef, "NS");
+    insertLetter("Xmp.exif.GPSLongitude", kCGImagePropertyGPSLongitudeRef, "EW");
+    insertLetter("Xmp.exif.GPSDestLatitude", kCGImagePropertyGPSDestLatitudeRef, "NS");
+    insertLetter("Xmp.exif.GPSDestLongitude", kCGImagePropertyGPSDestLongitudeRef, "EW");
 
-    const QStringList moment = captured(kIsoDate, textOf("Xmp.exif.GPSTimeStamp"));
-    if (moment.size() >= 4)
-        insert(kCGImagePropertyGPSDateStamp, moment[1] + u':' + moment[2] + u':' + moment[3]);
+    const QStringList moment = captured(kIsoDate, textAt(xmp, "Xmp.exif.GPSTimeStamp"));
+    if (moment.size() < 4)
+        return;
+    const QString date = moment[1] + u':' + moment[2] + u':' + moment[3];
+    insert(kCGImagePropertyGPSDateStamp, date);
+    // The time of another day would make a moment that never was.
+    if (gps.value(kCGImagePropertyGPSDateStamp).toString() != date)
+        return;
     if (moment.size() >= 7 && !moment[6].isEmpty()) {
         const QString fraction = moment.size() > 7 && !moment[7].isEmpty() ? u'.' + moment[7] : QString();
         insert(kCGImagePropertyGPSTimeStamp, moment[4] + u':' + moment[5] + u':' + moment[6] + fraction);

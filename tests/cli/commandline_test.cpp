@@ -122,6 +122,7 @@ private Q_SLOTS:
     void stoppingLeavesWholeFiles_data();
     void stoppingLeavesWholeFiles();
     void inspect();
+    void inspectTellsTheWholeDictionary();
 
 private:
     void write(const QString &name, const QByteArray &contents);
@@ -181,8 +182,8 @@ void CommandLineTest::realPhotos()
                                       QStringLiteral("-ICC_Profile:ProfileDescription"), source});
         if (!profile.trimmed().isEmpty() && !profile.contains("sRGB IEC61966"))
             continue;
-        if (source.contains(QLatin1String("cmyk")))
-            continue;
+        if (source.contains(QLatin1String("cmyk")) || source.contains(QLatin1String("olympus-e-p3")))
+            continue; // the latter is Adobe RGB without a profile
         const double psnr = psnrOutside(before, after, holeOf(line));
         QVERIFY2(psnr > 38, qPrintable(QStringLiteral("%1: %2 dB").arg(source).arg(psnr)));
         QVERIFY2(psnrOutside(before, after, QRect()) < 60,
@@ -391,6 +392,45 @@ void CommandLineTest::inspect()
              QStringLiteral("320 x 200"));
     QVERIFY(photos[0][QStringLiteral("tokens")][QStringLiteral("city")].isNull());
     QCOMPARE(photos[1][QStringLiteral("type")].toString(), QStringLiteral("image/png"));
+}
+
+/// Numbers as numbers, arrays as arrays, dictionaries inside of each other; for people below each other, and
+/// without anything that a terminal would act on.
+void CommandLineTest::inspectTellsTheWholeDictionary()
+{
+    const QString exiftool = firstProgram({QStringLiteral("exiftool")});
+    if (exiftool.isEmpty())
+        QSKIP("exiftool is not installed");
+    const QString photo = m_folder->path(QStringLiteral("in/b.jpg"));
+    outputOf(exiftool,
+             {QStringLiteral("-q"), QStringLiteral("-overwrite_original"), QStringLiteral("-ISO=200"),
+              QStringLiteral("-ExposureTime=1/3"), QStringLiteral("-DateTimeOriginal=2024:05:06 07:08:09"),
+              QStringLiteral("-XMP-iptcCore:CreatorCity=Bern"), QStringLiteral("-IPTC:Keywords=a"),
+              QStringLiteral("-Artist=A\x1b[31mB"), photo});
+    const Outcome json = run({QStringLiteral("inspect"), QStringLiteral("--json"), photo});
+    QCOMPARE(json.status, 0);
+    QVERIFY(json.err.isEmpty());
+    const QJsonObject object = QJsonDocument::fromJson(json.out).array()[0].toObject();
+    const QStringList keys{QStringLiteral("height"), QStringLiteral("orientation"),
+                           QStringLiteral("path"),   QStringLiteral("properties"),
+                           QStringLiteral("tokens"), QStringLiteral("type"),
+                           QStringLiteral("width")};
+    QCOMPARE(object.keys(), keys);
+    const QJsonValue properties = object[QStringLiteral("properties")];
+    const QJsonValue exif = properties[QStringLiteral("{Exif}")];
+    QCOMPARE(exif[QStringLiteral("ISOSpeedRatings")], QJsonValue(QJsonArray{200}));
+    QCOMPARE(exif[QStringLiteral("ExposureTime")], QJsonValue(1.0 / 3));
+    const QJsonValue iptc = properties[QStringLiteral("{IPTC}")];
+    QCOMPARE(iptc[QStringLiteral("Keywords")], QJsonValue(QJsonArray{QStringLiteral("a")}));
+    QCOMPARE(iptc[QStringLiteral("CreatorContactInfo")][QStringLiteral("CiAdrCity")],
+             QJsonValue(QStringLiteral("Bern")));
+    QCOMPARE(object[QStringLiteral("tokens")][QStringLiteral("ISO speed")],
+             QJsonValue(QStringLiteral("200")));
+
+    const Outcome text = run({QStringLiteral("inspect"), photo});
+    QVERIFY(text.out.contains("\n  size         320 x 200\n"));
+    QVERIFY(text.out.contains("ISOSpeedRatings") && text.out.contains("[200]"));
+    QVERIFY(text.out.contains("A.[31mB") && !text.out.contains('\x1b'));
 }
 
 QTEST_GUILESS_MAIN(CommandLineTest)

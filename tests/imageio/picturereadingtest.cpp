@@ -114,7 +114,13 @@ void PictureReadingTest::colorsAreThoseOfImageMagick()
     QString error;
     const QImage ours = decoded(path, &error);
     QVERIFY2(!ours.isNull(), qPrintable(error));
-    const QImage theirs = decodedByMagick(path, ours.size(), m_srgb);
+    QString assumed;
+    if (path.endsWith(u"olympus-e-p3.jpg")) { // Adobe RGB, as only its EXIF says: here by Adobe's own profile
+        assumed = m_folder.path(u"adobe rgb.icc"_qs);
+        QVERIFY(putFile(assumed,
+                        ImageSource::open(photo(u"jpeg/adobe-rgb-uss-reagan.jpg"_qs))->info().iccProfile));
+    }
+    const QImage theirs = decodedByMagick(path, ours.size(), m_srgb, assumed);
     QVERIFY2(!theirs.isNull(), "ImageMagick sees another size");
     const double difference = meanDifference(ours, theirs);
     QVERIFY2(difference < 2, qPrintable(QString::number(difference)));

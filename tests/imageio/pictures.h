@@ -26,13 +26,19 @@ inline QImage decoded(const QString &path, QString *error = nullptr, const ReadL
 }
 
 /// Decodes a file with ImageMagick, its colours brought to the sRGB of `profile` (a file).
-inline QImage decodedByMagick(const QString &path, QSize size, const QString &profile)
+/// @param assumedProfile  a file with the profile to take for a picture that has none
+inline QImage decodedByMagick(const QString &path, QSize size, const QString &profile,
+                              const QString &assumedProfile = {})
 {
-    const QByteArray pixels = outputOf(
-        magickConvert(), {path + QStringLiteral("[0]"), QStringLiteral("-intent"), QStringLiteral("Relative"),
-                          QStringLiteral("-black-point-compensation"), QStringLiteral("-profile"), profile,
-                          QStringLiteral("-colorspace"), QStringLiteral("sRGB"), QStringLiteral("-depth"),
-                          QStringLiteral("8"), QStringLiteral("rgba:-")});
+    QStringList arguments{path + QStringLiteral("[0]"), QStringLiteral("-intent"), QStringLiteral("Relative"),
+                          QStringLiteral("-black-point-compensation")};
+    if (!assumedProfile.isEmpty())
+        arguments += {QStringLiteral("-profile"), assumedProfile};
+    arguments += {QStringLiteral("-profile"),    profile,
+                  QStringLiteral("-colorspace"), QStringLiteral("sRGB"),
+                  QStringLiteral("-depth"),      QStringLiteral("8"),
+                  QStringLiteral("rgba:-")};
+    const QByteArray pixels = outputOf(magickConvert(), arguments);
     if (pixels.size() != qsizetype(size.width()) * size.height() * 4)
         return {};
     return QImage(reinterpret_cast<const uchar *>(pixels.constData()), size.width(), size.height(),

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/embeddedmetadata.h"
+#include "imageio/exifcolorspace.h"
+#include "imageio/propertykeys.h"
+
+#include <QString>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+using namespace plexa;
+
+namespace
+{
+
+void abortIf(bool isWrong)
+{
+    if (isWrong)
+        std::abort();
+}
+
+} // namespace
+
+/// The bytes are a whole file: its metadata are read and encoded for copies, unchanged, edited and cleared.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    constexpr size_t kMostBytes = 256 * 1024;
+    if (size > kMostBytes)
+        return 0;
+    exifSaysAdobeRgb(QByteArrayView(data, qsizetype(size)));
+
+    // The metadata library reads files: this one has a name but lies in memory.
+    static const int file = memfd_create("fuzz", MFD_CLOEXEC);
+    static const QString path = QStringLiteral("/proc/self/fd/%1").arg(file);
+    abortIf(ftruncate(file, 0) != 0 || pwrite(file, data, size, 0) != ssize_t(size));
+
+    const auto metadata = EmbeddedMetadata::read(path);
+    QVariantMap properties = metadata->properties();
+    const EmbeddedMetadata::CopyFacts facts{QSize(640, 480), 4000};
+    const auto unchanged = metadata->encodeForCopy(properties, facts);
+    // The picture without its watermark must not be in the copy.
+    abortIf(unchanged.exif.contains("\xFF\xD8\xFF") && unchanged.thumbnailPlaceholder.isEmpty());
+
+    QVariantMap iptc = properties.value(kCGImagePropertyIPTCDictionary).toMap();
+    iptc.insert(kCGImagePropertyIPTCObjectName, QString(QChar(0x416)));
+    properties.insert(kCGImagePropertyIPTCDictionary, iptc);
+    metadata->encodeForCopy(properties, facts);
+    metadata->encodeForCopy({}, facts);
+    return 0;
+}

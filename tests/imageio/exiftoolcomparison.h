@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "imageio/metadatafields.h"
+#include "imageio/propertykeys.h"
+
+#include <QMap>
+#include <QStringList>
+#include <QVariant>
+
+#include <cmath>
+
+namespace plexa::test
+{
+
+/// Where exiftool's names differ from the dictionary's.
+inline QString exiftoolName(MetadataGroup group, const QString &key)
+{
+    static const QMap<QString, QString> names{
+        {u"DateTime"_qs, u"ModifyDate"_qs},
+        {u"ISOSpeedRatings"_qs, u"ISO"_qs},
+        {u"DateTimeDigitized"_qs, u"CreateDate"_qs},
+        {u"ExposureBiasValue"_qs, u"ExposureCompensation"_qs},
+        {u"SubsecTime"_qs, u"SubSecTime"_qs},
+        {u"SubsecTimeOriginal"_qs, u"SubSecTimeOriginal"_qs},
+        {u"SubsecTimeDigitized"_qs, u"SubSecTimeDigitized"_qs},
+        {u"FlashPixVersion"_qs, u"FlashpixVersion"_qs},
+        {u"PixelXDimension"_qs, u"ExifImageWidth"_qs},
+        {u"PixelYDimension"_qs, u"ExifImageHeight"_qs},
+        {u"FocalLenIn35mmFilm"_qs, u"FocalLengthIn35mmFormat"_qs},
+        {u"SubjectDistRange"_qs, u"SubjectDistanceRange"_qs},
+        {u"CameraOwnerName"_qs, u"OwnerName"_qs},
+        {u"BodySerialNumber"_qs, u"SerialNumber"_qs},
+        {u"LensSpecification"_qs, u"LensInfo"_qs},
+        {u"GPSVersion"_qs, u"GPSVersionID"_qs},
+        {u"Differental"_qs, u"GPSDifferential"_qs},
+        {u"Byline"_qs, u"By-line"_qs},
+        {u"BylineTitle"_qs, u"By-lineTitle"_qs},
+        {u"Caption/Abstract"_qs, u"Caption-Abstract"_qs},
+        {u"Writer/Editor"_qs, u"Writer-Editor"_qs},
+        {u"Province/State"_qs, u"Province-State"_qs},
+        {u"SubLocation"_qs, u"Sub-location"_qs},
+        {u"Country/PrimaryLocationName"_qs, u"Country-PrimaryLocationName"_qs},
+        {u"Country/PrimaryLocationCode"_qs, u"Country-PrimaryLocationCode"_qs},
+        {u"SupplementalCategory"_qs, u"SupplementalCategories"_qs},
+    };
+    QString name = names.value(key, key);
+    if (group == MetadataGroup::Gps && !name.startsWith(u"GPS"))
+        name.prepend(u"GPS");
+    return name;
+}
+
+/// The places that hold a group's facts, as exiftool calls them.
+inline QStringList exiftoolGroups(MetadataGroup group)
+{
+    switch (group) {
+    case MetadataGroup::Tiff:
+        return {u"IFD0"_qs};
+    case MetadataGroup::Exif:
+        return {u"ExifIFD"_qs};
+    case MetadataGroup::Gps:
+        return {u"GPS"_qs};
+    case MetadataGroup::Iptc:
+        return {u"IPTC"_qs};
+    default:
+        return {};
+    }
+}
+
+/// A value's parts as texts, numbers to the last digit.
+inline QStringList words(const QVariant &value)
+{
+    QStringList result;
+    if (value.typeId() == QMetaType::QVariantList) {
+        for (const QVariant &item : value.toList())
+            result += words(item);
+        return result;
+    }
+    return value.typeId() == QMetaType::Double ? QStringList(QString::number(value.toDouble(), 'g', 17))
+                                               : value.toString().split(u' ');
+}
+
+/// exiftool turns APEX values into seconds and F-numbers.
+inline QVariant withoutApex(const MetadataField &field, const QVariant &value)
+{
+    if (field.key == kCGImagePropertyExifShutterSpeedValue && value.toDouble() < 100)
+        return std::exp2(-value.toDouble());
+    if (field.key == kCGImagePropertyExifApertureValue || field.key == kCGImagePropertyExifMaxApertureValue)
+        return std::exp2(value.toDouble() / 2);
+    return value;
+}
+
+/// Does the value say what exiftool prints, apart from its roundings and formats?
+inline bool isSame(const QString &expected, const MetadataField &field, const QVariant &value)
+{
+    const MetadataKind kind = field.kind;
+    if (kind == MetadataKind::Version) {
+        const QVariantList parts = value.toList();
+        QString digits = QStringLiteral("%1%2")
+                             .arg(parts.value(0).toInt(), 2, 10, QChar(u'0'))
+                             .arg(parts.value(1).toInt());
+        return (digits + (parts.size() > 2 ? parts[2].toString() : QStringLiteral("0"))) == expected;
+    }
+    if (kind == MetadataKind::IptcDate)
+        return QString(expected).remove(u':') == value.toString();
+    if (field.group == MetadataGroup::Iptc && QString(field.key).contains(u"Time"))
+        return value.toString().startsWith(QString(expected).remove(u':'));
+    if (field.key == kCGImagePropertyExifCFAPattern) // exiftool leaves the high bytes of both sides out
+        return value.toList().size() == expected.split(u' ').size() + 2;
+    const QStringList left =
+        QString(expected).replace(QLatin1StringView("undef"), QLatin1StringView("0")).split(u' ');
+    const QStringList right = words(value);
+    if (left.size() != right.size())
+        return false;
+    for (qsizetype i = 0; i < left.size(); ++i) {
+        bool isNumber = false;
+        const double wanted = left[i].toDouble(&isNumber);
+        // exiftool prints a quotient with ten digits.
+        if (left[i] != right[i] &&
+            !(isNumber && std::abs(right[i].toDouble() - wanted) <= 1e-8 * std::abs(wanted)))
+            return false;
+    }
+    return true;
+}
+
+} // namespace plexa::test
