@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "saving/outputnaming.h"
+
+#include "platform/alerts.h"
+#include "platform/filenames.h"
+#include "saving/safefilename.h"
+#include "watermark/texttokens.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+
+#include <utility>
+
+namespace plexa
+{
+namespace
+{
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(plexa::OutputNaming)
+};
+
+constexpr int kHighestNumber = 9999;
+const QString kSequence = QStringLiteral("sequence ");
+
+/// The number under "sequence #", "sequence ##" and so on, up to four digits.
+std::optional<QString> sequenceText(const QString &token, qint64 number)
+{
+    if (!token.startsWith(kSequence))
+        return std::nullopt;
+    const QStringView marks = QStringView(token).mid(kSequence.size());
+    if (marks.isEmpty() || marks.size() > 4 || marks.count(u'#') != marks.size())
+        return std::nullopt;
+    return QString::asprintf("%0*lld", static_cast<int>(marks.size()), static_cast<long long>(number));
+}
+
+QString inCase(const QString &text, const QString &letterCase)
+{
+    if (letterCase == QLatin1StringView("upper case"))
+        return text.toUpper();
+    return letterCase == QLatin1StringView("lower case") ? text.toLower() : text;
+}
+
+/// The folders of a path, from the root; none leads upwards.
+QStringList foldersOf(const QString &path)
+{
+    QStringList folders = QDir::cleanPath(QDir(path).absolutePath()).split(u'/', Qt::SkipEmptyParts);
+    folders.removeAll(QStringLiteral("..")); // what is left of them would lead above the root
+    return folders;
+}
+
+/// One spelling for one file, also through links to its folder.
+QString keyOf(const QString &path)
+{
+    const QFileInfo info(path);
+    const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
+    return folder.isEmpty() ? QDir::cleanPath(info.absoluteFilePath()) : folder + u'/' + info.fileName();
+}
+
+/// A name that fits, with something between the base name and the extension.
+QString fittingName(const QString &base, const QString &suffix, const QString &extension)
+{
+    const QString end = extension.isEmpty() ? suffix : suffix + u'.' + extension;
+    const qsizetype room = std::max<qsizetype>(kMaxFileNameBytes - end.toUtf8().size(), 0);
+    return shortenedToBytes(base, room) + end;
+}
+
+} // namespace
+
+OutputNaming::ConflictCode OutputNaming::always(Choice choice)
+{
+    return static_cast<ConflictCode>(kRemembered | static_cast<quint32>(choice));
+}
+
+OutputNaming::OutputNaming(OutputFolders folders, Alerts &alerts)
+    : m_folders(std::move(folders))
+    , m_alerts(alerts)
+{
+}
+
+QString OutputNaming::filenameForImage(const TokenSource &image, const QString &imagePath,
+                                       const QString &wPresetName, const SavingPresetValues &savingPreset,
+                                       qint64 sequenceNumber)
+{
+    const auto expanded = [&](const QString &token) -> QString {
+        if (const auto number = sequenceText(token, sequenceNumber))
+            return *number;
+        if (token == QLatin1StringView("watermark preset name"))
+            return wPresetName;
+        if (token == QLatin1StringView("saving preset name"))
+            return savingPreset.name;
+        bool isToken = false;
+        const std::optional<QString> value = image.stringForInfoToken(token, &isToken);
+        return isToken ? value.value_or(QString()) : token;
+    };
+    QString name;
+    for (const QString &token : savingPreset.filenameTokens)
+        name += expanded(token);
+    return filenameWithExtensionForFilename(name, imagePath, savingPreset);
+}
+
+QString OutputNaming::filenameWithExtensionForFilename(const QString &filename, const QString &originalPath,
+                                                       const SavingPresetValues &savingPreset)
+{
+    QString base = safeFileName(filename);
+    if (base.isEmpty())
+        base = safeFileName(filenameOf(originalPath));
+    if (base.isEmpty())
+        base = u'_';
+
+    const QStringList extensions = savingPreset.filenameExtensions(originalPath);
+    QString extension = fileExtensionOf(base).toLower();
+    if (extensions.contains(extension))
+        base = safeFileName(filenameOf(base));
+    else
+        extension = extensions.value(0);
+
+    if (savingPreset.fileExtensionCase == QLatin1StringView("upper case"))
+        extension = extension.toUpper();
+    return fittingName(inCase(base, savingPreset.fileBaseNameCase), QString(), extension);
+}
+
+QString OutputNaming::targetDirectoryForFile(const QString &path) const
+{
+    if (m_folders.destDirectory.isEmpty())
+        return QFileInfo(path).path();
+    if (!m_folders.replicateOrigDirStructure)
+        return m_folders.destDirectory;
+    const QStringList source = foldersOf(QFileInfo(path).path());
+    const QString &startDirectory = m_folders.replicationStartDirectory;
+    const QStringList start = startDirectory.isEmpty() ? QStringList() : foldersOf(startDirectory);
+    if (source.mid(0, start.size()) != start)
+        return m_folders.destDirectory;
+    const QStringList below = source.mid(start.size());
+    const QString folder = QDir(m_folders.destDirectory).filePath(below.join(u'/'));
+    QDir().mkpath(folder);
+    return folder;
+}
+
+std::optional<OutputNaming::Destination> OutputNaming::finalDestinationForPath(const QString &path,
+                                                                               ConflictCode &code)
+{
+    if (!isTaken(path))
+        return take(path, false);
+    switch (choiceFor(path, code)) {
+    case kUniqueName:
+        if (const std::optional<QString> unique = uniquePath(path))
+            return take(*unique, false);
+        return std::nullopt;
+    case kOverwrite:
+        return take(path, true);
+    case kNoChoice:
+    case kSkip:
+        break;
+    }
+    return std::nullopt;
+}
+
+bool OutputNaming::isBeingWritten(const QString &path) const
+{
+    const QString key = keyOf(path);
+    const std::lock_guard lock(m_mutex);
+    return m_beingWritten.contains(key);
+}
+
+void OutputNaming::finished(const QString &path)
+{
+    const QString key = keyOf(path);
+    const std::lock_guard lock(m_mutex);
+    const auto found = m_beingWritten.find(key);
+    if (found != m_beingWritten.end() && --*found == 0)
+        m_beingWritten.erase(found);
+}
+
+/// A link that points nowhere has the name, too.
+bool OutputNaming::isTaken(const QString &path) const
+{
+    const QFileInfo info(path);
+    return isBeingWritten(path) || info.exists() || info.isSymLink();
+}
+
+OutputNaming::Choice OutputNaming::choiceFor(const QString &path, ConflictCode &code) const
+{
+    const auto bits = static_cast<quint32>(code);
+    if ((bits & kRemembered) != 0)
+        return static_cast<Choice>(bits & ~kRemembered);
+
+    Alert alert;
+    alert.style = Alert::Style::Warning;
+    alert.title = Texts::tr("The file exists:\n  %1").arg(QFileInfo(path).fileName());
+    alert.text = Texts::tr("An overwritten file cannot be recovered. Consider generating a unique filename "
+                           "instead.");
+    alert.buttons = {Texts::tr("Use unique filename"), Texts::tr("Overwrite file"), Texts::tr("Skip file")};
+    alert.escapeButton = 2;
+    alert.hasSuppressionBox = true;
+    const AlertAnswer answer = m_alerts.run(alert);
+
+    Choice choice = kSkip;
+    if (answer.button == 0)
+        choice = kUniqueName;
+    else if (answer.button == 1)
+        choice = kOverwrite;
+    code = answer.suppressed ? always(choice) : choice;
+    return choice;
+}
+
+std::optional<QString> OutputNaming::uniquePath(const QString &path) const
+{
+    const QString name = QFileInfo(path).fileName();
+    const QDir folder(QFileInfo(path).path());
+    for (int number = 1; number <= kHighestNumber; ++number) {
+        const QString candidate = folder.filePath(
+            fittingName(filenameOf(name), u'-' + QString::number(number), fileExtensionOf(name)));
+        if (!isTaken(candidate))
+            return candidate;
+    }
+    return std::nullopt;
+}
+
+OutputNaming::Destination OutputNaming::take(const QString &path, bool overwrites)
+{
+    const QString key = keyOf(path);
+    const std::lock_guard lock(m_mutex);
+    ++m_beingWritten[key];
+    return {path, overwrites};
+}
+
+} // namespace plexa
