@@ -108,13 +108,14 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
     WriteOptions options = pictureOptions(request);
     const auto metadata = request.source ? request.source->metadata() : EmbeddedMetadata::none();
     const EmbeddedMetadata::CopyFacts facts = {format.size, metadata->hasThumbnail() ? kThumbnailBytes : 0,
-                                               target->codec->maxExifBytes()};
+                                               target->codec->maxExifBytes(), request.cleared};
     const EmbeddedMetadata::Encoded encoded = metadata->encodeForCopy(properties, facts);
     if (request.omitted)
         *request.omitted += encoded.omitted;
     options.exif = encoded.exif;
     options.thumbnailPlaceholder = encoded.thumbnailPlaceholder;
     options.iptc = encoded.iptc;
+    options.imageResources = encoded.imageResources;
     options.xmp = encoded.xmp;
     options.comment = encoded.comment;
     options.texts = encoded.texts;

@@ -76,6 +76,7 @@ struct WriteOptions {
     QByteArray thumbnailPlaceholder; ///< bytes inside `exif` that finish() replaces by a JPEG thumbnail of
                                      ///< the written picture, padded to the same length; may be empty
     QByteArray iptc;                 ///< IIM records, may be empty
+    QByteArray imageResources;       ///< Photoshop image resources without IIM records, may be empty
     QByteArray xmp;                  ///< packet as UTF-8, may be empty
     QByteArray comment;              ///< JPEG comment, may be empty
     QList<PngText> texts;            ///< PNG, may be empty

@@ -14,11 +14,12 @@ namespace plexa
 
 /// The metadata of a file as they lie in its container, undecoded.
 struct MetadataBlocks {
-    QByteArray exif;    ///< a TIFF structure
-    QByteArray iptc;    ///< IIM records
-    QByteArray xmp;     ///< the packet, UTF-8
-    QByteArray moreXmp; ///< a JPEG's second packet, for what does not fit into one segment
-    QByteArray comment; ///< JPEG comment
+    QByteArray exif;           ///< a TIFF structure
+    QByteArray iptc;           ///< IIM records
+    QByteArray imageResources; ///< Photoshop image resources, the one with the IIM records among them
+    QByteArray xmp;            ///< the packet, UTF-8
+    QByteArray moreXmp;        ///< a JPEG's second packet, for what does not fit into one segment
+    QByteArray comment;        ///< JPEG comment
     QList<PngText> texts;
 };
 

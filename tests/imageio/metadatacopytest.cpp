@@ -104,7 +104,7 @@ bool mayDiffer(const QString &tag)
         "|^EXIF:IFD0:(Orientation|Software|WhitePoint|PrimaryChromaticities|YCbCrCoefficients)$"
         "|^EXIF:ExifIFD:(ColorSpace|ExifImageWidth|ExifImageHeight|Gamma)$|^EXIF:InteropIFD:InteropIndex$"
         "|^XMP:XMP-tiff:(ImageWidth|ImageHeight|Orientation)$|^XMP:XMP-exif:(ColorSpace|ExifImage.*)$"
-        "|^XMP:XMP-photoshop:(ICCProfileName|ColorMode)$|^XMP:XMP-x:XMPToolkit$"
+        "|^XMP:XMP-photoshop:(ICCProfileName|ColorMode)$|^XMP:XMP-x:XMPToolkit$|^XMP:XMP-xmp:CreatorTool$"
         // pictures beside it that are not there any more
         "|^XMP:XMP-(hdrgm|apdi|semanticSegmentationMatte|GContainer.*|HDRGainMap):"));
     return expected.match(tag).hasMatch();
