@@ -5,8 +5,12 @@
 #include "imageio/embeddedpictures.h"
 #include "imageio/exifencoding.h"
 #include "imageio/exiv2setup.h"
+#include "imageio/imageresources.h"
 #include "imageio/metadatachanges.h"
 #include "imageio/metadataclearing.h"
+#include "imageio/metadatafields.h"
+#include "imageio/metadatareading.h"
+#include "imageio/propertykeys.h"
 
 #include <QRegularExpression>
 
@@ -26,15 +30,12 @@ bool hasGroup(const Exiv2::ExifData &exif, const char *group)
 
 void describePictureInExif(Exiv2::ExifData &exif, QSize size)
 {
-    const auto erase = [&exif](std::initializer_list<const char *> keys) {
-        for (const char *key : keys)
-            eraseMetadataIf(exif, [key](const Exiv2::Exifdatum &datum) { return datum.key() == key; });
-    };
     exif["Exif.Image.Orientation"] = uint16_t{1};
     const auto colorSpace = exif.findKey(Exiv2::ExifKey("Exif.Photo.ColorSpace"));
     if (colorSpace != exif.end() && colorSpace->toLong() != 1)
-        erase({"Exif.Image.WhitePoint", "Exif.Image.PrimaryChromaticities", "Exif.Image.TransferFunction",
-               "Exif.Image.YCbCrCoefficients", "Exif.Photo.Gamma", "Exif.Photo.0xa500"});
+        eraseExifFields(exif, {"Exif.Image.WhitePoint", "Exif.Image.PrimaryChromaticities",
+                               "Exif.Image.TransferFunction", "Exif.Image.YCbCrCoefficients",
+                               "Exif.Photo.Gamma", "Exif.Photo.0xa500"});
     if (hasGroup(exif, "Photo")) {
         exif["Exif.Photo.ColorSpace"] = uint16_t{1};
         exif["Exif.Photo.PixelXDimension"] = static_cast<uint32_t>(size.width());
@@ -141,6 +142,49 @@ void restoreAbout(QByteArray &packet, const std::string &original)
         packet.insert(at + 11, match.captured(2).toUtf8());
 }
 
+/// The resources of the copy, which lie around its records.
+QByteArray encodedImageResources(const MetadataSet &set, const QByteArray &iptc, const QVariantMap &after,
+                                 ClearedGroups cleared)
+{
+    const bool keepsRights =
+        groupDictionary(after, MetadataGroup::Iptc).contains(kCGImagePropertyIPTCCopyrightNotice);
+    ImageResourceFacts facts;
+    facts.iptcBefore = set.iptcBlock;
+    facts.iptcAfter = iptc;
+    facts.dpi[0] = after.value(kCGImagePropertyDPIWidth).toDouble();
+    facts.dpi[1] = after.value(kCGImagePropertyDPIHeight).toDouble();
+    facts.clearsRights = (cleared & ClearedGroup::Iptc) && !keepsRights;
+    return imageResourcesForCopy(set.imageResources, facts);
+}
+
+/// Clears and edits EXIF, IPTC and XMP, and encodes the XMP. All threads wait for the lock that this needs.
+QByteArray changedXmp(MetadataSet &set, ClearedGroups cleared, const QVariantMap &before,
+                      const QVariantMap &after, QSize pixelSize, bool hasNewIptc)
+{
+    const auto lock = lockXmpNamespaces();
+    Exiv2::XmpData xmp = decodedXmp(set);
+    erasePicturesFromXmp(xmp);
+    clearGroups(set, xmp, cleared, after);
+    // What was cleared and is there again is new, even where it says the same.
+    const QVariantMap remaining = cleared ? propertiesOfMetadata(set, xmp) : before;
+    if (applyPropertyChanges(set, xmp, remaining, after) || hasNewIptc || (cleared & ClearedGroup::Iptc))
+        // A digest of the old record would make other programs distrust the new one.
+        eraseXmpProperty(xmp, "Xmp.photoshop.LegacyIPTCDigest");
+    describePictureInXmp(xmp, pixelSize);
+    try {
+        QByteArray packet = encodedXmp(xmp);
+        restoreAbout(packet, set.xmpPacket);
+        return packet;
+    } catch (const std::exception &) {
+        return {};
+    }
+}
+
+bool hasMakerNote(const Exiv2::ExifData &exif)
+{
+    return exif.findKey(Exiv2::ExifKey("Exif.Photo.MakerNote")) != exif.end();
+}
+
 } // namespace
 
 EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &before, const QVariantMap &after,
@@ -149,32 +193,19 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     EmbeddedMetadata::Encoded encoded;
     if (hasExcessiveXmp(set))
         encoded.omitted += u"XMP"_qs;
+    const ClearedGroups cleared = facts.cleared | emptiedGroups(before, after);
     const MakerNoteBlock note = makerNoteOf(set.exif);
     const size_t noteFields = makerNoteFields(set.exif);
     erasePicturesFromExif(set.exif);
     const bool erasedFromIptc = erasePicturesFromIptc(set.iptc);
     const Exiv2::IptcData original = set.iptc;
-
-    // All threads wait for this lock: what needs no namespaces is done without it.
-    auto lock = lockXmpNamespaces();
-    Exiv2::XmpData xmp = decodedXmp(set);
-    erasePicturesFromXmp(xmp);
-    // A digest of the old record would make other programs distrust the new one.
-    if (erasedFromIptc)
-        eraseXmpProperty(xmp, "Xmp.photoshop.LegacyIPTCDigest");
-    applyPropertyChanges(set, xmp, before, after);
-    describePictureInXmp(xmp, facts.pixelSize);
-    try {
-        encoded.xmp = encodedXmp(xmp);
-        restoreAbout(encoded.xmp, set.xmpPacket);
-    } catch (const std::exception &) {
-        encoded.xmp.clear();
-    }
-    lock.unlock();
+    const bool hadNote = hasMakerNote(set.exif);
+    encoded.xmp = changedXmp(set, cleared, before, after, facts.pixelSize, erasedFromIptc);
+    if (hadNote && !hasMakerNote(set.exif) && !(cleared & ClearedGroup::Exif))
+        encoded.omitted += u"maker note"_qs;
 
     describePictureInExif(set.exif, facts.pixelSize);
-    const bool keepsNote = set.exif.findKey(Exiv2::ExifKey("Exif.Photo.MakerNote")) != set.exif.end() &&
-                           makerNoteFields(set.exif) == noteFields;
+    const bool keepsNote = hasMakerNote(set.exif) && makerNoteFields(set.exif) == noteFields;
     EncodedExif exif = encodedExif(set.exif, set.byteOrder, keepsNote ? note : MakerNoteBlock(), facts);
     encoded.exif = exif.bytes;
     encoded.thumbnailPlaceholder = exif.thumbnailPlaceholder;
@@ -184,6 +215,7 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     } catch (const std::exception &) {
         encoded.iptc.clear();
     }
+    encoded.imageResources = encodedImageResources(set, encoded.iptc, after, cleared);
     encoded.comment = textualComment(set.comment);
     return encoded;
 }

@@ -67,7 +67,7 @@ EmbeddedMetadata::Encoded EmbeddedMetadata::encodeForCopy(const QVariantMap &pro
     try {
         // What only the texts say goes into the copy's other places like an edit: a JPEG has no texts.
         Encoded encoded = encodedForCopy(m_data->set, m_data->ownProperties, properties, facts);
-        encoded.texts = pngTextsForCopy(m_data->set.texts, m_data->properties, properties);
+        encoded.texts = pngTextsForCopy(m_data->set.texts, m_data->properties, properties, facts.cleared);
         return encoded;
     } catch (const std::exception &) {
         // A copy without metadata is better than none, and better than one with an unmarked picture.

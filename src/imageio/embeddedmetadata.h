@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "imageio/clearedgroups.h"
 #include "imageio/jpegsegments.h"
 #include "imageio/pngtexts.h"
 #include "platform/result.h"
@@ -45,11 +46,12 @@ public:
     struct Encoded {
         QByteArray exif;                 ///< TIFF structure, little or big endian as in the source
         QByteArray iptc;                 ///< IIM records
+        QByteArray imageResources;       ///< Photoshop image resources without IIM records
         QByteArray xmp;                  ///< packet, UTF-8
         QByteArray comment;              ///< JPEG comment
         QList<PngText> texts;            ///< for a PNG: the source's, as far as it was one, and the software
         QByteArray thumbnailPlaceholder; ///< the bytes in `exif` that stand for the thumbnail to be made
-        QStringList omitted;             ///< what was too long for the copy: "maker note", "user comment"
+        QStringList omitted;             ///< what could not be kept: "maker note", "user comment"
     };
 
     /// How a copy differs from its source.
@@ -58,12 +60,13 @@ public:
         qsizetype thumbnailBytes = 0;          ///< room to keep for a new EXIF thumbnail, 0: none
         qsizetype maxExifBytes = kMaxJpegExif; ///< the longest EXIF that the copy's format holds
         bool holdsIptc = true; ///< else what IIM records tell goes into the XMP, as far as it has a place
+        ClearedGroups cleared = {}; ///< what people have cleared; an emptied dictionary counts, too
     };
 
     /// Metadata for a copy: the file's own, changed where `properties` differs from properties(), freed from
     /// every picture that shows the unmarked photo (thumbnails, previews in maker notes, XMP thumbnails),
-    /// sRGB, upright. A group that is empty in `properties` but not here is cleared in all places that
-    /// store it.
+    /// sRGB, upright. A group that is cleared, or empty in `properties` but not here, is cleared in all
+    /// places that store it.
     Encoded encodeForCopy(const QVariantMap &properties, const CopyFacts &facts) const;
 
 private:

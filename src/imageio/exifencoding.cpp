@@ -214,11 +214,4 @@ EncodedExif encodedExif(Exiv2::ExifData exif, Exiv2::ByteOrder order, const Make
     return result;
 }
 
-size_t makerNoteFields(const Exiv2::ExifData &exif)
-{
-    return static_cast<size_t>(std::count_if(exif.begin(), exif.end(), [](const Exiv2::Exifdatum &datum) {
-        return isMakerNoteGroup(datum.groupName());
-    }));
-}
-
 } // namespace plexa

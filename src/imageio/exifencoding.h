@@ -24,7 +24,4 @@ struct EncodedExif {
 EncodedExif encodedExif(Exiv2::ExifData exif, Exiv2::ByteOrder order, const MakerNoteBlock &note,
                         const EmbeddedMetadata::CopyFacts &facts);
 
-/// The number of fields that the library understood of the maker notes.
-size_t makerNoteFields(const Exiv2::ExifData &exif);
-
 } // namespace plexa

@@ -17,8 +17,8 @@ constexpr int kMaxDepth = 4; // a grid of pictures that are turned: two
 constexpr int kMaxUnits = 100'000;
 constexpr qint64 kHeadBytes = 512; // of a picture's head; real ones have less than a hundred
 
-// Decoding may take this many times the pixels of the picture (alpha, the tiles' edges, overlays), and so many
-// more where the picture is small.
+// Decoding may take this many times the pixels of the picture (alpha, the tiles' edges, overlays), and so
+// many more where the picture is small.
 constexpr qint64 kWorkFactor = 4;
 constexpr qint64 kSpareWork = 64'000'000;
 

@@ -201,13 +201,12 @@ public:
         constexpr bool isLittle = Q_BYTE_ORDER == Q_LITTLE_ENDIAN;
         heif_chroma chroma = picture.hasAlpha ? heif_chroma_interleaved_RGBA : heif_chroma_interleaved_RGB;
         if (picture.isDeep() && picture.hasAlpha)
-            chroma =
-                isLittle ? heif_chroma_interleaved_RRGGBBAA_LE : heif_chroma_interleaved_RRGGBBAA_BE;
+            chroma = isLittle ? heif_chroma_interleaved_RRGGBBAA_LE : heif_chroma_interleaved_RRGGBBAA_BE;
         else if (picture.isDeep())
             chroma = isLittle ? heif_chroma_interleaved_RRGGBB_LE : heif_chroma_interleaved_RRGGBB_BE;
         heif_image *decoded = nullptr;
-        const heif_error error = heif_decode_image(picture.file.primary(), &decoded, heif_colorspace_RGB,
-                                                   chroma, options.get());
+        const heif_error error =
+            heif_decode_image(picture.file.primary(), &decoded, heif_colorspace_RGB, chroma, options.get());
         m_image.reset(decoded);
         if (error.code != heif_error_Ok || !m_image)
             return tl::unexpected(picture.file.failure(error, formatName));
@@ -232,8 +231,7 @@ private:
     {
         constexpr heif_channel all = heif_channel_interleaved;
         m_plane = heif_image_get_plane_readonly(m_image.get(), all, &m_stride);
-        const QSize size(heif_image_get_width(m_image.get(), all),
-                         heif_image_get_height(m_image.get(), all));
+        const QSize size(heif_image_get_width(m_image.get(), all), heif_image_get_height(m_image.get(), all));
         const int bits = heif_image_get_bits_per_pixel_range(m_image.get(), all);
         const int bytes = (picture.hasAlpha ? 4 : 3) * (picture.isDeep() ? 2 : 1);
         const bool isAsAnnounced = m_plane && size == picture.size &&
@@ -248,8 +246,7 @@ private:
             if (nclx)
                 profile = profileOfNclx({nclx->color_primaries, nclx->transfer_characteristics});
         }
-        const bool isPremultiplied =
-            heif_image_handle_is_premultiplied_alpha(picture.file.primary()) != 0;
+        const bool isPremultiplied = heif_image_handle_is_premultiplied_alpha(picture.file.primary()) != 0;
         m_colors.emplace(size.width(), bits, picture.hasAlpha, isPremultiplied, profile);
         return {};
     }

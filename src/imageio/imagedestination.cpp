@@ -109,13 +109,15 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
     const auto metadata = request.source ? request.source->metadata() : EmbeddedMetadata::none();
     const bool hasThumbnail = metadata->hasThumbnail() && target->codec->holdsThumbnail();
     const EmbeddedMetadata::CopyFacts facts = {format.size, hasThumbnail ? kThumbnailBytes : 0,
-                                               target->codec->maxExifBytes(), target->codec->writesIptc()};
+                                               target->codec->maxExifBytes(), target->codec->writesIptc(),
+                                               request.cleared};
     const EmbeddedMetadata::Encoded encoded = metadata->encodeForCopy(properties, facts);
     if (request.omitted)
         *request.omitted += encoded.omitted;
     options.exif = encoded.exif;
     options.thumbnailPlaceholder = encoded.thumbnailPlaceholder;
     options.iptc = encoded.iptc;
+    options.imageResources = encoded.imageResources;
     options.xmp = encoded.xmp;
     options.comment = encoded.comment;
     options.texts = encoded.texts;

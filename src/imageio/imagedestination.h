@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "imageio/clearedgroups.h"
 #include "imageio/imageformat.h"
 
 #include <memory>
@@ -19,7 +20,8 @@ struct CopyRequest {
     const ImageSource *source =
         nullptr; ///< whose unmodelled metadata, sampling and so on are kept; may be null
     QStringList *omitted =
-        nullptr; ///< is appended what of the metadata was too long for the copy; may be null
+        nullptr;                ///< is appended what of the metadata was too long for the copy; may be null
+    ClearedGroups cleared = {}; ///< of the properties
 };
 
 /// Opens a writer for one picture with its metadata, sRGB profile and, where the source had one, a new

@@ -62,7 +62,7 @@ struct PictureInfo {
     bool isProgressive = false; ///< JPEG only
     QByteArray chromaSampling;  ///< horizontal and vertical factor of each component as JPEG has them:
                                 ///< "22,11,11"; JPEG and HEIF only
-    bool isUpright = false; ///< the format turns its pictures by itself: EXIF's orientation is not followed
+    bool isUpright = false;  ///< the format turns its pictures by itself: EXIF's orientation is not followed
     qint64 decoderBytes = 0; ///< the most memory that a reader holds besides the strips it fills: what it has
                              ///< to decode whole before the first row comes out; 0 where the rows stream
     QVariantMap formatProperties; ///< dictionaries of the property dictionary that are of one container
@@ -80,6 +80,7 @@ struct WriteOptions {
     QByteArray thumbnailPlaceholder; ///< bytes inside `exif` that finish() replaces by a JPEG thumbnail of
                                      ///< the written picture, padded to the same length; may be empty
     QByteArray iptc;                 ///< IIM records, may be empty
+    QByteArray imageResources;       ///< Photoshop image resources without IIM records, may be empty
     QByteArray xmp;                  ///< packet as UTF-8, may be empty
     QByteArray comment;              ///< JPEG comment, may be empty
     QList<PngText> texts;            ///< PNG, may be empty

@@ -3,6 +3,8 @@
 #include "imageio/jpegsegments.h"
 
 #include "imageio/colorprofile.h"
+#include "imageio/imageresources.h"
+#include "imageio/jpegmarkers.h"
 #include "imageio/readfailures.h"
 
 #include <QCryptographicHash>
@@ -14,16 +16,8 @@ namespace plexa
 namespace
 {
 
-constexpr int kApp1 = 0xe1;
-constexpr int kApp2 = 0xe2;
-constexpr int kApp13 = 0xed;
-constexpr int kComment = 0xfe;
-
-constexpr QByteArrayView kExifName("Exif\0\0", 6);
-constexpr QByteArrayView kXmpName("http://ns.adobe.com/xap/1.0/\0", 29);
-constexpr QByteArrayView kMoreXmpName("http://ns.adobe.com/xmp/extension/\0", 35);
-constexpr QByteArrayView kResourcesName("Photoshop 3.0\0", 14);
-constexpr QByteArrayView kIccName("ICC_PROFILE\0", 12);
+using namespace JpegMarker;
+using namespace JpegSegmentName;
 
 QByteArray bigEndian(quint32 value)
 {
@@ -60,11 +54,11 @@ void appendLongXmp(const QByteArray &packet, QList<JpegSegment> &segments)
                             "<rdf:Description rdf:about=\"\" xmlns:xmpNote=\"http://ns.adobe.com/xmp/note/\" "
                             "xmpNote:HasExtendedXMP=\"" +
                             guid + "\"/></rdf:RDF></x:xmpmeta><?xpacket end=\"w\"?>";
-    segments.append({kApp1, kXmpName.toByteArray() + main});
+    segments.append({APP1, kXmp.toByteArray() + main});
     constexpr qsizetype kPiece = 65'000;
     for (qsizetype at = 0; at < rdf.size(); at += kPiece)
-        segments.append({kApp1, kMoreXmpName.toByteArray() + guid + bigEndian(quint32(rdf.size())) +
-                                    bigEndian(quint32(at)) + rdf.mid(at, kPiece)});
+        segments.append({APP1, kMoreXmp.toByteArray() + guid + bigEndian(quint32(rdf.size())) +
+                                   bigEndian(quint32(at)) + rdf.mid(at, kPiece)});
 }
 
 /// Cuts `whole` into segments that each begin with `name`.
@@ -77,31 +71,21 @@ void appendInPieces(int marker, QByteArrayView name, const QByteArray &whole, QL
 
 } // namespace
 
-QByteArray iptcResourceBlock(const QByteArray &iptc)
-{
-    QByteArray block("8BIM\x04\x04\0\0", 8);
-    block += bigEndian(quint32(iptc.size()));
-    block += iptc;
-    if (iptc.size() % 2 != 0)
-        block += '\0';
-    return block;
-}
-
 Result<QList<JpegSegment>> jpegMetadataSegments(const WriteOptions &options)
 {
     QList<JpegSegment> segments;
     if (options.exif.size() > kMaxJpegExif)
         return fail(ReadFailures::exifTooLong());
     if (!options.exif.isEmpty())
-        segments.append({kApp1, kExifName.toByteArray() + options.exif});
-    if (options.xmp.size() > JpegSegment::kMaxPayload - kXmpName.size())
+        segments.append({APP1, kExif.toByteArray() + options.exif});
+    if (options.xmp.size() > JpegSegment::kMaxPayload - kXmp.size())
         appendLongXmp(options.xmp, segments);
     else if (!options.xmp.isEmpty())
-        segments.append({kApp1, kXmpName.toByteArray() + options.xmp});
-    if (!options.iptc.isEmpty())
-        appendInPieces(kApp13, kResourcesName, iptcResourceBlock(options.iptc), segments);
-    segments.append({kApp2, kIccName.toByteArray() + QByteArray("\1\1", 2) + srgbProfile()});
-    appendInPieces(kComment, {}, options.comment, segments);
+        segments.append({APP1, kXmp.toByteArray() + options.xmp});
+    appendInPieces(APP13, kImageResources, imageResourceBlocks(options.iptc, options.imageResources),
+                   segments);
+    segments.append({APP2, kIcc.toByteArray() + QByteArray("\1\1", 2) + srgbProfile()});
+    appendInPieces(COM, {}, options.comment, segments);
     return segments;
 }
 

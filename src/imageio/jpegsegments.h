@@ -21,12 +21,9 @@ struct JpegSegment {
 constexpr qsizetype kMaxJpegExif = JpegSegment::kMaxPayload - 6;
 
 /// Everything that a written JPEG carries besides JFIF and the picture: EXIF, XMP (in several segments where
-/// one is too short), IPTC, the sRGB profile, the comment. Made from `options` alone, so that nothing of a
-/// source's segments slips through.
+/// one is too short), IPTC and other image resources, the sRGB profile, the comment. Made from `options`
+/// alone, so that nothing of a source's segments slips through.
 /// @return the failure when the EXIF structure is longer than kMaxJpegExif
 [[nodiscard]] Result<QList<JpegSegment>> jpegMetadataSegments(const WriteOptions &options);
-
-/// A Photoshop image resource block that holds IIM records (resource 0x0404).
-QByteArray iptcResourceBlock(const QByteArray &iptc);
 
 } // namespace plexa

@@ -4,6 +4,8 @@
 
 #include "imageio/colorprofile.h"
 #include "imageio/exifcolorspace.h"
+#include "imageio/jpegmarkers.h"
+#include "imageio/jpegsegmentreader.h"
 #include "imageio/propertykeys.h"
 #include "imageio/readfailures.h"
 
@@ -18,31 +20,8 @@ namespace plexa
 namespace
 {
 
-// Marker codes of ITU-T T.81, table B.1.
-enum Marker {
-    SOF0 = 0xc0,
-    DHT = 0xc4,
-    JPG = 0xc8,
-    DAC = 0xcc,
-    SOF15 = 0xcf,
-    RST0 = 0xd0,
-    SOI = 0xd8,
-    EOI = 0xd9,
-    SOS = 0xda,
-    APP0 = 0xe0,
-    APP1 = 0xe1,
-    APP2 = 0xe2,
-    TEM = 0x01,
-};
-
-constexpr QByteArrayView kIcc("ICC_PROFILE\0", 12);
-constexpr QByteArrayView kMultiPicture("MPF\0", 4);
-constexpr QByteArrayView kExif("Exif\0\0", 6);
-constexpr QByteArrayView kXmp("http://ns.adobe.com/xap/1.0/\0", 29);
-constexpr QByteArrayView kIsoGainMap("urn:iso:std:iso:ts:21496:-1\0", 28);
-
-/// A picture needs a few dozen segments; a file of a million tiny ones is made to waste time.
-constexpr int kMaxSegments = 20'000;
+using namespace JpegMarker;
+using namespace JpegSegmentName;
 
 constexpr int kMaxFurtherPictures = 64;
 
@@ -50,72 +29,6 @@ constexpr int kMaxFurtherPictures = 64;
 struct FurtherPicture {
     qint64 position = 0; ///< in the file
     bool isPreview = false;
-};
-
-/// Goes through the segments of one picture.
-class SegmentReader
-{
-public:
-    explicit SegmentReader(QIODevice &device)
-        : m_device(device)
-    {
-    }
-
-    /// Steps to the next segment. @return its marker; none at the end of the file or of patience
-    std::optional<int> next()
-    {
-        m_payload.clear();
-        if (m_nextPosition < 0) {
-            char start[2];
-            if (m_device.read(start, 2) != 2 || uchar(start[0]) != 0xff || uchar(start[1]) != SOI)
-                return {};
-        } else if (!m_device.seek(m_nextPosition)) {
-            return {};
-        }
-        if (++m_count > kMaxSegments)
-            return {};
-        // Up to the next marker: fill bytes are allowed, other bytes are skipped as decoders do.
-        char byte = 0;
-        bool isMarker = false;
-        for (int skipped = 0; skipped < 0x100000; ++skipped) {
-            if (!m_device.getChar(&byte))
-                return {};
-            if (isMarker && byte != 0 && uchar(byte) != 0xff)
-                break;
-            isMarker = uchar(byte) == 0xff;
-        }
-        const int marker = uchar(byte);
-        m_nextPosition = m_device.pos();
-        if (marker == TEM || (marker >= RST0 && marker <= EOI))
-            return marker;
-        uchar length[2];
-        if (m_device.read(reinterpret_cast<char *>(length), 2) != 2)
-            return {};
-        m_payloadSize = qFromBigEndian<quint16>(length) - 2;
-        if (m_payloadSize < 0)
-            return {};
-        m_payloadPosition = m_nextPosition + 2;
-        m_nextPosition = m_payloadPosition + m_payloadSize;
-        return marker;
-    }
-
-    /// The segment's first bytes behind its length, up to `most`.
-    QByteArrayView payload(qint64 most = 0x10000)
-    {
-        if (m_payload.size() < qMin<qint64>(most, m_payloadSize) && m_device.seek(m_payloadPosition))
-            m_payload = m_device.read(qMin<qint64>(most, m_payloadSize));
-        return m_payload;
-    }
-
-    qint64 payloadPosition() const { return m_payloadPosition; }
-
-private:
-    QIODevice &m_device;
-    qint64 m_nextPosition = -1;
-    qint64 m_payloadPosition = 0;
-    qint64 m_payloadSize = 0;
-    QByteArray m_payload;
-    int m_count = 0;
 };
 
 bool speaksOfGainMap(QByteArrayView xmp)
@@ -202,13 +115,13 @@ bool isGainMap(QIODevice &device, const FurtherPicture &picture)
 {
     if (!device.seek(picture.position))
         return false;
-    SegmentReader segments(device);
+    JpegSegmentReader segments(device);
     while (const std::optional<int> marker = segments.next()) {
         if (*marker == SOS || *marker == EOI)
             break;
-        if (*marker == APP1 && segments.payload().startsWith(kXmp) && speaksOfGainMap(segments.payload()))
+        if (*marker == APP1 && segments.isNamed(kXmp) && speaksOfGainMap(segments.payload()))
             return true;
-        if (*marker == APP2 && segments.payload(64).startsWith(kIsoGainMap))
+        if (*marker == APP2 && segments.isNamed(kIsoGainMap))
             return true;
     }
     return false;
@@ -256,7 +169,7 @@ Result<void> readFrame(QByteArrayView payload, int marker, JpegStructure &struct
 
 void readDensity(QByteArrayView jfif, JpegStructure &structure)
 {
-    if (jfif.size() < 12 || !jfif.startsWith(QByteArrayView("JFIF\0", 5)))
+    if (jfif.size() < 12 || !jfif.startsWith(kJfif))
         return;
     const int unit = uchar(jfif[7]);
     const int horizontal = qFromBigEndian<quint16>(jfif.data() + 8);
@@ -285,7 +198,7 @@ Result<JpegStructure> readJpegStructure(QIODevice &device, const ReadLimits &lim
     bool hasData = false;
     bool isAdobeRgb = false;
     bool hasExif = false;
-    SegmentReader segments(device);
+    JpegSegmentReader segments(device);
     while (const std::optional<int> marker = segments.next()) {
         if (*marker == SOS || *marker == EOI) {
             hasData = *marker == SOS;
@@ -301,19 +214,19 @@ Result<JpegStructure> readJpegStructure(QIODevice &device, const ReadLimits &lim
                 return tl::unexpected(frame.error());
         } else if (*marker == APP0) {
             readDensity(segments.payload(32), structure);
-        } else if (*marker == APP1 && !hasExif && segments.payload(32).startsWith(kExif)) {
+        } else if (*marker == APP1 && !hasExif && segments.isNamed(kExif)) {
             hasExif = true;
             isAdobeRgb = exifSaysAdobeRgb(segments.payload().sliced(kExif.size()));
-        } else if (*marker == APP1 && segments.payload(32).startsWith(kXmp)) {
+        } else if (*marker == APP1 && segments.isNamed(kXmp)) {
             hasGainMap = hasGainMap || speaksOfGainMap(segments.payload());
-        } else if (*marker == APP2 && segments.payload(32).startsWith(kIcc)) {
+        } else if (*marker == APP2 && segments.isNamed(kIcc)) {
             icc.add(segments.payload());
-        } else if (*marker == APP2 && segments.payload(32).startsWith(kMultiPicture)) {
+        } else if (*marker == APP2 && segments.isNamed(kMultiPicture)) {
             const qint64 position = segments.payloadPosition() + kMultiPicture.size();
             if (furtherPictures.isEmpty())
                 furtherPictures =
                     readMultiPictureIndex(segments.payload().sliced(kMultiPicture.size()), position);
-        } else if (*marker == APP2 && segments.payload(32).startsWith(kIsoGainMap)) {
+        } else if (*marker == APP2 && segments.isNamed(kIsoGainMap)) {
             hasGainMap = true;
         }
     }

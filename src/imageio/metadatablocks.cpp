@@ -4,6 +4,9 @@
 
 #include "imageio/gifstructure.h"
 #include "imageio/heifmetadata.h"
+#include "imageio/imageresources.h"
+#include "imageio/jpegmarkers.h"
+#include "imageio/jpegsegmentreader.h"
 
 #include <QList>
 #include <QMap>
@@ -17,8 +20,7 @@ namespace
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kMaxBlocks = 20'000;     // segments or chunks that are looked at before giving up
-constexpr int kMaxStrayBytes = 65'536; // between two segments
+constexpr int kMaxBlocks = 20'000; // chunks that are looked at before giving up
 
 void takeFirst(QByteArray &block, const QByteArray &candidate)
 {
@@ -61,48 +63,37 @@ private:
     QMap<QByteArray, qsizetype> m_lengths;
 };
 
+void takeApp1(JpegSegmentReader &segments, MetadataBlocks &blocks, ExtendedXmp &extendedXmp)
+{
+    using namespace JpegSegmentName;
+    if (segments.isNamed(kExif))
+        takeFirst(blocks.exif, segments.contentsBehind(kExif));
+    else if (segments.isNamed(kXmp))
+        takeFirst(blocks.xmp, segments.contentsBehind(kXmp));
+    else if (segments.isNamed(kMoreXmp))
+        extendedXmp.add(segments.contentsBehind(kMoreXmp));
+}
+
 MetadataBlocks readJpegBlocks(QIODevice &device)
 {
+    using namespace JpegSegmentName;
     MetadataBlocks blocks;
-    QByteArray imageResources;
     ExtendedXmp extendedXmp;
-    device.seek(2);
-    for (int i = 0; i < kMaxBlocks; ++i) {
-        char byte = 0;
-        int strayBytes = 0;
-        while (device.getChar(&byte) && static_cast<uchar>(byte) != 0xFF && ++strayBytes < kMaxStrayBytes) {
-        }
-        while (device.getChar(&byte) && static_cast<uchar>(byte) == 0xFF) {
-        }
-        const auto marker = static_cast<uchar>(byte);
-        if (marker == 0xDA || marker == 0xD9 || device.atEnd())
+    device.seek(0);
+    JpegSegmentReader segments(device);
+    while (const std::optional<int> marker = segments.next()) {
+        if (*marker == JpegMarker::SOS || *marker == JpegMarker::EOI)
             break;
-        if (marker == 0x01 || (marker >= 0xD0 && marker <= 0xD8))
-            continue;
-        const QByteArray lengthBytes = device.read(2);
-        if (lengthBytes.size() < 2)
-            break;
-        const int length = qFromBigEndian<quint16>(lengthBytes.constData()) - 2;
-        if (length < 0)
-            break;
-        if (marker != 0xE1 && marker != 0xED && marker != 0xFE) {
-            device.skip(length);
-            continue;
-        }
-        const QByteArray data = device.read(length);
-        if (marker == 0xFE)
-            takeFirst(blocks.comment, data);
-        else if (marker == 0xE1 && data.startsWith("Exif\0\0"_ba))
-            takeFirst(blocks.exif, data.mid(6));
-        else if (marker == 0xE1 && data.startsWith("http://ns.adobe.com/xap/1.0/\0"_ba))
-            takeFirst(blocks.xmp, data.mid(29));
-        else if (marker == 0xE1 && data.startsWith("http://ns.adobe.com/xmp/extension/\0"_ba))
-            extendedXmp.add(data.mid(35));
-        else if (marker == 0xED && data.startsWith("Photoshop 3.0\0"_ba))
-            if (imageResources.size() < kMaxMetadataBytes)
-                imageResources += data.mid(14); // long resources run on in the next segment
+        if (*marker == JpegMarker::COM)
+            takeFirst(blocks.comment, segments.payload().toByteArray());
+        else if (*marker == JpegMarker::APP1)
+            takeApp1(segments, blocks, extendedXmp);
+        else if (*marker == JpegMarker::APP13 && segments.isNamed(kImageResources) &&
+                 blocks.imageResources.size() < kMaxMetadataBytes)
+            // Long resources run on in the next segment.
+            blocks.imageResources += segments.contentsBehind(kImageResources);
     }
-    blocks.iptc = iptcOfImageResources(imageResources);
+    blocks.iptc = iptcOfImageResources(blocks.imageResources);
     blocks.moreXmp = extendedXmp.packetNamedIn(blocks.xmp);
     return blocks;
 }
@@ -131,8 +122,10 @@ void takeRawProfile(MetadataBlocks &blocks, const QByteArray &keyword, const QBy
         takeFirst(blocks.xmp, data.mid(29));
     else if (kind == "xmp")
         takeFirst(blocks.xmp, data);
+    else if ((kind == "iptc" || kind == "8bim") && data.startsWith("8BIM"))
+        takeFirst(blocks.imageResources, data);
     else if (kind == "iptc" || kind == "8bim")
-        takeFirst(blocks.iptc, data.startsWith("8BIM") ? iptcOfImageResources(data) : data);
+        takeFirst(blocks.iptc, data);
 }
 
 void takePngText(MetadataBlocks &blocks, PngTextChunks &texts, const QByteArray &type, const QByteArray &data)
@@ -173,6 +166,7 @@ MetadataBlocks readPngBlocks(QIODevice &device)
         if (next >= device.size() || !device.seek(next))
             break;
     }
+    takeFirst(blocks.iptc, iptcOfImageResources(blocks.imageResources));
     blocks.texts = texts.texts();
     return blocks;
 }
@@ -213,27 +207,6 @@ MetadataBlocks readGifBlocks(QIODevice &device)
 }
 
 } // namespace
-
-QByteArray iptcOfImageResources(const QByteArray &resources)
-{
-    QByteArray iptc;
-    qsizetype at = 0;
-    while (at + 12 <= resources.size() && resources.mid(at, 4) == "8BIM") {
-        const auto id = qFromBigEndian<quint16>(resources.constData() + at + 4);
-        const qsizetype nameBytes = static_cast<uchar>(resources[at + 6]) + 1;
-        at += 6 + nameBytes + nameBytes % 2;
-        if (at + 4 > resources.size())
-            break;
-        const qsizetype size = qFromBigEndian<quint32>(resources.constData() + at);
-        at += 4;
-        if (size > resources.size() - at)
-            break;
-        if (id == 0x0404)
-            iptc += resources.mid(at, size);
-        at += size + size % 2;
-    }
-    return iptc;
-}
 
 std::optional<MetadataBlocks> readMetadataBlocks(QIODevice &device)
 {

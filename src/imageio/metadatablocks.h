@@ -14,19 +14,17 @@ namespace plexa
 
 /// The metadata of a file as they lie in its container, undecoded.
 struct MetadataBlocks {
-    QByteArray exif;    ///< a TIFF structure
-    QByteArray iptc;    ///< IIM records
-    QByteArray xmp;     ///< the packet, UTF-8
-    QByteArray moreXmp; ///< a JPEG's second packet, for what does not fit into one segment
-    QByteArray comment; ///< JPEG's or GIF's
+    QByteArray exif;           ///< a TIFF structure
+    QByteArray iptc;           ///< IIM records
+    QByteArray imageResources; ///< Photoshop image resources, the one with the IIM records among them
+    QByteArray xmp;            ///< the packet, UTF-8
+    QByteArray moreXmp;        ///< a JPEG's second packet, for what does not fit into one segment
+    QByteArray comment;        ///< JPEG's or GIF's
     QList<PngText> texts;
 };
 
 /// No block is taken that is larger: the largest that cameras and editors write stay far below.
 inline constexpr qsizetype kMaxMetadataBytes = 16 * 1024 * 1024;
-
-/// The IIM records inside Photoshop image resources; empty when there are none.
-QByteArray iptcOfImageResources(const QByteArray &resources);
 
 /// Collects the blocks of a JPEG, PNG, WebP, HEIF or GIF file without touching its pixels. Damaged blocks are
 /// left out.

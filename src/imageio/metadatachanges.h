@@ -10,11 +10,11 @@ namespace plexa
 {
 
 /// Carries what differs between two property dictionaries into EXIF, IPTC and XMP: a new value goes where
-/// the fact belongs and wherever XMP repeats it, a removed one leaves all places. A group that has become
-/// empty is cleared with everything that belongs to it (see metadataclearing.h).
+/// the fact belongs and wherever else a file may say it, a removed one leaves all those places.
 /// To be called under lockXmpNamespaces() with the XMP of the set, decoded.
 /// @param before  what the set says: propertiesOfMetadata()
-void applyPropertyChanges(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &before,
+/// @return has the IPTC record changed?
+bool applyPropertyChanges(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &before,
                           const QVariantMap &after);
 
 } // namespace plexa

@@ -30,19 +30,50 @@ bool nameContains(const Exiv2::Xmpdatum &datum, QLatin1StringView word)
     return key.mid(key.lastIndexOf(u'.') + 1).contains(word, Qt::CaseInsensitive);
 }
 
+bool isOneOf(const std::string &text, std::initializer_list<std::string_view> words)
+{
+    return std::find(words.begin(), words.end(), text) != words.end();
+}
+
+/// Tags by which maps and aerial photos say where they lie (GeoTIFF 1.1, GDAL).
+bool isGeoTiffTag(uint16_t tag)
+{
+    return tag == 0x830E || tag == 0x8482 || tag == 0x85D8 || (tag >= 0x87AF && tag <= 0x87B1) ||
+           tag == 0xA480;
+}
+
+bool isPlaceInMakerNote(const Exiv2::Exifdatum &datum)
+{
+    const QString name = QString::fromStdString(datum.tagName());
+    return isMakerNoteGroup(datum.groupName()) &&
+           (name.contains(u"Latitude"_qs) || name.contains(u"Longitude"_qs) ||
+            name.contains(u"Location"_qs) || datum.key() == "Exif.Nikon3.0x0039");
+}
+
+/// Drones and scene descriptions have properties of their own.
+bool isPlaceInXmp(const Exiv2::Xmpdatum &datum)
+{
+    for (const auto word : {QLatin1StringView("gps"), QLatin1StringView("latitude"),
+                            QLatin1StringView("longitude"), QLatin1StringView("altitude")}) {
+        if (nameContains(datum, word))
+            return true;
+    }
+    // The World Wide Web Consortium's vocabulary, and the like.
+    const std::string path = QString::fromStdString(datum.tagName()).toLower().toStdString();
+    const std::string name = path.substr(path.find_last_of("/:") + 1);
+    return isOneOf(name, {"lat"sv, "long"sv, "lon"sv, "lng"sv, "lat_long"sv, "latlong"sv}) ||
+           (datum.groupName() == "geo" && name == "alt");
+}
+
 void clearGps(MetadataSet &set, Exiv2::XmpData &xmp)
 {
+    eraseOpaqueMakerNote(set.exif);
     eraseMetadataIf(set.exif, [](const Exiv2::Exifdatum &datum) {
         return datum.groupName() == "GPSInfo" || datum.key() == "Exif.Image.GPSTag" ||
-               QString::fromStdString(datum.tagName()).contains(u"GPS", Qt::CaseInsensitive);
+               QString::fromStdString(datum.tagName()).contains(u"GPS", Qt::CaseInsensitive) ||
+               (datum.groupName() == "Image" && isGeoTiffTag(datum.tag())) || isPlaceInMakerNote(datum);
     });
-    // Drones and scene descriptions have properties of their own.
-    eraseMetadataIf(xmp, [](const Exiv2::Xmpdatum &datum) {
-        return nameContains(datum, QLatin1StringView("gps")) ||
-               nameContains(datum, QLatin1StringView("latitude")) ||
-               nameContains(datum, QLatin1StringView("longitude")) ||
-               nameContains(datum, QLatin1StringView("altitude"));
-    });
+    eraseMetadataIf(xmp, isPlaceInXmp);
 }
 
 /// Tags of the main directory that speak of the camera or the exposure (TIFF/EP, DNG), not of the picture.
@@ -50,7 +81,8 @@ bool isCameraTag(uint16_t tag)
 {
     return (tag >= 0x828D && tag <= 0x8290) || tag == 0x829A || tag == 0x829D ||
            (tag >= 0x8822 && tag <= 0x8833 && tag != 0x8825) || (tag >= 0x9000 && tag <= 0x9290) ||
-           (tag >= 0xA000 && tag <= 0xA4FF) || (tag >= 0xC612 && tag <= 0xC7FF);
+           (tag >= 0x9400 && tag <= 0x94FF) || (tag >= 0xA000 && tag <= 0xA47F) ||
+           (tag >= 0xA481 && tag <= 0xA4FF) || tag == 0xC4A5 || (tag >= 0xC612 && tag <= 0xC7FF);
 }
 
 void clearExif(MetadataSet &set, Exiv2::XmpData &xmp)
@@ -63,10 +95,37 @@ void clearExif(MetadataSet &set, Exiv2::XmpData &xmp)
     eraseMetadataIf(xmp, [](const Exiv2::Xmpdatum &datum) {
         const std::string key = datum.key();
         return (key.starts_with("Xmp.exif.") && !nameContains(datum, QLatin1StringView("gps"))) ||
-               startsWithAny(key,
-                             {"Xmp.exifEX."sv, "Xmp.aux."sv, "Xmp.GCamera."sv, "Xmp.xmp.CreateDate"sv}) ||
+               startsWithAny(key, {"Xmp.exifEX."sv, "Xmp.aux."sv, "Xmp.GCamera."sv, "Xmp.xmp.CreateDate"sv,
+                                   "Xmp.MicrosoftPhoto.Camera"sv, "Xmp.MicrosoftPhoto.Lens"sv,
+                                   "Xmp.MicrosoftPhoto.Flash"sv}) ||
                nameContains(datum, QLatin1StringView("SerialNumber"));
     });
+}
+
+/// Does the TIFF dictionary still have a value, so that its homes are not to be emptied?
+bool keepsTiff(const QVariantMap &after, QLatin1StringView key)
+{
+    return groupDictionary(after, MetadataGroup::Tiff).contains(key);
+}
+
+/// Names of the camera and program, and what Windows and XMP keep beside the fields of the dictionary.
+void clearTiff(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &after)
+{
+    eraseExifFields(set.exif, {"Exif.Image.Software", "Exif.Image.ImageDescription", "Exif.Image.Make",
+                               "Exif.Image.Model", "Exif.Image.UniqueCameraModel",
+                               "Exif.Image.LocalizedCameraModel", "Exif.Image.ProcessingSoftware",
+                               "Exif.Image.XPTitle", "Exif.Image.XPComment", "Exif.Image.XPSubject"});
+    for (const std::string_view key : {"Xmp.tiff.Software"sv, "Xmp.tiff.ImageDescription"sv,
+                                       "Xmp.tiff.Make"sv, "Xmp.tiff.Model"sv, "Xmp.xmp.CreatorTool"sv})
+        eraseXmpProperty(xmp, key);
+    if (!keepsTiff(after, kCGImagePropertyTIFFCopyright)) {
+        eraseExifFields(set.exif, {"Exif.Image.Copyright"});
+        eraseXmpProperty(xmp, "Xmp.tiff.Copyright");
+    }
+    if (!keepsTiff(after, kCGImagePropertyTIFFArtist)) {
+        eraseExifFields(set.exif, {"Exif.Image.Artist", "Exif.Image.XPAuthor"});
+        eraseXmpProperty(xmp, "Xmp.tiff.Artist");
+    }
 }
 
 /// What XMP stores for IPTC Core and Extension, and the keyword lists of photo managers.
@@ -114,10 +173,8 @@ void clearIptc(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &after)
         });
     if (onlyEnvelope)
         set.iptc.clear();
-    eraseMetadataIf(set.exif, [](const Exiv2::Exifdatum &datum) {
-        return datum.key() == "Exif.Image.XPKeywords" || datum.key() == "Exif.Image.Rating" ||
-               datum.key() == "Exif.Image.RatingPercent";
-    });
+    eraseExifFields(set.exif, {"Exif.Image.XPKeywords", "Exif.Image.XPTitle", "Exif.Image.Rating",
+                               "Exif.Image.RatingPercent"});
 }
 
 /// Facts of the IPTC dictionary that a clearing may keep.
@@ -125,11 +182,6 @@ QStringList keepableIptcKeys()
 {
     return {kCGImagePropertyIPTCCopyrightNotice, kCGImagePropertyIPTCByline, kCGImagePropertyIPTCBylineTitle,
             kCGImagePropertyIPTCCreatorContactInfo};
-}
-
-bool hasBeenCleared(QVariantMap before, QVariantMap after)
-{
-    return !before.isEmpty() && after.isEmpty();
 }
 
 bool iptcHasBeenCleared(QVariantMap before, QVariantMap after)
@@ -149,10 +201,9 @@ bool iptcHasBeenCleared(QVariantMap before, QVariantMap after)
 
 } // namespace
 
-bool isIptcCleared(const QVariantMap &before, const QVariantMap &after)
+void eraseExifFields(Exiv2::ExifData &exif, std::initializer_list<std::string_view> keys)
 {
-    return iptcHasBeenCleared(groupDictionary(before, MetadataGroup::Iptc),
-                              groupDictionary(after, MetadataGroup::Iptc));
+    eraseMetadataIf(exif, [&](const Exiv2::Exifdatum &datum) { return isOneOf(datum.key(), keys); });
 }
 
 bool eraseXmpProperty(Exiv2::XmpData &xmp, std::string_view key)
@@ -180,18 +231,42 @@ void eraseMakerNotes(Exiv2::ExifData &exif)
     });
 }
 
-void clearEmptiedGroups(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &before,
-                        const QVariantMap &after)
+size_t makerNoteFields(const Exiv2::ExifData &exif)
 {
-    const auto isCleared = [&](MetadataGroup group) {
-        return hasBeenCleared(groupDictionary(before, group), groupDictionary(after, group));
+    return static_cast<size_t>(std::count_if(exif.begin(), exif.end(), [](const Exiv2::Exifdatum &datum) {
+        return isMakerNoteGroup(datum.groupName());
+    }));
+}
+
+void eraseOpaqueMakerNote(Exiv2::ExifData &exif)
+{
+    if (makerNoteFields(exif) == 0)
+        eraseMakerNotes(exif);
+}
+
+ClearedGroups emptiedGroups(const QVariantMap &before, const QVariantMap &after)
+{
+    const auto isEmptied = [&](MetadataGroup group) {
+        return !groupDictionary(before, group).isEmpty() && groupDictionary(after, group).isEmpty();
     };
-    if (isCleared(MetadataGroup::Gps))
+    ClearedGroups groups;
+    groups.setFlag(ClearedGroup::Gps, isEmptied(MetadataGroup::Gps));
+    groups.setFlag(ClearedGroup::Exif, isEmptied(MetadataGroup::Exif));
+    groups.setFlag(ClearedGroup::Iptc, iptcHasBeenCleared(groupDictionary(before, MetadataGroup::Iptc),
+                                                          groupDictionary(after, MetadataGroup::Iptc)));
+    return groups;
+}
+
+void clearGroups(MetadataSet &set, Exiv2::XmpData &xmp, ClearedGroups groups, const QVariantMap &after)
+{
+    if (groups & ClearedGroup::Gps)
         clearGps(set, xmp);
-    if (isCleared(MetadataGroup::Exif))
+    if (groups & ClearedGroup::Exif)
         clearExif(set, xmp);
-    if (isIptcCleared(before, after))
+    if (groups & ClearedGroup::Iptc)
         clearIptc(set, xmp, after);
+    if (groups & ClearedGroup::Tiff)
+        clearTiff(set, xmp, after);
 }
 
 } // namespace plexa

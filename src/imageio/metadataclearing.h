@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "imageio/clearedgroups.h"
 #include "imageio/metadataset.h"
 
 #include <QVariantMap>
@@ -30,23 +31,32 @@ void eraseMetadataIf(Container &container, Predicate predicate)
     }
 }
 
+/// Removes the fields of these names.
+void eraseExifFields(Exiv2::ExifData &exif, std::initializer_list<std::string_view> keys);
+
 /// Removes an XMP property and what is nested in it. @return was there any?
 bool eraseXmpProperty(Exiv2::XmpData &xmp, std::string_view key);
 
-/// Is the IPTC group of `after` emptied but for what a clearing may keep (copyright, creator, contact)?
-bool isIptcCleared(const QVariantMap &before, const QVariantMap &after);
+/// The groups that `after` shows as cleared: empty there but not in `before`, the IPTC group but for what
+/// its clearing may keep (copyright, creator, contact).
+ClearedGroups emptiedGroups(const QVariantMap &before, const QVariantMap &after);
 
-/// Clears the groups that are empty in `after` but not in `before`, in all places that store something of
-/// them, modelled or not: EXIF with maker notes, serial numbers and XMP mirrors; GPS; IPTC with its XMP
-/// mirrors but for what `after` keeps (copyright, creator, contact).
+/// Clears groups in all places that store something of them, modelled or not: EXIF with maker notes, serial
+/// numbers and XMP mirrors; GPS, in maker notes as well; IPTC with its XMP mirrors; of TIFF what describes
+/// picture and camera. What `after` still has of IPTC and TIFF stays.
 /// To be called under lockXmpNamespaces().
-void clearEmptiedGroups(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &before,
-                        const QVariantMap &after);
+void clearGroups(MetadataSet &set, Exiv2::XmpData &xmp, ClearedGroups groups, const QVariantMap &after);
 
 /// Is this the name of a maker-note group of the library ("Canon", "Nikon3", ...)?
 bool isMakerNoteGroup(const std::string &groupName);
 
+/// The number of fields that the library understood of the maker notes.
+size_t makerNoteFields(const Exiv2::ExifData &exif);
+
 /// Removes the maker notes, decoded or not.
 void eraseMakerNotes(Exiv2::ExifData &exif);
+
+/// Removes a maker note of which the library understood nothing: there is no telling what is in it.
+void eraseOpaqueMakerNote(Exiv2::ExifData &exif);
 
 } // namespace plexa

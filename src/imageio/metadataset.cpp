@@ -161,6 +161,17 @@ void decodeIptc(MetadataSet &set, const QByteArray &iptc)
         set.iptcBlock = iptc;
 }
 
+/// What a TIFF keeps of Photoshop's in a field of its own.
+QByteArray imageResourcesOf(const Exiv2::ExifData &exif)
+{
+    const auto field = exif.findKey(Exiv2::ExifKey("Exif.Image.ImageResources"));
+    if (field == exif.end() || field->size() <= 0 || field->size() > kMaxMetadataBytes)
+        return {};
+    QByteArray bytes(field->size(), '\0');
+    field->copy(reinterpret_cast<Exiv2::byte *>(bytes.data()), Exiv2::littleEndian);
+    return bytes;
+}
+
 void readThroughLibrary(MetadataSet &set, const QString &path)
 {
     // The library decodes the XMP of these formats along with the rest.
@@ -172,6 +183,7 @@ void readThroughLibrary(MetadataSet &set, const QString &path)
     image->readMetadata();
     set.exif = image->exifData();
     set.iptc = image->iptcData();
+    set.imageResources = imageResourcesOf(set.exif);
     set.comment = image->comment();
     const auto noteOrder = set.exif.findKey(Exiv2::ExifKey("Exif.MakerNote.ByteOrder"));
     if (image->byteOrder() != Exiv2::invalidByteOrder)
@@ -195,6 +207,7 @@ MetadataSet readMetadataSet(const QString &path)
     if (const std::optional<MetadataBlocks> blocks = readMetadataBlocks(file)) {
         decodeExif(set, blocks->exif);
         decodeIptc(set, blocks->iptc);
+        set.imageResources = blocks->imageResources;
         set.xmpPacket = blocks->xmp.toStdString();
         set.moreXmpPacket = blocks->moreXmp.toStdString();
         set.comment = blocks->comment.toStdString();

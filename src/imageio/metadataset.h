@@ -19,7 +19,8 @@ namespace plexa
 struct MetadataSet {
     Exiv2::ExifData exif;
     Exiv2::IptcData iptc;
-    QByteArray iptcBlock; ///< the records as they came, empty where only the library saw them
+    QByteArray iptcBlock;      ///< the records as they came, empty where only the library saw them
+    QByteArray imageResources; ///< Photoshop image resources as they came
     std::string xmpPacket;
     std::string moreXmpPacket; ///< what a JPEG keeps in a second packet
     std::string comment;

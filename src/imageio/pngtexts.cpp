@@ -99,6 +99,19 @@ bool holdsPicture(const QByteArray &bytes)
            bytes.contains("/9j/") || bytes.contains("iVBORw0KGgo") || bytes.toLower().contains("ffd8ff");
 }
 
+/// Does a clearing reach a text that the property dictionary does not know?
+bool isCleared(const QByteArray &keyword, ClearedGroups cleared)
+{
+    const QByteArray name = keyword.toLower();
+    const auto names = [&name](std::initializer_list<const char *> words) {
+        return std::any_of(words.begin(), words.end(), [&](const char *word) { return name.contains(word); });
+    };
+    return (cleared & ClearedGroup::Iptc) || // people's words on the picture
+           ((cleared & ClearedGroup::Gps) && names({"gps", "latitude", "longitude", "location"})) ||
+           ((cleared & ClearedGroup::Exif) && names({"creation time", "exif", "serial", "lens"})) ||
+           ((cleared & ClearedGroup::Tiff) && names({"source", "camera", "make", "model"}));
+}
+
 QVariant iptcValue(const QVariantMap &properties, QLatin1StringView key)
 {
     return properties.value(kCGImagePropertyIPTCDictionary).toMap().value(key);
@@ -198,14 +211,14 @@ QVariantMap pngTextProperties(const QList<PngText> &texts)
 }
 
 QList<PngText> pngTextsForCopy(const QList<PngText> &texts, const QVariantMap &before,
-                               const QVariantMap &after)
+                               const QVariantMap &after, ClearedGroups cleared)
 {
-    const bool isCleared = isIptcCleared(before, after);
+    cleared |= emptiedGroups(before, after);
     QList<PngText> result;
     for (const PngText &text : texts) {
         const SharedFact *fact = sharedFact(text.keyword);
         if (!fact) {
-            if (!isCleared)
+            if (!isCleared(text.keyword, cleared))
                 result.append(text);
             continue;
         }

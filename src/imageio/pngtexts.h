@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include "imageio/clearedgroups.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -62,6 +64,6 @@ QVariantMap pngTextProperties(const QList<PngText> &texts);
 /// The texts for a copy whose properties were `before` and are `after`: what was edited says the new, what
 /// was cleared is gone, and the software is that of `after`.
 QList<PngText> pngTextsForCopy(const QList<PngText> &texts, const QVariantMap &before,
-                               const QVariantMap &after);
+                               const QVariantMap &after, ClearedGroups cleared = {});
 
 } // namespace plexa

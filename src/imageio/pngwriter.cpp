@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/colorprofile.h"
-#include "imageio/jpegsegments.h"
+#include "imageio/imageresources.h"
 #include "imageio/pngcodec.h"
 #include "imageio/pngerrors.h"
 #include "imageio/readfailures.h"
@@ -39,11 +39,10 @@ struct Target {
 };
 
 /// The text that other programs know as a PNG's IPTC: name, length, and the bytes in hexadecimal lines.
-QByteArray rawProfileText(const QByteArray &iptc)
+QByteArray rawProfileText(const QByteArray &resources)
 {
-    const QByteArray block = iptcResourceBlock(iptc);
-    QByteArray text = "\niptc\n" + QByteArray::number(block.size()).rightJustified(8) + '\n';
-    const QByteArray digits = block.toHex();
+    QByteArray text = "\niptc\n" + QByteArray::number(resources.size()).rightJustified(8) + '\n';
+    const QByteArray digits = resources.toHex();
     for (qsizetype at = 0; at < digits.size(); at += 72)
         text += digits.mid(at, 72) + '\n';
     return text;
@@ -219,8 +218,9 @@ public:
     {
         TextChunks chunks;
         chunks.add(PNG_ITXT_COMPRESSION_NONE, "XML:com.adobe.xmp", options.xmp);
-        if (!options.iptc.isEmpty())
-            chunks.add(PNG_TEXT_COMPRESSION_zTXt, "Raw profile type iptc", rawProfileText(options.iptc));
+        const QByteArray resources = imageResourceBlocks(options.iptc, options.imageResources);
+        if (!resources.isEmpty())
+            chunks.add(PNG_TEXT_COMPRESSION_zTXt, "Raw profile type iptc", rawProfileText(resources));
         chunks.add({"Comment", options.comment.isValidUtf8() ? QString::fromUtf8(options.comment)
                                                              : QString::fromLatin1(options.comment)});
         for (const PngText &text : options.texts)

@@ -2,6 +2,8 @@
 
 #include "imageio/propertyvalues.h"
 
+#include "platform/numbervalues.h"
+
 #include <algorithm>
 
 namespace plexa
@@ -21,29 +23,6 @@ bool isFloating(const QVariant &value)
 }
 
 } // namespace
-
-bool isNumber(const QVariant &value)
-{
-    switch (value.typeId()) {
-    case QMetaType::Bool:
-    case QMetaType::Char:
-    case QMetaType::SChar:
-    case QMetaType::UChar:
-    case QMetaType::Short:
-    case QMetaType::UShort:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::Long:
-    case QMetaType::ULong:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Float:
-    case QMetaType::Double:
-        return true;
-    default:
-        return false;
-    }
-}
 
 bool samePropertyValue(const QVariant &a, const QVariant &b)
 {

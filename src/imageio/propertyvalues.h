@@ -7,9 +7,6 @@
 namespace plexa
 {
 
-/// Is this a number (integer or floating) or a truth value?
-bool isNumber(const QVariant &value);
-
 /// Do two values of a property dictionary say the same? Numbers are compared as numbers whatever their type,
 /// texts as texts, arrays and dictionaries element by element; an absent value equals only an absent one.
 bool samePropertyValue(const QVariant &a, const QVariant &b);

@@ -2,6 +2,7 @@
 
 #include "imageio/tiffmetadata.h"
 
+#include "imageio/imageresources.h"
 #include "imageio/metadatablocks.h"
 #include "imageio/tiffdirectory.h"
 

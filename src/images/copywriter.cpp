@@ -101,6 +101,8 @@ public:
     {
         if (order.metadata)
             m_metadata = *order.metadata;
+        m_request = {order.targetType, propertiesOfCopy(m_metadata, order, m_uprighting), &source, &m_omitted,
+                     m_metadata.clearedGroups()};
     }
 
     Result<CopyReport> write()
@@ -126,6 +128,7 @@ public:
 private:
     bool isStreamed() const { return m_uprighting.isIdentity() && m_order.upright.isNull(); }
 
+    /// The rows that the writer is given.
     RowFormat writtenFormat() const
     {
         if (!m_order.upright.isNull())
@@ -133,16 +136,11 @@ private:
         return {m_uprighting.size(), m_source.info().rows.hasAlpha};
     }
 
-    CopyRequest request() const
-    {
-        return {m_order.targetType, propertiesOfCopy(m_metadata, m_order, m_uprighting), &m_source};
-    }
-
     /// Waits for all the memory that this copy will take beyond strips, before any of it is taken. What
     /// streams from end to end does not wait.
     Result<void> reserve()
     {
-        const qint64 encoding = destinationBytes(writtenFormat(), request());
+        const qint64 encoding = destinationBytes(writtenFormat(), m_request);
         qint64 bytes = 0;
         if (isStreamed()) // decoder and encoder at the same time
             bytes = m_source.rowsBytes() + encoding;
@@ -171,12 +169,8 @@ private:
         AtomicFile file(m_order.targetPath, m_order.ifExists, AtomicFile::Durability::Synced);
         if (Result<void> opened = file.open(); !opened)
             return opened;
-        const RowFormat format = m_upright.isNull()
-                                     ? m_source.info().rows
-                                     : RowFormat{m_upright.size(), m_upright.hasAlphaChannel()};
-        CopyRequest request = this->request();
-        request.omitted = &m_omitted;
-        const Result<std::unique_ptr<RowWriter>> writer = openDestination(file.device(), format, request);
+        const Result<std::unique_ptr<RowWriter>> writer =
+            openDestination(file.device(), writtenFormat(), m_request);
         if (!writer)
             return tl::unexpected(writer.error());
         if (Result<void> written = writeRows(**writer); !written)
@@ -205,6 +199,7 @@ private:
     const ImageSource &m_source;
     ImageMetadata m_metadata;
     const Uprighting m_uprighting;
+    CopyRequest m_request;
     Drawings m_drawings;
     ByteBudget::Reservation m_room;
     QStringList m_omitted;

@@ -5,6 +5,7 @@
 #include "imageio/propertyvalues.h"
 #include "metadata/metadatastrings.h"
 #include "platform/localeformat.h"
+#include "platform/numbervalues.h"
 
 #include <cmath>
 
@@ -517,11 +518,13 @@ void ImageMetadata::clearExifData()
 {
     m_properties.insert(kCGImagePropertyExifDictionary, QVariantMap());
     m_properties.insert(kCGImagePropertyExifAuxDictionary, QVariantMap());
+    m_cleared |= ClearedGroup::Exif;
 }
 
 void ImageMetadata::clearGPSData()
 {
     m_properties.insert(kCGImagePropertyGPSDictionary, QVariantMap());
+    m_cleared |= ClearedGroup::Gps;
 }
 
 void ImageMetadata::clearIptcDataKeepCopyright(bool keepCopyright, bool keepContactInfo)
@@ -538,6 +541,7 @@ void ImageMetadata::clearIptcDataKeepCopyright(bool keepCopyright, bool keepCont
         setIptcCreator(creator);
     if (title.isValid())
         setIptcCreatorTitle(title);
+    m_cleared |= ClearedGroup::Iptc;
 }
 
 void ImageMetadata::clearTiffDataKeepCopyright(bool keepCopyright, bool keepContactInfo)
@@ -550,6 +554,7 @@ void ImageMetadata::clearTiffDataKeepCopyright(bool keepCopyright, bool keepCont
     setTiffValue({}, kCGImagePropertyTIFFImageDescription);
     setTiffValue({}, kCGImagePropertyTIFFMake);
     setTiffValue({}, kCGImagePropertyTIFFModel);
+    m_cleared |= ClearedGroup::Tiff;
 }
 
 } // namespace plexa

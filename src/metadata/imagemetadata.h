@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "imageio/clearedgroups.h"
 #include "imageio/propertykeys.h"
 
 #include <QDateTime>
@@ -330,6 +331,9 @@ public:
     /// Removes software, description, camera and, unless kept, copyright and artist (contact information).
     void clearTiffDataKeepCopyright(bool keepCopyright, bool keepContactInfo);
 
+    /// What of this has been cleared, for a writer, which also clears what the dictionary does not model.
+    ClearedGroups clearedGroups() const { return m_cleared; }
+
 private:
     static QVariant firstOf(const QVariant &value);
     static QVariant arrayOfOne(const QVariant &value);
@@ -339,6 +343,7 @@ private:
     void setTiffResolution(const QVariant &value, const QString &tiffKey, const QString &topKey);
 
     QVariantMap m_properties;
+    ClearedGroups m_cleared;
 };
 
 } // namespace plexa

@@ -2,6 +2,8 @@
 
 #include "platform/userdefaults.h"
 
+#include "platform/numbervalues.h"
+
 #include <QRegularExpression>
 
 #include <cmath>
@@ -15,25 +17,6 @@ namespace
 bool isText(const QVariant &value)
 {
     return value.typeId() == QMetaType::QString || value.typeId() == QMetaType::QByteArray;
-}
-
-bool isNumber(const QVariant &value)
-{
-    switch (value.typeId()) {
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::Long:
-    case QMetaType::ULong:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Short:
-    case QMetaType::UShort:
-    case QMetaType::Float:
-    case QMetaType::Double:
-        return true;
-    default:
-        return false;
-    }
 }
 
 /// What of `text` the pattern's first group matches at its start.
@@ -113,7 +96,7 @@ bool UserDefaults::boolForKey(const QString &key) const
     const QVariant value = objectForKey(key);
     if (isText(value))
         return truthOf(value.toString());
-    return value.typeId() == QMetaType::Bool ? value.toBool() : isNumber(value) && value.toDouble() != 0;
+    return isNumber(value) && value.toDouble() != 0;
 }
 
 qint64 UserDefaults::integerForKey(const QString &key) const
@@ -123,7 +106,7 @@ qint64 UserDefaults::integerForKey(const QString &key) const
         return integerOf(value.toString());
     if (value.typeId() == QMetaType::Float || value.typeId() == QMetaType::Double)
         return integerOf(value.toDouble());
-    return value.typeId() == QMetaType::Bool || isNumber(value) ? value.toLongLong() : 0;
+    return isNumber(value) ? value.toLongLong() : 0;
 }
 
 float UserDefaults::floatForKey(const QString &key) const
@@ -131,7 +114,7 @@ float UserDefaults::floatForKey(const QString &key) const
     const QVariant value = objectForKey(key);
     if (isText(value))
         return finiteFloat(decimalOf(value.toString()));
-    return value.typeId() == QMetaType::Bool || isNumber(value) ? finiteFloat(value.toDouble()) : 0.0F;
+    return isNumber(value) ? finiteFloat(value.toDouble()) : 0.0F;
 }
 
 QString UserDefaults::stringForKey(const QString &key) const
