@@ -6,6 +6,8 @@
 #include "imageio/pictureheaders.h"
 #include "imageio/pngcodec.h"
 #include "imageio/qtcodec.h"
+#include "imageio/rawcodec.h"
+#include "imageio/rawformats.h"
 #include "imageio/tiffcodec.h"
 
 #include <QtEndian>
@@ -94,11 +96,14 @@ QList<ImageFormat> makeFormats()
     static const JpegCodec jpeg;
     static const PngCodec png;
     static const TiffCodec tiff;
+    static const RawCodec raw;
     QList<ImageFormat> formats = {
         {"image/jpeg", "JPEG", {u"jpg"_qs, u"jpeg"_qs, u"jpe"_qs, u"jfif"_qs}, isJpeg, &jpeg, true, false},
         {"image/png", "PNG", {u"png"_qs}, isPng, &png, true, true},
-        {"image/tiff", "TIFF", {u"tif"_qs, u"tiff"_qs}, isTiff, &tiff, false, false},
     };
+    formats.append(rawFormatsWithSignature(raw));
+    formats.append({"image/tiff", "TIFF", {u"tif"_qs, u"tiff"_qs}, isTiff, &tiff, false, false});
+    formats.append(rawFormatsLikeTiff(raw));
     static const QtCodec gif("gif", nullptr, 4);
     static const QtCodec webp("webp", readWebpHeader, 4); // where it is lossless
     static const QtCodec bmp("bmp", readBmpHeader);
