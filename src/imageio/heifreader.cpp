@@ -290,7 +290,7 @@ Result<PictureInfo> HeifCodec::readInfo(QIODevice &device, const ReadLimits &lim
         info.colorModel = picture.measure.chroma == 0 ? QStringLiteral("Gray") : QStringLiteral("RGB");
         info.iccProfile = picture.file.iccProfile();
         info.chromaSampling = samplingText(picture.measure.chroma);
-        info.isUpright = true;
+        info.orientation = 1;
         info.decoderBytes = picture.decodingBytes();
         info.unmarkedPictures = picture.items.furtherPictures();
         return info;

@@ -10,6 +10,8 @@
 #include "imageio/pictureheaders.h"
 #include "imageio/pngcodec.h"
 #include "imageio/qtcodec.h"
+#include "imageio/rawcodec.h"
+#include "imageio/rawformats.h"
 #include "imageio/tiffcodec.h"
 
 #include <QtEndian>
@@ -98,6 +100,7 @@ QList<ImageFormat> makeFormats()
     static const JpegCodec jpeg;
     static const PngCodec png;
     static const TiffCodec tiff;
+    static const RawCodec raw;
     static const GifCodec gif;
     static const BmpCodec bmp;
     static const HeifCodec heic(HeifCodec::Kind::Hevc);
@@ -105,7 +108,6 @@ QList<ImageFormat> makeFormats()
     QList<ImageFormat> formats = {
         {"image/jpeg", "JPEG", {u"jpg"_qs, u"jpeg"_qs, u"jpe"_qs, u"jfif"_qs}, isJpeg, &jpeg, true, false},
         {"image/png", "PNG", {u"png"_qs}, isPng, &png, true, true},
-        {"image/tiff", "TIFF", {u"tif"_qs, u"tiff"_qs}, isTiff, &tiff, true, true},
         {"image/heic",
          "HEIC",
          {u"heic"_qs, u"heif"_qs, u"hif"_qs},
@@ -117,6 +119,9 @@ QList<ImageFormat> makeFormats()
         {"image/gif", "GIF", {u"gif"_qs}, isGif, &gif, true, true},
         {"image/bmp", "BMP", {u"bmp"_qs, u"dib"_qs}, isBmp, &bmp, true, false},
     };
+    formats.append(rawFormatsWithSignature(raw));
+    formats.append({"image/tiff", "TIFF", {u"tif"_qs, u"tiff"_qs}, isTiff, &tiff, true, true});
+    formats.append(rawFormatsLikeTiff(raw));
     static const QtCodec webp("webp", readWebpHeader, 4); // where it is lossless
     static const QtCodec icon("ico", nullptr, 0, QtCodec::Choice::Largest);
     static const QtCodec icns("icns", nullptr, 0, QtCodec::Choice::Largest);

@@ -62,11 +62,14 @@ struct PictureInfo {
     bool isProgressive = false; ///< JPEG only
     QByteArray chromaSampling;  ///< horizontal and vertical factor of each component as JPEG has them:
                                 ///< "22,11,11"; JPEG and HEIF only
-    bool isUpright = false;  ///< the format turns its pictures by itself: EXIF's orientation is not followed
     qint64 decoderBytes = 0; ///< the most memory that a reader holds besides the strips it fills: what it has
                              ///< to decode whole before the first row comes out; 0 where the rows stream
     QVariantMap formatProperties; ///< dictionaries of the property dictionary that are of one container
                                   ///< only: "{JFIF}", "{PNG}", ...
+    int orientation = 0; ///< 1 to 8 as EXIF counts, where the codec knows it better than the metadata; 0: it
+                         ///< does not
+    QVariantMap properties; ///< what stands in for metadata that the file does not have, in the form of the
+                            ///< property dictionary ("{TIFF}", ...)
     QStringList unmarkedPictures; ///< pictures beside image 0 that a copy must not carry: "gain map", ...
 };
 

@@ -5,6 +5,7 @@
 #include "imageio/colorprofile.h"
 #include "imageio/embeddedmetadata.h"
 #include "imageio/propertykeys.h"
+#include "imageio/rawformats.h"
 #include "imageio/readfailures.h"
 
 #include <QFile>
@@ -18,26 +19,26 @@ namespace plexa
 namespace
 {
 
-/// Camera makers' files of raw data look like TIFF and hold a small preview as their first picture.
-bool isCameraRawSuffix(const QString &suffix)
+/// Puts in what the metadata do not say. A group of theirs is whole but for the camera's name: what a codec
+/// has to tell of the exposure comes from the same place, less exactly.
+void fillIn(QVariantMap &map, const QVariantMap &fromCodec)
 {
-    static const QStringList suffixes = {u"3fr"_qs, u"arw"_qs, u"cr2"_qs, u"dcr"_qs, u"dng"_qs, u"erf"_qs,
-                                         u"fff"_qs, u"iiq"_qs, u"k25"_qs, u"kdc"_qs, u"mef"_qs, u"mos"_qs,
-                                         u"nef"_qs, u"nrw"_qs, u"orf"_qs, u"pef"_qs, u"raw"_qs, u"rw2"_qs,
-                                         u"rwl"_qs, u"sr2"_qs, u"srf"_qs, u"srw"_qs};
-    return suffixes.contains(suffix.toLower());
+    for (auto group = fromCodec.cbegin(); group != fromCodec.cend(); ++group) {
+        QVariantMap filled = map.value(group.key()).toMap();
+        if (!filled.isEmpty() && group.key() != kCGImagePropertyTIFFDictionary)
+            continue;
+        QVariantMap values = group->toMap();
+        values.insert(filled);
+        map.insert(group.key(), values);
+    }
 }
 
-/// What EXIF says of a picture's orientation, where its format has turned it already.
-void setUpright(QVariantMap &properties)
+void setOrientation(QVariantMap &map, int orientation)
 {
-    if (properties.contains(kCGImagePropertyOrientation))
-        properties.insert(kCGImagePropertyOrientation, 1);
-    QVariantMap tiff = properties.value(kCGImagePropertyTIFFDictionary).toMap();
-    if (!tiff.contains(kCGImagePropertyTIFFOrientation))
-        return;
-    tiff.insert(kCGImagePropertyTIFFOrientation, 1);
-    properties.insert(kCGImagePropertyTIFFDictionary, tiff);
+    QVariantMap tiff = map.value(kCGImagePropertyTIFFDictionary).toMap();
+    tiff.insert(kCGImagePropertyTIFFOrientation, orientation);
+    map.insert(kCGImagePropertyTIFFDictionary, tiff);
+    map.insert(kCGImagePropertyOrientation, orientation);
 }
 
 } // namespace
@@ -90,8 +91,9 @@ QVariantMap ImageSource::State::makeProperties(const EmbeddedMetadata &fromMetad
         whole.insert(dictionary->toMap());
         map.insert(dictionary.key(), whole);
     }
-    if (info.isUpright)
-        setUpright(map);
+    fillIn(map, info.properties);
+    if (info.orientation > 0 && map.value(kCGImagePropertyOrientation, 1).toInt() != info.orientation)
+        setOrientation(map, info.orientation);
     return map;
 }
 
@@ -137,21 +139,19 @@ Result<ImageSource> ImageSource::open(const QString &path, const ReadLimits &lim
     if (head.isEmpty())
         return fail(state->file->size() > 0 ? ReadFailures::readError(*state->file)
                                             : ReadFailures::emptyFile());
-    const QString suffix = QFileInfo(path).suffix();
-    state->format = imageFormatOfContents(head);
-    if (!state->format) {
-        // A format with a signature would have been known by it.
-        state->format = imageFormatOfSuffix(suffix);
-        if (!state->format || state->format->matches)
-            return fail(isCameraRawSuffix(suffix) ? ReadFailures::cameraRaw() : ReadFailures::notAPicture());
+    std::optional<Error> failure;
+    for (const ImageFormat *format : formatsToTry(*state->file, head, QFileInfo(path).suffix())) {
+        if (!state->file->seek(0))
+            return fail(ReadFailures::readError(*state->file));
+        Result<PictureInfo> info = format->codec->readInfo(*state->file, limits);
+        if (info) {
+            state->format = format;
+            state->info = std::move(*info);
+            return ImageSource(std::move(state));
+        }
+        failure = failure.value_or(info.error());
     }
-    if (state->format == imageFormatOfType(u"image/tiff"_qs) && isCameraRawSuffix(suffix))
-        return fail(ReadFailures::cameraRaw());
-    Result<PictureInfo> info = state->format->codec->readInfo(*state->file, limits);
-    if (!info)
-        return tl::unexpected(info.error());
-    state->info = std::move(*info);
-    return ImageSource(std::move(state));
+    return tl::unexpected(failure.value_or(Error{ReadFailures::notAPicture()}));
 }
 
 QString ImageSource::type() const

@@ -19,7 +19,7 @@ public:
     static QString emptyFile() { return tr("the file is empty"); }
     static QString notAPicture() { return tr("not a picture that can be read"); }
     static QString unsupportedKind(const char *format);
-    static QString cameraRaw() { return tr("camera raw photos cannot be read"); }
+    static QString noRawData() { return tr("it holds no camera raw photo of a known kind"); }
     static QString endsEarly() { return tr("the picture data end early"); }
     static QString damaged() { return tr("the picture data are damaged"); }
     static QString tooManyPixels(QSize size, const ReadLimits &limits);

@@ -143,7 +143,7 @@ Result<void> TiffFile::open()
     if (!m_tiff)
         return fail(failureReason());
     if (isCameraRaw())
-        return fail(ReadFailures::cameraRaw());
+        return fail(ReadFailures::unsupportedKind("TIFF"));
     if (const auto read = readLayout(); !read)
         return read;
     // What was complained of up to here is outside of the picture's data.

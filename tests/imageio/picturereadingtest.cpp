@@ -285,8 +285,7 @@ void PictureReadingTest::brokenFilesGiveAReason_data()
         "the picture is too large: 3000000 x 2000000 pixels, at most 1000 megapixels can be read");
     add("broken/jpeg-named.nef", "");
     add("broken/png-named.jpg", "");
-    add("raw/canon-kiss-x4-colorchart.dng", "camera raw photos cannot be read");
-    add("raw/kodak-dc50.kdc", "camera raw photos cannot be read");
+    add("raw/canon-metadata-only.cr2", "it holds no camera raw photo of a known kind");
     add("README.md", "not a picture that can be read");
     add("jpeg", "not a picture that can be read");
     add("absent.jpg", "it cannot be read: No such file or directory");

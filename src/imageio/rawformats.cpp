@@ -1,0 +1,262 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/rawformats.h"
+
+#include <QtEndian>
+
+#include <algorithm>
+
+namespace plexa
+{
+
+namespace
+{
+
+bool isClassicTiff(QByteArrayView head)
+{
+    return head.startsWith(QByteArrayView("II*\0", 4)) || head.startsWith(QByteArrayView("MM\0*", 4));
+}
+
+bool isCr2(QByteArrayView head)
+{
+    return head.size() >= 16 && isClassicTiff(head) && head.sliced(8, 2) == QByteArrayView("CR");
+}
+
+bool isCr3(QByteArrayView head)
+{
+    return head.size() >= 16 && head.sliced(4, 8) == QByteArrayView("ftypcrx ");
+}
+
+bool isCrw(QByteArrayView head)
+{
+    return head.size() >= 16 && (head.startsWith("II") || head.startsWith("MM")) &&
+           head.sliced(6, 8) == QByteArrayView("HEAPCCDR");
+}
+
+bool isRw2(QByteArrayView head)
+{
+    return head.startsWith(QByteArrayView("IIU\0", 4));
+}
+
+bool isOrf(QByteArrayView head)
+{
+    return head.startsWith("IIRO") || head.startsWith("IIRS") || head.startsWith("MMOR");
+}
+
+bool isRaf(QByteArrayView head)
+{
+    return head.startsWith("FUJIFILMCCD-RAW");
+}
+
+bool isMrw(QByteArrayView head)
+{
+    return head.startsWith(QByteArrayView("\0MRM", 4)) || head.startsWith(QByteArrayView("\0MRI", 4));
+}
+
+bool isQuickTake(QByteArrayView head)
+{
+    return head.startsWith("qktk") || head.startsWith("qktn");
+}
+
+bool isIiq(QByteArrayView head)
+{
+    const qsizetype at = isClassicTiff(head) ? 8 : 0;
+    const QByteArrayView mark = head.size() >= at + 4 ? head.sliced(at, 4) : QByteArrayView();
+    return mark == QByteArrayView("IIII") || mark == QByteArrayView("MMMM");
+}
+
+struct Row {
+    const char *type;
+    const char *name;
+    QStringList suffixes;
+    bool (*matches)(QByteArrayView head);
+};
+
+QList<ImageFormat> formatsOf(const std::vector<Row> &rows, const Codec &codec)
+{
+    QList<ImageFormat> formats;
+    for (const Row &row : rows)
+        formats.append({row.type, row.name, row.suffixes, row.matches, &codec, false, false});
+    return formats;
+}
+
+/// What the directories of a TIFF file say of it being a camera's raw file.
+struct TiffEvidence {
+    bool isTiff = false;
+    bool isDng = false;
+    bool hasRawPicture = false; ///< samples of a sensor
+    bool beginsReduced = false; ///< the first picture is a small one of another
+    bool hasMake = false;
+};
+
+/// Reads directories of TIFF files: only what tells a camera's raw file.
+class TiffDirectories
+{
+public:
+    TiffDirectories(QIODevice &device, bool isLittle)
+        : m_device(device)
+        , m_isLittle(isLittle)
+    {
+    }
+
+    TiffEvidence evidence()
+    {
+        TiffEvidence found;
+        found.isTiff = true;
+        std::vector<quint32> inner;
+        readDirectory(number32(bytesAt(4, 4), 0), found, &inner);
+        for (const quint32 offset : inner)
+            readDirectory(offset, found, nullptr);
+        return found;
+    }
+
+private:
+    static constexpr int kEntryBytes = 12;
+    static constexpr quint32 kMaxInnerDirectories = 16;
+
+    QByteArray bytesAt(qint64 position, qint64 count)
+    {
+        return m_device.seek(position) ? m_device.read(count) : QByteArray();
+    }
+
+    quint16 number16(const QByteArray &bytes, qsizetype at) const
+    {
+        if (bytes.size() < at + 2)
+            return 0;
+        const char *data = bytes.constData() + at;
+        return m_isLittle ? qFromLittleEndian<quint16>(data) : qFromBigEndian<quint16>(data);
+    }
+
+    quint32 number32(const QByteArray &bytes, qsizetype at) const
+    {
+        if (bytes.size() < at + 4)
+            return 0;
+        const char *data = bytes.constData() + at;
+        return m_isLittle ? qFromLittleEndian<quint32>(data) : qFromBigEndian<quint32>(data);
+    }
+
+    /// @param inner  takes the places of the directories inside; null: they are passed over
+    void readDirectory(quint32 offset, TiffEvidence &found, std::vector<quint32> *inner)
+    {
+        const int count = number16(bytesAt(offset, 2), 0);
+        const QByteArray entries = bytesAt(qint64(offset) + 2, qint64(count) * kEntryBytes);
+        for (qsizetype at = 0; at + kEntryBytes <= entries.size(); at += kEntryBytes) {
+            // Numbers of two and of four bytes are told apart by their type.
+            const bool isShort = number16(entries, at + 2) == 3;
+            const quint32 value = isShort ? number16(entries, at + 8) : number32(entries, at + 8);
+            switch (number16(entries, at)) {
+            case 0x00FE: // kind of picture
+                found.beginsReduced = found.beginsReduced || (inner && (value & 1) != 0);
+                break;
+            case 0x0106: // colour model: a filter array, or a sensor's linear samples
+                found.hasRawPicture = found.hasRawPicture || value == 32803 || value == 34892;
+                break;
+            case 0x010F:
+                found.hasMake = true;
+                break;
+            case 0x014A:
+                if (inner)
+                    *inner = numbersOf(entries, at);
+                break;
+            case 0xC612:
+                found.isDng = true;
+                break;
+            default:
+                break;
+            }
+        }
+    }
+
+    std::vector<quint32> numbersOf(const QByteArray &entries, qsizetype at)
+    {
+        const quint32 count = qMin(number32(entries, at + 4), kMaxInnerDirectories);
+        if (count <= 1)
+            return {number32(entries, at + 8)};
+        const QByteArray bytes = bytesAt(number32(entries, at + 8), qint64(count) * 4);
+        std::vector<quint32> numbers;
+        for (qsizetype i = 0; i + 4 <= bytes.size(); i += 4)
+            numbers.push_back(number32(bytes, i));
+        return numbers;
+    }
+
+    QIODevice &m_device;
+    const bool m_isLittle;
+};
+
+TiffEvidence evidenceOf(QIODevice &device, QByteArrayView head)
+{
+    return isClassicTiff(head) ? TiffDirectories(device, head.startsWith("II")).evidence() : TiffEvidence();
+}
+
+bool isRaw(const ImageFormat *format)
+{
+    static const Codec *const rawCodec = imageFormatOfType(QStringLiteral("image/x-dcraw"))->codec;
+    return format && format->codec == rawCodec;
+}
+
+} // namespace
+
+QList<ImageFormat> rawFormatsWithSignature(const Codec &codec)
+{
+    return formatsOf({{"image/x-canon-cr2", "CR2", {u"cr2"_qs}, isCr2},
+                      {"image/x-canon-cr3", "CR3", {u"cr3"_qs}, isCr3},
+                      {"image/x-canon-crw", "CRW", {u"crw"_qs}, isCrw},
+                      {"image/x-panasonic-rw2", "RW2", {u"rw2"_qs, u"raw"_qs}, isRw2},
+                      {"image/x-leica-rwl", "RWL", {u"rwl"_qs}, isRw2},
+                      {"image/x-olympus-orf", "ORF", {u"orf"_qs}, isOrf},
+                      {"image/x-fuji-raf", "RAF", {u"raf"_qs}, isRaf},
+                      {"image/x-minolta-mrw", "MRW", {u"mrw"_qs}, isMrw},
+                      {"image/x-phaseone-iiq", "IIQ", {u"iiq"_qs}, isIiq},
+                      {"image/x-apple-quicktake", "QuickTake", {u"qtk"_qs}, isQuickTake}},
+                     codec);
+}
+
+QList<ImageFormat> rawFormatsLikeTiff(const Codec &codec)
+{
+    return formatsOf({{"image/x-adobe-dng", "DNG", {u"dng"_qs}, isClassicTiff},
+                      {"image/x-nikon-nef", "NEF", {u"nef"_qs}, isClassicTiff},
+                      {"image/x-nikon-nrw", "NRW", {u"nrw"_qs}, isClassicTiff},
+                      {"image/x-sony-arw", "ARW", {u"arw"_qs}, isClassicTiff},
+                      {"image/x-sony-sr2", "SR2", {u"sr2"_qs}, isClassicTiff},
+                      {"image/x-sony-srf", "SRF", {u"srf"_qs}, isClassicTiff},
+                      {"image/x-pentax-pef", "PEF", {u"pef"_qs}, isClassicTiff},
+                      {"image/x-samsung-srw", "SRW", {u"srw"_qs}, isClassicTiff},
+                      {"image/x-kodak-kdc", "KDC", {u"kdc"_qs}, isClassicTiff},
+                      {"image/x-kodak-dcr", "DCR", {u"dcr"_qs}, isClassicTiff},
+                      {"image/x-kodak-k25", "K25", {u"k25"_qs}, isClassicTiff},
+                      {"image/x-epson-erf", "ERF", {u"erf"_qs}, isClassicTiff},
+                      {"image/x-hasselblad-3fr", "3FR", {u"3fr"_qs}, isClassicTiff},
+                      {"image/x-hasselblad-fff", "FFF", {u"fff"_qs}, isClassicTiff},
+                      {"image/x-mamiya-mef", "MEF", {u"mef"_qs}, isClassicTiff},
+                      {"image/x-leaf-mos", "MOS", {u"mos"_qs}, isClassicTiff},
+                      // What is called by no name of these.
+                      {"image/x-dcraw", "camera raw", {}, isClassicTiff}},
+                     codec);
+}
+
+QList<const ImageFormat *> formatsToTry(QIODevice &device, QByteArrayView head, const QString &suffix)
+{
+    const ImageFormat *ofContents = imageFormatOfContents(head);
+    const ImageFormat *ofName = imageFormatOfSuffix(suffix);
+    if (!ofContents) {
+        // A format with a signature would have been known by it.
+        return ofName && !ofName->matches ? QList{ofName} : QList<const ImageFormat *>();
+    }
+    const bool isRawByName = isRaw(ofName) && ofName->matches(head);
+    if (isRaw(ofContents)) // several makers may share a signature
+        return {isRawByName && !isClassicTiff(head) ? ofName : ofContents};
+    const TiffEvidence evidence = evidenceOf(device, head);
+    if (!evidence.isTiff)
+        return {ofContents};
+    if (evidence.isDng)
+        return {imageFormatOfType(QStringLiteral("image/x-adobe-dng"))};
+    const ImageFormat *raw = isRawByName ? ofName : imageFormatOfType(QStringLiteral("image/x-dcraw"));
+    if (evidence.hasRawPicture || evidence.beginsReduced)
+        return {raw};
+    if (!isRawByName)
+        return {ofContents};
+    // Cameras write their name; without it a TIFF file is likelier to have got a wrong name.
+    return evidence.hasMake ? QList{raw, ofContents} : QList{ofContents, raw};
+}
+
+} // namespace plexa
