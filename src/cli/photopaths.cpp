@@ -32,9 +32,9 @@ bool isPackage(const QString &folder)
 }
 
 // Photos that people expect to be found, although they cannot be read.
-constexpr std::array kUnreadableSuffixes = {
-    "jp2", "jxl", "dng", "cr2", "cr3", "crw", "nef", "nrw", "arw", "sr2",
-    "srf",  "raf",  "orf", "rw2",  "pef", "srw", "3fr", "iiq", "kdc", "dcr", "mrw", "erf", "x3f", "rwl"};
+constexpr std::array kUnreadableSuffixes = {"jp2", "jxl", "dng", "cr2", "cr3", "crw", "nef", "nrw",
+                                            "arw", "sr2", "srf", "raf", "orf", "rw2", "pef", "srw",
+                                            "3fr", "iiq", "kdc", "dcr", "mrw", "erf", "x3f", "rwl"};
 
 bool isPhotoSuffix(const QString &suffix)
 {

@@ -5,6 +5,7 @@
 #include "imageio/embeddedpictures.h"
 #include "imageio/exifencoding.h"
 #include "imageio/exiv2setup.h"
+#include "imageio/iptctoxmp.h"
 #include "imageio/metadatachanges.h"
 #include "imageio/metadataclearing.h"
 
@@ -163,6 +164,8 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     if (erasedFromIptc)
         eraseXmpProperty(xmp, "Xmp.photoshop.LegacyIPTCDigest");
     applyPropertyChanges(set, xmp, before, after);
+    if (!facts.holdsIptc)
+        addIptcToXmp(xmp, after);
     describePictureInXmp(xmp, facts.pixelSize);
     try {
         encoded.xmp = encodedXmp(xmp);

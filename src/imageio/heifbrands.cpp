@@ -25,7 +25,10 @@ Coding codingOf(QByteArrayView brand)
         return std::any_of(brands.begin(), brands.end(),
                            [brand](const char *name) { return brand == QByteArrayView(name); });
     };
-    return isAmong(kHevc) ? Coding::Hevc : isAmong(kAv1) ? Coding::Av1 : isAmong(kAny) ? Coding::Any : Coding::None;
+    return isAmong(kHevc)  ? Coding::Hevc
+           : isAmong(kAv1) ? Coding::Av1
+           : isAmong(kAny) ? Coding::Any
+                           : Coding::None;
 }
 
 /// The coding that the file's brands tell: the first one that tells any, for the main brand comes first.

@@ -17,8 +17,8 @@ constexpr int kMaxDepth = 4; // a grid of pictures that are turned: two
 constexpr int kMaxUnits = 100'000;
 constexpr qint64 kHeadBytes = 512; // of a picture's head; real ones have less than a hundred
 
-// Decoding may take this many times the pixels of the picture (alpha, the tiles' edges, overlays), and so many
-// more where the picture is small.
+// Decoding may take this many times the pixels of the picture (alpha, the tiles' edges, overlays), and so
+// many more where the picture is small.
 constexpr qint64 kWorkFactor = 4;
 constexpr qint64 kSpareWork = 64'000'000;
 
@@ -65,10 +65,12 @@ private:
     Result<Work> workOf(quint32 id, int depth)
     {
         const auto item = m_items.items.find(id);
-        if (item == m_items.items.end() || depth > kMaxDepth || !item->hasSoundCrop)
+        if (item == m_items.items.end() || depth > kMaxDepth || !item->hasSoundTurns)
             return fail(ReadFailures::damaged());
         if (const auto known = m_known.find(id); known != m_known.end())
             return *known;
+        m_result.hasTurnedParts =
+            m_result.hasTurnedParts || (id != m_items.primary && !item->turns.isEmpty());
         const Result<void> checked = checkItem(*item);
         if (!checked)
             return tl::unexpected(checked.error());

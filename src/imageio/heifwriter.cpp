@@ -58,8 +58,7 @@ public:
             heif_image_create(size.width(), size.height(), heif_colorspace_RGB, chroma, &image);
         m_image.reset(image);
         if (error.code == heif_error_Ok)
-            error =
-                heif_image_add_plane(image, heif_channel_interleaved, size.width(), size.height(), 8);
+            error = heif_image_add_plane(image, heif_channel_interleaved, size.width(), size.height(), 8);
         if (error.code == heif_error_Ok)
             m_plane = heif_image_get_plane(image, heif_channel_interleaved, &m_stride);
         if (!m_plane)

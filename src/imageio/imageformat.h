@@ -62,7 +62,7 @@ struct PictureInfo {
     bool isProgressive = false; ///< JPEG only
     QByteArray chromaSampling;  ///< horizontal and vertical factor of each component as JPEG has them:
                                 ///< "22,11,11"; JPEG and HEIF only
-    bool isUpright = false; ///< the format turns its pictures by itself: EXIF's orientation is not followed
+    bool isUpright = false;  ///< the format turns its pictures by itself: EXIF's orientation is not followed
     qint64 decoderBytes = 0; ///< the most memory that a reader holds besides the strips it fills: what it has
                              ///< to decode whole before the first row comes out; 0 where the rows stream
     QStringList unmarkedPictures; ///< pictures beside image 0 that a copy must not carry: "gain map", ...

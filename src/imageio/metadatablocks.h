@@ -25,7 +25,8 @@ struct MetadataBlocks {
 /// No block is taken that is larger: the largest that cameras and editors write stay far below.
 inline constexpr qsizetype kMaxMetadataBytes = 16 * 1024 * 1024;
 
-/// Collects the blocks of a JPEG, PNG, WebP or HEIF file without touching its pixels. Damaged blocks are left out.
+/// Collects the blocks of a JPEG, PNG, WebP or HEIF file without touching its pixels. Damaged blocks are left
+/// out.
 /// @param device  open for reading, random access, at any position
 /// @return none when the contents are of another format
 std::optional<MetadataBlocks> readMetadataBlocks(QIODevice &device);

@@ -78,8 +78,8 @@ double hlgToNits(double v)
     return 1000 * std::pow(scene, 1.2);
 }
 
-/// Light of an HDR picture for a monitor: ITU-R BT.2408 puts reference white at 203 cd/m2. Up to half of it the
-/// picture stays as it is; above, a hyperbola of the same slope nears white.
+/// Light of an HDR picture for a monitor: ITU-R BT.2408 puts reference white at 203 cd/m2. Up to half of it
+/// the picture stays as it is; above, a hyperbola of the same slope nears white.
 double pressed(double nits)
 {
     constexpr double kReferenceWhite = 203;

@@ -15,9 +15,9 @@ struct NclxColors {
 };
 
 /// The ICC profile for these colours. The curves of SDR video count as sRGB's: cameras say BT.709 of pictures
-/// that are meant to be seen on a monitor as they are, and other programs show them so. PQ and HLG are brought
-/// into the range of a monitor: their reference white becomes a bright white, and what is brighter is pressed
-/// together above it.
+/// that are meant to be seen on a monitor as they are, and other programs show them so. PQ and HLG are
+/// brought into the range of a monitor: their reference white becomes a bright white, and what is brighter is
+/// pressed together above it.
 /// @return empty for sRGB, for code points that are reserved or unspecified, and without memory
 QByteArray profileOfNclx(const NclxColors &colors);
 
