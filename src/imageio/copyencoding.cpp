@@ -6,6 +6,7 @@
 #include "imageio/exifencoding.h"
 #include "imageio/exiv2setup.h"
 #include "imageio/imageresources.h"
+#include "imageio/iptctoxmp.h"
 #include "imageio/metadatachanges.h"
 #include "imageio/metadataclearing.h"
 #include "imageio/metadatafields.h"
@@ -159,7 +160,7 @@ QByteArray encodedImageResources(const MetadataSet &set, const QByteArray &iptc,
 
 /// Clears and edits EXIF, IPTC and XMP, and encodes the XMP. All threads wait for the lock that this needs.
 QByteArray changedXmp(MetadataSet &set, ClearedGroups cleared, const QVariantMap &before,
-                      const QVariantMap &after, QSize pixelSize, bool hasNewIptc)
+                      const QVariantMap &after, const EmbeddedMetadata::CopyFacts &facts, bool hasNewIptc)
 {
     const auto lock = lockXmpNamespaces();
     Exiv2::XmpData xmp = decodedXmp(set);
@@ -170,7 +171,9 @@ QByteArray changedXmp(MetadataSet &set, ClearedGroups cleared, const QVariantMap
     if (applyPropertyChanges(set, xmp, remaining, after) || hasNewIptc || (cleared & ClearedGroup::Iptc))
         // A digest of the old record would make other programs distrust the new one.
         eraseXmpProperty(xmp, "Xmp.photoshop.LegacyIPTCDigest");
-    describePictureInXmp(xmp, pixelSize);
+    if (!facts.holdsIptc)
+        addIptcToXmp(xmp, after);
+    describePictureInXmp(xmp, facts.pixelSize);
     try {
         QByteArray packet = encodedXmp(xmp);
         restoreAbout(packet, set.xmpPacket);
@@ -200,7 +203,7 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     const bool erasedFromIptc = erasePicturesFromIptc(set.iptc);
     const Exiv2::IptcData original = set.iptc;
     const bool hadNote = hasMakerNote(set.exif);
-    encoded.xmp = changedXmp(set, cleared, before, after, facts.pixelSize, erasedFromIptc);
+    encoded.xmp = changedXmp(set, cleared, before, after, facts, erasedFromIptc);
     if (hadNote && !hasMakerNote(set.exif) && !(cleared & ClearedGroup::Exif))
         encoded.omitted += u"maker note"_qs;
 

@@ -17,7 +17,6 @@ constexpr qint64 kMaxMetaBytes = 32'000'000;
 constexpr int kMaxTopLevelBoxes = 1000;
 constexpr qsizetype kMaxItems = 10'000;
 constexpr qsizetype kMaxExtents = 100'000; // of all items; one may take no bytes in the box
-constexpr quint32 kMaxCropSide = 1'000'000;
 
 /// Numbers of a box, from its front; behind the end there are zeros, and isWhole turns false.
 class BoxReader
@@ -211,20 +210,6 @@ private:
         return reader.isWhole;
     }
 
-    static bool isSoundCrop(QByteArrayView payload)
-    {
-        BoxReader reader(payload);
-        bool isSound = true;
-        for (int i = 0; i < 4; ++i) { // width, height, horizontal and vertical offset
-            const quint32 numerator = reader.word();
-            const quint32 denominator = reader.word();
-            const auto magnitude = qAbs(qint64(qint32(numerator)));
-            isSound = isSound && denominator != 0 && denominator <= kMaxCropSide &&
-                      magnitude / denominator <= kMaxCropSide;
-        }
-        return isSound && reader.isWhole;
-    }
-
     static void applyProperty(HeifItem &item, const Box &property)
     {
         BoxReader reader(property.payload);
@@ -236,8 +221,11 @@ private:
             item.size = QSize(int(qMin(width, kMax)), int(qMin(height, kMax)));
         } else if (property.type == "hvcC" || property.type == "av1C") {
             item.configuration = property.payload.toByteArray();
-        } else if (property.type == "clap") {
-            item.hasSoundCrop = item.hasSoundCrop && isSoundCrop(property.payload);
+        } else if (property.type == "irot" || property.type == "imir" || property.type == "clap") {
+            const std::optional<HeifTurn> turn = HeifTurn::fromBox(property.type, property.payload);
+            item.hasSoundTurns = item.hasSoundTurns && turn;
+            if (turn)
+                item.turns.append(*turn);
         } else if (property.type == "auxC") {
             const FullBox head(reader);
             item.auxiliaryType = reader.rest().toByteArray();

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "imageio/heifgeometry.h"
 #include "platform/result.h"
 
 #include <QByteArray>
@@ -28,7 +29,8 @@ struct HeifItem {
     QSize size;                 ///< "ispe"; empty where the item has none
     QByteArray configuration;   ///< "hvcC" or "av1C"; may be empty
     QByteArray auxiliaryType;   ///< "auxC"
-    bool hasSoundCrop = true;   ///< false: its "clap" has a denominator of 0 or sizes beyond all measure
+    QList<HeifTurn> turns;      ///< in their order
+    bool hasSoundTurns = true;  ///< false: one is damaged: a crop by fractions of 0, or beyond all measure
     QList<quint32> parts;       ///< "dimg": what it is put together from, in order; may repeat
     QList<quint32> auxiliaries; ///< items that belong to it by "auxl"
     QList<quint32> thumbnails;  ///< items that belong to it by "thmb"

@@ -65,10 +65,12 @@ private:
     Result<Work> workOf(quint32 id, int depth)
     {
         const auto item = m_items.items.find(id);
-        if (item == m_items.items.end() || depth > kMaxDepth || !item->hasSoundCrop)
+        if (item == m_items.items.end() || depth > kMaxDepth || !item->hasSoundTurns)
             return fail(ReadFailures::damaged());
         if (const auto known = m_known.find(id); known != m_known.end())
             return *known;
+        m_result.hasTurnedParts =
+            m_result.hasTurnedParts || (id != m_items.primary && !item->turns.isEmpty());
         const Result<void> checked = checkItem(*item);
         if (!checked)
             return tl::unexpected(checked.error());

@@ -15,6 +15,7 @@ struct HeifMeasure {
     qint64 largestPixels = 0; ///< of a single coded picture
     int chroma = 1;           ///< 0: grey, 1: 4:2:0, 2: 4:2:2, 3: 4:4:4
     bool isHevc = false;
+    bool hasTurnedParts = false; ///< a part of the picture, or its alpha, is turned by itself
 };
 
 /// Follows the primary picture down to its coded pictures and reads their heads. The sizes in the boxes need

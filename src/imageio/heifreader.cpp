@@ -21,7 +21,8 @@ struct OpenPicture {
     HeifItems items;
     HeifMeasure measure;
     HeifFile file;
-    QSize size;
+    HeifGeometry geometry; ///< of what the library decodes
+    bool isTurnedByLibrary = false;
     int depth = 8;
     bool hasAlpha = false;
 
@@ -32,17 +33,40 @@ struct OpenPicture {
 
     bool isDeep() const { return depth > 8; }
 
-    /// The most memory that decoding takes: the planes as they are coded and put together, the same turned,
-    /// beside them the steps of their conversion; one coded picture in the decoder with what it notes down of
-    /// each block. Found by measuring.
+    /// The most memory that decoding takes: the planes as they are coded and put together, with the
+    /// next step of their turning and conversion beside them; one coded picture in the decoder with what it
+    /// notes down of each block. Found by measuring.
     qint64 decodingBytes() const
     {
         const qint64 canvas = qint64(measure.canvas.width()) * measure.canvas.height();
         const qint64 sampleBytes = isDeep() ? 2 : 1;
         const qint64 planes = (hasAlpha ? 4 : 3) * sampleBytes;
-        return canvas * planes * 3 + measure.largestPixels * (3 * sampleBytes + 3);
+        return canvas * planes * (isTurnedByLibrary ? 3 : 2) + measure.largestPixels * (3 * sampleBytes + 3);
     }
 };
+
+/// Finds out how the picture is turned. The library mirrors few kinds of pictures, and turns them into a
+/// second buffer, so only what is put together from pictures that are turned themselves is left to it.
+Result<void> place(OpenPicture &picture, const ReadLimits &limits)
+{
+    const heif_image_handle *handle = picture.file.primary();
+    const QSize shown(heif_image_handle_get_width(handle), heif_image_handle_get_height(handle));
+    if (const auto checked = ReadFailures::checkSize(shown, limits); !checked)
+        return checked;
+    picture.isTurnedByLibrary = picture.measure.hasTurnedParts;
+    if (picture.isTurnedByLibrary) {
+        picture.geometry.size = shown;
+        return {};
+    }
+    const HeifItem primary = picture.items.items.value(picture.items.primary);
+    const auto geometry = HeifGeometry::of(
+        QSize(heif_image_handle_get_ispe_width(handle), heif_image_handle_get_ispe_height(handle)),
+        primary.turns);
+    if (!geometry || geometry->size != shown)
+        return fail(ReadFailures::damaged());
+    picture.geometry = *geometry;
+    return {};
+}
 
 Result<std::unique_ptr<OpenPicture>> openPicture(QIODevice &device, const ReadLimits &limits,
                                                  const char *formatName)
@@ -59,15 +83,14 @@ Result<std::unique_ptr<OpenPicture>> openPicture(QIODevice &device, const ReadLi
     if (const auto opened = picture->file.open(formatName); !opened)
         return tl::unexpected(opened.error());
     const heif_image_handle *handle = picture->file.primary();
-    picture->size = QSize(heif_image_handle_get_width(handle), heif_image_handle_get_height(handle));
-    if (const auto checked = ReadFailures::checkSize(picture->size, limits); !checked)
-        return tl::unexpected(checked.error());
+    if (const auto placed = place(*picture, limits); !placed)
+        return tl::unexpected(placed.error());
     const int depth = heif_image_handle_get_luma_bits_per_pixel(handle);
     picture->depth = depth > 0 && depth <= 16 ? depth : 8;
     picture->hasAlpha = heif_image_handle_has_alpha_channel(handle) != 0;
     const qint64 bytes = picture->decodingBytes();
     if (bytes > limits.maxBytes)
-        return fail(ReadFailures::tooMuchMemory(picture->size, bytes, limits));
+        return fail(ReadFailures::tooMuchMemory(picture->geometry.size, bytes, limits));
     return picture;
 }
 
@@ -195,6 +218,7 @@ public:
             heif_decoding_options_alloc());
         if (!options)
             return fail(ReadFailures::outOfMemory());
+        options->ignore_transformations = picture.isTurnedByLibrary ? 0 : 1;
         options->strict_decoding = 1; // half a picture is none
         // The other decoder of AV1 writes of every damage to the standard error stream.
         options->decoder_id = picture.measure.isHevc ? nullptr : "aom";
@@ -221,7 +245,7 @@ public:
         Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_nextRow);
         uchar *bits = strip.bits();
         for (int row = 0; row < count; ++row, ++m_nextRow)
-            m_colors->convert(m_plane + qsizetype(m_nextRow) * m_stride,
+            m_colors->convert(decodedRow(m_nextRow),
                               reinterpret_cast<QRgb *>(bits + row * strip.bytesPerLine()));
         return {};
     }
@@ -233,13 +257,14 @@ private:
         m_plane = heif_image_get_plane_readonly(m_image.get(), all, &m_stride);
         const QSize size(heif_image_get_width(m_image.get(), all), heif_image_get_height(m_image.get(), all));
         const int bits = heif_image_get_bits_per_pixel_range(m_image.get(), all);
-        const int bytes = (picture.hasAlpha ? 4 : 3) * (picture.isDeep() ? 2 : 1);
-        const bool isAsAnnounced = m_plane && size == picture.size &&
+        m_pixelBytes = (picture.hasAlpha ? 4 : 3) * (picture.isDeep() ? 2 : 1);
+        m_geometry = picture.geometry;
+        const bool isAsAnnounced = m_plane && covers(size) &&
                                    (picture.isDeep() ? bits > 8 && bits <= 16 : bits == 8) &&
-                                   m_stride >= qint64(size.width()) * bytes;
+                                   m_stride >= qint64(size.width()) * m_pixelBytes;
         if (!isAsAnnounced)
             return fail(ReadFailures::damaged());
-        m_format = {size, picture.hasAlpha};
+        m_format = {m_geometry.size, picture.hasAlpha};
         QByteArray profile = picture.file.iccProfile();
         if (profile.isEmpty()) {
             const HeifColors nclx = nclxOf(picture.file.primary(), m_image.get());
@@ -247,11 +272,39 @@ private:
                 profile = profileOfNclx({nclx->color_primaries, nclx->transfer_characteristics});
         }
         const bool isPremultiplied = heif_image_handle_is_premultiplied_alpha(picture.file.primary()) != 0;
-        m_colors.emplace(size.width(), bits, picture.hasAlpha, isPremultiplied, profile);
+        m_colors.emplace(m_geometry.size.width(), bits, picture.hasAlpha, isPremultiplied, profile);
         return {};
     }
 
+    /// Does the decoded picture have all the pixels that are asked for?
+    bool covers(QSize decoded) const
+    {
+        const QPoint last = m_geometry.origin + (m_geometry.size.width() - 1) * m_geometry.right +
+                            (m_geometry.size.height() - 1) * m_geometry.down;
+        const QRect all(QPoint(), decoded);
+        return all.contains(m_geometry.origin) && all.contains(last);
+    }
+
+    /// A row of the shown picture, as its pixels are decoded.
+    const uint8_t *decodedRow(int row)
+    {
+        const QPoint start = m_geometry.origin + row * m_geometry.down;
+        const uint8_t *from = m_plane + qsizetype(start.y()) * m_stride + start.x() * m_pixelBytes;
+        if (m_geometry.right == QPoint(1, 0))
+            return from;
+        const qsizetype step =
+            qsizetype(m_geometry.right.y()) * m_stride + m_geometry.right.x() * m_pixelBytes;
+        m_row.resize(size_t(m_geometry.size.width()) * size_t(m_pixelBytes));
+        uint8_t *to = m_row.data();
+        for (int x = 0; x < m_geometry.size.width(); ++x, from += step, to += m_pixelBytes)
+            std::copy_n(from, m_pixelBytes, to);
+        return m_row.data();
+    }
+
     RowFormat m_format;
+    HeifGeometry m_geometry;
+    int m_pixelBytes = 0;
+    std::vector<uint8_t> m_row; ///< of a turned picture
     HeifImage m_image;
     const uint8_t *m_plane = nullptr;
     int m_stride = 0;
@@ -284,7 +337,7 @@ Result<PictureInfo> HeifCodec::readInfo(QIODevice &device, const ReadLimits &lim
             return tl::unexpected(opened.error());
         const OpenPicture &picture = **opened;
         PictureInfo info;
-        info.rows = {picture.size, picture.hasAlpha};
+        info.rows = {picture.geometry.size, picture.hasAlpha};
         info.imageCount = qMax(1, heif_context_get_number_of_top_level_images(picture.file.context()));
         info.depth = picture.depth;
         info.colorModel = picture.measure.chroma == 0 ? QStringLiteral("Gray") : QStringLiteral("RGB");

@@ -275,7 +275,7 @@ void PictureReadingTest::brokenFilesGiveAReason_data()
     };
     add("broken/zero-length.jpg", "the file is empty");
     add("broken/text-named.jpg", "not a picture that can be read");
-    add("broken/truncated.heic", "not a picture that can be read");
+    add("broken/truncated.heic", "the picture data end early");
     add("broken/truncated.jpg", "the picture data end early");
     add("broken/truncated.png", "the picture data end early");
     add("broken/broken-data-stream.png", "the picture data are damaged");

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QVariantMap>
+
+#include <exiv2/exiv2.hpp>
+
+namespace plexa
+{
+
+/// Puts what the IPTC dictionary says into XMP, for a file that has no place for IIM records. Each fact goes
+/// to its home of IPTC Core ("IIM to XMP mapping", IPTC Photo Metadata Standard); facts that have none are
+/// left out. A text in XMP that IIM has only the beginning of stays whole. To be called under
+/// lockXmpNamespaces().
+/// @param properties  the property dictionary of the copy
+void addIptcToXmp(Exiv2::XmpData &xmp, const QVariantMap &properties);
+
+} // namespace plexa

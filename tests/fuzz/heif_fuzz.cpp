@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "fuzz/codecfuzzing.h"
+#include "imageio/heifcodec.h"
+#include "imageio/heifmetadata.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    static const plexa::HeifCodec codec(plexa::HeifCodec::Kind::Hevc);
+    plexa::test::decodeForFuzzing(codec, data, size);
+    QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
+    QBuffer device(&bytes);
+    device.open(QIODevice::ReadOnly);
+    plexa::readHeifBlocks(device);
+    return 0;
+}
