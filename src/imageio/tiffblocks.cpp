@@ -58,7 +58,9 @@ bool TiffBlocks::isConsistent() const
 
 qint64 TiffBlocks::bytesNeeded() const
 {
-    const qint64 blocks = times(times(m_blockBytes, m_blocksAcross), qint64(m_planes.size()));
+    // One block more for what libtiff reads of the file before it is unpacked.
+    const qint64 held = times(times(m_blockBytes, m_blocksAcross), qint64(m_planes.size()));
+    const qint64 blocks = m_isByLine || held > kTooMuch - m_blockBytes ? held : held + m_blockBytes;
     const qint64 row = times(times(m_facts.size.width(), m_facts.samples), 2);
     return blocks > kTooMuch - row ? kTooMuch : blocks + row;
 }

@@ -18,6 +18,9 @@ namespace
 
 using Kind = TiffFacts::Kind;
 
+/// A reader that holds no more than that needs no memory reserved.
+constexpr qint64 kStreamedBytes = 1024 * 1024;
+
 /// 16 bits to 8, rounded.
 int byteOf(int deep)
 {
@@ -327,6 +330,9 @@ Result<PictureInfo> TiffCodec::readInfo(QIODevice &device, const ReadLimits &lim
     info.iccProfile = facts.iccProfile;
     info.dpiWidth = facts.dpiWidth;
     info.dpiHeight = facts.dpiHeight;
+    // Planes and tiles are gathered; a few rows of them cost no more than the strip they go into.
+    const qint64 bytes = TiffBlocks(file).bytesNeeded();
+    info.decoderBytes = bytes > kStreamedBytes ? bytes : 0;
     return info;
 }
 

@@ -148,6 +148,11 @@ void PhotoMemoryTest::toldIsTaken_data()
     QTest::newRow("TIFF") << QStringLiteral("j.tif") << QStringList();
     QTest::newRow("deep TIFF") << QStringLiteral("k.tif")
                                << QStringList{QStringLiteral("-depth"), QStringLiteral("16")};
+    QTest::newRow("TIFF of whole planes")
+        << QStringLiteral("m.tif")
+        << QStringLiteral("-type TrueColor -depth 16 -interlace Plane -compress Zip "
+                          "-define tiff:rows-per-strip=3001")
+               .split(QLatin1Char(' '));
     QTest::newRow("GIF") << QStringLiteral("l.gif") << QStringList();
     QTest::newRow("lossless WebP") << QStringLiteral("n.webp")
                                    << QStringList{QStringLiteral("-define"),
