@@ -34,9 +34,9 @@ public:
     EmbeddedMetadata &operator=(const EmbeddedMetadata &) = delete;
 
     /// The part of the property dictionary that comes from metadata: "Orientation", "DPIWidth", "DPIHeight",
-    /// "{TIFF}", "{Exif}", "{ExifAux}", "{IPTC}", "{GPS}" as far as the file has them (keys:
-    /// imageio/propertykeys.h). The author, copyright, title and description of a PNG's texts stand in where
-    /// nothing else says them. What the pixels say (size, depth, colour model, profile) is the codec's.
+    /// "{TIFF}", "{Exif}", "{ExifAux}", "{IPTC}", "{GPS}", "{PNG}" (its texts) as far as the file has them
+    /// (keys: imageio/propertykeys.h). The author, copyright, title and description of a PNG's texts stand in
+    /// where nothing else says them. What the pixels say (size, depth, colour model, profile) is the codec's.
     QVariantMap properties() const;
 
     /// Does the EXIF carry a thumbnail?

@@ -67,7 +67,8 @@ QVariant versionOf(const Exiv2::Value &value)
 QVariant degreesOf(const Exiv2::Value &value)
 {
     const QVariantList parts = numbersOfValue(value);
-    if (parts.isEmpty() || parts.size() > 3)
+    // Without a fix some cameras write zeros over zeros: no place, least of all one in the Gulf of Guinea.
+    if (parts.isEmpty() || parts.size() > 3 || !numberOfValue(value, 0).isValid())
         return {};
     double degrees = 0;
     double unit = 1;
@@ -81,7 +82,8 @@ QVariant degreesOf(const Exiv2::Value &value)
 QVariant timeOfDayOf(const Exiv2::Value &value)
 {
     const QVariantList parts = numbersOfValue(value);
-    if (parts.size() != 3 || !(parts[0].toDouble() >= 0) || !(parts[0].toDouble() < 1e4))
+    if (parts.size() != 3 || !numberOfValue(value, 0).isValid() || !(parts[0].toDouble() >= 0) ||
+        !(parts[0].toDouble() < 1e4))
         return {};
     // Fractions of hours and minutes run down into the seconds.
     const double total = parts[0].toDouble() * 3600 + parts[1].toDouble() * 60 + parts[2].toDouble();

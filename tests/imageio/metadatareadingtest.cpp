@@ -25,6 +25,7 @@ private Q_SLOTS:
     void initTestCase();
     void variants_data();
     void variants();
+    void positionWithoutFix();
     void adobeRgbOfExif_data();
     void adobeRgbOfExif();
     void damagedFilesAreHarmless();
@@ -136,6 +137,41 @@ void MetadataReadingTest::variants()
     for (const QString &key : where.split(u'/'))
         found = found.toMap().value(key);
     QCOMPARE(found, expected);
+}
+
+/// Cameras without a fix write zeros over zeros, which is no place on the equator.
+void MetadataReadingTest::positionWithoutFix()
+{
+    const auto number = [](quint32 value) {
+        QByteArray bytes(4, '\0');
+        qToBigEndian(value, bytes.data());
+        return bytes;
+    };
+    const auto entry = [&](qsizetype tag, qsizetype type, quint32 count, const QByteArray &value) {
+        return test::bigEndian16(tag) + test::bigEndian16(type) + number(count) + value;
+    };
+    const QByteArray end = number(0);
+    // A directory that leads to that of the position, with three quotients behind it.
+    QByteArray exif = "MM" + test::bigEndian16(42) + number(8) + test::bigEndian16(1) +
+                      entry(0x8825, 4, 1, number(26)) + end;
+    QCOMPARE(exif.size(), 26);
+    exif +=
+        test::bigEndian16(2) + entry(3, 2, 2, QByteArray("E\0\0\0", 4)) + entry(4, 5, 3, number(56)) + end;
+    for (const quint32 denominator : {0U, 1U}) {
+        EmbeddedMetadata::Encoded metadata;
+        metadata.exif = exif + (number(0) + number(denominator)).repeated(3);
+        const test::TestFolder folder;
+        QFile file(folder.path(u"position.jpg"_qs));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(test::jpegWith(metadata));
+        file.close();
+        const QVariantMap gps = EmbeddedMetadata::read(file.fileName())
+                                    ->properties()
+                                    .value(kCGImagePropertyGPSDictionary)
+                                    .toMap();
+        QCOMPARE(gps.value(kCGImagePropertyGPSLongitudeRef).toString(), u"E"_qs);
+        QCOMPARE(gps.value(kCGImagePropertyGPSLongitude), denominator == 0 ? QVariant() : QVariant(0.0));
+    }
 }
 
 /// Photos without a profile whose EXIF names the colour space.
