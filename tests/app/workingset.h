@@ -12,6 +12,8 @@
 #include <QImage>
 #include <QTest>
 
+#include <unistd.h>
+
 namespace plexa::test
 {
 
@@ -53,7 +55,8 @@ public:
         for (int i = 1; i < count; ++i) {
             const QString path =
                 QFileInfo(first).path() + QStringLiteral("/%1.jpg").arg(i, 3, 10, QLatin1Char('0'));
-            if (::link(QFile::encodeName(first).constData(), QFile::encodeName(path).constData()) != 0)
+            if (!QFile::exists(path) &&
+                ::link(QFile::encodeName(first).constData(), QFile::encodeName(path).constData()) != 0)
                 return {};
         }
         return QFileInfo(first).path();
