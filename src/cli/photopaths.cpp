@@ -3,6 +3,7 @@
 #include "cli/photopaths.h"
 
 #include "imageio/imageformat.h"
+#include "platform/packagefolder.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -19,17 +20,6 @@ namespace
 {
 
 namespace fs = std::filesystem;
-
-// Folders that people see as one file.
-constexpr std::array kPackageSuffixes = {"app",           "bundle", "framework",
-                                         "photoslibrary", "lrdata", "lrlibrary"};
-
-bool isPackage(const QString &folder)
-{
-    const QByteArray suffix = QFileInfo(folder).suffix().toLower().toLatin1();
-    return std::any_of(kPackageSuffixes.begin(), kPackageSuffixes.end(),
-                       [&](const char *package) { return suffix == package; });
-}
 
 // Photos that people expect to be found, although they cannot be read.
 constexpr std::array kUnreadableSuffixes = {"jp2", "jxl", "x3f"};
@@ -86,7 +76,8 @@ private:
         const PhotoPath photo = decoded(entry.native());
         std::error_code ignored;
         if (fs::is_directory(entry, ignored)) {
-            if (!isPackage(photo.path) && (m_leftOut.empty() || fs::canonical(entry, ignored) != m_leftOut))
+            if (!isPackageFolder(photo.path) &&
+                (m_leftOut.empty() || fs::canonical(entry, ignored) != m_leftOut))
                 folder(entry);
         } else if (isPhotoSuffix(QFileInfo(photo.path).suffix())) {
             m_photos.push_back(photo);

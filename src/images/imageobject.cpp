@@ -138,25 +138,42 @@ bool ImageObject::loadImageFromDisk()
         return true;
     if (path().isEmpty())
         return false;
+    return loadUnder(std::unique_lock(m_processingLock));
+}
+
+ImageObject::LoadOutcome ImageObject::tryLoadImageFromDisk()
+{
+    if (isLoaded())
+        return LoadOutcome::Loaded;
+    if (path().isEmpty())
+        return LoadOutcome::Unreadable;
+    std::unique_lock processing(m_processingLock, std::try_to_lock);
+    if (!processing.owns_lock())
+        return LoadOutcome::Busy;
+    return loadUnder(std::move(processing)) ? LoadOutcome::Loaded : LoadOutcome::Unreadable;
+}
+
+/// @param processing  the processing lock, held
+bool ImageObject::loadUnder(std::unique_lock<std::mutex> processing)
+{
+    if (isLoaded()) // another thread was quicker
+        return true;
     bool hasNewMetadata = false;
-    const bool isReadable = [&] {
-        const std::lock_guard processing(m_processingLock);
-        if (isLoaded()) // another thread was quicker
-            return true;
-        Result<void> loaded;
-        try {
-            loaded = load(hasNewMetadata);
-        } catch (const std::bad_alloc &) {
-            loaded = fail(outOfMemoryText());
-        }
+    Result<void> loaded;
+    try {
+        loaded = load(hasNewMetadata);
+    } catch (const std::bad_alloc &) {
+        loaded = fail(outOfMemoryText());
+    }
+    {
         const std::lock_guard lock(m_stateLock);
         m_loadError = loaded ? QString() : loaded.error().text;
-        return loaded.has_value();
-    }();
+    }
+    processing.unlock();
     // Whoever hears of it may ask for the photo, so nothing is locked any more.
     if (hasNewMetadata)
         Q_EMIT metadataChanged();
-    return isReadable;
+    return loaded.has_value();
 }
 
 /// Called with the processing lock held.

@@ -66,6 +66,13 @@ public:
     bool loadImageFromDisk();
     QString loadError() const;
 
+    enum class LoadOutcome { Loaded, Unreadable, Busy };
+    /// As loadImageFromDisk(), but does not wait for a thread that holds the processing lock.
+    LoadOutcome tryLoadImageFromDisk();
+
+    /// Is nothing left to be read: would loadImageFromDisk() return true at once?
+    bool isLoaded() const;
+
     /// Has the photo been read at least once?
     bool imageHasBeenLoaded() const;
 
@@ -153,7 +160,7 @@ private:
     enum class Pixels { Needed, NotNeeded };
 
     QString readPath() const;
-    bool isLoaded() const;
+    bool loadUnder(std::unique_lock<std::mutex> processing);
     Result<void> load(bool &hasNewMetadata);
     QImage decodedPixels();
     Snapshot snapshot(Pixels pixels);

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/appcontroller.h"
+
+namespace plexa
+{
+
+AppController::AppController(const Services &services)
+    : m_appliedPresets(services.defaults)
+    , m_imageSet({services.photos, services.defaults, services.alerts, m_status, services.threads})
+    , m_positions(m_status, services.threads)
+    , m_batchOperation(m_status, services.threads)
+{
+    connectAll();
+}
+
+void AppController::connectAll()
+{
+    connect(&m_batchOperation, &BatchImageOperation::finishedOperationForImage, this,
+            [this](const std::shared_ptr<ImageObject> &image) {
+                m_imageSet.refreshImageList(ImageSet::Refresh::Light);
+                Q_EMIT imageOutdated(image);
+            });
+    connect(&m_positions, &ManualPositions::pasteFinished, this, &AppController::previewOutdated);
+    connect(&m_appliedPresets, &AppliedPresets::previewOutdated, this, &AppController::previewOutdated);
+
+    const auto changed = &AppController::commandStateChanged;
+    connect(&m_batchOperation, &BatchImageOperation::operationFinished, this, changed);
+    connect(&m_positions, &ManualPositions::copyChanged, this, changed);
+    connect(&m_positions, &ManualPositions::pasteFinished, this, changed);
+    connect(&m_appliedPresets, &AppliedPresets::appliedChanged, this, changed);
+    connect(&m_appliedPresets, &AppliedPresets::selectedRowsChanged, this, changed);
+    connect(&m_appliedPresets, &AppliedPresets::modeChanged, this, changed);
+    connect(&m_appliedPresets, &AppliedPresets::quickWPresetChanged, this, changed);
+    connect(&m_imageSet.selection(), &ImageSelection::selectionChanged, this, changed);
+    connect(&m_imageSet, &ImageSet::imageListModeChanged, this, changed);
+    connect(&m_imageSet, &ImageSet::imagesInserted, this, changed);
+    connect(&m_imageSet, &ImageSet::imagesRemoved, this, changed);
+    connect(&m_imageSet, &ImageSet::listReset, this, changed);
+}
+
+CommandState AppController::commandState(float browserZoomFactor) const
+{
+    const std::shared_ptr<WPreset> current = m_appliedPresets.currentWPreset();
+    const WPresetList effective = m_appliedPresets.effectivePresets();
+    CommandState state;
+    state.isSavingInProgress = m_saving.isSavingInProgress && m_saving.isSavingInProgress();
+    state.isInBrowserMode = m_imageSet.imageListIsInBrowserMode();
+    state.hasCurrentBatchOperation = m_batchOperation.isRunning();
+    state.hasCopiedPositions = m_positions.hasCopy();
+    state.hasCurrentWPreset = current != nullptr;
+    state.nSelected = m_imageSet.selection().selectedIndexes().size();
+    state.nShown = static_cast<qsizetype>(m_imageSet.imagesFiltered()->size());
+    state.nEffectivePresets = static_cast<qsizetype>(effective.size());
+    state.nAppliedPresets = static_cast<qsizetype>(m_appliedPresets.wPresetsApplied().size());
+    state.browserZoomFactor = browserZoomFactor;
+    if (state.nSelected == 1) {
+        const std::shared_ptr<ImageObject> image = m_imageSet.selectedImages().front();
+        state.canCopyForCurrentPreset = ManualPositions::canCopyForPreset(*image, current.get());
+        state.canCopyForAllPresets = ManualPositions::canCopyForPresets(*image, effective);
+    }
+    return state;
+}
+
+void AppController::startBatchOperation(ImageTransform operation)
+{
+    if (m_batchOperation.performOperation(static_cast<int>(operation), m_imageSet.selectedImages()))
+        Q_EMIT commandStateChanged();
+}
+
+void AppController::copyManualPositioning(Presets presets)
+{
+    const ImageList selected = m_imageSet.selectedImages();
+    if (selected.size() != 1)
+        return;
+    if (presets == Presets::All)
+        m_positions.copyForPresets(*selected.front(), m_appliedPresets.effectivePresets());
+    else
+        m_positions.copyForPreset(*selected.front(), m_appliedPresets.currentWPreset().get());
+}
+
+void AppController::pasteManualPositioning()
+{
+    m_positions.pasteManualPositioning(m_imageSet.selectedImages(), m_appliedPresets.currentWPreset());
+}
+
+void AppController::resetManualPositioning(Presets presets)
+{
+    const std::shared_ptr<WPreset> current = m_appliedPresets.currentWPreset();
+    for (const std::shared_ptr<ImageObject> &image : m_imageSet.selectedImages()) {
+        if (presets == Presets::All)
+            image->resetAllCustomWatermarkRectOrigins();
+        else if (current)
+            image->resetCustomWatermarkRectOriginForWPreset(current.get());
+    }
+    Q_EMIT previewOutdated();
+    Q_EMIT commandStateChanged();
+}
+
+void AppController::stopAllOperations()
+{
+    m_imageSet.stopImportingImages();
+    m_positions.stopPastingSettings();
+    m_batchOperation.abortOperation();
+    abortSaving();
+}
+
+void AppController::abortSaving()
+{
+    if (m_saving.terminateOperation)
+        m_saving.terminateOperation();
+}
+
+} // namespace plexa

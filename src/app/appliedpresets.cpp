@@ -1,0 +1,237 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/appliedpresets.h"
+
+#include "platform/settings.h"
+#include "platform/userdefaults.h"
+
+#include <algorithm>
+
+namespace plexa
+{
+
+namespace
+{
+
+bool isIn(const WPresetList &presets, const WPreset *preset)
+{
+    return std::any_of(presets.begin(), presets.end(),
+                       [preset](const auto &one) { return one.get() == preset; });
+}
+
+QList<int> cleanedRows(QList<int> rows, std::size_t count)
+{
+    rows.removeIf([count](int row) { return row < 0 || static_cast<std::size_t>(row) >= count; });
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return rows;
+}
+
+} // namespace
+
+AppliedPresets::AppliedPresets(UserDefaults &defaults)
+    : m_defaults(defaults)
+{
+}
+
+AppliedPresets::~AppliedPresets() = default;
+
+void AppliedPresets::setQuickWPreset(const std::shared_ptr<WPreset> &preset)
+{
+    if (preset == m_quickWPreset)
+        return;
+    if (m_quickWPreset && !isIn(m_wPresetsApplied, m_quickWPreset.get()))
+        m_quickWPreset->removeObserverForAllKeys(this);
+    m_quickWPreset = preset;
+    if (m_quickWPreset) {
+        m_quickWPreset->addObserverForAllKeys(this, [this](const WPresetField &, const FieldValue &,
+                                                           const FieldValue &) { Q_EMIT previewOutdated(); });
+    }
+    Q_EMIT quickWPresetChanged();
+    Q_EMIT previewOutdated();
+}
+
+bool AppliedPresets::isInSingleMode() const
+{
+    return m_defaults.integerForKey(settings::lastUsedMode) == 0;
+}
+
+void AppliedPresets::modeDidChange(int segment)
+{
+    m_defaults.setObject(settings::lastUsedMode, segment);
+    Q_EMIT modeChanged(isInSingleMode());
+    Q_EMIT previewOutdated();
+}
+
+WPresetList AppliedPresets::effectivePresets() const
+{
+    if (!isInSingleMode())
+        return m_wPresetsApplied;
+    return m_quickWPreset ? WPresetList{m_quickWPreset} : WPresetList();
+}
+
+std::vector<AppliedPreset> AppliedPresets::effectivePresetsNow() const
+{
+    std::vector<AppliedPreset> now;
+    for (const std::shared_ptr<WPreset> &preset : effectivePresets())
+        now.push_back({preset, preset->values()});
+    return now;
+}
+
+std::shared_ptr<WPreset> AppliedPresets::currentWPreset() const
+{
+    if (isInSingleMode())
+        return m_quickWPreset;
+    if (m_selectedRows.size() != 1)
+        return nullptr;
+    const std::shared_ptr<WPreset> &selected =
+        m_wPresetsApplied[static_cast<std::size_t>(m_selectedRows.first())];
+    return selected->validPreset() ? selected : nullptr;
+}
+
+void AppliedPresets::setApplied(WPresetList presets, const QList<int> &selectedRows)
+{
+    if (presets == m_wPresetsApplied)
+        return;
+    Q_EMIT appliedAboutToChange();
+    const WPresetList former = std::exchange(m_wPresetsApplied, std::move(presets));
+    observeAll(former);
+    const bool isOtherSelection = selectedRows != m_selectedRows;
+    m_selectedRows = selectedRows;
+    Q_EMIT appliedChanged();
+    if (isOtherSelection)
+        Q_EMIT selectedRowsChanged();
+    Q_EMIT previewOutdated();
+}
+
+/// Follows the edits of the presets that are applied now, and of no others but the quick one.
+void AppliedPresets::observeAll(const WPresetList &former)
+{
+    for (const std::shared_ptr<WPreset> &preset : former) {
+        if (preset != m_quickWPreset && !isIn(m_wPresetsApplied, preset.get()))
+            preset->removeObserverForAllKeys(this);
+    }
+    for (const std::shared_ptr<WPreset> &preset : m_wPresetsApplied) {
+        if (preset == m_quickWPreset || isIn(former, preset.get()))
+            continue;
+        preset->addObserverForAllKeys(this,
+                                      [this](const WPresetField &, const FieldValue &, const FieldValue &) {
+                                          if (!isInSingleMode())
+                                              Q_EMIT previewOutdated();
+                                      });
+    }
+}
+
+void AppliedPresets::addWPresetsToApplied(const WPresetList &presets)
+{
+    WPresetList applied = m_wPresetsApplied;
+    for (const std::shared_ptr<WPreset> &preset : presets) {
+        if (!isIn(applied, preset.get()))
+            applied.push_back(preset);
+    }
+    setApplied(std::move(applied), m_selectedRows);
+}
+
+void AppliedPresets::removeSelectedAppliedPresets()
+{
+    WPresetList remaining;
+    for (std::size_t row = 0; row < m_wPresetsApplied.size(); ++row) {
+        if (!m_selectedRows.contains(static_cast<int>(row)))
+            remaining.push_back(m_wPresetsApplied[row]);
+    }
+    setApplied(std::move(remaining), {});
+}
+
+void AppliedPresets::clearAppliedPresets()
+{
+    setApplied({}, {});
+}
+
+void AppliedPresets::removeFromApplied(const WPreset *preset)
+{
+    const auto found = std::find_if(m_wPresetsApplied.begin(), m_wPresetsApplied.end(),
+                                    [preset](const auto &one) { return one.get() == preset; });
+    if (found == m_wPresetsApplied.end())
+        return;
+    const auto removed = static_cast<int>(found - m_wPresetsApplied.begin());
+    QList<int> selected;
+    for (const int row : std::as_const(m_selectedRows)) {
+        if (row != removed)
+            selected.append(row < removed ? row : row - 1);
+    }
+    WPresetList remaining = m_wPresetsApplied;
+    remaining.erase(remaining.begin() + removed);
+    setApplied(std::move(remaining), selected);
+}
+
+void AppliedPresets::moveAppliedPresets(const QList<int> &rows, int toRow)
+{
+    const auto count = static_cast<int>(m_wPresetsApplied.size());
+    const QList<int> moved = cleanedRows(rows, m_wPresetsApplied.size());
+    toRow = std::clamp(toRow, 0, count);
+
+    // The new order as former rows, so that presets and selection follow it alike.
+    QList<int> order;
+    for (int row = 0; row < count; ++row) {
+        if (!moved.contains(row))
+            order.append(row);
+    }
+    qsizetype target = toRow - (std::lower_bound(moved.begin(), moved.end(), toRow) - moved.begin());
+    for (const int row : moved)
+        order.insert(target++, row);
+
+    WPresetList presets;
+    QList<int> selected;
+    for (const int formerRow : std::as_const(order)) {
+        if (m_selectedRows.contains(formerRow))
+            selected.append(static_cast<int>(presets.size()));
+        presets.push_back(m_wPresetsApplied[static_cast<std::size_t>(formerRow)]);
+    }
+    setApplied(std::move(presets), selected);
+}
+
+void AppliedPresets::selectRows(const QList<int> &rows)
+{
+    const QList<int> clean = cleanedRows(rows, m_wPresetsApplied.size());
+    if (clean == m_selectedRows)
+        return;
+    m_selectedRows = clean;
+    Q_EMIT selectedRowsChanged();
+}
+
+void AppliedPresets::selectNeighborAppliedPreset(Neighbor neighbor)
+{
+    const auto count = static_cast<int>(m_wPresetsApplied.size());
+    if (count == 0)
+        return;
+    const bool isNext = neighbor == Neighbor::Next;
+    int row = isNext ? 0 : count - 1;
+    if (!m_selectedRows.isEmpty())
+        row = (m_selectedRows.first() + (isNext ? 1 : count - 1)) % count;
+    selectRows({row});
+}
+
+void AppliedPresets::rememberAppliedPresets()
+{
+    // Otherwise the names of an earlier time stay, for when the user wants them back after all.
+    if (!m_defaults.boolForKey(settings::rememberWPresetsAppliedLastTime))
+        return;
+    QStringList names;
+    for (const std::shared_ptr<WPreset> &preset : m_wPresetsApplied)
+        names.append(preset->name());
+    m_defaults.setObject(settings::wPresetsAppliedLastTime, names);
+}
+
+void AppliedPresets::restoreAppliedPresets(const WPresetList &wPresets)
+{
+    if (!m_defaults.boolForKey(settings::rememberWPresetsAppliedLastTime))
+        return;
+    WPresetList named;
+    for (const QString &name : m_defaults.stringArrayForKey(settings::wPresetsAppliedLastTime)) {
+        std::copy_if(wPresets.begin(), wPresets.end(), std::back_inserter(named),
+                     [&name](const auto &preset) { return preset->name() == name; });
+    }
+    addWPresetsToApplied(named);
+}
+
+} // namespace plexa

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QList>
+#include <QObject>
+
+namespace plexa
+{
+
+/// Indexes without repetition, ascending.
+using IndexList = QList<int>;
+
+/// What is selected in the shown list, and which photo has the focus, for the grid and the table alike. Knows
+/// how many photos are shown, not which. Main thread.
+class ImageSelection final : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr int kNone = -1;
+
+    /// What stands for the shown photo: in the grid the focus, in the table the first selected row.
+    enum class View { Grid, Table };
+
+    const IndexList &selectedIndexes() const { return m_selectedIndexes; }
+    bool isSelected(int index) const;
+    int focusIndex() const { return m_focusIndex; }
+    int shownImageIndex() const;
+
+    View view() const { return m_view; }
+    void setView(View view) { m_view = view; }
+
+    /// Selects exactly these and gives the focus to `focus`. For a view that handles keys and clicks itself.
+    /// Indexes that are not in the list are left out; such a focus is none.
+    void select(const IndexList &indexes, int focus);
+
+    /// Selects exactly these; the first of them gets the focus.
+    void selectIndexes(const IndexList &indexes);
+
+    /// The focus stays in the grid; in the table it goes to the first row.
+    void selectAll();
+    void selectNone();
+    /// What was not selected is; the first of it gets the focus.
+    void invertSelection();
+
+    /// How many photos there are, and that all are others than before: nothing is selected any more.
+    void reset(int count);
+    /// Photos have joined or left the list; what is selected stays so under its new index.
+    void insertIndexes(int first, int count);
+    void removeIndexes(int first, int count);
+
+Q_SIGNALS:
+    /// Other photos are selected, or the same ones under other indexes.
+    void selectionChanged();
+    /// Another photo has the focus. An index that follows its photo sends only selectionChanged().
+    void focusImageChanged(int to, int from);
+
+private:
+    IndexList cleaned(const IndexList &indexes) const;
+    void take(const IndexList &indexes, int focus);
+
+    int m_count = 0;
+    View m_view = View::Grid;
+    IndexList m_selectedIndexes;
+    int m_focusIndex = kNone;
+};
+
+} // namespace plexa

@@ -1,0 +1,362 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/imageset.h"
+
+#include "app/statusmanager.h"
+#include "platform/alerts.h"
+#include "platform/settings.h"
+#include "platform/userdefaults.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace plexa
+{
+
+namespace
+{
+
+/// For a search that is blind to letter case and to the two ways of writing an accent.
+QString searchable(const QString &text)
+{
+    return text.normalized(QString::NormalizationForm_C).toLower();
+}
+
+using Identities = std::unordered_set<const ImageObject *>;
+
+Identities identitiesOf(const ImageList &images)
+{
+    Identities identities;
+    for (const std::shared_ptr<ImageObject> &image : images)
+        identities.insert(image.get());
+    return identities;
+}
+
+void eraseFrom(ImageList &list, const Identities &gone)
+{
+    std::erase_if(list,
+                  [&](const std::shared_ptr<ImageObject> &image) { return gone.contains(image.get()); });
+}
+
+/// Takes the images out of the list and puts them, in their order, before what stands at `target` now.
+/// @return where the first of them stands afterwards
+std::ptrdiff_t moveBefore(ImageList &list, const ImageList &moved, std::ptrdiff_t target)
+{
+    const Identities identities = identitiesOf(moved);
+    const auto movedBefore =
+        std::count_if(list.begin(), list.begin() + target, [&](const std::shared_ptr<ImageObject> &image) {
+            return identities.contains(image.get());
+        });
+    eraseFrom(list, identities);
+    list.insert(list.begin() + (target - movedBefore), moved.begin(), moved.end());
+    return target - movedBefore;
+}
+
+int indexIn(const ImageList &list, const ImageObject *image)
+{
+    const auto found =
+        std::find_if(list.begin(), list.end(), [image](const auto &one) { return one.get() == image; });
+    return found == list.end() ? ImageSelection::kNone : static_cast<int>(found - list.begin());
+}
+
+} // namespace
+
+ImageSet::ImageSet(const ImageSetServices &services)
+    : m_services(services)
+    , m_images(std::make_shared<ImageList>())
+    , m_imagesFiltered(m_images)
+    , m_focusLoader(m_calls, [this](const auto &image, bool isLoaded) { focusLoaded(image, isLoaded); })
+    , m_import(m_calls,
+               {[this] {
+                    const std::lock_guard lock(m_imagesLock);
+                    return *m_images;
+                },
+                [this](const ImageObject *image) { return contains(image); }},
+               {[this](const auto &image, ImageImport::Outcome outcome) { imageDelivered(image, outcome); },
+                [this] { finishedImportingImages(); }},
+               services.importThreads)
+    , m_scan(m_calls, {[this](const QStringList &paths) { takeFound(paths); },
+                       [this](const QStringList &folders) { takeUnreadable(folders); },
+                       [this] {
+                           m_hasScanEnded = true;
+                           if (!m_isAdding)
+                               scanEnded();
+                       }})
+{
+    m_imageBrowserUpdateTimer.setInterval(500);
+    connect(&m_imageBrowserUpdateTimer, &QTimer::timeout, this, [this] { refreshImageList(Refresh::Light); });
+    connect(&m_selection, &ImageSelection::selectionChanged, this,
+            [this] { m_services.status.setNSelectedImages(m_selection.selectedIndexes().size()); });
+    connect(&m_selection, &ImageSelection::focusImageChanged, this,
+            [this](int to) { focusImageDidChangeTo(to); });
+    updateStatus();
+}
+
+ImageSet::~ImageSet()
+{
+    // Both end on their own ways; asked together, neither waits for the other.
+    m_scan.stop();
+    m_import.stop();
+}
+
+bool ImageSet::contains(const ImageObject *image) const
+{
+    const std::lock_guard lock(m_imagesLock);
+    return indexIn(*m_images, image) != ImageSelection::kNone;
+}
+
+int ImageSet::indexOf(const ImageObject *image) const
+{
+    return indexIn(*m_imagesFiltered, image);
+}
+
+void ImageSet::updateStatus()
+{
+    m_services.status.setImages(m_images, m_imagesFiltered, m_selection.selectedIndexes().size());
+}
+
+ImageList ImageSet::selectedImages() const
+{
+    ImageList selected;
+    for (const int index : m_selection.selectedIndexes())
+        selected.push_back((*m_imagesFiltered)[static_cast<std::size_t>(index)]);
+    return selected;
+}
+
+void ImageSet::selectAndPreviewImageWithIndex(int index)
+{
+    if (index < 0) {
+        m_selection.selectNone();
+        return;
+    }
+    m_selection.selectIndexes({index});
+    Q_EMIT fitToWindowRequested();
+}
+
+void ImageSet::setImageListModeToBrowser(bool isBrowser)
+{
+    if (isBrowser && m_images->size() > kMaxImagesInBrowserMode) {
+        Alert alert;
+        alert.style = Alert::Style::Warning;
+        alert.title = tr("Too many images for the Small Batch mode!");
+        alert.text = tr("%1 images are currently imported. You cannot work with over %2 images in the Small "
+                        "Batch mode, because this may slow down your computer. Please remove some images if "
+                        "you need to switch.")
+                         .arg(m_images->size())
+                         .arg(kMaxImagesInBrowserMode);
+        m_services.alerts.run(alert);
+        Q_EMIT imageListModeChanged(m_imageListIsInBrowserMode);
+        return;
+    }
+    const IndexList selected = m_selection.selectedIndexes();
+    m_imageListIsInBrowserMode = isBrowser;
+    m_services.defaults.setObject(settings::imageListIsInBrowserMode, isBrowser);
+    m_selection.setView(isBrowser ? ImageSelection::View::Grid : ImageSelection::View::Table);
+    Q_EMIT imageListModeChanged(isBrowser);
+    filterImages(m_filterText);
+    m_selection.selectIndexes(selected);
+    importMissingImages();
+}
+
+bool ImageSet::matchesFilter(const ImageObject &image) const
+{
+    return searchable(QFileInfo(image.path()).fileName()).contains(searchable(m_filterText));
+}
+
+void ImageSet::filterImages(const QString &text)
+{
+    m_selection.selectNone();
+    Q_EMIT listAboutToBeReset();
+    const bool isOtherText = text != m_filterText;
+    m_filterText = text;
+    m_imagesFiltered = m_images;
+    if (!text.isEmpty()) {
+        m_imagesFiltered = std::make_shared<ImageList>();
+        std::copy_if(m_images->begin(), m_images->end(), std::back_inserter(*m_imagesFiltered),
+                     [this](const std::shared_ptr<ImageObject> &image) { return matchesFilter(*image); });
+    }
+    m_selection.reset(static_cast<int>(m_imagesFiltered->size()));
+    Q_EMIT listReset();
+    if (isOtherText)
+        Q_EMIT filterTextChanged();
+    refreshImageList(Refresh::Full);
+    updateStatus();
+}
+
+void ImageSet::disableImageFilters()
+{
+    // Without a filter everything is in view already, and the selection need not go.
+    if (isFiltered())
+        filterImages({});
+}
+
+void ImageSet::append(const ImageList &images)
+{
+    if (images.empty())
+        return;
+    ImageList shown;
+    if (isFiltered()) {
+        std::copy_if(images.begin(), images.end(), std::back_inserter(shown),
+                     [this](const std::shared_ptr<ImageObject> &image) { return matchesFilter(*image); });
+    }
+    const auto first = static_cast<int>(m_imagesFiltered->size());
+    const auto count = static_cast<int>(isFiltered() ? shown.size() : images.size());
+    if (count > 0)
+        Q_EMIT imagesAboutToBeInserted(first, first + count - 1);
+    {
+        const std::lock_guard lock(m_imagesLock);
+        m_images->insert(m_images->end(), images.begin(), images.end());
+    }
+    if (isFiltered())
+        m_imagesFiltered->insert(m_imagesFiltered->end(), shown.begin(), shown.end());
+    m_selection.insertIndexes(first, count);
+    if (count > 0)
+        Q_EMIT imagesInserted();
+    m_services.status.update();
+}
+
+void ImageSet::removeImages(const ImageList &images)
+{
+    const Identities gone = identitiesOf(images);
+    IndexList shown;
+    for (std::size_t index = 0; index < m_imagesFiltered->size(); ++index) {
+        if (gone.contains((*m_imagesFiltered)[index].get()))
+            shown.append(static_cast<int>(index));
+    }
+    removeIndexes(shown);
+    // Those that the filter hides.
+    const std::lock_guard lock(m_imagesLock);
+    eraseFrom(*m_images, gone);
+}
+
+/// Neighbours go together, from the end, so that the other indexes hold.
+void ImageSet::removeIndexes(const IndexList &indexes)
+{
+    for (qsizetype end = indexes.size(); end > 0;) {
+        qsizetype begin = end - 1;
+        while (begin > 0 && indexes[begin - 1] == indexes[begin] - 1)
+            --begin;
+        removeRun(indexes[begin], static_cast<int>(end - begin));
+        end = begin;
+    }
+    m_services.status.update();
+}
+
+void ImageSet::removeRun(int first, int count)
+{
+    Q_EMIT imagesAboutToBeRemoved(first, first + count - 1);
+    const auto begin = m_imagesFiltered->begin() + first;
+    const auto end = begin + count;
+    const ImageList gone(begin, end); // until everybody has heard of it
+    if (isFiltered()) {
+        m_imagesFiltered->erase(begin, end);
+        const std::lock_guard lock(m_imagesLock);
+        eraseFrom(*m_images, identitiesOf(gone));
+    } else {
+        const std::lock_guard lock(m_imagesLock);
+        m_images->erase(begin, end);
+    }
+    m_selection.removeIndexes(first, count);
+    Q_EMIT imagesRemoved();
+}
+
+void ImageSet::removeSelectedImages()
+{
+    const IndexList removed = m_selection.selectedIndexes();
+    const int shown = m_selection.shownImageIndex();
+    m_selection.selectNone();
+    removeIndexes(removed);
+    refreshImageList(Refresh::Full);
+    const auto removedBefore = std::lower_bound(removed.begin(), removed.end(), shown) - removed.begin();
+    selectAndPreviewImageWithIndex(
+        std::min(shown - static_cast<int>(removedBefore), static_cast<int>(m_imagesFiltered->size()) - 1));
+    m_services.status.update();
+}
+
+void ImageSet::moveIndexes(const IndexList &indexes, int toIndex)
+{
+    const auto shownCount = static_cast<int>(m_imagesFiltered->size());
+    toIndex = std::clamp(toIndex, 0, shownCount);
+    ImageList moved;
+    for (int index = 0; index < shownCount; ++index) {
+        if (indexes.contains(index))
+            moved.push_back((*m_imagesFiltered)[static_cast<std::size_t>(index)]);
+    }
+    if (moved.empty())
+        return;
+    const int focus = m_selection.focusIndex();
+    const std::shared_ptr<ImageObject> focusImage =
+        focus < 0 ? nullptr : (*m_imagesFiltered)[static_cast<std::size_t>(focus)];
+
+    Q_EMIT orderAboutToChange();
+    if (isFiltered()) {
+        // At the end, the shown list's length is meant, not that of the whole list.
+        const int target =
+            toIndex < shownCount
+                ? indexIn(*m_images, (*m_imagesFiltered)[static_cast<std::size_t>(toIndex)].get())
+                : shownCount;
+        const std::lock_guard lock(m_imagesLock);
+        moveBefore(*m_images, moved, target);
+    }
+    std::unique_lock lock(m_imagesLock, std::defer_lock);
+    if (!isFiltered())
+        lock.lock();
+    const std::ptrdiff_t first = moveBefore(*m_imagesFiltered, moved, toIndex);
+    if (lock.owns_lock())
+        lock.unlock();
+
+    IndexList block;
+    for (std::size_t i = 0; i < moved.size(); ++i)
+        block.append(static_cast<int>(first) + static_cast<int>(i));
+    Q_EMIT orderChanged();
+    m_selection.select(block, indexOf(focusImage.get()));
+    refreshImageList(Refresh::Full);
+}
+
+void ImageSet::focusImageDidChangeTo(int index)
+{
+    if (index < 0) {
+        m_focusLoader.cancel();
+        show(nullptr);
+        return;
+    }
+    const std::shared_ptr<ImageObject> &image = (*m_imagesFiltered)[static_cast<std::size_t>(index)];
+    if (image->isLoaded()) {
+        m_focusLoader.cancel();
+        show(image);
+    } else {
+        m_focusLoader.load(image);
+    }
+}
+
+void ImageSet::focusLoaded(const std::shared_ptr<ImageObject> &image, bool isLoaded)
+{
+    const int focus = m_selection.focusIndex();
+    if (isLoaded) {
+        if (focus >= 0 && focus == indexOf(image.get()))
+            show(image);
+        return;
+    }
+    if (!contains(image.get())) // an import has reported it, or the user has removed it
+        return;
+    removeImages({image});
+    refreshImageList(Refresh::Full);
+    Alert alert;
+    alert.style = Alert::Style::Warning;
+    alert.title = tr("Unsupported image file");
+    alert.text =
+        tr("Sorry, could not load the image %1. The format is not supported.").arg(image->filename());
+    m_services.alerts.run(alert);
+}
+
+void ImageSet::show(const std::shared_ptr<ImageObject> &image)
+{
+    if (image == m_shownImage)
+        return;
+    m_shownImage = image;
+    Q_EMIT shownImageChanged(image);
+}
+
+} // namespace plexa

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/lockedimages.h"
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+
+namespace plexa
+{
+
+namespace
+{
+
+// How long to leave photos alone that are all in somebody else's hands: not felt by a person, and no load.
+constexpr auto kPause = std::chrono::milliseconds(5);
+
+class Round
+{
+public:
+    explicit Round(const LockedImagesWork &job)
+        : m_job(job)
+        , m_pending(job.images.begin(), job.images.end())
+    {
+    }
+
+    void run()
+    {
+        const std::size_t threads =
+            std::min(m_pending.size(), static_cast<std::size_t>(std::max(m_job.threads, 1)));
+        std::vector<std::jthread> workers;
+        for (std::size_t i = 0; i < threads; ++i)
+            workers.emplace_back([this] { workOnImages(); });
+    }
+
+private:
+    void workOnImages()
+    {
+        std::unique_lock lock(m_mutex);
+        while (!m_pending.empty() && !m_job.isStopped()) {
+            const std::shared_ptr<ImageObject> image = m_pending.front();
+            m_pending.pop_front();
+            lock.unlock();
+            const bool isDone = tryOn(*image);
+            lock.lock();
+            if (isDone) {
+                m_busyInARow = 0;
+                m_job.done(image);
+            } else {
+                m_pending.push_back(image);
+                if (++m_busyInARow >= m_pending.size())
+                    m_changed.wait_for(lock, kPause);
+            }
+        }
+    }
+
+    /// @return false when somebody else holds the photo
+    bool tryOn(ImageObject &image)
+    {
+        const ImageObject::LoadOutcome loaded = image.tryLoadImageFromDisk();
+        if (loaded == ImageObject::LoadOutcome::Busy || !image.tryLock())
+            return false;
+        m_job.work(image, loaded == ImageObject::LoadOutcome::Loaded);
+        image.unlock();
+        return true;
+    }
+
+    const LockedImagesWork &m_job;
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::deque<std::shared_ptr<ImageObject>> m_pending;
+    std::size_t m_busyInARow = 0;
+};
+
+} // namespace
+
+void runOnLockedImages(const LockedImagesWork &job)
+{
+    Round(job).run();
+}
+
+} // namespace plexa

@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/statusmanager.h"
+
+#include <algorithm>
+#include <array>
+
+namespace plexa
+{
+
+namespace
+{
+
+constexpr std::array kTexts = {
+    QT_TRANSLATE_NOOP("plexa::StatusManager", "No images"),
+    QT_TRANSLATE_NOOP("plexa::StatusManager", "Counting images to import"),
+    QT_TRANSLATE_NOOP("plexa::StatusManager", "Importing images"),
+    QT_TRANSLATE_NOOP("plexa::StatusManager", "Processing images"),
+    QT_TRANSLATE_NOOP("plexa::StatusManager", "Rotating images"),
+    QT_TRANSLATE_NOOP("plexa::StatusManager", "Pasting configuration"),
+};
+
+} // namespace
+
+StatusManager::StatusManager()
+    : m_images(std::make_shared<const ImageList>())
+    , m_imagesFiltered(m_images)
+{
+    m_line.text = lineOfImages();
+}
+
+void StatusManager::startOperation(StatusOperation operation)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        for (const Entry &entry : m_currentOperations) {
+            if (entry.operation == operation)
+                return;
+        }
+        m_currentOperations.push_back({operation, 0});
+    }
+    update();
+}
+
+bool StatusManager::endOperation(StatusOperation operation)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        const auto isIt = [operation](const Entry &entry) { return entry.operation == operation; };
+        const auto last = std::find_if(m_currentOperations.rbegin(), m_currentOperations.rend(), isIt);
+        if (last == m_currentOperations.rend())
+            return false;
+        m_currentOperations.erase(std::next(last).base());
+    }
+    update();
+    return true;
+}
+
+bool StatusManager::setProgress(float progress, StatusOperation operation)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        const auto isIt = [operation](const Entry &entry) { return entry.operation == operation; };
+        const auto last = std::find_if(m_currentOperations.rbegin(), m_currentOperations.rend(), isIt);
+        if (last == m_currentOperations.rend())
+            return false;
+        last->progress = progress;
+    }
+    update();
+    return true;
+}
+
+void StatusManager::setImages(std::shared_ptr<const ImageList> images,
+                              std::shared_ptr<const ImageList> filtered, qint64 nSelected)
+{
+    m_images = std::move(images);
+    m_imagesFiltered = std::move(filtered);
+    m_nSelectedImages = nSelected;
+    update();
+}
+
+void StatusManager::setNSelectedImages(qint64 count)
+{
+    m_nSelectedImages = count;
+    update();
+}
+
+void StatusManager::update()
+{
+    // One event stands for all changes up to the moment when it is handled.
+    if (!m_isUpdateQueued.exchange(true))
+        QMetaObject::invokeMethod(this, "makeLine", Qt::QueuedConnection);
+}
+
+void StatusManager::makeLine()
+{
+    m_isUpdateQueued = false;
+    StatusLine line = lineOfOperations();
+    if (!line.canBeStopped)
+        line.text = lineOfImages();
+    if (line == m_line)
+        return;
+    m_line = line;
+    Q_EMIT lineChanged();
+}
+
+/// The line of what runs; it cannot be stopped when nothing does.
+StatusLine StatusManager::lineOfOperations() const
+{
+    const std::lock_guard lock(m_mutex);
+    StatusLine line;
+    if (m_currentOperations.empty())
+        return line;
+    for (const Entry &entry : m_currentOperations) {
+        if (!line.text.isEmpty())
+            line.text += QStringLiteral(" & ");
+        line.text += tr(kTexts[static_cast<std::size_t>(entry.operation)]);
+        if (entry.operation == StatusOperation::Counting)
+            line.text += QStringLiteral(" (%1)").arg(static_cast<qint64>(entry.progress));
+    }
+    line.text += QStringLiteral("...");
+    line.canBeStopped = true;
+
+    // The operation that began first has the bar.
+    const Entry &first = m_currentOperations.front();
+    if (first.operation == StatusOperation::Counting) {
+        line.bar = StatusLine::Bar::Busy;
+    } else if (first.operation != StatusOperation::NoImages) {
+        line.bar = StatusLine::Bar::Fraction;
+        line.fraction = first.progress;
+    }
+    return line;
+}
+
+QString StatusManager::lineOfImages() const
+{
+    const std::size_t count = m_images->size();
+    const std::size_t shown = m_imagesFiltered->size();
+    QString text = count == 0       ? tr(kTexts[0])
+                   : shown == count ? tr("%1 images").arg(count)
+                                    : tr("%1 out of %2 images").arg(shown).arg(count);
+    if (m_nSelectedImages != 0)
+        text += tr(" (%1 selected)").arg(m_nSelectedImages);
+    return text;
+}
+
+} // namespace plexa

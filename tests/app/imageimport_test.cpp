@@ -1,0 +1,259 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/workingset.h"
+
+#include <QSignalSpy>
+
+using namespace plexa;
+using namespace plexa::test;
+
+namespace
+{
+
+/// Adds so many photos and begins to import them, while the import can load none: the first ones, one for
+/// each thread, are locked until it is destroyed.
+class HeldImport
+{
+public:
+    HeldImport(WorkingSet &work, ImageSet &set, int count)
+    {
+        const QDir folder(work.manyPhotos(count));
+        for (const QString &name : folder.entryList(QDir::Files, QDir::Name))
+            set.addImage(folder.filePath(name), {});
+        m_locked.assign(set.images()->begin(), set.images()->begin() + work.services().importThreads);
+        for (const auto &image : m_locked)
+            image->lock();
+        set.importMissingImages();
+    }
+
+    ~HeldImport()
+    {
+        for (const auto &image : m_locked)
+            image->unlock();
+    }
+
+private:
+    ImageList m_locked;
+};
+
+bool areAllLoaded(const ImageSet &set)
+{
+    return std::all_of(set.images()->begin(), set.images()->end(),
+                       [](const auto &image) { return image->isLoaded(); });
+}
+
+} // namespace
+
+class ImageImportTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void reportsUnreadableFiles_data();
+    void reportsUnreadableFiles();
+    void reportsUnreadableFolders();
+    void keepsTheSelection();
+    void takesInWhatIsAddedMeanwhile();
+    void stopsAndGoesOn();
+    void modesStopAndStart();
+    void removedMeanwhile();
+    void destroyedMeanwhile();
+};
+
+void ImageImportTest::reportsUnreadableFiles_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::newRow("one") << 1;
+    QTest::newRow("ten") << 10;
+    QTest::newRow("twelve") << 12;
+}
+
+void ImageImportTest::reportsUnreadableFiles()
+{
+    QFETCH(int, count);
+    WorkingSet work;
+    ImageSet set(work.services());
+    const Mirror mirror(set);
+    QStringList paths;
+    QStringList broken;
+    for (int i = 0; i < count; ++i) {
+        broken.append(work.brokenPhoto(QStringLiteral("broken%1.jpg").arg(i)));
+        paths << broken.last() << work.photo(QStringLiteral("good%1.jpg").arg(i));
+    }
+    work.alerts.expect(QStringLiteral("Cannot open the following %1 file(s):").arg(count));
+    set.scanImagesAtPaths(paths);
+    QTRY_VERIFY(isIdle(set));
+    QCOMPARE(work.alerts.complaints(), QStringList());
+    QString text = broken.mid(0, 10).join(QLatin1Char('\n'));
+    if (count == 12)
+        text += QStringLiteral("\n  ...and 2 more...");
+    text +=
+        QStringLiteral("\n\nPossible reasons:\n \u2022 unsupported file format\n \u2022 insufficient file "
+                       "access permissions");
+    QCOMPARE(work.alerts.shown().constFirst().text, text);
+    QCOMPARE(set.images()->size(), static_cast<std::size_t>(count));
+    QVERIFY(mirror.isTrue());
+    for (const auto &image : *set.images()) {
+        QVERIFY(image->filename().startsWith(QLatin1String("good")));
+        QVERIFY(image->isLoaded() && !image->thumbnail().isNull());
+    }
+    // A second import finds nothing to complain of.
+    set.importMissingImages();
+    QTRY_VERIFY(isIdle(set));
+    QCOMPARE(work.alerts.complaints(), QStringList());
+}
+
+void ImageImportTest::reportsUnreadableFolders()
+{
+    WorkingSet work;
+    ImageSet set(work.services());
+    set.setImageListModeToBrowser(false); // where no import comes afterwards
+    const QString folder = QFileInfo(work.photo(QStringLiteral("secret/a.jpg"))).path();
+    QFile::setPermissions(folder, QFile::Permissions());
+    if (QDir(folder).isReadable()) {
+        QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QSKIP("this user may read everything");
+    }
+    work.alerts.expect(QStringLiteral("Cannot open the following 1 file(s):"));
+    set.scanImagesAtPaths({folder});
+    QTRY_VERIFY(isIdle(set));
+    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QCOMPARE(work.alerts.complaints(), QStringList());
+    QVERIFY(work.alerts.shown().constFirst().text.startsWith(folder));
+}
+
+/// Selection and focus stay with their photos when others before them turn out unreadable.
+void ImageImportTest::keepsTheSelection()
+{
+    WorkingSet work;
+    ImageSet set(work.services());
+    for (const char *name : {"bad1", "a", "bad2", "b", "c"}) {
+        const QString file = QLatin1String(name) + QStringLiteral(".png");
+        set.addImage(file.startsWith(QLatin1String("bad")) ? work.brokenPhoto(file) : work.photo(file), {});
+    }
+    QCOMPARE(set.images()->size(), 5U);
+    set.selection().select({0, 3, 4}, 3);
+    const QSignalSpy focusChanges(&set.selection(), &ImageSelection::focusImageChanged);
+    work.alerts.expect(QStringLiteral("Cannot open the following 2 file(s):"));
+    set.importMissingImages();
+    QTRY_VERIFY(isIdle(set));
+    QCOMPARE(names(set.selectedImages()), QStringLiteral("b c"));
+    QCOMPARE(set.selection().focusIndex(), 1);
+    QVERIFY(focusChanges.isEmpty());
+    QCOMPARE(work.alerts.complaints(), QStringList());
+}
+
+void ImageImportTest::takesInWhatIsAddedMeanwhile()
+{
+    WorkingSet work;
+    ImageSet set(work.services());
+    const QString late = work.photo(QStringLiteral("late.jpg"));
+    const QSignalSpy ends(&set, &ImageSet::importFinished);
+    {
+        const HeldImport held(work, set, 40);
+        for (int i = 0; i < 20; ++i)
+            set.scanImagesAtPaths({late});
+        QTRY_VERIFY(!set.isScanning());
+        QVERIFY(set.isImportingImages());
+    }
+    QTRY_VERIFY(isIdle(set));
+    QCOMPARE(set.images()->size(), 60U);
+    QVERIFY(areAllLoaded(set));
+    QCOMPARE(ends.size(), 1);
+    // The line says how many there are when all is over.
+    QTRY_COMPARE(work.status.line().text, QStringLiteral("60 images"));
+    QCOMPARE(work.alerts.complaints(), QStringList());
+}
+
+void ImageImportTest::stopsAndGoesOn()
+{
+    WorkingSet work;
+    ImageSet set(work.services());
+    {
+        const HeldImport held(work, set, 30);
+        set.stopImportingImages();
+    }
+    QTRY_VERIFY(isIdle(set));
+    QCOMPARE(set.images()->size(), 30U);
+    QVERIFY(!(*set.images())[3]->imageHasBeenLoaded());
+    QTRY_COMPARE(work.status.line().text, QStringLiteral("30 images"));
+    QVERIFY(!work.status.line().canBeStopped);
+
+    set.importMissingImages();
+    QTRY_VERIFY(isIdle(set));
+    QVERIFY(areAllLoaded(set));
+
+    // A stopped scan starts no import.
+    set.scanImagesAtPaths({QFileInfo(set.images()->front()->path()).path()});
+    set.stopImportingImages();
+    QTRY_VERIFY(!set.isScanning());
+    QVERIFY(!set.isImportingImages());
+}
+
+void ImageImportTest::modesStopAndStart()
+{
+    WorkingSet work;
+    ImageSet set(work.services());
+    {
+        const HeldImport held(work, set, 30);
+        set.switchImageListMode();
+        set.switchImageListMode(); // while the first import is still on its way out
+    }
+    QTRY_VERIFY(isIdle(set));
+    QVERIFY(areAllLoaded(set));
+
+    WorkingSet other;
+    ImageSet large(other.services());
+    large.setImageListModeToBrowser(false);
+    large.scanImagesAtPaths({other.manyPhotos(20)});
+    QTRY_COMPARE(large.images()->size(), 20U);
+    QTRY_VERIFY(isIdle(large));
+    QVERIFY(!large.images()->front()->imageHasBeenLoaded());
+}
+
+void ImageImportTest::removedMeanwhile()
+{
+    WorkingSet work;
+    ImageSet set(work.services());
+    const Mirror mirror(set);
+    QStringList paths;
+    for (int i = 0; i < 100; ++i)
+        paths.append(i % 2 ? work.brokenPhoto(QStringLiteral("bad%1.jpg").arg(i))
+                           : work.photo(QStringLiteral("good%1.jpg").arg(i)));
+    for (const QString &path : paths)
+        set.addImage(path, {});
+    set.importMissingImages();
+    set.filterImages(QStringLiteral("bad"));
+    set.selection().selectAll();
+    set.removeSelectedImages();
+    set.moveIndexes({0}, 1);
+    set.filterImages({});
+    set.moveIndexes({3, 4, 5}, 0);
+    QTRY_VERIFY(isIdle(set));
+    // What the user has removed himself is no news to him.
+    QCOMPARE(work.alerts.shown().size(), 0);
+    QCOMPARE(set.images()->size(), 50U);
+    QVERIFY(areAllLoaded(set));
+    QVERIFY(mirror.isTrue());
+}
+
+void ImageImportTest::destroyedMeanwhile()
+{
+    WorkingSet work;
+    {
+        ImageSet set(work.services());
+        set.scanImagesAtPaths({work.manyPhotos(200)});
+    }
+    {
+        ImageSet set(work.services());
+        {
+            const HeldImport held(work, set, 200);
+            set.selection().selectIndexes({199});
+        }
+    }
+    QCoreApplication::processEvents();
+    QCOMPARE(work.alerts.complaints(), QStringList());
+}
+
+QTEST_GUILESS_MAIN(ImageImportTest)
+#include "imageimport_test.moc"
