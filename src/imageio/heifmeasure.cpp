@@ -125,7 +125,6 @@ private:
 
     Result<Work> workOfCoded(const HeifItem &item)
     {
-        m_result.isHevc = m_result.isHevc || item.type == "hvc1";
         m_codedSize = item.size;
         const Result<void> scanned = item.type == "hvc1" ? scanHevc(item) : scanAv1(item);
         if (!scanned)
