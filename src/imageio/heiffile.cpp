@@ -2,6 +2,7 @@
 
 #include "imageio/heiffile.h"
 
+#include "imageio/heifav1decoder.h"
 #include "imageio/metadatablocks.h"
 #include "imageio/readfailures.h"
 
@@ -25,7 +26,10 @@ constexpr size_t kMaxProfileBytes = 32'000'000;
 void prepareHeifLibrary()
 {
     static std::once_flag once;
-    std::call_once(once, [] { heif_init(nullptr); });
+    std::call_once(once, [] {
+        heif_init(nullptr);
+        heif_register_decoder_plugin(&av1DecoderPlugin());
+    });
 }
 
 const heif_reader HeifFile::kReader = {

@@ -125,7 +125,6 @@ private:
 
     Result<Work> workOfCoded(const HeifItem &item)
     {
-        m_result.isHevc = m_result.isHevc || item.type == "hvc1";
         m_codedSize = item.size;
         const Result<void> scanned = item.type == "hvc1" ? scanHevc(item) : scanAv1(item);
         if (!scanned)
@@ -176,6 +175,14 @@ private:
         return ReadFailures::checkSize(picture.size, m_limits);
     }
 
+    /// The first coded picture is one of the colours; alpha follows.
+    void noteChroma(int chroma)
+    {
+        if (!m_hasChroma)
+            m_result.chroma = chroma;
+        m_hasChroma = true;
+    }
+
     static bool isSequenceParameterSet(const QByteArray &nal)
     {
         return nal.size() > 2 && (uchar(nal[0]) >> 1 & 0x3f) == 33;
@@ -189,7 +196,7 @@ private:
         // The decoder takes lengths of four bytes for granted.
         if (record.size() < 23 || (record[21] & 3) != 3)
             return fail(ReadFailures::damaged());
-        m_result.chroma = record[16] & 3;
+        noteChroma(record[16] & 3);
         qsizetype at = 23;
         for (int arrays = uchar(record[22]); arrays > 0 && at + 3 <= record.size(); --arrays) {
             int count = qFromBigEndian<quint16>(record.constData() + at + 1);
@@ -232,7 +239,8 @@ private:
         if (record.size() < 4)
             return fail(ReadFailures::damaged());
         const int flags = uchar(record[2]);
-        m_result.chroma = (flags & 16) != 0 ? 0 : (flags & 4) != 0 ? 1 : (flags & 8) != 0 ? 2 : 3;
+        // monochrome, subsampling_x, subsampling_y
+        noteChroma((flags & 16) != 0 ? 0 : (flags & 8) == 0 ? 3 : (flags & 4) == 0 ? 2 : 1);
         const QByteArray beside = record.mid(4);
         const auto inRecord = [&](qint64 at, qint64 count) {
             return beside.mid(qsizetype(qMin(at, qint64(beside.size()))), qsizetype(count));
@@ -281,6 +289,7 @@ private:
     const ReadLimits &m_limits;
     const char *m_formatName;
     HeifMeasure m_result;
+    bool m_hasChroma = false;
     QSize m_codedSize; ///< of the picture that is looked at
     QHash<quint32, Work> m_known;
 };

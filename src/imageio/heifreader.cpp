@@ -220,8 +220,6 @@ public:
             return fail(ReadFailures::outOfMemory());
         options->ignore_transformations = picture.isTurnedByLibrary ? 0 : 1;
         options->strict_decoding = 1; // half a picture is none
-        // The other decoder of AV1 writes of every damage to the standard error stream.
-        options->decoder_id = picture.measure.isHevc ? nullptr : "aom";
         constexpr bool isLittle = Q_BYTE_ORDER == Q_LITTLE_ENDIAN;
         heif_chroma chroma = picture.hasAlpha ? heif_chroma_interleaved_RGBA : heif_chroma_interleaved_RGB;
         if (picture.isDeep() && picture.hasAlpha)
