@@ -25,6 +25,7 @@ private Q_SLOTS:
     void samplesOfThreeBytesAreRead_data();
     void samplesOfThreeBytesAreRead();
     void oldStyleJpegIsRead();
+    void firstOfManyIsRead();
     void labIsThatOfPrint_data();
     void labIsThatOfPrint();
     void directoriesOfTiffAreBounded_data();
@@ -250,6 +251,20 @@ void TiffReadingTest::oldStyleJpegIsRead()
     QVERIFY2(!image.isNull(), qPrintable(error));
     const double difference = meanDifference(image, decoded(jpeg));
     QVERIFY2(difference < 2, qPrintable(QString::number(difference)));
+}
+
+void TiffReadingTest::firstOfManyIsRead()
+{
+    if (magickConvert().isEmpty())
+        QSKIP("ImageMagick is not installed");
+    const QString origin = m_folder.path(u"origin.png"_qs);
+    const QString path = m_folder.path(u"pages.tif"_qs);
+    const QImage first = noisyPicture({61, 43}, QImage::Format_RGB32);
+    QVERIFY(first.save(origin));
+    outputOf(magickConvert(), {origin, u"("_qs, u"+clone"_qs, u"-negate"_qs, u"-resize"_qs, u"200%"_qs,
+                               u")"_qs, u"("_qs, u"+clone"_qs, u")"_qs, path});
+    QCOMPARE(decoded(path), first);
+    QCOMPARE(ImageSource::open(path)->imageCount(), 3);
 }
 
 void TiffReadingTest::labIsThatOfPrint_data()
