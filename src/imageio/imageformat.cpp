@@ -8,6 +8,7 @@
 #include "imageio/pictureheaders.h"
 #include "imageio/pngcodec.h"
 #include "imageio/qtcodec.h"
+#include "imageio/tgacodec.h"
 #include "imageio/tiffcodec.h"
 
 #include <QtEndian>
@@ -98,12 +99,14 @@ QList<ImageFormat> makeFormats()
     static const TiffCodec tiff;
     static const GifCodec gif;
     static const BmpCodec bmp;
+    static const TgaCodec tga;
     QList<ImageFormat> formats = {
         {"image/jpeg", "JPEG", {u"jpg"_qs, u"jpeg"_qs, u"jpe"_qs, u"jfif"_qs}, isJpeg, &jpeg, true, false},
         {"image/png", "PNG", {u"png"_qs}, isPng, &png, true, true},
         {"image/tiff", "TIFF", {u"tif"_qs, u"tiff"_qs}, isTiff, &tiff, false, false},
         {"image/gif", "GIF", {u"gif"_qs}, isGif, &gif, true, true},
         {"image/bmp", "BMP", {u"bmp"_qs, u"dib"_qs}, isBmp, &bmp, true, false},
+        {"image/x-tga", "TGA", {u"tga"_qs}, nullptr, &tga, false, false},
     };
     static const QtCodec webp("webp", readWebpHeader, 4); // where it is lossless
     static const QtCodec icon("ico", nullptr, 0, QtCodec::Choice::Largest);
@@ -114,7 +117,6 @@ QList<ImageFormat> makeFormats()
     static const QtCodec xpm("xpm");
     static const QtCodec xbm("xbm");
     static const QtCodec wbmp("wbmp");
-    static const QtCodec tga("tga");
     const struct {
         const char *type;
         const char *name;
@@ -131,7 +133,6 @@ QList<ImageFormat> makeFormats()
         {"image/x-xpixmap", "XPM", {u"xpm"_qs}, isXpm, &xpm},
         {"image/x-xbitmap", "XBM", {u"xbm"_qs}, nullptr, &xbm},
         {"image/vnd.wap.wbmp", "WBMP", {u"wbmp"_qs}, nullptr, &wbmp},
-        {"image/x-tga", "TGA", {u"tga"_qs}, nullptr, &tga},
     };
     for (const auto &row : qtFormats) {
         if (row.codec->isAvailable())
