@@ -2,6 +2,7 @@
 
 #include "imageio/gifstructure.h"
 
+#include "imageio/forwardbytes.h"
 #include "imageio/readfailures.h"
 
 namespace plexa
@@ -18,72 +19,6 @@ constexpr int kApplication = 0xff;
 
 /// Extensions that are longer are passed over: profiles of printers have a few megabytes.
 constexpr qsizetype kMaxExtensionBytes = 16 * 1024 * 1024;
-
-/// Reads forward in large pieces: files of many frames have millions of small blocks.
-class ForwardBytes
-{
-public:
-    explicit ForwardBytes(QIODevice &device)
-        : m_device(device)
-    {
-    }
-
-    qint64 position() const { return m_start + m_at; }
-    bool metEnd() const { return m_metEnd; }
-    bool readFailed() const { return m_readFailed; }
-
-    /// @return the next byte; -1 where there is none
-    int next()
-    {
-        if (m_at >= m_buffer.size() && !fill())
-            return -1;
-        return uchar(m_buffer[m_at++]);
-    }
-
-    /// @return so many bytes, or what is left of the file
-    QByteArray take(qsizetype count)
-    {
-        QByteArray bytes;
-        while (bytes.size() < count && (m_at < m_buffer.size() || fill())) {
-            const qsizetype piece = qMin(count - bytes.size(), m_buffer.size() - m_at);
-            bytes.append(m_buffer.constData() + m_at, piece);
-            m_at += piece;
-        }
-        return bytes;
-    }
-
-    /// @return how many bytes there were to skip, up to `count`
-    qsizetype skip(qsizetype count)
-    {
-        qsizetype done = 0;
-        while (done < count && (m_at < m_buffer.size() || fill())) {
-            const qsizetype piece = qMin(count - done, m_buffer.size() - m_at);
-            m_at += piece;
-            done += piece;
-        }
-        return done;
-    }
-
-private:
-    bool fill()
-    {
-        m_start += m_buffer.size();
-        m_at = 0;
-        m_buffer.resize(64 * 1024);
-        const qint64 got = m_device.read(m_buffer.data(), m_buffer.size());
-        m_readFailed = m_readFailed || got < 0;
-        m_metEnd = m_metEnd || got == 0;
-        m_buffer.resize(qMax<qint64>(got, 0));
-        return got > 0;
-    }
-
-    QIODevice &m_device;
-    QByteArray m_buffer;
-    qint64 m_start = 0; ///< of the buffer in the file
-    qsizetype m_at = 0; ///< in the buffer
-    bool m_readFailed = false;
-    bool m_metEnd = false; ///< more was asked for than there is
-};
 
 int wordAt(const QByteArray &bytes, qsizetype at)
 {

@@ -39,7 +39,8 @@ qint64 destinationBytes(const RowFormat &format, const CopyRequest &request);
 /// Writes a whole picture through openDestination().
 [[nodiscard]] Result<void> writeImage(QIODevice &device, const QImage &image, const CopyRequest &request);
 
-/// What of the source's pictures a copy leaves out and people should hear of: "gain map".
+/// What of the source's pictures a copy leaves out and people should hear of: "gain map",
+/// "animation".
 QStringList droppedPictures(const ImageSource &source);
 
 } // namespace plexa

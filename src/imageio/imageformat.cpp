@@ -12,6 +12,7 @@
 #include "imageio/qtcodec.h"
 #include "imageio/rawcodec.h"
 #include "imageio/rawformats.h"
+#include "imageio/tgacodec.h"
 #include "imageio/tiffcodec.h"
 
 #include <QtEndian>
@@ -105,6 +106,7 @@ QList<ImageFormat> makeFormats()
     static const BmpCodec bmp;
     static const HeifCodec heic(HeifCodec::Kind::Hevc);
     static const HeifCodec avif(HeifCodec::Kind::Av1);
+    static const TgaCodec tga;
     QList<ImageFormat> formats = {
         {"image/jpeg", "JPEG", {u"jpg"_qs, u"jpeg"_qs, u"jpe"_qs, u"jfif"_qs}, isJpeg, &jpeg, true, false},
         {"image/png", "PNG", {u"png"_qs}, isPng, &png, true, true},
@@ -118,6 +120,7 @@ QList<ImageFormat> makeFormats()
         {"image/avif", "AVIF", {u"avif"_qs}, isAvifContents, &avif, false, false},
         {"image/gif", "GIF", {u"gif"_qs}, isGif, &gif, true, true},
         {"image/bmp", "BMP", {u"bmp"_qs, u"dib"_qs}, isBmp, &bmp, true, false},
+        {"image/x-tga", "TGA", {u"tga"_qs}, nullptr, &tga, false, false},
     };
     formats.append(rawFormatsWithSignature(raw));
     formats.append({"image/tiff", "TIFF", {u"tif"_qs, u"tiff"_qs}, isTiff, &tiff, true, true});
@@ -131,7 +134,6 @@ QList<ImageFormat> makeFormats()
     static const QtCodec xpm("xpm");
     static const QtCodec xbm("xbm");
     static const QtCodec wbmp("wbmp");
-    static const QtCodec tga("tga");
     const struct {
         const char *type;
         const char *name;
@@ -148,7 +150,6 @@ QList<ImageFormat> makeFormats()
         {"image/x-xpixmap", "XPM", {u"xpm"_qs}, isXpm, &xpm},
         {"image/x-xbitmap", "XBM", {u"xbm"_qs}, nullptr, &xbm},
         {"image/vnd.wap.wbmp", "WBMP", {u"wbmp"_qs}, nullptr, &wbmp},
-        {"image/x-tga", "TGA", {u"tga"_qs}, nullptr, &tga},
     };
     for (const auto &row : qtFormats) {
         if (row.codec->isAvailable())

@@ -4,6 +4,7 @@
 #include "imageio/bmpcodec.h"
 #include "imageio/imageformat.h"
 #include "imageio/qtcodec.h"
+#include "imageio/tgacodec.h"
 
 #include <QGuiApplication>
 
@@ -20,7 +21,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const auto decode = [data, size](const plexa::ImageFormat &format) {
         if (dynamic_cast<const plexa::QtCodec *>(format.codec) ||
-            dynamic_cast<const plexa::BmpCodec *>(format.codec))
+            dynamic_cast<const plexa::BmpCodec *>(format.codec) ||
+            dynamic_cast<const plexa::TgaCodec *>(format.codec))
             plexa::test::decodeForFuzzing(*format.codec, data, size);
     };
     if (const auto *format = plexa::imageFormatOfContents({data, qMin<qsizetype>(qsizetype(size), 64)})) {

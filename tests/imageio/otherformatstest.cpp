@@ -24,6 +24,10 @@ private Q_SLOTS:
     void bitmapsOfOtherPrograms();
     void fewBitsReachWhite_data();
     void fewBitsReachWhite();
+    void tgaOfOtherPrograms_data();
+    void tgaOfOtherPrograms();
+    void cutTgaFails_data();
+    void cutTgaFails();
     void largestIconIsRead_data();
     void largestIconIsRead();
     void webpCarriesMetadata();
@@ -138,6 +142,14 @@ void OtherFormatsTest::kindsAreRead_data()
     add("-monochrome -compress None pbm:pbm");
     add("-colors 40 xpm:xpm");
     add("-channel A -threshold 50% +channel -colors 40 xpm:xpm", true);
+    add("-type TrueColor -compress None tga:tga");
+    add("-type TrueColor -compress RLE tga:tga");
+    add("-type TrueColorAlpha -compress None tga:tga", true);
+    add("-type TrueColorAlpha -compress RLE tga:tga", true);
+    add("-colors 100 -type Palette -compress None tga:tga");
+    add("-colors 100 -type Palette -compress RLE tga:tga");
+    add("-colorspace Gray -compress None tga:tga");
+    add("-colorspace Gray -compress RLE tga:tga");
     add("-monochrome xbm:xbm");
     add("-monochrome wbmp:wbmp");
 }
@@ -163,7 +175,9 @@ void OtherFormatsTest::kindsAreRead()
     QVERIFY2(!ours.isNull(), qPrintable(error));
     if (hasAlpha)
         QVERIFY(ours.hasAlphaChannel());
-    const QImage theirs = decodedByMagick(path, ours.size(), m_srgb);
+    QImage theirs = decodedByMagick(path, ours.size(), m_srgb);
+    if (kind[1] == u"tga"_qs) // it leaves the rows in the file's order, from the bottom up
+        theirs = theirs.mirrored();
     const double difference = meanDifference(ours, theirs);
     QVERIFY2(difference < 2, qPrintable(QString::number(difference)));
     QFile::remove(path);
@@ -238,6 +252,80 @@ void OtherFormatsTest::fewBitsReachWhite()
     QCOMPARE(image.size(), QSize(4, 1));
     for (int x = 0; x < 4; ++x)
         QCOMPARE(QString::number(image.pixel(x, 0), 16), QString::number(colors[x], 16));
+}
+
+void OtherFormatsTest::tgaOfOtherPrograms_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QList<QRgb>>("colors"); // of two rows of two; empty: not a picture
+    const auto tga = [](int type, int bits, int descriptor, const QByteArray &pixels) {
+        return QByteArray("\0\0", 2) + char(type) + QByteArray(9, '\0') + QByteArray("\2\0\2\0", 4) +
+               char(bits) + char(descriptor) + pixels;
+    };
+    const QByteArray four("\0\0\xff\0\xff\0\xff\0\0\xff\xff\xff", 12);
+    const QRgb red = 0xffff0000;
+    const QRgb green = 0xff00ff00;
+    const QRgb blue = 0xff0000ff;
+    const QRgb white = 0xffffffff;
+    QTest::newRow("from the bottom") << tga(2, 24, 0, four) << QList<QRgb>{blue, white, red, green};
+    QTest::newRow("from the top") << tga(2, 24, 0x20, four) << QList<QRgb>{red, green, blue, white};
+    QTest::newRow("from the right") << tga(2, 24, 0x30, four) << QList<QRgb>{green, red, white, blue};
+    QTest::newRow("Qt's kind, with a footer")
+        << tga(2, 24, 0x20, four) + QByteArray(8, '\0') + QByteArray("TRUEVISION-XFILE.\0", 18)
+        << QList<QRgb>{red, green, blue, white};
+    QTest::newRow("15 bit") << tga(2, 15, 0x20, QByteArray("\0\x7c\xe0\3\x1f\0\xff\x7f", 8))
+                            << QList<QRgb>{red, green, blue, white};
+    QTest::newRow("16 bit, alpha") << tga(2, 16, 0x21, QByteArray("\0\xfc\xe0\x83\x1f\0\xff\xff", 8))
+                                   << QList<QRgb>{red, green, 0, white};
+    QTest::newRow("32 bit, fourth byte unused")
+        << tga(2, 32, 0x20, QByteArray("\0\0\xff\0\0\xff\0\1\xff\0\0\2\xff\xff\xff\3", 16))
+        << QList<QRgb>{red, green, blue, white};
+    QTest::newRow("run over the end of a row and of the picture")
+        << tga(10, 24, 0x20, QByteArray("\0\0\0\xff\xff\xff\0\0", 8)) << QList<QRgb>{red, blue, blue, blue};
+    QTest::newRow("unknown type") << tga(32, 24, 0x20, four) << QList<QRgb>();
+    QTest::newRow("palette without one") << tga(1, 8, 0x20, four) << QList<QRgb>();
+}
+
+void OtherFormatsTest::tgaOfOtherPrograms()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(QList<QRgb>, colors);
+    const QString path = m_folder.path(u"other.tga"_qs);
+    QVERIFY(putFile(path, file));
+    QString error;
+    const QImage image = decoded(path, &error);
+    QCOMPARE(error, colors.isEmpty() ? u"not a picture that can be read"_qs : QString());
+    for (int i = 0; i < colors.size(); ++i)
+        QCOMPARE(QString::number(image.pixel(i % 2, i / 2), 16), QString::number(colors[i], 16));
+}
+
+void OtherFormatsTest::cutTgaFails_data()
+{
+    QTest::addColumn<QString>("compression");
+    QTest::newRow("none") << u"None"_qs;
+    QTest::newRow("runs") << u"RLE"_qs;
+}
+
+void OtherFormatsTest::cutTgaFails()
+{
+    NEEDS_MAGICK();
+    QFETCH(QString, compression);
+    const QString path = m_folder.path(u"whole.tga"_qs);
+    outputOf(magickConvert(),
+             {m_origin, u"-type"_qs, u"TrueColor"_qs, u"-compress"_qs, compression, u"tga:"_qs + path});
+    const QByteArray bytes = contentsOf(path);
+    QVERIFY(!decoded(path).isNull());
+    for (qsizetype length = 18; length < bytes.size(); length += 101) {
+        QVERIFY(putFile(m_folder.path(u"cut.tga"_qs), bytes.first(length)));
+        QString error;
+        QVERIFY(decoded(m_folder.path(u"cut.tga"_qs), &error).isNull());
+        QCOMPARE(error, u"the picture data end early"_qs);
+    }
+    // One that would take 3.6 GB for nothing.
+    QVERIFY(putFile(path, QByteArray("\0\0\x0a\0\0\0\0\0\0\0\0\0\x30\x75\x30\x75\x18\0", 18) + bytes));
+    QString error;
+    QVERIFY(decoded(path, &error).isNull());
+    QCOMPARE(error, u"the picture data end early"_qs);
 }
 
 void OtherFormatsTest::largestIconIsRead_data()
