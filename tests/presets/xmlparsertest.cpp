@@ -79,6 +79,12 @@ void XMLParserTest::readsElementsAndAttributes()
     QCOMPARE(root.subelement(3)->attributeValue("i").value(), "7");
     QVERIFY(!root.subelement(4) && !root.subelement(-1) && !root.subelement("leaves"));
     QCOMPARE(reading.lines, QByteArrayList());
+
+    // Where its own quote does not come again, a value ends at the other one.
+    Reading mixed;
+    QVERIFY2(mixed.parser.parse(kHeader + "<r a=\"x' b='y'></r>"), mixed.lines.join().constData());
+    QCOMPARE(mixed.parser.root()->attributeValue("a").value(), "x");
+    QCOMPARE(mixed.parser.root()->attributeValue("b").value(), "y");
 }
 
 void XMLParserTest::rootText_data()
