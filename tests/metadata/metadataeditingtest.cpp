@@ -166,6 +166,7 @@ private Q_SLOTS:
     void editReachesAllPlaces();
     void fractionAndZoneOfDatesReachXmp();
     void flashReachesXmp();
+    void valuesAfterClearingAreWritten();
     void clearingLeavesNothing_data();
     void clearingLeavesNothing();
 
@@ -337,6 +338,23 @@ void MetadataEditingTest::flashReachesXmp()
     QCOMPARE(record[u"ExifIFD:Flash"].toInt(), 24);
     QCOMPARE(record[u"XMP-exif:FlashFired"].toVariant().toString().toLower(), u"false"_qs);
     QCOMPARE(record[u"XMP-exif:FlashMode"].toInt(), 3);
+}
+
+/// Even those that say what stood there before.
+void MetadataEditingTest::valuesAfterClearingAreWritten()
+{
+    const QJsonObject record = copiedRecord(m_sources[All], u"image/jpeg"_qs, [](ImageMetadata &m) {
+        m.clearExifData();
+        m.clearIptcDataKeepCopyright(false, false);
+        m.setExifUserComment(u"old comment"_qs);
+        m.setIptcCity(u"old city"_qs);
+        m.setIptcHeadline(u"new"_qs);
+    });
+    QCOMPARE(record[u"ExifIFD:UserComment"].toString(), u"old comment"_qs);
+    QVERIFY(!record.contains(u"ExifIFD:LensModel"_qs));
+    QCOMPARE(record[u"IPTC:City"].toString(), u"old city"_qs);
+    QCOMPARE(record[u"IPTC:Headline"].toString(), u"new"_qs);
+    QVERIFY(!record.contains(u"IPTC:Writer-Editor"_qs));
 }
 
 void MetadataEditingTest::clearingLeavesNothing_data()
