@@ -44,7 +44,8 @@ constexpr std::array kStructureTags = {
 
 bool isDngTag(uint16_t tag)
 {
-    const bool isOfCamera = tag == 0xC614 || tag == 0xC62F || tag == 0xC630; // model, serial number, lens
+    // Models, serial number, lens, name of the raw file.
+    const bool isOfCamera = tag == 0xC614 || tag == 0xC615 || tag == 0xC62F || tag == 0xC630 || tag == 0xC68B;
     return !isOfCamera && ((tag >= 0xC612 && tag <= 0xC7FF) || (tag >= 0xCD2D && tag <= 0xCD4F));
 }
 

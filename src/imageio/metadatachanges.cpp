@@ -169,6 +169,9 @@ constexpr XmpAlias kXmpAliases[] = {
     {MetadataGroup::Tiff, kCGImagePropertyTIFFImageDescription, "Xmp.tiff.ImageDescription"},
     {MetadataGroup::Tiff, kCGImagePropertyTIFFArtist, "Xmp.tiff.Artist"},
     {MetadataGroup::Tiff, kCGImagePropertyTIFFCopyright, "Xmp.tiff.Copyright"},
+    {MetadataGroup::Iptc, kCGImagePropertyIPTCCaptionAbstract, "Xmp.tiff.ImageDescription"},
+    {MetadataGroup::Iptc, kCGImagePropertyIPTCByline, "Xmp.tiff.Artist"},
+    {MetadataGroup::Iptc, kCGImagePropertyIPTCCopyrightNotice, "Xmp.tiff.Copyright"},
     {MetadataGroup::Tiff, kCGImagePropertyTIFFSoftware, "Xmp.xmp.CreatorTool"},
     {MetadataGroup::Tiff, kCGImagePropertyTIFFDateTime, "Xmp.tiff.DateTime"},
     {MetadataGroup::Exif, kCGImagePropertyExifDateTimeDigitized, "Xmp.xmp.CreateDate"},
@@ -340,7 +343,8 @@ void updateXmpDates(Exiv2::XmpData &xmp, const QVariantMap &before, const QVaria
         for (const MetadataField &field : metadataFields()) {
             if (field.group != split.dateGroup || field.key != split.date)
                 continue;
-            for (const char *name : furtherXmpNames(field) << field.xmp) {
+            const QList<const char *> names = furtherXmpNames(field) + QList{field.xmp};
+            for (const char *name : names) {
                 if (eraseXmpProperty(xmp, name))
                     addXmp(xmp, name, texts);
             }

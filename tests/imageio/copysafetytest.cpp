@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/embeddedmetadata.h"
+#include "imageio/imageresources.h"
 #include "imageio/jpegassembly.h"
 #include "imageio/propertykeys.h"
 #include "imageio/thumbnail.h"
@@ -98,6 +99,9 @@ private Q_SLOTS:
     void picturesInExifStayBehind();
     void picturesInIptcStayBehind_data();
     void picturesInIptcStayBehind();
+    void imageResourcesAreChosen_data();
+    void imageResourcesAreChosen();
+    void imageResourcesFollowTheCopy();
     void commentIsText_data();
     void commentIsText();
     void excessiveXmpIsRefused_data();
@@ -226,6 +230,64 @@ void CopySafetyTest::picturesInIptcStayBehind()
     const bool isAtEnd = !unwanted.startsWith('\x1C');
     blocks.iptc = isAtEnd ? before + after + unwanted : before + unwanted + after;
     QCOMPARE(copied(blocks).iptc, before + after);
+}
+
+/// A Photoshop image resource.
+QByteArray resource(int id, const QByteArray &data, const QByteArray &name = {})
+{
+    QByteArray pascal = number(name.size(), 1) + name;
+    pascal += QByteArray(pascal.size() % 2, '\0');
+    return "8BIM" + number(id, 2) + pascal + number(data.size(), 4) + data +
+           QByteArray(data.size() % 2, '\0');
+}
+
+void CopySafetyTest::imageResourcesAreChosen_data()
+{
+    QTest::addColumn<QByteArray>("unwanted");
+    QTest::newRow("nothing") << QByteArray();
+    QTest::newRow("thumbnail") << resource(0x040C, QByteArray(28, '\0') + kJpeg);
+    QTest::newRow("old thumbnail") << resource(0x0409, QByteArray(300, 't'));
+    QTest::newRow("EXIF") << resource(0x0422, kTiff);
+    QTest::newRow("XMP") << resource(0x0424, xmpPacket("<dc:format>image/x</dc:format>"));
+    QTest::newRow("layers") << resource(0x0402, QByteArray(64, 'l'), "name");
+    QTest::newRow("JPEG for a link") << resource(0x040B, kJpeg);
+    QTest::newRow("TIFF for a link") << resource(0x040B, kTiff);
+    QTest::newRow("too long") << resource(0x040B, QByteArray(100'000, 'u'));
+    QTest::newRow("name beyond the end") << "8BIM\x04\x0B\xFFname"_ba;
+    QTest::newRow("length beyond the end") << "8BIM\x04\x0B\0\0\xFF\xFF\xFF\xFFlink"_ba;
+    QTest::newRow("bytes of another kind") << "\xFF\xD8\xFF\xE0 and more bytes"_ba;
+}
+
+/// What follows something that cannot be understood is left out with it.
+void CopySafetyTest::imageResourcesAreChosen()
+{
+    QFETCH(QByteArray, unwanted);
+    const QByteArray angle = resource(0x040D, number(30, 4));
+    const QByteArray flag = resource(0x040A, "\1");
+    const QByteArray iptc = dataSet(2, 120, "Lake");
+    const QByteArray all = angle + resource(0x0404, iptc) + flag + unwanted;
+    QCOMPARE(imageResourcesForCopy(all, {}), angle + flag);
+    QCOMPARE(iptcOfImageResources(all), iptc);
+    QCOMPARE(imageResourcesForCopy(unwanted, {}), QByteArray());
+}
+
+void CopySafetyTest::imageResourcesFollowTheCopy()
+{
+    const auto resolution = [](int horizontal, int vertical) {
+        return resource(0x03ED, number(horizontal, 2) + number(0, 2) + "\0\1\0\2"_ba + number(vertical, 2) +
+                                    number(0, 2) + "\0\1\0\2"_ba);
+    };
+    const QByteArray digest(16, 'd');
+    const QByteArray rights = resource(0x040A, "\1") + resource(0x040B, "https://quorvel.example");
+    const QByteArray all = resolution(72, 300) + rights + resource(0x0425, digest);
+    ImageResourceFacts facts{"old"_ba, "old"_ba, {300, 300}, false};
+    QCOMPARE(imageResourcesForCopy(all, facts), resolution(300, 300) + rights + resource(0x0425, digest));
+    facts.iptcAfter = "new";
+    facts.clearsRights = true;
+    const QByteArray renewed = QByteArray::fromHex("22af645d1859cb5ca6da0c484f1f37ea"); // md5sum of "new"
+    QCOMPARE(imageResourcesForCopy(all, facts), resolution(300, 300) + resource(0x0425, renewed));
+    facts.iptcAfter.clear();
+    QCOMPARE(imageResourcesForCopy(all, facts), resolution(300, 300));
 }
 
 void CopySafetyTest::commentIsText_data()

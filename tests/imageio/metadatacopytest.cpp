@@ -52,6 +52,8 @@ private Q_SLOTS:
     void copyHoldsNoPicture();
     void clearedGroupsLeaveAllPlaces_data();
     void clearedGroupsLeaveAllPlaces();
+    void clearingsReachEveryPhoto_data();
+    void clearingsReachEveryPhoto();
     void editsReachAllPlaces();
     void longXmpIsReadFromItsPieces();
     void valuesSurviveWriting_data();
@@ -199,6 +201,58 @@ void MetadataCopyTest::clearedGroupsLeaveAllPlaces()
     write(copy, test::jpegWith(metadata->encodeForCopy(properties, {QSize(16, 16), 0})));
     const QJsonObject after = test::exiftoolRecords({copy}, options).value(copy);
     QCOMPARE(after.keys(), QStringList(u"SourceFile"_qs));
+}
+
+void MetadataCopyTest::clearingsReachEveryPhoto_data()
+{
+    QTest::addColumn<int>("group");
+    QTest::addColumn<QStringList>("options"); // what exiftool must not find any more
+    QTest::newRow("GPS") << int(ClearedGroup::Gps)
+                         << QStringList{u"-*GPS*"_qs, u"-*Latitude*"_qs, u"-*Longitude*"_qs};
+    QTest::newRow("EXIF") << int(ClearedGroup::Exif)
+                          << QStringList{u"-ExifIFD:all"_qs,    u"-MakerNotes:all"_qs, u"-InteropIFD:all"_qs,
+                                         u"-XMP-exifEX:all"_qs, u"-XMP-aux:all"_qs,    u"-*SerialNumber*"_qs};
+    QTest::newRow("IPTC") << int(ClearedGroup::Iptc)
+                          << QStringList{u"-IPTC:all"_qs,        u"-XMP-iptcCore:all"_qs,
+                                         u"-XMP-iptcExt:all"_qs, u"-XMP-photoshop:City"_qs,
+                                         u"-XMP-dc:Rights"_qs,   u"-XMP-dc:Subject"_qs,
+                                         u"-XMP-plus:all"_qs};
+    QTest::newRow("TIFF") << int(ClearedGroup::Tiff)
+                          << QStringList{u"-IFD0:Make"_qs, u"-IFD0:Model"_qs, u"-XMP-tiff:Make"_qs,
+                                         u"-IFD0:UniqueCameraModel"_qs, u"-IFD0:ImageDescription"_qs};
+}
+
+/// Whatever the dictionary models of a photo.
+void MetadataCopyTest::clearingsReachEveryPhoto()
+{
+    QFETCH(int, group);
+    QFETCH(QStringList, options);
+    const auto cleared = ClearedGroup(group);
+    const auto sources = test::exiftoolRecords(m_paths, options);
+    const QMap<QString, QString> copies = writeCopies([cleared](const EmbeddedMetadata &metadata) {
+        QVariantMap properties = metadata.properties();
+        // As the dictionary's own clearing does it; a dictionary without the group stays as it is.
+        if (cleared == ClearedGroup::Gps)
+            properties.remove(kCGImagePropertyGPSDictionary);
+        else if (cleared == ClearedGroup::Iptc)
+            properties.remove(kCGImagePropertyIPTCDictionary);
+        else if (cleared == ClearedGroup::Tiff)
+            properties.remove(kCGImagePropertyTIFFDictionary);
+        if (cleared == ClearedGroup::Exif) {
+            properties.remove(kCGImagePropertyExifDictionary);
+            properties.remove(kCGImagePropertyExifAuxDictionary);
+        }
+        return metadata.encodeForCopy(properties, {QSize(16, 16), 0, kMaxJpegExif, cleared});
+    });
+    const auto records = test::exiftoolRecords(copies.values(), options);
+    int withSomething = 0;
+    for (auto path = copies.begin(); path != copies.end(); ++path) {
+        const QStringList left = records.value(path.value()).keys();
+        QVERIFY2(left.size() <= 1, qPrintable(path.key() + u": "_qs + left.join(u' ')));
+        withSomething += sources.value(path.key()).size() > 1;
+    }
+    qInfo("%d photos had something to clear", withSomething);
+    QVERIFY(withSomething >= 5);
 }
 
 void MetadataCopyTest::editsReachAllPlaces()

@@ -86,6 +86,8 @@ private Q_SLOTS:
     void copyKeepsMetadata();
     void copyHoldsNoOtherPicture_data() { addFormats(); }
     void copyHoldsNoOtherPicture();
+    void longXmpIsKept_data() { addFormats(); }
+    void longXmpIsKept();
     void heifHoldsOnePicture();
 
 private:
@@ -215,6 +217,31 @@ void RoundTripTest::copyHoldsNoOtherPicture()
         QVERIFY2(!file.contains("/9j/"), qPrintable(path.key()));
     }
     qInfo("%d thumbnails", thumbnails);
+}
+
+/// Longer than one segment of a JPEG.
+void RoundTripTest::longXmpIsKept()
+{
+    QFETCH(QString, type);
+    if (!groupsOf(type.toLatin1()).contains(u"XMP"_qs))
+        QSKIP("The format has no room for XMP.");
+    QImage picture(kSize, QImage::Format_RGB32);
+    picture.fill(kColor);
+    const QString path = m_folder.path(u"long.png"_qs);
+    QVERIFY(picture.save(path));
+    const QByteArray instructions(150'000, 'i');
+    const QString arguments = m_folder.path(u"arguments"_qs);
+    QVERIFY(test::putFile(arguments, "-XMP-photoshop:Instructions=" + instructions + '\n' + path.toUtf8()));
+    test::outputOf(u"exiftool"_qs,
+                   {u"-charset"_qs, u"filename=utf8"_qs, u"-overwrite_original"_qs, u"-@"_qs, arguments});
+    const auto source = ImageSource::open(path);
+    QVERIFY(source);
+    QBuffer file;
+    file.open(QIODevice::ReadWrite);
+    QVERIFY(writeImage(file, picture, {type, source->properties(), &*source}));
+    const QString copy = m_folder.path(u"longcopy"_qs);
+    QVERIFY(test::putFile(copy, file.data()));
+    QCOMPARE(test::exiftoolValue(copy, u"XMP-photoshop:Instructions"_qs), instructions);
 }
 
 /// The container could carry pictures that are no metadata.
