@@ -32,7 +32,7 @@ bool isPackage(const QString &folder)
 }
 
 // Photos that people expect to be found, although they cannot be read.
-constexpr std::array kUnreadableSuffixes = {"heic", "heif", "hif", "avif", "jp2", "jxl", "x3f"};
+constexpr std::array kUnreadableSuffixes = {"heic", "heif", "hif", "avif", "jxl", "x3f"};
 
 bool isPhotoSuffix(const QString &suffix)
 {
