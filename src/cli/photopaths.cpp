@@ -22,7 +22,7 @@ namespace
 namespace fs = std::filesystem;
 
 // Photos that people expect to be found, although they cannot be read.
-constexpr std::array kUnreadableSuffixes = {"jp2", "jxl", "x3f"};
+constexpr std::array kUnreadableSuffixes = {"jxl", "x3f"};
 
 bool isPhotoSuffix(const QString &suffix)
 {

@@ -40,6 +40,7 @@ constexpr std::array kStructureTags = {
     0x8649,                         // Photoshop resources
     0x8773,                         // ICC profile
     0x935C,                         // Photoshop layers
+    0xC634,                         // a raw file's private data, or where they lie
 };
 
 bool isDngTag(uint16_t tag)

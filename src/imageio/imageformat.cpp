@@ -6,6 +6,7 @@
 #include "imageio/gifcodec.h"
 #include "imageio/heifbrands.h"
 #include "imageio/heifcodec.h"
+#include "imageio/jp2codec.h"
 #include "imageio/jpegcodec.h"
 #include "imageio/pictureheaders.h"
 #include "imageio/pngcodec.h"
@@ -48,6 +49,16 @@ bool isTiff(QByteArrayView head)
     return head.startsWith(QByteArrayView("II*\0", 4)) || head.startsWith(QByteArrayView("MM\0*", 4)) ||
            head.startsWith(QByteArrayView("II+\0\x08\0\0\0", 8)) ||
            head.startsWith(QByteArrayView("MM\0+\0\x08\0\0", 8));
+}
+
+bool isJp2(QByteArrayView head)
+{
+    return head.startsWith(QByteArrayView("\0\0\0\x0CjP  \r\n\x87\n", 12));
+}
+
+bool isJp2Codestream(QByteArrayView head)
+{
+    return head.startsWith("\xff\x4f\xff\x51");
 }
 
 bool isBmp(QByteArrayView head)
@@ -107,6 +118,7 @@ QList<ImageFormat> makeFormats()
     static const HeifCodec heic(HeifCodec::Kind::Hevc);
     static const HeifCodec avif(HeifCodec::Kind::Av1);
     static const TgaCodec tga;
+    static const Jp2Codec jp2;
     QList<ImageFormat> formats = {
         {"image/jpeg", "JPEG", {u"jpg"_qs, u"jpeg"_qs, u"jpe"_qs, u"jfif"_qs}, isJpeg, &jpeg, true, false},
         {"image/png", "PNG", {u"png"_qs}, isPng, &png, true, true},
@@ -125,6 +137,14 @@ QList<ImageFormat> makeFormats()
     formats.append(rawFormatsWithSignature(raw));
     formats.append({"image/tiff", "TIFF", {u"tif"_qs, u"tiff"_qs}, isTiff, &tiff, true, true});
     formats.append(rawFormatsLikeTiff(raw));
+    formats.append({"image/jp2", "JPEG 2000", {u"jp2"_qs, u"jpf"_qs, u"jpx"_qs}, isJp2, &jp2, false, false});
+    formats.append({"image/x-jp2-codestream",
+                    "JPEG 2000 codestream",
+                    {u"j2k"_qs, u"j2c"_qs, u"jpc"_qs},
+                    isJp2Codestream,
+                    &jp2,
+                    false,
+                    false});
     static const QtCodec webp("webp", readWebpHeader, 4); // where it is lossless
     static const QtCodec icon("ico", nullptr, 0, QtCodec::Choice::Largest);
     static const QtCodec icns("icns", nullptr, 0, QtCodec::Choice::Largest);
