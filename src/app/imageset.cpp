@@ -78,7 +78,7 @@ ImageSet::ImageSet(const ImageSetServices &services)
                 [this] { finishedImportingImages(); }},
                services.importThreads)
     , m_scan(m_calls, {[this](const QStringList &paths) { takeFound(paths); },
-                       [this](const QStringList &folders) { takeUnreadable(folders); },
+                       [this](const QStringList &paths) { takeUnreadable(paths); },
                        [this] {
                            m_hasScanEnded = true;
                            if (!m_isAdding)
