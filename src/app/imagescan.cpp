@@ -3,6 +3,8 @@
 #include "app/imagescan.h"
 
 #include "imageio/imagefiletype.h"
+#include "imageio/imageformat.h"
+#include "platform/filenames.h"
 #include "platform/packagefolder.h"
 
 #include <QFile>
@@ -61,7 +63,12 @@ void FolderWalk::scanFolder(const QString &path)
     for (const fs::path &entry : entries) {
         if (m_visitor.isStopped())
             return;
-        scanImagesAtPath(QFile::decodeName(QByteArray::fromStdString(entry.native())), true);
+        const QByteArray bytes = QByteArray::fromStdString(entry.native());
+        const QString text = QFile::decodeName(bytes);
+        if (QFile::encodeName(text) == bytes)
+            scanImagesAtPath(text, true);
+        else if (fs::is_directory(entry, error) || imageFormatOfSuffix(fileExtensionOf(text)))
+            m_visitor.unreadable(text); // the text would not lead back to the file
     }
 }
 
@@ -100,7 +107,7 @@ void ImageScan::run(const QStringList &paths)
         if (Clock::now() - lastBatch > kBatchInterval)
             handOver();
     };
-    visitor.unreadable = [&](const QString &folder) { unreadable.append(folder); };
+    visitor.unreadable = [&](const QString &path) { unreadable.append(path); };
     visitor.isStopped = [this] { return isStopped(); };
     for (const QString &path : paths) {
         if (isStopped())

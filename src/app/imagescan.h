@@ -22,9 +22,10 @@ class FolderWalk final
 {
 public:
     struct Visitor {
-        std::function<void(const QString &path)> found;      ///< a picture file
-        std::function<void(const QString &path)> unreadable; ///< a folder that could not be listed
-        std::function<bool()> isStopped;                     ///< asked before every entry
+        std::function<void(const QString &path)> found; ///< a picture file
+        /// a folder that could not be listed, a picture or folder whose name is no valid text
+        std::function<void(const QString &path)> unreadable;
+        std::function<bool()> isStopped; ///< asked before every entry
     };
 
     explicit FolderWalk(Visitor visitor)
@@ -56,7 +57,7 @@ public:
     /// Called on the main thread.
     struct Handlers {
         std::function<void(const QStringList &paths)> found;
-        std::function<void(const QStringList &folders)> unreadable; ///< before finished(), when there are any
+        std::function<void(const QStringList &paths)> unreadable; ///< before finished(), when there are any
         std::function<void()> finished; ///< after the last batch, also when the scan was stopped
     };
 

@@ -78,7 +78,7 @@ ImageSet::ImageSet(const ImageSetServices &services)
                 [this] { finishedImportingImages(); }},
                services.importThreads)
     , m_scan(m_calls, {[this](const QStringList &paths) { takeFound(paths); },
-                       [this](const QStringList &folders) { takeUnreadable(folders); },
+                       [this](const QStringList &paths) { takeUnreadable(paths); },
                        [this] {
                            m_hasScanEnded = true;
                            if (!m_isAdding)
@@ -279,9 +279,11 @@ void ImageSet::moveIndexes(const IndexList &indexes, int toIndex)
 {
     const auto shownCount = static_cast<int>(m_imagesFiltered->size());
     toIndex = std::clamp(toIndex, 0, shownCount);
+    IndexList sorted = indexes;
+    std::sort(sorted.begin(), sorted.end());
     ImageList moved;
     for (int index = 0; index < shownCount; ++index) {
-        if (indexes.contains(index))
+        if (std::binary_search(sorted.begin(), sorted.end(), index))
             moved.push_back((*m_imagesFiltered)[static_cast<std::size_t>(index)]);
     }
     if (moved.empty())

@@ -134,7 +134,7 @@ private:
 
     void startScan(const QStringList &paths);
     void takeFound(const QStringList &paths);
-    void takeUnreadable(const QStringList &folders);
+    void takeUnreadable(const QStringList &paths);
     bool isFull(std::size_t waiting) const;
     bool mayGrowBeyondLimit();
     void scanEnded();

@@ -83,9 +83,9 @@ void ImageSet::takeFound(const QStringList &paths)
 }
 
 /// They are told of with the files that cannot be opened.
-void ImageSet::takeUnreadable(const QStringList &folders)
+void ImageSet::takeUnreadable(const QStringList &paths)
 {
-    m_unsupportedFiles += folders;
+    m_unsupportedFiles += paths;
 }
 
 bool ImageSet::isFull(std::size_t waiting) const

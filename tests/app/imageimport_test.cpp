@@ -52,6 +52,7 @@ private Q_SLOTS:
     void reportsUnreadableFiles_data();
     void reportsUnreadableFiles();
     void reportsUnreadableFolders();
+    void reportsNamesThatAreNoText();
     void keepsTheSelection();
     void takesInWhatIsAddedMeanwhile();
     void stopsAndGoesOn();
@@ -120,6 +121,22 @@ void ImageImportTest::reportsUnreadableFolders()
     QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     QCOMPARE(work.alerts.complaints(), QStringList());
     QVERIFY(work.alerts.shown().constFirst().text.startsWith(folder));
+}
+
+void ImageImportTest::reportsNamesThatAreNoText()
+{
+    WorkingSet work;
+    ImageSet set(work.services());
+    const QString folder = QFileInfo(work.photo(QStringLiteral("a.jpg"))).path();
+    const QByteArray name = QFile::encodeName(folder) + "/f\xfcr.jpg"; // Latin-1
+    QVERIFY(QFile::copy(folder + QStringLiteral("/a.jpg"), folder + QStringLiteral("/b.jpg")));
+    QCOMPARE(::rename(QFile::encodeName(folder + QStringLiteral("/b.jpg")).constData(), name.constData()), 0);
+    work.alerts.expect(QStringLiteral("Cannot open the following 1 file(s):"));
+    set.scanImagesAtPaths({folder});
+    QTRY_VERIFY(isIdle(set));
+    QCOMPARE(work.alerts.complaints(), QStringList());
+    QCOMPARE(shownNames(set), QStringLiteral("a"));
+    QVERIFY(work.alerts.shown().constFirst().text.startsWith(folder + QStringLiteral("/f")));
 }
 
 /// Selection and focus stay with their photos when others before them turn out unreadable.

@@ -33,6 +33,8 @@ private Q_SLOTS:
     void moves();
     void removes_data();
     void removes();
+    void selectionCommands_data();
+    void selectionCommands();
     void followsThePhotoThatHasTheFocus();
 
 private:
@@ -333,6 +335,39 @@ void ImageSetTest::removes()
     QCOMPARE(names(m_set->selectedImages()), shownImage);
     QVERIFY(!shown || shown->isLoaded());
     disconnect(m_set.get(), nullptr, this, nullptr);
+}
+
+void ImageSetTest::selectionCommands_data()
+{
+    QTest::addColumn<ImageSelection::View>("view");
+    QTest::addColumn<IndexList>("selected");
+    QTest::addColumn<IndexList>("inverted");
+    QTest::addColumn<int>("shownAfterInversion");
+    QTest::addColumn<int>("shownAfterAll"); // where the second photo had the focus
+    using enum ImageSelection::View;
+    QTest::newRow("grid") << Grid << IndexList{0, 2} << IndexList{1, 3} << 1 << 1;
+    QTest::newRow("table") << Table << IndexList{3} << IndexList{0, 1, 2} << 0 << 0;
+    QTest::newRow("all are selected") << Grid << IndexList{0, 1, 2, 3} << IndexList{} << -1 << 1;
+}
+
+void ImageSetTest::selectionCommands()
+{
+    QFETCH(ImageSelection::View, view);
+    QFETCH(IndexList, selected);
+    ImageSelection selection;
+    selection.setView(view);
+    selection.reset(4);
+    selection.select(selected + IndexList{4, -1} + selected, 1);
+    QCOMPARE(selection.selectedIndexes(), selected);
+    selection.invertSelection();
+    QTEST(selection.selectedIndexes(), "inverted");
+    QTEST(selection.shownImageIndex(), "shownAfterInversion");
+    selection.select(selected, 1);
+    selection.selectAll();
+    QCOMPARE(selection.selectedIndexes(), IndexList({0, 1, 2, 3}));
+    QTEST(selection.shownImageIndex(), "shownAfterAll");
+    selection.selectNone();
+    QVERIFY(selection.selectedIndexes().isEmpty() && selection.focusIndex() == ImageSelection::kNone);
 }
 
 /// In Large Batch mode a photo is loaded when the user looks at it, and goes when it cannot be.
