@@ -41,7 +41,8 @@ struct OpenPicture {
         const qint64 canvas = qint64(measure.canvas.width()) * measure.canvas.height();
         const qint64 sampleBytes = isDeep() ? 2 : 1;
         const qint64 planes = (hasAlpha ? 4 : 3) * sampleBytes;
-        return canvas * planes * (isTurnedByLibrary ? 3 : 2) + measure.largestPixels * (3 * sampleBytes + 3);
+        return canvas * planes * (isTurnedByLibrary ? 3 : 2) +
+               measure.largestPixels * ((hasAlpha ? 6 : 3) * sampleBytes + 3);
     }
 };
 
