@@ -164,6 +164,11 @@ int RawStream::jpeg_src(void *decompressor)
         if (level < 0)
             static_cast<RawStream *>(any->client_data)->m_hasDamagedJpeg = true;
     };
+    // LibRaw throws at an error, too, but leaves the decompressor's memory behind.
+    jpeg->err->error_exit = [](j_common_ptr any) {
+        jpeg_destroy(any);
+        throw LIBRAW_EXCEPTION_DECODE_JPEG;
+    };
     return LibRaw_abstract_datastream::jpeg_src(decompressor);
 }
 
