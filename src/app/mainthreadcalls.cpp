@@ -7,10 +7,8 @@ namespace plexa
 
 void MainThreadCalls::post(std::function<void()> call)
 {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_calls.push_back(std::move(call));
-    }
+    const std::lock_guard lock(m_mutex);
+    m_calls.push_back(std::move(call));
     QMetaObject::invokeMethod(this, "runNext", Qt::QueuedConnection);
 }
 

@@ -15,8 +15,8 @@ namespace plexa
 /// the order in which they came, and the worker does not wait. What is still waiting when the object is
 /// destroyed is dropped.
 ///
-/// The functions pass through a lock of our own, not through Qt's event queue, so that the thread sanitizer
-/// sees the hand-over.
+/// The functions, and the events that call them, pass through a lock of our own, since the thread sanitizer
+/// cannot see into Qt's event queue.
 class MainThreadCalls final : public QObject
 {
     Q_OBJECT

@@ -88,13 +88,17 @@ void StatusManager::setNSelectedImages(qint64 count)
 void StatusManager::update()
 {
     // One event stands for all changes up to the moment when it is handled.
-    if (!m_isUpdateQueued.exchange(true))
+    const std::lock_guard lock(m_mutex);
+    if (!std::exchange(m_isUpdateQueued, true))
         QMetaObject::invokeMethod(this, "makeLine", Qt::QueuedConnection);
 }
 
 void StatusManager::makeLine()
 {
-    m_isUpdateQueued = false;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_isUpdateQueued = false;
+    }
     StatusLine line = lineOfOperations();
     if (!line.canBeStopped)
         line.text = lineOfImages();

@@ -7,7 +7,6 @@
 #include <QObject>
 #include <QString>
 
-#include <atomic>
 #include <mutex>
 
 namespace plexa
@@ -82,7 +81,7 @@ private:
 
     mutable std::mutex m_mutex;
     std::vector<Entry> m_currentOperations; // guarded by m_mutex
-    std::atomic_bool m_isUpdateQueued = false;
+    bool m_isUpdateQueued = false;          // guarded by m_mutex
 
     std::shared_ptr<const ImageList> m_images;
     std::shared_ptr<const ImageList> m_imagesFiltered;
