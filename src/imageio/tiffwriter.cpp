@@ -316,6 +316,7 @@ private:
         // Many programs write IPTC as numbers of four bytes; then some readers turn them around.
         return putBlock(TIFFTAG_XMLPACKET, kByte, options.xmp) &&
                putBlock(TIFFTAG_RICHTIFFIPTC, kUndefined, options.iptc) &&
+               putBlock(TIFFTAG_PHOTOSHOP, kByte, options.imageResources) &&
                putBlock(TIFFTAG_ICCPROFILE, kUndefined, srgbProfile());
     }
 

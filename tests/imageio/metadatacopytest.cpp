@@ -242,7 +242,7 @@ void MetadataCopyTest::clearingsReachEveryPhoto()
             properties.remove(kCGImagePropertyExifDictionary);
             properties.remove(kCGImagePropertyExifAuxDictionary);
         }
-        return metadata.encodeForCopy(properties, {QSize(16, 16), 0, kMaxJpegExif, cleared});
+        return metadata.encodeForCopy(properties, {QSize(16, 16), 0, kMaxJpegExif, true, cleared});
     });
     const auto records = test::exiftoolRecords(copies.values(), options);
     int withSomething = 0;
