@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/embeddedmetadata.h"
-#include "imageio/jpegsegments.h"
+#include "imageio/imageresources.h"
 #include "pictures.h"
 
 #include <QColor>
@@ -434,7 +434,7 @@ void TiffReadingTest::iptcIsFoundInAllForms()
                                QByteArray("\x1c\x02\x3c\x00\x06"
                                           "101112",
                                           11); // time, without a zone
-    QByteArray stored = tag == 34377 ? iptcResourceBlock(records) : records;
+    QByteArray stored = tag == 34377 ? imageResourceBlocks(records, {}) : records;
     stored.append((4 - stored.size() % 4) % 4, '\0');
     if (isTurned) {
         for (qsizetype at = 0; at < stored.size(); at += 4)
