@@ -19,14 +19,6 @@ bool isIn(const WPresetList &presets, const WPreset *preset)
                        [preset](const auto &one) { return one.get() == preset; });
 }
 
-QList<int> cleanedRows(QList<int> rows, std::size_t count)
-{
-    rows.removeIf([count](int row) { return row < 0 || static_cast<std::size_t>(row) >= count; });
-    std::sort(rows.begin(), rows.end());
-    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-    return rows;
-}
-
 } // namespace
 
 AppliedPresets::AppliedPresets(UserDefaults &defaults)
@@ -89,7 +81,7 @@ std::shared_ptr<WPreset> AppliedPresets::currentWPreset() const
     return selected->validPreset() ? selected : nullptr;
 }
 
-void AppliedPresets::setApplied(WPresetList presets, const QList<int> &selectedRows)
+void AppliedPresets::setApplied(WPresetList presets, const IndexList &selectedRows)
 {
     if (presets == m_wPresetsApplied)
         return;
@@ -154,7 +146,7 @@ void AppliedPresets::removeFromApplied(const WPreset *preset)
     if (found == m_wPresetsApplied.end())
         return;
     const auto removed = static_cast<int>(found - m_wPresetsApplied.begin());
-    QList<int> selected;
+    IndexList selected;
     for (const int row : std::as_const(m_selectedRows)) {
         if (row != removed)
             selected.append(row < removed ? row : row - 1);
@@ -164,14 +156,14 @@ void AppliedPresets::removeFromApplied(const WPreset *preset)
     setApplied(std::move(remaining), selected);
 }
 
-void AppliedPresets::moveAppliedPresets(const QList<int> &rows, int toRow)
+void AppliedPresets::moveAppliedPresets(const IndexList &rows, int toRow)
 {
     const auto count = static_cast<int>(m_wPresetsApplied.size());
-    const QList<int> moved = cleanedRows(rows, m_wPresetsApplied.size());
+    const IndexList moved = cleanedIndexes(rows, m_wPresetsApplied.size());
     toRow = std::clamp(toRow, 0, count);
 
     // The new order as former rows, so that presets and selection follow it alike.
-    QList<int> order;
+    IndexList order;
     for (int row = 0; row < count; ++row) {
         if (!moved.contains(row))
             order.append(row);
@@ -181,7 +173,7 @@ void AppliedPresets::moveAppliedPresets(const QList<int> &rows, int toRow)
         order.insert(target++, row);
 
     WPresetList presets;
-    QList<int> selected;
+    IndexList selected;
     for (const int formerRow : std::as_const(order)) {
         if (m_selectedRows.contains(formerRow))
             selected.append(static_cast<int>(presets.size()));
@@ -190,9 +182,9 @@ void AppliedPresets::moveAppliedPresets(const QList<int> &rows, int toRow)
     setApplied(std::move(presets), selected);
 }
 
-void AppliedPresets::selectRows(const QList<int> &rows)
+void AppliedPresets::selectRows(const IndexList &rows)
 {
-    const QList<int> clean = cleanedRows(rows, m_wPresetsApplied.size());
+    const IndexList clean = cleanedIndexes(rows, m_wPresetsApplied.size());
     if (clean == m_selectedRows)
         return;
     m_selectedRows = clean;

@@ -2,10 +2,10 @@
 
 #pragma once
 
+#include "app/indexlist.h"
 #include "app/presetlist.h"
 #include "images/imageobject.h"
 
-#include <QList>
 #include <QObject>
 
 namespace plexa
@@ -52,11 +52,11 @@ public:
     /// For a preset that the user has deleted.
     void removeFromApplied(const WPreset *preset);
     /// Puts these rows, in their order, before the row `toRow`.
-    void moveAppliedPresets(const QList<int> &rows, int toRow);
+    void moveAppliedPresets(const IndexList &rows, int toRow);
 
     /// Ascending.
-    const QList<int> &selectedRows() const { return m_selectedRows; }
-    void selectRows(const QList<int> &rows);
+    const IndexList &selectedRows() const { return m_selectedRows; }
+    void selectRows(const IndexList &rows);
     /// Round and round.
     void selectNeighborAppliedPreset(Neighbor neighbor);
 
@@ -76,13 +76,13 @@ Q_SIGNALS:
     void previewOutdated();
 
 private:
-    void setApplied(WPresetList presets, const QList<int> &selectedRows);
+    void setApplied(WPresetList presets, const IndexList &selectedRows);
     void observeAll(const WPresetList &former);
 
     UserDefaults &m_defaults;
     std::shared_ptr<WPreset> m_quickWPreset;
     WPresetList m_wPresetsApplied;
-    QList<int> m_selectedRows;
+    IndexList m_selectedRows;
 };
 
 } // namespace plexa

@@ -20,20 +20,10 @@ int ImageSelection::shownImageIndex() const
     return m_selectedIndexes.isEmpty() ? kNone : m_selectedIndexes.first();
 }
 
-/// In order, without repetition, without what is not in the list.
-IndexList ImageSelection::cleaned(const IndexList &indexes) const
-{
-    IndexList clean;
-    std::copy_if(indexes.begin(), indexes.end(), std::back_inserter(clean),
-                 [this](int index) { return index >= 0 && index < m_count; });
-    std::sort(clean.begin(), clean.end());
-    clean.erase(std::unique(clean.begin(), clean.end()), clean.end());
-    return clean;
-}
-
 void ImageSelection::select(const IndexList &indexes, int focus)
 {
-    take(cleaned(indexes), focus >= 0 && focus < m_count ? focus : kNone);
+    take(cleanedIndexes(indexes, static_cast<std::size_t>(m_count)),
+         focus >= 0 && focus < m_count ? focus : kNone);
 }
 
 /// Both are settled before anybody hears of either.
@@ -50,7 +40,7 @@ void ImageSelection::take(const IndexList &indexes, int focus)
 
 void ImageSelection::selectIndexes(const IndexList &indexes)
 {
-    const IndexList clean = cleaned(indexes);
+    const IndexList clean = cleanedIndexes(indexes, static_cast<std::size_t>(m_count));
     take(clean, clean.isEmpty() ? kNone : clean.first());
 }
 

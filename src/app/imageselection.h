@@ -2,14 +2,12 @@
 
 #pragma once
 
-#include <QList>
+#include "app/indexlist.h"
+
 #include <QObject>
 
 namespace plexa
 {
-
-/// Indexes without repetition, ascending.
-using IndexList = QList<int>;
 
 /// What is selected in the shown list, and which photo has the focus, for the grid and the table alike. Knows
 /// how many photos are shown, not which. Main thread.
@@ -23,6 +21,7 @@ public:
     /// What stands for the shown photo: in the grid the focus, in the table the first selected row.
     enum class View { Grid, Table };
 
+    /// Ascending, each once.
     const IndexList &selectedIndexes() const { return m_selectedIndexes; }
     bool isSelected(int index) const;
     int focusIndex() const { return m_focusIndex; }
@@ -57,7 +56,6 @@ Q_SIGNALS:
     void focusImageChanged(int to, int from);
 
 private:
-    IndexList cleaned(const IndexList &indexes) const;
     void take(const IndexList &indexes, int focus);
 
     int m_count = 0;

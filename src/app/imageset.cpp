@@ -279,13 +279,9 @@ void ImageSet::moveIndexes(const IndexList &indexes, int toIndex)
 {
     const auto shownCount = static_cast<int>(m_imagesFiltered->size());
     toIndex = std::clamp(toIndex, 0, shownCount);
-    IndexList sorted = indexes;
-    std::sort(sorted.begin(), sorted.end());
     ImageList moved;
-    for (int index = 0; index < shownCount; ++index) {
-        if (std::binary_search(sorted.begin(), sorted.end(), index))
-            moved.push_back((*m_imagesFiltered)[static_cast<std::size_t>(index)]);
-    }
+    for (const int index : cleanedIndexes(indexes, m_imagesFiltered->size()))
+        moved.push_back((*m_imagesFiltered)[static_cast<std::size_t>(index)]);
     if (moved.empty())
         return;
     const int focus = m_selection.focusIndex();

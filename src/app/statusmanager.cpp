@@ -29,14 +29,20 @@ StatusManager::StatusManager()
     m_line.text = lineOfImages();
 }
 
+/// The end when the operation is not running. Called with the lock held.
+std::vector<StatusManager::Entry>::iterator StatusManager::lastEntry(StatusOperation operation)
+{
+    const auto last = std::find_if(m_currentOperations.rbegin(), m_currentOperations.rend(),
+                                   [operation](const Entry &entry) { return entry.operation == operation; });
+    return last == m_currentOperations.rend() ? m_currentOperations.end() : std::prev(last.base());
+}
+
 void StatusManager::startOperation(StatusOperation operation)
 {
     {
         const std::lock_guard lock(m_mutex);
-        for (const Entry &entry : m_currentOperations) {
-            if (entry.operation == operation)
-                return;
-        }
+        if (lastEntry(operation) != m_currentOperations.end())
+            return;
         m_currentOperations.push_back({operation, 0});
     }
     update();
@@ -46,11 +52,10 @@ bool StatusManager::endOperation(StatusOperation operation)
 {
     {
         const std::lock_guard lock(m_mutex);
-        const auto isIt = [operation](const Entry &entry) { return entry.operation == operation; };
-        const auto last = std::find_if(m_currentOperations.rbegin(), m_currentOperations.rend(), isIt);
-        if (last == m_currentOperations.rend())
+        const auto entry = lastEntry(operation);
+        if (entry == m_currentOperations.end())
             return false;
-        m_currentOperations.erase(std::next(last).base());
+        m_currentOperations.erase(entry);
     }
     update();
     return true;
@@ -60,11 +65,10 @@ bool StatusManager::setProgress(float progress, StatusOperation operation)
 {
     {
         const std::lock_guard lock(m_mutex);
-        const auto isIt = [operation](const Entry &entry) { return entry.operation == operation; };
-        const auto last = std::find_if(m_currentOperations.rbegin(), m_currentOperations.rend(), isIt);
-        if (last == m_currentOperations.rend())
+        const auto entry = lastEntry(operation);
+        if (entry == m_currentOperations.end())
             return false;
-        last->progress = progress;
+        entry->progress = progress;
     }
     update();
     return true;

@@ -75,6 +75,7 @@ private:
         float progress;
     };
 
+    std::vector<Entry>::iterator lastEntry(StatusOperation operation);
     Q_INVOKABLE void makeLine();
     StatusLine lineOfOperations() const;
     QString lineOfImages() const;

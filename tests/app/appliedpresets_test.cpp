@@ -11,7 +11,7 @@
 using namespace plexa;
 using namespace plexa::test;
 
-using Rows = QList<int>;
+using Rows = IndexList;
 
 class AppliedPresetsTest : public QObject
 {

@@ -282,7 +282,7 @@ void BackgroundOperationsTest::pastesOntoALockedPhoto()
     m_app->stopAllOperations();
     QTRY_VERIFY(!m_app->manualPositions().isPasting());
     photo(1).unlock();
-    QVERIFY(!has(1));
+    QVERIFY(!has(1) && !has(2));
     QTRY_VERIFY(!m_app->statusManager().line().canBeStopped);
 }
 

@@ -233,19 +233,23 @@ void ImageImportTest::removedMeanwhile()
     WorkingSet work;
     ImageSet set(work.services());
     const Mirror mirror(set);
-    QStringList paths;
     for (int i = 0; i < 100; ++i)
-        paths.append(i % 2 ? work.brokenPhoto(QStringLiteral("bad%1.jpg").arg(i))
-                           : work.photo(QStringLiteral("good%1.jpg").arg(i)));
-    for (const QString &path : paths)
-        set.addImage(path, {});
+        set.addImage(i < 50 ? work.brokenPhoto(QStringLiteral("bad%1.jpg").arg(i))
+                            : work.photo(QStringLiteral("good%1.jpg").arg(i)),
+                     {});
+    // Two are being loaded when they are removed, all others are done.
+    const ImageList held(set.images()->begin(), set.images()->begin() + 2);
+    for (const auto &image : held)
+        image->lock();
     set.importMissingImages();
+    QTRY_VERIFY(set.images()->back()->isLoaded());
     set.filterImages(QStringLiteral("bad"));
     set.selection().selectAll();
     set.removeSelectedImages();
-    set.moveIndexes({0}, 1);
     set.filterImages({});
     set.moveIndexes({3, 4, 5}, 0);
+    for (const auto &image : held)
+        image->unlock();
     QTRY_VERIFY(isIdle(set));
     // What the user has removed himself is no news to him.
     QCOMPARE(work.alerts.shown().size(), 0);
