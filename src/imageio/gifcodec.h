@@ -19,6 +19,8 @@ public:
     [[nodiscard]] Result<std::unique_ptr<RowWriter>> openWriter(QIODevice &device, const RowFormat &format,
                                                                 const WriteOptions &options) const override;
     qint64 writerBytes(const RowFormat &format, const WriteOptions &options) const override;
+    bool writesIptc() const override { return false; }
+    bool holdsThumbnail() const override { return false; }
 };
 
 } // namespace plexa

@@ -58,13 +58,21 @@ bool areBeginnings(const QStringList &texts, const QStringList &whole)
                       [](const QString &text, const QString &longer) { return longer.startsWith(text); });
 }
 
+/// IIM ends lines with CR, XML with LF; they are the same text.
+QStringList withXmlLineEnds(QStringList texts)
+{
+    for (QString &text : texts)
+        text.replace(u"\r\n"_qs, u"\n"_qs).replace(u'\r', u'\n');
+    return texts;
+}
+
 void putField(Exiv2::XmpData &xmp, const MetadataField &field, const QVariantMap &iptc)
 {
     const QVariant value = iptc.value(field.key);
-    QStringList texts = xmpTexts(field.kind, value);
+    QStringList texts = withXmlLineEnds(xmpTexts(field.kind, value));
     const QVariant present = xmpField(xmp, field);
     if (texts.isEmpty() || samePropertyValue(value, present) ||
-        (present.isValid() && areBeginnings(texts, xmpTexts(field.kind, present))))
+        (present.isValid() && areBeginnings(texts, withXmlLineEnds(xmpTexts(field.kind, present)))))
         return;
     if (field.key == kCGImagePropertyIPTCDateCreated)
         texts.first() += timeText(iptc.value(kCGImagePropertyIPTCTimeCreated).toString());

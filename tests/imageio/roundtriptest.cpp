@@ -48,6 +48,16 @@ bool mayBeAdded(const QString &tag, const QString &type)
            (tag.startsWith(u"XMP:") && !groupsOf(type.toLatin1()).contains(u"IPTC"_qs));
 }
 
+/// Does a copy of this format lack or change the value for a reason of its own?
+bool mayDifferIn(const QString &type, const QString &tag, const QJsonObject &source)
+{
+    // There is no IPTC record that it could be a digest of.
+    if (!groupsOf(type.toLatin1()).contains(u"IPTC"_qs) && tag.endsWith(u"LegacyIPTCDigest"))
+        return true;
+    // A resolution of nothing is none, and a TIFF has to say one.
+    return tag.endsWith(u"Resolution") && source[tag].toDouble() == 0;
+}
+
 /// The bytes between which a format keeps its pixels can be anything; this picture compresses to a few
 /// hundred of them.
 qsizetype pictureStarts(const QByteArray &file)
@@ -155,6 +165,9 @@ void RoundTripTest::copyKeepsMetadata()
     for (auto path = copies.begin(); path != copies.end(); ++path) {
         const QJsonObject source = m_sources.value(path.key());
         const QJsonObject copy = records.value(path.value());
+        // exiftool takes a QuickTake's raw data for a PICT, and knows nothing of what they say.
+        if (source[u"File:MIMEType"_qs].toString() == u"image/pict")
+            continue;
         const auto isCompared = [&](const QString &tag) {
             return groups.contains(tag.section(u':', 0, 0)) && !test::mayDiffer(tag);
         };
@@ -173,7 +186,7 @@ void RoundTripTest::copyKeepsMetadata()
             if (!isCompared(tag.key()) || isEmpty || isVainDigest)
                 continue;
             ++compared;
-            if (copy[tag.key()] != tag.value())
+            if (copy[tag.key()] != tag.value() && !mayDifferIn(type, tag.key(), source))
                 fail(tag.key());
         }
         for (auto tag = copy.begin(); tag != copy.end(); ++tag) {
