@@ -276,6 +276,7 @@ void BackgroundOperationsTest::pastesOntoALockedPhoto()
     // What waits behind a pasting that is stopped does not begin.
     m_app->resetManualPositioning(AppController::Presets::All);
     photo(1).lock();
+    m_app->imageSet().selection().selectIndexes({1});
     m_app->pasteManualPositioning();
     m_app->imageSet().selection().selectIndexes({2});
     m_app->pasteManualPositioning();
