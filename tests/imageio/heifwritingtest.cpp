@@ -5,6 +5,7 @@
 #include "presets/savingpreset.h"
 
 #include <QColorSpace>
+#include <QFileInfo>
 #include <QTest>
 
 using namespace plexa;
@@ -25,6 +26,8 @@ private Q_SLOTS:
     void anySizeIsKept();
     void samplingFollowsQuality_data();
     void samplingFollowsQuality();
+    void qualityMeansWhatItDoesForJpeg_data();
+    void qualityMeansWhatItDoesForJpeg();
     void metadataFollow_data();
     void metadataFollow();
     void recordsMoveToXmp();
@@ -56,6 +59,21 @@ namespace
 {
 
 constexpr const char *kHeic = "image/heic";
+
+/// The mean of the squared differences of the channels; for opaque pictures of one size.
+double meanSquare(const QImage &a, const QImage &b)
+{
+    double sum = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            const QRgb p = a.pixel(x, y);
+            const QRgb q = b.pixel(x, y);
+            for (const int difference : {qRed(p) - qRed(q), qGreen(p) - qGreen(q), qBlue(p) - qBlue(q)})
+                sum += difference * difference;
+        }
+    }
+    return sum / (3.0 * a.width() * a.height());
+}
 
 } // namespace
 
@@ -171,6 +189,33 @@ void HeifWritingTest::samplingFollowsQuality()
     const auto copy = ImageSource::open(path);
     QVERIFY(copy);
     QCOMPARE(copy->info().chromaSampling, sampling);
+}
+
+void HeifWritingTest::qualityMeansWhatItDoesForJpeg_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<double>("quality");
+    for (const char *name : {"jpeg/htc-desire.jpg", "jpeg/olympus-e-p3.jpg", "jpeg/pentax-ist-d.jpg"}) {
+        for (const double quality : {0.5, 0.8, 0.9})
+            QTest::addRow("%s, %g", name, quality) << QString::fromLatin1(name) << quality;
+    }
+}
+
+/// As close to the source as a JPEG of that quality, or nearly so, in fewer bytes.
+void HeifWritingTest::qualityMeansWhatItDoesForJpeg()
+{
+    NEEDS_PHOTOS();
+    QFETCH(QString, name);
+    QFETCH(double, quality);
+    const QString heic = m_folder.path(u"copy.heic"_s);
+    const QString jpeg = m_folder.path(u"copy.jpg"_s);
+    QVERIFY(putFile(heic, copied(photo(name), kHeic, quality)));
+    QVERIFY(putFile(jpeg, copied(photo(name), "image/jpeg", quality)));
+    const QImage source = decoded(photo(name));
+    const double heicLoss = meanSquare(decoded(heic), source);
+    const double jpegLoss = meanSquare(decoded(jpeg), source);
+    QVERIFY2(heicLoss < jpegLoss * 1.6, qPrintable(u"%1 against %2"_s.arg(heicLoss).arg(jpegLoss))); // 2 dB
+    QVERIFY(QFileInfo(heic).size() < QFileInfo(jpeg).size());
 }
 
 void HeifWritingTest::metadataFollow_data()
