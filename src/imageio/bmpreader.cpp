@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/bmpcodec.h"
+#include "imageio/endwatch.h"
 #include "imageio/qtcodec.h"
+#include "imageio/readfailures.h"
+
+#include <QtEndian>
 
 namespace plexa
 {
@@ -15,6 +19,16 @@ const QtCodec &qtCodec()
     return codec;
 }
 
+/// Where the pixels begin: what is asked for there has to be there.
+qint64 pixelsBegin(QIODevice &device)
+{
+    constexpr qint64 kSmallestHeaders = 26;
+    char field[4] = {};
+    if (!device.seek(10) || device.read(field, sizeof field) != qint64(sizeof field))
+        return kSmallestHeaders;
+    return qMax(kSmallestHeaders, qint64(qFromLittleEndian<quint32>(field)));
+}
+
 } // namespace
 
 Result<PictureInfo> BmpCodec::readInfo(QIODevice &device, const ReadLimits &limits) const
@@ -25,7 +39,12 @@ Result<PictureInfo> BmpCodec::readInfo(QIODevice &device, const ReadLimits &limi
 Result<std::unique_ptr<RowReader>> BmpCodec::openReader(QIODevice &device, const ReadLimits &limits,
                                                         int reduction) const
 {
-    return qtCodec().openReader(device, limits, reduction);
+    // The plugin gives a picture whose data end early as if it were whole.
+    EndWatch watch(device, pixelsBegin(device));
+    auto reader = qtCodec().openReader(watch, limits, reduction);
+    if (watch.hasEndedEarly())
+        return fail(ReadFailures::endsEarly());
+    return reader; // which holds the whole picture, and the watch no more
 }
 
 } // namespace plexa

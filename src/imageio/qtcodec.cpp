@@ -139,6 +139,19 @@ void fillSamples(QImage &image, const std::array<int, 4> &bits)
     }
 }
 
+/// A picture for the plugin to decode into: what damaged data leave out is black then, and not what the
+/// memory held before. Null where the plugin says too little; then it makes a picture itself.
+QImage clearedPicture(const QImageReader &reader)
+{
+    const QImage::Format format = reader.imageFormat();
+    if (!reader.size().isValid() || format == QImage::Format_Invalid)
+        return {};
+    QImage image(reader.size(), format);
+    if (!image.isNull())
+        std::fill_n(image.bits(), image.sizeInBytes(), uchar(0));
+    return image;
+}
+
 /// Changes the picture to 8-bit sRGB rows of the announced kind.
 QImage toRows(QImage image, const PictureHeader &header, bool hasAlpha)
 {
@@ -269,7 +282,7 @@ Result<std::unique_ptr<RowReader>> QtCodec::openReader(QIODevice &device, const 
     if (const auto prepared = prepare(reader, device, m_qtFormat, m_choice, header.size, limits); !prepared)
         return tl::unexpected(prepared.error());
     const bool hasAlpha = announcesAlpha(reader, header);
-    QImage image;
+    QImage image = clearedPicture(reader);
     if (!reader.read(&image))
         return fail(reasonOf(reader, device));
     if (const auto checked = ReadFailures::checkSize(image.size(), limits); !checked)

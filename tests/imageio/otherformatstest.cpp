@@ -26,6 +26,9 @@ private Q_SLOTS:
     void fewBitsReachWhite();
     void tgaOfOtherPrograms_data();
     void tgaOfOtherPrograms();
+    void cutBitmapFails_data();
+    void cutBitmapFails();
+    void skippedPixelsAreBlank();
     void cutTgaFails_data();
     void cutTgaFails();
     void largestIconIsRead_data();
@@ -297,6 +300,58 @@ void OtherFormatsTest::tgaOfOtherPrograms()
     QCOMPARE(error, colors.isEmpty() ? u"not a picture that can be read"_qs : QString());
     for (int i = 0; i < colors.size(); ++i)
         QCOMPARE(QString::number(image.pixel(i % 2, i / 2), 16), QString::number(colors[i], 16));
+}
+
+void OtherFormatsTest::cutBitmapFails_data()
+{
+    QTest::addColumn<QString>("options");
+    QTest::newRow("24 bits") << u"-type TrueColor bmp3:"_qs;
+    QTest::newRow("palette") << u"-colors 200 -type Palette bmp3:"_qs;
+    QTest::newRow("runs") << u"-colors 200 -type Palette -compress RLE bmp3:"_qs;
+    QTest::newRow("1 bit") << u"-monochrome bmp3:"_qs;
+    QTest::newRow("OS/2") << u"-type TrueColor bmp2:"_qs;
+}
+
+/// The plugin takes what is missing for whatever the memory held.
+void OtherFormatsTest::cutBitmapFails()
+{
+    NEEDS_MAGICK();
+    QFETCH(QString, options);
+    const QString path = m_folder.path(u"whole.bmp"_qs);
+    outputOf(magickConvert(), QStringList{m_origin} + options.split(u' ').mid(0, options.count(u' ')) +
+                                  QStringList{options.section(u' ', -1) + path});
+    const QByteArray bytes = contentsOf(path);
+    QString error;
+    QVERIFY2(!decoded(path, &error).isNull(), qPrintable(error));
+    const quint32 start = qFromLittleEndian<quint32>(bytes.constData() + 10);
+    for (qsizetype length = start; length < bytes.size(); length += 101) {
+        QVERIFY(putFile(m_folder.path(u"cut.bmp"_qs), bytes.first(length)));
+        QVERIFY(decoded(m_folder.path(u"cut.bmp"_qs), &error).isNull());
+        QCOMPARE(error, u"the picture data end early"_qs);
+    }
+    if (!options.contains(u"TrueColor"_qs))
+        return; // ImageMagick puts bytes behind these pixels
+    QVERIFY(putFile(m_folder.path(u"cut.bmp"_qs), bytes.chopped(1)));
+    QVERIFY(decoded(m_folder.path(u"cut.bmp"_qs)).isNull());
+}
+
+/// Runs may leave pixels out; those are of the palette's first colour.
+void OtherFormatsTest::skippedPixelsAreBlank()
+{
+    const QByteArray palette = littleEndian(0x102030) + littleEndian(0xffffff);
+    QByteArray file = bitmap({40, 30}, 8, 40, 1, palette,
+                             QByteArray("\0\2\x10\x10"
+                                        "\1\1\0\1",
+                                        8));
+    file.replace(46, 4, littleEndian(2)); // colours used
+    const QString path = m_folder.path(u"skips.bmp"_qs);
+    QVERIFY(putFile(path, file));
+    const QImage image = decoded(path);
+    QCOMPARE(image.size(), QSize(40, 30));
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            QCOMPARE(image.pixel(x, y), x == 16 && y == 13 ? 0xffffffff : 0xff102030);
+    }
 }
 
 void OtherFormatsTest::cutTgaFails_data()
