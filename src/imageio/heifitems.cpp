@@ -6,6 +6,9 @@
 
 #include <QtEndian>
 
+#include <algorithm>
+#include <vector>
+
 namespace plexa
 {
 
@@ -17,6 +20,8 @@ constexpr qint64 kMaxMetaBytes = 32'000'000;
 constexpr int kMaxTopLevelBoxes = 1000;
 constexpr qsizetype kMaxItems = 10'000;
 constexpr qsizetype kMaxExtents = 100'000; // of all items; one may take no bytes in the box
+constexpr qsizetype kMaxLinks = 200'000;   // between items, and from items to their properties
+constexpr qsizetype kMaxTurns = 16;        // of an item; there are three kinds
 
 /// Numbers of a box, from its front; behind the end there are zeros, and isWhole turns false.
 class BoxReader
@@ -63,6 +68,21 @@ private:
 struct Box {
     QByteArray type;
     QByteArrayView payload;
+};
+
+/// What items may share; many of them can point to one.
+struct Property {
+    Box box;
+    QByteArray contents; ///< what an item keeps of it: one copy for all
+
+    explicit Property(const Box &of)
+        : box(of)
+    {
+        if (box.type == "hvcC" || box.type == "av1C")
+            contents = box.payload.toByteArray();
+        else if (box.type == "auxC" && box.payload.size() > 4)
+            contents = box.payload.sliced(4).toByteArray(); // behind version and flags
+    }
 };
 
 /// The next box inside of a box. @return an empty type when it does not fit
@@ -196,11 +216,17 @@ private:
                 reader.number(indexBytes);
                 const quint64 offset = base + reader.number(bytesOf(12));
                 const quint64 length = reader.number(bytesOf(8));
-                constexpr quint64 kMax = quint64(1) << 62;
+                constexpr quint64 kMax = quint64(1) << 61;
                 if (offset > kMax || length > kMax || ++m_extents > kMaxExtents)
                     return false;
-                if (item)
-                    item->extents.append({qint64(offset), qint64(length)});
+                if (!item)
+                    continue;
+                const qint64 start = item->extents.isEmpty()
+                                         ? 0
+                                         : item->extents.constLast().start + item->extents.constLast().length;
+                if (quint64(start) > kMax)
+                    return false;
+                item->extents.append({qint64(offset), qint64(length), start});
             }
             if (item) {
                 item->isInDataBox = method == 1;
@@ -210,32 +236,32 @@ private:
         return reader.isWhole;
     }
 
-    static void applyProperty(HeifItem &item, const Box &property)
+    static void applyProperty(HeifItem &item, const Property &property)
     {
-        BoxReader reader(property.payload);
-        if (property.type == "ispe") {
+        const QByteArray &type = property.box.type;
+        BoxReader reader(property.box.payload);
+        if (type == "ispe") {
             const FullBox head(reader);
             const quint32 width = reader.word();
             const quint32 height = reader.word();
             constexpr quint32 kMax = 0x7fffffff;
             item.size = QSize(int(qMin(width, kMax)), int(qMin(height, kMax)));
-        } else if (property.type == "hvcC" || property.type == "av1C") {
-            item.configuration = property.payload.toByteArray();
-        } else if (property.type == "irot" || property.type == "imir" || property.type == "clap") {
-            const std::optional<HeifTurn> turn = HeifTurn::fromBox(property.type, property.payload);
-            item.hasSoundTurns = item.hasSoundTurns && turn;
-            if (turn)
+        } else if (type == "hvcC" || type == "av1C") {
+            item.configuration = property.contents;
+        } else if (type == "irot" || type == "imir" || type == "clap") {
+            const std::optional<HeifTurn> turn = HeifTurn::fromBox(type, property.box.payload);
+            item.hasSoundTurns = item.hasSoundTurns && turn && item.turns.size() < kMaxTurns;
+            if (item.hasSoundTurns)
                 item.turns.append(*turn);
-        } else if (property.type == "auxC") {
-            const FullBox head(reader);
-            item.auxiliaryType = reader.rest().toByteArray();
+        } else if (type == "auxC") {
+            item.auxiliaryType = property.contents;
         }
     }
 
     bool parseProperties(QByteArrayView payload)
     {
         BoxReader reader(payload);
-        QList<Box> properties;
+        std::vector<Property> properties;
         QList<QByteArrayView> associations;
         while (reader.isWhole && !reader.atEnd()) {
             const Box box = nextBox(reader);
@@ -244,8 +270,8 @@ private:
             if (box.type != "ipco")
                 continue;
             BoxReader list(box.payload);
-            while (list.isWhole && !list.atEnd() && properties.size() < kMaxItems)
-                properties.append(nextBox(list));
+            while (list.isWhole && !list.atEnd() && properties.size() < size_t(kMaxItems))
+                properties.emplace_back(nextBox(list));
             if (!list.isWhole || !list.atEnd())
                 return false;
         }
@@ -255,7 +281,7 @@ private:
         return isSound;
     }
 
-    bool parseAssociations(QByteArrayView payload, const QList<Box> &properties)
+    bool parseAssociations(QByteArrayView payload, const std::vector<Property> &properties)
     {
         BoxReader reader(payload);
         const FullBox head(reader);
@@ -264,8 +290,10 @@ private:
             HeifItem *item = find(quint32(reader.number(head.version == 0 ? 2 : 4)));
             for (auto links = int(reader.number(1)); links > 0 && reader.isWhole; --links) {
                 const quint64 index = reader.number(isWide ? 2 : 1) & (isWide ? 0x7fff : 0x7f);
-                if (item && index > 0 && index <= quint64(properties.size()))
-                    applyProperty(*item, properties[qsizetype(index) - 1]);
+                if (++m_links > kMaxLinks)
+                    return false;
+                if (item && index > 0 && index <= properties.size())
+                    applyProperty(*item, properties[index - 1]);
             }
         }
         return reader.isWhole;
@@ -282,6 +310,8 @@ private:
             const auto from = quint32(list.number(idBytes));
             for (quint64 count = list.number(2); count > 0 && list.isWhole; --count) {
                 const auto to = quint32(list.number(idBytes));
+                if (++m_links > kMaxLinks)
+                    return false;
                 if (HeifItem *derived = box.type == "dimg" ? find(from) : nullptr)
                     derived->parts.append(to);
                 if (HeifItem *master = box.type == "auxl" ? find(to) : nullptr)
@@ -296,6 +326,7 @@ private:
     }
 
     qsizetype m_extents = 0;
+    qsizetype m_links = 0;
 };
 
 /// The payload of the file's box of metadata.
@@ -350,13 +381,15 @@ Result<HeifItems> HeifItems::read(QIODevice &device)
 QByteArray HeifItems::bytes(QIODevice &device, const HeifItem &item, qint64 offset, qint64 count) const
 {
     QByteArray result;
-    for (const HeifItem::Extent &extent : item.extents) {
-        if (offset >= extent.length) {
-            offset -= extent.length;
-            continue;
-        }
-        const qint64 wanted = qMin(count - result.size(), extent.length - offset);
-        const qint64 at = extent.offset + offset;
+    // The first extent that ends behind the offset: an item may have very many, and be asked very often.
+    const auto first = std::partition_point(
+        item.extents.begin(), item.extents.end(),
+        [offset](const HeifItem::Extent &extent) { return extent.start + extent.length <= offset; });
+    if (first != item.extents.end())
+        offset -= first->start;
+    for (auto extent = first; extent != item.extents.end(); ++extent) {
+        const qint64 wanted = qMin(count - result.size(), extent->length - offset);
+        const qint64 at = extent->offset + offset;
         if (item.isInDataBox)
             result += dataBox.mid(qsizetype(qMin(at, qint64(dataBox.size()))), qsizetype(wanted));
         else if (at < device.size() && device.seek(at))

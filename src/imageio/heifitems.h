@@ -20,6 +20,7 @@ struct HeifItem {
     struct Extent {
         qint64 offset = 0; ///< in the file, or in the item data box
         qint64 length = 0;
+        qint64 start = 0; ///< of its bytes among the item's
     };
 
     QByteArray type;          ///< four letters: "hvc1", "av01", "grid", "Exif", ...

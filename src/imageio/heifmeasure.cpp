@@ -170,6 +170,8 @@ private:
     {
         if (picture.size.isEmpty())
             return {};
+        if (!picture.isSound)
+            return fail(ReadFailures::damaged());
         if (areaOf(picture.size) > areaOf(m_codedSize))
             m_codedSize = picture.size;
         return ReadFailures::checkSize(picture.size, m_limits);

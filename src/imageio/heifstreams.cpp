@@ -2,6 +2,8 @@
 
 #include "imageio/heifstreams.h"
 
+#include <algorithm>
+
 namespace plexa
 {
 
@@ -111,6 +113,31 @@ void skipAv1OperatingPoints(BitReader &reader)
     }
 }
 
+/// ITU-T H.265, 7.4.3.2.1: what the sizes of blocks have to keep to. The decoder sees that, too, and prints
+/// it.
+/// @param reader  behind the size of the picture
+bool hasSoundBlocks(BitReader &reader, int sublayers, quint32 width, quint32 height)
+{
+    if (reader.bit()) { // conformance_window_flag
+        for (int side = 0; side < 4; ++side)
+            reader.golomb();
+    }
+    for (int i = 0; i < 3; ++i) // bit depths, picture order count
+        reader.golomb();
+    const int layers = reader.bit() ? sublayers + 1 : 1;
+    for (int i = 0; i < 3 * layers; ++i)
+        reader.golomb();
+    const quint32 smallest = reader.golomb() + 3; // coding blocks, as powers of two
+    const quint32 largest = smallest + reader.golomb();
+    const quint32 smallestTransform = reader.golomb() + 2;
+    const quint32 largestTransform = smallestTransform + reader.golomb();
+    if (!reader.isWhole)
+        return true; // the decoder gets no further either
+    return smallest <= 6 && largest <= 6 && smallestTransform < smallest &&
+           largestTransform <= std::min(largest, 5U) && width % (1U << smallest) == 0 &&
+           height % (1U << smallest) == 0;
+}
+
 } // namespace
 
 CodedPicture pictureOfHevc(const QByteArray &nal)
@@ -129,6 +156,7 @@ CodedPicture pictureOfHevc(const QByteArray &nal)
     const quint32 height = reader.golomb();
     if (reader.isWhole)
         picture.size = sizeOf(width, height);
+    picture.isSound = hasSoundBlocks(reader, sublayers, width, height);
     return picture;
 }
 

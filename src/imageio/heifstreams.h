@@ -10,8 +10,9 @@ namespace plexa
 
 /// What the head of a coded picture says of it.
 struct CodedPicture {
-    QSize size;     ///< as coded, before any cropping; empty: these bytes are no such head
-    int chroma = 1; ///< 0: grey, 1: 4:2:0, 2: 4:2:2, 3: 4:4:4
+    QSize size;          ///< as coded, before any cropping; empty: these bytes are no such head
+    int chroma = 1;      ///< 0: grey, 1: 4:2:0, 2: 4:2:2, 3: 4:4:4
+    bool isSound = true; ///< false: sizes of blocks contradict each other
 };
 
 /// @param nal  a sequence parameter set of HEVC with its two bytes of NAL unit header (ITU-T H.265, 7.3.2.2)

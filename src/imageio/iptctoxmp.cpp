@@ -7,6 +7,7 @@
 #include "imageio/metadatavalues.h"
 #include "imageio/propertykeys.h"
 #include "imageio/propertyvalues.h"
+#include "imageio/xmppackets.h"
 #include "imageio/xmpreading.h"
 
 #include <QRegularExpression>
@@ -23,14 +24,15 @@ void putTexts(Exiv2::XmpData &xmp, const char *property, const QStringList &text
 {
     eraseXmpProperty(xmp, property);
     const Exiv2::XmpKey key(property);
-    Exiv2::TypeId type = Exiv2::XmpProperties::propertyType(key);
-    if (type == Exiv2::invalidTypeId)
-        type = Exiv2::xmpText;
+    const Exiv2::TypeId type = Exiv2::XmpProperties::propertyType(key);
+    if (type == Exiv2::invalidTypeId || type == Exiv2::xmpText) {
+        const Exiv2::XmpTextValue text = plainXmpText(texts.join(u"; "_qs).toStdString());
+        xmp.add(key, &text);
+        return;
+    }
     const std::unique_ptr<Exiv2::Value> value(Exiv2::Value::create(type).release());
     if (type == Exiv2::langAlt) {
         value->read("lang=\"x-default\" " + texts.join(u'\n').toStdString());
-    } else if (type == Exiv2::xmpText) {
-        value->read(texts.join(u"; "_qs).toStdString());
     } else {
         for (const QString &text : texts)
             value->read(text.toStdString());

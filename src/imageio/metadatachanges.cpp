@@ -9,6 +9,7 @@
 #include "imageio/metadatavalues.h"
 #include "imageio/propertykeys.h"
 #include "imageio/propertyvalues.h"
+#include "imageio/xmppackets.h"
 
 #include <QRegularExpression>
 
@@ -216,7 +217,12 @@ void addXmp(Exiv2::XmpData &xmp, const char *name, const QStringList &texts)
 {
     const Exiv2::XmpKey key(name);
     const Exiv2::TypeId type = Exiv2::XmpProperties::propertyType(key);
-    const ValuePointer stored = newValue(type == Exiv2::invalidTypeId ? Exiv2::xmpText : type);
+    if (type == Exiv2::invalidTypeId || type == Exiv2::xmpText) {
+        const Exiv2::XmpTextValue text = plainXmpText(texts.join(u' ').toStdString());
+        xmp.add(key, &text);
+        return;
+    }
+    const ValuePointer stored = newValue(type);
     if (type == Exiv2::langAlt) {
         stored->read("lang=\"x-default\" " + texts.join(u'\n').toStdString());
     } else if (type == Exiv2::xmpSeq || type == Exiv2::xmpBag || type == Exiv2::xmpAlt) {

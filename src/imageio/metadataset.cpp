@@ -5,6 +5,7 @@
 #include "imageio/exiv2setup.h"
 #include "imageio/metadatablocks.h"
 #include "imageio/tiffmetadata.h"
+#include "imageio/xmppackets.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -123,8 +124,11 @@ Exiv2::XmpData decodedPacket(const std::string &packet, XmlMeasure &measure)
     if (packet.empty() || !isAcceptable(packet, measure))
         return xmp;
     try {
-        if (Exiv2::XmpParser::decode(xmp, packet) != 0)
+        const std::string understood = packetForLibrary(packet);
+        if (Exiv2::XmpParser::decode(xmp, understood) != 0)
             xmp.clear();
+        else if (understood != packet)
+            restoreTexts(xmp);
     } catch (const std::exception &) {
         xmp.clear();
     }
