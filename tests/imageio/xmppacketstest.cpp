@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "exiftoolrecords.h"
+#include "jpegassembly.h"
+
+#include <QTest>
+
+using namespace plexa;
+
+namespace
+{
+
+QByteArray packet(const QByteArray &namespaces, const QByteArray &attributes)
+{
+    return "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF "
+           "xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"><rdf:Description rdf:about=\"\" " +
+           namespaces + ' ' + attributes + "/></rdf:RDF></x:xmpmeta>";
+}
+
+} // namespace
+
+/// Packets that the metadata library takes amiss: do their photos and all others keep what they say?
+class XmpPacketsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void prefixesDoNotReachOtherPhotos();
+    void commandsAreTexts_data();
+    void commandsAreTexts();
+
+private:
+    /// Writes a photo with the packet and a copy of it. @return the copy's path
+    QString copyOf(const QByteArray &xmp)
+    {
+        EmbeddedMetadata::Encoded metadata;
+        metadata.xmp = xmp;
+        const QString path = m_folder.path(u"source.jpg"_qs);
+        const QString copy = m_folder.path(QStringLiteral("copy%1.jpg").arg(++m_copies));
+        if (!test::putFile(path, test::jpegWith(metadata)))
+            return {};
+        const auto source = EmbeddedMetadata::read(path);
+        const bool isWritten =
+            test::putFile(copy, test::jpegWith(source->encodeForCopy(source->properties(), {QSize(16, 16)})));
+        return isWritten ? copy : QString();
+    }
+
+    test::TestFolder m_folder;
+    int m_copies = 0;
+};
+
+void XmpPacketsTest::prefixesDoNotReachOtherPhotos()
+{
+    const QByteArray adobe = "xmlns:exif=\"http://ns.adobe.com/exif/1.0/\"";
+    const QByteArray clashing = "xmlns:e=\"http://ns.adobe.com/exif/1.0/\" "
+                                "xmlns:exif='http://www.w3.org/2003/12/exif/ns#' "
+                                "xmlns:photoshop=\"http://example.org/photoshop/\"";
+    const QString first =
+        copyOf(packet(clashing, "exif:note=\"n\" e:FNumber=\"56/10\" photoshop:City=\"nowhere\""));
+    const QString second = copyOf(packet(adobe, "exif:FNumber=\"8/1\""));
+    const auto records = test::exiftoolRecords({first, second}, {u"-XMP:all"_qs, u"-G1"_qs});
+    QCOMPARE(records[first][u"XMP-exif:FNumber"_qs].toDouble(), 5.6);
+    QCOMPARE(records[second][u"XMP-exif:FNumber"_qs].toDouble(), 8.0);
+    QVERIFY(!records[first].contains(u"XMP-photoshop:City"_qs)); // it never said so
+    const QByteArray contents = test::contentsOf(first);
+    QVERIFY(contents.contains("\"http://www.w3.org/2003/12/exif/ns#\""));
+    QVERIFY(contents.contains("\"http://example.org/photoshop/\""));
+    QVERIFY(contents.contains("nowhere"));
+}
+
+void XmpPacketsTest::commandsAreTexts_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("of no type") << QByteArray("type=portrait shoot");
+    QTest::newRow("of a type") << QByteArray("type=Seq");
+    QTest::newRow("of a type, with more") << QByteArray("type=Bag of sweets");
+}
+
+/// In every place that a text can have.
+void XmpPacketsTest::commandsAreTexts()
+{
+    QFETCH(QByteArray, text);
+    QByteArray xmp = packet("xmlns:photoshop=\"http://ns.adobe.com/photoshop/1.0/\" "
+                            "xmlns:dc=\"http://purl.org/dc/elements/1.1/\"",
+                            "photoshop:Headline=\"" + text + "\" photoshop:Credit=\"kept\"");
+    xmp.replace("/></rdf:RDF>", "><photoshop:City>" + text +
+                                    "</photoshop:City><dc:subject><rdf:Bag><rdf:li>" + text +
+                                    "</rdf:li><rdf:li>b</rdf:li></rdf:Bag></dc:subject><dc:title><rdf:Alt>"
+                                    "<rdf:li xml:lang=\"x-default\">" +
+                                    text + "</rdf:li></rdf:Alt></dc:title></rdf:Description></rdf:RDF>");
+    const QString copy = copyOf(xmp);
+    const QJsonObject record = test::exiftoolRecords({copy}, {u"-XMP:all"_qs, u"-G1"_qs}).value(copy);
+    const QString expected = QString::fromUtf8(text);
+    for (const QString &tag : {u"XMP-photoshop:Headline"_qs, u"XMP-photoshop:City"_qs, u"XMP-dc:Title"_qs})
+        QCOMPARE(record[tag].toString(), expected);
+    QCOMPARE(record[u"XMP-dc:Subject"_qs].toArray().at(0).toString(), expected);
+    QCOMPARE(record[u"XMP-photoshop:Credit"_qs].toString(), u"kept"_qs);
+}
+
+QTEST_GUILESS_MAIN(XmpPacketsTest)
+
+#include "xmppacketstest.moc"
