@@ -123,7 +123,7 @@ void SaveReport::copyFinished(const SavingOutput &output)
 {
     m_progress.clear();
     const bool isFailure = output.status == Status::Failed;
-    m_hasFailures = m_hasFailures || isFailure;
+    m_failures += isFailure ? 1 : 0;
     if (isFailure)
         printAbout(output.sourcePath, output.error);
     else if (!m_form.quiet && isWithoutWatermark(output))
@@ -141,6 +141,8 @@ void SaveReport::copyFinished(const SavingOutput &output)
 void SaveReport::end()
 {
     m_progress.clear();
+    if (m_failures > 0)
+        printLine(stderr, QStringLiteral("plexa-cli: %1 of %2 copies failed").arg(m_failures).arg(m_copies));
 }
 
 } // namespace plexa

@@ -23,10 +23,10 @@ public:
 
     void copyFinished(const SavingOutput &output) override;
 
-    /// Takes the progress away.
+    /// Takes the progress away, and sums up what failed.
     void end();
 
-    bool hasFailures() const { return m_hasFailures; }
+    bool hasFailures() const { return m_failures > 0; }
 
     /// How many copies were finished, in whatever way.
     std::size_t copies() const { return m_copies; }
@@ -34,7 +34,7 @@ public:
 private:
     Form m_form;
     ProgressLine m_progress;
-    bool m_hasFailures = false;
+    std::size_t m_failures = 0;
     std::size_t m_copies = 0;
 };
 
