@@ -345,11 +345,15 @@ void SavingTest::stopping()
     SavingRun run = runFor(photos, {mark(u"A"_qs), mark(u"B"_qs)});
     run.jobs = jobs;
     Saving saving(m_noAlerts);
+    qsizetype finishedBefore = 0;
     m_listener.onCopyBegun = [&](qint64 value) {
-        if (value == 3)
-            saving.terminateOperation();
+        if (value != 3)
+            return;
+        saving.terminateOperation();
+        finishedBefore = m_listener.outputs.size();
     };
     saving.saveImages(run, m_listener);
+    QVERIFY(jobs > 1 || finishedBefore == 2);
     // Whatever overlaps, no photo is begun after the stop, and the one under way gets both copies.
     QCOMPARE(m_listener.names(),
              (QStringList{u"img01.png"_qs, u"img02.png"_qs, u"img03.png"_qs, u"img04.png"_qs}));
@@ -451,18 +455,20 @@ void SavingTest::overwritingTheOriginals()
     const QImage bare = pattern({300, 200});
     const QString once = photo(u"once.png"_qs, bare.size());
     const QString twice = photo(u"twice.png"_qs, bare.size());
+    const QString alias = path(u"in/alias.tif"_qs); // its copy has a name of its own, "alias.png"
+    QVERIFY(QFile::link(twice, alias));
     AppliedPreset left = mark(u"Left"_qs);
     AppliedPreset right = mark(u"Right"_qs);
     left.values.anchorPoint = 0;
     right.values.anchorPoint = 8;
-    SavingRun run = runFor({once, twice, twice}, {left, right});
+    SavingRun run = runFor({once, twice, alias, twice}, {left, right});
     run.folders.destDirectory.clear();
     run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
     run.conflictCode = OutputNaming::always(OutputNaming::kOverwrite);
     run.jobs = jobs;
     Saving saving(m_noAlerts);
     saving.saveImages(run, m_listener);
-    QCOMPARE(m_listener.outputs.size(), 6);
+    QCOMPARE(m_listener.outputs.size(), 8);
     QVERIFY(saving.savingFailedImages().isEmpty());
 
     const QString asBefore = photo(u"bare.png"_qs, bare.size());
@@ -472,6 +478,7 @@ void SavingTest::overwritingTheOriginals()
     QCOMPARE(pixels(QImage(once)), pixels(marked));
     const QImage again = photo.createWatermarkedImage(marked, right);
     QCOMPARE(pixels(QImage(twice)), pixels(again));
+    QCOMPARE(pixels(QImage(path(u"in/alias.png"_qs))), pixels(again));
 }
 
 void SavingTest::sameNamesFromManyFolders()
