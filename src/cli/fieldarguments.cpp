@@ -6,19 +6,86 @@
 #include "watermark/wpresetfields.h"
 #include "watermark/wpresetvalues.h"
 
+#include <QHash>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <functional>
+#include <utility>
+
 namespace plexa
 {
 
 namespace
 {
 
-Result<QString> formatName(const FieldArgument &field, const QStringList &allowed)
+Result<QString> oneOf(const FieldArgument &field, const QStringList &allowed)
 {
-    const QString name = field.text;
-    if (allowed.contains(name))
-        return name;
+    if (allowed.contains(field.text))
+        return field.text;
     return fail(QStringLiteral("%1: \"%2\" is none of %3")
-                    .arg(field.name, name, QStringLiteral("\"%1\"").arg(allowed.join(u"\", \""))));
+                    .arg(field.name, field.text, QStringLiteral("\"%1\"").arg(allowed.join(u"\", \""))));
+}
+
+Result<QString> letterCase(const FieldArgument &field)
+{
+    return oneOf(
+        field, {QStringLiteral("do not change"), QStringLiteral("lower case"), QStringLiteral("upper case")});
+}
+
+/// "Original" cannot stand for itself.
+QStringList alternativeFormats()
+{
+    QStringList formats = savingFormatNames();
+    formats.removeAll(originalFormatName());
+    return formats;
+}
+
+/// A list in JSON, or a single token as it is.
+Result<QStringList> tokens(const FieldArgument &field)
+{
+    const QJsonDocument json = QJsonDocument::fromJson(field.text.toUtf8());
+    if (!json.isArray())
+        return QStringList{field.text};
+    QStringList list;
+    for (const QJsonValue &token : json.array()) {
+        if (!token.isString())
+            return fail(
+                QStringLiteral("%1: a list of texts, as in [\"filename\",\"-small\"]").arg(field.name));
+        list.append(token.toString());
+    }
+    if (list.isEmpty())
+        return fail(QStringLiteral("%1: at least one").arg(field.name));
+    return list;
+}
+
+Result<int> quality(const FieldArgument &field)
+{
+    bool isNumber = false;
+    const int quality = field.text.toInt(&isNumber);
+    if (isNumber && quality >= SavingPresetValues::kLowestQuality &&
+        quality <= SavingPresetValues::kHighestQuality)
+        return quality;
+    return fail(QStringLiteral("%1: a whole number from %2 to %3")
+                    .arg(field.name)
+                    .arg(SavingPresetValues::kLowestQuality)
+                    .arg(SavingPresetValues::kHighestQuality));
+}
+
+Result<bool> truth(const FieldArgument &field)
+{
+    if (field.text == QLatin1String("true") || field.text == QLatin1String("false"))
+        return field.text == QLatin1String("true");
+    return fail(QStringLiteral("%1: true or false").arg(field.name));
+}
+
+template<class T>
+Result<void> set(T &member, Result<T> value)
+{
+    if (!value)
+        return tl::unexpected(value.error());
+    member = std::move(*value);
+    return {};
 }
 
 } // namespace
@@ -45,34 +112,27 @@ Result<void> applySavingField(SavingPresetValues &preset, const std::string &arg
     const Result<FieldArgument> field = FieldArgument::parse(argument);
     if (!field)
         return tl::unexpected(field.error());
-    if (field->name == QLatin1String("jpegQuality")) {
-        bool isNumber = false;
-        const int quality = field->text.toInt(&isNumber);
-        if (!isNumber || quality < SavingPresetValues::kLowestQuality ||
-            quality > SavingPresetValues::kHighestQuality)
-            return fail(QStringLiteral("jpegQuality: a whole number from %1 to %2")
-                            .arg(SavingPresetValues::kLowestQuality)
-                            .arg(SavingPresetValues::kHighestQuality));
-        preset.jpegQuality = quality;
-        return {};
-    }
-    if (field->name == QLatin1String("tiffCompressionLZW")) {
-        if (field->text != QLatin1String("true") && field->text != QLatin1String("false"))
-            return fail(QStringLiteral("tiffCompressionLZW: true or false"));
-        preset.tiffCompressionLZW = field->text == QLatin1String("true");
-        return {};
-    }
-    QStringList formats = savingFormatNames();
-    if (field->name == QLatin1String("imageFormat"))
-        return formatName(*field, formats).map([&](const QString &name) { preset.imageFormat = name; });
-    formats.removeAll(originalFormatName()); // "Original" cannot stand for itself
-    if (field->name == QLatin1String("alternativeImageFormat"))
-        return formatName(*field, formats).map([&](const QString &name) {
-            preset.alternativeImageFormat = name;
-        });
-    return fail(QStringLiteral("there is no field \"%1\" of a saving preset; the fields are imageFormat, "
-                               "alternativeImageFormat, jpegQuality and tiffCompressionLZW")
-                    .arg(field->name));
+    // A row for each field of a saving preset.
+    const QHash<QString, std::function<Result<void>()>> setters{
+        {QStringLiteral("name"), [&] { return set(preset.name, Result<QString>(field->text)); }},
+        {QStringLiteral("filenameTokens"), [&] { return set(preset.filenameTokens, tokens(*field)); }},
+        {QStringLiteral("fileBaseNameCase"),
+         [&] { return set(preset.fileBaseNameCase, letterCase(*field)); }},
+        {QStringLiteral("fileExtensionCase"),
+         [&] { return set(preset.fileExtensionCase, letterCase(*field)); }},
+        {QStringLiteral("imageFormat"),
+         [&] { return set(preset.imageFormat, oneOf(*field, savingFormatNames())); }},
+        {QStringLiteral("alternativeImageFormat"),
+         [&] { return set(preset.alternativeImageFormat, oneOf(*field, alternativeFormats())); }},
+        {QStringLiteral("jpegQuality"), [&] { return set(preset.jpegQuality, quality(*field)); }},
+        {QStringLiteral("tiffCompressionLZW"), [&] { return set(preset.tiffCompressionLZW, truth(*field)); }},
+    };
+    if (const auto setter = setters.constFind(field->name); setter != setters.cend())
+        return (*setter)();
+    QStringList names = setters.keys();
+    names.sort();
+    return fail(QStringLiteral("there is no field \"%1\" of a saving preset; the fields are %2")
+                    .arg(field->name, names.join(QLatin1String(", "))));
 }
 
 } // namespace plexa

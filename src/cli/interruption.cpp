@@ -31,6 +31,11 @@ void catchInterruptions()
     }
 }
 
+void outliveFileSizeLimit()
+{
+    std::signal(SIGXFSZ, SIG_IGN);
+}
+
 bool isInterrupted()
 {
     return isAsked;

@@ -10,6 +10,10 @@ namespace plexa
 /// thread.
 void catchInterruptions();
 
+/// A file that grows beyond the limit of the process fails to be written, like on a full disk, instead of
+/// ending the program. Once, by the main thread.
+void outliveFileSizeLimit();
+
 /// Has somebody asked the program to stop? Any thread.
 bool isInterrupted();
 

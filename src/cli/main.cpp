@@ -61,6 +61,7 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(plexa::applicationNameWithCompany(false, false, true));
     QCoreApplication::setApplicationVersion(plexa::BundleInfo::own().shortVersionString);
     plexa::catchInterruptions();
+    plexa::outliveFileSizeLimit();
     const int status = run(argc, argv);
     // Results that did not arrive are a failure, too.
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {

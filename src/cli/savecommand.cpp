@@ -6,26 +6,26 @@
 #include "cli/interruption.h"
 #include "cli/messages.h"
 #include "cli/photopaths.h"
-#include "cli/progressline.h"
+#include "cli/savereport.h"
 #include "images/imageobject.h"
+#include "platform/alerts.h"
+#include "platform/applicationname.h"
 #include "platform/bytebudget.h"
 #include "platform/fontcatalog.h"
 #include "platform/localeformat.h"
-#include "saving/copynames.h"
-#include "saving/orderedwork.h"
+#include "presets/savingpreset.h"
+#include "saving/saving.h"
 #include "watermark/texttokens.h"
 #include "watermark/watermarkpicture.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 #include <thread>
 
 namespace plexa
@@ -39,20 +39,11 @@ enum ExitStatus { kAllDone = 0, kSomethingFailed = 1, kWrongUsage = 2 };
 constexpr int kQuality = 95;
 const QString kQuickPresetName = QStringLiteral("Quick Preset");
 
-/// One copy of the run.
-struct Item {
-    QString source;
-    QString target;                           ///< empty: no path is free
-    std::optional<Result<CopyReport>> result; ///< none before it is made
-};
-
-/// What all copies of the run share.
-struct Run {
-    AppliedPreset preset;
-    SavingPresetValues savingPreset;
-    std::vector<Item> items;
-    int jobs = 1;
-    bool keepsCreationDate = true;
+/// The command line has answered all questions before.
+class NoQuestions final : public Alerts
+{
+public:
+    AlertAnswer run(const Alert &alert) override { return {std::max(alert.escapeButton, 0), false}; }
 };
 
 int refuse(const QString &text)
@@ -98,11 +89,41 @@ Result<WPresetValues> quickPreset(const SaveOptions &options, const FontCatalog 
     return values;
 }
 
+/// The preset of that name in a file of saving presets; without a name, the only one.
+Result<SavingPresetValues> savingPresetFromFile(const SaveOptions &options)
+{
+    const QString path = QString::fromStdString(options.savingPresetsFile);
+    QByteArray errors;
+    ReadCode code{};
+    const auto presets =
+        SavingPreset::readObjectsFromFile(path, applicationNameWithCompany(true, false, true), code,
+                                          [&](const QByteArray &line) { errors += line; });
+    if (!presets)
+        return fail(QStringLiteral("\"%1\" is no file of saving presets: %2")
+                        .arg(path, onOneLine(QString::fromUtf8(errors.trimmed()))));
+    const QString name = QString::fromStdString(options.savingPreset);
+    QStringList names;
+    for (const auto &preset : *presets) {
+        if (preset->name() == name || (options.savingPreset.empty() && presets->size() == 1))
+            return preset->values();
+        names.append(preset->name());
+    }
+    return fail(QStringLiteral("--saving-preset has to name one of the presets in \"%1\": \"%2\"")
+                    .arg(path, names.join(QLatin1String("\", \""))));
+}
+
 Result<SavingPresetValues> runSavingPreset(const SaveOptions &options)
 {
     SavingPresetValues preset;
     preset.imageFormat = QStringLiteral("Original");
     preset.jpegQuality = kQuality;
+    preset.filenameTokens = {QStringLiteral("filename")};
+    if (!options.savingPresetsFile.empty()) {
+        Result<SavingPresetValues> stored = savingPresetFromFile(options);
+        if (!stored)
+            return stored;
+        preset = std::move(*stored);
+    }
     for (const std::string &field : options.savingFields) {
         if (Result<void> applied = applySavingField(preset, field); !applied)
             return tl::unexpected(applied.error());
@@ -110,109 +131,60 @@ Result<SavingPresetValues> runSavingPreset(const SaveOptions &options)
     return preset;
 }
 
+Result<OutputFolders> outputFolders(const SaveOptions &options)
+{
+    OutputFolders folders;
+    folders.destDirectory = QString::fromStdString(options.output);
+    if (QFileInfo(folders.destDirectory).exists() && !QFileInfo(folders.destDirectory).isDir())
+        return fail(QStringLiteral("\"%1\" is not a folder").arg(folders.destDirectory));
+    if (!options.replicateFrom.empty()) {
+        folders.replicationStartDirectory = QString::fromStdString(options.replicateFrom);
+        folders.replicateOrigDirStructure = true;
+        if (!QFileInfo(folders.replicationStartDirectory).isDir())
+            return fail(QStringLiteral("\"%1\" is not a folder").arg(folders.replicationStartDirectory));
+    }
+    return folders;
+}
+
+OutputNaming::ConflictCode conflictCode(const std::string &conflict)
+{
+    if (conflict == "overwrite")
+        return OutputNaming::always(OutputNaming::kOverwrite);
+    return OutputNaming::always(conflict == "skip" ? OutputNaming::kSkip : OutputNaming::kUniqueName);
+}
+
 /// Everything that can be wrong with the command line is found here, before any file is touched.
-Result<Run> planRun(const SaveOptions &options, const FontCatalog &fonts)
+Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
 {
     Result<WPresetValues> values = quickPreset(options, fonts);
     if (!values)
         return tl::unexpected(values.error());
-    Run run;
-    run.preset.values = std::move(*values);
     Result<SavingPresetValues> savingPreset = runSavingPreset(options);
     if (!savingPreset)
         return tl::unexpected(savingPreset.error());
-    run.savingPreset = std::move(*savingPreset);
+    Result<OutputFolders> folders = outputFolders(options);
+    if (!folders)
+        return tl::unexpected(folders.error());
 
-    const Result<std::vector<PhotoPath>> photos = photosAt(options.paths, options.output);
-    if (!photos)
-        return tl::unexpected(photos.error());
-    const QString folder = QString::fromStdString(options.output);
-    if (QFileInfo(folder).exists() && !QFileInfo(folder).isDir())
-        return fail(QStringLiteral("\"%1\" is not a folder").arg(folder));
-
-    CopyNames names(folder, run.savingPreset);
-    for (const PhotoPath &photo : *photos) {
-        if (photo.failure.isEmpty())
-            run.items.push_back({photo.path, names.pathForCopyOf(photo.path), std::nullopt});
-        else
-            run.items.push_back({photo.path, {}, Result<CopyReport>(fail(photo.failure))});
-    }
+    SavingRun run;
+    run.effectivePresets = presetsToSave({{nullptr, std::move(*values)}});
+    run.isInSingleMode = true;
+    run.defaultSavingPreset = std::move(*savingPreset);
+    run.folders = std::move(*folders);
+    run.combineAllAppliedPresetsInImage = options.combine;
+    run.ignoreAssignedSavingPresets = options.ignoreAssigned;
+    run.preservesCreationDate = !options.noCreationDate;
+    run.isDryRun = options.dryRun;
+    run.conflictCode = conflictCode(options.conflict);
     run.jobs =
         options.jobs > 0 ? options.jobs : static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
-    run.keepsCreationDate = !options.noCreationDate;
+    run.isStopped = isInterrupted;
     return run;
 }
 
-QJsonValue jsonRect(const CopyReport &report)
-{
-    if (report.rects.size() != 1 || !report.rects.front())
-        return QJsonValue::Null;
-    const QRectF rect = *report.rects.front();
-    return QJsonArray{rect.x(), rect.y(), rect.width(), rect.height()};
-}
-
-QByteArray jsonLine(const Item &item, std::size_t sequence)
-{
-    QJsonObject line{{QStringLiteral("source"), item.source},
-                     {QStringLiteral("output"), item.target},
-                     {QStringLiteral("sequence"), static_cast<qint64>(sequence)},
-                     {QStringLiteral("wpreset"), kQuickPresetName},
-                     {QStringLiteral("error"), QJsonValue::Null},
-                     {QStringLiteral("rect"), QJsonValue::Null},
-                     {QStringLiteral("size"), QJsonValue::Null},
-                     {QStringLiteral("status"), QStringLiteral("planned")}};
-    if (item.result && *item.result) {
-        const CopyReport &report = **item.result;
-        line[QStringLiteral("status")] = QStringLiteral("written");
-        line[QStringLiteral("rect")] = jsonRect(report);
-        line[QStringLiteral("size")] = QJsonArray{report.size.width(), report.size.height()};
-        if (!report.dropped.isEmpty())
-            line[QStringLiteral("dropped")] = QJsonArray::fromStringList(report.dropped);
-    } else if (item.result) {
-        line[QStringLiteral("status")] = QStringLiteral("failed");
-        line[QStringLiteral("error")] = item.result->error().text;
-    }
-    return QJsonDocument(line).toJson(QJsonDocument::Compact);
-}
-
-/// Results on standard output, messages on standard error.
-void report(const Item &item, std::size_t sequence, const SaveOptions &options)
-{
-    if (item.result && !*item.result)
-        printAbout(item.source, item.result->error().text);
-    else if (item.result && !options.quiet && !(*item.result)->rects.empty() &&
-             !(*item.result)->rects.front())
-        printAbout(item.source, QStringLiteral("saved without a watermark, which is empty for this photo"));
-
-    if (options.json)
-        std::fprintf(stdout, "%s\n", jsonLine(item, sequence).constData());
-    else if (!options.quiet && (!item.result || *item.result))
-        printLine(stdout, onOneLine(QStringLiteral("%1 -> %2").arg(item.source, item.target)));
-    std::fflush(stdout);
-}
-
-Result<CopyReport> makeCopy(const Item &item, const Run &run, const PhotoServices &services)
-{
-    if (item.result) // it failed when the run was planned
-        return *item.result;
-    if (item.target.isEmpty())
-        return fail(QStringLiteral("no name is free for the copy"));
-    ImageObject photo(item.source, services);
-    return photo.saveImageAtPath(item.target, {run.preset}, run.savingPreset, AtomicFile::IfExists::Fail,
-                                 run.keepsCreationDate, isInterrupted);
-}
-
-int printPlan(const Run &run, const SaveOptions &options)
-{
-    bool hasFailures = false;
-    for (std::size_t i = 0; i < run.items.size(); ++i) {
-        report(run.items[i], i + 1, options);
-        hasFailures = hasFailures || run.items[i].result;
-    }
-    return hasFailures ? kSomethingFailed : kAllDone;
-}
-
-int makeCopies(Run &run, const SaveOptions &options, const FontCatalog &fonts)
+/// @return the exit status
+int saveAll(SavingRun &run, const std::vector<PhotoPath> &photos, const SaveOptions &options,
+            const FontCatalog &fonts)
 {
     const LocaleFormat locale;
     PixelCache cache(0); // each photo is looked at once
@@ -220,26 +192,24 @@ int makeCopies(Run &run, const SaveOptions &options, const FontCatalog &fonts)
     ByteBudget budget(memory);
     const PhotoServices services{fonts, locale, cache, budget, ReadLimits{.maxBytes = memory}};
 
-    ProgressLine progress(run.items.size(), !options.quiet);
-    bool hasFailures = false;
-    OrderedWork work;
-    work.count = run.items.size();
-    work.threads = run.jobs;
-    work.work = [&](std::size_t i) { run.items[i].result = makeCopy(run.items[i], run, services); };
-    work.deliver = [&](std::size_t i) {
-        progress.clear();
-        hasFailures = hasFailures || !*run.items[i].result;
-        report(run.items[i], i + 1, options);
-        progress.setDone(i + 1);
+    run.photoCount = photos.size();
+    run.photoAt = [&](std::size_t index) -> SavingPhoto {
+        const PhotoPath &photo = photos[index];
+        if (!photo.failure.isEmpty())
+            return {photo.path, nullptr, photo.failure};
+        return {photo.path, std::make_shared<ImageObject>(photo.path, services), {}};
     };
-    work.isStopped = isInterrupted;
-    const std::size_t begun = runOrdered(work);
-    progress.clear();
-    if (begun < work.count)
+    SaveReport report(run.photoCount, {options.json, options.quiet});
+    NoQuestions alerts;
+    Saving saving(alerts);
+    saving.saveImages(run, report);
+    report.end();
+    const std::size_t begun = report.copies();
+    if (begun < run.photoCount)
         printLine(stderr, QStringLiteral("plexa-cli: stopped; %1 of %2 photos were not begun")
-                              .arg(work.count - begun)
-                              .arg(work.count));
-    return hasFailures || begun < work.count ? kSomethingFailed : kAllDone;
+                              .arg(run.photoCount - begun)
+                              .arg(run.photoCount));
+    return report.hasFailures() || begun < run.photoCount ? kSomethingFailed : kAllDone;
 }
 
 } // namespace
@@ -263,9 +233,31 @@ CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options)
         ->expected(1)
         ->take_all()
         ->allow_extra_args(false);
-    command->add_option("--output", options.output, "The folder for the copies; made when it is not there")
+    auto *presetsFile = command
+                            ->add_option("--saving-presets", options.savingPresetsFile,
+                                         "A file of saving presets, one of which says how copies are saved")
+                            ->type_name("FILE");
+    command->add_option("--saving-preset", options.savingPreset, "The name of the one")
+        ->type_name("NAME")
+        ->needs(presetsFile);
+    auto *output = command
+                       ->add_option("--output", options.output,
+                                    "The folder for the copies, made when it is not there; default: each "
+                                    "copy beside its original")
+                       ->type_name("DIR");
+    command
+        ->add_option("--replicate-from", options.replicateFrom,
+                     "Repeat the folders below DIR in the folder for the copies")
         ->type_name("DIR")
-        ->required();
+        ->needs(output);
+    command->add_flag("--combine", options.combine, "All watermarks on one copy, not a copy for each");
+    command->add_flag("--ignore-assigned", options.ignoreAssigned,
+                      "Pass over the saving presets that watermarks bring with them");
+    command
+        ->add_option("--conflict", options.conflict,
+                     "What to do when a file of the copy's name exists: unique (default), overwrite, skip")
+        ->check(CLI::IsMember({"unique", "overwrite", "skip"}))
+        ->type_name("CHOICE");
     command->add_flag("--no-creation-date", options.noCreationDate,
                       "Do not give copies the date of their originals");
     command->add_option("--jobs", options.jobs, "How many photos at once; default: one for each core")
@@ -285,17 +277,17 @@ int runSave(const SaveOptions &options)
     if (!options.text && options.image.empty() && options.fields.empty())
         return refuse(QStringLiteral("there is no watermark: give --text, --image or --set"));
     const FontCatalog fonts;
-    Result<Run> run = planRun(options, fonts);
+    Result<SavingRun> run = planRun(options, fonts);
     if (!run)
         return refuse(run.error().text);
-    if (run->items.empty())
+    const Result<std::vector<PhotoPath>> photos = photosAt(options.paths, options.output);
+    if (!photos)
+        return refuse(photos.error().text);
+    if (photos->empty())
         printLine(stderr, QStringLiteral("plexa-cli: no photos found"));
-    if (options.dryRun)
-        return printPlan(*run, options);
-    const QString folder = QString::fromStdString(options.output);
-    if (!QDir().mkpath(folder))
-        return refuse(QStringLiteral("the folder \"%1\" cannot be made").arg(folder));
-    return makeCopies(*run, options, fonts);
+    if (!options.dryRun && !options.output.empty() && !QDir().mkpath(run->folders.destDirectory))
+        return refuse(QStringLiteral("the folder \"%1\" cannot be made").arg(run->folders.destDirectory));
+    return saveAll(*run, *photos, options, fonts);
 }
 
 } // namespace plexa

@@ -20,9 +20,15 @@ struct SaveOptions {
     std::string image;
     std::vector<std::string> fields;       ///< "FIELD=VALUE" of the quick preset
     std::vector<std::string> savingFields; ///< "FIELD=VALUE" of the run's saving preset
-    std::string output;
+    std::string savingPresetsFile;
+    std::string savingPreset; ///< the name of one in the file
+    std::string output;       ///< empty: beside each original
+    std::string replicateFrom;
+    std::string conflict = "unique";
     std::vector<std::string> paths;
     int jobs = 0; ///< 0: as many as there are cores
+    bool combine = false;
+    bool ignoreAssigned = false;
     bool json = false;
     bool quiet = false;
     bool dryRun = false;

@@ -208,6 +208,28 @@ Result<void> ImageObject::load(bool &hasNewMetadata)
     return {};
 }
 
+Result<PhotoFacts> ImageObject::readFacts() const
+{
+    if (isLoaded())
+        return facts();
+    try {
+        const Result<ImageSource> source = ImageSource::open(readPath(), m_services.limits);
+        if (!source)
+            return tl::unexpected(source.error());
+        const ImageMetadata inFile(source->properties());
+        const Uprighting uprighting = uprightingOf(source->info().rows.size, inFile, 1, m_services.limits);
+        return PhotoFacts(path(), metadata().value_or(inFile), uprighting.size(), uprighting.unscaledSize(),
+                          m_services.locale);
+    } catch (const std::bad_alloc &) {
+        return fail(outOfMemoryText());
+    }
+}
+
+QImage ImageObject::imageAtHand() const
+{
+    return m_services.cache.find(m_key);
+}
+
 QImage ImageObject::originalCGImage()
 {
     return snapshot(Pixels::Needed).pixels;
@@ -425,11 +447,11 @@ Result<CopyReport> ImageObject::saveImageAtPath(const QString &destination,
                                                 const std::vector<AppliedPreset> &presets,
                                                 const SavingPresetValues &savingPreset,
                                                 AtomicFile::IfExists ifExists, bool preservesCreationDate,
-                                                const CancelCheck &isCancelled)
+                                                const CancelCheck &isCancelled, const QString &readFrom)
 {
     CopyOrder order;
     order.path = path();
-    order.readPath = readPath();
+    order.readPath = readFrom.isEmpty() ? readPath() : readFrom;
     order.targetPath = destination;
     order.targetType = savingPreset.imageFormatUTI(order.path);
     if (order.targetType.isEmpty())

@@ -61,6 +61,12 @@ public:
     QString pathToImportFrom() const;
     void setPathToImportFrom(const QString &path);
 
+    /// The file that is read.
+    QString readPath() const;
+
+    /// What is known of the photo, without decoding it; reads the file's headers unless the photo is loaded.
+    [[nodiscard]] Result<PhotoFacts> readFacts() const;
+
     /// Reads the photo: its metadata, its thumbnail, and whether it can be decoded. Cheap when that was done.
     /// @return false when the photo cannot be read, each time it is called; loadError() says why
     bool loadImageFromDisk();
@@ -78,6 +84,9 @@ public:
 
     /// The photo upright, its pixels square, the user's turns applied; loads it. Null when that fails.
     QImage originalCGImage();
+
+    /// originalCGImage() if it is decoded already, else null.
+    QImage imageAtHand() const;
 
     /// Pixels of originalCGImage(), without decoding it; (0, 0) when the photo cannot be read.
     QSize originalImageSize();
@@ -132,10 +141,12 @@ public:
     QList<QImage> generatePasteboardImages(const std::vector<AppliedPreset> &presets);
 
     /// Writes one copy with these presets drawn.
+    /// @param readFrom  where the photo's file is to be read, if not at readPath()
     [[nodiscard]] Result<CopyReport>
     saveImageAtPath(const QString &destination, const std::vector<AppliedPreset> &presets,
                     const SavingPresetValues &savingPreset, AtomicFile::IfExists ifExists,
-                    bool preservesCreationDate, const CancelCheck &isCancelled = {});
+                    bool preservesCreationDate, const CancelCheck &isCancelled = {},
+                    const QString &readFrom = {});
 
     // TokenSource
     QSize pixelSize() const override;
@@ -159,7 +170,6 @@ private:
     };
     enum class Pixels { Needed, NotNeeded };
 
-    QString readPath() const;
     bool loadUnder(std::unique_lock<std::mutex> processing);
     Result<void> load(bool &hasNewMetadata);
     QImage decodedPixels();

@@ -11,6 +11,7 @@
 
 #include <fcntl.h>
 #include <stdio.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -51,6 +52,20 @@ QByteArray randomTemporaryPath(const QByteArray &target)
 QByteArray descriptorPath(int descriptor)
 {
     return "/proc/self/fd/" + QByteArray::number(descriptor);
+}
+
+/// Marks an unfinished file as one that somebody is writing, until its descriptor is closed, also by a kill.
+/// @return false when it was taken for a leftover and removed meanwhile
+bool lockUnfinished(int descriptor)
+{
+    struct stat own {
+    };
+    // Where the file system knows no such locks, nobody can take the file for a leftover either.
+    while (flock(descriptor, LOCK_EX) != 0) {
+        if (errno != EINTR)
+            return true;
+    }
+    return fstat(descriptor, &own) != 0 || own.st_nlink > 0;
 }
 
 /// Follows symbolic links at the end of the path, also a last one that points nowhere.
@@ -186,6 +201,10 @@ int AtomicFile::openNamed()
         const QByteArray path = randomTemporaryPath(m_target);
         const int descriptor =
             ::open(path.constData(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC | O_NOFOLLOW, kModeBeforeUmask);
+        if (descriptor >= 0 && !lockUnfinished(descriptor)) {
+            ::close(descriptor);
+            continue;
+        }
         if (descriptor >= 0)
             m_temporaryPath = path;
         if (descriptor >= 0 || errno != EEXIST)
@@ -302,6 +321,7 @@ int AtomicFile::putInPlace()
 /// A link cannot replace a file, so the nameless file needs a name to be renamed from.
 int AtomicFile::giveTemporaryName()
 {
+    flock(m_device->handle(), LOCK_EX); // nobody else can have it: it waits for nothing
     for (int i = 0; i < kMaxNameTries; ++i) {
         const QByteArray path = randomTemporaryPath(m_target);
         if (linkat(AT_FDCWD, descriptorPath(m_device->handle()).constData(), AT_FDCWD, path.constData(),

@@ -135,7 +135,8 @@ QString OutputNaming::targetDirectoryForFile(const QString &path) const
         return m_folders.destDirectory;
     const QStringList below = source.mid(start.size());
     const QString folder = QDir(m_folders.destDirectory).filePath(below.join(u'/'));
-    QDir().mkpath(folder);
+    if (m_folders.makesFolders)
+        QDir().mkpath(folder);
     return folder;
 }
 

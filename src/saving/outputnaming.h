@@ -21,6 +21,7 @@ struct OutputFolders {
     QString destDirectory;                  ///< empty: each copy beside its original
     bool replicateOrigDirStructure = false; ///< in destDirectory, with the folders of the originals
     QString replicationStartDirectory;      ///< the folder whose subfolders these are; empty: the root
+    bool makesFolders = true;               ///< makes replicated folders that are not there
 };
 
 /// Makes the names of the copies of one run. Copies are under way at the same time: a path that was given for
@@ -59,8 +60,8 @@ public:
     static QString filenameWithExtensionForFilename(const QString &filename, const QString &originalPath,
                                                     const SavingPresetValues &savingPreset);
 
-    /// The folder for the copy of a photo. Makes the folders that are replicated; when that fails, so does
-    /// the writing.
+    /// The folder for the copy of a photo. Makes the folders that are replicated, unless it shall not; when
+    /// that fails, so does the writing.
     QString targetDirectoryForFile(const QString &path) const;
 
     /// Decides where a copy is written when there may be a file already, and takes the path until finished().

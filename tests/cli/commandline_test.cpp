@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "presets/savingpreset.h"
 #include "support/testenvironment.h"
 
 #include <QDirIterator>
@@ -8,6 +9,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRandomGenerator>
+#include <QRegularExpression>
 #include <QTest>
 
 #include <cmath>
@@ -117,7 +120,14 @@ private Q_SLOTS:
     void wrongUsage();
     void badFilesDoNotStopTheOthers();
     void namesAreNeverTakenTwice();
+    void dryRunAgreesWithTheRun_data();
     void dryRunAgreesWithTheRun();
+    void whereCopiesGo_data();
+    void whereCopiesGo();
+    void savingPresetsFromAFile();
+    void fullDisk_data();
+    void fullDisk();
+    void killing();
     void namesThatMeanSomethingElsewhere();
     void stoppingLeavesWholeFiles_data();
     void stoppingLeavesWholeFiles();
@@ -223,6 +233,14 @@ void CommandLineTest::wrongUsage_data()
     QTest::newRow("quality out of range")
         << with("--save-set", "jpegQuality=101") << QByteArray("jpegQuality");
     QTest::newRow("no jobs") << with("--jobs", "0") << QByteArray("jobs");
+    QTest::newRow("unknown answer") << with("--conflict", "maybe") << QByteArray("conflict");
+    QTest::newRow("no tokens") << with("--save-set", "filenameTokens=[]") << QByteArray("filenameTokens");
+    QTest::newRow("unknown letter case")
+        << with("--save-set", "fileBaseNameCase=title") << QByteArray("do not change");
+    QTest::newRow("no saving presets") << with("--saving-presets", "/dev/null") << QByteArray("/dev/null");
+    QTest::newRow("saving preset without a file") << with("--saving-preset", "Web") << QByteArray("presets");
+    QTest::newRow("start folder that is none")
+        << with("--replicate-from", "no such folder") << QByteArray("no such folder");
 }
 
 void CommandLineTest::wrongUsage()
@@ -258,11 +276,12 @@ void CommandLineTest::badFilesDoNotStopTheOthers()
     QCOMPARE(entries(out), (QStringList{QStringLiteral("a.png"), QStringLiteral("b.jpg")}));
     const QList<QByteArray> lines = outcome.err.trimmed().split('\n');
     std::filesystem::remove_all(m_folder->path(QStringLiteral("in")).toStdString()); // Qt could not
-    QCOMPARE(lines.size(), 4);
+    QCOMPARE(lines.size(), 5);
     QVERIFY2(lines[0].startsWith("0 empty.jpg: "), lines[0].constData());
     QVERIFY2(lines[1].startsWith("1 text.png: "), lines[1].constData());
     QVERIFY2(lines[2].startsWith("2 cut.jpg: "), lines[2].constData());
     QVERIFY2(lines[3].startsWith("3 caf") && lines[3].endsWith("UTF-8"), lines[3].constData());
+    QCOMPARE(lines[4], "plexa-cli: 4 of 6 copies failed");
 }
 
 void CommandLineTest::namesAreNeverTakenTwice()
@@ -282,32 +301,211 @@ void CommandLineTest::namesAreNeverTakenTwice()
     QCOMPARE(mine.readAll(), "mine");
 }
 
+void CommandLineTest::dryRunAgreesWithTheRun_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QStringList>("outputs"); // below "out"; empty: skipped
+    const auto list = [](const char *text) { return QString::fromLatin1(text).split(QLatin1Char(' ')); };
+    QTest::newRow("unique") << QStringList{} << list("a-1.png b.jpg b-1.jpg");
+    QTest::newRow("overwrite") << list("--conflict overwrite") << list("a.png b.jpg b.jpg");
+    QTest::newRow("skip") << list("--conflict skip")
+                          << QStringList{QString(), QStringLiteral("b.jpg"), QString()};
+    QTest::newRow("folders") << QStringList{QStringLiteral("--replicate-from"), QStringLiteral("in")}
+                             << list("a-1.png b.jpg deep/b.jpg");
+    QTest::newRow("tokens") << QStringList{QStringLiteral("--save-set"),
+                                           QStringLiteral(
+                                               "filenameTokens=[\"city\",\"width\",\"_\",\"sequence ##\"]")}
+                            << list("120_01.png 320_02.jpg 40_03.jpg");
+}
+
 void CommandLineTest::dryRunAgreesWithTheRun()
 {
-    const QString out = m_folder->path(QStringLiteral("out"));
-    const QStringList arguments{QStringLiteral("save"),
-                                QStringLiteral("--text"),
-                                QStringLiteral("x"),
-                                QStringLiteral("--json"),
-                                QStringLiteral("--jobs"),
-                                QStringLiteral("3"),
-                                QStringLiteral("--output"),
-                                out,
-                                m_folder->path(QStringLiteral("in"))};
+    QFETCH(QStringList, options);
+    QFETCH(QStringList, outputs);
+    QVERIFY(QDir(m_folder->path()).mkpath(QStringLiteral("in/deep")));
+    QVERIFY(QDir(m_folder->path()).mkpath(QStringLiteral("out")));
+    QVERIFY(gradient({40, 40}).save(m_folder->path(QStringLiteral("in/deep/b.jpg"))));
+    write(QStringLiteral("out/a.png"), "mine");
+    options.replaceInStrings(QRegularExpression(QStringLiteral("^in$")),
+                             m_folder->path(QStringLiteral("in")));
+    const QString out = m_folder->path(QStringLiteral("out/"));
+    const QStringList arguments = QStringList{QStringLiteral("save"),
+                                              QStringLiteral("--set"),
+                                              QStringLiteral("textTokens=[\"(c) \",\"creator\"]"),
+                                              QStringLiteral("--json"),
+                                              QStringLiteral("--jobs"),
+                                              QStringLiteral("3"),
+                                              QStringLiteral("--output"),
+                                              out,
+                                              m_folder->path(QStringLiteral("in"))} +
+                                  options;
     const Outcome plan = run(arguments + QStringList{QStringLiteral("--dry-run")});
     QCOMPARE(plan.status, 0);
-    QVERIFY(!QFile::exists(out));
+    QCOMPARE(entries(out), QStringList{QStringLiteral("a.png")});
     const Outcome real = run(arguments);
     QCOMPARE(real.status, 0);
     const QList<QJsonObject> planned = jsonLines(plan.out);
     const QList<QJsonObject> done = jsonLines(real.out);
-    QCOMPARE(planned.size(), 2);
-    QCOMPARE(done.size(), 2);
-    for (int i = 0; i < 2; ++i) {
-        for (const char *key : {"source", "output", "sequence", "wpreset"})
+    QCOMPARE(planned.size(), outputs.size());
+    QCOMPARE(done.size(), outputs.size());
+    for (int i = 0; i < outputs.size(); ++i) {
+        for (const char *key : {"source", "output", "sequence", "wpreset", "conflict"})
             QCOMPARE(done[i][QLatin1String(key)], planned[i][QLatin1String(key)]);
-        QVERIFY(QFile::exists(done[i][QStringLiteral("output")].toString()));
+        const QString output = done[i][QStringLiteral("output")].toString();
+        QCOMPARE(output.isEmpty() ? output : QDir(out).relativeFilePath(output), outputs[i]);
+        QCOMPARE(done[i][QStringLiteral("status")].toString(),
+                 output.isEmpty() ? QStringLiteral("skipped") : QStringLiteral("written"));
+        QVERIFY(output.isEmpty() || !QImage(output).isNull());
+        QVERIFY(output.isEmpty() ||
+                planned[i][QStringLiteral("emptyTokens")].toArray().contains(QStringLiteral("creator")));
     }
+}
+
+void CommandLineTest::whereCopiesGo_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QStringList>("files"); // in "in", afterwards
+    const auto saveSet = [](const char *field) {
+        return QStringList{QStringLiteral("--save-set"), QString::fromLatin1(field)};
+    };
+    QTest::newRow("beside the originals") << QStringList{}
+                                          << QStringList{QStringLiteral("a-1.png"), QStringLiteral("a.png"),
+                                                         QStringLiteral("b-1.jpg"), QStringLiteral("b.jpg")};
+    QTest::newRow("in their place") << QStringList{QStringLiteral("--conflict"), QStringLiteral("overwrite")}
+                                    << QStringList{QStringLiteral("a.png"), QStringLiteral("b.jpg")};
+    QTest::newRow("upper case, another format")
+        << saveSet("fileBaseNameCase=upper case") + saveSet("fileExtensionCase=upper case") +
+               saveSet("imageFormat=TIFF")
+        << QStringList{QStringLiteral("A.TIF"), QStringLiteral("B.TIF"), QStringLiteral("a.png"),
+                       QStringLiteral("b.jpg")};
+}
+
+void CommandLineTest::whereCopiesGo()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QStringList, files);
+    const Outcome outcome = run(QStringList{QStringLiteral("save"), QStringLiteral("--text"),
+                                            QStringLiteral("x"), m_folder->path(QStringLiteral("in"))} +
+                                options);
+    QVERIFY2(outcome.status == 0, outcome.err.constData());
+    QCOMPARE(entries(m_folder->path(QStringLiteral("in"))), files);
+    QVERIFY(!outcome.out.contains("skipped"));
+}
+
+void CommandLineTest::savingPresetsFromAFile()
+{
+    plexa::SavingPresetValues web;
+    web.name = QStringLiteral("Web");
+    web.imageFormat = QStringLiteral("PNG");
+    web.filenameTokens = {QStringLiteral("saving preset name"), QStringLiteral("sequence #")};
+    plexa::SavingPresetValues print = web;
+    print.name = QStringLiteral("Print");
+    const QString file = m_folder->path(QStringLiteral("presets"));
+    QVERIFY(plexa::SavingPreset::writeObjects(
+        {std::make_shared<plexa::SavingPreset>(web), std::make_shared<plexa::SavingPreset>(print)}, file,
+        QStringLiteral("Quorvel Plexa")));
+    const QString out = m_folder->path(QStringLiteral("out"));
+    const QStringList arguments{QStringLiteral("save"),
+                                QStringLiteral("--text"),
+                                QStringLiteral("x"),
+                                QStringLiteral("--saving-presets"),
+                                file,
+                                QStringLiteral("--save-set"),
+                                QStringLiteral("fileBaseNameCase=lower case"),
+                                QStringLiteral("--output"),
+                                out,
+                                m_folder->path(QStringLiteral("in"))};
+    const Outcome unclear = run(arguments);
+    QCOMPARE(unclear.status, 2);
+    QVERIFY2(unclear.err.contains("\"Web\", \"Print\""), unclear.err.constData());
+    QCOMPARE(run(arguments + QStringList{QStringLiteral("--saving-preset"), QStringLiteral("Print")}).status,
+             0);
+    QCOMPARE(entries(out), (QStringList{QStringLiteral("print1.png"), QStringLiteral("print2.png")}));
+}
+
+void CommandLineTest::fullDisk_data()
+{
+    QTest::addColumn<QString>("shell"); // $1: the folder for the copies
+    QTest::newRow("file size limit") << QStringLiteral(
+        "mkdir \"$1\" && ulimit -f 200 && shift && exec \"$@\"");
+    QTest::newRow("full file system") << QStringLiteral(
+        "mkdir \"$1\" && mount -t tmpfs -o size=1200k none \"$1\" || exit 77; out=$1; shift; "
+        "\"$@\"; status=$?; umask 0; mkdir \"$out.kept\"; cp -a \"$out/.\" \"$out.kept\"; "
+        "exit $status");
+}
+
+/// Some copies fit, others do not.
+void CommandLineTest::fullDisk()
+{
+    QFETCH(QString, shell);
+    const bool isMounted = shell.contains(QLatin1String("mount"));
+    QImage noise(700, 500, QImage::Format_RGB32);
+    for (int y = 0; y < noise.height(); ++y) {
+        for (int x = 0; x < noise.width(); ++x)
+            noise.setPixel(x, y, QRandomGenerator::global()->generate() | 0xff000000U);
+    }
+    QVERIFY(noise.save(m_folder->path(QStringLiteral("in/c.png"))));
+    QVERIFY(noise.save(m_folder->path(QStringLiteral("in/d.png"))));
+    const QString out = m_folder->path(QStringLiteral("out"));
+    QStringList command{QStringLiteral("/bin/sh"),
+                        QStringLiteral("-c"),
+                        shell,
+                        QStringLiteral("sh"),
+                        out,
+                        program(),
+                        QStringLiteral("save"),
+                        QStringLiteral("--text"),
+                        QStringLiteral("x"),
+                        QStringLiteral("--output"),
+                        out,
+                        m_folder->path(QStringLiteral("in"))};
+    if (isMounted)
+        command = QStringList{QStringLiteral("unshare"), QStringLiteral("-Urm")} + command;
+    QProcess process;
+    process.start(command.first(), command.mid(1));
+    QVERIFY(process.waitForFinished(120'000));
+    const QByteArray messages = process.readAllStandardError();
+    if (isMounted && (process.exitCode() == 77 || messages.contains("unshare")))
+        QSKIP("a file system cannot be mounted here");
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QVERIFY2(process.exitCode() == 1, messages.constData());
+    const QStringList copies = entries(isMounted ? out + QStringLiteral(".kept") : out);
+    QVERIFY2(copies.size() >= 2 && copies.size() < 4, qPrintable(copies.join(QLatin1Char(' '))));
+    QCOMPARE(copies.first(2), (QStringList{QStringLiteral("a.png"), QStringLiteral("b.jpg")}));
+    QVERIFY2(messages.contains("d.png: ") || messages.contains("c.png: "), messages.constData());
+    QVERIFY2(messages.contains(" of 4 copies failed"), messages.constData());
+    for (const QString &copy : copies)
+        QVERIFY(
+            !QImage((isMounted ? out + QStringLiteral(".kept/") : out + QLatin1Char('/')) + copy).isNull());
+}
+
+/// What a killed run leaves are whole files, and hidden ones at most, which the next run removes.
+void CommandLineTest::killing()
+{
+    const QString in = m_folder->path(QStringLiteral("many"));
+    QVERIFY(QDir().mkpath(in));
+    QVERIFY(gradient({1600, 1200}).save(in + QStringLiteral("/000.jpg")));
+    for (int i = 1; i < 200; ++i)
+        QVERIFY(QFile::link(in + QStringLiteral("/000.jpg"),
+                            in + QStringLiteral("/%1.jpg").arg(i, 3, 10, QLatin1Char('0'))));
+    const QString out = m_folder->path(QStringLiteral("out"));
+    const QStringList arguments{QStringLiteral("save"), QStringLiteral("--text"), QStringLiteral("x"),
+                                QStringLiteral("--output"), out};
+    QProcess process;
+    process.start(program(), arguments + QStringList{in});
+    QVERIFY(process.waitForReadyRead(60'000)); // the first copy is written
+    process.kill();
+    QVERIFY(process.waitForFinished(60'000));
+    QVERIFY2(entries(out).size() < 200, "the run was over before it could be killed");
+    for (const QString &copy : entries(out)) {
+        if (!copy.startsWith(QLatin1Char('.')))
+            QCOMPARE(QImage(out + QLatin1Char('/') + copy).size(), QSize(1600, 1200));
+    }
+    write(QStringLiteral("out/.plexa-00000000.tmp"), "half a photo");
+    write(QStringLiteral("out/.plexa-notes.tmp"), "not ours");
+    QCOMPARE(run(arguments + QStringList{m_folder->path(QStringLiteral("in"))}).status, 0);
+    const QStringList hidden = entries(out).filter(QRegularExpression(QStringLiteral("^\\.")));
+    QCOMPARE(hidden, QStringList{QStringLiteral(".plexa-notes.tmp")});
 }
 
 /// Libraries take some names for the standard input, or for addresses.

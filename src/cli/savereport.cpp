@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "cli/savereport.h"
+
+#include "cli/messages.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace plexa
+{
+namespace
+{
+
+using Status = SavingOutput::Status;
+using Conflict = SavingOutput::Conflict;
+
+QString nameOf(Status status)
+{
+    switch (status) {
+    case Status::Planned:
+        return QStringLiteral("planned");
+    case Status::Written:
+        return QStringLiteral("written");
+    case Status::Skipped:
+        return QStringLiteral("skipped");
+    case Status::Failed:
+        break;
+    }
+    return QStringLiteral("failed");
+}
+
+/// What is done about a file of the same name; empty when there is none.
+QString nameOf(Conflict conflict)
+{
+    switch (conflict) {
+    case Conflict::UniqueName:
+        return QStringLiteral("unique");
+    case Conflict::Overwrite:
+        return QStringLiteral("overwrite");
+    case Conflict::Skip:
+        return QStringLiteral("skip");
+    case Conflict::NoNameIsFree:
+        return QStringLiteral("no name is free");
+    case Conflict::None:
+        break;
+    }
+    return {};
+}
+
+QJsonValue orNull(const QString &text)
+{
+    return text.isEmpty() ? QJsonValue::Null : QJsonValue(text);
+}
+
+QJsonValue jsonRect(const SavingOutput &output)
+{
+    if (output.isCombined || output.report.rects.size() != 1 || !output.report.rects.front())
+        return QJsonValue::Null;
+    const QRectF rect = *output.report.rects.front();
+    return QJsonArray{rect.x(), rect.y(), rect.width(), rect.height()};
+}
+
+bool isPlan(const SavingOutput &output)
+{
+    return output.status == Status::Planned;
+}
+
+QByteArray jsonLine(const SavingOutput &output)
+{
+    const CopyReport &report = output.report;
+    QJsonObject line{
+        {QStringLiteral("source"), output.sourcePath},       {QStringLiteral("output"), output.path},
+        {QStringLiteral("status"), nameOf(output.status)},   {QStringLiteral("error"), orNull(output.error)},
+        {QStringLiteral("sequence"), output.sequenceNumber}, {QStringLiteral("wpreset"), output.wPresetName},
+        {QStringLiteral("rect"), jsonRect(output)},          {QStringLiteral("size"), QJsonValue::Null}};
+    if (output.status == Status::Written)
+        line[QStringLiteral("size")] = QJsonArray{report.size.width(), report.size.height()};
+    if (!report.dropped.isEmpty())
+        line[QStringLiteral("dropped")] = QJsonArray::fromStringList(report.dropped);
+    if (output.conflict != Conflict::None)
+        line[QStringLiteral("conflict")] = nameOf(output.conflict);
+    if (isPlan(output))
+        line[QStringLiteral("emptyTokens")] = QJsonArray::fromStringList(output.emptyTokens);
+    return QJsonDocument(line).toJson(QJsonDocument::Compact);
+}
+
+QString textLine(const SavingOutput &output)
+{
+    if (output.status == Status::Skipped)
+        return QStringLiteral("%1 skipped: %2")
+            .arg(output.sourcePath, output.conflict == Conflict::Skip
+                                        ? QStringLiteral("a file of the copy's name exists")
+                                        : QStringLiteral("no name is free for the copy"));
+    QString line = QStringLiteral("%1 -> %2").arg(output.sourcePath, output.path);
+    if (output.conflict != Conflict::None)
+        line += QStringLiteral(" (%1)").arg(nameOf(output.conflict));
+    if (!output.emptyTokens.isEmpty())
+        line += QStringLiteral(" [empty: %1]").arg(output.emptyTokens.join(QLatin1String(", ")));
+    return line;
+}
+
+bool isWithoutWatermark(const SavingOutput &output)
+{
+    const auto &rects = output.report.rects;
+    return output.status == Status::Written &&
+           std::none_of(rects.begin(), rects.end(), [](const auto &rect) { return rect.has_value(); });
+}
+
+} // namespace
+
+SaveReport::SaveReport(std::size_t copies, Form form)
+    : m_form(form)
+    , m_progress(copies, !form.quiet)
+{
+}
+
+void SaveReport::copyFinished(const SavingOutput &output)
+{
+    m_progress.clear();
+    const bool isFailure = output.status == Status::Failed;
+    m_failures += isFailure ? 1 : 0;
+    if (isFailure)
+        printAbout(output.sourcePath, output.error);
+    else if (!m_form.quiet && isWithoutWatermark(output))
+        printAbout(output.sourcePath,
+                   QStringLiteral("saved without a watermark, which is empty for this photo"));
+
+    if (m_form.json)
+        std::fprintf(stdout, "%s\n", jsonLine(output).constData());
+    else if (!m_form.quiet && !isFailure)
+        printLine(stdout, onOneLine(textLine(output)));
+    std::fflush(stdout);
+    m_progress.setDone(++m_copies);
+}
+
+void SaveReport::end()
+{
+    m_progress.clear();
+    if (m_failures > 0)
+        printLine(stderr, QStringLiteral("plexa-cli: %1 of %2 copies failed").arg(m_failures).arg(m_copies));
+}
+
+} // namespace plexa

@@ -1,0 +1,378 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "saving/savingprocess.h"
+
+#include "platform/leftovers.h"
+#include "raster/bitmaputilities.h"
+#include "watermark/texttokens.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <utility>
+
+namespace plexa
+{
+namespace
+{
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(plexa::Saving)
+};
+
+constexpr int kProgressPictureSide = 180;
+
+/// One spelling for one file, whatever links lead to it.
+QString fileKey(const QString &path)
+{
+    const QFileInfo info(path);
+    const QString canonical = info.canonicalFilePath();
+    if (!canonical.isEmpty())
+        return canonical;
+    const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
+    return (folder.isEmpty() ? info.absolutePath() : folder) + u'/' + info.fileName();
+}
+
+bool isCombining(const SavingRun &run)
+{
+    return run.combineAllAppliedPresetsInImage && !run.isInSingleMode;
+}
+
+/// Everything but the photo's own name has to be looked up in the photo.
+bool needPhoto(const QStringList &tokens)
+{
+    return std::any_of(tokens.begin(), tokens.end(), [](const QString &token) {
+        return token != QLatin1StringView("filename") && tokenNames().contains(token);
+    });
+}
+
+} // namespace
+
+struct SavingProcess::AheadOfTime {
+    SavingPhoto photo;
+    std::optional<PhotoFacts> facts; ///< none where they are not needed, or cannot be read
+    QString failure;                 ///< why they cannot
+    QImage picture;                  ///< small; null when the photo is not loaded
+    bool isDone = false;             // guarded by the process's mutex
+};
+
+struct SavingProcess::PhotoInWork {
+    ~PhotoInWork()
+    {
+        if (isReleased && image)
+            image->releaseImagesData();
+    }
+
+    std::shared_ptr<ImageObject> image;
+    QString key;
+    bool isReleased = false;
+    std::unique_ptr<QFile> original; ///< the open file, where a copy replaces it before the last one is made
+};
+
+struct SavingProcess::Pending {
+    SavingOutput output;
+    bool overwrites = false;
+    bool isFinished = true; // guarded by the process's mutex
+};
+
+struct SavingProcess::Order {
+    std::vector<AppliedPreset> presets; ///< all of them, or the one
+    SavingPresetValues savingPreset;
+    bool isCombined = false;
+    bool isLastOfPhoto = false;
+};
+
+namespace
+{
+
+/// @tparam Order  the private type above
+template<class Order>
+std::vector<Order> ordersOf(const SavingRun &run)
+{
+    std::vector<Order> orders;
+    const bool combines = isCombining(run);
+    for (const PresetToSave &preset : run.effectivePresets) {
+        if (combines && !orders.empty()) {
+            orders.front().presets.push_back(preset.applied);
+            continue;
+        }
+        const bool hasOwn = preset.assignedSavingPreset && !run.ignoreAssignedSavingPresets && !combines;
+        orders.push_back(
+            {{preset.applied}, hasOwn ? *preset.assignedSavingPreset : run.defaultSavingPreset, combines});
+    }
+    if (!orders.empty())
+        orders.back().isLastOfPhoto = true;
+    return orders;
+}
+
+OutputFolders foldersOf(const SavingRun &run)
+{
+    OutputFolders folders = run.folders;
+    folders.makesFolders = !run.isDryRun;
+    return folders;
+}
+
+} // namespace
+
+SavingProcess::SavingProcess(const SavingRun &run, SavingObserver &observer, Alerts &alerts,
+                             const std::atomic_bool &terminateOperation)
+    : m_run(run)
+    , m_observer(observer)
+    , m_terminateOperation(terminateOperation)
+    , m_naming(foldersOf(run), alerts)
+    , m_orders(ordersOf<Order>(run))
+    , m_total(static_cast<qint64>(run.photoCount * m_orders.size()))
+    , m_namesNeedPhotos(run.isDryRun || std::any_of(m_orders.begin(), m_orders.end(),
+                                                    [](const Order &order) {
+                                                        return needPhoto(order.savingPreset.filenameTokens);
+                                                    }))
+    , m_conflictCode(run.conflictCode)
+{
+}
+
+SavingProcess::~SavingProcess() = default;
+
+bool SavingProcess::isStopped() const
+{
+    return m_terminateOperation || (m_run.isStopped && m_run.isStopped());
+}
+
+template<class Condition>
+void SavingProcess::waitUntil(Condition condition)
+{
+    std::unique_lock lock(m_mutex);
+    while (true) {
+        if (!m_pending.empty() && m_pending.front()->isFinished) {
+            const std::unique_ptr<Pending> due = std::move(m_pending.front());
+            m_pending.pop_front();
+            lock.unlock();
+            m_observer.copyFinished(due->output);
+            lock.lock();
+        } else if (condition()) {
+            return;
+        } else {
+            m_changed.wait(lock);
+        }
+    }
+}
+
+void SavingProcess::run()
+{
+    m_observer.begun(m_total, Texts::tr("Saving images..."));
+    if (m_total == 0)
+        return;
+    if (!m_run.folders.destDirectory.isEmpty() && !m_run.isDryRun)
+        QDir().mkpath(m_run.folders.destDirectory); // without it every copy fails and says so
+    const int jobs = std::max(m_run.jobs, 1);
+    m_pool.emplace(static_cast<int>(std::min<qint64>(jobs, m_total)));
+    for (std::size_t index = 0; index < m_run.photoCount; ++index) {
+        if (isStopped())
+            break;
+        readAhead(index + static_cast<std::size_t>(jobs));
+        waitUntil([&] { return m_unfinished < jobs; });
+        if (isStopped())
+            break;
+        savePhoto();
+    }
+    waitUntil([this] { return m_pending.empty(); });
+    m_pool.reset();
+}
+
+void SavingProcess::readAhead(std::size_t untilIndex)
+{
+    for (; m_nextToRead < m_run.photoCount && m_nextToRead <= untilIndex; ++m_nextToRead) {
+        const auto ahead = std::make_shared<AheadOfTime>();
+        ahead->photo = m_run.photoAt(m_nextToRead);
+        m_ahead.push_back(ahead);
+        m_pool->add([this, ahead] {
+            read(*ahead);
+            const std::lock_guard lock(m_mutex);
+            ahead->isDone = true;
+            m_changed.notify_all();
+        });
+    }
+}
+
+void SavingProcess::read(AheadOfTime &ahead) const
+{
+    ahead.failure = ahead.photo.failure;
+    if (!ahead.photo.image)
+        return;
+    if (m_namesNeedPhotos) {
+        if (Result<PhotoFacts> facts = ahead.photo.image->readFacts())
+            ahead.facts = std::move(*facts);
+        else
+            ahead.failure = facts.error().text;
+    }
+    if (const QImage loaded = ahead.photo.image->imageAtHand(); !loaded.isNull())
+        ahead.picture = createImageScaledToMaxSize(loaded, kProgressPictureSide, false);
+}
+
+/// The next photo, when its turn has come.
+std::shared_ptr<SavingProcess::AheadOfTime> SavingProcess::next()
+{
+    std::shared_ptr<AheadOfTime> ahead = std::move(m_ahead.front());
+    m_ahead.pop_front();
+    const QString key = fileKey(ahead->photo.path);
+    waitUntil([&] { return ahead->isDone && !m_beingWritten.contains(key); });
+    if (m_overwritten.contains(key)) // after it was read
+        read(*ahead);
+    return ahead;
+}
+
+void SavingProcess::savePhoto()
+{
+    const std::shared_ptr<AheadOfTime> ahead = next();
+    const auto photo = std::make_shared<PhotoInWork>();
+    photo->image = ahead->photo.image;
+    photo->key = fileKey(ahead->photo.path);
+    photo->isReleased = m_run.releasesImages && !m_run.isDryRun;
+    if (!ahead->picture.isNull())
+        m_observer.pictureBegun(ahead->picture);
+    for (const Order &order : m_orders)
+        saveCopy(photo, *ahead, order);
+}
+
+void SavingProcess::saveCopy(const std::shared_ptr<PhotoInWork> &photo, const AheadOfTime &ahead,
+                             const Order &order)
+{
+    auto made = std::make_unique<Pending>();
+    Pending &pending = *made;
+    SavingOutput &output = pending.output;
+    output.sourcePath = ahead.photo.path;
+    output.sequenceNumber = ++m_counter;
+    output.wPresetName = order.presets.front().values.name;
+    output.isCombined = order.isCombined;
+    if (photo->image) {
+        decide(pending, ahead, order, m_naming.targetDirectoryForFile(ahead.photo.path));
+    } else {
+        output.status = SavingOutput::Status::Failed;
+        output.error = ahead.failure;
+    }
+    if (output.status == SavingOutput::Status::Planned && m_run.isDryRun) {
+        output.emptyTokens = emptyTokens(ahead, order);
+        if (!ahead.failure.isEmpty()) {
+            output.status = SavingOutput::Status::Failed;
+            output.error = ahead.failure;
+        }
+    } else if (output.status == SavingOutput::Status::Planned) {
+        startWriting(pending, photo, order);
+    }
+    m_pending.push_back(std::move(made));
+}
+
+/// Name, question, final path.
+void SavingProcess::decide(Pending &pending, const AheadOfTime &ahead, const Order &order,
+                           const QString &folder)
+{
+    using Conflict = SavingOutput::Conflict;
+    SavingOutput &output = pending.output;
+    const TokenSource &tokens =
+        ahead.facts ? static_cast<const TokenSource &>(*ahead.facts) : *ahead.photo.image;
+    const QString name = OutputNaming::filenameForImage(tokens, ahead.photo.path, output.wPresetName,
+                                                        order.savingPreset, output.sequenceNumber);
+    m_observer.copyBegun(output.sequenceNumber,
+                         Texts::tr("Saving image %1 out of %2:\n%3")
+                             .arg(QString::number(output.sequenceNumber), QString::number(m_total), name));
+    const QString path = QDir(folder).filePath(name);
+    if (const auto destination = m_naming.finalDestinationForPath(path, m_conflictCode)) {
+        output.path = destination->path;
+        pending.overwrites = destination->overwrites;
+        if (destination->overwrites)
+            output.conflict = Conflict::Overwrite;
+        else if (destination->path != path)
+            output.conflict = Conflict::UniqueName;
+        return;
+    }
+    output.status = SavingOutput::Status::Skipped;
+    const auto choice = static_cast<quint32>(m_conflictCode) & ~OutputNaming::kRemembered;
+    output.conflict = choice == OutputNaming::kUniqueName ? Conflict::NoNameIsFree : Conflict::Skip;
+}
+
+void SavingProcess::startWriting(Pending &pending, const std::shared_ptr<PhotoInWork> &photo,
+                                 const Order &order)
+{
+    removeLeftoversIn(QFileInfo(pending.output.path).path());
+    const QString target = fileKey(pending.output.path);
+    if (pending.overwrites) {
+        waitUntil([&] { return !m_beingWritten.contains(target) && !m_beingRead.contains(target); });
+        m_overwritten.insert(target);
+        if (target == photo->key && !order.isLastOfPhoto && !photo->original) {
+            // The copies to come are made of the photo as it is now.
+            auto original = std::make_unique<QFile>(photo->image->readPath());
+            if (original->open(QIODevice::ReadOnly))
+                photo->original = std::move(original);
+        }
+    }
+    QString readFrom;
+    if (photo->original)
+        readFrom = QStringLiteral("/proc/self/fd/%1").arg(photo->original->handle());
+    {
+        const std::lock_guard lock(m_mutex);
+        pending.isFinished = false;
+        ++m_unfinished;
+        ++m_beingRead[photo->key];
+        m_beingWritten.insert(target);
+    }
+    m_pool->add([this, &pending, photo, &order, readFrom, target] {
+        const auto ifExists = pending.overwrites ? AtomicFile::IfExists::Replace : AtomicFile::IfExists::Fail;
+        Result<CopyReport> result =
+            photo->image->saveImageAtPath(pending.output.path, order.presets, order.savingPreset, ifExists,
+                                          m_run.preservesCreationDate, {}, readFrom);
+        finish(pending, std::move(result), photo->key, target);
+    });
+}
+
+/// On a thread of the pool. Nothing may touch the copy afterwards.
+void SavingProcess::finish(Pending &pending, Result<CopyReport> result, const QString &sourceKey,
+                           const QString &target)
+{
+    SavingOutput &output = pending.output;
+    if (result) {
+        output.status = SavingOutput::Status::Written;
+        output.report = std::move(*result);
+        m_naming.finished(output.path);
+    } else {
+        // The path stays taken: names must not depend on how soon a copy failed.
+        output.status = SavingOutput::Status::Failed;
+        output.error = result.error().text;
+    }
+    const std::lock_guard lock(m_mutex);
+    pending.isFinished = true;
+    --m_unfinished;
+    m_beingWritten.remove(target);
+    if (--m_beingRead[sourceKey] == 0)
+        m_beingRead.remove(sourceKey);
+    m_changed.notify_all();
+}
+
+QStringList SavingProcess::emptyTokens(const AheadOfTime &ahead, const Order &order) const
+{
+    QStringList tokens = order.savingPreset.filenameTokens;
+    for (const AppliedPreset &preset : order.presets) {
+        if (preset.values.type == QLatin1StringView("Text"))
+            tokens += preset.values.textTokens;
+    }
+    QStringList empty;
+    for (const QString &token : std::as_const(tokens)) {
+        bool isToken = false;
+        if (ahead.facts && ahead.facts->stringForInfoToken(token, &isToken).value_or(QString()).isEmpty() &&
+            isToken && !empty.contains(token))
+            empty.append(token);
+    }
+    return empty;
+}
+
+/// Once for each folder.
+void SavingProcess::removeLeftoversIn(const QString &folder)
+{
+    if (m_visitedFolders.contains(folder))
+        return;
+    m_visitedFolders.insert(folder);
+    removeLeftovers(folder);
+}
+
+} // namespace plexa

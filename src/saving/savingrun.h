@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "images/imageobject.h"
+#include "saving/outputnaming.h"
+
+#include <QImage>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace plexa
+{
+
+/// A photo of a run.
+struct SavingPhoto {
+    QString path;
+    std::shared_ptr<ImageObject> image; ///< null only where there is a failure
+    QString failure;                    ///< why it cannot be had, where that is known already; else empty
+};
+
+/// A watermark preset of a run, as it stood when the run began.
+struct PresetToSave {
+    AppliedPreset applied;
+    std::optional<SavingPresetValues> assignedSavingPreset;
+};
+
+/// Looks up the saving presets that are assigned to the watermark presets. On the thread of the presets.
+std::vector<PresetToSave> presetsToSave(const std::vector<AppliedPreset> &presets);
+
+/// Everything that a run is made of.
+struct SavingRun {
+    std::size_t photoCount = 0;
+    /// Gives a photo when its turn comes near; in order, each once, on the thread of the run. It is let go
+    /// when its copies are made.
+    std::function<SavingPhoto(std::size_t index)> photoAt;
+
+    std::vector<PresetToSave> effectivePresets; ///< none: nothing is saved
+    SavingPresetValues defaultSavingPreset;
+    OutputFolders folders;
+
+    bool isInSingleMode = false;                  ///< nothing is combined then
+    bool combineAllAppliedPresetsInImage = false; ///< a copy for each photo, else for each photo and preset
+    bool ignoreAssignedSavingPresets = false;     ///< defaultSavingPreset is for all copies
+    bool preservesCreationDate = true;            ///< copies have the dates of their originals
+    bool releasesImages = false;                  ///< a photo forgets its pixels when its copies are made
+    bool collectsSavedImagesInfo = false;         ///< for the companion application
+    bool isDryRun = false;                        ///< everything is decided, nothing is written
+    OutputNaming::ConflictCode conflictCode = 0;  ///< OutputNaming::always() asks nobody
+    int jobs = 1;                                 ///< how many copies are made at once
+
+    /// Asked before a photo is begun; true: no further one is. May be empty. On the thread of the run.
+    std::function<bool()> isStopped;
+};
+
+/// One copy that a run made, or did not make.
+struct SavingOutput {
+    enum class Status { Planned, Written, Skipped, Failed };
+    /// What was done about a file of the name that the copy should have had.
+    enum class Conflict { None, UniqueName, Overwrite, Skip, NoNameIsFree };
+
+    QString sourcePath;
+    QString path; ///< where the copy is, or would be; empty where it has no place
+    qint64 sequenceNumber = 0;
+    QString wPresetName; ///< combined: the first one's
+    bool isCombined = false;
+    Status status = Status::Planned;
+    Conflict conflict = Conflict::None;
+    QString error;           ///< why it failed
+    CopyReport report;       ///< of a written copy
+    QStringList emptyTokens; ///< dry run: tokens in the name and the watermarks that the photo leaves empty
+};
+
+/// Hears how a run goes, on the thread of the run.
+class SavingObserver
+{
+public:
+    virtual ~SavingObserver() = default;
+
+    /// @param maximum  how many copies there will be at most
+    virtual void begun(qint64 maximum, const QString &message);
+
+    /// A photo that is loaded is begun. @param picture  180 pixels on its longer side
+    virtual void pictureBegun(const QImage &picture);
+
+    /// A copy is begun. @param value  its number
+    virtual void copyBegun(qint64 value, const QString &message);
+
+    /// A copy is made, or not. In the order of their numbers.
+    virtual void copyFinished(const SavingOutput &output);
+};
+
+} // namespace plexa
