@@ -2,9 +2,9 @@
 
 #include "imageio/colorquantization.h"
 
+#include "imageio/openmpthreads.h"
 #include "imageio/readfailures.h"
 
-#include <dlfcn.h>
 #include <libimagequant.h>
 
 #include <algorithm>
@@ -76,42 +76,41 @@ thread_local std::unordered_set<void *> *LibraryMemory::s_blocks = nullptr;
 /// Pictures up to this many pixels the library keeps as floating-point numbers as well.
 constexpr qint64 kMaxPixelsKeptAsFloats = (qint64(1) << 26) / 16;
 
-/// The library shares its work out to OpenMP's threads. One thread works on one photo here, and those others
-/// wait busily for each other: with two of them the processors had half as much work again. The setting is
-/// the calling thread's own; where the library is built without OpenMP there is nothing to set.
-void useOneThread()
+Error failureOf(liq_error code)
 {
-    using SetThreads = void (*)(int);
-    static const auto setThreads = reinterpret_cast<SetThreads>(dlsym(RTLD_DEFAULT, "omp_set_num_threads"));
-    if (setThreads)
-        setThreads(1);
+    return {code == LIQ_OUT_OF_MEMORY ? ReadFailures::outOfMemory() : ReadFailures::colorsNotReduced(code)};
 }
 
 } // namespace
 
 Result<IndexedPicture> quantizedPicture(const uchar *pixels, QSize size, int maxColors)
 {
-    useOneThread();
-    const LibraryMemory memory; // the last to go
+    const OneOpenMpThread oneThread; // with two, the processors had half as much work again
+    const LibraryMemory memory;      // the last to go
     const Attributes attributes(liq_attr_create_with_allocator(LibraryMemory::take, LibraryMemory::giveBack));
     if (!attributes)
         return fail(ReadFailures::outOfMemory());
     // Slower settings than the library's usual one (4) were measured to gain less than a tenth of a decibel;
     // the quick ones (from 8) lose one to two and a half decibels for three fifths of the time.
     liq_set_speed(attributes.get(), 4);
-    liq_set_max_colors(attributes.get(), maxColors);
+    if (const liq_error code = liq_set_max_colors(attributes.get(), maxColors); code != LIQ_OK)
+        return tl::unexpected(failureOf(code));
     const Image image(liq_image_create_rgba(attributes.get(), pixels, size.width(), size.height(), 0));
-    liq_result *result = nullptr;
-    if (!image || liq_image_quantize(image.get(), attributes.get(), &result) != LIQ_OK)
+    if (!image) // the sizes are within its bounds
         return fail(ReadFailures::outOfMemory());
+    liq_result *result = nullptr;
+    if (const liq_error code = liq_image_quantize(image.get(), attributes.get(), &result); code != LIQ_OK)
+        return tl::unexpected(failureOf(code));
     const Colors colors(result);
     liq_set_dithering_level(result, 1);
     const auto count = size_t(size.width()) * size_t(size.height());
     IndexedPicture picture;
     picture.indices.reset(new (std::nothrow) uchar[count]);
-    if (!picture.indices ||
-        liq_write_remapped_image(result, image.get(), picture.indices.get(), count) != LIQ_OK)
+    if (!picture.indices)
         return fail(ReadFailures::outOfMemory());
+    if (const liq_error code = liq_write_remapped_image(result, image.get(), picture.indices.get(), count);
+        code != LIQ_OK)
+        return tl::unexpected(failureOf(code));
     // Only now: dithering settles the colours.
     const liq_palette *palette = liq_get_palette(result);
     for (unsigned int i = 0; i < palette->count; ++i)

@@ -25,7 +25,7 @@ struct IndexedPicture {
 /// @param pixels     red, green, blue and 255, row by row without padding
 /// @param size       sides of at least 1, at most maxQuantizedPixels() in all
 /// @param maxColors  2 to 256
-/// @return the failure when there is not enough memory
+/// @return the failure when there is not enough memory, or the library refuses
 [[nodiscard]] Result<IndexedPicture> quantizedPicture(const uchar *pixels, QSize size, int maxColors);
 
 /// The largest picture, in pixels.

@@ -19,6 +19,7 @@ namespace
 constexpr qint64 kMaxProfileBytes = 32'000'000;
 constexpr int kMaxBoxes = 1000;
 constexpr int kMaxComponents = 5;
+constexpr int kMaxMarkers = 500'000;
 
 struct Box {
     QByteArray type;
@@ -41,6 +42,9 @@ public:
             readBoxes(0, m_device.size());
         if ((!m_header.isBare && m_codestream < 0) || !readSizes())
             return fail(ReadFailures::damaged());
+        // OpenJPEG has no such bounds: what follows would not be counted.
+        if (m_boxes >= kMaxBoxes || !readCodingStyles())
+            return fail(ReadFailures::unsupportedKind("JPEG 2000"));
         if (int(m_header.components.size()) > kMaxComponents || !chooseColors())
             return fail(ReadFailures::unsupportedKind("JPEG 2000"));
         return m_header;
@@ -94,13 +98,12 @@ private:
             if (++m_depth < 4)
                 readBoxes(box.start, box.end);
             --m_depth;
-        } else if (box.type == "jp2c" && m_codestream < 0) {
+        } else if (box.type == "jp2c" && m_codestream < 0 && m_depth == 0) {
             m_codestream = box.start;
         } else if (box.type == "colr" && !m_hasColors) {
             takeColors(box);
         } else if (box.type == "pclr") {
-            m_header.hasPalette = true;
-            m_paletteColumns = int(number(box.start + 2, 1));
+            m_header.paletteColumns = qMax(m_header.paletteColumns, int(number(box.start + 2, 1)));
         } else if (box.type == "cdef") {
             takeChannels(box);
         } else if (box.type == "resd" || (box.type == "resc" && m_header.dpiWidth <= 0)) {
@@ -177,33 +180,79 @@ private:
             const QSize spacing(int(number(component + 1, 1)), int(number(component + 2, 1)));
             if (spacing.isEmpty())
                 return false;
-            m_header.components.push_back({int(number(component, 1) & 0x7f) + 1, spacing});
+            m_header.components.push_back(
+                {int(number(component, 1) & 0x7f) + 1,
+                 spacing,
+                 {samples(x0, x1, spacing.width()), samples(y0, y1, spacing.height())}});
+            const auto most = [](qint64 tileSide, qint64 side, int step) {
+                return int(qMin<qint64>(qMin(tileSide, side) / step + 1, 0x7fffffff));
+            };
+            m_header.tileSize = m_header.tileSize.expandedTo(
+                {most(tileWidth, x1 - x0, spacing.width()), most(tileHeight, y1 - y0, spacing.height())});
         }
-        const QSize spacing = m_header.components[0].spacing;
-        const auto side = [](qint64 from, qint64 to, int step) {
-            return int(qMin<qint64>((to + step - 1) / step - (from + step - 1) / step, 0x7fffffff));
-        };
-        m_header.size = {side(x0, x1, spacing.width()), side(y0, y1, spacing.height())};
-        readResolutions(at + 4 + qint64(number(at + 4, 2)));
+        m_header.size = m_header.components[0].size;
+        m_header.gridSize = {samples(x0, x1, 1), samples(y0, y1, 1)};
+        m_firstMarker = at + 4 + qint64(number(at + 4, 2));
         return true;
     }
 
-    /// Looks for the coding style among the markers that follow the sizes.
-    void readResolutions(qint64 position)
+    /// How many samples lie from one place of the grid to another.
+    static int samples(qint64 from, qint64 to, int step)
     {
-        int least = 33;
-        for (int i = 0; i < kMaxBoxes; ++i) {
+        return int(qMin<qint64>((to + step - 1) / step - (from + step - 1) / step, 0x7fffffff));
+    }
+
+    /// Follows the markers before the first tile and those that begin the parts of tiles.
+    /// @return false when there are too many
+    bool readCodingStyles()
+    {
+        m_header.resolutions = Jp2CodingStyle::kMostResolutions + 1;
+        qint64 position = passMarkers(m_firstMarker);
+        if (m_header.resolutions > Jp2CodingStyle::kMostResolutions)
+            m_header.resolutions = 1;
+        while (number(position, 2) == 0xFF90 && m_markers < kMaxMarkers) {
+            const auto length = qint64(number(position + 6, 4));
+            passMarkers(position + 12);
+            if (length < 12) // it goes on to the end, or is damaged
+                break;
+            position += length;
+        }
+        return m_markers < kMaxMarkers;
+    }
+
+    /// @return the position of the marker that begins a part of a tile or its data
+    qint64 passMarkers(qint64 position)
+    {
+        while (++m_markers < kMaxMarkers) {
             const quint64 marker = number(position, 2);
             const auto length = qint64(number(position + 2, 2));
-            if (marker < 0xFF00 || marker == 0xFF90 || length < 2) // the first tile
+            if (marker < 0xFF00 || marker == 0xFF90 || marker == 0xFF93 || length < 2)
                 break;
             if (marker == 0xFF52)
-                least = qMin(least, int(number(position + 9, 1)) + 1);
+                takeCodingStyle(position + 4, position + 9, int(number(position + 6, 2)));
             else if (marker == 0xFF53)
-                least = qMin(least, int(number(position + 6, 1)) + 1);
+                takeCodingStyle(position + 5, position + 6, 1);
             position += 2 + length;
         }
-        m_header.resolutions = least == 33 ? 1 : least;
+        return position;
+    }
+
+    /// @param flags   the position of the byte that tells whether sizes of precincts are said
+    /// @param fields  of the number of decompositions and what follows it
+    void takeCodingStyle(qint64 flags, qint64 fields, int layers)
+    {
+        Jp2CodingStyle style;
+        style.layers = layers;
+        style.resolutions = qMin(int(number(fields, 1)) + 1, Jp2CodingStyle::kMostResolutions);
+        style.blockWidthExponent = int(number(fields + 1, 1) & 15) + 2;
+        style.blockHeightExponent = int(number(fields + 2, 1) & 15) + 2;
+        for (int i = 0; i < style.resolutions && (number(flags, 1) & 1) != 0; ++i) {
+            const auto sides = int(number(fields + 5 + i, 1));
+            style.precinctWidthExponents[size_t(i)] = sides & 15;
+            style.precinctHeightExponents[size_t(i)] = sides >> 4;
+        }
+        m_header.structure.count(style, m_header.tileSize);
+        m_header.resolutions = qMin(m_header.resolutions, style.resolutions);
     }
 
     /// Decides which components make the colour, and which one is opacity.
@@ -211,7 +260,7 @@ private:
     {
         using Kind = Jp2Header::Kind;
         const auto coded = int(m_header.components.size());
-        const int count = m_header.hasPalette ? m_paletteColumns : coded;
+        const int count = m_header.paletteColumns > 0 ? m_header.paletteColumns : coded;
         if (m_header.isBare) {
             // Nothing tells; this is what programs write.
             m_header.kind = count < 3 ? Kind::Gray : Kind::Rgb;
@@ -225,15 +274,16 @@ private:
         }
         m_header.colors = m_header.kind == Kind::Gray ? 1 : m_header.kind == Kind::Cmyk ? 4 : 3;
         m_header.hasAlpha = m_header.hasAlpha && count > m_header.colors;
-        return count >= m_header.colors;
+        return count >= m_header.colors && count <= kMaxComponents;
     }
 
     QIODevice &m_device;
     Jp2Header m_header;
     qint64 m_codestream = -1;
+    qint64 m_firstMarker = 0; ///< behind the sizes
+    int m_markers = 0;
     bool m_hasColors = false;
     bool m_hasOtherColors = false; ///< a space is named that is not read
-    int m_paletteColumns = 0;
     int m_boxes = 0;
     int m_depth = 0;
 };

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "imageio/jp2structure.h"
 #include "platform/result.h"
 
 #include <QByteArray>
@@ -22,17 +23,21 @@ struct Jp2Header {
     struct Component {
         int depth = 8;
         QSize spacing = {1, 1}; ///< a sample for so many pixels of the grid
+        QSize size;             ///< in samples
     };
 
     bool isBare = false; ///< a codestream without boxes
     QSize size;          ///< of the first component
+    QSize gridSize;      ///< that the spacings divide
     std::vector<Component> components;
     bool startsAtOrigin = true; ///< sides of smaller resolutions are rounded up, not somehow
     qint64 tiles = 1;
-    int resolutions = 1; ///< that each tile is said to have, the full one included
+    QSize tileSize;         ///< in samples of the component that has most of them
+    Jp2Structure structure; ///< of the whole file's and all tiles' coding styles
+    int resolutions = 1;    ///< that each tile is said to have, the full one included
     Kind kind = Kind::Unknown;
-    bool hasPalette = false; ///< decoding gives more components than the codestream has
-    int colors = 0;          ///< components that make the colour, the palette followed
+    int paletteColumns = 0; ///< components that decoding gives instead of the codestream's; 0: no palette
+    int colors = 0;         ///< components that make the colour, the palette followed
     bool hasAlpha = false;
     bool isPremultiplied = false;
     QByteArray iccProfile;

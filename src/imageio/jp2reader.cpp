@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <limits>
+#include <new>
 #include <vector>
 
 namespace plexa
@@ -27,14 +28,37 @@ using Stream = std::unique_ptr<opj_stream_t, decltype(&opj_stream_destroy)>;
 constexpr qint64 kTileBytes = 6000;
 constexpr qint64 kTileComponentBytes = 1300;
 
+/// What a row in 16 bits takes for each of its pixels, with the opacity.
+constexpr qint64 kRowPixelBytes = 10;
+
 /// The most memory that decoding takes: the samples, in numbers of four bytes, once in the tiles and once in
-/// the picture, the file's own bytes, and what a palette makes of them.
+/// the picture, what a palette makes of them, the structure of a tile, the file's own bytes, and a row.
 qint64 decodingBytes(const Jp2Header &header, qint64 fileBytes)
 {
-    const qint64 pixels = qint64(header.size.width()) * header.size.height();
-    const auto components = qint64(header.components.size());
-    const qint64 samples = pixels * (components * 2 + (header.hasPalette ? header.colors + 1 : 0));
-    return samples * 4 + fileBytes + header.tiles * (kTileBytes + kTileComponentBytes * components);
+    const auto components = int(header.components.size());
+    qint64 samples = 0, mostSamples = 0;
+    for (const Jp2Header::Component &component : header.components) {
+        const qint64 own = qint64(component.size.width()) * component.size.height();
+        samples += own;
+        mostSamples = qMax(mostSamples, own);
+    }
+    return (samples * 2 + mostSamples * header.paletteColumns) * 4 + header.structure.bytes(components) +
+           fileBytes + header.tiles * (kTileBytes + kTileComponentBytes * components) +
+           header.size.width() * kRowPixelBytes;
+}
+
+/// Do the headers say to the library what they were found to say?
+bool areSame(const opj_image_t &image, const Jp2Header &header)
+{
+    bool same = image.numcomps == header.components.size() &&
+                qint64(image.x1) - image.x0 == header.gridSize.width() &&
+                qint64(image.y1) - image.y0 == header.gridSize.height();
+    for (OPJ_UINT32 i = 0; same && i < image.numcomps; ++i) {
+        const QSize spacing = header.components[i].spacing;
+        same = image.comps[i].dx == OPJ_UINT32(spacing.width()) &&
+               image.comps[i].dy == OPJ_UINT32(spacing.height());
+    }
+    return same;
 }
 
 Result<Jp2Header> checkedHeader(QIODevice &device, const ReadLimits &limits)
@@ -42,8 +66,10 @@ Result<Jp2Header> checkedHeader(QIODevice &device, const ReadLimits &limits)
     Result<Jp2Header> header = readJp2Header(device);
     if (!header)
         return header;
-    if (const auto checked = ReadFailures::checkSize(header->size, limits); !checked)
-        return tl::unexpected(checked.error());
+    for (const QSize size : {header->gridSize, header->size}) {
+        if (const auto checked = ReadFailures::checkSize(size, limits); !checked)
+            return tl::unexpected(checked.error());
+    }
     const qint64 bytes = decodingBytes(*header, device.size());
     if (bytes > limits.maxBytes)
         return fail(ReadFailures::tooMuchMemory(header->size, bytes, limits));
@@ -85,6 +111,8 @@ public:
             !opj_read_header(stream.get(), decoder.get(), &image))
             return fail(failureReason());
         picture.reset(image);
+        if (!areSame(*image, m_header))
+            return fail(ReadFailures::damaged());
         // What was complained of up to here is not in the pixels.
         m_hasComplaint = false;
         if (!opj_decode(decoder.get(), stream.get(), image) || m_hasComplaint || !isWhole(*image))
@@ -277,7 +305,7 @@ Result<PictureInfo> Jp2Codec::readInfo(QIODevice &device, const ReadLimits &limi
         return tl::unexpected(header.error());
     PictureInfo info;
     info.rows = {header->size, header->hasAlpha};
-    info.depth = header->hasPalette ? 8 : header->components[0].depth;
+    info.depth = header->paletteColumns > 0 ? 8 : header->components[0].depth;
     info.colorModel = header->kind == Kind::Gray   ? QStringLiteral("Gray")
                       : header->kind == Kind::Cmyk ? QStringLiteral("CMYK")
                                                    : QStringLiteral("RGB");
@@ -306,10 +334,14 @@ Result<std::unique_ptr<RowReader>> Jp2Codec::openReader(QIODevice &device, const
     if (!picture)
         return tl::unexpected(picture.error());
     const QSize expected = plexa::reducedSize(header->size, 1 << halvings);
-    auto reader = std::make_unique<Jp2RowReader>(std::move(*picture), std::move(*header));
-    if (!reader->isConsistent() || reader->format().size != expected)
-        return fail(ReadFailures::damaged());
-    return withReducedRows(std::move(reader), reduction >> halvings);
+    try {
+        auto reader = std::make_unique<Jp2RowReader>(std::move(*picture), std::move(*header));
+        if (!reader->isConsistent() || reader->format().size != expected)
+            return fail(ReadFailures::damaged());
+        return withReducedRows(std::move(reader), reduction >> halvings);
+    } catch (const std::bad_alloc &) {
+        return fail(ReadFailures::outOfMemory());
+    }
 }
 
 Result<std::unique_ptr<RowWriter>> Jp2Codec::openWriter(QIODevice &, const RowFormat &,

@@ -3,6 +3,7 @@
 #include "imageio/rawfile.h"
 
 #include "imageio/metadatatext.h"
+#include "imageio/openmpthreads.h"
 #include "imageio/propertykeys.h"
 #include "imageio/rawstream.h"
 #include "imageio/readfailures.h"
@@ -12,12 +13,6 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
-
-// Of the OpenMP library that LibRaw was built with; compilers other than its own have no header for it.
-extern "C" {
-void omp_set_num_threads(int count);
-int omp_get_max_threads(void);
-}
 
 namespace plexa
 {
@@ -46,24 +41,11 @@ constexpr DataNeeds kSixBySixNeeds = {4'000'000, 4};
 /// What demosaicing and LibRaw itself take beside the pictures.
 constexpr qint64 kFixedBytes = 16'000'000;
 
-/// Keeps OpenMP from starting threads for what the calling thread does: one thread works on one photo.
-class OneThread
-{
-public:
-    OneThread() { omp_set_num_threads(1); }
-    ~OneThread() { omp_set_num_threads(m_before); }
-    OneThread(const OneThread &) = delete;
-    OneThread &operator=(const OneThread &) = delete;
-
-private:
-    const int m_before = omp_get_max_threads();
-};
-
 /// Calls LibRaw. What it throws and does not catch itself becomes its error.
 template<class Function>
 int guarded(Function function)
 {
-    const OneThread oneThread;
+    const OneOpenMpThread oneThread;
     try {
         return function();
     } catch (const std::bad_alloc &) {

@@ -164,7 +164,11 @@ int RawStream::jpeg_src(void *decompressor)
         if (level < 0)
             static_cast<RawStream *>(any->client_data)->m_hasDamagedJpeg = true;
     };
-    // LibRaw throws at an error, too, but leaves the decompressor's memory behind.
+    // LibRaw throws at an error, too, but leaves the decompressor's memory behind. Its frames, which are not
+    // ours, lie between this one and any place to jump back to, so the exception has to pass libjpeg's
+    // frames, which are of C, as do those of read(), which LibRaw's data source calls. That relies on unwind
+    // tables in libjpeg: amd64 and arm64 have them for all code; elsewhere it is to be built with
+    // -fexceptions, or the process ends here (RawTest::damagedJpegFailsInSilence).
     jpeg->err->error_exit = [](j_common_ptr any) {
         jpeg_destroy(any);
         throw LIBRAW_EXCEPTION_DECODE_JPEG;

@@ -42,6 +42,11 @@ QString ReadFailures::encoderFailed(const char *format)
     return tr("the picture could not be encoded as %1").arg(QLatin1String(format));
 }
 
+QString ReadFailures::colorsNotReduced(int code)
+{
+    return tr("its colors could not be reduced to those of a palette (error %1)").arg(code);
+}
+
 QString ReadFailures::tooLargeToWrite(const char *format)
 {
     return tr("the picture is too large for a %1 file").arg(QLatin1String(format));

@@ -29,6 +29,8 @@ public:
     static QString writeError(const QIODevice &device);
     static QString exifTooLong() { return tr("its EXIF data are too long for a JPEG file"); }
     static QString encoderFailed(const char *format);
+    /// @param code  libimagequant's
+    static QString colorsNotReduced(int code);
     static QString tooLargeToWrite(const char *format);
     static QString cannotWrite(const QString &type);
 

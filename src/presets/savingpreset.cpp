@@ -134,6 +134,13 @@ bool readValues(const XMLParser::Element &preset, double fileVersion, SavingPres
     return fileVersion <= kWithTiffCompression || readTiffCompression(preset, values.tiffCompressionLZW);
 }
 
+/// The value as it is written, with no references. No value that means anything holds markup; one that does,
+/// out of a damaged file, would make the written file unreadable.
+QString writable(const QString &value, const QString &initial)
+{
+    return value.contains(u'<') || value.contains(u'&') ? initial : value;
+}
+
 } // namespace
 
 std::atomic<qint64> SavingPreset::s_lastUsedPresetID = 0;
@@ -207,11 +214,15 @@ void SavingPreset::appendObjectToXML(QString &xml) const
                .arg(QString::number(m_presetID), replaceXmlSpecialChars(name()));
     for (const QString &token : filenameTokens())
         xml += QStringLiteral("\n      <token>%1</token>").arg(token);
+    const SavingPresetValues initial;
     xml += QStringLiteral("\n    </filename>\n    <fileBaseNameCase>%1</fileBaseNameCase>"
                           "\n    <fileExtensionCase>%2</fileExtensionCase>\n    <format>%3</format>"
                           "\n    <alternativeFormat>%4</alternativeFormat>\n    <quality>%5</quality>"
                           "\n    <tiffCompressionLZW>%6</tiffCompressionLZW>\n  </preset>")
-               .arg(fileBaseNameCase(), fileExtensionCase(), imageFormat(), alternativeImageFormat(),
+               .arg(writable(fileBaseNameCase(), initial.fileBaseNameCase),
+                    writable(fileExtensionCase(), initial.fileExtensionCase),
+                    writable(imageFormat(), initial.imageFormat),
+                    writable(alternativeImageFormat(), initial.alternativeImageFormat),
                     QString::number(jpegQuality()), QString::number(tiffCompressionLZW() ? 1 : 0));
 }
 

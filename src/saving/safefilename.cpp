@@ -19,7 +19,8 @@ bool isBlankOrDot(QChar c)
 bool isUnseen(char16_t unit)
 {
     return QChar::category(char32_t(unit)) == QChar::Other_Control || unit == 0x2028 || unit == 0x2029 ||
-           (unit >= 0x202A && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
+           unit == 0x061C || unit == 0x200E || unit == 0x200F || (unit >= 0x202A && unit <= 0x202E) ||
+           (unit >= 0x2066 && unit <= 0x2069);
 }
 
 QString withoutEnd(QString text)

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "imageio/colorquantization.h"
+#include "imageio/openmpthreads.h"
 #include "pictures.h"
 
 #include <QColor>
@@ -35,6 +37,7 @@ private Q_SLOTS:
     void photosAreWrittenWell();
     void metadataArriveElsewhere();
     void tooLargeIsRefused();
+    void quantizingTellsItsReasonAndKeepsThreads();
 
 private:
     QString photo(const QString &name) const { return m_photos + QLatin1Char('/') + name; }
@@ -505,6 +508,19 @@ void GifCodecTest::tooLargeIsRefused()
         QCOMPARE(writer.error().text, u"the picture is too large for a GIF file"_qs);
     }
     QVERIFY(file.data().isEmpty());
+}
+
+void GifCodecTest::quantizingTellsItsReasonAndKeepsThreads()
+{
+    const std::vector<uchar> pixels(4 * 4 * 4, 255);
+    omp_set_num_threads(3);
+    QVERIFY(quantizedPicture(pixels.data(), {4, 4}, 16));
+    QCOMPARE(omp_get_max_threads(), 3);
+    const auto refused = quantizedPicture(pixels.data(), {4, 4}, 1);
+    QVERIFY(!refused);
+    QVERIFY2(refused.error().text.contains(u"colors could not be reduced"_qs),
+             qPrintable(refused.error().text));
+    QCOMPARE(omp_get_max_threads(), 3);
 }
 
 QTEST_GUILESS_MAIN(GifCodecTest)

@@ -28,6 +28,10 @@ private Q_SLOTS:
     void flippedBytesDoNoHarm();
     void limitsHold_data();
     void limitsHold();
+    void paletteIsBounded_data();
+    void paletteIsBounded();
+    void memoryOfSmallFilesIsCounted_data();
+    void memoryOfSmallFilesIsCounted();
 
 private:
     void addFiles() const;
@@ -196,6 +200,80 @@ void Jp2Test::limitsHold()
     QString error;
     QVERIFY(decoded(path, &error).isNull());
     QVERIFY2(error.contains(reason), qPrintable(error));
+}
+
+void Jp2Test::paletteIsBounded_data()
+{
+    QTest::addColumn<int>("columns");
+    QTest::addColumn<bool>("isRead");
+    QTest::newRow("colours") << 3 << true;
+    QTest::newRow("most") << 255 << false;
+}
+
+void Jp2Test::paletteIsBounded()
+{
+    QFETCH(int, columns);
+    QFETCH(bool, isRead);
+    const QString path = compressed(
+        u"palette.jp2"_qs, {u"-size"_qs, u"60x40"_qs, u"xc:black"_qs, u"-depth"_qs, u"8"_qs, u"pgm"_qs}, {});
+    const auto box = [](const char *type, const QByteArray &contents) {
+        QByteArray length(4, 0);
+        qToBigEndian(quint32(contents.size() + 8), length.data());
+        return length + type + contents;
+    };
+    QByteArray table("\0\2", 2), map; // two entries of a byte in each column
+    table += char(columns) + QByteArray(columns, 7) + QByteArray(columns, char(90)) + QByteArray(columns, 0);
+    for (int i = 0; i < columns; ++i)
+        map += QByteArray("\0\0\1", 3) + char(i);
+    const QByteArray added = box("pclr", table) + box("cmap", map);
+    QByteArray contents = contentsOf(path);
+    const qsizetype colors = contents.indexOf("colr");
+    const qsizetype header = contents.indexOf("jp2h") - 4;
+    QVERIFY(colors > header && header > 0);
+    contents[colors + 10] = 16; // sRGB
+    char *length = contents.data() + header;
+    const auto end = qFromBigEndian<quint32>(length);
+    qToBigEndian(quint32(end + added.size()), length);
+    contents.insert(header + end, added);
+    QVERIFY(putFile(path, contents));
+    QString error;
+    const QImage image = decoded(path, &error);
+    QCOMPARE(!image.isNull(), isRead);
+    if (isRead)
+        QCOMPARE(image.pixelColor(30, 20), QColor(90, 90, 90));
+    else
+        QVERIFY2(error.contains(u"this kind of JPEG 2000"_qs), qPrintable(error));
+}
+
+void Jp2Test::memoryOfSmallFilesIsCounted_data()
+{
+    QTest::addColumn<int>("side");
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<bool>("isRead");
+    QTest::newRow("usual") << 1000 << u"1,8,u"_qs << QStringList() << true;
+    QTest::newRow("small precincts") << 1000 << u"1,8,u"_qs << QStringList{u"-n"_qs,    u"1"_qs,  u"-c"_qs,
+                                                                           u"[2,2]"_qs, u"-b"_qs, u"4,4"_qs}
+                                     << false;
+    QTest::newRow("few samples in the first component")
+        << 3000 << u"3,8,u@16x16:1x1:1x1"_qs << QStringList() << false;
+}
+
+void Jp2Test::memoryOfSmallFilesIsCounted()
+{
+    QFETCH(int, side);
+    QFETCH(QString, format);
+    QFETCH(QStringList, options);
+    QFETCH(bool, isRead);
+    const QString raw = m_folder.path(u"black.raw"_qs);
+    const QString path = m_folder.path(u"black.jp2"_qs);
+    QVERIFY(putFile(raw, QByteArray(qsizetype(side) * side * 3, 0)));
+    outputOf(u"opj_compress"_qs,
+             QStringList{u"-i"_qs, raw, u"-o"_qs, path, u"-F"_qs, u"%1,%1,%2"_qs.arg(side).arg(format)} +
+                 options);
+    QString error;
+    QCOMPARE(!decoded(path, &error, {1'000'000'000, 60'000'000}).isNull(), isRead);
+    QVERIFY2(isRead || error.contains(u"MB of memory"_qs), qPrintable(error));
 }
 
 QTEST_GUILESS_MAIN(Jp2Test)

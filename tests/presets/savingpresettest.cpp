@@ -107,6 +107,7 @@ private Q_SLOTS:
     void brokenPresets_data();
     void brokenPresets();
     void tokensWithMarkupCannotBeReadBack();
+    void valuesWithMarkupAreWrittenAsInitial();
     void damagedFilesNeverCrash();
 
 private:
@@ -470,6 +471,29 @@ void SavingPresetTest::brokenPresets()
     QVERIFY(whole.contains(from));
     QVERIFY(!presetOf(QByteArray(whole).replace(from, to), version, errors));
     QVERIFY2(errors.contains(reason), errors.constData());
+}
+
+void SavingPresetTest::valuesWithMarkupAreWrittenAsInitial()
+{
+    QByteArray damaged = kFile;
+    for (const QByteArray value : {"upper case", "do not change", "Original", "PNG"})
+        damaged.replace(value, value == "PNG" ? "&amp;amp;" : "a&lt;b");
+    const auto presets = read(damaged);
+    QVERIFY(presets);
+    QCOMPARE(presets->at(0)->imageFormat(), u"a<b"_qs);
+    const QString path = m_folder.path(u"again.pxspr"_qs);
+    QVERIFY(SavingPreset::writeObjects(*presets, path, kAppID));
+    const auto again = SavingPreset::readObjectsFromFile(path, kAppID, m_code);
+    QVERIFY(again);
+    QCOMPARE(again->size(), presets->size());
+    SavingPresetValues expected = firstOfFile();
+    const SavingPresetValues initial;
+    expected.fileBaseNameCase = initial.fileBaseNameCase;
+    expected.fileExtensionCase = initial.fileExtensionCase;
+    expected.imageFormat = initial.imageFormat;
+    expected.alternativeImageFormat = initial.alternativeImageFormat;
+    expected.tiffCompressionLZW = true; // a written 0 is read so
+    QCOMPARE(again->at(0)->values(), expected);
 }
 
 void SavingPresetTest::tokensWithMarkupCannotBeReadBack()

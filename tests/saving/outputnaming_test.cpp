@@ -168,6 +168,7 @@ void OutputNamingTest::namesAreSafe_data()
     QTest::newRow("nothing but an extension") << u".jpg"_qs << u"jpg.jpg"_qs;
     QTest::newRow("line ends") << u"a\r\nb\u2028c\u0085d"_qs << u"a__b_c_d.jpg"_qs;
     QTest::newRow("NUL") << u"a\0b"_qs << u"a_b.jpg"_qs;
+    QTest::newRow("marks of direction") << u"a\u200eb\u200fc\u061cd"_qs << u"a_b_c_d.jpg"_qs;
     QTest::newRow("turned direction") << u"a\u202egpj.exe"_qs << u"a_gpj.exe.jpg"_qs;
     QTest::newRow("half a character") << u"a"_qs + QChar(0xD83D) + u"b"_qs + QChar(0xDCF7) << u"a_b_.jpg"_qs;
     QTest::newRow("whole characters")
