@@ -7,10 +7,12 @@
 #include "imageio/propertykeys.h"
 
 #include <QTest>
+#include <QtEndian>
 
 #include <functional>
 
 using namespace plexa;
+using namespace Qt::Literals::StringLiterals;
 
 namespace
 {
@@ -31,6 +33,36 @@ QByteArray contentsOf(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QByteArray littleEndian(quint32 number, qsizetype bytes)
+{
+    QByteArray text(4, '\0');
+    qToLittleEndian(number, text.data());
+    return text.left(bytes);
+}
+
+QByteArray entry(quint32 tag, quint32 type, qsizetype count, qsizetype valueOrPlace)
+{
+    return littleEndian(tag, 2) + littleEndian(type, 2) + littleEndian(quint32(count), 4) +
+           littleEndian(quint32(valueOrPlace), 4);
+}
+
+/// EXIF with the maker note of a travelling Panasonic: image quality, then texts of 8 bytes by tag.
+QByteArray panasonicExif(const QMap<quint32, QByteArray> &places)
+{
+    constexpr qsizetype kNote = 66;
+    const qsizetype directoryBytes = 2 + 12 * (places.size() + 1) + 4;
+    QByteArray note = "Panasonic\0\0\0"_ba + littleEndian(quint32(places.size() + 1), 2) + entry(1, 3, 1, 2);
+    QByteArray texts;
+    for (auto place = places.begin(); place != places.end(); ++place) {
+        note += entry(place.key(), 7, 8, kNote + 12 + directoryBytes + texts.size());
+        texts += place->leftJustified(8, '\0');
+    }
+    note += littleEndian(0, 4) + texts;
+    return "II\x2A\0"_ba + littleEndian(8, 4) + littleEndian(2, 2) + entry(0x010F, 2, 10, 38) +
+           entry(0x8769, 4, 1, 48) + littleEndian(0, 4) + "Panasonic\0"_ba + littleEndian(1, 2) +
+           entry(0x927C, 7, note.size(), kNote) + littleEndian(0, 4) + note;
 }
 
 void write(const QString &path, const QByteArray &data)
@@ -54,6 +86,7 @@ private Q_SLOTS:
     void clearedGroupsLeaveAllPlaces();
     void clearingsReachEveryPhoto_data();
     void clearingsReachEveryPhoto();
+    void clearedGpsLeavesNoPlaceInMakerNotes();
     void editsReachAllPlaces();
     void editsLeaveMakerNotesSound_data();
     void editsLeaveMakerNotesSound();
@@ -255,6 +288,35 @@ void MetadataCopyTest::clearingsReachEveryPhoto()
     }
     qInfo("%d photos had something to clear", withSomething);
     QVERIFY(withSomething >= 5);
+}
+
+/// What a camera looks up of a place, but not which of two clocks counts.
+void MetadataCopyTest::clearedGpsLeavesNoPlaceInMakerNotes()
+{
+    EmbeddedMetadata::Encoded panasonic;
+    panasonic.exif =
+        panasonicExif({{0x67, "Here"}, {0x69, "Norway"}, {0x6B, "Viken"}, {0x6D, "Oslo"}, {0x6F, "Opera"}});
+    const QString path = m_folder.path(u"panasonic.jpg"_qs);
+    write(path, test::jpegWith(panasonic));
+    const QString pentax = test::photosFolder() + u"/jpeg/pentax-ist-d.jpg"_qs;
+    const QString quality = u"Panasonic:ImageQuality"_qs;
+    const QString clock = u"Pentax:WorldTimeLocation"_qs;
+    for (const QString &source : {path, pentax}) {
+        const QJsonObject before = test::exiftoolRecords({source}).value(source);
+        QVERIFY(source != path || before[u"Panasonic:City"].toString() == u"Oslo");
+        QVERIFY(source != pentax || before.contains(clock));
+        const auto metadata = EmbeddedMetadata::read(source);
+        const QString copy = m_folder.path(u"placeless.jpg"_qs);
+        const auto encoded = metadata->encodeForCopy(
+            metadata->properties(), {QSize(16, 16), 0, kMaxJpegExif, true, ClearedGroup::Gps});
+        write(copy, test::jpegWith(encoded));
+        const QJsonObject after = test::exiftoolRecords({copy}).value(copy);
+        for (const char *tag : {"Location", "Country", "State", "City", "Landmark"})
+            QVERIFY2(!after.contains(u"Panasonic:"_qs + QLatin1StringView(tag)), tag);
+        QVERIFY(!contentsOf(copy).contains("Norway"));
+        QCOMPARE(after[quality], before[quality]);
+        QCOMPARE(after[clock], before[clock]);
+    }
 }
 
 void MetadataCopyTest::editsReachAllPlaces()
