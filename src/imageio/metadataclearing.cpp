@@ -51,14 +51,19 @@ bool isPlaceOfPanasonic(const Exiv2::Exifdatum &datum)
            (tag == 0x67 || tag == 0x69 || tag == 0x6B || tag == 0x6D || tag == 0x6F || tag == 0x80);
 }
 
+/// Pentax's "location" only tells which of two clocks counts.
+bool isClockOfPentax(const Exiv2::Exifdatum &datum)
+{
+    return datum.groupName().starts_with("Pentax") && datum.tag() == 0x22;
+}
+
 bool isPlaceInMakerNote(const Exiv2::Exifdatum &datum)
 {
     const QString name = QString::fromStdString(datum.tagName());
-    return isMakerNoteGroup(datum.groupName()) &&
+    return isMakerNoteGroup(datum.groupName()) && !isClockOfPentax(datum) &&
            (name.contains(u"Latitude"_qs) || name.contains(u"Longitude"_qs) ||
-            // "World time location" only tells which of two clocks counts.
-            (name.contains(u"Location"_qs) && !name.startsWith(u"WorldTime"_qs)) ||
-            datum.key() == "Exif.Nikon3.0x0039" || isPlaceOfPanasonic(datum));
+            name.contains(u"Location"_qs) || datum.key() == "Exif.Nikon3.0x0039" ||
+            isPlaceOfPanasonic(datum));
 }
 
 /// Drones and scene descriptions have properties of their own.
