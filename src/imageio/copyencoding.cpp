@@ -197,7 +197,7 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     if (hasExcessiveXmp(set))
         encoded.omitted += u"XMP"_qs;
     const ClearedGroups cleared = facts.cleared | emptiedGroups(before, after);
-    const MakerNoteBlock note = makerNoteOf(set.exif);
+    MakerNoteBlock note = makerNoteOf(set.exif);
     const size_t noteFields = makerNoteFields(set.exif);
     erasePicturesFromExif(set.exif);
     const bool erasedFromIptc = erasePicturesFromIptc(set.iptc);
@@ -208,8 +208,10 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
         encoded.omitted += u"maker note"_qs;
 
     describePictureInExif(set.exif, facts.pixelSize);
-    const bool keepsNote = hasMakerNote(set.exif) && makerNoteFields(set.exif) == noteFields;
-    EncodedExif exif = encodedExif(set.exif, set.byteOrder, keepsNote ? note : MakerNoteBlock(), facts);
+    if (!hasMakerNote(set.exif))
+        note = {};
+    note.isEdited = makerNoteFields(set.exif) != noteFields;
+    EncodedExif exif = encodedExif(set.exif, set.byteOrder, note, facts);
     encoded.exif = exif.bytes;
     encoded.thumbnailPlaceholder = exif.thumbnailPlaceholder;
     encoded.omitted += exif.omitted;

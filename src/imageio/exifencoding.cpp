@@ -3,6 +3,7 @@
 #include "imageio/exifencoding.h"
 
 #include "imageio/embeddedpictures.h"
+#include "imageio/makernoterewriting.h"
 #include "imageio/metadataclearing.h"
 #include "imageio/metadatafields.h"
 
@@ -77,13 +78,14 @@ private:
     {
         switch (way) {
         case NoteWay::AsItWas:
-            return m_note.bytes.isEmpty() || holdsMangledPicture(m_note.bytes)
+            return m_note.bytes.isEmpty() || m_note.isEdited || holdsMangledPicture(m_note.bytes)
                        ? QByteArray()
                        : writtenExif(m_exif, m_order, m_note, thumbnail);
         case NoteWay::Anew:
             try {
-                return makerNoteFields(m_exif) > 0 ? encodedByLibrary(m_exif, m_order, thumbnail)
-                                                   : QByteArray();
+                return makerNoteFields(m_exif) > 0 && canRewriteMakerNote(m_exif, m_note, m_order)
+                           ? encodedByLibrary(m_exif, m_order, thumbnail)
+                           : QByteArray();
             } catch (const std::exception &) {
                 return {}; // the next way needs nothing of the maker note
             }
@@ -198,7 +200,7 @@ EncodedExif encodedExif(Exiv2::ExifData exif, Exiv2::ByteOrder order, const Make
         break;
     }
     const bool hadNote = !note.bytes.isEmpty() || makerNoteFields(encoder.exif()) > 0;
-    if (isTooLong && hadNote && way == NoteWay::None)
+    if (hadNote && way == NoteWay::None)
         result.omitted += u"maker note"_qs;
     if (isTooLong && result.bytes.isEmpty())
         result.bytes = shortened(encoder, facts.maxExifBytes, result.omitted);

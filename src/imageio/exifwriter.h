@@ -15,6 +15,7 @@ namespace plexa
 struct MakerNoteBlock {
     QByteArray bytes;      ///< empty: no maker note
     qsizetype offset = -1; ///< from the start of the EXIF data; negative: any place will do
+    bool isEdited = false; ///< the fields that were read of it no longer say what it says
 };
 
 /// Writes EXIF data from the fields of the directories Image, Photo, GPSInfo and Iop; fields of other groups

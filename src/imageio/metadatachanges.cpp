@@ -3,6 +3,8 @@
 #include "imageio/metadatachanges.h"
 
 #include "imageio/exifvalues.h"
+#include "imageio/keywordlists.h"
+#include "imageio/locationcreated.h"
 #include "imageio/metadataclearing.h"
 #include "imageio/metadatafields.h"
 #include "imageio/metadatatext.h"
@@ -305,6 +307,17 @@ void setField(MetadataSet &set, Exiv2::XmpData &xmp, const MetadataField &field,
     setXmp(xmp, field, value);
 }
 
+/// Structures and lists of XMP that say the IPTC fact beside its own property.
+void updateFurtherXmp(Exiv2::XmpData &xmp, const MetadataField &field, const QVariant &oldValue,
+                      const QVariant &newValue)
+{
+    if (field.group != MetadataGroup::Iptc)
+        return;
+    updateLocationCreated(xmp, field.key, propertyTexts(newValue).value(0));
+    if (field.key == kCGImagePropertyIPTCKeywords)
+        updateKeywordLists(xmp, propertyTexts(oldValue), propertyTexts(newValue));
+}
+
 /// A point in time: XMP says in one property what EXIF spreads over three fields.
 struct SplitDate {
     QLatin1StringView date;
@@ -376,6 +389,7 @@ bool applyPropertyChanges(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantM
                 setField(set, xmp, field, newValue);
             else
                 removeField(set, xmp, field, after);
+            updateFurtherXmp(xmp, field, oldValue, newValue);
         } catch (const std::exception &) {
             // A value that the library refuses is left out; the other fields are not its fault.
         }

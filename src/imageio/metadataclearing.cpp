@@ -4,6 +4,7 @@
 
 #include "imageio/metadatafields.h"
 #include "imageio/propertykeys.h"
+#include "imageio/xmpvocabularies.h"
 
 #include <QStringList>
 
@@ -42,12 +43,27 @@ bool isGeoTiffTag(uint16_t tag)
            tag == 0xA480;
 }
 
+/// Location, country, state, city and landmark, which the camera looks up.
+bool isPlaceOfPanasonic(const Exiv2::Exifdatum &datum)
+{
+    const uint16_t tag = datum.tag();
+    return datum.groupName() == "Panasonic" &&
+           (tag == 0x67 || tag == 0x69 || tag == 0x6B || tag == 0x6D || tag == 0x6F || tag == 0x80);
+}
+
+/// Pentax's "location" only tells which of two clocks counts.
+bool isClockOfPentax(const Exiv2::Exifdatum &datum)
+{
+    return datum.groupName().starts_with("Pentax") && datum.tag() == 0x22;
+}
+
 bool isPlaceInMakerNote(const Exiv2::Exifdatum &datum)
 {
     const QString name = QString::fromStdString(datum.tagName());
-    return isMakerNoteGroup(datum.groupName()) &&
+    return isMakerNoteGroup(datum.groupName()) && !isClockOfPentax(datum) &&
            (name.contains(u"Latitude"_qs) || name.contains(u"Longitude"_qs) ||
-            name.contains(u"Location"_qs) || datum.key() == "Exif.Nikon3.0x0039");
+            name.contains(u"Location"_qs) || datum.key() == "Exif.Nikon3.0x0039" ||
+            isPlaceOfPanasonic(datum));
 }
 
 /// Drones and scene descriptions have properties of their own.
@@ -62,7 +78,7 @@ bool isPlaceInXmp(const Exiv2::Xmpdatum &datum)
     const std::string path = QString::fromStdString(datum.tagName()).toLower().toStdString();
     const std::string name = path.substr(path.find_last_of("/:") + 1);
     return isOneOf(name, {"lat"sv, "long"sv, "lon"sv, "lng"sv, "lat_long"sv, "latlong"sv}) ||
-           (datum.groupName() == "geo" && name == "alt");
+           (datum.groupName() == "geo" && name == "alt") || isCellTowerInXmp(datum);
 }
 
 void clearGps(MetadataSet &set, Exiv2::XmpData &xmp)
@@ -118,6 +134,7 @@ void clearTiff(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &after)
     for (const std::string_view key : {"Xmp.tiff.Software"sv, "Xmp.tiff.ImageDescription"sv,
                                        "Xmp.tiff.Make"sv, "Xmp.tiff.Model"sv, "Xmp.xmp.CreatorTool"sv})
         eraseXmpProperty(xmp, key);
+    eraseMetadataIf(xmp, isCameraInXmp);
     if (!keepsTiff(after, kCGImagePropertyTIFFCopyright)) {
         eraseExifFields(set.exif, {"Exif.Image.Copyright"});
         eraseXmpProperty(xmp, "Xmp.tiff.Copyright");
@@ -164,7 +181,7 @@ void clearIptc(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &after)
     });
     eraseMetadataIf(xmp, [&](const Exiv2::Xmpdatum &datum) {
         const std::string key = datum.key();
-        return isIptcInXmp(key) && !keptXmp.contains(key) &&
+        return (isIptcInXmp(key) || isDescriptionInXmp(datum)) && !keptXmp.contains(key) &&
                !(keepsRights && key.starts_with("Xmp.xmpRights."));
     });
     const bool onlyEnvelope =

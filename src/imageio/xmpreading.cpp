@@ -2,6 +2,7 @@
 
 #include "imageio/xmpreading.h"
 
+#include "imageio/locationcreated.h"
 #include "imageio/metadatatext.h"
 #include "imageio/propertykeys.h"
 
@@ -285,26 +286,17 @@ void insertIptcFromXmp(QVariantMap &iptc, const Exiv2::XmpData &xmp)
                     created[4] + created[5] +
                         (created.value(6).isEmpty() ? QStringLiteral("00") : created[6]) + offset);
 
-    struct Part {
-        const char *name;
-        QLatin1StringView key;
-    };
-    static constexpr Part kParts[] = {
-        {"Sublocation", kCGImagePropertyIPTCSubLocation},
-        {"City", kCGImagePropertyIPTCCity},
-        {"ProvinceState", kCGImagePropertyIPTCProvinceState},
-        {"CountryName", kCGImagePropertyIPTCCountryPrimaryLocationName},
-        {"CountryCode", kCGImagePropertyIPTCCountryPrimaryLocationCode},
-    };
-    for (const Part &part : kParts) {
-        if (iptc.contains(part.key))
+    // Where the record or another property names another place, none is put together from both.
+    QVariantMap place;
+    for (const LocationPart &part : locationParts()) {
+        const QString text =
+            textAt(xmp, std::string("Xmp.iptcExt.LocationCreated[1]/Iptc4xmpExt:") + part.name);
+        if (iptc.contains(part.key) && iptc.value(part.key).toString() != text)
             return;
+        if (!text.isEmpty())
+            place.insert(part.key, text);
     }
-    for (const Part &part : kParts) {
-        const std::string key = std::string("Xmp.iptcExt.LocationCreated[1]/Iptc4xmpExt:") + part.name;
-        if (const QString text = textAt(xmp, key); !text.isEmpty())
-            iptc.insert(part.key, text);
-    }
+    iptc.insert(place);
 }
 
 void insertGpsFromXmp(QVariantMap &gps, const Exiv2::XmpData &xmp)

@@ -2,6 +2,7 @@
 
 #include "imageio/imagedestination.h"
 #include "imageio/imagesource.h"
+#include "imageio/propertykeys.h"
 #include "metadata/imagemetadata.h"
 #include "support/testenvironment.h"
 
@@ -52,11 +53,17 @@ QList<Fact> facts()
               u"IFD0:XPAuthor"_qs}),
         text("writer", &M::setIptcDescriptionWriter,
              {u"IPTC:Writer-Editor"_qs, u"XMP-photoshop:CaptionWriter"_qs}),
-        text("sublocation", &M::setIptcSublocation, {u"IPTC:Sub-location"_qs, u"XMP-iptcCore:Location"_qs}),
+        text("sublocation", &M::setIptcSublocation,
+             {u"IPTC:Sub-location"_qs, u"XMP-iptcCore:Location"_qs,
+              u"XMP-iptcExt:LocationCreatedSublocation"_qs}),
         text("country", &M::setIptcCountry,
-             {u"IPTC:Country-PrimaryLocationName"_qs, u"XMP-photoshop:Country"_qs}),
-        text("state", &M::setIptcState, {u"IPTC:Province-State"_qs, u"XMP-photoshop:State"_qs}),
-        text("city", &M::setIptcCity, {u"IPTC:City"_qs, u"XMP-photoshop:City"_qs}),
+             {u"IPTC:Country-PrimaryLocationName"_qs, u"XMP-photoshop:Country"_qs,
+              u"XMP-iptcExt:LocationCreatedCountryName"_qs}),
+        text("state", &M::setIptcState,
+             {u"IPTC:Province-State"_qs, u"XMP-photoshop:State"_qs,
+              u"XMP-iptcExt:LocationCreatedProvinceState"_qs}),
+        text("city", &M::setIptcCity,
+             {u"IPTC:City"_qs, u"XMP-photoshop:City"_qs, u"XMP-iptcExt:LocationCreatedCity"_qs}),
         text("profession", &M::setIptcCreatorTitle,
              {u"IPTC:By-lineTitle"_qs, u"XMP-photoshop:AuthorsPosition"_qs}),
         text("email", &M::setIptcCreatorEmail, {u"XMP-iptcCore:CreatorWorkEmail"_qs}),
@@ -166,6 +173,7 @@ private Q_SLOTS:
     void editReachesAllPlaces();
     void fractionAndZoneOfDatesReachXmp();
     void flashReachesXmp();
+    void keywordsReachTheirTrees();
     void valuesAfterClearingAreWritten();
     void clearingLeavesNothing_data();
     void clearingLeavesNothing();
@@ -340,6 +348,26 @@ void MetadataEditingTest::flashReachesXmp()
     QCOMPARE(record[u"XMP-exif:FlashMode"].toInt(), 3);
 }
 
+void MetadataEditingTest::keywordsReachTheirTrees()
+{
+    const QString source = sourceWith(
+        None, {u"-XMP-dc:Subject=Berlin"_qs, u"-XMP-dc:Subject=Oslo"_qs, u"-XMP-dc:Subject=Night"_qs,
+               u"-XMP-lr:HierarchicalSubject=Places|Berlin"_qs, u"-XMP-lr:HierarchicalSubject=Places|Oslo"_qs,
+               u"-XMP-lr:HierarchicalSubject=Night|Oslo"_qs, u"-XMP-digiKam:TagsList=Places/Berlin"_qs,
+               u"-XMP-pdf:Keywords=Berlin, Oslo"_qs});
+    const QString tree = u"XMP-lr:HierarchicalSubject"_qs;
+    const QString key = kCGImagePropertyIPTCKeywords;
+    const QJsonObject edited = copiedRecord(
+        source, u"image/jpeg"_qs, [&](ImageMetadata &m) { m.setIptcValue(QVariantList{u"Oslo"_qs}, key); });
+    QCOMPARE(edited[tree].toString(), u"Places|Oslo"_qs);
+    QVERIFY(!edited.contains(u"XMP-digiKam:TagsList"_qs) && !edited.contains(u"XMP-pdf:Keywords"_qs));
+    const QJsonObject untouched = copiedRecord(source, u"image/jpeg"_qs, [](ImageMetadata &) {});
+    QCOMPARE(untouched[tree].toArray().size(), 3);
+    const QJsonObject removed =
+        copiedRecord(source, u"image/jpeg"_qs, [&](ImageMetadata &m) { m.setIptcValue({}, key); });
+    QVERIFY(!removed.isEmpty() && !removed.contains(tree));
+}
+
 /// Even those that say what stood there before.
 void MetadataEditingTest::valuesAfterClearingAreWritten()
 {
@@ -378,7 +406,9 @@ QList<Clearing> clearings()
 {
     const QStringList iptc{u"IPTC:*"_qs,          u"XMP-iptcExt:*"_qs,      u"XMP-iptcCore:*"_qs,
                            u"XMP-photoshop:*"_qs, u"XMP-dc:Title"_qs,       u"XMP-dc:Creator"_qs,
-                           u"XMP-dc:Subject"_qs,  u"XMP-dc:Description"_qs, u"XMP-plus:*"_qs};
+                           u"XMP-dc:Subject"_qs,  u"XMP-dc:Description"_qs, u"XMP-plus:*"_qs,
+                           u"XMP-mwg-rs:*"_qs,    u"XMP-mwg-kw:*"_qs,       u"XMP-MP:*"_qs,
+                           u"XMP-pdf:*"_qs,       u"XMP-photomech:*"_qs,    u"XMP-getty:Personality"_qs};
     return {
         {"EXIF",
          [](ImageMetadata &m) { m.clearExifData(); },
@@ -387,7 +417,8 @@ QList<Clearing> clearings()
          {u"headline"_qs, u"make"_qs}},
         {"GPS",
          [](ImageMetadata &m) { m.clearGPSData(); },
-         {u"*GPS*"_qs, u"*Latitude*"_qs, u"*Longitude*"_qs, u"*:Geo*"_qs, u"*:Lat"_qs, u"*:Long"_qs},
+         {u"*GPS*"_qs, u"*Latitude*"_qs, u"*Longitude*"_qs, u"*:Geo*"_qs, u"*:Lat"_qs, u"*:Long"_qs,
+          u"XMP-cell:*"_qs},
          {u"headline"_qs, u"capture"_qs, u"serial"_qs, u"city"_qs}},
         {"IPTC",
          [](ImageMetadata &m) { m.clearIptcDataKeepCopyright(false, false); },
@@ -404,7 +435,8 @@ QList<Clearing> clearings()
          {u"IFD0:Make"_qs, u"IFD0:Model"_qs, u"IFD0:UniqueCameraModel"_qs, u"IFD0:Software"_qs,
           u"IFD0:Artist"_qs, u"IFD0:Copyright"_qs, u"IFD0:ImageDescription"_qs, u"IFD0:XP*"_qs,
           u"XMP-tiff:Make"_qs, u"XMP-tiff:Model"_qs, u"XMP-tiff:Software"_qs, u"XMP-tiff:Artist"_qs,
-          u"XMP-tiff:Copyright"_qs, u"XMP-tiff:ImageDescription"_qs, u"XMP-xmp:CreatorTool"_qs},
+          u"XMP-tiff:Copyright"_qs, u"XMP-tiff:ImageDescription"_qs, u"XMP-xmp:CreatorTool"_qs,
+          u"XMP-getty:Camera*"_qs},
          {u"copyright"_qs, u"creator"_qs, u"description"_qs, u"capture"_qs, u"serial"_qs}},
     };
 }
@@ -428,6 +460,15 @@ void MetadataEditingTest::clearingLeavesNothing()
         u"-Photoshop:CopyrightFlag=1"_qs,
         u"-Photoshop:URL=http://old.example"_qs,
         u"-IFD0:GeoTiffAsciiParams=old"_qs,
+        u"-XMP-mwg-rs:RegionName=Old"_qs,
+        u"-XMP-mwg-kw:HierarchicalKeywords1=old"_qs,
+        u"-XMP-MP:RegionPersonDisplayName=Old"_qs,
+        u"-XMP-pdf:Author=Old"_qs,
+        u"-XMP-pdf:Keywords=old"_qs,
+        u"-XMP-photomech:CreatorIdentity=Old"_qs,
+        u"-XMP-getty:Personality=Old"_qs,
+        u"-XMP-getty:CameraMakeModel=old"_qs,
+        u"-XMP-cell:CellTowerID=4711"_qs,
     };
     const QStringList places{u"-GPS:GPSLatitude=51.5"_qs,
                              u"-GPS:GPSLatitudeRef=N"_qs,
