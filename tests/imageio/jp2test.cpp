@@ -271,9 +271,30 @@ void Jp2Test::memoryOfSmallFilesIsCounted()
     outputOf(u"opj_compress"_qs,
              QStringList{u"-i"_qs, raw, u"-o"_qs, path, u"-F"_qs, u"%1,%1,%2"_qs.arg(side).arg(format)} +
                  options);
+    const ReadLimits limits = {1'000'000'000, 60'000'000};
     QString error;
-    QCOMPARE(!decoded(path, &error, {1'000'000'000, 60'000'000}).isNull(), isRead);
+    QCOMPARE(!decoded(path, &error, limits).isNull(), isRead);
     QVERIFY2(isRead || error.contains(u"MB of memory"_qs), qPrintable(error));
+    if (!options.contains(u"-c"_qs))
+        return;
+
+    // The same where only the tile says so.
+    QByteArray contents = contentsOf(path);
+    const qsizetype style = contents.indexOf("\xff\x52");
+    const qsizetype tile = contents.indexOf(QByteArray("\xff\x90\0\x0a", 4));
+    QVERIFY(style > 0 && tile > style);
+    const QByteArray copy = contents.mid(style, 2 + qFromBigEndian<quint16>(contents.data() + style + 2));
+    contents[style + 4] = 0;  // usual precincts,
+    contents[style + 10] = 4; // and code blocks of 64 by 64
+    contents[style + 11] = 4;
+    QVERIFY(putFile(path, contents));
+    QVERIFY(!decoded(path, &error, limits).isNull() || !error.contains(u"MB of memory"_qs));
+    char *length = contents.data() + tile + 6;
+    qToBigEndian(qFromBigEndian<quint32>(length) + quint32(copy.size()), length);
+    contents.insert(tile + 12, copy);
+    QVERIFY(putFile(path, contents));
+    QVERIFY(decoded(path, &error, limits).isNull());
+    QVERIFY2(error.contains(u"MB of memory"_qs), qPrintable(error));
 }
 
 QTEST_GUILESS_MAIN(Jp2Test)
