@@ -11,6 +11,7 @@
 #include "imageio/metadataclearing.h"
 #include "imageio/metadatafields.h"
 #include "imageio/metadatareading.h"
+#include "imageio/pictureregions.h"
 #include "imageio/propertykeys.h"
 
 #include <QRegularExpression>
@@ -160,7 +161,8 @@ QByteArray encodedImageResources(const MetadataSet &set, const QByteArray &iptc,
 
 /// Clears and edits EXIF, IPTC and XMP, and encodes the XMP. All threads wait for the lock that this needs.
 QByteArray changedXmp(MetadataSet &set, ClearedGroups cleared, const QVariantMap &before,
-                      const QVariantMap &after, const EmbeddedMetadata::CopyFacts &facts, bool hasNewIptc)
+                      const QVariantMap &after, const EmbeddedMetadata::CopyFacts &facts, bool hasNewIptc,
+                      QStringList &omitted)
 {
     const auto lock = lockXmpNamespaces();
     Exiv2::XmpData xmp = decodedXmp(set);
@@ -173,6 +175,8 @@ QByteArray changedXmp(MetadataSet &set, ClearedGroups cleared, const QVariantMap
         eraseXmpProperty(xmp, "Xmp.photoshop.LegacyIPTCDigest");
     if (!facts.holdsIptc)
         addIptcToXmp(xmp, after);
+    if (turnRegionsInXmp(xmp, facts.turn))
+        omitted += u"face regions"_qs;
     describePictureInXmp(xmp, facts.pixelSize);
     try {
         QByteArray packet = encodedXmp(xmp);
@@ -203,10 +207,11 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     const bool erasedFromIptc = erasePicturesFromIptc(set.iptc);
     const Exiv2::IptcData original = set.iptc;
     const bool hadNote = hasMakerNote(set.exif);
-    encoded.xmp = changedXmp(set, cleared, before, after, facts, erasedFromIptc);
+    encoded.xmp = changedXmp(set, cleared, before, after, facts, erasedFromIptc, encoded.omitted);
     if (hadNote && !hasMakerNote(set.exif) && !(cleared & ClearedGroup::Exif))
         encoded.omitted += u"maker note"_qs;
 
+    turnRegionsInExif(set.exif, facts.turn);
     describePictureInExif(set.exif, facts.pixelSize);
     if (!hasMakerNote(set.exif))
         note = {};

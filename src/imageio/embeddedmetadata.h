@@ -4,6 +4,7 @@
 
 #include "imageio/clearedgroups.h"
 #include "imageio/jpegsegments.h"
+#include "imageio/pictureturn.h"
 #include "imageio/pngtexts.h"
 #include "platform/result.h"
 
@@ -61,6 +62,7 @@ public:
         qsizetype maxExifBytes = kMaxJpegExif; ///< the longest EXIF that the copy's format holds
         bool holdsIptc = true; ///< else what IIM records tell goes into the XMP, as far as it has a place
         ClearedGroups cleared = {}; ///< what people have cleared; an emptied dictionary counts, too
+        PictureTurn turn = {};      ///< from the source's pixels to the copy's
     };
 
     /// Metadata for a copy: the file's own, changed where `properties` differs from properties(), freed from

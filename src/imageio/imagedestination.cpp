@@ -108,9 +108,12 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
     WriteOptions options = pictureOptions(request);
     const auto metadata = request.source ? request.source->metadata() : EmbeddedMetadata::none();
     const bool hasThumbnail = metadata->hasThumbnail() && target->codec->holdsThumbnail();
-    const EmbeddedMetadata::CopyFacts facts = {format.size, hasThumbnail ? kThumbnailBytes : 0,
-                                               target->codec->maxExifBytes(), target->codec->writesIptc(),
-                                               request.cleared};
+    const EmbeddedMetadata::CopyFacts facts = {format.size,
+                                               hasThumbnail ? kThumbnailBytes : 0,
+                                               target->codec->maxExifBytes(),
+                                               target->codec->writesIptc(),
+                                               request.cleared,
+                                               request.turn};
     const EmbeddedMetadata::Encoded encoded = metadata->encodeForCopy(properties, facts);
     if (request.omitted)
         *request.omitted += encoded.omitted;

@@ -4,6 +4,7 @@
 
 #include "imageio/clearedgroups.h"
 #include "imageio/imageformat.h"
+#include "imageio/pictureturn.h"
 
 #include <memory>
 
@@ -22,6 +23,7 @@ struct CopyRequest {
     QStringList *omitted =
         nullptr;                ///< is appended what of the metadata was too long for the copy; may be null
     ClearedGroups cleared = {}; ///< of the properties
+    PictureTurn turn = {};      ///< from the source's pixels to the copy's
 };
 
 /// Opens a writer for one picture with its metadata, sRGB profile and, where the source had one, a new

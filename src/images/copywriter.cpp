@@ -101,8 +101,12 @@ public:
     {
         if (order.metadata)
             m_metadata = *order.metadata;
-        m_request = {order.targetType, propertiesOfCopy(m_metadata, order, m_uprighting), &source, &m_omitted,
-                     m_metadata.clearedGroups()};
+        m_request = {order.targetType,
+                     propertiesOfCopy(m_metadata, order, m_uprighting),
+                     &source,
+                     &m_omitted,
+                     m_metadata.clearedGroups(),
+                     m_uprighting.turn()};
     }
 
     Result<CopyReport> write()

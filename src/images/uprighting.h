@@ -3,6 +3,7 @@
 #pragma once
 
 #include "imageio/imagesource.h"
+#include "imageio/pictureturn.h"
 #include "platform/bytebudget.h"
 
 #include <QSize>
@@ -40,6 +41,9 @@ struct Uprighting {
 
     bool isStretched() const { return scaleX != 1 || scaleY != 1; }
     bool isIdentity() const { return orientation == 1 && !isStretched(); }
+
+    /// The same for what metadata say of places in the picture.
+    PictureTurn turn() const { return {stored, orientation, scaleX, scaleY}; }
 
     /// Pixels of the upright picture.
     QSize size() const;

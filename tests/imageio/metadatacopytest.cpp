@@ -90,6 +90,8 @@ private Q_SLOTS:
     void editsReachAllPlaces();
     void editsLeaveMakerNotesSound_data();
     void editsLeaveMakerNotesSound();
+    void regionsTurnWithThePicture_data();
+    void regionsTurnWithThePicture();
     void longXmpIsReadFromItsPieces();
     void valuesSurviveWriting_data();
     void valuesSurviveWriting();
@@ -421,6 +423,82 @@ void MetadataCopyTest::editsLeaveMakerNotesSound()
         qWarning().noquote() << failure;
     QCOMPARE(failures.size(), 0);
     QVERIFY(kept >= 10);
+}
+
+void MetadataCopyTest::regionsTurnWithThePicture_data()
+{
+    QTest::addColumn<int>("orientation");
+    QTest::addColumn<double>("scaleX");
+    QTest::addColumn<QString>("dimensions");
+    QTest::addColumn<QString>("area"); // centre and size
+    QTest::addColumn<QString>("rectangle");
+    QTest::addColumn<QString>("subject");
+    const auto row = [](const char *name, int orientation, double scaleX, const char *dimensions,
+                        const char *area, const char *rectangle, const char *subject) {
+        QTest::newRow(name) << orientation << scaleX << QString::fromLatin1(dimensions)
+                            << QString::fromLatin1(area) << QString::fromLatin1(rectangle)
+                            << QString::fromLatin1(subject);
+    };
+    // A head near the upper right corner.
+    row("as stored", 1, 1, "400 300", "0.9 0.1 0.1 0.2", "0.85 0 0.1 0.2", "360 30 40 60");
+    row("mirrored", 2, 1, "400 300", "0.1 0.1 0.1 0.2", "0.05 0 0.1 0.2", "39 30 40 60");
+    row("half turn", 3, 1, "400 300", "0.1 0.9 0.1 0.2", "0.05 0.8 0.1 0.2", "39 269 40 60");
+    row("upside down", 4, 1, "400 300", "0.9 0.9 0.1 0.2", "0.85 0.8 0.1 0.2", "360 269 40 60");
+    row("transposed", 5, 1, "300 400", "0.1 0.9 0.2 0.1", "0 0.85 0.2 0.1", "30 360 60 40");
+    row("clockwise", 6, 1, "300 400", "0.9 0.9 0.2 0.1", "0.8 0.85 0.2 0.1", "269 360 60 40");
+    row("crosswise", 7, 1, "300 400", "0.9 0.1 0.2 0.1", "0.8 0.05 0.2 0.1", "269 39 60 40");
+    row("counter-clockwise", 8, 1, "300 400", "0.1 0.1 0.2 0.1", "0 0.05 0.2 0.1", "30 39 60 40");
+    row("stretched", 1, 2, "800 300", "0.9 0.1 0.1 0.2", "0.85 0 0.1 0.2", "721 30 80 60");
+    row("stretched, clockwise", 6, 2, "300 800", "0.9 0.9 0.2 0.1", "0.8 0.85 0.2 0.1", "269 721 60 80");
+}
+
+void MetadataCopyTest::regionsTurnWithThePicture()
+{
+    QFETCH(int, orientation);
+    QFETCH(double, scaleX);
+    QFETCH(QString, dimensions);
+    QFETCH(QString, area);
+    QFETCH(QString, rectangle);
+    QFETCH(QString, subject);
+    const QString source = m_folder.path(u"regions.jpg"_qs);
+    write(source, test::jpegWith({}));
+    const QStringList facts{
+        u"-n"_qs,
+        u"-overwrite_original"_qs,
+        u"-RegionInfo={AppliedToDimensions={W=400,H=300,Unit=pixel},RegionList=[{Name=Jane,Type=Face,"
+        "Area={X=0.9,Y=0.1,W=0.1,H=0.2,Unit=normalized}}]}"_qs,
+        u"-RegionInfoMP={Regions=[{PersonDisplayName=Jane,Rectangle=0.85|, 0|, 0.1|, 0.2}]}"_qs,
+        u"-ExifIFD:SubjectArea=360 30 40 60"_qs,
+        u"-XMP-exif:SubjectArea=360 30 40 60"_qs};
+    QVERIFY(test::outputOf(u"exiftool"_qs, facts + QStringList(source)).contains("1 image files updated"));
+    EmbeddedMetadata::CopyFacts copyFacts{QSize(16, 16), 0};
+    copyFacts.turn = {QSize(400, 300), orientation, scaleX, 1};
+    const auto metadata = EmbeddedMetadata::read(source);
+    const auto encoded = metadata->encodeForCopy(metadata->properties(), copyFacts);
+    QCOMPARE(encoded.omitted, QStringList());
+    const QString copy = m_folder.path(u"turned.jpg"_qs);
+    write(copy, test::jpegWith(encoded));
+    const QString found = QString::fromUtf8(test::outputOf(
+        u"exiftool"_qs, {u"-n"_qs, u"-a"_qs, u"-p"_qs,
+                         u"$RegionAppliedToDimensionsW $RegionAppliedToDimensionsH;$RegionAreaX $RegionAreaY "
+                         "$RegionAreaW $RegionAreaH;$RegionRectangle;$ExifIFD:SubjectArea;"
+                         "$XMP-exif:SubjectArea;$RegionName;$RegionPersonDisplayName"_qs,
+                         copy}));
+    const QStringList parts = found.trimmed().split(u';');
+    QCOMPARE(parts.size(), 7);
+    const auto compareNumbers = [](QString text, const QString &expected) {
+        const QStringList numbers = text.remove(u',').split(u' ');
+        const QStringList wanted = expected.split(u' ');
+        QCOMPARE(numbers.size(), wanted.size());
+        for (qsizetype i = 0; i < wanted.size(); ++i)
+            QVERIFY2(qAbs(numbers[i].toDouble() - wanted[i].toDouble()) < 1e-5, qPrintable(text));
+    };
+    compareNumbers(parts[0], dimensions);
+    compareNumbers(parts[1], area);
+    compareNumbers(parts[2], rectangle);
+    compareNumbers(parts[3], subject);
+    compareNumbers(parts[4], subject);
+    QCOMPARE(parts[5] + parts[6], u"JaneJane"_qs);
 }
 
 /// exiftool splits what does not fit into one segment of a JPEG.
