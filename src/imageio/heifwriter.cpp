@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace plexa
 {
@@ -136,6 +137,11 @@ private:
         // A third of the time of "medium", and on photos no more bytes for the same distance from the source.
         if (error.code == heif_error_Ok)
             error = heif_encoder_set_parameter_string(encoder, "preset", "ultrafast");
+        // One thread works on one photo: several are worked on at a time already. A pool would also take
+        // memory for each core of the machine.
+        for (const auto &[name, value] : {std::pair{"x265:pools", "none"}, {"x265:frame-threads", "1"}})
+            if (error.code == heif_error_Ok)
+                error = heif_encoder_set_parameter_string(encoder, name, value);
         return checked(error);
     }
 
