@@ -2,6 +2,7 @@
 
 #include "exiftoolrecords.h"
 #include "jpegassembly.h"
+#include "pictures.h"
 
 #include <QTest>
 
