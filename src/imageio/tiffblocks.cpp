@@ -21,6 +21,21 @@ qint64 times(qint64 a, qint64 b)
     return b > 0 && a > kTooMuch / b ? kTooMuch : a * b;
 }
 
+/// Rows are unpacked from a strip that libtiff reads whole, of at most the file's size; what is not packed it
+/// reads piece by piece.
+qint64 largestPackedStrip(TIFF *tiff, qint64 fileBytes)
+{
+    quint16 compression = COMPRESSION_NONE;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_COMPRESSION, &compression);
+    if (compression == COMPRESSION_NONE)
+        return 0;
+    quint64 largest = 0;
+    const quint32 strips = TIFFNumberOfStrips(tiff);
+    for (quint32 i = 0; i < strips; ++i)
+        largest = qMax(largest, quint64(TIFFGetStrileByteCount(tiff, i)));
+    return qint64(qMin(largest, quint64(fileBytes)));
+}
+
 } // namespace
 
 TiffBlocks::TiffBlocks(TiffFile &file)
@@ -60,7 +75,8 @@ qint64 TiffBlocks::bytesNeeded() const
 {
     // One block more for what libtiff reads of the file before it is unpacked.
     const qint64 held = times(times(m_blockBytes, m_blocksAcross), qint64(m_planes.size()));
-    const qint64 blocks = m_isByLine || held > kTooMuch - m_blockBytes ? held : held + m_blockBytes;
+    const qint64 packed = m_isByLine ? largestPackedStrip(m_file.handle(), m_file.fileBytes()) : m_blockBytes;
+    const qint64 blocks = held > kTooMuch - packed ? kTooMuch : held + packed;
     const qint64 row = times(times(m_facts.size.width(), m_facts.samples), 2);
     return blocks > kTooMuch - row ? kTooMuch : blocks + row;
 }

@@ -58,6 +58,7 @@ public:
 
     const TiffFacts &facts() const { return m_facts; }
     TIFF *handle() const { return m_tiff; }
+    qint64 fileBytes() const { return m_device.size(); }
 
     /// The pictures of the file, a large number of them not counted to the end. Moves the device only.
     int countPictures() const;
