@@ -183,6 +183,7 @@ QByteArray changedXmp(MetadataSet &set, ClearedGroups cleared, const QVariantMap
         restoreAbout(packet, set.xmpPacket);
         return packet;
     } catch (const std::exception &) {
+        omitted += u"XMP"_qs;
         return {};
     }
 }
@@ -226,7 +227,9 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
         encoded.iptc.clear();
     }
     encoded.imageResources = encodedImageResources(set, encoded.iptc, after, cleared);
-    encoded.comment = textualComment(set.comment);
+    // Free text about the photo, as the caption is.
+    if (!(cleared & ClearedGroup::Iptc))
+        encoded.comment = textualComment(set.comment);
     return encoded;
 }
 

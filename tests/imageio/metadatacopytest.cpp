@@ -253,7 +253,7 @@ void MetadataCopyTest::clearingsReachEveryPhoto_data()
                           << QStringList{u"-IPTC:all"_qs,        u"-XMP-iptcCore:all"_qs,
                                          u"-XMP-iptcExt:all"_qs, u"-XMP-photoshop:City"_qs,
                                          u"-XMP-dc:Rights"_qs,   u"-XMP-dc:Subject"_qs,
-                                         u"-XMP-plus:all"_qs};
+                                         u"-XMP-plus:all"_qs,    u"-File:Comment"_qs};
     QTest::newRow("TIFF") << int(ClearedGroup::Tiff)
                           << QStringList{u"-IFD0:Make"_qs, u"-IFD0:Model"_qs, u"-XMP-tiff:Make"_qs,
                                          u"-IFD0:UniqueCameraModel"_qs, u"-IFD0:ImageDescription"_qs};
