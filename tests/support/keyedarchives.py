@@ -135,6 +135,41 @@ def bombs(folder):
     a.dump(os.path.join(folder, "wide.plist"))
 
 
+def preset(a, **changes):
+    """A watermark preset with a few values; the others are missing."""
+    values = {"WPName": a.add("Old"), "WPType": a.add("Image"), "WPAngle": a.add(270), "WPStroke": True,
+              "WPFontSize": a.add(7.9), "WPTextTokens": a.array([a.add("\u00a9 "), a.mutable_string("creator")]),
+              "WPFillColor": a.color(5, NSCMYK=b"0 1 1 0 1\0"), "WPBackgroundPadding": a.add(12),
+              "WPShadowAngle": a.add(0.7853981633974483), "WPBackgroundPaddingUnit": a.add("% of width"),
+              "WPAssignedSavingPreset": 57, "WPUnknown": a.add("later")}
+    return a.obj(("WPreset", "NSObject"), **{**values, **changes})
+
+
+def presets(folder):
+    def write(name, build, application="Quorvel Plexa", version=1.0):
+        a = Archive()
+        items = build(a)
+        a.top = {"Application": a.add(application), "FileVersion": version, "WPresets": items}
+        a.dump(os.path.join(folder, name + ".pxwpr"))
+
+    image = [b"nonsense", tiff(2, 2, (255, 0, 0)), tiff(4, 3, (0, 0, 255)), tiff(3, 3, (0, 255, 0))]
+    write("old", lambda a: a.array([
+        preset(a, WPImage=a.image([a.data(i) for i in image])),
+        preset(a, WPAngle=a.add(90), WPFontSize=a.add("8"), WPName=UID(0), WPWidth=a.add(1 << 40)),
+        preset(a, WPAngle=a.add(-200.0), WPAssignedSavingPreset=58),
+        preset(a, WPAngle=UID(4000), WPShadowAngle=a.add(float("nan")), WPTextTokens=a.add("no list")),
+    ], mutable=True), "Quorvel Plexa 1")
+    shared = lambda a: (lambda p: a.array([p, p]))(preset(a, WPBackgroundPaddingTop=a.add(3)))
+    write("today", shared, version=struct.unpack("f", struct.pack("f", 1.2))[0])
+    write("later", shared, version=1.3)
+    write("empty", lambda a: a.array([]))
+    write("foreign", shared, "Quorvel Other")
+    write("no-version", shared, version=0)
+    write("no-list", lambda a: a.add("x"))
+    write("no-preset", lambda a: a.array([preset(a), a.add("x")]))
+    write("pointless", lambda a: a.array([UID(4000)]))
+
+
 def as_json(path):
     with open(path, "rb") as file:
         archive = plistlib.load(file)
@@ -162,5 +197,6 @@ if os.path.isdir(sys.argv[1]):
     values(os.path.join(sys.argv[1], "values.plist"))
     broken(os.path.join(sys.argv[1], "broken.plist"))
     bombs(sys.argv[1])
+    presets(sys.argv[1])
 else:
     as_json(sys.argv[1])
