@@ -32,8 +32,6 @@ const Key kFileVersion("FileVersion");
 const Key kWPresets("WPresets");
 const Key kPresetClass("WPreset");
 const Key kOldBackgroundPadding("WPBackgroundPadding");
-// The name by which the first major version marked its files.
-const QString kFirstVersionAppID = QStringLiteral("Quorvel Plexa 1");
 
 constexpr float kVersion = 1.2F;
 constexpr std::size_t kMaxPresets = 20'000;
@@ -277,7 +275,7 @@ Result<WPresetList> wPresetsFromArchive(const QByteArray &bytes, bool *futureVer
     if (futureVersion)
         *futureVersion = version > kVersion;
     const bool isOurs = application && (*application == applicationNameWithCompany(true, false, true) ||
-                                        *application == kFirstVersionAppID);
+                                        *application == firstVersionApplicationName());
     if (!isOurs || !(version > 0))
         return fail(Texts::tr("it is no file of watermark presets"));
     return Decoder(version, savingPresetWithID).presets(top->value(kWPresets));
