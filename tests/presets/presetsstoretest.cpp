@@ -91,6 +91,7 @@ private Q_SLOTS:
     void cleanup();
     void namesOfFiles();
     void firstStart();
+    void examplesOfTheProgram();
     void whatIsSavedIsRead();
     void unreadableLists();
     void laterVersion();
@@ -166,6 +167,27 @@ void PresetsStoreTest::firstStart()
     QCOMPARE(store.quickSavingPreset()->name(), QStringLiteral("Quick Preset"));
     QCOMPARE(files(), QStringList({QStringLiteral(".lock"), QStringLiteral("SPresets.pxspr"),
                                    QStringLiteral("WPresets.pxwpr")}));
+}
+
+void PresetsStoreTest::examplesOfTheProgram()
+{
+    ScriptedAlerts alerts;
+    PresetsStore store(alerts, m_fonts, {path(), PresetsStore::Places::own().examplesFolder});
+    store.readAll();
+    QCOMPARE(alerts.complaints(), QStringList());
+    QVERIFY(store.wPresets().size() >= 10);
+    int pictures = 0;
+    for (const auto &preset : store.wPresets()) {
+        const bool isPicture = preset->type() == QLatin1StringView("Image");
+        QVERIFY2(isPicture ? !preset->image().svg().isEmpty() : !preset->textTokens().isEmpty(),
+                 qPrintable(preset->name()));
+        pictures += isPicture ? 1 : 0;
+    }
+    QVERIFY(pictures >= 2);
+    QCOMPARE(store.savingPresets().size(), std::size_t(6));
+    for (const auto &preset : store.savingPresets())
+        QVERIFY2(preset->validPreset() && preset->supportedFileFormats().contains(preset->imageFormat()),
+                 qPrintable(preset->name()));
 }
 
 void PresetsStoreTest::whatIsSavedIsRead()
