@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "cli/presetfiles.h"
+
+#include "cli/messages.h"
+#include "platform/applicationname.h"
+
+namespace plexa
+{
+
+Result<WPresetList> wPresetsIn(const QString &path, const SavingPresetLookup &savingPresetWithID,
+                               bool *isLater)
+{
+    return readWPresetsFromFile(path, isLater, savingPresetWithID);
+}
+
+Result<SavingPresetList> savingPresetsIn(const QString &path)
+{
+    QByteArray errors;
+    ReadCode code{};
+    auto presets = SavingPreset::readObjectsFromFile(path, applicationNameWithCompany(true, false, true),
+                                                     code, [&](const QByteArray &line) { errors += line; });
+    if (!presets)
+        return fail(QStringLiteral("it is no file of saving presets: %1")
+                        .arg(onOneLine(QString::fromUtf8(errors.trimmed()))));
+    return std::move(*presets);
+}
+
+QString storedPresetsFile(PresetsStore::Kind kind)
+{
+    return applicationSupportSubdirectory() + (kind == PresetsStore::Kind::Watermark
+                                                   ? QStringLiteral("/WPresets.pxwpr")
+                                                   : QStringLiteral("/SPresets.pxspr"));
+}
+
+} // namespace plexa

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "presets/presetsstore.h"
+#include "presets/wpresetarchive.h"
+
+namespace plexa
+{
+
+/// The presets of a file. A failure is a text that follows the file's name. Of a file that a later version of
+/// the program has written, what is known is read, and `isLater` tells so where it is given.
+[[nodiscard]] Result<WPresetList>
+wPresetsIn(const QString &path, const SavingPresetLookup &savingPresetWithID, bool *isLater = nullptr);
+[[nodiscard]] Result<SavingPresetList> savingPresetsIn(const QString &path);
+
+/// The user's own file of that kind, which need not be there.
+QString storedPresetsFile(PresetsStore::Kind kind);
+
+/// Names as they stand in a message: "one", "two".
+template<class List>
+QString namesOf(const List &presets)
+{
+    QStringList names;
+    for (const auto &preset : presets)
+        names.append(QStringLiteral("\"%1\"").arg(preset->name()));
+    return names.isEmpty() ? QStringLiteral("none") : names.join(QLatin1String(", "));
+}
+
+} // namespace plexa
