@@ -28,9 +28,7 @@ Result<SavingPresetList> savingPresetsIn(const QString &path)
 
 QString storedPresetsFile(PresetsStore::Kind kind)
 {
-    return applicationSupportSubdirectory() + (kind == PresetsStore::Kind::Watermark
-                                                   ? QStringLiteral("/WPresets.pxwpr")
-                                                   : QStringLiteral("/SPresets.pxspr"));
+    return PresetsStore::listOrExamplesFile(kind, PresetsStore::Places::own());
 }
 
 } // namespace plexa

@@ -14,7 +14,8 @@ namespace plexa
 wPresetsIn(const QString &path, const SavingPresetLookup &savingPresetWithID, bool *isLater = nullptr);
 [[nodiscard]] Result<SavingPresetList> savingPresetsIn(const QString &path);
 
-/// The user's own file of that kind, which need not be there.
+/// Where the user's own presets of that kind are read from: their file, or the examples before there is one.
+/// Nothing is written.
 QString storedPresetsFile(PresetsStore::Kind kind);
 
 /// Names as they stand in a message: "one", "two".

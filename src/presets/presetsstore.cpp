@@ -33,6 +33,21 @@ QString extensionOf(PresetsStore::Kind kind)
     return kind == PresetsStore::Kind::Watermark ? QStringLiteral("pxwpr") : QStringLiteral("pxspr");
 }
 
+QString fileName(PresetsStore::Kind kind, PresetsStore::Slot slot, const PresetsStore::Places &places)
+{
+    const QLatin1StringView initial(kind == PresetsStore::Kind::Watermark ? "W" : "S");
+    const QString name = slot == PresetsStore::Slot::Quick ? QStringLiteral("Quick%1Preset").arg(initial)
+                                                           : QStringLiteral("%1Presets").arg(initial);
+    return places.supportFolder + u'/' + name + u'.' + extensionOf(kind);
+}
+
+QString exampleFile(PresetsStore::Kind kind, const PresetsStore::Places &places)
+{
+    const QLatin1StringView name(kind == PresetsStore::Kind::Watermark ? "example_wpresets"
+                                                                       : "example_spresets");
+    return places.examplesFolder + u'/' + name + u'.' + extensionOf(kind);
+}
+
 /// "SPresets-replaced.pxspr", or with a number.
 QString backupPath(const QString &path, int number = 1)
 {
@@ -75,16 +90,13 @@ PresetsStore::PresetsStore(Alerts &alerts, const FontCatalog &fonts, Places plac
 
 QString PresetsStore::presetsFileNameForWatermark(Kind kind, Slot slot) const
 {
-    const QLatin1StringView initial(kind == Kind::Watermark ? "W" : "S");
-    const QString name = slot == Slot::Quick ? QStringLiteral("Quick%1Preset").arg(initial)
-                                             : QStringLiteral("%1Presets").arg(initial);
-    return m_places.supportFolder + u'/' + name + u'.' + extensionOf(kind);
+    return fileName(kind, slot, m_places);
 }
 
-QString PresetsStore::exampleFile(Kind kind) const
+QString PresetsStore::listOrExamplesFile(Kind kind, const Places &places)
 {
-    const QLatin1StringView name(kind == Kind::Watermark ? "example_wpresets" : "example_spresets");
-    return m_places.examplesFolder + u'/' + name + u'.' + extensionOf(kind);
+    const QString list = fileName(kind, Slot::List, places);
+    return QFileInfo::exists(list) ? list : exampleFile(kind, places);
 }
 
 void PresetsStore::readAll()
@@ -125,7 +137,7 @@ PresetsStore::Reading PresetsStore::readFile(const QString &path, Kind kind) con
 
 bool PresetsStore::makeListFromExamples(Kind kind) const
 {
-    QFile example(exampleFile(kind));
+    QFile example(exampleFile(kind, m_places));
     if (!example.open(QIODevice::ReadOnly))
         return false;
     AtomicFile file(presetsFileNameForWatermark(kind, Slot::List), AtomicFile::IfExists::Fail,
@@ -245,7 +257,7 @@ bool PresetsStore::importPresetsFromFile(const QString &path, Kind kind)
 
 bool PresetsStore::importExamplePresets(Kind kind)
 {
-    return importPresetsFromFile(exampleFile(kind), kind);
+    return importPresetsFromFile(exampleFile(kind, m_places), kind);
 }
 
 void PresetsStore::saveQuickAsWPreset()

@@ -48,6 +48,9 @@ public:
 
     QString presetsFileNameForWatermark(Kind kind, Slot slot) const;
 
+    /// The file of a list, or of the examples as long as there is none: for reading without a store.
+    static QString listOrExamplesFile(Kind kind, const Places &places);
+
     /// Reads one file. A list is added to what is there; without a file it is made from the examples first.
     /// One that cannot be read, or that a later version has written, is moved aside and reported; of the
     /// latter, presets are added all the same.
@@ -93,7 +96,6 @@ private:
 
     Reading readFile(const QString &path, Kind kind) const;
     bool makeListFromExamples(Kind kind) const;
-    QString exampleFile(Kind kind) const;
     QString backupWrongPresetsFile(const QString &path, ReadCode readingReturnCode);
     void makeRoomForFile(const QString &path, Kind kind);
     void take(const Reading &reading, Kind kind, Slot slot);
