@@ -36,9 +36,36 @@ const Key kOldBackgroundPadding("WPBackgroundPadding");
 constexpr float kVersion = 1.2F;
 constexpr std::size_t kMaxPresets = 20'000;
 
+/// Puts the pictures of an archive into it, each once.
+class PictureEncoder
+{
+public:
+    explicit PictureEncoder(KeyedArchiver &archiver)
+        : m_archiver(archiver)
+    {
+    }
+
+    Result<Reference> reference(const WatermarkPicture &picture)
+    {
+        for (const auto &[known, reference] : m_known) {
+            if (known == picture)
+                return reference;
+        }
+        return archivedImage(picture).map([&](const ArchivedImage &image) {
+            m_known.emplace_back(picture, m_archiver.addImage(image));
+            return m_known.back().second;
+        });
+    }
+
+private:
+    KeyedArchiver &m_archiver;
+    std::vector<std::pair<WatermarkPicture, Reference>> m_known;
+};
+
 /// Puts a field's value under its key.
 struct FieldEncoder {
     KeyedArchiver &archiver;
+    PictureEncoder &pictures;
     KeyedArchiver::Object &object;
     QLatin1StringView key;
     Result<void> &result;
@@ -65,9 +92,9 @@ struct FieldEncoder {
     {
         if (picture.isNull())
             return;
-        const Result<ArchivedImage> image = archivedImage(picture);
+        const Result<Reference> image = pictures.reference(picture);
         if (image)
-            object.setObject(key, archiver.addImage(*image));
+            object.setObject(key, *image);
         else
             result = tl::unexpected(image.error());
     }
@@ -78,12 +105,12 @@ struct FieldEncoder {
     }
 };
 
-Result<Reference> encode(KeyedArchiver &archiver, const WPresetValues &values)
+Result<Reference> encode(KeyedArchiver &archiver, PictureEncoder &pictures, const WPresetValues &values)
 {
     KeyedArchiver::Object object;
     Result<void> result;
     for (const WPresetField &field : wPresetFields())
-        std::visit(FieldEncoder{archiver, object, field.archiveKey, result}, field.value(values));
+        std::visit(FieldEncoder{archiver, pictures, object, field.archiveKey, result}, field.value(values));
     if (!result)
         return tl::unexpected(result.error());
     return archiver.addObject(std::move(object), kPresetClass);
@@ -239,9 +266,10 @@ Result<QByteArray> archivedWPresets(const WPresetList &presets)
     KeyedArchiver archiver;
     archiver.top().setObject(kApplication, archiver.addString(applicationNameWithCompany(true, false, true)));
     archiver.top().setFloat(kFileVersion, kVersion);
+    PictureEncoder pictures(archiver);
     std::vector<Reference> references;
     for (const auto &preset : presets) {
-        const Result<Reference> reference = encode(archiver, preset->values());
+        const Result<Reference> reference = encode(archiver, pictures, preset->values());
         if (!reference)
             return tl::unexpected(reference.error());
         references.push_back(*reference);

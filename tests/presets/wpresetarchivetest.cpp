@@ -180,11 +180,15 @@ void WPresetArchiveTest::picturesComeBack()
 
     WPresetValues values;
     values.image = *WatermarkPicture::fromSvg(kSvg);
-    const auto bytes = archivedWPresets(listOf(values));
+    WPresetList twice = listOf(values);
+    twice.push_back(twice.front()->copy());
+    const auto bytes = archivedWPresets(twice);
     QVERIFY(bytes);
+    QCOMPARE(bytes->count(kSvg), 1);
     const auto read = wPresetsFromArchive(*bytes);
     QCOMPARE(read->front()->image().svg(), kSvg);
     QCOMPARE(read->front()->image().size(), QSizeF(40, 20));
+    QVERIFY(read->front()->image() == read->back()->image());
     // For others there are pixels, sharp enough to print.
     const auto image = ArchivedValue::readArchive(*bytes)
                            ->value(QLatin1StringView("WPresets"))
