@@ -153,8 +153,8 @@ public:
     /// Tells objects apart: the same for every reference to one object.
     const void *identity() const { return m_node; }
 
-    /// Have arrays been asked for that held more, all in all, than an archive may? Such arrays are none.
-    /// Archives in which one array is referred to by many objects unfold without end.
+    /// Has more been asked for, all in all, than an archive may hold? From then on texts, data and arrays are
+    /// none. An object that many others refer to unfolds without end.
     bool isExhausted() const;
 
 private:

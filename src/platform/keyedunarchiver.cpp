@@ -20,7 +20,9 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(plexa::KeyedArchive)
 };
 
-constexpr qint64 kMaxElements = 1'000'000; // of all arrays together, counted at each reading
+// What an archive gives out, all in all, counted at each reading: many objects may refer to one.
+constexpr qint64 kMaxElements = 1'000'000;
+constexpr qint64 kMaxBytes = kMaxPropertyListBytes + kMaxPropertyListBytes / 4;
 constexpr int kMaxRepresentations = 64;
 constexpr uint32_t kMaxLineage = 16;
 constexpr int kMaxColorDepth = 4; // a catalogue colour holds its fallback
@@ -59,11 +61,18 @@ void forEachElement(plist_t array, const Visit &visit)
     }
 }
 
-QString textOf(plist_t node)
+/// As it lies in the archive, UTF-8; empty when it is no text.
+QByteArrayView textOf(plist_t node)
 {
     uint64_t length = 0;
-    const char *const text = plist_get_string_ptr(node, &length);
-    return text ? QString::fromUtf8(text, static_cast<qsizetype>(length)) : QString();
+    const char *const text =
+        plist_get_node_type(node) == PLIST_STRING ? plist_get_string_ptr(node, &length) : nullptr;
+    return text ? QByteArrayView(text, static_cast<qsizetype>(length)) : QByteArrayView("");
+}
+
+bool isText(plist_t node, QLatin1StringView text)
+{
+    return textOf(node) == QByteArrayView(text.data(), text.size());
 }
 
 QColor colorOf(double red, double green, double blue, double alpha)
@@ -78,7 +87,18 @@ struct ArchivedValue::Archive {
     plist_t root = nullptr;
     std::vector<plist_t> objects;
     qint64 elementsLeft = kMaxElements;
+    qint64 bytesLeft = kMaxBytes;
     bool isExhausted = false;
+
+    /// Takes from one of the two; false when there is not so much left.
+    bool take(qint64 &left, qint64 count)
+    {
+        isExhausted = isExhausted || count > left;
+        if (isExhausted)
+            return false;
+        left -= count;
+        return true;
+    }
 
     Archive() = default;
     Archive(const Archive &) = delete;
@@ -108,7 +128,7 @@ Result<ArchivedValue> ArchivedValue::readArchive(const QByteArray &bytes)
     const plist_t archiver = member("$archiver", PLIST_STRING);
     const plist_t objects = member("$objects", PLIST_ARRAY);
     const plist_t top = member("$top", PLIST_DICT);
-    if (!archiver || textOf(archiver) != QLatin1StringView("NSKeyedArchiver") || !objects || !top)
+    if (!archiver || !isText(archiver, QLatin1StringView("NSKeyedArchiver")) || !objects || !top)
         return fail(Texts::tr("it is no archive of objects"));
     archive->objects.reserve(plist_array_get_size(objects));
     forEachElement(objects, [&](plist_t object) { archive->objects.push_back(object); });
@@ -133,7 +153,7 @@ ArchivedValue ArchivedValue::resolved(void *node) const
     void *const object = m_archive->objects[index];
     const plist_type type = plist_get_node_type(object);
     // A reference to a reference never is.
-    if (type == PLIST_UID || (type == PLIST_STRING && textOf(object) == QLatin1StringView("$null")))
+    if (type == PLIST_UID || isText(object, QLatin1StringView("$null")))
         return {};
     return {m_archive, object};
 }
@@ -150,15 +170,14 @@ bool ArchivedValue::isOfClass(QLatin1StringView className) const
         return false;
     // Looked for as it is: asking a name for its class would not end.
     const ArchivedValue name = type.value(QLatin1StringView("$classname"));
-    if (name.isNode(PLIST_STRING) && textOf(name.m_node) == className)
+    if (name.isNode(PLIST_STRING) && isText(name.m_node, className))
         return true;
     const ArchivedValue lineage = type.value(QLatin1StringView("$classes"));
     if (!lineage.isNode(PLIST_ARRAY))
         return false;
     const uint32_t count = std::min(plist_array_get_size(lineage.m_node), kMaxLineage);
     for (uint32_t i = 0; i < count; ++i) {
-        const plist_t ancestor = plist_array_get_item(lineage.m_node, i);
-        if (plist_get_node_type(ancestor) == PLIST_STRING && textOf(ancestor) == className)
+        if (isText(plist_array_get_item(lineage.m_node, i), className))
             return true;
     }
     return false;
@@ -166,17 +185,19 @@ bool ArchivedValue::isOfClass(QLatin1StringView className) const
 
 std::optional<QString> ArchivedValue::string() const
 {
-    if (isNode(PLIST_STRING))
-        return textOf(m_node);
+    if (isNode(PLIST_STRING)) {
+        const QByteArrayView text = textOf(m_node);
+        return m_archive->take(m_archive->bytesLeft, text.size()) ? std::optional(QString::fromUtf8(text))
+                                                                  : std::nullopt;
+    }
     if (!isOfClass(QLatin1StringView("NSString")))
         return std::nullopt;
     const ArchivedValue boxed = value(QLatin1StringView("NS.string"));
     if (boxed.isNode(PLIST_STRING))
-        return textOf(boxed.m_node);
+        return boxed.string();
     const ArchivedValue bytes = value(QLatin1StringView("NS.bytes"));
-    if (bytes.isNode(PLIST_DATA))
-        return QString::fromUtf8(*bytes.data());
-    return std::nullopt;
+    const std::optional<QByteArray> utf8 = bytes.isNode(PLIST_DATA) ? bytes.data() : std::nullopt;
+    return utf8 ? std::optional(QString::fromUtf8(*utf8)) : std::nullopt;
 }
 
 std::optional<double> ArchivedValue::number() const
@@ -222,7 +243,9 @@ std::optional<QByteArray> ArchivedValue::data() const
     if (isNode(PLIST_DATA)) {
         uint64_t length = 0;
         const char *const bytes = plist_get_data_ptr(m_node, &length);
-        return QByteArray(bytes, static_cast<qsizetype>(length));
+        const auto size = static_cast<qint64>(length);
+        return m_archive->take(m_archive->bytesLeft, size) ? std::optional(QByteArray(bytes, size))
+                                                           : std::nullopt;
     }
     if (!isOfClass(QLatin1StringView("NSData")))
         return std::nullopt;
@@ -238,11 +261,8 @@ std::optional<std::vector<ArchivedValue>> ArchivedValue::array() const
     if (!objects.isNode(PLIST_ARRAY))
         return std::nullopt;
     const qint64 size = plist_array_get_size(objects.m_node);
-    if (size > m_archive->elementsLeft) {
-        m_archive->isExhausted = true;
+    if (!m_archive->take(m_archive->elementsLeft, size))
         return std::nullopt;
-    }
-    m_archive->elementsLeft -= size;
     std::vector<ArchivedValue> elements;
     elements.reserve(static_cast<std::size_t>(size));
     forEachElement(objects.m_node, [&](plist_t node) { elements.push_back(resolved(node)); });

@@ -26,6 +26,7 @@ constexpr qint64 kTrailerBytes = 32;
 constexpr int kMaxNesting = 32;         // a keyed archive has four levels
 constexpr qint64 kMaxNodes = 2'000'000; // about 200 bytes each, once they are built
 constexpr qint64 kMaxReferences = 4'000'000;
+constexpr qint64 kMaxKeys = 1000; // of one dictionary, which is searched key by key
 
 /// What an object unfolds into.
 struct Extent {
@@ -185,6 +186,8 @@ bool Checker::measure(qint64 at, int level, Extent &extent)
     case 0xa:
         return measureChildren(at, length, level, extent);
     case 0xd:
+        if (length > kMaxKeys)
+            return tooLarge();
         return measureChildren(at, 2 * length, level, extent);
     default:
         return false;

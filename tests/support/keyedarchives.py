@@ -122,6 +122,9 @@ def bombs(folder):
     a.top = {"bomb": level}
     a.dump(os.path.join(folder, "unfolds.plist"))
     a.objects += [level]
+    a = Archive()
+    a.top = {str(i): 0 for i in range(2000)}
+    a.dump(os.path.join(folder, "keys.plist"))
     nest = []
     for _ in range(500):
         nest = [nest]
@@ -132,6 +135,8 @@ def bombs(folder):
     a = Archive()
     wide = a.array([a.add("x")] * 100000)
     a.top = {"many": a.array([wide] * 1000)}
+    text = a.add("x" * 1000000)
+    a.top["texts"] = a.array([text] * 100000)
     a.dump(os.path.join(folder, "wide.plist"))
 
 
