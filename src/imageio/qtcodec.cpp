@@ -267,6 +267,9 @@ Result<PictureInfo> QtCodec::readInfo(QIODevice &device, const ReadLimits &limit
     // Last, because counting moves within the file.
     if (device.seek(0))
         info.imageCount = qMax(1, reader.imageCount());
+    if (info.imageCount > 1)
+        info.unmarkedPictures.append(m_choice == Choice::Largest ? QStringLiteral("other sizes")
+                                                                 : QStringLiteral("animation"));
     info.dpiWidth = header.dpiWidth;
     info.dpiHeight = header.dpiHeight;
     info.decoderBytes = decodingBytes(info.rows.size, format, header.iccProfile, m_pluginBytesPerPixel);

@@ -5,6 +5,7 @@
 #include "imageio/tiffblocks.h"
 #include "imageio/tiffcodec.h"
 #include "imageio/tifffile.h"
+#include "imageio/tiffpictures.h"
 
 #include <new>
 #include <optional>
@@ -324,7 +325,10 @@ Result<PictureInfo> TiffCodec::readInfo(QIODevice &device, const ReadLimits &lim
     const TiffFacts &facts = file.facts();
     PictureInfo info;
     info.rows = {facts.size, facts.alphaSample >= 0};
-    info.imageCount = file.countPictures();
+    const TiffPictures pictures = readTiffPictures(device);
+    info.imageCount = qMax(1, pictures.count);
+    if (pictures.hasFurtherPages)
+        info.unmarkedPictures.append(QStringLiteral("further pages"));
     info.depth = facts.depth;
     info.colorModel = facts.colorModel;
     info.iccProfile = facts.iccProfile;
