@@ -7,6 +7,7 @@
 #include "imageio/tifffile.h"
 #include "imageio/tiffpictures.h"
 
+#include <limits>
 #include <new>
 #include <optional>
 #include <vector>
@@ -243,6 +244,15 @@ private:
     std::vector<quint16> m_words; ///< a row as the transform takes it
 };
 
+/// What reading takes: blocks, and a row on its way through the colours.
+qint64 bytesToRead(const TiffBlocks &blocks, const TiffFacts &facts)
+{
+    constexpr qint64 kWordsOfAPixel = 4;
+    const qint64 row = facts.size.width() * kWordsOfAPixel * qint64(sizeof(quint16));
+    const qint64 bytes = blocks.bytesNeeded();
+    return bytes > std::numeric_limits<qint64>::max() - row ? bytes : bytes + row;
+}
+
 class TiffRowReader final : public RowReader
 {
 public:
@@ -261,7 +271,7 @@ public:
         m_blocks.emplace(m_file);
         if (!m_blocks->isConsistent())
             return fail(ReadFailures::damaged());
-        const qint64 bytes = m_blocks->bytesNeeded();
+        const qint64 bytes = bytesToRead(*m_blocks, facts);
         if (bytes > m_limits.maxBytes)
             return fail(ReadFailures::tooMuchMemory(facts.size, bytes, m_limits));
         try {
@@ -335,7 +345,7 @@ Result<PictureInfo> TiffCodec::readInfo(QIODevice &device, const ReadLimits &lim
     info.dpiWidth = facts.dpiWidth;
     info.dpiHeight = facts.dpiHeight;
     // Planes and tiles are gathered; a few rows of them cost no more than the strip they go into.
-    const qint64 bytes = TiffBlocks(file).bytesNeeded();
+    const qint64 bytes = bytesToRead(TiffBlocks(file), facts);
     info.decoderBytes = bytes > kStreamedBytes ? bytes : 0;
     return info;
 }
