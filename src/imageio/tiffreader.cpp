@@ -6,6 +6,7 @@
 #include "imageio/tiffcodec.h"
 #include "imageio/tifffile.h"
 #include "imageio/tiffpictures.h"
+#include "raster/pixelformat.h"
 
 #include <limits>
 #include <new>
@@ -22,12 +23,6 @@ using Kind = TiffFacts::Kind;
 
 /// A reader that holds no more than that needs no memory reserved.
 constexpr qint64 kStreamedBytes = 1024 * 1024;
-
-/// 16 bits to 8, rounded.
-int byteOf(int deep)
-{
-    return (deep + 128) / 257;
-}
 
 /// Turns rows of samples into rows of 8-bit sRGB.
 class TiffColors
@@ -103,7 +98,8 @@ private:
             words[4 * i] = quint16(red[i] * factor);
             words[4 * i + 1] = quint16(green[i] * factor);
             words[4 * i + 2] = quint16(blue[i] * factor);
-            m_table[i] = qRgb(byteOf(words[4 * i]), byteOf(words[4 * i + 1]), byteOf(words[4 * i + 2]));
+            m_table[i] =
+                qRgb(byteOfWord(words[4 * i]), byteOfWord(words[4 * i + 1]), byteOfWord(words[4 * i + 2]));
         }
         if (const auto transform = ColorTransform::toSrgb(m_facts.iccProfile, PixelLayout::Rgba64))
             transform->convert(words.data(), m_table.data(), qsizetype(count));
@@ -203,8 +199,8 @@ private:
         const int step = m_isGrayProfile ? 2 : 4;
         word = m_words.data();
         for (int x = 0; x < width; ++x, word += step) {
-            out[x] = m_isGrayProfile ? qRgb(byteOf(word[0]), byteOf(word[0]), byteOf(word[0]))
-                                     : qRgb(byteOf(word[0]), byteOf(word[1]), byteOf(word[2]));
+            out[x] = m_isGrayProfile ? qRgb(byteOfWord(word[0]), byteOfWord(word[0]), byteOfWord(word[0]))
+                                     : qRgb(byteOfWord(word[0]), byteOfWord(word[1]), byteOfWord(word[2]));
         }
     }
 
@@ -230,7 +226,7 @@ private:
     {
         samples += m_facts.alphaSample;
         for (int x = 0; x < m_facts.size.width(); ++x, samples += m_facts.samples) {
-            const int alpha = m_isDeep ? byteOf(*samples) : scaled(*samples);
+            const int alpha = m_isDeep ? byteOfWord(*samples) : scaled(*samples);
             out[x] = qPremultiply((out[x] & 0x00ffffff) | QRgb(alpha) << 24);
         }
     }
