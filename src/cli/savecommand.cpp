@@ -18,7 +18,6 @@
 #include "watermark/texttokens.h"
 #include "watermark/watermarkpicture.h"
 
-#include <QDir>
 #include <QFileInfo>
 
 #include <CLI/CLI.hpp>
@@ -199,17 +198,13 @@ int saveAll(SavingRun &run, const std::vector<PhotoPath> &photos, const SaveOpti
             return {photo.path, nullptr, photo.failure};
         return {photo.path, std::make_shared<ImageObject>(photo.path, services), {}};
     };
-    SaveReport report(run.photoCount, {options.json, options.quiet});
+    SaveReport report({options.json, options.quiet});
     NoQuestions alerts;
     Saving saving(alerts);
     saving.saveImages(run, report);
     report.end();
-    const std::size_t begun = report.copies();
-    if (begun < run.photoCount)
-        printLine(stderr, QStringLiteral("plexa-cli: stopped; %1 of %2 photos were not begun")
-                              .arg(run.photoCount - begun)
-                              .arg(run.photoCount));
-    return report.hasFailures() || begun < run.photoCount ? kSomethingFailed : kAllDone;
+    saving.finishedSavingImages(); // all of it is printed already
+    return report.isComplete() ? kAllDone : kSomethingFailed;
 }
 
 } // namespace
@@ -285,8 +280,6 @@ int runSave(const SaveOptions &options)
         return refuse(photos.error().text);
     if (photos->empty())
         printLine(stderr, QStringLiteral("plexa-cli: no photos found"));
-    if (!options.dryRun && !options.output.empty() && !QDir().mkpath(run->folders.destDirectory))
-        return refuse(QStringLiteral("the folder \"%1\" cannot be made").arg(run->folders.destDirectory));
     return saveAll(*run, *photos, options, fonts);
 }
 
