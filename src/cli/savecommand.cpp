@@ -15,6 +15,7 @@
 #include "platform/localeformat.h"
 #include "presets/savingpreset.h"
 #include "saving/saving.h"
+#include "saving/savingsettings.h"
 #include "watermark/texttokens.h"
 #include "watermark/watermarkpicture.h"
 
@@ -43,6 +44,17 @@ class NoQuestions final : public Alerts
 {
 public:
     AlertAnswer run(const Alert &alert) override { return {std::max(alert.escapeButton, 0), false}; }
+};
+
+/// What there is to know before a run.
+class Notices final : public Alerts
+{
+public:
+    AlertAnswer run(const Alert &alert) override
+    {
+        printLine(stderr, QStringLiteral("plexa-cli: %1 %2").arg(alert.title, alert.text));
+        return {};
+    }
 };
 
 int refuse(const QString &text)
@@ -127,6 +139,8 @@ Result<SavingPresetValues> runSavingPreset(const SaveOptions &options)
         if (Result<void> applied = applySavingField(preset, field); !applied)
             return tl::unexpected(applied.error());
     }
+    Notices notices;
+    completeFilenameTokens(preset, notices);
     return preset;
 }
 

@@ -332,6 +332,17 @@ void SavingTest::settingsAreFollowed()
     defaults.setObject(settings::ignoreSavingPresetsInSizePresets, true);
     followSettings(run, defaults);
     QVERIFY(run.ignoreAssignedSavingPresets);
+
+    const QStringList tokens = run.defaultSavingPreset.filenameTokens;
+    completeFilenameTokens(run.defaultSavingPreset, m_noAlerts);
+    QCOMPARE(run.defaultSavingPreset.filenameTokens, tokens);
+    run.defaultSavingPreset.filenameTokens.clear();
+    ScriptedAlerts alerts;
+    alerts.expect(u"Missing the filename specification!"_qs);
+    completeFilenameTokens(run.defaultSavingPreset, alerts);
+    QCOMPARE(run.defaultSavingPreset.filenameTokens, QStringList{u"filename"_qs});
+    QCOMPARE(alerts.shown().first().text, u"Will use the original filename."_qs);
+    QCOMPARE(alerts.complaints() + m_noAlerts.complaints(), QStringList());
 }
 
 QTEST_MAIN(SavingTest)
