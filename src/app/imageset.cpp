@@ -373,6 +373,8 @@ void ImageSet::focusLoaded(const std::shared_ptr<ImageObject> &image, bool isLoa
     if (isLoaded) {
         if (focus >= 0 && focus == indexOf(image.get()))
             show(image);
+        else
+            forgetThumbnail(*image);
         return;
     }
     if (!contains(image.get())) // an import has reported it, or the user has removed it
@@ -391,8 +393,16 @@ void ImageSet::show(const std::shared_ptr<ImageObject> &image)
 {
     if (image == m_shownImage)
         return;
-    m_shownImage = image;
+    const std::shared_ptr<ImageObject> former = std::exchange(m_shownImage, image);
     Q_EMIT shownImageChanged(image);
+    if (former)
+        forgetThumbnail(*former);
+}
+
+void ImageSet::forgetThumbnail(ImageObject &image)
+{
+    if (!m_imageListIsInBrowserMode && &image != m_shownImage.get())
+        image.releaseThumbnail();
 }
 
 } // namespace plexa

@@ -100,6 +100,10 @@ public:
     /// The photo that shownImageChanged() told of last.
     const std::shared_ptr<ImageObject> &shownImage() const { return m_shownImage; }
 
+    /// For who has loaded a photo: a list without pictures (Large Batch mode) keeps no thumbnail but that of
+    /// the shown photo.
+    void forgetThumbnail(ImageObject &image);
+
     void refreshImageList(Refresh refresh) { Q_EMIT refreshed(refresh); }
 
 Q_SIGNALS:
