@@ -5,6 +5,8 @@
 
 #include <QSignalSpy>
 
+#include <thread>
+
 using namespace plexa;
 using namespace plexa::test;
 
@@ -23,6 +25,7 @@ private Q_SLOTS:
     void turnsWhatIsFreeFirst();
     void stopsTurning();
     void turnsAllTheWaysThatExist();
+    void turnsWhatIsBeingReleased();
     void keepsNoThumbnailsOfALongList();
     void pastesRelativePositions();
     void pastesTheCurrentPreset();
@@ -190,6 +193,23 @@ void BackgroundOperationsTest::turnsAllTheWaysThatExist()
     }
     // Clockwise and back with a half turn and both mirrors between: nothing is left of it.
     QCOMPARE(photo(5).pixelSize(), QSize(30, 20));
+}
+
+/// A save releases photos of a long list while they are being turned: that must end.
+void BackgroundOperationsTest::turnsWhatIsBeingReleased()
+{
+    addPhotos(QList<QSize>(12, {30, 20}));
+    const ImageList images = *m_app->imageSet().images();
+    const std::jthread save([&images](const std::stop_token &stop) {
+        for (std::size_t i = 0; !stop.stop_requested(); ++i) {
+            images[i % images.size()]->releaseImagesData();
+            images[(i + 6) % images.size()]->releaseThumbnail();
+        }
+    });
+    for (int i = 0; i < 5; ++i) {
+        m_app->startBatchOperation(ImageTransform::RotateClockwise);
+        QTRY_VERIFY_WITH_TIMEOUT(!isRunning(), 30'000);
+    }
 }
 
 /// In Large Batch mode the memory does not depend on how many photos were turned or looked at. Back in Small
