@@ -2,8 +2,10 @@
 
 #include "imageio/copyencoding.h"
 
+#include "imageio/apexvalues.h"
 #include "imageio/embeddedpictures.h"
 #include "imageio/exifencoding.h"
+#include "imageio/exiftoxmp.h"
 #include "imageio/exiv2setup.h"
 #include "imageio/imageresources.h"
 #include "imageio/iptctoxmp.h"
@@ -175,6 +177,8 @@ QByteArray changedXmp(MetadataSet &set, ClearedGroups cleared, const QVariantMap
         eraseXmpProperty(xmp, "Xmp.photoshop.LegacyIPTCDigest");
     if (!facts.holdsIptc)
         addIptcToXmp(xmp, after);
+    if (!facts.holdsExif)
+        addExifToXmp(xmp, after, cleared);
     if (turnRegionsInXmp(xmp, facts.turn))
         omitted += u"face regions"_qs;
     describePictureInXmp(xmp, facts.pixelSize);
@@ -195,9 +199,11 @@ bool hasMakerNote(const Exiv2::ExifData &exif)
 
 } // namespace
 
-EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &before, const QVariantMap &after,
+EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &before,
+                                         const QVariantMap &properties,
                                          const EmbeddedMetadata::CopyFacts &facts)
 {
+    const QVariantMap after = withAgreeingApexValues(before, properties);
     EmbeddedMetadata::Encoded encoded;
     if (hasExcessiveXmp(set))
         encoded.omitted += u"XMP"_qs;
