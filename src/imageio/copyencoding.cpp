@@ -15,6 +15,7 @@
 #include "imageio/metadatareading.h"
 #include "imageio/pictureregions.h"
 #include "imageio/propertykeys.h"
+#include "imageio/xmpencoding.h"
 
 #include <QRegularExpression>
 
@@ -125,16 +126,6 @@ QByteArray textualComment(const std::string &comment)
     return isText && !isPictureValue(bytes) ? bytes : QByteArray();
 }
 
-QByteArray encodedXmp(const Exiv2::XmpData &xmp)
-{
-    if (xmp.empty())
-        return {};
-    std::string packet;
-    if (Exiv2::XmpParser::encode(packet, xmp, Exiv2::XmpParser::useCompactFormat) != 0)
-        return {};
-    return QByteArray::fromStdString(packet);
-}
-
 /// The library forgets what the packet says it is about.
 void restoreAbout(QByteArray &packet, const std::string &original)
 {
@@ -182,14 +173,9 @@ QByteArray changedXmp(MetadataSet &set, ClearedGroups cleared, const QVariantMap
     if (turnRegionsInXmp(xmp, facts.turn))
         omitted += u"face regions"_qs;
     describePictureInXmp(xmp, facts.pixelSize);
-    try {
-        QByteArray packet = encodedXmp(xmp);
-        restoreAbout(packet, set.xmpPacket);
-        return packet;
-    } catch (const std::exception &) {
-        omitted += u"XMP"_qs;
-        return {};
-    }
+    QByteArray packet = encodedXmp(xmp, omitted);
+    restoreAbout(packet, set.xmpPacket);
+    return packet;
 }
 
 bool hasMakerNote(const Exiv2::ExifData &exif)
