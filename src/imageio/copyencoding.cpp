@@ -168,8 +168,9 @@ QByteArray changedXmp(MetadataSet &set, ClearedGroups cleared, const QVariantMap
         eraseXmpProperty(xmp, "Xmp.photoshop.LegacyIPTCDigest");
     if (!facts.holdsIptc)
         addIptcToXmp(xmp, after);
+    // Of the edited EXIF itself: in the dictionaries a fact that was removed may stand under a second key.
     if (!facts.holdsExif)
-        addExifToXmp(xmp, after, cleared);
+        addExifToXmp(xmp, propertiesOfMetadata(set, xmp), cleared);
     if (turnRegionsInXmp(xmp, facts.turn))
         omitted += u"face regions"_qs;
     describePictureInXmp(xmp, facts.pixelSize);

@@ -16,7 +16,7 @@ namespace plexa
 /// facts without a home, and those of the file rather than of the photo: resolution, orientation, layout of
 /// the pixels. To be called under lockXmpNamespaces(), after addIptcToXmp(), before the picture itself is
 /// described.
-/// @param properties  the property dictionary of the copy, edited and cleared
+/// @param properties  the property dictionary of the metadata after all edits and clearings
 /// @param cleared     where IPTC is, description, artist and copyright of TIFF get TIFF's own names in
 ///                    place of those that are IPTC's mirror
 void addExifToXmp(Exiv2::XmpData &xmp, const QVariantMap &properties, ClearedGroups cleared);

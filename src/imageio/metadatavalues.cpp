@@ -101,6 +101,10 @@ QStringList isoDateTime(QString text)
 {
     static const QRegularExpression form(
         QStringLiteral("^[0-9]{4}:[0-9]{2}:[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}$"));
+    static const QRegularExpression isoForm(
+        QStringLiteral("^[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}(Z|[+-][0-9]{2}:[0-9]{2})?$"));
+    if (isoForm.match(text).hasMatch()) // as some programs write it into EXIF
+        return {text};
     if (!form.match(text).hasMatch() || text.startsWith(u"0000"))
         return {};
     text[4] = text[7] = u'-';

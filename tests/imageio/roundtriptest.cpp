@@ -82,10 +82,14 @@ bool saysInXmp(const QJsonObject &copy, const QString &exifTag, const QJsonValue
         const QString found = tag.key().section(u':', -1);
         if (!tag.key().startsWith(u"XMP:") || (found != name && found != otherNames.value(name)))
             continue;
-        const QString said = test::comparable(tag.value());
+        const QString said = test::comparable(tag.value()).trimmed();
         const double number = said.toDouble();
         // Letters tell the half of the globe in EXIF, signs in exiftool's reading of XMP.
-        if (said.startsWith(test::comparable(value).trimmed()) ||
+        const QString wanted = test::comparable(value).trimmed();
+        const bool isIsoDate =
+            wanted.contains(u'T') &&
+            QString(wanted).replace(u'-', u':').replace(u'T', u' ').startsWith(said.left(19));
+        if (said.startsWith(wanted) || (isIsoDate && said.size() >= 19) ||
             qAbs(qAbs(number) - qAbs(value.toDouble(-1))) <= 1e-6 * qAbs(number))
             return true;
     }
