@@ -8,6 +8,8 @@
 #include "imageio/xmpreading.h"
 #include "imageio/xmpwriting.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 #include <cmath>
 
@@ -124,12 +126,17 @@ void addField(Exiv2::XmpData &xmp, const MetadataField &field, const QVariantMap
 void addGpsTime(Exiv2::XmpData &xmp, const QVariantMap &gps)
 {
     constexpr const char *kProperty = "Xmp.exif.GPSTimeStamp";
-    const QString moment = gps.value(kCGImagePropertyGPSDateStamp).toString() + u' ' +
-                           gps.value(kCGImagePropertyGPSTimeStamp).toString();
-    constexpr qsizetype kWithoutFraction = 19;
-    const QStringList texts = xmpTexts(MetadataKind::DateTime, moment.left(kWithoutFraction));
-    if (!texts.isEmpty() && !hasXmpProperty(xmp, kProperty))
-        putXmpTexts(xmp, kProperty, {texts.constFirst() + moment.mid(kWithoutFraction) + u'Z'});
+    // Some programs put the whole moment into the field of the date.
+    static const QRegularExpression day(QStringLiteral("^[0-9]{4}:[0-9]{2}:[0-9]{2}(?= |$)"));
+    static const QRegularExpression clock(QStringLiteral("^([0-9]{2}:[0-9]{2}:[0-9]{2})(\\.[0-9]+)?$"));
+    const auto date = day.match(gps.value(kCGImagePropertyGPSDateStamp).toString());
+    const auto time = clock.match(gps.value(kCGImagePropertyGPSTimeStamp).toString());
+    if (!date.hasMatch() || !time.hasMatch() || hasXmpProperty(xmp, kProperty))
+        return;
+    const QStringList texts =
+        xmpTexts(MetadataKind::DateTime, QString(date.captured() + u' ' + time.captured(1)));
+    if (!texts.isEmpty())
+        putXmpTexts(xmp, kProperty, {texts.constFirst() + time.captured(2) + u'Z'});
 }
 
 /// The second names by which most programs know these facts.
