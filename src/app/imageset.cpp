@@ -306,7 +306,8 @@ void ImageSet::removeSelectedImages()
     const auto removedBefore = std::lower_bound(removed.begin(), removed.end(), shown) - removed.begin();
     const int next =
         std::min(shown - static_cast<int>(removedBefore), static_cast<int>(m_imagesFiltered->size()) - 1);
-    m_selection.selectIndexes({next});
+    if (next >= 0)
+        m_selection.selectIndexes({next});
     hold.reset();
     if (next >= 0)
         Q_EMIT fitToWindowRequested();
