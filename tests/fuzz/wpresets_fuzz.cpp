@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/keyedarchive.h"
 #include "presets/wpresetarchive.h"
 
 #include <QGuiApplication>
@@ -8,30 +7,6 @@
 #include <cstdlib>
 
 using namespace plexa;
-
-namespace
-{
-
-/// Asks a value to be everything that there is.
-void lookAt(const ArchivedValue &value, int depth)
-{
-    value.string();
-    value.number();
-    value.data();
-    value.boolean();
-    value.color();
-    value.indexSet();
-    for (const ArchivedImage &image : value.imageRepresentations()) {
-        if (image.tiff.isNull() && image.svg.isNull())
-            std::abort();
-    }
-    if (depth == 0)
-        return;
-    for (const ArchivedValue &element : value.array().value_or(std::vector<ArchivedValue>()))
-        lookAt(element, depth - 1);
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {
@@ -44,11 +19,6 @@ extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
-    if (const auto top = ArchivedValue::readArchive(bytes)) {
-        for (const char *key : {"WPresets", "plain", "array", "mutableArray", "oneRange", "ranges",
-                                "calibrated", "white", "cmyk", "catalogue", "srgb", "image", "loop", "color"})
-            lookAt(top->value(QLatin1StringView(key)), 3);
-    }
     const auto presets = wPresetsFromArchive(bytes);
     if (!presets)
         return 0;
