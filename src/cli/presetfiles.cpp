@@ -8,12 +8,6 @@
 namespace plexa
 {
 
-Result<WPresetList> wPresetsIn(const QString &path, const SavingPresetLookup &savingPresetWithID,
-                               bool *isLater)
-{
-    return readWPresetsFromFile(path, isLater, savingPresetWithID);
-}
-
 Result<SavingPresetList> savingPresetsIn(const QString &path)
 {
     QByteArray errors;

@@ -3,15 +3,11 @@
 #pragma once
 
 #include "presets/presetsstore.h"
-#include "presets/wpresetarchive.h"
 
 namespace plexa
 {
 
-/// The presets of a file. A failure is a text that follows the file's name. Of a file that a later version of
-/// the program has written, what is known is read, and `isLater` tells so where it is given.
-[[nodiscard]] Result<WPresetList>
-wPresetsIn(const QString &path, const SavingPresetLookup &savingPresetWithID, bool *isLater = nullptr);
+/// The saving presets of a file. A failure is a text that follows the file's name.
 [[nodiscard]] Result<SavingPresetList> savingPresetsIn(const QString &path);
 
 /// Where the user's own presets of that kind are read from: their file, or the examples before there is one.

@@ -5,6 +5,7 @@
 #include "cli/messages.h"
 #include "cli/presetfiles.h"
 #include "platform/applicationname.h"
+#include "presets/wpresetarchive.h"
 #include "watermark/texttokens.h"
 
 #include <QFile>
@@ -62,7 +63,7 @@ Result<PresetsFile> readPresetsFile(const QString &path)
         });
     }
     const auto number = [](qint64 presetID) { return std::make_shared<SavingPresetNumber>(presetID); };
-    return wPresetsIn(path, number, &file.isLater).map([&](const WPresetList &list) {
+    return readWPresetsFromFile(path, &file.isLater, number).map([&](const WPresetList &list) {
         file.wPresets = list;
         return file;
     });

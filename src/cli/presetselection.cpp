@@ -4,6 +4,7 @@
 
 #include "cli/presetfiles.h"
 #include "cli/savecommand.h"
+#include "presets/wpresetarchive.h"
 
 #include <QFile>
 
@@ -64,7 +65,7 @@ Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
         return tl::unexpected(assignable.error());
     const QString path = fileOrStored(options.wPresetsFile, PresetsStore::Kind::Watermark);
     const Result<WPresetList> presets =
-        wPresetsIn(path, [&](qint64 presetID) { return withID(*assignable, presetID); });
+        readWPresetsFromFile(path, nullptr, [&](qint64 presetID) { return withID(*assignable, presetID); });
     if (!presets)
         return unreadable(path, presets.error());
     std::vector<AppliedPreset> applied;

@@ -162,7 +162,6 @@ private:
     ArchivedValue(std::shared_ptr<Archive> archive, void *node);
 
     ArchivedValue resolved(void *node) const;
-    ArchivedValue element(void *node) const { return resolved(node); }
     bool isNode(int type) const;
     std::optional<std::vector<double>> components(QLatin1StringView key) const;
     QColor rgbColor() const;
