@@ -19,7 +19,7 @@ namespace
 {
 
 /// Of the time of a frame, what may go into scaling thumbnails.
-constexpr int kScalingMilliseconds = 8;
+constexpr int kScalingMilliseconds = 5;
 /// How far a shadow reaches beyond its cell, in points.
 constexpr double kShadowReach = 24;
 constexpr int kAutoscrollMilliseconds = 30;
