@@ -66,6 +66,7 @@ void ImageBrowserView::startDrag(QPointF viewportPoint)
     auto *files = new PromisedFiles(m_delegate->promisedFiles(selectionIndexes()), m_folders,
                                     PromisedFiles::Use::Drag, selectionIndexes());
     drag->setMimeData(files);
+    m_draggedFiles = files;
     drag->setPixmap(dragImage());
     drag->setHotSpot((viewportPoint - viewportRect(QRectF(m_mouseDownPoint, QSizeF())).topLeft()).toPoint());
     // Once the drag has its window.
@@ -91,7 +92,7 @@ Qt::DropAction ImageBrowserView::actionFor(const QDropEvent &event) const
     const Qt::DropActions possible = event.possibleActions();
     // A drag of our own offers files as well.
     if (event.mimeData()->hasFormat(PromisedFiles::kSelectionType)) {
-        if (event.source() != viewport() || m_isDragStale)
+        if (event.mimeData() != m_draggedFiles || m_isDragStale)
             return Qt::IgnoreAction;
         if (possible & Qt::MoveAction)
             return Qt::MoveAction;

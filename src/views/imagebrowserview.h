@@ -9,6 +9,7 @@
 #include "views/imagebrowsersource.h"
 
 #include <QAbstractScrollArea>
+#include <QMimeData>
 #include <QPointer>
 #include <QRegion>
 #include <QTimer>
@@ -186,6 +187,7 @@ private:
     QPointF m_accumulatedPan;
 
     std::shared_ptr<PrivateFolders> m_folders;
+    QPointer<const QMimeData> m_draggedFiles; // of the last drag
     bool m_isDraggingImages = false;
     bool m_isDragStale = false; // the list changed since it began
     int m_drawnInsertionIndex = kNone;
