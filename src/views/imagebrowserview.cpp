@@ -2,6 +2,7 @@
 
 #include "views/imagebrowserview.h"
 
+#include "views/accessiblegrid.h"
 #include "views/imagebrowserdelegate.h"
 #include "views/promisedfiles.h"
 
@@ -30,6 +31,7 @@ ImageBrowserView::ImageBrowserView(QWidget *parent)
     : QAbstractScrollArea(parent)
     , m_folders(std::make_shared<PrivateFolders>())
 {
+    AccessibleGrid::install();
     setObjectName(QStringLiteral("imageBrowser"));
     setAccessibleName(tr("Images"));
     setFrameShape(QFrame::NoFrame);
@@ -306,6 +308,7 @@ void ImageBrowserView::tellOfChange(const BrowserSelection &before)
     if (now == before)
         return;
     refresh();
+    AccessibleGrid::announceChange(*this, before, now);
     if (!m_delegate)
         return;
     if (now.indexes() != before.indexes())
@@ -372,8 +375,10 @@ void ImageBrowserView::takeSelection(const QList<int> &indexes, int focus)
     m_selection.setCount(numberImages());
     m_selection.select(indexes, false);
     m_selection.setFocus(focus);
-    if (!(m_selection == before))
+    if (!(m_selection == before)) {
         refresh();
+        AccessibleGrid::announceChange(*this, before, m_selection);
+    }
 }
 
 void ImageBrowserView::copy()

@@ -8,6 +8,7 @@
 #include "views/imagebrowserview.h"
 #include "views/promisedfiles.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QDrag>
 #include <QDragEnterEvent>
@@ -213,6 +214,7 @@ private Q_SLOTS:
     void dragsWithinTheGrid();
     void filesDropped();
     void filesPromised();
+    void screenReaders();
 
 private:
     test::TestFolder m_folder;
@@ -628,6 +630,33 @@ void ImageBrowserTest::filesPromised()
     files.dropped();
     QVERIFY(QFileInfo::exists(urls.first().toLocalFile()));
     QCOMPARE(log.join(QStringLiteral("; ")).toUtf8(), QByteArray("write"));
+}
+
+void ImageBrowserTest::screenReaders()
+{
+    Grid grid;
+    QAccessibleInterface *list = QAccessible::queryAccessibleInterface(&grid.view);
+    QVERIFY(list);
+    QCOMPARE(list->role(), QAccessible::List);
+    QVERIFY(!list->text(QAccessible::Name).isEmpty());
+    QCOMPARE(list->childCount(), 20);
+    QVERIFY(!list->child(20));
+    QAccessibleInterface *cell = list->child(4);
+    QCOMPARE(cell->text(QAccessible::Name), QStringLiteral("photo4"));
+    QCOMPARE(cell->parent(), list);
+    QCOMPARE(list->indexOfChild(cell), 4);
+    const QPoint middle = grid.view.viewport()->mapToGlobal(grid.middle(4));
+    QVERIFY(cell->rect().contains(middle));
+    QCOMPARE(list->childAt(middle.x(), middle.y()), cell);
+    QVERIFY(!cell->state().selected);
+    cell->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    QCOMPARE(grid.delegate.take(), QByteArray("selected 4; focus 4<-1"));
+    QVERIFY(cell->state().selected);
+    grid.view.setFocus();
+    QTRY_COMPARE(list->focusChild(), cell);
+
+    grid.view.setImages(std::make_shared<Colours>(2));
+    QVERIFY(!cell->isValid() && cell->rect().isEmpty() && cell->text(QAccessible::Name).isEmpty());
 }
 
 QTEST_MAIN(ImageBrowserTest)
