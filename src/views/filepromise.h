@@ -24,8 +24,9 @@ public:
     virtual QStringList names() const = 0;
 
     /// Makes the files in an existing folder. In a private folder they are there, under names(), when this
-    /// returns; into a target's folder they may also be saved in the background, under other names.
-    /// @return false when that failed, or could not begin
+    /// returns; those that could not be made are missing. Into a target's folder they may also be saved in
+    /// the background, under other names.
+    /// @return false when nothing could be made or begun
     virtual bool writeFiles(const QString &folder, Destination destination) = 0;
 
     /// MIME names of what image() can make.

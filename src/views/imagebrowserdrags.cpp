@@ -2,10 +2,10 @@
 
 // Drags that begin in the grid, and drags that reach it.
 
-#include "views/directsave.h"
 #include "views/imagebrowserdelegate.h"
 #include "views/imagebrowserview.h"
 #include "views/promisedfiles.h"
+#include "views/x11drag.h"
 
 #include <QDrag>
 #include <QDragEnterEvent>
@@ -70,7 +70,7 @@ void ImageBrowserView::startDrag(QPointF viewportPoint)
     drag->setPixmap(dragImage());
     drag->setHotSpot((viewportPoint - viewportRect(QRectF(m_mouseDownPoint, QSizeF())).topLeft()).toPoint());
     // Once the drag has its window.
-    QTimer::singleShot(0, files, [files] { DirectSave::offerName(files->firstName()); });
+    QTimer::singleShot(0, files, [files] { X11Drag::offerName(files->firstName()); });
 
     const Qt::DropActions outside = m_delegate->externalDraggingSourceOperationMask();
     const Qt::DropAction usual =

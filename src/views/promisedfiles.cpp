@@ -2,13 +2,15 @@
 
 #include "views/promisedfiles.h"
 
-#include "views/directsave.h"
+#include "views/x11drag.h"
 
+#include <QCoreApplication>
 #include <QDataStream>
 #include <QDir>
 #include <QFileInfo>
-#include <QGuiApplication>
 #include <QUrl>
+
+#include <utility>
 
 namespace plexa
 {
@@ -16,12 +18,6 @@ namespace
 {
 
 const QString kUriList = QStringLiteral("text/uri-list");
-
-/// The pointer's button is still held: nothing has been dropped yet.
-bool isHovering()
-{
-    return QGuiApplication::mouseButtons() != Qt::NoButton;
-}
 
 } // namespace
 
@@ -54,8 +50,8 @@ QStringList PromisedFiles::formats() const
     QStringList formats;
     if (m_promise) {
         formats << kUriList << m_promise->imageTypes();
-        if (m_use == Use::Drag && DirectSave::isAvailable())
-            formats << QLatin1String(DirectSave::kType);
+        if (m_use == Use::Drag && X11Drag::isAvailable())
+            formats << QLatin1String(X11Drag::kDirectSaveType);
     }
     if (!m_indexes.isEmpty())
         formats << kSelectionType;
@@ -94,7 +90,7 @@ QVariant PromisedFiles::retrieveData(const QString &mimeType, QMetaType type) co
     if (m_promise) {
         if (mimeType == kUriList)
             return fileUrls();
-        if (mimeType == QLatin1String(DirectSave::kType))
+        if (mimeType == QLatin1String(X11Drag::kDirectSaveType))
             return saveDirectly();
         if (m_promise->imageTypes().contains(mimeType))
             return m_promise->image(mimeType);
@@ -106,32 +102,38 @@ QByteArray PromisedFiles::fileUrls() const
 {
     if (m_folder.isEmpty())
         m_folder = m_folders->make();
-    if (m_folder.isEmpty() || ((m_use == Use::Clipboard || !isHovering()) && !makeFiles()))
+    if (m_folder.isEmpty())
         return {};
+    const bool isHovering = m_use == Use::Drag && X11Drag::isButtonHeld();
+    if (!isHovering)
+        makeFiles();
     QByteArray urls;
-    for (const QString &name : m_promise->names())
-        urls += QUrl::fromLocalFile(m_folder + QLatin1Char('/') + name).toEncoded() + "\r\n";
+    for (const QString &name : m_promise->names()) {
+        const QString path = m_folder + QLatin1Char('/') + name;
+        // One that could not be made would only be a second message, from the target.
+        if (isHovering || QFileInfo::exists(path))
+            urls += QUrl::fromLocalFile(path).toEncoded() + "\r\n";
+    }
     return urls;
 }
 
-bool PromisedFiles::makeFiles() const
+void PromisedFiles::makeFiles() const
 {
-    if (!m_areFilesMade)
-        m_areFilesMade = m_promise->writeFiles(m_folder, FilePromise::Destination::PrivateFolder);
-    return m_areFilesMade;
+    if (!std::exchange(m_areFilesMade, true))
+        m_promise->writeFiles(m_folder, FilePromise::Destination::PrivateFolder);
 }
 
 QByteArray PromisedFiles::saveDirectly() const
 {
-    const auto answer = [](DirectSave::Answer letter) { return QByteArray(1, static_cast<char>(letter)); };
+    const auto answer = [](X11Drag::Answer letter) { return QByteArray(1, static_cast<char>(letter)); };
     if (m_isSavedDirectly)
-        return answer(DirectSave::Answer::Saved);
-    const QString path = DirectSave::requestedPath();
+        return answer(X11Drag::Answer::Saved);
+    const QString path = X11Drag::requestedPath();
     const QString folder = path.isEmpty() ? QString() : QFileInfo(path).path();
     if (folder.isEmpty() || !QFileInfo(folder).isDir())
-        return answer(DirectSave::Answer::Failed);
+        return answer(X11Drag::Answer::Failed);
     m_isSavedDirectly = m_promise->writeFiles(folder, FilePromise::Destination::TargetFolder);
-    return answer(m_isSavedDirectly ? DirectSave::Answer::Saved : DirectSave::Answer::Error);
+    return answer(m_isSavedDirectly ? X11Drag::Answer::Saved : X11Drag::Answer::Error);
 }
 
 } // namespace plexa

@@ -29,8 +29,8 @@ private:
 /// What a drag or the clipboard carries of a selection: files ("text/uri-list"), the first image in several
 /// formats, and, in a drag, the selected indexes. Nothing is made before somebody asks for it, and then once.
 ///
-/// Targets ask for the list of files already while the pointer rests on them. They get it, but the files are
-/// made only when the button has been let go.
+/// On X11, targets ask for the list of files already while the pointer rests on them. They get it, but the
+/// files are made only when the button has been let go.
 class PromisedFiles final : public QMimeData
 {
     Q_OBJECT
@@ -62,7 +62,7 @@ protected:
 
 private:
     QByteArray fileUrls() const;
-    bool makeFiles() const;
+    void makeFiles() const;
     QByteArray saveDirectly() const;
 
     const std::unique_ptr<FilePromise> m_promise;

@@ -3,10 +3,10 @@
 // Real events to a real grid.
 
 #include "support/testenvironment.h"
-#include "views/directsave.h"
 #include "views/imagebrowserdelegate.h"
 #include "views/imagebrowserview.h"
 #include "views/promisedfiles.h"
+#include "views/x11drag.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -594,7 +594,7 @@ void ImageBrowserTest::filesPromised()
         PromisedFiles files(std::make_unique<Promise>(3, log), folders, PromisedFiles::Use::Drag, {1, 5, 6});
         QVERIFY(files.hasUrls());
         QVERIFY(files.formats().contains(QStringLiteral("image/png")));
-        QCOMPARE(files.formats().contains(QLatin1String(DirectSave::kType)), DirectSave::isAvailable());
+        QCOMPARE(files.formats().contains(QLatin1String(X11Drag::kDirectSaveType)), X11Drag::isAvailable());
         QCOMPARE(PromisedFiles::indexes(files), (QList<int>{1, 5, 6}));
         QCOMPARE(files.data(QStringLiteral("text/html")), QByteArray());
         QVERIFY(log.isEmpty()); // nobody wanted a file yet
@@ -614,22 +614,6 @@ void ImageBrowserTest::filesPromised()
         QCOMPARE(log.join(QStringLiteral("; ")).toUtf8(), QByteArray("write; image"));
     }
     QVERIFY(!QFileInfo::exists(folder));
-
-    // Names that were asked for while the button was held; the files come with the drop.
-    log.clear();
-    QWidget window;
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    PromisedFiles files(std::make_unique<Promise>(1, log), std::make_shared<PrivateFolders>(),
-                        PromisedFiles::Use::Drag);
-    QTest::mousePress(window.windowHandle(), Qt::LeftButton, {}, QPoint(5, 5));
-    const QList<QUrl> urls = files.urls();
-    QCOMPARE(urls.size(), 2);
-    QVERIFY(!QFileInfo::exists(urls.first().toLocalFile()));
-    QTest::mouseRelease(window.windowHandle(), Qt::LeftButton, {}, QPoint(5, 5));
-    files.dropped();
-    QVERIFY(QFileInfo::exists(urls.first().toLocalFile()));
-    QCOMPARE(log.join(QStringLiteral("; ")).toUtf8(), QByteArray("write"));
 }
 
 void ImageBrowserTest::screenReaders()

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "views/directsave.h"
+#include "views/x11drag.h"
 
 #include <QGuiApplication>
 #include <QSysInfo>
@@ -49,31 +49,43 @@ xcb_window_t sourceWindow(xcb_connection_t *x)
 
 } // namespace
 
-bool DirectSave::isAvailable()
+bool X11Drag::isAvailable()
 {
     return connection() != nullptr;
 }
 
-void DirectSave::offerName(const QString &filename)
+bool X11Drag::isButtonHeld()
+{
+    xcb_connection_t *x = connection();
+    if (!x)
+        return false;
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;
+    const ReplyPointer<xcb_query_pointer_reply_t> reply(
+        xcb_query_pointer_reply(x, xcb_query_pointer(x, root), nullptr));
+    constexpr unsigned kButtons = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
+    return reply && (reply->mask & kButtons) != 0;
+}
+
+void X11Drag::offerName(const QString &filename)
 {
     xcb_connection_t *x = connection();
     const xcb_window_t window = x ? sourceWindow(x) : static_cast<xcb_window_t>(XCB_WINDOW_NONE);
     if (window == XCB_WINDOW_NONE)
         return;
     const QByteArray name = filename.toUtf8();
-    xcb_change_property(x, XCB_PROP_MODE_REPLACE, window, atom(x, kType), atom(x, "text/plain"), 8,
+    xcb_change_property(x, XCB_PROP_MODE_REPLACE, window, atom(x, kDirectSaveType), atom(x, "text/plain"), 8,
                         static_cast<std::uint32_t>(name.size()), name.constData());
     xcb_flush(x);
 }
 
-QString DirectSave::requestedPath()
+QString X11Drag::requestedPath()
 {
     xcb_connection_t *x = connection();
     const xcb_window_t window = x ? sourceWindow(x) : static_cast<xcb_window_t>(XCB_WINDOW_NONE);
     if (window == XCB_WINDOW_NONE)
         return {};
-    const auto cookie =
-        xcb_get_property(x, 0, window, atom(x, kType), XCB_GET_PROPERTY_TYPE_ANY, 0, kMaxPropertyWords);
+    const auto cookie = xcb_get_property(x, 0, window, atom(x, kDirectSaveType), XCB_GET_PROPERTY_TYPE_ANY, 0,
+                                         kMaxPropertyWords);
     const ReplyPointer<xcb_get_property_reply_t> reply(xcb_get_property_reply(x, cookie, nullptr));
     if (!reply || reply->format != 8 || reply->bytes_after != 0)
         return {};
