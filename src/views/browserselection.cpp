@@ -3,6 +3,7 @@
 #include "views/browserselection.h"
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 
 namespace plexa
@@ -11,7 +12,7 @@ namespace plexa
 void BrowserSelection::setCount(int count)
 {
     m_count = std::max(count, 0);
-    m_indexes.erase(std::lower_bound(m_indexes.begin(), m_indexes.end(), m_count), m_indexes.end());
+    deselect(m_count, std::numeric_limits<int>::max());
     if (m_focus >= m_count)
         m_focus = kNone;
 }
@@ -29,7 +30,7 @@ void BrowserSelection::setFocus(int index)
 void BrowserSelection::select(int index, bool extend, int from)
 {
     if (!extend)
-        m_indexes.clear();
+        m_indexes = {};
     if (!isValid(index))
         return;
     const int other = isValid(from) ? from : index;
@@ -39,7 +40,7 @@ void BrowserSelection::select(int index, bool extend, int from)
 void BrowserSelection::select(const QList<int> &indexes, bool extend)
 {
     if (!extend)
-        m_indexes.clear();
+        m_indexes = {};
     for (const int index : indexes)
         if (isValid(index))
             m_indexes.append(index);
@@ -53,24 +54,26 @@ void BrowserSelection::deselect(int first, int last)
         std::swap(first, last);
     m_indexes.erase(std::lower_bound(m_indexes.begin(), m_indexes.end(), first),
                     std::upper_bound(m_indexes.begin(), m_indexes.end(), last));
+    if (m_indexes.isEmpty())
+        m_indexes = {}; // without memory, as all other empty ones: Qt compares these by what they point to
 }
 
 void BrowserSelection::selectAll()
 {
-    m_indexes.resize(m_count);
-    std::iota(m_indexes.begin(), m_indexes.end(), 0);
+    m_indexes = {};
+    if (m_count > 0)
+        add(0, m_count - 1);
 }
 
 void BrowserSelection::selectNone()
 {
-    m_indexes.clear();
+    m_indexes = {};
     m_focus = kNone;
 }
 
 void BrowserSelection::invert()
 {
     QList<int> others;
-    others.reserve(m_count - m_indexes.size());
     for (int i = 0; i < m_count; ++i)
         if (!isSelected(i))
             others.append(i);

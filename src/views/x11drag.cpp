@@ -91,7 +91,8 @@ QString X11Drag::requestedPath()
         return {};
     const QByteArray text(static_cast<const char *>(xcb_get_property_value(reply.get())),
                           xcb_get_property_value_length(reply.get()));
-    QUrl url = QUrl::fromEncoded(text, QUrl::StrictMode);
+    // Not all targets escape what they ought to.
+    QUrl url = QUrl::fromEncoded(text, QUrl::TolerantMode);
     if (!url.isValid() || !url.isLocalFile())
         return {};
     const QString host = url.host();
