@@ -153,6 +153,7 @@ QImage CellPictures::mat(const Mat &mat)
         QPainter painter(&image);
         QColor white(Qt::white);
         white.setAlphaF(static_cast<float>(kFrameOpacity));
+        painter.setCompositionMode(QPainter::CompositionMode_Source); // no shadow shines through
         painter.fillRect(frame, white);
     }
     return keep(key, image);

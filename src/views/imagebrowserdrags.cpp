@@ -25,21 +25,16 @@ namespace
 constexpr int kDragImageSize = 150; // points
 constexpr int kDragImageStep = 5;
 constexpr int kMaxDragImageOffset = 50;
+constexpr double kDragImageOpacity = 0.9;
 
 } // namespace
 
 /// Thumbnails in a heap, each a little further down to the right.
 QPixmap ImageBrowserView::dragImage() const
 {
-    const double ratio = viewport()->devicePixelRatioF();
     const auto count = static_cast<int>(selectionIndexes().size());
-    const int side = kDragImageSize + kMaxDragImageOffset;
-    QPixmap heap(QSize(side, side) * ratio);
-    heap.setDevicePixelRatio(ratio);
-    heap.fill(Qt::transparent);
-    QPainter painter(&heap);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.setOpacity(0.9);
+    QList<std::pair<QRectF, QImage>> heap;
+    QRectF bounds;
     int offset = 0;
     for (int k = 0; k < count; ++k) {
         // The first images of the list, not the selected ones: the heap says how many, not which.
@@ -48,12 +43,24 @@ QPixmap ImageBrowserView::dragImage() const
         const bool isCovered = offset >= kMaxDragImageOffset && k + 1 < count;
         if (!thumbnail.isNull() && !isCovered) {
             const QSize size = thumbnail.size().scaled(kDragImageSize, kDragImageSize, Qt::KeepAspectRatio);
-            painter.drawImage(QRectF(QPointF(offset, offset), QSizeF(size)), thumbnail.mirrored());
+            heap.append({QRectF(QPointF(offset, offset), QSizeF(size)), thumbnail.mirrored()});
+            bounds |= heap.last().first;
         }
         if (offset < kMaxDragImageOffset)
             offset += kDragImageStep;
     }
-    return heap;
+
+    // No larger than needed: where windows cannot be transparent the rest is seen, too.
+    const double ratio = viewport()->devicePixelRatioF();
+    QPixmap pixmap((QSizeF(bounds.right(), bounds.bottom()) * ratio).toSize());
+    pixmap.setDevicePixelRatio(ratio);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.setOpacity(kDragImageOpacity);
+    for (const auto &[place, picture] : heap)
+        painter.drawImage(place, picture);
+    return pixmap;
 }
 
 void ImageBrowserView::startDrag(QPointF viewportPoint)
@@ -67,7 +74,8 @@ void ImageBrowserView::startDrag(QPointF viewportPoint)
                                     PromisedFiles::Use::Drag, selectionIndexes());
     drag->setMimeData(files);
     m_draggedFiles = files;
-    drag->setPixmap(dragImage());
+    if (const QPixmap image = dragImage(); !image.isNull())
+        drag->setPixmap(image);
     drag->setHotSpot((viewportPoint - viewportRect(QRectF(m_mouseDownPoint, QSizeF())).topLeft()).toPoint());
     // Once the drag has its window.
     QTimer::singleShot(0, files, [files] { X11Drag::offerName(files->firstName()); });

@@ -218,7 +218,7 @@ bool ImageBrowserView::showToolTip(QPoint viewportPoint, QPoint globalPoint)
         QFont nameFont(m_style.font);
         nameFont.setPixelSize(std::max(1, qRound(m_style.textSize)));
         if (!m_style.showFilenames ||
-            m_names.isShortened(filename(index), nameFont, qRound(0.9 * m_geometry.cellSize())))
+            m_names.isShortened(filename(index), nameFont, qRound(m_geometry.cellSize())))
             text = filename(index);
     }
     QToolTip::showText(globalPoint, text.isEmpty() ? text : text.toHtmlEscaped(), viewport(), cell);
