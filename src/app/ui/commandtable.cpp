@@ -67,7 +67,7 @@ std::vector<CommandRow> makeTable()
         {ApplyPresets, M::Watermark, true, "applyPresets", TEXT("&Apply Selected Presets"), TEXT("Draw the selected presets on the photos, too"), "", "apply"},
         {RemoveAppliedPresets, M::Watermark, false, "removeAppliedPresets", TEXT("&Remove Selected Presets"), TEXT("Do not draw the selected presets any more"), "", "remove"},
         {ClearAppliedPresets, M::Watermark, false, "clearAppliedPresets", TEXT("&Clear Applied Presets"), TEXT("Draw none of the presets any more"), "", "clear"},
-        {SaveQuickPreset, M::Watermark, true, "saveQuickPreset", TEXT("Sa&ve as New Preset"), TEXT("Keep the single watermark as a preset"), "", ""},
+        {SaveQuickPreset, M::Watermark, true, "saveQuickPreset", TEXT("Sav&e as New Preset"), TEXT("Keep the single watermark as a preset"), "", ""},
         {LoadPreset, M::Watermark, false, "loadPreset", TEXT("&Load into Single Watermark"), TEXT("Edit a copy of the selected preset as the single watermark"), "", ""},
 
         {Minimize, M::Window, false, "minimize", TEXT("&Minimize"), TEXT("Minimize this window"), "Ctrl+M", ""},
