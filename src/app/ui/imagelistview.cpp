@@ -88,6 +88,9 @@ void ImageListView::setUpLook()
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
+    QPalette colors = palette();
+    colors.setBrush(QPalette::Highlight, Qt::transparent); // the delegate marks what is selected
+    setPalette(colors);
     viewport()->setBackgroundRole(QPalette::Mid);
     viewport()->setAutoFillBackground(true);
 }
