@@ -20,6 +20,7 @@ void AppController::connectAll()
             [this](const std::shared_ptr<ImageObject> &image) {
                 m_imageSet.refreshImageList(ImageSet::Refresh::Light);
                 Q_EMIT imageOutdated(image);
+                m_imageSet.forgetThumbnail(*image);
             });
     connect(&m_positions, &ManualPositions::pasteFinished, this, &AppController::previewOutdated);
     connect(&m_appliedPresets, &AppliedPresets::previewOutdated, this, &AppController::previewOutdated);
@@ -31,6 +32,8 @@ void AppController::connectAll()
     connect(&m_appliedPresets, &AppliedPresets::appliedChanged, this, changed);
     connect(&m_appliedPresets, &AppliedPresets::selectedRowsChanged, this, changed);
     connect(&m_appliedPresets, &AppliedPresets::modeChanged, this, changed);
+    connect(&m_appliedPresets, &AppliedPresets::previewOutdated, this,
+            changed); // an edit may make it invalid
     connect(&m_appliedPresets, &AppliedPresets::quickWPresetChanged, this, changed);
     connect(&m_imageSet.selection(), &ImageSelection::selectionChanged, this, changed);
     connect(&m_imageSet, &ImageSet::imageListModeChanged, this, changed);

@@ -37,6 +37,7 @@ void BatchImageOperation::performOperationThread(int operation)
     LockedImagesWork job;
     job.images = m_allImages;
     job.threads = m_threads;
+    job.loadsImages = true;
     job.work = [operation](ImageObject &image, bool isLoaded) {
         // A photo that cannot be turned is done all the same.
         if (isLoaded)

@@ -12,7 +12,9 @@
 #include <sys/stat.h>
 
 #include <chrono>
+#include <climits>
 #include <filesystem>
+#include <string>
 #include <vector>
 
 namespace plexa
@@ -53,19 +55,21 @@ void FolderWalk::scanFolder(const QString &path)
 {
     namespace fs = std::filesystem;
     // Listed whole before any of it is entered, so that a deep tree does not take a file handle a level.
-    std::vector<fs::path> entries;
+    std::vector<std::string> entries; // a fs::path would keep its parts as well
     std::error_code error;
     for (fs::directory_iterator it(QFile::encodeName(path).toStdString(), error), end;
          !error && it != end && !m_visitor.isStopped(); it.increment(error))
-        entries.push_back(it->path());
+        entries.push_back(it->path().native());
     if (error)
         m_visitor.unreadable(path);
-    for (const fs::path &entry : entries) {
+    for (const std::string &entry : entries) {
         if (m_visitor.isStopped())
             return;
-        const QByteArray bytes = QByteArray::fromStdString(entry.native());
+        const QByteArray bytes = QByteArray::fromStdString(entry);
         const QString text = QFile::decodeName(bytes);
-        if (QFile::encodeName(text) == bytes)
+        if (bytes.size() >= PATH_MAX)
+            m_visitor.unreadable(text); // no file can be opened by such a path
+        else if (QFile::encodeName(text) == bytes)
             scanImagesAtPath(text, true);
         else if (fs::is_directory(entry, error) || imageFormatOfSuffix(fileExtensionOf(text)))
             m_visitor.unreadable(text); // the text would not lead back to the file

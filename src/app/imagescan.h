@@ -23,7 +23,8 @@ class FolderWalk final
 public:
     struct Visitor {
         std::function<void(const QString &path)> found; ///< a picture file
-        /// a folder that could not be listed, a picture or folder whose name is no valid text
+        /// a folder that could not be listed, a picture or folder whose name is no valid text, a path that is
+        /// too long to be opened
         std::function<void(const QString &path)> unreadable;
         std::function<bool()> isStopped; ///< asked before every entry
     };

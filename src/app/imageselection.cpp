@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace plexa
 {
@@ -32,16 +33,35 @@ void ImageSelection::take(const IndexList &indexes, int focus)
     const bool isOtherSelection = indexes != m_selectedIndexes;
     const int formerFocus = std::exchange(m_focusIndex, focus);
     m_selectedIndexes = indexes;
-    if (isOtherSelection)
+    noteChange(isOtherSelection, focus != formerFocus ? std::optional(formerFocus) : std::nullopt);
+}
+
+void ImageSelection::noteChange(bool isOtherSelection, std::optional<int> formerFocus)
+{
+    m_isOtherSelection |= isOtherSelection;
+    if (!m_formerFocus)
+        m_formerFocus = formerFocus;
+    send();
+}
+
+void ImageSelection::send()
+{
+    if (m_holds > 0)
+        return;
+    if (std::exchange(m_isOtherSelection, false))
         Q_EMIT selectionChanged();
-    if (focus != formerFocus)
-        Q_EMIT focusImageChanged(focus, formerFocus);
+    if (const std::optional<int> from = std::exchange(m_formerFocus, std::nullopt))
+        Q_EMIT focusImageChanged(m_focusIndex, *from);
+    if (std::exchange(m_isScrollWanted, false) && m_focusIndex != kNone)
+        Q_EMIT scrollToFocusRequested();
 }
 
 void ImageSelection::selectIndexes(const IndexList &indexes)
 {
+    const Hold hold(*this);
     const IndexList clean = cleanedIndexes(indexes, static_cast<std::size_t>(m_count));
     take(clean, clean.isEmpty() ? kNone : clean.first());
+    m_isScrollWanted = true;
 }
 
 void ImageSelection::selectAll()
@@ -86,16 +106,16 @@ void ImageSelection::insertIndexes(int first, int count)
         m_focusIndex += count;
         isMoved = true;
     }
-    if (isMoved)
-        Q_EMIT selectionChanged();
+    noteChange(isMoved, std::nullopt);
 }
 
-void ImageSelection::removeIndexes(int first, int count)
+void ImageSelection::removeIndexes(const IndexList &removed)
 {
-    m_count -= count;
-    const int end = first + count;
-    const auto indexAfter = [=](int index) {
-        return index < first ? index : index < end ? kNone : index - count;
+    m_count -= static_cast<int>(removed.size());
+    const auto indexAfter = [&removed](int index) {
+        const auto place = std::lower_bound(removed.begin(), removed.end(), index);
+        const bool isRemoved = place != removed.end() && *place == index;
+        return isRemoved ? kNone : index - static_cast<int>(place - removed.begin());
     };
     IndexList remaining;
     for (const int index : std::as_const(m_selectedIndexes)) {
@@ -103,13 +123,19 @@ void ImageSelection::removeIndexes(int first, int count)
             remaining.append(indexAfter(index));
     }
     const int formerFocus = m_focusIndex;
-    const bool isOtherSelection = remaining != m_selectedIndexes;
-    m_selectedIndexes = remaining;
     m_focusIndex = formerFocus == kNone ? kNone : indexAfter(formerFocus);
-    if (isOtherSelection || (m_focusIndex != formerFocus && m_focusIndex != kNone))
-        Q_EMIT selectionChanged();
-    if (m_focusIndex == kNone && formerFocus != kNone)
-        Q_EMIT focusImageChanged(kNone, formerFocus);
+    const bool isFocusGone = m_focusIndex == kNone && formerFocus != kNone;
+    const bool isOtherSelection =
+        remaining != m_selectedIndexes || (m_focusIndex != formerFocus && !isFocusGone);
+    m_selectedIndexes = remaining;
+    noteChange(isOtherSelection, isFocusGone ? std::optional(formerFocus) : std::nullopt);
+}
+
+void ImageSelection::reorder(const IndexList &selected, int focus)
+{
+    m_selectedIndexes = selected;
+    m_focusIndex = focus;
+    noteChange(true, std::nullopt);
 }
 
 } // namespace plexa

@@ -7,9 +7,8 @@
 #include "platform/settings.h"
 #include "platform/userdefaults.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
+#include <optional>
 #include <unordered_set>
 
 namespace plexa
@@ -18,10 +17,18 @@ namespace plexa
 namespace
 {
 
+// Removing more groups of photos than this is told as a new list: each group costs a view as much.
+constexpr std::size_t kMaxRuns = 50;
+
 /// For a search that is blind to letter case and to the two ways of writing an accent.
 QString searchable(const QString &text)
 {
     return text.normalized(QString::NormalizationForm_C).toLower();
+}
+
+QString fileNameIn(const QString &path)
+{
+    return path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
 }
 
 using Identities = std::unordered_set<const ImageObject *>;
@@ -52,6 +59,18 @@ std::ptrdiff_t moveBefore(ImageList &list, const ImageList &moved, std::ptrdiff_
     eraseFrom(list, identities);
     list.insert(list.begin() + (target - movedBefore), moved.begin(), moved.end());
     return target - movedBefore;
+}
+
+/// Groups of neighbours among ascending indexes.
+std::vector<IndexList> runsOf(const IndexList &indexes)
+{
+    std::vector<IndexList> runs;
+    for (const int index : indexes) {
+        if (runs.empty() || runs.back().last() != index - 1)
+            runs.emplace_back();
+        runs.back().append(index);
+    }
+    return runs;
 }
 
 int indexIn(const ImageList &list, const ImageObject *image)
@@ -150,6 +169,7 @@ void ImageSet::setImageListModeToBrowser(bool isBrowser)
         Q_EMIT imageListModeChanged(m_imageListIsInBrowserMode);
         return;
     }
+    const ImageSelection::Hold hold(m_selection);
     const IndexList selected = m_selection.selectedIndexes();
     m_imageListIsInBrowserMode = isBrowser;
     m_services.defaults.setObject(settings::imageListIsInBrowserMode, isBrowser);
@@ -162,15 +182,17 @@ void ImageSet::setImageListModeToBrowser(bool isBrowser)
 
 bool ImageSet::matchesFilter(const ImageObject &image) const
 {
-    return searchable(QFileInfo(image.path()).fileName()).contains(searchable(m_filterText));
+    return searchable(fileNameIn(image.path())).contains(m_searchedText);
 }
 
 void ImageSet::filterImages(const QString &text)
 {
+    const ImageSelection::Hold hold(m_selection);
     m_selection.selectNone();
     Q_EMIT listAboutToBeReset();
     const bool isOtherText = text != m_filterText;
     m_filterText = text;
+    m_searchedText = searchable(text);
     m_imagesFiltered = m_images;
     if (!text.isEmpty()) {
         m_imagesFiltered = std::make_shared<ImageList>();
@@ -203,6 +225,7 @@ void ImageSet::append(const ImageList &images)
     }
     const auto first = static_cast<int>(m_imagesFiltered->size());
     const auto count = static_cast<int>(isFiltered() ? shown.size() : images.size());
+    const ImageSelection::Hold hold(m_selection);
     if (count > 0)
         Q_EMIT imagesAboutToBeInserted(first, first + count - 1);
     {
@@ -231,54 +254,68 @@ void ImageSet::removeImages(const ImageList &images)
     eraseFrom(*m_images, gone);
 }
 
-/// Neighbours go together, from the end, so that the other indexes hold.
 void ImageSet::removeIndexes(const IndexList &indexes)
 {
-    for (qsizetype end = indexes.size(); end > 0;) {
-        qsizetype begin = end - 1;
-        while (begin > 0 && indexes[begin - 1] == indexes[begin] - 1)
-            --begin;
-        removeRun(indexes[begin], static_cast<int>(end - begin));
-        end = begin;
+    if (indexes.isEmpty())
+        return;
+    const ImageSelection::Hold hold(m_selection);
+    ImageList gone; // until everybody has heard of it
+    for (const int index : indexes)
+        gone.push_back((*m_imagesFiltered)[static_cast<std::size_t>(index)]);
+    const std::vector<IndexList> runs = runsOf(indexes);
+    if (runs.size() > kMaxRuns) {
+        Q_EMIT listAboutToBeReset();
+        {
+            const std::lock_guard lock(m_imagesLock);
+            eraseFrom(*m_imagesFiltered, identitiesOf(gone));
+        }
+        m_selection.removeIndexes(indexes);
+        Q_EMIT listReset();
+    } else {
+        std::for_each(runs.rbegin(), runs.rend(), [this](const IndexList &run) { removeRun(run); });
+    }
+    if (isFiltered()) {
+        const std::lock_guard lock(m_imagesLock);
+        eraseFrom(*m_images, identitiesOf(gone));
     }
     m_services.status.update();
 }
 
-void ImageSet::removeRun(int first, int count)
+/// @param run  neighbours
+void ImageSet::removeRun(const IndexList &run)
 {
-    Q_EMIT imagesAboutToBeRemoved(first, first + count - 1);
-    const auto begin = m_imagesFiltered->begin() + first;
-    const auto end = begin + count;
-    const ImageList gone(begin, end); // until everybody has heard of it
-    if (isFiltered()) {
-        m_imagesFiltered->erase(begin, end);
+    Q_EMIT imagesAboutToBeRemoved(run.first(), run.last());
+    {
         const std::lock_guard lock(m_imagesLock);
-        eraseFrom(*m_images, identitiesOf(gone));
-    } else {
-        const std::lock_guard lock(m_imagesLock);
-        m_images->erase(begin, end);
+        const auto begin = m_imagesFiltered->begin();
+        m_imagesFiltered->erase(begin + run.first(), begin + run.last() + 1);
     }
-    m_selection.removeIndexes(first, count);
+    m_selection.removeIndexes(run);
     Q_EMIT imagesRemoved();
 }
 
 void ImageSet::removeSelectedImages()
 {
+    // Nobody hears that nothing is selected, so the preview goes from one photo to the next.
+    std::optional<ImageSelection::Hold> hold(m_selection);
     const IndexList removed = m_selection.selectedIndexes();
     const int shown = m_selection.shownImageIndex();
     m_selection.selectNone();
     removeIndexes(removed);
     refreshImageList(Refresh::Full);
     const auto removedBefore = std::lower_bound(removed.begin(), removed.end(), shown) - removed.begin();
-    selectAndPreviewImageWithIndex(
-        std::min(shown - static_cast<int>(removedBefore), static_cast<int>(m_imagesFiltered->size()) - 1));
-    m_services.status.update();
+    const int next =
+        std::min(shown - static_cast<int>(removedBefore), static_cast<int>(m_imagesFiltered->size()) - 1);
+    if (next >= 0)
+        m_selection.selectIndexes({next});
+    hold.reset();
+    if (next >= 0)
+        Q_EMIT fitToWindowRequested();
 }
 
 void ImageSet::moveIndexes(const IndexList &indexes, int toIndex)
 {
-    const auto shownCount = static_cast<int>(m_imagesFiltered->size());
-    toIndex = std::clamp(toIndex, 0, shownCount);
+    toIndex = std::clamp(toIndex, 0, static_cast<int>(m_imagesFiltered->size()));
     ImageList moved;
     for (const int index : cleanedIndexes(indexes, m_imagesFiltered->size()))
         moved.push_back((*m_imagesFiltered)[static_cast<std::size_t>(index)]);
@@ -288,29 +325,31 @@ void ImageSet::moveIndexes(const IndexList &indexes, int toIndex)
     const std::shared_ptr<ImageObject> focusImage =
         focus < 0 ? nullptr : (*m_imagesFiltered)[static_cast<std::size_t>(focus)];
 
+    const ImageSelection::Hold hold(m_selection);
     Q_EMIT orderAboutToChange();
+    const std::ptrdiff_t first = moveShown(moved, toIndex);
+    IndexList block;
+    for (std::size_t i = 0; i < moved.size(); ++i)
+        block.append(static_cast<int>(first) + static_cast<int>(i));
+    m_selection.reorder(block, indexOf(focusImage.get()));
+    Q_EMIT orderChanged();
+    refreshImageList(Refresh::Full);
+}
+
+/// @return where the first of them stands afterwards
+std::ptrdiff_t ImageSet::moveShown(const ImageList &moved, int toIndex)
+{
+    const auto shownCount = static_cast<int>(m_imagesFiltered->size());
+    const std::lock_guard lock(m_imagesLock);
     if (isFiltered()) {
         // At the end, the shown list's length is meant, not that of the whole list.
         const int target =
             toIndex < shownCount
                 ? indexIn(*m_images, (*m_imagesFiltered)[static_cast<std::size_t>(toIndex)].get())
                 : shownCount;
-        const std::lock_guard lock(m_imagesLock);
         moveBefore(*m_images, moved, target);
     }
-    std::unique_lock lock(m_imagesLock, std::defer_lock);
-    if (!isFiltered())
-        lock.lock();
-    const std::ptrdiff_t first = moveBefore(*m_imagesFiltered, moved, toIndex);
-    if (lock.owns_lock())
-        lock.unlock();
-
-    IndexList block;
-    for (std::size_t i = 0; i < moved.size(); ++i)
-        block.append(static_cast<int>(first) + static_cast<int>(i));
-    Q_EMIT orderChanged();
-    m_selection.select(block, indexOf(focusImage.get()));
-    refreshImageList(Refresh::Full);
+    return moveBefore(*m_imagesFiltered, moved, toIndex);
 }
 
 void ImageSet::focusImageDidChangeTo(int index)
@@ -335,6 +374,8 @@ void ImageSet::focusLoaded(const std::shared_ptr<ImageObject> &image, bool isLoa
     if (isLoaded) {
         if (focus >= 0 && focus == indexOf(image.get()))
             show(image);
+        else
+            forgetThumbnail(*image);
         return;
     }
     if (!contains(image.get())) // an import has reported it, or the user has removed it
@@ -353,8 +394,16 @@ void ImageSet::show(const std::shared_ptr<ImageObject> &image)
 {
     if (image == m_shownImage)
         return;
-    m_shownImage = image;
+    const std::shared_ptr<ImageObject> former = std::exchange(m_shownImage, image);
     Q_EMIT shownImageChanged(image);
+    if (former)
+        forgetThumbnail(*former);
+}
+
+void ImageSet::forgetThumbnail(ImageObject &image)
+{
+    if (!m_imageListIsInBrowserMode && &image != m_shownImage.get())
+        image.releaseThumbnail();
 }
 
 } // namespace plexa

@@ -97,10 +97,18 @@ public:
     /// filter is active, the end of the shown list stands for the same number in the whole one.
     void moveIndexes(const IndexList &indexes, int toIndex);
 
+    /// The photo that shownImageChanged() told of last.
+    const std::shared_ptr<ImageObject> &shownImage() const { return m_shownImage; }
+
+    /// For who has loaded a photo: a list without pictures (Large Batch mode) keeps no thumbnail but that of
+    /// the shown photo.
+    void forgetThumbnail(ImageObject &image);
+
     void refreshImageList(Refresh refresh) { Q_EMIT refreshed(refresh); }
 
 Q_SIGNALS:
-    // What happens to the shown list; each pair encloses one change.
+    // What happens to the shown list; each pair encloses one change. The selection is in step with the list
+    // when the second one is sent, and its own signals come afterwards.
     void imagesAboutToBeInserted(int first, int last);
     void imagesInserted();
     void imagesAboutToBeRemoved(int first, int last);
@@ -116,7 +124,7 @@ Q_SIGNALS:
     void filterTextChanged();
     /// The photo to preview, loaded; null: none.
     void shownImageChanged(const std::shared_ptr<plexa::ImageObject> &image);
-    /// The preview is to show the whole photo.
+    /// The preview is to show the whole photo that has the focus, which may still be loading.
     void fitToWindowRequested();
     void scanFinished();
     void importFinished();
@@ -129,7 +137,8 @@ private:
     void append(const ImageList &images);
     void removeImages(const ImageList &images);
     void removeIndexes(const IndexList &indexes);
-    void removeRun(int first, int count);
+    void removeRun(const IndexList &run);
+    std::ptrdiff_t moveShown(const ImageList &moved, int toIndex);
     void updateStatus();
 
     void startScan(const QStringList &paths);
@@ -155,6 +164,7 @@ private:
     ImageSelection m_selection;
     std::shared_ptr<ImageObject> m_shownImage;
     QString m_filterText;
+    QString m_searchedText; // the same as it is compared
     bool m_imageListIsInBrowserMode = true;
 
     bool m_isScanning = false;

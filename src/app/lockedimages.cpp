@@ -60,12 +60,17 @@ private:
     /// @return false when somebody else holds the photo
     bool tryOn(ImageObject &image)
     {
-        const ImageObject::LoadOutcome loaded = image.tryLoadImageFromDisk();
-        if (loaded == ImageObject::LoadOutcome::Busy || !image.tryLock())
+        using enum ImageObject::LoadOutcome;
+        const auto outcome = m_job.loadsImages ? image.tryLoadImageFromDisk() : Unreadable;
+        if (outcome == Busy || !image.tryLock())
             return false;
-        m_job.work(image, loaded == ImageObject::LoadOutcome::Loaded);
+        const bool isLoaded = image.isLoaded();
+        // It may have been released before its lock was taken.
+        const bool isReady = outcome != Loaded || isLoaded;
+        if (isReady)
+            m_job.work(image, isLoaded);
         image.unlock();
-        return true;
+        return isReady;
     }
 
     const LockedImagesWork &m_job;

@@ -13,10 +13,12 @@ namespace plexa
 /// somebody else holds comes round again when the others have had their turn.
 struct LockedImagesWork {
     ImageList images;
-    int threads = 1; ///< at least 1
+    int threads = 1;          ///< at least 1
+    bool loadsImages = false; ///< the work needs photos that are loaded
 
     /// Called once for each photo that is reached, with its lock held, on a worker thread.
-    /// @param isLoaded  false: the photo cannot be read, and must not be asked for anything that reads it
+    /// @param isLoaded  it stays so meanwhile; false: the photo must not be asked for anything that loads it,
+    ///                  and cannot be loaded if that was wanted
     std::function<void(ImageObject &image, bool isLoaded)> work;
 
     /// Called after it, the lock given back. Worker threads, one at a time.

@@ -19,9 +19,10 @@ std::optional<QPointF> relativePosition(ImageObject &image, const WPreset *prese
     const std::optional<QPointF> origin = image.customWatermarkRectOriginForWPreset(preset);
     if (!preset || !origin)
         return std::nullopt;
-    const QSizeF size = image.originalImageSize();
-    if (size.isEmpty())
+    const Result<PhotoFacts> facts = image.readFacts();
+    if (!facts || facts->pixelSize().isEmpty())
         return std::nullopt;
+    const QSizeF size = facts->pixelSize();
     return QPointF(origin->x() / size.width(), origin->y() / size.height());
 }
 
@@ -106,10 +107,12 @@ void ManualPositions::pasteThread(const Job &job)
     LockedImagesWork work;
     work.images = job.images;
     work.threads = m_threads;
-    work.work = [&job](ImageObject &image, bool isLoaded) {
-        if (!isLoaded)
+    work.work = [&job](ImageObject &image, bool) {
+        // Its size is all that is needed of the photo, and stands in the file's headers.
+        const Result<PhotoFacts> facts = image.readFacts();
+        if (!facts)
             return;
-        const QSizeF size = image.pixelSize();
+        const QSizeF size = facts->pixelSize();
         if (job.replacesAll)
             image.resetAllCustomWatermarkRectOrigins();
         for (const Position &position : job.positions) {

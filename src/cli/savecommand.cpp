@@ -15,10 +15,10 @@
 #include "platform/localeformat.h"
 #include "presets/savingpreset.h"
 #include "saving/saving.h"
+#include "saving/savingsettings.h"
 #include "watermark/texttokens.h"
 #include "watermark/watermarkpicture.h"
 
-#include <QDir>
 #include <QFileInfo>
 
 #include <CLI/CLI.hpp>
@@ -44,6 +44,17 @@ class NoQuestions final : public Alerts
 {
 public:
     AlertAnswer run(const Alert &alert) override { return {std::max(alert.escapeButton, 0), false}; }
+};
+
+/// What there is to know before a run.
+class Notices final : public Alerts
+{
+public:
+    AlertAnswer run(const Alert &alert) override
+    {
+        printLine(stderr, QStringLiteral("plexa-cli: %1 %2").arg(alert.title, alert.text));
+        return {};
+    }
 };
 
 int refuse(const QString &text)
@@ -128,6 +139,8 @@ Result<SavingPresetValues> runSavingPreset(const SaveOptions &options)
         if (Result<void> applied = applySavingField(preset, field); !applied)
             return tl::unexpected(applied.error());
     }
+    Notices notices;
+    completeFilenameTokens(preset, notices);
     return preset;
 }
 
@@ -199,17 +212,13 @@ int saveAll(SavingRun &run, const std::vector<PhotoPath> &photos, const SaveOpti
             return {photo.path, nullptr, photo.failure};
         return {photo.path, std::make_shared<ImageObject>(photo.path, services), {}};
     };
-    SaveReport report(run.photoCount, {options.json, options.quiet});
+    SaveReport report({options.json, options.quiet});
     NoQuestions alerts;
     Saving saving(alerts);
     saving.saveImages(run, report);
     report.end();
-    const std::size_t begun = report.copies();
-    if (begun < run.photoCount)
-        printLine(stderr, QStringLiteral("plexa-cli: stopped; %1 of %2 photos were not begun")
-                              .arg(run.photoCount - begun)
-                              .arg(run.photoCount));
-    return report.hasFailures() || begun < run.photoCount ? kSomethingFailed : kAllDone;
+    saving.finishedSavingImages(); // all of it is printed already
+    return report.isComplete() ? kAllDone : kSomethingFailed;
 }
 
 } // namespace
@@ -285,8 +294,6 @@ int runSave(const SaveOptions &options)
         return refuse(photos.error().text);
     if (photos->empty())
         printLine(stderr, QStringLiteral("plexa-cli: no photos found"));
-    if (!options.dryRun && !options.output.empty() && !QDir().mkpath(run->folders.destDirectory))
-        return refuse(QStringLiteral("the folder \"%1\" cannot be made").arg(run->folders.destDirectory));
     return saveAll(*run, *photos, options, fonts);
 }
 

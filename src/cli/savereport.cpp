@@ -113,15 +113,20 @@ bool isWithoutWatermark(const SavingOutput &output)
 
 } // namespace
 
-SaveReport::SaveReport(std::size_t copies, Form form)
+SaveReport::SaveReport(Form form)
     : m_form(form)
-    , m_progress(copies, !form.quiet)
 {
+}
+
+void SaveReport::begun(qint64 maximum, const QString &)
+{
+    m_maximum = maximum;
+    m_progress.emplace(static_cast<std::size_t>(maximum), !m_form.quiet);
 }
 
 void SaveReport::copyFinished(const SavingOutput &output)
 {
-    m_progress.clear();
+    m_progress->clear();
     const bool isFailure = output.status == Status::Failed;
     m_failures += isFailure ? 1 : 0;
     if (isFailure)
@@ -135,14 +140,18 @@ void SaveReport::copyFinished(const SavingOutput &output)
     else if (!m_form.quiet && !isFailure)
         printLine(stdout, onOneLine(textLine(output)));
     std::fflush(stdout);
-    m_progress.setDone(++m_copies);
+    m_progress->setDone(static_cast<std::size_t>(++m_copies));
 }
 
 void SaveReport::end()
 {
-    m_progress.clear();
+    m_progress.reset();
     if (m_failures > 0)
         printLine(stderr, QStringLiteral("plexa-cli: %1 of %2 copies failed").arg(m_failures).arg(m_copies));
+    if (m_copies < m_maximum)
+        printLine(stderr, QStringLiteral("plexa-cli: stopped; %1 of %2 copies were not begun")
+                              .arg(m_maximum - m_copies)
+                              .arg(m_maximum));
 }
 
 } // namespace plexa

@@ -5,7 +5,7 @@
 #include "cli/progressline.h"
 #include "saving/savingrun.h"
 
-#include <cstddef>
+#include <optional>
 
 namespace plexa
 {
@@ -19,23 +19,23 @@ public:
         bool quiet = false;
     };
 
-    SaveReport(std::size_t copies, Form form);
+    explicit SaveReport(Form form);
 
+    void begun(qint64 maximum, const QString &message) override;
     void copyFinished(const SavingOutput &output) override;
 
-    /// Takes the progress away, and sums up what failed.
+    /// Takes the progress away, and sums up what failed or was not begun.
     void end();
 
-    bool hasFailures() const { return m_failures > 0; }
-
-    /// How many copies were finished, in whatever way.
-    std::size_t copies() const { return m_copies; }
+    /// Were all copies begun, and did none fail?
+    bool isComplete() const { return m_failures == 0 && m_copies == m_maximum; }
 
 private:
     Form m_form;
-    ProgressLine m_progress;
-    std::size_t m_failures = 0;
-    std::size_t m_copies = 0;
+    std::optional<ProgressLine> m_progress;
+    qint64 m_maximum = 0;
+    qint64 m_failures = 0;
+    qint64 m_copies = 0;
 };
 
 } // namespace plexa

@@ -2,8 +2,10 @@
 
 #include "imageio/copyencoding.h"
 
+#include "imageio/apexvalues.h"
 #include "imageio/embeddedpictures.h"
 #include "imageio/exifencoding.h"
+#include "imageio/exiftoxmp.h"
 #include "imageio/exiv2setup.h"
 #include "imageio/imageresources.h"
 #include "imageio/iptctoxmp.h"
@@ -13,6 +15,7 @@
 #include "imageio/metadatareading.h"
 #include "imageio/pictureregions.h"
 #include "imageio/propertykeys.h"
+#include "imageio/xmpencoding.h"
 
 #include <QRegularExpression>
 
@@ -123,16 +126,6 @@ QByteArray textualComment(const std::string &comment)
     return isText && !isPictureValue(bytes) ? bytes : QByteArray();
 }
 
-QByteArray encodedXmp(const Exiv2::XmpData &xmp)
-{
-    if (xmp.empty())
-        return {};
-    std::string packet;
-    if (Exiv2::XmpParser::encode(packet, xmp, Exiv2::XmpParser::useCompactFormat) != 0)
-        return {};
-    return QByteArray::fromStdString(packet);
-}
-
 /// The library forgets what the packet says it is about.
 void restoreAbout(QByteArray &packet, const std::string &original)
 {
@@ -175,17 +168,15 @@ QByteArray changedXmp(MetadataSet &set, ClearedGroups cleared, const QVariantMap
         eraseXmpProperty(xmp, "Xmp.photoshop.LegacyIPTCDigest");
     if (!facts.holdsIptc)
         addIptcToXmp(xmp, after);
+    // Of the edited EXIF itself: in the dictionaries a fact that was removed may stand under a second key.
+    if (!facts.holdsExif)
+        addExifToXmp(xmp, propertiesOfMetadata(set, xmp), cleared);
     if (turnRegionsInXmp(xmp, facts.turn))
         omitted += u"face regions"_qs;
     describePictureInXmp(xmp, facts.pixelSize);
-    try {
-        QByteArray packet = encodedXmp(xmp);
-        restoreAbout(packet, set.xmpPacket);
-        return packet;
-    } catch (const std::exception &) {
-        omitted += u"XMP"_qs;
-        return {};
-    }
+    QByteArray packet = encodedXmp(xmp, omitted);
+    restoreAbout(packet, set.xmpPacket);
+    return packet;
 }
 
 bool hasMakerNote(const Exiv2::ExifData &exif)
@@ -195,9 +186,11 @@ bool hasMakerNote(const Exiv2::ExifData &exif)
 
 } // namespace
 
-EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &before, const QVariantMap &after,
+EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &before,
+                                         const QVariantMap &properties,
                                          const EmbeddedMetadata::CopyFacts &facts)
 {
+    const QVariantMap after = withAgreeingApexValues(before, properties);
     EmbeddedMetadata::Encoded encoded;
     if (hasExcessiveXmp(set))
         encoded.omitted += u"XMP"_qs;

@@ -63,6 +63,7 @@ public:
         bool holdsIptc = true; ///< else what IIM records tell goes into the XMP, as far as it has a place
         ClearedGroups cleared = {}; ///< what people have cleared; an emptied dictionary counts, too
         PictureTurn turn = {};      ///< from the source's pixels to the copy's
+        bool holdsExif = true;      ///< else the same for what EXIF tells
     };
 
     /// Metadata for a copy: the file's own, changed where `properties` differs from properties(), freed from

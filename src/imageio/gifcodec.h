@@ -20,6 +20,7 @@ public:
                                                                 const WriteOptions &options) const override;
     qint64 writerBytes(const RowFormat &format, const WriteOptions &options) const override;
     bool writesIptc() const override { return false; }
+    bool writesExif() const override { return false; }
     bool holdsThumbnail() const override { return false; }
 };
 

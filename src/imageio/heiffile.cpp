@@ -3,11 +3,9 @@
 #include "imageio/heiffile.h"
 
 #include "imageio/heifav1decoder.h"
-#include "imageio/metadatablocks.h"
 #include "imageio/readfailures.h"
 
 #include <mutex>
-#include <vector>
 
 namespace plexa
 {
@@ -103,25 +101,6 @@ QByteArray HeifFile::iccProfile() const
     QByteArray profile(qsizetype(size), '\0');
     const heif_error error = heif_image_handle_get_raw_color_profile(m_primary.get(), profile.data());
     return error.code == heif_error_Ok ? profile : QByteArray();
-}
-
-QByteArray HeifFile::metadata(const char *type, const char *contentType) const
-{
-    const int count = heif_image_handle_get_number_of_metadata_blocks(m_primary.get(), type);
-    std::vector<heif_item_id> ids(size_t(qMax(0, count)));
-    heif_image_handle_get_list_of_metadata_block_IDs(m_primary.get(), type, ids.data(), count);
-    for (const heif_item_id id : ids) {
-        const char *content = heif_image_handle_get_metadata_content_type(m_primary.get(), id);
-        if (contentType && qstrcmp(content, contentType) != 0)
-            continue;
-        const size_t size = heif_image_handle_get_metadata_size(m_primary.get(), id);
-        if (size == 0 || size > size_t(kMaxMetadataBytes))
-            continue;
-        QByteArray data(qsizetype(size), '\0');
-        if (heif_image_handle_get_metadata(m_primary.get(), id, data.data()).code == heif_error_Ok)
-            return data;
-    }
-    return {};
 }
 
 } // namespace plexa

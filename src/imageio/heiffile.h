@@ -53,10 +53,6 @@ public:
     /// The profile that the file carries for this picture; empty when it has none.
     QByteArray iccProfile() const;
 
-    /// The contents of the picture's first metadata block of that kind.
-    /// @param contentType  null: any
-    QByteArray metadata(const char *type, const char *contentType) const;
-
 private:
     static const heif_reader kReader;
 

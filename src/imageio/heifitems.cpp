@@ -4,6 +4,7 @@
 
 #include "imageio/readfailures.h"
 
+#include <QSet>
 #include <QtEndian>
 
 #include <algorithm>
@@ -54,6 +55,15 @@ public:
         const QByteArrayView taken = m_bytes.first(count);
         m_bytes = m_bytes.sliced(count);
         return taken;
+    }
+
+    /// A text that ends with a zero, or with the box.
+    QByteArray text()
+    {
+        const qsizetype end = m_bytes.indexOf('\0');
+        const QByteArray bytes = take(end < 0 ? m_bytes.size() : end).toByteArray();
+        take(qMin<qsizetype>(1, m_bytes.size()));
+        return bytes;
     }
 
     QByteArrayView rest() const { return m_bytes; }
@@ -186,6 +196,10 @@ private:
             entry.number(2);
             HeifItem item;
             item.type = entry.letters();
+            item.isHidden = (entryHead.flags & 1) != 0;
+            entry.text(); // its name
+            if (item.type == "mime")
+                item.contentType = entry.text();
             if (!entry.isWhole || result.items.size() >= kMaxItems)
                 return false;
             result.items.insert(id, item);
@@ -318,6 +332,8 @@ private:
                     master->auxiliaries.append(from);
                 if (HeifItem *master = box.type == "thmb" ? find(to) : nullptr)
                     master->thumbnails.append(from);
+                if (HeifItem *description = box.type == "cdsc" ? find(from) : nullptr)
+                    description->described.append(to);
             }
             if (!list.isWhole)
                 return false;
@@ -329,10 +345,18 @@ private:
     qsizetype m_links = 0;
 };
 
-/// The payload of the file's box of metadata.
-Result<QByteArray> readMetaBox(QIODevice &device)
+/// What the file consists of.
+struct FileBoxes {
+    QByteArray meta; ///< payload of the first box of metadata
+    bool hasFilm = false;
+};
+
+/// What stands behind the metadata may be damaged.
+Result<FileBoxes> readFileBoxes(QIODevice &device)
 {
     const qint64 end = device.size();
+    FileBoxes boxes;
+    bool hasMeta = false;
     qint64 at = 0;
     for (int i = 0; i < kMaxTopLevelBoxes && at + 8 <= end; ++i) {
         if (!device.seek(at))
@@ -348,20 +372,26 @@ Result<QByteArray> readMetaBox(QIODevice &device)
         } else if (size == 0) {
             size = end - at;
         }
+        const QByteArray type = head.mid(4, 4);
+        boxes.hasFilm = boxes.hasFilm || type == "moov";
+        if (hasMeta && (size < headerBytes || type == "meta"))
+            break;
         if (size < headerBytes)
             return fail(ReadFailures::damaged());
-        if (head.mid(4, 4) == "meta") {
+        if (type == "meta") {
             if (size > end - at)
                 return fail(ReadFailures::endsEarly());
             if (size > kMaxMetaBytes || !device.seek(at + headerBytes))
                 return fail(ReadFailures::damaged());
-            const QByteArray payload = device.read(size - headerBytes);
-            if (payload.size() != size - headerBytes)
+            boxes.meta = device.read(size - headerBytes);
+            if (boxes.meta.size() != size - headerBytes)
                 return fail(ReadFailures::readError(device));
-            return payload;
+            hasMeta = true;
         }
         at += size;
     }
+    if (hasMeta)
+        return boxes;
     return fail(at >= end ? ReadFailures::endsEarly() : ReadFailures::damaged());
 }
 
@@ -369,12 +399,13 @@ Result<QByteArray> readMetaBox(QIODevice &device)
 
 Result<HeifItems> HeifItems::read(QIODevice &device)
 {
-    const Result<QByteArray> meta = readMetaBox(device);
-    if (!meta)
-        return tl::unexpected(meta.error());
+    const Result<FileBoxes> boxes = readFileBoxes(device);
+    if (!boxes)
+        return tl::unexpected(boxes.error());
     MetaParser parser;
-    if (!parser.parse(*meta))
+    if (!parser.parse(boxes->meta))
         return fail(ReadFailures::damaged());
+    parser.result.hasSequence = boxes->hasFilm;
     return std::move(parser.result);
 }
 
@@ -401,6 +432,21 @@ QByteArray HeifItems::bytes(QIODevice &device, const HeifItem &item, qint64 offs
     return result;
 }
 
+const HeifItem *HeifItems::metadata(const char *type, const char *contentType) const
+{
+    const HeifItem *first = nullptr;
+    quint32 firstId = 0;
+    for (auto item = items.begin(); item != items.end(); ++item) {
+        const bool isWanted = item->type == type && (!contentType || item->contentType == contentType) &&
+                              (item->described.isEmpty() || item->described.contains(primary));
+        if (isWanted && (!first || item.key() < firstId)) {
+            first = &*item;
+            firstId = item.key();
+        }
+    }
+    return first;
+}
+
 QStringList HeifItems::furtherPictures() const
 {
     QStringList names;
@@ -408,16 +454,27 @@ QStringList HeifItems::furtherPictures() const
         if (!names.contains(name))
             names.append(name);
     };
+    QSet<quint32> belonging = {primary};
     for (const HeifItem &item : items) {
-        const QByteArray auxiliary = item.auxiliaryType.toLower();
-        if (item.type == "tmap" || auxiliary.contains("gainmap"))
+        for (const QList<quint32> &others : {item.parts, item.auxiliaries, item.thumbnails})
+            belonging.unite(QSet<quint32>(others.begin(), others.end()));
+    }
+    static const QList<QByteArray> pictureTypes = {"hvc1", "av01", "jpeg", "grid", "iovl", "iden"};
+    for (auto item = items.begin(); item != items.end(); ++item) {
+        const QByteArray auxiliary = item->auxiliaryType.toLower();
+        if (item->type == "tmap" || auxiliary.contains("gainmap"))
             add(QStringLiteral("gain map"));
         else if (auxiliary.contains("depth") || auxiliary.contains("disparity") ||
                  auxiliary.startsWith("urn:mpeg:hevc:2015:auxid:2"))
             add(QStringLiteral("depth map"));
-        if (!item.thumbnails.isEmpty())
+        else if (pictureTypes.contains(item->type) && !item->isHidden && auxiliary.isEmpty() &&
+                 !belonging.contains(item.key()))
+            add(QStringLiteral("further pictures"));
+        if (!item->thumbnails.isEmpty())
             add(QStringLiteral("preview"));
     }
+    if (hasSequence)
+        add(QStringLiteral("animation"));
     names.sort();
     return names;
 }

@@ -24,6 +24,8 @@ struct HeifItem {
     };
 
     QByteArray type;          ///< four letters: "hvc1", "av01", "grid", "Exif", ...
+    QByteArray contentType;   ///< of a "mime" item
+    bool isHidden = false;    ///< not to be shown by itself
     bool isInDataBox = false; ///< the extents lie in the item data box ("idat"), not in the file
     bool isElsewhere = false; ///< in another file, or in another item
     QList<Extent> extents;
@@ -35,6 +37,7 @@ struct HeifItem {
     QList<quint32> parts;       ///< "dimg": what it is put together from, in order; may repeat
     QList<quint32> auxiliaries; ///< items that belong to it by "auxl"
     QList<quint32> thumbnails;  ///< items that belong to it by "thmb"
+    QList<quint32> described;   ///< items that it tells of, by "cdsc"
 };
 
 /// The items of a HEIF file, read without decoding anything. It knows what a decoder is about to be given,
@@ -42,7 +45,8 @@ struct HeifItem {
 struct HeifItems {
     QHash<quint32, HeifItem> items;
     quint32 primary = 0;
-    QByteArray dataBox; ///< contents of "idat"
+    QByteArray dataBox;       ///< contents of "idat"
+    bool hasSequence = false; ///< beside the items there is a film
 
     /// @param device  random access; its position is left anywhere
     /// @return the failure when the boxes are damaged or end early
@@ -51,7 +55,13 @@ struct HeifItems {
     /// `count` bytes of an item's data from `offset` on, fewer at its end.
     QByteArray bytes(QIODevice &device, const HeifItem &item, qint64 offset, qint64 count) const;
 
-    /// Names for what the file shows besides its primary picture: "gain map", "depth map", "preview".
+    /// The first item of that type that tells of the primary picture, or of none.
+    /// @param contentType  of a "mime" item; null: any
+    /// @return null when there is none
+    const HeifItem *metadata(const char *type, const char *contentType) const;
+
+    /// Names for what the file shows besides its primary picture: "animation", "gain map", "depth map",
+    /// "further pictures", "preview".
     QStringList furtherPictures() const;
 };
 

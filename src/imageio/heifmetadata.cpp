@@ -3,7 +3,6 @@
 #include "imageio/heifmetadata.h"
 
 #include "imageio/heifbrands.h"
-#include "imageio/heiffile.h"
 #include "imageio/heifitems.h"
 
 #include <QtEndian>
@@ -42,16 +41,18 @@ bool isHeif(QByteArrayView head)
 MetadataBlocks readHeifBlocks(QIODevice &device)
 {
     MetadataBlocks blocks;
-    try {
-        // The library's own reading takes very long where there are very many items.
-        HeifFile file(device);
-        if (!HeifItems::read(device) || !file.open("HEIC"))
-            return blocks;
-        blocks.exif = tiffOfExifItem(file.metadata("Exif", nullptr));
-        blocks.xmp = file.metadata("mime", "application/rdf+xml");
-    } catch (const std::exception &) {
-        // What was read before is whole.
-    }
+    const Result<HeifItems> items = HeifItems::read(device);
+    if (!items)
+        return blocks;
+    const auto contentsOf = [&](const char *type, const char *contentType) {
+        const HeifItem *item = items->metadata(type, contentType);
+        if (!item || item->isElsewhere || item->extents.isEmpty())
+            return QByteArray();
+        const qint64 size = item->extents.constLast().start + item->extents.constLast().length;
+        return size <= kMaxMetadataBytes ? items->bytes(device, *item, 0, size) : QByteArray();
+    };
+    blocks.exif = tiffOfExifItem(contentsOf("Exif", nullptr));
+    blocks.xmp = contentsOf("mime", "application/rdf+xml");
     return blocks;
 }
 

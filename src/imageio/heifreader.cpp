@@ -6,6 +6,7 @@
 #include "imageio/heifmeasure.h"
 #include "imageio/nclxprofile.h"
 #include "imageio/readfailures.h"
+#include "raster/pixelformat.h"
 
 #include <optional>
 #include <vector>
@@ -193,10 +194,10 @@ private:
             m_transform->convert(m_words.data(), out, m_width);
             return;
         }
-        const auto byteOf = [](int deep) { return (deep + 128) / 257; };
         word = m_words.data();
         for (int x = 0; x < m_width; ++x, word += 4)
-            out[x] = qRgba(byteOf(word[0]), byteOf(word[1]), byteOf(word[2]), byteOf(word[3]));
+            out[x] =
+                qRgba(byteOfWord(word[0]), byteOfWord(word[1]), byteOfWord(word[2]), byteOfWord(word[3]));
     }
 
     const int m_width;

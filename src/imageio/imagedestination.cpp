@@ -113,7 +113,8 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
                                                target->codec->maxExifBytes(),
                                                target->codec->writesIptc(),
                                                request.cleared,
-                                               request.turn};
+                                               request.turn,
+                                               target->codec->writesExif()};
     const EmbeddedMetadata::Encoded encoded = metadata->encodeForCopy(properties, facts);
     if (request.omitted)
         *request.omitted += encoded.omitted;

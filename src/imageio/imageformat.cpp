@@ -107,6 +107,41 @@ bool isXpm(QByteArrayView head)
     return head.startsWith("/* XPM */");
 }
 
+/// Those that Qt's plugins read, as far as they are installed.
+void appendQtFormats(QList<ImageFormat> &formats)
+{
+    static const QtCodec webp("webp", readWebpHeader, 4); // where it is lossless
+    static const QtCodec icon("ico", nullptr, 0, QtCodec::Choice::Largest);
+    static const QtCodec icns("icns", nullptr, 0, QtCodec::Choice::Largest);
+    static const QtCodec pixmap("ppm");
+    static const QtCodec graymap("pgm");
+    static const QtCodec bitmap("pbm");
+    static const QtCodec xpm("xpm", nullptr, 0, QtCodec::Choice::First, EndWatch::Manner::AsText);
+    static const QtCodec xbm("xbm", readXbmHeader, 0, QtCodec::Choice::First, EndWatch::Manner::AsText);
+    static const QtCodec wbmp("wbmp");
+    const struct {
+        const char *type;
+        const char *name;
+        QStringList suffixes;
+        bool (*matches)(QByteArrayView head);
+        const QtCodec *codec;
+    } qtFormats[] = {
+        {"image/webp", "WebP", {u"webp"_qs}, isWebp, &webp},
+        {"image/vnd.microsoft.icon", "ICO", {u"ico"_qs}, isIcon, &icon},
+        {"image/x-icns", "ICNS", {u"icns"_qs}, isIcns, &icns},
+        {"image/x-portable-pixmap", "PPM", {u"ppm"_qs}, isPixmap, &pixmap},
+        {"image/x-portable-graymap", "PGM", {u"pgm"_qs}, isGraymap, &graymap},
+        {"image/x-portable-bitmap", "PBM", {u"pbm"_qs}, isBitmap, &bitmap},
+        {"image/x-xpixmap", "XPM", {u"xpm"_qs}, isXpm, &xpm},
+        {"image/x-xbitmap", "XBM", {u"xbm"_qs}, nullptr, &xbm},
+        {"image/vnd.wap.wbmp", "WBMP", {u"wbmp"_qs}, nullptr, &wbmp},
+    };
+    for (const auto &row : qtFormats) {
+        if (row.codec->isAvailable())
+            formats.append({row.type, row.name, row.suffixes, row.matches, row.codec, false, false});
+    }
+}
+
 QList<ImageFormat> makeFormats()
 {
     static const JpegCodec jpeg;
@@ -145,36 +180,7 @@ QList<ImageFormat> makeFormats()
                     &jp2,
                     false,
                     false});
-    static const QtCodec webp("webp", readWebpHeader, 4); // where it is lossless
-    static const QtCodec icon("ico", nullptr, 0, QtCodec::Choice::Largest);
-    static const QtCodec icns("icns", nullptr, 0, QtCodec::Choice::Largest);
-    static const QtCodec pixmap("ppm");
-    static const QtCodec graymap("pgm");
-    static const QtCodec bitmap("pbm");
-    static const QtCodec xpm("xpm");
-    static const QtCodec xbm("xbm");
-    static const QtCodec wbmp("wbmp");
-    const struct {
-        const char *type;
-        const char *name;
-        QStringList suffixes;
-        bool (*matches)(QByteArrayView head);
-        const QtCodec *codec;
-    } qtFormats[] = {
-        {"image/webp", "WebP", {u"webp"_qs}, isWebp, &webp},
-        {"image/vnd.microsoft.icon", "ICO", {u"ico"_qs}, isIcon, &icon},
-        {"image/x-icns", "ICNS", {u"icns"_qs}, isIcns, &icns},
-        {"image/x-portable-pixmap", "PPM", {u"ppm"_qs}, isPixmap, &pixmap},
-        {"image/x-portable-graymap", "PGM", {u"pgm"_qs}, isGraymap, &graymap},
-        {"image/x-portable-bitmap", "PBM", {u"pbm"_qs}, isBitmap, &bitmap},
-        {"image/x-xpixmap", "XPM", {u"xpm"_qs}, isXpm, &xpm},
-        {"image/x-xbitmap", "XBM", {u"xbm"_qs}, nullptr, &xbm},
-        {"image/vnd.wap.wbmp", "WBMP", {u"wbmp"_qs}, nullptr, &wbmp},
-    };
-    for (const auto &row : qtFormats) {
-        if (row.codec->isAvailable())
-            formats.append({row.type, row.name, row.suffixes, row.matches, row.codec, false, false});
-    }
+    appendQtFormats(formats);
     return formats;
 }
 

@@ -118,6 +118,9 @@ public:
     /// Does a written file keep IIM records? Where it does not, XMP has to tell what they tell.
     virtual bool writesIptc() const { return true; }
 
+    /// The same of EXIF.
+    virtual bool writesExif() const { return true; }
+
     /// Does a written file keep a thumbnail in its EXIF (WriteOptions::thumbnailPlaceholder)?
     virtual bool holdsThumbnail() const { return true; }
 

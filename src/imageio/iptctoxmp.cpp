@@ -7,38 +7,16 @@
 #include "imageio/metadatavalues.h"
 #include "imageio/propertykeys.h"
 #include "imageio/propertyvalues.h"
-#include "imageio/xmppackets.h"
 #include "imageio/xmpreading.h"
+#include "imageio/xmpwriting.h"
 
 #include <QRegularExpression>
-
-#include <memory>
 
 namespace plexa
 {
 
 namespace
 {
-
-void putTexts(Exiv2::XmpData &xmp, const char *property, const QStringList &texts)
-{
-    eraseXmpProperty(xmp, property);
-    const Exiv2::XmpKey key(property);
-    const Exiv2::TypeId type = Exiv2::XmpProperties::propertyType(key);
-    if (type == Exiv2::invalidTypeId || type == Exiv2::xmpText) {
-        const Exiv2::XmpTextValue text = plainXmpText(texts.join(u"; "_qs).toStdString());
-        xmp.add(key, &text);
-        return;
-    }
-    const std::unique_ptr<Exiv2::Value> value(Exiv2::Value::create(type).release());
-    if (type == Exiv2::langAlt) {
-        value->read("lang=\"x-default\" " + texts.join(u'\n').toStdString());
-    } else {
-        for (const QString &text : texts)
-            value->read(text.toStdString());
-    }
-    xmp.add(key, value.get());
-}
 
 /// "101500+0200" as it follows a date in XMP: "T10:15:00+02:00". Empty for anything else.
 QString timeText(const QString &iptcTime)
@@ -76,9 +54,10 @@ void putField(Exiv2::XmpData &xmp, const MetadataField &field, const QVariantMap
     if (texts.isEmpty() || samePropertyValue(value, present) ||
         (present.isValid() && areBeginnings(texts, withXmlLineEnds(xmpTexts(field.kind, present)))))
         return;
-    if (field.key == kCGImagePropertyIPTCDateCreated)
+    constexpr qsizetype kWholeDate = 10;
+    if (field.key == kCGImagePropertyIPTCDateCreated && texts.constFirst().size() == kWholeDate)
         texts.first() += timeText(iptc.value(kCGImagePropertyIPTCTimeCreated).toString());
-    putTexts(xmp, field.xmp, texts);
+    putXmpTexts(xmp, field.xmp, texts);
 }
 
 /// Facts whose XMP home is read for nothing else. IIM: "IPTC:04000000:...", XMP: "04000000".
@@ -92,10 +71,10 @@ void putCodes(Exiv2::XmpData &xmp, const QVariantMap &iptc)
             codes += match.captured();
     }
     if (!codes.isEmpty() && xmp.findKey(Exiv2::XmpKey("Xmp.iptc.SubjectCode")) == xmp.end())
-        putTexts(xmp, "Xmp.iptc.SubjectCode", codes);
+        putXmpTexts(xmp, "Xmp.iptc.SubjectCode", codes);
     const QStringList genres = propertyTexts(iptc.value(kCGImagePropertyIPTCObjectAttributeReference));
     if (!genres.isEmpty() && xmp.findKey(Exiv2::XmpKey("Xmp.iptc.IntellectualGenre")) == xmp.end())
-        putTexts(xmp, "Xmp.iptc.IntellectualGenre", genres);
+        putXmpTexts(xmp, "Xmp.iptc.IntellectualGenre", genres);
 }
 
 } // namespace

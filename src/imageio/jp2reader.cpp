@@ -5,6 +5,7 @@
 #include "imageio/jp2header.h"
 #include "imageio/readfailures.h"
 #include "imageio/reducedrows.h"
+#include "raster/pixelformat.h"
 
 #include <openjpeg.h>
 
@@ -240,24 +241,22 @@ private:
         else
             roundColors(out, step);
         for (int x = 0; m_header.hasAlpha && x < width; ++x)
-            out[x] = qPremultiply((out[x] & 0x00ffffff) | QRgb(byteOf(m_alphas[size_t(x)])) << 24);
+            out[x] = qPremultiply((out[x] & 0x00ffffff) | QRgb(byteOfWord(m_alphas[size_t(x)])) << 24);
     }
-
-    static int byteOf(int word) { return (word + 128) / 257; }
 
     void roundColors(QRgb *out, int step) const
     {
         const quint16 *word = m_words.data();
         for (int x = 0; x < m_format.size.width(); ++x, word += step) {
             if (m_header.kind == Kind::Gray) {
-                out[x] = qRgb(byteOf(word[0]), byteOf(word[0]), byteOf(word[0]));
+                out[x] = qRgb(byteOfWord(word[0]), byteOfWord(word[0]), byteOfWord(word[0]));
             } else if (m_header.kind == Kind::Cmyk) {
                 const auto light = [word](int ink) {
                     return int(qint64(65535 - word[ink]) * (65535 - word[3]) / 65535);
                 };
-                out[x] = qRgb(byteOf(light(0)), byteOf(light(1)), byteOf(light(2)));
+                out[x] = qRgb(byteOfWord(light(0)), byteOfWord(light(1)), byteOfWord(light(2)));
             } else {
-                out[x] = qRgb(byteOf(word[0]), byteOf(word[1]), byteOf(word[2]));
+                out[x] = qRgb(byteOfWord(word[0]), byteOfWord(word[1]), byteOfWord(word[2]));
             }
         }
     }

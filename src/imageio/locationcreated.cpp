@@ -3,7 +3,9 @@
 #include "imageio/locationcreated.h"
 
 #include "imageio/metadataclearing.h"
+#include "imageio/metadatatext.h"
 #include "imageio/propertykeys.h"
+#include "imageio/xmppackets.h"
 
 #include <algorithm>
 #include <string>
@@ -59,8 +61,7 @@ void updateLocationCreated(Exiv2::XmpData &xmp, QLatin1StringView key, const QSt
             eraseXmpProperty(xmp, kLocation);
         return;
     }
-    Exiv2::XmpTextValue value;
-    value.value_ = text.toStdString(); // read() would look for an announcement of the type in it
+    const Exiv2::XmpTextValue value = plainXmpText(xmlText(text).toStdString());
     for (Exiv2::Xmpdatum &datum : xmp) {
         if (isPart(datum, part->name))
             datum.setValue(&value);

@@ -11,9 +11,7 @@
 #include "imageio/metadatavalues.h"
 #include "imageio/propertykeys.h"
 #include "imageio/propertyvalues.h"
-#include "imageio/xmppackets.h"
-
-#include <QRegularExpression>
+#include "imageio/xmpwriting.h"
 
 #include <algorithm>
 #include <memory>
@@ -56,10 +54,13 @@ void eraseWindowsTexts(Exiv2::ExifData &exif, const MetadataField &field)
 }
 
 /// A camera's own number in the notes of some makers: "SerialNumber", "InternalSerialNumber", "SerialNO".
+/// Pentax has it among other facts of the camera's making.
 bool isSerialNumberInNote(const Exiv2::Exifdatum &datum)
 {
     const QString name = QString::fromStdString(datum.tagName());
-    return isMakerNoteGroup(datum.groupName()) && name.contains(u"SerialN"_qs) && !name.contains(u"Lens"_qs);
+    const bool isInPentaxBlock = datum.groupName().starts_with("Pentax") && datum.tag() == 0x0215;
+    return isMakerNoteGroup(datum.groupName()) &&
+           (isInPentaxBlock || (name.contains(u"SerialN"_qs) && !name.contains(u"Lens"_qs)));
 }
 
 /// Maker notes and DNG say the serial number or lens in ways of their own, which a new value does not fit
@@ -118,18 +119,18 @@ void setExif(Exiv2::ExifData &exif, const MetadataField &field, const QVariant &
     exif.add(Exiv2::ExifKey(field.exif), stored.get());
 }
 
-/// Makes all texts of the record UTF-8 and lets it say so.
+/// Makes all texts of the record UTF-8, also those that it only says are, and lets it say so.
 void makeUtf8(Exiv2::IptcData &iptc)
 {
-    const char *charset = iptc.detectCharset();
-    const bool isMarked = iptc.findKey(Exiv2::IptcKey("Iptc.Envelope.CharacterSet")) != iptc.end();
-    if (isMarked && charset && qstrcmp(charset, "UTF-8") == 0)
-        return;
     const QByteArray characterSet = iptcCharacterSet(iptc);
     for (Exiv2::Iptcdatum &datum : iptc) {
-        if (datum.typeId() == Exiv2::string && datum.record() != Exiv2::IptcDataSets::envelope)
-            datum.setValue(
-                decodedIptcText(QByteArray::fromStdString(datum.toString()), characterSet).toStdString());
+        if (datum.typeId() != Exiv2::string || datum.record() != Exiv2::IptcDataSets::application2)
+            continue;
+        const std::string before = datum.toString();
+        const std::string after =
+            decodedIptcText(QByteArray::fromStdString(before), characterSet).toStdString();
+        if (after != before)
+            datum.setValue(after);
     }
     iptc["Iptc.Envelope.CharacterSet"] = std::string("\x1B%G");
 }
@@ -205,72 +206,21 @@ QList<const char *> furtherXmpNames(const MetadataField &field)
     return names;
 }
 
-void addXmpStructure(Exiv2::XmpData &xmp, const char *name)
-{
-    const Exiv2::XmpKey key(name);
-    if (xmp.findKey(key) != xmp.end())
-        return;
-    Exiv2::XmpTextValue structure;
-    structure.setXmpStruct(Exiv2::XmpValue::xsStruct);
-    xmp.add(key, &structure);
-}
-
-void addXmp(Exiv2::XmpData &xmp, const char *name, const QStringList &texts)
-{
-    const Exiv2::XmpKey key(name);
-    const Exiv2::TypeId type = Exiv2::XmpProperties::propertyType(key);
-    if (type == Exiv2::invalidTypeId || type == Exiv2::xmpText) {
-        const Exiv2::XmpTextValue text = plainXmpText(texts.join(u' ').toStdString());
-        xmp.add(key, &text);
-        return;
-    }
-    const ValuePointer stored = newValue(type);
-    if (type == Exiv2::langAlt) {
-        stored->read("lang=\"x-default\" " + texts.join(u'\n').toStdString());
-    } else if (type == Exiv2::xmpSeq || type == Exiv2::xmpBag || type == Exiv2::xmpAlt) {
-        for (const QString &text : texts)
-            stored->read(text.toStdString());
-    } else {
-        stored->read(texts.join(u' ').toStdString());
-    }
-    xmp.add(key, stored.get());
-}
-
-/// EXIF packs the flash into one number, XMP spreads it over a structure (EXIF for XMP).
-void addXmpFlash(Exiv2::XmpData &xmp, int flash)
-{
-    addXmpStructure(xmp, "Xmp.exif.Flash");
-    const auto add = [&xmp](const char *name, const QString &text) {
-        addXmp(xmp, (std::string("Xmp.exif.Flash/exif:") + name).c_str(), {text});
-    };
-    const auto truth = [](int bit) { return bit ? QStringLiteral("True") : QStringLiteral("False"); };
-    add("Fired", truth(flash & 1));
-    add("Return", QString::number(flash >> 1 & 3));
-    add("Mode", QString::number(flash >> 3 & 3));
-    add("Function", truth(flash >> 5 & 1));
-    add("RedEyeMode", truth(flash >> 6 & 1));
-}
-
 void setXmp(Exiv2::XmpData &xmp, const MetadataField &field, const QVariant &value)
 {
-    const QStringList texts = xmpTexts(field.kind, value);
     for (const char *name : furtherXmpNames(field)) {
-        if (eraseXmpProperty(xmp, name) && !texts.isEmpty())
-            addXmp(xmp, name, texts);
+        if (eraseXmpProperty(xmp, name))
+            putXmpField(xmp, name, field, value);
     }
     if (!field.xmp)
         return;
     const bool wasPresent = eraseXmpProperty(xmp, field.xmp);
     const bool hasOtherHome = field.exif || (field.iptc && fitsIptc(field, value));
-    if (texts.isEmpty() || (!wasPresent && hasOtherHome))
+    if (!wasPresent && hasOtherHome)
         return;
-    if (field.key == kCGImagePropertyExifFlash) {
-        addXmpFlash(xmp, value.toInt());
-        return;
-    }
     if (field.group == MetadataGroup::Contact)
         addXmpStructure(xmp, kContactProperty);
-    addXmp(xmp, field.xmp, texts);
+    putXmpField(xmp, field.xmp, field, value);
 }
 
 /// Does the IPTC dictionary still say what this property of XMP says? The property is its mirror: a field of
@@ -318,55 +268,17 @@ void updateFurtherXmp(Exiv2::XmpData &xmp, const MetadataField &field, const QVa
         updateKeywordLists(xmp, propertyTexts(oldValue), propertyTexts(newValue));
 }
 
-/// A point in time: XMP says in one property what EXIF spreads over three fields.
-struct SplitDate {
-    QLatin1StringView date;
-    MetadataGroup dateGroup;
-    QLatin1StringView fraction;
-    QLatin1StringView zone;
-};
-
-constexpr SplitDate kSplitDates[] = {
-    {kCGImagePropertyTIFFDateTime, MetadataGroup::Tiff, kCGImagePropertyExifSubsecTime,
-     kCGImagePropertyExifOffsetTime},
-    {kCGImagePropertyExifDateTimeOriginal, MetadataGroup::Exif, kCGImagePropertyExifSubsecTimeOrginal,
-     kCGImagePropertyExifOffsetTimeOriginal},
-    {kCGImagePropertyExifDateTimeDigitized, MetadataGroup::Exif, kCGImagePropertyExifSubsecTimeDigitized,
-     kCGImagePropertyExifOffsetTimeDigitized},
-};
-
-/// "2010-08-13T21:00:01.85-06:00", as far as it is known.
-QStringList xmpDate(const SplitDate &split, const QVariantMap &properties)
-{
-    const QVariantMap exif = groupDictionary(properties, MetadataGroup::Exif);
-    QStringList texts =
-        xmpTexts(MetadataKind::DateTime, groupDictionary(properties, split.dateGroup).value(split.date));
-    if (texts.isEmpty())
-        return {};
-    static const QRegularExpression digits(QStringLiteral("^[0-9]+"));
-    static const QRegularExpression offset(QStringLiteral("^([+-][0-9]{2}:[0-9]{2}|Z)$"));
-    const QString fraction = digits.match(exif.value(split.fraction).toString()).captured();
-    if (!fraction.isEmpty())
-        texts[0] += u'.' + fraction;
-    texts[0] += offset.match(exif.value(split.zone).toString()).captured();
-    return texts;
-}
-
 /// Gives XMP the dates anew of which the date, its fraction or its time zone has changed.
 void updateXmpDates(Exiv2::XmpData &xmp, const QVariantMap &before, const QVariantMap &after)
 {
-    for (const SplitDate &split : kSplitDates) {
-        const QStringList texts = xmpDate(split, after);
-        if (texts == xmpDate(split, before) || texts.isEmpty())
+    for (const MetadataField &field : metadataFields()) {
+        const SplitDate *split = splitDateOf(field);
+        const QString text = split ? xmpDateText(*split, after) : QString();
+        if (text.isEmpty() || text == xmpDateText(*split, before))
             continue;
-        for (const MetadataField &field : metadataFields()) {
-            if (field.group != split.dateGroup || field.key != split.date)
-                continue;
-            const QList<const char *> names = furtherXmpNames(field) + QList{field.xmp};
-            for (const char *name : names) {
-                if (eraseXmpProperty(xmp, name))
-                    addXmp(xmp, name, texts);
-            }
+        for (const char *name : furtherXmpNames(field) + QList{field.xmp}) {
+            if (eraseXmpProperty(xmp, name))
+                putXmpTexts(xmp, name, {text});
         }
     }
 }

@@ -161,7 +161,8 @@ bool isIptcInXmp(const std::string &key)
 
 void clearIptc(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &after)
 {
-    std::set<std::string> keptIptc;
+    constexpr const char *kCharacterSet = "Iptc.Envelope.CharacterSet";
+    std::set<std::string> keptIptc{kCharacterSet};
     std::set<std::string> keptXmp;
     for (const MetadataField &field : metadataFields()) {
         const bool isIptc = field.group == MetadataGroup::Iptc || field.group == MetadataGroup::Contact;
@@ -176,19 +177,16 @@ void clearIptc(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &after)
     }
     const bool keepsRights =
         groupDictionary(after, MetadataGroup::Iptc).contains(kCGImagePropertyIPTCCopyrightNotice);
-    eraseMetadataIf(set.iptc, [&](const Exiv2::Iptcdatum &datum) {
-        return datum.record() != Exiv2::IptcDataSets::envelope && !keptIptc.contains(datum.key());
-    });
+    eraseMetadataIf(set.iptc, [&](const Exiv2::Iptcdatum &datum) { return !keptIptc.contains(datum.key()); });
     eraseMetadataIf(xmp, [&](const Exiv2::Xmpdatum &datum) {
         const std::string key = datum.key();
         return (isIptcInXmp(key) || isDescriptionInXmp(datum)) && !keptXmp.contains(key) &&
                !(keepsRights && key.starts_with("Xmp.xmpRights."));
     });
-    const bool onlyEnvelope =
-        std::all_of(set.iptc.begin(), set.iptc.end(), [](const Exiv2::Iptcdatum &datum) {
-            return datum.record() == Exiv2::IptcDataSets::envelope;
-        });
-    if (onlyEnvelope)
+    const bool saysNothing = std::all_of(set.iptc.begin(), set.iptc.end(), [](const Exiv2::Iptcdatum &datum) {
+        return datum.key() == kCharacterSet;
+    });
+    if (saysNothing)
         set.iptc.clear();
     eraseExifFields(set.exif, {"Exif.Image.XPKeywords", "Exif.Image.XPTitle", "Exif.Image.Rating",
                                "Exif.Image.RatingPercent"});

@@ -129,6 +129,7 @@ Exiv2::XmpData decodedPacket(const std::string &packet, XmlMeasure &measure)
             xmp.clear();
         else if (understood != packet)
             restoreTexts(xmp);
+        removeBreaksOfAliases(xmp);
     } catch (const std::exception &) {
         xmp.clear();
     }

@@ -124,6 +124,26 @@ QString trimmedAtEnd(QString text)
     return text;
 }
 
+QString xmlText(const QString &text)
+{
+    QString allowed;
+    allowed.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar character = text[i];
+        const bool isPair =
+            character.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
+        if (isPair) {
+            allowed += character;
+            allowed += text[++i];
+        } else if (!character.isSurrogate() && character.unicode() < 0xFFFE &&
+                   (character.unicode() >= 0x20 || character == u'\t' || character == u'\n' ||
+                    character == u'\r')) {
+            allowed += character;
+        }
+    }
+    return allowed;
+}
+
 QString decodedField(const QByteArray &bytes)
 {
     const QString text = decodedText(upToNul(bytes));

@@ -26,6 +26,10 @@ QString decodedField(const QByteArray &bytes);
 /// Without blanks and NULs at the end.
 QString trimmedAtEnd(QString text);
 
+/// Without the characters that XML 1.0 cannot hold, not even escaped: controls but for tabs and line ends,
+/// halves of surrogate pairs, U+FFFE and U+FFFF.
+QString xmlText(const QString &text);
+
 /// An EXIF text that begins with eight bytes of character code ("ASCII", "UNICODE", "JIS" or NULs), such as
 /// the user comment. Trailing blanks and NULs are left out.
 /// @param fileIsBigEndian  decides for Unicode text that has no byte-order mark and looks the same both ways

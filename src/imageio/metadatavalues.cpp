@@ -4,6 +4,8 @@
 
 #include "imageio/metadatatext.h"
 
+#include <QRegularExpression>
+
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -93,6 +95,35 @@ ExifText timeOfDayText(const QVariant &value)
                       : ExifText{};
 }
 
+/// "2010-08-13T21:00:01" for "2010:08:13 21:00:01". A camera whose clock was never set writes zeros or
+/// blanks.
+QStringList isoDateTime(QString text)
+{
+    static const QRegularExpression form(
+        QStringLiteral("^[0-9]{4}:[0-9]{2}:[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}$"));
+    static const QRegularExpression isoForm(
+        QStringLiteral("^[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}(Z|[+-][0-9]{2}:[0-9]{2})?$"));
+    if (isoForm.match(text).hasMatch()) // as some programs write it into EXIF
+        return {text};
+    if (!form.match(text).hasMatch() || text.startsWith(u"0000"))
+        return {};
+    text[4] = text[7] = u'-';
+    text[10] = u'T';
+    return {text};
+}
+
+/// "1998-04-03" for "19980403". IIM says by zeros which parts of a date are unknown, XMP leaves them out.
+QStringList isoDate(const QString &text)
+{
+    static const QRegularExpression form(QStringLiteral("^([0-9]{4})([0-9]{2})([0-9]{2})$"));
+    const QStringList parts = form.match(text).capturedTexts();
+    if (parts.isEmpty() || parts[1] == u"0000")
+        return {};
+    if (parts[2] == u"00")
+        return {parts[1]};
+    return {parts[1] + u'-' + parts[2] + (parts[3] == u"00" ? QString() : u'-' + parts[3])};
+}
+
 } // namespace
 
 QString rationalText(double number)
@@ -135,7 +166,8 @@ ExifText exifText(MetadataKind kind, const QVariant &value, Exiv2::TypeId type, 
     case MetadataKind::Copyright:
         return {Exiv2::asciiString, propertyTexts(value).join(QStringLiteral("; ")).toStdString(), false};
     case MetadataKind::Comment:
-        return {Exiv2::undefined, encodedComment(value.toString(), bigEndian).toStdString(), true};
+        return {Exiv2::undefined, encodedComment(propertyTexts(value).value(0), bigEndian).toStdString(),
+                true};
     case MetadataKind::Integer:
     case MetadataKind::IntegerList:
     case MetadataKind::Number:
@@ -159,19 +191,10 @@ QStringList xmpTexts(MetadataKind kind, const QVariant &value)
     case MetadataKind::Copyright:
     case MetadataKind::Comment:
         return propertyTexts(value);
-    case MetadataKind::DateTime: {
-        QString text = value.toString();
-        if (text.size() != 19)
-            return {};
-        text[4] = text[7] = u'-';
-        text[10] = u'T';
-        return {text};
-    }
-    case MetadataKind::IptcDate: {
-        const QString text = value.toString();
-        return text.size() == 8 ? QStringList(text.left(4) + u'-' + text.mid(4, 2) + u'-' + text.mid(6))
-                                : QStringList();
-    }
+    case MetadataKind::DateTime:
+        return isoDateTime(value.toString());
+    case MetadataKind::IptcDate:
+        return isoDate(value.toString());
     case MetadataKind::Integer:
     case MetadataKind::IntegerList: {
         QStringList texts;
@@ -199,8 +222,8 @@ QStringList propertyTexts(const QVariant &value)
 {
     QStringList texts;
     for (const QVariant &item : itemsOf(value)) {
-        if (item.isValid())
-            texts += item.toString();
+        if (item.isValid()) // a NUL would be the end of the text for its readers
+            texts += item.toString().remove(QChar::Null);
     }
     return texts;
 }

@@ -24,11 +24,13 @@ struct PictureHeader {
     std::array<int, 4> sampleBits = {}; ///< of red, green, blue and alpha, where Qt fills up what lacks to 8
                                         ///< with zeros; 0: nothing to mend
     QSize size;                         ///< where the file may claim more than Qt is willing to speak of
+    bool endsEarly = false;             ///< the file is cut where Qt would not notice
 };
 
 /// Each takes a device of random access at the start of the file, leaves its position anywhere, and gives
 /// what could be read: damage is left to the decoder to find.
 PictureHeader readWebpHeader(QIODevice &device);
 PictureHeader readBmpHeader(QIODevice &device);
+PictureHeader readXbmHeader(QIODevice &device);
 
 } // namespace plexa

@@ -30,24 +30,35 @@ constexpr int kSkippedChunkCount = sizeof(kSkippedChunks) / 5;
 constexpr png_byte kLesserColors[] = {"sRGB\0gAMA\0cHRM"};
 constexpr int kLesserColorCount = sizeof(kLesserColors) / 5;
 
-/// Is there a profile in front of the picture's data? Leaves the device where it was.
-bool hasProfileChunk(QIODevice &device)
+/// What libpng does not say of the chunks in front of the picture's data, or too late.
+struct EarlyChunks {
+    bool hasProfile = false;
+    quint32 frames = 1; ///< of an animation (APNG)
+};
+
+/// Leaves the device where it was.
+EarlyChunks readEarlyChunks(QIODevice &device)
 {
     constexpr int kMaxChunks = 1000;
     const qint64 start = device.pos();
-    bool isFound = false;
+    EarlyChunks found;
     device.seek(start + 8);
-    for (int i = 0; i < kMaxChunks && !isFound; ++i) {
-        const QByteArray head = device.read(8);
-        if (head.size() < 8 || head.endsWith("IDAT"))
+    for (int i = 0; i < kMaxChunks; ++i) {
+        const QByteArray head = device.read(12);
+        if (head.size() < 12)
             break;
-        isFound = head.endsWith("iCCP");
-        const qint64 next = device.pos() + qFromBigEndian<quint32>(head.constData()) + 4;
+        const QByteArray type = head.mid(4, 4);
+        if (type == "IDAT")
+            break;
+        found.hasProfile = found.hasProfile || type == "iCCP";
+        if (type == "acTL")
+            found.frames = qFromBigEndian<quint32>(head.constData() + 8);
+        const qint64 next = device.pos() + qFromBigEndian<quint32>(head.constData());
         if (next > device.size() || !device.seek(next))
             break;
     }
     device.seek(start);
-    return isFound;
+    return found;
 }
 
 /// What a chunk other than the picture may take when it is unpacked. Colour profiles of printers have
@@ -100,7 +111,7 @@ class PngDecoder
 public:
     explicit PngDecoder(QIODevice &device)
         : m_source{&device, false, false}
-        , m_hasProfile(hasProfileChunk(device))
+        , m_early(readEarlyChunks(device))
     {
     }
 
@@ -124,7 +135,7 @@ public:
         png_set_chunk_malloc_max(m_png, kMaxChunkBytes);
         png_set_keep_unknown_chunks(m_png, PNG_HANDLE_CHUNK_NEVER, nullptr, 0);
         png_set_keep_unknown_chunks(m_png, PNG_HANDLE_CHUNK_NEVER, kSkippedChunks, kSkippedChunkCount);
-        if (m_hasProfile)
+        if (m_early.hasProfile)
             png_set_keep_unknown_chunks(m_png, PNG_HANDLE_CHUNK_NEVER, kLesserColors, kLesserColorCount);
         png_read_info(m_png, m_info);
         png_get_IHDR(m_png, m_info, &m_header.width, &m_header.height, &m_header.depth, &m_header.colorType,
@@ -181,6 +192,7 @@ public:
     }
 
     const Header &header() const { return m_header; }
+    quint32 frames() const { return m_early.frames; }
     const Source &source() const { return m_source; }
 
 private:
@@ -203,7 +215,7 @@ private:
 
     PngErrors m_errors;
     Source m_source;
-    const bool m_hasProfile;
+    const EarlyChunks m_early;
     png_structp m_png = nullptr;
     png_infop m_info = nullptr;
     Header m_header = {};
@@ -418,6 +430,8 @@ Result<PictureInfo> PngCodec::readInfo(QIODevice &device, const ReadLimits &limi
         (header.colorType & PNG_COLOR_MASK_COLOR) != 0 ? QStringLiteral("RGB") : QStringLiteral("Gray");
     info.iccProfile = iccOf(header);
     info.formatProperties.insert(kCGImagePropertyPNGDictionary, propertiesOf(header));
+    if (decoder.frames() > 1)
+        info.unmarkedPictures.append(QStringLiteral("animation"));
     if (decoder.isInterlaced()) {
         // The whole picture, whose first row is done with the last pass only.
         PixelLayout layout = PixelLayout::Rgb32;

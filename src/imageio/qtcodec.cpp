@@ -231,11 +231,12 @@ QString reasonOf(const QImageReader &reader, const QIODevice &device)
 } // namespace
 
 QtCodec::QtCodec(const char *qtFormat, PictureHeader (*readHeader)(QIODevice &), int pluginBytesPerPixel,
-                 Choice choice)
+                 Choice choice, EndWatch::Manner manner)
     : m_qtFormat(qtFormat)
     , m_readHeader(readHeader)
     , m_pluginBytesPerPixel(pluginBytesPerPixel)
     , m_choice(choice)
+    , m_manner(manner)
 {
 }
 
@@ -247,6 +248,8 @@ bool QtCodec::isAvailable() const
 Result<PictureInfo> QtCodec::readInfo(QIODevice &device, const ReadLimits &limits) const
 {
     const PictureHeader header = m_readHeader ? m_readHeader(device) : PictureHeader();
+    if (header.endsEarly)
+        return fail(ReadFailures::endsEarly());
     QImageReader reader;
     if (const auto prepared = prepare(reader, device, m_qtFormat, m_choice, header.size, limits); !prepared)
         return tl::unexpected(prepared.error());
@@ -267,6 +270,9 @@ Result<PictureInfo> QtCodec::readInfo(QIODevice &device, const ReadLimits &limit
     // Last, because counting moves within the file.
     if (device.seek(0))
         info.imageCount = qMax(1, reader.imageCount());
+    if (info.imageCount > 1)
+        info.unmarkedPictures.append(m_choice == Choice::Largest ? QStringLiteral("other sizes")
+                                                                 : QStringLiteral("animation"));
     info.dpiWidth = header.dpiWidth;
     info.dpiHeight = header.dpiHeight;
     info.decoderBytes = decodingBytes(info.rows.size, format, header.iccProfile, m_pluginBytesPerPixel);
@@ -278,12 +284,20 @@ Result<std::unique_ptr<RowReader>> QtCodec::openReader(QIODevice &device, const 
     if (!device.seek(0))
         return fail(ReadFailures::readError(device));
     const PictureHeader header = m_readHeader ? m_readHeader(device) : PictureHeader();
+    if (header.endsEarly)
+        return fail(ReadFailures::endsEarly());
+    // Most plugins give a picture whose data end early as if it were whole.
+    EndWatch watch(device, 0, m_manner);
     QImageReader reader;
-    if (const auto prepared = prepare(reader, device, m_qtFormat, m_choice, header.size, limits); !prepared)
+    if (const auto prepared = prepare(reader, watch, m_qtFormat, m_choice, header.size, limits); !prepared)
         return tl::unexpected(prepared.error());
     const bool hasAlpha = announcesAlpha(reader, header);
     QImage image = clearedPicture(reader);
-    if (!reader.read(&image))
+    watch.restart(); // a plugin may look for the kind of file in more bytes than a small one has
+    const bool isRead = reader.read(&image);
+    if (watch.hasEndedEarly())
+        return fail(ReadFailures::endsEarly());
+    if (!isRead)
         return fail(reasonOf(reader, device));
     if (const auto checked = ReadFailures::checkSize(image.size(), limits); !checked)
         return tl::unexpected(checked.error());

@@ -2,7 +2,7 @@
 
 #include "imageio/rawformats.h"
 
-#include <QtEndian>
+#include "imageio/tiffpictures.h"
 
 #include <algorithm>
 
@@ -80,114 +80,6 @@ QList<ImageFormat> formatsOf(const std::vector<Row> &rows, const Codec &codec)
     return formats;
 }
 
-/// What the directories of a TIFF file say of it being a camera's raw file.
-struct TiffEvidence {
-    bool isTiff = false;
-    bool isDng = false;
-    bool hasRawPicture = false; ///< samples of a sensor
-    bool beginsReduced = false; ///< the first picture is a small one of another
-    bool hasMake = false;
-};
-
-/// Reads directories of TIFF files: only what tells a camera's raw file.
-class TiffDirectories
-{
-public:
-    TiffDirectories(QIODevice &device, bool isLittle)
-        : m_device(device)
-        , m_isLittle(isLittle)
-    {
-    }
-
-    TiffEvidence evidence()
-    {
-        TiffEvidence found;
-        found.isTiff = true;
-        std::vector<quint32> inner;
-        readDirectory(number32(bytesAt(4, 4), 0), found, &inner);
-        for (const quint32 offset : inner)
-            readDirectory(offset, found, nullptr);
-        return found;
-    }
-
-private:
-    static constexpr int kEntryBytes = 12;
-    static constexpr quint32 kMaxInnerDirectories = 16;
-
-    QByteArray bytesAt(qint64 position, qint64 count)
-    {
-        return m_device.seek(position) ? m_device.read(count) : QByteArray();
-    }
-
-    quint16 number16(const QByteArray &bytes, qsizetype at) const
-    {
-        if (bytes.size() < at + 2)
-            return 0;
-        const char *data = bytes.constData() + at;
-        return m_isLittle ? qFromLittleEndian<quint16>(data) : qFromBigEndian<quint16>(data);
-    }
-
-    quint32 number32(const QByteArray &bytes, qsizetype at) const
-    {
-        if (bytes.size() < at + 4)
-            return 0;
-        const char *data = bytes.constData() + at;
-        return m_isLittle ? qFromLittleEndian<quint32>(data) : qFromBigEndian<quint32>(data);
-    }
-
-    /// @param inner  takes the places of the directories inside; null: they are passed over
-    void readDirectory(quint32 offset, TiffEvidence &found, std::vector<quint32> *inner)
-    {
-        const int count = number16(bytesAt(offset, 2), 0);
-        const QByteArray entries = bytesAt(qint64(offset) + 2, qint64(count) * kEntryBytes);
-        for (qsizetype at = 0; at + kEntryBytes <= entries.size(); at += kEntryBytes) {
-            // Numbers of two and of four bytes are told apart by their type.
-            const bool isShort = number16(entries, at + 2) == 3;
-            const quint32 value = isShort ? number16(entries, at + 8) : number32(entries, at + 8);
-            switch (number16(entries, at)) {
-            case 0x00FE: // kind of picture
-                found.beginsReduced = found.beginsReduced || (inner && (value & 1) != 0);
-                break;
-            case 0x0106: // colour model: a filter array, or a sensor's linear samples
-                found.hasRawPicture = found.hasRawPicture || value == 32803 || value == 34892;
-                break;
-            case 0x010F:
-                found.hasMake = true;
-                break;
-            case 0x014A:
-                if (inner)
-                    *inner = numbersOf(entries, at);
-                break;
-            case 0xC612:
-                found.isDng = true;
-                break;
-            default:
-                break;
-            }
-        }
-    }
-
-    std::vector<quint32> numbersOf(const QByteArray &entries, qsizetype at)
-    {
-        const quint32 count = qMin(number32(entries, at + 4), kMaxInnerDirectories);
-        if (count <= 1)
-            return {number32(entries, at + 8)};
-        const QByteArray bytes = bytesAt(number32(entries, at + 8), qint64(count) * 4);
-        std::vector<quint32> numbers;
-        for (qsizetype i = 0; i + 4 <= bytes.size(); i += 4)
-            numbers.push_back(number32(bytes, i));
-        return numbers;
-    }
-
-    QIODevice &m_device;
-    const bool m_isLittle;
-};
-
-TiffEvidence evidenceOf(QIODevice &device, QByteArrayView head)
-{
-    return isClassicTiff(head) ? TiffDirectories(device, head.startsWith("II")).evidence() : TiffEvidence();
-}
-
 bool isRaw(const ImageFormat *format)
 {
     static const Codec *const rawCodec = imageFormatOfType(QStringLiteral("image/x-dcraw"))->codec;
@@ -245,18 +137,24 @@ QList<const ImageFormat *> formatsToTry(QIODevice &device, QByteArrayView head, 
     const bool isRawByName = isRaw(ofName) && ofName->matches(head);
     if (isRaw(ofContents)) // several makers may share a signature
         return {isRawByName && !isClassicTiff(head) ? ofName : ofContents};
-    const TiffEvidence evidence = evidenceOf(device, head);
-    if (!evidence.isTiff)
+    const TiffPictures pictures = isClassicTiff(head) ? readTiffPictures(device) : TiffPictures();
+    if (!pictures.isTiff)
         return {ofContents};
-    if (evidence.isDng)
+    if (pictures.isDng)
         return {imageFormatOfType(QStringLiteral("image/x-adobe-dng"))};
     const ImageFormat *raw = isRawByName ? ofName : imageFormatOfType(QStringLiteral("image/x-dcraw"));
-    if (evidence.hasRawPicture || evidence.beginsReduced)
+    if (pictures.hasRawPicture)
         return {raw};
+    if (pictures.beginsReduced && (pictures.hasMake || isRawByName)) {
+        // What a camera keeps beside its preview may lie behind the end of a cut file, or be of its own kind.
+        if (pictures.lacksInnerPictures || (pictures.hasInnerPictures && isRawByName))
+            return {raw};
+        return pictures.hasInnerPictures || isRawByName ? QList{raw, ofContents} : QList{ofContents};
+    }
     if (!isRawByName)
         return {ofContents};
     // Cameras write their name; without it a TIFF file is likelier to have got a wrong name.
-    return evidence.hasMake ? QList{raw, ofContents} : QList{ofContents, raw};
+    return pictures.hasMake ? QList{raw, ofContents} : QList{ofContents, raw};
 }
 
 } // namespace plexa

@@ -27,9 +27,10 @@ std::optional<TiffOrder> orderOfTiff(QByteArrayView structure);
 struct TiffField {
     quint16 type = 0;
     quint32 count = 0;
-    QByteArray value; ///< four bytes as they lie in the directory: the value, or where it lies
+    QByteArray value; ///< four bytes (eight in a BigTIFF) as they lie in the directory: the value, or where
+                      ///< it lies
 
-    /// The bytes of the value; more than four of them stand elsewhere. 0: unknown type.
+    /// The bytes of the value; more than these stand elsewhere. 0: unknown type.
     quint64 valueBytes() const;
 
     /// Where the value stands when it has more than four bytes, or what a pointer points to.

@@ -9,16 +9,12 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
-#include <set>
 
 namespace plexa
 {
 
 namespace
 {
-
-/// More pictures than that are counted as that many: a crafted chain of directories costs time.
-constexpr int kMaxPictures = 10'000;
 
 /// Profiles of printers have a few megabytes.
 constexpr quint32 kMaxProfileBytes = 32'000'000;
@@ -47,18 +43,6 @@ int channelsOf(TiffFacts::Kind kind)
     default:
         return 3;
     }
-}
-
-/// An unsigned number of 2, 4 or 8 bytes; 0 where the file ends.
-quint64 numberAt(QIODevice &device, quint64 position, int bytes, bool isLittle)
-{
-    if (position > quint64(device.size()) || !device.seek(qint64(position)))
-        return 0;
-    const QByteArray read = device.read(bytes);
-    quint64 number = 0;
-    for (int i = 0; i < bytes && read.size() == bytes; ++i)
-        number = number << 8 | uchar(read[isLittle ? bytes - 1 - i : i]);
-    return number;
 }
 
 } // namespace
@@ -155,10 +139,9 @@ bool TiffFile::isCameraRaw()
 {
     const quint16 photometric = fieldOf<quint16>(m_tiff, TIFFTAG_PHOTOMETRIC, 0);
     quint8 *version = nullptr;
-    return (fieldOf<quint32>(m_tiff, TIFFTAG_SUBFILETYPE, 0) & FILETYPE_REDUCEDIMAGE) != 0 ||
-           photometric == PHOTOMETRIC_CFA || photometric == kLinearRaw ||
+    return photometric == PHOTOMETRIC_CFA || photometric == kLinearRaw ||
            TIFFGetField(m_tiff, TIFFTAG_DNGVERSION, &version) != 0 ||
-           numberAt(m_device, 8, 2, false) == quint64('C' << 8 | 'R');
+           (m_device.seek(8) && m_device.read(2) == "CR");
 }
 
 Result<void> TiffFile::readLayout()
@@ -305,25 +288,6 @@ void TiffFile::readResolution()
         return;
     m_facts.dpiWidth = horizontal * perInch;
     m_facts.dpiHeight = vertical * perInch;
-}
-
-int TiffFile::countPictures() const
-{
-    const bool isLittle = numberAt(m_device, 0, 2, true) == quint64('I' << 8 | 'I');
-    const bool isBig = numberAt(m_device, 2, 2, isLittle) == 43;
-    const int offsetBytes = isBig ? 8 : 4;
-    std::set<quint64> seen;
-    quint64 position = numberAt(m_device, isBig ? 8 : 4, offsetBytes, isLittle);
-    while (position != 0 && int(seen.size()) < kMaxPictures && seen.insert(position).second) {
-        const quint64 fields = numberAt(m_device, position, isBig ? 8 : 2, isLittle);
-        if (fields == 0 || fields > 65535) {
-            seen.erase(position);
-            break;
-        }
-        position += isBig ? 8 + fields * 20 : 2 + fields * 12;
-        position = numberAt(m_device, position, offsetBytes, isLittle);
-    }
-    return qMax(1, int(seen.size()));
 }
 
 } // namespace plexa

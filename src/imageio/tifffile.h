@@ -60,9 +60,6 @@ public:
     TIFF *handle() const { return m_tiff; }
     qint64 fileBytes() const { return m_device.size(); }
 
-    /// The pictures of the file, a large number of them not counted to the end. Moves the device only.
-    int countPictures() const;
-
     /// Has libtiff met damage that it may have passed over?
     bool isDamaged() const { return m_isDamaged; }
 

@@ -4,7 +4,7 @@
 
 #include "imageio/imageresources.h"
 #include "imageio/metadatablocks.h"
-#include "imageio/tiffdirectory.h"
+#include "imageio/tiffdirectoryreader.h"
 
 #include <algorithm>
 
@@ -18,30 +18,6 @@ constexpr quint16 kIptc = 33723;
 constexpr quint16 kImageResources = 34377;
 constexpr char kDataSetMarker = '\x1C';
 
-QByteArray bytesAt(QIODevice &device, quint32 at, qint64 count)
-{
-    return device.seek(at) ? device.read(count) : QByteArray();
-}
-
-/// The fields of the first directory.
-TiffFields mainFields(QIODevice &device, quint32 at, TiffOrder order)
-{
-    const QByteArray count = bytesAt(device, at, 2);
-    if (count.size() < 2)
-        return {};
-    const auto fields = qsizetype(tiffNumberAt(count.constData(), 2, order));
-    return readTiffFields(bytesAt(device, at, tiffDirectoryBytes(fields)), 0, order).value_or(TiffFields());
-}
-
-QByteArray valueOf(QIODevice &device, const TiffField &field, TiffOrder order)
-{
-    const quint64 bytes = field.valueBytes();
-    if (bytes <= 4 || bytes > quint64(kMaxMetadataBytes))
-        return {};
-    const QByteArray value = bytesAt(device, field.offset(order), qint64(bytes));
-    return quint64(value.size()) == bytes ? value : QByteArray();
-}
-
 /// Turns each group of four bytes around.
 void reverseWords(QByteArray &bytes)
 {
@@ -53,17 +29,16 @@ void reverseWords(QByteArray &bytes)
 
 QByteArray iptcOfTiff(QIODevice &device)
 {
-    const QByteArray header = bytesAt(device, 0, 8);
-    const auto order = orderOfTiff(header);
-    if (!order)
+    const TiffDirectoryReader reader(device);
+    const auto directory = reader.read(reader.first());
+    if (!directory)
         return {};
-    const TiffFields fields = mainFields(device, tiffNumberAt(header.constData() + 4, 4, *order), *order);
-    QByteArray records = valueOf(device, fields.value(kIptc), *order);
+    QByteArray records = reader.value(directory->fields.value(kIptc), kMaxMetadataBytes);
     if (!records.startsWith(kDataSetMarker) && records.size() >= 4 && records[3] == kDataSetMarker)
         reverseWords(records);
     if (records.startsWith(kDataSetMarker))
         return records;
-    return iptcOfImageResources(valueOf(device, fields.value(kImageResources), *order));
+    return iptcOfImageResources(reader.value(directory->fields.value(kImageResources), kMaxMetadataBytes));
 }
 
 } // namespace plexa

@@ -5,7 +5,10 @@
 #include "imageio/tiffblocks.h"
 #include "imageio/tiffcodec.h"
 #include "imageio/tifffile.h"
+#include "imageio/tiffpictures.h"
+#include "raster/pixelformat.h"
 
+#include <limits>
 #include <new>
 #include <optional>
 #include <vector>
@@ -20,12 +23,6 @@ using Kind = TiffFacts::Kind;
 
 /// A reader that holds no more than that needs no memory reserved.
 constexpr qint64 kStreamedBytes = 1024 * 1024;
-
-/// 16 bits to 8, rounded.
-int byteOf(int deep)
-{
-    return (deep + 128) / 257;
-}
 
 /// Turns rows of samples into rows of 8-bit sRGB.
 class TiffColors
@@ -101,7 +98,8 @@ private:
             words[4 * i] = quint16(red[i] * factor);
             words[4 * i + 1] = quint16(green[i] * factor);
             words[4 * i + 2] = quint16(blue[i] * factor);
-            m_table[i] = qRgb(byteOf(words[4 * i]), byteOf(words[4 * i + 1]), byteOf(words[4 * i + 2]));
+            m_table[i] =
+                qRgb(byteOfWord(words[4 * i]), byteOfWord(words[4 * i + 1]), byteOfWord(words[4 * i + 2]));
         }
         if (const auto transform = ColorTransform::toSrgb(m_facts.iccProfile, PixelLayout::Rgba64))
             transform->convert(words.data(), m_table.data(), qsizetype(count));
@@ -201,8 +199,8 @@ private:
         const int step = m_isGrayProfile ? 2 : 4;
         word = m_words.data();
         for (int x = 0; x < width; ++x, word += step) {
-            out[x] = m_isGrayProfile ? qRgb(byteOf(word[0]), byteOf(word[0]), byteOf(word[0]))
-                                     : qRgb(byteOf(word[0]), byteOf(word[1]), byteOf(word[2]));
+            out[x] = m_isGrayProfile ? qRgb(byteOfWord(word[0]), byteOfWord(word[0]), byteOfWord(word[0]))
+                                     : qRgb(byteOfWord(word[0]), byteOfWord(word[1]), byteOfWord(word[2]));
         }
     }
 
@@ -228,7 +226,7 @@ private:
     {
         samples += m_facts.alphaSample;
         for (int x = 0; x < m_facts.size.width(); ++x, samples += m_facts.samples) {
-            const int alpha = m_isDeep ? byteOf(*samples) : scaled(*samples);
+            const int alpha = m_isDeep ? byteOfWord(*samples) : scaled(*samples);
             out[x] = qPremultiply((out[x] & 0x00ffffff) | QRgb(alpha) << 24);
         }
     }
@@ -241,6 +239,15 @@ private:
     std::vector<QRgb> m_table;    ///< the colours of all values, of small samples
     std::vector<quint16> m_words; ///< a row as the transform takes it
 };
+
+/// What reading takes: blocks, and a row on its way through the colours.
+qint64 bytesToRead(const TiffBlocks &blocks, const TiffFacts &facts)
+{
+    constexpr qint64 kWordsOfAPixel = 4;
+    const qint64 row = facts.size.width() * kWordsOfAPixel * qint64(sizeof(quint16));
+    const qint64 bytes = blocks.bytesNeeded();
+    return bytes > std::numeric_limits<qint64>::max() - row ? bytes : bytes + row;
+}
 
 class TiffRowReader final : public RowReader
 {
@@ -260,7 +267,7 @@ public:
         m_blocks.emplace(m_file);
         if (!m_blocks->isConsistent())
             return fail(ReadFailures::damaged());
-        const qint64 bytes = m_blocks->bytesNeeded();
+        const qint64 bytes = bytesToRead(*m_blocks, facts);
         if (bytes > m_limits.maxBytes)
             return fail(ReadFailures::tooMuchMemory(facts.size, bytes, m_limits));
         try {
@@ -324,14 +331,17 @@ Result<PictureInfo> TiffCodec::readInfo(QIODevice &device, const ReadLimits &lim
     const TiffFacts &facts = file.facts();
     PictureInfo info;
     info.rows = {facts.size, facts.alphaSample >= 0};
-    info.imageCount = file.countPictures();
+    const TiffPictures pictures = readTiffPictures(device);
+    info.imageCount = qMax(1, pictures.count);
+    if (pictures.hasFurtherPages)
+        info.unmarkedPictures.append(QStringLiteral("further pages"));
     info.depth = facts.depth;
     info.colorModel = facts.colorModel;
     info.iccProfile = facts.iccProfile;
     info.dpiWidth = facts.dpiWidth;
     info.dpiHeight = facts.dpiHeight;
     // Planes and tiles are gathered; a few rows of them cost no more than the strip they go into.
-    const qint64 bytes = TiffBlocks(file).bytesNeeded();
+    const qint64 bytes = bytesToRead(TiffBlocks(file), facts);
     info.decoderBytes = bytes > kStreamedBytes ? bytes : 0;
     return info;
 }

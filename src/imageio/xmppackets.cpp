@@ -164,6 +164,21 @@ void restoreTexts(Exiv2::XmpData &xmp)
     }
 }
 
+void removeBreaksOfAliases(Exiv2::XmpData &xmp)
+{
+    for (Exiv2::Xmpdatum &datum : xmp) {
+        const auto *texts = dynamic_cast<const Exiv2::LangAltValue *>(&datum.value());
+        if (!texts || datum.groupName() != "dc")
+            continue;
+        Exiv2::LangAltValue changed = *texts;
+        for (auto &[language, text] : changed.value_) {
+            if (text.compare(0, 2, "\n\n") == 0)
+                text.erase(0, 2);
+        }
+        datum.setValue(&changed);
+    }
+}
+
 Exiv2::XmpTextValue plainXmpText(const std::string &text)
 {
     Exiv2::XmpTextValue value;

@@ -19,6 +19,10 @@ std::string packetForLibrary(const std::string &packet);
 /// Takes back from decoded properties what packetForLibrary() put into texts.
 void restoreTexts(Exiv2::XmpData &xmp);
 
+/// The library takes some old names for a home of Dublin Core (xmpDM:copyright for dc:rights) and puts two
+/// line ends in front of their texts, as if something stood before them. Takes these away.
+void removeBreaksOfAliases(Exiv2::XmpData &xmp);
+
 /// A simple XMP value with just this text; the library's own reading looks for commands in it.
 Exiv2::XmpTextValue plainXmpText(const std::string &text);
 

@@ -117,7 +117,14 @@ QString ImageObject::readPath() const
 bool ImageObject::isLoaded() const
 {
     const std::lock_guard lock(m_stateLock);
-    return m_imageHasBeenLoaded && m_hasImage;
+    return m_hasImage && !m_originalThumbnail.isNull();
+}
+
+/// Was the photo found readable, and not released since?
+bool ImageObject::hasImage() const
+{
+    const std::lock_guard lock(m_stateLock);
+    return m_hasImage;
 }
 
 bool ImageObject::imageHasBeenLoaded() const
@@ -176,32 +183,44 @@ bool ImageObject::loadUnder(std::unique_lock<std::mutex> processing)
     return loaded.has_value();
 }
 
-/// Called with the processing lock held.
+/// Called with the processing lock held. Where only the thumbnail is missing, turns and metadata stay.
 Result<void> ImageObject::load(bool &hasNewMetadata)
 {
     const std::lock_guard pixels(m_pixelLock);
     const Result<ImageSource> source = ImageSource::open(readPath(), m_services.limits);
     if (!source)
         return tl::unexpected(source.error());
-    const ImageMetadata metadata(source->properties());
+    Uprighting uprighting;
     {
         const std::lock_guard lock(m_stateLock);
-        m_metadata = metadata;
+        uprighting = m_uprighting;
+        hasNewMetadata = !m_hasImage || uprighting.stored != source->info().rows.size;
     }
-    hasNewMetadata = true;
+    if (hasNewMetadata) {
+        const ImageMetadata metadata(source->properties());
+        uprighting = uprightingOf(source->info().rows.size, metadata, 1, m_services.limits);
+        m_services.cache.remove(m_key);
+        const std::lock_guard lock(m_stateLock);
+        m_metadata = metadata;
+        m_hasImage = false;
+    }
 
-    const Uprighting uprighting = uprightingOf(source->info().rows.size, metadata, 1, m_services.limits);
-    const Result<QImage> picture = readUprightWithin(m_services.budget, *source, uprighting, kThumbnailSide);
+    Result<QImage> picture = m_services.cache.find(m_key);
+    if (picture->isNull())
+        picture = readUprightWithin(m_services.budget, *source, uprighting, kThumbnailSide);
     if (!picture)
         return tl::unexpected(picture.error());
     const QImage thumbnail = createImageScaledToMaxSize(*picture, kThumbnailSide, true);
+    if (thumbnail.isNull())
+        return fail(outOfMemoryText());
     // A format that cannot be decoded smaller has just given the whole photo.
     if (picture->size() == uprighting.size())
         m_services.cache.insert(m_key, *picture);
 
     const std::lock_guard lock(m_stateLock);
     m_uprighting = uprighting;
-    m_turns = 1;
+    if (hasNewMetadata)
+        m_turns = 1;
     m_originalThumbnail = thumbnail;
     m_imageHasBeenLoaded = true;
     m_hasImage = true;
@@ -210,7 +229,7 @@ Result<void> ImageObject::load(bool &hasNewMetadata)
 
 Result<PhotoFacts> ImageObject::readFacts() const
 {
-    if (isLoaded())
+    if (hasImage())
         return facts();
     try {
         const Result<ImageSource> source = ImageSource::open(readPath(), m_services.limits);
@@ -237,7 +256,7 @@ QImage ImageObject::originalCGImage()
 
 ImageObject::Snapshot ImageObject::snapshot(Pixels pixels)
 {
-    if (pixels == Pixels::Needed)
+    if (pixels == Pixels::Needed && !hasImage())
         loadImageFromDisk();
     const std::lock_guard pixelLock(m_pixelLock);
     const QImage picture = pixels == Pixels::Needed ? decodedPixels() : QImage();
@@ -272,7 +291,7 @@ QImage ImageObject::decodedPixels()
 
 QSize ImageObject::originalImageSize()
 {
-    return loadImageFromDisk() ? pixelSize() : QSize(0, 0);
+    return hasImage() || loadImageFromDisk() ? pixelSize() : QSize(0, 0);
 }
 
 QString ImageObject::originalImageSizeAsString()
@@ -304,12 +323,23 @@ void ImageObject::setMetadata(const ImageMetadata &metadata)
 
 void ImageObject::releaseImagesData()
 {
+    const std::lock_guard processing(m_processingLock);
     const std::lock_guard pixels(m_pixelLock);
     m_services.cache.remove(m_key);
     const std::lock_guard lock(m_stateLock);
     m_originalThumbnail = {};
     m_hasImage = false;
     m_turns = 1;
+}
+
+void ImageObject::releaseThumbnail()
+{
+    const std::unique_lock processing(m_processingLock, std::try_to_lock);
+    const std::unique_lock pixels(m_pixelLock, std::try_to_lock);
+    if (!processing.owns_lock() || !pixels.owns_lock())
+        return;
+    const std::lock_guard lock(m_stateLock);
+    m_originalThumbnail = {};
 }
 
 bool ImageObject::transformOriginalImageWithOperation(int operation)

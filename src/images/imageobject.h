@@ -94,7 +94,8 @@ public:
     /// "WxH" in words: "4000 x 3000".
     QString originalImageSizeAsString();
 
-    /// At most 400 pixels on its longer side, mirrored top to bottom. Null until the photo is loaded.
+    /// At most 400 pixels on its longer side, mirrored top to bottom. Null until the photo is loaded, and
+    /// after releaseThumbnail().
     QImage thumbnail() const;
 
     /// None until the photo is loaded; a copy.
@@ -102,8 +103,12 @@ public:
     /// Takes over edited metadata, which copies will carry.
     void setMetadata(const ImageMetadata &metadata);
 
-    /// Forgets pixels, thumbnail and turns; the metadata stay.
+    /// Forgets pixels, thumbnail and turns; the metadata stay. Waits for who holds the processing lock.
     void releaseImagesData();
+
+    /// Forgets the thumbnail alone, until the photo is loaded the next time; nothing when somebody works on
+    /// the photo. For long lists, whose thumbnails would fill the memory.
+    void releaseThumbnail();
 
     /// The processing lock, for work that must not be done twice on one photo at a time.
     void lock() { m_processingLock.lock(); }
@@ -170,6 +175,7 @@ private:
     };
     enum class Pixels { Needed, NotNeeded };
 
+    bool hasImage() const;
     bool loadUnder(std::unique_lock<std::mutex> processing);
     Result<void> load(bool &hasNewMetadata);
     QImage decodedPixels();

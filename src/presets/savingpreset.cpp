@@ -22,8 +22,9 @@ constexpr double kWithTiffCompression = 1.099;
 constexpr double kWithCases = 1.299;
 constexpr double kWithFormatNames = 1.399;
 
-// Greater IDs, which only a damaged file has, are not counted on from: there would soon be no next one.
-constexpr qint64 kHighestCountedID = std::numeric_limits<qint64>::max() / 2;
+// Greater IDs, which only a damaged file has, are not counted on from: there would soon be no next one. Nor
+// will it ever be their turn, so no other preset gets them either.
+constexpr qint64 kHighestCountedID = std::numeric_limits<qint64>::max() - (qint64(1) << 32);
 
 void raiseTo(std::atomic<qint64> &highest, qint64 presetID)
 {

@@ -10,4 +10,10 @@ namespace plexa
 /// Has a pixel of this format more than 8 bits a component?
 bool hasDeepComponents(QImage::Format format);
 
+/// A component of 16 bits as one of 8, rounded.
+constexpr int byteOfWord(int word)
+{
+    return (word + 128) / 257;
+}
+
 } // namespace plexa

@@ -207,15 +207,24 @@ OutputNaming::Choice OutputNaming::choiceFor(const QString &path, ConflictCode &
     return choice;
 }
 
-std::optional<QString> OutputNaming::uniquePath(const QString &path) const
+std::optional<QString> OutputNaming::uniquePath(const QString &path)
 {
     const QString name = QFileInfo(path).fileName();
     const QDir folder(QFileInfo(path).path());
-    for (int number = 1; number <= kHighestNumber; ++number) {
-        const QString candidate = folder.filePath(
+    const auto numbered = [&](int number) {
+        return folder.filePath(
             fittingName(filenameOf(name), u'-' + QString::number(number), fileExtensionOf(name)));
-        if (!isTaken(candidate))
-            return candidate;
+    };
+    // Of thousands of copies that should have the same name, none looks through the numbers of all before it.
+    int number = m_lastNumbers.value(path);
+    if (number == 0 || !isTaken(numbered(number)))
+        number = 1;
+    for (; number <= kHighestNumber; ++number) {
+        const QString candidate = numbered(number);
+        if (isTaken(candidate))
+            continue;
+        m_lastNumbers.insert(path, number);
+        return candidate;
     }
     return std::nullopt;
 }

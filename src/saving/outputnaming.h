@@ -78,11 +78,12 @@ public:
 private:
     bool isTaken(const QString &path) const;
     Choice choiceFor(const QString &path, ConflictCode &code) const;
-    std::optional<QString> uniquePath(const QString &path) const;
+    std::optional<QString> uniquePath(const QString &path);
     Destination take(const QString &path, bool overwrites);
 
     OutputFolders m_folders;
     Alerts &m_alerts;
+    QHash<QString, int> m_lastNumbers; // of each path that was taken; on the thread that asks for names
     mutable std::mutex m_mutex;
     QHash<QString, int> m_beingWritten; // guarded
 };

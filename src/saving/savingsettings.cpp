@@ -2,15 +2,22 @@
 
 #include "saving/savingsettings.h"
 
+#include "platform/alerts.h"
 #include "platform/settings.h"
 #include "platform/userdefaults.h"
 #include "saving/savingrun.h"
+
+#include <QCoreApplication>
 
 namespace plexa
 {
 
 namespace
 {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(plexa::Saving)
+};
 
 void followCommonSettings(SavingRun &run, const UserDefaults &defaults)
 {
@@ -43,6 +50,18 @@ void followSettingsForCompanion(SavingRun &run, const UserDefaults &defaults, co
     run.defaultSavingPreset.imageFormat = QStringLiteral("TIFF");
     run.defaultSavingPreset.filenameTokens = {QStringLiteral("img"), QStringLiteral("sequence ####")};
     run.collectsSavedImagesInfo = true;
+}
+
+void completeFilenameTokens(SavingPresetValues &preset, Alerts &alerts)
+{
+    if (!preset.filenameTokens.isEmpty())
+        return;
+    preset.filenameTokens = {QStringLiteral("filename")};
+    Alert alert;
+    alert.style = Alert::Style::Warning;
+    alert.title = Texts::tr("Missing the filename specification!");
+    alert.text = Texts::tr("Will use the original filename.");
+    alerts.run(alert);
 }
 
 } // namespace plexa

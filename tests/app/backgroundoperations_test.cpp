@@ -5,6 +5,8 @@
 
 #include <QSignalSpy>
 
+#include <thread>
+
 using namespace plexa;
 using namespace plexa::test;
 
@@ -23,6 +25,8 @@ private Q_SLOTS:
     void turnsWhatIsFreeFirst();
     void stopsTurning();
     void turnsAllTheWaysThatExist();
+    void turnsWhatIsBeingReleased();
+    void keepsNoThumbnailsOfALongList();
     void pastesRelativePositions();
     void pastesTheCurrentPreset();
     void pastesOntoALockedPhoto();
@@ -191,6 +195,49 @@ void BackgroundOperationsTest::turnsAllTheWaysThatExist()
     QCOMPARE(photo(5).pixelSize(), QSize(30, 20));
 }
 
+/// A save releases photos of a long list while they are being turned: that must end.
+void BackgroundOperationsTest::turnsWhatIsBeingReleased()
+{
+    addPhotos(QList<QSize>(12, {30, 20}));
+    const ImageList images = *m_app->imageSet().images();
+    const std::jthread save([&images](const std::stop_token &stop) {
+        for (std::size_t i = 0; !stop.stop_requested(); ++i) {
+            images[i % images.size()]->releaseImagesData();
+            images[(i + 6) % images.size()]->releaseThumbnail();
+        }
+    });
+    for (int i = 0; i < 5; ++i) {
+        m_app->startBatchOperation(ImageTransform::RotateClockwise);
+        QTRY_VERIFY_WITH_TIMEOUT(!isRunning(), 30'000);
+    }
+}
+
+/// In Large Batch mode the memory does not depend on how many photos were turned or looked at. Back in Small
+/// Batch mode the thumbnails are made anew, and turns and edits are still there.
+void BackgroundOperationsTest::keepsNoThumbnailsOfALongList()
+{
+    addPhotos({{40, 20}, {42, 22}, {44, 24}});
+    ImageSet &set = m_app->imageSet();
+    m_app->startBatchOperation(ImageTransform::RotateClockwise);
+    QTRY_VERIFY(!isRunning());
+    for (const int index : {0, 1, 2}) {
+        set.selection().selectIndexes({index});
+        QTRY_VERIFY(set.shownImage() == (*set.images())[static_cast<std::size_t>(index)]);
+    }
+    QVERIFY(photo(0).thumbnail().isNull() && photo(1).thumbnail().isNull());
+    QCOMPARE(photo(2).thumbnail().size(), QSize(24, 44));
+    QCOMPARE(photo(0).pixelSize(), QSize(20, 40));
+    ImageMetadata edited = *photo(0).metadata();
+    edited.setIptcCreator(QStringLiteral("somebody"));
+    photo(0).setMetadata(edited);
+
+    set.setImageListModeToBrowser(true);
+    QTRY_VERIFY(!set.isImportingImages());
+    QCOMPARE(photo(0).thumbnail().size(), QSize(20, 40));
+    QCOMPARE(photo(0).originalCGImage().size(), QSize(20, 40));
+    QCOMPARE(photo(0).metadata()->iptcCreator().toString(), QStringLiteral("somebody"));
+}
+
 void BackgroundOperationsTest::pastesRelativePositions()
 {
     addPhotos({{1000, 500}, {2000, 1000}, {300, 400}});
@@ -220,6 +267,7 @@ void BackgroundOperationsTest::pastesRelativePositions()
     QCOMPARE(at(1, 1), QPointF(1000, -100));
     QCOMPARE(at(1, 2), std::nullopt); // what stood there is gone
     QCOMPARE(at(2, 0), QPointF(75, 80));
+    QVERIFY(!photo(2).imageHasBeenLoaded()); // its size needs no pixels
 
     m_app->resetManualPositioning(AppController::Presets::All);
     QCOMPARE(at(2, 0), std::nullopt);

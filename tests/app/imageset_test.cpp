@@ -31,6 +31,8 @@ private Q_SLOTS:
     void filters();
     void moves_data();
     void moves();
+    void removesFromALongList_data();
+    void removesFromALongList();
     void removes_data();
     void removes();
     void selectionCommands_data();
@@ -335,6 +337,38 @@ void ImageSetTest::removes()
     QCOMPARE(names(m_set->selectedImages()), shownImage);
     QVERIFY(!shown || shown->isLoaded());
     disconnect(m_set.get(), nullptr, this, nullptr);
+}
+
+void ImageSetTest::removesFromALongList_data()
+{
+    QTest::addColumn<QString>("filter");
+    QTest::newRow("all") << QString();
+    QTest::newRow("filtered") << QStringLiteral("photo");
+}
+
+/// Many groups of photos go at once: a view is not told of each of them.
+void ImageSetTest::removesFromALongList()
+{
+    QFETCH(QString, filter);
+    m_set->setImageListModeToBrowser(false);
+    for (int i = 0; i < 1000; ++i) {
+        m_set->addImage(QStringLiteral("/x/photo %1.jpg").arg(i), {});
+        m_set->addImage(QStringLiteral("/x/other %1.jpg").arg(i), {});
+    }
+    m_set->filterImages(filter);
+    const ImageList before = *m_set->imagesFiltered();
+    IndexList removed;
+    for (std::size_t i = 0; i < before.size(); i += 2)
+        removed.append(static_cast<int>(i));
+    m_set->selection().select(removed, ImageSelection::kNone);
+    const QSignalSpy removals(m_set.get(), &ImageSet::imagesRemoved);
+    const QSignalSpy resets(m_set.get(), &ImageSet::listReset);
+    m_set->removeSelectedImages();
+    QVERIFY(removals.isEmpty() && resets.size() == 1);
+    QCOMPARE(m_set->images()->size(), 2000U - static_cast<std::size_t>(removed.size()));
+    QCOMPARE(m_set->imagesFiltered()->size(), before.size() / 2);
+    for (std::size_t i = 0; i < before.size() / 2; ++i)
+        QVERIFY((*m_set->imagesFiltered())[i] == before[2 * i + 1]);
 }
 
 void ImageSetTest::selectionCommands_data()

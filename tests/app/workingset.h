@@ -118,15 +118,20 @@ public:
                          [this] { m_list.erase(m_list.begin() + m_first, m_list.begin() + m_last + 1); });
         QObject::connect(&set, &ImageSet::orderChanged, &m_context, reset);
         QObject::connect(&set, &ImageSet::listReset, &m_context, reset);
+        // Who hears of the selection finds the list as it is.
+        const auto check = [this] { m_isInStep = m_isInStep && m_list == *m_set.imagesFiltered(); };
+        QObject::connect(&set.selection(), &ImageSelection::selectionChanged, &m_context, check);
+        QObject::connect(&set.selection(), &ImageSelection::focusImageChanged, &m_context, check);
     }
 
-    bool isTrue() const { return m_list == *m_set.imagesFiltered(); }
+    bool isTrue() const { return m_isInStep && m_list == *m_set.imagesFiltered(); }
 
 private:
     ImageSet &m_set;
     ImageList m_list;
     int m_first = 0;
     int m_last = 0;
+    bool m_isInStep = true;
     QObject m_context;
 };
 

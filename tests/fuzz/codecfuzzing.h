@@ -6,23 +6,88 @@
 
 #include <QBuffer>
 
+#include <sanitizer/allocator_interface.h>
+
+#include <atomic>
+#include <cstdio>
 #include <cstdlib>
 
 namespace plexa::test
 {
 
+/// What is allocated in this process, by whomever, as the sanitizer sees it.
+class Allocations
+{
+public:
+    static Allocations &all()
+    {
+        static Allocations allocations;
+        return allocations;
+    }
+
+    /// Begins to look for the peak. @return the bytes that are allocated
+    qint64 restart()
+    {
+        m_peak = m_current.load();
+        return m_peak;
+    }
+
+    /// The most bytes since then.
+    qint64 peak() const { return m_peak; }
+
+private:
+    Allocations()
+    {
+        s_self = this;
+        __sanitizer_install_malloc_and_free_hooks(
+            [](const volatile void *, size_t bytes) { s_self.load()->add(qint64(bytes)); },
+            [](const volatile void *bytes) {
+                if (bytes)
+                    s_self.load()->add(-qint64(__sanitizer_get_allocated_size(const_cast<void *>(bytes))));
+            });
+    }
+
+    void add(qint64 bytes)
+    {
+        const qint64 now = m_current += bytes;
+        qint64 peak = m_peak;
+        while (now > peak && !m_peak.compare_exchange_weak(peak, now)) {
+        }
+    }
+
+    std::atomic<qint64> m_current = 0;
+    std::atomic<qint64> m_peak = 0;
+    static inline std::atomic<Allocations *> s_self = nullptr;
+};
+
+/// Stops the program where more was allocated than a codec had told.
+inline void checkTaken(qint64 taken, qint64 told, const char *when)
+{
+    // Tables of the libraries, profiles and the bytes of the file, which no codec tells.
+    constexpr qint64 kSpareBytes = 12'000'000;
+    if (taken <= told + told / 2 + kSpareBytes)
+        return;
+    std::fprintf(stderr, "%s: told %lld bytes, taken %lld\n", when, static_cast<long long>(told),
+                 static_cast<long long>(taken));
+    std::abort();
+}
+
 /// Decodes bytes through one codec, whole and at a reduced scale, within limits that keep a run quick. Stops
-/// the program where the codec breaks its own word.
+/// the program where the codec breaks its own word: on the rows, or on the memory.
 inline void decodeForFuzzing(const Codec &codec, const uint8_t *data, size_t size)
 {
     const ReadLimits limits = {2'000'000, 32'000'000};
     QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
     QBuffer device(&bytes);
     device.open(QIODevice::ReadOnly);
+    Allocations &allocations = Allocations::all();
+    qint64 before = allocations.restart();
     const auto info = codec.readInfo(device, limits);
+    checkTaken(allocations.peak() - before, info ? info->decoderBytes : 0, "facts");
     if (!info)
         return;
     for (const int reduction : {1, 8}) {
+        before = allocations.restart();
         const auto reader = codec.openReader(device, limits, reduction);
         if (!reader)
             continue;
@@ -30,10 +95,13 @@ inline void decodeForFuzzing(const Codec &codec, const uint8_t *data, size_t siz
         if (reduction == 1 && format != info->rows)
             std::abort();
         QImage strip(format.size.width(), 50, format.imageFormat());
+        const qint64 stripBytes = strip.sizeInBytes();
         for (int row = 0; row < format.size.height(); row += strip.height()) {
             if (!(*reader)->readRows(strip, qMin(strip.height(), format.size.height() - row)))
                 break;
         }
+        // Reduced rows are made of whole ones, of which a strip's worth is held.
+        checkTaken(allocations.peak() - before, info->decoderBytes + 9 * stripBytes, "rows");
     }
 }
 

@@ -88,6 +88,7 @@ private Q_SLOTS:
     void clearingsReachEveryPhoto();
     void clearedGpsLeavesNoPlaceInMakerNotes();
     void editsReachAllPlaces();
+    void falseRecordsAreMended();
     void editsLeaveMakerNotesSound_data();
     void editsLeaveMakerNotesSound();
     void regionsTurnWithThePicture_data();
@@ -358,6 +359,28 @@ void MetadataCopyTest::editsReachAllPlaces()
              expected.value(kCGImagePropertyIPTCDictionary));
 }
 
+/// A record that says it is UTF-8 and is not, with a date of zeros.
+void MetadataCopyTest::falseRecordsAreMended()
+{
+    const auto dataSet = [](char record, char number, const QByteArray &value) {
+        return QByteArray{"\x1C"} + record + number + '\0' + char(value.size()) + value;
+    };
+    EmbeddedMetadata::Encoded source;
+    source.iptc = dataSet(1, 90, "\x1B%G") + dataSet(2, 55, "00000000") + dataSet(2, 120, "Z\xFCrich");
+    const QString path = m_folder.path(u"false.jpg"_qs);
+    write(path, test::jpegWith(source));
+    const auto metadata = EmbeddedMetadata::read(path);
+    const QVariantMap edited = withValue(metadata->properties(), kCGImagePropertyIPTCDictionary,
+                                         kCGImagePropertyIPTCCity, u"Oslo"_qs);
+    const auto encoded = metadata->encodeForCopy(edited, {QSize(16, 16), 0});
+    QVERIFY(encoded.iptc.contains("Oslo") && encoded.iptc.contains("Z\xC3\xBCrich"));
+    QVERIFY(encoded.iptc.isValidUtf8());
+    EmbeddedMetadata::CopyFacts facts{QSize(16, 16), 0};
+    facts.holdsIptc = false;
+    const QByteArray xmp = metadata->encodeForCopy(edited, facts).xmp;
+    QVERIFY(xmp.contains("Oslo") && !xmp.contains("DateCreated"));
+}
+
 void MetadataCopyTest::editsLeaveMakerNotesSound_data()
 {
     QTest::addColumn<QLatin1StringView>("key"); // of the auxiliary dictionary; empty: GPS is cleared
@@ -412,6 +435,11 @@ void MetadataCopyTest::editsLeaveMakerNotesSound()
             failures += name + u" lost its maker note without a word"_qs;
         kept += hadNote && !tags.isEmpty();
         for (const QString &tag : tags) {
+            static const QRegularExpression serial(QStringLiteral(":(Internal)?SerialNumber$"));
+            static const QRegularExpression nothing(QStringLiteral("^[0 ]*$"));
+            if (key == kCGImagePropertyExifAuxSerialNumber && !isRemoved && serial.match(tag).hasMatch() &&
+                !nothing.match(test::comparable(copy[tag])).hasMatch())
+                failures += name + u" still says "_qs + tag;
             // A number that is taken out of a block leaves a zero there.
             if (source[tag] != copy[tag] && copy[tag] != QJsonValue(0))
                 failures += QStringLiteral("%1 %2: %3 | %4")

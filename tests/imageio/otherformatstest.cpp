@@ -26,11 +26,10 @@ private Q_SLOTS:
     void fewBitsReachWhite();
     void tgaOfOtherPrograms_data();
     void tgaOfOtherPrograms();
-    void cutBitmapFails_data();
-    void cutBitmapFails();
     void skippedPixelsAreBlank();
-    void cutTgaFails_data();
-    void cutTgaFails();
+    void hugeTgaOfLittleDataFails();
+    void cutFileIsWholeOrFails_data();
+    void cutFileIsWholeOrFails();
     void largestIconIsRead_data();
     void largestIconIsRead();
     void webpCarriesMetadata();
@@ -302,39 +301,6 @@ void OtherFormatsTest::tgaOfOtherPrograms()
         QCOMPARE(QString::number(image.pixel(i % 2, i / 2), 16), QString::number(colors[i], 16));
 }
 
-void OtherFormatsTest::cutBitmapFails_data()
-{
-    QTest::addColumn<QString>("options");
-    QTest::newRow("24 bits") << u"-type TrueColor bmp3:"_qs;
-    QTest::newRow("palette") << u"-colors 200 -type Palette bmp3:"_qs;
-    QTest::newRow("runs") << u"-colors 200 -type Palette -compress RLE bmp3:"_qs;
-    QTest::newRow("1 bit") << u"-monochrome bmp3:"_qs;
-    QTest::newRow("OS/2") << u"-type TrueColor bmp2:"_qs;
-}
-
-/// The plugin takes what is missing for whatever the memory held.
-void OtherFormatsTest::cutBitmapFails()
-{
-    NEEDS_MAGICK();
-    QFETCH(QString, options);
-    const QString path = m_folder.path(u"whole.bmp"_qs);
-    outputOf(magickConvert(), QStringList{m_origin} + options.split(u' ').mid(0, options.count(u' ')) +
-                                  QStringList{options.section(u' ', -1) + path});
-    const QByteArray bytes = contentsOf(path);
-    QString error;
-    QVERIFY2(!decoded(path, &error).isNull(), qPrintable(error));
-    const quint32 start = qFromLittleEndian<quint32>(bytes.constData() + 10);
-    for (qsizetype length = start; length < bytes.size(); length += 101) {
-        QVERIFY(putFile(m_folder.path(u"cut.bmp"_qs), bytes.first(length)));
-        QVERIFY(decoded(m_folder.path(u"cut.bmp"_qs), &error).isNull());
-        QCOMPARE(error, u"the picture data end early"_qs);
-    }
-    if (!options.contains(u"TrueColor"_qs))
-        return; // ImageMagick puts bytes behind these pixels
-    QVERIFY(putFile(m_folder.path(u"cut.bmp"_qs), bytes.chopped(1)));
-    QVERIFY(decoded(m_folder.path(u"cut.bmp"_qs)).isNull());
-}
-
 /// Runs may leave pixels out; those are of the palette's first colour.
 void OtherFormatsTest::skippedPixelsAreBlank()
 {
@@ -354,33 +320,78 @@ void OtherFormatsTest::skippedPixelsAreBlank()
     }
 }
 
-void OtherFormatsTest::cutTgaFails_data()
+/// It would take 3.6 GB.
+void OtherFormatsTest::hugeTgaOfLittleDataFails()
 {
-    QTest::addColumn<QString>("compression");
-    QTest::newRow("none") << u"None"_qs;
-    QTest::newRow("runs") << u"RLE"_qs;
-}
-
-void OtherFormatsTest::cutTgaFails()
-{
-    NEEDS_MAGICK();
-    QFETCH(QString, compression);
-    const QString path = m_folder.path(u"whole.tga"_qs);
-    outputOf(magickConvert(),
-             {m_origin, u"-type"_qs, u"TrueColor"_qs, u"-compress"_qs, compression, u"tga:"_qs + path});
-    const QByteArray bytes = contentsOf(path);
-    QVERIFY(!decoded(path).isNull());
-    for (qsizetype length = 18; length < bytes.size(); length += 101) {
-        QVERIFY(putFile(m_folder.path(u"cut.tga"_qs), bytes.first(length)));
-        QString error;
-        QVERIFY(decoded(m_folder.path(u"cut.tga"_qs), &error).isNull());
-        QCOMPARE(error, u"the picture data end early"_qs);
-    }
-    // One that would take 3.6 GB for nothing.
-    QVERIFY(putFile(path, QByteArray("\0\0\x0a\0\0\0\0\0\0\0\0\0\x30\x75\x30\x75\x18\0", 18) + bytes));
+    const QString path = m_folder.path(u"huge.tga"_qs);
+    QVERIFY(putFile(path, QByteArray("\0\0\x0a\0\0\0\0\0\0\0\0\0\x30\x75\x30\x75\x18\0", 18) +
+                              QByteArray(8000, 'x')));
     QString error;
     QVERIFY(decoded(path, &error).isNull());
     QCOMPARE(error, u"the picture data end early"_qs);
+}
+
+void OtherFormatsTest::cutFileIsWholeOrFails_data()
+{
+    QTest::addColumn<QString>("options"); // ImageMagick's, with the kind and the suffix at the end
+    for (const char *options : {"-type TrueColor bmp3:bmp",
+                                "-type TrueColor bmp2:bmp",
+                                "-monochrome bmp3:bmp",
+                                "-colors 200 -type Palette bmp3:bmp",
+                                "-colors 200 -type Palette -compress RLE bmp3:bmp",
+                                "-type TrueColor -compress None tga:tga",
+                                "-type TrueColor -compress RLE tga:tga",
+                                "-define webp:lossless=true webp:webp",
+                                "-quality 80 webp:webp",
+                                "ico:ico",
+                                "-resize 256x256! ico:ico",
+                                "icns:icns",
+                                "ppm:ppm",
+                                "-compress None ppm:ppm",
+                                "-depth 16 ppm:ppm",
+                                "pgm:pgm",
+                                "-depth 16 -compress None pgm:pgm",
+                                "-monochrome pbm:pbm",
+                                "-monochrome -compress None pbm:pbm",
+                                "-colors 40 xpm:xpm",
+                                "-monochrome xbm:xbm",
+                                "-monochrome wbmp:wbmp"})
+        QTest::newRow(options) << QString::fromLatin1(options);
+}
+
+/// What lacks rows must not pass for a picture. What stands behind them may lack.
+void OtherFormatsTest::cutFileIsWholeOrFails()
+{
+    NEEDS_MAGICK();
+    QFETCH(QString, options);
+    QStringList arguments = options.split(u' ');
+    const QStringList kind = arguments.takeLast().split(u':');
+    const QString path = m_folder.path(u"cut."_qs + kind[1]);
+    if (kind[0] == u"icns"_qs)
+        QVERIFY(detailedPicture({128, 128}, true).save(path));
+    else
+        outputOf(magickConvert(), QStringList{m_origin} + arguments + QStringList{kind[0] + u':' + path});
+    QByteArray bytes = contentsOf(path);
+    if (bytes.endsWith('\n'))
+        bytes.chop(1); // which nobody needs
+    QVERIFY(putFile(path, bytes));
+    const QImage whole = decoded(path);
+    QVERIFY(!whole.isNull());
+    QList<qsizetype> lengths = {bytes.size() - 4, bytes.size() - 3, bytes.size() - 2, bytes.size() - 1};
+    constexpr int kCuts = 30;
+    for (qsizetype i = 1; i < kCuts; ++i)
+        lengths.append(bytes.size() * i / kCuts);
+    int failures = 0;
+    for (const qsizetype length : lengths) {
+        QVERIFY(putFile(path, bytes.first(length)));
+        QString error;
+        const QImage image = decoded(path, &error);
+        QVERIFY2(image.isNull() || image == whole, qPrintable(QString::number(length)));
+        QCOMPARE(image.isNull(), !error.isEmpty());
+        failures += image.isNull() ? 1 : 0;
+    }
+    QVERIFY2(failures >= kCuts - 3, qPrintable(QString::number(failures)));
+    QFile::remove(path);
 }
 
 void OtherFormatsTest::largestIconIsRead_data()

@@ -488,6 +488,10 @@ void PictureReadingTest::unmarkedPicturesAreNamed_data()
     QTest::newRow("packet that tells of one")
         << u"jpeg/pixel-4a-gain-map.jpg"_qs << QStringList{u"gain map"_qs};
     QTest::newRow("only a thumbnail") << u"jpeg/canon-eos-450d.jpg"_qs << QStringList();
+    QTest::newRow("WebP") << u"webp/animation-lossy.webp"_qs << QStringList{u"animation"_qs};
+    QTest::newRow("TIFF") << u"tiff/multipage.tif"_qs << QStringList{u"further pages"_qs};
+    QTest::newRow("HEIC") << u"heic/libheif-example.heic"_qs << QStringList{u"further pictures"_qs};
+    QTest::newRow("HEIC in tiles") << u"heic/iphone-8.heic"_qs << QStringList();
 }
 
 void PictureReadingTest::unmarkedPicturesAreNamed()

@@ -265,6 +265,18 @@ void TiffReadingTest::firstOfManyIsRead()
                                u")"_qs, u"("_qs, u"+clone"_qs, u")"_qs, path});
     QCOMPARE(decoded(path), first);
     QCOMPARE(ImageSource::open(path)->imageCount(), 3);
+    QCOMPARE(droppedPictures(*ImageSource::open(path)), QStringList{u"further pages"_qs});
+    const auto mark = [&](const QStringList &tags) {
+        outputOf(u"exiftool"_qs, QStringList{u"-q"_qs, u"-overwrite_original"_qs} + tags + QStringList{path});
+    };
+    // Pictures of the first one, smaller and as a mask, are no pages.
+    mark({u"-IFD1:SubfileType#=1"_qs, u"-IFD2:SubfileType#=4"_qs});
+    QCOMPARE(droppedPictures(*ImageSource::open(path)), QStringList());
+    // No camera: the first picture is read although it says that it is a reduced one.
+    mark({u"-IFD0:SubfileType#=1"_qs});
+    QCOMPARE(decoded(path), first);
+    mark({u"-IFD0:Make=Maker"_qs});
+    QCOMPARE(decoded(path), first);
 }
 
 void TiffReadingTest::labIsThatOfPrint_data()

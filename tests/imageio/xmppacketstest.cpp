@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "exiftoolrecords.h"
+#include "imageio/propertykeys.h"
 #include "jpegassembly.h"
 #include "pictures.h"
 
@@ -29,10 +30,14 @@ private Q_SLOTS:
     void prefixesDoNotReachOtherPhotos();
     void commandsAreTexts_data();
     void commandsAreTexts();
+    void editsAreTexts_data();
+    void editsAreTexts();
+    void oldNamesOfRightsAddNothing();
+    void refusedPropertyIsNamed();
 
 private:
-    /// Writes a photo with the packet and a copy of it. @return the copy's path
-    QString copyOf(const QByteArray &xmp)
+    /// Writes a photo with the packet and a copy of it, with the IPTC facts on top. @return the copy's path
+    QString copyOf(const QByteArray &xmp, const QVariantMap &iptc = {})
     {
         EmbeddedMetadata::Encoded metadata;
         metadata.xmp = xmp;
@@ -41,13 +46,19 @@ private:
         if (!test::putFile(path, test::jpegWith(metadata)))
             return {};
         const auto source = EmbeddedMetadata::read(path);
-        const bool isWritten =
-            test::putFile(copy, test::jpegWith(source->encodeForCopy(source->properties(), {QSize(16, 16)})));
+        QVariantMap properties = source->properties();
+        QVariantMap edited = properties.value(kCGImagePropertyIPTCDictionary).toMap();
+        edited.insert(iptc);
+        properties.insert(kCGImagePropertyIPTCDictionary, edited);
+        const EmbeddedMetadata::Encoded encoded = source->encodeForCopy(properties, {QSize(16, 16)});
+        m_omitted = encoded.omitted;
+        const bool isWritten = test::putFile(copy, test::jpegWith(encoded));
         return isWritten ? copy : QString();
     }
 
     test::TestFolder m_folder;
     int m_copies = 0;
+    QStringList m_omitted; ///< of the last copy
 };
 
 void XmpPacketsTest::prefixesDoNotReachOtherPhotos()
@@ -96,6 +107,62 @@ void XmpPacketsTest::commandsAreTexts()
         QCOMPARE(record[tag].toString(), expected);
     QCOMPARE(record[u"XMP-dc:Subject"_qs].toArray().at(0).toString(), expected);
     QCOMPARE(record[u"XMP-photoshop:Credit"_qs].toString(), u"kept"_qs);
+}
+
+void XmpPacketsTest::editsAreTexts_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("inXmp");
+    const auto row = [](const QString &text, const QString &inXmp) {
+        QTest::newRow(qPrintable(inXmp)) << text << inXmp;
+    };
+    for (const QString &text : {u"type=Seq"_qs, u"lang=de Titel"_qs, u"lang=\"de\" Titel"_qs, u"[1]"_qs,
+                                u"charset=Ascii x"_qs, u"a, b; <c> & \"d\""_qs})
+        row(text, text);
+    row(u"a\uFFFE\u0001b\uFFFFc"_qs, u"abc"_qs);
+    row(u"d"_qs + QChar(0) + u"e"_qs + QChar(0xD800) + u"f"_qs, u"def"_qs);
+}
+
+/// What people type reaches XMP and the IPTC record as it is, but for what these cannot hold.
+void XmpPacketsTest::editsAreTexts()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, inXmp);
+    QByteArray xmp = packet("xmlns:photoshop=\"http://ns.adobe.com/photoshop/1.0/\" "
+                            "xmlns:dc=\"http://purl.org/dc/elements/1.1/\"",
+                            "photoshop:City=\"old\" photoshop:Credit=\"kept\"");
+    xmp.replace("/></rdf:RDF>", "><dc:subject><rdf:Bag><rdf:li>old</rdf:li></rdf:Bag></dc:subject>"
+                                "<dc:title><rdf:Alt><rdf:li xml:lang=\"x-default\">old</rdf:li></rdf:Alt>"
+                                "</dc:title></rdf:Description></rdf:RDF>");
+    const QString copy = copyOf(xmp, {{kCGImagePropertyIPTCCity, text},
+                                      {kCGImagePropertyIPTCObjectName, text},
+                                      {kCGImagePropertyIPTCKeywords, QVariantList{text, u"b"_qs}}});
+    const QJsonObject record = test::exiftoolRecords({copy}).value(copy);
+    for (const QString &tag : {u"XMP-photoshop:City"_qs, u"XMP-dc:Title"_qs})
+        QCOMPARE(record[tag].toVariant().toString(), inXmp);
+    QCOMPARE(record[u"XMP-dc:Subject"_qs].toArray().at(0).toVariant().toString(), inXmp);
+    QCOMPARE(record[u"XMP-photoshop:Credit"_qs].toString(), u"kept"_qs);
+    QVERIFY(!test::contentsOf(copy).contains(QByteArray("d\0e", 3)));
+    QCOMPARE(m_omitted, QStringList());
+}
+
+void XmpPacketsTest::oldNamesOfRightsAddNothing()
+{
+    const QString copy = copyOf(
+        packet("xmlns:xmpDM=\"http://ns.adobe.com/xmp/1.0/DynamicMedia/\"", "xmpDM:copyright=\"(c) me\""));
+    QCOMPARE(test::exiftoolRecords({copy}).value(copy)[u"XMP-dc:Rights"_qs].toString(), u"(c) me"_qs);
+}
+
+/// A text in the place of a structure takes in no parts.
+void XmpPacketsTest::refusedPropertyIsNamed()
+{
+    const QVariantMap contact{{kCGImagePropertyIPTCContactInfoCity, u"Oslo"_qs}};
+    const QString copy = copyOf(packet("xmlns:core=\"http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/\" "
+                                       "xmlns:photoshop=\"http://ns.adobe.com/photoshop/1.0/\"",
+                                       "core:CreatorContactInfo=\"me\" photoshop:Headline=\"kept\""),
+                                {{kCGImagePropertyIPTCCreatorContactInfo, contact}});
+    QCOMPARE(m_omitted, QStringList(u"XMP iptc:CreatorContactInfo"_qs));
+    QCOMPARE(test::exiftoolRecords({copy}).value(copy)[u"XMP-photoshop:Headline"_qs].toString(), u"kept"_qs);
 }
 
 QTEST_GUILESS_MAIN(XmpPacketsTest)

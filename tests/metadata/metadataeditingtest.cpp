@@ -145,11 +145,16 @@ QList<Fact> facts()
     return facts;
 }
 
-/// GIF and BMP have no room for EXIF; what they carry is tested with the round trip.
-bool hasRoomForExif(const ImageFormat &format)
+bool hasRoomForMetadata(const ImageFormat &format)
 {
-    const QByteArray type = format.type;
-    return format.canWrite && type != "image/gif" && type != "image/bmp";
+    return format.canWrite && QByteArray(format.type) != "image/bmp";
+}
+
+/// GIF has no room for EXIF: there a fact is to be found where XMP has a place for it.
+bool hasPlaceIn(const QString &type, const Fact &fact)
+{
+    return type != u"image/gif" || std::any_of(fact.places.begin(), fact.places.end(),
+                                               [](const QString &place) { return place.startsWith(u"XMP"); });
 }
 
 /// The properties of a clearing that are to be gone afterwards, as tags of exiftool with wildcards.
@@ -173,6 +178,7 @@ private Q_SLOTS:
     void editReachesAllPlaces();
     void fractionAndZoneOfDatesReachXmp();
     void flashReachesXmp();
+    void exponentsAgreeWithPlainValues();
     void keywordsReachTheirTrees();
     void valuesAfterClearingAreWritten();
     void clearingLeavesNothing_data();
@@ -271,7 +277,7 @@ void MetadataEditingTest::editReachesAllPlaces_data()
     QTest::addColumn<int>("places");
     constexpr const char *kNames[] = {"all", "XMP", "none"};
     for (const ImageFormat &format : imageFormats()) {
-        if (!hasRoomForExif(format))
+        if (!hasRoomForMetadata(format))
             continue;
         for (const int places : {All, XmpOnly, None})
             QTest::addRow("%s, %s", format.name, kNames[places])
@@ -319,10 +325,10 @@ void MetadataEditingTest::editReachesAllPlaces()
             if (text != wanted)
                 failures += place + u" says "_qs + text;
         }
-        if (found == 0)
+        if (found == 0 && hasPlaceIn(type, all[i]))
             failures += QStringLiteral("%1 was not written").arg(QLatin1StringView(all[i].name));
     }
-    QCOMPARE(failures, QStringList());
+    QVERIFY2(failures.isEmpty(), qPrintable(failures.join(u'\n')));
 }
 
 void MetadataEditingTest::fractionAndZoneOfDatesReachXmp()
@@ -346,6 +352,31 @@ void MetadataEditingTest::flashReachesXmp()
     QCOMPARE(record[u"ExifIFD:Flash"].toInt(), 24);
     QCOMPARE(record[u"XMP-exif:FlashFired"].toVariant().toString().toLower(), u"false"_qs);
     QCOMPARE(record[u"XMP-exif:FlashMode"].toInt(), 3);
+}
+
+/// exiftool shows the exponents as what they stand for.
+void MetadataEditingTest::exponentsAgreeWithPlainValues()
+{
+    const QStringList places{u"ExifIFD:FNumber"_qs,           u"ExifIFD:ApertureValue"_qs,
+                             u"XMP-exif:ApertureValue"_qs,    u"ExifIFD:ExposureTime"_qs,
+                             u"ExifIFD:ShutterSpeedValue"_qs, u"XMP-exif:ShutterSpeedValue"_qs};
+    QStringList facts;
+    for (const QString &place : places)
+        facts += u'-' + place + u"=0.7"_qs;
+    const QString source = sourceWith(None, facts);
+    const QString type = u"image/jpeg"_qs;
+    const auto edited = copiedRecord(source, type, [](ImageMetadata &m) {
+        m.setExifFNumber(5.6);
+        m.setExifExposureTime(5.6);
+    });
+    const auto removed = copiedRecord(source, type, [](ImageMetadata &m) {
+        m.setExifFNumber({});
+        m.setExifExposureTime({});
+    });
+    for (const QString &place : places) {
+        QVERIFY2(qAbs(edited[place].toDouble() - 5.6) < 1e-4, qPrintable(place));
+        QVERIFY2(!removed.isEmpty() && !removed.contains(place), qPrintable(place));
+    }
 }
 
 void MetadataEditingTest::keywordsReachTheirTrees()
@@ -391,7 +422,7 @@ void MetadataEditingTest::clearingLeavesNothing_data()
     QTest::addColumn<int>("clearing");
     QTest::addColumn<bool>("isInDictionary");
     for (const ImageFormat &format : imageFormats()) {
-        if (!hasRoomForExif(format))
+        if (!hasRoomForMetadata(format))
             continue;
         const QString type = QString::fromLatin1(format.type);
         constexpr const char *kNames[] = {"EXIF", "GPS", "IPTC", "IPTC but rights", "TIFF"};
@@ -427,8 +458,9 @@ QList<Clearing> clearings()
          {u"capture"_qs, u"serial"_qs, u"make"_qs}},
         {"IPTC but rights",
          [](ImageMetadata &m) { m.clearIptcDataKeepCopyright(true, true); },
-         {u"IPTC:City"_qs, u"IPTC:Headline"_qs, u"XMP-photoshop:City"_qs, u"XMP-iptcExt:*"_qs,
-          u"XMP-dc:Title"_qs, u"XMP-dc:Description"_qs},
+         {u"IPTC:City"_qs, u"IPTC:Headline"_qs, u"IPTC:UniqueObjectName"_qs, u"IPTC:Destination"_qs,
+          u"IPTC:DateSent"_qs, u"XMP-photoshop:City"_qs, u"XMP-iptcExt:*"_qs, u"XMP-dc:Title"_qs,
+          u"XMP-dc:Description"_qs},
          {u"copyright"_qs, u"creator"_qs, u"profession"_qs, u"email"_qs, u"address"_qs, u"capture"_qs}},
         {"TIFF",
          [](ImageMetadata &m) { m.clearTiffDataKeepCopyright(false, false); },
@@ -469,6 +501,9 @@ void MetadataEditingTest::clearingLeavesNothing()
         u"-XMP-getty:Personality=Old"_qs,
         u"-XMP-getty:CameraMakeModel=old"_qs,
         u"-XMP-cell:CellTowerID=4711"_qs,
+        u"-IPTC:UniqueObjectName=old"_qs,
+        u"-IPTC:Destination=old"_qs,
+        u"-IPTC:DateSent=2001:02:03"_qs,
     };
     const QStringList places{u"-GPS:GPSLatitude=51.5"_qs,
                              u"-GPS:GPSLatitudeRef=N"_qs,

@@ -152,6 +152,8 @@ void SavingPresetTest::everyPresetHasAnIdentity()
         QCOMPARE(presets->front()->presetID(), expected);
     }
     QCOMPARE(SavingPreset().presetID(), 45);
+    QVERIFY(read(QByteArray(kFile).replace("41", "9000000000000000000")));
+    QCOMPARE(SavingPreset().presetID(), 9000000000000000001);
 }
 
 void SavingPresetTest::identitiesAreUniqueOnThreads()

@@ -2,16 +2,10 @@
 
 #include "platform/settings.h"
 #include "platform/userdefaults.h"
-#include "presets/savingpreset.h"
-#include "saving/saving.h"
+#include "saving/savingruns.h"
 #include "saving/savingsettings.h"
-#include "support/scriptedalerts.h"
-#include "support/testenvironment.h"
 
-#include <QColorSpace>
 #include <QtTest>
-
-#include <functional>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -22,55 +16,6 @@ namespace
 {
 
 const QString kExists = QStringLiteral("The file exists:\n  ");
-
-QImage pattern(QSize size)
-{
-    QImage image(size, QImage::Format_RGB32);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixel(x, y, qRgb(x * 3 % 256, y * 5 % 256, (x ^ y) % 256));
-    }
-    return image;
-}
-
-/// Nothing but the pixels, for comparing.
-QImage pixels(QImage image)
-{
-    image.convertTo(QImage::Format_RGB32);
-    image.setColorSpace({});
-    return image;
-}
-
-/// Keeps all that it hears.
-class Listener final : public SavingObserver
-{
-public:
-    void begun(qint64 maximum, const QString &message) override { began = {maximum, message}; }
-    void pictureBegun(const QImage &picture) override { pictures.append(picture); }
-    void copyBegun(qint64 value, const QString &message) override
-    {
-        values.append(value);
-        messages.append(message);
-        if (onCopyBegun)
-            onCopyBegun(value);
-    }
-    void copyFinished(const SavingOutput &output) override { outputs.append(output); }
-
-    QStringList names() const
-    {
-        QStringList names;
-        for (const SavingOutput &output : outputs)
-            names.append(QFileInfo(output.path).fileName());
-        return names;
-    }
-
-    std::pair<qint64, QString> began;
-    QList<QImage> pictures;
-    QList<qint64> values;
-    QStringList messages;
-    QList<SavingOutput> outputs;
-    std::function<void(qint64)> onCopyBegun;
-};
 
 /// Lets a test act while a question is open.
 class ActingAlerts final : public Alerts
@@ -83,12 +28,12 @@ public:
 
 } // namespace
 
-class SavingTest : public QObject
+class SavingTest : public QObject, private SavingRuns
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() { startAnew(); }
     void numbersAndNames_data();
     void numbersAndNames();
     void assignedSavingPresets_data();
@@ -100,79 +45,11 @@ private Q_SLOTS:
     void stopping_data();
     void stopping();
     void manyFailuresAreReported();
-    void failuresOnTheWay();
-    void foldersThatTakeNothing_data();
-    void foldersThatTakeNothing();
-    void overwritingTheOriginals_data();
-    void overwritingTheOriginals();
-    void overwrittenPhotosAreReadAfterwards();
-    void sameNamesFromManyFolders();
-    void dryRunWritesNothingAndAgrees();
     void companion();
     void photosAreReleased_data();
     void photosAreReleased();
     void settingsAreFollowed();
-
-private:
-    QString path(const QString &name) const { return m_folder->path(name); }
-    QString photo(const QString &name, QSize size = {40, 30});
-    AppliedPreset mark(const QString &name, SavingPresetPtr assigned = {});
-    SavingRun runFor(const QStringList &photos, const std::vector<AppliedPreset> &presets);
-    QStringList copies() const
-    {
-        return QDir(path(QStringLiteral("out"))).entryList(QDir::Files, QDir::Name);
-    }
-
-    FontCatalog m_fonts;
-    LocaleFormat m_locale{QStringLiteral("en_US")};
-    PixelCache m_cache{64 * 1024 * 1024};
-    ByteBudget m_budget{1'000'000'000};
-    PhotoServices m_services{m_fonts, m_locale, m_cache, m_budget, {}};
-    std::unique_ptr<TestFolder> m_folder;
-    Listener m_listener;
-    ScriptedAlerts m_noAlerts;
 };
-
-void SavingTest::init()
-{
-    m_folder = std::make_unique<TestFolder>();
-    m_listener = {};
-}
-
-/// Makes a photo below "in". @return its path
-QString SavingTest::photo(const QString &name, QSize size)
-{
-    const QString file = path(QStringLiteral("in/") + name);
-    if (!QDir().mkpath(QFileInfo(file).path()) || !pattern(size).save(file))
-        qFatal("no photo can be made");
-    return file;
-}
-
-AppliedPreset SavingTest::mark(const QString &name, SavingPresetPtr assigned)
-{
-    WPresetValues values = WPresetValues::forNewPreset(m_fonts);
-    values.name = name;
-    values.textTokens = {name};
-    values.assignedSavingPreset = std::move(assigned);
-    return {std::make_shared<WPreset>(values), values};
-}
-
-/// Into "out", as PNG, named by number.
-SavingRun SavingTest::runFor(const QStringList &photos, const std::vector<AppliedPreset> &presets)
-{
-    SavingRun run;
-    run.photoCount = static_cast<std::size_t>(photos.size());
-    run.photoAt = [this, photos](std::size_t index) -> SavingPhoto {
-        const QString &photo = photos[static_cast<qsizetype>(index)];
-        return {photo, std::make_shared<ImageObject>(photo, m_services), {}};
-    };
-    run.effectivePresets = presetsToSave(presets);
-    run.defaultSavingPreset.imageFormat = QStringLiteral("PNG");
-    run.defaultSavingPreset.filenameTokens = {QStringLiteral("img"), QStringLiteral("sequence ##")};
-    run.folders.destDirectory = path(QStringLiteral("out"));
-    run.jobs = 3;
-    return run;
-}
 
 void SavingTest::numbersAndNames_data()
 {
@@ -392,163 +269,6 @@ void SavingTest::manyFailuresAreReported()
                  list + u"\n  ...and 4 more..."_qs);
 }
 
-/// Photos that vanish, shrink or become something else after the run has begun.
-void SavingTest::failuresOnTheWay()
-{
-    const QStringList photos{photo(u"1.png"_qs), photo(u"2.png"_qs), photo(u"3.png"_qs, {600, 600}),
-                             photo(u"4.png"_qs), photo(u"5.png"_qs)};
-    SavingRun run = runFor(photos, {mark(u"A"_qs)});
-    run.jobs = 1;
-    m_listener.onCopyBegun = [&](qint64 value) {
-        if (value != 1)
-            return;
-        QVERIFY(QFile::remove(photos[1]));
-        QVERIFY(QFile::resize(photos[2], QFileInfo(photos[2]).size() / 2));
-        QVERIFY(QFile::remove(photos[3]) && QDir().mkdir(photos[3]));
-    };
-    Saving saving(m_noAlerts);
-    saving.saveImages(run, m_listener);
-    QCOMPARE(copies(), (QStringList{u"img01.png"_qs, u"img05.png"_qs}));
-    QCOMPARE(saving.savingFailedImages(), (QStringList{u"2.png"_qs, u"3.png"_qs, u"4.png"_qs}));
-    for (const SavingOutput &output : std::as_const(m_listener.outputs))
-        QCOMPARE(output.error.isEmpty(), output.status == Status::Written);
-    // Nothing half-written, and nothing hidden.
-    QCOMPARE(QDir(path(u"out"_qs)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(),
-             2);
-}
-
-void SavingTest::foldersThatTakeNothing_data()
-{
-    QTest::addColumn<QString>("folder");
-    QTest::newRow("read-only, whoever writes") << u"/proc/self"_qs;
-    QTest::newRow("cannot be made") << u"/proc/no such folder"_qs;
-    QTest::newRow("vanishes") << QString();
-}
-
-void SavingTest::foldersThatTakeNothing()
-{
-    QFETCH(QString, folder);
-    SavingRun run = runFor({photo(u"1.png"_qs), photo(u"2.png"_qs)}, {mark(u"A"_qs)});
-    if (!folder.isEmpty())
-        run.folders.destDirectory = folder;
-    m_listener.onCopyBegun = [&](qint64 value) {
-        if (value == 1 && folder.isEmpty())
-            QVERIFY(QDir().rmdir(path(u"out"_qs)));
-    };
-    Saving saving(m_noAlerts);
-    saving.saveImages(run, m_listener);
-    QCOMPARE(saving.savingFailedImages(), (QStringList{u"1.png"_qs, u"2.png"_qs}));
-    QVERIFY(m_listener.outputs[0].error.contains(u"img01.png"));
-}
-
-void SavingTest::overwritingTheOriginals_data()
-{
-    QTest::addColumn<int>("jobs");
-    for (const int jobs : {1, 2, 8})
-        QTest::addRow("%d jobs", jobs) << jobs;
-}
-
-/// As if one copy was made after another: all copies of a photo are made of what it was when it was begun,
-/// and a photo that comes twice is the second time what the first time has left.
-void SavingTest::overwritingTheOriginals()
-{
-    QFETCH(int, jobs);
-    const QImage bare = pattern({300, 200});
-    const QString once = photo(u"once.png"_qs, bare.size());
-    const QString twice = photo(u"twice.png"_qs, bare.size());
-    AppliedPreset left = mark(u"Left"_qs);
-    AppliedPreset right = mark(u"Right"_qs);
-    left.values.anchorPoint = 0;
-    right.values.anchorPoint = 8;
-    SavingRun run = runFor({once, twice, twice}, {left, right});
-    run.folders.destDirectory.clear();
-    run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
-    run.conflictCode = OutputNaming::always(OutputNaming::kOverwrite);
-    run.jobs = jobs;
-    Saving saving(m_noAlerts);
-    saving.saveImages(run, m_listener);
-    QCOMPARE(m_listener.outputs.size(), 6);
-    QVERIFY(saving.savingFailedImages().isEmpty());
-
-    const QString asBefore = photo(u"bare.png"_qs, bare.size());
-    ImageObject photo(asBefore, m_services);
-    const QImage marked = photo.createWatermarkedImage({}, right);
-    QVERIFY(marked != bare);
-    QCOMPARE(pixels(QImage(once)), pixels(marked));
-    const QImage again = photo.createWatermarkedImage(marked, right);
-    QCOMPARE(pixels(QImage(twice)), pixels(again));
-}
-
-/// Also when it goes by another name, which its copy gets.
-void SavingTest::overwrittenPhotosAreReadAfterwards()
-{
-    const QString photo = this->photo(u"photo.png"_qs, {700, 700});
-    const QString alias = path(u"in/alias.tif"_qs);
-    QVERIFY(QFile::link(photo, alias));
-    const AppliedPreset preset = mark(u"Mark"_qs);
-    ImageObject bare(photo, m_services);
-    const QImage once = bare.createWatermarkedImage({}, preset);
-    const QImage again = bare.createWatermarkedImage(once, preset);
-    SavingRun run = runFor({photo, alias}, {preset});
-    run.folders.destDirectory.clear();
-    run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
-    run.conflictCode = OutputNaming::always(OutputNaming::kOverwrite);
-    Saving(m_noAlerts).saveImages(run, m_listener);
-    QCOMPARE(pixels(QImage(photo)), pixels(once));
-    QCOMPARE(pixels(QImage(path(u"in/alias.png"_qs))), pixels(again));
-}
-
-void SavingTest::sameNamesFromManyFolders()
-{
-    QStringList photos;
-    for (int i = 0; i < 12; ++i)
-        photos.append(photo(u"%1/a.png"_qs.arg(i), {20 + i, i % 2 == 0 ? 900 : 20}));
-    QFile broken(photos[3]);
-    QVERIFY(broken.open(QIODevice::WriteOnly));
-    SavingRun run = runFor(photos, {mark(u"A"_qs)});
-    run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
-    run.conflictCode = OutputNaming::always(OutputNaming::kUniqueName);
-    run.jobs = 6;
-    Saving(m_noAlerts).saveImages(run, m_listener);
-    for (int i = 0; i < 12; ++i) {
-        // The name of a failed copy is not given to another one, so names do not depend on who was quicker.
-        QCOMPARE(m_listener.names()[i], i == 0 ? u"a.png"_qs : u"a-%1.png"_qs.arg(i));
-        if (i != 3)
-            QCOMPARE(QImage(m_listener.outputs[i].path).width(), 20 + i);
-    }
-    QCOMPARE(copies().size(), 11);
-}
-
-void SavingTest::dryRunWritesNothingAndAgrees()
-{
-    const QStringList photos{photo(u"x/a.png"_qs), photo(u"y/a.png"_qs), path(u"in/missing.png"_qs)};
-    SavingRun run = runFor(photos, {mark(u"creator"_qs), mark(u"width"_qs)});
-    run.defaultSavingPreset.filenameTokens = {u"filename"_qs, u"-"_qs, u"city"_qs, u"-"_qs, u"width"_qs};
-    run.folders.replicateOrigDirStructure = true;
-    run.folders.replicationStartDirectory = path(u"in"_qs);
-    run.conflictCode = OutputNaming::always(OutputNaming::kUniqueName);
-    run.isDryRun = true;
-    Saving(m_noAlerts).saveImages(run, m_listener);
-    QVERIFY(!QFile::exists(path(u"out"_qs)));
-    const QList<SavingOutput> plan = std::exchange(m_listener.outputs, {});
-    run.isDryRun = false;
-    Saving(m_noAlerts).saveImages(run, m_listener);
-    QCOMPARE(plan.size(), m_listener.outputs.size());
-    for (int i = 0; i < plan.size(); ++i) {
-        const SavingOutput &done = m_listener.outputs[i];
-        QCOMPARE(plan[i].path, done.path);
-        QCOMPARE(plan[i].sequenceNumber, done.sequenceNumber);
-        QCOMPARE(plan[i].conflict, done.conflict);
-        QCOMPARE(plan[i].status, done.status == Status::Written ? Status::Planned : done.status);
-        QCOMPARE(QFile::exists(done.path), done.status == Status::Written);
-    }
-    QCOMPARE(plan[0].path, path(u"out/x/a--40.png"_qs));
-    QCOMPARE(plan[1].conflict, Conflict::UniqueName);
-    QCOMPARE(plan[0].emptyTokens, (QStringList{u"city"_qs, u"creator"_qs}));
-    QCOMPARE(plan[1].emptyTokens, QStringList{u"city"_qs});
-    QCOMPARE(plan[4].status, Status::Failed);
-}
-
 void SavingTest::companion()
 {
     const QStringList photos{photo(u"1.png"_qs), path(u"in/missing.png"_qs), photo(u"3.png"_qs)};
@@ -612,6 +332,17 @@ void SavingTest::settingsAreFollowed()
     defaults.setObject(settings::ignoreSavingPresetsInSizePresets, true);
     followSettings(run, defaults);
     QVERIFY(run.ignoreAssignedSavingPresets);
+
+    const QStringList tokens = run.defaultSavingPreset.filenameTokens;
+    completeFilenameTokens(run.defaultSavingPreset, m_noAlerts);
+    QCOMPARE(run.defaultSavingPreset.filenameTokens, tokens);
+    run.defaultSavingPreset.filenameTokens.clear();
+    ScriptedAlerts alerts;
+    alerts.expect(u"Missing the filename specification!"_qs);
+    completeFilenameTokens(run.defaultSavingPreset, alerts);
+    QCOMPARE(run.defaultSavingPreset.filenameTokens, QStringList{u"filename"_qs});
+    QCOMPARE(alerts.shown().first().text, u"Will use the original filename."_qs);
+    QCOMPARE(alerts.complaints() + m_noAlerts.complaints(), QStringList());
 }
 
 QTEST_MAIN(SavingTest)
