@@ -40,6 +40,7 @@ expect_sound 'own folder, lower folders, Qt and C++' src/watermark/a.cpp \
 expect_sound 'libraries where they belong' src/imageio/a.cpp \
     '#include <jpeglib.h>\n#include <png.h>\n#include <lcms2.h>\n#include <exiv2/exiv2.hpp>'
 expect_sound 'fonts and locales' src/platform/a.cpp '#include <fontconfig/fontconfig.h>\n#include <unicode/datefmt.h>'
+expect_sound 'window system' src/views/a.cpp '#include <xcb/xcb.h>\n#include <QWidget>'
 expect_sound 'command line' src/cli/a.cpp '#include "cli/a.h"\n#include <CLI/CLI.hpp>'
 expect_sound 'widgets in a ui folder' src/metadata/ui/a.cpp '#include "metadata/ui/a.h"\n#include <QLabel>\n#include <QtWidgets/QDialog>'
 expect_sound 'widgets in the window' src/app/ui/a.cpp '#include <QMainWindow>\n#include "views/grid.h"\n#include "saving/ui/panel.h"'

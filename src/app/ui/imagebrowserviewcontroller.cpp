@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/ui/imagebrowserviewcontroller.h"
+
+#include "app/appcontroller.h"
+#include "platform/settings.h"
+#include "platform/userdefaults.h"
+#include "views/imagebrowserview.h"
+#include "views/photopromise.h"
+#include "views/photosource.h"
+#include "views/promisedfiles.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QScopedValueRollback>
+
+#include <algorithm>
+
+namespace plexa
+{
+namespace
+{
+
+constexpr float kZoomStep = 0.1F;
+
+} // namespace
+
+ImageBrowserViewController::ImageBrowserViewController(AppController &app, ImageBrowserView &view,
+                                                       UserDefaults &defaults, int threads)
+    : m_app(app)
+    , m_view(view)
+    , m_defaults(defaults)
+    , m_threads(threads)
+    , m_folders(std::make_shared<PrivateFolders>())
+{
+    view.setDelegate(this);
+    view.setAllowCopying(false);
+    followShowOriginalOnMouseOver();
+    showList();
+    setShowBrowserFilenames(defaults.boolForKey(settings::imageBrowserShowsNames));
+    setBrowserZoomFactor(defaults.floatForKey(settings::imageBrowserZoomFactor));
+    connectAll();
+}
+
+ImageBrowserViewController::~ImageBrowserViewController()
+{
+    m_view.setDelegate(nullptr);
+    if (m_onClipboard) // and with it photos that need what the application is about to take down
+        QGuiApplication::clipboard()->clear();
+}
+
+void ImageBrowserViewController::connectAll()
+{
+    ImageSet &set = m_app.imageSet();
+    for (const auto changed :
+         {&ImageSet::imagesInserted, &ImageSet::imagesRemoved, &ImageSet::orderChanged, &ImageSet::listReset})
+        connect(&set, changed, this, &ImageBrowserViewController::showList);
+    connect(&set, &ImageSet::refreshed, this, [this](ImageSet::Refresh refresh) {
+        if (refresh == ImageSet::Refresh::Light)
+            m_view.refresh();
+        else
+            showList();
+    });
+    connect(&set.selection(), &ImageSelection::selectionChanged, this,
+            &ImageBrowserViewController::takeSelection);
+    connect(&set.selection(), &ImageSelection::focusImageChanged, this,
+            &ImageBrowserViewController::takeSelection);
+    connect(&m_app, &AppController::imageOutdated, this,
+            [this](const std::shared_ptr<ImageObject> &image) { m_view.refreshImage(image.get()); });
+}
+
+// ---- from the set to the grid
+
+void ImageBrowserViewController::showList()
+{
+    const QScopedValueRollback following(m_isFollowing, true);
+    const auto list = m_app.imageSet().imagesFiltered();
+    if (m_list != list.get())
+        m_view.setImages(std::make_shared<PhotoSource>(list));
+    m_list = list.get();
+    m_view.fullRefresh();
+    takeSelection();
+}
+
+void ImageBrowserViewController::takeSelection()
+{
+    const ImageSelection &selection = m_app.imageSet().selection();
+    const bool hasMoved = m_view.focusImageIndex() != selection.focusIndex();
+    m_view.takeSelection(selection.selectedIndexes(), selection.focusIndex());
+    if (hasMoved)
+        m_view.scrollFocusImageToVisible();
+}
+
+// ---- from the grid to the set
+
+void ImageBrowserViewController::tellSelection()
+{
+    if (m_isFollowing)
+        return;
+    // Comes back by the selection's signals, and finds the view as it is.
+    m_app.imageSet().selection().select(m_view.selectionIndexes(), m_view.focusImageIndex());
+}
+
+void ImageBrowserViewController::selectionDidChangeTo(const QList<int> &)
+{
+    tellSelection();
+}
+
+void ImageBrowserViewController::focusImageDidChangeTo(int, int)
+{
+    tellSelection();
+}
+
+void ImageBrowserViewController::deletePressed()
+{
+    m_app.imageSet().removeSelectedImages();
+}
+
+void ImageBrowserViewController::receivedDraggedFiles(const QStringList &paths)
+{
+    m_app.imageSet().scanImagesAtPaths(paths);
+}
+
+void ImageBrowserViewController::movedIndexes(const QList<int> &indexes, int toIndex)
+{
+    m_app.imageSet().moveIndexes(indexes, toIndex);
+}
+
+// ---- zoom and names
+
+float ImageBrowserViewController::browserZoomFactor() const
+{
+    return m_view.zoomFactor();
+}
+
+void ImageBrowserViewController::setBrowserZoomFactor(float zoomFactor)
+{
+    m_view.setZoomFactor(zoomFactor);
+    m_defaults.setObject(settings::imageBrowserZoomFactor, m_view.zoomFactor());
+    Q_EMIT browserZoomFactorChanged(m_view.zoomFactor());
+}
+
+void ImageBrowserViewController::zoomBrowser(int tag)
+{
+    setBrowserZoomFactor(m_view.zoomFactor() + (tag == 1 ? kZoomStep : -kZoomStep));
+}
+
+void ImageBrowserViewController::setShowBrowserFilenames(bool show)
+{
+    m_view.setShowFilenames(show);
+    m_defaults.setObject(settings::imageBrowserShowsNames, show);
+    Q_EMIT showBrowserFilenamesChanged(show);
+}
+
+void ImageBrowserViewController::followShowOriginalOnMouseOver()
+{
+    m_view.setShowsOriginalOnMouseOver(m_defaults.boolForKey(settings::browserShowOriginalOnMouseOver));
+}
+
+// ---- to other programs
+
+std::unique_ptr<FilePromise> ImageBrowserViewController::promisedFiles(const QList<int> &indexes)
+{
+    const auto list = m_app.imageSet().imagesFiltered();
+    PhotoPromise::Contents contents;
+    for (const int index : indexes)
+        contents.photos.push_back(list->at(static_cast<std::size_t>(index)));
+    contents.presets = m_app.appliedPresets().effectivePresetsNow();
+    contents.savingPreset = m_savingPreset;
+    contents.threads = m_threads;
+    // The clipboard may outlive this object.
+    const QPointer<ImageBrowserViewController> self(this);
+    contents.startSaving = [self, photos = contents.photos](const QString &folder) {
+        return self && self->saveInto(photos, folder);
+    };
+    contents.reportFailures = [self](const QStringList &failures) {
+        if (self)
+            QMetaObject::invokeMethod(
+                self, [self, failures] { Q_EMIT self->copiesFailed(failures); }, Qt::QueuedConnection);
+    };
+    if (contents.photos.empty() || contents.presets.empty())
+        return nullptr;
+    return std::make_unique<PhotoPromise>(std::move(contents));
+}
+
+/// The folder becomes the user's folder for copies.
+bool ImageBrowserViewController::saveInto(const std::vector<std::shared_ptr<ImageObject>> &photos,
+                                          const QString &folder)
+{
+    if (!m_savePhotos)
+        return false;
+    m_defaults.setObject(settings::saveAllToOneDirectory, true);
+    m_defaults.setObject(settings::savingDirectory, folder);
+    return m_savePhotos(photos);
+}
+
+void ImageBrowserViewController::copy()
+{
+    auto promise = promisedFiles(m_view.selectionIndexes());
+    if (!promise)
+        return;
+    m_onClipboard = new PromisedFiles(std::move(promise), m_folders, PromisedFiles::Use::Clipboard);
+    QGuiApplication::clipboard()->setMimeData(m_onClipboard); // which owns it
+}
+
+} // namespace plexa
