@@ -5,7 +5,8 @@
 //   plexa-bench-window table COUNT   scrolls through and filters a table of so many photos
 //   plexa-bench-window import FOLDER drops a folder on the window and waits until its photos are there
 //
-// Prints a line for each thing that was tried: the longest pause in milliseconds, and its name.
+// Prints a line for each thing that was tried: the longest pause in milliseconds, and its name. Pauses are
+// the work of the main thread; for the import, which works on other threads, also the time that it took.
 
 #include "app/appcontroller.h"
 #include "app/ui/mainwindow.h"
@@ -25,6 +26,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <functional>
 #include <thread>
 
@@ -54,15 +56,22 @@ double milliseconds(const QElapsedTimer &timer)
     return static_cast<double>(timer.nsecsElapsed()) / 1e6;
 }
 
+/// Time that this thread has worked. On a busy machine it waits besides, which is not its fault.
+double threadMilliseconds()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
 /// Everything that follows from it is drawn when this returns.
 double pause(const std::function<void()> &action)
 {
-    QElapsedTimer timer;
-    timer.start();
+    const double before = threadMilliseconds();
     action();
     QCoreApplication::processEvents();
     QCoreApplication::processEvents();
-    return milliseconds(timer);
+    return threadMilliseconds() - before;
 }
 
 void benchTable(MainWindow &window, ImageSet &set, int count)
@@ -98,18 +107,24 @@ void benchTable(MainWindow &window, ImageSet &set, int count)
 void benchImport(ImageSet &set, const QString &folder)
 {
     QElapsedTimer sinceLast;
+    double lastCpu = threadMilliseconds();
     double longest = 0;
+    double longestCpu = 0;
     QTimer probe;
     QObject::connect(&probe, &QTimer::timeout, [&] {
+        const double cpu = threadMilliseconds();
         longest = std::max(longest, milliseconds(sinceLast));
+        longestCpu = std::max(longestCpu, cpu - lastCpu);
         sinceLast.restart();
+        lastCpu = cpu;
     });
     QObject::connect(&set, &ImageSet::importFinished, &set, &QCoreApplication::quit);
     sinceLast.start();
     probe.start(0);
     set.scanImagesAtPaths({folder});
     QCoreApplication::exec();
-    print("import", longest);
+    print("import", longestCpu);
+    print("import by the clock", longest);
 }
 
 } // namespace
@@ -134,7 +149,7 @@ int main(int argc, char **argv)
     NoQuestions alerts;
     const int threads = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
     AppController controller({photos, defaults, alerts, threads});
-    MainWindow window({controller, defaults});
+    MainWindow window({controller, defaults, alerts, threads});
     window.show();
     QCoreApplication::processEvents();
 

@@ -6,11 +6,17 @@
 # Usage: window_test.sh PLEXA FOLDER-WITH-SAMPLE-PHOTOS
 set -euo pipefail
 
+if [[ ${0##*/} == xdg-open ]]; then
+    echo "$1" >>"$PLEXA_OPENED"
+    exit
+fi
+
 if [[ ${1-} != --inside ]]; then
     plexa=$1 samples=$2
     work=$(mktemp -d "${TMPDIR:-/tmp}/plexa window ä XXXXXX")
+    stand_in=$(mktemp -d /tmp/plexa-window-XXXXXX) # without a blank: it becomes part of a command line
     server=''
-    trap '[[ -z $server ]] || kill "$server" 2>/dev/null || true; rm -rf "$work"' EXIT
+    trap '[[ -z $server ]] || kill "$server" 2>/dev/null || true; rm -rf "$work" "$stand_in"' EXIT
     exec 3>"$work/display"
     Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 2>"$work/xvfb.txt" &
     server=$!
@@ -23,7 +29,21 @@ if [[ ${1-} != --inside ]]; then
     export XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data XDG_CACHE_HOME=$work/cache
     export XDG_RUNTIME_DIR=$work/run
     mkdir -m 700 "$work/run"
-    dbus-run-session -- "${BASH_SOURCE[0]}" --inside "$plexa" "$samples" "$work"
+    # A bus that starts nothing by itself, and a stand-in for what opens folders where no file manager is there.
+    cat >"$work/bus.conf" <<'CONFIG'
+<busconfig>
+  <type>session</type>
+  <listen>unix:tmpdir=/tmp</listen>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+CONFIG
+    ln -s "$(realpath "${BASH_SOURCE[0]}")" "$stand_in/xdg-open"
+    export PATH=$stand_in:$PATH PLEXA_OPENED=$work/opened.txt
+    dbus-run-session --config-file="$work/bus.conf" -- "${BASH_SOURCE[0]}" --inside "$plexa" "$samples" "$work"
     exit
 fi
 
@@ -84,12 +104,22 @@ picture empty
 
 # A second start hands its files over and ends.
 timeout 20 "$plexa" "$samples/apple.png" "$samples/still-life.jpg" || fail 'the second start did not hand over'
-xdotool key ctrl+b # the table, which shows names
+picture grid
+differ empty grid
+xdotool key ctrl+b # the table
 picture two
-differ empty two
+differ grid two
 xdotool key ctrl+a
 picture selected
 differ two selected
+# The file manager is asked for them, by their addresses.
+dbus-monitor --session "type='method_call',interface='org.freedesktop.FileManager1'" >"$work/calls.txt" &
+monitor=$!
+wait_until 'the session bus is not watched' grep -q NameAcquired "$work/calls.txt"
+xdotool key ctrl+shift+e
+wait_until 'the file manager was not asked for the photos' grep -qF "\"file://$samples/still-life.jpg\"" "$work/calls.txt"
+wait_until 'their folder was not opened instead' grep -q "$samples" "$work/opened.txt"
+kill "$monitor"
 xdotool key slash
 xdotool type apple
 picture filtered

@@ -32,7 +32,7 @@ std::vector<CommandRow> makeTable()
         {CloseWindow, M::File, true, "closeWindow", TEXT("&Close Window"), TEXT("Close this window"), "Ctrl+W", ""},
         {Quit, M::File, false, "quit", TEXT("&Quit"), TEXT("Quit Plexa"), "Ctrl+Q", "quit"},
 
-        {CopyImages, M::Edit, false, "copyImages", TEXT("&Copy"), TEXT("Copy the selected photos with their watermarks to the clipboard"), "Ctrl+C", "copy", C::ShowFilesInFinder, 0, {}, true},
+        {CopyImages, M::Edit, false, "copyImages", TEXT("&Copy"), TEXT("Copy the selected photos with their watermarks to the clipboard"), "Ctrl+C", "copy", C::Other, 0, {}, true},
         {SelectAll, M::Edit, true, "selectAll", TEXT("Select &All"), TEXT("Select all photos in the list"), "Ctrl+A", "", C::ChangeSelection, 2},
         {SelectNone, M::Edit, false, "selectNone", TEXT("Select &None"), TEXT("Select no photo"), "Ctrl+Shift+A", "", C::ChangeSelection, 1},
         {InvertSelection, M::Edit, false, "invertSelection", TEXT("&Invert Selection"), TEXT("Select the photos that are not selected"), "Ctrl+I", "", C::ChangeSelection, 2},
@@ -62,8 +62,8 @@ std::vector<CommandRow> makeTable()
 
         {SingleMode, M::Watermark, false, "singleMode", TEXT("&Single Watermark"), TEXT("Draw one watermark, which is edited here"), "Ctrl+Shift+1", ""},
         {PresetsMode, M::Watermark, false, "presetsMode", TEXT("&Presets"), TEXT("Draw the applied presets together"), "Ctrl+Shift+2", ""},
-        {NextPreset, M::Watermark, true, "nextPreset", TEXT("&Next Applied Preset"), TEXT("Select the next applied preset"), "Ctrl+Down", "next", C::SelectNeighborAppliedPreset, 1},
-        {PreviousPreset, M::Watermark, false, "previousPreset", TEXT("Pre&vious Applied Preset"), TEXT("Select the previous applied preset"), "Ctrl+Up", "previous", C::SelectNeighborAppliedPreset, 2},
+        {NextPreset, M::Watermark, true, "nextPreset", TEXT("&Next Applied Preset"), TEXT("Select the next applied preset"), "Alt+Down", "next", C::SelectNeighborAppliedPreset, 1},
+        {PreviousPreset, M::Watermark, false, "previousPreset", TEXT("Pre&vious Applied Preset"), TEXT("Select the previous applied preset"), "Alt+Up", "previous", C::SelectNeighborAppliedPreset, 2},
         {ApplyPresets, M::Watermark, true, "applyPresets", TEXT("&Apply Selected Presets"), TEXT("Draw the selected presets on the photos, too"), "", "apply"},
         {RemoveAppliedPresets, M::Watermark, false, "removeAppliedPresets", TEXT("&Remove Selected Presets"), TEXT("Do not draw the selected presets any more"), "", "remove"},
         {ClearAppliedPresets, M::Watermark, false, "clearAppliedPresets", TEXT("&Clear Applied Presets"), TEXT("Draw none of the presets any more"), "", "clear"},

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <thread>
+#include <utility>
 
 namespace plexa
 {
@@ -48,7 +49,7 @@ DesktopApplication::DesktopApplication(ApplicationService &service)
     , m_controller({m_photos, registered(m_defaults), m_alerts, workerThreads()})
     , m_delegate(
           {m_defaults, m_alerts, m_controller, [](const QUrl &url) { QDesktopServices::openUrl(url); }})
-    , m_window({m_controller, m_defaults})
+    , m_window({m_controller, m_defaults, m_alerts, workerThreads()})
 {
     m_alerts.setWindow(&m_window);
     // A closed window can be brought back only where somebody can reach the program.
@@ -90,11 +91,10 @@ void DesktopApplication::windowClosed()
 
 void DesktopApplication::quit()
 {
-    if (m_window.isVisible()) {
-        m_window.rememberGeometry();
-        m_delegate.windowWillClose();
-    }
+    if (std::exchange(m_isQuitting, true)) // the window closes on the way, too
+        return;
     m_delegate.applicationWillTerminate();
+    m_window.close();
     QCoreApplication::quit();
 }
 

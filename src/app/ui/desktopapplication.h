@@ -37,6 +37,7 @@ private:
     void windowClosed();
 
     ApplicationService &m_service;
+    bool m_isQuitting = false;
     UserDefaults m_defaults;
     MessageBoxAlerts m_alerts;
     FontCatalog m_fonts;

@@ -6,6 +6,8 @@
 
 #include <QCoreApplication>
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QStandardPaths>
 
 namespace plexa
 {
@@ -34,7 +36,8 @@ QString imageFilter()
 
 void chooseImages(ChooserKind kind, QWidget *window, std::function<void(const QStringList &)> chosen)
 {
-    static QString lastFolder; // where the user was the last time
+    // Where the user was the last time.
+    static QString lastFolder = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
     auto *const dialog = new QFileDialog(window);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptOpen);
@@ -49,7 +52,8 @@ void chooseImages(ChooserKind kind, QWidget *window, std::function<void(const QS
             {imageFilter(), translated(QT_TRANSLATE_NOOP("ImageChooser", "All files (*)"))});
     }
     dialog->setLabelText(QFileDialog::Accept, translated(QT_TRANSLATE_NOOP("ImageChooser", "Add")));
-    if (!lastFolder.isEmpty())
+    dialog->setOption(QFileDialog::HideNameFilterDetails);
+    if (QFileInfo(lastFolder).isDir())
         dialog->setDirectory(lastFolder);
     QObject::connect(dialog, &QDialog::accepted, dialog, [dialog, chosen = std::move(chosen)] {
         lastFolder = dialog->directory().absolutePath();

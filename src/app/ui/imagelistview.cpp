@@ -61,6 +61,8 @@ ImageListView::ImageListView(ImageSet &set, QWidget *parent)
             &ImageListView::giveSelectionToSet);
     connect(&m_set.selection(), &ImageSelection::selectionChanged, this,
             &ImageListView::takeSelectionFromSet);
+    connect(&m_set.selection(), &ImageSelection::scrollToFocusRequested, this,
+            &ImageListView::scrollToFirstSelected);
     connect(m_model, &ImageListModel::settled, this, &ImageListView::takeSelectionFromSet);
     connect(&m_set, &ImageSet::refreshed, viewport(), qOverload<>(&QWidget::update));
 }
@@ -104,7 +106,6 @@ void ImageListView::takeSelectionFromSet()
     selectionModel()->select(selectionOf(rows, *m_model), QItemSelectionModel::ClearAndSelect);
     if (!rows.isEmpty())
         selectionModel()->setCurrentIndex(m_model->index(rows.first(), 0), QItemSelectionModel::NoUpdate);
-    scrollToFirstSelected();
 }
 
 void ImageListView::giveSelectionToSet()

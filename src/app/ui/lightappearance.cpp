@@ -6,6 +6,7 @@
 #include <QPalette>
 #include <QProxyStyle>
 #include <QStyleFactory>
+#include <QToolTip>
 
 namespace plexa
 {
@@ -42,6 +43,7 @@ public:
         case SH_ToolTip_WakeUpDelay:
             return 500;
         case SH_EtchDisabledText:
+        case SH_DialogButtonBox_ButtonsHaveIcons:
             return 0;
         default:
             return QProxyStyle::styleHint(hint, option, widget, returnData);
@@ -88,6 +90,10 @@ void setLightAppearance(QApplication &application)
 {
     QApplication::setStyle(new LightStyle);
     QApplication::setPalette(lightPalette());
+    // Desktops bring palettes of their own for these.
+    for (const char *widgets : {"QToolTip", "QMenu", "QMenuBar", "QAbstractItemView", "QHeaderView"})
+        QApplication::setPalette(lightPalette(), widgets);
+    QToolTip::setPalette(lightPalette());
     application.setStyleSheet({}); // not even one that came by the command line
 }
 

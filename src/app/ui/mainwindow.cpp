@@ -4,7 +4,8 @@
 
 #include "app/appcontroller.h"
 #include "app/ui/commandactions.h"
-#include "app/ui/emptyframe.h"
+#include "app/ui/filedrops.h"
+#include "app/ui/imagebrowserviewcontroller.h"
 #include "app/ui/imagechooser.h"
 #include "app/ui/imagelistpane.h"
 #include "app/ui/positionsbox.h"
@@ -12,6 +13,7 @@
 #include "app/ui/presetspanel.h"
 #include "app/ui/statuslineview.h"
 #include "app/ui/windowcommands.h"
+#include "platform/alerts.h"
 #include "platform/applicationname.h"
 #include "platform/settings.h"
 #include "platform/userdefaults.h"
@@ -19,6 +21,7 @@
 #include <QAction>
 #include <QActionGroup>
 #include <QCloseEvent>
+#include <QDragEnterEvent>
 #include <QHBoxLayout>
 #include <QMenu>
 #include <QMenuBar>
@@ -38,6 +41,8 @@ namespace
 // How near the divider between preview and photos comes to the top and to the bottom.
 constexpr int kMinPreviewHeight = 100;
 constexpr int kMinListHeight = 150;
+
+constexpr qsizetype kListedFailures = 10;
 
 constexpr QSize kFirstSize(1180, 740);
 
@@ -65,6 +70,7 @@ MainWindow::MainWindow(const Services &services)
     setObjectName(QStringLiteral("mainWindow"));
     setWindowTitle(applicationNameWithCompany(false, false, true));
     setContextMenuPolicy(Qt::NoContextMenu);
+    setAcceptDrops(true);
     makeViews();
     m_actions->fillMenuBar(menuBar());
     connectCommands();
@@ -76,16 +82,19 @@ MainWindow::~MainWindow() = default;
 
 void MainWindow::makeViews()
 {
-    m_previewPlace = new EmptyFrame(QPalette::Dark);
-    m_previewPlace->setObjectName(QStringLiteral("imageViewPlace"));
-    m_previewPlace->setMinimumHeight(kMinPreviewHeight);
-    m_imageListPane = new ImageListPane(m_services.controller.imageSet(), *m_actions);
+    auto *const previewPlace = new QWidget;
+    previewPlace->setObjectName(QStringLiteral("imageViewPlace"));
+    previewPlace->setBackgroundRole(QPalette::Dark);
+    previewPlace->setAutoFillBackground(true);
+    previewPlace->setMinimumHeight(kMinPreviewHeight);
+    m_imageListPane =
+        new ImageListPane({m_services.controller, m_services.defaults, *m_actions, m_services.threads});
     m_imageListPane->setMinimumHeight(kMinListHeight);
 
     m_imageViewBrowserSplitView = new QSplitter(Qt::Vertical);
     m_imageViewBrowserSplitView->setObjectName(QStringLiteral("imageViewBrowserSplitView"));
     m_imageViewBrowserSplitView->setChildrenCollapsible(false);
-    m_imageViewBrowserSplitView->addWidget(m_previewPlace);
+    m_imageViewBrowserSplitView->addWidget(previewPlace);
     m_imageViewBrowserSplitView->addWidget(m_imageListPane);
     m_imageViewBrowserSplitView->setStretchFactor(0, 3);
     m_imageViewBrowserSplitView->setStretchFactor(1, 2);
@@ -157,7 +166,8 @@ void MainWindow::connectCommands()
     connectWindowCommands();
 
     m_actions->setHandler(ActionId::ApplyPresets, [this] { m_presetsPanel->addSelectedWPresetsToApplied(); });
-    m_actions->setCondition(ActionId::ApplyPresets, [this] { return m_presetsPanel->hasSelectedWPresets(); });
+    m_actions->setCondition(ActionId::ApplyPresets,
+                            [this] { return !m_presetsPanel->selectedWPresets().empty(); });
     connect(m_presetsPanel, &PresetsPanel::presetsManagerWanted, this,
             [this] { m_actions->run(ActionId::ToggleWatermarkPresets); });
     connect(m_presetsPanel, &PresetsPanel::wPresetsSelectionChanged, this, &MainWindow::scheduleUpdate);
@@ -174,8 +184,11 @@ void MainWindow::connectCommands()
     showMode(controller.appliedPresets().isInSingleMode());
 
     connect(&controller, &AppController::commandStateChanged, this, &MainWindow::scheduleUpdate);
+    ImageBrowserViewController &browser = m_imageListPane->browserController();
+    connect(&browser, &ImageBrowserViewController::browserZoomFactorChanged, this,
+            &MainWindow::scheduleUpdate);
+    connect(&browser, &ImageBrowserViewController::copiesFailed, this, &MainWindow::reportFailedCopies);
     connect(m_actions, &CommandActions::commandRun, this, &MainWindow::scheduleUpdate);
-    connect(m_previewPlace, &EmptyFrame::filesDropped, &controller.imageSet(), &ImageSet::scanImagesAtPaths);
 }
 
 void MainWindow::connectWindowCommands()
@@ -198,6 +211,8 @@ void MainWindow::connectWindowCommands()
         connect(dialog, &PreferencesDialog::settingChanged, this, [this](QLatin1String key) {
             if (key == settings::combineAllAppliedPresetsInImage)
                 Q_EMIT m_services.controller.previewOutdated();
+            else if (key == settings::browserShowOriginalOnMouseOver)
+                m_imageListPane->browserController().followShowOriginalOnMouseOver();
         });
         dialog->open();
     });
@@ -229,6 +244,12 @@ void MainWindow::setWPresets(const WPresetList &presets)
     m_presetsPanel->setWPresets(presets);
 }
 
+std::shared_ptr<WPreset> MainWindow::selectedWPreset() const
+{
+    const WPresetList selected = m_presetsPanel->selectedWPresets();
+    return selected.size() == 1 ? selected.front() : nullptr;
+}
+
 void MainWindow::present()
 {
     setWindowState(windowState() & ~Qt::WindowMinimized);
@@ -253,6 +274,18 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
         QMainWindow::keyPressEvent(event);
 }
 
+/// Files may be dropped anywhere on the window.
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    acceptFiles(event);
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    acceptFiles(event);
+    m_services.controller.imageSet().scanImagesAtPaths(droppedFiles(event->mimeData()));
+}
+
 /// Many small changes are looked at once.
 void MainWindow::scheduleUpdate()
 {
@@ -267,6 +300,18 @@ void MainWindow::updateCommands()
     m_isUpdateScheduled = false;
     m_actions->update(m_services.controller.commandState(
         m_services.defaults.floatForKey(settings::imageBrowserZoomFactor)));
+}
+
+/// Of copies that were dragged or copied to another program.
+void MainWindow::reportFailedCopies(const QStringList &failures)
+{
+    Alert alert;
+    alert.style = Alert::Style::Warning;
+    alert.title = tr("%n copies could not be made", nullptr, static_cast<int>(failures.size()));
+    alert.text = failures.mid(0, kListedFailures).join(QLatin1Char('\n'));
+    if (failures.size() > kListedFailures)
+        alert.text += tr("\n  ...and %1 more...").arg(failures.size() - kListedFailures);
+    m_services.alerts.run(alert);
 }
 
 void MainWindow::showAbout()

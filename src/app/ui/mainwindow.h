@@ -11,9 +11,9 @@ class QSplitter;
 namespace plexa
 {
 
+class Alerts;
 class AppController;
 class CommandActions;
-class EmptyFrame;
 class ImageListPane;
 class PresetsPanel;
 class UserDefaults;
@@ -27,6 +27,8 @@ public:
     struct Services {
         AppController &controller;
         UserDefaults &defaults;
+        Alerts &alerts;
+        int threads; ///< photos that are worked on at a time
     };
 
     /// @param services  outlive the window
@@ -38,11 +40,11 @@ public:
     /// All watermark presets, for the list of presets mode.
     void setWPresets(const WPresetList &presets);
 
+    /// The one preset that is selected in that list; null when there is not exactly one.
+    std::shared_ptr<WPreset> selectedWPreset() const;
+
     /// Shows the window, whether it was closed, minimized or behind others.
     void present();
-
-    /// Stores where the window and its dividers stand.
-    void rememberGeometry();
 
 Q_SIGNALS:
     /// The user has closed the window; the program goes on.
@@ -52,6 +54,8 @@ Q_SIGNALS:
 protected:
     void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private:
     void makeViews();
@@ -60,13 +64,14 @@ private:
     void connectCommands();
     void connectWindowCommands();
     void restoreGeometryFromSettings();
+    void rememberGeometry();
     void scheduleUpdate();
     void updateCommands();
+    void reportFailedCopies(const QStringList &failures);
     void showAbout();
 
     const Services m_services;
     CommandActions *const m_actions;
-    EmptyFrame *m_previewPlace = nullptr;
     ImageListPane *m_imageListPane = nullptr;
     PresetsPanel *m_presetsPanel = nullptr;
     QSplitter *m_imageViewBrowserSplitView = nullptr;

@@ -71,10 +71,8 @@ QMimeData *PresetListModel::mimeData(const QModelIndexList &indexes) const
 {
     QByteArray rows;
     QDataStream stream(&rows, QIODevice::WriteOnly);
-    IndexList list;
     for (const QModelIndex &index : indexes)
-        list.append(index.row());
-    stream << list;
+        stream << qint32(index.row());
     auto *const data = new QMimeData;
     data->setData(kDraggedRowsType, rows);
     return data;
@@ -85,7 +83,11 @@ IndexList PresetListModel::draggedRows(const QMimeData *data)
     const QByteArray rows = data->data(kDraggedRowsType);
     QDataStream stream(rows);
     IndexList list;
-    stream >> list;
+    while (!stream.atEnd()) {
+        qint32 row = 0;
+        stream >> row;
+        list.append(row);
+    }
     return stream.status() == QDataStream::Ok ? list : IndexList();
 }
 

@@ -9,6 +9,7 @@
 #include "app/ui/presetlistview.h"
 #include "app/ui/sectiontitle.h"
 
+#include <QAction>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QStackedWidget>
@@ -75,6 +76,16 @@ QWidget *PresetsPanel::makePresetsView(CommandActions &actions)
                                 "double-click one to edit it."));
     m_allTable->setEmptyHint(tr("No presets yet"));
 
+    const auto setContextMenu = [&actions](QWidget *table, std::initializer_list<ActionId> ids) {
+        table->setContextMenuPolicy(Qt::ActionsContextMenu);
+        for (const ActionId id : ids)
+            table->addAction(actions.action(id));
+    };
+    setContextMenu(m_appliedTable, {ActionId::RemoveAppliedPresets, ActionId::ClearAppliedPresets,
+                                    ActionId::ToggleWatermarkPresets});
+    setContextMenu(m_allTable,
+                   {ActionId::ApplyPresets, ActionId::LoadPreset, ActionId::ToggleWatermarkPresets});
+
     auto *const view = new QWidget;
     auto *const layout = new QVBoxLayout(view);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -131,17 +142,17 @@ void PresetsPanel::setWPresets(const WPresetList &presets)
     Q_EMIT wPresetsSelectionChanged();
 }
 
-bool PresetsPanel::hasSelectedWPresets() const
-{
-    return m_allTable->selectionModel()->hasSelection();
-}
-
-void PresetsPanel::addSelectedWPresetsToApplied()
+WPresetList PresetsPanel::selectedWPresets() const
 {
     WPresetList selected;
     for (const int row : m_allTable->selectedRows())
         selected.push_back(m_allModel->presets()[static_cast<std::size_t>(row)]);
-    m_applied.addWPresetsToApplied(selected);
+    return selected;
+}
+
+void PresetsPanel::addSelectedWPresetsToApplied()
+{
+    m_applied.addWPresetsToApplied(selectedWPresets());
 }
 
 void PresetsPanel::showMode()

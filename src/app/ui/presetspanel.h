@@ -35,7 +35,8 @@ public:
     /// Where the editor of the single watermark belongs.
     QWidget *quickWPresetContainer() const { return m_quickContainer; }
 
-    bool hasSelectedWPresets() const;
+    /// In the list of all presets, in its order.
+    WPresetList selectedWPresets() const;
     /// Applies what is selected in the list of all presets.
     void addSelectedWPresetsToApplied();
 

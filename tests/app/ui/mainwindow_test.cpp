@@ -6,16 +6,20 @@
 #include "app/ui/mainwindow.h"
 #include "app/ui/messageboxalerts.h"
 #include "app/workingset.h"
+#include "views/imagebrowserview.h"
 
 #include <QAbstractButton>
 #include <QAction>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QSignalSpy>
+#include <QSlider>
 #include <QSplitter>
 #include <QThread>
 #include <QTimer>
@@ -31,6 +35,10 @@ private Q_SLOTS:
     void commandsAreComplete();
     void commandsFollowTheSelection();
     void searchFieldFilters();
+    void gridShowsTheSet();
+    void gridIsZoomed();
+    void copiesToTheClipboard();
+    void filesAreDroppedAnywhere();
     void batchModeIsRefused();
     void keysBelongToTheirViews();
     void geometryIsRemembered();
@@ -69,7 +77,7 @@ struct Fixture {
     AppController controller{{files.photos, files.defaults, files.alerts, 2}};
     ImageSet &set = controller.imageSet();
     bool active = false;
-    mutable MainWindow window{{controller, files.defaults}};
+    mutable MainWindow window{{controller, files.defaults, files.alerts, 2}};
 };
 
 /// Works on the message box that comes up next.
@@ -174,6 +182,109 @@ void MainWindowTest::searchFieldFilters()
     QTRY_COMPARE(shownNames(f.set), QStringLiteral("a B ab new"));
 }
 
+void MainWindowTest::gridShowsTheSet()
+{
+    Fixture f;
+    QVERIFY(f.active);
+    auto &grid = f.find<ImageBrowserView>("imageBrowser");
+    f.set.scanImagesAtPaths({f.files.photo(QStringLiteral("a.png")), f.files.photo(QStringLiteral("b.png")),
+                             f.files.photo(QStringLiteral("c.png")), f.files.photo(QStringLiteral("d.png"))});
+    QTRY_VERIFY(isIdle(f.set) && f.set.images()->size() == 4);
+    QCOMPARE(grid.numberImages(), 4);
+    const auto click = [&grid](int index, Qt::KeyboardModifiers modifiers) {
+        const QPoint at = grid.viewportRect(*grid.cellForIndex(index)).center().toPoint();
+        QTest::mouseClick(grid.viewport(), Qt::LeftButton, modifiers, at);
+    };
+    click(1, {});
+    click(3, Qt::ControlModifier);
+    QCOMPARE(f.set.selection().selectedIndexes(), IndexList({1, 3}));
+    QCOMPARE(f.set.selection().shownImageIndex(), 3);
+    QTest::keyClick(&grid, Qt::Key_I, Qt::ControlModifier);
+    QCOMPARE(grid.selectionIndexes(), IndexList({0, 2}));
+
+    f.set.moveIndexes({0, 2}, 4);
+    QCOMPARE(grid.filename(0) + grid.filename(1) + grid.filename(2) + grid.filename(3),
+             QStringLiteral("bdac"));
+    QCOMPARE(grid.selectionIndexes(), IndexList({2, 3}));
+    f.window.actions().run(ActionId::SwitchBatchMode); // and back: the selection stays
+    f.window.actions().run(ActionId::SwitchBatchMode);
+    QCOMPARE(grid.selectionIndexes(), IndexList({2, 3}));
+    QTest::keyClick(&grid, Qt::Key_Delete);
+    QCOMPARE(shownNames(f.set), QStringLiteral("b d"));
+    QCOMPARE(grid.numberImages(), 2);
+    QCOMPARE(grid.selectionIndexes(), IndexList({1}));
+    f.set.filterImages(QStringLiteral("b"));
+    QCOMPARE(grid.selectionIndexes(), IndexList());
+    QCOMPARE(grid.numberImages(), 1);
+}
+
+void MainWindowTest::gridIsZoomed()
+{
+    Fixture f;
+    f.files.defaults.setObject(settings::imageBrowserZoomFactor, 0.95);
+    f.set.setImageListModeToBrowser(true);
+    auto &grid = f.find<ImageBrowserView>("imageBrowser");
+    QCOMPARE(grid.zoomFactor(), 0.95F); // not rounded to a step of the slider
+    QTRY_VERIFY(f.find<QAbstractButton>("browserZoomInButton").isEnabled());
+    QTest::mouseClick(&f.find<QAbstractButton>("browserZoomInButton"), Qt::LeftButton);
+    QCOMPARE(f.files.defaults.floatForKey(settings::imageBrowserZoomFactor), 1.0F);
+    QTRY_VERIFY(!f.isEnabled(ActionId::BrowserZoomIn));
+    auto &slider = f.find<QSlider>("browserZoomSlider");
+    QTest::keyClick(&slider, Qt::Key_Home);
+    QCOMPARE(grid.zoomFactor(), 0.0F);
+    QTRY_VERIFY(!f.isEnabled(ActionId::BrowserZoomOut));
+
+    const bool showed = grid.showFilenames();
+    f.window.actions().run(ActionId::ToggleFilenames);
+    QCOMPARE(grid.showFilenames(), !showed);
+    QCOMPARE(f.files.defaults.boolForKey(settings::imageBrowserShowsNames), !showed);
+    f.window.actions().run(ActionId::ToggleFilenames);
+    QCOMPARE(f.window.actions().action(ActionId::ToggleFilenames)->text().remove(QLatin1Char('&')),
+             showed ? QStringLiteral("Hide Filenames in Browser")
+                    : QStringLiteral("Show Filenames in Browser"));
+}
+
+void MainWindowTest::copiesToTheClipboard()
+{
+    Fixture f;
+    QVERIFY(f.active);
+    f.controller.appliedPresets().modeDidChange(1);
+    WPresetValues values;
+    values.textTokens = QStringList{QStringLiteral("mark")};
+    const WPresetList presets = {std::make_shared<WPreset>(values), std::make_shared<WPreset>(values)};
+    f.controller.appliedPresets().addWPresetsToApplied(presets);
+    f.addPhotos({QStringLiteral("a.png"), QStringLiteral("b.png")});
+    f.set.selection().selectAll();
+    QTRY_VERIFY(f.isEnabled(ActionId::CopyImages));
+    QTest::keyClick(&f.find<ImageBrowserView>("imageBrowser"), Qt::Key_C, Qt::ControlModifier);
+    const QMimeData *data = QGuiApplication::clipboard()->mimeData();
+    QVERIFY(data);
+    QCOMPARE(data->urls().size(), 4); // two photos with two presets each
+    QCOMPARE(QImage(data->urls().last().toLocalFile()).size(), QSize(64, 48));
+}
+
+void MainWindowTest::filesAreDroppedAnywhere()
+{
+    Fixture f;
+    QMimeData data;
+    data.setUrls(
+        {QUrl::fromLocalFile(f.files.photo(QStringLiteral("folder/a.png"))).adjusted(QUrl::RemoveFilename)});
+    std::size_t dropped = 0;
+    for (const char *place : {"mainWindow", "imageBrowser"}) {
+        QWidget *target = &f.window;
+        if (qstrcmp(place, "imageBrowser") == 0)
+            target = f.find<ImageBrowserView>(place).viewport();
+        QDragEnterEvent enter(QPoint(20, 20), Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(target, &enter);
+        QVERIFY2(enter.isAccepted(), place);
+        QDropEvent drop(QPoint(20, 20), Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(target, &drop);
+        ++dropped;
+        QTRY_COMPARE(f.set.images()->size(), dropped);
+        QTRY_VERIFY(isIdle(f.set));
+    }
+}
+
 void MainWindowTest::batchModeIsRefused()
 {
     Fixture f;
@@ -225,7 +336,7 @@ void MainWindowTest::geometryIsRemembered()
     QCOMPARE(closed.count(), 1);
     QVERIFY(!f.window.isVisible());
 
-    MainWindow again({f.controller, f.files.defaults});
+    MainWindow again({f.controller, f.files.defaults, f.files.alerts, 2});
     again.show();
     QCOMPARE(again.size(), QSize(900, 620));
     QCOMPARE(again.findChild<QSplitter *>(QStringLiteral("imageViewBrowserSplitView"))->sizes(), sizes);
