@@ -2,6 +2,8 @@
 
 #include "app/appcontroller.h"
 
+#include "presets/presetsstore.h"
+
 namespace plexa
 {
 
@@ -40,6 +42,25 @@ void AppController::connectAll()
     connect(&m_imageSet, &ImageSet::imagesInserted, this, changed);
     connect(&m_imageSet, &ImageSet::imagesRemoved, this, changed);
     connect(&m_imageSet, &ImageSet::listReset, this, changed);
+}
+
+void AppController::readPresets(PresetsStore &store)
+{
+    m_store = &store;
+    store.readAll();
+    const auto takeQuickPreset = [this] { m_appliedPresets.setQuickWPreset(m_store->quickWPreset()); };
+    takeQuickPreset();
+    connect(&store, &PresetsStore::quickWPresetChanged, this, takeQuickPreset);
+    m_appliedPresets.restoreAppliedPresets(store.wPresets());
+}
+
+void AppController::rememberPresets()
+{
+    if (m_store) {
+        m_store->saveWPresets(PresetsStore::Slot::Quick);
+        m_store->saveSavingPresets(PresetsStore::Slot::Quick);
+    }
+    m_appliedPresets.rememberAppliedPresets();
 }
 
 CommandState AppController::commandState(float browserZoomFactor) const

@@ -14,6 +14,8 @@
 namespace plexa
 {
 
+class PresetsStore;
+
 /// The batch save as the commands see it.
 struct SavingControl {
     std::function<bool()> isSavingInProgress;
@@ -45,6 +47,14 @@ public:
     /// Who saves, as soon as there is somebody.
     void setSaving(const SavingControl &saving) { m_saving = saving; }
 
+    /// What a start does with presets: reads them, makes the quick preset of the store the one of single
+    /// mode, also when it is replaced, and applies what was applied last time, if the user wants that.
+    /// @param store  outlives this object
+    void readPresets(PresetsStore &store);
+
+    /// What closing the window keeps: the quick presets, and the names of those that are applied.
+    void rememberPresets();
+
     /// What the rules for menus and buttons look at.
     /// @param browserZoomFactor  of the grid, which knows it
     CommandState commandState(float browserZoomFactor) const;
@@ -74,6 +84,7 @@ private:
     void connectAll();
 
     SavingControl m_saving;
+    PresetsStore *m_store = nullptr;
     StatusManager m_status;
     AppliedPresets m_appliedPresets;
     ImageSet m_imageSet;

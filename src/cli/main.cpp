@@ -2,6 +2,7 @@
 
 #include "cli/inspectcommand.h"
 #include "cli/interruption.h"
+#include "cli/presetscommand.h"
 #include "cli/savecommand.h"
 #include "platform/applicationname.h"
 
@@ -36,6 +37,8 @@ int run(int argc, char **argv)
     CLI::App *saveCommand = addSaveCommand(program, save);
     InspectOptions inspect;
     CLI::App *inspectCommand = addInspectCommand(program, inspect);
+    PresetsOptions presets;
+    CLI::App *presetsCommand = addPresetsCommand(program, presets);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
@@ -46,6 +49,8 @@ int run(int argc, char **argv)
         return runSave(save);
     if (*inspectCommand)
         return runInspect(inspect);
+    if (*presetsCommand)
+        return runPresets(presets);
     return kWrongUsage;
 }
 

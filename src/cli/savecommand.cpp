@@ -6,6 +6,7 @@
 #include "cli/interruption.h"
 #include "cli/messages.h"
 #include "cli/photopaths.h"
+#include "cli/presetselection.h"
 #include "cli/savereport.h"
 #include "images/imageobject.h"
 #include "platform/alerts.h"
@@ -100,27 +101,13 @@ Result<WPresetValues> quickPreset(const SaveOptions &options, const FontCatalog 
     return values;
 }
 
-/// The preset of that name in a file of saving presets; without a name, the only one.
-Result<SavingPresetValues> savingPresetFromFile(const SaveOptions &options)
+Result<std::vector<AppliedPreset>> effectivePresets(const SaveOptions &options, const FontCatalog &fonts)
 {
-    const QString path = QString::fromStdString(options.savingPresetsFile);
-    QByteArray errors;
-    ReadCode code{};
-    const auto presets =
-        SavingPreset::readObjectsFromFile(path, applicationNameWithCompany(true, false, true), code,
-                                          [&](const QByteArray &line) { errors += line; });
-    if (!presets)
-        return fail(QStringLiteral("\"%1\" is no file of saving presets: %2")
-                        .arg(path, onOneLine(QString::fromUtf8(errors.trimmed()))));
-    const QString name = QString::fromStdString(options.savingPreset);
-    QStringList names;
-    for (const auto &preset : *presets) {
-        if (preset->name() == name || (options.savingPreset.empty() && presets->size() == 1))
-            return preset->values();
-        names.append(preset->name());
-    }
-    return fail(QStringLiteral("--saving-preset has to name one of the presets in \"%1\": \"%2\"")
-                    .arg(path, names.join(QLatin1String("\", \""))));
+    if (isPresetsMode(options))
+        return appliedPresets(options);
+    return quickPreset(options, fonts).map([](WPresetValues &&values) {
+        return std::vector<AppliedPreset>{{nullptr, std::move(values)}};
+    });
 }
 
 Result<SavingPresetValues> runSavingPreset(const SaveOptions &options)
@@ -129,12 +116,14 @@ Result<SavingPresetValues> runSavingPreset(const SaveOptions &options)
     preset.imageFormat = QStringLiteral("Original");
     preset.jpegQuality = kQuality;
     preset.filenameTokens = {QStringLiteral("filename")};
-    if (!options.savingPresetsFile.empty()) {
-        Result<SavingPresetValues> stored = savingPresetFromFile(options);
-        if (!stored)
-            return stored;
-        preset = std::move(*stored);
-    }
+    // Copies of one photo with one watermark each are told apart by these.
+    if (isPresetsMode(options) && !options.combine)
+        preset.filenameTokens += {QStringLiteral("-"), QStringLiteral("watermark preset name")};
+    Result<std::optional<SavingPresetValues>> chosen = chosenSavingPreset(options);
+    if (!chosen)
+        return tl::unexpected(chosen.error());
+    if (*chosen)
+        preset = std::move(**chosen);
     for (const std::string &field : options.savingFields) {
         if (Result<void> applied = applySavingField(preset, field); !applied)
             return tl::unexpected(applied.error());
@@ -169,9 +158,9 @@ OutputNaming::ConflictCode conflictCode(const std::string &conflict)
 /// Everything that can be wrong with the command line is found here, before any file is touched.
 Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
 {
-    Result<WPresetValues> values = quickPreset(options, fonts);
-    if (!values)
-        return tl::unexpected(values.error());
+    Result<std::vector<AppliedPreset>> applied = effectivePresets(options, fonts);
+    if (!applied)
+        return tl::unexpected(applied.error());
     Result<SavingPresetValues> savingPreset = runSavingPreset(options);
     if (!savingPreset)
         return tl::unexpected(savingPreset.error());
@@ -180,8 +169,8 @@ Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
         return tl::unexpected(folders.error());
 
     SavingRun run;
-    run.effectivePresets = presetsToSave({{nullptr, std::move(*values)}});
-    run.isInSingleMode = true;
+    run.effectivePresets = presetsToSave(*applied);
+    run.isInSingleMode = !isPresetsMode(options);
     run.defaultSavingPreset = std::move(*savingPreset);
     run.folders = std::move(*folders);
     run.combineAllAppliedPresetsInImage = options.combine;
@@ -221,20 +210,53 @@ int saveAll(SavingRun &run, const std::vector<PhotoPath> &photos, const SaveOpti
     return report.isComplete() ? kAllDone : kSomethingFailed;
 }
 
+/// The options for stored presets.
+/// @param quickOptions  those that make a watermark on the command line
+void addPresetOptions(CLI::App &command, SaveOptions &options, const std::vector<CLI::Option *> &quickOptions)
+{
+    auto *wPresets =
+        command
+            .add_option("--wpresets", options.wPresetsFile,
+                        "The watermarks: the presets in FILE; default for --apply: your own presets")
+            ->type_name("FILE");
+    auto *apply =
+        command
+            .add_option("--apply", options.applied,
+                        "Apply the watermark preset of this name only; may be given several times, in "
+                        "the order of drawing")
+            ->type_name("NAME")
+            ->expected(1)
+            ->take_all()
+            ->allow_extra_args(false);
+    for (CLI::Option *quickOption : quickOptions) {
+        wPresets->excludes(quickOption);
+        apply->excludes(quickOption);
+    }
+    command
+        .add_option("--saving-presets", options.savingPresetsFile,
+                    "A file of saving presets, which say how copies are saved; default: your own presets")
+        ->type_name("FILE");
+    command.add_option("--saving-preset", options.savingPreset, "The name of the one for this run")
+        ->type_name("NAME");
+}
+
 } // namespace
 
 CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options)
 {
     CLI::App *command = program.add_subcommand("save", "Watermark photos and folders of photos");
     auto *text = command->add_option("--text", options.text, "The watermark: a text")->type_name("TEXT");
-    command->add_option("--image", options.image, "The watermark: a picture, SVG included")
-        ->type_name("FILE")
-        ->excludes(text);
-    command->add_option("--set", options.fields, "Set a field of the watermark, as in --set anchorPoint=8")
-        ->type_name("FIELD=VALUE")
-        ->expected(1)
-        ->take_all()
-        ->allow_extra_args(false);
+    auto *image = command->add_option("--image", options.image, "The watermark: a picture, SVG included")
+                      ->type_name("FILE")
+                      ->excludes(text);
+    auto *set =
+        command
+            ->add_option("--set", options.fields, "Set a field of the watermark, as in --set anchorPoint=8")
+            ->type_name("FIELD=VALUE")
+            ->expected(1)
+            ->take_all()
+            ->allow_extra_args(false);
+    addPresetOptions(*command, options, {text, image, set});
     command
         ->add_option("--save-set", options.savingFields,
                      "Set how copies are saved, as in --save-set jpegQuality=90")
@@ -242,13 +264,6 @@ CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options)
         ->expected(1)
         ->take_all()
         ->allow_extra_args(false);
-    auto *presetsFile = command
-                            ->add_option("--saving-presets", options.savingPresetsFile,
-                                         "A file of saving presets, one of which says how copies are saved")
-                            ->type_name("FILE");
-    command->add_option("--saving-preset", options.savingPreset, "The name of the one")
-        ->type_name("NAME")
-        ->needs(presetsFile);
     auto *output = command
                        ->add_option("--output", options.output,
                                     "The folder for the copies, made when it is not there; default: each "
@@ -283,8 +298,9 @@ int runSave(const SaveOptions &options)
 {
     if (options.text && options.text->empty())
         return refuse(QStringLiteral("--text is empty, so there is no watermark"));
-    if (!options.text && options.image.empty() && options.fields.empty())
-        return refuse(QStringLiteral("there is no watermark: give --text, --image or --set"));
+    if (!options.text && options.image.empty() && options.fields.empty() && !isPresetsMode(options))
+        return refuse(
+            QStringLiteral("there is no watermark: give --text, --image, --set, --wpresets or --apply"));
     const FontCatalog fonts;
     Result<SavingRun> run = planRun(options, fonts);
     if (!run)

@@ -20,9 +20,11 @@ struct SaveOptions {
     std::string image;
     std::vector<std::string> fields;       ///< "FIELD=VALUE" of the quick preset
     std::vector<std::string> savingFields; ///< "FIELD=VALUE" of the run's saving preset
-    std::string savingPresetsFile;
-    std::string savingPreset; ///< the name of one in the file
-    std::string output;       ///< empty: beside each original
+    std::string wPresetsFile;              ///< watermark presets; empty: the user's own list
+    std::vector<std::string> applied;      ///< names of watermark presets, in the order of drawing
+    std::string savingPresetsFile;         ///< empty: the user's own list
+    std::string savingPreset;              ///< the name of one in it
+    std::string output;                    ///< empty: beside each original
     std::string replicateFrom;
     std::string conflict = "unique";
     std::vector<std::string> paths;

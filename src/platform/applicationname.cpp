@@ -56,6 +56,11 @@ QString applicationNameWithCompany(bool withCompany, bool andMajorVersion, bool 
     return name;
 }
 
+QString firstVersionApplicationName()
+{
+    return QStringLiteral("Quorvel Plexa 1");
+}
+
 QString applicationSupportSubdirectory()
 {
     const QString path = applicationSupportBase() + QLatin1Char('/') + companyName(true) + QLatin1Char('/') +

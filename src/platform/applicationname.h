@@ -27,6 +27,9 @@ QString companyName(bool fromBundleInfo, const BundleInfo &bundle = BundleInfo::
 QString applicationNameWithCompany(bool withCompany, bool andMajorVersion, bool fromBundleInfo,
                                    const BundleInfo &bundle = BundleInfo::own());
 
+/// The name by which the first major version marked its files, and called its folder.
+QString firstVersionApplicationName();
+
 /// The user's folder for the program's own files, created where it is missing. Failures are logged, and the
 /// path is returned all the same: what is read or written there then fails for itself.
 QString applicationSupportSubdirectory();

@@ -2,6 +2,7 @@
 
 #include "presets/xmlfile.h"
 
+#include "platform/applicationname.h"
 #include "platform/atomicfile.h"
 #include "presets/xmlnumbers.h"
 
@@ -11,9 +12,6 @@ namespace plexa
 {
 namespace
 {
-
-// The name by which the first major version marked its files.
-const QString kFirstVersionAppID = QStringLiteral("Quorvel Plexa 1");
 
 void logAbstractCall(const char *function)
 {
@@ -33,7 +31,8 @@ bool isRoot(const XMLParser::Element *root, const QString &appID, const QString 
     if (!root || root->name() != name.toUtf8() || root->attributeCount() != 2)
         return false;
     const std::optional<QByteArray> application = root->attributeValue("application");
-    return application && (*application == appID.toUtf8() || *application == kFirstVersionAppID.toUtf8());
+    return application &&
+           (*application == appID.toUtf8() || *application == firstVersionApplicationName().toUtf8());
 }
 
 } // namespace

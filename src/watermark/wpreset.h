@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace plexa
 {
@@ -92,5 +93,8 @@ Q_SIGNALS:
 private:
     WPresetValues m_values;
 };
+
+/// Watermark presets in the order in which they are drawn. A preset is known by its identity.
+using WPresetList = std::vector<std::shared_ptr<WPreset>>;
 
 } // namespace plexa

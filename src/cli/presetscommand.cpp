@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "cli/presetscommand.h"
+
+#include "cli/messages.h"
+#include "cli/presetfiles.h"
+#include "platform/applicationname.h"
+#include "presets/wpresetarchive.h"
+#include "watermark/texttokens.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <CLI/CLI.hpp>
+
+namespace plexa
+{
+
+namespace
+{
+
+constexpr int kSomethingFailed = 1;
+
+/// Stands for a saving preset that is assigned but lies in another file.
+class SavingPresetNumber final : public SavingPresetReference
+{
+public:
+    explicit SavingPresetNumber(qint64 presetID)
+        : m_presetID(presetID)
+    {
+    }
+    qint64 presetID() const override { return m_presetID; }
+
+private:
+    qint64 m_presetID;
+};
+
+/// The presets of one file, of either kind.
+struct PresetsFile {
+    bool areWatermarks = false;
+    bool isLater = false;
+    WPresetList wPresets;
+    SavingPresetList savingPresets;
+};
+
+Result<PresetsFile> readPresetsFile(const QString &path)
+{
+    if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) // opening a pipe would wait for its other end
+        return fail(QStringLiteral("it is not a regular file"));
+    QFile contents(path);
+    if (!contents.open(QIODevice::ReadOnly))
+        return fail(contents.errorString());
+    // The two kinds are as different as can be, whatever the file is called.
+    PresetsFile file;
+    file.areWatermarks = contents.peek(8).startsWith("bplist");
+    contents.close();
+    if (!file.areWatermarks) {
+        return savingPresetsIn(path).map([&](const SavingPresetList &list) {
+            file.savingPresets = list;
+            return file;
+        });
+    }
+    const auto number = [](qint64 presetID) { return std::make_shared<SavingPresetNumber>(presetID); };
+    return readWPresetsFromFile(path, &file.isLater, number).map([&](const WPresetList &list) {
+        file.wPresets = list;
+        return file;
+    });
+}
+
+QJsonValue toJson(const QStringList &texts)
+{
+    return QJsonArray::fromStringList(texts);
+}
+
+template<class T>
+QJsonValue toJson(const T &value)
+{
+    return value;
+}
+
+QJsonObject asJson(const SavingPreset &preset)
+{
+    QJsonObject object{{QStringLiteral("presetID"), preset.presetID()}};
+#define PLEXA_INSERT_FIELD(name, Name, Type, initial)                                                        \
+    object.insert(QStringLiteral(#name), toJson(preset.values().name));
+    PLEXA_SAVINGPRESET_FIELDS(PLEXA_INSERT_FIELD)
+#undef PLEXA_INSERT_FIELD
+    return object;
+}
+
+/// Texts as they are, tokens in brackets.
+QString textOf(const QStringList &pieces)
+{
+    QString text;
+    for (const QString &piece : pieces)
+        text += tokenNames().contains(piece) ? u'[' + piece + u']' : piece;
+    return text.replace(u'\n', QLatin1String(" / "));
+}
+
+QString lineFor(const WPreset &preset)
+{
+    if (preset.type() != QLatin1String("Image"))
+        return QStringLiteral("%1: text, %2").arg(preset.name(), textOf(preset.textTokens()));
+    const QSizeF size = preset.image().size();
+    return preset.image().isNull()
+               ? QStringLiteral("%1: image, none").arg(preset.name())
+               : QStringLiteral("%1: image, %2 x %3").arg(preset.name()).arg(size.width()).arg(size.height());
+}
+
+QString lineFor(const SavingPreset &preset)
+{
+    return QStringLiteral("%1: %2, %3")
+        .arg(preset.name(), preset.imageFormat(), preset.filenameTokens().join(QLatin1String(", ")));
+}
+
+void print(const PresetsFile &file, bool json)
+{
+    QJsonArray objects;
+    for (const auto &preset : file.wPresets) {
+        if (json)
+            objects.append(asJson(preset->values()));
+        else
+            printLine(stdout, onOneLine(lineFor(*preset)));
+    }
+    for (const auto &preset : file.savingPresets) {
+        if (json)
+            objects.append(asJson(*preset));
+        else
+            printLine(stdout, onOneLine(lineFor(*preset)));
+    }
+    if (json)
+        printLine(stdout, QString::fromUtf8(QJsonDocument(objects).toJson().trimmed()));
+}
+
+Result<void> convert(const PresetsFile &file, const QString &target)
+{
+    if (file.isLater)
+        return fail(
+            QStringLiteral("a later version of Plexa wrote it; today's form would leave out what that "
+                           "version added"));
+    const Result<void> written =
+        file.areWatermarks ? writeWPresets(file.wPresets, target)
+                           : SavingPreset::writeObjects(file.savingPresets, target,
+                                                        applicationNameWithCompany(true, false, true));
+    if (!written)
+        return fail(QStringLiteral("\"%1\" cannot be written: %2").arg(target, written.error().text));
+    return written;
+}
+
+} // namespace
+
+CLI::App *addPresetsCommand(CLI::App &program, PresetsOptions &options)
+{
+    CLI::App *command =
+        program.add_subcommand("presets", "Print what a file of watermark presets or saving presets holds");
+    auto *json = command->add_flag("--json", options.json, "Print an array with an object for each preset");
+    command
+        ->add_option("--convert", options.convertTo,
+                     "Print nothing; write the presets to OUT in today's form")
+        ->type_name("OUT")
+        ->excludes(json);
+    command->add_option("FILE", options.file, "A .pxwpr or .pxspr file")->required();
+    return command;
+}
+
+int runPresets(const PresetsOptions &options)
+{
+    const QString path = QFile::decodeName(options.file.c_str());
+    const Result<PresetsFile> file = readPresetsFile(path);
+    if (!file) {
+        printAbout(path, file.error().text);
+        return kSomethingFailed;
+    }
+    if (options.convertTo.empty()) {
+        print(*file, options.json);
+        return 0;
+    }
+    if (const Result<void> converted = convert(*file, QFile::decodeName(options.convertTo.c_str()));
+        !converted) {
+        printAbout(path, converted.error().text);
+        return kSomethingFailed;
+    }
+    return 0;
+}
+
+} // namespace plexa

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "cli/presetselection.h"
+
+#include "cli/presetfiles.h"
+#include "cli/savecommand.h"
+#include "presets/wpresetarchive.h"
+
+#include <QFile>
+
+#include <algorithm>
+
+namespace plexa
+{
+
+namespace
+{
+
+/// The file that was asked for, else the user's own.
+QString fileOrStored(const std::string &file, PresetsStore::Kind kind)
+{
+    return file.empty() ? storedPresetsFile(kind) : QFile::decodeName(file.c_str());
+}
+
+/// The file as it is called in a message.
+QString described(const QString &path)
+{
+    return path.startsWith(u':') ? QStringLiteral("the example presets") : QStringLiteral("\"%1\"").arg(path);
+}
+
+tl::unexpected<Error> unreadable(const QString &path, const Error &error)
+{
+    return fail(QStringLiteral("%1: %2").arg(described(path), error.text));
+}
+
+/// The saving presets that watermark presets may refer to.
+Result<SavingPresetList> assignableSavingPresets(const SaveOptions &options)
+{
+    if (options.savingPresetsFile.empty() && !options.wPresetsFile.empty())
+        return SavingPresetList();
+    const QString path = fileOrStored(options.savingPresetsFile, PresetsStore::Kind::Saving);
+    Result<SavingPresetList> presets = savingPresetsIn(path);
+    return presets ? presets : unreadable(path, presets.error());
+}
+
+SavingPresetPtr withID(const SavingPresetList &presets, qint64 presetID)
+{
+    const auto found = std::find_if(presets.begin(), presets.end(), [presetID](const auto &preset) {
+        return preset->presetID() == presetID;
+    });
+    return found == presets.end() ? nullptr : *found;
+}
+
+} // namespace
+
+bool isPresetsMode(const SaveOptions &options)
+{
+    return !options.wPresetsFile.empty() || !options.applied.empty();
+}
+
+Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
+{
+    const Result<SavingPresetList> assignable = assignableSavingPresets(options);
+    if (!assignable)
+        return tl::unexpected(assignable.error());
+    const QString path = fileOrStored(options.wPresetsFile, PresetsStore::Kind::Watermark);
+    const Result<WPresetList> presets =
+        readWPresetsFromFile(path, nullptr, [&](qint64 presetID) { return withID(*assignable, presetID); });
+    if (!presets)
+        return unreadable(path, presets.error());
+    std::vector<AppliedPreset> applied;
+    const auto apply = [&applied](const std::shared_ptr<WPreset> &preset) {
+        const bool isApplied = std::any_of(applied.begin(), applied.end(), [&](const AppliedPreset &other) {
+            return other.preset == preset;
+        });
+        if (!isApplied)
+            applied.push_back({preset, preset->values()});
+    };
+    if (options.applied.empty())
+        std::for_each(presets->begin(), presets->end(), apply);
+    for (const std::string &name : options.applied) {
+        const QString wanted = QString::fromStdString(name);
+        bool isFound = false;
+        for (const auto &preset : *presets) {
+            if (preset->name() != wanted)
+                continue;
+            apply(preset);
+            isFound = true;
+        }
+        if (!isFound)
+            return fail(QStringLiteral("there is no watermark preset \"%1\" among %2 of %3")
+                            .arg(wanted, namesOf(*presets), described(path)));
+    }
+    if (applied.empty())
+        return fail(QStringLiteral("there are no watermark presets in %1").arg(described(path)));
+    return applied;
+}
+
+Result<std::optional<SavingPresetValues>> chosenSavingPreset(const SaveOptions &options)
+{
+    if (options.savingPresetsFile.empty() && options.savingPreset.empty())
+        return std::optional<SavingPresetValues>();
+    const QString path = fileOrStored(options.savingPresetsFile, PresetsStore::Kind::Saving);
+    const Result<SavingPresetList> presets = savingPresetsIn(path);
+    if (!presets)
+        return unreadable(path, presets.error());
+    const QString name = QString::fromStdString(options.savingPreset);
+    for (const auto &preset : *presets) {
+        if (preset->name() == name || (options.savingPreset.empty() && presets->size() == 1))
+            return std::optional(preset->values());
+    }
+    // A file may be there for the presets that are assigned to watermarks.
+    if (options.savingPreset.empty() && isPresetsMode(options))
+        return std::optional<SavingPresetValues>();
+    return fail(QStringLiteral("--saving-preset has to name one of the presets in %1: %2")
+                    .arg(described(path), namesOf(*presets)));
+}
+
+} // namespace plexa

@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "platform/result.h"
+
+#include <QByteArray>
+#include <QColor>
+#include <QLatin1StringView>
+#include <QList>
+#include <QSizeF>
+#include <QString>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace plexa
+{
+
+// Keyed archives: an object graph as a binary property list, in the form of the desktop that preset files
+// come from. The list has the entries "$version" (100000), "$archiver" ("NSKeyedArchiver"), "$objects" and
+// "$top".
+// "$objects" begins with "$null", which stands for no object; texts, numbers and data lie in it as they are,
+// every other object is a dictionary of its keys whose "$class" refers to the class, a dictionary with
+// "$classname" and "$classes". Objects refer to each other by UIDs, the indexes in "$objects". "$top" holds
+// the archive's own keys. Booleans, floats and integers that are no objects stand beside their keys.
+
+/// A run of positions.
+struct IndexRange {
+    quint64 location = 0;
+    quint64 length = 0;
+
+    bool operator==(const IndexRange &) const = default;
+};
+
+/// A picture as it is archived.
+struct ArchivedImage {
+    QSizeF size;     ///< in points
+    QByteArray tiff; ///< a TIFF file
+    QByteArray svg;  ///< the drawing that the TIFF file was made from, where there is one. Only this program
+                     ///< looks for it; others pass over a key that they do not know.
+};
+
+/// Writes a keyed archive. Objects are added from the leaves up, each with the references of what it holds;
+/// equal texts and numbers become one object. One thread at a time.
+class KeyedArchiver final
+{
+public:
+    /// An object of this archive; 0 is none.
+    enum class Reference : quint32 { None = 0 };
+
+    enum class Mutability { Immutable, Mutable };
+
+    /// Keys with their values, in the order in which they are set. A key that is set again has the new value.
+    class Object final
+    {
+    public:
+        Object();
+        ~Object();
+        Object(Object &&) noexcept;
+        Object &operator=(Object &&) noexcept;
+
+        void setObject(QLatin1StringView key, Reference object);
+        void setBool(QLatin1StringView key, bool value);
+        void setFloat(QLatin1StringView key, float value);
+        void setInteger(QLatin1StringView key, qint64 value);
+        void setBytes(QLatin1StringView key, const QByteArray &bytes);
+
+    private:
+        friend class KeyedArchiver;
+        void *m_dictionary; // owned, until it becomes part of an archive
+    };
+
+    KeyedArchiver();
+    ~KeyedArchiver();
+    KeyedArchiver(const KeyedArchiver &) = delete;
+    KeyedArchiver &operator=(const KeyedArchiver &) = delete;
+
+    /// The archive's own keys.
+    Object &top() { return m_top; }
+
+    /// A null text is none. Null characters are left out, which the form cannot hold.
+    Reference addString(const QString &text);
+    Reference addInteger(qint64 number);
+    Reference addFloat(float number);
+    Reference addArray(const std::vector<Reference> &objects, Mutability mutability);
+    /// @param ranges  ascending, not touching each other
+    Reference addIndexSet(const std::vector<IndexRange> &ranges);
+    /// As calibrated RGB, its numbers being those of sRGB. An invalid colour is none.
+    Reference addColor(const QColor &color);
+    Reference addImage(const ArchivedImage &image);
+    /// An object of a class of our own.
+    Reference addObject(Object object, QLatin1StringView className);
+
+    /// The archive. Once.
+    /// @return a failure when it would be more than is ever read
+    [[nodiscard]] Result<QByteArray> finish();
+
+private:
+    struct State;
+
+    Reference append(void *node);
+    Reference addClass(const std::vector<QLatin1StringView> &lineage);
+    Reference addInstance(Object object, const std::vector<QLatin1StringView> &lineage);
+    Reference addMutableData(const QByteArray &bytes);
+
+    Object m_top;
+    std::unique_ptr<State> m_state;
+};
+
+/// A value in a keyed archive that was read, or none. What it is shows when it is asked for as that: a value
+/// of another kind, a reference to nowhere and an object of another class are none. Copies share the archive,
+/// which lives as long as any of them; one thread at a time.
+class ArchivedValue final
+{
+public:
+    /// None.
+    ArchivedValue() = default;
+
+    /// Opens an archive.
+    /// @return an object with the keys of the archive's top, or a failure as text that follows a file's name
+    [[nodiscard]] static Result<ArchivedValue> readArchive(const QByteArray &bytes);
+
+    bool isNone() const { return !m_node; }
+
+    /// Of an object: the value of that key. References are followed.
+    ArchivedValue value(QLatin1StringView key) const;
+
+    /// Is it an object of that class, or of one that is made from it?
+    bool isOfClass(QLatin1StringView className) const;
+
+    std::optional<QString> string() const;
+    /// A truth counts as 1 or 0. Never infinite, nor not a number.
+    std::optional<double> number() const;
+    /// Numbers with a fraction are cut; those that do not fit are none.
+    std::optional<qint64> integer() const;
+    /// True also for numbers that are not 0; false for none.
+    bool boolean() const;
+    std::optional<QByteArray> data() const;
+    /// Of arrays of both classes. Elements may be none.
+    std::optional<std::vector<ArchivedValue>> array() const;
+    std::optional<std::vector<IndexRange>> indexSet() const;
+
+    /// Of any colour space, as sRGB; invalid when it is none. Numbers of calibrated and device RGB count as
+    /// those of sRGB, CMYK is converted without a profile.
+    QColor color() const;
+
+    /// All representations of a picture, in their order; only their `tiff` is filled, and `svg` of the first
+    /// one.
+    QList<ArchivedImage> imageRepresentations() const;
+
+    /// Tells objects apart: the same for every reference to one object.
+    const void *identity() const { return m_node; }
+
+    /// Has more been asked for, all in all, than an archive may hold? From then on texts, data and arrays are
+    /// none. An object that many others refer to unfolds without end.
+    bool isExhausted() const;
+
+private:
+    struct Archive;
+    ArchivedValue(std::shared_ptr<Archive> archive, void *node);
+
+    ArchivedValue resolved(void *node) const;
+    bool isNode(int type) const;
+    std::optional<std::vector<double>> components(QLatin1StringView key) const;
+    QColor rgbColor() const;
+    QColor colorAtDepth(int depth) const;
+
+    std::shared_ptr<Archive> m_archive;
+    void *m_node = nullptr;
+};
+
+} // namespace plexa

@@ -1,0 +1,406 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/keyedarchive.h"
+#include "platform/propertylistcheck.h"
+
+#include <QCoreApplication>
+
+#include <plist/plist.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace plexa
+{
+namespace
+{
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(plexa::KeyedArchive)
+};
+
+// What an archive gives out, all in all, counted at each reading: many objects may refer to one.
+constexpr qint64 kMaxElements = 1'000'000;
+constexpr qint64 kMaxBytes = kMaxPropertyListBytes + kMaxPropertyListBytes / 4;
+constexpr int kMaxRepresentations = 64;
+constexpr uint32_t kMaxLineage = 16;
+constexpr int kMaxColorDepth = 4; // a catalogue colour holds its fallback
+
+/// How archived colours number their spaces.
+enum ColorSpace {
+    kCalibratedRgb = 1,
+    kDeviceRgb = 2,
+    kCalibratedWhite = 3,
+    kDeviceWhite = 4,
+    kDeviceCmyk = 5,
+    kNamed = 6,
+};
+
+/// A named space is told by this number: sRGB.
+constexpr qint64 kSpaceIdOfSrgb = 7;
+
+/// An iterator of the library, which is plain memory.
+struct Freed {
+    void operator()(void *memory) const { std::free(memory); }
+};
+using Iterator = std::unique_ptr<void, Freed>;
+
+template<class Visit>
+void forEachElement(plist_t array, const Visit &visit)
+{
+    plist_array_iter raw = nullptr;
+    plist_array_new_iter(array, &raw);
+    const Iterator iterator(raw);
+    for (;;) {
+        plist_t item = nullptr;
+        plist_array_next_item(array, iterator.get(), &item);
+        if (!item)
+            return;
+        visit(item);
+    }
+}
+
+/// As it lies in the archive, UTF-8; empty when it is no text.
+QByteArrayView textOf(plist_t node)
+{
+    uint64_t length = 0;
+    const char *const text =
+        plist_get_node_type(node) == PLIST_STRING ? plist_get_string_ptr(node, &length) : nullptr;
+    return text ? QByteArrayView(text, static_cast<qsizetype>(length)) : QByteArrayView("");
+}
+
+bool isText(plist_t node, QLatin1StringView text)
+{
+    return textOf(node) == QByteArrayView(text.data(), text.size());
+}
+
+QColor colorOf(double red, double green, double blue, double alpha)
+{
+    const auto bounded = [](double component) { return static_cast<float>(std::clamp(component, 0.0, 1.0)); };
+    return QColor::fromRgbF(bounded(red), bounded(green), bounded(blue), bounded(alpha));
+}
+
+} // namespace
+
+struct ArchivedValue::Archive {
+    plist_t root = nullptr;
+    std::vector<plist_t> objects;
+    qint64 elementsLeft = kMaxElements;
+    qint64 bytesLeft = kMaxBytes;
+    bool isExhausted = false;
+
+    /// Takes from one of the two; false when there is not so much left.
+    bool take(qint64 &left, qint64 count)
+    {
+        isExhausted = isExhausted || count > left;
+        if (isExhausted)
+            return false;
+        left -= count;
+        return true;
+    }
+
+    Archive() = default;
+    Archive(const Archive &) = delete;
+    Archive &operator=(const Archive &) = delete;
+    ~Archive() { plist_free(root); }
+};
+
+ArchivedValue::ArchivedValue(std::shared_ptr<Archive> archive, void *node)
+    : m_archive(std::move(archive))
+    , m_node(node)
+{
+}
+
+Result<ArchivedValue> ArchivedValue::readArchive(const QByteArray &bytes)
+{
+    const QString fault = faultOfPropertyList(bytes);
+    if (!fault.isEmpty())
+        return fail(fault);
+    const auto archive = std::make_shared<Archive>();
+    plist_from_bin(bytes.constData(), static_cast<uint32_t>(bytes.size()), &archive->root);
+    const auto member = [&](const char *key, plist_type type) -> plist_t {
+        if (!archive->root || plist_get_node_type(archive->root) != PLIST_DICT)
+            return nullptr;
+        const plist_t node = plist_dict_get_item(archive->root, key);
+        return node && plist_get_node_type(node) == type ? node : nullptr;
+    };
+    const plist_t archiver = member("$archiver", PLIST_STRING);
+    const plist_t objects = member("$objects", PLIST_ARRAY);
+    const plist_t top = member("$top", PLIST_DICT);
+    if (!archiver || !isText(archiver, QLatin1StringView("NSKeyedArchiver")) || !objects || !top)
+        return fail(Texts::tr("it is no archive of objects"));
+    archive->objects.reserve(plist_array_get_size(objects));
+    forEachElement(objects, [&](plist_t object) { archive->objects.push_back(object); });
+    return ArchivedValue(archive, top);
+}
+
+bool ArchivedValue::isNode(int type) const
+{
+    return m_node && plist_get_node_type(m_node) == type;
+}
+
+ArchivedValue ArchivedValue::resolved(void *node) const
+{
+    if (!node)
+        return {};
+    if (plist_get_node_type(node) != PLIST_UID)
+        return {m_archive, node};
+    uint64_t index = 0;
+    plist_get_uid_val(node, &index);
+    if (index == 0 || index >= m_archive->objects.size())
+        return {};
+    void *const object = m_archive->objects[index];
+    const plist_type type = plist_get_node_type(object);
+    // A reference to a reference never is.
+    if (type == PLIST_UID || isText(object, QLatin1StringView("$null")))
+        return {};
+    return {m_archive, object};
+}
+
+ArchivedValue ArchivedValue::value(QLatin1StringView key) const
+{
+    return isNode(PLIST_DICT) ? resolved(plist_dict_get_item(m_node, key.data())) : ArchivedValue();
+}
+
+bool ArchivedValue::isOfClass(QLatin1StringView className) const
+{
+    const ArchivedValue type = value(QLatin1StringView("$class"));
+    if (!type.isNode(PLIST_DICT))
+        return false;
+    // Looked for as it is: asking a name for its class would not end.
+    const ArchivedValue name = type.value(QLatin1StringView("$classname"));
+    if (name.isNode(PLIST_STRING) && isText(name.m_node, className))
+        return true;
+    const ArchivedValue lineage = type.value(QLatin1StringView("$classes"));
+    if (!lineage.isNode(PLIST_ARRAY))
+        return false;
+    const uint32_t count = std::min(plist_array_get_size(lineage.m_node), kMaxLineage);
+    for (uint32_t i = 0; i < count; ++i) {
+        if (isText(plist_array_get_item(lineage.m_node, i), className))
+            return true;
+    }
+    return false;
+}
+
+std::optional<QString> ArchivedValue::string() const
+{
+    if (isNode(PLIST_STRING)) {
+        const QByteArrayView text = textOf(m_node);
+        return m_archive->take(m_archive->bytesLeft, text.size()) ? std::optional(QString::fromUtf8(text))
+                                                                  : std::nullopt;
+    }
+    if (!isOfClass(QLatin1StringView("NSString")))
+        return std::nullopt;
+    const ArchivedValue boxed = value(QLatin1StringView("NS.string"));
+    if (boxed.isNode(PLIST_STRING))
+        return boxed.string();
+    const ArchivedValue bytes = value(QLatin1StringView("NS.bytes"));
+    const std::optional<QByteArray> utf8 = bytes.isNode(PLIST_DATA) ? bytes.data() : std::nullopt;
+    return utf8 ? std::optional(QString::fromUtf8(*utf8)) : std::nullopt;
+}
+
+std::optional<double> ArchivedValue::number() const
+{
+    double number = 0;
+    if (isNode(PLIST_REAL))
+        plist_get_real_val(m_node, &number);
+    else if (const std::optional<qint64> whole = integer())
+        number = static_cast<double>(*whole);
+    else
+        return std::nullopt;
+    return std::isfinite(number) ? std::optional(number) : std::nullopt;
+}
+
+std::optional<qint64> ArchivedValue::integer() const
+{
+    if (isNode(PLIST_BOOLEAN)) {
+        uint8_t value = 0;
+        plist_get_bool_val(m_node, &value);
+        return value ? 1 : 0;
+    }
+    if (isNode(PLIST_UINT)) {
+        uint64_t value = 0;
+        plist_get_uint_val(m_node, &value);
+        return static_cast<qint64>(value); // negative numbers come so from the library
+    }
+    if (isNode(PLIST_REAL)) {
+        double value = 0;
+        plist_get_real_val(m_node, &value);
+        constexpr double kLimit = 9.2e18;
+        return std::abs(value) < kLimit ? std::optional(static_cast<qint64>(value)) : std::nullopt;
+    }
+    return std::nullopt;
+}
+
+bool ArchivedValue::boolean() const
+{
+    return number().value_or(0) != 0;
+}
+
+std::optional<QByteArray> ArchivedValue::data() const
+{
+    if (isNode(PLIST_DATA)) {
+        uint64_t length = 0;
+        const char *const bytes = plist_get_data_ptr(m_node, &length);
+        const auto size = static_cast<qint64>(length);
+        return m_archive->take(m_archive->bytesLeft, size) ? std::optional(QByteArray(bytes, size))
+                                                           : std::nullopt;
+    }
+    if (!isOfClass(QLatin1StringView("NSData")))
+        return std::nullopt;
+    const ArchivedValue boxed = value(QLatin1StringView("NS.data"));
+    return boxed.isNode(PLIST_DATA) ? boxed.data() : std::nullopt;
+}
+
+std::optional<std::vector<ArchivedValue>> ArchivedValue::array() const
+{
+    if (!isOfClass(QLatin1StringView("NSArray")))
+        return std::nullopt;
+    const ArchivedValue objects = value(QLatin1StringView("NS.objects"));
+    if (!objects.isNode(PLIST_ARRAY))
+        return std::nullopt;
+    const qint64 size = plist_array_get_size(objects.m_node);
+    if (!m_archive->take(m_archive->elementsLeft, size))
+        return std::nullopt;
+    std::vector<ArchivedValue> elements;
+    elements.reserve(static_cast<std::size_t>(size));
+    forEachElement(objects.m_node, [&](plist_t node) { elements.push_back(resolved(node)); });
+    return elements;
+}
+
+bool ArchivedValue::isExhausted() const
+{
+    return m_archive && m_archive->isExhausted;
+}
+
+std::optional<std::vector<IndexRange>> ArchivedValue::indexSet() const
+{
+    if (!isOfClass(QLatin1StringView("NSIndexSet")))
+        return std::nullopt;
+    const std::optional<qint64> count = value(QLatin1StringView("NSRangeCount")).integer();
+    if (!count || *count < 0)
+        return std::nullopt;
+    if (*count == 0)
+        return std::vector<IndexRange>();
+    if (*count == 1) {
+        const std::optional<qint64> location = value(QLatin1StringView("NSLocation")).integer();
+        const std::optional<qint64> length = value(QLatin1StringView("NSLength")).integer();
+        if (!location || !length || *location < 0 || *length < 1)
+            return std::nullopt;
+        return std::vector{IndexRange{static_cast<quint64>(*location), static_cast<quint64>(*length)}};
+    }
+    const QByteArray packed = value(QLatin1StringView("NSRangeData")).data().value_or(QByteArray());
+    std::vector<quint64> numbers;
+    quint64 number = 0;
+    int shift = 0;
+    for (const char byte : packed) {
+        if (shift > 56)
+            return std::nullopt;
+        number |= static_cast<quint64>(byte & 0x7f) << shift;
+        shift += 7;
+        if (byte & 0x80)
+            continue;
+        numbers.push_back(number);
+        number = 0;
+        shift = 0;
+    }
+    if (shift != 0 || numbers.size() % 2 != 0 || static_cast<qint64>(numbers.size() / 2) != *count)
+        return std::nullopt;
+    std::vector<IndexRange> ranges;
+    for (std::size_t i = 0; i < numbers.size(); i += 2)
+        ranges.push_back({numbers[i], numbers[i + 1]});
+    return ranges;
+}
+
+std::optional<std::vector<double>> ArchivedValue::components(QLatin1StringView key) const
+{
+    std::optional<QByteArray> text = value(key).data();
+    if (!text || text->size() > 1000)
+        return std::nullopt;
+    text->truncate(static_cast<qsizetype>(std::strlen(text->constData())));
+    std::vector<double> numbers;
+    for (const QByteArray &part : text->simplified().split(' ')) {
+        bool isNumber = false;
+        const double number = part.toDouble(&isNumber);
+        if (!isNumber || !std::isfinite(number))
+            return std::nullopt;
+        numbers.push_back(number);
+    }
+    return numbers;
+}
+
+QColor ArchivedValue::rgbColor() const
+{
+    std::optional<std::vector<double>> rgb;
+    // The numbers in a space of its own stand beside those in calibrated RGB.
+    const ArchivedValue space = value(QLatin1StringView("NSCustomColorSpace"));
+    if (space.value(QLatin1StringView("NSID")).integer() == kSpaceIdOfSrgb)
+        rgb = components(QLatin1StringView("NSComponents"));
+    if (!rgb || rgb->size() < 3)
+        rgb = components(QLatin1StringView("NSRGB"));
+    if (!rgb || rgb->size() < 3)
+        return {};
+    return colorOf((*rgb)[0], (*rgb)[1], (*rgb)[2], rgb->size() > 3 ? (*rgb)[3] : 1);
+}
+
+QColor ArchivedValue::colorAtDepth(int depth) const
+{
+    if (depth > kMaxColorDepth || !isOfClass(QLatin1StringView("NSColor")))
+        return {};
+    switch (value(QLatin1StringView("NSColorSpace")).integer().value_or(0)) {
+    case kCalibratedRgb:
+    case kDeviceRgb:
+        return rgbColor();
+    case kCalibratedWhite:
+    case kDeviceWhite: {
+        const auto white = components(QLatin1StringView("NSWhite"));
+        if (!white || white->empty())
+            return {};
+        return colorOf((*white)[0], (*white)[0], (*white)[0], white->size() > 1 ? (*white)[1] : 1);
+    }
+    case kDeviceCmyk: {
+        const auto cmyk = components(QLatin1StringView("NSCMYK"));
+        if (!cmyk || cmyk->size() < 4)
+            return {};
+        const double light = 1 - std::clamp((*cmyk)[3], 0.0, 1.0);
+        const auto channel = [light](double ink) { return (1 - std::clamp(ink, 0.0, 1.0)) * light; };
+        return colorOf(channel((*cmyk)[0]), channel((*cmyk)[1]), channel((*cmyk)[2]),
+                       cmyk->size() > 4 ? (*cmyk)[4] : 1);
+    }
+    case kNamed:
+        return value(QLatin1StringView("NSColor")).colorAtDepth(depth + 1);
+    default:
+        return {};
+    }
+}
+
+QColor ArchivedValue::color() const
+{
+    return colorAtDepth(0);
+}
+
+QList<ArchivedImage> ArchivedValue::imageRepresentations() const
+{
+    QList<ArchivedImage> images;
+    if (!isOfClass(QLatin1StringView("NSImage")))
+        return images;
+    const auto pairs = value(QLatin1StringView("NSReps")).array();
+    for (const ArchivedValue &pair : pairs.value_or(std::vector<ArchivedValue>())) {
+        for (const ArchivedValue &half : pair.array().value_or(std::vector<ArchivedValue>())) {
+            const std::optional<QByteArray> tiff =
+                half.value(QLatin1StringView("NSTIFFRepresentation")).data();
+            if (tiff && half.isOfClass(QLatin1StringView("NSBitmapImageRep")) &&
+                images.size() < kMaxRepresentations)
+                images.append({{}, *tiff, {}});
+        }
+    }
+    const std::optional<QByteArray> svg = value(QLatin1StringView("PlexaSVG")).data();
+    if (svg && images.isEmpty())
+        images.append({{}, {}, *svg});
+    else if (svg)
+        images.first().svg = *svg;
+    return images;
+}
+
+} // namespace plexa

@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "cli/programruns.h"
+#include "presets/savingpreset.h"
+#include "presets/wpresetarchive.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace plexa;
+using namespace plexa::test;
+
+namespace
+{
+
+QStringList list(const char *words)
+{
+    return QString::fromUtf8(words).split(u'|', Qt::SkipEmptyParts);
+}
+
+QStringList namesIn(const QByteArray &json)
+{
+    QStringList names;
+    for (const QJsonValue preset : QJsonDocument::fromJson(json).array())
+        names.append(preset[QStringLiteral("name")].toString());
+    return names;
+}
+
+} // namespace
+
+class PresetsCommandTest : public QObject, private ProgramRuns
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void printing();
+    void converting();
+    void noPresets_data();
+    void noPresets();
+    void applying_data();
+    void applying();
+    void wrongUsage_data();
+    void wrongUsage();
+    void theUsersOwnPresets();
+
+private:
+    QString path(const char *name) const { return m_folder->path(QLatin1StringView(name)); }
+};
+
+void PresetsCommandTest::init()
+{
+    startAnew();
+    // Two watermarks, the second of which is saved as PNG; two saving presets.
+    SavingPresetValues png;
+    png.name = QStringLiteral("As PNG");
+    png.imageFormat = QStringLiteral("PNG");
+    png.filenameTokens = {QStringLiteral("filename"), QStringLiteral("-assigned")};
+    SavingPresetValues tiff = png;
+    tiff.name = QStringLiteral("As TIFF");
+    tiff.imageFormat = QStringLiteral("TIFF");
+    const auto assigned = std::make_shared<SavingPreset>(png);
+    QVERIFY(SavingPreset::writeObjects({assigned, std::make_shared<SavingPreset>(tiff)}, path("my.pxspr"),
+                                       QStringLiteral("Quorvel Plexa")));
+    WPresetValues values;
+    values.name = QStringLiteral("Plain");
+    values.textTokens = {QStringLiteral("plain")};
+    values.font = QStringLiteral("DejaVuSans");
+    const auto plain = std::make_shared<WPreset>(values);
+    values.name = QStringLiteral("With PNG");
+    values.assignedSavingPreset = assigned;
+    QVERIFY(writeWPresets({plain, std::make_shared<WPreset>(values)}, path("my.pxwpr")));
+}
+
+void PresetsCommandTest::printing()
+{
+    const Outcome text = run({QStringLiteral("presets"), path("my.pxwpr")});
+    QCOMPARE(text.status, 0);
+    QCOMPARE(text.out, QByteArray("Plain: text, plain\nWith PNG: text, plain\n"));
+    const Outcome json = run({QStringLiteral("presets"), QStringLiteral("--json"), path("my.pxwpr")});
+    const QJsonArray presets = QJsonDocument::fromJson(json.out).array();
+    QCOMPARE(presets.size(), 2);
+    QCOMPARE(presets[0].toObject().size(), static_cast<qsizetype>(wPresetFields().size()));
+    QCOMPARE(presets[0][QStringLiteral("fontSize")], QJsonValue(8));
+    QVERIFY(presets[0][QStringLiteral("assignedSavingPreset")].isNull());
+    QVERIFY(presets[1][QStringLiteral("assignedSavingPreset")].toInteger() > 0);
+    const Outcome saving = run({QStringLiteral("presets"), QStringLiteral("--json"), path("my.pxspr")});
+    QCOMPARE(namesIn(saving.out), list("As PNG|As TIFF"));
+    QCOMPARE(QJsonDocument::fromJson(saving.out).array()[0][QStringLiteral("presetID")],
+             presets[1][QStringLiteral("assignedSavingPreset")]);
+}
+
+void PresetsCommandTest::converting()
+{
+    const QString script =
+        qEnvironmentVariable("PLEXA_SOURCE_DIR") + QStringLiteral("/tests/support/keyedarchives.py");
+    QProcess::execute(QStringLiteral("python3"), {script, m_folder->path()});
+    QCOMPARE(
+        run({QStringLiteral("presets"), QStringLiteral("--convert"), path("new.pxwpr"), path("old.pxwpr")})
+            .status,
+        0);
+    const auto json = [&](const char *name) {
+        return run({QStringLiteral("presets"), QStringLiteral("--json"), path(name)}).out;
+    };
+    QVERIFY(json("new.pxwpr").size() > 1000);
+    QCOMPARE(json("new.pxwpr"), json("old.pxwpr"));
+    const QByteArray archive = outputOf(QStringLiteral("python3"), {script, path("new.pxwpr")});
+    QVERIFY(archive.contains("\"FileVersion\": 1.2000000476837158") && archive.contains("\"WPAngle\": 90"));
+    // Of a later file something would get lost; nothing is written.
+    const Outcome later =
+        run({QStringLiteral("presets"), QStringLiteral("--convert"), path("not.pxwpr"), path("later.pxwpr")});
+    QCOMPARE(later.status, 1);
+    QVERIFY(later.err.contains("later") && !QFile::exists(path("not.pxwpr")));
+    QCOMPARE(
+        run({QStringLiteral("presets"), QStringLiteral("--convert"), path("new.pxspr"), path("my.pxspr")})
+            .status,
+        0);
+    QCOMPARE(json("new.pxspr"), json("my.pxspr"));
+}
+
+void PresetsCommandTest::noPresets_data()
+{
+    QTest::addColumn<QString>("file");
+    for (const char *name : {"in/a.png", "in", "missing", "my.txt"})
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
+void PresetsCommandTest::noPresets()
+{
+    QFETCH(QString, file);
+    write(QStringLiteral("my.txt"), "bplist00");
+    const Outcome outcome = run({QStringLiteral("presets"), m_folder->path(file)});
+    QCOMPARE(outcome.status, 1);
+    QVERIFY(outcome.out.isEmpty() && outcome.err.contains(QFileInfo(file).fileName().toUtf8() + ": "));
+    QCOMPARE(outcome.err.count('\n'), 1);
+}
+
+void PresetsCommandTest::applying_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QStringList>("copies"); // of the two photos
+    QTest::newRow("all, with a copy each")
+        << list("--wpresets|my.pxwpr") << list("a-Plain.png|a-With PNG.png|b-Plain.jpg|b-With PNG.jpg");
+    QTest::newRow("assigned") << list("--wpresets|my.pxwpr|--saving-presets|my.pxspr|--apply|With PNG")
+                              << list("a-assigned.png|b-assigned.png");
+    QTest::newRow("assigned, ignored")
+        << list("--wpresets|my.pxwpr|--saving-presets|my.pxspr|--apply|With PNG|--ignore-assigned")
+        << list("a-With PNG.png|b-With PNG.jpg");
+    QTest::newRow("combined") << list("--wpresets|my.pxwpr|--combine") << list("a.png|b.jpg");
+    QTest::newRow("named twice, drawn once")
+        << list("--wpresets|my.pxwpr|--apply|Plain|--apply|Plain|--combine") << list("a.png|b.jpg");
+    QTest::newRow("a saving preset for the run")
+        << list("--wpresets|my.pxwpr|--saving-presets|my.pxspr|--saving-preset|As TIFF|--apply|Plain")
+        << list("a-assigned.tif|b-assigned.tif");
+}
+
+void PresetsCommandTest::applying()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QStringList, copies);
+    for (QString &option : options) {
+        if (option.startsWith(QLatin1String("my.")))
+            option = m_folder->path(option);
+    }
+    const Outcome outcome = run(QStringList{QStringLiteral("save")} + options +
+                                QStringList{QStringLiteral("--output"), path("out"), path("in")});
+    QVERIFY2(outcome.status == 0, outcome.err.constData());
+    QCOMPARE(entries(path("out")), copies);
+}
+
+void PresetsCommandTest::wrongUsage_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QByteArray>("message");
+    QTest::newRow("unknown watermark")
+        << list("--wpresets|my.pxwpr|--apply|Nope") << QByteArray("\"Plain\", \"With PNG\"");
+    QTest::newRow("unknown saving preset")
+        << list("--wpresets|my.pxwpr|--saving-presets|my.pxspr|--saving-preset|Nope")
+        << QByteArray("\"As PNG\", \"As TIFF\"");
+    QTest::newRow("two kinds of watermark")
+        << list("--wpresets|my.pxwpr|--text|x") << QByteArray("--wpresets");
+    QTest::newRow("a field") << list("--apply|Plain|--set|width=3") << QByteArray("--apply");
+    QTest::newRow("other files") << list("--wpresets|my.pxspr") << QByteArray("my.pxspr");
+}
+
+void PresetsCommandTest::wrongUsage()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QByteArray, message);
+    for (QString &option : options) {
+        if (option.startsWith(QLatin1String("my.")))
+            option = m_folder->path(option);
+    }
+    const Outcome outcome = run(QStringList{QStringLiteral("save")} + options +
+                                QStringList{QStringLiteral("--output"), path("out"), path("in")});
+    QCOMPARE(outcome.status, 2);
+    QVERIFY2(outcome.err.contains(message), outcome.err.constData());
+    QVERIFY(!QFile::exists(path("out")));
+}
+
+void PresetsCommandTest::theUsersOwnPresets()
+{
+    const auto save = [&](const char *name) {
+        return run({QStringLiteral("save"), QStringLiteral("--apply"), QString::fromUtf8(name),
+                    QStringLiteral("--output"), path("out"), path("in/b.jpg")});
+    };
+    // Before there are any: the examples. They are not written.
+    QCOMPARE(save("Logo with shadow").status, 0);
+    const QString home = path("XDG_DATA_HOME/Quorvel/Plexa");
+    QVERIFY(!QFile::exists(home + QStringLiteral("/WPresets.pxwpr")));
+    QVERIFY(QDir().mkpath(home) && QFile::copy(path("my.pxwpr"), home + QStringLiteral("/WPresets.pxwpr")) &&
+            QFile::copy(path("my.pxspr"), home + QStringLiteral("/SPresets.pxspr")));
+    QCOMPARE(save("Logo with shadow").status, 2);
+    QCOMPARE(save("With PNG").status, 0);
+    QCOMPARE(entries(path("out")), list("b-Logo with shadow.jpg|b-assigned.png"));
+}
+
+QTEST_GUILESS_MAIN(PresetsCommandTest)
+#include "presets_test.moc"

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/keyedarchive.h"
+
+#include <cstdlib>
+
+using namespace plexa;
+
+namespace
+{
+
+/// Asks a value to be everything that there is.
+void lookAt(const ArchivedValue &value, int depth)
+{
+    value.string();
+    value.number();
+    value.data();
+    value.boolean();
+    value.color();
+    value.indexSet();
+    for (const ArchivedImage &image : value.imageRepresentations()) {
+        if (image.tiff.isNull() && image.svg.isNull())
+            std::abort();
+    }
+    if (depth == 0)
+        return;
+    for (const ArchivedValue &element : value.array().value_or(std::vector<ArchivedValue>()))
+        lookAt(element, depth - 1);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
+    const auto top = ArchivedValue::readArchive(bytes);
+    for (const char *key :
+         {"WPresets", "plain", "mutable", "array", "mutableArray", "oneRange", "ranges", "calibrated",
+          "white", "cmyk", "catalogue", "srgb", "image", "loop", "color", "badRanges"}) {
+        if (top)
+            lookAt(top->value(QLatin1StringView(key)), 3);
+    }
+    return 0;
+}

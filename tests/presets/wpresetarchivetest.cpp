@@ -1,0 +1,294 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "presets/wpresetarchive.h"
+
+#include "platform/keyedarchive.h"
+#include "presets/savingpreset.h"
+#include "support/testenvironment.h"
+
+#include <QGuiApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QtTest>
+
+#include <sys/stat.h>
+
+using namespace plexa;
+using namespace plexa::test;
+
+namespace
+{
+
+const QByteArray kSvg = "<svg xmlns='http://www.w3.org/2000/svg' width='40' height='20'>"
+                        "<rect width='40' height='20' fill='#ff0000' fill-opacity='0.5'/></svg>";
+
+QString script()
+{
+    return qEnvironmentVariable("PLEXA_SOURCE_DIR") + QStringLiteral("/tests/support/keyedarchives.py");
+}
+
+/// Values of which none is the default.
+WPresetValues unusualValues()
+{
+    WPresetValues values;
+    for (const WPresetField &field : wPresetFields()) {
+        switch (field.kind) {
+        case FieldKind::String:
+            field.setValue(values, FieldValue(QStringLiteral("%1 \u00e9\U0001F4F7").arg(field.name)));
+            break;
+        case FieldKind::Strings:
+            field.setValue(values,
+                           FieldValue(QStringList{QStringLiteral("\u00a9 "), QStringLiteral("creator")}));
+            break;
+        case FieldKind::Integer:
+            field.setValue(values, FieldValue(WholeNumber(-1000 - static_cast<int>(field.id))));
+            break;
+        case FieldKind::Float:
+            field.setValue(values, FieldValue(FloatNumber(12.34F)));
+            break;
+        case FieldKind::Boolean:
+            field.setValue(values, FieldValue(!std::get<bool>(field.value(values))));
+            break;
+        case FieldKind::Color:
+            field.setValue(values, FieldValue(QColor(1, 2, static_cast<int>(field.id), 77)));
+            break;
+        case FieldKind::Image:
+        case FieldKind::SavingPreset:
+            break;
+        }
+    }
+    return values;
+}
+
+WPresetList listOf(const WPresetValues &values)
+{
+    return {std::make_shared<WPreset>(values)};
+}
+
+} // namespace
+
+class WPresetArchiveTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void keysAndTheirOrder();
+    void valuesComeBack();
+    void picturesComeBack();
+    void oldFiles();
+    void filesOfTodayAndLater();
+    void whatIsNoPresetsFile_data();
+    void whatIsNoPresetsFile();
+    void damageNeverCrashes();
+
+private:
+    QString file(const char *name) const { return m_folder.path(QLatin1StringView(name)); }
+
+    TestFolder m_folder;
+};
+
+void WPresetArchiveTest::initTestCase()
+{
+    QProcess python;
+    python.start(QStringLiteral("python3"), {script(), m_folder.path()});
+    QVERIFY2(python.waitForFinished() && python.exitCode() == 0, python.readAllStandardError());
+}
+
+void WPresetArchiveTest::keysAndTheirOrder()
+{
+    const auto savingPreset = std::make_shared<SavingPreset>();
+    WPresetValues values;
+    values.image = WatermarkPicture::fromImage(QImage(2, 2, QImage::Format_RGB32));
+    values.assignedSavingPreset = savingPreset;
+    WPresetList presets = listOf(values);
+    presets.push_back(std::make_shared<WPreset>(WPresetValues()));
+    QVERIFY(writeWPresets(presets, file("written.pxwpr")));
+
+    const QByteArray json = outputOf(QStringLiteral("python3"), {script(), file("written.pxwpr")});
+    QVERIFY(json.contains(R"("$top": {"Application": "Quorvel Plexa", "FileVersion": 1.2000000476837158, )"
+                          R"("WPresets": {"NS.objects": [{"WPName": "New Preset", "WPType": "Text", )"));
+    const QByteArrayList expected =
+        QByteArray(
+            "WPName WPType WPTextTokens WPFont WPFontSize WPFontSizeUnit WPTextAlignment WPFillColor "
+            "WPStroke WPStrokeColor WPStrokeWidth WPImage WPWidth WPWidthUnit WPAnchorPoint "
+            "WPOffsetHorizontal WPOffsetHorizontalUnit WPOffsetVertical WPOffsetVerticalUnit WPAngle "
+            "WPRotation WPFlip WPReplicateHorizontal WPReplicateHorizontalDistance "
+            "WPReplicateHorizontalDistanceUnit WPReplicateVertical WPReplicateVerticalDistance "
+            "WPReplicateVerticalDistanceUnit WPOpacity WPBlendMode WPShadow WPShadowBlur WPShadowOffset "
+            "WPShadowOffsetUnit WPShadowAngle WPBackground WPBackgroundColor WPBackgroundPaddingTop "
+            "WPBackgroundPaddingBottom WPBackgroundPaddingLeft WPBackgroundPaddingRight "
+            "WPBackgroundPaddingUnit WPBackgroundOpacity WPBackgroundFullWidth WPAssignedSavingPreset")
+            .split(' ');
+    qsizetype at = 0;
+    for (const QByteArray &key : expected) {
+        const qsizetype found = json.indexOf("\"" + key + "\": ", at);
+        QVERIFY2(found > at, key);
+        at = found;
+    }
+    const QJsonObject top = QJsonDocument::fromJson(json).object().value(QStringLiteral("$top")).toObject();
+    const QJsonArray list =
+        top.value(QStringLiteral("WPresets")).toObject().value(QStringLiteral("NS.objects")).toArray();
+    QCOMPARE(list.at(0).toObject().size(), expected.size() + 1); // and "$class"
+    QCOMPARE(list.at(0).toObject().value(QStringLiteral("WPAssignedSavingPreset")).toInteger(),
+             savingPreset->presetID());
+    const QJsonObject plain = list.at(1).toObject();
+    QVERIFY(!plain.contains(QStringLiteral("WPImage")) &&
+            !plain.contains(QStringLiteral("WPAssignedSavingPreset")));
+    QVERIFY(!outputOf(QStringLiteral("plistutil"), {QStringLiteral("-i"), file("written.pxwpr")}).isEmpty());
+}
+
+void WPresetArchiveTest::valuesComeBack()
+{
+    const auto savingPreset = std::make_shared<SavingPreset>();
+    WPresetValues values = unusualValues();
+    values.assignedSavingPreset = savingPreset;
+    WPresetValues absent;
+    for (const WPresetField &field : wPresetFields())
+        std::visit([&](auto value) { field.setValue(absent, FieldValue(decltype(value)())); },
+                   field.value(absent));
+    WPresetList presets = listOf(values);
+    presets.push_back(std::make_shared<WPreset>(absent));
+    const auto bytes = archivedWPresets(presets);
+    QVERIFY(bytes);
+    bool isLater = true;
+    const auto read = wPresetsFromArchive(*bytes, &isLater, [&](qint64 id) {
+        return id == savingPreset->presetID() ? SavingPresetPtr(savingPreset) : SavingPresetPtr();
+    });
+    QVERIFY(read && read->size() == 2 && !isLater);
+    for (const WPresetField &field : wPresetFields())
+        QVERIFY2(field.value(read->front()->values()) == field.value(values), field.name.data());
+    QVERIFY(read->back()->values() == absent);
+    QVERIFY(!(*wPresetsFromArchive(*bytes))[0]->assignedSavingPreset());
+}
+
+void WPresetArchiveTest::picturesComeBack()
+{
+    QImage seen(3, 2, QImage::Format_ARGB32_Premultiplied);
+    for (int i = 0; i < 6; ++i)
+        seen.setPixel(i % 3, i / 3, qPremultiply(qRgba(200, 40 * i, 5, 50 * i)));
+    QImage opaque(2, 1, QImage::Format_RGB32);
+    opaque.fill(QColor(9, 8, 7));
+    for (const QImage &image : {seen, opaque}) {
+        WPresetValues values;
+        values.image = WatermarkPicture::fromImage(image);
+        const auto read = wPresetsFromArchive(*archivedWPresets(listOf(values)));
+        QVERIFY(read);
+        QCOMPARE(read->front()->image().image(), image);
+    }
+
+    WPresetValues values;
+    values.image = *WatermarkPicture::fromSvg(kSvg);
+    WPresetList twice = listOf(values);
+    twice.push_back(twice.front()->copy());
+    const auto bytes = archivedWPresets(twice);
+    QVERIFY(bytes);
+    QCOMPARE(bytes->count(kSvg), 1);
+    const auto read = wPresetsFromArchive(*bytes);
+    QCOMPARE(read->front()->image().svg(), kSvg);
+    QCOMPARE(read->front()->image().size(), QSizeF(40, 20));
+    QVERIFY(read->front()->image() == read->back()->image());
+    // For others there are pixels, sharp enough to print.
+    const auto image = ArchivedValue::readArchive(*bytes)
+                           ->value(QLatin1StringView("WPresets"))
+                           .array()
+                           ->front()
+                           .value(QLatin1StringView("WPImage"));
+    QFile tiff(file("drawing.tif"));
+    QVERIFY(tiff.open(QIODevice::WriteOnly));
+    tiff.write(image.imageRepresentations().first().tiff);
+    tiff.close();
+    QCOMPARE(outputOf(magickConvert(), {tiff.fileName(), QStringLiteral("-format"),
+                                        QStringLiteral("%w %h %[pixel:p{9,9}]"), QStringLiteral("info:")}),
+             QByteArray("2048 1024 srgba(255,0,0,0.498039)"));
+}
+
+void WPresetArchiveTest::oldFiles()
+{
+    const auto savingPreset = std::make_shared<SavingPreset>();
+    bool isLater = true;
+    const auto presets = readWPresetsFromFile(file("old.pxwpr"), &isLater, [&](qint64 presetID) {
+        return presetID == 57 ? SavingPresetPtr(savingPreset) : SavingPresetPtr();
+    });
+    QVERIFY2(presets, presets ? "" : qPrintable(presets.error().text));
+    QCOMPARE(presets->size(), std::size_t(4));
+    QVERIFY(!isLater);
+    const WPreset &first = *presets->at(0);
+    QCOMPARE(first.name(), QStringLiteral("Old"));
+    QCOMPARE(first.textTokens(), QStringList({QStringLiteral("\u00a9 "), QStringLiteral("creator")}));
+    QCOMPARE(first.fontSize(), WholeNumber(7));
+    QCOMPARE(first.fillColor(), QColor(Qt::red));
+    QVERIFY(first.stroke() && !first.replicateHorizontal());
+    QCOMPARE(first.angle(), FloatNumber(90.0F));
+    QCOMPARE(qRound(*first.shadowAngle() * 1000), 45'000);
+    for (const WholeNumber padding : {first.backgroundPaddingTop(), first.backgroundPaddingBottom(),
+                                      first.backgroundPaddingLeft(), first.backgroundPaddingRight()})
+        QCOMPARE(padding, WholeNumber(12));
+    QCOMPARE(first.backgroundPaddingUnit(), QStringLiteral("% of width"));
+    QVERIFY(first.opacity() == std::nullopt && first.blendMode().isNull());
+    QCOMPARE(first.assignedSavingPreset().get(), savingPreset.get());
+    QImage largest(4, 3, QImage::Format_RGB32);
+    largest.fill(Qt::blue);
+    QCOMPARE(first.image().image(), largest);
+
+    const WPreset &second = *presets->at(1);
+    QCOMPARE(second.angle(), FloatNumber(-90.0F));
+    QVERIFY(second.name().isNull() && !second.fontSize() && !second.width() && second.image().isNull());
+    QCOMPARE(presets->at(2)->angle(), FloatNumber(-160.0F));
+    QVERIFY(!presets->at(2)->assignedSavingPreset());
+    const WPreset &last = *presets->at(3);
+    QVERIFY(!last.angle() && !last.shadowAngle() && last.textTokens().isEmpty());
+}
+
+void WPresetArchiveTest::filesOfTodayAndLater()
+{
+    bool isLater = true;
+    auto presets = readWPresetsFromFile(file("today.pxwpr"), &isLater);
+    QVERIFY(presets && presets->size() == 2 && !isLater);
+    // One object in the list twice: two presets, which are changed one by one.
+    QVERIFY(presets->front() != presets->back());
+    QVERIFY(presets->front()->values() == presets->back()->values());
+    QCOMPARE(presets->front()->angle(), FloatNumber(270.0F));
+    QCOMPARE(presets->front()->backgroundPaddingTop(), WholeNumber(3));
+    QVERIFY(!presets->front()->backgroundPaddingLeft());
+    presets = readWPresetsFromFile(file("later.pxwpr"), &isLater);
+    QVERIFY(presets && presets->size() == 2 && isLater);
+    presets = readWPresetsFromFile(file("empty.pxwpr"), &isLater);
+    QVERIFY(presets && presets->empty() && !isLater);
+}
+
+void WPresetArchiveTest::whatIsNoPresetsFile_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char *name : {"foreign.pxwpr", "no-version.pxwpr", "no-list.pxwpr", "no-preset.pxwpr",
+                             "pointless.pxwpr", "values.plist", "unfolds.plist", "missing", "pipe", ""})
+        QTest::newRow(name) << QString::fromLatin1(name);
+    QCOMPARE(mkfifo(file("pipe").toLocal8Bit().constData(), 0600), 0);
+}
+
+void WPresetArchiveTest::whatIsNoPresetsFile()
+{
+    QFETCH(QString, name);
+    const auto presets = readWPresetsFromFile(m_folder.path(name));
+    QVERIFY(!presets);
+    QVERIFY(!presets.error().text.isEmpty());
+}
+
+void WPresetArchiveTest::damageNeverCrashes()
+{
+    const QByteArray whole = *archivedWPresets(listOf(WPresetValues()));
+    for (qsizetype i = 0; i < whole.size(); ++i) {
+        QVERIFY(!wPresetsFromArchive(whole.first(i)));
+        for (const int change : {0x01, 0x80, 0xff}) {
+            QByteArray flipped = whole;
+            flipped[i] = static_cast<char>(flipped[i] ^ change);
+            const auto presets = wPresetsFromArchive(flipped);
+            // What was read can be written again.
+            QVERIFY(!presets || archivedWPresets(*presets));
+        }
+    }
+}
+
+QTEST_GUILESS_MAIN(WPresetArchiveTest)
+#include "wpresetarchivetest.moc"
