@@ -54,7 +54,7 @@ void AppDelegate::openFiles(const QStringList &paths)
 
 void AppDelegate::windowWillClose()
 {
-    m_services.controller.appliedPresets().rememberAppliedPresets();
+    m_services.controller.rememberPresets();
 }
 
 void AppDelegate::applicationWillTerminate()

@@ -46,6 +46,7 @@ DesktopApplication::DesktopApplication(ApplicationService &service)
     , m_cache(cacheBytes())
     , m_budget(physicalMemoryBytes() / 2)
     , m_photos{m_fonts, m_locale, m_cache, m_budget, ReadLimits{.maxBytes = physicalMemoryBytes() / 2}}
+    , m_store(m_alerts, m_fonts)
     , m_controller({m_photos, registered(m_defaults), m_alerts, workerThreads()})
     , m_delegate(
           {m_defaults, m_alerts, m_controller, [](const QUrl &url) { QDesktopServices::openUrl(url); }})
@@ -58,6 +59,7 @@ DesktopApplication::DesktopApplication(ApplicationService &service)
     connect(&m_window, &MainWindow::quitWanted, this, &DesktopApplication::quit);
     connect(&m_delegate, &AppDelegate::windowWanted, &m_window, &MainWindow::present);
     connect(&m_service, &ApplicationService::opened, &m_delegate, &AppDelegate::openFiles);
+    connectPresets();
     m_window.actions().setHandler(ActionId::Feedback,
                                   [] { QDesktopServices::openUrl(AppDelegate::feedbackPage()); });
 }
@@ -67,15 +69,25 @@ DesktopApplication::~DesktopApplication()
     m_alerts.setWindow(nullptr);
 }
 
+void DesktopApplication::connectPresets()
+{
+    connect(&m_store, &PresetsStore::wPresetsChanged, this,
+            [this] { m_window.setWPresets(m_store.wPresets()); });
+    CommandActions &actions = m_window.actions();
+    actions.setHandler(ActionId::SaveQuickPreset, [this] { m_store.saveQuickAsWPreset(); });
+    actions.setHandler(ActionId::LoadPreset, [this] {
+        if (const auto preset = m_window.selectedWPreset())
+            m_store.loadWPreset(*preset);
+    });
+    actions.setCondition(ActionId::LoadPreset, [this] { return m_window.selectedWPreset() != nullptr; });
+}
+
 void DesktopApplication::launch(const QStringList &paths)
 {
-    AppliedPresets &presets = m_controller.appliedPresets();
-    const auto quick = std::make_shared<WPreset>(m_fonts);
-    quick->setName(tr("Quick Preset"));
-    presets.setQuickWPreset(quick);
+    m_controller.readPresets(m_store);
+    m_window.setWPresets(m_store.wPresets());
     m_controller.imageSet().setImageListModeToBrowser(
         m_defaults.boolForKey(settings::imageListIsInBrowserMode));
-    presets.restoreAppliedPresets({});
     m_window.show();
     m_delegate.applicationDidFinishLaunching();
     if (!paths.isEmpty())

@@ -7,6 +7,7 @@
 #include "app/ui/mainwindow.h"
 #include "app/ui/messageboxalerts.h"
 #include "platform/userdefaults.h"
+#include "presets/presetsstore.h"
 
 #include <QObject>
 
@@ -33,6 +34,7 @@ public:
     AppController &controller() { return m_controller; }
 
 private:
+    void connectPresets();
     void quit();
     void windowClosed();
 
@@ -45,6 +47,7 @@ private:
     PixelCache m_cache;
     ByteBudget m_budget;
     PhotoServices m_photos;
+    PresetsStore m_store;
     AppController m_controller;
     AppDelegate m_delegate;
     MainWindow m_window;

@@ -8,11 +8,30 @@
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
+#include <QStyledItemDelegate>
 
 #include <algorithm>
 
 namespace plexa
 {
+
+namespace
+{
+
+/// Rows with some air.
+class RowDelegate final : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        const QSize size = QStyledItemDelegate::sizeHint(option, index);
+        return {size.width(), option.fontMetrics.height() + 8};
+    }
+};
+
+} // namespace
 
 PresetListView::PresetListView(PresetListModel &model, QWidget *parent)
     : QListView(parent)
@@ -21,6 +40,7 @@ PresetListView::PresetListView(PresetListModel &model, QWidget *parent)
     setModel(&model);
     setSelectionMode(ExtendedSelection);
     setEditTriggers(NoEditTriggers);
+    setItemDelegate(new RowDelegate(this));
     setUniformItemSizes(true);
     setAlternatingRowColors(true);
     setTextElideMode(Qt::ElideRight);
