@@ -3,3 +3,6 @@
 # Who the program is: the one place that says so. Everything else is filled in from here.
 set(PLEXA_APPLICATION_NAME "Plexa")
 set(PLEXA_COMPANY_NAME "Quorvel")
+# Names the desktop file, its icon and the D-Bus service.
+set(PLEXA_APPLICATION_ID "com.quorvel.Plexa")
+set(PLEXA_WEB_SITE "https://www.quorvel.com")

@@ -91,8 +91,7 @@ QImage CellPictures::makeScaled(const QImage &thumbnail, QSize size)
     if (const QImage image = find(key); !image.isNull())
         return image;
     const QImage source = level(thumbnail, halvingsFor(thumbnail.size(), size));
-    const bool grows = size.width() > source.width();
-    return keep(key, resampled(source, size, grows ? Quality::High : Quality::Low).mirrored());
+    return keep(key, resampled(source, size, Quality::Low).mirrored());
 }
 
 QImage CellPictures::nearest(const QImage &thumbnail, QSize size) const

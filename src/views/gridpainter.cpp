@@ -41,6 +41,8 @@ QRect centred(QSize size, const QRect &in)
             size};
 }
 
+constexpr int kWidthStep = 6; // device pixels
+
 QString oneLine(QString name)
 {
     for (QChar &letter : name)
@@ -52,21 +54,20 @@ QString oneLine(QString name)
 
 } // namespace
 
-const QStaticText &NameLayouts::layout(const QString &name, const QFont &font, int width)
+const QStaticText *NameLayouts::layout(const QString &name, const QFont &font, int width, bool makes)
 {
-    const Key key{name, width, font.pixelSize()};
-    if (const QStaticText *text = m_layouts.object(key))
-        return *text;
-    auto *text = new QStaticText(QFontMetrics(font).elidedText(oneLine(name), Qt::ElideMiddle, width));
+    // In steps, so that not every step of the zoom lays all names out anew.
+    const Key key{name, std::max(0, width - width % kWidthStep), font.pixelSize()};
+    if (const QStaticText *text = m_layouts.object(key); text || !makes)
+        return text;
+    auto *text = new QStaticText(QFontMetrics(font).elidedText(oneLine(name), Qt::ElideMiddle, key.width));
     text->setTextFormat(Qt::PlainText);
-    text->setTextOption([] {
-        QTextOption option;
-        option.setWrapMode(QTextOption::NoWrap);
-        return option;
-    }());
+    QTextOption option;
+    option.setWrapMode(QTextOption::NoWrap);
+    text->setTextOption(option);
     text->prepare({}, font);
     m_layouts.insert(key, text);
-    return *text;
+    return text;
 }
 
 bool NameLayouts::isShortened(const QString &name, const QFont &font, int width) const
@@ -143,13 +144,15 @@ bool GridPainter::drawCell(const QRectF &cell, const CellContents &contents)
     }
 
     QRect pictureArea = area;
+    bool isSharp = true;
     if (m_style.showFilenames) {
         const int textHeight = qRound(m_style.textSize * ratio);
-        drawName(QRect(area.x(), area.bottom() + 1 - textHeight, area.width(), textHeight),
-                 contents.filename);
+        isSharp =
+            drawName(QRect(cellPixels.x(), area.bottom() + 1 - textHeight, cellPixels.width(), textHeight),
+                     contents.filename);
         pictureArea.setBottom(area.bottom() - textHeight);
     }
-    return drawThumbnail(pictureArea, contents.thumbnail);
+    return drawThumbnail(pictureArea, contents.thumbnail) && isSharp;
 }
 
 bool GridPainter::drawThumbnail(const QRect &area, const QImage &thumbnail)
@@ -176,7 +179,7 @@ bool GridPainter::drawThumbnail(const QRect &area, const QImage &thumbnail)
         m_painter.drawImage(place.topLeft() - QPoint(margin, margin), m_pictures.mat(mat));
     }
     QImage picture = m_pictures.scaled(thumbnail, size);
-    if (picture.isNull() && m_clock.elapsed() < m_scalingTime)
+    if (picture.isNull() && hasTime())
         picture = m_pictures.makeScaled(thumbnail, size);
     if (!picture.isNull()) {
         m_painter.drawImage(place.topLeft(), picture);
@@ -190,14 +193,17 @@ bool GridPainter::drawThumbnail(const QRect &area, const QImage &thumbnail)
     return false;
 }
 
-void GridPainter::drawName(const QRect &area, const QString &name)
+bool GridPainter::drawName(const QRect &area, const QString &name)
 {
-    const QStaticText &text = m_names.layout(name, m_font, area.width());
+    const QStaticText *text = m_names.layout(name, m_font, area.width(), hasTime());
+    if (!text)
+        return false;
     m_painter.setPen(m_style.textColor);
-    const QSizeF size = text.size();
+    const QSizeF size = text->size();
     m_painter.drawStaticText(QPoint(area.x() + qRound((area.width() - size.width()) / 2),
                                     area.y() + qRound((area.height() - size.height()) / 2)),
-                             text);
+                             *text);
+    return true;
 }
 
 void GridPainter::drawEmptyText(QPainter &painter, const QRectF &visible, const QFont &font,

@@ -42,7 +42,8 @@ class NameLayouts
 {
 public:
     /// @param font, width  in device pixels
-    const QStaticText &layout(const QString &name, const QFont &font, int width);
+    /// @param makes        else null where there is none yet
+    const QStaticText *layout(const QString &name, const QFont &font, int width, bool makes);
     bool isShortened(const QString &name, const QFont &font, int width) const;
 
 private:
@@ -75,14 +76,14 @@ public:
     ~GridPainter();
     Q_DISABLE_COPY_MOVE(GridPainter)
 
-    /// For so long thumbnails are scaled as they are shown; later ones are drawn roughly, so that a frame
-    /// never takes long.
-    void setScalingTime(int milliseconds) { m_scalingTime = milliseconds; }
+    /// For so long thumbnails are scaled and names laid out as they are shown; later ones are drawn roughly,
+    /// so that a frame never takes long.
+    void setTime(int milliseconds) { m_time = milliseconds; }
 
     void drawTint(const QRectF &cell);
     void drawInsertionBar(const QRectF &bar);
     void drawRubberBand(const QRectF &band);
-    /// @return false when the thumbnail was drawn roughly and is to be drawn again
+    /// @return false when that was done roughly and is to be done again
     bool drawCell(const QRectF &cell, const CellContents &contents);
 
     /// In the middle of the visible area.
@@ -92,7 +93,8 @@ public:
 private:
     QRect toDevice(const QRectF &rect) const;
     bool drawThumbnail(const QRect &area, const QImage &thumbnail);
-    void drawName(const QRect &area, const QString &name);
+    bool hasTime() const { return m_clock.elapsed() < m_time; }
+    bool drawName(const QRect &area, const QString &name);
 
     QPainter &m_painter;
     const GridGeometry &m_geometry;
@@ -102,7 +104,7 @@ private:
     const Place m_place;
     QFont m_font;
     QElapsedTimer m_clock;
-    int m_scalingTime = 1 << 20;
+    int m_time = 1 << 20; // milliseconds
 };
 
 } // namespace plexa

@@ -15,8 +15,6 @@
 #include <QPainter>
 #include <QUrl>
 
-#include <algorithm>
-
 namespace plexa
 {
 namespace
@@ -78,16 +76,17 @@ void ImageBrowserView::startDrag(QPointF viewportPoint)
         drag->setPixmap(image);
     drag->setHotSpot((viewportPoint - viewportRect(QRectF(m_mouseDownPoint, QSizeF())).topLeft()).toPoint());
     // Once the drag has its window.
-    QTimer::singleShot(0, files, [files] { X11Drag::offerName(files->firstName()); });
+    if (!files->firstName().isEmpty())
+        QTimer::singleShot(0, files, [files] { X11Drag::offerName(files->firstName()); });
 
     const Qt::DropActions outside = m_delegate->externalDraggingSourceOperationMask();
     const Qt::DropAction usual =
         outside & Qt::CopyAction || outside == Qt::IgnoreAction ? Qt::CopyAction : Qt::MoveAction;
     const Qt::DropAction done = drag->exec(outside | Qt::CopyAction | Qt::MoveAction, usual);
+    if (!self) // and with it the drag
+        return;
     if (done != Qt::IgnoreAction && !drag->target())
         files->dropped();
-    if (!self)
-        return;
     m_isDraggingImages = false;
     m_mouseDownAtImage = false;
     setDrawnInsertionIndex(kNone);

@@ -19,8 +19,8 @@ namespace plexa
 namespace
 {
 
-/// Of the time of a frame, what may go into scaling thumbnails.
-constexpr int kScalingMilliseconds = 5;
+/// Of the time of a frame, what may go into scaling thumbnails and laying out names.
+constexpr int kSharpMilliseconds = 5;
 /// How far a shadow reaches beyond its cell, in points.
 constexpr double kShadowReach = 24;
 constexpr int kAutoscrollMilliseconds = 30;
@@ -270,7 +270,7 @@ void ImageBrowserView::paintEvent(QPaintEvent *event)
         style.focusColor = palette().color(QPalette::Highlight);
     GridPainter grid(painter, m_geometry, style, m_pictures, m_names,
                      {visibleRect().topLeft(), viewport()->devicePixelRatioF()});
-    grid.setScalingTime(kScalingMilliseconds);
+    grid.setTime(kSharpMilliseconds);
 
     const QRectF dirty = QRectF(event->rect())
                              .translated(visibleRect().topLeft())

@@ -40,9 +40,11 @@ expect_sound 'own folder, lower folders, Qt and C++' src/watermark/a.cpp \
 expect_sound 'libraries where they belong' src/imageio/a.cpp \
     '#include <jpeglib.h>\n#include <png.h>\n#include <lcms2.h>\n#include <exiv2/exiv2.hpp>'
 expect_sound 'fonts and locales' src/platform/a.cpp '#include <fontconfig/fontconfig.h>\n#include <unicode/datefmt.h>'
+expect_sound 'window system' src/views/a.cpp '#include <xcb/xcb.h>\n#include <QWidget>'
 expect_sound 'command line' src/cli/a.cpp '#include "cli/a.h"\n#include <CLI/CLI.hpp>'
 expect_sound 'widgets in a ui folder' src/metadata/ui/a.cpp '#include "metadata/ui/a.h"\n#include <QLabel>\n#include <QtWidgets/QDialog>'
-expect_sound 'widgets in the window' src/app/a.cpp '#include <QMainWindow>\n#include "views/grid.h"\n#include "saving/ui/panel.h"'
+expect_sound 'widgets in the window' src/app/ui/a.cpp '#include <QMainWindow>\n#include "views/grid.h"\n#include "saving/ui/panel.h"'
+expect_sound 'widgets where the program starts' src/app/main.cpp '#include <QApplication>\n#include "app/ui/a.h"'
 expect_sound 'a commented include' src/raster/a.h '// #include "app/b.h"'
 expect_sound 'exactly 600 lines' src/raster/a.cpp "$(printf 'int a;%.0s\\n' {1..599})int b;"
 
@@ -60,6 +62,8 @@ expect_fault 'relative path inside' src/raster/a.cpp '#include "raster/../app/b.
 expect_fault 'macro' src/raster/a.cpp '#include HEADER' 'cannot be checked'
 expect_fault 'widget in the core' src/watermark/a.cpp '#include <QApplication>' 'without a window'
 expect_fault 'widget by its module' src/watermark/a.cpp '#include <QtWidgets/QDialog>' 'without a window'
+expect_fault 'widget in the application without its window' src/app/a.cpp '#include <QDialog>' 'without a window'
+expect_fault 'window in the application without it' src/app/a.cpp '#include "app/ui/a.h"' 'without a window'
 expect_fault 'all widgets' src/watermark/a.cpp '#include <QtWidgets>' 'without a window'
 expect_fault 'widget by its file' src/watermark/a.cpp '#include <qlabel.h>' 'without a window'
 expect_fault 'widget in the command line' src/cli/a.cpp '#include <QMessageBox>' 'without a window'

@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+// How long the main window does not answer. scripts/bench runs it and compares with the bars.
+//
+//   plexa-bench-window table COUNT   scrolls through and filters a table of so many photos
+//   plexa-bench-window import FOLDER drops a folder on the window and waits until its photos are there
+//
+// Prints a line for each thing that was tried: the longest pause in milliseconds, and its name. Pauses are
+// the work of the main thread; for the import, which works on other threads, also the time that it took.
+
+#include "app/appcontroller.h"
+#include "app/ui/mainwindow.h"
+#include "platform/alerts.h"
+#include "platform/settings.h"
+#include "platform/userdefaults.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QImage>
+#include <QLineEdit>
+#include <QScrollBar>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <functional>
+#include <thread>
+
+using namespace plexa;
+
+namespace
+{
+
+/// A question would change what is measured.
+class NoQuestions final : public Alerts
+{
+public:
+    AlertAnswer run(const Alert &alert) override
+    {
+        std::fprintf(stderr, "%s\n%s\n", qPrintable(alert.title), qPrintable(alert.text));
+        std::exit(EXIT_FAILURE);
+    }
+};
+
+void print(const char *what, double milliseconds)
+{
+    std::printf("%.1f\t%s\n", milliseconds, what);
+}
+
+double milliseconds(const QElapsedTimer &timer)
+{
+    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+}
+
+/// Time that this thread has worked. On a busy machine it waits besides, which is not its fault.
+double threadMilliseconds()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+/// Everything that follows from it is drawn when this returns.
+double pause(const std::function<void()> &action)
+{
+    const double before = threadMilliseconds();
+    action();
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    return threadMilliseconds() - before;
+}
+
+void benchTable(MainWindow &window, ImageSet &set, int count)
+{
+    const QTemporaryDir folder; // of the one file that all photos are read from
+    const QString file = folder.filePath(QStringLiteral("photo.png"));
+    QImage(8, 8, QImage::Format_RGB32).save(file);
+    set.setImageListModeToBrowser(false);
+    for (int i = 0; i < count; ++i) {
+        const QString path =
+            QStringLiteral("/photos/trip %1/IMG_%2.JPG").arg(i / 500).arg(i, 6, 10, QLatin1Char('0'));
+        set.addImage(path, file);
+    }
+    auto *const table = window.findChild<QTableView *>(QStringLiteral("imageListTable"));
+    auto *const search = window.findChild<QLineEdit *>(QStringLiteral("searchField"));
+    pause([&] { table->setFocus(); });
+
+    double longest = 0;
+    QScrollBar *const bar = table->verticalScrollBar();
+    for (int step = 0; step <= 200; ++step)
+        longest = std::max(longest, pause([&] { bar->setValue(bar->maximum() / 200 * step); }));
+    print("scroll", longest);
+
+    longest = 0;
+    for (const char *text : {"4", "42", "421", "42", "4", "", "img", "nothing", ""})
+        longest = std::max(longest, pause([&] { search->setText(QString::fromLatin1(text)); }));
+    print("filter", longest);
+
+    print("select all", pause([&] { table->selectAll(); }));
+    print("select none", pause([&] { set.selection().selectNone(); }));
+}
+
+void benchImport(ImageSet &set, const QString &folder)
+{
+    QElapsedTimer sinceLast;
+    double lastCpu = threadMilliseconds();
+    double longest = 0;
+    double longestCpu = 0;
+    QTimer probe;
+    QObject::connect(&probe, &QTimer::timeout, [&] {
+        const double cpu = threadMilliseconds();
+        longest = std::max(longest, milliseconds(sinceLast));
+        longestCpu = std::max(longestCpu, cpu - lastCpu);
+        sinceLast.restart();
+        lastCpu = cpu;
+    });
+    QObject::connect(&set, &ImageSet::importFinished, &set, &QCoreApplication::quit);
+    sinceLast.start();
+    probe.start(0);
+    set.scanImagesAtPaths({folder});
+    QCoreApplication::exec();
+    print("import", longestCpu);
+    print("import by the clock", longest);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc != 3 || (qstrcmp(argv[1], "table") != 0 && qstrcmp(argv[1], "import") != 0)) {
+        std::fprintf(stderr, "Usage: plexa-bench-window table COUNT | import FOLDER\n");
+        return 2;
+    }
+    const QTemporaryDir home; // the user's settings stay as they are
+    qputenv("XDG_CONFIG_HOME", home.path().toUtf8());
+    const QApplication application(argc, argv);
+
+    const FontCatalog fonts;
+    const LocaleFormat locale(QStringLiteral("en_US"));
+    PixelCache cache(physicalMemoryBytes() / 8);
+    ByteBudget budget(physicalMemoryBytes() / 2);
+    const PhotoServices photos{fonts, locale, cache, budget, {}};
+    UserDefaults defaults(QStringLiteral("Quorvel"), QStringLiteral("Plexa"));
+    registerDefaults(defaults);
+    NoQuestions alerts;
+    const int threads = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+    AppController controller({photos, defaults, alerts, threads});
+    MainWindow window({controller, defaults, alerts, threads});
+    window.show();
+    QCoreApplication::processEvents();
+
+    if (qstrcmp(argv[1], "table") == 0)
+        benchTable(window, controller.imageSet(), std::atoi(argv[2]));
+    else
+        benchImport(controller.imageSet(), QString::fromLocal8Bit(argv[2]));
+    return 0;
+}

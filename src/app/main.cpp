@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/ui/applicationservice.h"
+#include "app/ui/desktopapplication.h"
+#include "app/ui/lightappearance.h"
+#include "platform/applicationname.h"
+#include "platform/identity.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QIcon>
+
+namespace
+{
+
+void nameApplication()
+{
+    QCoreApplication::setOrganizationName(plexa::companyName(true));
+    QCoreApplication::setApplicationName(plexa::applicationNameWithCompany(false, false, true));
+    QCoreApplication::setApplicationVersion(plexa::BundleInfo::own().shortVersionString);
+    QGuiApplication::setDesktopFileName(QString::fromLatin1(plexa::identity::kApplicationId));
+}
+
+/// The files of the command line, with their whole paths; ends the program where it asks for help.
+QStringList filesToOpen(const QCoreApplication &application)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QCoreApplication::translate("main", "Watermarks photographs in batches."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addPositionalArgument(QStringLiteral("files"),
+                                 QCoreApplication::translate("main", "Photos and folders of photos to open."),
+                                 QStringLiteral("[files...]"));
+    parser.process(application);
+    QStringList paths;
+    for (const QString &file : parser.positionalArguments()) {
+        const QUrl url(file);
+        paths.append(url.isLocalFile() ? url.toLocalFile() : QFileInfo(file).absoluteFilePath());
+    }
+    return paths;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    nameApplication();
+    QApplication application(argc, argv);
+    plexa::setLightAppearance(application);
+    QGuiApplication::setWindowIcon(
+        QIcon(QStringLiteral(":/icons/%1.svg").arg(QGuiApplication::desktopFileName())));
+    const QStringList paths = filesToOpen(application);
+
+    plexa::ApplicationService service;
+    if (!service.registerOnBus() && plexa::ApplicationService::handOver(paths))
+        return 0;
+    plexa::DesktopApplication program(service);
+    program.launch(paths);
+    return QApplication::exec();
+}

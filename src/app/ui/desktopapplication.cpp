@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/ui/desktopapplication.h"
+
+#include "app/ui/applicationservice.h"
+#include "app/ui/commandactions.h"
+#include "platform/applicationname.h"
+#include "platform/settings.h"
+
+#include <QDesktopServices>
+#include <QGuiApplication>
+
+#include <algorithm>
+#include <thread>
+#include <utility>
+
+namespace plexa
+{
+
+namespace
+{
+
+/// A part of the memory for photos that were looked at, so that coming back to them is quick.
+qsizetype cacheBytes()
+{
+    return static_cast<qsizetype>(physicalMemoryBytes() / 8);
+}
+
+int workerThreads()
+{
+    return static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+}
+
+/// The settings with their defaults, before anybody asks.
+UserDefaults &registered(UserDefaults &defaults)
+{
+    registerDefaults(defaults);
+    return defaults;
+}
+
+} // namespace
+
+DesktopApplication::DesktopApplication(ApplicationService &service)
+    : m_service(service)
+    , m_defaults(companyName(true), applicationNameWithCompany(false, false, true))
+    , m_cache(cacheBytes())
+    , m_budget(physicalMemoryBytes() / 2)
+    , m_photos{m_fonts, m_locale, m_cache, m_budget, ReadLimits{.maxBytes = physicalMemoryBytes() / 2}}
+    , m_store(m_alerts, m_fonts)
+    , m_controller({m_photos, registered(m_defaults), m_alerts, workerThreads()})
+    , m_delegate(
+          {m_defaults, m_alerts, m_controller, [](const QUrl &url) { QDesktopServices::openUrl(url); }})
+    , m_window({m_controller, m_defaults, m_alerts, workerThreads()})
+{
+    m_alerts.setWindow(&m_window);
+    // A closed window can be brought back only where somebody can reach the program.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    connect(&m_window, &MainWindow::closed, this, &DesktopApplication::windowClosed);
+    connect(&m_window, &MainWindow::quitWanted, this, &DesktopApplication::quit);
+    connect(&m_delegate, &AppDelegate::windowWanted, &m_window, &MainWindow::present);
+    connect(&m_service, &ApplicationService::opened, &m_delegate, &AppDelegate::openFiles);
+    connectPresets();
+    m_window.actions().setHandler(ActionId::Feedback,
+                                  [] { QDesktopServices::openUrl(AppDelegate::feedbackPage()); });
+}
+
+DesktopApplication::~DesktopApplication()
+{
+    m_alerts.setWindow(nullptr);
+}
+
+void DesktopApplication::connectPresets()
+{
+    connect(&m_store, &PresetsStore::wPresetsChanged, this,
+            [this] { m_window.setWPresets(m_store.wPresets()); });
+    CommandActions &actions = m_window.actions();
+    actions.setHandler(ActionId::SaveQuickPreset, [this] { m_store.saveQuickAsWPreset(); });
+    actions.setHandler(ActionId::LoadPreset, [this] {
+        if (const auto preset = m_window.selectedWPreset())
+            m_store.loadWPreset(*preset);
+    });
+    actions.setCondition(ActionId::LoadPreset, [this] { return m_window.selectedWPreset() != nullptr; });
+}
+
+void DesktopApplication::launch(const QStringList &paths)
+{
+    m_controller.readPresets(m_store);
+    m_window.setWPresets(m_store.wPresets());
+    m_controller.imageSet().setImageListModeToBrowser(
+        m_defaults.boolForKey(settings::imageListIsInBrowserMode));
+    m_window.show();
+    m_delegate.applicationDidFinishLaunching();
+    if (!paths.isEmpty())
+        m_delegate.openFiles(paths);
+}
+
+void DesktopApplication::windowClosed()
+{
+    m_delegate.windowWillClose();
+    if (!m_service.isReachable())
+        quit();
+}
+
+void DesktopApplication::quit()
+{
+    if (std::exchange(m_isQuitting, true)) // the window closes on the way, too
+        return;
+    m_delegate.applicationWillTerminate();
+    m_window.close();
+    QCoreApplication::quit();
+}
+
+} // namespace plexa

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/ui/filedrops.h"
+
+#include <QDropEvent>
+#include <QMimeData>
+#include <QUrl>
+
+namespace plexa
+{
+
+QStringList droppedFiles(const QMimeData *data)
+{
+    QStringList paths;
+    if (!data->hasUrls())
+        return paths;
+    for (const QUrl &url : data->urls()) {
+        if (url.isLocalFile() && !url.toLocalFile().isEmpty())
+            paths.append(url.toLocalFile());
+    }
+    return paths;
+}
+
+void acceptFiles(QDropEvent *event)
+{
+    if (!event->possibleActions().testFlag(Qt::CopyAction) || droppedFiles(event->mimeData()).isEmpty())
+        return;
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+}
+
+} // namespace plexa

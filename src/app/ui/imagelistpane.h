@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QWidget>
+
+#include <memory>
+
+class QLineEdit;
+class QMenu;
+class QSlider;
+class QStackedWidget;
+class QToolButton;
+
+namespace plexa
+{
+
+class AppController;
+class CommandActions;
+class ImageBrowserView;
+class ImageBrowserViewController;
+class ImageListView;
+class ImageSet;
+class UserDefaults;
+
+/// The lower half of the main window's left side: the buttons for the photos, the search field, and the
+/// photos as a grid or as a table.
+class ImageListPane final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    struct Services {
+        AppController &controller;
+        UserDefaults &defaults;
+        CommandActions &actions;
+        int threads; ///< photos that are worked on at a time
+    };
+
+    /// @param services  outlive the pane
+    explicit ImageListPane(const Services &services, QWidget *parent = nullptr);
+    ~ImageListPane() override;
+
+    ImageBrowserViewController &browserController() { return *m_browserController; }
+
+    /// Gives the keyboard to the search field and selects its text.
+    void startSearch();
+
+    /// What shows the photos in the mode that is on.
+    QWidget *shownView() const;
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
+
+private:
+    QWidget *makeButtonRow();
+    QWidget *makeZoomRow();
+    void connectSet();
+    void connectBrowser();
+    void followSettings();
+    void showMode(bool isBrowser);
+
+    ImageSet &m_set;
+    UserDefaults &m_defaults;
+    CommandActions &m_actions;
+    QLineEdit *const m_searchField;
+    QStackedWidget *const m_imageListContainer;
+    ImageBrowserView *const m_imageBrowser;
+    ImageListView *const m_imageListTable;
+    QToolButton *m_imageListModeButton = nullptr;
+    QSlider *const m_browserZoomSlider;
+    QWidget *m_zoomRow = nullptr;
+    QMenu *const m_imageMenu;
+    const std::unique_ptr<ImageBrowserViewController> m_browserController;
+};
+
+} // namespace plexa

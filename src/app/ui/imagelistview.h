@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QTableView>
+
+class QMenu;
+
+namespace plexa
+{
+
+class ImageListModel;
+class ImageSet;
+
+/// The photos of Large Batch mode: a table of their paths that takes dropped files, follows the selection of
+/// the working set, and leads it.
+class ImageListView final : public QTableView
+{
+    Q_OBJECT
+
+public:
+    /// @param set  outlives the view
+    explicit ImageListView(ImageSet &set, QWidget *parent = nullptr);
+    ~ImageListView() override;
+
+    /// Shown for a click with the right button. Not owned.
+    void setContextMenu(QMenu *menu) { m_contextMenu = menu; }
+
+Q_SIGNALS:
+    void deletePressed();
+    void filesDropped(const QStringList &paths);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    void setUpLook();
+    void takeSelectionFromSet();
+    void giveSelectionToSet();
+    void scrollToFirstSelected();
+
+    ImageSet &m_set;
+    ImageListModel *const m_model;
+    QMenu *m_contextMenu = nullptr;
+    bool m_isFollowing = false; // the set is speaking, not the user
+};
+
+} // namespace plexa

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QWidget>
+
+class QButtonGroup;
+
+namespace plexa
+{
+
+/// A row of joined buttons of which one is pressed.
+class ModeSelector final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    struct Segment {
+        QString name; ///< object name of the button
+        QString text;
+        QString toolTip;
+    };
+
+    explicit ModeSelector(const QList<Segment> &segments, QWidget *parent = nullptr);
+
+    /// Presses a button, without a signal.
+    void select(int segment);
+
+Q_SIGNALS:
+    /// The user has pressed another button.
+    void selected(int segment);
+
+private:
+    QButtonGroup *const m_buttons;
+};
+
+} // namespace plexa

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "app/indexlist.h"
+#include "app/presetlist.h"
+
+#include <QAbstractListModel>
+
+namespace plexa
+{
+
+/// A list of watermark presets by their names; names of presets that are not valid are red. Main thread.
+class PresetListModel final : public QAbstractListModel
+{
+    Q_OBJECT
+
+public:
+    using QAbstractListModel::QAbstractListModel;
+
+    const WPresetList &presets() const { return m_presets; }
+    void setPresets(WPresetList presets);
+
+    /// Lets rows be dragged, to be dropped between others.
+    void setAllowsReordering(bool allows) { m_allowsReordering = allows; }
+
+    /// The rows that a drag of this model carries; empty for any other drag.
+    static IndexList draggedRows(const QMimeData *data);
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+    QStringList mimeTypes() const override;
+    QMimeData *mimeData(const QModelIndexList &indexes) const override;
+    Qt::DropActions supportedDropActions() const override { return Qt::MoveAction; }
+
+private:
+    WPresetList m_presets;
+    bool m_allowsReordering = false;
+};
+
+} // namespace plexa

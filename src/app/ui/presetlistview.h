@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "app/indexlist.h"
+
+#include <QListView>
+
+namespace plexa
+{
+
+class PresetListModel;
+
+/// A list of presets with a selection of many. Where the model allows it, rows are put into another order by
+/// dragging them.
+class PresetListView final : public QListView
+{
+    Q_OBJECT
+
+public:
+    /// @param model  outlives the view
+    explicit PresetListView(PresetListModel &model, QWidget *parent = nullptr);
+
+    /// Lets the user drag rows to other places of this list.
+    void setAllowsReordering();
+
+    /// Written while the list is empty.
+    void setEmptyHint(const QString &hint) { m_emptyHint = hint; }
+
+    /// Ascending.
+    IndexList selectedRows() const;
+    /// Selects exactly these, and scrolls to the first.
+    void selectRows(const IndexList &rows);
+
+Q_SIGNALS:
+    void selectedRowsChanged();
+    /// Rows were dropped before the row `toRow`.
+    void rowsDropped(const plexa::IndexList &rows, int toRow);
+    void deletePressed();
+    void returnPressed();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    PresetListModel &m_model;
+    QString m_emptyHint;
+};
+
+} // namespace plexa

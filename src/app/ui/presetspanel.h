@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "app/indexlist.h"
+#include "app/presetlist.h"
+
+#include <QWidget>
+
+class QStackedWidget;
+
+namespace plexa
+{
+
+class AppliedPresets;
+class CommandActions;
+class ModeSelector;
+class PresetListModel;
+class PresetListView;
+
+/// The right side of the main window: which mode is on, and in presets mode the lists of applied and of all
+/// presets.
+class PresetsPanel final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// @param applied  outlives the panel
+    PresetsPanel(AppliedPresets &applied, CommandActions &actions, QWidget *parent = nullptr);
+    ~PresetsPanel() override;
+
+    /// The list of all presets.
+    void setWPresets(const WPresetList &presets);
+
+    /// Where the editor of the single watermark belongs.
+    QWidget *quickWPresetContainer() const { return m_quickContainer; }
+
+    /// In the list of all presets, in its order.
+    WPresetList selectedWPresets() const;
+    /// Applies what is selected in the list of all presets.
+    void addSelectedWPresetsToApplied();
+
+Q_SIGNALS:
+    /// The presets are to be edited, beginning with the one that is selected in the list of all presets.
+    void presetsManagerWanted();
+    void wPresetsSelectionChanged();
+
+private:
+    QWidget *makePresetsView(CommandActions &actions);
+    void connectLists();
+    void showMode();
+    void showApplied();
+    void doubleMouseClick(const QModelIndex &index, const PresetListModel &model);
+
+    AppliedPresets &m_applied;
+    PresetListModel *const m_appliedModel;
+    PresetListModel *const m_allModel;
+    PresetListView *const m_appliedTable;
+    PresetListView *const m_allTable;
+    ModeSelector *m_modeSegments = nullptr;
+    QStackedWidget *m_modeContainer = nullptr;
+    QWidget *m_quickContainer = nullptr;
+};
+
+} // namespace plexa
