@@ -36,10 +36,10 @@ bool isOneOf(const std::string &text, std::initializer_list<std::string_view> wo
     return std::find(words.begin(), words.end(), text) != words.end();
 }
 
-/// Tags by which maps and aerial photos say where they lie (GeoTIFF 1.1, GDAL).
+/// Tags by which maps and aerial photos say where they lie (GeoTIFF 1.1 and its forerunners, GDAL).
 bool isGeoTiffTag(uint16_t tag)
 {
-    return tag == 0x830E || tag == 0x8482 || tag == 0x85D8 || (tag >= 0x87AF && tag <= 0x87B1) ||
+    return tag == 0x830E || (tag >= 0x847E && tag <= 0x8482) || tag == 0x85D8 || (tag >= 0x87AF && tag <= 0x87B1) ||
            tag == 0xA480;
 }
 
