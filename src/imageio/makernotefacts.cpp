@@ -244,8 +244,8 @@ bool isLensInNote(const Exiv2::Exifdatum &datum)
         "^(LensType2?|LensModel|LensID|LensIDNumber|Lens|LensInfo|LensRange|LensFStops|LensData|LensMount|"
         "LensFormat|LensProperties|LensFirmware|LensFirmwareVersion|RFLensType)$"));
     const std::string group = datum.groupName();
-    return lens.match(QString::fromStdString(datum.tagName())).hasMatch() ||
-           group.starts_with("NikonLd") || (group == "Canon" && datum.tag() == 0x000D) ||
+    return lens.match(QString::fromStdString(datum.tagName())).hasMatch() || group.starts_with("NikonLd") ||
+           (group == "Canon" && datum.tag() == 0x000D) ||
            ((group == "Sony1" || group == "Sony2") &&
             isOneOf(datum.tag(), {0x0010, 0x9050, 0x9405, 0x940C, 0xB02A}));
 }
@@ -262,8 +262,8 @@ void eraseFactFromMakerNotes(Exiv2::ExifData &exif, QLatin1StringView key)
     eraseMetadataIf(exif, [&](const Exiv2::Exifdatum &datum) {
         const std::string name = datum.key();
         return std::find(keys.begin(), keys.end(), name) != keys.end() ||
-               (isMakerNoteGroup(datum.groupName()) && ((isLens && isLensInNote(datum)) ||
-                                                        (isSerialNumber && isSerialNumberInNote(datum))));
+               (isMakerNoteGroup(datum.groupName()) &&
+                ((isLens && isLensInNote(datum)) || (isSerialNumber && isSerialNumberInNote(datum))));
     });
 }
 

@@ -43,8 +43,7 @@ ExifText numbersText(const QVariant &value, Exiv2::TypeId type)
         if (type == Exiv2::unsignedShort && number > 65535)
             result.type = Exiv2::unsignedLong;
         const bool isByte = type == Exiv2::unsignedByte || type == Exiv2::undefined;
-        const QString text =
-            isRational(type) ? rationalText(number) : QString::number(qRound64(number));
+        const QString text = isRational(type) ? rationalText(number) : QString::number(qRound64(number));
         if (text.isEmpty() || (isByte && number > 255))
             return {};
         if (!result.text.empty())

@@ -170,8 +170,8 @@ std::optional<Coordinate> coordinateOf(const QString &text)
     const QStringList parts =
         captured("^([0-9]+),([0-9]+(?:\\.[0-9]+)?)(?:,([0-9]+(?:\\.[0-9]+)?))?([NSEWnsew])$", text);
     if (parts.size() == 5)
-        return withinTheGlobe(
-            {parts[1].toDouble() + parts[2].toDouble() / 60 + parts[3].toDouble() / 3600, parts[4].toUpper()});
+        return withinTheGlobe({parts[1].toDouble() + parts[2].toDouble() / 60 + parts[3].toDouble() / 3600,
+                               parts[4].toUpper()});
     const QStringList plain = captured("^([+-]?[0-9]{1,3}(?:\\.[0-9]+)?)([NSEWnsew]?)$", text);
     if (plain.size() < 2)
         return {};
