@@ -2,6 +2,7 @@
 
 #include "imageio/apexvalues.h"
 
+#include "imageio/metadatavalues.h"
 #include "imageio/propertykeys.h"
 #include "imageio/propertyvalues.h"
 
@@ -38,7 +39,7 @@ QVariantMap withAgreeingApexValues(const QVariantMap &before, const QVariantMap 
             continue;
         const double exponent = pair.factor * std::log2(plain.toDouble());
         // A millionth of a stop, so that it is a fraction of small numbers.
-        if (std::isfinite(exponent))
+        if (std::isfinite(exponent) && !rationalText(plain.toDouble()).isEmpty())
             exif.insert(pair.exponent, std::round(exponent * 1e6) / 1e6);
         else
             exif.remove(pair.exponent);

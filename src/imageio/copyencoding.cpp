@@ -179,6 +179,20 @@ QByteArray changedXmp(MetadataSet &set, ClearedGroups cleared, const QVariantMap
     return packet;
 }
 
+/// The terms of use belong to the copyright that a clearing keeps, though the dictionary has only the notice.
+QVariantMap withKeptUsageTerms(const QVariantMap &before, QVariantMap after, ClearedGroups cleared)
+{
+    const QLatin1StringView key = kCGImagePropertyIPTCRightsUsageTerms;
+    const QVariant terms = groupDictionary(before, MetadataGroup::Iptc).value(key);
+    QVariantMap iptc = groupDictionary(after, MetadataGroup::Iptc);
+    if ((cleared & ClearedGroup::Iptc) && terms.isValid() && !iptc.contains(key) &&
+        iptc.contains(kCGImagePropertyIPTCCopyrightNotice)) {
+        iptc.insert(key, terms);
+        after.insert(dictionaryKey(MetadataGroup::Iptc), iptc);
+    }
+    return after;
+}
+
 bool hasMakerNote(const Exiv2::ExifData &exif)
 {
     return exif.findKey(Exiv2::ExifKey("Exif.Photo.MakerNote")) != exif.end();
@@ -190,11 +204,12 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
                                          const QVariantMap &properties,
                                          const EmbeddedMetadata::CopyFacts &facts)
 {
-    const QVariantMap after = withAgreeingApexValues(before, properties);
+    QVariantMap after = withAgreeingApexValues(before, properties);
     EmbeddedMetadata::Encoded encoded;
     if (hasExcessiveXmp(set))
         encoded.omitted += u"XMP"_qs;
     const ClearedGroups cleared = facts.cleared | emptiedGroups(before, after);
+    after = withKeptUsageTerms(before, after, cleared);
     MakerNoteBlock note = makerNoteOf(set.exif);
     const size_t noteFields = makerNoteFields(set.exif);
     erasePicturesFromExif(set.exif);

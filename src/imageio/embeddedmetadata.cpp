@@ -56,9 +56,15 @@ QVariantMap EmbeddedMetadata::properties() const
 bool EmbeddedMetadata::hasThumbnail() const
 {
     const Exiv2::ExifData &exif = m_data->set.exif;
-    return std::any_of(exif.begin(), exif.end(), [](const Exiv2::Exifdatum &datum) {
-        return datum.groupName() == "Thumbnail" && (datum.tag() == 0x0201 || datum.tag() == 0x0111);
-    });
+    const auto has = [&exif](const char *key) { return exif.findKey(Exiv2::ExifKey(key)) != exif.end(); };
+    if (has("Exif.Thumbnail.JPEGInterchangeFormat"))
+        return true;
+    // Where the main directory has pixels of its own, the file is a TIFF, and the second one is a page unless
+    // it says that it is of less resolution.
+    const auto kind = exif.findKey(Exiv2::ExifKey("Exif.Thumbnail.NewSubfileType"));
+    const bool isReduced = kind != exif.end() && kind->count() > 0 && (kind->toLong() & 1);
+    const bool isTiff = has("Exif.Image.StripOffsets") || has("Exif.Image.TileOffsets");
+    return has("Exif.Thumbnail.StripOffsets") && (isReduced || !isTiff);
 }
 
 EmbeddedMetadata::Encoded EmbeddedMetadata::encodeForCopy(const QVariantMap &properties,

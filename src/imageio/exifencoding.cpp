@@ -83,9 +83,10 @@ private:
                        : writtenExif(m_exif, m_order, m_note, thumbnail);
         case NoteWay::Anew:
             try {
-                return makerNoteFields(m_exif) > 0 && canRewriteMakerNote(m_exif, m_note, m_order)
-                           ? encodedByLibrary(m_exif, m_order, thumbnail)
-                           : QByteArray();
+                if (makerNoteFields(m_exif) == 0 || !canRewriteMakerNote(m_exif, m_note, m_order))
+                    return {};
+                const QByteArray encoded = encodedByLibrary(m_exif, m_order, thumbnail);
+                return saysMakerNote(encoded, m_exif) ? encoded : QByteArray();
             } catch (const std::exception &) {
                 return {}; // the next way needs nothing of the maker note
             }

@@ -17,4 +17,10 @@ namespace plexa
 /// which Canon, Minolta and Sony name a lens; other makers need more than one number.
 void insertMakerNoteFacts(QVariantMap &aux, const Exiv2::ExifData &exif);
 
+/// Removes a fact of the dictionary "{ExifAux}" from the maker notes: the fields that insertMakerNoteFacts()
+/// asks for it, with a lens model all that names or measures the lens, with a serial number all numbers of
+/// the camera, or the whole note where the library understood nothing of it.
+/// @param key  of the fact; of another dictionary: nothing is removed
+void eraseFactFromMakerNotes(Exiv2::ExifData &exif, QLatin1StringView key);
+
 } // namespace plexa

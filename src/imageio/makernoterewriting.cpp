@@ -2,7 +2,10 @@
 
 #include "imageio/makernoterewriting.h"
 
+#include "imageio/metadataclearing.h"
+
 #include <algorithm>
+#include <map>
 #include <optional>
 #include <string>
 
@@ -20,6 +23,15 @@ bool hasGroup(const Exiv2::ExifData &exif, const char *group)
 {
     return std::any_of(exif.begin(), exif.end(),
                        [group](const Exiv2::Exifdatum &datum) { return datum.groupName() == group; });
+}
+
+/// Nikon encrypts by the camera's serial number and the count of its shutter.
+bool hasNikonKeys(const Exiv2::ExifData &exif)
+{
+    const auto has = [&exif](const char *key) { return exif.findKey(Exiv2::ExifKey(key)) != exif.end(); };
+    if (!hasGroup(exif, "Nikon3"))
+        return true;
+    return has("Exif.Nikon3.SerialNumber") && has("Exif.Nikon3.ShutterCount");
 }
 
 /// Where the note's directory begins, for notes whose offsets count from the start of the EXIF data. None
@@ -75,11 +87,38 @@ bool offsetsHold(const MakerNoteBlock &note, qsizetype start, Exiv2::ByteOrder o
     return first == bytes.size() || first - end <= kMaxGap;
 }
 
+/// The fields of the maker notes that a file stores, and what each of them says.
+std::map<std::string, std::string> storedNoteFields(const Exiv2::ExifData &exif)
+{
+    std::map<std::string, std::string> fields;
+    for (const Exiv2::Exifdatum &datum : exif) {
+        const std::string group = datum.groupName();
+        if (isMakerNoteGroup(group) && group != "MakerNote" && datum.size() > 0 &&
+            Exiv2::TypeInfo::typeSize(datum.typeId()) > 0)
+            fields[datum.key()] += datum.toString() + '\n';
+    }
+    return fields;
+}
+
 } // namespace
+
+bool saysMakerNote(const QByteArray &encoded, const Exiv2::ExifData &exif)
+{
+    Exiv2::ExifData found;
+    Exiv2::ExifParser::decode(found, reinterpret_cast<const Exiv2::byte *>(encoded.constData()),
+                              static_cast<uint32_t>(encoded.size()));
+    const std::map<std::string, std::string> fields = storedNoteFields(found);
+    const std::map<std::string, std::string> meant = storedNoteFields(exif);
+    // A number that was taken out of a block leaves a zero there, so that more may be found than was meant.
+    return std::all_of(meant.begin(), meant.end(), [&fields](const auto &field) {
+        const auto same = fields.find(field.first);
+        return same != fields.end() && same->second == field.second;
+    });
+}
 
 bool canRewriteMakerNote(const Exiv2::ExifData &exif, const MakerNoteBlock &note, Exiv2::ByteOrder order)
 {
-    if (hasGroup(exif, "Nikon3") && exif.findKey(Exiv2::ExifKey("Exif.Nikon3.SerialNumber")) == exif.end())
+    if (!hasNikonKeys(exif))
         return false;
     const std::optional<qsizetype> start = directoryStart(note.bytes);
     if (!start)

@@ -5,6 +5,7 @@
 #include "imageio/exifvalues.h"
 #include "imageio/keywordlists.h"
 #include "imageio/locationcreated.h"
+#include "imageio/makernotefacts.h"
 #include "imageio/metadataclearing.h"
 #include "imageio/metadatafields.h"
 #include "imageio/metadatatext.h"
@@ -53,42 +54,13 @@ void eraseWindowsTexts(Exiv2::ExifData &exif, const MetadataField &field)
         eraseExifFields(exif, {"Exif.Image.XPKeywords"});
 }
 
-/// A camera's own number in the notes of some makers: "SerialNumber", "InternalSerialNumber", "SerialNO".
-/// Pentax has it among other facts of the camera's making.
-bool isSerialNumberInNote(const Exiv2::Exifdatum &datum)
-{
-    const QString name = QString::fromStdString(datum.tagName());
-    const bool isInPentaxBlock = datum.groupName().starts_with("Pentax") && datum.tag() == 0x0215;
-    return isMakerNoteGroup(datum.groupName()) &&
-           (isInPentaxBlock || (name.contains(u"SerialN"_qs) && !name.contains(u"Lens"_qs)));
-}
-
-/// Maker notes and DNG say the serial number or lens in ways of their own, which a new value does not fit
-/// into.
+/// Maker notes and DNG say such facts in ways of their own, which a new value does not fit into.
 void eraseOtherExifHomes(Exiv2::ExifData &exif, const MetadataField &field)
 {
-    const auto eraseAll = [&exif](auto find) {
-        constexpr int kMaxSources = 16;
-        for (int i = 0; i < kMaxSources; ++i) {
-            const auto found = find(exif);
-            if (found == exif.end())
-                return;
-            const std::string key = found->key();
-            eraseMetadataIf(exif, [&key](const Exiv2::Exifdatum &datum) { return datum.key() == key; });
-        }
-    };
-    if (field.group == MetadataGroup::ExifAux && field.key == kCGImagePropertyExifAuxSerialNumber) {
-        eraseOpaqueMakerNote(exif);
-        eraseAll(Exiv2::serialNumber);
-        eraseMetadataIf(exif, isSerialNumberInNote);
-        eraseExifFields(exif, {"Exif.Image.CameraSerialNumber"});
-    } else if (field.group == MetadataGroup::ExifAux && field.key == kCGImagePropertyExifAuxLensModel) {
-        eraseAll(Exiv2::lensName);
-    } else if (field.group == MetadataGroup::ExifAux && field.key == kCGImagePropertyExifAuxLensID) {
-        eraseExifFields(exif, {"Exif.CanonCs.LensType"});
-    } else if (field.key == kCGImagePropertyTIFFModel) {
+    if (field.group == MetadataGroup::ExifAux)
+        eraseFactFromMakerNotes(exif, field.key);
+    else if (field.key == kCGImagePropertyTIFFModel)
         eraseExifFields(exif, {"Exif.Image.UniqueCameraModel", "Exif.Image.LocalizedCameraModel"});
-    }
 }
 
 /// From its own place and, for EXIF facts, from the main directory, where scanners and raw files put them.
@@ -103,20 +75,22 @@ void eraseExif(Exiv2::ExifData &exif, const MetadataField &field)
     });
 }
 
-void setExif(Exiv2::ExifData &exif, const MetadataField &field, const QVariant &value, Exiv2::ByteOrder order)
+/// @return false when the field's type cannot hold the value; nothing has changed then
+bool setExif(Exiv2::ExifData &exif, const MetadataField &field, const QVariant &value, Exiv2::ByteOrder order)
 {
     const Exiv2::ExifKey key(field.exif);
     const ExifText text = exifText(field.kind, value, key.defaultTypeId(), order == Exiv2::bigEndian);
     if (text.type == Exiv2::invalidTypeId)
-        return;
+        return false;
     const ValuePointer stored = newValue(text.type);
     const int failed = text.isBytes ? stored->read(reinterpret_cast<const Exiv2::byte *>(text.text.data()),
                                                    static_cast<long>(text.text.size()), order)
                                     : stored->read(text.text);
     if (failed != 0)
-        return;
+        return false;
     eraseExif(exif, field);
     exif.add(Exiv2::ExifKey(field.exif), stored.get());
+    return true;
 }
 
 /// Makes all texts of the record UTF-8, also those that it only says are, and lets it say so.
@@ -182,6 +156,16 @@ constexpr XmpAlias kXmpAliases[] = {
     {MetadataGroup::Exif, kCGImagePropertyExifISOSpeedRatings, "Xmp.exifEX.PhotographicSensitivity"},
     {MetadataGroup::ExifAux, kCGImagePropertyExifAuxSerialNumber, "Xmp.MicrosoftPhoto.CameraSerialNumber"},
     {MetadataGroup::ExifAux, kCGImagePropertyExifAuxLensModel, "Xmp.MicrosoftPhoto.LensModel"},
+    {MetadataGroup::ExifAux, kCGImagePropertyExifAuxLensModel, "Xmp.exif.Lens"},
+    {MetadataGroup::Iptc, kCGImagePropertyIPTCByline, "Xmp.acdsee.author"},
+    {MetadataGroup::Iptc, kCGImagePropertyIPTCByline, "Xmp.pdf.Author"},
+    {MetadataGroup::Iptc, kCGImagePropertyIPTCByline, "Xmp.xmp.Author"},
+    {MetadataGroup::Iptc, kCGImagePropertyIPTCCaptionAbstract, "Xmp.acdsee.caption"},
+    {MetadataGroup::Iptc, kCGImagePropertyIPTCCaptionAbstract, "Xmp.pdf.Subject"},
+    {MetadataGroup::Iptc, kCGImagePropertyIPTCCaptionAbstract, "Xmp.xmp.Description"},
+    {MetadataGroup::Iptc, kCGImagePropertyIPTCObjectName, "Xmp.pdf.Title"},
+    {MetadataGroup::Iptc, kCGImagePropertyIPTCObjectName, "Xmp.xmp.Title"},
+    {MetadataGroup::Iptc, kCGImagePropertyIPTCCopyrightNotice, "Xmp.pdf.Copyright"},
 };
 
 /// The further names under which XMP says the field's fact: the aliases, and what it calls other fields of
@@ -248,10 +232,14 @@ void removeField(MetadataSet &set, Exiv2::XmpData &xmp, const MetadataField &fie
         eraseXmpProperty(xmp, kContactProperty);
 }
 
-void setField(MetadataSet &set, Exiv2::XmpData &xmp, const MetadataField &field, const QVariant &value)
+/// A value that EXIF cannot hold, as an aperture's negative exponent, does not leave the old one standing.
+void setField(MetadataSet &set, Exiv2::XmpData &xmp, const MetadataField &field, const QVariant &value,
+              const QVariantMap &after)
 {
-    if (field.exif)
-        setExif(set.exif, field, value, set.byteOrder);
+    if (field.exif && !setExif(set.exif, field, value, set.byteOrder)) {
+        removeField(set, xmp, field, after);
+        return;
+    }
     if (field.iptc)
         setIptc(set.iptc, field, value);
     setXmp(xmp, field, value);
@@ -266,6 +254,26 @@ void updateFurtherXmp(Exiv2::XmpData &xmp, const MetadataField &field, const QVa
     updateLocationCreated(xmp, field.key, propertyTexts(newValue).value(0));
     if (field.key == kCGImagePropertyIPTCKeywords)
         updateKeywordLists(xmp, propertyTexts(oldValue), propertyTexts(newValue));
+}
+
+/// Without the fractions and time zones of dates that are no longer there, unless they are new as well.
+QVariantMap withoutPartsOfRemovedDates(const QVariantMap &before, QVariantMap after)
+{
+    const QVariantMap oldExif = groupDictionary(before, MetadataGroup::Exif);
+    QVariantMap exif = groupDictionary(after, MetadataGroup::Exif);
+    for (const MetadataField &field : metadataFields()) {
+        const SplitDate *split = splitDateOf(field);
+        if (!split || groupDictionary(after, field.group).contains(field.key) ||
+            !groupDictionary(before, field.group).contains(field.key))
+            continue;
+        for (const QLatin1StringView part : {split->fraction, split->zone}) {
+            if (exif.value(part) == oldExif.value(part))
+                exif.remove(part);
+        }
+    }
+    if (exif.size() < groupDictionary(after, MetadataGroup::Exif).size())
+        after.insert(dictionaryKey(MetadataGroup::Exif), exif);
+    return after;
 }
 
 /// Gives XMP the dates anew of which the date, its fraction or its time zone has changed.
@@ -286,8 +294,9 @@ void updateXmpDates(Exiv2::XmpData &xmp, const QVariantMap &before, const QVaria
 } // namespace
 
 bool applyPropertyChanges(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &before,
-                          const QVariantMap &after)
+                          const QVariantMap &wanted)
 {
+    const QVariantMap after = withoutPartsOfRemovedDates(before, wanted);
     bool hasChangedIptc = false;
     for (const MetadataField &field : metadataFields()) {
         const QVariant oldValue = groupDictionary(before, field.group).value(field.key);
@@ -298,7 +307,7 @@ bool applyPropertyChanges(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantM
             eraseWindowsTexts(set.exif, field);
             eraseOtherExifHomes(set.exif, field);
             if (newValue.isValid())
-                setField(set, xmp, field, newValue);
+                setField(set, xmp, field, newValue, after);
             else
                 removeField(set, xmp, field, after);
             updateFurtherXmp(xmp, field, oldValue, newValue);

@@ -15,6 +15,6 @@ namespace plexa
 /// @param before  what the set says: propertiesOfMetadata()
 /// @return has the IPTC record changed?
 bool applyPropertyChanges(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &before,
-                          const QVariantMap &after);
+                          const QVariantMap &wanted);
 
 } // namespace plexa

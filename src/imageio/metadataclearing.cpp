@@ -36,11 +36,11 @@ bool isOneOf(const std::string &text, std::initializer_list<std::string_view> wo
     return std::find(words.begin(), words.end(), text) != words.end();
 }
 
-/// Tags by which maps and aerial photos say where they lie (GeoTIFF 1.1, GDAL).
+/// Tags by which maps and aerial photos say where they lie (GeoTIFF 1.1 and its forerunners, GDAL).
 bool isGeoTiffTag(uint16_t tag)
 {
-    return tag == 0x830E || tag == 0x8482 || tag == 0x85D8 || (tag >= 0x87AF && tag <= 0x87B1) ||
-           tag == 0xA480;
+    return tag == 0x830E || (tag >= 0x847E && tag <= 0x8482) || tag == 0x85D8 ||
+           (tag >= 0x87AF && tag <= 0x87B1) || tag == 0xA480;
 }
 
 /// Location, country, state, city and landmark, which the camera looks up.
@@ -114,7 +114,7 @@ void clearExif(MetadataSet &set, Exiv2::XmpData &xmp)
                startsWithAny(key, {"Xmp.exifEX."sv, "Xmp.aux."sv, "Xmp.GCamera."sv, "Xmp.xmp.CreateDate"sv,
                                    "Xmp.MicrosoftPhoto.Camera"sv, "Xmp.MicrosoftPhoto.Lens"sv,
                                    "Xmp.MicrosoftPhoto.Flash"sv}) ||
-               nameContains(datum, QLatin1StringView("SerialNumber"));
+               nameContains(datum, QLatin1StringView("SerialNumber")) || isExposureInXmp(datum);
     });
 }
 
@@ -181,7 +181,7 @@ void clearIptc(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &after)
     eraseMetadataIf(xmp, [&](const Exiv2::Xmpdatum &datum) {
         const std::string key = datum.key();
         return (isIptcInXmp(key) || isDescriptionInXmp(datum)) && !keptXmp.contains(key) &&
-               !(keepsRights && key.starts_with("Xmp.xmpRights."));
+               !(keepsRights && isRightInXmp(datum));
     });
     const bool saysNothing = std::all_of(set.iptc.begin(), set.iptc.end(), [](const Exiv2::Iptcdatum &datum) {
         return datum.key() == kCharacterSet;

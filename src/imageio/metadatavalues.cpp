@@ -42,10 +42,13 @@ ExifText numbersText(const QVariant &value, Exiv2::TypeId type)
             return {};
         if (type == Exiv2::unsignedShort && number > 65535)
             result.type = Exiv2::unsignedLong;
+        const bool isByte = type == Exiv2::unsignedByte || type == Exiv2::undefined;
+        const QString text = isRational(type) ? rationalText(number) : QString::number(qRound64(number));
+        if (text.isEmpty() || (isByte && number > 255))
+            return {};
         if (!result.text.empty())
             result.text += ' ';
-        result.text += isRational(type) ? rationalText(number).toStdString()
-                                        : std::to_string(static_cast<long long>(std::llround(number)));
+        result.text += text.toStdString();
     }
     return result;
 }
@@ -93,6 +96,22 @@ ExifText timeOfDayText(const QVariant &value)
     }
     return areNumbers ? ExifText{Exiv2::unsignedRational, rationals.join(u' ').toStdString(), false}
                       : ExifText{};
+}
+
+/// Each number by itself; nothing where one of them is no number, or greater than `textOf` can say.
+template<class TextOf>
+QStringList textsOfNumbers(const QVariant &value, TextOf textOf)
+{
+    QStringList texts;
+    for (const QVariant &item : itemsOf(value)) {
+        bool isNumber = false;
+        const double number = item.toDouble(&isNumber);
+        const QString text = isNumber ? textOf(item, number) : QString();
+        if (text.isEmpty())
+            return {};
+        texts += text;
+    }
+    return texts;
 }
 
 /// "2010-08-13T21:00:01" for "2010:08:13 21:00:01". A camera whose clock was never set writes zeros or
@@ -196,19 +215,14 @@ QStringList xmpTexts(MetadataKind kind, const QVariant &value)
     case MetadataKind::IptcDate:
         return isoDate(value.toString());
     case MetadataKind::Integer:
-    case MetadataKind::IntegerList: {
-        QStringList texts;
-        for (const QVariant &item : itemsOf(value))
-            texts += QString::number(item.toLongLong());
-        return texts;
-    }
+    case MetadataKind::IntegerList:
+        return textsOfNumbers(value, [](const QVariant &item, double number) {
+            // Some numbers name a lens by eight bytes; none are greater.
+            return std::abs(number) < 9e18 ? QString::number(item.toLongLong()) : QString();
+        });
     case MetadataKind::Number:
-    case MetadataKind::NumberList: {
-        QStringList texts;
-        for (const QVariant &item : itemsOf(value))
-            texts += rationalText(item.toDouble());
-        return texts;
-    }
+    case MetadataKind::NumberList:
+        return textsOfNumbers(value, [](const QVariant &, double number) { return rationalText(number); });
     case MetadataKind::Version:
         return {QString::fromStdString(versionText(value).text)};
     case MetadataKind::Degrees:

@@ -159,17 +159,23 @@ struct Coordinate {
     QString letter; ///< may be empty
 };
 
+std::optional<Coordinate> withinTheGlobe(const Coordinate &coordinate)
+{
+    const bool isLatitude = coordinate.letter == u"N" || coordinate.letter == u"S";
+    return std::abs(coordinate.degrees) <= (isLatitude ? 90 : 180) ? std::optional(coordinate) : std::nullopt;
+}
+
 std::optional<Coordinate> coordinateOf(const QString &text)
 {
     const QStringList parts =
         captured("^([0-9]+),([0-9]+(?:\\.[0-9]+)?)(?:,([0-9]+(?:\\.[0-9]+)?))?([NSEWnsew])$", text);
     if (parts.size() == 5)
-        return Coordinate{parts[1].toDouble() + parts[2].toDouble() / 60 + parts[3].toDouble() / 3600,
-                          parts[4].toUpper()};
+        return withinTheGlobe({parts[1].toDouble() + parts[2].toDouble() / 60 + parts[3].toDouble() / 3600,
+                               parts[4].toUpper()});
     const QStringList plain = captured("^([+-]?[0-9]{1,3}(?:\\.[0-9]+)?)([NSEWnsew]?)$", text);
     if (plain.size() < 2)
         return {};
-    return Coordinate{plain[1].toDouble(), plain.value(2).toUpper()};
+    return withinTheGlobe({plain[1].toDouble(), plain.value(2).toUpper()});
 }
 
 QVariant degreesOf(const QString &text)

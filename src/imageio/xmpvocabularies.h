@@ -11,8 +11,14 @@ namespace plexa
 // They are told by their namespace: a file may give them any prefix. All are to be called under
 // lockXmpNamespaces().
 
-/// People, keywords, captions and rights in vocabularies of regions, photo managers and agencies.
+/// People, keywords, captions and rights in vocabularies of regions, photo managers, agencies and publishers.
 bool isDescriptionInXmp(const Exiv2::Xmpdatum &datum);
+
+/// Who may use the photo and how: what stays with a copyright that is kept.
+bool isRightInXmp(const Exiv2::Xmpdatum &datum);
+
+/// Lens, camera profile and time in vocabularies of raw converters, panoramas and films.
+bool isExposureInXmp(const Exiv2::Xmpdatum &datum);
 
 /// What a phone's radio knew of where it was.
 bool isCellTowerInXmp(const Exiv2::Xmpdatum &datum);

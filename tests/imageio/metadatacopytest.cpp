@@ -388,6 +388,7 @@ void MetadataCopyTest::editsLeaveMakerNotesSound_data()
     QTest::newRow("serial number") << kCGImagePropertyExifAuxSerialNumber << false;
     QTest::newRow("no serial number") << kCGImagePropertyExifAuxSerialNumber << true;
     QTest::newRow("lens") << kCGImagePropertyExifAuxLensModel << false;
+    QTest::newRow("no lens") << kCGImagePropertyExifAuxLensModel << true;
     QTest::newRow("GPS") << QLatin1StringView() << true;
 }
 
@@ -434,8 +435,29 @@ void MetadataCopyTest::editsLeaveMakerNotesSound()
         if (hadNote && tags.isEmpty() && !omitted[path.key()].contains(u"maker note"_qs))
             failures += name + u" lost its maker note without a word"_qs;
         kept += hadNote && !tags.isEmpty();
+        // The program reads the edited fact, and the others that were in the note.
+        const auto auxOf = [](const QString &file) {
+            return EmbeddedMetadata::read(file)
+                ->properties()
+                .value(kCGImagePropertyExifAuxDictionary)
+                .toMap();
+        };
+        const QVariantMap after = auxOf(path.value());
+        if (!key.isEmpty() && after.value(key) != (isRemoved ? QVariant() : QVariant(u"X1"_qs)))
+            failures += name + u" reads "_qs + after.value(key).toString();
+        const QString firmware = kCGImagePropertyExifAuxFirmware;
+        const QString other = key == kCGImagePropertyExifAuxSerialNumber
+                                  ? kCGImagePropertyExifAuxLensModel
+                                  : kCGImagePropertyExifAuxSerialNumber;
+        const QVariantMap before = auxOf(path.key());
+        if (!omitted[path.key()].contains(u"maker note"_qs) &&
+            (after.value(firmware) != before.value(firmware) || after.value(other) != before.value(other)))
+            failures += name + u" reads another "_qs + other;
         for (const QString &tag : tags) {
             static const QRegularExpression serial(QStringLiteral(":(Internal)?SerialNumber$"));
+            static const QRegularExpression lens(QStringLiteral(":Lens(Type|Model|ID|IDNumber)?$"));
+            if (key == kCGImagePropertyExifAuxLensModel && before.contains(key) && lens.match(tag).hasMatch())
+                failures += name + u" still says "_qs + tag;
             static const QRegularExpression nothing(QStringLiteral("^[0 ]*$"));
             if (key == kCGImagePropertyExifAuxSerialNumber && !isRemoved && serial.match(tag).hasMatch() &&
                 !nothing.match(test::comparable(copy[tag])).hasMatch())

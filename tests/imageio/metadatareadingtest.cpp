@@ -113,6 +113,7 @@ void MetadataReadingTest::variants_data()
     xmp("sensitivity of EXIF 2.3", "ex:PhotographicSensitivity='640'", {}, u"{Exif}/ISOSpeedRatings"_qs,
         QVariantList{640});
     xmp("position", "exif:GPSLongitude='8,30.6W'", {}, u"{GPS}/Longitude"_qs, 8.51);
+    xmp("position off the globe", "exif:GPSLatitude='999,99N'", {}, u"{GPS}/Latitude"_qs, {});
     xmp("plain degrees", "exif:GPSLatitude='-33.5'", {}, u"{GPS}/Latitude"_qs, 33.5);
     xmp("letter of plain degrees", "exif:GPSLatitude='-33.5'", {}, u"{GPS}/LatitudeRef"_qs, u"S"_qs);
     xmp("large lens ID", "aux:LensID='-7910804157571773682'", {}, u"{ExifAux}/LensID"_qs,

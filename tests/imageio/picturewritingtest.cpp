@@ -200,6 +200,8 @@ void PictureWritingTest::thumbnailShowsTheCopy()
     const auto source = ImageSource::open(photo(u"jpeg/canon-eos-450d.jpg"_qs));
     QVERIFY(source);
     QVERIFY(source->metadata()->hasThumbnail());
+    // The next page of a TIFF is none.
+    QVERIFY(!ImageSource::open(photo(u"tiff/multipage.tif"_qs))->metadata()->hasThumbnail());
     // Not the photo, so that a thumbnail of the source would be noticed.
     const QImage image = colorfulPicture({1999, 1333}, QImage::Format_RGB32);
     QBuffer file;

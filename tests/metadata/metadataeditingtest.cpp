@@ -44,13 +44,14 @@ QList<Fact> facts()
         text("title", &M::setIptcTitle, {u"IPTC:ObjectName"_qs, u"XMP-dc:Title"_qs, u"IFD0:XPTitle"_qs}),
         text("description", &M::setIptcDescription,
              {u"IPTC:Caption-Abstract"_qs, u"XMP-dc:Description"_qs, u"IFD0:ImageDescription"_qs,
-              u"XMP-tiff:ImageDescription"_qs, u"IFD0:XPComment"_qs, u"IFD0:XPSubject"_qs}),
+              u"XMP-tiff:ImageDescription"_qs, u"IFD0:XPComment"_qs, u"IFD0:XPSubject"_qs,
+              u"XMP-acdsee:Caption"_qs}),
         text("copyright", &M::setTiffCopyright,
              {u"IPTC:CopyrightNotice"_qs, u"XMP-dc:Rights"_qs, u"IFD0:Copyright"_qs,
               u"XMP-tiff:Copyright"_qs}),
         text("creator", &M::setIptcCreator,
              {u"IPTC:By-line"_qs, u"XMP-dc:Creator"_qs, u"IFD0:Artist"_qs, u"XMP-tiff:Artist"_qs,
-              u"IFD0:XPAuthor"_qs}),
+              u"IFD0:XPAuthor"_qs, u"XMP-acdsee:Author"_qs, u"XMP-pdf:Author"_qs}),
         text("writer", &M::setIptcDescriptionWriter,
              {u"IPTC:Writer-Editor"_qs, u"XMP-photoshop:CaptionWriter"_qs}),
         text("sublocation", &M::setIptcSublocation,
@@ -81,7 +82,7 @@ QList<Fact> facts()
              {u"IFD0:Model"_qs, u"XMP-tiff:Model"_qs, u"IFD0:UniqueCameraModel"_qs}),
         text("comment", &M::setExifUserComment, {u"ExifIFD:UserComment"_qs, u"XMP-exif:UserComment"_qs}),
         text("lens", &M::setExifLens,
-             {u"ExifIFD:LensModel"_qs, u"XMP-aux:Lens"_qs, u"XMP-exifEX:LensModel"_qs}),
+             {u"ExifIFD:LensModel"_qs, u"XMP-aux:Lens"_qs, u"XMP-exifEX:LensModel"_qs, u"XMP-exif:Lens"_qs}),
         text("serial", &M::setExifCameraSerialNumber,
              {u"ExifIFD:SerialNumber"_qs, u"XMP-aux:SerialNumber"_qs, u"XMP-exifEX:SerialNumber"_qs,
               u"IFD0:CameraSerialNumber"_qs}),
@@ -163,6 +164,7 @@ struct Clearing {
     std::function<void(ImageMetadata &)> clear;
     QStringList goneTags;
     QStringList keptFacts; ///< names of facts() whose places, but those of goneTags, say what they said
+    QStringList keptTags = {};
 };
 
 } // namespace
@@ -341,6 +343,11 @@ void MetadataEditingTest::fractionAndZoneOfDatesReachXmp()
              u"2001:02:03 04:05:06.17+01:00"_qs);
     const auto edit = [](ImageMetadata &m) { m.setExifSubsecTimeOriginal(u"5"_qs); };
     QCOMPARE(copiedRecord(source, type, edit)[date].toString(), u"2001:02:03 04:05:06.5+01:00"_qs);
+    const QJsonObject dateless =
+        copiedRecord(source, type, [](ImageMetadata &m) { m.setExifDateTimeOriginalStr({}); });
+    QVERIFY(dateless.contains(u"ExifIFD:CreateDate"_qs));
+    for (const char *part : {"ExifIFD:SubSecTimeOriginal", "ExifIFD:OffsetTimeOriginal"})
+        QVERIFY2(!dateless.contains(QLatin1StringView(part)), part);
 }
 
 void MetadataEditingTest::flashReachesXmp()
@@ -376,6 +383,15 @@ void MetadataEditingTest::exponentsAgreeWithPlainValues()
     for (const QString &place : places) {
         QVERIFY2(qAbs(edited[place].toDouble() - 5.6) < 1e-4, qPrintable(place));
         QVERIFY2(!removed.isEmpty() && !removed.contains(place), qPrintable(place));
+    }
+    // What EXIF cannot hold leaves nothing of the old value: exponents below zero, what is no aperture.
+    for (const QVariant &refused : {QVariant(0.95), QVariant(-1), QVariant(u"abc"_qs), QVariant(1e30)}) {
+        const auto record = copiedRecord(source, type, [&](ImageMetadata &m) { m.setExifFNumber(refused); });
+        QVERIFY(record.contains(u"ExifIFD:ExposureTime"_qs));
+        QCOMPARE(record[u"ExifIFD:FNumber"].toDouble(), refused == 0.95 ? 0.95 : 0.0);
+        for (const char *place : {"ExifIFD:ApertureValue", "XMP-exif:ApertureValue"})
+            QVERIFY2(!record.contains(QLatin1StringView(place)), place);
+        QVERIFY(refused == 0.95 || !record.contains(u"XMP-exif:FNumber"_qs));
     }
 }
 
@@ -439,17 +455,20 @@ QList<Clearing> clearings()
                            u"XMP-photoshop:*"_qs, u"XMP-dc:Title"_qs,       u"XMP-dc:Creator"_qs,
                            u"XMP-dc:Subject"_qs,  u"XMP-dc:Description"_qs, u"XMP-plus:*"_qs,
                            u"XMP-mwg-rs:*"_qs,    u"XMP-mwg-kw:*"_qs,       u"XMP-MP:*"_qs,
-                           u"XMP-pdf:*"_qs,       u"XMP-photomech:*"_qs,    u"XMP-getty:Personality"_qs};
+                           u"XMP-pdf:*"_qs,       u"XMP-photomech:*"_qs,    u"XMP-getty:Personality"_qs,
+                           u"XMP-acdsee:*"_qs,    u"XMP-xmp:Author"_qs,     u"XMP-xmp:Nickname"_qs,
+                           u"XMP-cc:*"_qs,        u"XMP-xmpDM:*"_qs,        u"XMP-prism:*"_qs,
+                           u"XMP-album:*"_qs};
     return {
         {"EXIF",
          [](ImageMetadata &m) { m.clearExifData(); },
          {u"ExifIFD:*"_qs, u"*SerialNumber"_qs, u"XMP-exif:[A-FH-Z]*"_qs, u"XMP-exifEX:*"_qs, u"XMP-aux:*"_qs,
-          u"XMP-xmp:CreateDate"_qs, u"*Lens*"_qs},
+          u"XMP-xmp:CreateDate"_qs, u"*Lens*"_qs, u"XMP-GPano:*"_qs},
          {u"headline"_qs, u"make"_qs}},
         {"GPS",
          [](ImageMetadata &m) { m.clearGPSData(); },
          {u"*GPS*"_qs, u"*Latitude*"_qs, u"*Longitude*"_qs, u"*:Geo*"_qs, u"*:Lat"_qs, u"*:Long"_qs,
-          u"XMP-cell:*"_qs},
+          u"XMP-cell:*"_qs, u"IFD0:IntergraphMatrix"_qs},
          {u"headline"_qs, u"capture"_qs, u"serial"_qs, u"city"_qs}},
         {"IPTC",
          [](ImageMetadata &m) { m.clearIptcDataKeepCopyright(false, false); },
@@ -460,15 +479,16 @@ QList<Clearing> clearings()
          [](ImageMetadata &m) { m.clearIptcDataKeepCopyright(true, true); },
          {u"IPTC:City"_qs, u"IPTC:Headline"_qs, u"IPTC:UniqueObjectName"_qs, u"IPTC:Destination"_qs,
           u"IPTC:DateSent"_qs, u"XMP-photoshop:City"_qs, u"XMP-iptcExt:*"_qs, u"XMP-dc:Title"_qs,
-          u"XMP-dc:Description"_qs},
-         {u"copyright"_qs, u"creator"_qs, u"profession"_qs, u"email"_qs, u"address"_qs, u"capture"_qs}},
+          u"XMP-dc:Description"_qs, u"XMP-acdsee:*"_qs, u"XMP-pdf:*"_qs},
+         {u"copyright"_qs, u"creator"_qs, u"profession"_qs, u"email"_qs, u"address"_qs, u"capture"_qs},
+         {u"XMP-xmpRights:UsageTerms"_qs, u"XMP-cc:AttributionName"_qs}},
         {"TIFF",
          [](ImageMetadata &m) { m.clearTiffDataKeepCopyright(false, false); },
          {u"IFD0:Make"_qs, u"IFD0:Model"_qs, u"IFD0:UniqueCameraModel"_qs, u"IFD0:Software"_qs,
           u"IFD0:Artist"_qs, u"IFD0:Copyright"_qs, u"IFD0:ImageDescription"_qs, u"IFD0:XP*"_qs,
           u"XMP-tiff:Make"_qs, u"XMP-tiff:Model"_qs, u"XMP-tiff:Software"_qs, u"XMP-tiff:Artist"_qs,
           u"XMP-tiff:Copyright"_qs, u"XMP-tiff:ImageDescription"_qs, u"XMP-xmp:CreatorTool"_qs,
-          u"XMP-getty:Camera*"_qs},
+          u"XMP-getty:Camera*"_qs, u"XMP-MP1:*"_qs},
          {u"copyright"_qs, u"creator"_qs, u"description"_qs, u"capture"_qs, u"serial"_qs}},
     };
 }
@@ -501,6 +521,17 @@ void MetadataEditingTest::clearingLeavesNothing()
         u"-XMP-getty:Personality=Old"_qs,
         u"-XMP-getty:CameraMakeModel=old"_qs,
         u"-XMP-cell:CellTowerID=4711"_qs,
+        u"-XMP-xmp:Author=Old"_qs,
+        u"-XMP-xmp:Nickname=Old"_qs,
+        u"-XMP-cc:AttributionName=Old"_qs,
+        u"-XMP-xmpDM:ShotLocation=Old"_qs,
+        u"-XMP-prism:Person=Old"_qs,
+        u"-XMP-album:Notes=old"_qs,
+        u"-XMP-crs:LensProfileName=old"_qs,
+        u"-XMP-GPano:FirstPhotoDate=2001:02:03 04:05:06"_qs,
+        u"-XMP-MP1:CameraModelID=old"_qs,
+        u"-XMP-xmpRights:UsageTerms=old"_qs,
+        u"-IFD0:IntergraphMatrix=1 2 3"_qs,
         u"-IPTC:UniqueObjectName=old"_qs,
         u"-IPTC:Destination=old"_qs,
         u"-IPTC:DateSent=2001:02:03"_qs,
@@ -539,6 +570,8 @@ void MetadataEditingTest::clearingLeavesNothing()
                  qPrintable(tag.key()));
     if (!isInDictionary)
         return;
+    for (const QString &tag : wanted.keptTags)
+        QVERIFY2(untouched.contains(tag) && record[tag] == untouched[tag], qPrintable(tag));
     for (const Fact &fact : facts()) {
         if (!wanted.keptFacts.contains(QLatin1StringView(fact.name)))
             continue;
