@@ -158,7 +158,7 @@ QByteArray changedXmp(MetadataSet &set, ClearedGroups cleared, const QVariantMap
                       QStringList &omitted)
 {
     const auto lock = lockXmpNamespaces();
-    Exiv2::XmpData xmp = decodedXmp(set);
+    Exiv2::XmpData xmp = decodedXmp(set, &omitted);
     erasePicturesFromXmp(xmp);
     clearGroups(set, xmp, cleared, after);
     // What was cleared and is there again is new, even where it says the same.
@@ -192,8 +192,6 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
 {
     const QVariantMap after = withAgreeingApexValues(before, properties);
     EmbeddedMetadata::Encoded encoded;
-    if (hasExcessiveXmp(set))
-        encoded.omitted += u"XMP"_qs;
     const ClearedGroups cleared = facts.cleared | emptiedGroups(before, after);
     MakerNoteBlock note = makerNoteOf(set.exif);
     const size_t noteFields = makerNoteFields(set.exif);

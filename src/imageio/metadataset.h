@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <exiv2/exiv2.hpp>
 
@@ -31,13 +32,11 @@ struct MetadataSet {
 /// Reads what the file carries; nothing is thrown, what cannot be read is left out.
 MetadataSet readMetadataSet(const QString &path);
 
-/// Decodes the XMP, both packets as one; without a packet that is damaged or beyond all measure (size,
-/// nesting, number of elements and attributes).
+/// Decodes the XMP, both packets as one, after mending what can be mended; without a packet that is damaged
+/// beyond that, or beyond all measure (size, nesting, number of elements and attributes).
 /// To be called under lockXmpNamespaces(); the result is changed and encoded under the same lock, but may be
 /// read without it.
-Exiv2::XmpData decodedXmp(const MetadataSet &set);
-
-/// Does decodedXmp() leave out a packet that is beyond all measure?
-bool hasExcessiveXmp(const MetadataSet &set);
+/// @param omitted  gets the names of what is left out: "XMP" for a packet, "XMP dc:title" for a property
+Exiv2::XmpData decodedXmp(const MetadataSet &set, QStringList *omitted = nullptr);
 
 } // namespace plexa
