@@ -192,6 +192,8 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
 {
     const QVariantMap after = withAgreeingApexValues(before, properties);
     EmbeddedMetadata::Encoded encoded;
+    if (set.hasDamagedIptc)
+        encoded.omitted += set.iptc.empty() ? u"IPTC"_qs : u"damaged IPTC field"_qs;
     const ClearedGroups cleared = facts.cleared | emptiedGroups(before, after);
     MakerNoteBlock note = makerNoteOf(set.exif);
     const size_t noteFields = makerNoteFields(set.exif);

@@ -180,11 +180,12 @@ void decodeIptc(MetadataSet &set, const QByteArray &iptc)
     if (iptc.isEmpty())
         return;
     try {
-        if (Exiv2::IptcParser::decode(set.iptc, reinterpret_cast<const Exiv2::byte *>(iptc.constData()),
-                                      static_cast<uint32_t>(iptc.size())) != 0)
-            set.iptc.clear();
+        // A record that is cut off is read as far as it goes.
+        set.hasDamagedIptc =
+            Exiv2::IptcParser::decode(set.iptc, reinterpret_cast<const Exiv2::byte *>(iptc.constData()),
+                                      static_cast<uint32_t>(iptc.size())) != 0;
     } catch (const std::exception &) {
-        set.iptc.clear();
+        set.hasDamagedIptc = true;
     }
     if (!set.iptc.empty())
         set.iptcBlock = iptc;

@@ -20,8 +20,9 @@ namespace plexa
 struct MetadataSet {
     Exiv2::ExifData exif;
     Exiv2::IptcData iptc;
-    QByteArray iptcBlock;      ///< the records as they came, empty where only the library saw them
-    QByteArray imageResources; ///< Photoshop image resources as they came
+    QByteArray iptcBlock;        ///< the records as they came, empty where only the library saw them
+    bool hasDamagedIptc = false; ///< some of the records cannot be read
+    QByteArray imageResources;   ///< Photoshop image resources as they came
     std::string xmpPacket;
     std::string moreXmpPacket; ///< what a JPEG keeps in a second packet
     std::string comment;

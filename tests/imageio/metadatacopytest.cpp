@@ -359,14 +359,15 @@ void MetadataCopyTest::editsReachAllPlaces()
              expected.value(kCGImagePropertyIPTCDictionary));
 }
 
-/// A record that says it is UTF-8 and is not, with a date of zeros.
+/// A record that says it is UTF-8 and is not, with a date of zeros, cut off in its last field.
 void MetadataCopyTest::falseRecordsAreMended()
 {
     const auto dataSet = [](char record, char number, const QByteArray &value) {
         return QByteArray{"\x1C"} + record + number + '\0' + char(value.size()) + value;
     };
     EmbeddedMetadata::Encoded source;
-    source.iptc = dataSet(1, 90, "\x1B%G") + dataSet(2, 55, "00000000") + dataSet(2, 120, "Z\xFCrich");
+    source.iptc = dataSet(1, 90, "\x1B%G") + dataSet(2, 55, "00000000") + dataSet(2, 80, "J\xFCrgen") +
+                  dataSet(2, 120, "Z\xFCrich") + dataSet(2, 25, "forest").chopped(1);
     const QString path = m_folder.path(u"false.jpg"_qs);
     write(path, test::jpegWith(source));
     const auto metadata = EmbeddedMetadata::read(path);
@@ -374,8 +375,17 @@ void MetadataCopyTest::falseRecordsAreMended()
                                          kCGImagePropertyIPTCCity, u"Oslo"_qs);
     const auto encoded = metadata->encodeForCopy(edited, {QSize(16, 16), 0});
     QVERIFY(encoded.iptc.contains("Oslo") && encoded.iptc.contains("Z\xC3\xBCrich"));
-    QVERIFY(encoded.iptc.isValidUtf8());
+    QVERIFY(encoded.iptc.isValidUtf8() && !encoded.iptc.contains("fores"));
+    QCOMPARE(encoded.omitted, QStringList(u"damaged IPTC field"_qs));
+    QVERIFY(metadata->encodeForCopy(metadata->properties(), {QSize(16, 16), 0}).iptc.endsWith("rich"));
     EmbeddedMetadata::CopyFacts facts{QSize(16, 16), 0};
+    facts.cleared = ClearedGroup::Iptc;
+    const QVariant byline = QVariantList{QString::fromUtf8("J\u00FCrgen")};
+    const QVariantMap cleared{
+        {kCGImagePropertyIPTCDictionary, QVariantMap{{kCGImagePropertyIPTCByline, byline}}}};
+    const QByteArray kept = metadata->encodeForCopy(cleared, facts).iptc;
+    QVERIFY(kept.contains("J\xC3\xBCrgen") && !kept.contains("rich"));
+    facts = {QSize(16, 16), 0};
     facts.holdsIptc = false;
     const QByteArray xmp = metadata->encodeForCopy(edited, facts).xmp;
     QVERIFY(xmp.contains("Oslo") && !xmp.contains("DateCreated"));
