@@ -214,7 +214,7 @@ void readThroughLibrary(MetadataSet &set, const QString &path)
     set.exif = image->exifData();
     set.iptc = image->iptcData();
     set.imageResources = blockOf(set.exif, "Exif.Image.ImageResources");
-    set.comment = image->comment();
+    set.comments.add(QByteArray::fromStdString(image->comment()));
     const auto noteOrder = set.exif.findKey(Exiv2::ExifKey("Exif.MakerNote.ByteOrder"));
     if (image->byteOrder() != Exiv2::invalidByteOrder)
         set.byteOrder = image->byteOrder();
@@ -242,7 +242,7 @@ MetadataSet readMetadataSet(const QString &path)
         set.imageResources = blocks->imageResources;
         set.xmpPacket = blocks->xmp.toStdString();
         set.moreXmpPacket = blocks->moreXmp.toStdString();
-        set.comment = blocks->comment.toStdString();
+        set.comments = blocks->comments;
         set.texts = blocks->texts;
         return set;
     }

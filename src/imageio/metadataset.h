@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "imageio/filecomments.h"
 #include "imageio/pngtexts.h"
 
 #include <QByteArray>
@@ -25,7 +26,7 @@ struct MetadataSet {
     QByteArray imageResources;   ///< Photoshop image resources as they came
     std::string xmpPacket;
     std::string moreXmpPacket; ///< what a JPEG keeps in a second packet
-    std::string comment;
+    FileComments comments;
     QList<PngText> texts;
     Exiv2::ByteOrder byteOrder = Exiv2::littleEndian;
 };
