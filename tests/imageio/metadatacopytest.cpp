@@ -96,6 +96,8 @@ private Q_SLOTS:
     void longXmpIsReadFromItsPieces();
     void valuesSurviveWriting_data();
     void valuesSurviveWriting();
+    void exifFindsItsPlaceInXmp_data();
+    void exifFindsItsPlaceInXmp();
 
 private:
     QMap<QString, QString>
@@ -602,6 +604,45 @@ void MetadataCopyTest::valuesSurviveWriting()
         QVERIFY(qFuzzyCompare(read.toDouble(), value.toDouble()));
     else
         QCOMPARE(read, value);
+}
+
+void MetadataCopyTest::exifFindsItsPlaceInXmp_data()
+{
+    QTest::addColumn<QLatin1StringView>("group");
+    QTest::addColumn<QLatin1StringView>("key");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QByteArray>("text"); // empty: nothing is said
+    const auto row = [](QLatin1StringView group, QLatin1StringView key, const QVariant &value,
+                        const QByteArray &name, const QByteArray &text) {
+        QTest::addRow("%s %s", name.constData(), text.constData()) << group << key << value << name << text;
+    };
+    const QLatin1StringView exif = kCGImagePropertyExifDictionary;
+    const QLatin1StringView gps = kCGImagePropertyGPSDictionary;
+    const QByteArray distance = "exif:SubjectDistance";
+    row(exif, kCGImagePropertyExifSubjectDistance, 4294967295.0, distance, "4294967295/1"); // infinite
+    row(exif, kCGImagePropertyExifSubjectDistance, 1e30, distance, {});
+    row(exif, kCGImagePropertyExifLensSpecification, QVariantList{24, 70, 2.8, 0}, "exifEX:LensSpecification",
+        "24/1 70/1 14/5 0/0");
+    row(gps, kCGImagePropertyGPSProcessingMethod, QStringLiteral("CELLID"), "exif:GPSProcessingMethod",
+        "CELLID");
+    row(gps, kCGImagePropertyGPSAreaInformation, QString::fromUtf8("\u6771"), "exif:GPSAreaInformation",
+        QString::fromUtf8("\u6771").toUtf8());
+}
+
+/// In a format that has room for XMP alone.
+void MetadataCopyTest::exifFindsItsPlaceInXmp()
+{
+    QFETCH(QLatin1StringView, group);
+    QFETCH(QLatin1StringView, key);
+    QFETCH(QVariant, value);
+    QFETCH(QByteArray, name);
+    QFETCH(QByteArray, text);
+    EmbeddedMetadata::CopyFacts facts{QSize(16, 16), 0};
+    facts.holdsExif = facts.holdsIptc = false;
+    const QByteArray xmp =
+        EmbeddedMetadata::none()->encodeForCopy(withValue({}, group, key, value), facts).xmp;
+    QVERIFY2(text.isEmpty() ? !xmp.contains(name) : xmp.contains(name + "=\"" + text + '"'), xmp);
 }
 
 QTEST_GUILESS_MAIN(MetadataCopyTest)
