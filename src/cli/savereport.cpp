@@ -135,6 +135,11 @@ void SaveReport::copyFinished(const SavingOutput &output)
         printAbout(output.sourcePath,
                    QStringLiteral("saved without a watermark, which is empty for this photo"));
 
+    // The line for programs says it itself.
+    if (!m_form.quiet && !m_form.json && !output.report.dropped.isEmpty())
+        printAbout(output.sourcePath,
+                   QStringLiteral("the copy leaves out: ") + output.report.dropped.join(QLatin1String(", ")));
+
     if (m_form.json)
         std::fprintf(stdout, "%s\n", jsonLine(output).constData());
     else if (!m_form.quiet && !isFailure)

@@ -113,19 +113,6 @@ QByteArray encodedIptc(const MetadataSet &set, const Exiv2::IptcData &original)
     return holdsPicture(records) ? QByteArray() : records;
 }
 
-/// The comment where it is a text: anything may be kept in that segment.
-QByteArray textualComment(const std::string &comment)
-{
-    const QByteArray bytes = QByteArray::fromStdString(comment);
-    const qsizetype end = static_cast<qsizetype>(comment.find_last_not_of('\0') + 1);
-    // White space, and the escape that switches character sets.
-    static const QByteArray allowed("\t\n\v\f\r\x1B");
-    const bool isText = std::all_of(bytes.begin(), bytes.begin() + end, [](char byte) {
-        return static_cast<uchar>(byte) >= ' ' || allowed.contains(byte);
-    });
-    return isText && !isPictureValue(bytes) ? bytes : QByteArray();
-}
-
 /// The library forgets what the packet says it is about.
 void restoreAbout(QByteArray &packet, const std::string &original)
 {
@@ -158,7 +145,7 @@ QByteArray changedXmp(MetadataSet &set, ClearedGroups cleared, const QVariantMap
                       QStringList &omitted)
 {
     const auto lock = lockXmpNamespaces();
-    Exiv2::XmpData xmp = decodedXmp(set);
+    Exiv2::XmpData xmp = decodedXmp(set, &omitted);
     erasePicturesFromXmp(xmp);
     clearGroups(set, xmp, cleared, after);
     // What was cleared and is there again is new, even where it says the same.
@@ -206,8 +193,8 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
 {
     QVariantMap after = withAgreeingApexValues(before, properties);
     EmbeddedMetadata::Encoded encoded;
-    if (hasExcessiveXmp(set))
-        encoded.omitted += u"XMP"_qs;
+    if (set.hasDamagedIptc)
+        encoded.omitted += set.iptc.empty() ? u"IPTC"_qs : u"damaged IPTC field"_qs;
     const ClearedGroups cleared = facts.cleared | emptiedGroups(before, after);
     after = withKeptUsageTerms(before, after, cleared);
     MakerNoteBlock note = makerNoteOf(set.exif);
@@ -236,8 +223,12 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     }
     encoded.imageResources = encodedImageResources(set, encoded.iptc, after, cleared);
     // Free text about the photo, as the caption is.
-    if (!(cleared & ClearedGroup::Iptc))
-        encoded.comment = textualComment(set.comment);
+    if (!(cleared & ClearedGroup::Iptc)) {
+        bool isWhole = true;
+        encoded.comment = set.comments.text(isWhole);
+        if (!isWhole)
+            encoded.omitted += u"comment"_qs;
+    }
     return encoded;
 }
 

@@ -93,6 +93,19 @@ QString gpsVersionText(const QVariant &version)
     return parts.join(u'.');
 }
 
+bool isLensRange(const MetadataField &field)
+{
+    return field.key == kCGImagePropertyExifLensSpecification || field.key == kCGImagePropertyExifAuxLensInfo;
+}
+
+/// Focal lengths and apertures; one that is unknown is 0/0, as in EXIF.
+QStringList lensRangeTexts(const QVariant &range)
+{
+    QStringList texts = xmpTexts(MetadataKind::NumberList, range);
+    texts.replaceInStrings(QRegularExpression(QStringLiteral("^0/1$")), QStringLiteral("0/0"));
+    return texts;
+}
+
 /// What XMP writes in another form than the dictionary; empty when it is none of that, or unknown.
 QString formedText(const MetadataField &field, const QVariantMap &properties)
 {
@@ -118,6 +131,8 @@ void addField(Exiv2::XmpData &xmp, const MetadataField &field, const QVariantMap
     const QString text = formedText(field, properties);
     if (!text.isEmpty())
         putXmpTexts(xmp, home, {text});
+    else if (isLensRange(field))
+        putXmpTexts(xmp, home, lensRangeTexts(value), QStringLiteral(" "));
     else
         putXmpField(xmp, home, field, value);
 }

@@ -106,10 +106,7 @@ private:
             return true;
         }
         case kComment:
-            if (m_found.comment.isEmpty())
-                m_found.comment = joinedParts();
-            else
-                skipParts();
+            m_found.comments.add(joinedParts());
             return true;
         case kApplication:
             readApplication();

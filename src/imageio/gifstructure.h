@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "imageio/filecomments.h"
 #include "imageio/imageformat.h"
 
 #include <QRect>
@@ -18,9 +19,9 @@ struct GifStructure {
     bool isInterlaced = false; ///< the first frame
     int transparentIndex = -1; ///< the first frame's colour that is none; -1: all show
     int frameCount = 0;        ///< at least 1
-    QByteArray iccProfile;     ///< may be empty, as the next two
+    QByteArray iccProfile;     ///< may be empty, as the next one
     QByteArray xmp;            ///< the first packet
-    QByteArray comment;        ///< the first one
+    FileComments comments;
 
     /// Does something show through at the sides of the frame or inside of it?
     bool hasAlpha() const { return transparentIndex >= 0 || frame != QRect(QPoint(), size); }

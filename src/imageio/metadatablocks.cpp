@@ -7,6 +7,7 @@
 #include "imageio/imageresources.h"
 #include "imageio/jpegmarkers.h"
 #include "imageio/jpegsegmentreader.h"
+#include "imageio/jpegsegments.h"
 
 #include <QList>
 #include <QMap>
@@ -74,18 +75,29 @@ void takeApp1(JpegSegmentReader &segments, MetadataBlocks &blocks, ExtendedXmp &
         extendedXmp.add(segments.contentsBehind(kMoreXmp));
 }
 
+/// @param fillsSegment  did the comment before take up all of its segment? Then this one goes on with it.
+void takeComment(MetadataBlocks &blocks, const QByteArray &comment, bool &fillsSegment)
+{
+    if (fillsSegment)
+        blocks.comments.extendLast(comment);
+    else
+        blocks.comments.add(comment);
+    fillsSegment = comment.size() == JpegSegment::kMaxPayload;
+}
+
 MetadataBlocks readJpegBlocks(QIODevice &device)
 {
     using namespace JpegSegmentName;
     MetadataBlocks blocks;
     ExtendedXmp extendedXmp;
+    bool fillsSegment = false;
     device.seek(0);
     JpegSegmentReader segments(device);
     while (const std::optional<int> marker = segments.next()) {
         if (*marker == JpegMarker::SOS || *marker == JpegMarker::EOI)
             break;
         if (*marker == JpegMarker::COM)
-            takeFirst(blocks.comment, segments.payload().toByteArray());
+            takeComment(blocks, segments.payload().toByteArray(), fillsSegment);
         else if (*marker == JpegMarker::APP1)
             takeApp1(segments, blocks, extendedXmp);
         else if (*marker == JpegMarker::APP13 && segments.isNamed(kImageResources) &&
@@ -201,7 +213,7 @@ MetadataBlocks readGifBlocks(QIODevice &device)
     MetadataBlocks blocks;
     if (const Result<GifStructure> structure = readGifStructure(device)) {
         takeFirst(blocks.xmp, structure->xmp);
-        takeFirst(blocks.comment, structure->comment);
+        blocks.comments = structure->comments;
     }
     return blocks;
 }

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "imageio/filecomments.h"
 #include "imageio/pngtexts.h"
 
 #include <QByteArray>
@@ -19,7 +20,7 @@ struct MetadataBlocks {
     QByteArray imageResources; ///< Photoshop image resources, the one with the IIM records among them
     QByteArray xmp;            ///< the packet, UTF-8
     QByteArray moreXmp;        ///< a JPEG's second packet, for what does not fit into one segment
-    QByteArray comment;        ///< JPEG's or GIF's
+    FileComments comments;     ///< JPEG's or GIF's
     QList<PngText> texts;
 };
 

@@ -3,6 +3,7 @@
 #include "imageio/metadatachanges.h"
 
 #include "imageio/exifvalues.h"
+#include "imageio/iptcutf8.h"
 #include "imageio/keywordlists.h"
 #include "imageio/locationcreated.h"
 #include "imageio/makernotefacts.h"
@@ -91,22 +92,6 @@ bool setExif(Exiv2::ExifData &exif, const MetadataField &field, const QVariant &
     eraseExif(exif, field);
     exif.add(Exiv2::ExifKey(field.exif), stored.get());
     return true;
-}
-
-/// Makes all texts of the record UTF-8, also those that it only says are, and lets it say so.
-void makeUtf8(Exiv2::IptcData &iptc)
-{
-    const QByteArray characterSet = iptcCharacterSet(iptc);
-    for (Exiv2::Iptcdatum &datum : iptc) {
-        if (datum.typeId() != Exiv2::string || datum.record() != Exiv2::IptcDataSets::application2)
-            continue;
-        const std::string before = datum.toString();
-        const std::string after =
-            decodedIptcText(QByteArray::fromStdString(before), characterSet).toStdString();
-        if (after != before)
-            datum.setValue(after);
-    }
-    iptc["Iptc.Envelope.CharacterSet"] = std::string("\x1B%G");
 }
 
 void setIptc(Exiv2::IptcData &iptc, const MetadataField &field, const QVariant &value)

@@ -2,6 +2,7 @@
 
 #include "imageio/metadataclearing.h"
 
+#include "imageio/iptcutf8.h"
 #include "imageio/metadatafields.h"
 #include "imageio/propertykeys.h"
 #include "imageio/xmpvocabularies.h"
@@ -188,6 +189,8 @@ void clearIptc(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &after)
     });
     if (saysNothing)
         set.iptc.clear();
+    else
+        makeUtf8(set.iptc);
     eraseExifFields(set.exif, {"Exif.Image.XPKeywords", "Exif.Image.XPTitle", "Exif.Image.Rating",
                                "Exif.Image.RatingPercent"});
 }

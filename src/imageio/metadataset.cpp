@@ -6,11 +6,13 @@
 #include "imageio/metadatablocks.h"
 #include "imageio/tiffmetadata.h"
 #include "imageio/xmppackets.h"
+#include "imageio/xmprepair.h"
 
 #include <QFile>
 #include <QFileInfo>
 
 #include <memory>
+#include <optional>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -118,22 +120,44 @@ bool isAcceptable(const std::string &packet, XmlMeasure &measure)
     return packet.size() <= static_cast<size_t>(kMaxMetadataBytes) && measure.accepts(packet);
 }
 
-Exiv2::XmpData decodedPacket(const std::string &packet, XmlMeasure &measure)
+/// @return none when the library refuses the packet
+std::optional<Exiv2::XmpData> attemptedPacket(const std::string &packet)
 {
-    Exiv2::XmpData xmp;
-    if (packet.empty() || !isAcceptable(packet, measure))
-        return xmp;
     try {
+        Exiv2::XmpData xmp;
         const std::string understood = packetForLibrary(packet);
         if (Exiv2::XmpParser::decode(xmp, understood) != 0)
-            xmp.clear();
-        else if (understood != packet)
+            return {};
+        if (understood != packet)
             restoreTexts(xmp);
         removeBreaksOfAliases(xmp);
+        return xmp;
     } catch (const std::exception &) {
-        xmp.clear();
+        return {};
     }
-    return xmp;
+}
+
+bool isBlank(const std::string &packet)
+{
+    return packet.find_first_not_of(std::string_view(" \t\r\n\0", 5)) == packet.npos;
+}
+
+Exiv2::XmpData decodedPacket(const std::string &packet, XmlMeasure &measure, QStringList &omitted)
+{
+    if (isBlank(packet))
+        return {};
+    if (isAcceptable(packet, measure)) {
+        if (auto xmp = attemptedPacket(packet))
+            return *std::move(xmp);
+        const RepairedXmp repaired = repairedXmp(QByteArray::fromStdString(packet));
+        auto xmp = repaired.packet.isEmpty() ? std::nullopt : attemptedPacket(repaired.packet.toStdString());
+        if (xmp) {
+            omitted += repaired.dropped;
+            return *std::move(xmp);
+        }
+    }
+    omitted += QStringLiteral("XMP");
+    return {};
 }
 
 void decodeExif(MetadataSet &set, const QByteArray &exif)
@@ -156,20 +180,21 @@ void decodeIptc(MetadataSet &set, const QByteArray &iptc)
     if (iptc.isEmpty())
         return;
     try {
-        if (Exiv2::IptcParser::decode(set.iptc, reinterpret_cast<const Exiv2::byte *>(iptc.constData()),
-                                      static_cast<uint32_t>(iptc.size())) != 0)
-            set.iptc.clear();
+        // A record that is cut off is read as far as it goes.
+        set.hasDamagedIptc =
+            Exiv2::IptcParser::decode(set.iptc, reinterpret_cast<const Exiv2::byte *>(iptc.constData()),
+                                      static_cast<uint32_t>(iptc.size())) != 0;
     } catch (const std::exception &) {
-        set.iptc.clear();
+        set.hasDamagedIptc = true;
     }
     if (!set.iptc.empty())
         set.iptcBlock = iptc;
 }
 
-/// What a TIFF keeps of Photoshop's in a field of its own.
-QByteArray imageResourcesOf(const Exiv2::ExifData &exif)
+/// What a TIFF keeps in a field of its own: Photoshop's resources, XMP.
+QByteArray blockOf(const Exiv2::ExifData &exif, const char *key)
 {
-    const auto field = exif.findKey(Exiv2::ExifKey("Exif.Image.ImageResources"));
+    const auto field = exif.findKey(Exiv2::ExifKey(key));
     if (field == exif.end() || field->size() <= 0 || field->size() > kMaxMetadataBytes)
         return {};
     QByteArray bytes(field->size(), '\0');
@@ -188,14 +213,16 @@ void readThroughLibrary(MetadataSet &set, const QString &path)
     image->readMetadata();
     set.exif = image->exifData();
     set.iptc = image->iptcData();
-    set.imageResources = imageResourcesOf(set.exif);
-    set.comment = image->comment();
+    set.imageResources = blockOf(set.exif, "Exif.Image.ImageResources");
+    set.comments.add(QByteArray::fromStdString(image->comment()));
     const auto noteOrder = set.exif.findKey(Exiv2::ExifKey("Exif.MakerNote.ByteOrder"));
     if (image->byteOrder() != Exiv2::invalidByteOrder)
         set.byteOrder = image->byteOrder();
     else if (noteOrder != set.exif.end() && noteOrder->toString().starts_with("MM"))
         set.byteOrder = Exiv2::bigEndian;
     set.xmpPacket = image->xmpPacket();
+    if (set.xmpPacket.empty())
+        set.xmpPacket = blockOf(set.exif, "Exif.Image.XMLPacket").toStdString();
     if (set.xmpPacket.empty() && !image->xmpData().empty())
         Exiv2::XmpParser::encode(set.xmpPacket, image->xmpData());
 }
@@ -215,7 +242,7 @@ MetadataSet readMetadataSet(const QString &path)
         set.imageResources = blocks->imageResources;
         set.xmpPacket = blocks->xmp.toStdString();
         set.moreXmpPacket = blocks->moreXmp.toStdString();
-        set.comment = blocks->comment.toStdString();
+        set.comments = blocks->comments;
         set.texts = blocks->texts;
         return set;
     }
@@ -233,13 +260,16 @@ MetadataSet readMetadataSet(const QString &path)
     return set;
 }
 
-Exiv2::XmpData decodedXmp(const MetadataSet &set)
+Exiv2::XmpData decodedXmp(const MetadataSet &set, QStringList *omitted)
 {
     XmlMeasure measure;
-    Exiv2::XmpData xmp = decodedPacket(set.xmpPacket, measure);
-    const Exiv2::XmpData more = decodedPacket(set.moreXmpPacket, measure);
-    if (more.empty())
-        return xmp;
+    QStringList names;
+    Exiv2::XmpData xmp = decodedPacket(set.xmpPacket, measure, names);
+    const Exiv2::XmpData more = decodedPacket(set.moreXmpPacket, measure, names);
+    if (omitted) {
+        names.removeDuplicates();
+        *omitted += names;
+    }
     std::set<std::string> keys;
     for (const Exiv2::Xmpdatum &datum : xmp)
         keys.insert(datum.key());
@@ -248,12 +278,6 @@ Exiv2::XmpData decodedXmp(const MetadataSet &set)
             xmp.add(datum);
     }
     return xmp;
-}
-
-bool hasExcessiveXmp(const MetadataSet &set)
-{
-    XmlMeasure measure;
-    return !isAcceptable(set.xmpPacket, measure) || !isAcceptable(set.moreXmpPacket, measure);
 }
 
 } // namespace plexa

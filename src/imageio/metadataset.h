@@ -2,10 +2,12 @@
 
 #pragma once
 
+#include "imageio/filecomments.h"
 #include "imageio/pngtexts.h"
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <exiv2/exiv2.hpp>
 
@@ -19,11 +21,12 @@ namespace plexa
 struct MetadataSet {
     Exiv2::ExifData exif;
     Exiv2::IptcData iptc;
-    QByteArray iptcBlock;      ///< the records as they came, empty where only the library saw them
-    QByteArray imageResources; ///< Photoshop image resources as they came
+    QByteArray iptcBlock;        ///< the records as they came, empty where only the library saw them
+    bool hasDamagedIptc = false; ///< some of the records cannot be read
+    QByteArray imageResources;   ///< Photoshop image resources as they came
     std::string xmpPacket;
     std::string moreXmpPacket; ///< what a JPEG keeps in a second packet
-    std::string comment;
+    FileComments comments;
     QList<PngText> texts;
     Exiv2::ByteOrder byteOrder = Exiv2::littleEndian;
 };
@@ -31,13 +34,11 @@ struct MetadataSet {
 /// Reads what the file carries; nothing is thrown, what cannot be read is left out.
 MetadataSet readMetadataSet(const QString &path);
 
-/// Decodes the XMP, both packets as one; without a packet that is damaged or beyond all measure (size,
-/// nesting, number of elements and attributes).
+/// Decodes the XMP, both packets as one, after mending what can be mended; without a packet that is damaged
+/// beyond that, or beyond all measure (size, nesting, number of elements and attributes).
 /// To be called under lockXmpNamespaces(); the result is changed and encoded under the same lock, but may be
 /// read without it.
-Exiv2::XmpData decodedXmp(const MetadataSet &set);
-
-/// Does decodedXmp() leave out a packet that is beyond all measure?
-bool hasExcessiveXmp(const MetadataSet &set);
+/// @param omitted  gets the names of what is left out: "XMP" for a packet, "XMP dc:title" for a property
+Exiv2::XmpData decodedXmp(const MetadataSet &set, QStringList *omitted = nullptr);
 
 } // namespace plexa

@@ -37,8 +37,8 @@ ExifText numbersText(const QVariant &value, Exiv2::TypeId type)
         const double number = item.toDouble(&isNumber);
         const bool isSigned = type == Exiv2::signedRational || type == Exiv2::signedShort ||
                               type == Exiv2::signedLong || type == Exiv2::signedByte;
-        if (!isNumber || !std::isfinite(number) || (number < 0 && !isSigned) ||
-            std::abs(number) > 4294967295.0)
+        const double greatest = isSigned ? 2147483647.0 : 4294967295.0;
+        if (!isNumber || !std::isfinite(number) || (number < 0 && !isSigned) || std::abs(number) > greatest)
             return {};
         if (type == Exiv2::unsignedShort && number > 65535)
             result.type = Exiv2::unsignedLong;
@@ -148,8 +148,10 @@ QStringList isoDate(const QString &text)
 QString rationalText(double number)
 {
     constexpr double kGreatest = std::numeric_limits<qint32>::max();
-    if (!std::isfinite(number) || std::abs(number) > kGreatest)
+    if (!std::isfinite(number) || number < -kGreatest || number > std::numeric_limits<quint32>::max())
         return {};
+    if (number > kGreatest) // such as 0xFFFFFFFF for infinite
+        return QStringLiteral("%1/1").arg(static_cast<qulonglong>(number));
     // Continued fractions; stops where the quotient equals the number to a double's precision.
     const double wanted = std::abs(number);
     double rest = wanted;

@@ -29,7 +29,8 @@ QStringList xmpTexts(MetadataKind kind, const QVariant &value);
 /// The texts of a text, a number or an array of them.
 QStringList propertyTexts(const QVariant &value);
 
-/// "28/10" for 2.8: the quotient nearest to a number with both parts below 2^31. Empty: no finite number.
+/// "28/10" for 2.8: the quotient nearest to a number with both parts below 2^31, or below 2^32 over 1. Empty:
+/// greater numbers, and what is no finite one.
 QString rationalText(double number);
 
 } // namespace plexa

@@ -3,7 +3,6 @@
 #include "imageio/xmppackets.h"
 
 #include <QByteArray>
-#include <QHash>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
@@ -18,24 +17,10 @@ using namespace Qt::Literals::StringLiterals;
 /// An empty command, behind which the library takes the rest for the text.
 const QString kNoCommand = QStringLiteral("type=\"\" ");
 
-/// The namespaces of the prefixes that the library knew before any packet was read.
-const QHash<QString, QString> &knownNamespaces()
-{
-    static const QHash<QString, QString> known = [] {
-        Exiv2::Dictionary dictionary; // by prefix
-        Exiv2::XmpProperties::registeredNamespaces(dictionary);
-        QHash<QString, QString> namespaces;
-        for (const auto &[prefix, uri] : dictionary)
-            namespaces.insert(QString::fromStdString(prefix), QString::fromStdString(uri));
-        return namespaces;
-    }();
-    return known;
-}
-
 bool isClash(QStringView prefix, QStringView uri)
 {
-    const auto known = knownNamespaces().constFind(prefix.toString());
-    return known != knownNamespaces().constEnd() && *known != uri;
+    const auto known = knownXmpNamespaces().constFind(prefix.toString());
+    return known != knownXmpNamespaces().constEnd() && *known != uri;
 }
 
 /// Writes a packet anew, with prefixes that clash with nothing.
@@ -131,6 +116,19 @@ void restore(std::string &text)
 }
 
 } // namespace
+
+const QHash<QString, QString> &knownXmpNamespaces()
+{
+    static const QHash<QString, QString> known = [] {
+        Exiv2::Dictionary dictionary; // by prefix
+        Exiv2::XmpProperties::registeredNamespaces(dictionary);
+        QHash<QString, QString> namespaces;
+        for (const auto &[prefix, uri] : dictionary)
+            namespaces.insert(QString::fromStdString(prefix), QString::fromStdString(uri));
+        return namespaces;
+    }();
+    return known;
+}
 
 std::string packetForLibrary(const std::string &packet)
 {

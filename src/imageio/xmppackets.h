@@ -2,12 +2,18 @@
 
 #pragma once
 
+#include <QHash>
+#include <QString>
+
 #include <exiv2/exiv2.hpp>
 
 #include <string>
 
 namespace plexa
 {
+
+/// The namespaces of the prefixes that the library knew before any packet was read, by prefix.
+const QHash<QString, QString> &knownXmpNamespaces();
 
 /// A packet as the metadata library understands it rightly. The library keeps one table of prefixes for the
 /// whole process, so that a packet which binds a well-known prefix to another namespace would change all

@@ -202,6 +202,7 @@ void CommandLineTest::badFilesDoNotStopTheOthers()
     write(QStringLiteral("in/0 empty.jpg"), {});
     write(QStringLiteral("in/1 text.png"), "no picture");
     write(QStringLiteral("in/2 cut.jpg"), jpeg.left(jpeg.size() * 2 / 3));
+    write(QStringLiteral("in/b.jpg"), jpeg.insert(2, QByteArray("\xFF\xFE\0\4\1\2", 6))); // no text
     write(QStringLiteral("in/notes.txt"), "not even looked at");
     // A name that is no UTF-8, which QFile would not make.
     std::ofstream(m_folder->path(QStringLiteral("in")).toStdString() + "/3 caf\xe9.jpg") << "?";
@@ -212,12 +213,13 @@ void CommandLineTest::badFilesDoNotStopTheOthers()
     QCOMPARE(entries(out), (QStringList{QStringLiteral("a.png"), QStringLiteral("b.jpg")}));
     const QList<QByteArray> lines = outcome.err.trimmed().split('\n');
     std::filesystem::remove_all(m_folder->path(QStringLiteral("in")).toStdString()); // Qt could not
-    QCOMPARE(lines.size(), 5);
+    QCOMPARE(lines.size(), 6);
     QVERIFY2(lines[0].startsWith("0 empty.jpg: "), lines[0].constData());
     QVERIFY2(lines[1].startsWith("1 text.png: "), lines[1].constData());
     QVERIFY2(lines[2].startsWith("2 cut.jpg: "), lines[2].constData());
     QVERIFY2(lines[3].startsWith("3 caf") && lines[3].endsWith("UTF-8"), lines[3].constData());
-    QCOMPARE(lines[4], "plexa-cli: 4 of 6 copies failed");
+    QCOMPARE(lines[4], "b.jpg: the copy leaves out: comment");
+    QCOMPARE(lines[5], "plexa-cli: 4 of 6 copies failed");
 }
 
 void CommandLineTest::namesAreNeverTakenTwice()

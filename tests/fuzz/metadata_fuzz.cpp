@@ -39,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 
     const auto metadata = EmbeddedMetadata::read(path);
     QVariantMap properties = metadata->properties();
-    const EmbeddedMetadata::CopyFacts facts{QSize(640, 480), 4000};
+    EmbeddedMetadata::CopyFacts facts{QSize(640, 480), 4000};
     const auto unchanged = metadata->encodeForCopy(properties, facts);
     // The picture without its watermark must not be in the copy.
     abortIf(unchanged.exif.contains("\xFF\xD8\xFF") && unchanged.thumbnailPlaceholder.isEmpty());
@@ -49,5 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     properties.insert(kCGImagePropertyIPTCDictionary, iptc);
     metadata->encodeForCopy(properties, facts);
     metadata->encodeForCopy({}, facts);
+    facts.holdsExif = facts.holdsIptc = false;
+    metadata->encodeForCopy(properties, facts);
     return 0;
 }

@@ -102,8 +102,8 @@ private Q_SLOTS:
     void imageResourcesAreChosen_data();
     void imageResourcesAreChosen();
     void imageResourcesFollowTheCopy();
-    void commentIsText_data();
-    void commentIsText();
+    void commentsAreTexts_data();
+    void commentsAreTexts();
     void excessiveXmpIsRefused_data();
     void excessiveXmpIsRefused();
     void thumbnailFitsAnyRoom_data();
@@ -290,28 +290,47 @@ void CopySafetyTest::imageResourcesFollowTheCopy()
     QCOMPARE(imageResourcesForCopy(all, facts), resolution(300, 300));
 }
 
-void CopySafetyTest::commentIsText_data()
+void CopySafetyTest::commentsAreTexts_data()
 {
-    QTest::addColumn<QByteArray>("comment");
-    QTest::addColumn<bool>("isKept");
-    QTest::newRow("text") << "Lake\tat\r\nnoon\n"_ba << true;
-    QTest::newRow("closed text") << "Lake\0"_ba << true;
-    QTest::newRow("Latin 1") << "Z\xFCrich"_ba << true;
-    QTest::newRow("UTF-8") << "Z\xC3\xBCrich"_ba << true;
-    QTest::newRow("control bytes") << "Lake\x01\x02"_ba << false;
-    QTest::newRow("JPEG") << "\xFF\xD8\xFF\xDB"_ba + QByteArray(300, 'x') << false;
-    QTest::newRow("PNG") << kPng << false;
-    QTest::newRow("TIFF") << kTiff << false;
-    QTest::newRow("GIF without control bytes") << "GIF89a"_ba + QByteArray(300, 'x') << false;
+    QTest::addColumn<QByteArrayList>("comments");
+    QTest::addColumn<QByteArray>("kept");
+    const auto text = [](const char *name, const QByteArray &comment) {
+        QTest::newRow(name) << QByteArrayList{comment} << comment;
+    };
+    const auto other = [](const char *name, const QByteArray &comment) {
+        QTest::newRow(name) << QByteArrayList{comment} << QByteArray();
+    };
+    text("text", "Lake\tat\r\nnoon\n"_ba);
+    text("closed text", "Lake\0"_ba);
+    text("Latin 1", "Z\xFCrich"_ba);
+    text("UTF-8", "Z\xC3\xBCrich"_ba);
+    other("control bytes", "Lake\x01\x02"_ba);
+    other("JPEG", "\xFF\xD8\xFF\xDB"_ba + QByteArray(300, 'x'));
+    other("PNG", kPng);
+    other("TIFF", kTiff);
+    other("GIF without control bytes", "GIF89a"_ba + QByteArray(300, 'x'));
+    QTest::newRow("several") << QByteArrayList{"Lake\0"_ba, "Z\xFCrich"_ba, kPng, "Z\xC3\xBCrich"_ba}
+                             << "Lake\nZ\xC3\xBCrich\nZ\xC3\xBCrich"_ba;
+    const QByteArray full(65'533, 'c');
+    QTest::newRow("one of two segments") << QByteArrayList{full, "d"_ba} << full + 'd';
+    QTest::newRow("too many") << QByteArrayList(300, "c"_ba) << QByteArrayList(256, "c"_ba).join('\n');
 }
 
-void CopySafetyTest::commentIsText()
+void CopySafetyTest::commentsAreTexts()
 {
-    QFETCH(QByteArray, comment);
-    QFETCH(bool, isKept);
-    EmbeddedMetadata::Encoded blocks;
-    blocks.comment = comment;
-    QCOMPARE(copied(blocks).comment, isKept ? comment : QByteArray());
+    QFETCH(QByteArrayList, comments);
+    QFETCH(QByteArray, kept);
+    QByteArray segments;
+    for (const QByteArray &comment : comments)
+        segments += test::jpegSegment(0xFE, comment);
+    QFile file(m_folder.path(u"comments.jpg"_qs));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(test::jpegWith({}).insert(2, segments)) > 0);
+    file.close();
+    const auto metadata = EmbeddedMetadata::read(file.fileName());
+    const EmbeddedMetadata::Encoded copy = metadata->encodeForCopy(metadata->properties(), kFacts);
+    QCOMPARE(copy.comment, kept);
+    const bool isWhole = comments.size() < 256 && kept.size() >= comments.join().size();
+    QCOMPARE(copy.omitted, isWhole ? QStringList() : QStringList(u"comment"_qs));
 }
 
 void CopySafetyTest::excessiveXmpIsRefused_data()

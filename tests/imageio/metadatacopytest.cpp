@@ -96,6 +96,8 @@ private Q_SLOTS:
     void longXmpIsReadFromItsPieces();
     void valuesSurviveWriting_data();
     void valuesSurviveWriting();
+    void exifFindsItsPlaceInXmp_data();
+    void exifFindsItsPlaceInXmp();
 
 private:
     QMap<QString, QString>
@@ -359,14 +361,15 @@ void MetadataCopyTest::editsReachAllPlaces()
              expected.value(kCGImagePropertyIPTCDictionary));
 }
 
-/// A record that says it is UTF-8 and is not, with a date of zeros.
+/// A record that says it is UTF-8 and is not, with a date of zeros, cut off in its last field.
 void MetadataCopyTest::falseRecordsAreMended()
 {
     const auto dataSet = [](char record, char number, const QByteArray &value) {
         return QByteArray{"\x1C"} + record + number + '\0' + char(value.size()) + value;
     };
     EmbeddedMetadata::Encoded source;
-    source.iptc = dataSet(1, 90, "\x1B%G") + dataSet(2, 55, "00000000") + dataSet(2, 120, "Z\xFCrich");
+    source.iptc = dataSet(1, 90, "\x1B%G") + dataSet(2, 55, "00000000") + dataSet(2, 80, "J\xFCrgen") +
+                  dataSet(2, 120, "Z\xFCrich") + dataSet(2, 25, "forest").chopped(1);
     const QString path = m_folder.path(u"false.jpg"_qs);
     write(path, test::jpegWith(source));
     const auto metadata = EmbeddedMetadata::read(path);
@@ -374,8 +377,17 @@ void MetadataCopyTest::falseRecordsAreMended()
                                          kCGImagePropertyIPTCCity, u"Oslo"_qs);
     const auto encoded = metadata->encodeForCopy(edited, {QSize(16, 16), 0});
     QVERIFY(encoded.iptc.contains("Oslo") && encoded.iptc.contains("Z\xC3\xBCrich"));
-    QVERIFY(encoded.iptc.isValidUtf8());
+    QVERIFY(encoded.iptc.isValidUtf8() && !encoded.iptc.contains("fores"));
+    QCOMPARE(encoded.omitted, QStringList(u"damaged IPTC field"_qs));
+    QVERIFY(metadata->encodeForCopy(metadata->properties(), {QSize(16, 16), 0}).iptc.endsWith("rich"));
     EmbeddedMetadata::CopyFacts facts{QSize(16, 16), 0};
+    facts.cleared = ClearedGroup::Iptc;
+    const QVariant byline = QVariantList{QString::fromUtf8("J\u00FCrgen")};
+    const QVariantMap cleared{
+        {kCGImagePropertyIPTCDictionary, QVariantMap{{kCGImagePropertyIPTCByline, byline}}}};
+    const QByteArray kept = metadata->encodeForCopy(cleared, facts).iptc;
+    QVERIFY(kept.contains("J\xC3\xBCrgen") && !kept.contains("rich"));
+    facts = {QSize(16, 16), 0};
     facts.holdsIptc = false;
     const QByteArray xmp = metadata->encodeForCopy(edited, facts).xmp;
     QVERIFY(xmp.contains("Oslo") && !xmp.contains("DateCreated"));
@@ -614,6 +626,45 @@ void MetadataCopyTest::valuesSurviveWriting()
         QVERIFY(qFuzzyCompare(read.toDouble(), value.toDouble()));
     else
         QCOMPARE(read, value);
+}
+
+void MetadataCopyTest::exifFindsItsPlaceInXmp_data()
+{
+    QTest::addColumn<QLatin1StringView>("group");
+    QTest::addColumn<QLatin1StringView>("key");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QByteArray>("text"); // empty: nothing is said
+    const auto row = [](QLatin1StringView group, QLatin1StringView key, const QVariant &value,
+                        const QByteArray &name, const QByteArray &text) {
+        QTest::addRow("%s %s", name.constData(), text.constData()) << group << key << value << name << text;
+    };
+    const QLatin1StringView exif = kCGImagePropertyExifDictionary;
+    const QLatin1StringView gps = kCGImagePropertyGPSDictionary;
+    const QByteArray distance = "exif:SubjectDistance";
+    row(exif, kCGImagePropertyExifSubjectDistance, 4294967295.0, distance, "4294967295/1"); // infinite
+    row(exif, kCGImagePropertyExifSubjectDistance, 1e30, distance, {});
+    row(exif, kCGImagePropertyExifLensSpecification, QVariantList{24, 70, 2.8, 0}, "exifEX:LensSpecification",
+        "24/1 70/1 14/5 0/0");
+    row(gps, kCGImagePropertyGPSProcessingMethod, QStringLiteral("CELLID"), "exif:GPSProcessingMethod",
+        "CELLID");
+    row(gps, kCGImagePropertyGPSAreaInformation, QString::fromUtf8("\u6771"), "exif:GPSAreaInformation",
+        QString::fromUtf8("\u6771").toUtf8());
+}
+
+/// In a format that has room for XMP alone.
+void MetadataCopyTest::exifFindsItsPlaceInXmp()
+{
+    QFETCH(QLatin1StringView, group);
+    QFETCH(QLatin1StringView, key);
+    QFETCH(QVariant, value);
+    QFETCH(QByteArray, name);
+    QFETCH(QByteArray, text);
+    EmbeddedMetadata::CopyFacts facts{QSize(16, 16), 0};
+    facts.holdsExif = facts.holdsIptc = false;
+    const QByteArray xmp =
+        EmbeddedMetadata::none()->encodeForCopy(withValue({}, group, key, value), facts).xmp;
+    QVERIFY2(text.isEmpty() ? !xmp.contains(name) : xmp.contains(name + "=\"" + text + '"'), xmp);
 }
 
 QTEST_GUILESS_MAIN(MetadataCopyTest)

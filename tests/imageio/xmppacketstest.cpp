@@ -34,6 +34,8 @@ private Q_SLOTS:
     void editsAreTexts();
     void oldNamesOfRightsAddNothing();
     void refusedPropertyIsNamed();
+    void brokenPacketsAreMended_data();
+    void brokenPacketsAreMended();
 
 private:
     /// Writes a photo with the packet and a copy of it, with the IPTC facts on top. @return the copy's path
@@ -163,6 +165,63 @@ void XmpPacketsTest::refusedPropertyIsNamed()
                                 {{kCGImagePropertyIPTCCreatorContactInfo, contact}});
     QCOMPARE(m_omitted, QStringList(u"XMP iptc:CreatorContactInfo"_qs));
     QCOMPARE(test::exiftoolRecords({copy}).value(copy)[u"XMP-photoshop:Headline"_qs].toString(), u"kept"_qs);
+}
+
+void XmpPacketsTest::brokenPacketsAreMended_data()
+{
+    QTest::addColumn<QByteArray>("properties");
+    QTest::addColumn<QString>("city"); // null: the packet is lost
+    QTest::addColumn<QStringList>("omitted");
+    const auto row = [](const char *name, const QByteArray &properties, const QString &city,
+                        const QStringList &omitted = {}) {
+        QTest::newRow(name) << properties << city << omitted;
+    };
+    const auto cityRow = [&](const char *name, const QByteArray &text, const QString &city) {
+        row(name, "<p:City>" + text + "</p:City>", city);
+    };
+    cityRow("Latin-1 beside UTF-8", "K\xF6ln \x80 K\xC3\xB6ln", u"K\u00F6ln \u20AC K\u00F6ln"_qs);
+    cityRow("control characters", QByteArray("a\1b\0c", 5), u"abc"_qs);
+    cityRow("forbidden references", "a&#x1;b&#xD800;c&#1114112;d&#xF6;&#228;", u"abcd\u00F6\u00E4"_qs);
+    cityRow("ampersands, entities", "A & B&ouml;&<![CDATA[C&D\xF6]]>&amp;", u"A & B&ouml;&C&D\u00F6&"_qs);
+    cityRow("reference without end", "&#x", u"&#x"_qs);
+    const QByteArray oslo = "<p:City>Oslo</p:City>";
+    row("undeclared prefix", "<nobody:a>1</nobody:a><tiff:Make>M</tiff:Make>" + oslo, u"Oslo"_qs,
+        {u"XMP nobody:a"_qs});
+    row("twice", oslo + "<p:City>Rome</p:City>", u"Oslo"_qs, {u"XMP p:City"_qs});
+    row("twice, in another description",
+        oslo + "</rdf:Description><rdf:Description rdf:about='' xmlns:p='http://ns.adobe.com/photoshop/1.0/' "
+               "p:City='Rome'>",
+        u"Oslo"_qs, {u"XMP p:City"_qs});
+    row("item without list", "<rdf:li>x</rdf:li>" + oslo, u"Oslo"_qs, {u"XMP rdf:li"_qs});
+    row("XML as text", "<p:City rdf:parseType='Literal'>Os<b xmlns=''>lo</b></p:City>", u"Oslo"_qs);
+    row("cut off", oslo + "<p:", {}, {u"XMP"_qs});
+    row("document type", "<!DOCTYPE x>" + oslo, {}, {u"XMP"_qs});
+}
+
+/// Who reads the metadata of a photo sees what the copy carries.
+void XmpPacketsTest::brokenPacketsAreMended()
+{
+    QFETCH(QByteArray, properties);
+    QFETCH(QString, city);
+    QFETCH(QStringList, omitted);
+    QByteArray xmp = packet("xmlns:p=\"http://ns.adobe.com/photoshop/1.0/\" "
+                            "xmlns:q=\"http://ns.adobe.com/xap/1.0/\"",
+                            "");
+    xmp.replace("/></rdf:RDF>",
+                "><q:Nickname><rdf:Bag><rdf:li>a</rdf:li><rdf:li>b</rdf:li></rdf:Bag></q:Nickname>" +
+                    properties + "<p:Country>Norway</p:Country></rdf:Description></rdf:RDF>");
+    const QString copy = copyOf(xmp);
+    QCOMPARE(m_omitted, omitted);
+    const QVariantMap iptc = EmbeddedMetadata::read(m_folder.path(u"source.jpg"_qs))
+                                 ->properties()[kCGImagePropertyIPTCDictionary]
+                                 .toMap();
+    const QJsonObject record = test::exiftoolRecords({copy}).value(copy);
+    const QString country = city.isNull() ? QString() : u"Norway"_qs;
+    QCOMPARE(iptc[kCGImagePropertyIPTCCity].toString(), city);
+    QCOMPARE(iptc[kCGImagePropertyIPTCCountryPrimaryLocationName].toString(), country);
+    QCOMPARE(record[u"XMP-photoshop:City"_qs].toString(), city);
+    QCOMPARE(record[u"XMP-photoshop:Country"_qs].toString(), country);
+    QCOMPARE(record[u"XMP-xmp:Nickname"_qs].toArray().size(), city.isNull() ? 0 : 2);
 }
 
 QTEST_GUILESS_MAIN(XmpPacketsTest)
