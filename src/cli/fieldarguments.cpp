@@ -8,7 +8,6 @@
 
 #include <QHash>
 #include <QJsonArray>
-#include <QJsonDocument>
 
 #include <functional>
 #include <utility>
@@ -41,14 +40,21 @@ QStringList alternativeFormats()
     return formats;
 }
 
-/// A list in JSON, or a single token as it is.
+/// A text in JSON, else as it is.
+QString textOf(const FieldArgument &field)
+{
+    const QJsonValue json = jsonInText(field.text);
+    return json.isString() ? json.toString() : field.text;
+}
+
+/// A list in JSON, or a single token.
 Result<QStringList> tokens(const FieldArgument &field)
 {
-    const QJsonDocument json = QJsonDocument::fromJson(field.text.toUtf8());
+    const QJsonValue json = jsonInText(field.text);
     if (!json.isArray())
-        return QStringList{field.text};
+        return QStringList{textOf(field)};
     QStringList list;
-    for (const QJsonValue &token : json.array()) {
+    for (const QJsonValue &token : json.toArray()) {
         if (!token.isString())
             return fail(
                 QStringLiteral("%1: a list of texts, as in [\"filename\",\"-small\"]").arg(field.name));
@@ -107,6 +113,26 @@ Result<void> applyField(WPresetValues &values, const std::string &argument)
     return setFieldFromText(values, field->name, field->text);
 }
 
+Result<void> checkSavingPreset(const SavingPresetValues &preset)
+{
+    const auto refuse = [&preset](const QString &reason) {
+        return fail(QStringLiteral("the saving preset \"%1\": %2").arg(preset.name, reason));
+    };
+    const bool isOriginal = preset.imageFormat == originalFormatName();
+    const QString &format = isOriginal ? preset.alternativeImageFormat : preset.imageFormat;
+    if (!alternativeFormats().contains(format))
+        return refuse(QStringLiteral("the format \"%1\" cannot be written; the formats are %2")
+                          .arg(format, alternativeFormats().join(QLatin1String(", "))));
+    if (preset.filenameTokens.isEmpty())
+        return refuse(QStringLiteral("nothing says how its copies are named"));
+    if (!preset.validPreset())
+        return refuse(QStringLiteral("its quality is %1, not from %2 to %3")
+                          .arg(preset.jpegQuality)
+                          .arg(SavingPresetValues::kLowestQuality)
+                          .arg(SavingPresetValues::kHighestQuality));
+    return {};
+}
+
 Result<void> applySavingField(SavingPresetValues &preset, const std::string &argument)
 {
     const Result<FieldArgument> field = FieldArgument::parse(argument);
@@ -114,7 +140,7 @@ Result<void> applySavingField(SavingPresetValues &preset, const std::string &arg
         return tl::unexpected(field.error());
     // A row for each field of a saving preset.
     const QHash<QString, std::function<Result<void>()>> setters{
-        {QStringLiteral("name"), [&] { return set(preset.name, Result<QString>(field->text)); }},
+        {QStringLiteral("name"), [&] { return set(preset.name, Result<QString>(textOf(*field))); }},
         {QStringLiteral("filenameTokens"), [&] { return set(preset.filenameTokens, tokens(*field)); }},
         {QStringLiteral("fileBaseNameCase"),
          [&] { return set(preset.fileBaseNameCase, letterCase(*field)); }},

@@ -28,4 +28,7 @@ struct FieldArgument {
 /// Sets a field of the saving preset.
 [[nodiscard]] Result<void> applySavingField(SavingPresetValues &preset, const std::string &argument);
 
+/// Can copies be made by it? A failure names the preset.
+[[nodiscard]] Result<void> checkSavingPreset(const SavingPresetValues &preset);
+
 } // namespace plexa

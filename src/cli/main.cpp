@@ -2,6 +2,7 @@
 
 #include "cli/inspectcommand.h"
 #include "cli/interruption.h"
+#include "cli/pathargument.h"
 #include "cli/presetscommand.h"
 #include "cli/savecommand.h"
 #include "platform/applicationname.h"
@@ -39,6 +40,10 @@ int run(int argc, char **argv)
     CLI::App *inspectCommand = addInspectCommand(program, inspect);
     PresetsOptions presets;
     CLI::App *presetsCommand = addPresetsCommand(program, presets);
+    if (const char *const empty = emptyAssignment(argc, argv)) {
+        std::fprintf(stderr, "%s there is nothing in it\n", empty);
+        return kWrongUsage;
+    }
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

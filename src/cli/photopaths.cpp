@@ -32,16 +32,6 @@ bool isPhotoSuffix(const QString &suffix)
                        [&](const char *unreadable) { return lower == unreadable; });
 }
 
-/// The path as a text, with a failure where that text would not lead back to the file.
-PhotoPath decoded(const std::string &path)
-{
-    const QByteArray bytes = QByteArray::fromStdString(path);
-    const QString text = QFile::decodeName(bytes);
-    if (QFile::encodeName(text) == bytes)
-        return {text, {}};
-    return {text, QStringLiteral("its name is not valid UTF-8")};
-}
-
 class Scan
 {
 public:
@@ -62,7 +52,8 @@ public:
         for (fs::directory_iterator it(path, error), end; !error && it != end; it.increment(error))
             entries.push_back(it->path());
         if (error)
-            m_photos.push_back({decoded(path.native()).path, QStringLiteral("the folder cannot be read")});
+            m_photos.push_back(
+                {decodedPath(path.native()).path, QStringLiteral("the folder cannot be read")});
         std::sort(entries.begin(), entries.end());
         for (const fs::path &entry : entries)
             take(entry);
@@ -73,7 +64,7 @@ private:
     {
         if (entry.filename().native().starts_with('.'))
             return;
-        const PhotoPath photo = decoded(entry.native());
+        const PhotoPath photo = decodedPath(entry.native());
         std::error_code ignored;
         if (fs::is_directory(entry, ignored)) {
             if (!isPackageFolder(photo.path) &&
@@ -91,6 +82,15 @@ private:
 
 } // namespace
 
+PhotoPath decodedPath(const std::string &path)
+{
+    const QByteArray bytes = QByteArray::fromStdString(path);
+    const QString text = QFile::decodeName(bytes);
+    if (QFile::encodeName(text) == bytes)
+        return {text, {}};
+    return {text, QStringLiteral("its name is not valid UTF-8")};
+}
+
 Result<std::vector<PhotoPath>> photosAt(const std::vector<std::string> &paths, const std::string &leftOut)
 {
     std::vector<PhotoPath> photos;
@@ -100,11 +100,11 @@ Result<std::vector<PhotoPath>> photosAt(const std::vector<std::string> &paths, c
         std::error_code error;
         const fs::file_status status = fs::status(path, error);
         if (!fs::exists(status))
-            return fail(QStringLiteral("there is no file or folder \"%1\"").arg(decoded(path).path));
+            return fail(QStringLiteral("there is no file or folder \"%1\"").arg(decodedPath(path).path));
         if (fs::is_directory(status))
             scan.folder(path);
         else
-            photos.push_back(decoded(path));
+            photos.push_back(decodedPath(path));
     }
     return photos;
 }

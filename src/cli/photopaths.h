@@ -16,6 +16,9 @@ struct PhotoPath {
     QString failure; ///< why it cannot be had, where that is known already; else empty
 };
 
+/// The path as a text, with a failure where that text would not lead back to the file.
+PhotoPath decodedPath(const std::string &path);
+
 /// The photos that these paths stand for, in order: a file is one whatever it is called, a folder gives the
 /// files below it whose suffix is that of a picture format, sorted by name; hidden entries, package folders
 /// and circles of symbolic links are left out. A folder that cannot be read, and a name that is no text,

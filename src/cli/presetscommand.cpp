@@ -3,6 +3,7 @@
 #include "cli/presetscommand.h"
 
 #include "cli/messages.h"
+#include "cli/pathargument.h"
 #include "cli/presetfiles.h"
 #include "platform/applicationname.h"
 #include "presets/wpresetarchive.h"
@@ -159,9 +160,10 @@ CLI::App *addPresetsCommand(CLI::App &program, PresetsOptions &options)
     command
         ->add_option("--convert", options.convertTo,
                      "Print nothing; write the presets to OUT in today's form")
+        ->check(somePath())
         ->type_name("OUT")
         ->excludes(json);
-    command->add_option("FILE", options.file, "A .pxwpr or .pxspr file")->required();
+    command->add_option("FILE", options.file, "A .pxwpr or .pxspr file")->check(somePath())->required();
     return command;
 }
 

@@ -5,6 +5,7 @@
 #include "cli/fieldarguments.h"
 #include "cli/interruption.h"
 #include "cli/messages.h"
+#include "cli/pathargument.h"
 #include "cli/photopaths.h"
 #include "cli/presetselection.h"
 #include "cli/savereport.h"
@@ -130,7 +131,7 @@ Result<SavingPresetValues> runSavingPreset(const SaveOptions &options)
     }
     Notices notices;
     completeFilenameTokens(preset, notices);
-    return preset;
+    return checkSavingPreset(preset).map([&] { return preset; });
 }
 
 Result<OutputFolders> outputFolders(const SaveOptions &options)
@@ -170,6 +171,12 @@ Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
 
     SavingRun run;
     run.effectivePresets = presetsToSave(*applied);
+    for (const PresetToSave &preset : run.effectivePresets) {
+        if (!preset.assignedSavingPreset || options.ignoreAssigned || options.combine)
+            continue;
+        if (Result<void> checked = checkSavingPreset(*preset.assignedSavingPreset); !checked)
+            return tl::unexpected(checked.error());
+    }
     run.isInSingleMode = !isPresetsMode(options);
     run.defaultSavingPreset = std::move(*savingPreset);
     run.folders = std::move(*folders);
@@ -218,12 +225,14 @@ void addPresetOptions(CLI::App &command, SaveOptions &options, const std::vector
         command
             .add_option("--wpresets", options.wPresetsFile,
                         "The watermarks: the presets in FILE; default for --apply: your own presets")
+            ->check(somePath())
             ->type_name("FILE");
     auto *apply =
         command
             .add_option("--apply", options.applied,
                         "Apply the watermark preset of this name only; may be given several times, in "
                         "the order of drawing")
+            ->check(someText())
             ->type_name("NAME")
             ->expected(1)
             ->take_all()
@@ -235,8 +244,10 @@ void addPresetOptions(CLI::App &command, SaveOptions &options, const std::vector
     command
         .add_option("--saving-presets", options.savingPresetsFile,
                     "A file of saving presets, which say how copies are saved; default: your own presets")
+        ->check(somePath())
         ->type_name("FILE");
     command.add_option("--saving-preset", options.savingPreset, "The name of the one for this run")
+        ->check(someText())
         ->type_name("NAME");
 }
 
@@ -247,6 +258,7 @@ CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options)
     CLI::App *command = program.add_subcommand("save", "Watermark photos and folders of photos");
     auto *text = command->add_option("--text", options.text, "The watermark: a text")->type_name("TEXT");
     auto *image = command->add_option("--image", options.image, "The watermark: a picture, SVG included")
+                      ->check(somePath())
                       ->type_name("FILE")
                       ->excludes(text);
     auto *set =
@@ -268,10 +280,12 @@ CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options)
                        ->add_option("--output", options.output,
                                     "The folder for the copies, made when it is not there; default: each "
                                     "copy beside its original")
+                       ->check(somePath())
                        ->type_name("DIR");
     command
         ->add_option("--replicate-from", options.replicateFrom,
                      "Repeat the folders below DIR in the folder for the copies")
+        ->check(somePath())
         ->type_name("DIR")
         ->needs(output);
     command->add_flag("--combine", options.combine, "All watermarks on one copy, not a copy for each");
@@ -287,8 +301,12 @@ CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options)
     command->add_option("--jobs", options.jobs, "How many photos at once; default: one for each core")
         ->type_name("N")
         ->check(CLI::Range(1, 256));
-    command->add_flag("--dry-run", options.dryRun, "Say what would be written, and write nothing");
-    command->add_flag("--json", options.json, "Print an object for each copy, one a line");
+    command->add_flag(
+        "--dry-run", options.dryRun,
+        "Say what would be written, and write nothing; looks at the headers of the photos only, so "
+        "a photo that is damaged further on still fails in the run");
+    command->add_flag("--json", options.json,
+                      "Print an object for each copy, one a line; with --quiet for those that failed");
     command->add_flag("--quiet", options.quiet, "Print failures only");
     command->add_option("PATH", options.paths, "Photos, and folders of them")->required();
     return command;

@@ -140,9 +140,9 @@ void SaveReport::copyFinished(const SavingOutput &output)
         printAbout(output.sourcePath,
                    QStringLiteral("the copy leaves out: ") + output.report.dropped.join(QLatin1String(", ")));
 
-    if (m_form.json)
+    if (m_form.json && (isFailure || !m_form.quiet))
         std::fprintf(stdout, "%s\n", jsonLine(output).constData());
-    else if (!m_form.quiet && !isFailure)
+    else if (!m_form.json && !m_form.quiet && !isFailure)
         printLine(stdout, onOneLine(textLine(output)));
     std::fflush(stdout);
     m_progress->setDone(static_cast<std::size_t>(++m_copies));

@@ -16,7 +16,7 @@ class SaveReport final : public SavingObserver
 public:
     struct Form {
         bool json = false;
-        bool quiet = false;
+        bool quiet = false; ///< failures only
     };
 
     explicit SaveReport(Form form);

@@ -7,9 +7,8 @@
 #include "images/photofacts.h"
 #include "images/uprighting.h"
 #include "platform/applicationname.h"
+#include "platform/filetimes.h"
 #include "watermark/watermarkdrawing.h"
-
-#include <QFileInfo>
 
 #include <algorithm>
 #include <new>
@@ -36,15 +35,6 @@ QVariantMap propertiesOfCopy(ImageMetadata metadata, const CopyOrder &order, con
         metadata.setDpiHeight(dpi);
     }
     return metadata.imagePropertiesDictionary();
-}
-
-/// Linux cannot set the time of birth, so the copy's modification time stands for it.
-QDateTime creationDateOf(const QString &path)
-{
-    const QFileInfo info(path);
-    const QDateTime born = info.birthTime();
-    const QDateTime modified = info.lastModified();
-    return born.isValid() && born < modified ? born : modified;
 }
 
 using Drawings = std::vector<WatermarkDrawing>;
@@ -170,7 +160,8 @@ private:
 
     Result<void> writeFile()
     {
-        AtomicFile file(m_order.targetPath, m_order.ifExists, AtomicFile::Durability::Synced);
+        AtomicFile file(m_order.target.path, m_order.target.ifExists, AtomicFile::Durability::Synced);
+        file.setAlternatives(m_order.target.nextPath);
         if (Result<void> opened = file.open(); !opened)
             return opened;
         const Result<std::unique_ptr<RowWriter>> writer =
@@ -181,8 +172,10 @@ private:
             return written;
         if (Result<void> finished = (*writer)->finish(); !finished)
             return finished;
-        if (m_order.preservesCreationDate)
-            file.setModificationTime(creationDateOf(m_order.path));
+        // Linux cannot set the time of birth, so the copy's modification time stands for it.
+        const auto created = m_order.preservesCreationDate ? creationTimeOf(m_order.path) : std::nullopt;
+        if (created)
+            file.setModificationTime(*created);
         return file.commit();
     }
 

@@ -11,6 +11,7 @@
 #include <QPointF>
 #include <QRectF>
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -23,11 +24,18 @@ struct MarkOrder {
     std::optional<QPointF> customOrigin; ///< photo pixels, origin at the bottom left
 };
 
+/// Where a copy goes.
+struct CopyTarget {
+    QString path;
+    AtomicFile::IfExists ifExists = AtomicFile::IfExists::Fail;
+    std::function<std::optional<QString>()> nextPath = {}; ///< as AtomicFile::setAlternatives(); may be empty
+};
+
 /// Everything that one watermarked copy is made of.
 struct CopyOrder {
     QString path;     ///< the photo as people know it
     QString readPath; ///< the file to read
-    QString targetPath;
+    CopyTarget target;
     QString targetType;   ///< MIME name of a format that can be written
     double quality = 0.8; ///< 0..1, for formats with losses
     bool tiffLzw = true;
@@ -35,14 +43,14 @@ struct CopyOrder {
     int turns = 1;                         ///< the user's turns, as an orientation
     std::optional<ImageMetadata> metadata; ///< where the user has edited it; else the file's
     QImage upright; ///< the decoded photo where it is at hand, turns applied; else null
-    AtomicFile::IfExists ifExists = AtomicFile::IfExists::Fail;
     bool preservesCreationDate = true;
     CancelCheck isCancelled;
 };
 
 /// What became of a copy.
 struct CopyReport {
-    QSize size; ///< pixels of the copy
+    QString path; ///< where it is in the end
+    QSize size;   ///< pixels of the copy
     std::vector<std::optional<QRectF>>
         rects;           ///< of each mark, origin at the bottom left; none: it had nothing to draw
     QStringList dropped; ///< of the source, what the copy does not have: "gain map", "maker note"

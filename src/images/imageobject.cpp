@@ -473,22 +473,25 @@ QList<QImage> ImageObject::generatePasteboardImages(const std::vector<AppliedPre
     return images;
 }
 
-Result<CopyReport> ImageObject::saveImageAtPath(const QString &destination,
+Result<CopyReport> ImageObject::saveImageAtPath(const CopyTarget &target,
                                                 const std::vector<AppliedPreset> &presets,
                                                 const SavingPresetValues &savingPreset,
-                                                AtomicFile::IfExists ifExists, bool preservesCreationDate,
-                                                const CancelCheck &isCancelled, const QString &readFrom)
+                                                bool preservesCreationDate, const CancelCheck &isCancelled,
+                                                const QString &readFrom)
 {
     CopyOrder order;
     order.path = path();
     order.readPath = readFrom.isEmpty() ? readPath() : readFrom;
-    order.targetPath = destination;
+    order.target = target;
     order.targetType = savingPreset.imageFormatUTI(order.path);
     if (order.targetType.isEmpty())
         return fail(QStringLiteral("the format \"%1\" cannot be written").arg(savingPreset.imageFormat));
+    const bool hasLosses =
+        order.targetType == QLatin1String("image/jpeg") || order.targetType == QLatin1String("image/heic");
+    if (hasLosses && (savingPreset.jpegQuality < 1 || savingPreset.jpegQuality > 100))
+        return fail(QStringLiteral("there is no quality of %1 per cent").arg(savingPreset.jpegQuality));
     order.quality = savingPreset.jpegQuality / 100.0;
     order.tiffLzw = savingPreset.tiffCompressionLZW;
-    order.ifExists = ifExists;
     order.preservesCreationDate = preservesCreationDate;
     order.isCancelled = isCancelled;
     {

@@ -148,10 +148,9 @@ public:
     /// Writes one copy with these presets drawn.
     /// @param readFrom  where the photo's file is to be read, if not at readPath()
     [[nodiscard]] Result<CopyReport>
-    saveImageAtPath(const QString &destination, const std::vector<AppliedPreset> &presets,
-                    const SavingPresetValues &savingPreset, AtomicFile::IfExists ifExists,
-                    bool preservesCreationDate, const CancelCheck &isCancelled = {},
-                    const QString &readFrom = {});
+    saveImageAtPath(const CopyTarget &target, const std::vector<AppliedPreset> &presets,
+                    const SavingPresetValues &savingPreset, bool preservesCreationDate,
+                    const CancelCheck &isCancelled = {}, const QString &readFrom = {});
 
     // TokenSource
     QSize pixelSize() const override;

@@ -16,6 +16,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <random>
 
 namespace plexa
@@ -148,11 +149,47 @@ Result<void> AtomicFile::failure(int error) const
     return fail(AtomicFileTexts::tr("\"%1\" cannot be written: %2").arg(m_path, writeErrorText(error)));
 }
 
-Result<void> AtomicFile::open()
+void AtomicFile::setAlternatives(std::function<std::optional<QString>()> nextPath)
 {
-    Q_ASSERT(!m_device);
-    // Absolute, so that a later change of the working directory does not matter.
-    m_target = QFile::encodeName(QFileInfo(m_path).absoluteFilePath());
+    m_nextPath = std::move(nextPath);
+}
+
+/// Absolute, so that a later change of the working directory does not matter. In bytes, because the name of
+/// that directory need not be a text.
+void AtomicFile::resolveTarget()
+{
+    m_target = QFile::encodeName(QDir::cleanPath(m_path));
+    if (m_target.startsWith('/'))
+        return;
+    char *const folder = getcwd(nullptr, 0); // allocates
+    if (folder)
+        m_target = QByteArray(folder) + '/' + m_target;
+    std::free(folder);
+}
+
+/// @return false when there is none
+bool AtomicFile::takeAlternative()
+{
+    const std::optional<QString> next = m_nextPath ? m_nextPath() : std::nullopt;
+    if (!next)
+        return false;
+    m_path = *next;
+    resolveTarget();
+    return true;
+}
+
+Result<void> AtomicFile::check()
+{
+    if (Result<void> checked = checkTarget(); !checked)
+        return checked;
+    const bool takesFiles = faccessat(AT_FDCWD, folderOf(m_target).constData(), W_OK | X_OK, AT_EACCESS) == 0;
+    return takesFiles ? Result<void>() : failure(errno);
+}
+
+/// Of what has the name, not whether the folder takes files.
+Result<void> AtomicFile::checkTarget()
+{
+    resolveTarget();
     if (m_path.isEmpty() || m_path.contains(QChar(u'\0')))
         return failure(ENOENT);
     if (m_ifExists == IfExists::Replace) {
@@ -161,7 +198,9 @@ Result<void> AtomicFile::open()
     }
     struct stat there {
     };
-    if (lstat(m_target.constData(), &there) == 0) {
+    while (lstat(m_target.constData(), &there) == 0) {
+        if (m_ifExists == IfExists::Fail && takeAlternative())
+            continue;
         if (S_ISDIR(there.st_mode))
             return failure(EISDIR);
         if (m_ifExists == IfExists::Fail)
@@ -171,8 +210,16 @@ Result<void> AtomicFile::open()
                 AtomicFileTexts::tr("\"%1\" cannot be written: it is not an ordinary file").arg(m_path));
         if (faccessat(AT_FDCWD, m_target.constData(), W_OK, AT_EACCESS) != 0)
             return fail(AtomicFileTexts::tr("\"%1\" cannot be written: it is write-protected").arg(m_path));
+        break;
     }
+    return {};
+}
 
+Result<void> AtomicFile::open()
+{
+    Q_ASSERT(!m_device);
+    if (Result<void> checked = checkTarget(); !checked)
+        return checked;
     int descriptor = m_staging == Staging::Named ? -1 : openNameless();
     if (descriptor < 0)
         descriptor = openNamed();
@@ -219,7 +266,7 @@ QFile &AtomicFile::device()
     return *m_device;
 }
 
-void AtomicFile::setModificationTime(const QDateTime &time)
+void AtomicFile::setModificationTime(const timespec &time)
 {
     m_modificationTime = time;
 }
@@ -230,7 +277,10 @@ Result<void> AtomicFile::commit()
         return failure(EBADF);
     Result<void> done = finishContents();
     if (done) {
-        if (const int error = putInPlace())
+        int error = putInPlace();
+        while (error == EEXIST && m_ifExists == IfExists::Fail && takeAlternative())
+            error = putInPlace();
+        if (error != 0)
             done = failure(error);
     }
     discard();
@@ -254,13 +304,10 @@ Result<void> AtomicFile::finishContents()
         if (Result<void> done = takeOverPermissions(); !done)
             return done;
     }
-    if (m_modificationTime && m_modificationTime->isValid()) {
-        const qint64 ms = m_modificationTime->toMSecsSinceEpoch();
-        const qint64 msOfSecond = (ms % 1000 + 1000) % 1000;
+    if (m_modificationTime) {
         timespec times[2] = {};
         times[0].tv_nsec = UTIME_OMIT;
-        times[1].tv_sec = (ms - msOfSecond) / 1000;
-        times[1].tv_nsec = msOfSecond * 1'000'000;
+        times[1] = *m_modificationTime;
         if (futimens(descriptor, times) != 0)
             return failure(errno);
     }

@@ -4,9 +4,10 @@
 
 #include "platform/result.h"
 
-#include <QDateTime>
 #include <QFile>
 
+#include <ctime>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -40,17 +41,24 @@ public:
     AtomicFile(const AtomicFile &) = delete;
     AtomicFile &operator=(const AtomicFile &) = delete;
 
+    /// With IfExists::Fail: asked for another path in the same folder each time that the target turns out to
+    /// exist; none: open() or commit() fails then. On the thread of the object.
+    void setAlternatives(std::function<std::optional<QString>()> nextPath);
+
     /// Checks the target and starts the file. Where the target is a symbolic link that may be replaced, the
     /// file it points to is meant, and the link stays. Refuses a target that is a folder, a device or
     /// write-protected, and with IfExists::Fail one that is already there.
     [[nodiscard]] Result<void> open();
+
+    /// What open() would say, as far as that can be known without starting anything. Instead of open().
+    [[nodiscard]] Result<void> check();
 
     /// Where to write, random access; valid from open() to commit(). Has no file name of use. A write that
     /// failed once makes commit() fail.
     QFile &device();
 
     /// The modification time that the finished file shall have.
-    void setModificationTime(const QDateTime &time);
+    void setModificationTime(const timespec &time);
 
     /// Puts the file in place. A new file has the permissions that the umask leaves; one that replaces
     /// another takes over its permission bits, and where allowed its owner and group. After a failure (no
@@ -63,6 +71,9 @@ public:
 private:
     class Device;
 
+    void resolveTarget();
+    Result<void> checkTarget();
+    bool takeAlternative();
     int openNameless() const;
     int openNamed();
     Result<void> finishContents();
@@ -75,12 +86,13 @@ private:
 
     QString m_path;
     IfExists m_ifExists;
+    std::function<std::optional<QString>()> m_nextPath; // may be empty
     Durability m_durability;
     Staging m_staging;
     std::unique_ptr<Device> m_device;
     QByteArray m_target;        // absolute, links resolved where they are followed
     QByteArray m_temporaryPath; // empty while the file has no name
-    std::optional<QDateTime> m_modificationTime;
+    std::optional<timespec> m_modificationTime;
 };
 
 } // namespace plexa

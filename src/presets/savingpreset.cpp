@@ -139,7 +139,9 @@ bool readValues(const XMLParser::Element &preset, double fileVersion, SavingPres
 /// out of a damaged file, would make the written file unreadable.
 QString writable(const QString &value, const QString &initial)
 {
-    return value.contains(u'<') || value.contains(u'&') ? initial : value;
+    const bool isRead = !value.contains(u'<') && !value.contains(u'&') && !value.startsWith(u'>') &&
+                        XMLFile::withReadableStart(value) == value;
+    return isRead ? value : initial;
 }
 
 } // namespace
@@ -212,9 +214,9 @@ bool SavingPreset::supportedUTI(const QString &type)
 void SavingPreset::appendObjectToXML(QString &xml) const
 {
     xml += QStringLiteral("\n  <preset>\n    <id>%1</id>\n    <name>%2</name>\n    <filename>")
-               .arg(QString::number(m_presetID), replaceXmlSpecialChars(name()));
+               .arg(QString::number(m_presetID), withReadableStart(replaceXmlSpecialChars(name())));
     for (const QString &token : filenameTokens())
-        xml += QStringLiteral("\n      <token>%1</token>").arg(token);
+        xml += QStringLiteral("\n      <token>%1</token>").arg(withReadableStart(token));
     const SavingPresetValues initial;
     xml += QStringLiteral("\n    </filename>\n    <fileBaseNameCase>%1</fileBaseNameCase>"
                           "\n    <fileExtensionCase>%2</fileExtensionCase>\n    <format>%3</format>"

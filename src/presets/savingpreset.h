@@ -100,8 +100,8 @@ public:
     static QString utiForFileExtension(const QString &extension);
     static bool supportedUTI(const QString &type);
 
-    /// Appends a `preset` element. Tokens go into it as they are: one with "&" or "<" in it makes a file that
-    /// cannot be read.
+    /// Appends a `preset` element. Tokens go into it as they are, but for their first character: one with "&"
+    /// or "<" in it, or ">" in front, makes a file that cannot be read.
     void appendObjectToXML(QString &xml) const override;
 
     /// The preset that a `preset` element of a file of that version stands for; null, with an error line

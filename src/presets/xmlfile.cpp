@@ -93,6 +93,22 @@ QString XMLFile::replaceXmlSpecialChars(const QString &text)
     return replaced;
 }
 
+QString XMLFile::withReadableStart(const QString &text)
+{
+    QString readable = text;
+    for (qsizetype i = 0; i < readable.size(); ++i) {
+        if (readable.at(i).isHighSurrogate() && i + 1 < readable.size() &&
+            readable.at(i + 1).isLowSurrogate())
+            ++i;
+        else if (readable.at(i).isSurrogate())
+            readable[i] = QChar::ReplacementCharacter;
+    }
+    const QChar first = readable.isEmpty() ? QChar() : readable.front();
+    if (QStringView(u"\"'=/? \t\r\n").contains(first))
+        readable.replace(0, 1, QStringLiteral("&#%1;").arg(first.unicode()));
+    return readable;
+}
+
 bool XMLFile::readFile(const QString &path, const QString &appID, const QString &rootXMLElement,
                        const KeepObject &keepObject, const XMLParser::ErrorSink &errors)
 {

@@ -70,6 +70,10 @@ public:
     /// The text as an element's text: "&", "<" and ">" become references. Quotes stay, so it is no attribute.
     static QString replaceXmlSpecialChars(const QString &text);
 
+    /// The text of an element with its first character as a numeric reference, where the reader would take it
+    /// for markup or skip it; and with lone surrogates, which no file can hold, as U+FFFD. The rest stays.
+    static QString withReadableStart(const QString &text);
+
 protected:
     XMLFile() = default;
     XMLFile(const XMLFile &) = default;

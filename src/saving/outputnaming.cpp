@@ -67,6 +67,14 @@ QString fittingName(const QString &base, const QString &suffix, const QString &e
     return shortenedToBytes(base, room) + end;
 }
 
+QString numberedPath(const QString &path, int number)
+{
+    const QFileInfo info(path);
+    const QString name = info.fileName();
+    return QDir(info.path())
+        .filePath(fittingName(filenameOf(name), u'-' + QString::number(number), fileExtensionOf(name)));
+}
+
 } // namespace
 
 OutputNaming::ConflictCode OutputNaming::always(Choice choice)
@@ -74,9 +82,10 @@ OutputNaming::ConflictCode OutputNaming::always(Choice choice)
     return static_cast<ConflictCode>(kRemembered | static_cast<quint32>(choice));
 }
 
-OutputNaming::OutputNaming(OutputFolders folders, Alerts &alerts)
+OutputNaming::OutputNaming(OutputFolders folders, Alerts &alerts, Wait waitForOutcome)
     : m_folders(std::move(folders))
     , m_alerts(alerts)
+    , m_waitForOutcome(std::move(waitForOutcome))
 {
 }
 
@@ -143,7 +152,7 @@ QString OutputNaming::targetDirectoryForFile(const QString &path) const
 std::optional<OutputNaming::Destination> OutputNaming::finalDestinationForPath(const QString &path,
                                                                                ConflictCode &code)
 {
-    if (!isTaken(path))
+    if (!existsFor(path))
         return take(path, false);
     switch (choiceFor(path, code)) {
     case kUniqueName:
@@ -182,6 +191,14 @@ bool OutputNaming::isTaken(const QString &path) const
     return isBeingWritten(path) || info.exists() || info.isSymLink();
 }
 
+/// As isTaken(), when it is known what becomes of the copy that has the path.
+bool OutputNaming::existsFor(const QString &path) const
+{
+    if (m_waitForOutcome && isBeingWritten(path))
+        m_waitForOutcome(path);
+    return isTaken(path);
+}
+
 OutputNaming::Choice OutputNaming::choiceFor(const QString &path, ConflictCode &code) const
 {
     const auto bits = static_cast<quint32>(code);
@@ -209,22 +226,26 @@ OutputNaming::Choice OutputNaming::choiceFor(const QString &path, ConflictCode &
 
 std::optional<QString> OutputNaming::uniquePath(const QString &path)
 {
-    const QString name = QFileInfo(path).fileName();
-    const QDir folder(QFileInfo(path).path());
-    const auto numbered = [&](int number) {
-        return folder.filePath(
-            fittingName(filenameOf(name), u'-' + QString::number(number), fileExtensionOf(name)));
-    };
     // Of thousands of copies that should have the same name, none looks through the numbers of all before it.
     int number = m_lastNumbers.value(path);
-    if (number == 0 || !isTaken(numbered(number)))
+    if (number == 0 || !existsFor(numberedPath(path, number)))
         number = 1;
     for (; number <= kHighestNumber; ++number) {
-        const QString candidate = numbered(number);
-        if (isTaken(candidate))
+        const QString candidate = numberedPath(path, number);
+        if (existsFor(candidate))
             continue;
         m_lastNumbers.insert(path, number);
         return candidate;
+    }
+    return std::nullopt;
+}
+
+std::optional<QString> OutputNaming::anotherUniquePath(const QString &path, int &number)
+{
+    while (++number <= kHighestNumber) {
+        const QString candidate = numberedPath(path, number);
+        if (!isTaken(candidate))
+            return take(candidate, false).path;
     }
     return std::nullopt;
 }

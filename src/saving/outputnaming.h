@@ -7,6 +7,7 @@
 #include <QHash>
 #include <QString>
 
+#include <functional>
 #include <mutex>
 #include <optional>
 
@@ -25,8 +26,9 @@ struct OutputFolders {
 };
 
 /// Makes the names of the copies of one run. Copies are under way at the same time: a path that was given for
-/// one counts as an existing file until finished() is called for it. Names are asked for on one thread, which
-/// waits for the answers to questions; finished() may be called on any.
+/// one is taken until finished() is called for it. Names are asked for on one thread, which waits for the
+/// answers to questions, and where it can, for copies that have the name; anotherUniquePath() and finished()
+/// may be called on any.
 class OutputNaming final
 {
 public:
@@ -44,8 +46,14 @@ public:
         bool overwrites = false; ///< there is a file, and it is to be lost; else it must not be
     };
 
-    /// @param alerts  is asked about names that are taken; outlives the object
-    OutputNaming(OutputFolders folders, Alerts &alerts);
+    /// Returns when no copy is being written to the path any more.
+    using Wait = std::function<void(const QString &path)>;
+
+    /// @param alerts         is asked about names that are taken; outlives the object
+    /// @param waitForOutcome is called before it is decided whether the file of a copy under way exists;
+    /// empty:
+    ///                       it counts as existing
+    OutputNaming(OutputFolders folders, Alerts &alerts, Wait waitForOutcome = {});
 
     /// A copy's file name, without its folder. Put together from the preset's tokens and finished by
     /// filenameWithExtensionForFilename().
@@ -69,6 +77,12 @@ public:
     /// @return none: the photo is skipped, by choice or because "NAME-1.jpg" to "NAME-9999.jpg" are taken
     std::optional<Destination> finalDestinationForPath(const QString &path, ConflictCode &code);
 
+    /// For a copy whose path somebody else has taken meanwhile: the next one of "NAME-1.jpg" to
+    /// "NAME-9999.jpg" that is free, taken until finished().
+    /// @param path    what the copy should have been called
+    /// @param number  the last one that was tried, at first 0; is raised
+    std::optional<QString> anotherUniquePath(const QString &path, int &number);
+
     /// Is a copy still being written there? One that overwrites it has to wait.
     bool isBeingWritten(const QString &path) const;
 
@@ -77,12 +91,14 @@ public:
 
 private:
     bool isTaken(const QString &path) const;
+    bool existsFor(const QString &path) const;
     Choice choiceFor(const QString &path, ConflictCode &code) const;
     std::optional<QString> uniquePath(const QString &path);
     Destination take(const QString &path, bool overwrites);
 
     OutputFolders m_folders;
     Alerts &m_alerts;
+    Wait m_waitForOutcome;
     QHash<QString, int> m_lastNumbers; // of each path that was taken; on the thread that asks for names
     mutable std::mutex m_mutex;
     QHash<QString, int> m_beingWritten; // guarded

@@ -3,6 +3,7 @@
 #include "saving/savingprocess.h"
 
 #include "platform/leftovers.h"
+#include "platform/missingfolders.h"
 #include "raster/bitmaputilities.h"
 #include "watermark/texttokens.h"
 
@@ -74,6 +75,8 @@ struct SavingProcess::PhotoInWork {
 
 struct SavingProcess::Pending {
     SavingOutput output;
+    QString wantedPath;       ///< before anything was done about a file that exists
+    QStringList alternatives; ///< paths that were tried in place of output.path
     bool overwrites = false;
     bool isFinished = true; // guarded by the process's mutex
 };
@@ -87,6 +90,13 @@ struct SavingProcess::Order {
 
 namespace
 {
+
+/// @tparam Pending  the private type above
+template<class Pending>
+AtomicFile::IfExists ifExists(const Pending &pending)
+{
+    return pending.overwrites ? AtomicFile::IfExists::Replace : AtomicFile::IfExists::Fail;
+}
 
 /// @tparam Order  the private type above
 template<class Order>
@@ -122,7 +132,7 @@ SavingProcess::SavingProcess(const SavingRun &run, SavingObserver &observer, Ale
     : m_run(run)
     , m_observer(observer)
     , m_terminateOperation(terminateOperation)
-    , m_naming(foldersOf(run), alerts)
+    , m_naming(foldersOf(run), alerts, run.isDryRun ? OutputNaming::Wait() : waitForOutcome())
     , m_orders(ordersOf<Order>(run))
     , m_total(static_cast<qint64>(run.photoCount * m_orders.size()))
     , m_namesNeedPhotos(run.isDryRun || std::any_of(m_orders.begin(), m_orders.end(),
@@ -134,6 +144,11 @@ SavingProcess::SavingProcess(const SavingRun &run, SavingObserver &observer, Ale
 }
 
 SavingProcess::~SavingProcess() = default;
+
+OutputNaming::Wait SavingProcess::waitForOutcome()
+{
+    return [this](const QString &path) { waitUntil([&] { return !m_naming.isBeingWritten(path); }); };
+}
 
 bool SavingProcess::isStopped() const
 {
@@ -254,9 +269,11 @@ void SavingProcess::saveCopy(const std::shared_ptr<PhotoInWork> &photo, const Ah
     }
     if (output.status == SavingOutput::Status::Planned && m_run.isDryRun) {
         output.emptyTokens = emptyTokens(ahead, order);
-        if (!ahead.failure.isEmpty()) {
+        const Result<void> place = checkPlace(pending);
+        if (!ahead.failure.isEmpty() || !place) {
             output.status = SavingOutput::Status::Failed;
-            output.error = ahead.failure;
+            output.error = !ahead.failure.isEmpty() ? ahead.failure : place.error().text;
+            m_naming.finished(output.path); // the next one may have the name, as in the run
         }
     } else if (output.status == SavingOutput::Status::Planned) {
         startWriting(pending, photo, order);
@@ -278,6 +295,7 @@ void SavingProcess::decide(Pending &pending, const AheadOfTime &ahead, const Ord
                          Texts::tr("Saving image %1 out of %2:\n%3")
                              .arg(QString::number(output.sequenceNumber), QString::number(m_total), name));
     const QString path = QDir(folder).filePath(name);
+    pending.wantedPath = path;
     if (const auto destination = m_naming.finalDestinationForPath(path, m_conflictCode)) {
         output.path = destination->path;
         pending.overwrites = destination->overwrites;
@@ -295,7 +313,15 @@ void SavingProcess::decide(Pending &pending, const AheadOfTime &ahead, const Ord
 void SavingProcess::startWriting(Pending &pending, const std::shared_ptr<PhotoInWork> &photo,
                                  const Order &order)
 {
-    removeLeftoversIn(QFileInfo(pending.output.path).path());
+    // A folder that could not be made: the writing would not know why it is not there.
+    const QString folder = QFileInfo(pending.output.path).path();
+    if (const Result<void> possible = checkFolderCanBeMade(folder); !possible) {
+        pending.output.status = SavingOutput::Status::Failed;
+        pending.output.error = possible.error().text;
+        m_naming.finished(pending.output.path);
+        return;
+    }
+    removeLeftoversIn(folder);
     const QString target = fileKey(pending.output.path);
     if (pending.overwrites) {
         waitUntil([&] { return !m_beingWritten.contains(target) && !m_beingRead.contains(target); });
@@ -317,13 +343,28 @@ void SavingProcess::startWriting(Pending &pending, const std::shared_ptr<PhotoIn
         ++m_beingRead[photo->key];
         m_beingWritten.insert(target);
     }
-    m_pool->add([this, &pending, photo, &order, readFrom, target] {
-        const auto ifExists = pending.overwrites ? AtomicFile::IfExists::Replace : AtomicFile::IfExists::Fail;
+    m_pool->add([this, &pending, photo, &order, readFrom, target, nextPath = alternativesFor(pending)] {
         Result<CopyReport> result =
-            photo->image->saveImageAtPath(pending.output.path, order.presets, order.savingPreset, ifExists,
-                                          m_run.preservesCreationDate, {}, readFrom);
+            photo->image->saveImageAtPath({pending.output.path, ifExists(pending), nextPath}, order.presets,
+                                          order.savingPreset, m_run.preservesCreationDate, {}, readFrom);
         finish(pending, std::move(result), photo->key, target);
     });
+}
+
+/// Where unique names are wanted: another one, each time that the copy's turns out to be taken by somebody
+/// else. Is called on a thread of the pool.
+std::function<std::optional<QString>()> SavingProcess::alternativesFor(Pending &pending)
+{
+    const bool isUnique = pending.output.conflict == SavingOutput::Conflict::UniqueName ||
+                          m_conflictCode == OutputNaming::always(OutputNaming::kUniqueName);
+    if (!isUnique || pending.overwrites)
+        return {};
+    return [this, &pending, number = 0]() mutable -> std::optional<QString> {
+        std::optional<QString> next = m_naming.anotherUniquePath(pending.wantedPath, number);
+        if (next)
+            pending.alternatives.append(*next);
+        return next;
+    };
 }
 
 /// On a thread of the pool. Nothing may touch the copy afterwards.
@@ -331,12 +372,18 @@ void SavingProcess::finish(Pending &pending, Result<CopyReport> result, const QS
                            const QString &target)
 {
     SavingOutput &output = pending.output;
+    // Whoever waits for one of these finds out now whether there is a file.
+    m_naming.finished(output.path);
+    for (const QString &path : std::as_const(pending.alternatives))
+        m_naming.finished(path);
+    if (!pending.alternatives.isEmpty()) {
+        output.path = pending.alternatives.last();
+        output.conflict = SavingOutput::Conflict::UniqueName;
+    }
     if (result) {
         output.status = SavingOutput::Status::Written;
         output.report = std::move(*result);
-        m_naming.finished(output.path);
     } else {
-        // The path stays taken: names must not depend on how soon a copy failed.
         output.status = SavingOutput::Status::Failed;
         output.error = result.error().text;
     }
@@ -349,14 +396,32 @@ void SavingProcess::finish(Pending &pending, Result<CopyReport> result, const QS
     m_changed.notify_all();
 }
 
+/// For a dry run: what of a failure to write can be known beforehand.
+Result<void> SavingProcess::checkPlace(const Pending &pending) const
+{
+    const QString &path = pending.output.path;
+    if (const QString folder = QFileInfo(path).path(); !QFileInfo(folder).isDir())
+        return checkFolderCanBeMade(folder);
+    return AtomicFile(path, ifExists(pending), AtomicFile::Durability::Lazy).check();
+}
+
 QStringList SavingProcess::emptyTokens(const AheadOfTime &ahead, const Order &order) const
 {
+    const auto isEmptyName = [&](const QString &token) {
+        return (token == QLatin1StringView("watermark preset name") &&
+                order.presets.front().values.name.isEmpty()) ||
+               (token == QLatin1StringView("saving preset name") && order.savingPreset.name.isEmpty());
+    };
+    QStringList empty;
+    for (const QString &token : order.savingPreset.filenameTokens) {
+        if (isEmptyName(token) && !empty.contains(token))
+            empty.append(token);
+    }
     QStringList tokens = order.savingPreset.filenameTokens;
     for (const AppliedPreset &preset : order.presets) {
         if (preset.values.type == QLatin1StringView("Text"))
             tokens += preset.values.textTokens;
     }
-    QStringList empty;
     for (const QString &token : std::as_const(tokens)) {
         bool isToken = false;
         if (ahead.facts && ahead.facts->stringForInfoToken(token, &isToken).value_or(QString()).isEmpty() &&

@@ -26,8 +26,9 @@ class Alerts;
 /// photo is begun when the pool would run out of work otherwise.
 ///
 /// Copies that touch the same file wait for each other, so that every file ends up as if one copy was made
-/// after another: one that overwrites a file waits until nobody reads or writes it any more, and a photo that
-/// is being overwritten is begun afterwards.
+/// after another: where a copy under way has the name of the next one, it is waited for to see whether there
+/// will be a file; one that overwrites a file waits until nobody reads or writes it any more, and a photo
+/// that is being overwritten is begun afterwards.
 class SavingProcess final
 {
 public:
@@ -44,6 +45,7 @@ private:
     struct Pending;     // a copy that is not reported yet
     struct Order;       // which presets go into a copy, and how it is saved
 
+    OutputNaming::Wait waitForOutcome();
     bool isStopped() const;
     void readAhead(std::size_t untilIndex);
     std::shared_ptr<AheadOfTime> next();
@@ -52,7 +54,9 @@ private:
     void saveCopy(const std::shared_ptr<PhotoInWork> &photo, const AheadOfTime &ahead, const Order &order);
     void decide(Pending &pending, const AheadOfTime &ahead, const Order &order, const QString &folder);
     void startWriting(Pending &pending, const std::shared_ptr<PhotoInWork> &photo, const Order &order);
+    std::function<std::optional<QString>()> alternativesFor(Pending &pending);
     void finish(Pending &pending, Result<CopyReport> result, const QString &sourceKey, const QString &target);
+    Result<void> checkPlace(const Pending &pending) const;
     QStringList emptyTokens(const AheadOfTime &ahead, const Order &order) const;
     void removeLeftoversIn(const QString &folder);
 

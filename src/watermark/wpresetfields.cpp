@@ -192,17 +192,6 @@ Result<const WPresetField *> existingField(const QString &name)
                     .arg(name, names.join(QStringLiteral(", "))));
 }
 
-/// The text as JSON, a single value of any kind; undefined when it is not JSON.
-QJsonValue jsonIn(const QString &text)
-{
-    QJsonParseError error;
-    const QJsonDocument list =
-        QJsonDocument::fromJson((QLatin1Char('[') + text + QLatin1Char(']')).toUtf8(), &error);
-    if (error.error != QJsonParseError::NoError || list.array().size() != 1)
-        return QJsonValue(QJsonValue::Undefined);
-    return list.array().first();
-}
-
 QString hexOf(const QColor &color)
 {
     const QColor rgb = color.toRgb();
@@ -279,12 +268,22 @@ Result<void> setField(WPresetValues &values, const QString &name, const QJsonVal
     return {};
 }
 
+QJsonValue jsonInText(const QString &text)
+{
+    QJsonParseError error;
+    const QJsonDocument list =
+        QJsonDocument::fromJson((QLatin1Char('[') + text + QLatin1Char(']')).toUtf8(), &error);
+    if (error.error != QJsonParseError::NoError || list.array().size() != 1)
+        return QJsonValue(QJsonValue::Undefined);
+    return list.array().first();
+}
+
 Result<void> setFieldFromText(WPresetValues &values, const QString &name, const QString &text)
 {
     const Result<const WPresetField *> field = existingField(name);
     if (!field)
         return tl::unexpected(field.error());
-    QJsonValue value = jsonIn(text);
+    QJsonValue value = jsonInText(text);
     const bool isText = (*field)->kind == FieldKind::String || (*field)->kind == FieldKind::Image;
     const bool isList = (*field)->kind == FieldKind::Strings;
     if (value.isUndefined() || (isText && !value.isString()) ||

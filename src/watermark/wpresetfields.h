@@ -61,6 +61,9 @@ const QStringList &lengthUnits();
 ///         unit and an unreadable picture; the values are then unchanged
 [[nodiscard]] Result<void> setField(WPresetValues &values, const QString &name, const QJsonValue &value);
 
+/// A text that a person typed, as JSON: a single value of any kind; undefined when it is not JSON.
+QJsonValue jsonInText(const QString &text);
+
 /// Sets a field from a text that a person typed: as JSON where it is JSON, else as a string. A field that
 /// holds a string takes the text as it stands unless it is a JSON string ("2024" and "true" are texts there).
 [[nodiscard]] Result<void> setFieldFromText(WPresetValues &values, const QString &name, const QString &text);

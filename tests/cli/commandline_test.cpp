@@ -87,6 +87,9 @@ private Q_SLOTS:
     void whereCopiesGo();
     void savingPresetsFromAFile();
     void namesThatMeanSomethingElsewhere();
+    void foldersWhoseNamesAreNoTexts();
+    void dryRunSeesWhereNothingCanBeWritten();
+    void quietTellsFailuresOnly();
     void inspect();
     void inspectTellsTheWholeDictionary();
 };
@@ -175,6 +178,24 @@ void CommandLineTest::wrongUsage_data()
         << with("--save-set", "fileBaseNameCase=title") << QByteArray("do not change");
     QTest::newRow("no saving presets") << with("--saving-presets", "/dev/null") << QByteArray("/dev/null");
     QTest::newRow("saving preset without a file") << with("--saving-preset", "Web") << QByteArray("presets");
+    QTest::newRow("presets file without a name") << with("--saving-presets", "") << QByteArray("nothing");
+    QTest::newRow("nothing after the equal sign")
+        << text + QStringList{QStringLiteral("--output="), QStringLiteral("x")}
+        << QByteArray("--output= there is nothing");
+    QTest::newRow("preset without a name") << with("--saving-preset", "") << QByteArray("nothing");
+    QTest::newRow("start folder without a name") << with("--replicate-from", "") << QByteArray("nothing");
+    QTest::newRow("format that cannot be written")
+        << with("--saving-presets", "PRESETS") +
+               QStringList{QStringLiteral("--saving-preset"), QStringLiteral("WEBP")}
+        << QByteArray("WEBP");
+    QTest::newRow("alternative that cannot be written")
+        << with("--saving-presets", "PRESETS") +
+               QStringList{QStringLiteral("--saving-preset"), QStringLiteral("Alternative")}
+        << QByteArray("\"Original\"");
+    QTest::newRow("stored quality out of range")
+        << with("--saving-presets", "PRESETS") +
+               QStringList{QStringLiteral("--saving-preset"), QStringLiteral("Best")}
+        << QByteArray("quality is 500");
     QTest::newRow("start folder that is none")
         << with("--replicate-from", "no such folder") << QByteArray("no such folder");
 }
@@ -184,6 +205,19 @@ void CommandLineTest::wrongUsage()
     QFETCH(QStringList, options);
     QFETCH(QByteArray, message);
     const QString out = m_folder->path(QStringLiteral("out"));
+    if (options.contains(QStringLiteral("PRESETS"))) {
+        std::vector<std::shared_ptr<plexa::SavingPreset>> presets;
+        for (const char *name : {"WEBP", "Alternative", "Best"})
+            presets.push_back(std::make_shared<plexa::SavingPreset>(
+                plexa::SavingPresetValues{.name = QString::fromLatin1(name)}));
+        presets[0]->setImageFormat(QStringLiteral("WEBP"));
+        presets[1]->setImageFormat(QStringLiteral("Original"));
+        presets[1]->setAlternativeImageFormat(QStringLiteral("Original"));
+        presets[2]->setJpegQuality(500);
+        const QString file = m_folder->path(QStringLiteral("presets"));
+        QVERIFY(plexa::SavingPreset::writeObjects(presets, file, QStringLiteral("Quorvel Plexa")));
+        options.replaceInStrings(QStringLiteral("PRESETS"), file);
+    }
     const Outcome outcome = run(QStringList{QStringLiteral("save"), QStringLiteral("--output"), out,
                                             m_folder->path(QStringLiteral("in"))} +
                                 options);
@@ -384,6 +418,76 @@ void CommandLineTest::namesThatMeanSomethingElsewhere()
     QCOMPARE(process.exitCode(), 0);
     QCOMPARE(entries(folder).size(), names.size() + 1);
     QCOMPARE(entries(folder + QStringLiteral("/out")).size(), names.size());
+}
+
+/// For the output such a name is refused, for the working folder it does not matter.
+void CommandLineTest::foldersWhoseNamesAreNoTexts()
+{
+    const std::string odd = m_folder->path().toStdString() + "/bo\xff";
+    QVERIFY(std::filesystem::create_directory(odd));
+    const auto inShell = [&](const char *script) {
+        QProcess shell;
+        shell.start(QStringLiteral("sh"),
+                    {QStringLiteral("-c"), QString::fromLatin1(script), program(), m_folder->path()});
+        return shell.waitForFinished(60'000) ? Outcome{shell.exitCode(), {}, shell.readAllStandardError()}
+                                             : Outcome{};
+    };
+    const Outcome refused =
+        inShell("cd \"$1\"; exec \"$0\" save --text x --output \"$(printf 'new\\377')\" in");
+    QCOMPARE(refused.status, 2);
+    QVERIFY2(refused.err.contains("--output: its name is not valid UTF-8"), refused.err.constData());
+    const Outcome done = inShell("cp \"$1\"/in/* \"$1\"/bo*; cd \"$1\"/bo*; "
+                                 "\"$0\" save --text x --output out . && exec \"$0\" save --text x *.*");
+    const auto count = [](const std::string &folder) {
+        return std::distance(std::filesystem::directory_iterator(folder), {});
+    };
+    const auto copies = count(odd + "/out");
+    const auto beside = count(odd);
+    std::filesystem::remove_all(odd); // Qt could not
+    QVERIFY2(done.status == 0, done.err.constData());
+    QCOMPARE(copies, 2);
+    QCOMPARE(beside, 5); // two photos, their copies, "out"
+    QCOMPARE(entries(m_folder->path()), QStringList{QStringLiteral("in")});
+}
+
+void CommandLineTest::dryRunSeesWhereNothingCanBeWritten()
+{
+    write(QStringLiteral("file"), {});
+    QVERIFY(QDir().mkpath(m_folder->path(QStringLiteral("out/a.png"))));
+    const QStringList arguments{QStringLiteral("save"),      QStringLiteral("--text"),
+                                QStringLiteral("x"),         QStringLiteral("--conflict"),
+                                QStringLiteral("overwrite"), m_folder->path(QStringLiteral("in")),
+                                QStringLiteral("--output")};
+    for (const QStringList &dryRun : {QStringList{QStringLiteral("--dry-run")}, QStringList{}}) {
+        const Outcome folder = run(arguments + QStringList{m_folder->path(QStringLiteral("out"))} + dryRun);
+        QCOMPARE(folder.status, 1);
+        QVERIFY2(folder.err.contains("a folder of that name exists"), folder.err.constData());
+        QVERIFY2(folder.err.contains("1 of 2 copies failed"), folder.err.constData());
+        const Outcome part =
+            run(arguments + QStringList{m_folder->path(QStringLiteral("file/sub"))} + dryRun);
+        QCOMPARE(part.status, 1);
+        QVERIFY2(part.err.contains("cannot be made: a part of its path is not a folder"),
+                 part.err.constData());
+    }
+}
+
+void CommandLineTest::quietTellsFailuresOnly()
+{
+    write(QStringLiteral("in/0 empty.jpg"), {});
+    for (const QStringList &json : {QStringList{QStringLiteral("--json")}, QStringList{}}) {
+        const Outcome outcome =
+            run(QStringList{QStringLiteral("save"), QStringLiteral("--text"), QStringLiteral("x"),
+                            QStringLiteral("--quiet"), QStringLiteral("--save-set"),
+                            QStringLiteral("filenameTokens=\"filename\""), QStringLiteral("--output"),
+                            m_folder->path(QStringLiteral("out")), m_folder->path(QStringLiteral("in"))} +
+                json);
+        QCOMPARE(outcome.status, 1);
+        QVERIFY(outcome.err.startsWith("0 empty.jpg: "));
+        const QList<QJsonObject> lines = jsonLines(outcome.out);
+        QCOMPARE(lines.size(), json.size());
+        QVERIFY(json.isEmpty() || lines[0][QStringLiteral("status")] == QStringLiteral("failed"));
+    }
+    QVERIFY(entries(m_folder->path(QStringLiteral("out"))).contains(QStringLiteral("a.png")));
 }
 
 void CommandLineTest::inspect()

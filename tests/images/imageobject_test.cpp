@@ -56,7 +56,7 @@ bool saves(ImageObject &photo, const QString &target, const std::vector<AppliedP
 {
     SavingPresetValues png;
     png.imageFormat = QStringLiteral("PNG");
-    const auto saved = photo.saveImageAtPath(target, presets, png, AtomicFile::IfExists::Fail, true);
+    const auto saved = photo.saveImageAtPath({target}, presets, png, true);
     if (!saved)
         qWarning() << saved.error().text;
     return saved.has_value();
@@ -270,10 +270,10 @@ void ImageObjectTest::failedSaveLeavesNothing()
     int strips = 0;
     SavingPresetValues png;
     png.imageFormat = QStringLiteral("PNG");
-    const auto saved = photo.saveImageAtPath(
-        m_folder->path(folder + QStringLiteral("copy.png")),
-        {textPreset(services.fonts, QStringLiteral("x"))}, png, AtomicFile::IfExists::Fail, true,
-        [&] { return stripsBeforeStop >= 0 && strips++ >= stripsBeforeStop; });
+    const auto saved =
+        photo.saveImageAtPath({m_folder->path(folder + QStringLiteral("copy.png"))},
+                              {textPreset(services.fonts, QStringLiteral("x"))}, png, true,
+                              [&] { return stripsBeforeStop >= 0 && strips++ >= stripsBeforeStop; });
     QVERIFY(!saved);
     QVERIFY(!saved.error().text.isEmpty());
     const auto everything = QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot;

@@ -111,7 +111,7 @@ CopyOrder orderFor(const QString &photo, const QString &target)
 {
     CopyOrder order;
     order.path = order.readPath = photo;
-    order.targetPath = target;
+    order.target.path = target;
     order.targetType = QStringLiteral("image/jpeg");
     order.quality = 0.95;
     return order;

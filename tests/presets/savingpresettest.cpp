@@ -106,6 +106,7 @@ private Q_SLOTS:
     void readsOldFiles();
     void brokenPresets_data();
     void brokenPresets();
+    void everyStartIsReadBack();
     void tokensWithMarkupCannotBeReadBack();
     void valuesWithMarkupAreWrittenAsInitial();
     void damagedFilesNeverCrash();
@@ -496,6 +497,38 @@ void SavingPresetTest::valuesWithMarkupAreWrittenAsInitial()
     expected.alternativeImageFormat = initial.alternativeImageFormat;
     expected.tiffCompressionLZW = true; // a written 0 is read so
     QCOMPARE(again->at(0)->values(), expected);
+}
+
+/// What the reader would take for markup, or skip, at the start of a text.
+void SavingPresetTest::everyStartIsReadBack()
+{
+    std::vector<std::shared_ptr<SavingPreset>> presets;
+    for (const QString &text : {u"\"q\" 'r'"_qs, u"'"_qs, u"=1"_qs, u"/>"_qs, u"?>"_qs, u" a "_qs, u"\t"_qs,
+                                u"\n\n"_qs, u"\r\n b"_qs, u"&#34;"_qs, u"-"_qs}) {
+        SavingPresetValues values;
+        values.name = text;
+        if (text != u"&#34;") // tokens are written raw
+            values.filenameTokens = {text, u"width"_qs};
+        presets.push_back(std::make_shared<SavingPreset>(values));
+    }
+    SavingPresetValues damaged;
+    damaged.fileBaseNameCase = u"=lower case"_qs; // goes back to its initial value
+    presets.push_back(std::make_shared<SavingPreset>(damaged));
+    const QString path = m_folder.path(u"starts.pxspr"_qs);
+    QVERIFY(SavingPreset::writeObjects(presets, path, kAppID));
+    auto again = SavingPreset::readObjectsFromFile(path, kAppID, m_code);
+    QVERIFY(again && again->size() == presets.size());
+    for (std::size_t i = 0; i + 1 < presets.size(); ++i)
+        QCOMPARE(again->at(i)->values(), presets[i]->values());
+    QCOMPARE(again->back()->values(), SavingPresetValues());
+
+    presets.front()->setName(QChar(0xD800) + u"a"_qs + QChar(0xDC00));
+    presets.front()->setFilenameTokens({QString(QChar(0xDFFF)), u"\U0001F4F7"_qs});
+    QVERIFY(SavingPreset::writeObjects(presets, path, kAppID));
+    again = SavingPreset::readObjectsFromFile(path, kAppID, m_code);
+    QVERIFY(again);
+    QCOMPARE(again->front()->name(), u"\uFFFDa\uFFFD"_qs);
+    QCOMPARE(again->front()->filenameTokens(), (QStringList{u"\uFFFD"_qs, u"\U0001F4F7"_qs}));
 }
 
 void SavingPresetTest::tokensWithMarkupCannotBeReadBack()

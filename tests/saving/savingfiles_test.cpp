@@ -5,6 +5,8 @@
 #include <QColorSpace>
 #include <QtTest>
 
+#include <thread>
+
 using namespace plexa;
 using namespace plexa::test;
 using Status = SavingOutput::Status;
@@ -36,6 +38,9 @@ private Q_SLOTS:
     void overwritingTheOriginals();
     void overwrittenPhotosAreReadAfterwards();
     void sameNamesFromManyFolders();
+    void aFailedCopyHasNoName_data();
+    void aFailedCopyHasNoName();
+    void manyRunsIntoOneFolder();
     void dryRunWritesNothingAndAgrees();
 };
 
@@ -158,19 +163,94 @@ void SavingFilesTest::sameNamesFromManyFolders()
     run.jobs = 6;
     Saving(m_noAlerts).saveImages(run, m_listener);
     for (int i = 0; i < 12; ++i) {
-        // The name of a failed copy is not given to another one, so names do not depend on who was quicker.
-        QCOMPARE(m_listener.names()[i], i == 0 ? u"a.png"_qs : u"a-%1.png"_qs.arg(i));
+        // The name of the failed copy goes to the next one.
+        const int number = i > 3 ? i - 1 : i;
+        QCOMPARE(m_listener.names()[i], i == 0 ? u"a.png"_qs : u"a-%1.png"_qs.arg(number));
         if (i != 3)
             QCOMPARE(QImage(m_listener.outputs[i].path).width(), 20 + i);
     }
     QCOMPARE(copies().size(), 11);
 }
 
+void SavingFilesTest::aFailedCopyHasNoName_data()
+{
+    QTest::addColumn<int>("choice"); // none: the user is asked
+    QTest::addColumn<QList<Conflict>>("conflicts");
+    QTest::newRow("unique") << int(OutputNaming::kUniqueName)
+                            << QList{Conflict::None, Conflict::None, Conflict::UniqueName};
+    QTest::newRow("overwrite") << int(OutputNaming::kOverwrite)
+                               << QList{Conflict::None, Conflict::None, Conflict::Overwrite};
+    QTest::newRow("skip") << int(OutputNaming::kSkip)
+                          << QList{Conflict::None, Conflict::None, Conflict::Skip};
+    QTest::newRow("asked") << int(OutputNaming::kNoChoice)
+                           << QList{Conflict::None, Conflict::None, Conflict::Skip};
+}
+
+/// Three photos of one name, the first of which cannot be read: only the third finds a file.
+void SavingFilesTest::aFailedCopyHasNoName()
+{
+    QFETCH(int, choice);
+    QFETCH(QList<Conflict>, conflicts);
+    for (const int jobs : {1, 4}) {
+        startAnew();
+        const QStringList photos{photo(u"1/a.png"_qs, {1500, 1500}), photo(u"2/a.png"_qs, {900, 900}),
+                                 photo(u"3/a.png"_qs)};
+        QVERIFY(QFile::resize(photos[0], QFileInfo(photos[0]).size() - 100)); // seen at the end only
+        SavingRun run = runFor(photos, {mark(u"A"_qs)});
+        run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
+        run.jobs = jobs;
+        ScriptedAlerts alerts;
+        if (choice == OutputNaming::kNoChoice)
+            alerts.expect(u"The file exists:\n  a.png"_qs, {2, false});
+        else
+            run.conflictCode = OutputNaming::always(static_cast<OutputNaming::Choice>(choice));
+        Saving(alerts).saveImages(run, m_listener);
+        QCOMPARE(alerts.complaints(), QStringList());
+        QList<Conflict> found;
+        for (const SavingOutput &output : std::as_const(m_listener.outputs))
+            found.append(output.conflict);
+        QCOMPARE(found, conflicts);
+        QCOMPARE(m_listener.outputs[0].status, Status::Failed);
+        QCOMPARE(QImage(path(u"out/a.png"_qs)).width(), choice == OutputNaming::kOverwrite ? 40 : 900);
+    }
+}
+
+/// Runs that know nothing of each other find free names, and tell them.
+void SavingFilesTest::manyRunsIntoOneFolder()
+{
+    QStringList photos;
+    for (int i = 0; i < 10; ++i)
+        photos.append(photo(u"%1.png"_qs.arg(i), {40 + i, 200}));
+    std::vector<Listener> listeners(4);
+    std::vector<std::jthread> threads;
+    for (Listener &listener : listeners) {
+        SavingRun run = runFor(photos, {mark(u"A"_qs)});
+        run.conflictCode = OutputNaming::always(OutputNaming::kUniqueName);
+        threads.emplace_back([run, &listener, this] { Saving(m_noAlerts).saveImages(run, listener); });
+    }
+    threads.clear();
+    QStringList names;
+    for (const Listener &listener : listeners) {
+        QCOMPARE(listener.outputs.size(), photos.size());
+        for (qsizetype i = 0; i < photos.size(); ++i) {
+            const SavingOutput &output = listener.outputs[i];
+            QVERIFY2(output.status == Status::Written, qPrintable(output.error));
+            QCOMPARE(QImage(output.path).width(), 40 + i);
+            QCOMPARE(output.conflict != Conflict::None, output.path.contains(u'-'));
+        }
+        names += listener.names();
+    }
+    names.sort();
+    QCOMPARE(copies(), names);
+}
+
 void SavingFilesTest::dryRunWritesNothingAndAgrees()
 {
     const QStringList photos{photo(u"x/a.png"_qs), photo(u"y/a.png"_qs), path(u"in/missing.png"_qs)};
     SavingRun run = runFor(photos, {mark(u"creator"_qs), mark(u"width"_qs)});
-    run.defaultSavingPreset.filenameTokens = {u"filename"_qs, u"-"_qs, u"city"_qs, u"-"_qs, u"width"_qs};
+    run.defaultSavingPreset.name.clear();
+    run.defaultSavingPreset.filenameTokens = {
+        u"filename"_qs, u"saving preset name"_qs, u"-"_qs, u"city"_qs, u"-"_qs, u"width"_qs};
     run.folders.replicateOrigDirStructure = true;
     run.folders.replicationStartDirectory = path(u"in"_qs);
     run.conflictCode = OutputNaming::always(OutputNaming::kUniqueName);
@@ -191,8 +271,8 @@ void SavingFilesTest::dryRunWritesNothingAndAgrees()
     }
     QCOMPARE(plan[0].path, path(u"out/x/a--40.png"_qs));
     QCOMPARE(plan[1].conflict, Conflict::UniqueName);
-    QCOMPARE(plan[0].emptyTokens, (QStringList{u"city"_qs, u"creator"_qs}));
-    QCOMPARE(plan[1].emptyTokens, QStringList{u"city"_qs});
+    QCOMPARE(plan[0].emptyTokens, (QStringList{u"saving preset name"_qs, u"city"_qs, u"creator"_qs}));
+    QCOMPARE(plan[1].emptyTokens, (QStringList{u"saving preset name"_qs, u"city"_qs}));
     QCOMPARE(plan[4].status, Status::Failed);
 }
 
