@@ -8,48 +8,10 @@
 
 #include <atomic>
 #include <functional>
-#include <optional>
-#include <set>
 #include <thread>
 
 namespace plexa
 {
-
-/// Walks folders and tells of the picture files in them, in the order in which the file system lists them:
-/// nothing is sorted. Each folder is entered once in a walk, so circles of symbolic links end; package
-/// folders are not entered. One thread at a time.
-class FolderWalk final
-{
-public:
-    struct Visitor {
-        std::function<void(const QString &path)> found; ///< a picture file
-        /// a folder that could not be listed, a picture or folder whose name is no valid text, a path that is
-        /// too long to be opened
-        std::function<void(const QString &path)> unreadable;
-        std::function<bool()> isStopped; ///< asked before every entry
-    };
-
-    explicit FolderWalk(Visitor visitor)
-        : m_visitor(std::move(visitor))
-    {
-    }
-
-    /// Tells of the path itself, or, where it is a folder and `recursive`, of what is below it.
-    void scanImagesAtPath(const QString &path, bool recursive);
-
-private:
-    struct FolderId {
-        quint64 device;
-        quint64 inode;
-        auto operator<=>(const FolderId &) const = default;
-    };
-
-    static std::optional<FolderId> enterableFolder(const QString &path);
-    void scanFolder(const QString &path);
-
-    const Visitor m_visitor;
-    std::set<FolderId> m_visited;
-};
 
 /// A walk over many paths on a thread of its own, which hands the files over in batches.
 class ImageScan final

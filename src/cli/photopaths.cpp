@@ -3,15 +3,16 @@
 #include "cli/photopaths.h"
 
 #include "imageio/imageformat.h"
-#include "platform/packagefolder.h"
+#include "images/folderwalk.h"
 
 #include <QFile>
 #include <QFileInfo>
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <array>
-#include <filesystem>
-#include <set>
+#include <cerrno>
 
 namespace plexa
 {
@@ -19,66 +20,22 @@ namespace plexa
 namespace
 {
 
-namespace fs = std::filesystem;
-
 // Photos that people expect to be found, although they cannot be read.
 constexpr std::array kUnreadableSuffixes = {"jxl", "x3f"};
 
-bool isPhotoSuffix(const QString &suffix)
+bool isPhotoName(const QString &path)
 {
-    const QByteArray lower = suffix.toLower().toLatin1();
-    return imageFormatOfSuffix(suffix) ||
+    const QFileInfo info(path);
+    const QByteArray suffix = info.suffix().toLower().toLatin1();
+    return imageFormatOfSuffix(info.suffix()) ||
            std::any_of(kUnreadableSuffixes.begin(), kUnreadableSuffixes.end(),
-                       [&](const char *unreadable) { return lower == unreadable; });
+                       [&](const char *unreadable) { return suffix == unreadable; });
 }
 
-class Scan
+bool isNowhere(int error)
 {
-public:
-    /// @param leftOut  an absolute path without links, or empty
-    Scan(std::vector<PhotoPath> &photos, const fs::path &leftOut)
-        : m_photos(photos)
-        , m_leftOut(leftOut)
-    {
-    }
-
-    void folder(const fs::path &path)
-    {
-        std::error_code error;
-        const fs::path canonical = fs::canonical(path, error);
-        if (!error && !m_visited.insert(canonical).second)
-            return;
-        std::vector<fs::path> entries;
-        for (fs::directory_iterator it(path, error), end; !error && it != end; it.increment(error))
-            entries.push_back(it->path());
-        if (error)
-            m_photos.push_back(
-                {decodedPath(path.native()).path, QStringLiteral("the folder cannot be read")});
-        std::sort(entries.begin(), entries.end());
-        for (const fs::path &entry : entries)
-            take(entry);
-    }
-
-private:
-    void take(const fs::path &entry)
-    {
-        if (entry.filename().native().starts_with('.'))
-            return;
-        const PhotoPath photo = decodedPath(entry.native());
-        std::error_code ignored;
-        if (fs::is_directory(entry, ignored)) {
-            if (!isPackageFolder(photo.path) &&
-                (m_leftOut.empty() || fs::canonical(entry, ignored) != m_leftOut))
-                folder(entry);
-        } else if (isPhotoSuffix(QFileInfo(photo.path).suffix())) {
-            m_photos.push_back(photo);
-        }
-    }
-
-    std::vector<PhotoPath> &m_photos;
-    const fs::path m_leftOut;
-    std::set<fs::path> m_visited;
-};
+    return error == ENOENT || error == ENOTDIR;
+}
 
 } // namespace
 
@@ -91,22 +48,36 @@ PhotoPath decodedPath(const std::string &path)
     return {text, QStringLiteral("its name is not valid UTF-8")};
 }
 
-Result<std::vector<PhotoPath>> photosAt(const std::vector<std::string> &paths, const std::string &leftOut)
+Result<PhotoSearch> photosAt(const std::vector<std::string> &paths, const std::string &leftOut,
+                             const std::function<bool()> &isStopped)
 {
-    std::vector<PhotoPath> photos;
-    std::error_code ignored;
-    Scan scan(photos, fs::canonical(leftOut, ignored));
+    PhotoSearch search;
+    FolderWalk::Visitor visitor;
+    visitor.found = [&](const QString &path) { search.photos.push_back({path, {}}); };
+    visitor.unreadable = [&](const FolderWalk::Unreadable &what) {
+        (what.isPhoto ? search.photos : search.notSearched).push_back({what.path, what.reason});
+    };
+    visitor.isStopped = isStopped;
+    FolderWalk::Rules rules;
+    rules.isSorted = true;
+    rules.entersHiddenFolders = false;
+    rules.leftOut = decodedPath(leftOut).path;
+    rules.isWanted = isPhotoName;
+    FolderWalk walk(visitor, rules);
     for (const std::string &path : paths) {
-        std::error_code error;
-        const fs::file_status status = fs::status(path, error);
-        if (!fs::exists(status))
-            return fail(QStringLiteral("there is no file or folder \"%1\"").arg(decodedPath(path).path));
-        if (fs::is_directory(status))
-            scan.folder(path);
+        const PhotoPath given = decodedPath(path);
+        struct stat status = {};
+        const bool isReached = ::stat(path.c_str(), &status) == 0;
+        if (!isReached && isNowhere(errno))
+            return fail(QStringLiteral("there is no file or folder \"%1\"").arg(given.path));
+        if (!isReached || !S_ISDIR(status.st_mode))
+            search.photos.push_back(given); // opening it tells why it cannot be reached
+        else if (!given.failure.isEmpty())
+            search.notSearched.push_back(given);
         else
-            photos.push_back(decodedPath(path));
+            walk.scanFolder(given.path);
     }
-    return photos;
+    return search;
 }
 
 } // namespace plexa

@@ -323,12 +323,20 @@ int runSave(const SaveOptions &options)
     Result<SavingRun> run = planRun(options, fonts);
     if (!run)
         return refuse(run.error().text);
-    const Result<std::vector<PhotoPath>> photos = photosAt(options.paths, options.output);
-    if (!photos)
-        return refuse(photos.error().text);
-    if (photos->empty())
+    const Result<PhotoSearch> search = photosAt(options.paths, options.output, isInterrupted);
+    if (!search)
+        return refuse(search.error().text);
+    for (const PhotoPath &folder : search->notSearched)
+        printLine(stderr,
+                  onOneLine(QStringLiteral("plexa-cli: \"%1\": %2").arg(folder.path, folder.failure)));
+    if (isInterrupted()) {
+        printLine(stderr, QStringLiteral("plexa-cli: stopped; no copy was begun"));
+        return kSomethingFailed;
+    }
+    if (search->photos.empty())
         printLine(stderr, QStringLiteral("plexa-cli: no photos found"));
-    return saveAll(*run, *photos, options, fonts);
+    const int status = saveAll(*run, search->photos, options, fonts);
+    return search->notSearched.empty() ? status : std::max<int>(status, kSomethingFailed);
 }
 
 } // namespace plexa

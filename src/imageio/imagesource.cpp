@@ -47,6 +47,7 @@ struct ImageSource::State {
     QString path;
     ReadLimits limits;
     std::unique_ptr<QFile> file;
+    std::optional<FileVersion> version;
     const ImageFormat *format = nullptr;
     PictureInfo info;
     mutable std::shared_ptr<const EmbeddedMetadata> metadata;
@@ -135,6 +136,7 @@ Result<ImageSource> ImageSource::open(const QString &path, const ReadLimits &lim
         return fail(ReadFailures::notAPicture());
     if (!state->file->open(QIODevice::ReadOnly))
         return fail(ReadFailures::readError(*state->file));
+    state->version = fileVersionOf(state->file->handle());
     const QByteArray head = state->file->peek(64);
     if (head.isEmpty())
         return fail(state->file->size() > 0 ? ReadFailures::readError(*state->file)
@@ -174,6 +176,18 @@ int ImageSource::imageCount() const
     return m_state->info.imageCount;
 }
 
+std::optional<FileVersion> ImageSource::version() const
+{
+    return m_state->version;
+}
+
+Result<void> ImageSource::checkUnchanged() const
+{
+    if (fileVersionOf(m_state->file->handle()) != m_state->version)
+        return fail(ReadFailures::changedMeanwhile());
+    return {};
+}
+
 const QVariantMap &ImageSource::properties() const
 {
     if (!m_state->properties)
@@ -183,8 +197,11 @@ const QVariantMap &ImageSource::properties() const
 
 std::shared_ptr<const EmbeddedMetadata> ImageSource::metadata() const
 {
-    if (!m_state->metadata)
-        m_state->metadata = EmbeddedMetadata::read(m_state->path);
+    if (!m_state->metadata) {
+        // The very file that is open, even if its name leads to another one by now.
+        const QString open = QStringLiteral("/proc/self/fd/%1").arg(m_state->file->handle());
+        m_state->metadata = EmbeddedMetadata::read(QFile::exists(open) ? open : m_state->path);
+    }
     return m_state->metadata;
 }
 

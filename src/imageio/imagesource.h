@@ -3,8 +3,10 @@
 #pragma once
 
 #include "imageio/imageformat.h"
+#include "platform/fileversion.h"
 
 #include <memory>
+#include <optional>
 
 namespace plexa
 {
@@ -29,6 +31,14 @@ public:
     const ImageFormat &format() const;
     const PictureInfo &info() const;
     int imageCount() const;
+
+    /// The file as it was when it was opened; all that this object tells is of that file, also after another
+    /// one has taken its name.
+    std::optional<FileVersion> version() const;
+
+    /// A failure when somebody has written into the file since it was opened, so that what was read earlier
+    /// and later may not belong together.
+    [[nodiscard]] Result<void> checkUnchanged() const;
 
     /// The property dictionary of image 0 (keys: imageio/propertykeys.h). Read at the first call.
     const QVariantMap &properties() const;

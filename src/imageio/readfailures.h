@@ -25,6 +25,7 @@ public:
     static QString tooManyPixels(QSize size, const ReadLimits &limits);
     static QString tooMuchMemory(QSize size, qint64 bytes, const ReadLimits &limits);
     static QString outOfMemory() { return tr("there is not enough memory for the picture"); }
+    static QString changedMeanwhile() { return tr("the file was changed while it was read"); }
     static QString readError(const QIODevice &device);
     static QString writeError(const QIODevice &device);
     static QString exifTooLong() { return tr("its EXIF data are too long for a JPEG file"); }

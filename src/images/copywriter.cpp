@@ -4,6 +4,7 @@
 
 #include "imageio/imagedestination.h"
 #include "imageio/imagesource.h"
+#include "imageio/readfailures.h"
 #include "images/photofacts.h"
 #include "images/uprighting.h"
 #include "platform/applicationname.h"
@@ -172,6 +173,8 @@ private:
             return written;
         if (Result<void> finished = (*writer)->finish(); !finished)
             return finished;
+        if (Result<void> unchanged = m_source.checkUnchanged(); !unchanged)
+            return unchanged;
         // Linux cannot set the time of birth, so the copy's modification time stands for it.
         const auto created = m_order.preservesCreationDate ? creationTimeOf(m_order.path) : std::nullopt;
         if (created)
@@ -211,6 +214,8 @@ Result<CopyReport> writeCopy(const CopyOrder &order, const PhotoServices &servic
         const Result<ImageSource> source = ImageSource::open(order.readPath, services.limits);
         if (!source)
             return tl::unexpected(source.error());
+        if (order.version && source->version() != order.version)
+            return fail(ReadFailures::changedMeanwhile());
         return Copy(order, services, *source).write();
     } catch (const std::bad_alloc &) {
         // One photo too many for the memory must not end the run of the others.

@@ -6,6 +6,7 @@
 #include "images/strips.h"
 #include "metadata/imagemetadata.h"
 #include "platform/atomicfile.h"
+#include "platform/fileversion.h"
 #include "watermark/wpresetvalues.h"
 
 #include <QPointF>
@@ -35,6 +36,8 @@ struct CopyTarget {
 struct CopyOrder {
     QString path;     ///< the photo as people know it
     QString readPath; ///< the file to read
+    std::optional<FileVersion>
+        version; ///< what the file has to be for the rest of the order to fit; none: any
     CopyTarget target;
     QString targetType;   ///< MIME name of a format that can be written
     double quality = 0.8; ///< 0..1, for formats with losses

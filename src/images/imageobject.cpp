@@ -5,6 +5,7 @@
 #include "imageio/imagesource.h"
 #include "images/photofacts.h"
 #include "platform/filenames.h"
+#include "platform/fileversion.h"
 #include "raster/bitmaputilities.h"
 #include "watermark/watermarkdrawing.h"
 
@@ -19,8 +20,6 @@ namespace plexa
 
 namespace
 {
-
-constexpr int kThumbnailSide = 400;
 
 QImage turnedPhoto(const QImage &photo, ImageTransform transform)
 {
@@ -139,94 +138,6 @@ QString ImageObject::loadError() const
     return m_loadError;
 }
 
-bool ImageObject::loadImageFromDisk()
-{
-    if (isLoaded())
-        return true;
-    if (path().isEmpty())
-        return false;
-    return loadUnder(std::unique_lock(m_processingLock));
-}
-
-ImageObject::LoadOutcome ImageObject::tryLoadImageFromDisk()
-{
-    if (isLoaded())
-        return LoadOutcome::Loaded;
-    if (path().isEmpty())
-        return LoadOutcome::Unreadable;
-    std::unique_lock processing(m_processingLock, std::try_to_lock);
-    if (!processing.owns_lock())
-        return LoadOutcome::Busy;
-    return loadUnder(std::move(processing)) ? LoadOutcome::Loaded : LoadOutcome::Unreadable;
-}
-
-/// @param processing  the processing lock, held
-bool ImageObject::loadUnder(std::unique_lock<std::mutex> processing)
-{
-    if (isLoaded()) // another thread was quicker
-        return true;
-    bool hasNewMetadata = false;
-    Result<void> loaded;
-    try {
-        loaded = load(hasNewMetadata);
-    } catch (const std::bad_alloc &) {
-        loaded = fail(outOfMemoryText());
-    }
-    {
-        const std::lock_guard lock(m_stateLock);
-        m_loadError = loaded ? QString() : loaded.error().text;
-    }
-    processing.unlock();
-    // Whoever hears of it may ask for the photo, so nothing is locked any more.
-    if (hasNewMetadata)
-        Q_EMIT metadataChanged();
-    return loaded.has_value();
-}
-
-/// Called with the processing lock held. Where only the thumbnail is missing, turns and metadata stay.
-Result<void> ImageObject::load(bool &hasNewMetadata)
-{
-    const std::lock_guard pixels(m_pixelLock);
-    const Result<ImageSource> source = ImageSource::open(readPath(), m_services.limits);
-    if (!source)
-        return tl::unexpected(source.error());
-    Uprighting uprighting;
-    {
-        const std::lock_guard lock(m_stateLock);
-        uprighting = m_uprighting;
-        hasNewMetadata = !m_hasImage || uprighting.stored != source->info().rows.size;
-    }
-    if (hasNewMetadata) {
-        const ImageMetadata metadata(source->properties());
-        uprighting = uprightingOf(source->info().rows.size, metadata, 1, m_services.limits);
-        m_services.cache.remove(m_key);
-        const std::lock_guard lock(m_stateLock);
-        m_metadata = metadata;
-        m_hasImage = false;
-    }
-
-    Result<QImage> picture = m_services.cache.find(m_key);
-    if (picture->isNull())
-        picture = readUprightWithin(m_services.budget, *source, uprighting, kThumbnailSide);
-    if (!picture)
-        return tl::unexpected(picture.error());
-    const QImage thumbnail = createImageScaledToMaxSize(*picture, kThumbnailSide, true);
-    if (thumbnail.isNull())
-        return fail(outOfMemoryText());
-    // A format that cannot be decoded smaller has just given the whole photo.
-    if (picture->size() == uprighting.size())
-        m_services.cache.insert(m_key, *picture);
-
-    const std::lock_guard lock(m_stateLock);
-    m_uprighting = uprighting;
-    if (hasNewMetadata)
-        m_turns = 1;
-    m_originalThumbnail = thumbnail;
-    m_imageHasBeenLoaded = true;
-    m_hasImage = true;
-    return {};
-}
-
 Result<PhotoFacts> ImageObject::readFacts() const
 {
     if (hasImage())
@@ -258,35 +169,17 @@ ImageObject::Snapshot ImageObject::snapshot(Pixels pixels)
 {
     if (pixels == Pixels::Needed && !hasImage())
         loadImageFromDisk();
-    const std::lock_guard pixelLock(m_pixelLock);
-    const QImage picture = pixels == Pixels::Needed ? decodedPixels() : QImage();
+    bool hasNewMetadata = false;
+    std::unique_lock pixelLock(m_pixelLock);
+    const QImage picture = pixels == Pixels::Needed ? decodedPixels(hasNewMetadata) : QImage();
     const PhotoFacts current = facts();
-    const std::lock_guard lock(m_stateLock);
-    return {current, m_customWatermarkRectOrigins, picture};
-}
-
-/// The pixels from the cache, else from the file; null when they cannot be had. Called with the pixel lock
-/// held.
-QImage ImageObject::decodedPixels()
-{
-    Uprighting uprighting;
-    {
-        const std::lock_guard lock(m_stateLock);
-        if (!m_hasImage)
-            return {};
-        uprighting = m_uprighting;
-    }
-    if (QImage kept = m_services.cache.find(m_key); !kept.isNull())
-        return kept;
-    const Result<ImageSource> source = ImageSource::open(readPath(), m_services.limits);
-    // A file that was replaced by one of another size meanwhile is not the photo that was loaded.
-    if (!source || source->info().rows.size != uprighting.stored)
-        return {};
-    const Result<QImage> picture = readUprightWithin(m_services.budget, *source, uprighting);
-    if (!picture)
-        return {};
-    m_services.cache.insert(m_key, *picture);
-    return *picture;
+    std::unique_lock lock(m_stateLock);
+    const Snapshot result{current, m_customWatermarkRectOrigins, picture};
+    lock.unlock();
+    pixelLock.unlock();
+    if (hasNewMetadata)
+        Q_EMIT metadataChanged();
+    return result;
 }
 
 QSize ImageObject::originalImageSize()
@@ -317,6 +210,7 @@ void ImageObject::setMetadata(const ImageMetadata &metadata)
     {
         const std::lock_guard lock(m_stateLock);
         m_metadata = metadata;
+        m_isMetadataEdited = true;
     }
     Q_EMIT metadataChanged();
 }
@@ -329,6 +223,10 @@ void ImageObject::releaseImagesData()
     const std::lock_guard lock(m_stateLock);
     m_originalThumbnail = {};
     m_hasImage = false;
+    m_version.reset();
+    m_ownCopy.reset();
+    m_original.reset();
+    m_isMetadataEdited = false;
     m_turns = 1;
 }
 
@@ -369,6 +267,8 @@ bool ImageObject::transformOriginalImageWithOperation(int operation)
     m_customWatermarkRectOrigins.clear();
     m_originalThumbnail = turned;
     m_turns = orientationAfter(m_turns, transform);
+    if (m_original)
+        m_original->turns = orientationAfter(m_original->turns, transform);
     m_uprighting.orientation = orientationAfter(m_uprighting.orientation, transform);
     return true;
 }
@@ -494,17 +394,36 @@ Result<CopyReport> ImageObject::saveImageAtPath(const CopyTarget &target,
     order.tiffLzw = savingPreset.tiffCompressionLZW;
     order.preservesCreationDate = preservesCreationDate;
     order.isCancelled = isCancelled;
+    const std::optional<FileVersion> before = fileVersionAt(readPath());
+    const std::optional<FileVersion> replaced = fileVersionAt(destination);
+    const std::optional<FileVersion> version = readFrom.isEmpty() ? before : fileVersionAt(readFrom);
+    if (readFrom.isEmpty())
+        lookAgainUnlessAt(version);
+    bool isOriginal = false;
+    bool isLoaded = false;
     {
         // Turns, places and pixels of one moment.
         const std::lock_guard pixels(m_pixelLock);
         for (const AppliedPreset &preset : presets)
             order.marks.push_back({preset.values, customWatermarkRectOriginForWPreset(preset.preset.get())});
-        order.upright = m_services.cache.find(m_key);
         const std::lock_guard lock(m_stateLock);
-        order.metadata = m_metadata;
-        order.turns = m_turns;
+        isLoaded = m_hasImage;
+        isOriginal = m_original && version == m_original->version && version != m_version;
+        order.metadata = isOriginal ? m_original->metadata : m_metadata;
+        order.turns = isOriginal ? m_original->turns : m_turns;
+        if (isLoaded && version == m_version)
+            order.upright = m_services.cache.find(m_key);
+        if (isLoaded)
+            order.version = version;
     }
-    return writeCopy(order, m_services);
+    Result<CopyReport> report = writeCopy(order, m_services);
+    if (report && isLoaded && before && replaced && before->isSameFile(*replaced)) {
+        const std::optional<FileVersion> now = fileVersionAt(readPath());
+        const std::lock_guard lock(m_stateLock);
+        if (now != m_version) // the copies of one original are all turned alike
+            m_ownCopy = OwnCopy{now, isOriginal ? 1 : order.turns};
+    }
+    return report;
 }
 
 QSize ImageObject::pixelSize() const

@@ -7,6 +7,7 @@
 #include "images/photoservices.h"
 #include "images/uprighting.h"
 #include "metadata/imagemetadata.h"
+#include "platform/fileversion.h"
 #include "presets/savingpresetvalues.h"
 #include "watermark/texttokens.h"
 #include "watermark/wpreset.h"
@@ -23,6 +24,8 @@
 namespace plexa
 {
 
+class ImageSource;
+
 /// A preset as it stood when a piece of work began: who it is (places chosen by hand are kept by that), and
 /// its values, which the work may read while the user goes on editing.
 struct AppliedPreset {
@@ -37,8 +40,13 @@ struct AppliedPreset {
 /// Loaded pixels live in the shared cache. Pixels that the cache gave up are decoded again when they are
 /// needed, with the turns applied; only releaseImagesData() forgets the turns.
 ///
-/// All functions may be called from any thread; signals are sent from the thread that caused them. A thread
-/// that holds the processing lock must not call loadImageFromDisk() on a photo that is not loaded.
+/// A file that has changed since it was read is looked at anew before pixels are decoded from it or a copy is
+/// made of it: metadata, size, thumbnail and pixels are always those of one version of the file. The user's
+/// turns and edited metadata stay then, unless it was a copy of this photo that took the file's place: that
+/// has them in it. Places chosen by hand stay while the photo's size does. Pixels at hand are not given up
+/// for a change that nobody has come across yet.
+///
+/// All functions may be called from any thread; signals are sent from the thread that caused them.
 class ImageObject final : public QObject, public TokenSource
 {
     Q_OBJECT
@@ -82,7 +90,8 @@ public:
     /// Has the photo been read at least once?
     bool imageHasBeenLoaded() const;
 
-    /// The photo upright, its pixels square, the user's turns applied; loads it. Null when that fails.
+    /// The photo upright, its pixels square, the user's turns applied; loads it. Null when that fails: either
+    /// the photo is not loaded any more, as isLoaded() says, or the whole of it is too large for the memory.
     QImage originalCGImage();
 
     /// originalCGImage() if it is decoded already, else null.
@@ -110,7 +119,8 @@ public:
     /// the photo. For long lists, whose thumbnails would fill the memory.
     void releaseThumbnail();
 
-    /// The processing lock, for work that must not be done twice on one photo at a time.
+    /// The processing lock, for work that must not be done twice on one photo at a time. Its holder may load
+    /// the photo.
     void lock() { m_processingLock.lock(); }
     bool tryLock() { return m_processingLock.try_lock(); }
     void unlock() { m_processingLock.unlock(); }
@@ -174,10 +184,35 @@ private:
     };
     enum class Pixels { Needed, NotNeeded };
 
+    /// What the headers of the file say, with what is known of the photo.
+    struct Look {
+        bool isNew = false; ///< the file is not the one that was read before
+        std::optional<FileVersion> version;
+        std::optional<ImageMetadata> metadata;
+        Uprighting uprighting;
+        int turns = 1;
+    };
+    /// A copy of this photo that took the place of its file and has not been looked at yet.
+    struct OwnCopy {
+        std::optional<FileVersion> version;
+        int turns = 1; ///< the user's turns that it has in its pixels
+    };
+    /// The photo before its own copy took its place; a run makes its other copies from that file.
+    struct Original {
+        std::optional<FileVersion> version;
+        std::optional<ImageMetadata> metadata;
+        int turns = 1;
+    };
+
     bool hasImage() const;
-    bool loadUnder(std::unique_lock<std::mutex> processing);
-    Result<void> load(bool &hasNewMetadata);
-    QImage decodedPixels();
+    bool loadUnder(std::unique_lock<std::recursive_mutex> processing);
+    Result<QImage> readPicture(int reducedTo, bool &hasNewMetadata);
+    Result<QImage> readVersion(const ImageSource &source, int reducedTo, bool &hasNewMetadata);
+    Look lookAt(const ImageSource &source) const;
+    void takeOver(const Look &look);
+    void becomeUnreadable(const QString &reason);
+    QImage decodedPixels(bool &hasNewMetadata);
+    void lookAgainUnlessAt(const std::optional<FileVersion> &version);
     Snapshot snapshot(Pixels pixels);
     PhotoFacts facts() const;
     QImage drawn(const QImage &image, const Snapshot &snapshot, const AppliedPreset &preset,
@@ -186,7 +221,7 @@ private:
     const PhotoServices &m_services;
     const PixelCache::Key m_key;
 
-    std::mutex m_processingLock;
+    std::recursive_mutex m_processingLock;
     std::mutex m_pixelLock;         // one thread decodes or turns at a time; taken after the processing lock
     mutable std::mutex m_stateLock; // guards what follows; taken last, never while decoding
 
@@ -195,7 +230,11 @@ private:
     bool m_imageHasBeenLoaded = false;
     bool m_hasImage = false;
     QString m_loadError;
+    std::optional<FileVersion> m_version; // of the file that all this is of
+    std::optional<OwnCopy> m_ownCopy;
+    std::optional<Original> m_original;
     std::optional<ImageMetadata> m_metadata;
+    bool m_isMetadataEdited = false;
     Uprighting m_uprighting; // of the file, the user's turns included
     int m_turns = 1;         // the user's alone
     QImage m_originalThumbnail;

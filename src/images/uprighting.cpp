@@ -57,6 +57,12 @@ int composedOrientation(int first, int second)
     return static_cast<int>(std::find(kTurns.begin(), kTurns.end(), both) - kTurns.begin()) + 1;
 }
 
+int inverseOrientation(int orientation)
+{
+    constexpr int kQuarterTurns = 6 + 8;
+    return orientation == 6 || orientation == 8 ? kQuarterTurns - orientation : orientation;
+}
+
 int orientationAfter(int orientation, ImageTransform transform)
 {
     return composedOrientation(orientation, kOrientationOfTransform[static_cast<std::size_t>(transform) - 1]);

@@ -31,6 +31,9 @@ int orientationAfter(int orientation, ImageTransform transform);
 /// The orientation that comes out of following `first` and then `second`.
 int composedOrientation(int first, int second);
 
+/// The orientation that undoes another one.
+int inverseOrientation(int orientation);
+
 /// How the stored pixels of a photo become the picture that people see: turned by its orientation and the
 /// user's turns, its pixels made square.
 struct Uprighting {

@@ -11,6 +11,10 @@
 #include <QRegularExpression>
 #include <QTest>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -80,6 +84,7 @@ private Q_SLOTS:
     void wrongUsage_data();
     void wrongUsage();
     void badFilesDoNotStopTheOthers();
+    void whatCannotBeReached();
     void namesAreNeverTakenTwice();
     void dryRunAgreesWithTheRun_data();
     void dryRunAgreesWithTheRun();
@@ -254,6 +259,35 @@ void CommandLineTest::badFilesDoNotStopTheOthers()
     QVERIFY2(lines[3].startsWith("3 caf") && lines[3].endsWith("UTF-8"), lines[3].constData());
     QCOMPARE(lines[4], "b.jpg: the copy leaves out: comment");
     QCOMPARE(lines[5], "plexa-cli: 4 of 6 copies failed");
+}
+
+/// It costs a line and the exit status; the other photos are done.
+void CommandLineTest::whatCannotBeReached()
+{
+    const std::string in = m_folder->path(QStringLiteral("in")).toStdString();
+    const QByteArray name(200, 'd');
+    int folder = ::open(in.c_str(), O_DIRECTORY);
+    for (int depth = 0; depth < 25; ++depth) { // beyond what a path can say
+        QCOMPARE(::mkdirat(folder, name.constData(), 0755), 0);
+        const int inner = ::openat(folder, name.constData(), O_DIRECTORY);
+        ::close(folder);
+        folder = inner;
+    }
+    ::close(folder);
+    const QString circle = m_folder->path(QStringLiteral("circle.jpg"));
+    QVERIFY(QFile::link(circle, circle));
+    const QString out = m_folder->path(QStringLiteral("out"));
+    const Outcome outcome =
+        run({QStringLiteral("save"), QStringLiteral("--text"), QStringLiteral("x"),
+             QStringLiteral("--output"), out, circle, m_folder->path(QStringLiteral("in"))});
+    std::filesystem::remove_all(in); // Qt could not
+    QCOMPARE(outcome.status, 1);
+    QCOMPARE(entries(out), (QStringList{QStringLiteral("a.png"), QStringLiteral("b.jpg")}));
+    const QList<QByteArray> lines = outcome.err.trimmed().split('\n');
+    QCOMPARE(lines.size(), 3);
+    QVERIFY2(lines[0].contains("/in/" + name + '/') && lines[0].endsWith("too long"), lines[0].constData());
+    QVERIFY2(lines[1].startsWith("circle.jpg: ") && lines[1].contains("symbolic"), lines[1].constData());
+    QCOMPARE(lines[2], "plexa-cli: 1 of 3 copies failed");
 }
 
 void CommandLineTest::namesAreNeverTakenTwice()

@@ -52,6 +52,21 @@ AppliedPreset textPreset(const FontCatalog &fonts, const QString &text)
     return {std::make_shared<WPreset>(values), values};
 }
 
+/// The mean difference of two pictures, 0..255, on a small scale; 255 when their sizes differ.
+double difference(const QImage &one, const QImage &other)
+{
+    if (one.isNull() || one.size() != other.size())
+        return 255;
+    const QImage a = createImageScaledToSize(one, 90, 90, true);
+    const QImage b = createImageScaledToSize(other, 90, 90, true);
+    double sum = 0;
+    for (int y = 0; y < 90; ++y) {
+        for (int x = 0; x < 90; ++x)
+            sum += qAbs(qGray(a.pixel(x, y)) - qGray(b.pixel(x, y)));
+    }
+    return sum / (90 * 90);
+}
+
 bool saves(ImageObject &photo, const QString &target, const std::vector<AppliedPreset> &presets)
 {
     SavingPresetValues png;
@@ -83,6 +98,9 @@ private Q_SLOTS:
     void nonSquarePixelsAreSquared();
     void renaming();
     void everyOrientationComesUpright();
+    void ownCopyTakesItsPlace_data();
+    void ownCopyTakesItsPlace();
+    void anotherFileTakesItsPlace();
     void manyThreads();
 
 private:
@@ -336,18 +354,96 @@ void ImageObjectTest::everyOrientationComesUpright()
             if (!QFile::exists(path))
                 continue;
             ImageObject photo(path, services.all);
-            const QImage small = createImageScaledToSize(photo.originalCGImage(), 90, 90, true);
-            QVERIFY2(!small.isNull(), qPrintable(photo.loadError()));
+            const QImage upright = photo.originalCGImage();
+            QVERIFY2(!upright.isNull(), qPrintable(photo.loadError()));
             if (first.isNull())
-                first = small;
-            qint64 difference = 0;
-            for (int y = 0; y < small.height(); ++y) {
-                for (int x = 0; x < small.width(); ++x)
-                    difference += qAbs(qGray(small.pixel(x, y)) - qGray(first.pixel(x, y)));
-            }
-            QVERIFY2(difference < 8 * 90 * 90, qPrintable(path));
+                first = upright;
+            QVERIFY2(difference(upright, first) < 8, qPrintable(path));
         }
     }
+}
+
+void ImageObjectTest::ownCopyTakesItsPlace_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("before"); // operations, 0: none
+    QTest::addColumn<int>("after");
+    QTest::newRow("upside down") << QStringLiteral("landscape-3.jpg") << 0 << 0;
+    QTest::newRow("on its side") << QStringLiteral("landscape-6.jpg") << 0 << 0;
+    QTest::newRow("turned") << QStringLiteral("landscape-8.jpg") << 1 << 0;
+    QTest::newRow("turned on") << QStringLiteral("landscape-5.jpg") << 1 << 4;
+}
+
+void ImageObjectTest::ownCopyTakesItsPlace()
+{
+    QFETCH(QString, name);
+    QFETCH(int, before);
+    QFETCH(int, after);
+    if (photosFolder().isEmpty())
+        QSKIP("the folder of real photos is not here");
+    const QString path = m_folder->path(name);
+    QVERIFY(QFile::copy(photosFolder() + QStringLiteral("/jpeg/orientation/") + name, path));
+    Services services(0);
+    ImageObject photo(path, services.all);
+    QVERIFY(photo.loadImageFromDisk());
+    QVERIFY(before == 0 || photo.transformOriginalImageWithOperation(before));
+    const QImage saved = photo.originalCGImage();
+    QFile original(path); // for copies to come
+    QVERIFY(original.open(QIODevice::ReadOnly));
+    SavingPresetValues same;
+    same.imageFormat = QStringLiteral("Original");
+    QVERIFY(photo.saveImageAtPath(path, {}, same, AtomicFile::IfExists::Replace, true));
+    QVERIFY(after == 0 || photo.transformOriginalImageWithOperation(after));
+
+    const QImage expected = after == 0 ? saved : saved.mirrored(true, false);
+    const QSignalSpy changes(&photo, &ImageObject::metadataChanged);
+    const QImage seen = photo.originalCGImage();
+    QVERIFY(difference(seen, expected) < 3);
+    QCOMPARE(changes.size(), 1);
+    QCOMPARE(photo.originalImageSize(), seen.size());
+    QVERIFY(difference(photo.thumbnail().mirrored(), createImageScaledToMaxSize(seen, 400, false)) < 3);
+    QCOMPARE(photo.metadata()->orientationCorrected(), 1);
+
+    // A copy of the file that was replaced shows the same.
+    const QString late = m_folder->path(QStringLiteral("late.jpg"));
+    const QString readFrom = QStringLiteral("/proc/self/fd/%1").arg(original.handle());
+    QVERIFY(photo.saveImageAtPath(late, {}, same, AtomicFile::IfExists::Fail, true, {}, readFrom));
+    QVERIFY(difference(ImageObject(late, services.all).originalCGImage(), expected) < 3);
+}
+
+void ImageObjectTest::anotherFileTakesItsPlace()
+{
+    Services services(0);
+    const QString path = writtenPattern({70, 40});
+    ImageObject photo(path, services.all);
+    QVERIFY(photo.transformOriginalImageWithOperation(1));
+    ImageMetadata edited = *photo.metadata();
+    edited.setIptcCreator(QStringLiteral("A. Photographer"));
+    photo.setMetadata(edited);
+    const AppliedPreset preset = textPreset(services.fonts, QStringLiteral("x"));
+    photo.setCustomWatermarkRectOrigin({1, 2}, preset.preset);
+
+    writtenPattern({50, 20});
+    const QImage turned = pattern({50, 20}).transformed(QTransform().rotate(90));
+    const QString copy = m_folder->path(QStringLiteral("copy.png"));
+    QVERIFY(saves(photo, copy, {})); // which looks at the file, too
+    QCOMPARE(QImage(copy).size(), turned.size());
+    QCOMPARE(photo.originalImageSize(), turned.size());
+    QCOMPARE(photo.thumbnail(), turned.mirrored());
+    QCOMPARE(photo.originalCGImage(), turned);
+    QCOMPARE(photo.metadata()->iptcCreator(), QVariant(QStringLiteral("A. Photographer")));
+    QVERIFY(!photo.customWatermarkRectOriginForWPreset(preset.preset.get()));
+
+    QFile file(path);
+    QVERIFY(file.resize(file.size() / 2));
+    QVERIFY(photo.originalCGImage().isNull());
+    QVERIFY(!photo.isLoaded() && !photo.loadImageFromDisk() && !photo.loadError().isEmpty());
+    QVERIFY(photo.thumbnail().isNull());
+    QCOMPARE(photo.originalImageSize(), QSize(0, 0));
+
+    writtenPattern({70, 40});
+    QCOMPARE(photo.originalCGImage(), pattern({70, 40}).transformed(QTransform().rotate(90)));
+    QVERIFY(photo.isLoaded() && photo.loadError().isEmpty());
 }
 
 void ImageObjectTest::manyThreads()

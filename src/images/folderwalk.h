@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "imageio/imagefiletype.h"
+
+#include <QString>
+
+#include <functional>
+#include <optional>
+#include <set>
+
+namespace plexa
+{
+
+/// Walks folders and tells of the picture files in them. Each folder is entered once in a walk, so circles of
+/// symbolic links end; package folders are not entered. One thread at a time.
+class FolderWalk final
+{
+public:
+    /// What could not be looked at.
+    struct Unreadable {
+        QString path;
+        QString reason; ///< follows the path
+        /// A single picture; else a folder, which may hold any number, or a path too long to be opened.
+        bool isPhoto = false;
+    };
+
+    struct Visitor {
+        std::function<void(const QString &path)> found; ///< a picture file
+        std::function<void(const Unreadable &unreadable)> unreadable;
+        std::function<bool()> isStopped; ///< asked before every entry
+    };
+
+    struct Rules {
+        bool isSorted = false;           ///< by name within a folder; else as the file system lists them
+        bool entersHiddenFolders = true; ///< that were not given themselves
+        QString leftOut;                 ///< a folder that is not entered unless given; may be empty
+        bool (*isWanted)(const QString &path) = isImageFile; ///< is this, which is no folder, a picture file?
+    };
+
+    explicit FolderWalk(Visitor visitor);
+    FolderWalk(Visitor visitor, const Rules &rules);
+
+    /// Tells of the path itself, or, where it is a folder and `recursive`, of what is below it.
+    void scanImagesAtPath(const QString &path, bool recursive);
+
+    /// Tells of what is below the folder, whatever the folder is called.
+    void scanFolder(const QString &path);
+
+private:
+    struct FolderId {
+        quint64 device;
+        quint64 inode;
+        auto operator<=>(const FolderId &) const = default;
+    };
+    struct Entry;
+
+    static std::optional<FolderId> folderAt(const QString &path);
+    void list(const QString &path);
+    void visit(const Entry &entry);
+
+    const Visitor m_visitor;
+    const Rules m_rules;
+    const std::optional<FolderId> m_leftOut;
+    std::set<FolderId> m_visited;
+};
+
+} // namespace plexa
