@@ -395,7 +395,7 @@ Result<CopyReport> ImageObject::saveImageAtPath(const CopyTarget &target,
     order.preservesCreationDate = preservesCreationDate;
     order.isCancelled = isCancelled;
     const std::optional<FileVersion> before = fileVersionAt(readPath());
-    const std::optional<FileVersion> replaced = fileVersionAt(destination);
+    const std::optional<FileVersion> replaced = fileVersionAt(target.path);
     const std::optional<FileVersion> version = readFrom.isEmpty() ? before : fileVersionAt(readFrom);
     if (readFrom.isEmpty())
         lookAgainUnlessAt(version);
