@@ -60,6 +60,7 @@ private:
     void startElement(QXmlStreamWriter &writer, const QXmlStreamReader &reader)
     {
         m_isAtStart = true;
+        writer.writeCharacters(QString()); // else namespaces get into the tag before
         for (const QXmlStreamNamespaceDeclaration &declared : reader.namespaceDeclarations())
             writer.writeNamespace(declared.namespaceUri().toString(),
                                   prefixFor(declared.prefix(), declared.namespaceUri()));

@@ -150,6 +150,7 @@ private:
             element.ownNames = std::make_shared<QSet<QString>>();
             element.names = element.ownNames.get();
         }
+        m_writer.writeCharacters(QString()); // else namespaces get into the tag before
         for (const QXmlStreamNamespaceDeclaration &declared : m_reader.namespaceDeclarations())
             m_writer.writeNamespace(declared.namespaceUri().toString(), declared.prefix().toString());
         m_writer.writeStartElement(m_reader.namespaceUri().toString(), m_reader.name().toString());

@@ -193,6 +193,9 @@ void XmpPacketsTest::brokenPacketsAreMended_data()
                "p:City='Rome'>",
         u"Oslo"_qs, {u"XMP p:City"_qs});
     row("item without list", "<rdf:li>x</rdf:li>" + oslo, u"Oslo"_qs, {u"XMP rdf:li"_qs});
+    row("prefix bound anew",
+        "<q:a xmlns:n='urn:b/' rdf:parseType='Resource'><n:c xmlns:n='urn:d/'>1</n:c></q:a><rdf:li/>" + oslo,
+        u"Oslo"_qs, {u"XMP rdf:li"_qs});
     row("XML as text", "<p:City rdf:parseType='Literal'>Os<b xmlns=''>lo</b></p:City>", u"Oslo"_qs);
     row("cut off", oslo + "<p:", {}, {u"XMP"_qs});
     row("document type", "<!DOCTYPE x>" + oslo, {}, {u"XMP"_qs});
