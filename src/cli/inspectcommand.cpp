@@ -6,6 +6,7 @@
 #include "cli/messages.h"
 #include "imageio/imagesource.h"
 #include "images/photofacts.h"
+#include "images/strips.h"
 #include "images/uprighting.h"
 #include "platform/localeformat.h"
 #include "saving/orderedwork.h"
@@ -161,9 +162,15 @@ int runInspect(const InspectOptions &options)
     bool isFirst = true;
     OrderedWork work;
     work.count = options.paths.size();
-    work.threads = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+    work.threads = threadsToUse(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())));
+    if (work.threads < 1)
+        return kSomethingFailed;
     work.work = [&](std::size_t i) {
-        results[i] = inspect(QString::fromStdString(options.paths[i]), locale);
+        try {
+            results[i] = inspect(QString::fromStdString(options.paths[i]), locale);
+        } catch (const std::bad_alloc &) {
+            results[i] = fail(outOfMemoryText());
+        }
     };
     work.deliver = [&](std::size_t i) {
         const Result<Inspection> result = *std::exchange(results[i], std::nullopt);

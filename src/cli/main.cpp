@@ -6,12 +6,14 @@
 #include "cli/presetscommand.h"
 #include "cli/savecommand.h"
 #include "platform/applicationname.h"
+#include "platform/bytebudget.h"
 
 #include <QGuiApplication>
 
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
+#include <new>
 
 namespace
 {
@@ -66,13 +68,19 @@ int main(int argc, char **argv)
     // Everything works without a display.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qInstallMessageHandler(printFaultsOnly);
+    plexa::saveAddressSpace();
     QGuiApplication application(argc, argv);
     QCoreApplication::setOrganizationName(plexa::companyName(true));
     QCoreApplication::setApplicationName(plexa::applicationNameWithCompany(false, false, true));
     QCoreApplication::setApplicationVersion(plexa::BundleInfo::own().shortVersionString);
     plexa::catchInterruptions();
     plexa::outliveFileSizeLimit();
-    const int status = run(argc, argv);
+    int status = 1;
+    try {
+        status = run(argc, argv);
+    } catch (const std::bad_alloc &) {
+        std::fputs("plexa-cli: there is not enough memory\n", stderr);
+    }
     // Results that did not arrive are a failure, too.
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
         std::fputs("plexa-cli: the results could not be written to the standard output\n", stderr);

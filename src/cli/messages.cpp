@@ -2,7 +2,12 @@
 
 #include "cli/messages.h"
 
+#include "platform/bytebudget.h"
+#include "platform/startablethreads.h"
+
 #include <QFileInfo>
+
+#include <algorithm>
 
 namespace plexa
 {
@@ -20,6 +25,20 @@ QString onOneLine(QString text)
             character = QLatin1Char('?');
     }
     return text;
+}
+
+int threadsToUse(int wanted)
+{
+    // Few photos that succeed are better than many that fail at once.
+    constexpr qint64 kThreadBytes = 32'000'000; // its stack, and a photo that passes in strips
+    if (const std::optional<qint64> room = mappableBytes())
+        wanted = int(std::clamp<qint64>(*room / kThreadBytes, 1, std::max(wanted, 1)));
+    const int threads = startableThreads(wanted);
+    if (threads < 1)
+        printLine(stderr,
+                  QStringLiteral("plexa-cli: no thread can be started: there is not enough memory, or "
+                                 "there are too many processes"));
+    return threads;
 }
 
 void printAbout(const QString &path, const QString &reason)

@@ -195,6 +195,9 @@ Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
 int saveAll(SavingRun &run, const std::vector<PhotoPath> &photos, const SaveOptions &options,
             const FontCatalog &fonts)
 {
+    run.jobs = threadsToUse(run.jobs);
+    if (run.jobs < 1)
+        return kSomethingFailed;
     const LocaleFormat locale;
     PixelCache cache(0); // each photo is looked at once
     const qint64 memory = physicalMemoryBytes() / 2;

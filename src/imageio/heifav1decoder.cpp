@@ -53,27 +53,37 @@ public:
         Dav1dContext *context = nullptr;
         if (dav1d_open(&context, &settings) != 0)
             return kNoMemory;
-        const Picture picture = firstPicture(context);
+        int result = 0;
+        const Picture picture = firstPicture(context, result);
         dav1d_close(&context);
+        if (result == DAV1D_ERR(ENOMEM))
+            return kNoMemory;
         return picture ? toHeif(*picture, out) : kDamaged;
     }
 
     QByteArray data;
 
 private:
-    Picture firstPicture(Dav1dContext *context) const
+    /// @param result  the library's code for a failure; not set where there are no data
+    Picture firstPicture(Dav1dContext *context, int &result) const
     {
         Dav1dData input = {};
-        if (data.isEmpty() || !dav1d_data_create(&input, size_t(data.size())))
+        if (data.isEmpty())
             return nullptr;
+        if (!dav1d_data_create(&input, size_t(data.size()))) {
+            result = DAV1D_ERR(ENOMEM);
+            return nullptr;
+        }
         std::memcpy(const_cast<uint8_t *>(input.data), data.constData(), size_t(data.size()));
         Picture picture(new Dav1dPicture());
-        int result = DAV1D_ERR(EAGAIN);
+        result = DAV1D_ERR(EAGAIN);
         while (result == DAV1D_ERR(EAGAIN)) {
             const size_t before = input.sz;
             const int sent = input.sz > 0 ? dav1d_send_data(context, &input) : 0;
-            if (sent < 0 && sent != DAV1D_ERR(EAGAIN))
+            if (sent < 0 && sent != DAV1D_ERR(EAGAIN)) {
+                result = sent;
                 break;
+            }
             result = dav1d_get_picture(context, picture.get());
             if (result == DAV1D_ERR(EAGAIN) && input.sz == before) // nothing goes on any more
                 break;

@@ -6,6 +6,7 @@
 #include "imageio/heifmeasure.h"
 #include "imageio/nclxprofile.h"
 #include "imageio/readfailures.h"
+#include "platform/bytebudget.h"
 #include "raster/pixelformat.h"
 
 #include <optional>
@@ -216,6 +217,8 @@ public:
     /// Decodes the picture. Throws std::exception where the library does.
     Result<void> decode(OpenPicture &picture, const char *formatName)
     {
+        if (!hasRoomToSpare(picture.decodingBytes()))
+            return fail(ReadFailures::outOfMemory());
         const std::unique_ptr<heif_decoding_options, HeifFree<heif_decoding_options_free>> options(
             heif_decoding_options_alloc());
         if (!options)

@@ -4,6 +4,7 @@
 #include "imageio/heifcodec.h"
 #include "imageio/heiffile.h"
 #include "imageio/readfailures.h"
+#include "platform/bytebudget.h"
 
 #include <algorithm>
 #include <cmath>
@@ -51,6 +52,17 @@ int encoderQuality(int quality)
     const auto *below = above - 1;
     return below->encoder +
            (quality - below->asked) * (above->encoder - below->encoder) / (above->asked - below->asked);
+}
+
+/// The most memory that encoding takes, with the picture itself. Found by measuring at 12 and 24 megapixels
+/// and quality 95, and a little more: the picture, its planes, the encoder's own and what it notes down of
+/// each block, the encoded bytes. Alpha is encoded by itself when the colours are done.
+qint64 encodingBytes(const RowFormat &format, const WriteOptions &options)
+{
+    constexpr qint64 kEncoderBytes = 4'000'000;
+    const bool isFull = qstrcmp(chromaOf(options, qualityOf(options)), "420") != 0;
+    const qint64 pixels = qint64(format.size.width()) * format.size.height();
+    return pixels * ((isFull ? 28 : 20) + (format.hasAlpha ? 3 : 0)) + kEncoderBytes;
 }
 
 /// Gathers the picture; the library encodes it whole.
@@ -147,6 +159,9 @@ private:
 
     Result<void> encode()
     {
+        const qint64 gathered = qint64(m_stride) * m_format.size.height();
+        if (!hasRoomToSpare(encodingBytes(m_format, m_options) - gathered))
+            return fail(ReadFailures::outOfMemory());
         const HeifContext context(heif_context_alloc());
         heif_encoder *found = nullptr;
         heif_error error = heif_context_get_encoder_for_format(context.get(), heif_compression_HEVC, &found);
@@ -235,13 +250,7 @@ Result<std::unique_ptr<RowWriter>> HeifCodec::openWriter(QIODevice &device, cons
 
 qint64 HeifCodec::writerBytes(const RowFormat &format, const WriteOptions &options) const
 {
-    // Found by measuring at 12 and 24 megapixels and quality 95, and a little more: the picture, its planes,
-    // the encoder's own and what it notes down of each block, the encoded bytes. Alpha is encoded by itself
-    // when the colours are done.
-    constexpr qint64 kEncoderBytes = 4'000'000;
-    const bool isFull = qstrcmp(chromaOf(options, qualityOf(options)), "420") != 0;
-    const qint64 pixels = qint64(format.size.width()) * format.size.height();
-    return pixels * ((isFull ? 28 : 20) + (format.hasAlpha ? 3 : 0)) + kEncoderBytes;
+    return encodingBytes(format, options);
 }
 
 } // namespace plexa

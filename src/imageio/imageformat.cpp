@@ -113,9 +113,9 @@ void appendQtFormats(QList<ImageFormat> &formats)
     static const QtCodec webp("webp", readWebpHeader, 4); // where it is lossless
     static const QtCodec icon("ico", nullptr, 0, QtCodec::Choice::Largest);
     static const QtCodec icns("icns", nullptr, 0, QtCodec::Choice::Largest);
-    static const QtCodec pixmap("ppm");
-    static const QtCodec graymap("pgm");
-    static const QtCodec bitmap("pbm");
+    static const QtCodec pixmap("ppm", readNetpbmHeader);
+    static const QtCodec graymap("pgm", readNetpbmHeader);
+    static const QtCodec bitmap("pbm", readNetpbmHeader);
     static const QtCodec xpm("xpm", nullptr, 0, QtCodec::Choice::First, EndWatch::Manner::AsText);
     static const QtCodec xbm("xbm", readXbmHeader, 0, QtCodec::Choice::First, EndWatch::Manner::AsText);
     static const QtCodec wbmp("wbmp");

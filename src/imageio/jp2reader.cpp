@@ -97,8 +97,13 @@ public:
         if (!stream || !decoder)
             return fail(ReadFailures::outOfMemory());
         prepare(stream.get());
-        const auto note = [](const char *, void *self) {
-            static_cast<Jp2Decoding *>(self)->m_hasComplaint = true;
+        const auto note = [](const char *complaint, void *self) {
+            auto *decoding = static_cast<Jp2Decoding *>(self);
+            decoding->m_hasComplaint = true;
+            // The library has no codes. Sizes are checked before, so its "limits" are those of the memory.
+            const QByteArrayView text(complaint);
+            decoding->m_lacksMemory =
+                decoding->m_lacksMemory || text.contains("memory") || text.contains("system limits");
         };
         opj_set_info_handler(
             decoder.get(), [](const char *, void *) {}, nullptr);
@@ -157,6 +162,8 @@ private:
 
     QString failureReason() const
     {
+        if (m_lacksMemory)
+            return ReadFailures::outOfMemory();
         QByteArray end;
         if (m_device.seek(qMax<qint64>(0, m_device.size() - 2)))
             end = m_device.read(2);
@@ -166,6 +173,7 @@ private:
     QIODevice &m_device;
     const Jp2Header &m_header;
     bool m_hasComplaint = false;
+    bool m_lacksMemory = false;
 };
 
 /// Makes 8-bit sRGB of a row of samples.

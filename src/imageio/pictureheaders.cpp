@@ -40,6 +40,38 @@ std::array<int, 4> sampleBitsOf(const QByteArray &start)
     return bits;
 }
 
+/// The next number in the header of a Netpbm file, behind blanks and comments.
+/// @param at  where to look; moved behind the number
+/// @return -1: there is none, or a longer one than any side
+qint64 nextNumber(const QByteArray &start, qsizetype &at)
+{
+    for (bool isComment = false; at < start.size(); ++at) {
+        if (start[at] == '#' || isComment)
+            isComment = start[at] != '\n' && start[at] != '\r';
+        else if (start[at] < '\t' || (start[at] > '\r' && start[at] != ' '))
+            break;
+    }
+    constexpr qsizetype kMostDigits = 9;
+    const qsizetype first = at;
+    while (at < start.size() && start[at] >= '0' && start[at] <= '9')
+        ++at;
+    return at > first && at - first <= kMostDigits ? start.mid(first, at - first).toLongLong() : -1;
+}
+
+/// The fewest bytes that the samples of a Netpbm picture take (netpbm, "pbm", "pgm" and "ppm").
+/// @param kind  '1' to '6'
+qint64 leastNetpbmBytes(char kind, qint64 width, qint64 height, qint64 most)
+{
+    const qint64 samples = kind == '3' || kind == '6' ? 3 : 1;
+    if (kind == '4')
+        return (width + 7) / 8 * height;
+    if (kind == '1') // digits need nothing between them
+        return width * height;
+    const bool isText = kind < '4';
+    const qint64 sampleBytes = isText || most > 255 ? 2 : 1; // as text: a digit and a blank
+    return width * height * samples * sampleBytes - (isText ? 1 : 0);
+}
+
 } // namespace
 
 PictureHeader readWebpHeader(QIODevice &device)
@@ -85,6 +117,25 @@ PictureHeader readBmpHeader(QIODevice &device)
         header.dpiWidth = horizontal * 0.0254;
         header.dpiHeight = vertical * 0.0254;
     }
+    return header;
+}
+
+PictureHeader readNetpbmHeader(QIODevice &device)
+{
+    PictureHeader header;
+    constexpr qint64 kHeaderBytes = 4096; // comments can be long
+    const QByteArray start = readAt(device, 0, qMin(device.size(), kHeaderBytes));
+    if (start.size() < 2 || start[1] < '1' || start[1] > '6')
+        return header;
+    qsizetype at = 2;
+    const qint64 width = nextNumber(start, at);
+    const qint64 height = nextNumber(start, at);
+    const bool hasMost = start[1] != '1' && start[1] != '4';
+    const qint64 most = hasMost ? nextNumber(start, at) : 1;
+    if (width < 1 || height < 1 || most < 1 || width > std::numeric_limits<int>::max() / height)
+        return header;
+    // A blank ends the last number.
+    header.endsEarly = leastNetpbmBytes(start[1], width, height, most) > device.size() - at - 1;
     return header;
 }
 

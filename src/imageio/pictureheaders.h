@@ -32,5 +32,6 @@ struct PictureHeader {
 PictureHeader readWebpHeader(QIODevice &device);
 PictureHeader readBmpHeader(QIODevice &device);
 PictureHeader readXbmHeader(QIODevice &device);
+PictureHeader readNetpbmHeader(QIODevice &device);
 
 } // namespace plexa

@@ -278,8 +278,9 @@ private:
 
     tl::unexpected<Error> failure() const
     {
+        // Any size that can be read can be written, so it is not that which libpng complains of.
         return fail(m_encoder.writeFailed() ? ReadFailures::writeError(m_device)
-                                            : ReadFailures::tooLargeToWrite("PNG"));
+                                            : ReadFailures::outOfMemory());
     }
 
     QIODevice &m_device;

@@ -113,11 +113,15 @@ Result<void> prepare(QImageReader &reader, QIODevice &device, const char *qtForm
     if (choice == QtCodec::Choice::Largest)
         jumpToLargest(reader);
     const QSize size = reader.size();
+    return size.isValid() ? ReadFailures::checkSize(size, limits) : Result<void>();
+}
+
+/// Checks the memory for what the plugin decodes, and the rows that are made of it.
+Result<void> checkDecoding(const QImageReader &reader, const ReadLimits &limits)
+{
+    const QSize size = reader.size();
     if (!size.isValid())
         return {};
-    if (const auto checked = ReadFailures::checkSize(size, limits); !checked)
-        return checked;
-    // What the plugin decodes, and the rows that are made of it.
     return ReadFailures::checkMemory(size, hasDeepComponents(reader.imageFormat()) ? 12 : 8, limits);
 }
 
@@ -291,6 +295,8 @@ Result<std::unique_ptr<RowReader>> QtCodec::openReader(QIODevice &device, const 
     QImageReader reader;
     if (const auto prepared = prepare(reader, watch, m_qtFormat, m_choice, header.size, limits); !prepared)
         return tl::unexpected(prepared.error());
+    if (const auto checked = checkDecoding(reader, limits); !checked)
+        return tl::unexpected(checked.error());
     const bool hasAlpha = announcesAlpha(reader, header);
     QImage image = clearedPicture(reader);
     watch.restart(); // a plugin may look for the kind of file in more bytes than a small one has

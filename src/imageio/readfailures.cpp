@@ -20,6 +20,10 @@ QString ReadFailures::tooManyPixels(QSize size, const ReadLimits &limits)
 
 QString ReadFailures::tooMuchMemory(QSize size, qint64 bytes, const ReadLimits &limits)
 {
+    // More than a gigapixel could take: the file asks for it, not the picture.
+    constexpr qint64 kBeyondAnyPicture = 1'000'000'000'000;
+    if (bytes >= kBeyondAnyPicture)
+        return tr("the file asks for too much memory");
     return tr("the picture is too large: %1 x %2 pixels need %3 MB of memory, %4 MB are allowed")
         .arg(size.width())
         .arg(size.height())

@@ -6,9 +6,12 @@
 #include <QFile>
 #include <QLocale>
 
+#include <malloc.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace plexa
@@ -19,6 +22,9 @@ namespace
 struct ByteBudgetTexts {
     Q_DECLARE_TR_FUNCTIONS(ByteBudget)
 };
+
+/// For what a library takes whatever the picture's size: stacks of threads, tables.
+constexpr qint64 kSpareBytes = 32'000'000;
 
 QByteArray contentsOf(const QString &path)
 {
@@ -34,6 +40,16 @@ QString controlGroup()
             return QString::fromUtf8(line.mid(3));
     }
     return {};
+}
+
+/// @return the soft limit, if there is one
+std::optional<qint64> limitOf(__rlimit_resource resource)
+{
+    rlimit limit = {};
+    if (getrlimit(resource, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY ||
+        limit.rlim_cur > rlim_t(std::numeric_limits<qint64>::max()))
+        return std::nullopt;
+    return qint64(limit.rlim_cur);
 }
 
 } // namespace
@@ -118,7 +134,35 @@ qint64 physicalMemoryBytes()
         if (isNumber && limit > 0)
             bytes = std::min(bytes, limit);
     }
-    return bytes;
+    return std::min(bytes, mappableBytes().value_or(bytes));
+}
+
+std::optional<qint64> mappableBytes()
+{
+    const std::optional<qint64> space = limitOf(RLIMIT_AS);
+    const std::optional<qint64> data = limitOf(RLIMIT_DATA);
+    if (!space && !data)
+        return std::nullopt;
+    // Pages: all that is mapped comes first, data and stack sixth (proc(5), "statm").
+    const QList<QByteArray> pages = contentsOf(QStringLiteral("/proc/self/statm")).simplified().split(' ');
+    const auto left = [&pages](std::optional<qint64> limit, int field) {
+        const qint64 mapped = pages.value(field).toLongLong() * sysconf(_SC_PAGESIZE);
+        return limit ? std::max<qint64>(*limit - mapped, 0) : std::numeric_limits<qint64>::max();
+    };
+    return std::min(left(space, 0), left(data, 5));
+}
+
+bool hasRoomToSpare(qint64 bytes)
+{
+    const std::optional<qint64> room = mappableBytes();
+    return !room || bytes <= (*room - kSpareBytes) / 2;
+}
+
+void saveAddressSpace()
+{
+    // Each thread would set 64 MB of addresses aside for what it allocates.
+    if (mappableBytes())
+        mallopt(M_ARENA_MAX, 1);
 }
 
 } // namespace plexa

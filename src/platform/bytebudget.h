@@ -9,6 +9,7 @@
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <optional>
 
 namespace plexa
 {
@@ -69,7 +70,20 @@ private:
     quint64 m_nextTicket = 0;      // guarded by m_mutex
 };
 
-/// The memory that this process may use: the machine's, or less where a control group limits it.
+/// The memory that this process may use: the machine's, or less where a control group limits it; where the
+/// process's own limits are tighter, what they leave at this moment.
 qint64 physicalMemoryBytes();
+
+/// What this process may map beyond what it has, by its limits of addresses and of data (RLIMIT_AS,
+/// RLIMIT_DATA). @return none where it has no such limits
+std::optional<qint64> mappableBytes();
+
+/// May a library be let loose that does not survive an allocation that fails? It may where the process's own
+/// limits leave twice as much as it is thought to take. True where there are none: then the machine lends.
+bool hasRoomToSpare(qint64 bytes);
+
+/// Makes the most of few addresses. To be called before the first thread is started; does nothing where the
+/// process has no limits of its own.
+void saveAddressSpace();
 
 } // namespace plexa

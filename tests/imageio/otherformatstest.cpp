@@ -27,7 +27,10 @@ private Q_SLOTS:
     void tgaOfOtherPrograms_data();
     void tgaOfOtherPrograms();
     void skippedPixelsAreBlank();
-    void hugeTgaOfLittleDataFails();
+    void hugeFileOfLittleDataFails_data();
+    void hugeFileOfLittleDataFails();
+    void factsNeedNoMemory_data();
+    void factsNeedNoMemory();
     void cutFileIsWholeOrFails_data();
     void cutFileIsWholeOrFails();
     void largestIconIsRead_data();
@@ -320,15 +323,60 @@ void OtherFormatsTest::skippedPixelsAreBlank()
     }
 }
 
-/// It would take 3.6 GB.
-void OtherFormatsTest::hugeTgaOfLittleDataFails()
+void OtherFormatsTest::hugeFileOfLittleDataFails_data()
 {
-    const QString path = m_folder.path(u"huge.tga"_qs);
-    QVERIFY(putFile(path, QByteArray("\0\0\x0a\0\0\0\0\0\0\0\0\0\x30\x75\x30\x75\x18\0", 18) +
-                              QByteArray(8000, 'x')));
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QString>("failure"); // empty: it is whole
+    const QString early = u"the picture data end early"_qs;
+    QTest::newRow("TGA") << QByteArray("\0\0\x0a\0\0\0\0\0\0\0\0\0\x30\x75\x30\x75\x18\0", 18) +
+                                QByteArray(8000, 'x')
+                         << early;
+    for (int kind = 1; kind <= 6; ++kind)
+        QTest::addRow("P%d", kind) << "P" + QByteArray::number(kind) +
+                                          (kind % 3 == 1 ? " 30000 30000\n" : "# 1 1\n30000 30000 255\n") +
+                                          QByteArray(8000, '1')
+                                   << early;
+    // As few bytes as a picture can have.
+    QTest::newRow("short P1") << QByteArray("P1\n#9\n2 2\n1 0 1 0\n") << QString();
+    QTest::newRow("short P2") << QByteArray("P2 2 2 9 1 2 3 4\n") << QString();
+    QTest::newRow("short P3") << QByteArray("P3 2 1 9 1 2 3 4 5 6\n") << QString();
+    QTest::newRow("short P4") << QByteArray("P4 9 1\n\xff\x80") << QString();
+    QTest::newRow("short P5") << QByteArray("P5 2 1 65535\n1122") << QString();
+    QTest::newRow("short P6") << QByteArray("P6 1 1 255\nabc") << QString();
+}
+
+/// They would take gigabytes.
+void OtherFormatsTest::hugeFileOfLittleDataFails()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(QString, failure);
+    const QString path = m_folder.path(file.startsWith('P') ? u"huge.pnm"_qs : u"huge.tga"_qs);
+    QVERIFY(putFile(path, file));
     QString error;
-    QVERIFY(decoded(path, &error).isNull());
-    QCOMPARE(error, u"the picture data end early"_qs);
+    QCOMPARE(decoded(path, &error).isNull(), !failure.isEmpty());
+    QCOMPARE(error, failure);
+    QCOMPARE(ImageSource::open(path).has_value(), failure.isEmpty());
+}
+
+void OtherFormatsTest::factsNeedNoMemory_data()
+{
+    QTest::addColumn<QString>("suffix");
+    for (const char *suffix : {"pbm", "ppm", "xbm", "xpm"})
+        QTest::newRow(suffix) << QString::fromLatin1(suffix);
+}
+
+/// The memory is asked for where pixels are.
+void OtherFormatsTest::factsNeedNoMemory()
+{
+    QFETCH(QString, suffix);
+    const QString path = m_folder.path(u"facts."_qs + suffix);
+    QVERIFY(detailedPicture({61, 43}, false).save(path));
+    const auto source = ImageSource::open(path, ReadLimits{4'000'000, 61 * 43 * 8 - 1});
+    QVERIFY(source);
+    QCOMPARE(source->info().rows.size, QSize(61, 43));
+    const auto image = source->createImage();
+    QVERIFY(!image);
+    QVERIFY2(image.error().text.contains(u"MB of memory"_qs), qPrintable(image.error().text));
 }
 
 void OtherFormatsTest::cutFileIsWholeOrFails_data()

@@ -5,6 +5,8 @@
 #include "images/uprighting.h"
 #include "support/testenvironment.h"
 
+#include <QProcess>
+#include <QStandardPaths>
 #include <QTest>
 
 #include <spawn.h>
@@ -130,6 +132,8 @@ private Q_SLOTS:
     void largePhotosTakeTurns();
     void tooLargeForTheBudget();
     void streamedPhotosNeedNoBudget();
+    void fewAddressesFailPhotos_data();
+    void fewAddressesFailPhotos();
 
 private:
     std::unique_ptr<TestFolder> m_folder;
@@ -269,6 +273,54 @@ void PhotoMemoryTest::streamedPhotosNeedNoBudget()
     const QString photo = made(*m_folder, QStringLiteral("photo.jpg"), {2000, 1500}, {});
     Services services(0);
     QVERIFY(writeCopy(orderFor(photo, m_folder->path(QStringLiteral("copy.jpg"))), services.all));
+}
+
+void PhotoMemoryTest::fewAddressesFailPhotos_data()
+{
+    QTest::addColumn<QString>("from");
+    QTest::addColumn<QString>("to");
+    QTest::newRow("from HEIC") << QStringLiteral("photo.heic") << QStringLiteral("PNG");
+    QTest::newRow("to HEIC") << QStringLiteral("photo.jpg") << QStringLiteral("HEIC");
+    QTest::newRow("from JPEG 2000") << QStringLiteral("photo.jp2") << QStringLiteral("PNG");
+}
+
+/// Under a limit of addresses allocations fail, which some libraries do not survive: the program has to say
+/// no before it asks them.
+void PhotoMemoryTest::fewAddressesFailPhotos()
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    QSKIP("a sanitizer takes more addresses than any limit leaves");
+#endif
+    const QString limiter = QStandardPaths::findExecutable(QStringLiteral("prlimit"));
+    if (limiter.isEmpty())
+        QSKIP("prlimit is not installed");
+    QFETCH(QString, from);
+    QFETCH(QString, to);
+    if (!imageFormatOfType(kHeic)->canWrite)
+        QSKIP("no encoder of HEVC is installed");
+    const QString photo = made(*m_folder, from, {2000, 1500}, {});
+    if (photo.isEmpty())
+        QSKIP("ImageMagick does not write this format");
+    int written = 0;
+    for (const int megabytes : {90, 120, 125, 130, 140, 160, 180, 200, 220, 250, 300, 350, 1000}) {
+        QProcess process;
+        process.start(limiter, {QStringLiteral("--as=%1").arg(megabytes * 1'000'000LL),
+                                qEnvironmentVariable("PLEXA_BINARY_DIR") + QStringLiteral("/bin/plexa-cli"),
+                                QStringLiteral("save"), QStringLiteral("--text"), QStringLiteral("X"),
+                                QStringLiteral("--save-set"), QStringLiteral("imageFormat=%1").arg(to),
+                                QStringLiteral("--jobs"), QStringLiteral("2"), QStringLiteral("--quiet"),
+                                QStringLiteral("--output"), m_folder->path(QStringLiteral("copies")), photo});
+        const bool hasEnded = process.waitForFinished(60'000);
+        const QByteArray said = QByteArray::number(megabytes) + " MB: " + process.readAllStandardError();
+        QVERIFY2(hasEnded && process.exitStatus() == QProcess::NormalExit, said);
+        if (process.exitCode() == 0)
+            ++written;
+        else if (process.exitCode() == 127) // not even its libraries could be loaded
+            QVERIFY2(megabytes < 120, said);
+        else
+            QVERIFY2(process.exitCode() == 1 && said.contains("memory"), said);
+    }
+    QVERIFY(written > 0 && written < 12);
 }
 
 QTEST_GUILESS_MAIN(PhotoMemoryTest)

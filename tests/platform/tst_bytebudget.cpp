@@ -4,6 +4,9 @@
 
 #include <QtTest>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -25,6 +28,8 @@ private Q_SLOTS:
     void neverOverdrawn();
     void largeRequestIsNotStarved();
     void physicalMemory();
+    void ownLimits_data();
+    void ownLimits();
 };
 
 void ByteBudgetTest::requests_data()
@@ -130,6 +135,41 @@ void ByteBudgetTest::physicalMemory()
     QVERIFY(info.open(QIODevice::ReadOnly));
     const qint64 kilobytes = info.readLine().simplified().split(' ').value(1).toLongLong();
     QVERIFY(physicalMemoryBytes() <= kilobytes * 1024);
+}
+
+void ByteBudgetTest::ownLimits_data()
+{
+    QTest::addColumn<int>("resource");
+    QTest::addColumn<int>("field"); // of /proc/self/statm: what counts for it, in pages
+    QTest::newRow("addresses") << int(RLIMIT_AS) << 0;
+    QTest::newRow("data") << int(RLIMIT_DATA) << 5;
+}
+
+/// What is left of a limit of 100 MB beyond what is mapped.
+void ByteBudgetTest::ownLimits()
+{
+    QFETCH(int, resource);
+    QFETCH(int, field);
+    rlimit before = {};
+    QCOMPARE(getrlimit(__rlimit_resource(resource), &before), 0);
+    if (before.rlim_cur != RLIM_INFINITY)
+        QSKIP("the tests run under such a limit themselves");
+    QVERIFY(!mappableBytes());
+    QVERIFY(hasRoomToSpare(std::numeric_limits<qint64>::max()));
+    QFile file(QStringLiteral("/proc/self/statm"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const qint64 mapped = file.readAll().simplified().split(' ').value(field).toLongLong() * getpagesize();
+    const rlimit limit = {rlim_t(mapped + 100'000'000), before.rlim_max};
+    QCOMPARE(setrlimit(__rlimit_resource(resource), &limit), 0);
+    const std::optional<qint64> left = mappableBytes();
+    const qint64 memory = physicalMemoryBytes();
+    const bool hasSome = hasRoomToSpare(20'000'000);
+    const bool hasAll = hasRoomToSpare(60'000'000);
+    QCOMPARE(setrlimit(__rlimit_resource(resource), &before), 0);
+    QVERIFY2(left && *left > 80'000'000 && *left <= 100'000'000,
+             qPrintable(QString::number(left.value_or(-1))));
+    QVERIFY2(memory > 80'000'000 && memory <= 100'000'000, qPrintable(QString::number(memory)));
+    QVERIFY(hasSome && !hasAll);
 }
 
 QTEST_GUILESS_MAIN(ByteBudgetTest)
