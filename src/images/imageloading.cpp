@@ -131,9 +131,11 @@ ImageObject::Look ImageObject::lookAt(const ImageSource &source) const
     {
         const std::lock_guard lock(m_stateLock);
         look.isNew = !m_hasImage || look.version != m_version;
+        look.isOwnCopy = m_turnsOfOwnCopy && look.version != m_version;
         look.uprighting = m_uprighting;
         // The turns that are in the file already are not made again, those since then are.
-        look.turns = m_ownCopy ? composedOrientation(inverseOrientation(m_ownCopy->turns), m_turns) : m_turns;
+        look.turns =
+            look.isOwnCopy ? composedOrientation(inverseOrientation(*m_turnsOfOwnCopy), m_turns) : m_turns;
     }
     if (look.isNew) {
         look.metadata = ImageMetadata(source.properties());
@@ -147,16 +149,17 @@ void ImageObject::takeOver(const Look &look)
 {
     m_services.cache.remove(m_key);
     const std::lock_guard lock(m_stateLock);
-    if (m_ownCopy)
+    if (look.isOwnCopy) {
         m_original = {m_version, m_metadata, m_turns};
-    if (!m_isMetadataEdited || m_ownCopy)
-        m_metadata = look.metadata;
-    else
+        m_turnsOfOwnCopy.reset();
+        m_isMetadataEdited = false;
+    }
+    if (m_isMetadataEdited)
         m_metadata->setOrientation(look.metadata->orientationCorrected());
-    m_isMetadataEdited = m_isMetadataEdited && !m_ownCopy;
+    else
+        m_metadata = look.metadata;
     if (m_version && m_uprighting.size() != look.uprighting.size())
         m_customWatermarkRectOrigins.clear();
-    m_ownCopy.reset();
     m_version = look.version;
     m_uprighting = look.uprighting;
     m_turns = look.turns;

@@ -224,7 +224,7 @@ void ImageObject::releaseImagesData()
     m_originalThumbnail = {};
     m_hasImage = false;
     m_version.reset();
-    m_ownCopy.reset();
+    m_turnsOfOwnCopy.reset();
     m_original.reset();
     m_isMetadataEdited = false;
     m_turns = 1;
@@ -399,29 +399,32 @@ Result<CopyReport> ImageObject::saveImageAtPath(const CopyTarget &target,
     const std::optional<FileVersion> version = readFrom.isEmpty() ? before : fileVersionAt(readFrom);
     if (readFrom.isEmpty())
         lookAgainUnlessAt(version);
-    bool isOriginal = false;
-    bool isLoaded = false;
+    std::optional<int> turnsBefore;
+    bool takesItsPlace = false;
     {
         // Turns, places and pixels of one moment.
         const std::lock_guard pixels(m_pixelLock);
         for (const AppliedPreset &preset : presets)
             order.marks.push_back({preset.values, customWatermarkRectOriginForWPreset(preset.preset.get())});
         const std::lock_guard lock(m_stateLock);
-        isLoaded = m_hasImage;
-        isOriginal = m_original && version == m_original->version && version != m_version;
+        const bool isOriginal = m_original && version == m_original->version && version != m_version;
         order.metadata = isOriginal ? m_original->metadata : m_metadata;
         order.turns = isOriginal ? m_original->turns : m_turns;
-        if (isLoaded && version == m_version)
-            order.upright = m_services.cache.find(m_key);
-        if (isLoaded)
+        if (m_hasImage) {
             order.version = version;
+            order.upright = version == m_version ? m_services.cache.find(m_key) : QImage();
+        }
+        takesItsPlace = m_hasImage && before && replaced && before->isSameFile(*replaced);
+        turnsBefore = m_turnsOfOwnCopy;
+        // Known before the copy is there, because others may look at it at once. Copies of one original are
+        // all turned alike.
+        if (takesItsPlace)
+            m_turnsOfOwnCopy = isOriginal ? 1 : m_turns;
     }
     Result<CopyReport> report = writeCopy(order, m_services);
-    if (report && isLoaded && before && replaced && before->isSameFile(*replaced)) {
-        const std::optional<FileVersion> now = fileVersionAt(readPath());
+    if (!report && takesItsPlace) {
         const std::lock_guard lock(m_stateLock);
-        if (now != m_version) // the copies of one original are all turned alike
-            m_ownCopy = OwnCopy{now, isOriginal ? 1 : order.turns};
+        m_turnsOfOwnCopy = turnsBefore;
     }
     return report;
 }

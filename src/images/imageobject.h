@@ -186,16 +186,12 @@ private:
 
     /// What the headers of the file say, with what is known of the photo.
     struct Look {
-        bool isNew = false; ///< the file is not the one that was read before
+        bool isNew = false;     ///< the file is not the one that was read before, or that was given up
+        bool isOwnCopy = false; ///< a copy of this photo has taken the file's place
         std::optional<FileVersion> version;
         std::optional<ImageMetadata> metadata;
         Uprighting uprighting;
         int turns = 1;
-    };
-    /// A copy of this photo that took the place of its file and has not been looked at yet.
-    struct OwnCopy {
-        std::optional<FileVersion> version;
-        int turns = 1; ///< the user's turns that it has in its pixels
     };
     /// The photo before its own copy took its place; a run makes its other copies from that file.
     struct Original {
@@ -231,7 +227,8 @@ private:
     bool m_hasImage = false;
     QString m_loadError;
     std::optional<FileVersion> m_version; // of the file that all this is of
-    std::optional<OwnCopy> m_ownCopy;
+    // Set when a copy of this photo takes its file's place, until that is looked at: the turns in its pixels.
+    std::optional<int> m_turnsOfOwnCopy;
     std::optional<Original> m_original;
     std::optional<ImageMetadata> m_metadata;
     bool m_isMetadataEdited = false;

@@ -465,6 +465,10 @@ void ImageObjectTest::manyThreads()
                         failures += !photo.transformOriginalImageWithOperation(3);
                     } else if (t == 1) {
                         photo.releaseImagesData();
+                    } else if (t == 2) { // the file of all five
+                        const auto saved = photo.saveImageAtPath(path, {}, SavingPresetValues(),
+                                                                 AtomicFile::IfExists::Replace, true);
+                        failures += !saved;
                     } else if (photo.loadImageFromDisk()) {
                         photo.setCustomWatermarkRectOrigin({1.0 * i, 2}, preset.preset);
                         const QImage marked = photo.createWatermarkedImage({}, preset);
