@@ -152,11 +152,12 @@ QString OutputNaming::targetDirectoryForFile(const QString &path) const
 std::optional<OutputNaming::Destination> OutputNaming::finalDestinationForPath(const QString &path,
                                                                                ConflictCode &code)
 {
-    if (!existsFor(path))
+    const bool waits = code != always(kUniqueName);
+    if (!existsFor(path, waits))
         return take(path, false);
     switch (choiceFor(path, code)) {
     case kUniqueName:
-        if (const std::optional<QString> unique = uniquePath(path))
+        if (const std::optional<QString> unique = uniquePath(path, waits))
             return take(*unique, false);
         return std::nullopt;
     case kOverwrite:
@@ -191,10 +192,10 @@ bool OutputNaming::isTaken(const QString &path) const
     return isBeingWritten(path) || info.exists() || info.isSymLink();
 }
 
-/// As isTaken(), when it is known what becomes of the copy that has the path.
-bool OutputNaming::existsFor(const QString &path) const
+/// As isTaken(), and if `waits`, when it is known what becomes of the copy that has the path.
+bool OutputNaming::existsFor(const QString &path, bool waits) const
 {
-    if (m_waitForOutcome && isBeingWritten(path))
+    if (waits && m_waitForOutcome && isBeingWritten(path))
         m_waitForOutcome(path);
     return isTaken(path);
 }
@@ -224,15 +225,15 @@ OutputNaming::Choice OutputNaming::choiceFor(const QString &path, ConflictCode &
     return choice;
 }
 
-std::optional<QString> OutputNaming::uniquePath(const QString &path)
+std::optional<QString> OutputNaming::uniquePath(const QString &path, bool waits)
 {
     // Of thousands of copies that should have the same name, none looks through the numbers of all before it.
     int number = m_lastNumbers.value(path);
-    if (number == 0 || !existsFor(numberedPath(path, number)))
+    if (number == 0 || !existsFor(numberedPath(path, number), waits))
         number = 1;
     for (; number <= kHighestNumber; ++number) {
         const QString candidate = numberedPath(path, number);
-        if (existsFor(candidate))
+        if (existsFor(candidate, waits))
             continue;
         m_lastNumbers.insert(path, number);
         return candidate;

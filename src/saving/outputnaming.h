@@ -51,8 +51,9 @@ public:
 
     /// @param alerts         is asked about names that are taken; outlives the object
     /// @param waitForOutcome is called before it is decided whether the file of a copy under way exists;
-    /// empty:
-    ///                       it counts as existing
+    /// empty,
+    ///                       or where unique names are the choice for all conflicts: it counts as existing,
+    ///                       so that copies of one name do not wait for each other
     OutputNaming(OutputFolders folders, Alerts &alerts, Wait waitForOutcome = {});
 
     /// A copy's file name, without its folder. Put together from the preset's tokens and finished by
@@ -91,9 +92,9 @@ public:
 
 private:
     bool isTaken(const QString &path) const;
-    bool existsFor(const QString &path) const;
+    bool existsFor(const QString &path, bool waits) const;
     Choice choiceFor(const QString &path, ConflictCode &code) const;
-    std::optional<QString> uniquePath(const QString &path);
+    std::optional<QString> uniquePath(const QString &path, bool waits);
     Destination take(const QString &path, bool overwrites);
 
     OutputFolders m_folders;

@@ -78,6 +78,8 @@ struct SavingProcess::Pending {
     QString wantedPath;       ///< before anything was done about a file that exists
     QStringList alternatives; ///< paths that were tried in place of output.path
     bool overwrites = false;
+    /// Also when it fails: others have got names of their own meanwhile, whatever the number of threads.
+    bool keepsName = false;
     bool isFinished = true; // guarded by the process's mutex
 };
 
@@ -273,7 +275,8 @@ void SavingProcess::saveCopy(const std::shared_ptr<PhotoInWork> &photo, const Ah
         if (!ahead.failure.isEmpty() || !place) {
             output.status = SavingOutput::Status::Failed;
             output.error = !ahead.failure.isEmpty() ? ahead.failure : place.error().text;
-            m_naming.finished(output.path); // the next one may have the name, as in the run
+            if (!pending.keepsName)
+                m_naming.finished(output.path); // the next one may have the name, as in the run
         }
     } else if (output.status == SavingOutput::Status::Planned) {
         startWriting(pending, photo, order);
@@ -296,6 +299,7 @@ void SavingProcess::decide(Pending &pending, const AheadOfTime &ahead, const Ord
                              .arg(QString::number(output.sequenceNumber), QString::number(m_total), name));
     const QString path = QDir(folder).filePath(name);
     pending.wantedPath = path;
+    pending.keepsName = m_conflictCode == OutputNaming::always(OutputNaming::kUniqueName);
     if (const auto destination = m_naming.finalDestinationForPath(path, m_conflictCode)) {
         output.path = destination->path;
         pending.overwrites = destination->overwrites;
@@ -318,7 +322,8 @@ void SavingProcess::startWriting(Pending &pending, const std::shared_ptr<PhotoIn
     if (const Result<void> possible = checkFolderCanBeMade(folder); !possible) {
         pending.output.status = SavingOutput::Status::Failed;
         pending.output.error = possible.error().text;
-        m_naming.finished(pending.output.path);
+        if (!pending.keepsName)
+            m_naming.finished(pending.output.path);
         return;
     }
     removeLeftoversIn(folder);
@@ -373,7 +378,8 @@ void SavingProcess::finish(Pending &pending, Result<CopyReport> result, const QS
 {
     SavingOutput &output = pending.output;
     // Whoever waits for one of these finds out now whether there is a file.
-    m_naming.finished(output.path);
+    if (result || !pending.keepsName)
+        m_naming.finished(output.path);
     for (const QString &path : std::as_const(pending.alternatives))
         m_naming.finished(path);
     if (!pending.alternatives.isEmpty()) {

@@ -27,8 +27,8 @@ class Alerts;
 ///
 /// Copies that touch the same file wait for each other, so that every file ends up as if one copy was made
 /// after another: where a copy under way has the name of the next one, it is waited for to see whether there
-/// will be a file; one that overwrites a file waits until nobody reads or writes it any more, and a photo
-/// that is being overwritten is begun afterwards.
+/// will be a file (unless all names are to be unique); one that overwrites a file waits until nobody reads or
+/// writes it any more, and a photo that is being overwritten is begun afterwards.
 class SavingProcess final
 {
 public:
