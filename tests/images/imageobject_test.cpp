@@ -392,7 +392,7 @@ void ImageObjectTest::ownCopyTakesItsPlace()
     QVERIFY(original.open(QIODevice::ReadOnly));
     SavingPresetValues same;
     same.imageFormat = QStringLiteral("Original");
-    QVERIFY(photo.saveImageAtPath(path, {}, same, AtomicFile::IfExists::Replace, true));
+    QVERIFY(photo.saveImageAtPath({path, AtomicFile::IfExists::Replace}, {}, same, true));
     QVERIFY(after == 0 || photo.transformOriginalImageWithOperation(after));
 
     const QImage expected = after == 0 ? saved : saved.mirrored(true, false);
@@ -407,7 +407,7 @@ void ImageObjectTest::ownCopyTakesItsPlace()
     // A copy of the file that was replaced shows the same.
     const QString late = m_folder->path(QStringLiteral("late.jpg"));
     const QString readFrom = QStringLiteral("/proc/self/fd/%1").arg(original.handle());
-    QVERIFY(photo.saveImageAtPath(late, {}, same, AtomicFile::IfExists::Fail, true, {}, readFrom));
+    QVERIFY(photo.saveImageAtPath({late}, {}, same, true, {}, readFrom));
     QVERIFY(difference(ImageObject(late, services.all).originalCGImage(), expected) < 3);
 }
 
@@ -466,8 +466,8 @@ void ImageObjectTest::manyThreads()
                     } else if (t == 1) {
                         photo.releaseImagesData();
                     } else if (t == 2) { // the file of all five
-                        const auto saved = photo.saveImageAtPath(path, {}, SavingPresetValues(),
-                                                                 AtomicFile::IfExists::Replace, true);
+                        const auto saved = photo.saveImageAtPath({path, AtomicFile::IfExists::Replace}, {},
+                                                                 SavingPresetValues(), true);
                         failures += !saved;
                     } else if (photo.loadImageFromDisk()) {
                         photo.setCustomWatermarkRectOrigin({1.0 * i, 2}, preset.preset);
