@@ -175,6 +175,8 @@ private:
             return finished;
         if (Result<void> unchanged = m_source.checkUnchanged(); !unchanged)
             return unchanged;
+        if (m_order.overwritten && fileVersionAt(m_order.target.path) != m_order.overwritten)
+            return fail(ReadFailures::changedMeanwhile());
         // Linux cannot set the time of birth, so the copy's modification time stands for it.
         const auto created = m_order.preservesCreationDate ? creationTimeOf(m_order.path) : std::nullopt;
         if (created)

@@ -39,6 +39,9 @@ struct CopyOrder {
     std::optional<FileVersion>
         version; ///< what the file has to be for the rest of the order to fit; none: any
     CopyTarget target;
+    /// The photo itself, where the copy takes its place: it must still stand there in the end, or somebody
+    /// else's work would be lost.
+    std::optional<FileVersion> overwritten;
     QString targetType;   ///< MIME name of a format that can be written
     double quality = 0.8; ///< 0..1, for formats with losses
     bool tiffLzw = true;

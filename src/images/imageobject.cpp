@@ -396,6 +396,8 @@ Result<CopyReport> ImageObject::saveImageAtPath(const CopyTarget &target,
     order.isCancelled = isCancelled;
     const std::optional<FileVersion> before = fileVersionAt(readPath());
     const std::optional<FileVersion> replaced = fileVersionAt(target.path);
+    if (before && replaced && before->isSameFile(*replaced))
+        order.overwritten = before;
     const std::optional<FileVersion> version = readFrom.isEmpty() ? before : fileVersionAt(readFrom);
     if (readFrom.isEmpty())
         lookAgainUnlessAt(version);
@@ -414,7 +416,7 @@ Result<CopyReport> ImageObject::saveImageAtPath(const CopyTarget &target,
             order.version = version;
             order.upright = version == m_version ? m_services.cache.find(m_key) : QImage();
         }
-        takesItsPlace = m_hasImage && before && replaced && before->isSameFile(*replaced);
+        takesItsPlace = m_hasImage && order.overwritten;
         turnsBefore = m_turnsOfOwnCopy;
         // Known before the copy is there, because others may look at it at once. Copies of one original are
         // all turned alike.

@@ -104,7 +104,7 @@ QString XMLFile::withReadableStart(const QString &text)
             readable[i] = QChar::ReplacementCharacter;
     }
     const QChar first = readable.isEmpty() ? QChar() : readable.front();
-    if (QStringView(u"\"'=/? \t\r\n").contains(first))
+    if (QStringView(u"\"'=/?> \t\r\n").contains(first))
         readable.replace(0, 1, QStringLiteral("&#%1;").arg(first.unicode()));
     return readable;
 }

@@ -10,6 +10,7 @@
 #include <QTest>
 
 #include <atomic>
+#include <cstdio>
 #include <thread>
 
 using namespace plexa;
@@ -101,6 +102,7 @@ private Q_SLOTS:
     void ownCopyTakesItsPlace_data();
     void ownCopyTakesItsPlace();
     void anotherFileTakesItsPlace();
+    void newerFileIsNotOverwritten();
     void manyThreads();
 
 private:
@@ -444,6 +446,27 @@ void ImageObjectTest::anotherFileTakesItsPlace()
     writtenPattern({70, 40});
     QCOMPARE(photo.originalCGImage(), pattern({70, 40}).transformed(QTransform().rotate(90)));
     QVERIFY(photo.isLoaded() && photo.loadError().isEmpty());
+}
+
+/// An editor replaces the photo while its copy is made, which would take its place.
+void ImageObjectTest::newerFileIsNotOverwritten()
+{
+    Services services(0);
+    const QString path = writtenPattern({70, 40});
+    const QString newer = m_folder->path(QStringLiteral("newer.tmp"));
+    QVERIFY(pattern({50, 20}).save(newer, "PNG"));
+    ImageObject photo(path, services.all);
+    SavingPresetValues same;
+    same.imageFormat = QStringLiteral("Original");
+    const auto replaceOnce = [&] {
+        std::rename(QFile::encodeName(newer).constData(), QFile::encodeName(path).constData());
+        return false;
+    };
+    const auto saved =
+        photo.saveImageAtPath({path, AtomicFile::IfExists::Replace}, {}, same, true, replaceOnce);
+    QVERIFY(!saved);
+    QCOMPARE(saved.error().text, QStringLiteral("the file was changed while it was read"));
+    QCOMPARE(QImage(path).size(), QSize(50, 20));
 }
 
 void ImageObjectTest::manyThreads()

@@ -503,8 +503,8 @@ void SavingPresetTest::valuesWithMarkupAreWrittenAsInitial()
 void SavingPresetTest::everyStartIsReadBack()
 {
     std::vector<std::shared_ptr<SavingPreset>> presets;
-    for (const QString &text : {u"\"q\" 'r'"_qs, u"'"_qs, u"=1"_qs, u"/>"_qs, u"?>"_qs, u" a "_qs, u"\t"_qs,
-                                u"\n\n"_qs, u"\r\n b"_qs, u"&#34;"_qs, u"-"_qs}) {
+    for (const QString &text : {u"\"q\" 'r'"_qs, u"'"_qs, u"=1"_qs, u"/>"_qs, u"?>"_qs, u">1"_qs, u" a "_qs,
+                                u"\t"_qs, u"\n\n"_qs, u"\r\n b"_qs, u"&#34;"_qs, u"-"_qs}) {
         SavingPresetValues values;
         values.name = text;
         if (text != u"&#34;") // tokens are written raw
