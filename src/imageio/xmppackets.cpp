@@ -3,6 +3,7 @@
 #include "imageio/xmppackets.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
@@ -76,15 +77,19 @@ private:
         return isCommand ? kNoCommand + text.toString() : text.toString();
     }
 
-    /// The same for the same namespace in every packet.
-    static QString prefixFor(QStringView prefix, QStringView uri)
+    /// One for each namespace, where a packet binds the same one again and again, too. What is made here is
+    /// the same for the same namespace in every packet.
+    QString prefixFor(QStringView prefix, QStringView uri)
     {
-        if (!isClash(prefix, uri))
+        if (!m_bound.contains(prefix.toString()))
+            m_bound.insert(prefix.toString(), uri.toString());
+        if (m_bound.value(prefix.toString()) == uri && !isClash(prefix, uri))
             return prefix.toString();
         return prefix.toString() + u'-' + QString::number(qHash(uri, 1), 16).right(8);
     }
 
     bool m_isAtStart = true;
+    QHash<QString, QString> m_bound; // namespaces by the prefixes that were first to stand for them
 };
 
 /// Looks only roughly: true for a packet that needs nothing costs time, nothing else.
@@ -92,6 +97,7 @@ bool needsRewriting(const QByteArray &packet)
 {
     if (packet.contains(">type=") || packet.contains("\"type=") || packet.contains("'type="))
         return true;
+    QHash<QByteArray, QByteArray> bound;
     for (qsizetype at = packet.indexOf("xmlns:"); at >= 0; at = packet.indexOf("xmlns:", at + 1)) {
         const qsizetype equals = packet.indexOf('=', at);
         if (equals < 0)
@@ -102,8 +108,14 @@ bool needsRewriting(const QByteArray &packet)
         const qsizetype close = open < packet.size() ? packet.indexOf(packet[open], open + 1) : -1;
         if (close < 0)
             return false;
-        const QString prefix = QString::fromUtf8(packet.mid(at + 6, equals - at - 6).trimmed());
-        if (isClash(prefix, QString::fromUtf8(packet.mid(open + 1, close - open - 1))))
+        const QByteArray prefix = packet.mid(at + 6, equals - at - 6).trimmed();
+        const QByteArray uri = packet.mid(open + 1, close - open - 1);
+        const auto first = bound.constFind(prefix);
+        if (first == bound.constEnd())
+            bound.insert(prefix, uri);
+        else if (*first != uri)
+            return true;
+        if (isClash(QString::fromUtf8(prefix), QString::fromUtf8(uri)))
             return true;
     }
     return false;

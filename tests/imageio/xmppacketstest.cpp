@@ -28,6 +28,7 @@ class XmpPacketsTest : public QObject
 
 private Q_SLOTS:
     void prefixesDoNotReachOtherPhotos();
+    void prefixBoundAnewKeepsItsFacts();
     void commandsAreTexts_data();
     void commandsAreTexts();
     void editsAreTexts_data();
@@ -80,6 +81,23 @@ void XmpPacketsTest::prefixesDoNotReachOtherPhotos()
     QVERIFY(contents.contains("\"http://www.w3.org/2003/12/exif/ns#\""));
     QVERIFY(contents.contains("\"http://example.org/photoshop/\""));
     QVERIFY(contents.contains("nowhere"));
+}
+
+/// One prefix for two namespaces in one packet.
+void XmpPacketsTest::prefixBoundAnewKeepsItsFacts()
+{
+    QByteArray both = packet("xmlns:a=\"http://purl.org/dc/elements/1.1/\" xmlns:q=\"http://q.example/1/\"",
+                             "a:format=\"image/jpeg\" a:identifier=\"No. 1\" q:a=\"one\"");
+    both.replace("</rdf:RDF>", "<rdf:Description xmlns:a=\"http://ns.adobe.com/photoshop/1.0/\" "
+                               "xmlns:q=\"http://q.example/2/\" rdf:about=\"\" a:City=\"Rom\" q:a=\"two\"/>"
+                               "</rdf:RDF>");
+    const QString copy = copyOf(both);
+    const auto record = test::exiftoolRecords({copy}, {u"-XMP:all"_qs, u"-G1"_qs})[copy];
+    QCOMPARE(record[u"XMP-photoshop:City"_qs].toString(), u"Rom"_qs);
+    QCOMPARE(record[u"XMP-dc:Identifier"_qs].toString(), u"No. 1"_qs);
+    const QByteArray contents = test::contentsOf(copy);
+    QVERIFY(contents.contains("\"http://q.example/1/\"") && contents.contains("\"http://q.example/2/\""));
+    QVERIFY(contents.contains("one") && contents.contains("two"));
 }
 
 void XmpPacketsTest::commandsAreTexts_data()
