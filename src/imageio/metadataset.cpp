@@ -5,6 +5,7 @@
 #include "imageio/exiv2setup.h"
 #include "imageio/metadatablocks.h"
 #include "imageio/tiffmetadata.h"
+#include "imageio/xmpdeclarations.h"
 #include "imageio/xmppackets.h"
 #include "imageio/xmprepair.h"
 
@@ -126,6 +127,7 @@ std::optional<Exiv2::XmpData> attemptedPacket(const std::string &packet)
     try {
         Exiv2::XmpData xmp;
         const std::string understood = packetForLibrary(packet);
+        rememberXmpNamespaces(QByteArray::fromStdString(understood));
         if (Exiv2::XmpParser::decode(xmp, understood) != 0)
             return {};
         if (understood != packet)
@@ -223,8 +225,10 @@ void readThroughLibrary(MetadataSet &set, const QString &path)
     set.xmpPacket = image->xmpPacket();
     if (set.xmpPacket.empty())
         set.xmpPacket = blockOf(set.exif, "Exif.Image.XMLPacket").toStdString();
-    if (set.xmpPacket.empty() && !image->xmpData().empty())
+    if (set.xmpPacket.empty() && !image->xmpData().empty()) {
         Exiv2::XmpParser::encode(set.xmpPacket, image->xmpData());
+        set.xmpPacket = withXmpNamespaces(QByteArray::fromStdString(set.xmpPacket)).toStdString();
+    }
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 
 #include "imageio/xmpencoding.h"
 
+#include "imageio/xmpdeclarations.h"
+
 #include <map>
 #include <optional>
 #include <set>
@@ -18,7 +20,7 @@ std::optional<QByteArray> attemptedPacket(const Exiv2::XmpData &xmp)
     try {
         std::string packet;
         if (Exiv2::XmpParser::encode(packet, xmp, Exiv2::XmpParser::useCompactFormat) == 0)
-            return QByteArray::fromStdString(packet);
+            return withXmpNamespaces(QByteArray::fromStdString(packet));
     } catch (const std::exception &) {
         // Some refusals are told in one way, some in the other.
     }

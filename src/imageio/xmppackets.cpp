@@ -3,6 +3,7 @@
 #include "imageio/xmppackets.h"
 
 #include <QByteArray>
+#include <QCryptographicHash>
 #include <QHash>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
@@ -78,14 +79,15 @@ private:
     }
 
     /// One for each namespace, where a packet binds the same one again and again, too. What is made here is
-    /// the same for the same namespace in every packet.
+    /// the same for the same namespace in every packet and every run.
     QString prefixFor(QStringView prefix, QStringView uri)
     {
         if (!m_bound.contains(prefix.toString()))
             m_bound.insert(prefix.toString(), uri.toString());
         if (m_bound.value(prefix.toString()) == uri && !isClash(prefix, uri))
             return prefix.toString();
-        return prefix.toString() + u'-' + QString::number(qHash(uri, 1), 16).right(8);
+        const QByteArray hash = QCryptographicHash::hash(uri.toUtf8(), QCryptographicHash::Sha256).toHex();
+        return prefix.toString() + u'-' + QString::fromLatin1(hash.first(8));
     }
 
     bool m_isAtStart = true;

@@ -29,6 +29,7 @@ class XmpPacketsTest : public QObject
 private Q_SLOTS:
     void prefixesDoNotReachOtherPhotos();
     void prefixBoundAnewKeepsItsFacts();
+    void prefixThatEndsAnotherIsDeclared();
     void commandsAreTexts_data();
     void commandsAreTexts();
     void editsAreTexts_data();
@@ -98,6 +99,18 @@ void XmpPacketsTest::prefixBoundAnewKeepsItsFacts()
     const QByteArray contents = test::contentsOf(copy);
     QVERIFY(contents.contains("\"http://q.example/1/\"") && contents.contains("\"http://q.example/2/\""));
     QVERIFY(contents.contains("one") && contents.contains("two"));
+}
+
+void XmpPacketsTest::prefixThatEndsAnotherIsDeclared()
+{
+    const QString copy =
+        copyOf(packet("xmlns:abc=\"http://abc.example/\" xmlns:c=\"http://c.example/?a&amp;b\"",
+                      "abc:one=\"1\" c:two=\"2\" c:text=\"is xmlns:z='&amp;amp;'\""));
+    const auto record = test::exiftoolRecords({copy}, {u"-XMP:all"_qs, u"-G1"_qs})[copy];
+    QCOMPARE(record[u"XMP-abc:One"_qs].toInt(), 1);
+    QCOMPARE(record[u"XMP-c:Two"_qs].toInt(), 2);
+    QCOMPARE(record[u"XMP-c:Text"_qs].toString(), u"is xmlns:z='&amp;'"_qs);
+    QVERIFY(test::contentsOf(copy).contains("xmlns:c=\"http://c.example/?a&amp;b\"")); // without a slash
 }
 
 void XmpPacketsTest::commandsAreTexts_data()
