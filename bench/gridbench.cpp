@@ -5,6 +5,7 @@
 
 #include "images/imageobject.h"
 #include "platform/applicationname.h"
+#include "threadtime.h"
 #include "views/imagebrowserview.h"
 
 #include <QApplication>
@@ -13,7 +14,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 
 using namespace plexa;
 
@@ -59,9 +59,7 @@ private:
 /// takes on a machine that does nothing else.
 double now()
 {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return (static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec)) / kFrame;
+    return threadNanoseconds() / kFrame;
 }
 
 /// What it takes to draw all of the grid that is seen.

@@ -5,7 +5,7 @@
 
 #include "app/imageset.h"
 #include "app/statusmanager.h"
-#include "platform/alerts.h"
+#include "noquestions.h"
 #include "platform/userdefaults.h"
 
 #include <QCoreApplication>
@@ -16,22 +16,6 @@
 #include <cstdlib>
 
 using namespace plexa;
-
-namespace
-{
-
-/// A question would change what is measured.
-class NoQuestions final : public Alerts
-{
-public:
-    AlertAnswer run(const Alert &alert) override
-    {
-        std::fprintf(stderr, "%s\n%s\n", qPrintable(alert.title), qPrintable(alert.text));
-        std::exit(EXIT_FAILURE);
-    }
-};
-
-} // namespace
 
 int main(int argc, char **argv)
 {

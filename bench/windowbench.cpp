@@ -10,9 +10,10 @@
 
 #include "app/appcontroller.h"
 #include "app/ui/mainwindow.h"
-#include "platform/alerts.h"
+#include "noquestions.h"
 #include "platform/settings.h"
 #include "platform/userdefaults.h"
+#include "threadtime.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -26,7 +27,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <functional>
 #include <thread>
 
@@ -34,17 +34,6 @@ using namespace plexa;
 
 namespace
 {
-
-/// A question would change what is measured.
-class NoQuestions final : public Alerts
-{
-public:
-    AlertAnswer run(const Alert &alert) override
-    {
-        std::fprintf(stderr, "%s\n%s\n", qPrintable(alert.title), qPrintable(alert.text));
-        std::exit(EXIT_FAILURE);
-    }
-};
 
 void print(const char *what, double milliseconds)
 {
@@ -56,12 +45,9 @@ double milliseconds(const QElapsedTimer &timer)
     return static_cast<double>(timer.nsecsElapsed()) / 1e6;
 }
 
-/// Time that this thread has worked. On a busy machine it waits besides, which is not its fault.
 double threadMilliseconds()
 {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+    return threadNanoseconds() / 1e6;
 }
 
 /// Everything that follows from it is drawn when this returns.

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "app/indexlist.h"
-#include "app/presetlist.h"
 #include "images/imageobject.h"
+#include "watermark/wpreset.h"
 
 #include <QObject>
 

@@ -4,7 +4,7 @@
 
 #include "app/imagelist.h"
 #include "app/mainthreadcalls.h"
-#include "app/presetlist.h"
+#include "watermark/wpreset.h"
 
 #include <QObject>
 #include <QPointF>

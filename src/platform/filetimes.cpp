@@ -2,39 +2,20 @@
 
 #include "platform/filetimes.h"
 
-#include <QFile>
+#include "platform/fileversion.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
-#include <tuple>
+#include <algorithm>
 
 namespace plexa
 {
-namespace
-{
-
-timespec timeOf(const struct statx_timestamp &time)
-{
-    return {static_cast<time_t>(time.tv_sec), static_cast<long>(time.tv_nsec)};
-}
-
-} // namespace
 
 std::optional<timespec> creationTimeOf(const QString &path)
 {
-    struct statx found {
-    };
-    if (statx(AT_FDCWD, QFile::encodeName(path).constData(), 0, STATX_MTIME | STATX_BTIME, &found) != 0 ||
-        (found.stx_mask & STATX_MTIME) == 0)
+    const std::optional<FileVersion> version = fileVersionAt(path);
+    if (!version)
         return std::nullopt;
-    const timespec modified = timeOf(found.stx_mtime);
-    if ((found.stx_mask & STATX_BTIME) == 0)
-        return modified;
-    const timespec born = timeOf(found.stx_btime);
-    const bool isBirthEarlier =
-        std::tie(born.tv_sec, born.tv_nsec) < std::tie(modified.tv_sec, modified.tv_nsec);
-    return isBirthEarlier ? born : modified;
+    const FileTime created = std::min(version->modified, version->born.value_or(version->modified));
+    return timespec{created.seconds, static_cast<long>(created.nanoseconds)};
 }
 
 } // namespace plexa

@@ -14,9 +14,9 @@ namespace plexa
 namespace
 {
 
-qint64 nanoseconds(const struct statx_timestamp &time)
+FileTime timeOf(const struct statx_timestamp &time)
 {
-    return time.tv_sec * 1'000'000'000LL + time.tv_nsec;
+    return {time.tv_sec, time.tv_nsec};
 }
 
 std::optional<FileVersion> versionOf(int folder, const char *path, int flags)
@@ -25,8 +25,9 @@ std::optional<FileVersion> versionOf(int folder, const char *path, int flags)
     if (::statx(folder, path, flags, STATX_BASIC_STATS | STATX_BTIME, &status) != 0)
         return std::nullopt;
     return FileVersion{makedev(status.stx_dev_major, status.stx_dev_minor), status.stx_ino, status.stx_size,
-                       nanoseconds(status.stx_mtime),
-                       (status.stx_mask & STATX_BTIME) != 0 ? nanoseconds(status.stx_btime) : 0};
+                       timeOf(status.stx_mtime),
+                       (status.stx_mask & STATX_BTIME) != 0 ? std::optional(timeOf(status.stx_btime))
+                                                            : std::nullopt};
 }
 
 } // namespace

@@ -275,8 +275,7 @@ void SavingProcess::saveCopy(const std::shared_ptr<PhotoInWork> &photo, const Ah
         if (!ahead.failure.isEmpty() || !place) {
             output.status = SavingOutput::Status::Failed;
             output.error = !ahead.failure.isEmpty() ? ahead.failure : place.error().text;
-            if (!pending.keepsName)
-                m_naming.finished(output.path); // the next one may have the name, as in the run
+            giveNameBack(pending);
         }
     } else if (output.status == SavingOutput::Status::Planned) {
         startWriting(pending, photo, order);
@@ -322,8 +321,7 @@ void SavingProcess::startWriting(Pending &pending, const std::shared_ptr<PhotoIn
     if (const Result<void> possible = checkFolderCanBeMade(folder); !possible) {
         pending.output.status = SavingOutput::Status::Failed;
         pending.output.error = possible.error().text;
-        if (!pending.keepsName)
-            m_naming.finished(pending.output.path);
+        giveNameBack(pending);
         return;
     }
     removeLeftoversIn(folder);
@@ -360,8 +358,7 @@ void SavingProcess::startWriting(Pending &pending, const std::shared_ptr<PhotoIn
 /// else. Is called on a thread of the pool.
 std::function<std::optional<QString>()> SavingProcess::alternativesFor(Pending &pending)
 {
-    const bool isUnique = pending.output.conflict == SavingOutput::Conflict::UniqueName ||
-                          m_conflictCode == OutputNaming::always(OutputNaming::kUniqueName);
+    const bool isUnique = pending.output.conflict == SavingOutput::Conflict::UniqueName || pending.keepsName;
     if (!isUnique || pending.overwrites)
         return {};
     return [this, &pending, number = 0]() mutable -> std::optional<QString> {
@@ -372,14 +369,23 @@ std::function<std::optional<QString>()> SavingProcess::alternativesFor(Pending &
     };
 }
 
+/// After a failure the next copy may have the name, in a dry run as in the one that follows.
+void SavingProcess::giveNameBack(const Pending &pending)
+{
+    if (!pending.keepsName)
+        m_naming.finished(pending.output.path);
+}
+
 /// On a thread of the pool. Nothing may touch the copy afterwards.
 void SavingProcess::finish(Pending &pending, Result<CopyReport> result, const QString &sourceKey,
                            const QString &target)
 {
     SavingOutput &output = pending.output;
     // Whoever waits for one of these finds out now whether there is a file.
-    if (result || !pending.keepsName)
+    if (result)
         m_naming.finished(output.path);
+    else
+        giveNameBack(pending);
     for (const QString &path : std::as_const(pending.alternatives))
         m_naming.finished(path);
     if (!pending.alternatives.isEmpty()) {

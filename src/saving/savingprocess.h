@@ -55,6 +55,7 @@ private:
     void decide(Pending &pending, const AheadOfTime &ahead, const Order &order, const QString &folder);
     void startWriting(Pending &pending, const std::shared_ptr<PhotoInWork> &photo, const Order &order);
     std::function<std::optional<QString>()> alternativesFor(Pending &pending);
+    void giveNameBack(const Pending &pending);
     void finish(Pending &pending, Result<CopyReport> result, const QString &sourceKey, const QString &target);
     Result<void> checkPlace(const Pending &pending) const;
     QStringList emptyTokens(const AheadOfTime &ahead, const Order &order) const;

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "app/presetlist.h"
+#include "watermark/wpreset.h"
 
 #include <QMainWindow>
 

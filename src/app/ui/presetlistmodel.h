@@ -3,7 +3,7 @@
 #pragma once
 
 #include "app/indexlist.h"
-#include "app/presetlist.h"
+#include "watermark/wpreset.h"
 
 #include <QAbstractListModel>
 
