@@ -29,6 +29,7 @@ public:
     [[nodiscard]] Result<std::unique_ptr<RowWriter>> openWriter(QIODevice &device, const RowFormat &format,
                                                                 const WriteOptions &options) const override;
     bool writesIptc() const override { return false; }
+    bool writesComment() const override { return false; }
     bool holdsThumbnail() const override { return false; }
     qint64 writerBytes(const RowFormat &format, const WriteOptions &options) const override;
 

@@ -116,8 +116,13 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
                                                request.turn,
                                                target->codec->writesExif()};
     const EmbeddedMetadata::Encoded encoded = metadata->encodeForCopy(properties, facts);
-    if (request.omitted)
+    if (request.omitted) {
         *request.omitted += encoded.omitted;
+        const QString comment = QStringLiteral("comment");
+        if (!encoded.comment.isEmpty() && !target->codec->writesComment() &&
+            !encoded.omitted.contains(comment))
+            *request.omitted += comment;
+    }
     options.exif = encoded.exif;
     options.thumbnailPlaceholder = encoded.thumbnailPlaceholder;
     options.iptc = encoded.iptc;

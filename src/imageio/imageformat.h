@@ -121,6 +121,9 @@ public:
     /// The same of EXIF.
     virtual bool writesExif() const { return true; }
 
+    /// The same of a comment, a text about the photo outside of EXIF, IPTC and XMP.
+    virtual bool writesComment() const { return true; }
+
     /// Does a written file keep a thumbnail in its EXIF (WriteOptions::thumbnailPlaceholder)?
     virtual bool holdsThumbnail() const { return true; }
 

@@ -17,6 +17,7 @@ public:
                                                                 int reduction) const override;
     [[nodiscard]] Result<std::unique_ptr<RowWriter>> openWriter(QIODevice &device, const RowFormat &format,
                                                                 const WriteOptions &options) const override;
+    bool writesComment() const override { return false; }
     bool holdsThumbnail() const override { return false; } // it would be a second picture of the file
     qint64 writerBytes(const RowFormat &format, const WriteOptions &options) const override;
 };

@@ -259,6 +259,13 @@ void CommandLineTest::badFilesDoNotStopTheOthers()
     QVERIFY2(lines[3].startsWith("3 caf") && lines[3].endsWith("UTF-8"), lines[3].constData());
     QCOMPARE(lines[4], "b.jpg: the copy leaves out: comment");
     QCOMPARE(lines[5], "plexa-cli: 4 of 6 copies failed");
+
+    write(QStringLiteral("d.jpg"), jpeg.replace(2, 6, QByteArray("\xFF\xFE\0\5abc", 7)));
+    const QByteArray said = run({QStringLiteral("save"), QStringLiteral("--text"), QStringLiteral("x"),
+                                 QStringLiteral("--save-set"), QStringLiteral("imageFormat=TIFF"),
+                                 QStringLiteral("--output"), out, m_folder->path(QStringLiteral("d.jpg"))})
+                                .err;
+    QCOMPARE(said, "d.jpg: the copy leaves out: comment\n");
 }
 
 /// It costs a line and the exit status; the other photos are done.
