@@ -18,10 +18,7 @@ void lookAt(const ArchivedValue &value, int depth)
     value.boolean();
     value.color();
     value.indexSet();
-    for (const ArchivedImage &image : value.imageRepresentations()) {
-        if (image.tiff.isNull() && image.svg.isNull())
-            std::abort();
-    }
+    value.imageRepresentations();
     if (depth == 0)
         return;
     for (const ArchivedValue &element : value.array().value_or(std::vector<ArchivedValue>()))
