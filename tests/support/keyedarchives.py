@@ -174,7 +174,8 @@ def presets(folder):
     write("no-list", lambda a: a.add("x"))
     write("no-preset", lambda a: a.array([UID(0), a.add("x")]))
     write("some", lambda a: a.array([UID(0), a.add("x"), preset(a), UID(4000), a.obj(("NSObject",), WPName="x")]))
-    named = lambda a, name, picture: preset(a, WPName=a.add(name), WPImage=picture)
+    named = lambda a, name, picture: preset(a, WPName=a.add(name), WPImage=picture, WPWidth=a.add(50),
+                                              WPWidthUnit=a.add("% of width"), WPOpacity=a.add(100))
     pixels = lambda a, tiffs, *names: a.image([a.data(t) for t in tiffs], *names)
     red = tiff(40, 30, (255, 0, 0))
     write("pictures", lambda a: a.array([
