@@ -89,7 +89,9 @@ plist_t copyOf(plist_t node, const std::function<KeyedArchiver::Reference(quint6
             const Freed freedKey(key, &std::free);
             if (!item)
                 return copy;
-            plist_dict_set_item(copy, key, copyOf(item, translated, bytes));
+            // Of a key that is there twice, reading takes the first.
+            if (!plist_dict_get_item(copy, key))
+                plist_dict_set_item(copy, key, copyOf(item, translated, bytes));
         }
     }
     default: {
