@@ -42,6 +42,7 @@ private:
 struct PresetsFile {
     bool areWatermarks = false;
     bool isLater = false;
+    QStringList leftOut; ///< what is in the file and in neither list
     WPresetList wPresets;
     SavingPresetList savingPresets;
 };
@@ -64,7 +65,7 @@ Result<PresetsFile> readPresetsFile(const QString &path)
         });
     }
     const auto number = [](qint64 presetID) { return std::make_shared<SavingPresetNumber>(presetID); };
-    return readWPresetsFromFile(path, &file.isLater, number).map([&](const WPresetList &list) {
+    return readWPresetsFromFile(path, &file.isLater, number, &file.leftOut).map([&](const WPresetList &list) {
         file.wPresets = list;
         return file;
     });
@@ -104,6 +105,8 @@ QString lineFor(const WPreset &preset)
 {
     if (preset.type() != QLatin1String("Image"))
         return QStringLiteral("%1: text, %2").arg(preset.name(), textOf(preset.textTokens()));
+    if (!preset.validPreset())
+        return QStringLiteral("%1: image, cannot be read").arg(preset.name());
     const QSizeF size = preset.image().size();
     return preset.image().isNull()
                ? QStringLiteral("%1: image, none").arg(preset.name())
@@ -135,8 +138,22 @@ void print(const PresetsFile &file, bool json)
         printLine(stdout, QString::fromUtf8(QJsonDocument(objects).toJson().trimmed()));
 }
 
-Result<void> convert(const PresetsFile &file, const QString &target)
+/// What of the file is not in what is printed or written, and what is but cannot be drawn.
+void printFaults(const PresetsFile &file, const QString &path)
 {
+    for (const QString &fault : file.leftOut)
+        printAbout(path, fault);
+    for (const auto &preset : file.wPresets) {
+        if (const QString fault = preset->values().pictureFault(); !fault.isEmpty())
+            printAbout(path, fault);
+    }
+}
+
+Result<void> convert(const PresetsFile &file, const QString &path, const QString &target)
+{
+    if (!file.leftOut.isEmpty() &&
+        QFileInfo(target).canonicalFilePath() == QFileInfo(path).canonicalFilePath())
+        return fail(QStringLiteral("what cannot be read would be lost; write the presets to another file"));
     if (file.isLater)
         return fail(
             QStringLiteral("a later version of Plexa wrote it; today's form would leave out what that "
@@ -175,16 +192,18 @@ int runPresets(const PresetsOptions &options)
         printAbout(path, file.error().text);
         return kSomethingFailed;
     }
+    printFaults(*file, path);
+    const int status = file->leftOut.isEmpty() ? 0 : kSomethingFailed;
     if (options.convertTo.empty()) {
         print(*file, options.json);
-        return 0;
+        return status;
     }
-    if (const Result<void> converted = convert(*file, QFile::decodeName(options.convertTo.c_str()));
+    if (const Result<void> converted = convert(*file, path, QFile::decodeName(options.convertTo.c_str()));
         !converted) {
         printAbout(path, converted.error().text);
         return kSomethingFailed;
     }
-    return 0;
+    return status;
 }
 
 } // namespace plexa

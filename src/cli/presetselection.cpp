@@ -91,6 +91,10 @@ Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
             return fail(QStringLiteral("there is no watermark preset \"%1\" among %2 of %3")
                             .arg(wanted, namesOf(*presets), described(path)));
     }
+    for (const AppliedPreset &mark : applied) {
+        if (!mark.values.validPreset())
+            return fail(QStringLiteral("%1: %2").arg(described(path), mark.values.pictureFault()));
+    }
     if (applied.empty())
         return fail(QStringLiteral("there are no watermark presets in %1").arg(described(path)));
     return applied;

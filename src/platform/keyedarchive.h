@@ -5,6 +5,7 @@
 #include "platform/result.h"
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QColor>
 #include <QLatin1StringView>
 #include <QList>
@@ -40,6 +41,30 @@ struct ArchivedImage {
     QByteArray tiff; ///< a TIFF file
     QByteArray svg;  ///< the drawing that the TIFF file was made from, where there is one. Only this program
                      ///< looks for it; others pass over a key that they do not know.
+};
+
+/// What an archived picture is made of. The views are into the archive, and valid as long as any value or
+/// kept object of it.
+struct ImageRepresentations {
+    QList<QByteArrayView> bitmaps; ///< files, most often TIFF, in their order
+    QByteArrayView svg;            ///< as in ArchivedImage; empty where there is none
+};
+
+/// An object of an archive that was read, with all that it refers to, so that it can be written again as it
+/// came. Keeps the archive. Immutable; any thread.
+class KeptObject final
+{
+public:
+    /// None.
+    KeptObject() = default;
+
+    bool isNone() const { return !m_node; }
+
+private:
+    friend class ArchivedValue;
+    friend class KeyedArchiver;
+    std::shared_ptr<const std::vector<void *>> m_objects; // of the archive
+    void *m_node = nullptr;
 };
 
 /// Writes a keyed archive. Objects are added from the leaves up, each with the references of what it holds;
@@ -90,6 +115,9 @@ public:
     /// As calibrated RGB, its numbers being those of sRGB. An invalid colour is none.
     Reference addColor(const QColor &color);
     Reference addImage(const ArchivedImage &image);
+    /// An object of another archive, with all that it refers to. What several copies of one archive refer to
+    /// becomes one object here, too; references to nowhere become none.
+    Reference addCopy(const KeptObject &object);
     /// An object of a class of our own.
     Reference addObject(Object object, QLatin1StringView className);
 
@@ -146,9 +174,11 @@ public:
     /// those of sRGB, CMYK is converted without a profile.
     QColor color() const;
 
-    /// All representations of a picture, in their order; only their `tiff` is filled, and `svg` of the first
-    /// one.
-    QList<ArchivedImage> imageRepresentations() const;
+    /// Of a picture; both are empty for everything else, and where no representation is known.
+    ImageRepresentations imageRepresentations() const;
+
+    /// To write it again.
+    KeptObject kept() const;
 
     /// Tells objects apart: the same for every reference to one object.
     const void *identity() const { return m_node; }
@@ -163,6 +193,7 @@ private:
 
     ArchivedValue resolved(void *node) const;
     bool isNode(int type) const;
+    std::optional<QByteArrayView> dataView() const;
     std::optional<std::vector<double>> components(QLatin1StringView key) const;
     QColor rgbColor() const;
     QColor colorAtDepth(int depth) const;

@@ -9,6 +9,8 @@
 #include <plist/plist.h>
 
 #include <cmath>
+#include <cstdlib>
+#include <functional>
 
 namespace plexa
 {
@@ -20,6 +22,9 @@ struct Texts {
 };
 
 using Lineage = std::vector<QLatin1StringView>;
+
+/// Memory of the library.
+using Freed = std::unique_ptr<void, decltype(&std::free)>;
 
 const QLatin1StringView kClass("$class");
 constexpr quint64 kArchiverVersion = 100'000;
@@ -50,6 +55,54 @@ void appendVariableLength(QByteArray &bytes, quint64 number)
         number >>= 7;
     }
     bytes.append(static_cast<char>(number));
+}
+
+/// Has its own memory.
+plist_t copyOf(plist_t node, const std::function<KeyedArchiver::Reference(quint64 index)> &translated,
+               qint64 &bytes)
+{
+    switch (plist_get_node_type(node)) {
+    case PLIST_UID: {
+        uint64_t index = 0;
+        plist_get_uid_val(node, &index);
+        return newUid(translated(index));
+    }
+    case PLIST_ARRAY: {
+        const plist_t copy = plist_new_array();
+        plist_array_iter iterator = nullptr;
+        plist_array_new_iter(node, &iterator);
+        const Freed freed(iterator, &std::free);
+        plist_t item = nullptr;
+        for (plist_array_next_item(node, iterator, &item); item; plist_array_next_item(node, iterator, &item))
+            plist_array_append_item(copy, copyOf(item, translated, bytes));
+        return copy;
+    }
+    case PLIST_DICT: {
+        const plist_t copy = plist_new_dict();
+        plist_dict_iter iterator = nullptr;
+        plist_dict_new_iter(node, &iterator);
+        const Freed freed(iterator, &std::free);
+        for (;;) {
+            char *key = nullptr;
+            plist_t item = nullptr;
+            plist_dict_next_item(node, iterator, &key, &item);
+            const Freed freedKey(key, &std::free);
+            if (!item)
+                return copy;
+            // Of a key that is there twice, reading takes the first.
+            if (!plist_dict_get_item(copy, key))
+                plist_dict_set_item(copy, key, copyOf(item, translated, bytes));
+        }
+    }
+    default: {
+        uint64_t length = 0;
+        if (plist_get_node_type(node) == PLIST_DATA)
+            plist_get_data_ptr(node, &length);
+        bytes += static_cast<qint64>(length);
+        // More than can be written: finish() will say so, and takes no memory for it.
+        return bytes > kMaxPropertyListBytes ? plist_new_bool(0) : plist_copy(node);
+    }
+    }
 }
 
 } // namespace
@@ -110,6 +163,8 @@ struct KeyedArchiver::State {
     QHash<qint64, Reference> integers;
     QHash<float, Reference> floats;
     QHash<QLatin1StringView, Reference> classes;
+    QHash<const void *, Reference> copies; // by the object that was copied
+    std::vector<KeptObject> copied;        // keeps these from being replaced by others at their addresses
 
     ~State() { plist_free(objects); }
 };
@@ -272,6 +327,33 @@ KeyedArchiver::Reference KeyedArchiver::addImage(const ArchivedImage &image)
     if (!image.svg.isEmpty())
         object.setObject(QLatin1StringView("PlexaSVG"), addMutableData(image.svg));
     return addInstance(std::move(object), {QLatin1StringView("NSImage"), QLatin1StringView("NSObject")});
+}
+
+KeyedArchiver::Reference KeyedArchiver::addCopy(const KeptObject &object)
+{
+    if (object.isNone())
+        return Reference::None;
+    m_state->copied.push_back(object);
+    // Objects get their numbers when they are met first, and stand in the archive in this order.
+    std::vector<plist_t> met;
+    const auto referenceOf = [&](plist_t node) {
+        const auto known = m_state->copies.constFind(node);
+        if (known != m_state->copies.cend())
+            return *known;
+        met.push_back(node);
+        return *m_state->copies.insert(node, static_cast<Reference>(m_state->count + met.size() - 1));
+    };
+    const auto translated = [&](quint64 index) {
+        const bool isObject = index > 0 && index < object.m_objects->size();
+        return isObject ? referenceOf((*object.m_objects)[static_cast<std::size_t>(index)]) : Reference::None;
+    };
+    const Reference reference = referenceOf(object.m_node);
+    std::vector<plist_t> copies;
+    for (std::size_t i = 0; i < met.size(); ++i)
+        copies.push_back(copyOf(met[i], translated, m_state->bytes));
+    for (const plist_t copy : copies)
+        append(copy);
+    return reference;
 }
 
 Result<QByteArray> KeyedArchiver::finish()

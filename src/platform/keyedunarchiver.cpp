@@ -238,19 +238,25 @@ bool ArchivedValue::boolean() const
     return number().value_or(0) != 0;
 }
 
-std::optional<QByteArray> ArchivedValue::data() const
+std::optional<QByteArrayView> ArchivedValue::dataView() const
 {
     if (isNode(PLIST_DATA)) {
         uint64_t length = 0;
         const char *const bytes = plist_get_data_ptr(m_node, &length);
         const auto size = static_cast<qint64>(length);
-        return m_archive->take(m_archive->bytesLeft, size) ? std::optional(QByteArray(bytes, size))
+        return m_archive->take(m_archive->bytesLeft, size) ? std::optional(QByteArrayView(bytes, size))
                                                            : std::nullopt;
     }
     if (!isOfClass(QLatin1StringView("NSData")))
         return std::nullopt;
     const ArchivedValue boxed = value(QLatin1StringView("NS.data"));
-    return boxed.isNode(PLIST_DATA) ? boxed.data() : std::nullopt;
+    return boxed.isNode(PLIST_DATA) ? boxed.dataView() : std::nullopt;
+}
+
+std::optional<QByteArray> ArchivedValue::data() const
+{
+    const std::optional<QByteArrayView> bytes = dataView();
+    return bytes ? std::optional(bytes->toByteArray()) : std::nullopt;
 }
 
 std::optional<std::vector<ArchivedValue>> ArchivedValue::array() const
@@ -380,27 +386,34 @@ QColor ArchivedValue::color() const
     return colorAtDepth(0);
 }
 
-QList<ArchivedImage> ArchivedValue::imageRepresentations() const
+ImageRepresentations ArchivedValue::imageRepresentations() const
 {
-    QList<ArchivedImage> images;
+    ImageRepresentations representations;
     if (!isOfClass(QLatin1StringView("NSImage")))
-        return images;
+        return representations;
     const auto pairs = value(QLatin1StringView("NSReps")).array();
     for (const ArchivedValue &pair : pairs.value_or(std::vector<ArchivedValue>())) {
         for (const ArchivedValue &half : pair.array().value_or(std::vector<ArchivedValue>())) {
-            const std::optional<QByteArray> tiff =
-                half.value(QLatin1StringView("NSTIFFRepresentation")).data();
-            if (tiff && half.isOfClass(QLatin1StringView("NSBitmapImageRep")) &&
-                images.size() < kMaxRepresentations)
-                images.append({{}, *tiff, {}});
+            if (representations.bitmaps.size() >= kMaxRepresentations ||
+                !half.isOfClass(QLatin1StringView("NSBitmapImageRep")))
+                continue;
+            if (const auto tiff = half.value(QLatin1StringView("NSTIFFRepresentation")).dataView())
+                representations.bitmaps.append(*tiff);
         }
     }
-    const std::optional<QByteArray> svg = value(QLatin1StringView("PlexaSVG")).data();
-    if (svg && images.isEmpty())
-        images.append({{}, {}, *svg});
-    else if (svg)
-        images.first().svg = *svg;
-    return images;
+    if (const auto svg = value(QLatin1StringView("PlexaSVG")).dataView())
+        representations.svg = *svg;
+    return representations;
+}
+
+KeptObject ArchivedValue::kept() const
+{
+    KeptObject object;
+    if (m_node) {
+        object.m_objects = {m_archive, &m_archive->objects};
+        object.m_node = m_node;
+    }
+    return object;
 }
 
 } // namespace plexa

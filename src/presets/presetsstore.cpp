@@ -68,6 +68,7 @@ void append(List &list, const List &more)
 struct PresetsStore::Reading {
     ReadCode code = ReadCode::Failed;
     bool hasList = false;
+    bool isPartial = false; ///< saved again, the list would be without what could not be read
     WPresetList wPresets;
     SavingPresetList savingPresets;
 };
@@ -122,10 +123,14 @@ PresetsStore::Reading PresetsStore::readFile(const QString &path, Kind kind) con
         return reading;
     }
     bool isLater = false;
-    auto list = readWPresetsFromFile(path, &isLater,
-                                     [this](qint64 presetID) { return savingPresetWithID(presetID); });
+    QStringList faults;
+    auto list = readWPresetsFromFile(
+        path, &isLater, [this](qint64 presetID) { return savingPresetWithID(presetID); }, &faults);
+    reading.isPartial = list && !faults.isEmpty();
     if (!list)
-        qCritical().noquote() << QStringLiteral("ERROR: \"%1\": %2").arg(path, list.error().text);
+        faults = {list.error().text};
+    for (const QString &fault : std::as_const(faults))
+        qCritical().noquote() << QStringLiteral("ERROR: \"%1\": %2").arg(path, fault);
     reading.hasList = list.has_value();
     if (isLater)
         reading.code = ReadCode::LaterVersion;
@@ -162,6 +167,8 @@ bool PresetsStore::readPresets(Kind kind, Slot slot)
         if (slot == Slot::List && reading.code != ReadCode::Success) {
             warning = backupWrongPresetsFile(path, reading.code);
             m_isUnreadableInPlace[static_cast<std::size_t>(kind)] = QFileInfo::exists(path);
+        } else if (slot == Slot::List && kind == Kind::Watermark) {
+            m_isPartlyRead = reading.isPartial;
         }
     }
     if (!warning.isEmpty())
@@ -194,6 +201,21 @@ void PresetsStore::makeRoomForFile(const QString &path, Kind kind)
         isUnreadable = !QFile::rename(path, backupPath(path, number)) && QFileInfo::exists(path);
 }
 
+/// @return whether nothing is lost when the list is written now
+bool PresetsStore::keepCopyOfFile(const QString &path)
+{
+    for (int number = 1; m_isPartlyRead && number < kMaxBackups; ++number) {
+        const QString backup = backupPath(path, number);
+        if (QFile::copy(path, backup) || !QFileInfo::exists(path))
+            m_isPartlyRead = false;
+        else if (!QFileInfo::exists(backup))
+            break; // no room, or no right to write: the next name would do no better
+    }
+    if (m_isPartlyRead)
+        qCritical().noquote() << QStringLiteral("ERROR: \"%1\" cannot be copied aside").arg(path);
+    return !m_isPartlyRead;
+}
+
 void PresetsStore::take(const Reading &reading, Kind kind, Slot slot)
 {
     const bool isEmpty = kind == Kind::Watermark ? reading.wPresets.empty() : reading.savingPresets.empty();
@@ -220,6 +242,8 @@ bool PresetsStore::saveWPresets(Slot slot)
     const FolderLock lock(m_places.supportFolder);
     if (slot == Slot::List)
         makeRoomForFile(path, Kind::Watermark);
+    if (slot == Slot::List && !keepCopyOfFile(path))
+        return false;
     return writeWPresets(slot == Slot::Quick ? WPresetList{m_quickWPreset} : m_wPresets, path).has_value();
 }
 

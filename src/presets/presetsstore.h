@@ -19,7 +19,8 @@ using SavingPresetList = std::vector<std::shared_ptr<SavingPreset>>;
 
 /// The user's presets and their files: a list and a quick preset of each kind, four files in the support
 /// folder. A file is written whole or not at all, and a list that cannot be read is never lost: it is moved
-/// aside, and the user is told once. Other processes may use the same files at the same time; who saves last
+/// aside, and the user is told once. One that can be read but for some of its elements is copied aside before
+/// it is saved without them. Other processes may use the same files at the same time; who saves last
 /// wins. Main thread.
 class PresetsStore final : public QObject
 {
@@ -57,7 +58,8 @@ public:
     /// @return true when everything was as it should be
     bool readPresets(Kind kind, Slot slot);
 
-    /// Write a file. A file that could not be read and not be moved aside either gets out of the way first.
+    /// Write a file. A file that could not be read, or not wholly, gets out of the way first, where it has
+    /// not.
     /// @return whether it was written; a failure leaves what was there
     bool saveWPresets(Slot slot);
     bool saveSavingPresets(Slot slot);
@@ -98,6 +100,7 @@ private:
     bool makeListFromExamples(Kind kind) const;
     QString backupWrongPresetsFile(const QString &path, ReadCode readingReturnCode);
     void makeRoomForFile(const QString &path, Kind kind);
+    bool keepCopyOfFile(const QString &path);
     void take(const Reading &reading, Kind kind, Slot slot);
     void warn(const QString &title, const QString &text);
 
@@ -110,6 +113,8 @@ private:
     std::shared_ptr<SavingPreset> m_quickSavingPreset;
     /// By kind: the unreadable list is still where it was.
     std::array<bool, 2> m_isUnreadableInPlace{};
+    /// Parts of the list of watermark presets, as it is on the disk, could not be read.
+    bool m_isPartlyRead = false;
 };
 
 } // namespace plexa

@@ -10,6 +10,7 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QHash>
 
 #include <cmath>
 #include <limits>
@@ -36,6 +37,9 @@ const Key kOldBackgroundPadding("WPBackgroundPadding");
 constexpr float kVersion = 1.2F;
 constexpr std::size_t kMaxPresets = 20'000;
 
+/// So many things that were left out are told one by one.
+constexpr qsizetype kMaxNotes = 20;
+
 /// Puts the pictures of an archive into it, each once.
 class PictureEncoder
 {
@@ -47,6 +51,9 @@ public:
 
     Result<Reference> reference(const WatermarkPicture &picture)
     {
+        // As it came, so that nothing of it gets lost, neither quality nor what could not be read.
+        if (const KeptObject original = picture.original(); !original.isNone())
+            return m_archiver.addCopy(original);
         for (const auto &[known, reference] : m_known) {
             if (known == picture)
                 return reference;
@@ -160,7 +167,7 @@ public:
     {
     }
 
-    Result<WPresetList> presets(const ArchivedValue &list);
+    Result<WPresetList> presets(const ArchivedValue &list, QStringList &leftOut);
 
 private:
     WPresetValues values(const ArchivedValue &preset);
@@ -169,7 +176,7 @@ private:
 
     float m_version;
     const SavingPresetLookup &m_savingPresetWithID;
-    PictureDecoder m_pictures;
+    QHash<const void *, WatermarkPicture> m_pictures; // by identity: one picture may be in many presets
 };
 
 FieldValue Decoder::fieldValue(const WPresetField &field, const ArchivedValue &value)
@@ -188,7 +195,9 @@ FieldValue Decoder::fieldValue(const WPresetField &field, const ArchivedValue &v
     case FieldKind::Color:
         return value.color();
     case FieldKind::Image:
-        return m_pictures.picture(value);
+        if (!m_pictures.contains(value.identity()))
+            m_pictures.insert(value.identity(), WatermarkPicture::fromArchive(value));
+        return m_pictures.value(value.identity());
     case FieldKind::SavingPreset: {
         const std::optional<qint64> presetID = value.integer();
         return presetID && m_savingPresetWithID ? m_savingPresetWithID(*presetID) : SavingPresetPtr();
@@ -220,7 +229,7 @@ WPresetValues Decoder::values(const ArchivedValue &preset)
     return values;
 }
 
-Result<WPresetList> Decoder::presets(const ArchivedValue &list)
+Result<WPresetList> Decoder::presets(const ArchivedValue &list, QStringList &leftOut)
 {
     const auto objects = list.array();
     if (!objects)
@@ -230,16 +239,25 @@ Result<WPresetList> Decoder::presets(const ArchivedValue &list)
     WPresetList presets;
     // An object that is in the list twice is two presets, made of the same values.
     QHash<const void *, WPresetValues> known;
-    for (const ArchivedValue &object : *objects) {
-        if (!object.isOfClass(kPresetClass))
-            return fail(Texts::tr("number %1 in its list is no watermark preset").arg(presets.size() + 1));
+    for (std::size_t i = 0; i < objects->size(); ++i) {
+        const ArchivedValue &object = (*objects)[i];
+        if (!object.isOfClass(kPresetClass)) {
+            leftOut.append(Texts::tr("number %1 in its list is no watermark preset").arg(i + 1));
+            continue;
+        }
         auto found = known.constFind(object.identity());
         if (found == known.cend())
             found = known.insert(object.identity(), values(object));
         presets.push_back(std::make_shared<WPreset>(*found));
     }
-    if (list.isExhausted() || m_pictures.isExhausted())
+    if (list.isExhausted())
         return fail(Texts::tr("it holds more than can be read"));
+    if (presets.empty() && !leftOut.isEmpty())
+        return fail(leftOut.first());
+    if (const qsizetype more = leftOut.size() - kMaxNotes; more > 0) {
+        leftOut.resize(kMaxNotes);
+        leftOut.append(Texts::tr("%1 more in its list are no watermark presets").arg(more));
+    }
     return presets;
 }
 
@@ -291,10 +309,13 @@ Result<void> writeWPresets(const WPresetList &presets, const QString &toFile)
 }
 
 Result<WPresetList> wPresetsFromArchive(const QByteArray &bytes, bool *futureVersion,
-                                        const SavingPresetLookup &savingPresetWithID)
+                                        const SavingPresetLookup &savingPresetWithID, QStringList *leftOut)
 {
     if (futureVersion)
         *futureVersion = false;
+    QStringList notes;
+    QStringList &told = leftOut ? *leftOut : notes;
+    told.clear();
     const Result<ArchivedValue> top = ArchivedValue::readArchive(bytes);
     if (!top)
         return tl::unexpected(top.error());
@@ -306,16 +327,18 @@ Result<WPresetList> wPresetsFromArchive(const QByteArray &bytes, bool *futureVer
                                         *application == firstVersionApplicationName());
     if (!isOurs || !(version > 0))
         return fail(Texts::tr("it is no file of watermark presets"));
-    return Decoder(version, savingPresetWithID).presets(top->value(kWPresets));
+    return Decoder(version, savingPresetWithID).presets(top->value(kWPresets), told);
 }
 
 Result<WPresetList> readWPresetsFromFile(const QString &path, bool *futureVersion,
-                                         const SavingPresetLookup &savingPresetWithID)
+                                         const SavingPresetLookup &savingPresetWithID, QStringList *leftOut)
 {
     if (futureVersion)
         *futureVersion = false;
+    if (leftOut)
+        leftOut->clear();
     return contentsOf(path).and_then([&](const QByteArray &bytes) {
-        return wPresetsFromArchive(bytes, futureVersion, savingPresetWithID);
+        return wPresetsFromArchive(bytes, futureVersion, savingPresetWithID, leftOut);
     });
 }
 

@@ -37,6 +37,8 @@ Result<std::optional<WatermarkBitmap>> createImageWatermarkOfWidth(double width,
     if (values.image.isNull())
         return std::nullopt;
     const QSizeF picture = values.image.size();
+    if (picture.isEmpty())
+        return fail(values.pictureFault());
     const double height = width / picture.width() * picture.height();
     if (!(width >= 1 && height >= 1))
         return std::nullopt;
@@ -47,9 +49,10 @@ Result<std::optional<WatermarkBitmap>> createImageWatermarkOfWidth(double width,
     if (qint64{bitmap.size.width()} * bitmap.size.height() > maxBitmapPixels(photo))
         return tooLargeBitmap(width, height);
     bitmap.ink = values.image.imageOfSize(bitmap.size);
-    if (bitmap.ink.isNull())
-        return tooLargeBitmap(width, height);
-    return bitmap;
+    if (!bitmap.ink.isNull())
+        return bitmap;
+    const QString fault = values.pictureFault();
+    return fault.isEmpty() ? tooLargeBitmap(width, height) : fail(fault);
 }
 
 /// The watermark's bitmap before any turning.

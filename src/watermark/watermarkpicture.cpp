@@ -6,6 +6,7 @@
 #include "imageio/propertykeys.h"
 #include "raster/bitmaputilities.h"
 #include "raster/orientation.h"
+#include "watermark/encodedpicture.h"
 #include "watermark/svgcheck.h"
 #include "watermark/svgcost.h"
 #include "watermark/textlayout.h"
@@ -35,6 +36,9 @@ constexpr double kMaxSecondsToDraw = 2;
 
 /// A scaled picture above this is made anew for each photo.
 constexpr qint64 kMaxCachedBytes = 64'000'000;
+
+/// Pictures above this are decoded one after the other, whoever needs them.
+constexpr qint64 kManyPixels = 16'000'000;
 
 bool isSvg(QByteArrayView head)
 {
@@ -95,7 +99,7 @@ Result<QByteArray> headOf(const QString &path)
 
 Result<QImage> uprightImage(const QString &path)
 {
-    const Result<ImageSource> source = ImageSource::open(path);
+    const Result<ImageSource> source = ImageSource::open(path, EncodedPicture::readLimits());
     if (!source)
         return tl::unexpected(source.error());
     const Result<QImage> stored = source->createImage();
@@ -113,13 +117,49 @@ Result<QImage> uprightImage(const QString &path)
 
 } // namespace
 
+/// One of `svg`, `pixels` and `encoded`; none when it cannot be drawn at all.
 struct WatermarkPicture::Data {
     QByteArray svg;
     QImage pixels;
+    KeptObject original; // holds the bytes of `encoded`
+    std::shared_ptr<const EncodedPicture> encoded;
     QSizeF size;
 
     mutable std::mutex lock;
     mutable QImage lastScaled; // guarded by lock
+
+    mutable std::mutex faultLock; // of its own, so that nobody who asks for the fault waits for a drawing
+    mutable QString fault;        // guarded by faultLock
+
+    void setFault(const QString &text) const
+    {
+        const std::lock_guard guard(faultLock);
+        fault = text;
+    }
+
+    /// The pixels at their own size; the fault is set to how that went.
+    QImage decoded() const
+    {
+        if (!encoded)
+            return pixels;
+        const Result<QImage> image = encoded->decoded();
+        setFault(image ? QString() : image.error().text);
+        return image.value_or(QImage());
+    }
+
+    QImage scaled(QSize to) const
+    {
+        if (!svg.isEmpty())
+            return renderedSvg(svg, to);
+        static std::mutex largeOnes;
+        std::unique_lock oneAtATime(largeOnes, std::defer_lock);
+        if (encoded && size.width() * size.height() > double{kManyPixels})
+            oneAtATime.lock();
+        const QImage image = decoded();
+        if (image.isNull() || image.size() == to)
+            return image;
+        return createImageScaledToSize(image, to.width(), to.height(), true);
+    }
 };
 
 WatermarkPicture::WatermarkPicture() = default;
@@ -188,6 +228,48 @@ Result<WatermarkPicture> WatermarkPicture::fromSvg(const QByteArray &svg)
     return picture;
 }
 
+WatermarkPicture WatermarkPicture::fromArchive(const ArchivedValue &image)
+{
+    if (image.isNone())
+        return {};
+    const ImageRepresentations representations = image.imageRepresentations();
+    const auto data = std::make_shared<Data>();
+    data->original = image.kept();
+    WatermarkPicture picture;
+    picture.m_data = data;
+    QString fault;
+    if (!representations.svg.isEmpty()) {
+        const Result<WatermarkPicture> drawing = fromSvg(representations.svg.toByteArray());
+        if (drawing) {
+            data->svg = drawing->m_data->svg;
+            data->size = drawing->m_data->size;
+            return picture;
+        }
+        fault = drawing.error().text;
+    }
+    const auto encoded = EncodedPicture::fromRepresentations(representations.bitmaps);
+    if (!encoded) {
+        data->fault = fault.isEmpty() ? encoded.error().text : fault;
+        return picture;
+    }
+    data->encoded = *encoded;
+    data->size = (*encoded)->size();
+    return picture;
+}
+
+QString WatermarkPicture::fault() const
+{
+    if (!m_data)
+        return {};
+    const std::lock_guard guard(m_data->faultLock);
+    return m_data->fault;
+}
+
+KeptObject WatermarkPicture::original() const
+{
+    return m_data ? m_data->original : KeptObject();
+}
+
 QSizeF WatermarkPicture::size() const
 {
     return m_data ? m_data->size : QSizeF();
@@ -201,7 +283,7 @@ QByteArray WatermarkPicture::svg() const
 QImage WatermarkPicture::image() const
 {
     if (!m_data || m_data->svg.isEmpty())
-        return m_data ? m_data->pixels : QImage();
+        return m_data ? m_data->decoded() : QImage();
     return imageOfSize(m_data->size.toSize().expandedTo(QSize(1, 1)));
 }
 
@@ -213,13 +295,9 @@ QImage WatermarkPicture::imageOfSize(QSize size) const
     const std::lock_guard guard(m_data->lock);
     if (m_data->lastScaled.size() == size)
         return m_data->lastScaled;
-    QImage scaled;
-    if (!m_data->svg.isEmpty())
-        scaled = renderedSvg(m_data->svg, size);
-    else if (m_data->pixels.size() == size)
-        scaled = m_data->pixels;
-    else
-        scaled = createImageScaledToSize(m_data->pixels, size.width(), size.height(), true);
+    QImage scaled = m_data->scaled(size);
+    if (scaled.isNull())
+        return {};
     scaled.convertTo(QImage::Format_ARGB32_Premultiplied);
     m_data->lastScaled = scaled.sizeInBytes() <= kMaxCachedBytes ? scaled : QImage();
     return scaled;

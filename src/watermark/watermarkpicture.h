@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "platform/keyedarchive.h"
 #include "platform/result.h"
 
 #include <QImage>
@@ -15,7 +16,8 @@ namespace plexa
 {
 
 /// The picture of an image watermark: pixels, upright and in sRGB, or an SVG drawing, which is sharp at every
-/// size. An immutable value whose copies share one picture; equal only to its own copies. Any thread.
+/// size. One from an archive stays encoded, is decoded when it is drawn, and may turn out to be one that
+/// cannot be. An immutable value whose copies share one picture; equal only to its own copies. Any thread.
 class WatermarkPicture final
 {
 public:
@@ -37,20 +39,34 @@ public:
     /// @param svg  an SVG document, not compressed
     [[nodiscard]] static Result<WatermarkPicture> fromSvg(const QByteArray &svg);
 
+    /// An object of an archive that stands for a picture: its drawing, else its largest representation that
+    /// can be decoded. One that is no picture, or none that can be read, makes a picture with a fault, which
+    /// still can be written again. None makes a null picture.
+    static WatermarkPicture fromArchive(const ArchivedValue &image);
+
     bool isNull() const { return !m_data; }
 
-    /// Its own size: pixels, or an SVG's user units. Both sides > 0, unless it is null.
+    /// Why it cannot be drawn, as text that follows its name; empty when nothing is known against it. Damage
+    /// within the pixels of an archived picture shows when it is decoded, so at the first drawing.
+    QString fault() const;
+
+    /// What it was made from; none when that was no archive.
+    KeptObject original() const;
+
+    /// Its own size: pixels, or an SVG's user units. Both sides > 0, unless it is null or was at fault from
+    /// the start.
     QSizeF size() const;
 
     /// The SVG document; empty for a picture of pixels.
     QByteArray svg() const;
 
     /// The picture at its own size; an SVG drawn at it.
+    /// @return a null image when there is no picture, no memory, or a fault
     QImage image() const;
 
     /// The whole picture in exactly that size, Format_ARGB32_Premultiplied. The last one made is kept, for a
     /// batch of photos of one size.
-    /// @return a null image when there is no picture or no memory
+    /// @return a null image when there is no picture, no memory, or a fault
     QImage imageOfSize(QSize size) const;
 
     bool operator==(const WatermarkPicture &other) const { return m_data == other.m_data; }

@@ -26,7 +26,7 @@ class WPreset final : public QObject
     Q_PROPERTY(bool offsetHorizontalHidden READ offsetHorizontalHidden NOTIFY offsetHidingChanged)
     Q_PROPERTY(bool offsetVerticalHidden READ offsetVerticalHidden NOTIFY offsetHidingChanged)
     Q_PROPERTY(bool offsetHidden READ offsetHidden NOTIFY offsetHidingChanged)
-    Q_PROPERTY(bool validPreset READ validPreset CONSTANT)
+    Q_PROPERTY(bool validPreset READ validPreset)
 
 public:
     /// A field has a new value.
@@ -73,9 +73,10 @@ public:
     bool offsetVerticalHidden() const;
     bool offsetHidden() const;
 
+    /// As WPresetValues says; there is no signal when damage shows while the picture is drawn.
     bool validPreset() const
     {
-        return true;
+        return m_values.validPreset();
     }
 
     /// Calls `observer` at every change of a field, until `context` or the preset is destroyed.

@@ -218,6 +218,8 @@ struct ToJson {
     {
         if (picture.isNull())
             return {};
+        if (const QString fault = picture.fault(); !fault.isEmpty())
+            return QJsonObject{{QStringLiteral("fault"), fault}};
         return QJsonObject{{QStringLiteral("width"), picture.size().width()},
                            {QStringLiteral("height"), picture.size().height()}};
     }

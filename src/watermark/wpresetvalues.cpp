@@ -5,10 +5,19 @@
 #include "platform/applicationname.h"
 #include "platform/fontcatalog.h"
 
+#include <QCoreApplication>
 #include <QDate>
 
 namespace plexa
 {
+namespace
+{
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(plexa::WPresetValues)
+};
+
+} // namespace
 
 WPresetValues WPresetValues::forNewPreset(const FontCatalog &fonts)
 {
@@ -17,6 +26,19 @@ WPresetValues WPresetValues::forNewPreset(const FontCatalog &fonts)
     values.textTokens = {
         QStringLiteral("\u00a9 %1 %2").arg(QString::number(QDate::currentDate().year()), fullUserName())};
     return values;
+}
+
+bool WPresetValues::validPreset() const
+{
+    return type != QLatin1StringView("Image") || image.fault().isEmpty();
+}
+
+QString WPresetValues::pictureFault() const
+{
+    const QString fault = image.fault();
+    if (fault.isEmpty())
+        return {};
+    return Texts::tr("the picture of the watermark preset \"%1\" cannot be read: %2").arg(name, fault);
 }
 
 } // namespace plexa

@@ -87,6 +87,13 @@ struct WPresetValues {
     /// The values of a new preset: the defaults above, the default font's name, and as text the copyright
     /// sign, this year and the user's full name, as they are now.
     static WPresetValues forNewPreset(const FontCatalog &fonts);
+
+    /// Can it be drawn? Not when it is an image watermark whose picture cannot be read.
+    bool validPreset() const;
+
+    /// The sentence that says why the picture cannot be read, and whose it is; empty when it can, or there is
+    /// none.
+    QString pictureFault() const;
 };
 
 } // namespace plexa

@@ -37,6 +37,7 @@ private Q_SLOTS:
     void init();
     void printing();
     void converting();
+    void whatCannotBeReadIsTold();
     void noPresets_data();
     void noPresets();
     void applying_data();
@@ -117,6 +118,40 @@ void PresetsCommandTest::converting()
             .status,
         0);
     QCOMPARE(json("new.pxspr"), json("my.pxspr"));
+}
+
+void PresetsCommandTest::whatCannotBeReadIsTold()
+{
+    const QString script =
+        qEnvironmentVariable("PLEXA_SOURCE_DIR") + QStringLiteral("/tests/support/keyedarchives.py");
+    QProcess::execute(QStringLiteral("python3"), {script, m_folder->path()});
+    // Pictures are kept as they are; elements that are no presets are not.
+    const Outcome pictures = run({QStringLiteral("presets"), path("pictures.pxwpr")});
+    QCOMPARE(pictures.status, 0);
+    QCOMPARE(pictures.err.count('\n'), 7);
+    QVERIFY(pictures.err.contains("\"vector\"") && pictures.out.contains("vector: image, cannot be read\n"));
+    const Outcome converted = run(
+        {QStringLiteral("presets"), QStringLiteral("--convert"), path("kept.pxwpr"), path("pictures.pxwpr")});
+    QVERIFY(converted.status == 0 && converted.err == pictures.err);
+    for (const char *target : {"rest.pxwpr", "some.pxwpr"}) {
+        const Outcome partly =
+            run({QStringLiteral("presets"), QStringLiteral("--convert"), path(target), path("some.pxwpr")});
+        QVERIFY(partly.status == 1 && partly.err.contains("number 5 "));
+    }
+    QCOMPARE(run({QStringLiteral("presets"), path("rest.pxwpr")}).status, 0);
+    QCOMPARE(run({QStringLiteral("presets"), path("some.pxwpr")}).status, 1); // still holds all of it
+
+    const auto saved = [&](const QString &name) {
+        return run({QStringLiteral("save"), QStringLiteral("--wpresets"), path("pictures.pxwpr"),
+                    QStringLiteral("--apply"), name, QStringLiteral("--output"), path("out"), path("in")});
+    };
+    for (const auto &[name, status] : {std::pair("vector", 2), std::pair("ends early", 1)}) {
+        const Outcome outcome = saved(QString::fromLatin1(name));
+        QCOMPARE(outcome.status, status);
+        QVERIFY(outcome.err.contains(QByteArray("preset \"") + name + "\" cannot be read: "));
+        QVERIFY(entries(path("out")).isEmpty());
+    }
+    QCOMPARE(saved(QStringLiteral("smaller one left")).status, 0);
 }
 
 void PresetsCommandTest::noPresets_data()

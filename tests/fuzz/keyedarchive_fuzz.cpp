@@ -18,14 +18,22 @@ void lookAt(const ArchivedValue &value, int depth)
     value.boolean();
     value.color();
     value.indexSet();
-    for (const ArchivedImage &image : value.imageRepresentations()) {
-        if (image.tiff.isNull() && image.svg.isNull())
-            std::abort();
-    }
+    value.imageRepresentations();
     if (depth == 0)
         return;
     for (const ArchivedValue &element : value.array().value_or(std::vector<ArchivedValue>()))
         lookAt(element, depth - 1);
+}
+
+/// What was read can be copied into another archive, which can be read.
+void copy(const ArchivedValue &value)
+{
+    KeyedArchiver archiver;
+    archiver.top().setObject(QLatin1StringView("copy"), archiver.addCopy(value.kept()));
+    const auto bytes = archiver.finish();
+    const auto again = bytes ? ArchivedValue::readArchive(*bytes) : Result<ArchivedValue>(ArchivedValue());
+    if (!again || (bytes && again->value(QLatin1StringView("copy")).isNone()))
+        std::abort();
 }
 
 } // namespace
@@ -34,6 +42,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
     const auto top = ArchivedValue::readArchive(bytes);
+    if (top)
+        copy(*top);
     for (const char *key :
          {"WPresets", "plain", "mutable", "array", "mutableArray", "oneRange", "ranges", "calibrated",
           "white", "cmyk", "catalogue", "srgb", "image", "loop", "color", "badRanges"}) {

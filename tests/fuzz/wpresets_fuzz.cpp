@@ -32,7 +32,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     for (std::size_t i = 0; i < presets->size(); ++i) {
         WPresetValues before = (*presets)[i]->values();
         WPresetValues after = (*again)[i]->values();
-        if (before.image.isNull() != after.image.isNull())
+        if (before.image.isNull() != after.image.isNull() || before.image.fault() != after.image.fault())
+            std::abort();
+        // Within what the fuzzer grants.
+        if (before.image.size().width() * before.image.size().height() < 1e6 &&
+            before.image.imageOfSize(QSize(16, 16)) != after.image.imageOfSize(QSize(16, 16)))
             std::abort();
         before.image = after.image = {};
         before.textTokens.replaceInStrings(QString(QChar::Null), QString());

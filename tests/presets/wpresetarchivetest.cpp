@@ -77,8 +77,12 @@ private Q_SLOTS:
     void keysAndTheirOrder();
     void valuesComeBack();
     void picturesComeBack();
+    void picturesAreKeptAsTheyAre_data();
+    void picturesAreKeptAsTheyAre();
+    void picturesAreNotDecodedUntilTheyAreDrawn();
     void oldFiles();
     void filesOfTodayAndLater();
+    void elementsThatAreNoPresets();
     void whatIsNoPresetsFile_data();
     void whatIsNoPresetsFile();
     void damageNeverCrashes();
@@ -197,11 +201,75 @@ void WPresetArchiveTest::picturesComeBack()
                            .value(QLatin1StringView("WPImage"));
     QFile tiff(file("drawing.tif"));
     QVERIFY(tiff.open(QIODevice::WriteOnly));
-    tiff.write(image.imageRepresentations().first().tiff);
+    const QByteArrayView pixels = image.imageRepresentations().bitmaps.first();
+    tiff.write(pixels.data(), pixels.size());
     tiff.close();
     QCOMPARE(outputOf(magickConvert(), {tiff.fileName(), QStringLiteral("-format"),
                                         QStringLiteral("%w %h %[pixel:p{9,9}]"), QStringLiteral("info:")}),
              QByteArray("2048 1024 srgba(255,0,0,0.498039)"));
+}
+
+void WPresetArchiveTest::picturesAreKeptAsTheyAre_data()
+{
+    QTest::addColumn<QSize>("size");  // none: it cannot be drawn, and that is known from the start
+    QTest::addColumn<QSize>("drawn"); // none: it cannot be drawn
+    QTest::newRow("good") << QSize(40, 30) << QSize(40, 30);
+    for (const char *name :
+         {"nonsense", "no directory", "no color space", "vector", "foreign", "text", "absurd"})
+        QTest::newRow(name) << QSize() << QSize();
+    QTest::newRow("ends early") << QSize(40, 30) << QSize();
+    QTest::newRow("smaller one left") << QSize(40, 30) << QSize(4, 3);
+}
+
+void WPresetArchiveTest::picturesAreKeptAsTheyAre()
+{
+    QFETCH(QSize, size);
+    QFETCH(QSize, drawn);
+    const QString name = QString::fromLatin1(QTest::currentDataTag());
+    const auto presets = readWPresetsFromFile(file("pictures.pxwpr"));
+    QVERIFY(presets);
+    const auto preset = *std::find_if(presets->begin(), presets->end(),
+                                      [&](const auto &candidate) { return candidate->name() == name; });
+    QVERIFY(!preset->image().isNull());
+    QCOMPARE(preset->validPreset(), size.isValid());
+    QCOMPARE(preset->image().size().toSize(), size.isValid() ? size : QSizeF().toSize());
+    QCOMPARE(preset->image().image().size(), drawn.isValid() ? drawn : QSize(0, 0));
+    QCOMPARE(preset->image().imageOfSize(QSize(8, 6)).isNull(), !drawn.isValid());
+    // From now on known, if it was not before.
+    QCOMPARE(preset->validPreset(), drawn.isValid());
+    QCOMPARE(preset->values().pictureFault().contains(u'"' + name + u'"'), !drawn.isValid());
+    WPresetValues text = preset->values();
+    text.type = QStringLiteral("Text");
+    QVERIFY(text.validPreset());
+
+    // Written, read and written again: as others wrote it, to the last byte.
+    const auto pictureIn = [&](const char *archive) {
+        const QByteArray json = outputOf(QStringLiteral("python3"), {script(), file(archive)});
+        const QJsonArray list =
+            QJsonDocument::fromJson(
+                json)[QStringLiteral("$top")][QStringLiteral("WPresets")][QStringLiteral("NS.objects")]
+                .toArray();
+        for (const QJsonValue &object : list) {
+            if (object[QStringLiteral("WPName")] == name)
+                return object[QStringLiteral("WPImage")];
+        }
+        return QJsonValue();
+    };
+    QVERIFY(writeWPresets({preset}, file("once.pxwpr")));
+    QVERIFY(writeWPresets(*readWPresetsFromFile(file("once.pxwpr")), file("twice.pxwpr")));
+    QVERIFY(pictureIn("pictures.pxwpr").isObject() || pictureIn("pictures.pxwpr").isString());
+    QCOMPARE(pictureIn("twice.pxwpr"), pictureIn("pictures.pxwpr"));
+    QCOMPARE(readWPresetsFromFile(file("twice.pxwpr"))->front()->image().image(), preset->image().image());
+}
+
+void WPresetArchiveTest::picturesAreNotDecodedUntilTheyAreDrawn()
+{
+    const auto presets = readWPresetsFromFile(file("large.pxwpr"));
+    QVERIFY2(presets, presets ? "" : qPrintable(presets.error().text));
+    QCOMPARE(presets->size(), std::size_t(256));
+    QVERIFY(presets->back()->validPreset());
+    QCOMPARE(presets->back()->image().size(), QSizeF(8000, 8000));
+    QVERIFY(archivedWPresets(*presets));
 }
 
 void WPresetArchiveTest::oldFiles()
@@ -256,6 +324,18 @@ void WPresetArchiveTest::filesOfTodayAndLater()
     QVERIFY(presets && presets->size() == 2 && isLater);
     presets = readWPresetsFromFile(file("empty.pxwpr"), &isLater);
     QVERIFY(presets && presets->empty() && !isLater);
+}
+
+void WPresetArchiveTest::elementsThatAreNoPresets()
+{
+    QStringList leftOut;
+    const auto presets = readWPresetsFromFile(file("some.pxwpr"), nullptr, {}, &leftOut);
+    QVERIFY(presets && presets->size() == 1);
+    QCOMPARE(presets->front()->name(), QStringLiteral("Old"));
+    QCOMPARE(leftOut.size(), 4);
+    for (qsizetype i = 0; i < leftOut.size(); ++i)
+        QVERIFY(leftOut[i].startsWith(QStringLiteral("number %1 ").arg(QList({1, 2, 4, 5})[i])));
+    QVERIFY(readWPresetsFromFile(file("today.pxwpr"), nullptr, {}, &leftOut) && leftOut.isEmpty());
 }
 
 void WPresetArchiveTest::whatIsNoPresetsFile_data()

@@ -10,6 +10,7 @@ import os
 import plistlib
 import struct
 import sys
+import zlib
 from plistlib import UID
 
 
@@ -171,7 +172,28 @@ def presets(folder):
     write("foreign", shared, "Quorvel Other")
     write("no-version", shared, version=0)
     write("no-list", lambda a: a.add("x"))
-    write("no-preset", lambda a: a.array([preset(a), a.add("x")]))
+    write("no-preset", lambda a: a.array([UID(0), a.add("x")]))
+    write("some", lambda a: a.array([UID(0), a.add("x"), preset(a), UID(4000), a.obj(("NSObject",), WPName="x")]))
+    named = lambda a, name, picture: preset(a, WPName=a.add(name), WPImage=picture, WPWidth=a.add(50),
+                                              WPWidthUnit=a.add("% of width"), WPOpacity=a.add(100))
+    pixels = lambda a, tiffs, *names: a.image([a.data(t) for t in tiffs], *names)
+    red = tiff(40, 30, (255, 0, 0))
+    write("pictures", lambda a: a.array([
+        named(a, "good", pixels(a, [b"nonsense", red])),
+        named(a, "nonsense", pixels(a, [b"nonsense"])),
+        named(a, "no directory", pixels(a, [red[:30]])),
+        named(a, "no color space", pixels(a, [red.replace(struct.pack(">HHIH", 262, 3, 1, 2),
+                                                          struct.pack(">HHIH", 262, 3, 1, 77))])),
+        named(a, "vector", pixels(a, [b"%PDF-1.4"], ("NSPDFImageRep", "NSImageRep", "NSObject"))),
+        named(a, "foreign", a.obj(("NSDictionary", "NSObject"), NS__keys=[a.add("key")], NS__objects=[UID(0)])),
+        named(a, "text", a.add("a text")),
+        named(a, "absurd", pixels(a, [tiff(36000, 36000, ())])),
+        named(a, "ends early", pixels(a, [red[:-1000]])),
+        named(a, "smaller one left", pixels(a, [red[:-1000], tiff(4, 3, (0, 0, 255))])),
+    ]))
+    # Decoded, far more than there is memory: 64 GB.
+    large = tiff(8000, 8000, ())
+    write("large", lambda a: a.array([named(a, str(i), pixels(a, [large])) for i in range(256)]))
     write("pointless", lambda a: a.array([UID(4000)]))
 
 
@@ -190,7 +212,7 @@ def as_json(path):
         if isinstance(value, list):
             return [follow(v, seen) for v in value]
         if isinstance(value, bytes):
-            return value.decode("latin-1") if len(value) < 100 else "%d bytes" % len(value)
+            return value.decode("latin-1") if len(value) < 100 else "%d bytes, %08x" % (len(value), zlib.crc32(value))
         return value
 
     archive["$top"] = follow(archive["$top"])

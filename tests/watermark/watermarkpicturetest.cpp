@@ -23,6 +23,24 @@ QByteArray svgOf(const QByteArray &content, const QByteArray &attributes = R"(vi
 
 const QByteArray kCircle = R"(<circle cx="5" cy="5" r="4" fill="#ff0000"/>)";
 
+/// Of 60 x 30 pixels. Nothing but the picture knows of the archive.
+Result<WatermarkPicture> archivedPicture(qsizetype bytesLost)
+{
+    QImage image(60, 30, QImage::Format_ARGB32);
+    for (int i = 0; i < 1800; ++i)
+        image.setPixel(i % 60, i / 60, QRgb(i * 0x9e3779b9U));
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    KeyedArchiver archiver;
+    const KeyedArchiver::Reference reference =
+        archiver.addImage({image.size(), buffer.data().chopped(bytesLost), {}});
+    archiver.top().setObject(QLatin1StringView("picture"), reference);
+    return archiver.finish().and_then(&ArchivedValue::readArchive).map([](const ArchivedValue &top) {
+        return WatermarkPicture::fromArchive(top.value(QLatin1StringView("picture")));
+    });
+}
+
 } // namespace
 
 class WatermarkPictureTest : public QObject
@@ -54,6 +72,7 @@ private Q_SLOTS:
     void logosAreRead_data();
     void logosAreRead();
     void cameraTurnsAreFollowed();
+    void threadsShareOnePicture_data();
     void threadsShareOnePicture();
     void drawingsWithTextShareTheTextEngine();
 };
@@ -296,20 +315,39 @@ void WatermarkPictureTest::cameraTurnsAreFollowed()
     }
 }
 
+void WatermarkPictureTest::threadsShareOnePicture_data()
+{
+    QTest::addColumn<QByteArray>("svg");
+    QTest::addColumn<qsizetype>("bytesLost"); // of pixels in an archive
+    QTest::newRow("a drawing") << svgOf(kCircle) << qsizetype{0};
+    QTest::newRow("archived pixels") << QByteArray() << qsizetype{0};
+    QTest::newRow("archived pixels that end early") << QByteArray() << qsizetype{100};
+}
+
 void WatermarkPictureTest::threadsShareOnePicture()
 {
-    const Result<WatermarkPicture> picture = WatermarkPicture::fromSvg(svgOf(kCircle));
+    QFETCH(QByteArray, svg);
+    QFETCH(qsizetype, bytesLost);
+    const Result<WatermarkPicture> picture =
+        svg.isEmpty() ? archivedPicture(bytesLost) : WatermarkPicture::fromSvg(svg);
     QVERIFY(picture.has_value());
+    QCOMPARE(picture->fault(), QString());
+    const QSize size = bytesLost > 0 ? QSize(0, 0) : QSize(200, 100);
     const QImage expected = picture->imageOfSize(QSize(200, 100));
+    QCOMPARE(expected.size(), size);
     std::atomic<int> wrong = 0;
     std::vector<std::thread> threads;
     for (int i = 0; i < 6; ++i) {
         threads.emplace_back([&, i] {
             for (int k = 0; k < 10; ++k) {
                 const WatermarkPicture copy = *picture;
-                if (copy.imageOfSize(QSize(200 + (i + k) % 2, 100)).width() != 200 + (i + k) % 2 ||
-                    copy.imageOfSize(QSize(200, 100)) != expected)
+                const int wider = bytesLost > 0 ? 0 : (i + k) % 2;
+                if (copy.imageOfSize(QSize(200 + (i + k) % 2, 100)).width() != size.width() + wider ||
+                    copy.imageOfSize(QSize(200, 100)) != expected ||
+                    copy.image().isNull() != expected.isNull() || copy.fault().isEmpty() != (bytesLost == 0))
                     ++wrong;
+                KeyedArchiver archiver;
+                archiver.addCopy(copy.original());
             }
         });
     }

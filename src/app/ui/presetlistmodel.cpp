@@ -46,8 +46,10 @@ QVariant PresetListModel::data(const QModelIndex &index, int role) const
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
     const WPreset &preset = *m_presets[static_cast<std::size_t>(index.row())];
-    if (role == Qt::DisplayRole || role == Qt::ToolTipRole)
+    if (role == Qt::DisplayRole)
         return preset.name();
+    if (role == Qt::ToolTipRole)
+        return preset.validPreset() ? preset.name() : preset.values().pictureFault();
     if (role == Qt::ForegroundRole && !preset.validPreset())
         return kInvalid;
     return {};
