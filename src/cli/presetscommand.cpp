@@ -6,11 +6,9 @@
 #include "cli/pathargument.h"
 #include "cli/presetfiles.h"
 #include "platform/applicationname.h"
-#include "presets/wpresetarchive.h"
 #include "watermark/texttokens.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -41,32 +39,24 @@ private:
 /// The presets of one file, of either kind.
 struct PresetsFile {
     bool areWatermarks = false;
-    bool isLater = false;
     WPresetList wPresets;
     SavingPresetList savingPresets;
+    QString notice; ///< what is not read of it
 };
 
 Result<PresetsFile> readPresetsFile(const QString &path)
 {
-    if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) // opening a pipe would wait for its other end
-        return fail(QStringLiteral("it is not a regular file"));
-    QFile contents(path);
-    if (!contents.open(QIODevice::ReadOnly))
-        return fail(contents.errorString());
-    // The two kinds are as different as can be, whatever the file is called.
-    PresetsFile file;
-    file.areWatermarks = contents.peek(8).startsWith("bplist");
-    contents.close();
-    if (!file.areWatermarks) {
-        return savingPresetsIn(path).map([&](const SavingPresetList &list) {
-            file.savingPresets = list;
-            return file;
+    const Result<PresetsStore::Kind> kind = kindOfPresetsFile(path);
+    if (!kind)
+        return tl::unexpected(kind.error());
+    if (*kind == PresetsStore::Kind::Saving) {
+        return savingPresetsIn(path).map([](const PresetsRead<SavingPresetList> &read) {
+            return PresetsFile{false, {}, read.presets, read.notice};
         });
     }
     const auto number = [](qint64 presetID) { return std::make_shared<SavingPresetNumber>(presetID); };
-    return readWPresetsFromFile(path, &file.isLater, number).map([&](const WPresetList &list) {
-        file.wPresets = list;
-        return file;
+    return wPresetsIn(path, number).map([](const PresetsRead<WPresetList> &read) {
+        return PresetsFile{true, read.presets, {}, read.notice};
     });
 }
 
@@ -135,19 +125,16 @@ void print(const PresetsFile &file, bool json)
         printLine(stdout, QString::fromUtf8(QJsonDocument(objects).toJson().trimmed()));
 }
 
+/// @return a failure as text that follows the name of the file that was read
 Result<void> convert(const PresetsFile &file, const QString &target)
 {
-    if (file.isLater)
+    if (!file.notice.isEmpty())
         return fail(
-            QStringLiteral("a later version of Plexa wrote it; today's form would leave out what that "
-                           "version added"));
-    const Result<void> written =
-        file.areWatermarks ? writeWPresets(file.wPresets, target)
-                           : SavingPreset::writeObjects(file.savingPresets, target,
-                                                        applicationNameWithCompany(true, false, true));
-    if (!written)
-        return fail(QStringLiteral("\"%1\" cannot be written: %2").arg(target, written.error().text));
-    return written;
+            QStringLiteral("nothing is written, since something would be left out: %1. Read: %2")
+                .arg(file.notice, file.areWatermarks ? namesOf(file.wPresets) : namesOf(file.savingPresets)));
+    return file.areWatermarks ? writeWPresets(file.wPresets, target)
+                              : SavingPreset::writeObjects(file.savingPresets, target,
+                                                           applicationNameWithCompany(true, false, true));
 }
 
 } // namespace
@@ -176,6 +163,8 @@ int runPresets(const PresetsOptions &options)
         return kSomethingFailed;
     }
     if (options.convertTo.empty()) {
+        if (!file->notice.isEmpty())
+            printAbout(path, file->notice);
         print(*file, options.json);
         return 0;
     }

@@ -2,9 +2,9 @@
 
 #include "cli/presetselection.h"
 
+#include "cli/messages.h"
 #include "cli/presetfiles.h"
 #include "cli/savecommand.h"
-#include "presets/wpresetarchive.h"
 
 #include <QFile>
 
@@ -33,14 +33,31 @@ tl::unexpected<Error> unreadable(const QString &path, const Error &error)
     return fail(QStringLiteral("%1: %2").arg(described(path), error.text));
 }
 
+/// The presets alone; says what of their file is not among them.
+template<class List>
+Result<List> withNotice(const QString &path, Result<PresetsRead<List>> &&read, bool isTold = true)
+{
+    if (!read)
+        return unreadable(path, read.error());
+    if (isTold && !read->notice.isEmpty())
+        printAbout(path, read->notice);
+    return std::move(read->presets);
+}
+
+/// Does the run take one of the saving presets?
+bool isSavingPresetChosen(const SaveOptions &options)
+{
+    return !options.savingPresetsFile.empty() || !options.savingPreset.empty();
+}
+
 /// The saving presets that watermark presets may refer to.
 Result<SavingPresetList> assignableSavingPresets(const SaveOptions &options)
 {
     if (options.savingPresetsFile.empty() && !options.wPresetsFile.empty())
         return SavingPresetList();
     const QString path = fileOrStored(options.savingPresetsFile, PresetsStore::Kind::Saving);
-    Result<SavingPresetList> presets = savingPresetsIn(path);
-    return presets ? presets : unreadable(path, presets.error());
+    // What chosenSavingPreset() reads as well is told there.
+    return withNotice(path, savingPresetsIn(path), !isSavingPresetChosen(options));
 }
 
 SavingPresetPtr withID(const SavingPresetList &presets, qint64 presetID)
@@ -64,10 +81,10 @@ Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
     if (!assignable)
         return tl::unexpected(assignable.error());
     const QString path = fileOrStored(options.wPresetsFile, PresetsStore::Kind::Watermark);
-    const Result<WPresetList> presets =
-        readWPresetsFromFile(path, nullptr, [&](qint64 presetID) { return withID(*assignable, presetID); });
+    const auto savingPreset = [&](qint64 presetID) { return withID(*assignable, presetID); };
+    const Result<WPresetList> presets = withNotice(path, wPresetsIn(path, savingPreset));
     if (!presets)
-        return unreadable(path, presets.error());
+        return tl::unexpected(presets.error());
     std::vector<AppliedPreset> applied;
     const auto apply = [&applied](const std::shared_ptr<WPreset> &preset) {
         const bool isApplied = std::any_of(applied.begin(), applied.end(), [&](const AppliedPreset &other) {
@@ -98,12 +115,12 @@ Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
 
 Result<std::optional<SavingPresetValues>> chosenSavingPreset(const SaveOptions &options)
 {
-    if (options.savingPresetsFile.empty() && options.savingPreset.empty())
+    if (!isSavingPresetChosen(options))
         return std::optional<SavingPresetValues>();
     const QString path = fileOrStored(options.savingPresetsFile, PresetsStore::Kind::Saving);
-    const Result<SavingPresetList> presets = savingPresetsIn(path);
+    const Result<SavingPresetList> presets = withNotice(path, savingPresetsIn(path));
     if (!presets)
-        return unreadable(path, presets.error());
+        return tl::unexpected(presets.error());
     const QString name = QString::fromStdString(options.savingPreset);
     for (const auto &preset : *presets) {
         if (preset->name() == name || (options.savingPreset.empty() && presets->size() == 1))
