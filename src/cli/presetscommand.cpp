@@ -125,6 +125,13 @@ void print(const PresetsFile &file, bool json)
         printLine(stdout, QString::fromUtf8(QJsonDocument(objects).toJson().trimmed()));
 }
 
+/// Is this a name that the other kind of presets has?
+bool isNameOfOtherKind(const QString &target, const PresetsFile &file)
+{
+    const QLatin1StringView suffix(file.areWatermarks ? ".pxspr" : ".pxwpr");
+    return target.endsWith(suffix, Qt::CaseInsensitive);
+}
+
 /// @return a failure as text that follows the name of the file that was read
 Result<void> convert(const PresetsFile &file, const QString &target)
 {
@@ -132,6 +139,12 @@ Result<void> convert(const PresetsFile &file, const QString &target)
         return fail(
             QStringLiteral("nothing is written, since something would be left out: %1. Read: %2")
                 .arg(file.notice, file.areWatermarks ? namesOf(file.wPresets) : namesOf(file.savingPresets)));
+    if (isNameOfOtherKind(target, file))
+        return fail(file.areWatermarks
+                        ? QStringLiteral("it holds watermark presets; \"%1\" is a name for saving presets")
+                              .arg(target)
+                        : QStringLiteral("it holds saving presets; \"%1\" is a name for watermark presets")
+                              .arg(target));
     return file.areWatermarks ? writeWPresets(file.wPresets, target)
                               : SavingPreset::writeObjects(file.savingPresets, target,
                                                            applicationNameWithCompany(true, false, true));

@@ -130,6 +130,9 @@ void PresetsCommandTest::converting()
         QCOMPARE(refused.err.count('\n'), 1);
         QCOMPARE(contents("not"), QByteArray("old"));
     }
+    const Outcome misnamed =
+        run({QStringLiteral("presets"), QStringLiteral("--convert"), path("my.pxwpr"), path("my.pxspr")});
+    QVERIFY(misnamed.status == 1 && misnamed.err.contains("my.pxwpr\" is a name for watermark"));
     const Outcome folder =
         run({QStringLiteral("presets"), QStringLiteral("--convert"), path("in"), path("my.pxspr")});
     QVERIFY(folder.status == 1 && folder.err.count("cannot be written") == 1);
