@@ -63,7 +63,8 @@ Result<Kind> kindOfPresetsFile(const QString &path)
     // Watermark presets are a property list, in its binary form or as XML.
     if (start.startsWith("bplist") || start.contains("<!DOCTYPE plist") || start.contains("<plist"))
         return Kind::Watermark;
-    if (start.trimmed().startsWith('<'))
+    const bool hasMark = start.startsWith("\xEF\xBB\xBF"); // which an editor puts in front of UTF-8
+    if (start.mid(hasMark ? 3 : 0).trimmed().startsWith('<'))
         return Kind::Saving;
     return fail(QStringLiteral("it is no file of presets"));
 }

@@ -102,8 +102,8 @@ QString lineFor(const WPreset &preset)
 
 QString lineFor(const SavingPreset &preset)
 {
-    return QStringLiteral("%1: %2, %3")
-        .arg(preset.name(), preset.imageFormat(), preset.filenameTokens().join(QLatin1String(", ")));
+    return QStringLiteral("%1: %2, \"%3\"")
+        .arg(preset.name(), preset.imageFormat(), preset.filenameTokens().join(QLatin1String("\" \"")));
 }
 
 void print(const PresetsFile &file, bool json)

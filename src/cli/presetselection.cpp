@@ -33,13 +33,13 @@ tl::unexpected<Error> unreadable(const QString &path, const Error &error)
     return fail(QStringLiteral("%1: %2").arg(described(path), error.text));
 }
 
-/// The presets alone; says what of their file is not among them.
+/// The presets alone; says what of their file is not among them, unless nobody wants to hear of it.
 template<class List>
-Result<List> withNotice(const QString &path, Result<PresetsRead<List>> &&read, bool isTold = true)
+Result<List> withNotice(const QString &path, Result<PresetsRead<List>> &&read, bool isQuiet)
 {
     if (!read)
         return unreadable(path, read.error());
-    if (isTold && !read->notice.isEmpty())
+    if (!isQuiet && !read->notice.isEmpty())
         printAbout(path, read->notice);
     return std::move(read->presets);
 }
@@ -57,7 +57,7 @@ Result<SavingPresetList> assignableSavingPresets(const SaveOptions &options)
         return SavingPresetList();
     const QString path = fileOrStored(options.savingPresetsFile, PresetsStore::Kind::Saving);
     // What chosenSavingPreset() reads as well is told there.
-    return withNotice(path, savingPresetsIn(path), !isSavingPresetChosen(options));
+    return withNotice(path, savingPresetsIn(path), options.quiet || isSavingPresetChosen(options));
 }
 
 SavingPresetPtr withID(const SavingPresetList &presets, qint64 presetID)
@@ -82,7 +82,7 @@ Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
         return tl::unexpected(assignable.error());
     const QString path = fileOrStored(options.wPresetsFile, PresetsStore::Kind::Watermark);
     const auto savingPreset = [&](qint64 presetID) { return withID(*assignable, presetID); };
-    const Result<WPresetList> presets = withNotice(path, wPresetsIn(path, savingPreset));
+    const Result<WPresetList> presets = withNotice(path, wPresetsIn(path, savingPreset), options.quiet);
     if (!presets)
         return tl::unexpected(presets.error());
     std::vector<AppliedPreset> applied;
@@ -118,7 +118,7 @@ Result<std::optional<SavingPresetValues>> chosenSavingPreset(const SaveOptions &
     if (!isSavingPresetChosen(options))
         return std::optional<SavingPresetValues>();
     const QString path = fileOrStored(options.savingPresetsFile, PresetsStore::Kind::Saving);
-    const Result<SavingPresetList> presets = withNotice(path, savingPresetsIn(path));
+    const Result<SavingPresetList> presets = withNotice(path, savingPresetsIn(path), options.quiet);
     if (!presets)
         return tl::unexpected(presets.error());
     const QString name = QString::fromStdString(options.savingPreset);
@@ -129,6 +129,8 @@ Result<std::optional<SavingPresetValues>> chosenSavingPreset(const SaveOptions &
     // A file may be there for the presets that are assigned to watermarks.
     if (options.savingPreset.empty() && isPresetsMode(options))
         return std::optional<SavingPresetValues>();
+    if (presets->empty())
+        return fail(QStringLiteral("there are no saving presets in %1").arg(described(path)));
     return fail(QStringLiteral("--saving-preset has to name one of the presets in %1: %2")
                     .arg(described(path), namesOf(*presets)));
 }

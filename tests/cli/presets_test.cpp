@@ -92,6 +92,8 @@ void PresetsCommandTest::printing()
     QVERIFY(presets[1][QStringLiteral("assignedSavingPreset")].toInteger() > 0);
     const Outcome saving = run({QStringLiteral("presets"), QStringLiteral("--json"), path("my.pxspr")});
     QCOMPARE(namesIn(saving.out), list("As PNG|As TIFF"));
+    QVERIFY(run({QStringLiteral("presets"), path("my.pxspr")})
+                .out.startsWith("As PNG: PNG, \"filename\" \"-assigned\"\n"));
     QCOMPARE(QJsonDocument::fromJson(saving.out).array()[0][QStringLiteral("presetID")],
              presets[1][QStringLiteral("assignedSavingPreset")]);
 }
@@ -141,6 +143,15 @@ void PresetsCommandTest::converting()
         const Outcome printed = run({QStringLiteral("presets"), path(name)});
         QVERIFY(printed.status == 0 && printed.out.count('\n') == 2 && printed.err.contains("later version"));
     }
+    const QStringList save{QStringLiteral("save"),
+                           QStringLiteral("--dry-run"),
+                           QStringLiteral("--wpresets"),
+                           path("later.pxwpr"),
+                           QStringLiteral("--saving-presets"),
+                           path("later.pxspr"),
+                           path("in")};
+    QCOMPARE(run(save).err.count("later version"), 2);
+    QCOMPARE(run(save + QStringList(QStringLiteral("--quiet"))).err, QByteArray());
     QCOMPARE(
         run({QStringLiteral("presets"), QStringLiteral("--convert"), path("new.pxspr"), path("my.pxspr")})
             .status,
