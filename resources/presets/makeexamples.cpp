@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/fontcatalog.h"
 #include "presets/wpresetarchive.h"
 
 #include <QDir>
@@ -26,7 +25,7 @@ int refuse(const QString &text)
     return 1;
 }
 
-Result<WPresetList> presetsFrom(const QString &path, const FontCatalog &fonts)
+Result<WPresetList> presetsFrom(const QString &path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
@@ -37,7 +36,10 @@ Result<WPresetList> presetsFrom(const QString &path, const FontCatalog &fonts)
         return fail(QStringLiteral("%1: %2").arg(path, error.errorString()));
     WPresetList presets;
     for (const QJsonValue entry : json.array()) {
-        WPresetValues values = WPresetValues::forNewPreset(fonts);
+        WPresetValues values;
+        // Not those of a new preset, which go by the machine, its user and the year.
+        values.font = QStringLiteral("DejaVuSans");
+        values.textTokens = {QStringLiteral("\u00a9 Your Name")};
         const QJsonObject fields = entry.toObject();
         for (auto field = fields.begin(); field != fields.end(); ++field) {
             QJsonValue value = *field;
@@ -70,8 +72,7 @@ int main(int argc, char **argv)
         return refuse(QStringLiteral("give the folder resources/presets; --check before it compares only"));
     const QDir folder(arguments.last());
     const QString target = folder.filePath(QStringLiteral("example_wpresets.pxwpr"));
-    const FontCatalog fonts;
-    const auto presets = presetsFrom(folder.filePath(QStringLiteral("watermarks.json")), fonts);
+    const auto presets = presetsFrom(folder.filePath(QStringLiteral("watermarks.json")));
     if (!presets)
         return refuse(presets.error().text);
     if (!isCheck) {

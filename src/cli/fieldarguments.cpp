@@ -9,6 +9,7 @@
 #include <QHash>
 #include <QJsonArray>
 
+#include <algorithm>
 #include <functional>
 #include <utility>
 
@@ -51,17 +52,17 @@ QString textOf(const FieldArgument &field)
 Result<QStringList> tokens(const FieldArgument &field)
 {
     const QJsonValue json = jsonInText(field.text);
-    if (!json.isArray())
-        return QStringList{textOf(field)};
     QStringList list;
+    if (!json.isArray())
+        list.append(textOf(field));
     for (const QJsonValue &token : json.toArray()) {
         if (!token.isString())
             return fail(
                 QStringLiteral("%1: a list of texts, as in [\"filename\",\"-small\"]").arg(field.name));
         list.append(token.toString());
     }
-    if (list.isEmpty())
-        return fail(QStringLiteral("%1: at least one").arg(field.name));
+    if (std::all_of(list.begin(), list.end(), [](const QString &token) { return token.isEmpty(); }))
+        return fail(QStringLiteral("%1: at least one that is not empty").arg(field.name));
     return list;
 }
 

@@ -2,22 +2,102 @@
 
 #include "cli/presetfiles.h"
 
-#include "cli/messages.h"
 #include "platform/applicationname.h"
+
+#include <QFile>
+#include <QFileInfo>
 
 namespace plexa
 {
 
-Result<SavingPresetList> savingPresetsIn(const QString &path)
+namespace
 {
-    QByteArray errors;
+
+using Kind = PresetsStore::Kind;
+
+QString laterNotice()
+{
+    return QStringLiteral("a later version of Plexa wrote it; what that version added is not read");
+}
+
+/// An error line of the reader as part of a sentence: without "ERROR" and the file's name in front.
+QString reasonIn(QByteArray line, const QString &path)
+{
+    const QByteArray start = "ERROR";
+    const qsizetype position = start.size() + path.toUtf8().size();
+    if (line.startsWith(start + ':'))
+        line.remove(0, start.size() + 1);
+    else if (line.startsWith(start))
+        line.remove(0, position);
+    return QString::fromUtf8(line).simplified();
+}
+
+/// @return a failure when the presets are not of this kind
+Result<void> expectKind(const QString &path, Kind kind)
+{
+    const Result<Kind> found = kindOfPresetsFile(path);
+    if (!found)
+        return tl::unexpected(found.error());
+    if (*found == kind)
+        return {};
+    return fail(kind == Kind::Saving
+                    ? QStringLiteral("it is a file of watermark presets, not of saving presets")
+                    : QStringLiteral("it is a file of saving presets, not of watermark presets"));
+}
+
+} // namespace
+
+Result<Kind> kindOfPresetsFile(const QString &path)
+{
+    constexpr qint64 kStartBytes = 1024;
+    if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) // opening a pipe would wait for its other end
+        return fail(QStringLiteral("it is not a regular file"));
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return fail(file.errorString());
+    const QByteArray start = file.read(kStartBytes);
+    if (file.error() != QFileDevice::NoError)
+        return fail(file.errorString());
+    if (start.isEmpty())
+        return fail(QStringLiteral("it is empty"));
+    // Watermark presets are a property list, in its binary form or as XML.
+    if (start.startsWith("bplist") || start.contains("<!DOCTYPE plist") || start.contains("<plist"))
+        return Kind::Watermark;
+    const bool hasMark = start.startsWith("\xEF\xBB\xBF"); // which an editor puts in front of UTF-8
+    if (start.mid(hasMark ? 3 : 0).trimmed().startsWith('<'))
+        return Kind::Saving;
+    return fail(QStringLiteral("it is no file of presets"));
+}
+
+Result<PresetsRead<SavingPresetList>> savingPresetsIn(const QString &path)
+{
+    if (const Result<void> expected = expectKind(path, Kind::Saving); !expected)
+        return tl::unexpected(expected.error());
+    QStringList errors;
     ReadCode code{};
-    auto presets = SavingPreset::readObjectsFromFile(path, applicationNameWithCompany(true, false, true),
-                                                     code, [&](const QByteArray &line) { errors += line; });
+    bool isLater = false;
+    auto presets = SavingPreset::readObjectsFromFile(
+        path, applicationNameWithCompany(true, false, true), code,
+        [&](const QByteArray &line) { errors.append(reasonIn(line, path)); }, &isLater);
     if (!presets)
-        return fail(QStringLiteral("it is no file of saving presets: %1")
-                        .arg(onOneLine(QString::fromUtf8(errors.trimmed()))));
-    return std::move(*presets);
+        return fail(QStringLiteral("it is no file of saving presets: %1").arg(errors.join(u"; ")));
+    PresetsRead<SavingPresetList> read{std::move(*presets), {}, {}};
+    if (!errors.isEmpty())
+        read.notice = QStringLiteral("some of it cannot be read: %1").arg(errors.join(u"; "));
+    else if (isLater)
+        read.notice = laterNotice();
+    return read;
+}
+
+Result<PresetsRead<WPresetList>> wPresetsIn(const QString &path, const SavingPresetLookup &savingPresetWithID)
+{
+    if (const Result<void> expected = expectKind(path, Kind::Watermark); !expected)
+        return tl::unexpected(expected.error());
+    bool isLater = false;
+    QStringList leftOut;
+    return readWPresetsFromFile(path, &isLater, savingPresetWithID, &leftOut).map([&](WPresetList &&presets) {
+        return PresetsRead<WPresetList>{std::move(presets), isLater ? laterNotice() : QString(), leftOut};
+    });
 }
 
 QString storedPresetsFile(PresetsStore::Kind kind)

@@ -3,12 +3,29 @@
 #pragma once
 
 #include "presets/presetsstore.h"
+#include "presets/wpresetarchive.h"
 
 namespace plexa
 {
 
-/// The saving presets of a file. A failure is a text that follows the file's name.
-[[nodiscard]] Result<SavingPresetList> savingPresetsIn(const QString &path);
+/// Which presets are in a file, told by how it begins, whatever it is called. A failure is a text that
+/// follows the file's name, as with all functions here.
+[[nodiscard]] Result<PresetsStore::Kind> kindOfPresetsFile(const QString &path);
+
+/// What was read of a file.
+template<class List>
+struct PresetsRead {
+    List presets;
+    QString notice;      ///< why the file may hold more than `presets`, as text that follows its name; or empty
+    QStringList leftOut; ///< what of the file is not in `presets`, likewise
+};
+
+/// The saving presets of a file.
+[[nodiscard]] Result<PresetsRead<SavingPresetList>> savingPresetsIn(const QString &path);
+
+/// The watermark presets of a file, with the saving presets that are found for them.
+[[nodiscard]] Result<PresetsRead<WPresetList>> wPresetsIn(const QString &path,
+                                                          const SavingPresetLookup &savingPresetWithID);
 
 /// Where the user's own presets of that kind are read from: their file, or the examples before there is one.
 /// Nothing is written.

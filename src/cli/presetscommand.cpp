@@ -6,11 +6,9 @@
 #include "cli/pathargument.h"
 #include "cli/presetfiles.h"
 #include "platform/applicationname.h"
-#include "presets/wpresetarchive.h"
 #include "watermark/texttokens.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -41,33 +39,25 @@ private:
 /// The presets of one file, of either kind.
 struct PresetsFile {
     bool areWatermarks = false;
-    bool isLater = false;
-    QStringList leftOut; ///< what is in the file and in neither list
     WPresetList wPresets;
     SavingPresetList savingPresets;
+    QString notice;      ///< why there may be more in it; or empty
+    QStringList leftOut; ///< what is in the file and in neither list
 };
 
 Result<PresetsFile> readPresetsFile(const QString &path)
 {
-    if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) // opening a pipe would wait for its other end
-        return fail(QStringLiteral("it is not a regular file"));
-    QFile contents(path);
-    if (!contents.open(QIODevice::ReadOnly))
-        return fail(contents.errorString());
-    // The two kinds are as different as can be, whatever the file is called.
-    PresetsFile file;
-    file.areWatermarks = contents.peek(8).startsWith("bplist");
-    contents.close();
-    if (!file.areWatermarks) {
-        return savingPresetsIn(path).map([&](const SavingPresetList &list) {
-            file.savingPresets = list;
-            return file;
+    const Result<PresetsStore::Kind> kind = kindOfPresetsFile(path);
+    if (!kind)
+        return tl::unexpected(kind.error());
+    if (*kind == PresetsStore::Kind::Saving) {
+        return savingPresetsIn(path).map([](const PresetsRead<SavingPresetList> &read) {
+            return PresetsFile{false, {}, read.presets, read.notice, read.leftOut};
         });
     }
     const auto number = [](qint64 presetID) { return std::make_shared<SavingPresetNumber>(presetID); };
-    return readWPresetsFromFile(path, &file.isLater, number, &file.leftOut).map([&](const WPresetList &list) {
-        file.wPresets = list;
-        return file;
+    return wPresetsIn(path, number).map([](const PresetsRead<WPresetList> &read) {
+        return PresetsFile{true, read.presets, {}, read.notice, read.leftOut};
     });
 }
 
@@ -115,8 +105,8 @@ QString lineFor(const WPreset &preset)
 
 QString lineFor(const SavingPreset &preset)
 {
-    return QStringLiteral("%1: %2, %3")
-        .arg(preset.name(), preset.imageFormat(), preset.filenameTokens().join(QLatin1String(", ")));
+    return QStringLiteral("%1: %2, \"%3\"")
+        .arg(preset.name(), preset.imageFormat(), preset.filenameTokens().join(QLatin1String("\" \"")));
 }
 
 void print(const PresetsFile &file, bool json)
@@ -149,22 +139,33 @@ void printFaults(const PresetsFile &file, const QString &path)
     }
 }
 
+/// Is this a name that the other kind of presets has?
+bool isNameOfOtherKind(const QString &target, const PresetsFile &file)
+{
+    const QLatin1StringView suffix(file.areWatermarks ? ".pxspr" : ".pxwpr");
+    return target.endsWith(suffix, Qt::CaseInsensitive);
+}
+
+/// @param path  of the file that was read
+/// @return a failure as text that follows that path
 Result<void> convert(const PresetsFile &file, const QString &path, const QString &target)
 {
     if (!file.leftOut.isEmpty() &&
         QFileInfo(target).canonicalFilePath() == QFileInfo(path).canonicalFilePath())
         return fail(QStringLiteral("what cannot be read would be lost; write the presets to another file"));
-    if (file.isLater)
+    if (!file.notice.isEmpty())
         return fail(
-            QStringLiteral("a later version of Plexa wrote it; today's form would leave out what that "
-                           "version added"));
-    const Result<void> written =
-        file.areWatermarks ? writeWPresets(file.wPresets, target)
-                           : SavingPreset::writeObjects(file.savingPresets, target,
-                                                        applicationNameWithCompany(true, false, true));
-    if (!written)
-        return fail(QStringLiteral("\"%1\" cannot be written: %2").arg(target, written.error().text));
-    return written;
+            QStringLiteral("nothing is written, since something would be left out: %1. Read: %2")
+                .arg(file.notice, file.areWatermarks ? namesOf(file.wPresets) : namesOf(file.savingPresets)));
+    if (isNameOfOtherKind(target, file))
+        return fail(file.areWatermarks
+                        ? QStringLiteral("it holds watermark presets; \"%1\" is a name for saving presets")
+                              .arg(target)
+                        : QStringLiteral("it holds saving presets; \"%1\" is a name for watermark presets")
+                              .arg(target));
+    return file.areWatermarks ? writeWPresets(file.wPresets, target)
+                              : SavingPreset::writeObjects(file.savingPresets, target,
+                                                           applicationNameWithCompany(true, false, true));
 }
 
 } // namespace
@@ -195,6 +196,8 @@ int runPresets(const PresetsOptions &options)
     printFaults(*file, path);
     const int status = file->leftOut.isEmpty() ? 0 : kSomethingFailed;
     if (options.convertTo.empty()) {
+        if (!file->notice.isEmpty())
+            printAbout(path, file->notice);
         print(*file, options.json);
         return status;
     }

@@ -2,9 +2,9 @@
 
 #include "cli/presetselection.h"
 
+#include "cli/messages.h"
 #include "cli/presetfiles.h"
 #include "cli/savecommand.h"
-#include "presets/wpresetarchive.h"
 
 #include <QFile>
 
@@ -33,14 +33,35 @@ tl::unexpected<Error> unreadable(const QString &path, const Error &error)
     return fail(QStringLiteral("%1: %2").arg(described(path), error.text));
 }
 
+/// The presets alone; says what of their file is not among them, unless nobody wants to hear of it.
+template<class List>
+Result<List> withNotice(const QString &path, Result<PresetsRead<List>> &&read, bool isQuiet)
+{
+    if (!read)
+        return unreadable(path, read.error());
+    if (!isQuiet) {
+        if (!read->notice.isEmpty())
+            printAbout(path, read->notice);
+        for (const QString &fault : read->leftOut)
+            printAbout(path, fault);
+    }
+    return std::move(read->presets);
+}
+
+/// Does the run take one of the saving presets?
+bool isSavingPresetChosen(const SaveOptions &options)
+{
+    return !options.savingPresetsFile.empty() || !options.savingPreset.empty();
+}
+
 /// The saving presets that watermark presets may refer to.
 Result<SavingPresetList> assignableSavingPresets(const SaveOptions &options)
 {
     if (options.savingPresetsFile.empty() && !options.wPresetsFile.empty())
         return SavingPresetList();
     const QString path = fileOrStored(options.savingPresetsFile, PresetsStore::Kind::Saving);
-    Result<SavingPresetList> presets = savingPresetsIn(path);
-    return presets ? presets : unreadable(path, presets.error());
+    // What chosenSavingPreset() reads as well is told there.
+    return withNotice(path, savingPresetsIn(path), options.quiet || isSavingPresetChosen(options));
 }
 
 SavingPresetPtr withID(const SavingPresetList &presets, qint64 presetID)
@@ -64,10 +85,10 @@ Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
     if (!assignable)
         return tl::unexpected(assignable.error());
     const QString path = fileOrStored(options.wPresetsFile, PresetsStore::Kind::Watermark);
-    const Result<WPresetList> presets =
-        readWPresetsFromFile(path, nullptr, [&](qint64 presetID) { return withID(*assignable, presetID); });
+    const auto savingPreset = [&](qint64 presetID) { return withID(*assignable, presetID); };
+    const Result<WPresetList> presets = withNotice(path, wPresetsIn(path, savingPreset), options.quiet);
     if (!presets)
-        return unreadable(path, presets.error());
+        return tl::unexpected(presets.error());
     std::vector<AppliedPreset> applied;
     const auto apply = [&applied](const std::shared_ptr<WPreset> &preset) {
         const bool isApplied = std::any_of(applied.begin(), applied.end(), [&](const AppliedPreset &other) {
@@ -102,12 +123,12 @@ Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
 
 Result<std::optional<SavingPresetValues>> chosenSavingPreset(const SaveOptions &options)
 {
-    if (options.savingPresetsFile.empty() && options.savingPreset.empty())
+    if (!isSavingPresetChosen(options))
         return std::optional<SavingPresetValues>();
     const QString path = fileOrStored(options.savingPresetsFile, PresetsStore::Kind::Saving);
-    const Result<SavingPresetList> presets = savingPresetsIn(path);
+    const Result<SavingPresetList> presets = withNotice(path, savingPresetsIn(path), options.quiet);
     if (!presets)
-        return unreadable(path, presets.error());
+        return tl::unexpected(presets.error());
     const QString name = QString::fromStdString(options.savingPreset);
     for (const auto &preset : *presets) {
         if (preset->name() == name || (options.savingPreset.empty() && presets->size() == 1))
@@ -116,6 +137,8 @@ Result<std::optional<SavingPresetValues>> chosenSavingPreset(const SaveOptions &
     // A file may be there for the presets that are assigned to watermarks.
     if (options.savingPreset.empty() && isPresetsMode(options))
         return std::optional<SavingPresetValues>();
+    if (presets->empty())
+        return fail(QStringLiteral("there are no saving presets in %1").arg(described(path)));
     return fail(QStringLiteral("--saving-preset has to name one of the presets in %1: %2")
                     .arg(described(path), namesOf(*presets)));
 }

@@ -146,7 +146,7 @@ public:
     /// None.
     ArchivedValue() = default;
 
-    /// Opens an archive.
+    /// Opens an archive, in the binary form or as XML.
     /// @return an object with the keys of the archive's top, or a failure as text that follows a file's name
     [[nodiscard]] static Result<ArchivedValue> readArchive(const QByteArray &bytes);
 

@@ -2,6 +2,7 @@
 
 #include "platform/keyedarchive.h"
 #include "platform/propertylistcheck.h"
+#include "platform/xmlpropertylist.h"
 
 #include <QCoreApplication>
 
@@ -114,11 +115,18 @@ ArchivedValue::ArchivedValue(std::shared_ptr<Archive> archive, void *node)
 
 Result<ArchivedValue> ArchivedValue::readArchive(const QByteArray &bytes)
 {
-    const QString fault = faultOfPropertyList(bytes);
-    if (!fault.isEmpty())
-        return fail(fault);
     const auto archive = std::make_shared<Archive>();
-    plist_from_bin(bytes.constData(), static_cast<uint32_t>(bytes.size()), &archive->root);
+    if (isXmlPropertyList(bytes)) {
+        const Result<void *> root = propertyListFromXml(bytes);
+        if (!root)
+            return tl::unexpected(root.error());
+        archive->root = *root;
+    } else {
+        const QString fault = faultOfPropertyList(bytes);
+        if (!fault.isEmpty())
+            return fail(fault);
+        plist_from_bin(bytes.constData(), static_cast<uint32_t>(bytes.size()), &archive->root);
+    }
     const auto member = [&](const char *key, plist_type type) -> plist_t {
         if (!archive->root || plist_get_node_type(archive->root) != PLIST_DICT)
             return nullptr;

@@ -23,10 +23,7 @@ struct Texts {
 
 constexpr qint64 kHeaderBytes = 8;
 constexpr qint64 kTrailerBytes = 32;
-constexpr int kMaxNesting = 32;         // a keyed archive has four levels
-constexpr qint64 kMaxNodes = 2'000'000; // about 200 bytes each, once they are built
 constexpr qint64 kMaxReferences = 4'000'000;
-constexpr qint64 kMaxKeys = 1000; // of one dictionary, which is searched key by key
 
 /// What an object unfolds into.
 struct Extent {
@@ -114,13 +111,13 @@ bool Checker::isSound()
 
 bool Checker::visit(quint64 object, int level)
 {
-    if (object >= m_extents.size() || level > kMaxNesting)
+    if (object >= m_extents.size() || level > kMaxPropertyListNesting)
         return false;
     Extent &extent = m_extents[object];
     if (extent.state == Extent::State::Open) // inside of itself
         return false;
     if (extent.state == Extent::State::Known)
-        return level + extent.height <= kMaxNesting;
+        return level + extent.height <= kMaxPropertyListNesting;
     extent.state = Extent::State::Open;
     quint64 at = 0;
     if (!readNumber(m_end + static_cast<qint64>(object) * m_placeWidth, m_placeWidth, at) ||
@@ -129,7 +126,7 @@ bool Checker::visit(quint64 object, int level)
     extent.nodes = 1;
     if (!measure(static_cast<qint64>(at), level, extent))
         return false;
-    if (extent.nodes > kMaxNodes || extent.bytes > kMaxPropertyListBytes)
+    if (extent.nodes > kMaxPropertyListNodes || extent.bytes > kMaxPropertyListBytes)
         return tooLarge();
     extent.state = Extent::State::Known;
     return true;
@@ -186,7 +183,7 @@ bool Checker::measure(qint64 at, int level, Extent &extent)
     case 0xa:
         return measureChildren(at, length, level, extent);
     case 0xd:
-        if (length > kMaxKeys)
+        if (length > kMaxPropertyListKeys)
             return tooLarge();
         return measureChildren(at, 2 * length, level, extent);
     default:
@@ -209,7 +206,7 @@ bool Checker::measureChildren(qint64 at, qint64 count, int level, Extent &extent
         const Extent &found = m_extents[child];
         extent.nodes += found.nodes;
         extent.bytes += found.bytes;
-        if (extent.nodes > kMaxNodes || extent.bytes > kMaxPropertyListBytes)
+        if (extent.nodes > kMaxPropertyListNodes || extent.bytes > kMaxPropertyListBytes)
             return tooLarge();
         extent.height = std::max(extent.height, static_cast<quint8>(found.height + 1));
     }

@@ -11,6 +11,11 @@ namespace plexa
 /// The longest property list that is read or written.
 inline constexpr qint64 kMaxPropertyListBytes = 512'000'000;
 
+// More is not built.
+inline constexpr int kMaxPropertyListNesting = 32;         ///< a keyed archive has four levels
+inline constexpr qint64 kMaxPropertyListNodes = 2'000'000; ///< about 200 bytes each, once they are built
+inline constexpr qint64 kMaxPropertyListKeys = 1000; ///< of one dictionary, which is searched key by key
+
 /// What is wrong with a binary property list, found without building it: a place that lies outside of the
 /// data, objects inside of themselves, more nesting than a program writes, or shared objects that would
 /// unfold into more than memory should be spent on. libplist copies a shared object for each of its users and

@@ -57,6 +57,15 @@ QString backupPath(const QString &path, int number = 1)
         .arg(info.path(), info.completeBaseName(), suffix, info.suffix());
 }
 
+/// @return was it written?
+bool isWritten(const Result<void> &written)
+{
+    if (!written)
+        qCritical().noquote()
+            << QStringLiteral("ERROR: the presets are not saved: %1").arg(written.error().text);
+    return written.has_value();
+}
+
 template<class List>
 void append(List &list, const List &more)
 {
@@ -244,7 +253,7 @@ bool PresetsStore::saveWPresets(Slot slot)
         makeRoomForFile(path, Kind::Watermark);
     if (slot == Slot::List && !keepCopyOfFile(path))
         return false;
-    return writeWPresets(slot == Slot::Quick ? WPresetList{m_quickWPreset} : m_wPresets, path).has_value();
+    return isWritten(writeWPresets(slot == Slot::Quick ? WPresetList{m_quickWPreset} : m_wPresets, path));
 }
 
 bool PresetsStore::saveSavingPresets(Slot slot)
@@ -253,9 +262,9 @@ bool PresetsStore::saveSavingPresets(Slot slot)
     const FolderLock lock(m_places.supportFolder);
     if (slot == Slot::List)
         makeRoomForFile(path, Kind::Saving);
-    return SavingPreset::writeObjects(
-               slot == Slot::Quick ? SavingPresetList{m_quickSavingPreset} : m_savingPresets, path, appID())
-        .has_value();
+    const SavingPresetList list =
+        slot == Slot::Quick ? SavingPresetList{m_quickSavingPreset} : m_savingPresets;
+    return isWritten(SavingPreset::writeObjects(list, path, appID()));
 }
 
 bool PresetsStore::importPresetsFromFile(const QString &path, Kind kind)

@@ -5,6 +5,9 @@
 #include "presets/savingformats.h"
 #include "presets/xmlnumbers.h"
 
+#include <QCoreApplication>
+
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -12,6 +15,10 @@ namespace plexa
 {
 namespace
 {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(plexa::SavingPreset)
+};
 
 const QString kRootElement = QStringLiteral("savingPresets");
 const QString kFileVersion = QStringLiteral("1.4");
@@ -144,6 +151,55 @@ QString writable(const QString &value, const QString &initial)
     return isRead ? value : initial;
 }
 
+/// What a preset with these values is read as from its own file.
+SavingPresetValues readAgain(SavingPresetValues values)
+{
+    const SavingPresetValues initial;
+    values.name = XMLFile::withoutLoneSurrogates(values.name);
+    for (QString &token : values.filenameTokens)
+        token = XMLFile::withoutLoneSurrogates(token);
+    values.fileBaseNameCase = writable(values.fileBaseNameCase, initial.fileBaseNameCase);
+    values.fileExtensionCase = writable(values.fileExtensionCase, initial.fileExtensionCase);
+    values.imageFormat = writable(values.imageFormat, initial.imageFormat);
+    values.alternativeImageFormat = writable(values.alternativeImageFormat, initial.alternativeImageFormat);
+    values.tiffCompressionLZW = true; // as readTiffCompression() says
+    return values;
+}
+
+bool isReadAgain(const QString &token)
+{
+    XMLParser parser([](const QByteArray &) {});
+    const QString written = XMLFile::withReadableStart(token);
+    return parser.parse("<?xml version=\"1.0\"?><token>" + written.toUtf8() + "</token>") &&
+           parser.root()->text() == XMLFile::withoutLoneSurrogates(token).toUtf8();
+}
+
+/// Reads what is about to be written.
+Result<void> checkXML(const QByteArray &xml, const std::vector<std::shared_ptr<SavingPreset>> &presets)
+{
+    for (const auto &preset : presets) {
+        const QStringList tokens = preset->filenameTokens();
+        const auto unreadable = std::find_if(tokens.begin(), tokens.end(),
+                                             [](const QString &token) { return !isReadAgain(token); });
+        if (unreadable != tokens.end())
+            return fail(Texts::tr("the saving preset \"%1\" names files with \"%2\", which a file of saving "
+                                  "presets cannot hold: \"<\" and \"&\" cannot be part of it")
+                            .arg(preset->name(), *unreadable));
+    }
+    XMLParser parser([](const QByteArray &) {});
+    if (!parser.parse(xml) || parser.root()->subelementCount() != std::ssize(presets))
+        return fail(Texts::tr("the presets are more than can be read again"));
+    for (std::size_t i = 0; i < presets.size(); ++i) {
+        const XMLParser::Element &element = *parser.root()->subelement(static_cast<qsizetype>(i));
+        const auto again = SavingPreset::initWithXMLData(element, kSupportedVersion);
+        if (!again || again->presetID() != presets[i]->presetID() ||
+            again->values() != readAgain(presets[i]->values()))
+            return fail(Texts::tr("the saving preset \"%1\" would not be read again as it is")
+                            .arg(presets[i]->name()));
+    }
+    return {};
+}
+
 } // namespace
 
 std::atomic<qint64> SavingPreset::s_lastUsedPresetID = 0;
@@ -243,10 +299,10 @@ std::shared_ptr<SavingPreset> SavingPreset::initWithXMLData(const XMLParser::Ele
 
 std::optional<std::vector<std::shared_ptr<SavingPreset>>>
 SavingPreset::readObjectsFromFile(const QString &path, const QString &appID, ReadCode &returnCode,
-                                  const XMLParser::ErrorSink &errors)
+                                  const XMLParser::ErrorSink &errors, bool *isLater)
 {
     return XMLFile::readObjectsFromFile<SavingPreset>(path, appID, kRootElement, kSupportedVersion,
-                                                      returnCode, errors);
+                                                      returnCode, errors, isLater);
 }
 
 Result<void> SavingPreset::writeObjects(const std::vector<std::shared_ptr<SavingPreset>> &presets,
@@ -256,7 +312,10 @@ Result<void> SavingPreset::writeObjects(const std::vector<std::shared_ptr<Saving
     objects.reserve(presets.size());
     for (const auto &preset : presets)
         objects.push_back(preset.get());
-    return XMLFile::writeObjects(objects, path, appID, kRootElement, kFileVersion);
+    const QByteArray xml = XMLFile::xmlOf(objects, appID, kRootElement, kFileVersion);
+    if (const Result<void> checked = checkXML(xml, presets); !checked)
+        return fail(Texts::tr("\"%1\" cannot be written: %2").arg(path, checked.error().text));
+    return XMLFile::writeXML(xml, path);
 }
 
 } // namespace plexa

@@ -101,7 +101,7 @@ public:
     static bool supportedUTI(const QString &type);
 
     /// Appends a `preset` element. Tokens go into it as they are, but for their first character: one with "&"
-    /// or "<" in it, or ">" in front, makes a file that cannot be read.
+    /// or "<" in it makes an element that cannot be read, or says something else.
     void appendObjectToXML(QString &xml) const override;
 
     /// The preset that a `preset` element of a file of that version stands for; null, with an error line
@@ -110,10 +110,12 @@ public:
     static std::shared_ptr<SavingPreset> initWithXMLData(const XMLParser::Element &element,
                                                          double fileVersion);
 
-    /// As XMLFile's of the same names, for files of saving presets.
+    /// As XMLFile's of the same names, for files of saving presets. What could not be read again as it is is
+    /// not written. A failure to write is a sentence that names the file.
     static std::optional<std::vector<std::shared_ptr<SavingPreset>>>
     readObjectsFromFile(const QString &path, const QString &appID, ReadCode &returnCode,
-                        const XMLParser::ErrorSink &errors = XMLParser::writeErrorLine);
+                        const XMLParser::ErrorSink &errors = XMLParser::writeErrorLine,
+                        bool *isLater = nullptr);
     [[nodiscard]] static Result<void> writeObjects(const std::vector<std::shared_ptr<SavingPreset>> &presets,
                                                    const QString &path, const QString &appID);
 

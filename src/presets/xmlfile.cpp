@@ -70,17 +70,27 @@ Result<void> XMLFile::writeObjects(std::span<const XMLFile *const> objects, cons
                                    const QString &appID, const QString &rootXMLElement,
                                    const QString &supportedVersion)
 {
+    return writeXML(xmlOf(objects, appID, rootXMLElement, supportedVersion), path);
+}
+
+QByteArray XMLFile::xmlOf(std::span<const XMLFile *const> objects, const QString &appID,
+                          const QString &rootXMLElement, const QString &supportedVersion)
+{
     QString xml = QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                                  "<%1 application=\"%2\" fileVersion=\"%3\">")
                       .arg(rootXMLElement, appID, supportedVersion);
     for (const XMLFile *object : objects)
         object->appendObjectToXML(xml);
     xml += QStringLiteral("\n</%1>\n").arg(rootXMLElement);
+    return xml.toUtf8();
+}
 
+Result<void> XMLFile::writeXML(const QByteArray &xml, const QString &path)
+{
     AtomicFile file(path, AtomicFile::IfExists::Replace, AtomicFile::Durability::Synced);
     if (Result<void> opened = file.open(); !opened)
         return opened;
-    file.device().write(xml.toUtf8()); // a failure comes out of commit()
+    file.device().write(xml); // a failure comes out of commit()
     return file.commit();
 }
 
@@ -93,16 +103,21 @@ QString XMLFile::replaceXmlSpecialChars(const QString &text)
     return replaced;
 }
 
+QString XMLFile::withoutLoneSurrogates(const QString &text)
+{
+    QString whole = text;
+    for (qsizetype i = 0; i < whole.size(); ++i) {
+        if (whole.at(i).isHighSurrogate() && i + 1 < whole.size() && whole.at(i + 1).isLowSurrogate())
+            ++i;
+        else if (whole.at(i).isSurrogate())
+            whole[i] = QChar::ReplacementCharacter;
+    }
+    return whole;
+}
+
 QString XMLFile::withReadableStart(const QString &text)
 {
-    QString readable = text;
-    for (qsizetype i = 0; i < readable.size(); ++i) {
-        if (readable.at(i).isHighSurrogate() && i + 1 < readable.size() &&
-            readable.at(i + 1).isLowSurrogate())
-            ++i;
-        else if (readable.at(i).isSurrogate())
-            readable[i] = QChar::ReplacementCharacter;
-    }
+    QString readable = withoutLoneSurrogates(text);
     const QChar first = readable.isEmpty() ? QChar() : readable.front();
     if (QStringView(u"\"'=/?> \t\r\n").contains(first))
         readable.replace(0, 1, QStringLiteral("&#%1;").arg(first.unicode()));
@@ -110,7 +125,7 @@ QString XMLFile::withReadableStart(const QString &text)
 }
 
 bool XMLFile::readFile(const QString &path, const QString &appID, const QString &rootXMLElement,
-                       const KeepObject &keepObject, const XMLParser::ErrorSink &errors)
+                       const KeepObject &keepObject, const XMLParser::ErrorSink &errors, double &fileVersion)
 {
     XMLParser parser(errors);
     if (!parser.loadAndParseFile(path))
@@ -125,7 +140,7 @@ bool XMLFile::readFile(const QString &path, const QString &appID, const QString 
         return false;
     }
     const XMLParser::Element &root = *parser.root();
-    const double fileVersion = leadingDecimal(root.attributeValue("fileVersion").value_or(QByteArray()));
+    fileVersion = leadingDecimal(root.attributeValue("fileVersion").value_or(QByteArray()));
     for (qsizetype i = 0; i < root.subelementCount(); ++i) {
         if (!keepObject(*root.subelement(i), fileVersion)) {
             parser.report("number " + QByteArray::number(i + 1) + " of the presets in \"" + path.toUtf8() +

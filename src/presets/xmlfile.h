@@ -18,7 +18,8 @@ namespace plexa
 /// What became of the reading of a preset file.
 enum class ReadCode : qint32 {
     Failed = -1,
-    LaterVersion = 0, ///< the file belongs to a later version of the program; never given by XMLFile
+    LaterVersion = 0, ///< the file belongs to a later version of the program; never given by XMLFile, which
+                      ///< reads such files
     Success = 1,
 };
 
@@ -53,12 +54,14 @@ public:
     /// @param supportedVersion  today's version of the file; later ones are read as far as they are
     /// understood
     /// @param errors            takes the error lines, also those on what this function finds
+    /// @param isLater           is set, where given, to whether a later version of the program wrote the file
     /// @return none, with ReadCode::Failed, when anything is wrong with the file
     template<class T>
     static std::optional<std::vector<std::shared_ptr<T>>>
     readObjectsFromFile(const QString &path, const QString &appID, const QString &rootXMLElement,
                         double supportedVersion, ReadCode &returnCode,
-                        const XMLParser::ErrorSink &errors = XMLParser::writeErrorLine);
+                        const XMLParser::ErrorSink &errors = XMLParser::writeErrorLine,
+                        bool *isLater = nullptr);
 
     /// Writes a file whole or not at all.
     /// @param supportedVersion  the file's version, as it is written
@@ -67,12 +70,20 @@ public:
                                                    const QString &rootXMLElement,
                                                    const QString &supportedVersion);
 
+    /// The same in two steps: the bytes of the file, and their writing.
+    static QByteArray xmlOf(std::span<const XMLFile *const> objects, const QString &appID,
+                            const QString &rootXMLElement, const QString &supportedVersion);
+    [[nodiscard]] static Result<void> writeXML(const QByteArray &xml, const QString &path);
+
     /// The text as an element's text: "&", "<" and ">" become references. Quotes stay, so it is no attribute.
     static QString replaceXmlSpecialChars(const QString &text);
 
     /// The text of an element with its first character as a numeric reference, where the reader would take it
-    /// for markup or skip it; and with lone surrogates, which no file can hold, as U+FFFD. The rest stays.
+    /// for markup or skip it; and withoutLoneSurrogates(). The rest stays.
     static QString withReadableStart(const QString &text);
+
+    /// The text with lone surrogates, which no file can hold, as U+FFFD.
+    static QString withoutLoneSurrogates(const QString &text);
 
 protected:
     XMLFile() = default;
@@ -84,14 +95,15 @@ private:
     using KeepObject = std::function<bool(const XMLParser::Element &element, double fileVersion)>;
 
     static bool readFile(const QString &path, const QString &appID, const QString &rootXMLElement,
-                         const KeepObject &keepObject, const XMLParser::ErrorSink &errors);
+                         const KeepObject &keepObject, const XMLParser::ErrorSink &errors,
+                         double &fileVersion);
 };
 
 template<class T>
 std::optional<std::vector<std::shared_ptr<T>>>
 XMLFile::readObjectsFromFile(const QString &path, const QString &appID, const QString &rootXMLElement,
-                             [[maybe_unused]] double supportedVersion, ReadCode &returnCode,
-                             const XMLParser::ErrorSink &errors)
+                             double supportedVersion, ReadCode &returnCode,
+                             const XMLParser::ErrorSink &errors, bool *isLater)
 {
     std::vector<std::shared_ptr<T>> objects;
     const auto keep = [&objects](const XMLParser::Element &element, double fileVersion) {
@@ -101,7 +113,10 @@ XMLFile::readObjectsFromFile(const QString &path, const QString &appID, const QS
         objects.push_back(std::move(object));
         return true;
     };
-    const bool isRead = readFile(path, appID, rootXMLElement, keep, errors);
+    double fileVersion = 0;
+    const bool isRead = readFile(path, appID, rootXMLElement, keep, errors, fileVersion);
+    if (isLater)
+        *isLater = fileVersion > supportedVersion;
     returnCode = isRead ? ReadCode::Success : ReadCode::Failed;
     if (!isRead)
         return std::nullopt;

@@ -178,7 +178,8 @@ void CommandLineTest::wrongUsage_data()
         << with("--save-set", "jpegQuality=101") << QByteArray("jpegQuality");
     QTest::newRow("no jobs") << with("--jobs", "0") << QByteArray("jobs");
     QTest::newRow("unknown answer") << with("--conflict", "maybe") << QByteArray("conflict");
-    QTest::newRow("no tokens") << with("--save-set", "filenameTokens=[]") << QByteArray("filenameTokens");
+    for (const char *tokens : {"filenameTokens=[]", "filenameTokens=", "filenameTokens=[\"\",\"\"]"})
+        QTest::newRow(tokens) << with("--save-set", tokens) << QByteArray("filenameTokens: at least one");
     QTest::newRow("unknown letter case")
         << with("--save-set", "fileBaseNameCase=title") << QByteArray("do not change");
     QTest::newRow("no saving presets") << with("--saving-presets", "/dev/null") << QByteArray("/dev/null");

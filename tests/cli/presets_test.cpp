@@ -48,6 +48,11 @@ private Q_SLOTS:
 
 private:
     QString path(const char *name) const { return m_folder->path(QLatin1StringView(name)); }
+    QByteArray contents(const char *name) const
+    {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
 };
 
 void PresetsCommandTest::init()
@@ -88,6 +93,8 @@ void PresetsCommandTest::printing()
     QVERIFY(presets[1][QStringLiteral("assignedSavingPreset")].toInteger() > 0);
     const Outcome saving = run({QStringLiteral("presets"), QStringLiteral("--json"), path("my.pxspr")});
     QCOMPARE(namesIn(saving.out), list("As PNG|As TIFF"));
+    QVERIFY(run({QStringLiteral("presets"), path("my.pxspr")})
+                .out.startsWith("As PNG: PNG, \"filename\" \"-assigned\"\n"));
     QCOMPARE(QJsonDocument::fromJson(saving.out).array()[0][QStringLiteral("presetID")],
              presets[1][QStringLiteral("assignedSavingPreset")]);
 }
@@ -108,11 +115,44 @@ void PresetsCommandTest::converting()
     QCOMPARE(json("new.pxwpr"), json("old.pxwpr"));
     const QByteArray archive = outputOf(QStringLiteral("python3"), {script, path("new.pxwpr")});
     QVERIFY(archive.contains("\"FileVersion\": 1.2000000476837158") && archive.contains("\"WPAngle\": 90"));
-    // Of a later file something would get lost; nothing is written.
-    const Outcome later =
-        run({QStringLiteral("presets"), QStringLiteral("--convert"), path("not.pxwpr"), path("later.pxwpr")});
-    QCOMPARE(later.status, 1);
-    QVERIFY(later.err.contains("later") && !QFile::exists(path("not.pxwpr")));
+    // Where something would get lost nothing is written.
+    const QByteArray mine = contents("my.pxspr");
+    write(QStringLiteral("later.pxspr"), QByteArray(mine).replace("1.4", "1.41"));
+    write(QStringLiteral("raw.pxspr"), QByteArray(mine).replace("-assigned", "R&D"));
+    write(QStringLiteral("markup.pxspr"), QByteArray(mine).replace("-assigned", "R&amp;D"));
+    const std::pair<const char *, const char *> losses[] = {{"later.pxwpr", "later version"},
+                                                            {"later.pxspr", "later version"},
+                                                            {"raw.pxspr", "\"&D"},
+                                                            {"markup.pxspr", "\"R&D\""},
+                                                            {"in/a.png", "no file of"}};
+    write(QStringLiteral("not"), "old");
+    for (const auto &[name, reason] : losses) {
+        const Outcome refused =
+            run({QStringLiteral("presets"), QStringLiteral("--convert"), path("not"), path(name)});
+        QVERIFY2(refused.status == 1 && refused.err.contains(reason), refused.err.constData());
+        QCOMPARE(refused.err.count('\n'), 1);
+        QCOMPARE(contents("not"), QByteArray("old"));
+    }
+    const Outcome misnamed =
+        run({QStringLiteral("presets"), QStringLiteral("--convert"), path("my.pxwpr"), path("my.pxspr")});
+    QVERIFY(misnamed.status == 1 && misnamed.err.contains("my.pxwpr\" is a name for watermark"));
+    const Outcome folder =
+        run({QStringLiteral("presets"), QStringLiteral("--convert"), path("in"), path("my.pxspr")});
+    QVERIFY(folder.status == 1 && folder.err.count("cannot be written") == 1);
+    // Otherwise what is read is told, and what is not.
+    for (const char *name : {"later.pxwpr", "later.pxspr"}) {
+        const Outcome printed = run({QStringLiteral("presets"), path(name)});
+        QVERIFY(printed.status == 0 && printed.out.count('\n') == 2 && printed.err.contains("later version"));
+    }
+    const QStringList save{QStringLiteral("save"),
+                           QStringLiteral("--dry-run"),
+                           QStringLiteral("--wpresets"),
+                           path("later.pxwpr"),
+                           QStringLiteral("--saving-presets"),
+                           path("later.pxspr"),
+                           path("in")};
+    QCOMPARE(run(save).err.count("later version"), 2);
+    QCOMPARE(run(save + QStringList(QStringLiteral("--quiet"))).err, QByteArray());
     QCOMPARE(
         run({QStringLiteral("presets"), QStringLiteral("--convert"), path("new.pxspr"), path("my.pxspr")})
             .status,
@@ -157,17 +197,31 @@ void PresetsCommandTest::whatCannotBeReadIsTold()
 void PresetsCommandTest::noPresets_data()
 {
     QTest::addColumn<QString>("file");
-    for (const char *name : {"in/a.png", "in", "missing", "my.txt"})
-        QTest::newRow(name) << QString::fromLatin1(name);
+    QTest::addColumn<QByteArray>("contents");
+    QTest::addColumn<QByteArray>("reason");
+    const auto add = [](const char *file, const QByteArray &reason, const QByteArray &contents = {}) {
+        QTest::newRow(file) << QString::fromLatin1(file) << contents << reason;
+    };
+    add("in/a.png", "it is no file of presets");
+    add("in", "it is not a regular file");
+    add("missing", "No such file");
+    add("empty.pxwpr", "it is empty");
+    add("cut.txt", "it is damaged", "bplist00");
+    add("other.pxspr", "of saving presets: (line 1, near", "<svg></svg>");
 }
 
 void PresetsCommandTest::noPresets()
 {
     QFETCH(QString, file);
-    write(QStringLiteral("my.txt"), "bplist00");
+    QFETCH(QByteArray, contents);
+    QFETCH(QByteArray, reason);
+    if (file.contains(u'.') && !file.contains(u'/'))
+        write(file, contents);
     const Outcome outcome = run({QStringLiteral("presets"), m_folder->path(file)});
     QCOMPARE(outcome.status, 1);
-    QVERIFY(outcome.out.isEmpty() && outcome.err.contains(QFileInfo(file).fileName().toUtf8() + ": "));
+    QVERIFY(outcome.out.isEmpty());
+    QVERIFY2(outcome.err.contains(QFileInfo(file).fileName().toUtf8() + ": ") && outcome.err.contains(reason),
+             outcome.err.constData());
     QCOMPARE(outcome.err.count('\n'), 1);
 }
 
@@ -216,7 +270,10 @@ void PresetsCommandTest::wrongUsage_data()
     QTest::newRow("two kinds of watermark")
         << list("--wpresets|my.pxwpr|--text|x") << QByteArray("--wpresets");
     QTest::newRow("a field") << list("--apply|Plain|--set|width=3") << QByteArray("--apply");
-    QTest::newRow("other files") << list("--wpresets|my.pxspr") << QByteArray("my.pxspr");
+    QTest::newRow("saving presets for watermarks")
+        << list("--wpresets|my.pxspr") << QByteArray("my.pxspr\": it is a file of saving presets");
+    QTest::newRow("watermarks for saving presets")
+        << list("--text|x|--saving-presets|my.pxwpr") << QByteArray("my.pxwpr\": it is a file of watermark");
 }
 
 void PresetsCommandTest::wrongUsage()

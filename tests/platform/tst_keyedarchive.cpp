@@ -65,6 +65,7 @@ private Q_SLOTS:
 private:
     ArchivedValue read(const char *name);
     static ArchivedValue copyOf(const ArchivedValue &value);
+    QByteArray xmlForm(const char *name) const;
 
     TestFolder m_folder;
 };
@@ -74,6 +75,13 @@ void KeyedArchiveTest::initTestCase()
     QProcess python;
     python.start(QStringLiteral("python3"), {script(), m_folder.path()});
     QVERIFY2(python.waitForFinished() && python.exitCode() == 0, python.readAllStandardError());
+}
+
+QByteArray KeyedArchiveTest::xmlForm(const char *name) const
+{
+    return outputOf(QStringLiteral("plistutil"),
+                    {QStringLiteral("-f"), QStringLiteral("xml"), QStringLiteral("-i"),
+                     m_folder.path(QLatin1StringView(name))});
 }
 
 ArchivedValue KeyedArchiveTest::read(const char *name)
@@ -170,15 +178,21 @@ void KeyedArchiveTest::whatIsWrittenIsReadBack()
 
 void KeyedArchiveTest::whatOthersWriteIsRead_data()
 {
+    QTest::addColumn<bool>("isXml");
     QTest::addColumn<bool>("isCopy");
-    QTest::newRow("as it came") << false;
-    QTest::newRow("copied into another archive") << true;
+    QTest::newRow("binary") << false << false;
+    QTest::newRow("XML") << true << false;
+    QTest::newRow("copied into another archive") << false << true;
 }
 
 void KeyedArchiveTest::whatOthersWriteIsRead()
 {
+    QFETCH(bool, isXml);
     QFETCH(bool, isCopy);
-    const ArchivedValue top = isCopy ? copyOf(read("values.plist")) : read("values.plist");
+    const auto opened = ArchivedValue::readArchive(
+        isXml ? xmlForm("values.plist") : contentsOf(m_folder.path(QStringLiteral("values.plist"))));
+    QVERIFY(opened);
+    const ArchivedValue top = isCopy ? copyOf(*opened) : *opened;
     QVERIFY(!top.isNone());
     const QString shared = QStringLiteral("shared \u00e9 \U0001F4F7");
     QCOMPARE(top.value(Key("plain")).string(), shared);
@@ -262,6 +276,20 @@ void KeyedArchiveTest::bombsAreRefused_data()
     QTest::newRow("endless table") << list("09", 1ULL << 60) << damaged;
     QTest::newRow("no archive") << list("09") << QStringLiteral("it is no archive of objects");
     QTest::newRow("nothing") << QByteArray() << damaged;
+    const auto xml = [](const QByteArray &contents, const QByteArray &start = {}) {
+        return "<?xml version=\"1.0\"?>" + start + "<plist>" + contents + "</plist>";
+    };
+    QTest::newRow("XML, nested 500 deep")
+        << xml(QByteArray("<array>").repeated(500) + QByteArray("</array>").repeated(500)) << damaged;
+    QTest::newRow("XML, two thousand keys")
+        << xml("<dict>" + QByteArray("<key>k</key><true/>").repeated(2000) + "</dict>") << tooMuch;
+    QTest::newRow("XML, with entities of its own")
+        << xml("<string>&a;</string>", "<!DOCTYPE plist [<!ENTITY a \"aaaa\">]>") << damaged;
+    for (const char *wrong :
+         {"<integer>12345678901234567890</integer>", "<data>?</data>", "<null/>", "<string>",
+          "<dict><true/></dict>", "<dict><key>k</key></dict>", "<true/><true/>", ""})
+        QTest::addRow("XML, %s", wrong) << xml(wrong) << damaged;
+    QTest::newRow("XML, no archive") << xml("<dict/>") << QStringLiteral("it is no archive of objects");
 }
 
 void KeyedArchiveTest::bombsAreRefused()
@@ -286,7 +314,6 @@ void KeyedArchiveTest::damageNeverCrashes()
         QVERIFY(none > 0 && wide.isExhausted());
     }
 
-    const QByteArray whole = contentsOf(m_folder.path(QStringLiteral("values.plist")));
     const auto look = [](const QByteArray &bytes) {
         const auto top = ArchivedValue::readArchive(bytes);
         for (const char *key : {"plain", "array", "ranges", "srgb", "catalogue", "image"}) {
@@ -295,12 +322,16 @@ void KeyedArchiveTest::damageNeverCrashes()
         }
         return top.has_value();
     };
-    QVERIFY(look(whole));
-    for (qsizetype i = 0; i < whole.size(); ++i) {
-        QVERIFY(!look(whole.first(i)));
-        QByteArray flipped = whole;
-        flipped[i] = static_cast<char>(~flipped[i]);
-        look(flipped);
+    const QByteArray binary = contentsOf(m_folder.path(QStringLiteral("values.plist")));
+    for (const QByteArray &whole : {binary, xmlForm("values.plist").trimmed()}) {
+        QVERIFY(look(whole));
+        const qsizetype step = whole == binary ? 1 : 5;
+        for (qsizetype i = 0; i < whole.size(); i += step) {
+            QVERIFY(!look(whole.first(i)));
+            QByteArray flipped = whole;
+            flipped[i] = static_cast<char>(flipped[i] ^ (whole == binary ? 0xff : 0x11));
+            look(flipped);
+        }
     }
 }
 

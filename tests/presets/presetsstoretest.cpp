@@ -8,6 +8,7 @@
 #include "support/failingsystemcalls.h"
 #include "support/scriptedalerts.h"
 #include "support/testenvironment.h"
+#include "watermark/texttokens.h"
 
 #include <QtTest>
 
@@ -182,6 +183,12 @@ void PresetsStoreTest::examplesOfTheProgram()
         const bool isPicture = preset->type() == QLatin1StringView("Image");
         QVERIFY2(isPicture ? !preset->image().svg().isEmpty() : !preset->textTokens().isEmpty(),
                  qPrintable(preset->name()));
+        // Of a photo without metadata there is something to see, or nothing at all.
+        QString literal;
+        for (const QString &piece : preset->textTokens())
+            literal += tokenNames().contains(piece) ? QString() : piece;
+        QVERIFY2(literal.isEmpty() || literal.contains(QRegularExpression(QStringLiteral("\\S"))),
+                 qPrintable(preset->name()));
         pictures += isPicture ? 1 : 0;
     }
     QVERIFY(pictures >= 2);
@@ -215,6 +222,12 @@ void PresetsStoreTest::whatIsSavedIsRead()
     QCOMPARE(again.savingPresets().back()->name(), savingPreset->name());
     QCOMPARE(again.quickWPreset()->fontSize(), WholeNumber(77));
     QCOMPARE(again.quickSavingPreset()->jpegQuality(), 66);
+    // What could not be read again does not replace what is there.
+    const QByteArray list = contentsOf(path(QStringLiteral("SPresets.pxspr")));
+    savingPreset->setFilenameTokens({QStringLiteral("R&D")});
+    QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(QStringLiteral("SPresets.pxspr.*\"R&D\"")));
+    QVERIFY(!store.saveSavingPresets(Slot::List));
+    QCOMPARE(contentsOf(path(QStringLiteral("SPresets.pxspr"))), list);
     QCOMPARE(alerts.complaints(), QStringList());
 }
 

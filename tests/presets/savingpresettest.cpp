@@ -107,7 +107,7 @@ private Q_SLOTS:
     void brokenPresets_data();
     void brokenPresets();
     void everyStartIsReadBack();
-    void tokensWithMarkupCannotBeReadBack();
+    void whatCannotBeReadBackIsNotWritten();
     void valuesWithMarkupAreWrittenAsInitial();
     void damagedFilesNeverCrash();
 
@@ -531,20 +531,36 @@ void SavingPresetTest::everyStartIsReadBack()
     QCOMPARE(again->front()->filenameTokens(), (QStringList{u"\uFFFD"_qs, u"\U0001F4F7"_qs}));
 }
 
-void SavingPresetTest::tokensWithMarkupCannotBeReadBack()
+void SavingPresetTest::whatCannotBeReadBackIsNotWritten()
 {
-    SavingPresetValues values;
-    values.filenameTokens = {u"a<b"_qs};
     const QString path = m_folder.path(u"markup.pxspr"_qs);
-    QVERIFY(SavingPreset::writeObjects({std::make_shared<SavingPreset>(values)}, path, kAppID));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QVERIFY(file.readAll().contains("<token>a<b</token>"));
-    QByteArray errors;
-    QVERIFY(!SavingPreset::readObjectsFromFile(path, kAppID, m_code,
-                                               [&](const QByteArray &line) { errors += line; }));
-    QCOMPARE(m_code, ReadCode::Failed);
-    QVERIFY(errors.contains(path.toUtf8()));
+    QVERIFY(SavingPreset::writeObjects({std::make_shared<SavingPreset>(firstOfFile())}, path, kAppID));
+    const auto contents = [&path] {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    const QByteArray before = contents();
+    QVERIFY(!before.isEmpty());
+    SavingPresetValues named;
+    named.name = u"cut"_qs + QChar(0) + u"off"_qs;
+    std::vector<SavingPresetValues> refused{named};
+    for (const QString &token : {u"a<b"_qs, u"R&D"_qs, u"a&amp;b"_qs, u"&#34;"_qs, u"<!--"_qs, named.name}) {
+        SavingPresetValues values;
+        values.filenameTokens = {u"filename"_qs, token};
+        refused.push_back(values);
+    }
+    for (const SavingPresetValues &values : refused) {
+        const auto preset = std::make_shared<SavingPreset>(values);
+        const Result<void> written =
+            SavingPreset::writeObjects({std::make_shared<SavingPreset>(), preset}, path, kAppID);
+        QVERIFY2(!written && written.error().text.contains(values.name),
+                 qPrintable(values.filenameTokens.last()));
+        QCOMPARE(contents(), before);
+    }
+    // The form itself has no references in tokens.
+    QString xml;
+    SavingPreset(refused[1]).appendObjectToXML(xml);
+    QVERIFY(xml.contains(u"<token>a<b</token>"));
 }
 
 void SavingPresetTest::damagedFilesNeverCrash()

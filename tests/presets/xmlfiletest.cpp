@@ -58,6 +58,7 @@ private:
     TestFolder m_folder;
     ReadCode m_code = ReadCode::LaterVersion;
     QByteArray m_errors;
+    bool m_isLater = false;
 };
 
 std::optional<std::vector<std::shared_ptr<Note>>> XMLFileTest::read(const QByteArray &xml)
@@ -67,8 +68,9 @@ std::optional<std::vector<std::shared_ptr<Note>>> XMLFileTest::read(const QByteA
         return std::nullopt;
     file.close();
     m_errors.clear();
-    return XMLFile::readObjectsFromFile<Note>(file.fileName(), kAppID, u"notes"_qs, 1.4, m_code,
-                                              [this](const QByteArray &line) { m_errors += line; });
+    return XMLFile::readObjectsFromFile<Note>(
+        file.fileName(), kAppID, u"notes"_qs, 1.4, m_code,
+        [this](const QByteArray &line) { m_errors += line; }, &m_isLater);
 }
 
 void XMLFileTest::envelope_data()
@@ -118,6 +120,7 @@ void XMLFileTest::envelope()
     const auto objects = read(xml);
     QCOMPARE(objects.has_value(), isRead);
     QCOMPARE(m_code, isRead ? ReadCode::Success : ReadCode::Failed);
+    QCOMPARE(m_isLater, xml.contains("12.5"));
     QCOMPARE(m_errors.isEmpty(), isRead);
     if (!isRead) // the reason names the file
         QVERIFY2(m_errors.contains(m_folder.path(u"notes.xml"_qs).toUtf8()), m_errors.constData());
