@@ -2,6 +2,8 @@
 
 #include "app/ui/presetlistmodel.h"
 
+#include "app/ui/plaintooltip.h"
+
 #include <QColor>
 #include <QDataStream>
 #include <QIODevice>
@@ -46,8 +48,10 @@ QVariant PresetListModel::data(const QModelIndex &index, int role) const
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
     const WPreset &preset = *m_presets[static_cast<std::size_t>(index.row())];
-    if (role == Qt::DisplayRole || role == Qt::ToolTipRole)
+    if (role == Qt::DisplayRole)
         return preset.name();
+    if (role == Qt::ToolTipRole)
+        return plainToolTip(preset.name());
     if (role == Qt::ForegroundRole && !preset.validPreset())
         return kInvalid;
     return {};
