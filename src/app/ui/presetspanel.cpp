@@ -183,7 +183,7 @@ void PresetsPanel::showApplied()
     m_appliedModel->setPresets(m_applied.wPresetsApplied());
     m_appliedTable->selectRows(m_applied.selectedRows());
     m_appliedTable->verticalScrollBar()->setValue(scrolledTo);
-    if (m_appliedModel->rowCount() > formerCount)
+    if (formerCount > 0 && m_appliedModel->rowCount() > formerCount)
         m_appliedTable->scrollToBottom(); // what was added is to be seen
 }
 

@@ -398,7 +398,13 @@ void MainWindowTest::alertsAreMessageBoxes()
         QTest::keyClick(&box, Qt::Key_Escape);
     });
     QCOMPARE(alerts.run(alert), (AlertAnswer{2, true}));
-    withNextBox([](QMessageBox &box) { QTest::keyClick(&box, Qt::Key_Return); });
+    alert.text =
+        QStringList(10, QLatin1Char('/') + QStringList(80, QStringLiteral("long folder/")).join(QString()))
+            .join(QLatin1Char('\n'));
+    withNextBox([](QMessageBox &box) {
+        QVERIFY(box.width() < 800 && box.height() < 600);
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
     QCOMPARE(alerts.run(alert), (AlertAnswer{0, false}));
     withNextBox([](QMessageBox &box) { box.buttons().at(1)->click(); });
     QCOMPARE(alerts.run(alert).button, 1);
