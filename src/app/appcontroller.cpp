@@ -2,13 +2,18 @@
 
 #include "app/appcontroller.h"
 
+#include "platform/alerts.h"
+#include "platform/filenames.h"
 #include "presets/presetsstore.h"
+
+#include <QFileInfo>
 
 namespace plexa
 {
 
 AppController::AppController(const Services &services)
-    : m_appliedPresets(services.defaults)
+    : m_alerts(services.alerts)
+    , m_appliedPresets(services.defaults)
     , m_imageSet({services.photos, services.defaults, services.alerts, m_status, services.threads})
     , m_positions(m_status, services.threads)
     , m_batchOperation(m_status, services.threads)
@@ -52,6 +57,35 @@ void AppController::readPresets(PresetsStore &store)
     takeQuickPreset();
     connect(&store, &PresetsStore::quickWPresetChanged, this, takeQuickPreset);
     m_appliedPresets.restoreAppliedPresets(store.wPresets());
+}
+
+bool AppController::importPresetsFile(const QString &path)
+{
+    using Kind = PresetsStore::Kind;
+    const QString suffix = fileExtensionOf(path).toLower();
+    if (suffix != QLatin1String("pxwpr") && suffix != QLatin1String("pxspr"))
+        return false;
+    if (!m_store)
+        return true;
+    const Kind kind = suffix == QLatin1String("pxwpr") ? Kind::Watermark : Kind::Saving;
+    const auto count = [&] {
+        return static_cast<int>(kind == Kind::Watermark ? m_store->wPresets().size()
+                                                        : m_store->savingPresets().size());
+    };
+    const int formerCount = count();
+    if (!m_store->importPresetsFromFile(path, kind))
+        return true; // the store has told the user
+    if (kind == Kind::Watermark)
+        m_store->saveWPresets(PresetsStore::Slot::List);
+    else
+        m_store->saveSavingPresets(PresetsStore::Slot::List);
+    Alert alert;
+    alert.style = Alert::Style::Informational;
+    alert.title = tr("Presets imported");
+    alert.text = tr("%n presets of \"%1\" were added to yours.", nullptr, count() - formerCount)
+                     .arg(QFileInfo(path).fileName());
+    m_alerts.run(alert);
+    return true;
 }
 
 void AppController::rememberPresets()

@@ -52,6 +52,11 @@ public:
     /// @param store  outlives this object
     void readPresets(PresetsStore &store);
 
+    /// Adds the presets of a file to the user's and keeps them; tells the user what came of it. Nothing
+    /// before readPresets().
+    /// @return whether the file is one of presets, going by its name
+    bool importPresetsFile(const QString &path);
+
     /// What closing the window keeps: the quick presets, and the names of those that are applied.
     void rememberPresets();
 
@@ -84,6 +89,7 @@ private:
     void connectAll();
 
     SavingControl m_saving;
+    Alerts &m_alerts;
     PresetsStore *m_store = nullptr;
     StatusManager m_status;
     AppliedPresets m_appliedPresets;

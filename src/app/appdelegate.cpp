@@ -41,15 +41,18 @@ void AppDelegate::applicationDidFinishLaunching()
 
 void AppDelegate::openFiles(const QStringList &paths)
 {
+    Q_EMIT windowWanted(); // first, so that questions stand before it
     if (!paths.isEmpty() && QFileInfo(paths.first()).fileName() == kExchangeInfoFile) {
         if (m_openExchange)
             m_openExchange(paths.first());
         else
             qCritical("ERROR: photos from companion applications cannot be opened by this version");
     } else {
-        m_services.controller.imageSet().scanImagesAtPaths(paths);
+        QStringList photos = paths;
+        photos.removeIf(
+            [this](const QString &path) { return m_services.controller.importPresetsFile(path); });
+        m_services.controller.imageSet().scanImagesAtPaths(photos);
     }
-    Q_EMIT windowWanted();
 }
 
 void AppDelegate::windowWillClose()

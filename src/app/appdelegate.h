@@ -39,7 +39,8 @@ public:
     /// Counts the run.
     void applicationDidFinishLaunching();
 
-    /// Files from the command line or from the desktop: photos and folders join the working set. When the
+    /// Files from the command line or from the desktop: photos and folders join the working set, the presets
+    /// of preset files join the user's. When the
     /// first of them is an exchange info file, all of them belong to a companion's exchange and none is a
     /// photo of its own.
     void openFiles(const QStringList &paths);

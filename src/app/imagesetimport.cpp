@@ -66,6 +66,7 @@ void ImageSet::takeFound(const QStringList &paths)
             continue;
         if (isFull(batch.size())) {
             append(std::exchange(batch, {}));
+            m_services.status.setProgress(static_cast<float>(m_nFound), StatusOperation::Counting);
             if (!mayGrowBeyondLimit()) {
                 m_scan.stop();
                 break;

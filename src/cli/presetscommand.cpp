@@ -9,6 +9,7 @@
 #include "watermark/texttokens.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 

@@ -15,6 +15,7 @@ class PresetsAtStartTest : public QObject
 
 private Q_SLOTS:
     void fromStartToStart();
+    void filesFromTheDesktop();
 };
 
 void PresetsAtStartTest::fromStartToStart()
@@ -45,6 +46,32 @@ void PresetsAtStartTest::fromStartToStart()
     // The very object of the list.
     QCOMPARE(app.appliedPresets().wPresetsApplied().front(), store.wPresets().at(1));
     QCOMPARE(store.wPresets().at(1)->name(), applied);
+    QCOMPARE(work.alerts.complaints(), QStringList());
+}
+
+void PresetsAtStartTest::filesFromTheDesktop()
+{
+    WorkingSet work;
+    PresetsStore store(work.alerts, work.fonts);
+    AppController app({work.photos, work.defaults, work.alerts, 2});
+    app.readPresets(store);
+    const std::size_t watermarks = store.wPresets().size();
+    const std::size_t savings = store.savingPresets().size();
+    const QString file = work.folder.path(QStringLiteral("Mine.PXWPR"));
+    QVERIFY(QFile::copy(QStringLiteral(":/plexa/presets/example_wpresets.pxwpr"), file));
+    work.alerts.expect(QStringLiteral("Presets imported"));
+    QVERIFY(app.importPresetsFile(file));
+    work.alerts.expect(QStringLiteral("Presets imported"));
+    QVERIFY(app.importPresetsFile(QStringLiteral(":/plexa/presets/example_spresets.pxspr")));
+    work.alerts.expect(QStringLiteral("Presets import failed"));
+    QVERIFY(app.importPresetsFile(work.folder.path(QStringLiteral("missing.pxspr"))));
+    QVERIFY(!app.importPresetsFile(work.folder.path(QStringLiteral("photo.jpg"))));
+
+    // They are kept at once: a program that is killed has them, too.
+    PresetsStore again(work.alerts, work.fonts);
+    again.readAll();
+    QCOMPARE(again.wPresets().size(), 2 * watermarks);
+    QVERIFY(again.savingPresets().size() > savings);
     QCOMPARE(work.alerts.complaints(), QStringList());
 }
 

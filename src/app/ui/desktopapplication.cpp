@@ -58,7 +58,9 @@ DesktopApplication::DesktopApplication(ApplicationService &service)
     connect(&m_window, &MainWindow::closed, this, &DesktopApplication::windowClosed);
     connect(&m_window, &MainWindow::quitWanted, this, &DesktopApplication::quit);
     connect(&m_delegate, &AppDelegate::windowWanted, &m_window, &MainWindow::present);
-    connect(&m_service, &ApplicationService::opened, &m_delegate, &AppDelegate::openFiles);
+    // Later: who has sent the files waits for an answer, and is not to wait for the user's.
+    connect(&m_service, &ApplicationService::opened, &m_delegate, &AppDelegate::openFiles,
+            Qt::QueuedConnection);
     connectPresets();
     m_window.actions().setHandler(ActionId::Feedback,
                                   [] { QDesktopServices::openUrl(AppDelegate::feedbackPage()); });
@@ -74,7 +76,10 @@ void DesktopApplication::connectPresets()
     connect(&m_store, &PresetsStore::wPresetsChanged, this,
             [this] { m_window.setWPresets(m_store.wPresets()); });
     CommandActions &actions = m_window.actions();
-    actions.setHandler(ActionId::SaveQuickPreset, [this] { m_store.saveQuickAsWPreset(); });
+    actions.setHandler(ActionId::SaveQuickPreset, [this] {
+        m_store.saveQuickAsWPreset();
+        m_store.saveWPresets(PresetsStore::Slot::List);
+    });
     actions.setHandler(ActionId::LoadPreset, [this] {
         if (const auto preset = m_window.selectedWPreset())
             m_store.loadWPreset(*preset);

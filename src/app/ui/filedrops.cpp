@@ -2,6 +2,8 @@
 
 #include "app/ui/filedrops.h"
 
+#include "views/promisedfiles.h"
+
 #include <QDropEvent>
 #include <QMimeData>
 #include <QUrl>
@@ -23,6 +25,9 @@ QStringList droppedFiles(const QMimeData *data)
 
 void acceptFiles(QDropEvent *event)
 {
+    // Photos of our own grid are in the list already; asking for their files would make copies of them.
+    if (event->mimeData()->hasFormat(PromisedFiles::kSelectionType))
+        return;
     if (!event->possibleActions().testFlag(Qt::CopyAction) || droppedFiles(event->mimeData()).isEmpty())
         return;
     event->setDropAction(Qt::CopyAction);

@@ -3,6 +3,7 @@
 #include "app/ui/imagelistmodel.h"
 
 #include "app/imageset.h"
+#include "app/ui/plaintooltip.h"
 
 namespace plexa
 {
@@ -70,8 +71,9 @@ QVariant ImageListModel::data(const QModelIndex &index, int role) const
     const ImageObject &image = *(*m_set.imagesFiltered())[static_cast<std::size_t>(index.row())];
     switch (role) {
     case Qt::DisplayRole:
-    case Qt::ToolTipRole:
         return image.path();
+    case Qt::ToolTipRole:
+        return plainToolTip(image.path());
     case Qt::EditRole:
         return image.filename();
     default:
@@ -81,17 +83,26 @@ QVariant ImageListModel::data(const QModelIndex &index, int role) const
 
 bool ImageListModel::setData(const QModelIndex &index, const QVariant &value, int role)
 {
-    if (role != Qt::EditRole || !checkIndex(index, CheckIndexOption::IndexIsValid))
+    const QString name = value.toString().trimmed();
+    if (role != Qt::EditRole || !checkIndex(index, CheckIndexOption::IndexIsValid) || name.isEmpty() ||
+        name.contains(QLatin1Char('/')))
         return false;
-    (*m_set.imagesFiltered())[static_cast<std::size_t>(index.row())]->setFilename(value.toString());
+    ImageObject &image = *(*m_set.imagesFiltered())[static_cast<std::size_t>(index.row())];
+    if (name == image.filename())
+        return false;
+    // The photo has another name from now on, and so have its copies; the file keeps its own.
+    if (image.pathToImportFrom().isEmpty())
+        image.setPathToImportFrom(image.path());
+    image.setFilename(name);
     Q_EMIT dataChanged(index, index);
     return true;
 }
 
 Qt::ItemFlags ImageListModel::flags(const QModelIndex &index) const
 {
-    return index.isValid() ? Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemNeverHasChildren
-                           : Qt::NoItemFlags;
+    return index.isValid()
+               ? Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsEditable | Qt::ItemNeverHasChildren
+               : Qt::NoItemFlags;
 }
 
 } // namespace plexa

@@ -12,6 +12,7 @@
 
 #include <QAction>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
 #include <QResizeEvent>
@@ -101,6 +102,7 @@ QWidget *ImageListPane::makeButtonRow()
     m_searchField->addAction(m_actions.action(ActionId::Find)->icon(), QLineEdit::LeadingPosition);
     m_searchField->setMinimumWidth(90);
     m_searchField->setMaximumWidth(220);
+    m_searchField->installEventFilter(this);
     layout->addWidget(m_searchField, 2);
     layout->addSpacing(kGroupGap);
 
@@ -202,9 +204,29 @@ void ImageListPane::showMode(bool isBrowser)
                           tr("Switch to the Small Batch mode. Recommended if you work with fewer images."));
 }
 
+/// Keys that lead from the search field back to the photos; Escape shows them all again.
+bool ImageListPane::endSearch(int key)
+{
+    switch (key) {
+    case Qt::Key_Escape:
+        m_searchField->clear();
+        break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Down:
+        break;
+    default:
+        return false;
+    }
+    shownView()->setFocus(Qt::OtherFocusReason);
+    return true;
+}
+
 /// The focus image that was in view stays in view when the grid gets another size.
 bool ImageListPane::eventFilter(QObject *object, QEvent *event)
 {
+    if (object == m_searchField)
+        return event->type() == QEvent::KeyPress && endSearch(static_cast<QKeyEvent *>(event)->key());
     if (object == m_imageBrowser->viewport() && event->type() == QEvent::Resize) {
         const QRectF seen(QPointF(0, m_imageBrowser->visibleRect().y()),
                           QSizeF(static_cast<QResizeEvent *>(event)->oldSize()));

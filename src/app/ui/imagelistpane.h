@@ -59,6 +59,7 @@ private:
     void connectBrowser();
     void followSettings();
     void showMode(bool isBrowser);
+    bool endSearch(int key);
 
     ImageSet &m_set;
     UserDefaults &m_defaults;

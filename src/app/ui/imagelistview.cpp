@@ -64,6 +64,7 @@ ImageListView::ImageListView(ImageSet &set, QWidget *parent)
     connect(&m_set.selection(), &ImageSelection::scrollToFocusRequested, this,
             &ImageListView::scrollToFirstSelected);
     connect(m_model, &ImageListModel::settled, this, &ImageListView::takeSelectionFromSet);
+    connect(m_model, &ImageListModel::modelReset, this, &ImageListView::scrollToTop); // another list
     connect(&m_set, &ImageSet::refreshed, viewport(), qOverload<>(&QWidget::update));
 }
 
@@ -79,7 +80,7 @@ void ImageListView::setUpLook()
     setWordWrap(false);
     setSelectionBehavior(SelectRows);
     setSelectionMode(ExtendedSelection);
-    setEditTriggers(NoEditTriggers);
+    setEditTriggers(EditKeyPressed | DoubleClicked);
     setVerticalScrollMode(ScrollPerPixel);
     setTabKeyNavigation(false);
     setCornerButtonEnabled(false);
@@ -136,6 +137,14 @@ void ImageListView::resizeEvent(QResizeEvent *event)
 {
     QTableView::resizeEvent(event);
     scrollToFirstSelected();
+}
+
+/// There is one column, so both keys mean the rows.
+QModelIndex ImageListView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
+{
+    if (action == MoveHome || action == MoveEnd)
+        modifiers |= Qt::ControlModifier;
+    return QTableView::moveCursor(action, modifiers);
 }
 
 void ImageListView::keyPressEvent(QKeyEvent *event)

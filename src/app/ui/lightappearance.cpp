@@ -84,6 +84,15 @@ QPalette lightPalette()
     return palette;
 }
 
+/// Where icons and texts of several colours lie on what is chosen: they stay what they are.
+QPalette lightListPalette()
+{
+    QPalette palette = lightPalette();
+    palette.setColor(QPalette::Active, QPalette::Highlight, QColor(0xb9, 0xd4, 0xef));
+    palette.setColor(QPalette::Active, QPalette::HighlightedText, palette.color(QPalette::Text));
+    return palette;
+}
+
 } // namespace
 
 void setLightAppearance(QApplication &application)
@@ -91,8 +100,10 @@ void setLightAppearance(QApplication &application)
     QApplication::setStyle(new LightStyle);
     QApplication::setPalette(lightPalette());
     // Desktops bring palettes of their own for these.
-    for (const char *widgets : {"QToolTip", "QMenu", "QMenuBar", "QAbstractItemView", "QHeaderView"})
+    for (const char *widgets : {"QToolTip", "QHeaderView"})
         QApplication::setPalette(lightPalette(), widgets);
+    for (const char *widgets : {"QMenu", "QMenuBar", "QAbstractItemView"})
+        QApplication::setPalette(lightListPalette(), widgets);
     QToolTip::setPalette(lightPalette());
     application.setStyleSheet({}); // not even one that came by the command line
 }

@@ -28,6 +28,23 @@ QMessageBox::Icon iconOf(Alert::Style style)
     return QMessageBox::Critical;
 }
 
+constexpr int kMaxWidth = 520; // of what cannot be wrapped
+
+/// Paths can be so long that the buttons would not fit on the screen. What is too wide for a line loses its
+/// middle: a path that has the line to itself, or a word.
+QString shortened(const QString &text, const QFontMetrics &metrics)
+{
+    QStringList lines = text.split(QLatin1Char('\n'));
+    for (QString &line : lines) {
+        const bool isPath = line.startsWith(QLatin1Char('/'));
+        QStringList parts = isPath ? QStringList(line) : line.split(QLatin1Char(' '));
+        for (QString &part : parts)
+            part = metrics.elidedText(part, Qt::ElideMiddle, kMaxWidth);
+        line = parts.join(QLatin1Char(' '));
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
 /// Names of files stand in the texts, and must not be taken for markup.
 void keepPlain(QMessageBox &box)
 {
@@ -58,7 +75,7 @@ AlertAnswer MessageBoxAlerts::show(const Alert &alert)
     box.setWindowTitle(QCoreApplication::applicationName());
     box.setIcon(iconOf(alert.style));
     box.setText(alert.title);
-    box.setInformativeText(alert.text);
+    box.setInformativeText(shortened(alert.text, box.fontMetrics()));
     keepPlain(box);
     QList<QPushButton *> buttons;
     for (const QString &text : alert.buttons)

@@ -37,6 +37,7 @@ ModeSelector::ModeSelector(const QList<Segment> &segments, QWidget *parent)
         button->setToolTip(segment.toolTip);
         button->setWhatsThis(segment.toolTip);
         button->setCheckable(true);
+        button->setFocusPolicy(Qt::ClickFocus);
         if (i == 0)
             button->setProperty("place", QStringLiteral("first"));
         else if (i == segments.size() - 1)
@@ -45,6 +46,10 @@ ModeSelector::ModeSelector(const QList<Segment> &segments, QWidget *parent)
         layout->addWidget(button, 1);
     }
     setStyleSheet(QString::fromLatin1(kLook));
+    connect(m_buttons, &QButtonGroup::idToggled, this, [this](int segment, bool isOn) {
+        // The Tab key goes to the segment that is on, the arrow keys go on from there.
+        m_buttons->button(segment)->setFocusPolicy(isOn ? Qt::StrongFocus : Qt::ClickFocus);
+    });
     connect(m_buttons, &QButtonGroup::idClicked, this, &ModeSelector::selected);
 }
 

@@ -8,7 +8,7 @@ namespace plexa
 {
 
 /// Draws a path so that the file's name stands out from its folder, and stays readable when the path is too
-/// long.
+/// long. The editor is that of the name, and stands in its place.
 class PathDelegate final : public QStyledItemDelegate
 {
     Q_OBJECT
@@ -18,6 +18,10 @@ public:
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
+                          const QModelIndex &index) const override;
+    void updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
+                              const QModelIndex &index) const override;
 };
 
 } // namespace plexa

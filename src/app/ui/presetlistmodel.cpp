@@ -2,6 +2,8 @@
 
 #include "app/ui/presetlistmodel.h"
 
+#include "app/ui/plaintooltip.h"
+
 #include <QColor>
 #include <QDataStream>
 #include <QIODevice>
@@ -49,7 +51,7 @@ QVariant PresetListModel::data(const QModelIndex &index, int role) const
     if (role == Qt::DisplayRole)
         return preset.name();
     if (role == Qt::ToolTipRole)
-        return preset.validPreset() ? preset.name() : preset.values().pictureFault();
+        return plainToolTip(preset.validPreset() ? preset.name() : preset.values().pictureFault());
     if (role == Qt::ForegroundRole && !preset.validPreset())
         return kInvalid;
     return {};

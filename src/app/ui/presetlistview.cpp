@@ -4,10 +4,12 @@
 
 #include "app/ui/presetlistmodel.h"
 
+#include <QDrag>
 #include <QDropEvent>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
+#include <QStyleOptionFocusRect>
 #include <QStyledItemDelegate>
 
 #include <algorithm>
@@ -29,7 +31,20 @@ public:
         const QSize size = QStyledItemDelegate::sizeHint(option, index);
         return {size.width(), option.fontMetrics.height() + 8};
     }
+
+protected:
+    /// The model's colour stays when the row is selected.
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        const QVariant color = index.data(Qt::ForegroundRole);
+        if (color.isValid())
+            option->palette.setColor(QPalette::HighlightedText, color.value<QColor>());
+    }
 };
+
+constexpr int kDragImageWidth = 200;
+constexpr QPoint kDragImageOffset(14, 10); // beside the pointer, so that the place of the drop is seen
 
 } // namespace
 
@@ -79,16 +94,34 @@ void PresetListView::selectRows(const IndexList &rows)
 void PresetListView::paintEvent(QPaintEvent *event)
 {
     QListView::paintEvent(event);
-    if (m_model.rowCount() > 0 || m_emptyHint.isEmpty())
+    if (m_model.rowCount() > 0)
         return;
     QPainter painter(viewport());
+    if (hasFocus()) { // there is no row that could show it
+        QStyleOptionFocusRect option;
+        option.initFrom(viewport());
+        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, viewport());
+    }
     painter.setPen(palette().color(QPalette::PlaceholderText));
     painter.drawText(viewport()->rect().adjusted(12, 8, -12, -8), Qt::AlignCenter | Qt::TextWordWrap,
                      m_emptyHint);
 }
 
+bool PresetListView::event(QEvent *event)
+{
+    // While the list has the keyboard, all of it is selected, and not all photos.
+    if (event->type() == QEvent::ShortcutOverride &&
+        static_cast<QKeyEvent *>(event)->matches(QKeySequence::SelectAll))
+        event->accept();
+    return QListView::event(event);
+}
+
 void PresetListView::keyPressEvent(QKeyEvent *event)
 {
+    if (event->text() == QLatin1String("/")) { // goes to the search field
+        event->ignore();
+        return;
+    }
     switch (event->key()) {
     case Qt::Key_Delete:
     case Qt::Key_Backspace:
@@ -101,6 +134,35 @@ void PresetListView::keyPressEvent(QKeyEvent *event)
     default:
         QListView::keyPressEvent(event);
     }
+}
+
+/// What is dragged, small: the list shows where it would go.
+QPixmap PresetListView::dragImage(const IndexList &rows) const
+{
+    const QString text = rows.size() == 1 ? m_model.index(rows.first()).data().toString()
+                                          : tr("%n presets", nullptr, static_cast<int>(rows.size()));
+    const QString shown = fontMetrics().elidedText(text, Qt::ElideRight, kDragImageWidth);
+    const QSize size(fontMetrics().horizontalAdvance(shown) + 16, fontMetrics().height() + 8);
+    QPixmap pixmap(size * devicePixelRatioF());
+    pixmap.setDevicePixelRatio(devicePixelRatioF());
+    pixmap.fill(palette().color(QPalette::Active, QPalette::Highlight));
+    QPainter painter(&pixmap);
+    painter.setFont(font());
+    painter.setPen(palette().color(QPalette::Active, QPalette::HighlightedText));
+    painter.drawText(QRect(QPoint(), size), Qt::AlignCenter | Qt::TextSingleLine, shown);
+    return pixmap;
+}
+
+void PresetListView::startDrag(Qt::DropActions actions)
+{
+    const IndexList rows = selectedRows();
+    if (rows.isEmpty())
+        return;
+    auto *const drag = new QDrag(this); // deletes itself
+    drag->setMimeData(m_model.mimeData(selectionModel()->selectedRows()));
+    drag->setPixmap(dragImage(rows));
+    drag->setHotSpot(-kDragImageOffset);
+    drag->exec(actions, Qt::MoveAction);
 }
 
 void PresetListView::dropEvent(QDropEvent *event)

@@ -40,11 +40,15 @@ Q_SIGNALS:
     void returnPressed();
 
 protected:
+    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    void startDrag(Qt::DropActions actions) override;
     void keyPressEvent(QKeyEvent *event) override;
     void dropEvent(QDropEvent *event) override;
 
 private:
+    QPixmap dragImage(const IndexList &rows) const;
+
     PresetListModel &m_model;
     QString m_emptyHint;
 };

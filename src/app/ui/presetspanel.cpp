@@ -12,9 +12,12 @@
 #include <QAction>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QScrollBar>
 #include <QStackedWidget>
 #include <QToolButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace plexa
 {
@@ -138,7 +141,16 @@ void PresetsPanel::connectLists()
 
 void PresetsPanel::setWPresets(const WPresetList &presets)
 {
+    const WPresetList selected = selectedWPresets();
+    const int scrolledTo = m_allTable->verticalScrollBar()->value();
     m_allModel->setPresets(presets);
+    IndexList rows;
+    for (std::size_t row = 0; row < presets.size(); ++row) {
+        if (std::find(selected.begin(), selected.end(), presets[row]) != selected.end())
+            rows.append(static_cast<int>(row));
+    }
+    m_allTable->selectRows(rows);
+    m_allTable->verticalScrollBar()->setValue(scrolledTo);
     Q_EMIT wPresetsSelectionChanged();
 }
 
@@ -166,8 +178,13 @@ void PresetsPanel::showApplied()
 {
     // The view forgets its selection here; that of the presets is what counts.
     const QSignalBlocker blocker(m_appliedTable);
+    const int formerCount = m_appliedModel->rowCount();
+    const int scrolledTo = m_appliedTable->verticalScrollBar()->value();
     m_appliedModel->setPresets(m_applied.wPresetsApplied());
     m_appliedTable->selectRows(m_applied.selectedRows());
+    m_appliedTable->verticalScrollBar()->setValue(scrolledTo);
+    if (formerCount > 0 && m_appliedModel->rowCount() > formerCount)
+        m_appliedTable->scrollToBottom(); // what was added is to be seen
 }
 
 void PresetsPanel::doubleMouseClick(const QModelIndex &index, const PresetListModel &model)

@@ -45,6 +45,9 @@ StatusLineView::StatusLineView(StatusManager &status, QWidget *parent)
     layout->addWidget(m_stopButton);
     layout->addStretch();
 
+    // Nothing moves when the button comes and goes.
+    setMinimumHeight(m_stopButton->sizeHint().height());
+
     connect(m_stopButton, &QToolButton::clicked, this, &StatusLineView::stopPressed);
     connect(&m_status, &StatusManager::lineChanged, this, &StatusLineView::showLine);
     showLine();

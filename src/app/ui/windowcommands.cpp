@@ -6,6 +6,8 @@
 #include "app/ui/commandactions.h"
 #include "app/ui/filemanager.h"
 
+#include <QFileInfo>
+
 namespace plexa
 {
 
@@ -23,7 +25,7 @@ void connectSelection(CommandActions &actions, AppController &controller)
     actions.setHandler(ActionId::ShowInFileManager, [&set] {
         QStringList paths;
         for (const std::shared_ptr<ImageObject> &image : set.selectedImages())
-            paths.append(image->path());
+            paths.append(QFileInfo::exists(image->path()) ? image->path() : image->pathToImportFrom());
         showFilesInFileManager(paths);
     });
 }

@@ -3,8 +3,11 @@
 #include "app/ui/imagelistmodel.h"
 #include "app/ui/imagelistview.h"
 #include "app/workingset.h"
+#include "views/promisedfiles.h"
 
 #include <QAbstractItemModelTester>
+#include <QFileInfo>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QUrl>
@@ -19,6 +22,7 @@ class ImageListViewTest : public QObject
 private Q_SLOTS:
     void leadsAndFollowsTheSelection();
     void followsTheList();
+    void renamesPhotos();
     void takesDroppedFiles();
 };
 
@@ -72,6 +76,11 @@ void ImageListViewTest::leadsAndFollowsTheSelection()
     QTest::keyClick(&f.view, Qt::Key_A, Qt::ControlModifier);
     QCOMPARE(f.set.selection().selectedIndexes().size(), 100);
 
+    QTest::keyClick(&f.view, Qt::Key_End);
+    QCOMPARE(f.set.selection().selectedIndexes(), IndexList({99}));
+    QTest::keyClick(&f.view, Qt::Key_Home, Qt::ShiftModifier);
+    QCOMPARE(f.set.selection().selectedIndexes().size(), 100);
+
     f.set.selection().selectIndexes({80, 82});
     QCOMPARE(f.viewRows(), IndexList({80, 82}));
     QVERIFY(f.view.viewport()->rect().contains(f.view.visualRect(f.view.model()->index(80, 0))));
@@ -117,6 +126,28 @@ void ImageListViewTest::followsTheList()
     QTest::keyClick(&f.view, Qt::Key_Delete); // nothing is there to be removed
 }
 
+void ImageListViewTest::renamesPhotos()
+{
+    Fixture f(0);
+    f.set.addImage(f.file, {});
+    f.click(0);
+    const auto rename = [&](const QString &name, Qt::Key end) {
+        QTest::keyClick(&f.view, Qt::Key_F2);
+        QWidget *const editor = f.view.viewport()->findChild<QLineEdit *>();
+        QTest::keyClicks(editor, name);
+        QTest::keyClick(editor, end);
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    };
+    const std::shared_ptr<ImageObject> image = f.set.images()->front();
+    rename(QStringLiteral("sea/side"), Qt::Key_Return); // a name, and no other folder
+    QCOMPARE(image->path(), QFileInfo(f.file).path() + QStringLiteral("/seaside.png"));
+    rename(QStringLiteral("other"), Qt::Key_Escape);
+    rename(QStringLiteral("  "), Qt::Key_Return);
+    QCOMPARE(image->filename(), QStringLiteral("seaside"));
+    QVERIFY(image->loadImageFromDisk()); // of the file, which has its name still
+}
+
 void ImageListViewTest::takesDroppedFiles()
 {
     Fixture f(0);
@@ -136,6 +167,12 @@ void ImageListViewTest::takesDroppedFiles()
     QCOMPARE(send(QDropEvent(at, actions, &mime, Qt::LeftButton, {})), Qt::IgnoreAction);
     QCOMPARE(dropped.count(), 1);
     QCOMPARE(dropped.first().first().toStringList(), QStringList{f.file});
+
+    // Photos of the grid are in the list already.
+    QMimeData own;
+    own.setUrls({QUrl::fromLocalFile(f.file)});
+    own.setData(PromisedFiles::kSelectionType, "0");
+    QCOMPARE(send(QDragEnterEvent(at, actions, &own, Qt::LeftButton, {})), Qt::IgnoreAction);
 
     QMimeData text;
     text.setText(QStringLiteral("not a file"));

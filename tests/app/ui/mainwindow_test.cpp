@@ -173,7 +173,14 @@ void MainWindowTest::searchFieldFilters()
     QCOMPARE(QApplication::focusWidget(), &search);
     QTest::keyClicks(&search, QStringLiteral("b"));
     QCOMPARE(shownNames(f.set), QStringLiteral("B ab"));
-    f.find<ImageListView>("imageListTable").setFocus();
+    QTest::keyClick(&search, Qt::Key_Escape);
+    QCOMPARE(shownNames(f.set), QStringLiteral("a B ab"));
+    f.controller.appliedPresets().modeDidChange(1);
+    f.find<QWidget>("wPresetsAllTable").setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Slash);
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("b"));
+    QTest::keyClick(&search, Qt::Key_Return);
+    QCOMPARE(QApplication::focusWidget(), &f.find<QWidget>("imageListTable"));
     QTest::keyClick(&f.window, Qt::Key_F, Qt::ControlModifier);
     QCOMPARE(search.selectedText(), QStringLiteral("b"));
     // New photos are to be seen.
@@ -317,6 +324,10 @@ void MainWindowTest::keysBelongToTheirViews()
     applied.setFocus();
     f.controller.appliedPresets().selectRows({0});
     QTRY_VERIFY(f.isEnabled(ActionId::RemoveSelected));
+    f.set.selection().selectNone();
+    QTest::keyClick(&applied, Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(f.set.selection().selectedIndexes(), IndexList());
+    f.set.selection().selectAll();
     QTest::keyClick(&applied, Qt::Key_Delete);
     QVERIFY(f.controller.appliedPresets().wPresetsApplied().empty());
     QCOMPARE(f.set.images()->size(), std::size_t(1)); // the key was not meant for the photos
@@ -387,7 +398,13 @@ void MainWindowTest::alertsAreMessageBoxes()
         QTest::keyClick(&box, Qt::Key_Escape);
     });
     QCOMPARE(alerts.run(alert), (AlertAnswer{2, true}));
-    withNextBox([](QMessageBox &box) { QTest::keyClick(&box, Qt::Key_Return); });
+    alert.text =
+        QStringList(10, QLatin1Char('/') + QStringList(80, QStringLiteral("long folder/")).join(QString()))
+            .join(QLatin1Char('\n'));
+    withNextBox([](QMessageBox &box) {
+        QVERIFY(box.width() < 800 && box.height() < 600);
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
     QCOMPARE(alerts.run(alert), (AlertAnswer{0, false}));
     withNextBox([](QMessageBox &box) { box.buttons().at(1)->click(); });
     QCOMPARE(alerts.run(alert).button, 1);
