@@ -9,6 +9,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QDialog>
 #include <QDrag>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -308,6 +309,23 @@ void ImageBrowserTest::rubberBand()
     QTest::keyClick(&grid.view, Qt::Key_Escape);
     QTest::mouseRelease(viewport, Qt::LeftButton, {}, to);
     QCOMPARE(grid.view.selectionIndexes(), QList<int>());
+
+    // Another button does not end it; the list may become shorter meanwhile; a message that comes up ends it.
+    QTest::mousePress(viewport, Qt::LeftButton, {}, from);
+    QTest::mouseMove(viewport, QPoint(from.x() + 5, viewport->height() + 40));
+    QMouseEvent other(QEvent::MouseButtonRelease, QPointF(to), viewport->mapToGlobal(QPointF(to)),
+                      Qt::MiddleButton, Qt::LeftButton, {});
+    QApplication::sendEvent(viewport, &other);
+    QTRY_VERIFY(grid.view.verticalScrollBar()->value() > 300);
+    grid.images->images.resize(12);
+    grid.view.viewport()->repaint();
+    QCOMPARE(grid.view.selectionIndexes(), QList<int>());
+    QDialog message;
+    message.setModal(true);
+    message.show();
+    QTRY_VERIFY(!grid.view.selectionIndexes().isEmpty() && grid.view.selectionIndexes().last() < 12);
+    message.hide();
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, from);
 }
 
 void ImageBrowserTest::keyboard_data()
