@@ -161,6 +161,7 @@ void AppController::stopAllOperations()
     m_positions.stopPastingSettings();
     m_batchOperation.abortOperation();
     abortSaving();
+    Q_EMIT stopAllWanted();
 }
 
 void AppController::abortSaving()

@@ -82,6 +82,8 @@ Q_SIGNALS:
     void previewOutdated();
     /// One photo looks different.
     void imageOutdated(const std::shared_ptr<plexa::ImageObject> &image);
+    /// The user wants everything that runs in the background to end.
+    void stopAllWanted();
     /// Something that commandState() tells of has changed.
     void commandStateChanged();
 

@@ -17,7 +17,7 @@ enum class StatusOperation : quint32 {
     NoImages = 0, ///< never started
     Counting = 1,
     Importing = 2,
-    Processing = 3, ///< not started by anybody so far
+    Processing = 3, ///< copies for another program
     Rotating = 4,   ///< turns and mirrors alike
     Pasting = 5,
 };

@@ -85,12 +85,12 @@ void ImageBrowserView::startDrag(QPointF viewportPoint)
     const Qt::DropAction done = drag->exec(outside | Qt::CopyAction | Qt::MoveAction, usual);
     if (!self) // and with it the drag
         return;
-    if (done != Qt::IgnoreAction && !drag->target())
-        files->dropped();
     m_isDraggingImages = false;
     m_mouseDownAtImage = false;
     setDrawnInsertionIndex(kNone);
     m_autoscrollTimer.stop();
+    if (done != Qt::IgnoreAction && !drag->target())
+        files->dropped(); // the event loop goes on in it: nothing may follow
 }
 
 /// What dropping it here would do; IgnoreAction: it is refused.

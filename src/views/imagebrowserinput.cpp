@@ -86,6 +86,7 @@ void ImageBrowserView::mouseMoveEvent(QMouseEvent *event)
     m_pointer = event->position();
     const QPointF point = gridPoint(m_pointer);
     if (!(event->buttons() & Qt::LeftButton)) {
+        endRubberBand(true); // the release went to somebody else, such as a message that came up
         if (event->buttons() == Qt::NoButton)
             setShowOriginalAtIndex(m_showsOriginalOnMouseOver ? cellIndexAtPoint(point) : kNone);
         return;
@@ -103,6 +104,8 @@ void ImageBrowserView::mouseMoveEvent(QMouseEvent *event)
 
 void ImageBrowserView::mouseReleaseEvent(QMouseEvent *event)
 {
+    if (event->buttons() & Qt::LeftButton) // it was another button
+        return;
     endRubberBand(true);
     const bool isDoubleClick = std::exchange(m_isDoubleClick, false);
     if (event->button() == Qt::LeftButton && isDoubleClick && m_delegate)
@@ -145,6 +148,10 @@ void ImageBrowserView::endRubberBand(bool selects)
 
 void ImageBrowserView::autoscroll()
 {
+    if (const QWidget *modal = QApplication::activeModalWidget(); modal && modal != window()) {
+        endRubberBand(true);
+        return;
+    }
     const QRectF area(viewport()->rect());
     const double margin = m_mouseSelectionRect ? 0 : kDragScrollMargin;
     const double above = area.top() + margin - m_pointer.y();

@@ -4,7 +4,7 @@
 
 #include "views/accessiblegrid.h"
 #include "views/imagebrowserdelegate.h"
-#include "views/promisedfiles.h"
+#include "views/privatefolders.h"
 
 #include <QMenu>
 #include <QPaintEvent>

@@ -22,27 +22,33 @@ QStringList PhotoPromise::names() const
     return names;
 }
 
-bool PhotoPromise::writeFiles(const QString &folder, Destination destination)
+FilePromise::Outcome PhotoPromise::makeFiles(const QString &folder, const std::function<bool()> &isUnwanted)
 {
-    if (destination == Destination::TargetFolder)
-        return m_contents.startSaving && m_contents.startSaving(folder);
     const QStringList files = names();
     std::vector<Result<void>> written(static_cast<std::size_t>(files.size()));
-    QStringList failures;
+    Outcome outcome;
+    CopyProgress *const progress = m_contents.progress.get();
+    const int begun = progress ? progress->begin() : 0;
     OrderedWork work;
     work.count = written.size();
     work.threads = std::max(1, m_contents.threads);
+    work.isStopped = [&] { return isUnwanted() || (progress && progress->isStopped(begun)); };
     work.work = [&](std::size_t number) {
         written[number] =
             writeFile(number, folder + QLatin1Char('/') + files.at(static_cast<qsizetype>(number)));
     };
     work.deliver = [&](std::size_t number) {
         if (!written[number])
-            failures.append(written[number].error().text);
+            outcome.failures.append(written[number].error().text);
+        if (progress)
+            progress->setProgress(static_cast<float>(number + 1) / static_cast<float>(work.count));
     };
     runOrdered(work);
-    report(failures);
-    return failures.size() < files.size();
+    if (progress) {
+        outcome.isStopped = progress->isStopped(begun);
+        progress->end();
+    }
+    return outcome;
 }
 
 Result<void> PhotoPromise::writeFile(std::size_t number, const QString &path) const
@@ -56,7 +62,7 @@ Result<void> PhotoPromise::writeFile(std::size_t number, const QString &path) co
     return {};
 }
 
-void PhotoPromise::report(const QStringList &failures) const
+void PhotoPromise::report(const QStringList &failures)
 {
     if (!failures.isEmpty() && m_contents.reportFailures)
         m_contents.reportFailures(failures);
@@ -76,7 +82,7 @@ QStringList PhotoPromise::imageTypes() const
     return types;
 }
 
-QByteArray PhotoPromise::image(const QString &mimeType)
+QByteArray PhotoPromise::image(const QString &mimeType, QStringList &failures)
 {
     if (!imageTypes().contains(mimeType))
         return {};
@@ -90,7 +96,7 @@ QByteArray PhotoPromise::image(const QString &mimeType)
         written = writeImage(buffer, picture, request);
     if (written)
         return buffer.data();
-    report({photo.path() + QStringLiteral(": ") + written.error().text});
+    failures.append(photo.path() + QStringLiteral(": ") + written.error().text);
     return {};
 }
 

@@ -2,9 +2,9 @@
 
 #include "views/promisedfiles.h"
 
+#include "views/backgroundwait.h"
 #include "views/x11drag.h"
 
-#include <QCoreApplication>
 #include <QDataStream>
 #include <QDir>
 #include <QFileInfo>
@@ -21,19 +21,6 @@ const QString kUriList = QStringLiteral("text/uri-list");
 
 } // namespace
 
-QString PrivateFolders::make()
-{
-    if (!m_root) {
-        m_root =
-            std::make_unique<QTemporaryDir>(QDir::tempPath() + QLatin1Char('/') +
-                                            QCoreApplication::applicationName() + QStringLiteral("-XXXXXX"));
-    }
-    const QString name = QString::number(++m_count);
-    if (!m_root->isValid() || !QDir(m_root->path()).mkdir(name))
-        return {};
-    return m_root->filePath(name);
-}
-
 const QString PromisedFiles::kSelectionType = QStringLiteral("com.quorvel.ImageBrowserSelections");
 
 PromisedFiles::PromisedFiles(std::unique_ptr<FilePromise> promise, std::shared_ptr<PrivateFolders> folders,
@@ -45,12 +32,21 @@ PromisedFiles::PromisedFiles(std::unique_ptr<FilePromise> promise, std::shared_p
 {
 }
 
+PromisedFiles::~PromisedFiles()
+{
+    // Who asked has gone away; who has the names may still come for the files.
+    if (m_making && !m_areNamesGiven) {
+        m_making->isGivenUp = true;
+        m_making->isAbandoned = m_use == Use::Drag;
+    }
+}
+
 QStringList PromisedFiles::formats() const
 {
     QStringList formats;
     if (m_promise) {
         formats << kUriList << m_promise->imageTypes();
-        if (m_use == Use::Drag && X11Drag::isAvailable())
+        if (m_use == Use::Drag && X11Drag::isAvailable() && m_promise->canSaveInto())
             formats << QLatin1String(X11Drag::kDirectSaveType);
     }
     if (!m_indexes.isEmpty())
@@ -74,8 +70,9 @@ QString PromisedFiles::firstName() const
 
 void PromisedFiles::dropped()
 {
-    if (!m_folder.isEmpty() && !m_isSavedDirectly)
-        makeFiles();
+    m_isDropped = true;
+    if (m_making && m_areNamesGiven && !m_isSavedDirectly)
+        makeFiles(std::shared_ptr(m_making));
 }
 
 QVariant PromisedFiles::retrieveData(const QString &mimeType, QMetaType type) const
@@ -93,23 +90,33 @@ QVariant PromisedFiles::retrieveData(const QString &mimeType, QMetaType type) co
         if (mimeType == QLatin1String(X11Drag::kDirectSaveType))
             return saveDirectly();
         if (m_promise->imageTypes().contains(mimeType))
-            return m_promise->image(mimeType);
+            return m_use == Use::Clipboard ? image(mimeType) : QByteArray();
     }
     return QMimeData::retrieveData(mimeType, type);
 }
 
 QByteArray PromisedFiles::fileUrls() const
 {
-    if (m_folder.isEmpty())
-        m_folder = m_folders->make();
-    if (m_folder.isEmpty())
-        return {};
-    const bool isHovering = m_use == Use::Drag && X11Drag::isButtonHeld();
-    if (!isHovering)
-        makeFiles();
+    if (!m_making) {
+        const QString folder = m_folders->make();
+        if (folder.isEmpty())
+            return {};
+        m_making = std::make_shared<Making>();
+        m_making->folder = folder;
+        m_making->promise = m_promise;
+        m_making->folders = m_folders;
+    }
+    const bool isHovering = m_use == Use::Drag && !m_isDropped && X11Drag::isButtonHeld();
+    m_areNamesGiven = m_areNamesGiven || isHovering;
+    const std::shared_ptr<Making> making = m_making;
+    if (!isHovering) {
+        makeFiles(making); // from here on, this object may be gone
+        if (making->isGivenUp || making->outcome.isStopped)
+            return {};
+    }
     QByteArray urls;
-    for (const QString &name : m_promise->names()) {
-        const QString path = m_folder + QLatin1Char('/') + name;
+    for (const QString &name : making->promise->names()) {
+        const QString path = making->folder + QLatin1Char('/') + name;
         // One that could not be made would only be a second message, from the target.
         if (isHovering || QFileInfo::exists(path))
             urls += QUrl::fromLocalFile(path).toEncoded() + "\r\n";
@@ -117,10 +124,42 @@ QByteArray PromisedFiles::fileUrls() const
     return urls;
 }
 
-void PromisedFiles::makeFiles() const
+void PromisedFiles::makeFiles(const std::shared_ptr<Making> &making)
 {
-    if (!std::exchange(m_areFilesMade, true))
-        m_promise->writeFiles(m_folder, FilePromise::Destination::PrivateFolder);
+    if (!making->work) {
+        making->work = std::make_shared<BackgroundWait>([making = making.get()] {
+            making->outcome =
+                making->promise->makeFiles(making->folder, [making] { return making->isGivenUp.load(); });
+        });
+    }
+    const std::shared_ptr<BackgroundWait> work = making->work;
+    if (!work->wait()) {
+        making->isGivenUp = true; // the program ends
+        work->finish();
+    }
+    if (std::exchange(making->isReported, true))
+        return;
+    if (making->isGivenUp || making->outcome.isStopped)
+        QDir(making->folder).removeRecursively(); // nobody has been told of them
+    QStringList failures = making->outcome.failures;
+    if (making->isAbandoned) {
+        failures.clear();
+        for (const QString &name : making->promise->names())
+            failures.append(tr("%1: the program that it was dropped on did not wait for it").arg(name));
+    }
+    making->promise->report(failures);
+}
+
+QByteArray PromisedFiles::image(const QString &mimeType) const
+{
+    QByteArray bytes;
+    QStringList failures;
+    const std::shared_ptr<FilePromise> promise = m_promise; // this object may go meanwhile
+    const auto work = std::make_shared<BackgroundWait>([&] { bytes = promise->image(mimeType, failures); });
+    if (!work->wait())
+        work->finish();
+    promise->report(failures);
+    return bytes;
 }
 
 QByteArray PromisedFiles::saveDirectly() const
@@ -132,7 +171,7 @@ QByteArray PromisedFiles::saveDirectly() const
     const QString folder = path.isEmpty() ? QString() : QFileInfo(path).path();
     if (folder.isEmpty() || !QFileInfo(folder).isDir())
         return answer(X11Drag::Answer::Failed);
-    m_isSavedDirectly = m_promise->writeFiles(folder, FilePromise::Destination::TargetFolder);
+    m_isSavedDirectly = m_promise->saveInto(folder);
     return answer(m_isSavedDirectly ? X11Drag::Answer::Saved : X11Drag::Answer::Error);
 }
 

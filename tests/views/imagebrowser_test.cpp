@@ -6,10 +6,10 @@
 #include "views/imagebrowserdelegate.h"
 #include "views/imagebrowserview.h"
 #include "views/promisedfiles.h"
-#include "views/x11drag.h"
 
 #include <QAccessible>
 #include <QApplication>
+#include <QDialog>
 #include <QDrag>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -81,18 +81,19 @@ public:
             names.append(QStringLiteral("image%1").arg(i));
         return names;
     }
-    bool writeFiles(const QString &folder, Destination) override
+    Outcome makeFiles(const QString &folder, const std::function<bool()> &) override
     {
         m_log.append(QStringLiteral("write"));
+        Outcome outcome;
         for (const QString &name : names()) {
             QFile file(folder + QLatin1Char('/') + name);
             if (!file.open(QIODevice::WriteOnly) || file.write("photo") != 5)
-                return false;
+                outcome.failures.append(name);
         }
-        return true;
+        return outcome;
     }
     QStringList imageTypes() const override { return {QStringLiteral("image/png")}; }
-    QByteArray image(const QString &) override
+    QByteArray image(const QString &, QStringList &) override
     {
         m_log.append(QStringLiteral("image"));
         return "png";
@@ -308,6 +309,23 @@ void ImageBrowserTest::rubberBand()
     QTest::keyClick(&grid.view, Qt::Key_Escape);
     QTest::mouseRelease(viewport, Qt::LeftButton, {}, to);
     QCOMPARE(grid.view.selectionIndexes(), QList<int>());
+
+    // Another button does not end it; the list may become shorter meanwhile; a message that comes up ends it.
+    QTest::mousePress(viewport, Qt::LeftButton, {}, from);
+    QTest::mouseMove(viewport, QPoint(from.x() + 5, viewport->height() + 40));
+    QMouseEvent other(QEvent::MouseButtonRelease, QPointF(to), viewport->mapToGlobal(QPointF(to)),
+                      Qt::MiddleButton, Qt::LeftButton, {});
+    QApplication::sendEvent(viewport, &other);
+    QTRY_VERIFY(grid.view.verticalScrollBar()->value() > 300);
+    grid.images->images.resize(12);
+    grid.view.viewport()->repaint();
+    QCOMPARE(grid.view.selectionIndexes(), QList<int>());
+    QDialog message;
+    message.setModal(true);
+    message.show();
+    QTRY_VERIFY(!grid.view.selectionIndexes().isEmpty() && grid.view.selectionIndexes().last() < 12);
+    message.hide();
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, from);
 }
 
 void ImageBrowserTest::keyboard_data()
@@ -587,6 +605,7 @@ void ImageBrowserTest::filesDropped()
 
 void ImageBrowserTest::filesPromised()
 {
+    qputenv("TMPDIR", m_folder.path().toUtf8());
     QStringList log;
     QString folder;
     {
@@ -594,7 +613,6 @@ void ImageBrowserTest::filesPromised()
         PromisedFiles files(std::make_unique<Promise>(3, log), folders, PromisedFiles::Use::Drag, {1, 5, 6});
         QVERIFY(files.hasUrls());
         QVERIFY(files.formats().contains(QStringLiteral("image/png")));
-        QCOMPARE(files.formats().contains(QLatin1String(X11Drag::kDirectSaveType)), X11Drag::isAvailable());
         QCOMPARE(PromisedFiles::indexes(files), (QList<int>{1, 5, 6}));
         QCOMPARE(files.data(QStringLiteral("text/html")), QByteArray());
         QVERIFY(log.isEmpty()); // nobody wanted a file yet
@@ -610,10 +628,22 @@ void ImageBrowserTest::filesPromised()
         QCOMPARE(QFileInfo(folder + QStringLiteral("/..")).permissions() & 0x77, QFile::Permissions());
         QCOMPARE(files.urls(), urls);
         files.dropped();
-        QCOMPARE(files.data(QStringLiteral("image/png")), QByteArray("png"));
-        QCOMPARE(log.join(QStringLiteral("; ")).toUtf8(), QByteArray("write; image"));
+        QCOMPARE(files.data(QStringLiteral("image/png")), QByteArray()); // the files are what is dragged
+        QCOMPARE(log.join(QStringLiteral("; ")).toUtf8(), QByteArray("write"));
+
+        // What was left behind by a program that was killed goes; ours does not, nor does what a link shows.
+        const QString prefix =
+            m_folder.path(QCoreApplication::applicationName() + QStringLiteral("-copies-"));
+        QVERIFY(QDir().mkpath(prefix + QStringLiteral("abcdef/1/image0")));
+        QVERIFY(QDir().mkpath(m_folder.path(QStringLiteral("somebody's/photos"))));
+        QVERIFY(QFile::link(m_folder.path(QStringLiteral("somebody's")), prefix + QStringLiteral("ghijkl")));
+        QCOMPARE(PrivateFolders::removeLeftovers(), 1);
+        QVERIFY(!QFileInfo::exists(prefix + QStringLiteral("abcdef")));
+        QVERIFY(QFileInfo::exists(m_folder.path(QStringLiteral("somebody's/photos"))));
+        QVERIFY(QFileInfo::exists(urls.first().toLocalFile()));
     }
     QVERIFY(!QFileInfo::exists(folder));
+    qunsetenv("TMPDIR");
 }
 
 void ImageBrowserTest::screenReaders()

@@ -90,7 +90,7 @@ void PhotoPromiseTest::copiesAndPictures()
     }
     QCOMPARE(pixels(QImage::fromData(files.data(QStringLiteral("image/png")))), pixels(expected[0]));
 
-    QVERIFY(PhotoPromise(contents).writeFiles(m_folder.path(), FilePromise::Destination::TargetFolder));
+    QVERIFY(PhotoPromise(contents).saveInto(m_folder.path()));
     QCOMPARE(target, m_folder.path());
 
     // And the photos as a grid sees them.

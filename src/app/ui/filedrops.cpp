@@ -14,7 +14,8 @@ namespace plexa
 QStringList droppedFiles(const QMimeData *data)
 {
     QStringList paths;
-    if (!data->hasUrls())
+    // A drag out of the grid offers copies that are made for other programs, and would be made here.
+    if (!data->hasUrls() || data->hasFormat(PromisedFiles::kSelectionType))
         return paths;
     for (const QUrl &url : data->urls()) {
         if (url.isLocalFile() && !url.toLocalFile().isEmpty())

@@ -8,13 +8,17 @@
 #include "views/imagebrowserview.h"
 #include "views/photopromise.h"
 #include "views/photosource.h"
+#include "views/privatefolders.h"
 #include "views/promisedfiles.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QScopedValueRollback>
+#include <QThreadPool>
 
 #include <algorithm>
+#include <atomic>
+#include <mutex>
 
 namespace plexa
 {
@@ -25,6 +29,39 @@ constexpr float kZoomStep = 0.1F;
 
 } // namespace
 
+/// Copies for other programs in the status line, whose button stops them.
+class StatusLineProgress final : public CopyProgress
+{
+public:
+    explicit StatusLineProgress(StatusManager &status)
+        : m_status(status)
+    {
+    }
+
+    int begin() override
+    {
+        const std::lock_guard lock(m_mutex);
+        ++m_running;
+        m_status.startOperation(StatusOperation::Processing);
+        return m_stops;
+    }
+    void setProgress(float share) override { m_status.setProgress(share, StatusOperation::Processing); }
+    bool isStopped(int begun) const override { return m_stops != begun; }
+    void end() override
+    {
+        const std::lock_guard lock(m_mutex);
+        if (--m_running == 0)
+            m_status.endOperation(StatusOperation::Processing);
+    }
+    void stop() { ++m_stops; }
+
+private:
+    StatusManager &m_status;
+    std::mutex m_mutex;
+    int m_running = 0; // two drags may overlap; guarded by m_mutex
+    std::atomic<int> m_stops = 0;
+};
+
 ImageBrowserViewController::ImageBrowserViewController(AppController &app, ImageBrowserView &view,
                                                        UserDefaults &defaults, int threads)
     : m_app(app)
@@ -32,7 +69,9 @@ ImageBrowserViewController::ImageBrowserViewController(AppController &app, Image
     , m_defaults(defaults)
     , m_threads(threads)
     , m_folders(std::make_shared<PrivateFolders>())
+    , m_progress(std::make_shared<StatusLineProgress>(app.statusManager()))
 {
+    QThreadPool::globalInstance()->start([] { PrivateFolders::removeLeftovers(); });
     view.setDelegate(this);
     view.setAllowCopying(false);
     followShowOriginalOnMouseOver();
@@ -65,6 +104,7 @@ void ImageBrowserViewController::connectAll()
             &ImageBrowserViewController::takeSelection);
     connect(&set.selection(), &ImageSelection::focusImageChanged, this,
             &ImageBrowserViewController::takeSelection);
+    connect(&m_app, &AppController::stopAllWanted, this, [this] { m_progress->stop(); });
     connect(&m_app, &AppController::imageOutdated, this,
             [this](const std::shared_ptr<ImageObject> &image) { m_view.refreshImage(image.get()); });
 }
@@ -168,11 +208,14 @@ std::unique_ptr<FilePromise> ImageBrowserViewController::promisedFiles(const QLi
     contents.presets = m_app.appliedPresets().effectivePresetsNow();
     contents.savingPreset = m_savingPreset;
     contents.threads = m_threads;
+    contents.progress = m_progress;
     // The clipboard may outlive this object.
     const QPointer<ImageBrowserViewController> self(this);
-    contents.startSaving = [self, photos = contents.photos](const QString &folder) {
-        return self && self->saveInto(photos, folder);
-    };
+    if (m_savePhotos) {
+        contents.startSaving = [self, photos = contents.photos](const QString &folder) {
+            return self && self->saveInto(photos, folder);
+        };
+    }
     contents.reportFailures = [self](const QStringList &failures) {
         if (self)
             QMetaObject::invokeMethod(
@@ -187,8 +230,6 @@ std::unique_ptr<FilePromise> ImageBrowserViewController::promisedFiles(const QLi
 bool ImageBrowserViewController::saveInto(const std::vector<std::shared_ptr<ImageObject>> &photos,
                                           const QString &folder)
 {
-    if (!m_savePhotos)
-        return false;
     m_defaults.setObject(settings::saveAllToOneDirectory, true);
     m_defaults.setObject(settings::savingDirectory, folder);
     return m_savePhotos(photos);

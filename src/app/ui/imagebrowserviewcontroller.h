@@ -19,6 +19,7 @@ class AppController;
 class ImageBrowserView;
 class ImageObject;
 class PrivateFolders;
+class StatusLineProgress;
 class UserDefaults;
 
 /// Keeps the grid and the working set together: shows the set's photos, takes what the user does in the grid
@@ -84,8 +85,9 @@ private:
     SavingPresetValues m_savingPreset;
     const std::shared_ptr<PrivateFolders> m_folders; // for the clipboard
     QPointer<QMimeData> m_onClipboard;
-    const void *m_list = nullptr; // shown by the view
-    bool m_isFollowing = false;   // what the view tells comes from us
+    const std::shared_ptr<StatusLineProgress> m_progress; // of copies for other programs
+    const void *m_list = nullptr;                         // shown by the view
+    bool m_isFollowing = false;                           // what the view tells comes from us
 };
 
 } // namespace plexa

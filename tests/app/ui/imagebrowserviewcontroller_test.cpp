@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "../workingset.h"
 #include "app/appcontroller.h"
 #include "app/ui/imagebrowserviewcontroller.h"
 #include "app/workingset.h"
@@ -13,6 +12,9 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QUrl>
+
+#include <atomic>
+#include <thread>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -146,26 +148,48 @@ void ImageBrowserViewControllerTest::copiesForOthers()
     QCOMPARE(urls.size(), 2);
     QCOMPARE(QImage(urls.last().toLocalFile()).size(), QSize(64, 48));
 
+    // The status line shows it, and its button stops it.
+    std::atomic<bool> mayGoOn = false;
+    FilePromise::Outcome outcome;
+    const auto many = browser.controller.promisedFiles({0, 1, 2, 3, 4, 5});
+    std::thread making([&] {
+        outcome = many->makeFiles(browser.work.folder.path(), [&] {
+            mayGoOn.wait(false);
+            return false;
+        });
+    });
+    const bool isShown = QTest::qWaitFor([&] {
+        return browser.app.statusManager().line().text == QStringLiteral("Processing images...") &&
+               browser.app.statusManager().line().canBeStopped;
+    });
+    browser.app.stopAllOperations();
+    mayGoOn = true;
+    mayGoOn.notify_all();
+    making.join();
+    QVERIFY(isShown && outcome.isStopped && outcome.failures.isEmpty());
+    QVERIFY(!QFile::exists(browser.work.folder.path(QStringLiteral("image5"))));
+    QTRY_VERIFY(!browser.app.statusManager().line().canBeStopped);
+
     // A file that has gone is reported, later.
     QSignalSpy failures(&browser.controller, &ImageBrowserViewController::copiesFailed);
     const auto gone = browser.set.imagesFiltered()->at(1);
     gone->releaseImagesData();
     QVERIFY(QFile::remove(gone->path()));
     const auto promise = browser.controller.promisedFiles({1});
-    QVERIFY(!promise->writeFiles(browser.work.folder.path(), FilePromise::Destination::PrivateFolder));
+    promise->report(promise->makeFiles(browser.work.folder.path(), [] { return false; }).failures);
     QCOMPARE(failures.size(), 0);
     QTRY_COMPARE(failures.size(), 1);
 
     // Into somebody's folder it is the user's own save that runs, with that folder as his.
     std::size_t saved = 0;
-    const auto dropped = browser.controller.promisedFiles({0, 2});
     const QString folder = browser.work.folder.path(QStringLiteral("target"));
-    QVERIFY(!dropped->writeFiles(folder, FilePromise::Destination::TargetFolder));
+    QVERIFY(!browser.controller.promisedFiles({0, 2})->canSaveInto()); // nobody saves yet
     browser.controller.setSavePhotos([&](const auto &photos) {
         saved = photos.size();
         return true;
     });
-    QVERIFY(dropped->writeFiles(folder, FilePromise::Destination::TargetFolder));
+    const auto dropped = browser.controller.promisedFiles({0, 2});
+    QVERIFY(dropped->canSaveInto() && dropped->saveInto(folder));
     QCOMPARE(saved, std::size_t(2));
     QCOMPARE(browser.work.defaults.stringForKey(settings::savingDirectory), folder);
 

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "views/backgroundwait.h"
+
+#include <QEventLoop>
+
+namespace plexa
+{
+
+BackgroundWait::BackgroundWait(std::function<void()> work)
+    : m_thread([this, work = std::move(work)] {
+        work();
+        QMetaObject::invokeMethod(this, &BackgroundWait::finish, Qt::QueuedConnection);
+    })
+{
+}
+
+bool BackgroundWait::wait()
+{
+    if (m_isDone)
+        return true;
+    QEventLoop loop;
+    connect(this, &BackgroundWait::finished, &loop, &QEventLoop::quit);
+    loop.exec();
+    return m_isDone;
+}
+
+void BackgroundWait::finish()
+{
+    if (m_isDone)
+        return;
+    m_thread.join();
+    m_isDone = true;
+    Q_EMIT finished();
+}
+
+} // namespace plexa

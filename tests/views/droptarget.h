@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QMap>
+
+#include <xcb/xcb.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace plexa::test
+{
+
+/// A window of another X client, on a thread of its own, that takes drops by the protocols of
+/// freedesktop.org: it asks for the list of files while the pointer rests on it, and again when something is
+/// dropped.
+class DropTarget
+{
+public:
+    enum class Manner {
+        TakesFiles,
+        SavesDirectly, ///< asks the source to save into a folder
+        Impatient,     ///< does not wait for the files
+    };
+
+    struct Seen {
+        QList<QByteArray> offers;
+        QByteArray whileHovering;
+        QByteArray proposedName; ///< of direct saving
+        QByteArray data;         ///< the list of files, or the letter
+        bool isFinished = false;
+    };
+
+    DropTarget(Manner manner, QByteArray saveUrl, int x, int y)
+        : m_manner(manner)
+        , m_saveUrl(std::move(saveUrl))
+        , m_x(xcb_connect(nullptr, nullptr))
+    {
+        const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(m_x)).data;
+        m_window = xcb_generate_id(m_x);
+        const std::uint32_t values[] = {1, XCB_EVENT_MASK_PROPERTY_CHANGE};
+        xcb_create_window(m_x, XCB_COPY_FROM_PARENT, m_window, screen->root, static_cast<std::int16_t>(x),
+                          static_cast<std::int16_t>(y), 200, 200, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                          screen->root_visual, XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
+        const std::uint32_t version = 5;
+        xcb_change_property(m_x, XCB_PROP_MODE_REPLACE, m_window, atom("XdndAware"), XCB_ATOM_ATOM, 32, 1,
+                            &version);
+        xcb_map_window(m_x, m_window);
+        xcb_flush(m_x);
+        m_thread = std::thread([this] { run(); });
+    }
+
+    ~DropTarget()
+    {
+        m_isEnded = true;
+        m_thread.join();
+        xcb_disconnect(m_x);
+    }
+
+    Seen seen() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_seen;
+    }
+
+private:
+    using Words = std::uint32_t[5];
+
+    xcb_atom_t atom(const char *name)
+    {
+        xcb_atom_t &known = m_atoms[name];
+        if (known == XCB_ATOM_NONE) {
+            auto *reply = xcb_intern_atom_reply(
+                m_x, xcb_intern_atom(m_x, 0, static_cast<std::uint16_t>(std::strlen(name)), name), nullptr);
+            known = reply->atom;
+            std::free(reply);
+        }
+        return known;
+    }
+
+    QByteArray nameOf(xcb_atom_t which)
+    {
+        auto *reply = xcb_get_atom_name_reply(m_x, xcb_get_atom_name(m_x, which), nullptr);
+        QByteArray name;
+        if (reply)
+            name.append(xcb_get_atom_name_name(reply), xcb_get_atom_name_name_length(reply));
+        std::free(reply);
+        return name;
+    }
+
+    QByteArray property(xcb_window_t window, xcb_atom_t which)
+    {
+        auto *reply = xcb_get_property_reply(
+            m_x, xcb_get_property(m_x, 0, window, which, XCB_GET_PROPERTY_TYPE_ANY, 0, 100'000), nullptr);
+        QByteArray bytes;
+        if (reply)
+            bytes.append(static_cast<const char *>(xcb_get_property_value(reply)),
+                         xcb_get_property_value_length(reply));
+        std::free(reply);
+        return bytes;
+    }
+
+    void send(const char *type, const Words &words)
+    {
+        xcb_client_message_event_t event{};
+        event.response_type = XCB_CLIENT_MESSAGE;
+        event.format = 32;
+        event.window = m_source;
+        event.type = atom(type);
+        std::memcpy(event.data.data32, words, sizeof(words));
+        xcb_send_event(m_x, 0, m_source, 0, reinterpret_cast<const char *>(&event));
+    }
+
+    void ask(const char *type, std::uint32_t time)
+    {
+        xcb_convert_selection(m_x, m_window, atom("XdndSelection"), atom(type), atom(type), time);
+    }
+
+    void finish()
+    {
+        send("XdndFinished", {m_window, 1, atom("XdndActionCopy"), 0, 0});
+        m_seen.isFinished = true;
+    }
+
+    void enter(const std::uint32_t *words)
+    {
+        m_source = words[0];
+        QByteArray types(reinterpret_cast<const char *>(words + 2), 12);
+        if (words[1] & 1)
+            types = property(m_source, atom("XdndTypeList"));
+        for (qsizetype i = 0; i + 4 <= types.size(); i += 4) {
+            xcb_atom_t type{};
+            std::memcpy(&type, types.constData() + i, 4);
+            m_seen.offers.append(nameOf(type));
+        }
+    }
+
+    void drop(std::uint32_t time)
+    {
+        m_isDropped = true;
+        if (m_manner == Manner::SavesDirectly) {
+            m_seen.proposedName = property(m_source, atom("XdndDirectSave0"));
+            xcb_change_property(m_x, XCB_PROP_MODE_REPLACE, m_source, atom("XdndDirectSave0"),
+                                atom("text/plain"), 8, static_cast<std::uint32_t>(m_saveUrl.size()),
+                                m_saveUrl.constData());
+            ask("XdndDirectSave0", time);
+            return;
+        }
+        ask("text/uri-list", time);
+        if (m_manner == Manner::Impatient)
+            finish();
+    }
+
+    void handle(const xcb_generic_event_t &event)
+    {
+        const int kind = event.response_type & 0x7f;
+        if (kind == XCB_SELECTION_NOTIFY) {
+            const auto &notify = reinterpret_cast<const xcb_selection_notify_event_t &>(event);
+            const QByteArray data =
+                notify.property == XCB_ATOM_NONE ? QByteArray() : property(m_window, notify.property);
+            if (!m_isDropped) {
+                m_seen.whileHovering = data;
+                return;
+            }
+            m_seen.data = data;
+            if (!m_seen.isFinished)
+                finish();
+        }
+        if (kind != XCB_CLIENT_MESSAGE)
+            return;
+        const auto &message = reinterpret_cast<const xcb_client_message_event_t &>(event);
+        const std::uint32_t *words = message.data.data32;
+        if (message.type == atom("XdndEnter")) {
+            enter(words);
+        } else if (message.type == atom("XdndPosition")) {
+            send("XdndStatus", {m_window, 3, 0, 0, atom("XdndActionCopy")});
+            if (m_manner == Manner::TakesFiles && m_seen.whileHovering.isEmpty())
+                ask("text/uri-list", words[3]);
+        } else if (message.type == atom("XdndDrop")) {
+            drop(words[2]);
+        }
+    }
+
+    void run()
+    {
+        using namespace std::chrono_literals;
+        while (!m_isEnded) {
+            xcb_generic_event_t *event = xcb_poll_for_event(m_x);
+            if (!event) {
+                std::this_thread::sleep_for(5ms);
+                continue;
+            }
+            const std::lock_guard lock(m_mutex);
+            handle(*event);
+            xcb_flush(m_x);
+            std::free(event);
+        }
+    }
+
+    const Manner m_manner;
+    const QByteArray m_saveUrl;
+    xcb_connection_t *const m_x;
+    xcb_window_t m_window = XCB_WINDOW_NONE;
+    xcb_window_t m_source = XCB_WINDOW_NONE;
+    QMap<QByteArray, xcb_atom_t> m_atoms;
+    bool m_isDropped = false;
+    mutable std::mutex m_mutex;
+    Seen m_seen; // guarded by m_mutex
+    std::atomic<bool> m_isEnded = false;
+    std::thread m_thread;
+};
+
+} // namespace plexa::test
