@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 
 namespace plexa
@@ -57,6 +58,15 @@ void appendVariableLength(QByteArray &bytes, quint64 number)
     bytes.append(static_cast<char>(number));
 }
 
+/// A text that was read, as it can be written: what is no UTF-8 the library would write so that it cannot
+/// read it. Nothing becomes a name that it was not.
+QByteArray writable(const char *text, uint64_t length)
+{
+    QString plain = QString::fromUtf8(text, static_cast<qsizetype>(length));
+    plain.replace(QChar::Null, QChar::ReplacementCharacter);
+    return plain.toUtf8();
+}
+
 /// Has its own memory.
 plist_t copyOf(plist_t node, const std::function<KeyedArchiver::Reference(quint64 index)> &translated,
                qint64 &bytes)
@@ -89,10 +99,16 @@ plist_t copyOf(plist_t node, const std::function<KeyedArchiver::Reference(quint6
             const Freed freedKey(key, &std::free);
             if (!item)
                 return copy;
+            const QByteArray name = writable(key, std::strlen(key));
             // Of a key that is there twice, reading takes the first.
-            if (!plist_dict_get_item(copy, key))
-                plist_dict_set_item(copy, key, copyOf(item, translated, bytes));
+            if (!plist_dict_get_item(copy, name.constData()))
+                plist_dict_set_item(copy, name.constData(), copyOf(item, translated, bytes));
         }
+    }
+    case PLIST_STRING: {
+        uint64_t length = 0;
+        const char *const text = plist_get_string_ptr(node, &length);
+        return plist_new_string(writable(text, length).constData());
     }
     default: {
         uint64_t length = 0;

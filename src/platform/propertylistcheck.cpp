@@ -29,7 +29,8 @@ constexpr qint64 kMaxReferences = 4'000'000;
 struct Extent {
     enum class State : quint8 { Unseen, Open, Known };
     State state = State::Unseen;
-    quint8 height = 0; ///< levels below it
+    quint8 height = 0;     ///< levels below it
+    bool canBeKey = false; ///< a text without null characters, which the library does not survive in keys
     qint64 nodes = 0;
     qint64 bytes = 0;
 };
@@ -50,6 +51,7 @@ private:
     bool visit(quint64 object, int level);
     bool measure(qint64 at, int level, Extent &extent);
     bool measureChildren(qint64 at, qint64 count, int level, Extent &extent);
+    bool areKeys(qint64 at, qint64 count) const;
     bool readLength(qint64 &at, qint64 &length) const;
     bool readNumber(qint64 at, int width, quint64 &number) const;
     bool hasRoom(qint64 at, qint64 length) const
@@ -174,21 +176,38 @@ bool Checker::measure(qint64 at, int level, Extent &extent)
         return false;
     switch (kind) {
     case 0x4: // data
+        extent.bytes = length;
+        return hasRoom(at, length);
     case 0x5: // ASCII
         extent.bytes = length;
+        extent.canBeKey = hasRoom(at, length) && !m_bytes.sliced(at, length).contains('\0');
         return hasRoom(at, length);
     case 0x6: // UTF-16, which becomes UTF-8
         extent.bytes = 3 * length;
+        extent.canBeKey = hasRoom(at, 2 * length);
+        for (qint64 i = 0; extent.canBeKey && i < length; ++i)
+            extent.canBeKey = m_bytes[at + 2 * i] != 0 || m_bytes[at + 2 * i + 1] != 0;
         return hasRoom(at, 2 * length);
     case 0xa:
         return measureChildren(at, length, level, extent);
     case 0xd:
         if (length > kMaxPropertyListKeys)
             return tooLarge();
-        return measureChildren(at, 2 * length, level, extent);
+        return measureChildren(at, 2 * length, level, extent) && areKeys(at, length);
     default:
         return false;
     }
+}
+
+/// Of objects that were measured.
+bool Checker::areKeys(qint64 at, qint64 count) const
+{
+    for (qint64 i = 0; i < count; ++i) {
+        quint64 object = 0;
+        if (!readNumber(at + i * m_referenceWidth, m_referenceWidth, object) || !m_extents[object].canBeKey)
+            return false;
+    }
+    return true;
 }
 
 bool Checker::measureChildren(qint64 at, qint64 count, int level, Extent &extent)

@@ -259,6 +259,8 @@ void KeyedArchiveTest::bombsAreRefused_data()
     const QString tooMuch = QStringLiteral("it holds more than can be read");
     QTest::newRow("unfolds to 10^16 objects") << file("unfolds.plist") << tooMuch;
     QTest::newRow("two thousand keys") << file("keys.plist") << tooMuch;
+    QTest::newRow("a null character in a key") << file("null-in-ascii-key.plist") << damaged;
+    QTest::newRow("the same in UTF-16") << file("null-in-utf16-key.plist") << damaged;
     QTest::newRow("nested 500 deep") << file("nested.plist") << damaged;
     // One object, its place in a table of one, and the trailer.
     const auto list = [](const char *object, quint64 count = 1) {

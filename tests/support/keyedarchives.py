@@ -126,6 +126,10 @@ def bombs(folder):
     a = Archive()
     a.top = {str(i): 0 for i in range(2000)}
     a.dump(os.path.join(folder, "keys.plist"))
+    for name, key in ("ascii", "x\0y"), ("utf16", "\u00e9\0y"):
+        a = Archive()
+        a.top = {key: 0}
+        a.dump(os.path.join(folder, "null-in-%s-key.plist" % name))
     nest = []
     for _ in range(500):
         nest = [nest]
