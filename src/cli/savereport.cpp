@@ -8,7 +8,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <algorithm>
 #include <cstdio>
 
 namespace plexa
@@ -106,9 +105,7 @@ QString textLine(const SavingOutput &output)
 
 bool isWithoutWatermark(const SavingOutput &output)
 {
-    const auto &rects = output.report.rects;
-    return output.status == Status::Written &&
-           std::none_of(rects.begin(), rects.end(), [](const auto &rect) { return rect.has_value(); });
+    return output.status == Status::Written && !output.report.isMarked;
 }
 
 } // namespace
@@ -133,7 +130,7 @@ void SaveReport::copyFinished(const SavingOutput &output)
         printAbout(output.sourcePath, output.error);
     else if (!m_form.quiet && isWithoutWatermark(output))
         printAbout(output.sourcePath,
-                   QStringLiteral("saved without a watermark, which is empty for this photo"));
+                   QStringLiteral("saved without a watermark: nothing of it is visible on this photo"));
 
     // The line for programs says it itself.
     if (!m_form.quiet && !m_form.json && !output.report.dropped.isEmpty())

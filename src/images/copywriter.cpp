@@ -50,6 +50,7 @@ Result<Drawings> prepareMarks(const CopyOrder &order, const PhotoFacts &facts, c
         if (!drawing)
             return tl::unexpected(drawing.error());
         report.rects.push_back(*drawing ? std::optional((*drawing)->layout().rect) : std::nullopt);
+        report.isMarked = report.isMarked || (*drawing && (*drawing)->isVisible());
         if (*drawing)
             drawings.push_back(std::move(**drawing));
     }

@@ -58,8 +58,9 @@ struct CopyReport {
     QString path; ///< where it is in the end
     QSize size;   ///< pixels of the copy
     std::vector<std::optional<QRectF>>
-        rects;           ///< of each mark, origin at the bottom left; none: it had nothing to draw
-    QStringList dropped; ///< of the source, what the copy does not have: "gain map", "maker note"
+        rects;             ///< of each mark, origin at the bottom left; none: it had nothing to draw
+    bool isMarked = false; ///< is anything of any mark to be seen on the copy?
+    QStringList dropped;   ///< of the source, what the copy does not have: "gain map", "maker note"
 };
 
 /// Reads the photo, draws the watermarks and writes the copy. A photo that needs no turning passes through in

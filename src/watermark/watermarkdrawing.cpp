@@ -160,6 +160,9 @@ Result<std::optional<WatermarkDrawing>> WatermarkDrawing::prepare(const WPresetV
     if (Result<void> cast = drawing.castShadow(values, size); !cast)
         return tl::unexpected(cast.error());
     drawing.placeStamps(size, mark->inkAt);
+    const bool isBoxVisible = drawing.m_box && drawing.m_box->color.alpha() > 0 &&
+                              drawing.m_box->rect.intersects(QRectF(QPointF(0, 0), QSizeF(size)));
+    drawing.m_isVisible = isBoxVisible || !drawing.m_stamps.empty();
     return drawing;
 }
 

@@ -33,6 +33,9 @@ public:
     /// The layout, in photo pixels with the origin at the bottom left.
     const WatermarkLayout &layout() const { return m_layout; }
 
+    /// Does anything of it reach into the photo? A text of blanks, opacity 0 and a place outside do not.
+    bool isVisible() const { return m_isVisible; }
+
     /// Draws onto the photo's rows `firstRow <= y < firstRow + rows.height()` (y from the top). Formats as in
     /// raster/compositing.h. Touches only what the watermark covers.
     void drawRows(QImage &rows, int firstRow) const;
@@ -60,6 +63,7 @@ private:
     QPoint m_shadowOffset; ///< from the mark's to the shadow's top left corner, y downwards
     BlendMode m_mode = BlendMode::Normal;
     double m_opacity = 1;
+    bool m_isVisible = false;
     std::vector<Stamp> m_stamps; ///< those that reach into the photo
 };
 

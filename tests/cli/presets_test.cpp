@@ -4,6 +4,7 @@
 #include "presets/savingpreset.h"
 #include "presets/wpresetarchive.h"
 
+#include <QColorSpace>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -45,6 +46,8 @@ private Q_SLOTS:
     void wrongUsage_data();
     void wrongUsage();
     void theUsersOwnPresets();
+    void unmarkedCopies_data();
+    void unmarkedCopies();
 
 private:
     QString path(const char *name) const { return m_folder->path(QLatin1StringView(name)); }
@@ -306,6 +309,34 @@ void PresetsCommandTest::theUsersOwnPresets()
     QCOMPARE(save("Logo with shadow").status, 2);
     QCOMPARE(save("With PNG").status, 0);
     QCOMPARE(entries(path("out")), list("b-Logo with shadow.jpg|b-assigned.png"));
+}
+
+void PresetsCommandTest::unmarkedCopies_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<bool>("isMarked");
+    const QString lines = QStringLiteral("textTokens=[\"city\",\"\\n\",\"state\"]");
+    QTest::newRow("no date") << list("--apply|Film date") << false;
+    QTest::newRow("no position") << list("--apply|GPS position") << true;
+    QTest::newRow("two empty lines") << QStringList{QStringLiteral("--set"), lines} << false;
+    QTest::newRow("two empty lines on a bar")
+        << QStringList{QStringLiteral("--set"), lines} + list("--set|background=true") << true;
+    QTest::newRow("outside of the photo") << list("--text|x|--set|offsetHorizontal=9000") << false;
+    QTest::newRow("see-through") << list("--text|x|--set|opacity=0") << false;
+}
+
+/// A copy on which nothing is to be seen is told of.
+void PresetsCommandTest::unmarkedCopies()
+{
+    QFETCH(QStringList, options);
+    QFETCH(bool, isMarked);
+    const Outcome outcome = run(list("save|--save-set|filenameTokens=filename") + options +
+                                QStringList{QStringLiteral("--output"), path("out"), path("in/a.png")});
+    QCOMPARE(outcome.status, 0);
+    QCOMPARE(outcome.err.contains("saved without a watermark"), !isMarked);
+    QImage copy(path("out/a.png"));
+    copy.setColorSpace({});
+    QCOMPARE(copy.convertToFormat(QImage::Format_RGB32) != gradient({120, 200}), isMarked);
 }
 
 QTEST_GUILESS_MAIN(PresetsCommandTest)
