@@ -54,8 +54,11 @@ int main(int argc, char **argv)
     const QStringList paths = filesToOpen(application);
 
     plexa::ApplicationService service;
-    if (!service.registerOnBus() && plexa::ApplicationService::handOver(paths))
-        return 0;
+    if (!service.registerOnBus()) {
+        if (plexa::ApplicationService::handOver(paths))
+            return 0;
+        service.registerOnBus(); // who had the name may have ended just now
+    }
     plexa::DesktopApplication program(service);
     program.launch(paths);
     return QApplication::exec();

@@ -10,6 +10,8 @@
 #include <QDBusMessage>
 #include <QUrl>
 
+#include <utility>
+
 namespace plexa
 {
 
@@ -58,7 +60,12 @@ ApplicationService::ApplicationService() = default;
 
 ApplicationService::~ApplicationService()
 {
-    if (m_isReachable)
+    release();
+}
+
+void ApplicationService::release()
+{
+    if (std::exchange(m_isReachable, false))
         QDBusConnection::sessionBus().unregisterService(serviceName());
 }
 

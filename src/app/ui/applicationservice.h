@@ -26,6 +26,9 @@ public:
     /// @return false: another process has it already
     bool registerOnBus();
 
+    /// Gives the name away: files that come from now on are another process's.
+    void release();
+
     /// Has this process the name, so that it can be reached?
     bool isReachable() const { return m_isReachable; }
 

@@ -110,6 +110,7 @@ void DesktopApplication::quit()
 {
     if (std::exchange(m_isQuitting, true)) // the window closes on the way, too
         return;
+    m_service.release(); // who is started from now on does not hand files over to one that goes
     m_delegate.applicationWillTerminate();
     m_window.close();
     QCoreApplication::quit();

@@ -85,7 +85,7 @@ bool ImageListModel::setData(const QModelIndex &index, const QVariant &value, in
 {
     const QString name = value.toString().trimmed();
     if (role != Qt::EditRole || !checkIndex(index, CheckIndexOption::IndexIsValid) || name.isEmpty() ||
-        name.contains(QLatin1Char('/')))
+        name == QLatin1String(".") || name == QLatin1String("..") || name.contains(QLatin1Char('/')))
         return false;
     ImageObject &image = *(*m_set.imagesFiltered())[static_cast<std::size_t>(index.row())];
     if (name == image.filename())

@@ -102,6 +102,7 @@ QWidget *ImageListPane::makeButtonRow()
     m_searchField->addAction(m_actions.action(ActionId::Find)->icon(), QLineEdit::LeadingPosition);
     m_searchField->setMinimumWidth(90);
     m_searchField->setMaximumWidth(220);
+    m_searchField->setAcceptDrops(false); // files are meant for the window, and not their addresses
     m_searchField->installEventFilter(this);
     layout->addWidget(m_searchField, 2);
     layout->addSpacing(kGroupGap);
