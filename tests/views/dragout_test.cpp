@@ -8,6 +8,7 @@
 #include "views/imagebrowserview.h"
 
 #include <QApplication>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTest>
 #include <QUrl>
@@ -141,6 +142,7 @@ private Q_SLOTS:
     void directSave();
     void impatientTarget();
     void withinTheGrid();
+    void scrolledPicture();
 
 private:
     static constexpr QPoint kTarget{900, 100};
@@ -232,6 +234,25 @@ void DragOutTest::withinTheGrid()
     drag(*m_view, QPoint(1200, 700), 0.1);
     QVERIFY(m_log->moved.isEmpty());
     QCOMPARE(m_log->made.load(), 0);
+}
+
+void DragOutTest::scrolledPicture()
+{
+    // What was moved on the screen is what would be drawn anew.
+    m_view->takeSelection({30, 31, 45}, 31);
+    const auto isAsDrawn = [&] {
+        QTest::qWait(100);
+        const QImage seen = m_view->screen()->grabWindow(m_view->winId()).toImage();
+        return seen.convertToFormat(QImage::Format_RGB32) ==
+               m_view->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    };
+    for (const int value : {37, 250, 251, 180, 3000, 0}) {
+        m_view->verticalScrollBar()->setValue(value);
+        QVERIFY2(isAsDrawn(), qPrintable(QString::number(value)));
+    }
+    m_view->setZoomFactor(0.63F);
+    m_view->verticalScrollBar()->setValue(111);
+    QVERIFY(isAsDrawn());
 }
 
 int main(int argc, char **argv)
