@@ -10,7 +10,8 @@ namespace plexa
 BackgroundWait::BackgroundWait(std::function<void()> work)
     : m_thread([this, work = std::move(work)] {
         work();
-        QMetaObject::invokeMethod(this, &BackgroundWait::finish, Qt::QueuedConnection);
+        // By name: that leaves nothing behind for the other thread but the event.
+        QMetaObject::invokeMethod(this, "finish", Qt::QueuedConnection);
     })
 {
 }

@@ -27,7 +27,7 @@ public:
     bool isDone() const { return m_isDone; }
 
     /// Waits without an event loop.
-    void finish();
+    Q_INVOKABLE void finish();
 
 Q_SIGNALS:
     void finished();

@@ -100,8 +100,10 @@ GridPainter::~GridPainter()
 QRect GridPainter::toDevice(const QRectF &rect) const
 {
     // Position and size are rounded apart from each other, so that all cells have the same size.
+    // The same way on both sides of 0, so that a cell that is scrolled out of view moves as all others do.
     const double ratio = m_place.devicePixelRatio;
-    return {qRound((rect.x() - m_place.origin.x()) * ratio), qRound((rect.y() - m_place.origin.y()) * ratio),
+    const auto pixel = [ratio](double points) { return static_cast<int>(std::floor(points * ratio + 0.5)); };
+    return {pixel(rect.x() - m_place.origin.x()), pixel(rect.y() - m_place.origin.y()),
             qRound(rect.width() * ratio), qRound(rect.height() * ratio)};
 }
 

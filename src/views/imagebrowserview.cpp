@@ -217,10 +217,18 @@ void ImageBrowserView::changeEvent(QEvent *event)
         refresh();
 }
 
-void ImageBrowserView::scrollContentsBy(int, int)
+void ImageBrowserView::scrollContentsBy(int, int dy)
 {
+    // What stays is moved and only what appears is drawn, where points are whole pixels: else edges would be
+    // rounded to other pixels than in a picture drawn anew.
+    const double ratio = viewport()->devicePixelRatioF();
+    if (ratio == std::floor(ratio) && std::abs(dy) < viewport()->height()) {
+        m_rough.translate(0, dy);
+        viewport()->scroll(0, dy);
+    } else {
+        refresh();
+    }
     lookAgain();
-    refresh();
 }
 
 void ImageBrowserView::focusInEvent(QFocusEvent *event)

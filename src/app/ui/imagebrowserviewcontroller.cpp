@@ -14,7 +14,6 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QScopedValueRollback>
-#include <QThreadPool>
 
 #include <algorithm>
 #include <atomic>
@@ -70,8 +69,8 @@ ImageBrowserViewController::ImageBrowserViewController(AppController &app, Image
     , m_threads(threads)
     , m_folders(std::make_shared<PrivateFolders>())
     , m_progress(std::make_shared<StatusLineProgress>(app.statusManager()))
+    , m_cleaning([] { PrivateFolders::removeLeftovers(); })
 {
-    QThreadPool::globalInstance()->start([] { PrivateFolders::removeLeftovers(); });
     view.setDelegate(this);
     view.setAllowCopying(false);
     followShowOriginalOnMouseOver();

@@ -10,6 +10,7 @@
 #include <QPointer>
 
 #include <functional>
+#include <thread>
 #include <vector>
 
 namespace plexa
@@ -86,8 +87,9 @@ private:
     const std::shared_ptr<PrivateFolders> m_folders; // for the clipboard
     QPointer<QMimeData> m_onClipboard;
     const std::shared_ptr<StatusLineProgress> m_progress; // of copies for other programs
-    const void *m_list = nullptr;                         // shown by the view
-    bool m_isFollowing = false;                           // what the view tells comes from us
+    const std::jthread m_cleaning;
+    const void *m_list = nullptr; // shown by the view
+    bool m_isFollowing = false;   // what the view tells comes from us
 };
 
 } // namespace plexa
