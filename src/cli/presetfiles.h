@@ -16,7 +16,7 @@ namespace plexa
 template<class List>
 struct PresetsRead {
     List presets;
-    QString notice;      ///< why the file may hold more than `presets`, as text that follows its name; or empty
+    QString notice; ///< why the file may hold more than `presets`, as text that follows its name; or empty
     QStringList leftOut; ///< what of the file is not in `presets`, likewise
 };
 
