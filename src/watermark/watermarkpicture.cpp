@@ -134,7 +134,8 @@ struct WatermarkPicture::Data {
     void setFault(const QString &text) const
     {
         const std::lock_guard guard(faultLock);
-        fault = text;
+        if (fault != text)
+            fault = text;
     }
 
     /// The pixels at their own size; the fault is set to how that went.
