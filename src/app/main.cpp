@@ -11,6 +11,10 @@
 #include <QFileInfo>
 #include <QIcon>
 
+#include <algorithm>
+#include <set>
+#include <string_view>
+
 namespace
 {
 
@@ -42,11 +46,22 @@ QStringList filesToOpen(const QCoreApplication &application)
     return paths;
 }
 
+/// What is answered on the terminal, where no display is needed.
+bool isQuestion(int argc, char **argv)
+{
+    const std::set<std::string_view> questions{"-h", "--help", "--help-all", "-v", "--version"};
+    return std::any_of(argv + 1, argv + argc, [&](const char *word) { return questions.contains(word); });
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
     nameApplication();
+    if (isQuestion(argc, argv)) {
+        const QCoreApplication application(argc, argv);
+        filesToOpen(application); // ends the program
+    }
     QApplication application(argc, argv);
     plexa::setLightAppearance(application);
     QGuiApplication::setWindowIcon(

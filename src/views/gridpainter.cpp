@@ -43,6 +43,21 @@ QRect centred(QSize size, const QRect &in)
 
 constexpr int kWidthStep = 6; // device pixels
 
+/// Shortened in the middle by three dots.
+QString shortened(const QString &name, const QFont &font, int width)
+{
+    const QFontMetrics metrics(font);
+    if (metrics.horizontalAdvance(name) <= width)
+        return name;
+    const QString dots = QStringLiteral("...");
+    const QChar ellipsis(u'\u2026');
+    const int longer = std::max(0, metrics.horizontalAdvance(dots) - metrics.horizontalAdvance(ellipsis));
+    QString text = metrics.elidedText(name, Qt::ElideMiddle, width - longer);
+    const auto differs = std::mismatch(text.begin(), text.end(), name.begin(), name.end());
+    const auto at = text.indexOf(ellipsis, differs.first - text.begin());
+    return at < 0 ? text : text.replace(at, 1, dots);
+}
+
 QString oneLine(QString name)
 {
     for (QChar &letter : name)
@@ -60,7 +75,7 @@ const QStaticText *NameLayouts::layout(const QString &name, const QFont &font, i
     const Key key{name, std::max(0, width - width % kWidthStep), font.pixelSize()};
     if (const QStaticText *text = m_layouts.object(key); text || !makes)
         return text;
-    auto *text = new QStaticText(QFontMetrics(font).elidedText(oneLine(name), Qt::ElideMiddle, key.width));
+    auto *text = new QStaticText(shortened(oneLine(name), font, key.width));
     text->setTextFormat(Qt::PlainText);
     QTextOption option;
     option.setWrapMode(QTextOption::NoWrap);

@@ -25,6 +25,15 @@ constexpr int kDragImageStep = 5;
 constexpr int kMaxDragImageOffset = 50;
 constexpr double kDragImageOpacity = 0.9;
 
+QStringList localFiles(const QDropEvent &event)
+{
+    QStringList paths;
+    for (const QUrl &url : event.mimeData()->urls())
+        if (url.isLocalFile())
+            paths.append(url.toLocalFile());
+    return paths;
+}
+
 } // namespace
 
 /// Thumbnails in a heap, each a little further down to the right.
@@ -80,9 +89,8 @@ void ImageBrowserView::startDrag(QPointF viewportPoint)
         QTimer::singleShot(0, files, [files] { X11Drag::offerName(files->firstName()); });
 
     const Qt::DropActions outside = m_delegate->externalDraggingSourceOperationMask();
-    const Qt::DropAction usual =
-        outside & Qt::CopyAction || outside == Qt::IgnoreAction ? Qt::CopyAction : Qt::MoveAction;
-    const Qt::DropAction done = drag->exec(outside | Qt::CopyAction | Qt::MoveAction, usual);
+    const Qt::DropAction done =
+        drag->exec(outside, outside & Qt::CopyAction ? Qt::CopyAction : Qt::IgnoreAction);
     if (!self) // and with it the drag
         return;
     m_isDraggingImages = false;
@@ -96,16 +104,18 @@ void ImageBrowserView::startDrag(QPointF viewportPoint)
 /// What dropping it here would do; IgnoreAction: it is refused.
 Qt::DropAction ImageBrowserView::actionFor(const QDropEvent &event) const
 {
-    const Qt::DropActions possible = event.possibleActions();
+    Qt::DropActions possible = event.possibleActions();
     // A drag of our own offers files as well.
     if (event.mimeData()->hasFormat(PromisedFiles::kSelectionType)) {
         if (event.mimeData() != m_draggedFiles || m_isDragStale)
             return Qt::IgnoreAction;
+        if (event.source() == viewport()) // to others it offers what the delegate says
+            possible |= Qt::CopyAction | Qt::MoveAction;
         if (possible & Qt::MoveAction)
             return Qt::MoveAction;
         return possible & Qt::CopyAction && m_allowCopying ? Qt::CopyAction : Qt::IgnoreAction;
     }
-    return event.mimeData()->hasUrls() && possible & Qt::CopyAction ? Qt::CopyAction : Qt::IgnoreAction;
+    return possible & Qt::CopyAction && !localFiles(event).isEmpty() ? Qt::CopyAction : Qt::IgnoreAction;
 }
 
 void ImageBrowserView::dragEnterEvent(QDragEnterEvent *event)
@@ -150,12 +160,7 @@ void ImageBrowserView::dropEvent(QDropEvent *event)
             m_delegate->copiedIndexes(indexes, to);
         return;
     }
-    QStringList paths;
-    for (const QUrl &url : event->mimeData()->urls())
-        if (url.isLocalFile())
-            paths.append(url.toLocalFile());
-    if (!paths.isEmpty())
-        m_delegate->receivedDraggedFiles(paths);
+    m_delegate->receivedDraggedFiles(localFiles(*event));
 }
 
 void ImageBrowserView::setDrawnInsertionIndex(int index)

@@ -71,6 +71,7 @@ void ImageBrowserView::mousePressEvent(QMouseEvent *event)
     m_mouseDownPoint = gridPoint(event->position());
     const int index = cellIndexAtPoint(m_mouseDownPoint);
     m_mouseDownAtImage = index != kNone;
+    m_isBandAllowed = !m_mouseDownAtImage;
     m_isDoubleClick = false;
     press(index, event->modifiers(), event->button());
 }
@@ -92,6 +93,8 @@ void ImageBrowserView::mouseMoveEvent(QMouseEvent *event)
         return;
     }
     if (!m_mouseDownAtImage) {
+        if (!m_isBandAllowed)
+            return;
         stretchRubberBand(m_pointer);
         if (!m_autoscrollTimer.isActive())
             m_autoscrollTimer.start();
@@ -287,6 +290,9 @@ bool ImageBrowserView::handleKey(const QKeyEvent &event)
         break;
     case Qt::Key_Delete:
     case Qt::Key_Backspace:
+        // With modifiers they are shortcuts, which come here when their commands are disabled.
+        if ((event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
+            return false;
         if (m_delegate)
             m_delegate->deletePressed();
         break;
@@ -294,6 +300,7 @@ bool ImageBrowserView::handleKey(const QKeyEvent &event)
         if (!m_mouseSelectionRect)
             return false;
         endRubberBand(false);
+        m_isBandAllowed = false;
         break;
     default:
         return false;

@@ -176,6 +176,7 @@ private:
 
     QPointF m_mouseDownPoint;
     bool m_mouseDownAtImage = false;
+    bool m_isBandAllowed = false; // by the press on empty space, until the Escape key
     bool m_isDoubleClick = false;
     std::optional<QRectF> m_mouseSelectionRect; // the rubber band
     QPointF m_pointer;                          // last seen, in the viewport

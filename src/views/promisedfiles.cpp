@@ -2,10 +2,10 @@
 
 #include "views/promisedfiles.h"
 
+#include "platform/indexsetarchive.h"
 #include "views/backgroundwait.h"
 #include "views/x11drag.h"
 
-#include <QDataStream>
 #include <QDir>
 #include <QFileInfo>
 #include <QUrl>
@@ -56,11 +56,7 @@ QStringList PromisedFiles::formats() const
 
 QList<int> PromisedFiles::indexes(const QMimeData &data)
 {
-    QList<int> indexes;
-    QDataStream stream(data.data(kSelectionType));
-    stream.setVersion(QDataStream::Qt_6_0);
-    stream >> indexes;
-    return stream.status() == QDataStream::Ok ? indexes : QList<int>();
+    return indexSetFromArchive(data.data(kSelectionType));
 }
 
 QString PromisedFiles::firstName() const
@@ -78,11 +74,7 @@ void PromisedFiles::dropped()
 QVariant PromisedFiles::retrieveData(const QString &mimeType, QMetaType type) const
 {
     if (mimeType == kSelectionType && !m_indexes.isEmpty()) {
-        QByteArray bytes;
-        QDataStream stream(&bytes, QIODevice::WriteOnly);
-        stream.setVersion(QDataStream::Qt_6_0);
-        stream << m_indexes;
-        return bytes;
+        return archivedIndexSet(m_indexes);
     }
     if (m_promise) {
         if (mimeType == kUriList)
@@ -143,9 +135,8 @@ void PromisedFiles::makeFiles(const std::shared_ptr<Making> &making)
         QDir(making->folder).removeRecursively(); // nobody has been told of them
     QStringList failures = making->outcome.failures;
     if (making->isAbandoned) {
-        failures.clear();
-        for (const QString &name : making->promise->names())
-            failures.append(tr("%1: the program that it was dropped on did not wait for it").arg(name));
+        failures = {tr("%1: the program that they were dropped on did not wait for them")
+                        .arg(making->promise->names().join(QLatin1String(", ")))};
     }
     making->promise->report(failures);
 }

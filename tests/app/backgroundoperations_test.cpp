@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "app/appcontroller.h"
+#include "app/batchsave.h"
 #include "app/workingset.h"
 
 #include <QSignalSpy>
@@ -31,6 +32,7 @@ private Q_SLOTS:
     void pastesTheCurrentPreset();
     void pastesOntoALockedPhoto();
     void copiesOnlyFromOnePhoto();
+    void savesMeanwhile();
     void destroyedMeanwhile();
 
 private:
@@ -349,6 +351,50 @@ void BackgroundOperationsTest::copiesOnlyFromOnePhoto()
     m_app->imageSet().selection().selectIndexes({1});
     m_app->copyManualPositioning(AppController::Presets::Current); // has none, and forgets the former copy
     QVERIFY(!m_app->manualPositions().hasCopy());
+}
+
+void BackgroundOperationsTest::savesMeanwhile()
+{
+    addPhotos({{640, 480}, {480, 640}, {640, 480}});
+    const QString folder = m_work->folder.path(QStringLiteral("copies"));
+    QVERIFY(QDir().mkpath(folder));
+    m_work->defaults.setObject(settings::saveAllToOneDirectory, true);
+    m_work->defaults.setObject(settings::savingDirectory, folder);
+    const auto preset = newPreset(QStringLiteral("mark"));
+    preset->setType(QStringLiteral("Image"));
+    QImage logo(20, 20, QImage::Format_RGB32);
+    logo.fill(Qt::red);
+    preset->setImage(WatermarkPicture::fromImage(logo));
+    m_app->appliedPresets().addWPresetsToApplied({preset});
+    BatchSave::Order order;
+    order.photos = *m_app->imageSet().images();
+    order.defaultSavingPreset.filenameTokens = {QStringLiteral("filename")};
+    BatchSave save({m_app->statusManager(), m_work->alerts, m_work->defaults, 2});
+    QVERIFY(!save.start(order)); // without a watermark
+    order.effectivePresets = m_app->appliedPresets().effectivePresetsNow();
+
+    // A photo that has gone is told of at the end; the others are there.
+    QVERIFY(QFile::remove(order.photos[1]->path()));
+    m_work->alerts.expect(QStringLiteral("Failed to save 1 image(s)!"));
+    QSignalSpy finished(&save, &BatchSave::finished);
+    QVERIFY(save.start(order));
+    QVERIFY(save.isSavingInProgress());
+    QVERIFY(!save.start(order));
+    QTRY_COMPARE(m_app->statusManager().line().text, QStringLiteral("Processing images..."));
+    QVERIFY(finished.wait());
+    QVERIFY(!save.isSavingInProgress());
+    QCOMPARE(QDir(folder).entryList(QDir::Files),
+             (QStringList{QStringLiteral("0.jpg"), QStringLiteral("2.jpg")}));
+
+    // Destroyed in the middle, it leaves whole files.
+    QVERIFY(QDir(folder).removeRecursively() && QDir().mkpath(folder));
+    {
+        BatchSave other({m_app->statusManager(), m_work->alerts, m_work->defaults, 2});
+        order.photos.erase(order.photos.begin() + 1);
+        QVERIFY(other.start(order));
+    }
+    for (const QString &name : QDir(folder).entryList(QDir::Files | QDir::Hidden))
+        QVERIFY2(!QImage(folder + QLatin1Char('/') + name).isNull(), qPrintable(name));
 }
 
 void BackgroundOperationsTest::destroyedMeanwhile()

@@ -307,6 +307,7 @@ void ImageBrowserTest::rubberBand()
     QTest::mousePress(viewport, Qt::LeftButton, {}, from);
     QTest::mouseMove(viewport, to);
     QTest::keyClick(&grid.view, Qt::Key_Escape);
+    QTest::mouseMove(viewport, to + QPoint(1, 0));
     QTest::mouseRelease(viewport, Qt::LeftButton, {}, to);
     QCOMPARE(grid.view.selectionIndexes(), QList<int>());
 
@@ -349,6 +350,7 @@ void ImageBrowserTest::keyboard_data()
     row("return", Qt::Key_Return, {}, QByteArray("return"));
     row("backspace", Qt::Key_Backspace, {}, QByteArray("delete"));
     row("delete", Qt::Key_Delete, {}, QByteArray("delete"));
+    row("a command's backspace", Qt::Key_Backspace, Qt::ControlModifier | Qt::ShiftModifier, {});
     row("copy", Qt::Key_C, Qt::ControlModifier, QByteArray("copy"));
     row("letter", Qt::Key_X, {}, {});
 }
@@ -597,6 +599,9 @@ void ImageBrowserTest::filesDropped()
     foreign.setData(PromisedFiles::kSelectionType, "\xff\xff\xff\xff nonsense");
     QCOMPARE(drop(foreign, Qt::CopyAction | Qt::MoveAction), Qt::IgnoreAction);
     QCOMPARE(PromisedFiles::indexes(foreign), QList<int>());
+    QMimeData link;
+    link.setUrls({QUrl(QStringLiteral("http://host/c.jpg"))});
+    QCOMPARE(drop(link, Qt::CopyAction), Qt::IgnoreAction);
     QMimeData words;
     words.setText(QStringLiteral("words"));
     QCOMPARE(drop(words, Qt::CopyAction), Qt::IgnoreAction);

@@ -4,6 +4,7 @@
 
 #include "app/ui/applicationservice.h"
 #include "app/ui/commandactions.h"
+#include "app/ui/imagebrowserviewcontroller.h"
 #include "platform/applicationname.h"
 #include "platform/settings.h"
 
@@ -48,6 +49,7 @@ DesktopApplication::DesktopApplication(ApplicationService &service)
     , m_photos{m_fonts, m_locale, m_cache, m_budget, ReadLimits{.maxBytes = physicalMemoryBytes() / 2}}
     , m_store(m_alerts, m_fonts)
     , m_controller({m_photos, registered(m_defaults), m_alerts, workerThreads()})
+    , m_save({m_controller.statusManager(), m_alerts, m_defaults, workerThreads()})
     , m_delegate(
           {m_defaults, m_alerts, m_controller, [](const QUrl &url) { QDesktopServices::openUrl(url); }})
     , m_window({m_controller, m_defaults, m_alerts, workerThreads()})
@@ -62,6 +64,7 @@ DesktopApplication::DesktopApplication(ApplicationService &service)
     connect(&m_service, &ApplicationService::opened, &m_delegate, &AppDelegate::openFiles,
             Qt::QueuedConnection);
     connectPresets();
+    connectSaving();
     m_window.actions().setHandler(ActionId::Feedback,
                                   [] { QDesktopServices::openUrl(AppDelegate::feedbackPage()); });
 }
@@ -85,6 +88,21 @@ void DesktopApplication::connectPresets()
             m_store.loadWPreset(*preset);
     });
     actions.setCondition(ActionId::LoadPreset, [this] { return m_window.selectedWPreset() != nullptr; });
+}
+
+void DesktopApplication::connectSaving()
+{
+    m_controller.setSaving(
+        {[this] { return m_save.isSavingInProgress(); }, [this] { m_save.terminateOperation(); }});
+    connect(&m_save, &BatchSave::started, &m_controller, &AppController::commandStateChanged);
+    connect(&m_save, &BatchSave::finished, &m_controller, &AppController::commandStateChanged);
+    const auto savingPreset = [this] { return m_store.quickSavingPreset()->values(); };
+    m_window.browser().setSavingPreset(savingPreset);
+    m_window.browser().setSavePhotos([this, savingPreset](const ImageList &photos) {
+        const AppliedPresets &presets = m_controller.appliedPresets();
+        return m_save.start(
+            {photos, presets.effectivePresetsNow(), presets.isInSingleMode(), savingPreset()});
+    });
 }
 
 void DesktopApplication::launch(const QStringList &paths)

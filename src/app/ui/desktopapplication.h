@@ -4,6 +4,7 @@
 
 #include "app/appcontroller.h"
 #include "app/appdelegate.h"
+#include "app/batchsave.h"
 #include "app/ui/mainwindow.h"
 #include "app/ui/messageboxalerts.h"
 #include "platform/userdefaults.h"
@@ -35,6 +36,7 @@ public:
 
 private:
     void connectPresets();
+    void connectSaving();
     void quit();
     void windowClosed();
 
@@ -49,6 +51,7 @@ private:
     PhotoServices m_photos;
     PresetsStore m_store;
     AppController m_controller;
+    BatchSave m_save;
     AppDelegate m_delegate;
     MainWindow m_window;
 };

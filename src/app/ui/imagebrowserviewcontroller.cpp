@@ -205,7 +205,9 @@ std::unique_ptr<FilePromise> ImageBrowserViewController::promisedFiles(const QLi
     for (const int index : indexes)
         contents.photos.push_back(list->at(static_cast<std::size_t>(index)));
     contents.presets = m_app.appliedPresets().effectivePresetsNow();
-    contents.savingPreset = m_savingPreset;
+    if (m_savingPreset)
+        contents.savingPreset = m_savingPreset();
+    contents.preservesCreationDate = m_defaults.boolForKey(settings::exportPreserveOriginalFileCreationDate);
     contents.threads = m_threads;
     contents.progress = m_progress;
     // The clipboard may outlive this object.
@@ -236,9 +238,13 @@ bool ImageBrowserViewController::saveInto(const std::vector<std::shared_ptr<Imag
 
 void ImageBrowserViewController::copy()
 {
-    auto promise = promisedFiles(m_view.selectionIndexes());
-    if (!promise)
+    if (m_view.selectionIndexes().isEmpty())
         return;
+    auto promise = promisedFiles(m_view.selectionIndexes());
+    if (!promise) { // without watermarks there is nothing to paste, nor what was copied before
+        QGuiApplication::clipboard()->clear();
+        return;
+    }
     m_onClipboard = new PromisedFiles(std::move(promise), m_folders, PromisedFiles::Use::Clipboard);
     QGuiApplication::clipboard()->setMimeData(m_onClipboard); // which owns it
 }

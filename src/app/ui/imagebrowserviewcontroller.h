@@ -40,8 +40,9 @@ public:
     /// asks the user anything.
     using SavePhotos = std::function<bool(const std::vector<std::shared_ptr<ImageObject>> &photos)>;
     void setSavePhotos(SavePhotos savePhotos) { m_savePhotos = std::move(savePhotos); }
-    /// The format of the files that a drag makes.
-    void setSavingPreset(const SavingPresetValues &preset) { m_savingPreset = preset; }
+    /// Who tells the format of the files that a drag makes.
+    using SavingPresetNow = std::function<SavingPresetValues()>;
+    void setSavingPreset(SavingPresetNow savingPreset) { m_savingPreset = std::move(savingPreset); }
 
     float browserZoomFactor() const;
     /// Brought to 0..1, and stored.
@@ -83,7 +84,7 @@ private:
     UserDefaults &m_defaults;
     const int m_threads;
     SavePhotos m_savePhotos;
-    SavingPresetValues m_savingPreset;
+    SavingPresetNow m_savingPreset;
     const std::shared_ptr<PrivateFolders> m_folders; // for the clipboard
     QPointer<QMimeData> m_onClipboard;
     const std::shared_ptr<StatusLineProgress> m_progress; // of copies for other programs

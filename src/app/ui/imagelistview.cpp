@@ -149,7 +149,9 @@ QModelIndex ImageListView::moveCursor(CursorAction action, Qt::KeyboardModifiers
 
 void ImageListView::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete) {
+    // With modifiers they are shortcuts, which come here when their commands are disabled.
+    const bool isBare = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    if (isBare && (event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete)) {
         Q_EMIT deletePressed();
         return;
     }

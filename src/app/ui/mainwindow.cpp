@@ -303,11 +303,16 @@ void MainWindow::updateCommands()
 }
 
 /// Of copies that were dragged or copied to another program.
+ImageBrowserViewController &MainWindow::browser()
+{
+    return m_imageListPane->browserController();
+}
+
 void MainWindow::reportFailedCopies(const QStringList &failures)
 {
     Alert alert;
     alert.style = Alert::Style::Warning;
-    alert.title = tr("%n copies could not be made", nullptr, static_cast<int>(failures.size()));
+    alert.title = tr("Not all copies could be made");
     alert.text = failures.mid(0, kListedFailures).join(QLatin1Char('\n'));
     if (failures.size() > kListedFailures)
         alert.text += tr("\n  ...and %1 more...").arg(failures.size() - kListedFailures);

@@ -12,6 +12,7 @@ namespace plexa
 {
 
 class Alerts;
+class ImageBrowserViewController;
 class AppController;
 class CommandActions;
 class ImageListPane;
@@ -36,6 +37,7 @@ public:
     ~MainWindow() override;
 
     CommandActions &actions() { return *m_actions; }
+    ImageBrowserViewController &browser();
 
     /// All watermark presets, for the list of presets mode.
     void setWPresets(const WPresetList &presets);

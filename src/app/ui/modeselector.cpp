@@ -17,6 +17,7 @@ QPushButton { border: 1px solid #b9bec4; padding: 5px 10px; background: #fbfcfc;
 QPushButton:hover { background: #eef1f4; }
 QPushButton:checked { background: #3b78b4; border-color: #33689c; color: white; }
 QPushButton:focus { border-color: #33689c; }
+QPushButton:checked:focus { border: 2px solid #12293f; padding: 4px 9px; }
 QPushButton[place="first"] { border-top-left-radius: 5px; border-bottom-left-radius: 5px; border-right: none; }
 QPushButton[place="last"] { border-top-right-radius: 5px; border-bottom-right-radius: 5px; }
 )";

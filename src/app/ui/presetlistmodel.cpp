@@ -3,11 +3,12 @@
 #include "app/ui/presetlistmodel.h"
 
 #include "app/ui/plaintooltip.h"
+#include "platform/indexsetarchive.h"
 
 #include <QColor>
-#include <QDataStream>
-#include <QIODevice>
 #include <QMimeData>
+
+#include <algorithm>
 
 namespace plexa
 {
@@ -73,26 +74,18 @@ QStringList PresetListModel::mimeTypes() const
 
 QMimeData *PresetListModel::mimeData(const QModelIndexList &indexes) const
 {
-    QByteArray rows;
-    QDataStream stream(&rows, QIODevice::WriteOnly);
+    IndexList rows;
     for (const QModelIndex &index : indexes)
-        stream << qint32(index.row());
+        rows.append(index.row());
+    std::sort(rows.begin(), rows.end());
     auto *const data = new QMimeData;
-    data->setData(kDraggedRowsType, rows);
+    data->setData(kDraggedRowsType, archivedIndexSet(rows));
     return data;
 }
 
 IndexList PresetListModel::draggedRows(const QMimeData *data)
 {
-    const QByteArray rows = data->data(kDraggedRowsType);
-    QDataStream stream(rows);
-    IndexList list;
-    while (!stream.atEnd()) {
-        qint32 row = 0;
-        stream >> row;
-        list.append(row);
-    }
-    return stream.status() == QDataStream::Ok ? list : IndexList();
+    return indexSetFromArchive(data->data(kDraggedRowsType));
 }
 
 } // namespace plexa

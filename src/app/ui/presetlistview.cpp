@@ -122,10 +122,13 @@ void PresetListView::keyPressEvent(QKeyEvent *event)
         event->ignore();
         return;
     }
+    // With modifiers they are shortcuts, which come here when their commands are disabled.
+    const bool isBare = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
     switch (event->key()) {
     case Qt::Key_Delete:
     case Qt::Key_Backspace:
-        Q_EMIT deletePressed();
+        if (isBare)
+            Q_EMIT deletePressed();
         return;
     case Qt::Key_Return:
     case Qt::Key_Enter:

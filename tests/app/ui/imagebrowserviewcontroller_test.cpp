@@ -193,6 +193,13 @@ void ImageBrowserViewControllerTest::copiesForOthers()
     QCOMPARE(saved, std::size_t(2));
     QCOMPARE(browser.work.defaults.stringForKey(settings::savingDirectory), folder);
 
+    // Without watermarks there is nothing to copy, nor is what was copied before.
+    browser.app.appliedPresets().modeDidChange(1);
+    browser.controller.copy();
+    QVERIFY(!clipboard->mimeData() || !clipboard->mimeData()->hasUrls());
+    browser.app.appliedPresets().modeDidChange(0);
+    browser.controller.copy();
+
     // The photos do not stay behind on the clipboard.
     QVERIFY(clipboard->mimeData()->hasUrls());
     keeper.reset();

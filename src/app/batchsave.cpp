@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/batchsave.h"
+
+#include "app/statusmanager.h"
+#include "saving/savingsettings.h"
+
+#include <QCoreApplication>
+
+namespace plexa
+{
+
+BatchSave::BatchSave(const Services &services)
+    : m_services(services)
+    , m_saving(services.alerts)
+{
+}
+
+BatchSave::~BatchSave()
+{
+    terminateOperation();
+    // The run may wait for an answer that this thread has to ask for.
+    while (m_thread.joinable())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+bool BatchSave::start(const Order &order)
+{
+    if (m_thread.joinable() || order.photos.empty() || order.effectivePresets.empty())
+        return false;
+    SavingRun run;
+    run.photoCount = order.photos.size();
+    run.photoAt = [photos = order.photos](std::size_t index) {
+        return SavingPhoto{photos[index]->path(), photos[index], {}};
+    };
+    run.effectivePresets = presetsToSave(order.effectivePresets);
+    run.defaultSavingPreset = order.defaultSavingPreset;
+    run.isInSingleMode = order.isInSingleMode;
+    run.jobs = m_services.threads;
+    followSettings(run, m_services.defaults);
+    m_maximum = 0;
+    m_copies = 0;
+    m_saving.begin();
+    m_services.status.startOperation(StatusOperation::Processing);
+    m_thread = std::jthread([this, run]() mutable {
+        completeFilenameTokens(run.defaultSavingPreset, m_services.alerts);
+        m_saving.saveImages(run, *this);
+        m_calls.post([this] { finish(); });
+    });
+    Q_EMIT started();
+    return true;
+}
+
+void BatchSave::begun(qint64 maximum, const QString &)
+{
+    m_maximum = maximum;
+}
+
+void BatchSave::copyFinished(const SavingOutput &)
+{
+    ++m_copies;
+    m_services.status.setProgress(static_cast<float>(m_copies) / static_cast<float>(m_maximum),
+                                  StatusOperation::Processing);
+}
+
+void BatchSave::finish()
+{
+    m_services.status.endOperation(StatusOperation::Processing);
+    m_saving.finishedSavingImages();
+    m_thread.join();
+    Q_EMIT finished();
+}
+
+} // namespace plexa

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "app/imagelist.h"
+#include "app/mainthreadcalls.h"
+#include "presets/savingpresetvalues.h"
+#include "saving/saving.h"
+
+#include <QObject>
+
+#include <thread>
+#include <vector>
+
+namespace plexa
+{
+
+class StatusManager;
+class UserDefaults;
+
+/// Saves copies of photos while the user goes on: a run on a thread of its own, with its progress in the
+/// status line and its report at the end. Main thread.
+class BatchSave final : public QObject, private SavingObserver
+{
+    Q_OBJECT
+
+public:
+    struct Services {
+        StatusManager &status;
+        Alerts &alerts; ///< may be called on any thread
+        const UserDefaults &defaults;
+        int threads; ///< copies that are made at a time
+    };
+
+    struct Order {
+        ImageList photos;
+        std::vector<AppliedPreset> effectivePresets;
+        bool isInSingleMode = false;
+        SavingPresetValues defaultSavingPreset;
+    };
+
+    /// @param services  outlive this object
+    explicit BatchSave(const Services &services);
+    /// Stops; the copies that were begun are made, and questions about them answered.
+    ~BatchSave() override;
+
+    /// Begins a run by the settings as they are now. Asks nothing before it returns.
+    /// @return false, and nothing happens, while another run goes on or without photos or presets
+    bool start(const Order &order);
+
+    bool isSavingInProgress() const { return m_saving.isSavingInProgress(); }
+    /// No further photo is begun.
+    void terminateOperation() { m_saving.terminateOperation(); }
+
+Q_SIGNALS:
+    void started();
+    /// The end report has been read.
+    void finished();
+
+private:
+    void begun(qint64 maximum, const QString &message) override;
+    void copyFinished(const SavingOutput &output) override;
+    void finish();
+
+    const Services m_services;
+    Saving m_saving;
+    qint64 m_maximum = 0; // of the run's thread
+    qint64 m_copies = 0;  // likewise
+    MainThreadCalls m_calls;
+    std::jthread m_thread;
+};
+
+} // namespace plexa
