@@ -17,6 +17,7 @@ namespace
 {
 
 constexpr int kAttempts = 3;
+constexpr int kKeptFolders = 3;
 
 /// Without the letters that QTemporaryDir puts behind it.
 QString namePrefix()
@@ -62,6 +63,8 @@ QString PrivateFolders::make()
     const QString name = QString::number(++m_count);
     if (!m_root->isValid() || !QDir(m_root->path()).mkdir(name))
         return {};
+    // Who was to take them over has done so long ago.
+    QDir(m_root->filePath(QString::number(m_count - kKeptFolders))).removeRecursively();
     return m_root->filePath(name);
 }
 
