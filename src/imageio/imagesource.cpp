@@ -7,6 +7,7 @@
 #include "imageio/propertykeys.h"
 #include "imageio/rawformats.h"
 #include "imageio/readfailures.h"
+#include "imageio/reducedrows.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -55,6 +56,11 @@ struct ImageSource::State {
 
     QVariantMap makeProperties(const EmbeddedMetadata &fromMetadata) const;
     int reductionTo(int minimumSide) const;
+    /// Does the codec decode a smaller picture?
+    bool reducesItself(int reduction) const
+    {
+        return format->codec->reducedSize(info.rows.size, reduction) != info.rows.size;
+    }
     Result<QImage> readImage(int reduction) const;
 };
 
@@ -103,6 +109,8 @@ Result<QImage> ImageSource::State::readImage(int reduction) const
     Result<std::unique_ptr<RowReader>> reader = format->codec->openReader(*file, limits, reduction);
     if (!reader)
         return tl::unexpected(reader.error());
+    if (!reducesItself(reduction))
+        reader = withReducedRows(std::move(*reader), reduction);
     const RowFormat rows = (*reader)->format();
     if (reduction == 1 && rows != info.rows)
         return fail(ReadFailures::damaged());
@@ -228,8 +236,10 @@ qint64 ImageSource::imageBytes(int minimumSide) const
 
 QSize ImageSource::imageSize(int minimumSide) const
 {
-    return m_state->format->codec->reducedSize(m_state->info.rows.size,
-                                               minimumSide > 0 ? m_state->reductionTo(minimumSide) : 1);
+    const QSize whole = m_state->info.rows.size;
+    const int reduction = minimumSide > 0 ? m_state->reductionTo(minimumSide) : 1;
+    return m_state->reducesItself(reduction) ? m_state->format->codec->reducedSize(whole, reduction)
+                                             : reducedSize(whole, reduction);
 }
 
 Result<std::unique_ptr<RowReader>> ImageSource::openRows() const

@@ -50,7 +50,7 @@ public:
     [[nodiscard]] Result<QImage> createImage() const;
 
     /// Image 0 as stored, at least `minimumSide` on its longer side where the file has that many, decoded at
-    /// a reduced scale where the format can.
+    /// a reduced scale where the format can, else reduced while its rows are read.
     [[nodiscard]] Result<QImage> createReducedImage(int minimumSide) const;
 
     /// The rows of image 0. The reader uses this object's file: keep it alive, and read one at a time.

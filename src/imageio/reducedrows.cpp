@@ -4,6 +4,8 @@
 
 #include "imageio/readfailures.h"
 
+#include <algorithm>
+
 namespace plexa
 {
 
@@ -35,13 +37,17 @@ Result<void> ReducedRowReader::readRows(QImage &strip, int count)
         std::fill(m_sums.begin(), m_sums.end(), Sum());
         for (int y = 0; y < rows; ++y) {
             const auto *in = reinterpret_cast<const QRgb *>(m_rows.constScanLine(y));
-            for (int x = 0; x < m_rows.width(); ++x) {
-                Sum &sum = m_sums[size_t(x / m_factor)];
-                sum.alpha += qAlpha(in[x]);
-                sum.red += qRed(in[x]);
-                sum.green += qGreen(in[x]);
-                sum.blue += qBlue(in[x]);
-                ++sum.count;
+            int left = m_rows.width();
+            for (Sum &sum : m_sums) {
+                const int columns = qMin(m_factor, left);
+                for (int x = 0; x < columns; ++x, ++in) {
+                    sum.alpha += qAlpha(*in);
+                    sum.red += qRed(*in);
+                    sum.green += qGreen(*in);
+                    sum.blue += qBlue(*in);
+                }
+                sum.count += columns;
+                left -= columns;
             }
         }
         auto *out = reinterpret_cast<QRgb *>(bits + row * strip.bytesPerLine());
