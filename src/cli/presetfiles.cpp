@@ -6,6 +6,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QXmlStreamReader>
 
 namespace plexa
 {
@@ -49,7 +50,7 @@ Result<void> expectKind(const QString &path, Kind kind)
 
 Result<Kind> kindOfPresetsFile(const QString &path)
 {
-    constexpr qint64 kStartBytes = 1024;
+    constexpr qint64 kStartBytes = 64 * 1024;
     if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) // opening a pipe would wait for its other end
         return fail(QStringLiteral("it is not a regular file"));
     QFile file(path);
@@ -61,8 +62,12 @@ Result<Kind> kindOfPresetsFile(const QString &path)
     if (start.isEmpty())
         return fail(QStringLiteral("it is empty"));
     // Watermark presets are a property list, in its binary form or as XML.
-    if (start.startsWith("bplist") || start.contains("<!DOCTYPE plist") || start.contains("<plist"))
+    if (start.startsWith("bplist"))
         return Kind::Watermark;
+    QXmlStreamReader xml(start);
+    if (xml.readNextStartElement())
+        return xml.name() == QLatin1StringView("plist") ? Kind::Watermark : Kind::Saving;
+    // Of XML that is damaged, or begins with a very long comment, the reader tells more.
     const bool hasMark = start.startsWith("\xEF\xBB\xBF"); // which an editor puts in front of UTF-8
     if (start.mid(hasMark ? 3 : 0).trimmed().startsWith('<'))
         return Kind::Saving;

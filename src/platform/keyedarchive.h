@@ -68,7 +68,7 @@ private:
 };
 
 /// Writes a keyed archive. Objects are added from the leaves up, each with the references of what it holds;
-/// equal texts and numbers become one object. One thread at a time.
+/// equal texts, numbers and colors become one object. One thread at a time.
 class KeyedArchiver final
 {
 public:
@@ -158,8 +158,10 @@ public:
     /// Is it an object of that class, or of one that is made from it?
     bool isOfClass(QLatin1StringView className) const;
 
+    /// Readings of one text share its memory.
     std::optional<QString> string() const;
-    /// A truth counts as 1 or 0. Never infinite, nor not a number.
+    /// A truth counts as 1 or 0; an object that holds a number plainly is the number. Never infinite, nor not
+    /// a number.
     std::optional<double> number() const;
     /// Numbers with a fraction are cut; those that do not fit are none.
     std::optional<qint64> integer() const;
@@ -183,8 +185,8 @@ public:
     /// Tells objects apart: the same for every reference to one object.
     const void *identity() const { return m_node; }
 
-    /// Has more been asked for, all in all, than an archive may hold? From then on texts, data and arrays are
-    /// none. An object that many others refer to unfolds without end.
+    /// Has more been asked for, all in all, than an archive may hold? From then on data, arrays and texts
+    /// that were not read before are none. An object that many others refer to unfolds without end.
     bool isExhausted() const;
 
 private:
@@ -194,6 +196,8 @@ private:
     ArchivedValue resolved(void *node) const;
     bool isNode(int type) const;
     std::optional<QByteArrayView> dataView() const;
+    std::optional<QString> sharedText(QByteArrayView utf8) const;
+    ArchivedValue unboxedNumber() const;
     std::optional<std::vector<double>> components(QLatin1StringView key) const;
     QColor rgbColor() const;
     QColor colorAtDepth(int depth) const;

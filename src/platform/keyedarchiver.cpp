@@ -178,6 +178,7 @@ struct KeyedArchiver::State {
     QHash<QString, Reference> strings;
     QHash<qint64, Reference> integers;
     QHash<float, Reference> floats;
+    QHash<quint64, Reference> colors; // by their sRGB numbers
     QHash<QLatin1StringView, Reference> classes;
     QHash<const void *, Reference> copies; // by the object that was copied
     std::vector<KeptObject> copied;        // keeps these from being replaced by others at their addresses
@@ -305,6 +306,9 @@ KeyedArchiver::Reference KeyedArchiver::addColor(const QColor &color)
     if (!color.isValid())
         return Reference::None;
     const QColor rgb = color.toRgb();
+    Reference &known = m_state->colors[rgb.rgba64()];
+    if (known != Reference::None)
+        return known;
     QByteArray text;
     for (const int component : {rgb.rgba64().red(), rgb.rgba64().green(), rgb.rgba64().blue()})
         text += (text.isEmpty() ? "" : " ") + componentText(component / 65535.0);
@@ -313,7 +317,8 @@ KeyedArchiver::Reference KeyedArchiver::addColor(const QColor &color)
     Object object;
     object.setInteger(QLatin1StringView("NSColorSpace"), 1);
     object.setBytes(QLatin1StringView("NSRGB"), text + '\0');
-    return addInstance(std::move(object), {QLatin1StringView("NSColor"), QLatin1StringView("NSObject")});
+    known = addInstance(std::move(object), {QLatin1StringView("NSColor"), QLatin1StringView("NSObject")});
+    return known;
 }
 
 KeyedArchiver::Reference KeyedArchiver::addImage(const ArchivedImage &image)
@@ -392,9 +397,11 @@ Result<QByteArray> KeyedArchiver::finish()
         return fail(Texts::tr("there is not enough memory for it"));
     const QByteArray bytes(written, static_cast<qsizetype>(length));
     plist_to_bin_free(written);
+    if (bytes.size() > kMaxPropertyListBytes)
+        return tooLarge();
     // What cannot be read again must not take the place of a file that can.
     if (!faultOfPropertyList(bytes).isEmpty())
-        return tooLarge();
+        return fail(Texts::tr("it would hold more than can be read again"));
     return bytes;
 }
 

@@ -5,6 +5,7 @@
 #include "platform/xmlpropertylist.h"
 
 #include <QCoreApplication>
+#include <QHash>
 
 #include <plist/plist.h>
 
@@ -21,7 +22,8 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(plexa::KeyedArchive)
 };
 
-// What an archive gives out, all in all, counted at each reading: many objects may refer to one.
+// What an archive gives out, all in all. Elements and data are counted at each reading, for many objects may
+// refer to one; a text once, for all readings of it share its memory.
 constexpr qint64 kMaxElements = 1'000'000;
 constexpr qint64 kMaxBytes = kMaxPropertyListBytes + kMaxPropertyListBytes / 4;
 constexpr int kMaxRepresentations = 64;
@@ -90,6 +92,7 @@ struct ArchivedValue::Archive {
     qint64 elementsLeft = kMaxElements;
     qint64 bytesLeft = kMaxBytes;
     bool isExhausted = false;
+    QHash<const void *, QString> texts; ///< that were read, by their nodes
 
     /// Takes from one of the two; false when there is not so much left.
     bool take(qint64 &left, qint64 count)
@@ -193,23 +196,49 @@ bool ArchivedValue::isOfClass(QLatin1StringView className) const
 
 std::optional<QString> ArchivedValue::string() const
 {
-    if (isNode(PLIST_STRING)) {
-        const QByteArrayView text = textOf(m_node);
-        return m_archive->take(m_archive->bytesLeft, text.size()) ? std::optional(QString::fromUtf8(text))
-                                                                  : std::nullopt;
-    }
+    if (isNode(PLIST_STRING))
+        return sharedText(textOf(m_node));
     if (!isOfClass(QLatin1StringView("NSString")))
         return std::nullopt;
     const ArchivedValue boxed = value(QLatin1StringView("NS.string"));
     if (boxed.isNode(PLIST_STRING))
         return boxed.string();
     const ArchivedValue bytes = value(QLatin1StringView("NS.bytes"));
-    const std::optional<QByteArray> utf8 = bytes.isNode(PLIST_DATA) ? bytes.data() : std::nullopt;
-    return utf8 ? std::optional(QString::fromUtf8(*utf8)) : std::nullopt;
+    if (!bytes.isNode(PLIST_DATA))
+        return std::nullopt;
+    uint64_t length = 0;
+    const char *const utf8 = plist_get_data_ptr(bytes.m_node, &length);
+    return bytes.sharedText(utf8 ? QByteArrayView(utf8, static_cast<qsizetype>(length)) : "");
+}
+
+/// @param utf8  of this node
+std::optional<QString> ArchivedValue::sharedText(QByteArrayView utf8) const
+{
+    const auto known = m_archive->texts.constFind(m_node);
+    if (known != m_archive->texts.cend())
+        return *known;
+    if (!m_archive->take(m_archive->bytesLeft, utf8.size()))
+        return std::nullopt;
+    return *m_archive->texts.insert(m_node, QString::fromUtf8(utf8));
+}
+
+/// Of an object that holds a number plainly: the number.
+ArchivedValue ArchivedValue::unboxedNumber() const
+{
+    if (!isOfClass(QLatin1StringView("NSNumber")))
+        return {};
+    for (const char *key : {"NS.intval", "NS.dblval", "NS.boolval"}) {
+        const ArchivedValue plain = value(QLatin1StringView(key));
+        if (plain.isNode(PLIST_UINT) || plain.isNode(PLIST_REAL) || plain.isNode(PLIST_BOOLEAN))
+            return plain;
+    }
+    return {};
 }
 
 std::optional<double> ArchivedValue::number() const
 {
+    if (isNode(PLIST_DICT))
+        return unboxedNumber().number();
     double number = 0;
     if (isNode(PLIST_REAL))
         plist_get_real_val(m_node, &number);
@@ -222,6 +251,8 @@ std::optional<double> ArchivedValue::number() const
 
 std::optional<qint64> ArchivedValue::integer() const
 {
+    if (isNode(PLIST_DICT))
+        return unboxedNumber().integer();
     if (isNode(PLIST_BOOLEAN)) {
         uint8_t value = 0;
         plist_get_bool_val(m_node, &value);

@@ -167,6 +167,8 @@ Node Builder::leaf(const QString &kind)
 
 bool isXmlPropertyList(QByteArrayView bytes)
 {
+    if (bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF")) // UTF-16
+        return true;
     if (bytes.startsWith("\xEF\xBB\xBF"))
         bytes = bytes.sliced(3);
     return bytes.trimmed().startsWith('<');

@@ -14,6 +14,9 @@ namespace
 
 bool haveSameContents(const QString &path, const QString &other)
 {
+    // Opening a pipe would wait for its other end, while everybody else waits for the folder.
+    if (!QFileInfo(path).isFile() || !QFileInfo(other).isFile())
+        return false;
     QFile a(path);
     QFile b(other);
     return a.size() == b.size() && a.open(QIODevice::ReadOnly) && b.open(QIODevice::ReadOnly) &&
@@ -25,6 +28,8 @@ bool moveOrBackupPreviousVersionConfigFile(const QString &name, const QString &f
     const QString oldPath = from + u'/' + name;
     if (!QFileInfo::exists(oldPath))
         return true;
+    if (!QFileInfo(oldPath).isFile()) // copying reads it to its end, which a pipe has not
+        return false;
     const QFileInfo info(name);
     const QString backup =
         QStringLiteral("%1/%2 - older backup.%3").arg(to, info.completeBaseName(), info.suffix());

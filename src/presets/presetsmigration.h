@@ -10,7 +10,7 @@ namespace plexa
 /// Takes over the preset files of the program's first major version, whose folder was called "Quorvel Plexa
 /// 1". Each file is copied to "NAME - older backup" in the support folder, and moved there itself where there
 /// is none of its name; when all went well, the old folder is deleted with what remains in it. Interrupted,
-/// it goes on the next time.
+/// or stopped by what is no regular file or cannot be copied, it goes on the next time.
 /// @param supportFolder  "BASE/maker/program"; the old folder is looked for in BASE
 void updateOldApplicationSupportDirectoryIfNeeded(const QString &supportFolder);
 

@@ -14,6 +14,7 @@
 
 #include <cmath>
 #include <limits>
+#include <map>
 #include <numbers>
 
 namespace plexa
@@ -35,7 +36,9 @@ const Key kPresetClass("WPreset");
 const Key kOldBackgroundPadding("WPBackgroundPadding");
 
 constexpr float kVersion = 1.2F;
-constexpr std::size_t kMaxPresets = 20'000;
+/// At this number, each may take two hundred nodes of what a property list may hold, more than one with a
+/// picture does.
+constexpr std::size_t kMaxPresets = 10'000;
 
 /// So many things that were left out are told one by one.
 constexpr qsizetype kMaxNotes = 20;
@@ -69,22 +72,49 @@ private:
     std::vector<std::pair<WatermarkPicture, Reference>> m_known;
 };
 
+/// Puts lists of texts into an archive, equal ones once.
+class TextsEncoder
+{
+public:
+    /// @param archiver  outlives the object, as do the lists
+    explicit TextsEncoder(KeyedArchiver &archiver)
+        : m_archiver(archiver)
+    {
+    }
+
+    Reference reference(const QStringList &texts)
+    {
+        // Lists that were read from one object share their memory, however long they are.
+        const auto identity = std::make_pair(texts.constData(), texts.size());
+        const auto known = m_byIdentity.constFind(identity);
+        if (known != m_byIdentity.cend())
+            return *known;
+        std::vector<Reference> pieces;
+        for (const QString &text : texts)
+            pieces.push_back(m_archiver.addString(text.isNull() ? QLatin1StringView("") : text));
+        const auto [found, isNew] = m_byPieces.try_emplace(std::move(pieces), Reference::None);
+        if (isNew)
+            found->second = m_archiver.addArray(found->first, KeyedArchiver::Mutability::Immutable);
+        return *m_byIdentity.insert(identity, found->second);
+    }
+
+private:
+    KeyedArchiver &m_archiver;
+    QHash<std::pair<const QString *, qsizetype>, Reference> m_byIdentity;
+    std::map<std::vector<Reference>, Reference> m_byPieces;
+};
+
 /// Puts a field's value under its key.
 struct FieldEncoder {
     KeyedArchiver &archiver;
     PictureEncoder &pictures;
+    TextsEncoder &texts;
     KeyedArchiver::Object &object;
     QLatin1StringView key;
     Result<void> &result;
 
     void operator()(const QString &text) const { object.setObject(key, archiver.addString(text)); }
-    void operator()(const QStringList &texts) const
-    {
-        std::vector<Reference> pieces;
-        for (const QString &text : texts)
-            pieces.push_back(archiver.addString(text.isNull() ? QLatin1StringView("") : text));
-        object.setObject(key, archiver.addArray(pieces, KeyedArchiver::Mutability::Immutable));
-    }
+    void operator()(const QStringList &list) const { object.setObject(key, texts.reference(list)); }
     void operator()(WholeNumber number) const
     {
         object.setObject(key, number ? archiver.addInteger(*number) : Reference::None);
@@ -112,12 +142,14 @@ struct FieldEncoder {
     }
 };
 
-Result<Reference> encode(KeyedArchiver &archiver, PictureEncoder &pictures, const WPresetValues &values)
+Result<Reference> encode(KeyedArchiver &archiver, PictureEncoder &pictures, TextsEncoder &texts,
+                         const WPresetValues &values)
 {
     KeyedArchiver::Object object;
     Result<void> result;
     for (const WPresetField &field : wPresetFields())
-        std::visit(FieldEncoder{archiver, pictures, object, field.archiveKey, result}, field.value(values));
+        std::visit(FieldEncoder{archiver, pictures, texts, object, field.archiveKey, result},
+                   field.value(values));
     if (!result)
         return tl::unexpected(result.error());
     return archiver.addObject(std::move(object), kPresetClass);
@@ -139,15 +171,51 @@ FloatNumber floatNumber(const ArchivedValue &value)
     return static_cast<float>(*number);
 }
 
-QStringList strings(const ArchivedValue &value)
-{
+/// A list of texts that was read.
+struct Pieces {
     QStringList texts;
-    for (const ArchivedValue &piece : value.array().value_or(std::vector<ArchivedValue>())) {
-        if (const std::optional<QString> text = piece.string())
-            texts.append(*text);
+    bool areAll = true; ///< else some of it is no text
+};
+
+/// Elements that are none are nothing that could be missed.
+Pieces piecesOf(const ArchivedValue &value)
+{
+    Pieces pieces;
+    const auto elements = value.array();
+    pieces.areAll = elements || value.isNone();
+    for (const ArchivedValue &element : elements.value_or(std::vector<ArchivedValue>())) {
+        if (const std::optional<QString> text = element.string())
+            pieces.texts.append(*text);
+        else
+            pieces.areAll = pieces.areAll && element.isNone();
     }
-    return texts;
+    return pieces;
 }
+
+/// What is to be told, within a bound.
+class Notes
+{
+public:
+    void add(const QString &note)
+    {
+        if (m_notes.size() < kMaxNotes)
+            m_notes.append(note);
+        else
+            ++m_more;
+    }
+
+    QStringList all() const
+    {
+        QStringList notes = m_notes;
+        if (m_more > 0)
+            notes.append(Texts::tr("%1 more in its list cannot be read").arg(m_more));
+        return notes;
+    }
+
+private:
+    QStringList m_notes;
+    qint64 m_more = 0;
+};
 
 /// Older files turn the other way round.
 float turnedRound(float degrees)
@@ -157,27 +225,56 @@ float turnedRound(float degrees)
     return degrees < -180 ? -360 - degrees : 0 - degrees;
 }
 
+/// What becomes of the pictures of an archive.
+enum class Pictures {
+    Made,
+    Counted, ///< looked for, as far as the bounds of what is read are concerned; the presets have none
+};
+
 /// Makes presets of one archive.
 class Decoder
 {
 public:
-    Decoder(float version, const SavingPresetLookup &savingPresetWithID)
+    Decoder(float version, const SavingPresetLookup &savingPresetWithID, Pictures pictures)
         : m_version(version)
         , m_savingPresetWithID(savingPresetWithID)
+        , m_becomeOfPictures(pictures)
     {
     }
 
     Result<WPresetList> presets(const ArchivedValue &list, QStringList &leftOut);
 
 private:
-    WPresetValues values(const ArchivedValue &preset);
+    WPresetValues values(const ArchivedValue &preset, std::size_t number);
     FieldValue fieldValue(const WPresetField &field, const ArchivedValue &value);
-    void convert(WPresetValues &values, const ArchivedValue &preset) const;
+    const Pieces &pieces(const ArchivedValue &value);
+    WatermarkPicture picture(const ArchivedValue &value) const;
+    bool isWhole(const WPresetField &field, const ArchivedValue &value, const FieldValue &read);
+    void convert(WPresetValues &values, const ArchivedValue &preset, std::size_t number);
+    void noteUnreadable(QLatin1StringView name, std::size_t number);
 
     float m_version;
     const SavingPresetLookup &m_savingPresetWithID;
-    QHash<const void *, WatermarkPicture> m_pictures; // by identity: one picture may be in many presets
+    Pictures m_becomeOfPictures;
+    // By identity: one object may be in many presets.
+    QHash<const void *, WatermarkPicture> m_pictures;
+    QHash<const void *, Pieces> m_pieces;
+    Notes m_notes;
 };
+
+const Pieces &Decoder::pieces(const ArchivedValue &value)
+{
+    const auto known = m_pieces.constFind(value.identity());
+    return known != m_pieces.cend() ? *known : *m_pieces.insert(value.identity(), piecesOf(value));
+}
+
+WatermarkPicture Decoder::picture(const ArchivedValue &value) const
+{
+    if (m_becomeOfPictures == Pictures::Made)
+        return WatermarkPicture::fromArchive(value);
+    value.imageRepresentations();
+    return {};
+}
 
 FieldValue Decoder::fieldValue(const WPresetField &field, const ArchivedValue &value)
 {
@@ -185,7 +282,7 @@ FieldValue Decoder::fieldValue(const WPresetField &field, const ArchivedValue &v
     case FieldKind::String:
         return value.string().value_or(QString());
     case FieldKind::Strings:
-        return strings(value);
+        return pieces(value).texts;
     case FieldKind::Integer:
         return FieldValue(std::in_place_type<WholeNumber>, wholeNumber(value));
     case FieldKind::Float:
@@ -196,7 +293,7 @@ FieldValue Decoder::fieldValue(const WPresetField &field, const ArchivedValue &v
         return value.color();
     case FieldKind::Image:
         if (!m_pictures.contains(value.identity()))
-            m_pictures.insert(value.identity(), WatermarkPicture::fromArchive(value));
+            m_pictures.insert(value.identity(), picture(value));
         return m_pictures.value(value.identity());
     case FieldKind::SavingPreset: {
         const std::optional<qint64> presetID = value.integer();
@@ -206,26 +303,67 @@ FieldValue Decoder::fieldValue(const WPresetField &field, const ArchivedValue &v
     Q_UNREACHABLE();
 }
 
-void Decoder::convert(WPresetValues &values, const ArchivedValue &preset) const
+/// Is all that the archive has for a field in what was read of it? Nothing is missed where it has nothing.
+bool Decoder::isWhole(const WPresetField &field, const ArchivedValue &value, const FieldValue &read)
+{
+    if (value.isNone())
+        return true;
+    switch (field.kind) {
+    case FieldKind::String:
+        return value.string().has_value();
+    case FieldKind::Strings:
+        return pieces(value).areAll;
+    case FieldKind::Integer:
+        return std::get<WholeNumber>(read).has_value();
+    case FieldKind::Float:
+        return std::get<FloatNumber>(read).has_value();
+    case FieldKind::Boolean:
+        return value.number().has_value();
+    case FieldKind::Color:
+        return std::get<QColor>(read).isValid();
+    case FieldKind::Image: // kept as it is, and its fault told elsewhere
+        return true;
+    case FieldKind::SavingPreset:
+        return value.integer().has_value();
+    }
+    Q_UNREACHABLE();
+}
+
+/// @param name    of the field
+/// @param number  of the preset in the list, from 1
+void Decoder::noteUnreadable(QLatin1StringView name, std::size_t number)
+{
+    m_notes.add(Texts::tr("\"%1\" of number %2 in its list cannot be read").arg(name).arg(number));
+}
+
+void Decoder::convert(WPresetValues &values, const ArchivedValue &preset, std::size_t number)
 {
     if (values.angle)
         values.angle = turnedRound(*values.angle);
     if (values.shadowAngle)
         values.shadowAngle = turnedRound(*values.shadowAngle * 180 / std::numbers::pi_v<float> - 90);
-    const WholeNumber padding = wholeNumber(preset.value(kOldBackgroundPadding));
+    const ArchivedValue oldPadding = preset.value(kOldBackgroundPadding);
+    const WholeNumber padding = wholeNumber(oldPadding);
+    if (!padding && !oldPadding.isNone())
+        noteUnreadable(QLatin1StringView("backgroundPadding"), number);
     values.backgroundPaddingTop = padding;
     values.backgroundPaddingBottom = padding;
     values.backgroundPaddingLeft = padding;
     values.backgroundPaddingRight = padding;
 }
 
-WPresetValues Decoder::values(const ArchivedValue &preset)
+WPresetValues Decoder::values(const ArchivedValue &preset, std::size_t number)
 {
     WPresetValues values;
-    for (const WPresetField &field : wPresetFields())
-        field.setValue(values, fieldValue(field, preset.value(field.archiveKey)));
+    for (const WPresetField &field : wPresetFields()) {
+        const ArchivedValue value = preset.value(field.archiveKey);
+        const FieldValue read = fieldValue(field, value);
+        if (!isWhole(field, value, read))
+            noteUnreadable(field.name, number);
+        field.setValue(values, read);
+    }
     if (m_version < kVersion)
-        convert(values, preset);
+        convert(values, preset, number);
     return values;
 }
 
@@ -242,22 +380,19 @@ Result<WPresetList> Decoder::presets(const ArchivedValue &list, QStringList &lef
     for (std::size_t i = 0; i < objects->size(); ++i) {
         const ArchivedValue &object = (*objects)[i];
         if (!object.isOfClass(kPresetClass)) {
-            leftOut.append(Texts::tr("number %1 in its list is no watermark preset").arg(i + 1));
+            m_notes.add(Texts::tr("number %1 in its list is no watermark preset").arg(i + 1));
             continue;
         }
         auto found = known.constFind(object.identity());
         if (found == known.cend())
-            found = known.insert(object.identity(), values(object));
+            found = known.insert(object.identity(), values(object, i + 1));
         presets.push_back(std::make_shared<WPreset>(*found));
     }
     if (list.isExhausted())
         return fail(Texts::tr("it holds more than can be read"));
+    leftOut = m_notes.all();
     if (presets.empty() && !leftOut.isEmpty())
         return fail(leftOut.first());
-    if (const qsizetype more = leftOut.size() - kMaxNotes; more > 0) {
-        leftOut.resize(kMaxNotes);
-        leftOut.append(Texts::tr("%1 more in its list are no watermark presets").arg(more));
-    }
     return presets;
 }
 
@@ -275,9 +410,27 @@ Result<QByteArray> contentsOf(const QString &path)
     return bytes;
 }
 
-} // namespace
+/// @param leftOut  as readWPresetsFromFile() sets it
+Result<WPresetList> decoded(const QByteArray &bytes, bool &isLater,
+                            const SavingPresetLookup &savingPresetWithID, QStringList &leftOut,
+                            Pictures pictures)
+{
+    isLater = false;
+    leftOut.clear();
+    const Result<ArchivedValue> top = ArchivedValue::readArchive(bytes);
+    if (!top)
+        return tl::unexpected(top.error());
+    const std::optional<QString> application = top->value(kApplication).string();
+    const float version = floatNumber(top->value(kFileVersion)).value_or(0.0F);
+    isLater = version > kVersion;
+    const bool isOurs = application && (*application == applicationNameWithCompany(true, false, true) ||
+                                        *application == firstVersionApplicationName());
+    if (!isOurs || !(version > 0))
+        return fail(Texts::tr("it is no file of watermark presets"));
+    return Decoder(version, savingPresetWithID, pictures).presets(top->value(kWPresets), leftOut);
+}
 
-Result<QByteArray> archivedWPresets(const WPresetList &presets)
+Result<QByteArray> encoded(const WPresetList &presets)
 {
     if (presets.size() > kMaxPresets)
         return fail(Texts::tr("there are more than %1 presets").arg(kMaxPresets));
@@ -285,15 +438,31 @@ Result<QByteArray> archivedWPresets(const WPresetList &presets)
     archiver.top().setObject(kApplication, archiver.addString(applicationNameWithCompany(true, false, true)));
     archiver.top().setFloat(kFileVersion, kVersion);
     PictureEncoder pictures(archiver);
+    TextsEncoder texts(archiver);
     std::vector<Reference> references;
     for (const auto &preset : presets) {
-        const Result<Reference> reference = encode(archiver, pictures, preset->values());
+        const Result<Reference> reference = encode(archiver, pictures, texts, preset->values());
         if (!reference)
             return tl::unexpected(reference.error());
         references.push_back(*reference);
     }
     archiver.top().setObject(kWPresets, archiver.addArray(references, KeyedArchiver::Mutability::Mutable));
     return archiver.finish();
+}
+
+} // namespace
+
+Result<QByteArray> archivedWPresets(const WPresetList &presets)
+{
+    return encoded(presets).and_then([](const QByteArray &bytes) -> Result<QByteArray> {
+        // What cannot be read again must not take the place of a file that can.
+        bool isLater = false;
+        QStringList leftOut;
+        const auto read = decoded(bytes, isLater, {}, leftOut, Pictures::Counted);
+        if (!read)
+            return fail(Texts::tr("it could not be read again: %1").arg(read.error().text));
+        return bytes;
+    });
 }
 
 Result<void> writeWPresets(const WPresetList &presets, const QString &toFile)
@@ -311,23 +480,10 @@ Result<void> writeWPresets(const WPresetList &presets, const QString &toFile)
 Result<WPresetList> wPresetsFromArchive(const QByteArray &bytes, bool *futureVersion,
                                         const SavingPresetLookup &savingPresetWithID, QStringList *leftOut)
 {
-    if (futureVersion)
-        *futureVersion = false;
+    bool isLater = false;
     QStringList notes;
-    QStringList &told = leftOut ? *leftOut : notes;
-    told.clear();
-    const Result<ArchivedValue> top = ArchivedValue::readArchive(bytes);
-    if (!top)
-        return tl::unexpected(top.error());
-    const std::optional<QString> application = top->value(kApplication).string();
-    const float version = floatNumber(top->value(kFileVersion)).value_or(0.0F);
-    if (futureVersion)
-        *futureVersion = version > kVersion;
-    const bool isOurs = application && (*application == applicationNameWithCompany(true, false, true) ||
-                                        *application == firstVersionApplicationName());
-    if (!isOurs || !(version > 0))
-        return fail(Texts::tr("it is no file of watermark presets"));
-    return Decoder(version, savingPresetWithID).presets(top->value(kWPresets), told);
+    return decoded(bytes, futureVersion ? *futureVersion : isLater, savingPresetWithID,
+                   leftOut ? *leftOut : notes, Pictures::Made);
 }
 
 Result<WPresetList> readWPresetsFromFile(const QString &path, bool *futureVersion,

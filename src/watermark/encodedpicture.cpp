@@ -3,7 +3,9 @@
 #include "watermark/encodedpicture.h"
 
 #include "imageio/readfailures.h"
+#include "imageio/storedorientation.h"
 #include "platform/bytebudget.h"
+#include "raster/orientation.h"
 
 #include <QBuffer>
 #include <QCache>
@@ -32,6 +34,9 @@ constexpr int kShareOfMemory = 4;
 
 /// All pictures together: some logos of the size of a photo.
 constexpr int kMaxKeptKilobytes = 256 * 1024;
+
+/// Rows that are turned at a time.
+constexpr int kStripRows = 256;
 
 /// What representations are, whatever their name says: TIFF files, and now and then others.
 const ImageFormat *formatOf(QByteArrayView bytes)
@@ -121,7 +126,7 @@ Result<EncodedPicture::Representation> EncodedPicture::measured(QByteArrayView b
     const qint64 pixels = qint64{size.width()} * size.height();
     if (info->decoderBytes > limits.maxBytes - pixels * kBytesPerPixel)
         return fail(ReadFailures::tooMuchMemory(size, info->decoderBytes + pixels * kBytesPerPixel, limits));
-    return Representation{bytes, format, size};
+    return Representation{bytes, format, size, storedOrientation(buffer)};
 }
 
 Result<std::shared_ptr<const EncodedPicture>>
@@ -154,12 +159,28 @@ Result<QImage> EncodedPicture::decode(const Representation &representation)
     const auto reader = representation.format->codec->openReader(buffer, readLimits(), 1);
     if (!reader)
         return tl::unexpected(reader.error());
-    QImage image((*reader)->format().size, (*reader)->format().imageFormat());
-    if (image.isNull())
+    const RowFormat rows = (*reader)->format();
+    const int height = rows.size.height();
+    QImage image(orientedSize(rows.size, representation.orientation), rows.imageFormat());
+    const bool isUpright = representation.orientation == 1;
+    QImage strip(isUpright ? QSize() : QSize(rows.size.width(), std::min(height, kStripRows)),
+                 rows.imageFormat());
+    if (image.isNull() || (!isUpright && strip.isNull()))
         return fail(ReadFailures::outOfMemory());
-    if (const Result<void> read = (*reader)->readRows(image, image.height()); !read)
-        return tl::unexpected(read.error());
+    const int step = isUpright ? height : strip.height();
+    for (int row = 0; row < height; row += step) {
+        const int count = std::min(step, height - row);
+        if (const Result<void> read = (*reader)->readRows(isUpright ? image : strip, count); !read)
+            return tl::unexpected(read.error());
+        if (!isUpright)
+            placeOrientedRows(image, strip, count, row, rows.size, representation.orientation);
+    }
     return image;
+}
+
+QSize EncodedPicture::size() const
+{
+    return orientedSize(m_representations.front().size, m_representations.front().orientation);
 }
 
 Result<QImage> EncodedPicture::decoded() const

@@ -32,10 +32,10 @@ public:
     EncodedPicture(const EncodedPicture &) = delete;
     EncodedPicture &operator=(const EncodedPicture &) = delete;
 
-    /// Pixels of the largest representation.
-    QSize size() const { return m_representations.front().size; }
+    /// Pixels of the largest representation, upright.
+    QSize size() const;
 
-    /// The largest representation that can be decoded.
+    /// The largest representation that can be decoded, upright.
     /// @return the failure of the largest one when none can
     [[nodiscard]] Result<QImage> decoded() const;
 
@@ -44,7 +44,8 @@ private:
     struct Representation {
         QByteArrayView bytes;
         const ImageFormat *format;
-        QSize size;
+        QSize size;      // as stored
+        int orientation; // 1 to 8 as EXIF counts
     };
 
     explicit EncodedPicture(std::vector<Representation> representations);

@@ -174,6 +174,12 @@ void KeyedArchiveTest::whatIsWrittenIsReadBack()
     QCOMPARE(image.bitmaps, QList<QByteArrayView>({QByteArrayView("a\0b", 3)}));
     QCOMPARE(image.svg, QByteArrayView("<svg/>"));
     QCOMPARE(top->value(Key("Indexes")).indexSet(), std::vector({IndexRange{7, 1}}));
+
+    KeyedArchiver tooMany;
+    const std::vector<KeyedArchiver::Reference> objects(kMaxPropertyListNodes, tooMany.addInteger(1));
+    tooMany.top().setObject(Key("Many"), tooMany.addArray(objects, Mutability::Mutable));
+    const auto refused = tooMany.finish();
+    QVERIFY(!refused && !refused.error().text.contains(QStringLiteral("MB")));
 }
 
 void KeyedArchiveTest::whatOthersWriteIsRead_data()
@@ -206,6 +212,9 @@ void KeyedArchiveTest::whatOthersWriteIsRead()
     QVERIFY(top.value(Key("inlineBool")).boolean() && top.value(Key("boolObject")).boolean());
     QVERIFY(!top.value(Key("missing")).boolean() && top.value(Key("none")).isNone());
     QVERIFY(!top.value(Key("nan")).number() && !top.value(Key("nan")).integer());
+    QCOMPARE(top.value(Key("intNumber")).integer(), 12);
+    QCOMPARE(top.value(Key("realNumber")).number(), 12.5);
+    QVERIFY(top.value(Key("boolNumber")).boolean() && !top.value(Key("decimal")).number());
     const auto array = top.value(Key("array")).array();
     QVERIFY(array && array->size() == 3 && (*array)[1].isNone());
     QCOMPARE((*array)[2].string(), shared);
@@ -291,6 +300,10 @@ void KeyedArchiveTest::bombsAreRefused_data()
          {"<integer>12345678901234567890</integer>", "<data>?</data>", "<null/>", "<string>",
           "<dict><true/></dict>", "<dict><key>k</key></dict>", "<true/><true/>", ""})
         QTest::addRow("XML, %s", wrong) << xml(wrong) << damaged;
+    const QString wide = QStringLiteral("\uFEFF<plist><dict/></plist>");
+    QTest::newRow("XML in UTF-16, no archive")
+        << QByteArray(reinterpret_cast<const char *>(wide.utf16()), wide.size() * 2)
+        << QStringLiteral("it is no archive of objects");
     QTest::newRow("XML, no archive") << xml("<dict/>") << QStringLiteral("it is no archive of objects");
 }
 
@@ -305,16 +318,19 @@ void KeyedArchiveTest::bombsAreRefused()
 
 void KeyedArchiveTest::damageNeverCrashes()
 {
-    // Arrays that are one array and texts that are one text: more than an archive may hold when each is
-    // looked at.
-    for (const char *key : {"many", "texts"}) {
-        const ArchivedValue wide = read("wide.plist");
+    // Arrays that are one array: more than an archive may hold when each is looked at.
+    const auto nones = [](const ArchivedValue &array) {
         int none = 0;
-        for (const ArchivedValue &element :
-             wide.value(Key(key)).array().value_or(std::vector<ArchivedValue>()))
+        for (const ArchivedValue &element : array.array().value_or(std::vector<ArchivedValue>()))
             none += !element.array() && !element.string() ? 1 : 0;
-        QVERIFY(none > 0 && wide.isExhausted());
-    }
+        return none;
+    };
+    const ArchivedValue wide = read("wide.plist");
+    QVERIFY(nones(wide.value(Key("many"))) > 0 && wide.isExhausted());
+    // Texts that are one text cost no more than one.
+    const ArchivedValue texts = read("wide.plist");
+    QCOMPARE(nones(texts.value(Key("texts"))), 0);
+    QVERIFY(!texts.isExhausted());
 
     const auto look = [](const QByteArray &bytes) {
         const auto top = ArchivedValue::readArchive(bytes);

@@ -412,6 +412,7 @@ void PresetsStoreTest::migration_data()
     QTest::newRow("another backup there")
         << list("SPresets.pxspr|QuickSPreset.pxspr") << list("SPresets - older backup.pxspr")
         << list("SPresets - older backup.pxspr") << false;
+    QTest::newRow("a pipe") << list("WPresets.pxwpr=pipe|SPresets.pxspr") << list("") << list("") << false;
 }
 
 void PresetsStoreTest::migration()
@@ -422,8 +423,14 @@ void PresetsStoreTest::migration()
     QFETCH(bool, isOldFolderGone);
     const QString oldFolder = m_folder.path(QStringLiteral("home/Quorvel Plexa 1"));
     QVERIFY(QDir().mkpath(oldFolder));
-    for (const QString &name : old)
-        write(oldFolder + u'/' + name, "old " + name.toUtf8());
+    for (const QString &name : old) {
+        if (name.endsWith(QStringLiteral("=pipe")))
+            QCOMPARE(
+                QProcess::execute(QStringLiteral("mkfifo"), {oldFolder + u'/' + name.section(u'=', 0, 0)}),
+                0);
+        else
+            write(oldFolder + u'/' + name, "old " + name.toUtf8());
+    }
     for (const QString &name : now)
         write(path(name.section(u'=', 0, 0)),
               name.contains(u'=') ? "old " + name.section(u'=', 1).toUtf8() : QByteArray("new"));

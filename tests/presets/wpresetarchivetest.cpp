@@ -82,7 +82,8 @@ private Q_SLOTS:
     void picturesAreNotDecodedUntilTheyAreDrawn();
     void oldFiles();
     void filesOfTodayAndLater();
-    void elementsThatAreNoPresets();
+    void whatIsLeftOutIsTold();
+    void bounds();
     void whatIsNoPresetsFile_data();
     void whatIsNoPresetsFile();
     void damageNeverCrashes();
@@ -331,7 +332,7 @@ void WPresetArchiveTest::filesOfTodayAndLater()
     QVERIFY(presets && presets->empty() && !isLater);
 }
 
-void WPresetArchiveTest::elementsThatAreNoPresets()
+void WPresetArchiveTest::whatIsLeftOutIsTold()
 {
     QStringList leftOut;
     const auto presets = readWPresetsFromFile(file("some.pxwpr"), nullptr, {}, &leftOut);
@@ -341,6 +342,57 @@ void WPresetArchiveTest::elementsThatAreNoPresets()
     for (qsizetype i = 0; i < leftOut.size(); ++i)
         QVERIFY(leftOut[i].startsWith(QStringLiteral("number %1 ").arg(QList({1, 2, 4, 5})[i])));
     QVERIFY(readWPresetsFromFile(file("today.pxwpr"), nullptr, {}, &leftOut) && leftOut.isEmpty());
+
+    // Of values what is there but cannot be read.
+    const auto old = readWPresetsFromFile(file("old.pxwpr"), nullptr, {}, &leftOut);
+    QVERIFY(old);
+    QCOMPARE(
+        leftOut.join(u'\n').remove(QStringLiteral(" in its list cannot be read")),
+        QStringLiteral("\"textTokens\" of number 2\n\"fontSize\" of number 2\n\"fillColor\" of number 2\n"
+                       "\"width\" of number 2\n\"shadow\" of number 2\n\"backgroundOpacity\" of number 2\n"
+                       "\"textTokens\" of number 4\n\"shadowAngle\" of number 4"));
+    QCOMPARE(old->at(1)->textTokens(), QStringList(QStringLiteral("x")));
+    QCOMPARE(old->at(1)->opacity(), WholeNumber(40));
+}
+
+void WPresetArchiveTest::bounds()
+{
+    // Presets of two files that share a long text each.
+    WPresetList presets;
+    for (int i = 0; i < 1000; ++i) {
+        WPresetValues values;
+        static const QStringList texts[] = {{QString(1'000'000, u'a')}, {QString(1'000'000, u'b')}};
+        values.textTokens = texts[i % 2];
+        presets.push_back(std::make_shared<WPreset>(values));
+    }
+    const auto shared = archivedWPresets(presets);
+    QVERIFY(shared && shared->size() < 4'000'000);
+    const auto read = wPresetsFromArchive(*shared);
+    QVERIFY(read && read->at(0)->textTokens() == presets[0]->textTokens());
+    QVERIFY(read->at(0)->textTokens().constData() == read->at(2)->textTokens().constData());
+
+    // What could be written, but not be read.
+    for (std::size_t i = 0; i < 11; ++i) {
+        QStringList pieces(100'000, QStringLiteral("x"));
+        pieces[0] = QString::number(i);
+        presets[i]->setTextTokens(pieces);
+    }
+    const auto refused = archivedWPresets(presets);
+    QVERIFY(!refused && refused.error().text.startsWith(QStringLiteral("it could not be read again: ")));
+
+    // As many as can be read can be written.
+    presets.clear();
+    for (int i = 0; i < 10'000; ++i) {
+        WPresetValues values = unusualValues();
+        values.name = QString::number(i);
+        values.textTokens = QStringList{values.name};
+        values.fillColor = QColor::fromRgb(static_cast<QRgb>(i));
+        presets.push_back(std::make_shared<WPreset>(values));
+    }
+    const auto most = archivedWPresets(presets);
+    QVERIFY(most && wPresetsFromArchive(*most)->size() == presets.size());
+    presets.push_back(presets.front());
+    QVERIFY(archivedWPresets(presets).error().text.contains(QStringLiteral("more than 10000")));
 }
 
 void WPresetArchiveTest::whatIsNoPresetsFile_data()

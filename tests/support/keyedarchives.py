@@ -42,6 +42,9 @@ class Archive:
     def data(self, content):
         return self.obj(("NSMutableData", "NSData", "NSObject"), NS__data=content)
 
+    def number(self, **keys):
+        return self.obj(("NSNumber", "NSValue", "NSObject"), **keys)
+
     def color(self, space, **keys):
         return self.obj(("NSColor", "NSObject"), NSColorSpace=space, **keys)
 
@@ -79,6 +82,8 @@ def values(path):
         "plain": shared, "again": shared, "mutable": a.mutable_string("mutable"), "empty": a.add(""),
         "int": a.add(-5), "double": a.add(0.1), "inlineInt": 1 << 40, "inlineReal": 1.5, "inlineBool": True,
         "boolObject": a.add(True), "none": UID(0), "nan": a.add(float("nan")),
+        "intNumber": a.number(NS__intval=12), "realNumber": a.number(NS__dblval=12.5),
+        "boolNumber": a.number(NS__boolval=True), "decimal": a.number(NS__mantissa=b"\5\0"),
         "array": a.array([shared, UID(0), shared]), "mutableArray": a.array([a.add(1)], mutable=True),
         "noIndexes": a.obj(("NSIndexSet", "NSObject"), NSRangeCount=0),
         "oneRange": a.obj(("NSMutableIndexSet", "NSIndexSet", "NSObject"), NSRangeCount=1, NSLocation=3,
@@ -165,7 +170,10 @@ def presets(folder):
     image = [b"nonsense", tiff(2, 2, (255, 0, 0)), tiff(4, 3, (0, 0, 255)), tiff(3, 3, (0, 255, 0))]
     write("old", lambda a: a.array([
         preset(a, WPImage=a.image([a.data(i) for i in image])),
-        preset(a, WPAngle=a.add(90), WPFontSize=a.add("8"), WPName=UID(0), WPWidth=a.add(1 << 40)),
+        preset(a, WPAngle=a.add(90), WPFontSize=a.add("8"), WPName=UID(0), WPWidth=a.add(1 << 40),
+               WPOpacity=a.number(NS__intval=40), WPBackgroundOpacity=a.number(NS__mantissa=b"\5\0"),
+               WPTextTokens=a.array([UID(0), a.add("x"), a.data(b"x")]), WPShadow=a.add("yes"),
+               WPFillColor=a.color(6, NSCatalogName=a.add("Shop"), NSColorName=a.add("Red")), WPStrokeColor=UID(0)),
         preset(a, WPAngle=a.add(-200.0), WPAssignedSavingPreset=58),
         preset(a, WPAngle=UID(4000), WPShadowAngle=a.add(float("nan")), WPTextTokens=a.add("no list")),
     ], mutable=True), "Quorvel Plexa 1")

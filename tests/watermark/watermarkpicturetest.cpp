@@ -23,7 +23,18 @@ QByteArray svgOf(const QByteArray &content, const QByteArray &attributes = R"(vi
 
 const QByteArray kCircle = R"(<circle cx="5" cy="5" r="4" fill="#ff0000"/>)";
 
-/// Of 60 x 30 pixels. Nothing but the picture knows of the archive.
+/// A file as the only representation. Nothing but the picture knows of the archive.
+Result<WatermarkPicture> archivedPicture(const QByteArray &file)
+{
+    KeyedArchiver archiver;
+    const KeyedArchiver::Reference reference = archiver.addImage({QSizeF(1, 1), file, {}});
+    archiver.top().setObject(QLatin1StringView("picture"), reference);
+    return archiver.finish().and_then(&ArchivedValue::readArchive).map([](const ArchivedValue &top) {
+        return WatermarkPicture::fromArchive(top.value(QLatin1StringView("picture")));
+    });
+}
+
+/// Of 60 x 30 pixels.
 Result<WatermarkPicture> archivedPicture(qsizetype bytesLost)
 {
     QImage image(60, 30, QImage::Format_ARGB32);
@@ -32,13 +43,7 @@ Result<WatermarkPicture> archivedPicture(qsizetype bytesLost)
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     image.save(&buffer, "PNG");
-    KeyedArchiver archiver;
-    const KeyedArchiver::Reference reference =
-        archiver.addImage({image.size(), buffer.data().chopped(bytesLost), {}});
-    archiver.top().setObject(QLatin1StringView("picture"), reference);
-    return archiver.finish().and_then(&ArchivedValue::readArchive).map([](const ArchivedValue &top) {
-        return WatermarkPicture::fromArchive(top.value(QLatin1StringView("picture")));
-    });
+    return archivedPicture(buffer.data().chopped(bytesLost));
 }
 
 } // namespace
@@ -293,6 +298,19 @@ void WatermarkPictureTest::cameraTurnsAreFollowed()
 {
     if (test::photosFolder().isEmpty())
         QSKIP("There is no folder of photos.");
+    const auto isTheSameInAnArchive = [](const QString &path, const WatermarkPicture &loaded) {
+        QFile file(path);
+        const bool isOpen = file.open(QIODevice::ReadOnly);
+        const Result<WatermarkPicture> archived = archivedPicture(file.readAll());
+        return isOpen && archived && archived->size() == loaded.size() && archived->image() == loaded.image();
+    };
+    for (const char *turn : {"TopRight", "BottomRight", "LeftTop", "RightTop", "LeftBottom"}) {
+        const QString path = m_folder.path(u"turned.tif"_qs);
+        QProcess::execute(test::magickConvert(), {u"-size"_qs, u"90x600"_qs, u"plasma:red-blue"_qs,
+                                                  u"-orient"_qs, QString::fromLatin1(turn), path});
+        const Result<WatermarkPicture> picture = WatermarkPicture::load(path);
+        QVERIFY2(picture && isTheSameInAnArchive(path, *picture), turn);
+    }
     // Eight files that show the same when upright.
     const QString folder = test::photosFolder() + u"/jpeg/orientation/"_qs;
     const QStringList names = QDir(folder).entryList({u"*.jpg"_qs}, QDir::Files, QDir::Name);
@@ -301,6 +319,7 @@ void WatermarkPictureTest::cameraTurnsAreFollowed()
     for (const QString &name : names) {
         const Result<WatermarkPicture> picture = WatermarkPicture::load(folder + name);
         QVERIFY(picture.has_value());
+        QVERIFY2(isTheSameInAnArchive(folder + name, *picture), qPrintable(name));
         const QImage small = picture->imageOfSize(QSize(24, 24));
         const QString series = name.section(u'_', 0, 0).section(u'-', 0, 0);
         QImage &first = firstOfSeries[series];
