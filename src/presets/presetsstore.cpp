@@ -279,10 +279,10 @@ SavingPresetList PresetsStore::writableSavingPresets()
             news.append(checked.error().text);
         }
     }
-    for (const QString &text : std::as_const(news))
-        qCritical().noquote() << QStringLiteral("ERROR: a preset is not saved: %1").arg(text);
-    if (!news.isEmpty())
+    if (!news.isEmpty()) {
+        qCritical().noquote() << QStringLiteral("ERROR: presets are left out: %1").arg(inShort(news));
         warn(tr("Cannot save all presets"), unkept(news));
+    }
     return list;
 }
 

@@ -139,6 +139,9 @@ void PresetsStoreTest::initTestCase()
     QVERIFY(SavingPreset::writeObjects({std::make_shared<SavingPreset>()},
                                        m_folder.path(QStringLiteral("examples/example_spresets.pxspr")),
                                        kAppID));
+    const QString python =
+        qEnvironmentVariable("PLEXA_SOURCE_DIR") + QStringLiteral("/tests/support/keyedarchives.py");
+    QProcess::execute(QStringLiteral("python3"), {python, m_folder.path()});
 }
 
 void PresetsStoreTest::init()
@@ -261,12 +264,8 @@ void PresetsStoreTest::unreadableLists()
 
 void PresetsStoreTest::laterVersion()
 {
-    const QString python =
-        qEnvironmentVariable("PLEXA_SOURCE_DIR") + QStringLiteral("/tests/support/keyedarchives.py");
-    QProcess::execute(QStringLiteral("python3"), {python, m_folder.path()});
     const QString later = m_folder.path(QStringLiteral("later.pxwpr"));
     QVERIFY(QFile::copy(later, path(QStringLiteral("WPresets.pxwpr"))));
-    QVERIFY(QFile::copy(later, path(QStringLiteral("QuickWPreset.pxwpr"))));
     ScriptedAlerts alerts;
     alerts.expect(kCannotRead);
     PresetsStore store(alerts, m_fonts, places());
@@ -278,7 +277,6 @@ void PresetsStoreTest::laterVersion()
                  "original file backup has been saved in \"%1\".")
                  .arg(path(QStringLiteral("WPresets-replaced.pxwpr"))));
     QCOMPARE(namesOf(store.wPresets()), QStringList({QStringLiteral("Old"), QStringLiteral("Old")}));
-    QCOMPARE(store.quickWPreset()->name(), QStringLiteral("Quick Preset"));
     alerts.expect(kImportFailed);
     QVERIFY(!store.importPresetsFromFile(later, Kind::Watermark));
     QCOMPARE(alerts.shown().last().text,
@@ -289,9 +287,6 @@ void PresetsStoreTest::laterVersion()
 
 void PresetsStoreTest::whatIsNotReadIsKept_data()
 {
-    const QString python =
-        qEnvironmentVariable("PLEXA_SOURCE_DIR") + QStringLiteral("/tests/support/keyedarchives.py");
-    QProcess::execute(QStringLiteral("python3"), {python, m_folder.path()});
     const QByteArray some = contentsOf(m_folder.path(QStringLiteral("some.pxwpr")));
     const QByteArray later = contentsOf(m_folder.path(QStringLiteral("later.pxwpr")));
     QTest::addColumn<QString>("name");
