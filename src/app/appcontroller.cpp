@@ -11,6 +11,20 @@
 namespace plexa
 {
 
+namespace
+{
+
+void tell(Alerts &alerts, Alert::Style style, const QString &title, const QStringList &sentences)
+{
+    Alert alert;
+    alert.style = style;
+    alert.title = title;
+    alert.text = sentences.join(u'\n');
+    alerts.run(alert);
+}
+
+} // namespace
+
 AppController::AppController(const Services &services)
     : m_alerts(services.alerts)
     , m_appliedPresets(services.defaults)
@@ -68,24 +82,37 @@ bool AppController::importPresetsFile(const QString &path)
     if (!m_store)
         return true;
     const Kind kind = suffix == QLatin1String("pxwpr") ? Kind::Watermark : Kind::Saving;
-    const auto count = [&] {
-        return static_cast<int>(kind == Kind::Watermark ? m_store->wPresets().size()
-                                                        : m_store->savingPresets().size());
-    };
-    const int formerCount = count();
-    if (!m_store->importPresetsFromFile(path, kind))
+    const auto imported = m_store->importPresetsFromFile(path, kind);
+    if (!imported)
         return true; // the store has told the user
-    if (kind == Kind::Watermark)
-        m_store->saveWPresets(PresetsStore::Slot::List);
-    else
-        m_store->saveSavingPresets(PresetsStore::Slot::List);
-    Alert alert;
-    alert.style = Alert::Style::Informational;
-    alert.title = tr("Presets imported");
-    alert.text = tr("%n presets of \"%1\" were added to yours.", nullptr, count() - formerCount)
-                     .arg(QFileInfo(path).fileName());
-    m_alerts.run(alert);
+    const Result<void> saved = kind == Kind::Watermark ? m_store->saveWPresets(PresetsStore::Slot::List)
+                                                       : m_store->saveSavingPresets(PresetsStore::Slot::List);
+    if (!saved) {
+        tellUnsaved(saved.error(), imported->notes);
+        return true;
+    }
+    const QString added = imported->count == 1
+                              ? tr("One preset of \"%1\" was added to yours.")
+                              : tr("%n presets of \"%1\" were added to yours.", nullptr, imported->count);
+    tell(m_alerts, imported->notes.isEmpty() ? Alert::Style::Informational : Alert::Style::Warning,
+         tr("Presets imported"), QStringList(added.arg(QFileInfo(path).fileName())) + imported->notes);
     return true;
+}
+
+void AppController::saveQuickAsWPreset()
+{
+    if (!m_store)
+        return;
+    m_store->saveQuickAsWPreset();
+    if (const Result<void> saved = m_store->saveWPresets(PresetsStore::Slot::List); !saved)
+        tellUnsaved(saved.error());
+}
+
+void AppController::tellUnsaved(const Error &error, const QStringList &more)
+{
+    tell(m_alerts, Alert::Style::Warning, tr("Cannot save the presets"),
+         QStringList(tr("What is new among your presets will be gone when you quit: %1.").arg(error.text)) +
+             more);
 }
 
 void AppController::rememberPresets()

@@ -8,6 +8,7 @@
 #include "app/imageset.h"
 #include "app/manualpositions.h"
 #include "app/statusmanager.h"
+#include "platform/result.h"
 
 #include <functional>
 
@@ -57,6 +58,10 @@ public:
     /// @return whether the file is one of presets, going by its name
     bool importPresetsFile(const QString &path);
 
+    /// Adds a copy of the quick preset to the user's and keeps it; tells the user where it cannot be kept.
+    /// Nothing before readPresets().
+    void saveQuickAsWPreset();
+
     /// What closing the window keeps: the quick presets, and the names of those that are applied.
     void rememberPresets();
 
@@ -89,6 +94,7 @@ Q_SIGNALS:
 
 private:
     void connectAll();
+    void tellUnsaved(const Error &error, const QStringList &more = {});
 
     SavingControl m_saving;
     Alerts &m_alerts;

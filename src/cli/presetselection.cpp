@@ -54,10 +54,11 @@ bool isSavingPresetChosen(const SaveOptions &options)
     return !options.savingPresetsFile.empty() || !options.savingPreset.empty();
 }
 
-/// The saving presets that watermark presets may refer to.
+/// The saving presets that watermark presets may refer to; none where the run passes over assigned ones.
 Result<SavingPresetList> assignableSavingPresets(const SaveOptions &options)
 {
-    if (options.savingPresetsFile.empty() && !options.wPresetsFile.empty())
+    const bool belongsToOthers = options.savingPresetsFile.empty() && !options.wPresetsFile.empty();
+    if (belongsToOthers || options.ignoreAssigned || options.combine)
         return SavingPresetList();
     const QString path = fileOrStored(options.savingPresetsFile, PresetsStore::Kind::Saving);
     // What chosenSavingPreset() reads as well is told there.
@@ -82,10 +83,12 @@ bool isPresetsMode(const SaveOptions &options)
 Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
 {
     const Result<SavingPresetList> assignable = assignableSavingPresets(options);
-    if (!assignable)
-        return tl::unexpected(assignable.error());
     const QString path = fileOrStored(options.wPresetsFile, PresetsStore::Kind::Watermark);
-    const auto savingPreset = [&](qint64 presetID) { return withID(*assignable, presetID); };
+    // Where the saving presets cannot be read, one stands for all: is any of them needed?
+    const auto unknown = std::make_shared<SavingPreset>();
+    const auto savingPreset = [&](qint64 presetID) -> SavingPresetPtr {
+        return assignable ? withID(*assignable, presetID) : unknown;
+    };
     const Result<WPresetList> presets = withNotice(path, wPresetsIn(path, savingPreset), options.quiet);
     if (!presets)
         return tl::unexpected(presets.error());
@@ -111,6 +114,16 @@ Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
         if (!isFound)
             return fail(QStringLiteral("there is no watermark preset \"%1\" among %2 of %3")
                             .arg(wanted, namesOf(*presets), described(path)));
+    }
+    if (!assignable) {
+        const bool isNeeded = isSavingPresetChosen(options) ||
+                              std::any_of(applied.begin(), applied.end(), [&](const AppliedPreset &mark) {
+                                  return mark.values.assignedSavingPreset == unknown;
+                              });
+        if (isNeeded)
+            return tl::unexpected(assignable.error());
+        if (!options.quiet)
+            printLine(stderr, onOneLine(QStringLiteral("plexa-cli: ") + assignable.error().text));
     }
     for (const AppliedPreset &mark : applied) {
         if (!mark.values.validPreset())

@@ -211,7 +211,7 @@ int saveAll(SavingRun &run, const std::vector<PhotoPath> &photos, const SaveOpti
             return {photo.path, nullptr, photo.failure};
         return {photo.path, std::make_shared<ImageObject>(photo.path, services), {}};
     };
-    SaveReport report({options.json, options.quiet});
+    SaveReport report({options.json, options.quiet, run.effectivePresets.size() > 1});
     NoQuestions alerts;
     Saving saving(alerts);
     saving.saveImages(run, report);

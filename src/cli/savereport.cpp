@@ -108,6 +108,15 @@ bool isWithoutWatermark(const SavingOutput &output)
     return output.status == Status::Written && !output.report.isMarked;
 }
 
+/// @param isOneOfSeveral  is the copy's watermark one of those of the run, which has to be told apart?
+QString withoutWatermark(const SavingOutput &output, bool isOneOfSeveral)
+{
+    QString what = QStringLiteral("it");
+    if (isOneOfSeveral)
+        what = output.isCombined ? QStringLiteral("them") : QStringLiteral("\"%1\"").arg(output.wPresetName);
+    return QStringLiteral("saved without a watermark: nothing of %1 is visible on this photo").arg(what);
+}
+
 } // namespace
 
 SaveReport::SaveReport(Form form)
@@ -129,8 +138,7 @@ void SaveReport::copyFinished(const SavingOutput &output)
     if (isFailure)
         printAbout(output.sourcePath, output.error);
     else if (!m_form.quiet && isWithoutWatermark(output))
-        printAbout(output.sourcePath,
-                   QStringLiteral("saved without a watermark: nothing of it is visible on this photo"));
+        printAbout(output.sourcePath, withoutWatermark(output, m_form.hasSeveralWatermarks));
 
     // The line for programs says it itself.
     if (!m_form.quiet && !m_form.json && !output.report.dropped.isEmpty())

@@ -16,7 +16,8 @@ class SaveReport final : public SavingObserver
 public:
     struct Form {
         bool json = false;
-        bool quiet = false; ///< failures only
+        bool quiet = false;                ///< failures only
+        bool hasSeveralWatermarks = false; ///< messages on one say which
     };
 
     explicit SaveReport(Form form);

@@ -22,6 +22,8 @@ namespace
 
 const QString kQuickName = QStringLiteral("Quick Preset");
 constexpr int kMaxBackups = 1000;
+constexpr qsizetype kMostReasons = 3; // in one message
+constexpr qsizetype kLongestReason = 300;
 
 QString appID()
 {
@@ -57,13 +59,33 @@ QString backupPath(const QString &path, int number = 1)
         .arg(info.path(), info.completeBaseName(), suffix, info.suffix());
 }
 
-/// @return was it written?
-bool isWritten(const Result<void> &written)
+Result<void> logged(Result<void> &&written)
 {
     if (!written)
         qCritical().noquote()
             << QStringLiteral("ERROR: the presets are not saved: %1").arg(written.error().text);
-    return written.has_value();
+    return std::move(written);
+}
+
+/// As many of the reasons as a message has room for.
+QString inShort(QStringList reasons)
+{
+    const qsizetype more = reasons.size() - kMostReasons;
+    if (more > 0)
+        reasons.resize(kMostReasons);
+    for (QString &reason : reasons) {
+        if (reason.size() > kLongestReason)
+            reason = reason.left(kLongestReason) + u'\u2026';
+    }
+    if (more > 0)
+        reasons.append(PresetsStore::tr("and %n more", nullptr, static_cast<int>(more)));
+    return reasons.join(QStringLiteral("; "));
+}
+
+QString unkept(const QStringList &reasons)
+{
+    return PresetsStore::tr("Not all of your saving presets can be kept after you quit: %1.")
+        .arg(inShort(reasons));
 }
 
 template<class List>
@@ -77,7 +99,8 @@ void append(List &list, const List &more)
 struct PresetsStore::Reading {
     ReadCode code = ReadCode::Failed;
     bool hasList = false;
-    bool isPartial = false; ///< saved again, the list would be without what could not be read
+    bool isLater = false; ///< a later version of the program wrote the file, whatever the code says
+    QStringList faults;   ///< what of the file could not be read
     WPresetList wPresets;
     SavingPresetList savingPresets;
 };
@@ -126,22 +149,28 @@ PresetsStore::Reading PresetsStore::readFile(const QString &path, Kind kind) con
 {
     Reading reading;
     if (kind == Kind::Saving) {
-        auto list = SavingPreset::readObjectsFromFile(path, appID(), reading.code);
+        const auto note = [&reading](const QByteArray &line) {
+            XMLParser::writeErrorLine(line);
+            QByteArrayView fault = line;
+            constexpr QByteArrayView start = "ERROR:";
+            if (fault.startsWith(start))
+                fault = fault.sliced(start.size());
+            reading.faults.append(QString::fromUtf8(fault).simplified());
+        };
+        auto list = SavingPreset::readObjectsFromFile(path, appID(), reading.code, note, &reading.isLater);
         reading.hasList = list.has_value();
         reading.savingPresets = std::move(list).value_or(SavingPresetList());
         return reading;
     }
-    bool isLater = false;
-    QStringList faults;
     auto list = readWPresetsFromFile(
-        path, &isLater, [this](qint64 presetID) { return savingPresetWithID(presetID); }, &faults);
-    reading.isPartial = list && !faults.isEmpty();
+        path, &reading.isLater, [this](qint64 presetID) { return savingPresetWithID(presetID); },
+        &reading.faults);
     if (!list)
-        faults = {list.error().text};
-    for (const QString &fault : std::as_const(faults))
+        reading.faults = {list.error().text};
+    for (const QString &fault : std::as_const(reading.faults))
         qCritical().noquote() << QStringLiteral("ERROR: \"%1\": %2").arg(path, fault);
     reading.hasList = list.has_value();
-    if (isLater)
+    if (reading.isLater)
         reading.code = ReadCode::LaterVersion;
     else if (list)
         reading.code = ReadCode::Success;
@@ -173,16 +202,17 @@ bool PresetsStore::readPresets(Kind kind, Slot slot)
         if (!QFileInfo::exists(path) && (slot == Slot::Quick || !makeListFromExamples(kind)))
             return false;
         reading = readFile(path, kind);
-        if (slot == Slot::List && reading.code != ReadCode::Success) {
+        const bool isUnreadable = reading.code != ReadCode::Success;
+        if (slot == Slot::List && isUnreadable)
             warning = backupWrongPresetsFile(path, reading.code);
-            m_isUnreadableInPlace[static_cast<std::size_t>(kind)] = QFileInfo::exists(path);
-        } else if (slot == Slot::List && kind == Kind::Watermark) {
-            m_isPartlyRead = reading.isPartial;
-        }
+        found(kind, slot) = {isUnreadable && QFileInfo::exists(path),
+                             !isUnreadable && (reading.isLater || !reading.faults.isEmpty())};
     }
     if (!warning.isEmpty())
         warn(tr("Cannot read the presets file"), warning);
     const bool isGood = reading.hasList && reading.code == ReadCode::Success;
+    if (kind == Kind::Saving && slot == Slot::List)
+        setSavingPresetsInFile(reading.savingPresets);
     if (isGood || (reading.hasList && slot == Slot::List))
         take(reading, kind, slot);
     return isGood;
@@ -201,28 +231,66 @@ QString PresetsStore::backupWrongPresetsFile(const QString &path, ReadCode readi
     return text;
 }
 
-/// The list that a read left in place, because an earlier one has its place aside, is kept under another
-/// name.
-void PresetsStore::makeRoomForFile(const QString &path, Kind kind)
+PresetsStore::Found &PresetsStore::found(Kind kind, Slot slot)
 {
-    bool &isUnreadable = m_isUnreadableInPlace[static_cast<std::size_t>(kind)];
-    for (int number = 2; isUnreadable && number < kMaxBackups; ++number)
-        isUnreadable = !QFile::rename(path, backupPath(path, number)) && QFileInfo::exists(path);
+    return m_found[static_cast<std::size_t>(kind)][static_cast<std::size_t>(slot)];
 }
 
-/// @return whether nothing is lost when the list is written now
-bool PresetsStore::keepCopyOfFile(const QString &path)
+/// Keeps what would get lost when the file is written now. One that a read left in place, as quick presets
+/// are, or because an earlier one has its place aside, gets another name.
+Result<void> PresetsStore::makeRoomForFile(Kind kind, Slot slot)
 {
-    for (int number = 1; m_isPartlyRead && number < kMaxBackups; ++number) {
+    const QString path = presetsFileNameForWatermark(kind, slot);
+    Found &file = found(kind, slot);
+    for (int number = 1; file.isUnreadable && number < kMaxBackups; ++number)
+        file.isUnreadable = !QFile::rename(path, backupPath(path, number)) && QFileInfo::exists(path);
+    for (int number = 1; file.isPartlyRead && number < kMaxBackups; ++number) {
         const QString backup = backupPath(path, number);
-        if (QFile::copy(path, backup) || !QFileInfo::exists(path))
-            m_isPartlyRead = false;
-        else if (!QFileInfo::exists(backup))
+        if (QFile::copy(path, backup)) {
+            file.isPartlyRead = false;
+            qWarning().noquote()
+                << QStringLiteral("\"%1\" is kept as \"%2\": it holds more than is saved").arg(path, backup);
+        } else if (!QFileInfo::exists(path)) {
+            file.isPartlyRead = false;
+        } else if (!QFileInfo::exists(backup)) {
             break; // no room, or no right to write: the next name would do no better
+        }
     }
-    if (m_isPartlyRead)
-        qCritical().noquote() << QStringLiteral("ERROR: \"%1\" cannot be copied aside").arg(path);
-    return !m_isPartlyRead;
+    if (file.isPartlyRead)
+        return fail(tr("\"%1\" cannot be copied aside").arg(path));
+    return {};
+}
+
+/// The list without what no file can hold, which is said once.
+SavingPresetList PresetsStore::writableSavingPresets()
+{
+    SavingPresetList list;
+    QStringList news;
+    for (const auto &preset : m_savingPresets) {
+        const Result<void> checked = preset->checkWritable();
+        if (checked) {
+            list.push_back(preset);
+            continue;
+        }
+        if (m_savingPresetsInFile.contains(preset->presetID()))
+            found(Kind::Saving, Slot::List).isPartlyRead = true;
+        if (!m_toldUnwritable.contains(checked.error().text)) {
+            m_toldUnwritable.insert(checked.error().text);
+            news.append(checked.error().text);
+        }
+    }
+    if (!news.isEmpty()) {
+        qCritical().noquote() << QStringLiteral("ERROR: presets are left out: %1").arg(inShort(news));
+        warn(tr("Cannot save all presets"), unkept(news));
+    }
+    return list;
+}
+
+void PresetsStore::setSavingPresetsInFile(const SavingPresetList &presets)
+{
+    m_savingPresetsInFile.clear();
+    for (const auto &preset : presets)
+        m_savingPresetsInFile.insert(preset->presetID());
 }
 
 void PresetsStore::take(const Reading &reading, Kind kind, Slot slot)
@@ -245,29 +313,35 @@ void PresetsStore::take(const Reading &reading, Kind kind, Slot slot)
     }
 }
 
-bool PresetsStore::saveWPresets(Slot slot)
+Result<void> PresetsStore::saveWPresets(Slot slot)
 {
     const QString path = presetsFileNameForWatermark(Kind::Watermark, slot);
     const FolderLock lock(m_places.supportFolder);
-    if (slot == Slot::List)
-        makeRoomForFile(path, Kind::Watermark);
-    if (slot == Slot::List && !keepCopyOfFile(path))
-        return false;
-    return isWritten(writeWPresets(slot == Slot::Quick ? WPresetList{m_quickWPreset} : m_wPresets, path));
+    return logged(makeRoomForFile(Kind::Watermark, slot).and_then([&] {
+        return writeWPresets(slot == Slot::Quick ? WPresetList{m_quickWPreset} : m_wPresets, path);
+    }));
 }
 
-bool PresetsStore::saveSavingPresets(Slot slot)
+Result<void> PresetsStore::saveSavingPresets(Slot slot)
 {
     const QString path = presetsFileNameForWatermark(Kind::Saving, slot);
-    const FolderLock lock(m_places.supportFolder);
-    if (slot == Slot::List)
-        makeRoomForFile(path, Kind::Saving);
+    // Before the folder is locked, and before a file is moved for one that is not written.
     const SavingPresetList list =
-        slot == Slot::Quick ? SavingPresetList{m_quickSavingPreset} : m_savingPresets;
-    return isWritten(SavingPreset::writeObjects(list, path, appID()));
+        slot == Slot::Quick ? SavingPresetList{m_quickSavingPreset} : writableSavingPresets();
+    if (slot == Slot::Quick) {
+        if (Result<void> checked = m_quickSavingPreset->checkWritable(); !checked)
+            return logged(std::move(checked));
+    }
+    const FolderLock lock(m_places.supportFolder);
+    Result<void> saved = makeRoomForFile(Kind::Saving, slot).and_then([&] {
+        return SavingPreset::writeObjects(list, path, appID());
+    });
+    if (saved && slot == Slot::List)
+        setSavingPresetsInFile(list);
+    return logged(std::move(saved));
 }
 
-bool PresetsStore::importPresetsFromFile(const QString &path, Kind kind)
+std::optional<PresetsStore::Imported> PresetsStore::importPresetsFromFile(const QString &path, Kind kind)
 {
     const qint64 lastUsedPresetID = SavingPreset::lastUsedPresetID();
     const Reading reading = readFile(path, kind);
@@ -278,19 +352,33 @@ bool PresetsStore::importPresetsFromFile(const QString &path, Kind kind)
              reading.code == ReadCode::LaterVersion
                  ? tr("The presets file was generated by a later application version.")
                  : tr("The presets file has a wrong format."));
-        return false;
+        return std::nullopt;
     }
-    for (const auto &preset : reading.savingPresets)
+    QStringList unwritable;
+    for (const auto &preset : reading.savingPresets) {
         preset->selfAssignNewID();
+        if (const Result<void> checked = preset->checkWritable(); !checked) {
+            unwritable.append(checked.error().text);
+            m_toldUnwritable.insert(checked.error().text);
+        }
+    }
     for (const auto &preset : reading.wPresets)
         preset->setAssignedSavingPreset({});
     take(reading, kind, Slot::List);
-    return true;
+    Imported imported{static_cast<int>(reading.wPresets.size() + reading.savingPresets.size()), {}};
+    if (reading.isLater)
+        imported.notes.append(tr("A later application version has written the file; what that version added "
+                                 "to it is not read."));
+    if (!reading.faults.isEmpty())
+        imported.notes.append(tr("Not all of the file could be read: %1.").arg(inShort(reading.faults)));
+    if (!unwritable.isEmpty())
+        imported.notes.append(unkept(unwritable));
+    return imported;
 }
 
 bool PresetsStore::importExamplePresets(Kind kind)
 {
-    return importPresetsFromFile(exampleFile(kind, m_places), kind);
+    return importPresetsFromFile(exampleFile(kind, m_places), kind).has_value();
 }
 
 void PresetsStore::saveQuickAsWPreset()

@@ -2,12 +2,15 @@
 
 #pragma once
 
+#include "platform/result.h"
 #include "presets/savingpreset.h"
 #include "watermark/wpreset.h"
 
 #include <QObject>
+#include <QSet>
 
 #include <array>
+#include <optional>
 
 namespace plexa
 {
@@ -18,10 +21,10 @@ class FontCatalog;
 using SavingPresetList = std::vector<std::shared_ptr<SavingPreset>>;
 
 /// The user's presets and their files: a list and a quick preset of each kind, four files in the support
-/// folder. A file is written whole or not at all, and a list that cannot be read is never lost: it is moved
-/// aside, and the user is told once. One that can be read but for some of its elements is copied aside before
-/// it is saved without them. Other processes may use the same files at the same time; who saves last
-/// wins. Main thread.
+/// folder. A file is written whole or not at all, and what cannot be read is never lost: a list is moved
+/// aside, and the user is told once. A file of which parts cannot be read, or cannot be written again, is
+/// copied aside before it is saved without them. Other processes may use the same files at the same time; who
+/// saves last wins. Main thread.
 class PresetsStore final : public QObject
 {
     Q_OBJECT
@@ -59,14 +62,21 @@ public:
     bool readPresets(Kind kind, Slot slot);
 
     /// Write a file. A file that could not be read, or not wholly, gets out of the way first, where it has
-    /// not.
-    /// @return whether it was written; a failure leaves what was there
-    bool saveWPresets(Slot slot);
-    bool saveSavingPresets(Slot slot);
+    /// not. A saving preset that no file can hold stays out of the list's, which the user is told once.
+    /// @return a failure, which is logged, leaves what was there
+    Result<void> saveWPresets(Slot slot);
+    Result<void> saveSavingPresets(Slot slot);
+
+    /// What an import came to.
+    struct Imported {
+        int count = 0;     ///< of presets that were added
+        QStringList notes; ///< sentences on what of the file is not among them, and what will not be saved
+    };
 
     /// Adds the presets of a file to the list, saving presets with new IDs, watermark presets without
     /// assigned ones. A file that cannot be used is reported and changes nothing.
-    bool importPresetsFromFile(const QString &path, Kind kind);
+    /// @return none for such a file
+    std::optional<Imported> importPresetsFromFile(const QString &path, Kind kind);
     bool importExamplePresets(Kind kind);
 
     /// Adds a copy of the quick watermark preset to the list, as "Saved Quick Preset".
@@ -96,11 +106,19 @@ Q_SIGNALS:
 private:
     struct Reading;
 
+    /// What is known of a file on the disk, which saving replaces.
+    struct Found {
+        bool isUnreadable = false; ///< and it is where it was
+        bool isPartlyRead = false; ///< there is more in it than this object has
+    };
+
     Reading readFile(const QString &path, Kind kind) const;
     bool makeListFromExamples(Kind kind) const;
     QString backupWrongPresetsFile(const QString &path, ReadCode readingReturnCode);
-    void makeRoomForFile(const QString &path, Kind kind);
-    bool keepCopyOfFile(const QString &path);
+    Found &found(Kind kind, Slot slot);
+    Result<void> makeRoomForFile(Kind kind, Slot slot);
+    SavingPresetList writableSavingPresets();
+    void setSavingPresetsInFile(const SavingPresetList &presets);
     void take(const Reading &reading, Kind kind, Slot slot);
     void warn(const QString &title, const QString &text);
 
@@ -111,10 +129,9 @@ private:
     SavingPresetList m_savingPresets;
     std::shared_ptr<WPreset> m_quickWPreset;
     std::shared_ptr<SavingPreset> m_quickSavingPreset;
-    /// By kind: the unreadable list is still where it was.
-    std::array<bool, 2> m_isUnreadableInPlace{};
-    /// Parts of the list of watermark presets, as it is on the disk, could not be read.
-    bool m_isPartlyRead = false;
+    std::array<std::array<Found, 2>, 2> m_found; ///< by kind and slot
+    QSet<qint64> m_savingPresetsInFile;          ///< the IDs in the list on the disk, as far as is known
+    QSet<QString> m_toldUnwritable;              ///< what was said of presets that no file can hold
 };
 
 } // namespace plexa

@@ -174,28 +174,38 @@ bool isReadAgain(const QString &token)
            parser.root()->text() == XMLFile::withoutLoneSurrogates(token).toUtf8();
 }
 
+/// As much of a text as a message has room for, on one line.
+QString excerpt(const QString &text)
+{
+    constexpr qsizetype kLongest = 60;
+    QString start = text.left(kLongest);
+    start.replace(u'\n', u' ');
+    return text.size() > kLongest ? start + u'\u2026' : start;
+}
+
+Result<void> checkReadAgain(const XMLParser::Element *element, const SavingPreset &preset)
+{
+    const auto again = element ? SavingPreset::initWithXMLData(*element, kSupportedVersion) : nullptr;
+    if (!again || again->presetID() != preset.presetID() || again->values() != readAgain(preset.values()))
+        return fail(Texts::tr("the saving preset \"%1\" would not be read again as it is")
+                        .arg(excerpt(preset.name())));
+    return {};
+}
+
 /// Reads what is about to be written.
 Result<void> checkXML(const QByteArray &xml, const std::vector<std::shared_ptr<SavingPreset>> &presets)
 {
     for (const auto &preset : presets) {
-        const QStringList tokens = preset->filenameTokens();
-        const auto unreadable = std::find_if(tokens.begin(), tokens.end(),
-                                             [](const QString &token) { return !isReadAgain(token); });
-        if (unreadable != tokens.end())
-            return fail(Texts::tr("the saving preset \"%1\" names files with \"%2\", which a file of saving "
-                                  "presets cannot hold: \"<\" and \"&\" cannot be part of it")
-                            .arg(preset->name(), *unreadable));
+        if (Result<void> checked = preset->checkWritable(); !checked)
+            return checked;
     }
     XMLParser parser([](const QByteArray &) {});
     if (!parser.parse(xml) || parser.root()->subelementCount() != std::ssize(presets))
         return fail(Texts::tr("the presets are more than can be read again"));
     for (std::size_t i = 0; i < presets.size(); ++i) {
-        const XMLParser::Element &element = *parser.root()->subelement(static_cast<qsizetype>(i));
-        const auto again = SavingPreset::initWithXMLData(element, kSupportedVersion);
-        if (!again || again->presetID() != presets[i]->presetID() ||
-            again->values() != readAgain(presets[i]->values()))
-            return fail(Texts::tr("the saving preset \"%1\" would not be read again as it is")
-                            .arg(presets[i]->name()));
+        const XMLParser::Element *element = parser.root()->subelement(static_cast<qsizetype>(i));
+        if (Result<void> checked = checkReadAgain(element, *presets[i]); !checked)
+            return checked;
     }
     return {};
 }
@@ -283,6 +293,21 @@ void SavingPreset::appendObjectToXML(QString &xml) const
                     writable(imageFormat(), initial.imageFormat),
                     writable(alternativeImageFormat(), initial.alternativeImageFormat),
                     QString::number(jpegQuality()), QString::number(tiffCompressionLZW() ? 1 : 0));
+}
+
+Result<void> SavingPreset::checkWritable() const
+{
+    for (const QString &token : filenameTokens()) {
+        if (!isReadAgain(token))
+            return fail(Texts::tr("the saving preset \"%1\" names files with \"%2\", which a file of saving "
+                                  "presets cannot hold: \"<\" and \"&\" cannot be part of it")
+                            .arg(excerpt(name()), excerpt(token)));
+    }
+    QString xml = QStringLiteral("<?xml version=\"1.0\"?>");
+    appendObjectToXML(xml);
+    XMLParser parser([](const QByteArray &) {});
+    parser.parse(xml.toUtf8());
+    return checkReadAgain(parser.root(), *this);
 }
 
 std::shared_ptr<SavingPreset> SavingPreset::initWithXMLData(const XMLParser::Element &element,

@@ -104,6 +104,10 @@ public:
     /// or "<" in it makes an element that cannot be read, or says something else.
     void appendObjectToXML(QString &xml) const override;
 
+    /// Can a file hold it, so that it is read again as it is? A failure names the preset and what of it
+    /// cannot be held, without a full stop.
+    [[nodiscard]] Result<void> checkWritable() const;
+
     /// The preset that a `preset` element of a file of that version stands for; null, with an error line
     /// where the element itself does not show why, when anything that it must have is missing or makes no
     /// sense.

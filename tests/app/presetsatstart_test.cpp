@@ -4,10 +4,13 @@
 #include "app/workingset.h"
 #include "presets/presetsstore.h"
 
+#include <QProcess>
 #include <QSignalSpy>
 
 using namespace plexa;
 using namespace plexa::test;
+
+using Kind = PresetsStore::Kind;
 
 class PresetsAtStartTest : public QObject
 {
@@ -16,6 +19,7 @@ class PresetsAtStartTest : public QObject
 private Q_SLOTS:
     void fromStartToStart();
     void filesFromTheDesktop();
+    void filesWithLosses();
 };
 
 void PresetsAtStartTest::fromStartToStart()
@@ -72,6 +76,58 @@ void PresetsAtStartTest::filesFromTheDesktop()
     again.readAll();
     QCOMPARE(again.wPresets().size(), 2 * watermarks);
     QVERIFY(again.savingPresets().size() > savings);
+    QCOMPARE(work.alerts.complaints(), QStringList());
+}
+
+/// What is said of an import is what came of it.
+void PresetsAtStartTest::filesWithLosses()
+{
+    WorkingSet work;
+    PresetsStore store(work.alerts, work.fonts);
+    AppController app({work.photos, work.defaults, work.alerts, 2});
+    app.readPresets(store);
+    const QString python =
+        qEnvironmentVariable("PLEXA_SOURCE_DIR") + QStringLiteral("/tests/support/keyedarchives.py");
+    QProcess::execute(QStringLiteral("python3"), {python, work.folder.path()});
+    QFile examples(QStringLiteral(":/plexa/presets/example_spresets.pxspr"));
+    QVERIFY(examples.open(QIODevice::ReadOnly));
+    const QByteArray good = examples.readAll();
+    const auto told = [&](const QString &title, const char *name, const QByteArray &contents = {}) {
+        const QString path = work.folder.path(QString::fromLatin1(name));
+        QFile file(path);
+        if (!contents.isEmpty() && file.open(QIODevice::WriteOnly))
+            file.write(contents);
+        file.close();
+        work.alerts.expect(title);
+        app.importPresetsFile(path);
+        return work.alerts.shown().last().text;
+    };
+    const QString imported = QStringLiteral("Presets imported");
+    const QString some = told(imported, "some.pxwpr");
+    QVERIFY2(some.contains(u"some.pxwpr") && some.contains(u"number 4 "), qPrintable(some));
+    QVERIFY(told(imported, "later.pxspr", QByteArray(good).replace("\"1.4\"", "\"1.5\""))
+                .contains(u"later application version"));
+    const QByteArray token = "<token>filename</token>";
+    QVERIFY(told(imported, "entity.pxspr", QByteArray(good).replace(token, "<token>&copy;</token>"))
+                .contains(u"unknown entity reference: \"&copy;\""));
+    const std::size_t before = store.savingPresets().size();
+    const QString raw = told(imported, "raw.pxspr", QByteArray(good).replace(token, "<token>&amp;</token>"));
+    QVERIFY2(raw.contains(u"6 presets") && raw.contains(u"and 2 more"), qPrintable(raw));
+    QCOMPARE(store.savingPresets().size(), before + 6);
+    PresetsStore again(work.alerts, work.fonts);
+    again.readAll();
+    QCOMPARE(again.savingPresets().size(), before + 1);
+
+    // No success is told where nothing can be written.
+    for (const Kind kind : {Kind::Saving, Kind::Watermark}) {
+        const QString list = store.presetsFileNameForWatermark(kind, PresetsStore::Slot::List);
+        QVERIFY(QFile::remove(list) && QDir().mkpath(list + QStringLiteral("/in the way")));
+    }
+    const QString cannotSave = QStringLiteral("Cannot save the presets");
+    QVERIFY(told(cannotSave, "good.pxspr", good).contains(u"SPresets.pxspr"));
+    told(cannotSave, "some.pxwpr");
+    work.alerts.expect(cannotSave);
+    app.saveQuickAsWPreset();
     QCOMPARE(work.alerts.complaints(), QStringList());
 }
 

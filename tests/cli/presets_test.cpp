@@ -300,8 +300,8 @@ void PresetsCommandTest::wrongUsage()
 void PresetsCommandTest::theUsersOwnPresets()
 {
     const auto save = [&](const char *name) {
-        return run({QStringLiteral("save"), QStringLiteral("--apply"), QString::fromUtf8(name),
-                    QStringLiteral("--output"), path("out"), path("in/b.jpg")});
+        return run(list("save|--apply") + list(name) +
+                   QStringList{QStringLiteral("--output"), path("out"), path("in/b.jpg")});
     };
     // Before there are any: the examples. They are not written.
     QCOMPARE(save("Logo with shadow").status, 0);
@@ -312,31 +312,45 @@ void PresetsCommandTest::theUsersOwnPresets()
     QCOMPARE(save("Logo with shadow").status, 2);
     QCOMPARE(save("With PNG").status, 0);
     QCOMPARE(entries(path("out")), list("b-Logo with shadow.jpg|b-assigned.png"));
+    // Saving presets that cannot be read matter to who takes one of them.
+    write(QStringLiteral("XDG_DATA_HOME/Quorvel/Plexa/SPresets.pxspr"), "bad");
+    QCOMPARE(save("With PNG").status, 2);
+    QCOMPARE(save("Plain|--saving-preset|As PNG").status, 2);
+    const Outcome warned = save("Plain");
+    QVERIFY2(warned.status == 0 && warned.err.contains("SPresets.pxspr\": it is no file"),
+             warned.err.constData());
+    const Outcome ignored = save("With PNG|--ignore-assigned");
+    QVERIFY2(ignored.status == 0 && !ignored.err.contains("SPresets"), ignored.err.constData());
+    QCOMPARE(entries(path("out")), list("b-Logo with shadow.jpg|b-Plain.jpg|b-With PNG.jpg|b-assigned.png"));
 }
 
 void PresetsCommandTest::unmarkedCopies_data()
 {
     QTest::addColumn<QStringList>("options");
-    QTest::addColumn<bool>("isMarked");
+    QTest::addColumn<QByteArray>("unseen"); // as the message calls it; none: something is seen
     const QString lines = QStringLiteral("textTokens=[\"city\",\"\\n\",\"state\"]");
-    QTest::newRow("no date") << list("--apply|Film date") << false;
-    QTest::newRow("no position") << list("--apply|GPS position") << true;
-    QTest::newRow("two empty lines") << QStringList{QStringLiteral("--set"), lines} << false;
+    QTest::newRow("no date") << list("--apply|Film date") << QByteArray("it");
+    QTest::newRow("no date, of two") << list("--apply|Film date|--apply|GPS position")
+                                     << QByteArray("\"Film date\"");
+    QTest::newRow("no position") << list("--apply|GPS position") << QByteArray();
+    QTest::newRow("two empty lines") << QStringList{QStringLiteral("--set"), lines} << QByteArray("it");
     QTest::newRow("two empty lines on a bar")
-        << QStringList{QStringLiteral("--set"), lines} + list("--set|background=true") << true;
-    QTest::newRow("outside of the photo") << list("--text|x|--set|offsetHorizontal=9000") << false;
-    QTest::newRow("see-through") << list("--text|x|--set|opacity=0") << false;
+        << QStringList{QStringLiteral("--set"), lines} + list("--set|background=true") << QByteArray();
+    QTest::newRow("outside of the photo") << list("--text|x|--set|offsetHorizontal=9000") << QByteArray("it");
+    QTest::newRow("see-through") << list("--text|x|--set|opacity=0") << QByteArray("it");
 }
 
 /// A copy on which nothing is to be seen is told of.
 void PresetsCommandTest::unmarkedCopies()
 {
     QFETCH(QStringList, options);
-    QFETCH(bool, isMarked);
+    QFETCH(QByteArray, unseen);
     const Outcome outcome = run(list("save|--save-set|filenameTokens=filename") + options +
                                 QStringList{QStringLiteral("--output"), path("out"), path("in/a.png")});
     QCOMPARE(outcome.status, 0);
-    QCOMPARE(outcome.err.contains("saved without a watermark"), !isMarked);
+    const bool isMarked = unseen.isEmpty();
+    QCOMPARE(outcome.err.count("saved without a watermark"), isMarked ? 0 : 1);
+    QVERIFY2(isMarked || outcome.err.contains("nothing of " + unseen + " is"), outcome.err.constData());
     QImage copy(path("out/a.png"));
     copy.setColorSpace({});
     QCOMPARE(copy.convertToFormat(QImage::Format_RGB32) != gradient({120, 200}), isMarked);

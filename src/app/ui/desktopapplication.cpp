@@ -79,10 +79,7 @@ void DesktopApplication::connectPresets()
     connect(&m_store, &PresetsStore::wPresetsChanged, this,
             [this] { m_window.setWPresets(m_store.wPresets()); });
     CommandActions &actions = m_window.actions();
-    actions.setHandler(ActionId::SaveQuickPreset, [this] {
-        m_store.saveQuickAsWPreset();
-        m_store.saveWPresets(PresetsStore::Slot::List);
-    });
+    actions.setHandler(ActionId::SaveQuickPreset, [this] { m_controller.saveQuickAsWPreset(); });
     actions.setHandler(ActionId::LoadPreset, [this] {
         if (const auto preset = m_window.selectedWPreset())
             m_store.loadWPreset(*preset);
