@@ -73,9 +73,11 @@ QByteArrayView textOf(plist_t node)
     return text ? QByteArrayView(text, static_cast<qsizetype>(length)) : QByteArrayView("");
 }
 
+/// Without measuring the text, which may be long.
+/// @param text  ends with a null character
 bool isText(plist_t node, QLatin1StringView text)
 {
-    return textOf(node) == QByteArrayView(text.data(), text.size());
+    return plist_get_node_type(node) == PLIST_STRING && plist_string_val_compare(node, text.data()) == 0;
 }
 
 QColor colorOf(double red, double green, double blue, double alpha)
@@ -196,8 +198,10 @@ bool ArchivedValue::isOfClass(QLatin1StringView className) const
 
 std::optional<QString> ArchivedValue::string() const
 {
-    if (isNode(PLIST_STRING))
-        return sharedText(textOf(m_node));
+    if (isNode(PLIST_STRING)) {
+        const auto known = m_archive->texts.constFind(m_node); // first: the library measures a text each time
+        return known != m_archive->texts.cend() ? *known : sharedText(textOf(m_node));
+    }
     if (!isOfClass(QLatin1StringView("NSString")))
         return std::nullopt;
     const ArchivedValue boxed = value(QLatin1StringView("NS.string"));
