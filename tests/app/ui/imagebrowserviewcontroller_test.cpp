@@ -151,7 +151,7 @@ void ImageBrowserViewControllerTest::copiesForOthers()
     // The status line shows it, and its button stops it.
     std::atomic<bool> mayGoOn = false;
     FilePromise::Outcome outcome;
-    const auto many = browser.controller.promisedFiles({0, 1, 2, 3, 4, 5});
+    auto many = browser.controller.promisedFiles({0, 1, 2, 3, 4, 5});
     std::thread making([&] {
         outcome = many->makeFiles(browser.work.folder.path(), [&] {
             mayGoOn.wait(false);
@@ -172,10 +172,10 @@ void ImageBrowserViewControllerTest::copiesForOthers()
 
     // A file that has gone is reported, later.
     QSignalSpy failures(&browser.controller, &ImageBrowserViewController::copiesFailed);
-    const auto gone = browser.set.imagesFiltered()->at(1);
+    auto gone = browser.set.imagesFiltered()->at(1);
     gone->releaseImagesData();
     QVERIFY(QFile::remove(gone->path()));
-    const auto promise = browser.controller.promisedFiles({1});
+    auto promise = browser.controller.promisedFiles({1});
     promise->report(promise->makeFiles(browser.work.folder.path(), [] { return false; }).failures);
     QCOMPARE(failures.size(), 0);
     QTRY_COMPARE(failures.size(), 1);
@@ -188,7 +188,7 @@ void ImageBrowserViewControllerTest::copiesForOthers()
         saved = photos.size();
         return true;
     });
-    const auto dropped = browser.controller.promisedFiles({0, 2});
+    auto dropped = browser.controller.promisedFiles({0, 2});
     QVERIFY(dropped->canSaveInto() && dropped->saveInto(folder));
     QCOMPARE(saved, std::size_t(2));
     QCOMPARE(browser.work.defaults.stringForKey(settings::savingDirectory), folder);
@@ -201,6 +201,10 @@ void ImageBrowserViewControllerTest::copiesForOthers()
     browser.controller.copy();
 
     // The photos do not stay behind on the clipboard.
+    many.reset();
+    promise.reset();
+    dropped.reset();
+    gone.reset();
     QVERIFY(clipboard->mimeData()->hasUrls());
     keeper.reset();
     QVERIFY(!clipboard->mimeData() || !clipboard->mimeData()->hasUrls());
