@@ -129,7 +129,7 @@ CommandState AppController::commandState(float browserZoomFactor) const
     const std::shared_ptr<WPreset> current = m_appliedPresets.currentWPreset();
     const WPresetList effective = m_appliedPresets.effectivePresets();
     CommandState state;
-    state.isSavingInProgress = m_saving.isSavingInProgress && m_saving.isSavingInProgress();
+    state.isSavingInProgress = isSavingInProgress();
     state.isInBrowserMode = m_imageSet.imageListIsInBrowserMode();
     state.hasCurrentBatchOperation = m_batchOperation.isRunning();
     state.hasCopiedPositions = m_positions.hasCopy();

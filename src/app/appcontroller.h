@@ -47,6 +47,7 @@ public:
 
     /// Who saves, as soon as there is somebody.
     void setSaving(const SavingControl &saving) { m_saving = saving; }
+    bool isSavingInProgress() const { return m_saving.isSavingInProgress && m_saving.isSavingInProgress(); }
 
     /// What a start does with presets: reads them, makes the quick preset of the store the one of single
     /// mode, also when it is replaced, and applies what was applied last time, if the user wants that.

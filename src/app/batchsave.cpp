@@ -41,7 +41,7 @@ bool BatchSave::start(const Order &order)
     m_maximum = 0;
     m_copies = 0;
     m_saving.begin();
-    m_services.status.startOperation(StatusOperation::Processing);
+    m_services.status.startProcessing();
     m_thread = std::jthread([this, run]() mutable {
         completeFilenameTokens(run.defaultSavingPreset, m_services.alerts);
         m_saving.saveImages(run, *this);
@@ -65,7 +65,7 @@ void BatchSave::copyFinished(const SavingOutput &)
 
 void BatchSave::finish()
 {
-    m_services.status.endOperation(StatusOperation::Processing);
+    m_services.status.endProcessing();
     m_saving.finishedSavingImages();
     m_thread.join();
     Q_EMIT finished();

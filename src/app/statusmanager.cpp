@@ -61,6 +61,25 @@ bool StatusManager::endOperation(StatusOperation operation)
     return true;
 }
 
+void StatusManager::startProcessing()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        ++m_processings;
+    }
+    startOperation(StatusOperation::Processing);
+}
+
+void StatusManager::endProcessing()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        if (--m_processings > 0)
+            return;
+    }
+    endOperation(StatusOperation::Processing);
+}
+
 bool StatusManager::setProgress(float progress, StatusOperation operation)
 {
     {

@@ -48,6 +48,10 @@ public:
     /// Ends it. @return false when it was not running. Any thread.
     bool endOperation(StatusOperation operation);
 
+    /// Processing, by several at once: it is told of until the last one ends. Any thread.
+    void startProcessing();
+    void endProcessing();
+
     /// @param progress  0..1; for Counting, the number of photos found
     /// @return false when the operation is not running. Any thread.
     bool setProgress(float progress, StatusOperation operation);
@@ -82,6 +86,7 @@ private:
 
     mutable std::mutex m_mutex;
     std::vector<Entry> m_currentOperations; // guarded by m_mutex
+    int m_processings = 0;                  // guarded by m_mutex
     bool m_isUpdateQueued = false;          // guarded by m_mutex
 
     std::shared_ptr<const ImageList> m_images;

@@ -152,6 +152,12 @@ public:
 
     bool isNone() const { return !m_node; }
 
+    /// Is it none because it refers to an object that the archive does not have? Something was lost then.
+    bool isMissing() const { return m_isMissing; }
+
+    /// Of an object: its keys.
+    std::vector<QByteArray> keys() const;
+
     /// Of an object: the value of that key. References are followed.
     ArchivedValue value(QLatin1StringView key) const;
 
@@ -204,6 +210,7 @@ private:
 
     std::shared_ptr<Archive> m_archive;
     void *m_node = nullptr;
+    bool m_isMissing = false;
 };
 
 } // namespace plexa

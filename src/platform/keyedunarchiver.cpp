@@ -161,12 +161,17 @@ ArchivedValue ArchivedValue::resolved(void *node) const
         return {m_archive, node};
     uint64_t index = 0;
     plist_get_uid_val(node, &index);
-    if (index == 0 || index >= m_archive->objects.size())
+    if (index == 0)
         return {};
+    ArchivedValue missing;
+    missing.m_isMissing = true;
+    if (index >= m_archive->objects.size())
+        return missing;
     void *const object = m_archive->objects[index];
     const plist_type type = plist_get_node_type(object);
-    // A reference to a reference never is.
-    if (type == PLIST_UID || isText(object, QLatin1StringView("$null")))
+    if (type == PLIST_UID) // a reference to a reference never is
+        return missing;
+    if (isText(object, QLatin1StringView("$null")))
         return {};
     return {m_archive, object};
 }
@@ -174,6 +179,25 @@ ArchivedValue ArchivedValue::resolved(void *node) const
 ArchivedValue ArchivedValue::value(QLatin1StringView key) const
 {
     return isNode(PLIST_DICT) ? resolved(plist_dict_get_item(m_node, key.data())) : ArchivedValue();
+}
+
+std::vector<QByteArray> ArchivedValue::keys() const
+{
+    std::vector<QByteArray> keys;
+    if (!isNode(PLIST_DICT))
+        return keys;
+    plist_dict_iter start = nullptr;
+    plist_dict_new_iter(m_node, &start);
+    const std::unique_ptr<void, decltype(&std::free)> iterator(start, &std::free);
+    while (true) {
+        char *key = nullptr;
+        plist_t item = nullptr;
+        plist_dict_next_item(m_node, iterator.get(), &key, &item);
+        const std::unique_ptr<char, decltype(&std::free)> owner(key, &std::free);
+        if (!item)
+            return keys;
+        keys.emplace_back(key);
+    }
 }
 
 bool ArchivedValue::isOfClass(QLatin1StringView className) const

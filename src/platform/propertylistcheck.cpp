@@ -29,8 +29,9 @@ constexpr qint64 kMaxReferences = 4'000'000;
 struct Extent {
     enum class State : quint8 { Unseen, Open, Known };
     State state = State::Unseen;
-    quint8 height = 0;     ///< levels below it
-    bool canBeKey = false; ///< a text without null characters, which the library does not survive in keys
+    quint8 height = 0; ///< levels below it
+    /// Without null characters, at which the library cuts a text off, and which it does not survive in keys.
+    bool isText = false;
     qint64 nodes = 0;
     qint64 bytes = 0;
 };
@@ -180,14 +181,14 @@ bool Checker::measure(qint64 at, int level, Extent &extent)
         return hasRoom(at, length);
     case 0x5: // ASCII
         extent.bytes = length;
-        extent.canBeKey = hasRoom(at, length) && !m_bytes.sliced(at, length).contains('\0');
-        return hasRoom(at, length);
+        extent.isText = hasRoom(at, length) && !m_bytes.sliced(at, length).contains('\0');
+        return extent.isText;
     case 0x6: // UTF-16, which becomes UTF-8
         extent.bytes = 3 * length;
-        extent.canBeKey = hasRoom(at, 2 * length);
-        for (qint64 i = 0; extent.canBeKey && i < length; ++i)
-            extent.canBeKey = m_bytes[at + 2 * i] != 0 || m_bytes[at + 2 * i + 1] != 0;
-        return hasRoom(at, 2 * length);
+        extent.isText = hasRoom(at, 2 * length);
+        for (qint64 i = 0; extent.isText && i < length; ++i)
+            extent.isText = m_bytes[at + 2 * i] != 0 || m_bytes[at + 2 * i + 1] != 0;
+        return extent.isText;
     case 0xa:
         return measureChildren(at, length, level, extent);
     case 0xd:
@@ -204,7 +205,7 @@ bool Checker::areKeys(qint64 at, qint64 count) const
 {
     for (qint64 i = 0; i < count; ++i) {
         quint64 object = 0;
-        if (!readNumber(at + i * m_referenceWidth, m_referenceWidth, object) || !m_extents[object].canBeKey)
+        if (!readNumber(at + i * m_referenceWidth, m_referenceWidth, object) || !m_extents[object].isText)
             return false;
     }
     return true;

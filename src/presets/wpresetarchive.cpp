@@ -11,6 +11,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QHash>
+#include <QSet>
 
 #include <cmath>
 #include <limits>
@@ -182,12 +183,12 @@ Pieces piecesOf(const ArchivedValue &value)
 {
     Pieces pieces;
     const auto elements = value.array();
-    pieces.areAll = elements || value.isNone();
+    pieces.areAll = elements || (value.isNone() && !value.isMissing());
     for (const ArchivedValue &element : elements.value_or(std::vector<ArchivedValue>())) {
         if (const std::optional<QString> text = element.string())
             pieces.texts.append(*text);
         else
-            pieces.areAll = pieces.areAll && element.isNone();
+            pieces.areAll = pieces.areAll && element.isNone() && !element.isMissing();
     }
     return pieces;
 }
@@ -252,6 +253,7 @@ private:
     bool isWhole(const WPresetField &field, const ArchivedValue &value, const FieldValue &read);
     void convert(WPresetValues &values, const ArchivedValue &preset, std::size_t number);
     void noteUnreadable(QLatin1StringView name, std::size_t number);
+    void noteUnknownKeys(const ArchivedValue &preset, std::size_t number);
 
     float m_version;
     const SavingPresetLookup &m_savingPresetWithID;
@@ -307,7 +309,7 @@ FieldValue Decoder::fieldValue(const WPresetField &field, const ArchivedValue &v
 bool Decoder::isWhole(const WPresetField &field, const ArchivedValue &value, const FieldValue &read)
 {
     if (value.isNone())
-        return true;
+        return !value.isMissing();
     switch (field.kind) {
     case FieldKind::String:
         return value.string().has_value();
@@ -352,6 +354,24 @@ void Decoder::convert(WPresetValues &values, const ArchivedValue &preset, std::s
     values.backgroundPaddingRight = padding;
 }
 
+/// A damaged key would take its value with it.
+void Decoder::noteUnknownKeys(const ArchivedValue &preset, std::size_t number)
+{
+    static const QSet<QByteArray> known = [] {
+        QSet<QByteArray> keys{"$class",
+                              QByteArray(kOldBackgroundPadding.data(), kOldBackgroundPadding.size())};
+        for (const WPresetField &field : wPresetFields())
+            keys.insert(QByteArray(field.archiveKey.data(), field.archiveKey.size()));
+        return keys;
+    }();
+    for (const QByteArray &key : preset.keys()) {
+        if (!known.contains(key))
+            m_notes.add(Texts::tr("\"%1\" of number %2 in its list is not known")
+                            .arg(QString::fromUtf8(key))
+                            .arg(number));
+    }
+}
+
 WPresetValues Decoder::values(const ArchivedValue &preset, std::size_t number)
 {
     WPresetValues values;
@@ -364,6 +384,8 @@ WPresetValues Decoder::values(const ArchivedValue &preset, std::size_t number)
     }
     if (m_version < kVersion)
         convert(values, preset, number);
+    else if (m_version == kVersion) // others have keys of their own
+        noteUnknownKeys(preset, number);
     return values;
 }
 

@@ -3,8 +3,10 @@
 #include "views/privatefolders.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -17,7 +19,7 @@ namespace
 {
 
 constexpr int kAttempts = 3;
-constexpr int kKeptFolders = 3;
+constexpr qint64 kKeptSeconds = 30 * 60;
 
 /// Without the letters that QTemporaryDir puts behind it.
 QString namePrefix()
@@ -63,8 +65,12 @@ QString PrivateFolders::make()
     const QString name = QString::number(++m_count);
     if (!m_root->isValid() || !QDir(m_root->path()).mkdir(name))
         return {};
-    // Who was to take them over has done so long ago.
-    QDir(m_root->filePath(QString::number(m_count - kKeptFolders))).removeRecursively();
+    // Who was to take over the files of old ones has done so.
+    const QDateTime now = QDateTime::currentDateTime();
+    for (const QFileInfo &folder : QDir(m_root->path()).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        if (folder.lastModified().secsTo(now) > kKeptSeconds)
+            QDir(folder.filePath()).removeRecursively();
+    }
     return m_root->filePath(name);
 }
 

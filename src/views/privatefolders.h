@@ -18,8 +18,8 @@ public:
     ~PrivateFolders();
     Q_DISABLE_COPY_MOVE(PrivateFolders)
 
-    /// A new empty folder; empty when there is none to be had. The one made three calls before goes, so that
-    /// the files of a long day do not pile up.
+    /// A new empty folder; empty when there is none to be had. Those in which no file was made for half an
+    /// hour go, so that the files of a long day do not pile up.
     QString make();
 
     /// Removes what programs of this user left behind when they were killed. Folders of running ones stay.

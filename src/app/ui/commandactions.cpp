@@ -43,6 +43,14 @@ void nameButton(QAbstractButton *button, const QAction *action)
     button->setAccessibleName(spokenName(action->text()));
 }
 
+/// About the program or its window, and so possible while photos are saved.
+bool isOfProgram(const CommandRow &row)
+{
+    return row.menu == MenuId::Help || row.id == ActionId::Quit || row.id == ActionId::CloseWindow ||
+           row.id == ActionId::Minimize || row.id == ActionId::ToggleFullScreen ||
+           row.id == ActionId::ShowMainWindow;
+}
+
 } // namespace
 
 CommandActions::CommandActions(QWidget *parent)
@@ -157,7 +165,8 @@ void CommandActions::update(const CommandState &state)
     for (const CommandRow &row : commandTable()) {
         const Entry &entry = m_entries.at(row.id);
         const bool isPossible = entry.handler && (!entry.condition || entry.condition());
-        const bool isMenuEnabled = isPossible && isMenuItemEnabled(row.rule, row.tag, state);
+        const bool isMenuEnabled =
+            isPossible && (isOfProgram(row) || isMenuItemEnabled(row.rule, row.tag, state));
         entry.action->setEnabled(isMenuEnabled);
         for (QAbstractButton *const button : entry.buttons)
             button->setEnabled(row.button ? isPossible && isButtonEnabled(*row.button, state)

@@ -93,6 +93,8 @@ void DesktopApplication::connectSaving()
         {[this] { return m_save.isSavingInProgress(); }, [this] { m_save.terminateOperation(); }});
     connect(&m_save, &BatchSave::started, &m_controller, &AppController::commandStateChanged);
     connect(&m_save, &BatchSave::finished, &m_controller, &AppController::commandStateChanged);
+    connect(&m_save, &BatchSave::started, &m_window, [this] { m_window.setContentEnabled(false); });
+    connect(&m_save, &BatchSave::finished, &m_window, [this] { m_window.setContentEnabled(true); });
     const auto savingPreset = [this] { return m_store.quickSavingPreset()->values(); };
     m_window.browser().setSavingPreset(savingPreset);
     m_window.browser().setSavePhotos([this, savingPreset](const ImageList &photos) {
@@ -121,8 +123,26 @@ void DesktopApplication::windowClosed()
         quit();
 }
 
+/// Asks where photos are being saved.
+bool DesktopApplication::mayQuit()
+{
+    if (!m_save.isSavingInProgress())
+        return true;
+    Alert alert;
+    alert.style = Alert::Style::Warning;
+    alert.title = tr("Photos are being saved");
+    alert.text = tr("Those that are not saved yet when you quit get no copies.");
+    alert.buttons = {tr("Go on Saving"), tr("Quit")};
+    alert.escapeButton = 0;
+    return m_alerts.run(alert).button != 0;
+}
+
 void DesktopApplication::quit()
 {
+    if (!m_isQuitting && !mayQuit()) {
+        m_window.present();
+        return;
+    }
     if (std::exchange(m_isQuitting, true)) // the window closes on the way, too
         return;
     m_service.release(); // who is started from now on does not hand files over to one that goes

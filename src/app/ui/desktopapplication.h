@@ -37,6 +37,7 @@ public:
 private:
     void connectPresets();
     void connectSaving();
+    bool mayQuit();
     void quit();
     void windowClosed();
 

@@ -17,7 +17,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <mutex>
 
 namespace plexa
 {
@@ -39,25 +38,16 @@ public:
 
     int begin() override
     {
-        const std::lock_guard lock(m_mutex);
-        ++m_running;
-        m_status.startOperation(StatusOperation::Processing);
+        m_status.startProcessing();
         return m_stops;
     }
     void setProgress(float share) override { m_status.setProgress(share, StatusOperation::Processing); }
     bool isStopped(int begun) const override { return m_stops != begun; }
-    void end() override
-    {
-        const std::lock_guard lock(m_mutex);
-        if (--m_running == 0)
-            m_status.endOperation(StatusOperation::Processing);
-    }
+    void end() override { m_status.endProcessing(); }
     void stop() { ++m_stops; }
 
 private:
     StatusManager &m_status;
-    std::mutex m_mutex;
-    int m_running = 0; // two drags may overlap; guarded by m_mutex
     std::atomic<int> m_stops = 0;
 };
 
@@ -231,6 +221,13 @@ std::unique_ptr<FilePromise> ImageBrowserViewController::promisedFiles(const QLi
 bool ImageBrowserViewController::saveInto(const std::vector<std::shared_ptr<ImageObject>> &photos,
                                           const QString &folder)
 {
+    if (m_app.isSavingInProgress()) {
+        QMetaObject::invokeMethod(
+            this,
+            [this, folder] { Q_EMIT copiesFailed({tr("%1: photos are being saved already").arg(folder)}); },
+            Qt::QueuedConnection);
+        return false;
+    }
     m_defaults.setObject(settings::saveAllToOneDirectory, true);
     m_defaults.setObject(settings::savingDirectory, folder);
     return m_savePhotos(photos);

@@ -308,6 +308,11 @@ ImageBrowserViewController &MainWindow::browser()
     return m_imageListPane->browserController();
 }
 
+void MainWindow::setContentEnabled(bool isEnabled)
+{
+    m_panelSplitView->setEnabled(isEnabled);
+}
+
 void MainWindow::reportFailedCopies(const QStringList &failures)
 {
     Alert alert;

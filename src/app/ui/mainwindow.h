@@ -39,6 +39,9 @@ public:
     CommandActions &actions() { return *m_actions; }
     ImageBrowserViewController &browser();
 
+    /// While photos are saved nothing about them can be changed.
+    void setContentEnabled(bool isEnabled);
+
     /// All watermark presets, for the list of presets mode.
     void setWPresets(const WPresetList &presets);
 
