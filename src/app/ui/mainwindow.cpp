@@ -310,7 +310,11 @@ ImageBrowserViewController &MainWindow::browser()
 
 void MainWindow::setContentEnabled(bool isEnabled)
 {
+    if (!isEnabled)
+        m_focusBefore = focusWidget();
     m_panelSplitView->setEnabled(isEnabled);
+    if (isEnabled && m_focusBefore)
+        m_focusBefore->setFocus();
 }
 
 void MainWindow::reportFailedCopies(const QStringList &failures)

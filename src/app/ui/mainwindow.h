@@ -5,6 +5,7 @@
 #include "watermark/wpreset.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
 class QSplitter;
 
@@ -39,7 +40,7 @@ public:
     CommandActions &actions() { return *m_actions; }
     ImageBrowserViewController &browser();
 
-    /// While photos are saved nothing about them can be changed.
+    /// While photos are saved nothing about them can be changed. The keyboard comes back with the content.
     void setContentEnabled(bool isEnabled);
 
     /// All watermark presets, for the list of presets mode.
@@ -82,6 +83,7 @@ private:
     QSplitter *m_imageViewBrowserSplitView = nullptr;
     QSplitter *m_panelSplitView = nullptr;
     bool m_isUpdateScheduled = false;
+    QPointer<QWidget> m_focusBefore; // while the content is disabled
 };
 
 } // namespace plexa

@@ -183,6 +183,11 @@ void MainWindowTest::searchFieldFilters()
     QCOMPARE(QApplication::focusWidget(), &f.find<QWidget>("imageListTable"));
     QTest::keyClick(&f.window, Qt::Key_F, Qt::ControlModifier);
     QCOMPARE(search.selectedText(), QStringLiteral("b"));
+    // A save takes the keyboard away, and gives it back.
+    f.window.setContentEnabled(false);
+    QVERIFY(!search.isEnabled() && !search.hasFocus());
+    f.window.setContentEnabled(true);
+    QCOMPARE(QApplication::focusWidget(), &search);
     // New photos are to be seen.
     f.set.scanImagesAtPaths({f.files.photo(QStringLiteral("new.png"))});
     QCOMPARE(search.text(), QString());
