@@ -4,6 +4,7 @@
 
 #include "views/imagebrowserdelegate.h"
 #include "views/imagebrowserview.h"
+#include "views/localfiles.h"
 #include "views/promisedfiles.h"
 #include "views/x11drag.h"
 
@@ -13,7 +14,6 @@
 #include <QDragMoveEvent>
 #include <QDropEvent>
 #include <QPainter>
-#include <QUrl>
 
 namespace plexa
 {
@@ -24,15 +24,6 @@ constexpr int kDragImageSize = 150; // points
 constexpr int kDragImageStep = 5;
 constexpr int kMaxDragImageOffset = 50;
 constexpr double kDragImageOpacity = 0.9;
-
-QStringList localFiles(const QDropEvent &event)
-{
-    QStringList paths;
-    for (const QUrl &url : event.mimeData()->urls())
-        if (url.isLocalFile())
-            paths.append(url.toLocalFile());
-    return paths;
-}
 
 } // namespace
 
@@ -115,7 +106,8 @@ Qt::DropAction ImageBrowserView::actionFor(const QDropEvent &event) const
             return Qt::MoveAction;
         return possible & Qt::CopyAction && m_allowCopying ? Qt::CopyAction : Qt::IgnoreAction;
     }
-    return possible & Qt::CopyAction && !localFiles(event).isEmpty() ? Qt::CopyAction : Qt::IgnoreAction;
+    return possible & Qt::CopyAction && !localFiles(*event.mimeData()).isEmpty() ? Qt::CopyAction
+                                                                                 : Qt::IgnoreAction;
 }
 
 void ImageBrowserView::dragEnterEvent(QDragEnterEvent *event)
@@ -160,7 +152,7 @@ void ImageBrowserView::dropEvent(QDropEvent *event)
             m_delegate->copiedIndexes(indexes, to);
         return;
     }
-    m_delegate->receivedDraggedFiles(localFiles(*event));
+    m_delegate->receivedDraggedFiles(localFiles(*event->mimeData()));
 }
 
 void ImageBrowserView::setDrawnInsertionIndex(int index)

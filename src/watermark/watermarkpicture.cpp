@@ -29,6 +29,7 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(plexa::WatermarkPicture)
 };
 
+constexpr qint64 kHeadBytes = 1024; // enough to tell formats apart
 constexpr qint64 kMaxSvgBytes = 16'000'000;
 
 /// What a drawing may take at the size of a large photo.
@@ -70,7 +71,8 @@ QImage renderedSvg(const QByteArray &svg, QSize size)
     return image;
 }
 
-Result<QByteArray> contentsOf(const QString &path)
+/// At most so many bytes from the beginning.
+Result<QByteArray> startOf(const QString &path, qint64 bytes)
 {
     QFile file(path);
     if (QFileInfo(path).isDir())
@@ -79,22 +81,15 @@ Result<QByteArray> contentsOf(const QString &path)
         return fail(Texts::tr("it is not a regular file"));
     if (!file.open(QIODevice::ReadOnly))
         return fail(file.errorString());
-    const QByteArray bytes = file.read(kMaxSvgBytes + 1);
-    if (bytes.size() > kMaxSvgBytes)
-        return fail(Texts::tr("the SVG drawing is larger than %1 MB").arg(kMaxSvgBytes / 1'000'000));
-    return bytes;
+    return file.read(bytes);
 }
 
-Result<QByteArray> headOf(const QString &path)
+Result<QByteArray> svgOf(const QString &path)
 {
-    QFile file(path);
-    if (QFileInfo(path).isDir())
-        return fail(Texts::tr("it is a folder"));
-    if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) // opening a pipe would wait for its other end
-        return fail(Texts::tr("it is not a regular file"));
-    if (!file.open(QIODevice::ReadOnly))
-        return fail(file.errorString());
-    return file.read(1024);
+    const Result<QByteArray> bytes = startOf(path, kMaxSvgBytes + 1);
+    if (bytes && bytes->size() > kMaxSvgBytes)
+        return fail(Texts::tr("the SVG drawing is larger than %1 MB").arg(kMaxSvgBytes / 1'000'000));
+    return bytes;
 }
 
 Result<QImage> uprightImage(const QString &path)
@@ -175,7 +170,7 @@ Result<WatermarkPicture> WatermarkPicture::load(const QString &path)
     const auto failed = [&path](const Error &error) {
         return fail(Texts::tr("\"%1\" cannot be used as a watermark: %2").arg(path, error.text));
     };
-    const Result<QByteArray> head = headOf(path);
+    const Result<QByteArray> head = startOf(path, kHeadBytes);
     if (!head)
         return failed(head.error());
     if (head->startsWith("\x1f\x8b")) {
@@ -183,7 +178,7 @@ Result<WatermarkPicture> WatermarkPicture::load(const QString &path)
             Error{Texts::tr("it is compressed, as .svgz files are; save the drawing as plain SVG")});
     }
     if (isSvg(*head)) {
-        const Result<WatermarkPicture> picture = contentsOf(path).and_then(&WatermarkPicture::fromSvg);
+        const Result<WatermarkPicture> picture = svgOf(path).and_then(&WatermarkPicture::fromSvg);
         return picture ? picture : failed(picture.error());
     }
     const Result<QImage> image = uprightImage(path);

@@ -2,26 +2,21 @@
 
 #include "app/ui/filedrops.h"
 
+#include "views/localfiles.h"
 #include "views/promisedfiles.h"
 
 #include <QDropEvent>
 #include <QMimeData>
-#include <QUrl>
 
 namespace plexa
 {
 
 QStringList droppedFiles(const QMimeData *data)
 {
-    QStringList paths;
     // A drag out of the grid offers copies that are made for other programs, and would be made here.
     if (!data->hasUrls() || data->hasFormat(PromisedFiles::kSelectionType))
-        return paths;
-    for (const QUrl &url : data->urls()) {
-        if (url.isLocalFile() && !url.toLocalFile().isEmpty())
-            paths.append(url.toLocalFile());
-    }
-    return paths;
+        return {};
+    return localFiles(*data);
 }
 
 void acceptFiles(QDropEvent *event)
