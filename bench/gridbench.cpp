@@ -6,7 +6,7 @@
 #include "images/imageobject.h"
 #include "platform/applicationname.h"
 #include "threadtime.h"
-#include "views/imagebrowserview.h"
+#include "ui/browser/imagebrowserview.h"
 
 #include <QApplication>
 #include <QDirIterator>

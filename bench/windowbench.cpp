@@ -10,11 +10,11 @@
 // that passed without that in which the system gave it no core, and that time as well.
 
 #include "app/appcontroller.h"
-#include "app/ui/mainwindow.h"
 #include "noquestions.h"
 #include "platform/settings.h"
 #include "platform/userdefaults.h"
 #include "threadtime.h"
+#include "ui/window/mainwindow.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

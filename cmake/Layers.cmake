@@ -1,8 +1,14 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 
-# The folders of src/ from the bottom up: a folder uses only itself and the ones before it. This is the one
-# place with the order; scripts/check-layers reads this line.
-set(PLEXA_LAYERS platform raster imageio metadata watermark presets images saving views bulletin app cli)
+# The rooms of src/ from the bottom up: a room uses only itself and the ones before it. A room is a folder with
+# the folders below it that are not rooms of their own. This is the one place with the order;
+# scripts/check-layers reads it.
+set(PLEXA_LAYERS
+    platform raster metadata
+    imageio/base imageio/container imageio/color imageio/embedded imageio/codecs imageio
+    watermark presets images saving bulletin
+    app cli
+    ui/widgets ui/browser ui/preview ui/editors ui/presets ui/saving ui/metadata ui/bulletin ui/help ui/window)
 
 # What all of our own targets share: the language, the include root, the warnings, the sanitizers.
 add_library(plexa_common INTERFACE)
@@ -24,8 +30,9 @@ if(PLEXA_FUZZ)
     target_compile_options(plexa_common INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# plexa_layer(<folder> SOURCES <files> [PUBLIC <libraries>] [PRIVATE <libraries>])
-# makes the static library of one folder of src/, known to the others as plexa::<folder>.
+# plexa_layer(<name> SOURCES <files> [PUBLIC <libraries>] [PRIVATE <libraries>])
+# creates the static library of one folder of src/, known to the others as plexa::<name>. <name> is the folder's
+# path with "_" for "/".
 function(plexa_layer name)
     cmake_parse_arguments(LAYER "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
     add_library(plexa_${name} STATIC ${LAYER_SOURCES})

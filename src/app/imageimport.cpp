@@ -2,7 +2,7 @@
 
 #include "app/imageimport.h"
 
-#include "saving/orderedwork.h"
+#include "platform/orderedwork.h"
 
 namespace plexa
 {

@@ -9,7 +9,7 @@
 #include "images/strips.h"
 #include "images/uprighting.h"
 #include "platform/localeformat.h"
-#include "saving/orderedwork.h"
+#include "platform/orderedwork.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -2,10 +2,10 @@
 
 #include "imageio/imagedestination.h"
 
-#include "imageio/embeddedmetadata.h"
+#include "imageio/base/picturefailures.h"
+#include "imageio/embedded/embeddedmetadata.h"
 #include "imageio/imagesource.h"
-#include "imageio/propertykeys.h"
-#include "imageio/readfailures.h"
+#include "metadata/propertykeys.h"
 
 namespace plexa
 {
@@ -30,7 +30,7 @@ public:
         if (m_strip.width() != strip.width() || m_strip.height() < kRows)
             m_strip = QImage(strip.width(), kRows, QImage::Format_RGB32);
         if (m_strip.isNull())
-            return fail(ReadFailures::outOfMemory());
+            return fail(PictureFailures::outOfMemory());
         for (int done = 0; done < count; done += kRows) {
             const int rows = qMin(kRows, count - done);
             for (int y = 0; y < rows; ++y)
@@ -103,7 +103,7 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
 {
     const ImageFormat *target = imageFormatOfType(request.type);
     if (!target || !target->canWrite)
-        return fail(ReadFailures::cannotWrite(request.type));
+        return fail(PictureFailures::cannotWrite(request.type));
     const QVariantMap &properties = request.properties;
     WriteOptions options = pictureOptions(request);
     const auto metadata = request.source ? request.source->metadata() : EmbeddedMetadata::none();
@@ -143,7 +143,7 @@ Result<void> writeImage(QIODevice &device, const QImage &image, const CopyReques
     const RowFormat format = {image.size(), image.hasAlphaChannel()};
     const QImage rows = image.convertToFormat(format.imageFormat());
     if (rows.isNull())
-        return fail(ReadFailures::outOfMemory());
+        return fail(PictureFailures::outOfMemory());
     Result<std::unique_ptr<RowWriter>> writer = openDestination(device, format, request);
     if (!writer)
         return tl::unexpected(writer.error());

@@ -2,9 +2,9 @@
 
 #pragma once
 
-#include "imageio/clearedgroups.h"
+#include "imageio/base/pictureturn.h"
 #include "imageio/imageformat.h"
-#include "imageio/pictureturn.h"
+#include "metadata/clearedgroups.h"
 
 #include <memory>
 

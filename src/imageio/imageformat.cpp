@@ -2,19 +2,19 @@
 
 #include "imageio/imageformat.h"
 
-#include "imageio/bmpcodec.h"
-#include "imageio/gifcodec.h"
-#include "imageio/heifbrands.h"
-#include "imageio/heifcodec.h"
-#include "imageio/jp2codec.h"
-#include "imageio/jpegcodec.h"
-#include "imageio/pictureheaders.h"
-#include "imageio/pngcodec.h"
-#include "imageio/qtcodec.h"
-#include "imageio/rawcodec.h"
-#include "imageio/rawformats.h"
-#include "imageio/tgacodec.h"
-#include "imageio/tiffcodec.h"
+#include "imageio/codecs/gif/gifcodec.h"
+#include "imageio/codecs/heif/heifcodec.h"
+#include "imageio/codecs/jp2/jp2codec.h"
+#include "imageio/codecs/jpeg/jpegcodec.h"
+#include "imageio/codecs/png/pngcodec.h"
+#include "imageio/codecs/raw/rawcodec.h"
+#include "imageio/codecs/raw/rawformats.h"
+#include "imageio/codecs/simple/bmpcodec.h"
+#include "imageio/codecs/simple/pictureheaders.h"
+#include "imageio/codecs/simple/qtcodec.h"
+#include "imageio/codecs/simple/tgacodec.h"
+#include "imageio/codecs/tiff/tiffcodec.h"
+#include "imageio/container/heifbrands.h"
 
 #include <QtEndian>
 

@@ -2,12 +2,12 @@
 
 #include "imageio/imagesource.h"
 
-#include "imageio/colorprofile.h"
-#include "imageio/embeddedmetadata.h"
-#include "imageio/propertykeys.h"
-#include "imageio/rawformats.h"
-#include "imageio/readfailures.h"
-#include "imageio/reducedrows.h"
+#include "imageio/base/picturefailures.h"
+#include "imageio/base/reducedrows.h"
+#include "imageio/color/colorprofile.h"
+#include "imageio/embedded/embeddedmetadata.h"
+#include "imageio/formatdetection.h"
+#include "metadata/propertykeys.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -113,12 +113,12 @@ Result<QImage> ImageSource::State::readImage(int reduction) const
         reader = withReducedRows(std::move(*reader), reduction);
     const RowFormat rows = (*reader)->format();
     if (reduction == 1 && rows != info.rows)
-        return fail(ReadFailures::damaged());
-    if (const auto checked = ReadFailures::checkMemory(rows.size, 4, limits); !checked)
+        return fail(PictureFailures::damaged());
+    if (const auto checked = PictureFailures::checkMemory(rows.size, 4, limits); !checked)
         return tl::unexpected(checked.error());
     QImage image(rows.size, rows.imageFormat());
     if (image.isNull())
-        return fail(ReadFailures::outOfMemory());
+        return fail(PictureFailures::outOfMemory());
     if (const auto read = (*reader)->readRows(image, rows.size.height()); !read)
         return tl::unexpected(read.error());
     return image;
@@ -141,18 +141,18 @@ Result<ImageSource> ImageSource::open(const QString &path, const ReadLimits &lim
     state->file = std::make_unique<QFile>(path);
     // A pipe or a device has no size and no end that could be relied on.
     if (QFileInfo(path).exists() && !QFileInfo(path).isFile())
-        return fail(ReadFailures::notAPicture());
+        return fail(PictureFailures::notAPicture());
     if (!state->file->open(QIODevice::ReadOnly))
-        return fail(ReadFailures::readError(*state->file));
+        return fail(PictureFailures::readError(*state->file));
     state->version = fileVersionOf(state->file->handle());
     const QByteArray head = state->file->peek(64);
     if (head.isEmpty())
-        return fail(state->file->size() > 0 ? ReadFailures::readError(*state->file)
-                                            : ReadFailures::emptyFile());
+        return fail(state->file->size() > 0 ? PictureFailures::readError(*state->file)
+                                            : PictureFailures::emptyFile());
     std::optional<Error> failure;
     for (const ImageFormat *format : formatsToTry(*state->file, head, QFileInfo(path).suffix())) {
         if (!state->file->seek(0))
-            return fail(ReadFailures::readError(*state->file));
+            return fail(PictureFailures::readError(*state->file));
         Result<PictureInfo> info = format->codec->readInfo(*state->file, limits);
         if (info) {
             state->format = format;
@@ -161,7 +161,7 @@ Result<ImageSource> ImageSource::open(const QString &path, const ReadLimits &lim
         }
         failure = failure.value_or(info.error());
     }
-    return tl::unexpected(failure.value_or(Error{ReadFailures::notAPicture()}));
+    return tl::unexpected(failure.value_or(Error{PictureFailures::notAPicture()}));
 }
 
 QString ImageSource::type() const
@@ -192,7 +192,7 @@ std::optional<FileVersion> ImageSource::version() const
 Result<void> ImageSource::checkUnchanged() const
 {
     if (fileVersionOf(m_state->file->handle()) != m_state->version)
-        return fail(ReadFailures::changedMeanwhile());
+        return fail(PictureFailures::changedMeanwhile());
     return {};
 }
 
@@ -248,7 +248,7 @@ Result<std::unique_ptr<RowReader>> ImageSource::openRows() const
         m_state->format->codec->openReader(*m_state->file, m_state->limits, 1);
     // Some formats tell a size at their beginning that their pictures do not keep to.
     if (reader && (*reader)->format() != m_state->info.rows)
-        return fail(ReadFailures::damaged());
+        return fail(PictureFailures::damaged());
     return reader;
 }
 

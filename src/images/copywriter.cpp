@@ -2,9 +2,9 @@
 
 #include "images/copywriter.h"
 
+#include "imageio/base/picturefailures.h"
 #include "imageio/imagedestination.h"
 #include "imageio/imagesource.h"
-#include "imageio/readfailures.h"
 #include "images/photofacts.h"
 #include "images/uprighting.h"
 #include "platform/applicationname.h"
@@ -177,7 +177,7 @@ private:
         if (Result<void> unchanged = m_source.checkUnchanged(); !unchanged)
             return unchanged;
         if (m_order.overwritten && fileVersionAt(m_order.target.path) != m_order.overwritten)
-            return fail(ReadFailures::changedMeanwhile());
+            return fail(PictureFailures::changedMeanwhile());
         // Linux cannot set the time of birth, so the copy's modification time stands for it.
         const auto created = m_order.preservesCreationDate ? creationTimeOf(m_order.path) : std::nullopt;
         if (created)
@@ -218,7 +218,7 @@ Result<CopyReport> writeCopy(const CopyOrder &order, const PhotoServices &servic
         if (!source)
             return tl::unexpected(source.error());
         if (order.version && source->version() != order.version)
-            return fail(ReadFailures::changedMeanwhile());
+            return fail(PictureFailures::changedMeanwhile());
         return Copy(order, services, *source).write();
     } catch (const std::bad_alloc &) {
         // One photo too many for the memory must not end the run of the others.

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "imageio/rowstream.h"
+#include "imageio/base/rowstream.h"
 
 #include <QImage>
 

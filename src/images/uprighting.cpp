@@ -2,7 +2,7 @@
 
 #include "images/uprighting.h"
 
-#include "imageio/readfailures.h"
+#include "imageio/base/picturefailures.h"
 #include "images/strips.h"
 #include "metadata/imagemetadata.h"
 #include "raster/bitmaputilities.h"
@@ -157,7 +157,7 @@ Result<ByteBudget::Reservation> reserveForPhoto(ByteBudget &budget, QSize size, 
     if (bytes <= 0)
         return ByteBudget::Reservation();
     if (bytes > budget.total())
-        return fail(ReadFailures::tooMuchMemory(size, bytes, ReadLimits{.maxBytes = budget.total()}));
+        return fail(PictureFailures::tooMuchMemory(size, bytes, ReadLimits{.maxBytes = budget.total()}));
     return budget.reserve(bytes);
 }
 

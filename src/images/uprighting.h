@@ -2,8 +2,8 @@
 
 #pragma once
 
+#include "imageio/base/pictureturn.h"
 #include "imageio/imagesource.h"
-#include "imageio/pictureturn.h"
 #include "platform/bytebudget.h"
 
 #include <QSize>

@@ -2,8 +2,8 @@
 
 #include "metadata/imagemetadata.h"
 
-#include "imageio/propertyvalues.h"
 #include "metadata/metadatastrings.h"
+#include "metadata/propertyvalues.h"
 #include "platform/localeformat.h"
 #include "platform/numbervalues.h"
 

@@ -2,8 +2,8 @@
 
 #pragma once
 
-#include "imageio/clearedgroups.h"
-#include "imageio/propertykeys.h"
+#include "metadata/clearedgroups.h"
+#include "metadata/propertykeys.h"
 
 #include <QDateTime>
 #include <QString>

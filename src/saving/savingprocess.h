@@ -3,8 +3,8 @@
 #pragma once
 
 #include "images/photofacts.h"
+#include "platform/workpool.h"
 #include "saving/savingrun.h"
-#include "saving/workpool.h"
 
 #include <QHash>
 #include <QSet>

@@ -2,8 +2,8 @@
 
 #include "watermark/encodedpicture.h"
 
-#include "imageio/readfailures.h"
-#include "imageio/storedorientation.h"
+#include "imageio/base/picturefailures.h"
+#include "imageio/embedded/storedorientation.h"
 #include "platform/bytebudget.h"
 #include "raster/orientation.h"
 
@@ -114,7 +114,7 @@ Result<EncodedPicture::Representation> EncodedPicture::measured(QByteArrayView b
 {
     const ImageFormat *const format = formatOf(bytes);
     if (!format)
-        return fail(ReadFailures::notAPicture());
+        return fail(PictureFailures::notAPicture());
     QByteArray contents = wrapped(bytes);
     QBuffer buffer(&contents);
     buffer.open(QIODevice::ReadOnly);
@@ -125,7 +125,8 @@ Result<EncodedPicture::Representation> EncodedPicture::measured(QByteArrayView b
     const QSize size = info->rows.size;
     const qint64 pixels = qint64{size.width()} * size.height();
     if (info->decoderBytes > limits.maxBytes - pixels * kBytesPerPixel)
-        return fail(ReadFailures::tooMuchMemory(size, info->decoderBytes + pixels * kBytesPerPixel, limits));
+        return fail(
+            PictureFailures::tooMuchMemory(size, info->decoderBytes + pixels * kBytesPerPixel, limits));
     return Representation{bytes, format, size, storedOrientation(buffer)};
 }
 
@@ -166,7 +167,7 @@ Result<QImage> EncodedPicture::decode(const Representation &representation)
     QImage strip(isUpright ? QSize() : QSize(rows.size.width(), std::min(height, kStripRows)),
                  rows.imageFormat());
     if (image.isNull() || (!isUpright && strip.isNull()))
-        return fail(ReadFailures::outOfMemory());
+        return fail(PictureFailures::outOfMemory());
     const int step = isUpright ? height : strip.height();
     for (int row = 0; row < height; row += step) {
         const int count = std::min(step, height - row);

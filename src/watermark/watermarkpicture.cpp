@@ -3,7 +3,7 @@
 #include "watermark/watermarkpicture.h"
 
 #include "imageio/imagesource.h"
-#include "imageio/propertykeys.h"
+#include "metadata/propertykeys.h"
 #include "raster/bitmaputilities.h"
 #include "raster/orientation.h"
 #include "watermark/encodedpicture.h"

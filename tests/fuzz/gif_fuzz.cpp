@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "fuzz/codecfuzzing.h"
-#include "imageio/gifcodec.h"
+#include "imageio/codecs/gif/gifcodec.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {

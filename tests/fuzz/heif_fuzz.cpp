@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "fuzz/codecfuzzing.h"
-#include "imageio/heifcodec.h"
-#include "imageio/heifmetadata.h"
+#include "imageio/codecs/heif/heifcodec.h"
+#include "imageio/embedded/heifmetadata.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {

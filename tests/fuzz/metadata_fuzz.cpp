@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "imageio/embeddedmetadata.h"
-#include "imageio/exifcolorspace.h"
-#include "imageio/propertykeys.h"
+#include "imageio/container/exifcolorspace.h"
+#include "imageio/embedded/embeddedmetadata.h"
+#include "metadata/propertykeys.h"
 
 #include <QString>
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "fuzz/codecfuzzing.h"
-#include "imageio/bmpcodec.h"
+#include "imageio/codecs/simple/bmpcodec.h"
+#include "imageio/codecs/simple/qtcodec.h"
+#include "imageio/codecs/simple/tgacodec.h"
 #include "imageio/imageformat.h"
-#include "imageio/qtcodec.h"
-#include "imageio/tgacodec.h"
 
 #include <QGuiApplication>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "fuzz/codecfuzzing.h"
-#include "imageio/rawcodec.h"
+#include "imageio/codecs/raw/rawcodec.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {

@@ -2,8 +2,8 @@
 
 #pragma once
 
-#include "imageio/metadatafields.h"
-#include "imageio/propertykeys.h"
+#include "metadata/metadatafields.h"
+#include "metadata/propertykeys.h"
 
 #include <QMap>
 #include <QStringList>

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "imageio/embeddedmetadata.h"
+#include "imageio/embedded/embeddedmetadata.h"
 
 #include <QBuffer>
 #include <QImage>

@@ -37,14 +37,14 @@ expect_fault() { # CASE FILE TEXT EXPECTED-MESSAGE
 
 expect_sound 'own folder, lower folders, Qt and C++' src/watermark/a.cpp \
     '#include "watermark/a.h"\n#include "raster/b.h"\n#include <QImage>\n#include <QByteArrayView>\n#include <vector>\n#include "a.moc"'
-expect_sound 'libraries where they belong' src/imageio/a.cpp \
-    '#include <jpeglib.h>\n#include <png.h>\n#include <lcms2.h>\n#include <exiv2/exiv2.hpp>'
+expect_sound 'libraries where they belong' src/imageio/codecs/jpeg/a.cpp \
+    '#include "imageio/codecs/codec.h"\n#include <jpeglib.h>\n#include <png.h>'
+expect_sound 'metadata library where it belongs' src/imageio/embedded/xmp/a.cpp '#include <exiv2/exiv2.hpp>'
 expect_sound 'fonts and locales' src/platform/a.cpp '#include <fontconfig/fontconfig.h>\n#include <unicode/datefmt.h>'
-expect_sound 'window system' src/views/a.cpp '#include <xcb/xcb.h>\n#include <QWidget>'
+expect_sound 'window system' src/ui/browser/a.cpp '#include <xcb/xcb.h>\n#include <QWidget>'
 expect_sound 'command line' src/cli/a.cpp '#include "cli/a.h"\n#include <CLI/CLI.hpp>'
-expect_sound 'widgets in a ui folder' src/metadata/ui/a.cpp '#include "metadata/ui/a.h"\n#include <QLabel>\n#include <QtWidgets/QDialog>'
-expect_sound 'widgets in the window' src/app/ui/a.cpp '#include <QMainWindow>\n#include "views/grid.h"\n#include "saving/ui/panel.h"'
-expect_sound 'widgets where the program starts' src/app/main.cpp '#include <QApplication>\n#include "app/ui/a.h"'
+expect_sound 'widgets in a ui folder' src/ui/metadata/a.cpp '#include "ui/metadata/a.h"\n#include <QLabel>\n#include <QtWidgets/QDialog>'
+expect_sound 'widgets in the window' src/ui/window/a.cpp '#include <QMainWindow>\n#include "ui/browser/grid.h"\n#include "ui/saving/panel.h"'
 expect_sound 'a commented include' src/raster/a.h '// #include "app/b.h"'
 expect_sound 'exactly 600 lines' src/raster/a.cpp "$(printf 'int a;%.0s\\n' {1..599})int b;"
 
@@ -63,21 +63,34 @@ expect_fault 'macro' src/raster/a.cpp '#include HEADER' 'cannot be checked'
 expect_fault 'widget in the core' src/watermark/a.cpp '#include <QApplication>' 'without a window'
 expect_fault 'widget by its module' src/watermark/a.cpp '#include <QtWidgets/QDialog>' 'without a window'
 expect_fault 'widget in the application without its window' src/app/a.cpp '#include <QDialog>' 'without a window'
-expect_fault 'window in the application without it' src/app/a.cpp '#include "app/ui/a.h"' 'without a window'
+expect_fault 'window in the application without it' src/app/a.cpp '#include "ui/window/a.h"' 'comes later'
 expect_fault 'all widgets' src/watermark/a.cpp '#include <QtWidgets>' 'without a window'
 expect_fault 'widget by its file' src/watermark/a.cpp '#include <qlabel.h>' 'without a window'
 expect_fault 'widget in the command line' src/cli/a.cpp '#include <QMessageBox>' 'without a window'
-expect_fault 'panel in the core' src/images/a.cpp '#include "metadata/ui/panel.h"' 'without a window'
-expect_fault 'own panel in the core' src/metadata/a.cpp '#include "metadata/ui/panel.h"' 'without a window'
-expect_fault 'views in the command line' src/cli/a.cpp '#include "views/grid.h"' 'without a window'
-expect_fault 'JPEG library outside' src/raster/a.cpp '#include <jpeglib.h>' 'only imageio'
-expect_fault 'colour library outside' src/raster/a.cpp '#include <lcms2.h>' 'only imageio'
-expect_fault 'metadata library outside' src/metadata/a.cpp '#include <exiv2/exif.hpp>' 'only imageio'
+expect_fault 'panel in the core' src/images/a.cpp '#include "ui/metadata/panel.h"' 'comes later'
+expect_fault 'a later pane' src/ui/widgets/a.cpp '#include "ui/browser/grid.h"' 'ui/widgets may not include'
+expect_fault 'a codec below its room' src/imageio/container/a.cpp '#include "imageio/codecs/codec.h"' 'imageio/container may not include'
+expect_fault 'the face below its room' src/imageio/embedded/xmp/a.cpp '#include "imageio/imagesource.h"' 'imageio/embedded may not include'
+expect_fault 'grid in the command line' src/cli/a.cpp '#include "ui/browser/grid.h"' 'comes later'
+expect_fault 'JPEG library outside' src/raster/a.cpp '#include <jpeglib.h>' 'only imageio/codecs'
+expect_fault 'color library outside' src/raster/a.cpp '#include <lcms2.h>' 'only imageio/color'
+expect_fault 'metadata library outside' src/imageio/codecs/a.cpp '#include <exiv2/exif.hpp>' 'only imageio/embedded'
 expect_fault 'font library outside' src/watermark/a.cpp '#include <fontconfig/fontconfig.h>' 'only platform'
 expect_fault 'locale library outside' src/watermark/a.cpp '#include <unicode/datefmt.h>' 'only platform'
 expect_fault 'command-line library outside' src/saving/a.cpp '#include <CLI/App.hpp>' 'only cli'
-expect_fault 'unknown folder' src/utils/a.h '#include <QString>' '"utils" is not in the list'
+expect_fault 'unknown folder' src/utils/a.h '#include <QString>' 'lies in none of the listed layers'
 expect_fault 'no folder' src/a.h '#include <QString>' 'belongs in a folder'
+
+body=$(printf '    a();%.0s\n' {1..250})
+tree_with src/raster/a.h 'class Big final\n{\npublic:\n    void one();\n};'
+for part in one two three; do
+    printf '#include "raster/a.h"\n\nvoid Big::%s()\n{\n%s\n}\n' "$part" "$body" >"$work/tree/src/raster/$part.cpp"
+done
+if output=$("$check" "$work/tree" 2>&1) || [[ $output != *'lines of Big in 4 files'* ]]; then
+    printf 'FAIL: a class over several files: got:\n%s\n' "$output"
+    failures=$((failures + 1))
+fi
+
 expect_fault '601 lines' src/raster/a.cpp "$(printf 'int a;%.0s\\n' {1..600})int b;" '601 lines'
 
 rm -rf "$work/tree" && mkdir -p "$work/tree/src"

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "imageio/base/readlimits.h"
+#include "platform/result.h"
+
+#include <QCoreApplication>
+#include <QIODevice>
+#include <QSize>
+
+namespace plexa
+{
+
+/// The reasons why a picture cannot be read or written, worded once for all codecs: text that follows a
+/// file's name and a colon.
+class PictureFailures
+{
+    Q_DECLARE_TR_FUNCTIONS(plexa::PictureFailures)
+
+public:
+    static QString emptyFile() { return tr("the file is empty"); }
+    static QString notAPicture() { return tr("not a picture that can be read"); }
+    static QString unsupportedKind(const char *format);
+    static QString noRawData() { return tr("it holds no camera raw photo of a known kind"); }
+    static QString endsEarly() { return tr("the picture data end early"); }
+    static QString damaged() { return tr("the picture data are damaged"); }
+    static QString tooManyPixels(QSize size, const ReadLimits &limits);
+    static QString tooMuchMemory(QSize size, qint64 bytes, const ReadLimits &limits);
+    static QString outOfMemory() { return tr("there is not enough memory for the picture"); }
+    static QString changedMeanwhile() { return tr("the file was changed while it was read"); }
+    static QString readError(const QIODevice &device);
+    static QString writeError(const QIODevice &device);
+    static QString exifTooLong() { return tr("its EXIF data are too long for a JPEG file"); }
+    static QString encoderFailed(const char *format);
+    /// @param code  libimagequant's
+    static QString colorsNotReduced(int code);
+    static QString tooLargeToWrite(const char *format);
+    static QString cannotWrite(const QString &type);
+
+    /// Checks what a file says of its size.
+    /// @return the failure when a side is below 1 or there are more pixels than allowed
+    static Result<void> checkSize(QSize size, const ReadLimits &limits);
+
+    /// Checks the memory that a whole picture will take.
+    static Result<void> checkMemory(QSize size, qint64 bytesPerPixel, const ReadLimits &limits);
+};
+
+} // namespace plexa

@@ -1,0 +1,258 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/base/picturefailures.h"
+#include "imageio/codecs/gif/gifcodec.h"
+#include "imageio/color/colorprofile.h"
+#include "imageio/container/gifstructure.h"
+
+#include <gif_lib.h>
+
+#include <algorithm>
+#include <array>
+#include <new>
+#include <optional>
+#include <vector>
+
+namespace plexa
+{
+
+namespace
+{
+
+struct Source {
+    QIODevice *device;
+    bool readFailed = false;
+    bool reachedEnd = false;
+    bool sawTerminator = false; ///< the last byte read alone was 0: no more data blocks
+
+    static int read(GifFileType *gif, GifByteType *bytes, int count)
+    {
+        auto *source = static_cast<Source *>(gif->UserData);
+        const qint64 got = source->device->read(reinterpret_cast<char *>(bytes), count);
+        source->readFailed = source->readFailed || got < 0;
+        source->reachedEnd = source->reachedEnd || (got >= 0 && got < count);
+        // A file that lacks nothing but the end of its last block is whole.
+        const bool suppliesTerminator = got == 0 && count == 1;
+        if (suppliesTerminator)
+            *bytes = 0;
+        source->sawTerminator = count == 1 && *bytes == 0;
+        return suppliesTerminator ? 1 : int(qMax<qint64>(got, 0));
+    }
+};
+
+/// Unpacks the first frame's indices through giflib, from the descriptor on: what stands before is known.
+class GifDecoder
+{
+public:
+    explicit GifDecoder(QIODevice &device)
+        : m_source{&device}
+    {
+    }
+
+    ~GifDecoder()
+    {
+        if (m_gif)
+            DGifCloseFile(m_gif, nullptr);
+    }
+    GifDecoder(const GifDecoder &) = delete;
+    GifDecoder &operator=(const GifDecoder &) = delete;
+
+    bool start(qint64 framePosition)
+    {
+        m_gif = m_source.device->seek(0) ? DGifOpen(&m_source, Source::read, &m_openError) : nullptr;
+        GifRecordType record = UNDEFINED_RECORD_TYPE;
+        return m_gif && m_source.device->seek(framePosition) && DGifGetRecordType(m_gif, &record) == GIF_OK &&
+               record == IMAGE_DESC_RECORD_TYPE && DGifGetImageDesc(m_gif) == GIF_OK;
+    }
+
+    bool readRow(uchar *indices) { return DGifGetLine(m_gif, indices, m_gif->Image.Width) == GIF_OK; }
+
+    /// The frame's colours; null when the file has no table for it.
+    const ColorMapObject *table() const
+    {
+        return m_gif->Image.ColorMap ? m_gif->Image.ColorMap : m_gif->SColorMap;
+    }
+
+    /// Why a function returned false.
+    QString failureReason() const
+    {
+        const int error = m_gif ? m_gif->Error : m_openError;
+        if (m_source.readFailed)
+            return PictureFailures::readError(*m_source.device);
+        if (error == D_GIF_ERR_NOT_ENOUGH_MEM)
+            return PictureFailures::outOfMemory();
+        return m_source.reachedEnd || m_source.sawTerminator || error == D_GIF_ERR_EOF_TOO_SOON
+                   ? PictureFailures::endsEarly()
+                   : PictureFailures::damaged();
+    }
+
+private:
+    Source m_source;
+    GifFileType *m_gif = nullptr;
+    int m_openError = 0;
+};
+
+/// What all indices look like, premultiplied sRGB. One that the file's table does not have is black, and
+/// without any table the colours are black and white, as the first two of a table are by the standard.
+std::array<QRgb, 256> colorsOf(const ColorMapObject *table, const GifStructure &structure)
+{
+    std::array<QRgb, 256> colors;
+    colors.fill(0xff000000);
+    if (!table)
+        colors[1] = 0xffffffff;
+    for (int i = 0; table && i < qMin(table->ColorCount, 256); ++i)
+        colors[size_t(i)] = qRgb(table->Colors[i].Red, table->Colors[i].Green, table->Colors[i].Blue);
+    if (const auto transform = ColorTransform::toSrgb(structure.iccProfile, PixelLayout::Rgb32))
+        transform->convert(colors.data(), colors.data(), qsizetype(colors.size()));
+    if (structure.transparentIndex >= 0)
+        colors[size_t(structure.transparentIndex)] = 0;
+    return colors;
+}
+
+/// Checks what can be known before anything is decoded.
+Result<void> checkStructure(const GifStructure &structure, const ReadLimits &limits)
+{
+    if (const auto checked = PictureFailures::checkSize(structure.size, limits); !checked)
+        return checked;
+    if (structure.frame.isEmpty())
+        return fail(PictureFailures::damaged());
+    // A code of w bits stands for 2^w pixels at most and has 12 bits at most.
+    constexpr qint64 kMaxPixelsOfByte = (8 * 4096 + 11) / 12;
+    const qint64 pixels = qint64(structure.frame.width()) * structure.frame.height();
+    if (structure.frameDataBytes < pixels / kMaxPixelsOfByte)
+        return fail(PictureFailures::endsEarly());
+    return structure.isInterlaced ? PictureFailures::checkMemory(structure.frame.size(), 1, limits)
+                                  : Result<void>();
+}
+
+class GifRowReader final : public RowReader
+{
+public:
+    GifRowReader(QIODevice &device, GifStructure structure)
+        : m_structure(std::move(structure))
+        , m_format{m_structure.size, m_structure.hasAlpha()}
+        , m_decoder(device)
+    {
+    }
+
+    Result<void> open()
+    {
+        if (!m_decoder.start(m_structure.framePosition))
+            return fail(m_decoder.failureReason());
+        m_colors = colorsOf(m_decoder.table(), m_structure);
+        const auto width = size_t(m_structure.frame.width());
+        try {
+            m_indices.resize(m_structure.isInterlaced ? width * size_t(m_structure.frame.height()) : width);
+        } catch (const std::bad_alloc &) {
+            return fail(PictureFailures::outOfMemory());
+        }
+        return {};
+    }
+
+    RowFormat format() const override { return m_format; }
+
+    Result<void> readRows(QImage &strip, int count) override
+    {
+        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
+        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_rowsRead);
+        if (m_failure)
+            return fail(*m_failure);
+        uchar *bits = strip.bits();
+        for (int row = 0; row < count; ++row, ++m_rowsRead) {
+            if (!readRow(reinterpret_cast<QRgb *>(bits + row * strip.bytesPerLine()))) {
+                m_failure = m_decoder.failureReason();
+                return fail(*m_failure);
+            }
+        }
+        return {};
+    }
+
+private:
+    bool readRow(QRgb *out)
+    {
+        const QRect &frame = m_structure.frame;
+        const int frameRow = m_rowsRead - frame.y();
+        if (frameRow < 0 || frameRow >= frame.height()) {
+            std::fill_n(out, m_format.size.width(), QRgb(0));
+            return true;
+        }
+        if (m_structure.isInterlaced ? frameRow == 0 && !readInterlaced()
+                                     : !m_decoder.readRow(m_indices.data()))
+            return false;
+        const uchar *indices = m_indices.data();
+        if (m_structure.isInterlaced)
+            indices += size_t(frameRow) * size_t(frame.width());
+        out = std::fill_n(out, frame.x(), QRgb(0));
+        out = std::transform(indices, indices + frame.width(), out,
+                             [this](uchar index) { return m_colors[index]; });
+        std::fill_n(out, m_format.size.width() - frame.x() - frame.width(), QRgb(0));
+        return true;
+    }
+
+    /// The rows come in four passes: every eighth, those in the middle between them, and so on.
+    bool readInterlaced()
+    {
+        constexpr struct {
+            int first;
+            int step;
+        } kPasses[] = {{0, 8}, {4, 8}, {2, 4}, {1, 2}};
+        for (const auto &pass : kPasses) {
+            for (int row = pass.first; row < m_structure.frame.height(); row += pass.step) {
+                if (!m_decoder.readRow(m_indices.data() + size_t(row) * size_t(m_structure.frame.width())))
+                    return false;
+            }
+        }
+        return true;
+    }
+
+    const GifStructure m_structure;
+    const RowFormat m_format;
+    GifDecoder m_decoder;
+    std::array<QRgb, 256> m_colors = {};
+    std::vector<uchar> m_indices; ///< of one row, or of a whole interlaced frame
+    int m_rowsRead = 0;
+    std::optional<QString> m_failure;
+};
+
+Result<GifStructure> readCheckedStructure(QIODevice &device, const ReadLimits &limits)
+{
+    Result<GifStructure> structure = readGifStructure(device);
+    if (structure) {
+        if (const auto checked = checkStructure(*structure, limits); !checked)
+            return tl::unexpected(checked.error());
+    }
+    return structure;
+}
+
+} // namespace
+
+Result<PictureInfo> GifCodec::readInfo(QIODevice &device, const ReadLimits &limits) const
+{
+    const Result<GifStructure> structure = readCheckedStructure(device, limits);
+    if (!structure)
+        return tl::unexpected(structure.error());
+    PictureInfo info;
+    info.rows = {structure->size, structure->hasAlpha()};
+    info.imageCount = structure->frameCount;
+    info.colorModel = QStringLiteral("RGB");
+    info.iccProfile = structure->iccProfile;
+    if (structure->isInterlaced)
+        info.decoderBytes = qint64(structure->frame.width()) * structure->frame.height();
+    if (structure->frameCount > 1)
+        info.unmarkedPictures.append(QStringLiteral("animation"));
+    return info;
+}
+
+Result<std::unique_ptr<RowReader>> GifCodec::openReader(QIODevice &device, const ReadLimits &limits,
+                                                        int) const
+{
+    Result<GifStructure> structure = readCheckedStructure(device, limits);
+    if (!structure)
+        return tl::unexpected(structure.error());
+    auto reader = std::make_unique<GifRowReader>(device, std::move(*structure));
+    if (const auto opened = reader->open(); !opened)
+        return tl::unexpected(opened.error());
+    return reader;
+}
+
+} // namespace plexa

@@ -1,0 +1,378 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/base/picturefailures.h"
+#include "imageio/codecs/heif/heifcodec.h"
+#include "imageio/codecs/heif/heiffile.h"
+#include "imageio/codecs/heif/heifmeasure.h"
+#include "imageio/color/colorprofile.h"
+#include "imageio/color/nclxprofile.h"
+#include "platform/bytebudget.h"
+#include "raster/pixelformat.h"
+
+#include <optional>
+#include <vector>
+
+namespace plexa
+{
+
+namespace
+{
+
+/// What is known of a file before its pixels are.
+struct OpenPicture {
+    HeifItems items;
+    HeifMeasure measure;
+    HeifFile file;
+    HeifGeometry geometry; ///< of what the library decodes
+    bool isTurnedByLibrary = false;
+    int depth = 8;
+    bool hasAlpha = false;
+
+    explicit OpenPicture(QIODevice &device)
+        : file(device)
+    {
+    }
+
+    bool isDeep() const { return depth > 8; }
+
+    /// The most memory that decoding takes: the planes as they are coded and put together, with the
+    /// next step of their turning and conversion beside them; one coded picture in the decoder with what it
+    /// notes down of each block. Found by measuring.
+    qint64 decodingBytes() const
+    {
+        const qint64 canvas = qint64(measure.canvas.width()) * measure.canvas.height();
+        const qint64 sampleBytes = isDeep() ? 2 : 1;
+        const qint64 planes = (hasAlpha ? 4 : 3) * sampleBytes;
+        return canvas * planes * (isTurnedByLibrary ? 3 : 2) +
+               measure.largestPixels * ((hasAlpha ? 6 : 3) * sampleBytes + 3);
+    }
+};
+
+/// Finds out how the picture is turned. The library mirrors few kinds of pictures, and turns them into a
+/// second buffer, so only what is put together from pictures that are turned themselves is left to it.
+Result<void> place(OpenPicture &picture, const ReadLimits &limits)
+{
+    const heif_image_handle *handle = picture.file.primary();
+    const QSize shown(heif_image_handle_get_width(handle), heif_image_handle_get_height(handle));
+    if (const auto checked = PictureFailures::checkSize(shown, limits); !checked)
+        return checked;
+    picture.isTurnedByLibrary = picture.measure.hasTurnedParts;
+    if (picture.isTurnedByLibrary) {
+        picture.geometry.size = shown;
+        return {};
+    }
+    const HeifItem primary = picture.items.items.value(picture.items.primary);
+    const auto geometry = HeifGeometry::of(
+        QSize(heif_image_handle_get_ispe_width(handle), heif_image_handle_get_ispe_height(handle)),
+        primary.turns);
+    if (!geometry || geometry->size != shown)
+        return fail(PictureFailures::damaged());
+    picture.geometry = *geometry;
+    return {};
+}
+
+Result<std::unique_ptr<OpenPicture>> openPicture(QIODevice &device, const ReadLimits &limits,
+                                                 const char *formatName)
+{
+    auto picture = std::make_unique<OpenPicture>(device);
+    Result<HeifItems> items = HeifItems::read(device);
+    if (!items)
+        return tl::unexpected(items.error());
+    picture->items = std::move(*items);
+    const Result<HeifMeasure> measure = measureHeif(device, picture->items, limits, formatName);
+    if (!measure)
+        return tl::unexpected(measure.error());
+    picture->measure = *measure;
+    if (const auto opened = picture->file.open(formatName); !opened)
+        return tl::unexpected(opened.error());
+    const heif_image_handle *handle = picture->file.primary();
+    if (const auto placed = place(*picture, limits); !placed)
+        return tl::unexpected(placed.error());
+    const int depth = heif_image_handle_get_luma_bits_per_pixel(handle);
+    picture->depth = depth > 0 && depth <= 16 ? depth : 8;
+    picture->hasAlpha = heif_image_handle_has_alpha_channel(handle) != 0;
+    const qint64 bytes = picture->decodingBytes();
+    if (bytes > limits.maxBytes)
+        return fail(PictureFailures::tooMuchMemory(picture->geometry.size, bytes, limits));
+    return picture;
+}
+
+/// Where the bitstream alone tells the colours, they are known after decoding.
+HeifColors nclxOf(const heif_image_handle *handle, const heif_image *image)
+{
+    heif_color_profile_nclx *colors = nullptr;
+    if (heif_image_handle_get_nclx_color_profile(handle, &colors).code != heif_error_Ok)
+        heif_image_get_nclx_color_profile(image, &colors);
+    return HeifColors(colors);
+}
+
+/// Turns rows of the decoded picture into rows of 8-bit sRGB.
+class HeifColorsToSrgb
+{
+public:
+    /// @param bits        a component's, in bytes or in words of the machine's order
+    /// @param iccProfile  of the picture; may be empty
+    HeifColorsToSrgb(int width, int bits, bool hasAlpha, bool isPremultiplied, const QByteArray &iccProfile)
+        : m_width(width)
+        , m_isDeep(bits > 8)
+        , m_full((1 << bits) - 1)
+        , m_hasAlpha(hasAlpha)
+        , m_isPremultiplied(isPremultiplied && hasAlpha)
+        , m_isGrayProfile(profileColorModel(iccProfile) == u"Gray"_qs)
+    {
+        if (m_isGrayProfile)
+            m_transform =
+                ColorTransform::toSrgb(iccProfile, m_isDeep ? PixelLayout::GrayAlpha16 : PixelLayout::Gray8);
+        else
+            m_transform =
+                ColorTransform::toSrgb(iccProfile, m_isDeep ? PixelLayout::Rgba64 : PixelLayout::Rgb32);
+        if (m_isDeep || m_isGrayProfile)
+            m_words.resize(size_t(width) * 4);
+    }
+
+    void convert(const uint8_t *row, QRgb *out)
+    {
+        if (m_isDeep)
+            convertWords(reinterpret_cast<const quint16 *>(row), out);
+        else
+            convertBytes(row, out);
+        if (!m_hasAlpha || (m_isPremultiplied && !m_transform))
+            return;
+        for (int x = 0; x < m_width; ++x)
+            out[x] = qPremultiply(out[x]);
+    }
+
+private:
+    /// A colour without its alpha, where it has to be converted by itself.
+    int straight(int value, int alpha) const
+    {
+        if (!m_isPremultiplied)
+            return value;
+        if (!m_transform)
+            return qMin(value, alpha);
+        return alpha == 0 ? 0 : qMin((value * m_full + alpha / 2) / alpha, m_full);
+    }
+
+    void convertBytes(const uint8_t *row, QRgb *out)
+    {
+        const int step = m_hasAlpha ? 4 : 3;
+        for (int x = 0; x < m_width; ++x, row += step) {
+            const int alpha = m_hasAlpha ? row[3] : 255;
+            out[x] = qRgba(straight(row[0], alpha), straight(row[1], alpha), straight(row[2], alpha), alpha);
+        }
+        if (!m_transform)
+            return;
+        if (!m_isGrayProfile) {
+            m_transform->convert(out, out, m_width);
+            return;
+        }
+        auto *grays = reinterpret_cast<uchar *>(m_words.data());
+        auto *alphas = grays + m_width;
+        for (int x = 0; x < m_width; ++x) {
+            grays[x] = uchar(qGreen(out[x]));
+            alphas[x] = uchar(qAlpha(out[x]));
+        }
+        m_transform->convert(grays, out, m_width);
+        for (int x = 0; x < m_width; ++x)
+            out[x] = (out[x] & 0x00ffffff) | QRgb(alphas[x]) << 24;
+    }
+
+    void convertWords(const quint16 *row, QRgb *out)
+    {
+        const int step = m_hasAlpha ? 4 : 3;
+        const bool toGray = m_isGrayProfile && m_transform;
+        const auto widened = [this](int value) {
+            return quint16((qMin(value, m_full) * qint64(65535) + m_full / 2) / m_full);
+        };
+        quint16 *word = m_words.data();
+        for (int x = 0; x < m_width; ++x, row += step) {
+            const int alpha = m_hasAlpha ? qMin<int>(row[3], m_full) : m_full;
+            for (int i = toGray ? 2 : 0; i < 3; ++i)
+                *word++ = widened(straight(row[i], alpha));
+            *word++ = widened(alpha);
+        }
+        if (m_transform) {
+            m_transform->convert(m_words.data(), out, m_width);
+            return;
+        }
+        word = m_words.data();
+        for (int x = 0; x < m_width; ++x, word += 4)
+            out[x] =
+                qRgba(byteOfWord(word[0]), byteOfWord(word[1]), byteOfWord(word[2]), byteOfWord(word[3]));
+    }
+
+    const int m_width;
+    const bool m_isDeep;
+    const int m_full;
+    const bool m_hasAlpha;
+    const bool m_isPremultiplied;
+    const bool m_isGrayProfile;
+    std::unique_ptr<ColorTransform> m_transform;
+    std::vector<quint16> m_words;
+};
+
+class HeifRowReader final : public RowReader
+{
+public:
+    /// Decodes the picture. Throws std::exception where the library does.
+    Result<void> decode(OpenPicture &picture, const char *formatName)
+    {
+        if (!hasRoomToSpare(picture.decodingBytes()))
+            return fail(PictureFailures::outOfMemory());
+        const std::unique_ptr<heif_decoding_options, HeifFree<heif_decoding_options_free>> options(
+            heif_decoding_options_alloc());
+        if (!options)
+            return fail(PictureFailures::outOfMemory());
+        options->ignore_transformations = picture.isTurnedByLibrary ? 0 : 1;
+        options->strict_decoding = 1; // half a picture is none
+        constexpr bool isLittle = Q_BYTE_ORDER == Q_LITTLE_ENDIAN;
+        heif_chroma chroma = picture.hasAlpha ? heif_chroma_interleaved_RGBA : heif_chroma_interleaved_RGB;
+        if (picture.isDeep() && picture.hasAlpha)
+            chroma = isLittle ? heif_chroma_interleaved_RRGGBBAA_LE : heif_chroma_interleaved_RRGGBBAA_BE;
+        else if (picture.isDeep())
+            chroma = isLittle ? heif_chroma_interleaved_RRGGBB_LE : heif_chroma_interleaved_RRGGBB_BE;
+        heif_image *decoded = nullptr;
+        const heif_error error =
+            heif_decode_image(picture.file.primary(), &decoded, heif_colorspace_RGB, chroma, options.get());
+        m_image.reset(decoded);
+        if (error.code != heif_error_Ok || !m_image)
+            return tl::unexpected(picture.file.failure(error, formatName));
+        return takeRows(picture);
+    }
+
+    RowFormat format() const override { return m_format; }
+
+    Result<void> readRows(QImage &strip, int count) override
+    {
+        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
+        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_nextRow);
+        uchar *bits = strip.bits();
+        for (int row = 0; row < count; ++row, ++m_nextRow)
+            m_colors->convert(decodedRow(m_nextRow),
+                              reinterpret_cast<QRgb *>(bits + row * strip.bytesPerLine()));
+        return {};
+    }
+
+private:
+    Result<void> takeRows(const OpenPicture &picture)
+    {
+        constexpr heif_channel all = heif_channel_interleaved;
+        m_plane = heif_image_get_plane_readonly(m_image.get(), all, &m_stride);
+        const QSize size(heif_image_get_width(m_image.get(), all), heif_image_get_height(m_image.get(), all));
+        const int bits = heif_image_get_bits_per_pixel_range(m_image.get(), all);
+        m_pixelBytes = (picture.hasAlpha ? 4 : 3) * (picture.isDeep() ? 2 : 1);
+        m_geometry = picture.geometry;
+        const bool isAsAnnounced = m_plane && covers(size) &&
+                                   (picture.isDeep() ? bits > 8 && bits <= 16 : bits == 8) &&
+                                   m_stride >= qint64(size.width()) * m_pixelBytes;
+        if (!isAsAnnounced)
+            return fail(PictureFailures::damaged());
+        m_format = {m_geometry.size, picture.hasAlpha};
+        QByteArray profile = picture.file.iccProfile();
+        if (profile.isEmpty()) {
+            const HeifColors nclx = nclxOf(picture.file.primary(), m_image.get());
+            if (nclx)
+                profile = profileOfNclx({nclx->color_primaries, nclx->transfer_characteristics});
+        }
+        const bool isPremultiplied = heif_image_handle_is_premultiplied_alpha(picture.file.primary()) != 0;
+        m_colors.emplace(m_geometry.size.width(), bits, picture.hasAlpha, isPremultiplied, profile);
+        return {};
+    }
+
+    /// Does the decoded picture have all the pixels that are asked for?
+    bool covers(QSize decoded) const
+    {
+        const QPoint last = m_geometry.origin + (m_geometry.size.width() - 1) * m_geometry.right +
+                            (m_geometry.size.height() - 1) * m_geometry.down;
+        const QRect all(QPoint(), decoded);
+        return all.contains(m_geometry.origin) && all.contains(last);
+    }
+
+    /// A row of the shown picture, as its pixels are decoded.
+    const uint8_t *decodedRow(int row)
+    {
+        const QPoint start = m_geometry.origin + row * m_geometry.down;
+        const uint8_t *from = m_plane + qsizetype(start.y()) * m_stride + start.x() * m_pixelBytes;
+        if (m_geometry.right == QPoint(1, 0))
+            return from;
+        const qsizetype step =
+            qsizetype(m_geometry.right.y()) * m_stride + m_geometry.right.x() * m_pixelBytes;
+        m_row.resize(size_t(m_geometry.size.width()) * size_t(m_pixelBytes));
+        uint8_t *to = m_row.data();
+        for (int x = 0; x < m_geometry.size.width(); ++x, from += step, to += m_pixelBytes)
+            std::copy_n(from, m_pixelBytes, to);
+        return m_row.data();
+    }
+
+    RowFormat m_format;
+    HeifGeometry m_geometry;
+    int m_pixelBytes = 0;
+    std::vector<uint8_t> m_row; ///< of a turned picture
+    HeifImage m_image;
+    const uint8_t *m_plane = nullptr;
+    int m_stride = 0;
+    std::optional<HeifColorsToSrgb> m_colors;
+    int m_nextRow = 0;
+};
+
+/// The sampling factors as a JPEG would have them.
+QByteArray samplingText(int chroma)
+{
+    switch (chroma) {
+    case 0:
+        return "11";
+    case 1:
+        return "22,11,11";
+    case 2:
+        return "21,11,11";
+    default:
+        return "11,11,11";
+    }
+}
+
+} // namespace
+
+Result<PictureInfo> HeifCodec::readInfo(QIODevice &device, const ReadLimits &limits) const
+{
+    try {
+        const Result<std::unique_ptr<OpenPicture>> opened = openPicture(device, limits, formatName());
+        if (!opened)
+            return tl::unexpected(opened.error());
+        const OpenPicture &picture = **opened;
+        PictureInfo info;
+        info.rows = {picture.geometry.size, picture.hasAlpha};
+        info.imageCount = qMax(1, heif_context_get_number_of_top_level_images(picture.file.context()));
+        info.depth = picture.depth;
+        info.colorModel = picture.measure.chroma == 0 ? QStringLiteral("Gray") : QStringLiteral("RGB");
+        info.iccProfile = picture.file.iccProfile();
+        info.chromaSampling = samplingText(picture.measure.chroma);
+        info.orientation = 1;
+        info.decoderBytes = picture.decodingBytes();
+        info.unmarkedPictures = picture.items.furtherPictures();
+        return info;
+    } catch (const std::bad_alloc &) {
+        return fail(PictureFailures::outOfMemory());
+    } catch (const std::exception &) {
+        return fail(PictureFailures::damaged());
+    }
+}
+
+Result<std::unique_ptr<RowReader>> HeifCodec::openReader(QIODevice &device, const ReadLimits &limits,
+                                                         int) const
+{
+    try {
+        const Result<std::unique_ptr<OpenPicture>> picture = openPicture(device, limits, formatName());
+        if (!picture)
+            return tl::unexpected(picture.error());
+        auto reader = std::make_unique<HeifRowReader>();
+        if (const auto decoded = reader->decode(**picture, formatName()); !decoded)
+            return tl::unexpected(decoded.error());
+        return reader;
+    } catch (const std::bad_alloc &) {
+        return fail(PictureFailures::outOfMemory());
+    } catch (const std::exception &) {
+        return fail(PictureFailures::damaged());
+    }
+}
+
+} // namespace plexa

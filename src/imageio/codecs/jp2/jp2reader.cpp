@@ -1,0 +1,365 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/base/picturefailures.h"
+#include "imageio/base/reducedrows.h"
+#include "imageio/codecs/jp2/jp2codec.h"
+#include "imageio/codecs/jp2/jp2header.h"
+#include "imageio/color/colorprofile.h"
+#include "raster/pixelformat.h"
+
+#include <openjpeg.h>
+
+#include <cstdio>
+#include <limits>
+#include <new>
+#include <vector>
+
+namespace plexa
+{
+
+namespace
+{
+
+using Kind = Jp2Header::Kind;
+using Picture = std::unique_ptr<opj_image_t, decltype(&opj_image_destroy)>;
+using Decoder = std::unique_ptr<opj_codec_t, decltype(&opj_destroy_codec)>;
+using Stream = std::unique_ptr<opj_stream_t, decltype(&opj_stream_destroy)>;
+
+/// What the library keeps of each tile, and of each component in it.
+constexpr qint64 kTileBytes = 6000;
+constexpr qint64 kTileComponentBytes = 1300;
+
+/// What a row in 16 bits takes for each of its pixels, with the opacity.
+constexpr qint64 kRowPixelBytes = 10;
+
+/// The most memory that decoding takes: the samples, in numbers of four bytes, once in the tiles and once in
+/// the picture, what a palette makes of them, the structure of a tile, the file's own bytes, and a row.
+qint64 decodingBytes(const Jp2Header &header, qint64 fileBytes)
+{
+    const auto components = int(header.components.size());
+    qint64 samples = 0, mostSamples = 0;
+    for (const Jp2Header::Component &component : header.components) {
+        const qint64 own = qint64(component.size.width()) * component.size.height();
+        samples += own;
+        mostSamples = qMax(mostSamples, own);
+    }
+    return (samples * 2 + mostSamples * header.paletteColumns) * 4 + header.structure.bytes(components) +
+           fileBytes + header.tiles * (kTileBytes + kTileComponentBytes * components) +
+           header.size.width() * kRowPixelBytes;
+}
+
+/// Do the headers say to the library what they were found to say?
+bool areSame(const opj_image_t &image, const Jp2Header &header)
+{
+    bool same = image.numcomps == header.components.size() &&
+                qint64(image.x1) - image.x0 == header.gridSize.width() &&
+                qint64(image.y1) - image.y0 == header.gridSize.height();
+    for (OPJ_UINT32 i = 0; same && i < image.numcomps; ++i) {
+        const QSize spacing = header.components[i].spacing;
+        same = image.comps[i].dx == OPJ_UINT32(spacing.width()) &&
+               image.comps[i].dy == OPJ_UINT32(spacing.height());
+    }
+    return same;
+}
+
+Result<Jp2Header> checkedHeader(QIODevice &device, const ReadLimits &limits)
+{
+    Result<Jp2Header> header = readJp2Header(device);
+    if (!header)
+        return header;
+    for (const QSize size : {header->gridSize, header->size}) {
+        if (const auto checked = PictureFailures::checkSize(size, limits); !checked)
+            return tl::unexpected(checked.error());
+    }
+    const qint64 bytes = decodingBytes(*header, device.size());
+    if (bytes > limits.maxBytes)
+        return fail(PictureFailures::tooMuchMemory(header->size, bytes, limits));
+    return header;
+}
+
+/// Decodes the codestream of a device.
+class Jp2Decoding
+{
+public:
+    Jp2Decoding(QIODevice &device, const Jp2Header &header)
+        : m_device(device)
+        , m_header(header)
+    {
+    }
+
+    /// @param halvings  how often the sides are to be halved
+    Result<Picture> decode(int halvings)
+    {
+        Picture picture(nullptr, opj_image_destroy);
+        const Stream stream(opj_stream_create(1 << 16, OPJ_TRUE), opj_stream_destroy);
+        const Decoder decoder(opj_create_decompress(m_header.isBare ? OPJ_CODEC_J2K : OPJ_CODEC_JP2),
+                              opj_destroy_codec);
+        if (!stream || !decoder)
+            return fail(PictureFailures::outOfMemory());
+        prepare(stream.get());
+        const auto note = [](const char *complaint, void *self) {
+            auto *decoding = static_cast<Jp2Decoding *>(self);
+            decoding->m_hasComplaint = true;
+            // The library has no codes. Sizes are checked before, so its "limits" are those of the memory.
+            const QByteArrayView text(complaint);
+            decoding->m_lacksMemory =
+                decoding->m_lacksMemory || text.contains("memory") || text.contains("system limits");
+        };
+        opj_set_info_handler(
+            decoder.get(), [](const char *, void *) {}, nullptr);
+        opj_set_warning_handler(decoder.get(), note, this);
+        opj_set_error_handler(decoder.get(), note, this);
+        opj_dparameters_t parameters;
+        opj_set_default_decoder_parameters(&parameters);
+        parameters.cp_reduce = OPJ_UINT32(halvings);
+        opj_image_t *image = nullptr;
+        if (!opj_setup_decoder(decoder.get(), &parameters) ||
+            !opj_read_header(stream.get(), decoder.get(), &image))
+            return fail(failureReason());
+        picture.reset(image);
+        if (!areSame(*image, m_header))
+            return fail(PictureFailures::damaged());
+        // What was complained of up to here is not in the pixels.
+        m_hasComplaint = false;
+        if (!opj_decode(decoder.get(), stream.get(), image) || m_hasComplaint || !isWhole(*image))
+            return fail(failureReason());
+        return picture;
+    }
+
+private:
+    void prepare(opj_stream_t *stream)
+    {
+        opj_stream_set_user_data(stream, this, nullptr);
+        opj_stream_set_user_data_length(stream, OPJ_UINT64(m_device.size()));
+        opj_stream_set_read_function(stream, [](void *bytes, OPJ_SIZE_T count, void *self) {
+            auto &device = static_cast<Jp2Decoding *>(self)->m_device;
+            const qint64 got = device.read(static_cast<char *>(bytes), qint64(count));
+            return got > 0 ? OPJ_SIZE_T(got) : OPJ_SIZE_T(-1);
+        });
+        opj_stream_set_skip_function(stream, [](OPJ_OFF_T count, void *self) {
+            auto &device = static_cast<Jp2Decoding *>(self)->m_device;
+            const qint64 to =
+                qBound<qint64>(0, device.pos() + qMin<qint64>(count, device.size()), device.size());
+            const qint64 moved = to - device.pos();
+            return device.seek(to) ? OPJ_OFF_T(moved) : OPJ_OFF_T(-1);
+        });
+        opj_stream_set_seek_function(stream, [](OPJ_OFF_T position, void *self) {
+            return OPJ_BOOL(static_cast<Jp2Decoding *>(self)->m_device.seek(position));
+        });
+        m_device.seek(0);
+    }
+
+    static bool isWhole(const opj_image_t &image)
+    {
+        for (OPJ_UINT32 i = 0; i < image.numcomps; ++i) {
+            const opj_image_comp_t &component = image.comps[i];
+            if (!component.data || component.w < 1 || component.h < 1 || component.prec < 1 ||
+                component.prec > 31)
+                return false;
+        }
+        return image.numcomps > 0;
+    }
+
+    QString failureReason() const
+    {
+        if (m_lacksMemory)
+            return PictureFailures::outOfMemory();
+        QByteArray end;
+        if (m_device.seek(qMax<qint64>(0, m_device.size() - 2)))
+            end = m_device.read(2);
+        return end == "\xff\xd9" ? PictureFailures::damaged() : PictureFailures::endsEarly();
+    }
+
+    QIODevice &m_device;
+    const Jp2Header &m_header;
+    bool m_hasComplaint = false;
+    bool m_lacksMemory = false;
+};
+
+/// Makes 8-bit sRGB of a row of samples.
+class Jp2RowReader final : public RowReader
+{
+public:
+    Jp2RowReader(Picture picture, Jp2Header header)
+        : m_picture(std::move(picture))
+        , m_header(std::move(header))
+        , m_format{{int(m_picture->comps[0].w), int(m_picture->comps[0].h)}, m_header.hasAlpha}
+        , m_words(size_t(m_format.size.width()) * 4)
+        , m_alphas(m_header.hasAlpha ? size_t(m_format.size.width()) : 0, 65535)
+    {
+        const int count = int(m_picture->numcomps);
+        for (int i = m_header.colors; m_header.hasAlpha && i < count && m_alphaComponent < 0; ++i) {
+            if (m_picture->comps[i].alpha != 0 || m_header.isBare)
+                m_alphaComponent = i;
+        }
+        const PixelLayout layout = m_header.kind == Kind::Gray   ? PixelLayout::GrayAlpha16
+                                   : m_header.kind == Kind::Cmyk ? PixelLayout::Cmyk16
+                                                                 : PixelLayout::Rgba64;
+        m_transform = ColorTransform::toSrgb(m_header.iccProfile, layout);
+    }
+
+    bool isConsistent() const { return int(m_picture->numcomps) >= m_header.colors; }
+
+    RowFormat format() const override { return m_format; }
+
+    Result<void> readRows(QImage &strip, int count) override
+    {
+        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
+        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_nextRow);
+        uchar *bits = strip.bits();
+        for (int row = 0; row < count; ++row, ++m_nextRow)
+            readRow(reinterpret_cast<QRgb *>(bits + row * strip.bytesPerLine()));
+        return {};
+    }
+
+private:
+    /// Component `index` of the row in 16 bits, to every `step`th word from `out` on.
+    void readSamples(int index, quint16 *out, int step) const
+    {
+        const opj_image_comp_t &component = m_picture->comps[index];
+        const opj_image_comp_t &first = m_picture->comps[0];
+        const OPJ_UINT32 row = qMin(component.h - 1, OPJ_UINT32(quint64(m_nextRow) * component.h / first.h));
+        const OPJ_INT32 *in = component.data + size_t(row) * component.w;
+        const qint64 full = (qint64(1) << component.prec) - 1;
+        const qint64 offset = component.sgnd != 0 ? qint64(1) << (component.prec - 1) : 0;
+        for (OPJ_UINT32 x = 0; x < first.w; ++x, out += step) {
+            const OPJ_UINT32 column =
+                component.w == first.w
+                    ? x
+                    : qMin(component.w - 1, OPJ_UINT32(quint64(x) * component.w / first.w));
+            *out = quint16((qBound<qint64>(0, in[column] + offset, full) * 65535 + full / 2) / full);
+        }
+    }
+
+    void readRow(QRgb *out)
+    {
+        const int width = m_format.size.width();
+        const int step = m_header.kind == Kind::Gray ? 2 : 4;
+        std::fill(m_words.begin(), m_words.end(), quint16(65535));
+        for (int i = 0; i < m_header.colors; ++i)
+            readSamples(i, m_words.data() + i, step);
+        if (m_alphaComponent >= 0)
+            readSamples(m_alphaComponent, m_alphas.data(), 1);
+        if (m_header.kind == Kind::Ycc)
+            makeRgb();
+        if (m_header.isPremultiplied && m_header.kind != Kind::Cmyk)
+            divideByAlpha(step);
+        if (m_transform)
+            m_transform->convert(m_words.data(), out, width);
+        else
+            roundColors(out, step);
+        for (int x = 0; m_header.hasAlpha && x < width; ++x)
+            out[x] = qPremultiply((out[x] & 0x00ffffff) | QRgb(byteOfWord(m_alphas[size_t(x)])) << 24);
+    }
+
+    void roundColors(QRgb *out, int step) const
+    {
+        const quint16 *word = m_words.data();
+        for (int x = 0; x < m_format.size.width(); ++x, word += step) {
+            if (m_header.kind == Kind::Gray) {
+                out[x] = qRgb(byteOfWord(word[0]), byteOfWord(word[0]), byteOfWord(word[0]));
+            } else if (m_header.kind == Kind::Cmyk) {
+                const auto light = [word](int ink) {
+                    return int(qint64(65535 - word[ink]) * (65535 - word[3]) / 65535);
+                };
+                out[x] = qRgb(byteOfWord(light(0)), byteOfWord(light(1)), byteOfWord(light(2)));
+            } else {
+                out[x] = qRgb(byteOfWord(word[0]), byteOfWord(word[1]), byteOfWord(word[2]));
+            }
+        }
+    }
+
+    /// ITU-R BT.601 over the full range.
+    void makeRgb()
+    {
+        const OPJ_UINT32 depth = m_picture->comps[1].prec;
+        const double middle = double(qint64(1) << (depth - 1)) * 65535 / double((qint64(1) << depth) - 1);
+        for (size_t at = 0; at + 3 < m_words.size(); at += 4) {
+            const double y = m_words[at], blue = m_words[at + 1] - middle, red = m_words[at + 2] - middle;
+            const auto word = [](double value) { return quint16(qBound(0.0, value + 0.5, 65535.0)); };
+            m_words[at] = word(y + 1.402 * red);
+            m_words[at + 1] = word(y - 0.344136 * blue - 0.714136 * red);
+            m_words[at + 2] = word(y + 1.772 * blue);
+        }
+    }
+
+    void divideByAlpha(int step)
+    {
+        for (size_t x = 0; x < m_alphas.size(); ++x) {
+            for (int i = 0; i < m_header.colors; ++i) {
+                quint16 &word = m_words[x * size_t(step) + size_t(i)];
+                word = quint16(qMin<qint64>(65535, qint64(word) * 65535 / qMax<qint64>(1, m_alphas[x])));
+            }
+        }
+    }
+
+    const Picture m_picture;
+    const Jp2Header m_header;
+    const RowFormat m_format;
+    std::vector<quint16> m_words;
+    std::vector<quint16> m_alphas;
+    int m_alphaComponent = -1;
+    std::unique_ptr<ColorTransform> m_transform;
+    int m_nextRow = 0;
+};
+
+} // namespace
+
+Result<PictureInfo> Jp2Codec::readInfo(QIODevice &device, const ReadLimits &limits) const
+{
+    const Result<Jp2Header> header = checkedHeader(device, limits);
+    if (!header)
+        return tl::unexpected(header.error());
+    PictureInfo info;
+    info.rows = {header->size, header->hasAlpha};
+    info.depth = header->paletteColumns > 0 ? 8 : header->components[0].depth;
+    info.colorModel = header->kind == Kind::Gray   ? QStringLiteral("Gray")
+                      : header->kind == Kind::Cmyk ? QStringLiteral("CMYK")
+                                                   : QStringLiteral("RGB");
+    info.iccProfile = header->iccProfile;
+    info.dpiWidth = header->dpiWidth;
+    info.dpiHeight = header->dpiHeight;
+    info.decoderBytes = decodingBytes(*header, device.size());
+    return info;
+}
+
+Result<std::unique_ptr<RowReader>> Jp2Codec::openReader(QIODevice &device, const ReadLimits &limits,
+                                                        int reduction) const
+{
+    Result<Jp2Header> header = checkedHeader(device, limits);
+    if (!header)
+        return tl::unexpected(header.error());
+    int halvings = 0;
+    while (header->startsAtOrigin && (2 << halvings) <= reduction && halvings + 1 < header->resolutions)
+        ++halvings;
+    Jp2Decoding decoding(device, *header);
+    Result<Picture> picture = decoding.decode(halvings);
+    if (!picture && halvings > 0) { // a tile may have fewer resolutions than the file says
+        halvings = 0;
+        picture = decoding.decode(halvings);
+    }
+    if (!picture)
+        return tl::unexpected(picture.error());
+    const QSize expected = plexa::reducedSize(header->size, 1 << halvings);
+    try {
+        auto reader = std::make_unique<Jp2RowReader>(std::move(*picture), std::move(*header));
+        if (!reader->isConsistent() || reader->format().size != expected)
+            return fail(PictureFailures::damaged());
+        return withReducedRows(std::move(reader), reduction >> halvings);
+    } catch (const std::bad_alloc &) {
+        return fail(PictureFailures::outOfMemory());
+    }
+}
+
+Result<std::unique_ptr<RowWriter>> Jp2Codec::openWriter(QIODevice &, const RowFormat &,
+                                                        const WriteOptions &) const
+{
+    return fail(PictureFailures::cannotWrite(QStringLiteral("image/jp2")));
+}
+
+QSize Jp2Codec::reducedSize(QSize size, int reduction) const
+{
+    return plexa::reducedSize(size, reduction);
+}
+
+} // namespace plexa

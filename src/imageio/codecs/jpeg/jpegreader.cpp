@@ -1,0 +1,367 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/base/picturefailures.h"
+#include "imageio/codecs/jpeg/jpegcodec.h"
+#include "imageio/codecs/jpeg/jpegerrors.h"
+#include "imageio/codecs/jpeg/jpegstructure.h"
+#include "imageio/color/colorprofile.h"
+#include "metadata/propertykeys.h"
+
+#include <array>
+#include <optional>
+#include <vector>
+
+namespace plexa
+{
+
+namespace
+{
+
+constexpr J_COLOR_SPACE kRgb32 = Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? JCS_EXT_BGRA : JCS_EXT_ARGB;
+
+/// Rows that are decoded and converted at a time: few enough to stay in the processor's cache.
+constexpr int kRowsAtATime = 16;
+
+/// Work that the scans of one progressive picture may make. An honest file has 10 to 20 scans; a few
+/// thousand of them, each a few bytes long, keep a machine busy for hours.
+constexpr qint64 kMaxScannedPixels = 20'000'000'000;
+constexpr int kScansAlwaysAllowed = 20;
+
+/// libjpeg's input: large reads from a device. Where the file ends, an end marker is put in, and the
+/// decoder itself then notices whether it still lacks data.
+struct Source {
+    jpeg_source_mgr manager;
+    QIODevice *device;
+    bool reachedEnd;
+    bool readFailed;
+    std::array<JOCTET, 256 * 1024> buffer;
+
+    void attach(QIODevice &from)
+    {
+        device = &from;
+        reachedEnd = readFailed = false;
+        manager.next_input_byte = nullptr;
+        manager.bytes_in_buffer = 0;
+        manager.init_source = [](j_decompress_ptr) {};
+        manager.term_source = [](j_decompress_ptr) {};
+        manager.resync_to_restart = jpeg_resync_to_restart;
+        manager.fill_input_buffer = [](j_decompress_ptr info) -> boolean {
+            reinterpret_cast<Source *>(info->src)->fill();
+            return TRUE;
+        };
+        manager.skip_input_data = [](j_decompress_ptr info, long count) {
+            reinterpret_cast<Source *>(info->src)->skip(count);
+        };
+    }
+
+    void fill()
+    {
+        const qint64 got = device->read(reinterpret_cast<char *>(buffer.data()), qint64(buffer.size()));
+        if (got > 0) {
+            manager.bytes_in_buffer = size_t(got);
+        } else {
+            readFailed = readFailed || got < 0;
+            reachedEnd = true;
+            buffer[0] = 0xff;
+            buffer[1] = JPEG_EOI;
+            manager.bytes_in_buffer = 2;
+        }
+        manager.next_input_byte = buffer.data();
+    }
+
+    void skip(long count)
+    {
+        if (count <= 0)
+            return;
+        if (size_t(count) <= manager.bytes_in_buffer) {
+            manager.next_input_byte += count;
+            manager.bytes_in_buffer -= size_t(count);
+            return;
+        }
+        device->skip(qint64(count) - qint64(manager.bytes_in_buffer));
+        manager.bytes_in_buffer = 0;
+    }
+};
+
+class JpegRowReader final : public RowReader
+{
+public:
+    JpegRowReader(QIODevice &device, QByteArray iccProfile, const ReadLimits &limits)
+        : m_device(device)
+        , m_iccProfile(std::move(iccProfile))
+        , m_limits(limits)
+    {
+        m_info = {};
+    }
+
+    ~JpegRowReader() override { jpeg_destroy_decompress(&m_info); }
+
+    /// Reads the header and chooses how to decode.
+    Result<void> open(int reduction)
+    {
+        m_source.attach(m_device);
+        if (!readHeader())
+            return failure();
+        const QSize size(int(m_info.image_width), int(m_info.image_height));
+        if (const auto checked = PictureFailures::checkSize(size, m_limits); !checked)
+            return checked;
+        if (const auto checked = checkCoefficients(size); !checked)
+            return checked;
+        m_info.scale_num = 1;
+        m_info.scale_denom = unsigned(reduction);
+        chooseColors();
+        m_info.out_color_space = m_outSpace;
+        if (!computeOutput())
+            return failure();
+        m_format.size = QSize(int(m_info.output_width), int(m_info.output_height));
+        m_buffer.resize(size_t(m_info.output_width) * size_t(m_bytesPerPixel) * kRowsAtATime);
+        return {};
+    }
+
+    RowFormat format() const override { return m_format; }
+
+    Result<void> readRows(QImage &strip, int count) override
+    {
+        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
+        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_rowsRead);
+        if (m_failure)
+            return fail(*m_failure);
+        if (!m_isStarted && !start())
+            return failure();
+        uchar *bits = strip.bits();
+        for (int row = 0; row < count;) {
+            const int rows = qMin(count - row, kRowsAtATime);
+            uchar *target = bits + row * strip.bytesPerLine();
+            for (int i = 0; i < rows; ++i)
+                m_rows[size_t(i)] = m_buffer.empty()
+                                        ? target + i * strip.bytesPerLine()
+                                        : m_buffer.data() + size_t(i) * m_buffer.size() / kRowsAtATime;
+            if (!decode(rows))
+                return failure();
+            for (int i = 0; i < rows; ++i)
+                convertRow(m_rows[size_t(i)], reinterpret_cast<QRgb *>(target + i * strip.bytesPerLine()));
+            row += rows;
+        }
+        m_rowsRead += count;
+        return {};
+    }
+
+private:
+    // The functions that call libjpeg: each has no object of its own that a jump would leave behind.
+
+    bool readHeader()
+    {
+        m_info.err = m_errors.attach();
+        if (setjmp(m_errors.jump))
+            return false;
+        jpeg_create_decompress(&m_info);
+        m_info.src = &m_source.manager;
+        m_info.client_data = this;
+        return jpeg_read_header(&m_info, TRUE) == JPEG_HEADER_OK;
+    }
+
+    bool computeOutput()
+    {
+        if (setjmp(m_errors.jump))
+            return false;
+        jpeg_calc_output_dimensions(&m_info);
+        return true;
+    }
+
+    bool start()
+    {
+        m_isStarted = true;
+        if (setjmp(m_errors.jump))
+            return false;
+        m_progress.progress_monitor = [](j_common_ptr info) {
+            // Only a decompressor is given this monitor.
+            auto *decoder = reinterpret_cast<j_decompress_ptr>(info);
+            const qint64 pixels = qint64(decoder->image_width) * decoder->image_height;
+            const int scans = decoder->input_scan_number;
+            auto *reader = static_cast<JpegRowReader *>(decoder->client_data);
+            if (scans > kScansAlwaysAllowed && scans > kMaxScannedPixels / pixels)
+                std::longjmp(reader->m_errors.jump, 1);
+        };
+        m_info.progress = &m_progress;
+        return jpeg_start_decompress(&m_info) && !m_errors.isDamaged && hasAllData();
+    }
+
+    bool decode(int rows)
+    {
+        if (setjmp(m_errors.jump))
+            return false;
+        for (JDIMENSION done = 0; done < JDIMENSION(rows);) {
+            const JDIMENSION got =
+                jpeg_read_scanlines(&m_info, m_rows.data() + done, JDIMENSION(rows) - done);
+            if (got == 0 || m_errors.isDamaged)
+                return false;
+            done += got;
+        }
+        // An arithmetic decoder takes missing data for zeros without a word.
+        return !(m_info.arith_code && m_source.reachedEnd);
+    }
+
+    /// Of a file that was read to its end before the first row comes out: is every scan there?
+    bool hasAllData()
+    {
+        if (!jpeg_has_multiple_scans(&m_info))
+            return true;
+        for (int i = 0; i < m_info.num_components; ++i) {
+            if (!m_info.comp_info[i].quant_table) { // set by a component's first scan
+                m_errors.lacksData = true;
+                return false;
+            }
+            for (int k = 0; m_source.reachedEnd && m_info.coef_bits && k < DCTSIZE2; ++k) {
+                if (m_info.coef_bits[i][k] != 0) { // still to come, or still to be refined
+                    m_errors.lacksData = true;
+                    return false;
+                }
+            }
+        }
+        return true;
+    }
+
+    /// Pictures of several scans are kept whole, as coefficients of two bytes.
+    Result<void> checkCoefficients(QSize size)
+    {
+        if (!jpeg_has_multiple_scans(&m_info))
+            return {};
+        qint64 bytes = 0;
+        for (int i = 0; i < m_info.num_components; ++i) {
+            const jpeg_component_info &component = m_info.comp_info[i];
+            bytes += qint64(component.width_in_blocks) * component.height_in_blocks * DCTSIZE2 * 2;
+        }
+        if (bytes > m_limits.maxBytes)
+            return fail(PictureFailures::tooMuchMemory(size, bytes, m_limits));
+        return {};
+    }
+
+    void chooseColors()
+    {
+        m_outSpace = kRgb32;
+        m_bytesPerPixel = 0; // decoded straight into the strip
+        if (m_info.jpeg_color_space == JCS_CMYK || m_info.jpeg_color_space == JCS_YCCK) {
+            m_outSpace = JCS_CMYK;
+            m_bytesPerPixel = 4;
+            m_isInverted = m_info.saw_Adobe_marker;
+            m_transform = ColorTransform::toSrgb(m_iccProfile, m_isInverted ? PixelLayout::CmykInverted8
+                                                                            : PixelLayout::Cmyk8);
+            return;
+        }
+        if (m_info.jpeg_color_space == JCS_GRAYSCALE) {
+            m_transform = ColorTransform::toSrgb(m_iccProfile, PixelLayout::Gray8);
+            if (m_transform) {
+                m_outSpace = JCS_GRAYSCALE;
+                m_bytesPerPixel = 1;
+                return;
+            }
+        }
+        m_transform = ColorTransform::toSrgb(m_iccProfile, PixelLayout::Rgb32);
+    }
+
+    void convertRow(const uchar *decoded, QRgb *out) const
+    {
+        const int width = m_format.size.width();
+        if (m_transform) {
+            m_transform->convert(decoded, out, width);
+            return;
+        }
+        if (m_outSpace != JCS_CMYK)
+            return;
+        // No profile: light that is left by each ink, times that left by black.
+        const int flip = m_isInverted ? 0 : 255;
+        for (int x = 0; x < width; ++x) {
+            const uchar *ink = decoded + 4 * x;
+            const int black = ink[3] ^ flip;
+            const auto mix = [black, flip](int value) { return (2 * (value ^ flip) * black + 255) / 510; };
+            out[x] = qRgb(mix(ink[0]), mix(ink[1]), mix(ink[2]));
+        }
+    }
+
+    tl::unexpected<Error> failure()
+    {
+        if (m_source.readFailed)
+            m_failure = PictureFailures::readError(m_device);
+        else if (m_errors.isUnsupported)
+            m_failure = PictureFailures::unsupportedKind("JPEG");
+        else if (m_errors.isOutOfMemory)
+            m_failure = PictureFailures::outOfMemory();
+        else if (m_errors.lacksData || m_source.reachedEnd)
+            m_failure = PictureFailures::endsEarly();
+        else
+            m_failure = PictureFailures::damaged();
+        return fail(*m_failure);
+    }
+
+    QIODevice &m_device;
+    const QByteArray m_iccProfile;
+    const ReadLimits m_limits;
+    JpegErrors m_errors;
+    Source m_source;
+    jpeg_decompress_struct m_info;
+    jpeg_progress_mgr m_progress = {};
+    RowFormat m_format;
+    J_COLOR_SPACE m_outSpace = kRgb32;
+    int m_bytesPerPixel = 0;
+    bool m_isInverted = false;
+    std::unique_ptr<ColorTransform> m_transform;
+    std::vector<uchar> m_buffer; ///< decoded rows that are not QRgb yet
+    std::array<JSAMPROW, kRowsAtATime> m_rows = {};
+    bool m_isStarted = false;
+    int m_rowsRead = 0;
+    std::optional<QString> m_failure;
+};
+
+} // namespace
+
+Result<PictureInfo> JpegCodec::readInfo(QIODevice &device, const ReadLimits &limits) const
+{
+    Result<JpegStructure> structure = readJpegStructure(device, limits);
+    if (!structure)
+        return tl::unexpected(structure.error());
+    PictureInfo info;
+    info.rows = {structure->size, false};
+    const qsizetype components = structure->components.size();
+    info.colorModel = components == 1   ? QStringLiteral("Gray")
+                      : components == 4 ? QStringLiteral("CMYK")
+                                        : QStringLiteral("RGB");
+    info.iccProfile = structure->iccProfile;
+    info.dpiWidth = structure->dpiWidth;
+    info.dpiHeight = structure->dpiHeight;
+    info.isProgressive = structure->isProgressive;
+    QByteArrayList factors;
+    for (const JpegStructure::Component &component : structure->components)
+        factors.append(QByteArray::number(component.horizontal) + QByteArray::number(component.vertical));
+    info.chromaSampling = factors.join(',');
+    if (!structure->jfif.isEmpty()) {
+        structure->jfif.insert(kCGImagePropertyJFIFIsProgressive, structure->isProgressive);
+        info.formatProperties.insert(kCGImagePropertyJFIFDictionary, structure->jfif);
+    }
+    if (structure->hasSeveralScans)
+        info.decoderBytes = coefficientBytes(structure->size, structure->components);
+    info.unmarkedPictures = structure->unmarkedPictures;
+    return info;
+}
+
+Result<std::unique_ptr<RowReader>> JpegCodec::openReader(QIODevice &device, const ReadLimits &limits,
+                                                         int reduction) const
+{
+    if (!device.seek(0))
+        return fail(PictureFailures::readError(device));
+    Result<JpegStructure> structure = readJpegStructure(device, limits);
+    if (!structure)
+        return tl::unexpected(structure.error());
+    if (!device.seek(0))
+        return fail(PictureFailures::readError(device));
+    auto reader = std::make_unique<JpegRowReader>(device, structure->iccProfile, limits);
+    if (const auto opened = reader->open(reduction); !opened)
+        return tl::unexpected(opened.error());
+    return reader;
+}
+
+QSize JpegCodec::reducedSize(QSize size, int reduction) const
+{
+    return {(size.width() + reduction - 1) / reduction, (size.height() + reduction - 1) / reduction};
+}
+
+} // namespace plexa

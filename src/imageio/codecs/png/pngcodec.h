@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "imageio/codecs/codec.h"
+
+namespace plexa
+{
+
+/// PNG through libpng: reads every kind, writes 8-bit RGB and RGBA.
+class PngCodec final : public Codec
+{
+public:
+    [[nodiscard]] Result<PictureInfo> readInfo(QIODevice &device, const ReadLimits &limits) const override;
+    [[nodiscard]] Result<std::unique_ptr<RowReader>> openReader(QIODevice &device, const ReadLimits &limits,
+                                                                int reduction) const override;
+    [[nodiscard]] Result<std::unique_ptr<RowWriter>> openWriter(QIODevice &device, const RowFormat &format,
+                                                                const WriteOptions &options) const override;
+};
+
+} // namespace plexa

@@ -1,0 +1,295 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/codecs/raw/rawfile.h"
+
+#include "imageio/base/openmpthreads.h"
+#include "imageio/base/picturefailures.h"
+#include "imageio/codecs/raw/rawstream.h"
+#include "metadata/metadatatext.h"
+#include "metadata/propertykeys.h"
+
+#include <QDateTime>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace plexa
+{
+
+namespace
+{
+
+/// What reading the headers may cost beside the file itself: bytes and calls.
+constexpr qint64 kHeaderWork = 64'000'000;
+
+/// Directories are looked for in many places, and some of them lie outside of a file that was cut short.
+constexpr qint64 kMaxEndReadingsInHeaders = 10'000;
+
+/// Decoders fetch some bytes more than they need.
+constexpr qint64 kMaxEndReadingsInPixels = 16;
+
+/// Developing takes time even where the file has no data and all is black; so more pixels than these have to
+/// have some. Filter arrays of six by six take ten times as long as others.
+struct DataNeeds {
+    qint64 mostPixelsWithout;
+    qint64 mostPixelsOfAByte;
+};
+constexpr DataNeeds kUsualNeeds = {32'000'000, 20};
+constexpr DataNeeds kSixBySixNeeds = {4'000'000, 4};
+
+/// What demosaicing and LibRaw itself take beside the pictures.
+constexpr qint64 kFixedBytes = 16'000'000;
+
+/// Calls LibRaw. What it throws and does not catch itself becomes its error.
+template<class Function>
+int guarded(Function function)
+{
+    const OneOpenMpThread oneThread;
+    try {
+        return function();
+    } catch (const std::bad_alloc &) {
+        return LIBRAW_UNSUFFICIENT_MEMORY;
+    } catch (const std::exception &) {
+        return LIBRAW_DATA_ERROR;
+    } catch (const LibRaw_exceptions exception) {
+        return exception == LIBRAW_EXCEPTION_IO_EOF  ? LIBRAW_IO_ERROR
+               : exception == LIBRAW_EXCEPTION_ALLOC ? LIBRAW_UNSUFFICIENT_MEMORY
+                                                     : LIBRAW_DATA_ERROR;
+    }
+}
+
+/// LibRaw's way to say how a photo is turned: bits for both mirrorings and for exchanged sides, or degrees.
+int orientationOf(int flip)
+{
+    switch ((flip % 360 + 360) % 360) {
+    case 90:
+        return 6;
+    case 180:
+        return 3;
+    case 270:
+        return 8;
+    default:
+        constexpr int kOrientations[] = {1, 2, 4, 3, 5, 8, 6, 7};
+        return kOrientations[flip & 7];
+    }
+}
+
+template<size_t size>
+QString textOf(const char (&text)[size])
+{
+    return trimmedAtEnd(decodedField(QByteArray(text, qsizetype(qstrnlen(text, uint(size))))));
+}
+
+void insertText(QVariantMap &map, QLatin1StringView key, const QString &text)
+{
+    if (!text.isEmpty())
+        map.insert(key, text);
+}
+
+void insertNumber(QVariantMap &map, QLatin1StringView key, float number, float most)
+{
+    if (std::isfinite(number) && number > 0 && number < most)
+        map.insert(key, double(number));
+}
+
+QVariantMap propertiesOf(const libraw_data_t &raw)
+{
+    QVariantMap tiff;
+    insertText(tiff, kCGImagePropertyTIFFMake, textOf(raw.idata.make));
+    insertText(tiff, kCGImagePropertyTIFFModel, textOf(raw.idata.model));
+    insertText(tiff, kCGImagePropertyTIFFSoftware, textOf(raw.idata.software));
+    insertText(tiff, kCGImagePropertyTIFFArtist, textOf(raw.other.artist));
+    insertText(tiff, kCGImagePropertyTIFFImageDescription, textOf(raw.other.desc));
+    QVariantMap exif;
+    insertNumber(exif, kCGImagePropertyExifExposureTime, raw.other.shutter, 1e6F);
+    insertNumber(exif, kCGImagePropertyExifFNumber, raw.other.aperture, 1e3F);
+    insertNumber(exif, kCGImagePropertyExifFocalLength, raw.other.focal_len, 1e5F);
+    if (raw.other.iso_speed >= 1 && raw.other.iso_speed < 1e7F)
+        exif.insert(kCGImagePropertyExifISOSpeedRatings, QVariantList{int(std::lround(raw.other.iso_speed))});
+    if (raw.other.timestamp > 0) {
+        const QDateTime time = QDateTime::fromSecsSinceEpoch(raw.other.timestamp);
+        if (time.isValid() && time.date().year() <= 9999)
+            exif.insert(kCGImagePropertyExifDateTimeOriginal,
+                        time.toString(QStringLiteral("yyyy:MM:dd HH:mm:ss")));
+    }
+    QVariantMap aux;
+    insertText(aux, kCGImagePropertyExifAuxLensModel, textOf(raw.lens.Lens));
+    QVariantMap properties;
+    for (const auto &[key, group] : {std::pair{kCGImagePropertyTIFFDictionary, tiff},
+                                     {kCGImagePropertyExifDictionary, exif},
+                                     {kCGImagePropertyExifAuxDictionary, aux}}) {
+        if (!group.isEmpty())
+            properties.insert(key, group);
+    }
+    return properties;
+}
+
+} // namespace
+
+/// Loops that LibRaw would run on several threads end the process when one of them throws: here they run on
+/// the calling thread, where exceptions are caught.
+class RawFile::Decoder final : public LibRaw
+{
+public:
+    explicit Decoder(QIODevice &device)
+        : stream(device)
+    {
+        // The ones that are set print.
+        set_memerror_handler(nullptr, nullptr);
+        set_dataerror_handler(nullptr, nullptr);
+    }
+
+    bool isRotatedBy45() const { return libraw_internal_data.internal_output_params.fuji_width != 0; }
+    int bitsOfFile() const { return int(libraw_internal_data.unpacker_data.tiff_bps); }
+
+    RawStream stream;
+
+protected:
+    void fuji_decode_loop(const struct fuji_compressed_params *parameters, int count, INT64 *offsets,
+                          unsigned *sizes) override
+    {
+        for (int strip = 0; strip < count; ++strip)
+            fuji_decode_strip(parameters, strip, offsets[strip], sizes[strip]);
+    }
+
+    void crxLoadDecodeLoop(void *image, int planes) override
+    {
+        for (int plane = 0; plane < planes; ++plane) {
+            if (crxDecodePlane(image, uint32_t(plane)) != 0)
+                derror();
+        }
+    }
+
+    void crxLoadFinalizeLoopE3(void *image, int rows) override
+    {
+        for (int row = 0; row < rows; ++row)
+            crxConvertPlaneLineDf(image, row);
+    }
+};
+
+RawFile::RawFile(QIODevice &device, const ReadLimits &limits)
+    : m_device(device)
+    , m_limits(limits)
+{
+}
+
+RawFile::~RawFile() = default;
+
+QString RawFile::failureReason(int error) const
+{
+    if (m_decoder->stream.hasFailed())
+        return PictureFailures::readError(m_device);
+    switch (error) {
+    case LIBRAW_FILE_UNSUPPORTED:
+        return PictureFailures::noRawData();
+    case LIBRAW_IO_ERROR:
+        return PictureFailures::endsEarly();
+    case LIBRAW_UNSUFFICIENT_MEMORY:
+        return PictureFailures::outOfMemory();
+    case LIBRAW_TOO_BIG:
+        return PictureFailures::tooMuchMemory(m_facts.size, m_facts.decoderBytes, m_limits);
+    default:
+        return PictureFailures::damaged();
+    }
+}
+
+Result<void> RawFile::open()
+{
+    if (!m_device.seek(0))
+        return fail(PictureFailures::readError(m_device));
+    try {
+        m_decoder = std::make_unique<Decoder>(m_device);
+    } catch (const std::bad_alloc &) {
+        return fail(PictureFailures::outOfMemory());
+    }
+    libraw_output_params_t &parameters = m_decoder->imgdata.params;
+    parameters.use_camera_wb = 1;
+    parameters.output_color = 1; // sRGB
+    parameters.output_bps = 8;
+    parameters.user_flip = 0;
+    parameters.max_raw_memory_mb = unsigned(qBound(qint64(1), m_limits.maxBytes >> 20, qint64(1) << 30));
+    m_decoder->stream.grant(kHeaderWork + 4 * m_device.size(), kMaxEndReadingsInHeaders);
+    const int error = guarded([this] { return m_decoder->open_datastream(&m_decoder->stream); });
+    if (error != LIBRAW_SUCCESS)
+        return fail(failureReason(error));
+    return readFacts();
+}
+
+Result<void> RawFile::readFacts()
+{
+    libraw_data_t &raw = m_decoder->imgdata;
+    libraw_image_sizes_t &sizes = raw.sizes;
+    m_facts.orientation = orientationOf(sizes.flip);
+    sizes.flip = 0;
+    int width = 0, height = 0, colors = 0, bits = 0;
+    m_decoder->get_mem_image_format(&width, &height, &colors, &bits);
+    m_facts.size = {width, height};
+    const QSize sensor(qMax<int>(sizes.raw_width, sizes.width + sizes.left_margin),
+                       qMax<int>(sizes.raw_height, sizes.height + sizes.top_margin) + 8);
+    for (const QSize size : {m_facts.size, QSize(sizes.width, sizes.height), sensor}) {
+        if (const auto checked = PictureFailures::checkSize(size, m_limits); !checked)
+            return checked;
+    }
+    const qint64 sensorPixels = qint64(sensor.width()) * sensor.height();
+    const qint64 photoPixels = qint64(sizes.width) * sizes.height;
+    const qint64 shownPixels = qint64(width) * height;
+    libraw_decoder_info_t decoder = {};
+    m_decoder->get_decoder_info(&decoder);
+    const bool isStretched = m_decoder->isRotatedBy45() || shownPixels != photoPixels;
+    qint64 sensorBytes = 8;
+    if ((decoder.decoder_flags & LIBRAW_DECODER_OWNALLOC) != 0)
+        sensorBytes = 24; // numbers with fractions, and beside them what is made of them
+    else if (raw.idata.filters != 0 || raw.idata.colors == 1)
+        sensorBytes = 2;
+    m_facts.decoderBytes = sensorPixels * sensorBytes + photoPixels * 8 +
+                           (isStretched ? shownPixels * 8 : 0) + shownPixels * 3 + kFixedBytes;
+    // LibRaw counts the bytes of its result in a number of 32 bits.
+    if (m_facts.decoderBytes > m_limits.maxBytes || shownPixels * 4 > std::numeric_limits<int>::max())
+        return fail(PictureFailures::tooMuchMemory(m_facts.size, m_facts.decoderBytes, m_limits));
+    const qint64 mostPixels = qMax(sensorPixels, shownPixels);
+    const DataNeeds needs = raw.idata.filters == LIBRAW_XTRANS ? kSixBySixNeeds : kUsualNeeds;
+    if (mostPixels > needs.mostPixelsWithout && mostPixels / needs.mostPixelsOfAByte > m_device.size())
+        return fail(PictureFailures::endsEarly());
+    m_facts.canHalve = raw.idata.filters > 1000 && !isStretched;
+    m_facts.pictureCount = int(qBound(1u, raw.idata.raw_count, 1000u));
+    // Makers store samples in more bits than they have; the value of white tells better, but for DNG, where
+    // it is that of the samples behind a curve.
+    while (m_facts.depth < 32 && raw.color.maximum >> m_facts.depth != 0)
+        ++m_facts.depth;
+    if (m_facts.depth == 0 || raw.idata.dng_version != 0)
+        m_facts.depth = qBound(1, m_decoder->bitsOfFile(), 32);
+    m_facts.properties = propertiesOf(raw);
+    return {};
+}
+
+Result<RawPicture> RawFile::decode(bool isHalf)
+{
+    RawStream &stream = m_decoder->stream;
+    m_decoder->imgdata.params.half_size = isHalf ? 1 : 0;
+    stream.grant(kHeaderWork + 32 * m_device.size(), kMaxEndReadingsInPixels);
+    if (const int error = guarded([this] { return m_decoder->unpack(); }); error != LIBRAW_SUCCESS)
+        return fail(failureReason(error));
+    if (m_decoder->error_count() > 0)
+        return fail(stream.endReadings() > 0 ? PictureFailures::endsEarly() : PictureFailures::damaged());
+    if (stream.hasDamagedJpeg())
+        return fail(PictureFailures::damaged());
+    if (const int error = guarded([this] { return m_decoder->dcraw_process(); }); error != LIBRAW_SUCCESS)
+        return fail(failureReason(error));
+    libraw_processed_image_t *made = nullptr;
+    const int error = guarded([this, &made] {
+        int code = LIBRAW_SUCCESS;
+        made = m_decoder->dcraw_make_mem_image(&code);
+        return made ? code : LIBRAW_UNSUFFICIENT_MEMORY;
+    });
+    const std::shared_ptr<libraw_processed_image_t> owner(made, LibRaw::dcraw_clear_mem);
+    if (error != LIBRAW_SUCCESS)
+        return fail(failureReason(error));
+    m_decoder.reset();
+    if (owner->colors != 1 && owner->colors != 3 && owner->colors != 4)
+        return fail(PictureFailures::unsupportedKind("camera raw"));
+    return RawPicture{QSize(owner->width, owner->height), owner->colors,
+                      std::shared_ptr<const uchar>(owner, owner->data)};
+}
+
+} // namespace plexa

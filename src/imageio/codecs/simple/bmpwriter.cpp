@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/base/picturefailures.h"
+#include "imageio/codecs/simple/bmpcodec.h"
+
+#include <QtEndian>
+
+#include <cmath>
+#include <limits>
+
+namespace plexa
+{
+
+namespace
+{
+
+constexpr qint64 kFileHeaderBytes = 14;
+constexpr qint64 kInfoHeaderBytes = 108; // version 4
+constexpr qint64 kHeaderBytes = kFileHeaderBytes + kInfoHeaderBytes;
+
+/// A row is filled up to whole words of four bytes.
+qint64 rowBytes(int width)
+{
+    return (qint64(width) * 3 + 3) / 4 * 4;
+}
+
+qint64 fileBytes(QSize size)
+{
+    return kHeaderBytes + rowBytes(size.width()) * size.height();
+}
+
+quint32 pixelsPerMeter(double dpi)
+{
+    return dpi > 0 && dpi < 1e6 ? quint32(std::lround(dpi / 0.0254)) : 0;
+}
+
+/// BITMAPFILEHEADER and BITMAPV4HEADER; fields that are not named are zero.
+QByteArray headerOf(QSize size, const double *dpi)
+{
+    QByteArray header(kHeaderBytes, '\0');
+    const auto put = [&header](qsizetype at, quint32 value) { qToLittleEndian(value, header.data() + at); };
+    header.replace(0, 2, "BM");
+    put(2, quint32(fileBytes(size)));
+    put(10, quint32(kHeaderBytes));
+    put(14, quint32(kInfoHeaderBytes));
+    put(18, quint32(size.width()));
+    put(22, quint32(size.height())); // positive: from the bottom row up
+    put(26, 1 | 24 << 16);           // planes, bits a pixel
+    put(34, quint32(fileBytes(size) - kHeaderBytes));
+    if (pixelsPerMeter(dpi[0]) > 0 && pixelsPerMeter(dpi[1]) > 0) {
+        put(38, pixelsPerMeter(dpi[0]));
+        put(42, pixelsPerMeter(dpi[1]));
+    }
+    put(70, 0x73524742); // LCS_sRGB
+    return header;
+}
+
+/// Puts each strip where it belongs: the last row of the picture stands first in the file.
+class BmpRowWriter final : public RowWriter
+{
+public:
+    BmpRowWriter(QIODevice &device, QSize size)
+        : m_device(device)
+        , m_size(size)
+    {
+    }
+
+    Result<void> start(const WriteOptions &options)
+    {
+        const QByteArray header = headerOf(m_size, options.dpi);
+        if (m_device.write(header) != header.size())
+            return fail(PictureFailures::writeError(m_device));
+        return {};
+    }
+
+    Result<void> writeRows(const QImage &strip, int count) override
+    {
+        Q_ASSERT(strip.format() == QImage::Format_RGB32 && strip.width() == m_size.width());
+        const qsizetype stride = rowBytes(m_size.width());
+        m_bytes.fill('\0', stride * count);
+        for (int row = 0; row < count; ++row) {
+            const auto *pixels = reinterpret_cast<const QRgb *>(strip.constScanLine(row));
+            char *out = m_bytes.data() + stride * (count - 1 - row);
+            for (int x = 0; x < m_size.width(); ++x) {
+                *out++ = char(qBlue(pixels[x]));
+                *out++ = char(qGreen(pixels[x]));
+                *out++ = char(qRed(pixels[x]));
+            }
+        }
+        m_rowsWritten += count;
+        if (!m_device.seek(kHeaderBytes + stride * (m_size.height() - m_rowsWritten)) ||
+            m_device.write(m_bytes) != m_bytes.size())
+            return fail(PictureFailures::writeError(m_device));
+        return {};
+    }
+
+    Result<void> finish() override
+    {
+        Q_ASSERT(m_rowsWritten == m_size.height());
+        if (!m_device.seek(fileBytes(m_size)))
+            return fail(PictureFailures::writeError(m_device));
+        return {};
+    }
+
+private:
+    QIODevice &m_device;
+    const QSize m_size;
+    QByteArray m_bytes; ///< of a strip
+    int m_rowsWritten = 0;
+};
+
+} // namespace
+
+Result<std::unique_ptr<RowWriter>> BmpCodec::openWriter(QIODevice &device, const RowFormat &format,
+                                                        const WriteOptions &options) const
+{
+    // The file's length has 32 bits. Sides have 31, so that the product stays below 2^63.
+    if (fileBytes(format.size) > std::numeric_limits<quint32>::max())
+        return fail(PictureFailures::tooLargeToWrite("BMP"));
+    auto writer = std::make_unique<BmpRowWriter>(device, format.size);
+    if (const auto started = writer->start(options); !started)
+        return tl::unexpected(started.error());
+    return writer;
+}
+
+} // namespace plexa

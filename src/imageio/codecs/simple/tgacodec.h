@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "imageio/codecs/codec.h"
+
+namespace plexa
+{
+
+/// Truevision TGA, all kinds with a picture: palette, true colour and grey, run-length encoded or not.
+/// Decodes a picture whole, because most stand upside down. Does not write.
+class TgaCodec final : public Codec
+{
+public:
+    [[nodiscard]] Result<PictureInfo> readInfo(QIODevice &device, const ReadLimits &limits) const override;
+    [[nodiscard]] Result<std::unique_ptr<RowReader>> openReader(QIODevice &device, const ReadLimits &limits,
+                                                                int reduction) const override;
+    [[nodiscard]] Result<std::unique_ptr<RowWriter>> openWriter(QIODevice &device, const RowFormat &format,
+                                                                const WriteOptions &options) const override;
+};
+
+} // namespace plexa

@@ -1,0 +1,354 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/color/colorprofile.h"
+
+#include <QVarLengthArray>
+
+#include <lcms2.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <type_traits>
+#include <vector>
+
+namespace plexa
+{
+
+namespace
+{
+
+struct CloseContext {
+    void operator()(std::remove_pointer_t<cmsContext> *context) const { cmsDeleteContext(context); }
+};
+struct CloseProfile {
+    void operator()(void *profile) const { cmsCloseProfile(profile); }
+};
+struct CloseTransform {
+    void operator()(void *transform) const { cmsDeleteTransform(transform); }
+};
+struct CloseCurve {
+    void operator()(cmsToneCurve *curve) const { cmsFreeToneCurve(curve); }
+};
+
+// A context of its own makes everything below independent of other threads.
+using Context = std::unique_ptr<std::remove_pointer_t<cmsContext>, CloseContext>;
+using Profile = std::unique_ptr<void, CloseProfile>;
+using Transform = std::unique_ptr<void, CloseTransform>;
+using Curve = std::unique_ptr<cmsToneCurve, CloseCurve>;
+
+constexpr cmsUInt32Number kRgb32 = Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? TYPE_BGRA_8 : TYPE_ARGB_8;
+
+struct LayoutFacts {
+    cmsUInt32Number format;
+    cmsColorSpaceSignature space;
+    bool copiesAlpha;
+};
+
+LayoutFacts factsOf(PixelLayout layout)
+{
+    switch (layout) {
+    case PixelLayout::Rgb32:
+        return {kRgb32, cmsSigRgbData, false}; // converted in place, which leaves the fourth byte alone
+    case PixelLayout::Rgba64:
+        return {TYPE_RGBA_16, cmsSigRgbData, true};
+    case PixelLayout::Gray8:
+        return {TYPE_GRAY_8, cmsSigGrayData, false};
+    case PixelLayout::GrayAlpha8:
+        return {TYPE_GRAYA_8, cmsSigGrayData, true};
+    case PixelLayout::GrayAlpha16:
+        return {TYPE_GRAYA_16, cmsSigGrayData, true};
+    case PixelLayout::Cmyk8:
+        return {TYPE_CMYK_8, cmsSigCmykData, false};
+    case PixelLayout::Cmyk16:
+        return {TYPE_CMYK_16, cmsSigCmykData, false};
+    case PixelLayout::CmykInverted8:
+        return {TYPE_CMYK_8_REV, cmsSigCmykData, false};
+    case PixelLayout::Lab16:
+        return {TYPE_Lab_16, cmsSigLabData, false};
+    }
+    Q_UNREACHABLE();
+}
+
+Profile openProfile(cmsContext context, const QByteArray &bytes)
+{
+    if (bytes.size() < 128)
+        return nullptr;
+    return Profile(cmsOpenProfileFromMemTHR(context, bytes.constData(), cmsUInt32Number(bytes.size())));
+}
+
+bool describesPictures(cmsHPROFILE profile)
+{
+    const cmsProfileClassSignature kind = cmsGetDeviceClass(profile);
+    return kind == cmsSigInputClass || kind == cmsSigDisplayClass || kind == cmsSigOutputClass ||
+           kind == cmsSigColorSpaceClass;
+}
+
+Transform makeTransform(cmsContext context, cmsHPROFILE from, cmsUInt32Number format, bool copiesAlpha)
+{
+    const Profile to(cmsCreate_sRGBProfileTHR(context));
+    if (!to)
+        return nullptr;
+    cmsUInt32Number flags = cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE;
+    if (copiesAlpha)
+        flags |= cmsFLAGS_COPY_ALPHA;
+    // The table that would stand for the formulas is coarse where sRGB ends inside of a cell.
+    if (T_COLORSPACE(format) == PT_Lab)
+        flags |= cmsFLAGS_NOOPTIMIZE;
+    return Transform(
+        cmsCreateTransformTHR(context, from, format, to.get(), kRgb32, INTENT_RELATIVE_COLORIMETRIC, flags));
+}
+
+bool leavesColorsAlone(cmsHTRANSFORM transform)
+{
+    std::vector<QRgb> grid;
+    grid.reserve(17 * 17 * 17);
+    for (int red = 0; red <= 256; red += 16) {
+        for (int green = 0; green <= 256; green += 16) {
+            for (int blue = 0; blue <= 256; blue += 16)
+                grid.push_back(qRgb(qMin(red, 255), qMin(green, 255), qMin(blue, 255)));
+        }
+    }
+    std::vector<QRgb> converted = grid;
+    cmsDoTransform(transform, grid.data(), converted.data(), cmsUInt32Number(grid.size()));
+    for (size_t i = 0; i < grid.size(); ++i) {
+        if (std::abs(qRed(grid[i]) - qRed(converted[i])) > 1 ||
+            std::abs(qGreen(grid[i]) - qGreen(converted[i])) > 1 ||
+            std::abs(qBlue(grid[i]) - qBlue(converted[i])) > 1)
+            return false;
+    }
+    return true;
+}
+
+bool leavesGraysAlone(cmsHTRANSFORM transform)
+{
+    std::array<uchar, 256> grays;
+    std::array<QRgb, 256> converted = {};
+    for (size_t i = 0; i < grays.size(); ++i)
+        grays[i] = uchar(i);
+    cmsDoTransform(transform, grays.data(), converted.data(), cmsUInt32Number(grays.size()));
+    for (int i = 0; i < 256; ++i) {
+        const QRgb color = converted[size_t(i)];
+        if (std::abs(qRed(color) - i) > 1 || std::abs(qGreen(color) - i) > 1 ||
+            std::abs(qBlue(color) - i) > 1)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+struct ColorTransform::Data {
+    Context context; // first, so that it goes last
+    Transform transform;
+    PixelLayout layout;
+
+    static std::unique_ptr<ColorTransform> make(Context context, const Profile &from, PixelLayout layout);
+};
+
+ColorTransform::ColorTransform(std::unique_ptr<Data> data)
+    : m_data(std::move(data))
+{
+}
+
+ColorTransform::~ColorTransform() = default;
+
+std::unique_ptr<ColorTransform> ColorTransform::Data::make(Context context, const Profile &from,
+                                                           PixelLayout layout)
+{
+    const LayoutFacts facts = factsOf(layout);
+    if (!from || cmsGetColorSpace(from.get()) != facts.space)
+        return nullptr;
+    if (facts.space != cmsSigLabData && !describesPictures(from.get()))
+        return nullptr;
+    if (facts.space == cmsSigRgbData) {
+        const Transform test = makeTransform(context.get(), from.get(), kRgb32, false);
+        if (!test || leavesColorsAlone(test.get()))
+            return nullptr;
+    } else if (facts.space == cmsSigGrayData) {
+        const Transform test = makeTransform(context.get(), from.get(), TYPE_GRAY_8, false);
+        if (!test || leavesGraysAlone(test.get()))
+            return nullptr;
+    }
+    Transform transform = makeTransform(context.get(), from.get(), facts.format, facts.copiesAlpha);
+    if (!transform)
+        return nullptr;
+    auto data = std::make_unique<Data>();
+    data->context = std::move(context);
+    data->transform = std::move(transform);
+    data->layout = layout;
+    return std::unique_ptr<ColorTransform>(new ColorTransform(std::move(data)));
+}
+
+std::unique_ptr<ColorTransform> ColorTransform::toSrgb(const QByteArray &iccProfile, PixelLayout layout)
+{
+    Context context(cmsCreateContext(nullptr, nullptr));
+    if (!context)
+        return nullptr;
+    const Profile from = openProfile(context.get(), iccProfile);
+    return Data::make(std::move(context), from, layout);
+}
+
+std::unique_ptr<ColorTransform> ColorTransform::toSrgb(const ColorCalibration &calibration,
+                                                       PixelLayout layout)
+{
+    // Exponents outside of these bounds make black-and-white pictures of everything.
+    if (!(calibration.gamma >= 0.05 && calibration.gamma <= 20))
+        return nullptr;
+    const auto &c = calibration.chromaticities;
+    for (size_t i = 0; i < c.size(); i += 2) {
+        if (!(c[i] >= 0 && c[i + 1] > 0 && c[i] + c[i + 1] <= 1.0001))
+            return nullptr;
+    }
+    Context context(cmsCreateContext(nullptr, nullptr));
+    if (!context)
+        return nullptr;
+    const cmsCIExyY white = {c[0], c[1], 1};
+    const cmsCIExyYTRIPLE primaries = {{c[2], c[3], 1}, {c[4], c[5], 1}, {c[6], c[7], 1}};
+    const Curve curve(cmsBuildGamma(context.get(), 1 / calibration.gamma));
+    if (!curve)
+        return nullptr;
+    cmsToneCurve *curves[3] = {curve.get(), curve.get(), curve.get()};
+    const Profile from(cmsCreateRGBProfileTHR(context.get(), &white, &primaries, curves));
+    return Data::make(std::move(context), from, layout);
+}
+
+std::unique_ptr<ColorTransform> ColorTransform::labToSrgb()
+{
+    Context context(cmsCreateContext(nullptr, nullptr));
+    if (!context)
+        return nullptr;
+    const Profile from(cmsCreateLab4ProfileTHR(context.get(), nullptr)); // null: D50
+    return Data::make(std::move(context), from, PixelLayout::Lab16);
+}
+
+void ColorTransform::convert(const void *in, QRgb *out, qsizetype count) const
+{
+    const bool hasAlpha = m_data->layout == PixelLayout::Rgba64 ||
+                          m_data->layout == PixelLayout::GrayAlpha8 ||
+                          m_data->layout == PixelLayout::GrayAlpha16;
+    if (m_data->layout == PixelLayout::Rgb32) {
+        if (in != out)
+            std::memcpy(out, in, size_t(count) * sizeof(QRgb));
+        cmsDoTransform(m_data->transform.get(), out, out, cmsUInt32Number(count));
+        return;
+    }
+    cmsDoTransform(m_data->transform.get(), in, out, cmsUInt32Number(count));
+    if (!hasAlpha) {
+        for (qsizetype i = 0; i < count; ++i)
+            out[i] |= 0xff000000;
+    }
+}
+
+QString profileColorModel(const QByteArray &iccProfile)
+{
+    const Context context(cmsCreateContext(nullptr, nullptr));
+    const Profile profile = openProfile(context.get(), iccProfile);
+    if (!profile || !describesPictures(profile.get()))
+        return {};
+    switch (cmsGetColorSpace(profile.get())) {
+    case cmsSigRgbData:
+        return QStringLiteral("RGB");
+    case cmsSigGrayData:
+        return QStringLiteral("Gray");
+    case cmsSigCmykData:
+        return QStringLiteral("CMYK");
+    case cmsSigLabData:
+        return QStringLiteral("Lab");
+    default:
+        return {};
+    }
+}
+
+QString profileDescription(const QByteArray &iccProfile)
+{
+    const Context context(cmsCreateContext(nullptr, nullptr));
+    const Profile profile = openProfile(context.get(), iccProfile);
+    if (!profile)
+        return {};
+    const cmsUInt32Number bytes =
+        cmsGetProfileInfo(profile.get(), cmsInfoDescription, "en", "US", nullptr, 0);
+    if (bytes < sizeof(wchar_t) || bytes > 4096 * sizeof(wchar_t))
+        return {};
+    std::vector<wchar_t> text(bytes / sizeof(wchar_t) + 1, L'\0');
+    cmsGetProfileInfo(profile.get(), cmsInfoDescription, "en", "US", text.data(), bytes);
+    return QString::fromWCharArray(text.data()).trimmed();
+}
+
+namespace
+{
+
+/// The curve of IEC 61966-2-1 as a table: 1024 entries keep the profile small and are exact to well under
+/// 1 of 255 between them.
+Curve srgbCurve(cmsContext context)
+{
+    std::vector<cmsUInt16Number> table(1024);
+    for (size_t i = 0; i < table.size(); ++i) {
+        const double encoded = double(i) / double(table.size() - 1);
+        const double linear = encoded <= 0.04045 ? encoded / 12.92 : std::pow((encoded + 0.055) / 1.055, 2.4);
+        table[i] = cmsUInt16Number(std::lround(linear * 65535));
+    }
+    return Curve(cmsBuildTabulatedToneCurve16(context, cmsUInt32Number(table.size()), table.data()));
+}
+
+bool setText(cmsContext context, cmsHPROFILE profile, cmsTagSignature tag, const char *text)
+{
+    cmsMLU *translations = cmsMLUalloc(context, 1);
+    const bool isSet = translations && cmsMLUsetASCII(translations, "en", "US", text) &&
+                       cmsWriteTag(profile, tag, translations);
+    cmsMLUfree(translations);
+    return isSet;
+}
+
+/// A profile of version 2, which every program reads that knows profiles at all; white is D65.
+QByteArray makeRgbProfile(cmsContext context, const cmsCIExyYTRIPLE &primaries, const Curve &curve,
+                          const char *description)
+{
+    const cmsCIExyY white = {0.3127, 0.3290, 1};
+    cmsToneCurve *curves[3] = {curve.get(), curve.get(), curve.get()};
+    const Profile profile(cmsCreateRGBProfileTHR(context, &white, &primaries, curves));
+    cmsSetProfileVersion(profile.get(), 2.1);
+    setText(context, profile.get(), cmsSigProfileDescriptionTag, description);
+    setText(context, profile.get(), cmsSigCopyrightTag, "No copyright, use freely");
+    cmsUInt32Number size = 0;
+    cmsSaveProfileToMem(profile.get(), nullptr, &size);
+    QByteArray bytes(qsizetype(size), '\0');
+    cmsSaveProfileToMem(profile.get(), bytes.data(), &size);
+    // The date of making (header bytes 24 to 35) would make two equal copies differ: a fixed one.
+    static constexpr char kDate[12] = {0x07, char(0xe8), 0, 1, 0, 1, 0, 0, 0, 0, 0, 0};
+    bytes.replace(24, 12, kDate, 12);
+    return bytes;
+}
+
+QByteArray makeSrgbProfile()
+{
+    const Context context(cmsCreateContext(nullptr, nullptr));
+    const cmsCIExyYTRIPLE primaries = {{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}};
+    return makeRgbProfile(context.get(), primaries, srgbCurve(context.get()), "sRGB IEC61966-2.1");
+}
+
+/// Adobe RGB (1998) Color Image Encoding, version 2005-05: sections 4.3.1.1 (primaries) and 4.3.4.2
+/// (exponent).
+QByteArray makeAdobeRgbProfile()
+{
+    const Context context(cmsCreateContext(nullptr, nullptr));
+    const cmsCIExyYTRIPLE primaries = {{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}};
+    const Curve curve(cmsBuildGamma(context.get(), 2.19921875));
+    return makeRgbProfile(context.get(), primaries, curve, "Adobe RGB (1998)");
+}
+
+} // namespace
+
+const QByteArray &srgbProfile()
+{
+    static const QByteArray profile = makeSrgbProfile();
+    return profile;
+}
+
+const QByteArray &adobeRgbProfile()
+{
+    static const QByteArray profile = makeAdobeRgbProfile();
+    return profile;
+}
+
+} // namespace plexa

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/container/tiffpictures.h"
+
+#include "imageio/container/tiffdirectoryreader.h"
+
+#include <set>
+
+namespace plexa
+{
+
+namespace
+{
+
+/// More pictures than that are counted as that many: a crafted chain of directories costs time.
+constexpr int kMaxPictures = 10'000;
+
+/// Directories may lie over one another; real ones have some dozens of fields.
+constexpr int kMaxFields = 400'000;
+
+constexpr quint32 kMaxInnerPictures = 16;
+
+enum Tag : quint16 {
+    NewSubfileType = 0x00FE,
+    SubfileType = 0x00FF,
+    PhotometricInterpretation = 0x0106,
+    Make = 0x010F,
+    StripOffsets = 0x0111,
+    TileOffsets = 0x0144,
+    SubIfds = 0x014A,
+    JpegInterchangeFormat = 0x0201,
+    DngVersion = 0xC612,
+};
+
+class Walk
+{
+public:
+    explicit Walk(QIODevice &device)
+        : m_reader(device)
+    {
+    }
+
+    TiffPictures pictures()
+    {
+        m_found.isTiff = m_reader.isTiff();
+        std::set<quint64> seen;
+        int fields = 0;
+        for (quint64 at = m_reader.first(); at != 0 && m_found.count < kMaxPictures && fields < kMaxFields;) {
+            const auto directory = seen.insert(at).second ? m_reader.read(at) : std::nullopt;
+            if (!directory)
+                break;
+            if (m_found.count++ == 0)
+                takeFirst(directory->fields);
+            else
+                m_found.hasFurtherPages = m_found.hasFurtherPages || isPage(directory->fields);
+            m_found.hasRawPicture = m_found.hasRawPicture || isRaw(directory->fields);
+            fields += directory->fieldCount;
+            at = directory->next;
+        }
+        return m_found;
+    }
+
+private:
+    quint64 numberOf(const TiffFields &fields, Tag tag) const { return m_reader.number(fields.value(tag)); }
+
+    void takeFirst(const TiffFields &fields)
+    {
+        m_found.beginsReduced = (numberOf(fields, NewSubfileType) & 1) != 0;
+        m_found.hasMake = fields.contains(Make);
+        m_found.isDng = fields.contains(DngVersion);
+        const TiffField inner = fields.value(SubIfds);
+        m_found.hasInnerPictures = inner.count > 0;
+        const std::vector<quint64> places = m_reader.numbers(inner, kMaxInnerPictures);
+        m_found.lacksInnerPictures = places.size() < qMin(inner.count, kMaxInnerPictures);
+        for (const quint64 at : places) {
+            const auto directory = m_reader.read(at);
+            m_found.lacksInnerPictures = m_found.lacksInnerPictures || !directory;
+            m_found.hasRawPicture = m_found.hasRawPicture || (directory && isRaw(directory->fields));
+        }
+    }
+
+    /// A filter array, or a sensor's linear samples.
+    bool isRaw(const TiffFields &fields) const
+    {
+        const quint64 model = numberOf(fields, PhotometricInterpretation);
+        return model == 32803 || model == 34892;
+    }
+
+    bool isPage(const TiffFields &fields) const
+    {
+        constexpr quint64 kPageOfMany = 2; // every other bit is one of a kind that belongs to another picture
+        const bool isWhole = (numberOf(fields, NewSubfileType) & ~kPageOfMany) == 0 &&
+                             numberOf(fields, SubfileType) != 2; // the older way to say "reduced"
+        // As EXIF keeps its thumbnail.
+        const bool isThumbnail = fields.contains(JpegInterchangeFormat) && !fields.contains(StripOffsets) &&
+                                 !fields.contains(TileOffsets);
+        constexpr quint64 kMask = 4;
+        return isWhole && !isThumbnail && !isRaw(fields) &&
+               numberOf(fields, PhotometricInterpretation) != kMask;
+    }
+
+    const TiffDirectoryReader m_reader;
+    TiffPictures m_found;
+};
+
+} // namespace
+
+TiffPictures readTiffPictures(QIODevice &device)
+{
+    return Walk(device).pictures();
+}
+
+} // namespace plexa

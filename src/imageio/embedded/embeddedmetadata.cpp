@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/embedded/embeddedmetadata.h"
+
+#include "imageio/embedded/copyencoding.h"
+#include "imageio/embedded/exif/exiv2setup.h"
+#include "imageio/embedded/metadatareading.h"
+#include "metadata/propertykeys.h"
+
+namespace plexa
+{
+
+struct EmbeddedMetadata::Data {
+    MetadataSet set;
+    QVariantMap ownProperties; ///< without what only a PNG's texts say
+    QVariantMap properties;
+};
+
+EmbeddedMetadata::EmbeddedMetadata(std::unique_ptr<Data> data)
+    : m_data(std::move(data))
+{
+}
+
+EmbeddedMetadata::~EmbeddedMetadata() = default;
+
+std::shared_ptr<const EmbeddedMetadata> EmbeddedMetadata::read(const QString &path)
+{
+    auto data = std::make_unique<Data>();
+    try {
+        data->set = readMetadataSet(path);
+        auto lock = lockXmpNamespaces();
+        const Exiv2::XmpData xmp = decodedXmp(data->set);
+        lock.unlock();
+        data->ownProperties = propertiesOfMetadata(data->set, xmp);
+        data->properties = withPngTexts(data->ownProperties, data->set.texts);
+        if (const QVariantMap png = pngTextProperties(data->set.texts); !png.isEmpty())
+            data->properties.insert(kCGImagePropertyPNGDictionary, png);
+    } catch (const std::exception &) {
+        // Metadata that cannot be understood are none.
+        data = std::make_unique<Data>();
+    }
+    return std::shared_ptr<const EmbeddedMetadata>(new EmbeddedMetadata(std::move(data)));
+}
+
+std::shared_ptr<const EmbeddedMetadata> EmbeddedMetadata::none()
+{
+    prepareMetadataLibrary();
+    return std::shared_ptr<const EmbeddedMetadata>(new EmbeddedMetadata(std::make_unique<Data>()));
+}
+
+QVariantMap EmbeddedMetadata::properties() const
+{
+    return m_data->properties;
+}
+
+bool EmbeddedMetadata::hasThumbnail() const
+{
+    const Exiv2::ExifData &exif = m_data->set.exif;
+    const auto has = [&exif](const char *key) { return exif.findKey(Exiv2::ExifKey(key)) != exif.end(); };
+    if (has("Exif.Thumbnail.JPEGInterchangeFormat"))
+        return true;
+    // Where the main directory has pixels of its own, the file is a TIFF, and the second one is a page unless
+    // it says that it is of less resolution.
+    const auto kind = exif.findKey(Exiv2::ExifKey("Exif.Thumbnail.NewSubfileType"));
+    const bool isReduced = kind != exif.end() && kind->count() > 0 && (kind->toLong() & 1);
+    const bool isTiff = has("Exif.Image.StripOffsets") || has("Exif.Image.TileOffsets");
+    return has("Exif.Thumbnail.StripOffsets") && (isReduced || !isTiff);
+}
+
+EmbeddedMetadata::Encoded EmbeddedMetadata::encodeForCopy(const QVariantMap &properties,
+                                                          const CopyFacts &facts) const
+{
+    try {
+        // What only the texts say goes into the copy's other places like an edit: a JPEG has no texts.
+        Encoded encoded = encodedForCopy(m_data->set, m_data->ownProperties, properties, facts);
+        encoded.texts = pngTextsForCopy(m_data->set.texts, m_data->properties, properties, facts.cleared);
+        return encoded;
+    } catch (const std::exception &) {
+        // A copy without metadata is better than none, and better than one with an unmarked picture.
+        return {};
+    }
+}
+
+} // namespace plexa

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "imageio/base/pictureturn.h"
+#include "imageio/container/jpegmarkers.h"
+#include "imageio/embedded/pngtexts.h"
+#include "metadata/clearedgroups.h"
+#include "platform/result.h"
+
+#include <QByteArray>
+#include <QSize>
+#include <QStringList>
+#include <QVariantMap>
+
+#include <memory>
+
+namespace plexa
+{
+
+/// The EXIF, IPTC and XMP that a file carries, whole: also what the property dictionary does not model
+/// (maker notes, unknown tags). Immutable after reading, so threads may share it. The metadata library and
+/// its exceptions stay inside.
+class EmbeddedMetadata final
+{
+public:
+    /// Reads a file's metadata. Damaged metadata never fail a photo: what cannot be read is left out.
+    static std::shared_ptr<const EmbeddedMetadata> read(const QString &path);
+
+    /// No metadata.
+    static std::shared_ptr<const EmbeddedMetadata> none();
+
+    ~EmbeddedMetadata();
+    EmbeddedMetadata(const EmbeddedMetadata &) = delete;
+    EmbeddedMetadata &operator=(const EmbeddedMetadata &) = delete;
+
+    /// The part of the property dictionary that comes from metadata: "Orientation", "DPIWidth", "DPIHeight",
+    /// "{TIFF}", "{Exif}", "{ExifAux}", "{IPTC}", "{GPS}", "{PNG}" (its texts) as far as the file has them
+    /// (keys: imageio/propertykeys.h). The author, copyright, title and description of a PNG's texts stand in
+    /// where nothing else says them. What the pixels say (size, depth, colour model, profile) is the codec's.
+    QVariantMap properties() const;
+
+    /// Does the EXIF carry a thumbnail?
+    bool hasThumbnail() const;
+
+    /// What a copy carries.
+    struct Encoded {
+        QByteArray exif;                 ///< TIFF structure, little or big endian as in the source
+        QByteArray iptc;                 ///< IIM records
+        QByteArray imageResources;       ///< Photoshop image resources without IIM records
+        QByteArray xmp;                  ///< packet, UTF-8
+        QByteArray comment;              ///< JPEG comment
+        QList<PngText> texts;            ///< for a PNG: the source's, as far as it was one, and the software
+        QByteArray thumbnailPlaceholder; ///< the bytes in `exif` that stand for the thumbnail to be made
+        QStringList omitted;             ///< what could not be kept: "maker note", "user comment"
+    };
+
+    /// How a copy differs from its source.
+    struct CopyFacts {
+        QSize pixelSize;                       ///< of the copy
+        qsizetype thumbnailBytes = 0;          ///< room to keep for a new EXIF thumbnail, 0: none
+        qsizetype maxExifBytes = kMaxJpegExif; ///< the longest EXIF that the copy's format holds
+        bool holdsIptc = true; ///< else what IIM records tell goes into the XMP, as far as it has a place
+        ClearedGroups cleared = {}; ///< what people have cleared; an emptied dictionary counts, too
+        PictureTurn turn = {};      ///< from the source's pixels to the copy's
+        bool holdsExif = true;      ///< else the same for what EXIF tells
+    };
+
+    /// Metadata for a copy: the file's own, changed where `properties` differs from properties(), freed from
+    /// every picture that shows the unmarked photo (thumbnails, previews in maker notes, XMP thumbnails),
+    /// sRGB, upright. A group that is cleared, or empty in `properties` but not here, is cleared in all
+    /// places that store it.
+    Encoded encodeForCopy(const QVariantMap &properties, const CopyFacts &facts) const;
+
+private:
+    struct Data;
+    explicit EmbeddedMetadata(std::unique_ptr<Data> data);
+    std::unique_ptr<Data> m_data;
+};
+
+} // namespace plexa

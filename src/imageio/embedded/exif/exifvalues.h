@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "metadata/metadatafields.h"
+
+#include <QVariant>
+
+#include <exiv2/exiv2.hpp>
+
+namespace plexa
+{
+
+/// A stored EXIF value as a value of the property dictionary; invalid when it does not fit the kind or is
+/// unknown (zero divided by zero).
+/// @param isTrimmed  texts lose the blanks at their end
+/// @param order      of the file, for Unicode comments
+QVariant propertyOfValue(const Exiv2::Value &value, MetadataKind kind, bool isTrimmed,
+                         Exiv2::ByteOrder order);
+
+/// Is this one number or several, bytes included?
+bool isNumeric(const Exiv2::Value &value);
+
+/// Element `n` of a numeric value: int, long long or the quotient of a rational as double. Invalid: a
+/// quotient by zero.
+QVariant numberOfValue(const Exiv2::Value &value, long n);
+
+/// All elements, 0 for the unknown; empty when the value is no numbers or too many.
+QVariantList numbersOfValue(const Exiv2::Value &value);
+
+/// The bytes of a value, numbers in little endian; empty when it is longer than a text for people.
+QByteArray bytesOfValue(const Exiv2::Value &value);
+
+/// What an IPTC record says of its character set (data set 1:90), for decodedIptcText(); empty: nothing.
+QByteArray iptcCharacterSet(const Exiv2::IptcData &iptc);
+
+/// A text, or numbers as a text; invalid when it is blank.
+QVariant textOfValue(const Exiv2::Value &value, bool isTrimmed);
+
+} // namespace plexa

@@ -1,0 +1,239 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/embedded/metadatablocks.h"
+
+#include "imageio/container/gifstructure.h"
+#include "imageio/container/imageresources.h"
+#include "imageio/container/jpegmarkers.h"
+#include "imageio/container/jpegsegmentreader.h"
+#include "imageio/embedded/heifmetadata.h"
+
+#include <QList>
+#include <QMap>
+#include <QtEndian>
+
+namespace plexa
+{
+
+namespace
+{
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int kMaxBlocks = 20'000; // chunks that are looked at before giving up
+
+void takeFirst(QByteArray &block, const QByteArray &candidate)
+{
+    if (block.isEmpty() && candidate.size() <= kMaxMetadataBytes)
+        block = candidate;
+}
+
+/// A packet in pieces: each says which packet it belongs to, how long that is and where the piece goes.
+class ExtendedXmp
+{
+public:
+    void add(const QByteArray &piece)
+    {
+        if (piece.size() < kHeadBytes)
+            return;
+        const QByteArray guid = piece.left(kGuidBytes);
+        const qsizetype length = qFromBigEndian<quint32>(piece.constData() + kGuidBytes);
+        const qsizetype offset = qFromBigEndian<quint32>(piece.constData() + kGuidBytes + 4);
+        const QByteArray text = piece.mid(kHeadBytes);
+        if (length > kMaxMetadataBytes || offset != m_packets[guid].size() || offset + text.size() > length)
+            return;
+        m_packets[guid] += text;
+        m_lengths[guid] = length;
+    }
+
+    /// The packet that the main one names, where it is whole.
+    QByteArray packetNamedIn(const QByteArray &mainPacket) const
+    {
+        for (auto packet = m_packets.begin(); packet != m_packets.end(); ++packet) {
+            if (packet->size() == m_lengths.value(packet.key()) && mainPacket.contains(packet.key()))
+                return *packet;
+        }
+        return {};
+    }
+
+private:
+    static constexpr qsizetype kGuidBytes = 32;
+    static constexpr qsizetype kHeadBytes = kGuidBytes + 8;
+    QMap<QByteArray, QByteArray> m_packets;
+    QMap<QByteArray, qsizetype> m_lengths;
+};
+
+void takeApp1(JpegSegmentReader &segments, MetadataBlocks &blocks, ExtendedXmp &extendedXmp)
+{
+    using namespace JpegSegmentName;
+    if (segments.isNamed(kExif))
+        takeFirst(blocks.exif, segments.contentsBehind(kExif));
+    else if (segments.isNamed(kXmp))
+        takeFirst(blocks.xmp, segments.contentsBehind(kXmp));
+    else if (segments.isNamed(kMoreXmp))
+        extendedXmp.add(segments.contentsBehind(kMoreXmp));
+}
+
+/// @param fillsSegment  did the comment before take up all of its segment? Then this one goes on with it.
+void takeComment(MetadataBlocks &blocks, const QByteArray &comment, bool &fillsSegment)
+{
+    if (fillsSegment)
+        blocks.comments.extendLast(comment);
+    else
+        blocks.comments.add(comment);
+    fillsSegment = comment.size() == kMaxJpegSegmentPayload;
+}
+
+MetadataBlocks readJpegBlocks(QIODevice &device)
+{
+    using namespace JpegSegmentName;
+    MetadataBlocks blocks;
+    ExtendedXmp extendedXmp;
+    bool fillsSegment = false;
+    device.seek(0);
+    JpegSegmentReader segments(device);
+    while (const std::optional<int> marker = segments.next()) {
+        if (*marker == JpegMarker::SOS || *marker == JpegMarker::EOI)
+            break;
+        if (*marker == JpegMarker::COM)
+            takeComment(blocks, segments.payload().toByteArray(), fillsSegment);
+        else if (*marker == JpegMarker::APP1)
+            takeApp1(segments, blocks, extendedXmp);
+        else if (*marker == JpegMarker::APP13 && segments.isNamed(kImageResources) &&
+                 blocks.imageResources.size() < kMaxMetadataBytes)
+            // Long resources run on in the next segment.
+            blocks.imageResources += segments.contentsBehind(kImageResources);
+    }
+    blocks.iptc = iptcOfImageResources(blocks.imageResources);
+    blocks.moreXmp = extendedXmp.packetNamedIn(blocks.xmp);
+    return blocks;
+}
+
+/// A profile that a program has put into a PNG text as "\nname\n  length\nhex digits".
+QByteArray rawProfile(const QByteArray &text)
+{
+    const QList<QByteArray> lines = text.trimmed().split('\n');
+    if (lines.size() < 3)
+        return {};
+    QByteArray data = QByteArray::fromHex(QByteArrayList(lines.mid(2)).join());
+    const qsizetype length = lines[1].trimmed().toLongLong();
+    return length > 0 ? data.left(length) : data;
+}
+
+void takeRawProfile(MetadataBlocks &blocks, const QByteArray &keyword, const QByteArray &text)
+{
+    if (!keyword.startsWith("Raw profile type "))
+        return;
+    const QByteArray kind = keyword.mid(17).toLower();
+    QByteArray data = rawProfile(text);
+    const bool startsAsExif = data.startsWith("Exif\0\0"_ba);
+    if (kind == "exif" || (kind == "app1" && startsAsExif))
+        takeFirst(blocks.exif, startsAsExif ? data.mid(6) : data);
+    else if (kind == "app1" && data.startsWith("http://ns.adobe.com/xap/1.0/\0"_ba))
+        takeFirst(blocks.xmp, data.mid(29));
+    else if (kind == "xmp")
+        takeFirst(blocks.xmp, data);
+    else if ((kind == "iptc" || kind == "8bim") && data.startsWith("8BIM"))
+        takeFirst(blocks.imageResources, data);
+    else if (kind == "iptc" || kind == "8bim")
+        takeFirst(blocks.iptc, data);
+}
+
+void takePngText(MetadataBlocks &blocks, PngTextChunks &texts, const QByteArray &type, const QByteArray &data)
+{
+    const std::optional<PngTextChunks::Content> content = texts.unpacked(type, data);
+    if (!content)
+        return;
+    if (!content->isBlock())
+        texts.add(*content);
+    else if (!content->isUtf8)
+        takeRawProfile(blocks, content->keyword, content->bytes);
+    else if (content->keyword == "XML:com.adobe.xmp")
+        takeFirst(blocks.xmp, content->bytes);
+}
+
+MetadataBlocks readPngBlocks(QIODevice &device)
+{
+    MetadataBlocks blocks;
+    PngTextChunks texts;
+    device.seek(8);
+    for (int i = 0; i < kMaxBlocks; ++i) {
+        const QByteArray head = device.read(8);
+        if (head.size() < 8)
+            break;
+        const qint64 size = qFromBigEndian<quint32>(head.constData());
+        const QByteArray type = head.mid(4);
+        const qint64 next = device.pos() + size + 4;
+        if (type == "IEND")
+            break;
+        if (size <= kMaxMetadataBytes) {
+            if (type == "eXIf") {
+                const QByteArray data = device.read(size);
+                takeFirst(blocks.exif, data.startsWith("Exif\0\0"_ba) ? data.mid(6) : data);
+            } else if (type == "tEXt" || type == "zTXt" || type == "iTXt") {
+                takePngText(blocks, texts, type, device.read(size));
+            }
+        }
+        if (next >= device.size() || !device.seek(next))
+            break;
+    }
+    takeFirst(blocks.iptc, iptcOfImageResources(blocks.imageResources));
+    blocks.texts = texts.texts();
+    return blocks;
+}
+
+MetadataBlocks readWebpBlocks(QIODevice &device)
+{
+    MetadataBlocks blocks;
+    device.seek(12);
+    for (int i = 0; i < kMaxBlocks; ++i) {
+        const QByteArray head = device.read(8);
+        if (head.size() < 8)
+            break;
+        const qint64 size = qFromLittleEndian<quint32>(head.constData() + 4);
+        const QByteArray type = head.left(4);
+        const qint64 next = device.pos() + size + size % 2;
+        if (size <= kMaxMetadataBytes) {
+            if (type == "EXIF") {
+                const QByteArray data = device.read(size);
+                takeFirst(blocks.exif, data.startsWith("Exif\0\0"_ba) ? data.mid(6) : data);
+            } else if (type == "XMP ") {
+                takeFirst(blocks.xmp, device.read(size));
+            }
+        }
+        if (next >= device.size() || !device.seek(next))
+            break;
+    }
+    return blocks;
+}
+
+MetadataBlocks readGifBlocks(QIODevice &device)
+{
+    MetadataBlocks blocks;
+    if (const Result<GifStructure> structure = readGifStructure(device)) {
+        takeFirst(blocks.xmp, structure->xmp);
+        blocks.comments = structure->comments;
+    }
+    return blocks;
+}
+
+} // namespace
+
+std::optional<MetadataBlocks> readMetadataBlocks(QIODevice &device)
+{
+    device.seek(0);
+    const QByteArray head = device.read(64);
+    if (head.startsWith("\xFF\xD8\xFF"))
+        return readJpegBlocks(device);
+    if (head.startsWith("\x89PNG\r\n\x1A\n"))
+        return readPngBlocks(device);
+    if (head.startsWith("RIFF") && head.mid(8, 4) == "WEBP")
+        return readWebpBlocks(device);
+    if (head.startsWith("GIF87a") || head.startsWith("GIF89a"))
+        return readGifBlocks(device);
+    if (isHeif(head))
+        return readHeifBlocks(device);
+    return std::nullopt;
+}
+
+} // namespace plexa

@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/embedded/metadatareading.h"
+
+#include "imageio/embedded/exif/exifvalues.h"
+#include "imageio/embedded/exif/makernotefacts.h"
+#include "imageio/embedded/xmp/xmpreading.h"
+#include "metadata/metadatafields.h"
+#include "metadata/metadatatext.h"
+#include "metadata/propertykeys.h"
+
+#include <algorithm>
+
+namespace plexa
+{
+
+namespace
+{
+
+/// Camera makers pad these names with blanks; in other texts a blank at the end is the author's.
+bool isTrimmedField(QLatin1StringView key)
+{
+    return key == kCGImagePropertyTIFFMake || key == kCGImagePropertyTIFFModel ||
+           key == kCGImagePropertyTIFFSoftware || key == kCGImagePropertyTIFFArtist ||
+           key == kCGImagePropertyExifAuxLensModel || key == kCGImagePropertyExifAuxSerialNumber ||
+           key == kCGImagePropertyExifCameraOwnerName || key == kCGImagePropertyExifSubsecTime ||
+           key == kCGImagePropertyExifSubsecTimeOrginal || key == kCGImagePropertyExifSubsecTimeDigitized;
+}
+
+QVariant exifField(const MetadataSet &set, const MetadataField &field)
+{
+    if (!field.exif)
+        return {};
+    const Exiv2::ExifKey key(field.exif);
+    auto found = set.exif.findKey(key);
+    if (found == set.exif.end() && field.group == MetadataGroup::Exif) {
+        // Scanners and raw converters put EXIF facts into the main directory, as TIFF/EP does.
+        found = std::find_if(set.exif.begin(), set.exif.end(), [&](const Exiv2::Exifdatum &datum) {
+            return datum.tag() == key.tag() && datum.groupName() == "Image";
+        });
+    }
+    return found == set.exif.end()
+               ? QVariant()
+               : propertyOfValue(found->value(), field.kind, isTrimmedField(field.key), set.byteOrder);
+}
+
+/// All values of a repeatable field together.
+constexpr qsizetype kMaxIptcTexts = 4096;
+
+QVariant iptcField(const Exiv2::IptcData &iptc, const QByteArray &characterSet, const MetadataField &field)
+{
+    if (!field.iptc || iptc.empty())
+        return {};
+    const Exiv2::IptcKey key(field.iptc);
+    QStringList texts;
+    for (const Exiv2::Iptcdatum &datum : iptc) {
+        if (datum.record() != key.record() || datum.tag() != key.tag())
+            continue;
+        const QString text = decodedIptcField(bytesOfValue(datum.value()), characterSet);
+        if (!text.isEmpty() && texts.size() < kMaxIptcTexts)
+            texts += text;
+    }
+    if (texts.isEmpty())
+        return {};
+    if (field.kind != MetadataKind::TextList)
+        return texts.constFirst();
+    return QVariantList(texts.begin(), texts.end());
+}
+
+/// The two dictionaries with facts of camera and lens have the same where only one of them was told.
+void copyToAux(QVariantMap &aux, const QVariantMap &exif)
+{
+    const auto copy = [&](QLatin1StringView auxKey, QLatin1StringView exifKey) {
+        if (exif.contains(exifKey) && !aux.contains(auxKey))
+            aux.insert(auxKey, exif.value(exifKey));
+    };
+    copy(kCGImagePropertyExifAuxLensModel, kCGImagePropertyExifLensModel);
+    copy(kCGImagePropertyExifAuxLensInfo, kCGImagePropertyExifLensSpecification);
+    copy(kCGImagePropertyExifAuxLensSerialNumber, kCGImagePropertyExifLensSerialNumber);
+    copy(kCGImagePropertyExifAuxSerialNumber, kCGImagePropertyExifBodySerialNumber);
+    copy(kCGImagePropertyExifAuxOwnerName, kCGImagePropertyExifCameraOwnerName);
+}
+
+void insertResolution(QVariantMap &properties)
+{
+    const QVariantMap tiff = properties.value(kCGImagePropertyTIFFDictionary).toMap();
+    const double perInch = tiff.value(kCGImagePropertyTIFFResolutionUnit).toInt() == 3 ? 2.54 : 1;
+    const auto insert = [&](QLatin1StringView key, QLatin1StringView tiffKey) {
+        const double resolution = tiff.value(tiffKey).toDouble() * perInch;
+        if (resolution > 0)
+            properties.insert(key, resolution);
+    };
+    // A resolution without unit tells the shape of the pixels, like one with a unit.
+    insert(kCGImagePropertyDPIWidth, kCGImagePropertyTIFFXResolution);
+    insert(kCGImagePropertyDPIHeight, kCGImagePropertyTIFFYResolution);
+}
+
+/// A copyright, caption or creator in XMP belongs to the IPTC dictionary alone; which way up a picture is
+/// and how dense its pixels are only EXIF and the container say.
+bool readsXmp(const MetadataField &field)
+{
+    return field.xmp &&
+           (field.group != MetadataGroup::Tiff || field.key == kCGImagePropertyTIFFMake ||
+            field.key == kCGImagePropertyTIFFModel || field.key == kCGImagePropertyTIFFSoftware ||
+            field.key == kCGImagePropertyTIFFDateTime);
+}
+
+} // namespace
+
+QVariantMap propertiesOfMetadata(const MetadataSet &set, const Exiv2::XmpData &xmp)
+{
+    QMap<MetadataGroup, QVariantMap> groups;
+    const auto insert = [&](const MetadataField &field, const QVariant &value) {
+        if (value.isValid() && !groups[field.group].contains(field.key))
+            groups[field.group].insert(field.key, value);
+    };
+    const QByteArray characterSet = iptcCharacterSet(set.iptc);
+    for (const MetadataField &field : metadataFields()) {
+        insert(field, exifField(set, field));
+        insert(field, iptcField(set.iptc, characterSet, field));
+    }
+    insertMakerNoteFacts(groups[MetadataGroup::ExifAux], set.exif);
+    // Fractions and offsets in XMP belong to the times in XMP.
+    insertTimesFromXmp(groups[MetadataGroup::Exif], groups[MetadataGroup::Tiff], xmp);
+    for (const MetadataField &field : metadataFields()) {
+        if (readsXmp(field))
+            insert(field, xmpField(xmp, field));
+    }
+    insertGpsFromXmp(groups[MetadataGroup::Gps], xmp);
+    insertIptcFromXmp(groups[MetadataGroup::Iptc], xmp);
+    copyToAux(groups[MetadataGroup::ExifAux], groups[MetadataGroup::Exif]);
+
+    if (!groups[MetadataGroup::Contact].isEmpty())
+        groups[MetadataGroup::Iptc].insert(kCGImagePropertyIPTCCreatorContactInfo,
+                                           groups.take(MetadataGroup::Contact));
+    QVariantMap properties;
+    for (auto group = groups.cbegin(); group != groups.cend(); ++group) {
+        if (group.key() != MetadataGroup::Contact && !group->isEmpty())
+            properties.insert(dictionaryKey(group.key()), *group);
+    }
+    const QVariant orientation =
+        properties.value(kCGImagePropertyTIFFDictionary).toMap().value(kCGImagePropertyTIFFOrientation);
+    if (orientation.isValid())
+        properties.insert(kCGImagePropertyOrientation, orientation);
+    insertResolution(properties);
+    return properties;
+}
+
+} // namespace plexa

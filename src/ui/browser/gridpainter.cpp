@@ -1,0 +1,238 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/browser/gridpainter.h"
+
+#include <QFontMetrics>
+#include <QPainter>
+#include <QTextOption>
+
+#include <algorithm>
+#include <cmath>
+
+namespace plexa
+{
+namespace
+{
+
+// Shares of a cell, and of its thumbnail's area.
+constexpr double kCellPadding = 0.05;
+constexpr double kBorder = 0.03;
+constexpr double kShadowMargin = 0.06;
+constexpr double kSelectionRadius = 0.1;
+constexpr double kPlaceholderWidth = 0.8;
+constexpr double kPlaceholderShape = 0.7; // its height by its width
+// Points.
+constexpr double kShadowBlur = 15;
+constexpr double kShadowShift = 2;
+constexpr double kFocusRing = 2;
+constexpr int kEmptyTextSize = 18;
+
+QColor translucent(Qt::GlobalColor color, double opacity)
+{
+    QColor result(color);
+    result.setAlphaF(static_cast<float>(opacity));
+    return result;
+}
+
+/// What lies at the middle of a rectangle; whole pixels.
+QRect centred(QSize size, const QRect &in)
+{
+    return {QPoint(in.x() + (in.width() - size.width()) / 2, in.y() + (in.height() - size.height()) / 2),
+            size};
+}
+
+constexpr int kWidthStep = 6; // device pixels
+
+/// Shortened in the middle by three dots.
+QString shortened(const QString &name, const QFont &font, int width)
+{
+    const QFontMetrics metrics(font);
+    if (metrics.horizontalAdvance(name) <= width)
+        return name;
+    const QString dots = QStringLiteral("...");
+    const QChar ellipsis(u'\u2026');
+    const int longer = std::max(0, metrics.horizontalAdvance(dots) - metrics.horizontalAdvance(ellipsis));
+    QString text = metrics.elidedText(name, Qt::ElideMiddle, width - longer);
+    const auto differs = std::mismatch(text.begin(), text.end(), name.begin(), name.end());
+    const auto at = text.indexOf(ellipsis, differs.first - text.begin());
+    return at < 0 ? text : text.replace(at, 1, dots);
+}
+
+QString oneLine(QString name)
+{
+    for (QChar &letter : name)
+        if (letter.category() == QChar::Other_Control || letter == QChar::LineSeparator ||
+            letter == QChar::ParagraphSeparator)
+            letter = QLatin1Char(' ');
+    return name;
+}
+
+} // namespace
+
+const QStaticText *NameLayouts::layout(const QString &name, const QFont &font, int width, bool makes)
+{
+    // In steps, so that not every step of the zoom lays all names out anew.
+    const Key key{name, std::max(0, width - width % kWidthStep), font.pixelSize()};
+    if (const QStaticText *text = m_layouts.object(key); text || !makes)
+        return text;
+    auto *text = new QStaticText(shortened(oneLine(name), font, key.width));
+    text->setTextFormat(Qt::PlainText);
+    QTextOption option;
+    option.setWrapMode(QTextOption::NoWrap);
+    text->setTextOption(option);
+    text->prepare({}, font);
+    m_layouts.insert(key, text);
+    return text;
+}
+
+bool NameLayouts::isShortened(const QString &name, const QFont &font, int width) const
+{
+    return QFontMetrics(font).horizontalAdvance(oneLine(name)) > width;
+}
+
+GridPainter::GridPainter(QPainter &painter, const GridGeometry &geometry, const GridStyle &style,
+                         CellPictures &pictures, NameLayouts &names, const Place &place)
+    : m_painter(painter)
+    , m_geometry(geometry)
+    , m_style(style)
+    , m_pictures(pictures)
+    , m_names(names)
+    , m_place(place)
+    , m_font(style.font)
+{
+    m_clock.start();
+    m_painter.save();
+    m_painter.scale(1 / place.devicePixelRatio, 1 / place.devicePixelRatio);
+    m_font.setPixelSize(std::max(1, qRound(style.textSize * place.devicePixelRatio)));
+    m_painter.setFont(m_font);
+}
+
+GridPainter::~GridPainter()
+{
+    m_painter.restore();
+}
+
+QRect GridPainter::toDevice(const QRectF &rect) const
+{
+    // Position and size are rounded apart from each other, so that all cells have the same size.
+    // The same way on both sides of 0, so that a cell that is scrolled out of view moves as all others do.
+    const double ratio = m_place.devicePixelRatio;
+    const auto pixel = [ratio](double points) { return static_cast<int>(std::floor(points * ratio + 0.5)); };
+    return {pixel(rect.x() - m_place.origin.x()), pixel(rect.y() - m_place.origin.y()),
+            qRound(rect.width() * ratio), qRound(rect.height() * ratio)};
+}
+
+void GridPainter::drawTint(const QRectF &cell)
+{
+    m_painter.fillRect(toDevice(cell), translucent(Qt::black, 0.1));
+}
+
+void GridPainter::drawInsertionBar(const QRectF &bar)
+{
+    m_painter.fillRect(toDevice(bar), translucent(Qt::white, 0.5));
+}
+
+void GridPainter::drawRubberBand(const QRectF &band)
+{
+    m_painter.fillRect(toDevice(band), translucent(Qt::blue, 0.3));
+}
+
+bool GridPainter::drawCell(const QRectF &cell, const CellContents &contents)
+{
+    const QRect cellPixels = toDevice(cell);
+    const double ratio = m_place.devicePixelRatio;
+    const double size = m_geometry.cellSize() * ratio;
+    const int padding = qRound(kCellPadding * size);
+    const QRect area = cellPixels.adjusted(padding, padding, -padding, -padding);
+
+    if (contents.isSelected)
+        m_painter.drawImage(cellPixels.topLeft(),
+                            m_pictures.selection(cellPixels.size(), kSelectionRadius * area.width()));
+    if (contents.hasFocusRing) {
+        const double line = kFocusRing * ratio;
+        m_painter.save();
+        m_painter.setRenderHint(QPainter::Antialiasing);
+        m_painter.setPen(QPen(m_style.focusColor, line));
+        m_painter.setBrush(Qt::NoBrush);
+        const double radius = kSelectionRadius * area.width();
+        m_painter.drawRoundedRect(QRectF(cellPixels).adjusted(line / 2, line / 2, -line / 2, -line / 2),
+                                  radius, radius);
+        m_painter.restore();
+    }
+
+    QRect pictureArea = area;
+    bool isSharp = true;
+    if (m_style.showFilenames) {
+        const int textHeight = qRound(m_style.textSize * ratio);
+        isSharp =
+            drawName(QRect(cellPixels.x(), area.bottom() + 1 - textHeight, cellPixels.width(), textHeight),
+                     contents.filename);
+        pictureArea.setBottom(area.bottom() - textHeight);
+    }
+    return drawThumbnail(pictureArea, contents.thumbnail) && isSharp;
+}
+
+bool GridPainter::drawThumbnail(const QRect &area, const QImage &thumbnail)
+{
+    const double ratio = m_place.devicePixelRatio;
+    if (thumbnail.isNull()) {
+        const int width = qRound(kPlaceholderWidth * area.width());
+        const QSize size(std::max(1, width), std::max(1, qRound(kPlaceholderShape * width)));
+        m_painter.drawImage(centred(size, area).topLeft(), m_pictures.placeholder(size, ratio));
+        return true;
+    }
+
+    const int border = m_style.drawBorders ? std::max(1, qRound(kBorder * area.width())) : 0;
+    const int shadow = m_style.drawShadows ? qRound(kShadowMargin * area.width()) : 0;
+    const QRect inner = area.adjusted(border + shadow, border + shadow, -border - shadow, -border - shadow);
+    const QSize size =
+        thumbnail.size().scaled(inner.size().expandedTo({1, 1}), Qt::KeepAspectRatio).expandedTo({1, 1});
+    const QRect place = centred(size, inner);
+
+    if (border > 0 || shadow > 0) {
+        const CellPictures::Mat mat{size, border, m_style.drawShadows ? kShadowBlur * ratio : 0,
+                                    m_style.drawShadows ? qRound(kShadowShift * ratio) : 0};
+        const int margin = CellPictures::matMargin(mat);
+        m_painter.drawImage(place.topLeft() - QPoint(margin, margin), m_pictures.mat(mat));
+    }
+    QImage picture = m_pictures.scaled(thumbnail, size);
+    if (picture.isNull() && hasTime())
+        picture = m_pictures.makeScaled(thumbnail, size);
+    if (!picture.isNull()) {
+        m_painter.drawImage(place.topLeft(), picture);
+        return true;
+    }
+    m_painter.save();
+    m_painter.translate(place.x(), place.y() + place.height());
+    m_painter.scale(1, -1);
+    m_painter.drawImage(QRect(QPoint(), size), m_pictures.nearest(thumbnail, size));
+    m_painter.restore();
+    return false;
+}
+
+bool GridPainter::drawName(const QRect &area, const QString &name)
+{
+    const QStaticText *text = m_names.layout(name, m_font, area.width(), hasTime());
+    if (!text)
+        return false;
+    m_painter.setPen(m_style.textColor);
+    const QSizeF size = text->size();
+    m_painter.drawStaticText(QPoint(area.x() + qRound((area.width() - size.width()) / 2),
+                                    area.y() + qRound((area.height() - size.height()) / 2)),
+                             *text);
+    return true;
+}
+
+void GridPainter::drawEmptyText(QPainter &painter, const QRectF &visible, const QFont &font,
+                                const QString &text)
+{
+    QFont large(font);
+    large.setPixelSize(kEmptyTextSize);
+    painter.save();
+    painter.setFont(large);
+    painter.setPen(QColor(85, 85, 85));
+    painter.drawText(visible, Qt::AlignCenter | Qt::TextWordWrap, text);
+    painter.restore();
+}
+
+} // namespace plexa

@@ -1,0 +1,249 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/browser/imagebrowserviewcontroller.h"
+
+#include "app/appcontroller.h"
+#include "platform/settings.h"
+#include "platform/userdefaults.h"
+#include "ui/browser/imagebrowserview.h"
+#include "ui/browser/photopromise.h"
+#include "ui/browser/photosource.h"
+#include "ui/browser/privatefolders.h"
+#include "ui/browser/promisedfiles.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QScopedValueRollback>
+
+#include <algorithm>
+#include <atomic>
+
+namespace plexa
+{
+namespace
+{
+
+constexpr float kZoomStep = 0.1F;
+
+} // namespace
+
+/// Copies for other programs in the status line, whose button stops them.
+class StatusLineProgress final : public CopyProgress
+{
+public:
+    explicit StatusLineProgress(StatusManager &status)
+        : m_status(status)
+    {
+    }
+
+    int begin() override
+    {
+        m_status.startProcessing();
+        return m_stops;
+    }
+    void setProgress(float share) override { m_status.setProgress(share, StatusOperation::Processing); }
+    bool isStopped(int begun) const override { return m_stops != begun; }
+    void end() override { m_status.endProcessing(); }
+    void stop() { ++m_stops; }
+
+private:
+    StatusManager &m_status;
+    std::atomic<int> m_stops = 0;
+};
+
+ImageBrowserViewController::ImageBrowserViewController(AppController &app, ImageBrowserView &view,
+                                                       UserDefaults &defaults, int threads)
+    : m_app(app)
+    , m_view(view)
+    , m_defaults(defaults)
+    , m_threads(threads)
+    , m_folders(std::make_shared<PrivateFolders>())
+    , m_progress(std::make_shared<StatusLineProgress>(app.statusManager()))
+    , m_cleaning([] { PrivateFolders::removeLeftovers(); })
+{
+    view.setDelegate(this);
+    view.setAllowCopying(false);
+    followShowOriginalOnMouseOver();
+    showList();
+    setShowBrowserFilenames(defaults.boolForKey(settings::imageBrowserShowsNames));
+    setBrowserZoomFactor(defaults.floatForKey(settings::imageBrowserZoomFactor));
+    connectAll();
+}
+
+ImageBrowserViewController::~ImageBrowserViewController()
+{
+    m_view.setDelegate(nullptr);
+    if (m_onClipboard) // and with it photos that need what the application is about to take down
+        QGuiApplication::clipboard()->clear();
+}
+
+void ImageBrowserViewController::connectAll()
+{
+    ImageSet &set = m_app.imageSet();
+    for (const auto changed :
+         {&ImageSet::imagesInserted, &ImageSet::imagesRemoved, &ImageSet::orderChanged, &ImageSet::listReset})
+        connect(&set, changed, this, &ImageBrowserViewController::showList);
+    connect(&set, &ImageSet::refreshed, this, [this](ImageSet::Refresh refresh) {
+        if (refresh == ImageSet::Refresh::Light)
+            m_view.refresh();
+        else
+            showList();
+    });
+    connect(&set.selection(), &ImageSelection::selectionChanged, this,
+            &ImageBrowserViewController::takeSelection);
+    connect(&set.selection(), &ImageSelection::focusImageChanged, this,
+            &ImageBrowserViewController::takeSelection);
+    connect(&m_app, &AppController::stopAllWanted, this, [this] { m_progress->stop(); });
+    connect(&m_app, &AppController::imageOutdated, this,
+            [this](const std::shared_ptr<ImageObject> &image) { m_view.refreshImage(image.get()); });
+}
+
+// ---- from the set to the grid
+
+void ImageBrowserViewController::showList()
+{
+    const QScopedValueRollback following(m_isFollowing, true);
+    const auto list = m_app.imageSet().imagesFiltered();
+    if (m_list != list.get())
+        m_view.setImages(std::make_shared<PhotoSource>(list));
+    m_list = list.get();
+    m_view.fullRefresh();
+    takeSelection();
+}
+
+void ImageBrowserViewController::takeSelection()
+{
+    const ImageSelection &selection = m_app.imageSet().selection();
+    const bool hasMoved = m_view.focusImageIndex() != selection.focusIndex();
+    m_view.takeSelection(selection.selectedIndexes(), selection.focusIndex());
+    if (hasMoved)
+        m_view.scrollFocusImageToVisible();
+}
+
+// ---- from the grid to the set
+
+void ImageBrowserViewController::tellSelection()
+{
+    if (m_isFollowing)
+        return;
+    // Comes back by the selection's signals, and finds the view as it is.
+    m_app.imageSet().selection().select(m_view.selectionIndexes(), m_view.focusImageIndex());
+}
+
+void ImageBrowserViewController::selectionDidChangeTo(const QList<int> &)
+{
+    tellSelection();
+}
+
+void ImageBrowserViewController::focusImageDidChangeTo(int, int)
+{
+    tellSelection();
+}
+
+void ImageBrowserViewController::deletePressed()
+{
+    m_app.imageSet().removeSelectedImages();
+}
+
+void ImageBrowserViewController::receivedDraggedFiles(const QStringList &paths)
+{
+    m_app.imageSet().scanImagesAtPaths(paths);
+}
+
+void ImageBrowserViewController::movedIndexes(const QList<int> &indexes, int toIndex)
+{
+    m_app.imageSet().moveIndexes(indexes, toIndex);
+}
+
+// ---- zoom and names
+
+float ImageBrowserViewController::browserZoomFactor() const
+{
+    return m_view.zoomFactor();
+}
+
+void ImageBrowserViewController::setBrowserZoomFactor(float zoomFactor)
+{
+    m_view.setZoomFactor(zoomFactor);
+    m_defaults.setObject(settings::imageBrowserZoomFactor, m_view.zoomFactor());
+    Q_EMIT browserZoomFactorChanged(m_view.zoomFactor());
+}
+
+void ImageBrowserViewController::zoomBrowser(int tag)
+{
+    setBrowserZoomFactor(m_view.zoomFactor() + (tag == 1 ? kZoomStep : -kZoomStep));
+}
+
+void ImageBrowserViewController::setShowBrowserFilenames(bool show)
+{
+    m_view.setShowFilenames(show);
+    m_defaults.setObject(settings::imageBrowserShowsNames, show);
+    Q_EMIT showBrowserFilenamesChanged(show);
+}
+
+void ImageBrowserViewController::followShowOriginalOnMouseOver()
+{
+    m_view.setShowsOriginalOnMouseOver(m_defaults.boolForKey(settings::browserShowOriginalOnMouseOver));
+}
+
+// ---- to other programs
+
+std::unique_ptr<FilePromise> ImageBrowserViewController::promisedFiles(const QList<int> &indexes)
+{
+    const auto list = m_app.imageSet().imagesFiltered();
+    PhotoPromise::Contents contents;
+    for (const int index : indexes)
+        contents.photos.push_back(list->at(static_cast<std::size_t>(index)));
+    contents.presets = m_app.appliedPresets().effectivePresetsNow();
+    if (m_savingPreset)
+        contents.savingPreset = m_savingPreset();
+    contents.preservesCreationDate = m_defaults.boolForKey(settings::exportPreserveOriginalFileCreationDate);
+    contents.threads = m_threads;
+    contents.progress = m_progress;
+    // The clipboard may outlive this object.
+    const QPointer<ImageBrowserViewController> self(this);
+    if (m_savePhotos) {
+        contents.startSaving = [self, photos = contents.photos](const QString &folder) {
+            return self && self->saveInto(photos, folder);
+        };
+    }
+    contents.reportFailures = [self](const QStringList &failures) {
+        if (self)
+            QMetaObject::invokeMethod(
+                self, [self, failures] { Q_EMIT self->copiesFailed(failures); }, Qt::QueuedConnection);
+    };
+    if (contents.photos.empty() || contents.presets.empty())
+        return nullptr;
+    return std::make_unique<PhotoPromise>(std::move(contents));
+}
+
+/// The folder becomes the user's folder for copies.
+bool ImageBrowserViewController::saveInto(const std::vector<std::shared_ptr<ImageObject>> &photos,
+                                          const QString &folder)
+{
+    if (m_app.isSavingInProgress()) {
+        QMetaObject::invokeMethod(
+            this,
+            [this, folder] { Q_EMIT copiesFailed({tr("%1: photos are being saved already").arg(folder)}); },
+            Qt::QueuedConnection);
+        return false;
+    }
+    m_defaults.setObject(settings::saveAllToOneDirectory, true);
+    m_defaults.setObject(settings::savingDirectory, folder);
+    return m_savePhotos(photos);
+}
+
+void ImageBrowserViewController::copy()
+{
+    if (m_view.selectionIndexes().isEmpty())
+        return;
+    auto promise = promisedFiles(m_view.selectionIndexes());
+    if (!promise) { // without watermarks there is nothing to paste, nor what was copied before
+        QGuiApplication::clipboard()->clear();
+        return;
+    }
+    m_onClipboard = new PromisedFiles(std::move(promise), m_folders, PromisedFiles::Use::Clipboard);
+    QGuiApplication::clipboard()->setMimeData(m_onClipboard); // which owns it
+}
+
+} // namespace plexa

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "presets/savingpresetvalues.h"
+#include "ui/browser/imagebrowserdelegate.h"
+
+#include <QMimeData>
+#include <QObject>
+#include <QPointer>
+
+#include <functional>
+#include <thread>
+#include <vector>
+
+namespace plexa
+{
+
+class AppController;
+class ImageBrowserView;
+class ImageObject;
+class PrivateFolders;
+class StatusLineProgress;
+class UserDefaults;
+
+/// Keeps the grid and the working set together: shows the set's photos, takes what the user does in the grid
+/// to the set, and what is selected from one to the other. Main thread.
+class ImageBrowserViewController final : public QObject, public ImageBrowserDelegate
+{
+    Q_OBJECT
+
+public:
+    /// All of them outlive this object, the view too; zoom and names are as the settings say.
+    ImageBrowserViewController(AppController &app, ImageBrowserView &view, UserDefaults &defaults,
+                               int threads);
+    ~ImageBrowserViewController() override;
+
+    /// Who saves what was dropped into another program's folder, as soon as there is somebody: it is to begin
+    /// a batch save of these photos by the settings, which name that folder then, and must return before it
+    /// asks the user anything.
+    using SavePhotos = std::function<bool(const std::vector<std::shared_ptr<ImageObject>> &photos)>;
+    void setSavePhotos(SavePhotos savePhotos) { m_savePhotos = std::move(savePhotos); }
+    /// Who tells the format of the files that a drag makes.
+    using SavingPresetNow = std::function<SavingPresetValues()>;
+    void setSavingPreset(SavingPresetNow savingPreset) { m_savingPreset = std::move(savingPreset); }
+
+    float browserZoomFactor() const;
+    /// Brought to 0..1, and stored.
+    void setBrowserZoomFactor(float zoomFactor);
+    /// One step. @param tag  1: in, others: out
+    void zoomBrowser(int tag);
+    void setShowBrowserFilenames(bool show);
+    /// The setting has changed.
+    void followShowOriginalOnMouseOver();
+
+    // ImageBrowserDelegate
+    void selectionDidChangeTo(const QList<int> &indexes) override;
+    void focusImageDidChangeTo(int to, int from) override;
+    void deletePressed() override;
+    void receivedDraggedFiles(const QStringList &paths) override;
+    void movedIndexes(const QList<int> &indexes, int toIndex) override;
+    void changedZoomFactorTo(float zoomFactor) override { setBrowserZoomFactor(zoomFactor); }
+    bool shouldDragPromisedFiles() override { return true; }
+    std::unique_ptr<FilePromise> promisedFiles(const QList<int> &indexes) override;
+    void copy() override;
+
+Q_SIGNALS:
+    /// For the slider and the zoom buttons; sent with every zoom, be it the same.
+    void browserZoomFactorChanged(float zoomFactor);
+    void showBrowserFilenamesChanged(bool shown);
+    /// Files that a drag or the clipboard should have given away could not be made: "path: reason", a line
+    /// each. Sent from the event loop, so that a message may be shown.
+    void copiesFailed(const QStringList &failures);
+
+private:
+    void connectAll();
+    void showList();
+    void tellSelection();
+    void takeSelection();
+    bool saveInto(const std::vector<std::shared_ptr<ImageObject>> &photos, const QString &folder);
+
+    AppController &m_app;
+    ImageBrowserView &m_view;
+    UserDefaults &m_defaults;
+    const int m_threads;
+    SavePhotos m_savePhotos;
+    SavingPresetNow m_savingPreset;
+    const std::shared_ptr<PrivateFolders> m_folders; // for the clipboard
+    QPointer<QMimeData> m_onClipboard;
+    const std::shared_ptr<StatusLineProgress> m_progress; // of copies for other programs
+    const std::jthread m_cleaning;
+    const void *m_list = nullptr; // shown by the view
+    bool m_isFollowing = false;   // what the view tells comes from us
+};
+
+} // namespace plexa

@@ -1,0 +1,252 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/browser/imagelistpane.h"
+
+#include "app/appcontroller.h"
+#include "platform/settings.h"
+#include "platform/userdefaults.h"
+#include "ui/browser/imagebrowserview.h"
+#include "ui/browser/imagebrowserviewcontroller.h"
+#include "ui/browser/imagelistview.h"
+#include "ui/widgets/commandactions.h"
+
+#include <QAction>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMenu>
+#include <QResizeEvent>
+#include <QSlider>
+#include <QStackedWidget>
+#include <QTimer>
+#include <QToolButton>
+
+namespace plexa
+{
+
+namespace
+{
+
+constexpr int kGroupGap = 10;
+constexpr int kZoomSteps = 200; // of the slider, which counts in whole numbers
+
+int sliderValue(float zoomFactor)
+{
+    return qRound(zoomFactor * kZoomSteps);
+}
+
+} // namespace
+
+ImageListPane::ImageListPane(const Services &services, QWidget *parent)
+    : QWidget(parent)
+    , m_set(services.controller.imageSet())
+    , m_defaults(services.defaults)
+    , m_actions(services.actions)
+    , m_searchField(new QLineEdit)
+    , m_imageListContainer(new QStackedWidget)
+    , m_imageBrowser(new ImageBrowserView)
+    , m_imageListTable(new ImageListView(m_set))
+    , m_browserZoomSlider(new QSlider(Qt::Horizontal))
+    , m_imageMenu(new QMenu(this))
+    , m_browserController(std::make_unique<ImageBrowserViewController>(services.controller, *m_imageBrowser,
+                                                                       services.defaults, services.threads))
+{
+    m_imageListContainer->addWidget(m_imageBrowser);
+    m_imageListContainer->addWidget(m_imageListTable);
+    m_actions.fillImageMenu(m_imageMenu);
+    m_imageListTable->setContextMenu(m_imageMenu);
+    m_imageBrowser->setContextMenu(m_imageMenu);
+    m_imageBrowser->viewport()->installEventFilter(this);
+
+    // The key belongs to the photos: elsewhere it removes other things.
+    QAction *const remove = m_actions.action(ActionId::RemoveSelected);
+    remove->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    m_imageListContainer->addAction(remove);
+
+    m_zoomRow = makeZoomRow();
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(makeButtonRow());
+    layout->addWidget(m_imageListContainer, 1);
+    layout->addWidget(m_zoomRow);
+    connectSet();
+    connectBrowser();
+    showMode(m_set.imageListIsInBrowserMode());
+}
+
+ImageListPane::~ImageListPane() = default;
+
+QWidget *ImageListPane::makeButtonRow()
+{
+    auto *const row = new QWidget;
+    auto *const layout = new QHBoxLayout(row);
+    layout->setContentsMargins(8, 4, 8, 6);
+    layout->setSpacing(2);
+    const auto add = [&](std::initializer_list<ActionId> ids) {
+        for (const ActionId id : ids)
+            layout->addWidget(m_actions.makeButton(id, row));
+        layout->addSpacing(kGroupGap);
+    };
+    add({ActionId::AddImages, ActionId::AddFolder, ActionId::RemoveSelected});
+    add({ActionId::TurnLeft, ActionId::TurnRight, ActionId::Turn180, ActionId::FlipHorizontal,
+         ActionId::FlipVertical});
+    add({ActionId::ToggleMetadata});
+    layout->addStretch(1);
+
+    m_searchField->setObjectName(QStringLiteral("searchField"));
+    m_searchField->setPlaceholderText(tr("Search names"));
+    m_searchField->setAccessibleName(tr("Search"));
+    m_searchField->setToolTip(tr("Show only photos whose names contain this text"));
+    m_searchField->setClearButtonEnabled(true);
+    m_searchField->addAction(m_actions.action(ActionId::Find)->icon(), QLineEdit::LeadingPosition);
+    m_searchField->setMinimumWidth(90);
+    m_searchField->setMaximumWidth(220);
+    m_searchField->setAcceptDrops(false); // files are meant for the window, and not their addresses
+    m_searchField->installEventFilter(this);
+    layout->addWidget(m_searchField, 2);
+    layout->addSpacing(kGroupGap);
+
+    m_imageListModeButton = m_actions.makeButton(ActionId::SwitchBatchMode, row);
+    m_imageListModeButton->setObjectName(QStringLiteral("imageListModeButton"));
+    m_imageListModeButton->setCheckable(true);
+    layout->addWidget(m_imageListModeButton);
+    return row;
+}
+
+QWidget *ImageListPane::makeZoomRow()
+{
+    m_browserZoomSlider->setObjectName(QStringLiteral("browserZoomSlider"));
+    m_browserZoomSlider->setAccessibleName(tr("Size of the thumbnails"));
+    m_browserZoomSlider->setToolTip(tr("Size of the thumbnails"));
+    m_browserZoomSlider->setRange(0, kZoomSteps);
+    m_browserZoomSlider->setPageStep(kZoomSteps / 10);
+    m_browserZoomSlider->setSingleStep(kZoomSteps / 50);
+    m_browserZoomSlider->setFixedWidth(140);
+
+    auto *const row = new QWidget;
+    auto *const layout = new QHBoxLayout(row);
+    layout->setContentsMargins(8, 1, 8, 1);
+    layout->setSpacing(4);
+    layout->addStretch();
+    layout->addWidget(m_actions.makeButton(ActionId::BrowserZoomOut, row));
+    layout->addWidget(m_browserZoomSlider);
+    layout->addWidget(m_actions.makeButton(ActionId::BrowserZoomIn, row));
+    return row;
+}
+
+void ImageListPane::connectSet()
+{
+    connect(m_searchField, &QLineEdit::textChanged, &m_set, [this](const QString &text) {
+        if (text != m_set.filterText())
+            m_set.filterImages(text);
+    });
+    connect(&m_set, &ImageSet::filterTextChanged, m_searchField,
+            [this] { m_searchField->setText(m_set.filterText()); });
+    connect(&m_set, &ImageSet::imageListModeChanged, this, &ImageListPane::showMode);
+    connect(m_imageListTable, &ImageListView::filesDropped, &m_set, &ImageSet::scanImagesAtPaths);
+    connect(m_imageListTable, &ImageListView::deletePressed, this,
+            [this] { m_actions.run(ActionId::RemoveSelected); });
+}
+
+void ImageListPane::connectBrowser()
+{
+    ImageBrowserViewController &browser = *m_browserController;
+    m_actions.setHandler(ActionId::BrowserZoomIn, [&browser] { browser.zoomBrowser(1); });
+    m_actions.setHandler(ActionId::BrowserZoomOut, [&browser] { browser.zoomBrowser(2); });
+    m_actions.setHandler(ActionId::CopyImages, [&browser] { browser.copy(); });
+    m_actions.setCondition(ActionId::CopyImages,
+                           [this] { return !m_set.selection().selectedIndexes().isEmpty(); });
+    m_actions.setHandler(ActionId::ToggleFilenames, [this] {
+        m_browserController->setShowBrowserFilenames(!m_imageBrowser->showFilenames());
+    });
+    connect(m_browserZoomSlider, &QSlider::valueChanged, &browser, [this](int value) {
+        // Not what the slider was only told, rounded to its steps.
+        if (value != sliderValue(m_imageBrowser->zoomFactor()))
+            m_browserController->setBrowserZoomFactor(static_cast<float>(value) / kZoomSteps);
+    });
+    const auto showZoom = [this](float zoomFactor) {
+        m_browserZoomSlider->setValue(sliderValue(zoomFactor));
+    };
+    connect(&browser, &ImageBrowserViewController::browserZoomFactorChanged, this, showZoom);
+    showZoom(m_imageBrowser->zoomFactor());
+    const auto showNames = [this](bool shows) {
+        m_actions.setText(ActionId::ToggleFilenames,
+                          shows ? tr("Hide File&names in Browser") : tr("Show File&names in Browser"),
+                          commandToolTip(commandRow(ActionId::ToggleFilenames)));
+    };
+    connect(&browser, &ImageBrowserViewController::showBrowserFilenamesChanged, this, showNames);
+    showNames(m_imageBrowser->showFilenames());
+}
+
+/// What the settings say of the grid.
+void ImageListPane::followSettings()
+{
+    m_browserController->setShowBrowserFilenames(m_defaults.boolForKey(settings::imageBrowserShowsNames));
+    m_browserController->setBrowserZoomFactor(m_defaults.floatForKey(settings::imageBrowserZoomFactor));
+}
+
+void ImageListPane::showMode(bool isBrowser)
+{
+    const bool hadFocus = m_imageListContainer->isAncestorOf(focusWidget());
+    m_imageListContainer->setCurrentWidget(isBrowser ? static_cast<QWidget *>(m_imageBrowser)
+                                                     : m_imageListTable);
+    m_zoomRow->setVisible(isBrowser);
+    if (isBrowser)
+        followSettings();
+    if (hadFocus || !focusWidget())
+        shownView()->setFocus();
+    m_imageListModeButton->setChecked(!isBrowser);
+    if (isBrowser)
+        m_actions.setText(ActionId::SwitchBatchMode, tr("Switch to Large &Batch Mode"),
+                          tr("Switch to the Large Batch mode. Recommended if you work with many images."));
+    else
+        m_actions.setText(ActionId::SwitchBatchMode, tr("Switch to Small &Batch Mode"),
+                          tr("Switch to the Small Batch mode. Recommended if you work with fewer images."));
+}
+
+/// Keys that lead from the search field back to the photos; Escape shows them all again.
+bool ImageListPane::endSearch(int key)
+{
+    switch (key) {
+    case Qt::Key_Escape:
+        m_searchField->clear();
+        break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Down:
+        break;
+    default:
+        return false;
+    }
+    shownView()->setFocus(Qt::OtherFocusReason);
+    return true;
+}
+
+/// The focus image that was in view stays in view when the grid gets another size.
+bool ImageListPane::eventFilter(QObject *object, QEvent *event)
+{
+    if (object == m_searchField)
+        return event->type() == QEvent::KeyPress && endSearch(static_cast<QKeyEvent *>(event)->key());
+    if (object == m_imageBrowser->viewport() && event->type() == QEvent::Resize) {
+        const QRectF seen(QPointF(0, m_imageBrowser->visibleRect().y()),
+                          QSizeF(static_cast<QResizeEvent *>(event)->oldSize()));
+        const auto cell = m_imageBrowser->cellForIndex(m_imageBrowser->focusImageIndex()); // as it was
+        if (cell && seen.intersects(*cell))
+            QTimer::singleShot(0, m_imageBrowser, &ImageBrowserView::scrollFocusImageToVisible);
+    }
+    return QWidget::eventFilter(object, event);
+}
+
+QWidget *ImageListPane::shownView() const
+{
+    return m_imageListContainer->currentWidget();
+}
+
+void ImageListPane::startSearch()
+{
+    m_searchField->setFocus(Qt::ShortcutFocusReason);
+    m_searchField->selectAll();
+}
+
+} // namespace plexa

@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/browser/imagelistview.h"
+
+#include "app/imageset.h"
+#include "ui/browser/imagelistmodel.h"
+#include "ui/browser/pathdelegate.h"
+#include "ui/widgets/emptyhint.h"
+#include "ui/widgets/filedrops.h"
+
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QScopedValueRollback>
+
+#include <algorithm>
+
+namespace plexa
+{
+
+namespace
+{
+
+IndexList rowsOf(const QItemSelection &selection)
+{
+    IndexList rows;
+    for (const QItemSelectionRange &range : selection) {
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows.append(row);
+    }
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+/// Neighbours go into one range: a selection of all photos is a single one.
+QItemSelection selectionOf(const IndexList &rows, const QAbstractItemModel &model)
+{
+    QItemSelection selection;
+    for (qsizetype begin = 0; begin < rows.size();) {
+        qsizetype end = begin + 1;
+        while (end < rows.size() && rows[end] == rows[end - 1] + 1)
+            ++end;
+        selection.append(QItemSelectionRange(model.index(rows[begin], 0), model.index(rows[end - 1], 0)));
+        begin = end;
+    }
+    return selection;
+}
+
+} // namespace
+
+ImageListView::ImageListView(ImageSet &set, QWidget *parent)
+    : QTableView(parent)
+    , m_set(set)
+    , m_model(new ImageListModel(set, this))
+{
+    setModel(m_model);
+    setUpLook();
+    setAcceptDrops(true);
+    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &ImageListView::giveSelectionToSet);
+    connect(&m_set.selection(), &ImageSelection::selectionChanged, this,
+            &ImageListView::takeSelectionFromSet);
+    connect(&m_set.selection(), &ImageSelection::scrollToFocusRequested, this,
+            &ImageListView::scrollToFirstSelected);
+    connect(m_model, &ImageListModel::settled, this, &ImageListView::takeSelectionFromSet);
+    connect(m_model, &ImageListModel::modelReset, this, &ImageListView::scrollToTop); // another list
+    connect(&m_set, &ImageSet::refreshed, viewport(), qOverload<>(&QWidget::update));
+}
+
+ImageListView::~ImageListView() = default;
+
+void ImageListView::setUpLook()
+{
+    setObjectName(QStringLiteral("imageListTable"));
+    setAccessibleName(tr("Images"));
+    setWhatsThis(tr("The photos that are watermarked together. Drop photos and folders here."));
+    setFrameShape(QFrame::NoFrame);
+    setShowGrid(false);
+    setWordWrap(false);
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(ExtendedSelection);
+    setEditTriggers(EditKeyPressed | DoubleClicked);
+    setVerticalScrollMode(ScrollPerPixel);
+    setTabKeyNavigation(false);
+    setCornerButtonEnabled(false);
+    setItemDelegate(new PathDelegate(this));
+    horizontalHeader()->hide();
+    horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    // Rows of one height: nobody has to be asked about a hundred thousand of them.
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
+    QPalette colors = palette();
+    colors.setBrush(QPalette::Highlight, Qt::transparent); // the delegate marks what is selected
+    setPalette(colors);
+    viewport()->setBackgroundRole(QPalette::Mid);
+    viewport()->setAutoFillBackground(true);
+}
+
+void ImageListView::takeSelectionFromSet()
+{
+    const IndexList &rows = m_set.selection().selectedIndexes();
+    if (m_isFollowing || m_model->isChanging() || rows == rowsOf(selectionModel()->selection()))
+        return;
+    const QScopedValueRollback guard(m_isFollowing, true);
+    selectionModel()->select(selectionOf(rows, *m_model), QItemSelectionModel::ClearAndSelect);
+    if (!rows.isEmpty())
+        selectionModel()->setCurrentIndex(m_model->index(rows.first(), 0), QItemSelectionModel::NoUpdate);
+}
+
+void ImageListView::giveSelectionToSet()
+{
+    // Of rows that come and go the set knows itself.
+    if (m_isFollowing || m_model->isChanging() || !isVisible())
+        return;
+    const QScopedValueRollback guard(m_isFollowing, true);
+    const IndexList rows = rowsOf(selectionModel()->selection());
+    m_set.selection().select(rows, rows.isEmpty() ? ImageSelection::kNone : rows.first());
+}
+
+void ImageListView::scrollToFirstSelected()
+{
+    const IndexList &rows = m_set.selection().selectedIndexes();
+    if (!rows.isEmpty())
+        scrollTo(m_model->index(rows.first(), 0));
+}
+
+void ImageListView::paintEvent(QPaintEvent *event)
+{
+    QTableView::paintEvent(event);
+    if (m_model->rowCount() == 0)
+        paintEmptyHint(viewport(), tr("Drag & drop images here"));
+}
+
+void ImageListView::resizeEvent(QResizeEvent *event)
+{
+    QTableView::resizeEvent(event);
+    scrollToFirstSelected();
+}
+
+/// There is one column, so both keys mean the rows.
+QModelIndex ImageListView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
+{
+    if (action == MoveHome || action == MoveEnd)
+        modifiers |= Qt::ControlModifier;
+    return QTableView::moveCursor(action, modifiers);
+}
+
+void ImageListView::keyPressEvent(QKeyEvent *event)
+{
+    // With modifiers they are shortcuts, which come here when their commands are disabled.
+    const bool isBare = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    if (isBare && (event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete)) {
+        Q_EMIT deletePressed();
+        return;
+    }
+    if (event->text() == QLatin1String("/")) { // goes to the search field
+        event->ignore();
+        return;
+    }
+    QTableView::keyPressEvent(event);
+}
+
+void ImageListView::contextMenuEvent(QContextMenuEvent *event)
+{
+    if (m_contextMenu)
+        m_contextMenu->popup(event->globalPos());
+}
+
+void ImageListView::dragEnterEvent(QDragEnterEvent *event)
+{
+    acceptFiles(event);
+}
+
+void ImageListView::dragMoveEvent(QDragMoveEvent *event)
+{
+    // Wherever they are dropped, the photos go to the end: no row is pointed at.
+    acceptFiles(event);
+}
+
+void ImageListView::dropEvent(QDropEvent *event)
+{
+    Q_EMIT filesDropped(droppedFiles(event->mimeData()));
+    // The files stay where they are and are only looked at: whoever dragged them is not to think otherwise.
+    event->setDropAction(Qt::IgnoreAction);
+    event->ignore();
+}
+
+} // namespace plexa

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/browser/privatefolders.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace plexa
+{
+namespace
+{
+
+constexpr int kAttempts = 3;
+constexpr qint64 kKeptSeconds = 30 * 60;
+
+/// Without the letters that QTemporaryDir puts behind it.
+QString namePrefix()
+{
+    return QCoreApplication::applicationName() + QStringLiteral("-copies-");
+}
+
+/// Opens a folder of this user and takes its lock, which the system gives back when the process ends.
+/// @return a descriptor; -1 when it is not ours or somebody holds the lock
+int lockedFolder(const QString &path)
+{
+    const int folder = open(QFile::encodeName(path).constData(),
+                            O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    struct stat own {
+    };
+    if (folder >= 0 && fstat(folder, &own) == 0 && own.st_uid == geteuid() &&
+        flock(folder, LOCK_EX | LOCK_NB) == 0)
+        return folder;
+    if (folder >= 0)
+        close(folder);
+    return -1;
+}
+
+} // namespace
+
+PrivateFolders::~PrivateFolders()
+{
+    m_root.reset();
+    if (m_lock >= 0)
+        close(m_lock);
+}
+
+QString PrivateFolders::make()
+{
+    // Another program that starts at this moment may take one without a lock for a leftover.
+    for (int attempt = 0; !m_root && attempt < kAttempts; ++attempt) {
+        auto root = std::make_unique<QTemporaryDir>(QDir::tempPath() + QLatin1Char('/') + namePrefix() +
+                                                    QStringLiteral("XXXXXX"));
+        m_lock = root->isValid() ? lockedFolder(root->path()) : -1;
+        if (m_lock >= 0 || attempt + 1 == kAttempts)
+            m_root = std::move(root);
+    }
+    const QString name = QString::number(++m_count);
+    if (!m_root->isValid() || !QDir(m_root->path()).mkdir(name))
+        return {};
+    // Who was to take over the files of old ones has done so.
+    const QDateTime now = QDateTime::currentDateTime();
+    for (const QFileInfo &folder : QDir(m_root->path()).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        if (folder.lastModified().secsTo(now) > kKeptSeconds)
+            QDir(folder.filePath()).removeRecursively();
+    }
+    return m_root->filePath(name);
+}
+
+int PrivateFolders::removeLeftovers()
+{
+    int removed = 0;
+    const QDir temporary(QDir::tempPath());
+    for (const QString &name : temporary.entryList({namePrefix() + QStringLiteral("??????")},
+                                                   QDir::Dirs | QDir::Hidden | QDir::NoSymLinks)) {
+        const int folder = lockedFolder(temporary.filePath(name));
+        if (folder < 0)
+            continue;
+        removed += QDir(temporary.filePath(name)).removeRecursively() ? 1 : 0;
+        close(folder);
+    }
+    return removed;
+}
+
+} // namespace plexa

@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/presets/presetspanel.h"
+
+#include "app/appliedpresets.h"
+#include "ui/widgets/commandactions.h"
+#include "ui/widgets/modeselector.h"
+#include "ui/widgets/presetlistmodel.h"
+#include "ui/widgets/presetlistview.h"
+#include "ui/widgets/sectiontitle.h"
+
+#include <QAction>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QScrollBar>
+#include <QStackedWidget>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace plexa
+{
+
+namespace
+{
+
+QHBoxLayout *buttonRow()
+{
+    auto *const row = new QHBoxLayout;
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(2);
+    return row;
+}
+
+} // namespace
+
+PresetsPanel::PresetsPanel(AppliedPresets &applied, CommandActions &actions, QWidget *parent)
+    : QWidget(parent)
+    , m_applied(applied)
+    , m_appliedModel(new PresetListModel(this))
+    , m_allModel(new PresetListModel(this))
+    , m_appliedTable(new PresetListView(*m_appliedModel))
+    , m_allTable(new PresetListView(*m_allModel))
+{
+    m_modeSegments = new ModeSelector(
+        {{QStringLiteral("singleModeButton"), tr("Single"), commandToolTip(commandRow(ActionId::SingleMode))},
+         {QStringLiteral("presetsModeButton"), tr("Presets"),
+          commandToolTip(commandRow(ActionId::PresetsMode))}});
+    m_quickContainer = new QWidget;
+    m_quickContainer->setObjectName(QStringLiteral("quickWPresetContainer"));
+    m_modeContainer = new QStackedWidget;
+    m_modeContainer->addWidget(m_quickContainer);
+    m_modeContainer->addWidget(makePresetsView(actions));
+
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(12);
+    layout->addWidget(m_modeSegments);
+    layout->addWidget(m_modeContainer, 1);
+    connectLists();
+    showMode();
+    showApplied();
+}
+
+PresetsPanel::~PresetsPanel() = default;
+
+QWidget *PresetsPanel::makePresetsView(CommandActions &actions)
+{
+    m_appliedTable->setObjectName(QStringLiteral("wPresetsAppliedTable"));
+    m_appliedTable->setAccessibleName(tr("Applied presets"));
+    m_appliedTable->setWhatsThis(tr("The presets that are drawn on the photos, in this order. Drag them into "
+                                    "another order; double-click one to edit it."));
+    m_appliedTable->setAllowsReordering();
+    m_appliedTable->setEmptyHint(tr("No preset is applied yet"));
+    m_allTable->setObjectName(QStringLiteral("wPresetsAllTable"));
+    m_allTable->setAccessibleName(tr("All presets"));
+    m_allTable->setWhatsThis(tr("All watermark presets. Press Enter to apply the selected ones; "
+                                "double-click one to edit it."));
+    m_allTable->setEmptyHint(tr("No presets yet"));
+
+    const auto setContextMenu = [&actions](QWidget *table, std::initializer_list<ActionId> ids) {
+        table->setContextMenuPolicy(Qt::ActionsContextMenu);
+        for (const ActionId id : ids)
+            table->addAction(actions.action(id));
+    };
+    setContextMenu(m_appliedTable, {ActionId::RemoveAppliedPresets, ActionId::ClearAppliedPresets,
+                                    ActionId::ToggleWatermarkPresets});
+    setContextMenu(m_allTable,
+                   {ActionId::ApplyPresets, ActionId::LoadPreset, ActionId::ToggleWatermarkPresets});
+
+    auto *const view = new QWidget;
+    auto *const layout = new QVBoxLayout(view);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(6);
+    layout->addWidget(sectionTitle(tr("Applied presets"), m_appliedTable));
+    layout->addWidget(m_appliedTable, 2);
+    QHBoxLayout *const appliedButtons = buttonRow();
+    for (const ActionId id : {ActionId::PreviousPreset, ActionId::NextPreset})
+        appliedButtons->addWidget(actions.makeButton(id, view));
+    appliedButtons->addStretch();
+    for (const ActionId id : {ActionId::RemoveAppliedPresets, ActionId::ClearAppliedPresets})
+        appliedButtons->addWidget(actions.makeButton(id, view));
+    layout->addLayout(appliedButtons);
+    layout->addSpacing(6);
+    layout->addWidget(sectionTitle(tr("All presets"), m_allTable));
+    layout->addWidget(m_allTable, 3);
+    QHBoxLayout *const allButtons = buttonRow();
+    QToolButton *const apply =
+        actions.makeButton(ActionId::ApplyPresets, view, CommandActions::ButtonStyle::TextBesideIcon);
+    apply->setText(tr("Apply"));
+    allButtons->addWidget(apply);
+    allButtons->addStretch();
+    QToolButton *const manage = actions.makeButton(ActionId::ToggleWatermarkPresets, view,
+                                                   CommandActions::ButtonStyle::TextBesideIcon);
+    manage->setText(tr("Manage"));
+    allButtons->addWidget(manage);
+    layout->addLayout(allButtons);
+    return view;
+}
+
+void PresetsPanel::connectLists()
+{
+    connect(m_modeSegments, &ModeSelector::selected, &m_applied, &AppliedPresets::modeDidChange);
+    connect(&m_applied, &AppliedPresets::modeChanged, this, &PresetsPanel::showMode);
+    connect(&m_applied, &AppliedPresets::appliedChanged, this, &PresetsPanel::showApplied);
+    connect(&m_applied, &AppliedPresets::selectedRowsChanged, this,
+            [this] { m_appliedTable->selectRows(m_applied.selectedRows()); });
+    connect(m_appliedTable, &PresetListView::selectedRowsChanged, this,
+            [this] { m_applied.selectRows(m_appliedTable->selectedRows()); });
+    connect(m_appliedTable, &PresetListView::rowsDropped, &m_applied, &AppliedPresets::moveAppliedPresets);
+    connect(m_appliedTable, &PresetListView::deletePressed, &m_applied,
+            &AppliedPresets::removeSelectedAppliedPresets);
+    connect(m_allTable, &PresetListView::returnPressed, this, &PresetsPanel::addSelectedWPresetsToApplied);
+    connect(m_allTable, &PresetListView::selectedRowsChanged, this, &PresetsPanel::wPresetsSelectionChanged);
+    connect(m_appliedTable, &QAbstractItemView::doubleClicked, this,
+            [this](const QModelIndex &index) { doubleMouseClick(index, *m_appliedModel); });
+    connect(m_allTable, &QAbstractItemView::doubleClicked, this,
+            [this](const QModelIndex &index) { doubleMouseClick(index, *m_allModel); });
+}
+
+void PresetsPanel::setWPresets(const WPresetList &presets)
+{
+    const WPresetList selected = selectedWPresets();
+    const int scrolledTo = m_allTable->verticalScrollBar()->value();
+    m_allModel->setPresets(presets);
+    IndexList rows;
+    for (std::size_t row = 0; row < presets.size(); ++row) {
+        if (std::find(selected.begin(), selected.end(), presets[row]) != selected.end())
+            rows.append(static_cast<int>(row));
+    }
+    m_allTable->selectRows(rows);
+    m_allTable->verticalScrollBar()->setValue(scrolledTo);
+    Q_EMIT wPresetsSelectionChanged();
+}
+
+WPresetList PresetsPanel::selectedWPresets() const
+{
+    WPresetList selected;
+    for (const int row : m_allTable->selectedRows())
+        selected.push_back(m_allModel->presets()[static_cast<std::size_t>(row)]);
+    return selected;
+}
+
+void PresetsPanel::addSelectedWPresetsToApplied()
+{
+    m_applied.addWPresetsToApplied(selectedWPresets());
+}
+
+void PresetsPanel::showMode()
+{
+    const int mode = m_applied.isInSingleMode() ? 0 : 1;
+    m_modeSegments->select(mode);
+    m_modeContainer->setCurrentIndex(mode);
+}
+
+void PresetsPanel::showApplied()
+{
+    // The view forgets its selection here; that of the presets is what counts.
+    const QSignalBlocker blocker(m_appliedTable);
+    const int formerCount = m_appliedModel->rowCount();
+    const int scrolledTo = m_appliedTable->verticalScrollBar()->value();
+    m_appliedModel->setPresets(m_applied.wPresetsApplied());
+    m_appliedTable->selectRows(m_applied.selectedRows());
+    m_appliedTable->verticalScrollBar()->setValue(scrolledTo);
+    if (formerCount > 0 && m_appliedModel->rowCount() > formerCount)
+        m_appliedTable->scrollToBottom(); // what was added is to be seen
+}
+
+void PresetsPanel::doubleMouseClick(const QModelIndex &index, const PresetListModel &model)
+{
+    const std::shared_ptr<WPreset> &preset = model.presets()[static_cast<std::size_t>(index.row())];
+    const WPresetList &all = m_allModel->presets();
+    const auto found = std::find(all.begin(), all.end(), preset);
+    if (found != all.end())
+        m_allTable->selectRows({static_cast<int>(found - all.begin())});
+    Q_EMIT presetsManagerWanted();
+}
+
+} // namespace plexa

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/widgets/commandtable.h"
+
+#include <QCoreApplication>
+
+namespace plexa
+{
+
+namespace
+{
+
+constexpr char kContext[] = "Commands";
+
+#define TEXT(text) QT_TRANSLATE_NOOP("Commands", text)
+
+std::vector<CommandRow> makeTable()
+{
+    using enum ActionId;
+    using C = Command;
+    using B = CommandButton;
+    using M = MenuId;
+    // clang-format off
+    return {
+        {AddImages, M::File, false, "addImages", TEXT("&Add Images…"), TEXT("Add photos to the list"), "Ctrl+O", "add"},
+        {AddFolder, M::File, false, "addFolder", TEXT("Add &Folder…"), TEXT("Add all photos of a folder and of the folders in it"), "Ctrl+Shift+O", "add-folder"},
+        {SaveSelected, M::File, true, "saveSelected", TEXT("&Save Selected…"), TEXT("Save watermarked copies of the selected photos"), "Ctrl+S", "save", C::SaveImages, 0, B::SaveSelected, true},
+        {SaveAll, M::File, false, "saveAll", TEXT("Save A&ll…"), TEXT("Save watermarked copies of all photos in the list"), "Ctrl+Shift+S", "save-all", C::SaveImages, 1, B::SaveAll},
+        {OpenSelectedInCompanion, M::File, true, "openSelectedInCompanion", TEXT("&Open Selected in Brevix"), TEXT("Hand watermarked copies of the selected photos to Brevix, for resizing"), "", "", C::OpenInCompanionApplication, 0, {}, true},
+        {OpenAllInCompanion, M::File, false, "openAllInCompanion", TEXT("Open All in &Brevix"), TEXT("Hand watermarked copies of all photos in the list to Brevix, for resizing"), "", "", C::OpenInCompanionApplication, 1},
+        {ShowInFileManager, M::File, true, "showInFileManager", TEXT("Show in File &Manager"), TEXT("Show the selected photos in their folders"), "Ctrl+Shift+E", "show-folder", C::ShowFilesInFinder, 0, {}, true},
+        {CloseWindow, M::File, true, "closeWindow", TEXT("&Close Window"), TEXT("Close this window"), "Ctrl+W", ""},
+        {Quit, M::File, false, "quit", TEXT("&Quit"), TEXT("Quit Plexa"), "Ctrl+Q", "quit"},
+
+        {CopyImages, M::Edit, false, "copyImages", TEXT("&Copy"), TEXT("Copy the selected photos with their watermarks to the clipboard"), "Ctrl+C", "copy", C::Other, 0, {}, true},
+        {SelectAll, M::Edit, true, "selectAll", TEXT("Select &All"), TEXT("Select all photos in the list"), "Ctrl+A", "", C::ChangeSelection, 2},
+        {SelectNone, M::Edit, false, "selectNone", TEXT("Select &None"), TEXT("Select no photo"), "Ctrl+Shift+A", "", C::ChangeSelection, 1},
+        {InvertSelection, M::Edit, false, "invertSelection", TEXT("&Invert Selection"), TEXT("Select the photos that are not selected"), "Ctrl+I", "", C::ChangeSelection, 2},
+        {RemoveSelected, M::Edit, true, "removeSelected", TEXT("&Remove from List"), TEXT("Take the selected photos out of the list; the files stay"), "Del", "remove", C::RemoveSelectedImages, 0, B::RemoveImages, true},
+        {Find, M::Edit, true, "find", TEXT("&Find…"), TEXT("Show only photos whose names contain a text"), "Ctrl+F", "search"},
+        {Preferences, M::Edit, true, "preferences", TEXT("&Preferences…"), TEXT("Change how Plexa works"), "Ctrl+,", "preferences"},
+
+        {TurnLeft, M::Image, false, "turnLeft", TEXT("Turn &Left"), TEXT("Turn the selected photos counter-clockwise"), "Ctrl+L", "turn-left", C::Rotate90Degree, 2, B::TurnLeft, true},
+        {TurnRight, M::Image, false, "turnRight", TEXT("Turn &Right"), TEXT("Turn the selected photos clockwise"), "Ctrl+R", "turn-right", C::Rotate90Degree, 1, B::TurnRight, true},
+        {Turn180, M::Image, false, "turn180", TEXT("Turn &Upside Down"), TEXT("Turn the selected photos by 180°"), "Ctrl+Shift+R", "turn-180", C::Rotate180Degree, 0, B::Turn180, true},
+        {FlipHorizontal, M::Image, true, "flipHorizontal", TEXT("Mirror L&eft to Right"), TEXT("Mirror the selected photos left to right"), "Ctrl+Shift+H", "flip-horizontal", C::Flip, 0, B::FlipHoriz, true},
+        {FlipVertical, M::Image, false, "flipVertical", TEXT("Mirror &Top to Bottom"), TEXT("Mirror the selected photos top to bottom"), "Ctrl+Shift+J", "flip-vertical", C::Flip, 1, B::FlipVert, true},
+        {CopyPosition, M::Image, true, "copyPosition", TEXT("&Copy Position"), TEXT("Copy where the current watermark was dragged to on this photo"), "Ctrl+Shift+C", "copy-position", C::CopyManualPositioning, 0, B::CopyManualForCurrentPreset},
+        {CopyAllPositions, M::Image, false, "copyAllPositions", TEXT("Copy &All Positions"), TEXT("Copy where all watermarks were dragged to on this photo"), "Ctrl+Alt+C", "copy-positions", C::CopyManualPositioning, 1, B::CopyManualForAllPresets},
+        {PastePositions, M::Image, false, "pastePositions", TEXT("&Paste Positions"), TEXT("Put the watermarks of the selected photos where the copied positions say"), "Ctrl+Shift+V", "paste-position", C::PasteManualPositioning, 0, B::PasteManual},
+        {ResetPosition, M::Image, true, "resetPosition", TEXT("Reset Positio&n"), TEXT("Put the current watermark of the selected photos back to its own place"), "Ctrl+Shift+Backspace", "reset-position", C::ResetManualPositioning, 0, B::ResetManualForCurrentPreset},
+        {ResetAllPositions, M::Image, false, "resetAllPositions", TEXT("Reset All Po&sitions"), TEXT("Put all watermarks of the selected photos back to their own places"), "Ctrl+Alt+Backspace", "reset-positions", C::ResetManualPositioning, 1, B::ResetManualForAllPresets},
+
+        {PreviewZoomIn, M::View, false, "previewZoomIn", TEXT("Zoom &In"), TEXT("Show the preview larger"), "Ctrl++", "zoom-in"},
+        {PreviewZoomOut, M::View, false, "previewZoomOut", TEXT("Zoom &Out"), TEXT("Show the preview smaller"), "Ctrl+-", "zoom-out"},
+        {PreviewFit, M::View, false, "previewFit", TEXT("&Fit in Preview"), TEXT("Show the whole photo in the preview"), "Ctrl+0", "fit"},
+        {PreviewFullSize, M::View, false, "previewFullSize", TEXT("&100 %"), TEXT("Show the photo in the preview at its full size"), "Ctrl+1", ""},
+        {BrowserZoomIn, M::View, true, "browserZoomIn", TEXT("&Larger Thumbnails"), TEXT("Show larger thumbnails"), "Ctrl+Alt++", "add", C::ZoomBrowser, 1},
+        {BrowserZoomOut, M::View, false, "browserZoomOut", TEXT("&Smaller Thumbnails"), TEXT("Show smaller thumbnails"), "Ctrl+Alt+-", "remove", C::ZoomBrowser, 2},
+        {ToggleFilenames, M::View, false, "toggleFilenames", TEXT("Hide File&names in Browser"), TEXT("Show or hide the file names under the thumbnails"), "", "", C::ShowBrowserFilenamesDidChange},
+        {SwitchBatchMode, M::View, true, "switchBatchMode", TEXT("Switch to Large &Batch Mode"), TEXT("Switch to the Large Batch mode. Recommended if you work with many images."), "Ctrl+B", "list"},
+
+        {SingleMode, M::Watermark, false, "singleMode", TEXT("&Single Watermark"), TEXT("Draw one watermark, which is edited here"), "Ctrl+Shift+1", ""},
+        {PresetsMode, M::Watermark, false, "presetsMode", TEXT("&Presets"), TEXT("Draw the applied presets together"), "Ctrl+Shift+2", ""},
+        {NextPreset, M::Watermark, true, "nextPreset", TEXT("&Next Applied Preset"), TEXT("Select the next applied preset"), "Alt+Down", "next", C::SelectNeighborAppliedPreset, 1},
+        {PreviousPreset, M::Watermark, false, "previousPreset", TEXT("Pre&vious Applied Preset"), TEXT("Select the previous applied preset"), "Alt+Up", "previous", C::SelectNeighborAppliedPreset, 2},
+        {ApplyPresets, M::Watermark, true, "applyPresets", TEXT("&Apply Selected Presets"), TEXT("Draw the selected presets on the photos, too"), "", "apply"},
+        {RemoveAppliedPresets, M::Watermark, false, "removeAppliedPresets", TEXT("&Remove Selected Presets"), TEXT("Do not draw the selected presets any more"), "", "remove"},
+        {ClearAppliedPresets, M::Watermark, false, "clearAppliedPresets", TEXT("&Clear Applied Presets"), TEXT("Draw none of the presets any more"), "", "clear"},
+        {SaveQuickPreset, M::Watermark, true, "saveQuickPreset", TEXT("Sav&e as New Preset"), TEXT("Keep the single watermark as a preset"), "", ""},
+        {LoadPreset, M::Watermark, false, "loadPreset", TEXT("&Load into Single Watermark"), TEXT("Edit a copy of the selected preset as the single watermark"), "", ""},
+
+        {Minimize, M::Window, false, "minimize", TEXT("&Minimize"), TEXT("Minimize this window"), "Ctrl+M", ""},
+        {ToggleFullScreen, M::Window, false, "toggleFullScreen", TEXT("&Full Screen"), TEXT("Fill the screen with this window"), "F11", ""},
+        {ShowMainWindow, M::Window, false, "showMainWindow", TEXT("Main &Window"), TEXT("Bring this window to the front"), "", ""},
+        {ToggleWatermarkPresets, M::Window, true, "toggleWatermarkPresets", TEXT("Watermark &Presets"), TEXT("Make, change and remove watermark presets"), "Ctrl+Shift+W", "manage"},
+        {ToggleSavingPresets, M::Window, false, "toggleSavingPresets", TEXT("&Saving Presets"), TEXT("Make, change and remove saving presets"), "Ctrl+Shift+P", ""},
+        {ToggleMetadata, M::Window, false, "toggleMetadata", TEXT("Image Meta&data"), TEXT("Show and edit the metadata of the selected photos"), "Ctrl+Shift+I", "info", C::ToggleShowImageMetadataPanel, 0, B::Info, true},
+
+        {UserGuide, M::Help, false, "userGuide", TEXT("User &Guide"), TEXT("Read how Plexa works"), "F1", "help"},
+        {ContextHelp, M::Help, false, "contextHelp", TEXT("&What’s This?"), TEXT("Explain what is clicked next"), "Shift+F1", ""},
+        {Feedback, M::Help, true, "feedback", TEXT("Give &Feedback"), TEXT("Tell the makers of Plexa what they can do better"), "", ""},
+        {About, M::Help, false, "about", TEXT("&About Plexa"), TEXT("What this program is"), "", ""},
+    };
+    // clang-format on
+}
+
+#undef TEXT
+
+QString translated(const char *text)
+{
+    return QCoreApplication::translate(kContext, text);
+}
+
+} // namespace
+
+const std::vector<CommandRow> &commandTable()
+{
+    static const std::vector<CommandRow> table = makeTable();
+    return table;
+}
+
+const CommandRow &commandRow(ActionId id)
+{
+    const CommandRow &row = commandTable()[static_cast<std::size_t>(id)];
+    Q_ASSERT(row.id == id);
+    return row;
+}
+
+QString menuTitle(MenuId menu)
+{
+    switch (menu) {
+    case MenuId::File:
+        return translated(QT_TRANSLATE_NOOP("Commands", "&File"));
+    case MenuId::Edit:
+        return translated(QT_TRANSLATE_NOOP("Commands", "&Edit"));
+    case MenuId::Image:
+        return translated(QT_TRANSLATE_NOOP("Commands", "&Image"));
+    case MenuId::View:
+        return translated(QT_TRANSLATE_NOOP("Commands", "&View"));
+    case MenuId::Watermark:
+        return translated(QT_TRANSLATE_NOOP("Commands", "Wa&termark"));
+    case MenuId::Window:
+        return translated(QT_TRANSLATE_NOOP("Commands", "&Window"));
+    case MenuId::Help:
+        break;
+    }
+    return translated(QT_TRANSLATE_NOOP("Commands", "&Help"));
+}
+
+QString commandText(const CommandRow &row)
+{
+    return translated(row.text);
+}
+
+QString commandToolTip(const CommandRow &row)
+{
+    return translated(row.toolTip);
+}
+
+} // namespace plexa

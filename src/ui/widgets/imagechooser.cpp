@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/widgets/imagechooser.h"
+
+#include "imageio/imageformat.h"
+
+#include <QCoreApplication>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace plexa
+{
+
+namespace
+{
+
+QString translated(const char *text)
+{
+    return QCoreApplication::translate("ImageChooser", text);
+}
+
+/// Cameras write capitals, so both kinds of letters are asked for.
+QString imageFilter()
+{
+    QStringList patterns;
+    for (const ImageFormat &format : imageFormats()) {
+        for (const QString &suffix : format.suffixes)
+            patterns << QStringLiteral("*.") + suffix << QStringLiteral("*.") + suffix.toUpper();
+    }
+    patterns.removeDuplicates();
+    return translated(QT_TRANSLATE_NOOP("ImageChooser", "Images (%1)")).arg(patterns.join(QLatin1Char(' ')));
+}
+
+} // namespace
+
+void chooseImages(ChooserKind kind, QWidget *window, std::function<void(const QStringList &)> chosen)
+{
+    // Where the user was the last time.
+    static QString lastFolder = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    auto *const dialog = new QFileDialog(window);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptOpen);
+    if (kind == ChooserKind::Folder) {
+        dialog->setWindowTitle(translated(QT_TRANSLATE_NOOP("ImageChooser", "Add Folder")));
+        dialog->setFileMode(QFileDialog::Directory);
+        dialog->setOption(QFileDialog::ShowDirsOnly);
+    } else {
+        dialog->setWindowTitle(translated(QT_TRANSLATE_NOOP("ImageChooser", "Add Images")));
+        dialog->setFileMode(QFileDialog::ExistingFiles);
+        dialog->setNameFilters(
+            {imageFilter(), translated(QT_TRANSLATE_NOOP("ImageChooser", "All files (*)"))});
+    }
+    dialog->setLabelText(QFileDialog::Accept, translated(QT_TRANSLATE_NOOP("ImageChooser", "Add")));
+    dialog->setOption(QFileDialog::HideNameFilterDetails);
+    if (QFileInfo(lastFolder).isDir())
+        dialog->setDirectory(lastFolder);
+    QObject::connect(dialog, &QDialog::accepted, dialog, [dialog, chosen = std::move(chosen)] {
+        lastFolder = dialog->directory().absolutePath();
+        chosen(dialog->selectedFiles());
+    });
+    dialog->open();
+}
+
+} // namespace plexa

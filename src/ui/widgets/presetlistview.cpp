@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/widgets/presetlistview.h"
+
+#include "ui/widgets/presetlistmodel.h"
+
+#include <QDrag>
+#include <QDropEvent>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QPainter>
+#include <QStyleOptionFocusRect>
+#include <QStyledItemDelegate>
+
+#include <algorithm>
+
+namespace plexa
+{
+
+namespace
+{
+
+/// Rows with some air.
+class RowDelegate final : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        const QSize size = QStyledItemDelegate::sizeHint(option, index);
+        return {size.width(), option.fontMetrics.height() + 8};
+    }
+
+protected:
+    /// The model's colour stays when the row is selected.
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        const QVariant color = index.data(Qt::ForegroundRole);
+        if (color.isValid())
+            option->palette.setColor(QPalette::HighlightedText, color.value<QColor>());
+    }
+};
+
+constexpr int kDragImageWidth = 200;
+constexpr QPoint kDragImageOffset(14, 10); // beside the pointer, so that the place of the drop is seen
+
+} // namespace
+
+PresetListView::PresetListView(PresetListModel &model, QWidget *parent)
+    : QListView(parent)
+    , m_model(model)
+{
+    setModel(&model);
+    setSelectionMode(ExtendedSelection);
+    setEditTriggers(NoEditTriggers);
+    setItemDelegate(new RowDelegate(this));
+    setUniformItemSizes(true);
+    setAlternatingRowColors(true);
+    setTextElideMode(Qt::ElideRight);
+    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &PresetListView::selectedRowsChanged);
+}
+
+void PresetListView::setAllowsReordering()
+{
+    m_model.setAllowsReordering(true);
+    setDragDropMode(InternalMove);
+    setDropIndicatorShown(true);
+}
+
+IndexList PresetListView::selectedRows() const
+{
+    IndexList rows;
+    for (const QModelIndex &index : selectionModel()->selectedRows())
+        rows.append(index.row());
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+void PresetListView::selectRows(const IndexList &rows)
+{
+    if (rows == selectedRows())
+        return;
+    QItemSelection selection;
+    for (const int row : rows)
+        selection.select(m_model.index(row), m_model.index(row));
+    selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    if (!rows.isEmpty())
+        selectionModel()->setCurrentIndex(m_model.index(rows.first()), QItemSelectionModel::NoUpdate);
+}
+
+void PresetListView::paintEvent(QPaintEvent *event)
+{
+    QListView::paintEvent(event);
+    if (m_model.rowCount() > 0)
+        return;
+    QPainter painter(viewport());
+    if (hasFocus()) { // there is no row that could show it
+        QStyleOptionFocusRect option;
+        option.initFrom(viewport());
+        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, viewport());
+    }
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.drawText(viewport()->rect().adjusted(12, 8, -12, -8), Qt::AlignCenter | Qt::TextWordWrap,
+                     m_emptyHint);
+}
+
+bool PresetListView::event(QEvent *event)
+{
+    // While the list has the keyboard, all of it is selected, and not all photos.
+    if (event->type() == QEvent::ShortcutOverride &&
+        static_cast<QKeyEvent *>(event)->matches(QKeySequence::SelectAll))
+        event->accept();
+    return QListView::event(event);
+}
+
+void PresetListView::keyPressEvent(QKeyEvent *event)
+{
+    if (event->text() == QLatin1String("/")) { // goes to the search field
+        event->ignore();
+        return;
+    }
+    // With modifiers they are shortcuts, which come here when their commands are disabled.
+    const bool isBare = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    switch (event->key()) {
+    case Qt::Key_Delete:
+    case Qt::Key_Backspace:
+        if (isBare)
+            Q_EMIT deletePressed();
+        return;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        Q_EMIT returnPressed();
+        return;
+    default:
+        QListView::keyPressEvent(event);
+    }
+}
+
+/// What is dragged, small: the list shows where it would go.
+QPixmap PresetListView::dragImage(const IndexList &rows) const
+{
+    const QString text = rows.size() == 1 ? m_model.index(rows.first()).data().toString()
+                                          : tr("%n presets", nullptr, static_cast<int>(rows.size()));
+    const QString shown = fontMetrics().elidedText(text, Qt::ElideRight, kDragImageWidth);
+    const QSize size(fontMetrics().horizontalAdvance(shown) + 16, fontMetrics().height() + 8);
+    QPixmap pixmap(size * devicePixelRatioF());
+    pixmap.setDevicePixelRatio(devicePixelRatioF());
+    pixmap.fill(palette().color(QPalette::Active, QPalette::Highlight));
+    QPainter painter(&pixmap);
+    painter.setFont(font());
+    painter.setPen(palette().color(QPalette::Active, QPalette::HighlightedText));
+    painter.drawText(QRect(QPoint(), size), Qt::AlignCenter | Qt::TextSingleLine, shown);
+    return pixmap;
+}
+
+void PresetListView::startDrag(Qt::DropActions actions)
+{
+    const IndexList rows = selectedRows();
+    if (rows.isEmpty())
+        return;
+    auto *const drag = new QDrag(this); // deletes itself
+    drag->setMimeData(m_model.mimeData(selectionModel()->selectedRows()));
+    drag->setPixmap(dragImage(rows));
+    drag->setHotSpot(-kDragImageOffset);
+    drag->exec(actions, Qt::MoveAction);
+}
+
+void PresetListView::dropEvent(QDropEvent *event)
+{
+    // Only this list's own rows are put into another order here.
+    const IndexList rows =
+        event->source() == this ? PresetListModel::draggedRows(event->mimeData()) : IndexList();
+    setState(NoState);
+    viewport()->update();
+    if (rows.isEmpty()) {
+        event->ignore();
+        return;
+    }
+    const QPoint at = event->position().toPoint();
+    const QModelIndex index = indexAt(at);
+    int toRow = m_model.rowCount();
+    if (index.isValid())
+        toRow = at.y() < visualRect(index).center().y() ? index.row() : index.row() + 1;
+    // The model is asked to move them: nothing is to be removed behind the drag.
+    event->setDropAction(Qt::IgnoreAction);
+    event->accept();
+    Q_EMIT rowsDropped(rows, toRow);
+}
+
+} // namespace plexa

@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/window/desktopapplication.h"
+
+#include "platform/applicationname.h"
+#include "platform/settings.h"
+#include "ui/browser/imagebrowserviewcontroller.h"
+#include "ui/widgets/commandactions.h"
+#include "ui/window/applicationservice.h"
+
+#include <QDesktopServices>
+#include <QGuiApplication>
+
+#include <algorithm>
+#include <thread>
+#include <utility>
+
+namespace plexa
+{
+
+namespace
+{
+
+/// A part of the memory for photos that were looked at, so that coming back to them is quick.
+qsizetype cacheBytes()
+{
+    return static_cast<qsizetype>(physicalMemoryBytes() / 8);
+}
+
+int workerThreads()
+{
+    return static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+}
+
+/// The settings with their defaults, before anybody asks.
+UserDefaults &registered(UserDefaults &defaults)
+{
+    registerDefaults(defaults);
+    return defaults;
+}
+
+} // namespace
+
+DesktopApplication::DesktopApplication(ApplicationService &service)
+    : m_service(service)
+    , m_defaults(companyName(true), applicationNameWithCompany(false, false, true))
+    , m_cache(cacheBytes())
+    , m_budget(physicalMemoryBytes() / 2)
+    , m_photos{m_fonts, m_locale, m_cache, m_budget, ReadLimits{.maxBytes = physicalMemoryBytes() / 2}}
+    , m_store(m_alerts, m_fonts)
+    , m_controller({m_photos, registered(m_defaults), m_alerts, workerThreads()})
+    , m_save({m_controller.statusManager(), m_alerts, m_defaults, workerThreads()})
+    , m_delegate(
+          {m_defaults, m_alerts, m_controller, [](const QUrl &url) { QDesktopServices::openUrl(url); }})
+    , m_window({m_controller, m_defaults, m_alerts, workerThreads()})
+{
+    m_alerts.setWindow(&m_window);
+    // A closed window can be brought back only where somebody can reach the program.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    connect(&m_window, &MainWindow::closed, this, &DesktopApplication::windowClosed);
+    connect(&m_window, &MainWindow::quitWanted, this, &DesktopApplication::quit);
+    connect(&m_delegate, &AppDelegate::windowWanted, &m_window, &MainWindow::present);
+    // Later: who has sent the files waits for an answer, and is not to wait for the user's.
+    connect(&m_service, &ApplicationService::opened, &m_delegate, &AppDelegate::openFiles,
+            Qt::QueuedConnection);
+    connectPresets();
+    connectSaving();
+    m_window.actions().setHandler(ActionId::Feedback,
+                                  [] { QDesktopServices::openUrl(AppDelegate::feedbackPage()); });
+}
+
+DesktopApplication::~DesktopApplication()
+{
+    m_alerts.setWindow(nullptr);
+}
+
+void DesktopApplication::connectPresets()
+{
+    connect(&m_store, &PresetsStore::wPresetsChanged, this,
+            [this] { m_window.setWPresets(m_store.wPresets()); });
+    CommandActions &actions = m_window.actions();
+    actions.setHandler(ActionId::SaveQuickPreset, [this] { m_controller.saveQuickAsWPreset(); });
+    actions.setHandler(ActionId::LoadPreset, [this] {
+        if (const auto preset = m_window.selectedWPreset())
+            m_store.loadWPreset(*preset);
+    });
+    actions.setCondition(ActionId::LoadPreset, [this] { return m_window.selectedWPreset() != nullptr; });
+}
+
+void DesktopApplication::connectSaving()
+{
+    m_controller.setSaving(
+        {[this] { return m_save.isSavingInProgress(); }, [this] { m_save.terminateOperation(); }});
+    connect(&m_save, &BatchSave::started, &m_controller, &AppController::commandStateChanged);
+    connect(&m_save, &BatchSave::finished, &m_controller, &AppController::commandStateChanged);
+    connect(&m_save, &BatchSave::started, &m_window, [this] { m_window.setContentEnabled(false); });
+    connect(&m_save, &BatchSave::finished, &m_window, [this] { m_window.setContentEnabled(true); });
+    const auto savingPreset = [this] { return m_store.quickSavingPreset()->values(); };
+    m_window.browser().setSavingPreset(savingPreset);
+    m_window.browser().setSavePhotos([this, savingPreset](const ImageList &photos) {
+        const AppliedPresets &presets = m_controller.appliedPresets();
+        return m_save.start(
+            {photos, presets.effectivePresetsNow(), presets.isInSingleMode(), savingPreset()});
+    });
+}
+
+void DesktopApplication::launch(const QStringList &paths)
+{
+    m_controller.readPresets(m_store);
+    m_window.setWPresets(m_store.wPresets());
+    m_controller.imageSet().setImageListModeToBrowser(
+        m_defaults.boolForKey(settings::imageListIsInBrowserMode));
+    m_window.show();
+    m_delegate.applicationDidFinishLaunching();
+    if (!paths.isEmpty())
+        m_delegate.openFiles(paths);
+}
+
+void DesktopApplication::windowClosed()
+{
+    m_delegate.windowWillClose();
+    if (!m_service.isReachable())
+        quit();
+}
+
+/// Asks where photos are being saved.
+bool DesktopApplication::mayQuit()
+{
+    if (!m_save.isSavingInProgress())
+        return true;
+    Alert alert;
+    alert.style = Alert::Style::Warning;
+    alert.title = tr("Photos are being saved");
+    alert.text = tr("Those that are not saved yet when you quit get no copies.");
+    alert.buttons = {tr("Go on Saving"), tr("Quit")};
+    alert.escapeButton = 0;
+    return m_alerts.run(alert).button != 0;
+}
+
+void DesktopApplication::quit()
+{
+    if (!m_isQuitting && !mayQuit()) {
+        m_window.present();
+        return;
+    }
+    if (std::exchange(m_isQuitting, true)) // the window closes on the way, too
+        return;
+    m_service.release(); // who is started from now on does not hand files over to one that goes
+    m_delegate.applicationWillTerminate();
+    m_window.close();
+    QCoreApplication::quit();
+}
+
+} // namespace plexa

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "app/appcontroller.h"
+#include "app/appdelegate.h"
+#include "app/batchsave.h"
+#include "platform/userdefaults.h"
+#include "presets/presetsstore.h"
+#include "ui/window/mainwindow.h"
+#include "ui/window/messageboxalerts.h"
+
+#include <QObject>
+
+namespace plexa
+{
+
+class ApplicationService;
+
+/// The program with its window: makes the objects, hands them to each other, and follows the life of the
+/// program from its start to its end.
+class DesktopApplication final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// @param service  outlives this object
+    explicit DesktopApplication(ApplicationService &service);
+    ~DesktopApplication() override;
+
+    /// Shows the window and opens the files.
+    void launch(const QStringList &paths);
+
+    MainWindow &window() { return m_window; }
+    AppController &controller() { return m_controller; }
+
+private:
+    void connectPresets();
+    void connectSaving();
+    bool mayQuit();
+    void quit();
+    void windowClosed();
+
+    ApplicationService &m_service;
+    bool m_isQuitting = false;
+    UserDefaults m_defaults;
+    MessageBoxAlerts m_alerts;
+    FontCatalog m_fonts;
+    LocaleFormat m_locale;
+    PixelCache m_cache;
+    ByteBudget m_budget;
+    PhotoServices m_photos;
+    PresetsStore m_store;
+    AppController m_controller;
+    BatchSave m_save;
+    AppDelegate m_delegate;
+    MainWindow m_window;
+};
+
+} // namespace plexa

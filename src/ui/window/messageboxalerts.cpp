@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/window/messageboxalerts.h"
+
+#include <QCheckBox>
+#include <QCoreApplication>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QThread>
+
+namespace plexa
+{
+
+namespace
+{
+
+QMessageBox::Icon iconOf(Alert::Style style)
+{
+    switch (style) {
+    case Alert::Style::Informational:
+        return QMessageBox::Information;
+    case Alert::Style::Warning:
+        return QMessageBox::Warning;
+    case Alert::Style::Critical:
+        break;
+    }
+    return QMessageBox::Critical;
+}
+
+constexpr int kMaxWidth = 520; // of what cannot be wrapped
+
+/// Paths can be so long that the buttons would not fit on the screen. What is too wide for a line loses its
+/// middle: a path that has the line to itself, or a word.
+QString shortened(const QString &text, const QFontMetrics &metrics)
+{
+    QStringList lines = text.split(QLatin1Char('\n'));
+    for (QString &line : lines) {
+        const bool isPath = line.startsWith(QLatin1Char('/'));
+        QStringList parts = isPath ? QStringList(line) : line.split(QLatin1Char(' '));
+        for (QString &part : parts)
+            part = metrics.elidedText(part, Qt::ElideMiddle, kMaxWidth);
+        line = parts.join(QLatin1Char(' '));
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
+/// Names of files stand in the texts, and must not be taken for markup.
+void keepPlain(QMessageBox &box)
+{
+    for (QLabel *const label : box.findChildren<QLabel *>())
+        label->setTextFormat(Qt::PlainText);
+    if (auto *const title = box.findChild<QLabel *>(QStringLiteral("qt_msgbox_label"))) {
+        QFont font = title->font();
+        font.setBold(true);
+        title->setFont(font);
+    }
+}
+
+} // namespace
+
+AlertAnswer MessageBoxAlerts::run(const Alert &alert)
+{
+    if (QThread::currentThread() == thread())
+        return show(alert);
+    AlertAnswer answer;
+    QMetaObject::invokeMethod(
+        this, [&] { answer = show(alert); }, Qt::BlockingQueuedConnection);
+    return answer;
+}
+
+AlertAnswer MessageBoxAlerts::show(const Alert &alert)
+{
+    QMessageBox box(m_window && m_window->isVisible() ? m_window : nullptr);
+    box.setWindowTitle(QCoreApplication::applicationName());
+    box.setIcon(iconOf(alert.style));
+    box.setText(alert.title);
+    box.setInformativeText(shortened(alert.text, box.fontMetrics()));
+    keepPlain(box);
+    QList<QPushButton *> buttons;
+    for (const QString &text : alert.buttons)
+        buttons.append(box.addButton(text, QMessageBox::ActionRole));
+    if (buttons.isEmpty())
+        buttons.append(box.addButton(QMessageBox::Ok));
+    box.setDefaultButton(buttons.first());
+    if (alert.escapeButton >= 0 && alert.escapeButton < buttons.size())
+        box.setEscapeButton(buttons[alert.escapeButton]);
+    QCheckBox *suppression = nullptr;
+    if (alert.hasSuppressionBox) {
+        suppression = new QCheckBox(alert.suppressionText.isEmpty() ? tr("Do not ask me again")
+                                                                    : alert.suppressionText);
+        box.setCheckBox(suppression);
+    }
+    box.exec();
+    // A box that was closed without an answer is answered as by the Escape key.
+    const qsizetype pressed = buttons.indexOf(static_cast<QPushButton *>(box.clickedButton()));
+    return {static_cast<int>(pressed >= 0 ? pressed : std::max(alert.escapeButton, 0)),
+            suppression && suppression->isChecked()};
+}
+
+} // namespace plexa

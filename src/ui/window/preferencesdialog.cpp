@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/window/preferencesdialog.h"
+
+#include "platform/settings.h"
+#include "platform/userdefaults.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QGroupBox>
+#include <QVBoxLayout>
+
+#include <vector>
+
+namespace plexa
+{
+
+namespace
+{
+
+struct Preference {
+    QLatin1String key;
+    const char *text;
+    const char *toolTip;
+};
+
+struct Group {
+    const char *title;
+    std::vector<Preference> preferences;
+};
+
+#define TEXT(text) QT_TRANSLATE_NOOP("plexa::PreferencesDialog", text)
+
+const std::vector<Group> &groups()
+{
+    using namespace settings;
+    static const std::vector<Group> all = {
+        {TEXT("Watermarks"),
+         {{rememberWPresetsAppliedLastTime, TEXT("&Apply the presets of the last time at start"),
+           TEXT("The presets that are applied when the window closes are applied again at the next start")},
+          {combineAllAppliedPresetsInImage, TEXT("&Draw all applied presets on one copy"),
+           TEXT("One copy with all watermarks, instead of one copy for each of them")}}},
+        {TEXT("Copies"),
+         {{ignoreSavingPresetsInSizePresets, TEXT("Save all copies with the &same saving preset"),
+           TEXT("Saving presets that are assigned to watermark presets are ignored")},
+          {exportPreserveOriginalFileCreationDate, TEXT("&Keep the date of the original file"),
+           TEXT("A copy gets the date of the photo's file instead of today's")}}},
+        {TEXT("Window"),
+         {{browserShowOriginalOnMouseOver, TEXT("Show a thumbnail without watermarks &under the pointer"),
+           TEXT("The thumbnail under the pointer is shown as the original is")},
+          {askForFeedback, TEXT("Ask for &feedback now and then"),
+           TEXT("Every seventh time when Plexa quits")}}},
+    };
+    return all;
+}
+
+#undef TEXT
+
+} // namespace
+
+PreferencesDialog::PreferencesDialog(UserDefaults &defaults, QWidget *parent)
+    : QDialog(parent)
+{
+    setObjectName(QStringLiteral("preferences"));
+    setWindowTitle(tr("Preferences"));
+    setWindowModality(Qt::WindowModal);
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(16, 16, 16, 16);
+    layout->setSpacing(14);
+    for (const Group &group : groups()) {
+        auto *const box = new QGroupBox(tr(group.title));
+        auto *const boxLayout = new QVBoxLayout(box);
+        boxLayout->setContentsMargins(12, 8, 12, 10);
+        boxLayout->setSpacing(8);
+        for (const Preference &preference : group.preferences) {
+            auto *const check = new QCheckBox(tr(preference.text));
+            check->setObjectName(preference.key);
+            check->setToolTip(tr(preference.toolTip));
+            check->setWhatsThis(check->toolTip());
+            check->setChecked(defaults.boolForKey(preference.key));
+            connect(check, &QCheckBox::toggled, this, [this, &defaults, key = preference.key](bool isOn) {
+                defaults.setObject(key, isOn);
+                Q_EMIT settingChanged(key);
+            });
+            boxLayout->addWidget(check);
+        }
+        layout->addWidget(box);
+    }
+    auto *const buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    layout->addWidget(buttons);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+} // namespace plexa

@@ -1,0 +1,301 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/pictures.h"
+
+#include <QColor>
+#include <QRandomGenerator>
+#include <QTest>
+#include <QtEndian>
+
+using namespace plexa;
+using namespace plexa::test;
+
+/// Is JPEG 2000 read as OpenJPEG's own program reads it, and refused where it is damaged?
+class Jp2Test : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void colorsAreThoseOfTheLibrarysProgram_data();
+    void colorsAreThoseOfTheLibrarysProgram();
+    void reducedPictureIsOfTheSizeTold_data();
+    void reducedPictureIsOfTheSizeTold();
+    void opacityIsRead();
+    void cutFileIsWholeOrFails_data();
+    void cutFileIsWholeOrFails();
+    void flippedBytesDoNoHarm_data();
+    void flippedBytesDoNoHarm();
+    void limitsHold_data();
+    void limitsHold();
+    void paletteIsBounded_data();
+    void paletteIsBounded();
+    void memoryOfSmallFilesIsCounted_data();
+    void memoryOfSmallFilesIsCounted();
+
+private:
+    void addFiles() const;
+    QString compressed(const QString &name, const QStringList &source, const QStringList &options) const;
+
+    TestFolder m_folder;
+};
+
+void Jp2Test::initTestCase()
+{
+    QVERIFY(m_folder.isValid());
+    if (QStandardPaths::findExecutable(u"opj_compress"_qs).isEmpty() || magickConvert().isEmpty())
+        QSKIP("there is no opj_compress (libopenjp2-tools), or no ImageMagick");
+}
+
+/// Makes a file: `source` tells ImageMagick what the picture is, its last word the format on the way.
+QString Jp2Test::compressed(const QString &name, const QStringList &source, const QStringList &options) const
+{
+    const QString between = m_folder.path(u"between."_qs + source.constLast());
+    outputOf(magickConvert(), source.mid(0, source.size() - 1) + QStringList{between});
+    const QString path = m_folder.path(name);
+    outputOf(u"opj_compress"_qs, QStringList{u"-i"_qs, between, u"-o"_qs, path} + options);
+    return path;
+}
+
+void Jp2Test::addFiles() const
+{
+    QTest::addColumn<QString>("path");
+    const QStringList noise{u"-size"_qs, u"151x97"_qs,          u"-seed"_qs,
+                            u"5"_qs,     u"plasma:red-blue"_qs, u"-depth"_qs};
+    const auto add = [this](const char *name, const QStringList &source, const QStringList &options) {
+        QTest::newRow(name) << compressed(QLatin1String(name), source, options);
+    };
+    add("rgb.jp2", noise + QStringList{u"8"_qs, u"ppm"_qs}, {});
+    add("deep.jp2", noise + QStringList{u"16"_qs, u"ppm"_qs}, {});
+    add("gray.jp2", noise + QStringList{u"8"_qs, u"pgm"_qs}, {});
+    add("lossy.j2k", noise + QStringList{u"8"_qs, u"ppm"_qs}, {u"-r"_qs, u"12"_qs, u"-I"_qs});
+    add("tiles.jp2", noise + QStringList{u"8"_qs, u"ppm"_qs}, {u"-t"_qs, u"40,33"_qs});
+    add("one resolution.jp2", noise + QStringList{u"8"_qs, u"ppm"_qs}, {u"-n"_qs, u"1"_qs});
+    add("moved.jp2", noise + QStringList{u"8"_qs, u"ppm"_qs}, {u"-d"_qs, u"13,7"_qs});
+}
+
+void Jp2Test::colorsAreThoseOfTheLibrarysProgram_data()
+{
+    addFiles();
+}
+
+void Jp2Test::colorsAreThoseOfTheLibrarysProgram()
+{
+    QFETCH(QString, path);
+    const QString png = m_folder.path(u"expected.png"_qs);
+    outputOf(u"opj_decompress"_qs, {u"-i"_qs, path, u"-o"_qs, png});
+    QString error;
+    const QImage image = decoded(path, &error);
+    QVERIFY2(!image.isNull(), qPrintable(error));
+    QCOMPARE(image.size(), QSize(151, 97));
+    const double difference = meanDifference(image, QImage(png));
+    QVERIFY2(difference < 0.6, qPrintable(QString::number(difference)));
+}
+
+void Jp2Test::reducedPictureIsOfTheSizeTold_data()
+{
+    addFiles();
+}
+
+void Jp2Test::reducedPictureIsOfTheSizeTold()
+{
+    QFETCH(QString, path);
+    const auto source = ImageSource::open(path);
+    QVERIFY(source);
+    const auto whole = source->createImage();
+    QVERIFY(whole);
+    for (const int side : {75, 38, 19}) {
+        const auto reduced = source->createReducedImage(side);
+        QVERIFY(reduced);
+        QCOMPARE(reduced->size(), source->imageSize(side));
+        QVERIFY(reduced->width() < whole->width());
+        const QImage scaled = whole->scaled(reduced->size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        QVERIFY(meanDifference(*reduced, scaled) < 8);
+    }
+}
+
+void Jp2Test::opacityIsRead()
+{
+    const QString path = compressed(
+        u"alpha.jp2"_qs,
+        {u"-size"_qs, u"60x40"_qs, u"xc:rgba(200,100,50,0.4)"_qs, u"-depth"_qs, u"8"_qs, u"tif"_qs}, {});
+    const auto source = ImageSource::open(path);
+    QVERIFY(source);
+    QVERIFY(source->info().rows.hasAlpha);
+    const auto image = source->createImage();
+    QVERIFY(image);
+    const QColor color = image->pixelColor(30, 20);
+    QCOMPARE(color.alpha(), 102);
+    QVERIFY(std::abs(color.red() - 200) <= 2 && std::abs(color.green() - 100) <= 2 &&
+            std::abs(color.blue() - 50) <= 2);
+}
+
+void Jp2Test::cutFileIsWholeOrFails_data()
+{
+    addFiles();
+}
+
+void Jp2Test::cutFileIsWholeOrFails()
+{
+    QFETCH(QString, path);
+    const QByteArray contents = contentsOf(path);
+    const QImage whole = decoded(path);
+    const QString cut = m_folder.path(u"cut.jp2"_qs);
+    constexpr int kCuts = 40;
+    for (int i = 0; i < kCuts; ++i) {
+        QVERIFY(putFile(cut, contents.left(contents.size() * i / kCuts)));
+        QString error;
+        const QImage image = decoded(cut, &error);
+        QVERIFY(!image.isNull() || !error.isEmpty());
+        if (!image.isNull())
+            QCOMPARE(image, whole);
+    }
+}
+
+void Jp2Test::flippedBytesDoNoHarm_data()
+{
+    addFiles();
+}
+
+void Jp2Test::flippedBytesDoNoHarm()
+{
+    QFETCH(QString, path);
+    const QByteArray contents = contentsOf(path);
+    const QString flipped = m_folder.path(u"flipped.jp2"_qs);
+    QRandomGenerator random(13);
+    for (int i = 0; i < 60; ++i) {
+        QByteArray damaged = contents;
+        for (int n = 0; n < 1 + i % 5; ++n)
+            damaged[random.bounded(i % 2 == 0 ? 250 : int(contents.size()))] = char(random.bounded(256));
+        QVERIFY(putFile(flipped, damaged));
+        QString error;
+        const QImage image = decoded(flipped, &error, {4'000'000, 128'000'000});
+        QVERIFY(!image.isNull() || !error.isEmpty());
+    }
+}
+
+void Jp2Test::limitsHold_data()
+{
+    QTest::addColumn<quint32>("side");
+    QTest::addColumn<quint32>("tile");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("pixels") << 40000U << 40000U << u"at most 1000 megapixels"_qs;
+    QTest::newRow("memory") << 30000U << 30000U << u"MB of memory"_qs;
+    QTest::newRow("tiles") << 9000U << 1U << u"damaged"_qs;
+    QTest::newRow("no tile") << 100U << 0U << u"damaged"_qs;
+}
+
+void Jp2Test::limitsHold()
+{
+    QFETCH(quint32, side);
+    QFETCH(quint32, tile);
+    QFETCH(QString, reason);
+    const QString path = compressed(
+        u"claim.j2k"_qs, {u"-size"_qs, u"60x40"_qs, u"plasma:"_qs, u"-depth"_qs, u"8"_qs, u"ppm"_qs}, {});
+    QByteArray contents = contentsOf(path);
+    QVERIFY(contents.size() > 60);
+    for (const auto &[at, value] : {std::pair{8, side}, {12, side}, {24, tile}, {28, tile}})
+        qToBigEndian(value, contents.data() + at);
+    QVERIFY(putFile(path, contents));
+    QString error;
+    QVERIFY(decoded(path, &error).isNull());
+    QVERIFY2(error.contains(reason), qPrintable(error));
+}
+
+void Jp2Test::paletteIsBounded_data()
+{
+    QTest::addColumn<int>("columns");
+    QTest::addColumn<bool>("isRead");
+    QTest::newRow("colours") << 3 << true;
+    QTest::newRow("most") << 255 << false;
+}
+
+void Jp2Test::paletteIsBounded()
+{
+    QFETCH(int, columns);
+    QFETCH(bool, isRead);
+    const QString path = compressed(
+        u"palette.jp2"_qs, {u"-size"_qs, u"60x40"_qs, u"xc:black"_qs, u"-depth"_qs, u"8"_qs, u"pgm"_qs}, {});
+    const auto box = [](const char *type, const QByteArray &contents) {
+        QByteArray length(4, 0);
+        qToBigEndian(quint32(contents.size() + 8), length.data());
+        return length + type + contents;
+    };
+    QByteArray table("\0\2", 2), map; // two entries of a byte in each column
+    table += char(columns) + QByteArray(columns, 7) + QByteArray(columns, char(90)) + QByteArray(columns, 0);
+    for (int i = 0; i < columns; ++i)
+        map += QByteArray("\0\0\1", 3) + char(i);
+    const QByteArray added = box("pclr", table) + box("cmap", map);
+    QByteArray contents = contentsOf(path);
+    const qsizetype colors = contents.indexOf("colr");
+    const qsizetype header = contents.indexOf("jp2h") - 4;
+    QVERIFY(colors > header && header > 0);
+    contents[colors + 10] = 16; // sRGB
+    char *length = contents.data() + header;
+    const auto end = qFromBigEndian<quint32>(length);
+    qToBigEndian(quint32(end + added.size()), length);
+    contents.insert(header + end, added);
+    QVERIFY(putFile(path, contents));
+    QString error;
+    const QImage image = decoded(path, &error);
+    QCOMPARE(!image.isNull(), isRead);
+    if (isRead)
+        QCOMPARE(image.pixelColor(30, 20), QColor(90, 90, 90));
+    else
+        QVERIFY2(error.contains(u"this kind of JPEG 2000"_qs), qPrintable(error));
+}
+
+void Jp2Test::memoryOfSmallFilesIsCounted_data()
+{
+    QTest::addColumn<int>("side");
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<bool>("isRead");
+    QTest::newRow("usual") << 1000 << u"1,8,u"_qs << QStringList() << true;
+    QTest::newRow("small precincts") << 1000 << u"1,8,u"_qs << QStringList{u"-n"_qs,    u"1"_qs,  u"-c"_qs,
+                                                                           u"[2,2]"_qs, u"-b"_qs, u"4,4"_qs}
+                                     << false;
+    QTest::newRow("few samples in the first component")
+        << 3000 << u"3,8,u@16x16:1x1:1x1"_qs << QStringList() << false;
+}
+
+void Jp2Test::memoryOfSmallFilesIsCounted()
+{
+    QFETCH(int, side);
+    QFETCH(QString, format);
+    QFETCH(QStringList, options);
+    QFETCH(bool, isRead);
+    const QString raw = m_folder.path(u"black.raw"_qs);
+    const QString path = m_folder.path(u"black.jp2"_qs);
+    QVERIFY(putFile(raw, QByteArray(qsizetype(side) * side * 3, 0)));
+    outputOf(u"opj_compress"_qs,
+             QStringList{u"-i"_qs, raw, u"-o"_qs, path, u"-F"_qs, u"%1,%1,%2"_qs.arg(side).arg(format)} +
+                 options);
+    const ReadLimits limits = {1'000'000'000, 60'000'000};
+    QString error;
+    QCOMPARE(!decoded(path, &error, limits).isNull(), isRead);
+    QVERIFY2(isRead || error.contains(u"MB of memory"_qs), qPrintable(error));
+    if (!options.contains(u"-c"_qs))
+        return;
+
+    // The same where only the tile says so.
+    QByteArray contents = contentsOf(path);
+    const qsizetype style = contents.indexOf("\xff\x52");
+    const qsizetype tile = contents.indexOf(QByteArray("\xff\x90\0\x0a", 4));
+    QVERIFY(style > 0 && tile > style);
+    const QByteArray copy = contents.mid(style, 2 + qFromBigEndian<quint16>(contents.data() + style + 2));
+    contents[style + 4] = 0;  // usual precincts,
+    contents[style + 10] = 4; // and code blocks of 64 by 64
+    contents[style + 11] = 4;
+    QVERIFY(putFile(path, contents));
+    QVERIFY(!decoded(path, &error, limits).isNull() || !error.contains(u"MB of memory"_qs));
+    char *length = contents.data() + tile + 6;
+    qToBigEndian(qFromBigEndian<quint32>(length) + quint32(copy.size()), length);
+    contents.insert(tile + 12, copy);
+    QVERIFY(putFile(path, contents));
+    QVERIFY(decoded(path, &error, limits).isNull());
+    QVERIFY2(error.contains(u"MB of memory"_qs), qPrintable(error));
+}
+
+QTEST_GUILESS_MAIN(Jp2Test)
+#include "jp2_test.moc"

@@ -1,0 +1,455 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "dngassembly.h"
+#include "imageio/exiftoolrecords.h"
+#include "imageio/pictures.h"
+
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QTest>
+#include <QTransform>
+
+#include <thread>
+
+using namespace plexa;
+using namespace plexa::test;
+
+/// Are camera raw photos developed as LibRaw's own program does it, whatever they are called, and is what is
+/// damaged refused?
+class RawTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void threadsDoNotDisturbEachOther(); // first: the thread sanitizer allows no thread after a fork
+    void factsAreThoseOfTheFile_data();
+    void factsAreThoseOfTheFile();
+    void developsLikeTheLibrarysProgram_data();
+    void developsLikeTheLibrarysProgram();
+    void contentsDecideWhatIsRead_data();
+    void contentsDecideWhatIsRead();
+    void reducedPhotoIsOfTheSizeTold_data();
+    void reducedPhotoIsOfTheSizeTold();
+    void copiesDescribeTheirOwnPixels_data();
+    void copiesDescribeTheirOwnPixels();
+    void libraryStandsInForMetadata();
+    void cutFileIsWholeOrFails_data();
+    void cutFileIsWholeOrFails();
+    void flippedBytesDoNoHarm_data();
+    void flippedBytesDoNoHarm();
+    void damagedJpegFailsInSilence();
+    void limitsHold_data();
+    void limitsHold();
+
+private:
+    void addFiles() const;
+    QString put(const QString &name, const QByteArray &contents);
+
+    TestFolder m_folder;
+    QString m_photos;
+};
+
+namespace
+{
+
+QByteArray noisyJpeg(QSize size)
+{
+    QImage image(size, QImage::Format_RGB32);
+    QRandomGenerator random(3);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixel(x, y, qRgb(x * 255 / size.width(), y * 255 / size.height(), random.bounded(200)));
+    }
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "JPEG", 90);
+    return buffer.data();
+}
+
+QImage turned(const QImage &image, int orientation)
+{
+    const int degrees = orientation == 6 ? 90 : orientation == 3 ? 180 : orientation == 8 ? 270 : 0;
+    return image.transformed(QTransform().rotate(degrees));
+}
+
+/// What the library's own program makes of a file.
+QImage developedByDcraw(const QString &path)
+{
+    outputOf(QStringLiteral("dcraw_emu"), {QStringLiteral("-w"), QStringLiteral("-T"), path});
+    const QByteArray png =
+        outputOf(magickConvert(), {path + QStringLiteral(".tiff"), QStringLiteral("png:-")});
+    return QImage::fromData(png, "PNG");
+}
+
+/// Stands in for standard error, and gives what was printed there.
+class StandardError
+{
+public:
+    explicit StandardError(const QString &path)
+        : m_file(path)
+        , m_kept(dup(STDERR_FILENO))
+    {
+        if (m_file.open(QIODevice::ReadWrite | QIODevice::Truncate))
+            dup2(m_file.handle(), STDERR_FILENO);
+    }
+
+    ~StandardError()
+    {
+        dup2(m_kept, STDERR_FILENO);
+        close(m_kept);
+    }
+
+    QByteArray printed()
+    {
+        m_file.seek(0);
+        return m_file.readAll();
+    }
+
+private:
+    QFile m_file;
+    const int m_kept;
+};
+
+} // namespace
+
+void RawTest::initTestCase()
+{
+    QVERIFY(m_folder.isValid());
+    m_photos = photosFolder();
+}
+
+QString RawTest::put(const QString &name, const QByteArray &contents)
+{
+    const QString path = m_folder.path(name);
+    return putFile(path, contents) ? path : QString();
+}
+
+/// Rows for files of every kind: the photos, where they are, and ours.
+void RawTest::addFiles() const
+{
+    QTest::addColumn<QByteArray>("contents");
+    QTest::addColumn<QString>("suffix");
+    for (const char *name : {"canon-kiss-x4-colorchart.dng", "kodak-dc50.kdc", "quicktake-100.qtk"}) {
+        const QString path = m_photos + u"/raw/"_qs + QLatin1String(name);
+        if (!m_photos.isEmpty())
+            QTest::newRow(name) << contentsOf(path) << QFileInfo(path).suffix();
+    }
+    QTest::newRow("16 bits") << assembledDng({{384, 256}, 16, 0, false, 1, {}}) << u"dng"_qs;
+    QTest::newRow("8 bits, turned right") << assembledDng({{360, 256}, 8, 6, false, 1, {}}) << u"dng"_qs;
+    QTest::newRow("preview, turned left") << assembledDng({{399, 267}, 16, 8, true, 1, {}}) << u"dng"_qs;
+    QTest::newRow("upside down, wide pixels")
+        << assembledDng({{360, 256}, 16, 3, true, 0.5, {}}) << u"dng"_qs;
+    QTest::newRow("JPEG") << assembledDng({{320, 240}, 8, 1, true, 1, noisyJpeg({320, 240})}) << u"dng"_qs;
+}
+
+void RawTest::threadsDoNotDisturbEachOther()
+{
+    const QString path = put(u"threads.dng"_qs, assembledDng({{200, 150}, 16, 1, true, 1, {}}));
+    QImage images[4];
+    std::vector<std::thread> threads;
+    for (QImage &image : images)
+        threads.emplace_back([&image, &path] { image = decoded(path); });
+    for (std::thread &thread : threads)
+        thread.join();
+    for (const QImage &image : images) {
+        QCOMPARE(image.size(), QSize(200, 150));
+        QCOMPARE(image, images[0]);
+    }
+}
+
+void RawTest::factsAreThoseOfTheFile_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<int>("orientation");
+    QTest::addColumn<int>("depth");
+    const auto add = [](const char *name, const char *type, QSize size, int orientation, int depth) {
+        QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(type) << size << orientation
+                            << depth;
+    };
+    add("canon-kiss-x4-colorchart.dng", "image/x-adobe-dng", {1734, 1156}, 1, 14);
+    add("iphone-12-pro-metadata-only.dng", "image/x-adobe-dng", {4032, 3024}, 6, 12);
+    add("kodak-dc50.kdc", "image/x-kodak-kdc", {768, 512}, 1, 8);
+    add("quicktake-100.qtk", "image/x-apple-quicktake", {640, 480}, 1, 12);
+}
+
+void RawTest::factsAreThoseOfTheFile()
+{
+    if (m_photos.isEmpty())
+        QSKIP("there is no folder of photos (PLEXA_PHOTOS)");
+    QFETCH(QString, name);
+    QFETCH(QSize, size);
+    const auto source = ImageSource::open(m_photos + u"/raw/"_qs + name);
+    QVERIFY2(source, source ? "" : qPrintable(source.error().text));
+    QTEST(source->type(), "type");
+    QCOMPARE(source->info().rows.size, size);
+    QTEST(source->properties().value(u"Orientation"_qs, 1).toInt(), "orientation");
+    QTEST(source->properties().value(u"Depth"_qs).toInt(), "depth");
+    const auto image = source->createImage();
+    QVERIFY2(image, image ? "" : qPrintable(image.error().text));
+    QCOMPARE(image->size(), size);
+    QVERIFY(source->rowsBytes() > qint64(size.width()) * size.height() * 11);
+}
+
+void RawTest::developsLikeTheLibrarysProgram_data()
+{
+    addFiles();
+}
+
+void RawTest::developsLikeTheLibrarysProgram()
+{
+    if (QStandardPaths::findExecutable(u"dcraw_emu"_qs).isEmpty())
+        QSKIP("there is no dcraw_emu (libraw-bin)");
+    QFETCH(QByteArray, contents);
+    QFETCH(QString, suffix);
+    const QString path = put(u"developed."_qs + suffix, contents);
+    const auto source = ImageSource::open(path);
+    QVERIFY2(source, source ? "" : qPrintable(source.error().text));
+    const auto image = source->createImage();
+    QVERIFY2(image, image ? "" : qPrintable(image.error().text));
+    const int orientation = source->properties().value(u"Orientation"_qs, 1).toInt();
+    const QImage expected = developedByDcraw(path);
+    QVERIFY(!expected.isNull());
+    QCOMPARE(turned(*image, orientation).size(), expected.size());
+    const double difference = meanDifference(turned(*image, orientation), expected);
+    QVERIFY2(difference < 0.5, qPrintable(QString::number(difference)));
+}
+
+void RawTest::contentsDecideWhatIsRead_data()
+{
+    QTest::addColumn<QByteArray>("contents");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("type"); // empty: it is refused
+    const QByteArray dng = assembledDng({{96, 64}, 16, 1, true, 1, {}});
+    // Without the tag that makes it a DNG: some camera's.
+    QByteArray raw = dng;
+    raw.replace(QByteArray("\x12\xC6\1\0", 4), QByteArray("\x12\xC5\1\0", 4));
+    for (const char *name : {"photo.dng", "photo.tif", "photo.nef", "photo.jpg", "photo"})
+        QTest::newRow(name) << dng << QString::fromLatin1(name) << u"image/x-adobe-dng"_qs;
+    QTest::newRow("raw.tif") << raw << u"raw.tif"_qs << u"image/x-dcraw"_qs;
+    const QString tiff = m_folder.path(u"plain.tif"_qs);
+    outputOf(magickConvert(),
+             {u"-size"_qs, u"40x30"_qs, u"gradient:red-blue"_qs, u"-depth"_qs, u"8"_qs, tiff});
+    QTest::newRow("plain.nef") << contentsOf(tiff) << u"plain.nef"_qs << u"image/tiff"_qs;
+    outputOf(u"exiftool"_qs, {u"-q"_qs, u"-overwrite_original"_qs, u"-Make=Maker"_qs, tiff});
+    QTest::newRow("plain.arw") << contentsOf(tiff) << u"plain.arw"_qs << u"image/tiff"_qs;
+    QTest::newRow("jpeg.nef") << noisyJpeg({40, 30}) << u"jpeg.nef"_qs << u"image/jpeg"_qs;
+    for (const char *suffix : {"cr2", "dng", "nef", "raf", "qtk"})
+        QTest::newRow(qPrintable(u"text."_qs + QLatin1String(suffix)))
+            << QByteArray("This is a text and nothing else. ").repeated(9)
+            << u"text."_qs + QLatin1String(suffix) << u""_qs;
+    if (!m_photos.isEmpty()) {
+        QTest::newRow("kdc.tif") << contentsOf(m_photos + u"/raw/kodak-dc50.kdc"_qs) << u"kdc.tif"_qs
+                                 << u"image/x-dcraw"_qs;
+        QTest::newRow("cr2.tif") << contentsOf(m_photos + u"/raw/canon-metadata-only.cr2"_qs) << u"cr2.tif"_qs
+                                 << u""_qs;
+    }
+}
+
+void RawTest::contentsDecideWhatIsRead()
+{
+    QFETCH(QByteArray, contents);
+    QFETCH(QString, name);
+    QFETCH(QString, type);
+    QVERIFY(!contents.isEmpty());
+    const auto source = ImageSource::open(put(name, contents));
+    if (type.isEmpty()) {
+        QVERIFY(!source);
+        QVERIFY(!source.error().text.isEmpty());
+        return;
+    }
+    QVERIFY2(source, source ? "" : qPrintable(source.error().text));
+    QCOMPARE(source->type(), type);
+    const auto image = source->createImage();
+    QVERIFY(image);
+    QCOMPARE(image->size(), source->info().rows.size);
+    QVERIFY(image->size() != QSize(24, 16)); // the preview's
+}
+
+void RawTest::reducedPhotoIsOfTheSizeTold_data()
+{
+    addFiles();
+}
+
+void RawTest::reducedPhotoIsOfTheSizeTold()
+{
+    QFETCH(QByteArray, contents);
+    QFETCH(QString, suffix);
+    const auto source = ImageSource::open(put(u"reduced."_qs + suffix, contents));
+    QVERIFY(source);
+    const auto whole = source->createImage();
+    QVERIFY(whole);
+    const int longer = qMax(whole->width(), whole->height());
+    for (const int side : {longer / 2, longer / 4, longer / 8}) {
+        const auto reduced = source->createReducedImage(side);
+        QVERIFY(reduced);
+        QCOMPARE(reduced->size(), source->imageSize(side));
+        QVERIFY(reduced->width() < whole->width());
+        const QImage scaled = whole->scaled(reduced->size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        const double difference = meanDifference(*reduced, scaled);
+        QVERIFY2(difference < 8, qPrintable(QString::number(difference)));
+    }
+}
+
+void RawTest::copiesDescribeTheirOwnPixels_data()
+{
+    QTest::addColumn<QByteArray>("contents");
+    QTest::addColumn<QString>("suffix");
+    QTest::newRow("assembled") << assembledDng({{96, 64}, 16, 6, true, 1, {}}) << u"dng"_qs;
+    for (const char *name :
+         {"canon-kiss-x4-colorchart.dng", "iphone-12-pro-metadata-only.dng", "kodak-dc50.kdc"}) {
+        const QString path = m_photos + u"/raw/"_qs + QLatin1String(name);
+        if (!m_photos.isEmpty())
+            QTest::newRow(name) << contentsOf(path) << QFileInfo(path).suffix();
+    }
+}
+
+void RawTest::copiesDescribeTheirOwnPixels()
+{
+    QFETCH(QByteArray, contents);
+    QFETCH(QString, suffix);
+    const QString original = put(u"original."_qs + suffix, contents);
+    QString error;
+    const QString jpeg = put(u"copy.jpg"_qs, copied(original, "image/jpeg", 0.8, &error));
+    const QString png = put(u"copy.png"_qs, copied(original, "image/png", 0.8, &error));
+    QVERIFY2(error.isEmpty(), qPrintable(error));
+    const auto records = exiftoolRecords({original, jpeg, png});
+    const QSize size = ImageSource::open(original)->info().rows.size;
+    // What speaks of the sensor's samples, of where they lie, or is a picture.
+    static const QRegularExpression leftover(
+        u"SubIFD|IFD[1-9]|Strip|Tile|CFA|DNG|Preview|Thumbnail(?!Image|Offset|Length)|Mask|ColorMatrix|"
+        u"Neutral|"
+        "WhiteLevel|BlackLevel|Crop|Linear|Profile(?!.*ICC)|JpgFromRaw|OtherImage|Opcode"_qs);
+    for (const QString &copy : {jpeg, png}) {
+        const QJsonObject record = records.value(copy);
+        QVERIFY(!record.isEmpty());
+        for (const QString &name : record.keys()) {
+            if (name.startsWith(u"IFD0:") || name.startsWith(u"ExifIFD:") || name.startsWith(u"SubIFD"))
+                QVERIFY2(!name.contains(leftover), qPrintable(name));
+        }
+        for (const auto &[tag, side] : {std::pair{u"ExifIFD:ExifImageWidth"_qs, size.width()},
+                                        {u"ExifIFD:ExifImageHeight"_qs, size.height()}}) {
+            if (record.contains(tag))
+                QCOMPARE(record[tag].toInt(), side);
+        }
+        for (const char *tag : {"IFD0:Make", "IFD0:Model", "ExifIFD:ExposureTime", "IFD0:ExposureTime",
+                                "ExifIFD:LensModel", "GPS:GPSLatitude"}) {
+            const QString key = QLatin1String(tag);
+            QCOMPARE(comparable(record[key]), comparable(records.value(original)[key]));
+        }
+        QVERIFY(!record.contains(u"IFD0:Orientation"_qs) || record[u"IFD0:Orientation"_qs].toInt() == 1);
+    }
+}
+
+void RawTest::libraryStandsInForMetadata()
+{
+    if (m_photos.isEmpty())
+        QSKIP("there is no folder of photos (PLEXA_PHOTOS)");
+    const auto source = ImageSource::open(m_photos + u"/raw/quicktake-100.qtk"_qs);
+    QVERIFY(source);
+    const QVariantMap tiff = source->properties().value(u"{TIFF}"_qs).toMap();
+    QCOMPARE(tiff.value(u"Make"_qs).toString(), u"Apple"_qs);
+    QCOMPARE(tiff.value(u"Model"_qs).toString(), u"QuickTake 100"_qs);
+    const QByteArray copy = copied(m_photos + u"/raw/quicktake-100.qtk"_qs, "image/jpeg", 0.8);
+    QCOMPARE(exiftoolValue(put(u"qtk.jpg"_qs, copy), u"Model"_qs).trimmed(), QByteArray("QuickTake 100"));
+}
+
+void RawTest::cutFileIsWholeOrFails_data()
+{
+    addFiles();
+}
+
+void RawTest::cutFileIsWholeOrFails()
+{
+    QFETCH(QByteArray, contents);
+    QFETCH(QString, suffix);
+    const QImage whole = decoded(put(u"whole."_qs + suffix, contents));
+    QVERIFY(!whole.isNull());
+    int failures = 0;
+    constexpr int kCuts = 12;
+    for (int i = 0; i < kCuts; ++i) {
+        QString error;
+        const QImage image =
+            decoded(put(u"cut."_qs + suffix, contents.left(contents.size() * i / kCuts)), &error);
+        if (image.isNull()) {
+            QVERIFY(!error.isEmpty());
+            ++failures;
+        } else {
+            QCOMPARE(image, whole);
+        }
+    }
+    QVERIFY(failures >= kCuts * 2 / 3);
+}
+
+void RawTest::flippedBytesDoNoHarm_data()
+{
+    addFiles();
+}
+
+void RawTest::flippedBytesDoNoHarm()
+{
+    QFETCH(QByteArray, contents);
+    QFETCH(QString, suffix);
+    const ReadLimits limits = {4'000'000, 128'000'000};
+    QRandomGenerator random(11);
+    for (int i = 0; i < (contents.size() > 1'000'000 ? 12 : 40); ++i) {
+        QByteArray damaged = contents;
+        // Most of the headers lie at one of the two ends.
+        const int reach = int(qMin<qsizetype>(contents.size(), i % 2 == 0 ? 1200 : contents.size()));
+        for (int n = 0; n < 1 + i % 7; ++n) {
+            const int at = random.bounded(reach);
+            damaged[i % 4 < 2 ? at : int(contents.size()) - 1 - at] = char(random.bounded(256));
+        }
+        QString error;
+        const QImage image = decoded(put(u"flipped."_qs + suffix, damaged), &error, limits);
+        QVERIFY(!image.isNull() || !error.isEmpty());
+    }
+}
+
+void RawTest::damagedJpegFailsInSilence()
+{
+    const QSize size(112, 80);
+    const QByteArray jpeg = noisyJpeg(size);
+    const QByteArray cut = jpeg.left(jpeg.size() / 2) + QByteArray("\xff\xd9").repeated(jpeg.size() / 4);
+    StandardError standardError(m_folder.path(u"printed"_qs));
+    QString error;
+    const QImage image = decoded(put(u"jpeg.dng"_qs, assembledDng({size, 8, 1, false, 1, cut})), &error);
+    QVERIFY(image.isNull());
+    QCOMPARE(error, u"the picture data are damaged"_qs);
+    const QByteArray text = assembledDng({size, 8, 1, false, 1, QByteArray("no JPEG").repeated(50)});
+    QVERIFY(decoded(put(u"text.dng"_qs, text), &error).isNull());
+    QCOMPARE(standardError.printed(), QByteArray());
+}
+
+void RawTest::limitsHold_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<ReadLimits>("limits");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("pixels") << QSize(96, 64) << ReadLimits{6143, 1'000'000'000} << u"too large"_qs;
+    QTest::newRow("memory") << QSize(96, 64) << ReadLimits{1'000'000, 100'000} << u"MB of memory"_qs;
+    QTest::newRow("claimed") << QSize(30000, 20000) << ReadLimits() << u"MB of memory"_qs;
+    QTest::newRow("empty") << QSize(9000, 9000) << ReadLimits() << u"end early"_qs;
+    QTest::newRow("tiny") << QSize(1, 1) << ReadLimits() << u""_qs;
+}
+
+void RawTest::limitsHold()
+{
+    QFETCH(QSize, size);
+    QFETCH(ReadLimits, limits);
+    QFETCH(QString, reason);
+    QByteArray dng = assembledDng({});
+    // The first two fields of the directory, which is the last thing in the file.
+    const qsizetype at = dng.indexOf(QByteArray("\0\1\4\0\1\0\0\0", 8));
+    QVERIFY(at > 0);
+    qToLittleEndian(quint32(size.width()), dng.data() + at + 8);
+    qToLittleEndian(quint32(size.height()), dng.data() + at + 20);
+    QString error;
+    QVERIFY(decoded(put(u"claim.dng"_qs, dng), &error, limits).isNull());
+    QVERIFY2(error.contains(reason) && !error.isEmpty(), qPrintable(error));
+}
+
+QTEST_GUILESS_MAIN(RawTest)
+#include "raw_test.moc"

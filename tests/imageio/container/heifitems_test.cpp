@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/container/heifitems.h"
+
+#include <QBuffer>
+#include <QTest>
+#include <QtEndian>
+
+using namespace plexa;
+
+namespace
+{
+
+template<class Number>
+QByteArray big(Number value)
+{
+    QByteArray bytes(sizeof(Number), '\0');
+    qToBigEndian(value, bytes.data());
+    return bytes;
+}
+
+QByteArray box(const char *type, const QByteArray &payload)
+{
+    return big(quint32(payload.size() + 8)) + type + payload;
+}
+
+/// Version and flags 0.
+QByteArray fullBox(const char *type, const QByteArray &payload)
+{
+    return box(type, QByteArray(4, '\0') + payload);
+}
+
+QByteArray associations(int count)
+{
+    QByteArray entries;
+    quint32 entryCount = 0;
+    for (; count > 0; count -= 255, ++entryCount) {
+        const int links = qMin(count, 255);
+        entries += big(quint16(1)) + char(links) + QByteArray(links, '\1');
+    }
+    return fullBox("ipma", big(entryCount) + entries);
+}
+
+QByteArray references(int count)
+{
+    QByteArray boxes;
+    for (; count > 0; count -= 60'000) {
+        const int some = qMin(count, 60'000);
+        boxes += box("dimg", big(quint16(1)) + big(quint16(some)) + QByteArray(some * 2, '\0'));
+    }
+    return fullBox("iref", boxes);
+}
+
+/// One item with the data and the boxes that are given.
+QByteArray fileOf(const QByteArray &extents, int extentCount, const QByteArray &property,
+                  const QByteArray &links)
+{
+    const QByteArray info = box("infe", QByteArray("\2\0\0\0\0\1\0\0hvc1\0", 13));
+    const QByteArray location = QByteArray("\x44\0\0\1\0\1\0\0", 8) + big(quint16(extentCount)) + extents;
+    return fullBox("meta", fullBox("pitm", big(quint16(1))) + fullBox("iinf", big(quint16(1)) + info) +
+                               fullBox("iloc", location) + box("iprp", box("ipco", property) + links));
+}
+
+Result<HeifItems> readFrom(QByteArray file)
+{
+    QBuffer buffer(&file);
+    buffer.open(QIODevice::ReadOnly);
+    return HeifItems::read(buffer);
+}
+
+} // namespace
+
+/// Are the boxes of a HEIF file read whole, and is what would take too long or too much turned away?
+class HeifItemsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void linksAreCounted_data();
+    void linksAreCounted();
+    void turnsAreBounded();
+    void bytesFollowTheExtents();
+};
+
+void HeifItemsTest::linksAreCounted_data()
+{
+    QTest::addColumn<QByteArray>("property");
+    QTest::addColumn<bool>("isReference");
+    QTest::newRow("configurations") << box("hvcC", QByteArray(100'000, 'x')) << false;
+    QTest::newRow("references") << box("irot", "\1") << true;
+}
+
+void HeifItemsTest::linksAreCounted()
+{
+    QFETCH(QByteArray, property);
+    QFETCH(bool, isReference);
+    const auto withLinks = [&](int count) {
+        const QByteArray whole = fileOf({}, 0, property, isReference ? associations(1) : associations(count));
+        if (!isReference)
+            return readFrom(whole);
+        const QByteArray payload = whole.mid(8) + references(count);
+        return readFrom(box("meta", payload));
+    };
+    const auto some = withLinks(1000);
+    QVERIFY(some);
+    const HeifItem item = some->items.value(1);
+    if (isReference)
+        QCOMPARE(item.parts.size(), 1000);
+    else
+        QCOMPARE(item.configuration, QByteArray(100'000, 'x'));
+    QVERIFY(!withLinks(1'000'000));
+}
+
+/// Each would be followed in turn.
+void HeifItemsTest::turnsAreBounded()
+{
+    for (const int count : {3, 1000}) {
+        const auto items = readFrom(fileOf({}, 0, box("irot", "\1"), associations(count)));
+        QVERIFY(items);
+        QCOMPARE(items->items.value(1).hasSoundTurns, count == 3);
+        QVERIFY(items->items.value(1).turns.size() < 100);
+    }
+}
+
+void HeifItemsTest::bytesFollowTheExtents()
+{
+    // "abc", nothing, "f", "de"
+    const QByteArray text = "abcdef";
+    const auto extent = [](quint32 offset, quint32 length) { return big(offset) + big(length); };
+    const QByteArray extents = extent(0, 3) + extent(2, 0) + extent(5, 1) + extent(3, 2);
+    const auto items = readFrom(fileOf(extents, 4, box("irot", "\1"), associations(1)));
+    QVERIFY(items);
+    QByteArray data = text;
+    QBuffer device(&data);
+    device.open(QIODevice::ReadOnly);
+    const QByteArray expected = "abcfde";
+    for (int offset = 0; offset < 8; ++offset) {
+        for (int count = 0; count < 8; ++count)
+            QCOMPARE(items->bytes(device, items->items.value(1), offset, count), expected.mid(offset, count));
+    }
+}
+
+QTEST_GUILESS_MAIN(HeifItemsTest)
+
+#include "heifitems_test.moc"

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "raster/compositing.h"
+
+#include <QTest>
+
+#include <cmath>
+#include <limits>
+#include <vector>
+
+using namespace plexa;
+
+namespace
+{
+
+/// Thin and thick bars, a dot and a half-covered area.
+QImage bars(int width, int height)
+{
+    QImage image(width, height, QImage::Format_ARGB32_Premultiplied);
+    image.fill(0U);
+    for (int y = 0; y < height; ++y) {
+        auto *row = reinterpret_cast<QRgb *>(image.scanLine(y));
+        for (int x = 0; x < width; ++x) {
+            if (x % 37 < 2 || (x > width / 2 && x < width * 3 / 4 && y > height / 3))
+                row[x] = qRgba(255, 255, 255, 255);
+            else if (x > width * 4 / 5 && y < height / 2)
+                row[x] = qRgba(60, 0, 100, 128);
+        }
+    }
+    return image;
+}
+
+using Plane = std::vector<std::vector<double>>;
+
+/// Convolution with the normal distribution along rows, written out.
+Plane blurredAlongRows(const Plane &plane, double deviation)
+{
+    const int reach = int(std::ceil(5 * deviation));
+    std::vector<double> kernel;
+    double sum = 0;
+    for (int i = -reach; i <= reach; ++i) {
+        kernel.push_back(std::exp(-i * i / (2 * deviation * deviation)));
+        sum += kernel.back();
+    }
+    Plane result(plane.size(), std::vector<double>(plane[0].size(), 0.0));
+    for (std::size_t y = 0; y < plane.size(); ++y) {
+        for (int x = 0; x < int(plane[y].size()); ++x) {
+            const double value = plane[y][std::size_t(x)];
+            for (int i = -reach; value != 0 && i <= reach; ++i) {
+                if (x + i >= 0 && x + i < int(plane[y].size()))
+                    result[y][std::size_t(x + i)] += value * kernel[std::size_t(i + reach)] / sum;
+            }
+        }
+    }
+    return result;
+}
+
+Plane transposed(const Plane &plane)
+{
+    Plane result(plane[0].size(), std::vector<double>(plane.size()));
+    for (std::size_t y = 0; y < plane.size(); ++y) {
+        for (std::size_t x = 0; x < plane[y].size(); ++x)
+            result[x][y] = plane[y][x];
+    }
+    return result;
+}
+
+} // namespace
+
+class ShadowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void blursLikeAGaussian_data();
+    void blursLikeAGaussian();
+    void extremes();
+};
+
+void ShadowTest::blursLikeAGaussian_data()
+{
+    QTest::addColumn<double>("blur");
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("less than a pixel") << 0.6 << QSize(50, 20);
+    QTest::newRow("fraction") << 3.3 << QSize(120, 31);
+    QTest::newRow("usual") << 10.0 << QSize(150, 60);
+    QTest::newRow("one pixel a block, widest") << 23.9 << QSize(131, 40);
+    QTest::newRow("smallest blocks") << 24.0 << QSize(131, 40);
+    QTest::newRow("blocks that do not divide the margin") << 77.0 << QSize(97, 33);
+    QTest::newRow("wide") << 500.0 << QSize(700, 80);
+    QTest::newRow("one pixel") << 8.0 << QSize(1, 1);
+}
+
+void ShadowTest::blursLikeAGaussian()
+{
+    QFETCH(double, blur);
+    QFETCH(QSize, size);
+    const QImage mark = bars(size.width(), size.height());
+    const QColor color(200, 40, 255, 204);
+    const Shadow shadow = shadowOf(mark, blur, color);
+    QCOMPARE(shadow.image.format(), QImage::Format_ARGB32_Premultiplied);
+    QCOMPARE(shadow.image.size(), size + 2 * QSize(shadow.margin, shadow.margin));
+
+    Plane plane(std::size_t(shadow.image.height()),
+                std::vector<double>(std::size_t(shadow.image.width()), 0.0));
+    for (int y = 0; y < mark.height(); ++y) {
+        for (int x = 0; x < mark.width(); ++x)
+            plane[std::size_t(y + shadow.margin)][std::size_t(x + shadow.margin)] =
+                qAlpha(reinterpret_cast<const QRgb *>(mark.constScanLine(y))[x]) / 255.0;
+    }
+    const Plane expected =
+        transposed(blurredAlongRows(transposed(blurredAlongRows(plane, blur / 2)), blur / 2));
+    double worst = 0;
+    double edge = 0;
+    for (int y = 0; y < shadow.image.height(); ++y) {
+        const auto *row = reinterpret_cast<const QRgb *>(shadow.image.constScanLine(y));
+        for (int x = 0; x < shadow.image.width(); ++x) {
+            const double coverage = expected[std::size_t(y)][std::size_t(x)];
+            worst = std::max(worst, std::abs(qAlpha(row[x]) - coverage * 204));
+            worst = std::max(worst, std::abs(qRed(row[x]) - coverage * 200 * 0.8));
+            if (x == 0 || y == 0)
+                edge = std::max(edge, coverage);
+        }
+    }
+    // Half a level of it is rounding.
+    QVERIFY2(worst < 1.5, qPrintable(QString::number(worst)));
+    // What the margin cuts off would not show.
+    QVERIFY2(edge * 255 < 1, qPrintable(QString::number(edge * 255)));
+}
+
+void ShadowTest::extremes()
+{
+    const QImage mark = bars(40, 20);
+    for (const double blur : {0.0, -3.0, std::numeric_limits<double>::quiet_NaN()}) {
+        const Shadow sharp = shadowOf(mark, blur, QColor(0, 0, 0, 85));
+        QCOMPARE(sharp.margin, 0);
+        QCOMPARE(sharp.image.size(), mark.size());
+        QCOMPARE(sharp.image.pixel(0, 0), qRgba(0, 0, 0, 85));
+        QCOMPARE(sharp.image.pixel(5, 0), qRgba(0, 0, 0, 0));
+    }
+    QVERIFY(shadowOf(mark, 1e6, Qt::black).image.isNull());
+    QVERIFY(shadowOf(mark, std::numeric_limits<double>::infinity(), Qt::black).image.isNull());
+    QVERIFY(shadowOf(QImage(), 5, Qt::black).image.isNull());
+
+    QImage empty(30, 30, QImage::Format_ARGB32_Premultiplied);
+    empty.fill(0U);
+    const Shadow nothing = shadowOf(empty, 4, Qt::black);
+    QCOMPARE(nothing.image.pixel(20, 20), qRgba(0, 0, 0, 0));
+}
+
+QTEST_GUILESS_MAIN(ShadowTest)
+
+#include "shadow_test.moc"

@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/appliedpresets.h"
+#include "app/workingset.h"
+#include "ui/presets/presetspanel.h"
+#include "ui/widgets/commandactions.h"
+#include "ui/widgets/presetlistmodel.h"
+#include "ui/widgets/presetlistview.h"
+
+#include <QAbstractItemModelTester>
+#include <QMimeData>
+#include <QPushButton>
+#include <QSignalSpy>
+
+using namespace plexa;
+using namespace plexa::test;
+
+class PresetsPanelTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void changesTheMode();
+    void appliesAndRemoves();
+    void doubleClickFindsThePreset();
+    void reordersOnlyItsOwnRows();
+};
+
+namespace
+{
+
+struct Fixture {
+    Fixture()
+    {
+        registerDefaults(defaults);
+        for (const char *name : {"One", "Two", "Three", "Four"}) {
+            all.push_back(std::make_shared<WPreset>(WPresetValues{}));
+            all.back()->setName(QString::fromLatin1(name));
+        }
+        applied.modeDidChange(1);
+        panel.setWPresets(all);
+        panel.resize(300, 600);
+        panel.show();
+    }
+
+    PresetListView &table(const char *name)
+    {
+        return *panel.findChild<PresetListView *>(QLatin1String(name));
+    }
+
+    static void mouse(PresetListView &view, int row, bool isDouble, Qt::KeyboardModifiers modifiers = {})
+    {
+        const QPoint at = view.visualRect(view.model()->index(row, 0)).center();
+        QTest::mouseClick(view.viewport(), Qt::LeftButton, modifiers, at);
+        if (isDouble)
+            QTest::mouseDClick(view.viewport(), Qt::LeftButton, modifiers, at);
+    }
+
+    QString appliedNames() const
+    {
+        QStringList names;
+        for (const auto &preset : applied.wPresetsApplied())
+            names.append(preset->name());
+        return names.join(QLatin1Char(' '));
+    }
+
+    TestFolder folder;
+    UserDefaults defaults{QStringLiteral("Quorvel"), QStringLiteral("Plexa")};
+    AppliedPresets applied{defaults};
+    WPresetList all;
+    QWidget owner;
+    CommandActions actions{&owner};
+    PresetsPanel panel{applied, actions};
+};
+
+} // namespace
+
+void PresetsPanelTest::changesTheMode()
+{
+    Fixture f;
+    QVERIFY(f.table("wPresetsAllTable").isVisible());
+    QTest::mouseClick(f.panel.findChild<QPushButton *>(QStringLiteral("singleModeButton")), Qt::LeftButton);
+    QVERIFY(f.applied.isInSingleMode());
+    QVERIFY(f.panel.quickWPresetContainer()->isVisible());
+    QVERIFY(!f.table("wPresetsAllTable").isVisible());
+    QVERIFY(
+        !(f.panel.findChild<QWidget *>(QStringLiteral("presetsModeButton"))->focusPolicy() & Qt::TabFocus));
+    f.applied.modeDidChange(1); // by the menu
+    QVERIFY(f.panel.findChild<QPushButton *>(QStringLiteral("presetsModeButton"))->isChecked());
+    QVERIFY(f.table("wPresetsAllTable").isVisible());
+}
+
+void PresetsPanelTest::appliesAndRemoves()
+{
+    Fixture f;
+    PresetListView &all = f.table("wPresetsAllTable");
+    PresetListView &applied = f.table("wPresetsAppliedTable");
+    const QAbstractItemModelTester tester(applied.model());
+    Fixture::mouse(all, 1, false);
+    Fixture::mouse(all, 3, false, Qt::ControlModifier);
+    QTest::keyClick(&all, Qt::Key_Return);
+    Fixture::mouse(all, 0, false);
+    Fixture::mouse(all, 1, false, Qt::ShiftModifier);
+    f.panel.setWPresets(f.all); // once more: what is selected stays so
+    QTest::keyClick(&all, Qt::Key_Return);
+    QCOMPARE(f.appliedNames(), QStringLiteral("Two Four One"));
+    QCOMPARE(applied.model()->rowCount(), 3);
+
+    f.applied.selectNeighborAppliedPreset(AppliedPresets::Neighbor::Previous);
+    QCOMPARE(applied.selectedRows(), IndexList({2}));
+    f.applied.selectNeighborAppliedPreset(AppliedPresets::Neighbor::Next);
+    QCOMPARE(applied.selectedRows(), IndexList({0}));
+    f.all[1]->setName(QStringLiteral("2"));
+    QCOMPARE(applied.model()->index(0, 0).data().toString(), QStringLiteral("2"));
+
+    Fixture::mouse(applied, 2, false, Qt::ControlModifier);
+    QCOMPARE(f.applied.selectedRows(), IndexList({0, 2}));
+    QTest::keyClick(&applied, Qt::Key_Delete);
+    QCOMPARE(f.appliedNames(), QStringLiteral("Four"));
+    QCOMPARE(f.applied.selectedRows(), IndexList());
+}
+
+void PresetsPanelTest::doubleClickFindsThePreset()
+{
+    Fixture f;
+    QSignalSpy managerWanted(&f.panel, &PresetsPanel::presetsManagerWanted);
+    f.applied.addWPresetsToApplied({f.all[2], f.all[0]});
+    Fixture::mouse(f.table("wPresetsAppliedTable"), 0, true);
+    QCOMPARE(f.table("wPresetsAllTable").selectedRows(), IndexList({2}));
+    QCOMPARE(managerWanted.count(), 1);
+}
+
+void PresetsPanelTest::reordersOnlyItsOwnRows()
+{
+    Fixture f;
+    f.applied.addWPresetsToApplied(f.all);
+    PresetListView &applied = f.table("wPresetsAppliedTable");
+    auto &model = *applied.model();
+    const std::unique_ptr<QMimeData> rows(model.mimeData({model.index(1, 0), model.index(2, 0)}));
+    QCOMPARE(PresetListModel::draggedRows(rows.get()), IndexList({1, 2}));
+    QCOMPARE(model.flags(model.index(0, 0)).testFlag(Qt::ItemIsDropEnabled), false); // only between rows
+
+    // A drag from elsewhere, even of another list of presets, moves nothing.
+    QSignalSpy rowsDropped(&applied, &PresetListView::rowsDropped);
+    QDropEvent drop(QPoint(10, 10), Qt::MoveAction, rows.get(), Qt::LeftButton, {});
+    QCoreApplication::sendEvent(applied.viewport(), &drop);
+    QCOMPARE(rowsDropped.count(), 0);
+
+    QMimeData broken;
+    broken.setData(QStringLiteral("draggedPrests"), QByteArray("\x7f\xff\xff\xff\x00", 5));
+    QCOMPARE(PresetListModel::draggedRows(&broken), IndexList());
+
+    Q_EMIT applied.rowsDropped({1, 2}, 4);
+    QCOMPARE(f.appliedNames(), QStringLiteral("One Four Two Three"));
+    f.applied.selectRows({2, 3});
+    Q_EMIT applied.rowsDropped({2, 3}, 0);
+    QCOMPARE(applied.selectedRows(), IndexList({0, 1}));
+}
+
+QTEST_MAIN(PresetsPanelTest)
+#include "presetspanel_test.moc"

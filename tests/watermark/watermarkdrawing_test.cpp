@@ -1,0 +1,472 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/fontcatalog.h"
+#include "raster/bitmaputilities.h"
+#include "watermark/fakephoto.h"
+#include "watermark/textwatermark.h"
+#include "watermark/watermarkdrawing.h"
+#include "watermark/wpresetvalues.h"
+
+#include <QPainter>
+#include <QtTest>
+
+#include <atomic>
+#include <cmath>
+#include <thread>
+
+using namespace plexa;
+
+namespace
+{
+
+constexpr QSize kSize(400, 300);
+
+QImage flatPhoto(QRgb color = qRgb(128, 128, 128), QSize size = kSize)
+{
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(color);
+    return image;
+}
+
+QImage colourfulPhoto()
+{
+    QImage image(kSize, QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixel(x, y, qRgb(x % 256, y % 256, (x * y) % 256));
+    }
+    return image;
+}
+
+WPresetValues textPreset(const QString &text)
+{
+    WPresetValues values;
+    values.textTokens = {text};
+    values.fontSize = 20;
+    return values;
+}
+
+/// A picture of four colours: red, green above blue, yellow; 40 x 20.
+WPresetValues fourColours()
+{
+    QImage image(40, 20, QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&image);
+    painter.fillRect(0, 0, 20, 10, QColor(255, 0, 0));
+    painter.fillRect(20, 0, 20, 10, QColor(0, 255, 0));
+    painter.fillRect(0, 10, 20, 10, QColor(0, 0, 255));
+    painter.fillRect(20, 10, 20, 10, QColor(255, 255, 0));
+    painter.end();
+    WPresetValues values;
+    values.type = u"Image"_qs;
+    values.image = WatermarkPicture::fromImage(image);
+    values.width = 40;
+    values.widthUnit = u"Pixels"_qs;
+    values.anchorPoint = 0;
+    values.offsetHorizontal = values.offsetVertical = 0;
+    return values;
+}
+
+QRect differingRect(const QImage &a, const QImage &b)
+{
+    QRect box;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            if (a.pixel(x, y) != b.pixel(x, y))
+                box |= QRect(x, y, 1, 1);
+        }
+    }
+    return box;
+}
+
+} // namespace
+
+class WatermarkDrawingTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    QImage drawn(const QImage &photo, const WPresetValues &values, QRectF *rect = nullptr)
+    {
+        const test::FakePhoto source(photo.size());
+        const Result<QImage> result = createWatermarkOnImage(photo, values, source, m_fonts, false, rect);
+        if (!result)
+            qWarning("%s", qPrintable(result.error().text));
+        return result.value_or(QImage());
+    }
+
+    FontCatalog m_fonts;
+
+private Q_SLOTS:
+    void nothingToDrawGivesTheSameImage_data();
+    void nothingToDrawGivesTheSameImage();
+    void theRectangleIsReported();
+    void quarterTurnsAndMirrors_data();
+    void quarterTurnsAndMirrors();
+    void inkTurnsLikeTheWholeBitmap_data();
+    void inkTurnsLikeTheWholeBitmap();
+    void aBitmapThatCouldNotBeTurnedIsEmpty();
+    void theBoxIgnoresTheWatermarksOpacity();
+    void multiplyingByWhiteChangesNothing();
+    void opacityMixes();
+    void theShadowFallsToItsSide_data();
+    void theShadowFallsToItsSide();
+    void markAndShadowReachInAlone();
+    void stripsEqualTheWhole();
+    void repeatsAreSeparateDraws();
+    void absurdPresetsFail_data();
+    void absurdPresetsFail();
+    void threadsDrawTheSame();
+};
+
+void WatermarkDrawingTest::nothingToDrawGivesTheSameImage_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QStringList>("pieces");
+    QTest::addColumn<int>("width");
+    QTest::newRow("no pieces") << "Text" << QStringList() << 98;
+    QTest::newRow("a token without a value") << "Text" << QStringList(u"city"_qs) << 98;
+    QTest::newRow("no picture") << "Image" << QStringList(u"text"_qs) << 98;
+    QTest::newRow("no width") << "Text" << QStringList(u"text"_qs) << 0;
+    QTest::newRow("negative width") << "Text" << QStringList(u"text"_qs) << -20;
+}
+
+void WatermarkDrawingTest::nothingToDrawGivesTheSameImage()
+{
+    QFETCH(QString, type);
+    QFETCH(QStringList, pieces);
+    QFETCH(int, width);
+    WPresetValues values;
+    values.type = type;
+    values.textTokens = pieces;
+    values.width = width;
+    values.background = true;
+    const QImage photo = flatPhoto();
+    QCOMPARE(drawn(photo, values).constBits(), photo.constBits());
+}
+
+void WatermarkDrawingTest::theRectangleIsReported()
+{
+    WPresetValues values = fourColours();
+    values.offsetHorizontal = 1;
+    values.offsetHorizontalUnit = u"Pixels"_qs;
+    QRectF rect;
+    const QImage photo = flatPhoto();
+    const QImage marked = drawn(photo, values, &rect);
+    QCOMPARE(rect, QRectF(1, 280, 40, 20));
+    QCOMPARE(differingRect(photo, marked), QRect(1, 0, 40, 20));
+
+    rect = QRectF(-10.4, 99.6, 0, 0);
+    const Result<QImage> moved =
+        createWatermarkOnImage(photo, values, test::FakePhoto(kSize), m_fonts, true, &rect);
+    QVERIFY(moved.has_value());
+    QCOMPARE(rect, QRectF(-10.4, 99.6, 40, 20));
+    QCOMPARE(differingRect(photo, *moved), QRect(0, 180, 30, 20));
+    QCOMPARE(photo, flatPhoto());
+}
+
+void WatermarkDrawingTest::quarterTurnsAndMirrors_data()
+{
+    QTest::addColumn<float>("angle");
+    QTest::addColumn<int>("rotation");
+    QTest::addColumn<int>("flip");
+    QTest::addColumn<QString>("colours"); // top left, top right, bottom left, bottom right
+    QTest::newRow("as it is") << 0.0F << 0 << 0 << "RGBY";
+    QTest::newRow("counter-clockwise") << 0.0F << 1 << 0 << "GYRB";
+    QTest::newRow("clockwise") << 0.0F << 2 << 0 << "BRYG";
+    QTest::newRow("half") << 0.0F << 3 << 0 << "YBGR";
+    QTest::newRow("unknown") << 0.0F << 4 << 4 << "RGBY";
+    QTest::newRow("left-right") << 0.0F << 0 << 1 << "GRYB";
+    QTest::newRow("top-bottom") << 0.0F << 0 << 2 << "BYRG";
+    QTest::newRow("both") << 0.0F << 0 << 3 << "YBGR";
+    QTest::newRow("turned, then mirrored") << 0.0F << 1 << 1 << "YGBR";
+    QTest::newRow("angle of a quarter") << 90.0F << 0 << 0 << "GYRB";
+    QTest::newRow("angle of minus a quarter") << -90.0F << 0 << 0 << "BRYG";
+    QTest::newRow("angle, then quarter") << 90.0F << 1 << 0 << "YBGR";
+    QTest::newRow("full turn") << 360.0F << 0 << 0 << "RGBY";
+    QTest::newRow("below a full turn") << -450.0F << 0 << 0 << "RGBY";
+}
+
+void WatermarkDrawingTest::quarterTurnsAndMirrors()
+{
+    QFETCH(float, angle);
+    QFETCH(int, rotation);
+    QFETCH(int, flip);
+    WPresetValues values = fourColours();
+    values.angle = angle;
+    values.rotation = rotation;
+    values.flip = flip;
+    QRectF rect;
+    const QImage marked = drawn(flatPhoto(), values, &rect);
+    const QHash<QRgb, QChar> names{
+        {qRgb(255, 0, 0), u'R'}, {qRgb(0, 255, 0), u'G'}, {qRgb(0, 0, 255), u'B'}, {qRgb(255, 255, 0), u'Y'}};
+    QString colours;
+    for (const double y : {0.1, 0.9}) {
+        for (const double x : {0.1, 0.9})
+            colours += names.value(marked.pixel(int(x * rect.width()), int(y * rect.height())), u'?');
+    }
+    QTEST(colours, "colours");
+    QCOMPARE(differingRect(flatPhoto(), marked).size(), rect.size().toSize());
+}
+
+void WatermarkDrawingTest::inkTurnsLikeTheWholeBitmap_data()
+{
+    QTest::addColumn<float>("angle");
+    for (const float angle : {1.0F, 30.0F, -45.0F, 100.0F, 200.5F, 359.0F})
+        QTest::addRow("%g degrees", static_cast<double>(angle)) << angle;
+}
+
+/// Only the ink is turned; the text must land where turning the whole frame would put it.
+void WatermarkDrawingTest::inkTurnsLikeTheWholeBitmap()
+{
+    QFETCH(float, angle);
+    // Two empty lines below put the ink far from the frame's centre.
+    const QString text = u"Turn\n\n\u00a0"_qs;
+    WPresetValues values = textPreset(text);
+    values.width = 300;
+    values.widthUnit = u"Pixels"_qs;
+    values.textAlignment = 2;
+    values.anchorPoint = 4;
+    const auto bitmap = createTextWatermarkOfWidth(300, values, text, kSize, m_fonts);
+    QVERIFY(bitmap && *bitmap);
+    QImage whole = createBitmapContext((*bitmap)->size.width(), (*bitmap)->size.height(), true);
+    QPainter(&whole).drawImage((*bitmap)->inkAt, (*bitmap)->ink);
+    const double radians = static_cast<double>(angle < 0 ? angle + 360 : angle) * M_PI / 180;
+    const QImage turned = createImageRotatedByAngle(whole, radians);
+
+    values.angle = angle;
+    QRectF rect;
+    const QImage black = flatPhoto(qRgb(0, 0, 0));
+    const QImage marked = drawn(black, values, &rect);
+    QCOMPARE(rect.size().toSize(), turned.size());
+    QImage expected = black;
+    QPainter(&expected).drawImage(qRound(rect.x()), qRound(300 - rect.y() - rect.height()), turned);
+    const auto centre = [](const QImage &image) {
+        QPointF sum;
+        double weight = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const int light = qGray(image.pixel(x, y));
+                sum += QPointF(x, y) * light;
+                weight += light;
+            }
+        }
+        return sum / weight;
+    };
+    const QPointF off = centre(marked) - centre(expected);
+    // Each of the two is moved to whole pixels once.
+    QVERIFY2(std::abs(off.x()) <= 1.01 && std::abs(off.y()) <= 1.01, qPrintable(QDebug::toString(off)));
+}
+
+void WatermarkDrawingTest::aBitmapThatCouldNotBeTurnedIsEmpty()
+{
+    WPresetValues values;
+    values.background = true;
+    const WatermarkBitmap none;
+    const WatermarkLayout layout = layoutWatermark(values, kSize, none.size, QPointF(40, 30));
+    QCOMPARE(layout.rect, QRectF(40, 30, 0, 0));
+    values.backgroundPaddingTop = values.backgroundPaddingBottom = 10;
+    values.backgroundPaddingLeft = values.backgroundPaddingRight = 10;
+    values.backgroundPaddingUnit = u"Pixels"_qs;
+    values.backgroundFullWidth = false;
+    QCOMPARE(layoutWatermark(values, kSize, none.size, QPointF(40, 30)).box, QRectF(30, 20, 20, 20));
+}
+
+void WatermarkDrawingTest::theBoxIgnoresTheWatermarksOpacity()
+{
+    WPresetValues values = fourColours();
+    values.opacity = 0;
+    values.blendMode = u"Difference"_qs;
+    values.shadow = true;
+    values.background = true;
+    values.backgroundFullWidth = false;
+    values.backgroundColor = QColor(255, 0, 0, 20);
+    values.backgroundOpacity = 100;
+    values.anchorPoint = 4;
+    const QImage photo = flatPhoto();
+    QImage expected = photo;
+    QPainter(&expected).fillRect(QRect(180 - 20, 140 - 20, 80, 60), QColor(255, 0, 0));
+    QCOMPARE(drawn(photo, values), expected);
+}
+
+void WatermarkDrawingTest::multiplyingByWhiteChangesNothing()
+{
+    WPresetValues values = textPreset(u"white"_qs);
+    values.stroke = false;
+    values.blendMode = u"Multiply"_qs;
+    const QImage photo = colourfulPhoto();
+    QCOMPARE(drawn(photo, values), photo);
+    // In another letter case the name is unknown, and white text shows.
+    values.blendMode = u"multiply"_qs;
+    QVERIFY(drawn(photo, values) != photo);
+}
+
+void WatermarkDrawingTest::opacityMixes()
+{
+    WPresetValues values = fourColours();
+    values.opacity = 25;
+    const QRgb mixed = drawn(flatPhoto(qRgb(100, 100, 100)), values).pixel(5, 5);
+    QVERIFY(std::abs(qRed(mixed) - (100 * 0.75 + 255 * 0.25)) < 1);
+    QVERIFY(std::abs(qBlue(mixed) - 75) < 1);
+    values.opacity = 900;
+    QCOMPARE(drawn(flatPhoto(), values).pixel(5, 5), qRgb(255, 0, 0));
+}
+
+void WatermarkDrawingTest::theShadowFallsToItsSide_data()
+{
+    QTest::addColumn<float>("angle");
+    QTest::addColumn<QPoint>("dark");
+    QTest::addColumn<QPoint>("light");
+    QTest::newRow("right") << 0.0F << QPoint(245, 150) << QPoint(155, 150);
+    QTest::newRow("up") << 90.0F << QPoint(200, 115) << QPoint(200, 185);
+    QTest::newRow("left") << 180.0F << QPoint(155, 150) << QPoint(245, 150);
+    QTest::newRow("down") << -90.0F << QPoint(200, 185) << QPoint(200, 115);
+}
+
+void WatermarkDrawingTest::theShadowFallsToItsSide()
+{
+    QFETCH(float, angle);
+    QFETCH(QPoint, dark);
+    QFETCH(QPoint, light);
+    WPresetValues values = fourColours();
+    values.anchorPoint = 4;
+    values.shadow = true;
+    values.shadowAngle = angle;
+    values.shadowOffset = 30;
+    values.shadowOffsetUnit = u"Pixels"_qs;
+    values.shadowBlur = 0;
+    const QImage marked = drawn(flatPhoto(qRgb(240, 240, 240)), values);
+    QVERIFY(std::abs(qRed(marked.pixel(dark)) - 160) <= 1); // a third darker
+    QCOMPARE(marked.pixel(light), qRgb(240, 240, 240));
+    QVERIFY(marked.pixel(200 - 10, 150 - 5) == qRgb(255, 0, 0));
+}
+
+void WatermarkDrawingTest::markAndShadowReachInAlone()
+{
+    WPresetValues values = fourColours();
+    values.shadow = true;
+    values.shadowAngle = 0;
+    values.shadowOffset = 100;
+    values.shadowOffsetUnit = u"Pixels"_qs;
+    values.shadowBlur = 0;
+    const QImage photo = flatPhoto();
+    QRectF rect(-60, 140, 0, 0);
+    const auto shadowInside =
+        createWatermarkOnImage(photo, values, test::FakePhoto(kSize), m_fonts, true, &rect);
+    QCOMPARE(differingRect(photo, shadowInside.value_or(QImage())), QRect(40, 140, 40, 20));
+    rect = QRectF(350, 140, 0, 0);
+    const auto markInside =
+        createWatermarkOnImage(photo, values, test::FakePhoto(kSize), m_fonts, true, &rect);
+    QCOMPARE(differingRect(photo, markInside.value_or(QImage())), QRect(350, 140, 40, 20));
+}
+
+void WatermarkDrawingTest::stripsEqualTheWhole()
+{
+    WPresetValues values = textPreset(u"Strips of\nfew rows"_qs);
+    values.angle = 20;
+    values.opacity = 70;
+    values.blendMode = u"Overlay"_qs;
+    values.shadow = true;
+    values.shadowBlur = 9;
+    values.background = true;
+    values.backgroundPaddingUnit = u"% of height"_qs;
+    values.backgroundPaddingTop = 1;
+    values.replicateHorizontal = values.replicateVertical = true;
+    values.replicateHorizontalDistance = -60;
+    const QImage photo = colourfulPhoto();
+    const QImage whole = drawn(photo, values);
+    QVERIFY(whole != photo);
+    const Result<std::optional<WatermarkDrawing>> drawing =
+        WatermarkDrawing::prepare(values, test::FakePhoto(kSize), m_fonts, std::nullopt);
+    QVERIFY(drawing && *drawing);
+    for (const int height : {1, 7, 299}) {
+        for (int first = 0; first < photo.height(); first += height) {
+            QImage strip = photo.copy(0, first, photo.width(), std::min(height, photo.height() - first));
+            (*drawing)->drawRows(strip, first);
+            QCOMPARE(strip, whole.copy(QRect(QPoint(0, first), strip.size())));
+        }
+    }
+}
+
+void WatermarkDrawingTest::repeatsAreSeparateDraws()
+{
+    WPresetValues values = fourColours();
+    values.anchorPoint = 6;
+    values.opacity = 50;
+    values.replicateHorizontal = true;
+    values.replicateHorizontalDistance = -10;
+    values.replicateHorizontalDistanceUnit = u"Pixels"_qs;
+    const QImage marked = drawn(flatPhoto(qRgb(0, 0, 0)), values);
+    // Top rows: red and green in turn, 20 wide, a step of 30: they overlap for 10.
+    QVERIFY(std::abs(qRed(marked.pixel(5, 285)) - 128) <= 1);
+    QVERIFY(std::abs(qGreen(marked.pixel(25, 285)) - 128) <= 1);
+    const QRgb both = marked.pixel(35, 285);
+    QVERIFY(std::abs(qRed(both) - 128) <= 1 && std::abs(qGreen(both) - 64) <= 1);
+}
+
+void WatermarkDrawingTest::absurdPresetsFail_data()
+{
+    QTest::addColumn<QString>("field");
+    QTest::newRow("repeats");
+    QTest::newRow("picture");
+    QTest::newRow("shadow");
+    QTest::newRow("text");
+}
+
+void WatermarkDrawingTest::absurdPresetsFail()
+{
+    const QByteArray what = QTest::currentDataTag();
+    WPresetValues values = what == "text" ? textPreset(u"x"_qs) : fourColours();
+    if (what == "repeats") {
+        values.anchorPoint = 6;
+        values.replicateHorizontal = values.replicateVertical = true;
+        values.replicateHorizontalDistance = -39;
+        values.replicateHorizontalDistanceUnit = u"Pixels"_qs;
+        values.replicateVerticalDistance = -19;
+        values.replicateVerticalDistanceUnit = u"Pixels"_qs;
+    }
+    if (what == "picture")
+        values.width = 2'000'000'000;
+    if (what == "shadow") {
+        values.shadow = true;
+        values.shadowBlur = 2'000'000'000;
+    }
+    if (what == "text") {
+        values.fontSize = 2'000'000'000;
+        values.width = 2'000'000'000;
+    }
+    const auto drawing = WatermarkDrawing::prepare(values, test::FakePhoto(kSize), m_fonts, std::nullopt);
+    QVERIFY(!drawing.has_value());
+    QVERIFY(drawing.error().text.size() > 20);
+}
+
+void WatermarkDrawingTest::threadsDrawTheSame()
+{
+    std::vector<WPresetValues> presets;
+    for (const char *font : {"DejaVuSans", "DejaVuSans-Bold", "DejaVuSerif", "DejaVuSansMono", "None"}) {
+        WPresetValues values = textPreset(u"Threads \u05e9\u05dc\u05d5\u05dd \u03a9 \u6f22"_qs);
+        values.font = QLatin1StringView(font);
+        values.angle = 10;
+        presets.push_back(values);
+    }
+    const QImage photo = flatPhoto();
+    std::vector<QImage> expected;
+    for (const WPresetValues &values : presets)
+        expected.push_back(drawn(photo, values));
+    std::atomic<int> wrong = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([&, i] {
+            for (std::size_t k = 0; k < 2 * presets.size(); ++k) {
+                const std::size_t which = (k + static_cast<std::size_t>(i)) % presets.size();
+                if (drawn(photo, presets[which]) != expected[which])
+                    ++wrong;
+            }
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    QCOMPARE(wrong.load(), 0);
+}
+
+QTEST_MAIN(WatermarkDrawingTest)
+#include "watermarkdrawing_test.moc"
