@@ -2,10 +2,18 @@
 
 #include "ui/browser/backgroundwait.h"
 
+#include <QCoreApplication>
 #include <QEventLoop>
+#include <QTimer>
 
 namespace plexa
 {
+namespace
+{
+
+constexpr int kPauseMilliseconds = 50;
+
+} // namespace
 
 BackgroundWait::BackgroundWait(std::function<void()> work)
     : m_thread([this, work = std::move(work)] {
@@ -18,11 +26,21 @@ BackgroundWait::BackgroundWait(std::function<void()> work)
 
 bool BackgroundWait::wait()
 {
-    if (m_isDone)
-        return true;
-    QEventLoop loop;
-    connect(this, &BackgroundWait::finished, &loop, &QEventLoop::quit);
-    loop.exec();
+    bool isQuitting = false;
+    while (!m_isDone && !isQuitting) {
+        isQuitting = true;
+        QEventLoop loop;
+        const auto leave = [&] {
+            isQuitting = false;
+            loop.quit();
+        };
+        connect(this, &BackgroundWait::finished, &loop, leave);
+        QTimer::singleShot(kPauseMilliseconds, &loop, leave);
+        loop.exec();
+        // Between two loops, since Qt keeps objects that are to be deleted later until a loop ends, and such
+        // an object may be what cancels the work.
+        QCoreApplication::sendPostedEvents();
+    }
     return m_isDone;
 }
 

@@ -10,19 +10,20 @@
 namespace plexa
 {
 
-/// Work on a thread of its own that callers wait for while the event loop goes on: the window can be used,
-/// and a second caller may come to wait for the same work. Held by a shared pointer, of which each caller
-/// that waits keeps one. Main thread.
+/// Work on a thread of its own. Callers wait for it in an event loop, so the window stays usable, and several
+/// callers may wait for the same work. Held by a shared pointer, of which each waiting caller keeps a copy.
+/// Main thread.
 class BackgroundWait final : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Begins it. @param work  must not throw
+    /// Starts the work. @param work  must not throw
     explicit BackgroundWait(std::function<void()> work);
 
-    /// Returns when the work is done, or when the program has been told to quit.
-    /// @return whether it is done
+    /// Returns when the work is done or the program is to quit. Objects whose deletion is due are deleted
+    /// meanwhile.
+    /// @return whether the work is done
     bool wait();
     bool isDone() const { return m_isDone; }
 
@@ -34,7 +35,7 @@ Q_SIGNALS:
 
 private:
     bool m_isDone = false;
-    std::jthread m_thread; // joined before all else goes
+    std::jthread m_thread; // last, so that it is joined first
 };
 
 } // namespace plexa
