@@ -67,148 +67,144 @@ class ImageBrowserViewControllerTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void setAndGridAgree();
-    void zoomAndNamesAreRemembered();
-    void copiesForOthers();
-};
-
-void ImageBrowserViewControllerTest::setAndGridAgree()
-{
-    Browser browser;
-    QVERIFY(browser.isReady());
-    browser.click(1);
-    QVERIFY(browser.isSelected({1}, 1));
-    browser.click(3, Qt::ShiftModifier);
-    QVERIFY(browser.isSelected({1, 2, 3}, 3));
-
-    // Dragged to the end, they stay selected, and the focus stays on its photo.
-    browser.controller.movedIndexes({1, 2, 3}, 6);
-    QCOMPARE(shownNames(browser.set), QStringLiteral("a e f b c d"));
-    QVERIFY(browser.isSelected({3, 4, 5}, 5));
-    QCOMPARE(browser.view.filename(5), QStringLiteral("d"));
-
-    browser.set.selection().selectIndexes({0, 4});
-    QVERIFY(browser.isSelected({0, 4}, 0));
-    QTest::keyClick(&browser.view, Qt::Key_Delete);
-    QCOMPARE(shownNames(browser.set), QStringLiteral("e f b d"));
-    QCOMPARE(browser.view.numberImages(), 4);
-    QVERIFY(browser.isSelected({0}, 0));
-
-    browser.set.filterImages(QStringLiteral("B"));
-    QCOMPARE(browser.view.numberImages(), 1);
-    QVERIFY(browser.isSelected({}, -1));
-    browser.click(0);
-    QVERIFY(browser.isSelected({0}, 0));
-    browser.set.disableImageFilters();
-    QCOMPARE(browser.view.numberImages(), 4);
-    QVERIFY(browser.isSelected({}, -1));
-
-    QTest::keyClick(&browser.view, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(&browser.view, Qt::Key_Backspace);
-    QCOMPARE(browser.view.numberImages(), 0);
-    QVERIFY(browser.isSelected({}, -1));
-}
-
-void ImageBrowserViewControllerTest::zoomAndNamesAreRemembered()
-{
-    WorkingSet work;
-    AppController app({work.photos, work.defaults, work.alerts, 2});
+    void setAndGridAgree()
     {
-        ImageBrowserView view;
-        ImageBrowserViewController controller(app, view, work.defaults, 2);
-        QCOMPARE(view.zoomFactor(), 0.5F);
-        QVERIFY(view.showFilenames());
-        QSignalSpy zooms(&controller, &ImageBrowserViewController::browserZoomFactorChanged);
-        for (int i = 0; i < 9; ++i)
-            controller.zoomBrowser(1);
-        QCOMPARE(zooms.size(), 9);
-        QCOMPARE(controller.browserZoomFactor(), 1.0F);
-        controller.zoomBrowser(0);
-        controller.setShowBrowserFilenames(false);
+        Browser browser;
+        QVERIFY(browser.isReady());
+        browser.click(1);
+        QVERIFY(browser.isSelected({1}, 1));
+        browser.click(3, Qt::ShiftModifier);
+        QVERIFY(browser.isSelected({1, 2, 3}, 3));
+
+        // Dragged to the end, they stay selected, and the focus stays on its photo.
+        browser.controller.movedIndexes({1, 2, 3}, 6);
+        QCOMPARE(shownNames(browser.set), QStringLiteral("a e f b c d"));
+        QVERIFY(browser.isSelected({3, 4, 5}, 5));
+        QCOMPARE(browser.view.filename(5), QStringLiteral("d"));
+
+        browser.set.selection().selectIndexes({0, 4});
+        QVERIFY(browser.isSelected({0, 4}, 0));
+        QTest::keyClick(&browser.view, Qt::Key_Delete);
+        QCOMPARE(shownNames(browser.set), QStringLiteral("e f b d"));
+        QCOMPARE(browser.view.numberImages(), 4);
+        QVERIFY(browser.isSelected({0}, 0));
+
+        browser.set.filterImages(QStringLiteral("B"));
+        QCOMPARE(browser.view.numberImages(), 1);
+        QVERIFY(browser.isSelected({}, -1));
+        browser.click(0);
+        QVERIFY(browser.isSelected({0}, 0));
+        browser.set.disableImageFilters();
+        QCOMPARE(browser.view.numberImages(), 4);
+        QVERIFY(browser.isSelected({}, -1));
+
+        QTest::keyClick(&browser.view, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(&browser.view, Qt::Key_Backspace);
+        QCOMPARE(browser.view.numberImages(), 0);
+        QVERIFY(browser.isSelected({}, -1));
     }
-    ImageBrowserView view;
-    const ImageBrowserViewController controller(app, view, work.defaults, 2);
-    QCOMPARE(view.zoomFactor(), 0.9F);
-    QVERIFY(!view.showFilenames());
-}
 
-void ImageBrowserViewControllerTest::copiesForOthers()
-{
-    QClipboard *clipboard = QGuiApplication::clipboard();
-    clipboard->setText(QStringLiteral("words"));
-    auto keeper = std::make_unique<Browser>();
-    Browser &browser = *keeper;
-    QVERIFY(browser.isReady());
-    browser.controller.copy();
-    QCOMPARE(clipboard->text(), QStringLiteral("words")); // nothing was selected
-    browser.set.selection().selectIndexes({0, 2});
-    QTest::keyClick(&browser.view, Qt::Key_C, Qt::ControlModifier);
-    QVERIFY(clipboard->mimeData()->hasFormat(QStringLiteral("image/png")));
-    const QList<QUrl> urls = clipboard->mimeData()->urls();
-    QCOMPARE(urls.size(), 2);
-    QCOMPARE(QImage(urls.last().toLocalFile()).size(), QSize(64, 48));
+    void zoomAndNamesAreRemembered()
+    {
+        WorkingSet work;
+        AppController app({work.photos, work.defaults, work.alerts, 2});
+        {
+            ImageBrowserView view;
+            ImageBrowserViewController controller(app, view, work.defaults, 2);
+            QCOMPARE(view.zoomFactor(), 0.5F);
+            QVERIFY(view.showFilenames());
+            QSignalSpy zooms(&controller, &ImageBrowserViewController::browserZoomFactorChanged);
+            for (int i = 0; i < 9; ++i)
+                controller.zoomBrowser(1);
+            QCOMPARE(zooms.size(), 9);
+            QCOMPARE(controller.browserZoomFactor(), 1.0F);
+            controller.zoomBrowser(0);
+            controller.setShowBrowserFilenames(false);
+        }
+        ImageBrowserView view;
+        const ImageBrowserViewController controller(app, view, work.defaults, 2);
+        QCOMPARE(view.zoomFactor(), 0.9F);
+        QVERIFY(!view.showFilenames());
+    }
 
-    // The status line shows it, and its button stops it.
-    std::atomic<bool> mayGoOn = false;
-    FilePromise::Outcome outcome;
-    auto many = browser.controller.promisedFiles({0, 1, 2, 3, 4, 5});
-    std::thread making([&] {
-        outcome = many->makeFiles(browser.work.folder.path(), [&] {
-            mayGoOn.wait(false);
-            return false;
+    void copiesForOthers()
+    {
+        QClipboard *clipboard = QGuiApplication::clipboard();
+        clipboard->setText(QStringLiteral("words"));
+        auto keeper = std::make_unique<Browser>();
+        Browser &browser = *keeper;
+        QVERIFY(browser.isReady());
+        browser.controller.copy();
+        QCOMPARE(clipboard->text(), QStringLiteral("words")); // nothing was selected
+        browser.set.selection().selectIndexes({0, 2});
+        QTest::keyClick(&browser.view, Qt::Key_C, Qt::ControlModifier);
+        QVERIFY(clipboard->mimeData()->hasFormat(QStringLiteral("image/png")));
+        const QList<QUrl> urls = clipboard->mimeData()->urls();
+        QCOMPARE(urls.size(), 2);
+        QCOMPARE(QImage(urls.last().toLocalFile()).size(), QSize(64, 48));
+
+        // The status line shows it, and its button stops it.
+        std::atomic<bool> mayGoOn = false;
+        FilePromise::Outcome outcome;
+        auto many = browser.controller.promisedFiles({0, 1, 2, 3, 4, 5});
+        std::thread making([&] {
+            outcome = many->makeFiles(browser.work.folder.path(), [&] {
+                mayGoOn.wait(false);
+                return false;
+            });
         });
-    });
-    const bool isShown = QTest::qWaitFor([&] {
-        return browser.app.statusManager().line().text == QStringLiteral("Processing images...") &&
-               browser.app.statusManager().line().canBeStopped;
-    });
-    browser.app.stopAllOperations();
-    mayGoOn = true;
-    mayGoOn.notify_all();
-    making.join();
-    QVERIFY(isShown && outcome.isStopped && outcome.failures.isEmpty());
-    QVERIFY(!QFile::exists(browser.work.folder.path(QStringLiteral("image5"))));
-    QTRY_VERIFY(!browser.app.statusManager().line().canBeStopped);
+        const bool isShown = QTest::qWaitFor([&] {
+            return browser.app.statusManager().line().text == QStringLiteral("Processing images...") &&
+                   browser.app.statusManager().line().canBeStopped;
+        });
+        browser.app.stopAllOperations();
+        mayGoOn = true;
+        mayGoOn.notify_all();
+        making.join();
+        QVERIFY(isShown && outcome.isStopped && outcome.failures.isEmpty());
+        QVERIFY(!QFile::exists(browser.work.folder.path(QStringLiteral("image5"))));
+        QTRY_VERIFY(!browser.app.statusManager().line().canBeStopped);
 
-    // A file that has gone is reported, later.
-    QSignalSpy failures(&browser.controller, &ImageBrowserViewController::copiesFailed);
-    auto gone = browser.set.imagesFiltered()->at(1);
-    gone->releaseImagesData();
-    QVERIFY(QFile::remove(gone->path()));
-    auto promise = browser.controller.promisedFiles({1});
-    promise->report(promise->makeFiles(browser.work.folder.path(), [] { return false; }).failures);
-    QCOMPARE(failures.size(), 0);
-    QTRY_COMPARE(failures.size(), 1);
+        // A file that has gone is reported, later.
+        QSignalSpy failures(&browser.controller, &ImageBrowserViewController::copiesFailed);
+        auto gone = browser.set.imagesFiltered()->at(1);
+        gone->releaseImagesData();
+        QVERIFY(QFile::remove(gone->path()));
+        auto promise = browser.controller.promisedFiles({1});
+        promise->report(promise->makeFiles(browser.work.folder.path(), [] { return false; }).failures);
+        QCOMPARE(failures.size(), 0);
+        QTRY_COMPARE(failures.size(), 1);
 
-    // Into somebody's folder it is the user's own save that runs, with that folder as his.
-    std::size_t saved = 0;
-    const QString folder = browser.work.folder.path(QStringLiteral("target"));
-    QVERIFY(!browser.controller.promisedFiles({0, 2})->canSaveInto()); // nobody saves yet
-    browser.controller.setSavePhotos([&](const auto &photos) {
-        saved = photos.size();
-        return true;
-    });
-    auto dropped = browser.controller.promisedFiles({0, 2});
-    QVERIFY(dropped->canSaveInto() && dropped->saveInto(folder));
-    QCOMPARE(saved, std::size_t(2));
-    QCOMPARE(browser.work.defaults.stringForKey(settings::savingDirectory), folder);
+        // Into somebody's folder it is the user's own save that runs, with that folder as his.
+        std::size_t saved = 0;
+        const QString folder = browser.work.folder.path(QStringLiteral("target"));
+        QVERIFY(!browser.controller.promisedFiles({0, 2})->canSaveInto()); // nobody saves yet
+        browser.controller.setSavePhotos([&](const auto &photos) {
+            saved = photos.size();
+            return true;
+        });
+        auto dropped = browser.controller.promisedFiles({0, 2});
+        QVERIFY(dropped->canSaveInto() && dropped->saveInto(folder));
+        QCOMPARE(saved, std::size_t(2));
+        QCOMPARE(browser.work.defaults.stringForKey(settings::savingDirectory), folder);
 
-    // Without watermarks there is nothing to copy, nor is what was copied before.
-    browser.app.appliedPresets().modeDidChange(1);
-    browser.controller.copy();
-    QVERIFY(!clipboard->mimeData() || !clipboard->mimeData()->hasUrls());
-    browser.app.appliedPresets().modeDidChange(0);
-    browser.controller.copy();
+        // Without watermarks there is nothing to copy, nor is what was copied before.
+        browser.app.appliedPresets().modeDidChange(1);
+        browser.controller.copy();
+        QVERIFY(!clipboard->mimeData() || !clipboard->mimeData()->hasUrls());
+        browser.app.appliedPresets().modeDidChange(0);
+        browser.controller.copy();
 
-    // The photos do not stay behind on the clipboard.
-    many.reset();
-    promise.reset();
-    dropped.reset();
-    gone.reset();
-    QVERIFY(clipboard->mimeData()->hasUrls());
-    keeper.reset();
-    QVERIFY(!clipboard->mimeData() || !clipboard->mimeData()->hasUrls());
-}
+        // The photos do not stay behind on the clipboard.
+        many.reset();
+        promise.reset();
+        dropped.reset();
+        gone.reset();
+        QVERIFY(clipboard->mimeData()->hasUrls());
+        keeper.reset();
+        QVERIFY(!clipboard->mimeData() || !clipboard->mimeData()->hasUrls());
+    }
+};
 
 QTEST_MAIN(ImageBrowserViewControllerTest)
 #include "imagebrowserviewcontroller_test.moc"

@@ -28,21 +28,13 @@ class PhotoPromiseTest : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void copiesAndPictures();
-
 private:
     test::TestFolder m_folder;
     FontCatalog m_fonts;
-    LocaleFormat m_locale{QStringLiteral("en_US")};
-    PixelCache m_cache{64 << 20};
-    ByteBudget m_budget{1'000'000'000};
-    PhotoServices m_services{m_fonts, m_locale, m_cache, m_budget, {}};
-};
+    LocaleFormat
+    m_locale{QStringLiteral("en_US")
 
-void PhotoPromiseTest::copiesAndPictures()
-{
-    QImage picture(320, 200, QImage::Format_RGB32);
+                 private Q_SLOTS : void copiesAndPictures(){QImage picture(320, 200, QImage::Format_RGB32);
     picture.fill(Qt::darkGreen);
     PhotoPromise::Contents contents;
     for (const QString &name : {QStringLiteral("a.png"), QStringLiteral("broken.png")}) {
@@ -102,6 +94,8 @@ void PhotoPromiseTest::copiesAndPictures()
     QCOMPARE(source.indexOf(nullptr), -1);
     QVERIFY(source.thumbnail(1, ImageBrowserSource::ThumbnailKind::Original).isNull());
 }
+}
+;
 
 QTEST_MAIN(PhotoPromiseTest)
 #include "photopromise_test.moc"
