@@ -6,6 +6,7 @@
 #include "ui/browser/imagebrowserview.h"
 #include "ui/browser/imagebrowserviewcontroller.h"
 #include "ui/browser/promisedfiles.h"
+#include "ui/window/mainwindow.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -34,12 +35,12 @@ struct Browser {
         QStringList paths;
         for (const char *name : {"a.png", "b.png", "c.png", "d.png", "e.png", "f.png"})
             paths.append(work.photo(QLatin1String(name)));
-        set.scanImagesAtPaths(paths);
+        app.gathering().scanImagesAtPaths(paths);
     }
 
     bool isReady()
     {
-        return QTest::qWaitFor([this] { return isIdle(set) && view.numberImages() == 6; });
+        return QTest::qWaitFor([this] { return isIdle(app.gathering()) && view.numberImages() == 6; });
     }
     void click(int index, Qt::KeyboardModifiers modifiers = {})
     {
@@ -54,7 +55,7 @@ struct Browser {
     }
 
     WorkingSet work;
-    AppController app{{work.photos, work.defaults, work.alerts, 2}};
+    AppController app{{work.photos, work.defaults, work.alerts, work.store, 2}};
     ImageSet &set = app.imageSet();
     ImageBrowserView view;
     ImageBrowserViewController controller{app, view, work.defaults, 2};
@@ -107,7 +108,7 @@ private Q_SLOTS:
     void zoomAndNamesAreRemembered()
     {
         WorkingSet work;
-        AppController app({work.photos, work.defaults, work.alerts, 2});
+        AppController app({work.photos, work.defaults, work.alerts, work.store, 2});
         {
             ImageBrowserView view;
             ImageBrowserViewController controller(app, view, work.defaults, 2);
@@ -115,10 +116,10 @@ private Q_SLOTS:
             QVERIFY(view.showFilenames());
             QSignalSpy zooms(&controller, &ImageBrowserViewController::browserZoomFactorChanged);
             for (int i = 0; i < 9; ++i)
-                controller.zoomBrowser(1);
+                controller.zoomBrowser(ImageBrowserViewController::Zoom::In);
             QCOMPARE(zooms.size(), 9);
             QCOMPARE(controller.browserZoomFactor(), 1.0F);
-            controller.zoomBrowser(0);
+            controller.zoomBrowser(ImageBrowserViewController::Zoom::Out);
             controller.setShowBrowserFilenames(false);
         }
         ImageBrowserView view;
@@ -175,18 +176,16 @@ private Q_SLOTS:
         QCOMPARE(failures.size(), 0);
         QTRY_COMPARE(failures.size(), 1);
 
-        // Into somebody's folder it is the user's own save that runs, with that folder as his.
-        std::size_t saved = 0;
+        // Into a folder of another program, the batch save writes them, and that folder becomes the user's.
         const QString folder = browser.work.folder.path(QStringLiteral("target"));
-        QVERIFY(!browser.controller.promisedFiles({0, 2})->canSaveInto()); // nobody saves yet
-        browser.controller.setSavePhotos([&](const auto &photos) {
-            saved = photos.size();
-            return true;
-        });
+        QSignalSpy saved(&browser.app.batchSave(), &BatchSave::finished);
         auto dropped = browser.controller.promisedFiles({0, 2});
         QVERIFY(dropped->canSaveInto() && dropped->saveInto(folder));
-        QCOMPARE(saved, std::size_t(2));
+        QVERIFY(!dropped->saveInto(browser.work.folder.path())); // one at a time
         QCOMPARE(browser.work.defaults.stringForKey(settings::savingDirectory), folder);
+        QVERIFY(saved.wait());
+        QCOMPARE(QDir(folder).entryList({QStringLiteral("[ac]*.jpg")}, QDir::Files).size(), 2);
+        QTRY_COMPARE(failures.size(), 2);
 
         // Without watermarks there is nothing to copy, nor is what was copied before.
         browser.app.appliedPresets().modeDidChange(1);
@@ -203,6 +202,46 @@ private Q_SLOTS:
         QVERIFY(clipboard->mimeData()->hasUrls());
         keeper.reset();
         QVERIFY(!clipboard->mimeData() || !clipboard->mimeData()->hasUrls());
+    }
+
+    /// A dragged copy has its photo's date where the setting is on.
+    void datesAreKept()
+    {
+        Browser browser;
+        QVERIFY(browser.isReady());
+        QFile photo(browser.set.imagesFiltered()->front()->path());
+        QVERIFY(photo.open(QIODevice::ReadWrite));
+        QVERIFY(photo.setFileTime(QDate(2001, 2, 3).startOfDay(), QFileDevice::FileModificationTime));
+        const QString copy = browser.work.folder.path(QStringLiteral("image0"));
+        for (const bool keeps : {true, false}) {
+            browser.work.defaults.setObject(settings::exportPreserveOriginalFileCreationDate, keeps);
+            auto promise = browser.controller.promisedFiles({0});
+            QVERIFY(promise->makeFiles(browser.work.folder.path(), [] { return false; }).failures.isEmpty());
+            QCOMPARE(QFileInfo(copy).lastModified().date() == QDate(2001, 2, 3), keeps);
+            QVERIFY(QFile::remove(copy));
+        }
+    }
+
+    /// The window reports the first of them with file and reason.
+    void failedCopiesAreReported()
+    {
+        WorkingSet work;
+        AppController app({work.photos, work.defaults, work.alerts, work.store, 2});
+        WPresetValues values = WPresetValues::forNewPreset(work.fonts);
+        values.textTokens = {QStringLiteral("mark")};
+        app.appliedPresets().setQuickWPreset(std::make_shared<WPreset>(values));
+        MainWindow window({app, work.defaults, work.alerts, 2});
+        for (int i = 0; i < 12; ++i)
+            app.imageSet().addImage(work.brokenPhoto(QStringLiteral("%1.png").arg(i)), {});
+        app.imageSet().selection().selectAll();
+        window.browser().copy();
+        work.alerts.expect(QStringLiteral("Not all copies could be made"));
+        QCOMPARE(QGuiApplication::clipboard()->mimeData()->urls(), QList<QUrl>());
+        QTRY_COMPARE(work.alerts.complaints(), QStringList());
+        const QStringList lines = work.alerts.shown().first().text.split(QLatin1Char('\n'));
+        QVERIFY(lines.size() > 3 && lines.size() < 12);
+        QVERIFY(lines.first().startsWith(work.folder.path(QStringLiteral("in/0.png: "))));
+        QCOMPARE(lines.last(), QStringLiteral("  ...and %1 more...").arg(13 - lines.size()));
     }
 };
 
