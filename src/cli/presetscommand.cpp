@@ -62,24 +62,11 @@ Result<PresetsFile> readPresetsFile(const QString &path)
     });
 }
 
-QJsonValue toJson(const QStringList &texts)
-{
-    return QJsonArray::fromStringList(texts);
-}
-
-template<class T>
-QJsonValue toJson(const T &value)
-{
-    return value;
-}
-
 QJsonObject asJson(const SavingPreset &preset)
 {
     QJsonObject object{{QStringLiteral("presetID"), preset.presetID()}};
-#define PLEXA_INSERT_FIELD(name, Name, Type, initial)                                                        \
-    object.insert(QStringLiteral(#name), toJson(preset.values().name));
-    PLEXA_SAVINGPRESET_FIELDS(PLEXA_INSERT_FIELD)
-#undef PLEXA_INSERT_FIELD
+    for (const SavingPresetField &field : savingPresetFields())
+        object.insert(field.name, valueAsJson(field.value(preset.values())));
     return object;
 }
 
