@@ -70,6 +70,10 @@ void AppController::readPresets(PresetsStore &store)
     const auto takeQuickPreset = [this] { m_appliedPresets.setQuickWPreset(m_store->quickWPreset()); };
     takeQuickPreset();
     connect(&store, &PresetsStore::quickWPresetChanged, this, takeQuickPreset);
+    connect(&store.wPresetList(), &PresetListSignals::aboutToRemove, this, [this](int first, int last) {
+        for (int row = first; row <= last; ++row)
+            m_appliedPresets.removeFromApplied(m_store->wPresets()[static_cast<std::size_t>(row)].get());
+    });
     m_appliedPresets.restoreAppliedPresets(store.wPresets());
 }
 
@@ -111,8 +115,7 @@ void AppController::saveQuickAsWPreset()
 void AppController::tellUnsaved(const Error &error, const QStringList &more)
 {
     tell(m_alerts, Alert::Style::Warning, tr("Cannot save the presets"),
-         QStringList(tr("What is new among your presets will be gone when you quit: %1.").arg(error.text)) +
-             more);
+         QStringList(PresetsStore::unsavedText(error)) + more);
 }
 
 void AppController::rememberPresets()
@@ -120,6 +123,7 @@ void AppController::rememberPresets()
     if (m_store) {
         m_store->saveWPresets(PresetsStore::Slot::Quick);
         m_store->saveSavingPresets(PresetsStore::Slot::Quick);
+        m_store->saveChangedLists();
     }
     m_appliedPresets.rememberAppliedPresets();
 }

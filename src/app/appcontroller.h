@@ -63,7 +63,7 @@ public:
     /// Nothing before readPresets().
     void saveQuickAsWPreset();
 
-    /// What closing the window keeps: the quick presets, and the names of those that are applied.
+    /// Saves, when the window closes, the presets and the names of the applied ones.
     void rememberPresets();
 
     /// What the rules for menus and buttons look at.
