@@ -14,7 +14,22 @@ namespace plexa
 namespace
 {
 
-/// A text in JSON, else as it is.
+/// "FIELD=VALUE" in its parts.
+struct FieldArgument {
+    QString name;
+    QString text;
+};
+
+Result<FieldArgument> parsed(const std::string &argument)
+{
+    const QString text = QString::fromStdString(argument);
+    const qsizetype equals = text.indexOf(u'=');
+    if (equals < 1)
+        return fail(QStringLiteral("\"%1\" is not of the form FIELD=VALUE").arg(text));
+    return FieldArgument{text.left(equals), text.mid(equals + 1)};
+}
+
+/// The text of a JSON string, else the argument's text.
 QString textOf(const FieldArgument &argument)
 {
     const QJsonValue json = jsonInText(argument.text);
@@ -84,21 +99,11 @@ Result<FieldValue> valueOf(const SavingPresetField &field, const FieldArgument &
 
 } // namespace
 
-Result<FieldArgument> FieldArgument::parse(const std::string &argument)
-{
-    const QString text = QString::fromStdString(argument);
-    const qsizetype equals = text.indexOf(QLatin1Char('='));
-    if (equals < 1)
-        return fail(QStringLiteral("\"%1\" is not of the form FIELD=VALUE").arg(text));
-    return FieldArgument{text.left(equals), text.mid(equals + 1)};
-}
-
 Result<void> applyField(WPresetValues &values, const std::string &argument)
 {
-    const Result<FieldArgument> field = FieldArgument::parse(argument);
-    if (!field)
-        return tl::unexpected(field.error());
-    return setFieldFromText(values, field->name, field->text);
+    return parsed(argument).and_then([&values](const FieldArgument &field) {
+        return setFieldFromText(values, field.name, field.text);
+    });
 }
 
 Result<void> checkSavingPreset(const SavingPresetValues &preset)
@@ -124,7 +129,7 @@ Result<void> checkSavingPreset(const SavingPresetValues &preset)
 
 Result<void> applySavingField(SavingPresetValues &preset, const std::string &argument)
 {
-    const Result<FieldArgument> given = FieldArgument::parse(argument);
+    const Result<FieldArgument> given = parsed(argument);
     if (!given)
         return tl::unexpected(given.error());
     if (const SavingPresetField *const field = savingPresetField(given->name))
