@@ -4,6 +4,7 @@
 #include "presets/savingpreset.h"
 #include "presets/wpresetarchive.h"
 #include "support/datarows.h"
+#include "support/keyedarchives.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -70,7 +71,7 @@ private Q_SLOTS:
 
     void printing()
     {
-        const Outcome text = run("presets %1", path("my.pxwpr"));
+        const ProgramRun text = run("presets %1", path("my.pxwpr"));
         QCOMPARE(text.status, 0);
         QCOMPARE(text.out, QByteArray("Plain: text, plain\nWith PNG: text, plain\n"));
         const QJsonArray presets = QJsonDocument::fromJson(json("my.pxwpr")).array();
@@ -96,9 +97,9 @@ private Q_SLOTS:
 
     void converting()
     {
-        writeArchives();
+        QVERIFY(writeKeyedArchives(m_folder->path()));
         // Some of its values cannot be read.
-        const Outcome converted = convert("new.pxwpr", "old.pxwpr");
+        const ProgramRun converted = convert("new.pxwpr", "old.pxwpr");
         QVERIFY(converted.status == 1 && converted.err.contains("\"width\" of number 2 in its list"));
         QCOMPARE(run("presets %1", path("new.pxwpr")).status, 0);
         QVERIFY(json("new.pxwpr").size() > 1000);
@@ -113,18 +114,18 @@ private Q_SLOTS:
                                            {"later.pxspr", "later version"},
                                            {"raw.pxspr", "\"&D"},
                                            {"markup.pxspr", "\"R&D\""}}) {
-            const Outcome refused = convert("not", name);
+            const ProgramRun refused = convert("not", name);
             QVERIFY2(refused.status == 1 && refused.err.contains(reason), refused.err.constData());
             QCOMPARE(refused.err.count('\n'), 1);
             QCOMPARE(contentsOf(path("not")), QByteArray("old"));
         }
-        const Outcome misnamed = convert("my.pxwpr", "my.pxspr");
+        const ProgramRun misnamed = convert("my.pxwpr", "my.pxspr");
         QVERIFY(misnamed.status == 1 && misnamed.err.contains("my.pxwpr\" is a name for watermark"));
-        const Outcome folder = convert("in", "my.pxspr");
+        const ProgramRun folder = convert("in", "my.pxspr");
         QVERIFY(folder.status == 1 && folder.err.count("cannot be written") == 1);
         // Otherwise the readable part is used, with a note.
         for (const char *name : {"later.pxwpr", "later.pxspr"}) {
-            const Outcome printed = run("presets %1", path(name));
+            const ProgramRun printed = run("presets %1", path(name));
             QVERIFY(printed.status == 0 && printed.out.count('\n') == 2 &&
                     printed.err.contains("later version"));
         }
@@ -138,17 +139,17 @@ private Q_SLOTS:
 
     void unreadablePartsAreReported()
     {
-        writeArchives();
+        QVERIFY(writeKeyedArchives(m_folder->path()));
         // Pictures are kept as they are; elements of the list that are not presets are not.
-        const Outcome pictures = run("presets %1", path("pictures.pxwpr"));
+        const ProgramRun pictures = run("presets %1", path("pictures.pxwpr"));
         QCOMPARE(pictures.status, 0);
         QCOMPARE(pictures.err.count('\n'), 7);
         QVERIFY(pictures.err.contains("\"vector\"") &&
                 pictures.out.contains("vector: image, cannot be read\n"));
-        const Outcome kept = convert("kept.pxwpr", "pictures.pxwpr");
+        const ProgramRun kept = convert("kept.pxwpr", "pictures.pxwpr");
         QVERIFY(kept.status == 0 && kept.err == pictures.err);
         for (const char *target : {"rest.pxwpr", "some.pxwpr"}) {
-            const Outcome partly = convert(target, "some.pxwpr");
+            const ProgramRun partly = convert(target, "some.pxwpr");
             QVERIFY(partly.status == 1 && partly.err.contains("number 5 "));
         }
         QCOMPARE(run("presets %1", path("rest.pxwpr")).status, 0);
@@ -156,7 +157,7 @@ private Q_SLOTS:
 
         for (const auto &[name, status] :
              {std::pair("vector", 2), {"ends early", 1}, {"smaller one left", 0}}) {
-            const Outcome saved = run("save --wpresets %1 --apply %2 --output %3 %4", path("pictures.pxwpr"),
+            const ProgramRun saved = run("save --wpresets %1 --apply %2 --output %3 %4", path("pictures.pxwpr"),
                                       name, path("out"), path("in"));
             QCOMPARE(saved.status, status);
             QVERIFY(status == 0 || saved.err.contains(QByteArray("preset \"") + name + "\" cannot be read: "));
@@ -183,7 +184,7 @@ private Q_SLOTS:
         const auto [name, reason, contents] = currentRow<NoPresets>();
         if (!name.startsWith(u"in"))
             write(name.toUtf8().constData(), contents);
-        const Outcome outcome = run("presets %1", m_folder->path(name));
+        const ProgramRun outcome = run("presets %1", m_folder->path(name));
         QCOMPARE(outcome.status, 1);
         QVERIFY(outcome.out.isEmpty() && outcome.err.count('\n') == 1);
         QVERIFY2(outcome.err.startsWith(QFileInfo(name).fileName().toUtf8() + ": ") &&
@@ -208,7 +209,7 @@ private Q_SLOTS:
     void applying()
     {
         const auto [options, copies] = currentRow<Applying>();
-        const Outcome outcome = save(options);
+        const ProgramRun outcome = save(options);
         QVERIFY2(outcome.status == 0, outcome.err.constData());
         QCOMPARE(namesIn(path("out")), copies);
     }
@@ -228,7 +229,7 @@ private Q_SLOTS:
     void wrongUsage()
     {
         const auto [options, message] = currentRow<WrongUsage>();
-        const Outcome outcome = save(options);
+        const ProgramRun outcome = save(options);
         QCOMPARE(outcome.status, 2);
         QVERIFY2(outcome.err.contains(message), outcome.err.constData());
         QVERIFY(!QFile::exists(path("out")));
@@ -251,10 +252,10 @@ private Q_SLOTS:
         write("XDG_DATA_HOME/Quorvel/Plexa/SPresets.pxspr", "bad");
         QCOMPARE(apply("'With PNG'").status, 2);
         QCOMPARE(apply("Plain --saving-preset 'As PNG'").status, 2);
-        const Outcome warned = apply("Plain");
+        const ProgramRun warned = apply("Plain");
         QVERIFY2(warned.status == 0 && warned.err.contains("SPresets.pxspr\": it is not a file"),
                  warned.err.constData());
-        const Outcome ignored = apply("'With PNG' --ignore-assigned");
+        const ProgramRun ignored = apply("'With PNG' --ignore-assigned");
         QVERIFY2(ignored.status == 0 && !ignored.err.contains("SPresets"), ignored.err.constData());
         QCOMPARE(namesIn(path("out")),
                  words("'b-Logo with shadow.jpg' b-Plain.jpg 'b-With PNG.jpg' b-assigned.png"));
@@ -277,7 +278,7 @@ private Q_SLOTS:
     void unmarkedCopies()
     {
         const auto [options, invisible] = currentRow<Unmarked>();
-        const Outcome outcome = save(options + u" --save-set filenameTokens=filename"_s);
+        const ProgramRun outcome = save(options + u" --save-set filenameTokens=filename"_s);
         QCOMPARE(outcome.status, 0);
         const bool isMarked = invisible.isEmpty();
         QCOMPARE(outcome.err.count("saved without a watermark"), isMarked ? 0 : 2);
@@ -287,21 +288,16 @@ private Q_SLOTS:
     }
 
 private:
-    Outcome save(const QString &options) const
+    ProgramRun save(const QString &options) const
     {
         return run(words("save --output %1 %2", path("out"), path("in")) +
                    words(options.toUtf8().constData(), path("my.pxwpr"), path("my.pxspr")));
     }
-    Outcome convert(const char *target, const char *file) const
+    ProgramRun convert(const char *target, const char *file) const
     {
         return run("presets --convert %1 %2", path(target), path(file));
     }
     QByteArray json(const char *file) const { return run("presets --json %1", path(file)).out; }
-    void writeArchives() const
-    {
-        const QString script = qEnvironmentVariable("PLEXA_SOURCE_DIR") + u"/tests/support/keyedarchives.py"_s;
-        QCOMPARE(QProcess::execute(u"python3"_s, {script, m_folder->path()}), 0);
-    }
 };
 
 QTEST_GUILESS_MAIN(PresetsCommandTest)

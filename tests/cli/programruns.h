@@ -3,45 +3,30 @@
 #pragma once
 
 #include "support/files.h"
+#include "support/programs.h"
 #include "support/testenvironment.h"
 #include "support/testpictures.h"
-#include "support/words.h"
-
-#include <QProcess>
-#include <QTest>
 
 #include <memory>
 
 namespace plexa::test
 {
 
-/// The result of a run of the program.
-struct Outcome {
-    int status = -1; ///< -1: it could not start, crashed or took longer than allowed
-    QByteArray out;
-    QByteArray err;
-};
-
 inline QString program()
 {
-    return qEnvironmentVariable("PLEXA_BINARY_DIR") + QStringLiteral("/bin/plexa-cli");
+    return builtProgram(QStringLiteral("plexa-cli"));
 }
 
-inline Outcome run(const QStringList &arguments, const QString &outputFile = {})
-{
-    QProcess process;
-    process.setStandardOutputFile(outputFile);
-    process.start(program(), arguments);
-    if (!process.waitForFinished(300'000) || process.exitStatus() != QProcess::NormalExit)
-        return {};
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
-}
-
-/// The arguments as one text, see words(): run("save --text x %1", folder).
+/// Runs plexa-cli with the arguments as one text, see words(): run("save --text x %1", folder).
 template<class... Values>
-Outcome run(const char *arguments, const Values &...values)
+ProgramRun run(const char *arguments, const Values &...values)
 {
-    return run(words(arguments, values...));
+    return runProgram(program(), words(arguments, values...));
+}
+
+inline ProgramRun run(const QStringList &arguments)
+{
+    return runProgram(program(), arguments);
 }
 
 /// A folder with two photos, "in/a.png" (120 x 200) and "in/b.jpg" (320 x 200), to run the program on.
