@@ -101,9 +101,8 @@ Result<FieldValue> valueOf(const SavingPresetField &field, const FieldArgument &
 
 Result<void> applyField(WPresetValues &values, const std::string &argument)
 {
-    return parsed(argument).and_then([&values](const FieldArgument &field) {
-        return setFieldFromText(values, field.name, field.text);
-    });
+    return parsed(argument).and_then(
+        [&values](const FieldArgument &field) { return setFieldFromText(values, field.name, field.text); });
 }
 
 Result<void> checkSavingPreset(const SavingPresetValues &preset)

@@ -158,8 +158,8 @@ Result<void> convert(const PresetsFile &file, const QString &path, const QString
 
 CLI::App *addPresetsCommand(CLI::App &program, PresetsOptions &options)
 {
-    CLI::App *command =
-        program.add_subcommand("presets", "Print the contents of a file of watermark presets or saving presets");
+    CLI::App *command = program.add_subcommand(
+        "presets", "Print the contents of a file of watermark presets or saving presets");
     auto *json = command->add_flag("--json", options.json, "Print an array with an object for each preset");
     command
         ->add_option("--convert", options.convertTo,

@@ -15,9 +15,9 @@ struct SaveOptions;
 /// Do the options ask for stored watermark presets?
 bool isPresetsMode(const SaveOptions &options);
 
-/// The watermark presets that the options name, in that order, or all of the file; without a file, those of the
-/// user's own list. Their assigned saving presets come from the file of saving presets; for the user's own list
-/// also from the user's own saving presets.
+/// The watermark presets that the options name, in that order, or all of the file; without a file, those of
+/// the user's own list. Their assigned saving presets come from the file of saving presets; for the user's
+/// own list also from the user's own saving presets.
 [[nodiscard]] Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options);
 
 /// The saving preset that the options name, or the only one of the file; none if they name neither.

@@ -242,9 +242,10 @@ void addPresetOptions(CLI::App &command, SaveOptions &options, const std::vector
         apply->excludes(quickOption);
     }
     command
-        .add_option("--saving-presets", options.savingPresetsFile,
-                    "A file of saving presets, which define the names and the format of copies; default: your own "
-                    "presets")
+        .add_option(
+            "--saving-presets", options.savingPresetsFile,
+            "A file of saving presets, which define the names and the format of copies; default: your own "
+            "presets")
         ->check(somePath())
         ->type_name("FILE");
     command.add_option("--saving-preset", options.savingPreset, "The name of the saving preset for this run")
@@ -257,26 +258,26 @@ void addCopyOptions(CLI::App &command, SaveOptions &options)
 {
     auto *output = command
                        .add_option("--output", options.output,
-                                    "The folder for the copies, created if missing; default: each copy "
-                                    "beside its original")
+                                   "The folder for the copies, created if missing; default: each copy "
+                                   "beside its original")
                        ->check(somePath())
                        ->type_name("DIR");
     command
         .add_option("--replicate-from", options.replicateFrom,
-                     "Recreate the folders below DIR in the folder for the copies")
+                    "Recreate the folders below DIR in the folder for the copies")
         ->check(somePath())
         ->type_name("DIR")
         ->needs(output);
     command.add_flag("--combine", options.combine, "All watermarks on one copy, not a copy for each");
     command.add_flag("--ignore-assigned", options.ignoreAssigned,
-                      "Ignore the saving presets that are assigned to watermarks");
+                     "Ignore the saving presets that are assigned to watermarks");
     command
-        .add_option("--conflict", options.conflict,
-                     "The action if a file with the name of the copy exists: unique (default), overwrite, skip")
+        .add_option(
+            "--conflict", options.conflict,
+            "The action if a file with the name of the copy exists: unique (default), overwrite, skip")
         ->check(CLI::IsMember({"unique", "overwrite", "skip"}))
         ->type_name("CHOICE");
-    command.add_flag("--no-creation-date", options.noCreationDate,
-                      "Do not copy the date of the originals");
+    command.add_flag("--no-creation-date", options.noCreationDate, "Do not copy the date of the originals");
     command.add_option("--jobs", options.jobs, "Number of photos at a time; default: one for each core")
         ->type_name("N")
         ->check(CLI::Range(1, 256));
@@ -285,7 +286,7 @@ void addCopyOptions(CLI::App &command, SaveOptions &options)
         "Print the planned copies and write nothing; reads only the headers of the photos, so a photo that "
         "is damaged after its header is not reported");
     command.add_flag("--json", options.json,
-                      "Print a JSON object for each copy, one a line; with --quiet for failed copies only");
+                     "Print a JSON object for each copy, one a line; with --quiet for failed copies only");
     command.add_flag("--quiet", options.quiet, "Print failures only");
 }
 

@@ -203,7 +203,7 @@ Result<void> checkReadAgain(const XMLParser::Element *element, const SavingPrese
 {
     const auto again = element ? SavingPreset::initWithXMLData(*element, kSupportedVersion) : nullptr;
     if (!again || again->presetID() != preset.presetID() || again->values() != readAgain(preset.values()))
-        return fail(Texts::tr("the saving preset \"%1\" would not be read again as it is")
+        return fail(Texts::tr("the saving preset \"%1\" could not be read back unchanged")
                         .arg(excerpt(preset.name())));
     return {};
 }
@@ -217,7 +217,7 @@ Result<void> checkXML(const QByteArray &xml, const std::vector<std::shared_ptr<S
     }
     XMLParser parser([](const QByteArray &) {});
     if (!parser.parse(xml) || parser.root()->subelementCount() != std::ssize(presets))
-        return fail(Texts::tr("the presets are more than can be read again"));
+        return fail(Texts::tr("the presets are too many to be read back"));
     for (std::size_t i = 0; i < presets.size(); ++i) {
         const XMLParser::Element *element = parser.root()->subelement(static_cast<qsizetype>(i));
         if (Result<void> checked = checkReadAgain(element, *presets[i]); !checked)

@@ -108,8 +108,7 @@ private Q_SLOTS:
             if (source.contains(u"cmyk") || source.contains(u"olympus-e-p3"))
                 continue; // the latter is Adobe RGB without a profile
             // JPEG carries the mark a few blocks further.
-            const double psnr =
-                differenceOf(before, after, rectOf(line).adjusted(-16, -16, 16, 16)).psnr();
+            const double psnr = differenceOf(before, after, rectOf(line).adjusted(-16, -16, 16, 16)).psnr();
             QVERIFY2(psnr > 38, qPrintable(u"%1: %2 dB"_s.arg(source).arg(psnr)));
             QVERIFY2(differenceOf(before, after).psnr() < 60,
                      qPrintable(source + u" carries no watermark"_s));
@@ -138,7 +137,8 @@ private Q_SLOTS:
         const QDateTime old(QDate(2001, 2, 3), QTime(4, 5, 6));
         const QDateTime now = QDateTime::currentDateTime().addSecs(-2); // file systems round
         QFile photo(path("in/a.png"));
-        QVERIFY(photo.open(QIODevice::ReadWrite) && photo.setFileTime(old, QFileDevice::FileModificationTime));
+        QVERIFY(photo.open(QIODevice::ReadWrite) &&
+                photo.setFileTime(old, QFileDevice::FileModificationTime));
         photo.close();
         const auto dateOfCopy = [&](const char *option) {
             run(words("save --text x --conflict overwrite --output %1 %2", path("out"), path("in/a.png")) +
@@ -152,12 +152,11 @@ private Q_SLOTS:
     /// Results that do not arrive are a failure.
     void fullStandardOutput()
     {
-        for (const QStringList &arguments :
-             {words("save --text x --output %1 %2", path("out"), path("in")),
-              words("inspect --json %1", path("in/a.png")),
-              words("presets %1", savingPresetsFile(path("presets"), {{}}))}) {
-            const ProgramRun outcome =
-                runProgram(u"/bin/sh"_s, words("-c %1 %2", "exec \"$0\" \"$@\" > /dev/full", program()) + arguments);
+        for (const QStringList &arguments : {words("save --text x --output %1 %2", path("out"), path("in")),
+                                             words("inspect --json %1", path("in/a.png")),
+                                             words("presets %1", savingPresetsFile(path("presets"), {{}}))}) {
+            const ProgramRun outcome = runProgram(
+                u"/bin/sh"_s, words("-c %1 %2", "exec \"$0\" \"$@\" > /dev/full", program()) + arguments);
             QCOMPARE(outcome.status, 1);
             QVERIFY(outcome.err.contains("could not be written to the standard output"));
         }
@@ -206,14 +205,14 @@ private Q_SLOTS:
     void wrongUsage()
     {
         const auto [options, message] = currentRow<WrongUsage>();
-        const QString presets = savingPresetsFile(
-            path("presets"), {{.name = u"WEBP"_s, .imageFormat = u"WEBP"_s},
-                              {.name = u"Alternative"_s,
-                               .imageFormat = u"Original"_s,
-                               .alternativeImageFormat = u"Original"_s},
-                              {.name = u"Best"_s, .jpegQuality = 500}});
+        const QString presets =
+            savingPresetsFile(path("presets"), {{.name = u"WEBP"_s, .imageFormat = u"WEBP"_s},
+                                                {.name = u"Alternative"_s,
+                                                 .imageFormat = u"Original"_s,
+                                                 .alternativeImageFormat = u"Original"_s},
+                                                {.name = u"Best"_s, .jpegQuality = 500}});
         const ProgramRun outcome = run(words("save --output %1 %2", path("out"), path("in")) +
-                                    words(options.toUtf8().constData(), presets));
+                                       words(options.toUtf8().constData(), presets));
         QCOMPARE(outcome.status, 2);
         QVERIFY2(outcome.err.contains(message.toUtf8()), outcome.err.constData());
         QVERIFY(outcome.out.isEmpty() && !QFile::exists(path("out")));
@@ -243,8 +242,9 @@ private Q_SLOTS:
         QCOMPARE(lines[5], "plexa-cli: 4 of 6 copies failed");
 
         write("d.jpg", jpeg.replace(2, 6, QByteArray("\xFF\xFE\0\5abc", 7)));
-        QCOMPARE(run("save --text x --save-set imageFormat=TIFF --output %1 %2", path("out"), path("d.jpg")).err,
-                 "d.jpg: the copy leaves out: comment\n");
+        QCOMPARE(
+            run("save --text x --save-set imageFormat=TIFF --output %1 %2", path("out"), path("d.jpg")).err,
+            "d.jpg: the copy leaves out: comment\n");
     }
 
     /// Each costs a line and the exit status; the other photos are saved.
@@ -267,14 +267,16 @@ private Q_SLOTS:
         QCOMPARE(namesIn(path("out")), words("a.png b.jpg"));
         const QList<QByteArray> lines = outcome.err.trimmed().split('\n');
         QCOMPARE(lines.size(), 3);
-        QVERIFY2(lines[0].contains("/in/" + name + '/') && lines[0].endsWith("too long"), lines[0].constData());
+        QVERIFY2(lines[0].contains("/in/" + name + '/') && lines[0].endsWith("too long"),
+                 lines[0].constData());
         QVERIFY2(lines[1].startsWith("circle.jpg: ") && lines[1].contains("symbolic"), lines[1].constData());
         QCOMPARE(lines[2], "plexa-cli: 1 of 3 copies failed");
     }
 
     void dryRunAgreesWithTheRun_data()
     {
-        addRows<Copies>({ // files: of the result lines, below "out"; empty: skipped
+        addRows<Copies>({
+            // files: of the result lines, below "out"; empty: skipped
             {"unique", {}, words("a-1.png b.jpg b-1.jpg")},
             {"overwrite", words("--conflict overwrite"), words("a.png b.jpg b.jpg")},
             {"skip", words("--conflict skip"), words("'' b.jpg ''")},
@@ -386,8 +388,9 @@ private Q_SLOTS:
             inShell("cd \"$1\"; exec \"$0\" save --text x --output \"$(printf 'new\\377')\" in");
         QCOMPARE(refused.status, 2);
         QVERIFY2(refused.err.contains("--output: its name is not valid UTF-8"), refused.err.constData());
-        const ProgramRun done = inShell("cp \"$1\"/in/* \"$1\"/bo*; cd \"$1\"/bo*; "
-                                     "\"$0\" save --text x --output out . && exec \"$0\" save --text x *.*");
+        const ProgramRun done =
+            inShell("cp \"$1\"/in/* \"$1\"/bo*; cd \"$1\"/bo*; "
+                    "\"$0\" save --text x --output out . && exec \"$0\" save --text x *.*");
         const auto count = [](const std::string &folder) {
             return std::distance(std::filesystem::directory_iterator(folder), {});
         };
@@ -437,8 +440,8 @@ private Q_SLOTS:
     void inspect()
     {
         write("in/0 empty.jpg", {});
-        const ProgramRun outcome = run("inspect --json %1 %2 %3", path("in/b.jpg"), path("in/0 empty.jpg"),
-                                    path("in/a.png"));
+        const ProgramRun outcome =
+            run("inspect --json %1 %2 %3", path("in/b.jpg"), path("in/0 empty.jpg"), path("in/a.png"));
         QCOMPARE(outcome.status, 1);
         QVERIFY(outcome.err.startsWith("0 empty.jpg: "));
         const QJsonArray photos = QJsonDocument::fromJson(outcome.out).array();

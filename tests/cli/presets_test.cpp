@@ -35,7 +35,7 @@ struct WrongUsage {
 };
 
 struct Unmarked {
-    Text name; ///< the options
+    Text name;            ///< the options
     QByteArray invisible; ///< as the message calls it; none: something is visible
 };
 
@@ -50,9 +50,8 @@ private Q_SLOTS:
     {
         startAnew();
         // Two watermarks, the second of which is saved as PNG; two saving presets.
-        SavingPresetValues png{.name = u"As PNG"_s,
-                               .filenameTokens = {u"filename"_s, u"-assigned"_s},
-                               .imageFormat = u"PNG"_s};
+        SavingPresetValues png{
+            .name = u"As PNG"_s, .filenameTokens = {u"filename"_s, u"-assigned"_s}, .imageFormat = u"PNG"_s};
         SavingPresetValues tiff = png;
         tiff.name = u"As TIFF"_s;
         tiff.imageFormat = u"TIFF"_s;
@@ -157,10 +156,11 @@ private Q_SLOTS:
 
         for (const auto &[name, status] :
              {std::pair("vector", 2), {"ends early", 1}, {"smaller one left", 0}}) {
-            const ProgramRun saved = run("save --wpresets %1 --apply %2 --output %3 %4", path("pictures.pxwpr"),
-                                      name, path("out"), path("in"));
+            const ProgramRun saved = run("save --wpresets %1 --apply %2 --output %3 %4",
+                                         path("pictures.pxwpr"), name, path("out"), path("in"));
             QCOMPARE(saved.status, status);
-            QVERIFY(status == 0 || saved.err.contains(QByteArray("preset \"") + name + "\" cannot be read: "));
+            QVERIFY(status == 0 ||
+                    saved.err.contains(QByteArray("preset \"") + name + "\" cannot be read: "));
             QCOMPARE(namesIn(path("out")).isEmpty(), status != 0);
         }
     }
@@ -237,7 +237,9 @@ private Q_SLOTS:
 
     void theUsersOwnPresets()
     {
-        const auto apply = [this](const char *options) { return save(u"--apply "_s + QLatin1String(options)); };
+        const auto apply = [this](const char *options) {
+            return save(u"--apply "_s + QLatin1String(options));
+        };
         QVERIFY(QFile::remove(path("in/a.png")));
         // Without own presets: the examples. They are not written.
         QCOMPARE(apply("'Logo with shadow'").status, 0);
