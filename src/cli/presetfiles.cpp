@@ -2,7 +2,7 @@
 
 #include "cli/presetfiles.h"
 
-#include "platform/applicationname.h"
+#include "presets/presetsfilereading.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -81,7 +81,7 @@ Result<PresetsRead<SavingPresetList>> savingPresetsIn(const QString &path)
     ReadCode code{};
     bool isLater = false;
     auto presets = SavingPreset::readObjectsFromFile(
-        path, applicationNameWithCompany(true, false, true), code,
+        path, presetsApplicationID(), code,
         [&](const QByteArray &line) { errors.append(reasonIn(line, path)); }, &isLater);
     if (!presets)
         return fail(QStringLiteral("it is not a file of saving presets: %1").arg(errors.join(u"; ")));

@@ -6,7 +6,7 @@
 #include "cli/messages.h"
 #include "cli/pathargument.h"
 #include "cli/presetfiles.h"
-#include "platform/applicationname.h"
+#include "presets/presetsfilereading.h"
 #include "watermark/texttokens.h"
 
 #include <QFile>
@@ -149,9 +149,9 @@ Result<void> convert(const PresetsFile &file, const QString &path, const QString
                               .arg(target)
                         : QStringLiteral("it contains saving presets; \"%1\" is a name for watermark presets")
                               .arg(target));
-    return file.areWatermarks ? writeWPresets(file.wPresets, target)
-                              : SavingPreset::writeObjects(file.savingPresets, target,
-                                                           applicationNameWithCompany(true, false, true));
+    return file.areWatermarks
+               ? writeWPresets(file.wPresets, target)
+               : SavingPreset::writeObjects(file.savingPresets, target, presetsApplicationID());
 }
 
 } // namespace

@@ -7,8 +7,8 @@
 #include "platform/atomicfile.h"
 #include "platform/folderlock.h"
 #include "platform/leftovers.h"
+#include "presets/presetsfilereading.h"
 #include "presets/presetsmigration.h"
-#include "presets/wpresetarchive.h"
 
 #include <QDebug>
 #include <QFileInfo>
@@ -24,11 +24,6 @@ const QString kQuickName = QStringLiteral("Quick Preset");
 constexpr int kMaxBackups = 1000;
 constexpr qsizetype kMostReasons = 3; // in one message
 constexpr qsizetype kLongestReason = 300;
-
-QString appID()
-{
-    return applicationNameWithCompany(true, false, true);
-}
 
 QString extensionOf(PresetsStore::Kind kind)
 {
@@ -89,15 +84,6 @@ QString unkept(const QStringList &reasons)
 }
 
 } // namespace
-
-struct PresetsStore::Reading {
-    ReadCode code = ReadCode::Failed;
-    bool hasList = false;
-    bool isLater = false; ///< a later version of the program wrote the file, whatever the code is
-    QStringList faults;   ///< the parts of the file that could not be read
-    WPresetList wPresets;
-    SavingPresetList savingPresets;
-};
 
 PresetsStore::Places PresetsStore::Places::own()
 {
@@ -178,45 +164,11 @@ void PresetsStore::readAll()
     }
 }
 
-PresetsStore::Reading PresetsStore::readFile(const QString &path, Kind kind) const
+PresetsFileReading PresetsStore::readFile(const QString &path, Kind kind) const
 {
-    return kind == Kind::Saving ? readSavingPresets(path) : readWPresets(path);
-}
-
-PresetsStore::Reading PresetsStore::readSavingPresets(const QString &path) const
-{
-    Reading reading;
-    const auto note = [&reading](const QByteArray &line) {
-        XMLParser::writeErrorLine(line);
-        QByteArrayView fault = line;
-        constexpr QByteArrayView start = "ERROR:";
-        if (fault.startsWith(start))
-            fault = fault.sliced(start.size());
-        reading.faults.append(QString::fromUtf8(fault).simplified());
-    };
-    auto list = SavingPreset::readObjectsFromFile(path, appID(), reading.code, note, &reading.isLater);
-    reading.hasList = list.has_value();
-    reading.savingPresets = std::move(list).value_or(SavingPresetList());
-    return reading;
-}
-
-PresetsStore::Reading PresetsStore::readWPresets(const QString &path) const
-{
-    Reading reading;
-    auto list = readWPresetsFromFile(
-        path, &reading.isLater, [this](qint64 presetID) { return savingPresetWithID(presetID); },
-        &reading.faults);
-    if (!list)
-        reading.faults = {list.error().text};
-    for (const QString &fault : std::as_const(reading.faults))
-        qCritical().noquote() << QStringLiteral("ERROR: \"%1\": %2").arg(path, fault);
-    reading.hasList = list.has_value();
-    if (reading.isLater)
-        reading.code = ReadCode::LaterVersion;
-    else if (list)
-        reading.code = ReadCode::Success;
-    reading.wPresets = std::move(list).value_or(WPresetList());
-    return reading;
+    if (kind == Kind::Saving)
+        return readSavingPresetsFile(path);
+    return readWPresetsFile(path, [this](qint64 presetID) { return savingPresetWithID(presetID); });
 }
 
 bool PresetsStore::createListFromExamples(Kind kind) const
@@ -235,7 +187,7 @@ bool PresetsStore::createListFromExamples(Kind kind) const
 bool PresetsStore::readPresets(Kind kind, Slot slot)
 {
     const QString path = presetsFileNameForWatermark(kind, slot);
-    Reading reading;
+    PresetsFileReading reading;
     QString warning;
     {
         // No other process may save between the reading of a bad file and its move.
@@ -334,7 +286,7 @@ void PresetsStore::setSavingPresetsInFile(const SavingPresetList &presets)
         m_savingPresetsInFile.insert(preset->presetID());
 }
 
-void PresetsStore::adopt(const Reading &reading, Kind kind, Slot slot)
+void PresetsStore::adopt(const PresetsFileReading &reading, Kind kind, Slot slot)
 {
     const bool isEmpty = kind == Kind::Watermark ? reading.wPresets.empty() : reading.savingPresets.empty();
     if (isEmpty)
@@ -384,7 +336,8 @@ Result<void> PresetsStore::saveSavingPresets(Slot slot)
     const SavingPresetList list =
         slot == Slot::Quick ? SavingPresetList{m_quickSavingPreset} : writableSavingPresets(news);
     Result<void> saved = save(Kind::Saving, slot, [&] {
-        return SavingPreset::writeObjects(list, presetsFileNameForWatermark(Kind::Saving, slot), appID());
+        return SavingPreset::writeObjects(list, presetsFileNameForWatermark(Kind::Saving, slot),
+                                          presetsApplicationID());
     });
     if (saved && slot == Slot::List)
         setSavingPresetsInFile(list);
@@ -418,7 +371,7 @@ QString PresetsStore::unsavedText(const Error &error)
 std::optional<PresetsStore::Imported> PresetsStore::importPresetsFromFile(const QString &path, Kind kind)
 {
     const qint64 lastUsedPresetID = SavingPreset::lastUsedPresetID();
-    const Reading reading = readFile(path, kind);
+    const PresetsFileReading reading = readFile(path, kind);
     // The IDs in the file belong to another list.
     SavingPreset::setLastUsedPresetID(lastUsedPresetID);
     if (!reading.hasList || reading.code != ReadCode::Success) {

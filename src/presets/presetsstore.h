@@ -20,8 +20,7 @@ namespace plexa
 
 class Alerts;
 class FontCatalog;
-
-using SavingPresetList = std::vector<std::shared_ptr<SavingPreset>>;
+struct PresetsFileReading;
 
 /// The user's presets and their files: a list and a quick preset of each kind, four files in the support
 /// folder. A file is written whole or not at all, and a file that cannot be read is never lost: a list is
@@ -115,8 +114,6 @@ Q_SIGNALS:
     void quickSavingPresetChanged();
 
 private:
-    struct Reading;
-
     /// The state of a file on the disk, which saving replaces.
     struct Found {
         bool isUnreadable = false; ///< and still in its place
@@ -132,9 +129,7 @@ private:
     void observe(Kind kind, PresetListSignals &list);
     void listChanged(Kind kind);
     void removeAssignments(int first, int last);
-    Reading readSavingPresets(const QString &path) const;
-    Reading readWPresets(const QString &path) const;
-    Reading readFile(const QString &path, Kind kind) const;
+    PresetsFileReading readFile(const QString &path, Kind kind) const;
     bool createListFromExamples(Kind kind) const;
     QString backupWrongPresetsFile(const QString &path, ReadCode readingReturnCode);
     Found &found(Kind kind, Slot slot);
@@ -143,7 +138,7 @@ private:
     Result<void> save(Kind kind, Slot slot, const std::function<Result<void>()> &write);
     SavingPresetList writableSavingPresets(QStringList &news);
     void setSavingPresetsInFile(const SavingPresetList &presets);
-    void adopt(const Reading &reading, Kind kind, Slot slot);
+    void adopt(const PresetsFileReading &reading, Kind kind, Slot slot);
     void warn(const QString &title, const QString &text);
 
     Alerts &m_alerts;

@@ -138,4 +138,6 @@ private:
     qint64 m_presetID = 0;
 };
 
+using SavingPresetList = std::vector<std::shared_ptr<SavingPreset>>;
+
 } // namespace plexa
