@@ -125,10 +125,10 @@ private Q_SLOTS:
     {
         test::addRows<Formats>({
             {"no alpha", QImage::Format_RGB888, QImage::Format_RGB32},
-            {"grey", QImage::Format_Grayscale8, QImage::Format_RGB32},
+            {"gray", QImage::Format_Grayscale8, QImage::Format_RGB32},
             {"alpha", QImage::Format_ARGB32, QImage::Format_ARGB32_Premultiplied},
             {"16 bits, no alpha", QImage::Format_RGBX64, QImage::Format_ARGB32_Premultiplied},
-            {"16 bits, grey", QImage::Format_Grayscale16, QImage::Format_ARGB32_Premultiplied},
+            {"16 bits, gray", QImage::Format_Grayscale16, QImage::Format_ARGB32_Premultiplied},
             {"float", QImage::Format_RGBX32FPx4, QImage::Format_ARGB32_Premultiplied},
         });
     }
@@ -214,9 +214,9 @@ private Q_SLOTS:
         QCOMPARE(createImageWithTransform(image, byPixels).convertToFormat(QImage::Format_RGB32), expected);
         QCOMPARE(createImageWithTransform(image, QTransform(1, 0, 0, 1, 9, 0)).pixel(8, 0), qRgb(0, 0, 0));
 
-        QImage grey(10, 10, QImage::Format_RGB32);
-        grey.fill(qRgb(100, 100, 100));
-        const QImage byHalf = createImageWithTransform(grey, QTransform(1, 0, 0, 1, 0.5, 0));
+        QImage gray(10, 10, QImage::Format_RGB32);
+        gray.fill(qRgb(100, 100, 100));
+        const QImage byHalf = createImageWithTransform(gray, QTransform(1, 0, 0, 1, 0.5, 0));
         QCOMPARE(byHalf.pixel(0, 5), qRgb(50, 50, 50));
         QCOMPARE(byHalf.pixel(9, 5), qRgb(100, 100, 100));
     }
@@ -236,7 +236,7 @@ private Q_SLOTS:
         QFETCH(int, orientation);
         QFETCH(double, sx);
         QFETCH(double, sy);
-        // One plain colour a quarter: it must come out where the unstretched picture has it.
+        // One plain color a quarter: it must come out where the unstretched picture has it.
         const QSize stored(61, 40);
         QImage image(stored, QImage::Format_RGB32);
         for (int y = 0; y < stored.height(); ++y) {
@@ -320,7 +320,7 @@ private Q_SLOTS:
 
     void shrinkingDoesNotAlias()
     {
-        // Lines of one pixel, too fine for any smaller picture, mix to one grey.
+        // Lines of one pixel, too fine for any smaller picture, mix to one gray.
         for (const bool upright : {true, false}) {
             QImage image(1203, 1203, QImage::Format_RGB32);
             for (int y = 0; y < image.height(); ++y) {

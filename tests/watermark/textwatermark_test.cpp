@@ -117,7 +117,7 @@ private Q_SLOTS:
         }
     }
 
-    void theOutlineIsCentredOnTheEdge()
+    void theOutlineIsCenterdOnTheEdge()
     {
         WPresetValues values;
         values.font = m_fonts.defaultFontName();
@@ -133,18 +133,18 @@ private Q_SLOTS:
             bitmap.ink.constScanLine(stem.center().y() - bitmap.inkAt.toPoint().y()));
         double black = 0;
         double atLeft = 0;
-        double centre = 0;
+        double center = 0;
         for (int x = 0; x < bitmap.ink.width(); ++x) {
             const double share = (qAlpha(row[x]) - qRed(row[x])) / 255.0;
             black += share;
             if (bitmap.inkAt.toPoint().x() + x < stem.center().x()) {
                 atLeft += share;
-                centre += share * (bitmap.inkAt.toPoint().x() + x + 0.5);
+                center += share * (bitmap.inkAt.toPoint().x() + x + 0.5);
             }
         }
         QVERIFY2(std::abs(black - 2 * 20) < 0.5, qPrintable(QString::number(black)));
-        QVERIFY2(std::abs(centre / atLeft - stem.left()) < 0.75,
-                 qPrintable(QString::number(centre / atLeft)));
+        QVERIFY2(std::abs(center / atLeft - stem.left()) < 0.75,
+                 qPrintable(QString::number(center / atLeft)));
         // Inside there is the fill.
         QCOMPARE(row[stem.center().x() - bitmap.inkAt.toPoint().x()], qRgb(255, 255, 255));
     }
@@ -176,7 +176,7 @@ private Q_SLOTS:
             const QString text = isHebrew ? QString::fromUtf8("שלום") : u"text"_qs;
             const char *const name = isHebrew ? "right to left" : "left to right";
             QTest::addRow("left, %s", name) << 0 << text << 0.0;
-            QTest::addRow("centred, %s", name) << 1 << text << 0.5;
+            QTest::addRow("centerd, %s", name) << 1 << text << 0.5;
             QTest::addRow("right, %s", name) << 2 << text << 1.0;
             QTest::addRow("unknown, %s", name) << 3 << text << 0.0;
         }
@@ -229,10 +229,10 @@ private Q_SLOTS:
         QCOMPARE(bitmapOf(WPresetValues(), text).size.height(), lines * 240);
     }
 
-    void colourGlyphsKeepTheirColoursAndWidth()
+    void colorGlyphsKeepTheirColorsAndWidth()
     {
         if (!QFontDatabase::families().contains(u"Noto Color Emoji"_qs))
-            QSKIP("There is no font of colour glyphs.");
+            QSKIP("There is no font of color glyphs.");
         // The second time, too: the text engine is known to mix its sizes up.
         for (int i = 0; i < 2; ++i) {
             const WatermarkBitmap bitmap = bitmapOf(WPresetValues(), QString::fromUtf8("🎉🎉🎉🎉"));
@@ -240,13 +240,13 @@ private Q_SLOTS:
             const double emInPixels = 240 / 1.2;
             QVERIFY2(ink.width() > 4 * emInPixels && ink.width() < 5.5 * emInPixels,
                      qPrintable(QDebug::toString(ink)));
-            int coloured = 0;
+            int colored = 0;
             for (int y = 0; y < bitmap.ink.height(); ++y) {
                 for (int x = 0; x < bitmap.ink.width(); ++x)
-                    coloured +=
+                    colored +=
                         std::abs(qRed(bitmap.ink.pixel(x, y)) - qBlue(bitmap.ink.pixel(x, y))) > 60 ? 1 : 0;
             }
-            QVERIFY2(coloured > 20'000, qPrintable(QString::number(coloured)));
+            QVERIFY2(colored > 20'000, qPrintable(QString::number(colored)));
         }
     }
 

@@ -32,7 +32,7 @@ QImage flatPhoto(QRgb color = qRgb(128, 128, 128), QSize size = kSize)
     return image;
 }
 
-QImage colourfulPhoto()
+QImage colorfulPhoto()
 {
     QImage image(kSize, QImage::Format_RGB32);
     for (int y = 0; y < image.height(); ++y) {
@@ -50,8 +50,8 @@ WPresetValues textPreset(const QString &text)
     return values;
 }
 
-/// A picture of four colours: red, green above blue, yellow; 40 x 20.
-WPresetValues fourColours()
+/// A picture of four colors: red, green above blue, yellow; 40 x 20.
+WPresetValues fourColors()
 {
     QImage image(40, 20, QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&image);
@@ -90,8 +90,7 @@ class RandomPresets
 public:
     MarkOrder next()
     {
-        WPresetValues values =
-            isOneIn(2) ? textPreset(u"Reduced\nin \u00dcbersee for all"_qs) : fourColours();
+        WPresetValues values = isOneIn(2) ? textPreset(u"Reduced\nin \u00dcbersee for all"_qs) : fourColors();
         values.fontSize = number(4, 16);
         values.textAlignment = number(0, 2);
         values.fillColor = QColor(255, 240, 100);
@@ -166,7 +165,7 @@ struct QuarterTurnsAndMirrors {
     float angle;
     int rotation;
     int flip;
-    test::Text colours;
+    test::Text colors;
 };
 
 struct TheShadowFallsToItsSide {
@@ -220,7 +219,7 @@ private Q_SLOTS:
 
     void theRectangleIsReported()
     {
-        WPresetValues values = fourColours();
+        WPresetValues values = fourColors();
         values.offsetHorizontal = 1;
         values.offsetHorizontalUnit = u"Pixels"_qs;
         QRectF rect;
@@ -260,8 +259,8 @@ private Q_SLOTS:
 
     void quarterTurnsAndMirrors()
     {
-        const auto [name, angle, rotation, flip, colours] = test::currentRow<QuarterTurnsAndMirrors>();
-        WPresetValues values = fourColours();
+        const auto [name, angle, rotation, flip, colors] = test::currentRow<QuarterTurnsAndMirrors>();
+        WPresetValues values = fourColors();
         values.angle = angle;
         values.rotation = rotation;
         values.flip = flip;
@@ -276,7 +275,7 @@ private Q_SLOTS:
             for (const double x : {0.1, 0.9})
                 found += names.value(marked.pixel(int(x * rect.width()), int(y * rect.height())), u'?');
         }
-        QCOMPARE(found, colours);
+        QCOMPARE(found, colors);
         QCOMPARE(differingRect(flatPhoto(), marked).size(), rect.size().toSize());
     }
 
@@ -291,7 +290,7 @@ private Q_SLOTS:
     void inkTurnsLikeTheWholeBitmap()
     {
         QFETCH(float, angle);
-        // Two empty lines below put the ink far from the frame's centre.
+        // Two empty lines below put the ink far from the frame's center.
         const QString text = u"Turn\n\n\u00a0"_qs;
         WPresetValues values = textPreset(text);
         values.width = 300;
@@ -312,7 +311,7 @@ private Q_SLOTS:
         QCOMPARE(rect.size().toSize(), turned.size());
         QImage expected = black;
         QPainter(&expected).drawImage(qRound(rect.x()), qRound(300 - rect.y() - rect.height()), turned);
-        const auto centre = [](const QImage &image) {
+        const auto center = [](const QImage &image) {
             QPointF sum;
             double weight = 0;
             for (int y = 0; y < image.height(); ++y) {
@@ -324,14 +323,14 @@ private Q_SLOTS:
             }
             return sum / weight;
         };
-        const QPointF off = centre(marked) - centre(expected);
+        const QPointF off = center(marked) - center(expected);
         // Each of the two is moved to whole pixels once.
         QVERIFY2(std::abs(off.x()) <= 1.01 && std::abs(off.y()) <= 1.01, qPrintable(QDebug::toString(off)));
     }
 
     void theBoxIgnoresTheWatermarksOpacity()
     {
-        WPresetValues values = fourColours();
+        WPresetValues values = fourColors();
         values.opacity = 0;
         values.blendMode = u"Difference"_qs;
         values.shadow = true;
@@ -351,7 +350,7 @@ private Q_SLOTS:
         WPresetValues values = textPreset(u"white"_qs);
         values.stroke = false;
         values.blendMode = u"Multiply"_qs;
-        const QImage photo = colourfulPhoto();
+        const QImage photo = colorfulPhoto();
         QCOMPARE(drawn(photo, values), photo);
         // In another letter case the name is unknown, and white text shows.
         values.blendMode = u"multiply"_qs;
@@ -360,7 +359,7 @@ private Q_SLOTS:
 
     void opacityMixes()
     {
-        WPresetValues values = fourColours();
+        WPresetValues values = fourColors();
         values.opacity = 25;
         const QRgb mixed = drawn(flatPhoto(qRgb(100, 100, 100)), values).pixel(5, 5);
         QVERIFY(std::abs(qRed(mixed) - (100 * 0.75 + 255 * 0.25)) < 1);
@@ -382,7 +381,7 @@ private Q_SLOTS:
     void theShadowFallsToItsSide()
     {
         const auto [name, angle, dark, light] = test::currentRow<TheShadowFallsToItsSide>();
-        WPresetValues values = fourColours();
+        WPresetValues values = fourColors();
         values.anchorPoint = 4;
         values.shadow = true;
         values.shadowAngle = angle;
@@ -397,7 +396,7 @@ private Q_SLOTS:
 
     void markAndShadowReachInAlone()
     {
-        WPresetValues values = fourColours();
+        WPresetValues values = fourColors();
         values.shadow = true;
         values.shadowAngle = 0;
         values.shadowOffset = 100;
@@ -427,7 +426,7 @@ private Q_SLOTS:
         values.backgroundPaddingTop = 1;
         values.replicateHorizontal = values.replicateVertical = true;
         values.replicateHorizontalDistance = -60;
-        const QImage photo = colourfulPhoto();
+        const QImage photo = colorfulPhoto();
         const QImage whole = drawn(photo, values);
         QVERIFY(whole != photo);
         const Result<std::optional<WatermarkDrawing>> drawing =
@@ -444,7 +443,7 @@ private Q_SLOTS:
 
     void repeatsAreSeparateDraws()
     {
-        WPresetValues values = fourColours();
+        WPresetValues values = fourColors();
         values.anchorPoint = 6;
         values.opacity = 50;
         values.replicateHorizontal = true;
@@ -470,7 +469,7 @@ private Q_SLOTS:
     void absurdPresetsFail()
     {
         const QByteArray what = QTest::currentDataTag();
-        WPresetValues values = what == "text" ? textPreset(u"x"_qs) : fourColours();
+        WPresetValues values = what == "text" ? textPreset(u"x"_qs) : fourColors();
         if (what == "repeats") {
             values.anchorPoint = 6;
             values.replicateHorizontal = values.replicateVertical = true;
@@ -578,9 +577,9 @@ private Q_SLOTS:
 
     void oneFailureLeavesTheOthers()
     {
-        MarkOrder tooLarge{fourColours()};
+        MarkOrder tooLarge{fourColors()};
         tooLarge.values.width = 2'000'000'000;
-        const MarkOrder good{fourColours()};
+        const MarkOrder good{fourColors()};
         const MarkOrder nothing{textPreset(QString())};
         const auto drawings = WatermarkDrawing::prepareEach(std::vector{good, tooLarge, nothing, good},
                                                             test::fakePhoto(kSize), m_fonts);
@@ -595,10 +594,10 @@ private Q_SLOTS:
         QTest::addColumn<MarkOrder>("order");
         MarkOrder text{textPreset(QString(400, u'W'))};
         QTest::newRow("text") << text;
-        MarkOrder logo{fourColours()};
+        MarkOrder logo{fourColors()};
         logo.values.width = 3000;
         QTest::newRow("logo") << logo;
-        MarkOrder shadow{fourColours()};
+        MarkOrder shadow{fourColors()};
         shadow.values.shadow = true;
         shadow.values.shadowBlur = 100;
         QTest::newRow("wide shadow") << shadow;

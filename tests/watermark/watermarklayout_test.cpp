@@ -21,7 +21,7 @@ WatermarkLayout layoutOf(const WPresetValues &values, QSize mark = kMark)
     return layoutWatermark(values, kPhoto, mark, std::nullopt);
 }
 
-WPresetValues centred()
+WPresetValues centerd()
 {
     WPresetValues values;
     values.anchorPoint = 4;
@@ -101,13 +101,13 @@ private Q_SLOTS:
     {
         test::addRows<AnchorsAndOffsetsGiveTheOrigin>({
             {"top left", WholeNumber(0), QPointF(200, 2860)},
-            {"top centre", WholeNumber(1), QPointF(1800, 2860)},
+            {"top center", WholeNumber(1), QPointF(1800, 2860)},
             {"top right", WholeNumber(2), QPointF(3400, 2860)},
             {"middle left", WholeNumber(3), QPointF(200, 1450)},
-            {"centre", WholeNumber(4), QPointF(1800, 1450)},
+            {"center", WholeNumber(4), QPointF(1800, 1450)},
             {"middle right", WholeNumber(5), QPointF(3400, 1450)},
             {"bottom left", WholeNumber(6), QPointF(200, 40)},
-            {"bottom centre", WholeNumber(7), QPointF(1800, 40)},
+            {"bottom center", WholeNumber(7), QPointF(1800, 40)},
             {"bottom right", WholeNumber(8), QPointF(3400, 40)},
             {"unknown", WholeNumber(9), QPointF(200, 40)},
             {"absent", WholeNumber(), QPointF(200, 2860)},
@@ -252,7 +252,7 @@ private Q_SLOTS:
     void theShadowFallsAlongItsAngle()
     {
         const auto [name, degrees, offset] = test::currentRow<TheShadowFallsAlongItsAngle>();
-        WPresetValues values = centred();
+        WPresetValues values = centerd();
         QCOMPARE(layoutOf(values).shadowOffset, QPointF());
         values.shadow = true;
         values.shadowAngle = degrees;
