@@ -145,8 +145,6 @@ void OtherFormatsTest::kindsAreRead_data()
     add("-depth 16 -compress None pgm:pgm");
     add("-monochrome pbm:pbm");
     add("-monochrome -compress None pbm:pbm");
-    add("-colors 40 xpm:xpm");
-    add("-channel A -threshold 50% +channel -colors 40 xpm:xpm", true);
     add("-type TrueColor -compress None tga:tga");
     add("-type TrueColor -compress RLE tga:tga");
     add("-type TrueColorAlpha -compress None tga:tga", true);
@@ -155,8 +153,6 @@ void OtherFormatsTest::kindsAreRead_data()
     add("-colors 100 -type Palette -compress RLE tga:tga");
     add("-colorspace Gray -compress None tga:tga");
     add("-colorspace Gray -compress RLE tga:tga");
-    add("-monochrome xbm:xbm");
-    add("-monochrome wbmp:wbmp");
 }
 
 void OtherFormatsTest::kindsAreRead()
@@ -361,7 +357,7 @@ void OtherFormatsTest::hugeFileOfLittleDataFails()
 void OtherFormatsTest::factsNeedNoMemory_data()
 {
     QTest::addColumn<QString>("suffix");
-    for (const char *suffix : {"pbm", "ppm", "xbm", "xpm"})
+    for (const char *suffix : {"pbm", "ppm"})
         QTest::newRow(suffix) << QString::fromLatin1(suffix);
 }
 
@@ -382,28 +378,14 @@ void OtherFormatsTest::factsNeedNoMemory()
 void OtherFormatsTest::cutFileIsWholeOrFails_data()
 {
     QTest::addColumn<QString>("options"); // ImageMagick's, with the kind and the suffix at the end
-    for (const char *options : {"-type TrueColor bmp3:bmp",
-                                "-type TrueColor bmp2:bmp",
-                                "-monochrome bmp3:bmp",
-                                "-colors 200 -type Palette bmp3:bmp",
-                                "-colors 200 -type Palette -compress RLE bmp3:bmp",
-                                "-type TrueColor -compress None tga:tga",
-                                "-type TrueColor -compress RLE tga:tga",
-                                "-define webp:lossless=true webp:webp",
-                                "-quality 80 webp:webp",
-                                "ico:ico",
-                                "-resize 256x256! ico:ico",
-                                "icns:icns",
-                                "ppm:ppm",
-                                "-compress None ppm:ppm",
-                                "-depth 16 ppm:ppm",
-                                "pgm:pgm",
-                                "-depth 16 -compress None pgm:pgm",
-                                "-monochrome pbm:pbm",
-                                "-monochrome -compress None pbm:pbm",
-                                "-colors 40 xpm:xpm",
-                                "-monochrome xbm:xbm",
-                                "-monochrome wbmp:wbmp"})
+    for (const char *options :
+         {"-type TrueColor bmp3:bmp", "-type TrueColor bmp2:bmp", "-monochrome bmp3:bmp",
+          "-colors 200 -type Palette bmp3:bmp", "-colors 200 -type Palette -compress RLE bmp3:bmp",
+          "-type TrueColor -compress None tga:tga", "-type TrueColor -compress RLE tga:tga",
+          "-define webp:lossless=true webp:webp", "-quality 80 webp:webp", "ico:ico",
+          "-resize 256x256! ico:ico", "icns:icns", "ppm:ppm", "-compress None ppm:ppm", "-depth 16 ppm:ppm",
+          "pgm:pgm", "-depth 16 -compress None pgm:pgm", "-monochrome pbm:pbm",
+          "-monochrome -compress None pbm:pbm"})
         QTest::newRow(options) << QString::fromLatin1(options);
 }
 

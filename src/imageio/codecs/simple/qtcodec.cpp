@@ -2,6 +2,7 @@
 
 #include "imageio/codecs/simple/qtcodec.h"
 
+#include "imageio/base/endwatch.h"
 #include "imageio/base/picturefailures.h"
 #include "imageio/color/colorprofile.h"
 #include "raster/pixelformat.h"
@@ -68,7 +69,7 @@ bool announcesAlpha(const QImageReader &reader, const PictureHeader &header)
     if (format == QImage::Format_Invalid)
         return true;
     if (format == QImage::Format_Indexed8)
-        return reader.format() == "xpm";
+        return false;
     return QImage::toPixelFormat(format).alphaUsage() == QPixelFormat::UsesAlpha;
 }
 
@@ -235,12 +236,11 @@ QString reasonOf(const QImageReader &reader, const QIODevice &device)
 } // namespace
 
 QtCodec::QtCodec(const char *qtFormat, PictureHeader (*readHeader)(QIODevice &), int pluginBytesPerPixel,
-                 Choice choice, EndWatch::Manner manner)
+                 Choice choice)
     : m_qtFormat(qtFormat)
     , m_readHeader(readHeader)
     , m_pluginBytesPerPixel(pluginBytesPerPixel)
     , m_choice(choice)
-    , m_manner(manner)
 {
 }
 
@@ -291,7 +291,7 @@ Result<std::unique_ptr<RowReader>> QtCodec::openReader(QIODevice &device, const 
     if (header.endsEarly)
         return fail(PictureFailures::endsEarly());
     // Most plugins give a picture whose data end early as if it were whole.
-    EndWatch watch(device, 0, m_manner);
+    EndWatch watch(device, 0);
     QImageReader reader;
     if (const auto prepared = prepare(reader, watch, m_qtFormat, m_choice, header.size, limits); !prepared)
         return tl::unexpected(prepared.error());

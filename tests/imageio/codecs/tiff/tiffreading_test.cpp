@@ -22,8 +22,6 @@ private Q_SLOTS:
     void initTestCase();
     void kindsOfTiffAreRead_data();
     void kindsOfTiffAreRead();
-    void samplesOfThreeBytesAreRead_data();
-    void samplesOfThreeBytesAreRead();
     void oldStyleJpegIsRead();
     void firstOfManyIsRead();
     void labIsThatOfPrint_data();
@@ -194,39 +192,6 @@ void TiffReadingTest::kindsOfTiffAreRead()
     const double difference = meanDifference(ours, decodedByMagick(path, ours.size(), m_srgb));
     QVERIFY2(difference < 2, qPrintable(QString::number(difference)));
     QFile::remove(path);
-}
-
-void TiffReadingTest::samplesOfThreeBytesAreRead_data()
-{
-    QTest::addColumn<bool>("isFloat");
-    QTest::newRow("whole numbers") << false;
-    QTest::newRow("floats") << true;
-}
-
-/// ImageMagick misreads these.
-void TiffReadingTest::samplesOfThreeBytesAreRead()
-{
-    QFETCH(bool, isFloat);
-    // 0, 1/4, 1/2, 3/4, 1 and, of the floats, 2, -1 and no number; TIFF Technical Note 3.
-    const QList<quint32> numbers =
-        isFloat ? QList<quint32>{0, 0x3d0000, 0x3e0000, 0x3e8000, 0x3f0000, 0x400000, 0xbf0000, 0x7f0001}
-                : QList<quint32>{0, 0x3fffff, 0x7fffff, 0xbfffff, 0xffffff};
-    const QList<int> grays{0, 64, 128, 191, 255, 255, 0, 0};
-    QByteArray data;
-    for (const quint32 number : numbers) {
-        for (int shift = 0; shift < 24; shift += 8)
-            data.append(char(number >> shift & 0xff));
-    }
-    auto fields = tiffFields({int(numbers.size()), 1}, 1, 1, 1, quint32(data.size()));
-    fields[2].second = 24;
-    fields.append({339, isFloat ? 3 : 1});
-    const QString path = m_folder.path(u"triples.tif"_qs);
-    QVERIFY(putFile(path, tiffOf(fields, data)));
-    QString error;
-    const QImage image = decoded(path, &error);
-    QVERIFY2(!image.isNull(), qPrintable(error));
-    for (int x = 0; x < image.width(); ++x)
-        QVERIFY2(std::abs(qGray(image.pixel(x, 0)) - grays[x]) <= 1, qPrintable(QString::number(x)));
 }
 
 /// A whole JPEG file inside, as TIFF 6.0 had it before it was revised.
