@@ -211,7 +211,7 @@ private:
     std::vector<quint16> m_words;
 };
 
-class HeifRowReader final : public RowReader
+class HeifRowReader final : public SingleRowReader
 {
 public:
     /// Decodes the picture. Throws std::exception where the library does.
@@ -240,20 +240,13 @@ public:
         return takeRows(picture);
     }
 
-    RowFormat format() const override { return m_format; }
-
-    Result<void> readRows(QImage &strip, int count) override
+private:
+    Result<void> decodeRow(int index, QRgb *row) override
     {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
-        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_nextRow);
-        uchar *bits = strip.bits();
-        for (int row = 0; row < count; ++row, ++m_nextRow)
-            m_colors->convert(decodedRow(m_nextRow),
-                              reinterpret_cast<QRgb *>(bits + row * strip.bytesPerLine()));
+        m_colors->convert(decodedRow(index), row);
         return {};
     }
 
-private:
     Result<void> takeRows(const OpenPicture &picture)
     {
         constexpr heif_channel all = heif_channel_interleaved;
@@ -304,7 +297,6 @@ private:
         return m_row.data();
     }
 
-    RowFormat m_format;
     HeifGeometry m_geometry;
     int m_pixelBytes = 0;
     std::vector<uint8_t> m_row; ///< of a turned picture
@@ -312,7 +304,6 @@ private:
     const uint8_t *m_plane = nullptr;
     int m_stride = 0;
     std::optional<HeifColorsToSrgb> m_colors;
-    int m_nextRow = 0;
 };
 
 /// The sampling factors as a JPEG would have them.

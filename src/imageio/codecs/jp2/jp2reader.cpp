@@ -177,13 +177,13 @@ private:
 };
 
 /// Makes 8-bit sRGB of a row of samples.
-class Jp2RowReader final : public RowReader
+class Jp2RowReader final : public SingleRowReader
 {
 public:
     Jp2RowReader(Picture picture, Jp2Header header)
-        : m_picture(std::move(picture))
+        : SingleRowReader({{int(picture->comps[0].w), int(picture->comps[0].h)}, header.hasAlpha})
+        , m_picture(std::move(picture))
         , m_header(std::move(header))
-        , m_format{{int(m_picture->comps[0].w), int(m_picture->comps[0].h)}, m_header.hasAlpha}
         , m_words(size_t(m_format.size.width()) * 4)
         , m_alphas(m_header.hasAlpha ? size_t(m_format.size.width()) : 0, 65535)
     {
@@ -200,25 +200,13 @@ public:
 
     bool isConsistent() const { return int(m_picture->numcomps) >= m_header.colors; }
 
-    RowFormat format() const override { return m_format; }
-
-    Result<void> readRows(QImage &strip, int count) override
-    {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
-        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_nextRow);
-        uchar *bits = strip.bits();
-        for (int row = 0; row < count; ++row, ++m_nextRow)
-            readRow(reinterpret_cast<QRgb *>(bits + row * strip.bytesPerLine()));
-        return {};
-    }
-
 private:
     /// Component `index` of the row in 16 bits, to every `step`th word from `out` on.
-    void readSamples(int index, quint16 *out, int step) const
+    void readSamples(int rowIndex, int index, quint16 *out, int step) const
     {
         const opj_image_comp_t &component = m_picture->comps[index];
         const opj_image_comp_t &first = m_picture->comps[0];
-        const OPJ_UINT32 row = qMin(component.h - 1, OPJ_UINT32(quint64(m_nextRow) * component.h / first.h));
+        const OPJ_UINT32 row = qMin(component.h - 1, OPJ_UINT32(quint64(rowIndex) * component.h / first.h));
         const OPJ_INT32 *in = component.data + size_t(row) * component.w;
         const qint64 full = (qint64(1) << component.prec) - 1;
         const qint64 offset = component.sgnd != 0 ? qint64(1) << (component.prec - 1) : 0;
@@ -231,15 +219,15 @@ private:
         }
     }
 
-    void readRow(QRgb *out)
+    Result<void> decodeRow(int index, QRgb *out) override
     {
         const int width = m_format.size.width();
         const int step = m_header.kind == Kind::Gray ? 2 : 4;
         std::fill(m_words.begin(), m_words.end(), quint16(65535));
         for (int i = 0; i < m_header.colors; ++i)
-            readSamples(i, m_words.data() + i, step);
+            readSamples(index, i, m_words.data() + i, step);
         if (m_alphaComponent >= 0)
-            readSamples(m_alphaComponent, m_alphas.data(), 1);
+            readSamples(index, m_alphaComponent, m_alphas.data(), 1);
         if (m_header.kind == Kind::Ycc)
             makeRgb();
         if (m_header.isPremultiplied && m_header.kind != Kind::Cmyk)
@@ -250,6 +238,7 @@ private:
             roundColors(out, step);
         for (int x = 0; m_header.hasAlpha && x < width; ++x)
             out[x] = qPremultiply((out[x] & 0x00ffffff) | QRgb(byteOfWord(m_alphas[size_t(x)])) << 24);
+        return {};
     }
 
     void roundColors(QRgb *out, int step) const
@@ -295,12 +284,10 @@ private:
 
     const Picture m_picture;
     const Jp2Header m_header;
-    const RowFormat m_format;
     std::vector<quint16> m_words;
     std::vector<quint16> m_alphas;
     int m_alphaComponent = -1;
     std::unique_ptr<ColorTransform> m_transform;
-    int m_nextRow = 0;
 };
 
 } // namespace
@@ -349,12 +336,6 @@ Result<std::unique_ptr<RowReader>> Jp2Codec::openReader(QIODevice &device, const
     } catch (const std::bad_alloc &) {
         return fail(PictureFailures::outOfMemory());
     }
-}
-
-Result<std::unique_ptr<RowWriter>> Jp2Codec::openWriter(QIODevice &, const RowFormat &,
-                                                        const WriteOptions &) const
-{
-    return fail(PictureFailures::cannotWrite(QStringLiteral("image/jp2")));
 }
 
 QSize Jp2Codec::reducedSize(QSize size, int reduction) const

@@ -8,7 +8,6 @@
 #include "metadata/propertykeys.h"
 
 #include <array>
-#include <optional>
 #include <vector>
 
 namespace plexa
@@ -118,35 +117,27 @@ public:
         return {};
     }
 
-    RowFormat format() const override { return m_format; }
-
-    Result<void> readRows(QImage &strip, int count) override
+private:
+    Result<void> decodeRows(uchar *bits, qsizetype stride, int count) override
     {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
-        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_rowsRead);
-        if (m_failure)
-            return fail(*m_failure);
         if (!m_isStarted && !start())
             return failure();
-        uchar *bits = strip.bits();
         for (int row = 0; row < count;) {
             const int rows = qMin(count - row, kRowsAtATime);
-            uchar *target = bits + row * strip.bytesPerLine();
+            uchar *target = bits + row * stride;
             for (int i = 0; i < rows; ++i)
                 m_rows[size_t(i)] = m_buffer.empty()
-                                        ? target + i * strip.bytesPerLine()
+                                        ? target + i * stride
                                         : m_buffer.data() + size_t(i) * m_buffer.size() / kRowsAtATime;
             if (!decode(rows))
                 return failure();
             for (int i = 0; i < rows; ++i)
-                convertRow(m_rows[size_t(i)], reinterpret_cast<QRgb *>(target + i * strip.bytesPerLine()));
+                convertRow(m_rows[size_t(i)], reinterpret_cast<QRgb *>(target + i * stride));
             row += rows;
         }
-        m_rowsRead += count;
         return {};
     }
 
-private:
     // The functions that call libjpeg: each has no object of its own that a jump would leave behind.
 
     bool readHeader()
@@ -278,19 +269,17 @@ private:
         }
     }
 
-    tl::unexpected<Error> failure()
+    tl::unexpected<Error> failure() const
     {
         if (m_source.readFailed)
-            m_failure = PictureFailures::readError(m_device);
-        else if (m_errors.isUnsupported)
-            m_failure = PictureFailures::unsupportedKind("JPEG");
-        else if (m_errors.isOutOfMemory)
-            m_failure = PictureFailures::outOfMemory();
-        else if (m_errors.lacksData || m_source.reachedEnd)
-            m_failure = PictureFailures::endsEarly();
-        else
-            m_failure = PictureFailures::damaged();
-        return fail(*m_failure);
+            return fail(PictureFailures::readError(m_device));
+        if (m_errors.isUnsupported)
+            return fail(PictureFailures::unsupportedKind("JPEG"));
+        if (m_errors.isOutOfMemory)
+            return fail(PictureFailures::outOfMemory());
+        if (m_errors.lacksData || m_source.reachedEnd)
+            return fail(PictureFailures::endsEarly());
+        return fail(PictureFailures::damaged());
     }
 
     QIODevice &m_device;
@@ -300,7 +289,6 @@ private:
     Source m_source;
     jpeg_decompress_struct m_info;
     jpeg_progress_mgr m_progress = {};
-    RowFormat m_format;
     J_COLOR_SPACE m_outSpace = kRgb32;
     int m_bytesPerPixel = 0;
     bool m_isInverted = false;
@@ -308,8 +296,6 @@ private:
     std::vector<uchar> m_buffer; ///< decoded rows that are not QRgb yet
     std::array<JSAMPROW, kRowsAtATime> m_rows = {};
     bool m_isStarted = false;
-    int m_rowsRead = 0;
-    std::optional<QString> m_failure;
 };
 
 } // namespace

@@ -8,7 +8,6 @@
 
 #include <QtEndian>
 
-#include <optional>
 #include <vector>
 
 namespace plexa
@@ -294,7 +293,7 @@ QVariantMap propertiesOf(const Header &header)
     return png;
 }
 
-class PngRowReader final : public RowReader
+class PngRowReader final : public SingleRowReader
 {
 public:
     PngRowReader(QIODevice &device, const ReadLimits &limits)
@@ -325,28 +324,18 @@ public:
         return {};
     }
 
-    RowFormat format() const override { return m_format; }
-
-    Result<void> readRows(QImage &strip, int count) override
+private:
+    Result<void> decodeRow(int index, QRgb *row) override
     {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
-        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_rowsRead);
-        if (m_failure)
-            return fail(*m_failure);
-        if (m_decoder.isInterlaced() && m_rowsRead == 0 && !readWhole())
+        if (m_decoder.isInterlaced() && index == 0 && !readWhole())
             return failure();
-        uchar *bits = strip.bits();
-        for (int row = 0; row < count; ++row, ++m_rowsRead) {
-            auto *target = reinterpret_cast<QRgb *>(bits + row * strip.bytesPerLine());
-            const uchar *decoded = nextRow(target);
-            if (!decoded)
-                return failure();
-            convertRow(decoded, target);
-        }
+        const uchar *decoded = nextRow(index, row);
+        if (!decoded)
+            return failure();
+        convertRow(decoded, row);
         return {};
     }
 
-private:
     bool readWhole()
     {
         const size_t rowBytes = m_decoder.rowBytes();
@@ -365,10 +354,10 @@ private:
 
     /// @param target  where QRgb rows may be decoded to
     /// @return the decoded row; null when it cannot be had
-    const uchar *nextRow(QRgb *target)
+    const uchar *nextRow(int index, QRgb *target)
     {
         if (m_decoder.isInterlaced())
-            return m_buffer.data() + size_t(m_rowsRead) * m_decoder.rowBytes();
+            return m_buffer.data() + size_t(index) * m_decoder.rowBytes();
         uchar *row = m_buffer.empty() ? reinterpret_cast<uchar *>(target) : m_buffer.data();
         return m_decoder.readRow(row) ? row : nullptr;
     }
@@ -386,28 +375,23 @@ private:
         }
     }
 
-    tl::unexpected<Error> failure()
+    tl::unexpected<Error> failure() const
     {
         const Source &source = m_decoder.source();
         if (source.readFailed)
-            m_failure = PictureFailures::readError(m_device);
-        else if (m_isOutOfMemory)
-            m_failure = PictureFailures::outOfMemory();
-        else
-            m_failure = source.reachedEnd ? PictureFailures::endsEarly() : PictureFailures::damaged();
-        return fail(*m_failure);
+            return fail(PictureFailures::readError(m_device));
+        if (m_isOutOfMemory)
+            return fail(PictureFailures::outOfMemory());
+        return fail(source.reachedEnd ? PictureFailures::endsEarly() : PictureFailures::damaged());
     }
 
     QIODevice &m_device;
     const ReadLimits m_limits;
     PngDecoder m_decoder;
-    RowFormat m_format;
     PixelLayout m_layout = PixelLayout::Rgb32;
     std::unique_ptr<ColorTransform> m_transform;
     std::vector<uchar> m_buffer; ///< one row that is not QRgb yet, or a whole interlaced picture
-    int m_rowsRead = 0;
     bool m_isOutOfMemory = false;
-    std::optional<QString> m_failure;
 };
 
 } // namespace

@@ -197,35 +197,6 @@ QImage toRows(QImage image, const PictureHeader &header, bool hasAlpha)
     return image;
 }
 
-/// Hands out the rows of a picture that is decoded already.
-class WholeImageReader final : public RowReader
-{
-public:
-    WholeImageReader(QImage image, bool hasAlpha)
-        : m_image(std::move(image))
-        , m_format{m_image.size(), hasAlpha}
-    {
-    }
-
-    RowFormat format() const override { return m_format; }
-
-    Result<void> readRows(QImage &strip, int count) override
-    {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
-        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_image.height() - m_nextRow);
-        uchar *bits = strip.bits();
-        for (int row = 0; row < count; ++row, ++m_nextRow)
-            std::copy_n(m_image.constScanLine(m_nextRow), size_t(m_image.width()) * sizeof(QRgb),
-                        bits + row * strip.bytesPerLine());
-        return {};
-    }
-
-private:
-    const QImage m_image;
-    const RowFormat m_format;
-    int m_nextRow = 0;
-};
-
 QString reasonOf(const QImageReader &reader, const QIODevice &device)
 {
     if (reader.error() == QImageReader::InvalidDataError && device.atEnd())
@@ -310,13 +281,7 @@ Result<std::unique_ptr<RowReader>> QtCodec::openReader(QIODevice &device, const 
     image = toRows(std::move(image), header, hasAlpha);
     if (image.isNull())
         return fail(PictureFailures::outOfMemory());
-    return std::make_unique<WholeImageReader>(std::move(image), hasAlpha);
-}
-
-Result<std::unique_ptr<RowWriter>> QtCodec::openWriter(QIODevice &, const RowFormat &,
-                                                       const WriteOptions &) const
-{
-    return fail(PictureFailures::cannotWrite(QString::fromLatin1(m_qtFormat)));
+    return rowsOfImage(std::move(image), hasAlpha);
 }
 
 } // namespace plexa

@@ -249,7 +249,7 @@ qint64 bytesToRead(const TiffBlocks &blocks, const TiffFacts &facts)
     return bytes > std::numeric_limits<qint64>::max() - row ? bytes : bytes + row;
 }
 
-class TiffRowReader final : public RowReader
+class TiffRowReader final : public SingleRowReader
 {
 public:
     TiffRowReader(QIODevice &device, const ReadLimits &limits)
@@ -280,45 +280,26 @@ public:
         return {};
     }
 
-    RowFormat format() const override { return m_format; }
-
-    Result<void> readRows(QImage &strip, int count) override
-    {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
-        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_rowsRead);
-        if (m_failure)
-            return fail(*m_failure);
-        uchar *bits = strip.bits();
-        for (int row = 0; row < count; ++row, ++m_rowsRead) {
-            auto *out = reinterpret_cast<QRgb *>(bits + row * strip.bytesPerLine());
-            if (m_file.facts().kind == Kind::ByLibrary) {
-                if (!m_blocks->readPixels(m_rowsRead, out))
-                    return failure();
-                m_colors->convertPixels(out);
-                continue;
-            }
-            quint16 *samples = m_blocks->readSamples(m_rowsRead);
-            if (!samples)
-                return failure();
-            m_colors->convert(samples, out);
-        }
-        return {};
-    }
-
 private:
-    tl::unexpected<Error> failure()
+    Result<void> decodeRow(int index, QRgb *row) override
     {
-        m_failure = m_file.failureReason();
-        return fail(*m_failure);
+        if (m_file.facts().kind == Kind::ByLibrary) {
+            if (!m_blocks->readPixels(index, row))
+                return fail(m_file.failureReason());
+            m_colors->convertPixels(row);
+            return {};
+        }
+        quint16 *samples = m_blocks->readSamples(index);
+        if (!samples)
+            return fail(m_file.failureReason());
+        m_colors->convert(samples, row);
+        return {};
     }
 
     TiffFile m_file;
     const ReadLimits m_limits;
-    RowFormat m_format;
     std::optional<TiffBlocks> m_blocks;
     std::optional<TiffColors> m_colors;
-    int m_rowsRead = 0;
-    std::optional<QString> m_failure;
 };
 
 } // namespace
