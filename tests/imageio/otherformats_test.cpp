@@ -367,7 +367,7 @@ void OtherFormatsTest::factsNeedNoMemory()
     QFETCH(QString, suffix);
     const QString path = m_folder.path(u"facts."_qs + suffix);
     QVERIFY(detailedPicture({61, 43}, false).save(path));
-    const auto source = ImageSource::open(path, ReadLimits{4'000'000, 61 * 43 * 8 - 1});
+    const auto source = ImageSource::open(path, ReadLimits{4'000'000, 61 * 43 * 4 - 1});
     QVERIFY(source);
     QCOMPARE(source->info().rows.size, QSize(61, 43));
     const auto image = source->createImage();

@@ -2,7 +2,7 @@
 
 #include "imageio/base/picturefailures.h"
 #include "imageio/codecs/gif/gifcodec.h"
-#include "imageio/color/colorprofile.h"
+#include "imageio/color/rowconversion.h"
 #include "imageio/container/gifstructure.h"
 
 #include <gif_lib.h>
@@ -101,8 +101,7 @@ std::array<QRgb, 256> colorsOf(const ColorMapObject *table, const GifStructure &
         colors[1] = 0xffffffff;
     for (int i = 0; table && i < qMin(table->ColorCount, 256); ++i)
         colors[size_t(i)] = qRgb(table->Colors[i].Red, table->Colors[i].Green, table->Colors[i].Blue);
-    if (const auto transform = ColorTransform::toSrgb(structure.iccProfile, PixelLayout::Rgb32))
-        transform->convert(colors.data(), colors.data(), qsizetype(colors.size()));
+    RowConversion({}, {structure.iccProfile, {}}, int(colors.size())).convertPixels(colors.data());
     if (structure.transparentIndex >= 0)
         colors[size_t(structure.transparentIndex)] = 0;
     return colors;
