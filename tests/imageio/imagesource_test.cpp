@@ -88,18 +88,21 @@ class ImageSourceTest : public QObject
     /// Each pixel the mean of a square, cut off at the right and lower edges.
     static QImage blockMeans(const QImage &whole, int side)
     {
-        const QSize size((whole.width() + side - 1) / side, (whole.height() + side - 1) / side);
-        return paintedPicture(size, whole.format(), [&](int x, int y) {
-            int sums[4] = {};
+        QImage means((whole.width() + side - 1) / side, (whole.height() + side - 1) / side, whole.format());
+        for (int i = 0; i < means.width() * means.height(); ++i) {
+            const int x = i % means.width(), y = i / means.width();
             const QRect block = QRect(x * side, y * side, side, side) & whole.rect();
-            for (int i = 0; i < block.width() * block.height(); ++i) {
-                const QRgb color = whole.pixel(block.x() + i % block.width(), block.y() + i / block.width());
-                for (int channel = 0; channel < 4; ++channel)
-                    sums[channel] += color >> channel * 8 & 0xff;
+            uchar *mean = means.scanLine(y) + 4 * x;
+            for (int channel = 0; channel < 4; ++channel) {
+                int sum = 0;
+                for (int row = block.top(); row <= block.bottom(); ++row) {
+                    for (int column = block.left(); column <= block.right(); ++column)
+                        sum += whole.constScanLine(row)[4 * column + channel];
+                }
+                mean[channel] = uchar(sum / (block.width() * block.height()));
             }
-            const int count = block.width() * block.height();
-            return qRgba(sums[2] / count, sums[1] / count, sums[0] / count, sums[3] / count);
-        });
+        }
+        return means;
     }
 
     void addSamples()
