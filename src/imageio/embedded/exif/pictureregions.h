@@ -16,7 +16,7 @@ void turnRegionsInExif(Exiv2::ExifData &exif, const PictureTurn &turn);
 
 /// Turns the regions of the Metadata Working Group (mwg-rs: centre and size, normalised) and Microsoft (MP:
 /// top left and size, normalised), and EXIF's areas in XMP. Regions in other forms are removed.
-/// To be called under lockXmpNamespaces(). @return have regions been removed?
+/// @return have regions been removed?
 bool turnRegionsInXmp(Exiv2::XmpData &xmp, const PictureTurn &turn);
 
 } // namespace plexa

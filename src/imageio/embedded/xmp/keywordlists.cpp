@@ -51,8 +51,8 @@ void updateKeywordLists(Exiv2::XmpData &xmp, const QStringList &before, const QS
                              "Xmp.MicrosoftPhoto.LastKeywordXMP", "Xmp.MicrosoftPhoto.LastKeywordIPTC",
                              "Xmp.mediapro.CatalogSets", "Xmp.expressionmedia.CatalogSets"})
         updateTree(xmp, tree, before, after);
-    for (const char *list : {"Xmp.mwg-kw.Keywords", "Xmp.kw.Keywords", "Xmp.pdf.Keywords",
-                             "Xmp.acdsee.categories", "Xmp.acdsee.keywords", "Xmp.ics.TagStructure"})
+    for (const char *list : {"Xmp.mwg-kw.Keywords", "Xmp.pdf.Keywords", "Xmp.acdsee.categories",
+                             "Xmp.acdsee.keywords", "Xmp.ics.TagStructure"})
         eraseXmpProperty(xmp, list);
 }
 

@@ -12,7 +12,6 @@ namespace plexa
 /// Brings the further keyword lists of photo managers in line with edited keywords. Of the trees
 /// ("Places|Berlin", "Places/Berlin") the entries stay whose last name is still a keyword and that name none
 /// of the removed ones; lists that cannot be looked into go.
-/// To be called under lockXmpNamespaces().
 void updateKeywordLists(Exiv2::XmpData &xmp, const QStringList &before, const QStringList &after);
 
 } // namespace plexa

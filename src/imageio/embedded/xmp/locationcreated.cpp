@@ -3,7 +3,7 @@
 #include "imageio/embedded/xmp/locationcreated.h"
 
 #include "imageio/embedded/metadataclearing.h"
-#include "imageio/embedded/xmp/xmppackets.h"
+#include "imageio/embedded/xmp/xmpwriting.h"
 #include "metadata/metadatatext.h"
 #include "metadata/propertykeys.h"
 

@@ -22,7 +22,6 @@ std::span<const LocationPart> locationParts();
 
 /// Gives the location created a new value for the dictionary's key wherever it has one; an empty text takes
 /// it away. Other keys change nothing.
-/// To be called under lockXmpNamespaces().
 void updateLocationCreated(Exiv2::XmpData &xmp, QLatin1StringView key, const QString &text);
 
 } // namespace plexa

@@ -4,7 +4,6 @@
 
 #include "imageio/embedded/metadataclearing.h"
 #include "imageio/embedded/metadatavalues.h"
-#include "imageio/embedded/xmp/xmppackets.h"
 #include "metadata/metadatatext.h"
 #include "metadata/propertykeys.h"
 
@@ -44,6 +43,13 @@ void putFlash(Exiv2::XmpData &xmp, int flash)
 }
 
 } // namespace
+
+Exiv2::XmpTextValue plainXmpText(const std::string &text)
+{
+    Exiv2::XmpTextValue value;
+    value.value_ = text;
+    return value;
+}
 
 void putXmpTexts(Exiv2::XmpData &xmp, const char *name, const QStringList &texts, const QString &separator)
 {
