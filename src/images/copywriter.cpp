@@ -98,7 +98,7 @@ public:
                      &source,
                      &m_omitted,
                      m_metadata.clearedGroups(),
-                     m_uprighting.turn()};
+                     !m_uprighting.isIdentity()};
     }
 
     Result<CopyReport> write()

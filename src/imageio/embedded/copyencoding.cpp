@@ -11,7 +11,6 @@
 #include "imageio/embedded/metadatachanges.h"
 #include "imageio/embedded/metadataclearing.h"
 #include "imageio/embedded/metadatareading.h"
-#include "imageio/embedded/xmp/exiftoxmp.h"
 #include "imageio/embedded/xmp/iptctoxmp.h"
 #include "imageio/embedded/xmp/xmpencoding.h"
 #include "metadata/metadatafields.h"
@@ -154,10 +153,9 @@ QByteArray changedXmp(MetadataSet &set, ClearedGroups cleared, const QVariantMap
         eraseXmpProperty(xmp.data, "Xmp.photoshop.LegacyIPTCDigest");
     if (!facts.holdsIptc)
         addIptcToXmp(xmp.data, after);
-    // Of the edited EXIF itself: in the dictionaries a fact that was removed may stand under a second key.
     if (!facts.holdsExif)
-        addExifToXmp(xmp.data, propertiesOfMetadata(set, xmp.data), cleared);
-    if (turnRegionsInXmp(xmp.data, facts.turn))
+        addTiffTextsToXmp(xmp.data, after);
+    if (facts.isTurned && eraseRegionsFromXmp(xmp.data))
         omitted += u"face regions"_qs;
     describePictureInXmp(xmp.data, facts.pixelSize);
     QByteArray packet = encodedXmp(xmp, omitted);
@@ -206,7 +204,8 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     if (hadNote && !hasMakerNote(set.exif) && !(cleared & ClearedGroup::Exif))
         encoded.omitted += u"maker note"_qs;
 
-    turnRegionsInExif(set.exif, facts.turn);
+    if (facts.isTurned)
+        eraseRegionsFromExif(set.exif);
     describePictureInExif(set.exif, facts.pixelSize);
     if (!hasMakerNote(set.exif))
         note = {};

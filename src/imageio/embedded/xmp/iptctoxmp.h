@@ -15,4 +15,8 @@ namespace plexa
 /// @param properties  the property dictionary of the copy
 void addIptcToXmp(Exiv2::XmpData &xmp, const QVariantMap &properties);
 
+/// Puts author, copyright and description of the TIFF dictionary into XMP, for a file that has no place for
+/// EXIF. They go to XMP's own names for TIFF, which a clearing of IPTC leaves. Present values stay.
+void addTiffTextsToXmp(Exiv2::XmpData &xmp, const QVariantMap &properties);
+
 } // namespace plexa

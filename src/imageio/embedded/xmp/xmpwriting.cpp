@@ -84,12 +84,6 @@ void putXmpField(Exiv2::XmpData &xmp, const char *name, const MetadataField &fie
         putXmpTexts(xmp, name, texts, isText ? QStringLiteral("; ") : QStringLiteral(" "));
 }
 
-bool hasXmpProperty(const Exiv2::XmpData &xmp, std::string_view name)
-{
-    return std::any_of(xmp.begin(), xmp.end(),
-                       [name](const Exiv2::Xmpdatum &datum) { return datum.key() == name; });
-}
-
 void addXmpStructure(Exiv2::XmpData &xmp, const char *name)
 {
     const Exiv2::XmpKey key(name);

@@ -28,9 +28,6 @@ void putXmpTexts(Exiv2::XmpData &xmp, const char *name, const QStringList &texts
 /// @param name  one of the properties that say the field's fact
 void putXmpField(Exiv2::XmpData &xmp, const char *name, const MetadataField &field, const QVariant &value);
 
-/// Does XMP have this very property, not only parts of it?
-bool hasXmpProperty(const Exiv2::XmpData &xmp, std::string_view name);
-
 /// Makes a property that holds other properties, where there is none of this name.
 void addXmpStructure(Exiv2::XmpData &xmp, const char *name);
 
