@@ -4,7 +4,6 @@
 
 #include "imageio/imagesource.h"
 #include "images/imageobject.h"
-#include "images/photofacts.h"
 #include "raster/bitmaputilities.h"
 
 #include <new>

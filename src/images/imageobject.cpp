@@ -3,7 +3,6 @@
 #include "images/imageobject.h"
 
 #include "imageio/imagesource.h"
-#include "images/photofacts.h"
 #include "platform/filenames.h"
 #include "platform/fileversion.h"
 #include "raster/bitmaputilities.h"
@@ -442,11 +441,6 @@ PhotoFacts ImageObject::facts() const
     const std::lock_guard lock(m_stateLock);
     return PhotoFacts(m_path, m_metadata.value_or(ImageMetadata()), m_uprighting.size(),
                       m_uprighting.unscaledSize(), m_services.locale);
-}
-
-std::optional<QString> ImageObject::stringForInfoToken(const QString &piece, bool *tokenExists) const
-{
-    return facts().stringForInfoToken(piece, tokenExists);
 }
 
 } // namespace plexa

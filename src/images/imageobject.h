@@ -3,7 +3,6 @@
 #pragma once
 
 #include "images/copywriter.h"
-#include "images/photofacts.h"
 #include "images/photoservices.h"
 #include "images/uprighting.h"
 #include "metadata/imagemetadata.h"
@@ -47,7 +46,7 @@ struct AppliedPreset {
 /// for a change that nobody has come across yet.
 ///
 /// All functions may be called from any thread; signals are sent from the thread that caused them.
-class ImageObject final : public QObject, public TokenSource
+class ImageObject final : public QObject
 {
     Q_OBJECT
 
@@ -162,9 +161,11 @@ public:
                     const SavingPresetValues &savingPreset, bool preservesCreationDate,
                     const CancelCheck &isCancelled = {}, const QString &readFrom = {});
 
-    // TokenSource
-    QSize pixelSize() const override;
-    std::optional<QString> stringForInfoToken(const QString &piece, bool *tokenExists) const override;
+    /// Pixels of the photo after all turns; (0, 0) until it is loaded.
+    QSize pixelSize() const;
+
+    /// The facts of the photo as far as it has been read; reads nothing.
+    PhotoFacts facts() const;
 
 Q_SIGNALS:
     void pathChanged();
@@ -210,7 +211,6 @@ private:
     QImage decodedPixels(bool &hasNewMetadata);
     void lookAgainUnlessAt(const std::optional<FileVersion> &version);
     Snapshot snapshot(Pixels pixels);
-    PhotoFacts facts() const;
     QImage drawn(const QImage &image, const Snapshot &snapshot, const AppliedPreset &preset,
                  QRectF *rect) const;
 

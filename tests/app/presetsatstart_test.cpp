@@ -3,6 +3,7 @@
 #include "app/appcontroller.h"
 #include "app/workingset.h"
 #include "presets/presetsstore.h"
+#include "support/keyedarchives.h"
 
 #include <QProcess>
 #include <QSignalSpy>
@@ -86,8 +87,7 @@ void PresetsAtStartTest::filesWithLosses()
     PresetsStore store(work.alerts, work.fonts);
     AppController app({work.photos, work.defaults, work.alerts, 2});
     app.readPresets(store);
-    const QString python =
-        qEnvironmentVariable("PLEXA_SOURCE_DIR") + QStringLiteral("/tests/support/keyedarchives.py");
+    const QString python = keyedArchivesScript();
     QProcess::execute(QStringLiteral("python3"), {python, work.folder.path()});
     QFile examples(QStringLiteral(":/plexa/presets/example_spresets.pxspr"));
     QVERIFY(examples.open(QIODevice::ReadOnly));

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "imageio/exiftoolrecords.h"
+#include "support/exiftool.h"
 #include "imageio/jpegassembly.h"
-#include "imageio/pictures.h"
+#include "support/files.h"
+#include "support/testenvironment.h"
 #include "metadata/propertykeys.h"
 
 #include <QCryptographicHash>
@@ -63,10 +64,10 @@ private Q_SLOTS:
         const char length[] = {char(xmp.size() & 0xFF), char(xmp.size() >> 8), 0, 0};
         const QByteArray tiff = "II\x2A\0\x08\0\0\0\x01\0\xBC\x02\x01\0"_ba + QByteArray(length, 4) +
                                 "\x1A\0\0\0\0\0\0\0"_ba + xmp;
-        QVERIFY(test::putFile(m_folder.path(u"a.tif"_s), tiff));
+        QVERIFY(test::writeFile(m_folder.path(u"a.tif"_s), tiff));
         EmbeddedMetadata::Encoded inExif;
         inExif.exif = tiff;
-        QVERIFY(test::putFile(m_folder.path(u"a.jpg"_s), test::jpegWith(inExif)));
+        QVERIFY(test::writeFile(m_folder.path(u"a.jpg"_s), test::jpegWith(inExif)));
         for (const QString &name : {u"a.tif"_s, u"a.jpg"_s}) {
             EmbeddedMetadata::read(m_folder.path(name));
             const QString copy = copyOf(packet(kPhotoshop, "photoshop:Credit=\"me\""),
@@ -236,7 +237,7 @@ private:
         metadata.xmp = xmp;
         const QString path = m_folder.path(u"source.jpg"_s);
         const QString copy = m_folder.path(u"copy%1.jpg"_s.arg(++m_copies));
-        if (!test::putFile(path, test::jpegWith(metadata).insert(2, moreSegments)))
+        if (!test::writeFile(path, test::jpegWith(metadata).insert(2, moreSegments)))
             return {};
         const auto source = EmbeddedMetadata::read(path);
         QVariantMap properties = source->properties();
@@ -245,7 +246,7 @@ private:
         properties.insert(kCGImagePropertyIPTCDictionary, edited);
         const EmbeddedMetadata::Encoded encoded = source->encodeForCopy(properties, {QSize(16, 16)});
         m_omitted = encoded.omitted;
-        const bool isWritten = test::putFile(copy, test::jpegWith(encoded));
+        const bool isWritten = test::writeFile(copy, test::jpegWith(encoded));
         return isWritten ? copy : QString();
     }
 
