@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "support/exiftool.h"
 #include "imageio/jpegassembly.h"
+#include "metadata/propertykeys.h"
+#include "support/exiftool.h"
 #include "support/files.h"
 #include "support/testenvironment.h"
-#include "metadata/propertykeys.h"
 
 #include <QCryptographicHash>
 #include <QTest>
@@ -24,11 +24,6 @@ QByteArray packet(const QByteArray &namespaces, const QByteArray &attributes, co
 
 const QByteArray kPhotoshop = "xmlns:photoshop=\"http://ns.adobe.com/photoshop/1.0/\" ";
 const QByteArray kDublinCore = "xmlns:dc=\"http://purl.org/dc/elements/1.1/\" ";
-
-QByteArray bigEndian32(qsizetype number)
-{
-    return test::bigEndian16(number >> 16) + test::bigEndian16(number & 0xFFFF);
-}
 
 } // namespace
 
@@ -111,7 +106,7 @@ private Q_SLOTS:
                    "xmlns:same=\"http://example.com/main/\"",
                    "xmpNote:HasExtendedXMP=\"" + guid + "\" shopx:code=\"x\" same:code=\"main\"");
         const QByteArray extension = "http://ns.adobe.com/xmp/extension/\0"_ba + guid +
-                                     bigEndian32(more.size()) + bigEndian32(0) + more;
+                                     test::big32(more.size()) + test::big32(0) + more;
         const QString copy = copyOf(main, {}, test::jpegSegment(0xE1, extension));
         const QByteArray contents = test::contentsOf(copy);
         for (const char *declaration : {"xmlns:shopx=\"http://example.com/ns\"", "xmlns:shopy=\"urn:y:1\"",
