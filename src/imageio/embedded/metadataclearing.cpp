@@ -2,7 +2,7 @@
 
 #include "imageio/embedded/metadataclearing.h"
 
-#include "imageio/embedded/xmp/iptcutf8.h"
+#include "imageio/embedded/exif/exifvalues.h"
 #include "imageio/embedded/xmp/xmpvocabularies.h"
 #include "metadata/metadatafields.h"
 #include "metadata/propertykeys.h"
