@@ -134,40 +134,6 @@ private Q_SLOTS:
         QCOMPARE(again->at(1)->m_text, u"@1.4"_s);
     }
 
-    void failedWritesAreReported()
-    {
-        const Note note(u"new"_s);
-        const XMLFile *const objects[] = {&note};
-        for (const QString &path : {m_folder.path(u"no/such/folder.xml"_s), m_folder.path()}) {
-            const Result<void> written = XMLFile::writeObjects(objects, path, kAppID, u"notes"_s, u"1.4"_s);
-            QVERIFY(!written && !written.error().text.isEmpty());
-        }
-    }
-
-    void theBaseHasNoFiles()
-    {
-        class Nothing : public XMLFile
-        {
-        };
-        const auto expectLog = [](const char *function) {
-            QTest::ignoreMessage(QtCriticalMsg, "ERROR:  The abstract method XMLFile::" +
-                                                    QByteArray(function) + " has been called directly!");
-        };
-        XMLParser parser;
-        QVERIFY(parser.parse("<?xml a=''?><a></a>"));
-        expectLog("initWithXMLData");
-        QVERIFY(!XMLFile::initWithXMLData(*parser.root(), 1.4));
-        expectLog("appendObjectToXML");
-        QString xml;
-        Nothing().appendObjectToXML(xml);
-        QVERIFY(xml.isEmpty());
-        expectLog("readObjectsFromFile");
-        QVERIFY(!XMLFile::readObjectsFromFile(QString(), kAppID, m_code));
-        QCOMPARE(m_code, ReadCode::Failed);
-        expectLog("writeObjects");
-        QVERIFY(!XMLFile::writeObjects({}, QString(), kAppID));
-    }
-
 private:
     std::optional<std::vector<std::shared_ptr<Note>>> read(const QByteArray &xml)
     {

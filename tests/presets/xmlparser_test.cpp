@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "presets/xmlparser.h"
+#include "support/datarows.h"
+#include "support/files.h"
 #include "support/testenvironment.h"
 
 #include <QtTest>
@@ -24,13 +26,32 @@ struct Reading {
 
 QByteArray nested(int depth)
 {
-    QByteArray xml = kHeader;
-    for (int i = 0; i < depth; ++i)
-        xml += "<a>";
-    for (int i = 0; i < depth; ++i)
-        xml += "</a>";
-    return xml;
+    return kHeader + QByteArray("<a>").repeated(depth) + QByteArray("</a>").repeated(depth);
 }
+
+QByteArray unknown(const QByteArray &rest)
+{
+    return "ERROR:  unknown entity reference: \"" + rest + "\"\n";
+}
+
+struct Decoding {
+    Text name;
+    QByteArray stored;
+    QByteArray text;
+    QByteArray line = {};
+};
+
+struct Limit {
+    Text name;
+    QByteArray allowed;
+    QByteArray refused;
+    QByteArray reason;
+};
+
+struct BadFile {
+    Text name;
+    QByteArray line;
+};
 
 } // namespace
 
@@ -77,35 +98,25 @@ private Q_SLOTS:
 
     void rootText_data()
     {
-        QTest::addColumn<QByteArray>("stored");
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QByteArray>("line");
-        const QByteArray none;
-        QTest::newRow("every entity")
-            << QByteArray("x&lt;&gt;&amp;&quot;&apos;y") << QByteArray("x<>&\"'y") << none;
-        QTest::newRow("not decoded twice") << QByteArray("&amp;lt;") << QByteArray("&lt;") << none;
-        QTest::newRow("decimal and hexadecimal")
-            << QByteArray("&#65;&#x41;&#X4a;") << QByteArray("AAJ") << none;
-        QTest::newRow("the low eight bits")
-            << QByteArray("&#321;&#x99999999999999999999941;") << QByteArray("AA") << none;
-        QTest::newRow("bytes make up UTF-8") << QByteArray("&#195;&#164;") << QByteArray("\xc3\xa4") << none;
-        QTest::newRow("ends at a NUL") << QByteArray("a&#0;b") << QByteArray("a") << none;
-        QTest::newRow("a lone carriage return") << QByteArray(" \n\ra\r") << QByteArray("\ra\r") << none;
-        const auto unknown = [](const QByteArray &rest) {
-            return "ERROR:  unknown entity reference: \"" + rest + "\"\n";
-        };
-        QTest::newRow("unknown") << QByteArray("a&nbsp;b") << none << unknown("&nbsp;b");
-        QTest::newRow("not closed") << QByteArray("a&#65 b;") << none << unknown("&#65 b;");
-        QTest::newRow("no digits") << QByteArray("&#;") << none << unknown("&#;");
-        QTest::newRow("no hexadecimal digits") << QByteArray("&#xg;") << none << unknown("&#xg;");
-        QTest::newRow("at the end") << QByteArray("a&#x4") << none << unknown("&#x4");
+        addRows<Decoding>({
+            {"every entity", "x&lt;&gt;&amp;&quot;&apos;y", "x<>&\"'y"},
+            {"not decoded twice", "&amp;lt;", "&lt;"},
+            {"decimal and hexadecimal", "&#65;&#x41;&#X4a;", "AAJ"},
+            {"the low eight bits", "&#321;&#x99999999999999999999941;", "AA"},
+            {"bytes of UTF-8", "&#195;&#164;", "\xc3\xa4"},
+            {"ends at a NUL", "a&#0;b", "a"},
+            {"a lone carriage return", " \n\ra\r", "\ra\r"},
+            {"unknown", "a&nbsp;b", "", unknown("&nbsp;b")},
+            {"not closed", "a&#65 b;", "", unknown("&#65 b;")},
+            {"no digits", "&#;", "", unknown("&#;")},
+            {"no hexadecimal digits", "&#xg;", "", unknown("&#xg;")},
+            {"at the end", "a&#x4", "", unknown("&#x4")},
+        });
     }
 
     void rootText()
     {
-        QFETCH(QByteArray, stored);
-        QFETCH(QByteArray, text);
-        QFETCH(QByteArray, line);
+        const auto [name, stored, text, line] = currentRow<Decoding>();
         Reading reading;
         QVERIFY(reading.parser.parse(kHeader + "<r>" + stored + "</r>"));
         QCOMPARE(reading.lines, QByteArrayList()); // nothing is decoded before it is asked for
@@ -181,30 +192,25 @@ private Q_SLOTS:
 
     void limitsAreExact_data()
     {
-        QTest::addColumn<QByteArray>("allowed");
-        QTest::addColumn<QByteArray>("refused");
-        QTest::addColumn<QByteArray>("reason");
-        QTest::newRow("depth") << nested(XMLParser::kMaxDepth) << nested(XMLParser::kMaxDepth + 1)
-                               << QByteArray("nested more than 100 deep");
         // Two are the header and its attribute, one the root.
         const QByteArray elements = QByteArray("<b></b>").repeated(XMLParser::kMaxRecords - 3);
-        QTest::newRow("elements") << kHeader + "<a>" + elements + "</a>"
-                                  << kHeader + "<a>" + elements + "<b></b></a>"
-                                  << QByteArray("more than 200000 elements and attributes");
         const QByteArray attributes = QByteArray(" b=''").repeated(XMLParser::kMaxRecords - 3);
-        QTest::newRow("attributes") << kHeader + "<a" + attributes + " ></a>"
-                                    << kHeader + "<a" + attributes + " c='' ></a>"
-                                    << QByteArray("more than 200000 elements and attributes");
         const QByteArray text(XMLParser::kMaxFileBytes - kHeader.size() - 7, 'x');
-        QTest::newRow("bytes") << kHeader + "<a>" + text + "</a>" << kHeader + "<a>" + text + "x</a>"
-                               << QByteArray("more than 16 MB");
+        const QByteArray tooMany = "more than 200000 elements and attributes";
+        addRows<Limit>({
+            {"depth", nested(XMLParser::kMaxDepth), nested(XMLParser::kMaxDepth + 1),
+             "nested more than 100 deep"},
+            {"elements", kHeader + "<a>" + elements + "</a>", kHeader + "<a>" + elements + "<b></b></a>",
+             tooMany},
+            {"attributes", kHeader + "<a" + attributes + " ></a>",
+             kHeader + "<a" + attributes + " c='' ></a>", tooMany},
+            {"bytes", kHeader + "<a>" + text + "</a>", kHeader + "<a>" + text + "x</a>", "more than 16 MB"},
+        });
     }
 
     void limitsAreExact()
     {
-        QFETCH(QByteArray, allowed);
-        QFETCH(QByteArray, refused);
-        QFETCH(QByteArray, reason);
+        const auto [name, allowed, refused, reason] = currentRow<Limit>();
         Reading ok;
         QVERIFY(ok.parser.parse(allowed));
         Reading bad;
@@ -229,32 +235,24 @@ private Q_SLOTS:
 
     void filesThatCannotBeRead_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("line");
-        QTest::newRow("missing") << u"missing"_s << QByteArray("ERROR:  cannot open the file \"PATH\"\n");
-        QTest::newRow("folder") << u"folder"_s << QByteArray("ERROR:  cannot read the file \"PATH\"\n");
-        QTest::newRow("pipe") << u"pipe"_s << QByteArray("ERROR:  cannot read the file \"PATH\"\n");
-        QTest::newRow("too large") << u"large"_s
-                                   << QByteArray("ERROR:  there are more than 16 MB in the file \"PATH\"\n");
-        QTest::newRow("no XML") << u"text"_s
-                                << QByteArray(
-                                       "ERRORPATH  (line 1, near \"hello\"):  missing the standard XML "
-                                       "header tag <?xml ...?>\n");
+        addRows<BadFile>({
+            {"missing", "ERROR:  cannot open the file \"PATH\"\n"},
+            {"folder", "ERROR:  cannot read the file \"PATH\"\n"},
+            {"pipe", "ERROR:  cannot read the file \"PATH\"\n"},
+            {"large", "ERROR:  there are more than 16 MB in the file \"PATH\"\n"},
+            {"text",
+             "ERRORPATH  (line 1, near \"hello\"):  missing the standard XML header tag <?xml ...?>\n"},
+        });
     }
 
     void filesThatCannotBeRead()
     {
+        auto [name, line] = currentRow<BadFile>();
         const TestFolder folder;
-        QVERIFY(QDir().mkpath(folder.path(u"folder"_s)));
-        QCOMPARE(mkfifo(QFile::encodeName(folder.path(u"pipe"_s)).constData(), 0600), 0);
-        QFile text(folder.path(u"text"_s));
-        QVERIFY(text.open(QIODevice::WriteOnly) && text.write("hello <world>") > 0);
-        QFile large(folder.path(u"large"_s));
-        QVERIFY(large.open(QIODevice::WriteOnly) && large.resize(XMLParser::kMaxFileBytes + 1));
-        text.close();
-
-        QFETCH(QString, name);
-        QFETCH(QByteArray, line);
+        QVERIFY(QDir().mkpath(folder.path("folder")));
+        QCOMPARE(mkfifo(QFile::encodeName(folder.path("pipe")).constData(), 0600), 0);
+        QVERIFY(writeFile(folder.path("text"), "hello <world>") && writeFile(folder.path("large"), {}));
+        QVERIFY(QFile::resize(folder.path("large"), XMLParser::kMaxFileBytes + 1));
         Reading reading;
         QVERIFY(!reading.parser.loadAndParseFile(folder.path(name)));
         QCOMPARE(reading.lines.join(), line.replace("PATH", folder.path(name).toUtf8()));
@@ -264,15 +262,13 @@ private Q_SLOTS:
     void aFileIsReadOnce()
     {
         const TestFolder folder;
-        QFile file(folder.path(u"a.xml"_s));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(kHeader + "<a></a>") > 0);
-        file.close();
+        const QString path = folder.path("a.xml");
+        QVERIFY(writeFile(path, kHeader + "<a></a>"));
         Reading reading;
         QVERIFY(!reading.parser.parse());
-        QVERIFY(reading.parser.loadFile(file.fileName()));
-        QVERIFY(!reading.parser.loadFile(file.fileName()));
+        QVERIFY(reading.parser.loadFile(path));
+        QVERIFY(!reading.parser.loadFile(path));
         QVERIFY(reading.parser.parse());
-        QCOMPARE(reading.parser.root()->name(), "a");
         QVERIFY(!reading.parser.parse());
         QCOMPARE(reading.parser.root()->name(), "a");
     }
