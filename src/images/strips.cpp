@@ -39,6 +39,20 @@ Result<void> forEachStrip(RowReader &reader, const StripVisitor &visit)
     return {};
 }
 
+Result<void> readStrips(RowReader &reader, QImage &picture, const CancelCheck &isCancelled)
+{
+    const int rows = isCancelled ? rowsPerStrip(picture.size()) : picture.height();
+    for (int row = 0; row < picture.height(); row += rows) {
+        if (isCancelled && isCancelled())
+            return fail(cancelledText());
+        const int count = std::min(rows, picture.height() - row);
+        QImage strip(picture.scanLine(row), picture.width(), count, picture.bytesPerLine(), picture.format());
+        if (Result<void> read = reader.readRows(strip, count); !read)
+            return read;
+    }
+    return {};
+}
+
 Result<void> writeStrips(RowWriter &writer, const QImage &picture, const CancelCheck &isCancelled)
 {
     const int rows = rowsPerStrip(picture.size());
