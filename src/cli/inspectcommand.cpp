@@ -5,11 +5,11 @@
 #include "cli/interruption.h"
 #include "cli/messages.h"
 #include "imageio/imagesource.h"
-#include "images/photofacts.h"
 #include "images/strips.h"
 #include "images/uprighting.h"
 #include "platform/localeformat.h"
 #include "platform/orderedwork.h"
+#include "watermark/texttokens.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -55,7 +55,7 @@ Result<Inspection> inspect(const QString &path, const LocaleFormat &locale)
     result.orientation = metadata.orientationCorrected();
     const PhotoFacts facts(path, metadata, uprighting.size(), uprighting.unscaledSize(), locale);
     for (const QString &token : tokenNames())
-        result.tokens.emplace_back(token, facts.stringForInfoToken(token, nullptr));
+        result.tokens.emplace_back(token, facts.stringForInfoToken(token));
     return result;
 }
 

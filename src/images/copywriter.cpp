@@ -5,10 +5,10 @@
 #include "imageio/base/picturefailures.h"
 #include "imageio/imagedestination.h"
 #include "imageio/imagesource.h"
-#include "images/photofacts.h"
 #include "images/uprighting.h"
 #include "platform/applicationname.h"
 #include "platform/filetimes.h"
+#include "watermark/texttokens.h"
 #include "watermark/watermarkdrawing.h"
 
 #include <algorithm>

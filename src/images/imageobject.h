@@ -31,7 +31,7 @@ namespace plexa
 ///
 /// All functions may be called from any thread; signals are emitted by the thread that caused them, with
 /// nothing locked.
-class ImageObject final : public QObject, public TokenSource
+class ImageObject final : public QObject
 {
     Q_OBJECT
 
@@ -160,12 +160,11 @@ public:
                     const SavingPresetValues &savingPreset, bool preservesCreationDate,
                     const CancelCheck &isCancelled = {}, const QString &readFrom = {});
 
-    // TokenSource
-    QSize pixelSize() const override { return m_photo.size(); }
-    std::optional<QString> stringForInfoToken(const QString &piece, bool *tokenExists) const override
-    {
-        return m_photo.facts().stringForInfoToken(piece, tokenExists);
-    }
+    /// Pixels of the photo after all turns; (0, 0) until it is loaded.
+    QSize pixelSize() const { return m_photo.size(); }
+
+    /// The facts of the photo as far as it has been read; reads nothing.
+    PhotoFacts facts() const { return m_photo.facts(); }
 
 Q_SIGNALS:
     void pathChanged();

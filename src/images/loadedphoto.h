@@ -4,7 +4,6 @@
 
 #include "images/copywriter.h"
 #include "images/customorigins.h"
-#include "images/photofacts.h"
 #include "images/photoservices.h"
 #include "images/photosnapshot.h"
 #include "images/photoversion.h"

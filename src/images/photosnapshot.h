@@ -3,7 +3,7 @@
 #pragma once
 
 #include "images/customorigins.h"
-#include "images/photofacts.h"
+#include "watermark/texttokens.h"
 #include "watermark/wpreset.h"
 
 #include <QImage>

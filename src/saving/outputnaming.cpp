@@ -89,7 +89,7 @@ OutputNaming::OutputNaming(OutputFolders folders, Alerts &alerts, Wait waitForOu
 {
 }
 
-QString OutputNaming::filenameForImage(const TokenSource &image, const QString &imagePath,
+QString OutputNaming::filenameForImage(const PhotoFacts &image, const QString &imagePath,
                                        const QString &wPresetName, const SavingPresetValues &savingPreset,
                                        qint64 sequenceNumber)
 {

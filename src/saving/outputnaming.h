@@ -15,7 +15,7 @@ namespace plexa
 {
 
 class Alerts;
-class TokenSource;
+class PhotoFacts;
 
 /// Where the copies of a run go.
 struct OutputFolders {
@@ -59,7 +59,7 @@ public:
     /// A copy's file name, without its folder. Put together from the preset's tokens and finished by
     /// filenameWithExtensionForFilename().
     /// @param imagePath  the photo, as people know it
-    static QString filenameForImage(const TokenSource &image, const QString &imagePath,
+    static QString filenameForImage(const PhotoFacts &image, const QString &imagePath,
                                     const QString &wPresetName, const SavingPresetValues &savingPreset,
                                     qint64 sequenceNumber);
 

@@ -5,7 +5,6 @@
 #include "platform/leftovers.h"
 #include "platform/missingfolders.h"
 #include "raster/bitmaputilities.h"
-#include "watermark/texttokens.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -289,9 +288,8 @@ void SavingProcess::decide(Pending &pending, const AheadOfTime &ahead, const Ord
 {
     using Conflict = SavingOutput::Conflict;
     SavingOutput &output = pending.output;
-    const TokenSource &tokens =
-        ahead.facts ? static_cast<const TokenSource &>(*ahead.facts) : *ahead.photo.image;
-    const QString name = OutputNaming::filenameForImage(tokens, ahead.photo.path, output.wPresetName,
+    const PhotoFacts facts = ahead.facts ? *ahead.facts : ahead.photo.image->facts();
+    const QString name = OutputNaming::filenameForImage(facts, ahead.photo.path, output.wPresetName,
                                                         order.savingPreset, output.sequenceNumber);
     m_observer.copyBegun(output.sequenceNumber,
                          Texts::tr("Saving image %1 out of %2:\n%3")

@@ -2,9 +2,9 @@
 
 #pragma once
 
-#include "images/photofacts.h"
 #include "platform/workpool.h"
 #include "saving/savingrun.h"
+#include "watermark/texttokens.h"
 
 #include <QHash>
 #include <QSet>

@@ -2,13 +2,12 @@
 
 #include "watermark/texttokens.h"
 
-#include "metadata/imagemetadata.h"
 #include "platform/filenames.h"
-#include "platform/localeformat.h"
 #include "watermark/plainstring.h"
 
 #include <QDateTime>
 
+#include <algorithm>
 #include <array>
 
 namespace plexa
@@ -19,45 +18,43 @@ namespace
 using Text = std::optional<QString>;
 using Style = LocaleFormat::Style;
 
-/// One row of the vocabulary. Rows that read metadata are asked only where there is some.
 struct Token {
     const char *name;
-    Text (*ofFile)(const TokenFacts &facts);
-    Text (*ofMetadata)(const ImageMetadata &metadata, const LocaleFormat &locale);
+    Text (*textOf)(const PhotoFacts &photo);
 };
 
 template<auto read>
-Text field(const ImageMetadata &metadata, const LocaleFormat &)
+Text field(const PhotoFacts &photo)
 {
-    return plainString(QVariant((metadata.*read)()));
+    return plainString(QVariant((photo.metadata().*read)()));
 }
 
 template<auto read>
-Text localized(const ImageMetadata &metadata, const LocaleFormat &locale)
+Text localized(const PhotoFacts &photo)
 {
-    return plainString(QVariant((metadata.*read)(locale)));
+    return plainString(QVariant((photo.metadata().*read)(photo.locale())));
 }
 
 template<Style style>
-Text date(const ImageMetadata &metadata, const LocaleFormat &locale)
+Text date(const PhotoFacts &photo)
 {
-    const QDateTime taken = metadata.exifDateTimeOriginal();
-    return taken.isValid() ? Text(locale.date(taken, style)) : Text();
+    const QDateTime taken = photo.metadata().exifDateTimeOriginal();
+    return taken.isValid() ? Text(photo.locale().date(taken, style)) : Text();
 }
 
 template<Style style>
-Text time(const ImageMetadata &metadata, const LocaleFormat &locale)
+Text time(const PhotoFacts &photo)
 {
-    const QDateTime taken = metadata.exifDateTimeOriginal();
-    return taken.isValid() ? Text(locale.time(taken, style)) : Text();
+    const QDateTime taken = photo.metadata().exifDateTimeOriginal();
+    return taken.isValid() ? Text(photo.locale().time(taken, style)) : Text();
 }
 
-/// The day, month and year or the hours, minutes and seconds, in a fixed form.
+/// @param pattern  as LocaleFormat::calendar() accepts it
 template<const char *pattern>
-Text calendar(const ImageMetadata &metadata, const LocaleFormat &locale)
+Text calendar(const PhotoFacts &photo)
 {
-    const QDateTime taken = metadata.exifDateTimeOriginal();
-    return taken.isValid() ? Text(locale.calendar(taken, QLatin1StringView(pattern))) : Text();
+    const QDateTime taken = photo.metadata().exifDateTimeOriginal();
+    return taken.isValid() ? Text(photo.locale().calendar(taken, QLatin1StringView(pattern))) : Text();
 }
 
 constexpr char kYearMonthDay[] = "%Y-%m-%d";
@@ -66,16 +63,16 @@ constexpr char kMonthDayYear[] = "%m/%d/%Y";
 constexpr char kHoursMinutes[] = "%H:%M";
 constexpr char kHoursMinutesSeconds[] = "%H:%M:%S";
 
-Text flash(const ImageMetadata &metadata, const LocaleFormat &)
+Text flash(const PhotoFacts &photo)
 {
-    return metadata.exifFlash() != 0 ? QStringLiteral("did fire") : QStringLiteral("did not fire");
+    return photo.metadata().exifFlash() != 0 ? QStringLiteral("did fire") : QStringLiteral("did not fire");
 }
 
-/// The sign stands before the number's own, so that a negative value has two; stored presets and their users
-/// know it like this.
-Text exposureBias(const ImageMetadata &metadata, const LocaleFormat &)
+/// The sign precedes the number, which has a sign of its own: a negative value has two. Stored presets rely
+/// on this.
+Text exposureBias(const PhotoFacts &photo)
 {
-    const QVariant bias = metadata.exifExposureBias();
+    const QVariant bias = photo.metadata().exifExposureBias();
     const Text number = plainString(bias);
     if (!number)
         return number;
@@ -84,116 +81,118 @@ Text exposureBias(const ImageMetadata &metadata, const LocaleFormat &)
     return sign + *number;
 }
 
-Text dimensions(const TokenFacts &facts)
+Text dimensions(const PhotoFacts &photo)
 {
-    return QStringLiteral("%1 x %2").arg(facts.pixelSize.width()).arg(facts.pixelSize.height());
+    return QStringLiteral("%1 x %2").arg(photo.unscaledSize().width()).arg(photo.unscaledSize().height());
 }
 
-Text width(const TokenFacts &facts)
+Text width(const PhotoFacts &photo)
 {
-    return QString::number(facts.pixelSize.width());
+    return QString::number(photo.unscaledSize().width());
 }
 
-Text height(const TokenFacts &facts)
+Text height(const PhotoFacts &photo)
 {
-    return QString::number(facts.pixelSize.height());
+    return QString::number(photo.unscaledSize().height());
 }
 
-Text filename(const TokenFacts &facts)
+Text filename(const PhotoFacts &photo)
 {
-    return facts.filename;
+    return filenameOf(photo.path());
 }
 
-Text fileExtension(const TokenFacts &facts)
+Text fileExtension(const PhotoFacts &photo)
 {
-    const QString extension = fileExtensionOf(facts.path);
+    const QString extension = fileExtensionOf(photo.path());
     return extension.isEmpty() ? Text() : extension;
 }
 
 using M = ImageMetadata;
 
 constexpr std::array kTokens{
-    Token{"copyright", nullptr, field<&M::iptcCopyright>},
-    Token{"headline", nullptr, field<&M::iptcHeadline>},
-    Token{"title", nullptr, field<&M::iptcTitle>},
-    Token{"caption", nullptr, field<&M::iptcDescription>},
-    Token{"sublocation", nullptr, field<&M::iptcSublocation>},
-    Token{"country", nullptr, field<&M::iptcCountry>},
-    Token{"state", nullptr, field<&M::iptcState>},
-    Token{"city", nullptr, field<&M::iptcCity>},
-    Token{"writer/editor", nullptr, field<&M::iptcDescriptionWriter>},
-    Token{"creator", nullptr, field<&M::iptcCreator>},
-    Token{"creator title", nullptr, field<&M::iptcCreatorTitle>},
-    Token{"creator e-mail", nullptr, field<&M::iptcCreatorEmail>},
-    Token{"creator website", nullptr, field<&M::iptcCreatorWebsite>},
-    Token{"creator phone", nullptr, field<&M::iptcCreatorPhone>},
-    Token{"creator country", nullptr, field<&M::iptcCreatorCountry>},
-    Token{"creator state", nullptr, field<&M::iptcCreatorState>},
-    Token{"creator city", nullptr, field<&M::iptcCreatorCity>},
-    Token{"creator postal code", nullptr, field<&M::iptcCreatorPostalCode>},
-    Token{"creator address", nullptr, field<&M::iptcCreatorAddress>},
-    Token{"date (full)", nullptr, date<Style::Full>},
-    Token{"date (long)", nullptr, date<Style::Long>},
-    Token{"date (medium)", nullptr, date<Style::Medium>},
-    Token{"date (short)", nullptr, date<Style::Short>},
-    Token{"date (YYYY-MM-DD)", nullptr, calendar<kYearMonthDay>},
-    Token{"date (DD.MM.YYYY)", nullptr, calendar<kDayMonthYear>},
-    Token{"date (MM/DD/YYYY)", nullptr, calendar<kMonthDayYear>},
-    Token{"time (long)", nullptr, time<Style::Long>},
-    Token{"time (medium)", nullptr, time<Style::Medium>},
-    Token{"time (short)", nullptr, time<Style::Short>},
-    Token{"time (hh:mm)", nullptr, calendar<kHoursMinutes>},
-    Token{"time (hh:mm:ss)", nullptr, calendar<kHoursMinutesSeconds>},
-    Token{"subsecond time", nullptr, field<&M::exifSubsecTimeOriginal>},
-    Token{"latitude", nullptr, field<&M::gpsLatitudeFull>},
-    Token{"longitude", nullptr, field<&M::gpsLongitudeFull>},
-    Token{"altitude", nullptr, field<&M::gpsAltitudeString>},
-    Token{"exposure time", nullptr, localized<&M::exifExposureTimeStr>},
-    Token{"F-number", nullptr, field<&M::exifFNumber>},
-    Token{"ISO speed", nullptr, field<&M::exifISOSpeed>},
-    Token{"exposure program", nullptr, field<&M::exifExposureProgramStr>},
-    Token{"focal length", nullptr, field<&M::exifFocalLength>},
-    Token{"focal length 35mm", nullptr, field<&M::exifFocalLength35>},
-    Token{"flash", nullptr, flash},
-    Token{"exposure bias", nullptr, exposureBias},
-    Token{"metering mode", nullptr, field<&M::exifMeteringModeStr>},
-    Token{"camera make", nullptr, field<&M::tiffCameraMake>},
-    Token{"camera model", nullptr, field<&M::tiffCameraModel>},
-    Token{"camera serial #", nullptr, field<&M::exifCameraSerialNumber>},
-    Token{"lens", nullptr, field<&M::exifLens>},
-    Token{"lens ID", nullptr, field<&M::exifLensID>},
-    Token{"image number", nullptr, field<&M::exifImageNumber>},
-    Token{"dimensions", dimensions, nullptr},
-    Token{"width", width, nullptr},
-    Token{"height", height, nullptr},
-    Token{"DPI width", nullptr, field<&M::dpiWidth>},
-    Token{"DPI height", nullptr, field<&M::dpiHeight>},
-    Token{"bit depth", nullptr, field<&M::bitDepth>},
-    Token{"color model", nullptr, field<&M::colorModel>},
-    Token{"ICC profile", nullptr, field<&M::iccProfileName>},
-    Token{"filename", filename, nullptr},
-    Token{"file extension", fileExtension, nullptr},
-    Token{"EXIF user comment", nullptr, field<&M::exifUserComment>},
-    Token{"software", nullptr, field<&M::tiffSoftware>},
+    Token{"copyright", field<&M::iptcCopyright>},
+    Token{"headline", field<&M::iptcHeadline>},
+    Token{"title", field<&M::iptcTitle>},
+    Token{"caption", field<&M::iptcDescription>},
+    Token{"sublocation", field<&M::iptcSublocation>},
+    Token{"country", field<&M::iptcCountry>},
+    Token{"state", field<&M::iptcState>},
+    Token{"city", field<&M::iptcCity>},
+    Token{"writer/editor", field<&M::iptcDescriptionWriter>},
+    Token{"creator", field<&M::iptcCreator>},
+    Token{"creator title", field<&M::iptcCreatorTitle>},
+    Token{"creator e-mail", field<&M::iptcCreatorEmail>},
+    Token{"creator website", field<&M::iptcCreatorWebsite>},
+    Token{"creator phone", field<&M::iptcCreatorPhone>},
+    Token{"creator country", field<&M::iptcCreatorCountry>},
+    Token{"creator state", field<&M::iptcCreatorState>},
+    Token{"creator city", field<&M::iptcCreatorCity>},
+    Token{"creator postal code", field<&M::iptcCreatorPostalCode>},
+    Token{"creator address", field<&M::iptcCreatorAddress>},
+    Token{"date (full)", date<Style::Full>},
+    Token{"date (long)", date<Style::Long>},
+    Token{"date (medium)", date<Style::Medium>},
+    Token{"date (short)", date<Style::Short>},
+    Token{"date (YYYY-MM-DD)", calendar<kYearMonthDay>},
+    Token{"date (DD.MM.YYYY)", calendar<kDayMonthYear>},
+    Token{"date (MM/DD/YYYY)", calendar<kMonthDayYear>},
+    Token{"time (long)", time<Style::Long>},
+    Token{"time (medium)", time<Style::Medium>},
+    Token{"time (short)", time<Style::Short>},
+    Token{"time (hh:mm)", calendar<kHoursMinutes>},
+    Token{"time (hh:mm:ss)", calendar<kHoursMinutesSeconds>},
+    Token{"subsecond time", field<&M::exifSubsecTimeOriginal>},
+    Token{"latitude", field<&M::gpsLatitudeFull>},
+    Token{"longitude", field<&M::gpsLongitudeFull>},
+    Token{"altitude", field<&M::gpsAltitudeString>},
+    Token{"exposure time", localized<&M::exifExposureTimeStr>},
+    Token{"F-number", field<&M::exifFNumber>},
+    Token{"ISO speed", field<&M::exifISOSpeed>},
+    Token{"exposure program", field<&M::exifExposureProgramStr>},
+    Token{"focal length", field<&M::exifFocalLength>},
+    Token{"focal length 35mm", field<&M::exifFocalLength35>},
+    Token{"flash", flash},
+    Token{"exposure bias", exposureBias},
+    Token{"metering mode", field<&M::exifMeteringModeStr>},
+    Token{"camera make", field<&M::tiffCameraMake>},
+    Token{"camera model", field<&M::tiffCameraModel>},
+    Token{"camera serial #", field<&M::exifCameraSerialNumber>},
+    Token{"lens", field<&M::exifLens>},
+    Token{"lens ID", field<&M::exifLensID>},
+    Token{"image number", field<&M::exifImageNumber>},
+    Token{"dimensions", dimensions},
+    Token{"width", width},
+    Token{"height", height},
+    Token{"DPI width", field<&M::dpiWidth>},
+    Token{"DPI height", field<&M::dpiHeight>},
+    Token{"bit depth", field<&M::bitDepth>},
+    Token{"color model", field<&M::colorModel>},
+    Token{"ICC profile", field<&M::iccProfileName>},
+    Token{"filename", filename},
+    Token{"file extension", fileExtension},
+    Token{"EXIF user comment", field<&M::exifUserComment>},
+    Token{"software", field<&M::tiffSoftware>},
 };
 
 } // namespace
 
-std::optional<QString> stringForInfoToken(const QString &piece, const TokenFacts &facts,
-                                          const LocaleFormat &locale, bool *tokenExists)
+PhotoFacts::PhotoFacts(const QString &path, ImageMetadata metadata, QSize pixelSize, QSize unscaledSize,
+                       const LocaleFormat &locale)
+    : m_path(path)
+    , m_metadata(std::move(metadata))
+    , m_pixelSize(pixelSize)
+    , m_unscaledSize(unscaledSize)
+    , m_locale(locale)
 {
-    for (const Token &token : kTokens) {
-        if (piece != QLatin1StringView(token.name))
-            continue;
-        if (tokenExists)
-            *tokenExists = true;
-        if (token.ofFile)
-            return token.ofFile(facts);
-        return facts.metadata ? token.ofMetadata(*facts.metadata, locale) : std::nullopt;
-    }
+}
+
+std::optional<QString> PhotoFacts::stringForInfoToken(const QString &piece, bool *tokenExists) const
+{
+    const auto token = std::find_if(kTokens.begin(), kTokens.end(),
+                                    [&](const Token &row) { return piece == QLatin1StringView(row.name); });
     if (tokenExists)
-        *tokenExists = false;
-    return std::nullopt;
+        *tokenExists = token != kTokens.end();
+    return token != kTokens.end() ? token->textOf(*this) : std::nullopt;
 }
 
 const QStringList &tokenNames()

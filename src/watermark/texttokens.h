@@ -2,6 +2,9 @@
 
 #pragma once
 
+#include "metadata/imagemetadata.h"
+#include "platform/localeformat.h"
+
 #include <QSize>
 #include <QString>
 #include <QStringList>
@@ -11,38 +14,41 @@
 namespace plexa
 {
 
-class ImageMetadata;
-class LocaleFormat;
+/// The facts of one photo at one moment that watermarks and file names depend on: its size, and the text of
+/// each token. An immutable value; any thread.
+class PhotoFacts final
+{
+public:
+    /// A photo without a name, a size and metadata.
+    PhotoFacts() = default;
 
-/// What a token may ask of a photo.
-struct TokenFacts {
-    const ImageMetadata *metadata = nullptr; ///< null: the photo has none
-    QString path;
-    QString filename; ///< without folder and extension
-    QSize pixelSize;  ///< upright, before non-square pixels are squared
+    /// @param path          of the photo as the user knows it
+    /// @param pixelSize     after all turns, pixels square
+    /// @param unscaledSize  after all turns, before pixels were made square
+    PhotoFacts(const QString &path, ImageMetadata metadata, QSize pixelSize, QSize unscaledSize,
+               const LocaleFormat &locale);
+
+    QString path() const { return m_path; }
+    const ImageMetadata &metadata() const { return m_metadata; }
+    QSize pixelSize() const { return m_pixelSize; }
+    QSize unscaledSize() const { return m_unscaledSize; }
+    const LocaleFormat &locale() const { return m_locale; }
+
+    /// The expansion of one piece of a text.
+    /// @param piece        compared exactly with the token names
+    /// @param tokenExists  receives, where given, whether `piece` is the name of a token
+    /// @return none when `piece` is not a token, or the photo lacks the value
+    std::optional<QString> stringForInfoToken(const QString &piece, bool *tokenExists = nullptr) const;
+
+private:
+    QString m_path;
+    ImageMetadata m_metadata;
+    QSize m_pixelSize{0, 0};
+    QSize m_unscaledSize{0, 0};
+    LocaleFormat m_locale;
 };
-
-/// The expansion of one piece of a text.
-/// @param piece        compared exactly with the token names
-/// @param tokenExists  set, where given, to whether `piece` is a token's name
-/// @return none when `piece` is no token, or the photo lacks the value
-std::optional<QString> stringForInfoToken(const QString &piece, const TokenFacts &facts,
-                                          const LocaleFormat &locale, bool *tokenExists = nullptr);
 
 /// All token names, in the order in which they are tested.
 const QStringList &tokenNames();
-
-/// All that a watermark asks of the photo that it is drawn on.
-class TokenSource
-{
-public:
-    virtual ~TokenSource() = default;
-
-    /// Pixels after all turns.
-    virtual QSize pixelSize() const = 0;
-
-    /// As the free function above, for this photo.
-    virtual std::optional<QString> stringForInfoToken(const QString &piece, bool *tokenExists) const = 0;
-};
 
 } // namespace plexa

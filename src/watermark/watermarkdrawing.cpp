@@ -57,7 +57,7 @@ Result<std::optional<WatermarkBitmap>> createImageWatermarkOfWidth(double width,
 
 /// The watermark's bitmap before any turning.
 Result<std::optional<WatermarkBitmap>>
-createWatermarkForImage(const WPresetValues &values, const TokenSource &photo, const FontCatalog &fonts)
+createWatermarkForImage(const WPresetValues &values, const PhotoFacts &photo, const FontCatalog &fonts)
 {
     const QSize size = photo.pixelSize();
     const float width =
@@ -135,7 +135,7 @@ void WatermarkDrawing::placeStamps(QSize photo, QPoint inkAt)
 }
 
 Result<std::optional<WatermarkDrawing>> WatermarkDrawing::prepare(const WPresetValues &values,
-                                                                  const TokenSource &photo,
+                                                                  const PhotoFacts &photo,
                                                                   const FontCatalog &fonts,
                                                                   std::optional<QPointF> customOrigin)
 {
@@ -182,7 +182,7 @@ void WatermarkDrawing::drawRows(QImage &rows, int firstRow) const
 }
 
 Result<QImage> createWatermarkOnImage(const QImage &image, const WPresetValues &values,
-                                      const TokenSource &photo, const FontCatalog &fonts, bool useCustomRect,
+                                      const PhotoFacts &photo, const FontCatalog &fonts, bool useCustomRect,
                                       QRectF *rect)
 {
     const std::optional<QPointF> customOrigin =

@@ -13,7 +13,7 @@ namespace plexa
 {
 
 class FontCatalog;
-class TokenSource;
+class PhotoFacts;
 struct WPresetValues;
 
 /// A watermark that is ready to be drawn on one photo, whole or strip by strip. Immutable; any number of
@@ -26,7 +26,7 @@ public:
     /// @return no value when the preset yields no watermark for this photo (no text, no picture); a failure
     ///         when no bitmap can be made
     [[nodiscard]] static Result<std::optional<WatermarkDrawing>> prepare(const WPresetValues &values,
-                                                                         const TokenSource &photo,
+                                                                         const PhotoFacts &photo,
                                                                          const FontCatalog &fonts,
                                                                          std::optional<QPointF> customOrigin);
 
@@ -75,7 +75,7 @@ private:
 /// @return `image` itself (the same pixels, not a copy) when the preset yields no watermark for this photo;
 ///         a failure when no bitmap can be made
 [[nodiscard]] Result<QImage> createWatermarkOnImage(const QImage &image, const WPresetValues &values,
-                                                    const TokenSource &photo, const FontCatalog &fonts,
+                                                    const PhotoFacts &photo, const FontCatalog &fonts,
                                                     bool useCustomRect, QRectF *rect);
 
 } // namespace plexa

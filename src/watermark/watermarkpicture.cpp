@@ -8,7 +8,6 @@
 #include "raster/orientation.h"
 #include "watermark/encodedpicture.h"
 #include "watermark/svgcheck.h"
-#include "watermark/svgcost.h"
 #include "watermark/textlayout.h"
 
 #include <QCoreApplication>
@@ -31,9 +30,6 @@ struct Texts {
 
 constexpr qint64 kHeadBytes = 1024; // enough to tell formats apart
 constexpr qint64 kMaxSvgBytes = 16'000'000;
-
-/// What a drawing may take at the size of a large photo.
-constexpr double kMaxSecondsToDraw = 2;
 
 /// A scaled picture above this is made anew for each photo.
 constexpr qint64 kMaxCachedBytes = 64'000'000;
@@ -214,8 +210,6 @@ Result<WatermarkPicture> WatermarkPicture::fromSvg(const QByteArray &svg)
         size = renderer.defaultSize();
     if (!(size.width() > 0 && size.height() > 0) || !std::isfinite(size.width() * size.height()))
         return fail(Texts::tr("the SVG drawing has no size"));
-    if (secondsToDrawSvg(renderer) > kMaxSecondsToDraw)
-        return fail(Texts::tr("the SVG drawing is too intricate; it would take too long to draw"));
     const auto data = std::make_shared<Data>();
     data->svg = svg;
     data->size = size;

@@ -8,7 +8,7 @@
 namespace plexa
 {
 
-std::optional<QString> watermarkTextForImage(const WPresetValues &values, const TokenSource &image)
+std::optional<QString> watermarkTextForImage(const WPresetValues &values, const PhotoFacts &image)
 {
     QString text;
     for (const QString &piece : values.textTokens) {

@@ -9,12 +9,12 @@
 namespace plexa
 {
 
-class TokenSource;
+class PhotoFacts;
 struct WPresetValues;
 
 /// The text of a text watermark on one photo: its pieces in order, each that is a token replaced by the
 /// photo's value (by nothing where the photo lacks it), nothing put between them.
 /// @return none when there are no pieces or the text comes out empty
-std::optional<QString> watermarkTextForImage(const WPresetValues &values, const TokenSource &image);
+std::optional<QString> watermarkTextForImage(const WPresetValues &values, const PhotoFacts &image);
 
 } // namespace plexa

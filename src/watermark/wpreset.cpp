@@ -92,7 +92,7 @@ float WPreset::absoluteValueForSize(float value, const QString &forPercentUnit, 
     return plexa::absoluteValueForSize(value, forPercentUnit, forImageSize);
 }
 
-std::optional<QString> WPreset::watermarkTextForImage(const TokenSource &image) const
+std::optional<QString> WPreset::watermarkTextForImage(const PhotoFacts &image) const
 {
     return plexa::watermarkTextForImage(m_values, image);
 }

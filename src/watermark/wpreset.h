@@ -15,7 +15,7 @@
 namespace plexa
 {
 
-class TokenSource;
+class PhotoFacts;
 
 /// One watermark preset of a list: an identity with change signals around its values. Two presets with equal
 /// values are still two presets; positions that were chosen by hand are kept by identity. Lives on one
@@ -85,7 +85,7 @@ public:
 
     /// As the free functions of watermarklayout.h and watermarktext.h.
     static float absoluteValueForSize(float value, const QString &forPercentUnit, QSizeF forImageSize);
-    std::optional<QString> watermarkTextForImage(const TokenSource &image) const;
+    std::optional<QString> watermarkTextForImage(const PhotoFacts &image) const;
 
 Q_SIGNALS:
     void fieldChanged(plexa::FieldId id, const plexa::FieldValue &old, const plexa::FieldValue &now);

@@ -314,7 +314,7 @@ void ImageObjectTest::nonSquarePixelsAreSquared()
     Services services(kLargeCache);
     ImageObject photo(path, services.all);
     QCOMPARE(photo.originalImageSize(), QSize(60, 80));
-    QCOMPARE(photo.stringForInfoToken(QStringLiteral("dimensions"), nullptr), QStringLiteral("60 x 40"));
+    QCOMPARE(photo.facts().stringForInfoToken(QStringLiteral("dimensions")), QStringLiteral("60 x 40"));
     QCOMPARE(photo.originalImageSizeAsString(), QStringLiteral("60 x 80"));
 
     const QString target = m_folder->path(QStringLiteral("copy.png"));

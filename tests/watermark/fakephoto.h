@@ -4,33 +4,14 @@
 
 #include "watermark/texttokens.h"
 
-#include <QHash>
-
 namespace plexa::test
 {
 
-/// A photo of which only the size and a few tokens' texts are known.
-class FakePhoto final : public TokenSource
+/// A photo of which only the path, the size and the IPTC city are known.
+inline PhotoFacts fakePhoto(QSize size, const QString &city = {}, const QString &path = {})
 {
-public:
-    explicit FakePhoto(QSize size, QHash<QString, QString> tokens = {})
-        : m_size(size)
-        , m_tokens(std::move(tokens))
-    {
-    }
-
-    QSize pixelSize() const override { return m_size; }
-
-    std::optional<QString> stringForInfoToken(const QString &piece, bool *tokenExists) const override
-    {
-        *tokenExists = tokenNames().contains(piece);
-        const auto found = m_tokens.find(piece);
-        return found == m_tokens.end() ? std::nullopt : std::optional(*found);
-    }
-
-private:
-    QSize m_size;
-    QHash<QString, QString> m_tokens;
-};
+    return {path, ImageMetadata({{QStringLiteral("{IPTC}"), QVariantMap{{QStringLiteral("City"), city}}}}),
+            size, size, LocaleFormat(QStringLiteral("en_US"))};
+}
 
 } // namespace plexa::test

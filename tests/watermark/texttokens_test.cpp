@@ -25,8 +25,9 @@ using Text = std::optional<QString>;
 Text expansion(const QString &token, const ImageMetadata &metadata)
 {
     static const LocaleFormat locale(u"en_US"_qs);
-    const TokenFacts facts{&metadata, u"/photos/a.b.JPG"_qs, u"a.b"_qs, QSize(4000, 3000)};
-    return stringForInfoToken(token, facts, locale);
+    const QSize unscaled(4000, 3000);
+    return PhotoFacts(u"/photos/a.b.JPG"_qs, metadata, 2 * unscaled, unscaled, locale)
+        .stringForInfoToken(token);
 }
 
 /// How a token's text is made from what exiftool says.
@@ -148,14 +149,14 @@ void TextTokensTest::theVocabularyIsComplete()
     QCOMPARE(tokenNames().size(), 62);
     QCOMPARE(QSet<QString>(tokenNames().begin(), tokenNames().end()).size(), 62);
     bool exists = false;
-    const LocaleFormat locale(u"en_US"_qs);
+    const PhotoFacts photo;
     for (const QString &name : tokenNames()) {
-        stringForInfoToken(name, {}, locale, &exists);
+        photo.stringForInfoToken(name, &exists);
         QVERIFY(exists);
-        QVERIFY(!stringForInfoToken(name + u' ', {}, locale, &exists));
+        QVERIFY(!photo.stringForInfoToken(name + u' ', &exists));
         QVERIFY(!exists);
     }
-    QVERIFY(!stringForInfoToken(u"City"_qs, {}, locale, &exists));
+    QVERIFY(!photo.stringForInfoToken(u"City"_qs, &exists));
     QVERIFY(!exists);
 }
 
@@ -253,8 +254,7 @@ void TextTokensTest::namesAreParted()
     QFETCH(QString, path);
     QFETCH(QString, extension);
     QTEST(filenameOf(path), "filename");
-    const TokenFacts facts{nullptr, path, filenameOf(path), QSize()};
-    const Text found = stringForInfoToken(u"file extension"_qs, facts, LocaleFormat());
+    const Text found = test::fakePhoto({}, {}, path).stringForInfoToken(u"file extension"_qs);
     QCOMPARE(found.has_value(), !extension.isNull());
     QCOMPARE(found.value_or(QString()), extension);
 }
@@ -267,7 +267,6 @@ void TextTokensTest::aPhotoWithoutMetadataHasNone()
         const Text found = expansion(name, ImageMetadata());
         QCOMPARE(found.has_value(), ofTheFile.contains(name) || name == u"flash"_qs);
     }
-    QVERIFY(!stringForInfoToken(u"flash"_qs, {}, LocaleFormat()));
 }
 
 void TextTokensTest::piecesAreJoinedAsTheyStand_data()
@@ -289,8 +288,7 @@ void TextTokensTest::piecesAreJoinedAsTheyStand()
     QFETCH(QString, text);
     WPresetValues values;
     values.textTokens = pieces;
-    const test::FakePhoto photo(QSize(10, 10), {{u"city"_qs, u"Oslo"_qs}});
-    const Text found = watermarkTextForImage(values, photo);
+    const Text found = watermarkTextForImage(values, test::fakePhoto({10, 10}, u"Oslo"_qs));
     QCOMPARE(found.has_value(), !text.isNull());
     QCOMPARE(found.value_or(QString()), text);
 }

@@ -87,7 +87,7 @@ class WatermarkDrawingTest : public QObject
 private:
     QImage drawn(const QImage &photo, const WPresetValues &values, QRectF *rect = nullptr)
     {
-        const test::FakePhoto source(photo.size());
+        const PhotoFacts source = test::fakePhoto(photo.size());
         const Result<QImage> result = createWatermarkOnImage(photo, values, source, m_fonts, false, rect);
         if (!result)
             qWarning("%s", qPrintable(result.error().text));
@@ -157,7 +157,7 @@ void WatermarkDrawingTest::theRectangleIsReported()
 
     rect = QRectF(-10.4, 99.6, 0, 0);
     const Result<QImage> moved =
-        createWatermarkOnImage(photo, values, test::FakePhoto(kSize), m_fonts, true, &rect);
+        createWatermarkOnImage(photo, values, test::fakePhoto(kSize), m_fonts, true, &rect);
     QVERIFY(moved.has_value());
     QCOMPARE(rect, QRectF(-10.4, 99.6, 40, 20));
     QCOMPARE(differingRect(photo, *moved), QRect(0, 180, 30, 20));
@@ -351,11 +351,11 @@ void WatermarkDrawingTest::markAndShadowReachInAlone()
     const QImage photo = flatPhoto();
     QRectF rect(-60, 140, 0, 0);
     const auto shadowInside =
-        createWatermarkOnImage(photo, values, test::FakePhoto(kSize), m_fonts, true, &rect);
+        createWatermarkOnImage(photo, values, test::fakePhoto(kSize), m_fonts, true, &rect);
     QCOMPARE(differingRect(photo, shadowInside.value_or(QImage())), QRect(40, 140, 40, 20));
     rect = QRectF(350, 140, 0, 0);
     const auto markInside =
-        createWatermarkOnImage(photo, values, test::FakePhoto(kSize), m_fonts, true, &rect);
+        createWatermarkOnImage(photo, values, test::fakePhoto(kSize), m_fonts, true, &rect);
     QCOMPARE(differingRect(photo, markInside.value_or(QImage())), QRect(350, 140, 40, 20));
 }
 
@@ -376,7 +376,7 @@ void WatermarkDrawingTest::stripsEqualTheWhole()
     const QImage whole = drawn(photo, values);
     QVERIFY(whole != photo);
     const Result<std::optional<WatermarkDrawing>> drawing =
-        WatermarkDrawing::prepare(values, test::FakePhoto(kSize), m_fonts, std::nullopt);
+        WatermarkDrawing::prepare(values, test::fakePhoto(kSize), m_fonts, std::nullopt);
     QVERIFY(drawing && *drawing);
     for (const int height : {1, 7, 299}) {
         for (int first = 0; first < photo.height(); first += height) {
@@ -434,7 +434,7 @@ void WatermarkDrawingTest::absurdPresetsFail()
         values.fontSize = 2'000'000'000;
         values.width = 2'000'000'000;
     }
-    const auto drawing = WatermarkDrawing::prepare(values, test::FakePhoto(kSize), m_fonts, std::nullopt);
+    const auto drawing = WatermarkDrawing::prepare(values, test::fakePhoto(kSize), m_fonts, std::nullopt);
     QVERIFY(!drawing.has_value());
     QVERIFY(drawing.error().text.size() > 20);
 }

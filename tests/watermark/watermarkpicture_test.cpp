@@ -68,8 +68,6 @@ private Q_SLOTS:
     void drawingsKnowTheirSize();
     void drawingsReferToNothingOutside_data();
     void drawingsReferToNothingOutside();
-    void intricateDrawingsAreRefused_data();
-    void intricateDrawingsAreRefused();
     void badFilesAreNamed_data();
     void badFilesAreNamed();
     void largeReductionsDoNotAlias();
@@ -182,33 +180,6 @@ void WatermarkPictureTest::drawingsReferToNothingOutside()
     QCOMPARE(picture.has_value(), outcome.isEmpty());
     if (!picture)
         QVERIFY2(picture.error().text.contains(outcome), qPrintable(picture.error().text));
-}
-
-void WatermarkPictureTest::intricateDrawingsAreRefused_data()
-{
-    QTest::addColumn<QByteArray>("content");
-    QByteArray zigzag = R"(<path d="M0 0)";
-    for (int i = 0; i < 300'000; ++i)
-        zigzag += " L" + QByteArray::number(i * 7 % 20) + ' ' + QByteArray::number(i * 3 % 10);
-    QTest::newRow("a path without end") << zigzag + R"("/>)";
-    QTest::newRow("layer upon layer")
-        << QByteArray(R"(<rect width="20" height="10" fill-opacity=".5"/>)").repeated(500);
-    QTest::newRow("endless dashes") << QByteArray(
-        R"(<path d="M0 0L9000 9000" stroke="#000" stroke-dasharray=".0001 .0001"/>)");
-}
-
-void WatermarkPictureTest::intricateDrawingsAreRefused()
-{
-    QFETCH(QByteArray, content);
-    QElapsedTimer timer;
-    timer.start();
-    const Result<WatermarkPicture> picture = WatermarkPicture::fromSvg(svgOf(content));
-    QVERIFY(!picture.has_value());
-    QVERIFY2(picture.error().text.contains(u"too long to draw"), qPrintable(picture.error().text));
-    QVERIFY2(timer.elapsed() < 10'000, qPrintable(QString::number(timer.elapsed())));
-    // A drawing of some thousand small parts is none.
-    const QByteArray small = R"(<path d="M1 1h.1v.1h-.1z"/>)";
-    QVERIFY(WatermarkPicture::fromSvg(svgOf(small.repeated(3000))).has_value());
 }
 
 void WatermarkPictureTest::badFilesAreNamed_data()

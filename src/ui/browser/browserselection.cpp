@@ -9,6 +9,13 @@
 namespace plexa
 {
 
+BrowserSelection::Mode BrowserSelection::modeOf(Qt::KeyboardModifiers modifiers)
+{
+    if (modifiers & Qt::ShiftModifier)
+        return Mode::Range;
+    return modifiers & Qt::ControlModifier ? Mode::Extend : Mode::Replace;
+}
+
 void BrowserSelection::setCount(int count)
 {
     m_count = std::max(count, 0);

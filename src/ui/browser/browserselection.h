@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QList>
+#include <Qt>
 
 namespace plexa
 {
@@ -16,6 +17,8 @@ public:
 
     /// Extend: keys or clicks join what is selected. Range: also what lies between.
     enum class Mode { Replace, Extend, Range };
+    /// Shift: Range; else Ctrl: Extend.
+    static Mode modeOf(Qt::KeyboardModifiers modifiers);
 
     int count() const { return m_count; }
     /// The list has another length now; what is beyond it is neither selected nor focused any more.

@@ -85,7 +85,7 @@ const QStaticText *NameLayouts::layout(const QString &name, const QFont &font, i
     return text;
 }
 
-bool NameLayouts::isShortened(const QString &name, const QFont &font, int width) const
+bool NameLayouts::isShortened(const QString &name, const QFont &font, int width)
 {
     return QFontMetrics(font).horizontalAdvance(oneLine(name)) > width;
 }

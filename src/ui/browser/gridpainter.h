@@ -44,7 +44,7 @@ public:
     /// @param font, width  in device pixels
     /// @param makes        else null where there is none yet
     const QStaticText *layout(const QString &name, const QFont &font, int width, bool makes);
-    bool isShortened(const QString &name, const QFont &font, int width) const;
+    static bool isShortened(const QString &name, const QFont &font, int width);
 
 private:
     struct Key {

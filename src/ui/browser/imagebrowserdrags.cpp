@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Drags that begin in the grid, and drags that reach it.
+#include "ui/browser/imagebrowserdrags.h"
 
 #include "ui/browser/imagebrowserdelegate.h"
 #include "ui/browser/imagebrowserview.h"
@@ -10,8 +10,6 @@
 #include "ui/widgets/localfiles.h"
 
 #include <QDrag>
-#include <QDragEnterEvent>
-#include <QDragLeaveEvent>
 #include <QDragMoveEvent>
 #include <QDropEvent>
 #include <QPainter>
@@ -21,87 +19,99 @@ namespace plexa
 namespace
 {
 
-constexpr int kDragImageSize = 150; // points
+constexpr int kNone = BrowserSelection::kNone;
+constexpr double kScrollMargin = 24; // points
+constexpr int kDragImageSize = 150;  // points
 constexpr int kDragImageStep = 5;
 constexpr int kMaxDragImageOffset = 50;
 constexpr double kDragImageOpacity = 0.9;
 
 } // namespace
 
-/// Thumbnails in a heap, each a little further down to the right.
-QPixmap ImageBrowserView::dragImage() const
+ImageBrowserDrags::ImageBrowserDrags(ImageBrowserView &view)
+    : m_view(view)
+    , m_folders(std::make_shared<PrivateFolders>())
+    , m_autoscroll(view, kScrollMargin)
 {
-    const auto count = static_cast<int>(selectionIndexes().size());
-    QList<std::pair<QRectF, QImage>> heap;
+}
+
+/// A pile of thumbnails, each a little further down to the right.
+QPixmap ImageBrowserDrags::dragImage() const
+{
+    const auto count = static_cast<int>(m_view.selectionIndexes().size());
+    QList<std::pair<QRectF, QImage>> pile;
     QRectF bounds;
     int offset = 0;
     for (int k = 0; k < count; ++k) {
-        // The first images of the list, not the selected ones: the heap says how many, not which.
-        const QImage thumbnail = m_images->thumbnail(k, ImageBrowserSource::ThumbnailKind::Watermarked);
-        // Of those that lie at the same place only the uppermost is seen.
+        // The first images of the list, not the selected ones: the pile shows how many there are, not which.
+        const QImage thumbnail =
+            m_view.images()->thumbnail(k, ImageBrowserSource::ThumbnailKind::Watermarked);
+        // Of several at the same place only the uppermost is visible.
         const bool isCovered = offset >= kMaxDragImageOffset && k + 1 < count;
         if (!thumbnail.isNull() && !isCovered) {
             const QSize size = thumbnail.size().scaled(kDragImageSize, kDragImageSize, Qt::KeepAspectRatio);
-            heap.append({QRectF(QPointF(offset, offset), QSizeF(size)), thumbnail.mirrored()});
-            bounds |= heap.last().first;
+            pile.append({QRectF(QPointF(offset, offset), QSizeF(size)), thumbnail.mirrored()});
+            bounds |= pile.last().first;
         }
         if (offset < kMaxDragImageOffset)
             offset += kDragImageStep;
     }
 
-    // No larger than needed: where windows cannot be transparent the rest is seen, too.
-    const double ratio = viewport()->devicePixelRatioF();
+    // No larger than needed: where windows cannot be transparent, the rest would be visible, too.
+    const double ratio = m_view.viewport()->devicePixelRatioF();
     QPixmap pixmap((QSizeF(bounds.right(), bounds.bottom()) * ratio).toSize());
     pixmap.setDevicePixelRatio(ratio);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.setOpacity(kDragImageOpacity);
-    for (const auto &[place, picture] : heap)
+    for (const auto &[place, picture] : pile)
         painter.drawImage(place, picture);
     return pixmap;
 }
 
-void ImageBrowserView::startDrag(QPointF viewportPoint)
+void ImageBrowserDrags::start(QPointF mouseDownPoint, QPointF viewportPoint)
 {
-    m_isDraggingImages = true;
-    m_isDragStale = false;
-    const QPointer<ImageBrowserView> self(this);
-    auto *drag = new QDrag(viewport());
-    // Owned by the drag, which deletes itself when control is back in the event loop.
-    auto *files = new PromisedFiles(m_delegate->promisedFiles(selectionIndexes()), m_folders,
-                                    PromisedFiles::Use::Drag, selectionIndexes());
+    if (m_isDragging)
+        return;
+    m_isDragging = true;
+    m_isStale = false;
+    const QPointer<ImageBrowserView> view(&m_view);
+    ImageBrowserDelegate &delegate = *m_view.delegate();
+    auto *drag = new QDrag(m_view.viewport());
+    // Owned by the drag, which deletes itself when control returns to the event loop.
+    auto *files = new PromisedFiles(delegate.promisedFiles(m_view.selectionIndexes()), m_folders,
+                                    PromisedFiles::Use::Drag, m_view.selectionIndexes());
     drag->setMimeData(files);
     m_draggedFiles = files;
     if (const QPixmap image = dragImage(); !image.isNull())
         drag->setPixmap(image);
-    drag->setHotSpot((viewportPoint - viewportRect(QRectF(m_mouseDownPoint, QSizeF())).topLeft()).toPoint());
+    drag->setHotSpot(
+        (viewportPoint - m_view.viewportRect(QRectF(mouseDownPoint, QSizeF())).topLeft()).toPoint());
     // Once the drag has its window.
     if (!files->firstName().isEmpty())
         QTimer::singleShot(0, files, [files] { X11Drag::offerName(files->firstName()); });
 
-    const Qt::DropActions outside = m_delegate->externalDraggingSourceOperationMask();
+    const Qt::DropActions outside = delegate.externalDraggingSourceOperationMask();
     const Qt::DropAction done =
         drag->exec(outside, outside & Qt::CopyAction ? Qt::CopyAction : Qt::IgnoreAction);
-    if (!self) // and with it the drag
+    if (!view) // and with it the drag and this object
         return;
-    m_isDraggingImages = false;
-    m_mouseDownAtImage = false;
-    setDrawnInsertionIndex(kNone);
-    m_autoscrollTimer.stop();
+    m_isDragging = false;
+    leave();
     if (done != Qt::IgnoreAction && !drag->target())
-        files->dropped(); // the event loop goes on in it: nothing may follow
+        files->dropped(); // runs the event loop, so nothing may follow
 }
 
-/// What dropping it here would do; IgnoreAction: it is refused.
-Qt::DropAction ImageBrowserView::actionFor(const QDropEvent &event) const
+/// What dropping it here would do; IgnoreAction: the grid refuses it.
+Qt::DropAction ImageBrowserDrags::actionFor(const QDropEvent &event) const
 {
     Qt::DropActions possible = event.possibleActions();
-    // A drag of our own offers files as well.
+    // A drag of the grid offers files as well.
     if (event.mimeData()->hasFormat(kPhotoSelectionType)) {
-        if (event.mimeData() != m_draggedFiles || m_isDragStale)
+        if (event.mimeData() != m_draggedFiles || m_isStale)
             return Qt::IgnoreAction;
-        if (event.source() == viewport()) // to others it offers what the delegate says
+        if (event.source() == m_view.viewport()) // its own actions are those for other programs
             possible |= Qt::CopyAction | Qt::MoveAction;
         if (possible & Qt::MoveAction)
             return Qt::MoveAction;
@@ -111,57 +121,57 @@ Qt::DropAction ImageBrowserView::actionFor(const QDropEvent &event) const
                                                                                  : Qt::IgnoreAction;
 }
 
-void ImageBrowserView::dragEnterEvent(QDragEnterEvent *event)
+void ImageBrowserDrags::move(QDragMoveEvent &event)
 {
-    dragMoveEvent(event);
+    m_autoscroll.setPointer(event.position());
+    const Qt::DropAction action = actionFor(event);
+    event.setDropAction(action);
+    event.setAccepted(action != Qt::IgnoreAction);
+    const bool reorders = event.isAccepted() && event.mimeData()->hasFormat(kPhotoSelectionType);
+    setInsertionIndex(reorders ? m_view.insertionIndexAtPoint(m_view.gridPoint(event.position())) : kNone);
+    if (reorders)
+        m_autoscroll.start();
 }
 
-void ImageBrowserView::dragMoveEvent(QDragMoveEvent *event)
+void ImageBrowserDrags::leave()
 {
-    m_pointer = event->position();
-    const Qt::DropAction action = actionFor(*event);
-    event->setDropAction(action);
-    event->setAccepted(action != Qt::IgnoreAction);
-    const bool reorders = event->isAccepted() && event->mimeData()->hasFormat(kPhotoSelectionType);
-    setDrawnInsertionIndex(reorders ? insertionIndexAtPoint(gridPoint(m_pointer)) : kNone);
-    if (reorders && !m_autoscrollTimer.isActive())
-        m_autoscrollTimer.start();
+    m_autoscroll.stop();
+    setInsertionIndex(kNone);
 }
 
-void ImageBrowserView::dragLeaveEvent(QDragLeaveEvent *event)
+void ImageBrowserDrags::drop(QDropEvent &event)
 {
-    m_autoscrollTimer.stop();
-    setDrawnInsertionIndex(kNone);
-    event->accept();
-}
-
-void ImageBrowserView::dropEvent(QDropEvent *event)
-{
-    m_autoscrollTimer.stop();
-    setDrawnInsertionIndex(kNone);
-    const Qt::DropAction action = actionFor(*event);
-    event->setDropAction(action);
-    event->setAccepted(action != Qt::IgnoreAction);
-    if (!event->isAccepted() || !m_delegate)
+    leave();
+    const Qt::DropAction action = actionFor(event);
+    event.setDropAction(action);
+    event.setAccepted(action != Qt::IgnoreAction);
+    ImageBrowserDelegate *delegate = m_view.delegate();
+    if (!event.isAccepted() || !delegate)
         return;
-    if (event->mimeData()->hasFormat(kPhotoSelectionType)) {
-        const QList<int> indexes = PromisedFiles::indexes(*event->mimeData());
-        const int to = insertionIndexAtPoint(gridPoint(event->position()));
-        if (action == Qt::MoveAction)
-            m_delegate->movedIndexes(indexes, to);
-        else
-            m_delegate->copiedIndexes(indexes, to);
+    if (!event.mimeData()->hasFormat(kPhotoSelectionType)) {
+        delegate->receivedDraggedFiles(localFiles(*event.mimeData()));
         return;
     }
-    m_delegate->receivedDraggedFiles(localFiles(*event->mimeData()));
+    const QList<int> indexes = PromisedFiles::indexes(*event.mimeData());
+    const int to = m_view.insertionIndexAtPoint(m_view.gridPoint(event.position()));
+    if (action == Qt::MoveAction)
+        delegate->movedIndexes(indexes, to);
+    else
+        delegate->copiedIndexes(indexes, to);
 }
 
-void ImageBrowserView::setDrawnInsertionIndex(int index)
+void ImageBrowserDrags::gridScrolled()
 {
-    if (index == m_drawnInsertionIndex)
+    if (m_insertionIndex != kNone)
+        setInsertionIndex(m_view.insertionIndexAtPoint(m_view.gridPoint(m_autoscroll.pointer())));
+}
+
+void ImageBrowserDrags::setInsertionIndex(int index)
+{
+    if (index == m_insertionIndex)
         return;
-    m_drawnInsertionIndex = index;
-    refresh();
+    m_insertionIndex = index;
+    m_view.refresh();
 }
 
 } // namespace plexa

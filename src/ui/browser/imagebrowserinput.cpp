@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// What the mouse, the keyboard and the trackpad do in the grid; drags are in imagebrowserdrags.cpp.
+#include "ui/browser/imagebrowserinput.h"
 
 #include "ui/browser/imagebrowserdelegate.h"
+#include "ui/browser/imagebrowserdrags.h"
 #include "ui/browser/imagebrowserview.h"
 
 #include <QApplication>
@@ -12,400 +13,323 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QNativeGestureEvent>
-#include <QScrollBar>
 #include <QToolTip>
 #include <QWheelEvent>
 
 #include <algorithm>
-#include <cmath>
 
 namespace plexa
 {
 namespace
 {
 
+constexpr int kNone = BrowserSelection::kNone;
 constexpr float kZoomOfWheelNotch = 0.05F;
 constexpr double kWheelNotch = 120; // eighths of a degree
-constexpr double kQuarterTurnAt = 45;
-/// A sideways stroke with several fingers is a swipe from so many points on.
-constexpr double kSwipeLength = 60;
-constexpr int kSwipeFingers = 3;
-/// How near to an edge a drag scrolls.
-constexpr double kDragScrollMargin = 24;
-constexpr double kMaxAutoscrollStep = 60;
-
-BrowserSelection::Mode modeOf(Qt::KeyboardModifiers modifiers)
-{
-    if (modifiers & Qt::ShiftModifier)
-        return BrowserSelection::Mode::Range;
-    return modifiers & Qt::ControlModifier ? BrowserSelection::Mode::Extend : BrowserSelection::Mode::Replace;
-}
 
 } // namespace
 
-// ---- mouse
-
-void ImageBrowserView::press(int index, Qt::KeyboardModifiers modifiers, Qt::MouseButton button)
+ImageBrowserInput::ImageBrowserInput(ImageBrowserView &view, ImageBrowserDrags &drags)
+    : m_view(view)
+    , m_drags(drags)
+    , m_autoscroll(view, 0)
 {
-    if (index == kNone) {
-        if (button != Qt::RightButton)
-            selectNone();
-        return;
-    }
-    auto mode = modeOf(modifiers);
-    // Ctrl takes a selected one out, with Shift as well.
-    if (modifiers & Qt::ControlModifier && isIndexSelected(index))
-        mode = BrowserSelection::Mode::Extend;
-    const BrowserSelection before = m_selection;
-    m_selection.press(index, mode);
-    tellOfChange(before);
+    QObject::connect(&m_autoscroll, &Autoscroll::interrupted, &m_autoscroll, [this] { endRubberBand(true); });
 }
 
-void ImageBrowserView::mousePressEvent(QMouseEvent *event)
+ImageBrowserInput::~ImageBrowserInput() = default;
+
+// ---- mouse
+
+bool ImageBrowserInput::press(const QMouseEvent &event)
 {
-    if (event->button() != Qt::LeftButton && event->button() != Qt::RightButton) {
-        event->ignore();
-        return;
-    }
+    if (event.button() != Qt::LeftButton && event.button() != Qt::RightButton)
+        return false;
     endRubberBand(false);
-    m_mouseDownPoint = gridPoint(event->position());
-    const int index = cellIndexAtPoint(m_mouseDownPoint);
+    m_mouseDownPoint = m_view.gridPoint(event.position());
+    const int index = m_view.cellIndexAtPoint(m_mouseDownPoint);
     m_mouseDownAtImage = index != kNone;
     m_isBandAllowed = !m_mouseDownAtImage;
     m_isDoubleClick = false;
-    press(index, event->modifiers(), event->button());
+    if (index == kNone) {
+        if (event.button() != Qt::RightButton)
+            m_view.selectNone();
+        return true;
+    }
+    auto mode = BrowserSelection::modeOf(event.modifiers());
+    // Ctrl deselects a selected image, also together with Shift.
+    if (event.modifiers() & Qt::ControlModifier && m_view.isIndexSelected(index))
+        mode = BrowserSelection::Mode::Extend;
+    m_view.changeSelection([&](BrowserSelection &selection) { selection.press(index, mode); });
+    return true;
 }
 
-void ImageBrowserView::mouseDoubleClickEvent(QMouseEvent *event)
+bool ImageBrowserInput::doubleClick(const QMouseEvent &event)
 {
-    mousePressEvent(event);
-    m_isDoubleClick = event->button() == Qt::LeftButton && m_mouseDownAtImage;
+    const bool isPress = press(event);
+    m_isDoubleClick = event.button() == Qt::LeftButton && m_mouseDownAtImage;
+    return isPress;
 }
 
-void ImageBrowserView::mouseMoveEvent(QMouseEvent *event)
+void ImageBrowserInput::move(const QMouseEvent &event)
 {
-    m_pointer = event->position();
-    const QPointF point = gridPoint(m_pointer);
-    if (!(event->buttons() & Qt::LeftButton)) {
-        endRubberBand(true); // the release went to somebody else, such as a message that came up
-        if (event->buttons() == Qt::NoButton)
-            setShowOriginalAtIndex(m_showsOriginalOnMouseOver ? cellIndexAtPoint(point) : kNone);
+    m_autoscroll.setPointer(event.position());
+    const QPointF point = m_view.gridPoint(event.position());
+    if (!(event.buttons() & Qt::LeftButton)) {
+        endRubberBand(true); // another window, such as a message that came up, received the release
+        if (event.buttons() == Qt::NoButton)
+            setShowOriginalAtIndex(m_showsOriginalOnMouseOver ? m_view.cellIndexAtPoint(point) : kNone);
         return;
     }
-    if (!m_mouseDownAtImage) {
-        if (!m_isBandAllowed)
-            return;
-        stretchRubberBand(m_pointer);
-        if (!m_autoscrollTimer.isActive())
-            m_autoscrollTimer.start();
-    } else if (!m_isDraggingImages && m_delegate && !selectionIndexes().isEmpty() &&
-               (point - m_mouseDownPoint).manhattanLength() >= QApplication::startDragDistance() &&
-               m_delegate->shouldDragPromisedFiles()) {
-        startDrag(m_pointer);
+    if (m_isBandAllowed) {
+        stretchRubberBand();
+        m_autoscroll.start();
+        return;
+    }
+    ImageBrowserDelegate *delegate = m_view.delegate();
+    if (m_mouseDownAtImage && delegate && !m_view.selectionIndexes().isEmpty() &&
+        (point - m_mouseDownPoint).manhattanLength() >= QApplication::startDragDistance() &&
+        delegate->shouldDragPromisedFiles()) {
+        m_mouseDownAtImage = false;
+        m_drags.start(m_mouseDownPoint, event.position());
     }
 }
 
-void ImageBrowserView::mouseReleaseEvent(QMouseEvent *event)
+void ImageBrowserInput::release(const QMouseEvent &event)
 {
-    if (event->buttons() & Qt::LeftButton) // it was another button
+    if (event.buttons() & Qt::LeftButton) // another button was released
         return;
     endRubberBand(true);
     const bool isDoubleClick = std::exchange(m_isDoubleClick, false);
-    if (event->button() == Qt::LeftButton && isDoubleClick && m_delegate)
-        m_delegate->focusImageDoubleClicked();
-    const int index = cellIndexAtPoint(gridPoint(event->position()));
-    if (index != kNone && index == focusImageIndex())
-        scrollFocusImageToVisible();
-    m_isDraggingImages = false;
+    if (event.button() == Qt::LeftButton && isDoubleClick && m_view.delegate())
+        m_view.delegate()->focusImageDoubleClicked();
+    const int index = m_view.cellIndexAtPoint(m_view.gridPoint(event.position()));
+    if (index != kNone && index == m_view.focusImageIndex())
+        m_view.scrollFocusImageToVisible();
 }
 
-void ImageBrowserView::stretchRubberBand(QPointF viewportPoint)
+void ImageBrowserInput::stretchRubberBand()
 {
-    m_mouseSelectionRect = QRectF(m_mouseDownPoint, gridPoint(viewportPoint)).normalized();
-    refresh();
+    m_rubberBand = QRectF(m_mouseDownPoint, m_view.gridPoint(m_autoscroll.pointer())).normalized();
+    m_view.refresh();
 }
 
-void ImageBrowserView::endRubberBand(bool selects)
+void ImageBrowserInput::endRubberBand(bool selects)
 {
-    m_autoscrollTimer.stop();
-    const auto band = std::exchange(m_mouseSelectionRect, std::nullopt);
+    m_autoscroll.stop();
+    const auto band = std::exchange(m_rubberBand, std::nullopt);
     if (!band)
         return;
-    refresh();
+    m_view.refresh();
     if (!selects)
         return;
     QList<int> caught;
-    const GridGeometry::Range range = m_geometry.cellsInRows(*band);
+    const GridGeometry::Range range = m_view.geometry().cellsInRows(*band);
     for (int i = range.first; i < range.end; ++i)
-        if (cellForIndex(i)->intersects(*band))
+        if (m_view.cellForIndex(i)->intersects(*band))
             caught.append(i);
     if (caught.isEmpty())
         return;
-    const BrowserSelection before = m_selection;
-    m_selection.select(caught, true);
-    // Arrow keys and the preview go on from there.
-    if (m_selection.focus() == kNone)
-        m_selection.setFocus(caught.first());
-    tellOfChange(before);
+    m_view.changeSelection([&](BrowserSelection &selection) {
+        selection.select(caught, true);
+        if (selection.focus() == kNone) // for the arrow keys and the preview
+            selection.setFocus(caught.first());
+    });
 }
 
-void ImageBrowserView::autoscroll()
+void ImageBrowserInput::gridScrolled()
 {
-    if (const QWidget *modal = QApplication::activeModalWidget(); modal && modal != window()) {
-        endRubberBand(true);
-        return;
-    }
-    const QRectF area(viewport()->rect());
-    const double margin = m_mouseSelectionRect ? 0 : kDragScrollMargin;
-    const double above = area.top() + margin - m_pointer.y();
-    const double below = m_pointer.y() - (area.bottom() - margin);
-    const double distance = above > 0 ? -above : std::max(0.0, below);
-    if (distance == 0)
-        return;
-    const double step = std::clamp(distance, -kMaxAutoscrollStep, kMaxAutoscrollStep);
-    verticalScrollBar()->setValue(verticalScrollBar()->value() + static_cast<int>(std::lround(step)));
+    if (m_rubberBand)
+        stretchRubberBand();
 }
 
-/// The pointer rests, but what is below it has moved.
-void ImageBrowserView::lookAgain()
-{
-    if (m_mouseSelectionRect)
-        stretchRubberBand(m_pointer);
-    if (m_drawnInsertionIndex != kNone)
-        setDrawnInsertionIndex(insertionIndexAtPoint(gridPoint(m_pointer)));
-}
-
-void ImageBrowserView::setShowsOriginalOnMouseOver(bool shows)
+void ImageBrowserInput::setShowsOriginalOnMouseOver(bool shows)
 {
     m_showsOriginalOnMouseOver = shows;
     if (!shows)
         setShowOriginalAtIndex(kNone);
 }
 
-void ImageBrowserView::setShowOriginalAtIndex(int index)
+void ImageBrowserInput::setShowOriginalAtIndex(int index)
 {
     if (index == m_showOriginalAtIndex)
         return;
     m_showOriginalAtIndex = index;
-    refresh();
+    m_view.refresh();
 }
 
-void ImageBrowserView::contextMenuEvent(QContextMenuEvent *event)
+void ImageBrowserInput::setContextMenu(QMenu *menu)
 {
-    if (!m_contextMenu) {
-        QAbstractScrollArea::contextMenuEvent(event);
-        return;
-    }
-    QPoint at = event->globalPos();
-    if (event->reason() == QContextMenuEvent::Keyboard) {
-        scrollFocusImageToVisible();
-        const auto cell = cellForIndex(focusImageIndex());
-        at = viewport()->mapToGlobal(cell ? viewportRect(*cell).center().toPoint()
-                                          : viewport()->rect().center());
+    m_contextMenu = menu;
+}
+
+bool ImageBrowserInput::openContextMenu(const QContextMenuEvent &event)
+{
+    if (!m_contextMenu)
+        return false;
+    QPoint at = event.globalPos();
+    if (event.reason() == QContextMenuEvent::Keyboard) {
+        m_view.scrollFocusImageToVisible();
+        const auto cell = m_view.cellForIndex(m_view.focusImageIndex());
+        const QWidget &viewport = *m_view.viewport();
+        at = viewport.mapToGlobal(cell ? m_view.viewportRect(*cell).center().toPoint()
+                                       : viewport.rect().center());
     }
     m_contextMenu->popup(at);
+    return true;
 }
 
-void ImageBrowserView::wheelEvent(QWheelEvent *event)
+bool ImageBrowserInput::showToolTip(const QHelpEvent &event)
 {
-    if (!(event->modifiers() & Qt::ControlModifier)) {
-        QAbstractScrollArea::wheelEvent(event);
-        return;
-    }
-    const auto notches = static_cast<float>(event->angleDelta().y() / kWheelNotch);
-    if (m_delegate && notches != 0)
-        m_delegate->changedZoomFactorTo(m_zoomFactor + notches * kZoomOfWheelNotch);
-    event->accept();
-}
-
-bool ImageBrowserView::showToolTip(QPoint viewportPoint, QPoint globalPoint)
-{
-    const int index = cellIndexAtPoint(gridPoint(viewportPoint));
+    const int index = m_view.cellIndexAtPoint(m_view.gridPoint(event.pos()));
     QString text;
     QRect cell;
     if (index != kNone) {
-        cell = viewportRect(*cellForIndex(index)).toRect();
-        QFont nameFont(m_style.font);
-        nameFont.setPixelSize(std::max(1, qRound(m_style.textSize)));
-        if (!m_style.showFilenames ||
-            m_names.isShortened(filename(index), nameFont, qRound(m_geometry.cellSize())))
-            text = filename(index);
+        cell = m_view.viewportRect(*m_view.cellForIndex(index)).toRect();
+        const GridStyle &style = m_view.gridStyle();
+        QFont font(style.font);
+        font.setPixelSize(std::max(1, qRound(style.textSize)));
+        const QString name = m_view.filename(index);
+        if (!style.showFilenames ||
+            NameLayouts::isShortened(name, font, qRound(m_view.geometry().cellSize())))
+            text = name.toHtmlEscaped();
     }
-    QToolTip::showText(globalPoint, text.isEmpty() ? text : text.toHtmlEscaped(), viewport(), cell);
+    QToolTip::showText(event.globalPos(), text, m_view.viewport(), cell);
+    return true;
+}
+
+bool ImageBrowserInput::wheel(const QWheelEvent &event)
+{
+    if (!(event.modifiers() & Qt::ControlModifier))
+        return false;
+    const auto notches = static_cast<float>(event.angleDelta().y() / kWheelNotch);
+    if (m_view.delegate() && notches != 0)
+        m_view.delegate()->changedZoomFactorTo(m_view.zoomFactor() + notches * kZoomOfWheelNotch);
     return true;
 }
 
 // ---- keyboard
 
-void ImageBrowserView::selectNeighbourImage(bool next, Qt::KeyboardModifiers modifiers)
+bool ImageBrowserInput::key(const QKeyEvent &event)
 {
-    const BrowserSelection before = m_selection;
-    m_selection.stepTo(next, modeOf(modifiers));
-    tellOfChange(before);
-}
-
-int ImageBrowserView::imagesInPage() const
-{
-    const double pitch = m_geometry.cellSize() + m_geometry.verticalSpacing();
-    const int rows = static_cast<int>(visibleRect().height() / std::max(1.0, pitch));
-    return std::max(1, rows) * m_geometry.columns();
-}
-
-bool ImageBrowserView::handleKey(const QKeyEvent &event)
-{
-    const auto mode = modeOf(event.modifiers());
-    const BrowserSelection before = m_selection;
-    switch (event.key()) {
-    case Qt::Key_Left:
-    case Qt::Key_Right:
-        m_selection.stepTo(event.key() == Qt::Key_Right, mode);
-        break;
-    case Qt::Key_Up:
-        m_selection.jumpBy(-m_geometry.columns(), mode);
-        break;
-    case Qt::Key_Down:
-        m_selection.jumpBy(m_geometry.columns(), mode);
-        break;
-    case Qt::Key_PageUp:
-        m_selection.jumpBy(-imagesInPage(), mode);
-        break;
-    case Qt::Key_PageDown:
-        m_selection.jumpBy(imagesInPage(), mode);
-        break;
-    case Qt::Key_Home:
-        m_selection.jumpTo(0, mode);
-        break;
-    case Qt::Key_End:
-        m_selection.jumpTo(numberImages() - 1, mode);
-        break;
-    case Qt::Key_Space:
-        if (!(event.modifiers() & Qt::ControlModifier) || focusImageIndex() == kNone)
-            return false;
-        m_selection.press(focusImageIndex(), BrowserSelection::Mode::Extend);
-        break;
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        if (m_delegate)
-            m_delegate->returnPressed();
-        break;
-    case Qt::Key_Delete:
-    case Qt::Key_Backspace:
-        // With modifiers they are shortcuts, which come here when their commands are disabled.
-        if ((event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
-            return false;
-        if (m_delegate)
-            m_delegate->deletePressed();
-        break;
-    case Qt::Key_Escape:
-        if (!m_mouseSelectionRect)
-            return false;
-        endRubberBand(false);
-        m_isBandAllowed = false;
-        break;
-    default:
-        return false;
+    if (event.matches(QKeySequence::Copy)) {
+        m_view.copy();
+        return true;
     }
-    // What a key of the delegate changed it has told already.
-    if (event.key() != Qt::Key_Return && event.key() != Qt::Key_Enter && event.key() != Qt::Key_Delete &&
-        event.key() != Qt::Key_Backspace)
-        tellOfChange(before);
+    if (event.matches(QKeySequence::SelectAll)) {
+        m_view.selectAll();
+        return true;
+    }
+    if (!moveFocus(event) && !requestCommand(event))
+        return false;
+    m_view.scrollFocusImageToVisible();
     return true;
 }
 
-void ImageBrowserView::keyPressEvent(QKeyEvent *event)
+bool ImageBrowserInput::moveFocus(const QKeyEvent &event)
 {
-    if (event->matches(QKeySequence::Copy)) {
-        copy();
-    } else if (event->matches(QKeySequence::SelectAll)) {
-        selectAll();
-    } else if (handleKey(*event)) {
-        scrollFocusImageToVisible();
-    } else {
-        QAbstractScrollArea::keyPressEvent(event);
+    const auto mode = BrowserSelection::modeOf(event.modifiers());
+    const auto jumpBy = [&](int images) {
+        m_view.changeSelection([&](BrowserSelection &selection) { selection.jumpBy(images, mode); });
+        return true;
+    };
+    const auto jumpTo = [&](int index) {
+        m_view.changeSelection([&](BrowserSelection &selection) { selection.jumpTo(index, mode); });
+        return true;
+    };
+    switch (event.key()) {
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+        m_view.selectNeighbourImage(event.key() == Qt::Key_Right, event.modifiers());
+        return true;
+    case Qt::Key_Up:
+        return jumpBy(-m_view.geometry().columns());
+    case Qt::Key_Down:
+        return jumpBy(m_view.geometry().columns());
+    case Qt::Key_PageUp:
+        return jumpBy(-imagesInPage());
+    case Qt::Key_PageDown:
+        return jumpBy(imagesInPage());
+    case Qt::Key_Home:
+        return jumpTo(0);
+    case Qt::Key_End:
+        return jumpTo(m_view.numberImages() - 1);
+    default:
+        return false;
+    }
+}
+
+int ImageBrowserInput::imagesInPage() const
+{
+    const GridGeometry &geometry = m_view.geometry();
+    const double pitch = geometry.cellSize() + geometry.verticalSpacing();
+    const int rows = static_cast<int>(m_view.visibleRect().height() / std::max(1.0, pitch));
+    return std::max(1, rows) * geometry.columns();
+}
+
+bool ImageBrowserInput::requestCommand(const QKeyEvent &event)
+{
+    switch (event.key()) {
+    case Qt::Key_Space: {
+        const int focus = m_view.focusImageIndex();
+        if (!(event.modifiers() & Qt::ControlModifier) || focus == kNone)
+            return false;
+        m_view.changeSelection(
+            [focus](BrowserSelection &selection) { selection.press(focus, BrowserSelection::Mode::Extend); });
+        return true;
+    }
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (m_view.delegate())
+            m_view.delegate()->returnPressed();
+        return true;
+    case Qt::Key_Delete:
+    case Qt::Key_Backspace:
+        // With modifiers they are shortcuts, which arrive here while their commands are disabled.
+        if ((event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
+            return false;
+        if (m_view.delegate())
+            m_view.delegate()->deletePressed();
+        return true;
+    case Qt::Key_Escape:
+        if (!m_rubberBand)
+            return false;
+        endRubberBand(false);
+        m_isBandAllowed = false;
+        return true;
+    default:
+        return false;
     }
 }
 
 // ---- trackpad
 
-bool ImageBrowserView::viewportEvent(QEvent *event)
+bool ImageBrowserInput::gesture(const QNativeGestureEvent &event)
 {
-    switch (event->type()) {
-    case QEvent::NativeGesture:
-        return handleGesture(*static_cast<QNativeGestureEvent *>(event));
-    case QEvent::ToolTip: {
-        const auto *help = static_cast<QHelpEvent *>(event);
-        return showToolTip(help->pos(), help->globalPos());
-    }
-    case QEvent::Leave:
-        setShowOriginalAtIndex(kNone);
-        break;
-    default:
-        break;
-    }
-    return QAbstractScrollArea::viewportEvent(event);
-}
-
-bool ImageBrowserView::handleGesture(const QNativeGestureEvent &event)
-{
-    switch (event.gestureType()) {
-    case Qt::BeginNativeGesture:
-        m_accumulatedRotation = 0;
-        m_accumulatedPan = {};
-        return true;
-    case Qt::ZoomNativeGesture:
-        if (m_delegate)
-            m_delegate->changedZoomFactorTo(m_zoomFactor + static_cast<float>(event.value()));
-        return true;
-    case Qt::RotateNativeGesture:
-        rotateBy(event.value());
-        return true;
-    case Qt::SwipeNativeGesture:
-        // A platform tells the direction as steps, or as an angle alone: 180 is to the left, 0 to the right.
-        if (!event.delta().isNull())
-            swipeBy(event.delta().y() == 0 ? event.delta().x() : 0);
-        else if (event.value() == 180 || event.value() == 0)
-            swipeBy(event.value() == 180 ? 1 : -1);
-        return true;
-    case Qt::PanNativeGesture:
-        if (event.fingerCount() >= kSwipeFingers)
-            m_accumulatedPan += event.delta();
-        return true;
-    case Qt::EndNativeGesture: {
-        // Where the platform knows strokes but no swipes.
-        const QPointF pan = std::exchange(m_accumulatedPan, {});
-        if (std::abs(pan.x()) >= kSwipeLength && std::abs(pan.x()) > 2 * std::abs(pan.y()))
-            swipeBy(pan.x() < 0 ? 1 : -1);
-        return true;
-    }
-    default:
+    using Kind = TrackpadGestures::Action::Kind;
+    const auto action = m_gestures.read(event);
+    if (!action)
         return false;
-    }
+    ImageBrowserDelegate *delegate = m_view.delegate();
+    if (action->kind == Kind::Zoom && delegate)
+        delegate->changedZoomFactorTo(m_view.zoomFactor() + action->zoom);
+    else if (action->kind == Kind::Rotate && delegate)
+        delegate->rotatedSelectedImages90ClockWise(action->isClockwise);
+    else if (action->kind == Kind::Swipe)
+        swipe(action->isLeft);
+    return true;
 }
 
-void ImageBrowserView::rotateBy(double degreesClockwise)
+void ImageBrowserInput::swipe(bool isLeft)
 {
-    m_accumulatedRotation += degreesClockwise;
-    if (std::abs(m_accumulatedRotation) <= kQuarterTurnAt)
+    const int index = m_view.focusImageIndex() + (isLeft ? -1 : 1);
+    if (index < 0 || index >= m_view.numberImages())
         return;
-    const bool isClockwise = m_accumulatedRotation > 0;
-    m_accumulatedRotation = 0;
-    if (m_delegate)
-        m_delegate->rotatedSelectedImages90ClockWise(isClockwise);
-}
-
-/// @param delta  +1 to the left, -1 to the right; others are no swipe
-void ImageBrowserView::swipeBy(double delta)
-{
-    if (delta != 1 && delta != -1)
-        return;
-    const int index = focusImageIndex() - static_cast<int>(delta);
-    if (index < 0 || index >= numberImages())
-        return;
-    const BrowserSelection before = m_selection;
-    m_selection.setFocus(index);
-    m_selection.select(index, false);
-    tellOfChange(before);
-    scrollFocusImageToVisible();
+    m_view.changeSelection([index](BrowserSelection &selection) {
+        selection.setFocus(index);
+        selection.select(index, false);
+    });
+    m_view.scrollFocusImageToVisible();
 }
 
 } // namespace plexa

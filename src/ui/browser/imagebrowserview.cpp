@@ -4,32 +4,30 @@
 
 #include "ui/browser/accessiblegrid.h"
 #include "ui/browser/imagebrowserdelegate.h"
-#include "ui/browser/privatefolders.h"
+#include "ui/browser/imagebrowserdrags.h"
+#include "ui/browser/imagebrowserdrawing.h"
+#include "ui/browser/imagebrowserinput.h"
 
-#include <QMenu>
+#include <QContextMenuEvent>
+#include <QDragEnterEvent>
+#include <QDragLeaveEvent>
+#include <QHelpEvent>
+#include <QMouseEvent>
+#include <QNativeGestureEvent>
 #include <QPaintEvent>
-#include <QPainter>
 #include <QScrollBar>
+#include <QWheelEvent>
 
 #include <algorithm>
 #include <cmath>
 
 namespace plexa
 {
-namespace
-{
-
-/// Of the time of a frame, what may go into scaling thumbnails and laying out names.
-constexpr int kSharpMilliseconds = 5;
-/// How far a shadow reaches beyond its cell, in points.
-constexpr double kShadowReach = 24;
-constexpr int kAutoscrollMilliseconds = 30;
-
-} // namespace
-
 ImageBrowserView::ImageBrowserView(QWidget *parent)
     : QAbstractScrollArea(parent)
-    , m_folders(std::make_shared<PrivateFolders>())
+    , m_drags(std::make_unique<ImageBrowserDrags>(*this))
+    , m_input(std::make_unique<ImageBrowserInput>(*this, *m_drags))
+    , m_drawing(std::make_unique<ImageBrowserDrawing>(*this, *m_input, *m_drags))
 {
     AccessibleGrid::install();
     setObjectName(QStringLiteral("imageBrowser"));
@@ -38,27 +36,18 @@ ImageBrowserView::ImageBrowserView(QWidget *parent)
     setFocusPolicy(Qt::StrongFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    // White marks what is selected, so the ground is darker than a list's.
+    // White marks selected images, so the background is darker than a list's.
     viewport()->setBackgroundRole(QPalette::Mid);
     viewport()->setMouseTracking(true);
     viewport()->setAcceptDrops(true);
     m_style.font = font();
-
-    m_refineTimer.setSingleShot(true);
-    m_refineTimer.setInterval(0);
-    connect(&m_refineTimer, &QTimer::timeout, this, [this] {
-        const QRegion rough = std::exchange(m_rough, {});
-        viewport()->update(rough);
-    });
-    m_autoscrollTimer.setInterval(kAutoscrollMilliseconds);
-    connect(&m_autoscrollTimer, &QTimer::timeout, this, &ImageBrowserView::autoscroll);
 }
 
 ImageBrowserView::~ImageBrowserView() = default;
 
 void ImageBrowserView::setContextMenu(QMenu *menu)
 {
-    m_contextMenu = menu;
+    m_input->setContextMenu(menu);
 }
 
 void ImageBrowserView::setImages(std::shared_ptr<const ImageBrowserSource> images)
@@ -66,8 +55,8 @@ void ImageBrowserView::setImages(std::shared_ptr<const ImageBrowserSource> image
     if (images == m_images)
         return;
     m_images = std::move(images);
-    m_isDragStale = true;
-    change([this](BrowserSelection &selection) {
+    m_drags->listChanged();
+    changeSelection([this](BrowserSelection &selection) {
         selection.selectNone();
         selection.setCount(numberImages());
     });
@@ -109,6 +98,16 @@ void ImageBrowserView::setGridStyle(const GridStyle &style)
     refresh();
 }
 
+void ImageBrowserView::setAllowCopying(bool allow)
+{
+    m_drags->setAllowCopying(allow);
+}
+
+void ImageBrowserView::setShowsOriginalOnMouseOver(bool shows)
+{
+    m_input->setShowsOriginalOnMouseOver(shows);
+}
+
 void ImageBrowserView::refresh()
 {
     viewport()->update();
@@ -117,8 +116,8 @@ void ImageBrowserView::refresh()
 void ImageBrowserView::fullRefresh()
 {
     if (numberImages() != m_selection.count()) {
-        m_isDragStale = true;
-        change([this](BrowserSelection &selection) { selection.setCount(numberImages()); });
+        m_drags->listChanged();
+        changeSelection([this](BrowserSelection &selection) { selection.setCount(numberImages()); });
     }
     computeGridAndFrame();
     refresh();
@@ -126,10 +125,7 @@ void ImageBrowserView::fullRefresh()
 
 void ImageBrowserView::refreshImageAtIndex(int index)
 {
-    if (const auto cell = cellForIndex(index))
-        viewport()->update(viewportRect(*cell)
-                               .adjusted(-kShadowReach, -kShadowReach, kShadowReach, kShadowReach)
-                               .toAlignedRect());
+    m_drawing->refreshImageAtIndex(index);
 }
 
 void ImageBrowserView::refreshImage(const void *image)
@@ -180,10 +176,10 @@ void ImageBrowserView::scrollTo(double top)
     verticalScrollBar()->setValue(static_cast<int>(std::lround(top)));
 }
 
-/// Fits layout, scroll bar and scroll range to the list, the zoom and the widget's size.
+/// Adapts layout, scroll bar and scroll range to the list, the zoom and the widget's size.
 void ImageBrowserView::computeGridAndFrame()
 {
-    if (m_isComputing) // by the viewport's change of size, below
+    if (m_isComputing) // called by the viewport's resizing below
         return;
     m_isComputing = true;
     QScrollBar *bar = verticalScrollBar();
@@ -219,16 +215,16 @@ void ImageBrowserView::changeEvent(QEvent *event)
 
 void ImageBrowserView::scrollContentsBy(int, int dy)
 {
-    // What stays is moved and only what appears is drawn, where points are whole pixels: else edges would be
-    // rounded to other pixels than in a picture drawn anew.
+    // Moves what stays visible and draws only what appears, where points are whole pixels. Elsewhere edges
+    // would be rounded to other pixels than in a complete drawing.
     const double ratio = viewport()->devicePixelRatioF();
     if (ratio == std::floor(ratio) && std::abs(dy) < viewport()->height()) {
-        m_rough.translate(0, dy);
-        viewport()->scroll(0, dy);
+        m_drawing->scroll(dy);
     } else {
         refresh();
     }
-    lookAgain();
+    m_input->gridScrolled();
+    m_drags->gridScrolled();
 }
 
 void ImageBrowserView::focusInEvent(QFocusEvent *event)
@@ -243,74 +239,23 @@ void ImageBrowserView::focusOutEvent(QFocusEvent *event)
     refreshImageAtIndex(focusImageIndex());
 }
 
-// ---- drawing
-
-CellContents ImageBrowserView::contentsOf(int index) const
-{
-    const auto kind = index == m_showOriginalAtIndex ? ImageBrowserSource::ThumbnailKind::Original
-                                                     : ImageBrowserSource::ThumbnailKind::Watermarked;
-    CellContents contents;
-    contents.thumbnail = m_images->thumbnail(index, kind);
-    if (m_style.showFilenames)
-        contents.filename = m_images->filename(index);
-    const auto cell = cellForIndex(index);
-    contents.isSelected =
-        isIndexSelected(index) || (m_mouseSelectionRect && cell && cell->intersects(*m_mouseSelectionRect));
-    contents.hasFocusRing = hasFocus() && index == focusImageIndex();
-    return contents;
-}
-
 void ImageBrowserView::paintEvent(QPaintEvent *event)
 {
     if (numberImages() != m_geometry.count())
         fullRefresh();
-    QPainter painter(viewport());
-    if (m_geometry.count() == 0) {
-        GridPainter::drawEmptyText(painter, QRectF(viewport()->rect()), font(),
-                                   tr("Drag & drop images here"));
-        return;
-    }
-
-    GridStyle style = m_style;
-    if (!style.textColor.isValid())
-        style.textColor = palette().color(QPalette::WindowText);
-    if (!style.focusColor.isValid())
-        style.focusColor = palette().color(QPalette::Highlight);
-    GridPainter grid(painter, m_geometry, style, m_pictures, m_names,
-                     {visibleRect().topLeft(), viewport()->devicePixelRatioF()});
-    grid.setTime(kSharpMilliseconds);
-
-    const QRectF dirty = QRectF(event->rect())
-                             .translated(visibleRect().topLeft())
-                             .adjusted(-kShadowReach, -kShadowReach, kShadowReach, kShadowReach);
-    const GridGeometry::Range range = m_geometry.cellsInRows(dirty);
-    if (style.drawCells)
-        for (int i = range.first; i < range.end; ++i)
-            grid.drawTint(*cellForIndex(i));
-    if (m_drawnInsertionIndex != kNone)
-        grid.drawInsertionBar(m_geometry.insertionBar(m_drawnInsertionIndex, style.insertionHintWidth));
-    if (m_mouseSelectionRect)
-        grid.drawRubberBand(*m_mouseSelectionRect);
-    for (int i = range.first; i < range.end; ++i) {
-        const QRectF cell = *cellForIndex(i);
-        if (cell.intersects(dirty) && !grid.drawCell(cell, contentsOf(i)))
-            m_rough += viewportRect(cell).toAlignedRect();
-    }
-    if (!m_rough.isEmpty())
-        m_refineTimer.start();
+    m_drawing->paint(event->rect());
 }
 
 // ---- selection
 
-template<class Change>
-void ImageBrowserView::change(const Change &apply)
+void ImageBrowserView::changeSelection(const std::function<void(BrowserSelection &)> &change)
 {
     const BrowserSelection before = m_selection;
-    apply(m_selection);
-    tellOfChange(before);
+    change(m_selection);
+    reportChange(before);
 }
 
-void ImageBrowserView::tellOfChange(const BrowserSelection &before)
+void ImageBrowserView::reportChange(const BrowserSelection &before)
 {
     const BrowserSelection now = m_selection; // the delegate may change it
     if (now == before)
@@ -342,33 +287,33 @@ void ImageBrowserView::selectIndex(int index)
 
 void ImageBrowserView::selectIndexes(const QList<int> &indexes, bool extend)
 {
-    change([&](BrowserSelection &selection) { selection.select(indexes, extend); });
+    changeSelection([&](BrowserSelection &selection) { selection.select(indexes, extend); });
 }
 
 void ImageBrowserView::deselectIndexes(int from, int to)
 {
-    change([&](BrowserSelection &selection) { selection.deselect(from, to); });
+    changeSelection([&](BrowserSelection &selection) { selection.deselect(from, to); });
 }
 
 void ImageBrowserView::selectAll()
 {
-    change([](BrowserSelection &selection) { selection.selectAll(); });
+    changeSelection([](BrowserSelection &selection) { selection.selectAll(); });
 }
 
 void ImageBrowserView::selectNone()
 {
-    change([](BrowserSelection &selection) { selection.selectNone(); });
+    changeSelection([](BrowserSelection &selection) { selection.selectNone(); });
 }
 
 void ImageBrowserView::invertSelection()
 {
-    change([](BrowserSelection &selection) { selection.invert(); });
+    changeSelection([](BrowserSelection &selection) { selection.invert(); });
     scrollFocusImageToVisible();
 }
 
 void ImageBrowserView::setFocusImageIndex(int index)
 {
-    change([&](BrowserSelection &selection) { selection.setFocus(index); });
+    changeSelection([&](BrowserSelection &selection) { selection.setFocus(index); });
 }
 
 void ImageBrowserView::purgeFocusImageIndex()
@@ -389,10 +334,92 @@ void ImageBrowserView::takeSelection(const QList<int> &indexes, int focus)
     }
 }
 
+void ImageBrowserView::selectNeighbourImage(bool next, Qt::KeyboardModifiers modifiers)
+{
+    const auto mode = BrowserSelection::modeOf(modifiers);
+    changeSelection([&](BrowserSelection &selection) { selection.stepTo(next, mode); });
+}
+
 void ImageBrowserView::copy()
 {
     if (m_delegate && !selectionIndexes().isEmpty())
         m_delegate->copy();
+}
+
+// ---- events
+
+bool ImageBrowserView::viewportEvent(QEvent *event)
+{
+    if (event->type() == QEvent::NativeGesture)
+        return m_input->gesture(*static_cast<QNativeGestureEvent *>(event));
+    if (event->type() == QEvent::ToolTip)
+        return m_input->showToolTip(*static_cast<QHelpEvent *>(event));
+    if (event->type() == QEvent::Leave)
+        m_input->leave();
+    return QAbstractScrollArea::viewportEvent(event);
+}
+
+void ImageBrowserView::mousePressEvent(QMouseEvent *event)
+{
+    if (!m_input->press(*event))
+        event->ignore();
+}
+
+void ImageBrowserView::mouseMoveEvent(QMouseEvent *event)
+{
+    m_input->move(*event);
+}
+
+void ImageBrowserView::mouseReleaseEvent(QMouseEvent *event)
+{
+    m_input->release(*event);
+}
+
+void ImageBrowserView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (!m_input->doubleClick(*event))
+        event->ignore();
+}
+
+void ImageBrowserView::contextMenuEvent(QContextMenuEvent *event)
+{
+    if (!m_input->openContextMenu(*event))
+        QAbstractScrollArea::contextMenuEvent(event);
+}
+
+void ImageBrowserView::wheelEvent(QWheelEvent *event)
+{
+    if (m_input->wheel(*event))
+        event->accept();
+    else
+        QAbstractScrollArea::wheelEvent(event);
+}
+
+void ImageBrowserView::keyPressEvent(QKeyEvent *event)
+{
+    if (!m_input->key(*event))
+        QAbstractScrollArea::keyPressEvent(event);
+}
+
+void ImageBrowserView::dragEnterEvent(QDragEnterEvent *event)
+{
+    m_drags->move(*event);
+}
+
+void ImageBrowserView::dragMoveEvent(QDragMoveEvent *event)
+{
+    m_drags->move(*event);
+}
+
+void ImageBrowserView::dragLeaveEvent(QDragLeaveEvent *event)
+{
+    m_drags->leave();
+    event->accept();
+}
+
+void ImageBrowserView::dropEvent(QDropEvent *event)
+{
+    m_drags->drop(*event);
 }
 
 } // namespace plexa

@@ -3,34 +3,31 @@
 #pragma once
 
 #include "ui/browser/browserselection.h"
-#include "ui/browser/cellpictures.h"
 #include "ui/browser/gridgeometry.h"
 #include "ui/browser/gridpainter.h"
 #include "ui/browser/imagebrowsersource.h"
 
 #include <QAbstractScrollArea>
-#include <QMimeData>
-#include <QPointer>
-#include <QRegion>
-#include <QTimer>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
 class QMenu;
-class QNativeGestureEvent;
 
 namespace plexa
 {
 
 class ImageBrowserDelegate;
-class PrivateFolders;
+class ImageBrowserDrags;
+class ImageBrowserDrawing;
+class ImageBrowserInput;
 
-/// Images as a scrolling grid of square cells. Shows a source, keeps selection, focus and zoom, and tells its
-/// delegate what the user does; knows nothing of the application.
+/// Images as a scrolling grid of square cells. Shows a source, keeps selection, focus and zoom, and reports
+/// to its delegate what the user does. Knows nothing of the application. Main thread.
 ///
-/// Points and rectangles of its functions are those of the whole grid, in points: origin at its top left,
-/// y downwards. An index of -1 is none.
+/// Points and rectangles are those of the whole grid, in points: origin at its top left, y downwards. An
+/// index of -1 is no image.
 class ImageBrowserView final : public QAbstractScrollArea
 {
     Q_OBJECT
@@ -41,36 +38,40 @@ public:
     explicit ImageBrowserView(QWidget *parent = nullptr);
     ~ImageBrowserView() override;
 
-    /// Not owned; has to outlive the grid or be taken away. Null: nobody is told.
+    /// Not owned; must outlive the grid or be removed. May be null.
     void setDelegate(ImageBrowserDelegate *delegate) { m_delegate = delegate; }
+    ImageBrowserDelegate *delegate() const { return m_delegate; }
     /// Opened by a right click; not owned.
     void setContextMenu(QMenu *menu);
 
     // ---- what is shown
     /// Another source clears the selection; the same one changes nothing.
     void setImages(std::shared_ptr<const ImageBrowserSource> images);
+    /// May be null.
+    const ImageBrowserSource *images() const { return m_images.get(); }
     int numberImages() const;
+    /// Empty for an index outside the list.
     QString filename(int index) const;
 
     /// 0: the smallest cells; 1: one cell fills the shorter side. Keeps the focus image in view, or else the
-    /// middle of what is seen.
+    /// middle of the visible area.
     void setZoomFactor(float zoomFactor);
     float zoomFactor() const { return m_zoomFactor; }
     void setShowFilenames(bool show);
     bool showFilenames() const { return m_style.showFilenames; }
     void setGridStyle(const GridStyle &style);
     const GridStyle &gridStyle() const { return m_style; }
-    /// May a drag within the grid copy, where it cannot move?
-    void setAllowCopying(bool allow) { m_allowCopying = allow; }
-    /// Asks for the original's thumbnail of the image below the pointer.
+    /// Whether a drag within the grid may copy where it cannot move. Initially true.
+    void setAllowCopying(bool allow);
+    /// Whether the image below the pointer shows its original's thumbnail. Initially false.
     void setShowsOriginalOnMouseOver(bool shows);
 
-    /// Redraws what is seen: thumbnails may have changed.
+    /// Redraws the visible area, for new thumbnails.
     void refresh();
-    /// Lays out anew: the list may have changed.
+    /// Lays out again, for a changed list.
     void fullRefresh();
     void refreshImageAtIndex(int index);
-    /// By identity; nothing when it is not shown.
+    /// By identity; does nothing for an image that is not shown.
     void refreshImage(const void *image);
 
     // ---- where things are
@@ -85,13 +86,16 @@ public:
     void scrollCellToVisible(int index);
     void scrollFocusImageToVisible() { scrollCellToVisible(focusImageIndex()); }
 
-    // ---- what is selected; the delegate is told of changes, unless said otherwise
+    // ---- selection and focus; changes are reported to the delegate unless stated otherwise
     /// Ascending.
     const QList<int> &selectionIndexes() const { return m_selection.indexes(); }
     int focusImageIndex() const { return m_selection.focus(); }
     bool isIndexSelected(int index) const { return m_selection.isSelected(index); }
+    /// Changes selection and focus together, and reports the differences.
+    void changeSelection(const std::function<void(BrowserSelection &)> &change);
+    /// Reports even an unchanged selection.
     void selectIndex(int index, bool extend, int allFromIndex);
-    /// Exactly that one; the delegate hears of it twice.
+    /// Exactly this one; reports twice.
     void selectIndex(int index);
     void selectIndexes(const QList<int> &indexes, bool extend);
     void deselectIndex(int index) { deselectIndexes(index, index); }
@@ -100,14 +104,14 @@ public:
     void selectNone();
     void invertSelection();
     void setFocusImageIndex(int index);
-    /// Without telling.
+    /// Without a report.
     void purgeFocusImageIndex();
-    /// What the owner of the list has decided, without telling him.
+    /// Adopts what the owner of the list has decided, without a report.
     void takeSelection(const QList<int> &indexes, int focus);
     /// One step, as by the left or right arrow key with these modifiers.
     void selectNeighbourImage(bool next, Qt::KeyboardModifiers modifiers);
 
-    /// The selected images to the clipboard, by the delegate.
+    /// Asks the delegate to copy the selected images to the clipboard.
     void copy();
 
 protected:
@@ -135,63 +139,19 @@ protected:
 private:
     void computeGridAndFrame();
     void scrollTo(double top);
-    void lookAgain();
-    CellContents contentsOf(int index) const;
-
-    template<class Change>
-    void change(const Change &apply);
-    void tellOfChange(const BrowserSelection &before);
-
-    void press(int index, Qt::KeyboardModifiers modifiers, Qt::MouseButton button);
-    void stretchRubberBand(QPointF viewportPoint);
-    void endRubberBand(bool selects);
-    void setShowOriginalAtIndex(int index);
-    int imagesInPage() const;
-    bool handleKey(const QKeyEvent &event);
-    bool handleGesture(const QNativeGestureEvent &event);
-    void rotateBy(double degreesClockwise);
-    void swipeBy(double delta);
-    bool showToolTip(QPoint viewportPoint, QPoint globalPoint);
-    void autoscroll();
-
-    void startDrag(QPointF viewportPoint);
-    QPixmap dragImage() const;
-    Qt::DropAction actionFor(const QDropEvent &event) const;
-    void setDrawnInsertionIndex(int index);
+    void reportChange(const BrowserSelection &before);
 
     ImageBrowserDelegate *m_delegate = nullptr;
-    QPointer<QMenu> m_contextMenu;
     std::shared_ptr<const ImageBrowserSource> m_images;
     BrowserSelection m_selection;
     GridGeometry m_geometry;
     GridStyle m_style;
     float m_zoomFactor = 0.5F;
-    bool m_allowCopying = true;
     bool m_isComputing = false;
 
-    CellPictures m_pictures;
-    NameLayouts m_names;
-    QRegion m_rough; // of the viewport, to be drawn again
-    QTimer m_refineTimer;
-
-    QPointF m_mouseDownPoint;
-    bool m_mouseDownAtImage = false;
-    bool m_isBandAllowed = false; // by the press on empty space, until the Escape key
-    bool m_isDoubleClick = false;
-    std::optional<QRectF> m_mouseSelectionRect; // the rubber band
-    QPointF m_pointer;                          // last seen, in the viewport
-    QTimer m_autoscrollTimer;
-    bool m_showsOriginalOnMouseOver = false;
-    int m_showOriginalAtIndex = kNone;
-
-    double m_accumulatedRotation = 0; // degrees clockwise
-    QPointF m_accumulatedPan;
-
-    std::shared_ptr<PrivateFolders> m_folders;
-    QPointer<const QMimeData> m_draggedFiles; // of the last drag
-    bool m_isDraggingImages = false;
-    bool m_isDragStale = false; // the list changed since it began
-    int m_drawnInsertionIndex = kNone;
+    const std::unique_ptr<ImageBrowserDrags> m_drags;
+    const std::unique_ptr<ImageBrowserInput> m_input;
+    const std::unique_ptr<ImageBrowserDrawing> m_drawing;
 };
 
 } // namespace plexa
