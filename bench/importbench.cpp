@@ -3,7 +3,7 @@
 // Fills a working set with the photos of a folder, as a drop on the window does, and ends when all are
 // imported. scripts/bench measures it from outside.
 
-#include "app/imageset.h"
+#include "app/imagegathering.h"
 #include "app/statusmanager.h"
 #include "noquestions.h"
 #include "platform/userdefaults.h"
@@ -37,8 +37,9 @@ int main(int argc, char **argv)
     NoQuestions alerts;
     StatusManager status;
     ImageSet set({photos, defaults, alerts, status, threads});
-    QObject::connect(&set, &ImageSet::importFinished, &set, &QCoreApplication::quit);
-    set.scanImagesAtPaths({QString::fromLocal8Bit(argv[1])});
+    ImageGathering gathering(set, {photos, defaults, alerts, status, threads});
+    QObject::connect(&gathering, &ImageGathering::importFinished, &gathering, &QCoreApplication::quit);
+    gathering.scanImagesAtPaths({QString::fromLocal8Bit(argv[1])});
     QCoreApplication::exec();
 
     const auto loaded = std::count_if(set.images()->begin(), set.images()->end(),

@@ -13,6 +13,7 @@
 #include "noquestions.h"
 #include "platform/settings.h"
 #include "platform/userdefaults.h"
+#include "presets/presetsstore.h"
 #include "threadtime.h"
 #include "ui/window/mainwindow.h"
 
@@ -91,7 +92,7 @@ void benchTable(MainWindow &window, ImageSet &set, int count)
     print("select none", pause([&] { set.selection().selectNone(); }));
 }
 
-void benchImport(ImageSet &set, const QString &folder)
+void benchImport(ImageGathering &gathering, const QString &folder)
 {
     QElapsedTimer sinceLast;
     double lastDelay = threadDelayNanoseconds();
@@ -106,10 +107,10 @@ void benchImport(ImageSet &set, const QString &folder)
         sinceLast.restart();
         lastDelay = delay;
     });
-    QObject::connect(&set, &ImageSet::importFinished, &set, &QCoreApplication::quit);
+    QObject::connect(&gathering, &ImageGathering::importFinished, &gathering, &QCoreApplication::quit);
     sinceLast.start();
     probe.start(0);
-    set.scanImagesAtPaths({folder});
+    gathering.scanImagesAtPaths({folder});
     QCoreApplication::exec();
     print("import", longestOwn);
     print("import by the clock", longest);
@@ -123,8 +124,9 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "Usage: plexa-bench-window table COUNT | import FOLDER\n");
         return 2;
     }
-    const QTemporaryDir home; // the user's settings stay as they are
-    qputenv("XDG_CONFIG_HOME", home.path().toUtf8());
+    const QTemporaryDir home; // the user's settings and presets stay as they are
+    for (const char *folder : {"XDG_CONFIG_HOME", "XDG_DATA_HOME"})
+        qputenv(folder, home.path().toUtf8());
     const QApplication application(argc, argv);
 
     const FontCatalog fonts;
@@ -136,7 +138,8 @@ int main(int argc, char **argv)
     registerDefaults(defaults);
     NoQuestions alerts;
     const int threads = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
-    AppController controller({photos, defaults, alerts, threads});
+    PresetsStore store(alerts, fonts);
+    AppController controller({photos, defaults, alerts, store, threads});
     MainWindow window({controller, defaults, alerts, threads});
     window.show();
     QCoreApplication::processEvents();
@@ -144,6 +147,6 @@ int main(int argc, char **argv)
     if (qstrcmp(argv[1], "table") == 0)
         benchTable(window, controller.imageSet(), std::atoi(argv[2]));
     else
-        benchImport(controller.imageSet(), QString::fromLocal8Bit(argv[2]));
+        benchImport(controller.gathering(), QString::fromLocal8Bit(argv[2]));
     return 0;
 }

@@ -42,7 +42,8 @@ function(plexa_layer name)
 endfunction()
 
 # plexa_test(<name> SOURCES <files> LINK <libraries> [TIMEOUT <seconds>])
-# makes one Qt Test program and registers it with CTest in a fixed environment.
+# creates one Qt Test program and registers it with CTest. The program fixes its environment itself
+# (tests/support/testenvironment.cpp), so it gives the same results when started by hand.
 function(plexa_test name)
     cmake_parse_arguments(TEST "" "TIMEOUT" "SOURCES;LINK" ${ARGN})
     if(NOT TEST_TIMEOUT)
@@ -51,10 +52,9 @@ function(plexa_test name)
     add_executable(${name} ${TEST_SOURCES})
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
     target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
-    target_link_libraries(${name} PRIVATE plexa_common Qt6::Test ${TEST_LINK})
+    target_link_libraries(${name} PRIVATE plexa_common plexa_testenvironment Qt6::Test ${TEST_LINK})
     add_test(NAME ${name} COMMAND ${name})
-    set_tests_properties(${name} PROPERTIES TIMEOUT ${TEST_TIMEOUT}
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;TZ=Europe/Berlin;LC_ALL=C.UTF-8;LANGUAGE=en_US;PLEXA_SOURCE_DIR=${PROJECT_SOURCE_DIR};PLEXA_BINARY_DIR=${PROJECT_BINARY_DIR};TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp:halt_on_error=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp")
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${TEST_TIMEOUT})
 endfunction()
 
 # plexa_fuzz(<name> SOURCES <files> LINK <libraries>)

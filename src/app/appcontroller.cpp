@@ -2,40 +2,28 @@
 
 #include "app/appcontroller.h"
 
-#include "platform/alerts.h"
-#include "platform/filenames.h"
+#include "platform/settings.h"
+#include "platform/userdefaults.h"
 #include "presets/presetsstore.h"
-
-#include <QFileInfo>
 
 namespace plexa
 {
 
-namespace
-{
-
-void tell(Alerts &alerts, Alert::Style style, const QString &title, const QStringList &sentences)
-{
-    Alert alert;
-    alert.style = style;
-    alert.title = title;
-    alert.text = sentences.join(u'\n');
-    alerts.run(alert);
-}
-
-} // namespace
-
 AppController::AppController(const Services &services)
-    : m_alerts(services.alerts)
+    : m_services(services)
     , m_appliedPresets(services.defaults)
+    , m_presetCommands(services.store, services.alerts)
     , m_imageSet({services.photos, services.defaults, services.alerts, m_status, services.threads})
+    , m_gathering(m_imageSet,
+                  {services.photos, services.defaults, services.alerts, m_status, services.threads})
     , m_positions(m_status, services.threads)
     , m_batchOperation(m_status, services.threads)
+    , m_save({m_status, services.alerts, services.defaults, services.threads})
 {
-    connectAll();
+    connectChanges();
 }
 
-void AppController::connectAll()
+void AppController::connectChanges()
 {
     connect(&m_batchOperation, &BatchImageOperation::finishedOperationForImage, this,
             [this](const std::shared_ptr<ImageObject> &image) {
@@ -53,83 +41,44 @@ void AppController::connectAll()
     connect(&m_appliedPresets, &AppliedPresets::appliedChanged, this, changed);
     connect(&m_appliedPresets, &AppliedPresets::selectedRowsChanged, this, changed);
     connect(&m_appliedPresets, &AppliedPresets::modeChanged, this, changed);
-    connect(&m_appliedPresets, &AppliedPresets::previewOutdated, this,
-            changed); // an edit may make it invalid
+    // An edit may make a preset invalid.
+    connect(&m_appliedPresets, &AppliedPresets::previewOutdated, this, changed);
     connect(&m_appliedPresets, &AppliedPresets::quickWPresetChanged, this, changed);
     connect(&m_imageSet.selection(), &ImageSelection::selectionChanged, this, changed);
     connect(&m_imageSet, &ImageSet::imageListModeChanged, this, changed);
     connect(&m_imageSet, &ImageSet::imagesInserted, this, changed);
     connect(&m_imageSet, &ImageSet::imagesRemoved, this, changed);
     connect(&m_imageSet, &ImageSet::listReset, this, changed);
+    connect(&m_save, &BatchSave::started, this, changed);
+    connect(&m_save, &BatchSave::finished, this, changed);
+    connect(&m_services.store, &PresetsStore::quickWPresetChanged, this, &AppController::useQuickPreset);
+    useQuickPreset();
 }
 
-void AppController::readPresets(PresetsStore &store)
+void AppController::useQuickPreset()
 {
-    m_store = &store;
-    store.readAll();
-    const auto takeQuickPreset = [this] { m_appliedPresets.setQuickWPreset(m_store->quickWPreset()); };
-    takeQuickPreset();
-    connect(&store, &PresetsStore::quickWPresetChanged, this, takeQuickPreset);
-    m_appliedPresets.restoreAppliedPresets(store.wPresets());
+    m_appliedPresets.setQuickWPreset(m_services.store.quickWPreset());
 }
 
-bool AppController::importPresetsFile(const QString &path)
+void AppController::readPresets()
 {
-    using Kind = PresetsStore::Kind;
-    const QString suffix = fileExtensionOf(path).toLower();
-    if (suffix != QLatin1String("pxwpr") && suffix != QLatin1String("pxspr"))
-        return false;
-    if (!m_store)
-        return true;
-    const Kind kind = suffix == QLatin1String("pxwpr") ? Kind::Watermark : Kind::Saving;
-    const auto imported = m_store->importPresetsFromFile(path, kind);
-    if (!imported)
-        return true; // the store has told the user
-    const Result<void> saved = kind == Kind::Watermark ? m_store->saveWPresets(PresetsStore::Slot::List)
-                                                       : m_store->saveSavingPresets(PresetsStore::Slot::List);
-    if (!saved) {
-        tellUnsaved(saved.error(), imported->notes);
-        return true;
-    }
-    const QString added = imported->count == 1
-                              ? tr("One preset of \"%1\" was added to yours.")
-                              : tr("%n presets of \"%1\" were added to yours.", nullptr, imported->count);
-    tell(m_alerts, imported->notes.isEmpty() ? Alert::Style::Informational : Alert::Style::Warning,
-         tr("Presets imported"), QStringList(added.arg(QFileInfo(path).fileName())) + imported->notes);
-    return true;
-}
-
-void AppController::saveQuickAsWPreset()
-{
-    if (!m_store)
-        return;
-    m_store->saveQuickAsWPreset();
-    if (const Result<void> saved = m_store->saveWPresets(PresetsStore::Slot::List); !saved)
-        tellUnsaved(saved.error());
-}
-
-void AppController::tellUnsaved(const Error &error, const QStringList &more)
-{
-    tell(m_alerts, Alert::Style::Warning, tr("Cannot save the presets"),
-         QStringList(tr("What is new among your presets will be gone when you quit: %1.").arg(error.text)) +
-             more);
+    m_services.store.readAll();
+    m_appliedPresets.restoreAppliedPresets(m_services.store.wPresets());
 }
 
 void AppController::rememberPresets()
 {
-    if (m_store) {
-        m_store->saveWPresets(PresetsStore::Slot::Quick);
-        m_store->saveSavingPresets(PresetsStore::Slot::Quick);
-    }
+    m_services.store.saveWPresets(PresetsStore::Slot::Quick);
+    m_services.store.saveSavingPresets(PresetsStore::Slot::Quick);
     m_appliedPresets.rememberAppliedPresets();
 }
 
-CommandState AppController::commandState(float browserZoomFactor) const
+CommandState AppController::commandState() const
 {
     const std::shared_ptr<WPreset> current = m_appliedPresets.currentWPreset();
     const WPresetList effective = m_appliedPresets.effectivePresets();
     CommandState state;
-    state.isSavingInProgress = isSavingInProgress();
+    state.isSavingInProgress = m_save.isSavingInProgress();
     state.isInBrowserMode = m_imageSet.imageListIsInBrowserMode();
     state.hasCurrentBatchOperation = m_batchOperation.isRunning();
     state.hasCopiedPositions = m_positions.hasCopy();
@@ -138,7 +87,7 @@ CommandState AppController::commandState(float browserZoomFactor) const
     state.nShown = static_cast<qsizetype>(m_imageSet.imagesFiltered()->size());
     state.nEffectivePresets = static_cast<qsizetype>(effective.size());
     state.nAppliedPresets = static_cast<qsizetype>(m_appliedPresets.wPresetsApplied().size());
-    state.browserZoomFactor = browserZoomFactor;
+    state.browserZoomFactor = m_services.defaults.floatForKey(settings::imageBrowserZoomFactor);
     if (state.nSelected == 1) {
         const std::shared_ptr<ImageObject> image = m_imageSet.selectedImages().front();
         state.canCopyForCurrentPreset = ManualPositions::canCopyForPreset(*image, current.get());
@@ -147,9 +96,15 @@ CommandState AppController::commandState(float browserZoomFactor) const
     return state;
 }
 
+bool AppController::startSaving(const ImageList &photos)
+{
+    return m_save.start({photos, m_appliedPresets.effectivePresetsNow(), m_appliedPresets.isInSingleMode(),
+                         m_services.store.quickSavingPreset()->values()});
+}
+
 void AppController::startBatchOperation(ImageTransform operation)
 {
-    if (m_batchOperation.performOperation(static_cast<int>(operation), m_imageSet.selectedImages()))
+    if (m_batchOperation.performOperation(operation, m_imageSet.selectedImages()))
         Q_EMIT commandStateChanged();
 }
 
@@ -184,17 +139,11 @@ void AppController::resetManualPositioning(Presets presets)
 
 void AppController::stopAllOperations()
 {
-    m_imageSet.stopImportingImages();
+    m_gathering.stopImportingImages();
     m_positions.stopPastingSettings();
     m_batchOperation.abortOperation();
-    abortSaving();
+    m_save.terminateOperation();
     Q_EMIT stopAllWanted();
-}
-
-void AppController::abortSaving()
-{
-    if (m_saving.terminateOperation)
-        m_saving.terminateOperation();
 }
 
 } // namespace plexa

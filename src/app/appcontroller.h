@@ -4,27 +4,21 @@
 
 #include "app/appliedpresets.h"
 #include "app/batchimageoperation.h"
+#include "app/batchsave.h"
 #include "app/commandrules.h"
+#include "app/imagegathering.h"
 #include "app/imageset.h"
 #include "app/manualpositions.h"
+#include "app/presetcommands.h"
 #include "app/statusmanager.h"
-#include "platform/result.h"
-
-#include <functional>
 
 namespace plexa
 {
 
 class PresetsStore;
 
-/// The batch save as the commands see it.
-struct SavingControl {
-    std::function<bool()> isSavingInProgress;
-    std::function<void()> terminateOperation;
-};
-
-/// What the commands of the main window do, without the window: it brings together the working set, the
-/// presets that are drawn on it, and the operations on the selected photos. Main thread.
+/// What the commands of the main window do, without the window: it owns the working set, the presets that are
+/// drawn on it, and the operations on its photos, and connects them. Main thread.
 class AppController final : public QObject
 {
     Q_OBJECT
@@ -33,7 +27,8 @@ public:
     struct Services {
         const PhotoServices &photos;
         UserDefaults &defaults;
-        Alerts &alerts;
+        Alerts &alerts; ///< may be called on any thread
+        PresetsStore &store;
         int threads; ///< photos that are worked on at a time
     };
 
@@ -42,35 +37,27 @@ public:
 
     StatusManager &statusManager() { return m_status; }
     ImageSet &imageSet() { return m_imageSet; }
+    ImageGathering &gathering() { return m_gathering; }
     AppliedPresets &appliedPresets() { return m_appliedPresets; }
     ManualPositions &manualPositions() { return m_positions; }
+    BatchSave &batchSave() { return m_save; }
+    PresetsStore &presetsStore() { return m_services.store; }
+    PresetCommands &presetCommands() { return m_presetCommands; }
 
-    /// Who saves, as soon as there is somebody.
-    void setSaving(const SavingControl &saving) { m_saving = saving; }
-    bool isSavingInProgress() const { return m_saving.isSavingInProgress && m_saving.isSavingInProgress(); }
+    /// Reads the presets at start and, if the user wants that, applies those of the last time.
+    void readPresets();
 
-    /// What a start does with presets: reads them, makes the quick preset of the store the one of single
-    /// mode, also when it is replaced, and applies what was applied last time, if the user wants that.
-    /// @param store  outlives this object
-    void readPresets(PresetsStore &store);
-
-    /// Adds the presets of a file to the user's and keeps them; tells the user what came of it. Nothing
-    /// before readPresets().
-    /// @return whether the file is one of presets, going by its name
-    bool importPresetsFile(const QString &path);
-
-    /// Adds a copy of the quick preset to the user's and keeps it; tells the user where it cannot be kept.
-    /// Nothing before readPresets().
-    void saveQuickAsWPreset();
-
-    /// What closing the window keeps: the quick presets, and the names of those that are applied.
+    /// What closing the window stores: the quick presets, and the names of those that are applied.
     void rememberPresets();
 
-    /// What the rules for menus and buttons look at.
-    /// @param browserZoomFactor  of the grid, which knows it
-    CommandState commandState(float browserZoomFactor) const;
+    /// The state that the rules of the commands depend on, but for what is selected in the lists of a window.
+    CommandState commandState() const;
 
-    /// Turns or mirrors the selected photos; nothing while another such operation runs.
+    /// Saves copies of these photos with the presets, the saving preset and the settings of now.
+    /// @return false, and nothing happens, while another save runs or without photos or presets
+    bool startSaving(const ImageList &photos);
+
+    /// Rotates or mirrors the selected photos; nothing while another such operation runs.
     void startBatchOperation(ImageTransform operation);
 
     enum class Presets { Current, All };
@@ -79,32 +66,32 @@ public:
     void pasteManualPositioning();
     void resetManualPositioning(Presets presets);
 
-    /// The stop button: all that runs in the background ends at its next photo.
+    /// The stop button: everything in the background ends at its next photo.
     void stopAllOperations();
-    void abortSaving();
 
 Q_SIGNALS:
-    /// Positions have changed, or presets, or turned photos: what is shown has to be drawn anew.
+    /// Positions, presets or rotated photos have changed: the preview has to be drawn again.
     void previewOutdated();
     /// One photo looks different.
     void imageOutdated(const std::shared_ptr<plexa::ImageObject> &image);
     /// The user wants everything that runs in the background to end.
     void stopAllWanted();
-    /// Something that commandState() tells of has changed.
+    /// Something in commandState() has changed.
     void commandStateChanged();
 
 private:
-    void connectAll();
-    void tellUnsaved(const Error &error, const QStringList &more = {});
+    void connectChanges();
+    void useQuickPreset();
 
-    SavingControl m_saving;
-    Alerts &m_alerts;
-    PresetsStore *m_store = nullptr;
+    const Services m_services;
     StatusManager m_status;
     AppliedPresets m_appliedPresets;
+    PresetCommands m_presetCommands;
     ImageSet m_imageSet;
+    ImageGathering m_gathering;
     ManualPositions m_positions;
     BatchImageOperation m_batchOperation;
+    BatchSave m_save; // handles events when it is destroyed: before the others
 };
 
 } // namespace plexa

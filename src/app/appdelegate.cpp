@@ -41,18 +41,16 @@ void AppDelegate::applicationDidFinishLaunching()
 
 void AppDelegate::openFiles(const QStringList &paths)
 {
-    Q_EMIT windowWanted(); // first, so that questions stand before it
+    Q_EMIT windowWanted(); // first, so that questions are shown in front of it
     if (!paths.isEmpty() && QFileInfo(paths.first()).fileName() == kExchangeInfoFile) {
-        if (m_openExchange)
-            m_openExchange(paths.first());
-        else
-            qCritical("ERROR: photos from companion applications cannot be opened by this version");
-    } else {
-        QStringList photos = paths;
-        photos.removeIf(
-            [this](const QString &path) { return m_services.controller.importPresetsFile(path); });
-        m_services.controller.imageSet().scanImagesAtPaths(photos);
+        qCritical("ERROR: photos from companion applications cannot be opened by this version");
+        return;
     }
+    AppController &controller = m_services.controller;
+    QStringList photos = paths;
+    photos.removeIf(
+        [&controller](const QString &path) { return controller.presetCommands().importPresetsFile(path); });
+    controller.gathering().scanImagesAtPaths(photos);
 }
 
 void AppDelegate::windowWillClose()

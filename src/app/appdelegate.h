@@ -15,7 +15,7 @@ class Alerts;
 class AppController;
 class UserDefaults;
 
-/// What happens when the application starts, gets files from outside, loses its window and quits. Main
+/// What happens when the application starts, gets files from outside, closes its window and quits. Main
 /// thread.
 class AppDelegate final : public QObject
 {
@@ -32,21 +32,15 @@ public:
     /// @param services  outlive this object
     explicit AppDelegate(const Services &services);
 
-    /// Who takes photos from a companion application, as soon as there is somebody: gets the path of the
-    /// exchange info file.
-    void setExchange(std::function<void(const QString &)> open) { m_openExchange = std::move(open); }
-
     /// Counts the run.
     void applicationDidFinishLaunching();
 
     /// Files from the command line or from the desktop: photos and folders join the working set, the presets
-    /// of preset files join the user's. When the
-    /// first of them is an exchange info file, all of them belong to a companion's exchange and none is a
-    /// photo of its own.
+    /// of preset files join the user's. If the first one is an exchange info file, all of them belong to the
+    /// exchange of a companion application, and none is a photo of its own.
     void openFiles(const QStringList &paths);
 
-    /// Stores what the next run shall find again. To be called when the main window closes, and at quit when
-    /// it is still open.
+    /// Stores what the next run needs. To be called when the main window closes, and at quit if it is open.
     void windowWillClose();
 
     /// Before the program ends on the user's request: asks for feedback now and then.
@@ -61,7 +55,6 @@ Q_SIGNALS:
 
 private:
     const Services m_services;
-    std::function<void(const QString &)> m_openExchange;
 };
 
 } // namespace plexa

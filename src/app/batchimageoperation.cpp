@@ -12,58 +12,44 @@ BatchImageOperation::BatchImageOperation(StatusManager &status, int threads)
     : m_status(status)
     , m_threads(threads)
 {
+    connect(&m_job, &BackgroundJob::ended, this, &BatchImageOperation::finishOperation);
 }
 
-BatchImageOperation::~BatchImageOperation()
+bool BatchImageOperation::performOperation(ImageTransform operation, const ImageList &images)
 {
-    abortOperation();
-}
-
-bool BatchImageOperation::performOperation(int operation, const ImageList &images)
-{
-    if (m_isRunning)
+    if (isRunning())
         return false;
-    m_isRunning = true;
-    m_isAborted = false;
-    m_allImages = images;
+    m_numImages = images.size();
     m_numFinishedImages = 0;
     m_status.startOperation(StatusOperation::Rotating);
-    m_thread = std::jthread([this, operation] { performOperationThread(operation); });
-    return true;
-}
-
-void BatchImageOperation::performOperationThread(int operation)
-{
-    LockedImagesWork job;
-    job.images = m_allImages;
-    job.threads = m_threads;
-    job.loadsImages = true;
-    job.work = [operation](ImageObject &image, bool isLoaded) {
-        // A photo that cannot be turned is done all the same.
+    LockedImagesWork work;
+    work.images = images;
+    work.threads = m_threads;
+    work.loadsImages = true;
+    work.work = [operation](ImageObject &image, bool isLoaded) {
         if (isLoaded)
-            image.transformOriginalImageWithOperation(operation);
+            image.transformOriginalImageWithOperation(static_cast<int>(operation));
     };
-    job.done = [this](const std::shared_ptr<ImageObject> &image) {
-        m_calls.post([this, image] { finishedImage(image); });
+    work.done = [this](const std::shared_ptr<ImageObject> &image) {
+        m_job.post([this, image] { finishedImage(image); });
     };
-    job.isStopped = [this] { return m_isAborted.load(); };
-    runOnLockedImages(job);
-    m_calls.post([this] { finishOperation(); });
+    work.isStopped = [this] { return m_job.isCanceled(); };
+    return m_job.start([work] {
+        runOnLockedImages(work);
+        return true;
+    });
 }
 
 void BatchImageOperation::finishedImage(const std::shared_ptr<ImageObject> &image)
 {
     ++m_numFinishedImages;
-    m_status.setProgress(static_cast<float>(m_numFinishedImages) / static_cast<float>(m_allImages.size()),
+    m_status.setProgress(static_cast<float>(m_numFinishedImages) / static_cast<float>(m_numImages),
                          StatusOperation::Rotating);
     Q_EMIT finishedOperationForImage(image);
 }
 
 void BatchImageOperation::finishOperation()
 {
-    m_thread.join();
-    m_allImages.clear();
-    m_isRunning = false;
     m_status.endOperation(StatusOperation::Rotating);
     Q_EMIT operationFinished();
 }

@@ -14,19 +14,20 @@ BatchSave::BatchSave(const Services &services)
     : m_services(services)
     , m_saving(services.alerts)
 {
+    connect(&m_job, &BackgroundJob::ended, this, &BatchSave::finish);
 }
 
 BatchSave::~BatchSave()
 {
     terminateOperation();
     // The run may wait for an answer that this thread has to ask for.
-    while (m_thread.joinable())
+    while (m_job.isRunning())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
 bool BatchSave::start(const Order &order)
 {
-    if (m_thread.joinable() || order.photos.empty() || order.effectivePresets.empty())
+    if (isSavingInProgress() || order.photos.empty() || order.effectivePresets.empty())
         return false;
     SavingRun run;
     run.photoCount = order.photos.size();
@@ -42,10 +43,10 @@ bool BatchSave::start(const Order &order)
     m_copies = 0;
     m_saving.begin();
     m_services.status.startProcessing();
-    m_thread = std::jthread([this, run]() mutable {
+    m_job.start([this, run]() mutable {
         completeFilenameTokens(run.defaultSavingPreset, m_services.alerts);
         m_saving.saveImages(run, *this);
-        m_calls.post([this] { finish(); });
+        return true;
     });
     Q_EMIT started();
     return true;
@@ -67,7 +68,6 @@ void BatchSave::finish()
 {
     m_services.status.endProcessing();
     m_saving.finishedSavingImages();
-    m_thread.join();
     Q_EMIT finished();
 }
 

@@ -2,14 +2,13 @@
 
 #pragma once
 
+#include "app/backgroundjob.h"
 #include "app/imagelist.h"
-#include "app/mainthreadcalls.h"
 #include "presets/savingpresetvalues.h"
 #include "saving/saving.h"
 
 #include <QObject>
 
-#include <thread>
 #include <vector>
 
 namespace plexa
@@ -66,8 +65,7 @@ private:
     Saving m_saving;
     qint64 m_maximum = 0; // of the run's thread
     qint64 m_copies = 0;  // likewise
-    MainThreadCalls m_calls;
-    std::jthread m_thread;
+    BackgroundJob m_job;
 };
 
 } // namespace plexa

@@ -5,44 +5,30 @@
 namespace plexa
 {
 
-FocusLoader::FocusLoader(MainThreadCalls &calls, Handler handler)
-    : m_calls(calls)
-    , m_handler(std::move(handler))
+FocusLoader::FocusLoader()
 {
+    connect(&m_job, &BackgroundJob::ended, this, &FocusLoader::ended);
 }
-
-FocusLoader::~FocusLoader() = default;
 
 void FocusLoader::load(const std::shared_ptr<ImageObject> &image)
 {
-    std::shared_ptr<ImageObject> former = image; // destroyed outside of the lock
-    {
-        const std::lock_guard lock(m_mutex);
-        std::swap(m_wanted, former);
-    }
-    m_changed.notify_one();
-    if (!m_thread.joinable())
-        m_thread = std::jthread([this](const std::stop_token &stop) { run(stop); });
+    m_wanted = image;
+    if (!m_job.isRunning())
+        begin();
 }
 
-void FocusLoader::cancel()
+void FocusLoader::begin()
 {
-    std::shared_ptr<ImageObject> former;
-    const std::lock_guard lock(m_mutex);
-    std::swap(m_wanted, former);
+    m_loading = std::exchange(m_wanted, nullptr);
+    m_job.start([image = m_loading] { return image->loadImageFromDisk(); });
 }
 
-void FocusLoader::run(const std::stop_token &stop)
+void FocusLoader::ended(BackgroundJob::End end)
 {
-    std::unique_lock lock(m_mutex);
-    while (m_changed.wait(lock, stop, [this] { return m_wanted != nullptr; })) {
-        std::shared_ptr<ImageObject> image = std::exchange(m_wanted, nullptr);
-        lock.unlock();
-        const bool isLoaded = image->loadImageFromDisk();
-        // Handed over whole: the photo may go with it, and has to go on the main thread.
-        m_calls.post([this, image = std::move(image), isLoaded] { m_handler(image, isLoaded); });
-        lock.lock();
-    }
+    const std::shared_ptr<ImageObject> image = std::exchange(m_loading, nullptr);
+    if (m_wanted)
+        begin();
+    Q_EMIT loaded(image, end == BackgroundJob::End::Done);
 }
 
 } // namespace plexa

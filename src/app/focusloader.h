@@ -2,45 +2,37 @@
 
 #pragma once
 
+#include "app/backgroundjob.h"
 #include "app/imagelist.h"
-#include "app/mainthreadcalls.h"
-
-#include <condition_variable>
-#include <functional>
-#include <mutex>
-#include <thread>
 
 namespace plexa
 {
 
-/// Loads the photo that the user looks at, without holding up the window. Who walks through a long list is
-/// served with the photo where he stops: a photo that was asked for and not begun yet gives way to the next.
-class FocusLoader final
+/// Loads the photo that the user looks at in the background. While one is being loaded, only the last of the
+/// photos that are asked for waits: a user who walks through a long list gets the photo where he stops.
+/// Main thread.
+class FocusLoader final : public QObject
 {
+    Q_OBJECT
+
 public:
-    /// Called on the main thread, for every photo that was begun.
-    using Handler = std::function<void(const std::shared_ptr<ImageObject> &image, bool isLoaded)>;
+    FocusLoader();
 
-    /// @param calls  of the main thread; outlives this object
-    FocusLoader(MainThreadCalls &calls, Handler handler);
-    /// Waits for the photo in work.
-    ~FocusLoader();
-
-    /// Main thread.
     void load(const std::shared_ptr<ImageObject> &image);
+    /// Forgets the photo that waits.
+    void cancel() { m_wanted = nullptr; }
 
-    /// Nothing is wanted any more. Main thread.
-    void cancel();
+Q_SIGNALS:
+    /// Sent for each photo that was begun.
+    void loaded(const std::shared_ptr<plexa::ImageObject> &image, bool isLoaded);
 
 private:
-    void run(const std::stop_token &stop);
+    void begin();
+    void ended(BackgroundJob::End end);
 
-    MainThreadCalls &m_calls;
-    const Handler m_handler;
-    std::mutex m_mutex;
-    std::condition_variable_any m_changed;
-    std::shared_ptr<ImageObject> m_wanted; // guarded by m_mutex
-    std::jthread m_thread;                 // begins with the first photo
+    std::shared_ptr<ImageObject> m_wanted;
+    std::shared_ptr<ImageObject> m_loading;
+    BackgroundJob m_job;
 };
 
 } // namespace plexa

@@ -7,34 +7,23 @@
 namespace plexa
 {
 
-ImageImport::ImageImport(MainThreadCalls &calls, Source source, Handlers handlers, int threads)
-    : m_calls(calls)
-    , m_source(std::move(source))
-    , m_handlers(std::move(handlers))
+ImageImport::ImageImport(Source source, int threads)
+    : m_source(std::move(source))
     , m_threads(threads)
 {
-}
-
-ImageImport::~ImageImport()
-{
-    stop();
+    connect(&m_job, &BackgroundJob::ended, this, [this] {
+        m_begun.clear();
+        m_isBegun.clear();
+        Q_EMIT finished();
+    });
 }
 
 void ImageImport::start()
 {
-    m_isStopped = false;
-    m_thread = std::jthread([this] { run(); });
-}
-
-void ImageImport::run()
-{
-    for (ImageList round = nextRound(); !round.empty() && !m_isStopped; round = nextRound())
-        load(round);
-    m_calls.post([this] {
-        m_thread.join();
-        m_taken.clear();
-        m_isTaken.clear();
-        m_handlers.finished();
+    m_job.start([this] {
+        for (ImageList round = nextRound(); !round.empty() && !m_job.isCanceled(); round = nextRound())
+            load(round);
+        return true;
     });
 }
 
@@ -43,9 +32,9 @@ ImageList ImageImport::nextRound()
 {
     ImageList round;
     for (const std::shared_ptr<ImageObject> &image : m_source.images()) {
-        if (!m_isTaken.insert(image.get()).second)
+        if (!m_isBegun.insert(image.get()).second)
             continue;
-        m_taken.push_back(image);
+        m_begun.push_back(image);
         round.push_back(image);
     }
     return round;
@@ -53,20 +42,19 @@ ImageList ImageImport::nextRound()
 
 void ImageImport::load(const ImageList &round)
 {
-    std::vector<Outcome> outcomes(round.size(), Outcome::PassedOver);
+    std::vector<Outcome> outcomes(round.size(), Outcome::Skipped);
     OrderedWork job;
     job.count = round.size();
     job.threads = m_threads;
-    job.isStopped = [this] { return m_isStopped.load(); };
+    job.isStopped = [this] { return m_job.isCanceled(); };
     job.work = [&](std::size_t index) {
         ImageObject &image = *round[index];
         if (m_source.contains(&image))
             outcomes[index] = image.loadImageFromDisk() ? Outcome::Loaded : Outcome::Unreadable;
     };
     job.deliver = [&](std::size_t index) {
-        m_calls.post([this, image = round[index], outcome = outcomes[index]] {
-            m_handlers.delivered(image, outcome);
-        });
+        m_job.post(
+            [this, image = round[index], outcome = outcomes[index]] { Q_EMIT delivered(image, outcome); });
     };
     runOrdered(job);
 }

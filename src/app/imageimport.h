@@ -2,60 +2,54 @@
 
 #pragma once
 
+#include "app/backgroundjob.h"
 #include "app/imagelist.h"
-#include "app/mainthreadcalls.h"
 
-#include <atomic>
 #include <functional>
-#include <thread>
 #include <unordered_set>
 
 namespace plexa
 {
 
-/// Loads the photos of a set in the background: on as many threads as asked for, but reported in the set's
-/// order. Photos that join the set meanwhile are loaded as well, photos that leave it are passed over.
-class ImageImport final
+/// Loads the photos of a set in the background: on several threads, but reported in the set's order. Photos
+/// that join the set meanwhile are loaded as well, photos that leave it are skipped. Main thread.
+class ImageImport final : public QObject
 {
+    Q_OBJECT
+
 public:
-    enum class Outcome { Loaded, Unreadable, PassedOver };
+    enum class Outcome { Loaded, Unreadable, Skipped };
 
+    /// The set at this moment. Called on the threads of the import.
     struct Source {
-        std::function<ImageList()> images; ///< the set at this moment. Called on the import's threads
-        std::function<bool(const ImageObject *)> contains; ///< likewise
+        std::function<ImageList()> images;
+        std::function<bool(const ImageObject *)> contains;
     };
 
-    /// Called on the main thread.
-    struct Handlers {
-        std::function<void(const std::shared_ptr<ImageObject> &image, Outcome outcome)> delivered;
-        std::function<void()> finished; ///< after the last photo, also when the import was stopped
-    };
+    /// @param threads  photos that are loaded at a time
+    ImageImport(Source source, int threads);
 
-    /// @param calls  of the main thread; outlives this object
-    ImageImport(MainThreadCalls &calls, Source source, Handlers handlers, int threads);
-    /// Stops, and waits for the photos in work.
-    ~ImageImport();
-
-    /// Begins with all photos of the set. Nothing may run.
+    /// Begins with all photos of the set. No import may run.
     void start();
 
-    /// No further photo is begun; finished() is still called. Any thread.
-    void stop() { m_isStopped = true; }
+    /// No further photo is begun; finished() is still sent. Any thread.
+    void stop() { m_job.cancel(); }
+
+Q_SIGNALS:
+    void delivered(const std::shared_ptr<plexa::ImageObject> &image, plexa::ImageImport::Outcome outcome);
+    /// Sent after the last photo, even if the import was stopped.
+    void finished();
 
 private:
-    void run();
     ImageList nextRound();
     void load(const ImageList &round);
 
-    MainThreadCalls &m_calls;
     const Source m_source;
-    const Handlers m_handlers;
     const int m_threads;
-    std::atomic_bool m_isStopped = false;
-    // Kept until the thread is joined: photos are objects of the main thread and have to be destroyed there.
-    ImageList m_taken;
-    std::unordered_set<const ImageObject *> m_isTaken;
-    std::jthread m_thread;
+    // Kept until the end: photos are objects of the main thread, which has to destroy them.
+    ImageList m_begun;
+    std::unordered_set<const ImageObject *> m_isBegun;
+    BackgroundJob m_job;
 };
 
 } // namespace plexa

@@ -15,38 +15,33 @@ namespace
 
 using Clock = std::chrono::steady_clock;
 
-// Often enough to see the list grow, seldom enough not to keep the window busy.
+// The user sees the list grow, and the window stays responsive.
 constexpr auto kBatchInterval = std::chrono::milliseconds(50);
 
 } // namespace
 
-ImageScan::ImageScan(MainThreadCalls &calls, Handlers handlers)
-    : m_calls(calls)
-    , m_handlers(std::move(handlers))
+ImageScan::ImageScan()
 {
-}
-
-ImageScan::~ImageScan()
-{
-    stop();
+    connect(&m_job, &BackgroundJob::ended, this, &ImageScan::finished);
 }
 
 void ImageScan::start(const QStringList &paths)
 {
-    if (m_thread.joinable())
-        m_thread.join();
-    m_isStopped = false;
-    m_thread = std::jthread([this, paths] { run(paths); });
+    m_job.start([this, paths] {
+        run(paths);
+        return true;
+    });
 }
 
+/// Thread of the job.
 void ImageScan::run(const QStringList &paths)
 {
     QStringList batch;
-    QStringList unreadable;
-    Clock::time_point lastBatch; // the first file is shown at once
+    QStringList notRead;
+    Clock::time_point lastBatch; // the first file is handed over at once
     const auto handOver = [&] {
         if (!batch.isEmpty())
-            m_calls.post([this, found = std::exchange(batch, {})] { m_handlers.found(found); });
+            m_job.post([this, files = std::exchange(batch, {})] { Q_EMIT found(files); });
         lastBatch = Clock::now();
     };
     FolderWalk::Visitor visitor;
@@ -55,20 +50,17 @@ void ImageScan::run(const QStringList &paths)
         if (Clock::now() - lastBatch > kBatchInterval)
             handOver();
     };
-    visitor.unreadable = [&](const FolderWalk::Unreadable &what) { unreadable.append(what.path); };
+    visitor.unreadable = [&](const FolderWalk::Unreadable &what) { notRead.append(what.path); };
     visitor.isStopped = [this] { return isStopped(); };
     for (const QString &path : paths) {
         if (isStopped())
             break;
-        // A walk of its own: a folder that is given twice counts twice.
+        // A separate walk for each path: the photos of a folder that is given twice are added twice.
         FolderWalk(visitor).scanImagesAtPath(path, true);
     }
     handOver();
-    m_calls.post([this, unreadable] {
-        if (!unreadable.isEmpty())
-            m_handlers.unreadable(unreadable);
-        m_handlers.finished();
-    });
+    if (!notRead.isEmpty())
+        m_job.post([this, notRead] { Q_EMIT unreadable(notRead); });
 }
 
 } // namespace plexa

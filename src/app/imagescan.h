@@ -2,47 +2,39 @@
 
 #pragma once
 
-#include "app/mainthreadcalls.h"
+#include "app/backgroundjob.h"
 
 #include <QStringList>
-
-#include <atomic>
-#include <functional>
-#include <thread>
 
 namespace plexa
 {
 
-/// A walk over many paths on a thread of its own, which hands the files over in batches.
-class ImageScan final
+/// A walk over files and folders in the background that hands the files over in batches. Main thread.
+class ImageScan final : public QObject
 {
+    Q_OBJECT
+
 public:
-    /// Called on the main thread.
-    struct Handlers {
-        std::function<void(const QStringList &paths)> found;
-        std::function<void(const QStringList &paths)> unreadable; ///< before finished(), when there are any
-        std::function<void()> finished; ///< after the last batch, also when the scan was stopped
-    };
+    ImageScan();
 
-    /// @param calls  of the main thread; outlives this object
-    ImageScan(MainThreadCalls &calls, Handlers handlers);
-    /// Stops and waits for the thread.
-    ~ImageScan();
-
-    /// Begins to walk over these paths, in order. Nothing may run.
+    /// Begins to walk over these paths, in order. No scan may run.
     void start(const QStringList &paths);
 
-    /// No further file is looked at; finished() is still called. Any thread.
-    void stop() { m_isStopped = true; }
-    bool isStopped() const { return m_isStopped; }
+    /// No further file is read; finished() is still sent. Any thread.
+    void stop() { m_job.cancel(); }
+    bool isStopped() const { return m_job.isCanceled(); }
+
+Q_SIGNALS:
+    void found(const QStringList &paths);
+    /// Sent once, before finished(), if there are any.
+    void unreadable(const QStringList &paths);
+    /// Sent after the last batch, even if the scan was stopped.
+    void finished();
 
 private:
     void run(const QStringList &paths);
 
-    MainThreadCalls &m_calls;
-    const Handlers m_handlers;
-    std::atomic_bool m_isStopped = false;
-    std::jthread m_thread;
+    BackgroundJob m_job;
 };
 
 } // namespace plexa

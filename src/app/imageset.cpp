@@ -17,10 +17,10 @@ namespace plexa
 namespace
 {
 
-// Removing more groups of photos than this is told as a new list: each group costs a view as much.
+// Removals of more groups of photos than this are sent as a new list: for a view, one group costs as much.
 constexpr std::size_t kMaxRuns = 50;
 
-/// For a search that is blind to letter case and to the two ways of writing an accent.
+/// For a search without regard to letter case and to the two ways of encoding an accent.
 QString searchable(const QString &text)
 {
     return text.normalized(QString::NormalizationForm_C).toLower();
@@ -47,8 +47,8 @@ void eraseFrom(ImageList &list, const Identities &gone)
                   [&](const std::shared_ptr<ImageObject> &image) { return gone.contains(image.get()); });
 }
 
-/// Takes the images out of the list and puts them, in their order, before what stands at `target` now.
-/// @return where the first of them stands afterwards
+/// Moves the images, in their order, before the one that is at `target` now.
+/// @return the new index of the first of them
 std::ptrdiff_t moveBefore(ImageList &list, const ImageList &moved, std::ptrdiff_t target)
 {
     const Identities identities = identitiesOf(moved);
@@ -86,38 +86,19 @@ ImageSet::ImageSet(const ImageSetServices &services)
     : m_services(services)
     , m_images(std::make_shared<ImageList>())
     , m_imagesFiltered(m_images)
-    , m_focusLoader(m_calls, [this](const auto &image, bool isLoaded) { focusLoaded(image, isLoaded); })
-    , m_import(m_calls,
-               {[this] {
-                    const std::lock_guard lock(m_imagesLock);
-                    return *m_images;
-                },
-                [this](const ImageObject *image) { return contains(image); }},
-               {[this](const auto &image, ImageImport::Outcome outcome) { imageDelivered(image, outcome); },
-                [this] { finishedImportingImages(); }},
-               services.importThreads)
-    , m_scan(m_calls, {[this](const QStringList &paths) { takeFound(paths); },
-                       [this](const QStringList &paths) { takeUnreadable(paths); },
-                       [this] {
-                           m_hasScanEnded = true;
-                           if (!m_isAdding)
-                               scanEnded();
-                       }})
 {
-    m_imageBrowserUpdateTimer.setInterval(500);
-    connect(&m_imageBrowserUpdateTimer, &QTimer::timeout, this, [this] { refreshImageList(Refresh::Light); });
     connect(&m_selection, &ImageSelection::selectionChanged, this,
             [this] { m_services.status.setNSelectedImages(m_selection.selectedIndexes().size()); });
     connect(&m_selection, &ImageSelection::focusImageChanged, this,
             [this](int to) { focusImageDidChangeTo(to); });
+    connect(&m_focusLoader, &FocusLoader::loaded, this, &ImageSet::focusLoaded);
     updateStatus();
 }
 
-ImageSet::~ImageSet()
+ImageList ImageSet::imagesNow() const
 {
-    // Both end on their own ways; asked together, neither waits for the other.
-    m_scan.stop();
-    m_import.stop();
+    const std::lock_guard lock(m_imagesLock);
+    return *m_images;
 }
 
 bool ImageSet::contains(const ImageObject *image) const
@@ -177,7 +158,6 @@ void ImageSet::setImageListModeToBrowser(bool isBrowser)
     Q_EMIT imageListModeChanged(isBrowser);
     filterImages(m_filterText);
     m_selection.selectIndexes(selected);
-    importMissingImages();
 }
 
 bool ImageSet::matchesFilter(const ImageObject &image) const
@@ -209,12 +189,19 @@ void ImageSet::filterImages(const QString &text)
 
 void ImageSet::disableImageFilters()
 {
-    // Without a filter everything is in view already, and the selection need not go.
+    // Without a filter, all photos are shown already and the selection can stay.
     if (isFiltered())
         filterImages({});
 }
 
-void ImageSet::append(const ImageList &images)
+void ImageSet::addImage(const QString &path, const QString &pathToImportFrom)
+{
+    const auto image = std::make_shared<ImageObject>(path, m_services.photos);
+    image->setPathToImportFrom(pathToImportFrom);
+    addImages({image});
+}
+
+void ImageSet::addImages(const ImageList &images)
 {
     if (images.empty())
         return;
@@ -249,7 +236,7 @@ void ImageSet::removeImages(const ImageList &images)
             shown.append(static_cast<int>(index));
     }
     removeIndexes(shown);
-    // Those that the filter hides.
+    // The photos that the filter hides.
     const std::lock_guard lock(m_imagesLock);
     eraseFrom(*m_images, gone);
 }
@@ -259,7 +246,7 @@ void ImageSet::removeIndexes(const IndexList &indexes)
     if (indexes.isEmpty())
         return;
     const ImageSelection::Hold hold(m_selection);
-    ImageList gone; // until everybody has heard of it
+    ImageList gone; // kept until all signals are sent
     for (const int index : indexes)
         gone.push_back((*m_imagesFiltered)[static_cast<std::size_t>(index)]);
     const std::vector<IndexList> runs = runsOf(indexes);
@@ -296,7 +283,7 @@ void ImageSet::removeRun(const IndexList &run)
 
 void ImageSet::removeSelectedImages()
 {
-    // Nobody hears that nothing is selected, so the preview goes from one photo to the next.
+    // The empty selection is not sent: the preview goes from one photo to the next.
     std::optional<ImageSelection::Hold> hold(m_selection);
     const IndexList removed = m_selection.selectedIndexes();
     const int shown = m_selection.shownImageIndex();
@@ -336,13 +323,13 @@ void ImageSet::moveIndexes(const IndexList &indexes, int toIndex)
     refreshImageList(Refresh::Full);
 }
 
-/// @return where the first of them stands afterwards
+/// @return the new index of the first of them
 std::ptrdiff_t ImageSet::moveShown(const ImageList &moved, int toIndex)
 {
     const auto shownCount = static_cast<int>(m_imagesFiltered->size());
     const std::lock_guard lock(m_imagesLock);
     if (isFiltered()) {
-        // At the end, the shown list's length is meant, not that of the whole list.
+        // The end means the length of the shown list, not that of the whole one.
         const int target =
             toIndex < shownCount
                 ? indexIn(*m_images, (*m_imagesFiltered)[static_cast<std::size_t>(toIndex)].get())

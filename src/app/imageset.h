@@ -3,15 +3,10 @@
 #pragma once
 
 #include "app/focusloader.h"
-#include "app/imageimport.h"
 #include "app/imagelist.h"
-#include "app/imagescan.h"
 #include "app/imageselection.h"
-#include "app/mainthreadcalls.h"
 
 #include <QObject>
-#include <QStringList>
-#include <QTimer>
 
 #include <mutex>
 
@@ -22,7 +17,7 @@ class Alerts;
 class StatusManager;
 class UserDefaults;
 
-/// What a set works with. All of it outlives the set.
+/// What a set and the gathering of its photos use. All of it outlives them.
 struct ImageSetServices {
     const PhotoServices &photos;
     UserDefaults &defaults;
@@ -32,11 +27,9 @@ struct ImageSetServices {
 };
 
 /// The working set: the photos that the user has gathered, in his order, and those of them that are shown.
-/// In Small Batch mode ("browser mode", a grid) it holds at most 500 photos and loads all of them in the
-/// background; in Large Batch mode (a table) it has no limit and loads a photo when the user looks at it.
-///
-/// Lives on the main thread, and never holds it up: folders are walked and photos loaded elsewhere. Every
-/// index is one of imagesFiltered().
+/// In Small Batch mode ("browser mode", a grid) it holds at most 500 photos, all of which are loaded in the
+/// background (ImageGathering); in Large Batch mode (a table) it has no limit and loads a photo when the user
+/// selects it. Every index is one of imagesFiltered(). Main thread.
 class ImageSet final : public QObject
 {
     Q_OBJECT
@@ -47,12 +40,10 @@ public:
     enum class Refresh { Light, Full }; ///< pictures may have changed; anything may have
 
     explicit ImageSet(const ImageSetServices &services);
-    /// Waits for the photos in work.
-    ~ImageSet() override;
 
     /// The whole set.
     std::shared_ptr<const ImageList> images() const { return m_images; }
-    /// What is shown: the very same list while no filter is active, else a list of its own.
+    /// The shown photos: the very same list while no filter is active, else another one.
     std::shared_ptr<const ImageList> imagesFiltered() const { return m_imagesFiltered; }
     bool isFiltered() const { return m_imagesFiltered != m_images; }
 
@@ -68,24 +59,17 @@ public:
     void setImageListModeToBrowser(bool isBrowser);
     void switchImageListMode() { setImageListModeToBrowser(!m_imageListIsInBrowserMode); }
 
-    /// Adds the picture files of these paths, folders with all that is below them, in the background; then
-    /// imports them. What is dropped meanwhile waits its turn.
-    void scanImagesAtPaths(const QStringList &paths);
-    bool isScanning() const { return m_isScanning; }
+    /// The whole set as it is now. Any thread.
+    ImageList imagesNow() const;
+    /// Any thread.
+    bool contains(const ImageObject *image) const;
 
-    /// Adds one file, if it is a picture and the limit of Small Batch mode, or the user, allows.
-    /// @return whether it was added
-    bool addImageWithPath(const QString &path);
-
-    /// Adds a photo untested, whatever the limit.
+    /// Adds photos at the end, whatever the limit.
+    void addImages(const ImageList &images);
+    /// Adds a photo without a check of its type.
     /// @param pathToImportFrom  where it is read; empty: from its path
     void addImage(const QString &path, const QString &pathToImportFrom);
-
-    /// In Small Batch mode, begins to load what is not loaded; in Large Batch mode, stops that.
-    void importMissingImages();
-    bool isImportingImages() const { return m_isImportingImages; }
-    /// Ends scanning and importing at the next file. What was added stays.
-    void stopImportingImages();
+    void removeImages(const ImageList &images);
 
     QString filterText() const { return m_filterText; }
     /// Shows the photos whose file name contains the text, in any letter case; all of them for an empty one.
@@ -93,22 +77,21 @@ public:
     void disableImageFilters();
 
     void removeSelectedImages();
-    /// Moves photos before the one that stands at `toIndex` now; the list's length means to the end. While a
-    /// filter is active, the end of the shown list stands for the same number in the whole one.
+    /// Moves photos before the one that is at `toIndex` now; the list's length means to the end. While a
+    /// filter is active, the end of the shown list means the same index in the whole one.
     void moveIndexes(const IndexList &indexes, int toIndex);
 
-    /// The photo that shownImageChanged() told of last.
+    /// The photo of the last shownImageChanged().
     const std::shared_ptr<ImageObject> &shownImage() const { return m_shownImage; }
 
-    /// For who has loaded a photo: a list without pictures (Large Batch mode) keeps no thumbnail but that of
-    /// the shown photo.
+    /// Called after a photo was loaded: in Large Batch mode only the shown photo keeps its thumbnail.
     void forgetThumbnail(ImageObject &image);
 
     void refreshImageList(Refresh refresh) { Q_EMIT refreshed(refresh); }
 
 Q_SIGNALS:
-    // What happens to the shown list; each pair encloses one change. The selection is in step with the list
-    // when the second one is sent, and its own signals come afterwards.
+    // Changes of the shown list; each pair encloses one change. When the second one is sent, the selection
+    // has its new indexes. The signals of the selection are sent afterwards.
     void imagesAboutToBeInserted(int first, int last);
     void imagesInserted();
     void imagesAboutToBeRemoved(int first, int last);
@@ -119,38 +102,22 @@ Q_SIGNALS:
     void listReset();
 
     void refreshed(plexa::ImageSet::Refresh refresh);
-    /// The mode that now holds; also when a change was refused, so that a button can go back.
+    /// The mode of now. Sent even if a change was refused, so that a button can go back.
     void imageListModeChanged(bool isBrowser);
     void filterTextChanged();
     /// The photo to preview, loaded; null: none.
     void shownImageChanged(const std::shared_ptr<plexa::ImageObject> &image);
     /// The preview is to show the whole photo that has the focus, which may still be loading.
     void fitToWindowRequested();
-    void scanFinished();
-    void importFinished();
 
 private:
-    bool contains(const ImageObject *image) const;
     int indexOf(const ImageObject *image) const;
     bool matchesFilter(const ImageObject &image) const;
 
-    void append(const ImageList &images);
-    void removeImages(const ImageList &images);
     void removeIndexes(const IndexList &indexes);
     void removeRun(const IndexList &run);
     std::ptrdiff_t moveShown(const ImageList &moved, int toIndex);
     void updateStatus();
-
-    void startScan(const QStringList &paths);
-    void takeFound(const QStringList &paths);
-    void takeUnreadable(const QStringList &paths);
-    bool isFull(std::size_t waiting) const;
-    bool mayGrowBeyondLimit();
-    void scanEnded();
-
-    void imageDelivered(const std::shared_ptr<ImageObject> &image, ImageImport::Outcome outcome);
-    void finishedImportingImages();
-    void reportUnsupportedFiles();
 
     void focusImageDidChangeTo(int index);
     void focusLoaded(const std::shared_ptr<ImageObject> &image, bool isLoaded);
@@ -164,28 +131,9 @@ private:
     ImageSelection m_selection;
     std::shared_ptr<ImageObject> m_shownImage;
     QString m_filterText;
-    QString m_searchedText; // the same as it is compared
+    QString m_searchedText; // the same in the form that is compared
     bool m_imageListIsInBrowserMode = true;
-
-    bool m_isScanning = false;
-    bool m_isAdding = false;        // a question may be open
-    bool m_hasScanEnded = false;    // its last files may still wait for that question
-    bool m_isStopRequested = false; // by the user, for all that is going on
-    QStringList m_found;            // not added yet
-    QStringList m_waitingPaths;     // of the next scan
-    std::size_t m_nFound = 0;
-
-    bool m_isImportingImages = false;
-    bool m_isImportWanted = false; // once more when the running one has ended
-    std::size_t m_nImported = 0;
-    QStringList m_unsupportedFiles;
-    QTimer m_imageBrowserUpdateTimer;
-
-    // The threads are joined first.
-    MainThreadCalls m_calls;
     FocusLoader m_focusLoader;
-    ImageImport m_import;
-    ImageScan m_scan;
 };
 
 } // namespace plexa

@@ -32,11 +32,7 @@ ManualPositions::ManualPositions(StatusManager &status, int threads)
     : m_status(status)
     , m_threads(threads)
 {
-}
-
-ManualPositions::~ManualPositions()
-{
-    stopPastingSettings();
+    connect(&m_job, &BackgroundJob::ended, this, &ManualPositions::finishedPaste);
 }
 
 bool ManualPositions::canCopyForPreset(const ImageObject &image, const WPreset *preset)
@@ -82,40 +78,43 @@ void ManualPositions::pasteManualPositioning(const ImageList &images,
 {
     if (!hasCopy())
         return;
-    Job job;
-    job.images = images;
-    job.replacesAll = !m_copyForAllPresets.empty();
-    if (job.replacesAll)
-        job.positions = m_copyForAllPresets;
+    Paste paste;
+    paste.images = images;
+    paste.replacesAll = !m_copyForAllPresets.empty();
+    if (paste.replacesAll)
+        paste.positions = m_copyForAllPresets;
     else if (currentPreset)
-        job.positions = {{currentPreset, *m_copyForCurrentPreset}};
-    m_jobs.push_back(std::move(job));
-    if (m_jobs.size() == 1)
-        startJob();
+        paste.positions = {{currentPreset, *m_copyForCurrentPreset}};
+    m_pastes.push_back(std::move(paste));
+    if (m_pastes.size() == 1)
+        startPaste();
 }
 
-void ManualPositions::startJob()
+void ManualPositions::startPaste()
 {
-    m_isStopped = false;
     m_status.startOperation(StatusOperation::Pasting);
-    m_thread = std::jthread([this, &job = m_jobs.front()] { pasteThread(job); });
+    // The first one of the queue stays in its place until the end.
+    m_job.start([this, &paste = m_pastes.front()] {
+        runPaste(paste);
+        return true;
+    });
 }
 
-/// @param job  stays where it is until the thread is joined
-void ManualPositions::pasteThread(const Job &job)
+/// Thread of the job.
+void ManualPositions::runPaste(const Paste &paste)
 {
     LockedImagesWork work;
-    work.images = job.images;
+    work.images = paste.images;
     work.threads = m_threads;
-    work.work = [&job](ImageObject &image, bool) {
-        // Its size is all that is needed of the photo, and stands in the file's headers.
+    work.work = [&paste](ImageObject &image, bool) {
+        // Only the photo's size is needed. The headers of its file have it.
         const Result<PhotoFacts> facts = image.readFacts();
         if (!facts)
             return;
         const QSizeF size = facts->pixelSize();
-        if (job.replacesAll)
+        if (paste.replacesAll)
             image.resetAllCustomWatermarkRectOrigins();
-        for (const Position &position : job.positions) {
+        for (const Position &position : paste.positions) {
             image.setCustomWatermarkRectOrigin(
                 {position.relative.x() * size.width(), position.relative.y() * size.height()},
                 position.preset);
@@ -124,24 +123,22 @@ void ManualPositions::pasteThread(const Job &job)
     std::size_t done = 0;
     work.done = [&](const std::shared_ptr<ImageObject> &) {
         ++done;
-        m_status.setProgress(static_cast<float>(done) / static_cast<float>(job.images.size()),
+        m_status.setProgress(static_cast<float>(done) / static_cast<float>(paste.images.size()),
                              StatusOperation::Pasting);
     };
-    work.isStopped = [this] { return m_isStopped.load(); };
+    work.isStopped = [this] { return m_job.isCanceled(); };
     runOnLockedImages(work);
-    m_calls.post([this] { finishedJob(); });
 }
 
-void ManualPositions::finishedJob()
+void ManualPositions::finishedPaste(BackgroundJob::End end)
 {
-    m_thread.join();
-    m_jobs.pop_front();
-    if (m_isStopped)
-        m_jobs.clear();
+    m_pastes.pop_front();
+    if (end == BackgroundJob::End::Canceled)
+        m_pastes.clear();
     m_status.endOperation(StatusOperation::Pasting);
     Q_EMIT pasteFinished();
-    if (!m_jobs.empty() && !m_thread.joinable())
-        startJob();
+    if (!m_pastes.empty() && !m_job.isRunning())
+        startPaste();
 }
 
 } // namespace plexa

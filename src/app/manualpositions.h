@@ -2,17 +2,15 @@
 
 #pragma once
 
+#include "app/backgroundjob.h"
 #include "app/imagelist.h"
-#include "app/mainthreadcalls.h"
 #include "watermark/wpreset.h"
 
 #include <QObject>
 #include <QPointF>
 
-#include <atomic>
 #include <deque>
 #include <optional>
-#include <thread>
 
 namespace plexa
 {
@@ -30,8 +28,6 @@ public:
     /// @param status   outlives this object
     /// @param threads  photos that are worked on at a time
     ManualPositions(StatusManager &status, int threads);
-    /// Stops, and waits for the photos in work.
-    ~ManualPositions() override;
 
     static bool canCopyForPreset(const ImageObject &image, const WPreset *preset);
     static bool canCopyForPresets(const ImageObject &image, const WPresetList &presets);
@@ -50,10 +46,10 @@ public:
     /// this one waits its turn.
     /// @param currentPreset  whom a copy for the current preset is for; null: nobody
     void pasteManualPositioning(const ImageList &images, const std::shared_ptr<const WPreset> &currentPreset);
-    bool isPasting() const { return !m_jobs.empty(); }
+    bool isPasting() const { return !m_pastes.empty(); }
 
     /// No further photo is begun; what is pasted stays. Any thread.
-    void stopPastingSettings() { m_isStopped = true; }
+    void stopPastingSettings() { m_job.cancel(); }
 
 Q_SIGNALS:
     void copyChanged();
@@ -64,24 +60,22 @@ private:
         std::shared_ptr<const WPreset> preset;
         QPointF relative;
     };
-    struct Job {
+    struct Paste {
         ImageList images;
         bool replacesAll = false;
         std::vector<Position> positions;
     };
 
-    void startJob();
-    void pasteThread(const Job &job);
-    void finishedJob();
+    void startPaste();
+    void runPaste(const Paste &paste);
+    void finishedPaste(BackgroundJob::End end);
 
     StatusManager &m_status;
     const int m_threads;
     std::optional<QPointF> m_copyForCurrentPreset;
     std::vector<Position> m_copyForAllPresets;
-    std::deque<Job> m_jobs; // the first one runs
-    std::atomic_bool m_isStopped = false;
-    MainThreadCalls m_calls;
-    std::jthread m_thread;
+    std::deque<Paste> m_pastes; // the first one runs
+    BackgroundJob m_job;
 };
 
 } // namespace plexa

@@ -30,7 +30,7 @@ namespace
 /// A delegate with all that it works with.
 struct Fixture {
     WorkingSet files;
-    AppController controller{{files.photos, files.defaults, files.alerts, 2}};
+    AppController controller{{files.photos, files.defaults, files.alerts, files.store, 2}};
     QList<QUrl> openedUrls;
     AppDelegate delegate{
         {files.defaults, files.alerts, controller, [this](const QUrl &url) { openedUrls.append(url); }}};
@@ -95,16 +95,13 @@ void AppDelegateTest::opensFiles()
     QSignalSpy windowWanted(&fixture.delegate, &AppDelegate::windowWanted);
     const QString photo = fixture.files.photo(QStringLiteral("a.png"));
     fixture.delegate.openFiles({photo});
-    QTRY_VERIFY(isIdle(fixture.controller.imageSet()));
+    QTRY_VERIFY(isIdle(fixture.controller.gathering()));
     QCOMPARE(shownNames(fixture.controller.imageSet()), QStringLiteral("a"));
 
     // Photos that come with an exchange info file are not photos of their own.
-    QString exchanged;
-    fixture.delegate.setExchange([&exchanged](const QString &path) { exchanged = path; });
     const QString info = fixture.files.folder.path(QStringLiteral("info.qtxf"));
     fixture.delegate.openFiles({info, photo});
-    QTRY_VERIFY(isIdle(fixture.controller.imageSet()));
-    QCOMPARE(exchanged, info);
+    QTRY_VERIFY(isIdle(fixture.controller.gathering()));
     QCOMPARE(shownNames(fixture.controller.imageSet()), QStringLiteral("a"));
 
     fixture.delegate.openFiles({}); // from a second start without files

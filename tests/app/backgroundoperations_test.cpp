@@ -40,7 +40,7 @@ private:
     void addPhotos(const QList<QSize> &sizes);
     ImageObject &photo(std::size_t index) { return *(*m_app->imageSet().images())[index]; }
     std::shared_ptr<WPreset> newPreset(const QString &name);
-    bool isRunning() const { return m_app->commandState(0).hasCurrentBatchOperation; }
+    bool isRunning() const { return m_app->commandState().hasCurrentBatchOperation; }
 
     std::unique_ptr<WorkingSet> m_work;
     std::unique_ptr<AppController> m_app;
@@ -51,7 +51,7 @@ void BackgroundOperationsTest::init()
     m_work = std::make_unique<WorkingSet>();
     m_work->defaults.setObject(settings::lastUsedMode, 1);
     m_app = std::make_unique<AppController>(
-        AppController::Services{m_work->photos, m_work->defaults, m_work->alerts, 2});
+        AppController::Services{m_work->photos, m_work->defaults, m_work->alerts, m_work->store, 2});
     m_app->imageSet().setImageListModeToBrowser(false);
 }
 
@@ -234,7 +234,7 @@ void BackgroundOperationsTest::keepsNoThumbnailsOfALongList()
     photo(0).setMetadata(edited);
 
     set.setImageListModeToBrowser(true);
-    QTRY_VERIFY(!set.isImportingImages());
+    QTRY_VERIFY(!m_app->gathering().isImportingImages());
     QCOMPARE(photo(0).thumbnail().size(), QSize(20, 40));
     QCOMPARE(photo(0).originalCGImage().size(), QSize(20, 40));
     QCOMPARE(photo(0).metadata()->iptcCreator().toString(), QStringLiteral("somebody"));
@@ -254,10 +254,10 @@ void BackgroundOperationsTest::pastesRelativePositions()
     m_app->pasteManualPositioning(); // nothing copied yet
     QVERIFY(!m_app->manualPositions().isPasting());
     selection.selectIndexes({0});
-    QVERIFY(m_app->commandState(0).canCopyForAllPresets && !m_app->commandState(0).canCopyForCurrentPreset);
+    QVERIFY(m_app->commandState().canCopyForAllPresets && !m_app->commandState().canCopyForCurrentPreset);
     m_app->copyManualPositioning(AppController::Presets::All);
     selection.selectIndexes({1, 2});
-    QVERIFY(m_app->commandState(0).hasCopiedPositions);
+    QVERIFY(m_app->commandState().hasCopiedPositions);
     const QSignalSpy previews(m_app.get(), &AppController::previewOutdated);
     m_app->pasteManualPositioning();
     QTRY_VERIFY(!m_app->manualPositions().isPasting());

@@ -15,7 +15,7 @@ namespace
 class HeldImport
 {
 public:
-    HeldImport(WorkingSet &work, ImageSet &set, int count)
+    HeldImport(WorkingSet &work, ImageSet &set, ImageGathering &gathering, int count)
     {
         const QDir folder(work.manyPhotos(count));
         for (const QString &name : folder.entryList(QDir::Files, QDir::Name))
@@ -23,7 +23,7 @@ public:
         m_locked.assign(set.images()->begin(), set.images()->begin() + work.services().importThreads);
         for (const auto &image : m_locked)
             image->lock();
-        set.importMissingImages();
+        gathering.importMissingImages();
     }
 
     ~HeldImport()
@@ -74,6 +74,7 @@ void ImageImportTest::reportsUnreadableFiles()
     QFETCH(int, count);
     WorkingSet work;
     ImageSet set(work.services());
+    ImageGathering gathering(set, work.services());
     const Mirror mirror(set);
     QStringList paths;
     QStringList broken;
@@ -82,8 +83,8 @@ void ImageImportTest::reportsUnreadableFiles()
         paths << broken.last() << work.photo(QStringLiteral("good%1.jpg").arg(i));
     }
     work.alerts.expect(QStringLiteral("Cannot open the following %1 file(s):").arg(count));
-    set.scanImagesAtPaths(paths);
-    QTRY_VERIFY(isIdle(set));
+    gathering.scanImagesAtPaths(paths);
+    QTRY_VERIFY(isIdle(gathering));
     QCOMPARE(work.alerts.complaints(), QStringList());
     QString text = broken.mid(0, 10).join(QLatin1Char('\n'));
     if (count == 12)
@@ -99,8 +100,8 @@ void ImageImportTest::reportsUnreadableFiles()
         QVERIFY(image->isLoaded() && !image->thumbnail().isNull());
     }
     // A second import finds nothing to complain of.
-    set.importMissingImages();
-    QTRY_VERIFY(isIdle(set));
+    gathering.importMissingImages();
+    QTRY_VERIFY(isIdle(gathering));
     QCOMPARE(work.alerts.complaints(), QStringList());
 }
 
@@ -108,6 +109,7 @@ void ImageImportTest::reportsUnreadableFolders()
 {
     WorkingSet work;
     ImageSet set(work.services());
+    ImageGathering gathering(set, work.services());
     set.setImageListModeToBrowser(false); // where no import comes afterwards
     const QString folder = QFileInfo(work.photo(QStringLiteral("secret/a.jpg"))).path();
     QFile::setPermissions(folder, QFile::Permissions());
@@ -116,8 +118,8 @@ void ImageImportTest::reportsUnreadableFolders()
         QSKIP("this user may read everything");
     }
     work.alerts.expect(QStringLiteral("Cannot open the following 1 file(s):"));
-    set.scanImagesAtPaths({folder});
-    QTRY_VERIFY(isIdle(set));
+    gathering.scanImagesAtPaths({folder});
+    QTRY_VERIFY(isIdle(gathering));
     QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     QCOMPARE(work.alerts.complaints(), QStringList());
     QVERIFY(work.alerts.shown().constFirst().text.startsWith(folder));
@@ -127,13 +129,14 @@ void ImageImportTest::reportsNamesThatAreNoText()
 {
     WorkingSet work;
     ImageSet set(work.services());
+    ImageGathering gathering(set, work.services());
     const QString folder = QFileInfo(work.photo(QStringLiteral("a.jpg"))).path();
     const QByteArray name = QFile::encodeName(folder) + "/f\xfcr.jpg"; // Latin-1
     QVERIFY(QFile::copy(folder + QStringLiteral("/a.jpg"), folder + QStringLiteral("/b.jpg")));
     QCOMPARE(::rename(QFile::encodeName(folder + QStringLiteral("/b.jpg")).constData(), name.constData()), 0);
     work.alerts.expect(QStringLiteral("Cannot open the following 1 file(s):"));
-    set.scanImagesAtPaths({folder});
-    QTRY_VERIFY(isIdle(set));
+    gathering.scanImagesAtPaths({folder});
+    QTRY_VERIFY(isIdle(gathering));
     QCOMPARE(work.alerts.complaints(), QStringList());
     QCOMPARE(shownNames(set), QStringLiteral("a"));
     QVERIFY(work.alerts.shown().constFirst().text.startsWith(folder + QStringLiteral("/f")));
@@ -145,6 +148,7 @@ void ImageImportTest::keepsTheSelection()
 {
     WorkingSet work;
     ImageSet set(work.services());
+    ImageGathering gathering(set, work.services());
     for (const char *name : {"bad1", "a", "bad2", "b", "c"}) {
         const QString file = QLatin1String(name) + QStringLiteral(".png");
         set.addImage(file.startsWith(QLatin1String("bad")) ? work.brokenPhoto(file) : work.photo(file), {});
@@ -153,8 +157,8 @@ void ImageImportTest::keepsTheSelection()
     set.selection().select({0, 3, 4}, 3);
     const QSignalSpy focusChanges(&set.selection(), &ImageSelection::focusImageChanged);
     work.alerts.expect(QStringLiteral("Cannot open the following 2 file(s):"));
-    set.importMissingImages();
-    QTRY_VERIFY(isIdle(set));
+    gathering.importMissingImages();
+    QTRY_VERIFY(isIdle(gathering));
     QCOMPARE(names(set.selectedImages()), QStringLiteral("b c"));
     QCOMPARE(set.selection().focusIndex(), 1);
     QVERIFY(focusChanges.isEmpty());
@@ -165,16 +169,17 @@ void ImageImportTest::takesInWhatIsAddedMeanwhile()
 {
     WorkingSet work;
     ImageSet set(work.services());
+    ImageGathering gathering(set, work.services());
     const QString late = work.photo(QStringLiteral("late.jpg"));
-    const QSignalSpy ends(&set, &ImageSet::importFinished);
+    const QSignalSpy ends(&gathering, &ImageGathering::importFinished);
     {
-        const HeldImport held(work, set, 40);
+        const HeldImport held(work, set, gathering, 40);
         for (int i = 0; i < 20; ++i)
-            set.scanImagesAtPaths({late});
-        QTRY_VERIFY(!set.isScanning());
-        QVERIFY(set.isImportingImages());
+            gathering.scanImagesAtPaths({late});
+        QTRY_VERIFY(!gathering.isScanning());
+        QVERIFY(gathering.isImportingImages());
     }
-    QTRY_VERIFY(isIdle(set));
+    QTRY_VERIFY(isIdle(gathering));
     QCOMPARE(set.images()->size(), 60U);
     QVERIFY(areAllLoaded(set));
     QCOMPARE(ends.size(), 1);
@@ -187,45 +192,48 @@ void ImageImportTest::stopsAndGoesOn()
 {
     WorkingSet work;
     ImageSet set(work.services());
+    ImageGathering gathering(set, work.services());
     {
-        const HeldImport held(work, set, 30);
-        set.stopImportingImages();
+        const HeldImport held(work, set, gathering, 30);
+        gathering.stopImportingImages();
     }
-    QTRY_VERIFY(isIdle(set));
+    QTRY_VERIFY(isIdle(gathering));
     QCOMPARE(set.images()->size(), 30U);
     QVERIFY(!(*set.images())[3]->imageHasBeenLoaded());
     QTRY_COMPARE(work.status.line().text, QStringLiteral("30 images"));
     QVERIFY(!work.status.line().canBeStopped);
 
-    set.importMissingImages();
-    QTRY_VERIFY(isIdle(set));
+    gathering.importMissingImages();
+    QTRY_VERIFY(isIdle(gathering));
     QVERIFY(areAllLoaded(set));
 
     // A stopped scan starts no import.
-    set.scanImagesAtPaths({QFileInfo(set.images()->front()->path()).path()});
-    set.stopImportingImages();
-    QTRY_VERIFY(!set.isScanning());
-    QVERIFY(!set.isImportingImages());
+    gathering.scanImagesAtPaths({QFileInfo(set.images()->front()->path()).path()});
+    gathering.stopImportingImages();
+    QTRY_VERIFY(!gathering.isScanning());
+    QVERIFY(!gathering.isImportingImages());
 }
 
 void ImageImportTest::modesStopAndStart()
 {
     WorkingSet work;
     ImageSet set(work.services());
+    ImageGathering gathering(set, work.services());
     {
-        const HeldImport held(work, set, 30);
+        const HeldImport held(work, set, gathering, 30);
         set.switchImageListMode();
         set.switchImageListMode(); // while the first import is still on its way out
     }
-    QTRY_VERIFY(isIdle(set));
+    QTRY_VERIFY(isIdle(gathering));
     QVERIFY(areAllLoaded(set));
 
     WorkingSet other;
     ImageSet large(other.services());
+    ImageGathering largeGathering(large, other.services());
     large.setImageListModeToBrowser(false);
-    large.scanImagesAtPaths({other.manyPhotos(20)});
+    largeGathering.scanImagesAtPaths({other.manyPhotos(20)});
     QTRY_COMPARE(large.images()->size(), 20U);
-    QTRY_VERIFY(isIdle(large));
+    QTRY_VERIFY(isIdle(largeGathering));
     QVERIFY(!large.images()->front()->imageHasBeenLoaded());
 }
 
@@ -233,6 +241,7 @@ void ImageImportTest::removedMeanwhile()
 {
     WorkingSet work;
     ImageSet set(work.services());
+    ImageGathering gathering(set, work.services());
     const Mirror mirror(set);
     for (int i = 0; i < 100; ++i)
         set.addImage(i < 50 ? work.brokenPhoto(QStringLiteral("bad%1.jpg").arg(i))
@@ -242,7 +251,7 @@ void ImageImportTest::removedMeanwhile()
     const ImageList held(set.images()->begin(), set.images()->begin() + 2);
     for (const auto &image : held)
         image->lock();
-    set.importMissingImages();
+    gathering.importMissingImages();
     QTRY_VERIFY(set.images()->back()->isLoaded());
     set.filterImages(QStringLiteral("bad"));
     set.selection().selectAll();
@@ -251,7 +260,7 @@ void ImageImportTest::removedMeanwhile()
     set.moveIndexes({3, 4, 5}, 0);
     for (const auto &image : held)
         image->unlock();
-    QTRY_VERIFY(isIdle(set));
+    QTRY_VERIFY(isIdle(gathering));
     // What the user has removed himself is no news to him.
     QCOMPARE(work.alerts.shown().size(), 0);
     QCOMPARE(set.images()->size(), 50U);
@@ -264,12 +273,14 @@ void ImageImportTest::destroyedMeanwhile()
     WorkingSet work;
     {
         ImageSet set(work.services());
-        set.scanImagesAtPaths({work.manyPhotos(200)});
+        ImageGathering gathering(set, work.services());
+        gathering.scanImagesAtPaths({work.manyPhotos(200)});
     }
     {
         ImageSet set(work.services());
+        ImageGathering gathering(set, work.services());
         {
-            const HeldImport held(work, set, 200);
+            const HeldImport held(work, set, gathering, 200);
             set.selection().selectIndexes({199});
         }
     }

@@ -45,13 +45,16 @@ private:
 
     std::unique_ptr<WorkingSet> m_work;
     std::unique_ptr<ImageSet> m_set;
+    std::unique_ptr<ImageGathering> m_gathering;
     std::unique_ptr<Mirror> m_mirror;
 };
 
 void ImageSetTest::init()
 {
     m_work = std::make_unique<WorkingSet>();
+    m_work->defaults.removeObjectForKey(settings::imageListIsInBrowserMode); // of the test before
     m_set = std::make_unique<ImageSet>(m_work->services());
+    m_gathering = std::make_unique<ImageGathering>(*m_set, m_work->services());
     m_mirror = std::make_unique<Mirror>(*m_set);
 }
 
@@ -60,6 +63,7 @@ void ImageSetTest::cleanup()
     QVERIFY(m_mirror->isTrue());
     QCOMPARE(m_work->alerts.complaints(), QStringList());
     m_mirror.reset();
+    m_gathering.reset();
     m_set.reset();
     m_work.reset();
 }
@@ -98,7 +102,9 @@ void ImageSetTest::typeTest()
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(contents);
     file.close();
-    QCOMPARE(m_set->addImageWithPath(path), isImage);
+    m_set->setImageListModeToBrowser(false); // which opens none of them
+    m_gathering->scanImagesAtPaths({path});
+    QTRY_VERIFY(isIdle(*m_gathering));
     QCOMPARE(m_set->images()->size(), isImage ? 1U : 0U);
 }
 
@@ -116,19 +122,19 @@ void ImageSetTest::scansFolders()
     QVERIFY(QFile::link(QStringLiteral("/nowhere/at/all"), top + QStringLiteral("/dead.jpg")));
     QCOMPARE(::mkfifo(QFile::encodeName(top + QStringLiteral("/pipe")).constData(), 0600), 0);
 
-    m_set->scanImagesAtPaths({top, top + QStringLiteral("/gone.jpg")});
-    QTRY_VERIFY(isIdle(*m_set));
+    m_gathering->scanImagesAtPaths({top, top + QStringLiteral("/gone.jpg")});
+    QTRY_VERIFY(isIdle(*m_gathering));
     QStringList found = shownNames(*m_set).split(QLatin1Char(' '));
     found.sort();
     QCOMPARE(found, QStringList({QStringLiteral("deep"), QStringLiteral("inside")}));
 
     // What is dropped once more is there twice.
-    m_set->scanImagesAtPaths({top + QStringLiteral("/folder.jpg/"), top + QStringLiteral("/App.app/")});
-    QTRY_VERIFY(isIdle(*m_set));
+    m_gathering->scanImagesAtPaths({top + QStringLiteral("/folder.jpg/"), top + QStringLiteral("/App.app/")});
+    QTRY_VERIFY(isIdle(*m_gathering));
     QCOMPARE(m_set->images()->size(), 3U);
 
-    m_set->scanImagesAtPaths({});
-    QVERIFY(isIdle(*m_set));
+    m_gathering->scanImagesAtPaths({});
+    QVERIFY(isIdle(*m_gathering));
 }
 
 void ImageSetTest::listsInTheFileSystemsOrder()
@@ -141,8 +147,8 @@ void ImageSetTest::listsInTheFileSystemsOrder()
         listed.append(QString::fromStdString(entry.path().stem().string()));
     const QString single = m_work->photo(QStringLiteral("first.png"));
     QFile::rename(single, m_work->folder.path(QStringLiteral("first.png")));
-    m_set->scanImagesAtPaths({m_work->folder.path(QStringLiteral("first.png")), top});
-    QTRY_VERIFY(isIdle(*m_set));
+    m_gathering->scanImagesAtPaths({m_work->folder.path(QStringLiteral("first.png")), top});
+    QTRY_VERIFY(isIdle(*m_gathering));
     QCOMPARE(shownNames(*m_set), QStringLiteral("first ") + listed.join(QLatin1Char(' ')));
 }
 
@@ -150,9 +156,9 @@ void ImageSetTest::scansWaitForEachOther()
 {
     const QString many = m_work->manyPhotos(60);
     const QString last = m_work->photo(QStringLiteral("last.jpg"));
-    m_set->scanImagesAtPaths({many});
-    m_set->scanImagesAtPaths({last});
-    QTRY_VERIFY(isIdle(*m_set));
+    m_gathering->scanImagesAtPaths({many});
+    m_gathering->scanImagesAtPaths({last});
+    QTRY_VERIFY(isIdle(*m_gathering));
     QCOMPARE(m_set->images()->size(), 61U);
     QCOMPARE(m_set->images()->back()->filename(), QStringLiteral("last"));
 }
@@ -177,8 +183,8 @@ void ImageSetTest::limitOfSmallBatchMode()
     const QString title = QStringLiteral("Adding too many images in the Small Batch mode!");
     if (answer >= 0)
         m_work->alerts.expect(title, {answer, false});
-    m_set->scanImagesAtPaths({m_work->manyPhotos(count)});
-    QTRY_VERIFY_WITH_TIMEOUT(isIdle(*m_set), 60'000);
+    m_gathering->scanImagesAtPaths({m_work->manyPhotos(count)});
+    QTRY_VERIFY_WITH_TIMEOUT(isIdle(*m_gathering), 60'000);
     QCOMPARE(m_set->images()->size(), static_cast<std::size_t>(images));
     QCOMPARE(m_set->imageListIsInBrowserMode(), isSmallBatch);
     QCOMPARE(m_work->defaults.boolForKey(settings::imageListIsInBrowserMode), isSmallBatch);
@@ -217,7 +223,7 @@ void ImageSetTest::returnsToSmallBatchMode()
     QCOMPARE(m_set->imageListIsInBrowserMode(), isAllowed);
     QCOMPARE(m_set->selection().selectedIndexes(), IndexList({3, 7}));
     QCOMPARE(m_set->selection().shownImageIndex(), 3);
-    QCOMPARE(m_set->isImportingImages(), isAllowed);
+    QCOMPARE(m_gathering->isImportingImages(), isAllowed);
     if (!isAllowed) {
         QCOMPARE(m_work->alerts.shown().constFirst().text,
                  QStringLiteral("501 images are currently imported. You cannot work with over 500 images in "
@@ -408,9 +414,9 @@ void ImageSetTest::selectionCommands()
 void ImageSetTest::followsThePhotoThatHasTheFocus()
 {
     m_set->setImageListModeToBrowser(false);
-    m_set->scanImagesAtPaths({m_work->photo(QStringLiteral("good.jpg")),
-                              m_work->brokenPhoto(QStringLiteral("bad.jpg")),
-                              m_work->photo(QStringLiteral("after.jpg"))});
+    m_gathering->scanImagesAtPaths({m_work->photo(QStringLiteral("good.jpg")),
+                                    m_work->brokenPhoto(QStringLiteral("bad.jpg")),
+                                    m_work->photo(QStringLiteral("after.jpg"))});
     QTRY_COMPARE(shownNames(*m_set), QStringLiteral("good bad after"));
     const ImageList images = *m_set->images();
     ImageList shown;

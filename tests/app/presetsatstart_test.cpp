@@ -3,6 +3,7 @@
 #include "app/appcontroller.h"
 #include "app/workingset.h"
 #include "presets/presetsstore.h"
+#include "support/keyedarchives.h"
 
 #include <QProcess>
 #include <QSignalSpy>
@@ -29,8 +30,8 @@ void PresetsAtStartTest::fromStartToStart()
     QString applied;
     {
         PresetsStore store(work.alerts, work.fonts);
-        AppController app({work.photos, work.defaults, work.alerts, 2});
-        app.readPresets(store);
+        AppController app({work.photos, work.defaults, work.alerts, store, 2});
+        app.readPresets();
         QVERIFY(store.wPresets().size() >= 2 && app.appliedPresets().wPresetsApplied().empty());
         QCOMPARE(app.appliedPresets().quickWPreset(), store.quickWPreset());
         applied = store.wPresets().at(1)->name();
@@ -43,8 +44,8 @@ void PresetsAtStartTest::fromStartToStart()
         app.rememberPresets();
     }
     PresetsStore store(work.alerts, work.fonts);
-    AppController app({work.photos, work.defaults, work.alerts, 2});
-    app.readPresets(store);
+    AppController app({work.photos, work.defaults, work.alerts, store, 2});
+    app.readPresets();
     QCOMPARE(app.appliedPresets().quickWPreset()->fontSize(), WholeNumber(77));
     QCOMPARE(app.appliedPresets().wPresetsApplied().size(), std::size_t(1));
     // The very object of the list.
@@ -57,19 +58,19 @@ void PresetsAtStartTest::filesFromTheDesktop()
 {
     WorkingSet work;
     PresetsStore store(work.alerts, work.fonts);
-    AppController app({work.photos, work.defaults, work.alerts, 2});
-    app.readPresets(store);
+    AppController app({work.photos, work.defaults, work.alerts, store, 2});
+    app.readPresets();
     const std::size_t watermarks = store.wPresets().size();
     const std::size_t savings = store.savingPresets().size();
     const QString file = work.folder.path(QStringLiteral("Mine.PXWPR"));
     QVERIFY(QFile::copy(QStringLiteral(":/plexa/presets/example_wpresets.pxwpr"), file));
     work.alerts.expect(QStringLiteral("Presets imported"));
-    QVERIFY(app.importPresetsFile(file));
+    QVERIFY(app.presetCommands().importPresetsFile(file));
     work.alerts.expect(QStringLiteral("Presets imported"));
-    QVERIFY(app.importPresetsFile(QStringLiteral(":/plexa/presets/example_spresets.pxspr")));
+    QVERIFY(app.presetCommands().importPresetsFile(QStringLiteral(":/plexa/presets/example_spresets.pxspr")));
     work.alerts.expect(QStringLiteral("Presets import failed"));
-    QVERIFY(app.importPresetsFile(work.folder.path(QStringLiteral("missing.pxspr"))));
-    QVERIFY(!app.importPresetsFile(work.folder.path(QStringLiteral("photo.jpg"))));
+    QVERIFY(app.presetCommands().importPresetsFile(work.folder.path(QStringLiteral("missing.pxspr"))));
+    QVERIFY(!app.presetCommands().importPresetsFile(work.folder.path(QStringLiteral("photo.jpg"))));
 
     // They are kept at once: a program that is killed has them, too.
     PresetsStore again(work.alerts, work.fonts);
@@ -84,10 +85,9 @@ void PresetsAtStartTest::filesWithLosses()
 {
     WorkingSet work;
     PresetsStore store(work.alerts, work.fonts);
-    AppController app({work.photos, work.defaults, work.alerts, 2});
-    app.readPresets(store);
-    const QString python =
-        qEnvironmentVariable("PLEXA_SOURCE_DIR") + QStringLiteral("/tests/support/keyedarchives.py");
+    AppController app({work.photos, work.defaults, work.alerts, store, 2});
+    app.readPresets();
+    const QString python = keyedArchivesScript();
     QProcess::execute(QStringLiteral("python3"), {python, work.folder.path()});
     QFile examples(QStringLiteral(":/plexa/presets/example_spresets.pxspr"));
     QVERIFY(examples.open(QIODevice::ReadOnly));
@@ -99,7 +99,7 @@ void PresetsAtStartTest::filesWithLosses()
             file.write(contents);
         file.close();
         work.alerts.expect(title);
-        app.importPresetsFile(path);
+        app.presetCommands().importPresetsFile(path);
         return work.alerts.shown().last().text;
     };
     const QString imported = QStringLiteral("Presets imported");
@@ -127,7 +127,7 @@ void PresetsAtStartTest::filesWithLosses()
     QVERIFY(told(cannotSave, "good.pxspr", good).contains(u"SPresets.pxspr"));
     told(cannotSave, "some.pxwpr");
     work.alerts.expect(cannotSave);
-    app.saveQuickAsWPreset();
+    app.presetCommands().saveQuickAsWPreset();
     QCOMPARE(work.alerts.complaints(), QStringList());
 }
 

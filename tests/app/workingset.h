@@ -2,10 +2,11 @@
 
 #pragma once
 
-#include "app/imageset.h"
+#include "app/imagegathering.h"
 #include "app/statusmanager.h"
 #include "platform/settings.h"
 #include "platform/userdefaults.h"
+#include "presets/presetsstore.h"
 #include "support/scriptedalerts.h"
 #include "support/testenvironment.h"
 
@@ -71,6 +72,7 @@ public:
     UserDefaults defaults{QStringLiteral("Quorvel"), QStringLiteral("Plexa")};
     ScriptedAlerts alerts;
     StatusManager status;
+    PresetsStore store{alerts, fonts};
 
 private:
     QImage m_photo;
@@ -90,9 +92,9 @@ inline QString shownNames(const ImageSet &set)
     return names(*set.imagesFiltered());
 }
 
-inline bool isIdle(const ImageSet &set)
+inline bool isIdle(const ImageGathering &gathering)
 {
-    return !set.isScanning() && !set.isImportingImages();
+    return !gathering.isScanning() && !gathering.isImportingImages();
 }
 
 /// A list that knows the shown photos by the set's signals alone, as an item model does.

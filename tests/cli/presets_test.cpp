@@ -3,6 +3,7 @@
 #include "cli/programruns.h"
 #include "presets/savingpreset.h"
 #include "presets/wpresetarchive.h"
+#include "support/keyedarchives.h"
 
 #include <QColorSpace>
 #include <QJsonArray>
@@ -104,8 +105,7 @@ void PresetsCommandTest::printing()
 
 void PresetsCommandTest::converting()
 {
-    const QString script =
-        qEnvironmentVariable("PLEXA_SOURCE_DIR") + QStringLiteral("/tests/support/keyedarchives.py");
+    const QString script = keyedArchivesScript();
     QProcess::execute(QStringLiteral("python3"), {script, m_folder->path()});
     // Some of its values cannot be read.
     const Outcome converted =
@@ -166,8 +166,7 @@ void PresetsCommandTest::converting()
 
 void PresetsCommandTest::whatCannotBeReadIsTold()
 {
-    const QString script =
-        qEnvironmentVariable("PLEXA_SOURCE_DIR") + QStringLiteral("/tests/support/keyedarchives.py");
+    const QString script = keyedArchivesScript();
     QProcess::execute(QStringLiteral("python3"), {script, m_folder->path()});
     // Pictures are kept as they are; elements that are no presets are not.
     const Outcome pictures = run({QStringLiteral("presets"), path("pictures.pxwpr")});

@@ -23,7 +23,7 @@ struct Outcome {
 
 inline QString program()
 {
-    return qEnvironmentVariable("PLEXA_BINARY_DIR") + QStringLiteral("/bin/plexa-cli");
+    return builtProgram(QStringLiteral("plexa-cli"));
 }
 
 inline Outcome run(const QStringList &arguments)

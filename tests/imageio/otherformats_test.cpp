@@ -107,8 +107,8 @@ void OtherFormatsTest::initTestCase()
     QVERIFY(detailedPicture({61, 43}, false).save(m_origin));
     QVERIFY(detailedPicture({61, 43}, true).save(m_translucent));
     if (!photosFolder().isEmpty())
-        QVERIFY(putFile(m_srgb,
-                        ImageSource::open(photosFolder() + u"/jpeg/htc-desire.jpg"_qs)->info().iccProfile));
+        QVERIFY(writeFile(m_srgb,
+                          ImageSource::open(photosFolder() + u"/jpeg/htc-desire.jpg"_qs)->info().iccProfile));
 }
 
 void OtherFormatsTest::kindsAreRead_data()
@@ -167,7 +167,7 @@ void OtherFormatsTest::kindsAreRead()
     QFETCH(QString, options);
     QFETCH(bool, hasAlpha);
     const QString adobe = m_folder.path(u"adobe.icc"_qs);
-    QVERIFY(putFile(
+    QVERIFY(writeFile(
         adobe, ImageSource::open(photosFolder() + u"/jpeg/adobe-rgb-uss-reagan.jpg"_qs)->info().iccProfile));
     QStringList arguments = options.split(u' ');
     arguments.replaceInStrings(u"%1"_qs, adobe);
@@ -212,7 +212,7 @@ void OtherFormatsTest::bitmapsOfOtherPrograms()
     QFETCH(QByteArray, file);
     QFETCH(bool, keepsAlpha);
     const QString path = m_folder.path(u"other.bmp"_qs);
-    QVERIFY(putFile(path, file));
+    QVERIFY(writeFile(path, file));
     QString error;
     const QImage image = decoded(path, &error);
     QVERIFY2(!image.isNull(), qPrintable(error));
@@ -252,7 +252,7 @@ void OtherFormatsTest::fewBitsReachWhite()
     QFETCH(QList<QRgb>, colors);
     const quint32 headerBytes = masks.size() == 16 ? 108 : 40;
     const QString path = m_folder.path(u"few.bmp"_qs);
-    QVERIFY(putFile(path, bitmap({4, 1}, 16, headerBytes, masks.isEmpty() ? 0 : 3, masks, pixels)));
+    QVERIFY(writeFile(path, bitmap({4, 1}, 16, headerBytes, masks.isEmpty() ? 0 : 3, masks, pixels)));
     const QImage image = decoded(path);
     QCOMPARE(image.size(), QSize(4, 1));
     for (int x = 0; x < 4; ++x)
@@ -296,7 +296,7 @@ void OtherFormatsTest::tgaOfOtherPrograms()
     QFETCH(QByteArray, file);
     QFETCH(QList<QRgb>, colors);
     const QString path = m_folder.path(u"other.tga"_qs);
-    QVERIFY(putFile(path, file));
+    QVERIFY(writeFile(path, file));
     QString error;
     const QImage image = decoded(path, &error);
     QCOMPARE(error, colors.isEmpty() ? u"not a picture that can be read"_qs : QString());
@@ -314,7 +314,7 @@ void OtherFormatsTest::skippedPixelsAreBlank()
                                         8));
     file.replace(46, 4, littleEndian(2)); // colours used
     const QString path = m_folder.path(u"skips.bmp"_qs);
-    QVERIFY(putFile(path, file));
+    QVERIFY(writeFile(path, file));
     const QImage image = decoded(path);
     QCOMPARE(image.size(), QSize(40, 30));
     for (int y = 0; y < image.height(); ++y) {
@@ -351,7 +351,7 @@ void OtherFormatsTest::hugeFileOfLittleDataFails()
     QFETCH(QByteArray, file);
     QFETCH(QString, failure);
     const QString path = m_folder.path(file.startsWith('P') ? u"huge.pnm"_qs : u"huge.tga"_qs);
-    QVERIFY(putFile(path, file));
+    QVERIFY(writeFile(path, file));
     QString error;
     QCOMPARE(decoded(path, &error).isNull(), !failure.isEmpty());
     QCOMPARE(error, failure);
@@ -422,7 +422,7 @@ void OtherFormatsTest::cutFileIsWholeOrFails()
     QByteArray bytes = contentsOf(path);
     if (bytes.endsWith('\n'))
         bytes.chop(1); // which nobody needs
-    QVERIFY(putFile(path, bytes));
+    QVERIFY(writeFile(path, bytes));
     const QImage whole = decoded(path);
     QVERIFY(!whole.isNull());
     QList<qsizetype> lengths = {bytes.size() - 4, bytes.size() - 3, bytes.size() - 2, bytes.size() - 1};
@@ -431,7 +431,7 @@ void OtherFormatsTest::cutFileIsWholeOrFails()
         lengths.append(bytes.size() * i / kCuts);
     int failures = 0;
     for (const qsizetype length : lengths) {
-        QVERIFY(putFile(path, bytes.first(length)));
+        QVERIFY(writeFile(path, bytes.first(length)));
         QString error;
         const QImage image = decoded(path, &error);
         QVERIFY2(image.isNull() || image == whole, qPrintable(QString::number(length)));
@@ -464,14 +464,14 @@ void OtherFormatsTest::largestIconIsRead()
         const QByteArray both = parts[0].mid(8) + parts[1].mid(8);
         QByteArray length(4, '\0');
         qToBigEndian(quint32(both.size() + 8), length.data());
-        QVERIFY(putFile(path, "icns" + length + both));
+        QVERIFY(writeFile(path, "icns" + length + both));
     } else {
         for (QByteArray &part : parts)
             part = part.mid(6);
         parts[0].replace(12, 4, littleEndian(6 + 32));
         parts[1].replace(12, 4, littleEndian(quint32(6 + 32 + parts[0].size() - 16)));
-        QVERIFY(putFile(path, QByteArray("\0\0\1\0\2\0", 6) + parts[0].first(16) + parts[1].first(16) +
-                                  parts[0].mid(16) + parts[1].mid(16)));
+        QVERIFY(writeFile(path, QByteArray("\0\0\1\0\2\0", 6) + parts[0].first(16) + parts[1].first(16) +
+                                    parts[0].mid(16) + parts[1].mid(16)));
     }
     const auto source = ImageSource::open(path);
     QVERIFY(source);
@@ -516,7 +516,7 @@ void OtherFormatsTest::bmpIsWrittenExactly()
                                      qMin(37, size.height() - row)));
     QVERIFY((*writer)->finish());
     const QString path = m_folder.path(u"exact.bmp"_qs);
-    QVERIFY(putFile(path, file.data()));
+    QVERIFY(writeFile(path, file.data()));
     QCOMPARE(decoded(path), image);
     QCOMPARE(QImage(path).convertToFormat(QImage::Format_RGB32), image);
     const QByteArray theirs = outputOf(magickConvert(), {path, u"-depth"_qs, u"8"_qs, u"rgb:-"_qs});
@@ -533,7 +533,7 @@ void OtherFormatsTest::bmpSaysWhatItHolds()
     QVERIFY(writeImage(file, detailedPicture({31, 20}, true).convertToFormat(QImage::Format_ARGB32),
                        {u"image/bmp"_qs, {{u"DPIWidth"_qs, 300}, {u"DPIHeight"_qs, 150}}}));
     const QString path = m_folder.path(u"facts.bmp"_qs);
-    QVERIFY(putFile(path, file.data()));
+    QVERIFY(writeFile(path, file.data()));
     QCOMPARE(exiftoolValue(path, u"PixelsPerMeterX"_qs).trimmed(), QByteArray("11811"));
     QCOMPARE(exiftoolValue(path, u"PixelsPerMeterY"_qs).trimmed(), QByteArray("5906"));
     QCOMPARE(exiftoolValue(path, u"ColorSpace"_qs).trimmed(), QByteArray("sRGB"));

@@ -64,7 +64,7 @@ void PictureReadingTest::initTestCase()
     m_srgb = m_folder.path(QStringLiteral("srgb.icc"));
     const auto source = ImageSource::open(photo(u"jpeg/htc-desire.jpg"_qs));
     QVERIFY(source);
-    QVERIFY(putFile(m_srgb, source->info().iccProfile));
+    QVERIFY(writeFile(m_srgb, source->info().iccProfile));
     QVERIFY(QFileInfo(m_srgb).size() > 1000);
 }
 
@@ -117,8 +117,8 @@ void PictureReadingTest::colorsAreThoseOfImageMagick()
     QString assumed;
     if (path.endsWith(u"olympus-e-p3.jpg")) { // Adobe RGB, as only its EXIF says: here by Adobe's own profile
         assumed = m_folder.path(u"adobe rgb.icc"_qs);
-        QVERIFY(putFile(assumed,
-                        ImageSource::open(photo(u"jpeg/adobe-rgb-uss-reagan.jpg"_qs))->info().iccProfile));
+        QVERIFY(writeFile(assumed,
+                          ImageSource::open(photo(u"jpeg/adobe-rgb-uss-reagan.jpg"_qs))->info().iccProfile));
     }
     const QImage theirs = decodedByMagick(path, ours.size(), m_srgb, assumed);
     QVERIFY2(!theirs.isNull(), "ImageMagick sees another size");
@@ -155,13 +155,14 @@ void PictureReadingTest::kindsOfPngAreRead()
     QFETCH(QStringList, options);
     const QString adobe = m_folder.path(u"adobe.icc"_qs);
     const QString gray = m_folder.path(u"gray.icc"_qs);
-    QVERIFY(putFile(adobe, ImageSource::open(photo(u"jpeg/adobe-rgb-uss-reagan.jpg"_qs))->info().iccProfile));
-    QVERIFY(putFile(gray, ImageSource::open(photo(u"jpeg/gray-concert.jpg"_qs))->info().iccProfile));
+    QVERIFY(
+        writeFile(adobe, ImageSource::open(photo(u"jpeg/adobe-rgb-uss-reagan.jpg"_qs))->info().iccProfile));
+    QVERIFY(writeFile(gray, ImageSource::open(photo(u"jpeg/gray-concert.jpg"_qs))->info().iccProfile));
     for (QString &option : options)
         option.replace(u"%1"_qs, adobe).replace(u"%2"_qs, gray);
     const QString origin = m_folder.path(u"origin.png"_qs);
     const QString path = m_folder.path(u"kind.png"_qs);
-    QVERIFY(noisyPicture({61, 43}, QImage::Format_ARGB32).save(origin));
+    QVERIFY(detailedPicture({61, 43}, QImage::Format_ARGB32).save(origin));
     outputOf(magickConvert(), QStringList{origin} + options + QStringList{path});
     QString error;
     const QImage ours = decoded(path, &error);
@@ -311,7 +312,7 @@ void PictureReadingTest::brokenFilesGiveAReason()
 /// Rows are read into strips of the size that was told before.
 void PictureReadingTest::announcedSizeIsKeptTo()
 {
-    const QString corpus = qEnvironmentVariable("PLEXA_SOURCE_DIR") + u"/tests/fuzz/corpus"_qs;
+    const QString corpus = sourceFolder() + u"/tests/fuzz/corpus"_qs;
     int files = 0;
     for (QDirIterator it(corpus, QDir::Files, QDirIterator::Subdirectories); it.hasNext(); ++files) {
         const auto source = ImageSource::open(it.next());
@@ -354,7 +355,7 @@ void PictureReadingTest::cutFileIsWholeOrFails()
     const QString origin = m_folder.path(QStringLiteral("origin.bmp"));
     const QString whole = m_folder.path(QStringLiteral("whole.") + suffix);
     const QString cut = m_folder.path(QStringLiteral("cut.") + suffix);
-    QVERIFY(noisyPicture({97, 61}, QImage::Format_RGB32).save(origin));
+    QVERIFY(detailedPicture({97, 61}, QImage::Format_RGB32).save(origin));
     if (options.value(0) == u"cjpeg"_qs) { // ImageMagick does not write these
         if (firstProgram({options[0]}).isEmpty())
             QSKIP("cjpeg is not installed");
@@ -368,7 +369,7 @@ void PictureReadingTest::cutFileIsWholeOrFails()
     int failures = 0;
     const qsizetype step = qMax<qsizetype>(1, bytes.size() / 100);
     for (qsizetype length = 1; length < bytes.size(); length += length < bytes.size() - 40 ? step : 1) {
-        QVERIFY(putFile(cut, bytes.first(length)));
+        QVERIFY(writeFile(cut, bytes.first(length)));
         QString error;
         const QImage image = decoded(cut, &error);
         failures += image.isNull() ? 1 : 0;
@@ -384,12 +385,12 @@ void PictureReadingTest::lastChecksumOfPngIsProved()
 {
     // Damage in the last bytes of the data may leave a picture that looks whole.
     const QString path = m_folder.path(u"checksum.png"_qs);
-    QVERIFY(noisyPicture({40, 30}, QImage::Format_RGB32).save(path));
+    QVERIFY(detailedPicture({40, 30}, QImage::Format_RGB32).save(path));
     QByteArray bytes = contentsOf(path);
     QVERIFY(!decoded(path).isNull());
     const qsizetype end = bytes.lastIndexOf("IEND") - 4;
     bytes[end - 1] = char(bytes[end - 1] ^ 1); // of the chunk's CRC
-    QVERIFY(putFile(path, bytes));
+    QVERIFY(writeFile(path, bytes));
     QString error;
     QVERIFY(decoded(path, &error).isNull());
     QCOMPARE(error, u"the picture data are damaged"_qs);
@@ -439,7 +440,7 @@ void PictureReadingTest::flippedBytesDoNoHarm()
         const auto range = quint32(round % 2 == 0 ? flipped.size() : qMin<qsizetype>(flipped.size(), 1024));
         for (int i = random.bounded(1, 9); i > 0; --i)
             flipped[qsizetype(random.bounded(range))] = char(random.bounded(256));
-        QVERIFY(putFile(path, flipped));
+        QVERIFY(writeFile(path, flipped));
         QString error;
         const QImage image = decoded(path, &error, limits);
         QVERIFY(image.isNull() != error.isEmpty());

@@ -4,7 +4,11 @@
 
 #include "imageio/imagedestination.h"
 #include "imageio/imagesource.h"
+#include "support/exiftool.h"
+#include "support/files.h"
+#include "support/picturedifference.h"
 #include "support/testenvironment.h"
+#include "support/testpictures.h"
 
 #include <QBuffer>
 #include <QFile>
@@ -46,24 +50,6 @@ inline QImage decodedByMagick(const QString &path, QSize size, const QString &pr
         .copy();
 }
 
-/// The mean difference of the colours as they look on black (with that of alpha added), 0..255; 256 when the
-/// sizes differ.
-inline double meanDifference(const QImage &a, const QImage &b)
-{
-    if (a.isNull() || a.size() != b.size())
-        return 256;
-    const QImage left = a.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    const QImage right = b.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    qint64 sum = 0;
-    for (int y = 0; y < left.height(); ++y) {
-        const uchar *p = left.constScanLine(y);
-        const uchar *q = right.constScanLine(y);
-        for (qsizetype i = 0; i < qsizetype(left.width()) * 4; ++i)
-            sum += std::abs(p[i] - q[i]);
-    }
-    return double(sum) / (3.0 * left.width() * left.height());
-}
-
 /// Streams a photo into a file in memory, in strips whose height does not divide the picture's.
 /// @return empty when something failed; `error` then says what
 inline QByteArray copied(const QString &path, const char *type, double quality, QString *error = nullptr)
@@ -99,38 +85,6 @@ inline QByteArray copied(const QString &path, const char *type, double quality, 
     if (const auto finished = (*writer)->finish(); !finished)
         return report(finished.error());
     return file.data();
-}
-
-/// A picture with detail everywhere, so that no cut goes unnoticed.
-inline QImage noisyPicture(QSize size, QImage::Format format)
-{
-    QImage image(size, QImage::Format_ARGB32);
-    QRandomGenerator random(7);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixel(x, y,
-                           qRgba(x * 255 / size.width(), y * 255 / size.height(), random.bounded(256), 200));
-    }
-    return image.convertToFormat(format);
-}
-
-inline QByteArray contentsOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-inline bool putFile(const QString &path, const QByteArray &contents)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size();
-}
-
-/// One value of exiftool's, as it prints it with -s3.
-inline QByteArray exiftoolValue(const QString &path, const QString &tag)
-{
-    return outputOf(QStringLiteral("exiftool"),
-                    {QStringLiteral("-s3"), QStringLiteral("-b"), QStringLiteral("-") + tag, path});
 }
 
 } // namespace plexa::test

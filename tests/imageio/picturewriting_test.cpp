@@ -117,7 +117,7 @@ void PictureWritingTest::jpegKeepsItsKind()
     const QByteArray copy = copied(photo(name), kJpeg, quality, &error);
     QVERIFY2(!copy.isEmpty(), qPrintable(error));
     const QString path = m_folder.path(u"copy.jpg"_qs);
-    QVERIFY(putFile(path, copy));
+    QVERIFY(writeFile(path, copy));
     const QByteArray printed =
         outputOf(u"exiftool"_qs, {u"-n"_qs, u"-s3"_qs, u"-YCbCrSubSampling"_qs, u"-EncodingProcess"_qs,
                                   u"-ProfileDescription"_qs, path});
@@ -130,7 +130,7 @@ void PictureWritingTest::jpegReadsTheSameElsewhere()
     NEEDS_PHOTOS();
     for (const QString &name : {u"jpeg/sony-dsc-hx5v-gps.jpg"_qs, u"jpeg/silver-fir-511x323.jpg"_qs}) {
         const QString path = m_folder.path(u"copy.jpg"_qs);
-        QVERIFY(putFile(path, copied(photo(name), kJpeg, 0.95)));
+        QVERIFY(writeFile(path, copied(photo(name), kJpeg, 0.95)));
         const QString djpeg = firstProgram({u"djpeg"_qs});
         if (djpeg.isEmpty())
             QSKIP("djpeg is not installed");
@@ -146,7 +146,7 @@ void PictureWritingTest::jpegCopiesStayCloseToTheSource()
     for (const QString &name : QDir(photo(u"jpeg"_qs)).entryList(QDir::Files)) {
         const QString path = m_folder.path(u"copy.jpg"_qs);
         QString error;
-        QVERIFY2(putFile(path, copied(photo(u"jpeg/"_qs + name), kJpeg, 0.95, &error)), qPrintable(name));
+        QVERIFY2(writeFile(path, copied(photo(u"jpeg/"_qs + name), kJpeg, 0.95, &error)), qPrintable(name));
         QVERIFY2(error.isEmpty(), qPrintable(name + error));
         const QImage source = decoded(photo(u"jpeg/"_qs + name));
         const QImage copy = decoded(path);
@@ -178,7 +178,7 @@ void PictureWritingTest::nothingUnmarkedReachesTheCopy()
         QVERIFY2(!copy.contains("JFXX") && !copy.contains("FPXR") && !copy.contains(QByteArray("MPF\0", 4)) &&
                      !copy.contains(QByteArray("urn:iso:std:iso:ts:21496:-1")),
                  qPrintable(name));
-        QVERIFY(putFile(m_folder.path(u"copy.jpg"_qs), copy));
+        QVERIFY(writeFile(m_folder.path(u"copy.jpg"_qs), copy));
         QVERIFY2(droppedPictures(*ImageSource::open(m_folder.path(u"copy.jpg"_qs))).isEmpty(),
                  qPrintable(name));
     }
@@ -208,7 +208,7 @@ void PictureWritingTest::thumbnailShowsTheCopy()
     QVERIFY(file.open(QIODevice::ReadWrite));
     QVERIFY(writeImage(file, image, {QString::fromLatin1(type), source->properties(), &*source}));
     const QString path = m_folder.path(u"copy."_qs + suffix);
-    QVERIFY(putFile(path, file.data()));
+    QVERIFY(writeFile(path, file.data()));
     const QByteArray thumbnail = exiftoolValue(path, u"ThumbnailImage"_qs);
     QCOMPARE(thumbnail.size(), exiftoolValue(path, u"ThumbnailLength"_qs).toInt());
     QVERIFY(thumbnail.startsWith("\xff\xd8\xff") && thumbnail.endsWith("\xff\xd9"));
@@ -251,7 +251,7 @@ void PictureWritingTest::longMetadataFitIntoJpeg()
     QVERIFY((*writer)->writeRows(image, image.height()));
     QVERIFY((*writer)->finish());
     const QString path = m_folder.path(u"long.jpg"_qs);
-    QVERIFY(putFile(path, file.data()));
+    QVERIFY(writeFile(path, file.data()));
     QCOMPARE(exiftoolValue(path, u"XMP-photoshop:Instructions"_qs).trimmed(), text);
     const QByteArray keywords =
         outputOf(u"exiftool"_qs, {u"-s3"_qs, u"-sep"_qs, u"|"_qs, u"-IPTC:Keywords"_qs, path});
@@ -275,7 +275,7 @@ void PictureWritingTest::pngIsExact()
     QVERIFY(file.open(QIODevice::ReadWrite));
     QVERIFY(writeImage(file, image, {QLatin1String(kPng), {{u"DPIWidth"_qs, 300}, {u"DPIHeight"_qs, 150}}}));
     const QString path = m_folder.path(u"exact.png"_qs);
-    QVERIFY(putFile(path, file.data()));
+    QVERIFY(writeFile(path, file.data()));
     QCOMPARE(decoded(path), image);
     const QImage theirs = QImage(path).convertToFormat(format); // by Qt's own plugin
     QVERIFY(meanDifference(theirs, image) < 0.5);
@@ -290,7 +290,7 @@ void PictureWritingTest::pngCarriesMetadata()
     NEEDS_PHOTOS();
     const QString name = photo(u"jpeg/canon-eos-1d-mark-iii-lightroom.jpg"_qs);
     const QString path = m_folder.path(u"copy.png"_qs);
-    QVERIFY(putFile(path, copied(name, kPng, 1)));
+    QVERIFY(writeFile(path, copied(name, kPng, 1)));
     for (const QString &tag : {u"IPTC:Headline"_qs, u"IPTC:Keywords"_qs, u"IPTC:By-line"_qs, u"EXIF:Model"_qs,
                                u"EXIF:DateTimeOriginal"_qs, u"XMP-iptcCore:CreatorWorkEmail"_qs}) {
         QVERIFY2(!exiftoolValue(name, tag).isEmpty(), qPrintable(tag));
@@ -310,7 +310,7 @@ void PictureWritingTest::alphaIsFlattenedOnWhite()
     QVERIFY(writeImage(file, image,
                        {QLatin1String(kJpeg), {{u"kCGImageDestinationLossyCompressionQuality"_qs, 1.0}}}));
     const QString path = m_folder.path(u"flat.jpg"_qs);
-    QVERIFY(putFile(path, file.data()));
+    QVERIFY(writeFile(path, file.data()));
     const QImage flat = decoded(path);
     QCOMPARE(flat.format(), QImage::Format_RGB32);
     QImage expected(image.size(), QImage::Format_RGB32);

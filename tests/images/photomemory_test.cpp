@@ -34,19 +34,18 @@ const QString kHeic = QStringLiteral("image/heic");
 qint64 peakOfSaving(const QString &photo, const QString &folder, const QString &type)
 {
     const char *format = type == kHeic ? "imageFormat=HEIC" : "imageFormat=Original";
-    const QList<QByteArray> words = {
-        (qEnvironmentVariable("PLEXA_BINARY_DIR") + QStringLiteral("/bin/plexa-cli")).toLocal8Bit(),
-        "save",
-        "--quiet",
-        "--text",
-        "X",
-        "--save-set",
-        format,
-        "--save-set",
-        "jpegQuality=95",
-        "--output",
-        folder.toLocal8Bit(),
-        photo.toLocal8Bit()};
+    const QList<QByteArray> words = {builtProgram(QStringLiteral("plexa-cli")).toLocal8Bit(),
+                                     "save",
+                                     "--quiet",
+                                     "--text",
+                                     "X",
+                                     "--save-set",
+                                     format,
+                                     "--save-set",
+                                     "jpegQuality=95",
+                                     "--output",
+                                     folder.toLocal8Bit(),
+                                     photo.toLocal8Bit()};
     std::vector<char *> arguments;
     for (const QByteArray &word : words)
         arguments.push_back(const_cast<char *>(word.constData()));
@@ -305,11 +304,11 @@ void PhotoMemoryTest::fewAddressesFailPhotos()
     for (const int megabytes : {90, 120, 125, 130, 140, 160, 180, 200, 220, 250, 300, 350, 1000}) {
         QProcess process;
         process.start(limiter, {QStringLiteral("--as=%1").arg(megabytes * 1'000'000LL),
-                                qEnvironmentVariable("PLEXA_BINARY_DIR") + QStringLiteral("/bin/plexa-cli"),
-                                QStringLiteral("save"), QStringLiteral("--text"), QStringLiteral("X"),
-                                QStringLiteral("--save-set"), QStringLiteral("imageFormat=%1").arg(to),
-                                QStringLiteral("--jobs"), QStringLiteral("2"), QStringLiteral("--quiet"),
-                                QStringLiteral("--output"), m_folder->path(QStringLiteral("copies")), photo});
+                                builtProgram(QStringLiteral("plexa-cli")), QStringLiteral("save"),
+                                QStringLiteral("--text"), QStringLiteral("X"), QStringLiteral("--save-set"),
+                                QStringLiteral("imageFormat=%1").arg(to), QStringLiteral("--jobs"),
+                                QStringLiteral("2"), QStringLiteral("--quiet"), QStringLiteral("--output"),
+                                m_folder->path(QStringLiteral("copies")), photo});
         const bool hasEnded = process.waitForFinished(60'000);
         const QByteArray said = QByteArray::number(megabytes) + " MB: " + process.readAllStandardError();
         QVERIFY2(hasEnded && process.exitStatus() == QProcess::NormalExit, said);

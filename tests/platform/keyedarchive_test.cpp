@@ -2,6 +2,7 @@
 
 #include "platform/keyedarchive.h"
 #include "platform/propertylistcheck.h"
+#include "support/keyedarchives.h"
 #include "support/testenvironment.h"
 
 #include <QJsonArray>
@@ -20,7 +21,7 @@ using Mutability = KeyedArchiver::Mutability;
 
 QString script()
 {
-    return qEnvironmentVariable("PLEXA_SOURCE_DIR") + QStringLiteral("/tests/support/keyedarchives.py");
+    return keyedArchivesScript();
 }
 
 QByteArray contentsOf(const QString &path)

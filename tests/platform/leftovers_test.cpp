@@ -2,6 +2,7 @@
 
 #include "platform/atomicfile.h"
 #include "platform/leftovers.h"
+#include "support/files.h"
 #include "support/testenvironment.h"
 
 #include <QtTest>
@@ -19,101 +20,85 @@ using IfExists = AtomicFile::IfExists;
 using Durability = AtomicFile::Durability;
 using Staging = AtomicFile::Staging;
 
-namespace
-{
-
-QStringList namesIn(const QString &folder)
-{
-    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                                  QDir::Name);
-}
-
-} // namespace
-
 class LeftoversTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void whatIsBeingWrittenStays();
-    void whatAKilledProgramLeftGoes();
-    void whatIsNotOursStays();
-    void writersAndRemoversAtOnce();
+    void whatIsBeingWrittenStays()
+    {
+        const QString target = m_folder.path(QStringLiteral("target"));
+        {
+            AtomicFile file(target, IfExists::Fail, Durability::Lazy, Staging::Named);
+            QVERIFY(file.open());
+            file.device().write("whole");
+            QCOMPARE(removeLeftovers(m_folder.path()), 0);
+            QVERIFY(file.commit());
+        }
+        QCOMPARE(removeLeftovers(m_folder.path()), 0);
+        QCOMPARE(namesIn(m_folder.path()), QStringList{QStringLiteral("target")});
+        QVERIFY(QFile::remove(target));
+    }
+
+    void whatAKilledProgramLeftGoes()
+    {
+        const QString target = m_folder.path(QStringLiteral("target"));
+        const pid_t child = fork();
+        if (child == 0) {
+            AtomicFile file(target, IfExists::Fail, Durability::Lazy, Staging::Named);
+            if (file.open())
+                ::kill(getpid(), SIGKILL);
+            _exit(1);
+        }
+        int status = 0;
+        QCOMPARE(waitpid(child, &status, 0), child);
+        QVERIFY(WIFSIGNALED(status));
+        QCOMPARE(namesIn(m_folder.path()).size(), 1);
+        QVERIFY(AtomicFile::isTemporaryName(namesIn(m_folder.path()).first()));
+        QCOMPARE(removeLeftovers(m_folder.path()), 1);
+        QCOMPARE(namesIn(m_folder.path()), QStringList());
+    }
+
+    void whatIsNotOursStays()
+    {
+        const QString photo = m_folder.path(QStringLiteral("photo.tmp"));
+        const QString link = m_folder.path(QStringLiteral(".plexa-aaaaaaaa.tmp"));
+        QFile file(photo);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QVERIFY(QFile::link(photo, link));
+        QVERIFY(QDir(m_folder.path()).mkdir(QStringLiteral(".plexa-bbbbbbbb.tmp")));
+        QCOMPARE(removeLeftovers(m_folder.path()), 0);
+        QCOMPARE(removeLeftovers(photo), 0);
+        QCOMPARE(namesIn(m_folder.path()).size(), 3);
+        QVERIFY(QFile::remove(link) && file.remove() &&
+                QDir(m_folder.path()).rmdir(QStringLiteral(".plexa-bbbbbbbb.tmp")));
+    }
+
+    /// However they meet, every file gets to its place.
+    void writersAndRemoversAtOnce()
+    {
+        std::atomic_bool isOver = false;
+        std::jthread remover([&] {
+            while (!isOver)
+                removeLeftovers(m_folder.path());
+        });
+        QStringList failures;
+        for (int i = 0; i < 2000; ++i) {
+            AtomicFile file(m_folder.path(QString::number(i % 3)), IfExists::Replace, Durability::Lazy,
+                            i % 2 == 0 ? Staging::Named : Staging::NamelessWherePossible);
+            Result<void> done = file.open();
+            if (done)
+                done = file.commit();
+            if (!done)
+                failures.append(done.error().text);
+        }
+        isOver = true;
+        QCOMPARE(failures, QStringList());
+    }
 
 private:
     TestFolder m_folder;
 };
-
-void LeftoversTest::whatIsBeingWrittenStays()
-{
-    const QString target = m_folder.path(QStringLiteral("target"));
-    {
-        AtomicFile file(target, IfExists::Fail, Durability::Lazy, Staging::Named);
-        QVERIFY(file.open());
-        file.device().write("whole");
-        QCOMPARE(removeLeftovers(m_folder.path()), 0);
-        QVERIFY(file.commit());
-    }
-    QCOMPARE(removeLeftovers(m_folder.path()), 0);
-    QCOMPARE(namesIn(m_folder.path()), QStringList{QStringLiteral("target")});
-    QVERIFY(QFile::remove(target));
-}
-
-void LeftoversTest::whatAKilledProgramLeftGoes()
-{
-    const QString target = m_folder.path(QStringLiteral("target"));
-    const pid_t child = fork();
-    if (child == 0) {
-        AtomicFile file(target, IfExists::Fail, Durability::Lazy, Staging::Named);
-        if (file.open())
-            ::kill(getpid(), SIGKILL);
-        _exit(1);
-    }
-    int status = 0;
-    QCOMPARE(waitpid(child, &status, 0), child);
-    QVERIFY(WIFSIGNALED(status));
-    QCOMPARE(namesIn(m_folder.path()).size(), 1);
-    QVERIFY(AtomicFile::isTemporaryName(namesIn(m_folder.path()).first()));
-    QCOMPARE(removeLeftovers(m_folder.path()), 1);
-    QCOMPARE(namesIn(m_folder.path()), QStringList());
-}
-
-void LeftoversTest::whatIsNotOursStays()
-{
-    const QString photo = m_folder.path(QStringLiteral("photo.tmp"));
-    const QString link = m_folder.path(QStringLiteral(".plexa-aaaaaaaa.tmp"));
-    QFile file(photo);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QVERIFY(QFile::link(photo, link));
-    QVERIFY(QDir(m_folder.path()).mkdir(QStringLiteral(".plexa-bbbbbbbb.tmp")));
-    QCOMPARE(removeLeftovers(m_folder.path()), 0);
-    QCOMPARE(removeLeftovers(photo), 0);
-    QCOMPARE(namesIn(m_folder.path()).size(), 3);
-    QVERIFY(QFile::remove(link) && file.remove() &&
-            QDir(m_folder.path()).rmdir(QStringLiteral(".plexa-bbbbbbbb.tmp")));
-}
-
-/// However they meet, every file gets to its place.
-void LeftoversTest::writersAndRemoversAtOnce()
-{
-    std::atomic_bool isOver = false;
-    std::jthread remover([&] {
-        while (!isOver)
-            removeLeftovers(m_folder.path());
-    });
-    QStringList failures;
-    for (int i = 0; i < 2000; ++i) {
-        AtomicFile file(m_folder.path(QString::number(i % 3)), IfExists::Replace, Durability::Lazy,
-                        i % 2 == 0 ? Staging::Named : Staging::NamelessWherePossible);
-        Result<void> done = file.open();
-        if (done)
-            done = file.commit();
-        if (!done)
-            failures.append(done.error().text);
-    }
-    isOver = true;
-    QCOMPARE(failures, QStringList());
-}
 
 QTEST_GUILESS_MAIN(LeftoversTest)
 #include "leftovers_test.moc"

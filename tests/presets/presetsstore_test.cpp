@@ -5,6 +5,7 @@
 #include "presets/presetsstore.h"
 #include "presets/wpresetarchive.h"
 #include "support/failingsystemcalls.h"
+#include "support/keyedarchives.h"
 #include "support/scriptedalerts.h"
 #include "support/testenvironment.h"
 #include "watermark/texttokens.h"
@@ -138,8 +139,7 @@ void PresetsStoreTest::initTestCase()
     QVERIFY(SavingPreset::writeObjects({std::make_shared<SavingPreset>()},
                                        m_folder.path(QStringLiteral("examples/example_spresets.pxspr")),
                                        kAppID));
-    const QString python =
-        qEnvironmentVariable("PLEXA_SOURCE_DIR") + QStringLiteral("/tests/support/keyedarchives.py");
+    const QString python = keyedArchivesScript();
     QProcess::execute(QStringLiteral("python3"), {python, m_folder.path()});
 }
 

@@ -3,6 +3,7 @@
 #include "platform/keyedarchive.h"
 #include "presets/savingpreset.h"
 #include "presets/wpresetarchive.h"
+#include "support/keyedarchives.h"
 #include "support/testenvironment.h"
 
 #include <QGuiApplication>
@@ -24,7 +25,7 @@ const QByteArray kSvg = "<svg xmlns='http://www.w3.org/2000/svg' width='40' heig
 
 QString script()
 {
-    return qEnvironmentVariable("PLEXA_SOURCE_DIR") + QStringLiteral("/tests/support/keyedarchives.py");
+    return keyedArchivesScript();
 }
 
 /// Values of which none is the default.

@@ -2,18 +2,20 @@
 
 #pragma once
 
-#include <QCoreApplication>
 #include <QDir>
-#include <QFileInfo>
-#include <QProcess>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 
 namespace plexa::test
 {
 
+/// The root folder of the source tree.
+QString sourceFolder();
+
+/// The path of a program of this build, such as "plexa-cli".
+QString builtProgram(const QString &name);
+
 /// A private folder for one test, with a blank and a non-ASCII letter in its name, and the XDG folders
-/// inside of it. Make it before anything reads a setting.
+/// inside it. Create it before anything reads a setting.
 class TestFolder
 {
 public:
@@ -26,46 +28,14 @@ public:
 
     bool isValid() const { return m_folder.isValid(); }
     QString path(const QString &name = {}) const { return m_folder.filePath(name); }
+    QString path(const char *name) const { return path(QString::fromUtf8(name)); }
 
 private:
     QTemporaryDir m_folder;
 };
 
-/// The folder of real photos, or an empty string where there is none: the caller then skips and says so.
-inline QString photosFolder()
-{
-    QString folder = qEnvironmentVariable("PLEXA_PHOTOS");
-    if (folder.isEmpty())
-        folder = qEnvironmentVariable("PLEXA_SOURCE_DIR") + QStringLiteral("/../shared/photos");
-    return QFileInfo(folder).isDir() ? QDir(folder).canonicalPath() : QString();
-}
-
-/// Runs a program and waits for it. @return its standard output; empty when it failed
-inline QByteArray outputOf(const QString &program, const QStringList &arguments)
-{
-    QProcess process;
-    process.start(program, arguments);
-    if (!process.waitForFinished(60'000) || process.exitStatus() != QProcess::NormalExit ||
-        process.exitCode() != 0)
-        return {};
-    return process.readAllStandardOutput();
-}
-
-/// The first of these programs that is installed, else an empty string.
-inline QString firstProgram(const QStringList &names)
-{
-    for (const QString &name : names) {
-        const QString path = QStandardPaths::findExecutable(name);
-        if (!path.isEmpty())
-            return path;
-    }
-    return {};
-}
-
-/// ImageMagick's converter.
-inline QString magickConvert()
-{
-    return firstProgram({QStringLiteral("convert-im6.q16"), QStringLiteral("magick")});
-}
-
 } // namespace plexa::test
+
+// Until each test includes what it uses.
+#include "support/photofolder.h" // IWYU pragma: keep
+#include "support/programs.h"    // IWYU pragma: keep

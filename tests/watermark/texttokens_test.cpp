@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/embedded/embeddedmetadata.h"
-#include "imageio/exiftoolrecords.h"
 #include "imageio/imagesource.h"
 #include "metadata/imagemetadata.h"
 #include "platform/filenames.h"
 #include "platform/localeformat.h"
+#include "support/exiftool.h"
 #include "watermark/fakephoto.h"
 #include "watermark/texttokens.h"
 #include "watermark/watermarktext.h"

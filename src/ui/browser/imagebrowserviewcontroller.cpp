@@ -5,6 +5,7 @@
 #include "app/appcontroller.h"
 #include "platform/settings.h"
 #include "platform/userdefaults.h"
+#include "presets/presetsstore.h"
 #include "ui/browser/imagebrowserview.h"
 #include "ui/browser/photopromise.h"
 #include "ui/browser/photosource.h"
@@ -147,7 +148,7 @@ void ImageBrowserViewController::deletePressed()
 
 void ImageBrowserViewController::receivedDraggedFiles(const QStringList &paths)
 {
-    m_app.imageSet().scanImagesAtPaths(paths);
+    m_app.gathering().scanImagesAtPaths(paths);
 }
 
 void ImageBrowserViewController::movedIndexes(const QList<int> &indexes, int toIndex)
@@ -169,9 +170,9 @@ void ImageBrowserViewController::setBrowserZoomFactor(float zoomFactor)
     Q_EMIT browserZoomFactorChanged(m_view.zoomFactor());
 }
 
-void ImageBrowserViewController::zoomBrowser(int tag)
+void ImageBrowserViewController::zoomBrowser(Zoom direction)
 {
-    setBrowserZoomFactor(m_view.zoomFactor() + (tag == 1 ? kZoomStep : -kZoomStep));
+    setBrowserZoomFactor(m_view.zoomFactor() + (direction == Zoom::In ? kZoomStep : -kZoomStep));
 }
 
 void ImageBrowserViewController::setShowBrowserFilenames(bool show)
@@ -195,18 +196,15 @@ std::unique_ptr<FilePromise> ImageBrowserViewController::promisedFiles(const QLi
     for (const int index : indexes)
         contents.photos.push_back(list->at(static_cast<std::size_t>(index)));
     contents.presets = m_app.appliedPresets().effectivePresetsNow();
-    if (m_savingPreset)
-        contents.savingPreset = m_savingPreset();
+    contents.savingPreset = m_app.presetsStore().quickSavingPreset()->values();
     contents.preservesCreationDate = m_defaults.boolForKey(settings::exportPreserveOriginalFileCreationDate);
     contents.threads = m_threads;
     contents.progress = m_progress;
     // The clipboard may outlive this object.
     const QPointer<ImageBrowserViewController> self(this);
-    if (m_savePhotos) {
-        contents.startSaving = [self, photos = contents.photos](const QString &folder) {
-            return self && self->saveInto(photos, folder);
-        };
-    }
+    contents.startSaving = [self, photos = contents.photos](const QString &folder) {
+        return self && self->saveInto(photos, folder);
+    };
     contents.reportFailures = [self](const QStringList &failures) {
         if (self)
             QMetaObject::invokeMethod(
@@ -221,7 +219,7 @@ std::unique_ptr<FilePromise> ImageBrowserViewController::promisedFiles(const QLi
 bool ImageBrowserViewController::saveInto(const std::vector<std::shared_ptr<ImageObject>> &photos,
                                           const QString &folder)
 {
-    if (m_app.isSavingInProgress()) {
+    if (m_app.batchSave().isSavingInProgress()) {
         QMetaObject::invokeMethod(
             this,
             [this, folder] { Q_EMIT copiesFailed({tr("%1: photos are being saved already").arg(folder)}); },
@@ -230,7 +228,7 @@ bool ImageBrowserViewController::saveInto(const std::vector<std::shared_ptr<Imag
     }
     m_defaults.setObject(settings::saveAllToOneDirectory, true);
     m_defaults.setObject(settings::savingDirectory, folder);
-    return m_savePhotos(photos);
+    return m_app.startSaving(photos);
 }
 
 void ImageBrowserViewController::copy()

@@ -2,14 +2,12 @@
 
 #pragma once
 
-#include "presets/savingpresetvalues.h"
 #include "ui/browser/imagebrowserdelegate.h"
 
 #include <QMimeData>
 #include <QObject>
 #include <QPointer>
 
-#include <functional>
 #include <thread>
 #include <vector>
 
@@ -35,20 +33,12 @@ public:
                                int threads);
     ~ImageBrowserViewController() override;
 
-    /// Who saves what was dropped into another program's folder, as soon as there is somebody: it is to begin
-    /// a batch save of these photos by the settings, which name that folder then, and must return before it
-    /// asks the user anything.
-    using SavePhotos = std::function<bool(const std::vector<std::shared_ptr<ImageObject>> &photos)>;
-    void setSavePhotos(SavePhotos savePhotos) { m_savePhotos = std::move(savePhotos); }
-    /// Who tells the format of the files that a drag makes.
-    using SavingPresetNow = std::function<SavingPresetValues()>;
-    void setSavingPreset(SavingPresetNow savingPreset) { m_savingPreset = std::move(savingPreset); }
-
     float browserZoomFactor() const;
     /// Brought to 0..1, and stored.
     void setBrowserZoomFactor(float zoomFactor);
-    /// One step. @param tag  1: in, others: out
-    void zoomBrowser(int tag);
+    enum class Zoom { In, Out };
+    /// One step.
+    void zoomBrowser(Zoom direction);
     void setShowBrowserFilenames(bool show);
     /// The setting has changed.
     void followShowOriginalOnMouseOver();
@@ -83,8 +73,6 @@ private:
     ImageBrowserView &m_view;
     UserDefaults &m_defaults;
     const int m_threads;
-    SavePhotos m_savePhotos;
-    SavingPresetNow m_savingPreset;
     const std::shared_ptr<PrivateFolders> m_folders; // for the clipboard
     QPointer<QMimeData> m_onClipboard;
     const std::shared_ptr<StatusLineProgress> m_progress; // of copies for other programs

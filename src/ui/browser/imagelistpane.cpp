@@ -70,7 +70,7 @@ ImageListPane::ImageListPane(const Services &services, QWidget *parent)
     layout->addWidget(makeButtonRow());
     layout->addWidget(m_imageListContainer, 1);
     layout->addWidget(m_zoomRow);
-    connectSet();
+    connectSet(services.controller.gathering());
     connectBrowser();
     showMode(m_set.imageListIsInBrowserMode());
 }
@@ -135,7 +135,7 @@ QWidget *ImageListPane::makeZoomRow()
     return row;
 }
 
-void ImageListPane::connectSet()
+void ImageListPane::connectSet(ImageGathering &gathering)
 {
     connect(m_searchField, &QLineEdit::textChanged, &m_set, [this](const QString &text) {
         if (text != m_set.filterText())
@@ -144,7 +144,7 @@ void ImageListPane::connectSet()
     connect(&m_set, &ImageSet::filterTextChanged, m_searchField,
             [this] { m_searchField->setText(m_set.filterText()); });
     connect(&m_set, &ImageSet::imageListModeChanged, this, &ImageListPane::showMode);
-    connect(m_imageListTable, &ImageListView::filesDropped, &m_set, &ImageSet::scanImagesAtPaths);
+    connect(m_imageListTable, &ImageListView::filesDropped, &gathering, &ImageGathering::scanImagesAtPaths);
     connect(m_imageListTable, &ImageListView::deletePressed, this,
             [this] { m_actions.run(ActionId::RemoveSelected); });
 }
@@ -152,8 +152,10 @@ void ImageListPane::connectSet()
 void ImageListPane::connectBrowser()
 {
     ImageBrowserViewController &browser = *m_browserController;
-    m_actions.setHandler(ActionId::BrowserZoomIn, [&browser] { browser.zoomBrowser(1); });
-    m_actions.setHandler(ActionId::BrowserZoomOut, [&browser] { browser.zoomBrowser(2); });
+    m_actions.setHandler(ActionId::BrowserZoomIn,
+                         [&browser] { browser.zoomBrowser(ImageBrowserViewController::Zoom::In); });
+    m_actions.setHandler(ActionId::BrowserZoomOut,
+                         [&browser] { browser.zoomBrowser(ImageBrowserViewController::Zoom::Out); });
     m_actions.setHandler(ActionId::CopyImages, [&browser] { browser.copy(); });
     m_actions.setCondition(ActionId::CopyImages,
                            [this] { return !m_set.selection().selectedIndexes().isEmpty(); });

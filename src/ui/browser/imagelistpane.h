@@ -17,6 +17,7 @@ namespace plexa
 
 class AppController;
 class CommandActions;
+class ImageGathering;
 class ImageBrowserView;
 class ImageBrowserViewController;
 class ImageListView;
@@ -55,7 +56,7 @@ protected:
 private:
     QWidget *makeButtonRow();
     QWidget *makeZoomRow();
-    void connectSet();
+    void connectSet(ImageGathering &gathering);
     void connectBrowser();
     void followSettings();
     void showMode(bool isBrowser);

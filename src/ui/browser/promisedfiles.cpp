@@ -2,8 +2,8 @@
 
 #include "ui/browser/promisedfiles.h"
 
+#include "app/backgroundjob.h"
 #include "platform/indexsetarchive.h"
-#include "ui/browser/backgroundwait.h"
 #include "ui/browser/x11drag.h"
 #include "ui/widgets/filedrops.h"
 
@@ -118,12 +118,14 @@ QByteArray PromisedFiles::fileUrls() const
 void PromisedFiles::makeFiles(const std::shared_ptr<Making> &making)
 {
     if (!making->work) {
-        making->work = std::make_shared<BackgroundWait>([making = making.get()] {
+        making->work = std::make_shared<BackgroundJob>();
+        making->work->start([making = making.get()] {
             making->outcome =
                 making->promise->makeFiles(making->folder, [making] { return making->isGivenUp.load(); });
+            return true;
         });
     }
-    const std::shared_ptr<BackgroundWait> work = making->work;
+    const std::shared_ptr<BackgroundJob> work = making->work;
     if (!work->wait()) {
         making->isGivenUp = true; // the program ends
         work->finish();
@@ -145,7 +147,11 @@ QByteArray PromisedFiles::image(const QString &mimeType) const
     QByteArray bytes;
     QStringList failures;
     const std::shared_ptr<FilePromise> promise = m_promise; // this object may go meanwhile
-    const auto work = std::make_shared<BackgroundWait>([&] { bytes = promise->image(mimeType, failures); });
+    const auto work = std::make_shared<BackgroundJob>();
+    work->start([&] {
+        bytes = promise->image(mimeType, failures);
+        return true;
+    });
     if (!work->wait())
         work->finish();
     promise->report(failures);

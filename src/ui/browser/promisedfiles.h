@@ -14,7 +14,7 @@
 namespace plexa
 {
 
-class BackgroundWait;
+class BackgroundJob;
 
 /// What a drag or the clipboard carries of a selection: files ("text/uri-list"), the first image in several
 /// formats, and, in a drag, the selected indexes. Nothing is made before somebody asks for it, and then once;
@@ -70,8 +70,8 @@ private:
         std::atomic<bool> isGivenUp = false;
         bool isAbandoned = false; ///< given up because the target went away
         bool isReported = false;
-        FilePromise::Outcome outcome;         ///< of the working thread, until that has ended
-        std::shared_ptr<BackgroundWait> work; ///< null: not begun; goes first, since it uses the others
+        FilePromise::Outcome outcome;        ///< of the working thread, until that has ended
+        std::shared_ptr<BackgroundJob> work; ///< null: not begun; goes first, since it uses the others
     };
     static void makeFiles(const std::shared_ptr<Making> &making);
 

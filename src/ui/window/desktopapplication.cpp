@@ -48,8 +48,7 @@ DesktopApplication::DesktopApplication(ApplicationService &service)
     , m_budget(physicalMemoryBytes() / 2)
     , m_photos{m_fonts, m_locale, m_cache, m_budget, ReadLimits{.maxBytes = physicalMemoryBytes() / 2}}
     , m_store(m_alerts, m_fonts)
-    , m_controller({m_photos, registered(m_defaults), m_alerts, workerThreads()})
-    , m_save({m_controller.statusManager(), m_alerts, m_defaults, workerThreads()})
+    , m_controller({m_photos, registered(m_defaults), m_alerts, m_store, workerThreads()})
     , m_delegate(
           {m_defaults, m_alerts, m_controller, [](const QUrl &url) { QDesktopServices::openUrl(url); }})
     , m_window({m_controller, m_defaults, m_alerts, workerThreads()})
@@ -64,7 +63,6 @@ DesktopApplication::DesktopApplication(ApplicationService &service)
     connect(&m_service, &ApplicationService::opened, &m_delegate, &AppDelegate::openFiles,
             Qt::QueuedConnection);
     connectPresets();
-    connectSaving();
     m_window.actions().setHandler(ActionId::Feedback,
                                   [] { QDesktopServices::openUrl(AppDelegate::feedbackPage()); });
 }
@@ -79,7 +77,8 @@ void DesktopApplication::connectPresets()
     connect(&m_store, &PresetsStore::wPresetsChanged, this,
             [this] { m_window.setWPresets(m_store.wPresets()); });
     CommandActions &actions = m_window.actions();
-    actions.setHandler(ActionId::SaveQuickPreset, [this] { m_controller.saveQuickAsWPreset(); });
+    actions.setHandler(ActionId::SaveQuickPreset,
+                       [this] { m_controller.presetCommands().saveQuickAsWPreset(); });
     actions.setHandler(ActionId::LoadPreset, [this] {
         if (const auto preset = m_window.selectedWPreset())
             m_store.loadWPreset(*preset);
@@ -87,26 +86,9 @@ void DesktopApplication::connectPresets()
     actions.setCondition(ActionId::LoadPreset, [this] { return m_window.selectedWPreset() != nullptr; });
 }
 
-void DesktopApplication::connectSaving()
-{
-    m_controller.setSaving(
-        {[this] { return m_save.isSavingInProgress(); }, [this] { m_save.terminateOperation(); }});
-    connect(&m_save, &BatchSave::started, &m_controller, &AppController::commandStateChanged);
-    connect(&m_save, &BatchSave::finished, &m_controller, &AppController::commandStateChanged);
-    connect(&m_save, &BatchSave::started, &m_window, [this] { m_window.setContentEnabled(false); });
-    connect(&m_save, &BatchSave::finished, &m_window, [this] { m_window.setContentEnabled(true); });
-    const auto savingPreset = [this] { return m_store.quickSavingPreset()->values(); };
-    m_window.browser().setSavingPreset(savingPreset);
-    m_window.browser().setSavePhotos([this, savingPreset](const ImageList &photos) {
-        const AppliedPresets &presets = m_controller.appliedPresets();
-        return m_save.start(
-            {photos, presets.effectivePresetsNow(), presets.isInSingleMode(), savingPreset()});
-    });
-}
-
 void DesktopApplication::launch(const QStringList &paths)
 {
-    m_controller.readPresets(m_store);
+    m_controller.readPresets();
     m_window.setWPresets(m_store.wPresets());
     m_controller.imageSet().setImageListModeToBrowser(
         m_defaults.boolForKey(settings::imageListIsInBrowserMode));
@@ -126,13 +108,13 @@ void DesktopApplication::windowClosed()
 /// Asks where photos are being saved.
 bool DesktopApplication::mayQuit()
 {
-    if (!m_save.isSavingInProgress())
+    if (!m_controller.batchSave().isSavingInProgress())
         return true;
     Alert alert;
     alert.style = Alert::Style::Warning;
     alert.title = tr("Photos are being saved");
     alert.text = tr("Those that are not saved yet when you quit get no copies.");
-    alert.buttons = {tr("Go on Saving"), tr("Quit")};
+    alert.buttons = {tr("Keep Saving"), tr("Quit")};
     alert.escapeButton = 0;
     return m_alerts.run(alert).button != 0;
 }

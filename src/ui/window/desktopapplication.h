@@ -4,7 +4,6 @@
 
 #include "app/appcontroller.h"
 #include "app/appdelegate.h"
-#include "app/batchsave.h"
 #include "platform/userdefaults.h"
 #include "presets/presetsstore.h"
 #include "ui/window/mainwindow.h"
@@ -36,7 +35,6 @@ public:
 
 private:
     void connectPresets();
-    void connectSaving();
     bool mayQuit();
     void quit();
     void windowClosed();
@@ -52,7 +50,6 @@ private:
     PhotoServices m_photos;
     PresetsStore m_store;
     AppController m_controller;
-    BatchSave m_save;
     AppDelegate m_delegate;
     MainWindow m_window;
 };

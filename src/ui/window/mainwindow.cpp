@@ -184,6 +184,8 @@ void MainWindow::connectCommands()
     showMode(controller.appliedPresets().isInSingleMode());
 
     connect(&controller, &AppController::commandStateChanged, this, &MainWindow::scheduleUpdate);
+    connect(&controller.batchSave(), &BatchSave::started, this, [this] { setContentEnabled(false); });
+    connect(&controller.batchSave(), &BatchSave::finished, this, [this] { setContentEnabled(true); });
     ImageBrowserViewController &browser = m_imageListPane->browserController();
     connect(&browser, &ImageBrowserViewController::browserZoomFactorChanged, this,
             &MainWindow::scheduleUpdate);
@@ -196,7 +198,7 @@ void MainWindow::connectWindowCommands()
     const auto add = [this](ChooserKind kind) {
         return [this, kind] {
             chooseImages(kind, this, [this](const QStringList &paths) {
-                m_services.controller.imageSet().scanImagesAtPaths(paths);
+                m_services.controller.gathering().scanImagesAtPaths(paths);
             });
         };
     };
@@ -283,7 +285,7 @@ void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 void MainWindow::dropEvent(QDropEvent *event)
 {
     acceptFiles(event);
-    m_services.controller.imageSet().scanImagesAtPaths(droppedFiles(event->mimeData()));
+    m_services.controller.gathering().scanImagesAtPaths(droppedFiles(event->mimeData()));
 }
 
 /// Many small changes are looked at once.
@@ -298,8 +300,7 @@ void MainWindow::scheduleUpdate()
 void MainWindow::updateCommands()
 {
     m_isUpdateScheduled = false;
-    m_actions->update(m_services.controller.commandState(
-        m_services.defaults.floatForKey(settings::imageBrowserZoomFactor)));
+    m_actions->update(m_services.controller.commandState());
 }
 
 /// Of copies that were dragged or copied to another program.

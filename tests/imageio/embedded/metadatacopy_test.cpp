@@ -2,9 +2,9 @@
 
 #include "imageio/copydifferences.h"
 #include "imageio/embedded/embeddedmetadata.h"
-#include "imageio/exiftoolrecords.h"
 #include "imageio/jpegassembly.h"
 #include "metadata/propertykeys.h"
+#include "support/exiftool.h"
 
 #include <QTest>
 #include <QtEndian>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/embedded/embeddedmetadata.h"
-#include "imageio/exiftoolrecords.h"
 #include "imageio/imagesource.h"
 #include "imageio/jpegassembly.h"
 #include "metadata/propertykeys.h"
+#include "support/exiftool.h"
 
 #include <QElapsedTimer>
 #include <QTest>

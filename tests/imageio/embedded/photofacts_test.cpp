@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/embedded/embeddedmetadata.h"
-#include "imageio/exiftoolcomparison.h"
-#include "imageio/exiftoolrecords.h"
 #include "imageio/imagesource.h"
 #include "metadata/metadatafields.h"
 #include "metadata/propertykeys.h"
+#include "support/exiftool.h"
+#include "support/exiftoolcomparison.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -162,7 +162,7 @@ constexpr XmpHome kExifInXmp[] = {
 
 QString quoted(const QString &name, const QString &expected, const QVariant &value)
 {
-    return QStringLiteral("%1: %2 | %3").arg(name, expected.left(80), words(value).join(u' ').left(80));
+    return QStringLiteral("%1: %2 | %3").arg(name, expected.left(80), partsOf(value).join(u' ').left(80));
 }
 
 } // namespace
@@ -282,7 +282,7 @@ void PhotoFactsTest::picture()
     }
     const QJsonValue jfif = record[u"JFIF:JFIFVersion"_qs];
     const QVariantMap ours = properties[kCGImagePropertyJFIFDictionary].toMap();
-    QCOMPARE(words(ours[kCGImagePropertyJFIFVersion]).join(u' '), comparable(jfif));
+    QCOMPARE(partsOf(ours[kCGImagePropertyJFIFVersion]).join(u' '), comparable(jfif));
     if (!jfif.isUndefined()) {
         QCOMPARE(ours[kCGImagePropertyJFIFXDensity].toInt(), record[u"JFIF:XResolution"_qs].toInt());
         QCOMPARE(ours[kCGImagePropertyJFIFDensityUnit].toInt(), record[u"JFIF:ResolutionUnit"_qs].toInt());
@@ -348,7 +348,7 @@ void PhotoFactsTest::xmpInPlaceOfOthers()
             return;
         ++m_compared;
         const QVariant value = groupDictionary(properties, group).value(home.key);
-        const QString ours = words(value).join(u' ').trimmed();
+        const QString ours = partsOf(value).join(u' ').trimmed();
         bool isNumber = false;
         const double number = text.toDouble(&isNumber);
         if (ours != text && !(isNumber && std::abs(ours.toDouble() - number) <= 1e-8 * std::abs(number)))

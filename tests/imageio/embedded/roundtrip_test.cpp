@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/copydifferences.h"
-#include "imageio/exiftoolrecords.h"
 #include "imageio/imagedestination.h"
 #include "imageio/imagesource.h"
 #include "imageio/pictures.h"
 #include "metadata/propertykeys.h"
+#include "support/exiftool.h"
 
 #include <QBuffer>
 #include <QHash>
@@ -186,7 +186,7 @@ void RoundTripTest::writeCopies(const ImageFormat &format)
         QVERIFY2(written, qPrintable(path + u": "_qs + (written ? QString() : written.error().text)));
         const QString copy =
             m_folder.path(QStringLiteral("%1.%2").arg(copies.size()).arg(format.suffixes.constFirst()));
-        QVERIFY(test::putFile(copy, file.data()));
+        QVERIFY(test::writeFile(copy, file.data()));
         copies.insert(path, copy);
     }
     QVERIFY(copies.size() > 50);
@@ -294,7 +294,7 @@ void RoundTripTest::longXmpIsKept()
     QVERIFY(picture.save(path));
     const QByteArray instructions(150'000, 'i');
     const QString arguments = m_folder.path(u"arguments"_qs);
-    QVERIFY(test::putFile(arguments, "-XMP-photoshop:Instructions=" + instructions + '\n' + path.toUtf8()));
+    QVERIFY(test::writeFile(arguments, "-XMP-photoshop:Instructions=" + instructions + '\n' + path.toUtf8()));
     test::outputOf(u"exiftool"_qs,
                    {u"-charset"_qs, u"filename=utf8"_qs, u"-overwrite_original"_qs, u"-@"_qs, arguments});
     const auto source = ImageSource::open(path);
@@ -303,7 +303,7 @@ void RoundTripTest::longXmpIsKept()
     file.open(QIODevice::ReadWrite);
     QVERIFY(writeImage(file, picture, {type, source->properties(), &*source}));
     const QString copy = m_folder.path(u"longcopy"_qs);
-    QVERIFY(test::putFile(copy, file.data()));
+    QVERIFY(test::writeFile(copy, file.data()));
     QCOMPARE(test::exiftoolValue(copy, u"XMP-photoshop:Instructions"_qs), instructions);
 }
 

@@ -34,12 +34,12 @@ struct Browser {
         QStringList paths;
         for (const char *name : {"a.png", "b.png", "c.png", "d.png", "e.png", "f.png"})
             paths.append(work.photo(QLatin1String(name)));
-        set.scanImagesAtPaths(paths);
+        app.gathering().scanImagesAtPaths(paths);
     }
 
     bool isReady()
     {
-        return QTest::qWaitFor([this] { return isIdle(set) && view.numberImages() == 6; });
+        return QTest::qWaitFor([this] { return isIdle(app.gathering()) && view.numberImages() == 6; });
     }
     void click(int index, Qt::KeyboardModifiers modifiers = {})
     {
@@ -54,7 +54,7 @@ struct Browser {
     }
 
     WorkingSet work;
-    AppController app{{work.photos, work.defaults, work.alerts, 2}};
+    AppController app{{work.photos, work.defaults, work.alerts, work.store, 2}};
     ImageSet &set = app.imageSet();
     ImageBrowserView view;
     ImageBrowserViewController controller{app, view, work.defaults, 2};
@@ -112,7 +112,7 @@ void ImageBrowserViewControllerTest::setAndGridAgree()
 void ImageBrowserViewControllerTest::zoomAndNamesAreRemembered()
 {
     WorkingSet work;
-    AppController app({work.photos, work.defaults, work.alerts, 2});
+    AppController app({work.photos, work.defaults, work.alerts, work.store, 2});
     {
         ImageBrowserView view;
         ImageBrowserViewController controller(app, view, work.defaults, 2);
@@ -120,10 +120,10 @@ void ImageBrowserViewControllerTest::zoomAndNamesAreRemembered()
         QVERIFY(view.showFilenames());
         QSignalSpy zooms(&controller, &ImageBrowserViewController::browserZoomFactorChanged);
         for (int i = 0; i < 9; ++i)
-            controller.zoomBrowser(1);
+            controller.zoomBrowser(ImageBrowserViewController::Zoom::In);
         QCOMPARE(zooms.size(), 9);
         QCOMPARE(controller.browserZoomFactor(), 1.0F);
-        controller.zoomBrowser(0);
+        controller.zoomBrowser(ImageBrowserViewController::Zoom::Out);
         controller.setShowBrowserFilenames(false);
     }
     ImageBrowserView view;
@@ -180,18 +180,16 @@ void ImageBrowserViewControllerTest::copiesForOthers()
     QCOMPARE(failures.size(), 0);
     QTRY_COMPARE(failures.size(), 1);
 
-    // Into somebody's folder it is the user's own save that runs, with that folder as his.
-    std::size_t saved = 0;
+    // Into a folder of another program, the batch save writes them, and that folder becomes the user's.
     const QString folder = browser.work.folder.path(QStringLiteral("target"));
-    QVERIFY(!browser.controller.promisedFiles({0, 2})->canSaveInto()); // nobody saves yet
-    browser.controller.setSavePhotos([&](const auto &photos) {
-        saved = photos.size();
-        return true;
-    });
+    QSignalSpy saved(&browser.app.batchSave(), &BatchSave::finished);
     auto dropped = browser.controller.promisedFiles({0, 2});
     QVERIFY(dropped->canSaveInto() && dropped->saveInto(folder));
-    QCOMPARE(saved, std::size_t(2));
+    QVERIFY(!dropped->saveInto(browser.work.folder.path())); // one at a time
     QCOMPARE(browser.work.defaults.stringForKey(settings::savingDirectory), folder);
+    QVERIFY(saved.wait());
+    QCOMPARE(QDir(folder).entryList({QStringLiteral("[ac]*.jpg")}, QDir::Files).size(), 2);
+    QTRY_COMPARE(failures.size(), 2);
 
     // Without watermarks there is nothing to copy, nor is what was copied before.
     browser.app.appliedPresets().modeDidChange(1);

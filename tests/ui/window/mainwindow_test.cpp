@@ -74,7 +74,7 @@ struct Fixture {
     bool isEnabled(ActionId id) const { return window.actions().action(id)->isEnabled(); }
 
     WorkingSet files;
-    AppController controller{{files.photos, files.defaults, files.alerts, 2}};
+    AppController controller{{files.photos, files.defaults, files.alerts, files.store, 2}};
     ImageSet &set = controller.imageSet();
     bool active = false;
     mutable MainWindow window{{controller, files.defaults, files.alerts, 2}};
@@ -152,13 +152,16 @@ void MainWindowTest::commandsFollowTheSelection()
     const std::shared_ptr<ImageObject> image = (*f.set.images())[1];
     QTest::mouseClick(&turn, Qt::LeftButton);
     QTRY_COMPARE(image->originalImageSize(), QSize(48, 64));
-    QTRY_VERIFY(!f.controller.commandState(0).hasCurrentBatchOperation);
+    QTRY_VERIFY(!f.controller.commandState().hasCurrentBatchOperation);
 
-    // While copies are saved the menus rest, and the buttons do not.
-    f.controller.setSaving({[] { return true; }, [] {}});
+    // While copies are saved the menus rest.
+    f.controller.appliedPresets().modeDidChange(0);
+    image->lock();
+    QVERIFY(f.controller.startSaving({image}));
     f.set.selection().selectIndexes({0});
     QTRY_VERIFY(!f.isEnabled(ActionId::TurnRight));
-    QTRY_VERIFY(turn.isEnabled());
+    image->unlock();
+    QTRY_VERIFY(f.isEnabled(ActionId::TurnRight));
 }
 
 void MainWindowTest::searchFieldFilters()
@@ -189,7 +192,7 @@ void MainWindowTest::searchFieldFilters()
     f.window.setContentEnabled(true);
     QCOMPARE(QApplication::focusWidget(), &search);
     // New photos are to be seen.
-    f.set.scanImagesAtPaths({f.files.photo(QStringLiteral("new.png"))});
+    f.controller.gathering().scanImagesAtPaths({f.files.photo(QStringLiteral("new.png"))});
     QCOMPARE(search.text(), QString());
     QTRY_COMPARE(shownNames(f.set), QStringLiteral("a B ab new"));
 }
@@ -199,9 +202,10 @@ void MainWindowTest::gridShowsTheSet()
     Fixture f;
     QVERIFY(f.active);
     auto &grid = f.find<ImageBrowserView>("imageBrowser");
-    f.set.scanImagesAtPaths({f.files.photo(QStringLiteral("a.png")), f.files.photo(QStringLiteral("b.png")),
-                             f.files.photo(QStringLiteral("c.png")), f.files.photo(QStringLiteral("d.png"))});
-    QTRY_VERIFY(isIdle(f.set) && f.set.images()->size() == 4);
+    f.controller.gathering().scanImagesAtPaths(
+        {f.files.photo(QStringLiteral("a.png")), f.files.photo(QStringLiteral("b.png")),
+         f.files.photo(QStringLiteral("c.png")), f.files.photo(QStringLiteral("d.png"))});
+    QTRY_VERIFY(isIdle(f.controller.gathering()) && f.set.images()->size() == 4);
     QCOMPARE(grid.numberImages(), 4);
     const auto click = [&grid](int index, Qt::KeyboardModifiers modifiers) {
         const QPoint at = grid.viewportRect(*grid.cellForIndex(index)).center().toPoint();
@@ -293,7 +297,7 @@ void MainWindowTest::filesAreDroppedAnywhere()
         QCoreApplication::sendEvent(target, &drop);
         ++dropped;
         QTRY_COMPARE(f.set.images()->size(), dropped);
-        QTRY_VERIFY(isIdle(f.set));
+        QTRY_VERIFY(isIdle(f.controller.gathering()));
     }
 }
 

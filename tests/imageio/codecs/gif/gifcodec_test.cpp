@@ -45,7 +45,7 @@ private:
     {
         QBuffer file;
         return file.open(QIODevice::ReadWrite) && writeImage(file, image, {u"image/gif"_qs, {}}) &&
-               putFile(path, file.data());
+               writeFile(path, file.data());
     }
 
     TestFolder m_folder;
@@ -174,7 +174,7 @@ void GifCodecTest::initTestCase()
     if (m_photos.isEmpty())
         return;
     m_srgb = m_folder.path(u"srgb.icc"_qs);
-    QVERIFY(putFile(m_srgb, ImageSource::open(photo(u"jpeg/htc-desire.jpg"_qs))->info().iccProfile));
+    QVERIFY(writeFile(m_srgb, ImageSource::open(photo(u"jpeg/htc-desire.jpg"_qs))->info().iccProfile));
 }
 
 void GifCodecTest::kindsAreRead_data()
@@ -254,7 +254,7 @@ void GifCodecTest::frameIsPutOnTheScreen()
     QFETCH(QByteArray, file);
     QFETCH(QByteArray, letters);
     const QString path = m_folder.path(u"screen.gif"_qs);
-    QVERIFY(putFile(path, file + ';'));
+    QVERIFY(writeFile(path, file + ';'));
     QString error;
     const QImage image = decoded(path, &error);
     QVERIFY2(!image.isNull(), qPrintable(error));
@@ -283,7 +283,7 @@ void GifCodecTest::blocksAroundTheFrame()
     QFETCH(QByteArray, before);
     QFETCH(QByteArray, behind);
     const QString path = m_folder.path(u"blocks.gif"_qs);
-    QVERIFY(putFile(path, screen({2, 2}) + before + frame({0, 0, 2, 2}, "rgbw") + behind));
+    QVERIFY(writeFile(path, screen({2, 2}) + before + frame({0, 0, 2, 2}, "rgbw") + behind));
     QString error;
     const QImage image = decoded(path, &error);
     QVERIFY2(!image.isNull(), qPrintable(error));
@@ -302,7 +302,7 @@ void GifCodecTest::framesAreCounted()
     QCOMPARE(droppedPictures(*cogs), QStringList{u"animation"_qs});
     // Frames that are cut do not count for the first.
     const QString path = m_folder.path(u"cut.gif"_qs);
-    QVERIFY(putFile(path, contentsOf(photo(u"gif/animated-cogs.gif"_qs)).first(1200)));
+    QVERIFY(writeFile(path, contentsOf(photo(u"gif/animated-cogs.gif"_qs)).first(1200)));
     QVERIFY(ImageSource::open(path)->imageCount() < 5);
     QCOMPARE(decoded(path), decoded(photo(u"gif/animated-cogs.gif"_qs)));
 }
@@ -320,7 +320,7 @@ void GifCodecTest::profileIsUsed()
     for (qsizetype at = 0; at < icc.size(); at += 255)
         profile += char(qMin<qsizetype>(255, icc.size() - at)) + icc.mid(at, 255);
     const qsizetype table = 13 + 3 * (2 << (file[10] & 7));
-    QVERIFY(putFile(path, file.insert(table, profile + '\0')));
+    QVERIFY(writeFile(path, file.insert(table, profile + '\0')));
     QCOMPARE(ImageSource::open(path)->properties().value(u"ProfileName"_qs).toString(),
              u"Adobe RGB (1998)"_qs);
     const QImage ours = decoded(path);
@@ -350,7 +350,7 @@ void GifCodecTest::cutFileIsWholeOrFails()
     const qsizetype step = bytes.size() / 80;
     int failures = 0;
     for (qsizetype length = 1; length < bytes.size(); length += length < bytes.size() - 30 ? step : 1) {
-        QVERIFY(putFile(cut, bytes.first(length)));
+        QVERIFY(writeFile(cut, bytes.first(length)));
         QString error;
         const QImage image = decoded(cut, &error);
         failures += image.isNull() ? 1 : 0;
@@ -391,7 +391,7 @@ void GifCodecTest::hostileFilesGiveAReason()
     QFETCH(QByteArray, file);
     QFETCH(QString, reason);
     const QString path = m_folder.path(u"hostile.gif"_qs);
-    QVERIFY(putFile(path, file));
+    QVERIFY(writeFile(path, file));
     QString error;
     QVERIFY(decoded(path, &error).isNull());
     QCOMPARE(error, reason);
@@ -455,7 +455,7 @@ void GifCodecTest::photosAreWrittenWell()
         const QString path = m_folder.path(u"copy.gif"_qs);
         const QString theirs = m_folder.path(u"theirs.gif"_qs);
         const QByteArray copy = copied(photo(name), "image/gif", 1);
-        QVERIFY(putFile(path, copy));
+        QVERIFY(writeFile(path, copy));
         QCOMPARE(copied(photo(name), "image/gif", 1), copy);
         const QImage source = decoded(photo(name));
         QVERIFY(source.save(m_folder.path(u"source.png"_qs)));
@@ -477,7 +477,7 @@ void GifCodecTest::metadataArriveElsewhere()
     NEEDS_PHOTOS();
     const QString name = photo(u"jpeg/canon-eos-1d-mark-iii-lightroom.jpg"_qs);
     const QString path = m_folder.path(u"copy.gif"_qs);
-    QVERIFY(putFile(path, copied(name, "image/gif", 1)));
+    QVERIFY(writeFile(path, copied(name, "image/gif", 1)));
     for (const QString &tag : {u"XMP-dc:Rights"_qs, u"XMP-dc:Subject"_qs, u"XMP-iptcCore:CreatorWorkEmail"_qs,
                                u"XMP-photoshop:Headline"_qs}) {
         QVERIFY2(!exiftoolValue(name, tag).isEmpty(), qPrintable(tag));
@@ -486,10 +486,10 @@ void GifCodecTest::metadataArriveElsewhere()
     QVERIFY(exiftoolValue(path, u"Warning"_qs).isEmpty());
     // And back: a packet and a comment that exiftool wrote, through a copy of ours.
     const QString theirs = m_folder.path(u"theirs.gif"_qs);
-    QVERIFY(putFile(theirs, contentsOf(photo(u"gif/animated-squares.gif"_qs))));
+    QVERIFY(writeFile(theirs, contentsOf(photo(u"gif/animated-squares.gif"_qs))));
     outputOf(u"exiftool"_qs, {u"-overwrite_original"_qs, u"-XMP-dc:Rights=© Żółw 2024"_qs,
                               u"-XMP-photoshop:City=Łódź"_qs, u"-Comment=made by hand"_qs, theirs});
-    QVERIFY(putFile(path, copied(theirs, "image/gif", 1)));
+    QVERIFY(writeFile(path, copied(theirs, "image/gif", 1)));
     QCOMPARE(exiftoolValue(path, u"XMP-dc:Rights"_qs).trimmed(), QByteArray("© Żółw 2024"));
     QCOMPARE(exiftoolValue(path, u"XMP-photoshop:City"_qs).trimmed(), QByteArray("Łódź"));
     QCOMPARE(exiftoolValue(path, u"Comment"_qs).trimmed(), QByteArray("made by hand"));

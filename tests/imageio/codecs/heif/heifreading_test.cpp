@@ -151,7 +151,7 @@ void HeifReadingTest::photosLookAsElsewhere()
         return;
     const QString theirs = m_folder.path(u"theirs.png"_s);
     const QString srgb = m_folder.path(u"srgb.icc"_s);
-    QVERIFY(putFile(srgb, QColorSpace(QColorSpace::SRgb).iccProfile()));
+    QVERIFY(writeFile(srgb, QColorSpace(QColorSpace::SRgb).iccProfile()));
     QFile::remove(theirs);
     outputOf(u"heif-convert"_s, {path, theirs});
     if (!QFile::exists(theirs)) // it numbers the pictures of a file with several
@@ -291,18 +291,18 @@ void HeifReadingTest::orientationIsFollowedOnce()
     QFETCH(QSize, size);
     const QString exif = m_folder.path(u"exif"_s);
     const QString xmp = m_folder.path(u"xmp"_s);
-    QVERIFY(putFile(exif, exifWithOrientation(6)));
-    QVERIFY(putFile(xmp, "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF "
-                         "xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"><rdf:Description "
-                         "rdf:about=\"\" xmlns:photoshop=\"http://ns.adobe.com/photoshop/1.0/\" "
-                         "photoshop:City=\"Bregenz\"/></rdf:RDF></x:xmpmeta>"));
+    QVERIFY(writeFile(exif, exifWithOrientation(6)));
+    QVERIFY(writeFile(xmp, "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF "
+                           "xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"><rdf:Description "
+                           "rdf:about=\"\" xmlns:photoshop=\"http://ns.adobe.com/photoshop/1.0/\" "
+                           "photoshop:City=\"Bregenz\"/></rdf:RDF></x:xmpmeta>"));
     QString path = m_folder.path(u"turned.avif"_s);
     QStringList arguments = options.split(u' ', Qt::SkipEmptyParts);
     arguments += {u"-s"_s, u"10"_s, u"--exif"_s, exif, u"--xmp"_s, xmp, m_folder.path(u"source.png"_s), path};
     outputOf(u"avifenc"_s, arguments);
     if (options.isEmpty()) { // the encoder derives a box from EXIF: made to be one that nobody knows
         QByteArray file = contentsOf(path);
-        QVERIFY(putFile(path, file.replace("irot", "irxx")));
+        QVERIFY(writeFile(path, file.replace("irot", "irxx")));
     }
     const auto source = ImageSource::open(path);
     QVERIFY2(source, source ? "" : qPrintable(source.error().text));
@@ -348,7 +348,7 @@ void HeifReadingTest::liesAreFoundBeforeDecoding()
         QVERIFY(at > 0);
         file.replace(at + 8, 2, file.mid(at + 4, 2));
     }
-    QVERIFY(putFile(path, file));
+    QVERIFY(writeFile(path, file));
     const auto opened = ImageSource::open(path, ReadLimits{.maxPixels = 1'000'000});
     QVERIFY(!opened);
     QVERIFY2(lie != "size" || opened.error().text.contains(u"1600 x 1200"), qPrintable(opened.error().text));
@@ -357,7 +357,7 @@ void HeifReadingTest::liesAreFoundBeforeDecoding()
 void HeifReadingTest::damageNeverCrashes_data()
 {
     QTest::addColumn<QString>("path");
-    const QString corpus = qEnvironmentVariable("PLEXA_SOURCE_DIR") + u"/tests/fuzz/corpus/fuzz_heif/"_s;
+    const QString corpus = sourceFolder() + u"/tests/fuzz/corpus/fuzz_heif/"_s;
     for (const QString &name : QDir(corpus).entryList(QDir::Files))
         QTest::newRow(qPrintable(name)) << corpus + name;
 }
@@ -377,7 +377,7 @@ void HeifReadingTest::damageNeverCrashes()
             bytes.truncate(at);
         else if (i >= 0)
             bytes[at] = char(bytes[at] ^ 0x55);
-        QVERIFY(putFile(damaged, bytes));
+        QVERIFY(writeFile(damaged, bytes));
         QString error;
         const QImage image = decoded(damaged, &error, ReadLimits{4'000'000, 100'000'000});
         QVERIFY(image.isNull() == !error.isEmpty());

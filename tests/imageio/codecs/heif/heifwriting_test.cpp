@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "imageio/exiftoolrecords.h"
 #include "imageio/pictures.h"
 #include "presets/savingpreset.h"
+#include "support/exiftool.h"
 
 #include <QColorSpace>
 #include <QFileInfo>
@@ -109,7 +109,7 @@ void HeifWritingTest::copiesReadTheSameElsewhere()
     QFETCH(QString, name);
     const QString path = m_folder.path(u"copy.heic"_s);
     QString error;
-    QVERIFY2(putFile(path, copied(photo(name), kHeic, 0.95, &error)) && error.isEmpty(), qPrintable(error));
+    QVERIFY2(writeFile(path, copied(photo(name), kHeic, 0.95, &error)) && error.isEmpty(), qPrintable(error));
     const QImage source = decoded(photo(name));
     const QImage theirs = decodedElsewhere(path);
     QCOMPARE(theirs.size(), source.size());
@@ -154,7 +154,7 @@ void HeifWritingTest::anySizeIsKept()
         file, image, {QLatin1String(kHeic), {{u"kCGImageDestinationLossyCompressionQuality"_s, quality}}});
     QVERIFY2(written, written ? "" : qPrintable(written.error().text));
     const QString path = m_folder.path(u"small.heic"_s);
-    QVERIFY(putFile(path, file.data()));
+    QVERIFY(writeFile(path, file.data()));
     for (const QImage &seen : {decoded(path), decodedElsewhere(path)}) {
         QCOMPARE(seen.size(), size);
         for (const QPoint corner : {QPoint(0, 0), QPoint(size.width() - 1, size.height() - 1)}) {
@@ -185,7 +185,7 @@ void HeifWritingTest::samplingFollowsQuality()
     QFETCH(double, quality);
     QFETCH(QByteArray, sampling);
     const QString path = m_folder.path(u"copy.heic"_s);
-    QVERIFY(putFile(path, copied(photo(name), kHeic, quality)));
+    QVERIFY(writeFile(path, copied(photo(name), kHeic, quality)));
     const auto copy = ImageSource::open(path);
     QVERIFY(copy);
     QCOMPARE(copy->info().chromaSampling, sampling);
@@ -209,8 +209,8 @@ void HeifWritingTest::qualityMeansWhatItDoesForJpeg()
     QFETCH(double, quality);
     const QString heic = m_folder.path(u"copy.heic"_s);
     const QString jpeg = m_folder.path(u"copy.jpg"_s);
-    QVERIFY(putFile(heic, copied(photo(name), kHeic, quality)));
-    QVERIFY(putFile(jpeg, copied(photo(name), "image/jpeg", quality)));
+    QVERIFY(writeFile(heic, copied(photo(name), kHeic, quality)));
+    QVERIFY(writeFile(jpeg, copied(photo(name), "image/jpeg", quality)));
     const QImage source = decoded(photo(name));
     const double heicLoss = meanSquare(decoded(heic), source);
     const double jpegLoss = meanSquare(decoded(jpeg), source);
@@ -233,7 +233,7 @@ void HeifWritingTest::metadataFollow()
     QFETCH(QString, name);
     const QString path = m_folder.path(u"copy.heic"_s);
     const QByteArray file = copied(photo(name), kHeic, 0.5);
-    QVERIFY(putFile(path, file));
+    QVERIFY(writeFile(path, file));
     const auto records = exiftoolRecords({photo(name), path});
     const QJsonObject before = records[photo(name)];
     const QJsonObject after = records[path];
@@ -291,7 +291,7 @@ void HeifWritingTest::recordsMoveToXmp()
           "jpeg/photoshop-copyright-author.jpg", "jpeg/thompson-springs-gps-city.jpg"}) {
         const QString from = photo(QString::fromLatin1(name));
         const QString path = m_folder.path(u"copy.heic"_s);
-        QVERIFY(putFile(path, copied(from, kHeic, 0.1)));
+        QVERIFY(writeFile(path, copied(from, kHeic, 0.1)));
         const auto records = exiftoolRecords({from, path});
         for (const auto &home : homes) {
             QString told = comparable(records[from][u"IPTC:"_s + QLatin1StringView(home.iptc)]);

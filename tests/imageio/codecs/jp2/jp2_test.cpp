@@ -143,7 +143,7 @@ void Jp2Test::cutFileIsWholeOrFails()
     const QString cut = m_folder.path(u"cut.jp2"_qs);
     constexpr int kCuts = 40;
     for (int i = 0; i < kCuts; ++i) {
-        QVERIFY(putFile(cut, contents.left(contents.size() * i / kCuts)));
+        QVERIFY(writeFile(cut, contents.left(contents.size() * i / kCuts)));
         QString error;
         const QImage image = decoded(cut, &error);
         QVERIFY(!image.isNull() || !error.isEmpty());
@@ -167,7 +167,7 @@ void Jp2Test::flippedBytesDoNoHarm()
         QByteArray damaged = contents;
         for (int n = 0; n < 1 + i % 5; ++n)
             damaged[random.bounded(i % 2 == 0 ? 250 : int(contents.size()))] = char(random.bounded(256));
-        QVERIFY(putFile(flipped, damaged));
+        QVERIFY(writeFile(flipped, damaged));
         QString error;
         const QImage image = decoded(flipped, &error, {4'000'000, 128'000'000});
         QVERIFY(!image.isNull() || !error.isEmpty());
@@ -196,7 +196,7 @@ void Jp2Test::limitsHold()
     QVERIFY(contents.size() > 60);
     for (const auto &[at, value] : {std::pair{8, side}, {12, side}, {24, tile}, {28, tile}})
         qToBigEndian(value, contents.data() + at);
-    QVERIFY(putFile(path, contents));
+    QVERIFY(writeFile(path, contents));
     QString error;
     QVERIFY(decoded(path, &error).isNull());
     QVERIFY2(error.contains(reason), qPrintable(error));
@@ -235,7 +235,7 @@ void Jp2Test::paletteIsBounded()
     const auto end = qFromBigEndian<quint32>(length);
     qToBigEndian(quint32(end + added.size()), length);
     contents.insert(header + end, added);
-    QVERIFY(putFile(path, contents));
+    QVERIFY(writeFile(path, contents));
     QString error;
     const QImage image = decoded(path, &error);
     QCOMPARE(!image.isNull(), isRead);
@@ -267,7 +267,7 @@ void Jp2Test::memoryOfSmallFilesIsCounted()
     QFETCH(bool, isRead);
     const QString raw = m_folder.path(u"black.raw"_qs);
     const QString path = m_folder.path(u"black.jp2"_qs);
-    QVERIFY(putFile(raw, QByteArray(qsizetype(side) * side * 3, 0)));
+    QVERIFY(writeFile(raw, QByteArray(qsizetype(side) * side * 3, 0)));
     outputOf(u"opj_compress"_qs,
              QStringList{u"-i"_qs, raw, u"-o"_qs, path, u"-F"_qs, u"%1,%1,%2"_qs.arg(side).arg(format)} +
                  options);
@@ -287,12 +287,12 @@ void Jp2Test::memoryOfSmallFilesIsCounted()
     contents[style + 4] = 0;  // usual precincts,
     contents[style + 10] = 4; // and code blocks of 64 by 64
     contents[style + 11] = 4;
-    QVERIFY(putFile(path, contents));
+    QVERIFY(writeFile(path, contents));
     QVERIFY(!decoded(path, &error, limits).isNull() || !error.contains(u"MB of memory"_qs));
     char *length = contents.data() + tile + 6;
     qToBigEndian(qFromBigEndian<quint32>(length) + quint32(copy.size()), length);
     contents.insert(tile + 12, copy);
-    QVERIFY(putFile(path, contents));
+    QVERIFY(writeFile(path, contents));
     QVERIFY(decoded(path, &error, limits).isNull());
     QVERIFY2(error.contains(u"MB of memory"_qs), qPrintable(error));
 }

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/pictures.h"
+#include "support/bytes.h"
+#include "support/datarows.h"
 
 #include <QTest>
-#include <QtEndian>
 
 #include <array>
 #include <cmath>
@@ -34,25 +35,6 @@ private:
 namespace
 {
 
-QByteArray number(quint32 value)
-{
-    QByteArray bytes(4, '\0');
-    qToBigEndian(value, bytes.data());
-    return bytes;
-}
-
-/// With the CRC of ISO 3309, bit by bit.
-QByteArray chunk(const QByteArray &type, const QByteArray &data)
-{
-    quint32 crc = 0xffffffff;
-    for (const char byte : type + data) {
-        crc ^= uchar(byte);
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc & 1) != 0 ? 0xedb88320 ^ (crc >> 1) : crc >> 1;
-    }
-    return number(quint32(data.size())) + type + data + number(~crc);
-}
-
 /// @param rows    without filter bytes
 /// @param chunks  what stands between the header and the picture
 QByteArray png(QSize size, int depth, int colorType, const QByteArray &rows, const QByteArray &chunks = {})
@@ -62,19 +44,19 @@ QByteArray png(QSize size, int depth, int colorType, const QByteArray &rows, con
     for (int y = 0; y < size.height(); ++y)
         filtered += '\0' + rows.mid(y * rowBytes, rowBytes);
     return "\x89PNG\r\n\x1a\n" +
-           chunk("IHDR", number(quint32(size.width())) + number(quint32(size.height())) + char(depth) +
-                             char(colorType) + QByteArray(3, '\0')) +
-           chunks + chunk("IDAT", qCompress(filtered).mid(4)) + chunk("IEND", {});
+           pngChunk("IHDR", big32(size.width()) + big32(size.height()) + char(depth) + char(colorType) +
+                                QByteArray(3, '\0')) +
+           chunks + pngChunk("IDAT", qCompress(filtered).mid(4)) + pngChunk("IEND", {});
 }
 
 QByteArray gammaChunk(double gamma)
 {
-    return chunk("gAMA", number(quint32(std::lround(gamma * 100'000))));
+    return pngChunk("gAMA", big32(std::lround(gamma * 100'000)));
 }
 
 QByteArray profileChunk(const QByteArray &icc)
 {
-    return chunk("iCCP", QByteArray("p\0\0", 3) + qCompress(icc).mid(4));
+    return pngChunk("iCCP", QByteArray("p\0\0", 3) + qCompress(icc).mid(4));
 }
 
 double encoded(double light)
@@ -96,19 +78,20 @@ void PngReadingTest::samplesAndTransparency_data()
             data += char(i * 89 + i / 7);
         return data;
     };
-    const QByteArray palette = chunk("PLTE", bytes(3 * 16));
+    const QByteArray palette = pngChunk("PLTE", bytes(3 * 16));
     for (const int depth : {1, 2, 4, 8, 16}) {
         const int rowBytes = size.width() * depth / 8 * size.height();
         QTest::addRow("grey, %d bit", depth) << png(size, depth, 0, bytes(rowBytes)) << false;
         // In more than 8 bits only the whole number counts.
         const QByteArray level = depth == 16 ? bytes(4).mid(2) : QByteArray("\0\1", 2);
         QTest::addRow("grey, %d bit, transparent", depth)
-            << png(size, depth, 0, bytes(rowBytes), chunk("tRNS", level)) << true;
+            << png(size, depth, 0, bytes(rowBytes), pngChunk("tRNS", level)) << true;
         if (depth < 8) {
-            const QByteArray few = chunk("PLTE", bytes(3 << depth));
+            const QByteArray few = pngChunk("PLTE", bytes(3 << depth));
             QTest::addRow("palette, %d bit", depth) << png(size, depth, 3, bytes(rowBytes), few) << false;
             QTest::addRow("palette, %d bit, transparent", depth)
-                << png(size, depth, 3, bytes(rowBytes), few + chunk("tRNS", QByteArray("\0\x80", 2))) << true;
+                << png(size, depth, 3, bytes(rowBytes), few + pngChunk("tRNS", QByteArray("\0\x80", 2)))
+                << true;
         }
         if (depth < 8)
             continue;
@@ -117,7 +100,7 @@ void PngReadingTest::samplesAndTransparency_data()
         const QByteArray color =
             depth == 16 ? first : QByteArray(1, '\0') + first[0] + '\0' + first[1] + '\0' + first[2];
         QTest::addRow("RGB, %d bit, transparent", depth)
-            << png(size, depth, 2, bytes(rowBytes * 3), chunk("tRNS", color)) << true;
+            << png(size, depth, 2, bytes(rowBytes * 3), pngChunk("tRNS", color)) << true;
         QTest::addRow("grey and alpha, %d bit", depth) << png(size, depth, 4, bytes(rowBytes * 2)) << true;
         QTest::addRow("RGB and alpha, %d bit", depth) << png(size, depth, 6, bytes(rowBytes * 4)) << true;
     }
@@ -125,17 +108,16 @@ void PngReadingTest::samplesAndTransparency_data()
 
 void PngReadingTest::samplesAndTransparency()
 {
-    if (magickConvert().isEmpty())
-        QSKIP("ImageMagick is not installed");
+    PLEXA_NEEDS_MAGICK();
     QFETCH(QByteArray, file);
     QFETCH(bool, hasAlpha);
     const QString path = m_folder.path(u"samples.png"_qs);
-    QVERIFY(putFile(path, file));
+    QVERIFY(writeFile(path, file));
     QString error;
     const QImage ours = decoded(path, &error);
     QVERIFY2(!ours.isNull(), qPrintable(error));
     QCOMPARE(ours.hasAlphaChannel(), hasAlpha);
-    const QByteArray pixels = outputOf(magickConvert(), {path, u"-depth"_qs, u"8"_qs, u"rgba:-"_qs});
+    const QByteArray pixels = magick("%1 -depth 8 rgba:-", path);
     QCOMPARE(pixels.size(), qsizetype(ours.width()) * ours.height() * 4);
     const QImage theirs = QImage(reinterpret_cast<const uchar *>(pixels.constData()), ours.width(),
                                  ours.height(), QImage::Format_RGBA8888)
@@ -158,67 +140,65 @@ void PngReadingTest::smallInterlacedPictures_data()
 
 void PngReadingTest::smallInterlacedPictures()
 {
-    if (magickConvert().isEmpty())
-        QSKIP("ImageMagick is not installed");
+    PLEXA_NEEDS_MAGICK();
     QFETCH(QSize, size);
-    QImage image(size, QImage::Format_RGB32);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixel(x, y, qRgb(x * 29, y * 27, x * y));
-    }
+    const QImage image = smoothPicture(size);
     const QString origin = m_folder.path(u"origin.png"_qs);
     const QString path = m_folder.path(u"interlaced.png"_qs);
     QVERIFY(image.save(origin));
-    for (const QString &kind : {u"png24:"_qs, u"png8:"_qs}) {
-        outputOf(magickConvert(), {origin, u"-interlace"_qs, u"Plane"_qs, kind + path});
+    for (const char *kind : {"png24", "png8"}) {
+        magick("%1 -interlace Plane %2:%3", origin, kind, path);
         QVERIFY(ImageSource::open(path)->info().decoderBytes > 0);
         QCOMPARE(decoded(path), image);
     }
 }
 
+struct ColorChunks {
+    Text name;
+    QByteArray chunks;
+    int level; ///< that 128 becomes
+};
+
 void PngReadingTest::colorChunksInOrderOfWeight_data()
 {
-    QTest::addColumn<QByteArray>("chunks");
-    QTest::addColumn<int>("level"); // what 128 becomes
-    const QByteArray srgb = chunk("sRGB", QByteArray(1, '\0'));
+    const QByteArray srgb = pngChunk("sRGB", QByteArray(1, '\0'));
     const QByteArray linear = gammaChunk(1);
     // Adobe RGB's exponent is 2.2: the same for greys, but for the dark end.
     const int bright = int(std::lround(255 * encoded(128 / 255.0)));
-    QTest::newRow("nothing") << QByteArray() << 128;
-    QTest::newRow("sRGB") << srgb << 128;
-    QTest::newRow("gamma 1/2.2") << gammaChunk(0.45455) << 128;
-    QTest::newRow("gamma 1") << linear << bright;
-    QTest::newRow("gamma 1/1.8") << gammaChunk(0.55556)
-                                 << int(std::lround(255 * encoded(std::pow(128 / 255.0, 1.8))));
-    QTest::newRow("gamma 0") << gammaChunk(0) << 128;
-    QTest::newRow("sRGB before gamma") << srgb + linear << 128;
-    QTest::newRow("sRGB behind gamma") << linear + srgb << 128;
+    addRows<ColorChunks>({
+        {"nothing", {}, 128},
+        {"sRGB", srgb, 128},
+        {"gamma 1/2.2", gammaChunk(0.45455), 128},
+        {"gamma 1", linear, bright},
+        {"gamma 1/1.8", gammaChunk(0.55556), int(std::lround(255 * encoded(std::pow(128 / 255.0, 1.8))))},
+        {"gamma 0", gammaChunk(0), 128},
+        {"sRGB before gamma", srgb + linear, 128},
+        {"sRGB after gamma", linear + srgb, 128},
+    });
 }
 
 void PngReadingTest::colorChunksInOrderOfWeight()
 {
-    QFETCH(QByteArray, chunks);
-    QFETCH(int, level);
+    const auto [name, chunks, level] = currentRow<ColorChunks>();
     const QString path = m_folder.path(u"order.png"_qs);
     for (const int colorType : {0, 2, 4, 6}) {
         const QByteArray pixel = QByteArray((colorType & 2) != 0 ? 3 : 1, '\x80') +
                                  QByteArray((colorType & 4) != 0 ? 1 : 0, '\xff');
-        QVERIFY(putFile(path, png({1, 1}, 8, colorType, pixel, chunks)));
+        QVERIFY(writeFile(path, png({1, 1}, 8, colorType, pixel, chunks)));
         const QRgb color = decoded(path).pixel(0, 0);
         QVERIFY2(std::abs(qRed(color) - level) <= 1 && std::abs(qBlue(color) - level) <= 1,
                  qPrintable(QString::number(qRed(color))));
     }
     // A profile weighs more than all of these.
-    if (photosFolder().isEmpty())
-        QSKIP("there is no folder of photos (PLEXA_PHOTOS)");
-    const auto adobe = ImageSource::open(photosFolder() + u"/jpeg/adobe-rgb-uss-reagan.jpg"_qs);
+    PLEXA_NEEDS_PHOTOS();
+    const auto adobe = ImageSource::open(realPhoto("jpeg/adobe-rgb-uss-reagan.jpg"));
     const QByteArray pixel("\x40\xc0\x40", 3);
-    QVERIFY(putFile(path, png({1, 1}, 8, 2, pixel, profileChunk(adobe->info().iccProfile))));
+    QVERIFY(writeFile(path, png({1, 1}, 8, 2, pixel, profileChunk(adobe->info().iccProfile))));
     const QRgb alone = decoded(path).pixel(0, 0);
     QVERIFY(qRed(alone) < 0x30); // outside of sRGB
-    QVERIFY(putFile(path, png({1, 1}, 8, 2, pixel, profileChunk(adobe->info().iccProfile) + chunks)));
+    QVERIFY(writeFile(path, png({1, 1}, 8, 2, pixel, profileChunk(adobe->info().iccProfile) + chunks)));
     QCOMPARE(decoded(path).pixel(0, 0), alone);
-    QVERIFY(putFile(path, png({1, 1}, 8, 2, pixel, chunks + profileChunk(adobe->info().iccProfile))));
+    QVERIFY(writeFile(path, png({1, 1}, 8, 2, pixel, chunks + profileChunk(adobe->info().iccProfile))));
     QCOMPARE(decoded(path).pixel(0, 0), alone);
 }
 
@@ -227,8 +207,8 @@ void PngReadingTest::primariesFollowTheFormula()
 {
     QByteArray primaries;
     for (const quint32 value : {31270, 32900, 64000, 33000, 21000, 71000, 15000, 6000})
-        primaries += number(value);
-    const QByteArray chunks = gammaChunk(0.45470) + chunk("cHRM", primaries);
+        primaries += big32(value);
+    const QByteArray chunks = gammaChunk(0.45470) + pngChunk("cHRM", primaries);
     constexpr double kToXyz[3][3] = {
         {0.57667, 0.18556, 0.18823}, {0.29734, 0.62736, 0.07529}, {0.02703, 0.07069, 0.99134}};
     constexpr double kToSrgb[3][3] = {
@@ -243,7 +223,7 @@ void PngReadingTest::primariesFollowTheFormula()
             for (size_t j = 0; j < 3; ++j)
                 xyz[j] += kToXyz[j][i] * std::pow(color[i] / 255.0, 2.19922);
         }
-        QVERIFY(putFile(path, png({1, 1}, 8, 2, pixel, chunks)));
+        QVERIFY(writeFile(path, png({1, 1}, 8, 2, pixel, chunks)));
         const QRgb is = decoded(path).pixel(0, 0);
         const int channels[3] = {qRed(is), qGreen(is), qBlue(is)};
         for (size_t i = 0; i < 3; ++i) {
@@ -259,7 +239,7 @@ void PngReadingTest::deepTransparentColorIsExact()
 {
     const QString path = m_folder.path(u"deep.png"_qs);
     const QByteArray pixels("\x12\x34\x12\x34\x12\x34\x12\x35\x12\x34\x12\x34", 12);
-    QVERIFY(putFile(path, png({2, 1}, 16, 2, pixels, chunk("tRNS", pixels.first(6)))));
+    QVERIFY(writeFile(path, png({2, 1}, 16, 2, pixels, pngChunk("tRNS", pixels.first(6)))));
     const QImage image = decoded(path);
     QCOMPARE(image.pixel(0, 0), QRgb(0));
     QCOMPARE(image.pixel(1, 0), qRgb(0x12, 0x12, 0x12));
@@ -269,9 +249,10 @@ void PngReadingTest::deepTransparentColorIsExact()
 void PngReadingTest::metadataChunks()
 {
     const QString path = m_folder.path(u"metadata.png"_qs);
-    QVERIFY(putFile(path, png({1, 1}, 8, 0, "x")));
-    outputOf(u"exiftool"_qs, {u"-overwrite_original"_qs, u"-EXIF:Artist=Zoë"_qs, u"-EXIF:ISO=640"_qs,
-                              u"-XMP-dc:Title=Żółw"_qs, u"-IPTC:City=Ulm"_qs, path});
+    QVERIFY(writeFile(path, png({1, 1}, 8, 0, "x")));
+    outputOf(
+        "exiftool -overwrite_original -EXIF:Artist=Zoë -EXIF:ISO=640 -XMP-dc:Title=Żółw -IPTC:City=Ulm %1",
+        path);
     const auto hasAll = [](const QVariantMap &properties) {
         return properties.value(u"{TIFF}"_qs).toMap().value(u"Artist"_qs).toString() == u"Zoë"_qs &&
                properties.value(u"{Exif}"_qs).toMap().value(u"ISOSpeedRatings"_qs).toList() ==
@@ -280,13 +261,12 @@ void PngReadingTest::metadataChunks()
                properties.value(u"{IPTC}"_qs).toMap().value(u"ObjectName"_qs).toString() == u"Żółw"_qs;
     };
     QVERIFY(hasAll(ImageSource::open(path)->properties()));
-    if (magickConvert().isEmpty())
-        QSKIP("ImageMagick is not installed");
+    PLEXA_NEEDS_MAGICK();
     const QString origin = m_folder.path(u"origin.jpg"_qs);
     const QString converted = m_folder.path(u"converted.png"_qs);
-    outputOf(magickConvert(), {path, origin});
-    outputOf(u"exiftool"_qs, {u"-overwrite_original"_qs, u"-TagsFromFile"_qs, path, u"-all:all"_qs, origin});
-    outputOf(magickConvert(), {origin, converted});
+    magick("%1 %2", path, origin);
+    outputOf("exiftool -overwrite_original -TagsFromFile %1 -all:all %2", path, origin);
+    magick("%1 %2", origin, converted);
     QVERIFY(contentsOf(converted).contains("Raw profile type iptc"));
     QVERIFY(contentsOf(converted).contains("Raw profile type xmp"));
     QVERIFY(hasAll(ImageSource::open(converted)->properties()));

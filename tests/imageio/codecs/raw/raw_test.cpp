@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "dngassembly.h"
-#include "imageio/exiftoolrecords.h"
 #include "imageio/pictures.h"
+#include "support/exiftool.h"
 
 #include <QRandomGenerator>
 #include <QRegularExpression>
@@ -122,7 +122,7 @@ void RawTest::initTestCase()
 QString RawTest::put(const QString &name, const QByteArray &contents)
 {
     const QString path = m_folder.path(name);
-    return putFile(path, contents) ? path : QString();
+    return writeFile(path, contents) ? path : QString();
 }
 
 /// Rows for files of every kind: the photos, where they are, and ours.

@@ -99,7 +99,7 @@ void TiffReadingTest::initTestCase()
     m_srgb = m_folder.path(QStringLiteral("srgb.icc"));
     const auto source = ImageSource::open(photo(u"jpeg/htc-desire.jpg"_qs));
     QVERIFY(source);
-    QVERIFY(putFile(m_srgb, source->info().iccProfile));
+    QVERIFY(writeFile(m_srgb, source->info().iccProfile));
     QVERIFY(QFileInfo(m_srgb).size() > 1000);
 }
 
@@ -180,13 +180,13 @@ void TiffReadingTest::kindsOfTiffAreRead()
     const QString prefix = options[0].endsWith(u':') ? options.takeFirst() : u"TIFF:"_qs;
     for (int i = 0; i < profiles.size(); ++i) {
         const QString file = m_folder.path(QString::number(i) + u".icc"_qs);
-        QVERIFY(putFile(file, ImageSource::open(photo(profiles[i]))->info().iccProfile));
+        QVERIFY(writeFile(file, ImageSource::open(photo(profiles[i]))->info().iccProfile));
         for (QString &option : options)
             option.replace(u"%"_qs + QString::number(i + 1), file);
     }
     const QString origin = m_folder.path(u"origin.png"_qs);
     const QString path = m_folder.path(u"kind.tif"_qs);
-    QVERIFY(noisyPicture({61, 43}, QImage::Format_ARGB32).save(origin));
+    QVERIFY(detailedPicture({61, 43}, QImage::Format_ARGB32).save(origin));
     outputOf(magickConvert(), QStringList{origin} + options + QStringList{prefix + path});
     QString error;
     const QImage ours = decoded(path, &error);
@@ -221,7 +221,7 @@ void TiffReadingTest::samplesOfThreeBytesAreRead()
     fields[2].second = 24;
     fields.append({339, isFloat ? 3 : 1});
     const QString path = m_folder.path(u"triples.tif"_qs);
-    QVERIFY(putFile(path, tiffOf(fields, data)));
+    QVERIFY(writeFile(path, tiffOf(fields, data)));
     QString error;
     const QImage image = decoded(path, &error);
     QVERIFY2(!image.isNull(), qPrintable(error));
@@ -238,14 +238,14 @@ void TiffReadingTest::oldStyleJpegIsRead()
     const QString origin = m_folder.path(u"origin.png"_qs);
     const QString jpeg = m_folder.path(u"inside.jpg"_qs);
     const QString path = m_folder.path(u"old.tif"_qs);
-    QVERIFY(noisyPicture(size, QImage::Format_RGB32).save(origin));
+    QVERIFY(detailedPicture(size, QImage::Format_RGB32).save(origin));
     outputOf(magickConvert(), {origin, u"-quality"_qs, u"95"_qs, u"-sampling-factor"_qs, u"1x1"_qs, jpeg});
     const QByteArray data = contentsOf(jpeg);
     auto fields = tiffFields(size, 6, 3, 6, quint32(data.size()));
     fields.append({512, 1}); // baseline
     fields.append({513, kData});
     fields.append({514, quint32(data.size())});
-    QVERIFY(putFile(path, tiffOf(fields, data)));
+    QVERIFY(writeFile(path, tiffOf(fields, data)));
     QString error;
     const QImage image = decoded(path, &error);
     QVERIFY2(!image.isNull(), qPrintable(error));
@@ -259,7 +259,7 @@ void TiffReadingTest::firstOfManyIsRead()
         QSKIP("ImageMagick is not installed");
     const QString origin = m_folder.path(u"origin.png"_qs);
     const QString path = m_folder.path(u"pages.tif"_qs);
-    const QImage first = noisyPicture({61, 43}, QImage::Format_RGB32);
+    const QImage first = detailedPicture({61, 43}, QImage::Format_RGB32);
     QVERIFY(first.save(origin));
     outputOf(magickConvert(), {origin, u"("_qs, u"+clone"_qs, u"-negate"_qs, u"-resize"_qs, u"200%"_qs,
                                u")"_qs, u"("_qs, u"+clone"_qs, u")"_qs, path});
@@ -318,7 +318,7 @@ void TiffReadingTest::labIsThatOfPrint()
     const QSize size(int(std::size(colors)), 1);
     auto fields = tiffFields(size, photometric, 3, 1, quint32(pixels.size()));
     fields[2].second = quint32(depth);
-    QVERIFY(putFile(path, tiffOf(fields, pixels)));
+    QVERIFY(writeFile(path, tiffOf(fields, pixels)));
     QString error;
     const QImage image = decoded(path, &error);
     QVERIFY2(image.size() == size, qPrintable(error));
@@ -363,7 +363,7 @@ void TiffReadingTest::directoriesOfTiffAreBounded()
     QFETCH(QByteArray, file);
     QFETCH(bool, isRead);
     const QString path = m_folder.path(u"bounds.tif"_qs);
-    QVERIFY(putFile(path, file));
+    QVERIFY(writeFile(path, file));
     QString error;
     const QImage image = decoded(path, &error);
     QCOMPARE(!image.isNull(), isRead);
@@ -394,7 +394,7 @@ void TiffReadingTest::cutTiffDataFail()
     const QSize size(64, 48);
     const QString origin = m_folder.path(u"origin.png"_qs);
     const QString path = m_folder.path(u"strip.tif"_qs);
-    QVERIFY(noisyPicture(size, QImage::Format_RGB32).save(origin));
+    QVERIFY(detailedPicture(size, QImage::Format_RGB32).save(origin));
     const QStringList kind = number == 4 ? QStringList{u"-monochrome"_qs}
                                          : QStringList{u"-colorspace"_qs, u"Gray"_qs, u"-depth"_qs, u"8"_qs};
     outputOf(magickConvert(),
@@ -414,12 +414,12 @@ void TiffReadingTest::cutTiffDataFail()
         list[2].second = number == 4 ? 1 : 8;
         return list;
     };
-    QVERIFY(putFile(path, tiffOf(fields(data.size()), data)));
+    QVERIFY(writeFile(path, tiffOf(fields(data.size()), data)));
     QVERIFY(!decoded(path).isNull());
     for (qsizetype length = 1; length < data.size() - 8; length += 1 + data.size() / 60) {
-        QVERIFY(putFile(path, tiffOf(fields(data.size()), data.first(length))));
+        QVERIFY(writeFile(path, tiffOf(fields(data.size()), data.first(length))));
         QVERIFY2(decoded(path).isNull(), qPrintable(QString::number(length)));
-        QVERIFY(putFile(path, tiffOf(fields(length), data.first(length))));
+        QVERIFY(writeFile(path, tiffOf(fields(length), data.first(length))));
         QVERIFY2(decoded(path).isNull(), qPrintable(QString::number(length)));
     }
 }
@@ -460,7 +460,7 @@ void TiffReadingTest::iptcIsFoundInAllForms()
     qToLittleEndian(quint16(type), field + 2);
     qToLittleEndian(quint32(type == 4 ? stored.size() / 4 : stored.size()), field + 4);
     const QString path = m_folder.path(u"records.tif"_qs);
-    QVERIFY(putFile(path, file));
+    QVERIFY(writeFile(path, file));
     const auto source = ImageSource::open(path);
     QVERIFY(source);
     QCOMPARE(source->properties().value(u"{IPTC}"_qs).toMap().value(u"City"_qs).toString(), u"Paris"_qs);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/embedded/embeddedmetadata.h"
-#include "imageio/exiftoolrecords.h"
 #include "imageio/pictures.h"
+#include "support/exiftool.h"
 
 #include <QRandomGenerator>
 #include <QRegularExpression>
@@ -102,7 +102,7 @@ void TiffWritingTest::pixelsAreExact()
     const auto written = writeImage(file, image, {QLatin1String(kType), compressedBy(compression)});
     QVERIFY2(written, written ? "" : qPrintable(written.error().text));
     const QString path = m_folder.path(u"exact.tif"_qs);
-    QVERIFY(putFile(path, file.data()));
+    QVERIFY(writeFile(path, file.data()));
     QCOMPARE(decoded(path), image);
     const auto record = exiftoolRecords({path}, {u"-G1"_qs, u"-all"_qs, u"-validate"_qs}).value(path);
     QCOMPARE(record[u"IFD0:Compression"].toInt(), compression);
@@ -170,7 +170,7 @@ void TiffWritingTest::copyKeepsEverything()
     for (const QString &path : sources()) {
         const QString copy = m_folder.path(QStringLiteral("%1.tif").arg(copies.size()));
         QString error;
-        QVERIFY2(putFile(copy, copied(path, kType, 1, &error)), qPrintable(path));
+        QVERIFY2(writeFile(copy, copied(path, kType, 1, &error)), qPrintable(path));
         QVERIFY2(error.isEmpty(), qPrintable(path + error));
         copies.insert(path, copy);
     }
@@ -209,7 +209,7 @@ void TiffWritingTest::copyHoldsNoPicture()
     for (const QString &path : sources()) {
         const QByteArray copy = copied(path, kType, 1);
         copies += m_folder.path(QStringLiteral("bare %1.tif").arg(copies.size()));
-        QVERIFY(putFile(copies.constLast(), copy));
+        QVERIFY(writeFile(copies.constLast(), copy));
         const auto source = ImageSource::open(copies.constLast());
         QVERIFY2(source, qPrintable(path));
         QCOMPARE(source->info().imageCount, 1);
@@ -256,7 +256,7 @@ void TiffWritingTest::resolutionIsKept()
     QVERIFY(file.open(QIODevice::WriteOnly));
     QVERIFY(writeImage(file, picture({9, 5}, false), {QLatin1String(kType), properties}));
     const QString path = m_folder.path(u"resolution.tif"_qs);
-    QVERIFY(putFile(path, file.data()));
+    QVERIFY(writeFile(path, file.data()));
     QCOMPARE(outputOf(u"exiftool"_qs, {u"-n"_qs, u"-s3"_qs, u"-IFD0:XResolution"_qs, u"-IFD0:YResolution"_qs,
                                        u"-IFD0:ResolutionUnit"_qs, path}),
              printed);
@@ -301,7 +301,7 @@ void TiffWritingTest::foreignStructuresDoNoHarm()
             const auto writer = codec->openWriter(file, {image.size(), false}, options);
             QVERIFY(writer);
             QVERIFY((*writer)->writeRows(image, image.height()) && (*writer)->finish());
-            QVERIFY(putFile(path, file.data()));
+            QVERIFY(writeFile(path, file.data()));
             QCOMPARE(decoded(path), image);
         }
     }
@@ -318,7 +318,7 @@ void TiffWritingTest::unfinishedWriterStaysQuiet()
         QVERIFY((*writer)->writeRows(image, 300));
         file.close();
     }
-    QVERIFY(putFile(m_folder.path(u"cut.tif"_qs), file.data()));
+    QVERIFY(writeFile(m_folder.path(u"cut.tif"_qs), file.data()));
     QVERIFY(decoded(m_folder.path(u"cut.tif"_qs)).isNull());
 }
 

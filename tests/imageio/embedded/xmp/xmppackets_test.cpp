@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "imageio/exiftoolrecords.h"
 #include "imageio/jpegassembly.h"
 #include "imageio/pictures.h"
 #include "metadata/propertykeys.h"
+#include "support/exiftool.h"
 
 #include <QTest>
 
@@ -47,7 +47,7 @@ private:
         metadata.xmp = xmp;
         const QString path = m_folder.path(u"source.jpg"_qs);
         const QString copy = m_folder.path(QStringLiteral("copy%1.jpg").arg(++m_copies));
-        if (!test::putFile(path, test::jpegWith(metadata)))
+        if (!test::writeFile(path, test::jpegWith(metadata)))
             return {};
         const auto source = EmbeddedMetadata::read(path);
         QVariantMap properties = source->properties();
@@ -56,7 +56,7 @@ private:
         properties.insert(kCGImagePropertyIPTCDictionary, edited);
         const EmbeddedMetadata::Encoded encoded = source->encodeForCopy(properties, {QSize(16, 16)});
         m_omitted = encoded.omitted;
-        const bool isWritten = test::putFile(copy, test::jpegWith(encoded));
+        const bool isWritten = test::writeFile(copy, test::jpegWith(encoded));
         return isWritten ? copy : QString();
     }
 

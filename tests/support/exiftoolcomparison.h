@@ -14,7 +14,7 @@
 namespace plexa::test
 {
 
-/// Where exiftool's names differ from the dictionary's.
+/// The name that exiftool gives to a field of the dictionary.
 inline QString exiftoolName(MetadataGroup group, const QString &key)
 {
     static const QMap<QString, QString> names{
@@ -51,7 +51,7 @@ inline QString exiftoolName(MetadataGroup group, const QString &key)
     return name;
 }
 
-/// The places that hold a group's facts, as exiftool calls them.
+/// The groups of exiftool (family 1) that contain the fields of a group of the dictionary.
 inline QStringList exiftoolGroups(MetadataGroup group)
 {
     switch (group) {
@@ -68,20 +68,20 @@ inline QStringList exiftoolGroups(MetadataGroup group)
     }
 }
 
-/// A value's parts as texts, numbers to the last digit.
-inline QStringList words(const QVariant &value)
+/// The parts of a value as texts, numbers with all digits.
+inline QStringList partsOf(const QVariant &value)
 {
     QStringList result;
     if (value.typeId() == QMetaType::QVariantList) {
         for (const QVariant &item : value.toList())
-            result += words(item);
+            result += partsOf(item);
         return result;
     }
     return value.typeId() == QMetaType::Double ? QStringList(QString::number(value.toDouble(), 'g', 17))
                                                : value.toString().split(u' ');
 }
 
-/// exiftool turns APEX values into seconds and F-numbers.
+/// Converts an APEX value to seconds or an F-number, as exiftool does.
 inline QVariant withoutApex(const MetadataField &field, const QVariant &value)
 {
     if (field.key == kCGImagePropertyExifShutterSpeedValue && value.toDouble() < 100)
@@ -91,7 +91,7 @@ inline QVariant withoutApex(const MetadataField &field, const QVariant &value)
     return value;
 }
 
-/// Does the value say what exiftool prints, apart from its roundings and formats?
+/// Is the value the one that exiftool prints, apart from its rounding and formatting?
 inline bool isSame(const QString &expected, const MetadataField &field, const QVariant &value)
 {
     const MetadataKind kind = field.kind;
@@ -106,11 +106,11 @@ inline bool isSame(const QString &expected, const MetadataField &field, const QV
         return QString(expected).remove(u':') == value.toString();
     if (field.group == MetadataGroup::Iptc && QString(field.key).contains(u"Time"))
         return value.toString().startsWith(QString(expected).remove(u':'));
-    if (field.key == kCGImagePropertyExifCFAPattern) // exiftool leaves the high bytes of both sides out
+    if (field.key == kCGImagePropertyExifCFAPattern) // exiftool omits the high bytes of both sizes
         return value.toList().size() == expected.split(u' ').size() + 2;
     const QStringList left =
         QString(expected).replace(QLatin1StringView("undef"), QLatin1StringView("0")).split(u' ');
-    const QStringList right = words(value);
+    const QStringList right = partsOf(value);
     if (left.size() != right.size())
         return false;
     for (qsizetype i = 0; i < left.size(); ++i) {

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// How photos come into the working set: the scan of what was dropped, the limit, the import.
+#include "app/imagegathering.h"
 
-#include "app/imageset.h"
 #include "app/statusmanager.h"
-#include "imageio/imagefiletype.h"
 #include "platform/alerts.h"
 #include "platform/filenames.h"
 
@@ -21,7 +19,7 @@ namespace
 
 constexpr qsizetype kListedFiles = 10;
 
-/// Layered drawings are not photos, even where something could read them.
+/// Layered drawings are not photos, even if a codec can read them.
 bool isPhotoshopFile(const QString &path)
 {
     return fileExtensionOf(path).compare(QLatin1String("psd"), Qt::CaseInsensitive) == 0;
@@ -29,21 +27,51 @@ bool isPhotoshopFile(const QString &path)
 
 } // namespace
 
-void ImageSet::scanImagesAtPaths(const QStringList &paths)
+ImageGathering::ImageGathering(ImageSet &set, const ImageSetServices &services)
+    : m_set(set)
+    , m_services(services)
+    , m_import({[&set] { return set.imagesNow(); },
+                [&set](const ImageObject *image) { return set.contains(image); }},
+               services.importThreads)
+{
+    connect(&m_scan, &ImageScan::found, this, &ImageGathering::addFound);
+    connect(&m_scan, &ImageScan::unreadable, this,
+            [this](const QStringList &paths) { m_unsupportedFiles += paths; });
+    connect(&m_scan, &ImageScan::finished, this, [this] {
+        m_hasScanEnded = true;
+        if (!m_isAdding)
+            scanEnded();
+    });
+    connect(&m_import, &ImageImport::delivered, this, &ImageGathering::imageDelivered);
+    connect(&m_import, &ImageImport::finished, this, &ImageGathering::importEnded);
+    connect(&set, &ImageSet::imageListModeChanged, this, &ImageGathering::importMissingImages);
+    m_imageBrowserUpdateTimer.setInterval(500);
+    connect(&m_imageBrowserUpdateTimer, &QTimer::timeout, &set,
+            [&set] { set.refreshImageList(ImageSet::Refresh::Light); });
+}
+
+ImageGathering::~ImageGathering()
+{
+    // Both are asked before either is waited for.
+    m_scan.stop();
+    m_import.stop();
+}
+
+void ImageGathering::scanImagesAtPaths(const QStringList &paths)
 {
     if (paths.isEmpty())
         return;
     QStringList cleanPaths;
     for (const QString &path : paths)
         cleanPaths.append(QDir::cleanPath(QFileInfo(path).absoluteFilePath()));
-    disableImageFilters();
+    m_set.disableImageFilters();
     if (m_isScanning)
         m_waitingPaths += cleanPaths;
     else
         startScan(cleanPaths);
 }
 
-void ImageSet::startScan(const QStringList &paths)
+void ImageGathering::startScan(const QStringList &paths)
 {
     m_isScanning = true;
     m_hasScanEnded = false;
@@ -53,19 +81,28 @@ void ImageSet::startScan(const QStringList &paths)
     m_scan.start(paths);
 }
 
-void ImageSet::takeFound(const QStringList &paths)
+void ImageGathering::addFound(const QStringList &paths)
 {
     m_found += paths;
-    if (m_isAdding) // while a question is open the next files have to wait
+    if (m_isAdding) // a question is open, and its answer decides about these files, too
         return;
     m_isAdding = true;
+    addBatch();
+    m_isAdding = false;
+    m_services.status.setProgress(static_cast<float>(m_nFound), StatusOperation::Counting);
+    if (m_hasScanEnded)
+        scanEnded();
+}
+
+void ImageGathering::addBatch()
+{
     ImageList batch;
     while (!m_found.isEmpty() && !m_scan.isStopped()) {
         const QString path = m_found.takeFirst();
         if (isPhotoshopFile(path))
             continue;
         if (isFull(batch.size())) {
-            append(std::exchange(batch, {}));
+            m_set.addImages(std::exchange(batch, {}));
             m_services.status.setProgress(static_cast<float>(m_nFound), StatusOperation::Counting);
             if (!mayGrowBeyondLimit()) {
                 m_scan.stop();
@@ -76,48 +113,39 @@ void ImageSet::takeFound(const QStringList &paths)
         ++m_nFound;
     }
     m_found.clear();
-    append(batch);
-    m_isAdding = false;
-    m_services.status.setProgress(static_cast<float>(m_nFound), StatusOperation::Counting);
-    if (m_hasScanEnded)
-        scanEnded();
+    m_set.addImages(batch);
 }
 
-/// They are told of with the files that cannot be opened.
-void ImageSet::takeUnreadable(const QStringList &paths)
+bool ImageGathering::isFull(std::size_t waiting) const
 {
-    m_unsupportedFiles += paths;
-}
-
-bool ImageSet::isFull(std::size_t waiting) const
-{
-    return m_imageListIsInBrowserMode && m_images->size() + waiting >= kMaxImagesInBrowserMode;
+    return m_set.imageListIsInBrowserMode() &&
+           m_set.images()->size() + waiting >= ImageSet::kMaxImagesInBrowserMode;
 }
 
 /// Asks; the answer may be to change to Large Batch mode.
-bool ImageSet::mayGrowBeyondLimit()
+bool ImageGathering::mayGrowBeyondLimit()
 {
     Alert alert;
     alert.style = Alert::Style::Warning;
     alert.title = tr("Adding too many images in the Small Batch mode!");
     alert.text = tr("You are importing over %1 images in the Small Batch mode. This may slow down your "
                     "computer. Please either switch to the Large Batch mode, or import only %1 images.")
-                     .arg(kMaxImagesInBrowserMode);
+                     .arg(ImageSet::kMaxImagesInBrowserMode);
     alert.buttons = {tr("Switch to the Large Batch mode"),
-                     tr("Import only %1 images").arg(kMaxImagesInBrowserMode)};
+                     tr("Import only %1 images").arg(ImageSet::kMaxImagesInBrowserMode)};
     alert.escapeButton = 1;
     if (m_services.alerts.run(alert).button != 0)
         return false;
-    setImageListModeToBrowser(false);
+    m_set.setImageListModeToBrowser(false);
     return true;
 }
 
-void ImageSet::scanEnded()
+void ImageGathering::scanEnded()
 {
     m_isScanning = false;
     m_services.status.endOperation(StatusOperation::Counting);
-    refreshImageList(Refresh::Full);
-    // Who has pressed the stop button does not want the next thing to begin.
+    m_set.refreshImageList(ImageSet::Refresh::Full);
+    // After the stop button, no further operation begins.
     if (!m_isStopRequested)
         importMissingImages();
     if (!m_isImportingImages)
@@ -127,30 +155,15 @@ void ImageSet::scanEnded()
     Q_EMIT scanFinished();
 }
 
-bool ImageSet::addImageWithPath(const QString &path)
+void ImageGathering::importMissingImages()
 {
-    if (!isImageFile(path) || isPhotoshopFile(path) || (isFull(0) && !mayGrowBeyondLimit()))
-        return false;
-    addImage(path, {});
-    return true;
-}
-
-void ImageSet::addImage(const QString &path, const QString &pathToImportFrom)
-{
-    const auto image = std::make_shared<ImageObject>(path, m_services.photos);
-    image->setPathToImportFrom(pathToImportFrom);
-    append({image});
-}
-
-void ImageSet::importMissingImages()
-{
-    if (!m_imageListIsInBrowserMode) {
+    if (!m_set.imageListIsInBrowserMode()) {
         m_isImportWanted = false;
         m_import.stop();
         return;
     }
     if (m_isImportingImages) {
-        // It may have looked at the list for the last time already.
+        // It may have read the list for the last time already.
         m_isImportWanted = true;
         return;
     }
@@ -161,7 +174,7 @@ void ImageSet::importMissingImages()
     m_import.start();
 }
 
-void ImageSet::stopImportingImages()
+void ImageGathering::stopImportingImages()
 {
     m_isStopRequested = true;
     m_isImportWanted = false;
@@ -170,38 +183,38 @@ void ImageSet::stopImportingImages()
     m_import.stop();
 }
 
-void ImageSet::imageDelivered(const std::shared_ptr<ImageObject> &image, ImageImport::Outcome outcome)
+void ImageGathering::imageDelivered(const std::shared_ptr<ImageObject> &image, ImageImport::Outcome outcome)
 {
-    if (outcome == ImageImport::Outcome::PassedOver || !contains(image.get()))
+    if (outcome == ImageImport::Outcome::Skipped || !m_set.contains(image.get()))
         return;
     if (outcome == ImageImport::Outcome::Unreadable) {
         m_unsupportedFiles.append(image->path());
-        removeImages({image});
+        m_set.removeImages({image});
     } else {
         ++m_nImported;
     }
-    // The place of the photo among those that were found good.
+    // The position of the photo among those that could be loaded.
     const auto index = static_cast<float>(m_nImported) - 1;
-    const float progress = m_images->empty() ? 0 : index / static_cast<float>(m_images->size());
+    const float progress = m_set.images()->empty() ? 0 : index / static_cast<float>(m_set.images()->size());
     m_services.status.setProgress(std::clamp(progress, 0.0F, 1.0F), StatusOperation::Importing);
 }
 
-void ImageSet::finishedImportingImages()
+void ImageGathering::importEnded()
 {
     if (std::exchange(m_isImportWanted, false)) {
-        m_nImported = 0; // it counts from the first photo again; those that are loaded take no time
+        m_nImported = 0; // the new import counts all photos; loaded ones cost no time
         m_import.start();
         return;
     }
     m_isImportingImages = false;
     m_imageBrowserUpdateTimer.stop();
     m_services.status.endOperation(StatusOperation::Importing);
-    refreshImageList(Refresh::Full);
+    m_set.refreshImageList(ImageSet::Refresh::Full);
     reportUnsupportedFiles();
     Q_EMIT importFinished();
 }
 
-void ImageSet::reportUnsupportedFiles()
+void ImageGathering::reportUnsupportedFiles()
 {
     const QStringList files = std::exchange(m_unsupportedFiles, {});
     if (files.isEmpty())
