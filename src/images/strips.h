@@ -11,20 +11,21 @@
 namespace plexa
 {
 
+/// Returns true when the work should stop; may be empty.
+using CancelCheck = std::function<bool()>;
+
 /// Receives the picture's rows from `firstRow` on, `count` of them, in the first rows of the strip. A failure
 /// ends the walk and becomes its result. The strip may be drawn on; it is not shared.
 using StripVisitor = std::function<Result<void>(QImage &strip, int firstRow, int count)>;
 
-/// Returns true when the work should stop; may be empty.
-using CancelCheck = std::function<bool()>;
-
 /// Reads a picture from the top down, a few rows at a time: enough to keep codecs busy, few enough to stay in
 /// the processor's cache.
-[[nodiscard]] Result<void> forEachStrip(RowReader &reader, const StripVisitor &visit);
+/// @param isCancelled  asked before each strip; where given, a strip has few rows even if they are short
+[[nodiscard]] Result<void> forEachStrip(RowReader &reader, const StripVisitor &visit,
+                                        const CancelCheck &isCancelled = {});
 
-/// Reads a whole picture into the rows of `picture`, strip by strip if it can be canceled.
-/// @param picture      of the reader's size and format, not shared
-/// @param isCancelled  asked before each strip
+/// Reads a whole picture into `picture`, which has the reader's size and format and is not shared.
+/// @param isCancelled  as forEachStrip()
 [[nodiscard]] Result<void> readStrips(RowReader &reader, QImage &picture, const CancelCheck &isCancelled);
 
 /// Passes a picture in memory to a writer strip by strip, without copying it.

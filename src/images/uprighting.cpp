@@ -52,13 +52,11 @@ Result<QImage> readOriented(RowReader &reader, int orientation, const CancelChec
     if (picture.isNull())
         return fail(outOfMemoryText());
     const auto place = [&](const QImage &strip, int firstRow, int count) -> Result<void> {
-        if (isCancelled && isCancelled())
-            return fail(cancelledText());
         placeOrientedRows(picture, strip, count, firstRow, format.size, orientation);
         return {};
     };
-    const Result<void> read =
-        orientation == 1 ? readStrips(reader, picture, isCancelled) : forEachStrip(reader, place);
+    const Result<void> read = orientation == 1 ? readStrips(reader, picture, isCancelled)
+                                               : forEachStrip(reader, place, isCancelled);
     if (!read)
         return tl::unexpected(read.error());
     return picture;
@@ -198,8 +196,10 @@ Result<ByteBudget::Reservation> reserveForPhoto(ByteBudget &budget, QSize size, 
 Result<QImage> readUprightWithin(ByteBudget &budget, const ImageSource &source, const Uprighting &uprighting,
                                  int reducedTo, const CancelCheck &isCancelled)
 {
+    const qint64 bytes = uprightBytes(source, uprighting, reducedTo);
+    const bool isSmall = reducedTo > 0 && bytes <= kUnreservedBytes;
     const Result<ByteBudget::Reservation> room =
-        reserveForPhoto(budget, source.info().rows.size, uprightBytes(source, uprighting, reducedTo));
+        reserveForPhoto(budget, source.info().rows.size, isSmall ? 0 : bytes);
     if (!room)
         return tl::unexpected(room.error());
     return readUpright(source, uprighting, reducedTo, isCancelled);
@@ -216,9 +216,7 @@ Result<QImage> readReducedVersion(const UprightVersion &photo, int minimumSide, 
             return fail(PictureFailures::changedMeanwhile());
         const int side = std::max(minimumSide, 1);
         Result<QImage> picture =
-            uprightBytes(*source, photo.uprighting, side) > kUnreservedBytes
-                ? readUprightWithin(services.budget, *source, photo.uprighting, side, isCancelled)
-                : readUpright(*source, photo.uprighting, side, isCancelled);
+            readUprightWithin(services.budget, *source, photo.uprighting, side, isCancelled);
         if (const Result<void> unchanged = source->checkUnchanged(); !unchanged)
             return tl::unexpected(unchanged.error());
         return picture;

@@ -93,8 +93,9 @@ qint64 uprightBytes(const ImageSource &source, const Uprighting &uprighting, int
 /// @return a failure, at once, when `bytes` exceeds the budget
 [[nodiscard]] Result<ByteBudget::Reservation> reserveForPhoto(ByteBudget &budget, QSize size, qint64 bytes);
 
-/// readUpright() within a budget: waits for the memory that it needs and releases it on return. The calling
-/// thread must not hold a reservation.
+/// readUpright() within a budget: waits for the memory that it needs and releases it on return. A reduced
+/// picture that takes at most 64 MB does not wait: thumbnails and the preview must not stop while photos are
+/// saved. The calling thread must not hold a reservation.
 [[nodiscard]] Result<QImage> readUprightWithin(ByteBudget &budget, const ImageSource &source,
                                                const Uprighting &uprighting, int reducedTo = 0,
                                                const CancelCheck &isCancelled = {});
