@@ -8,7 +8,7 @@
 #include "platform/atomicfile.h"
 #include "platform/fileversion.h"
 #include "presets/savingpresetvalues.h"
-#include "watermark/wpresetvalues.h"
+#include "watermark/watermarkdrawing.h"
 
 #include <QPointF>
 #include <QRectF>
@@ -19,12 +19,6 @@
 
 namespace plexa
 {
-
-/// A watermark to be drawn on a copy.
-struct MarkOrder {
-    WPresetValues values;
-    std::optional<QPointF> customOrigin; ///< photo pixels, origin at the bottom left
-};
 
 /// Where a copy goes.
 struct CopyTarget {

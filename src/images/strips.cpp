@@ -32,7 +32,7 @@ Result<void> forEachStrip(RowReader &reader, const StripVisitor &visit, const Ca
     if (strip.isNull())
         return fail(outOfMemoryText());
     for (int row = 0; row < format.size.height(); row += strip.height()) {
-        if (isCancelled && isCancelled())
+        if (isCanceled(isCancelled))
             return fail(cancelledText());
         const int count = std::min(strip.height(), format.size.height() - row);
         if (Result<void> read = reader.readRows(strip, count); !read)
@@ -47,7 +47,7 @@ Result<void> readStrips(RowReader &reader, QImage &picture, const CancelCheck &i
 {
     const int rows = isCancelled ? kCodecBlockRows : picture.height();
     for (int row = 0; row < picture.height(); row += rows) {
-        if (isCancelled && isCancelled())
+        if (isCanceled(isCancelled))
             return fail(cancelledText());
         const int count = std::min(rows, picture.height() - row);
         QImage strip(picture.scanLine(row), picture.width(), count, picture.bytesPerLine(), picture.format());
@@ -61,7 +61,7 @@ Result<void> writeStrips(RowWriter &writer, const QImage &picture, const CancelC
 {
     const int rows = rowsPerStrip(picture.size());
     for (int row = 0; row < picture.height(); row += rows) {
-        if (isCancelled && isCancelled())
+        if (isCanceled(isCancelled))
             return fail(cancelledText());
         const int count = std::min(rows, picture.height() - row);
         const QImage strip(picture.constScanLine(row), picture.width(), count, picture.bytesPerLine(),
@@ -80,11 +80,6 @@ QImage blankPicture(QSize size, QImage::Format format)
 QString outOfMemoryText()
 {
     return QStringLiteral("there is not enough memory for the picture");
-}
-
-QString cancelledText()
-{
-    return QStringLiteral("the work was stopped");
 }
 
 } // namespace plexa

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "imageio/base/rowstream.h"
+#include "platform/cancelcheck.h"
 
 #include <QImage>
 
@@ -10,9 +11,6 @@
 
 namespace plexa
 {
-
-/// Returns true when the work should stop; may be empty.
-using CancelCheck = std::function<bool()>;
 
 /// Receives the picture's rows from `firstRow` on, `count` of them, in the first rows of the strip. A failure
 /// ends the walk and becomes its result. The strip may be drawn on; it is not shared.
@@ -38,8 +36,5 @@ QImage blankPicture(QSize size, QImage::Format format);
 
 /// The reason reported when there is no memory for a picture.
 QString outOfMemoryText();
-
-/// The reason reported when the work was canceled.
-QString cancelledText();
 
 } // namespace plexa

@@ -74,8 +74,10 @@ DesktopApplication::~DesktopApplication()
 
 void DesktopApplication::connectPresets()
 {
-    connect(&m_store, &PresetsStore::wPresetsChanged, this,
-            [this] { m_window.setWPresets(m_store.wPresets()); });
+    const auto showPresets = [this] { m_window.setWPresets(m_store.wPresets()); };
+    connect(&m_store.wPresetList(), &PresetListSignals::inserted, this, showPresets);
+    connect(&m_store.wPresetList(), &PresetListSignals::removed, this, showPresets);
+    connect(&m_store.wPresetList(), &PresetListSignals::moved, this, showPresets);
     CommandActions &actions = m_window.actions();
     actions.setHandler(ActionId::SaveQuickPreset,
                        [this] { m_controller.presetCommands().saveQuickAsWPreset(); });
