@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include "imageio/base/pictureturn.h"
 #include "imageio/imagesource.h"
 #include "images/photoservices.h"
 #include "images/strips.h"
@@ -53,9 +52,6 @@ struct Uprighting {
 
     bool isStretched() const { return scaleX != 1 || scaleY != 1; }
     bool isIdentity() const { return orientation == 1 && !isStretched(); }
-
-    /// The same in the form that metadata with positions in the picture are converted by.
-    PictureTurn turn() const { return {stored, orientation, scaleX, scaleY}; }
 
     /// Pixels of the upright picture.
     QSize size() const;
