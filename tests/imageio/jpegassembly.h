@@ -23,7 +23,7 @@ inline QByteArray jpegSegment(uchar marker, const QByteArray &data)
     return QByteArray("\xFF") + static_cast<char>(marker) + bigEndian16(data.size() + 2) + data;
 }
 
-/// A small grey JPEG that carries these metadata.
+/// A small gray JPEG that carries these metadata.
 inline QByteArray jpegWith(const EmbeddedMetadata::Encoded &metadata)
 {
     using namespace Qt::Literals::StringLiterals;
