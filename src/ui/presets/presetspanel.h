@@ -18,7 +18,7 @@ class ModeSelector;
 class PresetListModel;
 class PresetListView;
 
-/// The right side of the main window: which mode is on, and in presets mode the lists of applied and of all
+/// The right side of the main window: the mode selector, and in presets mode the lists of applied and of all
 /// presets.
 class PresetsPanel final : public QWidget
 {
@@ -29,19 +29,19 @@ public:
     PresetsPanel(AppliedPresets &applied, CommandActions &actions, QWidget *parent = nullptr);
     ~PresetsPanel() override;
 
-    /// The list of all presets.
+    /// Sets the list of all presets.
     void setWPresets(const WPresetList &presets);
 
-    /// Where the editor of the single watermark belongs.
+    /// The container for the editor of the single watermark.
     QWidget *quickWPresetContainer() const { return m_quickContainer; }
 
-    /// In the list of all presets, in its order.
+    /// The selected presets in the list of all presets, in its order.
     WPresetList selectedWPresets() const;
-    /// Applies what is selected in the list of all presets.
+    /// Applies selectedWPresets().
     void addSelectedWPresetsToApplied();
 
 Q_SIGNALS:
-    /// The presets are to be edited, beginning with the one that is selected in the list of all presets.
+    /// A request to edit the presets, starting with the one selected in the list of all presets.
     void presetsManagerWanted();
     void wPresetsSelectionChanged();
 
