@@ -9,6 +9,8 @@
 #include <QPushButton>
 #include <QThread>
 
+#include <mutex>
+
 namespace plexa
 {
 
@@ -63,9 +65,18 @@ AlertAnswer MessageBoxAlerts::run(const Alert &alert)
 {
     if (QThread::currentThread() == thread())
         return show(alert);
-    AlertAnswer answer;
+    // The call waits for its end. The lock repeats that for the thread sanitizer, which cannot see into Qt.
+    std::mutex mutex;
+    AlertAnswer answer; // guarded by mutex
     QMetaObject::invokeMethod(
-        this, [&] { answer = show(alert); }, Qt::BlockingQueuedConnection);
+        this,
+        [&] {
+            const AlertAnswer given = show(alert);
+            const std::lock_guard lock(mutex);
+            answer = given;
+        },
+        Qt::BlockingQueuedConnection);
+    const std::lock_guard lock(mutex);
     return answer;
 }
 
