@@ -24,6 +24,9 @@
 #include <QThread>
 #include <QTimer>
 
+#include <atomic>
+#include <thread>
+
 using namespace plexa;
 using namespace plexa::test;
 
@@ -424,16 +427,14 @@ void MainWindowTest::alertsAreMessageBoxes()
 void MainWindowTest::workersMayAsk()
 {
     MessageBoxAlerts alerts;
-    AlertAnswer answer;
-    std::unique_ptr<QThread> worker(QThread::create([&] {
+    std::atomic_int button = -1;
+    withNextBox([](QMessageBox &box) { box.buttons().at(1)->click(); });
+    const std::jthread worker([&] {
         Alert alert;
         alert.buttons = {QStringLiteral("No"), QStringLiteral("Yes")};
-        answer = alerts.run(alert);
-    }));
-    withNextBox([](QMessageBox &box) { box.buttons().at(1)->click(); });
-    worker->start();
-    QTRY_VERIFY(worker->isFinished());
-    QCOMPARE(answer.button, 1);
+        button = alerts.run(alert).button;
+    });
+    QTRY_COMPARE(button.load(), 1);
 }
 
 QTEST_MAIN(MainWindowTest)
