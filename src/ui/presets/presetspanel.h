@@ -17,6 +17,7 @@ class CommandActions;
 class ModeSelector;
 class PresetListModel;
 class PresetListView;
+class PresetsStore;
 
 /// The right side of the main window: which mode is on, and in presets mode the lists of applied and of all
 /// presets.
@@ -25,34 +26,28 @@ class PresetsPanel final : public QWidget
     Q_OBJECT
 
 public:
-    /// @param applied  outlives the panel
-    PresetsPanel(AppliedPresets &applied, CommandActions &actions, QWidget *parent = nullptr);
+    /// @param applied  outlives the panel, like the store and the actions
+    PresetsPanel(AppliedPresets &applied, PresetsStore &store, CommandActions &actions,
+                 QWidget *parent = nullptr);
     ~PresetsPanel() override;
-
-    /// The list of all presets.
-    void setWPresets(const WPresetList &presets);
 
     /// Where the editor of the single watermark belongs.
     QWidget *quickWPresetContainer() const { return m_quickContainer; }
 
     /// In the list of all presets, in its order.
     WPresetList selectedWPresets() const;
-    /// Applies what is selected in the list of all presets.
-    void addSelectedWPresetsToApplied();
-
-Q_SIGNALS:
-    /// The presets are to be edited, beginning with the one that is selected in the list of all presets.
-    void presetsManagerWanted();
-    void wPresetsSelectionChanged();
 
 private:
-    QWidget *makePresetsView(CommandActions &actions);
+    QWidget *makePresetsView();
+    void connectCommands(PresetsStore &store);
+    void showWPresets(const WPresetList &presets);
     void connectLists();
     void showMode();
     void showApplied();
     void doubleMouseClick(const QModelIndex &index, const PresetListModel &model);
 
     AppliedPresets &m_applied;
+    CommandActions &m_actions;
     PresetListModel *const m_appliedModel;
     PresetListModel *const m_allModel;
     PresetListView *const m_appliedTable;

@@ -38,7 +38,7 @@ struct Fixture {
             all.back()->setName(QString::fromLatin1(name));
         }
         applied.modeDidChange(1);
-        panel.setWPresets(all);
+        store.setWPresets(all);
         panel.resize(300, 600);
         panel.show();
     }
@@ -66,11 +66,19 @@ struct Fixture {
 
     TestFolder folder;
     UserDefaults defaults{QStringLiteral("Quorvel"), QStringLiteral("Plexa")};
+    ScriptedAlerts alerts;
+    FontCatalog fonts;
+    PresetsStore store{alerts, fonts};
     AppliedPresets applied{defaults};
     WPresetList all;
     QWidget owner;
-    CommandActions actions{&owner};
-    PresetsPanel panel{applied, actions};
+    CommandActions actions{&owner, [this] {
+                               CommandState state;
+                               state.nSelectedWPresets =
+                                   static_cast<qsizetype>(panel.selectedWPresets().size());
+                               return state;
+                           }};
+    PresetsPanel panel{applied, store, actions};
 };
 
 } // namespace
@@ -101,7 +109,7 @@ void PresetsPanelTest::appliesAndRemoves()
     QTest::keyClick(&all, Qt::Key_Return);
     Fixture::mouse(all, 0, false);
     Fixture::mouse(all, 1, false, Qt::ShiftModifier);
-    f.panel.setWPresets(f.all); // once more: what is selected stays so
+    Q_EMIT f.store.wPresetsChanged(); // the selection stays
     QTest::keyClick(&all, Qt::Key_Return);
     QCOMPARE(f.appliedNames(), QStringLiteral("Two Four One"));
     QCOMPARE(applied.model()->rowCount(), 3);
@@ -123,11 +131,12 @@ void PresetsPanelTest::appliesAndRemoves()
 void PresetsPanelTest::doubleClickFindsThePreset()
 {
     Fixture f;
-    QSignalSpy managerWanted(&f.panel, &PresetsPanel::presetsManagerWanted);
+    int managerWanted = 0;
+    f.actions.setHandler(ActionId::ToggleWatermarkPresets, [&] { ++managerWanted; });
     f.applied.addWPresetsToApplied({f.all[2], f.all[0]});
     Fixture::mouse(f.table("wPresetsAppliedTable"), 0, true);
     QCOMPARE(f.table("wPresetsAllTable").selectedRows(), IndexList({2}));
-    QCOMPARE(managerWanted.count(), 1);
+    QCOMPARE(managerWanted, 1);
 }
 
 void PresetsPanelTest::reordersOnlyItsOwnRows()
