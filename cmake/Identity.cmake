@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 
-# Who the program is: the one place that says so. Everything else is filled in from here.
+# The identity of the program. All other files get it from here.
 set(PLEXA_APPLICATION_NAME "Plexa")
 set(PLEXA_COMPANY_NAME "Quorvel")
 # Names the desktop file, its icon and the D-Bus service.

@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 
 # The rooms of src/ from the bottom up: a room uses only itself and the ones before it. A room is a folder with
-# the folders below it that are not rooms of their own. This is the one place with the order;
-# scripts/check-layers reads it.
+# the folders below it that are not rooms of their own. scripts/check-layers reads
+# this list.
 set(PLEXA_LAYERS
     platform raster metadata
     imageio/base imageio/container imageio/color imageio/embedded imageio/codecs imageio
@@ -10,7 +10,7 @@ set(PLEXA_LAYERS
     app cli
     ui/widgets ui/browser ui/preview ui/editors ui/presets ui/saving ui/metadata ui/bulletin ui/help ui/window)
 
-# What all of our own targets share: the language, the include root, the warnings, the sanitizers.
+# The settings of all targets: language, include root, warnings, sanitizers.
 add_library(plexa_common INTERFACE)
 target_compile_features(plexa_common INTERFACE cxx_std_20)
 target_include_directories(plexa_common INTERFACE "${PROJECT_SOURCE_DIR}/src" "${PROJECT_BINARY_DIR}/generated")
@@ -31,8 +31,8 @@ if(PLEXA_FUZZ)
 endif()
 
 # plexa_layer(<name> SOURCES <files> [PUBLIC <libraries>] [PRIVATE <libraries>])
-# creates the static library of one folder of src/, known to the others as plexa::<name>. <name> is the folder's
-# path with "_" for "/".
+# creates the static library of one folder of src/ with the alias plexa::<name>. <name> is the path of the folder
+# with "_" for "/".
 function(plexa_layer name)
     cmake_parse_arguments(LAYER "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
     add_library(plexa_${name} STATIC ${LAYER_SOURCES})
@@ -58,8 +58,8 @@ function(plexa_test name)
 endfunction()
 
 # plexa_fuzz(<name> SOURCES <files> LINK <libraries>)
-# makes one libFuzzer program; <name> begins with "fuzz_", by which scripts/test --fuzz finds it. Its start
-# files are tests/fuzz/corpus/<name>/ where that exists, else tests/fuzz/corpus/.
+# creates one libFuzzer program. <name> begins with "fuzz_", by which scripts/test --fuzz finds it. Its start files
+# are in tests/fuzz/corpus/<name>/ if that exists, else in tests/fuzz/corpus/.
 function(plexa_fuzz name)
     cmake_parse_arguments(FUZZ "" "" "SOURCES;LINK" ${ARGN})
     add_executable(${name} ${FUZZ_SOURCES})

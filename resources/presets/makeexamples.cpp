@@ -11,8 +11,8 @@
 
 #include <cstdio>
 
-// Makes example_wpresets.pxwpr from watermarks.json: a list of presets, with the fields that differ from
-// those of a new preset. The pictures lie beside it.
+// Creates example_wpresets.pxwpr from watermarks.json: a list of presets, with the fields that differ from
+// those of a new preset. The pictures are in the same folder.
 
 namespace
 {
@@ -37,7 +37,7 @@ Result<WPresetList> presetsFrom(const QString &path)
     WPresetList presets;
     for (const QJsonValue entry : json.array()) {
         WPresetValues values;
-        // Not those of a new preset, which go by the machine, its user and the year.
+        // The values of a new preset depend on the machine, its user and the year.
         values.font = QStringLiteral("DejaVuSans");
         values.textTokens = {QStringLiteral("\u00a9 Your Name")};
         const QJsonObject fields = entry.toObject();
@@ -69,7 +69,7 @@ int main(int argc, char **argv)
     const QStringList arguments = QCoreApplication::arguments();
     const bool isCheck = arguments.value(1) == QLatin1StringView("--check");
     if (arguments.size() != (isCheck ? 3 : 2))
-        return refuse(QStringLiteral("give the folder resources/presets; --check before it compares only"));
+        return refuse(QStringLiteral("usage: plexa-make-examples [--check] FOLDER (resources/presets)"));
     const QDir folder(arguments.last());
     const QString target = folder.filePath(QStringLiteral("example_wpresets.pxwpr"));
     const auto presets = presetsFrom(folder.filePath(QStringLiteral("watermarks.json")));
@@ -83,5 +83,6 @@ int main(int argc, char **argv)
     bool isCurrent = present && present->size() == presets->size();
     for (std::size_t i = 0; isCurrent && i < presets->size(); ++i)
         isCurrent = areEqual((*presets)[i]->values(), (*present)[i]->values());
-    return isCurrent ? 0 : refuse(target + QStringLiteral(" is out of date; scripts/make-examples makes it"));
+    return isCurrent ? 0
+                     : refuse(target + QStringLiteral(" is out of date; scripts/make-examples creates it"));
 }

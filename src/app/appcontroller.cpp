@@ -53,6 +53,12 @@ void AppController::connectChanges()
     connect(&m_save, &BatchSave::finished, this, changed);
     connect(&m_services.store, &PresetsStore::quickWPresetChanged, this, &AppController::useQuickPreset);
     useQuickPreset();
+    connect(&m_services.store.wPresetList(), &PresetListSignals::aboutToRemove, this,
+            [this](int first, int last) {
+                const WPresetList &presets = m_services.store.wPresets();
+                for (int row = first; row <= last; ++row)
+                    m_appliedPresets.removeFromApplied(presets[static_cast<std::size_t>(row)].get());
+            });
 }
 
 void AppController::useQuickPreset()
@@ -70,6 +76,7 @@ void AppController::rememberPresets()
 {
     m_services.store.saveWPresets(PresetsStore::Slot::Quick);
     m_services.store.saveSavingPresets(PresetsStore::Slot::Quick);
+    m_services.store.saveChangedLists();
     m_appliedPresets.rememberAppliedPresets();
 }
 

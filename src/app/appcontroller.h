@@ -47,7 +47,7 @@ public:
     /// Reads the presets at start and, if the user wants that, applies those of the last time.
     void readPresets();
 
-    /// What closing the window stores: the quick presets, and the names of those that are applied.
+    /// Saves, when the window closes, the presets and the names of the applied ones.
     void rememberPresets();
 
     /// The state that the rules of the commands depend on, but for what is selected in the lists of a window.

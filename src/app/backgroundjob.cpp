@@ -2,10 +2,18 @@
 
 #include "app/backgroundjob.h"
 
+#include <QCoreApplication>
 #include <QEventLoop>
+#include <QTimer>
 
 namespace plexa
 {
+namespace
+{
+
+constexpr int kPauseMilliseconds = 50;
+
+} // namespace
 
 BackgroundJob::~BackgroundJob()
 {
@@ -60,10 +68,20 @@ void BackgroundJob::end(bool isSuccess)
 
 bool BackgroundJob::wait()
 {
-    if (isRunning()) {
+    bool isQuitting = false;
+    while (isRunning() && !isQuitting) {
+        isQuitting = true;
         QEventLoop loop;
-        connect(this, &BackgroundJob::ended, &loop, &QEventLoop::quit);
+        const auto leave = [&] {
+            isQuitting = false;
+            loop.quit();
+        };
+        connect(this, &BackgroundJob::ended, &loop, leave);
+        QTimer::singleShot(kPauseMilliseconds, &loop, leave);
         loop.exec();
+        // Between two loops, since Qt keeps objects that are to be deleted later until a loop ends, and such
+        // an object may be what cancels the work.
+        QCoreApplication::sendPostedEvents();
     }
     return !isRunning();
 }

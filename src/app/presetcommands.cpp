@@ -65,7 +65,7 @@ void PresetCommands::saveQuickAsWPreset()
 void PresetCommands::reportUnsaved(const Error &error, const QStringList &more)
 {
     report(m_alerts, Alert::Style::Warning, tr("Cannot save the presets"),
-           QStringList(tr("Your preset changes will be lost when you quit: %1.").arg(error.text)) + more);
+           QStringList(PresetsStore::unsavedText(error)) + more);
 }
 
 } // namespace plexa

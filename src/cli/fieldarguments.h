@@ -5,8 +5,6 @@
 #include "platform/result.h"
 #include "presets/savingpresetvalues.h"
 
-#include <QString>
-
 #include <string>
 
 namespace plexa
@@ -14,21 +12,15 @@ namespace plexa
 
 struct WPresetValues;
 
-/// "FIELD=VALUE" taken apart.
-struct FieldArgument {
-    QString name;
-    QString text;
+// Arguments have the form "FIELD=VALUE".
 
-    [[nodiscard]] static Result<FieldArgument> parse(const std::string &argument);
-};
-
-/// Sets a field of the quick preset; VALUE is JSON where it parses as such, else a string.
+/// Sets a field of the quick preset; VALUE is JSON if it is valid JSON, else a string.
 [[nodiscard]] Result<void> applyField(WPresetValues &values, const std::string &argument);
 
 /// Sets a field of the saving preset.
 [[nodiscard]] Result<void> applySavingField(SavingPresetValues &preset, const std::string &argument);
 
-/// Can copies be made by it? A failure names the preset.
+/// Can copies be written with it? A failure names the preset.
 [[nodiscard]] Result<void> checkSavingPreset(const SavingPresetValues &preset);
 
 } // namespace plexa

@@ -2,6 +2,7 @@
 
 #include "cli/inspectcommand.h"
 
+#include "cli/exitstatus.h"
 #include "cli/interruption.h"
 #include "cli/messages.h"
 #include "imageio/imagesource.h"
@@ -24,17 +25,14 @@
 
 namespace plexa
 {
-
 namespace
 {
 
-constexpr int kSomethingFailed = 1;
-
-/// What there is to say of one file.
+/// The facts about one file.
 struct Inspection {
     QString path;
     QString type;
-    QSize size; ///< as people see the photo
+    QSize size; ///< of the upright photo
     int orientation = 1;
     QVariantMap properties;
     std::vector<std::pair<QString, std::optional<QString>>> tokens; ///< in the vocabulary's order
@@ -73,29 +71,19 @@ QJsonObject jsonOf(const Inspection &photo)
             {QStringLiteral("tokens"), tokens}};
 }
 
-/// A text that does nothing to a terminal: control characters as dots.
-QString printable(QString text)
-{
-    for (QChar &character : text) {
-        if (character.category() == QChar::Other_Control)
-            character = u'.';
-    }
-    return text;
-}
-
-/// A value on one line, as JSON writes it, strings without their quotation marks.
+/// A value on one line, as in JSON, strings without quotation marks.
 QString plainText(const QVariant &value)
 {
     const QJsonValue json = QJsonValue::fromVariant(value);
     if (json.isString())
-        return printable(json.toString());
+        return onOneLine(json.toString());
     const QByteArray text = QJsonDocument(QJsonArray{json}).toJson(QJsonDocument::Compact);
-    return printable(QString::fromUtf8(text.mid(1, text.size() - 2)));
+    return onOneLine(QString::fromUtf8(text.mid(1, text.size() - 2)));
 }
 
 using Lines = std::vector<std::pair<QString, QString>>;
 
-/// Adds "name  value" lines with the values below each other.
+/// Adds "name  value" lines with aligned values.
 void appendLines(QString &text, const Lines &lines, const QString &indent)
 {
     qsizetype width = 0;
@@ -111,12 +99,12 @@ void appendProperties(QString &text, const QVariantMap &properties, const QStrin
     Lines lines;
     for (auto property = properties.begin(); property != properties.end(); ++property) {
         if (property->typeId() != QMetaType::QVariantMap)
-            lines.emplace_back(printable(property.key()), plainText(*property));
+            lines.emplace_back(onOneLine(property.key()), plainText(*property));
     }
     appendLines(text, lines, indent);
     for (auto property = properties.begin(); property != properties.end(); ++property) {
         if (property->typeId() == QMetaType::QVariantMap) {
-            text += indent + printable(property.key()) + u'\n';
+            text += indent + onOneLine(property.key()) + u'\n';
             appendProperties(text, property->toMap(), indent + QLatin1String("  "));
         }
     }
@@ -124,7 +112,7 @@ void appendProperties(QString &text, const QVariantMap &properties, const QStrin
 
 QString textOf(const Inspection &photo)
 {
-    QString text = printable(photo.path) + u'\n';
+    QString text = onOneLine(photo.path) + u'\n';
     appendLines(
         text,
         {{QStringLiteral("type"), photo.type},
@@ -137,7 +125,7 @@ QString textOf(const Inspection &photo)
     Lines tokens;
     for (const auto &[name, value] : photo.tokens) {
         if (value)
-            tokens.emplace_back(name, printable(*value));
+            tokens.emplace_back(name, onOneLine(*value));
     }
     appendLines(text, tokens, QStringLiteral("    "));
     return text;
@@ -148,7 +136,7 @@ QString textOf(const Inspection &photo)
 CLI::App *addInspectCommand(CLI::App &program, InspectOptions &options)
 {
     CLI::App *command = program.add_subcommand(
-        "inspect", "Show what is known of photos: size as shown, properties, the tokens' texts");
+        "inspect", "Print the facts about photos: upright size, properties, texts of the tokens");
     command->add_flag("--json", options.json, "Print an array with an object for each file");
     command->add_option("FILE", options.paths, "The photos")->required();
     return command;
@@ -189,7 +177,7 @@ int runInspect(const InspectOptions &options)
     const std::size_t begun = runOrdered(work);
     if (options.json)
         std::fputs(isFirst ? "[]\n" : "]\n", stdout);
-    return hasFailures || begun < work.count ? kSomethingFailed : 0;
+    return hasFailures || begun < work.count ? kSomethingFailed : kAllDone;
 }
 
 } // namespace plexa

@@ -13,7 +13,7 @@ class App;
 namespace plexa
 {
 
-/// What stands on the command line of "plexa-cli inspect".
+/// The command line of "plexa-cli inspect".
 struct InspectOptions {
     std::vector<std::string> paths;
     bool json = false;
@@ -22,7 +22,7 @@ struct InspectOptions {
 /// Declares the sub-command; `options` outlives the parsing.
 CLI::App *addInspectCommand(CLI::App &program, InspectOptions &options);
 
-/// Prints what is known of each file. @return the exit status
+/// Prints the facts about each file. @return the exit status
 int runInspect(const InspectOptions &options);
 
 } // namespace plexa

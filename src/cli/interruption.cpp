@@ -25,7 +25,7 @@ void onSignal(int signal)
 void catchInterruptions()
 {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        // Whoever started the program may want it to outlive a signal, as nohup does.
+        // A signal that the parent process ignores stays ignored, as for nohup.
         if (std::signal(signal, onSignal) == SIG_IGN)
             std::signal(signal, SIG_IGN);
     }

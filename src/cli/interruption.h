@@ -5,16 +5,15 @@
 namespace plexa
 {
 
-/// From now on the first Ctrl-C, hang-up or request to end only sets the flag that isInterrupted() tells; the
-/// second one ends the program. What is ignored at the start stays ignored. To be called once, by the main
-/// thread.
+/// From now on the first SIGINT, SIGHUP or SIGTERM only sets the flag of isInterrupted(); the second one ends
+/// the program. Signals that are ignored at the start stay ignored. Called once, by the main thread.
 void catchInterruptions();
 
-/// A file that grows beyond the limit of the process fails to be written, like on a full disk, instead of
-/// ending the program. Once, by the main thread.
+/// From now on writing beyond the file-size limit of the process fails, as on a full disk, instead of ending
+/// the program. Called once, by the main thread.
 void outliveFileSizeLimit();
 
-/// Has somebody asked the program to stop? Any thread.
+/// Has a signal asked the program to stop? Any thread.
 bool isInterrupted();
 
 } // namespace plexa

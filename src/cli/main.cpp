@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "cli/exitstatus.h"
 #include "cli/inspectcommand.h"
 #include "cli/interruption.h"
 #include "cli/pathargument.h"
@@ -18,9 +19,7 @@
 namespace
 {
 
-constexpr int kWrongUsage = 2;
-
-/// What the libraries have to say to developers does not belong among the messages about photos.
+/// Keeps messages of the libraries to developers out of the messages about photos.
 void printFaultsOnly(QtMsgType type, const QMessageLogContext &, const QString &text)
 {
     if (type == QtCriticalMsg || type == QtFatalMsg)
@@ -43,14 +42,14 @@ int run(int argc, char **argv)
     PresetsOptions presets;
     CLI::App *presetsCommand = addPresetsCommand(program, presets);
     if (const char *const empty = emptyAssignment(argc, argv)) {
-        std::fprintf(stderr, "%s there is nothing in it\n", empty);
+        std::fprintf(stderr, "%s there is nothing after the equal sign\n", empty);
         return kWrongUsage;
     }
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
         const int status = program.exit(error, std::cout, std::cerr);
-        return status == 0 ? 0 : kWrongUsage;
+        return status == 0 ? kAllDone : kWrongUsage;
     }
     if (*saveCommand)
         return runSave(save);
@@ -75,16 +74,16 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationVersion(plexa::BundleInfo::own().shortVersionString);
     plexa::catchInterruptions();
     plexa::outliveFileSizeLimit();
-    int status = 1;
+    int status = plexa::kSomethingFailed;
     try {
         status = run(argc, argv);
     } catch (const std::bad_alloc &) {
         std::fputs("plexa-cli: there is not enough memory\n", stderr);
     }
-    // Results that did not arrive are a failure, too.
+    // Lost results are a failure, too.
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
         std::fputs("plexa-cli: the results could not be written to the standard output\n", stderr);
-        return status == 0 ? 1 : status;
+        return status == plexa::kAllDone ? plexa::kSomethingFailed : status;
     }
     return status;
 }

@@ -29,8 +29,8 @@ QString onOneLine(QString text)
 
 int threadsToUse(int wanted)
 {
-    // Few photos that succeed are better than many that fail at once.
-    constexpr qint64 kThreadBytes = 32'000'000; // its stack, and a photo that passes in strips
+    // A slow run is better than one that runs out of memory.
+    constexpr qint64 kThreadBytes = 32'000'000; // its stack, and a photo in strips
     if (const std::optional<qint64> room = mappableBytes())
         wanted = int(std::clamp<qint64>(*room / kThreadBytes, 1, std::max(wanted, 1)));
     const int threads = startableThreads(wanted);

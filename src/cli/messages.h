@@ -15,11 +15,11 @@ void printLine(FILE *stream, const QString &text);
 /// A text on one line: characters that would move the cursor are replaced by a question mark.
 QString onOneLine(QString text);
 
-/// How many of `wanted` threads to work on photos with: as many as can be started, and fewer where the
-/// process's own limits leave little memory for each; says on standard error if there are none.
+/// The number of threads to use for photos, at most `wanted`: as many as can be started, and fewer where the
+/// limits of the process leave little memory for each. Reports 0 on standard error.
 int threadsToUse(int wanted);
 
-/// The line on standard error that says what is wrong with a file: "NAME: reason".
+/// Prints a message about a file to standard error: "NAME: reason".
 void printAbout(const QString &path, const QString &reason);
 
 } // namespace plexa

@@ -10,15 +10,15 @@ class Validator;
 namespace plexa
 {
 
-/// The first of the arguments that is an option with "=" and nothing after it, for which the parser would
-/// take the next argument; null when there is none.
+/// The first argument that is an option with "=" and nothing after it, to which the parser would assign the
+/// next argument; null when there is none.
 const char *emptyAssignment(int argc, char *const *argv);
 
-/// For options that must not be given without anything.
+/// For options whose value must not be empty.
 CLI::Validator someText();
 
-/// For options that name a file or a folder: something, and a text, since a path that is none would lead to
-/// another file.
+/// For options that name a file or a folder: a valid text that is not empty. A path that is not valid text
+/// would become the path of another file.
 CLI::Validator somePath();
 
 } // namespace plexa

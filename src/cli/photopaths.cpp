@@ -16,11 +16,10 @@
 
 namespace plexa
 {
-
 namespace
 {
 
-// Photos that people expect to be found, although they cannot be read.
+// Photos that cannot be read. A photographer would miss them if they were not reported.
 constexpr std::array kUnreadableSuffixes = {"jxl", "x3f"};
 
 bool isPhotoName(const QString &path)
@@ -32,7 +31,7 @@ bool isPhotoName(const QString &path)
                        [&](const char *unreadable) { return suffix == unreadable; });
 }
 
-bool isNowhere(int error)
+bool isAbsent(int error)
 {
     return error == ENOENT || error == ENOTDIR;
 }
@@ -68,10 +67,10 @@ Result<PhotoSearch> photosAt(const std::vector<std::string> &paths, const std::s
         const PhotoPath given = decodedPath(path);
         struct stat status = {};
         const bool isReached = ::stat(path.c_str(), &status) == 0;
-        if (!isReached && isNowhere(errno))
+        if (!isReached && isAbsent(errno))
             return fail(QStringLiteral("there is no file or folder \"%1\"").arg(given.path));
         if (!isReached || !S_ISDIR(status.st_mode))
-            search.photos.push_back(given); // opening it tells why it cannot be reached
+            search.photos.push_back(given); // opening it reports why it cannot be reached
         else if (!given.failure.isEmpty())
             search.notSearched.push_back(given);
         else

@@ -11,30 +11,28 @@
 namespace plexa
 {
 
-/// A photo that was asked for, or what stands in its place.
+/// A photo on the command line or in a folder, or the reason why it cannot be read.
 struct PhotoPath {
     QString path;
-    QString failure; ///< why it cannot be had, where that is known already; else empty
+    QString failure; ///< why it cannot be read, if that is known already; else empty
 };
 
-/// The path as a text, with a failure where that text would not lead back to the file.
+/// The path as a text, with a failure if the text cannot be converted back to the path.
 PhotoPath decodedPath(const std::string &path);
 
-/// What a search for photos found.
+/// The result of a search for photos.
 struct PhotoSearch {
     std::vector<PhotoPath> photos;
-    std::vector<PhotoPath>
-        notSearched; ///< folders that could not be looked through, paths too long to follow
+    std::vector<PhotoPath> notSearched; ///< unreadable folders, and folders with too long a path
 };
 
-/// The photos that these paths stand for, in order: a file is one whatever it is called, a folder gives the
-/// files below it whose suffix is that of a picture format, sorted by name; hidden entries, package folders
-/// and folders seen already are left out. A photo whose name is no text stands there as a failure.
-/// Photos of formats that cannot be read (camera raw) are among them, so that reading them says so; so are
-/// files that may be there but cannot be reached.
-/// @param paths      as the shell gives them, in the file system's encoding
-/// @param leftOut    a folder that is not looked into when it lies below one of the paths: where copies go
-/// @param isStopped  asked before every entry of a folder; true: the search ends with what it has
+/// The photos at these paths, in order: each file, whatever its name, and in each folder the files whose
+/// suffix is that of a picture format, sorted by name, folders below it included. Hidden entries, package
+/// folders and folders that were searched before are left out. Photos that cannot be read (unknown camera raw
+/// formats, names that are not text, unreachable files) are included, so that reading them reports why.
+/// @param paths      as the shell passes them, in the file system's encoding
+/// @param leftOut    a folder that is skipped below the paths: the folder of the copies
+/// @param isStopped  called before every entry of a folder; true ends the search with the present result
 /// @return a failure when a path does not exist
 [[nodiscard]] Result<PhotoSearch> photosAt(const std::vector<std::string> &paths, const std::string &leftOut,
                                            const std::function<bool()> &isStopped);

@@ -2,7 +2,7 @@
 
 #include "cli/presetfiles.h"
 
-#include "platform/applicationname.h"
+#include "presets/presetsfilereading.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -10,7 +10,6 @@
 
 namespace plexa
 {
-
 namespace
 {
 
@@ -18,10 +17,10 @@ using Kind = PresetsStore::Kind;
 
 QString laterNotice()
 {
-    return QStringLiteral("a later version of Plexa wrote it; what that version added is not read");
+    return QStringLiteral("a later version of Plexa wrote it; additions of that version are not read");
 }
 
-/// An error line of the reader as part of a sentence: without "ERROR" and the file's name in front.
+/// An error line of the reader as part of a sentence: without the leading "ERROR" and the file's name.
 QString reasonIn(QByteArray line, const QString &path)
 {
     const QByteArray start = "ERROR";
@@ -51,7 +50,7 @@ Result<void> expectKind(const QString &path, Kind kind)
 Result<Kind> kindOfPresetsFile(const QString &path)
 {
     constexpr qint64 kStartBytes = 64 * 1024;
-    if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) // opening a pipe would wait for its other end
+    if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) // opening a pipe would block
         return fail(QStringLiteral("it is not a regular file"));
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
@@ -67,11 +66,11 @@ Result<Kind> kindOfPresetsFile(const QString &path)
     QXmlStreamReader xml(start);
     if (xml.readNextStartElement())
         return xml.name() == QLatin1StringView("plist") ? Kind::Watermark : Kind::Saving;
-    // Of XML that is damaged, or begins with a very long comment, the reader tells more.
-    const bool hasMark = start.startsWith("\xEF\xBB\xBF"); // which an editor puts in front of UTF-8
+    // The reader reports more about XML that is damaged or begins with a very long comment.
+    const bool hasMark = start.startsWith("\xEF\xBB\xBF"); // the byte order mark of some editors
     if (start.mid(hasMark ? 3 : 0).trimmed().startsWith('<'))
         return Kind::Saving;
-    return fail(QStringLiteral("it is no file of presets"));
+    return fail(QStringLiteral("it is not a file of presets"));
 }
 
 Result<PresetsRead<SavingPresetList>> savingPresetsIn(const QString &path)
@@ -82,10 +81,10 @@ Result<PresetsRead<SavingPresetList>> savingPresetsIn(const QString &path)
     ReadCode code{};
     bool isLater = false;
     auto presets = SavingPreset::readObjectsFromFile(
-        path, applicationNameWithCompany(true, false, true), code,
+        path, presetsApplicationID(), code,
         [&](const QByteArray &line) { errors.append(reasonIn(line, path)); }, &isLater);
     if (!presets)
-        return fail(QStringLiteral("it is no file of saving presets: %1").arg(errors.join(u"; ")));
+        return fail(QStringLiteral("it is not a file of saving presets: %1").arg(errors.join(u"; ")));
     PresetsRead<SavingPresetList> read{std::move(*presets), {}, {}};
     if (!errors.isEmpty())
         read.notice = QStringLiteral("some of it cannot be read: %1").arg(errors.join(u"; "));

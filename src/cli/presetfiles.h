@@ -8,30 +8,29 @@
 namespace plexa
 {
 
-/// Which presets are in a file, told by how it begins, whatever it is called. A failure is a text that
-/// follows the file's name, as with all functions here.
+/// The kind of the presets in a file, detected by its first bytes, not by its name. A failure is a text that
+/// follows the file's name, as for all functions here.
 [[nodiscard]] Result<PresetsStore::Kind> kindOfPresetsFile(const QString &path);
 
-/// What was read of a file.
+/// The presets that were read from a file.
 template<class List>
 struct PresetsRead {
     List presets;
-    QString notice; ///< why the file may hold more than `presets`, as text that follows its name; or empty
-    QStringList leftOut; ///< what of the file is not in `presets`, likewise
+    QString notice; ///< why the file may contain more than `presets`, as text that follows its name; or empty
+    QStringList leftOut; ///< the parts of the file that are not in `presets`, likewise
 };
 
 /// The saving presets of a file.
 [[nodiscard]] Result<PresetsRead<SavingPresetList>> savingPresetsIn(const QString &path);
 
-/// The watermark presets of a file, with the saving presets that are found for them.
+/// The watermark presets of a file, with the saving presets that the function finds for them.
 [[nodiscard]] Result<PresetsRead<WPresetList>> wPresetsIn(const QString &path,
                                                           const SavingPresetLookup &savingPresetWithID);
 
-/// Where the user's own presets of that kind are read from: their file, or the examples before there is one.
-/// Nothing is written.
+/// The file of the user's own presets of that kind, or of the examples if that is absent. Writes nothing.
 QString storedPresetsFile(PresetsStore::Kind kind);
 
-/// Names as they stand in a message: "one", "two".
+/// Names as in a message: "one", "two".
 template<class List>
 QString namesOf(const List &presets)
 {

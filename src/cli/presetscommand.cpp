@@ -2,10 +2,11 @@
 
 #include "cli/presetscommand.h"
 
+#include "cli/exitstatus.h"
 #include "cli/messages.h"
 #include "cli/pathargument.h"
 #include "cli/presetfiles.h"
-#include "platform/applicationname.h"
+#include "presets/presetsfilereading.h"
 #include "watermark/texttokens.h"
 
 #include <QFile>
@@ -17,13 +18,10 @@
 
 namespace plexa
 {
-
 namespace
 {
 
-constexpr int kSomethingFailed = 1;
-
-/// Stands for a saving preset that is assigned but lies in another file.
+/// An assigned saving preset that is stored in another file.
 class SavingPresetNumber final : public SavingPresetReference
 {
 public:
@@ -42,8 +40,8 @@ struct PresetsFile {
     bool areWatermarks = false;
     WPresetList wPresets;
     SavingPresetList savingPresets;
-    QString notice;      ///< why there may be more in it; or empty
-    QStringList leftOut; ///< what is in the file and in neither list
+    QString notice;      ///< why the file may contain more; or empty
+    QStringList leftOut; ///< the parts of the file that are in neither list
 };
 
 Result<PresetsFile> readPresetsFile(const QString &path)
@@ -62,28 +60,15 @@ Result<PresetsFile> readPresetsFile(const QString &path)
     });
 }
 
-QJsonValue toJson(const QStringList &texts)
-{
-    return QJsonArray::fromStringList(texts);
-}
-
-template<class T>
-QJsonValue toJson(const T &value)
-{
-    return value;
-}
-
 QJsonObject asJson(const SavingPreset &preset)
 {
     QJsonObject object{{QStringLiteral("presetID"), preset.presetID()}};
-#define PLEXA_INSERT_FIELD(name, Name, Type, initial)                                                        \
-    object.insert(QStringLiteral(#name), toJson(preset.values().name));
-    PLEXA_SAVINGPRESET_FIELDS(PLEXA_INSERT_FIELD)
-#undef PLEXA_INSERT_FIELD
+    for (const SavingPresetField &field : savingPresetFields())
+        object.insert(field.name, valueAsJson(field.value(preset.values())));
     return object;
 }
 
-/// Texts as they are, tokens in brackets.
+/// Tokens in brackets between the literal texts.
 QString textOf(const QStringList &pieces)
 {
     QString text;
@@ -129,7 +114,7 @@ void print(const PresetsFile &file, bool json)
         printLine(stdout, QString::fromUtf8(QJsonDocument(objects).toJson().trimmed()));
 }
 
-/// What of the file is not in what is printed or written, and what is but cannot be drawn.
+/// Reports the parts of the file that are not printed or written, and pictures that cannot be drawn.
 void printFaults(const PresetsFile &file, const QString &path)
 {
     for (const QString &fault : file.leftOut)
@@ -140,7 +125,7 @@ void printFaults(const PresetsFile &file, const QString &path)
     }
 }
 
-/// Is this a name that the other kind of presets has?
+/// Does the name have the suffix of the other kind of presets?
 bool isNameOfOtherKind(const QString &target, const PresetsFile &file)
 {
     const QLatin1StringView suffix(file.areWatermarks ? ".pxspr" : ".pxwpr");
@@ -153,32 +138,32 @@ Result<void> convert(const PresetsFile &file, const QString &path, const QString
 {
     if (!file.leftOut.isEmpty() &&
         QFileInfo(target).canonicalFilePath() == QFileInfo(path).canonicalFilePath())
-        return fail(QStringLiteral("what cannot be read would be lost; write the presets to another file"));
+        return fail(QStringLiteral("the unreadable parts would be lost; write the presets to another file"));
     if (!file.notice.isEmpty())
         return fail(
-            QStringLiteral("nothing is written, since something would be left out: %1. Read: %2")
+            QStringLiteral("nothing is written, because a part would be left out: %1. Read: %2")
                 .arg(file.notice, file.areWatermarks ? namesOf(file.wPresets) : namesOf(file.savingPresets)));
     if (isNameOfOtherKind(target, file))
         return fail(file.areWatermarks
-                        ? QStringLiteral("it holds watermark presets; \"%1\" is a name for saving presets")
+                        ? QStringLiteral("it contains watermark presets; \"%1\" is a name for saving presets")
                               .arg(target)
-                        : QStringLiteral("it holds saving presets; \"%1\" is a name for watermark presets")
+                        : QStringLiteral("it contains saving presets; \"%1\" is a name for watermark presets")
                               .arg(target));
-    return file.areWatermarks ? writeWPresets(file.wPresets, target)
-                              : SavingPreset::writeObjects(file.savingPresets, target,
-                                                           applicationNameWithCompany(true, false, true));
+    return file.areWatermarks
+               ? writeWPresets(file.wPresets, target)
+               : SavingPreset::writeObjects(file.savingPresets, target, presetsApplicationID());
 }
 
 } // namespace
 
 CLI::App *addPresetsCommand(CLI::App &program, PresetsOptions &options)
 {
-    CLI::App *command =
-        program.add_subcommand("presets", "Print what a file of watermark presets or saving presets holds");
+    CLI::App *command = program.add_subcommand(
+        "presets", "Print the contents of a file of watermark presets or saving presets");
     auto *json = command->add_flag("--json", options.json, "Print an array with an object for each preset");
     command
         ->add_option("--convert", options.convertTo,
-                     "Print nothing; write the presets to OUT in today's form")
+                     "Print nothing; write the presets to OUT in the current format")
         ->check(somePath())
         ->type_name("OUT")
         ->excludes(json);
@@ -195,7 +180,7 @@ int runPresets(const PresetsOptions &options)
         return kSomethingFailed;
     }
     printFaults(*file, path);
-    const int status = file->leftOut.isEmpty() ? 0 : kSomethingFailed;
+    const int status = file->leftOut.isEmpty() ? kAllDone : kSomethingFailed;
     if (options.convertTo.empty()) {
         if (!file->notice.isEmpty())
             printAbout(path, file->notice);

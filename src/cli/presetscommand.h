@@ -12,7 +12,7 @@ class App;
 namespace plexa
 {
 
-/// What stands on the command line of "plexa-cli presets".
+/// The command line of "plexa-cli presets".
 struct PresetsOptions {
     std::string file;
     std::string convertTo; ///< empty: nothing is written
@@ -22,7 +22,7 @@ struct PresetsOptions {
 /// Declares the sub-command; `options` outlives the parsing.
 CLI::App *addPresetsCommand(CLI::App &program, PresetsOptions &options);
 
-/// Prints what a file of presets holds, or writes it again. @return the exit status
+/// Prints the contents of a file of presets, or converts it. @return the exit status
 int runPresets(const PresetsOptions &options);
 
 } // namespace plexa

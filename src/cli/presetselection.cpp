@@ -12,17 +12,16 @@
 
 namespace plexa
 {
-
 namespace
 {
 
-/// The file that was asked for, else the user's own.
+/// The given file, else the user's own.
 QString fileOrStored(const std::string &file, PresetsStore::Kind kind)
 {
     return file.empty() ? storedPresetsFile(kind) : QFile::decodeName(file.c_str());
 }
 
-/// The file as it is called in a message.
+/// The name of the file in a message.
 QString described(const QString &path)
 {
     return path.startsWith(u':') ? QStringLiteral("the example presets") : QStringLiteral("\"%1\"").arg(path);
@@ -33,7 +32,7 @@ tl::unexpected<Error> unreadable(const QString &path, const Error &error)
     return fail(QStringLiteral("%1: %2").arg(described(path), error.text));
 }
 
-/// The presets alone; says what of their file is not among them, unless nobody wants to hear of it.
+/// The presets alone. Reports the parts of their file that were not read, unless the run is quiet.
 template<class List>
 Result<List> withNotice(const QString &path, Result<PresetsRead<List>> &&read, bool isQuiet)
 {
@@ -48,20 +47,20 @@ Result<List> withNotice(const QString &path, Result<PresetsRead<List>> &&read, b
     return std::move(read->presets);
 }
 
-/// Does the run take one of the saving presets?
+/// Do the options name a saving preset for the run?
 bool isSavingPresetChosen(const SaveOptions &options)
 {
     return !options.savingPresetsFile.empty() || !options.savingPreset.empty();
 }
 
-/// The saving presets that watermark presets may refer to; none where the run passes over assigned ones.
+/// The saving presets that watermark presets may refer to; none if the run ignores assigned ones.
 Result<SavingPresetList> assignableSavingPresets(const SaveOptions &options)
 {
     const bool belongsToOthers = options.savingPresetsFile.empty() && !options.wPresetsFile.empty();
     if (belongsToOthers || options.ignoreAssigned || options.combine)
         return SavingPresetList();
     const QString path = fileOrStored(options.savingPresetsFile, PresetsStore::Kind::Saving);
-    // What chosenSavingPreset() reads as well is told there.
+    // If chosenSavingPreset() reads the same file, it reports its faults.
     return withNotice(path, savingPresetsIn(path), options.quiet || isSavingPresetChosen(options));
 }
 
@@ -71,6 +70,36 @@ SavingPresetPtr withID(const SavingPresetList &presets, qint64 presetID)
         return preset->presetID() == presetID;
     });
     return found == presets.end() ? nullptr : *found;
+}
+
+/// The presets of these names, in the order of the names; all presets without a name. Each occurs once.
+Result<std::vector<AppliedPreset>> namedPresets(const std::vector<std::string> &names,
+                                                const WPresetList &presets, const QString &path)
+{
+    std::vector<AppliedPreset> applied;
+    const auto apply = [&applied](const std::shared_ptr<WPreset> &preset) {
+        const bool isApplied = std::any_of(applied.begin(), applied.end(), [&](const AppliedPreset &other) {
+            return other.preset == preset;
+        });
+        if (!isApplied)
+            applied.push_back({preset, preset->values()});
+    };
+    if (names.empty())
+        std::for_each(presets.begin(), presets.end(), apply);
+    for (const std::string &name : names) {
+        const QString wanted = QString::fromStdString(name);
+        bool isFound = false;
+        for (const auto &preset : presets) {
+            if (preset->name() != wanted)
+                continue;
+            apply(preset);
+            isFound = true;
+        }
+        if (!isFound)
+            return fail(QStringLiteral("there is no watermark preset \"%1\" among %2 of %3")
+                            .arg(wanted, namesOf(presets), described(path)));
+    }
+    return applied;
 }
 
 } // namespace
@@ -84,7 +113,7 @@ Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
 {
     const Result<SavingPresetList> assignable = assignableSavingPresets(options);
     const QString path = fileOrStored(options.wPresetsFile, PresetsStore::Kind::Watermark);
-    // Where the saving presets cannot be read, one stands for all: is any of them needed?
+    // If the saving presets cannot be read, one placeholder shows whether any of them is needed.
     const auto unknown = std::make_shared<SavingPreset>();
     const auto savingPreset = [&](qint64 presetID) -> SavingPresetPtr {
         return assignable ? withID(*assignable, presetID) : unknown;
@@ -92,32 +121,12 @@ Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
     const Result<WPresetList> presets = withNotice(path, wPresetsIn(path, savingPreset), options.quiet);
     if (!presets)
         return tl::unexpected(presets.error());
-    std::vector<AppliedPreset> applied;
-    const auto apply = [&applied](const std::shared_ptr<WPreset> &preset) {
-        const bool isApplied = std::any_of(applied.begin(), applied.end(), [&](const AppliedPreset &other) {
-            return other.preset == preset;
-        });
-        if (!isApplied)
-            applied.push_back({preset, preset->values()});
-    };
-    if (options.applied.empty())
-        std::for_each(presets->begin(), presets->end(), apply);
-    for (const std::string &name : options.applied) {
-        const QString wanted = QString::fromStdString(name);
-        bool isFound = false;
-        for (const auto &preset : *presets) {
-            if (preset->name() != wanted)
-                continue;
-            apply(preset);
-            isFound = true;
-        }
-        if (!isFound)
-            return fail(QStringLiteral("there is no watermark preset \"%1\" among %2 of %3")
-                            .arg(wanted, namesOf(*presets), described(path)));
-    }
+    const Result<std::vector<AppliedPreset>> applied = namedPresets(options.applied, *presets, path);
+    if (!applied)
+        return applied;
     if (!assignable) {
         const bool isNeeded = isSavingPresetChosen(options) ||
-                              std::any_of(applied.begin(), applied.end(), [&](const AppliedPreset &mark) {
+                              std::any_of(applied->begin(), applied->end(), [&](const AppliedPreset &mark) {
                                   return mark.values.assignedSavingPreset == unknown;
                               });
         if (isNeeded)
@@ -125,11 +134,11 @@ Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
         if (!options.quiet)
             printLine(stderr, onOneLine(QStringLiteral("plexa-cli: ") + assignable.error().text));
     }
-    for (const AppliedPreset &mark : applied) {
+    for (const AppliedPreset &mark : *applied) {
         if (!mark.values.validPreset())
             return fail(QStringLiteral("%1: %2").arg(described(path), mark.values.pictureFault()));
     }
-    if (applied.empty())
+    if (applied->empty())
         return fail(QStringLiteral("there are no watermark presets in %1").arg(described(path)));
     return applied;
 }
@@ -147,7 +156,7 @@ Result<std::optional<SavingPresetValues>> chosenSavingPreset(const SaveOptions &
         if (preset->name() == name || (options.savingPreset.empty() && presets->size() == 1))
             return std::optional(preset->values());
     }
-    // A file may be there for the presets that are assigned to watermarks.
+    // The file may be given for the assigned saving presets only.
     if (options.savingPreset.empty() && isPresetsMode(options))
         return std::optional<SavingPresetValues>();
     if (presets->empty())

@@ -15,12 +15,12 @@ struct SaveOptions;
 /// Do the options ask for stored watermark presets?
 bool isPresetsMode(const SaveOptions &options);
 
-/// The watermark presets that the options name, in that order, or all of the file. From the user's own list
-/// when there is no file. Their assigned saving presets are those of the file of saving presets; the user's
-/// own belong to the user's own list only.
+/// The watermark presets that the options name, in that order, or all of the file; without a file, those of
+/// the user's own list. Their assigned saving presets come from the file of saving presets; for the user's
+/// own list also from the user's own saving presets.
 [[nodiscard]] Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options);
 
-/// The saving preset that the options name, or the only one of the file; none where they name neither.
+/// The saving preset that the options name, or the only one of the file; none if they name neither.
 [[nodiscard]] Result<std::optional<SavingPresetValues>> chosenSavingPreset(const SaveOptions &options);
 
 } // namespace plexa

@@ -8,7 +8,7 @@
 namespace plexa
 {
 
-/// A progress bar in the last line of standard error, there only on a terminal. One thread.
+/// A progress bar in the last line of standard error, on a terminal only. One thread.
 class ProgressLine final
 {
 public:
@@ -20,7 +20,7 @@ public:
 
     void setDone(std::size_t done);
 
-    /// Takes the bar away so that other output starts on a clean line; setDone() brings it back.
+    /// Removes the bar, so that other output starts on a clean line. setDone() draws it again.
     void clear();
 
 private:

@@ -2,6 +2,7 @@
 
 #include "cli/savecommand.h"
 
+#include "cli/exitstatus.h"
 #include "cli/fieldarguments.h"
 #include "cli/interruption.h"
 #include "cli/messages.h"
@@ -32,23 +33,20 @@
 
 namespace plexa
 {
-
 namespace
 {
-
-enum ExitStatus { kAllDone = 0, kSomethingFailed = 1, kWrongUsage = 2 };
 
 constexpr int kQuality = 95;
 const QString kQuickPresetName = QStringLiteral("Quick Preset");
 
-/// The command line has answered all questions before.
+/// Options answer all questions in advance.
 class NoQuestions final : public Alerts
 {
 public:
     AlertAnswer run(const Alert &alert) override { return {std::max(alert.escapeButton, 0), false}; }
 };
 
-/// What there is to know before a run.
+/// Prints warnings.
 class Notices final : public Alerts
 {
 public:
@@ -65,8 +63,7 @@ int refuse(const QString &text)
     return kWrongUsage;
 }
 
-/// The pieces that stand for a text as it is: a text that is a token's name is taken apart, so that it is
-/// none.
+/// A text as literal pieces. A token's name is split, so that it does not become the token.
 QStringList literalText(const QString &text)
 {
     if (!tokenNames().contains(text))
@@ -117,7 +114,7 @@ Result<SavingPresetValues> runSavingPreset(const SaveOptions &options)
     preset.imageFormat = QStringLiteral("Original");
     preset.jpegQuality = kQuality;
     preset.filenameTokens = {QStringLiteral("filename")};
-    // Copies of one photo with one watermark each are told apart by these.
+    // The copies of a photo differ in this part of their names.
     if (isPresetsMode(options) && !options.combine)
         preset.filenameTokens += {QStringLiteral("-"), QStringLiteral("watermark preset name")};
     Result<std::optional<SavingPresetValues>> chosen = chosenSavingPreset(options);
@@ -156,7 +153,7 @@ OutputNaming::ConflictCode conflictCode(const std::string &conflict)
     return OutputNaming::always(conflict == "skip" ? OutputNaming::kSkip : OutputNaming::kUniqueName);
 }
 
-/// Everything that can be wrong with the command line is found here, before any file is touched.
+/// Reports all errors of the command line, before any file is touched.
 Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
 {
     Result<std::vector<AppliedPreset>> applied = effectivePresets(options, fonts);
@@ -199,7 +196,7 @@ int saveAll(SavingRun &run, const std::vector<PhotoPath> &photos, const SaveOpti
     if (run.jobs < 1)
         return kSomethingFailed;
     const LocaleFormat locale;
-    PixelCache cache(0); // each photo is looked at once
+    PixelCache cache(0); // each photo is used once
     const qint64 memory = physicalMemoryBytes() / 2;
     ByteBudget budget(memory);
     const PhotoServices services{fonts, locale, cache, budget, ReadLimits{.maxBytes = memory}};
@@ -216,12 +213,12 @@ int saveAll(SavingRun &run, const std::vector<PhotoPath> &photos, const SaveOpti
     Saving saving(alerts);
     saving.saveImages(run, report);
     report.end();
-    saving.finishedSavingImages(); // all of it is printed already
+    saving.finishedSavingImages(); // the result is printed already
     return report.isComplete() ? kAllDone : kSomethingFailed;
 }
 
-/// The options for stored presets.
-/// @param quickOptions  those that make a watermark on the command line
+/// Declares the options for stored presets.
+/// @param quickOptions  the options that define a watermark on the command line
 void addPresetOptions(CLI::App &command, SaveOptions &options, const std::vector<CLI::Option *> &quickOptions)
 {
     auto *wPresets =
@@ -245,13 +242,52 @@ void addPresetOptions(CLI::App &command, SaveOptions &options, const std::vector
         apply->excludes(quickOption);
     }
     command
-        .add_option("--saving-presets", options.savingPresetsFile,
-                    "A file of saving presets, which say how copies are saved; default: your own presets")
+        .add_option(
+            "--saving-presets", options.savingPresetsFile,
+            "A file of saving presets, which define the names and the format of copies; default: your own "
+            "presets")
         ->check(somePath())
         ->type_name("FILE");
-    command.add_option("--saving-preset", options.savingPreset, "The name of the one for this run")
+    command.add_option("--saving-preset", options.savingPreset, "The name of the saving preset for this run")
         ->check(someText())
         ->type_name("NAME");
+}
+
+/// Declares the options for the places of the copies and for the run.
+void addCopyOptions(CLI::App &command, SaveOptions &options)
+{
+    auto *output = command
+                       .add_option("--output", options.output,
+                                   "The folder for the copies, created if missing; default: each copy "
+                                   "beside its original")
+                       ->check(somePath())
+                       ->type_name("DIR");
+    command
+        .add_option("--replicate-from", options.replicateFrom,
+                    "Recreate the folders below DIR in the folder for the copies")
+        ->check(somePath())
+        ->type_name("DIR")
+        ->needs(output);
+    command.add_flag("--combine", options.combine, "All watermarks on one copy, not a copy for each");
+    command.add_flag("--ignore-assigned", options.ignoreAssigned,
+                     "Ignore the saving presets that are assigned to watermarks");
+    command
+        .add_option(
+            "--conflict", options.conflict,
+            "The action if a file with the name of the copy exists: unique (default), overwrite, skip")
+        ->check(CLI::IsMember({"unique", "overwrite", "skip"}))
+        ->type_name("CHOICE");
+    command.add_flag("--no-creation-date", options.noCreationDate, "Do not copy the date of the originals");
+    command.add_option("--jobs", options.jobs, "Number of photos at a time; default: one for each core")
+        ->type_name("N")
+        ->check(CLI::Range(1, 256));
+    command.add_flag(
+        "--dry-run", options.dryRun,
+        "Print the planned copies and write nothing; reads only the headers of the photos, so a photo that "
+        "is damaged after its header is not reported");
+    command.add_flag("--json", options.json,
+                     "Print a JSON object for each copy, one a line; with --quiet for failed copies only");
+    command.add_flag("--quiet", options.quiet, "Print failures only");
 }
 
 } // namespace
@@ -274,43 +310,12 @@ CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options)
     addPresetOptions(*command, options, {text, image, set});
     command
         ->add_option("--save-set", options.savingFields,
-                     "Set how copies are saved, as in --save-set jpegQuality=90")
+                     "Set a field of the saving preset, as in --save-set jpegQuality=90")
         ->type_name("FIELD=VALUE")
         ->expected(1)
         ->take_all()
         ->allow_extra_args(false);
-    auto *output = command
-                       ->add_option("--output", options.output,
-                                    "The folder for the copies, made when it is not there; default: each "
-                                    "copy beside its original")
-                       ->check(somePath())
-                       ->type_name("DIR");
-    command
-        ->add_option("--replicate-from", options.replicateFrom,
-                     "Repeat the folders below DIR in the folder for the copies")
-        ->check(somePath())
-        ->type_name("DIR")
-        ->needs(output);
-    command->add_flag("--combine", options.combine, "All watermarks on one copy, not a copy for each");
-    command->add_flag("--ignore-assigned", options.ignoreAssigned,
-                      "Pass over the saving presets that watermarks bring with them");
-    command
-        ->add_option("--conflict", options.conflict,
-                     "What to do when a file of the copy's name exists: unique (default), overwrite, skip")
-        ->check(CLI::IsMember({"unique", "overwrite", "skip"}))
-        ->type_name("CHOICE");
-    command->add_flag("--no-creation-date", options.noCreationDate,
-                      "Do not give copies the date of their originals");
-    command->add_option("--jobs", options.jobs, "How many photos at once; default: one for each core")
-        ->type_name("N")
-        ->check(CLI::Range(1, 256));
-    command->add_flag(
-        "--dry-run", options.dryRun,
-        "Say what would be written, and write nothing; looks at the headers of the photos only, so "
-        "a photo that is damaged further on still fails in the run");
-    command->add_flag("--json", options.json,
-                      "Print an object for each copy, one a line; with --quiet for those that failed");
-    command->add_flag("--quiet", options.quiet, "Print failures only");
+    addCopyOptions(*command, options);
     command->add_option("PATH", options.paths, "Photos, and folders of them")->required();
     return command;
 }
@@ -333,7 +338,7 @@ int runSave(const SaveOptions &options)
         printLine(stderr,
                   onOneLine(QStringLiteral("plexa-cli: \"%1\": %2").arg(folder.path, folder.failure)));
     if (isInterrupted()) {
-        printLine(stderr, QStringLiteral("plexa-cli: stopped; no copy was begun"));
+        printLine(stderr, QStringLiteral("plexa-cli: stopped; no copy was started"));
         return kSomethingFailed;
     }
     if (search->photos.empty())

@@ -14,7 +14,7 @@ class App;
 namespace plexa
 {
 
-/// What stands on the command line of "plexa-cli save".
+/// The command line of "plexa-cli save".
 struct SaveOptions {
     std::optional<std::string> text;
     std::string image;

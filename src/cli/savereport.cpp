@@ -33,7 +33,7 @@ QString nameOf(Status status)
     return QStringLiteral("failed");
 }
 
-/// What is done about a file of the same name; empty when there is none.
+/// The treatment of an existing file of the same name; empty when there is none.
 QString nameOf(Conflict conflict)
 {
     switch (conflict) {
@@ -108,7 +108,7 @@ bool isWithoutWatermark(const SavingOutput &output)
     return output.status == Status::Written && !output.report.isMarked;
 }
 
-/// @param isOneOfSeveral  is the copy's watermark one of those of the run, which has to be told apart?
+/// @param isOneOfSeveral  does the run have other watermarks?
 QString withoutWatermark(const SavingOutput &output, bool isOneOfSeveral)
 {
     QString what = QStringLiteral("it");
@@ -140,7 +140,7 @@ void SaveReport::copyFinished(const SavingOutput &output)
     else if (!m_form.quiet && isWithoutWatermark(output))
         printAbout(output.sourcePath, withoutWatermark(output, m_form.hasSeveralWatermarks));
 
-    // The line for programs says it itself.
+    // The JSON line contains it.
     if (!m_form.quiet && !m_form.json && !output.report.dropped.isEmpty())
         printAbout(output.sourcePath,
                    QStringLiteral("the copy leaves out: ") + output.report.dropped.join(QLatin1String(", ")));
@@ -159,7 +159,7 @@ void SaveReport::end()
     if (m_failures > 0)
         printLine(stderr, QStringLiteral("plexa-cli: %1 of %2 copies failed").arg(m_failures).arg(m_copies));
     if (m_copies < m_maximum)
-        printLine(stderr, QStringLiteral("plexa-cli: stopped; %1 of %2 copies were not begun")
+        printLine(stderr, QStringLiteral("plexa-cli: stopped; %1 of %2 copies were not started")
                               .arg(m_maximum - m_copies)
                               .arg(m_maximum));
 }

@@ -10,14 +10,14 @@
 namespace plexa
 {
 
-/// Tells how a run goes: results on standard output, messages and progress on standard error.
+/// Reports a run: results on standard output, messages and progress on standard error.
 class SaveReport final : public SavingObserver
 {
 public:
     struct Form {
         bool json = false;
         bool quiet = false;                ///< failures only
-        bool hasSeveralWatermarks = false; ///< messages on one say which
+        bool hasSeveralWatermarks = false; ///< messages name the watermark
     };
 
     explicit SaveReport(Form form);
@@ -25,10 +25,10 @@ public:
     void begun(qint64 maximum, const QString &message) override;
     void copyFinished(const SavingOutput &output) override;
 
-    /// Takes the progress away, and sums up what failed or was not begun.
+    /// Removes the progress bar and prints the numbers of failed and missing copies.
     void end();
 
-    /// Were all copies begun, and did none fail?
+    /// Were all copies started, and did none fail?
     bool isComplete() const { return m_failures == 0 && m_copies == m_maximum; }
 
 private:

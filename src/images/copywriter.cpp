@@ -9,7 +9,6 @@
 #include "platform/applicationname.h"
 #include "platform/filetimes.h"
 #include "watermark/texttokens.h"
-#include "watermark/watermarkdrawing.h"
 
 #include <algorithm>
 #include <new>
@@ -46,7 +45,7 @@ Result<Drawings> prepareMarks(const CopyOrder &order, const PhotoFacts &facts, c
     Drawings drawings;
     for (const MarkOrder &mark : order.marks) {
         Result<std::optional<WatermarkDrawing>> drawing =
-            WatermarkDrawing::prepare(mark.values, facts, services.fonts, mark.customOrigin);
+            WatermarkDrawing::prepare(mark, facts, services.fonts, {.isCanceled = order.isCancelled});
         if (!drawing)
             return tl::unexpected(drawing.error());
         report.rects.push_back(*drawing ? std::optional((*drawing)->layout().rect) : std::nullopt);

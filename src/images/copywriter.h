@@ -7,7 +7,7 @@
 #include "metadata/imagemetadata.h"
 #include "platform/atomicfile.h"
 #include "platform/fileversion.h"
-#include "watermark/wpresetvalues.h"
+#include "watermark/watermarkdrawing.h"
 
 #include <QPointF>
 #include <QRectF>
@@ -18,12 +18,6 @@
 
 namespace plexa
 {
-
-/// A watermark to be drawn on a copy.
-struct MarkOrder {
-    WPresetValues values;
-    std::optional<QPointF> customOrigin; ///< photo pixels, origin at the bottom left
-};
 
 /// Where a copy goes.
 struct CopyTarget {

@@ -64,9 +64,4 @@ QString outOfMemoryText()
     return QStringLiteral("there is not enough memory for the picture");
 }
 
-QString cancelledText()
-{
-    return QStringLiteral("the work was stopped");
-}
-
 } // namespace plexa

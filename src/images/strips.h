@@ -3,6 +3,7 @@
 #pragma once
 
 #include "imageio/base/rowstream.h"
+#include "platform/cancelcheck.h"
 
 #include <QImage>
 
@@ -14,9 +15,6 @@ namespace plexa
 /// What a strip is used for: it holds the picture's rows from `firstRow` on, `count` of them. A failure ends
 /// the walk and becomes its result. The strip may be drawn on; it is not shared.
 using StripVisitor = std::function<Result<void>(QImage &strip, int firstRow, int count)>;
-
-/// Says whether the work should stop; may be empty.
-using CancelCheck = std::function<bool()>;
 
 /// Reads a picture from the top down, a few rows at a time: enough to keep codecs busy, few enough to stay in
 /// the processor's cache.
@@ -32,8 +30,5 @@ QImage blankPicture(QSize size, QImage::Format format);
 
 /// The reason given where a picture finds no room.
 QString outOfMemoryText();
-
-/// The reason given where the work was stopped.
-QString cancelledText();
 
 } // namespace plexa

@@ -13,7 +13,7 @@ namespace plexa
 namespace
 {
 
-/// The longer side of the pixels that stand beside a drawing.
+/// The longer side of the pixels of a drawing.
 constexpr double kDrawingSide = 2048;
 
 } // namespace

@@ -8,8 +8,8 @@
 namespace plexa
 {
 
-/// A picture that comes from no archive as it is archived: pixels as a TIFF file, with alpha where they have
-/// it; a drawing with pixels beside it for programs that know no drawings.
+/// The archived form of a picture that was not read from an archive: its pixels as a TIFF file, with alpha if
+/// they have it; for an SVG drawing also the drawing, the pixels being for programs without SVG.
 [[nodiscard]] Result<ArchivedImage> archivedImage(const WatermarkPicture &picture);
 
 } // namespace plexa

@@ -14,7 +14,7 @@ namespace
 
 bool haveSameContents(const QString &path, const QString &other)
 {
-    // Opening a pipe would wait for its other end, while everybody else waits for the folder.
+    // Opening a pipe would block, and the folder with it.
     if (!QFileInfo(path).isFile() || !QFileInfo(other).isFile())
         return false;
     QFile a(path);
@@ -28,12 +28,12 @@ bool moveOrBackupPreviousVersionConfigFile(const QString &name, const QString &f
     const QString oldPath = from + u'/' + name;
     if (!QFileInfo::exists(oldPath))
         return true;
-    if (!QFileInfo(oldPath).isFile()) // copying reads it to its end, which a pipe has not
+    if (!QFileInfo(oldPath).isFile()) // a pipe has no end to copy to
         return false;
     const QFileInfo info(name);
     const QString backup =
         QStringLiteral("%1/%2 - older backup.%3").arg(to, info.completeBaseName(), info.suffix());
-    // The copy may be there from a start that did not get further.
+    // The copy may exist since an interrupted start.
     if (!QFile::copy(oldPath, backup) && !haveSameContents(oldPath, backup))
         return false;
     const QString newPath = to + u'/' + name;
@@ -53,7 +53,7 @@ void updateOldApplicationSupportDirectoryIfNeeded(const QString &supportFolder)
         if (!moveOrBackupPreviousVersionConfigFile(QLatin1StringView(name), oldFolder, supportFolder))
             return;
     }
-    // A link is not the folder; what it leads to belongs to somebody else.
+    // The target of a link belongs to another program or user.
     if (QFileInfo(oldFolder).isSymLink())
         QFile::remove(oldFolder);
     else

@@ -7,11 +7,11 @@
 namespace plexa
 {
 
-/// Takes over the preset files of the program's first major version, whose folder was called "Quorvel Plexa
-/// 1". Each file is copied to "NAME - older backup" in the support folder, and moved there itself where there
-/// is none of its name; when all went well, the old folder is deleted with what remains in it. Interrupted,
-/// or stopped by what is no regular file or cannot be copied, it goes on the next time.
-/// @param supportFolder  "BASE/maker/program"; the old folder is looked for in BASE
+/// Adopts the preset files of the program's first major version from the folder "Quorvel Plexa 1". Each file
+/// is copied to "NAME - older backup" in the support folder, and moved there if the folder has no file of its
+/// name. After that the old folder is deleted with its other files. A file that is not regular or cannot be
+/// copied stops the migration; like an interrupted one, it continues at the next start.
+/// @param supportFolder  "BASE/maker/program"; the old folder is in BASE
 void updateOldApplicationSupportDirectoryIfNeeded(const QString &supportFolder);
 
 } // namespace plexa

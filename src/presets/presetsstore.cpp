@@ -7,8 +7,8 @@
 #include "platform/atomicfile.h"
 #include "platform/folderlock.h"
 #include "platform/leftovers.h"
+#include "presets/presetsfilereading.h"
 #include "presets/presetsmigration.h"
-#include "presets/wpresetarchive.h"
 
 #include <QDebug>
 #include <QFileInfo>
@@ -24,11 +24,6 @@ const QString kQuickName = QStringLiteral("Quick Preset");
 constexpr int kMaxBackups = 1000;
 constexpr qsizetype kMostReasons = 3; // in one message
 constexpr qsizetype kLongestReason = 300;
-
-QString appID()
-{
-    return applicationNameWithCompany(true, false, true);
-}
 
 QString extensionOf(PresetsStore::Kind kind)
 {
@@ -59,15 +54,15 @@ QString backupPath(const QString &path, int number = 1)
         .arg(info.path(), info.completeBaseName(), suffix, info.suffix());
 }
 
-Result<void> logged(Result<void> &&written)
+Result<void> logged(Result<void> saved)
 {
-    if (!written)
+    if (!saved)
         qCritical().noquote()
-            << QStringLiteral("ERROR: the presets are not saved: %1").arg(written.error().text);
-    return std::move(written);
+            << QStringLiteral("ERROR: the presets are not saved: %1").arg(saved.error().text);
+    return saved;
 }
 
-/// As many of the reasons as a message has room for.
+/// The first reasons, shortened to fit into a message.
 QString inShort(QStringList reasons)
 {
     const qsizetype more = reasons.size() - kMostReasons;
@@ -88,37 +83,61 @@ QString unkept(const QStringList &reasons)
         .arg(inShort(reasons));
 }
 
-template<class List>
-void append(List &list, const List &more)
-{
-    list.insert(list.end(), more.begin(), more.end());
-}
-
 } // namespace
-
-struct PresetsStore::Reading {
-    ReadCode code = ReadCode::Failed;
-    bool hasList = false;
-    bool isLater = false; ///< a later version of the program wrote the file, whatever the code says
-    QStringList faults;   ///< what of the file could not be read
-    WPresetList wPresets;
-    SavingPresetList savingPresets;
-};
 
 PresetsStore::Places PresetsStore::Places::own()
 {
     return {applicationSupportSubdirectory(), QStringLiteral(":/plexa/presets")};
 }
 
-PresetsStore::PresetsStore(Alerts &alerts, const FontCatalog &fonts, Places places)
+PresetsStore::PresetsStore(Alerts &alerts, const FontCatalog &fonts, Places places,
+                           std::chrono::milliseconds saveDelay)
     : m_alerts(alerts)
     , m_fonts(fonts)
     , m_places(std::move(places))
+    , m_wPresets([&fonts] { return std::make_shared<WPreset>(fonts); })
+    , m_savingPresets([] { return std::make_shared<SavingPreset>(); })
     , m_quickWPreset(std::make_shared<WPreset>(fonts))
     , m_quickSavingPreset(std::make_shared<SavingPreset>())
 {
     m_quickWPreset->setName(kQuickName);
     m_quickSavingPreset->setName(kQuickName);
+    m_saveTimer.setSingleShot(true);
+    m_saveTimer.setInterval(saveDelay);
+    connect(&m_saveTimer, &QTimer::timeout, this, &PresetsStore::saveChangedLists);
+    observe(Kind::Watermark, m_wPresets);
+    observe(Kind::Saving, m_savingPresets);
+    connect(&m_savingPresets, &PresetListSignals::aboutToRemove, this, &PresetsStore::removeAssignments);
+}
+
+void PresetsStore::observe(Kind kind, PresetListSignals &list)
+{
+    const auto changed = [this, kind] { listChanged(kind); };
+    connect(&list, &PresetListSignals::inserted, this, changed);
+    connect(&list, &PresetListSignals::removed, this, changed);
+    connect(&list, &PresetListSignals::moved, this, changed);
+    connect(&list, &PresetListSignals::edited, this, changed);
+}
+
+void PresetsStore::listChanged(Kind kind)
+{
+    listState(kind).isChanged = true;
+    if (!m_saveTimer.isActive()) // restarting it would postpone the saving of a list that is edited steadily
+        m_saveTimer.start();
+}
+
+/// @param first,last  rows of saving presets that are about to be removed
+void PresetsStore::removeAssignments(int first, int last)
+{
+    WPresetList presets = wPresets();
+    presets.push_back(m_quickWPreset);
+    for (int row = first; row <= last; ++row) {
+        const qint64 presetID = savingPresets()[static_cast<std::size_t>(row)]->presetID();
+        for (const auto &preset : presets) {
+            if (preset->assignedSavingPreset() && preset->assignedSavingPreset()->presetID() == presetID)
+                preset->setAssignedSavingPreset({});
+        }
+    }
 }
 
 QString PresetsStore::presetsFileNameForWatermark(Kind kind, Slot slot) const
@@ -145,40 +164,14 @@ void PresetsStore::readAll()
     }
 }
 
-PresetsStore::Reading PresetsStore::readFile(const QString &path, Kind kind) const
+PresetsFileReading PresetsStore::readFile(const QString &path, Kind kind) const
 {
-    Reading reading;
-    if (kind == Kind::Saving) {
-        const auto note = [&reading](const QByteArray &line) {
-            XMLParser::writeErrorLine(line);
-            QByteArrayView fault = line;
-            constexpr QByteArrayView start = "ERROR:";
-            if (fault.startsWith(start))
-                fault = fault.sliced(start.size());
-            reading.faults.append(QString::fromUtf8(fault).simplified());
-        };
-        auto list = SavingPreset::readObjectsFromFile(path, appID(), reading.code, note, &reading.isLater);
-        reading.hasList = list.has_value();
-        reading.savingPresets = std::move(list).value_or(SavingPresetList());
-        return reading;
-    }
-    auto list = readWPresetsFromFile(
-        path, &reading.isLater, [this](qint64 presetID) { return savingPresetWithID(presetID); },
-        &reading.faults);
-    if (!list)
-        reading.faults = {list.error().text};
-    for (const QString &fault : std::as_const(reading.faults))
-        qCritical().noquote() << QStringLiteral("ERROR: \"%1\": %2").arg(path, fault);
-    reading.hasList = list.has_value();
-    if (reading.isLater)
-        reading.code = ReadCode::LaterVersion;
-    else if (list)
-        reading.code = ReadCode::Success;
-    reading.wPresets = std::move(list).value_or(WPresetList());
-    return reading;
+    if (kind == Kind::Saving)
+        return readSavingPresetsFile(path);
+    return readWPresetsFile(path, [this](qint64 presetID) { return savingPresetWithID(presetID); });
 }
 
-bool PresetsStore::makeListFromExamples(Kind kind) const
+bool PresetsStore::createListFromExamples(Kind kind) const
 {
     QFile example(exampleFile(kind, m_places));
     if (!example.open(QIODevice::ReadOnly))
@@ -194,12 +187,12 @@ bool PresetsStore::makeListFromExamples(Kind kind) const
 bool PresetsStore::readPresets(Kind kind, Slot slot)
 {
     const QString path = presetsFileNameForWatermark(kind, slot);
-    Reading reading;
+    PresetsFileReading reading;
     QString warning;
     {
-        // Others must not save between our finding a file bad and our moving it.
+        // No other process may save between the reading of a bad file and its move.
         const FolderLock lock(m_places.supportFolder);
-        if (!QFileInfo::exists(path) && (slot == Slot::Quick || !makeListFromExamples(kind)))
+        if (!QFileInfo::exists(path) && (slot == Slot::Quick || !createListFromExamples(kind)))
             return false;
         reading = readFile(path, kind);
         const bool isUnreadable = reading.code != ReadCode::Success;
@@ -213,8 +206,11 @@ bool PresetsStore::readPresets(Kind kind, Slot slot)
     const bool isGood = reading.hasList && reading.code == ReadCode::Success;
     if (kind == Kind::Saving && slot == Slot::List)
         setSavingPresetsInFile(reading.savingPresets);
-    if (isGood || (reading.hasList && slot == Slot::List))
-        take(reading, kind, slot);
+    if (isGood || (reading.hasList && slot == Slot::List)) {
+        const bool wasChanged = listState(kind).isChanged;
+        adopt(reading, kind, slot);
+        listState(kind).isChanged = wasChanged;
+    }
     return isGood;
 }
 
@@ -236,8 +232,8 @@ PresetsStore::Found &PresetsStore::found(Kind kind, Slot slot)
     return m_found[static_cast<std::size_t>(kind)][static_cast<std::size_t>(slot)];
 }
 
-/// Keeps what would get lost when the file is written now. One that a read left in place, as quick presets
-/// are, or because an earlier one has its place aside, gets another name.
+/// Backs up a file whose contents would be lost when it is written now: one that reading left in its place (a
+/// quick preset, or a list whose backup has an earlier backup's name), and one that was read in part.
 Result<void> PresetsStore::makeRoomForFile(Kind kind, Slot slot)
 {
     const QString path = presetsFileNameForWatermark(kind, slot);
@@ -248,40 +244,37 @@ Result<void> PresetsStore::makeRoomForFile(Kind kind, Slot slot)
         const QString backup = backupPath(path, number);
         if (QFile::copy(path, backup)) {
             file.isPartlyRead = false;
-            qWarning().noquote()
-                << QStringLiteral("\"%1\" is kept as \"%2\": it holds more than is saved").arg(path, backup);
+            qWarning().noquote() << QStringLiteral(
+                                        "\"%1\" is backed up as \"%2\": it contains more than is saved")
+                                        .arg(path, backup);
         } else if (!QFileInfo::exists(path)) {
             file.isPartlyRead = false;
         } else if (!QFileInfo::exists(backup)) {
-            break; // no room, or no right to write: the next name would do no better
+            break; // disk full or access denied: another name would fail, too
         }
     }
     if (file.isPartlyRead)
-        return fail(tr("\"%1\" cannot be copied aside").arg(path));
+        return fail(tr("\"%1\" cannot be backed up").arg(path));
     return {};
 }
 
-/// The list without what no file can hold, which is said once.
-SavingPresetList PresetsStore::writableSavingPresets()
+/// The list without the presets that no file can hold.
+/// @param news  gets the reasons that the user does not know yet
+SavingPresetList PresetsStore::writableSavingPresets(QStringList &news)
 {
     SavingPresetList list;
-    QStringList news;
-    for (const auto &preset : m_savingPresets) {
-        const Result<void> checked = preset->checkWritable();
-        if (checked) {
+    for (const auto &preset : savingPresets()) {
+        const qint64 presetID = preset->presetID();
+        if (const Result<void> checked = preset->checkWritable(); checked) {
             list.push_back(preset);
-            continue;
+            m_toldUnwritable.remove(presetID);
+        } else {
+            if (m_savingPresetsInFile.contains(presetID))
+                found(Kind::Saving, Slot::List).isPartlyRead = true;
+            if (!m_toldUnwritable.contains(presetID))
+                news.append(checked.error().text);
+            m_toldUnwritable.insert(presetID);
         }
-        if (m_savingPresetsInFile.contains(preset->presetID()))
-            found(Kind::Saving, Slot::List).isPartlyRead = true;
-        if (!m_toldUnwritable.contains(checked.error().text)) {
-            m_toldUnwritable.insert(checked.error().text);
-            news.append(checked.error().text);
-        }
-    }
-    if (!news.isEmpty()) {
-        qCritical().noquote() << QStringLiteral("ERROR: presets are left out: %1").arg(inShort(news));
-        warn(tr("Cannot save all presets"), unkept(news));
     }
     return list;
 }
@@ -293,7 +286,7 @@ void PresetsStore::setSavingPresetsInFile(const SavingPresetList &presets)
         m_savingPresetsInFile.insert(preset->presetID());
 }
 
-void PresetsStore::take(const Reading &reading, Kind kind, Slot slot)
+void PresetsStore::adopt(const PresetsFileReading &reading, Kind kind, Slot slot)
 {
     const bool isEmpty = kind == Kind::Watermark ? reading.wPresets.empty() : reading.savingPresets.empty();
     if (isEmpty)
@@ -302,50 +295,84 @@ void PresetsStore::take(const Reading &reading, Kind kind, Slot slot)
         m_quickWPreset = reading.wPresets.front();
         Q_EMIT quickWPresetChanged();
     } else if (kind == Kind::Watermark) {
-        append(m_wPresets, reading.wPresets);
-        Q_EMIT wPresetsChanged();
+        m_wPresets.append(reading.wPresets);
     } else if (slot == Slot::Quick) {
         m_quickSavingPreset = reading.savingPresets.front();
         Q_EMIT quickSavingPresetChanged();
     } else {
-        append(m_savingPresets, reading.savingPresets);
-        Q_EMIT savingPresetsChanged();
+        m_savingPresets.append(reading.savingPresets);
     }
+}
+
+/// @param write  writes the file
+Result<void> PresetsStore::save(Kind kind, Slot slot, const std::function<Result<void>()> &write)
+{
+    Result<void> saved;
+    {
+        const FolderLock lock(m_places.supportFolder);
+        saved = makeRoomForFile(kind, slot).and_then(write);
+    }
+    if (slot == Slot::List)
+        listState(kind) = {!saved, !saved};
+    return logged(std::move(saved));
 }
 
 Result<void> PresetsStore::saveWPresets(Slot slot)
 {
-    const QString path = presetsFileNameForWatermark(Kind::Watermark, slot);
-    const FolderLock lock(m_places.supportFolder);
-    return logged(makeRoomForFile(Kind::Watermark, slot).and_then([&] {
-        return writeWPresets(slot == Slot::Quick ? WPresetList{m_quickWPreset} : m_wPresets, path);
-    }));
+    return save(Kind::Watermark, slot, [this, slot] {
+        return writeWPresets(slot == Slot::Quick ? WPresetList{m_quickWPreset} : wPresets(),
+                             presetsFileNameForWatermark(Kind::Watermark, slot));
+    });
 }
 
 Result<void> PresetsStore::saveSavingPresets(Slot slot)
 {
-    const QString path = presetsFileNameForWatermark(Kind::Saving, slot);
-    // Before the folder is locked, and before a file is moved for one that is not written.
-    const SavingPresetList list =
-        slot == Slot::Quick ? SavingPresetList{m_quickSavingPreset} : writableSavingPresets();
+    // Checked before the former file is moved.
     if (slot == Slot::Quick) {
         if (Result<void> checked = m_quickSavingPreset->checkWritable(); !checked)
             return logged(std::move(checked));
     }
-    const FolderLock lock(m_places.supportFolder);
-    Result<void> saved = makeRoomForFile(Kind::Saving, slot).and_then([&] {
-        return SavingPreset::writeObjects(list, path, appID());
+    QStringList news;
+    const SavingPresetList list =
+        slot == Slot::Quick ? SavingPresetList{m_quickSavingPreset} : writableSavingPresets(news);
+    Result<void> saved = save(Kind::Saving, slot, [&] {
+        return SavingPreset::writeObjects(list, presetsFileNameForWatermark(Kind::Saving, slot),
+                                          presetsApplicationID());
     });
     if (saved && slot == Slot::List)
         setSavingPresetsInFile(list);
-    return logged(std::move(saved));
+    // Last, because the user may edit the list while the message is shown.
+    if (!news.isEmpty()) {
+        qCritical().noquote() << QStringLiteral("ERROR: presets are left out: %1").arg(inShort(news));
+        warn(tr("Cannot save all presets"), unkept(news));
+    }
+    return saved;
+}
+
+void PresetsStore::saveChangedLists()
+{
+    m_saveTimer.stop();
+    for (const Kind kind : {Kind::Saving, Kind::Watermark}) {
+        const ListState before = listState(kind);
+        if (!before.isChanged)
+            continue;
+        const Result<void> saved =
+            kind == Kind::Saving ? saveSavingPresets(Slot::List) : saveWPresets(Slot::List);
+        if (!saved && !before.isFailureTold)
+            warn(tr("Cannot save the presets"), unsavedText(saved.error()));
+    }
+}
+
+QString PresetsStore::unsavedText(const Error &error)
+{
+    return tr("Your preset changes will be lost when you quit: %1.").arg(error.text);
 }
 
 std::optional<PresetsStore::Imported> PresetsStore::importPresetsFromFile(const QString &path, Kind kind)
 {
     const qint64 lastUsedPresetID = SavingPreset::lastUsedPresetID();
-    const Reading reading = readFile(path, kind);
-    // The IDs of the file are those of somebody else's list.
+    const PresetsFileReading reading = readFile(path, kind);
+    // The IDs in the file belong to another list.
     SavingPreset::setLastUsedPresetID(lastUsedPresetID);
     if (!reading.hasList || reading.code != ReadCode::Success) {
         warn(tr("Presets import failed"),
@@ -359,12 +386,12 @@ std::optional<PresetsStore::Imported> PresetsStore::importPresetsFromFile(const 
         preset->selfAssignNewID();
         if (const Result<void> checked = preset->checkWritable(); !checked) {
             unwritable.append(checked.error().text);
-            m_toldUnwritable.insert(checked.error().text);
+            m_toldUnwritable.insert(preset->presetID());
         }
     }
     for (const auto &preset : reading.wPresets)
         preset->setAssignedSavingPreset({});
-    take(reading, kind, Slot::List);
+    adopt(reading, kind, Slot::List);
     Imported imported{static_cast<int>(reading.wPresets.size() + reading.savingPresets.size()), {}};
     if (reading.isLater)
         imported.notes.append(tr("A later application version has written the file; what that version added "
@@ -385,8 +412,7 @@ void PresetsStore::saveQuickAsWPreset()
 {
     std::shared_ptr<WPreset> copy = m_quickWPreset->copy();
     copy->setName(QStringLiteral("Saved Quick Preset"));
-    m_wPresets.push_back(std::move(copy));
-    Q_EMIT wPresetsChanged();
+    m_wPresets.append({std::move(copy)});
 }
 
 void PresetsStore::loadWPreset(const WPreset &preset)
@@ -400,23 +426,11 @@ void PresetsStore::loadWPreset(const WPreset &preset)
 
 std::shared_ptr<SavingPreset> PresetsStore::savingPresetWithID(qint64 presetID) const
 {
-    for (const auto &preset : m_savingPresets) {
+    for (const auto &preset : savingPresets()) {
         if (preset->presetID() == presetID)
             return preset;
     }
     return nullptr;
-}
-
-void PresetsStore::setWPresets(WPresetList presets)
-{
-    m_wPresets = std::move(presets);
-    Q_EMIT wPresetsChanged();
-}
-
-void PresetsStore::setSavingPresets(SavingPresetList presets)
-{
-    m_savingPresets = std::move(presets);
-    Q_EMIT savingPresetsChanged();
 }
 
 void PresetsStore::warn(const QString &title, const QString &text)

@@ -14,7 +14,7 @@ namespace
 struct SavingFormat {
     QString name;
     QString type;
-    // Fewer than the suffixes by which a format is recognised: "photo.jfif" becomes "photo.jpg".
+    // Fewer than the suffixes by which a format is recognized: "photo.jfif" becomes "photo.jpg".
     QStringList extensions;
 };
 
@@ -60,10 +60,14 @@ QString originalFormatName()
 
 QStringList savingFormatNames()
 {
+    return savingFormatNamesWithoutOriginal() << originalFormatName();
+}
+
+QStringList savingFormatNamesWithoutOriginal()
+{
     QStringList names;
     for (const SavingFormat &format : writableFormats())
         names.append(format.name);
-    names.append(originalFormatName());
     return names;
 }
 

@@ -8,25 +8,26 @@
 namespace plexa
 {
 
-// The formats in which saving presets can write a copy. Those that this build cannot write do not exist here.
+// The formats in which saving presets can write a copy. Formats that this build cannot write are absent.
 // Types are MIME names ("image/jpeg").
 
-/// The name that stands for the format of the source.
+/// The name that represents the format of the source.
 QString originalFormatName();
 
 /// The names that a preset's format may have, "Original" the last; their order is the order of menus and of
 /// the numbers in old preset files.
 QStringList savingFormatNames();
 
-/// The type of a file-name suffix or of a format's name, in any letter case; empty when it is none of these
-/// formats.
+/// The names that a preset's alternative format may have.
+QStringList savingFormatNamesWithoutOriginal();
+
+/// The type of a file-name suffix or of a format's name, in any letter case; empty for other texts.
 QString savingTypeForExtension(const QString &extension);
 
 /// Is this the type of one of these formats?
 bool isSavingType(const QString &type);
 
-/// The suffixes that name files of that type, the one to be written first; empty when it is none of these
-/// formats.
+/// The suffixes of files of that type, the written one first; empty for other types.
 QStringList savingExtensionsOfType(const QString &type);
 
 } // namespace plexa

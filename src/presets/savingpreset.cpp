@@ -24,13 +24,13 @@ const QString kRootElement = QStringLiteral("savingPresets");
 const QString kFileVersion = QStringLiteral("1.4");
 constexpr double kSupportedVersion = 1.4;
 
-// A little below the versions that they stand for, which no binary fraction is equal to.
+// A little below the versions 1.1, 1.3 and 1.4, which no binary fraction equals.
 constexpr double kWithTiffCompression = 1.099;
 constexpr double kWithCases = 1.299;
 constexpr double kWithFormatNames = 1.399;
 
-// Greater IDs, which only a damaged file has, are not counted on from: there would soon be no next one. Nor
-// will it ever be their turn, so no other preset gets them either.
+// Greater IDs, which only a damaged file has, do not raise the counter: it would soon overflow. The counter
+// never reaches them, so no other preset gets them.
 constexpr qint64 kHighestCountedID = std::numeric_limits<qint64>::max() - (qint64(1) << 32);
 
 void raiseTo(std::atomic<qint64> &highest, qint64 presetID)
@@ -42,127 +42,143 @@ void raiseTo(std::atomic<qint64> &highest, qint64 presetID)
     }
 }
 
-bool readText(const XMLParser::Element &element, QString &text)
+bool isFormat(const SavingPresetField &field)
 {
-    if (!element.text().isValidUtf8()) {
-        element.report("the text of the element \"" + element.name() + "\" is not UTF-8");
-        return false;
-    }
-    text = QString::fromUtf8(element.text());
-    return true;
+    return field.id == SavingField::ImageFormat || field.id == SavingField::AlternativeImageFormat;
 }
 
-bool readOptionalText(const XMLParser::Element &preset, const char *name, QString &text)
+bool isCase(const SavingPresetField &field)
 {
-    const XMLParser::Element *element = preset.subelement(name);
-    return !element || readText(*element, text);
+    return field.id == SavingField::FileBaseNameCase || field.id == SavingField::FileExtensionCase;
 }
 
-const XMLParser::Element *requiredElement(const XMLParser::Element &preset, const char *name)
+/// Do files of that version contain the field?
+bool isStored(const SavingPresetField &field, double fileVersion)
+{
+    if (field.id == SavingField::TiffCompressionLZW)
+        return fileVersion > kWithTiffCompression;
+    return !isCase(field) || fileVersion > kWithCases;
+}
+
+bool isRequired(const SavingPresetField &field, double fileVersion)
+{
+    return !isCase(field) && (!isFormat(field) || fileVersion <= kWithFormatNames);
+}
+
+using MaybeValue = std::optional<FieldValue>;
+
+const XMLParser::Element *requiredElement(const XMLParser::Element &preset, QByteArrayView name)
 {
     const XMLParser::Element *element = preset.subelement(name);
     if (!element)
-        preset.report("the preset has no element \"" + QByteArray(name) + '"');
+        preset.report("the preset has no element \"" + name.toByteArray() + '"');
     return element;
 }
 
-bool readTokens(const XMLParser::Element &filename, QStringList &tokens)
+MaybeValue readText(const XMLParser::Element &element)
 {
-    tokens.clear();
+    if (element.text().isValidUtf8())
+        return QString::fromUtf8(element.text());
+    element.report("the text of the element \"" + element.name() + "\" is not UTF-8");
+    return std::nullopt;
+}
+
+MaybeValue readTokens(const XMLParser::Element &filename)
+{
+    QStringList tokens;
     for (qsizetype i = 0; i < filename.subelementCount(); ++i) {
-        QString token;
-        if (!readText(*filename.subelement(i), token))
-            return false;
-        tokens.append(token);
+        const MaybeValue token = readText(*filename.subelement(i));
+        if (!token)
+            return std::nullopt;
+        tokens.append(std::get<QString>(*token));
     }
-    return true;
+    return tokens;
 }
 
 /// Older files number the formats.
-bool readFormatNumber(const XMLParser::Element &preset, const char *name, QString &format)
+MaybeValue readFormatNumber(const XMLParser::Element &element)
 {
-    const XMLParser::Element *element = requiredElement(preset, name);
-    if (!element)
-        return false;
     const QStringList formats = savingFormatNames();
-    const qint64 number = leadingInteger(element->text());
-    if (number < 0 || number >= formats.size()) {
-        preset.report("there is no format number " + QByteArray::number(number));
-        return false;
-    }
-    format = formats.at(number);
-    return true;
+    const qint64 number = leadingInteger(element.text());
+    if (number >= 0 && number < formats.size())
+        return formats.at(number);
+    element.report("there is no format number " + QByteArray::number(number));
+    return std::nullopt;
 }
 
-bool readFormats(const XMLParser::Element &preset, double fileVersion, SavingPresetValues &values)
+MaybeValue readValue(const SavingPresetField &field, const XMLParser::Element &element, double fileVersion)
 {
-    if (fileVersion > kWithFormatNames)
-        return readOptionalText(preset, "format", values.imageFormat) &&
-               readOptionalText(preset, "alternativeFormat", values.alternativeImageFormat);
-    return readFormatNumber(preset, "format", values.imageFormat) &&
-           readFormatNumber(preset, "alternativeFormat", values.alternativeImageFormat);
-}
-
-bool readQuality(const XMLParser::Element &preset, int &quality)
-{
-    const XMLParser::Element *element = requiredElement(preset, "quality");
-    if (!element)
-        return false;
     constexpr double lowest = std::numeric_limits<int>::min();
     constexpr double highest = std::numeric_limits<int>::max();
-    quality = static_cast<int>(std::clamp(leadingDecimal(element->text()), lowest, highest));
-    return true;
+    switch (field.kind) {
+    case FieldKind::Strings:
+        return readTokens(element);
+    case FieldKind::Integer:
+        return WholeNumber(static_cast<int>(std::clamp(leadingDecimal(element.text()), lowest, highest)));
+    case FieldKind::Boolean:
+        // Only a zero that ends its line means false. A bare zero, as it is written, was always read as true.
+        return !element.text().startsWith("0\n");
+    default:
+        return isFormat(field) && fileVersion <= kWithFormatNames ? readFormatNumber(element)
+                                                                  : readText(element);
+    }
 }
 
-bool readTiffCompression(const XMLParser::Element &preset, bool &isOn)
+bool readField(const SavingPresetField &field, const XMLParser::Element &preset, double fileVersion,
+               SavingPresetValues &values)
 {
-    const XMLParser::Element *element = requiredElement(preset, "tiffCompressionLZW");
+    if (!isStored(field, fileVersion))
+        return true;
+    const XMLParser::Element *element = isRequired(field, fileVersion)
+                                            ? requiredElement(preset, field.xmlElement)
+                                            : preset.subelement(field.xmlElement);
     if (!element)
-        return false;
-    // Only a zero that ends its line counts as off. Files with a bare zero, as they are written, have always
-    // been read as on.
-    isOn = !element->text().startsWith("0\n");
-    return true;
+        return !isRequired(field, fileVersion);
+    const MaybeValue value = readValue(field, *element, fileVersion);
+    if (value)
+        field.setValue(values, *value);
+    return value.has_value();
 }
 
-bool readValues(const XMLParser::Element &preset, double fileVersion, SavingPresetValues &values)
-{
-    const XMLParser::Element *name = requiredElement(preset, "name");
-    if (!name || !readText(*name, values.name))
-        return false;
-    const XMLParser::Element *filename = requiredElement(preset, "filename");
-    if (!filename || !readTokens(*filename, values.filenameTokens))
-        return false;
-    if (fileVersion > kWithCases &&
-        !(readOptionalText(preset, "fileExtensionCase", values.fileExtensionCase) &&
-          readOptionalText(preset, "fileBaseNameCase", values.fileBaseNameCase)))
-        return false;
-    if (!readFormats(preset, fileVersion, values) || !readQuality(preset, values.jpegQuality))
-        return false;
-    return fileVersion <= kWithTiffCompression || readTiffCompression(preset, values.tiffCompressionLZW);
-}
-
-/// The value as it is written, with no references. No value that means anything holds markup; one that does,
-/// out of a damaged file, would make the written file unreadable.
-QString writable(const QString &value, const QString &initial)
+/// The value as it is written, without references. No meaningful value contains markup. One that does, read
+/// from a damaged file, would make the written file unreadable: the default replaces it.
+QString writable(const QString &value, const SavingPresetField &field)
 {
     const bool isRead = !value.contains(u'<') && !value.contains(u'&') && !value.startsWith(u'>') &&
                         XMLFile::withReadableStart(value) == value;
-    return isRead ? value : initial;
+    return isRead ? value : std::get<QString>(field.value(SavingPresetValues()));
 }
 
-/// What a preset with these values is read as from its own file.
+QString xmlText(const SavingPresetField &field, const FieldValue &value)
+{
+    QString tokens;
+    switch (field.kind) {
+    case FieldKind::Strings:
+        for (const QString &token : std::get<QStringList>(value))
+            tokens += QStringLiteral("\n      <token>%1</token>").arg(XMLFile::withReadableStart(token));
+        return tokens + QStringLiteral("\n    ");
+    case FieldKind::Integer:
+        return QString::number(std::get<WholeNumber>(value).value_or(0));
+    case FieldKind::Boolean:
+        return QString::number(std::get<bool>(value) ? 1 : 0);
+    default:
+        return isFormat(field) || isCase(field)
+                   ? writable(std::get<QString>(value), field)
+                   : XMLFile::withReadableStart(XMLFile::replaceXmlSpecialChars(std::get<QString>(value)));
+    }
+}
+
+/// The values that a file returns for these.
 SavingPresetValues readAgain(SavingPresetValues values)
 {
-    const SavingPresetValues initial;
     values.name = XMLFile::withoutLoneSurrogates(values.name);
     for (QString &token : values.filenameTokens)
         token = XMLFile::withoutLoneSurrogates(token);
-    values.fileBaseNameCase = writable(values.fileBaseNameCase, initial.fileBaseNameCase);
-    values.fileExtensionCase = writable(values.fileExtensionCase, initial.fileExtensionCase);
-    values.imageFormat = writable(values.imageFormat, initial.imageFormat);
-    values.alternativeImageFormat = writable(values.alternativeImageFormat, initial.alternativeImageFormat);
-    values.tiffCompressionLZW = true; // as readTiffCompression() says
+    for (const SavingPresetField &field : savingPresetFields()) {
+        if (isFormat(field) || isCase(field))
+            field.setValue(values, FieldValue(writable(std::get<QString>(field.value(values)), field)));
+    }
+    values.tiffCompressionLZW = true; // as in readValue()
     return values;
 }
 
@@ -174,7 +190,7 @@ bool isReadAgain(const QString &token)
            parser.root()->text() == XMLFile::withoutLoneSurrogates(token).toUtf8();
 }
 
-/// As much of a text as a message has room for, on one line.
+/// The start of a text, short enough for a message, on one line.
 QString excerpt(const QString &text)
 {
     constexpr qsizetype kLongest = 60;
@@ -187,12 +203,12 @@ Result<void> checkReadAgain(const XMLParser::Element *element, const SavingPrese
 {
     const auto again = element ? SavingPreset::initWithXMLData(*element, kSupportedVersion) : nullptr;
     if (!again || again->presetID() != preset.presetID() || again->values() != readAgain(preset.values()))
-        return fail(Texts::tr("the saving preset \"%1\" would not be read again as it is")
+        return fail(Texts::tr("the saving preset \"%1\" could not be read back unchanged")
                         .arg(excerpt(preset.name())));
     return {};
 }
 
-/// Reads what is about to be written.
+/// Reads the file before it is written.
 Result<void> checkXML(const QByteArray &xml, const std::vector<std::shared_ptr<SavingPreset>> &presets)
 {
     for (const auto &preset : presets) {
@@ -201,7 +217,7 @@ Result<void> checkXML(const QByteArray &xml, const std::vector<std::shared_ptr<S
     }
     XMLParser parser([](const QByteArray &) {});
     if (!parser.parse(xml) || parser.root()->subelementCount() != std::ssize(presets))
-        return fail(Texts::tr("the presets are more than can be read again"));
+        return fail(Texts::tr("the presets are too many to be read back"));
     for (std::size_t i = 0; i < presets.size(); ++i) {
         const XMLParser::Element *element = parser.root()->subelement(static_cast<qsizetype>(i));
         if (Result<void> checked = checkReadAgain(element, *presets[i]); !checked)
@@ -237,21 +253,26 @@ void SavingPreset::selfAssignNewID()
 
 void SavingPreset::setValues(const SavingPresetValues &values)
 {
-    // Observers may change the preset while it is being set.
+    // A slot may change the preset, and `values` with it, before all fields are set.
     const SavingPresetValues wanted = values;
-#define PLEXA_SET_FIELD(name, Name, Type, initial) set##Name(wanted.name);
-    PLEXA_SAVINGPRESET_FIELDS(PLEXA_SET_FIELD)
-#undef PLEXA_SET_FIELD
+    for (const SavingPresetField &field : savingPresetFields())
+        setValue(field.id, field.value(wanted));
 }
 
-void SavingPreset::announce(SavingField field)
+void SavingPreset::setValue(SavingField id, const FieldValue &value)
 {
-    Q_EMIT fieldChanged(field);
-    if (field != SavingField::ImageFormat && field != SavingField::AlternativeImageFormat)
+    const SavingPresetField &field = savingPresetField(id);
+    const FieldValue old = field.value(m_values);
+    if (old == value)
+        return;
+    const FieldValue now = value;
+    field.setValue(m_values, now);
+    Q_EMIT fieldChanged(id, old, now);
+    if (!isFormat(field))
         return;
     Q_EMIT hideJPEGQualityChanged();
     Q_EMIT hideTiffCompressionChanged();
-    if (field == SavingField::ImageFormat)
+    if (id == SavingField::ImageFormat)
         Q_EMIT hideAlternativeFormatChanged();
 }
 
@@ -262,9 +283,7 @@ QStringList SavingPreset::supportedFileFormats()
 
 QStringList SavingPreset::supportedFileFormatsWithoutOriginal()
 {
-    QStringList names = savingFormatNames();
-    names.removeAll(originalFormatName());
-    return names;
+    return savingFormatNamesWithoutOriginal();
 }
 
 QString SavingPreset::utiForFileExtension(const QString &extension)
@@ -279,20 +298,12 @@ bool SavingPreset::supportedUTI(const QString &type)
 
 void SavingPreset::appendObjectToXML(QString &xml) const
 {
-    xml += QStringLiteral("\n  <preset>\n    <id>%1</id>\n    <name>%2</name>\n    <filename>")
-               .arg(QString::number(m_presetID), withReadableStart(replaceXmlSpecialChars(name())));
-    for (const QString &token : filenameTokens())
-        xml += QStringLiteral("\n      <token>%1</token>").arg(withReadableStart(token));
-    const SavingPresetValues initial;
-    xml += QStringLiteral("\n    </filename>\n    <fileBaseNameCase>%1</fileBaseNameCase>"
-                          "\n    <fileExtensionCase>%2</fileExtensionCase>\n    <format>%3</format>"
-                          "\n    <alternativeFormat>%4</alternativeFormat>\n    <quality>%5</quality>"
-                          "\n    <tiffCompressionLZW>%6</tiffCompressionLZW>\n  </preset>")
-               .arg(writable(fileBaseNameCase(), initial.fileBaseNameCase),
-                    writable(fileExtensionCase(), initial.fileExtensionCase),
-                    writable(imageFormat(), initial.imageFormat),
-                    writable(alternativeImageFormat(), initial.alternativeImageFormat),
-                    QString::number(jpegQuality()), QString::number(tiffCompressionLZW() ? 1 : 0));
+    xml += QStringLiteral("\n  <preset>\n    <id>%1</id>").arg(m_presetID);
+    for (const SavingPresetField &field : savingPresetFields()) {
+        xml += QStringLiteral("\n    <%1>%2</%1>")
+                   .arg(QLatin1StringView(field.xmlElement), xmlText(field, field.value(m_values)));
+    }
+    xml += QStringLiteral("\n  </preset>");
 }
 
 Result<void> SavingPreset::checkWritable() const
@@ -319,7 +330,11 @@ std::shared_ptr<SavingPreset> SavingPreset::initWithXMLData(const XMLParser::Ele
         return nullptr;
     preset->m_presetID = leadingInteger(id->text());
     raiseTo(s_lastUsedPresetID, preset->m_presetID);
-    return readValues(element, fileVersion, preset->m_values) ? preset : nullptr;
+    const auto fields = savingPresetFields();
+    const bool isRead = std::all_of(fields.begin(), fields.end(), [&](const SavingPresetField &field) {
+        return readField(field, element, fileVersion, preset->m_values);
+    });
+    return isRead ? preset : nullptr;
 }
 
 std::optional<std::vector<std::shared_ptr<SavingPreset>>>

@@ -37,14 +37,14 @@ const Key kPresetClass("WPreset");
 const Key kOldBackgroundPadding("WPBackgroundPadding");
 
 constexpr float kVersion = 1.2F;
-/// At this number, each may take two hundred nodes of what a property list may hold, more than one with a
-/// picture does.
+/// With this number, each may have two hundred of the nodes that a property list may hold. A preset with a
+/// picture has fewer.
 constexpr std::size_t kMaxPresets = 10'000;
 
-/// So many things that were left out are told one by one.
+/// This many parts that were left out are reported one by one.
 constexpr qsizetype kMaxNotes = 20;
 
-/// Puts the pictures of an archive into it, each once.
+/// Adds pictures to an archive, each once.
 class PictureEncoder
 {
 public:
@@ -55,7 +55,7 @@ public:
 
     Result<Reference> reference(const WatermarkPicture &picture)
     {
-        // As it came, so that nothing of it gets lost, neither quality nor what could not be read.
+        // The original object, so that neither quality nor an unreadable part is lost.
         if (const KeptObject original = picture.original(); !original.isNone())
             return m_archiver.addCopy(original);
         for (const auto &[known, reference] : m_known) {
@@ -73,7 +73,7 @@ private:
     std::vector<std::pair<WatermarkPicture, Reference>> m_known;
 };
 
-/// Puts lists of texts into an archive, equal ones once.
+/// Adds lists of texts to an archive, equal ones once.
 class TextsEncoder
 {
 public:
@@ -85,7 +85,7 @@ public:
 
     Reference reference(const QStringList &texts)
     {
-        // Lists that were read from one object share their memory, however long they are.
+        // Lists that were read from one object share their memory. Comparing long ones would be slow.
         const auto identity = std::make_pair(texts.constData(), texts.size());
         const auto known = m_byIdentity.constFind(identity);
         if (known != m_byIdentity.cend())
@@ -105,7 +105,7 @@ private:
     std::map<std::vector<Reference>, Reference> m_byPieces;
 };
 
-/// Puts a field's value under its key.
+/// Adds a field's value under its key.
 struct FieldEncoder {
     KeyedArchiver &archiver;
     PictureEncoder &pictures;
@@ -172,13 +172,13 @@ FloatNumber floatNumber(const ArchivedValue &value)
     return static_cast<float>(*number);
 }
 
-/// A list of texts that was read.
+/// A list of texts from an archive.
 struct Pieces {
     QStringList texts;
-    bool areAll = true; ///< else some of it is no text
+    bool areAll = true; ///< false: some elements are not texts
 };
 
-/// Elements that are none are nothing that could be missed.
+/// Null elements of a list are skipped; they are no loss.
 Pieces piecesOf(const ArchivedValue &value)
 {
     Pieces pieces;
@@ -193,7 +193,7 @@ Pieces piecesOf(const ArchivedValue &value)
     return pieces;
 }
 
-/// What is to be told, within a bound.
+/// A bounded list of messages.
 class Notes
 {
 public:
@@ -218,28 +218,28 @@ private:
     qint64 m_more = 0;
 };
 
-/// Older files turn the other way round.
-float turnedRound(float degrees)
+/// Angles of older files increase clockwise.
+float counterClockwise(float degrees)
 {
     if (degrees >= 180)
         return 360 - degrees;
     return degrees < -180 ? -360 - degrees : 0 - degrees;
 }
 
-/// What becomes of the pictures of an archive.
+/// The treatment of the pictures of an archive.
 enum class Pictures {
-    Made,
-    Counted, ///< looked for, as far as the bounds of what is read are concerned; the presets have none
+    Created,
+    Counted, ///< within the bounds of reading, but not created
 };
 
-/// Makes presets of one archive.
+/// Reads the presets of one archive.
 class Decoder
 {
 public:
     Decoder(float version, const SavingPresetLookup &savingPresetWithID, Pictures pictures)
         : m_version(version)
         , m_savingPresetWithID(savingPresetWithID)
-        , m_becomeOfPictures(pictures)
+        , m_pictureTreatment(pictures)
     {
     }
 
@@ -257,8 +257,8 @@ private:
 
     float m_version;
     const SavingPresetLookup &m_savingPresetWithID;
-    Pictures m_becomeOfPictures;
-    // By identity: one object may be in many presets.
+    Pictures m_pictureTreatment;
+    // By identity: many presets may refer to one object.
     QHash<const void *, WatermarkPicture> m_pictures;
     QHash<const void *, Pieces> m_pieces;
     Notes m_notes;
@@ -272,7 +272,7 @@ const Pieces &Decoder::pieces(const ArchivedValue &value)
 
 WatermarkPicture Decoder::picture(const ArchivedValue &value) const
 {
-    if (m_becomeOfPictures == Pictures::Made)
+    if (m_pictureTreatment == Pictures::Created)
         return WatermarkPicture::fromArchive(value);
     value.imageRepresentations();
     return {};
@@ -305,7 +305,7 @@ FieldValue Decoder::fieldValue(const WPresetField &field, const ArchivedValue &v
     Q_UNREACHABLE();
 }
 
-/// Is all that the archive has for a field in what was read of it? Nothing is missed where it has nothing.
+/// Does `read` represent the archived value of a field without loss?
 bool Decoder::isWhole(const WPresetField &field, const ArchivedValue &value, const FieldValue &read)
 {
     if (value.isNone())
@@ -323,7 +323,7 @@ bool Decoder::isWhole(const WPresetField &field, const ArchivedValue &value, con
         return value.number().has_value();
     case FieldKind::Color:
         return std::get<QColor>(read).isValid();
-    case FieldKind::Image: // kept as it is, and its fault told elsewhere
+    case FieldKind::Image: // kept unchanged, and its fault is reported elsewhere
         return true;
     case FieldKind::SavingPreset:
         return value.integer().has_value();
@@ -341,9 +341,9 @@ void Decoder::noteUnreadable(QLatin1StringView name, std::size_t number)
 void Decoder::convert(WPresetValues &values, const ArchivedValue &preset, std::size_t number)
 {
     if (values.angle)
-        values.angle = turnedRound(*values.angle);
+        values.angle = counterClockwise(*values.angle);
     if (values.shadowAngle)
-        values.shadowAngle = turnedRound(*values.shadowAngle * 180 / std::numbers::pi_v<float> - 90);
+        values.shadowAngle = counterClockwise(*values.shadowAngle * 180 / std::numbers::pi_v<float> - 90);
     const ArchivedValue oldPadding = preset.value(kOldBackgroundPadding);
     const WholeNumber padding = wholeNumber(oldPadding);
     if (!padding && !oldPadding.isNone())
@@ -354,7 +354,7 @@ void Decoder::convert(WPresetValues &values, const ArchivedValue &preset, std::s
     values.backgroundPaddingRight = padding;
 }
 
-/// A damaged key would take its value with it.
+/// An unknown key may be a damaged one, whose value is lost.
 void Decoder::noteUnknownKeys(const ArchivedValue &preset, std::size_t number)
 {
     static const QSet<QByteArray> known = [] {
@@ -384,7 +384,7 @@ WPresetValues Decoder::values(const ArchivedValue &preset, std::size_t number)
     }
     if (m_version < kVersion)
         convert(values, preset, number);
-    else if (m_version == kVersion) // others have keys of their own
+    else if (m_version == kVersion) // later versions have other keys
         noteUnknownKeys(preset, number);
     return values;
 }
@@ -397,12 +397,12 @@ Result<WPresetList> Decoder::presets(const ArchivedValue &list, QStringList &lef
     if (objects->size() > kMaxPresets)
         return fail(Texts::tr("it has more than %1 presets").arg(kMaxPresets));
     WPresetList presets;
-    // An object that is in the list twice is two presets, made of the same values.
+    // An object that occurs twice in the list becomes two presets with the same values.
     QHash<const void *, WPresetValues> known;
     for (std::size_t i = 0; i < objects->size(); ++i) {
         const ArchivedValue &object = (*objects)[i];
         if (!object.isOfClass(kPresetClass)) {
-            m_notes.add(Texts::tr("number %1 in its list is no watermark preset").arg(i + 1));
+            m_notes.add(Texts::tr("number %1 in its list is not a watermark preset").arg(i + 1));
             continue;
         }
         auto found = known.constFind(object.identity());
@@ -411,7 +411,7 @@ Result<WPresetList> Decoder::presets(const ArchivedValue &list, QStringList &lef
         presets.push_back(std::make_shared<WPreset>(*found));
     }
     if (list.isExhausted())
-        return fail(Texts::tr("it holds more than can be read"));
+        return fail(Texts::tr("it is too large"));
     leftOut = m_notes.all();
     if (presets.empty() && !leftOut.isEmpty())
         return fail(leftOut.first());
@@ -421,7 +421,7 @@ Result<WPresetList> Decoder::presets(const ArchivedValue &list, QStringList &lef
 Result<QByteArray> contentsOf(const QString &path)
 {
     const QFileInfo info(path);
-    if (info.exists() && !info.isFile()) // opening a pipe would wait for its other end
+    if (info.exists() && !info.isFile()) // opening a pipe would block
         return fail(Texts::tr("it is not a regular file"));
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
@@ -448,7 +448,7 @@ Result<WPresetList> decoded(const QByteArray &bytes, bool &isLater,
     const bool isOurs = application && (*application == applicationNameWithCompany(true, false, true) ||
                                         *application == firstVersionApplicationName());
     if (!isOurs || !(version > 0))
-        return fail(Texts::tr("it is no file of watermark presets"));
+        return fail(Texts::tr("it is not a file of watermark presets"));
     return Decoder(version, savingPresetWithID, pictures).presets(top->value(kWPresets), leftOut);
 }
 
@@ -477,12 +477,12 @@ Result<QByteArray> encoded(const WPresetList &presets)
 Result<QByteArray> archivedWPresets(const WPresetList &presets)
 {
     return encoded(presets).and_then([](const QByteArray &bytes) -> Result<QByteArray> {
-        // What cannot be read again must not take the place of a file that can.
+        // An unreadable file must not replace a readable one.
         bool isLater = false;
         QStringList leftOut;
         const auto read = decoded(bytes, isLater, {}, leftOut, Pictures::Counted);
         if (!read)
-            return fail(Texts::tr("it could not be read again: %1").arg(read.error().text));
+            return fail(Texts::tr("it could not be read back: %1").arg(read.error().text));
         return bytes;
     });
 }
@@ -495,7 +495,7 @@ Result<void> writeWPresets(const WPresetList &presets, const QString &toFile)
     AtomicFile file(toFile, AtomicFile::IfExists::Replace, AtomicFile::Durability::Synced);
     if (Result<void> opened = file.open(); !opened)
         return opened;
-    file.device().write(*bytes); // a failure comes out of commit()
+    file.device().write(*bytes); // commit() reports a failure
     return file.commit();
 }
 
@@ -505,7 +505,7 @@ Result<WPresetList> wPresetsFromArchive(const QByteArray &bytes, bool *futureVer
     bool isLater = false;
     QStringList notes;
     return decoded(bytes, futureVersion ? *futureVersion : isLater, savingPresetWithID,
-                   leftOut ? *leftOut : notes, Pictures::Made);
+                   leftOut ? *leftOut : notes, Pictures::Created);
 }
 
 Result<WPresetList> readWPresetsFromFile(const QString &path, bool *futureVersion,

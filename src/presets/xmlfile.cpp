@@ -90,7 +90,7 @@ Result<void> XMLFile::writeXML(const QByteArray &xml, const QString &path)
     AtomicFile file(path, AtomicFile::IfExists::Replace, AtomicFile::Durability::Synced);
     if (Result<void> opened = file.open(); !opened)
         return opened;
-    file.device().write(xml); // a failure comes out of commit()
+    file.device().write(xml); // commit() reports a failure
     return file.commit();
 }
 
@@ -131,11 +131,11 @@ bool XMLFile::readFile(const QString &path, const QString &appID, const QString 
     if (!parser.loadAndParseFile(path))
         return false;
     if (!isHeader(parser.header())) {
-        parser.report("the XML header is not the one of preset files in \"" + path.toUtf8() + '"');
+        parser.report("the XML header is not that of preset files in \"" + path.toUtf8() + '"');
         return false;
     }
     if (!isRoot(parser.root(), appID, rootXMLElement)) {
-        parser.report('"' + path.toUtf8() + "\" has not the root element \"" + rootXMLElement.toUtf8() +
+        parser.report('"' + path.toUtf8() + "\" does not have the root element \"" + rootXMLElement.toUtf8() +
                       "\" of the application \"" + appID.toUtf8() + '"');
         return false;
     }

@@ -15,22 +15,23 @@
 namespace plexa
 {
 
-/// What became of the reading of a preset file.
+/// The result of reading a preset file.
 enum class ReadCode : qint32 {
     Failed = -1,
-    LaterVersion = 0, ///< the file belongs to a later version of the program; never given by XMLFile, which
-                      ///< reads such files
+    LaterVersion = 0, ///< written by a later version of the program; never returned by XMLFile, which reads
+                      ///< such files
     Success = 1,
 };
 
-/// The base of objects that are stored as a list in one of the program's XML files. It has the file's
-/// envelope: an XML header, and a root element that names the program and the file's version. A subclass
-/// writes itself with appendObjectToXML() and is made from an element by a static function of its own,
+/// The base of objects that are stored as a list in one of the program's XML files. It reads and writes the
+/// envelope of the file: an XML header, and a root element with the program's name and the file's version. A
+/// subclass writes itself with appendObjectToXML() and has a static function that creates an object from an
+/// element,
 ///
 ///     static std::shared_ptr<T> initWithXMLData(const XMLParser::Element &element, double fileVersion);
 ///
-/// which returns null when the element is not what it must be. It offers readObjectsFromFile() and
-/// writeObjects() without root element and version, made of the ones here.
+/// which returns null for an invalid element. Its readObjectsFromFile() and writeObjects() have no parameters
+/// for root element and version, and call the functions here.
 class XMLFile
 {
 public:
@@ -39,23 +40,21 @@ public:
     /// Appends the object's element, which begins with a line end.
     virtual void appendObjectToXML(QString &xml) const;
 
-    /// What every subclass has to have a version of. These log that they were called, and fail.
+    /// Every subclass replaces these. They log the call and fail.
     static std::shared_ptr<XMLFile> initWithXMLData(const XMLParser::Element &element, double fileVersion);
     static std::optional<std::vector<std::shared_ptr<XMLFile>>>
     readObjectsFromFile(const QString &path, const QString &appID, ReadCode &returnCode);
     static Result<void> writeObjects(const std::vector<std::shared_ptr<XMLFile>> &objects,
                                      const QString &path, const QString &appID);
 
-    /// Reads a file whole: all of its objects, or none of them.
-    /// @param appID             the program that the file must belong to; the files of the first major
-    /// version,
-    ///                          which named themselves otherwise, are read as well
-    /// @param rootXMLElement    the name that the root element must have
-    /// @param supportedVersion  today's version of the file; later ones are read as far as they are
-    /// understood
-    /// @param errors            takes the error lines, also those on what this function finds
-    /// @param isLater           is set, where given, to whether a later version of the program wrote the file
-    /// @return none, with ReadCode::Failed, when anything is wrong with the file
+    /// Reads all objects of a file, or none.
+    /// @param appID             the program that the file must name; the name of the first major version is
+    ///                          accepted, too
+    /// @param rootXMLElement    the required name of the root element
+    /// @param supportedVersion  the current version of the file; of later versions the known part is read
+    /// @param errors            receives the error lines, those of this function included
+    /// @param isLater           if given, is set to whether a later version of the program wrote the file
+    /// @return none, with ReadCode::Failed, for an invalid file
     template<class T>
     static std::optional<std::vector<std::shared_ptr<T>>>
     readObjectsFromFile(const QString &path, const QString &appID, const QString &rootXMLElement,
@@ -63,23 +62,23 @@ public:
                         const XMLParser::ErrorSink &errors = XMLParser::writeErrorLine,
                         bool *isLater = nullptr);
 
-    /// Writes a file whole or not at all.
-    /// @param supportedVersion  the file's version, as it is written
+    /// Writes a whole file or none.
+    /// @param supportedVersion  the file's version, as text
     [[nodiscard]] static Result<void> writeObjects(std::span<const XMLFile *const> objects,
                                                    const QString &path, const QString &appID,
                                                    const QString &rootXMLElement,
                                                    const QString &supportedVersion);
 
-    /// The same in two steps: the bytes of the file, and their writing.
+    /// The same in two steps: the bytes of the file, and the writing.
     static QByteArray xmlOf(std::span<const XMLFile *const> objects, const QString &appID,
                             const QString &rootXMLElement, const QString &supportedVersion);
     [[nodiscard]] static Result<void> writeXML(const QByteArray &xml, const QString &path);
 
-    /// The text as an element's text: "&", "<" and ">" become references. Quotes stay, so it is no attribute.
+    /// The text as an element's text: "&", "<" and ">" become references. Not for attributes: quotes stay.
     static QString replaceXmlSpecialChars(const QString &text);
 
-    /// The text of an element with its first character as a numeric reference, where the reader would take it
-    /// for markup or skip it; and withoutLoneSurrogates(). The rest stays.
+    /// The text of an element without lone surrogates. Its first character becomes a numeric reference if the
+    /// reader would treat it as markup or skip it.
     static QString withReadableStart(const QString &text);
 
     /// The text with lone surrogates, which no file can hold, as U+FFFD.
@@ -91,7 +90,7 @@ protected:
     XMLFile &operator=(const XMLFile &) = default;
 
 private:
-    /// Makes an object of an element and keeps it; false when the element is not right.
+    /// Creates an object from an element and keeps it; false for an invalid element.
     using KeepObject = std::function<bool(const XMLParser::Element &element, double fileVersion)>;
 
     static bool readFile(const QString &path, const QString &appID, const QString &rootXMLElement,

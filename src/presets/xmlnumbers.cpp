@@ -15,7 +15,7 @@ double leadingDecimal(const QByteArray &text)
     if (number.startsWith('+'))
         number.remove(0, 1);
     double value = 0;
-    // Unlike strtod() it does not ask the locale.
+    // Unlike strtod(), it does not depend on the locale.
     std::from_chars(number.constData(), number.constData() + number.size(), value);
     return std::isfinite(value) ? value : 0;
 }

@@ -7,12 +7,11 @@
 namespace plexa
 {
 
-/// The number that a text begins with, with a point whatever the locale; 0 when it begins with none, or with
-/// one that is not finite. Blanks in front are passed over.
+/// The decimal number at the start of a text, with a point in every locale; 0 when there is none or it is not
+/// finite. Leading blanks are skipped.
 double leadingDecimal(const QByteArray &text);
 
-/// The whole number that a text begins with; 0 when it begins with none, and the nearest one that there is
-/// when it has too many digits.
+/// The whole number at the start of a text, limited to the range of the type; 0 when there is none.
 qint64 leadingInteger(const QByteArray &text);
 
 } // namespace plexa

@@ -17,7 +17,7 @@ namespace
 
 constexpr qsizetype kMaxQuotedBytes = 1000;
 
-/// What error lines quote of a file: not much of it.
+/// A quotation of the file in an error line, shortened.
 QByteArray quoted(QByteArrayView text)
 {
     if (text.size() <= kMaxQuotedBytes)
@@ -45,8 +45,7 @@ int digitOf(char c, int base)
     return digit < base ? digit : -1;
 }
 
-/// The length of the reference that `text` begins with, and the byte that it stands for; 0 for an unknown
-/// one.
+/// The length of the reference at the start of `text`, and its byte; 0 for an unknown reference.
 qsizetype referenceAt(QByteArrayView text, char &byte)
 {
     for (const Entity &entity : kEntities) {
@@ -61,7 +60,7 @@ qsizetype referenceAt(QByteArrayView text, char &byte)
     const int base = isHex ? 16 : 10;
     const qsizetype start = isHex ? 3 : 2;
     qsizetype end = start;
-    unsigned code = 0; // its low 8 bits count, so it may wrap around
+    unsigned code = 0; // only its low 8 bits count, so it may overflow
     for (; end < text.size() && digitOf(text[end], base) >= 0; ++end)
         code = code * static_cast<unsigned>(base) + static_cast<unsigned>(digitOf(text[end], base));
     if (end == start || end == text.size() || text[end] != ';')
@@ -124,7 +123,7 @@ bool XMLParser::loadFile(const QString &path)
         report(message + quoted(path.toUtf8()));
         return false;
     };
-    // Opening a pipe would wait for a writer.
+    // Opening a pipe would block.
     const QFileInfo info(path);
     if (info.exists() && !info.isFile())
         return refuse("cannot read the file ");
@@ -188,7 +187,7 @@ void XMLParser::write(const QByteArray &line)
 {
     m_hasError = true;
     QByteArray shown = line;
-    // What a file says must not steer a terminal, or look like another line.
+    // The contents of a file must not control a terminal or look like another line.
     for (char &c : shown) {
         if (static_cast<uchar>(c) < 0x20 || c == 0x7F)
             c = c == '\t' || c == '\n' ? ' ' : '?';
@@ -236,7 +235,7 @@ void XMLParser::parseDocument()
 
 std::unique_ptr<XMLParser::Element> XMLParser::parseElement(Tag tag, int depth)
 {
-    // That the header is missing is said by the caller.
+    // The caller reports a missing header.
     const bool hasStart = tag == Tag::Header ? expect(XMLToken::HeaderStart, OnFailure::KeepSilent)
                                              : expect(XMLToken::TagStart, OnFailure::Report);
     if (!hasStart || !expect(XMLToken::Data, OnFailure::Report) || !countRecord())
@@ -253,7 +252,7 @@ std::unique_ptr<XMLParser::Element> XMLParser::parseElement(Tag tag, int depth)
     return element;
 }
 
-/// Reads on to the end of the tag, which is then the last token.
+/// Reads to the end of the tag, which becomes the last token.
 bool XMLParser::parseAttributes(Element &element, Tag tag)
 {
     const auto isEnd = [](XMLToken token) {
@@ -291,7 +290,7 @@ bool XMLParser::parseAttribute(Element &element)
     return true;
 }
 
-/// Reads what stands between the start tag and the closing tag, and that one as well.
+/// Reads the contents of an element and its closing tag.
 bool XMLParser::parseContents(Element &element, int depth)
 {
     if (expect(XMLToken::Data, OnFailure::KeepSilent))

@@ -18,21 +18,20 @@ enum class XMLToken;
 class XMLTokenizer;
 
 /// Reads the XML of the program's own preset files: a header tag, one root element, nested elements with
-/// attributes, a text directly behind a start tag, comments. It is no XML parser for other purposes: there
-/// are no document types, namespaces, CDATA sections or encodings, and an empty element needs a blank before
-/// its "/>".
+/// attributes, a text directly after a start tag, comments. It is not a general XML parser: there are no
+/// document types, namespaces, CDATA sections or encodings, and an empty element needs a blank before its
+/// "/>".
 ///
-/// Every file may be damaged or made to harm: nothing outside of the bytes is read, and size, nesting and
-/// number of elements are limited. What is wrong is said in error lines, which go to the standard error
-/// stream unless another receiver is given. One parser reads one file, on one thread at a time; any number of
-/// them may work at once.
+/// Every file may be damaged or malicious: nothing outside the bytes is read, and size, nesting and number of
+/// elements are limited. Faults are reported in error lines, by default on the standard error stream. One
+/// parser reads one file, on one thread at a time; several parsers may work in parallel.
 class XMLParser final
 {
 public:
-    /// Takes one error line, its line end included.
+    /// Receives an error line with its line end.
     using ErrorSink = std::function<void(const QByteArray &line)>;
 
-    /// A piece of the file whose entity references are decoded when it is first asked for.
+    /// A piece of the file whose entity references are decoded at the first access.
     class Value
     {
     public:
@@ -45,8 +44,8 @@ public:
 
         QByteArrayView raw() const { return m_raw; }
 
-        /// UTF-8 as it stands in the file, up to the first NUL. Empty, with an error line, where an entity
-        /// reference is unknown.
+        /// The bytes of the file, up to the first NUL. Empty, with an error line, for an unknown entity
+        /// reference.
         const QByteArray &decoded() const;
 
     private:
@@ -60,8 +59,8 @@ public:
         Value value;
     };
 
-    /// An element; it belongs to the parser. Look-ups by name go from the first to the last and find what
-    /// begins with the name: "format" finds "formatX" where that comes first.
+    /// An element, owned by the parser. A look-up by name returns the first one that begins with the name:
+    /// "format" finds "formatX" if that comes first.
     class Element
     {
     public:
@@ -79,11 +78,11 @@ public:
         std::optional<QByteArray> attributeValue(QByteArrayView name) const;
 
         qsizetype subelementCount() const { return std::ssize(m_subelements); }
-        /// Null when there are not that many, or none of that name.
+        /// Null for an index out of range or an unknown name.
         const Element *subelement(qsizetype index) const;
         const Element *subelement(QByteArrayView name) const;
 
-        /// Writes an error line about what the file says, as XMLParser::report() does.
+        /// As XMLParser::report().
         void report(const QByteArray &message) const { m_parser->report(message); }
 
     private:
@@ -96,7 +95,7 @@ public:
         std::vector<std::unique_ptr<Element>> m_subelements;
     };
 
-    /// What is larger, deeper nested or has more elements and attributes is refused.
+    /// Limits of bytes, nesting, and elements and attributes; a file beyond them is refused.
     static constexpr qsizetype kMaxFileBytes = 16 * 1024 * 1024;
     static constexpr int kMaxDepth = 100;
     static constexpr int kMaxRecords = 200'000;
@@ -109,23 +108,23 @@ public:
     XMLParser(const XMLParser &) = delete;
     XMLParser &operator=(const XMLParser &) = delete;
 
-    /// Reads a file whole, without looking at what it says. Fails when one was read already.
+    /// Reads the bytes of a file. Fails for a second file.
     bool loadFile(const QString &path);
 
-    /// Takes what was loaded, or these bytes, apart. True when nothing is wrong with it. Once.
+    /// Parses the loaded or the given bytes, once. True when they are valid.
     bool parse();
     bool parse(const QByteArray &bytes);
 
     bool loadAndParseFile(const QString &path);
 
-    /// Null before parse() and where it failed before their end; they live as long as the parser.
+    /// Null before parse(), and when it failed before their end. They live as long as the parser.
     const Element *header() const { return m_header.get(); }
     const Element *root() const { return m_root.get(); }
 
-    /// Has any error line been written? Stays so.
+    /// Has any error line been written?
     bool hasError() const { return m_hasError; }
 
-    /// Writes an error line without a place in the file.
+    /// Writes an error line without a position in the file.
     void report(const QByteArray &message);
 
 private:

@@ -130,7 +130,7 @@ bool XMLTokenizer::skipComment()
     return true;
 }
 
-/// A NUL behind the end, which is no symbol.
+/// A NUL, which is not a symbol, after the end.
 char XMLTokenizer::at(qsizetype offset) const
 {
     return offset < m_bytes.size() - m_cursor ? m_bytes[m_cursor + offset] : '\0';
@@ -164,7 +164,7 @@ XMLToken XMLTokenizer::malformed(XMLToken token, const char *message)
 {
     if (at(1) == '>')
         return symbol(token);
-    // The same place may be looked at for several kinds of token.
+    // The same position may be read for several kinds of token.
     if (std::exchange(m_reportedAt, m_cursor) != m_cursor)
         m_report(message);
     return finish(XMLToken::None, 0);

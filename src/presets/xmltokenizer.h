@@ -10,9 +10,9 @@
 namespace plexa
 {
 
-/// What the text of a preset file is made of. Symbols, and data: names, values and texts.
+/// The tokens of a preset file: symbols, and data (names, values and texts).
 enum class XMLToken {
-    None, ///< nothing was read: the end of the file, or no token begins so
+    None, ///< the end of the file, or invalid characters
     HeaderStart,
     HeaderEnd,
     TagStart,
@@ -25,34 +25,34 @@ enum class XMLToken {
     Data,
 };
 
-/// The token as error lines call it: its name and, for symbols, its quoted text.
+/// The token in an error line: its name and, for symbols, its quoted text.
 QByteArray xmlTokenDescription(XMLToken token);
 
-/// Splits the bytes of a preset file into tokens. What ends a name or a text depends on the token before it,
-/// as told at next(). White space and comments between tokens are passed over. Never reads outside of the
-/// bytes, which stay the caller's and must outlive the object.
+/// Splits the bytes of a preset file into tokens. The end of a name or a text depends on the token before it,
+/// see next(). White space and comments between tokens are skipped. The bytes belong to the caller and
+/// outlive the object; nothing outside them is read.
 class XMLTokenizer final
 {
 public:
-    /// Is given a message for each fault, when the tokenizer is still at the token before it.
+    /// Receives a message for each fault; token() is still the token before it.
     using Report = std::function<void(const QByteArray &message)>;
 
     XMLTokenizer(QByteArrayView bytes, Report report);
 
     /// Reads a token. Data ends
-    /// - in quotes: before the quote that began them, or where that does not come again, the other one;
+    /// - in quotes: before the next quote of the same kind, or if there is none, of the other kind;
     /// - as a tag's name: before a blank, a tab, a line end or ">" (so "/" is a part of a name);
     /// - as a closing tag's name: before a line end or ">";
-    /// - behind ">": before "<";
-    /// - else, as an attribute's name: before a blank, a tab, a line end or "=".
-    /// Text that begins with a quote, "=", "?", "/" or ">" is therefore no data.
+    /// - after ">": before "<";
+    /// - otherwise, as an attribute's name: before a blank, a tab, a line end or "=".
+    /// Text that begins with a quote, "=", "?", "/" or ">" is therefore not data.
     XMLToken next();
 
-    /// Gives the last token back, to be read again. What depends on the token before it then depends on
-    /// itself, and a quote counts once more as the beginning or the end of quotes.
+    /// Makes next() read the last token again. That token then counts as the token before itself, and a quote
+    /// once more begins or ends a quotation.
     void pushBack();
 
-    /// Passes over white space and comments. A carriage return is white space before a line feed only.
+    /// Skips white space and comments. A carriage return is white space before a line feed only.
     void skip();
 
     bool isAtEnd() const { return m_cursor >= m_bytes.size(); }

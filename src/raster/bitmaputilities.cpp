@@ -69,11 +69,12 @@ QImage oriented(const QImage &image, int orientation)
     return result;
 }
 
-QImage scaledTo(const QImage &image, double width, double height, Quality quality)
+QImage scaledTo(const QImage &image, double width, double height, Quality quality,
+                const CancelCheck &isCanceled = {})
 {
     if (image.isNull() || !isPossible(width, height))
         return {};
-    return resampled(asBitmap(image), QSize(int(width), int(height)), quality);
+    return resampled(asBitmap(image), QSize(int(width), int(height)), quality, isCanceled);
 }
 
 /// Draws through a transform that has its origin at the bottom left of the image and of the bitmap.
@@ -253,9 +254,10 @@ QImage createImageScaledToMaxSize(const QImage &image, int maxSize, bool flipVer
     return flipVertically ? createImageFlipped(smaller, true) : smaller;
 }
 
-QImage createImageScaledToSize(const QImage &image, int width, int height, bool highQuality)
+QImage createImageScaledToSize(const QImage &image, int width, int height, bool highQuality,
+                               const CancelCheck &isCanceled)
 {
-    return scaledTo(image, width, height, highQuality ? Quality::High : Quality::Low);
+    return scaledTo(image, width, height, highQuality ? Quality::High : Quality::Low, isCanceled);
 }
 
 QImage createImageFlattened(const QImage &image, bool keepAlpha, const QColor &background, int width,

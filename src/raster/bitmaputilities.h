@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include "platform/cancelcheck.h"
+
 #include <QColor>
 #include <QImage>
 #include <QTransform>
@@ -51,7 +53,9 @@ QImage createImageWithTransform(const QImage &image, const QTransform &transform
 QImage createImageScaledToMaxSize(const QImage &image, int maxSize, bool flipVertically);
 
 /// The image scaled to exactly that size.
-QImage createImageScaledToSize(const QImage &image, int width, int height, bool highQuality);
+/// @param isCanceled  checked at each row; the result is then null
+QImage createImageScaledToSize(const QImage &image, int width, int height, bool highQuality,
+                               const CancelCheck &isCanceled = {});
 
 /// The image scaled onto a background: transparent when `keepAlpha`, else filled with `background`.
 QImage createImageFlattened(const QImage &image, bool keepAlpha, const QColor &background, int width,

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "platform/cancelcheck.h"
 #include "raster/blendmode.h"
 
 #include <QColor>
@@ -38,7 +39,8 @@ struct Shadow {
 
 /// @param mark  Format_ARGB32_Premultiplied
 /// @param blur  pixels, negative counts as 0; 0 gives a sharp shadow
-/// @return a null image when there is no memory for it
-Shadow shadowOf(const QImage &mark, double blur, const QColor &color);
+/// @param isCanceled  checked at each row
+/// @return a null image when there is no memory for it or the work is canceled
+Shadow shadowOf(const QImage &mark, double blur, const QColor &color, const CancelCheck &isCanceled = {});
 
 } // namespace plexa

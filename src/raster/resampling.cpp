@@ -77,7 +77,7 @@ Weights weightsFor(double extent, int target)
 
 /// The average of each block of `factorX` x `factorY` pixels; blocks at the right and at the bottom may be
 /// smaller. Both factors at most 256, or a sum of bytes would not fit.
-QImage shrunkByWholeFactors(const QImage &image, int factorX, int factorY)
+QImage shrunkByWholeFactors(const QImage &image, int factorX, int factorY, const CancelCheck &isCanceled)
 {
     const int fullWidth = image.width();
     const int width = (fullWidth + factorX - 1) / factorX;
@@ -89,6 +89,8 @@ QImage shrunkByWholeFactors(const QImage &image, int factorX, int factorY)
     const qsizetype bytes = qsizetype(fullWidth) * 4;
     std::vector<quint16> sums(std::size_t(bytes), 0);
     for (int y = 0; y < height; ++y) {
+        if (plexa::isCanceled(isCanceled))
+            return {};
         const int top = y * factorY;
         const int rows = std::min(factorY, image.height() - top);
         std::fill(sums.begin(), sums.end(), quint16(0));
@@ -116,46 +118,66 @@ QImage shrunkByWholeFactors(const QImage &image, int factorX, int factorY)
     return result;
 }
 
+/// One row of pixels, filtered along x.
+/// @param wide  room for `width` source pixels
+void filterAcross(const uchar *from, int width, const Weights &across, std::vector<Pixel> &wide, Pixel *to,
+                  std::size_t targetWidth)
+{
+    auto *channels = reinterpret_cast<float *>(wide.data());
+    const qsizetype channelCount = qsizetype(width) * 4;
+    for (qsizetype i = 0; i < channelCount; ++i)
+        channels[i] = float(from[i]);
+    for (std::size_t x = 0; x < targetWidth; ++x) {
+        const float *weight = across.of(int(x));
+        const Pixel *pixel = wide.data() + across.first[x];
+        // Two sums, for the processor to add to both at a time.
+        Pixel even{0, 0, 0, 0};
+        Pixel odd{0, 0, 0, 0};
+        int k = 0;
+        for (; k + 1 < across.taps; k += 2) {
+            even += pixel[k] * weight[k];
+            odd += pixel[k + 1] * weight[k + 1];
+        }
+        if (k < across.taps)
+            even += pixel[k] * weight[k];
+        to[x] = even + odd;
+    }
+}
+
+/// Rounded sums as pixels.
+void writePixels(const std::vector<Pixel> &sum, bool isOpaque, quint32 *to)
+{
+    for (std::size_t x = 0; x < sum.size(); ++x) {
+        const Pixel pixel = sum[x];
+        const float alpha = isOpaque ? 255.0F : std::clamp(pixel[3], 0.0F, 255.0F);
+        const auto channel = [&](int c) { return quint32(std::clamp(pixel[c], 0.0F, alpha)); };
+        to[x] = quint32(alpha) << 24 | channel(2) << 16 | channel(1) << 8 | channel(0);
+    }
+}
+
 /// Applies both sides' weights. Source rows are filtered along x once, when they are first needed, and kept
 /// only as long as a target row needs them.
-QImage filtered(const QImage &image, QSize size, const Weights &across, const Weights &down)
+QImage filtered(const QImage &image, QSize size, const Weights &across, const Weights &down,
+                const CancelCheck &isCanceled)
 {
     QImage result(size, image.format());
     if (result.isNull())
         return {};
     const std::size_t width = std::size_t(size.width());
-    const qsizetype channelCount = qsizetype(image.width()) * 4;
     std::vector<Pixel> wide(std::size_t(image.width()));
     std::vector<Pixel> ring(width * std::size_t(down.taps));
     std::vector<Pixel> sum(width);
-    const bool opaque = image.format() == QImage::Format_RGB32;
+    const bool isOpaque = image.format() == QImage::Format_RGB32;
     uchar *bits = result.bits();
     int ready = 0;
 
     for (int y = 0; y < size.height(); ++y) {
+        if (plexa::isCanceled(isCanceled))
+            return {};
         const int first = down.first[std::size_t(y)];
-        for (ready = std::max(ready, first); ready < first + down.taps; ++ready) {
-            const uchar *from = image.constBits() + ready * image.bytesPerLine();
-            auto *channels = reinterpret_cast<float *>(wide.data());
-            for (qsizetype i = 0; i < channelCount; ++i)
-                channels[i] = float(from[i]);
-            Pixel *to = ring.data() + std::size_t(ready % down.taps) * width;
-            for (std::size_t x = 0; x < width; ++x) {
-                const float *weight = across.of(int(x));
-                const Pixel *pixel = wide.data() + across.first[x];
-                // Two sums, for the processor to add to both at a time.
-                Pixel even{0, 0, 0, 0};
-                Pixel odd{0, 0, 0, 0};
-                int k = 0;
-                for (; k + 1 < across.taps; k += 2) {
-                    even += pixel[k] * weight[k];
-                    odd += pixel[k + 1] * weight[k + 1];
-                }
-                if (k < across.taps)
-                    even += pixel[k] * weight[k];
-                to[x] = even + odd;
-            }
-        }
+        for (ready = std::max(ready, first); ready < first + down.taps; ++ready)
+            filterAcross(image.constBits() + ready * image.bytesPerLine(), image.width(), across, wide,
+                         ring.data() + std::size_t(ready % down.taps) * width, width);
         std::fill(sum.begin(), sum.end(), Pixel{0.5F, 0.5F, 0.5F, 0.5F});
         const float *weight = down.of(y);
         for (int k = 0; k < down.taps; ++k) {
@@ -164,13 +186,7 @@ QImage filtered(const QImage &image, QSize size, const Weights &across, const We
             for (std::size_t x = 0; x < width; ++x)
                 sum[x] += row[x] * factor;
         }
-        auto *to = reinterpret_cast<quint32 *>(bits + y * result.bytesPerLine());
-        for (std::size_t x = 0; x < width; ++x) {
-            const Pixel pixel = sum[x];
-            const float alpha = opaque ? 255.0F : std::clamp(pixel[3], 0.0F, 255.0F);
-            const auto channel = [&](int c) { return quint32(std::clamp(pixel[c], 0.0F, alpha)); };
-            to[x] = quint32(alpha) << 24 | channel(2) << 16 | channel(1) << 8 | channel(0);
-        }
+        writePixels(sum, isOpaque, reinterpret_cast<quint32 *>(bits + y * result.bytesPerLine()));
     }
     return result;
 }
@@ -270,7 +286,7 @@ struct Span {
 
 } // namespace
 
-QImage resampled(const QImage &image, QSize size, Quality quality)
+QImage resampled(const QImage &image, QSize size, Quality quality, const CancelCheck &isCanceled)
 {
     if (image.isNull() || size.isEmpty())
         return {};
@@ -278,16 +294,17 @@ QImage resampled(const QImage &image, QSize size, Quality quality)
         return image;
     const int factorX = blockFactor(image.width(), size.width());
     const int factorY = blockFactor(image.height(), size.height());
-    const QImage source = factorX > 1 || factorY > 1 ? shrunkByWholeFactors(image, factorX, factorY) : image;
+    const QImage source =
+        factorX > 1 || factorY > 1 ? shrunkByWholeFactors(image, factorX, factorY, isCanceled) : image;
     if (source.isNull())
         return {};
     const double extentX = double(image.width()) / factorX;
     const double extentY = double(image.height()) / factorY;
     if (quality == Quality::Low)
         return filtered(source, size, weightsFor<Linear>(extentX, size.width()),
-                        weightsFor<Linear>(extentY, size.height()));
+                        weightsFor<Linear>(extentY, size.height()), isCanceled);
     return filtered(source, size, weightsFor<Cubic>(extentX, size.width()),
-                    weightsFor<Cubic>(extentY, size.height()));
+                    weightsFor<Cubic>(extentY, size.height()), isCanceled);
 }
 
 void drawTransformed(QImage &target, const QImage &image, const QTransform &toSource)

@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include "platform/cancelcheck.h"
+
 #include <QImage>
 #include <QSize>
 #include <QTransform>
@@ -16,8 +18,9 @@ enum class Quality { Low, High };
 
 /// The image scaled to that size. Every source pixel counts by its area when shrinking, so that nothing
 /// aliases; enlarging interpolates between pixels: bicubic (Catmull-Rom) in high quality, linear in low.
-/// @return of the image's format; null when there is no memory
-QImage resampled(const QImage &image, QSize size, Quality quality);
+/// @param isCanceled  checked at each row
+/// @return of the image's format; null when there is no memory or the work is canceled
+QImage resampled(const QImage &image, QSize size, Quality quality, const CancelCheck &isCanceled = {});
 
 /// Draws the image through a transform onto a cleared target of the same format, interpolating linearly
 /// between pixels. Beyond its edges the image is transparent (black without alpha), which softens them.

@@ -231,8 +231,21 @@ struct Between {
     }
 };
 
+/// Writes the blurred coverage row by row.
+void writeRows(BlurredRows &rows, const Tint &tint, QImage &target, const CancelCheck &isCanceled)
+{
+    std::vector<float> row(std::size_t(target.width()), 0.0F);
+    uchar *bits = target.bits();
+    for (int y = 0; y < target.height() && !plexa::isCanceled(isCanceled); ++y) {
+        if (rows.next(row.data()))
+            tint.write(row.data(), reinterpret_cast<quint32 *>(bits + y * target.bytesPerLine()),
+                       target.width());
+    }
+}
+
 /// Draws the blurred blocks, with straight lines from middle to middle.
-void writeBlocks(BlurredRows &rows, int columns, int lines, int block, const Tint &tint, QImage &target)
+void writeBlocks(BlurredRows &rows, int columns, int lines, int block, const Tint &tint, QImage &target,
+                 const CancelCheck &isCanceled)
 {
     std::vector<Between> across;
     for (int x = 0; x < target.width(); ++x)
@@ -247,7 +260,7 @@ void writeBlocks(BlurredRows &rows, int columns, int lines, int block, const Tin
     read(lower);
     int have = 0;
     uchar *bits = target.bits();
-    for (int y = 0; y < target.height(); ++y) {
+    for (int y = 0; y < target.height() && !plexa::isCanceled(isCanceled); ++y) {
         const Between down(y, block, lines);
         for (; have < down.second; ++have) {
             upper.swap(lower);
@@ -282,7 +295,7 @@ void writeSharp(const QImage &mark, const Tint &tint, QImage &target)
 
 } // namespace
 
-Shadow shadowOf(const QImage &mark, double blur, const QColor &color)
+Shadow shadowOf(const QImage &mark, double blur, const QColor &color, const CancelCheck &isCanceled)
 {
     const bool isMark = mark.isNull() || mark.format() == QImage::Format_ARGB32_Premultiplied;
     Q_ASSERT(isMark);
@@ -307,18 +320,11 @@ Shadow shadowOf(const QImage &mark, double blur, const QColor &color)
     const int columns = (shadow.image.width() + block - 1) / block;
     const int lines = (shadow.image.height() + block - 1) / block;
     BlurredRows rows(BlockedCoverage(mark, shadow.margin, block, columns), columns, kernel);
-    if (block > 1) {
-        writeBlocks(rows, columns, lines, block, tint, shadow.image);
-        return shadow;
-    }
-    std::vector<float> row(std::size_t(columns), 0.0F);
-    uchar *bits = shadow.image.bits();
-    for (int y = 0; y < lines; ++y) {
-        if (rows.next(row.data()))
-            tint.write(row.data(), reinterpret_cast<quint32 *>(bits + y * shadow.image.bytesPerLine()),
-                       columns);
-    }
-    return shadow;
+    if (block > 1)
+        writeBlocks(rows, columns, lines, block, tint, shadow.image, isCanceled);
+    else
+        writeRows(rows, tint, shadow.image, isCanceled);
+    return plexa::isCanceled(isCanceled) ? Shadow() : shadow;
 }
 
 } // namespace plexa

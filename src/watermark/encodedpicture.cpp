@@ -35,6 +35,9 @@ constexpr int kShareOfMemory = 4;
 /// All pictures together: some logos of the size of a photo.
 constexpr int kMaxKeptKilobytes = 256 * 1024;
 
+/// Pictures above this are decoded one after the other, by all threads.
+constexpr qint64 kManyPixels = 16'000'000;
+
 /// Rows that are turned at a time.
 constexpr int kStripRows = 256;
 
@@ -188,6 +191,13 @@ Result<QImage> EncodedPicture::decoded() const
 {
     if (QImage image = m_kept->image(this); !image.isNull())
         return image;
+    static std::mutex largePictures;
+    std::unique_lock oneAtATime(largePictures, std::defer_lock);
+    if (qint64{size().width()} * size().height() > kManyPixels) {
+        oneAtATime.lock();
+        if (QImage image = m_kept->image(this); !image.isNull())
+            return image;
+    }
     Result<QImage> first = decode(m_representations.front());
     Result<QImage> image = first;
     for (std::size_t i = 1; !image && i < m_representations.size(); ++i)

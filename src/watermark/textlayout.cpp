@@ -187,13 +187,14 @@ private:
     double m_top = 0;
 };
 
-} // namespace
-
-std::mutex &textEngine()
+/// Held while a font of the catalog is in use: copies of a QFont share data that each of them may change.
+std::mutex &catalogFonts()
 {
     static std::mutex mutex;
     return mutex;
 }
+
+} // namespace
 
 Result<TextSetting> setText(const QString &text, const FontCatalog &fonts, const QString &fontName,
                             TextAlignment alignment, double widthInEms)
@@ -203,7 +204,7 @@ Result<TextSetting> setText(const QString &text, const FontCatalog &fonts, const
                         .arg(text.size())
                         .arg(kMaxTextCharacters));
     }
-    const std::lock_guard lock(textEngine());
+    const std::lock_guard lock(catalogFonts());
     const QFont font = fontOf(fonts, fontName);
     const QString prepared = preparedForSetting(text);
     QTextLayout layout(prepared, font);
@@ -223,7 +224,7 @@ Result<TextSetting> setText(const QString &text, const FontCatalog &fonts, const
 
 double lineHeightInEms(const FontCatalog &fonts, const QString &fontName)
 {
-    const std::lock_guard lock(textEngine());
+    const std::lock_guard lock(catalogFonts());
     LineMetrics metrics;
     metrics.include(QRawFont::fromFont(fontOf(fonts, fontName)));
     return metrics.height() / kEm;
@@ -233,7 +234,7 @@ void drawPictureGlyphs(QPainter &painter, const TextSetting &setting, const QRec
 {
     if (setting.pictureGlyphs.empty())
         return;
-    const std::lock_guard lock(textEngine());
+    const std::lock_guard lock(catalogFonts());
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     for (const TextSetting::PictureGlyph &glyph : setting.pictureGlyphs) {
         if (glyph.reach.intersects(part))

@@ -17,12 +17,6 @@ namespace plexa
 
 class FontCatalog;
 
-/// To be held by whoever sets or draws text, SVG drawings included, except in calls to the functions below,
-/// which hold it themselves. The text engine's fonts and caches belong to a thread each, but the font
-/// database behind them, the platform's list of substitutes and a QFont that was copied from another are
-/// shared; what is shared is not promised to be safe.
-std::mutex &textEngine();
-
 /// How lines of a text stand in their frame.
 enum class TextAlignment { Left, Centre, Right };
 

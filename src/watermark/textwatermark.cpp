@@ -87,8 +87,9 @@ public:
 
     QRectF bounds() const { return m_bounds; }
 
-    /// @param ink  its top left corner stands at `at` in the text's pixels; not shared
-    void paint(QImage &ink, QPoint at)
+    /// @param ink         its top left corner is at `at` in the text's pixels; not shared
+    /// @param isCanceled  checked at each tile; the rest is then not painted
+    void paint(QImage &ink, QPoint at, const CancelCheck &isCanceled)
     {
         const qsizetype stride = ink.bytesPerLine();
         uchar *const bits = ink.bits();
@@ -99,6 +100,8 @@ public:
             if (inRow.empty())
                 continue;
             for (int x = 0; x < ink.width(); x += kTileSide) {
+                if (plexa::isCanceled(isCanceled))
+                    return;
                 QImage tile(bits + y * stride + qsizetype{4} * x, std::min(kTileSide, ink.width() - x),
                             height, stride, ink.format());
                 paintTile(tile, at + QPoint(x, y), inRow);
@@ -237,10 +240,11 @@ double fontSizeInPixels(const WPresetValues &values, QSize photo, double lineHei
 }
 
 Result<std::optional<WatermarkBitmap>> createTextWatermarkOfWidth(double width, const WPresetValues &values,
-                                                                  const QString &text, QSize photo,
-                                                                  const FontCatalog &fonts)
+                                                                  const QString &text,
+                                                                  const FontCatalog &fonts,
+                                                                  const Rendering &rendering)
 {
-    const double fontSize = fontSizeInPixels(values, photo, lineHeightInEms(fonts, values.font));
+    const double fontSize = fontSizeInPixels(values, rendering.photo, lineHeightInEms(fonts, values.font));
     if (!(width >= 1) || !(fontSize > 0))
         return std::nullopt;
     const Result<TextSetting> setting =
@@ -251,26 +255,28 @@ Result<std::optional<WatermarkBitmap>> createTextWatermarkOfWidth(double width, 
     const double height = setting->height * fontSize + 1e-6;
     if (!(height >= 1))
         return std::nullopt;
+    const double scale = rendering.scale;
     if (width > kMaxSide || height > kMaxSide)
-        return tooLargeBitmap(width, height);
+        return rendering.tooLarge(QSizeF(width, height) * scale);
 
     WatermarkBitmap bitmap;
     bitmap.size = QSize(static_cast<int>(width), static_cast<int>(height));
-    // The fraction of a pixel that is cut off goes at the top.
-    const QTransform toPixels = QTransform::fromScale(fontSize, fontSize) *
-                                QTransform::fromTranslate(0, bitmap.size.height() - height);
-    PaintableText paintable(*setting, toPixels, inksOf(values, fontSize));
-    const QRectF bounds = paintable.bounds().intersected(QRectF(QPointF(0, 0), QSizeF(bitmap.size)));
+    bitmap.scale = scale;
+    // The fraction of a photo pixel that is cut off goes at the top.
+    const QTransform toPixels = QTransform::fromScale(fontSize * scale, fontSize * scale) *
+                                QTransform::fromTranslate(0, (bitmap.size.height() - height) * scale);
+    PaintableText paintable(*setting, toPixels, inksOf(values, fontSize * scale));
+    const QRectF bounds = paintable.bounds().intersected(QRectF(QPointF(0, 0), QSizeF(bitmap.size) * scale));
     const QRect ink = bounds.toAlignedRect();
     if (ink.isEmpty())
         return bitmap;
-    if (qint64{ink.width()} * ink.height() > maxBitmapPixels(photo))
-        return tooLargeBitmap(ink.width(), ink.height());
+    if (rendering.isTooLarge(ink.size()))
+        return rendering.tooLarge(ink.size());
     bitmap.inkAt = ink.topLeft();
     bitmap.ink = createBitmapContext(ink.width(), ink.height(), true);
     if (bitmap.ink.isNull())
-        return tooLargeBitmap(ink.width(), ink.height());
-    paintable.paint(bitmap.ink, bitmap.inkAt);
+        return rendering.tooLarge(ink.size());
+    paintable.paint(bitmap.ink, ink.topLeft(), rendering.isCanceled);
     return bitmap;
 }
 

@@ -14,15 +14,14 @@ namespace plexa
 class FontCatalog;
 struct WPresetValues;
 
-/// The bitmap of a text watermark before any turning: exactly as wide as the box and as tall as the text
-/// then needs, both cut to whole pixels. What sticks out of it (an outline at the edge) is cut off. Any
+/// The bitmap of a text watermark before any turning: exactly as wide as the frame and as tall as the text
+/// then needs, both cut to whole photo pixels. Parts beyond it (an outline at the edge) are cut off. Any
 /// thread.
-/// @param width  of the box, in pixels of the photo
-/// @param photo  pixels; sizes in percent refer to it
+/// @param width  of the frame, in pixels of the photo
 /// @return none when there is nothing to draw on (no width, no height); a failure when it would be too large
 [[nodiscard]] Result<std::optional<WatermarkBitmap>>
-createTextWatermarkOfWidth(double width, const WPresetValues &values, const QString &text, QSize photo,
-                           const FontCatalog &fonts);
+createTextWatermarkOfWidth(double width, const WPresetValues &values, const QString &text,
+                           const FontCatalog &fonts, const Rendering &rendering);
 
 /// The font size in pixels of the photo. A percentage makes a line of text that many percent of the base
 /// length tall.

@@ -6,7 +6,6 @@
 #include "watermark/watermarklayout.h"
 
 #include <QCoreApplication>
-#include <QLocale>
 
 #include <algorithm>
 #include <cmath>
@@ -20,14 +19,25 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(plexa::WatermarkBitmap)
 };
 
+/// The size of the whole bitmap in pixels of its ink.
+QSizeF renderedSize(const WatermarkBitmap &bitmap)
+{
+    return QSizeF(bitmap.size) * bitmap.scale;
+}
+
+/// From the ink's to the whole bitmap's lower right corner, in pixels of the ink.
+QPointF beyondInk(const WatermarkBitmap &bitmap)
+{
+    const QSizeF rest = renderedSize(bitmap) - QSizeF(bitmap.ink.size());
+    return QPointF(rest.width(), rest.height()) - bitmap.inkAt;
+}
+
 WatermarkBitmap turnedByQuarter(const WatermarkBitmap &bitmap, bool clockwise)
 {
-    const QSize ink = bitmap.ink.size();
-    const int rightOfInk = bitmap.size.width() - bitmap.inkAt.x() - ink.width();
-    const int belowInk = bitmap.size.height() - bitmap.inkAt.y() - ink.height();
-    WatermarkBitmap turned;
+    const QPointF beyond = beyondInk(bitmap);
+    WatermarkBitmap turned = bitmap;
     turned.size = bitmap.size.transposed();
-    turned.inkAt = clockwise ? QPoint(belowInk, bitmap.inkAt.x()) : QPoint(bitmap.inkAt.y(), rightOfInk);
+    turned.inkAt = clockwise ? QPointF(beyond.y(), bitmap.inkAt.x()) : QPointF(bitmap.inkAt.y(), beyond.x());
     if (!bitmap.ink.isNull())
         turned.ink = createImageRotatedByQuarter(bitmap.ink, clockwise);
     return turned;
@@ -35,10 +45,8 @@ WatermarkBitmap turnedByQuarter(const WatermarkBitmap &bitmap, bool clockwise)
 
 WatermarkBitmap turnedByHalf(const WatermarkBitmap &bitmap)
 {
-    const QSize rest = bitmap.size - bitmap.ink.size();
-    WatermarkBitmap turned;
-    turned.size = bitmap.size;
-    turned.inkAt = QPoint(rest.width(), rest.height()) - bitmap.inkAt;
+    WatermarkBitmap turned = bitmap;
+    turned.inkAt = beyondInk(bitmap);
     if (!bitmap.ink.isNull())
         turned.ink = createImageRotatedByHalf(bitmap.ink);
     return turned;
@@ -46,17 +54,16 @@ WatermarkBitmap turnedByHalf(const WatermarkBitmap &bitmap)
 
 WatermarkBitmap mirroredOnce(const WatermarkBitmap &bitmap, bool vertically)
 {
+    const QPointF beyond = beyondInk(bitmap);
     WatermarkBitmap flipped = bitmap;
-    if (vertically)
-        flipped.inkAt.setY(bitmap.size.height() - bitmap.inkAt.y() - bitmap.ink.height());
-    else
-        flipped.inkAt.setX(bitmap.size.width() - bitmap.inkAt.x() - bitmap.ink.width());
+    flipped.inkAt =
+        vertically ? QPointF(bitmap.inkAt.x(), beyond.y()) : QPointF(beyond.x(), bitmap.inkAt.y());
     if (!bitmap.ink.isNull())
         flipped.ink = createImageFlipped(bitmap.ink, vertically);
     return flipped;
 }
 
-/// The bounding box of a turned rectangle.
+/// The bounding box of a tilted rectangle.
 QSizeF turnedSize(QSizeF size, double radians)
 {
     const double s = std::abs(std::sin(radians));
@@ -64,61 +71,66 @@ QSizeF turnedSize(QSizeF size, double radians)
     return {size.width() * c + size.height() * s, size.width() * s + size.height() * c};
 }
 
-/// Turns the ink alone. Its centre goes round the bitmap's centre, and that becomes the centre of the
-/// turned bitmap.
-Result<WatermarkBitmap> turnedFreely(const WatermarkBitmap &bitmap, double radians, qint64 maxPixels)
+/// Tilts the ink alone. Its center moves around the center of the bitmap, which becomes the center of the
+/// tilted bitmap.
+Result<WatermarkBitmap> turnedFreely(const WatermarkBitmap &bitmap, double radians,
+                                     const Rendering &rendering)
 {
     const QSizeF box = turnedSize(bitmap.size, radians);
     const QSizeF inkBox = turnedSize(bitmap.ink.size(), radians);
-    if (inkBox.width() * inkBox.height() > static_cast<double>(maxPixels))
-        return tooLargeBitmap(inkBox.width(), inkBox.height());
-    WatermarkBitmap turned;
+    if (rendering.isTooLarge(inkBox))
+        return rendering.tooLarge(inkBox);
+    WatermarkBitmap turned = bitmap;
     turned.size = QSize(static_cast<int>(box.width()), static_cast<int>(box.height()));
     if (bitmap.ink.isNull())
         return turned;
     turned.ink = createImageRotatedByAngle(bitmap.ink, radians);
     if (turned.ink.isNull())
         return WatermarkBitmap{};
-    const QPointF fromCentre = QRectF(bitmap.inkAt, bitmap.ink.size()).center() -
-                               QPointF(bitmap.size.width() / 2.0, bitmap.size.height() / 2.0);
+    const QSizeF whole = renderedSize(bitmap);
+    const QPointF fromCenter =
+        QRectF(bitmap.inkAt, bitmap.ink.size()).center() - QPointF(whole.width() / 2, whole.height() / 2);
     const double s = std::sin(radians);
     const double c = std::cos(radians);
-    const QPointF centre(box.width() / 2 + fromCentre.x() * c + fromCentre.y() * s,
-                         box.height() / 2 - fromCentre.x() * s + fromCentre.y() * c);
-    turned.inkAt = (centre - QPointF(inkBox.width() / 2, inkBox.height() / 2)).toPoint();
+    const QPointF center(box.width() * bitmap.scale / 2 + fromCenter.x() * c + fromCenter.y() * s,
+                         box.height() * bitmap.scale / 2 - fromCenter.x() * s + fromCenter.y() * c);
+    const QPointF corner = center - QPointF(inkBox.width() / 2, inkBox.height() / 2);
+    turned.inkAt = bitmap.scale == 1 ? QPointF(corner.toPoint()) : corner;
     return turned;
 }
 
 } // namespace
 
-qint64 maxBitmapPixels(QSize photo)
+bool Rendering::isTooLarge(QSizeF size) const
 {
     constexpr qint64 always = 64'000'000;
-    return std::max(always, 2 * qint64{photo.width()} * photo.height());
+    const qint64 pixels = std::max(always, 2 * qint64{photo.width()} * photo.height());
+    return size.width() * size.height() > static_cast<double>(pixels) * scale * scale;
 }
 
-tl::unexpected<Error> tooLargeBitmap(double width, double height)
+tl::unexpected<Error> Rendering::tooLarge(QSizeF size) const
 {
     return fail(
         Texts::tr(
             "the watermark would be %1 x %2 pixels large, more than memory is given for; make it smaller")
-            .arg(width, 0, 'f', 0)
-            .arg(height, 0, 'f', 0));
+            .arg(size.width() / scale, 0, 'f', 0)
+            .arg(size.height() / scale, 0, 'f', 0));
 }
 
-Result<WatermarkBitmap> turnedByAngle(const WatermarkBitmap &bitmap, float degrees, qint64 maxPixels)
+Result<WatermarkBitmap> turnedByAngle(const WatermarkBitmap &bitmap, float degrees,
+                                      const Rendering &rendering)
 {
     const float radians = positiveRadians(degrees);
     if (!(radians > 0) || !std::isfinite(radians))
         return bitmap;
-    // Whole quarters need no interpolation, which would blur.
+    // Quarter turns need no interpolation, which would blur.
     const float fromQuarter = std::fmod(degrees, 90.0F);
     if (fromQuarter == 0) {
         const int quarters = (static_cast<int>(std::fmod(degrees, 360.0F)) / 90 + 4) % 4;
         constexpr int rotations[] = {0, 1, 3, 2};
         return turnedByQuarters(bitmap, rotations[quarters]);
     }
-    return turnedFreely(bitmap, static_cast<double>(radians), maxPixels);
+    return turnedFreely(bitmap, static_cast<double>(radians), rendering);
 }
 
 WatermarkBitmap turnedByQuarters(const WatermarkBitmap &bitmap, int rotation)

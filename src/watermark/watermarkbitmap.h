@@ -2,35 +2,43 @@
 
 #pragma once
 
+#include "platform/cancelcheck.h"
 #include "platform/result.h"
 
 #include <QImage>
-#include <QPoint>
+#include <QPointF>
 #include <QSize>
 
 namespace plexa
 {
 
-/// The bitmap of a watermark, of which only the part with something in it is kept: a line of text is much
-/// smaller than the box that it stands in.
-struct WatermarkBitmap {
-    QSize size{0, 0}; ///< of the whole bitmap
-    QImage ink;       ///< Format_ARGB32_Premultiplied, sRGB; null: the whole bitmap is transparent
-    QPoint inkAt;     ///< the ink's top left corner, from the bitmap's top left corner
+/// What a watermark is rendered for.
+struct Rendering {
+    QSize photo{0, 0};           ///< pixels after all turns; everything is measured in these
+    double scale = 1;            ///< rendered pixels for each photo pixel, in (0, 1]
+    CancelCheck isCanceled = {}; ///< may be empty
+
+    /// Whether a bitmap of so many rendered pixels takes too much memory: at every scale the same ones.
+    bool isTooLarge(QSizeF size) const;
+
+    /// The failure for a bitmap of so many rendered pixels.
+    tl::unexpected<Error> tooLarge(QSizeF size) const;
 };
 
-/// The most pixels that one bitmap may take for a photo of that size; beyond, drawing fails with a message
-/// instead of taking all memory.
-qint64 maxBitmapPixels(QSize photo);
+/// The bitmap of a watermark. Only the part that is not transparent is stored: a line of text is much smaller
+/// than its frame.
+struct WatermarkBitmap {
+    QSize size{0, 0}; ///< of the whole bitmap, in photo pixels
+    double scale = 1; ///< pixels of the ink for each photo pixel
+    QImage ink = {};  ///< Format_ARGB32_Premultiplied, sRGB; null: the whole bitmap is transparent
+    QPointF inkAt; ///< from the bitmap's to the ink's top left corner, in pixels of the ink; whole at scale 1
+};
 
-/// The failure for a bitmap that is beyond it.
-tl::unexpected<Error> tooLargeBitmap(double width, double height);
-
-/// The bitmap turned counter-clockwise, in its bounding box (fractions of a pixel cut off).
-/// @param degrees  as presets keep it; 0 to 360, and -360 to 0, have an effect
-/// @return a bitmap without size when it cannot be turned; a failure when it would be beyond `maxPixels`
+/// The bitmap tilted counter-clockwise, in its bounding box (fractions of a photo pixel cut off).
+/// @param degrees  as presets store it; 0 to 360, and -360 to 0, have an effect
+/// @return a bitmap without size when it cannot be tilted; a failure when it is too large
 [[nodiscard]] Result<WatermarkBitmap> turnedByAngle(const WatermarkBitmap &bitmap, float degrees,
-                                                    qint64 maxPixels);
+                                                    const Rendering &rendering);
 
 /// @param rotation  1 a quarter turn counter-clockwise, 2 a quarter turn clockwise, 3 half a turn, else none
 WatermarkBitmap turnedByQuarters(const WatermarkBitmap &bitmap, int rotation);

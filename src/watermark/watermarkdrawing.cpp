@@ -23,7 +23,7 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(plexa::WatermarkDrawing)
 };
 
-/// The sides of a picture that stand for nothing drawable.
+/// Longer sides and distances cannot be drawn.
 constexpr double kMaxSide = 1e9;
 
 double fractionOf(WholeNumber percent)
@@ -31,8 +31,13 @@ double fractionOf(WholeNumber percent)
     return std::clamp(percent.value_or(0) / 100.0, 0.0, 1.0);
 }
 
+QSize renderedSize(QSize size, double scale)
+{
+    return (QSizeF(size) * scale).toSize().expandedTo(QSize(1, 1));
+}
+
 Result<std::optional<WatermarkBitmap>> createImageWatermarkOfWidth(double width, const WPresetValues &values,
-                                                                   QSize photo)
+                                                                   const Rendering &rendering)
 {
     if (values.image.isNull())
         return std::nullopt;
@@ -42,41 +47,44 @@ Result<std::optional<WatermarkBitmap>> createImageWatermarkOfWidth(double width,
     const double height = width / picture.width() * picture.height();
     if (!(width >= 1 && height >= 1))
         return std::nullopt;
+    const double scale = rendering.scale;
+    const auto tooLarge = [&] { return rendering.tooLarge(QSizeF(width, height) * scale); };
     if (width > kMaxSide || height > kMaxSide)
-        return tooLargeBitmap(width, height);
+        return tooLarge();
     WatermarkBitmap bitmap;
     bitmap.size = QSize(static_cast<int>(width), static_cast<int>(height));
-    if (qint64{bitmap.size.width()} * bitmap.size.height() > maxBitmapPixels(photo))
-        return tooLargeBitmap(width, height);
-    bitmap.ink = values.image.imageOfSize(bitmap.size);
+    bitmap.scale = scale;
+    if (rendering.isTooLarge(QSizeF(bitmap.size) * scale))
+        return tooLarge();
+    bitmap.ink = values.image.imageOfSize(renderedSize(bitmap.size, scale), rendering.isCanceled);
     if (!bitmap.ink.isNull())
         return bitmap;
     const QString fault = values.pictureFault();
-    return fault.isEmpty() ? tooLargeBitmap(width, height) : fail(fault);
+    return fault.isEmpty() ? tooLarge() : fail(fault);
 }
 
 /// The watermark's bitmap before any turning.
-Result<std::optional<WatermarkBitmap>>
-createWatermarkForImage(const WPresetValues &values, const PhotoFacts &photo, const FontCatalog &fonts)
+Result<std::optional<WatermarkBitmap>> createWatermarkForImage(const WPresetValues &values,
+                                                               const PhotoFacts &photo,
+                                                               const FontCatalog &fonts,
+                                                               const Rendering &rendering)
 {
-    const QSize size = photo.pixelSize();
     const float width =
-        absoluteValueForSize(static_cast<float>(values.width.value_or(0)), values.widthUnit, size);
+        absoluteValueForSize(static_cast<float>(values.width.value_or(0)), values.widthUnit, rendering.photo);
     if (values.type == QLatin1StringView("Image"))
-        return createImageWatermarkOfWidth(static_cast<double>(width), values, size);
+        return createImageWatermarkOfWidth(static_cast<double>(width), values, rendering);
     const std::optional<QString> text = watermarkTextForImage(values, photo);
     if (!text)
         return std::nullopt;
-    return createTextWatermarkOfWidth(static_cast<double>(width), values, *text, size, fonts);
+    return createTextWatermarkOfWidth(static_cast<double>(width), values, *text, fonts, rendering);
 }
 
-Result<WatermarkBitmap> turned(const WatermarkBitmap &bitmap, const WPresetValues &values, QSize photo)
+Result<WatermarkBitmap> turned(const WatermarkBitmap &bitmap, const WPresetValues &values,
+                               const Rendering &rendering)
 {
-    const Result<WatermarkBitmap> byAngle =
-        turnedByAngle(bitmap, values.angle.value_or(0.0F), maxBitmapPixels(photo));
-    if (!byAngle)
-        return byAngle;
-    return mirrored(turnedByQuarters(*byAngle, values.rotation.value_or(0)), values.flip.value_or(0));
+    return turnedByAngle(bitmap, values.angle.value_or(0.0F), rendering).map([&](const auto &byAngle) {
+        return mirrored(turnedByQuarters(byAngle, values.rotation.value_or(0)), values.flip.value_or(0));
+    });
 }
 
 /// Black at one third.
@@ -85,85 +93,148 @@ QColor shadowColor()
     return QColor::fromRgbF(0, 0, 0, 1.0F / 3);
 }
 
-} // namespace
-
-void WatermarkDrawing::placeBox(const WPresetValues &values, QSize photo)
+int roundedPixels(double length)
 {
-    if (!m_layout.box || !values.backgroundColor.isValid())
-        return;
-    const QRectF &box = *m_layout.box;
-    QColor color = createCGColorFromColor(values.backgroundColor);
-    color.setAlphaF(static_cast<float>(fractionOf(values.backgroundOpacity)));
-    m_box = Box{QRectF(box.x(), photo.height() - box.y() - box.height(), box.width(), box.height()), color};
+    return static_cast<int>(std::round(std::clamp(length, -kMaxSide, kMaxSide)));
 }
 
-Result<void> WatermarkDrawing::castShadow(const WPresetValues &values, QSize photo)
+} // namespace
+
+void WatermarkDrawing::placeBox()
 {
-    if (!values.shadow || m_mark.isNull())
+    m_box.reset();
+    if (!m_layout.box || !m_values.backgroundColor.isValid())
+        return;
+    const QRectF &box = *m_layout.box;
+    QColor color = createCGColorFromColor(m_values.backgroundColor);
+    color.setAlphaF(static_cast<float>(fractionOf(m_values.backgroundOpacity)));
+    const double top = m_photo.height() - box.y() - box.height();
+    m_box =
+        Box{QRectF(box.x() * m_scale, top * m_scale, box.width() * m_scale, box.height() * m_scale), color};
+}
+
+Result<void> WatermarkDrawing::castShadow(const CancelCheck &isCanceled)
+{
+    if (!m_values.shadow || m_mark.image.isNull())
         return {};
-    const double blur = std::max(0, values.shadowBlur.value_or(0));
+    const Rendering rendering{m_photo, m_scale, isCanceled};
+    const double blur = std::max(0, m_values.shadowBlur.value_or(0)) * m_scale;
     // The blur reaches some three standard deviations, of half its size each, to all sides.
-    const double width = m_mark.width() + 4 * blur;
-    const double height = m_mark.height() + 4 * blur;
-    if (width * height > static_cast<double>(maxBitmapPixels(photo)))
-        return tooLargeBitmap(width, height);
-    m_shadow = shadowOf(m_mark, blur, shadowColor());
-    if (m_shadow.image.isNull())
-        return tooLargeBitmap(width, height);
-    const QPointF offset = m_layout.shadowOffset;
-    constexpr double far = kMaxSide;
-    m_shadowOffset = QPoint(static_cast<int>(std::round(std::clamp(offset.x(), -far, far))),
-                            static_cast<int>(std::round(std::clamp(-offset.y(), -far, far)))) -
-                     QPoint(m_shadow.margin, m_shadow.margin);
+    const QSizeF size = QSizeF(m_mark.image.size()) + QSizeF(4 * blur, 4 * blur);
+    if (rendering.isTooLarge(size))
+        return rendering.tooLarge(size);
+    m_mark.shadow = shadowOf(m_mark.image, blur, shadowColor(), isCanceled);
+    if (m_mark.shadow.image.isNull())
+        return rendering.tooLarge(size);
+    const QPointF offset = m_layout.shadowOffset * m_scale;
+    m_mark.shadowOffset = QPoint(roundedPixels(offset.x()), roundedPixels(-offset.y())) -
+                          QPoint(m_mark.shadow.margin, m_mark.shadow.margin);
     return {};
 }
 
-void WatermarkDrawing::placeStamps(QSize photo, QPoint inkAt)
+void WatermarkDrawing::placeStamps()
 {
-    if (m_mark.isNull() || !(m_opacity > 0))
+    m_stamps.clear();
+    if (m_mark.image.isNull() || !(m_mark.opacity > 0))
         return;
-    QRectF reach(QPointF(inkAt), QSizeF(m_mark.size()));
-    if (!m_shadow.image.isNull())
-        reach |= QRectF(QPointF(inkAt + m_shadowOffset), QSizeF(m_shadow.image.size()));
-    const QRectF all(QPointF(0, 0), QSizeF(photo));
+    QRectF reach(QPointF(0, 0), QSizeF(m_mark.image.size()));
+    if (!m_mark.shadow.image.isNull())
+        reach |= QRectF(QPointF(m_mark.shadowOffset), QSizeF(m_mark.shadow.image.size()));
+    const QRectF all = target();
     for (const QPointF &copy : m_layout.repeats) {
-        const QPointF topLeft(std::round(copy.x()),
-                              std::round(photo.height() - copy.y() - m_layout.rect.height()));
-        if (reach.translated(topLeft).intersects(all))
-            m_stamps.push_back({topLeft.toPoint() + inkAt});
+        // Saved copies are on whole photo pixels, which keeps text sharp.
+        const QPointF corner(std::round(copy.x()),
+                             std::round(m_photo.height() - copy.y() - m_layout.rect.height()));
+        const QPointF at = corner * m_scale + m_mark.at;
+        const QPointF onPixel(std::round(at.x()), std::round(at.y()));
+        if (reach.translated(onPixel).intersects(all))
+            m_stamps.push_back(onPixel.toPoint());
     }
 }
 
-Result<std::optional<WatermarkDrawing>> WatermarkDrawing::prepare(const WPresetValues &values,
+Result<void> WatermarkDrawing::layOut(std::optional<QPointF> customOrigin)
+{
+    m_layout = layoutWatermark(m_values, m_photo, m_size, customOrigin);
+    if (m_layout.tooManyRepeats)
+        return fail(Texts::tr("the watermark would be repeated too many times; make the distances larger"));
+    return {};
+}
+
+void WatermarkDrawing::place()
+{
+    placeBox();
+    placeStamps();
+}
+
+Result<std::optional<WatermarkDrawing>> WatermarkDrawing::prepare(const MarkOrder &order,
                                                                   const PhotoFacts &photo,
                                                                   const FontCatalog &fonts,
-                                                                  std::optional<QPointF> customOrigin)
+                                                                  const DrawingOptions &options)
 {
-    const Result<std::optional<WatermarkBitmap>> bitmap = createWatermarkForImage(values, photo, fonts);
+    const Rendering rendering{photo.pixelSize(), options.scale, options.isCanceled};
+    const auto failed = [&](const Error &error) {
+        return fail(plexa::isCanceled(options.isCanceled) ? cancelledText() : error.text);
+    };
+    const Result<std::optional<WatermarkBitmap>> bitmap =
+        createWatermarkForImage(order.values, photo, fonts, rendering);
     if (!bitmap)
-        return tl::unexpected(bitmap.error());
+        return failed(bitmap.error());
     if (!*bitmap)
         return std::nullopt;
-    const QSize size = photo.pixelSize();
-    Result<WatermarkBitmap> mark = turned(**bitmap, values, size);
+    const Result<WatermarkBitmap> mark = turned(**bitmap, order.values, rendering);
     if (!mark)
-        return tl::unexpected(mark.error());
+        return failed(mark.error());
 
     WatermarkDrawing drawing;
-    drawing.m_layout = layoutWatermark(values, size, mark->size, customOrigin);
-    if (drawing.m_layout.tooManyRepeats)
-        return fail(Texts::tr("the watermark would be repeated too many times; make the distances larger"));
-    drawing.m_mark = mark->ink;
-    drawing.m_mode = blendModeNamed(values.blendMode);
-    drawing.m_opacity = fractionOf(values.opacity);
-    drawing.placeBox(values, size);
-    if (Result<void> cast = drawing.castShadow(values, size); !cast)
-        return tl::unexpected(cast.error());
-    drawing.placeStamps(size, mark->inkAt);
-    const bool isBoxVisible = drawing.m_box && drawing.m_box->color.alpha() > 0 &&
-                              drawing.m_box->rect.intersects(QRectF(QPointF(0, 0), QSizeF(size)));
-    drawing.m_isVisible = isBoxVisible || !drawing.m_stamps.empty();
+    drawing.m_values = order.values;
+    drawing.m_photo = rendering.photo;
+    drawing.m_scale = rendering.scale;
+    drawing.m_size = mark->size;
+    drawing.m_mark.image = mark->ink;
+    drawing.m_mark.at = mark->inkAt;
+    drawing.m_mark.mode = blendModeNamed(order.values.blendMode);
+    drawing.m_mark.opacity = fractionOf(order.values.opacity);
+    const Result<void> cast =
+        drawing.layOut(order.customOrigin).and_then([&] { return drawing.castShadow(options.isCanceled); });
+    if (!cast)
+        return failed(cast.error());
+    drawing.place();
+    if (plexa::isCanceled(options.isCanceled))
+        return fail(cancelledText());
     return drawing;
+}
+
+std::vector<Result<std::optional<WatermarkDrawing>>>
+WatermarkDrawing::prepareEach(std::span<const MarkOrder> orders, const PhotoFacts &photo,
+                              const FontCatalog &fonts, const DrawingOptions &options)
+{
+    std::vector<Result<std::optional<WatermarkDrawing>>> drawings;
+    for (const MarkOrder &order : orders)
+        drawings.push_back(prepare(order, photo, fonts, options));
+    return drawings;
+}
+
+Result<WatermarkDrawing> WatermarkDrawing::movedTo(QPointF origin) const
+{
+    WatermarkDrawing moved = *this;
+    if (const Result<void> laidOut = moved.layOut(origin); !laidOut)
+        return tl::unexpected(laidOut.error());
+    moved.place();
+    return moved;
+}
+
+QRect WatermarkDrawing::coveredRect() const
+{
+    QRect covered;
+    if (m_box && m_box->color.alpha() > 0)
+        covered = m_box->rect.intersected(target()).toAlignedRect();
+    const QRect image(QPoint(0, 0), m_mark.image.size());
+    const QRect shadow(m_mark.shadowOffset, m_mark.shadow.image.size());
+    const QRect reach = m_mark.shadow.image.isNull() ? image : image | shadow;
+    const QRect all = target().toAlignedRect();
+    for (const QPoint &stamp : m_stamps)
+        covered |= reach.translated(stamp) & all;
+    return covered;
 }
 
 void WatermarkDrawing::drawRows(QImage &rows, int firstRow) const
@@ -172,12 +243,13 @@ void WatermarkDrawing::drawRows(QImage &rows, int firstRow) const
     const auto touches = [&](int top, int height) { return top < end && top + height > firstRow; };
     if (m_box && m_box->rect.top() < end && m_box->rect.bottom() > firstRow)
         fillRows(rows, firstRow, m_box->rect, m_box->color);
-    for (const Stamp &stamp : m_stamps) {
-        const QPoint shadowAt = stamp.topLeft + m_shadowOffset;
-        if (!m_shadow.image.isNull() && touches(shadowAt.y(), m_shadow.image.height()))
-            stampRows(rows, firstRow, m_shadow.image, shadowAt, m_mode, m_opacity);
-        if (touches(stamp.topLeft.y(), m_mark.height()))
-            stampRows(rows, firstRow, m_mark, stamp.topLeft, m_mode, m_opacity);
+    for (const QPoint &stamp : m_stamps) {
+        const QPoint shadowAt = stamp + m_mark.shadowOffset;
+        const QImage &shadow = m_mark.shadow.image;
+        if (!shadow.isNull() && touches(shadowAt.y(), shadow.height()))
+            stampRows(rows, firstRow, shadow, shadowAt, m_mark.mode, m_mark.opacity);
+        if (touches(stamp.y(), m_mark.image.height()))
+            stampRows(rows, firstRow, m_mark.image, stamp, m_mark.mode, m_mark.opacity);
     }
 }
 
@@ -188,7 +260,7 @@ Result<QImage> createWatermarkOnImage(const QImage &image, const WPresetValues &
     const std::optional<QPointF> customOrigin =
         rect && useCustomRect ? std::optional(rect->topLeft()) : std::nullopt;
     const Result<std::optional<WatermarkDrawing>> drawing =
-        WatermarkDrawing::prepare(values, photo, fonts, customOrigin);
+        WatermarkDrawing::prepare({values, customOrigin}, photo, fonts);
     if (!drawing)
         return tl::unexpected(drawing.error());
     if (!*drawing)

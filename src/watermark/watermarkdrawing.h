@@ -2,11 +2,14 @@
 
 #pragma once
 
+#include "platform/cancelcheck.h"
 #include "platform/result.h"
 #include "raster/compositing.h"
 #include "watermark/watermarklayout.h"
+#include "watermark/wpresetvalues.h"
 
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace plexa
@@ -14,63 +17,102 @@ namespace plexa
 
 class FontCatalog;
 class PhotoFacts;
-struct WPresetValues;
 
-/// A watermark that is ready to be drawn on one photo, whole or strip by strip. Immutable; any number of
-/// threads may draw different strips.
+/// A preset to be drawn on one photo.
+struct MarkOrder {
+    WPresetValues values;
+    std::optional<QPointF> customOrigin = {}; ///< place chosen by hand: photo pixels, origin bottom left
+};
+
+/// How a watermark is prepared.
+struct DrawingOptions {
+    double scale = 1;            ///< pixels of the target for each photo pixel, in (0, 1]
+    CancelCheck isCanceled = {}; ///< checked at each tile of a text and each row of a logo or a shadow
+};
+
+/// A watermark that is ready to be drawn on one photo, whole or strip by strip. Everything is measured at the
+/// photo's full size; a picture of the photo that is reduced for the screen gets the same watermark, rendered
+/// at its scale. Immutable; any number of threads may draw different strips.
 class WatermarkDrawing final
 {
 public:
-    /// Makes the watermark bitmap, turns it and lays it out.
-    /// @param customOrigin  a place chosen by hand (photo pixels, origin bottom left), or none
+    /// The watermark as it is stamped for each copy. Pixels of the target, y downwards.
+    struct Mark {
+        QImage image;        ///< Format_ARGB32_Premultiplied; null when the watermark is transparent
+        QPointF at;          ///< from the corner of the watermark's rectangle; both corners top left
+        Shadow shadow = {};  ///< its image is null without a shadow
+        QPoint shadowOffset; ///< from the image's to the shadow image's top left corner
+        BlendMode mode = BlendMode::Normal; ///< of shadow and image
+        double opacity = 1;                 ///< of shadow and image, 0..1
+    };
+
+    /// Pixels of the target, origin at its top left. Blended normally, below all copies.
+    struct Box {
+        QRectF rect;
+        QColor color;
+    };
+
+    /// Renders the mark, turns it and lays it out.
     /// @return no value when the preset yields no watermark for this photo (no text, no picture); a failure
-    ///         when no bitmap can be made
-    [[nodiscard]] static Result<std::optional<WatermarkDrawing>> prepare(const WPresetValues &values,
+    ///         when no bitmap can be made or the work is canceled
+    [[nodiscard]] static Result<std::optional<WatermarkDrawing>> prepare(const MarkOrder &order,
                                                                          const PhotoFacts &photo,
                                                                          const FontCatalog &fonts,
-                                                                         std::optional<QPointF> customOrigin);
+                                                                         const DrawingOptions &options = {});
 
-    /// The layout, in photo pixels with the origin at the bottom left.
+    /// Prepares several presets. One that fails leaves the others alone.
+    /// @return the result of each preset, in their order
+    [[nodiscard]] static std::vector<Result<std::optional<WatermarkDrawing>>>
+    prepareEach(std::span<const MarkOrder> orders, const PhotoFacts &photo, const FontCatalog &fonts,
+                const DrawingOptions &options = {});
+
+    /// The same mark at another place; it is not rendered again.
+    /// @param origin  of the watermark's rectangle: photo pixels, origin at the bottom left
+    /// @return a failure when it would be repeated too many times from there
+    [[nodiscard]] Result<WatermarkDrawing> movedTo(QPointF origin) const;
+
+    /// The layout, in photo pixels with the origin at the bottom left, whatever the scale.
     const WatermarkLayout &layout() const { return m_layout; }
 
-    /// Does anything of it reach into the photo? A text of blanks, opacity 0 and a place outside do not.
-    bool isVisible() const { return m_isVisible; }
+    const Mark &mark() const { return m_mark; }
+    const std::optional<Box> &box() const { return m_box; }
 
-    /// Draws onto the photo's rows `firstRow <= y < firstRow + rows.height()` (y from the top). Formats as in
-    /// raster/compositing.h. Touches only what the watermark covers.
+    /// Whether a part of it lies in the photo. A text of blanks, opacity 0 and a place outside give none.
+    bool isVisible() const { return !coveredRect().isEmpty(); }
+
+    /// The pixels of the target that drawing may change, origin at its top left; empty: none.
+    QRect coveredRect() const;
+
+    /// Draws onto the target's rows `firstRow <= y < firstRow + rows.height()` (y from the top). Formats as
+    /// in raster/compositing.h. Changes coveredRect() only. A caller that may be canceled draws strip by
+    /// strip.
+    /// @param rows  of the photo, or of its picture reduced by the scale
     void drawRows(QImage &rows, int firstRow) const;
 
 private:
     WatermarkDrawing() = default;
 
-    void placeBox(const WPresetValues &values, QSize photo);
-    [[nodiscard]] Result<void> castShadow(const WPresetValues &values, QSize photo);
-    void placeStamps(QSize photo, QPoint inkAt);
+    [[nodiscard]] Result<void> castShadow(const CancelCheck &isCanceled);
+    [[nodiscard]] Result<void> layOut(std::optional<QPointF> customOrigin);
+    void place();
+    void placeBox();
+    void placeStamps();
+    QRectF target() const { return {QPointF(0, 0), QSizeF(m_photo) * m_scale}; }
 
-    struct Box {
-        QRectF rect; ///< origin top left
-        QColor color;
-    };
-
-    struct Stamp {
-        QPoint topLeft; ///< of the mark, origin top left
-    };
-
+    WPresetValues m_values;
+    QSize m_photo;
+    double m_scale = 1;
+    QSize m_size; ///< of the turned bitmap, in photo pixels
     WatermarkLayout m_layout;
     std::optional<Box> m_box;
-    QImage m_mark; ///< the part of the bitmap with something in it
-    Shadow m_shadow;
-    QPoint m_shadowOffset; ///< from the mark's to the shadow's top left corner, y downwards
-    BlendMode m_mode = BlendMode::Normal;
-    double m_opacity = 1;
-    bool m_isVisible = false;
-    std::vector<Stamp> m_stamps; ///< those that reach into the photo
+    Mark m_mark;
+    std::vector<QPoint> m_stamps; ///< top left corners of the copies of the mark that reach into the photo
 };
 
 /// The photo with the watermark on it.
 /// @param image          the photo's pixels, format as in raster/compositing.h; brought to `photo`'s size
 ///                       where it has another one
-/// @param useCustomRect  `rect` brings the origin to use (photo pixels, bottom left)
+/// @param useCustomRect  `rect` holds the origin to use (photo pixels, bottom left)
 /// @param rect           may be null; receives the origin that was used and the bitmap's size
 /// @return `image` itself (the same pixels, not a copy) when the preset yields no watermark for this photo;
 ///         a failure when no bitmap can be made

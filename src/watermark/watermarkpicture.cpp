@@ -7,8 +7,8 @@
 #include "raster/bitmaputilities.h"
 #include "raster/orientation.h"
 #include "watermark/encodedpicture.h"
+#include "watermark/scaledpictures.h"
 #include "watermark/svgcheck.h"
-#include "watermark/textlayout.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -31,12 +31,6 @@ struct Texts {
 constexpr qint64 kHeadBytes = 1024; // enough to tell formats apart
 constexpr qint64 kMaxSvgBytes = 16'000'000;
 
-/// A scaled picture above this is made anew for each photo.
-constexpr qint64 kMaxCachedBytes = 64'000'000;
-
-/// Pictures above this are decoded one after the other, whoever needs them.
-constexpr qint64 kManyPixels = 16'000'000;
-
 bool isSvg(QByteArrayView head)
 {
     const QByteArray start = head.first(std::min<qsizetype>(head.size(), 1024)).toByteArray().trimmed();
@@ -54,8 +48,6 @@ bool loadRenderer(QSvgRenderer &renderer, const QByteArray &svg)
 
 QImage renderedSvg(const QByteArray &svg, QSize size)
 {
-    // Drawings may have text in them.
-    const std::lock_guard lock(textEngine());
     QSvgRenderer renderer;
     QImage image = createBitmapContext(size.width(), size.height(), true);
     if (image.isNull() || !loadRenderer(renderer, svg))
@@ -116,11 +108,15 @@ struct WatermarkPicture::Data {
     std::shared_ptr<const EncodedPicture> encoded;
     QSizeF size;
 
-    mutable std::mutex lock;
-    mutable QImage lastScaled; // guarded by lock
+    const std::shared_ptr<ScaledPictures> scaledPictures = ScaledPictures::shared();
 
-    mutable std::mutex faultLock; // of its own, so that nobody who asks for the fault waits for a drawing
-    mutable QString fault;        // guarded by faultLock
+    mutable std::mutex faultLock;
+    mutable QString fault; // guarded by faultLock
+
+    Data() = default;
+    Data(const Data &) = delete;
+    Data &operator=(const Data &) = delete;
+    ~Data() { scaledPictures->remove(this); }
 
     void setFault(const QString &text) const
     {
@@ -139,18 +135,15 @@ struct WatermarkPicture::Data {
         return image.value_or(QImage());
     }
 
-    QImage scaled(QSize to) const
+    QImage rendered(QSize to, const CancelCheck &isCanceled) const
     {
-        if (!svg.isEmpty())
-            return renderedSvg(svg, to);
-        static std::mutex largeOnes;
-        std::unique_lock oneAtATime(largeOnes, std::defer_lock);
-        if (encoded && size.width() * size.height() > double{kManyPixels})
-            oneAtATime.lock();
-        const QImage image = decoded();
-        if (image.isNull() || image.size() == to)
-            return image;
-        return createImageScaledToSize(image, to.width(), to.height(), true);
+        if (plexa::isCanceled(isCanceled))
+            return {};
+        QImage image = svg.isEmpty() ? decoded() : renderedSvg(svg, to);
+        if (!image.isNull() && image.size() != to)
+            image = createImageScaledToSize(image, to.width(), to.height(), true, isCanceled);
+        image.convertTo(QImage::Format_ARGB32_Premultiplied);
+        return image;
     }
 };
 
@@ -199,8 +192,6 @@ Result<WatermarkPicture> WatermarkPicture::fromSvg(const QByteArray &svg)
 {
     if (const QString fault = faultOfSvg(svg); !fault.isEmpty())
         return fail(fault);
-    // Drawings may have text in them.
-    const std::lock_guard lock(textEngine());
     QSvgRenderer renderer;
     if (!loadRenderer(renderer, svg))
         return fail(Texts::tr("the SVG drawing cannot be read"));
@@ -277,20 +268,12 @@ QImage WatermarkPicture::image() const
     return imageOfSize(m_data->size.toSize().expandedTo(QSize(1, 1)));
 }
 
-QImage WatermarkPicture::imageOfSize(QSize size) const
+QImage WatermarkPicture::imageOfSize(QSize size, const CancelCheck &isCanceled) const
 {
     if (!m_data || size.isEmpty())
         return {};
-    // Held while drawing: workers that need the same picture wait for it instead of drawing it, too.
-    const std::lock_guard guard(m_data->lock);
-    if (m_data->lastScaled.size() == size)
-        return m_data->lastScaled;
-    QImage scaled = m_data->scaled(size);
-    if (scaled.isNull())
-        return {};
-    scaled.convertTo(QImage::Format_ARGB32_Premultiplied);
-    m_data->lastScaled = scaled.sizeInBytes() <= kMaxCachedBytes ? scaled : QImage();
-    return scaled;
+    return m_data->scaledPictures->find(
+        m_data.get(), size, [&] { return m_data->rendered(size, isCanceled); }, isCanceled);
 }
 
 } // namespace plexa

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "platform/cancelcheck.h"
 #include "platform/keyedarchive.h"
 #include "platform/result.h"
 
@@ -64,10 +65,12 @@ public:
     /// @return a null image when there is no picture, no memory, or a fault
     QImage image() const;
 
-    /// The whole picture in exactly that size, Format_ARGB32_Premultiplied. The last one made is kept, for a
-    /// batch of photos of one size.
-    /// @return a null image when there is no picture, no memory, or a fault
-    QImage imageOfSize(QSize size) const;
+    /// The whole picture in exactly that size, Format_ARGB32_Premultiplied. Recently used sizes are cached,
+    /// for batches of photos of a few sizes. Nothing is locked during the rendering; threads that want the
+    /// same size wait for one rendering.
+    /// @param isCanceled  checked at each row of pixels; a drawing is rendered in one piece
+    /// @return a null image when there is no picture, no memory, or a fault, or the work is canceled
+    QImage imageOfSize(QSize size, const CancelCheck &isCanceled = {}) const;
 
     bool operator==(const WatermarkPicture &other) const { return m_data == other.m_data; }
 

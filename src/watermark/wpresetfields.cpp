@@ -294,16 +294,16 @@ Result<void> setFieldFromText(WPresetValues &values, const QString &name, const 
     return setField(values, name, value);
 }
 
-QJsonValue fieldAsJson(const WPresetValues &values, const WPresetField &field)
+QJsonValue valueAsJson(const FieldValue &value)
 {
-    return std::visit(ToJson(), field.value(values));
+    return std::visit(ToJson(), value);
 }
 
 QJsonObject asJson(const WPresetValues &values)
 {
     QJsonObject object;
     for (const WPresetField &field : kFields)
-        object.insert(field.name, fieldAsJson(values, field));
+        object.insert(field.name, valueAsJson(field.value(values)));
     return object;
 }
 

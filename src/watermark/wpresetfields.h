@@ -68,9 +68,9 @@ QJsonValue jsonInText(const QString &text);
 /// holds a string takes the text as it stands unless it is a JSON string ("2024" and "true" are texts there).
 [[nodiscard]] Result<void> setFieldFromText(WPresetValues &values, const QString &name, const QString &text);
 
-/// A field as JSON, in the form that setField() takes; a picture as an object with its "width" and "height",
+/// A value as JSON, in the form that setField() takes; a picture as an object with its "width" and "height",
 /// a saving preset as its number.
-QJsonValue fieldAsJson(const WPresetValues &values, const WPresetField &field);
+QJsonValue valueAsJson(const FieldValue &value);
 
 /// All fields by their names.
 QJsonObject asJson(const WPresetValues &values);

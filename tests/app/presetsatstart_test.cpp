@@ -36,6 +36,7 @@ private Q_SLOTS:
             const QSignalSpy outdated(&app, &AppController::previewOutdated);
             store.quickWPreset()->setFontSize(77);
             QCOMPARE(outdated.size(), 1);
+            store.wPresets().front()->setName(QStringLiteral("Edited"));
             app.rememberPresets();
         }
         PresetsStore store(work.alerts, work.fonts);
@@ -46,6 +47,11 @@ private Q_SLOTS:
         // The very object of the list.
         QCOMPARE(app.appliedPresets().wPresetsApplied().front(), store.wPresets().at(1));
         QCOMPARE(store.wPresets().at(1)->name(), applied);
+        QCOMPARE(store.wPresets().front()->name(), QStringLiteral("Edited"));
+        // A preset that is deleted is not applied any longer.
+        app.appliedPresets().addWPresetsToApplied({store.wPresets().at(0)});
+        store.wPresetList().remove({1});
+        QCOMPARE(app.appliedPresets().wPresetsApplied(), WPresetList{store.wPresets().at(0)});
         QCOMPARE(work.alerts.complaints(), QStringList());
     }
 

@@ -2,55 +2,34 @@
 
 #pragma once
 
+#include "support/files.h"
+#include "support/programs.h"
 #include "support/testenvironment.h"
-
-#include <QDir>
-#include <QImage>
-#include <QProcess>
-#include <QTest>
+#include "support/testpictures.h"
 
 #include <memory>
 
 namespace plexa::test
 {
 
-/// What a run of the program left behind.
-struct Outcome {
-    int status = -1;
-    QByteArray out;
-    QByteArray err;
-};
-
 inline QString program()
 {
     return builtProgram(QStringLiteral("plexa-cli"));
 }
 
-inline Outcome run(const QStringList &arguments)
+/// Runs plexa-cli with the arguments as one text, see words(): run("save --text x %1", folder).
+template<class... Values>
+ProgramRun run(const char *arguments, const Values &...values)
 {
-    QProcess process;
-    process.start(program(), arguments);
-    if (!process.waitForFinished(300'000) || process.exitStatus() != QProcess::NormalExit)
-        return {};
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    return runProgram(program(), words(arguments, values...));
 }
 
-inline QStringList entries(const QString &folder)
+inline ProgramRun run(const QStringList &arguments)
 {
-    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
+    return runProgram(program(), arguments);
 }
 
-inline QImage gradient(QSize size)
-{
-    QImage image(size, QImage::Format_RGB32);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixel(x, y, qRgb(x * 200 / size.width(), y * 200 / size.height(), 90));
-    }
-    return image;
-}
-
-/// A folder with two photos to run the program on.
+/// A folder with two photos, "in/a.png" (120 x 200) and "in/b.jpg" (320 x 200), to run the program on.
 class ProgramRuns
 {
 protected:
@@ -58,15 +37,15 @@ protected:
     {
         m_folder = std::make_unique<TestFolder>();
         QVERIFY(QDir(m_folder->path()).mkpath(QStringLiteral("in")));
-        QVERIFY(gradient({320, 200}).save(m_folder->path(QStringLiteral("in/b.jpg"))));
-        QVERIFY(gradient({120, 200}).save(m_folder->path(QStringLiteral("in/a.png"))));
+        QVERIFY(smoothPicture({320, 200}).save(path("in/b.jpg")));
+        QVERIFY(smoothPicture({120, 200}).save(path("in/a.png")));
     }
 
-    void write(const QString &name, const QByteArray &contents) const
+    QString path(const char *name) const { return m_folder->path(QString::fromUtf8(name)); }
+
+    void write(const char *name, const QByteArray &contents) const
     {
-        QFile file(m_folder->path(name));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(contents);
+        QVERIFY(writeFile(path(name), contents));
     }
 
     std::unique_ptr<TestFolder> m_folder;

@@ -16,6 +16,7 @@
 
 #include <csignal>
 #include <functional>
+#include <numeric>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -39,6 +40,14 @@ WPresetList wPresets(const QStringList &names)
         list.back()->setName(name);
     }
     return list;
+}
+
+void setWPresets(PresetsStore &store, const WPresetList &presets)
+{
+    QList<int> rows(static_cast<qsizetype>(store.wPresets().size()));
+    std::iota(rows.begin(), rows.end(), 0);
+    store.wPresetList().remove(rows);
+    store.wPresetList().append(presets);
 }
 
 template<class List>
@@ -104,6 +113,9 @@ private Q_SLOTS:
     void firstStart();
     void examplesOfTheProgram();
     void whatIsSavedIsRead();
+    void changedListsAreSaved();
+    void aFailureIsToldOnce();
+    void removedSavingPresets();
     void unreadableLists();
     void laterVersion();
     void whatIsNotReadIsKept_data();
@@ -202,10 +214,10 @@ void PresetsStoreTest::whatIsSavedIsRead()
     store.readAll();
     const auto savingPreset = std::make_shared<SavingPreset>();
     savingPreset->setName(QStringLiteral("Mine & <yours>"));
-    store.setSavingPresets({store.savingPresets().front(), savingPreset});
+    store.savingPresetList().append({savingPreset});
     WPresetList presets = wPresets({QStringLiteral("One")});
     presets.front()->setAssignedSavingPreset(savingPreset);
-    store.setWPresets(presets);
+    setWPresets(store, presets);
     store.quickWPreset()->setFontSize(77);
     store.quickSavingPreset()->setJpegQuality(66);
     for (const Slot slot : {Slot::List, Slot::Quick})
@@ -220,6 +232,90 @@ void PresetsStoreTest::whatIsSavedIsRead()
     QCOMPARE(again.quickWPreset()->fontSize(), WholeNumber(77));
     QCOMPARE(again.quickSavingPreset()->jpegQuality(), 66);
     QCOMPARE(alerts.complaints(), QStringList());
+}
+
+void PresetsStoreTest::changedListsAreSaved()
+{
+    using namespace std::chrono_literals;
+    ScriptedAlerts alerts;
+    const QString files[] = {path(QStringLiteral("WPresets.pxwpr")), path(QStringLiteral("SPresets.pxspr"))};
+    const auto savedNames = [&] {
+        PresetsStore saved(alerts, m_fonts, places());
+        saved.readAll();
+        return QStringList(namesOf(saved.wPresets()) + namesOf(saved.savingPresets())).join(u' ');
+    };
+    PresetsStore store(alerts, m_fonts, places(), 24h);
+    store.readAll();
+    for (const QString &file : files)
+        QVERIFY(QFile::remove(file));
+    store.saveChangedLists(); // nothing has changed
+    QVERIFY(!QFile::exists(files[0]) && !QFile::exists(files[1]));
+    store.wPresetList().insertNew({0});
+    store.savingPresets().front()->setName(QStringLiteral("Web"));
+    QCoreApplication::processEvents();
+    QVERIFY(!QFile::exists(files[0]) && !QFile::exists(files[1]));
+    store.saveChangedLists();
+    QCOMPARE(savedNames(), QStringLiteral("Example New Preset Another Web"));
+    store.wPresetList().move({1}, 0);
+    store.saveChangedLists();
+    store.savingPresetList().remove({0});
+    store.saveChangedLists();
+    QCOMPARE(savedNames(), QStringLiteral("New Preset Example Another"));
+
+    // Without being asked, too.
+    PresetsStore eager(alerts, m_fonts, places(), 1ms);
+    eager.readAll();
+    eager.wPresetList().remove({0, 1});
+    QTRY_COMPARE(savedNames(), QStringLiteral("Another"));
+    eager.wPresets().front()->setName(QStringLiteral("Edited"));
+    QTRY_COMPARE(savedNames(), QStringLiteral("Edited"));
+    QCOMPARE(alerts.complaints(), QStringList());
+}
+
+void PresetsStoreTest::aFailureIsToldOnce()
+{
+    ScriptedAlerts alerts;
+    PresetsStore store(alerts, m_fonts, places(), std::chrono::hours(24));
+    store.readAll();
+    const QString list = path(QStringLiteral("WPresets.pxwpr"));
+    for (int time = 0; time < 2; ++time) {
+        QVERIFY(QFile::remove(list) && QDir().mkpath(list + QStringLiteral("/in the way")));
+        alerts.expect(QStringLiteral("Cannot save the presets"));
+        for (int edit = 0; edit < 3; ++edit) {
+            store.wPresetList().insertNew({});
+            store.saveChangedLists();
+        }
+        QCOMPARE(alerts.complaints(), QStringList());
+        QVERIFY(alerts.shown().last().text.contains(list));
+        // It is tried again, and a failure after a success is another one.
+        QVERIFY(QDir(list).removeRecursively());
+        store.saveChangedLists();
+        QVERIFY(QFileInfo(list).isFile());
+    }
+    // A caller that gets the failure tells the user.
+    QVERIFY(QFile::remove(list) && QDir().mkpath(list + QStringLiteral("/in the way")));
+    QVERIFY(!store.saveWPresets(Slot::List));
+    store.saveChangedLists();
+    QCOMPARE(alerts.complaints(), QStringList());
+}
+
+void PresetsStoreTest::removedSavingPresets()
+{
+    ScriptedAlerts alerts;
+    PresetsStore store(alerts, m_fonts, places());
+    for (int i = 0; i < 3; ++i)
+        store.savingPresetList().insertNew({});
+    const SavingPresetList saving = store.savingPresets();
+    store.wPresetList().append(wPresets({QStringLiteral("0"), QStringLiteral("1"), QStringLiteral("1")}));
+    const WPresetList &marks = store.wPresets();
+    marks[0]->setAssignedSavingPreset(saving[0]);
+    marks[1]->setAssignedSavingPreset(saving[1]);
+    marks[2]->setAssignedSavingPreset(saving[1]);
+    store.quickWPreset()->setAssignedSavingPreset(saving[2]);
+    store.savingPresetList().remove({1, 2});
+    QCOMPARE(marks[0]->assignedSavingPreset().get(), saving[0].get());
+    QVERIFY(!marks[1]->assignedSavingPreset() && !marks[2]->assignedSavingPreset());
+    QVERIFY(!store.quickWPreset()->assignedSavingPreset());
 }
 
 void PresetsStoreTest::unreadableLists()
@@ -502,10 +598,10 @@ void PresetsStoreTest::aFaultAtAnyCall()
     bool isReached = true;
     for (int call = 1; isReached && call < 100; ++call) {
         PresetsStore store(alerts, m_fonts, places());
-        store.setWPresets(before);
+        setWPresets(store, before);
         QVERIFY(store.saveWPresets(Slot::List));
         const int status = ended(started([&] {
-            store.setWPresets(after);
+            setWPresets(store, after);
             callsLeft = call;
             fault = static_cast<Fault>(kindOfFault);
             const bool isSaved = store.saveWPresets(Slot::List).has_value();
@@ -538,13 +634,13 @@ void PresetsStoreTest::killsWhileSaving()
     const WPresetList lists[] = {wPresets({QStringLiteral("short")}), wPresets(many)};
     PresetsStore store(alerts, m_fonts, places());
     store.readAll();
-    store.setWPresets(lists[0]);
+    setWPresets(store, lists[0]);
     QVERIFY(store.saveWPresets(Slot::List));
     QSet<qsizetype> seen;
     for (int kill = 0; kill < 60; ++kill) {
         const pid_t child = started([&] {
             for (int i = kill;; ++i) {
-                store.setWPresets(lists[i % 2]);
+                setWPresets(store, lists[i % 2]);
                 store.saveWPresets(Slot::List);
             }
         });

@@ -201,7 +201,11 @@ void SavingPresetTest::changesAreAnnounced()
     SavingPreset preset;
     QStringList heard;
     connect(&preset, &SavingPreset::fieldChanged, this,
-            [&](SavingField field) { heard.append(QString::number(static_cast<int>(field))); });
+            [&](SavingField id, const FieldValue &old, const FieldValue &now) {
+                QVERIFY(old == savingPresetField(id).value(SavingPresetValues()));
+                QVERIFY(now == savingPresetField(id).value(firstOfFile()));
+                heard.append(QString::number(static_cast<int>(id)));
+            });
     connect(&preset, &SavingPreset::hideJPEGQualityChanged, this, [&] { heard.append(u"jpeg"_qs); });
     connect(&preset, &SavingPreset::hideTiffCompressionChanged, this, [&] { heard.append(u"tiff"_qs); });
     connect(&preset, &SavingPreset::hideAlternativeFormatChanged, this,
@@ -423,10 +427,8 @@ void SavingPresetTest::readsOldFiles()
     QVERIFY2(preset, errors.constData());
     QCOMPARE(errors, QByteArray());
     QCOMPARE(preset->presetID(), 5);
-    const SavingPresetValues &found = preset->values();
-#define PLEXA_COMPARE_FIELD(name, Name, Type, initial) QCOMPARE(found.name, expected.name);
-    PLEXA_SAVINGPRESET_FIELDS(PLEXA_COMPARE_FIELD)
-#undef PLEXA_COMPARE_FIELD
+    for (const SavingPresetField &field : savingPresetFields())
+        QVERIFY2(field.value(preset->values()) == field.value(expected), field.name.data());
 }
 
 void SavingPresetTest::brokenPresets_data()

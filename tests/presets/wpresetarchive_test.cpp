@@ -380,7 +380,7 @@ void WPresetArchiveTest::bounds()
         presets[i]->setTextTokens(pieces);
     }
     const auto refused = archivedWPresets(presets);
-    QVERIFY(!refused && refused.error().text.startsWith(QStringLiteral("it could not be read again: ")));
+    QVERIFY(!refused && refused.error().text.startsWith(QStringLiteral("it could not be read back: ")));
 
     // As many as can be read can be written.
     presets.clear();

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
-# The program's file types, as a desktop sees them.
+# The file types of the program, as a desktop detects them.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
@@ -10,7 +10,7 @@ failed=0
 
 mkdir -p "$work/mime/packages" "$work/home"
 cp "$root/packaging/plexa-mime.xml" "$work/mime/packages/"
-# The system's own types, which ours refer to.
+# The types of the system, to which the types of the program refer.
 cp /usr/share/mime/packages/freedesktop.org.xml "$work/mime/packages/"
 messages=$(XDG_DATA_HOME=$work/home update-mime-database -V "$work/mime" 2>&1 | grep -i plexa || true)
 if grep -iqE 'error|warning|unknown' <<<"$messages"; then

@@ -1,8 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
 
-# Every shell script parses, explains itself, refuses what it does not know, and pleases shellcheck where
-# that is installed.
+# Every shell script parses, has a help text, refuses unknown options and passes shellcheck, if that is installed.
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
@@ -23,9 +22,9 @@ done
 
 for script in scripts/*; do
     [[ -x $script ]] || continue
-    # From another folder and with nothing on standard input.
+    # From another folder and with an empty standard input.
     help=$(cd / && "$OLDPWD/$script" --help </dev/null) || complain "$script --help fails"
-    [[ $help == "Usage: $script"* ]] || complain "$script --help does not say how it is used"
+    [[ $help == "Usage: $script"* ]] || complain "$script --help does not begin with its usage"
     status=0
     "$script" --no-such-option </dev/null >/dev/null 2>&1 || status=$?
     ((status == 2)) || complain "$script --no-such-option ends with $status instead of 2"

@@ -12,13 +12,13 @@
 namespace plexa::test
 {
 
-/// What happens at the n-th call that changes a file.
+/// What the n-th call that changes a file does.
 enum class Fault { None, Error, Death };
 
 inline Fault fault = Fault::None;
-inline int callsLeft = 0; ///< 1: the next call is the one
+inline int callsLeft = 0; ///< 1: the next call fails
 
-/// Is this call to fail? Death does not return.
+/// Does this call fail? Does not return for Fault::Death.
 inline bool isFailing()
 {
     if (fault == Fault::None || --callsLeft != 0)
@@ -32,7 +32,7 @@ inline bool isFailing()
 
 } // namespace plexa::test
 
-// A program that includes this file, once, replaces these functions of the system for all libraries in it.
+// Replaces these functions of the system for all libraries of a program. One source file of it includes this.
 extern "C" {
 
 ssize_t write(int descriptor, const void *bytes, size_t count)

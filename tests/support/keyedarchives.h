@@ -3,7 +3,7 @@
 #pragma once
 
 #include "support/programs.h"
-#include "support/testenvironment.h"
+#include "support/testfolder.h"
 
 #include <QFileInfo>
 

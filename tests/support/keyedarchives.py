@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Makes keyed archives with Python's plistlib, in the shape in which the desktop of their origin writes them.
+"""Writes keyed archives with Python's plistlib, in the form of the desktop that they come from.
 
-Usage: keyedarchives.py FOLDER     writes the archives that tests of reading want
-       keyedarchives.py FILE       (an archive) prints it as JSON, references followed
+Usage: keyedarchives.py FOLDER     writes the archives for the tests of reading
+       keyedarchives.py FILE       (an archive) prints it as JSON, with references resolved
 """
 
 import json
@@ -60,7 +60,7 @@ class Archive:
 
 
 def tiff(width, height, rgb):
-    """An uncompressed RGB picture of one colour, written by hand."""
+    """An uncompressed RGB picture of one color, built by hand."""
     pixels = bytes(rgb) * (width * height)
     entries = [(256, 3, 1, width), (257, 3, 1, height), (258, 3, 3, 0), (259, 3, 1, 1), (262, 3, 1, 2),
                (273, 4, 1, 0), (277, 3, 1, 3), (278, 3, 1, height), (279, 4, 1, len(pixels))]
@@ -141,7 +141,7 @@ def bombs(folder):
     a = Archive()
     a.top = {"nest": nest}
     a.dump(os.path.join(folder, "nested.plist"))
-    # A thousand arrays that are one: reading them all would be more than the file says.
+    # A thousand references to one array: read one by one they would be larger than the file.
     a = Archive()
     wide = a.array([a.add("x")] * 100000)
     a.top = {"many": a.array([wide] * 1000)}
@@ -151,7 +151,7 @@ def bombs(folder):
 
 
 def preset(a, **changes):
-    """A watermark preset with a few values; the others are missing."""
+    """A watermark preset with a few values; the others are absent."""
     values = {"WPName": a.add("Old"), "WPType": a.add("Image"), "WPAngle": a.add(270), "WPStroke": True,
               "WPFontSize": a.add(7.9), "WPTextTokens": a.array([a.add("\u00a9 "), a.mutable_string("creator")]),
               "WPFillColor": a.color(5, NSCMYK=b"0 1 1 0 1\0"), "WPBackgroundPadding": a.add(12),
@@ -203,7 +203,7 @@ def presets(folder):
         named(a, "ends early", pixels(a, [red[:-1000]])),
         named(a, "smaller one left", pixels(a, [red[:-1000], tiff(4, 3, (0, 0, 255))])),
     ]))
-    # Decoded, far more than there is memory: 64 GB.
+    # 64 GB when decoded.
     large = tiff(8000, 8000, ())
     write("large", lambda a: a.array([named(a, str(i), pixels(a, [large])) for i in range(256)]))
     write("pointless", lambda a: a.array([UID(4000)]))

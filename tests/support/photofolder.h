@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "support/testenvironment.h"
+#include "support/testfolder.h"
 
 #include <QDirIterator>
 #include <QTest>

@@ -11,12 +11,12 @@
 namespace plexa::test
 {
 
-/// Answers alerts from a script and keeps what did not go by it. At its end a test says
+/// Answers alerts from a script and records what differs from it. A test ends with
 /// `QCOMPARE(alerts.complaints(), QStringList())`. Any thread.
 class ScriptedAlerts final : public Alerts
 {
 public:
-    /// The next alert has this title; it is answered so.
+    /// The next alert has this title and gets this answer.
     void expect(const QString &title, AlertAnswer answer = {})
     {
         const std::lock_guard lock(m_mutex);
@@ -40,14 +40,14 @@ public:
         return answer;
     }
 
-    /// All alerts so far, for a look at their texts.
+    /// All alerts so far.
     QList<Alert> shown() const
     {
         const std::lock_guard lock(m_mutex);
         return m_shown;
     }
 
-    /// What went wrong so far, expected alerts that did not come included.
+    /// All differences so far, including expected alerts that did not come.
     QStringList complaints() const
     {
         const std::lock_guard lock(m_mutex);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "support/testenvironment.h"
+#include "support/testfolder.h"
 
 #include <cstdlib>
 

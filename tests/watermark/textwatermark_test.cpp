@@ -26,7 +26,7 @@ QRect inkBox(const WatermarkBitmap &bitmap)
         const QRgb *const row = reinterpret_cast<const QRgb *>(bitmap.ink.constScanLine(y));
         for (int x = 0; x < bitmap.ink.width(); ++x) {
             if (qAlpha(row[x]) > 127)
-                box |= QRect(bitmap.inkAt + QPoint(x, y), QSize(1, 1));
+                box |= QRect(bitmap.inkAt.toPoint() + QPoint(x, y), QSize(1, 1));
         }
     }
     return box;
@@ -41,7 +41,7 @@ class TextWatermarkTest : public QObject
 private:
     WatermarkBitmap bitmapOf(const WPresetValues &values, const QString &text, double width = 3920)
     {
-        const auto bitmap = createTextWatermarkOfWidth(width, values, text, kPhoto, m_fonts);
+        const auto bitmap = createTextWatermarkOfWidth(width, values, text, m_fonts, {kPhoto});
         return bitmap && *bitmap ? **bitmap : WatermarkBitmap{};
     }
 
@@ -123,23 +123,23 @@ void TextWatermarkTest::theOutlineIsCentredOnTheEdge()
     const WatermarkBitmap bitmap = bitmapOf(values, u"I"_qs);
     values.stroke = false;
     const QRect stem = inkBox(bitmapOf(values, u"I"_qs));
-    const QRgb *const row =
-        reinterpret_cast<const QRgb *>(bitmap.ink.constScanLine(stem.center().y() - bitmap.inkAt.y()));
+    const QRgb *const row = reinterpret_cast<const QRgb *>(
+        bitmap.ink.constScanLine(stem.center().y() - bitmap.inkAt.toPoint().y()));
     double black = 0;
     double atLeft = 0;
     double centre = 0;
     for (int x = 0; x < bitmap.ink.width(); ++x) {
         const double share = (qAlpha(row[x]) - qRed(row[x])) / 255.0;
         black += share;
-        if (bitmap.inkAt.x() + x < stem.center().x()) {
+        if (bitmap.inkAt.toPoint().x() + x < stem.center().x()) {
             atLeft += share;
-            centre += share * (bitmap.inkAt.x() + x + 0.5);
+            centre += share * (bitmap.inkAt.toPoint().x() + x + 0.5);
         }
     }
     QVERIFY2(std::abs(black - 2 * 20) < 0.5, qPrintable(QString::number(black)));
     QVERIFY2(std::abs(centre / atLeft - stem.left()) < 0.75, qPrintable(QString::number(centre / atLeft)));
     // Inside there is the fill.
-    QCOMPARE(row[stem.center().x() - bitmap.inkAt.x()], qRgb(255, 255, 255));
+    QCOMPARE(row[stem.center().x() - bitmap.inkAt.toPoint().x()], qRgb(255, 255, 255));
 }
 
 void TextWatermarkTest::anOutlineAloneLeavesTheGlyphOpen()
@@ -307,7 +307,7 @@ void TextWatermarkTest::extremesFailOrVanish()
     WPresetValues values;
     values.fontSize = size;
     values.fontSizeUnit = unit;
-    const auto bitmap = createTextWatermarkOfWidth(width, values, QString(repeats, u'W'), kPhoto, m_fonts);
+    const auto bitmap = createTextWatermarkOfWidth(width, values, QString(repeats, u'W'), m_fonts, {kPhoto});
     if (repeats > 10'000)
         QVERIFY2(bitmap.error().text.contains(u"10000"), qPrintable(bitmap.error().text));
     const QString outcome = !bitmap ? u"failure"_qs : *bitmap ? u"bitmap"_qs : u"none"_qs;

@@ -12,7 +12,10 @@
 
 #include <atomic>
 #include <cmath>
+#include <random>
 #include <thread>
+
+Q_DECLARE_METATYPE(plexa::MarkOrder)
 
 using namespace plexa;
 
@@ -70,12 +73,84 @@ QRect differingRect(const QImage &a, const QImage &b)
 {
     QRect box;
     for (int y = 0; y < a.height(); ++y) {
+        const auto *const left = reinterpret_cast<const QRgb *>(a.constScanLine(y));
+        const auto *const right = reinterpret_cast<const QRgb *>(b.constScanLine(y));
         for (int x = 0; x < a.width(); ++x) {
-            if (a.pixel(x, y) != b.pixel(x, y))
+            if (left[x] != right[x])
                 box |= QRect(x, y, 1, 1);
         }
     }
     return box;
+}
+
+/// Presets of every kind, alike in each run.
+class RandomPresets
+{
+public:
+    MarkOrder next()
+    {
+        WPresetValues values =
+            isOneIn(2) ? textPreset(u"Reduced\nin \u00dcbersee for all"_qs) : fourColours();
+        values.fontSize = number(4, 16);
+        values.textAlignment = number(0, 2);
+        values.fillColor = QColor(255, 240, 100);
+        values.width = number(15, 90);
+        values.widthUnit = u"% of width"_qs;
+        values.anchorPoint = number(0, 8);
+        values.offsetHorizontal = number(0, 12);
+        values.offsetVertical = number(0, 12);
+        values.angle = isOneIn(3) ? float(number(-180, 180)) : 0.0F;
+        values.rotation = number(0, 3);
+        values.flip = number(0, 3);
+        values.replicateHorizontal = isOneIn(4);
+        values.replicateVertical = isOneIn(4);
+        values.opacity = number(40, 100);
+        values.shadow = isOneIn(3);
+        values.shadowBlur = number(0, 20);
+        values.shadowOffset = number(0, 5);
+        values.shadowAngle = float(number(-180, 180));
+        values.background = isOneIn(3);
+        values.backgroundColor = QColor(0, 60, 120);
+        values.backgroundFullWidth = isOneIn(2);
+        std::optional<QPointF> origin;
+        if (isOneIn(5))
+            origin = QPointF(number(-50, 500) + 0.3, number(-50, 400) + 0.7);
+        return {values, origin};
+    }
+
+private:
+    int number(int low, int high) { return low + static_cast<int>(m_random() % unsigned(high - low + 1)); }
+    bool isOneIn(int count) { return number(1, count) == 1; }
+
+    std::mt19937 m_random{20};
+};
+
+/// How much the drawings differ, in proportion to how much the expected one differs from the gray photo.
+/// Blocks of pixels are compared: glyphs need not be on the same fraction of a pixel.
+double unlikeness(const QImage &found, const QImage &expected)
+{
+    constexpr int block = 4;
+    const auto sumOfBlock = [](const QImage &image, int left, int top, int channel) {
+        int sum = 0;
+        for (int y = top; y < top + block; ++y) {
+            const uchar *const pixels = image.constScanLine(y) + 4 * left + channel;
+            for (int x = 0; x < block; ++x)
+                sum += pixels[4 * x] - 128;
+        }
+        return sum;
+    };
+    double difference = 0;
+    double all = 1;
+    for (int top = 0; top + block <= found.height(); top += block) {
+        for (int left = 0; left + block <= found.width(); left += block) {
+            for (int channel = 0; channel < 3; ++channel) {
+                const int wanted = sumOfBlock(expected, left, top, channel);
+                difference += std::abs(sumOfBlock(found, left, top, channel) - wanted);
+                all += std::abs(wanted);
+            }
+        }
+    }
+    return difference / all;
 }
 
 } // namespace
@@ -116,6 +191,10 @@ private Q_SLOTS:
     void absurdPresetsFail_data();
     void absurdPresetsFail();
     void threadsDrawTheSame();
+    void aReducedDrawingIsTheFullOneReduced();
+    void oneFailureLeavesTheOthers();
+    void workStopsWhenCanceled_data();
+    void workStopsWhenCanceled();
 };
 
 void WatermarkDrawingTest::nothingToDrawGivesTheSameImage_data()
@@ -226,7 +305,7 @@ void WatermarkDrawingTest::inkTurnsLikeTheWholeBitmap()
     values.widthUnit = u"Pixels"_qs;
     values.textAlignment = 2;
     values.anchorPoint = 4;
-    const auto bitmap = createTextWatermarkOfWidth(300, values, text, kSize, m_fonts);
+    const auto bitmap = createTextWatermarkOfWidth(300, values, text, m_fonts, {kSize});
     QVERIFY(bitmap && *bitmap);
     QImage whole = createBitmapContext((*bitmap)->size.width(), (*bitmap)->size.height(), true);
     QPainter(&whole).drawImage((*bitmap)->inkAt, (*bitmap)->ink);
@@ -376,7 +455,7 @@ void WatermarkDrawingTest::stripsEqualTheWhole()
     const QImage whole = drawn(photo, values);
     QVERIFY(whole != photo);
     const Result<std::optional<WatermarkDrawing>> drawing =
-        WatermarkDrawing::prepare(values, test::fakePhoto(kSize), m_fonts, std::nullopt);
+        WatermarkDrawing::prepare({values}, test::fakePhoto(kSize), m_fonts);
     QVERIFY(drawing && *drawing);
     for (const int height : {1, 7, 299}) {
         for (int first = 0; first < photo.height(); first += height) {
@@ -434,7 +513,7 @@ void WatermarkDrawingTest::absurdPresetsFail()
         values.fontSize = 2'000'000'000;
         values.width = 2'000'000'000;
     }
-    const auto drawing = WatermarkDrawing::prepare(values, test::fakePhoto(kSize), m_fonts, std::nullopt);
+    const auto drawing = WatermarkDrawing::prepare({values}, test::fakePhoto(kSize), m_fonts);
     QVERIFY(!drawing.has_value());
     QVERIFY(drawing.error().text.size() > 20);
 }
@@ -466,6 +545,112 @@ void WatermarkDrawingTest::threadsDrawTheSame()
     for (std::thread &thread : threads)
         thread.join();
     QCOMPARE(wrong.load(), 0);
+}
+
+/// Everything is where the full drawing has it, at each scale; so is a drawing that was moved. Two pixels
+/// aside would be noticed.
+void WatermarkDrawingTest::aReducedDrawingIsTheFullOneReduced()
+{
+    constexpr QSize size(800, 600);
+    const PhotoFacts facts = test::fakePhoto(size);
+    const QImage photo = flatPhoto(qRgb(128, 128, 128), size);
+    RandomPresets presets;
+    double sum = 0;
+    double sumOfMisplaced = 0;
+    for (int i = 0; i < 150; ++i) {
+        const MarkOrder order = presets.next();
+        const auto full = WatermarkDrawing::prepare(order, facts, m_fonts);
+        QVERIFY(full && *full);
+        const WatermarkLayout &layout = (*full)->layout();
+        QImage marked = photo;
+        (*full)->drawRows(marked, 0);
+        for (const double scale : {0.75, 0.5, 0.35, 0.25, 0.125}) {
+            const QByteArray name = QByteArray::number(i) + " at " + QByteArray::number(scale);
+            const auto elsewhere =
+                WatermarkDrawing::prepare({order.values, QPointF(7, 9)}, facts, m_fonts, {scale});
+            const auto reduced = (*elsewhere)->movedTo(layout.rect.topLeft());
+            QVERIFY(reduced.has_value());
+            QVERIFY2(reduced->layout().rect == layout.rect && reduced->layout().box == layout.box &&
+                         reduced->layout().repeats == layout.repeats,
+                     name);
+            const QSize target = (QSizeF(size) * scale).toSize();
+            const QImage bare = flatPhoto(qRgb(128, 128, 128), target);
+            QImage found = bare;
+            reduced->drawRows(found, 0);
+            const QRect covered = reduced->coveredRect();
+            QVERIFY2((covered | differingRect(bare, found)) == covered, name);
+            const QImage expected = marked.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+            const double unlike = unlikeness(found, expected);
+            QVERIFY2(unlike < 0.6, name + ": " + QByteArray::number(unlike)); // half a pixel beside thin text
+            sum += unlike;
+
+            QImage misplaced = bare;
+            reduced->movedTo(layout.rect.topLeft() + QPointF(2, 0) / scale)->drawRows(misplaced, 0);
+            sumOfMisplaced += unlikeness(misplaced, expected);
+
+            const auto direct = WatermarkDrawing::prepare(order, facts, m_fonts, {scale});
+            QImage again = bare;
+            (*direct)->drawRows(again, 0);
+            QVERIFY2(again == found, name);
+        }
+    }
+    QVERIFY2(sum / 750 < 0.11, QByteArray::number(sum / 750));
+    QVERIFY2(sumOfMisplaced / 750 > 0.22, QByteArray::number(sumOfMisplaced / 750));
+}
+
+void WatermarkDrawingTest::oneFailureLeavesTheOthers()
+{
+    MarkOrder tooLarge{fourColours()};
+    tooLarge.values.width = 2'000'000'000;
+    const MarkOrder good{fourColours()};
+    const MarkOrder nothing{textPreset(QString())};
+    const auto drawings = WatermarkDrawing::prepareEach(std::vector{good, tooLarge, nothing, good},
+                                                        test::fakePhoto(kSize), m_fonts);
+    QCOMPARE(drawings.size(), 4U);
+    QVERIFY(drawings[0] && *drawings[0] && drawings[3] && *drawings[3]);
+    QVERIFY(drawings[2] && !*drawings[2]);
+    QVERIFY(!drawings[1] && drawings[1].error().text.contains(u"2000000000"));
+}
+
+void WatermarkDrawingTest::workStopsWhenCanceled_data()
+{
+    QTest::addColumn<MarkOrder>("order");
+    MarkOrder text{textPreset(QString(400, u'W'))};
+    QTest::newRow("text") << text;
+    MarkOrder logo{fourColours()};
+    logo.values.width = 3000;
+    QTest::newRow("logo") << logo;
+    MarkOrder shadow{fourColours()};
+    shadow.values.shadow = true;
+    shadow.values.shadowBlur = 100;
+    QTest::newRow("wide shadow") << shadow;
+    shadow.values.shadowBlur = 4;
+    shadow.values.image = WatermarkPicture::fromImage(QImage(40, 200, QImage::Format_ARGB32_Premultiplied));
+    QTest::newRow("narrow shadow") << shadow;
+}
+
+void WatermarkDrawingTest::workStopsWhenCanceled()
+{
+    QFETCH(MarkOrder, order);
+    int calls = 0;
+    int last = std::numeric_limits<int>::max();
+    const auto outcome = [&] {
+        if (order.values.type == u"Image"_qs) // no size of this one is cached
+            order.values.image = WatermarkPicture::fromImage(order.values.image.image());
+        calls = 0;
+        return WatermarkDrawing::prepare(order, test::fakePhoto(kSize), m_fonts,
+                                         {.isCanceled = [&] { return ++calls > last; }});
+    };
+    QVERIFY(outcome().has_value());
+    const int all = calls;
+    QVERIFY2(all > 10, QByteArray::number(all));
+    for (const int before : {0, all / 3, all / 2, all - 1}) {
+        last = before;
+        const auto canceled = outcome();
+        QVERIFY(!canceled.has_value());
+        QCOMPARE(canceled.error().text, cancelledText());
+        QVERIFY2(calls <= before + 8, QByteArray::number(calls));
+    }
 }
 
 QTEST_MAIN(WatermarkDrawingTest)

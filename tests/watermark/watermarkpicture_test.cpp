@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "platform/fontcatalog.h"
 #include "support/testenvironment.h"
 #include "watermark/textlayout.h"
 #include "watermark/watermarkpicture.h"
@@ -76,7 +77,8 @@ private Q_SLOTS:
     void cameraTurnsAreFollowed();
     void threadsShareOnePicture_data();
     void threadsShareOnePicture();
-    void drawingsWithTextShareTheTextEngine();
+    void drawingsWithTextAreDrawnBesideTexts();
+    void sizesAreKept();
 };
 
 void WatermarkPictureTest::drawingsAreSharpAtEverySize()
@@ -345,20 +347,44 @@ void WatermarkPictureTest::threadsShareOnePicture()
     QCOMPARE(wrong.load(), 0);
 }
 
-void WatermarkPictureTest::drawingsWithTextShareTheTextEngine()
+void WatermarkPictureTest::drawingsWithTextAreDrawnBesideTexts()
 {
     const Result<WatermarkPicture> picture =
-        WatermarkPicture::fromSvg(svgOf(R"(<text x="1" y="8" font-size="6">Text</text>)"));
+        WatermarkPicture::fromSvg(svgOf(R"(<text x="1" y="8" font-size="6">Text \xe6\xbc\xa2</text>)"));
     QVERIFY(picture.has_value());
-    std::atomic<bool> isDrawn = false;
-    std::unique_lock lock(textEngine());
-    std::thread thread([&] { isDrawn = !picture->imageOfSize(QSize(200, 100)).isNull(); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    const bool hasWaited = !isDrawn;
-    lock.unlock();
-    thread.join();
-    QVERIFY(hasWaited);
-    QVERIFY(isDrawn);
+    const FontCatalog fonts;
+    const auto width = [&](int i) {
+        const auto setting =
+            setText(u"Text \u6f22"_qs, fonts, u"DejaVuSans"_qs, TextAlignment::Left, 50.0 + i);
+        return setting ? setting->glyphs.back().at.x() : -1;
+    };
+    const double expectedWidth = width(0);
+    QList<QImage> expected;
+    for (int i = 0; i < 20; ++i)
+        expected.append(picture->imageOfSize(QSize(200 + i, 100)));
+    const auto again = WatermarkPicture::fromSvg(picture->svg()); // shares no cached sizes
+    std::atomic<int> wrong = 0;
+    std::vector<std::jthread> threads;
+    for (int k = 0; k < 6; ++k) {
+        threads.emplace_back([&, k] {
+            for (int i = 0; i < 20; ++i) {
+                const bool isRight = k % 2 == 0 ? again->imageOfSize(QSize(200 + i, 100)) == expected.at(i)
+                                                : width(i) == expectedWidth;
+                wrong += isRight ? 0 : 1;
+            }
+        });
+    }
+    threads.clear();
+    QCOMPARE(wrong.load(), 0);
+}
+
+void WatermarkPictureTest::sizesAreKept()
+{
+    const WatermarkPicture picture = WatermarkPicture::fromImage(QImage(10, 10, QImage::Format_RGB32));
+    const QImage wide = picture.imageOfSize(QSize(4200, 4000)); // the width of a large photo
+    const QImage small = picture.imageOfSize(QSize(30, 20));
+    QCOMPARE(picture.imageOfSize(QSize(4200, 4000)).constBits(), wide.constBits());
+    QCOMPARE(picture.imageOfSize(QSize(30, 20)).constBits(), small.constBits());
 }
 
 QTEST_MAIN(WatermarkPictureTest)

@@ -150,7 +150,11 @@ void PresetsPanel::connectCommands(PresetsStore &store)
                          [this] { m_applied.addWPresetsToApplied(selectedWPresets()); });
     m_actions.setHandler(ActionId::LoadPreset,
                          [this, &store] { store.loadWPreset(*selectedWPresets().front()); });
-    connect(&store, &PresetsStore::wPresetsChanged, this, [this, &store] { showWPresets(store.wPresets()); });
+    const auto show = [this, &store] { showWPresets(store.wPresets()); };
+    const PresetListSignals &list = store.wPresetList();
+    connect(&list, &PresetListSignals::inserted, this, show);
+    connect(&list, &PresetListSignals::removed, this, show);
+    connect(&list, &PresetListSignals::moved, this, show);
     showWPresets(store.wPresets());
 }
 

@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QMap>
+#include <QPoint>
 
 #include <xcb/xcb.h>
 
@@ -35,10 +36,12 @@ public:
         QByteArray whileHovering;
         QByteArray proposedName; ///< of direct saving
         QByteArray data;         ///< the list of files, or the letter
+        bool isAccepted = false; ///< a drop would be; the source has the message
         bool isFinished = false;
     };
 
-    DropTarget(Manner manner, QByteArray saveUrl, int x, int y)
+    /// @param at  the upper left corner on the screen; the window is 200 pixels wide and high
+    DropTarget(Manner manner, QByteArray saveUrl, QPoint at)
         : m_manner(manner)
         , m_saveUrl(std::move(saveUrl))
         , m_x(xcb_connect(nullptr, nullptr))
@@ -46,9 +49,10 @@ public:
         const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(m_x)).data;
         m_window = xcb_generate_id(m_x);
         const std::uint32_t values[] = {1, XCB_EVENT_MASK_PROPERTY_CHANGE};
-        xcb_create_window(m_x, XCB_COPY_FROM_PARENT, m_window, screen->root, static_cast<std::int16_t>(x),
-                          static_cast<std::int16_t>(y), 200, 200, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
-                          screen->root_visual, XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
+        xcb_create_window(m_x, XCB_COPY_FROM_PARENT, m_window, screen->root,
+                          static_cast<std::int16_t>(at.x()), static_cast<std::int16_t>(at.y()), 200, 200, 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual,
+                          XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
         const std::uint32_t version = 5;
         xcb_change_property(m_x, XCB_PROP_MODE_REPLACE, m_window, atom("XdndAware"), XCB_ATOM_ATOM, 32, 1,
                             &version);
@@ -167,6 +171,7 @@ private:
                 notify.property == XCB_ATOM_NONE ? QByteArray() : property(m_window, notify.property);
             if (!m_isDropped) {
                 m_seen.whileHovering = data;
+                m_seen.isAccepted = true;
                 return;
             }
             m_seen.data = data;
@@ -181,7 +186,9 @@ private:
             enter(words);
         } else if (message.type == atom("XdndPosition")) {
             send("XdndStatus", {m_window, 3, 0, 0, atom("XdndActionCopy")});
-            if (m_manner == Manner::TakesFiles && m_seen.whileHovering.isEmpty())
+            if (m_manner != Manner::TakesFiles)
+                m_seen.isAccepted = true;
+            else if (m_seen.whileHovering.isEmpty())
                 ask("text/uri-list", words[3]);
         } else if (message.type == atom("XdndDrop")) {
             drop(words[2]);
@@ -199,7 +206,8 @@ private:
             }
             const std::lock_guard lock(m_mutex);
             handle(*event);
-            xcb_flush(m_x);
+            // A round trip: the server has passed on what was sent.
+            std::free(xcb_get_input_focus_reply(m_x, xcb_get_input_focus(m_x), nullptr));
             std::free(event);
         }
     }

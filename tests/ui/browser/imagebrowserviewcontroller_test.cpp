@@ -6,6 +6,7 @@
 #include "ui/browser/imagebrowserview.h"
 #include "ui/browser/imagebrowserviewcontroller.h"
 #include "ui/browser/promisedfiles.h"
+#include "ui/window/mainwindow.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -67,146 +68,182 @@ class ImageBrowserViewControllerTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void setAndGridAgree();
-    void zoomAndNamesAreRemembered();
-    void copiesForOthers();
-};
-
-void ImageBrowserViewControllerTest::setAndGridAgree()
-{
-    Browser browser;
-    QVERIFY(browser.isReady());
-    browser.click(1);
-    QVERIFY(browser.isSelected({1}, 1));
-    browser.click(3, Qt::ShiftModifier);
-    QVERIFY(browser.isSelected({1, 2, 3}, 3));
-
-    // Dragged to the end, they stay selected, and the focus stays on its photo.
-    browser.controller.movedIndexes({1, 2, 3}, 6);
-    QCOMPARE(shownNames(browser.set), QStringLiteral("a e f b c d"));
-    QVERIFY(browser.isSelected({3, 4, 5}, 5));
-    QCOMPARE(browser.view.filename(5), QStringLiteral("d"));
-
-    browser.set.selection().selectIndexes({0, 4});
-    QVERIFY(browser.isSelected({0, 4}, 0));
-    QTest::keyClick(&browser.view, Qt::Key_Delete);
-    QCOMPARE(shownNames(browser.set), QStringLiteral("e f b d"));
-    QCOMPARE(browser.view.numberImages(), 4);
-    QVERIFY(browser.isSelected({0}, 0));
-
-    browser.set.filterImages(QStringLiteral("B"));
-    QCOMPARE(browser.view.numberImages(), 1);
-    QVERIFY(browser.isSelected({}, -1));
-    browser.click(0);
-    QVERIFY(browser.isSelected({0}, 0));
-    browser.set.disableImageFilters();
-    QCOMPARE(browser.view.numberImages(), 4);
-    QVERIFY(browser.isSelected({}, -1));
-
-    QTest::keyClick(&browser.view, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(&browser.view, Qt::Key_Backspace);
-    QCOMPARE(browser.view.numberImages(), 0);
-    QVERIFY(browser.isSelected({}, -1));
-}
-
-void ImageBrowserViewControllerTest::zoomAndNamesAreRemembered()
-{
-    WorkingSet work;
-    AppController app({work.photos, work.defaults, work.alerts, work.store, 2});
+    void setAndGridAgree()
     {
-        ImageBrowserView view;
-        ImageBrowserViewController controller(app, view, work.defaults, 2);
-        QCOMPARE(view.zoomFactor(), 0.5F);
-        QVERIFY(view.showFilenames());
-        QSignalSpy zooms(&controller, &ImageBrowserViewController::browserZoomFactorChanged);
-        for (int i = 0; i < 9; ++i)
-            controller.zoomBrowser(ImageBrowserViewController::Zoom::In);
-        QCOMPARE(zooms.size(), 9);
-        QCOMPARE(controller.browserZoomFactor(), 1.0F);
-        controller.zoomBrowser(ImageBrowserViewController::Zoom::Out);
-        controller.setShowBrowserFilenames(false);
+        Browser browser;
+        QVERIFY(browser.isReady());
+        browser.click(1);
+        QVERIFY(browser.isSelected({1}, 1));
+        browser.click(3, Qt::ShiftModifier);
+        QVERIFY(browser.isSelected({1, 2, 3}, 3));
+
+        // Dragged to the end, they stay selected, and the focus stays on its photo.
+        browser.controller.movedIndexes({1, 2, 3}, 6);
+        QCOMPARE(shownNames(browser.set), QStringLiteral("a e f b c d"));
+        QVERIFY(browser.isSelected({3, 4, 5}, 5));
+        QCOMPARE(browser.view.filename(5), QStringLiteral("d"));
+
+        browser.set.selection().selectIndexes({0, 4});
+        QVERIFY(browser.isSelected({0, 4}, 0));
+        QTest::keyClick(&browser.view, Qt::Key_Delete);
+        QCOMPARE(shownNames(browser.set), QStringLiteral("e f b d"));
+        QCOMPARE(browser.view.numberImages(), 4);
+        QVERIFY(browser.isSelected({0}, 0));
+
+        browser.set.filterImages(QStringLiteral("B"));
+        QCOMPARE(browser.view.numberImages(), 1);
+        QVERIFY(browser.isSelected({}, -1));
+        browser.click(0);
+        QVERIFY(browser.isSelected({0}, 0));
+        browser.set.disableImageFilters();
+        QCOMPARE(browser.view.numberImages(), 4);
+        QVERIFY(browser.isSelected({}, -1));
+
+        QTest::keyClick(&browser.view, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(&browser.view, Qt::Key_Backspace);
+        QCOMPARE(browser.view.numberImages(), 0);
+        QVERIFY(browser.isSelected({}, -1));
     }
-    ImageBrowserView view;
-    const ImageBrowserViewController controller(app, view, work.defaults, 2);
-    QCOMPARE(view.zoomFactor(), 0.9F);
-    QVERIFY(!view.showFilenames());
-}
 
-void ImageBrowserViewControllerTest::copiesForOthers()
-{
-    QClipboard *clipboard = QGuiApplication::clipboard();
-    clipboard->setText(QStringLiteral("words"));
-    auto keeper = std::make_unique<Browser>();
-    Browser &browser = *keeper;
-    QVERIFY(browser.isReady());
-    browser.controller.copy();
-    QCOMPARE(clipboard->text(), QStringLiteral("words")); // nothing was selected
-    browser.set.selection().selectIndexes({0, 2});
-    QTest::keyClick(&browser.view, Qt::Key_C, Qt::ControlModifier);
-    QVERIFY(clipboard->mimeData()->hasFormat(QStringLiteral("image/png")));
-    const QList<QUrl> urls = clipboard->mimeData()->urls();
-    QCOMPARE(urls.size(), 2);
-    QCOMPARE(QImage(urls.last().toLocalFile()).size(), QSize(64, 48));
+    void zoomAndNamesAreRemembered()
+    {
+        WorkingSet work;
+        AppController app({work.photos, work.defaults, work.alerts, work.store, 2});
+        {
+            ImageBrowserView view;
+            ImageBrowserViewController controller(app, view, work.defaults, 2);
+            QCOMPARE(view.zoomFactor(), 0.5F);
+            QVERIFY(view.showFilenames());
+            QSignalSpy zooms(&controller, &ImageBrowserViewController::browserZoomFactorChanged);
+            for (int i = 0; i < 9; ++i)
+                controller.zoomBrowser(ImageBrowserViewController::Zoom::In);
+            QCOMPARE(zooms.size(), 9);
+            QCOMPARE(controller.browserZoomFactor(), 1.0F);
+            controller.zoomBrowser(ImageBrowserViewController::Zoom::Out);
+            controller.setShowBrowserFilenames(false);
+        }
+        ImageBrowserView view;
+        const ImageBrowserViewController controller(app, view, work.defaults, 2);
+        QCOMPARE(view.zoomFactor(), 0.9F);
+        QVERIFY(!view.showFilenames());
+    }
 
-    // The status line shows it, and its button stops it.
-    std::atomic<bool> mayGoOn = false;
-    FilePromise::Outcome outcome;
-    auto many = browser.controller.promisedFiles({0, 1, 2, 3, 4, 5});
-    std::thread making([&] {
-        outcome = many->makeFiles(browser.work.folder.path(), [&] {
-            mayGoOn.wait(false);
-            return false;
+    void copiesForOthers()
+    {
+        QClipboard *clipboard = QGuiApplication::clipboard();
+        clipboard->setText(QStringLiteral("words"));
+        auto keeper = std::make_unique<Browser>();
+        Browser &browser = *keeper;
+        QVERIFY(browser.isReady());
+        browser.controller.copy();
+        QCOMPARE(clipboard->text(), QStringLiteral("words")); // nothing was selected
+        browser.set.selection().selectIndexes({0, 2});
+        QTest::keyClick(&browser.view, Qt::Key_C, Qt::ControlModifier);
+        QVERIFY(clipboard->mimeData()->hasFormat(QStringLiteral("image/png")));
+        const QList<QUrl> urls = clipboard->mimeData()->urls();
+        QCOMPARE(urls.size(), 2);
+        QCOMPARE(QImage(urls.last().toLocalFile()).size(), QSize(64, 48));
+
+        // The status line shows it, and its button stops it.
+        std::atomic<bool> mayGoOn = false;
+        FilePromise::Outcome outcome;
+        auto many = browser.controller.promisedFiles({0, 1, 2, 3, 4, 5});
+        std::thread making([&] {
+            outcome = many->makeFiles(browser.work.folder.path(), [&] {
+                mayGoOn.wait(false);
+                return false;
+            });
         });
-    });
-    const bool isShown = QTest::qWaitFor([&] {
-        return browser.app.statusManager().line().text == QStringLiteral("Processing images...") &&
-               browser.app.statusManager().line().canBeStopped;
-    });
-    browser.app.stopAllOperations();
-    mayGoOn = true;
-    mayGoOn.notify_all();
-    making.join();
-    QVERIFY(isShown && outcome.isStopped && outcome.failures.isEmpty());
-    QVERIFY(!QFile::exists(browser.work.folder.path(QStringLiteral("image5"))));
-    QTRY_VERIFY(!browser.app.statusManager().line().canBeStopped);
+        const bool isShown = QTest::qWaitFor([&] {
+            return browser.app.statusManager().line().text == QStringLiteral("Processing images...") &&
+                   browser.app.statusManager().line().canBeStopped;
+        });
+        browser.app.stopAllOperations();
+        mayGoOn = true;
+        mayGoOn.notify_all();
+        making.join();
+        QVERIFY(isShown && outcome.isStopped && outcome.failures.isEmpty());
+        QVERIFY(!QFile::exists(browser.work.folder.path(QStringLiteral("image5"))));
+        QTRY_VERIFY(!browser.app.statusManager().line().canBeStopped);
 
-    // A file that has gone is reported, later.
-    QSignalSpy failures(&browser.controller, &ImageBrowserViewController::copiesFailed);
-    auto gone = browser.set.imagesFiltered()->at(1);
-    gone->releaseImagesData();
-    QVERIFY(QFile::remove(gone->path()));
-    auto promise = browser.controller.promisedFiles({1});
-    promise->report(promise->makeFiles(browser.work.folder.path(), [] { return false; }).failures);
-    QCOMPARE(failures.size(), 0);
-    QTRY_COMPARE(failures.size(), 1);
+        // A file that has gone is reported, later.
+        QSignalSpy failures(&browser.controller, &ImageBrowserViewController::copiesFailed);
+        auto gone = browser.set.imagesFiltered()->at(1);
+        gone->releaseImagesData();
+        QVERIFY(QFile::remove(gone->path()));
+        auto promise = browser.controller.promisedFiles({1});
+        promise->report(promise->makeFiles(browser.work.folder.path(), [] { return false; }).failures);
+        QCOMPARE(failures.size(), 0);
+        QTRY_COMPARE(failures.size(), 1);
 
-    // Into a folder of another program, the batch save writes them, and that folder becomes the user's.
-    const QString folder = browser.work.folder.path(QStringLiteral("target"));
-    QSignalSpy saved(&browser.app.batchSave(), &BatchSave::finished);
-    auto dropped = browser.controller.promisedFiles({0, 2});
-    QVERIFY(dropped->canSaveInto() && dropped->saveInto(folder));
-    QVERIFY(!dropped->saveInto(browser.work.folder.path())); // one at a time
-    QCOMPARE(browser.work.defaults.stringForKey(settings::savingDirectory), folder);
-    QVERIFY(saved.wait());
-    QCOMPARE(QDir(folder).entryList({QStringLiteral("[ac]*.jpg")}, QDir::Files).size(), 2);
-    QTRY_COMPARE(failures.size(), 2);
+        // Into a folder of another program, the batch save writes them, and that folder becomes the user's.
+        const QString folder = browser.work.folder.path(QStringLiteral("target"));
+        QSignalSpy saved(&browser.app.batchSave(), &BatchSave::finished);
+        auto dropped = browser.controller.promisedFiles({0, 2});
+        QVERIFY(dropped->canSaveInto() && dropped->saveInto(folder));
+        QVERIFY(!dropped->saveInto(browser.work.folder.path())); // one at a time
+        QCOMPARE(browser.work.defaults.stringForKey(settings::savingDirectory), folder);
+        QVERIFY(saved.wait());
+        QCOMPARE(QDir(folder).entryList({QStringLiteral("[ac]*.jpg")}, QDir::Files).size(), 2);
+        QTRY_COMPARE(failures.size(), 2);
 
-    // Without watermarks there is nothing to copy, nor is what was copied before.
-    browser.app.appliedPresets().modeDidChange(1);
-    browser.controller.copy();
-    QVERIFY(!clipboard->mimeData() || !clipboard->mimeData()->hasUrls());
-    browser.app.appliedPresets().modeDidChange(0);
-    browser.controller.copy();
+        // Without watermarks there is nothing to copy, nor is what was copied before.
+        browser.app.appliedPresets().modeDidChange(1);
+        browser.controller.copy();
+        QVERIFY(!clipboard->mimeData() || !clipboard->mimeData()->hasUrls());
+        browser.app.appliedPresets().modeDidChange(0);
+        browser.controller.copy();
 
-    // The photos do not stay behind on the clipboard.
-    many.reset();
-    promise.reset();
-    dropped.reset();
-    gone.reset();
-    QVERIFY(clipboard->mimeData()->hasUrls());
-    keeper.reset();
-    QVERIFY(!clipboard->mimeData() || !clipboard->mimeData()->hasUrls());
-}
+        // The photos do not stay behind on the clipboard.
+        many.reset();
+        promise.reset();
+        dropped.reset();
+        gone.reset();
+        QVERIFY(clipboard->mimeData()->hasUrls());
+        keeper.reset();
+        QVERIFY(!clipboard->mimeData() || !clipboard->mimeData()->hasUrls());
+    }
+
+    /// A dragged copy has its photo's date where the setting is on.
+    void datesAreKept()
+    {
+        Browser browser;
+        QVERIFY(browser.isReady());
+        QFile photo(browser.set.imagesFiltered()->front()->path());
+        QVERIFY(photo.open(QIODevice::ReadWrite));
+        QVERIFY(photo.setFileTime(QDate(2001, 2, 3).startOfDay(), QFileDevice::FileModificationTime));
+        const QString copy = browser.work.folder.path(QStringLiteral("image0"));
+        for (const bool keeps : {true, false}) {
+            browser.work.defaults.setObject(settings::exportPreserveOriginalFileCreationDate, keeps);
+            auto promise = browser.controller.promisedFiles({0});
+            QVERIFY(promise->makeFiles(browser.work.folder.path(), [] { return false; }).failures.isEmpty());
+            QCOMPARE(QFileInfo(copy).lastModified().date() == QDate(2001, 2, 3), keeps);
+            QVERIFY(QFile::remove(copy));
+        }
+    }
+
+    /// The window reports the first of them with file and reason.
+    void failedCopiesAreReported()
+    {
+        WorkingSet work;
+        AppController app({work.photos, work.defaults, work.alerts, work.store, 2});
+        WPresetValues values = WPresetValues::forNewPreset(work.fonts);
+        values.textTokens = {QStringLiteral("mark")};
+        app.appliedPresets().setQuickWPreset(std::make_shared<WPreset>(values));
+        MainWindow window({app, work.defaults, work.alerts, 2});
+        for (int i = 0; i < 12; ++i)
+            app.imageSet().addImage(work.brokenPhoto(QStringLiteral("%1.png").arg(i)), {});
+        app.imageSet().selection().selectAll();
+        window.browser().copy();
+        work.alerts.expect(QStringLiteral("Not all copies could be made"));
+        QCOMPARE(QGuiApplication::clipboard()->mimeData()->urls(), QList<QUrl>());
+        QTRY_COMPARE(work.alerts.complaints(), QStringList());
+        const QStringList lines = work.alerts.shown().first().text.split(QLatin1Char('\n'));
+        QVERIFY(lines.size() > 3 && lines.size() < 12);
+        QVERIFY(lines.first().startsWith(work.folder.path(QStringLiteral("in/0.png: "))));
+        QCOMPARE(lines.last(), QStringLiteral("  ...and %1 more...").arg(13 - lines.size()));
+    }
+};
 
 QTEST_MAIN(ImageBrowserViewControllerTest)
 #include "imagebrowserviewcontroller_test.moc"

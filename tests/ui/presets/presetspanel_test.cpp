@@ -2,29 +2,20 @@
 
 #include "app/appliedpresets.h"
 #include "app/workingset.h"
+#include "support/realpointer.h"
 #include "ui/presets/presetspanel.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/presetlistmodel.h"
 #include "ui/widgets/presetlistview.h"
 
 #include <QAbstractItemModelTester>
+#include <QDrag>
 #include <QMimeData>
 #include <QPushButton>
 #include <QSignalSpy>
 
 using namespace plexa;
 using namespace plexa::test;
-
-class PresetsPanelTest : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void changesTheMode();
-    void appliesAndRemoves();
-    void doubleClickFindsThePreset();
-    void reordersOnlyItsOwnRows();
-};
 
 namespace
 {
@@ -38,7 +29,7 @@ struct Fixture {
             all.back()->setName(QString::fromLatin1(name));
         }
         applied.modeDidChange(1);
-        store.setWPresets(all);
+        store.wPresetList().append(all);
         panel.resize(300, 600);
         panel.show();
     }
@@ -83,88 +74,115 @@ struct Fixture {
 
 } // namespace
 
-void PresetsPanelTest::changesTheMode()
+class PresetsPanelTest : public QObject
 {
-    Fixture f;
-    QVERIFY(f.table("wPresetsAllTable").isVisible());
-    QTest::mouseClick(f.panel.findChild<QPushButton *>(QStringLiteral("singleModeButton")), Qt::LeftButton);
-    QVERIFY(f.applied.isInSingleMode());
-    QVERIFY(f.panel.quickWPresetContainer()->isVisible());
-    QVERIFY(!f.table("wPresetsAllTable").isVisible());
-    QVERIFY(
-        !(f.panel.findChild<QWidget *>(QStringLiteral("presetsModeButton"))->focusPolicy() & Qt::TabFocus));
-    f.applied.modeDidChange(1); // by the menu
-    QVERIFY(f.panel.findChild<QPushButton *>(QStringLiteral("presetsModeButton"))->isChecked());
-    QVERIFY(f.table("wPresetsAllTable").isVisible());
+    Q_OBJECT
+
+private Q_SLOTS:
+    void changesTheMode()
+    {
+        Fixture f;
+        QVERIFY(f.table("wPresetsAllTable").isVisible());
+        QTest::mouseClick(f.panel.findChild<QPushButton *>(QStringLiteral("singleModeButton")),
+                          Qt::LeftButton);
+        QVERIFY(f.applied.isInSingleMode());
+        QVERIFY(f.panel.quickWPresetContainer()->isVisible());
+        QVERIFY(!f.table("wPresetsAllTable").isVisible());
+        QVERIFY(!(f.panel.findChild<QWidget *>(QStringLiteral("presetsModeButton"))->focusPolicy() &
+                  Qt::TabFocus));
+        f.applied.modeDidChange(1); // by the menu
+        QVERIFY(f.panel.findChild<QPushButton *>(QStringLiteral("presetsModeButton"))->isChecked());
+        QVERIFY(f.table("wPresetsAllTable").isVisible());
+    }
+
+    void appliesAndRemoves()
+    {
+        Fixture f;
+        PresetListView &all = f.table("wPresetsAllTable");
+        PresetListView &applied = f.table("wPresetsAppliedTable");
+        const QAbstractItemModelTester tester(applied.model());
+        Fixture::mouse(all, 1, false);
+        Fixture::mouse(all, 3, false, Qt::ControlModifier);
+        QTest::keyClick(&all, Qt::Key_Return);
+        Fixture::mouse(all, 0, false);
+        Fixture::mouse(all, 1, false, Qt::ShiftModifier);
+        f.store.wPresetList().append({std::make_shared<WPreset>(WPresetValues{})}); // the selection stays
+        QTest::keyClick(&all, Qt::Key_Return);
+        QCOMPARE(f.appliedNames(), QStringLiteral("Two Four One"));
+        QCOMPARE(applied.model()->rowCount(), 3);
+
+        f.applied.selectNeighborAppliedPreset(AppliedPresets::Neighbor::Previous);
+        QCOMPARE(applied.selectedRows(), IndexList({2}));
+        f.applied.selectNeighborAppliedPreset(AppliedPresets::Neighbor::Next);
+        QCOMPARE(applied.selectedRows(), IndexList({0}));
+        f.all[1]->setName(QStringLiteral("2"));
+        QCOMPARE(applied.model()->index(0, 0).data().toString(), QStringLiteral("2"));
+
+        Fixture::mouse(applied, 2, false, Qt::ControlModifier);
+        QCOMPARE(f.applied.selectedRows(), IndexList({0, 2}));
+        QTest::keyClick(&applied, Qt::Key_Delete);
+        QCOMPARE(f.appliedNames(), QStringLiteral("Four"));
+        QCOMPARE(f.applied.selectedRows(), IndexList());
+    }
+
+    void doubleClickFindsThePreset()
+    {
+        Fixture f;
+        int managerWanted = 0;
+        f.actions.setHandler(ActionId::ToggleWatermarkPresets, [&] { ++managerWanted; });
+        f.applied.addWPresetsToApplied({f.all[2], f.all[0]});
+        Fixture::mouse(f.table("wPresetsAppliedTable"), 0, true);
+        QCOMPARE(f.table("wPresetsAllTable").selectedRows(), IndexList({2}));
+        QCOMPARE(managerWanted, 1);
+    }
+
+    void reordersOnlyItsOwnRows()
+    {
+        Fixture f;
+        f.applied.addWPresetsToApplied(f.all);
+        PresetListView &applied = f.table("wPresetsAppliedTable");
+        auto &model = *applied.model();
+        const std::unique_ptr<QMimeData> rows(model.mimeData({model.index(1, 0), model.index(2, 0)}));
+        QCOMPARE(PresetListModel::draggedRows(rows.get()), IndexList({1, 2}));
+        QCOMPARE(model.flags(model.index(0, 0)).testFlag(Qt::ItemIsDropEnabled), false); // only between rows
+
+        // A drag from elsewhere, even of another list of presets, moves nothing.
+        QSignalSpy rowsDropped(&applied, &PresetListView::rowsDropped);
+        QDropEvent drop(QPoint(10, 10), Qt::MoveAction, rows.get(), Qt::LeftButton, {});
+        QCoreApplication::sendEvent(applied.viewport(), &drop);
+        QCOMPARE(rowsDropped.count(), 0);
+
+        QMimeData broken;
+        broken.setData(QStringLiteral("draggedPrests"), QByteArray("\x7f\xff\xff\xff\x00", 5));
+        QCOMPARE(PresetListModel::draggedRows(&broken), IndexList());
+
+        // Two rows by the pointer below the last one.
+        applied.selectRows({1, 2});
+        QVERIFY(QTest::qWaitForWindowExposed(&f.panel));
+        const auto at = [&](int row, int y) {
+            return applied.viewport()->mapToGlobal(applied.visualRect(model.index(row, 0)).center() +
+                                                   QPoint(0, y));
+        };
+        RealPointer pointer;
+        pointer.moveTo(at(1, 0));
+        pointer.press();
+        pointer.moveTo(at(1, 15));
+        pointer.moveTo(at(1, 20));
+        pointer.waitFor([&] { return applied.findChild<QDrag *>(); });
+        pointer.moveTo(at(3, 0));
+        pointer.moveTo(at(3, 4));
+        pointer.waitFor([&] { return applied.findChild<QDrag *>()->target() == applied.viewport(); });
+        pointer.release();
+        QVERIFY(pointer.play());
+        QTRY_COMPARE(rowsDropped.count(), 1);
+        QCOMPARE(f.appliedNames(), QStringLiteral("One Four Two Three"));
+        QCOMPARE(applied.selectedRows(), IndexList({2, 3}));
+    }
+};
+
+int main(int argc, char **argv)
+{
+    return runOnXServer<PresetsPanelTest>(argc, argv);
 }
 
-void PresetsPanelTest::appliesAndRemoves()
-{
-    Fixture f;
-    PresetListView &all = f.table("wPresetsAllTable");
-    PresetListView &applied = f.table("wPresetsAppliedTable");
-    const QAbstractItemModelTester tester(applied.model());
-    Fixture::mouse(all, 1, false);
-    Fixture::mouse(all, 3, false, Qt::ControlModifier);
-    QTest::keyClick(&all, Qt::Key_Return);
-    Fixture::mouse(all, 0, false);
-    Fixture::mouse(all, 1, false, Qt::ShiftModifier);
-    Q_EMIT f.store.wPresetsChanged(); // the selection stays
-    QTest::keyClick(&all, Qt::Key_Return);
-    QCOMPARE(f.appliedNames(), QStringLiteral("Two Four One"));
-    QCOMPARE(applied.model()->rowCount(), 3);
-
-    f.applied.selectNeighborAppliedPreset(AppliedPresets::Neighbor::Previous);
-    QCOMPARE(applied.selectedRows(), IndexList({2}));
-    f.applied.selectNeighborAppliedPreset(AppliedPresets::Neighbor::Next);
-    QCOMPARE(applied.selectedRows(), IndexList({0}));
-    f.all[1]->setName(QStringLiteral("2"));
-    QCOMPARE(applied.model()->index(0, 0).data().toString(), QStringLiteral("2"));
-
-    Fixture::mouse(applied, 2, false, Qt::ControlModifier);
-    QCOMPARE(f.applied.selectedRows(), IndexList({0, 2}));
-    QTest::keyClick(&applied, Qt::Key_Delete);
-    QCOMPARE(f.appliedNames(), QStringLiteral("Four"));
-    QCOMPARE(f.applied.selectedRows(), IndexList());
-}
-
-void PresetsPanelTest::doubleClickFindsThePreset()
-{
-    Fixture f;
-    int managerWanted = 0;
-    f.actions.setHandler(ActionId::ToggleWatermarkPresets, [&] { ++managerWanted; });
-    f.applied.addWPresetsToApplied({f.all[2], f.all[0]});
-    Fixture::mouse(f.table("wPresetsAppliedTable"), 0, true);
-    QCOMPARE(f.table("wPresetsAllTable").selectedRows(), IndexList({2}));
-    QCOMPARE(managerWanted, 1);
-}
-
-void PresetsPanelTest::reordersOnlyItsOwnRows()
-{
-    Fixture f;
-    f.applied.addWPresetsToApplied(f.all);
-    PresetListView &applied = f.table("wPresetsAppliedTable");
-    auto &model = *applied.model();
-    const std::unique_ptr<QMimeData> rows(model.mimeData({model.index(1, 0), model.index(2, 0)}));
-    QCOMPARE(PresetListModel::draggedRows(rows.get()), IndexList({1, 2}));
-    QCOMPARE(model.flags(model.index(0, 0)).testFlag(Qt::ItemIsDropEnabled), false); // only between rows
-
-    // A drag from elsewhere, even of another list of presets, moves nothing.
-    QSignalSpy rowsDropped(&applied, &PresetListView::rowsDropped);
-    QDropEvent drop(QPoint(10, 10), Qt::MoveAction, rows.get(), Qt::LeftButton, {});
-    QCoreApplication::sendEvent(applied.viewport(), &drop);
-    QCOMPARE(rowsDropped.count(), 0);
-
-    QMimeData broken;
-    broken.setData(QStringLiteral("draggedPrests"), QByteArray("\x7f\xff\xff\xff\x00", 5));
-    QCOMPARE(PresetListModel::draggedRows(&broken), IndexList());
-
-    Q_EMIT applied.rowsDropped({1, 2}, 4);
-    QCOMPARE(f.appliedNames(), QStringLiteral("One Four Two Three"));
-    f.applied.selectRows({2, 3});
-    Q_EMIT applied.rowsDropped({2, 3}, 0);
-    QCOMPARE(applied.selectedRows(), IndexList({0, 1}));
-}
-
-QTEST_MAIN(PresetsPanelTest)
 #include "presetspanel_test.moc"

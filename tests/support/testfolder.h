@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QDir>
+#include <QTemporaryDir>
+
+namespace plexa::test
+{
+
+/// The root folder of the source tree.
+QString sourceFolder();
+
+/// The path of a program of this build, such as "plexa-cli".
+QString builtProgram(const QString &name);
+
+/// A private folder for one test, with a blank and a non-ASCII letter in its name, and the XDG folders
+/// inside it. Create it before anything reads a setting.
+class TestFolder
+{
+public:
+    TestFolder()
+        : m_folder(QDir::tempPath() + QStringLiteral("/plexa test \u00e4 XXXXXX"))
+    {
+        for (const char *name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
+            qputenv(name, path(QLatin1String(name)).toUtf8());
+    }
+
+    bool isValid() const { return m_folder.isValid(); }
+    QString path(const QString &name = {}) const { return m_folder.filePath(name); }
+    QString path(const char *name) const { return path(QString::fromUtf8(name)); }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+} // namespace plexa::test

@@ -1,0 +1,608 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+// Real events to a real grid.
+
+#include "support/datarows.h"
+#include "support/testenvironment.h"
+#include "ui/browser/gridfakes.h"
+#include "ui/browser/imagebrowserview.h"
+#include "ui/browser/promisedfiles.h"
+#include "ui/widgets/filedrops.h"
+
+#include <QAbstractEventDispatcher>
+#include <QAccessible>
+#include <QApplication>
+#include <QDialog>
+#include <QDrag>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QMenu>
+#include <QNativeGestureEvent>
+#include <QPointer>
+#include <QPointingDevice>
+#include <QProcess>
+#include <QScrollBar>
+#include <QTest>
+#include <QTimer>
+#include <QUrl>
+#include <QWheelEvent>
+
+using namespace plexa;
+using namespace plexa::test;
+
+namespace
+{
+
+struct Key {
+    Text name; ///< the keys
+    QByteArray log;
+};
+
+struct Gesture {
+    Text name;
+    Qt::NativeGestureType type;
+    QList<double> values;
+    QPointF delta;
+    QByteArray log;
+};
+
+/// A shown grid of 20 images: 7 columns.
+struct Grid {
+    explicit Grid(int count = 20)
+        : images(std::make_shared<Colors>(count))
+    {
+        view.setDelegate(&delegate);
+        view.setImages(images);
+        view.resize(800, 500);
+        view.show();
+        (void)QTest::qWaitForWindowExposed(&view);
+        delegate.take();
+    }
+
+    QPoint middle(int index) const { return view.viewportRect(*view.cellForIndex(index)).center().toPoint(); }
+    void click(int index, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::mouseClick(view.viewport(), Qt::LeftButton, modifiers, middle(index));
+    }
+    void gesture(Qt::NativeGestureType type, double value, QPointF delta = {}, int fingers = 2)
+    {
+        const QPointF at = middle(0);
+        QNativeGestureEvent event(type, QPointingDevice::primaryPointingDevice(), fingers, at, at,
+                                  view.viewport()->mapToGlobal(at), value, delta);
+        QApplication::sendEvent(view.viewport(), &event);
+    }
+
+    std::shared_ptr<Colors> images;
+    Recorder delegate;
+    ImageBrowserView view;
+};
+
+} // namespace
+
+class ImageBrowserViewTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    TestFolder m_folder;
+
+private Q_SLOTS:
+    void mouse()
+    {
+        Grid grid;
+        grid.click(2);
+        QCOMPARE(grid.delegate.take(), QByteArray("selected 2; focus 2<-1"));
+        grid.click(4, Qt::ShiftModifier);
+        QCOMPARE(grid.delegate.take(), QByteArray("selected 2,3,4; focus 4<2"));
+        grid.click(3, Qt::ControlModifier);
+        QCOMPARE(grid.delegate.take(), QByteArray("selected 2,4; focus 3<4"));
+        grid.click(4, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(grid.delegate.take(), QByteArray("selected 2; focus 4<3"));
+
+        // A right click leaves what is selected, and opens the menu.
+        grid.click(2);
+        grid.click(5, Qt::ControlModifier);
+        grid.delegate.take();
+        QMenu menu;
+        menu.addAction(QStringLiteral("Remove"));
+        grid.view.setContextMenu(&menu);
+        const auto rightClick = [&](QPoint at) {
+            QTest::mouseClick(grid.view.viewport(), Qt::RightButton, {}, at);
+            QContextMenuEvent event(QContextMenuEvent::Mouse, at, grid.view.viewport()->mapToGlobal(at));
+            QApplication::sendEvent(grid.view.viewport(), &event);
+            const bool isOpen = menu.isVisible();
+            menu.hide();
+            return isOpen;
+        };
+        QVERIFY(rightClick(grid.middle(2)));
+        QCOMPARE(grid.delegate.take(), QByteArray("focus 2<5"));
+        QVERIFY(rightClick({1, 1}));
+        QCOMPARE(grid.delegate.take(), QByteArray());
+        QVERIFY(rightClick(grid.middle(6)));
+        QCOMPARE(grid.delegate.take(), QByteArray("selected 6; focus 6<2"));
+
+        const auto doubleClick = [&](QPoint at) {
+            QTest::mouseDClick(grid.view.viewport(), Qt::LeftButton, {}, at);
+            QTest::mouseRelease(grid.view.viewport(), Qt::LeftButton, {}, at);
+        };
+        doubleClick(grid.middle(6));
+        QCOMPARE(grid.delegate.take(), QByteArray("double"));
+        doubleClick({1, 1});
+        QCOMPARE(grid.delegate.take(), QByteArray("selected; focus -1<6"));
+
+        grid.view.setShowsOriginalOnMouseOver(true);
+        QTest::mouseMove(grid.view.viewport(), grid.middle(3));
+        grid.view.viewport()->repaint();
+        QCOMPARE(grid.images->askedForOriginal, 3);
+        grid.view.setShowsOriginalOnMouseOver(false);
+        grid.images->askedForOriginal = -1;
+        grid.view.viewport()->repaint();
+        QCOMPARE(grid.images->askedForOriginal, -1);
+    }
+
+    void rubberBand()
+    {
+        Grid grid(500);
+        grid.click(0);
+        grid.delegate.take();
+        QWidget *viewport = grid.view.viewport();
+        const auto cell = [&](int i) { return grid.view.viewportRect(*grid.view.cellForIndex(i)); };
+        const QPoint from = QPointF((cell(1).right() + cell(2).left()) / 2, cell(0).bottom() + 2).toPoint();
+        const QPoint to = QPointF(cell(3).left() + 1, cell(7).top() + 5).toPoint();
+
+        // From a gap to the upper left: the band is drawn in its place, and in the cells that it meets.
+        QTest::mousePress(viewport, Qt::LeftButton, {}, from);
+        QCOMPARE(grid.delegate.take(), QByteArray("selected; focus -1<0"));
+        QTest::mouseMove(viewport, to);
+        const QColor inBand = viewport->grab().toImage().pixelColor(from + QPoint(2, 1));
+        QVERIFY(inBand.blue() > inBand.red() + 40);
+        QCOMPARE(grid.delegate.take(), QByteArray());
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, to);
+        QCOMPARE(grid.delegate.take(), QByteArray("selected 9,10; focus 9<-1"));
+        QCOMPARE(viewport->grab().toImage().pixelColor(from + QPoint(2, 1)).saturation(), 0);
+
+        // Held below the view it scrolls, and takes what comes.
+        QTest::mousePress(viewport, Qt::LeftButton, {}, from);
+        QTest::mouseMove(viewport, QPoint(from.x() + 5, viewport->height() + 40));
+        QTRY_VERIFY(grid.view.verticalScrollBar()->value() > 300);
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, QPoint(from.x() + 5, viewport->height() + 40));
+        QVERIFY(grid.view.isIndexSelected(9) && grid.view.isIndexSelected(37));
+
+        // Escape gives it up.
+        grid.view.verticalScrollBar()->setValue(0);
+        QTest::mousePress(viewport, Qt::LeftButton, {}, from);
+        QTest::mouseMove(viewport, to);
+        QTest::keyClick(&grid.view, Qt::Key_Escape);
+        QTest::mouseMove(viewport, to + QPoint(1, 0));
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, to);
+        QCOMPARE(grid.view.selectionIndexes(), QList<int>());
+
+        // Another button does not end it; the list may become shorter meanwhile; a message that comes up ends
+        // it.
+        QTest::mousePress(viewport, Qt::LeftButton, {}, from);
+        QTest::mouseMove(viewport, QPoint(from.x() + 5, viewport->height() + 40));
+        QMouseEvent other(QEvent::MouseButtonRelease, QPointF(to), viewport->mapToGlobal(QPointF(to)),
+                          Qt::MiddleButton, Qt::LeftButton, {});
+        QApplication::sendEvent(viewport, &other);
+        QTRY_VERIFY(grid.view.verticalScrollBar()->value() > 300);
+        grid.images->images.resize(12);
+        grid.view.viewport()->repaint();
+        QCOMPARE(grid.view.selectionIndexes(), QList<int>());
+        QDialog message;
+        message.setModal(true);
+        message.show();
+        QTRY_VERIFY(!grid.view.selectionIndexes().isEmpty() && grid.view.selectionIndexes().last() < 12);
+        message.hide();
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, from);
+    }
+
+    void keyboard_data()
+    {
+        // Three rows of seven columns; 8 and 9 are selected, 9 has the focus.
+        addRows<Key>({
+            {"Right", "selected 10; focus 10<9"},
+            {"Shift+Left", "selected 8; focus 8<9"},
+            {"Up", "selected 2; focus 2<9"},
+            {"Ctrl+Down", "selected 8,9,16; focus 16<9"},
+            {"Home", "selected 0; focus 0<9"},
+            {"PgDown", "selected 19; focus 19<9"},
+            {"Ctrl+Space", "selected 8"},
+            {"Space", ""},
+            {"Return", "return"},
+            {"Backspace", "delete"},
+            {"Delete", "delete"},
+            {"Ctrl+Shift+Backspace", ""}, // the shortcut of a command
+            {"Ctrl+C", "copy"},
+            {"X", ""},
+        });
+    }
+    void keyboard()
+    {
+        const auto [keys, log] = currentRow<Key>();
+        Grid grid;
+        grid.click(8);
+        grid.click(9, Qt::ControlModifier);
+        grid.delegate.take();
+        const QKeyCombination key = QKeySequence(keys, QKeySequence::PortableText)[0];
+        QTest::keyClick(&grid.view, key.key(), key.keyboardModifiers());
+        QCOMPARE(grid.delegate.take(), log);
+
+        // Keys bring the focus into view.
+        Grid large(500);
+        QTest::keyClick(&large.view, Qt::Key_End);
+        QVERIFY(large.view.visibleRect().contains(*large.view.cellForIndex(499)));
+    }
+
+    void gestures_data()
+    {
+        addRows<Gesture>({
+            {"pinch", Qt::ZoomNativeGesture, {0.125}, {}, "zoom 0.625"},
+            {"rotated a little", Qt::RotateNativeGesture, {30, 15}, {}, ""},
+            {"rotated clockwise", Qt::RotateNativeGesture, {30, 16, 44}, {}, "rotated cw"},
+            {"rotated twice", Qt::RotateNativeGesture, {46, 46}, {}, "rotated cw; rotated cw"},
+            {"rotated counter-clockwise", Qt::RotateNativeGesture, {-30, -20}, {}, "rotated ccw"},
+            {"swipe to the left", Qt::SwipeNativeGesture, {0}, {1, 0}, "selected 8; focus 8<9"},
+            {"swipe to the right", Qt::SwipeNativeGesture, {0}, {-1, 0}, "selected 10; focus 10<9"},
+            {"half a swipe", Qt::SwipeNativeGesture, {0}, {0.5, 0}, ""},
+            {"swipe upwards", Qt::SwipeNativeGesture, {0}, {0, 1}, ""},
+            {"swipe by its angle, left", Qt::SwipeNativeGesture, {180}, {}, "selected 8; focus 8<9"},
+            {"swipe by its angle, up", Qt::SwipeNativeGesture, {90}, {}, ""},
+            {"pan to the right", Qt::PanNativeGesture, {0, 0, 0}, {30, 5}, "selected 10; focus 10<9"},
+            {"pan downwards", Qt::PanNativeGesture, {0, 0, 0}, {30, 25}, ""},
+        });
+    }
+    void gestures()
+    {
+        const auto [name, type, values, delta, log] = currentRow<Gesture>();
+        Grid grid;
+        grid.view.takeSelection({8, 9}, 9);
+        grid.gesture(Qt::BeginNativeGesture, 0);
+        for (const double value : values)
+            grid.gesture(type, value, delta, 3);
+        grid.gesture(Qt::EndNativeGesture, 0);
+        QCOMPARE(grid.delegate.take(), log);
+    }
+
+    void wheel()
+    {
+        Grid grid(500);
+        const auto turn = [&](Qt::KeyboardModifiers modifiers) {
+            const QPointF at(100, 100);
+            QWheelEvent event(at, grid.view.viewport()->mapToGlobal(at), {}, {0, -120}, Qt::NoButton,
+                              modifiers, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(grid.view.viewport(), &event);
+        };
+        turn(Qt::ControlModifier);
+        QCOMPARE(grid.delegate.take(), QByteArray("zoom 0.45"));
+        QCOMPARE(grid.view.verticalScrollBar()->value(), 0);
+        turn({});
+        QVERIFY(grid.view.verticalScrollBar()->value() > 0);
+    }
+
+    void zoomKeepsPlace()
+    {
+        Grid grid(500);
+        // The middle of what is seen stays there,
+        grid.view.verticalScrollBar()->setValue(grid.view.verticalScrollBar()->maximum() / 3);
+        const auto share = [&] {
+            return grid.view.visibleRect().center().y() / grid.view.geometry().height();
+        };
+        const double before = share();
+        grid.view.setZoomFactor(0.8F);
+        QVERIFY(std::abs(share() - before) < 0.002);
+        // or else the focus image, where it was seen.
+        grid.view.takeSelection({200}, 200);
+        grid.view.scrollFocusImageToVisible();
+        for (const float zoom : {0.0F, 1.0F, 0.3F, 5.0F}) {
+            grid.view.setZoomFactor(zoom);
+            QVERIFY(grid.view.visibleRect().contains(*grid.view.cellForIndex(200)));
+        }
+        QCOMPARE(grid.view.zoomFactor(), 1.0F);
+        QCOMPARE(grid.view.geometry().cellSize(), 500.0 - 28);
+        // A photo of the last row is reached at every size.
+        for (const QSize size : {QSize(40, 40), QSize(60, 400), QSize(79, 79), QSize(1500, 60)}) {
+            grid.view.resize(size);
+            QCoreApplication::processEvents();
+            grid.view.scrollCellToVisible(499);
+            QVERIFY(grid.view.cellIsVisible(499));
+        }
+    }
+
+    void thumbnailsAreSeen()
+    {
+        Grid grid(500);
+        grid.images->images[1] = QImage();
+        const auto pixel = [&](int index, double x, double y) {
+            const QRectF cell = grid.view.viewportRect(*grid.view.cellForIndex(index));
+            return grid.view.viewport()->grab().toImage().pixelColor(
+                QPointF(cell.left() + x * cell.width(), cell.top() + y * cell.height()).toPoint());
+        };
+        // Upright, sharp or not yet.
+        for (int round = 0; round < 2; ++round) {
+            QCOMPARE(pixel(0, 0.5, 0.6), grid.images->images[0].pixelColor(0, 0));
+            QCOMPARE(pixel(0, 0.5, 0.25), QColor(Qt::white));
+            QTest::qWait(50);
+        }
+        // What arrives later is shown at the next refresh; so is a photo that was turned.
+        const QColor ground = pixel(1, 0.02, 0.02);
+        QVERIFY(pixel(1, 0.5, 0.5).lightness() > ground.lightness());
+        grid.images->images[1] = Colors::thumbnail(Qt::red);
+        grid.view.refreshImage(&grid.images->images[1]);
+        QCOMPARE(pixel(1, 0.5, 0.6), QColor(Qt::red));
+        // Behind a selected one it is lighter.
+        grid.view.takeSelection({1}, 1);
+        QVERIFY(pixel(1, 0.5, 0.04).lightness() > ground.lightness() + 20);
+
+        // Memory is bounded by bytes, whatever is looked at.
+        CellPictures pictures(1 << 20);
+        for (int i = 10; i < 400; ++i)
+            QCOMPARE(pictures.makeScaled(grid.images->images[0], {i, i}).size(), QSize(i, i));
+        QVERIFY(pictures.bytes() <= 1 << 20);
+    }
+
+    /// A picture is drawn in the pixels of the device, at every scale of the screen.
+    void drawsDevicePixels()
+    {
+        if (qEnvironmentVariableIsEmpty("QT_SCALE_FACTOR")) {
+            for (const char *factor : {"2", "1.5"}) {
+                QProcess scaled;
+                QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+                environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QLatin1String(factor));
+                scaled.setProcessEnvironment(environment);
+                scaled.start(QCoreApplication::applicationFilePath(), {QStringLiteral("drawsDevicePixels")});
+                QVERIFY(scaled.waitForFinished(60'000));
+                QVERIFY2(scaled.exitCode() == 0, scaled.readAllStandardOutput().constData());
+            }
+        }
+        Grid grid;
+        const double ratio = grid.view.devicePixelRatioF();
+        QCOMPARE(ratio, std::max(1.0, qEnvironmentVariable("QT_SCALE_FACTOR").toDouble()));
+        QImage square(500, 500, QImage::Format_RGB32);
+        square.fill(Qt::magenta);
+        grid.images->images[8] = square;
+        grid.view.viewport()->repaint();
+        const QImage drawn = grid.view.viewport()->grab().toImage();
+        QRect place; // in pixels of the device
+        for (int y = 0; y < drawn.height(); ++y)
+            for (int x = 0; x < drawn.width(); ++x)
+                if (drawn.pixel(x, y) == square.pixel(0, 0))
+                    place |= QRect(x, y, 1, 1);
+        // Beside the picture are padding, shadow and border, below it the name of 10 points.
+        const QRectF cell = grid.view.viewportRect(*grid.view.cellForIndex(8));
+        const double size = ratio * (0.9 * (1 - 2 * (0.03 + 0.06)) * cell.width() - 10);
+        QVERIFY(std::abs(place.width() - size) <= 3 && place.width() == place.height());
+        QVERIFY((QPointF(place.center()) - ratio * (cell.center() - QPointF(0, 5))).manhattanLength() <= 3);
+
+        // A picture of this size is not scaled, so not one of its pixels is lost.
+        QImage noise(place.size(), QImage::Format_RGB32);
+        for (int y = 0; y < noise.height(); ++y)
+            for (int x = 0; x < noise.width(); ++x)
+                noise.setPixel(x, y, qRgb(x * 37 % 256, y * 59 % 256, x * y % 256));
+        grid.images->images[8] = noise.mirrored();
+        const auto isShown = [&] {
+            QImage now = grid.view.viewport()->grab().toImage().copy(place);
+            now.setDevicePixelRatio(1);
+            return now == noise;
+        };
+        QTRY_VERIFY(isShown());
+    }
+
+    void listChanges()
+    {
+        Grid grid;
+        grid.click(19);
+        grid.delegate.take();
+        grid.view.setImages(grid.images);
+        QCOMPARE(grid.delegate.take(), QByteArray());
+        // A shorter list takes the selection along, even when it was drawn before anybody said so.
+        grid.images->images.resize(3);
+        grid.view.viewport()->repaint();
+        QCOMPARE(grid.delegate.take(), QByteArray("selected; focus -1<19"));
+        grid.view.takeSelection({1, 7}, 7);
+        QCOMPARE(grid.view.selectionIndexes(), QList<int>{1});
+        QCOMPARE(grid.view.focusImageIndex(), -1);
+        grid.view.setImages(std::make_shared<Colors>(0));
+        QCOMPARE(grid.delegate.take(), QByteArray("selected"));
+        QTest::keyClick(&grid.view, Qt::Key_Down);
+        QTest::keyClick(&grid.view, Qt::Key_C, Qt::ControlModifier);
+        QTest::mouseClick(grid.view.viewport(), Qt::LeftButton, {}, QPoint(100, 100));
+        QCOMPARE(grid.delegate.take(), QByteArray());
+        QVERIFY(!grid.view.viewport()->grab().isNull());
+        grid.view.setImages(nullptr);
+        QCOMPARE(grid.view.numberImages(), 0);
+    }
+
+    void dragsWithinTheGrid()
+    {
+        // The offscreen platform begins a drag and gives it up at once; the events of its way are sent by the
+        // test.
+        Grid other;
+        Grid grid;
+        QWidget *viewport = grid.view.viewport();
+        const auto begin = [&](int from) {
+            qDeleteAll(viewport->findChildren<QDrag *>());
+            QTest::mousePress(viewport, Qt::LeftButton, {}, grid.middle(from));
+            QTest::mouseMove(viewport, grid.middle(from) + QPoint(2, 2));
+            QTest::mouseMove(viewport, grid.middle(from) + QPoint(20, 20));
+            QTest::mouseRelease(viewport, Qt::LeftButton, {}, grid.middle(from) + QPoint(20, 20));
+            return viewport->findChild<QDrag *>();
+        };
+        const auto enter = [&](QWidget *where, const QMimeData *data, QPoint at, Qt::DropActions actions) {
+            QDragEnterEvent event(at, actions, data, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(where, &event);
+            return event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
+        };
+        const auto drop = [&](const QMimeData *data, QPoint at, Qt::DropActions actions) {
+            if (enter(viewport, data, at, actions) == Qt::IgnoreAction)
+                return Qt::IgnoreAction;
+            QDropEvent event(at, actions, data, Qt::NoButton, Qt::NoModifier);
+            QApplication::sendEvent(viewport, &event);
+            return event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
+        };
+        const Qt::DropActions both = Qt::CopyAction | Qt::MoveAction;
+        const QPoint before10 = grid.middle(10) - QPoint(30, 0);
+        const auto barLightness = [&] {
+            const QRectF place = grid.view.viewportRect(grid.view.geometry().insertionBar(10, 4));
+            return viewport->grab().toImage().pixelColor(place.center().toPoint()).lightness();
+        };
+
+        grid.view.takeSelection({3, 4}, 4);
+        const QDrag *drag = begin(3);
+        QVERIFY(drag);
+        QVERIFY(drag->pixmap().width() > 100);
+        QCOMPARE(grid.delegate.take(), QByteArray("focus 3<4; promised 3,4"));
+        const int gap = barLightness();
+        QCOMPARE(enter(viewport, drag->mimeData(), before10, both), Qt::MoveAction);
+        QVERIFY(barLightness() > gap + 20);
+        QCOMPARE(drop(drag->mimeData(), before10, both), Qt::MoveAction);
+        QCOMPARE(barLightness(), gap);
+        QCOMPARE(grid.delegate.take(), QByteArray("moved 3,4>10"));
+        QCOMPARE(drop(drag->mimeData(), before10, Qt::CopyAction), Qt::CopyAction);
+        QCOMPARE(grid.delegate.take(), QByteArray("copied 3,4>10"));
+        grid.view.setAllowCopying(false);
+        QCOMPARE(drop(drag->mimeData(), before10, Qt::CopyAction), Qt::IgnoreAction);
+
+        // Another grid does not know what the indexes mean, nor does this one when the list has changed.
+        QCOMPARE(enter(other.view.viewport(), drag->mimeData(), before10, both), Qt::IgnoreAction);
+        grid.images->images.append(Colors::thumbnail(Qt::red));
+        grid.view.fullRefresh();
+        QCOMPARE(drop(drag->mimeData(), before10, both), Qt::IgnoreAction);
+        QCOMPARE(grid.delegate.take(), QByteArray());
+
+        grid.delegate.allowsDrags = false;
+        QVERIFY(!begin(3));
+    }
+
+    void filesDropped()
+    {
+        Grid grid;
+        const auto drop = [&](const QMimeData &data, Qt::DropActions actions) {
+            QDragEnterEvent enter({50, 50}, actions, &data, Qt::LeftButton, {});
+            QApplication::sendEvent(grid.view.viewport(), &enter);
+            if (!enter.isAccepted())
+                return Qt::IgnoreAction;
+            QDropEvent event({50, 50}, actions, &data, Qt::LeftButton, {});
+            QApplication::sendEvent(grid.view.viewport(), &event);
+            return event.dropAction();
+        };
+        QMimeData files;
+        files.setUrls(
+            {QUrl(QStringLiteral("file:///photos/a%20b.jpg")), QUrl(QStringLiteral("http://host/c.jpg"))});
+        QCOMPARE(drop(files, Qt::CopyAction | Qt::MoveAction), Qt::CopyAction);
+        QCOMPARE(grid.delegate.take(), QByteArray("files /photos/a b.jpg"));
+        QCOMPARE(drop(files, Qt::MoveAction), Qt::IgnoreAction);
+
+        // The indexes of somebody else's grid mean nothing here, nor does what only pretends to be some.
+        QMimeData foreign;
+        foreign.setUrls(files.urls());
+        foreign.setData(kPhotoSelectionType, "\xff\xff\xff\xff nonsense");
+        QCOMPARE(drop(foreign, Qt::CopyAction | Qt::MoveAction), Qt::IgnoreAction);
+        QCOMPARE(PromisedFiles::indexes(foreign), QList<int>());
+        QMimeData link;
+        link.setUrls({QUrl(QStringLiteral("http://host/c.jpg"))});
+        QCOMPARE(drop(link, Qt::CopyAction), Qt::IgnoreAction);
+        QMimeData words;
+        words.setText(QStringLiteral("words"));
+        QCOMPARE(drop(words, Qt::CopyAction), Qt::IgnoreAction);
+        QCOMPARE(grid.delegate.take(), QByteArray());
+    }
+
+    void filesPromised()
+    {
+        qputenv("TMPDIR", m_folder.path().toUtf8());
+        FakePromise::Log log;
+        QString folder;
+        {
+            const auto folders = std::make_shared<PrivateFolders>();
+            PromisedFiles files(std::make_unique<FakePromise>(6, log), folders, PromisedFiles::Use::Drag,
+                                {1, 5, 6});
+            QVERIFY(files.hasUrls());
+            QVERIFY(files.formats().contains(QStringLiteral("image/png")));
+            QCOMPARE(PromisedFiles::indexes(files), (QList<int>{1, 5, 6}));
+            QCOMPARE(files.data(QStringLiteral("text/html")), QByteArray());
+            QCOMPARE(log.made.load(), 0);
+
+            // Two presets, three images: six files, made once.
+            const QList<QUrl> urls = files.urls();
+            QCOMPARE(urls.size(), 6);
+            for (int i = 0; i < 6; ++i) {
+                QCOMPARE(urls.at(i).fileName(), QStringLiteral("image%1").arg(i));
+                QVERIFY(QFileInfo(urls.at(i).toLocalFile()).size() == 5);
+            }
+            folder = QFileInfo(urls.first().toLocalFile()).path();
+            QCOMPARE(QFileInfo(folder + QStringLiteral("/..")).permissions() & 0x77, QFile::Permissions());
+            QCOMPARE(files.urls(), urls);
+            files.dropped();
+            QCOMPARE(files.data(QStringLiteral("image/png")), QByteArray()); // the files are what is dragged
+            QCOMPARE(log.made.load(), 1);
+
+            // What was left behind by a program that was killed goes; ours does not, nor does what a link
+            // shows.
+            const QString prefix =
+                m_folder.path(QCoreApplication::applicationName() + QStringLiteral("-copies-"));
+            QVERIFY(QDir().mkpath(prefix + QStringLiteral("abcdef/1/image0")));
+            QVERIFY(QDir().mkpath(m_folder.path(QStringLiteral("somebody's/photos"))));
+            QVERIFY(
+                QFile::link(m_folder.path(QStringLiteral("somebody's")), prefix + QStringLiteral("ghijkl")));
+            QCOMPARE(PrivateFolders::removeLeftovers(), 1);
+            QVERIFY(!QFileInfo::exists(prefix + QStringLiteral("abcdef")));
+            QVERIFY(QFileInfo::exists(m_folder.path(QStringLiteral("somebody's/photos"))));
+            QVERIFY(QFileInfo::exists(urls.first().toLocalFile()));
+        }
+        QVERIFY(!QFileInfo::exists(folder));
+        qunsetenv("TMPDIR");
+    }
+
+    /// Where a drag ends while its files are written, the data are deleted, and no further file is written.
+    void filesAbandoned()
+    {
+        FakePromise::Log log;
+        log.mayGoOn = false;
+        const QPointer files =
+            new PromisedFiles(std::make_unique<FakePromise>(2, log), std::make_shared<PrivateFolders>(),
+                              PromisedFiles::Use::Drag);
+        QObject context;
+        // As by the window system: inside the loop that waits, but outside every event.
+        connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &context, [&] {
+            if (log.made > 0 && files)
+                files->deleteLater();
+        });
+        bool isAnswered = false;
+        QTimer::singleShot(0, &context,
+                           [&] { isAnswered = files->data(QStringLiteral("text/uri-list")).isEmpty(); });
+        QTRY_VERIFY(isAnswered);
+        QVERIFY(!files && log.wasUnwanted);
+        QCOMPARE(log.failures.size(), 1);
+        QVERIFY(!QFileInfo::exists(log.folder));
+    }
+
+    void screenReaders()
+    {
+        Grid grid;
+        QAccessibleInterface *list = QAccessible::queryAccessibleInterface(&grid.view);
+        QVERIFY(list);
+        QCOMPARE(list->role(), QAccessible::List);
+        QVERIFY(!list->text(QAccessible::Name).isEmpty());
+        QCOMPARE(list->childCount(), 20);
+        QVERIFY(!list->child(20));
+        QAccessibleInterface *cell = list->child(4);
+        QCOMPARE(cell->text(QAccessible::Name), QStringLiteral("photo4"));
+        QCOMPARE(cell->parent(), list);
+        QCOMPARE(list->indexOfChild(cell), 4);
+        const QPoint middle = grid.view.viewport()->mapToGlobal(grid.middle(4));
+        QVERIFY(cell->rect().contains(middle));
+        QCOMPARE(list->childAt(middle.x(), middle.y()), cell);
+        QVERIFY(!cell->state().selected);
+        cell->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        QCOMPARE(grid.delegate.take(), QByteArray("selected 4; focus 4<-1"));
+        QVERIFY(cell->state().selected);
+        grid.view.setFocus();
+        QTRY_COMPARE(list->focusChild(), cell);
+
+        grid.view.setImages(std::make_shared<Colors>(2));
+        QVERIFY(!cell->isValid() && cell->rect().isEmpty() && cell->text(QAccessible::Name).isEmpty());
+    }
+};
+
+QTEST_MAIN(ImageBrowserViewTest)
+#include "imagebrowserview_test.moc"
