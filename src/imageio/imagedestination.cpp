@@ -20,12 +20,16 @@ constexpr qsizetype kThumbnailBytes = 10'000;
 class FlatteningWriter final : public RowWriter
 {
 public:
-    explicit FlatteningWriter(std::unique_ptr<RowWriter> writer)
-        : m_writer(std::move(writer))
+    FlatteningWriter(std::unique_ptr<RowWriter> writer, QSize size)
+        : RowWriter({size, true})
+        , m_writer(std::move(writer))
     {
     }
 
-    Result<void> writeRows(const QImage &strip, int count) override
+    Result<void> finish() override { return m_writer->finish(); }
+
+private:
+    Result<void> encodeRows(const QImage &strip, int count) override
     {
         if (m_strip.width() != strip.width() || m_strip.height() < kRows)
             m_strip = QImage(strip.width(), kRows, QImage::Format_RGB32);
@@ -42,9 +46,6 @@ public:
         return {};
     }
 
-    Result<void> finish() override { return m_writer->finish(); }
-
-private:
     static constexpr int kRows = 64;
 
     static void flatten(const QRgb *from, QRgb *to, int count)
@@ -135,7 +136,7 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
     Result<std::unique_ptr<RowWriter>> writer = target->codec->openWriter(device, written, options);
     if (!writer || !flattens)
         return writer;
-    return std::make_unique<FlatteningWriter>(std::move(*writer));
+    return std::make_unique<FlatteningWriter>(std::move(*writer), format.size);
 }
 
 Result<void> writeImage(QIODevice &device, const QImage &image, const CopyRequest &request)

@@ -102,11 +102,6 @@ bool isBitmap(QByteArrayView head)
     return isNetpbm(head, '1', '4');
 }
 
-bool isXpm(QByteArrayView head)
-{
-    return head.startsWith("/* XPM */");
-}
-
 /// Those that Qt's plugins read, as far as they are installed.
 void appendQtFormats(QList<ImageFormat> &formats)
 {
@@ -116,9 +111,6 @@ void appendQtFormats(QList<ImageFormat> &formats)
     static const QtCodec pixmap("ppm", readNetpbmHeader);
     static const QtCodec graymap("pgm", readNetpbmHeader);
     static const QtCodec bitmap("pbm", readNetpbmHeader);
-    static const QtCodec xpm("xpm", nullptr, 0, QtCodec::Choice::First, EndWatch::Manner::AsText);
-    static const QtCodec xbm("xbm", readXbmHeader, 0, QtCodec::Choice::First, EndWatch::Manner::AsText);
-    static const QtCodec wbmp("wbmp");
     const struct {
         const char *type;
         const char *name;
@@ -132,9 +124,6 @@ void appendQtFormats(QList<ImageFormat> &formats)
         {"image/x-portable-pixmap", "PPM", {u"ppm"_qs}, isPixmap, &pixmap},
         {"image/x-portable-graymap", "PGM", {u"pgm"_qs}, isGraymap, &graymap},
         {"image/x-portable-bitmap", "PBM", {u"pbm"_qs}, isBitmap, &bitmap},
-        {"image/x-xpixmap", "XPM", {u"xpm"_qs}, isXpm, &xpm},
-        {"image/x-xbitmap", "XBM", {u"xbm"_qs}, nullptr, &xbm},
-        {"image/vnd.wap.wbmp", "WBMP", {u"wbmp"_qs}, nullptr, &wbmp},
     };
     for (const auto &row : qtFormats) {
         if (row.codec->isAvailable())

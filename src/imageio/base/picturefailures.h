@@ -37,6 +37,7 @@ public:
     static QString colorsNotReduced(int code);
     static QString tooLargeToWrite(const char *format);
     static QString cannotWrite(const QString &type);
+    static QString cannotWriteFormat() { return tr("files of this format cannot be written"); }
 
     /// Checks what a file says of its size.
     /// @return the failure when a side is below 1 or there are more pixels than allowed

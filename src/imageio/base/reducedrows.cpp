@@ -15,46 +15,42 @@ QSize reducedSize(QSize size, int factor)
 }
 
 ReducedRowReader::ReducedRowReader(std::unique_ptr<RowReader> whole, int factor)
-    : m_whole(std::move(whole))
+    : SingleRowReader({reducedSize(whole->format().size, factor), whole->format().hasAlpha})
+    , m_whole(std::move(whole))
     , m_factor(factor)
-    , m_format{reducedSize(m_whole->format().size, factor), m_whole->format().hasAlpha}
     , m_rows(m_whole->format().size.width(), factor, m_format.imageFormat())
     , m_sums(size_t(m_format.size.width()))
     , m_rowsLeft(m_whole->format().size.height())
 {
 }
 
-Result<void> ReducedRowReader::readRows(QImage &strip, int count)
+Result<void> ReducedRowReader::decodeRow(int, QRgb *row)
 {
     if (m_rows.isNull())
         return fail(PictureFailures::outOfMemory());
-    uchar *bits = strip.bits();
-    for (int row = 0; row < count; ++row) {
-        const int rows = qMin(m_factor, m_rowsLeft);
-        if (const auto read = m_whole->readRows(m_rows, rows); !read)
-            return read;
-        m_rowsLeft -= rows;
-        std::fill(m_sums.begin(), m_sums.end(), Sum());
-        for (int y = 0; y < rows; ++y) {
-            const auto *in = reinterpret_cast<const QRgb *>(m_rows.constScanLine(y));
-            int left = m_rows.width();
-            for (Sum &sum : m_sums) {
-                const int columns = qMin(m_factor, left);
-                for (int x = 0; x < columns; ++x, ++in) {
-                    sum.alpha += qAlpha(*in);
-                    sum.red += qRed(*in);
-                    sum.green += qGreen(*in);
-                    sum.blue += qBlue(*in);
-                }
-                sum.count += columns;
-                left -= columns;
+    const int rows = qMin(m_factor, m_rowsLeft);
+    if (const auto read = m_whole->readRows(m_rows, rows); !read)
+        return read;
+    m_rowsLeft -= rows;
+    std::fill(m_sums.begin(), m_sums.end(), Sum());
+    for (int y = 0; y < rows; ++y) {
+        const auto *in = reinterpret_cast<const QRgb *>(m_rows.constScanLine(y));
+        int left = m_rows.width();
+        for (Sum &sum : m_sums) {
+            const int columns = qMin(m_factor, left);
+            for (int x = 0; x < columns; ++x, ++in) {
+                sum.alpha += qAlpha(*in);
+                sum.red += qRed(*in);
+                sum.green += qGreen(*in);
+                sum.blue += qBlue(*in);
             }
+            sum.count += columns;
+            left -= columns;
         }
-        auto *out = reinterpret_cast<QRgb *>(bits + row * strip.bytesPerLine());
-        for (const Sum &sum : m_sums) {
-            const auto mean = [&sum](int total) { return (total + sum.count / 2) / sum.count; };
-            *out++ = qRgba(mean(sum.red), mean(sum.green), mean(sum.blue), mean(sum.alpha));
-        }
+    }
+    for (const Sum &sum : m_sums) {
+        const auto mean = [&sum](int total) { return (total + sum.count / 2) / sum.count; };
+        *row++ = qRgba(mean(sum.red), mean(sum.green), mean(sum.blue), mean(sum.alpha));
     }
     return {};
 }

@@ -15,22 +15,20 @@ QSize reducedSize(QSize size, int factor);
 
 /// Makes the rows of a smaller picture out of those of a larger one: each pixel the mean of a square of
 /// `factor` by `factor` pixels, of less at the right and lower edges.
-class ReducedRowReader final : public RowReader
+class ReducedRowReader final : public SingleRowReader
 {
 public:
     ReducedRowReader(std::unique_ptr<RowReader> whole, int factor);
 
-    RowFormat format() const override { return m_format; }
-    [[nodiscard]] Result<void> readRows(QImage &strip, int count) override;
-
 private:
+    Result<void> decodeRow(int index, QRgb *row) override;
+
     struct Sum {
         int alpha = 0, red = 0, green = 0, blue = 0, count = 0;
     };
 
     const std::unique_ptr<RowReader> m_whole;
     const int m_factor;
-    const RowFormat m_format;
     QImage m_rows; ///< of the larger picture, as many as make one
     std::vector<Sum> m_sums;
     int m_rowsLeft; ///< of the larger picture

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "imageio/base/picturefailures.h"
 #include "imageio/base/readlimits.h"
 #include "imageio/base/rowstream.h"
 #include "imageio/embedded/pngtexts.h"
@@ -18,32 +19,30 @@
 namespace plexa
 {
 
-/// What a codec finds out about a picture without decoding it.
+/// Facts about a picture that need no decoding.
 struct PictureInfo {
-    RowFormat rows; ///< of image 0, as its rows will be handed out
+    RowFormat rows; ///< of the first picture, as its reader delivers it
     int imageCount = 1;
-    int depth = 8;         ///< bits a component in the file
+    int depth = 8;         ///< bits per component in the file
     QString colorModel;    ///< "RGB", "Gray", "CMYK" or "Lab", of the file
-    QByteArray iccProfile; ///< embedded, or the one that the file names without it; empty: none
-    double dpiWidth = 0;   ///< 0 when the container says nothing
+    QByteArray iccProfile; ///< embedded, or the one that the file names; may be empty
+    double dpiWidth = 0;   ///< 0: unknown
     double dpiHeight = 0;
     bool isProgressive = false; ///< JPEG only
-    QByteArray chromaSampling;  ///< horizontal and vertical factor of each component as JPEG has them:
+    QByteArray chromaSampling;  ///< horizontal and vertical factors of each component as in JPEG:
                                 ///< "22,11,11"; JPEG and HEIF only
-    qint64 decoderBytes = 0; ///< the most memory that a reader holds besides the strips it fills: what it has
-                             ///< to decode whole before the first row comes out; 0 where the rows stream
-    QVariantMap formatProperties; ///< dictionaries of the property dictionary that are of one container
-                                  ///< only: "{JFIF}", "{PNG}", ...
-    int orientation = 0; ///< 1 to 8 as EXIF counts, where the codec knows it better than the metadata; 0: it
-                         ///< does not
-    QVariantMap properties; ///< what stands in for metadata that the file does not have, in the form of the
-                            ///< property dictionary ("{TIFF}", ...)
-    QStringList unmarkedPictures; ///< pictures beside image 0 that a copy must not carry: "gain map", ...
+    qint64 decoderBytes = 0; ///< upper bound of the memory a reader holds besides the strips it fills: data
+                             ///< that must be decoded before the first row; 0 where the rows stream
+    QVariantMap formatProperties; ///< property dictionaries of this container: "{JFIF}", "{PNG}", ...
+    int orientation = 0;          ///< 1 to 8 as in EXIF, overrides the metadata; 0: unknown
+    QVariantMap properties;       ///< replaces metadata that the file lacks, in the form of the property
+                                  ///< dictionary ("{TIFF}", ...)
+    QStringList unmarkedPictures; ///< further pictures that a copy must not contain: "gain map", ...
 };
 
 /// How a picture is written.
 struct WriteOptions {
-    double quality = 0.8;            ///< 0..1, for formats with losses
+    double quality = 0.8;            ///< 0..1, for lossy formats
     double dpi[2] = {0, 0};          ///< horizontal and vertical, 0: not written
     bool isProgressive = false;      ///< JPEG
     QByteArray chromaSampling;       ///< JPEG, HEIC: as in PictureInfo, kept at high quality; may be empty
@@ -55,74 +54,67 @@ struct WriteOptions {
     QByteArray xmp;                  ///< packet as UTF-8, may be empty
     QByteArray comment;              ///< JPEG comment, may be empty
     QList<PngText> texts;            ///< PNG, may be empty
-    bool tiffLzw = true;             ///< TIFF: LZW, else none
+    bool tiffLzw = true;             ///< TIFF: LZW, else uncompressed
 };
 
-/// Reads and writes one format. Stateless; any thread. Exceptions, jumps and messages of the library that
-/// does the work end inside.
+/// Reads and writes one format. Stateless; any thread. Exceptions, jumps and messages of the underlying
+/// library do not leave the codec.
 class Codec
 {
 public:
     virtual ~Codec() = default;
 
-    /// @param device  open for reading, random access, at its start; it stays the caller's and must live as
-    ///                long as what is made from it
+    /// @param device  open for reading, random access, at its start; must outlive everything made from it
     [[nodiscard]] virtual Result<PictureInfo> readInfo(QIODevice &device, const ReadLimits &limits) const = 0;
 
-    /// A reader of image 0, converted to sRGB.
-    /// @param reduction  1, 2, 4 or 8: a picture smaller by about that factor will do (sides rounded up);
-    ///                   a codec that cannot reduce ignores it
+    /// Opens a reader of the first picture, converted to sRGB.
+    /// @param reduction  1, 2, 4 or 8: a picture reduced by about that factor is sufficient (sides rounded
+    ///                   up); a codec that cannot reduce ignores it
     [[nodiscard]] virtual Result<std::unique_ptr<RowReader>>
     openReader(QIODevice &device, const ReadLimits &limits, int reduction) const = 0;
 
-    /// A writer that puts the file into `device` (open for writing, random access, empty). Formats without
-    /// alpha are given rows without it. Fails when the format cannot be written.
-    [[nodiscard]] virtual Result<std::unique_ptr<RowWriter>>
-    openWriter(QIODevice &device, const RowFormat &format, const WriteOptions &options) const = 0;
+    /// Opens a writer that writes the file to `device` (open for writing, random access, empty). Formats
+    /// without alpha get rows without alpha. Fails when the format cannot be written, as here.
+    [[nodiscard]] virtual Result<std::unique_ptr<RowWriter>> openWriter(QIODevice &, const RowFormat &,
+                                                                        const WriteOptions &) const
+    {
+        return fail(PictureFailures::cannotWriteFormat());
+    }
 
-    /// The longest EXIF structure that openWriter() takes.
+    /// The longest EXIF structure that openWriter() accepts.
     virtual qsizetype maxExifBytes() const { return 16 * 1024 * 1024; }
 
-    /// Does a written file keep IIM records? Where it does not, XMP has to tell what they tell.
+    /// Does a written file keep IIM records? Otherwise their facts are written as XMP.
     virtual bool writesIptc() const { return true; }
 
-    /// The same of EXIF.
+    /// Does a written file keep EXIF?
     virtual bool writesExif() const { return true; }
 
-    /// The same of a comment, a text about the photo outside of EXIF, IPTC and XMP.
+    /// Does a written file keep a comment outside of EXIF, IPTC and XMP?
     virtual bool writesComment() const { return true; }
 
     /// Does a written file keep a thumbnail in its EXIF (WriteOptions::thumbnailPlaceholder)?
     virtual bool holdsThumbnail() const { return true; }
 
-    /// The size of the rows that openReader() gives for a picture of `size` pixels.
-    virtual QSize reducedSize(QSize size, int reduction) const
-    {
-        Q_UNUSED(reduction)
-        return size;
-    }
+    /// The size of the rows that openReader() delivers for a picture of `size` pixels.
+    virtual QSize reducedSize(QSize size, int) const { return size; }
 
-    /// The memory (bytes) that such a writer holds besides the strips it is given: what it has to gather
-    /// before it can write; 0 where the rows stream.
-    virtual qint64 writerBytes(const RowFormat &format, const WriteOptions &options) const
-    {
-        Q_UNUSED(format)
-        Q_UNUSED(options)
-        return 0;
-    }
+    /// The memory (bytes) that such a writer holds besides the strips it gets: data that it collects before
+    /// it can write; 0 where the rows stream.
+    virtual qint64 writerBytes(const RowFormat &, const WriteOptions &) const { return 0; }
 };
 
-/// One row of the table of picture formats: everything that menus, file dialogs, folder scans and the
-/// command line need to know of a format. Types are MIME names ("image/jpeg").
+/// One row of the table of picture formats: what menus, file dialogs, folder scans and the command line need
+/// to know of a format. Types are MIME names ("image/jpeg").
 struct ImageFormat {
     const char *type;                     ///< MIME name, the type identifier
-    const char *name;                     ///< as people call it: "JPEG"
-    QStringList suffixes;                 ///< lower case, without the dot; the first is the one written
+    const char *name;                     ///< for people: "JPEG"
+    QStringList suffixes;                 ///< lower case, without the dot; copies get the first one
     bool (*matches)(QByteArrayView head); ///< do a file's first bytes (up to 64) belong to this format? null:
-                                          ///< it has no signature, only the suffix tells
+                                          ///< no signature, recognized by its suffix alone
     const Codec *codec;                   ///< never null; static storage
     bool canWrite = false;
-    bool writesAlpha = false; ///< a written file keeps what shows through
+    bool writesAlpha = false; ///< a written file keeps transparency
 };
 
 } // namespace plexa

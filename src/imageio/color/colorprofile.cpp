@@ -42,30 +42,25 @@ constexpr cmsUInt32Number kRgb32 = Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? TYPE_BGRA_8
 struct LayoutFacts {
     cmsUInt32Number format;
     cmsColorSpaceSignature space;
-    bool copiesAlpha;
 };
 
 LayoutFacts factsOf(PixelLayout layout)
 {
     switch (layout) {
     case PixelLayout::Rgb32:
-        return {kRgb32, cmsSigRgbData, false}; // converted in place, which leaves the fourth byte alone
-    case PixelLayout::Rgba64:
-        return {TYPE_RGBA_16, cmsSigRgbData, true};
+        return {kRgb32, cmsSigRgbData}; // converted in place, which leaves the fourth byte alone
+    case PixelLayout::Rgb48:
+        return {TYPE_RGB_16, cmsSigRgbData};
     case PixelLayout::Gray8:
-        return {TYPE_GRAY_8, cmsSigGrayData, false};
-    case PixelLayout::GrayAlpha8:
-        return {TYPE_GRAYA_8, cmsSigGrayData, true};
-    case PixelLayout::GrayAlpha16:
-        return {TYPE_GRAYA_16, cmsSigGrayData, true};
+        return {TYPE_GRAY_8, cmsSigGrayData};
+    case PixelLayout::Gray16:
+        return {TYPE_GRAY_16, cmsSigGrayData};
     case PixelLayout::Cmyk8:
-        return {TYPE_CMYK_8, cmsSigCmykData, false};
+        return {TYPE_CMYK_8, cmsSigCmykData};
     case PixelLayout::Cmyk16:
-        return {TYPE_CMYK_16, cmsSigCmykData, false};
-    case PixelLayout::CmykInverted8:
-        return {TYPE_CMYK_8_REV, cmsSigCmykData, false};
+        return {TYPE_CMYK_16, cmsSigCmykData};
     case PixelLayout::Lab16:
-        return {TYPE_Lab_16, cmsSigLabData, false};
+        return {TYPE_Lab_16, cmsSigLabData};
     }
     Q_UNREACHABLE();
 }
@@ -84,14 +79,12 @@ bool describesPictures(cmsHPROFILE profile)
            kind == cmsSigColorSpaceClass;
 }
 
-Transform makeTransform(cmsContext context, cmsHPROFILE from, cmsUInt32Number format, bool copiesAlpha)
+Transform makeTransform(cmsContext context, cmsHPROFILE from, cmsUInt32Number format)
 {
     const Profile to(cmsCreate_sRGBProfileTHR(context));
     if (!to)
         return nullptr;
     cmsUInt32Number flags = cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE;
-    if (copiesAlpha)
-        flags |= cmsFLAGS_COPY_ALPHA;
     // The table that would stand for the formulas is coarse where sRGB ends inside of a cell.
     if (T_COLORSPACE(format) == PT_Lab)
         flags |= cmsFLAGS_NOOPTIMIZE;
@@ -162,15 +155,15 @@ std::unique_ptr<ColorTransform> ColorTransform::Data::make(Context context, cons
     if (facts.space != cmsSigLabData && !describesPictures(from.get()))
         return nullptr;
     if (facts.space == cmsSigRgbData) {
-        const Transform test = makeTransform(context.get(), from.get(), kRgb32, false);
+        const Transform test = makeTransform(context.get(), from.get(), kRgb32);
         if (!test || leavesColorsAlone(test.get()))
             return nullptr;
     } else if (facts.space == cmsSigGrayData) {
-        const Transform test = makeTransform(context.get(), from.get(), TYPE_GRAY_8, false);
+        const Transform test = makeTransform(context.get(), from.get(), TYPE_GRAY_8);
         if (!test || leavesGraysAlone(test.get()))
             return nullptr;
     }
-    Transform transform = makeTransform(context.get(), from.get(), facts.format, facts.copiesAlpha);
+    Transform transform = makeTransform(context.get(), from.get(), facts.format);
     if (!transform)
         return nullptr;
     auto data = std::make_unique<Data>();
@@ -224,9 +217,6 @@ std::unique_ptr<ColorTransform> ColorTransform::labToSrgb()
 
 void ColorTransform::convert(const void *in, QRgb *out, qsizetype count) const
 {
-    const bool hasAlpha = m_data->layout == PixelLayout::Rgba64 ||
-                          m_data->layout == PixelLayout::GrayAlpha8 ||
-                          m_data->layout == PixelLayout::GrayAlpha16;
     if (m_data->layout == PixelLayout::Rgb32) {
         if (in != out)
             std::memcpy(out, in, size_t(count) * sizeof(QRgb));
@@ -234,10 +224,8 @@ void ColorTransform::convert(const void *in, QRgb *out, qsizetype count) const
         return;
     }
     cmsDoTransform(m_data->transform.get(), in, out, cmsUInt32Number(count));
-    if (!hasAlpha) {
-        for (qsizetype i = 0; i < count; ++i)
-            out[i] |= 0xff000000;
-    }
+    for (qsizetype i = 0; i < count; ++i)
+        out[i] |= 0xff000000;
 }
 
 QString profileColorModel(const QByteArray &iccProfile)

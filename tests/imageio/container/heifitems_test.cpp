@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/container/heifitems.h"
+#include "support/datarows.h"
 
 #include <QBuffer>
 #include <QTest>
 #include <QtEndian>
 
 using namespace plexa;
+using namespace plexa::test;
 
 namespace
 {
@@ -75,70 +77,70 @@ class HeifItemsTest : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void linksAreCounted_data();
-    void linksAreCounted();
-    void turnsAreBounded();
-    void bytesFollowTheExtents();
-};
-
-void HeifItemsTest::linksAreCounted_data()
-{
-    QTest::addColumn<QByteArray>("property");
-    QTest::addColumn<bool>("isReference");
-    QTest::newRow("configurations") << box("hvcC", QByteArray(100'000, 'x')) << false;
-    QTest::newRow("references") << box("irot", "\1") << true;
-}
-
-void HeifItemsTest::linksAreCounted()
-{
-    QFETCH(QByteArray, property);
-    QFETCH(bool, isReference);
-    const auto withLinks = [&](int count) {
-        const QByteArray whole = fileOf({}, 0, property, isReference ? associations(1) : associations(count));
-        if (!isReference)
-            return readFrom(whole);
-        const QByteArray payload = whole.mid(8) + references(count);
-        return readFrom(box("meta", payload));
+    struct LinksAreCountedRow {
+        Text name;
+        QByteArray property;
+        bool isReference;
     };
-    const auto some = withLinks(1000);
-    QVERIFY(some);
-    const HeifItem item = some->items.value(1);
-    if (isReference)
-        QCOMPARE(item.parts.size(), 1000);
-    else
-        QCOMPARE(item.configuration, QByteArray(100'000, 'x'));
-    QVERIFY(!withLinks(1'000'000));
-}
 
-/// Each would be followed in turn.
-void HeifItemsTest::turnsAreBounded()
-{
-    for (const int count : {3, 1000}) {
-        const auto items = readFrom(fileOf({}, 0, box("irot", "\1"), associations(count)));
+private Q_SLOTS:
+    void linksAreCounted_data()
+    {
+        addRow<LinksAreCountedRow>({"configurations", box("hvcC", QByteArray(100'000, 'x')), false});
+        addRow<LinksAreCountedRow>({"references", box("irot", "\1"), true});
+    }
+
+    void linksAreCounted()
+    {
+        auto [name, property, isReference] = currentRow<LinksAreCountedRow>();
+        const auto withLinks = [&](int count) {
+            const QByteArray whole =
+                fileOf({}, 0, property, isReference ? associations(1) : associations(count));
+            if (!isReference)
+                return readFrom(whole);
+            const QByteArray payload = whole.mid(8) + references(count);
+            return readFrom(box("meta", payload));
+        };
+        const auto some = withLinks(1000);
+        QVERIFY(some);
+        const HeifItem item = some->items.value(1);
+        if (isReference)
+            QCOMPARE(item.parts.size(), 1000);
+        else
+            QCOMPARE(item.configuration, QByteArray(100'000, 'x'));
+        QVERIFY(!withLinks(1'000'000));
+    }
+
+    /// Each would be followed in turn.
+    void turnsAreBounded()
+    {
+        for (const int count : {3, 1000}) {
+            const auto items = readFrom(fileOf({}, 0, box("irot", "\1"), associations(count)));
+            QVERIFY(items);
+            QCOMPARE(items->items.value(1).hasSoundTurns, count == 3);
+            QVERIFY(items->items.value(1).turns.size() < 100);
+        }
+    }
+
+    void bytesFollowTheExtents()
+    {
+        // "abc", nothing, "f", "de"
+        const QByteArray text = "abcdef";
+        const auto extent = [](quint32 offset, quint32 length) { return big(offset) + big(length); };
+        const QByteArray extents = extent(0, 3) + extent(2, 0) + extent(5, 1) + extent(3, 2);
+        const auto items = readFrom(fileOf(extents, 4, box("irot", "\1"), associations(1)));
         QVERIFY(items);
-        QCOMPARE(items->items.value(1).hasSoundTurns, count == 3);
-        QVERIFY(items->items.value(1).turns.size() < 100);
+        QByteArray data = text;
+        QBuffer device(&data);
+        device.open(QIODevice::ReadOnly);
+        const QByteArray expected = "abcfde";
+        for (int offset = 0; offset < 8; ++offset) {
+            for (int count = 0; count < 8; ++count)
+                QCOMPARE(items->bytes(device, items->items.value(1), offset, count),
+                         expected.mid(offset, count));
+        }
     }
-}
-
-void HeifItemsTest::bytesFollowTheExtents()
-{
-    // "abc", nothing, "f", "de"
-    const QByteArray text = "abcdef";
-    const auto extent = [](quint32 offset, quint32 length) { return big(offset) + big(length); };
-    const QByteArray extents = extent(0, 3) + extent(2, 0) + extent(5, 1) + extent(3, 2);
-    const auto items = readFrom(fileOf(extents, 4, box("irot", "\1"), associations(1)));
-    QVERIFY(items);
-    QByteArray data = text;
-    QBuffer device(&data);
-    device.open(QIODevice::ReadOnly);
-    const QByteArray expected = "abcfde";
-    for (int offset = 0; offset < 8; ++offset) {
-        for (int count = 0; count < 8; ++count)
-            QCOMPARE(items->bytes(device, items->items.value(1), offset, count), expected.mid(offset, count));
-    }
-}
+};
 
 QTEST_GUILESS_MAIN(HeifItemsTest)
 

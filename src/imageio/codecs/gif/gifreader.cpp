@@ -2,7 +2,7 @@
 
 #include "imageio/base/picturefailures.h"
 #include "imageio/codecs/gif/gifcodec.h"
-#include "imageio/color/colorprofile.h"
+#include "imageio/color/rowconversion.h"
 #include "imageio/container/gifstructure.h"
 
 #include <gif_lib.h>
@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <array>
 #include <new>
-#include <optional>
 #include <vector>
 
 namespace plexa
@@ -102,8 +101,7 @@ std::array<QRgb, 256> colorsOf(const ColorMapObject *table, const GifStructure &
         colors[1] = 0xffffffff;
     for (int i = 0; table && i < qMin(table->ColorCount, 256); ++i)
         colors[size_t(i)] = qRgb(table->Colors[i].Red, table->Colors[i].Green, table->Colors[i].Blue);
-    if (const auto transform = ColorTransform::toSrgb(structure.iccProfile, PixelLayout::Rgb32))
-        transform->convert(colors.data(), colors.data(), qsizetype(colors.size()));
+    RowConversion({}, {structure.iccProfile, {}}, int(colors.size())).convertPixels(colors.data());
     if (structure.transparentIndex >= 0)
         colors[size_t(structure.transparentIndex)] = 0;
     return colors;
@@ -125,12 +123,12 @@ Result<void> checkStructure(const GifStructure &structure, const ReadLimits &lim
                                   : Result<void>();
 }
 
-class GifRowReader final : public RowReader
+class GifRowReader final : public SingleRowReader
 {
 public:
     GifRowReader(QIODevice &device, GifStructure structure)
-        : m_structure(std::move(structure))
-        , m_format{m_structure.size, m_structure.hasAlpha()}
+        : SingleRowReader({structure.size, structure.hasAlpha()})
+        , m_structure(std::move(structure))
         , m_decoder(device)
     {
     }
@@ -149,29 +147,18 @@ public:
         return {};
     }
 
-    RowFormat format() const override { return m_format; }
-
-    Result<void> readRows(QImage &strip, int count) override
+private:
+    Result<void> decodeRow(int index, QRgb *row) override
     {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
-        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_rowsRead);
-        if (m_failure)
-            return fail(*m_failure);
-        uchar *bits = strip.bits();
-        for (int row = 0; row < count; ++row, ++m_rowsRead) {
-            if (!readRow(reinterpret_cast<QRgb *>(bits + row * strip.bytesPerLine()))) {
-                m_failure = m_decoder.failureReason();
-                return fail(*m_failure);
-            }
-        }
+        if (!readRow(index, row))
+            return fail(m_decoder.failureReason());
         return {};
     }
 
-private:
-    bool readRow(QRgb *out)
+    bool readRow(int index, QRgb *out)
     {
         const QRect &frame = m_structure.frame;
-        const int frameRow = m_rowsRead - frame.y();
+        const int frameRow = index - frame.y();
         if (frameRow < 0 || frameRow >= frame.height()) {
             std::fill_n(out, m_format.size.width(), QRgb(0));
             return true;
@@ -206,12 +193,9 @@ private:
     }
 
     const GifStructure m_structure;
-    const RowFormat m_format;
     GifDecoder m_decoder;
     std::array<QRgb, 256> m_colors = {};
     std::vector<uchar> m_indices; ///< of one row, or of a whole interlaced frame
-    int m_rowsRead = 0;
-    std::optional<QString> m_failure;
 };
 
 Result<GifStructure> readCheckedStructure(QIODevice &device, const ReadLimits &limits)

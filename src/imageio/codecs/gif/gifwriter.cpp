@@ -130,8 +130,8 @@ class GifRowWriter final : public RowWriter
 {
 public:
     GifRowWriter(QIODevice &device, const RowFormat &format, const WriteOptions &options)
-        : m_device(device)
-        , m_format(format)
+        : RowWriter(format)
+        , m_device(device)
         , m_xmp(options.xmp)
         , m_comment(options.comment)
     {
@@ -148,17 +148,6 @@ public:
             return false;
         }
         return m_pixels != nullptr;
-    }
-
-    Result<void> writeRows(const QImage &strip, int count) override
-    {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
-        for (int row = 0; row < count; ++row) {
-            const auto *pixels = reinterpret_cast<const QRgb *>(strip.constScanLine(row));
-            for (int x = 0; x < strip.width(); ++x)
-                addPixel(m_format.hasAlpha ? pixels[x] : pixels[x] | 0xff000000);
-        }
-        return {};
     }
 
     Result<void> finish() override
@@ -181,6 +170,16 @@ public:
     }
 
 private:
+    Result<void> encodeRows(const QImage &strip, int count) override
+    {
+        for (int row = 0; row < count; ++row) {
+            const auto *pixels = reinterpret_cast<const QRgb *>(strip.constScanLine(row));
+            for (int x = 0; x < strip.width(); ++x)
+                addPixel(m_format.hasAlpha ? pixels[x] : pixels[x] | 0xff000000);
+        }
+        return {};
+    }
+
     /// What counts for the palette is the picture on white: most pages are, and shadows and smooth edges fade
     /// into them.
     void addPixel(QRgb color)
@@ -221,7 +220,6 @@ private:
     }
 
     QIODevice &m_device;
-    const RowFormat m_format;
     const QByteArray m_xmp;
     const QByteArray m_comment;
     std::unique_ptr<uchar[]> m_pixels; ///< as quantizedPicture() takes them

@@ -4,10 +4,9 @@
 #include "imageio/codecs/heif/heifcodec.h"
 #include "imageio/codecs/heif/heiffile.h"
 #include "imageio/codecs/heif/heifmeasure.h"
-#include "imageio/color/colorprofile.h"
 #include "imageio/color/nclxprofile.h"
+#include "imageio/color/rowconversion.h"
 #include "platform/bytebudget.h"
-#include "raster/pixelformat.h"
 
 #include <optional>
 #include <vector>
@@ -106,112 +105,7 @@ HeifColors nclxOf(const heif_image_handle *handle, const heif_image *image)
     return HeifColors(colors);
 }
 
-/// Turns rows of the decoded picture into rows of 8-bit sRGB.
-class HeifColorsToSrgb
-{
-public:
-    /// @param bits        a component's, in bytes or in words of the machine's order
-    /// @param iccProfile  of the picture; may be empty
-    HeifColorsToSrgb(int width, int bits, bool hasAlpha, bool isPremultiplied, const QByteArray &iccProfile)
-        : m_width(width)
-        , m_isDeep(bits > 8)
-        , m_full((1 << bits) - 1)
-        , m_hasAlpha(hasAlpha)
-        , m_isPremultiplied(isPremultiplied && hasAlpha)
-        , m_isGrayProfile(profileColorModel(iccProfile) == u"Gray"_qs)
-    {
-        if (m_isGrayProfile)
-            m_transform =
-                ColorTransform::toSrgb(iccProfile, m_isDeep ? PixelLayout::GrayAlpha16 : PixelLayout::Gray8);
-        else
-            m_transform =
-                ColorTransform::toSrgb(iccProfile, m_isDeep ? PixelLayout::Rgba64 : PixelLayout::Rgb32);
-        if (m_isDeep || m_isGrayProfile)
-            m_words.resize(size_t(width) * 4);
-    }
-
-    void convert(const uint8_t *row, QRgb *out)
-    {
-        if (m_isDeep)
-            convertWords(reinterpret_cast<const quint16 *>(row), out);
-        else
-            convertBytes(row, out);
-        if (!m_hasAlpha || (m_isPremultiplied && !m_transform))
-            return;
-        for (int x = 0; x < m_width; ++x)
-            out[x] = qPremultiply(out[x]);
-    }
-
-private:
-    /// A colour without its alpha, where it has to be converted by itself.
-    int straight(int value, int alpha) const
-    {
-        if (!m_isPremultiplied)
-            return value;
-        if (!m_transform)
-            return qMin(value, alpha);
-        return alpha == 0 ? 0 : qMin((value * m_full + alpha / 2) / alpha, m_full);
-    }
-
-    void convertBytes(const uint8_t *row, QRgb *out)
-    {
-        const int step = m_hasAlpha ? 4 : 3;
-        for (int x = 0; x < m_width; ++x, row += step) {
-            const int alpha = m_hasAlpha ? row[3] : 255;
-            out[x] = qRgba(straight(row[0], alpha), straight(row[1], alpha), straight(row[2], alpha), alpha);
-        }
-        if (!m_transform)
-            return;
-        if (!m_isGrayProfile) {
-            m_transform->convert(out, out, m_width);
-            return;
-        }
-        auto *grays = reinterpret_cast<uchar *>(m_words.data());
-        auto *alphas = grays + m_width;
-        for (int x = 0; x < m_width; ++x) {
-            grays[x] = uchar(qGreen(out[x]));
-            alphas[x] = uchar(qAlpha(out[x]));
-        }
-        m_transform->convert(grays, out, m_width);
-        for (int x = 0; x < m_width; ++x)
-            out[x] = (out[x] & 0x00ffffff) | QRgb(alphas[x]) << 24;
-    }
-
-    void convertWords(const quint16 *row, QRgb *out)
-    {
-        const int step = m_hasAlpha ? 4 : 3;
-        const bool toGray = m_isGrayProfile && m_transform;
-        const auto widened = [this](int value) {
-            return quint16((qMin(value, m_full) * qint64(65535) + m_full / 2) / m_full);
-        };
-        quint16 *word = m_words.data();
-        for (int x = 0; x < m_width; ++x, row += step) {
-            const int alpha = m_hasAlpha ? qMin<int>(row[3], m_full) : m_full;
-            for (int i = toGray ? 2 : 0; i < 3; ++i)
-                *word++ = widened(straight(row[i], alpha));
-            *word++ = widened(alpha);
-        }
-        if (m_transform) {
-            m_transform->convert(m_words.data(), out, m_width);
-            return;
-        }
-        word = m_words.data();
-        for (int x = 0; x < m_width; ++x, word += 4)
-            out[x] =
-                qRgba(byteOfWord(word[0]), byteOfWord(word[1]), byteOfWord(word[2]), byteOfWord(word[3]));
-    }
-
-    const int m_width;
-    const bool m_isDeep;
-    const int m_full;
-    const bool m_hasAlpha;
-    const bool m_isPremultiplied;
-    const bool m_isGrayProfile;
-    std::unique_ptr<ColorTransform> m_transform;
-    std::vector<quint16> m_words;
-};
-
-class HeifRowReader final : public RowReader
+class HeifRowReader final : public SingleRowReader
 {
 public:
     /// Decodes the picture. Throws std::exception where the library does.
@@ -240,20 +134,17 @@ public:
         return takeRows(picture);
     }
 
-    RowFormat format() const override { return m_format; }
-
-    Result<void> readRows(QImage &strip, int count) override
+private:
+    Result<void> decodeRow(int index, QRgb *row) override
     {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
-        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_nextRow);
-        uchar *bits = strip.bits();
-        for (int row = 0; row < count; ++row, ++m_nextRow)
-            m_colors->convert(decodedRow(m_nextRow),
-                              reinterpret_cast<QRgb *>(bits + row * strip.bytesPerLine()));
+        const uint8_t *samples = decodedRow(index);
+        if (m_isDeep)
+            m_colors->convert(reinterpret_cast<const quint16 *>(samples), row);
+        else
+            m_colors->convert(samples, row);
         return {};
     }
 
-private:
     Result<void> takeRows(const OpenPicture &picture)
     {
         constexpr heif_channel all = heif_channel_interleaved;
@@ -274,8 +165,15 @@ private:
             if (nclx)
                 profile = profileOfNclx({nclx->color_primaries, nclx->transfer_characteristics});
         }
-        const bool isPremultiplied = heif_image_handle_is_premultiplied_alpha(picture.file.primary()) != 0;
-        m_colors.emplace(m_geometry.size.width(), bits, picture.hasAlpha, isPremultiplied, profile);
+        m_isDeep = picture.isDeep();
+        SampleLayout layout{.samples = picture.hasAlpha ? 4 : 3, .full = (1 << bits) - 1};
+        if (profileColorModel(profile) == u"Gray") // the decoder delivers equal colors
+            layout.colors = SampleLayout::Colors::Gray;
+        if (picture.hasAlpha) {
+            layout.alpha = 3;
+            layout.isPremultiplied = heif_image_handle_is_premultiplied_alpha(picture.file.primary()) != 0;
+        }
+        m_colors.emplace(layout, PictureColors{profile, {}}, m_geometry.size.width());
         return {};
     }
 
@@ -304,15 +202,14 @@ private:
         return m_row.data();
     }
 
-    RowFormat m_format;
     HeifGeometry m_geometry;
     int m_pixelBytes = 0;
+    bool m_isDeep = false;
     std::vector<uint8_t> m_row; ///< of a turned picture
     HeifImage m_image;
     const uint8_t *m_plane = nullptr;
     int m_stride = 0;
-    std::optional<HeifColorsToSrgb> m_colors;
-    int m_nextRow = 0;
+    std::optional<RowConversion> m_colors;
 };
 
 /// The sampling factors as a JPEG would have them.

@@ -70,8 +70,8 @@ class HeifRowWriter final : public RowWriter
 {
 public:
     HeifRowWriter(QIODevice &device, const RowFormat &format, const WriteOptions &options)
-        : m_device(device)
-        , m_format(format)
+        : RowWriter(format)
+        , m_device(device)
         , m_options(options)
     {
         prepareHeifLibrary();
@@ -98,25 +98,6 @@ public:
         return checked(error);
     }
 
-    Result<void> writeRows(const QImage &strip, int count) override
-    {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
-        Q_ASSERT(count <= m_format.size.height() - m_nextRow);
-        for (int row = 0; row < count; ++row, ++m_nextRow) {
-            const auto *from = reinterpret_cast<const QRgb *>(strip.constScanLine(row));
-            uint8_t *to = m_plane + qsizetype(m_nextRow) * m_stride;
-            for (int x = 0; x < m_format.size.width(); ++x) {
-                const QRgb color = m_format.hasAlpha ? qUnpremultiply(from[x]) : from[x];
-                *to++ = uint8_t(qRed(color));
-                *to++ = uint8_t(qGreen(color));
-                *to++ = uint8_t(qBlue(color));
-                if (m_format.hasAlpha)
-                    *to++ = uint8_t(qAlpha(color));
-            }
-        }
-        return {};
-    }
-
     Result<void> finish() override
     {
         try {
@@ -129,6 +110,23 @@ public:
     }
 
 private:
+    Result<void> encodeRows(const QImage &strip, int count) override
+    {
+        for (int row = 0; row < count; ++row) {
+            const auto *from = reinterpret_cast<const QRgb *>(strip.constScanLine(row));
+            uint8_t *to = m_plane + qsizetype(rowsWritten() + row) * m_stride;
+            for (int x = 0; x < m_format.size.width(); ++x) {
+                const QRgb color = m_format.hasAlpha ? qUnpremultiply(from[x]) : from[x];
+                *to++ = uint8_t(qRed(color));
+                *to++ = uint8_t(qGreen(color));
+                *to++ = uint8_t(qBlue(color));
+                if (m_format.hasAlpha)
+                    *to++ = uint8_t(qAlpha(color));
+            }
+        }
+        return {};
+    }
+
     Result<void> checked(const heif_error &error) const
     {
         if (error.code == heif_error_Ok)
@@ -213,12 +211,10 @@ private:
     }
 
     QIODevice &m_device;
-    const RowFormat m_format;
     const WriteOptions m_options;
     HeifImage m_image;
     uint8_t *m_plane = nullptr;
     int m_stride = 0;
-    int m_nextRow = 0;
     bool m_hasWriteError = false;
 };
 
@@ -234,7 +230,7 @@ Result<std::unique_ptr<RowWriter>> HeifCodec::openWriter(QIODevice &device, cons
                                                          const WriteOptions &options) const
 {
     if (m_kind != Kind::Hevc)
-        return fail(PictureFailures::cannotWrite(QStringLiteral("image/avif")));
+        return fail(PictureFailures::cannotWriteFormat());
     if (qMax(format.size.width(), format.size.height()) > kMaxSide || format.size.isEmpty())
         return fail(PictureFailures::tooLargeToWrite("HEIC"));
     try {

@@ -14,8 +14,6 @@ public:
     [[nodiscard]] Result<PictureInfo> readInfo(QIODevice &device, const ReadLimits &limits) const override;
     [[nodiscard]] Result<std::unique_ptr<RowReader>> openReader(QIODevice &device, const ReadLimits &limits,
                                                                 int reduction) const override;
-    [[nodiscard]] Result<std::unique_ptr<RowWriter>> openWriter(QIODevice &device, const RowFormat &format,
-                                                                const WriteOptions &options) const override;
     QSize reducedSize(QSize size, int reduction) const override;
 };
 

@@ -4,14 +4,14 @@
 #include "imageio/base/reducedrows.h"
 #include "imageio/codecs/jp2/jp2codec.h"
 #include "imageio/codecs/jp2/jp2header.h"
-#include "imageio/color/colorprofile.h"
-#include "raster/pixelformat.h"
+#include "imageio/color/rowconversion.h"
 
 #include <openjpeg.h>
 
 #include <cstdio>
 #include <limits>
 #include <new>
+#include <optional>
 #include <vector>
 
 namespace plexa
@@ -176,53 +176,60 @@ private:
     bool m_lacksMemory = false;
 };
 
-/// Makes 8-bit sRGB of a row of samples.
-class Jp2RowReader final : public RowReader
+/// Collects the components of a row and converts their colors.
+class Jp2RowReader final : public SingleRowReader
 {
 public:
-    Jp2RowReader(Picture picture, Jp2Header header)
-        : m_picture(std::move(picture))
-        , m_header(std::move(header))
-        , m_format{{int(m_picture->comps[0].w), int(m_picture->comps[0].h)}, m_header.hasAlpha}
-        , m_words(size_t(m_format.size.width()) * 4)
-        , m_alphas(m_header.hasAlpha ? size_t(m_format.size.width()) : 0, 65535)
+    Jp2RowReader(Picture picture, const Jp2Header &header)
+        : SingleRowReader({{int(picture->comps[0].w), int(picture->comps[0].h)}, header.hasAlpha})
+        , m_picture(std::move(picture))
+        , m_colors(header.colors)
+        , m_isYcc(header.kind == Kind::Ycc)
     {
         const int count = int(m_picture->numcomps);
-        for (int i = m_header.colors; m_header.hasAlpha && i < count && m_alphaComponent < 0; ++i) {
-            if (m_picture->comps[i].alpha != 0 || m_header.isBare)
+        for (int i = m_colors; header.hasAlpha && i < count && m_alphaComponent < 0; ++i) {
+            if (m_picture->comps[i].alpha != 0 || header.isBare)
                 m_alphaComponent = i;
         }
-        const PixelLayout layout = m_header.kind == Kind::Gray   ? PixelLayout::GrayAlpha16
-                                   : m_header.kind == Kind::Cmyk ? PixelLayout::Cmyk16
-                                                                 : PixelLayout::Rgba64;
-        m_transform = ColorTransform::toSrgb(m_header.iccProfile, layout);
+        SampleLayout layout;
+        layout.colors = header.kind == Kind::Gray   ? SampleLayout::Colors::Gray
+                        : header.kind == Kind::Cmyk ? SampleLayout::Colors::Cmyk
+                                                    : SampleLayout::Colors::Rgb;
+        layout.samples = m_colors + (m_alphaComponent >= 0 ? 1 : 0);
+        layout.full = 65535;
+        layout.alpha = m_alphaComponent >= 0 ? m_colors : -1;
+        layout.isPremultiplied = header.isPremultiplied && layout.alpha >= 0 && header.kind != Kind::Cmyk;
+        m_step = layout.samples;
+        m_words.resize(size_t(m_format.size.width()) * size_t(m_step));
+        m_conversion.emplace(layout, PictureColors{header.iccProfile, {}}, m_format.size.width());
     }
 
-    bool isConsistent() const { return int(m_picture->numcomps) >= m_header.colors; }
+    bool isConsistent() const { return int(m_picture->numcomps) >= m_colors; }
 
-    RowFormat format() const override { return m_format; }
-
-    Result<void> readRows(QImage &strip, int count) override
+private:
+    Result<void> decodeRow(int index, QRgb *out) override
     {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
-        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_nextRow);
-        uchar *bits = strip.bits();
-        for (int row = 0; row < count; ++row, ++m_nextRow)
-            readRow(reinterpret_cast<QRgb *>(bits + row * strip.bytesPerLine()));
+        for (int i = 0; i < m_colors; ++i)
+            readSamples(index, i, m_words.data() + i);
+        if (m_alphaComponent >= 0)
+            readSamples(index, m_alphaComponent, m_words.data() + m_colors);
+        if (m_isYcc)
+            makeRgb();
+        m_conversion->convert(m_words.data(), out);
         return {};
     }
 
-private:
-    /// Component `index` of the row in 16 bits, to every `step`th word from `out` on.
-    void readSamples(int index, quint16 *out, int step) const
+    /// Scales one component of a row to 16 bits.
+    /// @param out  of the first pixel
+    void readSamples(int rowIndex, int index, quint16 *out) const
     {
         const opj_image_comp_t &component = m_picture->comps[index];
         const opj_image_comp_t &first = m_picture->comps[0];
-        const OPJ_UINT32 row = qMin(component.h - 1, OPJ_UINT32(quint64(m_nextRow) * component.h / first.h));
+        const OPJ_UINT32 row = qMin(component.h - 1, OPJ_UINT32(quint64(rowIndex) * component.h / first.h));
         const OPJ_INT32 *in = component.data + size_t(row) * component.w;
         const qint64 full = (qint64(1) << component.prec) - 1;
         const qint64 offset = component.sgnd != 0 ? qint64(1) << (component.prec - 1) : 0;
-        for (OPJ_UINT32 x = 0; x < first.w; ++x, out += step) {
+        for (OPJ_UINT32 x = 0; x < first.w; ++x, out += m_step) {
             const OPJ_UINT32 column =
                 component.w == first.w
                     ? x
@@ -231,50 +238,12 @@ private:
         }
     }
 
-    void readRow(QRgb *out)
-    {
-        const int width = m_format.size.width();
-        const int step = m_header.kind == Kind::Gray ? 2 : 4;
-        std::fill(m_words.begin(), m_words.end(), quint16(65535));
-        for (int i = 0; i < m_header.colors; ++i)
-            readSamples(i, m_words.data() + i, step);
-        if (m_alphaComponent >= 0)
-            readSamples(m_alphaComponent, m_alphas.data(), 1);
-        if (m_header.kind == Kind::Ycc)
-            makeRgb();
-        if (m_header.isPremultiplied && m_header.kind != Kind::Cmyk)
-            divideByAlpha(step);
-        if (m_transform)
-            m_transform->convert(m_words.data(), out, width);
-        else
-            roundColors(out, step);
-        for (int x = 0; m_header.hasAlpha && x < width; ++x)
-            out[x] = qPremultiply((out[x] & 0x00ffffff) | QRgb(byteOfWord(m_alphas[size_t(x)])) << 24);
-    }
-
-    void roundColors(QRgb *out, int step) const
-    {
-        const quint16 *word = m_words.data();
-        for (int x = 0; x < m_format.size.width(); ++x, word += step) {
-            if (m_header.kind == Kind::Gray) {
-                out[x] = qRgb(byteOfWord(word[0]), byteOfWord(word[0]), byteOfWord(word[0]));
-            } else if (m_header.kind == Kind::Cmyk) {
-                const auto light = [word](int ink) {
-                    return int(qint64(65535 - word[ink]) * (65535 - word[3]) / 65535);
-                };
-                out[x] = qRgb(byteOfWord(light(0)), byteOfWord(light(1)), byteOfWord(light(2)));
-            } else {
-                out[x] = qRgb(byteOfWord(word[0]), byteOfWord(word[1]), byteOfWord(word[2]));
-            }
-        }
-    }
-
-    /// ITU-R BT.601 over the full range.
+    /// ITU-R BT.601 with full range.
     void makeRgb()
     {
         const OPJ_UINT32 depth = m_picture->comps[1].prec;
         const double middle = double(qint64(1) << (depth - 1)) * 65535 / double((qint64(1) << depth) - 1);
-        for (size_t at = 0; at + 3 < m_words.size(); at += 4) {
+        for (size_t at = 0; at < m_words.size(); at += size_t(m_step)) {
             const double y = m_words[at], blue = m_words[at + 1] - middle, red = m_words[at + 2] - middle;
             const auto word = [](double value) { return quint16(qBound(0.0, value + 0.5, 65535.0)); };
             m_words[at] = word(y + 1.402 * red);
@@ -283,24 +252,13 @@ private:
         }
     }
 
-    void divideByAlpha(int step)
-    {
-        for (size_t x = 0; x < m_alphas.size(); ++x) {
-            for (int i = 0; i < m_header.colors; ++i) {
-                quint16 &word = m_words[x * size_t(step) + size_t(i)];
-                word = quint16(qMin<qint64>(65535, qint64(word) * 65535 / qMax<qint64>(1, m_alphas[x])));
-            }
-        }
-    }
-
     const Picture m_picture;
-    const Jp2Header m_header;
-    const RowFormat m_format;
-    std::vector<quint16> m_words;
-    std::vector<quint16> m_alphas;
+    const int m_colors; ///< components that make the color
+    const bool m_isYcc;
     int m_alphaComponent = -1;
-    std::unique_ptr<ColorTransform> m_transform;
-    int m_nextRow = 0;
+    int m_step = 1; ///< words of a pixel
+    std::vector<quint16> m_words;
+    std::optional<RowConversion> m_conversion;
 };
 
 } // namespace
@@ -342,19 +300,13 @@ Result<std::unique_ptr<RowReader>> Jp2Codec::openReader(QIODevice &device, const
         return tl::unexpected(picture.error());
     const QSize expected = plexa::reducedSize(header->size, 1 << halvings);
     try {
-        auto reader = std::make_unique<Jp2RowReader>(std::move(*picture), std::move(*header));
+        auto reader = std::make_unique<Jp2RowReader>(std::move(*picture), *header);
         if (!reader->isConsistent() || reader->format().size != expected)
             return fail(PictureFailures::damaged());
         return withReducedRows(std::move(reader), reduction >> halvings);
     } catch (const std::bad_alloc &) {
         return fail(PictureFailures::outOfMemory());
     }
-}
-
-Result<std::unique_ptr<RowWriter>> Jp2Codec::openWriter(QIODevice &, const RowFormat &,
-                                                        const WriteOptions &) const
-{
-    return fail(PictureFailures::cannotWrite(QStringLiteral("image/jp2")));
 }
 
 QSize Jp2Codec::reducedSize(QSize size, int reduction) const

@@ -4,7 +4,7 @@
 #include "imageio/codecs/jpeg/jpegcodec.h"
 #include "imageio/codecs/jpeg/jpegerrors.h"
 #include "imageio/codecs/jpeg/jpegstructure.h"
-#include "imageio/color/colorprofile.h"
+#include "imageio/color/rowconversion.h"
 #include "metadata/propertykeys.h"
 
 #include <array>
@@ -114,39 +114,32 @@ public:
         if (!computeOutput())
             return failure();
         m_format.size = QSize(int(m_info.output_width), int(m_info.output_height));
+        m_colors.emplace(m_layout, PictureColors{m_iccProfile, {}}, m_format.size.width());
         m_buffer.resize(size_t(m_info.output_width) * size_t(m_bytesPerPixel) * kRowsAtATime);
         return {};
     }
 
-    RowFormat format() const override { return m_format; }
-
-    Result<void> readRows(QImage &strip, int count) override
+private:
+    Result<void> decodeRows(uchar *bits, qsizetype stride, int count) override
     {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
-        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_rowsRead);
-        if (m_failure)
-            return fail(*m_failure);
         if (!m_isStarted && !start())
             return failure();
-        uchar *bits = strip.bits();
         for (int row = 0; row < count;) {
             const int rows = qMin(count - row, kRowsAtATime);
-            uchar *target = bits + row * strip.bytesPerLine();
+            uchar *target = bits + row * stride;
             for (int i = 0; i < rows; ++i)
                 m_rows[size_t(i)] = m_buffer.empty()
-                                        ? target + i * strip.bytesPerLine()
+                                        ? target + i * stride
                                         : m_buffer.data() + size_t(i) * m_buffer.size() / kRowsAtATime;
             if (!decode(rows))
                 return failure();
             for (int i = 0; i < rows; ++i)
-                convertRow(m_rows[size_t(i)], reinterpret_cast<QRgb *>(target + i * strip.bytesPerLine()));
+                convertRow(m_rows[size_t(i)], reinterpret_cast<QRgb *>(target + i * stride));
             row += rows;
         }
-        m_rowsRead += count;
         return {};
     }
 
-private:
     // The functions that call libjpeg: each has no object of its own that a jump would leave behind.
 
     bool readHeader()
@@ -242,55 +235,35 @@ private:
         m_bytesPerPixel = 0; // decoded straight into the strip
         if (m_info.jpeg_color_space == JCS_CMYK || m_info.jpeg_color_space == JCS_YCCK) {
             m_outSpace = JCS_CMYK;
-            m_bytesPerPixel = 4;
-            m_isInverted = m_info.saw_Adobe_marker;
-            m_transform = ColorTransform::toSrgb(m_iccProfile, m_isInverted ? PixelLayout::CmykInverted8
-                                                                            : PixelLayout::Cmyk8);
-            return;
+            m_bytesPerPixel = m_layout.samples = 4;
+            m_layout.colors = SampleLayout::Colors::Cmyk;
+            m_layout.isInverted = m_info.saw_Adobe_marker;
+        } else if (m_info.jpeg_color_space == JCS_GRAYSCALE && profileColorModel(m_iccProfile) == u"Gray") {
+            m_outSpace = JCS_GRAYSCALE;
+            m_bytesPerPixel = m_layout.samples = 1;
+            m_layout.colors = SampleLayout::Colors::Gray;
         }
-        if (m_info.jpeg_color_space == JCS_GRAYSCALE) {
-            m_transform = ColorTransform::toSrgb(m_iccProfile, PixelLayout::Gray8);
-            if (m_transform) {
-                m_outSpace = JCS_GRAYSCALE;
-                m_bytesPerPixel = 1;
-                return;
-            }
-        }
-        m_transform = ColorTransform::toSrgb(m_iccProfile, PixelLayout::Rgb32);
     }
 
-    void convertRow(const uchar *decoded, QRgb *out) const
+    void convertRow(const uchar *decoded, QRgb *out)
     {
-        const int width = m_format.size.width();
-        if (m_transform) {
-            m_transform->convert(decoded, out, width);
-            return;
-        }
-        if (m_outSpace != JCS_CMYK)
-            return;
-        // No profile: light that is left by each ink, times that left by black.
-        const int flip = m_isInverted ? 0 : 255;
-        for (int x = 0; x < width; ++x) {
-            const uchar *ink = decoded + 4 * x;
-            const int black = ink[3] ^ flip;
-            const auto mix = [black, flip](int value) { return (2 * (value ^ flip) * black + 255) / 510; };
-            out[x] = qRgb(mix(ink[0]), mix(ink[1]), mix(ink[2]));
-        }
+        if (m_bytesPerPixel == 0)
+            m_colors->convertPixels(out);
+        else
+            m_colors->convert(decoded, out);
     }
 
-    tl::unexpected<Error> failure()
+    tl::unexpected<Error> failure() const
     {
         if (m_source.readFailed)
-            m_failure = PictureFailures::readError(m_device);
-        else if (m_errors.isUnsupported)
-            m_failure = PictureFailures::unsupportedKind("JPEG");
-        else if (m_errors.isOutOfMemory)
-            m_failure = PictureFailures::outOfMemory();
-        else if (m_errors.lacksData || m_source.reachedEnd)
-            m_failure = PictureFailures::endsEarly();
-        else
-            m_failure = PictureFailures::damaged();
-        return fail(*m_failure);
+            return fail(PictureFailures::readError(m_device));
+        if (m_errors.isUnsupported)
+            return fail(PictureFailures::unsupportedKind("JPEG"));
+        if (m_errors.isOutOfMemory)
+            return fail(PictureFailures::outOfMemory());
+        if (m_errors.lacksData || m_source.reachedEnd)
+            return fail(PictureFailures::endsEarly());
+        return fail(PictureFailures::damaged());
     }
 
     QIODevice &m_device;
@@ -300,16 +273,13 @@ private:
     Source m_source;
     jpeg_decompress_struct m_info;
     jpeg_progress_mgr m_progress = {};
-    RowFormat m_format;
     J_COLOR_SPACE m_outSpace = kRgb32;
     int m_bytesPerPixel = 0;
-    bool m_isInverted = false;
-    std::unique_ptr<ColorTransform> m_transform;
+    SampleLayout m_layout;
+    std::optional<RowConversion> m_colors;
     std::vector<uchar> m_buffer; ///< decoded rows that are not QRgb yet
     std::array<JSAMPROW, kRowsAtATime> m_rows = {};
     bool m_isStarted = false;
-    int m_rowsRead = 0;
-    std::optional<QString> m_failure;
 };
 
 } // namespace

@@ -215,9 +215,9 @@ class JpegRowWriter final : public RowWriter
 {
 public:
     JpegRowWriter(QIODevice &device, const RowFormat &format, const Encoding &encoding)
-        : m_device(device)
+        : RowWriter(format)
+        , m_device(device)
         , m_start(device.pos())
-        , m_format(format)
         , m_encoder(device, format.size, encoding)
     {
     }
@@ -245,16 +245,6 @@ public:
         return {};
     }
 
-    Result<void> writeRows(const QImage &strip, int count) override
-    {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
-        if (!m_encoder.writeImage(strip, count))
-            return failure();
-        if (m_thumbnail)
-            m_thumbnail->addRows(strip, count);
-        return {};
-    }
-
     Result<void> finish() override
     {
         if (!m_encoder.finish())
@@ -272,6 +262,15 @@ public:
     }
 
 private:
+    Result<void> encodeRows(const QImage &strip, int count) override
+    {
+        if (!m_encoder.writeImage(strip, count))
+            return failure();
+        if (m_thumbnail)
+            m_thumbnail->addRows(strip, count);
+        return {};
+    }
+
     tl::unexpected<Error> failure() const
     {
         return fail(m_encoder.isOutOfMemory() ? PictureFailures::outOfMemory()
@@ -280,7 +279,6 @@ private:
 
     QIODevice &m_device;
     const qint64 m_start;
-    const RowFormat m_format;
     JpegEncoder m_encoder;
     std::optional<ThumbnailMaker> m_thumbnail;
     qint64 m_thumbnailPosition = -1;

@@ -3,7 +3,7 @@
 #include "imageio/base/picturefailures.h"
 #include "imageio/codecs/png/pngcodec.h"
 #include "imageio/codecs/png/pngerrors.h"
-#include "imageio/color/colorprofile.h"
+#include "imageio/color/rowconversion.h"
 #include "metadata/propertykeys.h"
 
 #include <QtEndian>
@@ -82,7 +82,14 @@ struct Source {
     }
 };
 
-/// What the header says, copied out of libpng.
+/// The rows that libpng decodes.
+enum class PngRows {
+    Pixels,    ///< QRgb, straight alpha
+    GrayAlpha, ///< gray and alpha of the depth of the file, at least 8 bits
+    Rgba64,    ///< red, green, blue, alpha in words
+};
+
+/// The facts of the header, copied out of libpng.
 struct Header {
     png_uint_32 width;
     png_uint_32 height;
@@ -147,20 +154,21 @@ public:
         return true;
     }
 
-    /// Sets up the layout of the rows to come: 8-bit QRgb, or grey and RGB of the file's depth with alpha.
-    bool start(PixelLayout layout)
+    /// Sets up the kind of the rows.
+    bool start(PngRows rows)
     {
         if (setjmp(m_errors.jump))
             return false;
-        png_set_expand(m_png); // palettes, fewer than 8 bits, transparent colours
-        if (layout == PixelLayout::Rgb32 || layout == PixelLayout::GrayAlpha8)
+        png_set_expand(m_png); // palettes, fewer than 8 bits, transparent colors
+        const bool isPixels = rows == PngRows::Pixels;
+        if (isPixels)
             png_set_scale_16(m_png);
         else if (kIsLittleEndian)
             png_set_swap(m_png);
-        if (layout == PixelLayout::Rgb32 || layout == PixelLayout::Rgba64)
+        if (rows != PngRows::GrayAlpha)
             png_set_gray_to_rgb(m_png);
-        const bool alphaFirst = layout == PixelLayout::Rgb32 && !kIsLittleEndian;
-        if (layout == PixelLayout::Rgb32 && kIsLittleEndian)
+        const bool alphaFirst = isPixels && !kIsLittleEndian;
+        if (isPixels && kIsLittleEndian)
             png_set_bgr(m_png);
         else if (alphaFirst)
             png_set_swap_alpha(m_png);
@@ -228,50 +236,53 @@ QByteArray iccOf(const Header &header)
                       : QByteArray();
 }
 
-/// The transform that the picture's own words on colour ask for, in the order of weight that the PNG
-/// standard gives them; null when the pixels are sRGB as they are.
-std::unique_ptr<ColorTransform> chooseTransform(const Header &header, PixelLayout &layout)
+bool hasAlpha(const Header &header)
 {
-    const bool isWide = header.depth == 16;
-    const bool isGray = (header.colorType & PNG_COLOR_MASK_COLOR) == 0;
-    const PixelLayout colorLayout = isWide ? PixelLayout::Rgba64 : PixelLayout::Rgb32;
-    const QByteArray icc = iccOf(header);
-    layout = colorLayout;
-    if (!icc.isEmpty()) {
-        if (isGray && profileColorModel(icc) == QLatin1String("Gray"))
-            layout = isWide ? PixelLayout::GrayAlpha16 : PixelLayout::GrayAlpha8;
-        if (auto transform = ColorTransform::toSrgb(icc, layout))
-            return transform;
-    } else if (!header.hasSrgb && header.hasGamma) {
-        ColorCalibration calibration;
-        // An exponent of 1/2.2 is what writers put down for sRGB, whose curve is not quite that, with its
-        // primaries or without any.
-        bool meansSrgb = qAbs(header.gamma / 0.45455 - 1) <= 0.05;
-        for (size_t i = 0; header.hasChromaticities && i < calibration.chromaticities.size(); ++i) {
-            meansSrgb = meansSrgb && qAbs(header.chromaticities[i] - calibration.chromaticities[i]) < 0.002;
-            calibration.chromaticities[i] = header.chromaticities[i];
-        }
-        calibration.gamma = header.gamma;
-        if (!meansSrgb) {
-            if (auto transform = ColorTransform::toSrgb(calibration, colorLayout))
-                return transform;
-        }
-    }
-    layout = PixelLayout::Rgb32;
-    return nullptr;
+    return (header.colorType & PNG_COLOR_MASK_ALPHA) != 0 || header.hasTransparency;
 }
 
-/// Bytes of a decoded pixel with its alpha.
-qint64 bytesPerPixel(PixelLayout layout)
+/// The colors that the picture's chunks ask for, by the precedence of the PNG standard.
+PictureColors colorsOf(const Header &header)
 {
-    switch (layout) {
-    case PixelLayout::GrayAlpha8:
-        return 2;
-    case PixelLayout::Rgba64:
-        return 8;
-    default:
-        return 4;
+    PictureColors colors;
+    colors.iccProfile = iccOf(header);
+    if (!colors.iccProfile.isEmpty() || header.hasSrgb || !header.hasGamma)
+        return colors;
+    ColorCalibration calibration;
+    // Writers use an exponent of 1/2.2 for sRGB, whose curve differs a little, with or without its primaries.
+    bool meansSrgb = qAbs(header.gamma / 0.45455 - 1) <= 0.05;
+    for (size_t i = 0; header.hasChromaticities && i < calibration.chromaticities.size(); ++i) {
+        meansSrgb = meansSrgb && qAbs(header.chromaticities[i] - calibration.chromaticities[i]) < 0.002;
+        calibration.chromaticities[i] = header.chromaticities[i];
     }
+    calibration.gamma = header.gamma;
+    if (!meansSrgb)
+        colors.calibration = calibration;
+    return colors;
+}
+
+/// Chooses the rows to decode: pixels wherever no other samples are needed for their colors.
+PngRows chooseRows(const Header &header, std::optional<RowConversion> &conversion)
+{
+    const bool isDeep = header.depth == 16;
+    const bool isGray = (header.colorType & PNG_COLOR_MASK_COLOR) == 0;
+    const PictureColors colors = colorsOf(header);
+    SampleLayout layout;
+    PngRows rows = isDeep ? PngRows::Rgba64 : PngRows::Pixels;
+    layout.full = isDeep ? 65535 : 255;
+    layout.samples = 4;
+    if (isGray && profileColorModel(colors.iccProfile) == u"Gray") {
+        rows = PngRows::GrayAlpha;
+        layout.colors = SampleLayout::Colors::Gray;
+        layout.samples = 2;
+    }
+    layout.alpha = hasAlpha(header) ? layout.samples - 1 : -1;
+    conversion.emplace(layout, colors, int(header.width));
+    if (conversion->hasTransform())
+        return rows;
+    layout = {.samples = 4, .alpha = hasAlpha(header) ? 3 : -1};
+    conversion.emplace(layout, PictureColors(), int(header.width));
+    return PngRows::Pixels;
 }
 
 QVariantMap propertiesOf(const Header &header)
@@ -294,7 +305,7 @@ QVariantMap propertiesOf(const Header &header)
     return png;
 }
 
-class PngRowReader final : public RowReader
+class PngRowReader final : public SingleRowReader
 {
 public:
     PngRowReader(QIODevice &device, const ReadLimits &limits)
@@ -310,43 +321,33 @@ public:
             return failure();
         const Header &header = m_decoder.header();
         m_format.size = QSize(int(header.width), int(header.height));
-        m_format.hasAlpha = (header.colorType & PNG_COLOR_MASK_ALPHA) != 0 || header.hasTransparency;
+        m_format.hasAlpha = hasAlpha(header);
         if (const auto checked = PictureFailures::checkSize(m_format.size, m_limits); !checked)
             return checked;
-        m_transform = chooseTransform(header, m_layout);
-        if (!m_decoder.start(m_layout))
+        m_rows = chooseRows(header, m_colors);
+        if (!m_decoder.start(m_rows))
             return failure();
         if (m_decoder.isInterlaced()) {
             const qint64 pixelBytes = qint64(m_decoder.rowBytes()) / header.width;
             return PictureFailures::checkMemory(m_format.size, pixelBytes, m_limits);
         }
-        if (m_layout != PixelLayout::Rgb32)
+        if (m_rows != PngRows::Pixels)
             m_buffer.resize(m_decoder.rowBytes());
         return {};
     }
 
-    RowFormat format() const override { return m_format; }
-
-    Result<void> readRows(QImage &strip, int count) override
+private:
+    Result<void> decodeRow(int index, QRgb *row) override
     {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
-        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_rowsRead);
-        if (m_failure)
-            return fail(*m_failure);
-        if (m_decoder.isInterlaced() && m_rowsRead == 0 && !readWhole())
+        if (m_decoder.isInterlaced() && index == 0 && !readWhole())
             return failure();
-        uchar *bits = strip.bits();
-        for (int row = 0; row < count; ++row, ++m_rowsRead) {
-            auto *target = reinterpret_cast<QRgb *>(bits + row * strip.bytesPerLine());
-            const uchar *decoded = nextRow(target);
-            if (!decoded)
-                return failure();
-            convertRow(decoded, target);
-        }
+        const uchar *decoded = nextRow(index, row);
+        if (!decoded)
+            return failure();
+        convertRow(decoded, row);
         return {};
     }
 
-private:
     bool readWhole()
     {
         const size_t rowBytes = m_decoder.rowBytes();
@@ -365,49 +366,44 @@ private:
 
     /// @param target  where QRgb rows may be decoded to
     /// @return the decoded row; null when it cannot be had
-    const uchar *nextRow(QRgb *target)
+    const uchar *nextRow(int index, QRgb *target)
     {
         if (m_decoder.isInterlaced())
-            return m_buffer.data() + size_t(m_rowsRead) * m_decoder.rowBytes();
+            return m_buffer.data() + size_t(index) * m_decoder.rowBytes();
         uchar *row = m_buffer.empty() ? reinterpret_cast<uchar *>(target) : m_buffer.data();
         return m_decoder.readRow(row) ? row : nullptr;
     }
 
-    void convertRow(const uchar *decoded, QRgb *out) const
+    void convertRow(const uchar *decoded, QRgb *out)
     {
-        const int width = m_format.size.width();
-        if (m_transform)
-            m_transform->convert(decoded, out, width);
-        else if (decoded != reinterpret_cast<const uchar *>(out))
-            std::copy_n(reinterpret_cast<const QRgb *>(decoded), width, out);
-        if (m_format.hasAlpha) {
-            for (int x = 0; x < width; ++x)
-                out[x] = qPremultiply(out[x]);
+        if (m_rows == PngRows::Pixels) {
+            if (decoded != reinterpret_cast<const uchar *>(out))
+                std::copy_n(reinterpret_cast<const QRgb *>(decoded), m_format.size.width(), out);
+            m_colors->convertPixels(out);
+        } else if (m_decoder.header().depth == 16) {
+            m_colors->convert(reinterpret_cast<const quint16 *>(decoded), out);
+        } else {
+            m_colors->convert(decoded, out);
         }
     }
 
-    tl::unexpected<Error> failure()
+    tl::unexpected<Error> failure() const
     {
         const Source &source = m_decoder.source();
         if (source.readFailed)
-            m_failure = PictureFailures::readError(m_device);
-        else if (m_isOutOfMemory)
-            m_failure = PictureFailures::outOfMemory();
-        else
-            m_failure = source.reachedEnd ? PictureFailures::endsEarly() : PictureFailures::damaged();
-        return fail(*m_failure);
+            return fail(PictureFailures::readError(m_device));
+        if (m_isOutOfMemory)
+            return fail(PictureFailures::outOfMemory());
+        return fail(source.reachedEnd ? PictureFailures::endsEarly() : PictureFailures::damaged());
     }
 
     QIODevice &m_device;
     const ReadLimits m_limits;
     PngDecoder m_decoder;
-    RowFormat m_format;
-    PixelLayout m_layout = PixelLayout::Rgb32;
-    std::unique_ptr<ColorTransform> m_transform;
+    PngRows m_rows = PngRows::Pixels;
+    std::optional<RowConversion> m_colors;
     std::vector<uchar> m_buffer; ///< one row that is not QRgb yet, or a whole interlaced picture
-    int m_rowsRead = 0;
     bool m_isOutOfMemory = false;
-    std::optional<QString> m_failure;
 };
 
 } // namespace
@@ -422,7 +418,7 @@ Result<PictureInfo> PngCodec::readInfo(QIODevice &device, const ReadLimits &limi
     const Header &header = decoder.header();
     PictureInfo info;
     info.rows.size = QSize(int(header.width), int(header.height));
-    info.rows.hasAlpha = (header.colorType & PNG_COLOR_MASK_ALPHA) != 0 || header.hasTransparency;
+    info.rows.hasAlpha = hasAlpha(header);
     if (const auto checked = PictureFailures::checkSize(info.rows.size, limits); !checked)
         return tl::unexpected(checked.error());
     info.depth = header.depth;
@@ -433,10 +429,13 @@ Result<PictureInfo> PngCodec::readInfo(QIODevice &device, const ReadLimits &limi
     if (decoder.frames() > 1)
         info.unmarkedPictures.append(QStringLiteral("animation"));
     if (decoder.isInterlaced()) {
-        // The whole picture, whose first row is done with the last pass only.
-        PixelLayout layout = PixelLayout::Rgb32;
-        chooseTransform(header, layout);
-        info.decoderBytes = bytesPerPixel(layout) * header.width * header.height;
+        // The whole picture: only the last pass completes its first row.
+        std::optional<RowConversion> conversion;
+        const PngRows rows = chooseRows(header, conversion);
+        const qint64 pixelBytes = rows == PngRows::Rgba64                           ? 8
+                                  : rows == PngRows::GrayAlpha && header.depth <= 8 ? 2
+                                                                                    : 4;
+        info.decoderBytes = pixelBytes * header.width * header.height;
     }
     if (header.hasDensity && header.densityX > 0 && header.densityY > 0) {
         // Without a unit the two numbers are but the shape of a pixel.

@@ -199,8 +199,8 @@ class PngRowWriter final : public RowWriter
 {
 public:
     PngRowWriter(QIODevice &device, const RowFormat &format, const WriteOptions &options)
-        : m_device(device)
-        , m_format(format)
+        : RowWriter(format)
+        , m_device(device)
         , m_encoder(device, format)
         , m_exif(options.exif)
         , m_thumbnailOffset(options.thumbnailPlaceholder.isEmpty()
@@ -231,9 +231,16 @@ public:
         return {};
     }
 
-    Result<void> writeRows(const QImage &strip, int count) override
+    Result<void> finish() override
     {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
+        if (!m_encoder.finish())
+            return failure();
+        return m_thumbnail ? putThumbnail() : Result<void>();
+    }
+
+private:
+    Result<void> encodeRows(const QImage &strip, int count) override
+    {
         for (int row = 0; row < count; ++row) {
             const uchar *pixels = strip.constScanLine(row);
             if (m_format.hasAlpha) {
@@ -250,14 +257,6 @@ public:
         return {};
     }
 
-    Result<void> finish() override
-    {
-        if (!m_encoder.finish())
-            return failure();
-        return m_thumbnail ? putThumbnail() : Result<void>();
-    }
-
-private:
     /// Writes the EXIF chunk's contents and checksum again, now with the thumbnail.
     Result<void> putThumbnail()
     {
@@ -284,7 +283,6 @@ private:
     }
 
     QIODevice &m_device;
-    const RowFormat m_format;
     PngEncoder m_encoder;
     QByteArray m_exif;
     const qsizetype m_thumbnailOffset;

@@ -263,7 +263,7 @@ Result<void> RawFile::readFacts()
     return {};
 }
 
-Result<RawPicture> RawFile::decode(bool isHalf)
+Result<QImage> RawFile::decode(bool isHalf)
 {
     RawStream &stream = m_decoder->stream;
     m_decoder->imgdata.params.half_size = isHalf ? 1 : 0;
@@ -286,10 +286,15 @@ Result<RawPicture> RawFile::decode(bool isHalf)
     if (error != LIBRAW_SUCCESS)
         return fail(failureReason(error));
     m_decoder.reset();
-    if (owner->colors != 1 && owner->colors != 3 && owner->colors != 4)
+    if (made->colors != 1 && made->colors != 3 && made->colors != 4)
         return fail(PictureFailures::unsupportedKind("camera raw"));
-    return RawPicture{QSize(owner->width, owner->height), owner->colors,
-                      std::shared_ptr<const uchar>(owner, owner->data)};
+    const QImage::Format format = made->colors == 1   ? QImage::Format_Grayscale8
+                                  : made->colors == 3 ? QImage::Format_RGB888
+                                                      : QImage::Format_RGBX8888; // the fourth has no meaning
+    using Owner = std::shared_ptr<libraw_processed_image_t>;
+    return QImage(
+        made->data, made->width, made->height, qsizetype(made->width) * made->colors, format,
+        [](void *kept) { delete static_cast<Owner *>(kept); }, new Owner(owner));
 }
 
 } // namespace plexa

@@ -20,14 +20,6 @@ struct RawFacts {
     QVariantMap properties;  ///< camera and exposure, in the form of the property dictionary
 };
 
-/// A developed photo: rows of 8-bit sRGB from the top, `channels` bytes a pixel (1: grey, 3: red, green,
-/// blue; a fourth means nothing).
-struct RawPicture {
-    QSize size;
-    int channels = 3;
-    std::shared_ptr<const uchar> pixels;
-};
-
 /// A camera raw file on a device, which must outlive it. LibRaw, its exceptions and its messages stay inside.
 /// One thread at a time; works on the calling thread alone.
 class RawFile final
@@ -46,7 +38,8 @@ public:
 
     /// Develops the photo; to be called once.
     /// @param isHalf  at half of the size, where facts().canHalve
-    [[nodiscard]] Result<RawPicture> decode(bool isHalf);
+    /// @return 8-bit sRGB, opaque, in one of several formats
+    [[nodiscard]] Result<QImage> decode(bool isHalf);
 
 private:
     class Decoder;

@@ -60,7 +60,8 @@ class BmpRowWriter final : public RowWriter
 {
 public:
     BmpRowWriter(QIODevice &device, QSize size)
-        : m_device(device)
+        : RowWriter({size, false})
+        , m_device(device)
         , m_size(size)
     {
     }
@@ -73,9 +74,16 @@ public:
         return {};
     }
 
-    Result<void> writeRows(const QImage &strip, int count) override
+    Result<void> finish() override
     {
-        Q_ASSERT(strip.format() == QImage::Format_RGB32 && strip.width() == m_size.width());
+        if (!m_device.seek(fileBytes(m_size)))
+            return fail(PictureFailures::writeError(m_device));
+        return {};
+    }
+
+private:
+    Result<void> encodeRows(const QImage &strip, int count) override
+    {
         const qsizetype stride = rowBytes(m_size.width());
         m_bytes.fill('\0', stride * count);
         for (int row = 0; row < count; ++row) {
@@ -87,26 +95,15 @@ public:
                 *out++ = char(qRed(pixels[x]));
             }
         }
-        m_rowsWritten += count;
-        if (!m_device.seek(kHeaderBytes + stride * (m_size.height() - m_rowsWritten)) ||
+        if (!m_device.seek(kHeaderBytes + stride * (m_size.height() - rowsWritten() - count)) ||
             m_device.write(m_bytes) != m_bytes.size())
             return fail(PictureFailures::writeError(m_device));
         return {};
     }
 
-    Result<void> finish() override
-    {
-        Q_ASSERT(m_rowsWritten == m_size.height());
-        if (!m_device.seek(fileBytes(m_size)))
-            return fail(PictureFailures::writeError(m_device));
-        return {};
-    }
-
-private:
     QIODevice &m_device;
     const QSize m_size;
     QByteArray m_bytes; ///< of a strip
-    int m_rowsWritten = 0;
 };
 
 } // namespace

@@ -139,14 +139,4 @@ PictureHeader readNetpbmHeader(QIODevice &device)
     return header;
 }
 
-PictureHeader readXbmHeader(QIODevice &device)
-{
-    PictureHeader header;
-    // The brace behind the last value: without it that may lack a digit.
-    constexpr qint64 kTailBytes = 256;
-    const qint64 tail = qMin(device.size(), kTailBytes);
-    header.endsEarly = !readAt(device, device.size() - tail, tail).contains('}');
-    return header;
-}
-
 } // namespace plexa

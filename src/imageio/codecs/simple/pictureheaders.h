@@ -31,7 +31,6 @@ struct PictureHeader {
 /// what could be read: damage is left to the decoder to find.
 PictureHeader readWebpHeader(QIODevice &device);
 PictureHeader readBmpHeader(QIODevice &device);
-PictureHeader readXbmHeader(QIODevice &device);
 PictureHeader readNetpbmHeader(QIODevice &device);
 
 } // namespace plexa

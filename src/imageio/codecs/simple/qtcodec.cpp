@@ -2,14 +2,16 @@
 
 #include "imageio/codecs/simple/qtcodec.h"
 
+#include "imageio/base/endwatch.h"
 #include "imageio/base/picturefailures.h"
-#include "imageio/color/colorprofile.h"
+#include "imageio/color/rowconversion.h"
 #include "raster/pixelformat.h"
 
 #include <QColorSpace>
 #include <QImageReader>
 
 #include <mutex>
+#include <optional>
 
 namespace plexa
 {
@@ -38,25 +40,14 @@ bool isGray(QImage::Format format)
            format == QImage::Format_Mono || format == QImage::Format_MonoLSB;
 }
 
-/// The most memory that a picture takes from decoding to rows: the picture as the plugin gives it, beside it
-/// the one that it is converted to, as toRows() does it, and what the plugin keeps for itself meanwhile.
-/// @param format  QImage::Format_Invalid where the plugin does not say: counts as the most usual kind
-qint64 decodingBytes(QSize size, QImage::Format format, const QByteArray &icc, int pluginBytesPerPixel)
+/// The most memory that decoding takes: the picture as the plugin returns it, and what the plugin holds
+/// besides.
+/// @param format  QImage::Format_Invalid where the plugin does not report it: counts as 32 bits
+qint64 decodingBytes(QSize size, QImage::Format format, int pluginBytesPerPixel)
 {
     const qint64 pixels = qint64(size.width()) * size.height();
     const int bits = format == QImage::Format_Invalid ? 32 : QImage::toPixelFormat(format).bitsPerPixel();
-    const qint64 decoded = pixels * bits / 8;
-    const qint64 rows = pixels * 4;
-    const qint64 plugin = pixels * pluginBytesPerPixel;
-    if (bits == 64 && icc.isEmpty()) // changed in place
-        return decoded + plugin;
-    if (hasDeepComponents(format) &&
-        !(isGray(format) && (icc.isEmpty() || profileColorModel(icc) == u"Gray"_qs))) {
-        const qint64 wide = pixels * 8; // changed to this kind before its colours are
-        return qMax(decoded + plugin, wide + (bits == 64 ? rows : qMax(decoded, rows)));
-    }
-    // Kinds of 32 bits are changed in place.
-    return decoded + (bits == 32 ? plugin : qMax(rows, plugin));
+    return pixels * bits / 8 + pixels * pluginBytesPerPixel;
 }
 
 /// Will the rows have alpha? What neither header nor plugin says beforehand counts as yes.
@@ -68,7 +59,7 @@ bool announcesAlpha(const QImageReader &reader, const PictureHeader &header)
     if (format == QImage::Format_Invalid)
         return true;
     if (format == QImage::Format_Indexed8)
-        return reader.format() == "xpm";
+        return false;
     return QImage::toPixelFormat(format).alphaUsage() == QPixelFormat::UsesAlpha;
 }
 
@@ -116,31 +107,27 @@ Result<void> prepare(QImageReader &reader, QIODevice &device, const char *qtForm
     return size.isValid() ? PictureFailures::checkSize(size, limits) : Result<void>();
 }
 
-/// Checks the memory for what the plugin decodes, and the rows that are made of it.
+/// Checks the memory for what the plugin decodes.
 Result<void> checkDecoding(const QImageReader &reader, const ReadLimits &limits)
 {
     const QSize size = reader.size();
     if (!size.isValid())
         return {};
-    return PictureFailures::checkMemory(size, hasDeepComponents(reader.imageFormat()) ? 12 : 8, limits);
+    return PictureFailures::checkMemory(size, hasDeepComponents(reader.imageFormat()) ? 8 : 4, limits);
 }
 
-/// Fills samples of few bits up with copies of themselves, so that all ones are full.
+/// Repeats the bits of samples of few bits, so that all ones become 255.
 void fillSamples(QImage &image, const std::array<int, 4> &bits)
 {
-    if (image.format() != QImage::Format_RGB32 && image.format() != QImage::Format_ARGB32)
-        return;
     const auto filled = [](int sample, int count) {
         for (int shift = count; shift > 0 && shift < 8; shift *= 2)
             sample |= sample >> shift;
         return sample;
     };
-    for (int y = 0; y < image.height(); ++y) {
-        auto *row = reinterpret_cast<QRgb *>(image.scanLine(y));
-        for (int x = 0; x < image.width(); ++x)
-            row[x] = qRgba(filled(qRed(row[x]), bits[0]), filled(qGreen(row[x]), bits[1]),
-                           filled(qBlue(row[x]), bits[2]), filled(qAlpha(row[x]), bits[3]));
-    }
+    auto *row = reinterpret_cast<QRgb *>(image.bits());
+    for (int x = 0; x < image.width(); ++x)
+        row[x] = qRgba(filled(qRed(row[x]), bits[0]), filled(qGreen(row[x]), bits[1]),
+                       filled(qBlue(row[x]), bits[2]), filled(qAlpha(row[x]), bits[3]));
 }
 
 /// A picture for the plugin to decode into: what damaged data leave out is black then, and not what the
@@ -156,73 +143,58 @@ QImage clearedPicture(const QImageReader &reader)
     return image;
 }
 
-/// Changes the picture to 8-bit sRGB rows of the announced kind.
-QImage toRows(QImage image, const PictureHeader &header, bool hasAlpha)
-{
-    if (header.sampleBits != std::array<int, 4>{})
-        fillSamples(image, header.sampleBits);
-    const QByteArray &headerProfile = header.iccProfile;
-    const QByteArray icc = headerProfile.isEmpty() ? image.colorSpace().iccProfile() : headerProfile;
-    const QImage::Format target = RowFormat{image.size(), hasAlpha}.imageFormat();
-    if (isGray(image.format())) {
-        if (const auto transform = ColorTransform::toSrgb(icc, PixelLayout::Gray8)) {
-            image.convertTo(QImage::Format_Grayscale8);
-            QImage rows(image.size(), QImage::Format_RGB32);
-            for (int y = 0; y < rows.height() && !image.isNull() && !rows.isNull(); ++y)
-                transform->convert(image.constScanLine(y), reinterpret_cast<QRgb *>(rows.scanLine(y)),
-                                   rows.width());
-            rows.convertTo(target);
-            return rows;
-        }
-    }
-    const bool deep = hasDeepComponents(image.format());
-    const auto transform = ColorTransform::toSrgb(icc, deep ? PixelLayout::Rgba64 : PixelLayout::Rgb32);
-    if (transform) {
-        const bool imageHasAlpha = image.hasAlphaChannel();
-        const QImage::Format straight = imageHasAlpha ? QImage::Format_ARGB32 : QImage::Format_RGB32;
-        image.convertTo(deep ? QImage::Format_RGBA64 : straight);
-        QImage rows = deep ? QImage(image.size(), straight) : QImage();
-        for (int y = 0; y < image.height(); ++y) {
-            if (deep && rows.isNull())
-                return {};
-            auto *row = reinterpret_cast<QRgb *>(deep ? rows.scanLine(y) : image.scanLine(y));
-            transform->convert(deep ? image.constScanLine(y) : reinterpret_cast<uchar *>(row), row,
-                               image.width());
-        }
-        if (deep)
-            image = rows;
-    }
-    image.convertTo(target);
-    return image;
-}
-
-/// Hands out the rows of a picture that is decoded already.
-class WholeImageReader final : public RowReader
+/// Converts the rows of a decoded picture one by one.
+class QtRowReader final : public SingleRowReader
 {
 public:
-    WholeImageReader(QImage image, bool hasAlpha)
-        : m_image(std::move(image))
-        , m_format{m_image.size(), hasAlpha}
+    QtRowReader(QImage image, const PictureHeader &header, bool hasAlpha)
+        : SingleRowReader({image.size(), hasAlpha})
+        , m_image(std::move(image))
+        , m_sampleBits(header.sampleBits)
     {
-    }
-
-    RowFormat format() const override { return m_format; }
-
-    Result<void> readRows(QImage &strip, int count) override
-    {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
-        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_image.height() - m_nextRow);
-        uchar *bits = strip.bits();
-        for (int row = 0; row < count; ++row, ++m_nextRow)
-            std::copy_n(m_image.constScanLine(m_nextRow), size_t(m_image.width()) * sizeof(QRgb),
-                        bits + row * strip.bytesPerLine());
-        return {};
+        const QByteArray icc =
+            header.iccProfile.isEmpty() ? m_image.colorSpace().iccProfile() : header.iccProfile;
+        const bool showsThrough = hasAlpha && m_image.hasAlphaChannel();
+        SampleLayout layout;
+        layout.samples = 4;
+        if (isGray(m_image.format()) && profileColorModel(icc) == u"Gray") {
+            layout.colors = SampleLayout::Colors::Gray;
+            layout.samples = 1;
+            m_rows = QImage::Format_Grayscale8;
+        } else if (hasDeepComponents(m_image.format())) {
+            layout.full = 65535;
+            m_rows = showsThrough ? QImage::Format_RGBA64 : QImage::Format_RGBX64;
+        } else {
+            m_rows = showsThrough ? QImage::Format_ARGB32 : QImage::Format_RGB32;
+        }
+        layout.alpha = showsThrough ? 3 : -1;
+        m_colors.emplace(layout, PictureColors{icc, {}}, m_image.width());
     }
 
 private:
+    Result<void> decodeRow(int index, QRgb *row) override
+    {
+        QImage part = m_image.copy(0, index, m_image.width(), 1);
+        part.convertTo(m_rows);
+        if (part.isNull())
+            return fail(PictureFailures::outOfMemory());
+        if (m_rows == QImage::Format_Grayscale8) {
+            m_colors->convert(part.constBits(), row);
+        } else if (part.depth() == 64) {
+            m_colors->convert(reinterpret_cast<const quint16 *>(part.constBits()), row);
+        } else {
+            if (m_sampleBits != std::array<int, 4>{})
+                fillSamples(part, m_sampleBits);
+            std::copy_n(reinterpret_cast<const QRgb *>(part.constBits()), m_image.width(), row);
+            m_colors->convertPixels(row);
+        }
+        return {};
+    }
+
     const QImage m_image;
-    const RowFormat m_format;
-    int m_nextRow = 0;
+    const std::array<int, 4> m_sampleBits;
+    QImage::Format m_rows = QImage::Format_RGB32; ///< that the colors are converted from
+    std::optional<RowConversion> m_colors;
 };
 
 QString reasonOf(const QImageReader &reader, const QIODevice &device)
@@ -235,12 +207,11 @@ QString reasonOf(const QImageReader &reader, const QIODevice &device)
 } // namespace
 
 QtCodec::QtCodec(const char *qtFormat, PictureHeader (*readHeader)(QIODevice &), int pluginBytesPerPixel,
-                 Choice choice, EndWatch::Manner manner)
+                 Choice choice)
     : m_qtFormat(qtFormat)
     , m_readHeader(readHeader)
     , m_pluginBytesPerPixel(pluginBytesPerPixel)
     , m_choice(choice)
-    , m_manner(manner)
 {
 }
 
@@ -279,7 +250,7 @@ Result<PictureInfo> QtCodec::readInfo(QIODevice &device, const ReadLimits &limit
                                                                  : QStringLiteral("animation"));
     info.dpiWidth = header.dpiWidth;
     info.dpiHeight = header.dpiHeight;
-    info.decoderBytes = decodingBytes(info.rows.size, format, header.iccProfile, m_pluginBytesPerPixel);
+    info.decoderBytes = decodingBytes(info.rows.size, format, m_pluginBytesPerPixel);
     return info;
 }
 
@@ -291,7 +262,7 @@ Result<std::unique_ptr<RowReader>> QtCodec::openReader(QIODevice &device, const 
     if (header.endsEarly)
         return fail(PictureFailures::endsEarly());
     // Most plugins give a picture whose data end early as if it were whole.
-    EndWatch watch(device, 0, m_manner);
+    EndWatch watch(device, 0);
     QImageReader reader;
     if (const auto prepared = prepare(reader, watch, m_qtFormat, m_choice, header.size, limits); !prepared)
         return tl::unexpected(prepared.error());
@@ -307,16 +278,7 @@ Result<std::unique_ptr<RowReader>> QtCodec::openReader(QIODevice &device, const 
         return fail(reasonOf(reader, device));
     if (const auto checked = PictureFailures::checkSize(image.size(), limits); !checked)
         return tl::unexpected(checked.error());
-    image = toRows(std::move(image), header, hasAlpha);
-    if (image.isNull())
-        return fail(PictureFailures::outOfMemory());
-    return std::make_unique<WholeImageReader>(std::move(image), hasAlpha);
-}
-
-Result<std::unique_ptr<RowWriter>> QtCodec::openWriter(QIODevice &, const RowFormat &,
-                                                       const WriteOptions &) const
-{
-    return fail(PictureFailures::cannotWrite(QString::fromLatin1(m_qtFormat)));
+    return std::make_unique<QtRowReader>(std::move(image), header, hasAlpha);
 }
 
 } // namespace plexa

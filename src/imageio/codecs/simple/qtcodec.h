@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include "imageio/base/endwatch.h"
 #include "imageio/codecs/codec.h"
 #include "imageio/codecs/simple/pictureheaders.h"
 
@@ -20,10 +19,8 @@ public:
     /// @param qtFormat    the plugin's name of the format
     /// @param readHeader  what Qt does not say of a file; may be null
     /// @param pluginBytesPerPixel  what the plugin takes while decoding besides the picture that it gives
-    /// @param manner  how the plugin reads
     explicit QtCodec(const char *qtFormat, PictureHeader (*readHeader)(QIODevice &) = nullptr,
-                     int pluginBytesPerPixel = 0, Choice choice = Choice::First,
-                     EndWatch::Manner manner = EndWatch::Manner::Exactly);
+                     int pluginBytesPerPixel = 0, Choice choice = Choice::First);
 
     /// Is the plugin that this needs installed?
     bool isAvailable() const;
@@ -31,15 +28,12 @@ public:
     [[nodiscard]] Result<PictureInfo> readInfo(QIODevice &device, const ReadLimits &limits) const override;
     [[nodiscard]] Result<std::unique_ptr<RowReader>> openReader(QIODevice &device, const ReadLimits &limits,
                                                                 int reduction) const override;
-    [[nodiscard]] Result<std::unique_ptr<RowWriter>> openWriter(QIODevice &device, const RowFormat &format,
-                                                                const WriteOptions &options) const override;
 
 private:
     const char *m_qtFormat;
     PictureHeader (*m_readHeader)(QIODevice &);
     int m_pluginBytesPerPixel;
     Choice m_choice;
-    EndWatch::Manner m_manner;
 };
 
 } // namespace plexa

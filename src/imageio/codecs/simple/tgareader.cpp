@@ -5,8 +5,6 @@
 #include "imageio/codecs/simple/tgacodec.h"
 
 #include <algorithm>
-#include <memory>
-#include <new>
 #include <vector>
 
 namespace plexa
@@ -17,7 +15,7 @@ namespace
 
 constexpr int kHeaderBytes = 18;
 
-/// A row of the table in "Truevision TGA File Format Specification", version 2.0.
+/// Image types of the "Truevision TGA File Format Specification", version 2.0, without run-length encoding.
 enum class Kind { Palette = 1, Color = 2, Gray = 3 };
 
 struct TgaHeader {
@@ -84,13 +82,13 @@ Result<TgaHeader> headerOf(const QByteArray &bytes)
     default:
         isKnown = false;
     }
-    // There is no signature: what fits no kind is likely another file.
+    // There is no signature: a header of no valid kind probably belongs to another format.
     if (!isKnown || header.size.isEmpty())
         return fail(PictureFailures::notAPicture());
     return header;
 }
 
-/// A colour of the file, premultiplied.
+/// A color of the file, premultiplied.
 QRgb colorOf(const uchar *bytes, int bits, bool hasAlpha)
 {
     QRgb color = 0;
@@ -130,63 +128,41 @@ Result<TgaHeader> readCheckedHeader(QIODevice &device, const ReadLimits &limits)
     return header;
 }
 
-/// Hands out the rows of a picture that is decoded with the first of them.
-class TgaRowReader final : public RowReader
+/// Decodes the picture whole, because most files start with the bottom row.
+class TgaDecoder
 {
 public:
-    TgaRowReader(QIODevice &device, const TgaHeader &header)
+    TgaDecoder(QIODevice &device, const TgaHeader &header)
         : m_device(device)
         , m_header(header)
         , m_bytes(device)
     {
     }
 
-    bool allocate()
+    Result<QImage> decode()
     {
-        m_pixels.reset(new (std::nothrow) QRgb[size_t(pixelCount())]);
-        return m_pixels != nullptr;
-    }
-
-    RowFormat format() const override { return {m_header.size, m_header.hasAlpha}; }
-
-    Result<void> readRows(QImage &strip, int count) override
-    {
-        Q_ASSERT(strip.format() == format().imageFormat() && strip.width() == m_header.size.width());
-        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_header.size.height() - m_rowsRead);
-        if (!m_isDecoded && !decode())
-            return fail(m_bytes.readFailed() ? PictureFailures::readError(m_device)
-                                             : PictureFailures::endsEarly());
-        const int width = m_header.size.width();
-        for (int row = 0; row < count; ++row, ++m_rowsRead) {
-            const int stored = m_header.isFromTop ? m_rowsRead : m_header.size.height() - 1 - m_rowsRead;
-            const QRgb *from = m_pixels.get() + qint64(stored) * width;
-            auto *to = reinterpret_cast<QRgb *>(strip.scanLine(row));
-            if (m_header.isFromRight)
-                std::reverse_copy(from, from + width, to);
-            else
-                std::copy_n(from, width, to);
-        }
-        return {};
-    }
-
-private:
-    qint64 pixelCount() const { return qint64(m_header.size.width()) * m_header.size.height(); }
-
-    bool decode()
-    {
-        if (m_hasFailed)
-            return false;
-        m_hasFailed = true;
+        QImage image(m_header.size, RowFormat{{}, m_header.hasAlpha}.imageFormat());
+        if (image.isNull())
+            return fail(PictureFailures::outOfMemory());
         m_device.seek(kHeaderBytes);
         m_bytes.skip(m_header.idBytes);
         readPalette();
-        QRgb *next = m_pixels.get();
-        QRgb *const end = next + pixelCount();
+        auto *const first = reinterpret_cast<QRgb *>(image.bits()); // rows of whole words: no padding
+        if (!readPixels(first, first + qint64(image.width()) * image.height()))
+            return fail(m_bytes.readFailed() ? PictureFailures::readError(m_device)
+                                             : PictureFailures::endsEarly());
+        image.mirror(m_header.isFromRight, !m_header.isFromTop);
+        return image;
+    }
+
+private:
+    bool readPixels(QRgb *next, const QRgb *end)
+    {
         while (next < end) {
             const int packet = m_header.isRunLength ? m_bytes.next() : 127;
             if (packet < 0)
                 return false;
-            // A packet may reach over the end of a row, and a careless one over that of the picture.
+            // A packet may extend beyond the end of a row, and in faulty files beyond that of the picture.
             const qint64 count = qMin<qint64>((packet & 127) + 1, end - next);
             const bool isRun = (packet & 128) != 0;
             for (qint64 i = 0; i < (isRun ? 1 : count); ++i) {
@@ -197,8 +173,6 @@ private:
                 std::fill_n(next, count, *next);
             next += count;
         }
-        m_isDecoded = true;
-        m_hasFailed = false;
         return true;
     }
 
@@ -208,7 +182,7 @@ private:
         if (m_header.kind != Kind::Palette)
             return;
         const int entryBytes = (m_header.paletteBits + 7) / 8;
-        m_palette.assign(256, 0xff000000); // indices that the file's table lacks are black
+        m_palette.assign(256, 0xff000000); // indices beyond the table are black
         for (int i = 0; i < int(bytes.size()) / entryBytes && m_header.paletteStart + i < 256; ++i)
             m_palette[size_t(m_header.paletteStart + i)] =
                 colorOf(reinterpret_cast<const uchar *>(bytes.constData()) + i * entryBytes,
@@ -231,13 +205,9 @@ private:
     }
 
     QIODevice &m_device;
-    const TgaHeader m_header;
+    const TgaHeader &m_header;
     ForwardBytes m_bytes;
-    std::unique_ptr<QRgb[]> m_pixels; ///< in the file's order
     std::vector<QRgb> m_palette;
-    int m_rowsRead = 0;
-    bool m_isDecoded = false;
-    bool m_hasFailed = false;
 };
 
 } // namespace
@@ -260,16 +230,10 @@ Result<std::unique_ptr<RowReader>> TgaCodec::openReader(QIODevice &device, const
     const Result<TgaHeader> header = readCheckedHeader(device, limits);
     if (!header)
         return tl::unexpected(header.error());
-    auto reader = std::make_unique<TgaRowReader>(device, *header);
-    if (!reader->allocate())
-        return fail(PictureFailures::outOfMemory());
-    return reader;
-}
-
-Result<std::unique_ptr<RowWriter>> TgaCodec::openWriter(QIODevice &, const RowFormat &,
-                                                        const WriteOptions &) const
-{
-    return fail(PictureFailures::cannotWrite(QStringLiteral("image/x-tga")));
+    Result<QImage> image = TgaDecoder(device, *header).decode();
+    if (!image)
+        return tl::unexpected(image.error());
+    return rowsOfImage(std::move(*image), header->hasAlpha);
 }
 
 } // namespace plexa

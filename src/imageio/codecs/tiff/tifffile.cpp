@@ -247,7 +247,7 @@ bool TiffFile::isReadableSample() const
     const bool isByteOrWord = depth == 8 || depth == 16;
     switch (fieldOf<quint16>(m_tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT)) {
     case SAMPLEFORMAT_IEEEFP:
-        return (depth == 16 || depth == 24 || depth == 32 || depth == 64) && m_facts.kind != Kind::Palette &&
+        return (depth == 16 || depth == 32 || depth == 64) && m_facts.kind != Kind::Palette &&
                m_facts.kind != Kind::Lab;
     case SAMPLEFORMAT_INT: // programs that mean signs in pictures are rarer than those that say it wrongly
         return (isByteOrWord || depth == 32) && m_facts.kind != Kind::Palette &&
@@ -256,8 +256,7 @@ bool TiffFile::isReadableSample() const
     case SAMPLEFORMAT_VOID:
         if (m_facts.kind == Kind::Lab)
             return isByteOrWord;
-        return depth >= 1 &&
-               (depth <= 8 || (m_facts.kind != Kind::Palette && (depth <= 16 || depth == 24 || depth == 32)));
+        return depth >= 1 && (depth <= 8 || (m_facts.kind != Kind::Palette && (depth <= 16 || depth == 32)));
     default:
         return false;
     }

@@ -4,10 +4,10 @@
 #include "imageio/codecs/tiff/tiffblocks.h"
 #include "imageio/codecs/tiff/tiffcodec.h"
 #include "imageio/codecs/tiff/tifffile.h"
-#include "imageio/color/colorprofile.h"
+#include "imageio/color/rowconversion.h"
 #include "imageio/container/tiffpictures.h"
-#include "raster/pixelformat.h"
 
+#include <algorithm>
 #include <limits>
 #include <new>
 #include <optional>
@@ -24,221 +24,77 @@ using Kind = TiffFacts::Kind;
 /// A reader that holds no more than that needs no memory reserved.
 constexpr qint64 kStreamedBytes = 1024 * 1024;
 
-/// Turns rows of samples into rows of 8-bit sRGB.
-class TiffColors
+/// The colors of a palette. Some programs write bytes in place of words.
+std::vector<QRgb> paletteOf(const TiffFacts &facts, TIFF *tiff)
 {
-public:
-    TiffColors(const TiffFacts &facts, TIFF *tiff)
-        : m_facts(facts)
-        , m_isDeep(facts.depth > 8)
-        , m_full(m_isDeep ? 65535 : (1 << facts.depth) - 1)
-    {
-        if (facts.kind == Kind::ByLibrary)
-            m_transform = ColorTransform::toSrgb(facts.iccProfile, PixelLayout::Rgb32);
-        else if (!m_isDeep && facts.kind == Kind::Palette)
-            makePalette(tiff);
-        else if (!m_isDeep && facts.kind == Kind::Gray)
-            makeGrays();
-        else
-            chooseTransform();
-        if (m_table.empty())
-            m_words.resize(size_t(facts.size.width()) * 4);
+    const size_t count = size_t(1) << facts.depth;
+    const quint16 *maps[3] = {};
+    if (!TIFFGetField(tiff, TIFFTAG_COLORMAP, maps, maps + 1, maps + 2))
+        return {};
+    bool isNarrow = true;
+    for (const quint16 *map : maps)
+        isNarrow = isNarrow && std::all_of(map, map + count, [](quint16 value) { return value < 256; });
+    std::vector<quint16> words;
+    for (size_t i = 0; i < count; ++i) {
+        for (const quint16 *map : maps)
+            words.push_back(quint16(map[i] * (isNarrow ? 257 : 1)));
     }
+    std::vector<QRgb> palette(count);
+    RowConversion({.full = 65535}, {facts.iccProfile, {}}, int(count)).convert(words.data(), palette.data());
+    return palette;
+}
 
-    /// @param samples  a row, changed on the way
-    void convert(quint16 *samples, QRgb *out)
-    {
-        const int width = m_facts.size.width();
-        if (m_facts.isPremultiplied && m_facts.kind != Kind::Palette && m_facts.kind != Kind::Lab)
-            divideByAlpha(samples);
-        if (!m_table.empty()) {
-            for (int x = 0; x < width; ++x)
-                out[x] = m_table[samples[x * m_facts.samples]];
-        } else if (m_facts.kind == Kind::Cmyk) {
-            convertInks(samples, out);
-        } else if (m_isDeep || m_facts.kind == Kind::Lab) {
-            convertWords(samples, out);
-        } else {
-            for (int x = 0; x < width; ++x, samples += m_facts.samples)
-                out[x] = qRgb(scaled(samples[0]), scaled(samples[1]), scaled(samples[2]));
-            samples -= qsizetype(width) * m_facts.samples;
-            if (m_transform)
-                m_transform->convert(out, out, width);
-        }
-        if (m_facts.alphaSample >= 0)
-            applyAlpha(samples, out);
+SampleLayout layoutOf(const TiffFacts &facts, TIFF *tiff)
+{
+    using Colors = SampleLayout::Colors;
+    SampleLayout layout;
+    layout.samples = facts.samples;
+    layout.full = facts.depth > 8 ? 65535 : (1 << facts.depth) - 1;
+    layout.alpha = facts.alphaSample;
+    layout.isPremultiplied = facts.isPremultiplied;
+    layout.isInverted = facts.zeroIsWhite;
+    switch (facts.kind) {
+    case Kind::Gray:
+        layout.colors = Colors::Gray;
+        break;
+    case Kind::Palette:
+        layout.colors = Colors::Palette;
+        layout.isPremultiplied = false;
+        layout.palette = paletteOf(facts, tiff);
+        break;
+    case Kind::Cmyk:
+        layout.colors = Colors::Cmyk;
+        break;
+    case Kind::Lab:
+        layout.colors = Colors::Lab;
+        layout.full = 65535;
+        layout.isPremultiplied = false;
+        break;
+    case Kind::Rgb:
+        break;
+    case Kind::ByLibrary: // pixels
+        layout = {};
     }
+    return layout;
+}
 
-    /// Converts colours that the library has made.
-    void convertPixels(QRgb *row) const
-    {
-        if (m_transform)
-            m_transform->convert(row, row, m_facts.size.width());
-    }
-
-private:
-    int scaled(int sample) const { return (sample * 255 + m_full / 2) / m_full; }
-
-    void makePalette(TIFF *tiff)
-    {
-        const size_t count = size_t(1) << m_facts.depth;
-        const quint16 *red = nullptr;
-        const quint16 *green = nullptr;
-        const quint16 *blue = nullptr;
-        m_table.assign(count, 0xff000000);
-        if (!TIFFGetField(tiff, TIFFTAG_COLORMAP, &red, &green, &blue))
-            return;
-        // Some programs write bytes where words are meant.
-        bool isNarrow = true;
-        for (size_t i = 0; i < count; ++i)
-            isNarrow = isNarrow && red[i] < 256 && green[i] < 256 && blue[i] < 256;
-        const int factor = isNarrow ? 257 : 1;
-        std::vector<quint16> words(count * 4, 0xffff);
-        for (size_t i = 0; i < count; ++i) {
-            words[4 * i] = quint16(red[i] * factor);
-            words[4 * i + 1] = quint16(green[i] * factor);
-            words[4 * i + 2] = quint16(blue[i] * factor);
-            m_table[i] =
-                qRgb(byteOfWord(words[4 * i]), byteOfWord(words[4 * i + 1]), byteOfWord(words[4 * i + 2]));
-        }
-        if (const auto transform = ColorTransform::toSrgb(m_facts.iccProfile, PixelLayout::Rgba64))
-            transform->convert(words.data(), m_table.data(), qsizetype(count));
-    }
-
-    void makeGrays()
-    {
-        std::vector<uchar> grays(size_t(1) << m_facts.depth);
-        for (size_t i = 0; i < grays.size(); ++i) {
-            const auto gray = uchar(scaled(m_facts.zeroIsWhite ? m_full - int(i) : int(i)));
-            grays[i] = gray;
-            m_table.push_back(qRgb(gray, gray, gray));
-        }
-        const auto count = qsizetype(grays.size());
-        if (const auto gray = ColorTransform::toSrgb(m_facts.iccProfile, PixelLayout::Gray8))
-            gray->convert(grays.data(), m_table.data(), count);
-        else if (const auto rgb = ColorTransform::toSrgb(m_facts.iccProfile, PixelLayout::Rgb32))
-            rgb->convert(m_table.data(), m_table.data(), count);
-    }
-
-    void chooseTransform()
-    {
-        if (m_facts.kind == Kind::Lab) {
-            m_transform = ColorTransform::labToSrgb();
-            return;
-        }
-        PixelLayout layout = m_isDeep ? PixelLayout::Rgba64 : PixelLayout::Rgb32;
-        if (m_facts.kind == Kind::Cmyk)
-            layout = m_isDeep ? PixelLayout::Cmyk16 : PixelLayout::Cmyk8;
-        m_isGrayProfile =
-            m_facts.kind == Kind::Gray && profileColorModel(m_facts.iccProfile) == QLatin1String("Gray");
-        if (m_isGrayProfile)
-            layout = PixelLayout::GrayAlpha16;
-        m_transform = ColorTransform::toSrgb(m_facts.iccProfile, layout);
-    }
-
-    void divideByAlpha(quint16 *samples) const
-    {
-        const int width = m_facts.size.width();
-        for (int x = 0; x < width; ++x, samples += m_facts.samples) {
-            const quint32 alpha = samples[m_facts.alphaSample];
-            for (int i = 0; i < m_facts.channels && alpha > 0; ++i) {
-                const quint32 straight = (samples[i] * quint32(m_full) + alpha / 2) / alpha;
-                samples[i] = quint16(qMin(straight, quint32(m_full)));
-            }
+/// Changes the samples of Lab pixels to PixelLayout::Lab16. TIFF 6.0, section 23: a and b are signed, with 16
+/// bits in 1/256; with ICC's photometric interpretation they are offset by 128 instead.
+void unifyLab(const TiffFacts &facts, quint16 *samples)
+{
+    const bool isDeep = facts.depth > 8;
+    const quint16 flip = facts.hasSignedAB ? (isDeep ? 0x8000 : 0x80) : 0;
+    for (int x = 0; x < facts.size.width(); ++x, samples += facts.samples) {
+        for (int i = 0; i < facts.samples; ++i) {
+            const bool isAB = i == 1 || i == 2;
+            const quint32 value = isAB ? quint32(samples[i] ^ flip) : samples[i];
+            if (!isDeep)
+                samples[i] = quint16(value * 257);
+            else if (isAB || (i == 0 && !facts.hasSignedAB))
+                samples[i] = quint16(qMin<quint32>(value * 257 / 256, 65535));
         }
     }
-
-    void convertInks(const quint16 *samples, QRgb *out)
-    {
-        const int width = m_facts.size.width();
-        if (m_transform) {
-            auto *bytes = reinterpret_cast<uchar *>(m_words.data());
-            for (int x = 0; x < width; ++x, samples += m_facts.samples) {
-                for (int i = 0; i < 4; ++i) {
-                    if (m_isDeep)
-                        m_words[size_t(4 * x + i)] = samples[i];
-                    else
-                        bytes[4 * x + i] = uchar(scaled(samples[i]));
-                }
-            }
-            m_transform->convert(m_words.data(), out, width);
-            return;
-        }
-        // No profile: light that is left by each ink, times that left by black.
-        const double full = m_full;
-        for (int x = 0; x < width; ++x, samples += m_facts.samples) {
-            const double black = (full - samples[3]) / full;
-            const auto mix = [full, black](int ink) { return qRound((full - ink) / full * black * 255); };
-            out[x] = qRgb(mix(samples[0]), mix(samples[1]), mix(samples[2]));
-        }
-    }
-
-    /// Words to bytes: grey, RGB and Lab.
-    void convertWords(const quint16 *samples, QRgb *out)
-    {
-        const int width = m_facts.size.width();
-        quint16 *word = m_words.data();
-        for (int x = 0; x < width; ++x, samples += m_facts.samples) {
-            if (m_facts.kind == Kind::Lab) {
-                word = putLab(samples, word);
-                continue;
-            }
-            const quint16 first = m_facts.zeroIsWhite ? quint16(65535 - samples[0]) : samples[0];
-            const bool isGray = m_facts.kind == Kind::Gray;
-            *word++ = first;
-            if (!m_isGrayProfile) {
-                *word++ = isGray ? first : samples[1];
-                *word++ = isGray ? first : samples[2];
-            }
-            *word++ = 0xffff;
-        }
-        if (m_transform) {
-            m_transform->convert(m_words.data(), out, width);
-            return;
-        }
-        const int step = m_isGrayProfile ? 2 : 4;
-        word = m_words.data();
-        for (int x = 0; x < width; ++x, word += step) {
-            out[x] = m_isGrayProfile ? qRgb(byteOfWord(word[0]), byteOfWord(word[0]), byteOfWord(word[0]))
-                                     : qRgb(byteOfWord(word[0]), byteOfWord(word[1]), byteOfWord(word[2]));
-        }
-    }
-
-    /// One pixel as PixelLayout::Lab16 has it. TIFF 6.0, section 23: a and b are signed, of 16 bits
-    /// 256 steps a unit; where the photometric is ICC's they are offset by 128 instead.
-    quint16 *putLab(const quint16 *samples, quint16 *word) const
-    {
-        const quint16 flip = m_facts.hasSignedAB ? (m_isDeep ? 0x8000 : 0x80) : 0;
-        const bool isIccDeep = m_isDeep && !m_facts.hasSignedAB;
-        for (int i = 0; i < 3; ++i) {
-            const quint32 value = i == 0 ? samples[0] : quint32(samples[i] ^ flip);
-            if (!m_isDeep)
-                *word++ = quint16(value * 257);
-            else if (i == 0 && !isIccDeep)
-                *word++ = quint16(value);
-            else
-                *word++ = quint16(qMin<quint32>(value * 257 / 256, 65535));
-        }
-        return word;
-    }
-
-    void applyAlpha(const quint16 *samples, QRgb *out) const
-    {
-        samples += m_facts.alphaSample;
-        for (int x = 0; x < m_facts.size.width(); ++x, samples += m_facts.samples) {
-            const int alpha = m_isDeep ? byteOfWord(*samples) : scaled(*samples);
-            out[x] = qPremultiply((out[x] & 0x00ffffff) | QRgb(alpha) << 24);
-        }
-    }
-
-    const TiffFacts &m_facts;
-    const bool m_isDeep;
-    const int m_full; ///< the value of a sample that is full
-    bool m_isGrayProfile = false;
-    std::unique_ptr<ColorTransform> m_transform;
-    std::vector<QRgb> m_table;    ///< the colours of all values, of small samples
-    std::vector<quint16> m_words; ///< a row as the transform takes it
-};
+}
 
 /// What reading takes: blocks, and a row on its way through the colours.
 qint64 bytesToRead(const TiffBlocks &blocks, const TiffFacts &facts)
@@ -249,7 +105,7 @@ qint64 bytesToRead(const TiffBlocks &blocks, const TiffFacts &facts)
     return bytes > std::numeric_limits<qint64>::max() - row ? bytes : bytes + row;
 }
 
-class TiffRowReader final : public RowReader
+class TiffRowReader final : public SingleRowReader
 {
 public:
     TiffRowReader(QIODevice &device, const ReadLimits &limits)
@@ -271,7 +127,8 @@ public:
         if (bytes > m_limits.maxBytes)
             return fail(PictureFailures::tooMuchMemory(facts.size, bytes, m_limits));
         try {
-            m_colors.emplace(facts, m_file.handle());
+            m_colors.emplace(layoutOf(facts, m_file.handle()), PictureColors{facts.iccProfile, {}},
+                             facts.size.width());
             if (!m_blocks->allocate())
                 return fail(PictureFailures::outOfMemory());
         } catch (const std::bad_alloc &) {
@@ -280,45 +137,28 @@ public:
         return {};
     }
 
-    RowFormat format() const override { return m_format; }
-
-    Result<void> readRows(QImage &strip, int count) override
-    {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
-        Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_rowsRead);
-        if (m_failure)
-            return fail(*m_failure);
-        uchar *bits = strip.bits();
-        for (int row = 0; row < count; ++row, ++m_rowsRead) {
-            auto *out = reinterpret_cast<QRgb *>(bits + row * strip.bytesPerLine());
-            if (m_file.facts().kind == Kind::ByLibrary) {
-                if (!m_blocks->readPixels(m_rowsRead, out))
-                    return failure();
-                m_colors->convertPixels(out);
-                continue;
-            }
-            quint16 *samples = m_blocks->readSamples(m_rowsRead);
-            if (!samples)
-                return failure();
-            m_colors->convert(samples, out);
-        }
-        return {};
-    }
-
 private:
-    tl::unexpected<Error> failure()
+    Result<void> decodeRow(int index, QRgb *row) override
     {
-        m_failure = m_file.failureReason();
-        return fail(*m_failure);
+        if (m_file.facts().kind == Kind::ByLibrary) {
+            if (!m_blocks->readPixels(index, row))
+                return fail(m_file.failureReason());
+            m_colors->convertPixels(row);
+            return {};
+        }
+        quint16 *samples = m_blocks->readSamples(index);
+        if (!samples)
+            return fail(m_file.failureReason());
+        if (m_file.facts().kind == Kind::Lab)
+            unifyLab(m_file.facts(), samples);
+        m_colors->convert(samples, row);
+        return {};
     }
 
     TiffFile m_file;
     const ReadLimits m_limits;
-    RowFormat m_format;
     std::optional<TiffBlocks> m_blocks;
-    std::optional<TiffColors> m_colors;
-    int m_rowsRead = 0;
-    std::optional<QString> m_failure;
+    std::optional<RowConversion> m_colors;
 };
 
 } // namespace

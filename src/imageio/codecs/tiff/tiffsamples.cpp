@@ -4,7 +4,6 @@
 
 #include <QFloat16>
 
-#include <cmath>
 #include <cstring>
 
 namespace plexa
@@ -19,26 +18,6 @@ Value valueAt(const uchar *bytes, qint64 index)
     Value value;
     std::memcpy(&value, bytes + index * qint64(sizeof value), sizeof value);
     return value;
-}
-
-/// Three bytes in the machine's order.
-quint32 tripleAt(const uchar *bytes, qint64 index)
-{
-    const uchar *b = bytes + index * 3;
-    return Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? quint32(b[0] | b[1] << 8 | b[2] << 16)
-                                           : quint32(b[2] | b[1] << 8 | b[0] << 16);
-}
-
-/// TIFF Technical Note 3: a sign, an exponent of 7 bits with the bias 63 and 16 bits of fraction.
-double floatOfTriple(quint32 triple)
-{
-    const int exponent = int(triple >> 16 & 0x7f);
-    const double fraction = (triple & 0xffff) / 65536.0;
-    if (triple >> 23 != 0)
-        return 0; // negative
-    if (exponent == 0x7f)
-        return fraction == 0 ? HUGE_VAL : 0; // 0: not a number
-    return exponent == 0 ? std::ldexp(fraction, -62) : std::ldexp(1 + fraction, exponent - 63);
 }
 
 quint16 wordOf(double value)
@@ -76,9 +55,6 @@ void unpackFloats(const uchar *bytes, qint64 count, int depth, quint16 *out, int
     case 16:
         unpack(count, out, stride, [bytes](qint64 i) { return wordOf(float(valueAt<qfloat16>(bytes, i))); });
         break;
-    case 24:
-        unpack(count, out, stride, [bytes](qint64 i) { return wordOf(floatOfTriple(tripleAt(bytes, i))); });
-        break;
     case 32:
         unpack(count, out, stride, [bytes](qint64 i) { return wordOf(valueAt<float>(bytes, i)); });
         break;
@@ -101,11 +77,6 @@ void unpackTiffSamples(const uchar *bytes, qint64 count, int depth, bool isFloat
         break;
     case 16:
         unpack(count, out, stride, [bytes](qint64 i) { return valueAt<quint16>(bytes, i); });
-        break;
-    case 24:
-        unpack(count, out, stride, [bytes](qint64 i) {
-            return quint16((tripleAt(bytes, i) * quint64(65535) + 0x7fffff) / 0xffffff);
-        });
         break;
     case 32:
         unpack(count, out, stride, [bytes](qint64 i) {

@@ -222,9 +222,9 @@ class TiffRowWriter final : public RowWriter
 {
 public:
     TiffRowWriter(QIODevice &device, const RowFormat &format, const WriteOptions &options)
-        : m_device(device)
+        : RowWriter(format)
+        , m_device(device)
         , m_output(device)
-        , m_format(format)
         , m_rowBytes(rowBytesOf(format))
         , m_rowsPerStrip(rowsPerStrip(format))
         , m_structure(options.exif)
@@ -253,23 +253,8 @@ public:
         return {};
     }
 
-    Result<void> writeRows(const QImage &strip, int count) override
-    {
-        Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
-        for (int row = 0; row < count; ++row) {
-            putRow(reinterpret_cast<const QRgb *>(strip.constScanLine(row)),
-                   m_strip.get() + m_rowBytes * m_rowsInStrip);
-            ++m_rowsInStrip;
-            ++m_rowsTaken;
-            if ((m_rowsInStrip == m_rowsPerStrip || m_rowsTaken == m_format.size.height()) && !writeStrip())
-                return failure();
-        }
-        return {};
-    }
-
     Result<void> finish() override
     {
-        Q_ASSERT(m_rowsTaken == m_format.size.height());
         m_output.startDirectory();
         if (TIFFWriteDirectory(m_tiff.get()) != 1 || !putDirectory())
             return failure();
@@ -278,6 +263,19 @@ public:
     }
 
 private:
+    Result<void> encodeRows(const QImage &strip, int count) override
+    {
+        for (int row = 0; row < count; ++row) {
+            putRow(reinterpret_cast<const QRgb *>(strip.constScanLine(row)),
+                   m_strip.get() + m_rowBytes * m_rowsInStrip);
+            ++m_rowsInStrip;
+            const bool isLast = rowsWritten() + row + 1 == m_format.size.height();
+            if ((m_rowsInStrip == m_rowsPerStrip || isLast) && !writeStrip())
+                return failure();
+        }
+        return {};
+    }
+
     static int stayQuiet(TIFF *, void *, const char *, const char *, va_list) { return 1; }
 
     bool describePicture(const WriteOptions &options)
@@ -380,14 +378,12 @@ private:
 
     QIODevice &m_device;
     TiffOutput m_output;
-    const RowFormat m_format;
     const qint64 m_rowBytes;
     const qint64 m_rowsPerStrip;
     const EmbeddedStructure m_structure;
     TiffFields m_blocks; ///< XMP, IPTC and the profile
     std::unique_ptr<uchar[]> m_strip;
     qint64 m_rowsInStrip = 0;
-    int m_rowsTaken = 0;
     quint32 m_stripsWritten = 0;
     std::unique_ptr<TIFF, TiffCloser> m_tiff; // last: it ends first
 };

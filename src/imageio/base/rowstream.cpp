@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/base/rowstream.h"
+
+#include <algorithm>
+
+namespace plexa
+{
+
+namespace
+{
+
+class ImageRows final : public SingleRowReader
+{
+public:
+    ImageRows(QImage image, bool hasAlpha)
+        : SingleRowReader({image.size(), hasAlpha})
+        , m_image(std::move(image))
+    {
+    }
+
+private:
+    Result<void> decodeRow(int index, QRgb *row) override
+    {
+        const QImage::Format format = m_format.imageFormat();
+        const QImage converted = m_image.format() == format
+                                     ? QImage()
+                                     : m_image.copy(0, index, m_image.width(), 1).convertToFormat(format);
+        const QImage &from = converted.isNull() ? m_image : converted;
+        std::copy_n(reinterpret_cast<const QRgb *>(from.constScanLine(converted.isNull() ? index : 0)),
+                    m_image.width(), row);
+        return {};
+    }
+
+    const QImage m_image;
+};
+
+} // namespace
+
+Result<void> RowReader::readRows(QImage &strip, int count)
+{
+    Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
+    Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_rowsRead);
+    if (m_failure)
+        return tl::unexpected(*m_failure);
+    const Result<void> decoded = decodeRows(strip.bits(), strip.bytesPerLine(), count);
+    if (decoded)
+        m_rowsRead += count;
+    else
+        m_failure = decoded.error();
+    return decoded;
+}
+
+Result<void> SingleRowReader::decodeRows(uchar *bits, qsizetype stride, int count)
+{
+    for (int row = 0; row < count; ++row, bits += stride) {
+        if (const auto decoded = decodeRow(rowsRead() + row, reinterpret_cast<QRgb *>(bits)); !decoded)
+            return decoded;
+    }
+    return {};
+}
+
+std::unique_ptr<RowReader> rowsOfImage(QImage image, bool hasAlpha)
+{
+    return std::make_unique<ImageRows>(std::move(image), hasAlpha);
+}
+
+Result<void> RowWriter::writeRows(const QImage &strip, int count)
+{
+    Q_ASSERT(strip.format() == m_format.imageFormat() && strip.width() == m_format.size.width());
+    Q_ASSERT(count >= 1 && count <= strip.height() && count <= m_format.size.height() - m_rowsWritten);
+    const Result<void> encoded = encodeRows(strip, count);
+    m_rowsWritten += count;
+    return encoded;
+}
+
+} // namespace plexa

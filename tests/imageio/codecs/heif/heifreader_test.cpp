@@ -1,0 +1,360 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/embedded/embeddedmetadata.h"
+#include "imageio/pictures.h"
+#include "support/datarows.h"
+
+#include <QColorSpace>
+#include <QTest>
+#include <QtEndian>
+
+#include <cmath>
+
+using namespace plexa;
+using namespace plexa::test;
+using namespace Qt::Literals::StringLiterals;
+
+namespace
+{
+
+/// Smooth colours, each corner another one; alpha from clear to opaque.
+QImage smoothPicture(QSize size, bool hasAlpha)
+{
+    QImage image(size, hasAlpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixel(x, y,
+                           qRgba(40 + 180 * x / size.width(), 60 + 150 * y / size.height(),
+                                 200 - 150 * x / size.width(), hasAlpha ? 255 * y / size.height() : 255));
+    }
+    return image;
+}
+
+QColorSpace bt2020()
+{
+    return QColorSpace({0.3127, 0.3290}, {0.708, 0.292}, {0.170, 0.797}, {0.131, 0.046},
+                       QColorSpace::TransferFunction::SRgb);
+}
+
+/// `image` with its numbers taken for colours of that space, as sRGB.
+QImage meantAs(QImage image, const QColorSpace &space)
+{
+    image.setColorSpace(space);
+    image.convertToColorSpace(QColorSpace::SRgb);
+    return image;
+}
+
+/// A little-endian TIFF structure that holds an orientation and a camera's maker.
+QByteArray exifWithOrientation(char orientation)
+{
+    QByteArray exif("II*\0\x08\0\0\0\x02\0"
+                    "\x0F\x01\x02\0\x08\0\0\0\x26\0\0\0"
+                    "\x12\x01\x03\0\x01\0\0\0?\0\0\0"
+                    "\0\0\0\0Quorvel\0",
+                    46);
+    exif[30] = orientation;
+    return exif;
+}
+
+} // namespace
+
+/// Are HEIC and AVIF files shown as their encoders meant them, and told by their contents?
+class HeifReaderTest : public QObject
+{
+    Q_OBJECT
+
+    struct PhotosLookAsElsewhereRow {
+        Text name;
+        QSize size;
+        int depth;
+        bool hasAlpha;
+        int count;
+        bool isCompared;
+    };
+
+    struct MadeFilesLookAsTheirSourceRow {
+        Text name;
+        Text options;
+        Text file;
+        QImage expected;
+        int depth;
+    };
+
+    struct BrightPartsOfHdrKeepTheirOrderRow {
+        Text name;
+        int transfer;
+        double white; ///< the signal of reference white, BT.2408
+    };
+
+    struct OrientationIsFollowedOnceRow {
+        Text name;
+        Text options;
+        QSize size;
+    };
+
+    struct LiesAreFoundBeforeDecodingRow {
+        Text name;
+        Text options;
+        Text file;
+        QByteArray lie;
+    };
+
+    /// Encodes m_picture, or `source`, with one of the encoders. @return empty when that failed
+    QString encoded(const QString &options, const QString &name, const QString &source = {})
+    {
+        const bool isAvif = name.endsWith(u"avif");
+        const QString to = m_folder.path(name);
+        QStringList arguments = options.split(u' ', Qt::SkipEmptyParts);
+        if (isAvif)
+            arguments += {u"-s"_s, u"10"_s};
+        else
+            arguments += {u"-o"_s, to};
+        arguments += source.isEmpty() ? m_folder.path(u"source.png"_s) : source;
+        if (isAvif)
+            arguments += to;
+        QFile::remove(to);
+        outputOf(isAvif ? u"avifenc"_s : u"heif-enc"_s, arguments);
+        return QFile::exists(to) ? to : QString();
+    }
+
+    TestFolder m_folder;
+    QImage m_picture;
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        m_picture = smoothPicture({96, 64}, false);
+        QVERIFY(m_picture.save(m_folder.path(u"source.png"_s)));
+        QVERIFY(smoothPicture({96, 64}, true).save(m_folder.path(u"alpha.png"_s)));
+        if (firstProgram({u"avifenc"_s}).isEmpty() || firstProgram({u"heif-enc"_s}).isEmpty())
+            QSKIP("avifenc and heif-enc are not installed (libavif-bin, libheif-examples)");
+    }
+
+    void photosLookAsElsewhere_data()
+    {
+        const auto add = [](const char *name, QSize size, int depth = 8, bool hasAlpha = false,
+                            int count = 1) {
+            addRow<PhotosLookAsElsewhereRow>({name, size, depth, hasAlpha, count, (size.width() < 4000)});
+        };
+        add("heic/alpha-512x512.heic", {512, 512}, 8, true);
+        add("heic/iphone-8.heic", {4032, 3024});
+        add("heic/iphone-xr-rotated.heic", {3024, 4032});
+        add("heic/libheif-example.heic", {1280, 854}, 8, false, 2);
+        add("heic/sony-a7c2-portrait.hif", {4672, 7008}, 10);
+        add("heic/stonehenge-nikon-d5300.heic", {300, 200});
+    }
+
+    void photosLookAsElsewhere()
+    {
+        auto [name, size, depth, hasAlpha, count, isCompared] = currentRow<PhotosLookAsElsewhereRow>();
+        PLEXA_NEEDS_PHOTOS();
+        const QString path = photosFolder() + u'/' + QString::fromLatin1(QTest::currentDataTag());
+        const auto source = ImageSource::open(path);
+        QVERIFY2(source, source ? "" : qPrintable(source.error().text));
+        QCOMPARE(source->type(), u"image/heic"_s);
+        QCOMPARE(source->info().rows.size, size);
+        QCOMPARE(source->info().depth, depth);
+        QCOMPARE(source->info().rows.hasAlpha, hasAlpha);
+        QCOMPARE(source->imageCount(), count);
+        QCOMPARE(source->properties().value(u"Orientation"_s, 1).toInt(), 1);
+        if (!isCompared)
+            return;
+        const QString theirs = m_folder.path(u"theirs.png"_s);
+        const QString srgb = m_folder.path(u"srgb.icc"_s);
+        QVERIFY(writeFile(srgb, QColorSpace(QColorSpace::SRgb).iccProfile()));
+        QFile::remove(theirs);
+        outputOf(u"heif-convert"_s, {path, theirs});
+        if (!QFile::exists(theirs)) // it numbers the pictures of a file with several
+            QVERIFY(QFile::rename(m_folder.path(u"theirs-1.png"_s), theirs));
+        const auto image = source->createImage();
+        QVERIFY2(image, image ? "" : qPrintable(image.error().text));
+        const double difference = meanDifference(*image, decodedByMagick(theirs, size, srgb));
+        QVERIFY2(difference < 2, qPrintable(QString::number(difference)));
+    }
+
+    void madeFilesLookAsTheirSource_data()
+    {
+        const auto add = [](const char *row, const char *options, const char *name, const QImage &expected,
+                            int depth = 8) {
+            addRow<MadeFilesLookAsTheirSourceRow>({row, options, name, expected, depth});
+        };
+        const auto turned = [this](int degrees) {
+            return m_picture.transformed(QTransform().rotate(degrees));
+        };
+        const QImage upsideDown = m_picture.mirrored(false, true);
+        QImage gray = m_picture;
+        for (int y = 0; y < gray.height(); ++y) {
+            for (int x = 0; x < gray.width(); ++x) {
+                const QColor color = gray.pixelColor(x, y);
+                // The weights of BT.601, which the encoder uses.
+                const int light =
+                    int(std::lround(0.299 * color.red() + 0.587 * color.green() + 0.114 * color.blue()));
+                gray.setPixel(x, y, qRgb(light, light, light));
+            }
+        }
+        add("AVIF", "-y 420", "a.avif", m_picture);
+        add("AVIF, 10 bit", "-y 444 -d 10", "a.avif", m_picture, 10);
+        add("AVIF, 12 bit", "-y 422 -d 12", "a.avif", m_picture, 12);
+        add("AVIF, limited range", "-y 444 -r limited", "a.avif", m_picture);
+        add("AVIF, BT.709 matrix", "-y 444 --cicp 1/13/1", "a.avif", m_picture);
+        add("AVIF, grey", "-y 400", "a.avif", gray);
+        add("AVIF, grey, 10 bit", "-y 400 -d 10", "a.avif", gray, 10);
+        add("AVIF, tiles", "-y 444 -g 1x1", "a.avif", m_picture);
+        add("AVIF, a quarter turn", "-y 444 --irot 1", "a.avif", turned(-90));
+        add("AVIF, half a turn, 10 bit", "-y 444 -d 10 --irot 2", "a.avif", turned(180), 10);
+        add("AVIF, three quarters", "-y 444 --irot 3", "a.avif", turned(90));
+        add("AVIF, upside down", "-y 444 --imir 0", "a.avif", upsideDown);
+        add("AVIF, mirrored, 10 bit", "-y 444 -d 10 --imir 1", "a.avif", m_picture.mirrored(true, false), 10);
+        add("AVIF, turned and mirrored", "-y 444 --irot 1 --imir 0", "a.avif",
+            turned(-90).mirrored(false, true));
+        add("AVIF, cropped", "-y 444 --crop 10,6,40,22", "a.avif", m_picture.copy(10, 6, 40, 22));
+        add("AVIF, cropped and turned", "-y 444 --crop 10,6,41,23 --irot 3", "a.avif",
+            m_picture.copy(10, 6, 41, 23).transformed(QTransform().rotate(90)));
+        add("AVIF, Display P3", "-y 444 --cicp 12/13/1", "a.avif",
+            meantAs(m_picture, QColorSpace(QColorSpace::DisplayP3)));
+        add("AVIF, BT.2020, 10 bit", "-y 444 -d 10 --cicp 9/13/9", "a.avif", meantAs(m_picture, bt2020()),
+            10);
+        add("AVIF, linear light", "-y 444 --cicp 1/8/1", "a.avif",
+            meantAs(m_picture, QColorSpace(QColorSpace::SRgbLinear)));
+        add("AVIF, curve of BT.709", "-y 444 --cicp 1/1/1", "a.avif", m_picture);
+        add("HEIC", "-q 95", "a.heic", m_picture);
+        add("HEIC, 4:4:4", "-q 95 -p chroma=444", "a.heic", m_picture);
+        const QImage alpha = smoothPicture({96, 64}, true);
+        add("AVIF, alpha", "-y 444 alpha", "a.avif", alpha);
+        add("AVIF, alpha, 10 bit", "-y 444 -d 10 alpha", "a.avif", alpha, 10);
+        add("AVIF, premultiplied", "-y 444 -p alpha", "a.avif", alpha);
+        add("AVIF, premultiplied, Display P3", "-y 444 -p --cicp 12/13/1 alpha", "a.avif",
+            meantAs(alpha, QColorSpace(QColorSpace::DisplayP3)));
+        add("HEIC, alpha", "-q 95 alpha", "a.heic", alpha);
+    }
+
+    void madeFilesLookAsTheirSource()
+    {
+        auto [name, options, file, expected, depth] = currentRow<MadeFilesLookAsTheirSourceRow>();
+        const bool hasAlpha = options.endsWith(u" alpha");
+        if (hasAlpha)
+            options.chop(6);
+        const QString path = encoded(options, file, hasAlpha ? m_folder.path(u"alpha.png"_s) : QString());
+        QVERIFY(!path.isEmpty());
+        const auto source = ImageSource::open(path);
+        QVERIFY2(source, source ? "" : qPrintable(source.error().text));
+        QCOMPARE(source->type(), file.endsWith(u"avif") ? u"image/avif"_s : u"image/heic"_s);
+        QCOMPARE(source->info().rows.size, expected.size());
+        QCOMPARE(source->info().depth, depth);
+        QCOMPARE(source->info().rows.hasAlpha, hasAlpha);
+        QCOMPARE(source->info().colorModel, options.contains(u"400") ? u"Gray"_s : u"RGB"_s);
+        const auto image = source->createImage();
+        QVERIFY2(image, image ? "" : qPrintable(image.error().text));
+        const double difference = meanDifference(*image, expected);
+        QVERIFY2(difference < 3, qPrintable(QString::number(difference)));
+    }
+
+    void brightPartsOfHdrKeepTheirOrder_data()
+    {
+        addRow<BrightPartsOfHdrKeepTheirOrderRow>({"PQ", 16, 0.58});
+        addRow<BrightPartsOfHdrKeepTheirOrderRow>({"HLG", 18, 0.75});
+    }
+
+    void brightPartsOfHdrKeepTheirOrder()
+    {
+        auto [name, transfer, white] = currentRow<BrightPartsOfHdrKeepTheirOrderRow>();
+        QImage ramp(256, 16, QImage::Format_RGB32);
+        for (int x = 0; x < 256; ++x) {
+            for (int y = 0; y < 16; ++y)
+                ramp.setPixel(x, y, qRgb(x, x, x));
+        }
+        const QString png = m_folder.path(u"ramp.png"_s);
+        QVERIFY(ramp.save(png));
+        const QString path =
+            encoded(u"-y 444 -d 10 --min 0 --max 0 --cicp 9/%1/9"_s.arg(transfer), u"hdr.avif"_s, png);
+        const QImage shown = decoded(path);
+        QVERIFY(!shown.isNull());
+        // Grey stays grey, brighter never gets darker, black is black and the greatest light nearly white.
+        for (int x = 1; x < 256; ++x) {
+            const QColor color = shown.pixelColor(x, 8);
+            QVERIFY(color.green() + 1 >= shown.pixelColor(x - 1, 8).green());
+            QVERIFY(std::abs(color.red() - color.green()) < 4 && std::abs(color.blue() - color.green()) < 4);
+        }
+        QVERIFY(shown.pixelColor(0, 8).green() < 4);
+        QVERIFY(shown.pixelColor(255, 8).green() > 235);
+        const int reference = shown.pixelColor(int(std::lround(white * 255)), 8).green();
+        QVERIFY2(reference > 185 && reference < 240, qPrintable(QString::number(reference)));
+    }
+
+    void orientationIsFollowedOnce_data()
+    {
+        addRow<OrientationIsFollowedOnceRow>({"EXIF alone does not turn", {}, QSize(96, 64)});
+        addRow<OrientationIsFollowedOnceRow>({"both turn once", "--irot 3", QSize(64, 96)});
+    }
+
+    void orientationIsFollowedOnce()
+    {
+        auto [name, options, size] = currentRow<OrientationIsFollowedOnceRow>();
+        const QString exif = m_folder.path(u"exif"_s);
+        const QString xmp = m_folder.path(u"xmp"_s);
+        QVERIFY(writeFile(exif, exifWithOrientation(6)));
+        QVERIFY(writeFile(xmp, "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF "
+                               "xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"><rdf:Description "
+                               "rdf:about=\"\" xmlns:photoshop=\"http://ns.adobe.com/photoshop/1.0/\" "
+                               "photoshop:City=\"Bregenz\"/></rdf:RDF></x:xmpmeta>"));
+        QString path = m_folder.path(u"turned.avif"_s);
+        QStringList arguments = options.split(u' ', Qt::SkipEmptyParts);
+        arguments +=
+            {u"-s"_s, u"10"_s, u"--exif"_s, exif, u"--xmp"_s, xmp, m_folder.path(u"source.png"_s), path};
+        outputOf(u"avifenc"_s, arguments);
+        if (options.isEmpty()) { // the encoder derives a box from EXIF: made to be one that nobody knows
+            QByteArray file = contentsOf(path);
+            QVERIFY(writeFile(path, file.replace("irot", "irxx")));
+        }
+        const auto source = ImageSource::open(path);
+        QVERIFY2(source, source ? "" : qPrintable(source.error().text));
+        QCOMPARE(source->info().rows.size, size);
+        const QVariantMap &properties = source->properties();
+        QCOMPARE(properties.value(u"Orientation"_s), QVariant(1));
+        const QVariantMap tiff = properties.value(u"{TIFF}"_s).toMap();
+        QCOMPARE(tiff.value(u"Orientation"_s), QVariant(1));
+        QCOMPARE(tiff.value(u"Make"_s), QVariant(u"Quorvel"_s));
+        QCOMPARE(properties.value(u"{IPTC}"_s).toMap().value(u"City"_s), QVariant(u"Bregenz"_s));
+    }
+
+    void liesAreFoundBeforeDecoding_data()
+    {
+        addRow<LiesAreFoundBeforeDecodingRow>(
+            {"AVIF larger than its box says", "-y 420", "big.avif", "size"_ba});
+        addRow<LiesAreFoundBeforeDecodingRow>(
+            {"HEIC larger than its box says", "-q 10", "big.heic", "size"_ba});
+        addRow<LiesAreFoundBeforeDecodingRow>({"grid of itself", "-y 420 -g 2x2", "grid.avif", "loop"_ba});
+    }
+
+    void liesAreFoundBeforeDecoding()
+    {
+        auto [name, options, file, lie] = currentRow<LiesAreFoundBeforeDecodingRow>();
+        const QString big = m_folder.path(u"big.png"_s);
+        QImage plain(1600, 1200, QImage::Format_RGB32);
+        plain.fill(Qt::darkGreen);
+        QVERIFY(plain.save(big));
+        const QString path = encoded(options, file, big);
+        QVERIFY(!path.isEmpty());
+        QVERIFY(ImageSource::open(path));
+        QByteArray bytes = contentsOf(path);
+        if (lie == "size") {
+            for (qsizetype at = bytes.indexOf("ispe"); at >= 0; at = bytes.indexOf("ispe", at + 1)) {
+                qToBigEndian<quint32>(80, bytes.data() + at + 8);
+                qToBigEndian<quint32>(60, bytes.data() + at + 12);
+            }
+        } else {
+            const qsizetype at = bytes.indexOf("dimg"); // from, count, to
+            QVERIFY(at > 0);
+            bytes.replace(at + 8, 2, bytes.mid(at + 4, 2));
+        }
+        QVERIFY(writeFile(path, bytes));
+        const auto opened = ImageSource::open(path, ReadLimits{.maxPixels = 1'000'000});
+        QVERIFY(!opened);
+        QVERIFY2(lie != "size" || opened.error().text.contains(u"1600 x 1200"),
+                 qPrintable(opened.error().text));
+    }
+};
+
+QTEST_GUILESS_MAIN(HeifReaderTest)
+
+#include "heifreader_test.moc"

@@ -1,0 +1,282 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/pictures.h"
+#include "support/bytes.h"
+#include "support/datarows.h"
+
+#include <QTest>
+
+#include <array>
+#include <cmath>
+
+using namespace plexa;
+using namespace plexa::test;
+
+namespace
+{
+
+/// @param rows    without filter bytes
+/// @param chunks  what stands between the header and the picture
+QByteArray png(QSize size, int depth, int colorType, const QByteArray &rows, const QByteArray &chunks = {})
+{
+    QByteArray filtered;
+    const qsizetype rowBytes = rows.size() / size.height();
+    for (int y = 0; y < size.height(); ++y)
+        filtered += '\0' + rows.mid(y * rowBytes, rowBytes);
+    return "\x89PNG\r\n\x1a\n" +
+           pngChunk("IHDR", big32(size.width()) + big32(size.height()) + char(depth) + char(colorType) +
+                                QByteArray(3, '\0')) +
+           chunks + pngChunk("IDAT", qCompress(filtered).mid(4)) + pngChunk("IEND", {});
+}
+
+QByteArray gammaChunk(double gamma)
+{
+    return pngChunk("gAMA", big32(std::lround(gamma * 100'000)));
+}
+
+QByteArray profileChunk(const QByteArray &icc)
+{
+    return pngChunk("iCCP", QByteArray("p\0\0", 3) + qCompress(icc).mid(4));
+}
+
+double encoded(double light)
+{
+    light = qBound(0.0, light, 1.0);
+    return light <= 0.0031308 ? 12.92 * light : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
+}
+
+} // namespace
+
+struct ColorChunks {
+    Text name;
+    QByteArray chunks;
+    int level; ///< that 128 becomes
+};
+
+/// Do the chunks of a PNG mean what the standard says, each and together?
+class PngReaderTest : public QObject
+{
+    Q_OBJECT
+
+    struct SamplesAndTransparencyRow {
+        Text name;
+        QByteArray file;
+        bool hasAlpha;
+    };
+
+    struct SmallInterlacedPicturesRow {
+        Text name;
+        QSize size;
+    };
+
+    TestFolder m_folder;
+
+private Q_SLOTS:
+    void samplesAndTransparency_data()
+    {
+        const QSize size(16, 4);
+        const auto bytes = [](int count) {
+            QByteArray data;
+            for (int i = 0; i < count; ++i)
+                data += char(i * 89 + i / 7);
+            return data;
+        };
+        const QByteArray palette = pngChunk("PLTE", bytes(3 * 16));
+        for (const int depth : {1, 2, 4, 8, 16}) {
+            const int rowBytes = size.width() * depth / 8 * size.height();
+            addRow<SamplesAndTransparencyRow>(
+                {QString::asprintf("grey, %d bit", depth), png(size, depth, 0, bytes(rowBytes)), false});
+            // In more than 8 bits only the whole number counts.
+            const QByteArray level = depth == 16 ? bytes(4).mid(2) : QByteArray("\0\1", 2);
+            addRow<SamplesAndTransparencyRow>({QString::asprintf("grey, %d bit, transparent", depth),
+                                               png(size, depth, 0, bytes(rowBytes), pngChunk("tRNS", level)),
+                                               true});
+            if (depth < 8) {
+                const QByteArray few = pngChunk("PLTE", bytes(3 << depth));
+                addRow<SamplesAndTransparencyRow>({QString::asprintf("palette, %d bit", depth),
+                                                   png(size, depth, 3, bytes(rowBytes), few), false});
+                addRow<SamplesAndTransparencyRow>(
+                    {QString::asprintf("palette, %d bit, transparent", depth),
+                     png(size, depth, 3, bytes(rowBytes), few + pngChunk("tRNS", QByteArray("\0\x80", 2))),
+                     true});
+            }
+            if (depth < 8)
+                continue;
+            addRow<SamplesAndTransparencyRow>(
+                {QString::asprintf("RGB, %d bit", depth), png(size, depth, 2, bytes(rowBytes * 3)), false});
+            const QByteArray first = bytes(6);
+            const QByteArray color =
+                depth == 16 ? first : QByteArray(1, '\0') + first[0] + '\0' + first[1] + '\0' + first[2];
+            addRow<SamplesAndTransparencyRow>(
+                {QString::asprintf("RGB, %d bit, transparent", depth),
+                 png(size, depth, 2, bytes(rowBytes * 3), pngChunk("tRNS", color)), true});
+            addRow<SamplesAndTransparencyRow>({QString::asprintf("grey and alpha, %d bit", depth),
+                                               png(size, depth, 4, bytes(rowBytes * 2)), true});
+            addRow<SamplesAndTransparencyRow>({QString::asprintf("RGB and alpha, %d bit", depth),
+                                               png(size, depth, 6, bytes(rowBytes * 4)), true});
+        }
+    }
+
+    void samplesAndTransparency()
+    {
+        auto [name, file, hasAlpha] = currentRow<SamplesAndTransparencyRow>();
+        PLEXA_NEEDS_MAGICK();
+        const QString path = m_folder.path(u"samples.png"_qs);
+        QVERIFY(writeFile(path, file));
+        QString error;
+        const QImage ours = decoded(path, &error);
+        QVERIFY2(!ours.isNull(), qPrintable(error));
+        QCOMPARE(ours.hasAlphaChannel(), hasAlpha);
+        const QByteArray pixels = magick("%1 -depth 8 rgba:-", path);
+        QCOMPARE(pixels.size(), qsizetype(ours.width()) * ours.height() * 4);
+        const QImage theirs = QImage(reinterpret_cast<const uchar *>(pixels.constData()), ours.width(),
+                                     ours.height(), QImage::Format_RGBA8888)
+                                  .convertToFormat(ours.format());
+        for (int y = 0; y < ours.height(); ++y) {
+            for (int x = 0; x < ours.width() * 4; ++x)
+                QVERIFY(std::abs(ours.constScanLine(y)[x] - theirs.constScanLine(y)[x]) <= 1);
+        }
+    }
+
+    /// Of these some of the seven passes are empty.
+    void smallInterlacedPictures_data()
+    {
+        for (const int width : {1, 2, 3, 4, 5, 8, 9}) {
+            for (const int height : {1, 2, 3, 5, 9})
+                addRow<SmallInterlacedPicturesRow>(
+                    {QString::asprintf("%d x %d", width, height), QSize(width, height)});
+        }
+    }
+
+    void smallInterlacedPictures()
+    {
+        auto [name, size] = currentRow<SmallInterlacedPicturesRow>();
+        PLEXA_NEEDS_MAGICK();
+        const QImage image = smoothPicture(size);
+        const QString origin = m_folder.path(u"origin.png"_qs);
+        const QString path = m_folder.path(u"interlaced.png"_qs);
+        QVERIFY(image.save(origin));
+        for (const char *kind : {"png24", "png8"}) {
+            magick("%1 -interlace Plane %2:%3", origin, kind, path);
+            QVERIFY(ImageSource::open(path)->info().decoderBytes > 0);
+            QCOMPARE(decoded(path), image);
+        }
+    }
+
+    void colorChunksInOrderOfWeight_data()
+    {
+        const QByteArray srgb = pngChunk("sRGB", QByteArray(1, '\0'));
+        const QByteArray linear = gammaChunk(1);
+        // Adobe RGB's exponent is 2.2: the same for greys, but for the dark end.
+        const int bright = int(std::lround(255 * encoded(128 / 255.0)));
+        addRows<ColorChunks>({
+            {"nothing", {}, 128},
+            {"sRGB", srgb, 128},
+            {"gamma 1/2.2", gammaChunk(0.45455), 128},
+            {"gamma 1", linear, bright},
+            {"gamma 1/1.8", gammaChunk(0.55556), int(std::lround(255 * encoded(std::pow(128 / 255.0, 1.8))))},
+            {"gamma 0", gammaChunk(0), 128},
+            {"sRGB before gamma", srgb + linear, 128},
+            {"sRGB after gamma", linear + srgb, 128},
+        });
+    }
+
+    void colorChunksInOrderOfWeight()
+    {
+        const auto [name, chunks, level] = currentRow<ColorChunks>();
+        const QString path = m_folder.path(u"order.png"_qs);
+        for (const int colorType : {0, 2, 4, 6}) {
+            const QByteArray pixel = QByteArray((colorType & 2) != 0 ? 3 : 1, '\x80') +
+                                     QByteArray((colorType & 4) != 0 ? 1 : 0, '\xff');
+            QVERIFY(writeFile(path, png({1, 1}, 8, colorType, pixel, chunks)));
+            const QRgb color = decoded(path).pixel(0, 0);
+            QVERIFY2(std::abs(qRed(color) - level) <= 1 && std::abs(qBlue(color) - level) <= 1,
+                     qPrintable(QString::number(qRed(color))));
+        }
+        // A profile weighs more than all of these.
+        PLEXA_NEEDS_PHOTOS();
+        const auto adobe = ImageSource::open(realPhoto("jpeg/adobe-rgb-uss-reagan.jpg"));
+        const QByteArray pixel("\x40\xc0\x40", 3);
+        QVERIFY(writeFile(path, png({1, 1}, 8, 2, pixel, profileChunk(adobe->info().iccProfile))));
+        const QRgb alone = decoded(path).pixel(0, 0);
+        QVERIFY(qRed(alone) < 0x30); // outside of sRGB
+        QVERIFY(writeFile(path, png({1, 1}, 8, 2, pixel, profileChunk(adobe->info().iccProfile) + chunks)));
+        QCOMPARE(decoded(path).pixel(0, 0), alone);
+        QVERIFY(writeFile(path, png({1, 1}, 8, 2, pixel, chunks + profileChunk(adobe->info().iccProfile))));
+        QCOMPARE(decoded(path).pixel(0, 0), alone);
+    }
+
+    /// Adobe RGB (1998) as cHRM and gAMA, by its own definition: the matrix to XYZ and that from XYZ to sRGB.
+    void primariesFollowTheFormula()
+    {
+        QByteArray primaries;
+        for (const quint32 value : {31270, 32900, 64000, 33000, 21000, 71000, 15000, 6000})
+            primaries += big32(value);
+        const QByteArray chunks = gammaChunk(0.45470) + pngChunk("cHRM", primaries);
+        constexpr double kToXyz[3][3] = {
+            {0.57667, 0.18556, 0.18823}, {0.29734, 0.62736, 0.07529}, {0.02703, 0.07069, 0.99134}};
+        constexpr double kToSrgb[3][3] = {
+            {3.24045, -1.53714, -0.49853}, {-0.96927, 1.87601, 0.04156}, {0.05564, -0.20403, 1.05723}};
+        const QString path = m_folder.path(u"primaries.png"_qs);
+        for (const std::array<int, 3> &color :
+             {std::array{128, 128, 128}, {200, 100, 50}, {120, 140, 90}, {60, 70, 160}, {230, 220, 200}}) {
+            QByteArray pixel;
+            double xyz[3] = {};
+            for (size_t i = 0; i < 3; ++i) {
+                pixel += char(color[i]);
+                for (size_t j = 0; j < 3; ++j)
+                    xyz[j] += kToXyz[j][i] * std::pow(color[i] / 255.0, 2.19922);
+            }
+            QVERIFY(writeFile(path, png({1, 1}, 8, 2, pixel, chunks)));
+            const QRgb is = decoded(path).pixel(0, 0);
+            const int channels[3] = {qRed(is), qGreen(is), qBlue(is)};
+            for (size_t i = 0; i < 3; ++i) {
+                const double light = kToSrgb[i][0] * xyz[0] + kToSrgb[i][1] * xyz[1] + kToSrgb[i][2] * xyz[2];
+                const int wanted = int(std::lround(255 * encoded(light)));
+                QVERIFY2(std::abs(channels[i] - wanted) <= 2,
+                         qPrintable(u"%1 %2"_qs.arg(channels[i]).arg(wanted)));
+            }
+        }
+    }
+
+    void deepTransparentColorIsExact()
+    {
+        const QString path = m_folder.path(u"deep.png"_qs);
+        const QByteArray pixels("\x12\x34\x12\x34\x12\x34\x12\x35\x12\x34\x12\x34", 12);
+        QVERIFY(writeFile(path, png({2, 1}, 16, 2, pixels, pngChunk("tRNS", pixels.first(6)))));
+        const QImage image = decoded(path);
+        QCOMPARE(image.pixel(0, 0), QRgb(0));
+        QCOMPARE(image.pixel(1, 0), qRgb(0x12, 0x12, 0x12));
+    }
+
+    /// What exiftool writes, and what ImageMagick writes in its own way.
+    void metadataChunks()
+    {
+        const QString path = m_folder.path(u"metadata.png"_qs);
+        QVERIFY(writeFile(path, png({1, 1}, 8, 0, "x")));
+        outputOf("exiftool -overwrite_original -EXIF:Artist=Zoë -EXIF:ISO=640 -XMP-dc:Title=Żółw "
+                 "-IPTC:City=Ulm %1",
+                 path);
+        const auto hasAll = [](const QVariantMap &properties) {
+            return properties.value(u"{TIFF}"_qs).toMap().value(u"Artist"_qs).toString() == u"Zoë"_qs &&
+                   properties.value(u"{Exif}"_qs).toMap().value(u"ISOSpeedRatings"_qs).toList() ==
+                       QVariantList{640} &&
+                   properties.value(u"{IPTC}"_qs).toMap().value(u"City"_qs).toString() == u"Ulm"_qs &&
+                   properties.value(u"{IPTC}"_qs).toMap().value(u"ObjectName"_qs).toString() == u"Żółw"_qs;
+        };
+        QVERIFY(hasAll(ImageSource::open(path)->properties()));
+        PLEXA_NEEDS_MAGICK();
+        const QString origin = m_folder.path(u"origin.jpg"_qs);
+        const QString converted = m_folder.path(u"converted.png"_qs);
+        magick("%1 %2", path, origin);
+        outputOf("exiftool -overwrite_original -TagsFromFile %1 -all:all %2", path, origin);
+        magick("%1 %2", origin, converted);
+        QVERIFY(contentsOf(converted).contains("Raw profile type iptc"));
+        QVERIFY(contentsOf(converted).contains("Raw profile type xmp"));
+        QVERIFY(hasAll(ImageSource::open(converted)->properties()));
+    }
+};
+
+QTEST_GUILESS_MAIN(PngReaderTest)
+
+#include "pngreader_test.moc"

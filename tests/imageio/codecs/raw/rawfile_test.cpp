@@ -1,0 +1,337 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "dngassembly.h"
+#include "imageio/pictures.h"
+#include "support/datarows.h"
+#include "support/exiftool.h"
+
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QTest>
+#include <QTransform>
+
+#include <thread>
+
+using namespace plexa;
+using namespace plexa::test;
+
+namespace
+{
+
+QByteArray noisyJpeg(QSize size)
+{
+    QImage image(size, QImage::Format_RGB32);
+    QRandomGenerator random(3);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixel(x, y, qRgb(x * 255 / size.width(), y * 255 / size.height(), random.bounded(200)));
+    }
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "JPEG", 90);
+    return buffer.data();
+}
+
+QImage turned(const QImage &image, int orientation)
+{
+    const int degrees = orientation == 6 ? 90 : orientation == 3 ? 180 : orientation == 8 ? 270 : 0;
+    return image.transformed(QTransform().rotate(degrees));
+}
+
+/// What the library's own program makes of a file.
+QImage developedByDcraw(const QString &path)
+{
+    outputOf(QStringLiteral("dcraw_emu"), {QStringLiteral("-w"), QStringLiteral("-T"), path});
+    const QByteArray png =
+        outputOf(magickConvert(), {path + QStringLiteral(".tiff"), QStringLiteral("png:-")});
+    return QImage::fromData(png, "PNG");
+}
+
+/// Stands in for standard error, and gives what was printed there.
+class StandardError
+{
+public:
+    explicit StandardError(const QString &path)
+        : m_file(path)
+        , m_kept(dup(STDERR_FILENO))
+    {
+        if (m_file.open(QIODevice::ReadWrite | QIODevice::Truncate))
+            dup2(m_file.handle(), STDERR_FILENO);
+    }
+
+    ~StandardError()
+    {
+        dup2(m_kept, STDERR_FILENO);
+        close(m_kept);
+    }
+
+    QByteArray printed()
+    {
+        m_file.seek(0);
+        return m_file.readAll();
+    }
+
+private:
+    QFile m_file;
+    const int m_kept;
+};
+
+} // namespace
+
+/// Are camera raw photos developed as LibRaw's own program does it, whatever they are called, and is what is
+/// damaged refused?
+class RawFileTest : public QObject
+{
+    Q_OBJECT
+
+    struct ContentsDecideWhatIsReadRow {
+        Text name;
+        QByteArray contents;
+        Text file;
+        Text type; ///< empty: it is refused
+    };
+
+    struct CopiesDescribeTheirOwnPixelsRow {
+        Text name;
+        QByteArray contents;
+        Text suffix;
+    };
+
+    struct LimitsHoldRow {
+        Text name;
+        QSize size;
+        ReadLimits limits;
+        Text reason;
+    };
+
+    /// Rows for files of every kind: the photos, where they are, and ours.
+    void addFiles() const
+    {
+        QTest::addColumn<QByteArray>("contents");
+        QTest::addColumn<QString>("suffix");
+        for (const char *name : {"canon-kiss-x4-colorchart.dng", "kodak-dc50.kdc", "quicktake-100.qtk"}) {
+            const QString path = realPhoto(u"raw/"_qs) + QLatin1String(name);
+            if (!photosFolder().isEmpty())
+                QTest::newRow(name) << contentsOf(path) << QFileInfo(path).suffix();
+        }
+        QTest::newRow("16 bits") << assembledDng({{384, 256}, 16, 0, false, 1, {}}) << u"dng"_qs;
+        QTest::newRow("8 bits, turned right") << assembledDng({{360, 256}, 8, 6, false, 1, {}}) << u"dng"_qs;
+        QTest::newRow("preview, turned left") << assembledDng({{399, 267}, 16, 8, true, 1, {}}) << u"dng"_qs;
+        QTest::newRow("upside down, wide pixels")
+            << assembledDng({{360, 256}, 16, 3, true, 0.5, {}}) << u"dng"_qs;
+        QTest::newRow("JPEG") << assembledDng({{320, 240}, 8, 1, true, 1, noisyJpeg({320, 240})})
+                              << u"dng"_qs;
+    }
+    QString put(const QString &name, const QByteArray &contents)
+    {
+        const QString path = m_folder.path(name);
+        return writeFile(path, contents) ? path : QString();
+    }
+
+    TestFolder m_folder;
+
+private Q_SLOTS:
+    void initTestCase() { QVERIFY(m_folder.isValid()); }
+
+    void factsAreThoseOfTheFile_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<int>("orientation");
+        QTest::addColumn<int>("depth");
+        const auto add = [](const char *name, const char *type, QSize size, int orientation, int depth) {
+            QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(type) << size
+                                << orientation << depth;
+        };
+        add("canon-kiss-x4-colorchart.dng", "image/x-adobe-dng", {1734, 1156}, 1, 14);
+        add("iphone-12-pro-metadata-only.dng", "image/x-adobe-dng", {4032, 3024}, 6, 12);
+        add("kodak-dc50.kdc", "image/x-kodak-kdc", {768, 512}, 1, 8);
+        add("quicktake-100.qtk", "image/x-apple-quicktake", {640, 480}, 1, 12);
+    }
+
+    void factsAreThoseOfTheFile()
+    {
+        PLEXA_NEEDS_PHOTOS();
+        QFETCH(QString, name);
+        QFETCH(QSize, size);
+        const auto source = ImageSource::open(realPhoto(u"raw/"_qs) + name);
+        QVERIFY2(source, source ? "" : qPrintable(source.error().text));
+        QTEST(source->type(), "type");
+        QCOMPARE(source->info().rows.size, size);
+        QTEST(source->properties().value(u"Orientation"_qs, 1).toInt(), "orientation");
+        QTEST(source->properties().value(u"Depth"_qs).toInt(), "depth");
+        const auto image = source->createImage();
+        QVERIFY2(image, image ? "" : qPrintable(image.error().text));
+        QCOMPARE(image->size(), size);
+        QVERIFY(source->rowsBytes() > qint64(size.width()) * size.height() * 11);
+    }
+
+    void developsLikeTheLibrarysProgram_data() { addFiles(); }
+
+    void developsLikeTheLibrarysProgram()
+    {
+        if (QStandardPaths::findExecutable(u"dcraw_emu"_qs).isEmpty())
+            QSKIP("there is no dcraw_emu (libraw-bin)");
+        QFETCH(QByteArray, contents);
+        QFETCH(QString, suffix);
+        const QString path = put(u"developed."_qs + suffix, contents);
+        const auto source = ImageSource::open(path);
+        QVERIFY2(source, source ? "" : qPrintable(source.error().text));
+        const auto image = source->createImage();
+        QVERIFY2(image, image ? "" : qPrintable(image.error().text));
+        const int orientation = source->properties().value(u"Orientation"_qs, 1).toInt();
+        const QImage expected = developedByDcraw(path);
+        QVERIFY(!expected.isNull());
+        QCOMPARE(turned(*image, orientation).size(), expected.size());
+        const double difference = meanDifference(turned(*image, orientation), expected);
+        QVERIFY2(difference < 0.5, qPrintable(QString::number(difference)));
+    }
+
+    void contentsDecideWhatIsRead_data()
+    {
+        const QByteArray dng = assembledDng({{96, 64}, 16, 1, true, 1, {}});
+        // Without the tag that makes it a DNG: some camera's.
+        QByteArray raw = dng;
+        raw.replace(QByteArray("\x12\xC6\1\0", 4), QByteArray("\x12\xC5\1\0", 4));
+        for (const char *name : {"photo.dng", "photo.tif", "photo.nef", "photo.jpg", "photo"})
+            addRow<ContentsDecideWhatIsReadRow>({name, dng, name, "image/x-adobe-dng"});
+        addRow<ContentsDecideWhatIsReadRow>({"raw.tif", raw, "raw.tif", "image/x-dcraw"});
+        const QString tiff = m_folder.path(u"plain.tif"_qs);
+        outputOf(magickConvert(),
+                 {u"-size"_qs, u"40x30"_qs, u"gradient:red-blue"_qs, u"-depth"_qs, u"8"_qs, tiff});
+        addRow<ContentsDecideWhatIsReadRow>({"plain.nef", contentsOf(tiff), "plain.nef", "image/tiff"});
+        outputOf(u"exiftool"_qs, {u"-q"_qs, u"-overwrite_original"_qs, u"-Make=Maker"_qs, tiff});
+        addRow<ContentsDecideWhatIsReadRow>({"plain.arw", contentsOf(tiff), "plain.arw", "image/tiff"});
+        addRow<ContentsDecideWhatIsReadRow>({"jpeg.nef", noisyJpeg({40, 30}), "jpeg.nef", "image/jpeg"});
+        for (const char *suffix : {"cr2", "dng", "nef", "raf", "qtk"})
+            addRow<ContentsDecideWhatIsReadRow>({qPrintable(u"text."_qs + QLatin1String(suffix)),
+                                                 QByteArray("This is a text and nothing else. ").repeated(9),
+                                                 u"text."_qs + QLatin1String(suffix), ""});
+        if (!photosFolder().isEmpty()) {
+            addRow<ContentsDecideWhatIsReadRow>(
+                {"kdc.tif", contentsOf(realPhoto(u"raw/kodak-dc50.kdc"_qs)), "kdc.tif", "image/x-dcraw"});
+            addRow<ContentsDecideWhatIsReadRow>(
+                {"cr2.tif", contentsOf(realPhoto(u"raw/canon-metadata-only.cr2"_qs)), "cr2.tif", ""});
+        }
+    }
+
+    void contentsDecideWhatIsRead()
+    {
+        auto [name, contents, file, type] = currentRow<ContentsDecideWhatIsReadRow>();
+        QVERIFY(!contents.isEmpty());
+        const auto source = ImageSource::open(put(file, contents));
+        if (type.isEmpty()) {
+            QVERIFY(!source);
+            QVERIFY(!source.error().text.isEmpty());
+            return;
+        }
+        QVERIFY2(source, source ? "" : qPrintable(source.error().text));
+        QCOMPARE(source->type(), type);
+        const auto image = source->createImage();
+        QVERIFY(image);
+        QCOMPARE(image->size(), source->info().rows.size);
+        QVERIFY(image->size() != QSize(24, 16)); // the preview's
+    }
+
+    void copiesDescribeTheirOwnPixels_data()
+    {
+        addRow<CopiesDescribeTheirOwnPixelsRow>(
+            {"assembled", assembledDng({{96, 64}, 16, 6, true, 1, {}}), "dng"});
+        for (const char *name :
+             {"canon-kiss-x4-colorchart.dng", "iphone-12-pro-metadata-only.dng", "kodak-dc50.kdc"}) {
+            const QString path = realPhoto(u"raw/"_qs) + QLatin1String(name);
+            if (!photosFolder().isEmpty())
+                addRow<CopiesDescribeTheirOwnPixelsRow>({name, contentsOf(path), QFileInfo(path).suffix()});
+        }
+    }
+
+    void copiesDescribeTheirOwnPixels()
+    {
+        auto [name, contents, suffix] = currentRow<CopiesDescribeTheirOwnPixelsRow>();
+        const QString original = put(u"original."_qs + suffix, contents);
+        QString error;
+        const QString jpeg = put(u"copy.jpg"_qs, copied(original, "image/jpeg", 0.8, &error));
+        const QString png = put(u"copy.png"_qs, copied(original, "image/png", 0.8, &error));
+        QVERIFY2(error.isEmpty(), qPrintable(error));
+        const auto records = exiftoolRecords({original, jpeg, png});
+        const QSize size = ImageSource::open(original)->info().rows.size;
+        // What speaks of the sensor's samples, of where they lie, or is a picture.
+        static const QRegularExpression leftover(
+            u"SubIFD|IFD[1-9]|Strip|Tile|CFA|DNG|Preview|Thumbnail(?!Image|Offset|Length)|Mask|ColorMatrix|"
+            u"Neutral|"
+            "WhiteLevel|BlackLevel|Crop|Linear|Profile(?!.*ICC)|JpgFromRaw|OtherImage|Opcode"_qs);
+        for (const QString &copy : {jpeg, png}) {
+            const QJsonObject record = records.value(copy);
+            QVERIFY(!record.isEmpty());
+            for (const QString &name : record.keys()) {
+                if (name.startsWith(u"IFD0:") || name.startsWith(u"ExifIFD:") || name.startsWith(u"SubIFD"))
+                    QVERIFY2(!name.contains(leftover), qPrintable(name));
+            }
+            for (const auto &[tag, side] : {std::pair{u"ExifIFD:ExifImageWidth"_qs, size.width()},
+                                            {u"ExifIFD:ExifImageHeight"_qs, size.height()}}) {
+                if (record.contains(tag))
+                    QCOMPARE(record[tag].toInt(), side);
+            }
+            for (const char *tag : {"IFD0:Make", "IFD0:Model", "ExifIFD:ExposureTime", "IFD0:ExposureTime",
+                                    "ExifIFD:LensModel", "GPS:GPSLatitude"}) {
+                const QString key = QLatin1String(tag);
+                QCOMPARE(comparable(record[key]), comparable(records.value(original)[key]));
+            }
+            QVERIFY(!record.contains(u"IFD0:Orientation"_qs) || record[u"IFD0:Orientation"_qs].toInt() == 1);
+        }
+    }
+
+    void libraryStandsInForMetadata()
+    {
+        PLEXA_NEEDS_PHOTOS();
+        const auto source = ImageSource::open(realPhoto(u"raw/quicktake-100.qtk"_qs));
+        QVERIFY(source);
+        const QVariantMap tiff = source->properties().value(u"{TIFF}"_qs).toMap();
+        QCOMPARE(tiff.value(u"Make"_qs).toString(), u"Apple"_qs);
+        QCOMPARE(tiff.value(u"Model"_qs).toString(), u"QuickTake 100"_qs);
+        const QByteArray copy = copied(realPhoto(u"raw/quicktake-100.qtk"_qs), "image/jpeg", 0.8);
+        QCOMPARE(exiftoolValue(put(u"qtk.jpg"_qs, copy), u"Model"_qs).trimmed(), QByteArray("QuickTake 100"));
+    }
+
+    void damagedJpegFailsInSilence()
+    {
+        const QSize size(112, 80);
+        const QByteArray jpeg = noisyJpeg(size);
+        const QByteArray cut = jpeg.left(jpeg.size() / 2) + QByteArray("\xff\xd9").repeated(jpeg.size() / 4);
+        StandardError standardError(m_folder.path(u"printed"_qs));
+        QString error;
+        const QImage image = decoded(put(u"jpeg.dng"_qs, assembledDng({size, 8, 1, false, 1, cut})), &error);
+        QVERIFY(image.isNull());
+        QCOMPARE(error, u"the picture data are damaged"_qs);
+        const QByteArray text = assembledDng({size, 8, 1, false, 1, QByteArray("no JPEG").repeated(50)});
+        QVERIFY(decoded(put(u"text.dng"_qs, text), &error).isNull());
+        QCOMPARE(standardError.printed(), QByteArray());
+    }
+
+    void limitsHold_data()
+    {
+        addRow<LimitsHoldRow>({"pixels", QSize(96, 64), {6143, 1'000'000'000}, "too large"});
+        addRow<LimitsHoldRow>({"memory", QSize(96, 64), {1'000'000, 100'000}, "MB of memory"});
+        addRow<LimitsHoldRow>({"claimed", QSize(30000, 20000), {}, "MB of memory"});
+        addRow<LimitsHoldRow>({"empty", QSize(9000, 9000), {}, "end early"});
+        addRow<LimitsHoldRow>({"tiny", QSize(1, 1), {}, ""});
+    }
+
+    void limitsHold()
+    {
+        auto [name, size, limits, reason] = currentRow<LimitsHoldRow>();
+        QByteArray dng = assembledDng({});
+        // The first two fields of the directory, which is the last thing in the file.
+        const qsizetype at = dng.indexOf(QByteArray("\0\1\4\0\1\0\0\0", 8));
+        QVERIFY(at > 0);
+        qToLittleEndian(quint32(size.width()), dng.data() + at + 8);
+        qToLittleEndian(quint32(size.height()), dng.data() + at + 20);
+        QString error;
+        QVERIFY(decoded(put(u"claim.dng"_qs, dng), &error, limits).isNull());
+        QVERIFY2(error.contains(reason) && !error.isEmpty(), qPrintable(error));
+    }
+};
+
+QTEST_GUILESS_MAIN(RawFileTest)
+#include "rawfile_test.moc"
