@@ -93,16 +93,7 @@ QByteArray lettersOf(const QImage &image)
 
 double signalToNoise(const QImage &a, const QImage &b)
 {
-    double squares = 0;
-    for (int y = 0; y < a.height(); ++y) {
-        for (int x = 0; x < a.width(); ++x) {
-            const QRgb p = a.pixel(x, y);
-            const QRgb q = b.pixel(x, y);
-            squares += std::pow(qRed(p) - qRed(q), 2) + std::pow(qGreen(p) - qGreen(q), 2) +
-                       std::pow(qBlue(p) - qBlue(q), 2);
-        }
-    }
-    return 10 * std::log10(255.0 * 255.0 * 3 * a.width() * a.height() / squares);
+    return differenceOf(a, b).psnr();
 }
 
 /// All colours of a cube with so many steps, over and over.

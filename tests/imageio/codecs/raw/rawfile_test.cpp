@@ -20,16 +20,7 @@ namespace
 
 QByteArray noisyJpeg(QSize size)
 {
-    QImage image(size, QImage::Format_RGB32);
-    QRandomGenerator random(3);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixel(x, y, qRgb(x * 255 / size.width(), y * 255 / size.height(), random.bounded(200)));
-    }
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "JPEG", 90);
-    return buffer.data();
+    return encoded(detailedPicture(size), "JPEG", 90);
 }
 
 QImage turned(const QImage &image, int orientation)

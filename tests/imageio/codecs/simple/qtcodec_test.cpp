@@ -15,16 +15,9 @@ using namespace plexa::test;
 namespace
 {
 
-QImage detailedPicture(QSize size, bool hasAlpha)
+QImage picture(QSize size, bool hasAlpha)
 {
-    QImage image(size, QImage::Format_ARGB32);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixel(x, y,
-                           qRgba(x * 255 / size.width(), y * 255 / size.height(), (x * 7 + y * 13) % 256,
-                                 hasAlpha ? 255 - x * 200 / size.width() : 255));
-    }
-    return image.convertToFormat(hasAlpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+    return detailedPicture(size, hasAlpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
 }
 
 QByteArray littleEndian(quint32 value)
@@ -115,8 +108,8 @@ private Q_SLOTS:
         m_origin = m_folder.path(u"origin.png"_qs);
         m_translucent = m_folder.path(u"translucent.png"_qs);
         m_srgb = m_folder.path(u"srgb.icc"_qs);
-        QVERIFY(detailedPicture({61, 43}, false).save(m_origin));
-        QVERIFY(detailedPicture({61, 43}, true).save(m_translucent));
+        QVERIFY(picture({61, 43}, false).save(m_origin));
+        QVERIFY(picture({61, 43}, true).save(m_translucent));
         if (!photosFolder().isEmpty())
             QVERIFY(writeFile(
                 m_srgb, ImageSource::open(photosFolder() + u"/jpeg/htc-desire.jpg"_qs)->info().iccProfile));
@@ -124,7 +117,7 @@ private Q_SLOTS:
 
     void bitmapsOfOtherPrograms_data()
     {
-        const QImage image = detailedPicture({13, 9}, true);
+        const QImage image = picture({13, 9}, true);
         const QByteArray colors =
             littleEndian(0xff0000) + littleEndian(0xff00) + littleEndian(0xff) + QByteArray();
         const QByteArray masks = colors + littleEndian(0xff000000);
@@ -149,9 +142,9 @@ private Q_SLOTS:
         const QImage image = decoded(path, &error);
         QVERIFY2(!image.isNull(), qPrintable(error));
         QCOMPARE(image.hasAlphaChannel(), keepsAlpha);
-        const QImage origin = detailedPicture({13, 9}, true);
+        const QImage origin = picture({13, 9}, true);
         QCOMPARE(image, keepsAlpha ? origin.convertToFormat(QImage::Format_ARGB32_Premultiplied)
-                                   : detailedPicture({13, 9}, false));
+                                   : picture({13, 9}, false));
     }
 
     void fewBitsReachWhite_data()
@@ -304,7 +297,7 @@ private Q_SLOTS:
     {
         auto [name, suffix] = currentRow<FactsNeedNoMemoryRow>();
         const QString path = m_folder.path(u"facts."_qs + suffix);
-        QVERIFY(detailedPicture({61, 43}, false).save(path));
+        QVERIFY(picture({61, 43}, false).save(path));
         const auto source = ImageSource::open(path, ReadLimits{4'000'000, 61 * 43 * 4 - 1});
         QVERIFY(source);
         QCOMPARE(source->info().rows.size, QSize(61, 43));
@@ -322,8 +315,8 @@ private Q_SLOTS:
     void largestIconIsRead()
     {
         auto [name, suffix] = currentRow<LargestIconIsReadRow>();
-        const QImage small = detailedPicture({32, 32}, true);
-        const QImage large = detailedPicture({128, 128}, true);
+        const QImage small = picture({32, 32}, true);
+        const QImage large = picture({128, 128}, true);
         const QString path = m_folder.path(u"icon."_qs + suffix);
         QByteArray parts[2]; // files of one picture each
         for (int i = 0; i < 2; ++i) {
@@ -375,7 +368,7 @@ private Q_SLOTS:
     {
         auto [name, size] = currentRow<BmpIsWrittenExactlyRow>();
         PLEXA_NEEDS_MAGICK();
-        const QImage image = detailedPicture(size, false);
+        const QImage image = picture(size, false);
         QBuffer file;
         QVERIFY(file.open(QIODevice::ReadWrite));
         const auto writer = openDestination(file, {size, false}, {u"image/bmp"_qs, {}});
@@ -399,7 +392,7 @@ private Q_SLOTS:
     {
         QBuffer file;
         QVERIFY(file.open(QIODevice::ReadWrite));
-        QVERIFY(writeImage(file, detailedPicture({31, 20}, true).convertToFormat(QImage::Format_ARGB32),
+        QVERIFY(writeImage(file, picture({31, 20}, true).convertToFormat(QImage::Format_ARGB32),
                            {u"image/bmp"_qs, {{u"DPIWidth"_qs, 300}, {u"DPIHeight"_qs, 150}}}));
         const QString path = m_folder.path(u"facts.bmp"_qs);
         QVERIFY(writeFile(path, file.data()));
@@ -415,7 +408,7 @@ private Q_SLOTS:
         // What shows through is put on white.
         QVERIFY(!decoded(path).hasAlphaChannel());
         const QRgb corner = decoded(path).pixel(30, 0);
-        const QColor source = detailedPicture({31, 20}, true).pixelColor(30, 0);
+        const QColor source = picture({31, 20}, true).pixelColor(30, 0);
         QVERIFY(std::abs(qRed(corner) -
                          (source.red() * source.alpha() + 255 * (255 - source.alpha())) / 255) <= 1);
     }
