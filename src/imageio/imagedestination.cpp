@@ -114,7 +114,7 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
                                                target->codec->maxExifBytes(),
                                                target->codec->writesIptc(),
                                                request.cleared,
-                                               request.turn,
+                                               request.isTurned,
                                                target->codec->writesExif()};
     const EmbeddedMetadata::Encoded encoded = metadata->encodeForCopy(properties, facts);
     if (request.omitted) {

@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include "imageio/base/pictureturn.h"
 #include "imageio/imageformat.h"
 #include "metadata/clearedgroups.h"
 
@@ -23,7 +22,7 @@ struct CopyRequest {
     QStringList *omitted =
         nullptr;                ///< is appended what of the metadata was too long for the copy; may be null
     ClearedGroups cleared = {}; ///< of the properties
-    PictureTurn turn = {};      ///< from the source's pixels to the copy's
+    bool isTurned = false; ///< are the copy's pixels rotated, mirrored or stretched against the source's?
 };
 
 /// Opens a writer for one picture with its metadata, sRGB profile and, where the source had one, a new

@@ -97,7 +97,7 @@ public:
                      &source,
                      &m_omitted,
                      m_metadata.clearedGroups(),
-                     m_uprighting.turn()};
+                     !m_uprighting.isIdentity()};
     }
 
     Result<CopyReport> write()

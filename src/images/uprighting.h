@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include "imageio/base/pictureturn.h"
 #include "imageio/imagesource.h"
 #include "platform/bytebudget.h"
 
@@ -44,9 +43,6 @@ struct Uprighting {
 
     bool isStretched() const { return scaleX != 1 || scaleY != 1; }
     bool isIdentity() const { return orientation == 1 && !isStretched(); }
-
-    /// The same for what metadata say of places in the picture.
-    PictureTurn turn() const { return {stored, orientation, scaleX, scaleY}; }
 
     /// Pixels of the upright picture.
     QSize size() const;

@@ -2,7 +2,6 @@
 
 #include "metadata/imagemetadata.h"
 
-#include "metadata/metadatastrings.h"
 #include "metadata/propertyvalues.h"
 #include "platform/localeformat.h"
 #include "platform/numbervalues.h"
@@ -14,19 +13,6 @@ namespace plexa
 
 namespace
 {
-
-constexpr int kInches = 2;
-constexpr int kDefaultDpi = 72;
-constexpr double kFeetPerMetre = 3.2808; // the documented factor, not the exact one
-
-const QString &topLevelDictionaryKey(qsizetype i)
-{
-    static const QString keys[] = {kCGImagePropertyTIFFDictionary, kCGImagePropertyExifDictionary,
-                                   kCGImagePropertyExifAuxDictionary, kCGImagePropertyIPTCDictionary,
-                                   kCGImagePropertyGPSDictionary};
-    return keys[i];
-}
-constexpr qsizetype kDictionaries = 5;
 
 void setOrRemove(QVariantMap &dictionary, const QString &key, const QVariant &value)
 {
@@ -43,136 +29,102 @@ int wholePart(const QVariant &value)
     return std::abs(number) < 2e9 ? static_cast<int>(number) : 0;
 }
 
+QVariant firstOf(const QVariant &value)
+{
+    if (value.typeId() == QMetaType::QVariantList || value.typeId() == QMetaType::QStringList)
+        return value.toList().value(0);
+    return value;
+}
+
+QVariant validQuality(const QVariant &value)
+{
+    constexpr int kDefaultQuality = 80;
+    const double quality = value.toDouble();
+    const bool isInside = isNumber(value) && quality > -1 && quality < 101; // by its whole part
+    return isInside ? value : QVariant(kDefaultQuality);
+}
+
 } // namespace
 
 ImageMetadata::ImageMetadata(const QVariantMap &source)
     : m_properties(source)
 {
-    for (qsizetype i = 0; i < kDictionaries; ++i) {
-        const QString &key = topLevelDictionaryKey(i);
-        m_properties.insert(key, source.value(key).toMap());
+    using enum MetadataGroup;
+    for (const MetadataGroup group : {Tiff, Exif, ExifAux, Iptc, Gps})
+        m_properties.insert(dictionaryKey(group), groupDictionary(source, group));
+    QVariantMap iptc = dictionary(Iptc);
+    iptc.insert(kCGImagePropertyIPTCCreatorContactInfo, dictionary(Contact));
+    m_properties.insert(dictionaryKey(Iptc), iptc);
+}
+
+void ImageMetadata::setValueForKey(MetadataGroup group, const QVariant &value, const QString &key)
+{
+    if (group == MetadataGroup::Top) {
+        setOrRemove(m_properties, key, value);
+        return;
     }
-    QVariantMap iptc = iptcData();
-    iptc.insert(kCGImagePropertyIPTCCreatorContactInfo,
-                iptc.value(kCGImagePropertyIPTCCreatorContactInfo).toMap());
-    m_properties.insert(kCGImagePropertyIPTCDictionary, iptc);
-}
-
-QVariantMap ImageMetadata::dictionary(const QString &key) const
-{
-    return m_properties.value(key).toMap();
-}
-
-QVariantMap ImageMetadata::tiffData() const
-{
-    return dictionary(kCGImagePropertyTIFFDictionary);
-}
-
-QVariantMap ImageMetadata::exifData() const
-{
-    return dictionary(kCGImagePropertyExifDictionary);
-}
-
-QVariantMap ImageMetadata::exifAuxData() const
-{
-    return dictionary(kCGImagePropertyExifAuxDictionary);
-}
-
-QVariantMap ImageMetadata::iptcData() const
-{
-    return dictionary(kCGImagePropertyIPTCDictionary);
-}
-
-QVariantMap ImageMetadata::iptcContactData() const
-{
-    return iptcData().value(kCGImagePropertyIPTCCreatorContactInfo).toMap();
-}
-
-QVariantMap ImageMetadata::gpsData() const
-{
-    return dictionary(kCGImagePropertyGPSDictionary);
-}
-
-QVariant ImageMetadata::imagePropertiesValueForKey(const QString &key) const
-{
-    return m_properties.value(key);
-}
-
-void ImageMetadata::setImagePropertiesValue(const QVariant &value, const QString &key)
-{
-    setOrRemove(m_properties, key, value);
-}
-
-void ImageMetadata::setDictionaryValue(const QString &dictionaryKey, const QString &key,
-                                       const QVariant &value)
-{
-    const auto found = m_properties.constFind(dictionaryKey);
-    if (found == m_properties.constEnd() || found->typeId() != QMetaType::QVariantMap)
+    const QVariant old = group == MetadataGroup::Contact
+                             ? iptcValueForKey(kCGImagePropertyIPTCCreatorContactInfo)
+                             : m_properties.value(dictionaryKey(group));
+    if (old.typeId() != QMetaType::QVariantMap)
         return;
-    QVariantMap changed = found->toMap();
+    QVariantMap changed = old.toMap();
     setOrRemove(changed, key, value);
-    m_properties.insert(dictionaryKey, changed);
+    if (group == MetadataGroup::Contact)
+        setValueForKey(MetadataGroup::Iptc, changed, kCGImagePropertyIPTCCreatorContactInfo);
+    else
+        m_properties.insert(dictionaryKey(group), changed);
 }
 
-QVariant ImageMetadata::tiffValueForKey(const QString &key) const
+QVariant ImageMetadata::value(MetadataProperty property) const
 {
-    return tiffData().value(key);
+    const MetadataPropertyRow &row = metadataProperty(property);
+    const QVariant stored = valueForKey(row.group, row.key);
+    switch (row.form) {
+    case MetadataForm::First:
+    case MetadataForm::FirstOfText:
+        return firstOf(stored);
+    case MetadataForm::Flash:
+        return wholePart(stored) & 1;
+    default:
+        return stored;
+    }
 }
 
-void ImageMetadata::setTiffValue(const QVariant &value, const QString &key)
+void ImageMetadata::setValue(MetadataProperty property, const QVariant &value)
 {
-    setDictionaryValue(kCGImagePropertyTIFFDictionary, key, value);
-}
-
-QVariant ImageMetadata::exifValueForKey(const QString &key) const
-{
-    return exifData().value(key);
-}
-
-void ImageMetadata::setExifValue(const QVariant &value, const QString &key)
-{
-    setDictionaryValue(kCGImagePropertyExifDictionary, key, value);
-}
-
-QVariant ImageMetadata::exifAuxValueForKey(const QString &key) const
-{
-    return exifAuxData().value(key);
-}
-
-void ImageMetadata::setExifAuxValue(const QVariant &value, const QString &key)
-{
-    setDictionaryValue(kCGImagePropertyExifAuxDictionary, key, value);
-}
-
-QVariant ImageMetadata::iptcValueForKey(const QString &key) const
-{
-    return iptcData().value(key);
-}
-
-void ImageMetadata::setIptcValue(const QVariant &value, const QString &key)
-{
-    setDictionaryValue(kCGImagePropertyIPTCDictionary, key, value);
-}
-
-QVariant ImageMetadata::iptcContactValueForKey(const QString &key) const
-{
-    return iptcContactData().value(key);
-}
-
-void ImageMetadata::setIptcContactValue(const QVariant &value, const QString &key)
-{
-    QVariantMap iptc = iptcData();
-    const auto found = iptc.constFind(kCGImagePropertyIPTCCreatorContactInfo);
-    if (found == iptc.constEnd() || found->typeId() != QMetaType::QVariantMap)
+    const MetadataPropertyRow &row = metadataProperty(property);
+    QVariant shown = value;
+    QVariant stored = value;
+    switch (row.form) {
+    case MetadataForm::ReadOnly:
         return;
-    QVariantMap contact = found->toMap();
-    setOrRemove(contact, key, value);
-    setIptcValue(contact, kCGImagePropertyIPTCCreatorContactInfo);
-}
-
-QVariant ImageMetadata::gpsValueForKey(const QString &key) const
-{
-    return gpsData().value(key);
+    case MetadataForm::First:
+        stored = value.isValid() ? QVariant(QVariantList{value}) : QVariant();
+        break;
+    case MetadataForm::Orientation:
+        shown = stored = correctedOrientationForValue(value);
+        break;
+    case MetadataForm::Resolution: {
+        constexpr int kInches = 2;
+        shown = stored = correctedDPIForValue(value);
+        setTiffResolutionUnit(kInches);
+        break;
+    }
+    case MetadataForm::Quality:
+        stored = validQuality(value);
+        break;
+    case MetadataForm::Flash:
+        stored = (wholePart(valueForKey(row.group, row.key)) & ~1) | (value.toDouble() != 0 ? 1 : 0);
+        break;
+    case MetadataForm::Plain:
+    case MetadataForm::FirstOfText:
+        break;
+    }
+    setValueForKey(row.group, stored, row.key);
+    const auto twin = twinOf(property);
+    if (twin && !samePropertyValue(this->value(*twin), shown))
+        setValue(*twin, shown);
 }
 
 int ImageMetadata::correctedOrientationForValue(const QVariant &value)
@@ -183,202 +135,8 @@ int ImageMetadata::correctedOrientationForValue(const QVariant &value)
 
 QVariant ImageMetadata::correctedDPIForValue(const QVariant &value)
 {
+    constexpr int kDefaultDpi = 72;
     return wholePart(value) > 0 ? value : QVariant(kDefaultDpi);
-}
-
-QVariant ImageMetadata::orientation() const
-{
-    return imagePropertiesValueForKey(kCGImagePropertyOrientation);
-}
-
-void ImageMetadata::setOrientation(const QVariant &value)
-{
-    setImagePropertiesValue(correctedOrientationForValue(value), kCGImagePropertyOrientation);
-    if (!samePropertyValue(tiffOrientation(), orientation()))
-        setTiffOrientation(orientation());
-}
-
-QVariant ImageMetadata::tiffOrientation() const
-{
-    return tiffValueForKey(kCGImagePropertyTIFFOrientation);
-}
-
-void ImageMetadata::setTiffOrientation(const QVariant &value)
-{
-    setTiffValue(correctedOrientationForValue(value), kCGImagePropertyTIFFOrientation);
-    if (!samePropertyValue(orientation(), tiffOrientation()))
-        setOrientation(tiffOrientation());
-}
-
-int ImageMetadata::orientationCorrected() const
-{
-    return correctedOrientationForValue(orientation());
-}
-
-QVariant ImageMetadata::dpiWidth() const
-{
-    return imagePropertiesValueForKey(kCGImagePropertyDPIWidth);
-}
-
-void ImageMetadata::setDpiWidth(const QVariant &value)
-{
-    setDpi(value, kCGImagePropertyDPIWidth, kCGImagePropertyTIFFXResolution);
-}
-
-QVariant ImageMetadata::dpiHeight() const
-{
-    return imagePropertiesValueForKey(kCGImagePropertyDPIHeight);
-}
-
-void ImageMetadata::setDpiHeight(const QVariant &value)
-{
-    setDpi(value, kCGImagePropertyDPIHeight, kCGImagePropertyTIFFYResolution);
-}
-
-QVariant ImageMetadata::tiffXResolution() const
-{
-    return tiffValueForKey(kCGImagePropertyTIFFXResolution);
-}
-
-void ImageMetadata::setTiffXResolution(const QVariant &value)
-{
-    setTiffResolution(value, kCGImagePropertyTIFFXResolution, kCGImagePropertyDPIWidth);
-}
-
-QVariant ImageMetadata::tiffYResolution() const
-{
-    return tiffValueForKey(kCGImagePropertyTIFFYResolution);
-}
-
-void ImageMetadata::setTiffYResolution(const QVariant &value)
-{
-    setTiffResolution(value, kCGImagePropertyTIFFYResolution, kCGImagePropertyDPIHeight);
-}
-
-void ImageMetadata::setDpi(const QVariant &value, const QString &topKey, const QString &tiffKey)
-{
-    const QVariant corrected = correctedDPIForValue(value);
-    setImagePropertiesValue(corrected, topKey);
-    setTiffResolutionUnit(kInches);
-    if (!samePropertyValue(tiffValueForKey(tiffKey), corrected))
-        setTiffResolution(corrected, tiffKey, topKey);
-}
-
-void ImageMetadata::setTiffResolution(const QVariant &value, const QString &tiffKey, const QString &topKey)
-{
-    const QVariant corrected = correctedDPIForValue(value);
-    setTiffValue(corrected, tiffKey);
-    setTiffResolutionUnit(kInches);
-    if (!samePropertyValue(imagePropertiesValueForKey(topKey), corrected))
-        setDpi(corrected, topKey, tiffKey);
-}
-
-double ImageMetadata::dpiWidthCorrected() const
-{
-    return correctedDPIForValue(dpiWidth()).toDouble();
-}
-
-double ImageMetadata::dpiHeightCorrected() const
-{
-    return correctedDPIForValue(dpiHeight()).toDouble();
-}
-
-QVariant ImageMetadata::compressionQuality() const
-{
-    return imagePropertiesValueForKey(kCGImageDestinationLossyCompressionQuality);
-}
-
-void ImageMetadata::setCompressionQuality(const QVariant &value)
-{
-    constexpr int kDefaultQuality = 80;
-    const double quality = value.toDouble();
-    const bool isInside = isNumber(value) && quality > -1 && quality < 101; // by its whole part
-    setImagePropertiesValue(isInside ? value : QVariant(kDefaultQuality),
-                            kCGImageDestinationLossyCompressionQuality);
-}
-
-QVariant ImageMetadata::iptcCopyright() const
-{
-    return iptcValueForKey(kCGImagePropertyIPTCCopyrightNotice);
-}
-
-void ImageMetadata::setIptcCopyright(const QVariant &value)
-{
-    setIptcValue(value, kCGImagePropertyIPTCCopyrightNotice);
-    if (!samePropertyValue(tiffCopyright(), value))
-        setTiffCopyright(value);
-}
-
-QVariant ImageMetadata::tiffCopyright() const
-{
-    return tiffValueForKey(kCGImagePropertyTIFFCopyright);
-}
-
-void ImageMetadata::setTiffCopyright(const QVariant &value)
-{
-    setTiffValue(value, kCGImagePropertyTIFFCopyright);
-    if (!samePropertyValue(iptcCopyright(), value))
-        setIptcCopyright(value);
-}
-
-QVariant ImageMetadata::firstOf(const QVariant &value)
-{
-    if (value.typeId() == QMetaType::QVariantList || value.typeId() == QMetaType::QStringList)
-        return value.toList().value(0);
-    return value;
-}
-
-QVariant ImageMetadata::arrayOfOne(const QVariant &value)
-{
-    return value.isValid() ? QVariant(QVariantList{value}) : QVariant();
-}
-
-QVariant ImageMetadata::iptcCreator() const
-{
-    return firstOf(iptcValueForKey(kCGImagePropertyIPTCByline));
-}
-
-void ImageMetadata::setIptcCreator(const QVariant &value)
-{
-    setIptcValue(arrayOfOne(value), kCGImagePropertyIPTCByline);
-    if (!samePropertyValue(tiffArtist(), value))
-        setTiffArtist(value);
-}
-
-QVariant ImageMetadata::tiffArtist() const
-{
-    return firstOf(tiffValueForKey(kCGImagePropertyTIFFArtist));
-}
-
-void ImageMetadata::setTiffArtist(const QVariant &value)
-{
-    setTiffValue(value, kCGImagePropertyTIFFArtist);
-    if (!samePropertyValue(iptcCreator(), value))
-        setIptcCreator(value);
-}
-
-QVariant ImageMetadata::iptcDescription() const
-{
-    return iptcValueForKey(kCGImagePropertyIPTCCaptionAbstract);
-}
-
-void ImageMetadata::setIptcDescription(const QVariant &value)
-{
-    setIptcValue(value, kCGImagePropertyIPTCCaptionAbstract);
-    if (!samePropertyValue(tiffDescription(), value))
-        setTiffDescription(value);
-}
-
-QVariant ImageMetadata::tiffDescription() const
-{
-    return tiffValueForKey(kCGImagePropertyTIFFImageDescription);
-}
-
-void ImageMetadata::setTiffDescription(const QVariant &value)
-{
-    setTiffValue(value, kCGImagePropertyTIFFImageDescription);
-    if (!samePropertyValue(iptcDescription(), value))
-        setIptcDescription(value);
 }
 
 QDateTime ImageMetadata::exifDateTimeOriginal() const
@@ -401,50 +159,9 @@ void ImageMetadata::setExifDateTimeDigitized(const QDateTime &when)
     setExifDateTimeDigitizedStr(when.isValid() ? QVariant(exifStringFromDateTime(when)) : QVariant());
 }
 
-int ImageMetadata::exifFlash() const
-{
-    return wholePart(exifValueForKey(kCGImagePropertyExifFlash)) & 1;
-}
-
-void ImageMetadata::setExifFlash(const QVariant &value)
-{
-    const int others = wholePart(exifValueForKey(kCGImagePropertyExifFlash)) & ~1;
-    setExifValue(others | (value.toDouble() != 0 ? 1 : 0), kCGImagePropertyExifFlash);
-}
-
-QVariant ImageMetadata::gpsLatitude() const
-{
-    return gpsValueForKey(kCGImagePropertyGPSLatitude);
-}
-
-QVariant ImageMetadata::gpsLatitudeRef() const
-{
-    return gpsValueForKey(kCGImagePropertyGPSLatitudeRef);
-}
-
-QVariant ImageMetadata::gpsLongitude() const
-{
-    return gpsValueForKey(kCGImagePropertyGPSLongitude);
-}
-
-QVariant ImageMetadata::gpsLongitudeRef() const
-{
-    return gpsValueForKey(kCGImagePropertyGPSLongitudeRef);
-}
-
-QVariant ImageMetadata::gpsAltitude() const
-{
-    return gpsValueForKey(kCGImagePropertyGPSAltitude);
-}
-
 bool ImageMetadata::gpsLowerThanSeaLevel() const
 {
     return gpsValueForKey(kCGImagePropertyGPSAltitudeRef).toDouble() != 0;
-}
-
-QVariant ImageMetadata::gpsDateStamp() const
-{
-    return gpsValueForKey(kCGImagePropertyGPSDateStamp);
 }
 
 QVariant ImageMetadata::exifExposureTimeStr(const LocaleFormat &locale) const
@@ -454,39 +171,9 @@ QVariant ImageMetadata::exifExposureTimeStr(const LocaleFormat &locale) const
     return seconds.isValid() ? QVariant(locale.decimal(seconds.toDouble(), kMaxDecimals)) : QVariant();
 }
 
-QVariant ImageMetadata::exifExposureProgramStr() const
-{
-    return exposureProgramString(exifExposureProgram());
-}
-
-QVariant ImageMetadata::exifMeteringModeStr() const
-{
-    return meteringModeString(exifMeteringMode());
-}
-
-QString ImageMetadata::exifDateTimeFormatter()
-{
-    return plexa::exifDateTimeFormatter();
-}
-
-QVariant ImageMetadata::latitudeOrLongitudeStringValueFromNumber(const QVariant &number,
-                                                                 const QVariant &reference)
-{
-    return latitudeOrLongitudeString(number, reference);
-}
-
-QVariant ImageMetadata::gpsLatitudeFull() const
-{
-    return latitudeOrLongitudeString(gpsLatitude(), gpsLatitudeRef());
-}
-
-QVariant ImageMetadata::gpsLongitudeFull() const
-{
-    return latitudeOrLongitudeString(gpsLongitude(), gpsLongitudeRef());
-}
-
 QVariant ImageMetadata::gpsAltitudeString() const
 {
+    constexpr double kFeetPerMetre = 3.2808; // the documented factor, not the exact one
     const QVariant altitude = gpsAltitude();
     if (!altitude.isValid())
         return {};

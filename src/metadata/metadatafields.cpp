@@ -229,13 +229,17 @@ QLatin1StringView dictionaryKey(MetadataGroup group)
         return kCGImagePropertyGPSDictionary;
     case Iptc:
     case Contact:
+        return kCGImagePropertyIPTCDictionary;
+    case Top:
         break;
     }
-    return kCGImagePropertyIPTCDictionary;
+    return {};
 }
 
 QVariantMap groupDictionary(const QVariantMap &properties, MetadataGroup group)
 {
+    if (group == Top)
+        return properties;
     const QVariantMap dictionary = properties.value(dictionaryKey(group)).toMap();
     return group == Contact ? dictionary.value(kCGImagePropertyIPTCCreatorContactInfo).toMap() : dictionary;
 }

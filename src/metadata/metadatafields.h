@@ -10,8 +10,9 @@
 namespace plexa
 {
 
-/// The dictionaries of a property dictionary. Contact lies inside of Iptc.
-enum class MetadataGroup { Tiff, Exif, ExifAux, Gps, Iptc, Contact };
+/// The dictionaries of a property dictionary. Contact lies inside of Iptc; Top is the whole, which holds the
+/// others and some values of its own.
+enum class MetadataGroup { Tiff, Exif, ExifAux, Gps, Iptc, Contact, Top };
 
 /// How a stored value becomes a value of the dictionary.
 enum class MetadataKind {
@@ -44,7 +45,7 @@ struct MetadataField {
 /// The table of all facts that the property dictionary models.
 std::span<const MetadataField> metadataFields();
 
-/// The key of the dictionary that holds the group ("{IPTC}" for Contact, too).
+/// The key of the dictionary that holds the group ("{IPTC}" for Contact, too); null for Top.
 QLatin1StringView dictionaryKey(MetadataGroup group);
 
 /// The group's dictionary; empty when it is absent.

@@ -17,15 +17,12 @@ inline constexpr QLatin1StringView kCGImagePropertyIPTCDictionary("{IPTC}");
 inline constexpr QLatin1StringView kCGImagePropertyGPSDictionary("{GPS}");
 inline constexpr QLatin1StringView kCGImagePropertyJFIFDictionary("{JFIF}");
 inline constexpr QLatin1StringView kCGImagePropertyPNGDictionary("{PNG}");
-inline constexpr QLatin1StringView kCGImagePropertyFileSize("FileSize");
 inline constexpr QLatin1StringView kCGImagePropertyPixelWidth("PixelWidth");
 inline constexpr QLatin1StringView kCGImagePropertyPixelHeight("PixelHeight");
 inline constexpr QLatin1StringView kCGImagePropertyDPIWidth("DPIWidth");
 inline constexpr QLatin1StringView kCGImagePropertyDPIHeight("DPIHeight");
 inline constexpr QLatin1StringView kCGImagePropertyDepth("Depth");
 inline constexpr QLatin1StringView kCGImagePropertyOrientation("Orientation");
-inline constexpr QLatin1StringView kCGImagePropertyIsFloat("IsFloat");
-inline constexpr QLatin1StringView kCGImagePropertyIsIndexed("IsIndexed");
 inline constexpr QLatin1StringView kCGImagePropertyHasAlpha("HasAlpha");
 inline constexpr QLatin1StringView kCGImagePropertyColorModel("ColorModel");
 inline constexpr QLatin1StringView kCGImagePropertyProfileName("ProfileName");
@@ -58,7 +55,6 @@ inline constexpr QLatin1StringView kCGImagePropertyExifFNumber("FNumber");
 inline constexpr QLatin1StringView kCGImagePropertyExifExposureProgram("ExposureProgram");
 inline constexpr QLatin1StringView kCGImagePropertyExifSpectralSensitivity("SpectralSensitivity");
 inline constexpr QLatin1StringView kCGImagePropertyExifISOSpeedRatings("ISOSpeedRatings");
-inline constexpr QLatin1StringView kCGImagePropertyExifOECF("OECF");
 inline constexpr QLatin1StringView kCGImagePropertyExifSensitivityType("SensitivityType");
 inline constexpr QLatin1StringView kCGImagePropertyExifStandardOutputSensitivity("StandardOutputSensitivity");
 inline constexpr QLatin1StringView kCGImagePropertyExifRecommendedExposureIndex("RecommendedExposureIndex");
@@ -84,7 +80,6 @@ inline constexpr QLatin1StringView kCGImagePropertyExifLightSource("LightSource"
 inline constexpr QLatin1StringView kCGImagePropertyExifFlash("Flash");
 inline constexpr QLatin1StringView kCGImagePropertyExifFocalLength("FocalLength");
 inline constexpr QLatin1StringView kCGImagePropertyExifSubjectArea("SubjectArea");
-inline constexpr QLatin1StringView kCGImagePropertyExifMakerNote("MakerNote");
 inline constexpr QLatin1StringView kCGImagePropertyExifUserComment("UserComment");
 inline constexpr QLatin1StringView kCGImagePropertyExifSubsecTime("SubsecTime");
 inline constexpr QLatin1StringView kCGImagePropertyExifSubsecTimeOrginal("SubsecTimeOriginal");
@@ -95,7 +90,6 @@ inline constexpr QLatin1StringView kCGImagePropertyExifPixelXDimension("PixelXDi
 inline constexpr QLatin1StringView kCGImagePropertyExifPixelYDimension("PixelYDimension");
 inline constexpr QLatin1StringView kCGImagePropertyExifRelatedSoundFile("RelatedSoundFile");
 inline constexpr QLatin1StringView kCGImagePropertyExifFlashEnergy("FlashEnergy");
-inline constexpr QLatin1StringView kCGImagePropertyExifSpatialFrequencyResponse("SpatialFrequencyResponse");
 inline constexpr QLatin1StringView kCGImagePropertyExifFocalPlaneXResolution("FocalPlaneXResolution");
 inline constexpr QLatin1StringView kCGImagePropertyExifFocalPlaneYResolution("FocalPlaneYResolution");
 inline constexpr QLatin1StringView kCGImagePropertyExifFocalPlaneResolutionUnit("FocalPlaneResolutionUnit");
@@ -115,7 +109,6 @@ inline constexpr QLatin1StringView kCGImagePropertyExifGainControl("GainControl"
 inline constexpr QLatin1StringView kCGImagePropertyExifContrast("Contrast");
 inline constexpr QLatin1StringView kCGImagePropertyExifSaturation("Saturation");
 inline constexpr QLatin1StringView kCGImagePropertyExifSharpness("Sharpness");
-inline constexpr QLatin1StringView kCGImagePropertyExifDeviceSettingDescription("DeviceSettingDescription");
 inline constexpr QLatin1StringView kCGImagePropertyExifSubjectDistRange("SubjectDistRange");
 inline constexpr QLatin1StringView kCGImagePropertyExifImageUniqueID("ImageUniqueID");
 inline constexpr QLatin1StringView kCGImagePropertyExifCameraOwnerName("CameraOwnerName");
@@ -128,8 +121,6 @@ inline constexpr QLatin1StringView kCGImagePropertyExifGamma("Gamma");
 inline constexpr QLatin1StringView kCGImagePropertyExifCompositeImage("CompositeImage");
 inline constexpr QLatin1StringView
     kCGImagePropertyExifSourceImageNumberOfCompositeImage("SourceImageNumberOfCompositeImage");
-inline constexpr QLatin1StringView
-    kCGImagePropertyExifSourceExposureTimesOfCompositeImage("SourceExposureTimesOfCompositeImage");
 
 // EXIF auxiliary: what lens makers and maker notes add
 inline constexpr QLatin1StringView kCGImagePropertyExifAuxLensInfo("LensInfo");

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "presets/xmlparser.h"
+#include "support/datarows.h"
+#include "support/files.h"
 #include "support/testenvironment.h"
 
 #include <QtTest>
@@ -9,6 +11,7 @@
 
 using namespace plexa;
 using namespace plexa::test;
+using namespace Qt::StringLiterals;
 
 namespace
 {
@@ -23,13 +26,32 @@ struct Reading {
 
 QByteArray nested(int depth)
 {
-    QByteArray xml = kHeader;
-    for (int i = 0; i < depth; ++i)
-        xml += "<a>";
-    for (int i = 0; i < depth; ++i)
-        xml += "</a>";
-    return xml;
+    return kHeader + QByteArray("<a>").repeated(depth) + QByteArray("</a>").repeated(depth);
 }
+
+QByteArray unknown(const QByteArray &rest)
+{
+    return "ERROR:  unknown entity reference: \"" + rest + "\"\n";
+}
+
+struct Decoding {
+    Text name;
+    QByteArray stored;
+    QByteArray text;
+    QByteArray line = {};
+};
+
+struct Limit {
+    Text name;
+    QByteArray allowed;
+    QByteArray refused;
+    QByteArray reason;
+};
+
+struct BadFile {
+    Text name;
+    QByteArray line;
+};
 
 } // namespace
 
@@ -38,252 +60,219 @@ class XMLParserTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void readsElementsAndAttributes();
-    void rootText_data();
-    void rootText();
-    void faultsAreNamedWithTheirPlace_data();
-    void faultsAreNamedWithTheirPlace();
-    void limitsAreExact_data();
-    void limitsAreExact();
-    void errorLinesStayShortAndPlain();
-    void filesThatCannotBeRead_data();
-    void filesThatCannotBeRead();
-    void aFileIsReadOnce();
+    void readsElementsAndAttributes()
+    {
+        Reading reading;
+        const QByteArray xml =
+            "\t<!-- <a> -- ->\r\n-->" + kHeader +
+            "<r one='say \"1\"' two=\"it's\"three = '&lt;&amp;3'\n empty=''>\r\n  text \n"
+            "<formatX>x</formatX><!----><format>f</format><leaf /><leaf id=\"7\" ></leaf>\n"
+            "</r> <!-- > -->\n";
+        QVERIFY2(reading.parser.parse(xml), reading.lines.join().constData());
+        QCOMPARE(reading.parser.header()->name(), "xml");
+        QCOMPARE(reading.parser.header()->attributeValue("version").value(), "1.0");
+        const XMLParser::Element &root = *reading.parser.root();
+        QCOMPARE(root.name(), "r");
+        QCOMPARE(root.text(), "text \n");
+        QCOMPARE(root.attributeCount(), 4);
+        QCOMPARE(root.attributeValue("one").value(), "say \"1\"");
+        QCOMPARE(root.attributeValue("two").value(), "it's");
+        QCOMPARE(root.attributeValue("three").value(), "<&3");
+        QCOMPARE(root.attributeValue("empty").value(), "");
+        QVERIFY(!root.attributeValue("oneX").has_value());
+        QCOMPARE(root.subelementCount(), 4);
+        QCOMPARE(root.subelement(1)->text(), "f");
+        QCOMPARE(root.subelement("format"), root.subelement(qsizetype(0))); // the first that begins so
+        QCOMPARE(root.subelement("leaf"), root.subelement(2));
+        QCOMPARE(root.subelement(2)->text(), "");
+        QCOMPARE(root.subelement(3)->attributeValue("i").value(), "7");
+        QVERIFY(!root.subelement(4) && !root.subelement(-1) && !root.subelement("leaves"));
+        QCOMPARE(reading.lines, QByteArrayList());
+
+        // Where its own quote does not come again, a value ends at the other one.
+        Reading mixed;
+        QVERIFY2(mixed.parser.parse(kHeader + "<r a=\"x' b='y'></r>"), mixed.lines.join().constData());
+        QCOMPARE(mixed.parser.root()->attributeValue("a").value(), "x");
+        QCOMPARE(mixed.parser.root()->attributeValue("b").value(), "y");
+    }
+
+    void rootText_data()
+    {
+        addRows<Decoding>({
+            {"every entity", "x&lt;&gt;&amp;&quot;&apos;y", "x<>&\"'y"},
+            {"not decoded twice", "&amp;lt;", "&lt;"},
+            {"decimal and hexadecimal", "&#65;&#x41;&#X4a;", "AAJ"},
+            {"the low eight bits", "&#321;&#x99999999999999999999941;", "AA"},
+            {"bytes of UTF-8", "&#195;&#164;", "\xc3\xa4"},
+            {"ends at a NUL", "a&#0;b", "a"},
+            {"a lone carriage return", " \n\ra\r", "\ra\r"},
+            {"unknown", "a&nbsp;b", "", unknown("&nbsp;b")},
+            {"not closed", "a&#65 b;", "", unknown("&#65 b;")},
+            {"no digits", "&#;", "", unknown("&#;")},
+            {"no hexadecimal digits", "&#xg;", "", unknown("&#xg;")},
+            {"at the end", "a&#x4", "", unknown("&#x4")},
+        });
+    }
+
+    void rootText()
+    {
+        const auto [name, stored, text, line] = currentRow<Decoding>();
+        Reading reading;
+        QVERIFY(reading.parser.parse(kHeader + "<r>" + stored + "</r>"));
+        QCOMPARE(reading.lines, QByteArrayList()); // nothing is decoded before it is asked for
+        QCOMPARE(reading.parser.root()->text(), text);
+        QCOMPARE(reading.parser.root()->text(), text);
+        QCOMPARE(reading.lines.join(), line);
+        QCOMPARE(reading.parser.hasError(), !line.isEmpty());
+    }
+
+    void faultsAreNamedWithTheirPlace_data()
+    {
+        QTest::addColumn<QByteArray>("xml");
+        QTest::addColumn<QByteArrayList>("lines");
+        const auto add = [](const char *name, const QByteArray &xml, const QByteArrayList &lines) {
+            QTest::newRow(name) << xml << lines;
+        };
+        const QByteArray missing = "missing the standard XML header tag <?xml ...?>\n";
+        const QByteArray attribute = "expected an attribute or end of tag\n";
+        add("empty", "", {"ERROR (line 1):  " + missing});
+        add("no header", "\n<a></a>", {"ERROR (line 2, near \"<\"):  " + missing});
+        add("another header", "<?php ?>", {"ERROR (line 1, near \"?>\"):  " + missing});
+        add("byte order mark", "\xef\xbb\xbf" + kHeader,
+            {"ERROR (line 1, near \"\xef\xbb\xbf<?xml\"):  " + missing});
+        add("UTF-16", QByteArray("<\0?\0x\0", 6), {"ERROR (line 1, near \"<\"):  " + missing});
+        add("header ends like an element", "<?xml a='1'>",
+            {"ERROR (line 1, near \">\"):  " + attribute, "ERROR (line 1, near \">\"):  " + missing});
+        add("header without a blank at its end", "<?xml?><a></a>",
+            {"ERROR (line 1, near \">\"):  " + attribute, "ERROR (line 1, near \">\"):  " + missing});
+        add("no root", kHeader + "\n", {"ERROR (line 2):  expected start of a tag \"<\"\n"});
+        add("two roots", kHeader + "<a></a>\r\n<b></b>",
+            {"ERROR (line 2, near \">\"):  unexpected end of XML file (maybe multiple root elements)\n"});
+        add("closed by another", kHeader + "\r\n<r>\n<a>text\n</b></r>",
+            {"ERROR (line 4, near \"b\"):  the element \"a\" is not closed!\n"});
+        add("closed by a longer name", kHeader + "<a></ab>",
+            {"ERROR (line 1, near \"ab\"):  the element \"a\" is not closed!\n"});
+        add("no blank before the slash", kHeader + "<a/>\n",
+            {"ERROR (line 2):  the element \"a/\" is not closed!\n"});
+        add("text behind an element", kHeader + "<a><b></b>\nx y\n</a>",
+            {"ERROR (line 2, near \"x\"):  the element \"a\" is not closed!\n"});
+        add("text that begins with a quote", kHeader + "<a>\"b\"</a>",
+            {"ERROR (line 1, near \"\"\"):  the element \"a\" is not closed!\n"});
+        add("text that begins with a slash", kHeader + "<a>/b</a>",
+            {"ERROR (line 1, near \">\"):  expected a closing empty tag \"/>\"\n",
+             "ERROR (line 1):  the element \"a\" is not closed!\n"});
+        add("question mark", kHeader + "<a b='c' ?</a>",
+            {"ERROR (line 1, near \"'\"):  expected a closing header tag \"?>\"\n",
+             "ERROR (line 1):  " + attribute});
+        add("header's end in an element", kHeader + "<a ?></a>",
+            {"ERROR (line 1, near \"?>\"):  " + attribute});
+        add("no equal sign", kHeader + "<a b\n'c'></a>",
+            {"ERROR (line 2, near \"'\"):  expected equal sign \"=\"\n"});
+        add("no quotes", kHeader + "<a b=c></a>",
+            {"ERROR (line 1, near \"c></a>\"):  expected single quote \"'\" or double quote \"\"\"\n"});
+        add("unfinished value", kHeader + "<a b=\"c",
+            {"ERROR (line 1):  expected single quote \"'\" or double quote \"\"\"\n"});
+        add("no name", kHeader + "< ></a>", {"ERROR (line 1, near \">\"):  expected data\n"});
+        add("unfinished comment", kHeader + "<a></a><!-- \n-- >",
+            {"ERROR (line 2, near \">\"):  unexpected end of file\n"});
+    }
+
+    void faultsAreNamedWithTheirPlace()
+    {
+        QFETCH(QByteArray, xml);
+        QFETCH(QByteArrayList, lines);
+        Reading reading;
+        QVERIFY(!reading.parser.parse(xml));
+        QCOMPARE(reading.lines, lines);
+        // One fault does not reach into another reading.
+        Reading next;
+        QVERIFY(next.parser.parse(kHeader + "<a b=\"\" c='\"' d=\"e' ></a>"));
+        QCOMPARE(next.parser.root()->attributeValue("c").value(), "\"");
+    }
+
+    void limitsAreExact_data()
+    {
+        // Two are the header and its attribute, one the root.
+        const QByteArray elements = QByteArray("<b></b>").repeated(XMLParser::kMaxRecords - 3);
+        const QByteArray attributes = QByteArray(" b=''").repeated(XMLParser::kMaxRecords - 3);
+        const QByteArray text(XMLParser::kMaxFileBytes - kHeader.size() - 7, 'x');
+        const QByteArray tooMany = "more than 200000 elements and attributes";
+        addRows<Limit>({
+            {"depth", nested(XMLParser::kMaxDepth), nested(XMLParser::kMaxDepth + 1),
+             "nested more than 100 deep"},
+            {"elements", kHeader + "<a>" + elements + "</a>", kHeader + "<a>" + elements + "<b></b></a>",
+             tooMany},
+            {"attributes", kHeader + "<a" + attributes + " ></a>",
+             kHeader + "<a" + attributes + " c='' ></a>", tooMany},
+            {"bytes", kHeader + "<a>" + text + "</a>", kHeader + "<a>" + text + "x</a>", "more than 16 MB"},
+        });
+    }
+
+    void limitsAreExact()
+    {
+        const auto [name, allowed, refused, reason] = currentRow<Limit>();
+        Reading ok;
+        QVERIFY(ok.parser.parse(allowed));
+        Reading bad;
+        QVERIFY(!bad.parser.parse(refused));
+        QCOMPARE(bad.lines.size(), 1);
+        QVERIFY2(bad.lines.first().contains(reason), bad.lines.first().constData());
+    }
+
+    void errorLinesStayShortAndPlain()
+    {
+        Reading reading;
+        // The cut falls into the middle of a letter.
+        QVERIFY(reading.parser.parse(kHeader + "<a>&\x1b[2J" + QByteArray("\xc3\xa4").repeated(100'000) +
+                                     "</a>"));
+        QCOMPARE(reading.parser.root()->text(), "");
+        const QByteArray line = reading.lines.join();
+        QVERIFY(line.size() < 1100);
+        QVERIFY(line.startsWith("ERROR:  unknown entity reference: \"&?[2J"));
+        QVERIFY(line.endsWith("\xc3\xa4...\"\n"));
+        QVERIFY(line.isValidUtf8());
+    }
+
+    void filesThatCannotBeRead_data()
+    {
+        addRows<BadFile>({
+            {"missing", "ERROR:  cannot open the file \"PATH\"\n"},
+            {"folder", "ERROR:  cannot read the file \"PATH\"\n"},
+            {"pipe", "ERROR:  cannot read the file \"PATH\"\n"},
+            {"large", "ERROR:  there are more than 16 MB in the file \"PATH\"\n"},
+            {"text",
+             "ERRORPATH  (line 1, near \"hello\"):  missing the standard XML header tag <?xml ...?>\n"},
+        });
+    }
+
+    void filesThatCannotBeRead()
+    {
+        auto [name, line] = currentRow<BadFile>();
+        const TestFolder folder;
+        QVERIFY(QDir().mkpath(folder.path("folder")));
+        QCOMPARE(mkfifo(QFile::encodeName(folder.path("pipe")).constData(), 0600), 0);
+        QVERIFY(writeFile(folder.path("text"), "hello <world>") && writeFile(folder.path("large"), {}));
+        QVERIFY(QFile::resize(folder.path("large"), XMLParser::kMaxFileBytes + 1));
+        Reading reading;
+        QVERIFY(!reading.parser.loadAndParseFile(folder.path(name)));
+        QCOMPARE(reading.lines.join(), line.replace("PATH", folder.path(name).toUtf8()));
+        QVERIFY(!reading.parser.header() && !reading.parser.root());
+    }
+
+    void aFileIsReadOnce()
+    {
+        const TestFolder folder;
+        const QString path = folder.path("a.xml");
+        QVERIFY(writeFile(path, kHeader + "<a></a>"));
+        Reading reading;
+        QVERIFY(!reading.parser.parse());
+        QVERIFY(reading.parser.loadFile(path));
+        QVERIFY(!reading.parser.loadFile(path));
+        QVERIFY(reading.parser.parse());
+        QVERIFY(!reading.parser.parse());
+        QCOMPARE(reading.parser.root()->name(), "a");
+    }
 };
-
-void XMLParserTest::readsElementsAndAttributes()
-{
-    Reading reading;
-    const QByteArray xml = "\t<!-- <a> -- ->\r\n-->" + kHeader +
-                           "<r one='say \"1\"' two=\"it's\"three = '&lt;&amp;3'\n empty=''>\r\n  text \n"
-                           "<formatX>x</formatX><!----><format>f</format><leaf /><leaf id=\"7\" ></leaf>\n"
-                           "</r> <!-- > -->\n";
-    QVERIFY2(reading.parser.parse(xml), reading.lines.join().constData());
-    QCOMPARE(reading.parser.header()->name(), "xml");
-    QCOMPARE(reading.parser.header()->attributeValue("version").value(), "1.0");
-    const XMLParser::Element &root = *reading.parser.root();
-    QCOMPARE(root.name(), "r");
-    QCOMPARE(root.text(), "text \n");
-    QCOMPARE(root.attributeCount(), 4);
-    QCOMPARE(root.attributeValue("one").value(), "say \"1\"");
-    QCOMPARE(root.attributeValue("two").value(), "it's");
-    QCOMPARE(root.attributeValue("three").value(), "<&3");
-    QCOMPARE(root.attributeValue("empty").value(), "");
-    QVERIFY(!root.attributeValue("oneX").has_value());
-    QCOMPARE(root.subelementCount(), 4);
-    QCOMPARE(root.subelement(1)->text(), "f");
-    QCOMPARE(root.subelement("format"), root.subelement(qsizetype(0))); // the first that begins so
-    QCOMPARE(root.subelement("leaf"), root.subelement(2));
-    QCOMPARE(root.subelement(2)->text(), "");
-    QCOMPARE(root.subelement(3)->attributeValue("i").value(), "7");
-    QVERIFY(!root.subelement(4) && !root.subelement(-1) && !root.subelement("leaves"));
-    QCOMPARE(reading.lines, QByteArrayList());
-
-    // Where its own quote does not come again, a value ends at the other one.
-    Reading mixed;
-    QVERIFY2(mixed.parser.parse(kHeader + "<r a=\"x' b='y'></r>"), mixed.lines.join().constData());
-    QCOMPARE(mixed.parser.root()->attributeValue("a").value(), "x");
-    QCOMPARE(mixed.parser.root()->attributeValue("b").value(), "y");
-}
-
-void XMLParserTest::rootText_data()
-{
-    QTest::addColumn<QByteArray>("stored");
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QByteArray>("line");
-    const QByteArray none;
-    QTest::newRow("every entity") << QByteArray("x&lt;&gt;&amp;&quot;&apos;y") << QByteArray("x<>&\"'y")
-                                  << none;
-    QTest::newRow("not decoded twice") << QByteArray("&amp;lt;") << QByteArray("&lt;") << none;
-    QTest::newRow("decimal and hexadecimal") << QByteArray("&#65;&#x41;&#X4a;") << QByteArray("AAJ") << none;
-    QTest::newRow("the low eight bits")
-        << QByteArray("&#321;&#x99999999999999999999941;") << QByteArray("AA") << none;
-    QTest::newRow("bytes make up UTF-8") << QByteArray("&#195;&#164;") << QByteArray("\xc3\xa4") << none;
-    QTest::newRow("ends at a NUL") << QByteArray("a&#0;b") << QByteArray("a") << none;
-    QTest::newRow("a lone carriage return") << QByteArray(" \n\ra\r") << QByteArray("\ra\r") << none;
-    const auto unknown = [](const QByteArray &rest) {
-        return "ERROR:  unknown entity reference: \"" + rest + "\"\n";
-    };
-    QTest::newRow("unknown") << QByteArray("a&nbsp;b") << none << unknown("&nbsp;b");
-    QTest::newRow("not closed") << QByteArray("a&#65 b;") << none << unknown("&#65 b;");
-    QTest::newRow("no digits") << QByteArray("&#;") << none << unknown("&#;");
-    QTest::newRow("no hexadecimal digits") << QByteArray("&#xg;") << none << unknown("&#xg;");
-    QTest::newRow("at the end") << QByteArray("a&#x4") << none << unknown("&#x4");
-}
-
-void XMLParserTest::rootText()
-{
-    QFETCH(QByteArray, stored);
-    QFETCH(QByteArray, text);
-    QFETCH(QByteArray, line);
-    Reading reading;
-    QVERIFY(reading.parser.parse(kHeader + "<r>" + stored + "</r>"));
-    QCOMPARE(reading.lines, QByteArrayList()); // nothing is decoded before it is asked for
-    QCOMPARE(reading.parser.root()->text(), text);
-    QCOMPARE(reading.parser.root()->text(), text);
-    QCOMPARE(reading.lines.join(), line);
-    QCOMPARE(reading.parser.hasError(), !line.isEmpty());
-}
-
-void XMLParserTest::faultsAreNamedWithTheirPlace_data()
-{
-    QTest::addColumn<QByteArray>("xml");
-    QTest::addColumn<QByteArrayList>("lines");
-    const auto add = [](const char *name, const QByteArray &xml, const QByteArrayList &lines) {
-        QTest::newRow(name) << xml << lines;
-    };
-    const QByteArray missing = "missing the standard XML header tag <?xml ...?>\n";
-    const QByteArray attribute = "expected an attribute or end of tag\n";
-    add("empty", "", {"ERROR (line 1):  " + missing});
-    add("no header", "\n<a></a>", {"ERROR (line 2, near \"<\"):  " + missing});
-    add("another header", "<?php ?>", {"ERROR (line 1, near \"?>\"):  " + missing});
-    add("byte order mark", "\xef\xbb\xbf" + kHeader,
-        {"ERROR (line 1, near \"\xef\xbb\xbf<?xml\"):  " + missing});
-    add("UTF-16", QByteArray("<\0?\0x\0", 6), {"ERROR (line 1, near \"<\"):  " + missing});
-    add("header ends like an element", "<?xml a='1'>",
-        {"ERROR (line 1, near \">\"):  " + attribute, "ERROR (line 1, near \">\"):  " + missing});
-    add("header without a blank at its end", "<?xml?><a></a>",
-        {"ERROR (line 1, near \">\"):  " + attribute, "ERROR (line 1, near \">\"):  " + missing});
-    add("no root", kHeader + "\n", {"ERROR (line 2):  expected start of a tag \"<\"\n"});
-    add("two roots", kHeader + "<a></a>\r\n<b></b>",
-        {"ERROR (line 2, near \">\"):  unexpected end of XML file (maybe multiple root elements)\n"});
-    add("closed by another", kHeader + "\r\n<r>\n<a>text\n</b></r>",
-        {"ERROR (line 4, near \"b\"):  the element \"a\" is not closed!\n"});
-    add("closed by a longer name", kHeader + "<a></ab>",
-        {"ERROR (line 1, near \"ab\"):  the element \"a\" is not closed!\n"});
-    add("no blank before the slash", kHeader + "<a/>\n",
-        {"ERROR (line 2):  the element \"a/\" is not closed!\n"});
-    add("text behind an element", kHeader + "<a><b></b>\nx y\n</a>",
-        {"ERROR (line 2, near \"x\"):  the element \"a\" is not closed!\n"});
-    add("text that begins with a quote", kHeader + "<a>\"b\"</a>",
-        {"ERROR (line 1, near \"\"\"):  the element \"a\" is not closed!\n"});
-    add("text that begins with a slash", kHeader + "<a>/b</a>",
-        {"ERROR (line 1, near \">\"):  expected a closing empty tag \"/>\"\n",
-         "ERROR (line 1):  the element \"a\" is not closed!\n"});
-    add("question mark", kHeader + "<a b='c' ?</a>",
-        {"ERROR (line 1, near \"'\"):  expected a closing header tag \"?>\"\n",
-         "ERROR (line 1):  " + attribute});
-    add("header's end in an element", kHeader + "<a ?></a>", {"ERROR (line 1, near \"?>\"):  " + attribute});
-    add("no equal sign", kHeader + "<a b\n'c'></a>",
-        {"ERROR (line 2, near \"'\"):  expected equal sign \"=\"\n"});
-    add("no quotes", kHeader + "<a b=c></a>",
-        {"ERROR (line 1, near \"c></a>\"):  expected single quote \"'\" or double quote \"\"\"\n"});
-    add("unfinished value", kHeader + "<a b=\"c",
-        {"ERROR (line 1):  expected single quote \"'\" or double quote \"\"\"\n"});
-    add("no name", kHeader + "< ></a>", {"ERROR (line 1, near \">\"):  expected data\n"});
-    add("unfinished comment", kHeader + "<a></a><!-- \n-- >",
-        {"ERROR (line 2, near \">\"):  unexpected end of file\n"});
-}
-
-void XMLParserTest::faultsAreNamedWithTheirPlace()
-{
-    QFETCH(QByteArray, xml);
-    QFETCH(QByteArrayList, lines);
-    Reading reading;
-    QVERIFY(!reading.parser.parse(xml));
-    QCOMPARE(reading.lines, lines);
-    // One fault does not reach into another reading.
-    Reading next;
-    QVERIFY(next.parser.parse(kHeader + "<a b=\"\" c='\"' d=\"e' ></a>"));
-    QCOMPARE(next.parser.root()->attributeValue("c").value(), "\"");
-}
-
-void XMLParserTest::limitsAreExact_data()
-{
-    QTest::addColumn<QByteArray>("allowed");
-    QTest::addColumn<QByteArray>("refused");
-    QTest::addColumn<QByteArray>("reason");
-    QTest::newRow("depth") << nested(XMLParser::kMaxDepth) << nested(XMLParser::kMaxDepth + 1)
-                           << QByteArray("nested more than 100 deep");
-    // Two are the header and its attribute, one the root.
-    const QByteArray elements = QByteArray("<b></b>").repeated(XMLParser::kMaxRecords - 3);
-    QTest::newRow("elements") << kHeader + "<a>" + elements + "</a>"
-                              << kHeader + "<a>" + elements + "<b></b></a>"
-                              << QByteArray("more than 200000 elements and attributes");
-    const QByteArray attributes = QByteArray(" b=''").repeated(XMLParser::kMaxRecords - 3);
-    QTest::newRow("attributes") << kHeader + "<a" + attributes + " ></a>"
-                                << kHeader + "<a" + attributes + " c='' ></a>"
-                                << QByteArray("more than 200000 elements and attributes");
-    const QByteArray text(XMLParser::kMaxFileBytes - kHeader.size() - 7, 'x');
-    QTest::newRow("bytes") << kHeader + "<a>" + text + "</a>" << kHeader + "<a>" + text + "x</a>"
-                           << QByteArray("more than 16 MB");
-}
-
-void XMLParserTest::limitsAreExact()
-{
-    QFETCH(QByteArray, allowed);
-    QFETCH(QByteArray, refused);
-    QFETCH(QByteArray, reason);
-    Reading ok;
-    QVERIFY(ok.parser.parse(allowed));
-    Reading bad;
-    QVERIFY(!bad.parser.parse(refused));
-    QCOMPARE(bad.lines.size(), 1);
-    QVERIFY2(bad.lines.first().contains(reason), bad.lines.first().constData());
-}
-
-void XMLParserTest::errorLinesStayShortAndPlain()
-{
-    Reading reading;
-    // The cut falls into the middle of a letter.
-    QVERIFY(
-        reading.parser.parse(kHeader + "<a>&\x1b[2J" + QByteArray("\xc3\xa4").repeated(100'000) + "</a>"));
-    QCOMPARE(reading.parser.root()->text(), "");
-    const QByteArray line = reading.lines.join();
-    QVERIFY(line.size() < 1100);
-    QVERIFY(line.startsWith("ERROR:  unknown entity reference: \"&?[2J"));
-    QVERIFY(line.endsWith("\xc3\xa4...\"\n"));
-    QVERIFY(line.isValidUtf8());
-}
-
-void XMLParserTest::filesThatCannotBeRead_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("line");
-    QTest::newRow("missing") << u"missing"_qs << QByteArray("ERROR:  cannot open the file \"PATH\"\n");
-    QTest::newRow("folder") << u"folder"_qs << QByteArray("ERROR:  cannot read the file \"PATH\"\n");
-    QTest::newRow("pipe") << u"pipe"_qs << QByteArray("ERROR:  cannot read the file \"PATH\"\n");
-    QTest::newRow("too large") << u"large"_qs
-                               << QByteArray("ERROR:  there are more than 16 MB in the file \"PATH\"\n");
-    QTest::newRow("no XML") << u"text"_qs
-                            << QByteArray("ERRORPATH  (line 1, near \"hello\"):  missing the standard XML "
-                                          "header tag <?xml ...?>\n");
-}
-
-void XMLParserTest::filesThatCannotBeRead()
-{
-    const TestFolder folder;
-    QVERIFY(QDir().mkpath(folder.path(u"folder"_qs)));
-    QCOMPARE(mkfifo(QFile::encodeName(folder.path(u"pipe"_qs)).constData(), 0600), 0);
-    QFile text(folder.path(u"text"_qs));
-    QVERIFY(text.open(QIODevice::WriteOnly) && text.write("hello <world>") > 0);
-    QFile large(folder.path(u"large"_qs));
-    QVERIFY(large.open(QIODevice::WriteOnly) && large.resize(XMLParser::kMaxFileBytes + 1));
-    text.close();
-
-    QFETCH(QString, name);
-    QFETCH(QByteArray, line);
-    Reading reading;
-    QVERIFY(!reading.parser.loadAndParseFile(folder.path(name)));
-    QCOMPARE(reading.lines.join(), line.replace("PATH", folder.path(name).toUtf8()));
-    QVERIFY(!reading.parser.header() && !reading.parser.root());
-}
-
-void XMLParserTest::aFileIsReadOnce()
-{
-    const TestFolder folder;
-    QFile file(folder.path(u"a.xml"_qs));
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(kHeader + "<a></a>") > 0);
-    file.close();
-    Reading reading;
-    QVERIFY(!reading.parser.parse());
-    QVERIFY(reading.parser.loadFile(file.fileName()));
-    QVERIFY(!reading.parser.loadFile(file.fileName()));
-    QVERIFY(reading.parser.parse());
-    QCOMPARE(reading.parser.root()->name(), "a");
-    QVERIFY(!reading.parser.parse());
-    QCOMPARE(reading.parser.root()->name(), "a");
-}
 
 QTEST_GUILESS_MAIN(XMLParserTest)
 #include "xmlparser_test.moc"

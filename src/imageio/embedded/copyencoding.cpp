@@ -7,12 +7,10 @@
 #include "imageio/embedded/exif/apexvalues.h"
 #include "imageio/embedded/exif/embeddedpictures.h"
 #include "imageio/embedded/exif/exifencoding.h"
-#include "imageio/embedded/exif/exiv2setup.h"
 #include "imageio/embedded/exif/pictureregions.h"
 #include "imageio/embedded/metadatachanges.h"
 #include "imageio/embedded/metadataclearing.h"
 #include "imageio/embedded/metadatareading.h"
-#include "imageio/embedded/xmp/exiftoxmp.h"
 #include "imageio/embedded/xmp/iptctoxmp.h"
 #include "imageio/embedded/xmp/xmpencoding.h"
 #include "metadata/metadatafields.h"
@@ -140,28 +138,26 @@ QByteArray encodedImageResources(const MetadataSet &set, const QByteArray &iptc,
     return imageResourcesForCopy(set.imageResources, facts);
 }
 
-/// Clears and edits EXIF, IPTC and XMP, and encodes the XMP. All threads wait for the lock that this needs.
+/// Clears and edits EXIF, IPTC and XMP, and encodes the XMP.
 QByteArray changedXmp(MetadataSet &set, ClearedGroups cleared, const QVariantMap &before,
                       const QVariantMap &after, const EmbeddedMetadata::CopyFacts &facts, bool hasNewIptc,
                       QStringList &omitted)
 {
-    const auto lock = lockXmpNamespaces();
-    Exiv2::XmpData xmp = decodedXmp(set, &omitted);
-    erasePicturesFromXmp(xmp);
+    DecodedXmp xmp = decodedXmp(set, &omitted);
+    erasePicturesFromXmp(xmp.data);
     clearGroups(set, xmp, cleared, after);
-    // What was cleared and is there again is new, even where it says the same.
-    const QVariantMap remaining = cleared ? propertiesOfMetadata(set, xmp) : before;
-    if (applyPropertyChanges(set, xmp, remaining, after) || hasNewIptc || (cleared & ClearedGroup::Iptc))
+    // A cleared fact that is there again is new, even with the same value.
+    const QVariantMap remaining = cleared ? propertiesOfMetadata(set, xmp.data) : before;
+    if (applyPropertyChanges(set, xmp.data, remaining, after) || hasNewIptc || (cleared & ClearedGroup::Iptc))
         // A digest of the old record would make other programs distrust the new one.
-        eraseXmpProperty(xmp, "Xmp.photoshop.LegacyIPTCDigest");
+        eraseXmpProperty(xmp.data, "Xmp.photoshop.LegacyIPTCDigest");
     if (!facts.holdsIptc)
-        addIptcToXmp(xmp, after);
-    // Of the edited EXIF itself: in the dictionaries a fact that was removed may stand under a second key.
+        addIptcToXmp(xmp.data, after);
     if (!facts.holdsExif)
-        addExifToXmp(xmp, propertiesOfMetadata(set, xmp), cleared);
-    if (turnRegionsInXmp(xmp, facts.turn))
+        addTiffTextsToXmp(xmp.data, after);
+    if (facts.isTurned && eraseRegionsFromXmp(xmp.data))
         omitted += u"face regions"_qs;
-    describePictureInXmp(xmp, facts.pixelSize);
+    describePictureInXmp(xmp.data, facts.pixelSize);
     QByteArray packet = encodedXmp(xmp, omitted);
     restoreAbout(packet, set.xmpPacket);
     return packet;
@@ -208,7 +204,8 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     if (hadNote && !hasMakerNote(set.exif) && !(cleared & ClearedGroup::Exif))
         encoded.omitted += u"maker note"_qs;
 
-    turnRegionsInExif(set.exif, facts.turn);
+    if (facts.isTurned)
+        eraseRegionsFromExif(set.exif);
     describePictureInExif(set.exif, facts.pixelSize);
     if (!hasMakerNote(set.exif))
         note = {};

@@ -9,7 +9,7 @@ namespace plexa
 {
 
 /// The metadata of a copy: those of `set`, changed where `after` differs from `before`, upright, sRGB,
-/// without any picture of the unmarked photo. Takes lockXmpNamespaces() itself.
+/// without any picture of the unmarked photo.
 /// @param before  propertiesOfMetadata() of the set
 EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &before, const QVariantMap &after,
                                          const EmbeddedMetadata::CopyFacts &facts);

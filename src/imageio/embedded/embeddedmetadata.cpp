@@ -5,6 +5,7 @@
 #include "imageio/embedded/copyencoding.h"
 #include "imageio/embedded/exif/exiv2setup.h"
 #include "imageio/embedded/metadatareading.h"
+#include "imageio/embedded/xmp/xmpdecoding.h"
 #include "metadata/propertykeys.h"
 
 namespace plexa
@@ -28,10 +29,7 @@ std::shared_ptr<const EmbeddedMetadata> EmbeddedMetadata::read(const QString &pa
     auto data = std::make_unique<Data>();
     try {
         data->set = readMetadataSet(path);
-        auto lock = lockXmpNamespaces();
-        const Exiv2::XmpData xmp = decodedXmp(data->set);
-        lock.unlock();
-        data->ownProperties = propertiesOfMetadata(data->set, xmp);
+        data->ownProperties = propertiesOfMetadata(data->set, decodedXmp(data->set).data);
         data->properties = withPngTexts(data->ownProperties, data->set.texts);
         if (const QVariantMap png = pngTextProperties(data->set.texts); !png.isEmpty())
             data->properties.insert(kCGImagePropertyPNGDictionary, png);

@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include "imageio/base/pictureturn.h"
 #include "imageio/container/jpegmarkers.h"
 #include "imageio/embedded/pngtexts.h"
 #include "metadata/clearedgroups.h"
@@ -62,8 +61,8 @@ public:
         qsizetype maxExifBytes = kMaxJpegExif; ///< the longest EXIF that the copy's format holds
         bool holdsIptc = true; ///< else what IIM records tell goes into the XMP, as far as it has a place
         ClearedGroups cleared = {}; ///< what people have cleared; an emptied dictionary counts, too
-        PictureTurn turn = {};      ///< from the source's pixels to the copy's
-        bool holdsExif = true;      ///< else the same for what EXIF tells
+        bool isTurned = false; ///< are the copy's pixels rotated, mirrored or stretched against the source's?
+        bool holdsExif = true; ///< else author, copyright and description of EXIF go into the XMP
     };
 
     /// Metadata for a copy: the file's own, changed where `properties` differs from properties(), freed from

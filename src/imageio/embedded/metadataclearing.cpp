@@ -2,7 +2,7 @@
 
 #include "imageio/embedded/metadataclearing.h"
 
-#include "imageio/embedded/xmp/iptcutf8.h"
+#include "imageio/embedded/exif/exifvalues.h"
 #include "imageio/embedded/xmp/xmpvocabularies.h"
 #include "metadata/metadatafields.h"
 #include "metadata/propertykeys.h"
@@ -68,7 +68,7 @@ bool isPlaceInMakerNote(const Exiv2::Exifdatum &datum)
 }
 
 /// Drones and scene descriptions have properties of their own.
-bool isPlaceInXmp(const Exiv2::Xmpdatum &datum)
+bool isPlaceInXmp(const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces)
 {
     for (const auto word : {QLatin1StringView("gps"), QLatin1StringView("latitude"),
                             QLatin1StringView("longitude"), QLatin1StringView("altitude")}) {
@@ -79,10 +79,10 @@ bool isPlaceInXmp(const Exiv2::Xmpdatum &datum)
     const std::string path = QString::fromStdString(datum.tagName()).toLower().toStdString();
     const std::string name = path.substr(path.find_last_of("/:") + 1);
     return isOneOf(name, {"lat"sv, "long"sv, "lon"sv, "lng"sv, "lat_long"sv, "latlong"sv}) ||
-           (datum.groupName() == "geo" && name == "alt") || isCellTowerInXmp(datum);
+           (datum.groupName() == "geo" && name == "alt") || isCellTowerInXmp(datum, namespaces);
 }
 
-void clearGps(MetadataSet &set, Exiv2::XmpData &xmp)
+void clearGps(MetadataSet &set, DecodedXmp &xmp)
 {
     eraseOpaqueMakerNote(set.exif);
     eraseMetadataIf(set.exif, [](const Exiv2::Exifdatum &datum) {
@@ -90,7 +90,8 @@ void clearGps(MetadataSet &set, Exiv2::XmpData &xmp)
                QString::fromStdString(datum.tagName()).contains(u"GPS", Qt::CaseInsensitive) ||
                (datum.groupName() == "Image" && isGeoTiffTag(datum.tag())) || isPlaceInMakerNote(datum);
     });
-    eraseMetadataIf(xmp, isPlaceInXmp);
+    eraseMetadataIf(xmp.data,
+                    [&](const Exiv2::Xmpdatum &datum) { return isPlaceInXmp(datum, xmp.namespaces); });
 }
 
 /// Tags of the main directory that speak of the camera or the exposure (TIFF/EP, DNG), not of the picture.
@@ -102,20 +103,21 @@ bool isCameraTag(uint16_t tag)
            (tag >= 0xA481 && tag <= 0xA4FF) || tag == 0xC4A5 || (tag >= 0xC612 && tag <= 0xC7FF);
 }
 
-void clearExif(MetadataSet &set, Exiv2::XmpData &xmp)
+void clearExif(MetadataSet &set, DecodedXmp &xmp)
 {
     eraseMakerNotes(set.exif);
     eraseMetadataIf(set.exif, [](const Exiv2::Exifdatum &datum) {
         const std::string group = datum.groupName();
         return group == "Photo" || group == "Iop" || (group == "Image" && isCameraTag(datum.tag()));
     });
-    eraseMetadataIf(xmp, [](const Exiv2::Xmpdatum &datum) {
+    eraseMetadataIf(xmp.data, [&](const Exiv2::Xmpdatum &datum) {
         const std::string key = datum.key();
         return (key.starts_with("Xmp.exif.") && !nameContains(datum, QLatin1StringView("gps"))) ||
                startsWithAny(key, {"Xmp.exifEX."sv, "Xmp.aux."sv, "Xmp.GCamera."sv, "Xmp.xmp.CreateDate"sv,
                                    "Xmp.MicrosoftPhoto.Camera"sv, "Xmp.MicrosoftPhoto.Lens"sv,
                                    "Xmp.MicrosoftPhoto.Flash"sv}) ||
-               nameContains(datum, QLatin1StringView("SerialNumber")) || isExposureInXmp(datum);
+               nameContains(datum, QLatin1StringView("SerialNumber")) ||
+               isExposureInXmp(datum, xmp.namespaces);
     });
 }
 
@@ -126,7 +128,7 @@ bool keepsTiff(const QVariantMap &after, QLatin1StringView key)
 }
 
 /// Names of the camera and program, and what Windows and XMP keep beside the fields of the dictionary.
-void clearTiff(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &after)
+void clearTiff(MetadataSet &set, DecodedXmp &xmp, const QVariantMap &after)
 {
     eraseExifFields(set.exif, {"Exif.Image.Software", "Exif.Image.ImageDescription", "Exif.Image.Make",
                                "Exif.Image.Model", "Exif.Image.UniqueCameraModel",
@@ -134,15 +136,16 @@ void clearTiff(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &after)
                                "Exif.Image.XPTitle", "Exif.Image.XPComment", "Exif.Image.XPSubject"});
     for (const std::string_view key : {"Xmp.tiff.Software"sv, "Xmp.tiff.ImageDescription"sv,
                                        "Xmp.tiff.Make"sv, "Xmp.tiff.Model"sv, "Xmp.xmp.CreatorTool"sv})
-        eraseXmpProperty(xmp, key);
-    eraseMetadataIf(xmp, isCameraInXmp);
+        eraseXmpProperty(xmp.data, key);
+    eraseMetadataIf(xmp.data,
+                    [&](const Exiv2::Xmpdatum &datum) { return isCameraInXmp(datum, xmp.namespaces); });
     if (!keepsTiff(after, kCGImagePropertyTIFFCopyright)) {
         eraseExifFields(set.exif, {"Exif.Image.Copyright"});
-        eraseXmpProperty(xmp, "Xmp.tiff.Copyright");
+        eraseXmpProperty(xmp.data, "Xmp.tiff.Copyright");
     }
     if (!keepsTiff(after, kCGImagePropertyTIFFArtist)) {
         eraseExifFields(set.exif, {"Exif.Image.Artist", "Exif.Image.XPAuthor"});
-        eraseXmpProperty(xmp, "Xmp.tiff.Artist");
+        eraseXmpProperty(xmp.data, "Xmp.tiff.Artist");
     }
 }
 
@@ -160,7 +163,7 @@ bool isIptcInXmp(const std::string &key)
                                "Xmp.expressionmedia."sv, "Xmp.xmp.Rating"sv, "Xmp.xmp.Label"sv});
 }
 
-void clearIptc(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &after)
+void clearIptc(MetadataSet &set, DecodedXmp &xmp, const QVariantMap &after)
 {
     constexpr const char *kCharacterSet = "Iptc.Envelope.CharacterSet";
     std::set<std::string> keptIptc{kCharacterSet};
@@ -179,10 +182,10 @@ void clearIptc(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &after)
     const bool keepsRights =
         groupDictionary(after, MetadataGroup::Iptc).contains(kCGImagePropertyIPTCCopyrightNotice);
     eraseMetadataIf(set.iptc, [&](const Exiv2::Iptcdatum &datum) { return !keptIptc.contains(datum.key()); });
-    eraseMetadataIf(xmp, [&](const Exiv2::Xmpdatum &datum) {
+    eraseMetadataIf(xmp.data, [&](const Exiv2::Xmpdatum &datum) {
         const std::string key = datum.key();
-        return (isIptcInXmp(key) || isDescriptionInXmp(datum)) && !keptXmp.contains(key) &&
-               !(keepsRights && isRightInXmp(datum));
+        return (isIptcInXmp(key) || isDescriptionInXmp(datum, xmp.namespaces)) && !keptXmp.contains(key) &&
+               !(keepsRights && isRightInXmp(datum, xmp.namespaces));
     });
     const bool saysNothing = std::all_of(set.iptc.begin(), set.iptc.end(), [](const Exiv2::Iptcdatum &datum) {
         return datum.key() == kCharacterSet;
@@ -275,7 +278,7 @@ ClearedGroups emptiedGroups(const QVariantMap &before, const QVariantMap &after)
     return groups;
 }
 
-void clearGroups(MetadataSet &set, Exiv2::XmpData &xmp, ClearedGroups groups, const QVariantMap &after)
+void clearGroups(MetadataSet &set, DecodedXmp &xmp, ClearedGroups groups, const QVariantMap &after)
 {
     if (groups & ClearedGroup::Gps)
         clearGps(set, xmp);

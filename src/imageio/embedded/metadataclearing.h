@@ -3,6 +3,7 @@
 #pragma once
 
 #include "imageio/embedded/metadataset.h"
+#include "imageio/embedded/xmp/xmpdecoding.h"
 #include "metadata/clearedgroups.h"
 
 #include <QVariantMap>
@@ -44,8 +45,7 @@ ClearedGroups emptiedGroups(const QVariantMap &before, const QVariantMap &after)
 /// Clears groups in all places that store something of them, modelled or not: EXIF with maker notes, serial
 /// numbers and XMP mirrors; GPS, in maker notes as well; IPTC with its XMP mirrors; of TIFF what describes
 /// picture and camera. What `after` still has of IPTC and TIFF stays.
-/// To be called under lockXmpNamespaces().
-void clearGroups(MetadataSet &set, Exiv2::XmpData &xmp, ClearedGroups groups, const QVariantMap &after);
+void clearGroups(MetadataSet &set, DecodedXmp &xmp, ClearedGroups groups, const QVariantMap &after);
 
 /// Is this the name of a maker-note group of the library ("Canon", "Nikon3", ...)?
 bool isMakerNoteGroup(const std::string &groupName);

@@ -7,7 +7,6 @@
 
 #include <QByteArray>
 #include <QString>
-#include <QStringList>
 
 #include <exiv2/exiv2.hpp>
 
@@ -16,8 +15,7 @@
 namespace plexa
 {
 
-/// A file's metadata, decoded. XMP stays the packet that it was: its prefixes mean something only while the
-/// table of namespaces is held still (lockXmpNamespaces()).
+/// A file's metadata, decoded; XMP as its packets (decodedXmp()).
 struct MetadataSet {
     Exiv2::ExifData exif;
     Exiv2::IptcData iptc;
@@ -33,12 +31,5 @@ struct MetadataSet {
 
 /// Reads what the file carries; nothing is thrown, what cannot be read is left out.
 MetadataSet readMetadataSet(const QString &path);
-
-/// Decodes the XMP, both packets as one, after mending what can be mended; without a packet that is damaged
-/// beyond that, or beyond all measure (size, nesting, number of elements and attributes).
-/// To be called under lockXmpNamespaces(); the result is changed and encoded under the same lock, but may be
-/// read without it.
-/// @param omitted  gets the names of what is left out: "XMP" for a packet, "XMP dc:title" for a property
-Exiv2::XmpData decodedXmp(const MetadataSet &set, QStringList *omitted = nullptr);
 
 } // namespace plexa

@@ -193,12 +193,12 @@ void erasePicturesFromXmp(Exiv2::XmpData &xmp)
         const std::string key = datum.key();
         for (const auto beginning :
              {"Xmp.xmp.Thumbnails"sv, "Xmp.xmpGImg."sv, "Xmp.hdrgm."sv, "Xmp.HDRGainMap."sv, "Xmp.apdi."sv,
-              "Xmp.Container."sv, "Xmp.GContainer."sv, "Xmp.GImage."sv, "Xmp.GDepth."sv, "Xmp.GAudio."sv,
+              "Xmp.Container."sv, "Xmp.GImage."sv, "Xmp.GDepth."sv, "Xmp.GAudio."sv,
               "Xmp.GCamera.MicroVideo"sv, "Xmp.GCamera.MotionPhoto"sv, "Xmp.xmpNote.HasExtendedXMP"sv}) {
             if (key.starts_with(beginning))
                 return true;
         }
-        if (key.find("xmpGImg:") != key.npos || key.find("xapGImg:") != key.npos)
+        if (key.find("xmpGImg:") != key.npos)
             return true;
         // A JPEG or PNG in Base64, or a GIF, WebP or TIFF.
         const std::string value = datum.size() > 64 ? datum.toString() : std::string();

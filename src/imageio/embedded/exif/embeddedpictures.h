@@ -20,7 +20,6 @@ void erasePicturesFromExif(Exiv2::ExifData &exif);
 
 /// Removes from XMP thumbnails, depth maps and other pictures, and what describes pictures that a copy does
 /// not have any more (gain maps, motion photos, the list of a container's items, extended packets).
-/// To be called under lockXmpNamespaces().
 void erasePicturesFromXmp(Exiv2::XmpData &xmp);
 
 /// Removes from IPTC the preview, the object of records 7 to 9, and any dataset that is a picture.

@@ -193,6 +193,21 @@ QByteArray iptcCharacterSet(const Exiv2::IptcData &iptc)
     return found == iptc.end() ? QByteArray() : bytesOfValue(found->value());
 }
 
+void makeUtf8(Exiv2::IptcData &iptc)
+{
+    const QByteArray characterSet = iptcCharacterSet(iptc);
+    for (Exiv2::Iptcdatum &datum : iptc) {
+        if (datum.typeId() != Exiv2::string || datum.record() != Exiv2::IptcDataSets::application2)
+            continue;
+        const std::string before = datum.toString();
+        const std::string after =
+            decodedIptcText(QByteArray::fromStdString(before), characterSet).toStdString();
+        if (after != before)
+            datum.setValue(after);
+    }
+    iptc["Iptc.Envelope.CharacterSet"] = std::string("\x1B%G");
+}
+
 QVariant propertyOfValue(const Exiv2::Value &value, MetadataKind kind, bool isTrimmed, Exiv2::ByteOrder order)
 {
     switch (kind) {

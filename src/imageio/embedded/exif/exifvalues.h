@@ -34,6 +34,10 @@ QByteArray bytesOfValue(const Exiv2::Value &value);
 /// What an IPTC record says of its character set (data set 1:90), for decodedIptcText(); empty: nothing.
 QByteArray iptcCharacterSet(const Exiv2::IptcData &iptc);
 
+/// Converts all texts of the record to UTF-8, also those that only claim to be, and marks the record as
+/// UTF-8.
+void makeUtf8(Exiv2::IptcData &iptc);
+
 /// A text, or numbers as a text; invalid when it is blank.
 QVariant textOfValue(const Exiv2::Value &value, bool isTrimmed);
 

@@ -7,13 +7,12 @@
 namespace plexa
 {
 
-/// Makes the metadata library ready: silent, with a lock of its own and all XMP namespaces registered. Call
-/// it before any use of the library; only the first call does something. Any thread.
+/// Initializes the metadata library: silent, with a lock of its own and all XMP namespaces registered. Must
+/// be called before any use of the library; only the first call has an effect. Any thread.
 void prepareMetadataLibrary();
 
-/// Holds the library's table of XMP namespaces still. A file may bring a prefix that another file used for
-/// another namespace, which changes the table: whoever decodes and encodes a packet does it under one lock,
-/// so that the prefixes mean the same at both ends.
+/// Held while the library decodes or encodes XMP, never between the two: its table of namespaces means the
+/// same at any other time (XmpNamespaces).
 [[nodiscard]] std::unique_lock<std::recursive_mutex> lockXmpNamespaces();
 
 } // namespace plexa

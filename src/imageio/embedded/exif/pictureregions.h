@@ -2,21 +2,17 @@
 
 #pragma once
 
-#include "imageio/base/pictureturn.h"
-
 #include <exiv2/exiv2.hpp>
 
 namespace plexa
 {
 
-// Parts of the picture that metadata name, faces and the subject, turned along with it.
+/// Removes EXIF's subject area and location, which name a place of the picture.
+void eraseRegionsFromExif(Exiv2::ExifData &exif);
 
-/// Turns EXIF's subject area and location (pixels: point, circle or rectangle around its centre).
-void turnRegionsInExif(Exiv2::ExifData &exif, const PictureTurn &turn);
-
-/// Turns the regions of the Metadata Working Group (mwg-rs: centre and size, normalised) and Microsoft (MP:
-/// top left and size, normalised), and EXIF's areas in XMP. Regions in other forms are removed.
-/// To be called under lockXmpNamespaces(). @return have regions been removed?
-bool turnRegionsInXmp(Exiv2::XmpData &xmp, const PictureTurn &turn);
+/// Removes the same of XMP, and the regions of faces and people (Metadata Working Group, Microsoft and two
+/// photo managers).
+/// @return have regions of people been removed?
+bool eraseRegionsFromXmp(Exiv2::XmpData &xmp);
 
 } // namespace plexa

@@ -100,4 +100,17 @@ void addIptcToXmp(Exiv2::XmpData &xmp, const QVariantMap &properties)
     eraseXmpProperty(xmp, "Xmp.photoshop.LegacyIPTCDigest");
 }
 
+void addTiffTextsToXmp(Exiv2::XmpData &xmp, const QVariantMap &properties)
+{
+    const QVariantMap tiff = groupDictionary(properties, MetadataGroup::Tiff);
+    const auto add = [&](QLatin1StringView key, const char *name) {
+        const QStringList texts = propertyTexts(tiff.value(key));
+        if (!texts.isEmpty() && xmp.findKey(Exiv2::XmpKey(name)) == xmp.end())
+            putXmpTexts(xmp, name, texts);
+    };
+    add(kCGImagePropertyTIFFArtist, "Xmp.tiff.Artist");
+    add(kCGImagePropertyTIFFCopyright, "Xmp.tiff.Copyright");
+    add(kCGImagePropertyTIFFImageDescription, "Xmp.tiff.ImageDescription");
+}
+
 } // namespace plexa

@@ -11,9 +11,12 @@ namespace plexa
 
 /// Puts what the IPTC dictionary says into XMP, for a file that has no place for IIM records. Each fact goes
 /// to its home of IPTC Core ("IIM to XMP mapping", IPTC Photo Metadata Standard); facts that have none are
-/// left out. A text in XMP that IIM has only the beginning of stays whole. To be called under
-/// lockXmpNamespaces().
+/// left out. A text in XMP that IIM has only the beginning of stays whole.
 /// @param properties  the property dictionary of the copy
 void addIptcToXmp(Exiv2::XmpData &xmp, const QVariantMap &properties);
+
+/// Puts author, copyright and description of the TIFF dictionary into XMP, for a file that has no place for
+/// EXIF. They go to XMP's own names for TIFF, which a clearing of IPTC leaves. Present values stay.
+void addTiffTextsToXmp(Exiv2::XmpData &xmp, const QVariantMap &properties);
 
 } // namespace plexa

@@ -2,11 +2,10 @@
 
 #include "imageio/embedded/xmp/xmpencoding.h"
 
-#include "imageio/embedded/xmp/xmpdeclarations.h"
+#include "imageio/embedded/exif/exiv2setup.h"
 
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
 
 namespace plexa
@@ -15,44 +14,47 @@ namespace plexa
 namespace
 {
 
+/// @return none where the library refuses a property
 std::optional<QByteArray> attemptedPacket(const Exiv2::XmpData &xmp)
 {
     try {
         std::string packet;
+        const auto lock = lockXmpNamespaces();
         if (Exiv2::XmpParser::encode(packet, xmp, Exiv2::XmpParser::useCompactFormat) == 0)
-            return withXmpNamespaces(QByteArray::fromStdString(packet));
+            return QByteArray::fromStdString(packet);
     } catch (const std::exception &) {
-        // Some refusals are told in one way, some in the other.
+        // The library reports some refusals by an exception, others by its result.
     }
     return {};
 }
 
 /// "dc:title" for "Xmp.dc.title" and everything inside of it.
-std::string topName(const Exiv2::Xmpdatum &datum)
+std::string topName(const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces)
 {
     const std::string path = datum.tagName();
-    return datum.groupName() + ':' + path.substr(0, path.find_first_of("/[?"));
+    return namespaces.prefixOf(datum.groupName()).toStdString() + ':' +
+           path.substr(0, path.find_first_of("/[?"));
 }
 
 } // namespace
 
-QByteArray encodedXmp(const Exiv2::XmpData &xmp, QStringList &omitted)
+QByteArray encodedXmp(const DecodedXmp &xmp, QStringList &omitted)
 {
-    if (xmp.empty())
+    if (xmp.data.empty())
         return {};
-    if (const auto packet = attemptedPacket(xmp))
-        return *packet;
+    if (const auto packet = attemptedPacket(xmp.data))
+        return xmp.namespaces.packetForFile(*packet);
     std::map<std::string, Exiv2::XmpData> byName;
-    for (const Exiv2::Xmpdatum &datum : xmp)
-        byName[topName(datum)].add(datum);
-    std::set<std::string> refused;
-    for (const auto &[name, property] : byName) {
-        if (!attemptedPacket(property))
-            refused.insert(name);
-    }
+    for (const Exiv2::Xmpdatum &datum : xmp.data)
+        byName[topName(datum, xmp.namespaces)].add(datum);
     Exiv2::XmpData rest;
-    for (const Exiv2::Xmpdatum &datum : xmp) {
-        if (!refused.contains(topName(datum)))
+    QStringList refused;
+    for (const auto &[name, property] : byName) {
+        if (!attemptedPacket(property)) {
+            refused += QStringLiteral("XMP ") + QString::fromStdString(name);
+            continue;
+        }
+        for (const Exiv2::Xmpdatum &datum : property)
             rest.add(datum);
     }
     const auto packet = attemptedPacket(rest);
@@ -60,9 +62,8 @@ QByteArray encodedXmp(const Exiv2::XmpData &xmp, QStringList &omitted)
         omitted += QStringLiteral("XMP");
         return {};
     }
-    for (const std::string &name : refused)
-        omitted += QStringLiteral("XMP ") + QString::fromStdString(name);
-    return *packet;
+    omitted += refused;
+    return xmp.namespaces.packetForFile(*packet);
 }
 
 } // namespace plexa

@@ -2,18 +2,15 @@
 
 #pragma once
 
-#include <QByteArray>
-#include <QStringList>
-
-#include <exiv2/exiv2.hpp>
+#include "imageio/embedded/xmp/xmpdecoding.h"
 
 namespace plexa
 {
 
-/// XMP as a packet in UTF-8. Where the library refuses it, the properties that it refuses are left out with
-/// all that is nested in them. Nothing is thrown. To be called under lockXmpNamespaces().
-/// @param omitted  gets the names of what was left out: "XMP" for all of it, "XMP dc:title" for a property
+/// XMP as a packet in UTF-8, with the file's own prefixes. Properties that the library refuses are left out
+/// with all that is nested in them. Throws nothing.
+/// @param omitted  gets the names of what is left out: "XMP" for all of it, "XMP dc:title" for a property
 /// @return empty where nothing is left
-QByteArray encodedXmp(const Exiv2::XmpData &xmp, QStringList &omitted);
+QByteArray encodedXmp(const DecodedXmp &xmp, QStringList &omitted);
 
 } // namespace plexa

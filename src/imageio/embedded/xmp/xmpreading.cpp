@@ -2,7 +2,7 @@
 
 #include "imageio/embedded/xmp/xmpreading.h"
 
-#include "imageio/embedded/xmp/locationcreated.h"
+#include "imageio/embedded/xmp/iptcmirrors.h"
 #include "metadata/metadatatext.h"
 #include "metadata/propertykeys.h"
 

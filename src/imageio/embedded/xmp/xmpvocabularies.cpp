@@ -81,15 +81,6 @@ bool isOneOf(const Property (&properties)[count], const std::string &uri, const 
     });
 }
 
-std::string namespaceOf(const Exiv2::Xmpdatum &datum)
-{
-    try {
-        return Exiv2::XmpProperties::ns(datum.groupName());
-    } catch (const std::exception &) {
-        return {}; // a prefix that nothing has declared
-    }
-}
-
 /// The name of the property at the top.
 std::string topName(const Exiv2::Xmpdatum &datum)
 {
@@ -99,34 +90,34 @@ std::string topName(const Exiv2::Xmpdatum &datum)
 
 } // namespace
 
-bool isDescriptionInXmp(const Exiv2::Xmpdatum &datum)
+bool isDescriptionInXmp(const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces)
 {
-    const std::string uri = namespaceOf(datum);
+    const std::string uri = namespaces.addressOf(datum.groupName());
     return isOneOf(kDescribing, uri, topName(datum)) || uri.starts_with(kPublishing) ||
            (std::find(std::begin(kDescriptions), std::end(kDescriptions), uri) != std::end(kDescriptions) &&
-            !isCameraInXmp(datum));
+            !isCameraInXmp(datum, namespaces));
 }
 
-bool isRightInXmp(const Exiv2::Xmpdatum &datum)
+bool isRightInXmp(const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces)
 {
-    const std::string uri = namespaceOf(datum);
+    const std::string uri = namespaces.addressOf(datum.groupName());
     return uri == kRights || uri == kLicence || uri.starts_with(kUsageRights) ||
            isOneOf(kOfRights, uri, topName(datum));
 }
 
-bool isExposureInXmp(const Exiv2::Xmpdatum &datum)
+bool isExposureInXmp(const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces)
 {
-    return isOneOf(kOfExposure, namespaceOf(datum), topName(datum));
+    return isOneOf(kOfExposure, namespaces.addressOf(datum.groupName()), topName(datum));
 }
 
-bool isCellTowerInXmp(const Exiv2::Xmpdatum &datum)
+bool isCellTowerInXmp(const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces)
 {
-    return namespaceOf(datum) == "http://developer.sonyericsson.com/cell/1.0/";
+    return namespaces.addressOf(datum.groupName()) == "http://developer.sonyericsson.com/cell/1.0/";
 }
 
-bool isCameraInXmp(const Exiv2::Xmpdatum &datum)
+bool isCameraInXmp(const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces)
 {
-    const std::string uri = namespaceOf(datum);
+    const std::string uri = namespaces.addressOf(datum.groupName());
     const std::string name = topName(datum);
     return (uri == kGetty && name.starts_with("Camera")) || isOneOf(kOfCamera, uri, name);
 }

@@ -4,7 +4,6 @@
 
 #include "imageio/embedded/metadataclearing.h"
 #include "imageio/embedded/metadatavalues.h"
-#include "imageio/embedded/xmp/xmppackets.h"
 #include "metadata/metadatatext.h"
 #include "metadata/propertykeys.h"
 
@@ -45,6 +44,13 @@ void putFlash(Exiv2::XmpData &xmp, int flash)
 
 } // namespace
 
+Exiv2::XmpTextValue plainXmpText(const std::string &text)
+{
+    Exiv2::XmpTextValue value;
+    value.value_ = text;
+    return value;
+}
+
 void putXmpTexts(Exiv2::XmpData &xmp, const char *name, const QStringList &texts, const QString &separator)
 {
     eraseXmpProperty(xmp, name);
@@ -76,12 +82,6 @@ void putXmpField(Exiv2::XmpData &xmp, const char *name, const MetadataField &fie
         putFlash(xmp, value.toInt());
     else
         putXmpTexts(xmp, name, texts, isText ? QStringLiteral("; ") : QStringLiteral(" "));
-}
-
-bool hasXmpProperty(const Exiv2::XmpData &xmp, std::string_view name)
-{
-    return std::any_of(xmp.begin(), xmp.end(),
-                       [name](const Exiv2::Xmpdatum &datum) { return datum.key() == name; });
 }
 
 void addXmpStructure(Exiv2::XmpData &xmp, const char *name)

@@ -12,10 +12,13 @@
 namespace plexa
 {
 
+/// A simple XMP value with just this text; the library's own reading looks for commands in it.
+Exiv2::XmpTextValue plainXmpText(const std::string &text);
+
 /// Gives an XMP property these texts in place of what it and its parts say, in the form that the property has
 /// in its vocabulary: a list, one text for the default language, or one plain text. The texts are stored as
-/// they are, but for characters that XML cannot hold. To be called under lockXmpNamespaces(). Throws what the
-/// library throws for a name that it does not know.
+/// they are, but for characters that XML cannot hold. Throws what the library throws
+/// for a name that it does not know.
 /// @param name       the library's key, "Xmp.dc.creator"
 /// @param separator  stands between texts that have to become one plain text
 void putXmpTexts(Exiv2::XmpData &xmp, const char *name, const QStringList &texts,
@@ -24,9 +27,6 @@ void putXmpTexts(Exiv2::XmpData &xmp, const char *name, const QStringList &texts
 /// Gives XMP a field's value; a value that XMP has no form for removes the property.
 /// @param name  one of the properties that say the field's fact
 void putXmpField(Exiv2::XmpData &xmp, const char *name, const MetadataField &field, const QVariant &value);
-
-/// Does XMP have this very property, not only parts of it?
-bool hasXmpProperty(const Exiv2::XmpData &xmp, std::string_view name);
 
 /// Makes a property that holds other properties, where there is none of this name.
 void addXmpStructure(Exiv2::XmpData &xmp, const char *name);

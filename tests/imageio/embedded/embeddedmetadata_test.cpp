@@ -1,0 +1,322 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/codecs/jpeg/thumbnail.h"
+#include "imageio/container/imageresources.h"
+#include "imageio/jpegassembly.h"
+#include "support/files.h"
+#include "support/testenvironment.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+
+using namespace plexa;
+using namespace plexa::test;
+using namespace Qt::Literals::StringLiterals;
+
+namespace
+{
+
+constexpr EmbeddedMetadata::CopyFacts kFacts = {QSize(16, 16), 0};
+
+/// Headers of pictures, followed by zeros so that no size in them can matter.
+const QByteArray kTiff = "II*\0\x08\0\0\0"_ba + QByteArray(300, '\0');
+const QByteArray kWebp = "RIFF\x2C\x01\0\0WEBPVP8 "_ba + QByteArray(300, '\0');
+const QByteArray kGif = "GIF89a\x10\0\x10\0"_ba + QByteArray(300, '\0');
+const QByteArray kHeif = big32(0x18) + "ftypheic" + QByteArray(300, '\0');
+const QByteArray kPng = "\x89PNG\r\n\x1A\n"_ba + QByteArray(300, '\0');
+const QByteArray kJpeg = "\xFF\xD8\xFF\xDB"_ba + QByteArray(300, '\0');
+
+struct Field {
+    int tag;
+    int type; ///< 2: text, 4: number, 7: bytes
+    QByteArray value;
+};
+
+/// A big-endian directory that begins at `at`, followed by its values.
+QByteArray directory(qsizetype at, const QList<Field> &fields)
+{
+    QByteArray table = big16(fields.size());
+    QByteArray values;
+    const qsizetype valuesAt = at + 2 + 12 * fields.size() + 4;
+    for (const Field &field : fields) {
+        table += big16(field.tag) + big16(field.type) + big32(field.type == 4 ? 1 : field.value.size());
+        if (field.value.size() <= 4) {
+            table += field.value.leftJustified(4, '\0');
+        } else {
+            table += big32(valuesAt + values.size());
+            values += field.value + QByteArray(field.value.size() % 2, '\0');
+        }
+    }
+    return table + big32(0) + values;
+}
+
+/// EXIF with a maker, a date and these fields.
+QByteArray exifWith(const QList<Field> &more)
+{
+    constexpr qsizetype kMainBytes = 2 + 2 * 12 + 4 + 8;
+    const QList<Field> main{{0x010F, 2, "Quorvel\0"_ba}, {0x8769, 4, big32(8 + kMainBytes)}};
+    const QList<Field> photo{{0x9003, 2, "2020:01:01 10:00:00\0"_ba}};
+    return "MM\0\x2A\0\0\0\x08"_ba + directory(8, main) + directory(8 + kMainBytes, photo + more);
+}
+
+QByteArray dataSet(int record, int tag, const QByteArray &value)
+{
+    return "\x1C"_ba + bigEndian(record, 1) + bigEndian(tag, 1) + big16(value.size()) + value;
+}
+
+/// A Photoshop image resource.
+QByteArray resource(int id, const QByteArray &data, const QByteArray &name = {})
+{
+    QByteArray pascal = bigEndian(name.size(), 1) + name;
+    pascal += QByteArray(pascal.size() % 2, '\0');
+    return "8BIM" + big16(id) + pascal + big32(data.size()) + data + QByteArray(data.size() % 2, '\0');
+}
+
+QByteArray xmpPacket(const QByteArray &properties)
+{
+    return "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF "
+           "xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"><rdf:Description rdf:about=\"\" "
+           "xmlns:dc=\"http://purl.org/dc/elements/1.1/\" xmlns:xmp=\"http://ns.adobe.com/xap/1.0/\">" +
+           properties + "</rdf:Description></rdf:RDF></x:xmpmeta>";
+}
+
+/// The pattern so many times, each "#" a number.
+QByteArray repeated(int count, const char *pattern)
+{
+    QByteArray text;
+    for (int i = 0; i < count; ++i)
+        text += QByteArray(pattern).replace('#', QByteArray::number(i));
+    return text;
+}
+
+} // namespace
+
+/// Copies keep all that they can of unusual metadata, and nothing that shows the unmarked photo.
+class EmbeddedMetadataTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void longExifLosesLittle()
+    {
+        const QString unknown = u"EXIF field 0xfde8"_s;
+        const QString note = u"maker note"_s;
+        const QString comment = u"user comment"_s;
+        const auto check = [&](int noteBytes, int commentBytes, int unknownBytes, const QStringList &omitted,
+                               qsizetype limit = kFacts.maxExifBytes) {
+            QList<Field> fields;
+            if (noteBytes > 0)
+                fields += {0x927C, 7, QByteArray(noteBytes, 'n')};
+            if (commentBytes > 0)
+                fields += {0x9286, 7, "ASCII\0\0\0"_ba + QByteArray(commentBytes - 8, 'c')};
+            if (unknownBytes > 0)
+                fields += {0xFDE8, 7, QByteArray(unknownBytes, 'u')};
+            EmbeddedMetadata::Encoded blocks;
+            blocks.exif = exifWith(fields);
+            QVERIFY(blocks.exif.size() <= kFacts.maxExifBytes);
+            const EmbeddedMetadata::Encoded copy = copied(blocks, {QSize(16, 16), 10'000, limit});
+            QVERIFY(copy.exif.size() <= limit);
+            QCOMPARE(copy.omitted, omitted);
+            QCOMPARE(copy.exif.contains(QByteArray(noteBytes, 'n')), !omitted.contains(note));
+            QCOMPARE(copy.exif.contains(QByteArray(qMax(0, commentBytes - 8), 'c')),
+                     !omitted.contains(comment));
+            QCOMPARE(copy.exif.contains(QByteArray(unknownBytes, 'u')), !omitted.contains(unknown));
+            QVERIFY(copy.exif.contains("Quorvel") && copy.exif.contains("2020:01:01 10:00:00"));
+        };
+        check(1000, 1000, 1000, {});
+        check(0, 65'425, 0, {comment});
+        check(40'000, 25'405, 0, {note});
+        check(0, 33'410, 32'000, {unknown});
+        check(0, 64'000, 1000, {unknown}, 65'000); // no more than needed
+        check(2000, 2000, 3000, {note, unknown, comment}, 1000);
+        check(0, 65'425, 0, {}, 100'000); // in a PNG
+    }
+
+    void picturesInExifAreRemoved()
+    {
+        const auto check = [this](int tag, const QByteArray &value, bool isKept) {
+            EmbeddedMetadata::Encoded blocks;
+            blocks.exif = exifWith({{tag, 7, value}});
+            const QByteArray exif = copied(blocks).exif;
+            QVERIFY(exif.contains("Quorvel"));
+            QVERIFY2(exif.contains(value) == isKept, value);
+            QVERIFY2(exif.contains(value.right(290)) == isKept, value);
+        };
+        for (const QByteArray &picture : {"abc" + kJpeg, "abc" + kPng, kTiff, kWebp, kGif, kHeif})
+            check(0xFDE8, picture, false);
+        check(0x9286, "ASCII\0\0\0"_ba + kGif, false);
+        check(0xFDE8, "BMXX"_ba + QByteArray(300, '\x01'), true);
+        check(0x927C, kTiff, true); // a maker note may have the header of a TIFF
+    }
+
+    void picturesInIptcAreRemoved()
+    {
+        // A time without zone: the library would add one when it encodes the record again.
+        const QByteArray before =
+            dataSet(2, 0, "\0\x04"_ba) + dataSet(2, 60, "101500") + dataSet(2, 120, "Lake");
+        const QByteArray after = dataSet(2, 25, "water");
+        const auto check = [&](const QByteArray &unwanted) {
+            EmbeddedMetadata::Encoded blocks;
+            const bool isAtEnd = !unwanted.startsWith('\x1C');
+            blocks.iptc = isAtEnd ? before + after + unwanted : before + unwanted + after;
+            QCOMPARE(copied(blocks).iptc, before + after);
+        };
+        check({});
+        check(dataSet(2, 200, "\0\x0B"_ba) + dataSet(2, 201, "\0\x01"_ba) + dataSet(2, 202, kJpeg));
+        check(dataSet(2, 202, kTiff));
+        check(dataSet(2, 202, QByteArray(300, 'p'))); // a preview without a known header
+        check(dataSet(7, 10, "\1"_ba) + dataSet(8, 10, QByteArray(300, 'o')) + dataSet(9, 10, "\0\0\1\0"_ba));
+        check(dataSet(2, 240, kGif)); // an unknown dataset
+        check(kWebp);                 // after the last dataset
+    }
+
+    /// Resources that follow an invalid one are left out with it.
+    void imageResourcesAreChosen()
+    {
+        const QByteArray angle = resource(0x040D, big32(30));
+        const QByteArray flag = resource(0x040A, "\1");
+        const QByteArray iptc = dataSet(2, 120, "Lake");
+        const QByteArray unwanted[] = {
+            {},
+            resource(0x040C, QByteArray(28, '\0') + kJpeg),                // thumbnail
+            resource(0x0409, QByteArray(300, 't')),                        // old thumbnail
+            resource(0x0422, kTiff),                                       // EXIF
+            resource(0x0424, xmpPacket("<dc:format>image/x</dc:format>")), // XMP
+            resource(0x0402, QByteArray(64, 'l'), "name"),                 // layers
+            resource(0x040B, kJpeg),                                       // in place of a link
+            resource(0x040B, kTiff),
+            resource(0x040B, QByteArray(100'000, 'u')), // too long
+            "8BIM\x04\x0B\xFFname"_ba,                  // name beyond the end
+            "8BIM\x04\x0B\0\0\xFF\xFF\xFF\xFFlink"_ba,  // length beyond the end
+            "\xFF\xD8\xFF\xE0 and more bytes"_ba,       // another kind
+        };
+        for (const QByteArray &bytes : unwanted) {
+            const QByteArray all = angle + resource(0x0404, iptc) + flag + bytes;
+            QCOMPARE(imageResourcesForCopy(all, {}), angle + flag);
+            QCOMPARE(iptcOfImageResources(all), iptc);
+            QCOMPARE(imageResourcesForCopy(bytes, {}), QByteArray());
+        }
+    }
+
+    void imageResourcesFollowTheCopy()
+    {
+        const auto resolution = [](int horizontal, int vertical) {
+            return resource(0x03ED, big16(horizontal) + big16(0) + "\0\1\0\2"_ba + big16(vertical) +
+                                        big16(0) + "\0\1\0\2"_ba);
+        };
+        const QByteArray digest = resource(0x0425, QByteArray(16, 'd'));
+        const QByteArray rights = resource(0x040A, "\1") + resource(0x040B, "https://quorvel.example");
+        const QByteArray all = resolution(72, 300) + rights + digest;
+        ImageResourceFacts facts{"old"_ba, "old"_ba, {300, 300}, false};
+        QCOMPARE(imageResourcesForCopy(all, facts), resolution(300, 300) + rights + digest);
+        facts.iptcAfter = "new";
+        facts.clearsRights = true;
+        const QByteArray renewed = QByteArray::fromHex("22af645d1859cb5ca6da0c484f1f37ea"); // md5sum of "new"
+        QCOMPARE(imageResourcesForCopy(all, facts), resolution(300, 300) + resource(0x0425, renewed));
+        facts.iptcAfter.clear();
+        QCOMPARE(imageResourcesForCopy(all, facts), resolution(300, 300));
+    }
+
+    void commentsAreTexts()
+    {
+        const auto check = [this](const QByteArrayList &comments, const QByteArray &kept) {
+            QByteArray segments;
+            for (const QByteArray &comment : comments)
+                segments += jpegSegment(0xFE, comment);
+            const auto metadata = readBack("comments.jpg", jpegWith({}).insert(2, segments));
+            const EmbeddedMetadata::Encoded copy = metadata->encodeForCopy(metadata->properties(), kFacts);
+            QCOMPARE(copy.comment, kept);
+            const bool isWhole = comments.size() < 256 && kept.size() >= comments.join().size();
+            QCOMPARE(copy.omitted, isWhole ? QStringList() : QStringList(u"comment"_s));
+        };
+        for (const QByteArray &text :
+             {"Lake\tat\r\nnoon\n"_ba, "Lake\0"_ba, "Z\xFCrich"_ba, "Z\xC3\xBCrich"_ba})
+            check({text}, text);
+        const QByteArray longText(300, 'x');
+        for (const QByteArray &other :
+             {"Lake\x01\x02"_ba, "\xFF\xD8\xFF\xDB" + longText, kPng, kTiff, "GIF89a" + longText})
+            check({other}, {});
+        check({"Lake\0"_ba, "Z\xFCrich"_ba, kPng, "Z\xC3\xBCrich"_ba}, "Lake\nZ\xC3\xBCrich\nZ\xC3\xBCrich");
+        const QByteArray full(65'533, 'c');
+        check({full, "d"}, full + 'd'); // one comment of two segments
+        check(QByteArrayList(300, "c"), QByteArrayList(256, "c").join('\n'));
+    }
+
+    void excessiveXmpIsRefused_data()
+    {
+        QTest::addColumn<QByteArray>("properties");
+        QTest::addColumn<bool>("isKept");
+        const auto bag = [](int count) {
+            return "<dc:subject><rdf:Bag>" + repeated(count, "<rdf:li>k#</rdf:li>") +
+                   "</rdf:Bag></dc:subject>";
+        };
+        const auto nested = [](const char *start) {
+            return repeated(1000, start) + QByteArray("</xmp:a>").repeated(1000);
+        };
+        QTest::newRow("few") << bag(5) << true;
+        QTest::newRow("4000 properties") << repeated(4000, "<xmp:p#>v</xmp:p#>") << true;
+        QTest::newRow("4000 items") << bag(4000) << true;
+        QTest::newRow("6000 properties") << repeated(6000, "<xmp:p#>v</xmp:p#>") << false;
+        QTest::newRow("6000 attributes")
+            << "<rdf:Description " + repeated(6000, " xmp:p#='v'") + "/>" << false;
+        QTest::newRow("deep") << nested("<xmp:a rdf:parseType='Resource'>") << false;
+        QTest::newRow("deep, with ends in comments")
+            << nested("<xmp:a rdf:parseType='Resource'><!--</xmp:a>-->") << false;
+        QTest::newRow("deep, with ends in values")
+            << nested("<xmp:a rdf:parseType='Resource' xmp:b='/>'>") << false;
+        QTest::newRow("document type") << QByteArray("<xmp:a>v</xmp:a>") << false;
+    }
+
+    /// In a PNG: a JPEG's segment would be too short for most of these.
+    void excessiveXmpIsRefused()
+    {
+        QFETCH(QByteArray, properties);
+        QFETCH(bool, isKept);
+        QByteArray xmp = xmpPacket("<dc:format>image/x</dc:format>" + properties);
+        if (QTest::currentDataTag() == "document type"_ba)
+            xmp.prepend("<!DOCTYPE x [<!ENTITY e \"v\">]>");
+        const QByteArray png = kPng.left(8) + pngChunk("IHDR", big32(1) + big32(1) + "\x08\0\0\0\0"_ba) +
+                               pngChunk("iTXt", "XML:com.adobe.xmp\0\0\0\0\0"_ba + xmp) +
+                               pngChunk("IEND", {});
+        QElapsedTimer timer;
+        timer.start();
+        const auto metadata = readBack("source.png", png);
+        const EmbeddedMetadata::Encoded copy = metadata->encodeForCopy(metadata->properties(), kFacts);
+        QCOMPARE(copy.xmp.contains("image/x"), isKept);
+        QCOMPARE(copy.xmp.isEmpty(), !isKept);
+        QCOMPARE(copy.omitted, isKept ? QStringList() : QStringList{u"XMP"_s});
+        QVERIFY(timer.elapsed() < 15'000); // a quarter of a second without sanitizers
+    }
+
+    /// Random blocks compress worst.
+    void thumbnailFitsAnyRoom()
+    {
+        const QImage noise = randomPicture({160, 160}).scaled(640, 640);
+        for (const int room : {700, 1500, 4000, 10'000}) {
+            ThumbnailMaker maker(noise.size());
+            maker.addRows(noise, noise.height());
+            const QByteArray thumbnail = maker.jpeg(room);
+            QCOMPARE(thumbnail.size(), room);
+            QVERIFY(!QImage::fromData(thumbnail, "JPG").isNull());
+        }
+    }
+
+private:
+    std::shared_ptr<const EmbeddedMetadata> readBack(const char *name, const QByteArray &file)
+    {
+        const QString path = m_folder.path(name);
+        return writeFile(path, file) ? EmbeddedMetadata::read(path) : EmbeddedMetadata::none();
+    }
+
+    EmbeddedMetadata::Encoded copied(const EmbeddedMetadata::Encoded &blocks,
+                                     const EmbeddedMetadata::CopyFacts &facts = kFacts)
+    {
+        const auto metadata = readBack("source.jpg", jpegWith(blocks));
+        return metadata->encodeForCopy(metadata->properties(), facts);
+    }
+
+    TestFolder m_folder;
+};
+
+QTEST_GUILESS_MAIN(EmbeddedMetadataTest)
+#include "embeddedmetadata_test.moc"
