@@ -55,23 +55,15 @@ struct ImageSource::State {
     mutable std::optional<QVariantMap> properties;
 
     QVariantMap makeProperties(const EmbeddedMetadata &fromMetadata) const;
-    int reductionTo(int minimumSide) const;
+    int reductionTo(int minimumSide) const { return reductionFor(info.rows.size, minimumSide); }
     /// Does the codec decode a smaller picture?
     bool reducesItself(int reduction) const
     {
         return format->codec->reducedSize(info.rows.size, reduction) != info.rows.size;
     }
+    Result<std::unique_ptr<RowReader>> openReader(int reduction) const;
     Result<QImage> readImage(int reduction) const;
 };
-
-int ImageSource::State::reductionTo(int minimumSide) const
-{
-    const int longer = qMax(info.rows.size.width(), info.rows.size.height());
-    int reduction = 8;
-    while (reduction > 1 && (longer + reduction - 1) / reduction < minimumSide)
-        reduction /= 2;
-    return reduction;
-}
 
 QVariantMap ImageSource::State::makeProperties(const EmbeddedMetadata &fromMetadata) const
 {
@@ -104,16 +96,23 @@ QVariantMap ImageSource::State::makeProperties(const EmbeddedMetadata &fromMetad
     return map;
 }
 
-Result<QImage> ImageSource::State::readImage(int reduction) const
+Result<std::unique_ptr<RowReader>> ImageSource::State::openReader(int reduction) const
 {
     Result<std::unique_ptr<RowReader>> reader = format->codec->openReader(*file, limits, reduction);
+    if (reader && !reducesItself(reduction))
+        reader = withReducedRows(std::move(*reader), reduction);
+    // The header of some files states another size than their pictures have.
+    if (reader && reduction == 1 && (*reader)->format() != info.rows)
+        return fail(PictureFailures::damaged());
+    return reader;
+}
+
+Result<QImage> ImageSource::State::readImage(int reduction) const
+{
+    const Result<std::unique_ptr<RowReader>> reader = openReader(reduction);
     if (!reader)
         return tl::unexpected(reader.error());
-    if (!reducesItself(reduction))
-        reader = withReducedRows(std::move(*reader), reduction);
     const RowFormat rows = (*reader)->format();
-    if (reduction == 1 && rows != info.rows)
-        return fail(PictureFailures::damaged());
     if (const auto checked = PictureFailures::checkMemory(rows.size, 4, limits); !checked)
         return tl::unexpected(checked.error());
     QImage image(rows.size, rows.imageFormat());
@@ -242,14 +241,9 @@ QSize ImageSource::imageSize(int minimumSide) const
                                              : reducedSize(whole, reduction);
 }
 
-Result<std::unique_ptr<RowReader>> ImageSource::openRows() const
+Result<std::unique_ptr<RowReader>> ImageSource::openRows(int minimumSide) const
 {
-    Result<std::unique_ptr<RowReader>> reader =
-        m_state->format->codec->openReader(*m_state->file, m_state->limits, 1);
-    // Some formats tell a size at their beginning that their pictures do not keep to.
-    if (reader && (*reader)->format() != m_state->info.rows)
-        return fail(PictureFailures::damaged());
-    return reader;
+    return m_state->openReader(minimumSide > 0 ? m_state->reductionTo(minimumSide) : 1);
 }
 
 } // namespace plexa

@@ -53,8 +53,9 @@ public:
     /// a reduced scale where the format can, else reduced while its rows are read.
     [[nodiscard]] Result<QImage> createReducedImage(int minimumSide) const;
 
-    /// The rows of image 0. The reader uses this object's file: keep it alive, and read one at a time.
-    [[nodiscard]] Result<std::unique_ptr<RowReader>> openRows() const;
+    /// The rows of image 0; where `minimumSide` is above 0, those of the picture that createReducedImage()
+    /// returns. The reader uses this object's file: keep it alive, and read one at a time.
+    [[nodiscard]] Result<std::unique_ptr<RowReader>> openRows(int minimumSide = 0) const;
 
     /// The most memory (bytes) that a reader of openRows() takes besides the caller's strips: 0 where the
     /// rows stream; else the coefficients of a JPEG of several scans, an interlaced PNG, or the whole

@@ -210,6 +210,25 @@ private:
 
 } // namespace
 
+Result<CopyOrder> copyOrderFor(const QString &path, const CopyTarget &target,
+                               const SavingPresetValues &savingPreset)
+{
+    CopyOrder order;
+    order.path = path;
+    order.target = target;
+    order.targetType = savingPreset.imageFormatUTI(path);
+    if (order.targetType.isEmpty())
+        return fail(QStringLiteral("the format \"%1\" cannot be written").arg(savingPreset.imageFormat));
+    const bool hasLosses =
+        order.targetType == QLatin1String("image/jpeg") || order.targetType == QLatin1String("image/heic");
+    if (hasLosses && (savingPreset.jpegQuality < 1 || savingPreset.jpegQuality > 100))
+        return fail(
+            QStringLiteral("the quality %1 % is not between 1 and 100 %").arg(savingPreset.jpegQuality));
+    order.quality = savingPreset.jpegQuality / 100.0;
+    order.tiffLzw = savingPreset.tiffCompressionLZW;
+    return order;
+}
+
 Result<CopyReport> writeCopy(const CopyOrder &order, const PhotoServices &services)
 {
     try {

@@ -7,6 +7,7 @@
 #include "metadata/imagemetadata.h"
 #include "platform/atomicfile.h"
 #include "platform/fileversion.h"
+#include "presets/savingpresetvalues.h"
 #include "watermark/watermarkdrawing.h"
 
 #include <QPointF>
@@ -46,6 +47,11 @@ struct CopyOrder {
     bool preservesCreationDate = true;
     CancelCheck isCancelled;
 };
+
+/// The parts of an order that a saving preset decides, for the photo at `path`.
+/// @return the reason when the preset has a format that cannot be written or an impossible quality
+[[nodiscard]] Result<CopyOrder> copyOrderFor(const QString &path, const CopyTarget &target,
+                                             const SavingPresetValues &savingPreset);
 
 /// What became of a copy.
 struct CopyReport {

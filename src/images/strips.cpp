@@ -23,13 +23,17 @@ int rowsPerStrip(QSize picture)
 
 } // namespace
 
-Result<void> forEachStrip(RowReader &reader, const StripVisitor &visit)
+Result<void> forEachStrip(RowReader &reader, const StripVisitor &visit, const CancelCheck &isCancelled)
 {
     const RowFormat format = reader.format();
-    QImage strip = blankPicture({format.size.width(), rowsPerStrip(format.size)}, format.imageFormat());
+    const int rows = rowsPerStrip(format.size);
+    QImage strip = blankPicture({format.size.width(), isCancelled ? std::min(rows, kCodecBlockRows) : rows},
+                                format.imageFormat());
     if (strip.isNull())
         return fail(outOfMemoryText());
     for (int row = 0; row < format.size.height(); row += strip.height()) {
+        if (isCanceled(isCancelled))
+            return fail(cancelledText());
         const int count = std::min(strip.height(), format.size.height() - row);
         if (Result<void> read = reader.readRows(strip, count); !read)
             return read;
@@ -39,11 +43,25 @@ Result<void> forEachStrip(RowReader &reader, const StripVisitor &visit)
     return {};
 }
 
+Result<void> readStrips(RowReader &reader, QImage &picture, const CancelCheck &isCancelled)
+{
+    const int rows = isCancelled ? kCodecBlockRows : picture.height();
+    for (int row = 0; row < picture.height(); row += rows) {
+        if (isCanceled(isCancelled))
+            return fail(cancelledText());
+        const int count = std::min(rows, picture.height() - row);
+        QImage strip(picture.scanLine(row), picture.width(), count, picture.bytesPerLine(), picture.format());
+        if (Result<void> read = reader.readRows(strip, count); !read)
+            return read;
+    }
+    return {};
+}
+
 Result<void> writeStrips(RowWriter &writer, const QImage &picture, const CancelCheck &isCancelled)
 {
     const int rows = rowsPerStrip(picture.size());
     for (int row = 0; row < picture.height(); row += rows) {
-        if (isCancelled && isCancelled())
+        if (isCanceled(isCancelled))
             return fail(cancelledText());
         const int count = std::min(rows, picture.height() - row);
         const QImage strip(picture.constScanLine(row), picture.width(), count, picture.bytesPerLine(),

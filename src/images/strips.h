@@ -12,15 +12,21 @@
 namespace plexa
 {
 
-/// What a strip is used for: it holds the picture's rows from `firstRow` on, `count` of them. A failure ends
-/// the walk and becomes its result. The strip may be drawn on; it is not shared.
+/// Receives the picture's rows from `firstRow` on, `count` of them, in the first rows of the strip. A failure
+/// ends the walk and becomes its result. The strip may be drawn on; it is not shared.
 using StripVisitor = std::function<Result<void>(QImage &strip, int firstRow, int count)>;
 
 /// Reads a picture from the top down, a few rows at a time: enough to keep codecs busy, few enough to stay in
 /// the processor's cache.
-[[nodiscard]] Result<void> forEachStrip(RowReader &reader, const StripVisitor &visit);
+/// @param isCancelled  asked before each strip; where given, a strip has few rows even if they are short
+[[nodiscard]] Result<void> forEachStrip(RowReader &reader, const StripVisitor &visit,
+                                        const CancelCheck &isCancelled = {});
 
-/// Hands a picture in memory to a writer strip by strip, without copying it.
+/// Reads a whole picture into `picture`, which has the reader's size and format and is not shared.
+/// @param isCancelled  as forEachStrip()
+[[nodiscard]] Result<void> readStrips(RowReader &reader, QImage &picture, const CancelCheck &isCancelled);
+
+/// Passes a picture in memory to a writer strip by strip, without copying it.
 /// @param isCancelled  asked before each strip
 [[nodiscard]] Result<void> writeStrips(RowWriter &writer, const QImage &picture,
                                        const CancelCheck &isCancelled);
@@ -28,7 +34,7 @@ using StripVisitor = std::function<Result<void>(QImage &strip, int firstRow, int
 /// A picture without contents; null when there is no memory for it.
 QImage blankPicture(QSize size, QImage::Format format);
 
-/// The reason given where a picture finds no room.
+/// The reason reported when there is no memory for a picture.
 QString outOfMemoryText();
 
 } // namespace plexa

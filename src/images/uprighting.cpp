@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <new>
 
 namespace plexa
 {
@@ -33,12 +34,32 @@ constexpr std::array<Turn, 8> kTurns = {{{1, 0, 0, 1},
                                          {0, 1, 1, 0},
                                          {0, 1, -1, 0}}};
 
+constexpr qint64 kUnreservedBytes = 64 * 1024 * 1024; // a picture for a large screen
+
 constexpr std::array<int, 5> kOrientationOfTransform = {6, 8, 3, 2, 4};
 
 QSize scaledBy(QSize size, double scaleX, double scaleY)
 {
     return {static_cast<int>(std::lround(size.width() * scaleX)),
             static_cast<int>(std::lround(size.height() * scaleY))};
+}
+
+/// The whole picture, each strip placed where the orientation has it.
+Result<QImage> readOriented(RowReader &reader, int orientation, const CancelCheck &isCancelled)
+{
+    const RowFormat format = reader.format();
+    QImage picture = blankPicture(orientedSize(format.size, orientation), format.imageFormat());
+    if (picture.isNull())
+        return fail(outOfMemoryText());
+    const auto place = [&](const QImage &strip, int firstRow, int count) -> Result<void> {
+        placeOrientedRows(picture, strip, count, firstRow, format.size, orientation);
+        return {};
+    };
+    const Result<void> read = orientation == 1 ? readStrips(reader, picture, isCancelled)
+                                               : forEachStrip(reader, place, isCancelled);
+    if (!read)
+        return tl::unexpected(read.error());
+    return picture;
 }
 
 } // namespace
@@ -105,51 +126,62 @@ Uprighting uprightingOf(QSize stored, const ImageMetadata &metadata, int turns, 
     return result;
 }
 
-Result<QImage> readUpright(const ImageSource &source, const Uprighting &uprighting, int reducedTo)
+Result<QImage> readUpright(const ImageSource &source, const Uprighting &uprighting, int reducedTo,
+                           const CancelCheck &isCancelled)
 {
-    if (reducedTo > 0 || uprighting.isStretched()) {
-        const Result<QImage> stored =
-            reducedTo > 0 ? source.createReducedImage(reducedTo) : source.createImage();
-        if (!stored || uprighting.isIdentity())
-            return stored;
-        QImage upright = createImageWithTransform(*stored, uprighting.transform(stored->size()));
-        return upright.isNull() ? *stored : upright;
-    }
-    if (uprighting.orientation == 1)
-        return source.createImage();
-
-    Result<std::unique_ptr<RowReader>> reader = source.openRows();
+    const Result<std::unique_ptr<RowReader>> reader = source.openRows(reducedTo);
     if (!reader)
         return tl::unexpected(reader.error());
-    const RowFormat format = (*reader)->format();
-    QImage upright = blankPicture(uprighting.size(), format.imageFormat());
-    if (upright.isNull())
-        return fail(outOfMemoryText());
-    const Result<void> read = forEachStrip(**reader, [&](const QImage &strip, int firstRow, int count) {
-        placeOrientedRows(upright, strip, count, firstRow, format.size, uprighting.orientation);
-        return Result<void>();
-    });
-    if (!read)
-        return tl::unexpected(read.error());
-    return upright;
+    if (!uprighting.isStretched())
+        return readOriented(**reader, uprighting.orientation, isCancelled);
+    const Result<QImage> stored = readOriented(**reader, 1, isCancelled);
+    if (!stored)
+        return stored;
+    QImage upright = createImageWithTransform(*stored, uprighting.transform(stored->size()));
+    return upright.isNull() ? *stored : upright;
 }
 
 qint64 uprightBytes(const ImageSource &source, const Uprighting &uprighting, int reducedTo)
 {
-    if (!(reducedTo > 0 || uprighting.isStretched())) {
-        // The rows of a turned photo go straight to their places.
-        return source.imageBytes();
-    }
     const qint64 decoding = source.imageBytes(reducedTo);
-    if (uprighting.isIdentity())
+    if (!uprighting.isStretched()) // the rows of a rotated photo go straight to their places
         return decoding;
-    // The stored picture, turned, and stretched, all at once.
+    // The stored picture, the rotated one and the stretched one exist at the same time.
     const QSize stored = source.imageSize(reducedTo);
     const qint64 storedBytes = pictureBytes(stored);
     const qint64 turnedBytes = uprighting.orientation == 1 ? 0 : storedBytes;
-    const qint64 stretchedBytes =
-        uprighting.isStretched() ? pictureBytes(scaledBy(stored, uprighting.scaleX, uprighting.scaleY)) : 0;
+    const qint64 stretchedBytes = pictureBytes(scaledBy(stored, uprighting.scaleX, uprighting.scaleY));
     return std::max(decoding, storedBytes + turnedBytes + stretchedBytes);
+}
+
+QImage turnedPhoto(const QImage &photo, ImageTransform transform)
+{
+    switch (transform) {
+    case ImageTransform::RotateClockwise:
+        return createImageRotatedByQuarter(photo, true);
+    case ImageTransform::RotateCounterClockwise:
+        return createImageRotatedByQuarter(photo, false);
+    case ImageTransform::RotateHalf:
+        return createImageRotatedByHalf(photo);
+    case ImageTransform::MirrorLeftRight:
+        return createImageFlipped(photo, false);
+    case ImageTransform::MirrorTopBottom:
+        return createImageFlipped(photo, true);
+    }
+    return {};
+}
+
+QImage turnedThumbnail(const QImage &thumbnail, ImageTransform transform)
+{
+    // Stored mirrored top to bottom, so its quarter turns go the other way.
+    switch (transform) {
+    case ImageTransform::RotateClockwise:
+        return turnedPhoto(thumbnail, ImageTransform::RotateCounterClockwise);
+    case ImageTransform::RotateCounterClockwise:
+        return turnedPhoto(thumbnail, ImageTransform::RotateClockwise);
+    default:
+        return turnedPhoto(thumbnail, transform);
+    }
 }
 
 Result<ByteBudget::Reservation> reserveForPhoto(ByteBudget &budget, QSize size, qint64 bytes)
@@ -162,13 +194,35 @@ Result<ByteBudget::Reservation> reserveForPhoto(ByteBudget &budget, QSize size, 
 }
 
 Result<QImage> readUprightWithin(ByteBudget &budget, const ImageSource &source, const Uprighting &uprighting,
-                                 int reducedTo)
+                                 int reducedTo, const CancelCheck &isCancelled)
 {
+    const qint64 bytes = uprightBytes(source, uprighting, reducedTo);
+    const bool isSmall = reducedTo > 0 && bytes <= kUnreservedBytes;
     const Result<ByteBudget::Reservation> room =
-        reserveForPhoto(budget, source.info().rows.size, uprightBytes(source, uprighting, reducedTo));
+        reserveForPhoto(budget, source.info().rows.size, isSmall ? 0 : bytes);
     if (!room)
         return tl::unexpected(room.error());
-    return readUpright(source, uprighting, reducedTo);
+    return readUpright(source, uprighting, reducedTo, isCancelled);
+}
+
+Result<QImage> readReducedVersion(const UprightVersion &photo, int minimumSide, const PhotoServices &services,
+                                  const CancelCheck &isCancelled)
+{
+    try {
+        const Result<ImageSource> source = ImageSource::open(photo.path, services.limits);
+        if (!source)
+            return tl::unexpected(source.error());
+        if (source->version() != photo.version)
+            return fail(PictureFailures::changedMeanwhile());
+        const int side = std::max(minimumSide, 1);
+        Result<QImage> picture =
+            readUprightWithin(services.budget, *source, photo.uprighting, side, isCancelled);
+        if (const Result<void> unchanged = source->checkUnchanged(); !unchanged)
+            return tl::unexpected(unchanged.error());
+        return picture;
+    } catch (const std::bad_alloc &) {
+        return fail(outOfMemoryText());
+    }
 }
 
 } // namespace plexa

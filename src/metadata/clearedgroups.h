@@ -7,8 +7,8 @@
 namespace plexa
 {
 
-/// A dictionary of the property dictionary that people have cleared. A file may store facts of it that the
-/// dictionary does not model, so that an empty dictionary alone does not tell a clearing.
+/// A dictionary of the property dictionary that the user has cleared. A file may store facts of it that the
+/// dictionary does not model, so that an empty dictionary alone is no proof of a clearing.
 enum class ClearedGroup {
     Tiff = 1, ///< description, camera, software and, unless they are still there, copyright and artist
     Exif = 2, ///< EXIF and EXIF auxiliary

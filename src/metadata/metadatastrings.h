@@ -19,7 +19,7 @@ QVariant meteringModeString(const QVariant &mode);
 /// 48° 51' 30.240" N. Each part keeps the sign of a negative number. Invalid without a number.
 QVariant latitudeOrLongitudeString(const QVariant &number, const QVariant &reference);
 
-/// The form of EXIF's dates and times, "yyyy:MM:dd HH:mm:ss", as QDateTime::toString() takes it.
+/// The form of EXIF's dates and times, "yyyy:MM:dd HH:mm:ss", as QDateTime::toString() reads it.
 QString exifDateTimeFormatter();
 
 /// An EXIF date and time, in the local time zone, or in one that shows the same clock where the local one

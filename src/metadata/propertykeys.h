@@ -9,7 +9,7 @@
 namespace plexa
 {
 
-// The groups and what stands beside them at the top
+// The groups and the values beside them at the top
 inline constexpr QLatin1StringView kCGImagePropertyTIFFDictionary("{TIFF}");
 inline constexpr QLatin1StringView kCGImagePropertyExifDictionary("{Exif}");
 inline constexpr QLatin1StringView kCGImagePropertyExifAuxDictionary("{ExifAux}");
@@ -122,7 +122,7 @@ inline constexpr QLatin1StringView kCGImagePropertyExifCompositeImage("Composite
 inline constexpr QLatin1StringView
     kCGImagePropertyExifSourceImageNumberOfCompositeImage("SourceImageNumberOfCompositeImage");
 
-// EXIF auxiliary: what lens makers and maker notes add
+// EXIF auxiliary: facts of lens makers and maker notes
 inline constexpr QLatin1StringView kCGImagePropertyExifAuxLensInfo("LensInfo");
 inline constexpr QLatin1StringView kCGImagePropertyExifAuxLensModel("LensModel");
 inline constexpr QLatin1StringView kCGImagePropertyExifAuxSerialNumber("SerialNumber");

@@ -7,7 +7,7 @@
 namespace plexa
 {
 
-/// Do two values of a property dictionary say the same? Numbers are compared as numbers whatever their type,
+/// Are two values of a property dictionary equal? Numbers are compared as numbers whatever their type,
 /// texts as texts, arrays and dictionaries element by element; an absent value equals only an absent one.
 bool samePropertyValue(const QVariant &a, const QVariant &b);
 

@@ -7,7 +7,6 @@
 #include <unicode/datefmt.h>
 #include <unicode/decimfmt.h>
 #include <unicode/locid.h>
-#include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
 
 #include <algorithm>
@@ -62,9 +61,9 @@ QByteArray localeFromEnvironment(const char *category)
     return icuName("C");
 }
 
-/// ICU's zone that shows the same clock as Qt at that moment: the system's. They may differ where TZ holds a
-/// rule instead of a zone's name, where the two have different time zone data, and for a time with a zone of
-/// its own.
+/// A zone of ICU that has Qt's offset at that moment: the system's. Where TZ holds a rule instead of a name,
+/// where ICU and Qt have different time zone data, or where the time has a zone of its own: one made of the
+/// offset.
 std::unique_ptr<icu::TimeZone> zoneAt(const QDateTime &local)
 {
     const int offsetMs = local.offsetFromUtc() * 1000;
@@ -109,111 +108,6 @@ QString formatted(icu::DateFormat *format, const QDateTime &local)
     return toQString(text);
 }
 
-QString formattedBy(const char16_t *icuPattern, const QByteArray &locale, const QDateTime &local)
-{
-    UErrorCode status = U_ZERO_ERROR;
-    icu::SimpleDateFormat format(icu::UnicodeString(icuPattern), icu::Locale(locale.constData()), status);
-    return U_SUCCESS(status) ? formatted(&format, local) : QString();
-}
-
-QString padded(int number, int width, char fill = '0')
-{
-    return QStringLiteral("%1").arg(number, width, 10, QLatin1Char(fill));
-}
-
-/// What a strftime conversion stands for that is a number; a null string when it is none.
-QString number(QChar letter, QDate date, QTime time)
-{
-    switch (letter.unicode()) {
-    case 'Y':
-        return padded(date.year(), 4);
-    case 'y':
-        return padded(date.year() % 100, 2);
-    case 'C':
-        return padded(date.year() / 100, 2);
-    case 'm':
-        return padded(date.month(), 2);
-    case 'd':
-        return padded(date.day(), 2);
-    case 'e':
-        return padded(date.day(), 2, ' ');
-    case 'j':
-        return padded(date.dayOfYear(), 3);
-    case 'H':
-        return padded(time.hour(), 2);
-    case 'I':
-        return padded((time.hour() + 11) % 12 + 1, 2);
-    case 'M':
-        return padded(time.minute(), 2);
-    case 'S':
-        return padded(time.second(), 2);
-    default:
-        return {};
-    }
-}
-
-/// What a strftime conversion stands for that is a word, or a character of its own; else a null string.
-QString word(QChar letter, const QByteArray &locale, const QDateTime &local)
-{
-    switch (letter.unicode()) {
-    case 'A':
-        return formattedBy(u"EEEE", locale, local);
-    case 'a':
-        return formattedBy(u"EEE", locale, local);
-    case 'B':
-        return formattedBy(u"LLLL", locale, local);
-    case 'b':
-    case 'h':
-        return formattedBy(u"LLL", locale, local);
-    case 'p':
-        return formattedBy(u"a", locale, local);
-    case 'n':
-        return QStringLiteral("\n");
-    case 't':
-        return QStringLiteral("\t");
-    case '%':
-        return QStringLiteral("%");
-    default:
-        return {};
-    }
-}
-
-/// The longer pattern that a strftime conversion abbreviates; else a null string.
-QString abbreviated(QChar letter)
-{
-    switch (letter.unicode()) {
-    case 'F':
-        return QStringLiteral("%Y-%m-%d");
-    case 'T':
-        return QStringLiteral("%H:%M:%S");
-    case 'R':
-        return QStringLiteral("%H:%M");
-    case 'D':
-        return QStringLiteral("%m/%d/%y");
-    default:
-        return {};
-    }
-}
-
-QString expanded(const QString &pattern, const QByteArray &locale, const QDateTime &local)
-{
-    QString result;
-    for (qsizetype i = 0; i < pattern.size(); ++i) {
-        if (pattern[i] != QLatin1Char('%') || i + 1 == pattern.size()) {
-            result += pattern[i];
-            continue;
-        }
-        const QChar letter = pattern[++i];
-        QString value = number(letter, local.date(), local.time());
-        if (value.isNull())
-            value = word(letter, locale, local);
-        if (value.isNull())
-            value = expanded(abbreviated(letter), locale, local);
-        result += value.isEmpty() ? QLatin1Char('%') + QString(letter) : value;
-    }
-    return result;
-}
-
 } // namespace
 
 QDateTime onItsWallClock(const QDateTime &when)
@@ -250,13 +144,6 @@ QString LocaleFormat::time(const QDateTime &when, Style style) const
     const std::unique_ptr<icu::DateFormat> format(
         icu::DateFormat::createTimeInstance(icuStyle(style), icu::Locale(m_dateLocale.constData())));
     return formatted(format.get(), onItsWallClock(when));
-}
-
-QString LocaleFormat::calendar(const QDateTime &when, const QString &pattern) const
-{
-    if (!when.isValid())
-        return {};
-    return expanded(pattern, m_dateLocale, onItsWallClock(when));
 }
 
 QString LocaleFormat::decimal(double value, int maxFractionDigits) const

@@ -9,14 +9,13 @@
 namespace plexa
 {
 
-/// The time as the clock on a wall shows it: its own clock where it brings its own time zone or offset, and
-/// the system's time zone (TZ) for local times and UTC.
+/// The time by the clock that applies to it: that of its own time zone or offset where it has one, else that
+/// of the system's time zone (TZ), also for UTC.
 QDateTime onItsWallClock(const QDateTime &when);
 
 /// Dates, times and numbers as the user's locale writes them (CLDR styles, by ICU). A value; any thread.
 ///
-/// Every time is written as the clock on its wall showed it (onItsWallClock()). An invalid time gives an
-/// empty string.
+/// Times are written as onItsWallClock() returns them. An invalid time gives an empty string.
 class LocaleFormat final
 {
 public:
@@ -32,11 +31,6 @@ public:
     /// The date alone, or the time alone.
     QString date(const QDateTime &when, Style style) const;
     QString time(const QDateTime &when, Style style) const;
-
-    /// A strftime pattern ("%Y-%m-%d"). Understands %Y %y %C %m %d %e %j %H %I %M %S %F %T %R %D %n %t %%,
-    /// always in the digits 0 to 9, and %A %a %B %b %h %p in the locale's language; anything else stays as it
-    /// stands.
-    QString calendar(const QDateTime &when, const QString &pattern) const;
 
     /// A decimal number with at most `maxFractionDigits` digits after the separator, rounded half to even, as
     /// the locale's decimal style writes it (digit groups included).

@@ -31,13 +31,13 @@ QImage::Format formatLike(const QImage &image)
     return bitmapFormat(image.hasAlphaChannel() || hasDeepComponents(image.format()));
 }
 
-/// The image as these functions work on it: no copy when it is so already.
+/// The image in the format of these functions; no copy when it has that format.
 QImage asBitmap(const QImage &image)
 {
     return image.convertToFormat(formatLike(image));
 }
 
-/// Whether there can be a bitmap of that size; false for what is not a number, too.
+/// Whether a bitmap can have that size; false for NaN.
 bool isPossible(double width, double height)
 {
     return width >= 1 && height >= 1 && width * height <= double(kMaxPixels);

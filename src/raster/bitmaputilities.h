@@ -11,7 +11,7 @@
 namespace plexa
 {
 
-// Bitmaps that are made, turned, mirrored, scaled and recoloured.
+// Creates, rotates, mirrors, scales and recolors bitmaps.
 //
 // Rules common to all of these functions: a bitmap is 8-bit sRGB, Format_RGB32 without alpha and
 // Format_ARGB32_Premultiplied with. Geometry is given with the origin at the bottom left and y upwards,
@@ -38,7 +38,7 @@ QImage createImageFlipped(const QImage &image, bool vertically);
 /// transparent where the bitmap has alpha.
 QImage createImageRotatedByAngle(const QImage &image, double radians);
 
-/// The image turned counter-clockwise about its centre, same size; what turns out of the frame is lost.
+/// The image turned counter-clockwise about its center, same size; what turns out of the frame is lost.
 QImage createImageRotatedAboutCenter(const QImage &image, double radians);
 
 /// The image drawn through `transform`, which maps (x, y) to (m11 x + m21 y + dx, m12 x + m22 y + dy)
@@ -61,7 +61,7 @@ QImage createImageScaledToSize(const QImage &image, int width, int height, bool 
 QImage createImageFlattened(const QImage &image, bool keepAlpha, const QColor &background, int width,
                             int height);
 
-/// The colour to draw with: the same colour in sRGB.
+/// The color to draw with: the same color in sRGB.
 QColor createCGColorFromColor(const QColor &color);
 
 } // namespace plexa

@@ -6,8 +6,8 @@
 #include <cmath>
 
 // The blend modes' formulas B(Cb, Cs) of W3C Compositing and Blending Level 1, section 10: `under` is the
-// backdrop's colour, `over` the source's, neither multiplied by alpha, 0..1. A mode that mixes each channel
-// for itself has `mix` of one channel; the others mix a whole colour. Both sides of each choice can be
+// backdrop's color, `over` the source's, neither multiplied by alpha, 0..1. A mode that mixes each channel
+// for itself has `mix` of one channel; the others mix a whole color. Both sides of each choice can be
 // computed for any input, so that the compiler may turn them into selections.
 
 namespace plexa::blend
@@ -55,7 +55,7 @@ struct Lighten {
 struct ColorDodge {
     static float mix(float under, float over)
     {
-        // The smallest divisor stands for 0: any backdrop but black divided by it is over 1.
+        // The smallest divisor replaces 0: any backdrop but black divided by it exceeds 1.
         const float quotient = under / std::max(1 - over, 1e-12F);
         return quotient < 1 ? quotient : 1.0F;
     }
@@ -104,7 +104,7 @@ inline float highest(Rgb color)
     return std::max(std::max(color.red, color.green), color.blue);
 }
 
-/// The colour with that luminosity, drawn towards grey as far as it takes to fit into 0..1.
+/// The color with that luminosity, drawn towards gray as far as it takes to fit into 0..1.
 inline Rgb setLum(Rgb color, float luminosity)
 {
     const float shift = luminosity - lum(color);
@@ -123,8 +123,8 @@ inline float sat(Rgb color)
     return highest(color) - lowest(color);
 }
 
-/// The colour with that saturation: its lowest channel becomes 0, its highest the saturation, the third keeps
-/// its place between them. Grey becomes black.
+/// The color with that saturation: its lowest channel becomes 0, its highest the saturation, the third keeps
+/// its place between them. Gray becomes black.
 inline Rgb setSat(Rgb color, float saturation)
 {
     const float low = lowest(color);

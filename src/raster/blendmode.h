@@ -7,7 +7,7 @@
 namespace plexa
 {
 
-/// How a watermark's colours meet the photo's. The numbers are those under which presets number them.
+/// How a watermark's colors meet the photo's. The numbers are those under which presets number them.
 /// Formulas: W3C Compositing and Blending Level 1, section 10.
 enum class BlendMode {
     Normal = 0,

@@ -70,7 +70,7 @@ void blendBlock(quint32 *under, const quint32 *over, float opacity)
     const Planes source(over);
     alignas(64) quint32 result[kBlock];
     for (int i = 0; i < kBlock; ++i) {
-        // Where alpha is 0 so are the colours: a divisor of 1 leaves them.
+        // Where alpha is 0 so are the colors: a divisor of 1 leaves them.
         const float divisor = std::max(source.alpha[i], 1.0F);
         const blend::Rgb cs{std::min(source.red[i] / divisor, 1.0F),
                             std::min(source.green[i] / divisor, 1.0F),
@@ -99,7 +99,7 @@ void blendBlock(quint32 *under, const quint32 *over, float opacity)
     std::memcpy(under, result, sizeof result);
 }
 
-/// Normal blending at full opacity needs no colour without its alpha: each byte becomes
+/// Normal blending at full opacity needs no color without its alpha: each byte becomes
 /// over + under (1 - as), on any backdrop, which whole numbers give to the nearest.
 void coverBlock(quint32 *under, const quint32 *over)
 {

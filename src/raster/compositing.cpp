@@ -18,7 +18,7 @@ bool isTarget(const QImage &rows)
     return rows.format() == QImage::Format_RGB32 || rows.format() == QImage::Format_ARGB32_Premultiplied;
 }
 
-/// A colour to paint with: premultiplied channels and alpha, 0..255.
+/// A color to paint with: premultiplied channels and alpha, 0..255.
 struct Paint {
     float red;
     float green;
@@ -26,7 +26,7 @@ struct Paint {
     float alpha;
 };
 
-/// Paints pixels [begin, end) of a row with a colour that covers this much of each of them.
+/// Paints pixels [begin, end) of a row with a color that covers this much of each of them.
 template<bool isOpaque>
 void paint(quint32 *row, int begin, int end, const Paint &color, double coverage)
 {
@@ -63,7 +63,7 @@ void fillRows(QImage &rows, int firstRow, const QRectF &rect, const QColor &colo
     const double right = std::min(rect.right(), rows.width() + 1.0);
     const double top = std::max(rect.top() - firstRow, -1.0);
     const double bottom = std::min(rect.bottom() - firstRow, rows.height() + 1.0);
-    if (!(left < right && top < bottom && rgb.alphaF() > 0)) // false for what is not a number, too
+    if (!(left < right && top < bottom && rgb.alphaF() > 0)) // NaN is drawn nowhere
         return;
 
     const float alpha = rgb.alphaF() * 255;

@@ -17,13 +17,13 @@ namespace plexa
 //
 // Rules common to all of these functions: the target `rows` is Format_RGB32 or
 // Format_ARGB32_Premultiplied, sRGB; it holds the photo's rows from `firstRow` on (0: from the top), and
-// whatever falls outside of it is clipped. A mark is Format_ARGB32_Premultiplied, sRGB. Coordinates are
+// parts outside of it are clipped. A mark is Format_ARGB32_Premultiplied, sRGB. Coordinates are
 // whole photo pixels, origin at the top left, y downwards. Drawing strip by strip gives the same pixels
 // as drawing on the whole photo at once. The target must not be shared with another QImage (it would
 // detach). Any thread; different strips may be drawn by different threads.
 
-/// Fills a rectangle with a colour, normal blending. The rectangle's edges may lie between pixels: edge
-/// pixels are covered in part. The colour's own alpha is used.
+/// Fills a rectangle with a color, normal blending. The rectangle's edges may lie between pixels: edge
+/// pixels are covered in part. The color's own alpha is used.
 void fillRows(QImage &rows, int firstRow, const QRectF &rect, const QColor &color);
 
 /// Draws `mark` with its top left corner at `at`, blended by `mode` as W3C Compositing and Blending

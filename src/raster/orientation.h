@@ -9,7 +9,7 @@
 namespace plexa
 {
 
-// How a stored picture is turned upright. An orientation is numbered as EXIF numbers it:
+// Rotates and mirrors a stored picture upright. An orientation is numbered as EXIF numbers it:
 //   1 as stored        2 mirrored left to right    3 half turn                4 mirrored top to bottom
 //   5 transposed       6 quarter turn clockwise    7 transposed crosswise     8 quarter turn
 //   counter-clockwise

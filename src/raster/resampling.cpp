@@ -16,7 +16,7 @@ namespace
 /// The four channels of one pixel, worked on at once.
 using Pixel = float __attribute__((vector_size(16)));
 
-/// A filter over pixels: centred on 0, and 0 beyond `reach`.
+/// A filter over pixels: centerd on 0, and 0 beyond `reach`.
 struct Linear {
     static constexpr double kReach = 1;
     static double at(double x) { return std::max(0.0, 1 - std::abs(x)); }
@@ -35,7 +35,7 @@ struct Cubic {
     }
 };
 
-/// What one side's target pixels take from the source: `taps` weights each, from `first` on.
+/// The weights of the source pixels for each target pixel of one side: `taps` each, from `first` on.
 struct Weights {
     std::vector<int> first;
     std::vector<float> weight;
@@ -59,12 +59,12 @@ Weights weightsFor(double extent, int target)
     result.weight.resize(std::size_t(target) * std::size_t(result.taps));
     std::vector<double> row(std::size_t(result.taps));
     for (int i = 0; i < target; ++i) {
-        const double centre = (i + 0.5) * ratio;
-        const int first = std::clamp(int(std::floor(centre - reach)), 0, count - result.taps);
+        const double center = (i + 0.5) * ratio;
+        const int first = std::clamp(int(std::floor(center - reach)), 0, count - result.taps);
         double sum = 0;
         for (int k = 0; k < result.taps; ++k) {
             const double covered = std::min(1.0, extent - (first + k));
-            row[std::size_t(k)] = Filter::at((first + k + 0.5 - centre) / stretch) * covered;
+            row[std::size_t(k)] = Filter::at((first + k + 0.5 - center) / stretch) * covered;
             sum += row[std::size_t(k)];
         }
         result.first[std::size_t(i)] = first;
@@ -191,8 +191,8 @@ QImage filtered(const QImage &image, QSize size, const Weights &across, const We
     return result;
 }
 
-/// What is averaged away in whole blocks first, so that the filter itself still shrinks at least 6 times:
-/// enough for it to hide the blocks.
+/// The side of the blocks that are averaged first. The filter then still shrinks at least 6 times, which
+/// hides the blocks.
 int blockFactor(int source, int target)
 {
     return std::clamp(int(source / (6.0 * target)), 1, 256);
@@ -214,7 +214,7 @@ quint32 gathered(quint64 lanes)
 /// memory the steps add up to less than a hundredth of a pixel.
 constexpr double kFixedOne = 4294967296.0;
 
-/// The colours between an image's pixels.
+/// The colors between an image's pixels.
 class Sampler
 {
 public:
@@ -232,7 +232,7 @@ public:
     {
         const qint64 left = x >> 32;
         const qint64 top = y >> 32;
-        // Four weights of 8 bits that add up to exactly 256, so that a plain area keeps its colour.
+        // Four weights of 8 bits that add up to exactly 256, so that a plain area keeps its color.
         const quint64 fx = quint64(x >> 24) & 255;
         const quint64 fy = quint64(y >> 24) & 255;
         const quint64 both = (fx * fy + 128) >> 8;
@@ -315,7 +315,7 @@ void drawTransformed(QImage &target, const QImage &image, const QTransform &toSo
     uchar *bits = target.bits();
     for (int row = 0; row < target.height(); ++row) {
         const double v = row + 0.5;
-        // The centre of pixel 0 is at 0.5: taken off here, a whole number is the middle of a pixel.
+        // The center of pixel 0 is at 0.5: taken off here, a whole number is the middle of a pixel.
         const double startX = toSource.m11() * 0.5 + toSource.m21() * v + toSource.dx() - 0.5;
         const double startY = toSource.m12() * 0.5 + toSource.m22() * v + toSource.dy() - 0.5;
         Span span{0, double(target.width())};

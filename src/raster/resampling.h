@@ -11,8 +11,8 @@
 namespace plexa
 {
 
-// How pixels between pixels are found. Images are Format_RGB32 or Format_ARGB32_Premultiplied; the sample
-// values are mixed as they are stored. Any thread.
+// Computes pixels between the pixels of an image. Images are Format_RGB32 or Format_ARGB32_Premultiplied; the
+// sample values are mixed as they are stored. Any thread.
 
 enum class Quality { Low, High };
 

@@ -18,8 +18,8 @@ namespace
 /// A Gaussian is followed as far as this many standard deviations: beyond lies a third of one level of 255.
 constexpr double kReach = 3;
 
-/// A wide blur is computed on averaged blocks, so wide that the standard deviation is still at least so many
-/// of them: then neither the blocks nor the lines drawn between them show.
+/// A wide blur is computed on averaged blocks. The standard deviation is at least this many blocks, so
+/// neither the blocks nor the interpolation between them is visible.
 constexpr double kBlocksPerDeviation = 6;
 
 /// Half of a symmetric kernel: the middle first. The whole adds up to 1.
@@ -58,7 +58,7 @@ void blurAcross(const std::vector<float> &kernel, const float *source, float *ta
     }
 }
 
-/// Writes coverage as pixels of a colour.
+/// Writes coverage as pixels of a color.
 class Tint
 {
 public:

@@ -25,7 +25,7 @@ struct Texts {
 constexpr int kHighestNumber = 9999;
 const QString kSequence = QStringLiteral("sequence ");
 
-/// The number under "sequence #", "sequence ##" and so on, up to four digits.
+/// The number for "sequence #", "sequence ##" and so on, up to four digits.
 std::optional<QString> sequenceText(const QString &token, qint64 number)
 {
     if (!token.startsWith(kSequence))
@@ -43,23 +43,15 @@ QString inCase(const QString &text, const QString &letterCase)
     return letterCase == QLatin1StringView("lower case") ? text.toLower() : text;
 }
 
-/// The folders of a path, from the root; none leads upwards.
+/// The folders of a path, from the root, without "..".
 QStringList foldersOf(const QString &path)
 {
     QStringList folders = QDir::cleanPath(QDir(path).absolutePath()).split(u'/', Qt::SkipEmptyParts);
-    folders.removeAll(QStringLiteral("..")); // what is left of them would lead above the root
+    folders.removeAll(QStringLiteral("..")); // cleanPath() leaves those that lead above the root
     return folders;
 }
 
-/// One spelling for one file, also through links to its folder.
-QString keyOf(const QString &path)
-{
-    const QFileInfo info(path);
-    const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
-    return folder.isEmpty() ? QDir::cleanPath(info.absoluteFilePath()) : folder + u'/' + info.fileName();
-}
-
-/// A name that fits, with something between the base name and the extension.
+/// A name of at most kMaxFileNameBytes, with the suffix between base name and extension.
 QString fittingName(const QString &base, const QString &suffix, const QString &extension)
 {
     const QString end = extension.isEmpty() ? suffix : suffix + u'.' + extension;
@@ -171,28 +163,22 @@ std::optional<OutputNaming::Destination> OutputNaming::finalDestinationForPath(c
 
 bool OutputNaming::isBeingWritten(const QString &path) const
 {
-    const QString key = keyOf(path);
-    const std::lock_guard lock(m_mutex);
-    return m_beingWritten.contains(key);
+    return m_files.isUsed(FilesUnderWay::keyOf(path), FilesUnderWay::Use::Named);
 }
 
 void OutputNaming::finished(const QString &path)
 {
-    const QString key = keyOf(path);
-    const std::lock_guard lock(m_mutex);
-    const auto found = m_beingWritten.find(key);
-    if (found != m_beingWritten.end() && --*found == 0)
-        m_beingWritten.erase(found);
+    m_files.end(FilesUnderWay::keyOf(path), FilesUnderWay::Use::Named);
 }
 
-/// A link that points nowhere has the name, too.
+/// A dangling link takes the name, too.
 bool OutputNaming::isTaken(const QString &path) const
 {
     const QFileInfo info(path);
     return isBeingWritten(path) || info.exists() || info.isSymLink();
 }
 
-/// As isTaken(), and if `waits`, when it is known what becomes of the copy that has the path.
+/// isTaken(); where `waits`, once the copy that has the path is written or has failed.
 bool OutputNaming::existsFor(const QString &path, bool waits) const
 {
     if (waits && m_waitForOutcome && isBeingWritten(path))
@@ -227,7 +213,7 @@ OutputNaming::Choice OutputNaming::choiceFor(const QString &path, ConflictCode &
 
 std::optional<QString> OutputNaming::uniquePath(const QString &path, bool waits)
 {
-    // Of thousands of copies that should have the same name, none looks through the numbers of all before it.
+    // With thousands of copies of one name, a search from 1 for each would take quadratic time.
     int number = m_lastNumbers.value(path);
     if (number == 0 || !existsFor(numberedPath(path, number), waits))
         number = 1;
@@ -253,9 +239,7 @@ std::optional<QString> OutputNaming::anotherUniquePath(const QString &path, int 
 
 OutputNaming::Destination OutputNaming::take(const QString &path, bool overwrites)
 {
-    const QString key = keyOf(path);
-    const std::lock_guard lock(m_mutex);
-    ++m_beingWritten[key];
+    m_files.begin(FilesUnderWay::keyOf(path), FilesUnderWay::Use::Named);
     return {path, overwrites};
 }
 

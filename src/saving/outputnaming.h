@@ -3,12 +3,12 @@
 #pragma once
 
 #include "presets/savingpresetvalues.h"
+#include "saving/filesunderway.h"
 
 #include <QHash>
 #include <QString>
 
 #include <functional>
-#include <mutex>
 #include <optional>
 
 namespace plexa
@@ -22,73 +22,76 @@ struct OutputFolders {
     QString destDirectory;                  ///< empty: each copy beside its original
     bool replicateOrigDirStructure = false; ///< in destDirectory, with the folders of the originals
     QString replicationStartDirectory;      ///< the folder whose subfolders these are; empty: the root
-    bool makesFolders = true;               ///< makes replicated folders that are not there
+    bool makesFolders = true;               ///< creates missing replicated folders
 };
 
-/// Makes the names of the copies of one run. Copies are under way at the same time: a path that was given for
-/// one is taken until finished() is called for it. Names are asked for on one thread, which waits for the
-/// answers to questions, and where it can, for copies that have the name; anotherUniquePath() and finished()
-/// may be called on any.
+/// Chooses the names of the copies of one run. Copies are written at the same time: the path of one is taken
+/// until finished() is called for it. One thread asks for names; it waits for answers to questions and, where
+/// it can, for copies that have the name. Any thread may call anotherUniquePath() and finished().
 class OutputNaming final
 {
 public:
-    /// What to do with a copy whose name is taken: the last choice, and in the topmost bit whether it was
-    /// made for the rest of the run. Belongs to the caller; a run begins with 0.
+    /// What to do with a copy whose name is taken: the last choice, and in the topmost bit whether it applies
+    /// to the rest of the run. Belongs to the caller; a run begins with 0.
     using ConflictCode = qint32;
     enum Choice : ConflictCode { kNoChoice, kUniqueName, kOverwrite, kSkip };
     static constexpr quint32 kRemembered = 0x8000'0000U;
 
-    /// The choice for all conflicts of a run, so that nobody is asked.
+    /// The choice for all conflicts of a run, without a question.
     static ConflictCode always(Choice choice);
 
     struct Destination {
         QString path;
-        bool overwrites = false; ///< there is a file, and it is to be lost; else it must not be
+        bool overwrites = false; ///< replaces a file; else a file that appears there must stay
     };
 
     /// Returns when no copy is being written to the path any more.
     using Wait = std::function<void(const QString &path)>;
 
     /// @param alerts         is asked about names that are taken; outlives the object
-    /// @param waitForOutcome is called before it is decided whether the file of a copy under way exists;
-    /// empty,
-    ///                       or where unique names are the choice for all conflicts: it counts as existing,
-    ///                       so that copies of one name do not wait for each other
+    /// @param waitForOutcome called before a name is compared with that of a copy under way, which may still
+    /// fail.
+    ///                       Where it is empty, or unique names are the choice for all conflicts, the file of
+    ///                       such a copy counts as existing, so that copies of one name do not wait for each
+    ///                       other
     OutputNaming(OutputFolders folders, Alerts &alerts, Wait waitForOutcome = {});
 
-    /// A copy's file name, without its folder. Put together from the preset's tokens and finished by
+    /// A copy's file name without its folder: the expanded tokens of the preset, completed by
     /// filenameWithExtensionForFilename().
-    /// @param imagePath  the photo, as people know it
+    /// @param imagePath  the photo, as the user knows it
     static QString filenameForImage(const PhotoFacts &image, const QString &imagePath,
                                     const QString &wPresetName, const SavingPresetValues &savingPreset,
                                     qint64 sequenceNumber);
 
-    /// The name with the extension of the format that is written (none where the format cannot be), in the
-    /// preset's letter cases. It names a file in a folder, whatever was in `filename`, and has at most
-    /// kMaxFileNameBytes; where nothing is left of `filename`, it is the photo's.
+    /// The name with the extension of the format that is written (none where the format cannot be written),
+    /// in the preset's letter cases. A valid name of a file in one folder, whatever `filename` contains, of
+    /// at most kMaxFileNameBytes; where nothing is left of `filename`, that of the photo.
     static QString filenameWithExtensionForFilename(const QString &filename, const QString &originalPath,
                                                     const SavingPresetValues &savingPreset);
 
-    /// The folder for the copy of a photo. Makes the folders that are replicated, unless it shall not; when
-    /// that fails, so does the writing.
+    /// The folder for the copy of a photo. Creates replicated folders where `makesFolders` is set; writing
+    /// the copy fails where that fails.
     QString targetDirectoryForFile(const QString &path) const;
 
-    /// Decides where a copy is written when there may be a file already, and takes the path until finished().
+    /// Decides where a copy is written when a file may exist there, and reserves that path until finished().
     /// @param path  folder and name
-    /// @return none: the photo is skipped, by choice or because "NAME-1.jpg" to "NAME-9999.jpg" are taken
+    /// @return none when the photo is skipped, by choice or because "NAME-1.jpg" to "NAME-9999.jpg" are taken
     std::optional<Destination> finalDestinationForPath(const QString &path, ConflictCode &code);
 
-    /// For a copy whose path somebody else has taken meanwhile: the next one of "NAME-1.jpg" to
-    /// "NAME-9999.jpg" that is free, taken until finished().
-    /// @param path    what the copy should have been called
+    /// For a copy whose path another program has taken meanwhile: the next one of "NAME-1.jpg" to
+    /// "NAME-9999.jpg" that is free, reserved until finished().
+    /// @param path    the path that the copy should have had
     /// @param number  the last one that was tried, at first 0; is raised
     std::optional<QString> anotherUniquePath(const QString &path, int &number);
 
-    /// Is a copy still being written there? One that overwrites it has to wait.
+    /// Whether a copy that is not finished has this path.
     bool isBeingWritten(const QString &path) const;
 
     /// The copy is written, or never will be. Once for each destination.
     void finished(const QString &path);
+
+    /// All files that the copies of the run use; names are in there already.
+    FilesUnderWay &files() { return m_files; }
 
 private:
     bool isTaken(const QString &path) const;
@@ -101,8 +104,7 @@ private:
     Alerts &m_alerts;
     Wait m_waitForOutcome;
     QHash<QString, int> m_lastNumbers; // of each path that was taken; on the thread that asks for names
-    mutable std::mutex m_mutex;
-    QHash<QString, int> m_beingWritten; // guarded
+    FilesUnderWay m_files;
 };
 
 } // namespace plexa

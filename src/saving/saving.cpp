@@ -84,7 +84,7 @@ void Saving::saveImages(const SavingRun &run, SavingObserver &observer)
     if (!m_isSavingInProgress)
         begin();
     Bookkeeper bookkeeper(observer);
-    SavingProcess(run, bookkeeper, m_alerts, m_terminateOperation).run();
+    saveCopies(run, bookkeeper, m_alerts, m_terminateOperation);
 
     const std::lock_guard lock(m_mutex);
     m_savingFailedImages += bookkeeper.failedImages;

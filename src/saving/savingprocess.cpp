@@ -4,14 +4,19 @@
 
 #include "platform/leftovers.h"
 #include "platform/missingfolders.h"
+#include "platform/workpool.h"
 #include "raster/bitmaputilities.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 
 #include <algorithm>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
 #include <utility>
 
 namespace plexa
@@ -25,16 +30,7 @@ struct Texts {
 
 constexpr int kProgressPictureSide = 180;
 
-/// One spelling for one file, whatever links lead to it.
-QString fileKey(const QString &path)
-{
-    const QFileInfo info(path);
-    const QString canonical = info.canonicalFilePath();
-    if (!canonical.isEmpty())
-        return canonical;
-    const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
-    return (folder.isEmpty() ? info.absolutePath() : folder) + u'/' + info.fileName();
-}
+using Use = FilesUnderWay::Use;
 
 bool isCombining(const SavingRun &run)
 {
@@ -49,9 +45,7 @@ bool needPhoto(const QStringList &tokens)
     });
 }
 
-} // namespace
-
-struct SavingProcess::AheadOfTime {
+struct AheadOfTime {
     SavingPhoto photo;
     std::optional<PhotoFacts> facts; ///< none where they are not needed, or cannot be read
     QString failure;                 ///< why they cannot
@@ -59,7 +53,7 @@ struct SavingProcess::AheadOfTime {
     bool isDone = false;             // guarded by the process's mutex
 };
 
-struct SavingProcess::PhotoInWork {
+struct PhotoInWork {
     ~PhotoInWork()
     {
         if (isReleased && image)
@@ -72,7 +66,7 @@ struct SavingProcess::PhotoInWork {
     std::unique_ptr<QFile> original; ///< the open file, where a copy replaces it before the last one is made
 };
 
-struct SavingProcess::Pending {
+struct Pending {
     SavingOutput output;
     QString wantedPath;       ///< before anything was done about a file that exists
     QStringList alternatives; ///< paths that were tried in place of output.path
@@ -82,25 +76,18 @@ struct SavingProcess::Pending {
     bool isFinished = true; // guarded by the process's mutex
 };
 
-struct SavingProcess::Order {
+struct Order {
     std::vector<AppliedPreset> presets; ///< all of them, or the one
     SavingPresetValues savingPreset;
     bool isCombined = false;
     bool isLastOfPhoto = false;
 };
 
-namespace
-{
-
-/// @tparam Pending  the private type above
-template<class Pending>
 AtomicFile::IfExists ifExists(const Pending &pending)
 {
     return pending.overwrites ? AtomicFile::IfExists::Replace : AtomicFile::IfExists::Fail;
 }
 
-/// @tparam Order  the private type above
-template<class Order>
 std::vector<Order> ordersOf(const SavingRun &run)
 {
     std::vector<Order> orders;
@@ -126,7 +113,93 @@ OutputFolders foldersOf(const SavingRun &run)
     return folders;
 }
 
-} // namespace
+/// For a dry run: what of a failure to write can be known beforehand.
+Result<void> checkPlace(const Pending &pending)
+{
+    const QString &path = pending.output.path;
+    if (const QString folder = QFileInfo(path).path(); !QFileInfo(folder).isDir())
+        return checkFolderCanBeMade(folder);
+    return AtomicFile(path, ifExists(pending), AtomicFile::Durability::Lazy).check();
+}
+
+QStringList emptyTokens(const AheadOfTime &ahead, const Order &order)
+{
+    const auto isEmptyName = [&](const QString &token) {
+        return (token == QLatin1StringView("watermark preset name") &&
+                order.presets.front().values.name.isEmpty()) ||
+               (token == QLatin1StringView("saving preset name") && order.savingPreset.name.isEmpty());
+    };
+    QStringList empty;
+    for (const QString &token : order.savingPreset.filenameTokens) {
+        if (isEmptyName(token) && !empty.contains(token))
+            empty.append(token);
+    }
+    QStringList tokens = order.savingPreset.filenameTokens;
+    for (const AppliedPreset &preset : order.presets) {
+        if (preset.values.type == QLatin1StringView("Text"))
+            tokens += preset.values.textTokens;
+    }
+    for (const QString &token : std::as_const(tokens)) {
+        bool isToken = false;
+        if (ahead.facts && ahead.facts->stringForInfoToken(token, &isToken).value_or(QString()).isEmpty() &&
+            isToken && !empty.contains(token))
+            empty.append(token);
+    }
+    return empty;
+}
+
+/// One run of Saving.
+class SavingProcess final
+{
+public:
+    /// All of them outlive the object.
+    SavingProcess(const SavingRun &run, SavingObserver &observer, Alerts &alerts,
+                  const std::atomic_bool &terminateOperation);
+
+    void run();
+
+private:
+    OutputNaming::Wait waitForOutcome();
+    bool isStopped() const;
+    void readAhead(std::size_t untilIndex);
+    std::shared_ptr<AheadOfTime> next();
+    void read(AheadOfTime &photo) const;
+    void savePhoto();
+    void saveCopy(const std::shared_ptr<PhotoInWork> &photo, const AheadOfTime &ahead, const Order &order);
+    void decide(Pending &pending, const AheadOfTime &ahead, const Order &order, const QString &folder);
+    void startWriting(Pending &pending, const std::shared_ptr<PhotoInWork> &photo, const Order &order);
+    std::function<std::optional<QString>()> alternativesFor(Pending &pending);
+    void giveNameBack(const Pending &pending);
+    void finish(Pending &pending, Result<CopyReport> result, const QString &sourceKey, const QString &target);
+    void removeLeftoversIn(const QString &folder);
+
+    /// Reports results that are due until the condition holds, which is asked with the lock held.
+    template<class Condition>
+    void waitUntil(Condition condition);
+
+    const SavingRun &m_run;
+    SavingObserver &m_observer;
+    const std::atomic_bool &m_terminateOperation;
+    OutputNaming m_naming;
+    const std::vector<Order> m_orders; // for each photo
+    const qint64 m_total;
+    const bool m_namesNeedPhotos;
+
+    // The run's thread only.
+    std::deque<std::shared_ptr<AheadOfTime>> m_ahead;
+    std::size_t m_nextToRead = 0;
+    std::deque<std::unique_ptr<Pending>> m_pending;
+    QSet<QString> m_overwritten; // keys of files
+    QSet<QString> m_visitedFolders;
+    OutputNaming::ConflictCode m_conflictCode;
+    qint64 m_counter = 0;
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    int m_unfinished = 0; // guarded; copies that the pool has
+
+    std::optional<WorkPool> m_pool; // last: its threads use all of the above
+};
 
 SavingProcess::SavingProcess(const SavingRun &run, SavingObserver &observer, Alerts &alerts,
                              const std::atomic_bool &terminateOperation)
@@ -134,7 +207,7 @@ SavingProcess::SavingProcess(const SavingRun &run, SavingObserver &observer, Ale
     , m_observer(observer)
     , m_terminateOperation(terminateOperation)
     , m_naming(foldersOf(run), alerts, run.isDryRun ? OutputNaming::Wait() : waitForOutcome())
-    , m_orders(ordersOf<Order>(run))
+    , m_orders(ordersOf(run))
     , m_total(static_cast<qint64>(run.photoCount * m_orders.size()))
     , m_namesNeedPhotos(run.isDryRun || std::any_of(m_orders.begin(), m_orders.end(),
                                                     [](const Order &order) {
@@ -143,8 +216,6 @@ SavingProcess::SavingProcess(const SavingRun &run, SavingObserver &observer, Ale
     , m_conflictCode(run.conflictCode)
 {
 }
-
-SavingProcess::~SavingProcess() = default;
 
 OutputNaming::Wait SavingProcess::waitForOutcome()
 {
@@ -228,12 +299,12 @@ void SavingProcess::read(AheadOfTime &ahead) const
 }
 
 /// The next photo, when its turn has come.
-std::shared_ptr<SavingProcess::AheadOfTime> SavingProcess::next()
+std::shared_ptr<AheadOfTime> SavingProcess::next()
 {
     std::shared_ptr<AheadOfTime> ahead = std::move(m_ahead.front());
     m_ahead.pop_front();
-    const QString key = fileKey(ahead->photo.path);
-    waitUntil([&] { return ahead->isDone && !m_beingWritten.contains(key); });
+    const QString key = FilesUnderWay::keyOf(ahead->photo.path);
+    waitUntil([&] { return ahead->isDone && !m_naming.files().isUsed(key, Use::Written); });
     if (m_overwritten.contains(key)) // after it was read
         read(*ahead);
     return ahead;
@@ -244,7 +315,7 @@ void SavingProcess::savePhoto()
     const std::shared_ptr<AheadOfTime> ahead = next();
     const auto photo = std::make_shared<PhotoInWork>();
     photo->image = ahead->photo.image;
-    photo->key = fileKey(ahead->photo.path);
+    photo->key = FilesUnderWay::keyOf(ahead->photo.path);
     photo->isReleased = m_run.releasesImages && !m_run.isDryRun;
     if (!ahead->picture.isNull())
         m_observer.pictureBegun(ahead->picture);
@@ -323,9 +394,10 @@ void SavingProcess::startWriting(Pending &pending, const std::shared_ptr<PhotoIn
         return;
     }
     removeLeftoversIn(folder);
-    const QString target = fileKey(pending.output.path);
+    FilesUnderWay &files = m_naming.files();
+    const QString target = FilesUnderWay::keyOf(pending.output.path);
     if (pending.overwrites) {
-        waitUntil([&] { return !m_beingWritten.contains(target) && !m_beingRead.contains(target); });
+        waitUntil([&] { return !files.isUsed(target, Use::Written) && !files.isUsed(target, Use::Read); });
         m_overwritten.insert(target);
         if (target == photo->key && !order.isLastOfPhoto && !photo->original) {
             // The copies to come are made of the photo as it is now.
@@ -341,9 +413,9 @@ void SavingProcess::startWriting(Pending &pending, const std::shared_ptr<PhotoIn
         const std::lock_guard lock(m_mutex);
         pending.isFinished = false;
         ++m_unfinished;
-        ++m_beingRead[photo->key];
-        m_beingWritten.insert(target);
     }
+    files.begin(photo->key, Use::Read);
+    files.begin(target, Use::Written);
     m_pool->add([this, &pending, photo, &order, readFrom, target, nextPath = alternativesFor(pending)] {
         Result<CopyReport> result =
             photo->image->saveImageAtPath({pending.output.path, ifExists(pending), nextPath}, order.presets,
@@ -386,6 +458,8 @@ void SavingProcess::finish(Pending &pending, Result<CopyReport> result, const QS
         giveNameBack(pending);
     for (const QString &path : std::as_const(pending.alternatives))
         m_naming.finished(path);
+    m_naming.files().end(target, Use::Written);
+    m_naming.files().end(sourceKey, Use::Read);
     if (!pending.alternatives.isEmpty()) {
         output.path = pending.alternatives.last();
         output.conflict = SavingOutput::Conflict::UniqueName;
@@ -400,45 +474,7 @@ void SavingProcess::finish(Pending &pending, Result<CopyReport> result, const QS
     const std::lock_guard lock(m_mutex);
     pending.isFinished = true;
     --m_unfinished;
-    m_beingWritten.remove(target);
-    if (--m_beingRead[sourceKey] == 0)
-        m_beingRead.remove(sourceKey);
     m_changed.notify_all();
-}
-
-/// For a dry run: what of a failure to write can be known beforehand.
-Result<void> SavingProcess::checkPlace(const Pending &pending) const
-{
-    const QString &path = pending.output.path;
-    if (const QString folder = QFileInfo(path).path(); !QFileInfo(folder).isDir())
-        return checkFolderCanBeMade(folder);
-    return AtomicFile(path, ifExists(pending), AtomicFile::Durability::Lazy).check();
-}
-
-QStringList SavingProcess::emptyTokens(const AheadOfTime &ahead, const Order &order) const
-{
-    const auto isEmptyName = [&](const QString &token) {
-        return (token == QLatin1StringView("watermark preset name") &&
-                order.presets.front().values.name.isEmpty()) ||
-               (token == QLatin1StringView("saving preset name") && order.savingPreset.name.isEmpty());
-    };
-    QStringList empty;
-    for (const QString &token : order.savingPreset.filenameTokens) {
-        if (isEmptyName(token) && !empty.contains(token))
-            empty.append(token);
-    }
-    QStringList tokens = order.savingPreset.filenameTokens;
-    for (const AppliedPreset &preset : order.presets) {
-        if (preset.values.type == QLatin1StringView("Text"))
-            tokens += preset.values.textTokens;
-    }
-    for (const QString &token : std::as_const(tokens)) {
-        bool isToken = false;
-        if (ahead.facts && ahead.facts->stringForInfoToken(token, &isToken).value_or(QString()).isEmpty() &&
-            isToken && !empty.contains(token))
-            empty.append(token);
-    }
-    return empty;
 }
 
 /// Once for each folder.
@@ -448,6 +484,14 @@ void SavingProcess::removeLeftoversIn(const QString &folder)
         return;
     m_visitedFolders.insert(folder);
     removeLeftovers(folder);
+}
+
+} // namespace
+
+void saveCopies(const SavingRun &run, SavingObserver &observer, Alerts &alerts,
+                const std::atomic_bool &terminateOperation)
+{
+    SavingProcess(run, observer, alerts, terminateOperation).run();
 }
 
 } // namespace plexa

@@ -14,16 +14,15 @@
 namespace plexa
 {
 
-/// Pixels that stay encoded and are decoded when they are asked for. The bytes are not copied and must
-/// outlive the object. What is decoded is kept, while all that is kept of all these objects is within a
-/// bound. Any thread.
+/// A picture that stays encoded until it is used. The bytes are not copied and must outlive the object.
+/// Decoded pixels are cached, within one bound for all pictures. Any thread.
 class EncodedPicture final
 {
 public:
-    /// What the picture of a watermark may be.
+    /// The limits for the picture of a watermark.
     static ReadLimits readLimits();
 
-    /// Looks at representations of one picture (files: TIFF, PNG or JPEG) without decoding them.
+    /// Reads the headers of the representations of one picture (files: TIFF, PNG or JPEG).
     /// @return the failure of the first one when none can be read
     [[nodiscard]] static Result<std::shared_ptr<const EncodedPicture>>
     fromRepresentations(const QList<QByteArrayView> &representations);

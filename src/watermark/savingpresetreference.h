@@ -9,8 +9,8 @@
 namespace plexa
 {
 
-/// All that a watermark preset knows of the saving preset that is assigned to it: its identity. Saving
-/// presets implement it; they live in their own list and are shared, never copied, by watermark presets.
+/// The identity of the saving preset that is assigned to a watermark preset. Saving presets implement it;
+/// they belong to their own list and are shared, never copied, by watermark presets.
 class SavingPresetReference
 {
 public:

@@ -28,7 +28,7 @@ constexpr int kMaxElements = 200'000;
 /// Chains of parts that use each other are not followed further.
 constexpr int kMaxChain = 1000;
 
-/// An element that can be used again (or the whole document), with what is drawn when it is.
+/// An element with an id (or the whole document), and the elements that are drawn for it.
 struct Part {
     double elements = 1; ///< itself and those in it that are in no other part
     std::vector<std::size_t> parts;
@@ -105,7 +105,7 @@ private:
         m_isPartAt.pop_back();
     }
 
-    /// Infinite for what uses itself, and for chains that are too long.
+    /// Infinite for a part that uses itself and for chains that are too long.
     double weightOf(std::size_t index, int depth)
     {
         constexpr double endless = 1e30;

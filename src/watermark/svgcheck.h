@@ -8,10 +8,10 @@
 namespace plexa
 {
 
-/// Looks through an SVG document before a renderer, which trusts it, gets it: is it whole XML, with an <svg>
-/// at its root, without references to what is outside of it, and neither so deep nor, once all that is used
-/// again is counted, so large that drawing it would not end? Any thread.
-/// @return the reason why it is not to be drawn; empty when there is none
+/// Checks an SVG document before it is rendered: it must be complete XML with an <svg> root, without
+/// references to other files, and neither nested too deeply nor, with every <use> counted, too large to be
+/// drawn. Any thread.
+/// @return the reason why it must not be drawn; empty when there is none
 QString faultOfSvg(const QByteArray &svg);
 
 } // namespace plexa

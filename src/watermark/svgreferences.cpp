@@ -94,8 +94,8 @@ QString SvgReferences::faultOfElement(const QXmlStreamReader &xml)
     return {};
 }
 
-/// What cannot be decoded is refused, too: a renderer takes it for the name of a file. So are drawings within
-/// the drawing, which nobody would look through.
+/// Refuses data that cannot be decoded, which a renderer would open as a file name, and drawings within the
+/// drawing, which are not checked.
 QString SvgReferences::faultOfPicture(QStringView data)
 {
     if (data.isEmpty())

@@ -8,8 +8,8 @@
 namespace plexa
 {
 
-/// Looks at what the parts of an SVG document refer to, one after the other. A renderer would open any file
-/// of this machine that a drawing names, so nothing outside of the drawing may be referred to. Any thread.
+/// Checks the references of an SVG document, token by token. A renderer would open any file of this machine
+/// that a drawing names, so references to anything outside of the drawing are refused. Any thread.
 class SvgReferences final
 {
 public:

@@ -86,7 +86,7 @@ QTextOption optionsFor(TextAlignment alignment)
     case TextAlignment::Left:
         options.setAlignment(Qt::AlignLeft | Qt::AlignAbsolute);
         break;
-    case TextAlignment::Centre:
+    case TextAlignment::Center:
         options.setAlignment(Qt::AlignHCenter);
         break;
     case TextAlignment::Right:

@@ -18,7 +18,7 @@ namespace plexa
 class FontCatalog;
 
 /// How lines of a text stand in their frame.
-enum class TextAlignment { Left, Centre, Right };
+enum class TextAlignment { Left, Center, Right };
 
 /// A text set in a frame, as outlines. Lengths are in ems (1: the font size), origin at the frame's top left,
 /// y downwards, so that one setting serves every size. Belongs to the thread that made it.
@@ -27,7 +27,7 @@ struct TextSetting {
         std::size_t shape = 0; ///< its place in `shapes`
         QPointF at;            ///< where the shape's origin stands
     };
-    /// A glyph without an outline (colour emoji).
+    /// A glyph without an outline (color emoji).
     struct PictureGlyph {
         QGlyphRun run; ///< of it alone, in thousandths of an em
         QRectF reach;  ///< which it stays within
@@ -42,9 +42,9 @@ struct TextSetting {
 /// The most UTF-16 units that a watermark's text may have.
 constexpr qsizetype kMaxTextCharacters = 10'000;
 
-/// Lines may break where words end, and inside of words that are wider than the frame; "\n" and its like
-/// always break. Characters that the font lacks come from the fonts that the system puts in its place.
-/// Any thread. Takes time and memory in proportion to the text's length.
+/// Lines break between words, inside words that are wider than the frame, and at every "\n" or other line
+/// break of the text. Characters that the font lacks come from the substitutes of the system. Any thread.
+/// Takes time and memory in proportion to the length of the text.
 /// @param text        not longer than kMaxTextCharacters, or it fails
 /// @param fontName    PostScript name; the default font stands in for one that is not installed
 /// @param widthInEms  of the frame, > 0

@@ -49,19 +49,19 @@ Text time(const PhotoFacts &photo)
     return taken.isValid() ? Text(photo.locale().time(taken, style)) : Text();
 }
 
-/// @param pattern  as LocaleFormat::calendar() accepts it
+/// @param pattern  of QDateTime::toString()
 template<const char *pattern>
 Text calendar(const PhotoFacts &photo)
 {
     const QDateTime taken = photo.metadata().exifDateTimeOriginal();
-    return taken.isValid() ? Text(photo.locale().calendar(taken, QLatin1StringView(pattern))) : Text();
+    return taken.isValid() ? Text(onItsWallClock(taken).toString(QLatin1StringView(pattern))) : Text();
 }
 
-constexpr char kYearMonthDay[] = "%Y-%m-%d";
-constexpr char kDayMonthYear[] = "%d.%m.%Y";
-constexpr char kMonthDayYear[] = "%m/%d/%Y";
-constexpr char kHoursMinutes[] = "%H:%M";
-constexpr char kHoursMinutesSeconds[] = "%H:%M:%S";
+constexpr char kYearMonthDay[] = "yyyy-MM-dd";
+constexpr char kDayMonthYear[] = "dd.MM.yyyy";
+constexpr char kMonthDayYear[] = "MM/dd/yyyy";
+constexpr char kHoursMinutes[] = "HH:mm";
+constexpr char kHoursMinutesSeconds[] = "HH:mm:ss";
 
 Text flash(const PhotoFacts &photo)
 {

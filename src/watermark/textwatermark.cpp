@@ -16,7 +16,7 @@ namespace plexa
 namespace
 {
 
-/// Sides beyond this cannot be counted; nothing that large is drawn anyway.
+/// Longer sides exceed the range of int.
 constexpr double kMaxSide = 1e9;
 
 /// The painter's rasteriser searches through all edges to the left in a row; in narrow pieces it is ten times
@@ -27,7 +27,7 @@ TextAlignment alignmentOf(const WPresetValues &values)
 {
     switch (values.textAlignment.value_or(0)) {
     case 1:
-        return TextAlignment::Centre;
+        return TextAlignment::Center;
     case 2:
         return TextAlignment::Right;
     default:
@@ -43,7 +43,7 @@ struct Inks {
     QPen outline;
 };
 
-/// An outline's width is given in percent of the font size; a negative one stands for outlines alone.
+/// An outline's width is given in percent of the font size; a negative one draws outlines without a fill.
 Inks inksOf(const WPresetValues &values, double fontSize)
 {
     Inks inks;
@@ -60,8 +60,8 @@ Inks inksOf(const WPresetValues &values, double fontSize)
     return inks;
 }
 
-/// A text in pixels, ready to be painted: the fill first, the outlines on top of it. Nothing is outlined
-/// before it is painted, and each kind of glyph once only.
+/// A text in pixels, ready to be painted: the fill first, the outlines on top of it. The outline of each kind
+/// of glyph is computed once, when it is first painted.
 class PaintableText
 {
 public:
@@ -163,7 +163,7 @@ private:
         QPainter painter(&tile);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.translate(-at);
-        // What is opaque, or lies on nothing, mixes by its coverage alone, which is the quick way.
+        // Opaque colors, and colors on an empty bitmap, need only their coverage, which is the faster mode.
         painter.setCompositionMode(QPainter::CompositionMode_Source);
         if (m_inks.isFilled)
             fill(painter, glyphs, m_inks.fill, [this](std::size_t shape) { return fillOf(shape); });
@@ -175,7 +175,7 @@ private:
     }
 
     /// Fills the glyphs as one shape, so that where they overlap nothing is filled twice; piece by piece
-    /// where there are thousands in one tile, which cannot be told apart anyway.
+    /// where there are thousands in one tile, too small to be distinguished.
     template<typename PathOf>
     void fill(QPainter &painter, const std::vector<TextSetting::Glyph> &glyphs, const QColor &color,
               const PathOf &pathOf) const

@@ -13,8 +13,8 @@ namespace plexa
 namespace
 {
 
-/// Tiling beyond these is a slip of the hand (a gap that nearly undoes the watermark's own size), and would
-/// take minutes a photo.
+/// Tiling beyond these is a mistake (a negative gap nearly as large as the watermark) and would take minutes
+/// for each photo.
 constexpr double kMaxCopies = 100'000;
 constexpr double kMaxStampedAreaInPhotos = 400;
 
@@ -42,23 +42,23 @@ QPointF anchoredOrigin(const WPresetValues &values, const Lengths &lengths, QSiz
     const double oy = lengths.pixels(values.offsetVertical, values.offsetVerticalUnit);
     const double right = photo.width() - mark.width() - ox;
     const double top = photo.height() - mark.height() - oy;
-    const double centre = (photo.width() - mark.width()) / 2;
+    const double center = (photo.width() - mark.width()) / 2;
     const double middle = (photo.height() - mark.height()) / 2;
     switch (values.anchorPoint.value_or(0)) {
     case 0:
         return {ox, top};
     case 1:
-        return {centre, top};
+        return {center, top};
     case 2:
         return {right, top};
     case 3:
         return {ox, middle};
     case 4:
-        return {centre, middle};
+        return {center, middle};
     case 5:
         return {right, middle};
     case 7:
-        return {centre, oy};
+        return {center, oy};
     case 8:
         return {right, oy};
     default:
@@ -109,7 +109,7 @@ double countOfCopies(bool isRepeated, double start, double step, double end)
     return std::ceil((end - start) / step);
 }
 
-/// How much of start ... start + length of all copies in one direction lies in 0 ... end.
+/// The sum of the lengths within 0 ... end of all copies in one direction.
 double coveredLength(double copies, double start, double step, double length, double end)
 {
     const double visible = std::min(copies, std::max(1.0, std::ceil((end + length) / std::max(step, 1e-6))));

@@ -15,14 +15,14 @@
 namespace plexa
 {
 
-/// Where a watermark lands on a photo. Photo pixels, origin at the bottom left, y upwards; QRectF::x/y are
+/// The place of a watermark on a photo. Photo pixels, origin at the bottom left, y upwards; QRectF::x/y are
 /// the bottom left corner. Nothing is rounded or clamped.
 struct WatermarkLayout {
     QRectF rect;                  ///< of the first copy
     std::optional<QRectF> box;    ///< the background box, clipped to the photo; none when there is none
     std::vector<QPointF> repeats; ///< bottom left corners of all copies in drawing order, the first included
     QPointF shadowOffset;         ///< y upwards; (0, 0) without a shadow
-    bool tooManyRepeats = false;  ///< the tiling was given up; `repeats` holds the first copy only
+    bool tooManyRepeats = false;  ///< not tiled; `repeats` holds the first copy only
 };
 
 /// The layout of a watermark bitmap that is already turned and mirrored.

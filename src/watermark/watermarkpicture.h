@@ -17,8 +17,8 @@ namespace plexa
 {
 
 /// The picture of an image watermark: pixels, upright and in sRGB, or an SVG drawing, which is sharp at every
-/// size. One from an archive stays encoded, is decoded when it is drawn, and may turn out to be one that
-/// cannot be. An immutable value whose copies share one picture; equal only to its own copies. Any thread.
+/// size. An archived picture stays encoded until it is drawn; only then damage in its pixels is found. An
+/// immutable value whose copies share one picture; equal only to its own copies. Any thread.
 class WatermarkPicture final
 {
 public:
@@ -40,18 +40,18 @@ public:
     /// @param svg  an SVG document, not compressed
     [[nodiscard]] static Result<WatermarkPicture> fromSvg(const QByteArray &svg);
 
-    /// An object of an archive that stands for a picture: its drawing, else its largest representation that
-    /// can be decoded. One that is no picture, or none that can be read, makes a picture with a fault, which
-    /// still can be written again. None makes a null picture.
+    /// The picture that an object of an archive represents: its drawing, else its largest representation that
+    /// can be decoded. An object that is not a readable picture gives a picture with a fault, which can still
+    /// be archived again. None gives a null picture.
     static WatermarkPicture fromArchive(const ArchivedValue &image);
 
     bool isNull() const { return !m_data; }
 
-    /// Why it cannot be drawn, as text that follows its name; empty when nothing is known against it. Damage
-    /// within the pixels of an archived picture shows when it is decoded, so at the first drawing.
+    /// The reason why it cannot be drawn, as text that follows its name; empty when none is known. Damage
+    /// within the pixels of an archived picture is known after the first drawing.
     QString fault() const;
 
-    /// What it was made from; none when that was no archive.
+    /// The archived object that it was created from; none for a picture from elsewhere.
     KeptObject original() const;
 
     /// Its own size: pixels, or an SVG's user units. Both sides > 0, unless it is null or was at fault from

@@ -97,7 +97,7 @@ Result<FieldValue> wholeNumberFrom(const WPresetField &field, const QJsonValue &
     if (json.isNull())
         return FieldValue(WholeNumber());
     const double number = json.toDouble(std::numeric_limits<double>::quiet_NaN());
-    // Written so that it holds for no number at all, too.
+    // False for NaN, too.
     const bool isWhole = number == std::floor(number) && number >= std::numeric_limits<int>::min() &&
                          number <= std::numeric_limits<int>::max();
     if (!isWhole)
@@ -133,7 +133,7 @@ Result<FieldValue> colorFrom(const WPresetField &field, const QJsonValue &json)
     for (qsizetype i = 1; isHex && i < text.size(); ++i)
         isHex = text.at(i).unicode() < 128 && std::isxdigit(text.at(i).unicode()) != 0;
     if (!isHex)
-        return wrongType(field, Texts::tr("a colour: #rrggbb, or #rrggbbaa with its opacity"));
+        return wrongType(field, Texts::tr("a color: #rrggbb, or #rrggbbaa with its opacity"));
     const uint number = text.mid(1).toUInt(nullptr, 16);
     const QRgb rgb = digits == 8 ? number >> 8 : number;
     const int alpha = digits == 8 ? static_cast<int>(number & 0xff) : 255;

@@ -55,7 +55,7 @@ const WPresetField *wPresetField(QStringView name);
 const QStringList &lengthUnits();
 
 /// Sets a field from JSON. Strings are strings (for `textTokens` an array of strings, or one string as its
-/// only piece), numbers numbers, colours "#rrggbb" or "#rrggbbaa", `image` the path of a picture, which is
+/// only piece), numbers numbers, colors "#rrggbb" or "#rrggbbaa", `image` the path of a picture, which is
 /// loaded; null makes the value absent.
 /// @return a failure that says what is allowed, for an unknown field, a value of the wrong type, an unknown
 ///         unit and an unreadable picture; the values are then unchanged

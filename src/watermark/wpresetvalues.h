@@ -24,7 +24,7 @@ using FloatNumber = std::optional<float>;
 /// The one list of a watermark preset's fields, in declaration order: the members of WPresetValues, the
 /// table of wpresetfields.h and the accessors of WPreset are made from it.
 /// FIELD(name, Name, type, default): `name` is the field's name, "WP" followed by `Name` its archive key.
-/// Strings, lists, colours, picture and saving preset may be absent, too: a null QString, an empty list, an
+/// Strings, lists, colors, picture and saving preset may be absent, too: a null QString, an empty list, an
 /// invalid QColor, a null picture, a null pointer.
 #define PLEXA_WPRESET_FIELDS(FIELD)                                                                        \
     FIELD(name, Name, QString, QStringLiteral("New Preset"))                                               \
@@ -74,9 +74,9 @@ using FloatNumber = std::optional<float>;
     FIELD(assignedSavingPreset, AssignedSavingPreset, SavingPresetPtr, {})
 // clang-format on
 
-/// What one watermark is: all the fields of a preset as plain values. Copies share the picture (immutable)
-/// and the saving preset. Equal when all fields are; picture and saving preset by identity. Angles are in
-/// degrees, counter-clockwise. What layout, drawing and workers are given.
+/// All the fields of a watermark preset as plain values, for layout, drawing and worker threads. Copies share
+/// the picture (immutable) and the saving preset. Equal when all fields are equal; picture and saving preset
+/// by identity. Angles are in degrees, counter-clockwise.
 struct WPresetValues {
 #define PLEXA_DECLARE_FIELD(name, Name, Type, initial) Type name = initial;
     PLEXA_WPRESET_FIELDS(PLEXA_DECLARE_FIELD)
@@ -88,11 +88,11 @@ struct WPresetValues {
     /// sign, this year and the user's full name, as they are now.
     static WPresetValues forNewPreset(const FontCatalog &fonts);
 
-    /// Can it be drawn? Not when it is an image watermark whose picture cannot be read.
+    /// False for an image watermark whose picture cannot be read.
     bool validPreset() const;
 
-    /// The sentence that says why the picture cannot be read, and whose it is; empty when it can, or there is
-    /// none.
+    /// The message with the preset's name and the reason why its picture cannot be read; empty when it can be
+    /// read or there is none.
     QString pictureFault() const;
 };
 

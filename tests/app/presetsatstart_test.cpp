@@ -89,8 +89,7 @@ private Q_SLOTS:
         PresetsStore store(work.alerts, work.fonts);
         AppController app({work.photos, work.defaults, work.alerts, store, 2});
         app.readPresets();
-        const QString python = keyedArchivesScript();
-        QProcess::execute(QStringLiteral("python3"), {python, work.folder.path()});
+        QVERIFY(writeKeyedArchives(work.folder.path()));
         QFile examples(QStringLiteral(":/plexa/presets/example_spresets.pxspr"));
         QVERIFY(examples.open(QIODevice::ReadOnly));
         const QByteArray good = examples.readAll();

@@ -20,7 +20,7 @@ constexpr const char *kJpeg = "image/jpeg";
 constexpr const char *kPng = "image/png";
 constexpr const char *kTiff = "image/tiff";
 
-/// Smooth colours with every alpha.
+/// Smooth colors with every alpha.
 QImage colorfulPicture(QSize size, QImage::Format format)
 {
     QImage image(size, QImage::Format_ARGB32);
@@ -148,7 +148,7 @@ private Q_SLOTS:
 
     void jpegReadsTheSameElsewhere()
     {
-        // djpeg is another way through the library: other colour order, other buffers, whole rows.
+        // djpeg is another way through the library: other color order, other buffers, whole rows.
         PLEXA_NEEDS_PHOTOS();
         for (const QString &name : {u"jpeg/sony-dsc-hx5v-gps.jpg"_qs, u"jpeg/silver-fir-511x323.jpg"_qs}) {
             const QString path = m_folder.path(u"copy.jpg"_qs);

@@ -29,7 +29,7 @@ inline QImage decoded(const QString &path, QString *error = nullptr, const ReadL
     return image ? *image : QImage();
 }
 
-/// Decodes a file with ImageMagick, its colours brought to the sRGB of `profile` (a file).
+/// Decodes a file with ImageMagick, its colors brought to the sRGB of `profile` (a file).
 /// @param assumedProfile  a file with the profile to take for a picture that has none
 inline QImage decodedByMagick(const QString &path, QSize size, const QString &profile,
                               const QString &assumedProfile = {})

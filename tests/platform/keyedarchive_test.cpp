@@ -2,6 +2,7 @@
 
 #include "platform/keyedarchive.h"
 #include "platform/propertylistcheck.h"
+#include "support/files.h"
 #include "support/keyedarchives.h"
 #include "support/testenvironment.h"
 
@@ -18,17 +19,6 @@ namespace
 
 using Key = QLatin1StringView;
 using Mutability = KeyedArchiver::Mutability;
-
-QString script()
-{
-    return keyedArchivesScript();
-}
-
-QByteArray contentsOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 /// Asks a value to be everything that there is.
 void lookAt(const ArchivedValue &value, int depth = 0)
@@ -73,9 +63,7 @@ private:
 
 void KeyedArchiveTest::initTestCase()
 {
-    QProcess python;
-    python.start(QStringLiteral("python3"), {script(), m_folder.path()});
-    QVERIFY2(python.waitForFinished() && python.exitCode() == 0, python.readAllStandardError());
+    QVERIFY(writeKeyedArchives(m_folder.path()));
 }
 
 QByteArray KeyedArchiveTest::xmlForm(const char *name) const
@@ -130,7 +118,7 @@ void KeyedArchiveTest::othersReadWhatIsWritten()
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write(*bytes) == bytes->size());
     file.close();
 
-    const QByteArray json = outputOf(QStringLiteral("python3"), {script(), path});
+    const QByteArray json = keyedArchiveAsJson(path);
     const char *const expected =
         R"({"$version": 100000, "$archiver": "NSKeyedArchiver", "$top": {"Version": 1.2000000476837158, )"
         R"("Big": 1099511627776, "Things": {"NS.objects": [{"Text": "\u00a9 \ud83d\udcf7 <&>", "Negative": -7, )"

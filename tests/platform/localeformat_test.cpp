@@ -40,8 +40,6 @@ private Q_SLOTS:
     void dates();
     void wallClock_data();
     void wallClock();
-    void calendar_data();
-    void calendar();
     void decimals_data();
     void decimals();
     void environment_data();
@@ -108,32 +106,6 @@ void LocaleFormatTest::wallClock()
     QCOMPARE(german.date(local, Style::Medium), date.toString(QStringLiteral("dd.MM.yyyy")));
     QCOMPARE(german.time(local, Style::Medium), time.toString(QStringLiteral("HH:mm:ss")));
     QCOMPARE(german.time(local.toUTC(), Style::Short), time.toString(QStringLiteral("HH:mm")));
-    QCOMPARE(german.calendar(local.toUTC(), QStringLiteral("%F %H:%M")),
-             date.toString(Qt::ISODate) + time.toString(QStringLiteral(" HH:mm")));
-}
-
-void LocaleFormatTest::calendar_data()
-{
-    QTest::addColumn<QString>("pattern");
-    QTest::addColumn<bool>("morning");
-    for (const char *pattern : {"%Y-%m-%d", "%d.%m.%Y", "%m/%d/%Y", "%H:%M", "%H:%M:%S",
-                                "%y%C %e|%j|%I %p %a %A %b %B", "%F %T %R %D%n%t100%%", "%%Y %"}) {
-        QTest::addRow("%s", pattern) << QString::fromLatin1(pattern) << false;
-        QTest::addRow("%s at night", pattern) << QString::fromLatin1(pattern) << true;
-    }
-}
-
-void LocaleFormatTest::calendar()
-{
-    QFETCH(QString, pattern);
-    QFETCH(bool, morning);
-    const QDateTime when = morning ? QDateTime(QDate(1999, 12, 31), QTime(0, 59, 8)) : afternoon();
-    std::tm parts{};
-    const std::time_t seconds = when.toSecsSinceEpoch();
-    localtime_r(&seconds, &parts);
-    char expected[200] = "";
-    QVERIFY(std::strftime(expected, sizeof expected, pattern.toLatin1().constData(), &parts) > 0);
-    QCOMPARE(LocaleFormat(QStringLiteral("C")).calendar(when, pattern), QString::fromLatin1(expected));
 }
 
 void LocaleFormatTest::decimals_data()
@@ -196,7 +168,7 @@ void LocaleFormatTest::invalidTime()
 {
     const LocaleFormat format;
     QCOMPARE(format.date(QDateTime(), Style::Full), QString());
-    QCOMPARE(format.calendar(QDateTime(), QStringLiteral("%Y")), QString());
+    QCOMPARE(format.time(QDateTime(), Style::Full), QString());
 }
 
 QTEST_GUILESS_MAIN(LocaleFormatTest)

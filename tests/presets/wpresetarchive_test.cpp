@@ -24,11 +24,6 @@ namespace
 const QByteArray kSvg = "<svg xmlns='http://www.w3.org/2000/svg' width='40' height='20'>"
                         "<rect width='40' height='20' fill='#ff0000' fill-opacity='0.5'/></svg>";
 
-QString script()
-{
-    return keyedArchivesScript();
-}
-
 /// Values of which none is the default.
 WPresetValues unusualValues()
 {
@@ -75,9 +70,7 @@ class WPresetArchiveTest : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        QProcess python;
-        python.start(u"python3"_s, {script(), m_folder.path()});
-        QVERIFY2(python.waitForFinished() && python.exitCode() == 0, python.readAllStandardError());
+        QVERIFY(writeKeyedArchives(m_folder.path()));
         const auto presets = readWPresetsFromFile(file("pictures.pxwpr"));
         QVERIFY(presets && writeWPresets(*presets, file("once.pxwpr")));
         QVERIFY(writeWPresets(*readWPresetsFromFile(file("once.pxwpr")), file("twice.pxwpr")));
@@ -95,7 +88,7 @@ private Q_SLOTS:
         presets.push_back(std::make_shared<WPreset>(WPresetValues()));
         QVERIFY(writeWPresets(presets, file("written.pxwpr")));
 
-        const QByteArray json = outputOf(u"python3"_s, {script(), file("written.pxwpr")});
+        const QByteArray json = keyedArchiveAsJson(file("written.pxwpr"));
         QVERIFY(
             json.contains(R"("$top": {"Application": "Quorvel Plexa", "FileVersion": 1.2000000476837158, )"
                           R"("WPresets": {"NS.objects": [{"WPName": "New Preset", "WPType": "Text", )"));
@@ -384,7 +377,7 @@ private:
     /// The pictures in an archive as JSON, by the names of their presets.
     QHash<QString, QJsonValue> picturesIn(const char *archive) const
     {
-        const QByteArray json = outputOf(u"python3"_s, {script(), file(archive)});
+        const QByteArray json = keyedArchiveAsJson(file(archive));
         const QJsonValue list = QJsonDocument::fromJson(json)[u"$top"_s][u"WPresets"_s];
         QHash<QString, QJsonValue> pictures;
         for (const QJsonValue object : list[u"NS.objects"_s].toArray())

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "raster/compositing.h"
+#include "support/datarows.h"
 #include "w3cblending.h"
 
 #include <QRandomGenerator>
@@ -85,6 +86,16 @@ std::vector<QRgb> premultipliedGrid(bool opaque)
     return pixels;
 }
 
+struct Clips {
+    test::Text name;
+    QPoint at;
+};
+
+struct Fill {
+    test::Text name;
+    QRectF rect;
+};
+
 } // namespace
 
 class CompositingTest : public QObject
@@ -92,217 +103,208 @@ class CompositingTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void modeNames();
-    void blendsByTheFormulas_data();
-    void blendsByTheFormulas();
-    void strips_data();
-    void strips();
-    void clips_data();
-    void clips();
-    void stripsOnThreads();
-    void opacityLimits();
-    void fill_data();
-    void fill();
-};
-
-void CompositingTest::modeNames()
-{
-    QCOMPARE(blendModeNamed(u"Color Dodge"_qs), BlendMode::ColorDodge);
-    QCOMPARE(blendModeNamed(u"Luminosity"_qs), BlendMode::Luminosity);
-    QCOMPARE(blendModeNamed(u"multiply"_qs), BlendMode::Normal);
-    for (int i = 0; i < kBlendModeCount; ++i)
-        QCOMPARE(blendModeNamed(nameOf(BlendMode(i))), BlendMode(i));
-}
-
-void CompositingTest::blendsByTheFormulas_data()
-{
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<bool>("opaque");
-    for (int mode = 0; mode < kBlendModeCount; ++mode) {
-        for (const bool opaque : {true, false})
-            QTest::addRow("%s on %s", qPrintable(nameOf(BlendMode(mode))), opaque ? "opaque" : "alpha")
-                << mode << opaque;
+    void modeNames()
+    {
+        QCOMPARE(blendModeNamed(u"Color Dodge"_qs), BlendMode::ColorDodge);
+        QCOMPARE(blendModeNamed(u"Luminosity"_qs), BlendMode::Luminosity);
+        QCOMPARE(blendModeNamed(u"multiply"_qs), BlendMode::Normal);
+        for (int i = 0; i < kBlendModeCount; ++i)
+            QCOMPARE(blendModeNamed(nameOf(BlendMode(i))), BlendMode(i));
     }
-}
 
-void CompositingTest::blendsByTheFormulas()
-{
-    QFETCH(int, mode);
-    QFETCH(bool, opaque);
-    const std::vector<QRgb> over = premultipliedGrid(false);
-    const std::vector<QRgb> under = premultipliedGrid(opaque);
-    QImage mark(int(over.size()), 1, QImage::Format_ARGB32_Premultiplied);
-    std::copy(over.begin(), over.end(), reinterpret_cast<QRgb *>(mark.bits()));
-    for (const double opacity : {1.0, 0.37, 0.004}) {
-        for (const QRgb backdrop : under) {
-            QImage rows(mark.size(), formatFor(opaque));
-            rows.fill(backdrop);
-            stampRows(rows, 0, mark, QPoint(0, 0), BlendMode(mode), opacity);
-            const auto *result = reinterpret_cast<const QRgb *>(rows.constBits());
-            for (std::size_t i = 0; i < over.size(); ++i) {
-                const auto expected = test::composed(BlendMode(mode), backdrop, over[i], opacity);
-                const int actual[] = {qRed(result[i]), qGreen(result[i]), qBlue(result[i]),
-                                      qAlpha(result[i])};
-                for (std::size_t c = 0; c < 4; ++c) {
-                    // Half a level is the rounding; the rest is the difference of float and double.
-                    if (std::abs(actual[c] - expected[c]) > 0.51)
-                        QFAIL(qPrintable(QStringLiteral("%1 over %2 at %3: channel %4 is %5, should be %6")
-                                             .arg(over[i], 8, 16)
-                                             .arg(backdrop, 8, 16)
-                                             .arg(opacity)
-                                             .arg(c)
-                                             .arg(actual[c])
-                                             .arg(expected[c])));
+    void blendsByTheFormulas_data()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<bool>("opaque");
+        for (int mode = 0; mode < kBlendModeCount; ++mode) {
+            for (const bool opaque : {true, false})
+                QTest::addRow("%s on %s", qPrintable(nameOf(BlendMode(mode))), opaque ? "opaque" : "alpha")
+                    << mode << opaque;
+        }
+    }
+
+    void blendsByTheFormulas()
+    {
+        QFETCH(int, mode);
+        QFETCH(bool, opaque);
+        const std::vector<QRgb> over = premultipliedGrid(false);
+        const std::vector<QRgb> under = premultipliedGrid(opaque);
+        QImage mark(int(over.size()), 1, QImage::Format_ARGB32_Premultiplied);
+        std::copy(over.begin(), over.end(), reinterpret_cast<QRgb *>(mark.bits()));
+        for (const double opacity : {1.0, 0.37, 0.004}) {
+            for (const QRgb backdrop : under) {
+                QImage rows(mark.size(), formatFor(opaque));
+                rows.fill(backdrop);
+                stampRows(rows, 0, mark, QPoint(0, 0), BlendMode(mode), opacity);
+                const auto *result = reinterpret_cast<const QRgb *>(rows.constBits());
+                for (std::size_t i = 0; i < over.size(); ++i) {
+                    const auto expected = test::composed(BlendMode(mode), backdrop, over[i], opacity);
+                    const int actual[] = {qRed(result[i]), qGreen(result[i]), qBlue(result[i]),
+                                          qAlpha(result[i])};
+                    for (std::size_t c = 0; c < 4; ++c) {
+                        // Half a level is the rounding; the rest is the difference of float and double.
+                        if (std::abs(actual[c] - expected[c]) > 0.51)
+                            QFAIL(
+                                qPrintable(QStringLiteral("%1 over %2 at %3: channel %4 is %5, should be %6")
+                                               .arg(over[i], 8, 16)
+                                               .arg(backdrop, 8, 16)
+                                               .arg(opacity)
+                                               .arg(c)
+                                               .arg(actual[c])
+                                               .arg(expected[c])));
+                    }
+                    QVERIFY(qRed(result[i]) <= qAlpha(result[i]));
                 }
-                QVERIFY(qRed(result[i]) <= qAlpha(result[i]));
             }
         }
     }
-}
 
-void CompositingTest::strips_data()
-{
-    QTest::addColumn<int>("mode");
-    for (int mode = 0; mode < kBlendModeCount; ++mode)
-        QTest::newRow(qPrintable(nameOf(BlendMode(mode)))) << mode;
-}
+    void strips_data()
+    {
+        QTest::addColumn<int>("mode");
+        for (int mode = 0; mode < kBlendModeCount; ++mode)
+            QTest::newRow(qPrintable(nameOf(BlendMode(mode)))) << mode;
+    }
 
-void CompositingTest::strips()
-{
-    QFETCH(int, mode);
-    const QImage mark = randomImage(83, 41, false, 7);
-    for (const bool opaque : {true, false}) {
-        const QImage photo = randomImage(101, 60, opaque, 8);
-        QImage whole = photo.copy();
-        stampRows(whole, 0, mark, QPoint(5, 9), BlendMode(mode), 0.7);
-        for (const int height : {1, 7, 16}) {
-            const QImage joined = drawnInStrips(photo, height, [&](QImage &strip, int first) {
-                stampRows(strip, first, mark, QPoint(5, 9), BlendMode(mode), 0.7);
-            });
-            QCOMPARE(joined, whole);
+    void strips()
+    {
+        QFETCH(int, mode);
+        const QImage mark = randomImage(83, 41, false, 7);
+        for (const bool opaque : {true, false}) {
+            const QImage photo = randomImage(101, 60, opaque, 8);
+            QImage whole = photo.copy();
+            stampRows(whole, 0, mark, QPoint(5, 9), BlendMode(mode), 0.7);
+            for (const int height : {1, 7, 16}) {
+                const QImage joined = drawnInStrips(photo, height, [&](QImage &strip, int first) {
+                    stampRows(strip, first, mark, QPoint(5, 9), BlendMode(mode), 0.7);
+                });
+                QCOMPARE(joined, whole);
+            }
         }
     }
-}
 
-void CompositingTest::clips_data()
-{
-    constexpr int kFar = std::numeric_limits<int>::max();
-    QTest::addColumn<QPoint>("at");
-    QTest::newRow("left and above") << QPoint(-30, -12);
-    QTest::newRow("right and below") << QPoint(70, 40);
-    QTest::newRow("beyond all edges") << QPoint(-13, -4);
-    QTest::newRow("last pixel") << QPoint(49, 29);
-    QTest::newRow("just outside") << QPoint(50, 30);
-    QTest::newRow("far right") << QPoint(kFar, kFar);
-    QTest::newRow("far left") << QPoint(-kFar - 1, -kFar - 1);
-}
-
-void CompositingTest::clips()
-{
-    QFETCH(QPoint, at);
-    constexpr int kRoom = 100;
-    const QImage mark = randomImage(80, 45, false, 3);
-    const QImage photo = randomImage(50, 30, true, 4);
-    QImage clipped = photo.copy();
-    stampRows(clipped, 0, mark, at, BlendMode::Multiply, 1);
-
-    // The same on a photo with room for the whole mark.
-    QImage roomy(50 + 2 * kRoom, 30 + 2 * kRoom, QImage::Format_RGB32);
-    roomy.fill(Qt::white);
-    for (int y = 0; y < photo.height(); ++y) {
-        for (int x = 0; x < photo.width(); ++x)
-            roomy.setPixel(x + kRoom, y + kRoom, photo.pixel(x, y));
-    }
-    if (std::abs(qint64(at.x())) < kRoom)
-        stampRows(roomy, 0, mark, at + QPoint(kRoom, kRoom), BlendMode::Multiply, 1);
-    QCOMPARE(clipped, roomy.copy(kRoom, kRoom, 50, 30));
-}
-
-void CompositingTest::stripsOnThreads()
-{
-    const QImage mark = randomImage(200, 128, false, 1);
-    const QImage photo = randomImage(200, 128, true, 2);
-    QImage whole = photo.copy();
-    stampRows(whole, 0, mark, QPoint(0, 0), BlendMode::SoftLight, 0.5);
-
-    QImage drawn = photo.copy();
-    uchar *bits = drawn.bits();
-    const qsizetype stride = drawn.bytesPerLine();
-    std::vector<std::thread> threads;
-    for (int first = 0; first < 128; first += 32) {
-        threads.emplace_back([&, first] {
-            QImage strip(bits + first * stride, 200, 32, stride, QImage::Format_RGB32);
-            stampRows(strip, first, mark, QPoint(0, 0), BlendMode::SoftLight, 0.5);
+    void clips_data()
+    {
+        constexpr int kFar = std::numeric_limits<int>::max();
+        test::addRows<Clips>({
+            {"left and above", QPoint(-30, -12)},
+            {"right and below", QPoint(70, 40)},
+            {"beyond all edges", QPoint(-13, -4)},
+            {"last pixel", QPoint(49, 29)},
+            {"just outside", QPoint(50, 30)},
+            {"far right", QPoint(kFar, kFar)},
+            {"far left", QPoint(-kFar - 1, -kFar - 1)},
         });
     }
-    for (std::thread &thread : threads)
-        thread.join();
-    QCOMPARE(drawn, whole);
-}
 
-void CompositingTest::opacityLimits()
-{
-    const QImage mark = randomImage(64, 8, false, 5);
-    const QImage photo = randomImage(64, 8, false, 6);
-    const auto stamped = [&](double opacity) {
-        QImage rows = photo.copy();
-        stampRows(rows, 0, mark, QPoint(0, 0), BlendMode::Normal, opacity);
-        return rows;
-    };
-    QCOMPARE(stamped(0), photo);
-    QCOMPARE(stamped(-1), photo);
-    QCOMPARE(stamped(std::numeric_limits<double>::quiet_NaN()), photo);
-    QCOMPARE(stamped(7), stamped(1));
-}
+    void clips()
+    {
+        const auto [name, at] = test::currentRow<Clips>();
+        constexpr int kRoom = 100;
+        const QImage mark = randomImage(80, 45, false, 3);
+        const QImage photo = randomImage(50, 30, true, 4);
+        QImage clipped = photo.copy();
+        stampRows(clipped, 0, mark, at, BlendMode::Multiply, 1);
 
-void CompositingTest::fill_data()
-{
-    constexpr double kHuge = 1e300;
-    QTest::addColumn<QRectF>("rect");
-    QTest::newRow("whole pixels") << QRectF(3, 4, 10, 5);
-    QTest::newRow("between pixels") << QRectF(3.25, 4.5, 10.5, 5.75);
-    QTest::newRow("within one pixel") << QRectF(6.25, 7.125, 0.5, 0.25);
-    QTest::newRow("over one border") << QRectF(6.75, 7.5, 0.5, 1);
-    QTest::newRow("beyond the left and upper edges") << QRectF(-2.5, -3.25, 6.25, 4.5);
-    QTest::newRow("beyond the right and lower edges") << QRectF(30.5, 12.25, 100, 100);
-    QTest::newRow("everything") << QRectF(-kHuge, -kHuge, 2 * kHuge, 2 * kHuge);
-    QTest::newRow("outside") << QRectF(-20, -20, 19, 19);
-    QTest::newRow("empty") << QRectF(5, 5, 0, 4);
-    QTest::newRow("not a number") << QRectF(std::numeric_limits<double>::quiet_NaN(), 0, 5, 5);
-}
+        // The same on a photo with room for the whole mark.
+        QImage roomy(50 + 2 * kRoom, 30 + 2 * kRoom, QImage::Format_RGB32);
+        roomy.fill(Qt::white);
+        for (int y = 0; y < photo.height(); ++y) {
+            for (int x = 0; x < photo.width(); ++x)
+                roomy.setPixel(x + kRoom, y + kRoom, photo.pixel(x, y));
+        }
+        if (std::abs(qint64(at.x())) < kRoom)
+            stampRows(roomy, 0, mark, at + QPoint(kRoom, kRoom), BlendMode::Multiply, 1);
+        QCOMPARE(clipped, roomy.copy(kRoom, kRoom, 50, 30));
+    }
 
-void CompositingTest::fill()
-{
-    QFETCH(QRectF, rect);
-    const auto overlap = [](double low, double high, int pixel) {
-        const double covered = std::min(high, pixel + 1.0) - std::max(low, double(pixel));
-        return covered > 0 ? covered : 0;
-    };
-    for (const bool opaque : {true, false}) {
-        const QImage photo = randomImage(40, 20, opaque, 11);
-        for (const QColor &color : {QColor(255, 255, 255), QColor(10, 200, 90, 77), QColor(0, 0, 0, 1)}) {
-            QImage whole = photo.copy();
-            fillRows(whole, 0, rect, color);
-            for (int y = 0; y < photo.height(); ++y) {
-                for (int x = 0; x < photo.width(); ++x) {
-                    const QRgb under = reinterpret_cast<const QRgb *>(photo.constScanLine(y))[x];
-                    const QRgb result = reinterpret_cast<const QRgb *>(whole.constScanLine(y))[x];
-                    const double alpha = color.alphaF() * overlap(rect.left(), rect.right(), x) *
-                                         overlap(rect.top(), rect.bottom(), y);
-                    const auto expected = [&](int channel, int backdrop) {
-                        return channel * alpha + backdrop * (1 - alpha);
-                    };
-                    QVERIFY(std::abs(qRed(result) - expected(color.red(), qRed(under))) < 0.52);
-                    QVERIFY(std::abs(qBlue(result) - expected(color.blue(), qBlue(under))) < 0.52);
-                    QVERIFY(std::abs(qAlpha(result) - expected(255, qAlpha(under))) < 0.52);
+    void stripsOnThreads()
+    {
+        const QImage mark = randomImage(200, 128, false, 1);
+        const QImage photo = randomImage(200, 128, true, 2);
+        QImage whole = photo.copy();
+        stampRows(whole, 0, mark, QPoint(0, 0), BlendMode::SoftLight, 0.5);
+
+        QImage drawn = photo.copy();
+        uchar *bits = drawn.bits();
+        const qsizetype stride = drawn.bytesPerLine();
+        std::vector<std::thread> threads;
+        for (int first = 0; first < 128; first += 32) {
+            threads.emplace_back([&, first] {
+                QImage strip(bits + first * stride, 200, 32, stride, QImage::Format_RGB32);
+                stampRows(strip, first, mark, QPoint(0, 0), BlendMode::SoftLight, 0.5);
+            });
+        }
+        for (std::thread &thread : threads)
+            thread.join();
+        QCOMPARE(drawn, whole);
+    }
+
+    void opacityLimits()
+    {
+        const QImage mark = randomImage(64, 8, false, 5);
+        const QImage photo = randomImage(64, 8, false, 6);
+        const auto stamped = [&](double opacity) {
+            QImage rows = photo.copy();
+            stampRows(rows, 0, mark, QPoint(0, 0), BlendMode::Normal, opacity);
+            return rows;
+        };
+        QCOMPARE(stamped(0), photo);
+        QCOMPARE(stamped(-1), photo);
+        QCOMPARE(stamped(std::numeric_limits<double>::quiet_NaN()), photo);
+        QCOMPARE(stamped(7), stamped(1));
+    }
+
+    void fill_data()
+    {
+        constexpr double kHuge = 1e300;
+        test::addRows<Fill>({
+            {"whole pixels", QRectF(3, 4, 10, 5)},
+            {"between pixels", QRectF(3.25, 4.5, 10.5, 5.75)},
+            {"within one pixel", QRectF(6.25, 7.125, 0.5, 0.25)},
+            {"over one border", QRectF(6.75, 7.5, 0.5, 1)},
+            {"beyond the left and upper edges", QRectF(-2.5, -3.25, 6.25, 4.5)},
+            {"beyond the right and lower edges", QRectF(30.5, 12.25, 100, 100)},
+            {"everything", QRectF(-kHuge, -kHuge, 2 * kHuge, 2 * kHuge)},
+            {"outside", QRectF(-20, -20, 19, 19)},
+            {"empty", QRectF(5, 5, 0, 4)},
+            {"not a number", QRectF(std::numeric_limits<double>::quiet_NaN(), 0, 5, 5)},
+        });
+    }
+
+    void fill()
+    {
+        const auto [name, rect] = test::currentRow<Fill>();
+        const auto overlap = [](double low, double high, int pixel) {
+            const double covered = std::min(high, pixel + 1.0) - std::max(low, double(pixel));
+            return covered > 0 ? covered : 0;
+        };
+        for (const bool opaque : {true, false}) {
+            const QImage photo = randomImage(40, 20, opaque, 11);
+            for (const QColor &color : {QColor(255, 255, 255), QColor(10, 200, 90, 77), QColor(0, 0, 0, 1)}) {
+                QImage whole = photo.copy();
+                fillRows(whole, 0, rect, color);
+                for (int y = 0; y < photo.height(); ++y) {
+                    for (int x = 0; x < photo.width(); ++x) {
+                        const QRgb under = reinterpret_cast<const QRgb *>(photo.constScanLine(y))[x];
+                        const QRgb result = reinterpret_cast<const QRgb *>(whole.constScanLine(y))[x];
+                        const double alpha = color.alphaF() * overlap(rect.left(), rect.right(), x) *
+                                             overlap(rect.top(), rect.bottom(), y);
+                        const auto expected = [&](int channel, int backdrop) {
+                            return channel * alpha + backdrop * (1 - alpha);
+                        };
+                        QVERIFY(std::abs(qRed(result) - expected(color.red(), qRed(under))) < 0.52);
+                        QVERIFY(std::abs(qBlue(result) - expected(color.blue(), qBlue(under))) < 0.52);
+                        QVERIFY(std::abs(qAlpha(result) - expected(255, qAlpha(under))) < 0.52);
+                    }
                 }
+                const QImage joined = drawnInStrips(
+                    photo, 3, [&](QImage &strip, int first) { fillRows(strip, first, rect, color); });
+                QCOMPARE(joined, whole);
             }
-            const QImage joined = drawnInStrips(
-                photo, 3, [&](QImage &strip, int first) { fillRows(strip, first, rect, color); });
-            QCOMPARE(joined, whole);
         }
     }
-}
+};
 
 QTEST_GUILESS_MAIN(CompositingTest)
 

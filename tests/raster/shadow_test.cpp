@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "raster/compositing.h"
+#include "support/datarows.h"
 
 #include <QTest>
 
@@ -65,6 +66,12 @@ Plane transposed(const Plane &plane)
     return result;
 }
 
+struct BlursLikeAGaussian {
+    test::Text name;
+    double blur;
+    QSize size;
+};
+
 } // namespace
 
 class ShadowTest : public QObject
@@ -72,81 +79,76 @@ class ShadowTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void blursLikeAGaussian_data();
-    void blursLikeAGaussian();
-    void extremes();
-};
-
-void ShadowTest::blursLikeAGaussian_data()
-{
-    QTest::addColumn<double>("blur");
-    QTest::addColumn<QSize>("size");
-    QTest::newRow("less than a pixel") << 0.6 << QSize(50, 20);
-    QTest::newRow("fraction") << 3.3 << QSize(120, 31);
-    QTest::newRow("usual") << 10.0 << QSize(150, 60);
-    QTest::newRow("one pixel a block, widest") << 23.9 << QSize(131, 40);
-    QTest::newRow("smallest blocks") << 24.0 << QSize(131, 40);
-    QTest::newRow("blocks that do not divide the margin") << 77.0 << QSize(97, 33);
-    QTest::newRow("wide") << 500.0 << QSize(700, 80);
-    QTest::newRow("one pixel") << 8.0 << QSize(1, 1);
-}
-
-void ShadowTest::blursLikeAGaussian()
-{
-    QFETCH(double, blur);
-    QFETCH(QSize, size);
-    const QImage mark = bars(size.width(), size.height());
-    const QColor color(200, 40, 255, 204);
-    const Shadow shadow = shadowOf(mark, blur, color);
-    QCOMPARE(shadow.image.format(), QImage::Format_ARGB32_Premultiplied);
-    QCOMPARE(shadow.image.size(), size + 2 * QSize(shadow.margin, shadow.margin));
-
-    Plane plane(std::size_t(shadow.image.height()),
-                std::vector<double>(std::size_t(shadow.image.width()), 0.0));
-    for (int y = 0; y < mark.height(); ++y) {
-        for (int x = 0; x < mark.width(); ++x)
-            plane[std::size_t(y + shadow.margin)][std::size_t(x + shadow.margin)] =
-                qAlpha(reinterpret_cast<const QRgb *>(mark.constScanLine(y))[x]) / 255.0;
+    void blursLikeAGaussian_data()
+    {
+        test::addRows<BlursLikeAGaussian>({
+            {"less than a pixel", 0.6, QSize(50, 20)},
+            {"fraction", 3.3, QSize(120, 31)},
+            {"usual", 10.0, QSize(150, 60)},
+            {"one pixel a block, widest", 23.9, QSize(131, 40)},
+            {"smallest blocks", 24.0, QSize(131, 40)},
+            {"blocks that do not divide the margin", 77.0, QSize(97, 33)},
+            {"wide", 500.0, QSize(700, 80)},
+            {"one pixel", 8.0, QSize(1, 1)},
+        });
     }
-    const Plane expected =
-        transposed(blurredAlongRows(transposed(blurredAlongRows(plane, blur / 2)), blur / 2));
-    double worst = 0;
-    double edge = 0;
-    for (int y = 0; y < shadow.image.height(); ++y) {
-        const auto *row = reinterpret_cast<const QRgb *>(shadow.image.constScanLine(y));
-        for (int x = 0; x < shadow.image.width(); ++x) {
-            const double coverage = expected[std::size_t(y)][std::size_t(x)];
-            worst = std::max(worst, std::abs(qAlpha(row[x]) - coverage * 204));
-            worst = std::max(worst, std::abs(qRed(row[x]) - coverage * 200 * 0.8));
-            if (x == 0 || y == 0)
-                edge = std::max(edge, coverage);
+
+    void blursLikeAGaussian()
+    {
+        const auto [name, blur, size] = test::currentRow<BlursLikeAGaussian>();
+        const QImage mark = bars(size.width(), size.height());
+        const QColor color(200, 40, 255, 204);
+        const Shadow shadow = shadowOf(mark, blur, color);
+        QCOMPARE(shadow.image.format(), QImage::Format_ARGB32_Premultiplied);
+        QCOMPARE(shadow.image.size(), size + 2 * QSize(shadow.margin, shadow.margin));
+
+        Plane plane(std::size_t(shadow.image.height()),
+                    std::vector<double>(std::size_t(shadow.image.width()), 0.0));
+        for (int y = 0; y < mark.height(); ++y) {
+            for (int x = 0; x < mark.width(); ++x)
+                plane[std::size_t(y + shadow.margin)][std::size_t(x + shadow.margin)] =
+                    qAlpha(reinterpret_cast<const QRgb *>(mark.constScanLine(y))[x]) / 255.0;
         }
+        const Plane expected =
+            transposed(blurredAlongRows(transposed(blurredAlongRows(plane, blur / 2)), blur / 2));
+        double worst = 0;
+        double edge = 0;
+        for (int y = 0; y < shadow.image.height(); ++y) {
+            const auto *row = reinterpret_cast<const QRgb *>(shadow.image.constScanLine(y));
+            for (int x = 0; x < shadow.image.width(); ++x) {
+                const double coverage = expected[std::size_t(y)][std::size_t(x)];
+                worst = std::max(worst, std::abs(qAlpha(row[x]) - coverage * 204));
+                worst = std::max(worst, std::abs(qRed(row[x]) - coverage * 200 * 0.8));
+                if (x == 0 || y == 0)
+                    edge = std::max(edge, coverage);
+            }
+        }
+        // Half a level of it is rounding.
+        QVERIFY2(worst < 1.5, qPrintable(QString::number(worst)));
+        // What the margin cuts off would not show.
+        QVERIFY2(edge * 255 < 1, qPrintable(QString::number(edge * 255)));
     }
-    // Half a level of it is rounding.
-    QVERIFY2(worst < 1.5, qPrintable(QString::number(worst)));
-    // What the margin cuts off would not show.
-    QVERIFY2(edge * 255 < 1, qPrintable(QString::number(edge * 255)));
-}
 
-void ShadowTest::extremes()
-{
-    const QImage mark = bars(40, 20);
-    for (const double blur : {0.0, -3.0, std::numeric_limits<double>::quiet_NaN()}) {
-        const Shadow sharp = shadowOf(mark, blur, QColor(0, 0, 0, 85));
-        QCOMPARE(sharp.margin, 0);
-        QCOMPARE(sharp.image.size(), mark.size());
-        QCOMPARE(sharp.image.pixel(0, 0), qRgba(0, 0, 0, 85));
-        QCOMPARE(sharp.image.pixel(5, 0), qRgba(0, 0, 0, 0));
+    void extremes()
+    {
+        const QImage mark = bars(40, 20);
+        for (const double blur : {0.0, -3.0, std::numeric_limits<double>::quiet_NaN()}) {
+            const Shadow sharp = shadowOf(mark, blur, QColor(0, 0, 0, 85));
+            QCOMPARE(sharp.margin, 0);
+            QCOMPARE(sharp.image.size(), mark.size());
+            QCOMPARE(sharp.image.pixel(0, 0), qRgba(0, 0, 0, 85));
+            QCOMPARE(sharp.image.pixel(5, 0), qRgba(0, 0, 0, 0));
+        }
+        QVERIFY(shadowOf(mark, 1e6, Qt::black).image.isNull());
+        QVERIFY(shadowOf(mark, std::numeric_limits<double>::infinity(), Qt::black).image.isNull());
+        QVERIFY(shadowOf(QImage(), 5, Qt::black).image.isNull());
+
+        QImage empty(30, 30, QImage::Format_ARGB32_Premultiplied);
+        empty.fill(0U);
+        const Shadow nothing = shadowOf(empty, 4, Qt::black);
+        QCOMPARE(nothing.image.pixel(20, 20), qRgba(0, 0, 0, 0));
     }
-    QVERIFY(shadowOf(mark, 1e6, Qt::black).image.isNull());
-    QVERIFY(shadowOf(mark, std::numeric_limits<double>::infinity(), Qt::black).image.isNull());
-    QVERIFY(shadowOf(QImage(), 5, Qt::black).image.isNull());
-
-    QImage empty(30, 30, QImage::Format_ARGB32_Premultiplied);
-    empty.fill(0U);
-    const Shadow nothing = shadowOf(empty, 4, Qt::black);
-    QCOMPARE(nothing.image.pixel(20, 20), qRgba(0, 0, 0, 0));
-}
+};
 
 QTEST_GUILESS_MAIN(ShadowTest)
 

@@ -2,6 +2,7 @@
 
 #include "saving/outputnaming.h"
 #include "saving/safefilename.h"
+#include "support/files.h"
 #include "support/scriptedalerts.h"
 #include "support/testenvironment.h"
 #include "watermark/fakephoto.h"
@@ -28,24 +29,6 @@ QString nameFor(const SavingPresetValues &preset, const QString &city, const QSt
 {
     return OutputNaming::filenameForImage(fakePhoto({40, 30}, city, path), path, QStringLiteral("Mark"),
                                           preset, number);
-}
-
-/// All files below the folder, links included.
-QStringList everythingIn(const QString &folder)
-{
-    QStringList names;
-    QDirIterator found(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                       QDirIterator::Subdirectories);
-    while (found.hasNext())
-        names.append(QDir(folder).relativeFilePath(found.next()));
-    names.sort();
-    return names;
-}
-
-bool makeFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write("old") == 3;
 }
 
 } // namespace
@@ -200,7 +183,7 @@ void OutputNamingTest::longNamesAreCut()
     const TestFolder folder;
     const QString name = nameFor(presetWith({u"city"_qs}), value, u"/p/a.png"_qs);
     QCOMPARE(name, base + u".jpg"_qs);
-    QVERIFY(makeFile(folder.path(name))); // the file system agrees
+    QVERIFY(writeFile(folder.path(name), "old")); // the file system agrees
 
     // A number finds its place as well.
     ScriptedAlerts alerts;
@@ -208,8 +191,8 @@ void OutputNamingTest::longNamesAreCut()
     auto code = OutputNaming::always(OutputNaming::kUniqueName);
     const auto unique = naming.finalDestinationForPath(folder.path(name), code);
     QVERIFY(unique && unique->path.endsWith(u"-1.jpg"_qs));
-    QVERIFY(makeFile(unique->path));
-    QCOMPARE(everythingIn(folder.path()).size(), 2);
+    QVERIFY(writeFile(unique->path, "old"));
+    QCOMPARE(pathsBelow(folder.path()).size(), 2);
 }
 
 void OutputNamingTest::targetFolder_data()
@@ -254,8 +237,8 @@ void OutputNamingTest::replicatedFoldersAreMade()
     const OutputNaming naming({folder.path(u"Out"_qs), true, folder.path(u"In"_qs)}, alerts);
     const QString target = naming.targetDirectoryForFile(folder.path(u"In/b/c/a.jpg"_qs));
     QVERIFY(QFileInfo(target).isDir());
-    QCOMPARE(everythingIn(folder.path()), (QStringList{u"Out"_qs, u"Out/b"_qs, u"Out/b/c"_qs}));
-    QVERIFY(makeFile(folder.path(u"Out/d"_qs))); // in the way of a folder
+    QCOMPARE(pathsBelow(folder.path()), (QStringList{u"Out"_qs, u"Out/b"_qs, u"Out/b/c"_qs}));
+    QVERIFY(writeFile(folder.path(u"Out/d"_qs), "old")); // in the way of a folder
     QCOMPARE(naming.targetDirectoryForFile(folder.path(u"In/d/a.jpg"_qs)), folder.path(u"Out/d"_qs));
 }
 
@@ -279,7 +262,7 @@ void OutputNamingTest::uniqueNames()
     QFETCH(QString, given);
     const TestFolder folder;
     for (const QString &name : taken)
-        QVERIFY(makeFile(folder.path(name)));
+        QVERIFY(writeFile(folder.path(name), "old"));
     ScriptedAlerts alerts;
     OutputNaming naming({}, alerts);
     auto code = OutputNaming::always(OutputNaming::kUniqueName);
@@ -336,7 +319,7 @@ void OutputNamingTest::everyAnswer()
 void OutputNamingTest::rememberedAnswerEndsWithTheRun()
 {
     const TestFolder folder;
-    QVERIFY(makeFile(folder.path(u"a.jpg"_qs)) && makeFile(folder.path(u"b.jpg"_qs)));
+    QVERIFY(writeFile(folder.path(u"a.jpg"_qs), "old") && writeFile(folder.path(u"b.jpg"_qs), "old"));
     ScriptedAlerts alerts;
     for (int run = 0; run < 2; ++run) {
         OutputNaming naming({}, alerts);
@@ -410,13 +393,13 @@ void OutputNamingTest::pathsEndOnAnyThread()
         QVERIFY(!given.contains(path));
         given.insert(path);
         threads.emplace_back([&naming, path] {
-            makeFile(path);
+            writeFile(path, "old");
             naming.finished(path);
         });
     }
     for (std::thread &thread : threads)
         thread.join();
-    QCOMPARE(everythingIn(folder.path()).size(), 50);
+    QCOMPARE(pathsBelow(folder.path()).size(), 50);
 }
 
 QTEST_GUILESS_MAIN(OutputNamingTest)

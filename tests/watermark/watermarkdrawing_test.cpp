@@ -2,6 +2,7 @@
 
 #include "platform/fontcatalog.h"
 #include "raster/bitmaputilities.h"
+#include "support/datarows.h"
 #include "watermark/fakephoto.h"
 #include "watermark/textwatermark.h"
 #include "watermark/watermarkdrawing.h"
@@ -31,7 +32,7 @@ QImage flatPhoto(QRgb color = qRgb(128, 128, 128), QSize size = kSize)
     return image;
 }
 
-QImage colourfulPhoto()
+QImage colorfulPhoto()
 {
     QImage image(kSize, QImage::Format_RGB32);
     for (int y = 0; y < image.height(); ++y) {
@@ -49,8 +50,8 @@ WPresetValues textPreset(const QString &text)
     return values;
 }
 
-/// A picture of four colours: red, green above blue, yellow; 40 x 20.
-WPresetValues fourColours()
+/// A picture of four colors: red, green above blue, yellow; 40 x 20.
+WPresetValues fourColors()
 {
     QImage image(40, 20, QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&image);
@@ -89,8 +90,7 @@ class RandomPresets
 public:
     MarkOrder next()
     {
-        WPresetValues values =
-            isOneIn(2) ? textPreset(u"Reduced\nin \u00dcbersee for all"_qs) : fourColours();
+        WPresetValues values = isOneIn(2) ? textPreset(u"Reduced\nin \u00dcbersee for all"_qs) : fourColors();
         values.fontSize = number(4, 16);
         values.textAlignment = number(0, 2);
         values.fillColor = QColor(255, 240, 100);
@@ -153,6 +153,28 @@ double unlikeness(const QImage &found, const QImage &expected)
     return difference / all;
 }
 
+struct NothingToDrawGivesTheSameImage {
+    test::Text name;
+    test::Text type;
+    QStringList pieces;
+    int width;
+};
+
+struct QuarterTurnsAndMirrors {
+    test::Text name;
+    float angle;
+    int rotation;
+    int flip;
+    test::Text colors;
+};
+
+struct TheShadowFallsToItsSide {
+    test::Text name;
+    float angle;
+    QPoint dark;
+    QPoint light;
+};
+
 } // namespace
 
 class WatermarkDrawingTest : public QObject
@@ -172,486 +194,443 @@ private:
     FontCatalog m_fonts;
 
 private Q_SLOTS:
-    void nothingToDrawGivesTheSameImage_data();
-    void nothingToDrawGivesTheSameImage();
-    void theRectangleIsReported();
-    void quarterTurnsAndMirrors_data();
-    void quarterTurnsAndMirrors();
-    void inkTurnsLikeTheWholeBitmap_data();
-    void inkTurnsLikeTheWholeBitmap();
-    void aBitmapThatCouldNotBeTurnedIsEmpty();
-    void theBoxIgnoresTheWatermarksOpacity();
-    void multiplyingByWhiteChangesNothing();
-    void opacityMixes();
-    void theShadowFallsToItsSide_data();
-    void theShadowFallsToItsSide();
-    void markAndShadowReachInAlone();
-    void stripsEqualTheWhole();
-    void repeatsAreSeparateDraws();
-    void absurdPresetsFail_data();
-    void absurdPresetsFail();
-    void threadsDrawTheSame();
-    void aReducedDrawingIsTheFullOneReduced();
-    void oneFailureLeavesTheOthers();
-    void workStopsWhenCanceled_data();
-    void workStopsWhenCanceled();
-};
-
-void WatermarkDrawingTest::nothingToDrawGivesTheSameImage_data()
-{
-    QTest::addColumn<QString>("type");
-    QTest::addColumn<QStringList>("pieces");
-    QTest::addColumn<int>("width");
-    QTest::newRow("no pieces") << "Text" << QStringList() << 98;
-    QTest::newRow("a token without a value") << "Text" << QStringList(u"city"_qs) << 98;
-    QTest::newRow("no picture") << "Image" << QStringList(u"text"_qs) << 98;
-    QTest::newRow("no width") << "Text" << QStringList(u"text"_qs) << 0;
-    QTest::newRow("negative width") << "Text" << QStringList(u"text"_qs) << -20;
-}
-
-void WatermarkDrawingTest::nothingToDrawGivesTheSameImage()
-{
-    QFETCH(QString, type);
-    QFETCH(QStringList, pieces);
-    QFETCH(int, width);
-    WPresetValues values;
-    values.type = type;
-    values.textTokens = pieces;
-    values.width = width;
-    values.background = true;
-    const QImage photo = flatPhoto();
-    QCOMPARE(drawn(photo, values).constBits(), photo.constBits());
-}
-
-void WatermarkDrawingTest::theRectangleIsReported()
-{
-    WPresetValues values = fourColours();
-    values.offsetHorizontal = 1;
-    values.offsetHorizontalUnit = u"Pixels"_qs;
-    QRectF rect;
-    const QImage photo = flatPhoto();
-    const QImage marked = drawn(photo, values, &rect);
-    QCOMPARE(rect, QRectF(1, 280, 40, 20));
-    QCOMPARE(differingRect(photo, marked), QRect(1, 0, 40, 20));
-
-    rect = QRectF(-10.4, 99.6, 0, 0);
-    const Result<QImage> moved =
-        createWatermarkOnImage(photo, values, test::fakePhoto(kSize), m_fonts, true, &rect);
-    QVERIFY(moved.has_value());
-    QCOMPARE(rect, QRectF(-10.4, 99.6, 40, 20));
-    QCOMPARE(differingRect(photo, *moved), QRect(0, 180, 30, 20));
-    QCOMPARE(photo, flatPhoto());
-}
-
-void WatermarkDrawingTest::quarterTurnsAndMirrors_data()
-{
-    QTest::addColumn<float>("angle");
-    QTest::addColumn<int>("rotation");
-    QTest::addColumn<int>("flip");
-    QTest::addColumn<QString>("colours"); // top left, top right, bottom left, bottom right
-    QTest::newRow("as it is") << 0.0F << 0 << 0 << "RGBY";
-    QTest::newRow("counter-clockwise") << 0.0F << 1 << 0 << "GYRB";
-    QTest::newRow("clockwise") << 0.0F << 2 << 0 << "BRYG";
-    QTest::newRow("half") << 0.0F << 3 << 0 << "YBGR";
-    QTest::newRow("unknown") << 0.0F << 4 << 4 << "RGBY";
-    QTest::newRow("left-right") << 0.0F << 0 << 1 << "GRYB";
-    QTest::newRow("top-bottom") << 0.0F << 0 << 2 << "BYRG";
-    QTest::newRow("both") << 0.0F << 0 << 3 << "YBGR";
-    QTest::newRow("turned, then mirrored") << 0.0F << 1 << 1 << "YGBR";
-    QTest::newRow("angle of a quarter") << 90.0F << 0 << 0 << "GYRB";
-    QTest::newRow("angle of minus a quarter") << -90.0F << 0 << 0 << "BRYG";
-    QTest::newRow("angle, then quarter") << 90.0F << 1 << 0 << "YBGR";
-    QTest::newRow("full turn") << 360.0F << 0 << 0 << "RGBY";
-    QTest::newRow("below a full turn") << -450.0F << 0 << 0 << "RGBY";
-}
-
-void WatermarkDrawingTest::quarterTurnsAndMirrors()
-{
-    QFETCH(float, angle);
-    QFETCH(int, rotation);
-    QFETCH(int, flip);
-    WPresetValues values = fourColours();
-    values.angle = angle;
-    values.rotation = rotation;
-    values.flip = flip;
-    QRectF rect;
-    const QImage marked = drawn(flatPhoto(), values, &rect);
-    const QHash<QRgb, QChar> names{
-        {qRgb(255, 0, 0), u'R'}, {qRgb(0, 255, 0), u'G'}, {qRgb(0, 0, 255), u'B'}, {qRgb(255, 255, 0), u'Y'}};
-    QString colours;
-    for (const double y : {0.1, 0.9}) {
-        for (const double x : {0.1, 0.9})
-            colours += names.value(marked.pixel(int(x * rect.width()), int(y * rect.height())), u'?');
-    }
-    QTEST(colours, "colours");
-    QCOMPARE(differingRect(flatPhoto(), marked).size(), rect.size().toSize());
-}
-
-void WatermarkDrawingTest::inkTurnsLikeTheWholeBitmap_data()
-{
-    QTest::addColumn<float>("angle");
-    for (const float angle : {1.0F, 30.0F, -45.0F, 100.0F, 200.5F, 359.0F})
-        QTest::addRow("%g degrees", static_cast<double>(angle)) << angle;
-}
-
-/// Only the ink is turned; the text must land where turning the whole frame would put it.
-void WatermarkDrawingTest::inkTurnsLikeTheWholeBitmap()
-{
-    QFETCH(float, angle);
-    // Two empty lines below put the ink far from the frame's centre.
-    const QString text = u"Turn\n\n\u00a0"_qs;
-    WPresetValues values = textPreset(text);
-    values.width = 300;
-    values.widthUnit = u"Pixels"_qs;
-    values.textAlignment = 2;
-    values.anchorPoint = 4;
-    const auto bitmap = createTextWatermarkOfWidth(300, values, text, m_fonts, {kSize});
-    QVERIFY(bitmap && *bitmap);
-    QImage whole = createBitmapContext((*bitmap)->size.width(), (*bitmap)->size.height(), true);
-    QPainter(&whole).drawImage((*bitmap)->inkAt, (*bitmap)->ink);
-    const double radians = static_cast<double>(angle < 0 ? angle + 360 : angle) * M_PI / 180;
-    const QImage turned = createImageRotatedByAngle(whole, radians);
-
-    values.angle = angle;
-    QRectF rect;
-    const QImage black = flatPhoto(qRgb(0, 0, 0));
-    const QImage marked = drawn(black, values, &rect);
-    QCOMPARE(rect.size().toSize(), turned.size());
-    QImage expected = black;
-    QPainter(&expected).drawImage(qRound(rect.x()), qRound(300 - rect.y() - rect.height()), turned);
-    const auto centre = [](const QImage &image) {
-        QPointF sum;
-        double weight = 0;
-        for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x) {
-                const int light = qGray(image.pixel(x, y));
-                sum += QPointF(x, y) * light;
-                weight += light;
-            }
-        }
-        return sum / weight;
-    };
-    const QPointF off = centre(marked) - centre(expected);
-    // Each of the two is moved to whole pixels once.
-    QVERIFY2(std::abs(off.x()) <= 1.01 && std::abs(off.y()) <= 1.01, qPrintable(QDebug::toString(off)));
-}
-
-void WatermarkDrawingTest::aBitmapThatCouldNotBeTurnedIsEmpty()
-{
-    WPresetValues values;
-    values.background = true;
-    const WatermarkBitmap none;
-    const WatermarkLayout layout = layoutWatermark(values, kSize, none.size, QPointF(40, 30));
-    QCOMPARE(layout.rect, QRectF(40, 30, 0, 0));
-    values.backgroundPaddingTop = values.backgroundPaddingBottom = 10;
-    values.backgroundPaddingLeft = values.backgroundPaddingRight = 10;
-    values.backgroundPaddingUnit = u"Pixels"_qs;
-    values.backgroundFullWidth = false;
-    QCOMPARE(layoutWatermark(values, kSize, none.size, QPointF(40, 30)).box, QRectF(30, 20, 20, 20));
-}
-
-void WatermarkDrawingTest::theBoxIgnoresTheWatermarksOpacity()
-{
-    WPresetValues values = fourColours();
-    values.opacity = 0;
-    values.blendMode = u"Difference"_qs;
-    values.shadow = true;
-    values.background = true;
-    values.backgroundFullWidth = false;
-    values.backgroundColor = QColor(255, 0, 0, 20);
-    values.backgroundOpacity = 100;
-    values.anchorPoint = 4;
-    const QImage photo = flatPhoto();
-    QImage expected = photo;
-    QPainter(&expected).fillRect(QRect(180 - 20, 140 - 20, 80, 60), QColor(255, 0, 0));
-    QCOMPARE(drawn(photo, values), expected);
-}
-
-void WatermarkDrawingTest::multiplyingByWhiteChangesNothing()
-{
-    WPresetValues values = textPreset(u"white"_qs);
-    values.stroke = false;
-    values.blendMode = u"Multiply"_qs;
-    const QImage photo = colourfulPhoto();
-    QCOMPARE(drawn(photo, values), photo);
-    // In another letter case the name is unknown, and white text shows.
-    values.blendMode = u"multiply"_qs;
-    QVERIFY(drawn(photo, values) != photo);
-}
-
-void WatermarkDrawingTest::opacityMixes()
-{
-    WPresetValues values = fourColours();
-    values.opacity = 25;
-    const QRgb mixed = drawn(flatPhoto(qRgb(100, 100, 100)), values).pixel(5, 5);
-    QVERIFY(std::abs(qRed(mixed) - (100 * 0.75 + 255 * 0.25)) < 1);
-    QVERIFY(std::abs(qBlue(mixed) - 75) < 1);
-    values.opacity = 900;
-    QCOMPARE(drawn(flatPhoto(), values).pixel(5, 5), qRgb(255, 0, 0));
-}
-
-void WatermarkDrawingTest::theShadowFallsToItsSide_data()
-{
-    QTest::addColumn<float>("angle");
-    QTest::addColumn<QPoint>("dark");
-    QTest::addColumn<QPoint>("light");
-    QTest::newRow("right") << 0.0F << QPoint(245, 150) << QPoint(155, 150);
-    QTest::newRow("up") << 90.0F << QPoint(200, 115) << QPoint(200, 185);
-    QTest::newRow("left") << 180.0F << QPoint(155, 150) << QPoint(245, 150);
-    QTest::newRow("down") << -90.0F << QPoint(200, 185) << QPoint(200, 115);
-}
-
-void WatermarkDrawingTest::theShadowFallsToItsSide()
-{
-    QFETCH(float, angle);
-    QFETCH(QPoint, dark);
-    QFETCH(QPoint, light);
-    WPresetValues values = fourColours();
-    values.anchorPoint = 4;
-    values.shadow = true;
-    values.shadowAngle = angle;
-    values.shadowOffset = 30;
-    values.shadowOffsetUnit = u"Pixels"_qs;
-    values.shadowBlur = 0;
-    const QImage marked = drawn(flatPhoto(qRgb(240, 240, 240)), values);
-    QVERIFY(std::abs(qRed(marked.pixel(dark)) - 160) <= 1); // a third darker
-    QCOMPARE(marked.pixel(light), qRgb(240, 240, 240));
-    QVERIFY(marked.pixel(200 - 10, 150 - 5) == qRgb(255, 0, 0));
-}
-
-void WatermarkDrawingTest::markAndShadowReachInAlone()
-{
-    WPresetValues values = fourColours();
-    values.shadow = true;
-    values.shadowAngle = 0;
-    values.shadowOffset = 100;
-    values.shadowOffsetUnit = u"Pixels"_qs;
-    values.shadowBlur = 0;
-    const QImage photo = flatPhoto();
-    QRectF rect(-60, 140, 0, 0);
-    const auto shadowInside =
-        createWatermarkOnImage(photo, values, test::fakePhoto(kSize), m_fonts, true, &rect);
-    QCOMPARE(differingRect(photo, shadowInside.value_or(QImage())), QRect(40, 140, 40, 20));
-    rect = QRectF(350, 140, 0, 0);
-    const auto markInside =
-        createWatermarkOnImage(photo, values, test::fakePhoto(kSize), m_fonts, true, &rect);
-    QCOMPARE(differingRect(photo, markInside.value_or(QImage())), QRect(350, 140, 40, 20));
-}
-
-void WatermarkDrawingTest::stripsEqualTheWhole()
-{
-    WPresetValues values = textPreset(u"Strips of\nfew rows"_qs);
-    values.angle = 20;
-    values.opacity = 70;
-    values.blendMode = u"Overlay"_qs;
-    values.shadow = true;
-    values.shadowBlur = 9;
-    values.background = true;
-    values.backgroundPaddingUnit = u"% of height"_qs;
-    values.backgroundPaddingTop = 1;
-    values.replicateHorizontal = values.replicateVertical = true;
-    values.replicateHorizontalDistance = -60;
-    const QImage photo = colourfulPhoto();
-    const QImage whole = drawn(photo, values);
-    QVERIFY(whole != photo);
-    const Result<std::optional<WatermarkDrawing>> drawing =
-        WatermarkDrawing::prepare({values}, test::fakePhoto(kSize), m_fonts);
-    QVERIFY(drawing && *drawing);
-    for (const int height : {1, 7, 299}) {
-        for (int first = 0; first < photo.height(); first += height) {
-            QImage strip = photo.copy(0, first, photo.width(), std::min(height, photo.height() - first));
-            (*drawing)->drawRows(strip, first);
-            QCOMPARE(strip, whole.copy(QRect(QPoint(0, first), strip.size())));
-        }
-    }
-}
-
-void WatermarkDrawingTest::repeatsAreSeparateDraws()
-{
-    WPresetValues values = fourColours();
-    values.anchorPoint = 6;
-    values.opacity = 50;
-    values.replicateHorizontal = true;
-    values.replicateHorizontalDistance = -10;
-    values.replicateHorizontalDistanceUnit = u"Pixels"_qs;
-    const QImage marked = drawn(flatPhoto(qRgb(0, 0, 0)), values);
-    // Top rows: red and green in turn, 20 wide, a step of 30: they overlap for 10.
-    QVERIFY(std::abs(qRed(marked.pixel(5, 285)) - 128) <= 1);
-    QVERIFY(std::abs(qGreen(marked.pixel(25, 285)) - 128) <= 1);
-    const QRgb both = marked.pixel(35, 285);
-    QVERIFY(std::abs(qRed(both) - 128) <= 1 && std::abs(qGreen(both) - 64) <= 1);
-}
-
-void WatermarkDrawingTest::absurdPresetsFail_data()
-{
-    QTest::addColumn<QString>("field");
-    QTest::newRow("repeats");
-    QTest::newRow("picture");
-    QTest::newRow("shadow");
-    QTest::newRow("text");
-}
-
-void WatermarkDrawingTest::absurdPresetsFail()
-{
-    const QByteArray what = QTest::currentDataTag();
-    WPresetValues values = what == "text" ? textPreset(u"x"_qs) : fourColours();
-    if (what == "repeats") {
-        values.anchorPoint = 6;
-        values.replicateHorizontal = values.replicateVertical = true;
-        values.replicateHorizontalDistance = -39;
-        values.replicateHorizontalDistanceUnit = u"Pixels"_qs;
-        values.replicateVerticalDistance = -19;
-        values.replicateVerticalDistanceUnit = u"Pixels"_qs;
-    }
-    if (what == "picture")
-        values.width = 2'000'000'000;
-    if (what == "shadow") {
-        values.shadow = true;
-        values.shadowBlur = 2'000'000'000;
-    }
-    if (what == "text") {
-        values.fontSize = 2'000'000'000;
-        values.width = 2'000'000'000;
-    }
-    const auto drawing = WatermarkDrawing::prepare({values}, test::fakePhoto(kSize), m_fonts);
-    QVERIFY(!drawing.has_value());
-    QVERIFY(drawing.error().text.size() > 20);
-}
-
-void WatermarkDrawingTest::threadsDrawTheSame()
-{
-    std::vector<WPresetValues> presets;
-    for (const char *font : {"DejaVuSans", "DejaVuSans-Bold", "DejaVuSerif", "DejaVuSansMono", "None"}) {
-        WPresetValues values = textPreset(u"Threads \u05e9\u05dc\u05d5\u05dd \u03a9 \u6f22"_qs);
-        values.font = QLatin1StringView(font);
-        values.angle = 10;
-        presets.push_back(values);
-    }
-    const QImage photo = flatPhoto();
-    std::vector<QImage> expected;
-    for (const WPresetValues &values : presets)
-        expected.push_back(drawn(photo, values));
-    std::atomic<int> wrong = 0;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i) {
-        threads.emplace_back([&, i] {
-            for (std::size_t k = 0; k < 2 * presets.size(); ++k) {
-                const std::size_t which = (k + static_cast<std::size_t>(i)) % presets.size();
-                if (drawn(photo, presets[which]) != expected[which])
-                    ++wrong;
-            }
+    void nothingToDrawGivesTheSameImage_data()
+    {
+        test::addRows<NothingToDrawGivesTheSameImage>({
+            {"no pieces", "Text", QStringList(), 98},
+            {"a token without a value", "Text", QStringList(u"city"_qs), 98},
+            {"no picture", "Image", QStringList(u"text"_qs), 98},
+            {"no width", "Text", QStringList(u"text"_qs), 0},
+            {"negative width", "Text", QStringList(u"text"_qs), -20},
         });
     }
-    for (std::thread &thread : threads)
-        thread.join();
-    QCOMPARE(wrong.load(), 0);
-}
 
-/// Everything is where the full drawing has it, at each scale; so is a drawing that was moved. Two pixels
-/// aside would be noticed.
-void WatermarkDrawingTest::aReducedDrawingIsTheFullOneReduced()
-{
-    constexpr QSize size(800, 600);
-    const PhotoFacts facts = test::fakePhoto(size);
-    const QImage photo = flatPhoto(qRgb(128, 128, 128), size);
-    RandomPresets presets;
-    double sum = 0;
-    double sumOfMisplaced = 0;
-    for (int i = 0; i < 150; ++i) {
-        const MarkOrder order = presets.next();
-        const auto full = WatermarkDrawing::prepare(order, facts, m_fonts);
-        QVERIFY(full && *full);
-        const WatermarkLayout &layout = (*full)->layout();
-        QImage marked = photo;
-        (*full)->drawRows(marked, 0);
-        for (const double scale : {0.75, 0.5, 0.35, 0.25, 0.125}) {
-            const QByteArray name = QByteArray::number(i) + " at " + QByteArray::number(scale);
-            const auto elsewhere =
-                WatermarkDrawing::prepare({order.values, QPointF(7, 9)}, facts, m_fonts, {scale});
-            const auto reduced = (*elsewhere)->movedTo(layout.rect.topLeft());
-            QVERIFY(reduced.has_value());
-            QVERIFY2(reduced->layout().rect == layout.rect && reduced->layout().box == layout.box &&
-                         reduced->layout().repeats == layout.repeats,
-                     name);
-            const QSize target = (QSizeF(size) * scale).toSize();
-            const QImage bare = flatPhoto(qRgb(128, 128, 128), target);
-            QImage found = bare;
-            reduced->drawRows(found, 0);
-            const QRect covered = reduced->coveredRect();
-            QVERIFY2((covered | differingRect(bare, found)) == covered, name);
-            const QImage expected = marked.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-            const double unlike = unlikeness(found, expected);
-            QVERIFY2(unlike < 0.6, name + ": " + QByteArray::number(unlike)); // half a pixel beside thin text
-            sum += unlike;
+    void nothingToDrawGivesTheSameImage()
+    {
+        const auto [name, type, pieces, width] = test::currentRow<NothingToDrawGivesTheSameImage>();
+        WPresetValues values;
+        values.type = type;
+        values.textTokens = pieces;
+        values.width = width;
+        values.background = true;
+        const QImage photo = flatPhoto();
+        QCOMPARE(drawn(photo, values).constBits(), photo.constBits());
+    }
 
-            QImage misplaced = bare;
-            reduced->movedTo(layout.rect.topLeft() + QPointF(2, 0) / scale)->drawRows(misplaced, 0);
-            sumOfMisplaced += unlikeness(misplaced, expected);
+    void theRectangleIsReported()
+    {
+        WPresetValues values = fourColors();
+        values.offsetHorizontal = 1;
+        values.offsetHorizontalUnit = u"Pixels"_qs;
+        QRectF rect;
+        const QImage photo = flatPhoto();
+        const QImage marked = drawn(photo, values, &rect);
+        QCOMPARE(rect, QRectF(1, 280, 40, 20));
+        QCOMPARE(differingRect(photo, marked), QRect(1, 0, 40, 20));
 
-            const auto direct = WatermarkDrawing::prepare(order, facts, m_fonts, {scale});
-            QImage again = bare;
-            (*direct)->drawRows(again, 0);
-            QVERIFY2(again == found, name);
+        rect = QRectF(-10.4, 99.6, 0, 0);
+        const Result<QImage> moved =
+            createWatermarkOnImage(photo, values, test::fakePhoto(kSize), m_fonts, true, &rect);
+        QVERIFY(moved.has_value());
+        QCOMPARE(rect, QRectF(-10.4, 99.6, 40, 20));
+        QCOMPARE(differingRect(photo, *moved), QRect(0, 180, 30, 20));
+        QCOMPARE(photo, flatPhoto());
+    }
+
+    void quarterTurnsAndMirrors_data()
+    {
+        test::addRows<QuarterTurnsAndMirrors>({
+            {"as it is", 0.0F, 0, 0, "RGBY"},
+            {"counter-clockwise", 0.0F, 1, 0, "GYRB"},
+            {"clockwise", 0.0F, 2, 0, "BRYG"},
+            {"half", 0.0F, 3, 0, "YBGR"},
+            {"unknown", 0.0F, 4, 4, "RGBY"},
+            {"left-right", 0.0F, 0, 1, "GRYB"},
+            {"top-bottom", 0.0F, 0, 2, "BYRG"},
+            {"both", 0.0F, 0, 3, "YBGR"},
+            {"turned, then mirrored", 0.0F, 1, 1, "YGBR"},
+            {"angle of a quarter", 90.0F, 0, 0, "GYRB"},
+            {"angle of minus a quarter", -90.0F, 0, 0, "BRYG"},
+            {"angle, then quarter", 90.0F, 1, 0, "YBGR"},
+            {"full turn", 360.0F, 0, 0, "RGBY"},
+            {"below a full turn", -450.0F, 0, 0, "RGBY"},
+        });
+    }
+
+    void quarterTurnsAndMirrors()
+    {
+        const auto [name, angle, rotation, flip, colors] = test::currentRow<QuarterTurnsAndMirrors>();
+        WPresetValues values = fourColors();
+        values.angle = angle;
+        values.rotation = rotation;
+        values.flip = flip;
+        QRectF rect;
+        const QImage marked = drawn(flatPhoto(), values, &rect);
+        const QHash<QRgb, QChar> names{{qRgb(255, 0, 0), u'R'},
+                                       {qRgb(0, 255, 0), u'G'},
+                                       {qRgb(0, 0, 255), u'B'},
+                                       {qRgb(255, 255, 0), u'Y'}};
+        QString found;
+        for (const double y : {0.1, 0.9}) {
+            for (const double x : {0.1, 0.9})
+                found += names.value(marked.pixel(int(x * rect.width()), int(y * rect.height())), u'?');
+        }
+        QCOMPARE(found, colors);
+        QCOMPARE(differingRect(flatPhoto(), marked).size(), rect.size().toSize());
+    }
+
+    void inkTurnsLikeTheWholeBitmap_data()
+    {
+        QTest::addColumn<float>("angle");
+        for (const float angle : {1.0F, 30.0F, -45.0F, 100.0F, 200.5F, 359.0F})
+            QTest::addRow("%g degrees", static_cast<double>(angle)) << angle;
+    }
+
+    /// Only the ink is turned; the text must land where turning the whole frame would put it.
+    void inkTurnsLikeTheWholeBitmap()
+    {
+        QFETCH(float, angle);
+        // Two empty lines below put the ink far from the frame's center.
+        const QString text = u"Turn\n\n\u00a0"_qs;
+        WPresetValues values = textPreset(text);
+        values.width = 300;
+        values.widthUnit = u"Pixels"_qs;
+        values.textAlignment = 2;
+        values.anchorPoint = 4;
+        const auto bitmap = createTextWatermarkOfWidth(300, values, text, m_fonts, {kSize});
+        QVERIFY(bitmap && *bitmap);
+        QImage whole = createBitmapContext((*bitmap)->size.width(), (*bitmap)->size.height(), true);
+        QPainter(&whole).drawImage((*bitmap)->inkAt, (*bitmap)->ink);
+        const double radians = static_cast<double>(angle < 0 ? angle + 360 : angle) * M_PI / 180;
+        const QImage turned = createImageRotatedByAngle(whole, radians);
+
+        values.angle = angle;
+        QRectF rect;
+        const QImage black = flatPhoto(qRgb(0, 0, 0));
+        const QImage marked = drawn(black, values, &rect);
+        QCOMPARE(rect.size().toSize(), turned.size());
+        QImage expected = black;
+        QPainter(&expected).drawImage(qRound(rect.x()), qRound(300 - rect.y() - rect.height()), turned);
+        const auto center = [](const QImage &image) {
+            QPointF sum;
+            double weight = 0;
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x) {
+                    const int light = qGray(image.pixel(x, y));
+                    sum += QPointF(x, y) * light;
+                    weight += light;
+                }
+            }
+            return sum / weight;
+        };
+        const QPointF off = center(marked) - center(expected);
+        // Each of the two is moved to whole pixels once.
+        QVERIFY2(std::abs(off.x()) <= 1.01 && std::abs(off.y()) <= 1.01, qPrintable(QDebug::toString(off)));
+    }
+
+    void theBoxIgnoresTheWatermarksOpacity()
+    {
+        WPresetValues values = fourColors();
+        values.opacity = 0;
+        values.blendMode = u"Difference"_qs;
+        values.shadow = true;
+        values.background = true;
+        values.backgroundFullWidth = false;
+        values.backgroundColor = QColor(255, 0, 0, 20);
+        values.backgroundOpacity = 100;
+        values.anchorPoint = 4;
+        const QImage photo = flatPhoto();
+        QImage expected = photo;
+        QPainter(&expected).fillRect(QRect(180 - 20, 140 - 20, 80, 60), QColor(255, 0, 0));
+        QCOMPARE(drawn(photo, values), expected);
+    }
+
+    void multiplyingByWhiteChangesNothing()
+    {
+        WPresetValues values = textPreset(u"white"_qs);
+        values.stroke = false;
+        values.blendMode = u"Multiply"_qs;
+        const QImage photo = colorfulPhoto();
+        QCOMPARE(drawn(photo, values), photo);
+        // In another letter case the name is unknown, and white text shows.
+        values.blendMode = u"multiply"_qs;
+        QVERIFY(drawn(photo, values) != photo);
+    }
+
+    void opacityMixes()
+    {
+        WPresetValues values = fourColors();
+        values.opacity = 25;
+        const QRgb mixed = drawn(flatPhoto(qRgb(100, 100, 100)), values).pixel(5, 5);
+        QVERIFY(std::abs(qRed(mixed) - (100 * 0.75 + 255 * 0.25)) < 1);
+        QVERIFY(std::abs(qBlue(mixed) - 75) < 1);
+        values.opacity = 900;
+        QCOMPARE(drawn(flatPhoto(), values).pixel(5, 5), qRgb(255, 0, 0));
+    }
+
+    void theShadowFallsToItsSide_data()
+    {
+        test::addRows<TheShadowFallsToItsSide>({
+            {"right", 0.0F, QPoint(245, 150), QPoint(155, 150)},
+            {"up", 90.0F, QPoint(200, 115), QPoint(200, 185)},
+            {"left", 180.0F, QPoint(155, 150), QPoint(245, 150)},
+            {"down", -90.0F, QPoint(200, 185), QPoint(200, 115)},
+        });
+    }
+
+    void theShadowFallsToItsSide()
+    {
+        const auto [name, angle, dark, light] = test::currentRow<TheShadowFallsToItsSide>();
+        WPresetValues values = fourColors();
+        values.anchorPoint = 4;
+        values.shadow = true;
+        values.shadowAngle = angle;
+        values.shadowOffset = 30;
+        values.shadowOffsetUnit = u"Pixels"_qs;
+        values.shadowBlur = 0;
+        const QImage marked = drawn(flatPhoto(qRgb(240, 240, 240)), values);
+        QVERIFY(std::abs(qRed(marked.pixel(dark)) - 160) <= 1); // a third darker
+        QCOMPARE(marked.pixel(light), qRgb(240, 240, 240));
+        QVERIFY(marked.pixel(200 - 10, 150 - 5) == qRgb(255, 0, 0));
+    }
+
+    void markAndShadowReachInAlone()
+    {
+        WPresetValues values = fourColors();
+        values.shadow = true;
+        values.shadowAngle = 0;
+        values.shadowOffset = 100;
+        values.shadowOffsetUnit = u"Pixels"_qs;
+        values.shadowBlur = 0;
+        const QImage photo = flatPhoto();
+        QRectF rect(-60, 140, 0, 0);
+        const auto shadowInside =
+            createWatermarkOnImage(photo, values, test::fakePhoto(kSize), m_fonts, true, &rect);
+        QCOMPARE(differingRect(photo, shadowInside.value_or(QImage())), QRect(40, 140, 40, 20));
+        rect = QRectF(350, 140, 0, 0);
+        const auto markInside =
+            createWatermarkOnImage(photo, values, test::fakePhoto(kSize), m_fonts, true, &rect);
+        QCOMPARE(differingRect(photo, markInside.value_or(QImage())), QRect(350, 140, 40, 20));
+    }
+
+    void stripsEqualTheWhole()
+    {
+        WPresetValues values = textPreset(u"Strips of\nfew rows"_qs);
+        values.angle = 20;
+        values.opacity = 70;
+        values.blendMode = u"Overlay"_qs;
+        values.shadow = true;
+        values.shadowBlur = 9;
+        values.background = true;
+        values.backgroundPaddingUnit = u"% of height"_qs;
+        values.backgroundPaddingTop = 1;
+        values.replicateHorizontal = values.replicateVertical = true;
+        values.replicateHorizontalDistance = -60;
+        const QImage photo = colorfulPhoto();
+        const QImage whole = drawn(photo, values);
+        QVERIFY(whole != photo);
+        const Result<std::optional<WatermarkDrawing>> drawing =
+            WatermarkDrawing::prepare({values}, test::fakePhoto(kSize), m_fonts);
+        QVERIFY(drawing && *drawing);
+        for (const int height : {1, 7, 299}) {
+            for (int first = 0; first < photo.height(); first += height) {
+                QImage strip = photo.copy(0, first, photo.width(), std::min(height, photo.height() - first));
+                (*drawing)->drawRows(strip, first);
+                QCOMPARE(strip, whole.copy(QRect(QPoint(0, first), strip.size())));
+            }
         }
     }
-    QVERIFY2(sum / 750 < 0.11, QByteArray::number(sum / 750));
-    QVERIFY2(sumOfMisplaced / 750 > 0.22, QByteArray::number(sumOfMisplaced / 750));
-}
 
-void WatermarkDrawingTest::oneFailureLeavesTheOthers()
-{
-    MarkOrder tooLarge{fourColours()};
-    tooLarge.values.width = 2'000'000'000;
-    const MarkOrder good{fourColours()};
-    const MarkOrder nothing{textPreset(QString())};
-    const auto drawings = WatermarkDrawing::prepareEach(std::vector{good, tooLarge, nothing, good},
-                                                        test::fakePhoto(kSize), m_fonts);
-    QCOMPARE(drawings.size(), 4U);
-    QVERIFY(drawings[0] && *drawings[0] && drawings[3] && *drawings[3]);
-    QVERIFY(drawings[2] && !*drawings[2]);
-    QVERIFY(!drawings[1] && drawings[1].error().text.contains(u"2000000000"));
-}
-
-void WatermarkDrawingTest::workStopsWhenCanceled_data()
-{
-    QTest::addColumn<MarkOrder>("order");
-    MarkOrder text{textPreset(QString(400, u'W'))};
-    QTest::newRow("text") << text;
-    MarkOrder logo{fourColours()};
-    logo.values.width = 3000;
-    QTest::newRow("logo") << logo;
-    MarkOrder shadow{fourColours()};
-    shadow.values.shadow = true;
-    shadow.values.shadowBlur = 100;
-    QTest::newRow("wide shadow") << shadow;
-    shadow.values.shadowBlur = 4;
-    shadow.values.image = WatermarkPicture::fromImage(QImage(40, 200, QImage::Format_ARGB32_Premultiplied));
-    QTest::newRow("narrow shadow") << shadow;
-}
-
-void WatermarkDrawingTest::workStopsWhenCanceled()
-{
-    QFETCH(MarkOrder, order);
-    int calls = 0;
-    int last = std::numeric_limits<int>::max();
-    const auto outcome = [&] {
-        if (order.values.type == u"Image"_qs) // no size of this one is cached
-            order.values.image = WatermarkPicture::fromImage(order.values.image.image());
-        calls = 0;
-        return WatermarkDrawing::prepare(order, test::fakePhoto(kSize), m_fonts,
-                                         {.isCanceled = [&] { return ++calls > last; }});
-    };
-    QVERIFY(outcome().has_value());
-    const int all = calls;
-    QVERIFY2(all > 10, QByteArray::number(all));
-    for (const int before : {0, all / 3, all / 2, all - 1}) {
-        last = before;
-        const auto canceled = outcome();
-        QVERIFY(!canceled.has_value());
-        QCOMPARE(canceled.error().text, cancelledText());
-        QVERIFY2(calls <= before + 8, QByteArray::number(calls));
+    void repeatsAreSeparateDraws()
+    {
+        WPresetValues values = fourColors();
+        values.anchorPoint = 6;
+        values.opacity = 50;
+        values.replicateHorizontal = true;
+        values.replicateHorizontalDistance = -10;
+        values.replicateHorizontalDistanceUnit = u"Pixels"_qs;
+        const QImage marked = drawn(flatPhoto(qRgb(0, 0, 0)), values);
+        // Top rows: red and green in turn, 20 wide, a step of 30: they overlap for 10.
+        QVERIFY(std::abs(qRed(marked.pixel(5, 285)) - 128) <= 1);
+        QVERIFY(std::abs(qGreen(marked.pixel(25, 285)) - 128) <= 1);
+        const QRgb both = marked.pixel(35, 285);
+        QVERIFY(std::abs(qRed(both) - 128) <= 1 && std::abs(qGreen(both) - 64) <= 1);
     }
-}
+
+    void absurdPresetsFail_data()
+    {
+        QTest::addColumn<QString>("field");
+        QTest::newRow("repeats");
+        QTest::newRow("picture");
+        QTest::newRow("shadow");
+        QTest::newRow("text");
+    }
+
+    void absurdPresetsFail()
+    {
+        const QByteArray what = QTest::currentDataTag();
+        WPresetValues values = what == "text" ? textPreset(u"x"_qs) : fourColors();
+        if (what == "repeats") {
+            values.anchorPoint = 6;
+            values.replicateHorizontal = values.replicateVertical = true;
+            values.replicateHorizontalDistance = -39;
+            values.replicateHorizontalDistanceUnit = u"Pixels"_qs;
+            values.replicateVerticalDistance = -19;
+            values.replicateVerticalDistanceUnit = u"Pixels"_qs;
+        }
+        if (what == "picture")
+            values.width = 2'000'000'000;
+        if (what == "shadow") {
+            values.shadow = true;
+            values.shadowBlur = 2'000'000'000;
+        }
+        if (what == "text") {
+            values.fontSize = 2'000'000'000;
+            values.width = 2'000'000'000;
+        }
+        const auto drawing = WatermarkDrawing::prepare({values}, test::fakePhoto(kSize), m_fonts);
+        QVERIFY(!drawing.has_value());
+        QVERIFY(drawing.error().text.size() > 20);
+    }
+
+    void threadsDrawTheSame()
+    {
+        std::vector<WPresetValues> presets;
+        for (const char *font : {"DejaVuSans", "DejaVuSans-Bold", "DejaVuSerif", "DejaVuSansMono", "None"}) {
+            WPresetValues values = textPreset(u"Threads \u05e9\u05dc\u05d5\u05dd \u03a9 \u6f22"_qs);
+            values.font = QLatin1StringView(font);
+            values.angle = 10;
+            presets.push_back(values);
+        }
+        const QImage photo = flatPhoto();
+        std::vector<QImage> expected;
+        for (const WPresetValues &values : presets)
+            expected.push_back(drawn(photo, values));
+        std::atomic<int> wrong = 0;
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 8; ++i) {
+            threads.emplace_back([&, i] {
+                for (std::size_t k = 0; k < 2 * presets.size(); ++k) {
+                    const std::size_t which = (k + static_cast<std::size_t>(i)) % presets.size();
+                    if (drawn(photo, presets[which]) != expected[which])
+                        ++wrong;
+                }
+            });
+        }
+        for (std::thread &thread : threads)
+            thread.join();
+        QCOMPARE(wrong.load(), 0);
+    }
+
+    /// Everything is where the full drawing has it, at each scale; so is a drawing that was moved. Two pixels
+    /// aside would be noticed.
+    void aReducedDrawingIsTheFullOneReduced()
+    {
+        constexpr QSize size(800, 600);
+        const PhotoFacts facts = test::fakePhoto(size);
+        const QImage photo = flatPhoto(qRgb(128, 128, 128), size);
+        RandomPresets presets;
+        double sum = 0;
+        double sumOfMisplaced = 0;
+        for (int i = 0; i < 150; ++i) {
+            const MarkOrder order = presets.next();
+            const auto full = WatermarkDrawing::prepare(order, facts, m_fonts);
+            QVERIFY(full && *full);
+            const WatermarkLayout &layout = (*full)->layout();
+            QImage marked = photo;
+            (*full)->drawRows(marked, 0);
+            for (const double scale : {0.75, 0.5, 0.35, 0.25, 0.125}) {
+                const QByteArray name = QByteArray::number(i) + " at " + QByteArray::number(scale);
+                const auto elsewhere =
+                    WatermarkDrawing::prepare({order.values, QPointF(7, 9)}, facts, m_fonts, {scale});
+                const auto reduced = (*elsewhere)->movedTo(layout.rect.topLeft());
+                QVERIFY(reduced.has_value());
+                QVERIFY2(reduced->layout().rect == layout.rect && reduced->layout().box == layout.box &&
+                             reduced->layout().repeats == layout.repeats,
+                         name);
+                const QSize target = (QSizeF(size) * scale).toSize();
+                const QImage bare = flatPhoto(qRgb(128, 128, 128), target);
+                QImage found = bare;
+                reduced->drawRows(found, 0);
+                const QRect covered = reduced->coveredRect();
+                QVERIFY2((covered | differingRect(bare, found)) == covered, name);
+                const QImage expected =
+                    marked.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+                const double unlike = unlikeness(found, expected);
+                QVERIFY2(unlike < 0.6,
+                         name + ": " + QByteArray::number(unlike)); // half a pixel beside thin text
+                sum += unlike;
+
+                QImage misplaced = bare;
+                reduced->movedTo(layout.rect.topLeft() + QPointF(2, 0) / scale)->drawRows(misplaced, 0);
+                sumOfMisplaced += unlikeness(misplaced, expected);
+
+                const auto direct = WatermarkDrawing::prepare(order, facts, m_fonts, {scale});
+                QImage again = bare;
+                (*direct)->drawRows(again, 0);
+                QVERIFY2(again == found, name);
+            }
+        }
+        QVERIFY2(sum / 750 < 0.11, QByteArray::number(sum / 750));
+        QVERIFY2(sumOfMisplaced / 750 > 0.22, QByteArray::number(sumOfMisplaced / 750));
+    }
+
+    void oneFailureLeavesTheOthers()
+    {
+        MarkOrder tooLarge{fourColors()};
+        tooLarge.values.width = 2'000'000'000;
+        const MarkOrder good{fourColors()};
+        const MarkOrder nothing{textPreset(QString())};
+        const auto drawings = WatermarkDrawing::prepareEach(std::vector{good, tooLarge, nothing, good},
+                                                            test::fakePhoto(kSize), m_fonts);
+        QCOMPARE(drawings.size(), 4U);
+        QVERIFY(drawings[0] && *drawings[0] && drawings[3] && *drawings[3]);
+        QVERIFY(drawings[2] && !*drawings[2]);
+        QVERIFY(!drawings[1] && drawings[1].error().text.contains(u"2000000000"));
+    }
+
+    void workStopsWhenCanceled_data()
+    {
+        QTest::addColumn<MarkOrder>("order");
+        MarkOrder text{textPreset(QString(400, u'W'))};
+        QTest::newRow("text") << text;
+        MarkOrder logo{fourColors()};
+        logo.values.width = 3000;
+        QTest::newRow("logo") << logo;
+        MarkOrder shadow{fourColors()};
+        shadow.values.shadow = true;
+        shadow.values.shadowBlur = 100;
+        QTest::newRow("wide shadow") << shadow;
+        shadow.values.shadowBlur = 4;
+        shadow.values.image =
+            WatermarkPicture::fromImage(QImage(40, 200, QImage::Format_ARGB32_Premultiplied));
+        QTest::newRow("narrow shadow") << shadow;
+    }
+
+    void workStopsWhenCanceled()
+    {
+        QFETCH(MarkOrder, order);
+        int calls = 0;
+        int last = std::numeric_limits<int>::max();
+        const auto outcome = [&] {
+            if (order.values.type == u"Image"_qs) // no size of this one is cached
+                order.values.image = WatermarkPicture::fromImage(order.values.image.image());
+            calls = 0;
+            return WatermarkDrawing::prepare(order, test::fakePhoto(kSize), m_fonts,
+                                             {.isCanceled = [&] { return ++calls > last; }});
+        };
+        QVERIFY(outcome().has_value());
+        const int all = calls;
+        QVERIFY2(all > 10, QByteArray::number(all));
+        for (const int before : {0, all / 3, all / 2, all - 1}) {
+            last = before;
+            const auto canceled = outcome();
+            QVERIFY(!canceled.has_value());
+            QCOMPARE(canceled.error().text, cancelledText());
+            QVERIFY2(calls <= before + 8, QByteArray::number(calls));
+        }
+    }
+};
 
 QTEST_MAIN(WatermarkDrawingTest)
 #include "watermarkdrawing_test.moc"

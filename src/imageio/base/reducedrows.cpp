@@ -14,6 +14,15 @@ QSize reducedSize(QSize size, int factor)
     return {(size.width() + factor - 1) / factor, (size.height() + factor - 1) / factor};
 }
 
+int reductionFor(QSize size, int minimumSide)
+{
+    const int longer = std::max(size.width(), size.height());
+    int reduction = 8;
+    while (reduction > 1 && (longer + reduction - 1) / reduction < minimumSide)
+        reduction /= 2;
+    return reduction;
+}
+
 ReducedRowReader::ReducedRowReader(std::unique_ptr<RowReader> whole, int factor)
     : SingleRowReader({reducedSize(whole->format().size, factor), whole->format().hasAlpha})
     , m_whole(std::move(whole))

@@ -13,6 +13,10 @@ namespace plexa
 /// A size divided by `factor`, sides rounded up.
 QSize reducedSize(QSize size, int factor);
 
+/// The largest of the factors 8, 4, 2 and 1 by which a picture can be reduced so that its longer side still
+/// has `minimumSide` pixels; 1 where it has fewer.
+int reductionFor(QSize size, int minimumSide);
+
 /// Makes the rows of a smaller picture out of those of a larger one: each pixel the mean of a square of
 /// `factor` by `factor` pixels, of less at the right and lower edges.
 class ReducedRowReader final : public SingleRowReader

@@ -112,7 +112,7 @@ Result<IndexedPicture> quantizedPicture(const uchar *pixels, QSize size, int max
     if (const liq_error code = liq_write_remapped_image(result, image.get(), picture.indices.get(), count);
         code != LIQ_OK)
         return tl::unexpected(failureOf(code));
-    // Only now: dithering settles the colours.
+    // Only now: dithering settles the colors.
     const liq_palette *palette = liq_get_palette(result);
     for (unsigned int i = 0; i < palette->count; ++i)
         picture.palette.push_back(qRgb(palette->entries[i].r, palette->entries[i].g, palette->entries[i].b));
@@ -127,7 +127,7 @@ qint64 maxQuantizedPixels()
 qint64 quantizingBytes(QSize size)
 {
     // Measured: the indices and three maps of a byte a pixel, one more while they are made; the table of all
-    // colours with what is by line.
+    // colors with what is by line.
     const qint64 pixels = qint64(size.width()) * size.height();
     return pixels * (pixels <= kMaxPixelsKeptAsFloats ? 21 : 5) + 4'000'000;
 }

@@ -13,14 +13,14 @@
 namespace plexa
 {
 
-/// A picture of few colours.
+/// A picture of few colors.
 struct IndexedPicture {
-    std::vector<QRgb> palette;        ///< 1 to 256 opaque colours
+    std::vector<QRgb> palette;        ///< 1 to 256 opaque colors
     std::unique_ptr<uchar[]> indices; ///< row by row without padding
 };
 
-/// Chooses the colours by which a picture looks best, and dithers it with them by diffusing errors; a picture
-/// that has no more colours than allowed keeps them exactly. Takes some seconds for a large photo. The same
+/// Chooses the colors by which a picture looks best, and dithers it with them by diffusing errors; a picture
+/// that has no more colors than allowed keeps them exactly. Takes some seconds for a large photo. The same
 /// picture always gives the same result.
 /// @param pixels     red, green, blue and 255, row by row without padding
 /// @param size       sides of at least 1, at most maxQuantizedPixels() in all

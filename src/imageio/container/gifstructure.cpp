@@ -25,7 +25,7 @@ int wordAt(const QByteArray &bytes, qsizetype at)
     return uchar(bytes[at]) | uchar(bytes[at + 1]) << 8;
 }
 
-/// The bytes of the colour table that a descriptor's flags announce.
+/// The bytes of the color table that a descriptor's flags announce.
 qsizetype tableBytes(int flags)
 {
     return (flags & 0x80) != 0 ? 3 * (qsizetype(2) << (flags & 7)) : 0;

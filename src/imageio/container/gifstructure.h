@@ -19,7 +19,7 @@ struct GifStructure {
     qint64 framePosition = 0;  ///< where its descriptor begins in the file
     qint64 frameDataBytes = 0; ///< its compressed data, as far as the file has them
     bool isInterlaced = false; ///< the first frame
-    int transparentIndex = -1; ///< the first frame's colour that is none; -1: all show
+    int transparentIndex = -1; ///< the first frame's color that is none; -1: all show
     int frameCount = 0;        ///< at least 1
     QByteArray iccProfile;     ///< may be empty, as the next one
     QByteArray xmp;            ///< the first packet

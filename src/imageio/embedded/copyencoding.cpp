@@ -98,7 +98,7 @@ bool areSame(const Exiv2::IptcData &a, const Exiv2::IptcData &b)
                       });
 }
 
-/// The records as they came where nothing changed: writing them anew would fill in time zones and such.
+/// The records unchanged where nothing was edited: encoding them again would add time zones and such.
 QByteArray encodedIptc(const MetadataSet &set, const Exiv2::IptcData &original)
 {
     QByteArray records;
@@ -112,7 +112,7 @@ QByteArray encodedIptc(const MetadataSet &set, const Exiv2::IptcData &original)
     return holdsPicture(records) ? QByteArray() : records;
 }
 
-/// The library forgets what the packet says it is about.
+/// The library drops the "rdf:about" of a packet.
 void restoreAbout(QByteArray &packet, const std::string &original)
 {
     static const QRegularExpression about(QStringLiteral("rdf:about=([\"'])([^\"'<>&]{1,200})\\1"));
@@ -123,7 +123,7 @@ void restoreAbout(QByteArray &packet, const std::string &original)
         packet.insert(at + 11, match.captured(2).toUtf8());
 }
 
-/// The resources of the copy, which lie around its records.
+/// The Photoshop resources of the copy without its IPTC records.
 QByteArray encodedImageResources(const MetadataSet &set, const QByteArray &iptc, const QVariantMap &after,
                                  ClearedGroups cleared)
 {

@@ -13,7 +13,7 @@ namespace plexa
 
 struct EmbeddedMetadata::Data {
     MetadataSet set;
-    QVariantMap ownProperties; ///< without what only a PNG's texts say
+    QVariantMap ownProperties; ///< without facts that only a PNG's texts hold
     QVariantMap properties;
 };
 
@@ -34,7 +34,7 @@ std::shared_ptr<const EmbeddedMetadata> EmbeddedMetadata::read(const QString &pa
         if (const QVariantMap png = pngTextProperties(data->set.texts); !png.isEmpty())
             data->properties.insert(kCGImagePropertyPNGDictionary, png);
     } catch (const std::exception &) {
-        // Metadata that cannot be understood are none.
+        // A photo with undecodable metadata counts as one without.
         data = std::make_unique<Data>();
     }
     return std::shared_ptr<const EmbeddedMetadata>(new EmbeddedMetadata(std::move(data)));
@@ -58,7 +58,7 @@ bool EmbeddedMetadata::hasThumbnail() const
     if (has("Exif.Thumbnail.JPEGInterchangeFormat"))
         return true;
     // Where the main directory has pixels of its own, the file is a TIFF, and the second one is a page unless
-    // it says that it is of less resolution.
+    // it is marked as one of less resolution.
     const auto kind = exif.findKey(Exiv2::ExifKey("Exif.Thumbnail.NewSubfileType"));
     const bool isReduced = kind != exif.end() && kind->count() > 0 && (kind->toLong() & 1);
     const bool isTiff = has("Exif.Image.StripOffsets") || has("Exif.Image.TileOffsets");
@@ -69,7 +69,7 @@ EmbeddedMetadata::Encoded EmbeddedMetadata::encodeForCopy(const QVariantMap &pro
                                                           const CopyFacts &facts) const
 {
     try {
-        // What only the texts say goes into the copy's other places like an edit: a JPEG has no texts.
+        // Facts of the texts alone reach the copy's other places like an edit: a JPEG has no texts.
         Encoded encoded = encodedForCopy(m_data->set, m_data->ownProperties, properties, facts);
         encoded.texts = pngTextsForCopy(m_data->set.texts, m_data->properties, properties, facts.cleared);
         return encoded;

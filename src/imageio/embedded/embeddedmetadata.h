@@ -17,13 +17,13 @@
 namespace plexa
 {
 
-/// The EXIF, IPTC and XMP that a file carries, whole: also what the property dictionary does not model
+/// The EXIF, IPTC and XMP of a file, whole: also the facts that the property dictionary does not model
 /// (maker notes, unknown tags). Immutable after reading, so threads may share it. The metadata library and
 /// its exceptions stay inside.
 class EmbeddedMetadata final
 {
 public:
-    /// Reads a file's metadata. Damaged metadata never fail a photo: what cannot be read is left out.
+    /// Reads a file's metadata. Damaged metadata never fail a photo: invalid parts are left out.
     static std::shared_ptr<const EmbeddedMetadata> read(const QString &path);
 
     /// No metadata.
@@ -35,8 +35,8 @@ public:
 
     /// The part of the property dictionary that comes from metadata: "Orientation", "DPIWidth", "DPIHeight",
     /// "{TIFF}", "{Exif}", "{ExifAux}", "{IPTC}", "{GPS}", "{PNG}" (its texts) as far as the file has them
-    /// (keys: imageio/propertykeys.h). The author, copyright, title and description of a PNG's texts stand in
-    /// where nothing else says them. What the pixels say (size, depth, colour model, profile) is the codec's.
+    /// (keys: metadata/propertykeys.h). The author, copyright, title and description of a PNG's texts stand
+    /// in where no other place holds them. Size, depth, color model and profile come from the codec.
     QVariantMap properties() const;
 
     /// Does the EXIF carry a thumbnail?
@@ -50,8 +50,8 @@ public:
         QByteArray xmp;                  ///< packet, UTF-8
         QByteArray comment;              ///< JPEG comment
         QList<PngText> texts;            ///< for a PNG: the source's, as far as it was one, and the software
-        QByteArray thumbnailPlaceholder; ///< the bytes in `exif` that stand for the thumbnail to be made
-        QStringList omitted;             ///< what could not be kept: "maker note", "user comment"
+        QByteArray thumbnailPlaceholder; ///< the bytes in `exif` that reserve the place of the new thumbnail
+        QStringList omitted;             ///< parts that are left out: "maker note", "user comment"
     };
 
     /// How a copy differs from its source.
@@ -59,8 +59,8 @@ public:
         QSize pixelSize;                       ///< of the copy
         qsizetype thumbnailBytes = 0;          ///< room to keep for a new EXIF thumbnail, 0: none
         qsizetype maxExifBytes = kMaxJpegExif; ///< the longest EXIF that the copy's format holds
-        bool holdsIptc = true; ///< else what IIM records tell goes into the XMP, as far as it has a place
-        ClearedGroups cleared = {}; ///< what people have cleared; an emptied dictionary counts, too
+        bool holdsIptc = true; ///< else the facts of IIM records go into the XMP, as far as it has a place
+        ClearedGroups cleared = {}; ///< cleared by the user; an emptied dictionary counts, too
         bool isTurned = false; ///< are the copy's pixels rotated, mirrored or stretched against the source's?
         bool holdsExif = true; ///< else author, copyright and description of EXIF go into the XMP
     };

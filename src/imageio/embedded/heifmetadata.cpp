@@ -13,7 +13,7 @@ namespace plexa
 namespace
 {
 
-/// ISO 23008-12, A.2.1: four bytes tell how far behind them the TIFF structure begins.
+/// ISO 23008-12, A.2.1: four bytes state how far after them the TIFF structure begins.
 QByteArray tiffOfExifItem(const QByteArray &item)
 {
     if (item.size() < 8)
@@ -24,7 +24,7 @@ QByteArray tiffOfExifItem(const QByteArray &item)
         if (rest.startsWith("II") || rest.startsWith("MM"))
             return rest;
     }
-    // Some writers count from elsewhere, or not at all.
+    // Some writers count from another place, or write no offset.
     const qsizetype marker = item.left(64).indexOf(QByteArray("Exif\0\0", 6));
     if (marker >= 0)
         return item.mid(marker + 6);

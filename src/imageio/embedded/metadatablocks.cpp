@@ -20,7 +20,7 @@ namespace
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kMaxBlocks = 20'000; // chunks that are looked at before giving up
+constexpr int kMaxBlocks = 20'000; // chunks that are read at most
 
 void takeFirst(QByteArray &block, const QByteArray &candidate)
 {
@@ -28,7 +28,7 @@ void takeFirst(QByteArray &block, const QByteArray &candidate)
         block = candidate;
 }
 
-/// A packet in pieces: each says which packet it belongs to, how long that is and where the piece goes.
+/// A packet in pieces: each states its packet, the length of the packet and the place of the piece.
 class ExtendedXmp
 {
 public:
@@ -46,7 +46,7 @@ public:
         m_lengths[guid] = length;
     }
 
-    /// The packet that the main one names, where it is whole.
+    /// The packet that the main one names; empty unless it is whole.
     QByteArray packetNamedIn(const QByteArray &mainPacket) const
     {
         for (auto packet = m_packets.begin(); packet != m_packets.end(); ++packet) {
@@ -74,7 +74,7 @@ void takeApp1(JpegSegmentReader &segments, MetadataBlocks &blocks, ExtendedXmp &
         extendedXmp.add(segments.contentsBehind(kMoreXmp));
 }
 
-/// @param fillsSegment  did the comment before take up all of its segment? Then this one goes on with it.
+/// @param fillsSegment  did the previous comment fill its segment? Then this one continues it.
 void takeComment(MetadataBlocks &blocks, const QByteArray &comment, bool &fillsSegment)
 {
     if (fillsSegment)
@@ -101,7 +101,7 @@ MetadataBlocks readJpegBlocks(QIODevice &device)
             takeApp1(segments, blocks, extendedXmp);
         else if (*marker == JpegMarker::APP13 && segments.isNamed(kImageResources) &&
                  blocks.imageResources.size() < kMaxMetadataBytes)
-            // Long resources run on in the next segment.
+            // Long resources continue in the next segment.
             blocks.imageResources += segments.contentsBehind(kImageResources);
     }
     blocks.iptc = iptcOfImageResources(blocks.imageResources);

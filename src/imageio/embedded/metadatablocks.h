@@ -13,18 +13,18 @@
 namespace plexa
 {
 
-/// The metadata of a file as they lie in its container, undecoded.
+/// The metadata of a file as stored in its container, undecoded.
 struct MetadataBlocks {
     QByteArray exif;           ///< a TIFF structure
     QByteArray iptc;           ///< IIM records
     QByteArray imageResources; ///< Photoshop image resources, the one with the IIM records among them
     QByteArray xmp;            ///< the packet, UTF-8
-    QByteArray moreXmp;        ///< a JPEG's second packet, for what does not fit into one segment
+    QByteArray moreXmp;        ///< a JPEG's second packet, for properties that do not fit into one segment
     FileComments comments;     ///< JPEG's or GIF's
     QList<PngText> texts;
 };
 
-/// No block is taken that is larger: the largest that cameras and editors write stay far below.
+/// Larger blocks are ignored; cameras and editors write far smaller ones.
 inline constexpr qsizetype kMaxMetadataBytes = 16 * 1024 * 1024;
 
 /// Collects the blocks of a JPEG, PNG, WebP, HEIF or GIF file without touching its pixels. Damaged blocks are

@@ -53,7 +53,7 @@ void eraseWindowsTexts(Exiv2::ExifData &exif, const MetadataField &field)
         eraseExifFields(exif, {"Exif.Image.XPKeywords"});
 }
 
-/// Maker notes and DNG say such facts in ways of their own, which a new value does not fit into.
+/// Maker notes and DNG hold such facts in forms of their own, which have no room for a new value.
 void eraseOtherExifHomes(Exiv2::ExifData &exif, const MetadataField &field)
 {
     if (field.group == MetadataGroup::ExifAux)
@@ -110,7 +110,7 @@ void setIptc(Exiv2::IptcData &iptc, const MetadataField &field, const QVariant &
         iptc["Iptc.Application2.RecordVersion"] = uint16_t{4};
 }
 
-/// IIM has room for few characters; what has to be cut off there stands whole in XMP.
+/// IIM has room for few characters; XMP holds a longer text whole.
 bool fitsIptc(const MetadataField &field, const QVariant &value)
 {
     const QStringList texts = propertyTexts(value);
@@ -118,7 +118,7 @@ bool fitsIptc(const MetadataField &field, const QVariant &value)
                        [&](const QString &text) { return text.toUtf8().size() <= field.iptcMaxBytes; });
 }
 
-/// What XMP writes for facts under more than one name (EXIF for XMP, XMP part 2, guidelines of the Metadata
+/// Further names of facts in XMP (EXIF for XMP, XMP part 2, guidelines of the Metadata
 /// Working Group).
 struct XmpAlias {
     MetadataGroup group;
@@ -190,8 +190,8 @@ void setXmp(Exiv2::XmpData &xmp, const MetadataField &field, const QVariant &val
     putXmpField(xmp, field.xmp, field, value);
 }
 
-/// Does the IPTC dictionary still say what this property of XMP says? The property is its mirror: a field of
-/// TIFF that shares it does not hold it.
+/// Does the IPTC dictionary still have the fact of this property of XMP? The property is its mirror: a field
+/// of TIFF that shares it does not hold it.
 bool isNeeded(const char *xmpKey, const MetadataField &removed, const QVariantMap &after)
 {
     const auto fields = metadataFields();
@@ -215,7 +215,7 @@ void removeField(MetadataSet &set, Exiv2::XmpData &xmp, const MetadataField &fie
         eraseXmpProperty(xmp, kContactProperty);
 }
 
-/// A value that EXIF cannot hold, as an aperture's negative exponent, does not leave the old one standing.
+/// A value that EXIF cannot hold, such as the negative exponent of an aperture, removes the old one.
 void setField(MetadataSet &set, Exiv2::XmpData &xmp, const MetadataField &field, const QVariant &value,
               const QVariantMap &after)
 {
@@ -228,7 +228,7 @@ void setField(MetadataSet &set, Exiv2::XmpData &xmp, const MetadataField &field,
     setXmp(xmp, field, value);
 }
 
-/// Structures and lists of XMP that say the IPTC fact beside its own property.
+/// Structures and lists of XMP that repeat the IPTC fact beside its own property.
 void updateFurtherXmp(Exiv2::XmpData &xmp, const MetadataField &field, const QVariant &oldValue,
                       const QVariant &newValue)
 {
@@ -259,7 +259,7 @@ QVariantMap withoutPartsOfRemovedDates(const QVariantMap &before, QVariantMap af
     return after;
 }
 
-/// Gives XMP the dates anew of which the date, its fraction or its time zone has changed.
+/// Writes the dates into XMP again of which the date, its fraction or its time zone has changed.
 void updateXmpDates(Exiv2::XmpData &xmp, const QVariantMap &before, const QVariantMap &after)
 {
     for (const MetadataField &field : metadataFields()) {

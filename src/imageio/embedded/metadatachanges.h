@@ -9,9 +9,9 @@
 namespace plexa
 {
 
-/// Carries what differs between two property dictionaries into EXIF, IPTC and XMP: a new value goes where
-/// the fact belongs and wherever else a file may say it, a removed one leaves all those places.
-/// @param before  what the set says: propertiesOfMetadata()
+/// Applies the differences between two property dictionaries to EXIF, IPTC and XMP: a new value goes where
+/// the fact belongs and to all further places that a file may have for it, a removed one leaves all of them.
+/// @param before  propertiesOfMetadata() of the set
 /// @return has the IPTC record changed?
 bool applyPropertyChanges(MetadataSet &set, Exiv2::XmpData &xmp, const QVariantMap &before,
                           const QVariantMap &wanted);

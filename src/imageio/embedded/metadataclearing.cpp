@@ -37,7 +37,7 @@ bool isOneOf(const std::string &text, std::initializer_list<std::string_view> wo
     return std::find(words.begin(), words.end(), text) != words.end();
 }
 
-/// Tags by which maps and aerial photos say where they lie (GeoTIFF 1.1 and its forerunners, GDAL).
+/// Tags for the place of maps and aerial photos (GeoTIFF 1.1 and its forerunners, GDAL).
 bool isGeoTiffTag(uint16_t tag)
 {
     return tag == 0x830E || (tag >= 0x847E && tag <= 0x8482) || tag == 0x85D8 ||
@@ -52,7 +52,7 @@ bool isPlaceOfPanasonic(const Exiv2::Exifdatum &datum)
            (tag == 0x67 || tag == 0x69 || tag == 0x6B || tag == 0x6D || tag == 0x6F || tag == 0x80);
 }
 
-/// Pentax's "location" only tells which of two clocks counts.
+/// Pentax's "location" only selects one of two clocks.
 bool isClockOfPentax(const Exiv2::Exifdatum &datum)
 {
     return datum.groupName().starts_with("Pentax") && datum.tag() == 0x22;
@@ -94,7 +94,7 @@ void clearGps(MetadataSet &set, DecodedXmp &xmp)
                     [&](const Exiv2::Xmpdatum &datum) { return isPlaceInXmp(datum, xmp.namespaces); });
 }
 
-/// Tags of the main directory that speak of the camera or the exposure (TIFF/EP, DNG), not of the picture.
+/// Tags of the main directory for camera and exposure (TIFF/EP, DNG), not for the picture.
 bool isCameraTag(uint16_t tag)
 {
     return (tag >= 0x828D && tag <= 0x8290) || tag == 0x829A || tag == 0x829D ||
@@ -127,7 +127,7 @@ bool keepsTiff(const QVariantMap &after, QLatin1StringView key)
     return groupDictionary(after, MetadataGroup::Tiff).contains(key);
 }
 
-/// Names of the camera and program, and what Windows and XMP keep beside the fields of the dictionary.
+/// Names of camera and program, and the fields of Windows and XMP beside those of the dictionary.
 void clearTiff(MetadataSet &set, DecodedXmp &xmp, const QVariantMap &after)
 {
     eraseExifFields(set.exif, {"Exif.Image.Software", "Exif.Image.ImageDescription", "Exif.Image.Make",
@@ -187,10 +187,10 @@ void clearIptc(MetadataSet &set, DecodedXmp &xmp, const QVariantMap &after)
         return (isIptcInXmp(key) || isDescriptionInXmp(datum, xmp.namespaces)) && !keptXmp.contains(key) &&
                !(keepsRights && isRightInXmp(datum, xmp.namespaces));
     });
-    const bool saysNothing = std::all_of(set.iptc.begin(), set.iptc.end(), [](const Exiv2::Iptcdatum &datum) {
+    const bool isEmpty = std::all_of(set.iptc.begin(), set.iptc.end(), [](const Exiv2::Iptcdatum &datum) {
         return datum.key() == kCharacterSet;
     });
-    if (saysNothing)
+    if (isEmpty)
         set.iptc.clear();
     else
         makeUtf8(set.iptc);

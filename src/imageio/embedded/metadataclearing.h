@@ -35,7 +35,7 @@ void eraseMetadataIf(Container &container, Predicate predicate)
 /// Removes the fields of these names.
 void eraseExifFields(Exiv2::ExifData &exif, std::initializer_list<std::string_view> keys);
 
-/// Removes an XMP property and what is nested in it. @return was there any?
+/// Removes an XMP property and what is nested in it. @return true where there was any
 bool eraseXmpProperty(Exiv2::XmpData &xmp, std::string_view key);
 
 /// The groups that `after` shows as cleared: empty there but not in `before`, the IPTC group but for what
@@ -50,13 +50,13 @@ void clearGroups(MetadataSet &set, DecodedXmp &xmp, ClearedGroups groups, const 
 /// Is this the name of a maker-note group of the library ("Canon", "Nikon3", ...)?
 bool isMakerNoteGroup(const std::string &groupName);
 
-/// The number of fields that the library understood of the maker notes.
+/// The number of fields that the library has decoded from the maker notes.
 size_t makerNoteFields(const Exiv2::ExifData &exif);
 
 /// Removes the maker notes, decoded or not.
 void eraseMakerNotes(Exiv2::ExifData &exif);
 
-/// Removes a maker note of which the library understood nothing: there is no telling what is in it.
+/// Removes a maker note that the library cannot decode: it may contain anything.
 void eraseOpaqueMakerNote(Exiv2::ExifData &exif);
 
 } // namespace plexa

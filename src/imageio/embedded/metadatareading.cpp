@@ -67,7 +67,7 @@ QVariant iptcField(const Exiv2::IptcData &iptc, const QByteArray &characterSet, 
     return QVariantList(texts.begin(), texts.end());
 }
 
-/// The two dictionaries with facts of camera and lens have the same where only one of them was told.
+/// Facts of camera and lens that only one of two dictionaries has go into the other.
 void copyToAux(QVariantMap &aux, const QVariantMap &exif)
 {
     const auto copy = [&](QLatin1StringView auxKey, QLatin1StringView exifKey) {
@@ -90,13 +90,13 @@ void insertResolution(QVariantMap &properties)
         if (resolution > 0)
             properties.insert(key, resolution);
     };
-    // A resolution without unit tells the shape of the pixels, like one with a unit.
+    // A resolution without unit states the shape of the pixels, like one with a unit.
     insert(kCGImagePropertyDPIWidth, kCGImagePropertyTIFFXResolution);
     insert(kCGImagePropertyDPIHeight, kCGImagePropertyTIFFYResolution);
 }
 
-/// A copyright, caption or creator in XMP belongs to the IPTC dictionary alone; which way up a picture is
-/// and how dense its pixels are only EXIF and the container say.
+/// A copyright, caption or creator in XMP belongs to the IPTC dictionary alone; the orientation of a picture
+/// and the density of its pixels come from EXIF and the container alone.
 bool readsXmp(const MetadataField &field)
 {
     return field.xmp &&

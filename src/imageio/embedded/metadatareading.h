@@ -9,7 +9,7 @@
 namespace plexa
 {
 
-/// The property dictionary of a file's metadata. A fact is taken from EXIF or IIM; where these are silent,
+/// The property dictionary of a file's metadata. A fact is read from EXIF or IIM; where these lack it,
 /// from XMP; lens and serial number also from the maker notes.
 /// @param xmp  decodedXmp() of the set
 QVariantMap propertiesOfMetadata(const MetadataSet &set, const Exiv2::XmpData &xmp);

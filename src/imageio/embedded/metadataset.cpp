@@ -137,7 +137,7 @@ MetadataSet readMetadataSet(const QString &path)
     try {
         readThroughLibrary(set, path);
     } catch (const std::exception &) {
-        // What was taken over before the failure is whole.
+        // The blocks that were read before the failure are whole.
     }
     // The records as they lie in the file are kept as they are where nothing changes.
     const QByteArray iptc = iptcOfTiff(file);

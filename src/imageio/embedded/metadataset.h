@@ -19,17 +19,17 @@ namespace plexa
 struct MetadataSet {
     Exiv2::ExifData exif;
     Exiv2::IptcData iptc;
-    QByteArray iptcBlock;        ///< the records as they came, empty where only the library saw them
+    QByteArray iptcBlock;        ///< the records as stored; empty where only the library has read them
     bool hasDamagedIptc = false; ///< some of the records cannot be read
-    QByteArray imageResources;   ///< Photoshop image resources as they came
+    QByteArray imageResources;   ///< Photoshop image resources as stored
     std::string xmpPacket;
-    std::string moreXmpPacket; ///< what a JPEG keeps in a second packet
+    std::string moreXmpPacket; ///< a JPEG's second packet
     FileComments comments;
     QList<PngText> texts;
     Exiv2::ByteOrder byteOrder = Exiv2::littleEndian;
 };
 
-/// Reads what the file carries; nothing is thrown, what cannot be read is left out.
+/// Reads the metadata of a file. Throws nothing; invalid parts are left out.
 MetadataSet readMetadataSet(const QString &path);
 
 } // namespace plexa

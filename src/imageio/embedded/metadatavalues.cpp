@@ -98,7 +98,7 @@ ExifText timeOfDayText(const QVariant &value)
                       : ExifText{};
 }
 
-/// Each number by itself; nothing where one of them is no number, or greater than `textOf` can say.
+/// Each number by itself; nothing where one is no number, or too great for `textOf`.
 template<class TextOf>
 QStringList textsOfNumbers(const QVariant &value, TextOf textOf)
 {
@@ -131,7 +131,7 @@ QStringList isoDateTime(QString text)
     return {text};
 }
 
-/// "1998-04-03" for "19980403". IIM says by zeros which parts of a date are unknown, XMP leaves them out.
+/// "1998-04-03" for "19980403". IIM has zeros for unknown parts of a date, XMP leaves them out.
 QStringList isoDate(const QString &text)
 {
     static const QRegularExpression form(QStringLiteral("^([0-9]{4})([0-9]{2})([0-9]{2})$"));

@@ -30,7 +30,7 @@ QStringList xmpTexts(MetadataKind kind, const QVariant &value);
 QStringList propertyTexts(const QVariant &value);
 
 /// "28/10" for 2.8: the quotient nearest to a number with both parts below 2^31, or below 2^32 over 1. Empty:
-/// greater numbers, and what is no finite one.
+/// greater numbers, infinite ones and NaN.
 QString rationalText(double number);
 
 } // namespace plexa

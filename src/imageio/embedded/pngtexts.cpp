@@ -25,7 +25,7 @@ constexpr qsizetype kMaxOneTextBytes = 256 * 1024;
 constexpr qsizetype kMaxKeywordBytes = 79; // of the PNG standard
 constexpr char kSoftwareKeyword[] = "Software";
 
-/// A text that says what the property dictionary says as well.
+/// A text whose fact the property dictionary holds, too.
 struct SharedFact {
     const char *keyword;
     QLatin1StringView iptcKey;
@@ -49,7 +49,7 @@ const SharedFact *sharedFact(const QByteArray &keyword)
 }
 
 /// Decompresses a zlib stream; empty when it is damaged or larger than `most`.
-/// @param budget  what may still be inflated; becomes smaller by what was, in vain or not
+/// @param budget  bytes that may still be inflated; reduced by all inflated bytes, discarded ones included
 QByteArray inflated(const QByteArray &data, qsizetype most, qsizetype &budget)
 {
     z_stream stream{};
@@ -85,7 +85,7 @@ bool isProperKeyword(const QByteArray &keyword)
            });
 }
 
-/// Names with a colon are programs' own notes of what the file was: "date:modify", "exif:GPSLatitude",
+/// Names with a colon are programs' own records of the source file: "date:modify", "exif:GPSLatitude",
 /// "Thumb::URI".
 bool isToBeCopied(const QByteArray &keyword)
 {

@@ -61,8 +61,8 @@ QVariantMap withPngTexts(QVariantMap properties, const QList<PngText> &texts);
 /// The texts as they stand in the dictionary "{PNG}": under their keywords, the first where one repeats.
 QVariantMap pngTextProperties(const QList<PngText> &texts);
 
-/// The texts for a copy whose properties were `before` and are `after`: what was edited says the new, what
-/// was cleared is gone, and the software is that of `after`.
+/// The texts for a copy whose properties were `before` and are `after`: edited texts are new,
+/// cleared ones are absent, and the software is that of `after`.
 QList<PngText> pngTextsForCopy(const QList<PngText> &texts, const QVariantMap &before,
                                const QVariantMap &after, ClearedGroups cleared = {});
 

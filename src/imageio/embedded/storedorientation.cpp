@@ -28,7 +28,7 @@ int orientationOfTiff(QIODevice &device)
 int storedOrientation(QIODevice &device)
 {
     std::optional<MetadataBlocks> blocks = readMetadataBlocks(device);
-    if (!blocks) // a TIFF file is itself what EXIF is in others
+    if (!blocks) // a TIFF file is itself a TIFF structure, as EXIF is
         return orientationOfTiff(device);
     QBuffer exif(&blocks->exif);
     exif.open(QIODevice::ReadOnly);

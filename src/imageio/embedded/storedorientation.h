@@ -7,10 +7,10 @@ class QIODevice;
 namespace plexa
 {
 
-/// How a TIFF, PNG or JPEG file says that its pixels have to be turned to be upright (1 to 8 as EXIF counts),
-/// read without the rest of its metadata. XMP is not asked.
-/// @param device  open for reading, random access, at any position; it is left at any
-/// @return 1 where the file says nothing, or what no orientation is
+/// The orientation that a TIFF, PNG or JPEG file states for its pixels (1 to 8 as in EXIF),
+/// read without the rest of its metadata. XMP is not read.
+/// @param device  open for reading, random access, at any position; its position afterwards is undefined
+/// @return 1 where the file states none, or an invalid one
 int storedOrientation(QIODevice &device);
 
 } // namespace plexa

@@ -18,7 +18,7 @@ constexpr quint16 kIptc = 33723;
 constexpr quint16 kImageResources = 34377;
 constexpr char kDataSetMarker = '\x1C';
 
-/// Turns each group of four bytes around.
+/// Reverses each group of four bytes.
 void reverseWords(QByteArray &bytes)
 {
     for (qsizetype at = 0; at + 4 <= bytes.size(); at += 4)

@@ -8,8 +8,8 @@
 namespace plexa
 {
 
-/// The IIM records of a TIFF file as they lie in it: those of its own field, else those in its Photoshop
-/// image resources. Some programs have stored them as numbers of four bytes, turned around.
+/// The IIM records of a TIFF file as stored in it: those of its own field, else those in its Photoshop
+/// image resources. Some programs store them as numbers of four bytes in reverse order.
 /// @param device  open for reading, random access, at any position
 /// @return empty when there are none, or this is no classic TIFF file
 QByteArray iptcOfTiff(QIODevice &device);

@@ -144,7 +144,7 @@ protected:
     }
 
 private:
-    ImageBrowserView &m_view; // which lives longer
+    ImageBrowserView &m_view; // outlives this object
     mutable QHash<int, QAccessible::Id> m_cells;
 };
 
@@ -158,7 +158,7 @@ QAccessibleInterface *makeInterface(const QString &, QObject *object)
 
 void AccessibleGrid::install()
 {
-    QAccessible::installFactory(makeInterface); // which takes the same one once only
+    QAccessible::installFactory(makeInterface); // ignores a factory that is installed already
 }
 
 void AccessibleGrid::announceChange(ImageBrowserView &view, const BrowserSelection &before,

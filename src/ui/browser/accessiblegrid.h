@@ -8,15 +8,15 @@ namespace plexa
 class BrowserSelection;
 class ImageBrowserView;
 
-/// What screen readers are told of a grid: a list, whose items are the images with their names, places and
-/// states, and can be selected by them. Main thread.
+/// Presents a grid to screen readers as a list. Its items are the images with their names, places and states;
+/// screen readers can select them. Main thread.
 namespace AccessibleGrid
 {
 
-/// From then on grids are lists. May be called again.
+/// May be called again.
 void install();
 
-/// Selection and focus have changed.
+/// Reports a change of selection and focus to screen readers.
 void announceChange(ImageBrowserView &view, const BrowserSelection &before, const BrowserSelection &now);
 
 } // namespace AccessibleGrid

@@ -62,7 +62,7 @@ void BrowserSelection::deselect(int first, int last)
     m_indexes.erase(std::lower_bound(m_indexes.begin(), m_indexes.end(), first),
                     std::upper_bound(m_indexes.begin(), m_indexes.end(), last));
     if (m_indexes.isEmpty())
-        m_indexes = {}; // without memory, as all other empty ones: Qt compares these by what they point to
+        m_indexes = {}; // without memory, like all other empty lists: Qt compares these by address
 }
 
 void BrowserSelection::selectAll()
@@ -108,7 +108,7 @@ void BrowserSelection::stepTo(bool next, Mode mode)
     int to = next ? 0 : m_count - 1;
     if (from != kNone)
         to = std::clamp(from + (next ? 1 : -1), 0, m_count - 1);
-    // Back onto what is selected: the selection shrinks from this end.
+    // Back onto a selected image: the selection shrinks from this end.
     if (mode == Mode::Range && from != kNone && to != from && isSelected(to))
         deselect(from);
     m_focus = to;

@@ -8,51 +8,51 @@
 namespace plexa
 {
 
-/// What is selected in a grid and which image has the focus, and how presses and keys change that. A value;
-/// knows no widget.
+/// The selected images and the focus image of a grid, and how presses and keys change them. A value; knows no
+/// widget.
 class BrowserSelection
 {
 public:
     static constexpr int kNone = -1;
 
-    /// Extend: keys or clicks join what is selected. Range: also what lies between.
+    /// Extend adds to the selection. Range also adds the images between.
     enum class Mode { Replace, Extend, Range };
     /// Shift: Range; else Ctrl: Extend.
     static Mode modeOf(Qt::KeyboardModifiers modifiers);
 
     int count() const { return m_count; }
-    /// The list has another length now; what is beyond it is neither selected nor focused any more.
+    /// Sets the length of the list and removes indexes beyond it from selection and focus.
     void setCount(int count);
 
     /// Ascending, each once.
     const QList<int> &indexes() const { return m_indexes; }
     bool isSelected(int index) const;
     int focus() const { return m_focus; }
-    /// An index that is not in the list is none.
+    /// An index outside the list: no focus.
     void setFocus(int index);
 
-    /// Adds an index, or all from `from` to it where `from` is given; without `extend`, after clearing.
-    /// Nothing is added for an index that is not in the list.
+    /// Adds an index, or all between `from` and it if `from` is valid. Without `extend`, clears first.
+    /// Ignores an index outside the list.
     void select(int index, bool extend, int from = kNone);
-    /// Exactly these, or these also; what is not in the list is left out.
+    /// Selects these, with `extend` additionally; ignores indexes outside the list.
     void select(const QList<int> &indexes, bool extend);
     void deselect(int first, int last);
     void deselect(int index) { deselect(index, index); }
     void selectAll();
-    /// The focus goes, too.
+    /// Also removes the focus.
     void selectNone();
     /// The first selected index gets the focus.
     void invert();
 
-    /// A press of the pointer on a cell: it gets the focus, an unselected one is selected, Range: with all
-    /// from the former focus on. Extend takes a selected one out.
+    /// A press of the pointer on a cell: it gets the focus. An unselected image is selected, with Range all
+    /// from the former focus to it. Extend deselects a selected image.
     void press(int index, Mode mode);
 
     /// One step to the next or previous image.
     void stepTo(bool next, Mode mode);
-    /// So many images on (or back), as a row or a page is; at most to the ends.
+    /// Moves the focus by a number of images, such as a row or a page; stops at the ends.
     void jumpBy(int images, Mode mode);
-    /// Focus to that image, as jumpBy() does.
+    /// Moves the focus to an image; selects as jumpBy() does.
     void jumpTo(int index, Mode mode);
 
     bool operator==(const BrowserSelection &) const = default;

@@ -17,7 +17,7 @@ namespace
 
 constexpr double kFrameOpacity = 0.8;
 constexpr double kShadowOpacity = 0.5;
-/// Beyond so many standard deviations a shadow cannot be seen.
+/// The number of standard deviations beyond which a shadow is invisible.
 constexpr double kShadowReach = 2.5;
 
 QSize levelSize(QSize size, int halvings)
@@ -25,7 +25,7 @@ QSize levelSize(QSize size, int halvings)
     return {std::max(1, size.width() >> halvings), std::max(1, size.height() >> halvings)};
 }
 
-/// How often a thumbnail may be halved and still have no fewer pixels than that.
+/// How often a thumbnail may be halved and still be at least that large.
 int halvingsFor(QSize thumbnail, QSize size)
 {
     int halvings = 0;
@@ -39,8 +39,8 @@ int halvingsFor(QSize thumbnail, QSize size)
     return halvings;
 }
 
-/// The shadow of an edge to edge bar, blurred: the share of light that it takes from each pixel of a row.
-/// A box convolved with a Gaussian is a difference of two error functions.
+/// The blurred shadow of a bar: the share of light that it removes from each pixel of a row. A box convolved
+/// with a Gaussian is a difference of two error functions.
 std::vector<double> shadowProfile(int length, int from, int to, double sigma)
 {
     std::vector<double> profile(static_cast<std::size_t>(length));
@@ -115,7 +115,7 @@ QImage CellPictures::level(const QImage &thumbnail, int halvings)
     const Key key{Kind::Level, thumbnail.cacheKey(), size};
     if (const QImage image = find(key); !image.isNull())
         return image;
-    // From the next larger one that is kept, if any.
+    // From the next larger kept version, if any.
     const QImage larger = nearest(thumbnail, size);
     return keep(key, resampled(level(larger, 0), size, Quality::Low));
 }
@@ -152,7 +152,8 @@ QImage CellPictures::mat(const Mat &mat)
         QPainter painter(&image);
         QColor white(Qt::white);
         white.setAlphaF(static_cast<float>(kFrameOpacity));
-        painter.setCompositionMode(QPainter::CompositionMode_Source); // no shadow shines through
+        painter.setCompositionMode(
+            QPainter::CompositionMode_Source); // no shadow remains visible through the frame
         painter.fillRect(frame, white);
     }
     return keep(key, image);

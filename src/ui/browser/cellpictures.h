@@ -9,25 +9,25 @@
 namespace plexa
 {
 
-/// The pictures that cells are put together from, each made once for its size and kept while there is room.
-/// All sizes are device pixels, all pictures have a device pixel ratio of 1. Main thread.
+/// The pictures that cells consist of, each created once for its size and kept in a cache bounded by bytes.
+/// All sizes are device pixels; all pictures have a device pixel ratio of 1. Main thread.
 class CellPictures
 {
 public:
     explicit CellPictures(qint64 maxBytes = 128 << 20);
 
-    /// A thumbnail at that size, upright. Null when there is none yet.
+    /// A thumbnail at this size, upright. Null if it has not been created yet.
     /// @param thumbnail  mirrored top to bottom
     QImage scaled(const QImage &thumbnail, QSize size) const;
-    /// As above, made when there is none. That costs time: for each pixel of the thumbnail, when it is shown
-    /// for the first time; of a size at most twice as large, when it was.
+    /// As above, created if needed. The cost is proportional to the pixels of the thumbnail the first time,
+    /// afterwards to those of a size at most twice as large.
     QImage makeScaled(const QImage &thumbnail, QSize size);
 
-    /// The smallest kept version of a thumbnail (mirrored as it is) with no fewer pixels than that; the
-    /// thumbnail itself where there is none. To be scaled in passing.
+    /// The smallest kept version of a thumbnail (mirrored like it) that is at least this large, else the
+    /// thumbnail itself. For rough drawing.
     QImage nearest(const QImage &thumbnail, QSize size) const;
 
-    /// What lies behind a picture.
+    /// The background of a picture.
     struct Mat {
         QSize picture;
         int border = 0;      ///< of a white frame around the picture; 0: no frame
@@ -35,13 +35,13 @@ public:
         int shadowShift = 0; ///< downwards
         bool operator==(const Mat &) const = default;
     };
-    /// The picture's place is in the middle, matMargin() from each side.
+    /// The picture belongs in its middle, matMargin() from each side.
     QImage mat(const Mat &mat);
     static int matMargin(const Mat &mat);
 
-    /// A rounded rectangle behind the thumbnail of a selected cell.
+    /// The rounded rectangle under the thumbnail of a selected cell.
     QImage selection(QSize size, double radius);
-    /// What stands for a thumbnail that is not there yet.
+    /// Replaces a thumbnail that is not available yet.
     /// @param scale  device pixels in a point
     QImage placeholder(QSize size, double scale);
 
@@ -51,7 +51,7 @@ private:
     enum class Kind { Scaled, Level, Mat, Selection, Placeholder };
     struct Key {
         Kind kind;
-        qint64 of; ///< the thumbnail's cache key, or what else makes the picture
+        qint64 of; ///< the thumbnail's cache key, or the picture's other parameters
         QSize size;
         bool operator==(const Key &) const = default;
     };

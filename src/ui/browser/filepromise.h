@@ -10,42 +10,40 @@
 namespace plexa
 {
 
-/// Files that a drag or the clipboard offers, and that are made when somebody wants them. It stands for the
-/// images that were selected when it was given, whatever happens to the list meanwhile. Main thread, where
-/// nothing else is said.
+/// Files that a drag or the clipboard offers and that are written on request. Represents the images that were
+/// selected when it was created, even if the list changes. Main thread unless stated otherwise.
 class FilePromise
 {
 public:
     virtual ~FilePromise() = default;
 
-    /// The names of the files, in order, before any of them is made. Any thread.
+    /// The names of the files, in order; known before they are written. Any thread.
     virtual QStringList names() const = 0;
 
     struct Outcome {
-        bool isStopped = false; ///< by the user, who wants none of the files any more
-        QStringList failures;   ///< a line a file: "path: reason"
+        bool isStopped = false; ///< the user has canceled all files
+        QStringList failures;   ///< one line for each file: "path: reason"
     };
 
-    /// Makes the files in an existing folder, under names(); those that could not be made are missing. Any
-    /// thread, but one call at a time; the main thread is free to do other things meanwhile.
-    /// @param isUnwanted  asked before each file, on any thread; true: no further one is made
+    /// Writes the files to an existing folder, under names(); files that fail are missing. Any thread, one
+    /// call at a time.
+    /// @param isUnwanted  called before each file, on any thread; true: no further file is written
     virtual Outcome makeFiles(const QString &folder, const std::function<bool()> &isUnwanted) = 0;
 
-    /// Tells the user what could not be made, a line a file; nothing for an empty list.
+    /// Reports failures to the user, one line for each file; does nothing for an empty list.
     virtual void report(const QStringList & /*failures*/) {}
 
-    /// Is there somebody who saves into a target's folder?
+    /// Whether saveInto() is supported.
     virtual bool canSaveInto() const { return false; }
-    /// Begins to save into the folder of the receiver, which the user chose by dropping; in the background
-    /// and under other names, as the user's own save does.
-    /// @return false when it could not begin
+    /// Starts a save to the folder of the drop, in the background and with the names of the user's own save.
+    /// @return false if it could not start
     virtual bool saveInto(const QString & /*folder*/) { return false; }
 
-    /// MIME names of what image() can make.
+    /// The MIME names that image() supports.
     virtual QStringList imageTypes() const = 0;
 
-    /// The first image as a file of that type; empty when it cannot be made, with the reasons in `failures`.
-    /// As makeFiles() on any thread.
+    /// The first image as a file of this type; empty if it fails, with the reasons in `failures`. Any thread,
+    /// like makeFiles().
     virtual QByteArray image(const QString &mimeType, QStringList &failures) = 0;
 };
 

@@ -24,7 +24,8 @@ GridGeometry::GridGeometry(int count, QSizeF visible, float zoomFactor, const Gr
     const double width = visible.width() - 2 * metrics.viewPadding;
     const double spacing = metrics.minCellSpacing;
     m_columns = std::max(1, static_cast<int>((width - spacing) / (spacing + m_cellSize)));
-    // What the columns leave is shared out between them. A single cell that does not fit keeps its left side.
+    // The remaining width is distributed between the columns. A single cell that does not fit shows its left
+    // side.
     m_horizontalSpacing = std::max(spacing, (width - m_columns * m_cellSize) / (m_columns + 1));
 
     m_rows = (m_count + m_columns - 1) / m_columns;
@@ -40,7 +41,7 @@ GridGeometry GridGeometry::besideScrollBar(int count, QSizeF full, double scroll
     const GridGeometry geometry(count, full, zoomFactor, metrics);
     if (!geometry.needsScrollBar())
         return geometry;
-    // Cells may become smaller beside the bar and fit then; without it they would not, so it stays.
+    // Cells may become smaller beside the bar and then fit; without the bar they would not, so it remains.
     GridGeometry beside(count, QSizeF(full.width() - scrollBarWidth, full.height()), zoomFactor, metrics);
     beside.m_needsScrollBar = true;
     return beside;
@@ -85,7 +86,7 @@ int GridGeometry::insertionIndexAt(QPointF point) const
     if (dx >= 0) {
         const double pitch = m_cellSize + m_horizontalSpacing;
         column = static_cast<int>(std::min<double>(dx / pitch, m_columns));
-        // The right half of a cell, and the gap behind it, insert after it; counted in whole points.
+        // The right half of a cell and the gap after it insert after it; counted in whole points.
         const auto wholePitch = static_cast<qint64>(pitch);
         if (2 * (static_cast<qint64>(dx) % wholePitch) > wholePitch)
             ++column;
@@ -98,10 +99,10 @@ QRectF GridGeometry::insertionBar(int index, double width) const
 {
     if (m_count == 0 || index < 0 || index > m_count)
         return {};
-    const QRectF neighbour = *cell(std::min(index, m_count - 1));
-    const double middle = index < m_count ? neighbour.left() - m_horizontalSpacing / 2
-                                          : neighbour.right() + m_horizontalSpacing / 2;
-    return {middle - width / 2, neighbour.top(), width, neighbour.height()};
+    const QRectF neighbor = *cell(std::min(index, m_count - 1));
+    const double middle = index < m_count ? neighbor.left() - m_horizontalSpacing / 2
+                                          : neighbor.right() + m_horizontalSpacing / 2;
+    return {middle - width / 2, neighbor.top(), width, neighbor.height()};
 }
 
 GridGeometry::Range GridGeometry::cellsInRows(const QRectF &rect) const

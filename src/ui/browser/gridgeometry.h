@@ -31,7 +31,7 @@ public:
     /// @param zoomFactor  0: the smallest cells; 1: one cell fills the shorter side of the visible area
     GridGeometry(int count, QSizeF visible, float zoomFactor, const GridMetrics &metrics = {});
 
-    /// As above, in what a scroll bar of that width leaves where the rows do not fit.
+    /// As above; where the rows do not fit, beside a scroll bar of this width.
     static GridGeometry besideScrollBar(int count, QSizeF full, double scrollBarWidth, float zoomFactor,
                                         const GridMetrics &metrics = {});
 
@@ -47,17 +47,17 @@ public:
     /// Not all rows fit in the visible area, or would not without the bar.
     bool needsScrollBar() const { return m_needsScrollBar; }
 
-    /// None for an index that has no cell.
+    /// Nothing for an index without a cell.
     std::optional<QRectF> cell(int index) const;
 
-    /// The cell at a point; kNone in gaps, margins and behind the last cell.
+    /// The cell at a point; kNone in gaps, in margins and after the last cell.
     int cellAt(QPointF point) const;
 
-    /// Before which cell something dropped at the point is put; count() is the end.
+    /// The cell before which a drop at this point inserts; count(): at the end.
     int insertionIndexAt(QPointF point) const;
 
-    /// The gap where something dropped before that cell would go: as high as a cell, `width` wide. Empty for
-    /// an index beyond count() and for an empty grid.
+    /// The mark in the gap before a cell, where a drop would insert: as high as a cell, `width` wide. Empty
+    /// for an index beyond count() and for an empty grid.
     QRectF insertionBar(int index, double width) const;
 
     /// The cells of the rows that meet the rectangle, as a range: first, and one past the last.

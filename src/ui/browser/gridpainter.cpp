@@ -34,8 +34,8 @@ QColor translucent(Qt::GlobalColor color, double opacity)
     return result;
 }
 
-/// What lies at the middle of a rectangle; whole pixels.
-QRect centred(QSize size, const QRect &in)
+/// The rectangle of this size in the middle of another, in whole pixels.
+QRect centered(QSize size, const QRect &in)
 {
     return {QPoint(in.x() + (in.width() - size.width()) / 2, in.y() + (in.height() - size.height()) / 2),
             size};
@@ -71,7 +71,7 @@ QString oneLine(QString name)
 
 const QStaticText *NameLayouts::layout(const QString &name, const QFont &font, int width, bool makes)
 {
-    // In steps, so that not every step of the zoom lays all names out anew.
+    // In steps, so that not every zoom step lays out all names again.
     const Key key{name, std::max(0, width - width % kWidthStep), font.pixelSize()};
     if (const QStaticText *text = m_layouts.object(key); text || !makes)
         return text;
@@ -114,8 +114,8 @@ GridPainter::~GridPainter()
 
 QRect GridPainter::toDevice(const QRectF &rect) const
 {
-    // Position and size are rounded apart from each other, so that all cells have the same size.
-    // The same way on both sides of 0, so that a cell that is scrolled out of view moves as all others do.
+    // Position and size are rounded separately, so that all cells have the same size. Rounding is the same on
+    // both sides of 0, so that a partly hidden cell moves like all others.
     const double ratio = m_place.devicePixelRatio;
     const auto pixel = [ratio](double points) { return static_cast<int>(std::floor(points * ratio + 0.5)); };
     return {pixel(rect.x() - m_place.origin.x()), pixel(rect.y() - m_place.origin.y()),
@@ -178,7 +178,7 @@ bool GridPainter::drawThumbnail(const QRect &area, const QImage &thumbnail)
     if (thumbnail.isNull()) {
         const int width = qRound(kPlaceholderWidth * area.width());
         const QSize size(std::max(1, width), std::max(1, qRound(kPlaceholderShape * width)));
-        m_painter.drawImage(centred(size, area).topLeft(), m_pictures.placeholder(size, ratio));
+        m_painter.drawImage(centered(size, area).topLeft(), m_pictures.placeholder(size, ratio));
         return true;
     }
 
@@ -187,7 +187,7 @@ bool GridPainter::drawThumbnail(const QRect &area, const QImage &thumbnail)
     const QRect inner = area.adjusted(border + shadow, border + shadow, -border - shadow, -border - shadow);
     const QSize size =
         thumbnail.size().scaled(inner.size().expandedTo({1, 1}), Qt::KeepAspectRatio).expandedTo({1, 1});
-    const QRect place = centred(size, inner);
+    const QRect place = centered(size, inner);
 
     if (border > 0 || shadow > 0) {
         const CellPictures::Mat mat{size, border, m_style.drawShadows ? kShadowBlur * ratio : 0,

@@ -22,9 +22,9 @@ struct GridStyle {
     bool drawCells = false; ///< tint every cell
     bool drawBorders = true;
     bool drawShadows = true;
-    double textSize = 10; ///< of a file name: its font's pixels, and the height that is reserved for it
+    double textSize = 10; ///< of a file name: pixel size of its font and reserved height
     double insertionHintWidth = 4;
-    QColor textColor;  ///< invalid: that of the palette
+    QColor textColor;  ///< invalid: from the palette
     QColor focusColor; ///< of the ring around the image that has the keyboard focus
     QFont font;
 };
@@ -42,7 +42,7 @@ class NameLayouts
 {
 public:
     /// @param font, width  in device pixels
-    /// @param makes        else null where there is none yet
+    /// @param makes  false: null if it has not been laid out yet
     const QStaticText *layout(const QString &name, const QFont &font, int width, bool makes);
     static bool isShortened(const QString &name, const QFont &font, int width);
 
@@ -60,8 +60,8 @@ private:
     QCache<Key, QStaticText> m_layouts{4000};
 };
 
-/// Draws the parts of a grid. Takes points of the whole grid, and works in device pixels, so that pictures
-/// are neither scaled nor blurred by the painter. One for each paint event.
+/// Draws the parts of a grid. Parameters are points of the whole grid; drawing is in device pixels, so the
+/// painter neither scales nor blurs pictures. One for each paint event.
 class GridPainter
 {
 public:
@@ -70,20 +70,19 @@ public:
         double devicePixelRatio = 1; ///< of the viewport
     };
 
-    /// The painter's transform is that of the viewport, and put back in the end.
+    /// Expects the viewport's transform in the painter and restores it at the end.
     GridPainter(QPainter &painter, const GridGeometry &geometry, const GridStyle &style,
                 CellPictures &pictures, NameLayouts &names, const Place &place);
     ~GridPainter();
     Q_DISABLE_COPY_MOVE(GridPainter)
 
-    /// For so long thumbnails are scaled and names laid out as they are shown; later ones are drawn roughly,
-    /// so that a frame never takes long.
+    /// Limits the time for scaling thumbnails and laying out names; cells after it are drawn roughly.
     void setTime(int milliseconds) { m_time = milliseconds; }
 
     void drawTint(const QRectF &cell);
     void drawInsertionBar(const QRectF &bar);
     void drawRubberBand(const QRectF &band);
-    /// @return false when that was done roughly and is to be done again
+    /// @return false if the cell was drawn roughly and should be drawn again
     bool drawCell(const QRectF &cell, const CellContents &contents);
 
     /// In the middle of the visible area.

@@ -13,8 +13,8 @@
 namespace plexa
 {
 
-/// Whom a grid tells what the user does in it, and asks what he may do. What is not overridden does nothing.
-/// Called on the main thread; the grid's own state is settled before each call. Indexes ascend.
+/// Receives the user's actions in a grid and decides what is allowed. Functions that are not overridden do
+/// nothing. Called on the main thread, after the grid's own state has changed. Indexes ascend.
 class ImageBrowserDelegate
 {
 public:
@@ -28,21 +28,21 @@ public:
     virtual void focusImageDoubleClicked() {}
 
     virtual void receivedDraggedFiles(const QStringList & /*paths*/) {}
-    /// Dragged within the grid, to stand before the image that is at `toIndex` now.
+    /// A drag within the grid: to be inserted before the image that is now at `toIndex`.
     virtual void movedIndexes(const QList<int> & /*indexes*/, int /*toIndex*/) {}
     virtual void copiedIndexes(const QList<int> & /*indexes*/, int /*toIndex*/) {}
 
-    /// The user wants another zoom; setZoomFactor() is for the delegate to call. May be out of range.
+    /// A request for another zoom, maybe out of range; the delegate calls setZoomFactor().
     virtual void changedZoomFactorTo(float /*zoomFactor*/) {}
     virtual void rotatedSelectedImages90ClockWise(bool /*clockwise*/) {}
 
-    /// May images be dragged at all?
+    /// Whether images may be dragged.
     virtual bool shouldDragPromisedFiles() { return false; }
-    /// What a drag of the selected images offers outside the grid; null: nothing.
+    /// The files that a drag offers outside the grid; null: none.
     virtual std::unique_ptr<FilePromise> promisedFiles(const QList<int> & /*indexes*/) { return nullptr; }
     virtual Qt::DropActions externalDraggingSourceOperationMask() { return Qt::CopyAction; }
 
-    /// The selected images, of which there are some, to the clipboard.
+    /// Copies the selected images to the clipboard. Called only with a selection.
     virtual void copy() {}
 };
 

@@ -7,7 +7,6 @@
 #include "ui/browser/promisedfiles.h"
 #include "ui/browser/x11drag.h"
 #include "ui/widgets/filedrops.h"
-#include "ui/widgets/localfiles.h"
 
 #include <QDrag>
 #include <QDragMoveEvent>
@@ -117,8 +116,8 @@ Qt::DropAction ImageBrowserDrags::actionFor(const QDropEvent &event) const
             return Qt::MoveAction;
         return possible & Qt::CopyAction && m_allowCopying ? Qt::CopyAction : Qt::IgnoreAction;
     }
-    return possible & Qt::CopyAction && !localFiles(*event.mimeData()).isEmpty() ? Qt::CopyAction
-                                                                                 : Qt::IgnoreAction;
+    return possible & Qt::CopyAction && !droppedFiles(event.mimeData()).isEmpty() ? Qt::CopyAction
+                                                                                  : Qt::IgnoreAction;
 }
 
 void ImageBrowserDrags::move(QDragMoveEvent &event)
@@ -149,7 +148,7 @@ void ImageBrowserDrags::drop(QDropEvent &event)
     if (!event.isAccepted() || !delegate)
         return;
     if (!event.mimeData()->hasFormat(kPhotoSelectionType)) {
-        delegate->receivedDraggedFiles(localFiles(*event.mimeData()));
+        delegate->receivedDraggedFiles(droppedFiles(event.mimeData()));
         return;
     }
     const QList<int> indexes = PromisedFiles::indexes(*event.mimeData());

@@ -8,8 +8,8 @@
 namespace plexa
 {
 
-/// The images that a grid shows, by their place in the list. Called on the main thread, for what is drawn:
-/// the answers have to be at hand.
+/// The images that a grid shows, by their index in the list. Called on the main thread while drawing, so it
+/// must answer at once.
 class ImageBrowserSource
 {
 public:
@@ -22,11 +22,11 @@ public:
     /// The name under the thumbnail.
     virtual QString filename(int index) const = 0;
 
-    /// Stored mirrored top to bottom; null while there is none. Equal pixels are one shared QImage: what is
-    /// made of them is kept by QImage::cacheKey().
+    /// Mirrored top to bottom; null until it is available. Unchanged pixels are the same shared QImage:
+    /// scaled versions are cached by QImage::cacheKey().
     virtual QImage thumbnail(int index, ThumbnailKind kind) const = 0;
 
-    /// Where an image stands by its identity; -1 for one that is not in the list.
+    /// The index of an image by its identity; -1 if it is not in the list.
     virtual int indexOf(const void *image) const = 0;
 };
 

@@ -28,7 +28,7 @@ constexpr float kZoomStep = 0.1F;
 
 } // namespace
 
-/// Copies for other programs in the status line, whose button stops them.
+/// Shows copies for other programs in the status line, whose button stops them.
 class StatusLineProgress final : public CopyProgress
 {
 public:
@@ -74,7 +74,7 @@ ImageBrowserViewController::ImageBrowserViewController(AppController &app, Image
 ImageBrowserViewController::~ImageBrowserViewController()
 {
     m_view.setDelegate(nullptr);
-    if (m_onClipboard) // and with it photos that need what the application is about to take down
+    if (m_onClipboard) // the photos on it need objects that are destroyed after this one
         QGuiApplication::clipboard()->clear();
 }
 
@@ -127,7 +127,7 @@ void ImageBrowserViewController::tellSelection()
 {
     if (m_isFollowing)
         return;
-    // Comes back by the selection's signals, and finds the view as it is.
+    // The selection's signals return here and find the view unchanged.
     m_app.imageSet().selection().select(m_view.selectionIndexes(), m_view.focusImageIndex());
 }
 
@@ -215,7 +215,7 @@ std::unique_ptr<FilePromise> ImageBrowserViewController::promisedFiles(const QLi
     return std::make_unique<PhotoPromise>(std::move(contents));
 }
 
-/// The folder becomes the user's folder for copies.
+/// Makes the folder the user's saving folder.
 bool ImageBrowserViewController::saveInto(const std::vector<std::shared_ptr<ImageObject>> &photos,
                                           const QString &folder)
 {
@@ -236,12 +236,12 @@ void ImageBrowserViewController::copy()
     if (m_view.selectionIndexes().isEmpty())
         return;
     auto promise = promisedFiles(m_view.selectionIndexes());
-    if (!promise) { // without watermarks there is nothing to paste, nor what was copied before
+    if (!promise) { // without watermarks the clipboard becomes empty
         QGuiApplication::clipboard()->clear();
         return;
     }
     m_onClipboard = new PromisedFiles(std::move(promise), m_folders, PromisedFiles::Use::Clipboard);
-    QGuiApplication::clipboard()->setMimeData(m_onClipboard); // which owns it
+    QGuiApplication::clipboard()->setMimeData(m_onClipboard); // takes ownership
 }
 
 } // namespace plexa

@@ -21,26 +21,26 @@ class PrivateFolders;
 class StatusLineProgress;
 class UserDefaults;
 
-/// Keeps the grid and the working set together: shows the set's photos, takes what the user does in the grid
-/// to the set, and what is selected from one to the other. Main thread.
+/// Connects the grid and the working set: the grid shows the set's photos, the set follows the user's
+/// actions, and both share one selection. Main thread.
 class ImageBrowserViewController final : public QObject, public ImageBrowserDelegate
 {
     Q_OBJECT
 
 public:
-    /// All of them outlive this object, the view too; zoom and names are as the settings say.
+    /// All of them outlive this object. Reads zoom and names from the settings.
     ImageBrowserViewController(AppController &app, ImageBrowserView &view, UserDefaults &defaults,
                                int threads);
     ~ImageBrowserViewController() override;
 
     float browserZoomFactor() const;
-    /// Brought to 0..1, and stored.
+    /// Clamped to 0..1 and stored in the settings.
     void setBrowserZoomFactor(float zoomFactor);
     enum class Zoom { In, Out };
     /// One step.
     void zoomBrowser(Zoom direction);
     void setShowBrowserFilenames(bool show);
-    /// The setting has changed.
+    /// Reads a changed setting.
     void followShowOriginalOnMouseOver();
 
     // ImageBrowserDelegate
@@ -55,11 +55,11 @@ public:
     void copy() override;
 
 Q_SIGNALS:
-    /// For the slider and the zoom buttons; sent with every zoom, be it the same.
+    /// For the slider and the zoom buttons; emitted even if unchanged.
     void browserZoomFactorChanged(float zoomFactor);
     void showBrowserFilenamesChanged(bool shown);
-    /// Files that a drag or the clipboard should have given away could not be made: "path: reason", a line
-    /// each. Sent from the event loop, so that a message may be shown.
+    /// Files for a drag or the clipboard could not be written: "path: reason", one line for each. Emitted
+    /// from the event loop, so that a message may be shown.
     void copiesFailed(const QStringList &failures);
 
 private:
@@ -78,7 +78,7 @@ private:
     const std::shared_ptr<StatusLineProgress> m_progress; // of copies for other programs
     const std::jthread m_cleaning;
     const void *m_list = nullptr; // shown by the view
-    bool m_isFollowing = false;   // what the view tells comes from us
+    bool m_isFollowing = false;   // the view reports our own change
 };
 
 } // namespace plexa

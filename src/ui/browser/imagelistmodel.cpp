@@ -33,7 +33,7 @@ void ImageListModel::connectAll()
         endRemoveRows();
         settle();
     });
-    // What is selected is kept by the set, so a new order needs no more care than a new list.
+    // The set keeps the selection, so a new order is handled like a new list.
     for (const auto begin : {&ImageSet::orderAboutToChange, &ImageSet::listAboutToBeReset}) {
         connect(&m_set, begin, this, [this] {
             m_isChanging = true;
@@ -90,7 +90,7 @@ bool ImageListModel::setData(const QModelIndex &index, const QVariant &value, in
     ImageObject &image = *(*m_set.imagesFiltered())[static_cast<std::size_t>(index.row())];
     if (name == image.filename())
         return false;
-    // The photo has another name from now on, and so have its copies; the file keeps its own.
+    // Renames the photo and its future copies, not its file.
     if (image.pathToImportFrom().isEmpty())
         image.setPathToImportFrom(image.path());
     image.setFilename(name);

@@ -9,8 +9,8 @@ namespace plexa
 
 class ImageSet;
 
-/// The shown photos as a table of one column, their paths. Says what the working set says and keeps nothing
-/// itself, so that a hundred thousand photos cost what one does. Main thread.
+/// The shown photos as a table with one column, their paths. Reads from the working set and keeps nothing
+/// itself. Main thread.
 class ImageListModel final : public QAbstractTableModel
 {
     Q_OBJECT
@@ -21,17 +21,17 @@ public:
 
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
-    /// The path; as what is edited, the file's name without folder and extension.
+    /// The path; for editing, the file's name without folder and suffix.
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
     /// Renames the photo.
     bool setData(const QModelIndex &index, const QVariant &value, int role = Qt::EditRole) override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
-    /// The set and the rows do not agree at this moment.
+    /// Whether the set is changing, so that its rows are not valid.
     bool isChanging() const { return m_isChanging; }
 
 Q_SIGNALS:
-    /// They agree again.
+    /// The change is complete.
     void settled();
 
 private:

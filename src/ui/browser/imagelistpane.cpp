@@ -28,7 +28,7 @@ namespace
 {
 
 constexpr int kGroupGap = 10;
-constexpr int kZoomSteps = 200; // of the slider, which counts in whole numbers
+constexpr int kZoomSteps = 200; // of the slider, whose values are whole numbers
 
 int sliderValue(float zoomFactor)
 {
@@ -58,7 +58,7 @@ ImageListPane::ImageListPane(const Services &services, QWidget *parent)
     m_imageBrowser->setContextMenu(m_imageMenu);
     m_imageBrowser->viewport()->installEventFilter(this);
 
-    // The key belongs to the photos: elsewhere it removes other things.
+    // Only in the photo views; elsewhere the key removes other things.
     QAction *const remove = m_actions.action(ActionId::RemoveSelected);
     remove->setShortcutContext(Qt::WidgetWithChildrenShortcut);
     m_imageListContainer->addAction(remove);
@@ -102,7 +102,7 @@ QWidget *ImageListPane::makeButtonRow()
     m_searchField->addAction(m_actions.action(ActionId::Find)->icon(), QLineEdit::LeadingPosition);
     m_searchField->setMinimumWidth(90);
     m_searchField->setMaximumWidth(220);
-    m_searchField->setAcceptDrops(false); // files are meant for the window, and not their addresses
+    m_searchField->setAcceptDrops(false); // the window accepts files; the field would insert their addresses
     m_searchField->installEventFilter(this);
     layout->addWidget(m_searchField, 2);
     layout->addSpacing(kGroupGap);
@@ -161,7 +161,7 @@ void ImageListPane::connectBrowser()
         m_browserController->setShowBrowserFilenames(!m_imageBrowser->showFilenames());
     });
     connect(m_browserZoomSlider, &QSlider::valueChanged, &browser, [this](int value) {
-        // Not what the slider was only told, rounded to its steps.
+        // Not for the rounded value that follows a zoom by other means.
         if (value != sliderValue(m_imageBrowser->zoomFactor()))
             m_browserController->setBrowserZoomFactor(static_cast<float>(value) / kZoomSteps);
     });
@@ -179,7 +179,7 @@ void ImageListPane::connectBrowser()
     showNames(m_imageBrowser->showFilenames());
 }
 
-/// What the settings say of the grid.
+/// Reads the settings of the grid.
 void ImageListPane::followSettings()
 {
     m_browserController->setShowBrowserFilenames(m_defaults.boolForKey(settings::imageBrowserShowsNames));
@@ -205,7 +205,7 @@ void ImageListPane::showMode(bool isBrowser)
                           tr("Switch to the Small Batch mode. Recommended if you work with fewer images."));
 }
 
-/// Keys that lead from the search field back to the photos; Escape shows them all again.
+/// Keys that move the focus from the search field to the photos; Escape also clears the search.
 bool ImageListPane::endSearch(int key)
 {
     switch (key) {
@@ -223,7 +223,7 @@ bool ImageListPane::endSearch(int key)
     return true;
 }
 
-/// The focus image that was in view stays in view when the grid gets another size.
+/// Keeps a visible focus image visible when the grid is resized.
 bool ImageListPane::eventFilter(QObject *object, QEvent *event)
 {
     if (object == m_searchField)
@@ -231,7 +231,8 @@ bool ImageListPane::eventFilter(QObject *object, QEvent *event)
     if (object == m_imageBrowser->viewport() && event->type() == QEvent::Resize) {
         const QRectF seen(QPointF(0, m_imageBrowser->visibleRect().y()),
                           QSizeF(static_cast<QResizeEvent *>(event)->oldSize()));
-        const auto cell = m_imageBrowser->cellForIndex(m_imageBrowser->focusImageIndex()); // as it was
+        const auto cell =
+            m_imageBrowser->cellForIndex(m_imageBrowser->focusImageIndex()); // before the new layout
         if (cell && seen.intersects(*cell))
             QTimer::singleShot(0, m_imageBrowser, &ImageBrowserView::scrollFocusImageToVisible);
     }

@@ -35,7 +35,7 @@ public:
         AppController &controller;
         UserDefaults &defaults;
         CommandActions &actions;
-        int threads; ///< photos that are worked on at a time
+        int threads; ///< photos that are processed at a time
     };
 
     /// @param services  outlive the pane
@@ -44,10 +44,10 @@ public:
 
     ImageBrowserViewController &browserController() { return *m_browserController; }
 
-    /// Gives the keyboard to the search field and selects its text.
+    /// Moves the keyboard focus to the search field and selects its text.
     void startSearch();
 
-    /// What shows the photos in the mode that is on.
+    /// The view of the current mode.
     QWidget *shownView() const;
 
 protected:

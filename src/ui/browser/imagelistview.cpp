@@ -33,7 +33,7 @@ IndexList rowsOf(const QItemSelection &selection)
     return rows;
 }
 
-/// Neighbours go into one range: a selection of all photos is a single one.
+/// Neighbors form one range: a selection of all photos is a single range.
 QItemSelection selectionOf(const IndexList &rows, const QAbstractItemModel &model)
 {
     QItemSelection selection;
@@ -64,7 +64,7 @@ ImageListView::ImageListView(ImageSet &set, QWidget *parent)
     connect(&m_set.selection(), &ImageSelection::scrollToFocusRequested, this,
             &ImageListView::scrollToFirstSelected);
     connect(m_model, &ImageListModel::settled, this, &ImageListView::takeSelectionFromSet);
-    connect(m_model, &ImageListModel::modelReset, this, &ImageListView::scrollToTop); // another list
+    connect(m_model, &ImageListModel::modelReset, this, &ImageListView::scrollToTop); // a new list
     connect(&m_set, &ImageSet::refreshed, viewport(), qOverload<>(&QWidget::update));
 }
 
@@ -87,12 +87,12 @@ void ImageListView::setUpLook()
     setItemDelegate(new PathDelegate(this));
     horizontalHeader()->hide();
     horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-    // Rows of one height: nobody has to be asked about a hundred thousand of them.
+    // Rows of one height: a hundred thousand rows need no measuring.
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
     QPalette colors = palette();
-    colors.setBrush(QPalette::Highlight, Qt::transparent); // the delegate marks what is selected
+    colors.setBrush(QPalette::Highlight, Qt::transparent); // the delegate marks selected rows
     setPalette(colors);
     viewport()->setBackgroundRole(QPalette::Mid);
     viewport()->setAutoFillBackground(true);
@@ -111,7 +111,7 @@ void ImageListView::takeSelectionFromSet()
 
 void ImageListView::giveSelectionToSet()
 {
-    // Of rows that come and go the set knows itself.
+    // The set knows of inserted and removed rows.
     if (m_isFollowing || m_model->isChanging() || !isVisible())
         return;
     const QScopedValueRollback guard(m_isFollowing, true);
@@ -139,7 +139,7 @@ void ImageListView::resizeEvent(QResizeEvent *event)
     scrollToFirstSelected();
 }
 
-/// There is one column, so both keys mean the rows.
+/// With one column, both keys apply to the rows.
 QModelIndex ImageListView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
 {
     if (action == MoveHome || action == MoveEnd)
@@ -149,7 +149,7 @@ QModelIndex ImageListView::moveCursor(CursorAction action, Qt::KeyboardModifiers
 
 void ImageListView::keyPressEvent(QKeyEvent *event)
 {
-    // With modifiers they are shortcuts, which come here when their commands are disabled.
+    // With modifiers they are shortcuts, which arrive here while their commands are disabled.
     const bool isBare = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
     if (isBare && (event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete)) {
         Q_EMIT deletePressed();
@@ -175,14 +175,14 @@ void ImageListView::dragEnterEvent(QDragEnterEvent *event)
 
 void ImageListView::dragMoveEvent(QDragMoveEvent *event)
 {
-    // Wherever they are dropped, the photos go to the end: no row is pointed at.
+    // The photos are appended wherever the drop is, so no row is marked.
     acceptFiles(event);
 }
 
 void ImageListView::dropEvent(QDropEvent *event)
 {
     Q_EMIT filesDropped(droppedFiles(event->mimeData()));
-    // The files stay where they are and are only looked at: whoever dragged them is not to think otherwise.
+    // The files stay where they are, so the source of the drag must not remove them.
     event->setDropAction(Qt::IgnoreAction);
     event->ignore();
 }

@@ -12,8 +12,8 @@ namespace plexa
 class ImageListModel;
 class ImageSet;
 
-/// The photos of Large Batch mode: a table of their paths that takes dropped files, follows the selection of
-/// the working set, and leads it.
+/// The photos of Large Batch mode as a table of their paths. Accepts dropped files and shares the selection
+/// of the working set.
 class ImageListView final : public QTableView
 {
     Q_OBJECT
@@ -23,7 +23,7 @@ public:
     explicit ImageListView(ImageSet &set, QWidget *parent = nullptr);
     ~ImageListView() override;
 
-    /// Shown for a click with the right button. Not owned.
+    /// Opened by a right click; not owned.
     void setContextMenu(QMenu *menu) { m_contextMenu = menu; }
 
 Q_SIGNALS:
@@ -49,7 +49,7 @@ private:
     ImageSet &m_set;
     ImageListModel *const m_model;
     QMenu *m_contextMenu = nullptr;
-    bool m_isFollowing = false; // the set is speaking, not the user
+    bool m_isFollowing = false; // the change comes from the set, not the user
 };
 
 } // namespace plexa

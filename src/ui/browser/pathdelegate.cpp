@@ -17,7 +17,7 @@ constexpr int kMargin = 12;
 constexpr int kEditorMargin = 4; // between a line edit's edge and its text
 constexpr int kMinEditorWidth = 220;
 
-/// A path as it fits into a width.
+/// A path shortened to a width.
 struct ShownPath {
     QString folder;
     QString name;
@@ -57,7 +57,7 @@ void PathDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     color.setAlphaF(0.6F);
     painter->setPen(color);
     painter->drawText(room, align, path.folder);
-    if (option.state.testFlag(QStyle::State_HasFocus)) { // where the keys are, which need not be selected
+    if (option.state.testFlag(QStyle::State_HasFocus)) { // the current row need not be selected
         painter->setPen(option.palette.color(QPalette::Link));
         painter->drawRect(option.rect.adjusted(0, 0, -1, -1));
     }
@@ -67,7 +67,7 @@ void PathDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
 QWidget *PathDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &, const QModelIndex &) const
 {
     auto *const editor = new QLineEdit(parent);
-    editor->setPalette(QGuiApplication::palette()); // not that of a view that marks rows by itself
+    editor->setPalette(QGuiApplication::palette()); // not the palette of a view that marks rows itself
     editor->setValidator(
         new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[^/]*")), editor));
     editor->setMaxLength(255);

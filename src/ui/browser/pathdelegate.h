@@ -7,8 +7,8 @@
 namespace plexa
 {
 
-/// Draws a path so that the file's name stands out from its folder, and stays readable when the path is too
-/// long. The editor is that of the name, and stands in its place.
+/// Draws a path with the file's name more visible than its folder, and readable even if the path is too long.
+/// The editor edits the name in its place.
 class PathDelegate final : public QStyledItemDelegate
 {
     Q_OBJECT

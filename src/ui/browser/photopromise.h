@@ -12,12 +12,12 @@
 namespace plexa
 {
 
-/// Whom the making of copies tells how far it is, and who may stop it. Any thread.
+/// Shows the progress of copies and can stop them. Any thread.
 class CopyProgress
 {
 public:
     virtual ~CopyProgress() = default;
-    /// @return what isStopped() wants to know, so that a stop concerns the copies that are being made then
+    /// @return the argument for isStopped(), so that a stop applies only to copies in progress
     virtual int begin() = 0;
     /// @param share  of the copies, 0..1
     virtual void setProgress(float share) = 0;
@@ -25,7 +25,7 @@ public:
     virtual void end() = 0;
 };
 
-/// Watermarked copies of photos, one for each preset: what a drag or the clipboard offers.
+/// Watermarked copies of photos, one for each preset, for a drag or the clipboard.
 class PhotoPromise final : public FilePromise
 {
 public:
@@ -33,16 +33,16 @@ public:
         std::vector<std::shared_ptr<ImageObject>> photos;
         std::vector<AppliedPreset> presets;
         SavingPresetValues savingPreset; ///< the files' format
-        int threads = 1;                 ///< copies that are made at a time
+        int threads = 1;                 ///< copies that are written at a time
         bool preservesCreationDate = true;
-        /// Begins to save the photos into a target's folder, as the user's own save would; returns whether it
-        /// did. It is called while the drag goes on, so it must not ask the user anything before it returns.
-        /// Empty: there is nobody who saves.
+        /// Starts to save the photos to a target's folder, as the user's own save does; returns whether it
+        /// started. Called during the drag, so it must not ask the user anything before it returns. May be
+        /// empty.
         std::function<bool(const QString &folder)> startSaving;
-        /// Is told what could not be made, a line a file: "path: reason". Under the same condition; may be
+        /// Receives failures, one line for each file: "path: reason". Must not ask the user either; may be
         /// empty.
         std::function<void(const QStringList &failures)> reportFailures;
-        /// Shows the making of files, where it is given.
+        /// May be null.
         std::shared_ptr<CopyProgress> progress;
     };
 
@@ -51,7 +51,7 @@ public:
     {
     }
 
-    /// "image0", "image1" and so on: all presets of the first photo, then those of the next one.
+    /// "image0", "image1" and so on: all presets of the first photo, then those of the next photo.
     QStringList names() const override;
     Outcome makeFiles(const QString &folder, const std::function<bool()> &isUnwanted) override;
     void report(const QStringList &failures) override;

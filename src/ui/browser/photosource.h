@@ -11,7 +11,7 @@
 namespace plexa
 {
 
-/// The photos of a list, as a grid shows them. A view of the list, which may change; main thread.
+/// The photos of a list for a grid. Refers to the list, which may change; main thread.
 class PhotoSource final : public ImageBrowserSource
 {
 public:
@@ -25,7 +25,7 @@ public:
 
     int count() const override { return static_cast<int>(m_photos->size()); }
     QString filename(int index) const override { return at(index).filename(); }
-    /// A photo has one thumbnail, whatever kind is asked for.
+    /// A photo has one thumbnail for both kinds.
     QImage thumbnail(int index, ThumbnailKind) const override { return at(index).thumbnail(); }
     /// @param image  an ImageObject
     int indexOf(const void *image) const override;

@@ -21,14 +21,14 @@ namespace
 constexpr int kAttempts = 3;
 constexpr qint64 kKeptSeconds = 30 * 60;
 
-/// Without the letters that QTemporaryDir puts behind it.
+/// Without the letters that QTemporaryDir appends.
 QString namePrefix()
 {
     return QCoreApplication::applicationName() + QStringLiteral("-copies-");
 }
 
-/// Opens a folder of this user and takes its lock, which the system gives back when the process ends.
-/// @return a descriptor; -1 when it is not ours or somebody holds the lock
+/// Opens and locks a folder of this user; the system releases the lock when the process ends.
+/// @return a descriptor; -1 if the folder has another owner or is locked
 int lockedFolder(const QString &path)
 {
     const int folder = open(QFile::encodeName(path).constData(),
@@ -54,7 +54,7 @@ PrivateFolders::~PrivateFolders()
 
 QString PrivateFolders::make()
 {
-    // Another program that starts at this moment may take one without a lock for a leftover.
+    // Another program that starts now may remove a folder that is not locked yet.
     for (int attempt = 0; !m_root && attempt < kAttempts; ++attempt) {
         auto root = std::make_unique<QTemporaryDir>(QDir::tempPath() + QLatin1Char('/') + namePrefix() +
                                                     QStringLiteral("XXXXXX"));
@@ -65,7 +65,7 @@ QString PrivateFolders::make()
     const QString name = QString::number(++m_count);
     if (!m_root->isValid() || !QDir(m_root->path()).mkdir(name))
         return {};
-    // Who was to take over the files of old ones has done so.
+    // The targets have read the files of old folders.
     const QDateTime now = QDateTime::currentDateTime();
     for (const QFileInfo &folder : QDir(m_root->path()).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot)) {
         if (folder.lastModified().secsTo(now) > kKeptSeconds)

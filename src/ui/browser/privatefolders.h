@@ -9,8 +9,8 @@
 namespace plexa
 {
 
-/// Folders of ours for files that other programs take over: only the user may look into them, and they go
-/// with this object.
+/// Folders for files that other programs read. Only the user can open them; they are removed with this
+/// object.
 class PrivateFolders
 {
 public:
@@ -18,17 +18,17 @@ public:
     ~PrivateFolders();
     Q_DISABLE_COPY_MOVE(PrivateFolders)
 
-    /// A new empty folder; empty when there is none to be had. Those in which no file was made for half an
-    /// hour go, so that the files of a long day do not pile up.
+    /// A new empty folder; an empty string on failure. Removes folders without a new file for half an hour,
+    /// so that files do not accumulate.
     QString make();
 
-    /// Removes what programs of this user left behind when they were killed. Folders of running ones stay.
-    /// Any thread. @return how many were removed
+    /// Removes the folders of killed programs of this user, not those of running ones. Any thread.
+    /// @return the number of removed folders
     static int removeLeftovers();
 
 private:
     std::unique_ptr<QTemporaryDir> m_root;
-    int m_lock = -1; // of the root, as long as we run
+    int m_lock = -1; // on the root folder, while this program runs
     int m_count = 0;
 };
 

@@ -33,7 +33,7 @@ PromisedFiles::PromisedFiles(std::unique_ptr<FilePromise> promise, std::shared_p
 
 PromisedFiles::~PromisedFiles()
 {
-    // Who asked has gone away; who has the names may still come for the files.
+    // A target that was waiting has gone; one that has the names may still read the files.
     if (m_making && !m_areNamesGiven) {
         m_making->isGivenUp = true;
         m_making->isAbandoned = m_use == Use::Drag;
@@ -101,14 +101,14 @@ QByteArray PromisedFiles::fileUrls() const
     m_areNamesGiven = m_areNamesGiven || isHovering;
     const std::shared_ptr<Making> making = m_making;
     if (!isHovering) {
-        makeFiles(making); // from here on, this object may be gone
+        makeFiles(making); // this object may be gone from here on
         if (making->isGivenUp || making->outcome.isStopped)
             return {};
     }
     QByteArray urls;
     for (const QString &name : making->promise->names()) {
         const QString path = making->folder + QLatin1Char('/') + name;
-        // One that could not be made would only be a second message, from the target.
+        // A missing file would cause a second message, from the target.
         if (isHovering || QFileInfo::exists(path))
             urls += QUrl::fromLocalFile(path).toEncoded() + "\r\n";
     }
@@ -127,16 +127,16 @@ void PromisedFiles::makeFiles(const std::shared_ptr<Making> &making)
     }
     const std::shared_ptr<BackgroundJob> work = making->work;
     if (!work->wait()) {
-        making->isGivenUp = true; // the program ends
+        making->isGivenUp = true; // the program is to quit
         work->finish();
     }
     if (std::exchange(making->isReported, true))
         return;
     if (making->isGivenUp || making->outcome.isStopped)
-        QDir(making->folder).removeRecursively(); // nobody has been told of them
+        QDir(making->folder).removeRecursively(); // no target knows them
     QStringList failures = making->outcome.failures;
     if (making->isAbandoned) {
-        failures = {tr("%1: the program that they were dropped on did not wait for them")
+        failures = {tr("%1: the program that received the drop did not wait for the files")
                         .arg(making->promise->names().join(QLatin1String(", ")))};
     }
     making->promise->report(failures);
@@ -146,7 +146,7 @@ QByteArray PromisedFiles::image(const QString &mimeType) const
 {
     QByteArray bytes;
     QStringList failures;
-    const std::shared_ptr<FilePromise> promise = m_promise; // this object may go meanwhile
+    const std::shared_ptr<FilePromise> promise = m_promise; // this object may be destroyed meanwhile
     const auto work = std::make_shared<BackgroundJob>();
     work->start([&] {
         bytes = promise->image(mimeType, failures);

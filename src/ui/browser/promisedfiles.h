@@ -16,14 +16,14 @@ namespace plexa
 
 class BackgroundJob;
 
-/// What a drag or the clipboard carries of a selection: files ("text/uri-list"), the first image in several
-/// formats, and, in a drag, the selected indexes. Nothing is made before somebody asks for it, and then once;
-/// who asks waits while the event loop goes on. A drag names the image formats, but what it gives away are
-/// the files: a target that took the picture of one photo instead would lose the others.
+/// The data of a selection in a drag or on the clipboard: files ("text/uri-list"), the first image in several
+/// formats, and, in a drag, the selected indexes. Files and images are written at the first request; the
+/// requester waits while the event loop runs. A drag offers the image formats without data, so that no target
+/// gets the picture of one photo instead of all files.
 ///
-/// On X11, targets ask for the list of files already while the pointer rests on them. They get it, but the
-/// files are made only when the button has been let go. A target that loses its patience ends the drag, which
-/// destroys these data even while they are asked: then no further file is made, and the promise reports it.
+/// On X11, targets request the list of files while the pointer rests on them. They get it, but the files are
+/// written only after the button is released. A target that stops waiting ends the drag, which destroys these
+/// data even during a request; then no further file is written, and the promise reports it.
 class PromisedFiles final : public QMimeData
 {
     Q_OBJECT
@@ -31,22 +31,22 @@ class PromisedFiles final : public QMimeData
 public:
     enum class Use { Clipboard, Drag };
 
-    /// @param promise  may be null; then there are indexes alone
+    /// @param promise  may be null; then there are only indexes
     PromisedFiles(std::unique_ptr<FilePromise> promise, std::shared_ptr<PrivateFolders> folders, Use use,
                   const QList<int> &indexes = {});
     ~PromisedFiles() override;
 
     QStringList formats() const override;
 
-    /// The dragged indexes; empty when these data are not of that kind.
+    /// The dragged indexes; empty for other data.
     static QList<int> indexes(const QMimeData &data);
 
-    /// The name that is proposed to targets that save a file by themselves; empty: none.
+    /// The name proposed to targets that save a file themselves; empty: none.
     QString firstName() const;
 
-    /// There was a drop outside: from now on files are made when they are asked for. Those whose names were
-    /// given away before are made now, should the target not ask again. Returns when they are there; these
-    /// data may be gone then.
+    /// Reports a drop outside the grid: from now on files are written when requested. Writes those whose
+    /// names were requested before at once, in case the target does not request them again. Returns when they
+    /// are written; these data may be gone then.
     void dropped();
 
 protected:
@@ -62,23 +62,23 @@ private:
     const Use m_use;
     const QList<int> m_indexes;
 
-    /// The making of the files, which may outlive the data.
+    /// The files being written, which may outlive the data.
     struct Making {
         QString folder;
         std::shared_ptr<FilePromise> promise;
         std::shared_ptr<PrivateFolders> folders;
         std::atomic<bool> isGivenUp = false;
-        bool isAbandoned = false; ///< given up because the target went away
+        bool isAbandoned = false; ///< the target stopped waiting
         bool isReported = false;
-        FilePromise::Outcome outcome;        ///< of the working thread, until that has ended
-        std::shared_ptr<BackgroundJob> work; ///< null: not begun; goes first, since it uses the others
+        FilePromise::Outcome outcome;        ///< belongs to the working thread until it ends
+        std::shared_ptr<BackgroundJob> work; ///< null: not started; destroyed first, since it uses the others
     };
     static void makeFiles(const std::shared_ptr<Making> &making);
 
-    // What was made in answer to the first question.
+    // Created by the first request.
     mutable std::shared_ptr<Making> m_making;
     bool m_isDropped = false;
-    mutable bool m_areNamesGiven = false; // before the files were there
+    mutable bool m_areNamesGiven = false; // before the files were written
     mutable bool m_isSavedDirectly = false;
 };
 

@@ -38,7 +38,7 @@ xcb_atom_t atom(xcb_connection_t *x, const char *name)
     return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
 }
 
-/// The window that stands for the source of the drag, which the targets are told.
+/// The window that represents the source of the drag.
 xcb_window_t sourceWindow(xcb_connection_t *x)
 {
     const auto cookie = xcb_get_selection_owner(x, atom(x, "XdndSelection"));
@@ -91,7 +91,7 @@ QString X11Drag::requestedPath()
         return {};
     const QByteArray text(static_cast<const char *>(xcb_get_property_value(reply.get())),
                           xcb_get_property_value_length(reply.get()));
-    // Not all targets escape what they ought to.
+    // Not all targets escape the URL.
     QUrl url = QUrl::fromEncoded(text, QUrl::TolerantMode);
     if (!url.isValid() || !url.isLocalFile())
         return {};

@@ -7,28 +7,28 @@
 namespace plexa
 {
 
-/// What a drag of ours needs of X11 beside what Qt offers: whether the button is still held, and the source's
-/// side of the Direct Save protocol ("XDS", beside the drag-and-drop protocol of freedesktop.org). In that
-/// the source writes the name of a file on its window; a target that wants the file replaces it by a URL and
-/// asks for the data "XdndDirectSave0"; the source then saves there and answers with one letter. Main thread;
-/// on other window systems nothing of it is available.
+/// The parts of a drag on X11 that Qt does not offer: the state of the button, and the source's side of the
+/// Direct Save protocol ("XDS", an addition to the drag-and-drop protocol of freedesktop.org). The source
+/// sets the name of a file as a property of its window. A target replaces it by a URL and requests the data
+/// "XdndDirectSave0"; the source saves there and answers with one letter. Main thread; not available on other
+/// window systems.
 namespace X11Drag
 {
 
-/// The type under which a drag offers Direct Save, and the window property.
+/// The MIME type of Direct Save, also the name of the window property.
 inline constexpr char kDirectSaveType[] = "XdndDirectSave0";
 
 enum class Answer : char { Saved = 'S', Failed = 'F', Error = 'E' };
 
 bool isAvailable();
 
-/// Does the user hold a button of the pointer, wherever that is? Qt does not know while it drags.
+/// Whether a button of the pointer is held. Qt does not know this during a drag.
 bool isButtonHeld();
 
-/// Proposes a file name for the drag that has just begun. Does nothing where there is none.
+/// Proposes a file name for the drag under way. Does nothing without a drag.
 void offerName(const QString &filename);
 
-/// Where the target wants the file; empty when it did not say, or when that is no place of this machine.
+/// The path that the target requests; empty if it is missing or not on this computer.
 QString requestedPath();
 
 } // namespace X11Drag

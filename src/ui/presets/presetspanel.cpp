@@ -190,7 +190,7 @@ void PresetsPanel::showMode()
 
 void PresetsPanel::showApplied()
 {
-    // The view forgets its selection here; that of the presets is what counts.
+    // The view loses its selection here; the selection of the applied presets is restored.
     const QSignalBlocker blocker(m_appliedTable);
     const int formerCount = m_appliedModel->rowCount();
     const int scrolledTo = m_appliedTable->verticalScrollBar()->value();
@@ -198,7 +198,7 @@ void PresetsPanel::showApplied()
     m_appliedTable->selectRows(m_applied.selectedRows());
     m_appliedTable->verticalScrollBar()->setValue(scrolledTo);
     if (formerCount > 0 && m_appliedModel->rowCount() > formerCount)
-        m_appliedTable->scrollToBottom(); // what was added is to be seen
+        m_appliedTable->scrollToBottom(); // show the added presets
 }
 
 void PresetsPanel::doubleMouseClick(const QModelIndex &index, const PresetListModel &model)

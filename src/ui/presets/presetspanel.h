@@ -19,7 +19,7 @@ class PresetListModel;
 class PresetListView;
 class PresetsStore;
 
-/// The right side of the main window: which mode is on, and in presets mode the lists of applied and of all
+/// The right side of the main window: the mode selector, and in presets mode the lists of applied and of all
 /// presets.
 class PresetsPanel final : public QWidget
 {
@@ -31,10 +31,10 @@ public:
                  QWidget *parent = nullptr);
     ~PresetsPanel() override;
 
-    /// Where the editor of the single watermark belongs.
+    /// The container for the editor of the single watermark.
     QWidget *quickWPresetContainer() const { return m_quickContainer; }
 
-    /// In the list of all presets, in its order.
+    /// The selected presets in the list of all presets, in its order.
     WPresetList selectedWPresets() const;
 
 private:

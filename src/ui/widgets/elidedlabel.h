@@ -7,8 +7,7 @@
 namespace plexa
 {
 
-/// One line of plain text that is shortened where there is no room for it. Asks for the room of its text and
-/// is content with less.
+/// One line of plain text, shortened to the available width.
 class ElidedLabel final : public QWidget
 {
     Q_OBJECT

@@ -14,7 +14,7 @@ void paintEmptyHint(QWidget *widget, const QString &text)
     QFont font = widget->font();
     font.setPointSizeF(18);
     painter.setFont(font);
-    painter.setPen(QColor(85, 85, 85)); // dark grey
+    painter.setPen(QColor(85, 85, 85)); // dark gray
     painter.drawText(widget->rect().adjusted(12, 12, -12, -12), Qt::AlignCenter | Qt::TextWordWrap, text);
 }
 

@@ -8,7 +8,7 @@ class QWidget;
 namespace plexa
 {
 
-/// Writes what could be here in the middle of an empty widget; called while that is painted.
+/// Draws a hint in the middle of an empty widget, in its paint event.
 void paintEmptyHint(QWidget *widget, const QString &text);
 
 } // namespace plexa

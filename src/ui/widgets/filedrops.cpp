@@ -2,25 +2,29 @@
 
 #include "ui/widgets/filedrops.h"
 
-#include "ui/widgets/localfiles.h"
-
 #include <QDropEvent>
 #include <QMimeData>
+#include <QUrl>
 
 namespace plexa
 {
 
 QStringList droppedFiles(const QMimeData *data)
 {
-    // A drag out of the grid offers copies that are made for other programs, and would be made here.
+    // A drag from the grid offers copies for other programs; reading them would write them.
     if (!data->hasUrls() || data->hasFormat(kPhotoSelectionType))
         return {};
-    return localFiles(*data);
+    QStringList paths;
+    for (const QUrl &url : data->urls()) {
+        if (url.isLocalFile() && !url.toLocalFile().isEmpty())
+            paths.append(url.toLocalFile());
+    }
+    return paths;
 }
 
 void acceptFiles(QDropEvent *event)
 {
-    // Photos of our own grid are in the list already; asking for their files would make copies of them.
+    // Photos of the grid are in the list already; requesting their files would write copies.
     if (event->mimeData()->hasFormat(kPhotoSelectionType))
         return;
     if (!event->possibleActions().testFlag(Qt::CopyAction) || droppedFiles(event->mimeData()).isEmpty())

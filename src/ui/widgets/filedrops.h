@@ -10,14 +10,14 @@ class QMimeData;
 namespace plexa
 {
 
-/// MIME name of what a drag within a grid carries: the selected indexes, valid in the grid that the drag
-/// comes from.
+/// The MIME name of the selected indexes that a drag within a grid carries. They are valid only in the grid
+/// where the drag started.
 inline const QString kPhotoSelectionType = QStringLiteral("com.quorvel.ImageBrowserSelections");
 
-/// The files of this computer among what is dragged or pasted; empty when there are none.
+/// The dragged or pasted files of this computer; empty for a drag from the grid.
 QStringList droppedFiles(const QMimeData *data);
 
-/// Accepts files that are dragged over a widget, as a copy; anything else is left alone.
+/// Accepts dragged files, as a copy; ignores anything else.
 void acceptFiles(QDropEvent *event);
 
 } // namespace plexa

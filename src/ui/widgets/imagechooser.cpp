@@ -20,7 +20,7 @@ QString translated(const char *text)
     return QCoreApplication::translate("ImageChooser", text);
 }
 
-/// Cameras write capitals, so both kinds of letters are asked for.
+/// Cameras write suffixes in capitals, so both cases are included.
 QString imageFilter()
 {
     QStringList patterns;
@@ -36,7 +36,7 @@ QString imageFilter()
 
 void chooseImages(ChooserKind kind, QWidget *window, std::function<void(const QStringList &)> chosen)
 {
-    // Where the user was the last time.
+    // The folder of the last time.
     static QString lastFolder = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
     auto *const dialog = new QFileDialog(window);
     dialog->setAttribute(Qt::WA_DeleteOnClose);

@@ -13,8 +13,8 @@ namespace plexa
 
 enum class ChooserKind { Files, Folder };
 
-/// Lets the user choose photos, or a folder of photos, in a dialog in front of the window, and returns at
-/// once. `chosen` is called with their paths when the user has said yes.
+/// Opens a dialog for choosing photos or a folder of photos and returns at once. `chosen` gets their paths if
+/// the user accepts.
 void chooseImages(ChooserKind kind, QWidget *window, std::function<void(const QStringList &)> chosen);
 
 } // namespace plexa

@@ -48,7 +48,7 @@ ModeSelector::ModeSelector(const QList<Segment> &segments, QWidget *parent)
     }
     setStyleSheet(QString::fromLatin1(kLook));
     connect(m_buttons, &QButtonGroup::idToggled, this, [this](int segment, bool isOn) {
-        // The Tab key goes to the segment that is on, the arrow keys go on from there.
+        // The Tab key reaches the checked segment; the arrow keys continue from there.
         m_buttons->button(segment)->setFocusPolicy(isOn ? Qt::StrongFocus : Qt::ClickFocus);
     });
     connect(m_buttons, &QButtonGroup::idClicked, this, &ModeSelector::selected);

@@ -9,7 +9,7 @@ class QButtonGroup;
 namespace plexa
 {
 
-/// A row of joined buttons of which one is pressed.
+/// A row of joined buttons, one of which is checked.
 class ModeSelector final : public QWidget
 {
     Q_OBJECT
@@ -23,11 +23,11 @@ public:
 
     explicit ModeSelector(const QList<Segment> &segments, QWidget *parent = nullptr);
 
-    /// Presses a button, without a signal.
+    /// Checks a button without a signal.
     void select(int segment);
 
 Q_SIGNALS:
-    /// The user has pressed another button.
+    /// The user has chosen another button.
     void selected(int segment);
 
 private:

@@ -7,8 +7,8 @@
 namespace plexa
 {
 
-/// A text for a tool tip that shows it as it is: names of files and presets may look like markup. A long one
-/// gets several lines.
+/// A tool tip that shows a text literally: names of files and presets may look like markup. Breaks long
+/// lines.
 QString plainToolTip(QString text);
 
 } // namespace plexa

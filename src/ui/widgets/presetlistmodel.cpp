@@ -16,7 +16,7 @@ namespace plexa
 namespace
 {
 
-/// Of this program alone; spelled as it always was.
+/// Used by this program only; the spelling is kept.
 const QString kDraggedRowsType = QStringLiteral("draggedPrests");
 
 const QColor kInvalid(0xc8, 0x1e, 0x1e); // red, dark enough for text
@@ -32,7 +32,7 @@ void PresetListModel::setPresets(WPresetList presets)
     for (const std::shared_ptr<WPreset> &preset : m_presets) {
         preset->addObserverForAllKeys(this,
                                       [this](const WPresetField &, const FieldValue &, const FieldValue &) {
-                                          // Any field may make a preset valid or not.
+                                          // Any field may change whether a preset is valid.
                                           Q_EMIT dataChanged(index(0), index(rowCount() - 1));
                                       });
     }
@@ -60,7 +60,7 @@ QVariant PresetListModel::data(const QModelIndex &index, int role) const
 
 Qt::ItemFlags PresetListModel::flags(const QModelIndex &index) const
 {
-    // Drops go between rows, that is, onto the list and not onto an item.
+    // The list accepts drops between rows, not onto items.
     if (!index.isValid())
         return m_allowsReordering ? Qt::ItemIsDropEnabled : Qt::NoItemFlags;
     const Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;

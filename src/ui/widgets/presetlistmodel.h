@@ -10,7 +10,7 @@
 namespace plexa
 {
 
-/// A list of watermark presets by their names; names of presets that are not valid are red. Main thread.
+/// The names of watermark presets; those of invalid presets are red. Main thread.
 class PresetListModel final : public QAbstractListModel
 {
     Q_OBJECT
@@ -21,10 +21,10 @@ public:
     const WPresetList &presets() const { return m_presets; }
     void setPresets(WPresetList presets);
 
-    /// Lets rows be dragged, to be dropped between others.
+    /// Whether rows can be dragged between others.
     void setAllowsReordering(bool allows) { m_allowsReordering = allows; }
 
-    /// The rows that a drag of this model carries; empty for any other drag.
+    /// The rows in a drag of this model; empty for any other drag.
     static IndexList draggedRows(const QMimeData *data);
 
     int rowCount(const QModelIndex &parent = {}) const override;

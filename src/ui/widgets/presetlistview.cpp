@@ -20,7 +20,7 @@ namespace plexa
 namespace
 {
 
-/// Rows with some air.
+/// Rows with vertical padding.
 class RowDelegate final : public QStyledItemDelegate
 {
 public:
@@ -33,7 +33,7 @@ public:
     }
 
 protected:
-    /// The model's colour stays when the row is selected.
+    /// The model's color remains when the row is selected.
     void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
     {
         QStyledItemDelegate::initStyleOption(option, index);
@@ -44,7 +44,7 @@ protected:
 };
 
 constexpr int kDragImageWidth = 200;
-constexpr QPoint kDragImageOffset(14, 10); // beside the pointer, so that the place of the drop is seen
+constexpr QPoint kDragImageOffset(14, 10); // beside the pointer, so that the drop position is visible
 
 } // namespace
 
@@ -97,7 +97,7 @@ void PresetListView::paintEvent(QPaintEvent *event)
     if (m_model.rowCount() > 0)
         return;
     QPainter painter(viewport());
-    if (hasFocus()) { // there is no row that could show it
+    if (hasFocus()) { // no row can show it
         QStyleOptionFocusRect option;
         option.initFrom(viewport());
         style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, viewport());
@@ -109,7 +109,7 @@ void PresetListView::paintEvent(QPaintEvent *event)
 
 bool PresetListView::event(QEvent *event)
 {
-    // While the list has the keyboard, all of it is selected, and not all photos.
+    // With the focus here, the shortcut selects all rows, not all photos.
     if (event->type() == QEvent::ShortcutOverride &&
         static_cast<QKeyEvent *>(event)->matches(QKeySequence::SelectAll))
         event->accept();
@@ -122,7 +122,7 @@ void PresetListView::keyPressEvent(QKeyEvent *event)
         event->ignore();
         return;
     }
-    // With modifiers they are shortcuts, which come here when their commands are disabled.
+    // With modifiers they are shortcuts, which arrive here while their commands are disabled.
     const bool isBare = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
     switch (event->key()) {
     case Qt::Key_Delete:
@@ -139,7 +139,7 @@ void PresetListView::keyPressEvent(QKeyEvent *event)
     }
 }
 
-/// What is dragged, small: the list shows where it would go.
+/// A small label of the dragged rows; the list marks the drop position.
 QPixmap PresetListView::dragImage(const IndexList &rows) const
 {
     const QString text = rows.size() == 1 ? m_model.index(rows.first()).data().toString()
@@ -170,7 +170,7 @@ void PresetListView::startDrag(Qt::DropActions actions)
 
 void PresetListView::dropEvent(QDropEvent *event)
 {
-    // Only this list's own rows are put into another order here.
+    // Only this list's own rows can be reordered.
     const IndexList rows =
         event->source() == this ? PresetListModel::draggedRows(event->mimeData()) : IndexList();
     setState(NoState);
@@ -184,7 +184,7 @@ void PresetListView::dropEvent(QDropEvent *event)
     int toRow = m_model.rowCount();
     if (index.isValid())
         toRow = at.y() < visualRect(index).center().y() ? index.row() : index.row() + 1;
-    // The model is asked to move them: nothing is to be removed behind the drag.
+    // The receiver of rowsDropped() moves them, so the drag must not remove any row.
     event->setDropAction(Qt::IgnoreAction);
     event->accept();
     Q_EMIT rowsDropped(rows, toRow);

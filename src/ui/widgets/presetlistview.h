@@ -11,8 +11,7 @@ namespace plexa
 
 class PresetListModel;
 
-/// A list of presets with a selection of many. Where the model allows it, rows are put into another order by
-/// dragging them.
+/// A list of presets with multiple selection. Rows can be reordered by dragging where that is allowed.
 class PresetListView final : public QListView
 {
     Q_OBJECT
@@ -21,15 +20,15 @@ public:
     /// @param model  outlives the view
     explicit PresetListView(PresetListModel &model, QWidget *parent = nullptr);
 
-    /// Lets the user drag rows to other places of this list.
+    /// Allows rows to be dragged within this list.
     void setAllowsReordering();
 
-    /// Written while the list is empty.
+    /// Shown while the list is empty.
     void setEmptyHint(const QString &hint) { m_emptyHint = hint; }
 
     /// Ascending.
     IndexList selectedRows() const;
-    /// Selects exactly these, and scrolls to the first.
+    /// Selects exactly these and scrolls to the first.
     void selectRows(const IndexList &rows);
 
 Q_SIGNALS:

@@ -9,8 +9,8 @@ class QWidget;
 namespace plexa
 {
 
-/// A small heading above a part of a panel.
-/// @param buddy  what it is the heading of, for screen readers; may be null
+/// A small heading in a panel.
+/// @param buddy  the widget below it, for screen readers; may be null
 QLabel *sectionTitle(const QString &text, QWidget *buddy = nullptr);
 
 } // namespace plexa

@@ -9,7 +9,7 @@ namespace plexa
 
 /// GIF: the first frame is read, composed on the screen, through giflib; a picture is written as one frame
 /// with a palette of its own (libimagequant). A written file knows no half: a pixel of hardly any alpha is
-/// transparent, every other is opaque, in the colour that it has on white.
+/// transparent, every other is opaque, in the color that it has on white.
 class GifCodec final : public Codec
 {
 public:

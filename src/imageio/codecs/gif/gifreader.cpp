@@ -66,7 +66,7 @@ public:
 
     bool readRow(uchar *indices) { return DGifGetLine(m_gif, indices, m_gif->Image.Width) == GIF_OK; }
 
-    /// The frame's colours; null when the file has no table for it.
+    /// The frame's colors; null when the file has no table for it.
     const ColorMapObject *table() const
     {
         return m_gif->Image.ColorMap ? m_gif->Image.ColorMap : m_gif->SColorMap;
@@ -92,7 +92,7 @@ private:
 };
 
 /// What all indices look like, premultiplied sRGB. One that the file's table does not have is black, and
-/// without any table the colours are black and white, as the first two of a table are by the standard.
+/// without any table the colors are black and white, as the first two of a table are by the standard.
 std::array<QRgb, 256> colorsOf(const ColorMapObject *table, const GifStructure &structure)
 {
     std::array<QRgb, 256> colors;

@@ -131,7 +131,7 @@ private:
             std::memcpy(to + qsizetype(y) * stride, from + y * picture.stride[plane > 0 ? 1 : 0], rowBytes);
     }
 
-    /// What the bitstream says of its colours, for files whose boxes say nothing.
+    /// What the bitstream says of its colors, for files whose boxes say nothing.
     static void setColors(heif_image *image, const Dav1dSequenceHeader &header)
     {
         const HeifColors colors(heif_nclx_color_profile_alloc());

@@ -177,7 +177,7 @@ private:
         return PictureFailures::checkSize(picture.size, m_limits);
     }
 
-    /// The first coded picture is one of the colours; alpha follows.
+    /// The first coded picture is one of the colors; alpha follows.
     void noteChroma(int chroma)
     {
         if (!m_hasChroma)

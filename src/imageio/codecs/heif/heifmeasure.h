@@ -13,7 +13,7 @@ struct HeifMeasure {
     QSize canvas;                ///< the largest of what is put together on the way
     qint64 codedPixels = 0;      ///< of all that is decoded, tiles and alpha included, as often as it is
     qint64 largestPixels = 0;    ///< of a single coded picture
-    int chroma = 1;              ///< 0: grey, 1: 4:2:0, 2: 4:2:2, 3: 4:4:4
+    int chroma = 1;              ///< 0: gray, 1: 4:2:0, 2: 4:2:2, 3: 4:4:4
     bool hasTurnedParts = false; ///< a part of the picture, or its alpha, is turned by itself
 };
 

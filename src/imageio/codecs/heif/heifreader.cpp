@@ -96,7 +96,7 @@ Result<std::unique_ptr<OpenPicture>> openPicture(QIODevice &device, const ReadLi
     return picture;
 }
 
-/// Where the bitstream alone tells the colours, they are known after decoding.
+/// Where the bitstream alone tells the colors, they are known after decoding.
 HeifColors nclxOf(const heif_image_handle *handle, const heif_image *image)
 {
     heif_color_profile_nclx *colors = nullptr;

@@ -11,7 +11,7 @@ namespace plexa
 /// What the head of a coded picture says of it.
 struct CodedPicture {
     QSize size;          ///< as coded, before any cropping; empty: these bytes are no such head
-    int chroma = 1;      ///< 0: grey, 1: 4:2:0, 2: 4:2:2, 3: 4:4:4
+    int chroma = 1;      ///< 0: gray, 1: 4:2:0, 2: 4:2:2, 3: 4:4:4
     bool isSound = true; ///< false: sizes of blocks contradict each other
 };
 

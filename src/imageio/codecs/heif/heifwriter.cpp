@@ -56,7 +56,7 @@ int encoderQuality(int quality)
 
 /// The most memory that encoding takes, with the picture itself. Found by measuring at 12 and 24 megapixels
 /// and quality 95, and a little more: the picture, its planes, the encoder's own and what it notes down of
-/// each block, the encoded bytes. Alpha is encoded by itself when the colours are done.
+/// each block, the encoded bytes. Alpha is encoded by itself when the colors are done.
 qint64 encodingBytes(const RowFormat &format, const WriteOptions &options)
 {
     constexpr qint64 kEncoderBytes = 4'000'000;

@@ -150,7 +150,7 @@ private:
         }
     }
 
-    /// Pixels a metre, as a fraction with a power of ten.
+    /// Pixels a meter, as a fraction with a power of ten.
     double resolutionAt(qint64 fraction, qint64 exponent)
     {
         const auto below = double(number(fraction + 2, 2));
@@ -255,7 +255,7 @@ private:
         m_header.resolutions = qMin(m_header.resolutions, style.resolutions);
     }
 
-    /// Decides which components make the colour, and which one is opacity.
+    /// Decides which components make the color, and which one is opacity.
     bool chooseColors()
     {
         using Kind = Jp2Header::Kind;

@@ -17,7 +17,7 @@ namespace plexa
 /// What the headers of a JPEG 2000 file say: the boxes of ISO/IEC 15444-1, annex I, and the codestream's
 /// sizes, annex A.
 struct Jp2Header {
-    /// Of the colours that the components make.
+    /// Of the colors that the components make.
     enum class Kind { Gray, Rgb, Ycc, Cmyk, Unknown };
 
     struct Component {
@@ -37,7 +37,7 @@ struct Jp2Header {
     int resolutions = 1;    ///< that each tile is said to have, the full one included
     Kind kind = Kind::Unknown;
     int paletteColumns = 0; ///< components that decoding gives instead of the codestream's; 0: no palette
-    int colors = 0;         ///< components that make the colour, the palette followed
+    int colors = 0;         ///< components that make the color, the palette followed
     bool hasAlpha = false;
     bool isPremultiplied = false;
     QByteArray iccProfile;

@@ -37,7 +37,7 @@ bool speaksOfGainMap(QByteArrayView xmp)
            xmp.indexOf("\"GainMap\"") >= 0;
 }
 
-/// Collects the pieces of a colour profile (ICC.1, annex B.4).
+/// Collects the pieces of a color profile (ICC.1, annex B.4).
 class IccPieces
 {
 public:

@@ -33,7 +33,7 @@ using Sampling = std::array<SamplingFactors, 3>;
 constexpr Sampling kFullChroma = {{{1, 1}, {1, 1}, {1, 1}}};
 constexpr Sampling kHalfChroma = {{{2, 2}, {1, 1}, {1, 1}}};
 
-/// Reads "22,11,11". @return full chroma where the text is not of a picture with colours that libjpeg can
+/// Reads "22,11,11". @return full chroma where the text is not of a picture with colors that libjpeg can
 /// write with the same factors
 Sampling samplingFromText(const QByteArray &text)
 {

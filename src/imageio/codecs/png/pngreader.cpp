@@ -61,7 +61,7 @@ EarlyChunks readEarlyChunks(QIODevice &device)
     return found;
 }
 
-/// What a chunk other than the picture may take when it is unpacked. Colour profiles of printers have
+/// What a chunk other than the picture may take when it is unpacked. Color profiles of printers have
 /// a few megabytes.
 constexpr png_alloc_size_t kMaxChunkBytes = 32'000'000;
 
@@ -96,7 +96,7 @@ struct Header {
     int depth;
     int colorType;
     int interlace;
-    bool hasTransparency; ///< a transparent colour or palette entries
+    bool hasTransparency; ///< a transparent color or palette entries
     png_bytep icc;        ///< libpng's
     png_uint_32 iccSize;
     bool hasSrgb;

@@ -18,7 +18,7 @@ class RawStream final : public LibRaw_abstract_datastream
 public:
     explicit RawStream(QIODevice &device);
 
-    /// Begins to count anew.
+    /// Begins to count again.
     /// @param work         bytes and calls that are granted
     /// @param endReadings  how many times reading may begin at the file's end
     void grant(qint64 work, qint64 endReadings);

@@ -8,7 +8,7 @@ namespace plexa
 {
 
 /// Windows bitmaps: read through Qt, written by row as 24 bits a pixel without compression, under a header of
-/// version 4 that calls the colours sRGB.
+/// version 4 that calls the colors sRGB.
 class BmpCodec final : public Codec
 {
 public:

@@ -34,7 +34,7 @@ std::array<int, 4> sampleBitsOf(const QByteArray &start)
     if (compression == 0)
         return {5, 5, 5, 0};
     std::array<int, 4> bits = {};
-    const size_t masks = headerSize >= 56 ? 4 : 3; // behind a short header stand those of the colours
+    const size_t masks = headerSize >= 56 ? 4 : 3; // behind a short header stand those of the colors
     for (size_t i = 0; i < masks && start.size() >= 58 + qsizetype(4 * i); ++i)
         bits[i] = std::popcount(qFromLittleEndian<quint32>(start.constData() + 54 + 4 * i));
     return bits;

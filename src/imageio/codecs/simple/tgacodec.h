@@ -7,7 +7,7 @@
 namespace plexa
 {
 
-/// Truevision TGA, all kinds with a picture: palette, true colour and grey, run-length encoded or not.
+/// Truevision TGA, all kinds with a picture: palette, true color and gray, run-length encoded or not.
 /// Decodes a picture whole, because most stand upside down. Does not write.
 class TgaCodec final : public Codec
 {

@@ -33,7 +33,7 @@ public:
     ///         unpackTiffSamples() gives them; the caller may change them. Null on failure.
     quint16 *readSamples(int row);
 
-    /// Reads a row of a picture whose colours the library makes. @return false on failure
+    /// Reads a row of a picture whose colors the library makes. @return false on failure
     bool readPixels(int row, QRgb *out);
 
 private:

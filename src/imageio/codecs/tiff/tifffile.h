@@ -13,7 +13,7 @@ namespace plexa
 
 /// What the first directory of a TIFF file says of its picture, as its samples will come from libtiff.
 struct TiffFacts {
-    /// How the samples become colours.
+    /// How the samples become colors.
     enum class Kind {
         Gray,
         Palette,
@@ -27,7 +27,7 @@ struct TiffFacts {
     Kind kind = Kind::Gray;
     int depth = 8; ///< bits a sample
     bool isFloat = false;
-    int channels = 1;     ///< of the colour, which come first
+    int channels = 1;     ///< of the color, which come first
     int samples = 1;      ///< of a pixel
     int alphaSample = -1; ///< -1: none
     bool isPremultiplied = false;

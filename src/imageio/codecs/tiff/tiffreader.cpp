@@ -96,7 +96,7 @@ void unifyLab(const TiffFacts &facts, quint16 *samples)
     }
 }
 
-/// What reading takes: blocks, and a row on its way through the colours.
+/// What reading takes: blocks, and a row on its way through the colors.
 qint64 bytesToRead(const TiffBlocks &blocks, const TiffFacts &facts)
 {
     constexpr qint64 kWordsOfAPixel = 4;

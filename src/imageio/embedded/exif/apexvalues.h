@@ -7,7 +7,7 @@
 namespace plexa
 {
 
-/// EXIF says aperture and exposure time twice, the second time as exponents of two (ApertureValue,
+/// EXIF holds aperture and exposure time twice, the second time as exponents of two (ApertureValue,
 /// ShutterSpeedValue: EXIF 2.3, annex C). Where an edit changed or removed one of the plain values and left
 /// its exponent, the exponent follows; one that was not there is not made.
 /// @param before, after  property dictionaries, without and with the edit

@@ -25,7 +25,7 @@ bool containsAnyCase(const std::string &text, QLatin1StringView word)
     return QString::fromStdString(text).contains(word, Qt::CaseInsensitive);
 }
 
-/// Tags of the main directory that say how and where the file keeps its pixels, or hold other files.
+/// Tags of the main directory that describe how and where the file stores its pixels, or hold other files.
 constexpr std::array kStructureTags = {
     0x00FE, 0x00FF, // kind of picture
     0x0100, 0x0101, 0x0102, 0x0103, 0x0106, 0x0107, 0x0108, 0x0109, 0x010A, 0x0111, 0x0115, 0x0116,
@@ -36,7 +36,7 @@ constexpr std::array kStructureTags = {
     0x02BC,                         // XMP packet
     0x7032,                         // image history
     0x80E3, 0x80E4, 0x80E5, 0x80E6, // matteing, data type, depth, tile depth
-    0x828D, 0x828E,                 // colour filter array
+    0x828D, 0x828E,                 // color filter array
     0x83BB,                         // IPTC record
     0x8649,                         // Photoshop resources
     0x8773,                         // ICC profile
@@ -112,7 +112,7 @@ bool isPictureDataSet(int record, int number, const QByteArray &value)
            isPictureValue(value);
 }
 
-/// Does the name of the tag or group say that this is a picture, or where it lies? Sizes and borders of
+/// Does the name of the tag or group denote a picture, or the place of one? Sizes and borders of
 /// previews, and places of previews that are not there, give nothing away.
 bool isPreviewTag(const Exiv2::Exifdatum &datum)
 {
@@ -152,7 +152,7 @@ void erasePicturesFromExif(Exiv2::ExifData &exif)
             return true;
         return !isOfKeptGroup(group) || isPreviewTag(datum);
     });
-    // The maker note as one lump is written anew from its decoded fields; it is judged when all is encoded.
+    // The maker note as a whole is encoded again from its decoded fields, and inspected after that.
     eraseMetadataIf(exif, [&exif](const Exiv2::Exifdatum &datum) {
         const bool isDecodedElsewhere =
             datum.key() == "Exif.Photo.MakerNote" &&

@@ -9,12 +9,12 @@
 namespace plexa
 {
 
-/// Does a field of this tag in a TIFF's directory say how and where the file keeps its pixels, or does it
-/// hold other data of the file (XMP, IPTC, Photoshop resources, a profile)?
+/// Does a field of this tag in a TIFF's directory describe how and where the file stores its pixels, or does
+/// it hold other data of the file (XMP, IPTC, Photoshop resources, a profile)?
 bool isPictureStructureTag(uint16_t tag);
 
 /// Removes from EXIF every picture that shows the photo: the thumbnail directory, previews in maker notes,
-/// further directories of raw and TIFF files with the tags that say where their pixels lie, and any field
+/// further directories of raw and TIFF files with the tags of the places of their pixels, and any field
 /// whose data hold the start of a JPEG or PNG, or begin like another picture file.
 void erasePicturesFromExif(Exiv2::ExifData &exif);
 
@@ -23,11 +23,11 @@ void erasePicturesFromExif(Exiv2::ExifData &exif);
 void erasePicturesFromXmp(Exiv2::XmpData &xmp);
 
 /// Removes from IPTC the preview, the object of records 7 to 9, and any dataset that is a picture.
-/// @return was there any?
+/// @return true where there was any
 bool erasePicturesFromIptc(Exiv2::IptcData &iptc);
 
-/// The same for records that are not decoded: the datasets that are kept, byte for byte. What lies between
-/// and behind the datasets and those that are not whole are left out.
+/// The same for records that are not decoded: the datasets that are kept, byte for byte. Bytes between
+/// and after the datasets, and truncated datasets, are left out.
 QByteArray iptcWithoutPictures(const QByteArray &block);
 
 } // namespace plexa

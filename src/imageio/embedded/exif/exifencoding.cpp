@@ -49,7 +49,7 @@ QByteArray encodedByLibrary(Exiv2::ExifData exif, Exiv2::ByteOrder order, const 
 /// The ways to treat the maker note, from the one that keeps most to the one that keeps least.
 enum class NoteWay {
     AsItWas,
-    Anew, ///< from what the library understands of it
+    Again, ///< from the fields that the library has decoded
     None,
 };
 
@@ -63,12 +63,12 @@ public:
     {
     }
 
-    /// @return empty when that way cannot be gone, or would let a picture through
+    /// @return empty where that way is impossible, or would let a picture through
     QByteArray encoded(NoteWay way, const QByteArray &thumbnail) const
     {
         const QByteArray blob = written(way, thumbnail);
-        const bool isSound = !holdsPicture(blob) && (thumbnail.isEmpty() || blob.count(thumbnail) == 1);
-        return isSound ? blob : QByteArray();
+        const bool isValid = !holdsPicture(blob) && (thumbnail.isEmpty() || blob.count(thumbnail) == 1);
+        return isValid ? blob : QByteArray();
     }
 
     Exiv2::ExifData &exif() { return m_exif; }
@@ -81,7 +81,7 @@ private:
             return m_note.bytes.isEmpty() || m_note.isEdited || holdsMangledPicture(m_note.bytes)
                        ? QByteArray()
                        : writtenExif(m_exif, m_order, m_note, thumbnail);
-        case NoteWay::Anew:
+        case NoteWay::Again:
             try {
                 if (makerNoteFields(m_exif) == 0 || !canRewriteMakerNote(m_exif, m_note, m_order))
                     return {};
@@ -110,7 +110,7 @@ private:
 
 constexpr const char *kUserComment = "Exif.Photo.UserComment";
 
-/// The values of EXIF in the order in which they can be missed.
+/// The values of EXIF in the order in which they are left out.
 class ExifShortener
 {
 public:
@@ -138,7 +138,7 @@ public:
     }
 
     /// Erases values of at least so many bytes together, or all: one that is just long enough where there is
-    /// one, else the longest. @return what has been erased
+    /// one, else the longest. @return the erased values
     QStringList shorten(qsizetype bytes)
     {
         QStringList names;
@@ -167,7 +167,7 @@ private:
     std::vector<Value> m_last;
 };
 
-/// Shortens what is still too long without the maker note.
+/// Shortens EXIF that is too long even without the maker note.
 QByteArray shortened(ExifEncoder &encoder, qsizetype maxBytes, QStringList &omitted)
 {
     ExifShortener shortener(encoder.exif());
@@ -191,7 +191,7 @@ EncodedExif encodedExif(Exiv2::ExifData exif, Exiv2::ByteOrder order, const Make
     ExifEncoder encoder(std::move(exif), order, note);
     NoteWay way = NoteWay::None;
     bool isTooLong = false;
-    for (const NoteWay candidate : {NoteWay::AsItWas, NoteWay::Anew, NoteWay::None}) {
+    for (const NoteWay candidate : {NoteWay::AsItWas, NoteWay::Again, NoteWay::None}) {
         const QByteArray bytes = encoder.encoded(candidate, {});
         isTooLong = isTooLong || bytes.size() > facts.maxExifBytes;
         if (bytes.isEmpty() || bytes.size() > facts.maxExifBytes)

@@ -13,8 +13,8 @@ namespace plexa
 /// EXIF as a copy carries it.
 struct EncodedExif {
     QByteArray bytes;                ///< TIFF structure; empty: none
-    QByteArray thumbnailPlaceholder; ///< the bytes in it that stand for the thumbnail to be made
-    QStringList omitted;             ///< what was too long or cannot be kept: "maker note", "user comment"
+    QByteArray thumbnailPlaceholder; ///< the bytes in it that reserve the place of the new thumbnail
+    QStringList omitted;             ///< values that are left out: "maker note", "user comment"
 };
 
 /// Encodes EXIF within the length that the copy's format holds. What is too long is left out step by step:

@@ -16,7 +16,7 @@ namespace plexa
 namespace
 {
 
-// More elements than any array field has; what is longer is no value for people.
+// More elements than any array field has; longer values are data.
 constexpr long kMaxElements = 256;
 constexpr long kMaxTextBytes = 1024 * 1024;
 

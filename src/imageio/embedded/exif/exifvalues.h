@@ -31,7 +31,7 @@ QVariantList numbersOfValue(const Exiv2::Value &value);
 /// The bytes of a value, numbers in little endian; empty when it is longer than a text for people.
 QByteArray bytesOfValue(const Exiv2::Value &value);
 
-/// What an IPTC record says of its character set (data set 1:90), for decodedIptcText(); empty: nothing.
+/// The character set that an IPTC record states (data set 1:90), for decodedIptcText(); empty: none.
 QByteArray iptcCharacterSet(const Exiv2::IptcData &iptc);
 
 /// Converts all texts of the record to UTF-8, also those that only claim to be, and marks the record as

@@ -28,8 +28,8 @@ constexpr qsizetype kMaxOffset = 65'535;
 struct Entry {
     uint16_t type = 0;
     uint32_t count = 0;
-    QByteArray data; ///< in the byte order of the file; more than four bytes stand outside of the directory
-    qsizetype place = -1; ///< where the data stand already; negative: the directory writes them
+    QByteArray data; ///< in the byte order of the file; more than four bytes lie outside of the directory
+    qsizetype place = -1; ///< where the data lie already; negative: the directory writes them
 };
 
 using Directory = QMap<uint16_t, Entry>; // sorted by tag, as TIFF wants it
@@ -85,7 +85,7 @@ public:
         return directory;
     }
 
-    /// Room for so many bytes: before the gap where they fit, else behind it.
+    /// Room for so many bytes: before the gap where they fit, else after it.
     qsizetype placeFor(qsizetype bytes)
     {
         qsizetype &cursor = m_before + bytes <= m_gapStart ? m_before : m_after;

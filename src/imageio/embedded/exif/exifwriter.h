@@ -11,11 +11,11 @@ namespace plexa
 
 /// A maker note as it lay in its file. What is in it points to itself by offsets from the start of the EXIF
 /// data, so it has to keep its place; some programs have moved it without adapting them, and readers guess
-/// how far from what they see: only the same bytes at the same place mean the same to all.
+/// the difference: only the same bytes at the same place mean the same to all readers.
 struct MakerNoteBlock {
     QByteArray bytes;      ///< empty: no maker note
     qsizetype offset = -1; ///< from the start of the EXIF data; negative: any place will do
-    bool isEdited = false; ///< the fields that were read of it no longer say what it says
+    bool isEdited = false; ///< the decoded fields no longer equal the bytes
 };
 
 /// Writes EXIF data from the fields of the directories Image, Photo, GPSInfo and Iop; fields of other groups

@@ -20,13 +20,13 @@ namespace plexa
 namespace
 {
 
-/// A field of a maker note, or of DNG, that says a fact of the dictionary.
+/// A field of a maker note, or of DNG, that holds a fact of the dictionary.
 struct NoteField {
     QLatin1StringView fact;
     const char *key;
 };
 
-/// In the order in which they are asked. What is read here is what an edit of the fact takes out.
+/// In the order in which they are read. An edit of a fact removes the fields that are listed for it.
 constexpr NoteField kNoteFields[] = {
     {kCGImagePropertyExifAuxLensModel, "Exif.Canon.LensModel"},
     {kCGImagePropertyExifAuxLensModel, "Exif.OlympusEq.LensModel"},
@@ -236,7 +236,7 @@ bool isSerialNumberInNote(const Exiv2::Exifdatum &datum)
     return isInPentaxBlock || (name.contains(u"SerialN"_qs) && !name.contains(u"Lens"_qs));
 }
 
-/// What names or measures the lens: the fields that say so, Nikon's and Sony's data of the lens, and the
+/// Fields that name or measure the lens: those of that name, Nikon's and Sony's data of the lens, and the
 /// blocks of Canon and Sony that hold its name or number among other facts.
 bool isLensInNote(const Exiv2::Exifdatum &datum)
 {

@@ -12,8 +12,8 @@ namespace plexa
 /// Adds what the maker notes know of lens, serial numbers, owner, firmware and image number to the dictionary
 /// "{ExifAux}". Present values stay.
 ///
-/// The image number is the shutter's count where the camera tells it (Nikon), else the number of the file as
-/// the camera counts (Canon: folder and file in one, 1131326 for 113-1326). The lens ID is the number by
+/// The image number is the shutter's count where the camera records it (Nikon), else the number of the file
+/// as the camera counts (Canon: folder and file in one, 1131326 for 113-1326). The lens ID is the number by
 /// which Canon, Minolta and Sony name a lens; other makers need more than one number.
 void insertMakerNoteFacts(QVariantMap &aux, const Exiv2::ExifData &exif);
 

@@ -57,7 +57,7 @@ std::optional<qsizetype> directoryStart(const QByteArray &note)
     return 0;
 }
 
-/// Do all values outside of the directory lie in the note, the first of them close behind the directory, as
+/// Do all values outside of the directory lie in the note, the first of them close after the directory, as
 /// cameras write them?
 bool offsetsHold(const MakerNoteBlock &note, qsizetype start, Exiv2::ByteOrder order)
 {
@@ -87,7 +87,7 @@ bool offsetsHold(const MakerNoteBlock &note, qsizetype start, Exiv2::ByteOrder o
     return first == bytes.size() || first - end <= kMaxGap;
 }
 
-/// The fields of the maker notes that a file stores, and what each of them says.
+/// The fields of the maker notes that a file stores, with their values.
 std::map<std::string, std::string> storedNoteFields(const Exiv2::ExifData &exif)
 {
     std::map<std::string, std::string> fields;
@@ -109,7 +109,7 @@ bool saysMakerNote(const QByteArray &encoded, const Exiv2::ExifData &exif)
                               static_cast<uint32_t>(encoded.size()));
     const std::map<std::string, std::string> fields = storedNoteFields(found);
     const std::map<std::string, std::string> meant = storedNoteFields(exif);
-    // A number that was taken out of a block leaves a zero there, so that more may be found than was meant.
+    // A number that was removed from a block leaves a zero there, so that more fields may be found.
     return std::all_of(meant.begin(), meant.end(), [&fields](const auto &field) {
         const auto same = fields.find(field.first);
         return same != fields.end() && same->second == field.second;

@@ -7,7 +7,7 @@
 namespace plexa
 {
 
-/// May the maker note be written anew from the fields that the library has read of it? Not where another
+/// May the maker note be encoded again from the fields that the library has read of it? Not where another
 /// program has moved the note without adapting its offsets, so that the library read other bytes than the
 /// camera wrote, nor where the camera's serial number, by which Nikon encrypts parts of its notes, or the
 /// count of its shutter is gone.

@@ -96,10 +96,10 @@ void updateLocationCreated(Exiv2::XmpData &xmp, QLatin1StringView key, const QSt
         return;
     if (text.isEmpty()) {
         eraseMetadataIf(xmp, [&](const Exiv2::Xmpdatum &datum) { return isPart(datum, part->name); });
-        const bool saysSomething = std::any_of(xmp.begin(), xmp.end(), [](const Exiv2::Xmpdatum &datum) {
+        const bool hasValue = std::any_of(xmp.begin(), xmp.end(), [](const Exiv2::Xmpdatum &datum) {
             return isInLocation(datum) && datum.count() > 0 && !datum.toString().empty();
         });
-        if (!saysSomething)
+        if (!hasValue)
             eraseXmpProperty(xmp, kLocation);
         return;
     }

@@ -30,7 +30,7 @@ QString timeText(const QString &iptcTime)
     return match.captured(4).isEmpty() ? time : time + match.captured(4) + u':' + match.captured(5);
 }
 
-/// Is each of these texts the beginning of its counterpart? IIM cuts off what is long.
+/// Is each of these texts the beginning of its counterpart? IIM cuts long texts.
 bool areBeginnings(const QStringList &texts, const QStringList &whole)
 {
     return texts.size() <= whole.size() &&
@@ -96,7 +96,7 @@ void addIptcToXmp(Exiv2::XmpData &xmp, const QVariantMap &properties)
     } catch (const std::exception &) {
         // The same.
     }
-    // There is no record any more that it could be a digest of.
+    // The copy has no record that it could be a digest of.
     eraseXmpProperty(xmp, "Xmp.photoshop.LegacyIPTCDigest");
 }
 

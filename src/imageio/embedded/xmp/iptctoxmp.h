@@ -9,9 +9,9 @@
 namespace plexa
 {
 
-/// Puts what the IPTC dictionary says into XMP, for a file that has no place for IIM records. Each fact goes
-/// to its home of IPTC Core ("IIM to XMP mapping", IPTC Photo Metadata Standard); facts that have none are
-/// left out. A text in XMP that IIM has only the beginning of stays whole.
+/// Puts the facts of the IPTC dictionary into XMP, for a file that has no place for IIM records. Each fact
+/// goes to its home of IPTC Core ("IIM to XMP mapping", IPTC Photo Metadata Standard); facts that have none
+/// are left out. A text in XMP that IIM has only the beginning of stays whole.
 /// @param properties  the property dictionary of the copy
 void addIptcToXmp(Exiv2::XmpData &xmp, const QVariantMap &properties);
 

@@ -63,7 +63,7 @@ bool isWideText(std::string_view xml)
     return xml.find('\0') < xml.find_last_not_of('\0') && xml.find_last_not_of('\0') != xml.npos;
 }
 
-/// Looks at the XML without decoding it. In texts of several bytes a character every '<' counts as one more
+/// Measures the XML without decoding it. In texts of several bytes a character every '<' counts as one more
 /// element inside of the others.
 class XmlMeasure
 {
@@ -84,7 +84,7 @@ public:
             } else if (rest.starts_with("<![CDATA[")) {
                 at = xml.find("]]>", at + 9);
             } else if (rest.starts_with("<!")) {
-                return false; // a document type: its entities may stand for any amount of XML
+                return false; // a document type: its entities may expand to any amount of XML
             } else if (rest.starts_with("<?")) {
                 at = xml.find("?>", at + 2);
             } else if (rest.starts_with("</")) {

@@ -104,7 +104,7 @@ std::string addressInLibrary(const std::string &prefix)
     }
 }
 
-/// An empty command: the library takes what follows for the text.
+/// An empty command, after which the library reads the rest as text.
 const QString kNoCommand = u"type=\"\" "_s;
 
 /// A rough look: true for a packet that needs no rewriting costs time only.

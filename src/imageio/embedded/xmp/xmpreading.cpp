@@ -195,7 +195,7 @@ QVariant versionOf(const QString &text)
     return parts;
 }
 
-/// EXIF packs into one number what XMP spreads over a structure.
+/// EXIF packs the flash into one number, XMP spreads it over a structure.
 QVariant flashOf(const Exiv2::XmpData &xmp)
 {
     const auto part = [&](const char *name) {

@@ -15,7 +15,7 @@ namespace plexa
 QVariant xmpField(const Exiv2::XmpData &xmp, const MetadataField &field);
 
 /// Adds fractions of seconds and offsets from UTC that XMP has at the end of its times, for those times that
-/// the dictionaries do not have from elsewhere. To be called before the times are taken from XMP.
+/// the dictionaries do not have from elsewhere. To be called before the times are read from XMP.
 /// @param exif  "{Exif}"
 /// @param tiff  "{TIFF}" as far as it is known, for the time of the last change
 void insertTimesFromXmp(QVariantMap &exif, const QVariantMap &tiff, const Exiv2::XmpData &xmp);
@@ -25,8 +25,8 @@ void insertTimesFromXmp(QVariantMap &exif, const QVariantMap &tiff, const Exiv2:
 /// its parts already.
 void insertIptcFromXmp(QVariantMap &iptc, const Exiv2::XmpData &xmp);
 
-/// Adds what one XMP property says in place of two EXIF ones: reference letters, date and time of the fix.
-/// Present values stay.
+/// Adds the facts for which XMP has one property in place of two EXIF ones: reference letters, date and time
+/// of the fix. Present values stay.
 void insertGpsFromXmp(QVariantMap &gps, const Exiv2::XmpData &xmp);
 
 } // namespace plexa

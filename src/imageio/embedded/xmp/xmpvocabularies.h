@@ -15,13 +15,13 @@ namespace plexa
 /// People, keywords, captions and rights in vocabularies of regions, photo managers, agencies and publishers.
 bool isDescriptionInXmp(const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces);
 
-/// Who may use the photo and how: what stays with a copyright that is kept.
+/// Rights to use the photo, which stay with a copyright that is kept.
 bool isRightInXmp(const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces);
 
 /// Lens, camera profile and time in vocabularies of raw converters, panoramas and films.
 bool isExposureInXmp(const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces);
 
-/// What a phone's radio knew of where it was.
+/// The cell towers that a phone recorded.
 bool isCellTowerInXmp(const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces);
 
 /// Names of the camera outside of EXIF's own vocabulary.

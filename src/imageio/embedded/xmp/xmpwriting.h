@@ -15,7 +15,7 @@ namespace plexa
 /// A simple XMP value with just this text; the library's own reading looks for commands in it.
 Exiv2::XmpTextValue plainXmpText(const std::string &text);
 
-/// Gives an XMP property these texts in place of what it and its parts say, in the form that the property has
+/// Replaces the values of an XMP property and its parts by these texts, in the form that the property has
 /// in its vocabulary: a list, one text for the default language, or one plain text. The texts are stored as
 /// they are, but for characters that XML cannot hold. Throws what the library throws
 /// for a name that it does not know.
@@ -25,14 +25,14 @@ void putXmpTexts(Exiv2::XmpData &xmp, const char *name, const QStringList &texts
                  const QString &separator = QStringLiteral("; "));
 
 /// Gives XMP a field's value; a value that XMP has no form for removes the property.
-/// @param name  one of the properties that say the field's fact
+/// @param name  one of the properties that hold the field's fact
 void putXmpField(Exiv2::XmpData &xmp, const char *name, const MetadataField &field, const QVariant &value);
 
 /// Makes a property that holds other properties, where there is none of this name.
 void addXmpStructure(Exiv2::XmpData &xmp, const char *name);
 
 /// The points in time that EXIF spreads over three fields (date, fraction of a second, offset from UTC) and
-/// XMP says in one.
+/// XMP holds in one.
 struct SplitDate {
     QLatin1StringView date;
     MetadataGroup dateGroup;

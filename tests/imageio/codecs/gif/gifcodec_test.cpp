@@ -76,7 +76,7 @@ QByteArray extension(int kind, const QByteArray &contents)
     return QByteArray("\x21") + char(kind) + char(contents.size()) + contents + '\0';
 }
 
-/// What is to be seen, as letters; ' ' where nothing is, '.' for another colour.
+/// What is to be seen, as letters; ' ' where nothing is, '.' for another color.
 QByteArray lettersOf(const QImage &image)
 {
     QByteArray letters;
@@ -96,7 +96,7 @@ double signalToNoise(const QImage &a, const QImage &b)
     return differenceOf(a, b).psnr();
 }
 
-/// All colours of a cube with so many steps, over and over.
+/// All colors of a cube with so many steps, over and over.
 QImage paletteImage(QSize size, int colors, bool hasAlpha)
 {
     QImage image(size, QImage::Format_ARGB32_Premultiplied);

@@ -17,7 +17,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace
 {
 
-/// Smooth colours, each corner another one; alpha from clear to opaque.
+/// Smooth colors, each corner another one; alpha from clear to opaque.
 QImage smoothPicture(QSize size, bool hasAlpha)
 {
     QImage image(size, hasAlpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
@@ -36,7 +36,7 @@ QColorSpace bt2020()
                        QColorSpace::TransferFunction::SRgb);
 }
 
-/// `image` with its numbers taken for colours of that space, as sRGB.
+/// `image` with its numbers taken for colors of that space, as sRGB.
 QImage meantAs(QImage image, const QColorSpace &space)
 {
     image.setColorSpace(space);
@@ -269,7 +269,7 @@ private Q_SLOTS:
             encoded(u"-y 444 -d 10 --min 0 --max 0 --cicp 9/%1/9"_s.arg(transfer), u"hdr.avif"_s, png);
         const QImage shown = decoded(path);
         QVERIFY(!shown.isNull());
-        // Grey stays grey, brighter never gets darker, black is black and the greatest light nearly white.
+        // Gray stays gray, brighter never gets darker, black is black and the greatest light nearly white.
         for (int x = 1; x < 256; ++x) {
             const QColor color = shown.pixelColor(x, 8);
             QVERIFY(color.green() + 1 >= shown.pixelColor(x - 1, 8).green());

@@ -129,7 +129,7 @@ private Q_SLOTS:
     {
         auto [name, size, hasAlpha, quality] = currentRow<AnySizeIsKeptRow>();
         QImage image(size, hasAlpha ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
-        // What a decoder invents at an edge is far from this colour.
+        // What a decoder invents at an edge is far from this color.
         image.fill(hasAlpha ? QColor(230, 120, 60, 200) : QColor(230, 120, 60));
         QBuffer file;
         QVERIFY(file.open(QIODevice::ReadWrite));

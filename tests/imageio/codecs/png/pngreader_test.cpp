@@ -167,7 +167,7 @@ private Q_SLOTS:
     {
         const QByteArray srgb = pngChunk("sRGB", QByteArray(1, '\0'));
         const QByteArray linear = gammaChunk(1);
-        // Adobe RGB's exponent is 2.2: the same for greys, but for the dark end.
+        // Adobe RGB's exponent is 2.2: the same for grays, but for the dark end.
         const int bright = int(std::lround(255 * encoded(128 / 255.0)));
         addRows<ColorChunks>({
             {"nothing", {}, 128},

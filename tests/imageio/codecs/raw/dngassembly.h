@@ -19,7 +19,7 @@ struct DngPlan {
     int orientation = 0;
     bool hasPreview = false; ///< the first picture is a small magenta one, the sensor's data lie inside
     double pixelShape = 1;   ///< height of a pixel by its width
-    QByteArray jpeg; ///< instead of the filter array's samples: a JPEG of this size, of linear colours
+    QByteArray jpeg;         ///< instead of the filter array's samples: a JPEG of this size, of linear colors
 };
 
 /// Assembles a DNG file, uncompressed, of a filter array of red, green, green and blue: the left half of the

@@ -98,7 +98,7 @@ class QtCodecTest : public QObject
     };
 
     TestFolder m_folder;
-    QString m_origin;      ///< a picture of detail and colours
+    QString m_origin;      ///< a picture of detail and colors
     QString m_translucent; ///< the same with alpha
     QString m_srgb;
 
@@ -233,7 +233,7 @@ private Q_SLOTS:
             QCOMPARE(QString::number(image.pixel(i % 2, i / 2), 16), QString::number(colors[i], 16));
     }
 
-    /// Runs may leave pixels out; those are of the palette's first colour.
+    /// Runs may leave pixels out; those are of the palette's first color.
     void skippedPixelsAreBlank()
     {
         const QByteArray palette = littleEndian(0x102030) + littleEndian(0xffffff);
@@ -241,7 +241,7 @@ private Q_SLOTS:
                                  QByteArray("\0\2\x10\x10"
                                             "\1\1\0\1",
                                             8));
-        file.replace(46, 4, littleEndian(2)); // colours used
+        file.replace(46, 4, littleEndian(2)); // colors used
         const QString path = m_folder.path(u"skips.bmp"_qs);
         QVERIFY(writeFile(path, file));
         const QImage image = decoded(path);

@@ -57,7 +57,7 @@ QList<std::pair<quint16, quint32>> tiffFields(QSize size, quint32 photometric, q
 
 } // namespace
 
-/// Does every kind of TIFF come out whole, in the right colours, or with a reason?
+/// Does every kind of TIFF come out whole, in the right colors, or with a reason?
 class TiffReaderTest : public QObject
 {
     Q_OBJECT
@@ -317,7 +317,7 @@ private Q_SLOTS:
             for (qsizetype at = 0; at < stored.size(); at += 4)
                 std::reverse(stored.begin() + at, stored.begin() + at + 4);
         }
-        // A picture of stored.size() grey pixels, which are the records, too.
+        // A picture of stored.size() gray pixels, which are the records, too.
         auto fields = tiffFields({int(stored.size()), 1}, 1, 1, 1, quint32(stored.size()));
         fields.append({quint16(tag), kData});
         QByteArray file = tiffOf(fields, stored);

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QHash>
+#include <QString>
+
+#include <array>
+#include <mutex>
+
+namespace plexa
+{
+
+/// The files that the copies of one run use at this moment. Any thread.
+class FilesUnderWay final
+{
+public:
+    enum class Use {
+        Named,   ///< a copy has this path, whether it is being written yet or not
+        Written, ///< a copy is being written there
+        Read,    ///< a copy is being made from it
+    };
+
+    /// The same text for all paths of one file, through whatever symbolic links they lead, and whether the
+    /// file exists or not. What the links of a run lead to must not change during the run.
+    static QString keyOf(const QString &path);
+
+    /// Each use begins and ends any number of times.
+    /// @param key  of keyOf()
+    void begin(const QString &key, Use use);
+    void end(const QString &key, Use use);
+    bool isUsed(const QString &key, Use use) const;
+
+private:
+    mutable std::mutex m_mutex;
+    QHash<QString, std::array<int, 3>> m_counts; // guarded; by use
+};
+
+} // namespace plexa
