@@ -5,7 +5,6 @@
 #include "presets/presetsstore.h"
 #include "support/keyedarchives.h"
 
-#include <QProcess>
 #include <QSignalSpy>
 
 using namespace plexa;
