@@ -125,6 +125,34 @@ private:
     std::mt19937 m_random{20};
 };
 
+/// The image reduced: each pixel is the average of the area that it covers.
+QImage averaged(const QImage &image, QSize size)
+{
+    const double step = double(image.width()) / size.width();
+    const auto share = [](int pixel, double low, double high) {
+        return std::min(pixel + 1.0, high) - std::max(double(pixel), low);
+    };
+    QImage reduced(size, image.format());
+    for (int y = 0; y < size.height(); ++y) {
+        auto *const row = reinterpret_cast<QRgb *>(reduced.scanLine(y));
+        for (int x = 0; x < size.width(); ++x) {
+            double sums[3] = {};
+            for (int v = int(y * step); v < std::min<double>((y + 1) * step, image.height()); ++v) {
+                const auto *const from = reinterpret_cast<const QRgb *>(image.constScanLine(v));
+                for (int u = int(x * step); u < std::min<double>((x + 1) * step, image.width()); ++u) {
+                    const double part = share(u, x * step, (x + 1) * step) *
+                                        share(v, y * step, (y + 1) * step) / (step * step);
+                    sums[0] += part * qRed(from[u]);
+                    sums[1] += part * qGreen(from[u]);
+                    sums[2] += part * qBlue(from[u]);
+                }
+            }
+            row[x] = qRgb(qRound(sums[0]), qRound(sums[1]), qRound(sums[2]));
+        }
+    }
+    return reduced;
+}
+
 /// How much the drawings differ, in proportion to how much the expected one differs from the gray photo.
 /// Blocks of pixels are compared: glyphs need not be on the same fraction of a pixel.
 double unlikeness(const QImage &found, const QImage &expected)
@@ -554,12 +582,13 @@ private Q_SLOTS:
                 reduced->drawRows(found, 0);
                 const QRect covered = reduced->coveredRect();
                 QVERIFY2((covered | differingRect(bare, found)) == covered, name);
-                const QImage expected =
-                    marked.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+                const QImage expected = averaged(marked, target);
                 const double unlike = unlikeness(found, expected);
                 QVERIFY2(unlike < 0.6,
                          name + ": " + QByteArray::number(unlike)); // half a pixel beside thin text
                 sum += unlike;
+                if (scale != 0.5)
+                    continue;
 
                 QImage misplaced = bare;
                 reduced->movedTo(layout.rect.topLeft() + QPointF(2, 0) / scale)->drawRows(misplaced, 0);
@@ -572,7 +601,7 @@ private Q_SLOTS:
             }
         }
         QVERIFY2(sum / 750 < 0.11, QByteArray::number(sum / 750));
-        QVERIFY2(sumOfMisplaced / 750 > 0.22, QByteArray::number(sumOfMisplaced / 750));
+        QVERIFY2(sumOfMisplaced / 150 > 0.22, QByteArray::number(sumOfMisplaced / 150));
     }
 
     void oneFailureLeavesTheOthers()
