@@ -94,6 +94,7 @@ CommandState AppController::commandState() const
     state.nShown = static_cast<qsizetype>(m_imageSet.imagesFiltered()->size());
     state.nEffectivePresets = static_cast<qsizetype>(effective.size());
     state.nAppliedPresets = static_cast<qsizetype>(m_appliedPresets.wPresetsApplied().size());
+    state.nSelectedApplied = m_appliedPresets.selectedRows().size();
     state.browserZoomFactor = m_services.defaults.floatForKey(settings::imageBrowserZoomFactor);
     if (state.nSelected == 1) {
         const std::shared_ptr<ImageObject> image = m_imageSet.selectedImages().front();

@@ -2,8 +2,9 @@
 
 #include "app/commandrules.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
-#include <vector>
 
 namespace plexa
 {
@@ -13,114 +14,71 @@ namespace
 
 using State = CommandState;
 
-constexpr int kOtherTags = -1;
-
 struct Rule {
-    Command command;
-    int tag; ///< kOtherTags: all that have no row of their own
-    bool (*isEnabled)(const State &state);
-    std::vector<CommandButton> buttons; ///< that stand for it
+    Need need;
+    bool (*isMet)(const State &state);
+    const char *reason;
 };
 
-bool hasSelection(const State &state)
-{
-    return state.nSelected > 0;
-}
+#define TEXT(text) QT_TRANSLATE_NOOP("Commands", text)
 
-bool canBeTurned(const State &state)
-{
-    return state.nSelected > 0 && !state.hasCurrentBatchOperation;
-}
+constexpr Rule kRules[] = {
+    {Need::NoSave, [](const State &state) { return !state.isSavingInProgress; },
+     TEXT("Photos are being saved.")},
+    {Need::Photos, [](const State &state) { return state.nShown > 0; }, TEXT("There are no photos.")},
+    {Need::Selection, [](const State &state) { return state.nSelected > 0; },
+     TEXT("Select at least one photo first.")},
+    {Need::SmallBatchMode, [](const State &state) { return state.isInBrowserMode; },
+     TEXT("Switch to the Small Batch mode first.")},
+    {Need::NoRotation, [](const State &state) { return !state.hasCurrentBatchOperation; },
+     TEXT("Photos are being rotated.")},
+    {Need::Watermark, [](const State &state) { return state.nEffectivePresets > 0; },
+     TEXT("Apply at least one preset first.")},
+    {Need::CurrentPreset, [](const State &state) { return state.hasCurrentWPreset; },
+     TEXT("Select one applied preset first.")},
+    {Need::CurrentPosition, [](const State &state) { return state.canCopyForCurrentPreset; },
+     TEXT("Select one photo on which the current watermark has a manual position.")},
+    {Need::AnyPosition, [](const State &state) { return state.canCopyForAllPresets; },
+     TEXT("Select one photo on which a watermark has a manual position.")},
+    {Need::CopiedPosition, [](const State &state) { return state.hasCopiedPositions; },
+     TEXT("Copy a position first.")},
+    {Need::AppliedPreset, [](const State &state) { return state.nAppliedPresets > 0; },
+     TEXT("No preset is applied.")},
+    {Need::SeveralAppliedPresets, [](const State &state) { return state.nAppliedPresets > 1; },
+     TEXT("Apply at least two presets first.")},
+    {Need::AppliedSelection, [](const State &state) { return state.nSelectedApplied > 0; },
+     TEXT("Select at least one applied preset first.")},
+    {Need::PresetSelection, [](const State &state) { return state.nSelectedWPresets > 0; },
+     TEXT("Select at least one preset in the list of all presets first.")},
+    {Need::OneSelectedPreset, [](const State &state) { return state.nSelectedWPresets == 1; },
+     TEXT("Select one preset in the list of all presets first.")},
+    {Need::RoomToZoomIn, [](const State &state) { return state.browserZoomFactor < 1; },
+     TEXT("The thumbnails have their largest size.")},
+    {Need::RoomToZoomOut, [](const State &state) { return state.browserZoomFactor > 0; },
+     TEXT("The thumbnails have their smallest size.")},
+};
 
-bool canSaveSelected(const State &state)
-{
-    return state.nSelected > 0 && state.nEffectivePresets > 0;
-}
+#undef TEXT
 
-bool canSaveAll(const State &state)
+const Rule &ruleOf(Need need)
 {
-    return state.nShown > 0 && state.nEffectivePresets > 0;
-}
-
-/// The one place that says what is possible when. A row with a tag stands before the row of the other tags.
-const std::vector<Rule> &rules()
-{
-    using enum Command;
-    using B = CommandButton;
-    static const std::vector<Rule> table = {
-        {RemoveSelectedImages, kOtherTags, hasSelection, {B::RemoveImages}},
-        {ToggleShowImageMetadataPanel,
-         kOtherTags,
-         [](const State &state) { return state.nSelected > 0 && state.isInBrowserMode; },
-         {B::Info}},
-        {ChangeSelection, 1, hasSelection, {}},
-        {ChangeSelection, kOtherTags, [](const State &state) { return state.nShown > 0; }, {}},
-        {Rotate90Degree, 1, canBeTurned, {B::TurnRight}},
-        {Rotate90Degree, kOtherTags, canBeTurned, {B::TurnLeft}},
-        {Rotate180Degree, kOtherTags, canBeTurned, {B::Turn180}},
-        {Flip, 1, canBeTurned, {B::FlipVert}},
-        {Flip, kOtherTags, canBeTurned, {B::FlipHoriz}},
-        {SaveImages, 0, canSaveSelected, {B::SaveSelected}},
-        {SaveImages, kOtherTags, canSaveAll, {B::SaveAll}},
-        {OpenInCompanionApplication, 0, canSaveSelected, {}},
-        {OpenInCompanionApplication, kOtherTags, canSaveAll, {}},
-        {CopyManualPositioning,
-         1,
-         [](const State &state) { return state.canCopyForAllPresets; },
-         {B::CopyManualForAllPresets}},
-        {CopyManualPositioning,
-         kOtherTags,
-         [](const State &state) { return state.canCopyForCurrentPreset; },
-         {B::CopyManualForCurrentPreset}},
-        {PasteManualPositioning,
-         kOtherTags,
-         [](const State &state) { return state.nSelected > 0 && state.hasCopiedPositions; },
-         {B::PasteManual}},
-        {ResetManualPositioning, 1, hasSelection, {B::ResetManualForAllPresets}},
-        {ResetManualPositioning,
-         kOtherTags,
-         [](const State &state) { return state.nSelected > 0 && state.hasCurrentWPreset; },
-         {B::ResetManualForCurrentPreset}},
-        {ZoomBrowser,
-         1,
-         [](const State &state) { return state.isInBrowserMode && state.browserZoomFactor < 1; },
-         {}},
-        {ZoomBrowser,
-         kOtherTags,
-         [](const State &state) { return state.isInBrowserMode && state.browserZoomFactor > 0; },
-         {}},
-        {ShowBrowserFilenamesDidChange,
-         kOtherTags,
-         [](const State &state) { return state.isInBrowserMode; },
-         {}},
-        {ShowFilesInFinder, kOtherTags, hasSelection, {}},
-        {SelectNeighborAppliedPreset,
-         kOtherTags,
-         [](const State &state) { return state.nAppliedPresets > 1; },
-         {}},
-    };
-    return table;
+    const Rule &rule = kRules[static_cast<std::size_t>(need)];
+    Q_ASSERT(rule.need == need);
+    return rule;
 }
 
 } // namespace
 
-bool isMenuItemEnabled(Command command, int tag, const CommandState &state)
+std::optional<Need> missingNeed(const std::vector<Need> &needs, const CommandState &state)
 {
-    if (state.isSavingInProgress)
-        return false;
-    const auto rule = std::find_if(rules().begin(), rules().end(), [=](const Rule &one) {
-        return one.command == command && (one.tag == tag || one.tag == kOtherTags);
-    });
-    return rule == rules().end() || rule->isEnabled(state);
+    const auto missing =
+        std::find_if(needs.begin(), needs.end(), [&](Need need) { return !ruleOf(need).isMet(state); });
+    return missing == needs.end() ? std::nullopt : std::optional(*missing);
 }
 
-bool isButtonEnabled(CommandButton button, const CommandState &state)
+QString reasonFor(Need missing)
 {
-    const auto rule = std::find_if(rules().begin(), rules().end(), [=](const Rule &one) {
-        return std::find(one.buttons.begin(), one.buttons.end(), button) != one.buttons.end();
-    });
-    Q_ASSERT(rule != rules().end());
-    return rule->isEnabled(state);
+    return QCoreApplication::translate("Commands", ruleOf(missing).reason);
 }
 
 } // namespace plexa

@@ -2,51 +2,36 @@
 
 #pragma once
 
-#include <QtGlobal>
+#include <QString>
+
+#include <optional>
+#include <vector>
 
 namespace plexa
 {
 
-/// The commands of the main window whose enabling depends on something. A tag tells the variants of one
-/// command apart.
-enum class Command {
-    RemoveSelectedImages,
-    ToggleShowImageMetadataPanel,
-    ChangeSelection, ///< 1: select none, other tags: invert
-    Rotate90Degree,  ///< 1: clockwise, other tags: counter-clockwise
-    Rotate180Degree,
-    Flip,                       ///< 1: top to bottom, other tags: left to right
-    SaveImages,                 ///< 0: the selected ones, other tags: all
-    OpenInCompanionApplication, ///< likewise
-    CopyManualPositioning,      ///< 1: of all presets, other tags: of the current one
-    PasteManualPositioning,
-    ResetManualPositioning, ///< 1: of all presets, other tags: of the current one
-    ZoomBrowser,            ///< 1: in, other tags: out
-    ShowBrowserFilenamesDidChange,
-    ShowFilesInFinder,
-    SelectNeighborAppliedPreset, ///< 1: next, other tags: previous
-    Other,                       ///< everything that is always possible
+/// A condition that commands may have. A command is possible when all of its needs are met.
+enum class Need {
+    NoSave,         ///< no batch save is running
+    Photos,         ///< photos are shown
+    Selection,      ///< photos are selected
+    SmallBatchMode, ///< the grid is shown
+    NoRotation,     ///< no photos are being rotated or mirrored
+    Watermark,      ///< a preset is drawn on the photos
+    CurrentPreset,
+    CurrentPosition, ///< one photo is selected, with a position of the current preset
+    AnyPosition,     ///< one photo is selected, with a position of a preset
+    CopiedPosition,
+    AppliedPreset,
+    SeveralAppliedPresets,
+    AppliedSelection, ///< applied presets are selected
+    PresetSelection,  ///< presets are selected in the list of all presets
+    OneSelectedPreset,
+    RoomToZoomIn,  ///< the zoom can be increased
+    RoomToZoomOut, ///< the zoom can be decreased
 };
 
-/// The buttons that stand for commands.
-enum class CommandButton {
-    RemoveImages,
-    SaveSelected,
-    SaveAll,
-    Info,
-    TurnLeft,
-    TurnRight,
-    Turn180,
-    FlipHoriz,
-    FlipVert,
-    CopyManualForCurrentPreset,
-    CopyManualForAllPresets,
-    PasteManual,
-    ResetManualForCurrentPreset,
-    ResetManualForAllPresets,
-};
-
-/// All that the rules look at.
+/// The state that the needs are checked against.
 struct CommandState {
     bool isSavingInProgress = false;
     bool isInBrowserMode = true;
@@ -59,14 +44,15 @@ struct CommandState {
     qsizetype nShown = 0;    ///< photos
     qsizetype nEffectivePresets = 0;
     qsizetype nAppliedPresets = 0;
-    float browserZoomFactor = 0; ///< 0..1
+    qsizetype nSelectedApplied = 0;  ///< applied presets
+    qsizetype nSelectedWPresets = 0; ///< in the list of all presets; known to the window alone
+    float browserZoomFactor = 0;     ///< 0..1
 };
 
-/// May this menu item be chosen? Nothing may while copies are being saved.
-bool isMenuItemEnabled(Command command, int tag, const CommandState &state);
+/// The first need that is not met; nullopt: the command is possible.
+std::optional<Need> missingNeed(const std::vector<Need> &needs, const CommandState &state);
 
-/// May this button be pressed? By the rule of its command; unlike menu items, also while copies are being
-/// saved.
-bool isButtonEnabled(CommandButton button, const CommandState &state);
+/// What the user has to do first, or wait for: a sentence, translated.
+QString reasonFor(Need missing);
 
 } // namespace plexa

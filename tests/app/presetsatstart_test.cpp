@@ -5,7 +5,6 @@
 #include "presets/presetsstore.h"
 #include "support/keyedarchives.h"
 
-#include <QProcess>
 #include <QSignalSpy>
 
 using namespace plexa;
@@ -18,123 +17,121 @@ class PresetsAtStartTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void fromStartToStart();
-    void filesFromTheDesktop();
-    void filesWithLosses();
-};
-
-void PresetsAtStartTest::fromStartToStart()
-{
-    WorkingSet work;
-    work.defaults.setObject(settings::rememberWPresetsAppliedLastTime, true);
-    QString applied;
+    void fromStartToStart()
     {
+        WorkingSet work;
+        work.defaults.setObject(settings::rememberWPresetsAppliedLastTime, true);
+        QString applied;
+        {
+            PresetsStore store(work.alerts, work.fonts);
+            AppController app({work.photos, work.defaults, work.alerts, store, 2});
+            app.readPresets();
+            QVERIFY(store.wPresets().size() >= 2 && app.appliedPresets().wPresetsApplied().empty());
+            QCOMPARE(app.appliedPresets().quickWPreset(), store.quickWPreset());
+            applied = store.wPresets().at(1)->name();
+            app.appliedPresets().addWPresetsToApplied({store.wPresets().at(1)});
+            store.loadWPreset(*store.wPresets().front());
+            QCOMPARE(app.appliedPresets().quickWPreset(), store.quickWPreset());
+            const QSignalSpy outdated(&app, &AppController::previewOutdated);
+            store.quickWPreset()->setFontSize(77);
+            QCOMPARE(outdated.size(), 1);
+            store.wPresets().front()->setName(QStringLiteral("Edited"));
+            app.rememberPresets();
+        }
         PresetsStore store(work.alerts, work.fonts);
         AppController app({work.photos, work.defaults, work.alerts, store, 2});
         app.readPresets();
-        QVERIFY(store.wPresets().size() >= 2 && app.appliedPresets().wPresetsApplied().empty());
-        QCOMPARE(app.appliedPresets().quickWPreset(), store.quickWPreset());
-        applied = store.wPresets().at(1)->name();
-        app.appliedPresets().addWPresetsToApplied({store.wPresets().at(1)});
-        store.loadWPreset(*store.wPresets().front());
-        QCOMPARE(app.appliedPresets().quickWPreset(), store.quickWPreset());
-        const QSignalSpy outdated(&app, &AppController::previewOutdated);
-        store.quickWPreset()->setFontSize(77);
-        QCOMPARE(outdated.size(), 1);
-        store.wPresets().front()->setName(QStringLiteral("Edited"));
-        app.rememberPresets();
+        QCOMPARE(app.appliedPresets().quickWPreset()->fontSize(), WholeNumber(77));
+        QCOMPARE(app.appliedPresets().wPresetsApplied().size(), std::size_t(1));
+        // The very object of the list.
+        QCOMPARE(app.appliedPresets().wPresetsApplied().front(), store.wPresets().at(1));
+        QCOMPARE(store.wPresets().at(1)->name(), applied);
+        QCOMPARE(store.wPresets().front()->name(), QStringLiteral("Edited"));
+        // A preset that is deleted is not applied any longer.
+        app.appliedPresets().addWPresetsToApplied({store.wPresets().at(0)});
+        store.wPresetList().remove({1});
+        QCOMPARE(app.appliedPresets().wPresetsApplied(), WPresetList{store.wPresets().at(0)});
+        QCOMPARE(work.alerts.complaints(), QStringList());
     }
-    PresetsStore store(work.alerts, work.fonts);
-    AppController app({work.photos, work.defaults, work.alerts, store, 2});
-    app.readPresets();
-    QCOMPARE(app.appliedPresets().quickWPreset()->fontSize(), WholeNumber(77));
-    QCOMPARE(app.appliedPresets().wPresetsApplied().size(), std::size_t(1));
-    // The very object of the list.
-    QCOMPARE(app.appliedPresets().wPresetsApplied().front(), store.wPresets().at(1));
-    QCOMPARE(store.wPresets().at(1)->name(), applied);
-    QCOMPARE(store.wPresets().front()->name(), QStringLiteral("Edited"));
-    // A preset that is deleted is not applied any longer.
-    app.appliedPresets().addWPresetsToApplied({store.wPresets().at(0)});
-    store.wPresetList().remove({1});
-    QCOMPARE(app.appliedPresets().wPresetsApplied(), WPresetList{store.wPresets().at(0)});
-    QCOMPARE(work.alerts.complaints(), QStringList());
-}
 
-void PresetsAtStartTest::filesFromTheDesktop()
-{
-    WorkingSet work;
-    PresetsStore store(work.alerts, work.fonts);
-    AppController app({work.photos, work.defaults, work.alerts, store, 2});
-    app.readPresets();
-    const std::size_t watermarks = store.wPresets().size();
-    const std::size_t savings = store.savingPresets().size();
-    const QString file = work.folder.path(QStringLiteral("Mine.PXWPR"));
-    QVERIFY(QFile::copy(QStringLiteral(":/plexa/presets/example_wpresets.pxwpr"), file));
-    work.alerts.expect(QStringLiteral("Presets imported"));
-    QVERIFY(app.presetCommands().importPresetsFile(file));
-    work.alerts.expect(QStringLiteral("Presets imported"));
-    QVERIFY(app.presetCommands().importPresetsFile(QStringLiteral(":/plexa/presets/example_spresets.pxspr")));
-    work.alerts.expect(QStringLiteral("Presets import failed"));
-    QVERIFY(app.presetCommands().importPresetsFile(work.folder.path(QStringLiteral("missing.pxspr"))));
-    QVERIFY(!app.presetCommands().importPresetsFile(work.folder.path(QStringLiteral("photo.jpg"))));
+    void filesFromTheDesktop()
+    {
+        WorkingSet work;
+        PresetsStore store(work.alerts, work.fonts);
+        AppController app({work.photos, work.defaults, work.alerts, store, 2});
+        app.readPresets();
+        const std::size_t watermarks = store.wPresets().size();
+        const std::size_t savings = store.savingPresets().size();
+        const QString file = work.folder.path(QStringLiteral("Mine.PXWPR"));
+        QVERIFY(QFile::copy(QStringLiteral(":/plexa/presets/example_wpresets.pxwpr"), file));
+        work.alerts.expect(QStringLiteral("Presets imported"));
+        QVERIFY(app.presetCommands().importPresetsFile(file));
+        work.alerts.expect(QStringLiteral("Presets imported"));
+        QVERIFY(
+            app.presetCommands().importPresetsFile(QStringLiteral(":/plexa/presets/example_spresets.pxspr")));
+        work.alerts.expect(QStringLiteral("Presets import failed"));
+        QVERIFY(app.presetCommands().importPresetsFile(work.folder.path(QStringLiteral("missing.pxspr"))));
+        QVERIFY(!app.presetCommands().importPresetsFile(work.folder.path(QStringLiteral("photo.jpg"))));
 
-    // They are kept at once: a program that is killed has them, too.
-    PresetsStore again(work.alerts, work.fonts);
-    again.readAll();
-    QCOMPARE(again.wPresets().size(), 2 * watermarks);
-    QVERIFY(again.savingPresets().size() > savings);
-    QCOMPARE(work.alerts.complaints(), QStringList());
-}
-
-/// What is said of an import is what came of it.
-void PresetsAtStartTest::filesWithLosses()
-{
-    WorkingSet work;
-    PresetsStore store(work.alerts, work.fonts);
-    AppController app({work.photos, work.defaults, work.alerts, store, 2});
-    app.readPresets();
-    QVERIFY(writeKeyedArchives(work.folder.path()));
-    QFile examples(QStringLiteral(":/plexa/presets/example_spresets.pxspr"));
-    QVERIFY(examples.open(QIODevice::ReadOnly));
-    const QByteArray good = examples.readAll();
-    const auto told = [&](const QString &title, const char *name, const QByteArray &contents = {}) {
-        const QString path = work.folder.path(QString::fromLatin1(name));
-        QFile file(path);
-        if (!contents.isEmpty() && file.open(QIODevice::WriteOnly))
-            file.write(contents);
-        file.close();
-        work.alerts.expect(title);
-        app.presetCommands().importPresetsFile(path);
-        return work.alerts.shown().last().text;
-    };
-    const QString imported = QStringLiteral("Presets imported");
-    const QString some = told(imported, "some.pxwpr");
-    QVERIFY2(some.contains(u"some.pxwpr") && some.contains(u"number 4 "), qPrintable(some));
-    QVERIFY(told(imported, "later.pxspr", QByteArray(good).replace("\"1.4\"", "\"1.5\""))
-                .contains(u"later application version"));
-    const QByteArray token = "<token>filename</token>";
-    QVERIFY(told(imported, "entity.pxspr", QByteArray(good).replace(token, "<token>&copy;</token>"))
-                .contains(u"unknown entity reference: \"&copy;\""));
-    const std::size_t before = store.savingPresets().size();
-    const QString raw = told(imported, "raw.pxspr", QByteArray(good).replace(token, "<token>&amp;</token>"));
-    QVERIFY2(raw.contains(u"6 presets") && raw.contains(u"and 2 more"), qPrintable(raw));
-    QCOMPARE(store.savingPresets().size(), before + 6);
-    PresetsStore again(work.alerts, work.fonts);
-    again.readAll();
-    QCOMPARE(again.savingPresets().size(), before + 1);
-
-    // No success is told where nothing can be written.
-    for (const Kind kind : {Kind::Saving, Kind::Watermark}) {
-        const QString list = store.presetsFileNameForWatermark(kind, PresetsStore::Slot::List);
-        QVERIFY(QFile::remove(list) && QDir().mkpath(list + QStringLiteral("/in the way")));
+        // They are kept at once: a program that is killed has them, too.
+        PresetsStore again(work.alerts, work.fonts);
+        again.readAll();
+        QCOMPARE(again.wPresets().size(), 2 * watermarks);
+        QVERIFY(again.savingPresets().size() > savings);
+        QCOMPARE(work.alerts.complaints(), QStringList());
     }
-    const QString cannotSave = QStringLiteral("Cannot save the presets");
-    QVERIFY(told(cannotSave, "good.pxspr", good).contains(u"SPresets.pxspr"));
-    told(cannotSave, "some.pxwpr");
-    work.alerts.expect(cannotSave);
-    app.presetCommands().saveQuickAsWPreset();
-    QCOMPARE(work.alerts.complaints(), QStringList());
-}
+
+    /// What is said of an import is what came of it.
+    void filesWithLosses()
+    {
+        WorkingSet work;
+        PresetsStore store(work.alerts, work.fonts);
+        AppController app({work.photos, work.defaults, work.alerts, store, 2});
+        app.readPresets();
+        QVERIFY(writeKeyedArchives(work.folder.path()));
+        QFile examples(QStringLiteral(":/plexa/presets/example_spresets.pxspr"));
+        QVERIFY(examples.open(QIODevice::ReadOnly));
+        const QByteArray good = examples.readAll();
+        const auto told = [&](const QString &title, const char *name, const QByteArray &contents = {}) {
+            const QString path = work.folder.path(QString::fromLatin1(name));
+            QFile file(path);
+            if (!contents.isEmpty() && file.open(QIODevice::WriteOnly))
+                file.write(contents);
+            file.close();
+            work.alerts.expect(title);
+            app.presetCommands().importPresetsFile(path);
+            return work.alerts.shown().last().text;
+        };
+        const QString imported = QStringLiteral("Presets imported");
+        const QString some = told(imported, "some.pxwpr");
+        QVERIFY2(some.contains(u"some.pxwpr") && some.contains(u"number 4 "), qPrintable(some));
+        QVERIFY(told(imported, "later.pxspr", QByteArray(good).replace("\"1.4\"", "\"1.5\""))
+                    .contains(u"later application version"));
+        const QByteArray token = "<token>filename</token>";
+        QVERIFY(told(imported, "entity.pxspr", QByteArray(good).replace(token, "<token>&copy;</token>"))
+                    .contains(u"unknown entity reference: \"&copy;\""));
+        const std::size_t before = store.savingPresets().size();
+        const QString raw =
+            told(imported, "raw.pxspr", QByteArray(good).replace(token, "<token>&amp;</token>"));
+        QVERIFY2(raw.contains(u"6 presets") && raw.contains(u"and 2 more"), qPrintable(raw));
+        QCOMPARE(store.savingPresets().size(), before + 6);
+        PresetsStore again(work.alerts, work.fonts);
+        again.readAll();
+        QCOMPARE(again.savingPresets().size(), before + 1);
+
+        // No success is told where nothing can be written.
+        for (const Kind kind : {Kind::Saving, Kind::Watermark}) {
+            const QString list = store.presetsFileNameForWatermark(kind, PresetsStore::Slot::List);
+            QVERIFY(QFile::remove(list) && QDir().mkpath(list + QStringLiteral("/in the way")));
+        }
+        const QString cannotSave = QStringLiteral("Cannot save the presets");
+        QVERIFY(told(cannotSave, "good.pxspr", good).contains(u"SPresets.pxspr"));
+        told(cannotSave, "some.pxwpr");
+        work.alerts.expect(cannotSave);
+        app.presetCommands().saveQuickAsWPreset();
+        QCOMPARE(work.alerts.complaints(), QStringList());
+    }
+};
 
 QTEST_MAIN(PresetsAtStartTest)
 #include "presetsatstart_test.moc"

@@ -40,6 +40,8 @@ public:
         return image.save(path) ? path : QString();
     }
 
+    QString photo(const char *name, QSize size = {}) { return photo(QString::fromUtf8(name), size); }
+
     /// A file of this name that is not what its name says.
     QString brokenPhoto(const QString &name)
     {

@@ -2,8 +2,6 @@
 
 #include "support/testfolder.h"
 
-#include <QThreadPool>
-
 #include <cstdlib>
 
 // This file is part of every test program. It fixes the environment before main() starts, so that a program
@@ -40,15 +38,6 @@ __attribute__((used, visibility("default"))) const char *__lsan_default_options(
     return PLEXA_LSAN_OPTIONS;
 }
 }
-
-#ifdef __SANITIZE_THREAD__
-// Qt scales and converts large pictures on threads of its own, whose locks the thread sanitizer does not see.
-// On a thread of that pool it does all the work itself; here it believes that it always is on one.
-bool QThreadPool::contains(const QThread *) const
-{
-    return true;
-}
-#endif
 
 namespace plexa::test
 {

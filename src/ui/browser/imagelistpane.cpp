@@ -157,8 +157,6 @@ void ImageListPane::connectBrowser()
     m_actions.setHandler(ActionId::BrowserZoomOut,
                          [&browser] { browser.zoomBrowser(ImageBrowserViewController::Zoom::Out); });
     m_actions.setHandler(ActionId::CopyImages, [&browser] { browser.copy(); });
-    m_actions.setCondition(ActionId::CopyImages,
-                           [this] { return !m_set.selection().selectedIndexes().isEmpty(); });
     m_actions.setHandler(ActionId::ToggleFilenames, [this] {
         m_browserController->setShowBrowserFilenames(!m_imageBrowser->showFilenames());
     });

@@ -3,6 +3,7 @@
 #include "ui/presets/presetspanel.h"
 
 #include "app/appliedpresets.h"
+#include "presets/presetsstore.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/modeselector.h"
 #include "ui/widgets/presetlistmodel.h"
@@ -35,9 +36,11 @@ QHBoxLayout *buttonRow()
 
 } // namespace
 
-PresetsPanel::PresetsPanel(AppliedPresets &applied, CommandActions &actions, QWidget *parent)
+PresetsPanel::PresetsPanel(AppliedPresets &applied, PresetsStore &store, CommandActions &actions,
+                           QWidget *parent)
     : QWidget(parent)
     , m_applied(applied)
+    , m_actions(actions)
     , m_appliedModel(new PresetListModel(this))
     , m_allModel(new PresetListModel(this))
     , m_appliedTable(new PresetListView(*m_appliedModel))
@@ -51,7 +54,7 @@ PresetsPanel::PresetsPanel(AppliedPresets &applied, CommandActions &actions, QWi
     m_quickContainer->setObjectName(QStringLiteral("quickWPresetContainer"));
     m_modeContainer = new QStackedWidget;
     m_modeContainer->addWidget(m_quickContainer);
-    m_modeContainer->addWidget(makePresetsView(actions));
+    m_modeContainer->addWidget(makePresetsView());
 
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -59,13 +62,14 @@ PresetsPanel::PresetsPanel(AppliedPresets &applied, CommandActions &actions, QWi
     layout->addWidget(m_modeSegments);
     layout->addWidget(m_modeContainer, 1);
     connectLists();
+    connectCommands(store);
     showMode();
     showApplied();
 }
 
 PresetsPanel::~PresetsPanel() = default;
 
-QWidget *PresetsPanel::makePresetsView(CommandActions &actions)
+QWidget *PresetsPanel::makePresetsView()
 {
     m_appliedTable->setObjectName(QStringLiteral("wPresetsAppliedTable"));
     m_appliedTable->setAccessibleName(tr("Applied presets"));
@@ -79,10 +83,10 @@ QWidget *PresetsPanel::makePresetsView(CommandActions &actions)
                                 "double-click one to edit it."));
     m_allTable->setEmptyHint(tr("No presets yet"));
 
-    const auto setContextMenu = [&actions](QWidget *table, std::initializer_list<ActionId> ids) {
+    const auto setContextMenu = [this](QWidget *table, std::initializer_list<ActionId> ids) {
         table->setContextMenuPolicy(Qt::ActionsContextMenu);
         for (const ActionId id : ids)
-            table->addAction(actions.action(id));
+            table->addAction(m_actions.action(id));
     };
     setContextMenu(m_appliedTable, {ActionId::RemoveAppliedPresets, ActionId::ClearAppliedPresets,
                                     ActionId::ToggleWatermarkPresets});
@@ -97,22 +101,22 @@ QWidget *PresetsPanel::makePresetsView(CommandActions &actions)
     layout->addWidget(m_appliedTable, 2);
     QHBoxLayout *const appliedButtons = buttonRow();
     for (const ActionId id : {ActionId::PreviousPreset, ActionId::NextPreset})
-        appliedButtons->addWidget(actions.makeButton(id, view));
+        appliedButtons->addWidget(m_actions.makeButton(id, view));
     appliedButtons->addStretch();
     for (const ActionId id : {ActionId::RemoveAppliedPresets, ActionId::ClearAppliedPresets})
-        appliedButtons->addWidget(actions.makeButton(id, view));
+        appliedButtons->addWidget(m_actions.makeButton(id, view));
     layout->addLayout(appliedButtons);
     layout->addSpacing(6);
     layout->addWidget(sectionTitle(tr("All presets"), m_allTable));
     layout->addWidget(m_allTable, 3);
     QHBoxLayout *const allButtons = buttonRow();
     QToolButton *const apply =
-        actions.makeButton(ActionId::ApplyPresets, view, CommandActions::ButtonStyle::TextBesideIcon);
+        m_actions.makeButton(ActionId::ApplyPresets, view, CommandActions::ButtonStyle::TextBesideIcon);
     apply->setText(tr("Apply"));
     allButtons->addWidget(apply);
     allButtons->addStretch();
-    QToolButton *const manage = actions.makeButton(ActionId::ToggleWatermarkPresets, view,
-                                                   CommandActions::ButtonStyle::TextBesideIcon);
+    QToolButton *const manage = m_actions.makeButton(ActionId::ToggleWatermarkPresets, view,
+                                                     CommandActions::ButtonStyle::TextBesideIcon);
     manage->setText(tr("Manage"));
     allButtons->addWidget(manage);
     layout->addLayout(allButtons);
@@ -131,15 +135,30 @@ void PresetsPanel::connectLists()
     connect(m_appliedTable, &PresetListView::rowsDropped, &m_applied, &AppliedPresets::moveAppliedPresets);
     connect(m_appliedTable, &PresetListView::deletePressed, &m_applied,
             &AppliedPresets::removeSelectedAppliedPresets);
-    connect(m_allTable, &PresetListView::returnPressed, this, &PresetsPanel::addSelectedWPresetsToApplied);
-    connect(m_allTable, &PresetListView::selectedRowsChanged, this, &PresetsPanel::wPresetsSelectionChanged);
+    connect(m_allTable, &PresetListView::returnPressed, this,
+            [this] { m_actions.run(ActionId::ApplyPresets); });
+    connect(m_allTable, &PresetListView::selectedRowsChanged, &m_actions, &CommandActions::scheduleUpdate);
     connect(m_appliedTable, &QAbstractItemView::doubleClicked, this,
             [this](const QModelIndex &index) { doubleMouseClick(index, *m_appliedModel); });
     connect(m_allTable, &QAbstractItemView::doubleClicked, this,
             [this](const QModelIndex &index) { doubleMouseClick(index, *m_allModel); });
 }
 
-void PresetsPanel::setWPresets(const WPresetList &presets)
+void PresetsPanel::connectCommands(PresetsStore &store)
+{
+    m_actions.setHandler(ActionId::ApplyPresets,
+                         [this] { m_applied.addWPresetsToApplied(selectedWPresets()); });
+    m_actions.setHandler(ActionId::LoadPreset,
+                         [this, &store] { store.loadWPreset(*selectedWPresets().front()); });
+    const auto show = [this, &store] { showWPresets(store.wPresets()); };
+    const PresetListSignals &list = store.wPresetList();
+    connect(&list, &PresetListSignals::inserted, this, show);
+    connect(&list, &PresetListSignals::removed, this, show);
+    connect(&list, &PresetListSignals::moved, this, show);
+    showWPresets(store.wPresets());
+}
+
+void PresetsPanel::showWPresets(const WPresetList &presets)
 {
     const WPresetList selected = selectedWPresets();
     const int scrolledTo = m_allTable->verticalScrollBar()->value();
@@ -151,7 +170,7 @@ void PresetsPanel::setWPresets(const WPresetList &presets)
     }
     m_allTable->selectRows(rows);
     m_allTable->verticalScrollBar()->setValue(scrolledTo);
-    Q_EMIT wPresetsSelectionChanged();
+    m_actions.scheduleUpdate();
 }
 
 WPresetList PresetsPanel::selectedWPresets() const
@@ -160,11 +179,6 @@ WPresetList PresetsPanel::selectedWPresets() const
     for (const int row : m_allTable->selectedRows())
         selected.push_back(m_allModel->presets()[static_cast<std::size_t>(row)]);
     return selected;
-}
-
-void PresetsPanel::addSelectedWPresetsToApplied()
-{
-    m_applied.addWPresetsToApplied(selectedWPresets());
 }
 
 void PresetsPanel::showMode()
@@ -194,7 +208,7 @@ void PresetsPanel::doubleMouseClick(const QModelIndex &index, const PresetListMo
     const auto found = std::find(all.begin(), all.end(), preset);
     if (found != all.end())
         m_allTable->selectRows({static_cast<int>(found - all.begin())});
-    Q_EMIT presetsManagerWanted();
+    m_actions.run(ActionId::ToggleWatermarkPresets);
 }
 
 } // namespace plexa

@@ -17,6 +17,7 @@ class CommandActions;
 class ModeSelector;
 class PresetListModel;
 class PresetListView;
+class PresetsStore;
 
 /// The right side of the main window: the mode selector, and in presets mode the lists of applied and of all
 /// presets.
@@ -25,34 +26,28 @@ class PresetsPanel final : public QWidget
     Q_OBJECT
 
 public:
-    /// @param applied  outlives the panel
-    PresetsPanel(AppliedPresets &applied, CommandActions &actions, QWidget *parent = nullptr);
+    /// @param applied  outlives the panel, like the store and the actions
+    PresetsPanel(AppliedPresets &applied, PresetsStore &store, CommandActions &actions,
+                 QWidget *parent = nullptr);
     ~PresetsPanel() override;
-
-    /// Sets the list of all presets.
-    void setWPresets(const WPresetList &presets);
 
     /// The container for the editor of the single watermark.
     QWidget *quickWPresetContainer() const { return m_quickContainer; }
 
     /// The selected presets in the list of all presets, in its order.
     WPresetList selectedWPresets() const;
-    /// Applies selectedWPresets().
-    void addSelectedWPresetsToApplied();
-
-Q_SIGNALS:
-    /// A request to edit the presets, starting with the one selected in the list of all presets.
-    void presetsManagerWanted();
-    void wPresetsSelectionChanged();
 
 private:
-    QWidget *makePresetsView(CommandActions &actions);
+    QWidget *makePresetsView();
+    void connectCommands(PresetsStore &store);
+    void showWPresets(const WPresetList &presets);
     void connectLists();
     void showMode();
     void showApplied();
     void doubleMouseClick(const QModelIndex &index, const PresetListModel &model);
 
     AppliedPresets &m_applied;
+    CommandActions &m_actions;
     PresetListModel *const m_appliedModel;
     PresetListModel *const m_allModel;
     PresetListView *const m_appliedTable;

@@ -7,7 +7,11 @@
 #include <QIcon>
 #include <QMenu>
 #include <QMenuBar>
+#include <QTimer>
 #include <QToolButton>
+
+#include <optional>
+#include <utility>
 
 namespace plexa
 {
@@ -20,7 +24,7 @@ QIcon iconNamed(const QString &name)
     return name.isEmpty() ? QIcon() : QIcon(QStringLiteral(":/icons/%1.svg").arg(name));
 }
 
-/// The sentence, and the keys behind it.
+/// The sentence, with the keys in parentheses.
 QString withShortcut(const QString &toolTip, const QKeySequence &shortcut)
 {
     if (shortcut.isEmpty())
@@ -43,18 +47,11 @@ void nameButton(QAbstractButton *button, const QAction *action)
     button->setAccessibleName(spokenName(action->text()));
 }
 
-/// About the program or its window, and so possible while photos are saved.
-bool isOfProgram(const CommandRow &row)
-{
-    return row.menu == MenuId::Help || row.id == ActionId::Quit || row.id == ActionId::CloseWindow ||
-           row.id == ActionId::Minimize || row.id == ActionId::ToggleFullScreen ||
-           row.id == ActionId::ShowMainWindow;
-}
-
 } // namespace
 
-CommandActions::CommandActions(QWidget *parent)
+CommandActions::CommandActions(QWidget *parent, std::function<CommandState()> state)
     : QObject(parent)
+    , m_state(std::move(state))
 {
     for (const CommandRow &row : commandTable()) {
         auto *const action = new QAction(parent);
@@ -74,11 +71,6 @@ void CommandActions::setHandler(ActionId id, std::function<void()> handler)
     m_entries[id].handler = std::move(handler);
 }
 
-void CommandActions::setCondition(ActionId id, std::function<bool()> condition)
-{
-    m_entries[id].condition = std::move(condition);
-}
-
 QAction *CommandActions::action(ActionId id) const
 {
     return m_entries.at(id).action;
@@ -86,9 +78,10 @@ QAction *CommandActions::action(ActionId id) const
 
 void CommandActions::setText(ActionId id, const QString &text, const QString &toolTip)
 {
-    const Entry &entry = m_entries[id];
+    Entry &entry = m_entries[id];
+    entry.toolTip = withShortcut(toolTip, entry.action->shortcut());
     entry.action->setText(text);
-    entry.action->setToolTip(withShortcut(toolTip, entry.action->shortcut()));
+    entry.action->setToolTip(entry.toolTip);
     entry.action->setWhatsThis(toolTip);
     for (QAbstractButton *const button : entry.buttons)
         nameButton(button, entry.action);
@@ -154,33 +147,52 @@ void CommandActions::bindButton(ActionId id, QAbstractButton *button)
         button->setObjectName(entry.action->objectName() + QStringLiteral("Button"));
     nameButton(button, entry.action);
     button->setEnabled(false);
-    connect(button, &QAbstractButton::clicked, this, [this, id] { run(id); });
+    connect(button, &QAbstractButton::clicked, this, [this, id] { run(id, Caller::Button); });
     connect(button, &QObject::destroyed, this,
             [this, id, button] { m_entries[id].buttons.removeOne(button); });
     entry.buttons.append(button);
 }
 
-void CommandActions::update(const CommandState &state)
+/// Why the command is not possible: a sentence. Empty: it is.
+QString CommandActions::obstacle(const CommandRow &row, const CommandState &state, Caller caller) const
 {
+    if (!m_entries.at(row.id).handler)
+        return tr("This version does not have this command yet.");
+    if (state.isSavingInProgress && caller == Caller::Menu && !row.isPossibleDuringSave)
+        return reasonFor(Need::NoSave);
+    const std::optional<Need> missing = missingNeed(row.needs, state);
+    return missing ? reasonFor(*missing) : QString();
+}
+
+void CommandActions::update()
+{
+    m_isUpdateScheduled = false;
+    const CommandState state = m_state();
     for (const CommandRow &row : commandTable()) {
         const Entry &entry = m_entries.at(row.id);
-        const bool isPossible = entry.handler && (!entry.condition || entry.condition());
-        const bool isMenuEnabled =
-            isPossible && (isOfProgram(row) || isMenuItemEnabled(row.rule, row.tag, state));
-        entry.action->setEnabled(isMenuEnabled);
+        const auto show = [&](auto *control, const QString &obstacle) {
+            control->setEnabled(obstacle.isEmpty());
+            control->setToolTip(obstacle.isEmpty() ? entry.toolTip : entry.toolTip + u'\n' + obstacle);
+        };
+        show(entry.action, obstacle(row, state, Caller::Menu));
         for (QAbstractButton *const button : entry.buttons)
-            button->setEnabled(row.button ? isPossible && isButtonEnabled(*row.button, state)
-                                          : isMenuEnabled);
+            show(button, obstacle(row, state, Caller::Button));
     }
 }
 
-void CommandActions::run(ActionId id)
+void CommandActions::scheduleUpdate()
 {
-    const std::function<void()> handler = m_entries[id].handler;
-    if (!handler)
+    if (!std::exchange(m_isUpdateScheduled, true))
+        QTimer::singleShot(0, this, &CommandActions::update);
+}
+
+void CommandActions::run(ActionId id, Caller caller)
+{
+    if (!obstacle(commandRow(id), m_state(), caller).isEmpty())
         return;
+    const std::function<void()> handler = m_entries[id].handler; // which may set another one
     handler();
-    Q_EMIT commandRun(id);
+    scheduleUpdate();
 }
 
 } // namespace plexa

@@ -4,7 +4,6 @@
 
 #include "ui/widgets/commandtable.h"
 
-#include <QHash>
 #include <QObject>
 
 #include <functional>
@@ -20,58 +19,62 @@ class QWidget;
 namespace plexa
 {
 
-/// The commands of one window: their actions, menus and buttons, all made from the table of commands. A
-/// command can be chosen when the rules allow it and somebody carries it out; one that nobody carries out
-/// stays disabled.
+/// The commands of one window: their actions, menus and buttons, all created from the table of commands. A
+/// command runs only if its needs are met, whoever calls it; its tool tip says what is missing. A command
+/// without a handler stays disabled.
 class CommandActions final : public QObject
 {
     Q_OBJECT
 
 public:
     /// @param parent  owns the actions
-    explicit CommandActions(QWidget *parent);
+    /// @param state   the state of now; called when the event loop updates the commands, and before each run
+    CommandActions(QWidget *parent, std::function<CommandState()> state);
 
-    /// Who carries out a command.
+    /// Sets the function that carries out a command.
     void setHandler(ActionId id, std::function<void()> handler);
-
-    /// A condition of the command beside its rule, asked by update().
-    void setCondition(ActionId id, std::function<bool()> condition);
 
     QAction *action(ActionId id) const;
 
-    /// Changes what the command is called, on its action and its buttons.
+    /// Changes the name of the command, on its action and its buttons.
     void setText(ActionId id, const QString &text, const QString &toolTip);
     void setIcon(ActionId id, const QString &icon);
 
     void fillMenuBar(QMenuBar *bar);
-    /// The commands for photos, for a click with the right button.
+    /// Adds the commands of the context menu of the photos.
     void fillImageMenu(QMenu *menu);
 
     enum class ButtonStyle { Icon, TextBesideIcon };
     /// A flat button with the command's icon. `parent` owns it.
     QToolButton *makeButton(ActionId id, QWidget *parent, ButtonStyle style = ButtonStyle::Icon);
-    /// Makes a button of another kind stand for the command; its text is kept.
+    /// Connects another button with the command; its text is kept.
     void bindButton(ActionId id, QAbstractButton *button);
 
-    /// Enables what is possible in this state.
-    void update(const CommandState &state);
+    /// Enables the commands that are possible now.
+    void update();
+    /// Does this once for many changes, from the event loop.
+    void scheduleUpdate();
 
-    /// Carries the command out, if somebody does.
-    void run(ActionId id);
-
-Q_SIGNALS:
-    /// A command has been carried out.
-    void commandRun(plexa::ActionId id);
+    /// Carries the command out if it is possible.
+    void run(ActionId id) { run(id, Caller::Menu); }
 
 private:
+    /// The buttons do not depend on a running save; what shows them decides about that.
+    enum class Caller { Menu, Button };
+
     struct Entry {
         QAction *action = nullptr;
+        QString toolTip; ///< without what is missing
         QList<QAbstractButton *> buttons;
         std::function<void()> handler;
-        std::function<bool()> condition;
     };
 
+    void run(ActionId id, Caller caller);
+    QString obstacle(const CommandRow &row, const CommandState &state, Caller caller) const;
+
+    const std::function<CommandState()> m_state;
     std::map<ActionId, Entry> m_entries;
+    bool m_isUpdateScheduled = false;
 };
 
 } // namespace plexa

@@ -6,13 +6,12 @@
 
 #include <QString>
 
-#include <optional>
 #include <vector>
 
 namespace plexa
 {
 
-/// Everything that menus, shortcuts and buttons ask for.
+/// The commands of menus, shortcuts and buttons.
 enum class ActionId {
     AddImages,
     AddFolder,
@@ -77,20 +76,19 @@ enum class ActionId {
 
 enum class MenuId { File, Edit, Image, View, Watermark, Window, Help };
 
-/// One command: how it looks, where it stands and when it is possible.
+/// Everything about one command but the function that carries it out.
 struct CommandRow {
     ActionId id;
     MenuId menu;
-    bool startsGroup;     ///< a separator stands before it
+    bool startsGroup;     ///< a separator is above it
     const char *name;     ///< object name of its action; its buttons add "Button"
     const char *text;     ///< with the mnemonic
     const char *toolTip;  ///< a sentence; the shortcut is added where it is shown
     const char *shortcut; ///< portable text, empty: none
     const char *icon;     ///< file of resources/icons without its suffix, empty: none
-    Command rule = Command::Other;
-    int tag = 0;
-    std::optional<CommandButton> button = {}; ///< whose rule its buttons follow; none: they follow the menu's
-    bool isInImageMenu = false;               ///< stands in the context menu of the photos, too
+    std::vector<Need> needs = {};
+    bool isInImageMenu = false;        ///< also an item of the context menu of the photos
+    bool isPossibleDuringSave = false; ///< about the program or its window
 };
 
 /// All commands in the order of the menus; one row for each ActionId, in its order.

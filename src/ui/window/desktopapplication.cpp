@@ -4,7 +4,6 @@
 
 #include "platform/applicationname.h"
 #include "platform/settings.h"
-#include "ui/browser/imagebrowserviewcontroller.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/window/applicationservice.h"
 
@@ -21,7 +20,7 @@ namespace plexa
 namespace
 {
 
-/// A part of the memory for photos that were looked at, so that coming back to them is quick.
+/// The memory for decoded photos, so that a photo that was shown is shown again at once.
 qsizetype cacheBytes()
 {
     return static_cast<qsizetype>(physicalMemoryBytes() / 8);
@@ -32,7 +31,7 @@ int workerThreads()
     return static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
 }
 
-/// The settings with their defaults, before anybody asks.
+/// The settings with their defaults, registered before the first one is read.
 UserDefaults &registered(UserDefaults &defaults)
 {
     registerDefaults(defaults);
@@ -54,15 +53,14 @@ DesktopApplication::DesktopApplication(ApplicationService &service)
     , m_window({m_controller, m_defaults, m_alerts, workerThreads()})
 {
     m_alerts.setWindow(&m_window);
-    // A closed window can be brought back only where somebody can reach the program.
+    // Closing the window quits only where no other process can reach this one.
     QGuiApplication::setQuitOnLastWindowClosed(false);
     connect(&m_window, &MainWindow::closed, this, &DesktopApplication::windowClosed);
     connect(&m_window, &MainWindow::quitWanted, this, &DesktopApplication::quit);
     connect(&m_delegate, &AppDelegate::windowWanted, &m_window, &MainWindow::present);
-    // Later: who has sent the files waits for an answer, and is not to wait for the user's.
+    // Queued: the sender waits for the reply of the call, which must not wait for the user.
     connect(&m_service, &ApplicationService::opened, &m_delegate, &AppDelegate::openFiles,
             Qt::QueuedConnection);
-    connectPresets();
     m_window.actions().setHandler(ActionId::Feedback,
                                   [] { QDesktopServices::openUrl(AppDelegate::feedbackPage()); });
 }
@@ -72,26 +70,9 @@ DesktopApplication::~DesktopApplication()
     m_alerts.setWindow(nullptr);
 }
 
-void DesktopApplication::connectPresets()
-{
-    const auto showPresets = [this] { m_window.setWPresets(m_store.wPresets()); };
-    connect(&m_store.wPresetList(), &PresetListSignals::inserted, this, showPresets);
-    connect(&m_store.wPresetList(), &PresetListSignals::removed, this, showPresets);
-    connect(&m_store.wPresetList(), &PresetListSignals::moved, this, showPresets);
-    CommandActions &actions = m_window.actions();
-    actions.setHandler(ActionId::SaveQuickPreset,
-                       [this] { m_controller.presetCommands().saveQuickAsWPreset(); });
-    actions.setHandler(ActionId::LoadPreset, [this] {
-        if (const auto preset = m_window.selectedWPreset())
-            m_store.loadWPreset(*preset);
-    });
-    actions.setCondition(ActionId::LoadPreset, [this] { return m_window.selectedWPreset() != nullptr; });
-}
-
 void DesktopApplication::launch(const QStringList &paths)
 {
     m_controller.readPresets();
-    m_window.setWPresets(m_store.wPresets());
     m_controller.imageSet().setImageListModeToBrowser(
         m_defaults.boolForKey(settings::imageListIsInBrowserMode));
     m_window.show();
@@ -107,7 +88,7 @@ void DesktopApplication::windowClosed()
         quit();
 }
 
-/// Asks where photos are being saved.
+/// Asks the user while photos are being saved.
 bool DesktopApplication::mayQuit()
 {
     if (!m_controller.batchSave().isSavingInProgress())
@@ -115,7 +96,7 @@ bool DesktopApplication::mayQuit()
     Alert alert;
     alert.style = Alert::Style::Warning;
     alert.title = tr("Photos are being saved");
-    alert.text = tr("Those that are not saved yet when you quit get no copies.");
+    alert.text = tr("If you quit now, photos that are not saved yet get no copies.");
     alert.buttons = {tr("Keep Saving"), tr("Quit")};
     alert.escapeButton = 0;
     return m_alerts.run(alert).button != 0;
@@ -127,9 +108,9 @@ void DesktopApplication::quit()
         m_window.present();
         return;
     }
-    if (std::exchange(m_isQuitting, true)) // the window closes on the way, too
+    if (std::exchange(m_isQuitting, true)) // closing the window leads here again
         return;
-    m_service.release(); // who is started from now on does not hand files over to one that goes
+    m_service.release(); // a process that starts from now on must not send its files here
     m_delegate.applicationWillTerminate();
     m_window.close();
     QCoreApplication::quit();

@@ -16,8 +16,7 @@ namespace plexa
 
 class ApplicationService;
 
-/// The program with its window: makes the objects, hands them to each other, and follows the life of the
-/// program from its start to its end.
+/// The program with its window: creates and connects the objects, launches and quits.
 class DesktopApplication final : public QObject
 {
     Q_OBJECT
@@ -34,7 +33,6 @@ public:
     AppController &controller() { return m_controller; }
 
 private:
-    void connectPresets();
     bool mayQuit();
     void quit();
     void windowClosed();

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "watermark/wpreset.h"
+#include "app/commandrules.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -13,14 +13,14 @@ namespace plexa
 {
 
 class Alerts;
-class ImageBrowserViewController;
 class AppController;
 class CommandActions;
 class ImageListPane;
 class PresetsPanel;
 class UserDefaults;
 
-/// The one main window: it lays out the views and connects them with the controller, which decides.
+/// The main window: it lays out the panes and connects them with the controller. The panes and the commands
+/// are classes of their own.
 class MainWindow final : public QMainWindow
 {
     Q_OBJECT
@@ -38,18 +38,11 @@ public:
     ~MainWindow() override;
 
     CommandActions &actions() { return *m_actions; }
-    ImageBrowserViewController &browser();
 
-    /// While photos are saved nothing about them can be changed. The keyboard comes back with the content.
+    /// Disabled while photos are being saved. Enabling restores the keyboard focus.
     void setContentEnabled(bool isEnabled);
 
-    /// All watermark presets, for the list of presets mode.
-    void setWPresets(const WPresetList &presets);
-
-    /// The one preset that is selected in that list; null when there is not exactly one.
-    std::shared_ptr<WPreset> selectedWPreset() const;
-
-    /// Shows the window, whether it was closed, minimized or behind others.
+    /// Shows the window in front, even if it was closed or minimized.
     void present();
 
 Q_SIGNALS:
@@ -66,15 +59,11 @@ protected:
 private:
     void makeViews();
     QWidget *makeRightPanel();
-    QWidget *makeBottomBar();
     void connectCommands();
-    void connectWindowCommands();
     void restoreGeometryFromSettings();
     void rememberGeometry();
-    void scheduleUpdate();
-    void updateCommands();
+    CommandState commandState() const;
     void reportFailedCopies(const QStringList &failures);
-    void showAbout();
 
     const Services m_services;
     CommandActions *const m_actions;
@@ -82,7 +71,6 @@ private:
     PresetsPanel *m_presetsPanel = nullptr;
     QSplitter *m_imageViewBrowserSplitView = nullptr;
     QSplitter *m_panelSplitView = nullptr;
-    bool m_isUpdateScheduled = false;
     QPointer<QWidget> m_focusBefore; // while the content is disabled
 };
 

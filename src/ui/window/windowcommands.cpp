@@ -3,83 +3,80 @@
 #include "ui/window/windowcommands.h"
 
 #include "app/appcontroller.h"
+#include "platform/applicationname.h"
+#include "platform/settings.h"
+#include "ui/browser/imagebrowserviewcontroller.h"
+#include "ui/browser/imagelistpane.h"
 #include "ui/widgets/commandactions.h"
-#include "ui/window/filemanager.h"
+#include "ui/widgets/imagechooser.h"
+#include "ui/window/mainwindow.h"
+#include "ui/window/preferencesdialog.h"
 
-#include <QFileInfo>
+#include <QMessageBox>
+#include <QWhatsThis>
 
 namespace plexa
 {
 
-namespace
+WindowCommands::WindowCommands(MainWindow &window, ImageListPane &imageListPane, CommandActions &actions,
+                               AppController &controller, UserDefaults &defaults)
+    : QObject(&window)
+    , m_window(window)
+    , m_imageListPane(imageListPane)
+    , m_controller(controller)
+    , m_defaults(defaults)
 {
+    const auto add = [this, &actions](ActionId id, ChooserKind kind) {
+        actions.setHandler(id, [this, kind] {
+            chooseImages(kind, &m_window, [this](const QStringList &paths) {
+                m_controller.gathering().scanImagesAtPaths(paths);
+            });
+        });
+    };
+    add(ActionId::AddImages, ChooserKind::Files);
+    add(ActionId::AddFolder, ChooserKind::Folder);
+    actions.setHandler(ActionId::Find, [this] { m_imageListPane.startSearch(); });
+    setWindowHandlers(actions);
+}
 
-void connectSelection(CommandActions &actions, AppController &controller)
+void WindowCommands::setWindowHandlers(CommandActions &actions)
 {
-    ImageSet &set = controller.imageSet();
-    actions.setHandler(ActionId::SelectAll, [&set] { set.selection().selectAll(); });
-    actions.setHandler(ActionId::SelectNone, [&set] { set.selection().selectNone(); });
-    actions.setHandler(ActionId::InvertSelection, [&set] { set.selection().invertSelection(); });
-    actions.setHandler(ActionId::RemoveSelected, [&set] { set.removeSelectedImages(); });
-    actions.setHandler(ActionId::SwitchBatchMode, [&set] { set.switchImageListMode(); });
-    actions.setHandler(ActionId::ShowInFileManager, [&set] {
-        QStringList paths;
-        for (const std::shared_ptr<ImageObject> &image : set.selectedImages())
-            paths.append(QFileInfo::exists(image->path()) ? image->path() : image->pathToImportFrom());
-        showFilesInFileManager(paths);
+    actions.setHandler(ActionId::CloseWindow, [this] { m_window.close(); });
+    actions.setHandler(ActionId::Quit, [this] { Q_EMIT m_window.quitWanted(); });
+    actions.setHandler(ActionId::Minimize, [this] { m_window.showMinimized(); });
+    actions.setHandler(ActionId::ToggleFullScreen,
+                       [this] { m_window.setWindowState(m_window.windowState() ^ Qt::WindowFullScreen); });
+    actions.setHandler(ActionId::ShowMainWindow, [this] { m_window.present(); });
+    actions.setHandler(ActionId::Preferences, [this] { showPreferences(); });
+    actions.setHandler(ActionId::ContextHelp, [] { QWhatsThis::enterWhatsThisMode(); });
+    actions.setHandler(ActionId::About, [this] { showAbout(); });
+}
+
+void WindowCommands::showPreferences()
+{
+    auto *const dialog = new PreferencesDialog(m_defaults, &m_window);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &PreferencesDialog::settingChanged, this, [this](QLatin1String key) {
+        if (key == settings::combineAllAppliedPresetsInImage)
+            Q_EMIT m_controller.previewOutdated();
+        else if (key == settings::browserShowOriginalOnMouseOver)
+            m_imageListPane.browserController().followShowOriginalOnMouseOver();
     });
+    dialog->open();
 }
 
-void connectPositions(CommandActions &actions, AppController &controller)
+void WindowCommands::showAbout()
 {
-    using Presets = AppController::Presets;
-    const auto copy = [&controller](Presets presets) {
-        return [&controller, presets] { controller.copyManualPositioning(presets); };
-    };
-    const auto reset = [&controller](Presets presets) {
-        return [&controller, presets] { controller.resetManualPositioning(presets); };
-    };
-    actions.setHandler(ActionId::CopyPosition, copy(Presets::Current));
-    actions.setHandler(ActionId::CopyAllPositions, copy(Presets::All));
-    actions.setHandler(ActionId::PastePositions, [&controller] { controller.pasteManualPositioning(); });
-    actions.setHandler(ActionId::ResetPosition, reset(Presets::Current));
-    actions.setHandler(ActionId::ResetAllPositions, reset(Presets::All));
-}
-
-void connectPresets(CommandActions &actions, AppliedPresets &applied)
-{
-    actions.setHandler(ActionId::SingleMode, [&applied] { applied.modeDidChange(0); });
-    actions.setHandler(ActionId::PresetsMode, [&applied] { applied.modeDidChange(1); });
-    actions.setHandler(ActionId::NextPreset,
-                       [&applied] { applied.selectNeighborAppliedPreset(AppliedPresets::Neighbor::Next); });
-    actions.setHandler(ActionId::PreviousPreset, [&applied] {
-        applied.selectNeighborAppliedPreset(AppliedPresets::Neighbor::Previous);
-    });
-    actions.setHandler(ActionId::RemoveAppliedPresets,
-                       [&applied] { applied.removeSelectedAppliedPresets(); });
-    actions.setCondition(ActionId::RemoveAppliedPresets,
-                         [&applied] { return !applied.selectedRows().isEmpty(); });
-    actions.setHandler(ActionId::ClearAppliedPresets, [&applied] { applied.clearAppliedPresets(); });
-    actions.setCondition(ActionId::ClearAppliedPresets,
-                         [&applied] { return !applied.wPresetsApplied().empty(); });
-}
-
-} // namespace
-
-void connectControllerCommands(CommandActions &actions, AppController &controller)
-{
-    connectSelection(actions, controller);
-    connectPositions(actions, controller);
-    connectPresets(actions, controller.appliedPresets());
-
-    const auto turn = [&](ActionId id, ImageTransform transform) {
-        actions.setHandler(id, [&controller, transform] { controller.startBatchOperation(transform); });
-    };
-    turn(ActionId::TurnLeft, ImageTransform::RotateCounterClockwise);
-    turn(ActionId::TurnRight, ImageTransform::RotateClockwise);
-    turn(ActionId::Turn180, ImageTransform::RotateHalf);
-    turn(ActionId::FlipHorizontal, ImageTransform::MirrorLeftRight);
-    turn(ActionId::FlipVertical, ImageTransform::MirrorTopBottom);
+    const BundleInfo bundle = BundleInfo::own();
+    QMessageBox box(&m_window);
+    box.setWindowTitle(tr("About %1").arg(bundle.bundleName));
+    box.setIconPixmap(m_window.windowIcon().pixmap(64));
+    box.setText(QStringLiteral("%1 %2").arg(bundle.bundleName, bundle.shortVersionString));
+    box.setInformativeText(tr("Puts watermarks on photographs in batches.\n\n"
+                              "Copyright: the %1 authors. Free software under the GNU General Public "
+                              "License, version 3 or later; it comes without any warranty.")
+                               .arg(bundle.bundleName));
+    box.exec();
 }
 
 } // namespace plexa

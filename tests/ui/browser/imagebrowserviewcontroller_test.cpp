@@ -6,6 +6,7 @@
 #include "ui/browser/imagebrowserview.h"
 #include "ui/browser/imagebrowserviewcontroller.h"
 #include "ui/browser/promisedfiles.h"
+#include "ui/widgets/commandactions.h"
 #include "ui/window/mainwindow.h"
 
 #include <QClipboard>
@@ -234,8 +235,8 @@ private Q_SLOTS:
         for (int i = 0; i < 12; ++i)
             app.imageSet().addImage(work.brokenPhoto(QStringLiteral("%1.png").arg(i)), {});
         app.imageSet().selection().selectAll();
-        window.browser().copy();
-        work.alerts.expect(QStringLiteral("Not all copies could be made"));
+        window.actions().run(ActionId::CopyImages);
+        work.alerts.expect(QStringLiteral("Not all copies could be written"));
         QCOMPARE(QGuiApplication::clipboard()->mimeData()->urls(), QList<QUrl>());
         QTRY_COMPARE(work.alerts.complaints(), QStringList());
         const QStringList lines = work.alerts.shown().first().text.split(QLatin1Char('\n'));

@@ -29,7 +29,7 @@ struct Fixture {
             all.back()->setName(QString::fromLatin1(name));
         }
         applied.modeDidChange(1);
-        panel.setWPresets(all);
+        store.wPresetList().append(all);
         panel.resize(300, 600);
         panel.show();
     }
@@ -57,11 +57,19 @@ struct Fixture {
 
     TestFolder folder;
     UserDefaults defaults{QStringLiteral("Quorvel"), QStringLiteral("Plexa")};
+    ScriptedAlerts alerts;
+    FontCatalog fonts;
+    PresetsStore store{alerts, fonts};
     AppliedPresets applied{defaults};
     WPresetList all;
     QWidget owner;
-    CommandActions actions{&owner};
-    PresetsPanel panel{applied, actions};
+    CommandActions actions{&owner, [this] {
+                               CommandState state;
+                               state.nSelectedWPresets =
+                                   static_cast<qsizetype>(panel.selectedWPresets().size());
+                               return state;
+                           }};
+    PresetsPanel panel{applied, store, actions};
 };
 
 } // namespace
@@ -98,7 +106,7 @@ private Q_SLOTS:
         QTest::keyClick(&all, Qt::Key_Return);
         Fixture::mouse(all, 0, false);
         Fixture::mouse(all, 1, false, Qt::ShiftModifier);
-        f.panel.setWPresets(f.all); // once more: what is selected stays so
+        f.store.wPresetList().append({std::make_shared<WPreset>(WPresetValues{})}); // the selection stays
         QTest::keyClick(&all, Qt::Key_Return);
         QCOMPARE(f.appliedNames(), QStringLiteral("Two Four One"));
         QCOMPARE(applied.model()->rowCount(), 3);
@@ -120,11 +128,12 @@ private Q_SLOTS:
     void doubleClickFindsThePreset()
     {
         Fixture f;
-        QSignalSpy managerWanted(&f.panel, &PresetsPanel::presetsManagerWanted);
+        int managerWanted = 0;
+        f.actions.setHandler(ActionId::ToggleWatermarkPresets, [&] { ++managerWanted; });
         f.applied.addWPresetsToApplied({f.all[2], f.all[0]});
         Fixture::mouse(f.table("wPresetsAppliedTable"), 0, true);
         QCOMPARE(f.table("wPresetsAllTable").selectedRows(), IndexList({2}));
-        QCOMPARE(managerWanted.count(), 1);
+        QCOMPARE(managerWanted, 1);
     }
 
     void reordersOnlyItsOwnRows()

@@ -4,6 +4,7 @@
 #include "app/workingset.h"
 #include "ui/browser/imagebrowserview.h"
 #include "ui/browser/imagelistview.h"
+#include "ui/messageboxes.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/window/mainwindow.h"
 #include "ui/window/messageboxalerts.h"
@@ -12,44 +13,24 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QClipboard>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QProgressBar>
 #include <QSignalSpy>
 #include <QSlider>
 #include <QSplitter>
 #include <QThread>
-#include <QTimer>
 
 #include <atomic>
 #include <thread>
 
 using namespace plexa;
 using namespace plexa::test;
-
-class MainWindowTest : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void commandsAreComplete();
-    void commandsFollowTheSelection();
-    void searchFieldFilters();
-    void gridShowsTheSet();
-    void gridIsZoomed();
-    void copiesToTheClipboard();
-    void filesAreDroppedAnywhere();
-    void batchModeIsRefused();
-    void keysBelongToTheirViews();
-    void geometryIsRemembered();
-    void splitViewKeepsRoom();
-    void preferencesAreSettings();
-    void alertsAreMessageBoxes();
-    void workersMayAsk();
-};
 
 namespace
 {
@@ -68,9 +49,9 @@ struct Fixture {
         return *window.findChild<Widget *>(QLatin1String(name));
     }
 
-    void addPhotos(const QStringList &names)
+    void addPhotos(std::initializer_list<const char *> names)
     {
-        for (const QString &name : names)
+        for (const char *name : names)
             set.addImage(files.photo(name), {});
     }
 
@@ -83,359 +64,398 @@ struct Fixture {
     mutable MainWindow window{{controller, files.defaults, files.alerts, 2}};
 };
 
-/// Works on the message box that comes up next.
-void withNextBox(const std::function<void(QMessageBox &)> &work)
-{
-    auto *const timer = new QTimer;
-    QObject::connect(timer, &QTimer::timeout, timer, [timer, work] {
-        if (auto *const box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
-            timer->deleteLater();
-            work(*box);
-        }
-    });
-    timer->start(5);
-}
-
 } // namespace
 
-void MainWindowTest::commandsAreComplete()
+class MainWindowTest : public QObject
 {
-    Fixture f;
-    QSet<QString> names;
-    QHash<QKeySequence, QString> shortcuts;
-    for (const CommandRow &row : commandTable()) {
-        const QAction &action = *f.window.actions().action(row.id);
-        QVERIFY2(!names.contains(action.objectName()), row.name);
-        names.insert(action.objectName());
-        QVERIFY2(*row.icon == '\0' || !action.icon().pixmap(24).isNull(), row.name);
-        QVERIFY2(*row.shortcut == '\0' || !action.shortcut().isEmpty(), row.name);
-        if (!action.shortcut().isEmpty()) {
-            QVERIFY2(!shortcuts.contains(action.shortcut()), row.name);
-            shortcuts.insert(action.shortcut(), action.objectName());
+    Q_OBJECT
+
+private Q_SLOTS:
+    void commandsAreComplete()
+    {
+        Fixture f;
+        QSet<QString> names;
+        QHash<QKeySequence, QString> shortcuts;
+        for (const CommandRow &row : commandTable()) {
+            const QAction &action = *f.window.actions().action(row.id);
+            QVERIFY2(!names.contains(action.objectName()), row.name);
+            names.insert(action.objectName());
+            QVERIFY2(*row.icon == '\0' || !action.icon().pixmap(24).isNull(), row.name);
+            QVERIFY2(*row.shortcut == '\0' || !action.shortcut().isEmpty(), row.name);
+            if (!action.shortcut().isEmpty()) {
+                QVERIFY2(!shortcuts.contains(action.shortcut()), row.name);
+                shortcuts.insert(action.shortcut(), action.objectName());
+            }
         }
-    }
-    // Each letter with Alt chooses one item of a menu.
-    for (const QAction *const menu : f.window.menuBar()->actions()) {
-        QSet<QChar> letters;
-        for (const QAction *const action : menu->menu()->actions()) {
-            if (action->isSeparator())
+        // Each letter with Alt chooses one item of a menu.
+        for (const QAction *const menu : f.window.menuBar()->actions()) {
+            QSet<QChar> letters;
+            for (const QAction *const action : menu->menu()->actions()) {
+                if (action->isSeparator())
+                    continue;
+                const QChar letter =
+                    action->text().at(action->text().indexOf(QLatin1Char('&')) + 1).toLower();
+                QVERIFY2(!letters.contains(letter), qPrintable(action->text()));
+                letters.insert(letter);
+            }
+        }
+        for (const QAbstractButton *const button : f.window.findChildren<QAbstractButton *>()) {
+            if (button->objectName().isEmpty() || button->objectName().startsWith(QLatin1String("qt_")))
                 continue;
-            const QChar letter = action->text().at(action->text().indexOf(QLatin1Char('&')) + 1).toLower();
-            QVERIFY2(!letters.contains(letter), qPrintable(action->text()));
-            letters.insert(letter);
+            QVERIFY2(!button->toolTip().isEmpty(), qPrintable(button->objectName()));
+            QVERIFY2(!button->accessibleName().isEmpty() || !button->text().isEmpty(),
+                     qPrintable(button->objectName()));
         }
     }
-    for (const QAbstractButton *const button : f.window.findChildren<QAbstractButton *>()) {
-        if (button->objectName().isEmpty() || button->objectName().startsWith(QLatin1String("qt_")))
-            continue;
-        QVERIFY2(!button->toolTip().isEmpty(), qPrintable(button->objectName()));
-        QVERIFY2(!button->accessibleName().isEmpty() || !button->text().isEmpty(),
-                 qPrintable(button->objectName()));
+
+    void commandsFollowTheSelection()
+    {
+        Fixture f;
+        f.set.setImageListModeToBrowser(false);
+        auto &turn = f.find<QAbstractButton>("turnRightButton");
+        QVERIFY(!turn.isEnabled());
+        QVERIFY(!f.isEnabled(ActionId::InvertSelection));
+        f.addPhotos({"a.png", "b.png"});
+        QTRY_VERIFY(f.isEnabled(ActionId::InvertSelection));
+        QVERIFY(!f.isEnabled(ActionId::RemoveSelected));
+
+        f.set.selection().selectIndexes({1});
+        QTRY_VERIFY(turn.isEnabled());
+        QVERIFY(f.isEnabled(ActionId::ShowInFileManager));
+        // There is nobody who saves: the command must not pretend.
+        QVERIFY(!f.isEnabled(ActionId::SaveSelected));
+        QVERIFY(!f.find<QAbstractButton>("saveAllButton").isEnabled());
+
+        const std::shared_ptr<ImageObject> image = (*f.set.images())[1];
+        QTest::mouseClick(&turn, Qt::LeftButton);
+        QTRY_COMPARE(image->originalImageSize(), QSize(48, 64));
+        QTRY_VERIFY(!f.controller.commandState().hasCurrentBatchOperation);
+
+        // While copies are saved the menus rest.
+        f.controller.appliedPresets().modeDidChange(0);
+        image->lock();
+        QVERIFY(f.controller.startSaving({image}));
+        f.set.selection().selectIndexes({0});
+        QTRY_VERIFY(!f.isEnabled(ActionId::TurnRight));
+        image->unlock();
+        QTRY_VERIFY(f.isEnabled(ActionId::TurnRight));
     }
-}
 
-void MainWindowTest::commandsFollowTheSelection()
-{
-    Fixture f;
-    f.set.setImageListModeToBrowser(false);
-    auto &turn = f.find<QAbstractButton>("turnRightButton");
-    QVERIFY(!turn.isEnabled());
-    QVERIFY(!f.isEnabled(ActionId::InvertSelection));
-    f.addPhotos({QStringLiteral("a.png"), QStringLiteral("b.png")});
-    QTRY_VERIFY(f.isEnabled(ActionId::InvertSelection));
-    QVERIFY(!f.isEnabled(ActionId::RemoveSelected));
+    void stopsWhatRuns()
+    {
+        Fixture f;
+        f.set.setImageListModeToBrowser(false);
+        auto &stop = f.find<QAbstractButton>("stopAllOperationsButton");
+        auto &progress = f.find<QProgressBar>("progressIndicator");
+        QVERIFY(!stop.isVisible() && !progress.isVisible());
+        f.controller.statusManager().startOperation(StatusOperation::Counting);
+        QTRY_VERIFY(progress.isVisible() && progress.maximum() == 0); // busy
+        f.controller.statusManager().endOperation(StatusOperation::Counting);
+        QTRY_VERIFY(!progress.isVisible());
 
-    f.set.selection().selectIndexes({1});
-    QTRY_VERIFY(turn.isEnabled());
-    QVERIFY(f.isEnabled(ActionId::ShowInFileManager));
-    // There is nobody who saves: the command must not pretend.
-    QVERIFY(!f.isEnabled(ActionId::SaveSelected));
-    QVERIFY(!f.find<QAbstractButton>("saveAllButton").isEnabled());
+        f.addPhotos({"a.png", "b.png", "c.png", "d.png"});
+        const std::shared_ptr<ImageObject> held = f.set.images()->front();
+        held->lock();
+        f.set.selection().selectAll();
+        QTRY_VERIFY(f.isEnabled(ActionId::TurnRight));
+        QTest::keyClick(&f.window, Qt::Key_R, Qt::ControlModifier);
+        QTRY_COMPARE(progress.value() * 4, progress.maximum() * 3);
+        QVERIFY(progress.isVisible() && stop.isVisible());
+        QTest::mouseClick(&stop, Qt::LeftButton);
+        QTRY_VERIFY(!f.controller.commandState().hasCurrentBatchOperation);
+        held->unlock();
+        QTRY_VERIFY(!stop.isVisible() && !progress.isVisible());
+        QCOMPARE(held->originalImageSize(), QSize(64, 48));
+        QCOMPARE(f.set.images()->back()->originalImageSize(), QSize(48, 64));
+    }
 
-    const std::shared_ptr<ImageObject> image = (*f.set.images())[1];
-    QTest::mouseClick(&turn, Qt::LeftButton);
-    QTRY_COMPARE(image->originalImageSize(), QSize(48, 64));
-    QTRY_VERIFY(!f.controller.commandState().hasCurrentBatchOperation);
-
-    // While copies are saved the menus rest.
-    f.controller.appliedPresets().modeDidChange(0);
-    image->lock();
-    QVERIFY(f.controller.startSaving({image}));
-    f.set.selection().selectIndexes({0});
-    QTRY_VERIFY(!f.isEnabled(ActionId::TurnRight));
-    image->unlock();
-    QTRY_VERIFY(f.isEnabled(ActionId::TurnRight));
-}
-
-void MainWindowTest::searchFieldFilters()
-{
-    Fixture f;
-    f.set.setImageListModeToBrowser(false);
-    f.addPhotos({QStringLiteral("a.png"), QStringLiteral("B.png"), QStringLiteral("ab.png")});
-    auto &search = f.find<QLineEdit>("searchField");
-    QVERIFY(f.active);
-    f.find<ImageListView>("imageListTable").setFocus();
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Slash);
-    QCOMPARE(QApplication::focusWidget(), &search);
-    QTest::keyClicks(&search, QStringLiteral("b"));
-    QCOMPARE(shownNames(f.set), QStringLiteral("B ab"));
-    QTest::keyClick(&search, Qt::Key_Escape);
-    QCOMPARE(shownNames(f.set), QStringLiteral("a B ab"));
-    f.controller.appliedPresets().modeDidChange(1);
-    f.find<QWidget>("wPresetsAllTable").setFocus();
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Slash);
-    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("b"));
-    QTest::keyClick(&search, Qt::Key_Return);
-    QCOMPARE(QApplication::focusWidget(), &f.find<QWidget>("imageListTable"));
-    QTest::keyClick(&f.window, Qt::Key_F, Qt::ControlModifier);
-    QCOMPARE(search.selectedText(), QStringLiteral("b"));
-    // A save takes the keyboard away, and gives it back.
-    f.window.setContentEnabled(false);
-    QVERIFY(!search.isEnabled() && !search.hasFocus());
-    f.window.setContentEnabled(true);
-    QCOMPARE(QApplication::focusWidget(), &search);
-    // New photos are to be seen.
-    f.controller.gathering().scanImagesAtPaths({f.files.photo(QStringLiteral("new.png"))});
-    QCOMPARE(search.text(), QString());
-    QTRY_COMPARE(shownNames(f.set), QStringLiteral("a B ab new"));
-}
-
-void MainWindowTest::gridShowsTheSet()
-{
-    Fixture f;
-    QVERIFY(f.active);
-    auto &grid = f.find<ImageBrowserView>("imageBrowser");
-    f.controller.gathering().scanImagesAtPaths(
-        {f.files.photo(QStringLiteral("a.png")), f.files.photo(QStringLiteral("b.png")),
-         f.files.photo(QStringLiteral("c.png")), f.files.photo(QStringLiteral("d.png"))});
-    QTRY_VERIFY(isIdle(f.controller.gathering()) && f.set.images()->size() == 4);
-    QCOMPARE(grid.numberImages(), 4);
-    const auto click = [&grid](int index, Qt::KeyboardModifiers modifiers) {
-        const QPoint at = grid.viewportRect(*grid.cellForIndex(index)).center().toPoint();
-        QTest::mouseClick(grid.viewport(), Qt::LeftButton, modifiers, at);
-    };
-    click(1, {});
-    click(3, Qt::ControlModifier);
-    QCOMPARE(f.set.selection().selectedIndexes(), IndexList({1, 3}));
-    QCOMPARE(f.set.selection().shownImageIndex(), 3);
-    QTest::keyClick(&grid, Qt::Key_I, Qt::ControlModifier);
-    QCOMPARE(grid.selectionIndexes(), IndexList({0, 2}));
-
-    f.set.moveIndexes({0, 2}, 4);
-    QCOMPARE(grid.filename(0) + grid.filename(1) + grid.filename(2) + grid.filename(3),
-             QStringLiteral("bdac"));
-    QCOMPARE(grid.selectionIndexes(), IndexList({2, 3}));
-    f.window.actions().run(ActionId::SwitchBatchMode); // and back: the selection stays
-    f.window.actions().run(ActionId::SwitchBatchMode);
-    QCOMPARE(grid.selectionIndexes(), IndexList({2, 3}));
-    QTest::keyClick(&grid, Qt::Key_Delete);
-    QCOMPARE(shownNames(f.set), QStringLiteral("b d"));
-    QCOMPARE(grid.numberImages(), 2);
-    QCOMPARE(grid.selectionIndexes(), IndexList({1}));
-    f.set.filterImages(QStringLiteral("b"));
-    QCOMPARE(grid.selectionIndexes(), IndexList());
-    QCOMPARE(grid.numberImages(), 1);
-}
-
-void MainWindowTest::gridIsZoomed()
-{
-    Fixture f;
-    f.files.defaults.setObject(settings::imageBrowserZoomFactor, 0.95);
-    f.set.setImageListModeToBrowser(true);
-    auto &grid = f.find<ImageBrowserView>("imageBrowser");
-    QCOMPARE(grid.zoomFactor(), 0.95F); // not rounded to a step of the slider
-    QTRY_VERIFY(f.find<QAbstractButton>("browserZoomInButton").isEnabled());
-    QTest::mouseClick(&f.find<QAbstractButton>("browserZoomInButton"), Qt::LeftButton);
-    QCOMPARE(f.files.defaults.floatForKey(settings::imageBrowserZoomFactor), 1.0F);
-    QTRY_VERIFY(!f.isEnabled(ActionId::BrowserZoomIn));
-    auto &slider = f.find<QSlider>("browserZoomSlider");
-    QTest::keyClick(&slider, Qt::Key_Home);
-    QCOMPARE(grid.zoomFactor(), 0.0F);
-    QTRY_VERIFY(!f.isEnabled(ActionId::BrowserZoomOut));
-
-    const bool showed = grid.showFilenames();
-    f.window.actions().run(ActionId::ToggleFilenames);
-    QCOMPARE(grid.showFilenames(), !showed);
-    QCOMPARE(f.files.defaults.boolForKey(settings::imageBrowserShowsNames), !showed);
-    f.window.actions().run(ActionId::ToggleFilenames);
-    QCOMPARE(f.window.actions().action(ActionId::ToggleFilenames)->text().remove(QLatin1Char('&')),
-             showed ? QStringLiteral("Hide Filenames in Browser")
-                    : QStringLiteral("Show Filenames in Browser"));
-}
-
-void MainWindowTest::copiesToTheClipboard()
-{
-    Fixture f;
-    QVERIFY(f.active);
-    f.controller.appliedPresets().modeDidChange(1);
-    WPresetValues values;
-    values.textTokens = QStringList{QStringLiteral("mark")};
-    const WPresetList presets = {std::make_shared<WPreset>(values), std::make_shared<WPreset>(values)};
-    f.controller.appliedPresets().addWPresetsToApplied(presets);
-    f.addPhotos({QStringLiteral("a.png"), QStringLiteral("b.png")});
-    f.set.selection().selectAll();
-    QTRY_VERIFY(f.isEnabled(ActionId::CopyImages));
-    QTest::keyClick(&f.find<ImageBrowserView>("imageBrowser"), Qt::Key_C, Qt::ControlModifier);
-    const QMimeData *data = QGuiApplication::clipboard()->mimeData();
-    QVERIFY(data);
-    QCOMPARE(data->urls().size(), 4); // two photos with two presets each
-    QCOMPARE(QImage(data->urls().last().toLocalFile()).size(), QSize(64, 48));
-}
-
-void MainWindowTest::filesAreDroppedAnywhere()
-{
-    Fixture f;
-    QMimeData data;
-    data.setUrls(
-        {QUrl::fromLocalFile(f.files.photo(QStringLiteral("folder/a.png"))).adjusted(QUrl::RemoveFilename)});
-    std::size_t dropped = 0;
-    for (const char *place : {"mainWindow", "imageBrowser"}) {
-        QWidget *target = &f.window;
-        if (qstrcmp(place, "imageBrowser") == 0)
-            target = f.find<ImageBrowserView>(place).viewport();
-        QDragEnterEvent enter(QPoint(20, 20), Qt::CopyAction, &data, Qt::LeftButton, {});
-        QCoreApplication::sendEvent(target, &enter);
-        QVERIFY2(enter.isAccepted(), place);
-        QDropEvent drop(QPoint(20, 20), Qt::CopyAction, &data, Qt::LeftButton, {});
-        QCoreApplication::sendEvent(target, &drop);
-        ++dropped;
-        QTRY_COMPARE(f.set.images()->size(), dropped);
+    void addsWithTheDialogs()
+    {
+        Fixture f;
+        const QString photo = f.files.photo("a.png");
+        const QString folder = QFileInfo(f.files.photo("folder/b.png")).path();
+        for (const auto &[button, path] :
+             {std::pair{"addImagesButton", photo}, {"addFolderButton", folder}}) {
+            QTest::mouseClick(&f.find<QAbstractButton>(button), Qt::LeftButton);
+            auto *const dialog = f.window.findChild<QFileDialog *>();
+            QVERIFY(dialog && dialog->isVisible());
+            auto *const name = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+            name->setText(path);
+            QTest::keyClick(name, Qt::Key_Return);
+            QTRY_VERIFY(!f.window.findChild<QFileDialog *>());
+        }
+        QTRY_COMPARE(shownNames(f.set), QStringLiteral("a b"));
         QTRY_VERIFY(isIdle(f.controller.gathering()));
     }
-}
 
-void MainWindowTest::batchModeIsRefused()
-{
-    Fixture f;
-    auto &mode = f.find<QAbstractButton>("imageListModeButton");
-    QAction &menuItem = *f.window.actions().action(ActionId::SwitchBatchMode);
-    QTest::mouseClick(&mode, Qt::LeftButton);
-    QVERIFY(!f.set.imageListIsInBrowserMode());
-    QVERIFY(f.find<ImageListView>("imageListTable").isVisible());
-    QCOMPARE(menuItem.text().remove(QLatin1Char('&')), QStringLiteral("Switch to Small Batch Mode"));
-    for (int i = 0; i < 501; ++i)
-        f.set.addImage(QStringLiteral("/p%1.jpg").arg(i), f.files.folder.path());
-    f.files.alerts.expect(QStringLiteral("Too many images for the Small Batch mode!"));
-    QTest::mouseClick(&mode, Qt::LeftButton);
-    QVERIFY(mode.isChecked());
-    QVERIFY(mode.toolTip().startsWith(
-        QLatin1String("Switch to the Small Batch mode. Recommended if you work with fewer images. (")));
-    QCOMPARE(f.files.alerts.complaints(), QStringList());
-}
-
-void MainWindowTest::keysBelongToTheirViews()
-{
-    Fixture f;
-    f.set.setImageListModeToBrowser(false);
-    f.controller.appliedPresets().modeDidChange(1);
-    f.controller.appliedPresets().addWPresetsToApplied({std::make_shared<WPreset>(WPresetValues{})});
-    f.addPhotos({QStringLiteral("a.png")});
-    f.set.selection().selectAll();
-    QVERIFY(f.active);
-    auto &applied = f.find<QWidget>("wPresetsAppliedTable");
-    applied.setFocus();
-    f.controller.appliedPresets().selectRows({0});
-    QTRY_VERIFY(f.isEnabled(ActionId::RemoveSelected));
-    f.set.selection().selectNone();
-    QTest::keyClick(&applied, Qt::Key_A, Qt::ControlModifier);
-    QCOMPARE(f.set.selection().selectedIndexes(), IndexList());
-    f.set.selection().selectAll();
-    QTest::keyClick(&applied, Qt::Key_Delete);
-    QVERIFY(f.controller.appliedPresets().wPresetsApplied().empty());
-    QCOMPARE(f.set.images()->size(), std::size_t(1)); // the key was not meant for the photos
-    QTest::keyClick(&f.find<ImageListView>("imageListTable"), Qt::Key_Delete);
-    QVERIFY(f.set.images()->empty());
-}
-
-void MainWindowTest::geometryIsRemembered()
-{
-    Fixture f;
-    f.window.resize(900, 620);
-    f.find<QSplitter>("imageViewBrowserSplitView").setSizes({200, 400});
-    QCoreApplication::processEvents();
-    const QList<int> sizes = f.find<QSplitter>("imageViewBrowserSplitView").sizes();
-    QSignalSpy closed(&f.window, &MainWindow::closed);
-    QTest::keyClick(&f.window, Qt::Key_W, Qt::ControlModifier);
-    QCOMPARE(closed.count(), 1);
-    QVERIFY(!f.window.isVisible());
-
-    MainWindow again({f.controller, f.files.defaults, f.files.alerts, 2});
-    again.show();
-    QCOMPARE(again.size(), QSize(900, 620));
-    QCOMPARE(again.findChild<QSplitter *>(QStringLiteral("imageViewBrowserSplitView"))->sizes(), sizes);
-}
-
-void MainWindowTest::splitViewKeepsRoom()
-{
-    Fixture f;
-    auto &split = f.find<QSplitter>("imageViewBrowserSplitView");
-    split.setSizes({0, 10'000});
-    QVERIFY(split.sizes().at(0) >= 100);
-    split.setSizes({10'000, 0});
-    QVERIFY(split.sizes().at(1) >= 150);
-    QVERIFY(f.window.minimumSizeHint().width() <= 1000); // fits small screens
-    QVERIFY(f.window.minimumSizeHint().height() <= 700);
-}
-
-void MainWindowTest::preferencesAreSettings()
-{
-    Fixture f;
-    QSignalSpy previewOutdated(&f.controller, &AppController::previewOutdated);
-    QTest::keyClick(&f.window, Qt::Key_Comma, Qt::ControlModifier);
-    const QList<QCheckBox *> boxes = f.find<QWidget>("preferences").findChildren<QCheckBox *>();
-    QVERIFY(!boxes.isEmpty());
-    for (QCheckBox *const box : boxes) {
-        const QString key = box->objectName();
-        QCOMPARE(box->isChecked(), f.files.defaults.boolForKey(key));
-        QTest::keyClick(box, Qt::Key_Space);
-        QCOMPARE(box->isChecked(), f.files.defaults.boolForKey(key));
+    void searchFieldFilters()
+    {
+        Fixture f;
+        f.set.setImageListModeToBrowser(false);
+        f.addPhotos({"a.png", "B.png", "ab.png"});
+        auto &search = f.find<QLineEdit>("searchField");
+        QVERIFY(f.active);
+        f.find<ImageListView>("imageListTable").setFocus();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Slash);
+        QCOMPARE(QApplication::focusWidget(), &search);
+        QTest::keyClicks(&search, QStringLiteral("b"));
+        QCOMPARE(shownNames(f.set), QStringLiteral("B ab"));
+        QTest::keyClick(&search, Qt::Key_Escape);
+        QCOMPARE(shownNames(f.set), QStringLiteral("a B ab"));
+        f.controller.appliedPresets().modeDidChange(1);
+        f.find<QWidget>("wPresetsAllTable").setFocus();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Slash);
+        QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("b"));
+        QTest::keyClick(&search, Qt::Key_Return);
+        QCOMPARE(QApplication::focusWidget(), &f.find<QWidget>("imageListTable"));
+        QTest::keyClick(&f.window, Qt::Key_F, Qt::ControlModifier);
+        QCOMPARE(search.selectedText(), QStringLiteral("b"));
+        // A save takes the keyboard away, and gives it back.
+        f.window.setContentEnabled(false);
+        QVERIFY(!search.isEnabled() && !search.hasFocus());
+        f.window.setContentEnabled(true);
+        QCOMPARE(QApplication::focusWidget(), &search);
+        // New photos are to be seen.
+        f.controller.gathering().scanImagesAtPaths({f.files.photo("new.png")});
+        QCOMPARE(search.text(), QString());
+        QTRY_COMPARE(shownNames(f.set), QStringLiteral("a B ab new"));
     }
-    QVERIFY(f.files.defaults.boolForKey(settings::combineAllAppliedPresetsInImage));
-    QCOMPARE(previewOutdated.count(), 1);
-}
 
-void MainWindowTest::alertsAreMessageBoxes()
-{
-    MessageBoxAlerts alerts;
-    Alert alert;
-    alert.title = QStringLiteral("Title");
-    alert.text = QStringLiteral("<b>name</b>.jpg");
-    alert.buttons = {QStringLiteral("First"), QStringLiteral("Second"), QStringLiteral("Third")};
-    alert.escapeButton = 2;
-    alert.hasSuppressionBox = true;
-    withNextBox([](QMessageBox &box) {
-        for (const QLabel *const label : box.findChildren<QLabel *>())
-            QVERIFY(label->textFormat() == Qt::PlainText); // a file's name is no markup
-        box.checkBox()->click();
-        QTest::keyClick(&box, Qt::Key_Escape);
-    });
-    QCOMPARE(alerts.run(alert), (AlertAnswer{2, true}));
-    alert.text =
-        QStringList(10, QLatin1Char('/') + QStringList(80, QStringLiteral("long folder/")).join(QString()))
-            .join(QLatin1Char('\n'));
-    withNextBox([](QMessageBox &box) {
-        QVERIFY(box.width() < 800 && box.height() < 600);
-        QTest::keyClick(&box, Qt::Key_Return);
-    });
-    QCOMPARE(alerts.run(alert), (AlertAnswer{0, false}));
-    withNextBox([](QMessageBox &box) { box.buttons().at(1)->click(); });
-    QCOMPARE(alerts.run(alert).button, 1);
-    withNextBox([](QMessageBox &box) { QTest::keyClick(&box, Qt::Key_Escape); });
-    QCOMPARE(alerts.run(Alert{}), AlertAnswer{}); // a lone "OK"
-}
+    void gridShowsTheSet()
+    {
+        Fixture f;
+        QVERIFY(f.active);
+        auto &grid = f.find<ImageBrowserView>("imageBrowser");
+        f.controller.gathering().scanImagesAtPaths(
+            {f.files.photo("a.png"), f.files.photo("b.png"), f.files.photo("c.png"), f.files.photo("d.png")});
+        QTRY_VERIFY(isIdle(f.controller.gathering()) && f.set.images()->size() == 4);
+        QCOMPARE(grid.numberImages(), 4);
+        const auto click = [&grid](int index, Qt::KeyboardModifiers modifiers) {
+            const QPoint at = grid.viewportRect(*grid.cellForIndex(index)).center().toPoint();
+            QTest::mouseClick(grid.viewport(), Qt::LeftButton, modifiers, at);
+        };
+        click(1, {});
+        click(3, Qt::ControlModifier);
+        QCOMPARE(f.set.selection().selectedIndexes(), IndexList({1, 3}));
+        QCOMPARE(f.set.selection().shownImageIndex(), 3);
+        QTest::keyClick(&grid, Qt::Key_I, Qt::ControlModifier);
+        QCOMPARE(grid.selectionIndexes(), IndexList({0, 2}));
 
-void MainWindowTest::workersMayAsk()
-{
-    MessageBoxAlerts alerts;
-    std::atomic_int button = -1;
-    withNextBox([](QMessageBox &box) { box.buttons().at(1)->click(); });
-    const std::jthread worker([&] {
+        f.set.moveIndexes({0, 2}, 4);
+        QCOMPARE(grid.filename(0) + grid.filename(1) + grid.filename(2) + grid.filename(3),
+                 QStringLiteral("bdac"));
+        QCOMPARE(grid.selectionIndexes(), IndexList({2, 3}));
+        f.window.actions().run(ActionId::SwitchBatchMode); // and back: the selection stays
+        f.window.actions().run(ActionId::SwitchBatchMode);
+        QCOMPARE(grid.selectionIndexes(), IndexList({2, 3}));
+        QTest::keyClick(&grid, Qt::Key_Delete);
+        QCOMPARE(shownNames(f.set), QStringLiteral("b d"));
+        QCOMPARE(grid.numberImages(), 2);
+        QCOMPARE(grid.selectionIndexes(), IndexList({1}));
+        f.set.filterImages(QStringLiteral("b"));
+        QCOMPARE(grid.selectionIndexes(), IndexList());
+        QCOMPARE(grid.numberImages(), 1);
+    }
+
+    void gridIsZoomed()
+    {
+        Fixture f;
+        f.files.defaults.setObject(settings::imageBrowserZoomFactor, 0.95);
+        f.set.setImageListModeToBrowser(true);
+        auto &grid = f.find<ImageBrowserView>("imageBrowser");
+        QCOMPARE(grid.zoomFactor(), 0.95F); // not rounded to a step of the slider
+        QTRY_VERIFY(f.find<QAbstractButton>("browserZoomInButton").isEnabled());
+        QTest::mouseClick(&f.find<QAbstractButton>("browserZoomInButton"), Qt::LeftButton);
+        QCOMPARE(f.files.defaults.floatForKey(settings::imageBrowserZoomFactor), 1.0F);
+        QTRY_VERIFY(!f.isEnabled(ActionId::BrowserZoomIn));
+        auto &slider = f.find<QSlider>("browserZoomSlider");
+        QTest::keyClick(&slider, Qt::Key_Home);
+        QCOMPARE(grid.zoomFactor(), 0.0F);
+        QTRY_VERIFY(!f.isEnabled(ActionId::BrowserZoomOut));
+
+        const bool showed = grid.showFilenames();
+        f.window.actions().run(ActionId::ToggleFilenames);
+        QCOMPARE(grid.showFilenames(), !showed);
+        QCOMPARE(f.files.defaults.boolForKey(settings::imageBrowserShowsNames), !showed);
+        f.window.actions().run(ActionId::ToggleFilenames);
+        QCOMPARE(f.window.actions().action(ActionId::ToggleFilenames)->text().remove(QLatin1Char('&')),
+                 showed ? QStringLiteral("Hide Filenames in Browser")
+                        : QStringLiteral("Show Filenames in Browser"));
+    }
+
+    void copiesToTheClipboard()
+    {
+        Fixture f;
+        QVERIFY(f.active);
+        f.controller.appliedPresets().modeDidChange(1);
+        WPresetValues values;
+        values.textTokens = QStringList{QStringLiteral("mark")};
+        const WPresetList presets = {std::make_shared<WPreset>(values), std::make_shared<WPreset>(values)};
+        f.controller.appliedPresets().addWPresetsToApplied(presets);
+        f.addPhotos({"a.png", "b.png"});
+        f.set.selection().selectAll();
+        QTRY_VERIFY(f.isEnabled(ActionId::CopyImages));
+        QTest::keyClick(&f.find<ImageBrowserView>("imageBrowser"), Qt::Key_C, Qt::ControlModifier);
+        const QMimeData *data = QGuiApplication::clipboard()->mimeData();
+        QVERIFY(data);
+        QCOMPARE(data->urls().size(), 4); // two photos with two presets each
+        QCOMPARE(QImage(data->urls().last().toLocalFile()).size(), QSize(64, 48));
+    }
+
+    void filesAreDroppedAnywhere()
+    {
+        Fixture f;
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(f.files.photo("folder/a.png")).adjusted(QUrl::RemoveFilename)});
+        std::size_t dropped = 0;
+        for (const char *place : {"mainWindow", "imageBrowser"}) {
+            QWidget *target = &f.window;
+            if (qstrcmp(place, "imageBrowser") == 0)
+                target = f.find<ImageBrowserView>(place).viewport();
+            QDragEnterEvent enter(QPoint(20, 20), Qt::CopyAction, &data, Qt::LeftButton, {});
+            QCoreApplication::sendEvent(target, &enter);
+            QVERIFY2(enter.isAccepted(), place);
+            QDropEvent drop(QPoint(20, 20), Qt::CopyAction, &data, Qt::LeftButton, {});
+            QCoreApplication::sendEvent(target, &drop);
+            ++dropped;
+            QTRY_COMPARE(f.set.images()->size(), dropped);
+            QTRY_VERIFY(isIdle(f.controller.gathering()));
+        }
+    }
+
+    void batchModeIsRefused()
+    {
+        Fixture f;
+        auto &mode = f.find<QAbstractButton>("imageListModeButton");
+        QAction &menuItem = *f.window.actions().action(ActionId::SwitchBatchMode);
+        QTest::mouseClick(&mode, Qt::LeftButton);
+        QVERIFY(!f.set.imageListIsInBrowserMode());
+        QVERIFY(f.find<ImageListView>("imageListTable").isVisible());
+        QCOMPARE(menuItem.text().remove(QLatin1Char('&')), QStringLiteral("Switch to Small Batch Mode"));
+        for (int i = 0; i < 501; ++i)
+            f.set.addImage(QStringLiteral("/p%1.jpg").arg(i), f.files.folder.path());
+        f.files.alerts.expect(QStringLiteral("Too many images for the Small Batch mode!"));
+        QTest::mouseClick(&mode, Qt::LeftButton);
+        QVERIFY(mode.isChecked());
+        QVERIFY(mode.toolTip().startsWith(
+            QLatin1String("Switch to the Small Batch mode. Recommended if you work with fewer images. (")));
+        QCOMPARE(f.files.alerts.complaints(), QStringList());
+    }
+
+    void keysBelongToTheirViews()
+    {
+        Fixture f;
+        f.set.setImageListModeToBrowser(false);
+        f.controller.appliedPresets().modeDidChange(1);
+        f.controller.appliedPresets().addWPresetsToApplied({std::make_shared<WPreset>(WPresetValues{})});
+        f.addPhotos({"a.png"});
+        f.set.selection().selectAll();
+        QVERIFY(f.active);
+        auto &applied = f.find<QWidget>("wPresetsAppliedTable");
+        applied.setFocus();
+        f.controller.appliedPresets().selectRows({0});
+        QTRY_VERIFY(f.isEnabled(ActionId::RemoveSelected));
+        f.set.selection().selectNone();
+        QTest::keyClick(&applied, Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(f.set.selection().selectedIndexes(), IndexList());
+        f.set.selection().selectAll();
+        QTest::keyClick(&applied, Qt::Key_Delete);
+        QVERIFY(f.controller.appliedPresets().wPresetsApplied().empty());
+        QCOMPARE(f.set.images()->size(), std::size_t(1)); // the key was not meant for the photos
+        QTest::keyClick(&f.find<ImageListView>("imageListTable"), Qt::Key_Delete);
+        QVERIFY(f.set.images()->empty());
+    }
+
+    void geometryIsRemembered()
+    {
+        Fixture f;
+        f.window.resize(900, 620);
+        f.find<QSplitter>("imageViewBrowserSplitView").setSizes({200, 400});
+        QCoreApplication::processEvents();
+        const QList<int> sizes = f.find<QSplitter>("imageViewBrowserSplitView").sizes();
+        QSignalSpy closed(&f.window, &MainWindow::closed);
+        QTest::keyClick(&f.window, Qt::Key_W, Qt::ControlModifier);
+        QCOMPARE(closed.count(), 1);
+        QVERIFY(!f.window.isVisible());
+
+        MainWindow again({f.controller, f.files.defaults, f.files.alerts, 2});
+        again.show();
+        QCOMPARE(again.size(), QSize(900, 620));
+        QCOMPARE(again.findChild<QSplitter *>(QStringLiteral("imageViewBrowserSplitView"))->sizes(), sizes);
+    }
+
+    void splitViewKeepsRoom()
+    {
+        Fixture f;
+        auto &split = f.find<QSplitter>("imageViewBrowserSplitView");
+        split.setSizes({0, 10'000});
+        QVERIFY(split.sizes().at(0) >= 100);
+        split.setSizes({10'000, 0});
+        QVERIFY(split.sizes().at(1) >= 150);
+        QVERIFY(f.window.minimumSizeHint().width() <= 1000); // fits small screens
+        QVERIFY(f.window.minimumSizeHint().height() <= 700);
+    }
+
+    void preferencesAreSettings()
+    {
+        Fixture f;
+        QSignalSpy previewOutdated(&f.controller, &AppController::previewOutdated);
+        QTest::keyClick(&f.window, Qt::Key_Comma, Qt::ControlModifier);
+        const QList<QCheckBox *> boxes = f.find<QWidget>("preferences").findChildren<QCheckBox *>();
+        QVERIFY(!boxes.isEmpty());
+        for (QCheckBox *const box : boxes) {
+            const QString key = box->objectName();
+            QCOMPARE(box->isChecked(), f.files.defaults.boolForKey(key));
+            QTest::keyClick(box, Qt::Key_Space);
+            QCOMPARE(box->isChecked(), f.files.defaults.boolForKey(key));
+        }
+        QVERIFY(f.files.defaults.boolForKey(settings::combineAllAppliedPresetsInImage));
+        QCOMPARE(previewOutdated.count(), 1);
+    }
+
+    void alertsAreMessageBoxes()
+    {
+        MessageBoxAlerts alerts;
         Alert alert;
-        alert.buttons = {QStringLiteral("No"), QStringLiteral("Yes")};
-        button = alerts.run(alert).button;
-    });
-    QTRY_COMPARE(button.load(), 1);
-}
+        alert.title = QStringLiteral("Title");
+        alert.text = QStringLiteral("<b>name</b>.jpg");
+        alert.buttons = {QStringLiteral("First"), QStringLiteral("Second"), QStringLiteral("Third")};
+        alert.escapeButton = 2;
+        alert.hasSuppressionBox = true;
+        withNextBox([](QMessageBox &box) {
+            for (const QLabel *const label : box.findChildren<QLabel *>())
+                QVERIFY(label->textFormat() == Qt::PlainText); // a file's name is no markup
+            box.checkBox()->click();
+            QTest::keyClick(&box, Qt::Key_Escape);
+        });
+        QCOMPARE(alerts.run(alert), (AlertAnswer{2, true}));
+        alert.text = QStringList(10, QLatin1Char('/') +
+                                         QStringList(80, QStringLiteral("long folder/")).join(QString()))
+                         .join(QLatin1Char('\n'));
+        withNextBox([](QMessageBox &box) {
+            QVERIFY(box.width() < 800 && box.height() < 600);
+            QTest::keyClick(&box, Qt::Key_Return);
+        });
+        QCOMPARE(alerts.run(alert), (AlertAnswer{0, false}));
+        withNextBox([](QMessageBox &box) { box.buttons().at(1)->click(); });
+        QCOMPARE(alerts.run(alert).button, 1);
+        withNextBox([](QMessageBox &box) { QTest::keyClick(&box, Qt::Key_Escape); });
+        QCOMPARE(alerts.run(Alert{}), AlertAnswer{}); // a lone "OK"
+    }
+
+    void workersMayAsk()
+    {
+        MessageBoxAlerts alerts;
+        std::atomic_int button = -1;
+        withNextBox([](QMessageBox &box) { box.buttons().at(1)->click(); });
+        const std::jthread worker([&] {
+            Alert alert;
+            alert.buttons = {QStringLiteral("No"), QStringLiteral("Yes")};
+            button = alerts.run(alert).button;
+        });
+        QTRY_COMPARE(button.load(), 1);
+    }
+};
 
 QTEST_MAIN(MainWindowTest)
 #include "mainwindow_test.moc"
