@@ -2,11 +2,14 @@
 
 #include "presets/presetlist.h"
 #include "presets/savingpreset.h"
+#include "support/datarows.h"
+#include "support/words.h"
 #include "watermark/wpreset.h"
 
 #include <QtTest>
 
 using namespace plexa;
+using namespace plexa::test;
 
 namespace
 {
@@ -47,31 +50,44 @@ private:
     QObject m_context;
 };
 
-QString namesOf(const auto &list)
+QStringList namesOf(const auto &list)
 {
-    QString names;
+    QStringList names;
     for (const auto &preset : list.presets())
-        names += preset->name() + u' ';
-    return names.trimmed();
+        names.append(preset->name());
+    return names;
 }
 
-template<class Preset>
-using Change = std::function<int(PresetList<Preset> &list)>;
+enum Operation { InsertNew, Duplicate, Move, Remove };
 
-/// Makes a change to the list "a b c d e".
+struct ChangeRow {
+    Text name;
+    Operation operation;
+    QList<int> rows;
+    int to;
+    Text names;
+    int row; ///< the one that the operation returns
+};
+
+/// Changes the list "a b c d e".
 template<class Preset, class Maker>
-void checkChange(const Change<Preset> &change, const Maker &maker)
+void checkChange(const Maker &maker)
 {
-    QFETCH(QString, names);
-    QFETCH(int, row);
+    const auto [name, operation, rows, to, names, row] = currentRow<ChangeRow>();
     PresetList<Preset> list(maker);
     const Mirror<Preset> mirror(list);
-    for (const char *name : {"a", "b", "c", "d", "e"}) {
+    for (const QString &letter : words("a b c d e")) {
         list.append({maker()});
-        list.presets().back()->setName(QString::fromLatin1(name));
+        list.presets().back()->setName(letter);
     }
-    QCOMPARE(change(list), row);
-    QCOMPARE(namesOf(list), names);
+    if (operation == Move)
+        list.move(rows, to);
+    else
+        QCOMPARE(operation == InsertNew   ? list.insertNew(rows)
+                 : operation == Duplicate ? list.duplicate(rows)
+                                          : list.remove(rows),
+                 row);
+    QCOMPARE(namesOf(list), words(names.toUtf8().constData()));
     QVERIFY(mirror.isTrue());
     // Every preset in it reports its edits, and none that has left it.
     const QSignalSpy edits(&list, &PresetListSignals::edited);
@@ -94,67 +110,31 @@ class PresetListTest : public QObject
 {
     Q_OBJECT
 
-    enum Operation { InsertNew, Duplicate, Move, Remove };
-
 private Q_SLOTS:
     void changes_data()
     {
-        QTest::addColumn<int>("operation");
-        QTest::addColumn<QList<int>>("rows");
-        QTest::addColumn<int>("to");
-        QTest::addColumn<QString>("names");
-        QTest::addColumn<int>("row"); // the one that the operation returns
-        const auto add = [](Operation operation, const QList<int> &rows, int to, const char *names, int row) {
-            QString title = QString::number(operation);
-            for (const int each : rows)
-                title += QStringLiteral(" %1").arg(each);
-            QTest::addRow("%s to %d", qPrintable(title), to)
-                << static_cast<int>(operation) << rows << to << QString::fromLatin1(names) << row;
-        };
-        add(InsertNew, {}, 0, "a b c d e New Preset", 5);
-        add(InsertNew, {3, 1}, 0, "a b c d New Preset e", 4);
-        add(InsertNew, {1, 9, -1}, 0, "a b New Preset c d e", 2);
-        add(Duplicate, {}, 0, "a b c d e", 5);
-        add(Duplicate, {2, 0}, 0, "a b c a - copy c - copy d e", 3);
-        add(Move, {1, 2}, 4, "a d b c e", 0);
-        add(Move, {4, 3}, 1, "a d e b c", 0);
-        add(Move, {0, 1, 4}, 3, "c a b e d", 0);
-        add(Move, {0}, 99, "b c d e a", 0);
-        add(Move, {1, 2}, 2, "a b c d e", 0);
-        add(Remove, {4, 1, 2}, 0, "a d", 1);
-        add(Remove, {1}, 0, "a c d e", 1);
-        add(Remove, {0, 1, 2, 3, 4}, 0, "", -1);
-        add(Remove, {5}, 0, "a b c d e", -1);
+        addRows<ChangeRow>({
+            {"insert", InsertNew, {}, 0, "a b c d e 'New Preset'", 5},
+            {"insert after the last one", InsertNew, {3, 1}, 0, "a b c d 'New Preset' e", 4},
+            {"insert, wrong rows", InsertNew, {1, 9, -1}, 0, "a b 'New Preset' c d e", 2},
+            {"duplicate none", Duplicate, {}, 0, "a b c d e", 5},
+            {"duplicate", Duplicate, {2, 0}, 0, "a b c 'a - copy' 'c - copy' d e", 3},
+            {"move down", Move, {1, 2}, 4, "a d b c e", 0},
+            {"move up", Move, {4, 3}, 1, "a d e b c", 0},
+            {"move together", Move, {0, 1, 4}, 3, "c a b e d", 0},
+            {"move behind all", Move, {0}, 99, "b c d e a", 0},
+            {"move to itself", Move, {1, 2}, 2, "a b c d e", 0},
+            {"remove", Remove, {4, 1, 2}, 0, "a d", 1},
+            {"remove one", Remove, {1}, 0, "a c d e", 1},
+            {"remove all", Remove, {0, 1, 2, 3, 4}, 0, "", -1},
+            {"remove, wrong row", Remove, {5}, 0, "a b c d e", -1},
+        });
     }
 
     void changes()
     {
-        QFETCH(int, operation);
-        QFETCH(QList<int>, rows);
-        QFETCH(int, to);
-        const auto change = [&](auto &list) {
-            if (operation == InsertNew)
-                return list.insertNew(rows);
-            if (operation == Duplicate)
-                return list.duplicate(rows);
-            if (operation == Remove)
-                return list.remove(rows);
-            list.move(rows, to);
-            return 0;
-        };
-        checkChange<WPreset>(change, [] { return std::make_shared<WPreset>(WPresetValues()); });
-        checkChange<SavingPreset>(change, [] { return std::make_shared<SavingPreset>(); });
-    }
-
-    /// A saving preset that was duplicated is another one.
-    void copiesHaveTheirOwnIDs()
-    {
-        PresetList<SavingPreset> list([] { return std::make_shared<SavingPreset>(); });
-        list.insertNew({});
-        list.duplicate({0});
-        list.duplicate({1});
-        QCOMPARE(namesOf(list), QStringLiteral("New Preset New Preset - copy New Preset - copy - copy"));
-        QVERIFY(list.presets()[0]->presetID() != list.presets()[1]->presetID());
+        checkChange<WPreset>([] { return std::make_shared<WPreset>(WPresetValues()); });
+        checkChange<SavingPreset>([] { return std::make_shared<SavingPreset>(); });
     }
 };
 

@@ -11,6 +11,7 @@
 #include <QtTest>
 
 #include <limits>
+#include <mutex>
 #include <set>
 #include <thread>
 
@@ -58,16 +59,14 @@ const QByteArray kFile = R"(<?xml version="1.0" encoding="UTF-8"?>
 
 SavingPresetValues firstOfFile()
 {
-    SavingPresetValues values;
-    values.name = u"Web & print <1> \"q\""_s;
-    values.filenameTokens = {u"filename"_s, u"-"_s, u"sequence ##"_s};
-    values.fileBaseNameCase = u"upper case"_s;
-    values.fileExtensionCase = u"do not change"_s;
-    values.imageFormat = u"Original"_s;
-    values.alternativeImageFormat = u"PNG"_s;
-    values.jpegQuality = 64;
-    values.tiffCompressionLZW = false;
-    return values;
+    return {.name = u"Web & print <1> \"q\""_s,
+            .filenameTokens = words("filename - 'sequence ##'"),
+            .fileBaseNameCase = u"upper case"_s,
+            .fileExtensionCase = u"do not change"_s,
+            .imageFormat = u"Original"_s,
+            .alternativeImageFormat = u"PNG"_s,
+            .jpegQuality = 64,
+            .tiffCompressionLZW = false};
 }
 
 bool canWrite(const char *type)
@@ -136,13 +135,13 @@ private Q_SLOTS:
         QVERIFY(read(kFile)); // lower ones do not count back
         QCOMPARE(SavingPreset().presetID(), 44);
 
-        // A damaged file cannot use up all numbers, and not make later ones wrap around.
-        for (const QByteArray huge :
-             {"9223372036854775807", "99999999999999999999", "-99999999999999999999"}) {
+        // A damaged file cannot use up all numbers, nor make later ones wrap around.
+        for (const auto &[huge, expected] :
+             {std::pair("9223372036854775807", std::numeric_limits<qint64>::max()),
+              {"99999999999999999999", std::numeric_limits<qint64>::max()},
+              {"-99999999999999999999", std::numeric_limits<qint64>::min()}}) {
             const auto presets = read(QByteArray(kFile).replace("41", huge));
             QVERIFY(presets);
-            const qint64 expected = huge.startsWith('-') ? std::numeric_limits<qint64>::min()
-                                                         : std::numeric_limits<qint64>::max();
             QCOMPARE(presets->front()->presetID(), expected);
         }
         QCOMPARE(SavingPreset().presetID(), 45);
@@ -152,42 +151,36 @@ private Q_SLOTS:
 
     void identitiesAreUniqueOnThreads()
     {
-        constexpr std::size_t kThreads = 4;
-        constexpr std::size_t kEach = 500;
-        std::vector<std::vector<qint64>> given(kThreads);
-        std::vector<std::thread> threads;
-        for (auto &ids : given) {
-            threads.emplace_back([&ids] {
-                for (std::size_t i = 0; i < kEach; ++i) {
-                    ids.push_back(SavingPreset().presetID());
+        constexpr int kThreads = 4;
+        constexpr int kEach = 500;
+        std::mutex mutex;
+        std::set<qint64> all;
+        std::vector<std::jthread> threads;
+        for (int i = 0; i < kThreads; ++i) {
+            threads.emplace_back([&] {
+                for (int j = 0; j < kEach; ++j) {
+                    const qint64 id = SavingPreset().presetID();
                     QByteArray errors;
-                    const QByteArray id = QByteArray::number(ids.back());
-                    presetOf("<id>" + id + "</id>", 1.4, errors);
+                    presetOf("<id>" + QByteArray::number(id) + "</id>", 1.4, errors);
+                    const std::lock_guard lock(mutex);
+                    all.insert(id);
                 }
             });
         }
-        for (std::thread &thread : threads)
-            thread.join();
-        std::set<qint64> all;
-        for (const auto &ids : given)
-            all.insert(ids.begin(), ids.end());
-        QCOMPARE(all.size(), kThreads * kEach);
-        QCOMPARE(SavingPreset::lastUsedPresetID(), qint64(kThreads * kEach));
+        threads.clear(); // waits for them
+        QCOMPARE(all.size(), std::size_t(kThreads * kEach));
+        QCOMPARE(SavingPreset::lastUsedPresetID(), kThreads * kEach);
     }
 
     void aCopyIsEqualAndAnother()
     {
-        SavingPreset preset(firstOfFile());
+        const SavingPreset preset(firstOfFile());
         const std::unique_ptr<SavingPreset> copy = preset.copy();
-        QVERIFY(copy->values() == firstOfFile());
-        QVERIFY(copy->presetID() != preset.presetID());
         SavingPreset other;
         const qint64 id = other.presetID();
         other.copyFrom(preset);
-        QVERIFY(other.values() == firstOfFile());
-        QCOMPARE(other.presetID(), id);
-        copy->setName(u"other"_s);
-        QCOMPARE(preset.name(), firstOfFile().name);
+        QVERIFY(copy->values() == firstOfFile() && other.values() == firstOfFile());
+        QVERIFY(copy->presetID() != preset.presetID() && other.presetID() == id);
     }
 
     void changesAreAnnounced()
@@ -200,18 +193,18 @@ private Q_SLOTS:
                     QVERIFY(now == savingPresetField(id).value(firstOfFile()));
                     heard.append(QString::number(static_cast<int>(id)));
                 });
-        connect(&preset, &SavingPreset::hideJPEGQualityChanged, this, [&] { heard.append(u"jpeg"_s); });
-        connect(&preset, &SavingPreset::hideTiffCompressionChanged, this, [&] { heard.append(u"tiff"_s); });
-        connect(&preset, &SavingPreset::hideAlternativeFormatChanged, this,
-                [&] { heard.append(u"alternative"_s); });
+        const auto record = [&](const char *name) { return [&heard, name] { heard.append(words(name)); }; };
+        connect(&preset, &SavingPreset::hideJPEGQualityChanged, this, record("jpeg"));
+        connect(&preset, &SavingPreset::hideTiffCompressionChanged, this, record("tiff"));
+        connect(&preset, &SavingPreset::hideAlternativeFormatChanged, this, record("alternative"));
         preset.setValues(firstOfFile());
-        const QStringList expected = u"0 1 2 3 4 jpeg tiff alternative 5 jpeg tiff 6 7"_s.split(u' ');
+        const QStringList expected = words("0 1 2 3 4 jpeg tiff alternative 5 jpeg tiff 6 7");
         QCOMPARE(heard, expected);
         preset.setValues(firstOfFile());
         QCOMPARE(heard, expected);
         disconnect(&preset, nullptr, this, nullptr);
 
-        // Somebody who hears of a change may change the very values that are being taken over.
+        // A slot may change the very values that are being copied.
         SavingPreset source;
         source.setName(u"wanted"_s);
         source.setJpegQuality(50);
@@ -234,12 +227,12 @@ private Q_SLOTS:
             preset.setImageFormat(format);
             preset.setAlternativeImageFormat(alternative);
             QStringList found;
-            if (!preset.property("hideJPEGQuality").toBool())
-                found.append(u"quality"_s);
-            if (!preset.property("hideTiffCompression").toBool())
-                found.append(u"compression"_s);
-            if (!preset.property("hideAlternativeFormat").toBool())
-                found.append(u"alternative"_s);
+            for (const auto &[property, control] : {std::pair("hideJPEGQuality", "quality"),
+                                                    {"hideTiffCompression", "compression"},
+                                                    {"hideAlternativeFormat", "alternative"}}) {
+                if (!preset.property(property).toBool())
+                    found.append(words(control));
+            }
             QCOMPARE(found.join(u' '), shown);
         }
     }
@@ -282,54 +275,38 @@ private Q_SLOTS:
 
     void offeredFormats()
     {
-        // In this order, as far as this build can write them.
-        const struct {
-            const char *name;
-            const char *type;
-        } formats[] = {{"JPEG", "image/jpeg"}, {"HEIC", "image/heic"}, {"TIFF", "image/tiff"},
-                       {"PNG", "image/png"},   {"GIF", "image/gif"},   {"BMP", "image/bmp"}};
-        QStringList expected;
-        for (const auto &format : formats) {
-            const QString type = QLatin1StringView(format.type);
-            if (canWrite(format.type))
-                expected.append(QLatin1StringView(format.name));
-            QCOMPARE(SavingPreset::supportedUTI(type), canWrite(format.type));
-            QCOMPARE(SavingPreset::utiForFileExtension(QLatin1StringView(format.name)),
-                     canWrite(format.type) ? type : QString());
+        QStringList expected; // in this order, as far as this build can write them
+        for (const auto &[name, type] : {std::pair("JPEG", "image/jpeg"),
+                                         {"HEIC", "image/heic"},
+                                         {"TIFF", "image/tiff"},
+                                         {"PNG", "image/png"},
+                                         {"GIF", "image/gif"},
+                                         {"BMP", "image/bmp"}}) {
+            const Text uti(canWrite(type) ? type : "");
+            expected.append(canWrite(type) ? words(name) : QStringList());
+            QCOMPARE(SavingPreset::supportedUTI(Text(type)), canWrite(type));
+            QCOMPARE(SavingPreset::utiForFileExtension(Text(name)), uti);
+            QCOMPARE(SavingPreset::utiForFileExtension(Text(name).toLower()), uti);
         }
         QCOMPARE(SavingPreset::supportedFileFormatsWithoutOriginal(), expected);
-        QCOMPARE(SavingPreset::supportedFileFormats(), expected + QStringList(u"Original"_s));
-        QVERIFY(expected.contains(u"JPEG"_s) && expected.contains(u"PNG"_s));
-        QCOMPARE(SavingPreset::utiForFileExtension(u"JpEg"_s), u"image/jpeg"_s);
-        for (const QString &other : {u"jpe"_s, u"jfif"_s, u"dib"_s, u"webp"_s, u"Original"_s, QString()})
+        QCOMPARE(SavingPreset::supportedFileFormats(), expected + words("Original"));
+        for (const QString &other : words("jpe jfif dib webp Original ''"))
             QCOMPARE(SavingPreset::utiForFileExtension(other), QString());
-        QVERIFY(!SavingPreset::supportedUTI(u"image/webp"_s));
     }
 
     void writesTheFileToTheLetter()
     {
         SavingPreset::setLastUsedPresetID(40);
-        SavingPresetValues second;
-        second.name = QString();
-        second.filenameTokens.clear();
-        second.fileBaseNameCase = QString();
-        second.fileExtensionCase = QString();
-        const auto first = std::make_shared<SavingPreset>(firstOfFile());
-        const std::vector presets{first, std::make_shared<SavingPreset>(second)};
-        const QString path = m_folder.path(u"written.pxspr"_s);
-        QVERIFY(SavingPreset::writeObjects(presets, path, kAppID));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(QString::fromUtf8(file.readAll()), QString::fromUtf8(kFile));
-
-        const auto again = SavingPreset::readObjectsFromFile(path, kAppID, m_code);
+        const SavingPresetValues second{
+            .name = {}, .filenameTokens = {}, .fileBaseNameCase = {}, .fileExtensionCase = {}};
+        const auto again = writtenAndRead({firstOfFile(), second});
+        QCOMPARE(QString::fromUtf8(contentsOf(m_path)), QString::fromUtf8(kFile));
         QVERIFY(again && again->size() == 2);
         QCOMPARE(m_code, ReadCode::Success);
         QCOMPARE(again->at(0)->presetID(), 41);
         SavingPresetValues expected = firstOfFile();
         expected.tiffCompressionLZW = true; // a bare zero does not switch it off
-        QVERIFY(again->at(0)->values() == expected);
-        QVERIFY(again->at(1)->values() == second);
+        QVERIFY(again->at(0)->values() == expected && again->at(1)->values() == second);
     }
 
     void readsOldFiles_data()
@@ -337,27 +314,27 @@ private Q_SLOTS:
         const QByteArray start = "<id>5</id><name>n</name><filename><token>a</token><t>b</t></filename>";
         const QByteArray quality = "<quality>70</quality>";
         const QByteArray lzwOff = "<tiffCompressionLZW>0\n  </tiffCompressionLZW>";
-        const QByteArray numbers = "<format>1</format><alternativeFormat>0</alternativeFormat>";
+        const QByteArray numbers =
+            start + "<format>1</format><alternativeFormat>0</alternativeFormat>" + quality + lzwOff;
         const QByteArray cases = "<fileBaseNameCase>lower case</fileBaseNameCase>"
                                  "<fileExtensionCase>upper case</fileExtensionCase>";
-        SavingPresetValues values;
-        values.name = u"n"_s;
-        values.filenameTokens = {u"a"_s, u"b"_s};
-        values.jpegQuality = 70;
-        values.imageFormat = SavingPreset::supportedFileFormats().at(1);
-        values.alternativeImageFormat = SavingPreset::supportedFileFormats().at(0);
-        addRow<OldFile>({"1.0", 1.0, start + numbers + quality + lzwOff + cases, values});
+        SavingPresetValues values{.name = u"n"_s,
+                                  .filenameTokens = words("a b"),
+                                  .imageFormat = SavingPreset::supportedFileFormats().at(1),
+                                  .alternativeImageFormat = SavingPreset::supportedFileFormats().at(0),
+                                  .jpegQuality = 70};
+        addRow<OldFile>({"1.0", 1.0, numbers + cases, values});
         values.tiffCompressionLZW = false;
-        addRow<OldFile>({"1.1", 1.1, start + numbers + quality + lzwOff + cases, values});
-        addRow<OldFile>({"1.2", 1.2, start + numbers + quality + lzwOff + cases, values});
+        addRow<OldFile>({"1.1", 1.1, numbers + cases, values});
+        addRow<OldFile>({"1.2", 1.2, numbers + cases, values});
         SavingPresetValues plain = values;
         values.fileBaseNameCase = u"lower case"_s;
         values.fileExtensionCase = u"upper case"_s;
-        addRow<OldFile>({"1.3", 1.3, start + numbers + quality + lzwOff + cases, values});
-        addRow<OldFile>({"1.3 without cases", 1.3, start + numbers + quality + lzwOff, plain});
+        addRow<OldFile>({"1.3", 1.3, numbers + cases, values});
+        addRow<OldFile>({"1.3 without cases", 1.3, numbers, plain});
         values.imageFormat = u"1"_s; // a name, now
         values.alternativeImageFormat = u"0"_s;
-        addRow<OldFile>({"1.4", 1.4, start + numbers + quality + lzwOff + cases, values});
+        addRow<OldFile>({"1.4", 1.4, numbers + cases, values});
         plain.imageFormat = u"JPEG"_s;
         plain.alternativeImageFormat = u"JPEG"_s;
         addRow<OldFile>({"1.4 without formats", 1.4, start + quality + lzwOff, plain});
@@ -420,30 +397,24 @@ private Q_SLOTS:
     /// What the reader would take for markup, or skip, at the start of a text.
     void everyStartIsReadBack()
     {
-        std::vector<std::shared_ptr<SavingPreset>> presets;
+        QList<SavingPresetValues> list;
         for (const QString &text : {u"\"q\" 'r'"_s, u"'"_s, u"=1"_s, u"/>"_s, u"?>"_s, u">1"_s, u" a "_s,
                                     u"\t"_s, u"\n\n"_s, u"\r\n b"_s, u"&#34;"_s, u"-"_s}) {
-            SavingPresetValues values;
-            values.name = text;
+            list.append({.name = text});
             if (text != u"&#34;") // tokens are written raw
-                values.filenameTokens = {text, u"width"_s};
-            presets.push_back(std::make_shared<SavingPreset>(values));
+                list.last().filenameTokens = {text, u"width"_s};
         }
-        SavingPresetValues damaged;
-        damaged.fileBaseNameCase = u"=lower case"_s; // goes back to its initial value
-        presets.push_back(std::make_shared<SavingPreset>(damaged));
-        const QString path = m_folder.path(u"starts.pxspr"_s);
-        QVERIFY(SavingPreset::writeObjects(presets, path, kAppID));
-        auto again = SavingPreset::readObjectsFromFile(path, kAppID, m_code);
-        QVERIFY(again && again->size() == presets.size());
-        for (std::size_t i = 0; i + 1 < presets.size(); ++i)
-            QCOMPARE(again->at(i)->values(), presets[i]->values());
-        QCOMPARE(again->back()->values(), SavingPresetValues());
+        list.append({.fileBaseNameCase = u"=lower case"_s}); // becomes its initial value
+        auto again = writtenAndRead(list);
+        list.last() = {};
+        QVERIFY(again);
+        QCOMPARE(again->size(), static_cast<std::size_t>(list.size()));
+        for (qsizetype i = 0; i < list.size(); ++i)
+            QCOMPARE(again->at(static_cast<std::size_t>(i))->values(), list[i]);
 
-        presets.front()->setName(QChar(0xD800) + u"a"_s + QChar(0xDC00));
-        presets.front()->setFilenameTokens({QString(QChar(0xDFFF)), u"\U0001F4F7"_s});
-        QVERIFY(SavingPreset::writeObjects(presets, path, kAppID));
-        again = SavingPreset::readObjectsFromFile(path, kAppID, m_code);
+        const QChar high(0xD800);
+        const QChar low(0xDFFF);
+        again = writtenAndRead({{.name = high + u"a"_s + low, .filenameTokens = {low, u"\U0001F4F7"_s}}});
         QVERIFY(again);
         QCOMPARE(again->front()->name(), u"\uFFFDa\uFFFD"_s);
         QCOMPARE(again->front()->filenameTokens(), (QStringList{u"\uFFFD"_s, u"\U0001F4F7"_s}));
@@ -451,70 +422,62 @@ private Q_SLOTS:
 
     void whatCannotBeReadBackIsNotWritten()
     {
-        const QString path = m_folder.path(u"markup.pxspr"_s);
-        QVERIFY(SavingPreset::writeObjects({std::make_shared<SavingPreset>(firstOfFile())}, path, kAppID));
-        const auto contents = [&path] {
-            QFile file(path);
-            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-        };
-        const QByteArray before = contents();
-        QVERIFY(!before.isEmpty());
-        SavingPresetValues named;
-        named.name = u"cut"_s + QChar(0) + u"off"_s;
-        std::vector<SavingPresetValues> refused{named};
-        for (const QString &token : {u"a<b"_s, u"R&D"_s, u"a&amp;b"_s, u"&#34;"_s, u"<!--"_s, named.name}) {
-            SavingPresetValues values;
-            values.filenameTokens = {u"filename"_s, token};
-            refused.push_back(values);
-        }
+        QVERIFY(writtenAndRead({firstOfFile()}));
+        const QByteArray before = contentsOf(m_path);
+        const QString cut = u"cut"_s + QChar(0) + u"off"_s;
+        QList<SavingPresetValues> refused{{.name = cut}};
+        for (const QString &token : {u"a<b"_s, u"R&D"_s, u"a&amp;b"_s, u"&#34;"_s, u"<!--"_s, cut})
+            refused.append({.filenameTokens = {u"filename"_s, token}});
         for (const SavingPresetValues &values : refused) {
-            const auto preset = std::make_shared<SavingPreset>(values);
-            const Result<void> written =
-                SavingPreset::writeObjects({std::make_shared<SavingPreset>(), preset}, path, kAppID);
+            const Result<void> written = write({{}, values});
             QVERIFY2(!written && written.error().text.contains(values.name),
                      qPrintable(values.filenameTokens.last()));
-            QCOMPARE(contents(), before);
+            QCOMPARE(contentsOf(m_path), before);
         }
-        // The form itself has no references in tokens.
-        QString xml;
-        SavingPreset(refused[1]).appendObjectToXML(xml);
-        QVERIFY(xml.contains(u"<token>a<b</token>"));
     }
 
     void valuesWithMarkupAreWrittenAsInitial()
     {
-        QByteArray damaged = kFile;
-        for (const QByteArray value : {"upper case", "do not change", "Original", "PNG"})
-            damaged.replace(value, value == "PNG" ? "&amp;amp;" : "a&lt;b");
-        const auto presets = read(damaged);
-        QVERIFY(presets);
-        QCOMPARE(presets->at(0)->imageFormat(), u"a<b"_s);
-        const QString path = m_folder.path(u"again.pxspr"_s);
-        QVERIFY(SavingPreset::writeObjects(*presets, path, kAppID));
-        const auto again = SavingPreset::readObjectsFromFile(path, kAppID, m_code);
-        QVERIFY(again);
-        QCOMPARE(again->size(), presets->size());
         SavingPresetValues expected = firstOfFile();
+        expected.tiffCompressionLZW = true; // a written 0 is read so
+        SavingPresetValues damaged = expected;
+        damaged.fileBaseNameCase = damaged.fileExtensionCase = damaged.imageFormat = u"a<b"_s;
+        damaged.alternativeImageFormat = u"&amp;"_s;
         const SavingPresetValues initial;
         expected.fileBaseNameCase = initial.fileBaseNameCase;
         expected.fileExtensionCase = initial.fileExtensionCase;
         expected.imageFormat = initial.imageFormat;
         expected.alternativeImageFormat = initial.alternativeImageFormat;
-        expected.tiffCompressionLZW = true; // a written 0 is read so
-        QCOMPARE(again->at(0)->values(), expected);
+        const auto again = writtenAndRead({damaged});
+        QVERIFY(again);
+        QCOMPARE(again->front()->values(), expected);
     }
 
 private:
-    std::optional<std::vector<std::shared_ptr<SavingPreset>>> read(const QByteArray &xml)
+    Result<void> write(const QList<SavingPresetValues> &list) const
     {
-        QFile file(m_folder.path(u"presets.pxspr"_s));
-        if (!file.open(QIODevice::WriteOnly) || file.write(xml) != xml.size())
+        std::vector<std::shared_ptr<SavingPreset>> presets;
+        for (const SavingPresetValues &values : list)
+            presets.push_back(std::make_shared<SavingPreset>(values));
+        return SavingPreset::writeObjects(presets, m_path, kAppID);
+    }
+
+    std::optional<SavingPresetList> writtenAndRead(const QList<SavingPresetValues> &list)
+    {
+        if (!write(list))
             return std::nullopt;
-        file.close();
-        return SavingPreset::readObjectsFromFile(file.fileName(), kAppID, m_code, [](const QByteArray &) {});
+        return read(contentsOf(m_path));
+    }
+
+    std::optional<SavingPresetList> read(const QByteArray &xml)
+    {
+        if (!writeFile(m_path, xml))
+            return std::nullopt;
+        return SavingPreset::readObjectsFromFile(m_path, kAppID, m_code, [](const QByteArray &) {});
     }
 
     TestFolder m_folder;
+    QString m_path = m_folder.path("presets.pxspr");
     ReadCode m_code = ReadCode::LaterVersion;
 };
 

@@ -3,16 +3,21 @@
 #include "platform/keyedarchive.h"
 #include "presets/savingpreset.h"
 #include "presets/wpresetarchive.h"
+#include "support/datarows.h"
+#include "support/files.h"
 #include "support/keyedarchives.h"
 #include "support/testenvironment.h"
+#include "support/testpictures.h"
 
-#include <QGuiApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 #include <QtTest>
 
 #include <sys/stat.h>
+
+#include <map>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -29,29 +34,17 @@ WPresetValues unusualValues()
 {
     WPresetValues values;
     for (const WPresetField &field : wPresetFields()) {
-        switch (field.kind) {
-        case FieldKind::String:
-            field.setValue(values, FieldValue(u"%1 \u00e9\U0001F4F7"_s.arg(field.name)));
-            break;
-        case FieldKind::Strings:
-            field.setValue(values, FieldValue(QStringList{u"\u00a9 "_s, u"creator"_s}));
-            break;
-        case FieldKind::Integer:
-            field.setValue(values, FieldValue(WholeNumber(-1000 - static_cast<int>(field.id))));
-            break;
-        case FieldKind::Float:
-            field.setValue(values, FieldValue(FloatNumber(12.34F)));
-            break;
-        case FieldKind::Boolean:
+        const int id = static_cast<int>(field.id);
+        const std::map<FieldKind, FieldValue> unusual{
+            {FieldKind::String, u"%1 \u00e9\U0001F4F7"_s.arg(field.name)},
+            {FieldKind::Strings, QStringList{u"\u00a9 "_s, u"creator"_s}},
+            {FieldKind::Integer, WholeNumber(-1000 - id)},
+            {FieldKind::Float, FloatNumber(12.34F)},
+            {FieldKind::Color, QColor(1, 2, id, 77)}};
+        if (field.kind == FieldKind::Boolean)
             field.setValue(values, FieldValue(!std::get<bool>(field.value(values))));
-            break;
-        case FieldKind::Color:
-            field.setValue(values, FieldValue(QColor(1, 2, static_cast<int>(field.id), 77)));
-            break;
-        case FieldKind::Image:
-        case FieldKind::SavingPreset:
-            break;
-        }
+        else if (const auto found = unusual.find(field.kind); found != unusual.end())
+            field.setValue(values, found->second);
     }
     return values;
 }
@@ -60,6 +53,12 @@ WPresetList listOf(const WPresetValues &values)
 {
     return {std::make_shared<WPreset>(values)};
 }
+
+struct Picture {
+    Text name;
+    QSize size = {};  ///< none: it cannot be drawn, which is known from the start
+    QSize drawn = {}; ///< none: it cannot be drawn
+};
 
 } // namespace
 
@@ -82,7 +81,7 @@ private Q_SLOTS:
     {
         const auto savingPreset = std::make_shared<SavingPreset>();
         WPresetValues values;
-        values.image = WatermarkPicture::fromImage(QImage(2, 2, QImage::Format_RGB32));
+        values.image = WatermarkPicture::fromImage(flatPicture({2, 2}));
         values.assignedSavingPreset = savingPreset;
         WPresetList presets = listOf(values);
         presets.push_back(std::make_shared<WPreset>(WPresetValues()));
@@ -92,31 +91,26 @@ private Q_SLOTS:
         QVERIFY(
             json.contains(R"("$top": {"Application": "Quorvel Plexa", "FileVersion": 1.2000000476837158, )"
                           R"("WPresets": {"NS.objects": [{"WPName": "New Preset", "WPType": "Text", )"));
-        const QByteArrayList expected =
-            QByteArray(
-                "WPName WPType WPTextTokens WPFont WPFontSize WPFontSizeUnit WPTextAlignment WPFillColor "
-                "WPStroke WPStrokeColor WPStrokeWidth WPImage WPWidth WPWidthUnit WPAnchorPoint "
-                "WPOffsetHorizontal WPOffsetHorizontalUnit WPOffsetVertical WPOffsetVerticalUnit WPAngle "
-                "WPRotation WPFlip WPReplicateHorizontal WPReplicateHorizontalDistance "
-                "WPReplicateHorizontalDistanceUnit WPReplicateVertical WPReplicateVerticalDistance "
-                "WPReplicateVerticalDistanceUnit WPOpacity WPBlendMode WPShadow WPShadowBlur WPShadowOffset "
-                "WPShadowOffsetUnit WPShadowAngle WPBackground WPBackgroundColor WPBackgroundPaddingTop "
-                "WPBackgroundPaddingBottom WPBackgroundPaddingLeft WPBackgroundPaddingRight "
-                "WPBackgroundPaddingUnit WPBackgroundOpacity WPBackgroundFullWidth WPAssignedSavingPreset")
-                .split(' ');
-        qsizetype at = 0;
-        for (const QByteArray &key : expected) {
-            const qsizetype found = json.indexOf("\"" + key + "\": ", at);
-            QVERIFY2(found > at, key);
-            at = found;
-        }
-        const QJsonObject top = QJsonDocument::fromJson(json).object().value(u"$top"_s).toObject();
-        const QJsonArray list = top.value(u"WPresets"_s).toObject().value(u"NS.objects"_s).toArray();
-        QCOMPARE(list.at(0).toObject().size(), expected.size() + 1); // and "$class"
-        QCOMPARE(list.at(0).toObject().value(u"WPAssignedSavingPreset"_s).toInteger(),
-                 savingPreset->presetID());
-        const QJsonObject plain = list.at(1).toObject();
-        QVERIFY(!plain.contains(u"WPImage"_s) && !plain.contains(u"WPAssignedSavingPreset"_s));
+        QStringList expected = words(
+            "WPName WPType WPTextTokens WPFont WPFontSize WPFontSizeUnit WPTextAlignment WPFillColor "
+            "WPStroke WPStrokeColor WPStrokeWidth WPImage WPWidth WPWidthUnit WPAnchorPoint "
+            "WPOffsetHorizontal WPOffsetHorizontalUnit WPOffsetVertical WPOffsetVerticalUnit WPAngle "
+            "WPRotation WPFlip WPReplicateHorizontal WPReplicateHorizontalDistance "
+            "WPReplicateHorizontalDistanceUnit WPReplicateVertical WPReplicateVerticalDistance "
+            "WPReplicateVerticalDistanceUnit WPOpacity WPBlendMode WPShadow WPShadowBlur WPShadowOffset "
+            "WPShadowOffsetUnit WPShadowAngle WPBackground WPBackgroundColor WPBackgroundPaddingTop "
+            "WPBackgroundPaddingBottom WPBackgroundPaddingLeft WPBackgroundPaddingRight "
+            "WPBackgroundPaddingUnit WPBackgroundOpacity WPBackgroundFullWidth WPAssignedSavingPreset");
+        QStringList found;
+        auto keys = QRegularExpression(u"\"(WP\\w+)\": "_s).globalMatch(QString::fromUtf8(json));
+        while (keys.hasNext())
+            found.append(keys.next().captured(1));
+        QCOMPARE(found.mid(1, expected.size()), expected); // after "WPresets"
+        found.remove(0, 1 + expected.size());
+        expected.removeAll(u"WPImage"_s);
+        expected.removeAll(u"WPAssignedSavingPreset"_s);
+        QCOMPARE(found, expected);
+        QVERIFY(json.contains("\"WPAssignedSavingPreset\": " + QByteArray::number(savingPreset->presetID())));
         QVERIFY(!outputOf(u"plistutil"_s, {u"-i"_s, file("written.pxwpr")}).isEmpty());
     }
 
@@ -146,11 +140,10 @@ private Q_SLOTS:
 
     void picturesComeBack()
     {
-        QImage seen(3, 2, QImage::Format_ARGB32_Premultiplied);
-        for (int i = 0; i < 6; ++i)
-            seen.setPixel(i % 3, i / 3, qPremultiply(qRgba(200, 40 * i, 5, 50 * i)));
-        QImage opaque(2, 1, QImage::Format_RGB32);
-        opaque.fill(QColor(9, 8, 7));
+        const QImage seen = paintedPicture({3, 2}, QImage::Format_ARGB32_Premultiplied, [](int x, int y) {
+            return qRgba(200, 40 * (3 * y + x), 5, 50 * (3 * y + x));
+        });
+        const QImage opaque = flatPicture({2, 1}, QColor(9, 8, 7));
         for (const QImage &image : {seen, opaque}) {
             WPresetValues values;
             values.image = WatermarkPicture::fromImage(image);
@@ -176,33 +169,27 @@ private Q_SLOTS:
                                .array()
                                ->front()
                                .value(QLatin1StringView("WPImage"));
-        QFile tiff(file("drawing.tif"));
-        QVERIFY(tiff.open(QIODevice::WriteOnly));
-        const QByteArrayView pixels = image.imageRepresentations().bitmaps.first();
-        tiff.write(pixels.data(), pixels.size());
-        tiff.close();
-        QCOMPARE(outputOf(magickConvert(),
-                          {tiff.fileName(), u"-format"_s, u"%w %h %[pixel:p{9,9}]"_s, u"info:"_s}),
+        QVERIFY(writeFile(file("drawing.tif"), image.imageRepresentations().bitmaps.first().toByteArray()));
+        QCOMPARE(magick("%1 -format '%w %h %[pixel:p{9,9}]' info:", file("drawing.tif")),
                  QByteArray("2048 1024 srgba(255,0,0,0.498039)"));
     }
 
     void picturesAreKeptAsTheyAre_data()
     {
-        QTest::addColumn<QSize>("size");  // none: it cannot be drawn, and that is known from the start
-        QTest::addColumn<QSize>("drawn"); // none: it cannot be drawn
-        QTest::newRow("good") << QSize(40, 30) << QSize(40, 30);
-        for (const char *name :
-             {"nonsense", "no directory", "no color space", "vector", "foreign", "text", "absurd"})
-            QTest::newRow(name) << QSize() << QSize();
-        QTest::newRow("ends early") << QSize(40, 30) << QSize();
-        QTest::newRow("smaller one left") << QSize(40, 30) << QSize(4, 3);
+        addRows<Picture>({
+            {"good", QSize(40, 30), QSize(40, 30)},
+            {"ends early", QSize(40, 30)},
+            {"smaller one left", QSize(40, 30), QSize(4, 3)},
+        });
+        for (const QString &name :
+             words("nonsense 'no directory' 'no color space' vector foreign text absurd"))
+            addRow<Picture>({name});
     }
 
     void picturesAreKeptAsTheyAre()
     {
-        QFETCH(QSize, size);
-        QFETCH(QSize, drawn);
-        const QString name = QString::fromLatin1(QTest::currentDataTag());
+        const auto [picture, size, drawn] = currentRow<Picture>();
+        const QString name = picture;
         const auto presets = readWPresetsFromFile(file("pictures.pxwpr"));
         QVERIFY(presets);
         const auto preset = *std::find_if(presets->begin(), presets->end(),
@@ -215,14 +202,11 @@ private Q_SLOTS:
         // From now on known, if it was not before.
         QCOMPARE(preset->validPreset(), drawn.isValid());
         QCOMPARE(preset->values().pictureFault().contains(u'"' + name + u'"'), !drawn.isValid());
-        WPresetValues text = preset->values();
-        text.type = u"Text"_s;
-        QVERIFY(text.validPreset());
 
         // Written, read and written again: as others wrote it, to the last byte.
-        const QJsonValue picture = m_pictures[0].value(name);
-        QVERIFY(picture.isObject() || picture.isString());
-        QCOMPARE(m_pictures[1].value(name), picture);
+        const QJsonValue stored = m_pictures[0].value(name);
+        QVERIFY(stored.isObject() || stored.isString());
+        QCOMPARE(m_pictures[1].value(name), stored);
     }
 
     void picturesAreNotDecodedUntilTheyAreDrawn()
@@ -259,9 +243,7 @@ private Q_SLOTS:
         QCOMPARE(first.backgroundPaddingUnit(), u"% of width"_s);
         QVERIFY(first.opacity() == std::nullopt && first.blendMode().isNull());
         QCOMPARE(first.assignedSavingPreset().get(), savingPreset.get());
-        QImage largest(4, 3, QImage::Format_RGB32);
-        largest.fill(Qt::blue);
-        QCOMPARE(first.image().image(), largest);
+        QCOMPARE(first.image().image(), flatPicture({4, 3}, Qt::blue));
 
         const WPreset &second = *presets->at(1);
         QCOMPARE(second.angle(), FloatNumber(-90.0F));
@@ -341,8 +323,8 @@ private Q_SLOTS:
 
         // As many as can be read can be written.
         presets.clear();
+        WPresetValues values = unusualValues();
         for (int i = 0; i < 10'000; ++i) {
-            WPresetValues values = unusualValues();
             values.name = QString::number(i);
             values.textTokens = QStringList{values.name};
             values.fillColor = QColor::fromRgb(static_cast<QRgb>(i));
@@ -354,25 +336,18 @@ private Q_SLOTS:
         QVERIFY(archivedWPresets(presets).error().text.contains(u"more than 10000"_s));
     }
 
-    void whatIsNoPresetsFile_data()
-    {
-        QTest::addColumn<QString>("name");
-        for (const char *name :
-             {"foreign.pxwpr", "no-version.pxwpr", "no-list.pxwpr", "no-preset.pxwpr", "missing", "pipe"})
-            QTest::newRow(name) << QString::fromLatin1(name);
-        QCOMPARE(mkfifo(file("pipe").toLocal8Bit().constData(), 0600), 0);
-    }
-
     void whatIsNoPresetsFile()
     {
-        QFETCH(QString, name);
-        const auto presets = readWPresetsFromFile(m_folder.path(name));
-        QVERIFY(!presets);
-        QVERIFY(!presets.error().text.isEmpty());
+        QCOMPARE(mkfifo(file("pipe").toLocal8Bit().constData(), 0600), 0);
+        for (const char *name :
+             {"foreign.pxwpr", "no-version.pxwpr", "no-list.pxwpr", "no-preset.pxwpr", "missing", "pipe"}) {
+            const auto presets = readWPresetsFromFile(file(name));
+            QVERIFY2(!presets && !presets.error().text.isEmpty(), name);
+        }
     }
 
 private:
-    QString file(const char *name) const { return m_folder.path(QLatin1StringView(name)); }
+    QString file(const char *name) const { return m_folder.path(name); }
 
     /// The pictures in an archive as JSON, by the names of their presets.
     QHash<QString, QJsonValue> picturesIn(const char *archive) const
