@@ -114,22 +114,8 @@ private Q_SLOTS:
         QCOMPARE(photo(0).pixelSize(), QSize(20, 40));
         QCOMPARE(photo(1).pixelSize(), QSize(21, 41));
         QTRY_COMPARE(m_app->statusManager().line().text, u"4 images (4 selected)"_qs);
-    }
 
-    void stopsRotating()
-    {
-        addPhotos({{40, 20}, {42, 22}});
-        photo(0).lock();
-        m_app->startBatchOperation(ImageTransform::RotateClockwise);
-        QTRY_VERIFY(photo(1).pixelSize() == QSize(22, 42));
-        m_app->stopAllOperations();
-        QTRY_VERIFY(!isRunning());
-        photo(0).unlock();
-        QTRY_VERIFY(!m_app->statusManager().line().canBeStopped);
-        QCOMPARE(photo(0).originalImageSize(), QSize(40, 20));
-        QCOMPARE(photo(1).originalImageSize(), QSize(22, 42));
-
-        // With nothing selected it is over at once.
+        // With nothing selected the operation ends at once.
         m_app->imageSet().selection().selectNone();
         m_app->startBatchOperation(ImageTransform::RotateHalf);
         QTRY_VERIFY(!isRunning());

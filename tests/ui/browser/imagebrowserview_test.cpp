@@ -10,7 +10,6 @@
 #include "ui/browser/promisedfiles.h"
 #include "ui/widgets/filedrops.h"
 
-#include <QAbstractEventDispatcher>
 #include <QAccessible>
 #include <QApplication>
 #include <QDialog>
@@ -19,12 +18,10 @@
 #include <QDropEvent>
 #include <QMenu>
 #include <QNativeGestureEvent>
-#include <QPointer>
 #include <QPointingDevice>
 #include <QProcess>
 #include <QScrollBar>
 #include <QTest>
-#include <QTimer>
 #include <QUrl>
 #include <QWheelEvent>
 
@@ -409,7 +406,7 @@ private Q_SLOTS:
         grid.delegate.take();
         grid.view.setImages(grid.images);
         QCOMPARE(grid.delegate.take(), QByteArray());
-        // A shorter list takes the selection along, even when it was drawn before anybody said so.
+        // A shorter list shortens the selection, even if it is drawn before the view is notified.
         grid.images->images.resize(3);
         grid.view.viewport()->repaint();
         QCOMPARE(grid.delegate.take(), QByteArray("selected; focus -1<19"));
@@ -532,8 +529,7 @@ private Q_SLOTS:
             QCOMPARE(files.data(u"image/png"_qs), QByteArray()); // the files are what is dragged
             QCOMPARE(log.made.load(), 1);
 
-            // What was left behind by a program that was killed goes; ours does not, nor does what a link
-            // shows.
+            // Folders of a killed program are removed, but neither ours nor the target of a link.
             const QString prefix = m_folder.path(QCoreApplication::applicationName() + u"-copies-"_qs);
             QVERIFY(QDir().mkpath(prefix + u"abcdef/1/image0"_qs));
             QVERIFY(QDir().mkpath(m_folder.path("somebody's/photos")));
@@ -545,28 +541,6 @@ private Q_SLOTS:
         }
         QVERIFY(!QFileInfo::exists(folder));
         qunsetenv("TMPDIR");
-    }
-
-    /// Where a drag ends while its files are written, the data are deleted, and no further file is written.
-    void filesAbandoned()
-    {
-        FakePromise::Log log;
-        log.mayGoOn = false;
-        const QPointer files =
-            new PromisedFiles(std::make_unique<FakePromise>(2, log), std::make_shared<PrivateFolders>(),
-                              PromisedFiles::Use::Drag);
-        QObject context;
-        // As by the window system: inside the loop that waits, but outside every event.
-        connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &context, [&] {
-            if (log.made > 0 && files)
-                files->deleteLater();
-        });
-        bool isAnswered = false;
-        QTimer::singleShot(0, &context, [&] { isAnswered = files->data(u"text/uri-list"_qs).isEmpty(); });
-        QTRY_VERIFY(isAnswered);
-        QVERIFY(!files && log.wasUnwanted);
-        QCOMPARE(log.failures.size(), 1);
-        QVERIFY(!QFileInfo::exists(log.folder));
     }
 
     void screenReaders()

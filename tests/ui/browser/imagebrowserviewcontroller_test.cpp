@@ -24,17 +24,22 @@ using namespace plexa::test;
 namespace
 {
 
+std::shared_ptr<WPreset> textPreset(const FontCatalog &fonts)
+{
+    WPresetValues values = WPresetValues::forNewPreset(fonts);
+    values.textTokens = {u"mark"_qs};
+    return std::make_shared<WPreset>(values);
+}
+
 /// A set of photos a to f in a shown grid.
 struct Browser {
     Browser()
     {
-        WPresetValues values = WPresetValues::forNewPreset(work.fonts);
-        values.textTokens = {u"mark"_qs};
-        app.appliedPresets().setQuickWPreset(std::make_shared<WPreset>(values));
+        app.appliedPresets().setQuickWPreset(textPreset(work.fonts));
         view.resize(700, 500);
         view.show();
         QStringList paths;
-        for (const char *name : {"a.png", "b.png", "c.png", "d.png", "e.png", "f.png"})
+        for (const QString &name : words("a.png b.png c.png d.png e.png f.png"))
             paths.append(work.photo(name));
         app.gathering().scanImagesAtPaths(paths);
     }
@@ -228,9 +233,7 @@ private Q_SLOTS:
     {
         WorkingSet work;
         AppController app({work.photos, work.defaults, work.alerts, work.store, 2});
-        WPresetValues values = WPresetValues::forNewPreset(work.fonts);
-        values.textTokens = {u"mark"_qs};
-        app.appliedPresets().setQuickWPreset(std::make_shared<WPreset>(values));
+        app.appliedPresets().setQuickWPreset(textPreset(work.fonts));
         MainWindow window({app, work.defaults, work.alerts, 2});
         for (int i = 0; i < 12; ++i)
             app.imageSet().addImage(work.brokenPhoto(u"%1.png"_qs.arg(i)), {});
