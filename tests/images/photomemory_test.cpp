@@ -3,7 +3,9 @@
 #include "imageio/imagedestination.h"
 #include "images/copywriter.h"
 #include "images/uprighting.h"
+#include "support/datarows.h"
 #include "support/testenvironment.h"
+#include "support/testservices.h"
 
 #include <QProcess>
 #include <QStandardPaths>
@@ -33,21 +35,14 @@ const QString kHeic = u"image/heic"_qs;
 /// @return the most memory it had (bytes); 0 when it failed
 qint64 peakOfSaving(const QString &photo, const QString &folder, const QString &type)
 {
-    const char *format = type == kHeic ? "imageFormat=HEIC" : "imageFormat=Original";
-    const QList<QByteArray> words = {builtProgram(u"plexa-cli"_qs).toLocal8Bit(),
-                                     "save",
-                                     "--quiet",
-                                     "--text",
-                                     "X",
-                                     "--save-set",
-                                     format,
-                                     "--save-set",
-                                     "jpegQuality=95",
-                                     "--output",
-                                     folder.toLocal8Bit(),
-                                     photo.toLocal8Bit()};
+    const QString format = type == kHeic ? u"HEIC"_qs : u"Original"_qs;
+    QList<QByteArray> command;
+    for (const QString &word :
+         words("%1 save --quiet --text X --save-set imageFormat=%2 --save-set jpegQuality=95 --output %3 %4",
+               builtProgram(u"plexa-cli"_qs), format, folder, photo))
+        command.append(word.toLocal8Bit());
     std::vector<char *> arguments;
-    for (const QByteArray &word : words)
+    for (const QByteArray &word : command)
         arguments.push_back(const_cast<char *>(word.constData()));
     arguments.push_back(nullptr);
     pid_t child = 0;
@@ -93,19 +88,6 @@ qint64 toldBytes(const ImageSource &source, const QString &type)
     return std::max(uprightBytes(source, uprighting), pictureBytes(uprighting.size()) + encoding);
 }
 
-struct Services {
-    explicit Services(qint64 budgetBytes)
-        : budget(budgetBytes)
-    {
-    }
-
-    FontCatalog fonts;
-    LocaleFormat locale{u"en_US"_qs};
-    PixelCache cache{0};
-    ByteBudget budget;
-    PhotoServices all{fonts, locale, cache, budget, {}};
-};
-
 CopyOrder orderFor(const QString &photo, const QString &target)
 {
     CopyOrder order;
@@ -115,6 +97,13 @@ CopyOrder orderFor(const QString &photo, const QString &target)
     order.quality = 0.95;
     return order;
 }
+
+struct Kind {
+    Text name;
+    Text file;
+    const char *options; ///< of ImageMagick
+    bool isHeic = false; ///< the copy, else as the photo
+};
 
 } // namespace
 
@@ -132,35 +121,25 @@ private Q_SLOTS:
 
     void toldIsTaken_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QStringList>("options");
-        // A name with ">heic" is that of the photo, of which the copy is a HEIC.
-        const QStringList progressive = {u"-interlace"_qs, u"Plane"_qs};
-        const QStringList half = {u"-sampling-factor"_qs, u"2x2"_qs};
-        const QStringList full = {u"-sampling-factor"_qs, u"1x1"_qs};
-        QTest::newRow("baseline JPEG") << u"a.jpg"_qs << QStringList();
-        QTest::newRow("progressive JPEG")
-            << u"b.jpg"_qs << progressive + QStringList{u"-quality"_qs, u"80"_qs};
-        QTest::newRow("progressive JPEG, full chroma") << u"c.jpg"_qs << progressive + full;
-        QTest::newRow("interlaced PNG") << u"e.png"_qs << QStringList{u"-interlace"_qs, u"PNG"_qs};
-        QTest::newRow("PPM") << u"f.ppm"_qs << QStringList();
-        QTest::newRow("PGM") << u"g.pgm"_qs << QStringList();
-        QTest::newRow("BMP") << u"h.bmp"_qs << QStringList{u"-type"_qs, u"TrueColor"_qs};
-        QTest::newRow("TIFF") << u"j.tif"_qs << QStringList();
-        QTest::newRow("deep TIFF") << u"k.tif"_qs << QStringList{u"-depth"_qs, u"16"_qs};
-        QTest::newRow("TIFF of whole planes")
-            << u"m.tif"_qs
-            << QStringLiteral("-type TrueColor -depth 16 -interlace Plane -compress Zip "
-                              "-define tiff:rows-per-strip=3001")
-                   .split(u' ');
-        QTest::newRow("TIFF of one packed strip")
-            << u"p.tif"_qs
-            << u"+noise Random -type TrueColor -compress LZW -define tiff:rows-per-strip=3001"_qs.split(u' ');
-        QTest::newRow("HEIC") << u"q.jpg>heic"_qs << half;
-        QTest::newRow("HEIC, full chroma") << u"r.jpg>heic"_qs << full;
-        QTest::newRow("GIF") << u"l.gif"_qs << QStringList();
-        QTest::newRow("lossless WebP")
-            << u"n.webp"_qs << QStringList{u"-define"_qs, u"webp:lossless=true,webp:method=0"_qs};
+        addRows<Kind>({
+            {"baseline JPEG", "a.jpg", ""},
+            {"progressive JPEG", "b.jpg", "-interlace Plane -quality 80"},
+            {"progressive JPEG, full chroma", "c.jpg", "-interlace Plane -sampling-factor 1x1"},
+            {"interlaced PNG", "e.png", "-interlace PNG"},
+            {"PPM", "f.ppm", ""},
+            {"PGM", "g.pgm", ""},
+            {"BMP", "h.bmp", "-type TrueColor"},
+            {"TIFF", "j.tif", ""},
+            {"deep TIFF", "k.tif", "-depth 16"},
+            {"TIFF of whole planes", "m.tif",
+             "-type TrueColor -depth 16 -interlace Plane -compress Zip -define tiff:rows-per-strip=3001"},
+            {"TIFF of one packed strip", "p.tif",
+             "+noise Random -type TrueColor -compress LZW -define tiff:rows-per-strip=3001"},
+            {"HEIC", "q.jpg", "-sampling-factor 2x2", true},
+            {"HEIC, full chroma", "r.jpg", "-sampling-factor 1x1", true},
+            {"GIF", "l.gif", ""},
+            {"lossless WebP", "n.webp", "-define webp:lossless=true,webp:method=0"},
+        });
     }
 
     void toldIsTaken()
@@ -168,12 +147,9 @@ private Q_SLOTS:
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
         QSKIP("a sanitizer takes more memory than the photos");
 #endif
-        QFETCH(QString, name);
-        QFETCH(QStringList, options);
-        const bool isHeic = name.endsWith(QLatin1String(">heic"));
-        name = name.section(u'>', 0, 0);
-        const QString large = made(*m_folder, name, {5003, 3001}, options);
-        const QString small = made(*m_folder, name, {53, 31}, options);
+        const auto [row, name, options, isHeic] = currentRow<Kind>();
+        const QString large = made(*m_folder, name, {5003, 3001}, words(options));
+        const QString small = made(*m_folder, name, {53, 31}, words(options));
         if (large.isEmpty() || small.isEmpty())
             QSKIP("ImageMagick does not write this format");
         const auto source = ImageSource::open(large);
@@ -200,7 +176,7 @@ private Q_SLOTS:
         QVERIFY(source);
         const qint64 told = toldBytes(*source, usualType(*source));
         QVERIFY(told > 2 * 1600 * 1200 * 2);
-        Services services(told + told / 2);
+        TestPhotoServices services(0, told + told / 2);
         // Where one holds its bytes from the first strip to the last, the other cannot have begun.
         std::atomic<int> strips = 0;
         std::atomic<bool> isHeld = true;
@@ -227,7 +203,7 @@ private Q_SLOTS:
     void tooLargeForTheBudget()
     {
         const QString photo = made(*m_folder, u"photo.png"_qs, {2000, 1500}, {u"-interlace"_qs, u"PNG"_qs});
-        Services services(2000 * 1500 * 4 - 1);
+        TestPhotoServices services(0, 2000 * 1500 * 4 - 1);
         const QString target = m_folder->path("copy.jpg");
         const auto copied = writeCopy(orderFor(photo, target), services.all);
         QVERIFY(!copied);
@@ -247,7 +223,7 @@ private Q_SLOTS:
     void streamedPhotosNeedNoBudget()
     {
         const QString photo = made(*m_folder, u"photo.jpg"_qs, {2000, 1500}, {});
-        Services services(0);
+        TestPhotoServices services(0, 0);
         QVERIFY(writeCopy(orderFor(photo, m_folder->path("copy.jpg")), services.all));
     }
 
@@ -280,10 +256,11 @@ private Q_SLOTS:
         int written = 0;
         for (const int megabytes : {90, 120, 125, 130, 140, 160, 180, 200, 220, 250, 300, 350, 1000}) {
             QProcess process;
-            process.start(limiter, {u"--as=%1"_qs.arg(megabytes * 1'000'000LL), builtProgram(u"plexa-cli"_qs),
-                                    u"save"_qs, u"--text"_qs, u"X"_qs, u"--save-set"_qs,
-                                    u"imageFormat=%1"_qs.arg(to), u"--jobs"_qs, u"2"_qs, u"--quiet"_qs,
-                                    u"--output"_qs, m_folder->path("copies"), photo});
+            process.start(limiter,
+                          words("--as=%1 %2 save --text X --save-set imageFormat=%3 --jobs 2 --quiet "
+                                "--output %4 %5",
+                                QString::number(megabytes * 1'000'000LL), builtProgram(u"plexa-cli"_qs), to,
+                                m_folder->path("copies"), photo));
             const bool hasEnded = process.waitForFinished(60'000);
             const QByteArray said = QByteArray::number(megabytes) + " MB: " + process.readAllStandardError();
             QVERIFY2(hasEnded && process.exitStatus() == QProcess::NormalExit, said);

@@ -140,7 +140,7 @@ private Q_SLOTS:
     void workGoesOnDuringAQuestion()
     {
         QVERIFY(QDir().mkpath(path(u"out"_qs)));
-        QVERIFY(pattern({9, 9}).save(path(u"out/img02.png"_qs)));
+        QVERIFY(detailedPicture({9, 9}).save(path(u"out/img02.png"_qs)));
         ActingAlerts alerts;
         bool isFirstDone = false;
         alerts.act = [&](const Alert &alert) -> AlertAnswer {
@@ -182,7 +182,7 @@ private Q_SLOTS:
     void skippedCopiesUseUpTheirNumbers()
     {
         QVERIFY(QDir().mkpath(path(u"out"_qs)));
-        QVERIFY(pattern({9, 9}).save(path(u"out/img02.png"_qs)));
+        QVERIFY(detailedPicture({9, 9}).save(path(u"out/img02.png"_qs)));
         SavingRun run = runFor({photo(u"1.png"_qs), photo(u"2.png"_qs), photo(u"3.png"_qs)}, {mark(u"A"_qs)});
         run.conflictCode = OutputNaming::always(OutputNaming::kSkip);
         Saving saving(m_noAlerts);
@@ -289,7 +289,7 @@ private Q_SLOTS:
     {
         QFETCH(bool, areReleased);
         const QString file = photo(u"1.png"_qs, {360, 240});
-        const auto image = std::make_shared<ImageObject>(file, m_services);
+        const auto image = std::make_shared<ImageObject>(file, m_services.all);
         QVERIFY(image->loadImageFromDisk());
         SavingRun run = runFor({file}, {mark(u"A"_qs), mark(u"B"_qs)});
         run.photoAt = [&](std::size_t) -> SavingPhoto { return {file, image, {}}; };

@@ -94,7 +94,7 @@ private Q_SLOTS:
     void overwritingTheOriginals()
     {
         QFETCH(int, jobs);
-        const QImage bare = pattern({300, 200});
+        const QImage bare = detailedPicture({300, 200});
         const QString once = photo(u"once.png"_qs, bare.size());
         const QString twice = photo(u"twice.png"_qs, bare.size());
         AppliedPreset left = mark(u"Left"_qs);
@@ -112,7 +112,7 @@ private Q_SLOTS:
         QVERIFY(saving.savingFailedImages().isEmpty());
 
         const QString asBefore = photo(u"bare.png"_qs, bare.size());
-        ImageObject photo(asBefore, m_services);
+        ImageObject photo(asBefore, m_services.all);
         const QImage marked = photo.createWatermarkedImage({}, right);
         QVERIFY(marked != bare);
         QCOMPARE(pixels(QImage(once)), pixels(marked));
@@ -127,7 +127,7 @@ private Q_SLOTS:
         const QString alias = path(u"in/alias.tif"_qs);
         QVERIFY(QFile::link(photo, alias));
         const AppliedPreset preset = mark(u"Mark"_qs);
-        ImageObject bare(photo, m_services);
+        ImageObject bare(photo, m_services.all);
         const QImage once = bare.createWatermarkedImage({}, preset);
         const QImage again = bare.createWatermarkedImage(once, preset);
         SavingRun run = runFor({photo, alias}, {preset});
