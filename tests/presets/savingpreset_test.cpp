@@ -434,6 +434,10 @@ private Q_SLOTS:
                      qPrintable(values.filenameTokens.last()));
             QCOMPARE(contentsOf(m_path), before);
         }
+        // The form itself has no references in tokens.
+        QString xml;
+        SavingPreset(refused[1]).appendObjectToXML(xml);
+        QVERIFY(xml.contains(u"<token>a<b</token>"));
     }
 
     void valuesWithMarkupAreWrittenAsInitial()

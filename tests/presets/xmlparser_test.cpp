@@ -181,6 +181,7 @@ private Q_SLOTS:
         Reading next;
         QVERIFY(next.parser.parse(kHeader + "<a b=\"\" c='\"' d=\"e' ></a>"));
         QCOMPARE(next.parser.root()->attributeValue("c").value(), "\"");
+        QVERIFY(!next.parser.parse(kHeader + "<a></a>")); // a parser reads once
     }
 
     void limitsAreExact_data()
