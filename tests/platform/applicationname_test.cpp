@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "platform/applicationname.h"
+#include "support/datarows.h"
+#include "support/files.h"
 #include "support/testenvironment.h"
 
 #include <QtTest>
@@ -8,119 +10,103 @@
 #include <unistd.h>
 
 using namespace plexa;
+using namespace plexa::test;
 
-Q_DECLARE_METATYPE(plexa::BundleInfo)
+namespace
+{
+
+struct Name {
+    Text name;
+    BundleInfo bundle;
+    bool hasCompany;
+    bool hasMajor;
+    bool isFromBundle;
+    Text expected;
+};
+
+struct InTheWay {
+    Text name;
+    Text file;
+    QByteArray message;
+};
+
+struct FullName {
+    Text name;
+    Text comment;
+    Text expected;
+};
+
+} // namespace
 
 class ApplicationNameTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void names_data();
-    void names();
-    void ownName();
-    void supportFolder_data();
-    void supportFolder();
-    void fullNames_data();
-    void fullNames();
-    void userOfThisProcess();
-};
-
-void ApplicationNameTest::names_data()
-{
-    QTest::addColumn<BundleInfo>("bundle");
-    QTest::addColumn<bool>("company");
-    QTest::addColumn<bool>("major");
-    QTest::addColumn<bool>("fromBundle");
-    QTest::addColumn<QString>("expected");
-    const auto info = [](const char *company, const char *name, const char *version) {
-        return BundleInfo{QString::fromLatin1(company), QString::fromLatin1(name),
-                          QString::fromLatin1(version)};
-    };
-    const BundleInfo full = info("Acme", "Stamper", "12.3.4");
-    QTest::newRow("plain") << full << false << false << false << QStringLiteral("Plexa");
-    QTest::newRow("bundle") << full << false << false << true << QStringLiteral("Stamper");
-    QTest::newRow("all") << full << true << true << true << QStringLiteral("Acme Stamper 12");
-    QTest::newRow("version without bundle")
-        << full << true << true << false << QStringLiteral("Quorvel Plexa 12");
-    QTest::newRow("empty bundle") << BundleInfo() << true << true << true
-                                  << QStringLiteral("Quorvel Plexa 1");
-    QTest::newRow("no company") << info("", "Stamper", "2") << true << true << true
-                                << QStringLiteral("Quorvel Stamper 2");
-    QTest::newRow("empty component") << info("", "", ".5") << false << true << true
-                                     << QStringLiteral("Plexa 1");
-}
-
-void ApplicationNameTest::names()
-{
-    QFETCH(BundleInfo, bundle);
-    QFETCH(bool, company);
-    QFETCH(bool, major);
-    QFETCH(bool, fromBundle);
-    QTEST(applicationNameWithCompany(company, major, fromBundle, bundle), "expected");
-}
-
-void ApplicationNameTest::ownName()
-{
-    QCOMPARE(applicationNameWithCompany(true, false, true), QStringLiteral("Quorvel Plexa"));
-}
-
-void ApplicationNameTest::supportFolder_data()
-{
-    QTest::addColumn<QString>("fileInTheWay");
-    QTest::addColumn<QByteArray>("message");
-    QTest::newRow("created") << QString() << QByteArray();
-    QTest::newRow("a file has the name")
-        << QStringLiteral("Quorvel/Plexa")
-        << QByteArray("ERROR: the application support directory exists, but is not a directory:  ");
-    QTest::newRow("a file has the maker's name")
-        << QStringLiteral("Quorvel")
-        << QByteArray("ERROR: failed to create the application support directory:  ");
-}
-
-void ApplicationNameTest::supportFolder()
-{
-    QFETCH(QString, fileInTheWay);
-    QFETCH(QByteArray, message);
-    const test::TestFolder folder;
-    const QString base = folder.path(QStringLiteral("XDG_DATA_HOME"));
-    const QString expected = base + QStringLiteral("/Quorvel/Plexa");
-    if (!fileInTheWay.isEmpty()) {
-        QFile file(base + QLatin1Char('/') + fileInTheWay);
-        QVERIFY(QDir().mkpath(QFileInfo(file).path()));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QTest::ignoreMessage(QtCriticalMsg, (message + expected.toUtf8()).constData());
+    void names_data()
+    {
+        const BundleInfo full{u"Acme"_qs, u"Stamper"_qs, u"12.3.4"_qs};
+        addRows<Name>({
+            {"plain", full, false, false, false, "Plexa"},
+            {"bundle", full, false, false, true, "Stamper"},
+            {"all", full, true, true, true, "Acme Stamper 12"},
+            {"version without bundle", full, true, true, false, "Quorvel Plexa 12"},
+            {"empty bundle", {}, true, true, true, "Quorvel Plexa 1"},
+            {"no company", {{}, u"Stamper"_qs, u"2"_qs}, true, true, true, "Quorvel Stamper 2"},
+            {"empty component", {{}, {}, u".5"_qs}, false, true, true, "Plexa 1"},
+        });
     }
-    QCOMPARE(applicationSupportSubdirectory(), expected);
-    QCOMPARE(QFileInfo(expected).isDir(), fileInTheWay.isEmpty());
-}
+    void names()
+    {
+        const auto row = currentRow<Name>();
+        QCOMPARE(applicationNameWithCompany(row.hasCompany, row.hasMajor, row.isFromBundle, row.bundle),
+                 row.expected);
+    }
 
-void ApplicationNameTest::fullNames_data()
-{
-    QTest::addColumn<QString>("comment");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("name alone") << QStringLiteral("Zo\u00eb Maier") << QStringLiteral("Zo\u00eb Maier");
-    QTest::newRow("with room and telephone")
-        << QStringLiteral("Zo\u00eb Maier,12,555-1,,") << QStringLiteral("Zo\u00eb Maier");
-    QTest::newRow("login name inside") << QStringLiteral("& Maier") << QStringLiteral("Zoe Maier");
-    QTest::newRow("no name") << QStringLiteral(",12") << QString();
-}
+    void supportFolder_data()
+    {
+        addRows<InTheWay>({{"created", {}, {}},
+                           {"a file has the name", "Quorvel/Plexa",
+                            "ERROR: the application support directory exists, but is not a directory:  "},
+                           {"a file has the maker's name", "Quorvel",
+                            "ERROR: failed to create the application support directory:  "}});
+    }
+    void supportFolder()
+    {
+        const auto [row, file, message] = currentRow<InTheWay>();
+        const TestFolder folder;
+        const QString base = folder.path("XDG_DATA_HOME");
+        const QString expected = base + u"/Quorvel/Plexa"_qs;
+        if (!file.isEmpty()) {
+            QVERIFY(writeFile(base + u'/' + file, {}));
+            QTest::ignoreMessage(QtCriticalMsg, (message + expected.toUtf8()).constData());
+        }
+        QCOMPARE(applicationSupportSubdirectory(), expected);
+        QCOMPARE(QFileInfo(expected).isDir(), file.isEmpty());
+    }
 
-void ApplicationNameTest::fullNames()
-{
-    QFETCH(QString, comment);
-    QTEST(fullNameInComment(comment, QStringLiteral("zoe")), "expected");
-}
+    void fullNames_data()
+    {
+        addRows<FullName>({{"name alone", "Zo\u00eb Maier", "Zo\u00eb Maier"},
+                           {"with room and telephone", "Zo\u00eb Maier,12,555-1,,", "Zo\u00eb Maier"},
+                           {"login name inside", "& Maier", "Zoe Maier"},
+                           {"no name", ",12", {}}});
+    }
+    void fullNames()
+    {
+        const auto [row, comment, expected] = currentRow<FullName>();
+        QCOMPARE(fullNameInComment(comment, u"zoe"_qs), expected);
+    }
 
-void ApplicationNameTest::userOfThisProcess()
-{
-    const QByteArray entry =
-        test::outputOf(QStringLiteral("getent"), {QStringLiteral("passwd"), QString::number(geteuid())});
-    const QString comment = QString::fromUtf8(entry).section(QLatin1Char(':'), 4, 4);
-    if (comment.section(QLatin1Char(','), 0, 0).isEmpty() || comment.contains(QLatin1Char('&')))
-        QSKIP("the user of this test has no plain full name");
-    QCOMPARE(fullUserName(), comment.section(QLatin1Char(','), 0, 0));
-}
+    void userOfThisProcess()
+    {
+        const QByteArray entry = outputOf("getent passwd %1", QString::number(geteuid()));
+        const QString comment = QString::fromUtf8(entry).section(u':', 4, 4);
+        if (comment.section(u',', 0, 0).isEmpty() || comment.contains(u'&'))
+            QSKIP("the user of this test has no plain full name");
+        QCOMPARE(fullUserName(), comment.section(u',', 0, 0));
+    }
+};
 
 QTEST_GUILESS_MAIN(ApplicationNameTest)
 #include "applicationname_test.moc"

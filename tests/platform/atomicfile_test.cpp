@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "platform/atomicfile.h"
-#include "support/testenvironment.h"
+#include "support/datarows.h"
+#include "support/files.h"
+#include "support/testfolder.h"
 
 #include <QtTest>
 
@@ -15,34 +17,13 @@
 #include <vector>
 
 using namespace plexa;
+using namespace plexa::test;
 using IfExists = AtomicFile::IfExists;
 using Durability = AtomicFile::Durability;
 using Staging = AtomicFile::Staging;
 
-Q_DECLARE_METATYPE(plexa::AtomicFile::IfExists)
-Q_DECLARE_METATYPE(plexa::AtomicFile::Staging)
-
 namespace
 {
-
-QByteArray contents(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-}
-
-void put(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), bytes.size());
-}
-
-QStringList namesIn(const QString &folder)
-{
-    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                                  QDir::Name);
-}
 
 mode_t modeOf(const QString &path)
 {
@@ -50,6 +31,19 @@ mode_t modeOf(const QString &path)
     };
     return stat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_mode & 07777 : 0;
 }
+
+struct Way {
+    Text name;
+    IfExists ifExists = IfExists::Fail;
+    bool exists = false;
+    Staging staging = Staging::NamelessWherePossible;
+};
+
+struct Refusal {
+    Text name; ///< of the file
+    IfExists ifExists;
+    Text reason;
+};
 
 /// The failure's text, or an empty string.
 QString writeAll(AtomicFile &file, const QByteArray &bytes)
@@ -67,346 +61,295 @@ class AtomicFileTest : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void init();
-    void writes_data();
-    void writes();
-    void failNeverReplaces_data();
-    void failNeverReplaces();
-    void alternatives_data();
-    void alternatives();
-    void oneOfManyWins_data();
-    void oneOfManyWins();
-    void fullDisk_data();
-    void fullDisk();
-    void failedWriteIsRemembered();
-    void refusals_data();
-    void refusals();
-    void folderVanishes();
-    void keepsPermissionsAndLinks();
-    void newFileFollowsUmask();
-    void modificationTime();
-    void killedWhileWriting();
-
 private:
-    std::unique_ptr<test::TestFolder> m_folder;
-    QString m_target;
-};
-
-void AtomicFileTest::init()
-{
-    m_folder = std::make_unique<test::TestFolder>();
-    QVERIFY(m_folder->isValid());
-    QVERIFY(QDir().mkpath(m_folder->path(QStringLiteral("out"))));
-    m_target = m_folder->path(QStringLiteral("out/copy \u00e9.jpg"));
-}
-
-void AtomicFileTest::writes_data()
-{
-    QTest::addColumn<IfExists>("ifExists");
-    QTest::addColumn<Staging>("staging");
-    QTest::addColumn<bool>("exists");
-    for (const auto staging : {Staging::NamelessWherePossible, Staging::Named}) {
-        QTest::addRow("new, %d", int(staging)) << IfExists::Fail << staging << false;
-        QTest::addRow("new where one may stand, %d", int(staging)) << IfExists::Replace << staging << false;
-        QTest::addRow("replaced, %d", int(staging)) << IfExists::Replace << staging << true;
-    }
-}
-
-void AtomicFileTest::writes()
-{
-    QFETCH(IfExists, ifExists);
-    QFETCH(Staging, staging);
-    QFETCH(bool, exists);
-    if (exists)
-        put(m_target, "old");
-    const QStringList before = namesIn(m_folder->path(QStringLiteral("out")));
+    static void addStagings()
     {
-        AtomicFile abandoned(m_target, ifExists, Durability::Lazy, staging);
-        QVERIFY(abandoned.open());
-        abandoned.device().write("never seen");
+        addRows<Way>({{"nameless"}, {"named", IfExists::Fail, false, Staging::Named}});
     }
-    QCOMPARE(namesIn(m_folder->path(QStringLiteral("out"))), before);
+    QStringList namesInOut() const { return namesIn(m_folder->path("out")); }
 
-    AtomicFile file(m_target, ifExists, Durability::Synced, staging);
-    QVERIFY(file.open());
-    QVERIFY(file.device().write("0123456789") == 10);
-    QVERIFY(file.device().seek(2));
-    QVERIFY(file.device().write("ab") == 2);
-    QVERIFY(file.device().seek(0));
-    QCOMPARE(file.device().read(4), QByteArray("01ab"));
-    QCOMPARE(exists ? contents(m_target) : QByteArray("old"), QByteArray("old"));
-    for (const QString &name : namesIn(m_folder->path(QStringLiteral("out"))))
-        QVERIFY(before.contains(name) || AtomicFile::isTemporaryName(name));
-    const auto done = file.commit();
-    QVERIFY2(done, done ? "" : qPrintable(done.error().text));
-    QCOMPARE(contents(m_target), QByteArray("01ab456789"));
-    QCOMPARE(namesIn(m_folder->path(QStringLiteral("out"))).size(), 1);
-    QVERIFY(!file.commit());
-}
+    std::unique_ptr<TestFolder> m_folder;
+    QString m_target;
 
-void AtomicFileTest::failNeverReplaces_data()
-{
-    QTest::addColumn<Staging>("staging");
-    QTest::newRow("nameless") << Staging::NamelessWherePossible;
-    QTest::newRow("named") << Staging::Named;
-}
+private Q_SLOTS:
+    void init()
+    {
+        m_folder = std::make_unique<TestFolder>();
+        QVERIFY(m_folder->isValid());
+        QVERIFY(QDir().mkpath(m_folder->path("out")));
+        m_target = m_folder->path("out/copy \u00e9.jpg");
+    }
 
-void AtomicFileTest::failNeverReplaces()
-{
-    QFETCH(Staging, staging);
-    AtomicFile late(m_target, IfExists::Fail, Durability::Lazy, staging);
-    QVERIFY(late.open());
-    late.device().write("new");
-    put(m_target, "appeared meanwhile");
-    const auto done = late.commit();
-    QVERIFY(!done);
-    QVERIFY(done.error().text.contains(QStringLiteral("exists already")));
-    QCOMPARE(contents(m_target), QByteArray("appeared meanwhile"));
-    QCOMPARE(namesIn(m_folder->path(QStringLiteral("out"))).size(), 1);
-
-    const QString link = m_folder->path(QStringLiteral("out/dangling.jpg"));
-    QVERIFY(QFile::link(m_folder->path(QStringLiteral("nowhere")), link));
-    AtomicFile onLink(link, IfExists::Fail, Durability::Lazy, staging);
-    QVERIFY(!onLink.open());
-    QVERIFY(!QFileInfo::exists(m_folder->path(QStringLiteral("nowhere"))));
-}
-
-void AtomicFileTest::alternatives_data()
-{
-    QTest::addColumn<Staging>("staging");
-    QTest::newRow("nameless") << Staging::NamelessWherePossible;
-    QTest::newRow("named") << Staging::Named;
-}
-
-/// Names that are taken before the file is begun and while it is written are passed over.
-void AtomicFileTest::alternatives()
-{
-    QFETCH(Staging, staging);
-    const auto numbered = [this](int number) { return m_target + QString::number(number); };
-    put(m_target, "old");
-    AtomicFile file(m_target, IfExists::Fail, Durability::Lazy, staging);
-    file.setAlternatives([&, number = 0]() mutable -> std::optional<QString> {
-        return number < 4 ? std::optional(numbered(++number)) : std::nullopt;
-    });
-    QVERIFY(file.open());
-    file.device().write("new");
-    for (const int taken : {1, 2})
-        put(numbered(taken), "old");
-    QVERIFY(file.commit());
-    QCOMPARE(contents(numbered(3)), "new");
-    QCOMPARE(contents(m_target) + contents(numbered(1)) + contents(numbered(2)), "oldoldold");
-    QCOMPARE(namesIn(m_folder->path(QStringLiteral("out"))).size(), 4);
-
-    put(numbered(4), "old");
-    AtomicFile last(numbered(4), IfExists::Fail, Durability::Lazy, staging);
-    last.setAlternatives([] { return std::nullopt; });
-    QVERIFY(!last.open());
-}
-
-void AtomicFileTest::oneOfManyWins_data()
-{
-    failNeverReplaces_data();
-}
-
-void AtomicFileTest::oneOfManyWins()
-{
-    QFETCH(Staging, staging);
-    for (int round = 0; round < 20; ++round) {
-        const QString target = m_target + QString::number(round);
-        std::atomic<int> ready = 0;
-        std::atomic<int> winner = -1;
-        std::atomic<int> winners = 0;
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i) {
-            threads.emplace_back([&, i] {
-                AtomicFile file(target, IfExists::Fail, Durability::Lazy, staging);
-                const bool opened = file.open().has_value();
-                if (opened)
-                    file.device().write(QByteArray::number(i));
-                ++ready;
-                while (ready < 4)
-                    std::this_thread::yield();
-                if (opened && file.commit()) {
-                    winner = i;
-                    ++winners;
-                }
-            });
+    void writes_data()
+    {
+        addRows<Way>({{"new", IfExists::Fail, false},
+                      {"new where one may stand", IfExists::Replace, false},
+                      {"replaced", IfExists::Replace, true},
+                      {"new, named", IfExists::Fail, false, Staging::Named},
+                      {"new where one may stand, named", IfExists::Replace, false, Staging::Named},
+                      {"replaced, named", IfExists::Replace, true, Staging::Named}});
+    }
+    void writes()
+    {
+        const auto [name, ifExists, exists, staging] = currentRow<Way>();
+        if (exists)
+            QVERIFY(writeFile(m_target, "old"));
+        const QStringList before = namesInOut();
+        {
+            AtomicFile abandoned(m_target, ifExists, Durability::Lazy, staging);
+            QVERIFY(abandoned.open());
+            abandoned.device().write("never seen");
         }
-        for (std::thread &thread : threads)
-            thread.join();
-        QCOMPARE(winners, 1);
-        QCOMPARE(contents(target), QByteArray::number(winner));
-    }
-    QCOMPARE(namesIn(m_folder->path(QStringLiteral("out"))).size(), 20);
-}
+        QCOMPARE(namesInOut(), before);
 
-void AtomicFileTest::fullDisk_data()
-{
-    writes_data();
-}
-
-void AtomicFileTest::fullDisk()
-{
-    QFETCH(IfExists, ifExists);
-    QFETCH(Staging, staging);
-    QFETCH(bool, exists);
-    if (exists)
-        put(m_target, "old");
-    // A limit of the file size stands in for a full disk: the write is cut short in the same way.
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-    QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
-    const rlimit low{100'000, before.rlim_max};
-    QCOMPARE(setrlimit(RLIMIT_FSIZE, &low), 0);
-    QStringList texts;
-    for (const int size : {100'000, 100'001, 300'000}) {
-        AtomicFile file(m_target, size == 100'000 ? IfExists::Replace : ifExists, Durability::Lazy, staging);
-        texts.append(writeAll(file, QByteArray(size, 'x')));
-        if (size == 100'000 && !exists)
-            QFile::remove(m_target);
-    }
-    setrlimit(RLIMIT_FSIZE, &before);
-    QCOMPARE(texts[0], QString());
-    QVERIFY2(texts[1].endsWith(QStringLiteral("the file is larger than is allowed here")),
-             qPrintable(texts[1]));
-    QVERIFY(texts[1].contains(m_target));
-    QCOMPARE(texts[2], texts[1]);
-    QCOMPARE(namesIn(m_folder->path(QStringLiteral("out"))).size(), exists ? 1 : 0);
-    if (exists)
-        QCOMPARE(contents(m_target).size(), 100'000);
-}
-
-void AtomicFileTest::failedWriteIsRemembered()
-{
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-    QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
-    AtomicFile file(m_target, IfExists::Fail, Durability::Lazy);
-    QVERIFY(file.open());
-    const rlimit low{1000, before.rlim_max};
-    QCOMPARE(setrlimit(RLIMIT_FSIZE, &low), 0);
-    file.device().write(QByteArray(100'000, 'x'));
-    setrlimit(RLIMIT_FSIZE, &before);
-    // There is room again, but a piece is missing.
-    QVERIFY(file.device().seek(0));
-    file.device().write("start");
-    QVERIFY(!file.commit());
-    QVERIFY(!QFileInfo::exists(m_target));
-}
-
-void AtomicFileTest::refusals_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<IfExists>("ifExists");
-    QTest::addColumn<QString>("reason");
-    const auto row = [](const char *name, IfExists ifExists, const char *reason) {
-        QTest::newRow(qPrintable(QLatin1String(name).left(30)))
-            << QString::fromLatin1(name) << ifExists << QString::fromLatin1(reason);
-    };
-    row("no/such/folder.jpg", IfExists::Fail, "the folder does not exist");
-    row("file/copy.jpg", IfExists::Fail, "a part of its path is not a folder");
-    row("folder", IfExists::Replace, "a folder of that name exists");
-    row("file", IfExists::Fail, "a file of that name exists already");
-    row("circle", IfExists::Replace, "its symbolic links go in a circle");
-    row("pipe", IfExists::Replace, "it is not an ordinary file");
-    row(QByteArray(300, 'n').constData(), IfExists::Replace, "its name is too long");
-}
-
-void AtomicFileTest::refusals()
-{
-    QFETCH(QString, name);
-    QFETCH(IfExists, ifExists);
-    QFETCH(QString, reason);
-    put(m_folder->path(QStringLiteral("file")), "old");
-    QVERIFY(QDir().mkpath(m_folder->path(QStringLiteral("folder"))));
-    QVERIFY(QFile::link(m_folder->path(QStringLiteral("circle")), m_folder->path(QStringLiteral("circle"))));
-    QCOMPARE(mkfifo(QFile::encodeName(m_folder->path(QStringLiteral("pipe"))).constData(), 0600), 0);
-    AtomicFile file(m_folder->path(name), ifExists, Durability::Lazy);
-    QCOMPARE(writeAll(file, "new"),
-             QStringLiteral("\"%1\" cannot be written: %2").arg(m_folder->path(name), reason));
-    QCOMPARE(contents(m_folder->path(QStringLiteral("file"))), QByteArray("old"));
-}
-
-void AtomicFileTest::folderVanishes()
-{
-    for (const auto staging : {Staging::NamelessWherePossible, Staging::Named}) {
-        const QString folder = m_folder->path(QStringLiteral("short-lived"));
-        QVERIFY(QDir().mkpath(folder));
-        AtomicFile file(folder + QStringLiteral("/copy.jpg"), IfExists::Fail, Durability::Lazy, staging);
+        AtomicFile file(m_target, ifExists, Durability::Synced, staging);
         QVERIFY(file.open());
-        QVERIFY(QDir(folder).removeRecursively());
+        QVERIFY(file.device().write("0123456789") == 10);
+        QVERIFY(file.device().seek(2));
+        QVERIFY(file.device().write("ab") == 2);
+        QVERIFY(file.device().seek(0));
+        QCOMPARE(file.device().read(4), QByteArray("01ab"));
+        QCOMPARE(contentsOf(m_target), exists ? "old" : QByteArray());
+        for (const QString &name : namesInOut())
+            QVERIFY(before.contains(name) || AtomicFile::isTemporaryName(name));
         const auto done = file.commit();
-        QVERIFY(!done);
-        QVERIFY(done.error().text.contains(QStringLiteral("the folder does not exist")));
+        QVERIFY2(done, done ? "" : qPrintable(done.error().text));
+        QCOMPARE(contentsOf(m_target), "01ab456789");
+        QCOMPARE(namesInOut().size(), 1);
+        QVERIFY(!file.commit());
     }
-}
 
-void AtomicFileTest::keepsPermissionsAndLinks()
-{
-    const QString link = m_folder->path(QStringLiteral("link.jpg"));
-    put(m_target, "old");
-    QCOMPARE(chmod(QFile::encodeName(m_target).constData(), 0751), 0);
-    // A relative link, so that it must be taken from the link's own folder.
-    QCOMPARE(symlink(QFile::encodeName(QStringLiteral("out/") + QFileInfo(m_target).fileName()).constData(),
-                     QFile::encodeName(link).constData()),
-             0);
-    AtomicFile file(link, IfExists::Replace, Durability::Lazy);
-    QCOMPARE(writeAll(file, "new"), QString());
-    QVERIFY(QFileInfo(link).isSymLink());
-    QVERIFY(!QFileInfo(m_target).isSymLink());
-    QCOMPARE(contents(m_target), QByteArray("new"));
-    QCOMPARE(modeOf(m_target), mode_t(0751));
-}
+    void failNeverReplaces_data() { addStagings(); }
+    void failNeverReplaces()
+    {
+        const Staging staging = currentRow<Way>().staging;
+        AtomicFile late(m_target, IfExists::Fail, Durability::Lazy, staging);
+        QVERIFY(late.open());
+        late.device().write("new");
+        QVERIFY(writeFile(m_target, "appeared meanwhile"));
+        const auto done = late.commit();
+        QVERIFY(!done && done.error().text.contains(u"exists already"_qs));
+        QCOMPARE(contentsOf(m_target), "appeared meanwhile");
+        QCOMPARE(namesInOut().size(), 1);
 
-void AtomicFileTest::newFileFollowsUmask()
-{
-    const mode_t before = umask(027);
-    QStringList failures;
-    for (const auto staging : {Staging::NamelessWherePossible, Staging::Named}) {
+        const QString link = m_folder->path("out/dangling.jpg");
+        QVERIFY(QFile::link(m_folder->path("nowhere"), link));
+        AtomicFile onLink(link, IfExists::Fail, Durability::Lazy, staging);
+        QVERIFY(!onLink.open());
+        QVERIFY(!QFileInfo::exists(m_folder->path("nowhere")));
+    }
+
+    void alternatives_data() { addStagings(); }
+    /// Names that are taken before the file is begun and while it is written are passed over.
+    void alternatives()
+    {
+        const Staging staging = currentRow<Way>().staging;
+        const auto numbered = [this](int number) { return m_target + QString::number(number); };
+        QVERIFY(writeFile(m_target, "old"));
         AtomicFile file(m_target, IfExists::Fail, Durability::Lazy, staging);
-        failures.append(writeAll(file, "new"));
-        const mode_t mode = modeOf(m_target);
-        QFile::remove(m_target);
-        if (mode != 0640)
-            failures.append(QStringLiteral("mode %1").arg(mode, 0, 8));
-    }
-    umask(before);
-    QCOMPARE(failures, QStringList({QString(), QString()}));
-}
+        file.setAlternatives([&, number = 0]() mutable -> std::optional<QString> {
+            return number < 4 ? std::optional(numbered(++number)) : std::nullopt;
+        });
+        QVERIFY(file.open());
+        file.device().write("new");
+        for (const int taken : {1, 2})
+            QVERIFY(writeFile(numbered(taken), "old"));
+        QVERIFY(file.commit());
+        QCOMPARE(contentsOf(numbered(3)), "new");
+        QCOMPARE(contentsOf(m_target) + contentsOf(numbered(1)) + contentsOf(numbered(2)), "oldoldold");
+        QCOMPARE(namesInOut().size(), 4);
 
-void AtomicFileTest::modificationTime()
-{
-    for (const timespec time : {timespec{1'234'567'890, 123'456'789}, timespec{-2, 500'000'001}}) {
-        AtomicFile file(m_target, IfExists::Replace, Durability::Lazy);
-        file.setModificationTime(time);
-        QCOMPARE(writeAll(file, "new"), QString());
-        struct stat info {
-        };
-        QCOMPARE(stat(QFile::encodeName(m_target).constData(), &info), 0);
-        QCOMPARE(info.st_mtim.tv_sec, time.tv_sec);
-        QCOMPARE(info.st_mtim.tv_nsec, time.tv_nsec);
+        QVERIFY(writeFile(numbered(4), "old"));
+        AtomicFile last(numbered(4), IfExists::Fail, Durability::Lazy, staging);
+        last.setAlternatives([] { return std::nullopt; });
+        QVERIFY(!last.open());
     }
-}
 
-void AtomicFileTest::killedWhileWriting()
-{
-    const pid_t child = fork();
-    QVERIFY(child >= 0);
-    if (child == 0) {
+    void oneOfManyWins_data() { failNeverReplaces_data(); }
+
+    void oneOfManyWins()
+    {
+        const Staging staging = currentRow<Way>().staging;
+        for (int round = 0; round < 20; ++round) {
+            const QString target = m_target + QString::number(round);
+            std::atomic<int> ready = 0;
+            std::atomic<int> winner = -1;
+            std::atomic<int> winners = 0;
+            std::vector<std::thread> threads;
+            for (int i = 0; i < 4; ++i) {
+                threads.emplace_back([&, i] {
+                    AtomicFile file(target, IfExists::Fail, Durability::Lazy, staging);
+                    const bool opened = file.open().has_value();
+                    if (opened)
+                        file.device().write(QByteArray::number(i));
+                    ++ready;
+                    while (ready < 4)
+                        std::this_thread::yield();
+                    if (opened && file.commit()) {
+                        winner = i;
+                        ++winners;
+                    }
+                });
+            }
+            for (std::thread &thread : threads)
+                thread.join();
+            QCOMPARE(winners, 1);
+            QCOMPARE(contentsOf(target), QByteArray::number(winner));
+        }
+        QCOMPARE(namesInOut().size(), 20);
+    }
+
+    void fullDisk_data() { writes_data(); }
+
+    void fullDisk()
+    {
+        const auto [name, ifExists, exists, staging] = currentRow<Way>();
+        if (exists)
+            QVERIFY(writeFile(m_target, "old"));
+        // A limit of the file size stands in for a full disk: the write is cut short in the same way.
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit before{};
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
+        const rlimit low{100'000, before.rlim_max};
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &low), 0);
+        QStringList texts;
+        for (const int size : {100'000, 100'001, 300'000}) {
+            AtomicFile file(m_target, size == 100'000 ? IfExists::Replace : ifExists, Durability::Lazy,
+                            staging);
+            texts.append(writeAll(file, QByteArray(size, 'x')));
+            if (size == 100'000 && !exists)
+                QFile::remove(m_target);
+        }
+        setrlimit(RLIMIT_FSIZE, &before);
+        QCOMPARE(texts[0], QString());
+        QVERIFY2(texts[1].endsWith(u"the file is larger than is allowed here"_qs), qPrintable(texts[1]));
+        QVERIFY(texts[1].contains(m_target));
+        QCOMPARE(texts[2], texts[1]);
+        QCOMPARE(namesInOut().size(), exists ? 1 : 0);
+        if (exists)
+            QCOMPARE(contentsOf(m_target).size(), 100'000);
+    }
+
+    void failedWriteIsRemembered()
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit before{};
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
         AtomicFile file(m_target, IfExists::Fail, Durability::Lazy);
-        if (!file.open())
-            _exit(1);
-        file.device().write("half");
-        file.device().flush();
-        raise(SIGKILL);
+        QVERIFY(file.open());
+        const rlimit low{1000, before.rlim_max};
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &low), 0);
+        file.device().write(QByteArray(100'000, 'x'));
+        setrlimit(RLIMIT_FSIZE, &before);
+        // There is room again, but a piece is missing.
+        QVERIFY(file.device().seek(0));
+        file.device().write("start");
+        QVERIFY(!file.commit());
+        QVERIFY(!QFileInfo::exists(m_target));
     }
-    int status = 0;
-    QCOMPARE(waitpid(child, &status, 0), child);
-    QVERIFY(WIFSIGNALED(status));
-    for (const QString &name : namesIn(m_folder->path(QStringLiteral("out"))))
-        QVERIFY2(AtomicFile::isTemporaryName(name), qPrintable(name));
-}
+
+    void refusals_data()
+    {
+        addRows<Refusal>({{"no/such/folder.jpg", IfExists::Fail, "the folder does not exist"},
+                          {"file/copy.jpg", IfExists::Fail, "a part of its path is not a folder"},
+                          {"folder", IfExists::Replace, "a folder of that name exists"},
+                          {"file", IfExists::Fail, "a file of that name exists already"},
+                          {"circle", IfExists::Replace, "its symbolic links go in a circle"},
+                          {"pipe", IfExists::Replace, "it is not an ordinary file"},
+                          {QString(300, u'n'), IfExists::Replace, "its name is too long"}});
+    }
+    void refusals()
+    {
+        const auto [name, ifExists, reason] = currentRow<Refusal>();
+        QVERIFY(writeFile(m_folder->path("file"), "old"));
+        QVERIFY(QDir().mkpath(m_folder->path("folder")));
+        QVERIFY(QFile::link(m_folder->path("circle"), m_folder->path("circle")));
+        QCOMPARE(mkfifo(QFile::encodeName(m_folder->path("pipe")).constData(), 0600), 0);
+        AtomicFile file(m_folder->path(name), ifExists, Durability::Lazy);
+        QCOMPARE(writeAll(file, "new"),
+                 QStringLiteral("\"%1\" cannot be written: %2").arg(m_folder->path(name), reason));
+        QCOMPARE(contentsOf(m_folder->path("file")), "old");
+    }
+
+    void folderVanishes()
+    {
+        for (const auto staging : {Staging::NamelessWherePossible, Staging::Named}) {
+            const QString folder = m_folder->path("short-lived");
+            QVERIFY(QDir().mkpath(folder));
+            AtomicFile file(folder + u"/copy.jpg"_qs, IfExists::Fail, Durability::Lazy, staging);
+            QVERIFY(file.open());
+            QVERIFY(QDir(folder).removeRecursively());
+            const auto done = file.commit();
+            QVERIFY(!done && done.error().text.contains(u"the folder does not exist"_qs));
+        }
+    }
+
+    void keepsPermissionsAndLinks()
+    {
+        const QString link = m_folder->path("link.jpg");
+        QVERIFY(writeFile(m_target, "old"));
+        QCOMPARE(chmod(QFile::encodeName(m_target).constData(), 0751), 0);
+        // A relative link, so that it must be taken from the link's own folder.
+        QCOMPARE(symlink(QFile::encodeName(u"out/"_qs + QFileInfo(m_target).fileName()).constData(),
+                         QFile::encodeName(link).constData()),
+                 0);
+        AtomicFile file(link, IfExists::Replace, Durability::Lazy);
+        QCOMPARE(writeAll(file, "new"), QString());
+        QVERIFY(QFileInfo(link).isSymLink());
+        QVERIFY(!QFileInfo(m_target).isSymLink());
+        QCOMPARE(contentsOf(m_target), "new");
+        QCOMPARE(modeOf(m_target), mode_t(0751));
+    }
+
+    void newFileFollowsUmask()
+    {
+        const mode_t before = umask(027);
+        QStringList failures;
+        for (const auto staging : {Staging::NamelessWherePossible, Staging::Named}) {
+            AtomicFile file(m_target, IfExists::Fail, Durability::Lazy, staging);
+            failures.append(writeAll(file, "new"));
+            const mode_t mode = modeOf(m_target);
+            QFile::remove(m_target);
+            if (mode != 0640)
+                failures.append(u"mode %1"_qs.arg(mode, 0, 8));
+        }
+        umask(before);
+        QCOMPARE(failures, QStringList({QString(), QString()}));
+    }
+
+    void modificationTime()
+    {
+        for (const timespec time : {timespec{1'234'567'890, 123'456'789}, timespec{-2, 500'000'001}}) {
+            AtomicFile file(m_target, IfExists::Replace, Durability::Lazy);
+            file.setModificationTime(time);
+            QCOMPARE(writeAll(file, "new"), QString());
+            struct stat info {
+            };
+            QCOMPARE(stat(QFile::encodeName(m_target).constData(), &info), 0);
+            QCOMPARE(info.st_mtim.tv_sec, time.tv_sec);
+            QCOMPARE(info.st_mtim.tv_nsec, time.tv_nsec);
+        }
+    }
+
+    void killedWhileWriting()
+    {
+        const pid_t child = fork();
+        QVERIFY(child >= 0);
+        if (child == 0) {
+            AtomicFile file(m_target, IfExists::Fail, Durability::Lazy);
+            if (!file.open())
+                _exit(1);
+            file.device().write("half");
+            file.device().flush();
+            raise(SIGKILL);
+        }
+        int status = 0;
+        QCOMPARE(waitpid(child, &status, 0), child);
+        QVERIFY(WIFSIGNALED(status));
+        for (const QString &name : namesInOut())
+            QVERIFY2(AtomicFile::isTemporaryName(name), qPrintable(name));
+    }
+};
 
 QTEST_GUILESS_MAIN(AtomicFileTest)
 #include "atomicfile_test.moc"

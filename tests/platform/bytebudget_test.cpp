@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "platform/bytebudget.h"
+#include "support/datarows.h"
+#include "support/files.h"
 
 #include <QtTest>
 
@@ -16,161 +18,156 @@
 #include <vector>
 
 using namespace plexa;
+using namespace plexa::test;
 using namespace std::chrono_literals;
+
+namespace
+{
+
+struct Request {
+    Text name;
+    qint64 total;
+    qint64 bytes;
+    bool isGranted;
+};
+
+struct OwnLimit {
+    Text name;
+    __rlimit_resource resource;
+    int field; ///< of /proc/self/statm: the pages that count for it
+};
+
+} // namespace
 
 class ByteBudgetTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void requests_data();
-    void requests();
-    void neverOverdrawn();
-    void largeRequestIsNotStarved();
-    void physicalMemory();
-    void ownLimits_data();
-    void ownLimits();
-};
-
-void ByteBudgetTest::requests_data()
-{
-    QTest::addColumn<qint64>("total");
-    QTest::addColumn<qint64>("bytes");
-    QTest::addColumn<bool>("granted");
-    QTest::newRow("some") << qint64(100) << qint64(40) << true;
-    QTest::newRow("all") << qint64(100) << qint64(100) << true;
-    QTest::newRow("more than there is") << qint64(100) << qint64(101) << false;
-    QTest::newRow("absurd") << qint64(100) << std::numeric_limits<qint64>::max() << false;
-    QTest::newRow("negative") << qint64(100) << qint64(-5) << true;
-    QTest::newRow("nothing of nothing") << qint64(-1) << qint64(0) << true;
-}
-
-void ByteBudgetTest::requests()
-{
-    QFETCH(qint64, total);
-    QFETCH(qint64, bytes);
-    QFETCH(bool, granted);
-    ByteBudget budget(total);
+    void requests_data()
     {
-        auto reservation = budget.reserve(bytes);
-        QCOMPARE(reservation.has_value(), granted);
-        QCOMPARE(budget.available(), budget.total() - (granted ? std::max<qint64>(bytes, 0) : 0));
-        if (granted) {
-            ByteBudget::Reservation moved = std::move(*reservation);
-            moved.release();
-            moved.release();
-            QCOMPARE(budget.available(), budget.total());
-            moved = *budget.reserve(0);
-        }
+        addRows<Request>({{"some", 100, 40, true},
+                          {"all", 100, 100, true},
+                          {"more than there is", 100, 101, false},
+                          {"absurd", 100, std::numeric_limits<qint64>::max(), false},
+                          {"negative", 100, -5, true},
+                          {"nothing of nothing", -1, 0, true}});
     }
-    QCOMPARE(budget.available(), budget.total());
-}
-
-void ByteBudgetTest::neverOverdrawn()
-{
-    ByteBudget budget(100);
-    std::atomic<qint64> held = 0;
-    std::atomic<qint64> most = 0;
-    std::atomic<int> done = 0;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&, i] {
-            for (int n = 0; n < 500; ++n) {
-                const qint64 bytes = (n * 37 + i * 11) % 101;
-                const auto reservation = budget.reserve(bytes);
-                const qint64 now = held += bytes;
-                qint64 before = most;
-                while (now > before && !most.compare_exchange_weak(before, now)) {
-                }
-                std::this_thread::yield();
-                held -= bytes;
+    void requests()
+    {
+        const auto [row, total, bytes, isGranted] = currentRow<Request>();
+        ByteBudget budget(total);
+        {
+            auto reservation = budget.reserve(bytes);
+            QCOMPARE(reservation.has_value(), isGranted);
+            QCOMPARE(budget.available(), budget.total() - (isGranted ? std::max<qint64>(bytes, 0) : 0));
+            if (isGranted) {
+                ByteBudget::Reservation moved = std::move(*reservation);
+                moved.release();
+                moved.release();
+                QCOMPARE(budget.available(), budget.total());
+                moved = *budget.reserve(0);
             }
-            ++done;
-        });
-    }
-    for (std::thread &thread : threads)
-        thread.join();
-    QCOMPARE(done, 4);
-    QVERIFY(most <= 100);
-    QCOMPARE(budget.available(), 100);
-}
-
-void ByteBudgetTest::largeRequestIsNotStarved()
-{
-    ByteBudget budget(100);
-    std::atomic<bool> largeIsServed = false;
-    std::atomic<bool> stop = false;
-    // Two threads relieve each other: each keeps its bytes until the other has some, so that all of the
-    // budget is never free unless one of them has to queue, and the other one tires of waiting.
-    std::array<std::atomic<int>, 2> grants{};
-    const auto relieve = [&](std::size_t own) {
-        while (!stop) {
-            const auto held = budget.reserve(10);
-            const int seen = grants[1 - own];
-            ++grants[own];
-            const auto end = std::chrono::steady_clock::now() + 100ms;
-            while (!stop && grants[1 - own] == seen && std::chrono::steady_clock::now() < end)
-                std::this_thread::yield();
         }
-    };
-    std::thread first(relieve, 0);
-    std::thread second(relieve, 1);
-    const bool relieving = QTest::qWaitFor([&] { return grants[0] > 10 && grants[1] > 10; }, 20'000);
-    std::thread large([&] {
-        const auto all = budget.reserve(100);
-        largeIsServed = all.has_value();
-    });
-    const bool served = QTest::qWaitFor([&] { return largeIsServed.load(); }, 5'000);
-    stop = true;
-    for (std::thread *thread : {&large, &first, &second})
-        thread->join();
-    QVERIFY(relieving);
-    QVERIFY(served);
-}
+        QCOMPARE(budget.available(), budget.total());
+    }
 
-void ByteBudgetTest::physicalMemory()
-{
-    QVERIFY(physicalMemoryBytes() > 32 * 1024 * 1024);
-    QFile info(QStringLiteral("/proc/meminfo"));
-    QVERIFY(info.open(QIODevice::ReadOnly));
-    const qint64 kilobytes = info.readLine().simplified().split(' ').value(1).toLongLong();
-    QVERIFY(physicalMemoryBytes() <= kilobytes * 1024);
-}
+    void neverOverdrawn()
+    {
+        ByteBudget budget(100);
+        std::atomic<qint64> held = 0;
+        std::atomic<qint64> most = 0;
+        std::atomic<int> done = 0;
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 4; ++i) {
+            threads.emplace_back([&, i] {
+                for (int n = 0; n < 500; ++n) {
+                    const qint64 bytes = (n * 37 + i * 11) % 101;
+                    const auto reservation = budget.reserve(bytes);
+                    const qint64 now = held += bytes;
+                    qint64 before = most;
+                    while (now > before && !most.compare_exchange_weak(before, now)) {
+                    }
+                    std::this_thread::yield();
+                    held -= bytes;
+                }
+                ++done;
+            });
+        }
+        for (std::thread &thread : threads)
+            thread.join();
+        QCOMPARE(done, 4);
+        QVERIFY(most <= 100);
+        QCOMPARE(budget.available(), 100);
+    }
 
-void ByteBudgetTest::ownLimits_data()
-{
-    QTest::addColumn<int>("resource");
-    QTest::addColumn<int>("field"); // of /proc/self/statm: what counts for it, in pages
-    QTest::newRow("addresses") << int(RLIMIT_AS) << 0;
-    QTest::newRow("data") << int(RLIMIT_DATA) << 5;
-}
+    void largeRequestIsNotStarved()
+    {
+        ByteBudget budget(100);
+        std::atomic<bool> largeIsServed = false;
+        std::atomic<bool> stop = false;
+        // Two threads relieve each other: each keeps its bytes until the other has some, so that all of the
+        // budget is never free unless one of them has to queue, and the other one tires of waiting.
+        std::array<std::atomic<int>, 2> grants{};
+        const auto relieve = [&](std::size_t own) {
+            while (!stop) {
+                const auto held = budget.reserve(10);
+                const int seen = grants[1 - own];
+                ++grants[own];
+                const auto end = std::chrono::steady_clock::now() + 100ms;
+                while (!stop && grants[1 - own] == seen && std::chrono::steady_clock::now() < end)
+                    std::this_thread::yield();
+            }
+        };
+        std::thread first(relieve, 0);
+        std::thread second(relieve, 1);
+        const bool relieving = QTest::qWaitFor([&] { return grants[0] > 10 && grants[1] > 10; }, 20'000);
+        std::thread large([&] {
+            const auto all = budget.reserve(100);
+            largeIsServed = all.has_value();
+        });
+        const bool served = QTest::qWaitFor([&] { return largeIsServed.load(); }, 5'000);
+        stop = true;
+        for (std::thread *thread : {&large, &first, &second})
+            thread->join();
+        QVERIFY(relieving);
+        QVERIFY(served);
+    }
 
-/// What is left of a limit of 100 MB beyond what is mapped.
-void ByteBudgetTest::ownLimits()
-{
-    QFETCH(int, resource);
-    QFETCH(int, field);
-    rlimit before = {};
-    QCOMPARE(getrlimit(__rlimit_resource(resource), &before), 0);
-    if (before.rlim_cur != RLIM_INFINITY)
-        QSKIP("the tests run under such a limit themselves");
-    QVERIFY(!mappableBytes());
-    QVERIFY(hasRoomToSpare(std::numeric_limits<qint64>::max()));
-    QFile file(QStringLiteral("/proc/self/statm"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const qint64 mapped = file.readAll().simplified().split(' ').value(field).toLongLong() * getpagesize();
-    const rlimit limit = {rlim_t(mapped + 100'000'000), before.rlim_max};
-    QCOMPARE(setrlimit(__rlimit_resource(resource), &limit), 0);
-    const std::optional<qint64> left = mappableBytes();
-    const qint64 memory = physicalMemoryBytes();
-    const bool hasSome = hasRoomToSpare(20'000'000);
-    const bool hasAll = hasRoomToSpare(60'000'000);
-    QCOMPARE(setrlimit(__rlimit_resource(resource), &before), 0);
-    QVERIFY2(left && *left > 80'000'000 && *left <= 100'000'000,
-             qPrintable(QString::number(left.value_or(-1))));
-    QVERIFY2(memory > 80'000'000 && memory <= 100'000'000, qPrintable(QString::number(memory)));
-    QVERIFY(hasSome && !hasAll);
-}
+    void physicalMemory()
+    {
+        QVERIFY(physicalMemoryBytes() > 32 * 1024 * 1024);
+        const qint64 kilobytes =
+            contentsOf(u"/proc/meminfo"_qs).simplified().split(' ').value(1).toLongLong();
+        QVERIFY(physicalMemoryBytes() <= kilobytes * 1024);
+    }
+
+    void ownLimits_data() { addRows<OwnLimit>({{"addresses", RLIMIT_AS, 0}, {"data", RLIMIT_DATA, 5}}); }
+    /// What is left of a limit of 100 MB beyond what is mapped.
+    void ownLimits()
+    {
+        const auto [row, resource, field] = currentRow<OwnLimit>();
+        rlimit before = {};
+        QCOMPARE(getrlimit(resource, &before), 0);
+        if (before.rlim_cur != RLIM_INFINITY)
+            QSKIP("the tests run under such a limit themselves");
+        QVERIFY(!mappableBytes());
+        QVERIFY(hasRoomToSpare(std::numeric_limits<qint64>::max()));
+        const QByteArrayList fields = contentsOf(u"/proc/self/statm"_qs).simplified().split(' ');
+        const qint64 mapped = fields.value(field).toLongLong() * getpagesize();
+        const rlimit limit = {rlim_t(mapped + 100'000'000), before.rlim_max};
+        QCOMPARE(setrlimit(resource, &limit), 0);
+        const std::optional<qint64> left = mappableBytes();
+        const qint64 memory = physicalMemoryBytes();
+        const bool hasSome = hasRoomToSpare(20'000'000);
+        const bool hasAll = hasRoomToSpare(60'000'000);
+        QCOMPARE(setrlimit(resource, &before), 0);
+        QVERIFY2(left && *left > 80'000'000 && *left <= 100'000'000,
+                 qPrintable(QString::number(left.value_or(-1))));
+        QVERIFY2(memory > 80'000'000 && memory <= 100'000'000, qPrintable(QString::number(memory)));
+        QVERIFY(hasSome && !hasAll);
+    }
+};
 
 QTEST_GUILESS_MAIN(ByteBudgetTest)
 #include "bytebudget_test.moc"

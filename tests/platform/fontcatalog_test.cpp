@@ -2,6 +2,7 @@
 
 #include "platform/fontcatalog.h"
 #include "platform/fontnames.h"
+#include "support/datarows.h"
 #include "support/testenvironment.h"
 
 #include <QPainterPath>
@@ -14,13 +15,14 @@
 #include <vector>
 
 using namespace plexa;
+using namespace plexa::test;
 
 namespace
 {
 
 double textWidth(const SizedFont &font)
 {
-    QTextLayout layout(QStringLiteral("Hamburgefonstiv"), font.font);
+    QTextLayout layout(u"Hamburgefonstiv"_qs, font.font);
     layout.beginLayout();
     QTextLine line = layout.createLine();
     line.setLineWidth(1e6);
@@ -28,163 +30,147 @@ double textWidth(const SizedFont &font)
     return line.naturalTextWidth() * font.scale;
 }
 
+struct Installed {
+    Text name;
+    QString file;
+    FontCatalog::Face face;
+};
+
+struct Size {
+    Text name;
+    double pixels;
+};
+
 } // namespace
 
 class FontCatalogTest : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    // First, since the thread sanitizer cannot watch threads once the process has started another one.
-    void threadsGetTheSameFaces();
-    void everyInstalledFace_data();
-    void everyInstalledFace();
-    void defaultIsTheSystemsSansSerif();
-    void unknownNames();
-    void familiesAndStyles();
-    void alternativeFamilyName();
-    void sizes_data();
-    void sizes();
-    void brokenNameTables();
-
 private:
     FontCatalog m_catalog;
+
+private Q_SLOTS:
+    // First, since the thread sanitizer cannot watch threads once the process has started another one.
+
+    void threadsGetTheSameFaces()
+    {
+        const FontCatalog catalog;
+        const double expected = textWidth(*m_catalog.fontNamed(u"DejaVuSans-Bold"_qs, 48));
+        std::atomic<int> right = 0;
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 4; ++i) {
+            threads.emplace_back([&] {
+                const auto font = catalog.fontNamed(u"DejaVuSans-Bold"_qs, 48);
+                right += font && textWidth(*font) == expected;
+            });
+        }
+        for (std::thread &thread : threads)
+            thread.join();
+        QCOMPARE(right, 4);
+    }
+
+    void everyInstalledFace_data()
+    {
+        const QByteArray list = outputOf("fc-list :scalable=true:variable=false --format "
+                                         "'%{file}|%{postscriptname}|%{family[0]}|%{style[0]}\n'");
+        const QStringList lines = QString::fromUtf8(list).split(u'\n', Qt::SkipEmptyParts);
+        QVERIFY2(lines.size() >= 4, "fc-list found no fonts");
+        for (const QString &line : lines) {
+            const QStringList parts = line.split(u'|');
+            QCOMPARE(parts.size(), 4);
+            if (parts[1].startsWith(QLatin1String("DejaVu")))
+                addRow(Installed{parts[1], parts[0], {parts[2], parts[3]}});
+        }
+    }
+
+    void everyInstalledFace()
+    {
+        const auto [name, file, face] = currentRow<Installed>();
+        QCOMPARE(m_catalog.face(name).family, face.family);
+        QCOMPARE(m_catalog.face(name).style, face.style);
+        QCOMPARE(m_catalog.postScriptName(face.family, face.style), name);
+
+        const auto font = m_catalog.fontNamed(name, 40);
+        QVERIFY(font);
+        // The font's header differs in every file (it holds a checksum), so this is the very file.
+        const QRawFont resolved = QRawFont::fromFont(font->font);
+        const QRawFont expected(file, 40);
+        QVERIFY(expected.isValid());
+        QCOMPARE(resolved.fontTable("head"), expected.fontTable("head"));
+        // No made-up boldness or slant on top of the face's own.
+        QCOMPARE(resolved.pathForGlyph(resolved.glyphIndexesForString(u"R"_qs).first()).boundingRect(),
+                 expected.pathForGlyph(expected.glyphIndexesForString(u"R"_qs).first()).boundingRect());
+    }
+
+    void defaultIsTheSystemsSansSerif()
+    {
+        const QByteArray match = outputOf("fc-match --format %{postscriptname} sans-serif");
+        QVERIFY(!match.isEmpty());
+        QCOMPARE(m_catalog.defaultFontName(), QString::fromUtf8(match));
+        QCOMPARE(m_catalog.defaultFont(30).font, m_catalog.fontNamed(QString::fromUtf8(match), 30)->font);
+    }
+
+    void unknownNames()
+    {
+        for (const char *name : {"", "NoSuchFont-Bold", "dejavusans", "DejaVu Sans"})
+            QVERIFY2(!m_catalog.fontNamed(QLatin1String(name), 12), name);
+        QCOMPARE(m_catalog.face(u"NoSuchFont"_qs).family, QString());
+        QCOMPARE(m_catalog.postScriptName(u"DejaVu Sans"_qs, u"Hairy"_qs), QString());
+    }
+
+    void familiesAndStyles()
+    {
+        const QStringList families = m_catalog.families();
+        QVERIFY(families.indexOf(u"DejaVu Sans"_qs) >= 0);
+        QVERIFY(families.indexOf(u"DejaVu Sans Mono"_qs) > families.indexOf(u"DejaVu Sans"_qs));
+        QCOMPARE(m_catalog.styles(u"DejaVu Sans Mono"_qs), words("Book Oblique Bold 'Bold Oblique'"));
+        QCOMPARE(m_catalog.styles(u"No Such Family"_qs), QStringList());
+    }
+
+    void alternativeFamilyName()
+    {
+        // fonts-dejavu-extra has the condensed faces, known under a family name of their own as well.
+        if (m_catalog.face(u"DejaVuSansCondensed-Bold"_qs).family.isEmpty())
+            QSKIP("the condensed faces are not installed");
+        QCOMPARE(m_catalog.postScriptName(u"DejaVu Sans Condensed"_qs, u"bold"_qs),
+                 u"DejaVuSansCondensed-Bold"_qs);
+        QVERIFY(!m_catalog.families().contains(u"DejaVu Sans Condensed"_qs));
+    }
+
+    void sizes_data()
+    {
+        addRows<Size>({{"smaller than any layout size", 7.3},
+                       {"whole", 40.0},
+                       {"fraction", 240.37},
+                       {"greater than any layout size", 12345.6}});
+    }
+    void sizes()
+    {
+        const double pixelSize = currentRow<Size>().pixels;
+        const auto font = m_catalog.fontNamed(u"DejaVuSans"_qs, pixelSize);
+        QVERIFY(font);
+        QVERIFY(font->font.pixelSize() > 0);
+        QCOMPARE(font->font.pixelSize() * font->scale, pixelSize);
+        // Advances are rounded to 1/64 pixel of the layout size, at worst 0.1 % of a glyph's width.
+        const double unit = textWidth(*m_catalog.fontNamed(u"DejaVuSans"_qs, 1000)) / 1000;
+        QVERIFY(std::abs(textWidth(*font) / pixelSize / unit - 1) < 0.001);
+    }
+
+    void brokenNameTables()
+    {
+        const QByteArray table =
+            QRawFont::fromFont(m_catalog.fontNamed(u"DejaVuSans"_qs, 12)->font).fontTable("name");
+        QCOMPARE(postScriptNames(table), QStringList({u"DejaVuSans"_qs}));
+        for (qsizetype size = 0; size < std::min<qsizetype>(table.size(), 600); ++size) {
+            // A copy of exactly that size, so that a read beyond it is seen.
+            const std::vector<char> cut(table.cbegin(), table.cbegin() + size);
+            postScriptNames(QByteArray::fromRawData(cut.data(), size));
+        }
+        QByteArray wild(64, char(0xff));
+        QCOMPARE(postScriptNames(wild), QStringList());
+    }
 };
-
-void FontCatalogTest::everyInstalledFace_data()
-{
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<FontCatalog::Face>("face");
-    const QByteArray list =
-        test::outputOf(QStringLiteral("fc-list"),
-                       {QStringLiteral(":scalable=true:variable=false"), QStringLiteral("--format"),
-                        QStringLiteral("%{file}|%{postscriptname}|%{family[0]}|%{style[0]}\n")});
-    const QStringList lines = QString::fromUtf8(list).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    QVERIFY2(lines.size() >= 4, "fc-list found no fonts");
-    for (const QString &line : lines) {
-        const QStringList parts = line.split(QLatin1Char('|'));
-        QCOMPARE(parts.size(), 4);
-        if (parts[1].startsWith(QLatin1String("DejaVu")))
-            QTest::newRow(qPrintable(parts[1]))
-                << parts[0] << parts[1] << FontCatalog::Face{parts[2], parts[3]};
-    }
-}
-
-void FontCatalogTest::everyInstalledFace()
-{
-    QFETCH(QString, file);
-    QFETCH(QString, name);
-    QFETCH(FontCatalog::Face, face);
-
-    QCOMPARE(m_catalog.face(name).family, face.family);
-    QCOMPARE(m_catalog.face(name).style, face.style);
-    QCOMPARE(m_catalog.postScriptName(face.family, face.style), name);
-
-    const auto font = m_catalog.fontNamed(name, 40);
-    QVERIFY(font);
-    // The font's header differs in every file (it holds a checksum), so this is the very file.
-    const QRawFont resolved = QRawFont::fromFont(font->font);
-    const QRawFont expected(file, 40);
-    QVERIFY(expected.isValid());
-    QCOMPARE(resolved.fontTable("head"), expected.fontTable("head"));
-    // No made-up boldness or slant on top of the face's own.
-    QCOMPARE(
-        resolved.pathForGlyph(resolved.glyphIndexesForString(QStringLiteral("R")).first()).boundingRect(),
-        expected.pathForGlyph(expected.glyphIndexesForString(QStringLiteral("R")).first()).boundingRect());
-}
-
-void FontCatalogTest::defaultIsTheSystemsSansSerif()
-{
-    const QByteArray match = test::outputOf(
-        QStringLiteral("fc-match"),
-        {QStringLiteral("--format"), QStringLiteral("%{postscriptname}"), QStringLiteral("sans-serif")});
-    QVERIFY(!match.isEmpty());
-    QCOMPARE(m_catalog.defaultFontName(), QString::fromUtf8(match));
-    QCOMPARE(m_catalog.defaultFont(30).font, m_catalog.fontNamed(QString::fromUtf8(match), 30)->font);
-}
-
-void FontCatalogTest::unknownNames()
-{
-    for (const char *name : {"", "NoSuchFont-Bold", "dejavusans", "DejaVu Sans"})
-        QVERIFY2(!m_catalog.fontNamed(QLatin1String(name), 12), name);
-    QCOMPARE(m_catalog.face(QStringLiteral("NoSuchFont")).family, QString());
-    QCOMPARE(m_catalog.postScriptName(QStringLiteral("DejaVu Sans"), QStringLiteral("Hairy")), QString());
-}
-
-void FontCatalogTest::familiesAndStyles()
-{
-    const QStringList families = m_catalog.families();
-    QVERIFY(families.indexOf(QStringLiteral("DejaVu Sans")) >= 0);
-    QVERIFY(families.indexOf(QStringLiteral("DejaVu Sans Mono")) >
-            families.indexOf(QStringLiteral("DejaVu Sans")));
-    QCOMPARE(m_catalog.styles(QStringLiteral("DejaVu Sans Mono")),
-             QStringList({QStringLiteral("Book"), QStringLiteral("Oblique"), QStringLiteral("Bold"),
-                          QStringLiteral("Bold Oblique")}));
-    QCOMPARE(m_catalog.styles(QStringLiteral("No Such Family")), QStringList());
-}
-
-void FontCatalogTest::alternativeFamilyName()
-{
-    // fonts-dejavu-extra has the condensed faces, known under a family name of their own as well.
-    if (m_catalog.face(QStringLiteral("DejaVuSansCondensed-Bold")).family.isEmpty())
-        QSKIP("the condensed faces are not installed");
-    QCOMPARE(m_catalog.postScriptName(QStringLiteral("DejaVu Sans Condensed"), QStringLiteral("bold")),
-             QStringLiteral("DejaVuSansCondensed-Bold"));
-    QVERIFY(!m_catalog.families().contains(QStringLiteral("DejaVu Sans Condensed")));
-}
-
-void FontCatalogTest::sizes_data()
-{
-    QTest::addColumn<double>("pixelSize");
-    QTest::newRow("smaller than any layout size") << 7.3;
-    QTest::newRow("whole") << 40.0;
-    QTest::newRow("fraction") << 240.37;
-    QTest::newRow("greater than any layout size") << 12345.6;
-}
-
-void FontCatalogTest::sizes()
-{
-    QFETCH(double, pixelSize);
-    const auto font = m_catalog.fontNamed(QStringLiteral("DejaVuSans"), pixelSize);
-    QVERIFY(font);
-    QVERIFY(font->font.pixelSize() > 0);
-    QCOMPARE(font->font.pixelSize() * font->scale, pixelSize);
-    // Advances are rounded to 1/64 pixel of the layout size, at worst 0.1 % of a glyph's width.
-    const double unit = textWidth(*m_catalog.fontNamed(QStringLiteral("DejaVuSans"), 1000)) / 1000;
-    QVERIFY(std::abs(textWidth(*font) / pixelSize / unit - 1) < 0.001);
-}
-
-void FontCatalogTest::threadsGetTheSameFaces()
-{
-    const FontCatalog catalog;
-    const double expected = textWidth(*m_catalog.fontNamed(QStringLiteral("DejaVuSans-Bold"), 48));
-    std::atomic<int> right = 0;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&] {
-            const auto font = catalog.fontNamed(QStringLiteral("DejaVuSans-Bold"), 48);
-            right += font && textWidth(*font) == expected;
-        });
-    }
-    for (std::thread &thread : threads)
-        thread.join();
-    QCOMPARE(right, 4);
-}
-
-void FontCatalogTest::brokenNameTables()
-{
-    const QByteArray table =
-        QRawFont::fromFont(m_catalog.fontNamed(QStringLiteral("DejaVuSans"), 12)->font).fontTable("name");
-    QCOMPARE(postScriptNames(table), QStringList({QStringLiteral("DejaVuSans")}));
-    for (qsizetype size = 0; size < std::min<qsizetype>(table.size(), 600); ++size) {
-        // A copy of exactly that size, so that a read beyond it is seen.
-        const std::vector<char> cut(table.cbegin(), table.cbegin() + size);
-        postScriptNames(QByteArray::fromRawData(cut.data(), size));
-    }
-    QByteArray wild(64, char(0xff));
-    QCOMPARE(postScriptNames(wild), QStringList());
-}
 
 QTEST_MAIN(FontCatalogTest)
 #include "fontcatalog_test.moc"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "platform/fontcatalog.h"
+#include "support/files.h"
 #include "support/testenvironment.h"
 
 #include <QGuiApplication>
@@ -9,6 +10,7 @@
 #include <QtTest>
 
 using namespace plexa;
+using namespace plexa::test;
 
 namespace
 {
@@ -34,23 +36,9 @@ void cutPostScriptNames(QByteArray &font, int letters)
     }
 }
 
-QByteArray contents(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool put(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
 QString installedFile(const QString &postScriptName)
 {
-    return QString::fromUtf8(test::outputOf(
-        QStringLiteral("fc-list"), {QLatin1Char(':') + QStringLiteral("postscriptname=") + postScriptName,
-                                    QStringLiteral("--format"), QStringLiteral("%{file}")}));
+    return QString::fromUtf8(outputOf("fc-list :postscriptname=%1 --format %{file}", postScriptName));
 }
 
 } // namespace
@@ -61,43 +49,40 @@ class SharedFontNamesTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void bothStylesCanBeChosen();
-};
-
-void SharedFontNamesTest::bothStylesCanBeChosen()
-{
-    const FontCatalog catalog;
-    const QString family = QStringLiteral("DejaVu Sans");
-    QCOMPARE(catalog.styles(family), QStringList({QStringLiteral("Book"), QStringLiteral("Bold")}));
-    QStringList names;
-    for (const QString &style : catalog.styles(family)) {
-        const QString name = catalog.postScriptName(family, style);
-        names.append(name);
-        QCOMPARE(catalog.face(name).style, style);
-        const auto font = catalog.fontNamed(name, 20);
-        QVERIFY(font);
-        QCOMPARE(QRawFont::fromFont(font->font).styleName(), style);
+    void bothStylesCanBeChosen()
+    {
+        const FontCatalog catalog;
+        const QString family = u"DejaVu Sans"_qs;
+        QCOMPARE(catalog.styles(family), QStringList({u"Book"_qs, u"Bold"_qs}));
+        QStringList names;
+        for (const QString &style : catalog.styles(family)) {
+            const QString name = catalog.postScriptName(family, style);
+            names.append(name);
+            QCOMPARE(catalog.face(name).style, style);
+            const auto font = catalog.fontNamed(name, 20);
+            QVERIFY(font);
+            QCOMPARE(QRawFont::fromFont(font->font).styleName(), style);
+        }
+        QCOMPARE(names, QStringList({u"DejaVuSans"_qs, u"DejaVuSans-Bold"_qs}));
+        QCOMPARE(catalog.defaultFontName(), u"DejaVuSans"_qs);
     }
-    QCOMPARE(names, QStringList({QStringLiteral("DejaVuSans"), QStringLiteral("DejaVuSans-Bold")}));
-    QCOMPARE(catalog.defaultFontName(), QStringLiteral("DejaVuSans"));
-}
+};
 
 int main(int argc, char **argv)
 {
     // The fonts must be there before anything asks fontconfig.
-    const test::TestFolder folder;
-    const QString book = installedFile(QStringLiteral("DejaVuSans"));
-    QByteArray bold = contents(installedFile(QStringLiteral("DejaVuSans-Bold")));
+    const TestFolder folder;
+    const QString book = installedFile(u"DejaVuSans"_qs);
+    QByteArray bold = contentsOf(installedFile(u"DejaVuSans-Bold"_qs));
     if (book.isEmpty() || bold.isEmpty()) {
         qCritical("the DejaVu fonts are not installed");
         return 1;
     }
     cutPostScriptNames(bold, int(qstrlen("DejaVuSans")));
-    const QString config = folder.path(QStringLiteral("fonts.conf"));
-    const QString text =
-        QStringLiteral("<fontconfig><dir>%1</dir><cachedir>%1/cache</cachedir></fontconfig>");
-    if (!QFile::copy(book, folder.path(QStringLiteral("a.ttf"))) ||
-        !put(folder.path(QStringLiteral("b.ttf")), bold) || !put(config, text.arg(folder.path()).toUtf8()))
+    const QString config = folder.path("fonts.conf");
+    const QString text = u"<fontconfig><dir>%1</dir><cachedir>%1/cache</cachedir></fontconfig>"_qs;
+    if (!QFile::copy(book, folder.path("a.ttf")) || !writeFile(folder.path("b.ttf"), bold) ||
+        !writeFile(config, text.arg(folder.path()).toUtf8()))
         return 1;
     qputenv("FONTCONFIG_FILE", config.toUtf8());
     QGuiApplication application(argc, argv);
