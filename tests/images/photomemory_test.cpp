@@ -3,9 +3,10 @@
 #include "imageio/imagedestination.h"
 #include "images/copywriter.h"
 #include "images/uprighting.h"
+#include "support/datarows.h"
 #include "support/testenvironment.h"
+#include "support/testservices.h"
 
-#include <QProcess>
 #include <QStandardPaths>
 #include <QTest>
 
@@ -26,7 +27,7 @@ namespace
 /// Small beside what is measured: fonts, code, the blocks that the allocator keeps.
 constexpr qint64 kNoise = 16'000'000;
 
-const QString kHeic = QStringLiteral("image/heic");
+const QString kHeic = u"image/heic"_qs;
 
 /// Runs the command line's program on one photo.
 /// @param type  of the copy: HEIC, or else as the photo
@@ -34,21 +35,15 @@ const QString kHeic = QStringLiteral("image/heic");
 qint64 peakOfSaving(const QString &photo, const QString &folder, const QString &type)
 {
     const char *format = type == kHeic ? "imageFormat=HEIC" : "imageFormat=Original";
-    const QList<QByteArray> words = {builtProgram(QStringLiteral("plexa-cli")).toLocal8Bit(),
-                                     "save",
-                                     "--quiet",
-                                     "--text",
-                                     "X",
-                                     "--save-set",
-                                     format,
-                                     "--save-set",
-                                     "jpegQuality=95",
-                                     "--output",
-                                     folder.toLocal8Bit(),
-                                     photo.toLocal8Bit()};
+    const QStringList command =
+        words("%1 save --quiet --text X --save-set %2 --save-set jpegQuality=95 --output %3 %4",
+              builtProgram(u"plexa-cli"_qs), format, folder, photo);
+    QByteArrayList bytes;
+    for (const QString &word : command)
+        bytes.append(word.toLocal8Bit());
     std::vector<char *> arguments;
-    for (const QByteArray &word : words)
-        arguments.push_back(const_cast<char *>(word.constData()));
+    for (QByteArray &word : bytes)
+        arguments.push_back(word.data());
     arguments.push_back(nullptr);
     pid_t child = 0;
     if (posix_spawn(&child, arguments[0], nullptr, nullptr, arguments.data(), environ) != 0)
@@ -63,12 +58,10 @@ qint64 peakOfSaving(const QString &photo, const QString &folder, const QString &
 /// Has ImageMagick write a picture. @return empty when it cannot
 QString made(const TestFolder &folder, const QString &name, QSize size, const QStringList &options)
 {
-    QStringList arguments = {
-        QStringLiteral("-size"), QStringLiteral("%1x%2").arg(size.width()).arg(size.height()),
-        QStringLiteral("gradient:red-blue"), QStringLiteral("-depth"), QStringLiteral("8")};
-    const QString path = folder.path(QStringLiteral("%1 %2").arg(size.width()).arg(name));
-    arguments << options << path;
-    outputOf(magickConvert(), arguments);
+    const QString path = folder.path(u"%1 %2"_qs.arg(size.width()).arg(name));
+    QStringList arguments =
+        words("-size %1 gradient:red-blue -depth 8", u"%1x%2"_qs.arg(size.width()).arg(size.height()));
+    outputOf(magickConvert(), arguments << options << path);
     return QFileInfo::exists(path) ? path : QString();
 }
 
@@ -80,32 +73,31 @@ Uprighting uprightingOf(const ImageSource &source)
 /// The type of a copy in the photo's own format, or JPEG where that cannot be written.
 QString usualType(const ImageSource &source)
 {
-    return source.format().canWrite ? source.type() : QStringLiteral("image/jpeg");
+    return source.format().canWrite ? source.type() : u"image/jpeg"_qs;
 }
 
 /// What a copy of that type is said to take.
 qint64 toldBytes(const ImageSource &source, const QString &type)
 {
     const Uprighting uprighting = uprightingOf(source);
-    const CopyRequest request{
-        type, {{QStringLiteral("kCGImageDestinationLossyCompressionQuality"), 0.95}}, &source};
+    const CopyRequest request{type, {{u"kCGImageDestinationLossyCompressionQuality"_qs, 0.95}}, &source};
     const qint64 encoding = destinationBytes({uprighting.size(), source.info().rows.hasAlpha}, request);
     if (uprighting.isIdentity())
         return source.rowsBytes() + encoding;
     return std::max(uprightBytes(source, uprighting), pictureBytes(uprighting.size()) + encoding);
 }
 
-struct Services {
-    explicit Services(qint64 budgetBytes)
-        : budget(budgetBytes)
-    {
-    }
+struct Kind {
+    Text name;
+    QString file;
+    QStringList options;
+    bool isCopyHeic = false;
+};
 
-    FontCatalog fonts;
-    LocaleFormat locale{QStringLiteral("en_US")};
-    PixelCache cache{0};
-    ByteBudget budget;
-    PhotoServices all{fonts, locale, cache, budget, {}};
+struct Conversion {
+    Text name;
+    QString from;
+    Text to;
 };
 
 CopyOrder orderFor(const QString &photo, const QString &target)
@@ -113,7 +105,7 @@ CopyOrder orderFor(const QString &photo, const QString &target)
     CopyOrder order;
     order.path = order.readPath = photo;
     order.target.path = target;
-    order.targetType = QStringLiteral("image/jpeg");
+    order.targetType = u"image/jpeg"_qs;
     order.quality = 0.95;
     return order;
 }
@@ -124,203 +116,166 @@ class PhotoMemoryTest : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void init();
-    void toldIsTaken_data();
-    void toldIsTaken();
-    void largePhotosTakeTurns();
-    void tooLargeForTheBudget();
-    void streamedPhotosNeedNoBudget();
-    void fewAddressesFailPhotos_data();
-    void fewAddressesFailPhotos();
-
 private:
     std::unique_ptr<TestFolder> m_folder;
-};
 
-void PhotoMemoryTest::init()
-{
-    if (magickConvert().isEmpty())
-        QSKIP("ImageMagick is not installed");
-    m_folder = std::make_unique<TestFolder>();
-}
-
-void PhotoMemoryTest::toldIsTaken_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QStringList>("options");
-    // A name with ">heic" is that of the photo, of which the copy is a HEIC.
-    const QStringList progressive = {QStringLiteral("-interlace"), QStringLiteral("Plane")};
-    const QStringList half = {QStringLiteral("-sampling-factor"), QStringLiteral("2x2")};
-    const QStringList full = {QStringLiteral("-sampling-factor"), QStringLiteral("1x1")};
-    QTest::newRow("baseline JPEG") << QStringLiteral("a.jpg") << QStringList();
-    QTest::newRow("progressive JPEG")
-        << QStringLiteral("b.jpg")
-        << progressive + QStringList{QStringLiteral("-quality"), QStringLiteral("80")};
-    QTest::newRow("progressive JPEG, full chroma") << QStringLiteral("c.jpg") << progressive + full;
-    QTest::newRow("interlaced PNG") << QStringLiteral("e.png")
-                                    << QStringList{QStringLiteral("-interlace"), QStringLiteral("PNG")};
-    QTest::newRow("PPM") << QStringLiteral("f.ppm") << QStringList();
-    QTest::newRow("PGM") << QStringLiteral("g.pgm") << QStringList();
-    QTest::newRow("BMP") << QStringLiteral("h.bmp")
-                         << QStringList{QStringLiteral("-type"), QStringLiteral("TrueColor")};
-    QTest::newRow("TIFF") << QStringLiteral("j.tif") << QStringList();
-    QTest::newRow("deep TIFF") << QStringLiteral("k.tif")
-                               << QStringList{QStringLiteral("-depth"), QStringLiteral("16")};
-    QTest::newRow("TIFF of whole planes")
-        << QStringLiteral("m.tif")
-        << QStringLiteral("-type TrueColor -depth 16 -interlace Plane -compress Zip "
-                          "-define tiff:rows-per-strip=3001")
-               .split(QLatin1Char(' '));
-    QTest::newRow("TIFF of one packed strip")
-        << QStringLiteral("p.tif")
-        << QStringLiteral("+noise Random -type TrueColor -compress LZW -define tiff:rows-per-strip=3001")
-               .split(QLatin1Char(' '));
-    QTest::newRow("HEIC") << QStringLiteral("q.jpg>heic") << half;
-    QTest::newRow("HEIC, full chroma") << QStringLiteral("r.jpg>heic") << full;
-    QTest::newRow("GIF") << QStringLiteral("l.gif") << QStringList();
-    QTest::newRow("lossless WebP") << QStringLiteral("n.webp")
-                                   << QStringList{QStringLiteral("-define"),
-                                                  QStringLiteral("webp:lossless=true,webp:method=0")};
-}
-
-void PhotoMemoryTest::toldIsTaken()
-{
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    QSKIP("a sanitizer takes more memory than the photos");
-#endif
-    QFETCH(QString, name);
-    QFETCH(QStringList, options);
-    const bool isHeic = name.endsWith(QLatin1String(">heic"));
-    name = name.section(QLatin1Char('>'), 0, 0);
-    const QString large = made(*m_folder, name, {5003, 3001}, options);
-    const QString small = made(*m_folder, name, {53, 31}, options);
-    if (large.isEmpty() || small.isEmpty())
-        QSKIP("ImageMagick does not write this format");
-    const auto source = ImageSource::open(large);
-    if (!source)
-        QFAIL(qPrintable(source.error().text));
-    const QString type = isHeic ? kHeic : usualType(*source);
-    if (!imageFormatOfType(type)->canWrite)
-        QSKIP("no encoder of HEVC is installed");
-    const qint64 told = toldBytes(*source, type);
-    const qint64 usual = peakOfSaving(small, m_folder->path(QStringLiteral("small")), type);
-    const qint64 peak = peakOfSaving(large, m_folder->path(QStringLiteral("large")), type);
-    QVERIFY(usual > 0 && peak > 0); // where strips stream, either may be the larger by a few pages
-    const qint64 taken = peak - usual;
-    const QString both = QStringLiteral("told %1, taken %2").arg(told).arg(taken);
-    qInfo().noquote() << both;
-    QVERIFY2(double(told) >= 0.7 * double(taken - kNoise), qPrintable(both));
-    QVERIFY2(double(told) <= 1.6 * double(taken + kNoise), qPrintable(both));
-}
-
-void PhotoMemoryTest::largePhotosTakeTurns()
-{
-    const QString photo = made(*m_folder, QStringLiteral("photo.jpg"), {1600, 1200},
-                               {QStringLiteral("-interlace"), QStringLiteral("Plane")});
-    const auto source = ImageSource::open(photo);
-    QVERIFY(source);
-    const qint64 told = toldBytes(*source, usualType(*source));
-    QVERIFY(told > 2 * 1600 * 1200 * 2);
-    Services services(told + told / 2);
-    // Where one holds its bytes from the first strip to the last, the other cannot have begun.
-    std::atomic<int> strips = 0;
-    std::atomic<bool> isHeld = true;
-    std::atomic<int> written = 0;
-    const auto copy = [&](const QString &target) {
-        CopyOrder order = orderFor(photo, target);
-        order.isCancelled = [&] {
-            ++strips;
-            isHeld = isHeld && services.budget.total() - services.budget.available() == told;
-            return false;
-        };
-        if (writeCopy(order, services.all))
-            ++written;
-    };
-    std::thread other([&] { copy(m_folder->path(QStringLiteral("one.jpg"))); });
-    copy(m_folder->path(QStringLiteral("two.jpg")));
-    other.join();
-    QCOMPARE(written.load(), 2);
-    QVERIFY(strips > 4);
-    QVERIFY(isHeld);
-    QCOMPARE(services.budget.available(), services.budget.total());
-}
-
-void PhotoMemoryTest::tooLargeForTheBudget()
-{
-    const QString photo = made(*m_folder, QStringLiteral("photo.png"), {2000, 1500},
-                               {QStringLiteral("-interlace"), QStringLiteral("PNG")});
-    Services services(2000 * 1500 * 4 - 1);
-    const QString target = m_folder->path(QStringLiteral("copy.jpg"));
-    const auto copied = writeCopy(orderFor(photo, target), services.all);
-    QVERIFY(!copied);
-    QVERIFY2(copied.error().text.contains(QLatin1String("2000 x 1500")) &&
-                 copied.error().text.contains(QLatin1String("12 MB")),
-             qPrintable(copied.error().text));
-    QVERIFY(!QFileInfo::exists(target));
-
-    const auto source = ImageSource::open(photo);
-    QVERIFY(source);
-    QVERIFY(!readUprightWithin(services.budget, *source, uprightingOf(*source)));
-    ByteBudget enough(2000 * 1500 * 8);
-    QVERIFY(readUprightWithin(enough, *source, uprightingOf(*source)));
-    QCOMPARE(enough.available(), enough.total());
-}
-
-void PhotoMemoryTest::streamedPhotosNeedNoBudget()
-{
-    const QString photo = made(*m_folder, QStringLiteral("photo.jpg"), {2000, 1500}, {});
-    Services services(0);
-    QVERIFY(writeCopy(orderFor(photo, m_folder->path(QStringLiteral("copy.jpg"))), services.all));
-}
-
-void PhotoMemoryTest::fewAddressesFailPhotos_data()
-{
-    QTest::addColumn<QString>("from");
-    QTest::addColumn<QString>("to");
-    QTest::newRow("from HEIC") << QStringLiteral("photo.heic") << QStringLiteral("PNG");
-    QTest::newRow("to HEIC") << QStringLiteral("photo.jpg") << QStringLiteral("HEIC");
-    QTest::newRow("from JPEG 2000") << QStringLiteral("photo.jp2") << QStringLiteral("PNG");
-}
-
-/// Under a limit of addresses allocations fail, which some libraries do not survive: the program has to say
-/// no before it asks them.
-void PhotoMemoryTest::fewAddressesFailPhotos()
-{
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    QSKIP("a sanitizer takes more addresses than any limit leaves");
-#endif
-    const QString limiter = QStandardPaths::findExecutable(QStringLiteral("prlimit"));
-    if (limiter.isEmpty())
-        QSKIP("prlimit is not installed");
-    QFETCH(QString, from);
-    QFETCH(QString, to);
-    if (!imageFormatOfType(kHeic)->canWrite)
-        QSKIP("no encoder of HEVC is installed");
-    const QString photo = made(*m_folder, from, {2000, 1500}, {});
-    if (photo.isEmpty())
-        QSKIP("ImageMagick does not write this format");
-    int written = 0;
-    for (const int megabytes : {90, 120, 125, 130, 140, 160, 180, 200, 220, 250, 300, 350, 1000}) {
-        QProcess process;
-        process.start(limiter, {QStringLiteral("--as=%1").arg(megabytes * 1'000'000LL),
-                                builtProgram(QStringLiteral("plexa-cli")), QStringLiteral("save"),
-                                QStringLiteral("--text"), QStringLiteral("X"), QStringLiteral("--save-set"),
-                                QStringLiteral("imageFormat=%1").arg(to), QStringLiteral("--jobs"),
-                                QStringLiteral("2"), QStringLiteral("--quiet"), QStringLiteral("--output"),
-                                m_folder->path(QStringLiteral("copies")), photo});
-        const bool hasEnded = process.waitForFinished(60'000);
-        const QByteArray said = QByteArray::number(megabytes) + " MB: " + process.readAllStandardError();
-        QVERIFY2(hasEnded && process.exitStatus() == QProcess::NormalExit, said);
-        if (process.exitCode() == 0)
-            ++written;
-        else if (process.exitCode() == 127) // not even its libraries could be loaded
-            QVERIFY2(megabytes < 120, said);
-        else
-            QVERIFY2(process.exitCode() == 1 && said.contains("memory"), said);
+private Q_SLOTS:
+    void init()
+    {
+        if (magickConvert().isEmpty())
+            QSKIP("ImageMagick is not installed");
+        m_folder = std::make_unique<TestFolder>();
     }
-    QVERIFY(written > 0 && written < 12);
-}
+
+    void toldIsTaken_data()
+    {
+        addRows<Kind>({
+            {"baseline JPEG", u"a.jpg"_qs, {}},
+            {"progressive JPEG", u"b.jpg"_qs, words("-interlace Plane -quality 80")},
+            {"progressive JPEG, full chroma", u"c.jpg"_qs, words("-interlace Plane -sampling-factor 1x1")},
+            {"interlaced PNG", u"e.png"_qs, words("-interlace PNG")},
+            {"PPM", u"f.ppm"_qs, {}},
+            {"PGM", u"g.pgm"_qs, {}},
+            {"BMP", u"h.bmp"_qs, words("-type TrueColor")},
+            {"TIFF", u"j.tif"_qs, {}},
+            {"deep TIFF", u"k.tif"_qs, words("-depth 16")},
+            {"TIFF of whole planes", u"m.tif"_qs,
+             words("-type TrueColor -depth 16 -interlace Plane -compress Zip "
+                   "-define tiff:rows-per-strip=3001")},
+            {"TIFF of one packed strip", u"p.tif"_qs,
+             words("+noise Random -type TrueColor -compress LZW -define tiff:rows-per-strip=3001")},
+            {"HEIC", u"q.jpg"_qs, words("-sampling-factor 2x2"), true},
+            {"HEIC, full chroma", u"r.jpg"_qs, words("-sampling-factor 1x1"), true},
+            {"GIF", u"l.gif"_qs, {}},
+            {"lossless WebP", u"n.webp"_qs, words("-define webp:lossless=true,webp:method=0")},
+        });
+    }
+    void toldIsTaken()
+    {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+        QSKIP("a sanitizer takes more memory than the photos");
+#endif
+        const auto [row, file, options, isCopyHeic] = currentRow<Kind>();
+        const QString large = made(*m_folder, file, {5003, 3001}, options);
+        const QString small = made(*m_folder, file, {53, 31}, options);
+        if (large.isEmpty() || small.isEmpty())
+            QSKIP("ImageMagick does not write this format");
+        const auto source = ImageSource::open(large);
+        if (!source)
+            QFAIL(qPrintable(source.error().text));
+        const QString type = isCopyHeic ? kHeic : usualType(*source);
+        if (!imageFormatOfType(type)->canWrite)
+            QSKIP("no encoder of HEVC is installed");
+        const qint64 told = toldBytes(*source, type);
+        const qint64 usual = peakOfSaving(small, m_folder->path("small"), type);
+        const qint64 peak = peakOfSaving(large, m_folder->path("large"), type);
+        QVERIFY(usual > 0 && peak > 0); // where strips stream, either may be the larger by a few pages
+        const qint64 taken = peak - usual;
+        const QString both = u"told %1, taken %2"_qs.arg(told).arg(taken);
+        qInfo().noquote() << both;
+        QVERIFY2(double(told) >= 0.7 * double(taken - kNoise), qPrintable(both));
+        QVERIFY2(double(told) <= 1.6 * double(taken + kNoise), qPrintable(both));
+    }
+
+    void largePhotosTakeTurns()
+    {
+        const QString photo = made(*m_folder, u"photo.jpg"_qs, {1600, 1200}, words("-interlace Plane"));
+        const auto source = ImageSource::open(photo);
+        QVERIFY(source);
+        const qint64 told = toldBytes(*source, usualType(*source));
+        QVERIFY(told > 2 * 1600 * 1200 * 2);
+        TestPhotoServices services(0, told + told / 2);
+        // Where one holds its bytes from the first strip to the last, the other cannot have begun.
+        std::atomic<int> strips = 0;
+        std::atomic<bool> isHeld = true;
+        std::atomic<int> written = 0;
+        const auto copy = [&](const QString &target) {
+            CopyOrder order = orderFor(photo, target);
+            order.isCancelled = [&] {
+                ++strips;
+                isHeld = isHeld && services.budget.total() - services.budget.available() == told;
+                return false;
+            };
+            if (writeCopy(order, services.all))
+                ++written;
+        };
+        std::thread other([&] { copy(m_folder->path("one.jpg")); });
+        copy(m_folder->path("two.jpg"));
+        other.join();
+        QCOMPARE(written.load(), 2);
+        QVERIFY(strips > 4);
+        QVERIFY(isHeld);
+        QCOMPARE(services.budget.available(), services.budget.total());
+    }
+
+    void tooLargeForTheBudget()
+    {
+        const QString photo = made(*m_folder, u"photo.png"_qs, {2000, 1500}, words("-interlace PNG"));
+        TestPhotoServices services(0, 2000 * 1500 * 4 - 1);
+        const QString target = m_folder->path("copy.jpg");
+        const auto copied = writeCopy(orderFor(photo, target), services.all);
+        QVERIFY(!copied);
+        QVERIFY2(copied.error().text.contains(QLatin1String("2000 x 1500")) &&
+                     copied.error().text.contains(QLatin1String("12 MB")),
+                 qPrintable(copied.error().text));
+        QVERIFY(!QFileInfo::exists(target));
+
+        const auto source = ImageSource::open(photo);
+        QVERIFY(source);
+        QVERIFY(!readUprightWithin(services.budget, *source, uprightingOf(*source)));
+        ByteBudget enough(2000 * 1500 * 8);
+        QVERIFY(readUprightWithin(enough, *source, uprightingOf(*source)));
+        QCOMPARE(enough.available(), enough.total());
+    }
+
+    void streamedPhotosNeedNoBudget()
+    {
+        const QString photo = made(*m_folder, u"photo.jpg"_qs, {2000, 1500}, {});
+        TestPhotoServices services(0, 0);
+        QVERIFY(writeCopy(orderFor(photo, m_folder->path("copy.jpg")), services.all));
+    }
+
+    void fewAddressesFailPhotos_data()
+    {
+        addRows<Conversion>({{"from HEIC", u"photo.heic"_qs, "PNG"},
+                             {"to HEIC", u"photo.jpg"_qs, "HEIC"},
+                             {"from JPEG 2000", u"photo.jp2"_qs, "PNG"}});
+    }
+    /// Under a limit of addresses allocations fail, which some libraries do not survive: the program has to
+    /// say no before it asks them.
+    void fewAddressesFailPhotos()
+    {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+        QSKIP("a sanitizer takes more addresses than any limit leaves");
+#endif
+        const QString limiter = QStandardPaths::findExecutable(u"prlimit"_qs);
+        if (limiter.isEmpty())
+            QSKIP("prlimit is not installed");
+        const auto [row, from, to] = currentRow<Conversion>();
+        if (!imageFormatOfType(kHeic)->canWrite)
+            QSKIP("no encoder of HEVC is installed");
+        const QString photo = made(*m_folder, from, {2000, 1500}, {});
+        if (photo.isEmpty())
+            QSKIP("ImageMagick does not write this format");
+        int written = 0;
+        for (const int megabytes : {90, 120, 125, 130, 140, 160, 180, 200, 220, 250, 300, 350, 1000}) {
+            const ProgramRun run = runProgram(
+                limiter,
+                words("--as=%1 %2 save --text X --save-set imageFormat=%3 --jobs 2 --quiet --output %4 %5",
+                      QString::number(megabytes * 1'000'000LL), builtProgram(u"plexa-cli"_qs), to,
+                      m_folder->path("copies"), photo));
+            const QByteArray said = QByteArray::number(megabytes) + " MB: " + run.err;
+            QVERIFY2(run.status != -1, said);
+            if (run.status == 0)
+                ++written;
+            else if (run.status == 127) // not even its libraries could be loaded
+                QVERIFY2(megabytes < 120, said);
+            else
+                QVERIFY2(run.status == 1 && said.contains("memory"), said);
+        }
+        QVERIFY(written > 0 && written < 12);
+    }
+};
 
 QTEST_GUILESS_MAIN(PhotoMemoryTest)
 #include "photomemory_test.moc"

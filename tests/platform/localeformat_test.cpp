@@ -150,8 +150,7 @@ private Q_SLOTS:
             qputenv(setting.left(setting.indexOf('=')).constData(), setting.mid(setting.indexOf('=') + 1));
         const LocaleFormat format;
         qputenv("LC_ALL", before);
-        QTEST(format.date(afternoon(), Style::Medium) + QLatin1Char(' ') + format.decimal(0.5, 4),
-              "expected");
+        QCOMPARE(format.date(afternoon(), Style::Medium) + u' ' + format.decimal(0.5, 4), expected);
     }
 
     void invalidTime()

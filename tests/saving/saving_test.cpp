@@ -34,316 +34,304 @@ class SavingTest : public QObject, private SavingRuns
 
 private Q_SLOTS:
     void init() { startAnew(); }
-    void numbersAndNames_data();
-    void numbersAndNames();
-    void assignedSavingPresets_data();
-    void assignedSavingPresets();
-    void resultsComeInOrder();
-    void workGoesOnDuringAQuestion();
-    void answersAreRememberedForOneRun();
-    void skippedCopiesUseUpTheirNumbers();
-    void stopping_data();
-    void stopping();
-    void manyFailuresAreReported();
-    void companion();
-    void photosAreReleased_data();
-    void photosAreReleased();
-    void settingsAreFollowed();
+
+    void numbersAndNames_data()
+    {
+        QTest::addColumn<int>("presets");
+        QTest::addColumn<bool>("combines");
+        QTest::addColumn<bool>("isInSingleMode");
+        QTest::addColumn<QStringList>("names");
+        const auto names = [](const char *text) { return QString::fromLatin1(text).split(u' '); };
+        QTest::newRow("each preset") << 2 << false << false
+                                     << names("A1.png B2.png A3.png B4.png A5.png B6.png");
+        QTest::newRow("combined") << 2 << true << false << names("A1.png A2.png A3.png");
+        QTest::newRow("single mode") << 1 << true << true << names("A1.png A2.png A3.png");
+    }
+
+    void numbersAndNames()
+    {
+        QFETCH(int, presets);
+        QFETCH(bool, combines);
+        QFETCH(bool, isInSingleMode);
+        QFETCH(QStringList, names);
+        std::vector<AppliedPreset> marks{mark(QStringLiteral("A"))};
+        if (presets == 2)
+            marks.push_back(mark(QStringLiteral("B")));
+        SavingRun run = runFor({photo(u"1.png"_qs), photo(u"2.png"_qs), photo(u"3.png"_qs)}, marks);
+        run.defaultSavingPreset.filenameTokens = {u"watermark preset name"_qs, u"sequence #"_qs};
+        run.combineAllAppliedPresetsInImage = combines;
+        run.isInSingleMode = isInSingleMode;
+
+        Saving saving(m_noAlerts);
+        saving.saveImages(run, m_listener);
+        QVERIFY(saving.isSavingInProgress());
+        QVERIFY(!saving.finishedSavingImages());
+        QVERIFY(!saving.isSavingInProgress());
+        QCOMPARE(m_noAlerts.complaints(), QStringList());
+        QCOMPARE(m_listener.names(), names);
+        QCOMPARE(m_listener.began, std::pair(qint64(names.size()), u"Saving images..."_qs));
+        QCOMPARE(m_listener.messages.last(),
+                 u"Saving image %1 out of %1:\n%2"_qs.arg(names.size()).arg(names.last()));
+        names.sort();
+        QCOMPARE(copies(), names);
+        for (const SavingOutput &output : std::as_const(m_listener.outputs)) {
+            QCOMPARE(output.status, Status::Written);
+            QCOMPARE(output.isCombined, combines && !isInSingleMode);
+            QCOMPARE(output.report.rects.size(), output.isCombined ? std::size_t(2) : std::size_t(1));
+        }
+    }
+
+    void assignedSavingPresets_data()
+    {
+        QTest::addColumn<bool>("areIgnored");
+        QTest::addColumn<bool>("combines");
+        QTest::addColumn<QStringList>("names");
+        QTest::newRow("followed") << false << false << QStringList{u"own.jpg"_qs, u"img02.png"_qs};
+        QTest::newRow("ignored") << true << false << QStringList{u"img01.png"_qs, u"img02.png"_qs};
+        QTest::newRow("combined") << false << true << QStringList{u"img01.png"_qs};
+    }
+
+    void assignedSavingPresets()
+    {
+        QFETCH(bool, areIgnored);
+        QFETCH(bool, combines);
+        QFETCH(QStringList, names);
+        SavingPresetValues own;
+        own.imageFormat = u"JPEG"_qs;
+        own.filenameTokens = {u"own"_qs};
+        SavingRun run =
+            runFor({photo(u"1.png"_qs)}, {mark(u"A"_qs, std::make_shared<SavingPreset>(own)), mark(u"B"_qs)});
+        run.ignoreAssignedSavingPresets = areIgnored;
+        run.combineAllAppliedPresetsInImage = combines;
+        Saving(m_noAlerts).saveImages(run, m_listener);
+        QCOMPARE(m_listener.names(), names);
+        for (const SavingOutput &output : std::as_const(m_listener.outputs)) {
+            QFile copy(output.path);
+            QVERIFY(copy.open(QIODevice::ReadOnly));
+            QCOMPARE(copy.read(2),
+                     output.path.endsWith(u".jpg") ? QByteArray("\xff\xd8") : QByteArray("\x89P"));
+        }
+    }
+
+    /// The first photos take longest.
+    void resultsComeInOrder()
+    {
+        QStringList photos;
+        for (int i = 0; i < 30; ++i)
+            photos.append(photo(u"%1.png"_qs.arg(i), i % 7 == 0 ? QSize(1200, 900) : QSize(20, 20)));
+        SavingRun run = runFor(photos, {mark(u"A"_qs), mark(u"B"_qs)});
+        run.defaultSavingPreset.filenameTokens = {u"filename"_qs, u"-"_qs, u"width"_qs, u"-"_qs,
+                                                  u"sequence ##"_qs};
+        run.jobs = 8;
+        Saving(m_noAlerts).saveImages(run, m_listener);
+        QCOMPARE(m_listener.outputs.size(), 60);
+        for (int i = 0; i < 60; ++i) {
+            const SavingOutput &output = m_listener.outputs[i];
+            QCOMPARE(output.sequenceNumber, i + 1);
+            QCOMPARE(m_listener.values[i], i + 1);
+            QCOMPARE(output.sourcePath, photos[i / 2]);
+            QCOMPARE(QFileInfo(output.path).fileName(), u"%1-%2-%3.png"_qs.arg(i / 2)
+                                                            .arg(i / 2 % 7 == 0 ? 1200 : 20)
+                                                            .arg(i + 1, 2, 10, QLatin1Char('0')));
+            QCOMPARE(output.report.size.width(), i / 2 % 7 == 0 ? 1200 : 20);
+        }
+    }
+
+    void workGoesOnDuringAQuestion()
+    {
+        QVERIFY(QDir().mkpath(path(u"out"_qs)));
+        QVERIFY(smoothPicture({9, 9}).save(path(u"out/img02.png"_qs)));
+        ActingAlerts alerts;
+        bool isFirstDone = false;
+        alerts.act = [&](const Alert &alert) -> AlertAnswer {
+            isFirstDone = alert.title == kExists + u"img02.png"_qs &&
+                          QTest::qWaitFor([&] { return QFile::exists(path(u"out/img01.png"_qs)); }, 60'000);
+            return {1, false};
+        };
+        const SavingRun run = runFor({photo(u"1.png"_qs, {900, 900}), photo(u"2.png"_qs)}, {mark(u"A"_qs)});
+        Saving(alerts).saveImages(run, m_listener);
+        QVERIFY(isFirstDone);
+        QCOMPARE(m_listener.outputs[1].conflict, Conflict::Overwrite);
+        QCOMPARE(QImage(path(u"out/img02.png"_qs)).size(), QSize(40, 30));
+    }
+
+    void answersAreRememberedForOneRun()
+    {
+        const QStringList photos{photo(u"1.png"_qs), photo(u"2.png"_qs), photo(u"3.png"_qs)};
+        const SavingRun run = runFor(photos, {mark(u"A"_qs)});
+        ScriptedAlerts alerts;
+        Saving saving(alerts);
+        saving.saveImages(run, m_listener);
+        alerts.expect(kExists + u"img01.png"_qs, {0, false});
+        alerts.expect(kExists + u"img02.png"_qs, {2, true});
+        saving.saveImages(run, m_listener);
+        alerts.expect(kExists + u"img01.png"_qs, {1, true});
+        saving.saveImages(run, m_listener);
+        QCOMPARE(alerts.complaints(), QStringList());
+        QList<Conflict> conflicts;
+        for (const SavingOutput &output : std::as_const(m_listener.outputs))
+            conflicts.append(output.conflict);
+        QCOMPARE(conflicts,
+                 (QList{Conflict::None, Conflict::None, Conflict::None, Conflict::UniqueName, Conflict::Skip,
+                        Conflict::Skip, Conflict::Overwrite, Conflict::Overwrite, Conflict::Overwrite}));
+        QCOMPARE(copies(),
+                 (QStringList{u"img01-1.png"_qs, u"img01.png"_qs, u"img02.png"_qs, u"img03.png"_qs}));
+        QVERIFY(saving.savingFailedImages().isEmpty());
+    }
+
+    void skippedCopiesUseUpTheirNumbers()
+    {
+        QVERIFY(QDir().mkpath(path(u"out"_qs)));
+        QVERIFY(smoothPicture({9, 9}).save(path(u"out/img02.png"_qs)));
+        SavingRun run = runFor({photo(u"1.png"_qs), photo(u"2.png"_qs), photo(u"3.png"_qs)}, {mark(u"A"_qs)});
+        run.conflictCode = OutputNaming::always(OutputNaming::kSkip);
+        Saving saving(m_noAlerts);
+        saving.saveImages(run, m_listener);
+        QCOMPARE(m_listener.names(), (QStringList{u"img01.png"_qs, QString(), u"img03.png"_qs}));
+        QCOMPARE(m_listener.outputs[1].status, Status::Skipped);
+        QVERIFY(saving.savingFailedImages().isEmpty());
+        QCOMPARE(QImage(path(u"out/img02.png"_qs)).size(), QSize(9, 9));
+    }
+
+    void stopping_data()
+    {
+        QTest::addColumn<int>("jobs");
+        QTest::newRow("one at a time") << 1;
+        QTest::newRow("overlapping") << 4;
+    }
+
+    /// Stopped while the second of forty photos is under way.
+    void stopping()
+    {
+        QFETCH(int, jobs);
+        QStringList photos;
+        for (int i = 0; i < 40; ++i)
+            photos.append(photo(u"%1.png"_qs.arg(i)));
+        SavingRun run = runFor(photos, {mark(u"A"_qs), mark(u"B"_qs)});
+        run.jobs = jobs;
+        Saving saving(m_noAlerts);
+        qsizetype finishedBefore = 0;
+        m_listener.onCopyBegun = [&](qint64 value) {
+            if (value != 3)
+                return;
+            saving.terminateOperation();
+            finishedBefore = m_listener.outputs.size();
+        };
+        saving.saveImages(run, m_listener);
+        QVERIFY(jobs > 1 || finishedBefore == 2);
+        // Whatever overlaps, no photo is begun after the stop, and the one under way gets both copies.
+        QCOMPARE(m_listener.names(),
+                 (QStringList{u"img01.png"_qs, u"img02.png"_qs, u"img03.png"_qs, u"img04.png"_qs}));
+        QCOMPARE(m_listener.values, (QList<qint64>{1, 2, 3, 4}));
+        QCOMPARE(copies(), m_listener.names());
+
+        saving.finishedSavingImages();
+        m_listener = {};
+        run.conflictCode = OutputNaming::always(OutputNaming::kOverwrite);
+        saving.saveImages(run, m_listener); // the next run does not know of it
+        QCOMPARE(m_listener.outputs.size(), 80);
+    }
+
+    void manyFailuresAreReported()
+    {
+        QStringList photos{photo(u"good.png"_qs)};
+        QString list;
+        for (int i = 1; i <= 14; ++i) {
+            photos.append(path(u"in/%1.png"_qs.arg(i)));
+            if (i <= 10)
+                list += u"\n%1.png"_qs.arg(i);
+        }
+        ScriptedAlerts alerts;
+        alerts.expect(u"Failed to save 14 image(s)!"_qs);
+        Saving saving(alerts);
+        saving.saveImages(runFor(photos, {mark(u"A"_qs)}), m_listener);
+        QCOMPARE(copies(), QStringList{u"img01.png"_qs});
+        saving.finishedSavingImages();
+        saving.finishedSavingImages(); // all is forgotten
+        QCOMPARE(alerts.complaints(), QStringList());
+        QCOMPARE(alerts.shown().first().style, Alert::Style::Critical);
+        QCOMPARE(alerts.shown().first().text,
+                 u"Sorry, could not save the following image(s). Possibly the original image format is not "
+                 "supported, or missing write permissions on the destination:"_qs +
+                     list + u"\n  ...and 4 more..."_qs);
+    }
+
+    void companion()
+    {
+        const QStringList photos{photo(u"1.png"_qs), path(u"in/missing.png"_qs), photo(u"3.png"_qs)};
+        SavingRun run = runFor(photos, {mark(u"A"_qs, std::make_shared<SavingPreset>())});
+        UserDefaults defaults(u"maker"_qs, u"companion"_qs);
+        registerDefaults(defaults);
+        const QString exchange = path(u"exchange"_qs);
+        followSettingsForCompanion(run, defaults, exchange);
+        ScriptedAlerts alerts;
+        alerts.expect(u"Failed to save 1 image(s)!"_qs);
+        Saving saving(alerts);
+        saving.saveImages(run, m_listener);
+        QCOMPARE(saving.finishedSavingImages(),
+                 std::optional(QStringList{exchange + u"/img0001.tif"_qs, photos[0],
+                                           exchange + u"/img0003.tif"_qs, photos[2]}));
+        QVERIFY(!saving.finishedSavingImages());
+        QCOMPARE(alerts.complaints(), QStringList());
+        QFile tiff(exchange + u"/img0001.tif"_qs);
+        QVERIFY(tiff.open(QIODevice::ReadOnly));
+        QVERIFY(QByteArrayList({"II*", "MM\0"}).contains(tiff.read(3)));
+    }
+
+    void photosAreReleased_data()
+    {
+        QTest::addColumn<bool>("areReleased");
+        QTest::newRow("released") << true;
+        QTest::newRow("kept") << false;
+    }
+
+    void photosAreReleased()
+    {
+        QFETCH(bool, areReleased);
+        const QString file = photo(u"1.png"_qs, {360, 240});
+        const auto image = std::make_shared<ImageObject>(file, m_services.all);
+        QVERIFY(image->loadImageFromDisk());
+        SavingRun run = runFor({file}, {mark(u"A"_qs), mark(u"B"_qs)});
+        run.photoAt = [&](std::size_t) -> SavingPhoto { return {file, image, {}}; };
+        run.releasesImages = areReleased;
+        Saving(m_noAlerts).saveImages(run, m_listener);
+        QCOMPARE(image->isLoaded(), !areReleased);
+        QCOMPARE(copies().size(), 2);
+        // It was at hand when it was begun, so it could be shown.
+        QCOMPARE(m_listener.pictures.size(), 1);
+        QCOMPARE(m_listener.pictures[0].size(), QSize(180, 120));
+    }
+
+    void settingsAreFollowed()
+    {
+        UserDefaults defaults(u"maker"_qs, u"settings"_qs);
+        registerDefaults(defaults);
+        SavingRun run;
+        followSettings(run, defaults);
+        QCOMPARE(run.folders.destDirectory, defaults.stringForKey(settings::savingDirectory));
+        QVERIFY(run.preservesCreationDate && !run.releasesImages && !run.ignoreAssignedSavingPresets);
+        defaults.setObject(settings::saveAllToOneDirectory, false);
+        defaults.setObject(settings::ignoreSavingPresetsInWPresets, true); // nothing reads it
+        defaults.setObject(settings::imageListIsInBrowserMode, false);
+        followSettings(run, defaults);
+        QVERIFY(run.folders.destDirectory.isEmpty());
+        QVERIFY(run.releasesImages && !run.ignoreAssignedSavingPresets);
+        defaults.setObject(settings::ignoreSavingPresetsInSizePresets, true);
+        followSettings(run, defaults);
+        QVERIFY(run.ignoreAssignedSavingPresets);
+
+        const QStringList tokens = run.defaultSavingPreset.filenameTokens;
+        completeFilenameTokens(run.defaultSavingPreset, m_noAlerts);
+        QCOMPARE(run.defaultSavingPreset.filenameTokens, tokens);
+        run.defaultSavingPreset.filenameTokens.clear();
+        ScriptedAlerts alerts;
+        alerts.expect(u"Missing the filename specification!"_qs);
+        completeFilenameTokens(run.defaultSavingPreset, alerts);
+        QCOMPARE(run.defaultSavingPreset.filenameTokens, QStringList{u"filename"_qs});
+        QCOMPARE(alerts.shown().first().text, u"Will use the original filename."_qs);
+        QCOMPARE(alerts.complaints() + m_noAlerts.complaints(), QStringList());
+    }
 };
-
-void SavingTest::numbersAndNames_data()
-{
-    QTest::addColumn<int>("presets");
-    QTest::addColumn<bool>("combines");
-    QTest::addColumn<bool>("isInSingleMode");
-    QTest::addColumn<QStringList>("names");
-    const auto names = [](const char *text) { return QString::fromLatin1(text).split(u' '); };
-    QTest::newRow("each preset") << 2 << false << false << names("A1.png B2.png A3.png B4.png A5.png B6.png");
-    QTest::newRow("combined") << 2 << true << false << names("A1.png A2.png A3.png");
-    QTest::newRow("single mode") << 1 << true << true << names("A1.png A2.png A3.png");
-}
-
-void SavingTest::numbersAndNames()
-{
-    QFETCH(int, presets);
-    QFETCH(bool, combines);
-    QFETCH(bool, isInSingleMode);
-    QFETCH(QStringList, names);
-    std::vector<AppliedPreset> marks{mark(QStringLiteral("A"))};
-    if (presets == 2)
-        marks.push_back(mark(QStringLiteral("B")));
-    SavingRun run = runFor({photo(u"1.png"_qs), photo(u"2.png"_qs), photo(u"3.png"_qs)}, marks);
-    run.defaultSavingPreset.filenameTokens = {u"watermark preset name"_qs, u"sequence #"_qs};
-    run.combineAllAppliedPresetsInImage = combines;
-    run.isInSingleMode = isInSingleMode;
-
-    Saving saving(m_noAlerts);
-    saving.saveImages(run, m_listener);
-    QVERIFY(saving.isSavingInProgress());
-    QVERIFY(!saving.finishedSavingImages());
-    QVERIFY(!saving.isSavingInProgress());
-    QCOMPARE(m_noAlerts.complaints(), QStringList());
-    QCOMPARE(m_listener.names(), names);
-    QCOMPARE(m_listener.began, std::pair(qint64(names.size()), u"Saving images..."_qs));
-    QCOMPARE(m_listener.messages.last(),
-             u"Saving image %1 out of %1:\n%2"_qs.arg(names.size()).arg(names.last()));
-    names.sort();
-    QCOMPARE(copies(), names);
-    for (const SavingOutput &output : std::as_const(m_listener.outputs)) {
-        QCOMPARE(output.status, Status::Written);
-        QCOMPARE(output.isCombined, combines && !isInSingleMode);
-        QCOMPARE(output.report.rects.size(), output.isCombined ? std::size_t(2) : std::size_t(1));
-    }
-}
-
-void SavingTest::assignedSavingPresets_data()
-{
-    QTest::addColumn<bool>("areIgnored");
-    QTest::addColumn<bool>("combines");
-    QTest::addColumn<QStringList>("names");
-    QTest::newRow("followed") << false << false << QStringList{u"own.jpg"_qs, u"img02.png"_qs};
-    QTest::newRow("ignored") << true << false << QStringList{u"img01.png"_qs, u"img02.png"_qs};
-    QTest::newRow("combined") << false << true << QStringList{u"img01.png"_qs};
-}
-
-void SavingTest::assignedSavingPresets()
-{
-    QFETCH(bool, areIgnored);
-    QFETCH(bool, combines);
-    QFETCH(QStringList, names);
-    SavingPresetValues own;
-    own.imageFormat = u"JPEG"_qs;
-    own.filenameTokens = {u"own"_qs};
-    SavingRun run =
-        runFor({photo(u"1.png"_qs)}, {mark(u"A"_qs, std::make_shared<SavingPreset>(own)), mark(u"B"_qs)});
-    run.ignoreAssignedSavingPresets = areIgnored;
-    run.combineAllAppliedPresetsInImage = combines;
-    Saving(m_noAlerts).saveImages(run, m_listener);
-    QCOMPARE(m_listener.names(), names);
-    for (const SavingOutput &output : std::as_const(m_listener.outputs)) {
-        QFile copy(output.path);
-        QVERIFY(copy.open(QIODevice::ReadOnly));
-        QCOMPARE(copy.read(2), output.path.endsWith(u".jpg") ? QByteArray("\xff\xd8") : QByteArray("\x89P"));
-    }
-}
-
-/// The first photos take longest.
-void SavingTest::resultsComeInOrder()
-{
-    QStringList photos;
-    for (int i = 0; i < 30; ++i)
-        photos.append(photo(u"%1.png"_qs.arg(i), i % 7 == 0 ? QSize(1200, 900) : QSize(20, 20)));
-    SavingRun run = runFor(photos, {mark(u"A"_qs), mark(u"B"_qs)});
-    run.defaultSavingPreset.filenameTokens = {u"filename"_qs, u"-"_qs, u"width"_qs, u"-"_qs,
-                                              u"sequence ##"_qs};
-    run.jobs = 8;
-    Saving(m_noAlerts).saveImages(run, m_listener);
-    QCOMPARE(m_listener.outputs.size(), 60);
-    for (int i = 0; i < 60; ++i) {
-        const SavingOutput &output = m_listener.outputs[i];
-        QCOMPARE(output.sequenceNumber, i + 1);
-        QCOMPARE(m_listener.values[i], i + 1);
-        QCOMPARE(output.sourcePath, photos[i / 2]);
-        QCOMPARE(QFileInfo(output.path).fileName(), u"%1-%2-%3.png"_qs.arg(i / 2)
-                                                        .arg(i / 2 % 7 == 0 ? 1200 : 20)
-                                                        .arg(i + 1, 2, 10, QLatin1Char('0')));
-        QCOMPARE(output.report.size.width(), i / 2 % 7 == 0 ? 1200 : 20);
-    }
-}
-
-void SavingTest::workGoesOnDuringAQuestion()
-{
-    QVERIFY(QDir().mkpath(path(u"out"_qs)));
-    QVERIFY(pattern({9, 9}).save(path(u"out/img02.png"_qs)));
-    ActingAlerts alerts;
-    bool isFirstDone = false;
-    alerts.act = [&](const Alert &alert) -> AlertAnswer {
-        isFirstDone = alert.title == kExists + u"img02.png"_qs &&
-                      QTest::qWaitFor([&] { return QFile::exists(path(u"out/img01.png"_qs)); }, 60'000);
-        return {1, false};
-    };
-    const SavingRun run = runFor({photo(u"1.png"_qs, {900, 900}), photo(u"2.png"_qs)}, {mark(u"A"_qs)});
-    Saving(alerts).saveImages(run, m_listener);
-    QVERIFY(isFirstDone);
-    QCOMPARE(m_listener.outputs[1].conflict, Conflict::Overwrite);
-    QCOMPARE(QImage(path(u"out/img02.png"_qs)).size(), QSize(40, 30));
-}
-
-void SavingTest::answersAreRememberedForOneRun()
-{
-    const QStringList photos{photo(u"1.png"_qs), photo(u"2.png"_qs), photo(u"3.png"_qs)};
-    const SavingRun run = runFor(photos, {mark(u"A"_qs)});
-    ScriptedAlerts alerts;
-    Saving saving(alerts);
-    saving.saveImages(run, m_listener);
-    alerts.expect(kExists + u"img01.png"_qs, {0, false});
-    alerts.expect(kExists + u"img02.png"_qs, {2, true});
-    saving.saveImages(run, m_listener);
-    alerts.expect(kExists + u"img01.png"_qs, {1, true});
-    saving.saveImages(run, m_listener);
-    QCOMPARE(alerts.complaints(), QStringList());
-    QList<Conflict> conflicts;
-    for (const SavingOutput &output : std::as_const(m_listener.outputs))
-        conflicts.append(output.conflict);
-    QCOMPARE(conflicts,
-             (QList{Conflict::None, Conflict::None, Conflict::None, Conflict::UniqueName, Conflict::Skip,
-                    Conflict::Skip, Conflict::Overwrite, Conflict::Overwrite, Conflict::Overwrite}));
-    QCOMPARE(copies(), (QStringList{u"img01-1.png"_qs, u"img01.png"_qs, u"img02.png"_qs, u"img03.png"_qs}));
-    QVERIFY(saving.savingFailedImages().isEmpty());
-}
-
-void SavingTest::skippedCopiesUseUpTheirNumbers()
-{
-    QVERIFY(QDir().mkpath(path(u"out"_qs)));
-    QVERIFY(pattern({9, 9}).save(path(u"out/img02.png"_qs)));
-    SavingRun run = runFor({photo(u"1.png"_qs), photo(u"2.png"_qs), photo(u"3.png"_qs)}, {mark(u"A"_qs)});
-    run.conflictCode = OutputNaming::always(OutputNaming::kSkip);
-    Saving saving(m_noAlerts);
-    saving.saveImages(run, m_listener);
-    QCOMPARE(m_listener.names(), (QStringList{u"img01.png"_qs, QString(), u"img03.png"_qs}));
-    QCOMPARE(m_listener.outputs[1].status, Status::Skipped);
-    QVERIFY(saving.savingFailedImages().isEmpty());
-    QCOMPARE(QImage(path(u"out/img02.png"_qs)).size(), QSize(9, 9));
-}
-
-void SavingTest::stopping_data()
-{
-    QTest::addColumn<int>("jobs");
-    QTest::newRow("one at a time") << 1;
-    QTest::newRow("overlapping") << 4;
-}
-
-/// Stopped while the second of forty photos is under way.
-void SavingTest::stopping()
-{
-    QFETCH(int, jobs);
-    QStringList photos;
-    for (int i = 0; i < 40; ++i)
-        photos.append(photo(u"%1.png"_qs.arg(i)));
-    SavingRun run = runFor(photos, {mark(u"A"_qs), mark(u"B"_qs)});
-    run.jobs = jobs;
-    Saving saving(m_noAlerts);
-    qsizetype finishedBefore = 0;
-    m_listener.onCopyBegun = [&](qint64 value) {
-        if (value != 3)
-            return;
-        saving.terminateOperation();
-        finishedBefore = m_listener.outputs.size();
-    };
-    saving.saveImages(run, m_listener);
-    QVERIFY(jobs > 1 || finishedBefore == 2);
-    // Whatever overlaps, no photo is begun after the stop, and the one under way gets both copies.
-    QCOMPARE(m_listener.names(),
-             (QStringList{u"img01.png"_qs, u"img02.png"_qs, u"img03.png"_qs, u"img04.png"_qs}));
-    QCOMPARE(m_listener.values, (QList<qint64>{1, 2, 3, 4}));
-    QCOMPARE(copies(), m_listener.names());
-
-    saving.finishedSavingImages();
-    m_listener = {};
-    run.conflictCode = OutputNaming::always(OutputNaming::kOverwrite);
-    saving.saveImages(run, m_listener); // the next run does not know of it
-    QCOMPARE(m_listener.outputs.size(), 80);
-}
-
-void SavingTest::manyFailuresAreReported()
-{
-    QStringList photos{photo(u"good.png"_qs)};
-    QString list;
-    for (int i = 1; i <= 14; ++i) {
-        photos.append(path(u"in/%1.png"_qs.arg(i)));
-        if (i <= 10)
-            list += u"\n%1.png"_qs.arg(i);
-    }
-    ScriptedAlerts alerts;
-    alerts.expect(u"Failed to save 14 image(s)!"_qs);
-    Saving saving(alerts);
-    saving.saveImages(runFor(photos, {mark(u"A"_qs)}), m_listener);
-    QCOMPARE(copies(), QStringList{u"img01.png"_qs});
-    saving.finishedSavingImages();
-    saving.finishedSavingImages(); // all is forgotten
-    QCOMPARE(alerts.complaints(), QStringList());
-    QCOMPARE(alerts.shown().first().style, Alert::Style::Critical);
-    QCOMPARE(alerts.shown().first().text,
-             u"Sorry, could not save the following image(s). Possibly the original image format is not "
-             "supported, or missing write permissions on the destination:"_qs +
-                 list + u"\n  ...and 4 more..."_qs);
-}
-
-void SavingTest::companion()
-{
-    const QStringList photos{photo(u"1.png"_qs), path(u"in/missing.png"_qs), photo(u"3.png"_qs)};
-    SavingRun run = runFor(photos, {mark(u"A"_qs, std::make_shared<SavingPreset>())});
-    UserDefaults defaults(u"maker"_qs, u"companion"_qs);
-    registerDefaults(defaults);
-    const QString exchange = path(u"exchange"_qs);
-    followSettingsForCompanion(run, defaults, exchange);
-    ScriptedAlerts alerts;
-    alerts.expect(u"Failed to save 1 image(s)!"_qs);
-    Saving saving(alerts);
-    saving.saveImages(run, m_listener);
-    QCOMPARE(saving.finishedSavingImages(),
-             std::optional(QStringList{exchange + u"/img0001.tif"_qs, photos[0],
-                                       exchange + u"/img0003.tif"_qs, photos[2]}));
-    QVERIFY(!saving.finishedSavingImages());
-    QCOMPARE(alerts.complaints(), QStringList());
-    QFile tiff(exchange + u"/img0001.tif"_qs);
-    QVERIFY(tiff.open(QIODevice::ReadOnly));
-    QVERIFY(QByteArrayList({"II*", "MM\0"}).contains(tiff.read(3)));
-}
-
-void SavingTest::photosAreReleased_data()
-{
-    QTest::addColumn<bool>("areReleased");
-    QTest::newRow("released") << true;
-    QTest::newRow("kept") << false;
-}
-
-void SavingTest::photosAreReleased()
-{
-    QFETCH(bool, areReleased);
-    const QString file = photo(u"1.png"_qs, {360, 240});
-    const auto image = std::make_shared<ImageObject>(file, m_services);
-    QVERIFY(image->loadImageFromDisk());
-    SavingRun run = runFor({file}, {mark(u"A"_qs), mark(u"B"_qs)});
-    run.photoAt = [&](std::size_t) -> SavingPhoto { return {file, image, {}}; };
-    run.releasesImages = areReleased;
-    Saving(m_noAlerts).saveImages(run, m_listener);
-    QCOMPARE(image->isLoaded(), !areReleased);
-    QCOMPARE(copies().size(), 2);
-    // It was at hand when it was begun, so it could be shown.
-    QCOMPARE(m_listener.pictures.size(), 1);
-    QCOMPARE(m_listener.pictures[0].size(), QSize(180, 120));
-}
-
-void SavingTest::settingsAreFollowed()
-{
-    UserDefaults defaults(u"maker"_qs, u"settings"_qs);
-    registerDefaults(defaults);
-    SavingRun run;
-    followSettings(run, defaults);
-    QCOMPARE(run.folders.destDirectory, defaults.stringForKey(settings::savingDirectory));
-    QVERIFY(run.preservesCreationDate && !run.releasesImages && !run.ignoreAssignedSavingPresets);
-    defaults.setObject(settings::saveAllToOneDirectory, false);
-    defaults.setObject(settings::ignoreSavingPresetsInWPresets, true); // nothing reads it
-    defaults.setObject(settings::imageListIsInBrowserMode, false);
-    followSettings(run, defaults);
-    QVERIFY(run.folders.destDirectory.isEmpty());
-    QVERIFY(run.releasesImages && !run.ignoreAssignedSavingPresets);
-    defaults.setObject(settings::ignoreSavingPresetsInSizePresets, true);
-    followSettings(run, defaults);
-    QVERIFY(run.ignoreAssignedSavingPresets);
-
-    const QStringList tokens = run.defaultSavingPreset.filenameTokens;
-    completeFilenameTokens(run.defaultSavingPreset, m_noAlerts);
-    QCOMPARE(run.defaultSavingPreset.filenameTokens, tokens);
-    run.defaultSavingPreset.filenameTokens.clear();
-    ScriptedAlerts alerts;
-    alerts.expect(u"Missing the filename specification!"_qs);
-    completeFilenameTokens(run.defaultSavingPreset, alerts);
-    QCOMPARE(run.defaultSavingPreset.filenameTokens, QStringList{u"filename"_qs});
-    QCOMPARE(alerts.shown().first().text, u"Will use the original filename."_qs);
-    QCOMPARE(alerts.complaints() + m_noAlerts.complaints(), QStringList());
-}
 
 QTEST_MAIN(SavingTest)
 #include "saving_test.moc"

@@ -1,9 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "saving/savingruns.h"
+#include "support/datarows.h"
+#include "support/files.h"
+#include "support/testpictures.h"
 
 #include <QColorSpace>
 #include <QtTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <thread>
 
@@ -15,13 +21,21 @@ using Conflict = SavingOutput::Conflict;
 namespace
 {
 
-/// Nothing but the pixels, for comparing.
-QImage pixels(QImage image)
-{
-    image.convertTo(QImage::Format_RGB32);
-    image.setColorSpace({});
-    return image;
-}
+struct NoFolder {
+    Text name;
+    Text folder;
+};
+
+struct Jobs {
+    Text name;
+    int jobs;
+};
+
+struct FailedFirst {
+    Text name;
+    OutputNaming::Choice choice; ///< kNoChoice: the user is asked
+    QList<Conflict> conflicts;
+};
 
 } // namespace
 
@@ -31,250 +45,245 @@ class SavingFilesTest : public QObject, private SavingRuns
 
 private Q_SLOTS:
     void init() { startAnew(); }
-    void failuresOnTheWay();
-    void foldersThatTakeNothing_data();
-    void foldersThatTakeNothing();
-    void overwritingTheOriginals_data();
-    void overwritingTheOriginals();
-    void overwrittenPhotosAreReadAfterwards();
-    void sameNamesFromManyFolders();
-    void aFailedCopyHasNoName_data();
-    void aFailedCopyHasNoName();
-    void manyRunsIntoOneFolder();
-    void dryRunWritesNothingAndAgrees();
-};
 
-/// Photos that vanish, shrink or become something else after the run has begun.
-void SavingFilesTest::failuresOnTheWay()
-{
-    const QStringList photos{photo(u"1.png"_qs), photo(u"2.png"_qs), photo(u"3.png"_qs, {600, 600}),
-                             photo(u"4.png"_qs), photo(u"5.png"_qs)};
-    SavingRun run = runFor(photos, {mark(u"A"_qs)});
-    run.jobs = 1;
-    m_listener.onCopyBegun = [&](qint64 value) {
-        if (value != 1)
-            return;
-        QVERIFY(QFile::remove(photos[1]));
-        QVERIFY(QFile::resize(photos[2], QFileInfo(photos[2]).size() / 2));
-        QVERIFY(QFile::remove(photos[3]) && QDir().mkdir(photos[3]));
-    };
-    Saving saving(m_noAlerts);
-    saving.saveImages(run, m_listener);
-    QCOMPARE(copies(), (QStringList{u"img01.png"_qs, u"img05.png"_qs}));
-    QCOMPARE(saving.savingFailedImages(), (QStringList{u"2.png"_qs, u"3.png"_qs, u"4.png"_qs}));
-    for (const SavingOutput &output : std::as_const(m_listener.outputs))
-        QCOMPARE(output.error.isEmpty(), output.status == Status::Written);
-    // Nothing half-written, and nothing hidden.
-    QCOMPARE(QDir(path(u"out"_qs)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(),
-             2);
-}
-
-void SavingFilesTest::foldersThatTakeNothing_data()
-{
-    QTest::addColumn<QString>("folder");
-    QTest::newRow("read-only, whoever writes") << u"/proc/self"_qs;
-    QTest::newRow("cannot be made") << u"/proc/no such folder"_qs;
-    QTest::newRow("vanishes") << QString();
-}
-
-void SavingFilesTest::foldersThatTakeNothing()
-{
-    QFETCH(QString, folder);
-    SavingRun run = runFor({photo(u"1.png"_qs), photo(u"2.png"_qs)}, {mark(u"A"_qs)});
-    if (!folder.isEmpty())
-        run.folders.destDirectory = folder;
-    m_listener.onCopyBegun = [&](qint64 value) {
-        if (value == 1 && folder.isEmpty())
-            QVERIFY(QDir().rmdir(path(u"out"_qs)));
-    };
-    Saving saving(m_noAlerts);
-    saving.saveImages(run, m_listener);
-    QCOMPARE(saving.savingFailedImages(), (QStringList{u"1.png"_qs, u"2.png"_qs}));
-    QVERIFY(m_listener.outputs[0].error.contains(u"img01.png"));
-}
-
-void SavingFilesTest::overwritingTheOriginals_data()
-{
-    QTest::addColumn<int>("jobs");
-    for (const int jobs : {1, 2, 8})
-        QTest::addRow("%d jobs", jobs) << jobs;
-}
-
-/// As if one copy was made after another: all copies of a photo are made of what it was when it was begun,
-/// and a photo that comes twice is the second time what the first time has left.
-void SavingFilesTest::overwritingTheOriginals()
-{
-    QFETCH(int, jobs);
-    const QImage bare = pattern({300, 200});
-    const QString once = photo(u"once.png"_qs, bare.size());
-    const QString twice = photo(u"twice.png"_qs, bare.size());
-    AppliedPreset left = mark(u"Left"_qs);
-    AppliedPreset right = mark(u"Right"_qs);
-    left.values.anchorPoint = 0;
-    right.values.anchorPoint = 8;
-    SavingRun run = runFor({once, twice, twice}, {left, right});
-    run.folders.destDirectory.clear();
-    run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
-    run.conflictCode = OutputNaming::always(OutputNaming::kOverwrite);
-    run.jobs = jobs;
-    Saving saving(m_noAlerts);
-    saving.saveImages(run, m_listener);
-    QCOMPARE(m_listener.outputs.size(), 6);
-    QVERIFY(saving.savingFailedImages().isEmpty());
-
-    const QString asBefore = photo(u"bare.png"_qs, bare.size());
-    ImageObject photo(asBefore, m_services);
-    const QImage marked = photo.createWatermarkedImage({}, right);
-    QVERIFY(marked != bare);
-    QCOMPARE(pixels(QImage(once)), pixels(marked));
-    const QImage again = photo.createWatermarkedImage(marked, right);
-    QCOMPARE(pixels(QImage(twice)), pixels(again));
-}
-
-/// Also when it goes by another name, which its copy gets.
-void SavingFilesTest::overwrittenPhotosAreReadAfterwards()
-{
-    const QString photo = this->photo(u"photo.png"_qs, {700, 700});
-    const QString alias = path(u"in/alias.tif"_qs);
-    QVERIFY(QFile::link(photo, alias));
-    const AppliedPreset preset = mark(u"Mark"_qs);
-    ImageObject bare(photo, m_services);
-    const QImage once = bare.createWatermarkedImage({}, preset);
-    const QImage again = bare.createWatermarkedImage(once, preset);
-    SavingRun run = runFor({photo, alias}, {preset});
-    run.folders.destDirectory.clear();
-    run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
-    run.conflictCode = OutputNaming::always(OutputNaming::kOverwrite);
-    Saving(m_noAlerts).saveImages(run, m_listener);
-    QCOMPARE(pixels(QImage(photo)), pixels(once));
-    QCOMPARE(pixels(QImage(path(u"in/alias.png"_qs))), pixels(again));
-}
-
-void SavingFilesTest::sameNamesFromManyFolders()
-{
-    QStringList photos;
-    for (int i = 0; i < 12; ++i)
-        photos.append(photo(u"%1/a.png"_qs.arg(i), {20 + i, i % 2 == 0 ? 900 : 20}));
-    QFile broken(photos[3]);
-    QVERIFY(broken.open(QIODevice::WriteOnly));
-    SavingRun run = runFor(photos, {mark(u"A"_qs)});
-    run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
-    run.conflictCode = OutputNaming::always(OutputNaming::kUniqueName);
-    run.jobs = 6;
-    Saving(m_noAlerts).saveImages(run, m_listener);
-    for (int i = 0; i < 12; ++i) {
-        // The name of the failed copy stays taken: nobody waited for its outcome.
-        QCOMPARE(m_listener.names()[i], i == 0 ? u"a.png"_qs : u"a-%1.png"_qs.arg(i));
-        if (i != 3)
-            QCOMPARE(QImage(m_listener.outputs[i].path).width(), 20 + i);
+    /// Photos that vanish, shrink or become something else after the run has begun.
+    void failuresOnTheWay()
+    {
+        const QStringList photos{photo(u"1.png"_qs), photo(u"2.png"_qs), photo(u"3.png"_qs, {600, 600}),
+                                 photo(u"4.png"_qs), photo(u"5.png"_qs)};
+        SavingRun run = runFor(photos, {mark(u"A"_qs)});
+        run.jobs = 1;
+        m_listener.onCopyBegun = [&](qint64 value) {
+            if (value != 1)
+                return;
+            QVERIFY(QFile::remove(photos[1]));
+            QVERIFY(QFile::resize(photos[2], QFileInfo(photos[2]).size() / 2));
+            QVERIFY(QFile::remove(photos[3]) && QDir().mkdir(photos[3]));
+        };
+        Saving saving(m_noAlerts);
+        saving.saveImages(run, m_listener);
+        QCOMPARE(copies(), (QStringList{u"img01.png"_qs, u"img05.png"_qs}));
+        QCOMPARE(saving.savingFailedImages(), (QStringList{u"2.png"_qs, u"3.png"_qs, u"4.png"_qs}));
+        for (const SavingOutput &output : std::as_const(m_listener.outputs))
+            QCOMPARE(output.error.isEmpty(), output.status == Status::Written);
+        // Nothing half-written, and nothing hidden.
+        QCOMPARE(
+            QDir(path(u"out"_qs)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(),
+            2);
     }
-    QCOMPARE(copies().size(), 11);
-}
 
-void SavingFilesTest::aFailedCopyHasNoName_data()
-{
-    QTest::addColumn<int>("choice"); // none: the user is asked
-    QTest::addColumn<QList<Conflict>>("conflicts");
-    QTest::newRow("unique") << int(OutputNaming::kUniqueName) // nobody waits to see the first one fail
-                            << QList{Conflict::None, Conflict::UniqueName, Conflict::UniqueName};
-    QTest::newRow("overwrite") << int(OutputNaming::kOverwrite)
-                               << QList{Conflict::None, Conflict::None, Conflict::Overwrite};
-    QTest::newRow("skip") << int(OutputNaming::kSkip)
-                          << QList{Conflict::None, Conflict::None, Conflict::Skip};
-    QTest::newRow("asked") << int(OutputNaming::kNoChoice)
-                           << QList{Conflict::None, Conflict::None, Conflict::Skip};
-}
+    void foldersThatTakeNothing_data()
+    {
+        addRows<NoFolder>({{"read-only, also for the superuser", "/proc/self"},
+                           {"cannot be created", "/proc/no such folder"},
+                           {"vanishes", {}}});
+    }
+    void foldersThatTakeNothing()
+    {
+        const QString folder = currentRow<NoFolder>().folder;
+        SavingRun run = runFor({photo(u"1.png"_qs), photo(u"2.png"_qs)}, {mark(u"A"_qs)});
+        if (!folder.isEmpty())
+            run.folders.destDirectory = folder;
+        m_listener.onCopyBegun = [&](qint64 value) {
+            if (value == 1 && folder.isEmpty())
+                QVERIFY(QDir().rmdir(path(u"out"_qs)));
+        };
+        Saving saving(m_noAlerts);
+        saving.saveImages(run, m_listener);
+        QCOMPARE(saving.savingFailedImages(), (QStringList{u"1.png"_qs, u"2.png"_qs}));
+        QVERIFY(m_listener.outputs[0].error.contains(u"img01.png"));
+    }
 
-/// Three photos of one name, the first of which cannot be read: only the third finds a file.
-void SavingFilesTest::aFailedCopyHasNoName()
-{
-    QFETCH(int, choice);
-    QFETCH(QList<Conflict>, conflicts);
-    for (const int jobs : {1, 4}) {
-        startAnew();
-        const QStringList photos{photo(u"1/a.png"_qs, {1500, 1500}), photo(u"2/a.png"_qs, {900, 900}),
-                                 photo(u"3/a.png"_qs)};
-        QVERIFY(QFile::resize(photos[0], QFileInfo(photos[0]).size() - 100)); // seen at the end only
+    void overwritingTheOriginals_data() { addRows<Jobs>({{"1 job", 1}, {"2 jobs", 2}, {"8 jobs", 8}}); }
+    /// As if one copy was made after another: all copies of a photo are made of what it was when it was
+    /// begun, and a photo that comes twice is the second time what the first time has left.
+    void overwritingTheOriginals()
+    {
+        const int jobs = currentRow<Jobs>().jobs;
+        const QImage bare = smoothPicture({300, 200});
+        const QString once = photo(u"once.png"_qs, bare.size());
+        const QString twice = photo(u"twice.png"_qs, bare.size());
+        AppliedPreset left = mark(u"Left"_qs);
+        AppliedPreset right = mark(u"Right"_qs);
+        left.values.anchorPoint = 0;
+        right.values.anchorPoint = 8;
+        SavingRun run = runFor({once, twice, twice}, {left, right});
+        run.folders.destDirectory.clear();
+        run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
+        run.conflictCode = OutputNaming::always(OutputNaming::kOverwrite);
+        run.jobs = jobs;
+        Saving saving(m_noAlerts);
+        saving.saveImages(run, m_listener);
+        QCOMPARE(m_listener.outputs.size(), 6);
+        QVERIFY(saving.savingFailedImages().isEmpty());
+
+        const QString asBefore = photo(u"bare.png"_qs, bare.size());
+        ImageObject photo(asBefore, m_services.all);
+        const QImage marked = photo.createWatermarkedImage({}, right);
+        QVERIFY(marked != bare);
+        QCOMPARE(pixelsOf(QImage(once)), pixelsOf(marked));
+        const QImage again = photo.createWatermarkedImage(marked, right);
+        QCOMPARE(pixelsOf(QImage(twice)), pixelsOf(again));
+    }
+
+    /// Also when it goes by another name, which its copy gets.
+    void overwrittenPhotosAreReadAfterwards()
+    {
+        const QString photo = this->photo(u"photo.png"_qs, {700, 700});
+        const QString alias = path(u"in/alias.tif"_qs);
+        QVERIFY(QFile::link(photo, alias));
+        const AppliedPreset preset = mark(u"Mark"_qs);
+        ImageObject bare(photo, m_services.all);
+        const QImage once = bare.createWatermarkedImage({}, preset);
+        const QImage again = bare.createWatermarkedImage(once, preset);
+        SavingRun run = runFor({photo, alias}, {preset});
+        run.folders.destDirectory.clear();
+        run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
+        run.conflictCode = OutputNaming::always(OutputNaming::kOverwrite);
+        Saving(m_noAlerts).saveImages(run, m_listener);
+        QCOMPARE(pixelsOf(QImage(photo)), pixelsOf(once));
+        QCOMPARE(pixelsOf(QImage(path(u"in/alias.png"_qs))), pixelsOf(again));
+    }
+
+    void overwrittenFilesKeepTheirOwner()
+    {
+        QVERIFY(writeFile(path(u"out/img01.png"_qs), "old"));
+        const QByteArray target = QFile::encodeName(path(u"out/img01.png"_qs));
+        if (chown(target.constData(), 12345, 23456) != 0)
+            QSKIP("this user may not give files to others");
+        SavingRun run = runFor({photo(u"1.png"_qs)}, {mark(u"A"_qs)});
+        run.conflictCode = OutputNaming::always(OutputNaming::kOverwrite);
+        Saving(m_noAlerts).saveImages(run, m_listener);
+        QCOMPARE(m_listener.outputs.first().status, Status::Written);
+        struct stat info {
+        };
+        QCOMPARE(stat(target.constData(), &info), 0);
+        QVERIFY(info.st_size > 3);
+        QCOMPARE(info.st_uid, uid_t(12345));
+        QCOMPARE(info.st_gid, gid_t(23456));
+    }
+
+    void sameNamesFromManyFolders()
+    {
+        QStringList photos;
+        for (int i = 0; i < 12; ++i)
+            photos.append(photo(u"%1/a.png"_qs.arg(i), {20 + i, i % 2 == 0 ? 900 : 20}));
+        QFile broken(photos[3]);
+        QVERIFY(broken.open(QIODevice::WriteOnly));
         SavingRun run = runFor(photos, {mark(u"A"_qs)});
         run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
-        run.jobs = jobs;
-        ScriptedAlerts alerts;
-        if (choice == OutputNaming::kNoChoice)
-            alerts.expect(u"The file exists:\n  a.png"_qs, {2, false});
-        else
-            run.conflictCode = OutputNaming::always(static_cast<OutputNaming::Choice>(choice));
-        Saving(alerts).saveImages(run, m_listener);
-        QCOMPARE(alerts.complaints(), QStringList());
-        QList<Conflict> found;
-        for (const SavingOutput &output : std::as_const(m_listener.outputs))
-            found.append(output.conflict);
-        QCOMPARE(found, conflicts);
-        QCOMPARE(m_listener.outputs[0].status, Status::Failed);
-        const QString second = choice == OutputNaming::kUniqueName ? u"out/a-1.png"_qs : u"out/a.png"_qs;
-        QCOMPARE(QImage(path(second)).width(), choice == OutputNaming::kOverwrite ? 40 : 900);
-    }
-}
-
-/// Runs that know nothing of each other find free names, and tell them.
-void SavingFilesTest::manyRunsIntoOneFolder()
-{
-    QStringList photos;
-    for (int i = 0; i < 10; ++i)
-        photos.append(photo(u"%1.png"_qs.arg(i), {40 + i, 200}));
-    std::vector<Listener> listeners(4);
-    std::vector<std::jthread> threads;
-    for (Listener &listener : listeners) {
-        SavingRun run = runFor(photos, {mark(u"A"_qs)});
         run.conflictCode = OutputNaming::always(OutputNaming::kUniqueName);
-        threads.emplace_back([run, &listener, this] { Saving(m_noAlerts).saveImages(run, listener); });
-    }
-    threads.clear();
-    QStringList names;
-    for (const Listener &listener : listeners) {
-        QCOMPARE(listener.outputs.size(), photos.size());
-        for (qsizetype i = 0; i < photos.size(); ++i) {
-            const SavingOutput &output = listener.outputs[i];
-            QVERIFY2(output.status == Status::Written, qPrintable(output.error));
-            QCOMPARE(QImage(output.path).width(), 40 + i);
-            QCOMPARE(output.conflict != Conflict::None, output.path.contains(u'-'));
+        run.jobs = 6;
+        Saving(m_noAlerts).saveImages(run, m_listener);
+        for (int i = 0; i < 12; ++i) {
+            // The name of the failed copy stays taken: nobody waited for its outcome.
+            QCOMPARE(m_listener.names()[i], i == 0 ? u"a.png"_qs : u"a-%1.png"_qs.arg(i));
+            if (i != 3)
+                QCOMPARE(QImage(m_listener.outputs[i].path).width(), 20 + i);
         }
-        names += listener.names();
+        QCOMPARE(copies().size(), 11);
     }
-    names.sort();
-    QCOMPARE(copies(), names);
-}
 
-void SavingFilesTest::dryRunWritesNothingAndAgrees()
-{
-    const QStringList photos{photo(u"x/a.png"_qs), photo(u"y/a.png"_qs), path(u"in/missing.png"_qs)};
-    SavingRun run = runFor(photos, {mark(u"creator"_qs), mark(u"width"_qs)});
-    run.defaultSavingPreset.name.clear();
-    run.defaultSavingPreset.filenameTokens = {
-        u"filename"_qs, u"saving preset name"_qs, u"-"_qs, u"city"_qs, u"-"_qs, u"width"_qs};
-    run.folders.replicateOrigDirStructure = true;
-    run.folders.replicationStartDirectory = path(u"in"_qs);
-    run.conflictCode = OutputNaming::always(OutputNaming::kUniqueName);
-    run.isDryRun = true;
-    Saving(m_noAlerts).saveImages(run, m_listener);
-    QVERIFY(!QFile::exists(path(u"out"_qs)));
-    const QList<SavingOutput> plan = std::exchange(m_listener.outputs, {});
-    run.isDryRun = false;
-    Saving(m_noAlerts).saveImages(run, m_listener);
-    QCOMPARE(plan.size(), m_listener.outputs.size());
-    for (int i = 0; i < plan.size(); ++i) {
-        const SavingOutput &done = m_listener.outputs[i];
-        QCOMPARE(plan[i].path, done.path);
-        QCOMPARE(plan[i].sequenceNumber, done.sequenceNumber);
-        QCOMPARE(plan[i].conflict, done.conflict);
-        QCOMPARE(plan[i].status, done.status == Status::Written ? Status::Planned : done.status);
-        QCOMPARE(QFile::exists(done.path), done.status == Status::Written);
+    void aFailedCopyHasNoName_data()
+    {
+        using enum SavingOutput::Conflict;
+        addRows<FailedFirst>({{"unique",
+                               OutputNaming::kUniqueName,
+                               {None, UniqueName, UniqueName}}, // does not wait for the first one
+                              {"overwrite", OutputNaming::kOverwrite, {None, None, Overwrite}},
+                              {"skip", OutputNaming::kSkip, {None, None, Skip}},
+                              {"asked", OutputNaming::kNoChoice, {None, None, Skip}}});
     }
-    QCOMPARE(plan[0].path, path(u"out/x/a--40.png"_qs));
-    QCOMPARE(plan[1].conflict, Conflict::UniqueName);
-    QCOMPARE(plan[0].emptyTokens, (QStringList{u"saving preset name"_qs, u"city"_qs, u"creator"_qs}));
-    QCOMPARE(plan[1].emptyTokens, (QStringList{u"saving preset name"_qs, u"city"_qs}));
-    QCOMPARE(plan[4].status, Status::Failed);
-}
+    /// Three photos of one name, the first of which cannot be read: only the third finds a file.
+    void aFailedCopyHasNoName()
+    {
+        const auto [row, choice, conflicts] = currentRow<FailedFirst>();
+        for (const int jobs : {1, 4}) {
+            startAnew();
+            const QStringList photos{photo(u"1/a.png"_qs, {1500, 1500}), photo(u"2/a.png"_qs, {900, 900}),
+                                     photo(u"3/a.png"_qs)};
+            QVERIFY(QFile::resize(photos[0], QFileInfo(photos[0]).size() - 100)); // seen at the end only
+            SavingRun run = runFor(photos, {mark(u"A"_qs)});
+            run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
+            run.jobs = jobs;
+            ScriptedAlerts alerts;
+            if (choice == OutputNaming::kNoChoice)
+                alerts.expect(u"The file exists:\n  a.png"_qs, {2, false});
+            else
+                run.conflictCode = OutputNaming::always(choice);
+            Saving(alerts).saveImages(run, m_listener);
+            QCOMPARE(alerts.complaints(), QStringList());
+            QList<Conflict> found;
+            for (const SavingOutput &output : std::as_const(m_listener.outputs))
+                found.append(output.conflict);
+            QCOMPARE(found, conflicts);
+            QCOMPARE(m_listener.outputs[0].status, Status::Failed);
+            const QString second = choice == OutputNaming::kUniqueName ? u"out/a-1.png"_qs : u"out/a.png"_qs;
+            QCOMPARE(QImage(path(second)).width(), choice == OutputNaming::kOverwrite ? 40 : 900);
+        }
+    }
+
+    /// Runs that know nothing of each other find free names, and tell them.
+    void manyRunsIntoOneFolder()
+    {
+        QStringList photos;
+        for (int i = 0; i < 10; ++i)
+            photos.append(photo(u"%1.png"_qs.arg(i), {40 + i, 200}));
+        std::vector<Listener> listeners(4);
+        std::vector<std::jthread> threads;
+        for (Listener &listener : listeners) {
+            SavingRun run = runFor(photos, {mark(u"A"_qs)});
+            run.conflictCode = OutputNaming::always(OutputNaming::kUniqueName);
+            threads.emplace_back([run, &listener, this] { Saving(m_noAlerts).saveImages(run, listener); });
+        }
+        threads.clear();
+        QStringList names;
+        for (const Listener &listener : listeners) {
+            QCOMPARE(listener.outputs.size(), photos.size());
+            for (qsizetype i = 0; i < photos.size(); ++i) {
+                const SavingOutput &output = listener.outputs[i];
+                QVERIFY2(output.status == Status::Written, qPrintable(output.error));
+                QCOMPARE(QImage(output.path).width(), 40 + i);
+                QCOMPARE(output.conflict != Conflict::None, output.path.contains(u'-'));
+            }
+            names += listener.names();
+        }
+        names.sort();
+        QCOMPARE(copies(), names);
+    }
+
+    void dryRunWritesNothingAndAgrees()
+    {
+        const QStringList photos{photo(u"x/a.png"_qs), photo(u"y/a.png"_qs), path(u"in/missing.png"_qs)};
+        SavingRun run = runFor(photos, {mark(u"creator"_qs), mark(u"width"_qs)});
+        run.defaultSavingPreset.name.clear();
+        run.defaultSavingPreset.filenameTokens = {
+            u"filename"_qs, u"saving preset name"_qs, u"-"_qs, u"city"_qs, u"-"_qs, u"width"_qs};
+        run.folders.replicateOrigDirStructure = true;
+        run.folders.replicationStartDirectory = path(u"in"_qs);
+        run.conflictCode = OutputNaming::always(OutputNaming::kUniqueName);
+        run.isDryRun = true;
+        Saving(m_noAlerts).saveImages(run, m_listener);
+        QVERIFY(!QFile::exists(path(u"out"_qs)));
+        const QList<SavingOutput> plan = std::exchange(m_listener.outputs, {});
+        run.isDryRun = false;
+        Saving(m_noAlerts).saveImages(run, m_listener);
+        QCOMPARE(plan.size(), m_listener.outputs.size());
+        for (int i = 0; i < plan.size(); ++i) {
+            const SavingOutput &done = m_listener.outputs[i];
+            QCOMPARE(plan[i].path, done.path);
+            QCOMPARE(plan[i].sequenceNumber, done.sequenceNumber);
+            QCOMPARE(plan[i].conflict, done.conflict);
+            QCOMPARE(plan[i].status, done.status == Status::Written ? Status::Planned : done.status);
+            QCOMPARE(QFile::exists(done.path), done.status == Status::Written);
+        }
+        QCOMPARE(plan[0].path, path(u"out/x/a--40.png"_qs));
+        QCOMPARE(plan[1].conflict, Conflict::UniqueName);
+        QCOMPARE(plan[0].emptyTokens, (QStringList{u"saving preset name"_qs, u"city"_qs, u"creator"_qs}));
+        QCOMPARE(plan[1].emptyTokens, (QStringList{u"saving preset name"_qs, u"city"_qs}));
+        QCOMPARE(plan[4].status, Status::Failed);
+    }
+};
 
 QTEST_MAIN(SavingFilesTest)
 #include "savingfiles_test.moc"

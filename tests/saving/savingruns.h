@@ -4,8 +4,11 @@
 
 #include "presets/savingpreset.h"
 #include "saving/saving.h"
+#include "support/files.h"
 #include "support/scriptedalerts.h"
 #include "support/testenvironment.h"
+#include "support/testpictures.h"
+#include "support/testservices.h"
 
 #include <QDir>
 
@@ -14,16 +17,6 @@
 
 namespace plexa::test
 {
-
-inline QImage pattern(QSize size)
-{
-    QImage image(size, QImage::Format_RGB32);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixel(x, y, qRgb(x * 3 % 256, y * 5 % 256, (x ^ y) % 256));
-    }
-    return image;
-}
 
 /// Keeps all that it hears.
 class Listener final : public SavingObserver
@@ -72,14 +65,14 @@ protected:
     QString photo(const QString &name, QSize size = {40, 30}) const
     {
         const QString file = path(QStringLiteral("in/") + name);
-        if (!QDir().mkpath(QFileInfo(file).path()) || !pattern(size).save(file))
+        if (!QDir().mkpath(QFileInfo(file).path()) || !smoothPicture(size).save(file))
             qFatal("no photo can be made");
         return file;
     }
 
     AppliedPreset mark(const QString &name, SavingPresetPtr assigned = {}) const
     {
-        WPresetValues values = WPresetValues::forNewPreset(m_fonts);
+        WPresetValues values = WPresetValues::forNewPreset(m_services.fonts);
         values.name = name;
         values.textTokens = {name};
         values.assignedSavingPreset = std::move(assigned);
@@ -93,7 +86,7 @@ protected:
         run.photoCount = static_cast<std::size_t>(photos.size());
         run.photoAt = [this, photos](std::size_t index) -> SavingPhoto {
             const QString &photo = photos[static_cast<qsizetype>(index)];
-            return {photo, std::make_shared<ImageObject>(photo, m_services), {}};
+            return {photo, std::make_shared<ImageObject>(photo, m_services.all), {}};
         };
         run.effectivePresets = presetsToSave(presets);
         run.defaultSavingPreset.imageFormat = QStringLiteral("PNG");
@@ -108,11 +101,7 @@ protected:
         return QDir(path(QStringLiteral("out"))).entryList(QDir::Files, QDir::Name);
     }
 
-    FontCatalog m_fonts;
-    LocaleFormat m_locale{QStringLiteral("en_US")};
-    PixelCache m_cache{64 * 1024 * 1024};
-    ByteBudget m_budget{1'000'000'000};
-    PhotoServices m_services{m_fonts, m_locale, m_cache, m_budget, {}};
+    TestPhotoServices m_services;
     std::unique_ptr<TestFolder> m_folder;
     Listener m_listener;
     ScriptedAlerts m_noAlerts;
