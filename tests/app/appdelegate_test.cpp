@@ -6,8 +6,6 @@
 
 #include <QSignalSpy>
 
-Q_DECLARE_METATYPE(plexa::AlertAnswer)
-
 using namespace plexa;
 using namespace plexa::test;
 
@@ -23,6 +21,21 @@ struct Fixture {
         {files.defaults, files.alerts, controller, [this](const QUrl &url) { openedUrls.append(url); }}};
 };
 
+struct Run {
+    Text name;
+    QVariant stored;
+    qint64 expected;
+};
+
+struct Feedback {
+    Text name;
+    int run;
+    bool asks;
+    AlertAnswer answer;
+    bool opensPage;
+    bool asksAgain;
+};
+
 } // namespace
 
 class AppDelegateTest : public QObject
@@ -32,69 +45,62 @@ class AppDelegateTest : public QObject
 private Q_SLOTS:
     void countsRuns_data()
     {
-        QTest::addColumn<QVariant>("stored");
-        QTest::addColumn<qint64>("expected");
-        QTest::newRow("the first") << QVariant() << qint64(1);
-        QTest::newRow("the last that is counted") << QVariant(999'999) << qint64(1'000'000);
-        QTest::newRow("round again") << QVariant(1'000'000) << qint64(1);
-        QTest::newRow("edited by hand") << QVariant(QStringLiteral("-3")) << qint64(-2);
+        addRows<Run>({
+            {"the first", {}, 1},
+            {"the last that is counted", 999'999, 1'000'000},
+            {"round again", 1'000'000, 1},
+            {"edited by hand", u"-3"_qs, -2},
+        });
     }
-
     void countsRuns()
     {
         Fixture fixture;
-        QFETCH(const QVariant, stored);
+        const auto [name, stored, expected] = currentRow<Run>();
         if (stored.isValid())
             fixture.files.defaults.setObject(settings::runNumber, stored);
         fixture.delegate.applicationDidFinishLaunching();
         // As another process reads it.
-        const UserDefaults other(QStringLiteral("Quorvel"), QStringLiteral("Plexa"));
-        QTEST(other.integerForKey(settings::runNumber), "expected");
+        const UserDefaults other(u"Quorvel"_qs, u"Plexa"_qs);
+        QCOMPARE(other.integerForKey(settings::runNumber), expected);
     }
 
     void asksForFeedback_data()
     {
-        QTest::addColumn<int>("run");
-        QTest::addColumn<bool>("asks");
-        QTest::addColumn<AlertAnswer>("answer");
-        QTest::addColumn<bool>("opensPage");
-        QTest::addColumn<bool>("asksAgain");
-        QTest::newRow("seventh run, yes") << 7 << true << AlertAnswer{0, false} << true << true;
-        QTest::newRow("no, and never again") << 14 << true << AlertAnswer{1, true} << false << false;
-        QTest::newRow("yes, and never again") << 21 << true << AlertAnswer{0, true} << true << false;
-        QTest::newRow("any other run") << 8 << false << AlertAnswer{} << false << true;
+        addRows<Feedback>({
+            {"seventh run, yes", 7, true, {0, false}, true, true},
+            {"no, and never again", 14, true, {1, true}, false, false},
+            {"yes, and never again", 21, true, {0, true}, true, false},
+            {"any other run", 8, false, {}, false, true},
+        });
     }
-
     void asksForFeedback()
     {
         Fixture fixture;
-        QFETCH(const int, run);
-        QFETCH(const bool, asks);
-        QFETCH(const AlertAnswer, answer);
+        const auto [name, run, asks, answer, opensPage, asksAgain] = currentRow<Feedback>();
         fixture.files.defaults.setObject(settings::runNumber, run);
         fixture.files.defaults.removeObjectForKey(settings::askForFeedback); // of the row before
         if (asks)
-            fixture.files.alerts.expect(QStringLiteral("Your feedback"), answer);
+            fixture.files.alerts.expect(u"Your feedback"_qs, answer);
         fixture.delegate.applicationWillTerminate();
         QCOMPARE(fixture.files.alerts.complaints(), QStringList());
-        QTEST(fixture.openedUrls.contains(AppDelegate::feedbackPage()), "opensPage");
-        QTEST(fixture.files.defaults.boolForKey(settings::askForFeedback), "asksAgain");
+        QCOMPARE(fixture.openedUrls.contains(AppDelegate::feedbackPage()), opensPage);
+        QCOMPARE(fixture.files.defaults.boolForKey(settings::askForFeedback), asksAgain);
     }
 
     void opensFiles()
     {
         Fixture fixture;
         QSignalSpy windowWanted(&fixture.delegate, &AppDelegate::windowWanted);
-        const QString photo = fixture.files.photo(QStringLiteral("a.png"));
+        const QString photo = fixture.files.photo("a.png");
         fixture.delegate.openFiles({photo});
         QTRY_VERIFY(isIdle(fixture.controller.gathering()));
-        QCOMPARE(shownNames(fixture.controller.imageSet()), QStringLiteral("a"));
+        QCOMPARE(shownNames(fixture.controller.imageSet()), u"a"_qs);
 
         // Photos that come with an exchange info file are not photos of their own.
-        const QString info = fixture.files.folder.path(QStringLiteral("info.qtxf"));
+        const QString info = fixture.files.folder.path("info.qtxf");
         fixture.delegate.openFiles({info, photo});
         QTRY_VERIFY(isIdle(fixture.controller.gathering()));
-        QCOMPARE(shownNames(fixture.controller.imageSet()), QStringLiteral("a"));
+        QCOMPARE(shownNames(fixture.controller.imageSet()), u"a"_qs);
 
         fixture.delegate.openFiles({}); // from a second start without files
         QCOMPARE(windowWanted.count(), 3);
@@ -103,18 +109,11 @@ private Q_SLOTS:
     void remembersAppliedPresets()
     {
         Fixture fixture;
-        const auto preset = std::make_shared<WPreset>(WPresetValues{});
-        preset->setName(QStringLiteral("Logo"));
-        fixture.controller.appliedPresets().addWPresetsToApplied({preset});
+        fixture.controller.appliedPresets().addWPresetsToApplied({namedPreset(u"Logo"_qs)});
         UserDefaults &defaults = fixture.files.defaults;
-        defaults.setObject(settings::wPresetsAppliedLastTime, QStringList{QStringLiteral("Old")});
-        fixture.delegate.windowWillClose(); // the user does not want it
-        QCOMPARE(defaults.stringArrayForKey(settings::wPresetsAppliedLastTime),
-                 QStringList{QStringLiteral("Old")});
         defaults.setObject(settings::rememberWPresetsAppliedLastTime, true);
         fixture.delegate.windowWillClose();
-        QCOMPARE(defaults.stringArrayForKey(settings::wPresetsAppliedLastTime),
-                 QStringList{QStringLiteral("Logo")});
+        QCOMPARE(defaults.stringArrayForKey(settings::wPresetsAppliedLastTime), words("Logo"));
     }
 };
 

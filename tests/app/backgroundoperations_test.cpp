@@ -13,7 +13,18 @@ using namespace plexa::test;
 
 using enum StatusOperation;
 
-using Operations = QList<QPair<StatusOperation, float>>;
+namespace
+{
+
+struct Line {
+    Text name;
+    QList<QPair<StatusOperation, float>> operations; ///< with their progress
+    Text text;
+    StatusLine::Bar bar;
+    float fraction;
+};
+
+} // namespace
 
 class BackgroundOperationsTest : public QObject
 {
@@ -38,62 +49,54 @@ private Q_SLOTS:
 
     void statusLine_data()
     {
-        QTest::addColumn<Operations>("operations");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<StatusLine::Bar>("bar");
-        QTest::addColumn<float>("fraction");
         using enum StatusLine::Bar;
-        QTest::newRow("idle") << Operations() << "2 out of 3 images (1 selected)" << Hidden << 0.0F;
-        QTest::newRow("counting") << Operations{{Counting, 12.9F}} << "Counting images to import (12)..."
-                                  << Busy << 0.0F;
-        QTest::newRow("the first one has the bar")
-            << Operations{{Importing, 0.25F}, {Pasting, 0.75F}}
-            << "Importing images & Pasting configuration..." << Fraction << 0.25F;
-        QTest::newRow("three") << Operations{{Rotating, 0.5F}, {Counting, 3}, {Processing, 0}}
-                               << "Rotating images & Counting images to import (3) & Processing images..."
-                               << Fraction << 0.5F;
+        addRows<Line>({
+            {"idle", {}, "2 out of 3 images (1 selected)", Hidden, 0},
+            {"counting", {{Counting, 12.9F}}, "Counting images to import (12)...", Busy, 0},
+            {"the first one has the bar",
+             {{Importing, 0.25F}, {Pasting, 0.75F}},
+             "Importing images & Pasting configuration...",
+             Fraction,
+             0.25F},
+            {"three",
+             {{Rotating, 0.5F}, {Counting, 3}, {Processing, 0}},
+             "Rotating images & Counting images to import (3) & Processing images...",
+             Fraction,
+             0.5F},
+        });
     }
-
     void statusLine()
     {
-        QFETCH(Operations, operations);
+        const auto [name, operations, text, bar, fraction] = currentRow<Line>();
         const auto image = std::make_shared<ImageObject>(QString(), m_work->photos);
         StatusManager status;
-        QCOMPARE(status.line().text, QStringLiteral("No images"));
+        QCOMPARE(status.line().text, u"No images"_qs);
         status.setImages(std::make_shared<ImageList>(ImageList{image, image, image}),
                          std::make_shared<ImageList>(ImageList{image, image}), 1);
         for (const auto &[operation, progress] : operations) {
+            QVERIFY(!status.setProgress(progress, operation));
             status.startOperation(operation);
             QVERIFY(status.setProgress(progress, operation));
             status.startOperation(operation); // no second entry
         }
         const QSignalSpy changes(&status, &StatusManager::lineChanged);
         QTRY_COMPARE(changes.size(), 1); // many changes are one
-        QTEST(status.line().text, "text");
-        QTEST(status.line().bar, "bar");
-        QTEST(status.line().fraction, "fraction");
+        QCOMPARE(status.line().text, text);
+        QCOMPARE(status.line().bar, bar);
+        QCOMPARE(status.line().fraction, fraction);
         QCOMPARE(status.line().canBeStopped, !operations.isEmpty());
-    }
-
-    void statusOperations()
-    {
-        StatusManager status;
-        QVERIFY(!status.endOperation(Importing));
-        QVERIFY(!status.setProgress(0.5F, Importing));
-        status.startOperation(Importing);
-        QTRY_VERIFY(status.line().canBeStopped);
-        QVERIFY(status.endOperation(Importing));
-        QVERIFY(!status.endOperation(Importing));
+        for (const auto &[operation, progress] : operations)
+            QVERIFY(status.endOperation(operation) && !status.endOperation(operation));
         QTRY_VERIFY(!status.line().canBeStopped);
     }
 
-    void turnsWhatIsFreeFirst()
+    void rotatesFreePhotosFirst()
     {
         addPhotos({{40, 20}, {41, 21}, {42, 22}});
-        m_app->imageSet().addImage(m_work->brokenPhoto(QStringLiteral("broken.png")), {});
+        m_app->imageSet().addImage(m_work->brokenPhoto(u"broken.png"_qs), {});
         m_app->imageSet().selection().selectAll();
         QVERIFY(photo(1).loadImageFromDisk());
-        photo(0).lock(); // not loaded: nobody may wait for that either
+        photo(0).lock(); // not loaded: no thread may wait for that either
         photo(1).lock();
         QSignalSpy outdated(m_app.get(), &AppController::imageOutdated);
         m_app->startBatchOperation(ImageTransform::RotateClockwise);
@@ -110,33 +113,19 @@ private Q_SLOTS:
         QCOMPARE(outdated.size(), 4);
         QCOMPARE(photo(0).pixelSize(), QSize(20, 40));
         QCOMPARE(photo(1).pixelSize(), QSize(21, 41));
-        QTRY_COMPARE(m_app->statusManager().line().text, QStringLiteral("4 images (4 selected)"));
-    }
+        QTRY_COMPARE(m_app->statusManager().line().text, u"4 images (4 selected)"_qs);
 
-    void stopsTurning()
-    {
-        addPhotos({{40, 20}, {42, 22}});
-        photo(0).lock();
-        m_app->startBatchOperation(ImageTransform::RotateClockwise);
-        QTRY_VERIFY(photo(1).pixelSize() == QSize(22, 42));
-        m_app->stopAllOperations();
-        QTRY_VERIFY(!isRunning());
-        photo(0).unlock();
-        QTRY_VERIFY(!m_app->statusManager().line().canBeStopped);
-        QCOMPARE(photo(0).originalImageSize(), QSize(40, 20));
-        QCOMPARE(photo(1).originalImageSize(), QSize(22, 42));
-
-        // With nothing selected it is over at once.
+        // With nothing selected the operation ends at once.
         m_app->imageSet().selection().selectNone();
         m_app->startBatchOperation(ImageTransform::RotateHalf);
         QTRY_VERIFY(!isRunning());
     }
 
-    /// A turn forgets the places chosen by hand, in every photo of the batch and however often.
-    void turnsAllTheWaysThatExist()
+    /// A rotation removes the places chosen by hand, in every photo of the batch and however often.
+    void appliesAllTransforms()
     {
         addPhotos(QList<QSize>(12, {30, 20}));
-        const auto preset = newPreset(QStringLiteral("p"));
+        const auto preset = namedPreset(u"p"_qs);
         for (const auto transform :
              {ImageTransform::RotateClockwise, ImageTransform::MirrorTopBottom, ImageTransform::RotateHalf,
               ImageTransform::MirrorLeftRight, ImageTransform::RotateCounterClockwise}) {
@@ -147,12 +136,12 @@ private Q_SLOTS:
             for (std::size_t i = 0; i < 12; ++i)
                 QVERIFY(!photo(i).customWatermarkRectOriginForWPreset(preset.get()));
         }
-        // Clockwise and back with a half turn and both mirrors between: nothing is left of it.
+        // Clockwise and back with a half rotation and both mirrors between: the photo is as before.
         QCOMPARE(photo(5).pixelSize(), QSize(30, 20));
     }
 
-    /// A save releases photos of a long list while they are being turned: that must end.
-    void turnsWhatIsBeingReleased()
+    /// A save releases photos of a long list while they are being rotated: that must end.
+    void rotatesPhotosBeingReleased()
     {
         addPhotos(QList<QSize>(12, {30, 20}));
         const ImageList images = *m_app->imageSet().images();
@@ -168,8 +157,8 @@ private Q_SLOTS:
         }
     }
 
-    /// In Large Batch mode the memory does not depend on how many photos were turned or looked at. Back in
-    /// Small Batch mode the thumbnails are made anew, and turns and edits are still there.
+    /// In Large Batch mode the memory does not depend on how many photos were rotated or shown. Back in Small
+    /// Batch mode the thumbnails are created again, and rotations and edits are kept.
     void keepsNoThumbnailsOfALongList()
     {
         addPhotos({{40, 20}, {42, 22}, {44, 24}});
@@ -184,21 +173,20 @@ private Q_SLOTS:
         QCOMPARE(photo(2).thumbnail().size(), QSize(24, 44));
         QCOMPARE(photo(0).pixelSize(), QSize(20, 40));
         ImageMetadata edited = *photo(0).metadata();
-        edited.setIptcCreator(QStringLiteral("somebody"));
+        edited.setIptcCreator(u"somebody"_qs);
         photo(0).setMetadata(edited);
 
         set.setImageListModeToBrowser(true);
         QTRY_VERIFY(!m_app->gathering().isImportingImages());
         QCOMPARE(photo(0).thumbnail().size(), QSize(20, 40));
         QCOMPARE(photo(0).originalCGImage().size(), QSize(20, 40));
-        QCOMPARE(photo(0).metadata()->iptcCreator().toString(), QStringLiteral("somebody"));
+        QCOMPARE(photo(0).metadata()->iptcCreator().toString(), u"somebody"_qs);
     }
 
     void pastesRelativePositions()
     {
         addPhotos({{1000, 500}, {2000, 1000}, {300, 400}});
-        const WPresetList presets{newPreset(QStringLiteral("a")), newPreset(QStringLiteral("b")),
-                                  newPreset(QStringLiteral("c"))};
+        const WPresetList presets{namedPreset(u"a"_qs), namedPreset(u"b"_qs), namedPreset(u"c"_qs)};
         m_app->appliedPresets().addWPresetsToApplied(presets);
         photo(0).setCustomWatermarkRectOrigin({250, 100}, presets[0]);
         photo(0).setCustomWatermarkRectOrigin({500, -50}, presets[1]);
@@ -221,7 +209,7 @@ private Q_SLOTS:
         };
         QCOMPARE(at(1, 0), QPointF(500, 200));
         QCOMPARE(at(1, 1), QPointF(1000, -100));
-        QCOMPARE(at(1, 2), std::nullopt); // what stood there is gone
+        QCOMPARE(at(1, 2), std::nullopt); // the place from before is removed
         QCOMPARE(at(2, 0), QPointF(75, 80));
         QVERIFY(!photo(2).imageHasBeenLoaded()); // its size needs no pixels
 
@@ -233,7 +221,7 @@ private Q_SLOTS:
     void pastesTheCurrentPreset()
     {
         addPhotos({{100, 100}, {200, 50}});
-        const WPresetList presets{newPreset(QStringLiteral("a")), newPreset(QStringLiteral("b"))};
+        const WPresetList presets{namedPreset(u"a"_qs), namedPreset(u"b"_qs)};
         AppliedPresets &applied = m_app->appliedPresets();
         applied.addWPresetsToApplied(presets);
         applied.selectRows({1});
@@ -242,7 +230,7 @@ private Q_SLOTS:
         ImageSelection &selection = m_app->imageSet().selection();
         selection.selectIndexes({0});
         m_app->copyManualPositioning(AppController::Presets::All);
-        m_app->copyManualPositioning(AppController::Presets::Current); // takes the other copy's place
+        m_app->copyManualPositioning(AppController::Presets::Current); // replaces the other copy
         // The preset that is current when it is pasted gets the place; other presets keep theirs.
         selection.selectIndexes({1});
         m_app->pasteManualPositioning();
@@ -259,7 +247,7 @@ private Q_SLOTS:
     void pastesOntoALockedPhoto()
     {
         addPhotos({{100, 100}, {100, 100}, {100, 100}});
-        const auto preset = newPreset(QStringLiteral("a"));
+        const auto preset = namedPreset(u"a"_qs);
         m_app->appliedPresets().addWPresetsToApplied({preset});
         photo(0).setCustomWatermarkRectOrigin({10, 20}, preset);
         m_app->imageSet().selection().selectIndexes({0});
@@ -277,7 +265,7 @@ private Q_SLOTS:
         QTRY_VERIFY(!m_app->manualPositions().isPasting());
         QVERIFY(has(1));
 
-        // What waits behind a pasting that is stopped does not begin.
+        // A pasting that waits for a stopped one does not begin.
         m_app->resetManualPositioning(AppController::Presets::All);
         photo(1).lock();
         m_app->imageSet().selection().selectIndexes({1});
@@ -294,7 +282,7 @@ private Q_SLOTS:
     void copiesOnlyFromOnePhoto()
     {
         addPhotos({{100, 100}, {100, 100}});
-        const auto preset = newPreset(QStringLiteral("a"));
+        const auto preset = namedPreset(u"a"_qs);
         m_app->appliedPresets().addWPresetsToApplied({preset});
         photo(0).setCustomWatermarkRectOrigin({10, 20}, preset);
         m_app->copyManualPositioning(AppController::Presets::All); // two are selected
@@ -311,35 +299,32 @@ private Q_SLOTS:
     void savesMeanwhile()
     {
         addPhotos({{640, 480}, {480, 640}, {640, 480}});
-        const QString folder = m_work->folder.path(QStringLiteral("copies"));
+        const QString folder = m_work->folder.path("copies");
         QVERIFY(QDir().mkpath(folder));
         m_work->defaults.setObject(settings::saveAllToOneDirectory, true);
         m_work->defaults.setObject(settings::savingDirectory, folder);
-        const auto preset = newPreset(QStringLiteral("mark"));
-        preset->setType(QStringLiteral("Image"));
-        QImage logo(20, 20, QImage::Format_RGB32);
-        logo.fill(Qt::red);
-        preset->setImage(WatermarkPicture::fromImage(logo));
+        const auto preset = namedPreset(u"mark"_qs);
+        preset->setType(u"Image"_qs);
+        preset->setImage(WatermarkPicture::fromImage(flatPicture({20, 20}, Qt::red)));
         m_app->appliedPresets().addWPresetsToApplied({preset});
         BatchSave::Order order;
         order.photos = *m_app->imageSet().images();
-        order.defaultSavingPreset.filenameTokens = {QStringLiteral("filename")};
+        order.defaultSavingPreset.filenameTokens = {u"filename"_qs};
         BatchSave save({m_app->statusManager(), m_work->alerts, m_work->defaults, 2});
         QVERIFY(!save.start(order)); // without a watermark
         order.effectivePresets = m_app->appliedPresets().effectivePresetsNow();
 
-        // A photo that has gone is told of at the end; the others are there.
+        // A missing photo is reported at the end; the others are saved.
         QVERIFY(QFile::remove(order.photos[1]->path()));
-        m_work->alerts.expect(QStringLiteral("Failed to save 1 image(s)!"));
+        m_work->alerts.expect(u"Failed to save 1 image(s)!"_qs);
         QSignalSpy finished(&save, &BatchSave::finished);
         QVERIFY(save.start(order));
         QVERIFY(save.isSavingInProgress());
         QVERIFY(!save.start(order));
-        QTRY_COMPARE(m_app->statusManager().line().text, QStringLiteral("Processing images..."));
+        QTRY_COMPARE(m_app->statusManager().line().text, u"Processing images..."_qs);
         QVERIFY(finished.wait());
         QVERIFY(!save.isSavingInProgress());
-        QCOMPARE(QDir(folder).entryList(QDir::Files),
-                 (QStringList{QStringLiteral("0.jpg"), QStringLiteral("2.jpg")}));
+        QCOMPARE(QDir(folder).entryList(QDir::Files), (QStringList{u"0.jpg"_qs, u"2.jpg"_qs}));
 
         // Destroyed in the middle, it leaves whole files.
         QVERIFY(QDir(folder).removeRecursively() && QDir().mkpath(folder));
@@ -349,13 +334,13 @@ private Q_SLOTS:
             QVERIFY(other.start(order));
         }
         for (const QString &name : QDir(folder).entryList(QDir::Files | QDir::Hidden))
-            QVERIFY2(!QImage(folder + QLatin1Char('/') + name).isNull(), qPrintable(name));
+            QVERIFY2(!QImage(folder + u'/' + name).isNull(), qPrintable(name));
     }
 
     void destroyedMeanwhile()
     {
         addPhotos(QList<QSize>(30, {400, 300}));
-        const auto preset = newPreset(QStringLiteral("a"));
+        const auto preset = namedPreset(u"a"_qs);
         m_app->appliedPresets().addWPresetsToApplied({preset});
         photo(0).setCustomWatermarkRectOrigin({10, 20}, preset);
         m_app->manualPositions().copyForPresets(photo(0), {preset});
@@ -371,7 +356,7 @@ private:
     {
         ImageSet &set = m_app->imageSet();
         for (const QSize &size : sizes)
-            set.addImage(m_work->photo(QStringLiteral("%1.png").arg(set.images()->size()), size), {});
+            set.addImage(m_work->photo(u"%1.png"_qs.arg(set.images()->size()), size), {});
         IndexList all;
         for (int i = 0; i < sizes.size(); ++i)
             all.append(i);
@@ -379,12 +364,6 @@ private:
     }
 
     ImageObject &photo(std::size_t index) { return *(*m_app->imageSet().images())[index]; }
-    std::shared_ptr<WPreset> newPreset(const QString &name)
-    {
-        auto preset = std::make_shared<WPreset>(m_work->fonts);
-        preset->setName(name);
-        return preset;
-    }
 
     bool isRunning() const { return m_app->commandState().hasCurrentBatchOperation; }
 

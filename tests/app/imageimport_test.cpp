@@ -15,8 +15,9 @@ namespace
 class HeldImport
 {
 public:
-    HeldImport(WorkingSet &work, ImageSet &set, ImageGathering &gathering, int count)
+    HeldImport(GatheredSet &gathered, int count)
     {
+        auto &[work, set, gathering, mirror] = gathered;
         const QDir folder(work.manyPhotos(count));
         for (const QString &name : folder.entryList(QDir::Files, QDir::Name))
             set.addImage(folder.filePath(name), {});
@@ -36,12 +37,6 @@ private:
     ImageList m_locked;
 };
 
-bool areAllLoaded(const ImageSet &set)
-{
-    return std::all_of(set.images()->begin(), set.images()->end(),
-                       [](const auto &image) { return image->isLoaded(); });
-}
-
 } // namespace
 
 class ImageImportTest : public QObject
@@ -49,153 +44,135 @@ class ImageImportTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void init() { m_gathered = std::make_unique<GatheredSet>(); }
+
+    void cleanup()
+    {
+        QVERIFY(m_gathered->mirror.isTrue());
+        QCOMPARE(m_gathered->work.alerts.complaints(), QStringList());
+        m_gathered.reset();
+    }
+
     void reportsUnreadableFiles_data()
     {
         QTest::addColumn<int>("count");
-        QTest::newRow("one") << 1;
-        QTest::newRow("ten") << 10;
-        QTest::newRow("twelve") << 12;
+        for (const int count : {1, 10, 12})
+            QTest::addRow("%d", count) << count;
     }
-
     void reportsUnreadableFiles()
     {
         QFETCH(int, count);
-        WorkingSet work;
-        ImageSet set(work.services());
-        ImageGathering gathering(set, work.services());
-        const Mirror mirror(set);
+        auto &[work, set, gathering, mirror] = *m_gathered;
         QStringList paths;
         QStringList broken;
         for (int i = 0; i < count; ++i) {
-            broken.append(work.brokenPhoto(QStringLiteral("broken%1.jpg").arg(i)));
-            paths << broken.last() << work.photo(QStringLiteral("good%1.jpg").arg(i));
+            broken.append(work.brokenPhoto(u"broken%1.jpg"_qs.arg(i)));
+            paths << broken.last() << work.photo(u"good%1.jpg"_qs.arg(i));
         }
-        work.alerts.expect(QStringLiteral("Cannot open the following %1 file(s):").arg(count));
-        gathering.scanImagesAtPaths(paths);
-        QTRY_VERIFY(isIdle(gathering));
-        QCOMPARE(work.alerts.complaints(), QStringList());
-        QString text = broken.mid(0, 10).join(QLatin1Char('\n'));
+        work.alerts.expect(u"Cannot open the following %1 file(s):"_qs.arg(count));
+        QVERIFY(m_gathered->gather(paths));
+        QString text = broken.mid(0, 10).join(u'\n');
         if (count == 12)
-            text += QStringLiteral("\n  ...and 2 more...");
+            text += u"\n  ...and 2 more..."_qs;
         text += QStringLiteral(
             "\n\nPossible reasons:\n \u2022 unsupported file format\n \u2022 insufficient file "
             "access permissions");
         QCOMPARE(work.alerts.shown().constFirst().text, text);
         QCOMPARE(set.images()->size(), static_cast<std::size_t>(count));
-        QVERIFY(mirror.isTrue());
         for (const auto &image : *set.images()) {
-            QVERIFY(image->filename().startsWith(QLatin1String("good")));
+            QVERIFY(image->filename().startsWith(u"good"));
             QVERIFY(image->isLoaded() && !image->thumbnail().isNull());
         }
-        // A second import finds nothing to complain of.
+        // A second import has nothing to report.
         gathering.importMissingImages();
-        QTRY_VERIFY(isIdle(gathering));
-        QCOMPARE(work.alerts.complaints(), QStringList());
+        QVERIFY(m_gathered->isIdleSoon());
     }
 
     void reportsUnreadableFolders()
     {
-        WorkingSet work;
-        ImageSet set(work.services());
-        ImageGathering gathering(set, work.services());
+        auto &[work, set, gathering, mirror] = *m_gathered;
         set.setImageListModeToBrowser(false); // where no import comes afterwards
-        const QString folder = QFileInfo(work.photo(QStringLiteral("secret/a.jpg"))).path();
+        const QString folder = QFileInfo(work.photo("secret/a.jpg")).path();
         QFile::setPermissions(folder, QFile::Permissions());
         if (QDir(folder).isReadable()) {
             QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
             QSKIP("this user may read everything");
         }
-        work.alerts.expect(QStringLiteral("Cannot open the following 1 file(s):"));
-        gathering.scanImagesAtPaths({folder});
-        QTRY_VERIFY(isIdle(gathering));
+        work.alerts.expect(u"Cannot open the following 1 file(s):"_qs);
+        QVERIFY(m_gathered->gather({folder}));
         QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        QCOMPARE(work.alerts.complaints(), QStringList());
         QVERIFY(work.alerts.shown().constFirst().text.startsWith(folder));
     }
 
     void reportsNamesThatAreNoText()
     {
-        WorkingSet work;
-        ImageSet set(work.services());
-        ImageGathering gathering(set, work.services());
-        const QString folder = QFileInfo(work.photo(QStringLiteral("a.jpg"))).path();
+        auto &[work, set, gathering, mirror] = *m_gathered;
+        const QString folder = QFileInfo(work.photo("a.jpg")).path();
         const QByteArray name = QFile::encodeName(folder) + "/f\xfcr.jpg"; // Latin-1
-        QVERIFY(QFile::copy(folder + QStringLiteral("/a.jpg"), folder + QStringLiteral("/b.jpg")));
-        QCOMPARE(::rename(QFile::encodeName(folder + QStringLiteral("/b.jpg")).constData(), name.constData()),
-                 0);
-        work.alerts.expect(QStringLiteral("Cannot open the following 1 file(s):"));
-        gathering.scanImagesAtPaths({folder});
-        QTRY_VERIFY(isIdle(gathering));
-        QCOMPARE(work.alerts.complaints(), QStringList());
-        QCOMPARE(shownNames(set), QStringLiteral("a"));
-        QVERIFY(work.alerts.shown().constFirst().text.startsWith(folder + QStringLiteral("/f")));
+        QVERIFY(QFile::copy(folder + u"/a.jpg"_qs, folder + u"/b.jpg"_qs));
+        QCOMPARE(::rename(QFile::encodeName(folder + u"/b.jpg"_qs).constData(), name.constData()), 0);
+        work.alerts.expect(u"Cannot open the following 1 file(s):"_qs);
+        QVERIFY(m_gathered->gather({folder}));
+        QCOMPARE(shownNames(set), u"a"_qs);
+        QVERIFY(work.alerts.shown().constFirst().text.startsWith(folder + u"/f"_qs));
         ::unlink(name.constData()); // which Qt could not
     }
 
     /// Selection and focus stay with their photos when others before them turn out unreadable.
     void keepsTheSelection()
     {
-        WorkingSet work;
-        ImageSet set(work.services());
-        ImageGathering gathering(set, work.services());
+        auto &[work, set, gathering, mirror] = *m_gathered;
         for (const char *name : {"bad1", "a", "bad2", "b", "c"}) {
-            const QString file = QLatin1String(name) + QStringLiteral(".png");
-            set.addImage(file.startsWith(QLatin1String("bad")) ? work.brokenPhoto(file) : work.photo(file),
-                         {});
+            const QString file = QLatin1String(name) + u".png"_qs;
+            set.addImage(file.startsWith(u"bad") ? work.brokenPhoto(file) : work.photo(file), {});
         }
         QCOMPARE(set.images()->size(), 5U);
         set.selection().select({0, 3, 4}, 3);
         const QSignalSpy focusChanges(&set.selection(), &ImageSelection::focusImageChanged);
-        work.alerts.expect(QStringLiteral("Cannot open the following 2 file(s):"));
+        work.alerts.expect(u"Cannot open the following 2 file(s):"_qs);
         gathering.importMissingImages();
-        QTRY_VERIFY(isIdle(gathering));
-        QCOMPARE(names(set.selectedImages()), QStringLiteral("b c"));
+        QVERIFY(m_gathered->isIdleSoon());
+        QCOMPARE(names(set.selectedImages()), u"b c"_qs);
         QCOMPARE(set.selection().focusIndex(), 1);
         QVERIFY(focusChanges.isEmpty());
-        QCOMPARE(work.alerts.complaints(), QStringList());
     }
 
-    void takesInWhatIsAddedMeanwhile()
+    void importsPhotosAddedMeanwhile()
     {
-        WorkingSet work;
-        ImageSet set(work.services());
-        ImageGathering gathering(set, work.services());
-        const QString late = work.photo(QStringLiteral("late.jpg"));
+        auto &[work, set, gathering, mirror] = *m_gathered;
+        const QString late = work.photo("late.jpg");
         const QSignalSpy ends(&gathering, &ImageGathering::importFinished);
         {
-            const HeldImport held(work, set, gathering, 40);
+            const HeldImport held(*m_gathered, 40);
             for (int i = 0; i < 20; ++i)
                 gathering.scanImagesAtPaths({late});
             QTRY_VERIFY(!gathering.isScanning());
             QVERIFY(gathering.isImportingImages());
         }
-        QTRY_VERIFY(isIdle(gathering));
+        QVERIFY(m_gathered->isIdleSoon());
         QCOMPARE(set.images()->size(), 60U);
-        QVERIFY(areAllLoaded(set));
+        QVERIFY(m_gathered->areAllLoaded());
         QCOMPARE(ends.size(), 1);
         // The line says how many there are when all is over.
-        QTRY_COMPARE(work.status.line().text, QStringLiteral("60 images"));
-        QCOMPARE(work.alerts.complaints(), QStringList());
+        QTRY_COMPARE(work.status.line().text, u"60 images"_qs);
     }
 
-    void stopsAndGoesOn()
+    void stopsAndContinues()
     {
-        WorkingSet work;
-        ImageSet set(work.services());
-        ImageGathering gathering(set, work.services());
+        auto &[work, set, gathering, mirror] = *m_gathered;
         {
-            const HeldImport held(work, set, gathering, 30);
+            const HeldImport held(*m_gathered, 30);
             gathering.stopImportingImages();
         }
-        QTRY_VERIFY(isIdle(gathering));
+        QVERIFY(m_gathered->isIdleSoon());
         QCOMPARE(set.images()->size(), 30U);
         QVERIFY(!(*set.images())[3]->imageHasBeenLoaded());
-        QTRY_COMPARE(work.status.line().text, QStringLiteral("30 images"));
+        QTRY_COMPARE(work.status.line().text, u"30 images"_qs);
         QVERIFY(!work.status.line().canBeStopped);
 
         gathering.importMissingImages();
-        QTRY_VERIFY(isIdle(gathering));
-        QVERIFY(areAllLoaded(set));
+        QVERIFY(m_gathered->isIdleSoon());
+        QVERIFY(m_gathered->areAllLoaded());
 
         // A stopped scan starts no import.
         gathering.scanImagesAtPaths({QFileInfo(set.images()->front()->path()).path()});
@@ -206,77 +183,62 @@ private Q_SLOTS:
 
     void modesStopAndStart()
     {
-        WorkingSet work;
-        ImageSet set(work.services());
-        ImageGathering gathering(set, work.services());
+        auto &[work, set, gathering, mirror] = *m_gathered;
         {
-            const HeldImport held(work, set, gathering, 30);
+            const HeldImport held(*m_gathered, 30);
             set.switchImageListMode();
             set.switchImageListMode(); // while the first import is still on its way out
         }
-        QTRY_VERIFY(isIdle(gathering));
-        QVERIFY(areAllLoaded(set));
+        QVERIFY(m_gathered->isIdleSoon());
+        QVERIFY(m_gathered->areAllLoaded());
 
-        WorkingSet other;
-        ImageSet large(other.services());
-        ImageGathering largeGathering(large, other.services());
-        large.setImageListModeToBrowser(false);
-        largeGathering.scanImagesAtPaths({other.manyPhotos(20)});
-        QTRY_COMPARE(large.images()->size(), 20U);
-        QTRY_VERIFY(isIdle(largeGathering));
-        QVERIFY(!large.images()->front()->imageHasBeenLoaded());
+        // Large Batch mode stops an import, and begins none.
+        set.setImageListModeToBrowser(false);
+        QVERIFY(m_gathered->gather({work.photo("late.jpg")}));
+        QCOMPARE(set.images()->size(), 31U);
+        QVERIFY(!set.images()->back()->imageHasBeenLoaded());
     }
 
     void removedMeanwhile()
     {
-        WorkingSet work;
-        ImageSet set(work.services());
-        ImageGathering gathering(set, work.services());
-        const Mirror mirror(set);
+        auto &[work, set, gathering, mirror] = *m_gathered;
         for (int i = 0; i < 100; ++i)
-            set.addImage(i < 50 ? work.brokenPhoto(QStringLiteral("bad%1.jpg").arg(i))
-                                : work.photo(QStringLiteral("good%1.jpg").arg(i)),
-                         {});
+            set.addImage(
+                i < 50 ? work.brokenPhoto(u"bad%1.jpg"_qs.arg(i)) : work.photo(u"good%1.jpg"_qs.arg(i)), {});
         // Two are being loaded when they are removed, all others are done.
         const ImageList held(set.images()->begin(), set.images()->begin() + 2);
         for (const auto &image : held)
             image->lock();
         gathering.importMissingImages();
         QTRY_VERIFY(set.images()->back()->isLoaded());
-        set.filterImages(QStringLiteral("bad"));
+        set.filterImages(u"bad"_qs);
         set.selection().selectAll();
         set.removeSelectedImages();
         set.filterImages({});
         set.moveIndexes({3, 4, 5}, 0);
         for (const auto &image : held)
             image->unlock();
-        QTRY_VERIFY(isIdle(gathering));
-        // What the user has removed himself is no news to him.
+        QVERIFY(m_gathered->isIdleSoon());
+        // The user removed them, so they are not reported.
         QCOMPARE(work.alerts.shown().size(), 0);
         QCOMPARE(set.images()->size(), 50U);
-        QVERIFY(areAllLoaded(set));
-        QVERIFY(mirror.isTrue());
+        QVERIFY(m_gathered->areAllLoaded());
     }
 
     void destroyedMeanwhile()
     {
-        WorkingSet work;
+        m_gathered->gathering.scanImagesAtPaths({m_gathered->work.manyPhotos(200)});
+        m_gathered = std::make_unique<GatheredSet>();
         {
-            ImageSet set(work.services());
-            ImageGathering gathering(set, work.services());
-            gathering.scanImagesAtPaths({work.manyPhotos(200)});
+            const HeldImport held(*m_gathered, 200);
+            m_gathered->set.selection().selectIndexes({199});
         }
-        {
-            ImageSet set(work.services());
-            ImageGathering gathering(set, work.services());
-            {
-                const HeldImport held(work, set, gathering, 200);
-                set.selection().selectIndexes({199});
-            }
-        }
+        m_gathered = std::make_unique<GatheredSet>();
         QCoreApplication::processEvents();
-        QCOMPARE(work.alerts.complaints(), QStringList());
     }
+
+private:
+    std::unique_ptr<GatheredSet> m_gathered;
 };
 
 QTEST_GUILESS_MAIN(ImageImportTest)

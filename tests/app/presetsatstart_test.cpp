@@ -35,7 +35,7 @@ private Q_SLOTS:
             const QSignalSpy outdated(&app, &AppController::previewOutdated);
             store.quickWPreset()->setFontSize(77);
             QCOMPARE(outdated.size(), 1);
-            store.wPresets().front()->setName(QStringLiteral("Edited"));
+            store.wPresets().front()->setName(u"Edited"_qs);
             app.rememberPresets();
         }
         PresetsStore store(work.alerts, work.fonts);
@@ -46,8 +46,8 @@ private Q_SLOTS:
         // The very object of the list.
         QCOMPARE(app.appliedPresets().wPresetsApplied().front(), store.wPresets().at(1));
         QCOMPARE(store.wPresets().at(1)->name(), applied);
-        QCOMPARE(store.wPresets().front()->name(), QStringLiteral("Edited"));
-        // A preset that is deleted is not applied any longer.
+        QCOMPARE(store.wPresets().front()->name(), u"Edited"_qs);
+        // A deleted preset is no longer applied.
         app.appliedPresets().addWPresetsToApplied({store.wPresets().at(0)});
         store.wPresetList().remove({1});
         QCOMPARE(app.appliedPresets().wPresetsApplied(), WPresetList{store.wPresets().at(0)});
@@ -62,18 +62,17 @@ private Q_SLOTS:
         app.readPresets();
         const std::size_t watermarks = store.wPresets().size();
         const std::size_t savings = store.savingPresets().size();
-        const QString file = work.folder.path(QStringLiteral("Mine.PXWPR"));
-        QVERIFY(QFile::copy(QStringLiteral(":/plexa/presets/example_wpresets.pxwpr"), file));
-        work.alerts.expect(QStringLiteral("Presets imported"));
+        const QString file = work.folder.path("Mine.PXWPR");
+        QVERIFY(QFile::copy(u":/plexa/presets/example_wpresets.pxwpr"_qs, file));
+        work.alerts.expect(u"Presets imported"_qs);
         QVERIFY(app.presetCommands().importPresetsFile(file));
-        work.alerts.expect(QStringLiteral("Presets imported"));
-        QVERIFY(
-            app.presetCommands().importPresetsFile(QStringLiteral(":/plexa/presets/example_spresets.pxspr")));
-        work.alerts.expect(QStringLiteral("Presets import failed"));
-        QVERIFY(app.presetCommands().importPresetsFile(work.folder.path(QStringLiteral("missing.pxspr"))));
-        QVERIFY(!app.presetCommands().importPresetsFile(work.folder.path(QStringLiteral("photo.jpg"))));
+        work.alerts.expect(u"Presets imported"_qs);
+        QVERIFY(app.presetCommands().importPresetsFile(u":/plexa/presets/example_spresets.pxspr"_qs));
+        work.alerts.expect(u"Presets import failed"_qs);
+        QVERIFY(app.presetCommands().importPresetsFile(work.folder.path("missing.pxspr")));
+        QVERIFY(!app.presetCommands().importPresetsFile(work.folder.path("photo.jpg")));
 
-        // They are kept at once: a program that is killed has them, too.
+        // They are saved at once, so that a killed program does not lose them.
         PresetsStore again(work.alerts, work.fonts);
         again.readAll();
         QCOMPARE(again.wPresets().size(), 2 * watermarks);
@@ -81,7 +80,7 @@ private Q_SLOTS:
         QCOMPARE(work.alerts.complaints(), QStringList());
     }
 
-    /// What is said of an import is what came of it.
+    /// The message of an import states what was read and what was not.
     void filesWithLosses()
     {
         WorkingSet work;
@@ -89,44 +88,40 @@ private Q_SLOTS:
         AppController app({work.photos, work.defaults, work.alerts, store, 2});
         app.readPresets();
         QVERIFY(writeKeyedArchives(work.folder.path()));
-        QFile examples(QStringLiteral(":/plexa/presets/example_spresets.pxspr"));
-        QVERIFY(examples.open(QIODevice::ReadOnly));
-        const QByteArray good = examples.readAll();
-        const auto told = [&](const QString &title, const char *name, const QByteArray &contents = {}) {
+        const QByteArray good = contentsOf(u":/plexa/presets/example_spresets.pxspr"_qs);
+        const auto reportOf = [&](const QString &title, const char *name, const QByteArray &contents = {}) {
             const QString path = work.folder.path(QString::fromLatin1(name));
-            QFile file(path);
-            if (!contents.isEmpty() && file.open(QIODevice::WriteOnly))
-                file.write(contents);
-            file.close();
+            if (!contents.isEmpty())
+                writeFile(path, contents);
             work.alerts.expect(title);
             app.presetCommands().importPresetsFile(path);
             return work.alerts.shown().last().text;
         };
-        const QString imported = QStringLiteral("Presets imported");
-        const QString some = told(imported, "some.pxwpr");
+        const QString imported = u"Presets imported"_qs;
+        const QString some = reportOf(imported, "some.pxwpr");
         QVERIFY2(some.contains(u"some.pxwpr") && some.contains(u"number 4 "), qPrintable(some));
-        QVERIFY(told(imported, "later.pxspr", QByteArray(good).replace("\"1.4\"", "\"1.5\""))
+        QVERIFY(reportOf(imported, "later.pxspr", QByteArray(good).replace("\"1.4\"", "\"1.5\""))
                     .contains(u"later application version"));
         const QByteArray token = "<token>filename</token>";
-        QVERIFY(told(imported, "entity.pxspr", QByteArray(good).replace(token, "<token>&copy;</token>"))
+        QVERIFY(reportOf(imported, "entity.pxspr", QByteArray(good).replace(token, "<token>&copy;</token>"))
                     .contains(u"unknown entity reference: \"&copy;\""));
         const std::size_t before = store.savingPresets().size();
         const QString raw =
-            told(imported, "raw.pxspr", QByteArray(good).replace(token, "<token>&amp;</token>"));
+            reportOf(imported, "raw.pxspr", QByteArray(good).replace(token, "<token>&amp;</token>"));
         QVERIFY2(raw.contains(u"6 presets") && raw.contains(u"and 2 more"), qPrintable(raw));
         QCOMPARE(store.savingPresets().size(), before + 6);
         PresetsStore again(work.alerts, work.fonts);
         again.readAll();
         QCOMPARE(again.savingPresets().size(), before + 1);
 
-        // No success is told where nothing can be written.
+        // No success is reported where nothing can be written.
         for (const Kind kind : {Kind::Saving, Kind::Watermark}) {
             const QString list = store.presetsFileNameForWatermark(kind, PresetsStore::Slot::List);
-            QVERIFY(QFile::remove(list) && QDir().mkpath(list + QStringLiteral("/in the way")));
+            QVERIFY(QFile::remove(list) && QDir().mkpath(list + u"/in the way"_qs));
         }
-        const QString cannotSave = QStringLiteral("Cannot save the presets");
-        QVERIFY(told(cannotSave, "good.pxspr", good).contains(u"SPresets.pxspr"));
-        told(cannotSave, "some.pxwpr");
+        const QString cannotSave = u"Cannot save the presets"_qs;
+        QVERIFY(reportOf(cannotSave, "good.pxspr", good).contains(u"SPresets.pxspr"));
+        reportOf(cannotSave, "some.pxwpr");
         work.alerts.expect(cannotSave);
         app.presetCommands().saveQuickAsWPreset();
         QCOMPARE(work.alerts.complaints(), QStringList());

@@ -7,11 +7,12 @@
 #include "platform/settings.h"
 #include "platform/userdefaults.h"
 #include "presets/presetsstore.h"
+#include "support/datarows.h"
+#include "support/files.h"
 #include "support/scriptedalerts.h"
 #include "support/testenvironment.h"
-
-#include <QImage>
-#include <QTest>
+#include "support/testpictures.h"
+#include "support/testservices.h"
 
 #include <unistd.h>
 
@@ -23,62 +24,67 @@ class WorkingSet
 {
 public:
     WorkingSet()
-        : m_photo(64, 48, QImage::Format_RGB32)
     {
-        m_photo.fill(Qt::darkGreen);
         registerDefaults(defaults);
+        defaults.removeObjectForKey(settings::imageListIsInBrowserMode); // as an earlier test left it
     }
 
     ImageSetServices services() { return {photos, defaults, alerts, status, 3}; }
 
-    /// A picture of this name below the folder; the suffix tells the format.
-    QString photo(const QString &name, QSize size = {})
+    /// A picture of this name below the folder; the suffix determines the format.
+    QString photo(const Text &name, QSize size = {64, 48})
     {
-        const QString path = folder.path(QStringLiteral("in/") + name);
+        const QString path = folder.path(u"in/"_qs + name);
         QDir().mkpath(QFileInfo(path).path());
-        const QImage image = size.isEmpty() ? m_photo : m_photo.scaled(size);
-        return image.save(path) ? path : QString();
+        return flatPicture(size, Qt::darkGreen).save(path) ? path : QString();
     }
 
-    QString photo(const char *name, QSize size = {}) { return photo(QString::fromUtf8(name), size); }
-
-    /// A file of this name that is not what its name says.
+    /// A file of this name that is not a picture.
     QString brokenPhoto(const QString &name)
     {
-        const QString path = folder.path(QStringLiteral("in/") + name);
-        QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        return file.open(QIODevice::WriteOnly) && file.write("no picture") > 0 ? path : QString();
+        const QString path = folder.path(u"in/"_qs + name);
+        return writeFile(path, "no picture") ? path : QString();
     }
 
     /// A folder with so many names of one picture.
     QString manyPhotos(int count)
     {
-        const QString first = photo(QStringLiteral("many/000.jpg"));
+        const QString first = photo("many/000.jpg");
+        const QString folder = QFileInfo(first).path();
         for (int i = 1; i < count; ++i) {
-            const QString path =
-                QFileInfo(first).path() + QStringLiteral("/%1.jpg").arg(i, 3, 10, QLatin1Char('0'));
-            if (!QFile::exists(path) &&
-                ::link(QFile::encodeName(first).constData(), QFile::encodeName(path).constData()) != 0)
+            const QString path = folder + u"/%1.jpg"_qs.arg(i, 3, 10, QChar(u'0'));
+            if (!QFile::exists(path) && ::link(qUtf8Printable(first), qUtf8Printable(path)) != 0)
                 return {};
         }
-        return QFileInfo(first).path();
+        return folder;
     }
 
     TestFolder folder;
-    FontCatalog fonts;
-    LocaleFormat locale{QStringLiteral("en_US")};
-    PixelCache cache{16 * 1024 * 1024};
-    ByteBudget budget{1'000'000'000};
-    PhotoServices photos{fonts, locale, cache, budget, {}};
-    UserDefaults defaults{QStringLiteral("Quorvel"), QStringLiteral("Plexa")};
+    TestPhotoServices shared{16 * 1024 * 1024};
+    const FontCatalog &fonts = shared.fonts;
+    const PhotoServices &photos = shared.all;
+    UserDefaults defaults{u"Quorvel"_qs, u"Plexa"_qs};
     ScriptedAlerts alerts;
     StatusManager status;
     PresetsStore store{alerts, fonts};
-
-private:
-    QImage m_photo;
 };
+
+/// A preset with default values and this name.
+inline std::shared_ptr<WPreset> namedPreset(const QString &name)
+{
+    WPresetValues values;
+    values.name = name;
+    return std::make_shared<WPreset>(values);
+}
+
+/// Names of the presets, "a b c".
+inline QString names(const WPresetList &presets)
+{
+    QStringList all;
+    for (const std::shared_ptr<WPreset> &preset : presets)
+        all.append(preset->name());
+    return all.join(u' ');
+}
 
 /// File names of the photos, "a b c".
 inline QString names(const ImageList &images)
@@ -86,7 +92,7 @@ inline QString names(const ImageList &images)
     QStringList all;
     for (const std::shared_ptr<ImageObject> &image : images)
         all.append(image->filename());
-    return all.join(QLatin1Char(' '));
+    return all.join(u' ');
 }
 
 inline QString shownNames(const ImageSet &set)
@@ -122,7 +128,7 @@ public:
                          [this] { m_list.erase(m_list.begin() + m_first, m_list.begin() + m_last + 1); });
         QObject::connect(&set, &ImageSet::orderChanged, &m_context, reset);
         QObject::connect(&set, &ImageSet::listReset, &m_context, reset);
-        // Who hears of the selection finds the list as it is.
+        // A signal of the selection comes when the list is up to date.
         const auto check = [this] { m_isInStep = m_isInStep && m_list == *m_set.imagesFiltered(); };
         QObject::connect(&set.selection(), &ImageSelection::selectionChanged, &m_context, check);
         QObject::connect(&set.selection(), &ImageSelection::focusImageChanged, &m_context, check);
@@ -137,6 +143,30 @@ private:
     int m_last = 0;
     bool m_isInStep = true;
     QObject m_context;
+};
+
+/// A working set with its gathering.
+struct GatheredSet {
+    /// Adds these files and waits until they are gathered.
+    bool gather(const QStringList &paths)
+    {
+        gathering.scanImagesAtPaths(paths);
+        return isIdleSoon();
+    }
+    bool isIdleSoon()
+    {
+        return QTest::qWaitFor([this] { return isIdle(gathering); }, 60'000);
+    }
+    bool areAllLoaded() const
+    {
+        return std::all_of(set.images()->begin(), set.images()->end(),
+                           [](const auto &image) { return image->isLoaded(); });
+    }
+
+    WorkingSet work;
+    ImageSet set{work.services()};
+    ImageGathering gathering{set, work.services()};
+    Mirror mirror{set};
 };
 
 } // namespace plexa::test

@@ -11,6 +11,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -101,12 +102,12 @@ private Q_SLOTS:
             if (source.contains(u"nonsquare"))
                 continue; // its pixels are made square
             QVERIFY2(before.size() == after.size(), qPrintable(source));
-            // Other color spaces are compared elsewhere, with a color-managed oracle.
+            // Other color spaces are compared elsewhere, with a color-managed oracle. The Olympus photo is
+            // Adobe RGB without a profile.
             const QByteArray profile = outputOf("exiftool -s3 -ICC_Profile:ProfileDescription %1", source);
-            if (!profile.trimmed().isEmpty() && !profile.contains("sRGB IEC61966"))
+            if ((!profile.trimmed().isEmpty() && !profile.contains("sRGB IEC61966")) ||
+                source.contains(u"cmyk") || source.contains(u"olympus-e-p3"))
                 continue;
-            if (source.contains(u"cmyk") || source.contains(u"olympus-e-p3"))
-                continue; // the latter is Adobe RGB without a profile
             // JPEG carries the mark a few blocks further.
             const double psnr = differenceOf(before, after, rectOf(line).adjusted(-16, -16, 16, 16)).psnr();
             QVERIFY2(psnr > 38, qPrintable(u"%1: %2 dB"_s.arg(source).arg(psnr)));
@@ -218,6 +219,7 @@ private Q_SLOTS:
         QVERIFY(outcome.out.isEmpty() && !QFile::exists(path("out")));
     }
 
+    /// Each costs a line and the exit status; the other photos are saved.
     void badFilesDoNotStopTheOthers()
     {
         QByteArray jpeg = contentsOf(path("in/b.jpg"));
@@ -228,28 +230,6 @@ private Q_SLOTS:
         write("in/notes.txt", "not a photo");
         // A name that is not UTF-8, which QFile would not create.
         std::ofstream(path("in").toStdString() + "/3 caf\xe9.jpg") << "?";
-        const ProgramRun outcome = run("save --text x --output %1 %2", path("out"), path("in"));
-        std::filesystem::remove_all(path("in").toStdString()); // Qt could not
-        QCOMPARE(outcome.status, 1);
-        QCOMPARE(namesIn(path("out")), words("a.png b.jpg"));
-        const QList<QByteArray> lines = outcome.err.trimmed().split('\n');
-        QCOMPARE(lines.size(), 6);
-        QVERIFY2(lines[0].startsWith("0 empty.jpg: "), lines[0].constData());
-        QVERIFY2(lines[1].startsWith("1 text.png: "), lines[1].constData());
-        QVERIFY2(lines[2].startsWith("2 cut.jpg: "), lines[2].constData());
-        QVERIFY2(lines[3].startsWith("3 caf") && lines[3].endsWith("UTF-8"), lines[3].constData());
-        QCOMPARE(lines[4], "b.jpg: the copy leaves out: comment");
-        QCOMPARE(lines[5], "plexa-cli: 4 of 6 copies failed");
-
-        write("d.jpg", jpeg.replace(2, 6, QByteArray("\xFF\xFE\0\5abc", 7)));
-        QCOMPARE(
-            run("save --text x --save-set imageFormat=TIFF --output %1 %2", path("out"), path("d.jpg")).err,
-            "d.jpg: the copy leaves out: comment\n");
-    }
-
-    /// Each costs a line and the exit status; the other photos are saved.
-    void unreachablePaths()
-    {
         const QByteArray name(200, 'd');
         int folder = ::open(path("in").toUtf8().constData(), O_DIRECTORY);
         for (int depth = 0; depth < 25; ++depth) { // longer than a path can be
@@ -265,12 +245,26 @@ private Q_SLOTS:
         std::filesystem::remove_all(path("in").toStdString()); // Qt could not
         QCOMPARE(outcome.status, 1);
         QCOMPARE(namesIn(path("out")), words("a.png b.jpg"));
-        const QList<QByteArray> lines = outcome.err.trimmed().split('\n');
-        QCOMPARE(lines.size(), 3);
-        QVERIFY2(lines[0].contains("/in/" + name + '/') && lines[0].endsWith("too long"),
-                 lines[0].constData());
-        QVERIFY2(lines[1].startsWith("circle.jpg: ") && lines[1].contains("symbolic"), lines[1].constData());
-        QCOMPARE(lines[2], "plexa-cli: 1 of 3 copies failed");
+        const QStringList lines = QString::fromUtf8(outcome.err).trimmed().split(u'\n');
+        const QStringList expected{u".*/in/d{200}/.*too long"_s,
+                                   u"circle\\.jpg: .*symbolic.*"_s,
+                                   u"0 empty\\.jpg: .+"_s,
+                                   u"1 text\\.png: .+"_s,
+                                   u"2 cut\\.jpg: .+"_s,
+                                   u"3 caf.+UTF-8"_s,
+                                   u"b\\.jpg: the copy leaves out: comment"_s,
+                                   u"plexa-cli: 5 of 7 copies failed"_s};
+        QCOMPARE(lines.size(), expected.size());
+        for (qsizetype i = 0; i < lines.size(); ++i)
+            QVERIFY2(QRegularExpression(QRegularExpression::anchoredPattern(expected[i]))
+                         .match(lines[i])
+                         .hasMatch(),
+                     qPrintable(lines[i]));
+
+        write("d.jpg", jpeg.replace(2, 6, QByteArray("\xFF\xFE\0\5abc", 7)));
+        QCOMPARE(
+            run("save --text x --save-set imageFormat=TIFF --output %1 %2", path("out"), path("d.jpg")).err,
+            "d.jpg: the copy leaves out: comment\n");
     }
 
     void dryRunAgreesWithTheRun_data()
@@ -446,11 +440,11 @@ private Q_SLOTS:
         QVERIFY(outcome.err.startsWith("0 empty.jpg: "));
         const QJsonArray photos = QJsonDocument::fromJson(outcome.out).array();
         QCOMPARE(photos.size(), 2);
-        QCOMPARE(photos[0][u"type"_s].toString(), u"image/jpeg"_s);
-        QCOMPARE(photos[0][u"width"_s].toInt(), 320);
-        QCOMPARE(photos[0][u"tokens"_s][u"dimensions"_s].toString(), u"320 x 200"_s);
+        QCOMPARE(photos[0][u"type"_s], u"image/jpeg"_s);
+        QCOMPARE(photos[0][u"width"_s], 320);
+        QCOMPARE(photos[0][u"tokens"_s][u"dimensions"_s], u"320 x 200"_s);
         QVERIFY(photos[0][u"tokens"_s][u"city"_s].isNull());
-        QCOMPARE(photos[1][u"type"_s].toString(), u"image/png"_s);
+        QCOMPARE(photos[1][u"type"_s], u"image/png"_s);
     }
 
     /// Numbers as numbers, arrays as arrays, nested dictionaries; for people one line a value, without

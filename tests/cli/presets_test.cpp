@@ -17,12 +17,6 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-struct NoPresets {
-    Text name; ///< of the file
-    QByteArray reason;
-    QByteArray contents = {};
-};
-
 /// Options with the files "my.pxwpr" as %1 and "my.pxspr" as %2.
 struct Applying {
     Text name; ///< the options
@@ -165,31 +159,26 @@ private Q_SLOTS:
         }
     }
 
-    void noPresets_data()
-    {
-        addRows<NoPresets>({
-            {"in/a.png", "it is not a file of presets"},
-            {"in", "it is not a regular file"},
-            {"empty.pxwpr", "it is empty"},
-            {"cut.txt", "it is damaged", "bplist00"},
-            {"comment.txt", "archive of objects",
-             "<?xml version='1.0'?><!--" + QByteArray(2000, 'x') +
-                 "--><!DOCTYPE plist><plist><dict/></plist>"},
-            {"other.pxspr", "of saving presets: (line 1, near", "<svg></svg>"},
-        });
-    }
-
     void noPresets()
     {
-        const auto [name, reason, contents] = currentRow<NoPresets>();
-        if (!name.startsWith(u"in"))
-            write(name.toUtf8().constData(), contents);
-        const ProgramRun outcome = run("presets %1", m_folder->path(name));
-        QCOMPARE(outcome.status, 1);
-        QVERIFY(outcome.out.isEmpty() && outcome.err.count('\n') == 1);
-        QVERIFY2(outcome.err.startsWith(QFileInfo(name).fileName().toUtf8() + ": ") &&
-                     outcome.err.contains(reason),
-                 outcome.err.constData());
+        write("empty.pxwpr", {});
+        write("cut.txt", "bplist00");
+        write("comment.txt", "<?xml version='1.0'?><!--" + QByteArray(2000, 'x') +
+                                 "--><!DOCTYPE plist><plist><dict/></plist>");
+        write("other.pxspr", "<svg></svg>");
+        for (const auto &[file, reason] : {std::pair("in/a.png", "it is not a file of presets"),
+                                           {"in", "it is not a regular file"},
+                                           {"empty.pxwpr", "it is empty"},
+                                           {"cut.txt", "it is damaged"},
+                                           {"comment.txt", "archive of objects"},
+                                           {"other.pxspr", "of saving presets: (line 1, near"}}) {
+            const ProgramRun outcome = run("presets %1", path(file));
+            QCOMPARE(outcome.status, 1);
+            QVERIFY(outcome.out.isEmpty() && outcome.err.count('\n') == 1);
+            QVERIFY2(outcome.err.startsWith(QFileInfo(path(file)).fileName().toUtf8() + ": ") &&
+                         outcome.err.contains(reason),
+                     outcome.err.constData());
+        }
     }
 
     void applying_data()

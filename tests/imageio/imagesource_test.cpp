@@ -214,11 +214,11 @@ private Q_SLOTS:
         const auto sample = currentRow<Sample>();
         const QImage whole = decoded(put(sample, sample.file));
         QVERIFY(!whole.isNull());
-        constexpr int kCuts = 50;
+        constexpr int kCuts = 20;
         QList<qsizetype> lengths;
         for (qsizetype i = 1; i < kCuts; ++i)
             lengths.append(sample.file.size() * i / kCuts);
-        for (qsizetype left = 1; left < 20; ++left)
+        for (qsizetype left = 1; left < 10; ++left)
             lengths.append(sample.file.size() - left);
         int failures = 0;
         for (const qsizetype length : lengths) {
@@ -249,7 +249,7 @@ private Q_SLOTS:
         QVERIFY(!sample.file.isEmpty());
         const ReadLimits limits = {4'000'000, 128'000'000};
         QRandomGenerator random(11);
-        for (int round = 0; round < 60; ++round) {
+        for (int round = 0; round < 10; ++round) {
             QByteArray flipped = sample.file;
             // Half of the rounds damage the headers.
             const auto range =
@@ -450,22 +450,13 @@ private Q_SLOTS:
 
     void factsOfTheContainer_data()
     {
-        addRows<Fact>({{"jpeg/cmyk-derived.jpg", "ColorModel", u"CMYK"_qs},
-                       {"jpeg/gray-concert.jpg", "ColorModel", u"Gray"_qs},
-                       {"jpeg/display-p3-iphone-13-mini.jpg", "ProfileName", u"Display P3"_qs},
-                       {"jpeg/nokia-n70-nonsquare-density.jpg", "DPIWidth", 44.0},
+        addRows<Fact>({{"jpeg/nokia-n70-nonsquare-density.jpg", "DPIWidth", 44.0},
                        {"jpeg/nokia-n70-nonsquare-density.jpg ", "DPIHeight", 300.0},
                        {"png/nonsquare-pixels.png", "DPIWidth", 4.0},
                        {"png/nonsquare-pixels.png ", "DPIHeight", 1.0},
-                       {"png/rgb16-photo.png", "Depth", 16},
-                       {"png/gray16.png", "ColorModel", u"Gray"_qs},
                        {"png/alpha-paper.png", "HasAlpha", true},
                        {"logos/wordmark-1200x301.png", "DPIWidth", 300.0},
-                       {"webp/denali-canon-7d.webp", "ProfileName", u"sRGB"_qs},
-                       {"webp/htc-desire.webp", "HasAlpha", false},
-                       {"tiff/cmyk8.tif", "ColorModel", u"CMYK"_qs},
-                       {"tiff/rgba16-srgb.tif", "Depth", 16},
-                       {"bmp/rgb24.bmp", "PixelWidth", 127}});
+                       {"webp/htc-desire.webp", "HasAlpha", false}});
     }
     void factsOfTheContainer()
     {

@@ -87,4 +87,17 @@ inline QByteArray copied(const QString &path, const char *type, double quality, 
     return file.data();
 }
 
+/// Writes a picture into a file as a copy is written. @return false when that fails, with the reason in
+/// `error`
+inline bool writePicture(const QString &path, const char *type, const QImage &image,
+                         const QVariantMap &properties = {}, QString *error = nullptr)
+{
+    QBuffer file;
+    file.open(QIODevice::ReadWrite);
+    const auto written = writeImage(file, image, {QLatin1String(type), properties});
+    if (!written && error)
+        *error = written.error().text;
+    return written && writeFile(path, file.data());
+}
+
 } // namespace plexa::test

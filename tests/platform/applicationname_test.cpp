@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "platform/applicationname.h"
-#include "support/datarows.h"
-#include "support/files.h"
 #include "support/testenvironment.h"
 
 #include <QtTest>
@@ -10,33 +8,8 @@
 #include <unistd.h>
 
 using namespace plexa;
-using namespace plexa::test;
 
-namespace
-{
-
-struct Name {
-    Text name;
-    BundleInfo bundle;
-    bool hasCompany;
-    bool hasMajor;
-    bool isFromBundle;
-    Text expected;
-};
-
-struct InTheWay {
-    Text name;
-    Text file;
-    QByteArray message;
-};
-
-struct FullName {
-    Text name;
-    Text comment;
-    Text expected;
-};
-
-} // namespace
+Q_DECLARE_METATYPE(plexa::BundleInfo)
 
 class ApplicationNameTest : public QObject
 {
@@ -45,62 +18,83 @@ class ApplicationNameTest : public QObject
 private Q_SLOTS:
     void names_data()
     {
-        const BundleInfo full{u"Acme"_qs, u"Stamper"_qs, u"12.3.4"_qs};
-        addRows<Name>({
-            {"plain", full, false, false, false, "Plexa"},
-            {"bundle", full, false, false, true, "Stamper"},
-            {"all", full, true, true, true, "Acme Stamper 12"},
-            {"version without bundle", full, true, true, false, "Quorvel Plexa 12"},
-            {"empty bundle", {}, true, true, true, "Quorvel Plexa 1"},
-            {"no company", {{}, u"Stamper"_qs, u"2"_qs}, true, true, true, "Quorvel Stamper 2"},
-            {"empty component", {{}, {}, u".5"_qs}, false, true, true, "Plexa 1"},
-        });
+        QTest::addColumn<BundleInfo>("bundle");
+        QTest::addColumn<bool>("company");
+        QTest::addColumn<bool>("major");
+        QTest::addColumn<bool>("fromBundle");
+        QTest::addColumn<QString>("expected");
+        const auto info = [](const char *company, const char *name, const char *version) {
+            return BundleInfo{QString::fromLatin1(company), QString::fromLatin1(name),
+                              QString::fromLatin1(version)};
+        };
+        const BundleInfo full = info("Acme", "Stamper", "12.3.4");
+        QTest::newRow("plain") << full << false << false << false << u"Plexa"_qs;
+        QTest::newRow("bundle") << full << false << false << true << u"Stamper"_qs;
+        QTest::newRow("all") << full << true << true << true << u"Acme Stamper 12"_qs;
+        QTest::newRow("version without bundle") << full << true << true << false << u"Quorvel Plexa 12"_qs;
+        QTest::newRow("empty bundle") << BundleInfo() << true << true << true << u"Quorvel Plexa 1"_qs;
+        QTest::newRow("no company") << info("", "Stamper", "2") << true << true << true
+                                    << u"Quorvel Stamper 2"_qs;
+        QTest::newRow("empty component") << info("", "", ".5") << false << true << true << u"Plexa 1"_qs;
     }
+
     void names()
     {
-        const auto row = currentRow<Name>();
-        QCOMPARE(applicationNameWithCompany(row.hasCompany, row.hasMajor, row.isFromBundle, row.bundle),
-                 row.expected);
+        QFETCH(BundleInfo, bundle);
+        QFETCH(bool, company);
+        QFETCH(bool, major);
+        QFETCH(bool, fromBundle);
+        QTEST(applicationNameWithCompany(company, major, fromBundle, bundle), "expected");
     }
 
     void supportFolder_data()
     {
-        addRows<InTheWay>({{"created", {}, {}},
-                           {"a file has the name", "Quorvel/Plexa",
-                            "ERROR: the application support directory exists, but is not a directory:  "},
-                           {"a file has the maker's name", "Quorvel",
-                            "ERROR: failed to create the application support directory:  "}});
+        QTest::addColumn<QString>("fileInTheWay");
+        QTest::addColumn<QByteArray>("message");
+        QTest::newRow("created") << QString() << QByteArray();
+        QTest::newRow("a file has the name")
+            << u"Quorvel/Plexa"_qs
+            << QByteArray("ERROR: the application support directory exists, but is not a directory:  ");
+        QTest::newRow("a file has the maker's name")
+            << u"Quorvel"_qs << QByteArray("ERROR: failed to create the application support directory:  ");
     }
+
     void supportFolder()
     {
-        const auto [row, file, message] = currentRow<InTheWay>();
-        const TestFolder folder;
+        QFETCH(QString, fileInTheWay);
+        QFETCH(QByteArray, message);
+        const test::TestFolder folder;
         const QString base = folder.path("XDG_DATA_HOME");
         const QString expected = base + u"/Quorvel/Plexa"_qs;
-        if (!file.isEmpty()) {
-            QVERIFY(writeFile(base + u'/' + file, {}));
+        if (!fileInTheWay.isEmpty()) {
+            QFile file(base + u'/' + fileInTheWay);
+            QVERIFY(QDir().mkpath(QFileInfo(file).path()));
+            QVERIFY(file.open(QIODevice::WriteOnly));
             QTest::ignoreMessage(QtCriticalMsg, (message + expected.toUtf8()).constData());
         }
         QCOMPARE(applicationSupportSubdirectory(), expected);
-        QCOMPARE(QFileInfo(expected).isDir(), file.isEmpty());
+        QCOMPARE(QFileInfo(expected).isDir(), fileInTheWay.isEmpty());
     }
 
     void fullNames_data()
     {
-        addRows<FullName>({{"name alone", "Zo\u00eb Maier", "Zo\u00eb Maier"},
-                           {"with room and telephone", "Zo\u00eb Maier,12,555-1,,", "Zo\u00eb Maier"},
-                           {"login name inside", "& Maier", "Zoe Maier"},
-                           {"no name", ",12", {}}});
+        QTest::addColumn<QString>("comment");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("name alone") << u"Zo\u00eb Maier"_qs << u"Zo\u00eb Maier"_qs;
+        QTest::newRow("with room and telephone") << u"Zo\u00eb Maier,12,555-1,,"_qs << u"Zo\u00eb Maier"_qs;
+        QTest::newRow("login name inside") << u"& Maier"_qs << u"Zoe Maier"_qs;
+        QTest::newRow("no name") << u",12"_qs << QString();
     }
+
     void fullNames()
     {
-        const auto [row, comment, expected] = currentRow<FullName>();
-        QCOMPARE(fullNameInComment(comment, u"zoe"_qs), expected);
+        QFETCH(QString, comment);
+        QTEST(fullNameInComment(comment, u"zoe"_qs), "expected");
     }
 
     void userOfThisProcess()
     {
-        const QByteArray entry = outputOf("getent passwd %1", QString::number(geteuid()));
+        const QByteArray entry = test::outputOf(u"getent"_qs, {u"passwd"_qs, QString::number(geteuid())});
         const QString comment = QString::fromUtf8(entry).section(u':', 4, 4);
         if (comment.section(u',', 0, 0).isEmpty() || comment.contains(u'&'))
             QSKIP("the user of this test has no plain full name");

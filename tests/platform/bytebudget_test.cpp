@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "platform/bytebudget.h"
-#include "support/datarows.h"
-#include "support/files.h"
 
 #include <QtTest>
 
@@ -18,26 +16,7 @@
 #include <vector>
 
 using namespace plexa;
-using namespace plexa::test;
 using namespace std::chrono_literals;
-
-namespace
-{
-
-struct Request {
-    Text name;
-    qint64 total;
-    qint64 bytes;
-    bool isGranted;
-};
-
-struct OwnLimit {
-    Text name;
-    __rlimit_resource resource;
-    int field; ///< of /proc/self/statm: the pages that count for it
-};
-
-} // namespace
 
 class ByteBudgetTest : public QObject
 {
@@ -46,22 +25,28 @@ class ByteBudgetTest : public QObject
 private Q_SLOTS:
     void requests_data()
     {
-        addRows<Request>({{"some", 100, 40, true},
-                          {"all", 100, 100, true},
-                          {"more than there is", 100, 101, false},
-                          {"absurd", 100, std::numeric_limits<qint64>::max(), false},
-                          {"negative", 100, -5, true},
-                          {"nothing of nothing", -1, 0, true}});
+        QTest::addColumn<qint64>("total");
+        QTest::addColumn<qint64>("bytes");
+        QTest::addColumn<bool>("granted");
+        QTest::newRow("some") << qint64(100) << qint64(40) << true;
+        QTest::newRow("all") << qint64(100) << qint64(100) << true;
+        QTest::newRow("more than there is") << qint64(100) << qint64(101) << false;
+        QTest::newRow("absurd") << qint64(100) << std::numeric_limits<qint64>::max() << false;
+        QTest::newRow("negative") << qint64(100) << qint64(-5) << true;
+        QTest::newRow("nothing of nothing") << qint64(-1) << qint64(0) << true;
     }
+
     void requests()
     {
-        const auto [row, total, bytes, isGranted] = currentRow<Request>();
+        QFETCH(qint64, total);
+        QFETCH(qint64, bytes);
+        QFETCH(bool, granted);
         ByteBudget budget(total);
         {
             auto reservation = budget.reserve(bytes);
-            QCOMPARE(reservation.has_value(), isGranted);
-            QCOMPARE(budget.available(), budget.total() - (isGranted ? std::max<qint64>(bytes, 0) : 0));
-            if (isGranted) {
+            QCOMPARE(reservation.has_value(), granted);
+            QCOMPARE(budget.available(), budget.total() - (granted ? std::max<qint64>(bytes, 0) : 0));
+            if (granted) {
                 ByteBudget::Reservation moved = std::move(*reservation);
                 moved.release();
                 moved.release();
@@ -137,31 +122,42 @@ private Q_SLOTS:
     void physicalMemory()
     {
         QVERIFY(physicalMemoryBytes() > 32 * 1024 * 1024);
-        const qint64 kilobytes =
-            contentsOf(u"/proc/meminfo"_qs).simplified().split(' ').value(1).toLongLong();
+        QFile info(u"/proc/meminfo"_qs);
+        QVERIFY(info.open(QIODevice::ReadOnly));
+        const qint64 kilobytes = info.readLine().simplified().split(' ').value(1).toLongLong();
         QVERIFY(physicalMemoryBytes() <= kilobytes * 1024);
     }
 
-    void ownLimits_data() { addRows<OwnLimit>({{"addresses", RLIMIT_AS, 0}, {"data", RLIMIT_DATA, 5}}); }
+    void ownLimits_data()
+    {
+        QTest::addColumn<int>("resource");
+        QTest::addColumn<int>("field"); // of /proc/self/statm: what counts for it, in pages
+        QTest::newRow("addresses") << int(RLIMIT_AS) << 0;
+        QTest::newRow("data") << int(RLIMIT_DATA) << 5;
+    }
+
     /// What is left of a limit of 100 MB beyond what is mapped.
     void ownLimits()
     {
-        const auto [row, resource, field] = currentRow<OwnLimit>();
+        QFETCH(int, resource);
+        QFETCH(int, field);
         rlimit before = {};
-        QCOMPARE(getrlimit(resource, &before), 0);
+        QCOMPARE(getrlimit(__rlimit_resource(resource), &before), 0);
         if (before.rlim_cur != RLIM_INFINITY)
             QSKIP("the tests run under such a limit themselves");
         QVERIFY(!mappableBytes());
         QVERIFY(hasRoomToSpare(std::numeric_limits<qint64>::max()));
-        const QByteArrayList fields = contentsOf(u"/proc/self/statm"_qs).simplified().split(' ');
-        const qint64 mapped = fields.value(field).toLongLong() * getpagesize();
+        QFile file(u"/proc/self/statm"_qs);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const qint64 mapped =
+            file.readAll().simplified().split(' ').value(field).toLongLong() * getpagesize();
         const rlimit limit = {rlim_t(mapped + 100'000'000), before.rlim_max};
-        QCOMPARE(setrlimit(resource, &limit), 0);
+        QCOMPARE(setrlimit(__rlimit_resource(resource), &limit), 0);
         const std::optional<qint64> left = mappableBytes();
         const qint64 memory = physicalMemoryBytes();
         const bool hasSome = hasRoomToSpare(20'000'000);
         const bool hasAll = hasRoomToSpare(60'000'000);
-        QCOMPARE(setrlimit(resource, &before), 0);
+        QCOMPARE(setrlimit(__rlimit_resource(resource), &before), 0);
         QVERIFY2(left && *left > 80'000'000 && *left <= 100'000'000,
                  qPrintable(QString::number(left.value_or(-1))));
         QVERIFY2(memory > 80'000'000 && memory <= 100'000'000, qPrintable(QString::number(memory)));

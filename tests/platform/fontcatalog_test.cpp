@@ -2,7 +2,6 @@
 
 #include "platform/fontcatalog.h"
 #include "platform/fontnames.h"
-#include "support/datarows.h"
 #include "support/testenvironment.h"
 
 #include <QPainterPath>
@@ -15,7 +14,6 @@
 #include <vector>
 
 using namespace plexa;
-using namespace plexa::test;
 
 namespace
 {
@@ -30,29 +28,14 @@ double textWidth(const SizedFont &font)
     return line.naturalTextWidth() * font.scale;
 }
 
-struct Installed {
-    Text name;
-    QString file;
-    FontCatalog::Face face;
-};
-
-struct Size {
-    Text name;
-    double pixels;
-};
-
 } // namespace
 
 class FontCatalogTest : public QObject
 {
     Q_OBJECT
 
-private:
-    FontCatalog m_catalog;
-
 private Q_SLOTS:
     // First, since the thread sanitizer cannot watch threads once the process has started another one.
-
     void threadsGetTheSameFaces()
     {
         const FontCatalog catalog;
@@ -72,21 +55,28 @@ private Q_SLOTS:
 
     void everyInstalledFace_data()
     {
-        const QByteArray list = outputOf("fc-list :scalable=true:variable=false --format "
-                                         "'%{file}|%{postscriptname}|%{family[0]}|%{style[0]}\n'");
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<FontCatalog::Face>("face");
+        const QByteArray list = test::outputOf("fc-list :scalable=true:variable=false --format %1",
+                                               "%{file}|%{postscriptname}|%{family[0]}|%{style[0]}\n");
         const QStringList lines = QString::fromUtf8(list).split(u'\n', Qt::SkipEmptyParts);
         QVERIFY2(lines.size() >= 4, "fc-list found no fonts");
         for (const QString &line : lines) {
             const QStringList parts = line.split(u'|');
             QCOMPARE(parts.size(), 4);
             if (parts[1].startsWith(QLatin1String("DejaVu")))
-                addRow(Installed{parts[1], parts[0], {parts[2], parts[3]}});
+                QTest::newRow(qPrintable(parts[1]))
+                    << parts[0] << parts[1] << FontCatalog::Face{parts[2], parts[3]};
         }
     }
 
     void everyInstalledFace()
     {
-        const auto [name, file, face] = currentRow<Installed>();
+        QFETCH(QString, file);
+        QFETCH(QString, name);
+        QFETCH(FontCatalog::Face, face);
+
         QCOMPARE(m_catalog.face(name).family, face.family);
         QCOMPARE(m_catalog.face(name).style, face.style);
         QCOMPARE(m_catalog.postScriptName(face.family, face.style), name);
@@ -105,7 +95,8 @@ private Q_SLOTS:
 
     void defaultIsTheSystemsSansSerif()
     {
-        const QByteArray match = outputOf("fc-match --format %{postscriptname} sans-serif");
+        const QByteArray match =
+            test::outputOf(u"fc-match"_qs, {u"--format"_qs, u"%{postscriptname}"_qs, u"sans-serif"_qs});
         QVERIFY(!match.isEmpty());
         QCOMPARE(m_catalog.defaultFontName(), QString::fromUtf8(match));
         QCOMPARE(m_catalog.defaultFont(30).font, m_catalog.fontNamed(QString::fromUtf8(match), 30)->font);
@@ -124,7 +115,8 @@ private Q_SLOTS:
         const QStringList families = m_catalog.families();
         QVERIFY(families.indexOf(u"DejaVu Sans"_qs) >= 0);
         QVERIFY(families.indexOf(u"DejaVu Sans Mono"_qs) > families.indexOf(u"DejaVu Sans"_qs));
-        QCOMPARE(m_catalog.styles(u"DejaVu Sans Mono"_qs), words("Book Oblique Bold 'Bold Oblique'"));
+        QCOMPARE(m_catalog.styles(u"DejaVu Sans Mono"_qs),
+                 QStringList({u"Book"_qs, u"Oblique"_qs, u"Bold"_qs, u"Bold Oblique"_qs}));
         QCOMPARE(m_catalog.styles(u"No Such Family"_qs), QStringList());
     }
 
@@ -140,14 +132,16 @@ private Q_SLOTS:
 
     void sizes_data()
     {
-        addRows<Size>({{"smaller than any layout size", 7.3},
-                       {"whole", 40.0},
-                       {"fraction", 240.37},
-                       {"greater than any layout size", 12345.6}});
+        QTest::addColumn<double>("pixelSize");
+        QTest::newRow("smaller than any layout size") << 7.3;
+        QTest::newRow("whole") << 40.0;
+        QTest::newRow("fraction") << 240.37;
+        QTest::newRow("greater than any layout size") << 12345.6;
     }
+
     void sizes()
     {
-        const double pixelSize = currentRow<Size>().pixels;
+        QFETCH(double, pixelSize);
         const auto font = m_catalog.fontNamed(u"DejaVuSans"_qs, pixelSize);
         QVERIFY(font);
         QVERIFY(font->font.pixelSize() > 0);
@@ -170,6 +164,9 @@ private Q_SLOTS:
         QByteArray wild(64, char(0xff));
         QCOMPARE(postScriptNames(wild), QStringList());
     }
+
+private:
+    FontCatalog m_catalog;
 };
 
 QTEST_MAIN(FontCatalogTest)

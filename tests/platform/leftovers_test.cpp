@@ -27,7 +27,7 @@ class LeftoversTest : public QObject
 private Q_SLOTS:
     void whatIsBeingWrittenStays()
     {
-        const QString target = m_folder.path(QStringLiteral("target"));
+        const QString target = m_folder.path("target");
         {
             AtomicFile file(target, IfExists::Fail, Durability::Lazy, Staging::Named);
             QVERIFY(file.open());
@@ -36,13 +36,13 @@ private Q_SLOTS:
             QVERIFY(file.commit());
         }
         QCOMPARE(removeLeftovers(m_folder.path()), 0);
-        QCOMPARE(namesIn(m_folder.path()), QStringList{QStringLiteral("target")});
+        QCOMPARE(namesIn(m_folder.path()), QStringList{u"target"_qs});
         QVERIFY(QFile::remove(target));
     }
 
     void whatAKilledProgramLeftGoes()
     {
-        const QString target = m_folder.path(QStringLiteral("target"));
+        const QString target = m_folder.path("target");
         const pid_t child = fork();
         if (child == 0) {
             AtomicFile file(target, IfExists::Fail, Durability::Lazy, Staging::Named);
@@ -61,17 +61,17 @@ private Q_SLOTS:
 
     void whatIsNotOursStays()
     {
-        const QString photo = m_folder.path(QStringLiteral("photo.tmp"));
-        const QString link = m_folder.path(QStringLiteral(".plexa-aaaaaaaa.tmp"));
+        const QString photo = m_folder.path("photo.tmp");
+        const QString link = m_folder.path(".plexa-aaaaaaaa.tmp");
         QFile file(photo);
         QVERIFY(file.open(QIODevice::WriteOnly));
         QVERIFY(QFile::link(photo, link));
-        QVERIFY(QDir(m_folder.path()).mkdir(QStringLiteral(".plexa-bbbbbbbb.tmp")));
+        QVERIFY(QDir(m_folder.path()).mkdir(u".plexa-bbbbbbbb.tmp"_qs));
         QCOMPARE(removeLeftovers(m_folder.path()), 0);
         QCOMPARE(removeLeftovers(photo), 0);
         QCOMPARE(namesIn(m_folder.path()).size(), 3);
         QVERIFY(QFile::remove(link) && file.remove() &&
-                QDir(m_folder.path()).rmdir(QStringLiteral(".plexa-bbbbbbbb.tmp")));
+                QDir(m_folder.path()).rmdir(u".plexa-bbbbbbbb.tmp"_qs));
     }
 
     /// However they meet, every file gets to its place.

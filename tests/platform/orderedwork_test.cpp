@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "platform/orderedwork.h"
-#include "support/datarows.h"
 
 #include <QTest>
 
@@ -11,18 +10,6 @@
 #include <vector>
 
 using namespace plexa;
-using namespace plexa::test;
-
-namespace
-{
-
-struct Job {
-    Text name;
-    std::size_t count;
-    int threads;
-};
-
-} // namespace
 
 class OrderedWorkTest : public QObject
 {
@@ -31,17 +18,21 @@ class OrderedWorkTest : public QObject
 private Q_SLOTS:
     void deliversInOrder_data()
     {
-        addRows<Job>({{"nothing to do", 0, 4},
-                      {"one thread", 20, 1},
-                      {"more threads than items", 3, 8},
-                      {"many items", 500, 5},
-                      {"no thread asked for", 4, 0}});
+        QTest::addColumn<int>("count");
+        QTest::addColumn<int>("threads");
+        QTest::newRow("nothing to do") << 0 << 4;
+        QTest::newRow("one thread") << 20 << 1;
+        QTest::newRow("more threads than items") << 3 << 8;
+        QTest::newRow("many items") << 500 << 5;
+        QTest::newRow("no thread asked for") << 4 << 0;
     }
+
     void deliversInOrder()
     {
-        const auto [row, count, threads] = currentRow<Job>();
+        QFETCH(int, count);
+        QFETCH(int, threads);
         const auto main = std::this_thread::get_id();
-        std::vector<std::size_t> results(count);
+        std::vector<std::size_t> results(static_cast<std::size_t>(count));
         std::vector<std::size_t> delivered;
         OrderedWork job;
         job.count = results.size();

@@ -2,10 +2,8 @@
 
 #include "platform/settings.h"
 #include "platform/userdefaults.h"
-#include "support/datarows.h"
 #include "support/files.h"
-#include "support/testfolder.h"
-#include "support/words.h"
+#include "support/testenvironment.h"
 
 #include <QtTest>
 
@@ -14,41 +12,13 @@
 #include <vector>
 
 using namespace plexa;
-using namespace plexa::test;
 
 namespace
 {
 
+const QString kMaker = u"Maker"_qs;
+const QString kProgram = u"Program"_qs;
 const QString kKey = u"some key"_qs;
-
-constexpr double kLargestFloat = double(std::numeric_limits<float>::max());
-
-struct Read {
-    Text name;
-    QVariant value;
-    bool asBool;
-    qint64 asInteger;
-    double asFloat;
-    Text asString;
-};
-
-/// A stored text that is its own name.
-Read textRow(const char *text, bool asBool, qint64 asInteger, double asFloat)
-{
-    return {*text ? text : "empty text", QString::fromLatin1(text), asBool, asInteger, asFloat, text};
-}
-
-struct Kept {
-    Text name;
-    QVariant value;
-    QStringList asArray;
-};
-
-struct Pictures {
-    Text name;
-    QByteArray userDirs;
-    const char *expected; ///< in the home folder
-};
 
 } // namespace
 
@@ -56,72 +26,81 @@ class UserDefaultsTest : public QObject
 {
     Q_OBJECT
 
-private:
-    std::unique_ptr<TestFolder> m_folder;
-
 private Q_SLOTS:
     void init()
     {
-        m_folder = std::make_unique<TestFolder>();
+        m_folder = std::make_unique<test::TestFolder>();
         QVERIFY(m_folder->isValid());
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_folder->path("config"));
     }
 
     void readers_data()
     {
+        QTest::addColumn<QVariant>("value");
+        QTest::addColumn<bool>("asBool");
+        QTest::addColumn<qint64>("asInteger");
+        QTest::addColumn<float>("asFloat");
+        QTest::addColumn<QString>("asString");
+        const auto row = [](const char *name, const QVariant &value, bool truth, qint64 integer,
+                            double decimal, const QString &text) {
+            QTest::newRow(name) << value << truth << integer << float(decimal) << text;
+        };
+        const auto textRow = [&row](const char *text, bool truth, qint64 integer, double decimal) {
+            row(*text ? text : "empty text", QString::fromLatin1(text), truth, integer, decimal,
+                QString::fromLatin1(text));
+        };
         constexpr qint64 kMost = std::numeric_limits<qint64>::max();
         constexpr qint64 kLeast = std::numeric_limits<qint64>::min();
-        addRows<Read>({
-            {"absent", {}, false, 0, 0, {}},
-            textRow("YES", true, 0, 0),
-            textRow("NO", false, 0, 0),
-            textRow("true", true, 0, 0),
-            textRow("false", false, 0, 0),
-            textRow(" yes", true, 0, 0),
-            textRow("1", true, 1, 1),
-            textRow("0", false, 0, 0),
-            textRow("-007", true, -7, -7),
-            textRow("0.5", false, 0, 0.5),
-            textRow("12 apples", true, 12, 12),
-            textRow("apples 12", false, 0, 0),
-            textRow(" +3.25e1x", true, 3, 32.5),
-            textRow(".5", false, 0, 0.5),
-            textRow("5.", true, 5, 5),
-            textRow("0,5", false, 0, 0),
-            textRow("0x10", false, 0, 0),
-            textRow("nan", false, 0, 0),
-            textRow("", false, 0, 0),
-            textRow("99999999999999999999", true, kMost, 1e20),
-            textRow("-99999999999999999999", true, kLeast, -1e20),
-            textRow("1e999", true, 1, kLargestFloat),
-            {"true value", true, true, 1, 1, u"1"_qs},
-            {"false value", false, false, 0, 0, u"0"_qs},
-            {"integer", -3, true, -3, -3, u"-3"_qs},
-            {"fraction", 2.75, true, 2, 2.75, u"2.75"_qs},
-            {"huge number", 1e300, true, kMost, kLargestFloat, u"1e+300"_qs},
-            {"list", QStringList{u"1"_qs, u"2"_qs}, false, 0, 0, {}},
-        });
+        row("absent", {}, false, 0, 0, {});
+        textRow("YES", true, 0, 0);
+        textRow("NO", false, 0, 0);
+        textRow("true", true, 0, 0);
+        textRow("false", false, 0, 0);
+        textRow(" yes", true, 0, 0);
+        textRow("1", true, 1, 1);
+        textRow("0", false, 0, 0);
+        textRow("-007", true, -7, -7);
+        textRow("0.5", false, 0, 0.5);
+        textRow("12 apples", true, 12, 12);
+        textRow("apples 12", false, 0, 0);
+        textRow(" +3.25e1x", true, 3, 32.5);
+        textRow(".5", false, 0, 0.5);
+        textRow("5.", true, 5, 5);
+        textRow("0,5", false, 0, 0);
+        textRow("0x10", false, 0, 0);
+        textRow("nan", false, 0, 0);
+        textRow("", false, 0, 0);
+        textRow("99999999999999999999", true, kMost, 1e20);
+        textRow("-99999999999999999999", true, kLeast, -1e20);
+        textRow("1e999", true, 1, double(std::numeric_limits<float>::max()));
+        row("true value", true, true, 1, 1, u"1"_qs);
+        row("false value", false, false, 0, 0, u"0"_qs);
+        row("integer", -3, true, -3, -3, u"-3"_qs);
+        row("fraction", 2.75, true, 2, 2.75, u"2.75"_qs);
+        row("huge number", 1e300, true, kMost, double(std::numeric_limits<float>::max()), u"1e+300"_qs);
+        row("list", QStringList{u"1"_qs, u"2"_qs}, false, 0, 0, {});
     }
+
     void readers()
     {
-        const auto row = currentRow<Read>();
+        QFETCH(QVariant, value);
         // Registered, or stored and not yet written, a value reads alike.
         for (const bool stored : {false, true}) {
-            UserDefaults defaults(u"Maker"_qs, u"Program"_qs);
+            UserDefaults defaults(kMaker, kProgram);
             if (stored)
-                defaults.setObject(kKey, row.value);
+                defaults.setObject(kKey, value);
             else
-                defaults.registerDefaults({{kKey, row.value}});
-            QCOMPARE(defaults.boolForKey(kKey), row.asBool);
-            QCOMPARE(defaults.integerForKey(kKey), row.asInteger);
-            QCOMPARE(defaults.floatForKey(kKey), float(row.asFloat));
-            QCOMPARE(defaults.stringForKey(kKey), row.asString);
+                defaults.registerDefaults({{kKey, value}});
+            QTEST(defaults.boolForKey(kKey), "asBool");
+            QTEST(defaults.integerForKey(kKey), "asInteger");
+            QTEST(defaults.floatForKey(kKey), "asFloat");
+            QTEST(defaults.stringForKey(kKey), "asString");
         }
     }
 
     void storedOverRegistered()
     {
-        UserDefaults defaults(u"Maker"_qs, u"Program"_qs);
+        UserDefaults defaults(kMaker, kProgram);
         defaults.registerDefaults({{kKey, u"YES"_qs}});
         QVERIFY(defaults.boolForKey(kKey));
         defaults.setObject(kKey, false);
@@ -134,19 +113,25 @@ private Q_SLOTS:
 
     void survivesTheProgram_data()
     {
-        const QStringList several{{}, u"\u00e9 \u6c34"_qs, u"@x"_qs};
-        addRows<Kept>({{"no element", QStringList(), {}},
-                       {"one", QStringList{u"a, \"b\"; c=\\d"_qs}, {u"a, \"b\"; c=\\d"_qs}},
-                       {"several", several, several},
-                       {"untyped list", QVariantList{u"a"_qs, u"b"_qs}, words("a b")},
-                       {"text", u" /home/x, y/ "_qs, {u" /home/x, y/ "_qs}},
-                       {"number", 0.5, {u"0.5"_qs}}});
+        QTest::addColumn<QVariant>("value");
+        QTest::addColumn<QStringList>("asArray");
+        const auto row = [](const char *name, const QStringList &list) {
+            QTest::newRow(name) << QVariant(list) << list;
+        };
+        row("no element", {});
+        row("one", {u"a, \"b\"; c=\\d"_qs});
+        row("several", {QString(), u"\u00e9 \u6c34"_qs, u"@x"_qs});
+        QTest::newRow("untyped list")
+            << QVariant(QVariantList{u"a"_qs, u"b"_qs}) << QStringList{u"a"_qs, u"b"_qs};
+        QTest::newRow("text") << QVariant(u" /home/x, y/ "_qs) << QStringList{u" /home/x, y/ "_qs};
+        QTest::newRow("number") << QVariant(0.5) << QStringList{u"0.5"_qs};
     }
+
     void survivesTheProgram()
     {
-        const auto [row, value, asArray] = currentRow<Kept>();
+        QFETCH(QVariant, value);
         {
-            UserDefaults defaults(u"Maker"_qs, u"Program"_qs);
+            UserDefaults defaults(kMaker, kProgram);
             defaults.registerDefaults({{kKey, QStringList{u"registered"_qs}}});
             defaults.setObject(kKey, value);
             QVERIFY(defaults.synchronize());
@@ -156,9 +141,9 @@ private Q_SLOTS:
         QVERIFY(file.open(QIODevice::Append));
         file.write("\n");
         file.close();
-        UserDefaults again(u"Maker"_qs, u"Program"_qs);
+        UserDefaults again(kMaker, kProgram);
         again.registerDefaults({{kKey, QStringList{u"registered"_qs}}});
-        QCOMPARE(again.stringArrayForKey(kKey), asArray);
+        QTEST(again.stringArrayForKey(kKey), "asArray");
         if (value.typeId() == QMetaType::Double)
             QCOMPARE(again.floatForKey(kKey), value.toFloat());
     }
@@ -166,8 +151,8 @@ private Q_SLOTS:
     void unwritable()
     {
         // A file where the folder should be: nothing can be stored, also not by the superuser.
-        QVERIFY(writeFile(m_folder->path("config"), {}));
-        UserDefaults defaults(u"Maker"_qs, u"Program"_qs);
+        QVERIFY(test::writeFile(m_folder->path("config"), {}));
+        UserDefaults defaults(kMaker, kProgram);
         defaults.setObject(kKey, 1);
         QVERIFY(!defaults.synchronize());
         QCOMPARE(defaults.integerForKey(kKey), 1);
@@ -175,23 +160,27 @@ private Q_SLOTS:
 
     void savingDirectory_data()
     {
-        addRows<Pictures>({{"the user's folder", "XDG_PICTURES_DIR=\"$HOME/Bilder\"\n", "Bilder/Plexa"},
-                           {"not configured", {}, "Pictures/Plexa"},
-                           {"disabled", "XDG_PICTURES_DIR=\"$HOME/\"\n", "Pictures"}});
+        QTest::addColumn<QByteArray>("userDirs");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("the user's folder")
+            << QByteArray("XDG_PICTURES_DIR=\"$HOME/Bilder\"\n") << u"Bilder/Plexa"_qs;
+        QTest::newRow("nothing said") << QByteArray() << u"Pictures/Plexa"_qs;
+        QTest::newRow("none reported") << QByteArray("XDG_PICTURES_DIR=\"$HOME/\"\n") << u"Pictures"_qs;
     }
+
     void savingDirectory()
     {
-        const auto [row, userDirs, expected] = currentRow<Pictures>();
-        QVERIFY(writeFile(qEnvironmentVariable("XDG_CONFIG_HOME") + u"/user-dirs.dirs"_qs, userDirs));
-        UserDefaults defaults(u"Maker"_qs, u"Program"_qs);
+        QFETCH(QByteArray, userDirs);
+        QFETCH(QString, expected);
+        QVERIFY(test::writeFile(qEnvironmentVariable("XDG_CONFIG_HOME") + u"/user-dirs.dirs"_qs, userDirs));
+        UserDefaults defaults(kMaker, kProgram);
         registerDefaults(defaults);
-        QCOMPARE(defaults.stringForKey(settings::savingDirectory),
-                 QDir::home().filePath(QLatin1String(expected)));
+        QCOMPARE(defaults.stringForKey(settings::savingDirectory), QDir::home().filePath(expected));
     }
 
     void threads()
     {
-        UserDefaults defaults(u"Maker"_qs, u"Program"_qs);
+        UserDefaults defaults(kMaker, kProgram);
         registerDefaults(defaults);
         std::vector<std::thread> threads;
         for (int i = 0; i < 4; ++i) {
@@ -208,6 +197,9 @@ private Q_SLOTS:
         for (int i = 0; i < 4; ++i)
             QCOMPARE(defaults.integerForKey(QString::number(i)), 100);
     }
+
+private:
+    std::unique_ptr<test::TestFolder> m_folder;
 };
 
 QTEST_GUILESS_MAIN(UserDefaultsTest)

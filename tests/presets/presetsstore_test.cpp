@@ -17,7 +17,6 @@
 #include <sys/wait.h>
 
 #include <functional>
-#include <numeric>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -44,9 +43,7 @@ WPresetList wPresets(const QStringList &names)
 
 void setWPresets(PresetsStore &store, const WPresetList &presets)
 {
-    QList<int> rows(static_cast<qsizetype>(store.wPresets().size()));
-    std::iota(rows.begin(), rows.end(), 0);
-    store.wPresetList().remove(rows);
+    store.wPresetList().remove({0, 1, 2}); // rows that do not exist are ignored
     store.wPresetList().append(presets);
 }
 

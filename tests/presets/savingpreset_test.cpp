@@ -11,6 +11,7 @@
 #include <QtTest>
 
 #include <limits>
+#include <mutex>
 #include <set>
 #include <thread>
 
@@ -150,27 +151,25 @@ private Q_SLOTS:
 
     void identitiesAreUniqueOnThreads()
     {
-        constexpr std::size_t kThreads = 4;
-        constexpr std::size_t kEach = 500;
-        std::vector<std::vector<qint64>> given(kThreads);
-        std::vector<std::thread> threads;
-        for (auto &ids : given) {
-            threads.emplace_back([&ids] {
-                for (std::size_t i = 0; i < kEach; ++i) {
-                    ids.push_back(SavingPreset().presetID());
+        constexpr int kThreads = 4;
+        constexpr int kEach = 500;
+        std::mutex mutex;
+        std::set<qint64> all;
+        std::vector<std::jthread> threads;
+        for (int i = 0; i < kThreads; ++i) {
+            threads.emplace_back([&] {
+                for (int j = 0; j < kEach; ++j) {
+                    const qint64 id = SavingPreset().presetID();
                     QByteArray errors;
-                    const QByteArray id = QByteArray::number(ids.back());
-                    presetOf("<id>" + id + "</id>", 1.4, errors);
+                    presetOf("<id>" + QByteArray::number(id) + "</id>", 1.4, errors);
+                    const std::lock_guard lock(mutex);
+                    all.insert(id);
                 }
             });
         }
-        for (std::thread &thread : threads)
-            thread.join();
-        std::set<qint64> all;
-        for (const auto &ids : given)
-            all.insert(ids.begin(), ids.end());
-        QCOMPARE(all.size(), kThreads * kEach);
-        QCOMPARE(SavingPreset::lastUsedPresetID(), qint64(kThreads * kEach));
+        threads.clear(); // waits for them
+        QCOMPARE(all.size(), std::size_t(kThreads * kEach));
+        QCOMPARE(SavingPreset::lastUsedPresetID(), kThreads * kEach);
     }
 
     void aCopyIsEqualAndAnother()
@@ -435,6 +434,10 @@ private Q_SLOTS:
                      qPrintable(values.filenameTokens.last()));
             QCOMPARE(contentsOf(m_path), before);
         }
+        // The form itself has no references in tokens.
+        QString xml;
+        SavingPreset(refused[1]).appendObjectToXML(xml);
+        QVERIFY(xml.contains(u"<token>a<b</token>"));
     }
 
     void valuesWithMarkupAreWrittenAsInitial()

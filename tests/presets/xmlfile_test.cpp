@@ -23,11 +23,6 @@ public:
     {
     }
 
-    void appendObjectToXML(QString &xml) const override
-    {
-        xml += u"\n  <note>"_s + replaceXmlSpecialChars(m_text) + u"</note>"_s;
-    }
-
     static std::shared_ptr<Note> initWithXMLData(const XMLParser::Element &element, double fileVersion)
     {
         if (element.text() == "broken")

@@ -3,10 +3,9 @@
 #include "raster/bitmaputilities.h"
 #include "raster/orientation.h"
 #include "support/datarows.h"
+#include "support/picturedifference.h"
 #include "support/testenvironment.h"
-
-#include <QRandomGenerator>
-#include <QTest>
+#include "support/testpictures.h"
 
 #include <cmath>
 #include <functional>
@@ -14,20 +13,10 @@
 #include <numbers>
 
 using namespace plexa;
+using namespace plexa::test;
 
 namespace
 {
-
-QImage randomImage(QSize size, QImage::Format format = QImage::Format_RGB32)
-{
-    QRandomGenerator random(quint32(size.width() * 65'537 + size.height()));
-    QImage image(size, QImage::Format_ARGB32);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            reinterpret_cast<QRgb *>(image.scanLine(y))[x] = random.generate();
-    }
-    return image.convertToFormat(format);
-}
 
 /// Every pixel's middle sent through the transform, one by one; origin at the bottom left.
 QImage mapped(const QImage &image, const QTransform &t, QSize size)
@@ -50,68 +39,38 @@ QImage mapped(const QImage &image, const QTransform &t, QSize size)
 /// Circles that get finer from the middle outwards, down to two pixels.
 QImage zonePlate(int side)
 {
-    QImage image(side, side, QImage::Format_RGB32);
-    for (int y = 0; y < side; ++y) {
-        auto *row = reinterpret_cast<QRgb *>(image.scanLine(y));
-        for (int x = 0; x < side; ++x) {
-            const double dx = x - side / 2.0;
-            const double dy = y - side / 2.0;
-            const double wave = std::cos(std::numbers::pi * (dx * dx + dy * dy) / side);
-            const int value = int(std::lround(127.5 + 120 * wave));
-            row[x] = qRgb(value, 255 * x / side, 255 - value);
-        }
-    }
-    return image;
-}
-
-struct Difference {
-    double mean = 0;
-    int worst = 0;
-};
-
-Difference difference(const QImage &a, const QImage &b)
-{
-    Difference result;
-    for (int y = 0; y < a.height(); ++y) {
-        for (int x = 0; x < a.width(); ++x) {
-            const QRgb p = a.pixel(x, y);
-            const QRgb q = b.pixel(x, y);
-            for (const int d : {qRed(p) - qRed(q), qGreen(p) - qGreen(q), qBlue(p) - qBlue(q)}) {
-                result.mean += std::abs(d);
-                result.worst = std::max(result.worst, std::abs(d));
-            }
-        }
-    }
-    result.mean /= 3.0 * a.width() * a.height();
-    return result;
+    return paintedPicture({side, side}, QImage::Format_RGB32, [side](int x, int y) {
+        const double dx = x - side / 2.0;
+        const double dy = y - side / 2.0;
+        const double wave = std::cos(std::numbers::pi * (dx * dx + dy * dy) / side);
+        const int value = int(std::lround(127.5 + 120 * wave));
+        return qRgb(value, 255 * x / side, 255 - value);
+    });
 }
 
 struct Formats {
-    test::Text name;
+    Text name;
     QImage::Format source;
     QImage::Format expected;
 };
 
-struct Turns {
-    test::Text name;
+struct Sized {
+    Text name;
     QSize size;
+};
+
+struct Stretch {
+    Text name;
+    int orientation;
+    double sx;
+    double sy;
 };
 
 struct ScaledToMaxSize {
-    test::Text name;
+    Text name;
     QSize size;
     int maxSize;
     QSize expected;
-};
-
-struct ScalesLikeImageMagick {
-    test::Text name;
-    QSize size;
-};
-
-struct PlainAreasStayPlain {
-    test::Text name;
-    QSize size;
 };
 
 } // namespace
@@ -123,7 +82,7 @@ class BitmapUtilitiesTest : public QObject
 private Q_SLOTS:
     void formats_data()
     {
-        test::addRows<Formats>({
+        addRows<Formats>({
             {"no alpha", QImage::Format_RGB888, QImage::Format_RGB32},
             {"gray", QImage::Format_Grayscale8, QImage::Format_RGB32},
             {"alpha", QImage::Format_ARGB32, QImage::Format_ARGB32_Premultiplied},
@@ -135,8 +94,8 @@ private Q_SLOTS:
 
     void formats()
     {
-        const auto [name, source, expected] = test::currentRow<Formats>();
-        const QImage image = randomImage(QSize(7, 5), source);
+        const auto [name, source, expected] = currentRow<Formats>();
+        const QImage image = randomPicture(QSize(7, 5), source);
         const QImage context = createBitmapContextLikeImage(image, 3, 2, false);
         QCOMPARE(context.format(), expected);
         QCOMPARE(context.pixel(2, 1), expected == QImage::Format_RGB32 ? qRgb(0, 0, 0) : qRgba(0, 0, 0, 0));
@@ -149,7 +108,7 @@ private Q_SLOTS:
 
     void turns_data()
     {
-        test::addRows<Turns>({
+        addRows<Sized>({
             {"one pixel", QSize(1, 1)},
             {"row", QSize(67, 1)},
             {"column", QSize(1, 67)},
@@ -160,11 +119,10 @@ private Q_SLOTS:
 
     void turns()
     {
-        const auto [name, size] = test::currentRow<Turns>();
+        const auto [name, size] = currentRow<Sized>();
         const double w = size.width();
         const double h = size.height();
-        const QImage image = randomImage(size);
-        const QImage &source = image;
+        const QImage source = randomPicture(size);
         QCOMPARE(createImageRotatedByQuarter(source, false),
                  mapped(source, QTransform(0, 1, -1, 0, h, 0), size.transposed()));
         QCOMPARE(createImageRotatedByQuarter(source, true),
@@ -174,48 +132,41 @@ private Q_SLOTS:
         QCOMPARE(createImageFlipped(source, true), mapped(source, QTransform(1, 0, 0, -1, 0, h), size));
     }
 
-    void orientations_data()
-    {
-        QTest::addColumn<int>("orientation");
-        for (int o = 1; o <= 8; ++o)
-            QTest::addRow("%d", o) << o;
-    }
-
     void orientations()
     {
-        QFETCH(int, orientation);
         const QSize stored(83, 150);
         const double w = stored.width();
         const double h = stored.height();
         const QTransform transforms[] = {{1, 0, 0, 1, 0, 0},  {-1, 0, 0, 1, w, 0},  {-1, 0, 0, -1, w, h},
                                          {1, 0, 0, -1, 0, h}, {0, -1, -1, 0, h, w}, {0, -1, 1, 0, 0, w},
                                          {0, 1, 1, 0, 0, 0},  {0, 1, -1, 0, h, 0}};
-        const QImage image = randomImage(stored);
-        const QImage expected = mapped(image, transforms[orientation - 1], orientedSize(stored, orientation));
-        QCOMPARE(orientationTransform(orientation, 1, 1, stored), transforms[orientation - 1]);
-        QCOMPARE(createImageWithTransform(image, transforms[orientation - 1]), expected);
-
-        for (const int height : {1, 16, 70}) {
-            QImage target(expected.size(), QImage::Format_RGB32);
-            for (int y = 0; y < stored.height(); y += height) {
-                // The last strip has more rows than the picture has left; they belong nowhere.
-                const QImage strip = image.copy(0, y, stored.width(), height);
-                placeOrientedRows(target, strip, height, y, stored, orientation);
+        const QImage image = randomPicture(stored);
+        for (int orientation = 1; orientation <= 8; ++orientation) {
+            const QTransform &transform = transforms[orientation - 1];
+            const QImage expected = mapped(image, transform, orientedSize(stored, orientation));
+            QCOMPARE(orientationTransform(orientation, 1, 1, stored), transform);
+            QCOMPARE(createImageWithTransform(image, transform), expected);
+            for (const int height : {1, 16, 70}) {
+                QImage target(expected.size(), QImage::Format_RGB32);
+                for (int y = 0; y < stored.height(); y += height) {
+                    // The last strip has more rows than the picture has left; they belong nowhere.
+                    const QImage strip = image.copy(0, y, stored.width(), height);
+                    placeOrientedRows(target, strip, height, y, stored, orientation);
+                }
+                QCOMPARE(target, expected);
             }
-            QCOMPARE(target, expected);
         }
     }
 
     void moves()
     {
-        const QImage image = randomImage(QSize(9, 6));
+        const QImage image = randomPicture(QSize(9, 6));
         const QTransform byPixels(1, 0, 0, 1, 2, -1);
-        QImage expected = mapped(image, byPixels, image.size());
+        const QImage expected = mapped(image, byPixels, image.size());
         QCOMPARE(createImageWithTransform(image, byPixels).convertToFormat(QImage::Format_RGB32), expected);
         QCOMPARE(createImageWithTransform(image, QTransform(1, 0, 0, 1, 9, 0)).pixel(8, 0), qRgb(0, 0, 0));
 
-        QImage gray(10, 10, QImage::Format_RGB32);
-        gray.fill(qRgb(100, 100, 100));
+        const QImage gray = flatPicture({10, 10}, QColor(100, 100, 100));
         const QImage byHalf = createImageWithTransform(gray, QTransform(1, 0, 0, 1, 0.5, 0));
         QCOMPARE(byHalf.pixel(0, 5), qRgb(50, 50, 50));
         QCOMPARE(byHalf.pixel(9, 5), qRgb(100, 100, 100));
@@ -223,26 +174,19 @@ private Q_SLOTS:
 
     void stretches_data()
     {
-        QTest::addColumn<int>("orientation");
-        QTest::addColumn<double>("sx");
-        QTest::addColumn<double>("sy");
         for (int o = 1; o <= 8; ++o)
-            QTest::addRow("orientation %d, higher", o) << o << 1.0 << 2.0;
-        QTest::newRow("wider by a fraction") << 6 << 1.37 << 1.0;
+            addRow(Stretch{u"orientation %1, higher"_qs.arg(o), o, 1, 2});
+        addRow(Stretch{"wider by a fraction", 6, 1.37, 1});
     }
 
     void stretches()
     {
-        QFETCH(int, orientation);
-        QFETCH(double, sx);
-        QFETCH(double, sy);
+        const auto [name, orientation, sx, sy] = currentRow<Stretch>();
         // One plain color a quarter: it must come out where the unstretched picture has it.
         const QSize stored(61, 40);
-        QImage image(stored, QImage::Format_RGB32);
-        for (int y = 0; y < stored.height(); ++y) {
-            for (int x = 0; x < stored.width(); ++x)
-                image.setPixel(x, y, qRgb(x < 30 ? 250 : 20, y < 20 ? 200 : 10, 99));
-        }
+        const QImage image = paintedPicture(stored, QImage::Format_RGB32, [](int x, int y) {
+            return qRgb(x < 30 ? 250 : 20, y < 20 ? 200 : 10, 99);
+        });
         const QImage upright =
             createImageWithTransform(image, orientationTransform(orientation, 1, 1, stored));
         const QImage result =
@@ -258,7 +202,7 @@ private Q_SLOTS:
 
     void scaledToMaxSize_data()
     {
-        test::addRows<ScaledToMaxSize>({
+        addRows<ScaledToMaxSize>({
             {"half", QSize(600, 400), 300, QSize(300, 200)},
             {"fractions are cut off", QSize(400, 299), 100, QSize(100, 74)},
             {"high", QSize(33, 100), 10, QSize(3, 10)},
@@ -271,8 +215,8 @@ private Q_SLOTS:
 
     void scaledToMaxSize()
     {
-        const auto [name, size, maxSize, expected] = test::currentRow<ScaledToMaxSize>();
-        const QImage image = randomImage(size);
+        const auto [name, size, maxSize, expected] = currentRow<ScaledToMaxSize>();
+        const QImage image = randomPicture(size);
         const QImage plain = createImageScaledToMaxSize(image, maxSize, false);
         QCOMPARE(plain.isNull() ? QSize() : plain.size(), expected);
         QCOMPARE(createImageScaledToMaxSize(image, maxSize, true), createImageFlipped(plain, true));
@@ -284,7 +228,7 @@ private Q_SLOTS:
 
     void scalesLikeImageMagick_data()
     {
-        test::addRows<ScalesLikeImageMagick>({
+        addRows<Sized>({
             {"much smaller", QSize(40, 40)},
             {"smaller by a fraction", QSize(351, 257)},
             {"little smaller", QSize(431, 480)},
@@ -295,23 +239,21 @@ private Q_SLOTS:
 
     void scalesLikeImageMagick()
     {
-        const auto [name, size] = test::currentRow<ScalesLikeImageMagick>();
-        const QString convert = test::magickConvert();
-        if (convert.isEmpty())
-            QSKIP("ImageMagick is not installed.");
-        const test::TestFolder folder;
+        const auto [name, size] = currentRow<Sized>();
+        PLEXA_NEEDS_MAGICK();
+        const TestFolder folder;
         const QImage image = zonePlate(500);
-        QVERIFY(image.save(folder.path(u"in.png"_qs)));
-        const QString geometry = QStringLiteral("%1x%2!").arg(size.width()).arg(size.height());
-        test::outputOf(convert, {folder.path(u"in.png"_qs), u"-filter"_qs, u"Catrom"_qs, u"-resize"_qs,
-                                 geometry, u"-depth"_qs, u"8"_qs, folder.path(u"out.png"_qs)});
-        const QImage expected(folder.path(u"out.png"_qs));
+        const QString out = folder.path("out.png");
+        QVERIFY(image.save(folder.path("in.png")));
+        magick("%1 -filter Catrom -resize %2x%3! -depth 8 %4", folder.path("in.png"),
+               QString::number(size.width()), QString::number(size.height()), out);
+        const QImage expected(out);
         QCOMPARE(expected.size(), size);
 
         const QImage result = createImageScaledToSize(image, size.width(), size.height(), true);
         // The outermost pixels depend on what a program takes to lie beyond the edge.
         const QRect inside = result.rect().adjusted(2, 2, -2, -2);
-        const Difference found = difference(result.copy(inside), expected.copy(inside));
+        const PictureDifference found = differenceOf(result.copy(inside), expected.copy(inside));
         // ImageMagick cuts fractions of a level off: half a level on average. When shrinking a lot, blocks
         // are averaged before the filter: nearly, not exactly, the same filter.
         QVERIFY2(found.mean < 1, qPrintable(QString::number(found.mean)));
@@ -322,11 +264,9 @@ private Q_SLOTS:
     {
         // Lines of one pixel, too fine for any smaller picture, mix to one gray.
         for (const bool upright : {true, false}) {
-            QImage image(1203, 1203, QImage::Format_RGB32);
-            for (int y = 0; y < image.height(); ++y) {
-                for (int x = 0; x < image.width(); ++x)
-                    image.setPixel(x, y, (upright ? x : y) % 2 == 0 ? qRgb(255, 255, 255) : qRgb(0, 0, 0));
-            }
+            const QImage image = paintedPicture({1203, 1203}, QImage::Format_RGB32, [upright](int x, int y) {
+                return (upright ? x : y) % 2 == 0 ? 0xffffffff : 0xff000000;
+            });
             for (const int side : {50, 97, 211, 400}) {
                 const QImage small = createImageScaledToMaxSize(image, side, false);
                 for (int y = 2; y < side - 2; ++y) {
@@ -340,7 +280,7 @@ private Q_SLOTS:
 
     void plainAreasStayPlain_data()
     {
-        test::addRows<PlainAreasStayPlain>({
+        addRows<Sized>({
             {"smaller", QSize(31, 17)},
             {"much smaller", QSize(3, 2)},
             {"larger", QSize(1234, 777)},
@@ -350,16 +290,13 @@ private Q_SLOTS:
 
     void plainAreasStayPlain()
     {
-        const auto [name, size] = test::currentRow<PlainAreasStayPlain>();
-        QImage image(333, 222, QImage::Format_ARGB32_Premultiplied);
-        const QRgb color = qPremultiply(qRgba(255, 128, 7, 201));
-        image.fill(color);
+        const auto [name, size] = currentRow<Sized>();
+        const QColor color(255, 128, 7, 201);
+        const auto format = QImage::Format_ARGB32_Premultiplied;
+        const QImage image = flatPicture({333, 222}, color, format);
         for (const bool highQuality : {true, false}) {
-            const QImage result = createImageScaledToSize(image, size.width(), size.height(), highQuality);
-            QCOMPARE(result.size(), size);
-            QImage expected(size, QImage::Format_ARGB32_Premultiplied);
-            expected.fill(color);
-            QCOMPARE(result, expected);
+            QCOMPARE(createImageScaledToSize(image, size.width(), size.height(), highQuality),
+                     flatPicture(size, color, format));
         }
     }
 
@@ -376,12 +313,8 @@ private Q_SLOTS:
         const double angle = degrees / 180 * std::numbers::pi;
         const double c = std::cos(angle);
         const double s = std::sin(angle);
-        const QSize size(90, 50);
-        QImage image(size, QImage::Format_ARGB32_Premultiplied);
-        for (int y = 0; y < size.height(); ++y) {
-            for (int x = 0; x < size.width(); ++x)
-                image.setPixel(x, y, qRgb(2 * x, 5 * y, 255 - x - y));
-        }
+        const QImage image = paintedPicture({90, 50}, QImage::Format_ARGB32_Premultiplied,
+                                            [](int x, int y) { return qRgb(2 * x, 5 * y, 255 - x - y); });
         const QImage result = createImageRotatedByAngle(image, angle);
         const double boxWidth = 90 * std::abs(c) + 50 * std::abs(s);
         const double boxHeight = 90 * std::abs(s) + 50 * std::abs(c);
@@ -422,18 +355,17 @@ private Q_SLOTS:
 
     void rotatedAboutCenter()
     {
-        const QImage image = randomImage(QSize(51, 51));
+        const QImage image = randomPicture(QSize(51, 51));
         QCOMPARE(createImageRotatedAboutCenter(image, std::numbers::pi), createImageRotatedByHalf(image));
         QCOMPARE(createImageRotatedAboutCenter(image, std::numbers::pi / 2),
                  createImageRotatedByQuarter(image, false));
-        const QImage wide = createImageRotatedAboutCenter(randomImage(QSize(80, 20)), 0.5);
+        const QImage wide = createImageRotatedAboutCenter(randomPicture(QSize(80, 20)), 0.5);
         QCOMPARE(wide.size(), QSize(80, 20));
     }
 
     void flattened()
     {
-        QImage image(20, 10, QImage::Format_ARGB32);
-        image.fill(qRgba(200, 0, 100, 51));
+        const QImage image = flatPicture({20, 10}, QColor(200, 0, 100, 51), QImage::Format_ARGB32);
         const QImage onWhite = createImageFlattened(image, false, Qt::white, 10, 10);
         QCOMPARE(onWhite.size(), QSize(10, 10));
         QCOMPARE(onWhite.pixel(5, 5), qRgb(244, 204, 224));
@@ -446,7 +378,7 @@ private Q_SLOTS:
     void impossibleSizes()
     {
         constexpr int kHuge = std::numeric_limits<int>::max();
-        const QImage image = randomImage(QSize(40, 30));
+        const QImage image = randomPicture(QSize(40, 30));
         const std::function<QImage()> calls[] = {
             [&] { return createBitmapContext(kHuge, kHuge, true); },
             [&] { return createBitmapContext(0, 5, true); },

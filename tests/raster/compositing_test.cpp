@@ -2,16 +2,14 @@
 
 #include "raster/compositing.h"
 #include "support/datarows.h"
+#include "support/testpictures.h"
 #include "w3cblending.h"
 
-#include <QRandomGenerator>
-#include <QTest>
-
 #include <limits>
-#include <thread>
 #include <vector>
 
 using namespace plexa;
+using namespace plexa::test;
 
 namespace
 {
@@ -21,29 +19,9 @@ QImage::Format formatFor(bool opaque)
     return opaque ? QImage::Format_RGB32 : QImage::Format_ARGB32_Premultiplied;
 }
 
-/// Random pixels with stretches of nothing and of full cover, as text has.
 QImage randomImage(int width, int height, bool opaque, quint32 seed)
 {
-    QRandomGenerator random(seed);
-    QImage image(width, height, formatFor(opaque));
-    for (int y = 0; y < height; ++y) {
-        auto *row = reinterpret_cast<QRgb *>(image.scanLine(y));
-        int kind = 0;
-        for (int x = 0; x < width; ++x) {
-            if (random.bounded(9) == 0)
-                kind = random.bounded(3);
-            const QRgb color = random.generate() & 0x00ffffffU;
-            const quint32 alpha = opaque || kind == 1 ? 255 : (kind == 0 ? 0 : random.bounded(256U));
-            row[x] = qPremultiply(color | alpha << 24);
-        }
-    }
-    return image;
-}
-
-/// The rows [first, first + count) as an image of its own.
-QImage stripOf(const QImage &photo, int first, int count)
-{
-    return photo.copy(0, first, photo.width(), count);
+    return randomPicture({width, height}, formatFor(opaque), seed);
 }
 
 /// Draws on strips of the photo and puts them together again.
@@ -52,7 +30,7 @@ QImage drawnInStrips(const QImage &photo, int stripHeight, const Draw &draw)
 {
     QImage result = photo.copy();
     for (int y = 0; y < photo.height(); y += stripHeight) {
-        QImage strip = stripOf(photo, y, std::min(stripHeight, photo.height() - y));
+        QImage strip = photo.copy(0, y, photo.width(), std::min(stripHeight, photo.height() - y));
         draw(strip, y);
         for (int row = 0; row < strip.height(); ++row)
             std::copy_n(strip.constScanLine(row), qsizetype(strip.width()) * 4, result.scanLine(y + row));
@@ -86,13 +64,19 @@ std::vector<QRgb> premultipliedGrid(bool opaque)
     return pixels;
 }
 
+struct Blend {
+    Text name;
+    BlendMode mode;
+    bool opaque;
+};
+
 struct Clips {
-    test::Text name;
+    Text name;
     QPoint at;
 };
 
 struct Fill {
-    test::Text name;
+    Text name;
     QRectF rect;
 };
 
@@ -114,19 +98,16 @@ private Q_SLOTS:
 
     void blendsByTheFormulas_data()
     {
-        QTest::addColumn<int>("mode");
-        QTest::addColumn<bool>("opaque");
         for (int mode = 0; mode < kBlendModeCount; ++mode) {
             for (const bool opaque : {true, false})
-                QTest::addRow("%s on %s", qPrintable(nameOf(BlendMode(mode))), opaque ? "opaque" : "alpha")
-                    << mode << opaque;
+                addRow(Blend{nameOf(BlendMode(mode)) + (opaque ? u" on opaque"_qs : u" on alpha"_qs),
+                             BlendMode(mode), opaque});
         }
     }
 
     void blendsByTheFormulas()
     {
-        QFETCH(int, mode);
-        QFETCH(bool, opaque);
+        const auto [name, mode, opaque] = currentRow<Blend>();
         const std::vector<QRgb> over = premultipliedGrid(false);
         const std::vector<QRgb> under = premultipliedGrid(opaque);
         QImage mark(int(over.size()), 1, QImage::Format_ARGB32_Premultiplied);
@@ -135,23 +116,22 @@ private Q_SLOTS:
             for (const QRgb backdrop : under) {
                 QImage rows(mark.size(), formatFor(opaque));
                 rows.fill(backdrop);
-                stampRows(rows, 0, mark, QPoint(0, 0), BlendMode(mode), opacity);
+                stampRows(rows, 0, mark, QPoint(0, 0), mode, opacity);
                 const auto *result = reinterpret_cast<const QRgb *>(rows.constBits());
                 for (std::size_t i = 0; i < over.size(); ++i) {
-                    const auto expected = test::composed(BlendMode(mode), backdrop, over[i], opacity);
+                    const auto expected = composed(mode, backdrop, over[i], opacity);
                     const int actual[] = {qRed(result[i]), qGreen(result[i]), qBlue(result[i]),
                                           qAlpha(result[i])};
                     for (std::size_t c = 0; c < 4; ++c) {
                         // Half a level is the rounding; the rest is the difference of float and double.
                         if (std::abs(actual[c] - expected[c]) > 0.51)
-                            QFAIL(
-                                qPrintable(QStringLiteral("%1 over %2 at %3: channel %4 is %5, should be %6")
-                                               .arg(over[i], 8, 16)
-                                               .arg(backdrop, 8, 16)
-                                               .arg(opacity)
-                                               .arg(c)
-                                               .arg(actual[c])
-                                               .arg(expected[c])));
+                            QFAIL(qPrintable(
+                                u"%1 over %2 at %3: channel %4 is %5, should be %6"_qs.arg(over[i], 8, 16)
+                                    .arg(backdrop, 8, 16)
+                                    .arg(opacity)
+                                    .arg(c)
+                                    .arg(actual[c])
+                                    .arg(expected[c])));
                     }
                     QVERIFY(qRed(result[i]) <= qAlpha(result[i]));
                 }
@@ -159,26 +139,20 @@ private Q_SLOTS:
         }
     }
 
-    void strips_data()
+    void stripsJoinToTheWhole()
     {
-        QTest::addColumn<int>("mode");
-        for (int mode = 0; mode < kBlendModeCount; ++mode)
-            QTest::newRow(qPrintable(nameOf(BlendMode(mode)))) << mode;
-    }
-
-    void strips()
-    {
-        QFETCH(int, mode);
         const QImage mark = randomImage(83, 41, false, 7);
-        for (const bool opaque : {true, false}) {
-            const QImage photo = randomImage(101, 60, opaque, 8);
-            QImage whole = photo.copy();
-            stampRows(whole, 0, mark, QPoint(5, 9), BlendMode(mode), 0.7);
-            for (const int height : {1, 7, 16}) {
-                const QImage joined = drawnInStrips(photo, height, [&](QImage &strip, int first) {
+        for (int mode = 0; mode < kBlendModeCount; ++mode) {
+            for (const bool opaque : {true, false}) {
+                const auto draw = [&](QImage &strip, int first) {
                     stampRows(strip, first, mark, QPoint(5, 9), BlendMode(mode), 0.7);
-                });
-                QCOMPARE(joined, whole);
+                };
+                const QImage photo = randomImage(101, 60, opaque, 8);
+                QImage whole = photo.copy();
+                draw(whole, 0);
+                for (const int height : {1, 7, 16})
+                    QVERIFY2(drawnInStrips(photo, height, draw) == whole,
+                             qPrintable(nameOf(BlendMode(mode))));
             }
         }
     }
@@ -186,7 +160,7 @@ private Q_SLOTS:
     void clips_data()
     {
         constexpr int kFar = std::numeric_limits<int>::max();
-        test::addRows<Clips>({
+        addRows<Clips>({
             {"left and above", QPoint(-30, -12)},
             {"right and below", QPoint(70, 40)},
             {"beyond all edges", QPoint(-13, -4)},
@@ -199,7 +173,7 @@ private Q_SLOTS:
 
     void clips()
     {
-        const auto [name, at] = test::currentRow<Clips>();
+        const auto [name, at] = currentRow<Clips>();
         constexpr int kRoom = 100;
         const QImage mark = randomImage(80, 45, false, 3);
         const QImage photo = randomImage(50, 30, true, 4);
@@ -207,37 +181,10 @@ private Q_SLOTS:
         stampRows(clipped, 0, mark, at, BlendMode::Multiply, 1);
 
         // The same on a photo with room for the whole mark.
-        QImage roomy(50 + 2 * kRoom, 30 + 2 * kRoom, QImage::Format_RGB32);
-        roomy.fill(Qt::white);
-        for (int y = 0; y < photo.height(); ++y) {
-            for (int x = 0; x < photo.width(); ++x)
-                roomy.setPixel(x + kRoom, y + kRoom, photo.pixel(x, y));
-        }
+        QImage roomy = photo.copy(QRect(-kRoom, -kRoom, 50 + 2 * kRoom, 30 + 2 * kRoom));
         if (std::abs(qint64(at.x())) < kRoom)
             stampRows(roomy, 0, mark, at + QPoint(kRoom, kRoom), BlendMode::Multiply, 1);
         QCOMPARE(clipped, roomy.copy(kRoom, kRoom, 50, 30));
-    }
-
-    void stripsOnThreads()
-    {
-        const QImage mark = randomImage(200, 128, false, 1);
-        const QImage photo = randomImage(200, 128, true, 2);
-        QImage whole = photo.copy();
-        stampRows(whole, 0, mark, QPoint(0, 0), BlendMode::SoftLight, 0.5);
-
-        QImage drawn = photo.copy();
-        uchar *bits = drawn.bits();
-        const qsizetype stride = drawn.bytesPerLine();
-        std::vector<std::thread> threads;
-        for (int first = 0; first < 128; first += 32) {
-            threads.emplace_back([&, first] {
-                QImage strip(bits + first * stride, 200, 32, stride, QImage::Format_RGB32);
-                stampRows(strip, first, mark, QPoint(0, 0), BlendMode::SoftLight, 0.5);
-            });
-        }
-        for (std::thread &thread : threads)
-            thread.join();
-        QCOMPARE(drawn, whole);
     }
 
     void opacityLimits()
@@ -258,7 +205,7 @@ private Q_SLOTS:
     void fill_data()
     {
         constexpr double kHuge = 1e300;
-        test::addRows<Fill>({
+        addRows<Fill>({
             {"whole pixels", QRectF(3, 4, 10, 5)},
             {"between pixels", QRectF(3.25, 4.5, 10.5, 5.75)},
             {"within one pixel", QRectF(6.25, 7.125, 0.5, 0.25)},
@@ -274,7 +221,7 @@ private Q_SLOTS:
 
     void fill()
     {
-        const auto [name, rect] = test::currentRow<Fill>();
+        const auto [name, rect] = currentRow<Fill>();
         const auto overlap = [](double low, double high, int pixel) {
             const double covered = std::min(high, pixel + 1.0) - std::max(low, double(pixel));
             return covered > 0 ? covered : 0;

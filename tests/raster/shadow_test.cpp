@@ -2,14 +2,14 @@
 
 #include "raster/compositing.h"
 #include "support/datarows.h"
-
-#include <QTest>
+#include "support/testpictures.h"
 
 #include <cmath>
 #include <limits>
 #include <vector>
 
 using namespace plexa;
+using namespace plexa::test;
 
 namespace
 {
@@ -17,18 +17,11 @@ namespace
 /// Thin and thick bars, a dot and a half-covered area.
 QImage bars(int width, int height)
 {
-    QImage image(width, height, QImage::Format_ARGB32_Premultiplied);
-    image.fill(0U);
-    for (int y = 0; y < height; ++y) {
-        auto *row = reinterpret_cast<QRgb *>(image.scanLine(y));
-        for (int x = 0; x < width; ++x) {
-            if (x % 37 < 2 || (x > width / 2 && x < width * 3 / 4 && y > height / 3))
-                row[x] = qRgba(255, 255, 255, 255);
-            else if (x > width * 4 / 5 && y < height / 2)
-                row[x] = qRgba(60, 0, 100, 128);
-        }
-    }
-    return image;
+    return paintedPicture({width, height}, QImage::Format_ARGB32_Premultiplied, [=](int x, int y) {
+        const bool isBar = x % 37 < 2 || (x > width / 2 && x < width * 3 / 4 && y > height / 3);
+        const bool isHalf = x > width * 4 / 5 && y < height / 2;
+        return isBar ? qRgba(255, 255, 255, 255) : isHalf ? qRgba(120, 0, 200, 128) : 0U;
+    });
 }
 
 using Plane = std::vector<std::vector<double>>;
@@ -67,7 +60,7 @@ Plane transposed(const Plane &plane)
 }
 
 struct BlursLikeAGaussian {
-    test::Text name;
+    Text name;
     double blur;
     QSize size;
 };
@@ -81,7 +74,7 @@ class ShadowTest : public QObject
 private Q_SLOTS:
     void blursLikeAGaussian_data()
     {
-        test::addRows<BlursLikeAGaussian>({
+        addRows<BlursLikeAGaussian>({
             {"less than a pixel", 0.6, QSize(50, 20)},
             {"fraction", 3.3, QSize(120, 31)},
             {"usual", 10.0, QSize(150, 60)},
@@ -95,7 +88,7 @@ private Q_SLOTS:
 
     void blursLikeAGaussian()
     {
-        const auto [name, blur, size] = test::currentRow<BlursLikeAGaussian>();
+        const auto [name, blur, size] = currentRow<BlursLikeAGaussian>();
         const QImage mark = bars(size.width(), size.height());
         const QColor color(200, 40, 255, 204);
         const Shadow shadow = shadowOf(mark, blur, color);
@@ -143,8 +136,7 @@ private Q_SLOTS:
         QVERIFY(shadowOf(mark, std::numeric_limits<double>::infinity(), Qt::black).image.isNull());
         QVERIFY(shadowOf(QImage(), 5, Qt::black).image.isNull());
 
-        QImage empty(30, 30, QImage::Format_ARGB32_Premultiplied);
-        empty.fill(0U);
+        const QImage empty = flatPicture({30, 30}, Qt::transparent, QImage::Format_ARGB32_Premultiplied);
         const Shadow nothing = shadowOf(empty, 4, Qt::black);
         QCOMPARE(nothing.image.pixel(20, 20), qRgba(0, 0, 0, 0));
     }

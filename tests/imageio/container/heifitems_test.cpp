@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/container/heifitems.h"
+#include "support/bytes.h"
 #include "support/datarows.h"
 
 #include <QBuffer>
 #include <QTest>
-#include <QtEndian>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -13,17 +13,9 @@ using namespace plexa::test;
 namespace
 {
 
-template<class Number>
-QByteArray big(Number value)
-{
-    QByteArray bytes(sizeof(Number), '\0');
-    qToBigEndian(value, bytes.data());
-    return bytes;
-}
-
 QByteArray box(const char *type, const QByteArray &payload)
 {
-    return big(quint32(payload.size() + 8)) + type + payload;
+    return big32(payload.size() + 8) + type + payload;
 }
 
 /// Version and flags 0.
@@ -38,9 +30,9 @@ QByteArray associations(int count)
     quint32 entryCount = 0;
     for (; count > 0; count -= 255, ++entryCount) {
         const int links = qMin(count, 255);
-        entries += big(quint16(1)) + char(links) + QByteArray(links, '\1');
+        entries += big16(1) + char(links) + QByteArray(links, '\1');
     }
-    return fullBox("ipma", big(entryCount) + entries);
+    return fullBox("ipma", big32(entryCount) + entries);
 }
 
 QByteArray references(int count)
@@ -48,7 +40,7 @@ QByteArray references(int count)
     QByteArray boxes;
     for (; count > 0; count -= 60'000) {
         const int some = qMin(count, 60'000);
-        boxes += box("dimg", big(quint16(1)) + big(quint16(some)) + QByteArray(some * 2, '\0'));
+        boxes += box("dimg", big16(1) + big16(some) + QByteArray(some * 2, '\0'));
     }
     return fullBox("iref", boxes);
 }
@@ -58,8 +50,8 @@ QByteArray fileOf(const QByteArray &extents, int extentCount, const QByteArray &
                   const QByteArray &links)
 {
     const QByteArray info = box("infe", QByteArray("\2\0\0\0\0\1\0\0hvc1\0", 13));
-    const QByteArray location = QByteArray("\x44\0\0\1\0\1\0\0", 8) + big(quint16(extentCount)) + extents;
-    return fullBox("meta", fullBox("pitm", big(quint16(1))) + fullBox("iinf", big(quint16(1)) + info) +
+    const QByteArray location = QByteArray("\x44\0\0\1\0\1\0\0", 8) + big16(extentCount) + extents;
+    return fullBox("meta", fullBox("pitm", big16(1)) + fullBox("iinf", big16(1) + info) +
                                fullBox("iloc", location) + box("iprp", box("ipco", property) + links));
 }
 
@@ -77,7 +69,7 @@ class HeifItemsTest : public QObject
 {
     Q_OBJECT
 
-    struct LinksAreCountedRow {
+    struct Links {
         Text name;
         QByteArray property;
         bool isReference;
@@ -86,13 +78,13 @@ class HeifItemsTest : public QObject
 private Q_SLOTS:
     void linksAreCounted_data()
     {
-        addRow<LinksAreCountedRow>({"configurations", box("hvcC", QByteArray(100'000, 'x')), false});
-        addRow<LinksAreCountedRow>({"references", box("irot", "\1"), true});
+        addRows<Links>({{"configurations", box("hvcC", QByteArray(100'000, 'x')), false},
+                        {"references", box("irot", "\1"), true}});
     }
 
     void linksAreCounted()
     {
-        auto [name, property, isReference] = currentRow<LinksAreCountedRow>();
+        auto [name, property, isReference] = currentRow<Links>();
         const auto withLinks = [&](int count) {
             const QByteArray whole =
                 fileOf({}, 0, property, isReference ? associations(1) : associations(count));
@@ -126,7 +118,7 @@ private Q_SLOTS:
     {
         // "abc", nothing, "f", "de"
         const QByteArray text = "abcdef";
-        const auto extent = [](quint32 offset, quint32 length) { return big(offset) + big(length); };
+        const auto extent = [](quint32 offset, quint32 length) { return big32(offset) + big32(length); };
         const QByteArray extents = extent(0, 3) + extent(2, 0) + extent(5, 1) + extent(3, 2);
         const auto items = readFrom(fileOf(extents, 4, box("irot", "\1"), associations(1)));
         QVERIFY(items);

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "support/testpictures.h"
 #include "ui/browser/filepromise.h"
 #include "ui/browser/imagebrowserdelegate.h"
 #include "ui/browser/imagebrowsersource.h"
@@ -28,14 +29,13 @@ public:
 
     static QImage thumbnail(const QColor &color)
     {
-        QImage image(400, 300, QImage::Format_RGB32);
-        image.fill(color);
+        QImage image = flatPicture({400, 300}, color);
         QPainter(&image).fillRect(0, 200, 400, 100, Qt::white);
         return image;
     }
 
     int count() const override { return static_cast<int>(images.size()); }
-    QString filename(int index) const override { return QStringLiteral("photo%1").arg(index); }
+    QString filename(int index) const override { return u"photo%1"_qs.arg(index); }
     QImage thumbnail(int index, ThumbnailKind kind) const override
     {
         if (kind == ThumbnailKind::Original)
@@ -71,7 +71,7 @@ public:
         : m_log(log)
     {
         for (qsizetype i = 0; i < count; ++i)
-            m_names.append(QStringLiteral("image%1").arg(i));
+            m_names.append(u"image%1"_qs.arg(i));
     }
     QStringList names() const override { return m_names; }
     Outcome makeFiles(const QString &folder, const std::function<bool()> &isUnwanted) override
@@ -83,7 +83,7 @@ public:
         m_log.wasUnwanted = isUnwanted();
         Outcome outcome;
         for (const QString &name : m_names) {
-            QFile file(folder + QLatin1Char('/') + name);
+            QFile file(folder + u'/' + name);
             if (isUnwanted() || !file.open(QIODevice::WriteOnly) || file.write("photo") != 5)
                 outcome.failures.append(name);
         }
@@ -96,7 +96,7 @@ public:
         m_log.savedInto = folder;
         return true;
     }
-    QStringList imageTypes() const override { return {QStringLiteral("image/png")}; }
+    QStringList imageTypes() const override { return {u"image/png"_qs}; }
     QByteArray image(const QString &, QStringList &) override { return "png"; }
 
 private:
@@ -110,7 +110,7 @@ class Recorder final : public ImageBrowserDelegate
 public:
     QStringList log;
     /// All calls since the last time.
-    QByteArray take() { return std::exchange(log, {}).join(QStringLiteral("; ")).toUtf8(); }
+    QByteArray take() { return std::exchange(log, {}).join(u"; "_qs).toUtf8(); }
     bool allowsDrags = true;
     FakePromise::Log files; ///< of the promises, which have two files for each image
 
@@ -122,7 +122,7 @@ public:
     void deletePressed() override { add("delete"); }
     void returnPressed() override { add("return"); }
     void focusImageDoubleClicked() override { add("double"); }
-    void receivedDraggedFiles(const QStringList &p) override { add("files %1", p.join(QLatin1Char(','))); }
+    void receivedDraggedFiles(const QStringList &p) override { add("files %1", p.join(u',')); }
     void movedIndexes(const QList<int> &i, int to) override
     {
         add("moved %1>%2", text(i), QString::number(to));
@@ -153,7 +153,7 @@ private:
         QStringList words;
         for (const int index : indexes)
             words.append(QString::number(index));
-        return words.join(QLatin1Char(','));
+        return words.join(u',');
     }
     template<class... Values>
     void add(const char *what, const Values &...values)

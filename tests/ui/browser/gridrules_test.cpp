@@ -41,10 +41,10 @@ BrowserSelection played(const QString &steps)
 {
     BrowserSelection selection;
     selection.setCount(10);
-    for (QString word : steps.split(QLatin1Char(' '))) {
+    for (QString word : steps.split(u' ')) {
         Mode mode = Mode::Replace;
-        if (word.startsWith(QLatin1Char('+')) || word.startsWith(QLatin1Char('^'))) {
-            mode = word.at(0) == QLatin1Char('+') ? Mode::Extend : Mode::Range;
+        if (word.startsWith(u'+') || word.startsWith(u'^')) {
+            mode = word.at(0) == u'+' ? Mode::Extend : Mode::Range;
             word.remove(0, 1);
         }
         const int number = word.mid(1).toInt();

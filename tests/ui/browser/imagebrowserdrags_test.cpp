@@ -31,7 +31,7 @@ private:
         pointer.moveTo(from);
         pointer.press();
         pointer.moveTo(from + QPoint(15, 5));
-        pointer.waitFor([this] { return m_delegate->log.contains(QStringLiteral("promised 0")); });
+        pointer.waitFor([this] { return m_delegate->log.contains(u"promised 0"_qs); });
         pointer.moveTo((from + to) / 2);
         pointer.moveTo(to - QPoint(2, 2));
         pointer.moveTo(to);
@@ -88,7 +88,7 @@ private Q_SLOTS:
 
     void directSave()
     {
-        const QByteArray url = QUrl::fromLocalFile(m_folder.path(QStringLiteral("image0"))).toEncoded();
+        const QByteArray url = QUrl::fromLocalFile(m_folder.path("image0")).toEncoded();
         // Its own place; one that does not exist; one of another machine; one that is no file.
         for (const QByteArray &place :
              {url, QByteArray("file:///does/not/exist/image0"), QByteArray("file://elsewhere/tmp/image0"),
@@ -122,13 +122,13 @@ private Q_SLOTS:
         const QWidget *viewport = m_view->viewport();
         QVERIFY(drag(viewport->mapToGlobal(QPoint(300, viewport->height() - 5)),
                      [&] { return m_view->verticalScrollBar()->value() > 50; }));
-        QTRY_VERIFY(m_delegate->log.last().startsWith(QLatin1String("moved 0>")));
+        QTRY_VERIFY(m_delegate->log.last().startsWith(u"moved 0>"));
         QVERIFY(m_delegate->log.last().mid(8).toInt() > 20);
         QCOMPARE(m_files->made.load(), 0);
         // A drag to a place that accepts nothing.
         m_view->verticalScrollBar()->setValue(0);
         QVERIFY(drag(QPoint(1200, 700), [] { return true; }));
-        QCOMPARE(m_delegate->log.last(), QStringLiteral("promised 0"));
+        QCOMPARE(m_delegate->log.last(), u"promised 0"_qs);
         QCOMPARE(m_files->made.load(), 0);
     }
 

@@ -4,12 +4,12 @@
 
 #include "support/datarows.h"
 #include "support/testenvironment.h"
+#include "support/testpictures.h"
 #include "ui/browser/gridfakes.h"
 #include "ui/browser/imagebrowserview.h"
 #include "ui/browser/promisedfiles.h"
 #include "ui/widgets/filedrops.h"
 
-#include <QAbstractEventDispatcher>
 #include <QAccessible>
 #include <QApplication>
 #include <QDialog>
@@ -18,12 +18,10 @@
 #include <QDropEvent>
 #include <QMenu>
 #include <QNativeGestureEvent>
-#include <QPointer>
 #include <QPointingDevice>
 #include <QProcess>
 #include <QScrollBar>
 #include <QTest>
-#include <QTimer>
 #include <QUrl>
 #include <QWheelEvent>
 
@@ -77,6 +75,24 @@ struct Grid {
     ImageBrowserView view;
 };
 
+/// Drags data over a widget. @return the action of an accepted enter event
+Qt::DropAction entered(QWidget *where, const QMimeData *data, QPoint at, Qt::DropActions actions)
+{
+    QDragEnterEvent event(at, actions, data, Qt::LeftButton, {});
+    QApplication::sendEvent(where, &event);
+    return event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
+}
+
+/// The same, and drops them where they are accepted. @return the action of the drop
+Qt::DropAction dropped(QWidget *where, const QMimeData *data, QPoint at, Qt::DropActions actions)
+{
+    if (entered(where, data, at, actions) == Qt::IgnoreAction)
+        return Qt::IgnoreAction;
+    QDropEvent event(at, actions, data, Qt::NoButton, {});
+    QApplication::sendEvent(where, &event);
+    return event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
+}
+
 } // namespace
 
 class ImageBrowserViewTest : public QObject
@@ -104,7 +120,7 @@ private Q_SLOTS:
         grid.click(5, Qt::ControlModifier);
         grid.delegate.take();
         QMenu menu;
-        menu.addAction(QStringLiteral("Remove"));
+        menu.addAction(u"Remove"_qs);
         grid.view.setContextMenu(&menu);
         const auto rightClick = [&](QPoint at) {
             QTest::mouseClick(grid.view.viewport(), Qt::RightButton, {}, at);
@@ -347,9 +363,9 @@ private Q_SLOTS:
             for (const char *factor : {"2", "1.5"}) {
                 QProcess scaled;
                 QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-                environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QLatin1String(factor));
+                environment.insert(u"QT_SCALE_FACTOR"_qs, QLatin1String(factor));
                 scaled.setProcessEnvironment(environment);
-                scaled.start(QCoreApplication::applicationFilePath(), {QStringLiteral("drawsDevicePixels")});
+                scaled.start(QCoreApplication::applicationFilePath(), {u"drawsDevicePixels"_qs});
                 QVERIFY(scaled.waitForFinished(60'000));
                 QVERIFY2(scaled.exitCode() == 0, scaled.readAllStandardOutput().constData());
             }
@@ -357,8 +373,7 @@ private Q_SLOTS:
         Grid grid;
         const double ratio = grid.view.devicePixelRatioF();
         QCOMPARE(ratio, std::max(1.0, qEnvironmentVariable("QT_SCALE_FACTOR").toDouble()));
-        QImage square(500, 500, QImage::Format_RGB32);
-        square.fill(Qt::magenta);
+        const QImage square = flatPicture({500, 500}, Qt::magenta);
         grid.images->images[8] = square;
         grid.view.viewport()->repaint();
         const QImage drawn = grid.view.viewport()->grab().toImage();
@@ -374,10 +389,7 @@ private Q_SLOTS:
         QVERIFY((QPointF(place.center()) - ratio * (cell.center() - QPointF(0, 5))).manhattanLength() <= 3);
 
         // A picture of this size is not scaled, so not one of its pixels is lost.
-        QImage noise(place.size(), QImage::Format_RGB32);
-        for (int y = 0; y < noise.height(); ++y)
-            for (int x = 0; x < noise.width(); ++x)
-                noise.setPixel(x, y, qRgb(x * 37 % 256, y * 59 % 256, x * y % 256));
+        const QImage noise = randomPicture(place.size());
         grid.images->images[8] = noise.mirrored();
         const auto isShown = [&] {
             QImage now = grid.view.viewport()->grab().toImage().copy(place);
@@ -394,7 +406,7 @@ private Q_SLOTS:
         grid.delegate.take();
         grid.view.setImages(grid.images);
         QCOMPARE(grid.delegate.take(), QByteArray());
-        // A shorter list takes the selection along, even when it was drawn before anybody said so.
+        // A shorter list shortens the selection, even if it is drawn before the view is notified.
         grid.images->images.resize(3);
         grid.view.viewport()->repaint();
         QCOMPARE(grid.delegate.take(), QByteArray("selected; focus -1<19"));
@@ -427,18 +439,6 @@ private Q_SLOTS:
             QTest::mouseRelease(viewport, Qt::LeftButton, {}, grid.middle(from) + QPoint(20, 20));
             return viewport->findChild<QDrag *>();
         };
-        const auto enter = [&](QWidget *where, const QMimeData *data, QPoint at, Qt::DropActions actions) {
-            QDragEnterEvent event(at, actions, data, Qt::LeftButton, Qt::NoModifier);
-            QApplication::sendEvent(where, &event);
-            return event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
-        };
-        const auto drop = [&](const QMimeData *data, QPoint at, Qt::DropActions actions) {
-            if (enter(viewport, data, at, actions) == Qt::IgnoreAction)
-                return Qt::IgnoreAction;
-            QDropEvent event(at, actions, data, Qt::NoButton, Qt::NoModifier);
-            QApplication::sendEvent(viewport, &event);
-            return event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
-        };
         const Qt::DropActions both = Qt::CopyAction | Qt::MoveAction;
         const QPoint before10 = grid.middle(10) - QPoint(30, 0);
         const auto barLightness = [&] {
@@ -452,21 +452,21 @@ private Q_SLOTS:
         QVERIFY(drag->pixmap().width() > 100);
         QCOMPARE(grid.delegate.take(), QByteArray("focus 3<4; promised 3,4"));
         const int gap = barLightness();
-        QCOMPARE(enter(viewport, drag->mimeData(), before10, both), Qt::MoveAction);
+        QCOMPARE(entered(viewport, drag->mimeData(), before10, both), Qt::MoveAction);
         QVERIFY(barLightness() > gap + 20);
-        QCOMPARE(drop(drag->mimeData(), before10, both), Qt::MoveAction);
+        QCOMPARE(dropped(viewport, drag->mimeData(), before10, both), Qt::MoveAction);
         QCOMPARE(barLightness(), gap);
         QCOMPARE(grid.delegate.take(), QByteArray("moved 3,4>10"));
-        QCOMPARE(drop(drag->mimeData(), before10, Qt::CopyAction), Qt::CopyAction);
+        QCOMPARE(dropped(viewport, drag->mimeData(), before10, Qt::CopyAction), Qt::CopyAction);
         QCOMPARE(grid.delegate.take(), QByteArray("copied 3,4>10"));
         grid.view.setAllowCopying(false);
-        QCOMPARE(drop(drag->mimeData(), before10, Qt::CopyAction), Qt::IgnoreAction);
+        QCOMPARE(dropped(viewport, drag->mimeData(), before10, Qt::CopyAction), Qt::IgnoreAction);
 
         // Another grid does not know what the indexes mean, nor does this one when the list has changed.
-        QCOMPARE(enter(other.view.viewport(), drag->mimeData(), before10, both), Qt::IgnoreAction);
+        QCOMPARE(entered(other.view.viewport(), drag->mimeData(), before10, both), Qt::IgnoreAction);
         grid.images->images.append(Colors::thumbnail(Qt::red));
         grid.view.fullRefresh();
-        QCOMPARE(drop(drag->mimeData(), before10, both), Qt::IgnoreAction);
+        QCOMPARE(dropped(viewport, drag->mimeData(), before10, both), Qt::IgnoreAction);
         QCOMPARE(grid.delegate.take(), QByteArray());
 
         grid.delegate.allowsDrags = false;
@@ -477,32 +477,25 @@ private Q_SLOTS:
     {
         Grid grid;
         const auto drop = [&](const QMimeData &data, Qt::DropActions actions) {
-            QDragEnterEvent enter({50, 50}, actions, &data, Qt::LeftButton, {});
-            QApplication::sendEvent(grid.view.viewport(), &enter);
-            if (!enter.isAccepted())
-                return Qt::IgnoreAction;
-            QDropEvent event({50, 50}, actions, &data, Qt::LeftButton, {});
-            QApplication::sendEvent(grid.view.viewport(), &event);
-            return event.dropAction();
+            return dropped(grid.view.viewport(), &data, {50, 50}, actions);
         };
         QMimeData files;
-        files.setUrls(
-            {QUrl(QStringLiteral("file:///photos/a%20b.jpg")), QUrl(QStringLiteral("http://host/c.jpg"))});
+        files.setUrls({QUrl(u"file:///photos/a%20b.jpg"_qs), QUrl(u"http://host/c.jpg"_qs)});
         QCOMPARE(drop(files, Qt::CopyAction | Qt::MoveAction), Qt::CopyAction);
         QCOMPARE(grid.delegate.take(), QByteArray("files /photos/a b.jpg"));
         QCOMPARE(drop(files, Qt::MoveAction), Qt::IgnoreAction);
 
-        // The indexes of somebody else's grid mean nothing here, nor does what only pretends to be some.
+        // The indexes of another grid mean nothing here, nor do data that only pretend to be indexes.
         QMimeData foreign;
         foreign.setUrls(files.urls());
         foreign.setData(kPhotoSelectionType, "\xff\xff\xff\xff nonsense");
         QCOMPARE(drop(foreign, Qt::CopyAction | Qt::MoveAction), Qt::IgnoreAction);
         QCOMPARE(PromisedFiles::indexes(foreign), QList<int>());
         QMimeData link;
-        link.setUrls({QUrl(QStringLiteral("http://host/c.jpg"))});
+        link.setUrls({QUrl(u"http://host/c.jpg"_qs)});
         QCOMPARE(drop(link, Qt::CopyAction), Qt::IgnoreAction);
         QMimeData words;
-        words.setText(QStringLiteral("words"));
+        words.setText(u"words"_qs);
         QCOMPARE(drop(words, Qt::CopyAction), Qt::IgnoreAction);
         QCOMPARE(grid.delegate.take(), QByteArray());
     }
@@ -517,63 +510,37 @@ private Q_SLOTS:
             PromisedFiles files(std::make_unique<FakePromise>(6, log), folders, PromisedFiles::Use::Drag,
                                 {1, 5, 6});
             QVERIFY(files.hasUrls());
-            QVERIFY(files.formats().contains(QStringLiteral("image/png")));
+            QVERIFY(files.formats().contains(u"image/png"_qs));
             QCOMPARE(PromisedFiles::indexes(files), (QList<int>{1, 5, 6}));
-            QCOMPARE(files.data(QStringLiteral("text/html")), QByteArray());
+            QCOMPARE(files.data(u"text/html"_qs), QByteArray());
             QCOMPARE(log.made.load(), 0);
 
             // Two presets, three images: six files, made once.
             const QList<QUrl> urls = files.urls();
             QCOMPARE(urls.size(), 6);
             for (int i = 0; i < 6; ++i) {
-                QCOMPARE(urls.at(i).fileName(), QStringLiteral("image%1").arg(i));
+                QCOMPARE(urls.at(i).fileName(), u"image%1"_qs.arg(i));
                 QVERIFY(QFileInfo(urls.at(i).toLocalFile()).size() == 5);
             }
             folder = QFileInfo(urls.first().toLocalFile()).path();
-            QCOMPARE(QFileInfo(folder + QStringLiteral("/..")).permissions() & 0x77, QFile::Permissions());
+            QCOMPARE(QFileInfo(folder + u"/.."_qs).permissions() & 0x77, QFile::Permissions());
             QCOMPARE(files.urls(), urls);
             files.dropped();
-            QCOMPARE(files.data(QStringLiteral("image/png")), QByteArray()); // the files are what is dragged
+            QCOMPARE(files.data(u"image/png"_qs), QByteArray()); // the files are what is dragged
             QCOMPARE(log.made.load(), 1);
 
-            // What was left behind by a program that was killed goes; ours does not, nor does what a link
-            // shows.
-            const QString prefix =
-                m_folder.path(QCoreApplication::applicationName() + QStringLiteral("-copies-"));
-            QVERIFY(QDir().mkpath(prefix + QStringLiteral("abcdef/1/image0")));
-            QVERIFY(QDir().mkpath(m_folder.path(QStringLiteral("somebody's/photos"))));
-            QVERIFY(
-                QFile::link(m_folder.path(QStringLiteral("somebody's")), prefix + QStringLiteral("ghijkl")));
+            // Folders of a killed program are removed, but neither ours nor the target of a link.
+            const QString prefix = m_folder.path(QCoreApplication::applicationName() + u"-copies-"_qs);
+            QVERIFY(QDir().mkpath(prefix + u"abcdef/1/image0"_qs));
+            QVERIFY(QDir().mkpath(m_folder.path("somebody's/photos")));
+            QVERIFY(QFile::link(m_folder.path("somebody's"), prefix + u"ghijkl"_qs));
             QCOMPARE(PrivateFolders::removeLeftovers(), 1);
-            QVERIFY(!QFileInfo::exists(prefix + QStringLiteral("abcdef")));
-            QVERIFY(QFileInfo::exists(m_folder.path(QStringLiteral("somebody's/photos"))));
+            QVERIFY(!QFileInfo::exists(prefix + u"abcdef"_qs));
+            QVERIFY(QFileInfo::exists(m_folder.path("somebody's/photos")));
             QVERIFY(QFileInfo::exists(urls.first().toLocalFile()));
         }
         QVERIFY(!QFileInfo::exists(folder));
         qunsetenv("TMPDIR");
-    }
-
-    /// Where a drag ends while its files are written, the data are deleted, and no further file is written.
-    void filesAbandoned()
-    {
-        FakePromise::Log log;
-        log.mayGoOn = false;
-        const QPointer files =
-            new PromisedFiles(std::make_unique<FakePromise>(2, log), std::make_shared<PrivateFolders>(),
-                              PromisedFiles::Use::Drag);
-        QObject context;
-        // As by the window system: inside the loop that waits, but outside every event.
-        connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &context, [&] {
-            if (log.made > 0 && files)
-                files->deleteLater();
-        });
-        bool isAnswered = false;
-        QTimer::singleShot(0, &context,
-                           [&] { isAnswered = files->data(QStringLiteral("text/uri-list")).isEmpty(); });
-        QTRY_VERIFY(isAnswered);
-        QVERIFY(!files && log.wasUnwanted);
-        QCOMPARE(log.failures.size(), 1);
-        QVERIFY(!QFileInfo::exists(log.folder));
     }
 
     void screenReaders()
@@ -586,7 +553,7 @@ private Q_SLOTS:
         QCOMPARE(list->childCount(), 20);
         QVERIFY(!list->child(20));
         QAccessibleInterface *cell = list->child(4);
-        QCOMPARE(cell->text(QAccessible::Name), QStringLiteral("photo4"));
+        QCOMPARE(cell->text(QAccessible::Name), u"photo4"_qs);
         QCOMPARE(cell->parent(), list);
         QCOMPARE(list->indexOfChild(cell), 4);
         const QPoint middle = grid.view.viewport()->mapToGlobal(grid.middle(4));

@@ -24,18 +24,23 @@ using namespace plexa::test;
 namespace
 {
 
+std::shared_ptr<WPreset> textPreset(const FontCatalog &fonts)
+{
+    WPresetValues values = WPresetValues::forNewPreset(fonts);
+    values.textTokens = {u"mark"_qs};
+    return std::make_shared<WPreset>(values);
+}
+
 /// A set of photos a to f in a shown grid.
 struct Browser {
     Browser()
     {
-        WPresetValues values = WPresetValues::forNewPreset(work.fonts);
-        values.textTokens = {QStringLiteral("mark")};
-        app.appliedPresets().setQuickWPreset(std::make_shared<WPreset>(values));
+        app.appliedPresets().setQuickWPreset(textPreset(work.fonts));
         view.resize(700, 500);
         view.show();
         QStringList paths;
-        for (const char *name : {"a.png", "b.png", "c.png", "d.png", "e.png", "f.png"})
-            paths.append(work.photo(QLatin1String(name)));
+        for (const QString &name : words("a.png b.png c.png d.png e.png f.png"))
+            paths.append(work.photo(name));
         app.gathering().scanImagesAtPaths(paths);
     }
 
@@ -80,18 +85,18 @@ private Q_SLOTS:
 
         // Dragged to the end, they stay selected, and the focus stays on its photo.
         browser.controller.movedIndexes({1, 2, 3}, 6);
-        QCOMPARE(shownNames(browser.set), QStringLiteral("a e f b c d"));
+        QCOMPARE(shownNames(browser.set), u"a e f b c d"_qs);
         QVERIFY(browser.isSelected({3, 4, 5}, 5));
-        QCOMPARE(browser.view.filename(5), QStringLiteral("d"));
+        QCOMPARE(browser.view.filename(5), u"d"_qs);
 
         browser.set.selection().selectIndexes({0, 4});
         QVERIFY(browser.isSelected({0, 4}, 0));
         QTest::keyClick(&browser.view, Qt::Key_Delete);
-        QCOMPARE(shownNames(browser.set), QStringLiteral("e f b d"));
+        QCOMPARE(shownNames(browser.set), u"e f b d"_qs);
         QCOMPARE(browser.view.numberImages(), 4);
         QVERIFY(browser.isSelected({0}, 0));
 
-        browser.set.filterImages(QStringLiteral("B"));
+        browser.set.filterImages(u"B"_qs);
         QCOMPARE(browser.view.numberImages(), 1);
         QVERIFY(browser.isSelected({}, -1));
         browser.click(0);
@@ -132,15 +137,15 @@ private Q_SLOTS:
     void copiesForOthers()
     {
         QClipboard *clipboard = QGuiApplication::clipboard();
-        clipboard->setText(QStringLiteral("words"));
+        clipboard->setText(u"words"_qs);
         auto keeper = std::make_unique<Browser>();
         Browser &browser = *keeper;
         QVERIFY(browser.isReady());
         browser.controller.copy();
-        QCOMPARE(clipboard->text(), QStringLiteral("words")); // nothing was selected
+        QCOMPARE(clipboard->text(), u"words"_qs); // nothing was selected
         browser.set.selection().selectIndexes({0, 2});
         QTest::keyClick(&browser.view, Qt::Key_C, Qt::ControlModifier);
-        QVERIFY(clipboard->mimeData()->hasFormat(QStringLiteral("image/png")));
+        QVERIFY(clipboard->mimeData()->hasFormat(u"image/png"_qs));
         const QList<QUrl> urls = clipboard->mimeData()->urls();
         QCOMPARE(urls.size(), 2);
         QCOMPARE(QImage(urls.last().toLocalFile()).size(), QSize(64, 48));
@@ -156,7 +161,7 @@ private Q_SLOTS:
             });
         });
         const bool isShown = QTest::qWaitFor([&] {
-            return browser.app.statusManager().line().text == QStringLiteral("Processing images...") &&
+            return browser.app.statusManager().line().text == u"Processing images..."_qs &&
                    browser.app.statusManager().line().canBeStopped;
         });
         browser.app.stopAllOperations();
@@ -164,7 +169,7 @@ private Q_SLOTS:
         mayGoOn.notify_all();
         making.join();
         QVERIFY(isShown && outcome.isStopped && outcome.failures.isEmpty());
-        QVERIFY(!QFile::exists(browser.work.folder.path(QStringLiteral("image5"))));
+        QVERIFY(!QFile::exists(browser.work.folder.path("image5")));
         QTRY_VERIFY(!browser.app.statusManager().line().canBeStopped);
 
         // A file that has gone is reported, later.
@@ -178,14 +183,14 @@ private Q_SLOTS:
         QTRY_COMPARE(failures.size(), 1);
 
         // Into a folder of another program, the batch save writes them, and that folder becomes the user's.
-        const QString folder = browser.work.folder.path(QStringLiteral("target"));
+        const QString folder = browser.work.folder.path("target");
         QSignalSpy saved(&browser.app.batchSave(), &BatchSave::finished);
         auto dropped = browser.controller.promisedFiles({0, 2});
         QVERIFY(dropped->canSaveInto() && dropped->saveInto(folder));
         QVERIFY(!dropped->saveInto(browser.work.folder.path())); // one at a time
         QCOMPARE(browser.work.defaults.stringForKey(settings::savingDirectory), folder);
         QVERIFY(saved.wait());
-        QCOMPARE(QDir(folder).entryList({QStringLiteral("[ac]*.jpg")}, QDir::Files).size(), 2);
+        QCOMPARE(QDir(folder).entryList({u"[ac]*.jpg"_qs}, QDir::Files).size(), 2);
         QTRY_COMPARE(failures.size(), 2);
 
         // Without watermarks there is nothing to copy, nor is what was copied before.
@@ -213,7 +218,7 @@ private Q_SLOTS:
         QFile photo(browser.set.imagesFiltered()->front()->path());
         QVERIFY(photo.open(QIODevice::ReadWrite));
         QVERIFY(photo.setFileTime(QDate(2001, 2, 3).startOfDay(), QFileDevice::FileModificationTime));
-        const QString copy = browser.work.folder.path(QStringLiteral("image0"));
+        const QString copy = browser.work.folder.path("image0");
         for (const bool keeps : {true, false}) {
             browser.work.defaults.setObject(settings::exportPreserveOriginalFileCreationDate, keeps);
             auto promise = browser.controller.promisedFiles({0});
@@ -228,21 +233,19 @@ private Q_SLOTS:
     {
         WorkingSet work;
         AppController app({work.photos, work.defaults, work.alerts, work.store, 2});
-        WPresetValues values = WPresetValues::forNewPreset(work.fonts);
-        values.textTokens = {QStringLiteral("mark")};
-        app.appliedPresets().setQuickWPreset(std::make_shared<WPreset>(values));
+        app.appliedPresets().setQuickWPreset(textPreset(work.fonts));
         MainWindow window({app, work.defaults, work.alerts, 2});
         for (int i = 0; i < 12; ++i)
-            app.imageSet().addImage(work.brokenPhoto(QStringLiteral("%1.png").arg(i)), {});
+            app.imageSet().addImage(work.brokenPhoto(u"%1.png"_qs.arg(i)), {});
         app.imageSet().selection().selectAll();
         window.actions().run(ActionId::CopyImages);
-        work.alerts.expect(QStringLiteral("Not all copies could be written"));
+        work.alerts.expect(u"Not all copies could be written"_qs);
         QCOMPARE(QGuiApplication::clipboard()->mimeData()->urls(), QList<QUrl>());
         QTRY_COMPARE(work.alerts.complaints(), QStringList());
-        const QStringList lines = work.alerts.shown().first().text.split(QLatin1Char('\n'));
+        const QStringList lines = work.alerts.shown().first().text.split(u'\n');
         QVERIFY(lines.size() > 3 && lines.size() < 12);
-        QVERIFY(lines.first().startsWith(work.folder.path(QStringLiteral("in/0.png: "))));
-        QCOMPARE(lines.last(), QStringLiteral("  ...and %1 more...").arg(13 - lines.size()));
+        QVERIFY(lines.first().startsWith(work.folder.path("in/0.png: ")));
+        QCOMPARE(lines.last(), u"  ...and %1 more..."_qs.arg(13 - lines.size()));
     }
 };
 

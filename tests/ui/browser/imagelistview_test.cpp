@@ -22,11 +22,11 @@ namespace
 /// A shown table of photos that all can be read.
 struct Fixture {
     explicit Fixture(int count)
-        : file(files.photo(QStringLiteral("photo.png")))
+        : file(files.photo("photo.png"))
     {
         set.setImageListModeToBrowser(false);
         for (int i = 0; i < count; ++i)
-            set.addImage(QStringLiteral("/photos/p%1.jpg").arg(i), file);
+            set.addImage(u"/photos/p%1.jpg"_qs.arg(i), file);
         view.resize(400, 300);
         view.show();
     }
@@ -109,10 +109,10 @@ private Q_SLOTS:
         QCOMPARE(f.viewRows(), IndexList({0, 1, 2}));
         QCOMPARE(f.view.model()->index(0, 0).data().toString(), (*f.set.images())[0]->path());
 
-        f.set.filterImages(QStringLiteral("P1"));
+        f.set.filterImages(u"P1"_qs);
         QCOMPARE(f.view.model()->rowCount(), 2); // p10 and p11; p1 is gone
         QCOMPARE(f.viewRows(), IndexList());
-        f.set.addImage(QStringLiteral("/photos/P1 again.jpg"), f.file);
+        f.set.addImage(u"/photos/P1 again.jpg"_qs, f.file);
         QCOMPARE(f.view.model()->rowCount(), 3);
         f.set.disableImageFilters();
         QTest::keyClick(&f.view, Qt::Key_A, Qt::ControlModifier);
@@ -135,11 +135,11 @@ private Q_SLOTS:
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         };
         const std::shared_ptr<ImageObject> image = f.set.images()->front();
-        rename(QStringLiteral("sea/side"), Qt::Key_Return); // a name, and no other folder
-        QCOMPARE(image->path(), QFileInfo(f.file).path() + QStringLiteral("/seaside.png"));
-        rename(QStringLiteral("other"), Qt::Key_Escape);
-        rename(QStringLiteral("  "), Qt::Key_Return);
-        QCOMPARE(image->filename(), QStringLiteral("seaside"));
+        rename(u"sea/side"_qs, Qt::Key_Return); // a name, and no other folder
+        QCOMPARE(image->path(), QFileInfo(f.file).path() + u"/seaside.png"_qs);
+        rename(u"other"_qs, Qt::Key_Escape);
+        rename(u"  "_qs, Qt::Key_Return);
+        QCOMPARE(image->filename(), u"seaside"_qs);
         QVERIFY(image->loadImageFromDisk()); // of the file, which has its name still
     }
 
@@ -148,7 +148,7 @@ private Q_SLOTS:
         Fixture f(0);
         QSignalSpy dropped(&f.view, &ImageListView::filesDropped);
         QMimeData mime;
-        mime.setUrls({QUrl::fromLocalFile(f.file), QUrl(QStringLiteral("https://www.example.com/a.jpg"))});
+        mime.setUrls({QUrl::fromLocalFile(f.file), QUrl(u"https://www.example.com/a.jpg"_qs)});
         const auto send = [&](auto &&event) {
             event.setDropAction(Qt::MoveAction);
             QCoreApplication::sendEvent(f.view.viewport(), &event);
@@ -170,7 +170,7 @@ private Q_SLOTS:
         QCOMPARE(send(QDragEnterEvent(at, actions, &own, Qt::LeftButton, {})), Qt::IgnoreAction);
 
         QMimeData text;
-        text.setText(QStringLiteral("not a file"));
+        text.setText(u"not a file"_qs);
         QCOMPARE(send(QDragEnterEvent(at, actions, &text, Qt::LeftButton, {})), Qt::IgnoreAction);
     }
 };

@@ -23,13 +23,10 @@ namespace
 struct Fixture {
     Fixture()
     {
-        registerDefaults(defaults);
-        for (const char *name : {"One", "Two", "Three", "Four"}) {
-            all.push_back(std::make_shared<WPreset>(WPresetValues{}));
-            all.back()->setName(QString::fromLatin1(name));
-        }
+        for (const QString &name : words("One Two Three Four"))
+            all.push_back(namedPreset(name));
         applied.modeDidChange(1);
-        store.wPresetList().append(all);
+        work.store.wPresetList().append(all);
         panel.resize(300, 600);
         panel.show();
     }
@@ -47,20 +44,10 @@ struct Fixture {
             QTest::mouseDClick(view.viewport(), Qt::LeftButton, modifiers, at);
     }
 
-    QString appliedNames() const
-    {
-        QStringList names;
-        for (const auto &preset : applied.wPresetsApplied())
-            names.append(preset->name());
-        return names.join(QLatin1Char(' '));
-    }
+    QString appliedNames() const { return names(applied.wPresetsApplied()); }
 
-    TestFolder folder;
-    UserDefaults defaults{QStringLiteral("Quorvel"), QStringLiteral("Plexa")};
-    ScriptedAlerts alerts;
-    FontCatalog fonts;
-    PresetsStore store{alerts, fonts};
-    AppliedPresets applied{defaults};
+    WorkingSet work;
+    AppliedPresets applied{work.defaults};
     WPresetList all;
     QWidget owner;
     CommandActions actions{&owner, [this] {
@@ -69,7 +56,7 @@ struct Fixture {
                                    static_cast<qsizetype>(panel.selectedWPresets().size());
                                return state;
                            }};
-    PresetsPanel panel{applied, store, actions};
+    PresetsPanel panel{applied, work.store, actions};
 };
 
 } // namespace
@@ -83,15 +70,13 @@ private Q_SLOTS:
     {
         Fixture f;
         QVERIFY(f.table("wPresetsAllTable").isVisible());
-        QTest::mouseClick(f.panel.findChild<QPushButton *>(QStringLiteral("singleModeButton")),
-                          Qt::LeftButton);
+        QTest::mouseClick(f.panel.findChild<QPushButton *>(u"singleModeButton"_qs), Qt::LeftButton);
         QVERIFY(f.applied.isInSingleMode());
         QVERIFY(f.panel.quickWPresetContainer()->isVisible());
         QVERIFY(!f.table("wPresetsAllTable").isVisible());
-        QVERIFY(!(f.panel.findChild<QWidget *>(QStringLiteral("presetsModeButton"))->focusPolicy() &
-                  Qt::TabFocus));
+        QVERIFY(!(f.panel.findChild<QWidget *>(u"presetsModeButton"_qs)->focusPolicy() & Qt::TabFocus));
         f.applied.modeDidChange(1); // by the menu
-        QVERIFY(f.panel.findChild<QPushButton *>(QStringLiteral("presetsModeButton"))->isChecked());
+        QVERIFY(f.panel.findChild<QPushButton *>(u"presetsModeButton"_qs)->isChecked());
         QVERIFY(f.table("wPresetsAllTable").isVisible());
     }
 
@@ -106,22 +91,23 @@ private Q_SLOTS:
         QTest::keyClick(&all, Qt::Key_Return);
         Fixture::mouse(all, 0, false);
         Fixture::mouse(all, 1, false, Qt::ShiftModifier);
-        f.store.wPresetList().append({std::make_shared<WPreset>(WPresetValues{})}); // the selection stays
+        f.work.store.wPresetList().append(
+            {std::make_shared<WPreset>(WPresetValues{})}); // the selection stays
         QTest::keyClick(&all, Qt::Key_Return);
-        QCOMPARE(f.appliedNames(), QStringLiteral("Two Four One"));
+        QCOMPARE(f.appliedNames(), u"Two Four One"_qs);
         QCOMPARE(applied.model()->rowCount(), 3);
 
         f.applied.selectNeighborAppliedPreset(AppliedPresets::Neighbor::Previous);
         QCOMPARE(applied.selectedRows(), IndexList({2}));
         f.applied.selectNeighborAppliedPreset(AppliedPresets::Neighbor::Next);
         QCOMPARE(applied.selectedRows(), IndexList({0}));
-        f.all[1]->setName(QStringLiteral("2"));
-        QCOMPARE(applied.model()->index(0, 0).data().toString(), QStringLiteral("2"));
+        f.all[1]->setName(u"2"_qs);
+        QCOMPARE(applied.model()->index(0, 0).data().toString(), u"2"_qs);
 
         Fixture::mouse(applied, 2, false, Qt::ControlModifier);
         QCOMPARE(f.applied.selectedRows(), IndexList({0, 2}));
         QTest::keyClick(&applied, Qt::Key_Delete);
-        QCOMPARE(f.appliedNames(), QStringLiteral("Four"));
+        QCOMPARE(f.appliedNames(), u"Four"_qs);
         QCOMPARE(f.applied.selectedRows(), IndexList());
     }
 
@@ -153,7 +139,7 @@ private Q_SLOTS:
         QCOMPARE(rowsDropped.count(), 0);
 
         QMimeData broken;
-        broken.setData(QStringLiteral("draggedPrests"), QByteArray("\x7f\xff\xff\xff\x00", 5));
+        broken.setData(u"draggedPrests"_qs, QByteArray("\x7f\xff\xff\xff\x00", 5));
         QCOMPARE(PresetListModel::draggedRows(&broken), IndexList());
 
         // Two rows by the pointer below the last one.
@@ -175,7 +161,7 @@ private Q_SLOTS:
         pointer.release();
         QVERIFY(pointer.play());
         QTRY_COMPARE(rowsDropped.count(), 1);
-        QCOMPARE(f.appliedNames(), QStringLiteral("One Four Two Three"));
+        QCOMPARE(f.appliedNames(), u"One Four Two Three"_qs);
         QCOMPARE(applied.selectedRows(), IndexList({2, 3}));
     }
 };

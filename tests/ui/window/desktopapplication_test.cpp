@@ -47,7 +47,7 @@ private Q_SLOTS:
                 QTest::keyClick(&window, Qt::Key_Q, Qt::ControlModifier);
             };
             quit(0);
-            QCOMPARE(question, QStringLiteral("Photos are being saved"));
+            QCOMPARE(question, u"Photos are being saved"_qs);
             QVERIFY(window.isVisible() && controller.batchSave().isSavingInProgress());
             QVERIFY(QTest::qWaitForWindowActive(&window));
             QTimer::singleShot(0, this, [&] { quit(1); });

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/pictures.h"
+#include "support/bytes.h"
 #include "support/datarows.h"
 
 #include <QColor>
@@ -16,20 +17,26 @@ class Jp2ReaderTest : public QObject
 {
     Q_OBJECT
 
-    struct LimitsHoldRow {
+    struct File {
+        Text name;
+        QByteArray kind; ///< depth and format on the way
+        QByteArray options = {};
+    };
+
+    struct Limit {
         Text name;
         quint32 side;
         quint32 tile;
         Text reason;
     };
 
-    struct PaletteIsBoundedRow {
+    struct Palette {
         Text name;
         int columns;
         bool isRead;
     };
 
-    struct MemoryOfSmallFilesIsCountedRow {
+    struct Memory {
         Text name;
         int side;
         Text format;
@@ -37,29 +44,14 @@ class Jp2ReaderTest : public QObject
         bool isRead;
     };
 
-    void addFiles() const
+    /// Creates a file: `source` describes the picture to ImageMagick, its last word is the format in between.
+    QString compressed(const QString &name, const QByteArray &source, const QByteArray &options = "") const
     {
-        QTest::addColumn<QString>("path");
-        const QStringList noise{u"-size"_qs, u"151x97"_qs,          u"-seed"_qs,
-                                u"5"_qs,     u"plasma:red-blue"_qs, u"-depth"_qs};
-        const auto add = [this](const char *name, const QStringList &source, const QStringList &options) {
-            QTest::newRow(name) << compressed(QLatin1String(name), source, options);
-        };
-        add("rgb.jp2", noise + QStringList{u"8"_qs, u"ppm"_qs}, {});
-        add("deep.jp2", noise + QStringList{u"16"_qs, u"ppm"_qs}, {});
-        add("gray.jp2", noise + QStringList{u"8"_qs, u"pgm"_qs}, {});
-        add("lossy.j2k", noise + QStringList{u"8"_qs, u"ppm"_qs}, {u"-r"_qs, u"12"_qs, u"-I"_qs});
-        add("tiles.jp2", noise + QStringList{u"8"_qs, u"ppm"_qs}, {u"-t"_qs, u"40,33"_qs});
-        add("one resolution.jp2", noise + QStringList{u"8"_qs, u"ppm"_qs}, {u"-n"_qs, u"1"_qs});
-        add("moved.jp2", noise + QStringList{u"8"_qs, u"ppm"_qs}, {u"-d"_qs, u"13,7"_qs});
-    }
-    /// Makes a file: `source` tells ImageMagick what the picture is, its last word the format on the way.
-    QString compressed(const QString &name, const QStringList &source, const QStringList &options) const
-    {
-        const QString between = m_folder.path(u"between."_qs + source.constLast());
-        outputOf(magickConvert(), source.mid(0, source.size() - 1) + QStringList{between});
+        const QStringList picture = words(source.constData());
+        const QString between = m_folder.path(u"between."_qs + picture.constLast());
+        outputOf(magickConvert(), picture.mid(0, picture.size() - 1) + QStringList{between});
         const QString path = m_folder.path(name);
-        outputOf(u"opj_compress"_qs, QStringList{u"-i"_qs, between, u"-o"_qs, path} + options);
+        outputOf(u"opj_compress"_qs, words("-i %1 -o %2", between, path) + words(options));
         return path;
     }
 
@@ -68,18 +60,28 @@ class Jp2ReaderTest : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        QVERIFY(m_folder.isValid());
-        if (QStandardPaths::findExecutable(u"opj_compress"_qs).isEmpty() || magickConvert().isEmpty())
-            QSKIP("there is no opj_compress (libopenjp2-tools), or no ImageMagick");
+        PLEXA_NEEDS_PROGRAMS("opj_compress opj_decompress");
+        PLEXA_NEEDS_MAGICK();
     }
 
-    void colorsAreThoseOfTheLibrarysProgram_data() { addFiles(); }
+    void colorsAreThoseOfTheLibrarysProgram_data()
+    {
+        addRows<File>({{"rgb.jp2", "8 ppm"},
+                       {"deep.jp2", "16 ppm"},
+                       {"gray.jp2", "8 pgm"},
+                       {"lossy.j2k", "8 ppm", "-r 12 -I"},
+                       {"tiles.jp2", "8 ppm", "-t 40,33"},
+                       {"one resolution.jp2", "8 ppm", "-n 1"},
+                       {"moved.jp2", "8 ppm", "-d 13,7"}});
+    }
 
     void colorsAreThoseOfTheLibrarysProgram()
     {
-        QFETCH(QString, path);
-        const QString png = m_folder.path(u"expected.png"_qs);
-        outputOf(u"opj_decompress"_qs, {u"-i"_qs, path, u"-o"_qs, png});
+        const auto [name, kind, options] = currentRow<File>();
+        const QString path =
+            compressed(name, QByteArray("-size 151x97 -seed 5 plasma:red-blue -depth ") + kind, options);
+        const QString png = m_folder.path("expected.png");
+        outputOf("opj_decompress -i %1 -o %2", path, png);
         QString error;
         const QImage image = decoded(path, &error);
         QVERIFY2(!image.isNull(), qPrintable(error));
@@ -90,9 +92,7 @@ private Q_SLOTS:
 
     void opacityIsRead()
     {
-        const QString path = compressed(
-            u"alpha.jp2"_qs,
-            {u"-size"_qs, u"60x40"_qs, u"xc:rgba(200,100,50,0.4)"_qs, u"-depth"_qs, u"8"_qs, u"tif"_qs}, {});
+        const QString path = compressed(u"alpha.jp2"_qs, "-size 60x40 xc:rgba(200,100,50,0.4) -depth 8 tif");
         const auto source = ImageSource::open(path);
         QVERIFY(source);
         QVERIFY(source->info().rows.hasAlpha);
@@ -106,17 +106,16 @@ private Q_SLOTS:
 
     void limitsHold_data()
     {
-        addRow<LimitsHoldRow>({"pixels", 40000U, 40000U, "at most 1000 megapixels"});
-        addRow<LimitsHoldRow>({"memory", 30000U, 30000U, "MB of memory"});
-        addRow<LimitsHoldRow>({"tiles", 9000U, 1U, "damaged"});
-        addRow<LimitsHoldRow>({"no tile", 100U, 0U, "damaged"});
+        addRows<Limit>({{"pixels", 40000U, 40000U, "at most 1000 megapixels"},
+                        {"memory", 30000U, 30000U, "MB of memory"},
+                        {"tiles", 9000U, 1U, "damaged"},
+                        {"no tile", 100U, 0U, "damaged"}});
     }
 
     void limitsHold()
     {
-        auto [name, side, tile, reason] = currentRow<LimitsHoldRow>();
-        const QString path = compressed(
-            u"claim.j2k"_qs, {u"-size"_qs, u"60x40"_qs, u"plasma:"_qs, u"-depth"_qs, u"8"_qs, u"ppm"_qs}, {});
+        auto [name, side, tile, reason] = currentRow<Limit>();
+        const QString path = compressed(u"claim.j2k"_qs, "-size 60x40 plasma: -depth 8 ppm");
         QByteArray contents = contentsOf(path);
         QVERIFY(contents.size() > 60);
         for (const auto &[at, value] : {std::pair{8, side}, {12, side}, {24, tile}, {28, tile}})
@@ -127,22 +126,14 @@ private Q_SLOTS:
         QVERIFY2(error.contains(reason), qPrintable(error));
     }
 
-    void paletteIsBounded_data()
-    {
-        addRow<PaletteIsBoundedRow>({"colours", 3, true});
-        addRow<PaletteIsBoundedRow>({"most", 255, false});
-    }
+    void paletteIsBounded_data() { addRows<Palette>({{"colours", 3, true}, {"most", 255, false}}); }
 
     void paletteIsBounded()
     {
-        auto [name, columns, isRead] = currentRow<PaletteIsBoundedRow>();
-        const QString path =
-            compressed(u"palette.jp2"_qs,
-                       {u"-size"_qs, u"60x40"_qs, u"xc:black"_qs, u"-depth"_qs, u"8"_qs, u"pgm"_qs}, {});
+        auto [name, columns, isRead] = currentRow<Palette>();
+        const QString path = compressed(u"palette.jp2"_qs, "-size 60x40 xc:black -depth 8 pgm");
         const auto box = [](const char *type, const QByteArray &contents) {
-            QByteArray length(4, 0);
-            qToBigEndian(quint32(contents.size() + 8), length.data());
-            return length + type + contents;
+            return big32(contents.size() + 8) + type + contents;
         };
         QByteArray table("\0\2", 2), map; // two entries of a byte in each column
         table +=
@@ -171,26 +162,19 @@ private Q_SLOTS:
 
     void memoryOfSmallFilesIsCounted_data()
     {
-        addRow<MemoryOfSmallFilesIsCountedRow>({"usual", 1000, "1,8,u", {}, true});
-        addRow<MemoryOfSmallFilesIsCountedRow>(
-            {"small precincts",
-             1000,
-             "1,8,u",
-             {u"-n"_qs, u"1"_qs, u"-c"_qs, u"[2,2]"_qs, u"-b"_qs, u"4,4"_qs},
-             false});
-        addRow<MemoryOfSmallFilesIsCountedRow>(
-            {"few samples in the first component", 3000, "3,8,u@16x16:1x1:1x1", {}, false});
+        addRows<Memory>({{"usual", 1000, "1,8,u", {}, true},
+                         {"small precincts", 1000, "1,8,u", words("-n 1 -c [2,2] -b 4,4"), false},
+                         {"few samples in the first component", 3000, "3,8,u@16x16:1x1:1x1", {}, false}});
     }
 
     void memoryOfSmallFilesIsCounted()
     {
-        auto [name, side, format, options, isRead] = currentRow<MemoryOfSmallFilesIsCountedRow>();
-        const QString raw = m_folder.path(u"black.raw"_qs);
-        const QString path = m_folder.path(u"black.jp2"_qs);
+        auto [name, side, format, options, isRead] = currentRow<Memory>();
+        const QString raw = m_folder.path("black.raw");
+        const QString path = m_folder.path("black.jp2");
         QVERIFY(writeFile(raw, QByteArray(qsizetype(side) * side * 3, 0)));
         outputOf(u"opj_compress"_qs,
-                 QStringList{u"-i"_qs, raw, u"-o"_qs, path, u"-F"_qs, u"%1,%1,%2"_qs.arg(side).arg(format)} +
-                     options);
+                 words("-i %1 -o %2 -F %3,%3,%4", raw, path, QString::number(side), format) + options);
         const ReadLimits limits = {1'000'000'000, 60'000'000};
         QString error;
         QCOMPARE(!decoded(path, &error, limits).isNull(), isRead);

@@ -58,13 +58,13 @@ class PngReaderTest : public QObject
 {
     Q_OBJECT
 
-    struct SamplesAndTransparencyRow {
+    struct Samples {
         Text name;
         QByteArray file;
         bool hasAlpha;
     };
 
-    struct SmallInterlacedPicturesRow {
+    struct Small {
         Text name;
         QSize size;
     };
@@ -84,44 +84,42 @@ private Q_SLOTS:
         const QByteArray palette = pngChunk("PLTE", bytes(3 * 16));
         for (const int depth : {1, 2, 4, 8, 16}) {
             const int rowBytes = size.width() * depth / 8 * size.height();
-            addRow<SamplesAndTransparencyRow>(
+            addRow<Samples>(
                 {QString::asprintf("grey, %d bit", depth), png(size, depth, 0, bytes(rowBytes)), false});
             // In more than 8 bits only the whole number counts.
             const QByteArray level = depth == 16 ? bytes(4).mid(2) : QByteArray("\0\1", 2);
-            addRow<SamplesAndTransparencyRow>({QString::asprintf("grey, %d bit, transparent", depth),
-                                               png(size, depth, 0, bytes(rowBytes), pngChunk("tRNS", level)),
-                                               true});
+            addRow<Samples>({QString::asprintf("grey, %d bit, transparent", depth),
+                             png(size, depth, 0, bytes(rowBytes), pngChunk("tRNS", level)), true});
             if (depth < 8) {
                 const QByteArray few = pngChunk("PLTE", bytes(3 << depth));
-                addRow<SamplesAndTransparencyRow>({QString::asprintf("palette, %d bit", depth),
-                                                   png(size, depth, 3, bytes(rowBytes), few), false});
-                addRow<SamplesAndTransparencyRow>(
-                    {QString::asprintf("palette, %d bit, transparent", depth),
-                     png(size, depth, 3, bytes(rowBytes), few + pngChunk("tRNS", QByteArray("\0\x80", 2))),
-                     true});
+                addRows<Samples>(
+                    {{QString::asprintf("palette, %d bit", depth), png(size, depth, 3, bytes(rowBytes), few),
+                      false},
+                     {QString::asprintf("palette, %d bit, transparent", depth),
+                      png(size, depth, 3, bytes(rowBytes), few + pngChunk("tRNS", QByteArray("\0\x80", 2))),
+                      true}});
             }
             if (depth < 8)
                 continue;
-            addRow<SamplesAndTransparencyRow>(
+            addRow<Samples>(
                 {QString::asprintf("RGB, %d bit", depth), png(size, depth, 2, bytes(rowBytes * 3)), false});
             const QByteArray first = bytes(6);
             const QByteArray color =
                 depth == 16 ? first : QByteArray(1, '\0') + first[0] + '\0' + first[1] + '\0' + first[2];
-            addRow<SamplesAndTransparencyRow>(
-                {QString::asprintf("RGB, %d bit, transparent", depth),
-                 png(size, depth, 2, bytes(rowBytes * 3), pngChunk("tRNS", color)), true});
-            addRow<SamplesAndTransparencyRow>({QString::asprintf("grey and alpha, %d bit", depth),
-                                               png(size, depth, 4, bytes(rowBytes * 2)), true});
-            addRow<SamplesAndTransparencyRow>({QString::asprintf("RGB and alpha, %d bit", depth),
-                                               png(size, depth, 6, bytes(rowBytes * 4)), true});
+            addRows<Samples>({{QString::asprintf("RGB, %d bit, transparent", depth),
+                               png(size, depth, 2, bytes(rowBytes * 3), pngChunk("tRNS", color)), true},
+                              {QString::asprintf("grey and alpha, %d bit", depth),
+                               png(size, depth, 4, bytes(rowBytes * 2)), true},
+                              {QString::asprintf("RGB and alpha, %d bit", depth),
+                               png(size, depth, 6, bytes(rowBytes * 4)), true}});
         }
     }
 
     void samplesAndTransparency()
     {
-        auto [name, file, hasAlpha] = currentRow<SamplesAndTransparencyRow>();
+        auto [name, file, hasAlpha] = currentRow<Samples>();
         PLEXA_NEEDS_MAGICK();
-        const QString path = m_folder.path(u"samples.png"_qs);
+        const QString path = m_folder.path("samples.png");
         QVERIFY(writeFile(path, file));
         QString error;
         const QImage ours = decoded(path, &error);
@@ -143,18 +141,17 @@ private Q_SLOTS:
     {
         for (const int width : {1, 2, 3, 4, 5, 8, 9}) {
             for (const int height : {1, 2, 3, 5, 9})
-                addRow<SmallInterlacedPicturesRow>(
-                    {QString::asprintf("%d x %d", width, height), QSize(width, height)});
+                addRow<Small>({QString::asprintf("%d x %d", width, height), QSize(width, height)});
         }
     }
 
     void smallInterlacedPictures()
     {
-        auto [name, size] = currentRow<SmallInterlacedPicturesRow>();
+        auto [name, size] = currentRow<Small>();
         PLEXA_NEEDS_MAGICK();
         const QImage image = smoothPicture(size);
-        const QString origin = m_folder.path(u"origin.png"_qs);
-        const QString path = m_folder.path(u"interlaced.png"_qs);
+        const QString origin = m_folder.path("origin.png");
+        const QString path = m_folder.path("interlaced.png");
         QVERIFY(image.save(origin));
         for (const char *kind : {"png24", "png8"}) {
             magick("%1 -interlace Plane %2:%3", origin, kind, path);
@@ -184,7 +181,7 @@ private Q_SLOTS:
     void colorChunksInOrderOfWeight()
     {
         const auto [name, chunks, level] = currentRow<ColorChunks>();
-        const QString path = m_folder.path(u"order.png"_qs);
+        const QString path = m_folder.path("order.png");
         for (const int colorType : {0, 2, 4, 6}) {
             const QByteArray pixel = QByteArray((colorType & 2) != 0 ? 3 : 1, '\x80') +
                                      QByteArray((colorType & 4) != 0 ? 1 : 0, '\xff');
@@ -217,7 +214,7 @@ private Q_SLOTS:
             {0.57667, 0.18556, 0.18823}, {0.29734, 0.62736, 0.07529}, {0.02703, 0.07069, 0.99134}};
         constexpr double kToSrgb[3][3] = {
             {3.24045, -1.53714, -0.49853}, {-0.96927, 1.87601, 0.04156}, {0.05564, -0.20403, 1.05723}};
-        const QString path = m_folder.path(u"primaries.png"_qs);
+        const QString path = m_folder.path("primaries.png");
         for (const std::array<int, 3> &color :
              {std::array{128, 128, 128}, {200, 100, 50}, {120, 140, 90}, {60, 70, 160}, {230, 220, 200}}) {
             QByteArray pixel;
@@ -241,7 +238,7 @@ private Q_SLOTS:
 
     void deepTransparentColorIsExact()
     {
-        const QString path = m_folder.path(u"deep.png"_qs);
+        const QString path = m_folder.path("deep.png");
         const QByteArray pixels("\x12\x34\x12\x34\x12\x34\x12\x35\x12\x34\x12\x34", 12);
         QVERIFY(writeFile(path, png({2, 1}, 16, 2, pixels, pngChunk("tRNS", pixels.first(6)))));
         const QImage image = decoded(path);
@@ -252,7 +249,7 @@ private Q_SLOTS:
     /// What exiftool writes, and what ImageMagick writes in its own way.
     void metadataChunks()
     {
-        const QString path = m_folder.path(u"metadata.png"_qs);
+        const QString path = m_folder.path("metadata.png");
         QVERIFY(writeFile(path, png({1, 1}, 8, 0, "x")));
         outputOf("exiftool -overwrite_original -EXIF:Artist=Zoë -EXIF:ISO=640 -XMP-dc:Title=Żółw "
                  "-IPTC:City=Ulm %1",
@@ -266,8 +263,8 @@ private Q_SLOTS:
         };
         QVERIFY(hasAll(ImageSource::open(path)->properties()));
         PLEXA_NEEDS_MAGICK();
-        const QString origin = m_folder.path(u"origin.jpg"_qs);
-        const QString converted = m_folder.path(u"converted.png"_qs);
+        const QString origin = m_folder.path("origin.jpg");
+        const QString converted = m_folder.path("converted.png");
         magick("%1 %2", path, origin);
         outputOf("exiftool -overwrite_original -TagsFromFile %1 -all:all %2", path, origin);
         magick("%1 %2", origin, converted);

@@ -32,10 +32,8 @@ QImage turned(const QImage &image, int orientation)
 /// What the library's own program makes of a file.
 QImage developedByDcraw(const QString &path)
 {
-    outputOf(QStringLiteral("dcraw_emu"), {QStringLiteral("-w"), QStringLiteral("-T"), path});
-    const QByteArray png =
-        outputOf(magickConvert(), {path + QStringLiteral(".tiff"), QStringLiteral("png:-")});
-    return QImage::fromData(png, "PNG");
+    outputOf("dcraw_emu -w -T %1", path);
+    return QImage::fromData(magick("%1.tiff png:-", path), "PNG");
 }
 
 /// Stands in for standard error, and gives what was printed there.
@@ -75,44 +73,34 @@ class RawFileTest : public QObject
 {
     Q_OBJECT
 
-    struct ContentsDecideWhatIsReadRow {
+    struct Facts {
+        Text name;
+        Text type;
+        QSize size;
+        int orientation;
+        int depth;
+    };
+
+    struct Contents {
         Text name;
         QByteArray contents;
         Text file;
         Text type; ///< empty: it is refused
     };
 
-    struct CopiesDescribeTheirOwnPixelsRow {
+    struct Copy {
         Text name;
         QByteArray contents;
         Text suffix;
     };
 
-    struct LimitsHoldRow {
+    struct Limit {
         Text name;
         QSize size;
         ReadLimits limits;
         Text reason;
     };
 
-    /// Rows for files of every kind: the photos, where they are, and ours.
-    void addFiles() const
-    {
-        QTest::addColumn<QByteArray>("contents");
-        QTest::addColumn<QString>("suffix");
-        for (const char *name : {"canon-kiss-x4-colorchart.dng", "kodak-dc50.kdc", "quicktake-100.qtk"}) {
-            const QString path = realPhoto(u"raw/"_qs) + QLatin1String(name);
-            if (!photosFolder().isEmpty())
-                QTest::newRow(name) << contentsOf(path) << QFileInfo(path).suffix();
-        }
-        QTest::newRow("16 bits") << assembledDng({{384, 256}, 16, 0, false, 1, {}}) << u"dng"_qs;
-        QTest::newRow("8 bits, turned right") << assembledDng({{360, 256}, 8, 6, false, 1, {}}) << u"dng"_qs;
-        QTest::newRow("preview, turned left") << assembledDng({{399, 267}, 16, 8, true, 1, {}}) << u"dng"_qs;
-        QTest::newRow("upside down, wide pixels")
-            << assembledDng({{360, 256}, 16, 3, true, 0.5, {}}) << u"dng"_qs;
-        QTest::newRow("JPEG") << assembledDng({{320, 240}, 8, 1, true, 1, noisyJpeg({320, 240})})
-                              << u"dng"_qs;
-    }
     QString put(const QString &name, const QByteArray &contents)
     {
         const QString path = m_folder.path(name);
@@ -122,18 +110,10 @@ class RawFileTest : public QObject
     TestFolder m_folder;
 
 private Q_SLOTS:
-    void initTestCase() { QVERIFY(m_folder.isValid()); }
-
     void factsAreThoseOfTheFile_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("type");
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<int>("orientation");
-        QTest::addColumn<int>("depth");
         const auto add = [](const char *name, const char *type, QSize size, int orientation, int depth) {
-            QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(type) << size
-                                << orientation << depth;
+            addRow<Facts>({name, type, size, orientation, depth});
         };
         add("canon-kiss-x4-colorchart.dng", "image/x-adobe-dng", {1734, 1156}, 1, 14);
         add("iphone-12-pro-metadata-only.dng", "image/x-adobe-dng", {4032, 3024}, 6, 12);
@@ -144,28 +124,37 @@ private Q_SLOTS:
     void factsAreThoseOfTheFile()
     {
         PLEXA_NEEDS_PHOTOS();
-        QFETCH(QString, name);
-        QFETCH(QSize, size);
-        const auto source = ImageSource::open(realPhoto(u"raw/"_qs) + name);
+        const auto [name, type, size, orientation, depth] = currentRow<Facts>();
+        const auto source = ImageSource::open(realPhoto("raw/") + name);
         QVERIFY2(source, source ? "" : qPrintable(source.error().text));
-        QTEST(source->type(), "type");
+        QCOMPARE(source->type(), type);
         QCOMPARE(source->info().rows.size, size);
-        QTEST(source->properties().value(u"Orientation"_qs, 1).toInt(), "orientation");
-        QTEST(source->properties().value(u"Depth"_qs).toInt(), "depth");
+        QCOMPARE(source->properties().value(u"Orientation"_qs, 1).toInt(), orientation);
+        QCOMPARE(source->properties().value(u"Depth"_qs).toInt(), depth);
         const auto image = source->createImage();
         QVERIFY2(image, image ? "" : qPrintable(image.error().text));
         QCOMPARE(image->size(), size);
         QVERIFY(source->rowsBytes() > qint64(size.width()) * size.height() * 11);
     }
 
-    void developsLikeTheLibrarysProgram_data() { addFiles(); }
+    void developsLikeTheLibrarysProgram_data()
+    {
+        for (const char *name : {"canon-kiss-x4-colorchart.dng", "kodak-dc50.kdc", "quicktake-100.qtk"}) {
+            const QString path = realPhoto("raw/") + QLatin1String(name);
+            if (!photosFolder().isEmpty())
+                addRow<Copy>({name, contentsOf(path), QFileInfo(path).suffix()});
+        }
+        addRows<Copy>({{"16 bits", assembledDng({{384, 256}, 16, 0, false, 1, {}}), "dng"},
+                       {"8 bits, turned right", assembledDng({{360, 256}, 8, 6, false, 1, {}}), "dng"},
+                       {"preview, turned left", assembledDng({{399, 267}, 16, 8, true, 1, {}}), "dng"},
+                       {"upside down, wide pixels", assembledDng({{360, 256}, 16, 3, true, 0.5, {}}), "dng"},
+                       {"JPEG", assembledDng({{320, 240}, 8, 1, true, 1, noisyJpeg({320, 240})}), "dng"}});
+    }
 
     void developsLikeTheLibrarysProgram()
     {
-        if (QStandardPaths::findExecutable(u"dcraw_emu"_qs).isEmpty())
-            QSKIP("there is no dcraw_emu (libraw-bin)");
-        QFETCH(QByteArray, contents);
-        QFETCH(QString, suffix);
+        PLEXA_NEEDS_PROGRAMS("dcraw_emu");
+        const auto [name, contents, suffix] = currentRow<Copy>();
         const QString path = put(u"developed."_qs + suffix, contents);
         const auto source = ImageSource::open(path);
         QVERIFY2(source, source ? "" : qPrintable(source.error().text));
@@ -186,30 +175,28 @@ private Q_SLOTS:
         QByteArray raw = dng;
         raw.replace(QByteArray("\x12\xC6\1\0", 4), QByteArray("\x12\xC5\1\0", 4));
         for (const char *name : {"photo.dng", "photo.tif", "photo.nef", "photo.jpg", "photo"})
-            addRow<ContentsDecideWhatIsReadRow>({name, dng, name, "image/x-adobe-dng"});
-        addRow<ContentsDecideWhatIsReadRow>({"raw.tif", raw, "raw.tif", "image/x-dcraw"});
-        const QString tiff = m_folder.path(u"plain.tif"_qs);
-        outputOf(magickConvert(),
-                 {u"-size"_qs, u"40x30"_qs, u"gradient:red-blue"_qs, u"-depth"_qs, u"8"_qs, tiff});
-        addRow<ContentsDecideWhatIsReadRow>({"plain.nef", contentsOf(tiff), "plain.nef", "image/tiff"});
-        outputOf(u"exiftool"_qs, {u"-q"_qs, u"-overwrite_original"_qs, u"-Make=Maker"_qs, tiff});
-        addRow<ContentsDecideWhatIsReadRow>({"plain.arw", contentsOf(tiff), "plain.arw", "image/tiff"});
-        addRow<ContentsDecideWhatIsReadRow>({"jpeg.nef", noisyJpeg({40, 30}), "jpeg.nef", "image/jpeg"});
+            addRow<Contents>({name, dng, name, "image/x-adobe-dng"});
+        addRow<Contents>({"raw.tif", raw, "raw.tif", "image/x-dcraw"});
+        const QString tiff = m_folder.path("plain.tif");
+        magick("-size 40x30 gradient:red-blue -depth 8 %1", tiff);
+        addRow<Contents>({"plain.nef", contentsOf(tiff), "plain.nef", "image/tiff"});
+        outputOf("exiftool -q -overwrite_original -Make=Maker %1", tiff);
+        addRows<Contents>({{"plain.arw", contentsOf(tiff), "plain.arw", "image/tiff"},
+                           {"jpeg.nef", noisyJpeg({40, 30}), "jpeg.nef", "image/jpeg"}});
         for (const char *suffix : {"cr2", "dng", "nef", "raf", "qtk"})
-            addRow<ContentsDecideWhatIsReadRow>({qPrintable(u"text."_qs + QLatin1String(suffix)),
-                                                 QByteArray("This is a text and nothing else. ").repeated(9),
-                                                 u"text."_qs + QLatin1String(suffix), ""});
+            addRow<Contents>({qPrintable(u"text."_qs + QLatin1String(suffix)),
+                              QByteArray("This is a text and nothing else. ").repeated(9),
+                              u"text."_qs + QLatin1String(suffix), ""});
         if (!photosFolder().isEmpty()) {
-            addRow<ContentsDecideWhatIsReadRow>(
-                {"kdc.tif", contentsOf(realPhoto(u"raw/kodak-dc50.kdc"_qs)), "kdc.tif", "image/x-dcraw"});
-            addRow<ContentsDecideWhatIsReadRow>(
-                {"cr2.tif", contentsOf(realPhoto(u"raw/canon-metadata-only.cr2"_qs)), "cr2.tif", ""});
+            addRows<Contents>(
+                {{"kdc.tif", contentsOf(realPhoto("raw/kodak-dc50.kdc")), "kdc.tif", "image/x-dcraw"},
+                 {"cr2.tif", contentsOf(realPhoto("raw/canon-metadata-only.cr2")), "cr2.tif", ""}});
         }
     }
 
     void contentsDecideWhatIsRead()
     {
-        auto [name, contents, file, type] = currentRow<ContentsDecideWhatIsReadRow>();
+        auto [name, contents, file, type] = currentRow<Contents>();
         QVERIFY(!contents.isEmpty());
         const auto source = ImageSource::open(put(file, contents));
         if (type.isEmpty()) {
@@ -227,19 +214,18 @@ private Q_SLOTS:
 
     void copiesDescribeTheirOwnPixels_data()
     {
-        addRow<CopiesDescribeTheirOwnPixelsRow>(
-            {"assembled", assembledDng({{96, 64}, 16, 6, true, 1, {}}), "dng"});
+        addRow<Copy>({"assembled", assembledDng({{96, 64}, 16, 6, true, 1, {}}), "dng"});
         for (const char *name :
              {"canon-kiss-x4-colorchart.dng", "iphone-12-pro-metadata-only.dng", "kodak-dc50.kdc"}) {
-            const QString path = realPhoto(u"raw/"_qs) + QLatin1String(name);
+            const QString path = realPhoto("raw/") + QLatin1String(name);
             if (!photosFolder().isEmpty())
-                addRow<CopiesDescribeTheirOwnPixelsRow>({name, contentsOf(path), QFileInfo(path).suffix()});
+                addRow<Copy>({name, contentsOf(path), QFileInfo(path).suffix()});
         }
     }
 
     void copiesDescribeTheirOwnPixels()
     {
-        auto [name, contents, suffix] = currentRow<CopiesDescribeTheirOwnPixelsRow>();
+        auto [name, contents, suffix] = currentRow<Copy>();
         const QString original = put(u"original."_qs + suffix, contents);
         QString error;
         const QString jpeg = put(u"copy.jpg"_qs, copied(original, "image/jpeg", 0.8, &error));
@@ -276,12 +262,12 @@ private Q_SLOTS:
     void libraryStandsInForMetadata()
     {
         PLEXA_NEEDS_PHOTOS();
-        const auto source = ImageSource::open(realPhoto(u"raw/quicktake-100.qtk"_qs));
+        const auto source = ImageSource::open(realPhoto("raw/quicktake-100.qtk"));
         QVERIFY(source);
         const QVariantMap tiff = source->properties().value(u"{TIFF}"_qs).toMap();
         QCOMPARE(tiff.value(u"Make"_qs).toString(), u"Apple"_qs);
         QCOMPARE(tiff.value(u"Model"_qs).toString(), u"QuickTake 100"_qs);
-        const QByteArray copy = copied(realPhoto(u"raw/quicktake-100.qtk"_qs), "image/jpeg", 0.8);
+        const QByteArray copy = copied(realPhoto("raw/quicktake-100.qtk"), "image/jpeg", 0.8);
         QCOMPARE(exiftoolValue(put(u"qtk.jpg"_qs, copy), u"Model"_qs).trimmed(), QByteArray("QuickTake 100"));
     }
 
@@ -290,7 +276,7 @@ private Q_SLOTS:
         const QSize size(112, 80);
         const QByteArray jpeg = noisyJpeg(size);
         const QByteArray cut = jpeg.left(jpeg.size() / 2) + QByteArray("\xff\xd9").repeated(jpeg.size() / 4);
-        StandardError standardError(m_folder.path(u"printed"_qs));
+        StandardError standardError(m_folder.path("printed"));
         QString error;
         const QImage image = decoded(put(u"jpeg.dng"_qs, assembledDng({size, 8, 1, false, 1, cut})), &error);
         QVERIFY(image.isNull());
@@ -302,16 +288,16 @@ private Q_SLOTS:
 
     void limitsHold_data()
     {
-        addRow<LimitsHoldRow>({"pixels", QSize(96, 64), {6143, 1'000'000'000}, "too large"});
-        addRow<LimitsHoldRow>({"memory", QSize(96, 64), {1'000'000, 100'000}, "MB of memory"});
-        addRow<LimitsHoldRow>({"claimed", QSize(30000, 20000), {}, "MB of memory"});
-        addRow<LimitsHoldRow>({"empty", QSize(9000, 9000), {}, "end early"});
-        addRow<LimitsHoldRow>({"tiny", QSize(1, 1), {}, ""});
+        addRows<Limit>({{"pixels", QSize(96, 64), {6143, 1'000'000'000}, "too large"},
+                        {"memory", QSize(96, 64), {1'000'000, 100'000}, "MB of memory"},
+                        {"claimed", QSize(30000, 20000), {}, "MB of memory"},
+                        {"empty", QSize(9000, 9000), {}, "end early"},
+                        {"tiny", QSize(1, 1), {}, ""}});
     }
 
     void limitsHold()
     {
-        auto [name, size, limits, reason] = currentRow<LimitsHoldRow>();
+        auto [name, size, limits, reason] = currentRow<Limit>();
         QByteArray dng = assembledDng({});
         // The first two fields of the directory, which is the last thing in the file.
         const qsizetype at = dng.indexOf(QByteArray("\0\1\4\0\1\0\0\0", 8));

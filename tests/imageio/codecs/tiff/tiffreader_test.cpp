@@ -3,6 +3,7 @@
 #include "imageio/container/imageresources.h"
 #include "imageio/embedded/embeddedmetadata.h"
 #include "imageio/pictures.h"
+#include "support/bytes.h"
 #include "support/datarows.h"
 
 #include <QColor>
@@ -23,21 +24,11 @@ constexpr quint32 kData = 0xdadada;
 /// A little-endian TIFF file of one directory, of long values, in front of the data.
 QByteArray tiffOf(const QList<std::pair<quint16, quint32>> &fields, const QByteArray &data, quint32 next = 0)
 {
-    QByteArray file("II*\0\x08\0\0\0", 8);
-    const auto put = [&file](quint32 value, int bytes) {
-        for (int i = 0; i < bytes; ++i, value >>= 8)
-            file.append(char(value & 0xff));
-    };
+    QByteArray file = QByteArray("II*\0\x08\0\0\0", 8) + little16(fields.size());
     const auto start = quint32(8 + 2 + 12 * fields.size() + 4);
-    put(quint32(fields.size()), 2);
-    for (const auto &[tag, value] : fields) {
-        put(tag, 2);
-        put(4, 2);
-        put(1, 4);
-        put(value == kData ? start : value, 4);
-    }
-    put(next, 4);
-    return file + data;
+    for (const auto &[tag, value] : fields)
+        file += little16(tag) + little16(4) + little32(1) + little32(value == kData ? start : value);
+    return file + little32(next) + data;
 }
 
 /// The fields of a picture of one strip and 8 bits a sample.
@@ -62,25 +53,25 @@ class TiffReaderTest : public QObject
 {
     Q_OBJECT
 
-    struct LabIsThatOfPrintRow {
+    struct Lab {
         Text name;
         quint32 photometric;
         int depth;
     };
 
-    struct DirectoriesOfTiffAreBoundedRow {
+    struct Directories {
         Text name;
         QByteArray file;
         bool isRead;
     };
 
-    struct CutTiffDataFailRow {
+    struct CutData {
         Text name;
         Text compression; ///< as ImageMagick calls it
         quint32 number;
     };
 
-    struct IptcIsFoundInAllFormsRow {
+    struct Iptc {
         Text name;
         int tag;
         int type;
@@ -88,31 +79,18 @@ class TiffReaderTest : public QObject
     };
 
     TestFolder m_folder;
-    QString m_srgb; ///< an sRGB profile that is not of our making
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        if (photosFolder().isEmpty())
-            return;
-        m_srgb = m_folder.path(QStringLiteral("srgb.icc"));
-        const auto source = ImageSource::open(realPhoto(u"jpeg/htc-desire.jpg"_qs));
-        QVERIFY(source);
-        QVERIFY(writeFile(m_srgb, source->info().iccProfile));
-        QVERIFY(QFileInfo(m_srgb).size() > 1000);
-    }
-
     /// A whole JPEG file inside, as TIFF 6.0 had it before it was revised.
     void oldStyleJpegIsRead()
     {
         PLEXA_NEEDS_MAGICK();
         const QSize size(64, 48);
-        const QString origin = m_folder.path(u"origin.png"_qs);
-        const QString jpeg = m_folder.path(u"inside.jpg"_qs);
-        const QString path = m_folder.path(u"old.tif"_qs);
-        QVERIFY(detailedPicture(size, QImage::Format_RGB32).save(origin));
-        outputOf(magickConvert(),
-                 {origin, u"-quality"_qs, u"95"_qs, u"-sampling-factor"_qs, u"1x1"_qs, jpeg});
+        const QString origin = m_folder.path("origin.png");
+        const QString jpeg = m_folder.path("inside.jpg");
+        const QString path = m_folder.path("old.tif");
+        QVERIFY(detailedPicture(size).save(origin));
+        magick("%1 -quality 95 -sampling-factor 1x1 %2", origin, jpeg);
         const QByteArray data = contentsOf(jpeg);
         auto fields = tiffFields(size, 6, 3, 6, quint32(data.size()));
         fields.append({512, 1}); // baseline
@@ -129,42 +107,38 @@ private Q_SLOTS:
     void firstOfManyIsRead()
     {
         PLEXA_NEEDS_MAGICK();
-        const QString origin = m_folder.path(u"origin.png"_qs);
-        const QString path = m_folder.path(u"pages.tif"_qs);
+        const QString origin = m_folder.path("origin.png");
+        const QString path = m_folder.path("pages.tif");
         const QImage first = detailedPicture({61, 43}, QImage::Format_RGB32);
         QVERIFY(first.save(origin));
-        outputOf(magickConvert(), {origin, u"("_qs, u"+clone"_qs, u"-negate"_qs, u"-resize"_qs, u"200%"_qs,
-                                   u")"_qs, u"("_qs, u"+clone"_qs, u")"_qs, path});
+        magick("%1 ( +clone -negate -resize 200% ) ( +clone ) %2", origin, path);
         QCOMPARE(decoded(path), first);
         QCOMPARE(ImageSource::open(path)->imageCount(), 3);
         QCOMPARE(droppedPictures(*ImageSource::open(path)), QStringList{u"further pages"_qs});
-        const auto mark = [&](const QStringList &tags) {
-            outputOf(u"exiftool"_qs,
-                     QStringList{u"-q"_qs, u"-overwrite_original"_qs} + tags + QStringList{path});
+        const auto mark = [&](const char *tags) {
+            outputOf(u"exiftool"_qs, words("-q -overwrite_original") + words(tags) + QStringList{path});
         };
         // Pictures of the first one, smaller and as a mask, are no pages.
-        mark({u"-IFD1:SubfileType#=1"_qs, u"-IFD2:SubfileType#=4"_qs});
+        mark("-IFD1:SubfileType#=1 -IFD2:SubfileType#=4");
         QCOMPARE(droppedPictures(*ImageSource::open(path)), QStringList());
         // No camera: the first picture is read although it says that it is a reduced one.
-        mark({u"-IFD0:SubfileType#=1"_qs});
+        mark("-IFD0:SubfileType#=1");
         QCOMPARE(decoded(path), first);
-        mark({u"-IFD0:Make=Maker"_qs});
+        mark("-IFD0:Make=Maker");
         QCOMPARE(decoded(path), first);
     }
 
     void labIsThatOfPrint_data()
     {
-        addRow<LabIsThatOfPrintRow>({"CIE, 8 bit", 8u, 8});
-        addRow<LabIsThatOfPrintRow>({"CIE, 16 bit", 8u, 16});
-        addRow<LabIsThatOfPrintRow>({"ICC, 8 bit", 9u, 8});
-        addRow<LabIsThatOfPrintRow>({"ICC, 16 bit", 9u, 16});
+        addRows<Lab>(
+            {{"CIE, 8 bit", 8u, 8}, {"CIE, 16 bit", 8u, 16}, {"ICC, 8 bit", 9u, 8}, {"ICC, 16 bit", 9u, 16}});
     }
 
     /// Lab values under D50 and what they are in sRGB by the CIE formulas with Bradford's adaptation.
     /// Encodings: TIFF 6.0, section 23, and for ICC's TIFF Technical Note 4.
     void labIsThatOfPrint()
     {
-        auto [name, photometric, depth] = currentRow<LabIsThatOfPrintRow>();
+        auto [name, photometric, depth] = currentRow<Lab>();
         const bool isIcc = photometric == 9;
         const struct {
             int l, a, b; // lightness of 100, a and b in their own units
@@ -178,13 +152,10 @@ private Q_SLOTS:
             const int steps = depth == 8 ? 1 : 256;
             const double white = depth == 8 ? 255 : isIcc ? 0xff00 : 0xffff;
             for (const int number : {qRound(color.l * white / 100), (color.a + (isIcc ? 128 : 0)) * steps,
-                                     (color.b + (isIcc ? 128 : 0)) * steps}) {
-                pixels.append(char(number & 0xff));
-                if (depth == 16)
-                    pixels.append(char(number >> 8 & 0xff));
-            }
+                                     (color.b + (isIcc ? 128 : 0)) * steps})
+                pixels += littleEndian(number, depth / 8);
         }
-        const QString path = m_folder.path(u"lab.tif"_qs);
+        const QString path = m_folder.path("lab.tif");
         const QSize size(int(std::size(colors)), 1);
         auto fields = tiffFields(size, photometric, 3, 1, quint32(pixels.size()));
         fields[2].second = quint32(depth);
@@ -205,36 +176,34 @@ private Q_SLOTS:
     {
         const QByteArray data(12, 'x');
         const auto small = tiffFields({4, 3}, 1, 1, 1, 12);
-        addRow<DirectoriesOfTiffAreBoundedRow>({"whole", tiffOf(small, data), true});
-        addRow<DirectoriesOfTiffAreBoundedRow>({"loop of directories", tiffOf(small, data, 8), true});
-        addRow<DirectoriesOfTiffAreBoundedRow>(
-            {"strip larger than the file", tiffOf(tiffFields({40'000, 20'000}, 1, 1, 1, 800'000'000), data),
-             false});
-        addRow<DirectoriesOfTiffAreBoundedRow>({"compressed strip larger than the file",
-                                                tiffOf(tiffFields({4, 3}, 1, 1, 5, 0xfffffff0), data),
-                                                false});
-        addRow<DirectoriesOfTiffAreBoundedRow>(
-            {"too many pixels", tiffOf(tiffFields({2'000'000'000, 2'000'000'000}, 1, 1, 5, 12), data),
-             false});
+        addRows<Directories>(
+            {{"whole", tiffOf(small, data), true},
+             {"loop of directories", tiffOf(small, data, 8), true},
+             {"strip larger than the file", tiffOf(tiffFields({40'000, 20'000}, 1, 1, 1, 800'000'000), data),
+              false},
+             {"compressed strip larger than the file", tiffOf(tiffFields({4, 3}, 1, 1, 5, 0xfffffff0), data),
+              false},
+             {"too many pixels", tiffOf(tiffFields({2'000'000'000, 2'000'000'000}, 1, 1, 5, 12), data),
+              false}});
         auto fax = tiffFields({3'000, 3'000}, 1, 20'000, 4, 12);
         fax[2].second = 1;
-        addRow<DirectoriesOfTiffAreBoundedRow>({"many samples of a bit", tiffOf(fax, data), false});
-        addRow<DirectoriesOfTiffAreBoundedRow>(
-            {"many samples", tiffOf(tiffFields({30'000, 30'000}, 1, 65535, 5, 12), data), false});
+        addRows<Directories>(
+            {{"many samples of a bit", tiffOf(fax, data), false},
+             {"many samples", tiffOf(tiffFields({30'000, 30'000}, 1, 65535, 5, 12), data), false}});
         auto tiles = tiffFields({4, 3}, 1, 1, 5, 12);
         tiles[5] = {322, 0x40000000};
         tiles[7] = {323, 0x40000000};
         tiles[8] = {324, kData};
         tiles.append({325, 12});
-        addRow<DirectoriesOfTiffAreBoundedRow>({"huge tile", tiffOf(tiles, data), false});
-        addRow<DirectoriesOfTiffAreBoundedRow>(
-            {"inks that are none of ours", tiffOf(tiffFields({1, 1}, 5, 3, 1, 12), data), false});
+        addRows<Directories>(
+            {{"huge tile", tiffOf(tiles, data), false},
+             {"inks that are none of ours", tiffOf(tiffFields({1, 1}, 5, 3, 1, 12), data), false}});
     }
 
     void directoriesOfTiffAreBounded()
     {
-        auto [name, file, isRead] = currentRow<DirectoriesOfTiffAreBoundedRow>();
-        const QString path = m_folder.path(u"bounds.tif"_qs);
+        auto [name, file, isRead] = currentRow<Directories>();
+        const QString path = m_folder.path("bounds.tif");
         QVERIFY(writeFile(path, file));
         QString error;
         const QImage image = decoded(path, &error);
@@ -246,36 +215,33 @@ private Q_SLOTS:
 
     void cutTiffDataFail_data()
     {
-        addRow<CutTiffDataFailRow>({"none", "None", 1u});
-        addRow<CutTiffDataFailRow>({"LZW", "LZW", 5u});
-        addRow<CutTiffDataFailRow>({"deflate", "Zip", 8u});
-        addRow<CutTiffDataFailRow>({"PackBits", "RLE", 32773u});
-        addRow<CutTiffDataFailRow>({"JPEG", "JPEG", 7u});
-        addRow<CutTiffDataFailRow>({"fax", "Group4", 4u});
+        addRows<CutData>({{"none", "None", 1u},
+                          {"LZW", "LZW", 5u},
+                          {"deflate", "Zip", 8u},
+                          {"PackBits", "RLE", 32773u},
+                          {"JPEG", "JPEG", 7u},
+                          {"fax", "Group4", 4u}});
     }
 
     /// The data of a strip end early, and the file with them or not.
     void cutTiffDataFail()
     {
-        auto [name, compression, number] = currentRow<CutTiffDataFailRow>();
+        auto [name, compression, number] = currentRow<CutData>();
         PLEXA_NEEDS_MAGICK();
         const QSize size(64, 48);
-        const QString origin = m_folder.path(u"origin.png"_qs);
-        const QString path = m_folder.path(u"strip.tif"_qs);
-        QVERIFY(detailedPicture(size, QImage::Format_RGB32).save(origin));
-        const QStringList kind = number == 4
-                                     ? QStringList{u"-monochrome"_qs}
-                                     : QStringList{u"-colorspace"_qs, u"Gray"_qs, u"-depth"_qs, u"8"_qs};
+        const QString origin = m_folder.path("origin.png");
+        const QString path = m_folder.path("strip.tif");
+        QVERIFY(detailedPicture(size).save(origin));
         outputOf(magickConvert(),
-                 QStringList{origin} + kind +
-                     QStringList{u"-compress"_qs, compression, u"-define"_qs, u"tiff:predictor=1"_qs,
-                                 u"-define"_qs, u"tiff:rows-per-strip=48"_qs, path});
+                 QStringList{origin} + words(number == 4 ? "-monochrome" : "-colorspace Gray -depth 8") +
+                     words("-compress %1 -define tiff:predictor=1 -define tiff:rows-per-strip=48 %2",
+                           compression, path));
         const qsizetype start = exiftoolValue(path, u"StripOffsets"_qs).toLongLong();
         const qsizetype bytes = exiftoolValue(path, u"StripByteCounts"_qs).toLongLong();
         QByteArray data = contentsOf(path).mid(start, bytes);
         if (number == 7) { // the tables stand in a field of their own
-            outputOf(magickConvert(), {path, m_folder.path(u"strip.jpg"_qs)});
-            data = contentsOf(m_folder.path(u"strip.jpg"_qs));
+            magick("%1 %2", path, m_folder.path("strip.jpg"));
+            data = contentsOf(m_folder.path("strip.jpg"));
         }
         QVERIFY(data.size() > 100);
         const auto fields = [&](qsizetype count) {
@@ -295,17 +261,17 @@ private Q_SLOTS:
 
     void iptcIsFoundInAllForms_data()
     {
-        addRow<IptcIsFoundInAllFormsRow>({"bytes", 33723, 1, false});
-        addRow<IptcIsFoundInAllFormsRow>({"undefined", 33723, 7, false});
-        addRow<IptcIsFoundInAllFormsRow>({"numbers", 33723, 4, false});
-        addRow<IptcIsFoundInAllFormsRow>({"numbers turned around", 33723, 4, true});
-        addRow<IptcIsFoundInAllFormsRow>({"image resources", 34377, 7, false});
+        addRows<Iptc>({{"bytes", 33723, 1, false},
+                       {"undefined", 33723, 7, false},
+                       {"numbers", 33723, 4, false},
+                       {"numbers turned around", 33723, 4, true},
+                       {"image resources", 34377, 7, false}});
     }
 
     /// Records that no encoder would write like this come out as they are.
     void iptcIsFoundInAllForms()
     {
-        auto [name, tag, type, isTurned] = currentRow<IptcIsFoundInAllFormsRow>();
+        auto [name, tag, type, isTurned] = currentRow<Iptc>();
         const QByteArray records =
             QByteArray("\x1c\x02\x5a\x00\x05Paris", 10) + // city, without a version before
             QByteArray("\x1c\x02\x3c\x00\x06"
@@ -324,7 +290,7 @@ private Q_SLOTS:
         char *field = file.data() + 8 + 2 + 12 * (fields.size() - 1);
         qToLittleEndian(quint16(type), field + 2);
         qToLittleEndian(quint32(type == 4 ? stored.size() / 4 : stored.size()), field + 4);
-        const QString path = m_folder.path(u"records.tif"_qs);
+        const QString path = m_folder.path("records.tif");
         QVERIFY(writeFile(path, file));
         const auto source = ImageSource::open(path);
         QVERIFY(source);

@@ -33,14 +33,14 @@ class TiffWriterTest : public QObject
 {
     Q_OBJECT
 
-    struct PixelsAreExactRow {
+    struct Pixels {
         Text name;
         QSize size;
         bool hasAlpha;
         int compression;
     };
 
-    struct ResolutionIsKeptRow {
+    struct Resolution {
         Text name;
         QVariantMap properties;
         QByteArray printed; ///< XResolution, YResolution, ResolutionUnit
@@ -49,30 +49,24 @@ class TiffWriterTest : public QObject
     TestFolder m_folder;
 
 private Q_SLOTS:
-    void initTestCase() { photosFolder() = photosFolder(); }
     void pixelsAreExact_data()
     {
         for (const int compression : {1, 5}) {
             for (const bool hasAlpha : {false, true}) {
                 for (const QSize size : {QSize(1, 1), QSize(301, 203), QSize(1, 3001), QSize(130'001, 2)})
-                    addRow<PixelsAreExactRow>(
-                        {QString::asprintf("%d x %d, alpha %d, compression %d", size.width(), size.height(),
-                                           hasAlpha, compression),
-                         size, hasAlpha, compression});
+                    addRow<Pixels>({QString::asprintf("%d x %d, alpha %d, compression %d", size.width(),
+                                                      size.height(), hasAlpha, compression),
+                                    size, hasAlpha, compression});
             }
         }
     }
 
     void pixelsAreExact()
     {
-        auto [name, size, hasAlpha, compression] = currentRow<PixelsAreExactRow>();
+        auto [name, size, hasAlpha, compression] = currentRow<Pixels>();
         const QImage image = picture(size, hasAlpha);
-        QBuffer file;
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        const auto written = writeImage(file, image, {QLatin1String(kType), compressedBy(compression)});
-        QVERIFY2(written, written ? "" : qPrintable(written.error().text));
-        const QString path = m_folder.path(u"exact.tif"_qs);
-        QVERIFY(writeFile(path, file.data()));
+        const QString path = m_folder.path("exact.tif");
+        QVERIFY(writePicture(path, kType, image, compressedBy(compression)));
         QCOMPARE(decoded(path), image);
         const auto record = exiftoolRecords({path}, {u"-G1"_qs, u"-all"_qs, u"-validate"_qs}).value(path);
         QCOMPARE(record[u"IFD0:Compression"].toInt(), compression);
@@ -89,7 +83,7 @@ private Q_SLOTS:
         const int widest = 16'000;
         QImage theirs;
         if (size.width() <= widest) {
-            const QByteArray pixels = outputOf(magickConvert(), {path, u"-depth"_qs, u"8"_qs, u"rgba:-"_qs});
+            const QByteArray pixels = magick("%1 -depth 8 rgba:-", path);
             QCOMPARE(pixels.size(), qsizetype(size.width()) * size.height() * 4);
             theirs = QImage(reinterpret_cast<const uchar *>(pixels.constData()), size.width(), size.height(),
                             QImage::Format_RGBA8888)
@@ -106,36 +100,31 @@ private Q_SLOTS:
     {
         const QVariantMap centimetres = {
             {u"XResolution"_qs, 100.0}, {u"YResolution"_qs, 100.0}, {u"ResolutionUnit"_qs, 3}};
-        addRow<ResolutionIsKeptRow>({"none", {}, QByteArray("72\n72\n2\n")});
-        addRow<ResolutionIsKeptRow>(
-            {"per inch", {{u"DPIWidth"_qs, 299.5}, {u"DPIHeight"_qs, 150}}, QByteArray("299.5\n150\n2\n")});
-        addRow<ResolutionIsKeptRow>(
-            {"per centimetre",
-             {{u"DPIWidth"_qs, 254.0}, {u"DPIHeight"_qs, 254.0}, {u"{TIFF}"_qs, centimetres}},
-             QByteArray("100\n100\n3\n")});
-        addRow<ResolutionIsKeptRow>(
-            {"new one",
-             {{u"DPIWidth"_qs, 300}, {u"DPIHeight"_qs, 300}, {u"{TIFF}"_qs, centimetres}},
-             QByteArray("300\n300\n2\n")});
+        addRows<Resolution>(
+            {{"none", {}, "72\n72\n2\n"},
+             {"per inch", {{u"DPIWidth"_qs, 299.5}, {u"DPIHeight"_qs, 150}}, "299.5\n150\n2\n"},
+             {"per centimetre",
+              {{u"DPIWidth"_qs, 254.0}, {u"DPIHeight"_qs, 254.0}, {u"{TIFF}"_qs, centimetres}},
+              "100\n100\n3\n"},
+             {"new one",
+              {{u"DPIWidth"_qs, 300}, {u"DPIHeight"_qs, 300}, {u"{TIFF}"_qs, centimetres}},
+              "300\n300\n2\n"}});
     }
 
     void resolutionIsKept()
     {
-        auto [name, properties, printed] = currentRow<ResolutionIsKeptRow>();
-        QBuffer file;
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QVERIFY(writeImage(file, picture({9, 5}, false), {QLatin1String(kType), properties}));
-        const QString path = m_folder.path(u"resolution.tif"_qs);
-        QVERIFY(writeFile(path, file.data()));
-        QCOMPARE(outputOf(u"exiftool"_qs, {u"-n"_qs, u"-s3"_qs, u"-IFD0:XResolution"_qs,
-                                           u"-IFD0:YResolution"_qs, u"-IFD0:ResolutionUnit"_qs, path}),
-                 printed);
+        auto [name, properties, printed] = currentRow<Resolution>();
+        const QString path = m_folder.path("resolution.tif");
+        QVERIFY(writePicture(path, kType, detailedPicture({9, 5}), properties));
+        QCOMPARE(
+            outputOf("exiftool -n -s3 -IFD0:XResolution -IFD0:YResolution -IFD0:ResolutionUnit %1", path),
+            printed);
     }
 
     void predictorPays()
     {
         PLEXA_NEEDS_PHOTOS();
-        const auto source = ImageSource::open(realPhoto(u"jpeg/canon-s5-furnace-creek.jpg"_qs));
+        const auto source = ImageSource::open(realPhoto("jpeg/canon-s5-furnace-creek.jpg"));
         QVERIFY(source);
         const auto image = source->createImage();
         QVERIFY(image);
@@ -153,7 +142,7 @@ private Q_SLOTS:
         PLEXA_NEEDS_PHOTOS();
         const QImage image = picture({40, 30}, false);
         const Codec *codec = imageFormatOfType(QLatin1String(kType))->codec;
-        const QString path = m_folder.path(u"foreign.tif"_qs);
+        const QString path = m_folder.path("foreign.tif");
         for (const QString &name : {u"jpeg/canon-eos-450d.jpg"_qs, u"tiff/uss-reagan-iptc-xmp.tif"_qs}) {
             const auto metadata = EmbeddedMetadata::read(realPhoto(name));
             const QByteArray exif =
@@ -190,8 +179,8 @@ private Q_SLOTS:
             QVERIFY((*writer)->writeRows(image, 300));
             file.close();
         }
-        QVERIFY(writeFile(m_folder.path(u"cut.tif"_qs), file.data()));
-        QVERIFY(decoded(m_folder.path(u"cut.tif"_qs)).isNull());
+        QVERIFY(writeFile(m_folder.path("cut.tif"), file.data()));
+        QVERIFY(decoded(m_folder.path("cut.tif")).isNull());
     }
 };
 

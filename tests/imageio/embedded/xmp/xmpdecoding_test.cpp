@@ -10,6 +10,7 @@
 #include <QTest>
 
 using namespace plexa;
+using namespace plexa::test;
 using namespace Qt::Literals::StringLiterals;
 
 namespace
@@ -42,11 +43,11 @@ private Q_SLOTS:
                           "exif:note=\"n\" e:FNumber=\"56/10\" photoshop:City=\"nowhere\""));
         const QString second =
             copyOf(packet("xmlns:exif=\"http://ns.adobe.com/exif/1.0/\"", "exif:FNumber=\"8/1\""));
-        const auto records = test::exiftoolRecords({first, second}, {u"-XMP:all"_s, u"-G1"_s});
+        const auto records = exiftoolRecords({first, second}, {u"-XMP:all"_s, u"-G1"_s});
         QCOMPARE(records[first][u"XMP-exif:FNumber"_s].toDouble(), 5.6);
         QCOMPARE(records[second][u"XMP-exif:FNumber"_s].toDouble(), 8.0);
         QVERIFY(!records[first].contains(u"XMP-photoshop:City"_s)); // the source does not have it either
-        const QByteArray contents = test::contentsOf(first);
+        const QByteArray contents = contentsOf(first);
         QVERIFY(contents.contains("\"http://www.w3.org/2003/12/exif/ns#\""));
         QVERIFY(contents.contains("\"http://example.org/photoshop/\"") && contents.contains("nowhere"));
     }
@@ -59,17 +60,17 @@ private Q_SLOTS:
         const char length[] = {char(xmp.size() & 0xFF), char(xmp.size() >> 8), 0, 0};
         const QByteArray tiff = "II\x2A\0\x08\0\0\0\x01\0\xBC\x02\x01\0"_ba + QByteArray(length, 4) +
                                 "\x1A\0\0\0\0\0\0\0"_ba + xmp;
-        QVERIFY(test::writeFile(m_folder.path(u"a.tif"_s), tiff));
+        QVERIFY(writeFile(m_folder.path("a.tif"), tiff));
         EmbeddedMetadata::Encoded inExif;
         inExif.exif = tiff;
-        QVERIFY(test::writeFile(m_folder.path(u"a.jpg"_s), test::jpegWith(inExif)));
+        QVERIFY(writeFile(m_folder.path("a.jpg"), jpegWith(inExif)));
         for (const QString &name : {u"a.tif"_s, u"a.jpg"_s}) {
             EmbeddedMetadata::read(m_folder.path(name));
             const QString copy = copyOf(packet(kPhotoshop, "photoshop:Credit=\"me\""),
                                         {{kCGImagePropertyIPTCKeywords, QVariantList{u"lake"_s}},
                                          {kCGImagePropertyIPTCScene, QVariantList{u"010100"_s}}});
-            QVERIFY(!test::contentsOf(copy).contains("urn:"));
-            const QJsonObject record = test::exiftoolRecords({copy}).value(copy);
+            QVERIFY(!contentsOf(copy).contains("urn:"));
+            const QJsonObject record = exiftoolRecords({copy}).value(copy);
             QCOMPARE(record[u"XMP-photoshop:Credit"_s].toString(), u"me"_s);
             QCOMPARE(record[u"XMP-iptcCore:Scene"_s].toArray().at(0).toString(), u"010100"_s);
         }
@@ -84,10 +85,10 @@ private Q_SLOTS:
                                    "xmlns:q=\"http://q.example/\" rdf:about=\"\" a:City=\"Rom\" q:a=\"two\"/>"
                                    "</rdf:RDF>");
         const QString copy = copyOf(both);
-        const auto record = test::exiftoolRecords({copy}, {u"-XMP:all"_s, u"-G1"_s})[copy];
+        const auto record = exiftoolRecords({copy}, {u"-XMP:all"_s, u"-G1"_s})[copy];
         QCOMPARE(record[u"XMP-photoshop:City"_s].toString(), u"Rom"_s);
         QCOMPARE(record[u"XMP-dc:Identifier"_s].toString(), u"No. 1"_s);
-        const QByteArray contents = test::contentsOf(copy);
+        const QByteArray contents = contentsOf(copy);
         QVERIFY(contents.contains("xmlns:q=\"http://q.example\"") &&
                 contents.contains("\"http://q.example/\""));
         QVERIFY(contents.contains("one") && contents.contains("two"));
@@ -105,14 +106,14 @@ private Q_SLOTS:
                    "xmlns:shopx=\"http://example.com/ns\" "
                    "xmlns:same=\"http://example.com/main/\"",
                    "xmpNote:HasExtendedXMP=\"" + guid + "\" shopx:code=\"x\" same:code=\"main\"");
-        const QByteArray extension = "http://ns.adobe.com/xmp/extension/\0"_ba + guid +
-                                     test::big32(more.size()) + test::big32(0) + more;
-        const QString copy = copyOf(main, {}, test::jpegSegment(0xE1, extension));
-        const QByteArray contents = test::contentsOf(copy);
+        const QByteArray extension =
+            "http://ns.adobe.com/xmp/extension/\0"_ba + guid + big32(more.size()) + big32(0) + more;
+        const QString copy = copyOf(main, {}, jpegSegment(0xE1, extension));
+        const QByteArray contents = contentsOf(copy);
         for (const char *declaration : {"xmlns:shopx=\"http://example.com/ns\"", "xmlns:shopy=\"urn:y:1\"",
                                         "xmlns:same=\"http://example.com/main/\""})
             QVERIFY2(contents.contains(declaration), declaration);
-        const auto record = test::exiftoolRecords({copy}, {u"-XMP:all"_s, u"-G1"_s})[copy];
+        const auto record = exiftoolRecords({copy}, {u"-XMP:all"_s, u"-G1"_s})[copy];
         QCOMPARE(record[u"XMP-shopx:Code"_s].toString(), u"x"_s);
         QCOMPARE(record[u"XMP-shopy:Code"_s].toString(), u"y"_s);
         QCOMPARE(record[u"XMP-same:Code"_s].toString(), u"main"_s);
@@ -129,12 +130,12 @@ private Q_SLOTS:
             copyOf(packet("xmlns:abc=\"http://abc.example/\" xmlns:c=\"http://c.example/?a&amp;b\" "
                           "xmlns:d.e=\"urn:d/\"",
                           "abc:one=\"1\" c:two=\"2\" c:text=\"is xmlns:z='&amp;amp;'\" d.e:three=\"3\""));
-        const auto record = test::exiftoolRecords({copy}, {u"-XMP:all"_s, u"-G1"_s})[copy];
+        const auto record = exiftoolRecords({copy}, {u"-XMP:all"_s, u"-G1"_s})[copy];
         QCOMPARE(record[u"XMP-abc:One"_s].toInt(), 1);
         QCOMPARE(record[u"XMP-c:Two"_s].toInt(), 2);
         QCOMPARE(record[u"XMP-c:Text"_s].toString(), u"is xmlns:z='&amp;'"_s);
-        QVERIFY(test::contentsOf(copy).contains("xmlns:c=\"http://c.example/?a&amp;b\"")); // without a slash
-        QVERIFY(test::contentsOf(copy).contains("d.e:three=\"3\""));
+        QVERIFY(contentsOf(copy).contains("xmlns:c=\"http://c.example/?a&amp;b\"")); // without a slash
+        QVERIFY(contentsOf(copy).contains("d.e:three=\"3\""));
     }
 
     /// The library reads "type=" as a command. In every place that a text can have.
@@ -147,7 +148,7 @@ private Q_SLOTS:
                     "</rdf:li><rdf:li>b</rdf:li></rdf:Bag></dc:subject><dc:title><rdf:Alt>"
                     "<rdf:li xml:lang=\"x-default\">" +
                     text + "</rdf:li></rdf:Alt></dc:title>"));
-            const QJsonObject record = test::exiftoolRecords({copy}).value(copy);
+            const QJsonObject record = exiftoolRecords({copy}).value(copy);
             const QString expected = QString::fromUtf8(text);
             for (const QString &tag :
                  {u"XMP-photoshop:Headline"_s, u"XMP-photoshop:City"_s, u"XMP-dc:Title"_s})
@@ -174,12 +175,12 @@ private Q_SLOTS:
                 {{kCGImagePropertyIPTCCity, text},
                  {kCGImagePropertyIPTCObjectName, text},
                  {kCGImagePropertyIPTCKeywords, QVariantList{text, u"b"_s}}});
-            const QJsonObject record = test::exiftoolRecords({copy}).value(copy);
+            const QJsonObject record = exiftoolRecords({copy}).value(copy);
             for (const QString &tag : {u"XMP-photoshop:City"_s, u"XMP-dc:Title"_s})
                 QCOMPARE(record[tag].toVariant().toString(), inXmp);
             QCOMPARE(record[u"XMP-dc:Subject"_s].toArray().at(0).toVariant().toString(), inXmp);
             QCOMPARE(record[u"XMP-photoshop:Credit"_s].toString(), u"kept"_s);
-            QVERIFY(!test::contentsOf(copy).contains("d\0e"_ba));
+            QVERIFY(!contentsOf(copy).contains("d\0e"_ba));
             QCOMPARE(m_omitted, QStringList());
         }
     }
@@ -188,7 +189,7 @@ private Q_SLOTS:
     {
         const QString copy = copyOf(packet("xmlns:xmpDM=\"http://ns.adobe.com/xmp/1.0/DynamicMedia/\"",
                                            "xmpDM:copyright=\"(c) me\""));
-        QCOMPARE(test::exiftoolValue(copy, u"XMP-dc:Rights"_s), "(c) me");
+        QCOMPARE(exiftoolValue(copy, u"XMP-dc:Rights"_s), "(c) me");
     }
 
     /// A text in the place of a structure accepts no parts.
@@ -200,7 +201,7 @@ private Q_SLOTS:
                           "core:CreatorContactInfo=\"me\" photoshop:Headline=\"kept\""),
                    {{kCGImagePropertyIPTCCreatorContactInfo, contact}});
         QCOMPARE(m_omitted, QStringList(u"XMP iptc:CreatorContactInfo"_s));
-        QCOMPARE(test::exiftoolValue(copy, u"XMP-photoshop:Headline"_s), "kept");
+        QCOMPARE(exiftoolValue(copy, u"XMP-photoshop:Headline"_s), "kept");
     }
 
     /// Packets with known faults are repaired, others are left out and reported.
@@ -210,8 +211,8 @@ private Q_SLOTS:
             const QString copy =
                 copyOf(packet(kPhotoshop, {}, "<photoshop:City>" + text + "</photoshop:City>"));
             QCOMPARE(m_omitted, city.isNull() ? QStringList(u"XMP"_s) : QStringList());
-            QCOMPARE(QString::fromUtf8(test::exiftoolValue(copy, u"XMP-photoshop:City"_s)), city);
-            const auto source = EmbeddedMetadata::read(m_folder.path(u"source.jpg"_s));
+            QCOMPARE(QString::fromUtf8(exiftoolValue(copy, u"XMP-photoshop:City"_s)), city);
+            const auto source = EmbeddedMetadata::read(m_folder.path("source.jpg"));
             QCOMPARE(source->properties()[kCGImagePropertyIPTCDictionary]
                          .toMap()[kCGImagePropertyIPTCCity]
                          .toString(),
@@ -230,9 +231,9 @@ private:
     {
         EmbeddedMetadata::Encoded metadata;
         metadata.xmp = xmp;
-        const QString path = m_folder.path(u"source.jpg"_s);
+        const QString path = m_folder.path("source.jpg");
         const QString copy = m_folder.path(u"copy%1.jpg"_s.arg(++m_copies));
-        if (!test::writeFile(path, test::jpegWith(metadata).insert(2, moreSegments)))
+        if (!writeFile(path, jpegWith(metadata).insert(2, moreSegments)))
             return {};
         const auto source = EmbeddedMetadata::read(path);
         QVariantMap properties = source->properties();
@@ -241,11 +242,11 @@ private:
         properties.insert(kCGImagePropertyIPTCDictionary, edited);
         const EmbeddedMetadata::Encoded encoded = source->encodeForCopy(properties, {QSize(16, 16)});
         m_omitted = encoded.omitted;
-        const bool isWritten = test::writeFile(copy, test::jpegWith(encoded));
+        const bool isWritten = writeFile(copy, jpegWith(encoded));
         return isWritten ? copy : QString();
     }
 
-    test::TestFolder m_folder;
+    TestFolder m_folder;
     int m_copies = 0;
     QStringList m_omitted; ///< of the last copy
 };
