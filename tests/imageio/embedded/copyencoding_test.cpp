@@ -6,6 +6,7 @@
 #include "metadata/propertykeys.h"
 #include "support/exiftool.h"
 #include "support/files.h"
+#include "support/picturedifference.h"
 #include "support/testenvironment.h"
 #include "support/testpictures.h"
 
@@ -62,16 +63,7 @@ bool isOfOneColor(const QByteArray &jpeg)
     const QImage image = QImage::fromData(jpeg, "JPG").convertToFormat(QImage::Format_RGB32);
     if (image.isNull())
         return false;
-    const QRgb wanted = kPicture.pixel(0, 0);
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            const QRgb color = image.pixel(x, y);
-            if (std::abs(qRed(color) - qRed(wanted)) > 8 || std::abs(qGreen(color) - qGreen(wanted)) > 8 ||
-                std::abs(qBlue(color) - qBlue(wanted)) > 8)
-                return false;
-        }
-    }
-    return true;
+    return differenceOf(image, flatPicture(image.size(), kPicture.pixelColor(0, 0))).worst <= 8;
 }
 
 } // namespace

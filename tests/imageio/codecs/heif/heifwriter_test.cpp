@@ -26,8 +26,7 @@ class HeifWriterTest : public QObject
     Q_OBJECT
 
     struct Copy {
-        Text name;
-        Text file;
+        Text name; ///< of a photo
     };
 
     struct Size {
@@ -79,12 +78,12 @@ private Q_SLOTS:
         for (const char *name :
              {"jpeg/htc-desire.jpg", "jpeg/silver-fir-511x323.jpg", "jpeg/gray-concert.jpg",
               "png/alpha-paper.png", "heic/alpha-512x512.heic", "tiff/rgb8-srgb-icc.tif"})
-            addRow<Copy>({name, name});
+            addRow<Copy>({name});
     }
 
     void copiesReadTheSameElsewhere()
     {
-        auto [name, file] = currentRow<Copy>();
+        const QString file = currentRow<Copy>().name;
         PLEXA_NEEDS_PHOTOS();
         const QString path = m_folder.path("copy.heic");
         QString error;

@@ -71,8 +71,7 @@ class QtCodecTest : public QObject
     };
 
     struct Icon {
-        Text name;
-        Text suffix;
+        Text name; ///< the suffix
     };
 
     struct Written {
@@ -272,11 +271,11 @@ private Q_SLOTS:
         }
     }
 
-    void largestIconIsRead_data() { addRows<Icon>({{"ICO", "ico"}, {"ICNS", "icns"}}); }
+    void largestIconIsRead_data() { addRows<Icon>({{"ico"}, {"icns"}}); }
 
     void largestIconIsRead()
     {
-        auto [name, suffix] = currentRow<Icon>();
+        const QString suffix = currentRow<Icon>().name;
         const QImage small = detailedPicture({32, 32}, QImage::Format_ARGB32);
         const QImage large = detailedPicture({128, 128}, QImage::Format_ARGB32);
         const QString path = m_folder.path(u"icon."_qs + suffix);

@@ -3,6 +3,7 @@
 #include "imageio/copydifferences.h"
 #include "imageio/jpegassembly.h"
 #include "metadata/imagemetadata.h"
+#include "support/datarows.h"
 #include "support/exiftool.h"
 #include "support/files.h"
 
@@ -36,6 +37,12 @@ class MakerNoteRewritingTest : public QObject
 {
     Q_OBJECT
 
+    struct Edit {
+        Text name;
+        QLatin1StringView key; ///< of the auxiliary dictionary; empty: GPS is cleared
+        bool isRemoved;
+    };
+
 private Q_SLOTS:
     void initTestCase()
     {
@@ -49,19 +56,16 @@ private Q_SLOTS:
 
     void editsLeaveMakerNotesValid_data()
     {
-        QTest::addColumn<QLatin1StringView>("key"); // of the auxiliary dictionary; empty: GPS is cleared
-        QTest::addColumn<bool>("isRemoved");
-        QTest::newRow("serial number") << kCGImagePropertyExifAuxSerialNumber << false;
-        QTest::newRow("no serial number") << kCGImagePropertyExifAuxSerialNumber << true;
-        QTest::newRow("lens") << kCGImagePropertyExifAuxLensModel << false;
-        QTest::newRow("no lens") << kCGImagePropertyExifAuxLensModel << true;
-        QTest::newRow("GPS") << QLatin1StringView() << true;
+        addRows<Edit>({{"serial number", kCGImagePropertyExifAuxSerialNumber, false},
+                       {"no serial number", kCGImagePropertyExifAuxSerialNumber, true},
+                       {"lens", kCGImagePropertyExifAuxLensModel, false},
+                       {"no lens", kCGImagePropertyExifAuxLensModel, true},
+                       {"GPS", {}, true}});
     }
 
     void editsLeaveMakerNotesValid()
     {
-        QFETCH(QLatin1StringView, key);
-        QFETCH(bool, isRemoved);
+        const auto [name, key, isRemoved] = currentRow<Edit>();
         const QVariant wanted = isRemoved ? QVariant() : QVariant(u"X1"_s);
         QStringList copies;
         QList<QStringList> omitted;
