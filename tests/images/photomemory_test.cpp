@@ -7,7 +7,6 @@
 #include "support/testenvironment.h"
 #include "support/testservices.h"
 
-#include <QProcess>
 #include <QStandardPaths>
 #include <QTest>
 
@@ -35,15 +34,16 @@ const QString kHeic = u"image/heic"_qs;
 /// @return the most memory it had (bytes); 0 when it failed
 qint64 peakOfSaving(const QString &photo, const QString &folder, const QString &type)
 {
-    const QString format = type == kHeic ? u"HEIC"_qs : u"Original"_qs;
-    QList<QByteArray> command;
-    for (const QString &word :
-         words("%1 save --quiet --text X --save-set imageFormat=%2 --save-set jpegQuality=95 --output %3 %4",
-               builtProgram(u"plexa-cli"_qs), format, folder, photo))
-        command.append(word.toLocal8Bit());
+    const char *format = type == kHeic ? "imageFormat=HEIC" : "imageFormat=Original";
+    const QStringList command =
+        words("%1 save --quiet --text X --save-set %2 --save-set jpegQuality=95 --output %3 %4",
+              builtProgram(u"plexa-cli"_qs), format, folder, photo);
+    QByteArrayList bytes;
+    for (const QString &word : command)
+        bytes.append(word.toLocal8Bit());
     std::vector<char *> arguments;
-    for (const QByteArray &word : command)
-        arguments.push_back(const_cast<char *>(word.constData()));
+    for (QByteArray &word : bytes)
+        arguments.push_back(word.data());
     arguments.push_back(nullptr);
     pid_t child = 0;
     if (posix_spawn(&child, arguments[0], nullptr, nullptr, arguments.data(), environ) != 0)
@@ -58,11 +58,10 @@ qint64 peakOfSaving(const QString &photo, const QString &folder, const QString &
 /// Has ImageMagick write a picture. @return empty when it cannot
 QString made(const TestFolder &folder, const QString &name, QSize size, const QStringList &options)
 {
-    QStringList arguments = {u"-size"_qs, u"%1x%2"_qs.arg(size.width()).arg(size.height()),
-                             u"gradient:red-blue"_qs, u"-depth"_qs, u"8"_qs};
     const QString path = folder.path(u"%1 %2"_qs.arg(size.width()).arg(name));
-    arguments << options << path;
-    outputOf(magickConvert(), arguments);
+    QStringList arguments =
+        words("-size %1 gradient:red-blue -depth 8", u"%1x%2"_qs.arg(size.width()).arg(size.height()));
+    outputOf(magickConvert(), arguments << options << path);
     return QFileInfo::exists(path) ? path : QString();
 }
 
@@ -88,6 +87,19 @@ qint64 toldBytes(const ImageSource &source, const QString &type)
     return std::max(uprightBytes(source, uprighting), pictureBytes(uprighting.size()) + encoding);
 }
 
+struct Kind {
+    Text name;
+    QString file;
+    QStringList options;
+    bool isCopyHeic = false;
+};
+
+struct Conversion {
+    Text name;
+    QString from;
+    Text to;
+};
+
 CopyOrder orderFor(const QString &photo, const QString &target)
 {
     CopyOrder order;
@@ -98,18 +110,14 @@ CopyOrder orderFor(const QString &photo, const QString &target)
     return order;
 }
 
-struct Kind {
-    Text name;
-    Text file;
-    const char *options; ///< of ImageMagick
-    bool isHeic = false; ///< the copy, else as the photo
-};
-
 } // namespace
 
 class PhotoMemoryTest : public QObject
 {
     Q_OBJECT
+
+private:
+    std::unique_ptr<TestFolder> m_folder;
 
 private Q_SLOTS:
     void init()
@@ -122,40 +130,40 @@ private Q_SLOTS:
     void toldIsTaken_data()
     {
         addRows<Kind>({
-            {"baseline JPEG", "a.jpg", ""},
-            {"progressive JPEG", "b.jpg", "-interlace Plane -quality 80"},
-            {"progressive JPEG, full chroma", "c.jpg", "-interlace Plane -sampling-factor 1x1"},
-            {"interlaced PNG", "e.png", "-interlace PNG"},
-            {"PPM", "f.ppm", ""},
-            {"PGM", "g.pgm", ""},
-            {"BMP", "h.bmp", "-type TrueColor"},
-            {"TIFF", "j.tif", ""},
-            {"deep TIFF", "k.tif", "-depth 16"},
-            {"TIFF of whole planes", "m.tif",
-             "-type TrueColor -depth 16 -interlace Plane -compress Zip -define tiff:rows-per-strip=3001"},
-            {"TIFF of one packed strip", "p.tif",
-             "+noise Random -type TrueColor -compress LZW -define tiff:rows-per-strip=3001"},
-            {"HEIC", "q.jpg", "-sampling-factor 2x2", true},
-            {"HEIC, full chroma", "r.jpg", "-sampling-factor 1x1", true},
-            {"GIF", "l.gif", ""},
-            {"lossless WebP", "n.webp", "-define webp:lossless=true,webp:method=0"},
+            {"baseline JPEG", u"a.jpg"_qs, {}},
+            {"progressive JPEG", u"b.jpg"_qs, words("-interlace Plane -quality 80")},
+            {"progressive JPEG, full chroma", u"c.jpg"_qs, words("-interlace Plane -sampling-factor 1x1")},
+            {"interlaced PNG", u"e.png"_qs, words("-interlace PNG")},
+            {"PPM", u"f.ppm"_qs, {}},
+            {"PGM", u"g.pgm"_qs, {}},
+            {"BMP", u"h.bmp"_qs, words("-type TrueColor")},
+            {"TIFF", u"j.tif"_qs, {}},
+            {"deep TIFF", u"k.tif"_qs, words("-depth 16")},
+            {"TIFF of whole planes", u"m.tif"_qs,
+             words("-type TrueColor -depth 16 -interlace Plane -compress Zip "
+                   "-define tiff:rows-per-strip=3001")},
+            {"TIFF of one packed strip", u"p.tif"_qs,
+             words("+noise Random -type TrueColor -compress LZW -define tiff:rows-per-strip=3001")},
+            {"HEIC", u"q.jpg"_qs, words("-sampling-factor 2x2"), true},
+            {"HEIC, full chroma", u"r.jpg"_qs, words("-sampling-factor 1x1"), true},
+            {"GIF", u"l.gif"_qs, {}},
+            {"lossless WebP", u"n.webp"_qs, words("-define webp:lossless=true,webp:method=0")},
         });
     }
-
     void toldIsTaken()
     {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
         QSKIP("a sanitizer takes more memory than the photos");
 #endif
-        const auto [row, name, options, isHeic] = currentRow<Kind>();
-        const QString large = made(*m_folder, name, {5003, 3001}, words(options));
-        const QString small = made(*m_folder, name, {53, 31}, words(options));
+        const auto [row, file, options, isCopyHeic] = currentRow<Kind>();
+        const QString large = made(*m_folder, file, {5003, 3001}, options);
+        const QString small = made(*m_folder, file, {53, 31}, options);
         if (large.isEmpty() || small.isEmpty())
             QSKIP("ImageMagick does not write this format");
         const auto source = ImageSource::open(large);
         if (!source)
             QFAIL(qPrintable(source.error().text));
-        const QString type = isHeic ? kHeic : usualType(*source);
+        const QString type = isCopyHeic ? kHeic : usualType(*source);
         if (!imageFormatOfType(type)->canWrite)
             QSKIP("no encoder of HEVC is installed");
         const qint64 told = toldBytes(*source, type);
@@ -171,7 +179,7 @@ private Q_SLOTS:
 
     void largePhotosTakeTurns()
     {
-        const QString photo = made(*m_folder, u"photo.jpg"_qs, {1600, 1200}, {u"-interlace"_qs, u"Plane"_qs});
+        const QString photo = made(*m_folder, u"photo.jpg"_qs, {1600, 1200}, words("-interlace Plane"));
         const auto source = ImageSource::open(photo);
         QVERIFY(source);
         const qint64 told = toldBytes(*source, usualType(*source));
@@ -202,7 +210,7 @@ private Q_SLOTS:
 
     void tooLargeForTheBudget()
     {
-        const QString photo = made(*m_folder, u"photo.png"_qs, {2000, 1500}, {u"-interlace"_qs, u"PNG"_qs});
+        const QString photo = made(*m_folder, u"photo.png"_qs, {2000, 1500}, words("-interlace PNG"));
         TestPhotoServices services(0, 2000 * 1500 * 4 - 1);
         const QString target = m_folder->path("copy.jpg");
         const auto copied = writeCopy(orderFor(photo, target), services.all);
@@ -229,13 +237,10 @@ private Q_SLOTS:
 
     void fewAddressesFailPhotos_data()
     {
-        QTest::addColumn<QString>("from");
-        QTest::addColumn<QString>("to");
-        QTest::newRow("from HEIC") << u"photo.heic"_qs << u"PNG"_qs;
-        QTest::newRow("to HEIC") << u"photo.jpg"_qs << u"HEIC"_qs;
-        QTest::newRow("from JPEG 2000") << u"photo.jp2"_qs << u"PNG"_qs;
+        addRows<Conversion>({{"from HEIC", u"photo.heic"_qs, "PNG"},
+                             {"to HEIC", u"photo.jpg"_qs, "HEIC"},
+                             {"from JPEG 2000", u"photo.jp2"_qs, "PNG"}});
     }
-
     /// Under a limit of addresses allocations fail, which some libraries do not survive: the program has to
     /// say no before it asks them.
     void fewAddressesFailPhotos()
@@ -246,8 +251,7 @@ private Q_SLOTS:
         const QString limiter = QStandardPaths::findExecutable(u"prlimit"_qs);
         if (limiter.isEmpty())
             QSKIP("prlimit is not installed");
-        QFETCH(QString, from);
-        QFETCH(QString, to);
+        const auto [row, from, to] = currentRow<Conversion>();
         if (!imageFormatOfType(kHeic)->canWrite)
             QSKIP("no encoder of HEVC is installed");
         const QString photo = made(*m_folder, from, {2000, 1500}, {});
@@ -255,27 +259,22 @@ private Q_SLOTS:
             QSKIP("ImageMagick does not write this format");
         int written = 0;
         for (const int megabytes : {90, 120, 125, 130, 140, 160, 180, 200, 220, 250, 300, 350, 1000}) {
-            QProcess process;
-            process.start(limiter,
-                          words("--as=%1 %2 save --text X --save-set imageFormat=%3 --jobs 2 --quiet "
-                                "--output %4 %5",
-                                QString::number(megabytes * 1'000'000LL), builtProgram(u"plexa-cli"_qs), to,
-                                m_folder->path("copies"), photo));
-            const bool hasEnded = process.waitForFinished(60'000);
-            const QByteArray said = QByteArray::number(megabytes) + " MB: " + process.readAllStandardError();
-            QVERIFY2(hasEnded && process.exitStatus() == QProcess::NormalExit, said);
-            if (process.exitCode() == 0)
+            const ProgramRun run = runProgram(
+                limiter,
+                words("--as=%1 %2 save --text X --save-set imageFormat=%3 --jobs 2 --quiet --output %4 %5",
+                      QString::number(megabytes * 1'000'000LL), builtProgram(u"plexa-cli"_qs), to,
+                      m_folder->path("copies"), photo));
+            const QByteArray said = QByteArray::number(megabytes) + " MB: " + run.err;
+            QVERIFY2(run.status != -1, said);
+            if (run.status == 0)
                 ++written;
-            else if (process.exitCode() == 127) // not even its libraries could be loaded
+            else if (run.status == 127) // not even its libraries could be loaded
                 QVERIFY2(megabytes < 120, said);
             else
-                QVERIFY2(process.exitCode() == 1 && said.contains("memory"), said);
+                QVERIFY2(run.status == 1 && said.contains("memory"), said);
         }
         QVERIFY(written > 0 && written < 12);
     }
-
-private:
-    std::unique_ptr<TestFolder> m_folder;
 };
 
 QTEST_GUILESS_MAIN(PhotoMemoryTest)

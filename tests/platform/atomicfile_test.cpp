@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "platform/atomicfile.h"
+#include "support/datarows.h"
 #include "support/files.h"
-#include "support/testenvironment.h"
+#include "support/testfolder.h"
 
 #include <QtTest>
 
@@ -21,9 +22,6 @@ using IfExists = AtomicFile::IfExists;
 using Durability = AtomicFile::Durability;
 using Staging = AtomicFile::Staging;
 
-Q_DECLARE_METATYPE(plexa::AtomicFile::IfExists)
-Q_DECLARE_METATYPE(plexa::AtomicFile::Staging)
-
 namespace
 {
 
@@ -33,6 +31,19 @@ mode_t modeOf(const QString &path)
     };
     return stat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_mode & 07777 : 0;
 }
+
+struct Way {
+    Text name;
+    IfExists ifExists = IfExists::Fail;
+    bool exists = false;
+    Staging staging = Staging::NamelessWherePossible;
+};
+
+struct Refusal {
+    Text name; ///< of the file
+    IfExists ifExists;
+    Text reason;
+};
 
 /// The failure's text, or an empty string.
 QString writeAll(AtomicFile &file, const QByteArray &bytes)
@@ -50,43 +61,46 @@ class AtomicFileTest : public QObject
 {
     Q_OBJECT
 
+private:
+    static void addStagings()
+    {
+        addRows<Way>({{"nameless"}, {"named", IfExists::Fail, false, Staging::Named}});
+    }
+    QStringList namesInOut() const { return namesIn(m_folder->path("out")); }
+
+    std::unique_ptr<TestFolder> m_folder;
+    QString m_target;
+
 private Q_SLOTS:
     void init()
     {
         m_folder = std::make_unique<TestFolder>();
         QVERIFY(m_folder->isValid());
-        m_out = m_folder->path("out");
-        QVERIFY(QDir().mkpath(m_out));
-        m_target = m_out + u"/copy \u00e9.jpg"_qs;
+        QVERIFY(QDir().mkpath(m_folder->path("out")));
+        m_target = m_folder->path("out/copy \u00e9.jpg");
     }
 
     void writes_data()
     {
-        QTest::addColumn<IfExists>("ifExists");
-        QTest::addColumn<Staging>("staging");
-        QTest::addColumn<bool>("exists");
-        for (const auto staging : {Staging::NamelessWherePossible, Staging::Named}) {
-            QTest::addRow("new, %d", int(staging)) << IfExists::Fail << staging << false;
-            QTest::addRow("new where one may stand, %d", int(staging))
-                << IfExists::Replace << staging << false;
-            QTest::addRow("replaced, %d", int(staging)) << IfExists::Replace << staging << true;
-        }
+        addRows<Way>({{"new", IfExists::Fail, false},
+                      {"new where one may stand", IfExists::Replace, false},
+                      {"replaced", IfExists::Replace, true},
+                      {"new, named", IfExists::Fail, false, Staging::Named},
+                      {"new where one may stand, named", IfExists::Replace, false, Staging::Named},
+                      {"replaced, named", IfExists::Replace, true, Staging::Named}});
     }
-
     void writes()
     {
-        QFETCH(IfExists, ifExists);
-        QFETCH(Staging, staging);
-        QFETCH(bool, exists);
+        const auto [name, ifExists, exists, staging] = currentRow<Way>();
         if (exists)
             QVERIFY(writeFile(m_target, "old"));
-        const QStringList before = namesIn(m_out);
+        const QStringList before = namesInOut();
         {
             AtomicFile abandoned(m_target, ifExists, Durability::Lazy, staging);
             QVERIFY(abandoned.open());
             abandoned.device().write("never seen");
         }
-        QCOMPARE(namesIn(m_out), before);
+        QCOMPARE(namesInOut(), before);
 
         AtomicFile file(m_target, ifExists, Durability::Synced, staging);
         QVERIFY(file.open());
@@ -95,35 +109,28 @@ private Q_SLOTS:
         QVERIFY(file.device().write("ab") == 2);
         QVERIFY(file.device().seek(0));
         QCOMPARE(file.device().read(4), QByteArray("01ab"));
-        QCOMPARE(exists ? contentsOf(m_target) : QByteArray("old"), QByteArray("old"));
-        for (const QString &name : namesIn(m_out))
+        QCOMPARE(contentsOf(m_target), exists ? "old" : QByteArray());
+        for (const QString &name : namesInOut())
             QVERIFY(before.contains(name) || AtomicFile::isTemporaryName(name));
         const auto done = file.commit();
         QVERIFY2(done, done ? "" : qPrintable(done.error().text));
-        QCOMPARE(contentsOf(m_target), QByteArray("01ab456789"));
-        QCOMPARE(namesIn(m_out).size(), 1);
+        QCOMPARE(contentsOf(m_target), "01ab456789");
+        QCOMPARE(namesInOut().size(), 1);
         QVERIFY(!file.commit());
     }
 
-    void failNeverReplaces_data()
-    {
-        QTest::addColumn<Staging>("staging");
-        QTest::newRow("nameless") << Staging::NamelessWherePossible;
-        QTest::newRow("named") << Staging::Named;
-    }
-
+    void failNeverReplaces_data() { addStagings(); }
     void failNeverReplaces()
     {
-        QFETCH(Staging, staging);
+        const Staging staging = currentRow<Way>().staging;
         AtomicFile late(m_target, IfExists::Fail, Durability::Lazy, staging);
         QVERIFY(late.open());
         late.device().write("new");
         QVERIFY(writeFile(m_target, "appeared meanwhile"));
         const auto done = late.commit();
-        QVERIFY(!done);
-        QVERIFY(done.error().text.contains(u"exists already"_qs));
-        QCOMPARE(contentsOf(m_target), QByteArray("appeared meanwhile"));
-        QCOMPARE(namesIn(m_out).size(), 1);
+        QVERIFY(!done && done.error().text.contains(u"exists already"_qs));
+        QCOMPARE(contentsOf(m_target), "appeared meanwhile");
+        QCOMPARE(namesInOut().size(), 1);
 
         const QString link = m_folder->path("out/dangling.jpg");
         QVERIFY(QFile::link(m_folder->path("nowhere"), link));
@@ -132,17 +139,11 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(m_folder->path("nowhere")));
     }
 
-    void alternatives_data()
-    {
-        QTest::addColumn<Staging>("staging");
-        QTest::newRow("nameless") << Staging::NamelessWherePossible;
-        QTest::newRow("named") << Staging::Named;
-    }
-
+    void alternatives_data() { addStagings(); }
     /// Names that are taken before the file is begun and while it is written are passed over.
     void alternatives()
     {
-        QFETCH(Staging, staging);
+        const Staging staging = currentRow<Way>().staging;
         const auto numbered = [this](int number) { return m_target + QString::number(number); };
         QVERIFY(writeFile(m_target, "old"));
         AtomicFile file(m_target, IfExists::Fail, Durability::Lazy, staging);
@@ -156,7 +157,7 @@ private Q_SLOTS:
         QVERIFY(file.commit());
         QCOMPARE(contentsOf(numbered(3)), "new");
         QCOMPARE(contentsOf(m_target) + contentsOf(numbered(1)) + contentsOf(numbered(2)), "oldoldold");
-        QCOMPARE(namesIn(m_out).size(), 4);
+        QCOMPARE(namesInOut().size(), 4);
 
         QVERIFY(writeFile(numbered(4), "old"));
         AtomicFile last(numbered(4), IfExists::Fail, Durability::Lazy, staging);
@@ -168,7 +169,7 @@ private Q_SLOTS:
 
     void oneOfManyWins()
     {
-        QFETCH(Staging, staging);
+        const Staging staging = currentRow<Way>().staging;
         for (int round = 0; round < 20; ++round) {
             const QString target = m_target + QString::number(round);
             std::atomic<int> ready = 0;
@@ -195,16 +196,14 @@ private Q_SLOTS:
             QCOMPARE(winners, 1);
             QCOMPARE(contentsOf(target), QByteArray::number(winner));
         }
-        QCOMPARE(namesIn(m_out).size(), 20);
+        QCOMPARE(namesInOut().size(), 20);
     }
 
     void fullDisk_data() { writes_data(); }
 
     void fullDisk()
     {
-        QFETCH(IfExists, ifExists);
-        QFETCH(Staging, staging);
-        QFETCH(bool, exists);
+        const auto [name, ifExists, exists, staging] = currentRow<Way>();
         if (exists)
             QVERIFY(writeFile(m_target, "old"));
         // A limit of the file size stands in for a full disk: the write is cut short in the same way.
@@ -226,7 +225,7 @@ private Q_SLOTS:
         QVERIFY2(texts[1].endsWith(u"the file is larger than is allowed here"_qs), qPrintable(texts[1]));
         QVERIFY(texts[1].contains(m_target));
         QCOMPARE(texts[2], texts[1]);
-        QCOMPARE(namesIn(m_out).size(), exists ? 1 : 0);
+        QCOMPARE(namesInOut().size(), exists ? 1 : 0);
         if (exists)
             QCOMPARE(contentsOf(m_target).size(), 100'000);
     }
@@ -251,34 +250,25 @@ private Q_SLOTS:
 
     void refusals_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<IfExists>("ifExists");
-        QTest::addColumn<QString>("reason");
-        const auto row = [](const char *name, IfExists ifExists, const char *reason) {
-            QTest::newRow(qPrintable(QLatin1String(name).left(30)))
-                << QString::fromLatin1(name) << ifExists << QString::fromLatin1(reason);
-        };
-        row("no/such/folder.jpg", IfExists::Fail, "the folder does not exist");
-        row("file/copy.jpg", IfExists::Fail, "a part of its path is not a folder");
-        row("folder", IfExists::Replace, "a folder of that name exists");
-        row("file", IfExists::Fail, "a file of that name exists already");
-        row("circle", IfExists::Replace, "its symbolic links go in a circle");
-        row("pipe", IfExists::Replace, "it is not an ordinary file");
-        row(QByteArray(300, 'n').constData(), IfExists::Replace, "its name is too long");
+        addRows<Refusal>({{"no/such/folder.jpg", IfExists::Fail, "the folder does not exist"},
+                          {"file/copy.jpg", IfExists::Fail, "a part of its path is not a folder"},
+                          {"folder", IfExists::Replace, "a folder of that name exists"},
+                          {"file", IfExists::Fail, "a file of that name exists already"},
+                          {"circle", IfExists::Replace, "its symbolic links go in a circle"},
+                          {"pipe", IfExists::Replace, "it is not an ordinary file"},
+                          {QString(300, u'n'), IfExists::Replace, "its name is too long"}});
     }
-
     void refusals()
     {
-        QFETCH(QString, name);
-        QFETCH(IfExists, ifExists);
-        QFETCH(QString, reason);
+        const auto [name, ifExists, reason] = currentRow<Refusal>();
         QVERIFY(writeFile(m_folder->path("file"), "old"));
         QVERIFY(QDir().mkpath(m_folder->path("folder")));
         QVERIFY(QFile::link(m_folder->path("circle"), m_folder->path("circle")));
         QCOMPARE(mkfifo(QFile::encodeName(m_folder->path("pipe")).constData(), 0600), 0);
         AtomicFile file(m_folder->path(name), ifExists, Durability::Lazy);
-        QCOMPARE(writeAll(file, "new"), u"\"%1\" cannot be written: %2"_qs.arg(m_folder->path(name), reason));
-        QCOMPARE(contentsOf(m_folder->path("file")), QByteArray("old"));
+        QCOMPARE(writeAll(file, "new"),
+                 QStringLiteral("\"%1\" cannot be written: %2").arg(m_folder->path(name), reason));
+        QCOMPARE(contentsOf(m_folder->path("file")), "old");
     }
 
     void folderVanishes()
@@ -290,8 +280,7 @@ private Q_SLOTS:
             QVERIFY(file.open());
             QVERIFY(QDir(folder).removeRecursively());
             const auto done = file.commit();
-            QVERIFY(!done);
-            QVERIFY(done.error().text.contains(u"the folder does not exist"_qs));
+            QVERIFY(!done && done.error().text.contains(u"the folder does not exist"_qs));
         }
     }
 
@@ -308,7 +297,7 @@ private Q_SLOTS:
         QCOMPARE(writeAll(file, "new"), QString());
         QVERIFY(QFileInfo(link).isSymLink());
         QVERIFY(!QFileInfo(m_target).isSymLink());
-        QCOMPARE(contentsOf(m_target), QByteArray("new"));
+        QCOMPARE(contentsOf(m_target), "new");
         QCOMPARE(modeOf(m_target), mode_t(0751));
     }
 
@@ -357,14 +346,9 @@ private Q_SLOTS:
         int status = 0;
         QCOMPARE(waitpid(child, &status, 0), child);
         QVERIFY(WIFSIGNALED(status));
-        for (const QString &name : namesIn(m_out))
+        for (const QString &name : namesInOut())
             QVERIFY2(AtomicFile::isTemporaryName(name), qPrintable(name));
     }
-
-private:
-    std::unique_ptr<TestFolder> m_folder;
-    QString m_out;
-    QString m_target;
 };
 
 QTEST_GUILESS_MAIN(AtomicFileTest)

@@ -2,6 +2,8 @@
 
 #include "platform/keyedarchive.h"
 #include "platform/propertylistcheck.h"
+#include "support/bytes.h"
+#include "support/datarows.h"
 #include "support/files.h"
 #include "support/keyedarchives.h"
 #include "support/testenvironment.h"
@@ -20,11 +22,52 @@ namespace
 using Key = QLatin1StringView;
 using Mutability = KeyedArchiver::Mutability;
 
+struct Form {
+    Text name;
+    bool isXml = false;
+    bool isCopy = false;
+};
+
+struct Bomb {
+    Text name;
+    QByteArray bytes;
+    Text fault;
+};
+
 } // namespace
 
 class KeyedArchiveTest : public QObject
 {
     Q_OBJECT
+
+private:
+    ArchivedValue read(const char *name)
+    {
+        const auto top = ArchivedValue::readArchive(contentsOf(m_folder.path(name)));
+        return top ? *top : ArchivedValue();
+    }
+
+    /// The value, out of an archive that it was copied into twice, between other objects.
+    static ArchivedValue copyOf(const ArchivedValue &value)
+    {
+        KeyedArchiver archiver;
+        archiver.addString(u"shift the numbers of objects"_qs);
+        const KeyedArchiver::Reference copy = archiver.addCopy(value.kept());
+        archiver.top().setObject(Key("Other"), archiver.addColor(Qt::red));
+        archiver.top().setObject(Key("Copy"), copy);
+        const bool isOneObject = archiver.addCopy(value.kept()) == copy;
+        const auto bytes = archiver.finish();
+        const auto top =
+            bytes && isOneObject ? ArchivedValue::readArchive(*bytes) : Result<ArchivedValue>(fail({}));
+        return top ? top->value(Key("Copy")) : ArchivedValue();
+    }
+
+    QByteArray xmlForm(const char *name) const
+    {
+        return outputOf(u"plistutil"_qs, {u"-f"_qs, u"xml"_qs, u"-i"_qs, m_folder.path(name)});
+    }
+
+    TestFolder m_folder;
 
 private Q_SLOTS:
     void initTestCase() { QVERIFY(writeKeyedArchives(m_folder.path())); }
@@ -106,17 +149,11 @@ private Q_SLOTS:
 
     void whatOthersWriteIsRead_data()
     {
-        QTest::addColumn<bool>("isXml");
-        QTest::addColumn<bool>("isCopy");
-        QTest::newRow("binary") << false << false;
-        QTest::newRow("XML") << true << false;
-        QTest::newRow("copied into another archive") << false << true;
+        addRows<Form>({{"binary"}, {"XML", true}, {"copied into another archive", false, true}});
     }
-
     void whatOthersWriteIsRead()
     {
-        QFETCH(bool, isXml);
-        QFETCH(bool, isCopy);
+        const auto [row, isXml, isCopy] = currentRow<Form>();
         const auto opened = ArchivedValue::readArchive(isXml ? xmlForm("values.plist")
                                                              : contentsOf(m_folder.path("values.plist")));
         QVERIFY(opened);
@@ -162,8 +199,8 @@ private Q_SLOTS:
 
     void whatIsBrokenIsNone()
     {
-        QFETCH(bool, isCopy);
-        const ArchivedValue top = isCopy ? copyOf(read("broken.plist")) : read("broken.plist");
+        const ArchivedValue top =
+            currentRow<Form>().isCopy ? copyOf(read("broken.plist")) : read("broken.plist");
         QVERIFY(!top.isNone());
         for (const char *key : {"far", "furthest", "null", "reference"})
             QVERIFY2(top.value(Key(key)).isNone(), key);
@@ -180,64 +217,56 @@ private Q_SLOTS:
 
     void bombsAreRefused_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("fault");
-        const auto file = [this](const char *name) {
-            return contentsOf(m_folder.path(QLatin1StringView(name)));
-        };
-        const QString damaged = u"it is damaged"_qs;
-        const QString tooMuch = u"it holds more than can be read"_qs;
-        QTest::newRow("unfolds to 10^16 objects") << file("unfolds.plist") << tooMuch;
-        QTest::newRow("two thousand keys") << file("keys.plist") << tooMuch;
-        QTest::newRow("a null character in a key") << file("null-in-ascii-key.plist") << damaged;
-        QTest::newRow("the same in UTF-16") << file("null-in-utf16-key.plist") << damaged;
-        QTest::newRow("nested 500 deep") << file("nested.plist") << damaged;
+        const auto file = [this](const char *name) { return contentsOf(m_folder.path(name)); };
+        const Text damaged = "it is damaged";
+        const Text tooMuch = "it holds more than can be read";
+        const Text noArchive = "it is no archive of objects";
+        addRow(Bomb{"unfolds to 10^16 objects", file("unfolds.plist"), tooMuch});
+        addRow(Bomb{"two thousand keys", file("keys.plist"), tooMuch});
+        addRow(Bomb{"a null character in a key", file("null-in-ascii-key.plist"), damaged});
+        addRow(Bomb{"the same in UTF-16", file("null-in-utf16-key.plist"), damaged});
+        addRow(Bomb{"nested 500 deep", file("nested.plist"), damaged});
         // One object, its place in a table of one, and the trailer.
         const auto list = [](const char *object, quint64 count = 1) {
             const QByteArray bytes = QByteArray::fromHex(object);
-            QByteArray file = "bplist00" + bytes + '\x08' + QByteArray(6, '\0') + "\x01\x01";
-            for (const quint64 number : {count, quint64(0), quint64(8 + bytes.size())}) {
-                for (int shift = 56; shift >= 0; shift -= 8)
-                    file += static_cast<char>(number >> shift & 0xff);
-            }
-            return file;
+            const QByteArray file = "bplist00" + bytes + '\x08' + QByteArray(6, '\0') + "\x01\x01";
+            return file + bigEndian(count, 8) + bigEndian(0, 8) + bigEndian(8 + bytes.size(), 8);
         };
-        QTest::newRow("inside of itself") << list("a100") << damaged;
-        QTest::newRow("endless data") << list("4f137fffffffffffffff") << damaged;
-        QTest::newRow("endless array") << list("af137fffffffffffffff") << damaged;
-        QTest::newRow("endless table") << list("09", 1ULL << 60) << damaged;
-        QTest::newRow("no archive") << list("09") << u"it is no archive of objects"_qs;
-        QTest::newRow("nothing") << QByteArray() << damaged;
+        addRow(Bomb{"inside of itself", list("a100"), damaged});
+        addRow(Bomb{"endless data", list("4f137fffffffffffffff"), damaged});
+        addRow(Bomb{"endless array", list("af137fffffffffffffff"), damaged});
+        addRow(Bomb{"endless table", list("09", 1ULL << 60), damaged});
+        addRow(Bomb{"no archive", list("09"), noArchive});
+        addRow(Bomb{"nothing", QByteArray(), damaged});
         const auto xml = [](const QByteArray &contents, const QByteArray &start = {}) {
             return "<?xml version=\"1.0\"?>" + start + "<plist>" + contents + "</plist>";
         };
-        QTest::newRow("XML, nested 500 deep")
-            << xml(QByteArray("<array>").repeated(500) + QByteArray("</array>").repeated(500)) << damaged;
-        QTest::newRow("XML, two thousand keys")
-            << xml("<dict>" + QByteArray("<key>k</key><true/>").repeated(2000) + "</dict>") << tooMuch;
-        QTest::newRow("XML, with entities of its own")
-            << xml("<string>&a;</string>", "<!DOCTYPE plist [<!ENTITY a \"aaaa\">]>") << damaged;
+        addRow(Bomb{"XML, nested 500 deep",
+                    xml(QByteArray("<array>").repeated(500) + QByteArray("</array>").repeated(500)),
+                    damaged});
+        addRow(Bomb{"XML, two thousand keys",
+                    xml("<dict>" + QByteArray("<key>k</key><true/>").repeated(2000) + "</dict>"), tooMuch});
+        addRow(Bomb{"XML, with entities of its own",
+                    xml("<string>&a;</string>", "<!DOCTYPE plist [<!ENTITY a \"aaaa\">]>"), damaged});
         for (const char *wrong :
              {"<integer>12345678901234567890</integer>", "<data>?</data>", "<null/>", "<string>",
               "<dict><true/></dict>", "<dict><key>k</key></dict>", "<true/><true/>", ""})
-            QTest::addRow("XML, %s", wrong) << xml(wrong) << damaged;
+            addRow(Bomb{u"XML, "_qs + QLatin1String(wrong), xml(wrong), damaged});
         const QString wide = u"\uFEFF<plist><dict/></plist>"_qs;
-        QTest::newRow("XML in UTF-16, no archive")
-            << QByteArray(reinterpret_cast<const char *>(wide.utf16()), wide.size() * 2)
-            << u"it is no archive of objects"_qs;
-        QTest::newRow("XML, no archive") << xml("<dict/>") << u"it is no archive of objects"_qs;
+        addRow(Bomb{"XML in UTF-16, no archive",
+                    QByteArray(reinterpret_cast<const char *>(wide.utf16()), wide.size() * 2), noArchive});
+        addRow(Bomb{"XML, no archive", xml("<dict/>"), noArchive});
     }
 
     void bombsAreRefused()
     {
-        QFETCH(QByteArray, bytes);
-        QFETCH(QString, fault);
+        const auto [row, bytes, fault] = currentRow<Bomb>();
         const auto top = ArchivedValue::readArchive(bytes);
         QVERIFY(!top);
         QCOMPARE(top.error().text, fault);
     }
 
-    void limitsHoldAndTruncatedArchivesAreRefused()
+    void endlessAndTruncatedArchives()
     {
         // Arrays that are one array: more than an archive may hold when each is looked at.
         const auto nones = [](const ArchivedValue &array) {
@@ -253,41 +282,13 @@ private Q_SLOTS:
         QCOMPARE(nones(texts.value(Key("texts"))), 0);
         QVERIFY(!texts.isExhausted());
 
-        const QByteArray binary = contentsOf(m_folder.path("values.plist"));
-        for (const QByteArray &whole : {binary, xmlForm("values.plist").trimmed()}) {
-            for (qsizetype i = 0; i < whole.size(); i += 5)
-                QVERIFY(!ArchivedValue::readArchive(whole.first(i)));
+        for (const QByteArray &whole :
+             {contentsOf(m_folder.path("values.plist")), xmlForm("values.plist").trimmed()}) {
+            QVERIFY(ArchivedValue::readArchive(whole));
+            for (qsizetype size = 0; size < whole.size(); ++size)
+                QVERIFY(!ArchivedValue::readArchive(whole.first(size)));
         }
     }
-
-private:
-    ArchivedValue read(const char *name)
-    {
-        const auto top = ArchivedValue::readArchive(contentsOf(m_folder.path(QLatin1StringView(name))));
-        return top ? *top : ArchivedValue();
-    }
-
-    /// The value, out of an archive that it was copied into twice, between other objects.
-    static ArchivedValue copyOf(const ArchivedValue &value)
-    {
-        KeyedArchiver archiver;
-        archiver.addString(u"shift the numbers of objects"_qs);
-        const KeyedArchiver::Reference copy = archiver.addCopy(value.kept());
-        archiver.top().setObject(Key("Other"), archiver.addColor(Qt::red));
-        archiver.top().setObject(Key("Copy"), copy);
-        const bool isOneObject = archiver.addCopy(value.kept()) == copy;
-        const auto bytes = archiver.finish();
-        const auto top =
-            bytes && isOneObject ? ArchivedValue::readArchive(*bytes) : Result<ArchivedValue>(fail({}));
-        return top ? top->value(Key("Copy")) : ArchivedValue();
-    }
-
-    QByteArray xmlForm(const char *name) const
-    {
-        return outputOf("plistutil -f xml -i %1", m_folder.path(QLatin1StringView(name)));
-    }
-
-    TestFolder m_folder;
 };
 
 QTEST_APPLESS_MAIN(KeyedArchiveTest)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "platform/fontcatalog.h"
+#include "support/files.h"
 #include "support/testenvironment.h"
 
 #include <QGuiApplication>
@@ -9,6 +10,7 @@
 #include <QtTest>
 
 using namespace plexa;
+using namespace plexa::test;
 
 namespace
 {
@@ -34,22 +36,9 @@ void cutPostScriptNames(QByteArray &font, int letters)
     }
 }
 
-QByteArray contents(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool put(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
 QString installedFile(const QString &postScriptName)
 {
-    return QString::fromUtf8(test::outputOf(
-        u"fc-list"_qs, {u':' + u"postscriptname="_qs + postScriptName, u"--format"_qs, u"%{file}"_qs}));
+    return QString::fromUtf8(outputOf("fc-list :postscriptname=%1 --format %{file}", postScriptName));
 }
 
 } // namespace
@@ -82,9 +71,9 @@ private Q_SLOTS:
 int main(int argc, char **argv)
 {
     // The fonts must be there before anything asks fontconfig.
-    const test::TestFolder folder;
+    const TestFolder folder;
     const QString book = installedFile(u"DejaVuSans"_qs);
-    QByteArray bold = contents(installedFile(u"DejaVuSans-Bold"_qs));
+    QByteArray bold = contentsOf(installedFile(u"DejaVuSans-Bold"_qs));
     if (book.isEmpty() || bold.isEmpty()) {
         qCritical("the DejaVu fonts are not installed");
         return 1;
@@ -92,8 +81,8 @@ int main(int argc, char **argv)
     cutPostScriptNames(bold, int(qstrlen("DejaVuSans")));
     const QString config = folder.path("fonts.conf");
     const QString text = u"<fontconfig><dir>%1</dir><cachedir>%1/cache</cachedir></fontconfig>"_qs;
-    if (!QFile::copy(book, folder.path("a.ttf")) || !put(folder.path("b.ttf"), bold) ||
-        !put(config, text.arg(folder.path()).toUtf8()))
+    if (!QFile::copy(book, folder.path("a.ttf")) || !writeFile(folder.path("b.ttf"), bold) ||
+        !writeFile(config, text.arg(folder.path()).toUtf8()))
         return 1;
     qputenv("FONTCONFIG_FILE", config.toUtf8());
     QGuiApplication application(argc, argv);

@@ -20,14 +20,15 @@ namespace
 SavingPresetValues presetWith(const QStringList &tokens)
 {
     SavingPresetValues values;
-    values.name = u"Web"_qs;
+    values.name = QStringLiteral("Web");
     values.filenameTokens = tokens;
     return values;
 }
 
 QString nameFor(const SavingPresetValues &preset, const QString &city, const QString &path, qint64 number = 7)
 {
-    return OutputNaming::filenameForImage(fakePhoto({40, 30}, city, path), path, u"Mark"_qs, preset, number);
+    return OutputNaming::filenameForImage(fakePhoto({40, 30}, city, path), path, QStringLiteral("Mark"),
+                                          preset, number);
 }
 
 } // namespace
@@ -200,7 +201,7 @@ private Q_SLOTS:
         QFETCH(QString, below);
         const TestFolder folder;
         ScriptedAlerts alerts;
-        const QString destination = folder.path("Out");
+        const QString destination = folder.path(u"Out"_qs);
         const OutputNaming replicating({destination, true, start}, alerts);
         QCOMPARE(replicating.targetDirectoryForFile(source),
                  below.isEmpty() ? destination : destination + u'/' + below);
@@ -214,12 +215,12 @@ private Q_SLOTS:
     {
         const TestFolder folder;
         ScriptedAlerts alerts;
-        const OutputNaming naming({folder.path("Out"), true, folder.path("In")}, alerts);
-        const QString target = naming.targetDirectoryForFile(folder.path("In/b/c/a.jpg"));
+        const OutputNaming naming({folder.path(u"Out"_qs), true, folder.path(u"In"_qs)}, alerts);
+        const QString target = naming.targetDirectoryForFile(folder.path(u"In/b/c/a.jpg"_qs));
         QVERIFY(QFileInfo(target).isDir());
         QCOMPARE(pathsBelow(folder.path()), (QStringList{u"Out"_qs, u"Out/b"_qs, u"Out/b/c"_qs}));
-        QVERIFY(writeFile(folder.path("Out/d"), "old")); // in the way of a folder
-        QCOMPARE(naming.targetDirectoryForFile(folder.path("In/d/a.jpg")), folder.path("Out/d"));
+        QVERIFY(writeFile(folder.path(u"Out/d"_qs), "old")); // in the way of a folder
+        QCOMPARE(naming.targetDirectoryForFile(folder.path(u"In/d/a.jpg"_qs)), folder.path(u"Out/d"_qs));
     }
 
     void uniqueNames_data()
@@ -272,9 +273,9 @@ private Q_SLOTS:
         QFETCH(QString, given);
         QFETCH(bool, overwrites);
         const TestFolder folder;
-        const QString path = folder.path("a.jpg");
+        const QString path = folder.path(u"a.jpg"_qs);
         // A link that points nowhere would be written through.
-        QVERIFY(QFile::link(folder.path("nowhere"), path));
+        QVERIFY(QFile::link(folder.path(u"nowhere"_qs), path));
         ScriptedAlerts alerts;
         OutputNaming naming({}, alerts);
         qint32 code = 0;
@@ -304,15 +305,15 @@ private Q_SLOTS:
     void rememberedAnswerEndsWithTheRun()
     {
         const TestFolder folder;
-        QVERIFY(writeFile(folder.path("a.jpg"), "old") && writeFile(folder.path("b.jpg"), "old"));
+        QVERIFY(writeFile(folder.path(u"a.jpg"_qs), "old") && writeFile(folder.path(u"b.jpg"_qs), "old"));
         ScriptedAlerts alerts;
         for (int run = 0; run < 2; ++run) {
             OutputNaming naming({}, alerts);
             qint32 code = 0;
             alerts.expect(u"The file exists:\n  a.jpg"_qs, {2, true});
-            QVERIFY(!naming.finalDestinationForPath(folder.path("a.jpg"), code));
-            QVERIFY(!naming.finalDestinationForPath(folder.path("b.jpg"), code));
-            QVERIFY(naming.finalDestinationForPath(folder.path("c.jpg"), code));
+            QVERIFY(!naming.finalDestinationForPath(folder.path(u"a.jpg"_qs), code));
+            QVERIFY(!naming.finalDestinationForPath(folder.path(u"b.jpg"_qs), code));
+            QVERIFY(naming.finalDestinationForPath(folder.path(u"c.jpg"_qs), code));
             QCOMPARE(code, std::numeric_limits<qint32>::min() + 3);
         }
         QCOMPARE(alerts.complaints(), QStringList());
@@ -324,28 +325,29 @@ private Q_SLOTS:
         ScriptedAlerts alerts;
         OutputNaming naming({}, alerts);
         auto code = OutputNaming::always(OutputNaming::kOverwrite);
-        const QString path = folder.path("a.jpg");
+        const QString path = folder.path(u"a.jpg"_qs);
         QVERIFY(naming.finalDestinationForPath(path, code));
         for (int i = 1; i <= 9999; ++i)
             QVERIFY(naming.finalDestinationForPath(folder.path(u"a-%1.jpg"_qs.arg(i)), code));
         code = OutputNaming::always(OutputNaming::kUniqueName);
         QVERIFY(!naming.finalDestinationForPath(path, code));
-        naming.finished(folder.path("a-9999.jpg"));
-        QCOMPARE(naming.finalDestinationForPath(path, code)->path, folder.path("a-9999.jpg"));
+        naming.finished(folder.path(u"a-9999.jpg"_qs));
+        QCOMPARE(naming.finalDestinationForPath(path, code)->path, folder.path(u"a-9999.jpg"_qs));
     }
 
     void aFileThatIsBeingWrittenExists()
     {
         const TestFolder folder;
-        QVERIFY(QDir().mkpath(folder.path("Out")));
-        QVERIFY(QFile::link(folder.path("Out"), folder.path("link")));
+        QVERIFY(QDir().mkpath(folder.path(u"Out"_qs)));
+        QVERIFY(QFile::link(folder.path(u"Out"_qs), folder.path(u"link"_qs)));
         ScriptedAlerts alerts;
         OutputNaming naming({}, alerts);
-        const QString path = folder.path("Out/a.jpg");
+        const QString path = folder.path(u"Out/a.jpg"_qs);
         qint32 code = 0;
         QVERIFY(naming.finalDestinationForPath(path, code));
         // The same file by other names.
-        for (const QString &same : {path, folder.path("link/a.jpg"), folder.path("Out/../Out//a.jpg")}) {
+        for (const QString &same :
+             {path, folder.path(u"link/a.jpg"_qs), folder.path(u"Out/../Out//a.jpg"_qs)}) {
             QVERIFY(naming.isBeingWritten(same));
             alerts.expect(u"The file exists:\n  a.jpg"_qs, {0, false});
             const auto other = naming.finalDestinationForPath(same, code);
@@ -374,7 +376,7 @@ private Q_SLOTS:
         std::vector<std::thread> threads;
         QSet<QString> given;
         for (int i = 0; i < 50; ++i) {
-            const QString path = naming.finalDestinationForPath(folder.path("a.jpg"), code).value().path;
+            const QString path = naming.finalDestinationForPath(folder.path(u"a.jpg"_qs), code).value().path;
             QVERIFY(!given.contains(path));
             given.insert(path);
             threads.emplace_back([&naming, path] {

@@ -15,7 +15,7 @@ using Conflict = SavingOutput::Conflict;
 namespace
 {
 
-const QString kExists = u"The file exists:\n  "_qs;
+const QString kExists = QStringLiteral("The file exists:\n  ");
 
 /// Lets a test act while a question is open.
 class ActingAlerts final : public Alerts
@@ -54,9 +54,9 @@ private Q_SLOTS:
         QFETCH(bool, combines);
         QFETCH(bool, isInSingleMode);
         QFETCH(QStringList, names);
-        std::vector<AppliedPreset> marks{mark(u"A"_qs)};
+        std::vector<AppliedPreset> marks{mark(QStringLiteral("A"))};
         if (presets == 2)
-            marks.push_back(mark(u"B"_qs));
+            marks.push_back(mark(QStringLiteral("B")));
         SavingRun run = runFor({photo(u"1.png"_qs), photo(u"2.png"_qs), photo(u"3.png"_qs)}, marks);
         run.defaultSavingPreset.filenameTokens = {u"watermark preset name"_qs, u"sequence #"_qs};
         run.combineAllAppliedPresetsInImage = combines;
@@ -140,7 +140,7 @@ private Q_SLOTS:
     void workGoesOnDuringAQuestion()
     {
         QVERIFY(QDir().mkpath(path(u"out"_qs)));
-        QVERIFY(detailedPicture({9, 9}).save(path(u"out/img02.png"_qs)));
+        QVERIFY(smoothPicture({9, 9}).save(path(u"out/img02.png"_qs)));
         ActingAlerts alerts;
         bool isFirstDone = false;
         alerts.act = [&](const Alert &alert) -> AlertAnswer {
@@ -182,7 +182,7 @@ private Q_SLOTS:
     void skippedCopiesUseUpTheirNumbers()
     {
         QVERIFY(QDir().mkpath(path(u"out"_qs)));
-        QVERIFY(detailedPicture({9, 9}).save(path(u"out/img02.png"_qs)));
+        QVERIFY(smoothPicture({9, 9}).save(path(u"out/img02.png"_qs)));
         SavingRun run = runFor({photo(u"1.png"_qs), photo(u"2.png"_qs), photo(u"3.png"_qs)}, {mark(u"A"_qs)});
         run.conflictCode = OutputNaming::always(OutputNaming::kSkip);
         Saving saving(m_noAlerts);

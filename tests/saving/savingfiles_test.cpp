@@ -1,9 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "saving/savingruns.h"
+#include "support/datarows.h"
+#include "support/files.h"
+#include "support/testpictures.h"
 
 #include <QColorSpace>
 #include <QtTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <thread>
 
@@ -15,13 +21,21 @@ using Conflict = SavingOutput::Conflict;
 namespace
 {
 
-/// Nothing but the pixels, for comparing.
-QImage pixels(QImage image)
-{
-    image.convertTo(QImage::Format_RGB32);
-    image.setColorSpace({});
-    return image;
-}
+struct NoFolder {
+    Text name;
+    Text folder;
+};
+
+struct Jobs {
+    Text name;
+    int jobs;
+};
+
+struct FailedFirst {
+    Text name;
+    OutputNaming::Choice choice; ///< kNoChoice: the user is asked
+    QList<Conflict> conflicts;
+};
 
 } // namespace
 
@@ -60,15 +74,13 @@ private Q_SLOTS:
 
     void foldersThatTakeNothing_data()
     {
-        QTest::addColumn<QString>("folder");
-        QTest::newRow("read-only, whoever writes") << u"/proc/self"_qs;
-        QTest::newRow("cannot be made") << u"/proc/no such folder"_qs;
-        QTest::newRow("vanishes") << QString();
+        addRows<NoFolder>({{"read-only, also for the superuser", "/proc/self"},
+                           {"cannot be created", "/proc/no such folder"},
+                           {"vanishes", {}}});
     }
-
     void foldersThatTakeNothing()
     {
-        QFETCH(QString, folder);
+        const QString folder = currentRow<NoFolder>().folder;
         SavingRun run = runFor({photo(u"1.png"_qs), photo(u"2.png"_qs)}, {mark(u"A"_qs)});
         if (!folder.isEmpty())
             run.folders.destDirectory = folder;
@@ -82,19 +94,13 @@ private Q_SLOTS:
         QVERIFY(m_listener.outputs[0].error.contains(u"img01.png"));
     }
 
-    void overwritingTheOriginals_data()
-    {
-        QTest::addColumn<int>("jobs");
-        for (const int jobs : {1, 2, 8})
-            QTest::addRow("%d jobs", jobs) << jobs;
-    }
-
+    void overwritingTheOriginals_data() { addRows<Jobs>({{"1 job", 1}, {"2 jobs", 2}, {"8 jobs", 8}}); }
     /// As if one copy was made after another: all copies of a photo are made of what it was when it was
     /// begun, and a photo that comes twice is the second time what the first time has left.
     void overwritingTheOriginals()
     {
-        QFETCH(int, jobs);
-        const QImage bare = detailedPicture({300, 200});
+        const int jobs = currentRow<Jobs>().jobs;
+        const QImage bare = smoothPicture({300, 200});
         const QString once = photo(u"once.png"_qs, bare.size());
         const QString twice = photo(u"twice.png"_qs, bare.size());
         AppliedPreset left = mark(u"Left"_qs);
@@ -115,9 +121,9 @@ private Q_SLOTS:
         ImageObject photo(asBefore, m_services.all);
         const QImage marked = photo.createWatermarkedImage({}, right);
         QVERIFY(marked != bare);
-        QCOMPARE(pixels(QImage(once)), pixels(marked));
+        QCOMPARE(pixelsOf(QImage(once)), pixelsOf(marked));
         const QImage again = photo.createWatermarkedImage(marked, right);
-        QCOMPARE(pixels(QImage(twice)), pixels(again));
+        QCOMPARE(pixelsOf(QImage(twice)), pixelsOf(again));
     }
 
     /// Also when it goes by another name, which its copy gets.
@@ -135,8 +141,26 @@ private Q_SLOTS:
         run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
         run.conflictCode = OutputNaming::always(OutputNaming::kOverwrite);
         Saving(m_noAlerts).saveImages(run, m_listener);
-        QCOMPARE(pixels(QImage(photo)), pixels(once));
-        QCOMPARE(pixels(QImage(path(u"in/alias.png"_qs))), pixels(again));
+        QCOMPARE(pixelsOf(QImage(photo)), pixelsOf(once));
+        QCOMPARE(pixelsOf(QImage(path(u"in/alias.png"_qs))), pixelsOf(again));
+    }
+
+    void overwrittenFilesKeepTheirOwner()
+    {
+        QVERIFY(writeFile(path(u"out/img01.png"_qs), "old"));
+        const QByteArray target = QFile::encodeName(path(u"out/img01.png"_qs));
+        if (chown(target.constData(), 12345, 23456) != 0)
+            QSKIP("this user may not give files to others");
+        SavingRun run = runFor({photo(u"1.png"_qs)}, {mark(u"A"_qs)});
+        run.conflictCode = OutputNaming::always(OutputNaming::kOverwrite);
+        Saving(m_noAlerts).saveImages(run, m_listener);
+        QCOMPARE(m_listener.outputs.first().status, Status::Written);
+        struct stat info {
+        };
+        QCOMPARE(stat(target.constData(), &info), 0);
+        QVERIFY(info.st_size > 3);
+        QCOMPARE(info.st_uid, uid_t(12345));
+        QCOMPARE(info.st_gid, gid_t(23456));
     }
 
     void sameNamesFromManyFolders()
@@ -162,23 +186,18 @@ private Q_SLOTS:
 
     void aFailedCopyHasNoName_data()
     {
-        QTest::addColumn<int>("choice"); // none: the user is asked
-        QTest::addColumn<QList<Conflict>>("conflicts");
-        QTest::newRow("unique") << int(OutputNaming::kUniqueName) // nobody waits to see the first one fail
-                                << QList{Conflict::None, Conflict::UniqueName, Conflict::UniqueName};
-        QTest::newRow("overwrite") << int(OutputNaming::kOverwrite)
-                                   << QList{Conflict::None, Conflict::None, Conflict::Overwrite};
-        QTest::newRow("skip") << int(OutputNaming::kSkip)
-                              << QList{Conflict::None, Conflict::None, Conflict::Skip};
-        QTest::newRow("asked") << int(OutputNaming::kNoChoice)
-                               << QList{Conflict::None, Conflict::None, Conflict::Skip};
+        using enum SavingOutput::Conflict;
+        addRows<FailedFirst>({{"unique",
+                               OutputNaming::kUniqueName,
+                               {None, UniqueName, UniqueName}}, // does not wait for the first one
+                              {"overwrite", OutputNaming::kOverwrite, {None, None, Overwrite}},
+                              {"skip", OutputNaming::kSkip, {None, None, Skip}},
+                              {"asked", OutputNaming::kNoChoice, {None, None, Skip}}});
     }
-
     /// Three photos of one name, the first of which cannot be read: only the third finds a file.
     void aFailedCopyHasNoName()
     {
-        QFETCH(int, choice);
-        QFETCH(QList<Conflict>, conflicts);
+        const auto [row, choice, conflicts] = currentRow<FailedFirst>();
         for (const int jobs : {1, 4}) {
             startAnew();
             const QStringList photos{photo(u"1/a.png"_qs, {1500, 1500}), photo(u"2/a.png"_qs, {900, 900}),
@@ -191,7 +210,7 @@ private Q_SLOTS:
             if (choice == OutputNaming::kNoChoice)
                 alerts.expect(u"The file exists:\n  a.png"_qs, {2, false});
             else
-                run.conflictCode = OutputNaming::always(static_cast<OutputNaming::Choice>(choice));
+                run.conflictCode = OutputNaming::always(choice);
             Saving(alerts).saveImages(run, m_listener);
             QCOMPARE(alerts.complaints(), QStringList());
             QList<Conflict> found;

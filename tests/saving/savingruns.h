@@ -4,6 +4,7 @@
 
 #include "presets/savingpreset.h"
 #include "saving/saving.h"
+#include "support/files.h"
 #include "support/scriptedalerts.h"
 #include "support/testenvironment.h"
 #include "support/testpictures.h"
@@ -64,7 +65,7 @@ protected:
     QString photo(const QString &name, QSize size = {40, 30}) const
     {
         const QString file = path(QStringLiteral("in/") + name);
-        if (!QDir().mkpath(QFileInfo(file).path()) || !detailedPicture(size).save(file))
+        if (!QDir().mkpath(QFileInfo(file).path()) || !smoothPicture(size).save(file))
             qFatal("no photo can be made");
         return file;
     }
