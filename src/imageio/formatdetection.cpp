@@ -10,11 +10,6 @@ namespace plexa
 namespace
 {
 
-bool isClassicTiff(QByteArrayView head)
-{
-    return head.startsWith(QByteArrayView("II*\0", 4)) || head.startsWith(QByteArrayView("MM\0*", 4));
-}
-
 bool isRaw(const ImageFormat *format)
 {
     static const Codec *const rawCodec = imageFormatOfType(QStringLiteral("image/x-dcraw"))->codec;

@@ -15,6 +15,7 @@
 #include "imageio/codecs/simple/tgacodec.h"
 #include "imageio/codecs/tiff/tiffcodec.h"
 #include "imageio/container/heifbrands.h"
+#include "imageio/container/tiffpictures.h"
 
 #include <QtEndian>
 
@@ -46,8 +47,7 @@ bool isWebp(QByteArrayView head)
 
 bool isTiff(QByteArrayView head)
 {
-    return head.startsWith(QByteArrayView("II*\0", 4)) || head.startsWith(QByteArrayView("MM\0*", 4)) ||
-           head.startsWith(QByteArrayView("II+\0\x08\0\0\0", 8)) ||
+    return isClassicTiff(head) || head.startsWith(QByteArrayView("II+\0\x08\0\0\0", 8)) ||
            head.startsWith(QByteArrayView("MM\0+\0\x08\0\0", 8));
 }
 

@@ -105,6 +105,11 @@ private:
 
 } // namespace
 
+bool isClassicTiff(QByteArrayView head)
+{
+    return head.startsWith(QByteArrayView("II*\0", 4)) || head.startsWith(QByteArrayView("MM\0*", 4));
+}
+
 TiffPictures readTiffPictures(QIODevice &device)
 {
     return Walk(device).pictures();

@@ -2,10 +2,15 @@
 
 #pragma once
 
+#include <QByteArrayView>
 #include <QIODevice>
 
 namespace plexa
 {
+
+/// Whether a file starts like TIFF with 32-bit offsets, which most camera raw formats do as well.
+/// @param head  the first bytes of the file
+bool isClassicTiff(QByteArrayView head);
 
 /// What the directories of a TIFF file say of the pictures in it.
 struct TiffPictures {

@@ -2,6 +2,8 @@
 
 #include "imageio/codecs/raw/rawformats.h"
 
+#include "imageio/container/tiffpictures.h"
+
 #include <algorithm>
 
 namespace plexa
@@ -9,11 +11,6 @@ namespace plexa
 
 namespace
 {
-
-bool isClassicTiff(QByteArrayView head)
-{
-    return head.startsWith(QByteArrayView("II*\0", 4)) || head.startsWith(QByteArrayView("MM\0*", 4));
-}
 
 bool isCr2(QByteArrayView head)
 {
