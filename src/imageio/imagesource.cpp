@@ -212,14 +212,9 @@ std::shared_ptr<const EmbeddedMetadata> ImageSource::metadata() const
     return m_state->metadata;
 }
 
-Result<QImage> ImageSource::createImage() const
+Result<QImage> ImageSource::createImage(int minimumSide) const
 {
-    return m_state->readImage(1);
-}
-
-Result<QImage> ImageSource::createReducedImage(int minimumSide) const
-{
-    return m_state->readImage(m_state->reductionTo(minimumSide));
+    return m_state->readImage(minimumSide > 0 ? m_state->reductionTo(minimumSide) : 1);
 }
 
 qint64 ImageSource::rowsBytes() const

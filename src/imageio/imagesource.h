@@ -46,15 +46,13 @@ public:
     /// All metadata of the file, for a copy to keep what the dictionary does not model. Never null.
     std::shared_ptr<const EmbeddedMetadata> metadata() const;
 
-    /// Image 0 as stored (no orientation tag followed), 8-bit sRGB.
-    [[nodiscard]] Result<QImage> createImage() const;
+    /// Image 0 as stored (no orientation tag followed), 8-bit sRGB. Where `minimumSide` is above 0, at least
+    /// that long on its longer side where the file has as many pixels: decoded at a reduced scale where the
+    /// format can, else reduced while its rows are read.
+    [[nodiscard]] Result<QImage> createImage(int minimumSide = 0) const;
 
-    /// Image 0 as stored, at least `minimumSide` on its longer side where the file has that many, decoded at
-    /// a reduced scale where the format can, else reduced while its rows are read.
-    [[nodiscard]] Result<QImage> createReducedImage(int minimumSide) const;
-
-    /// The rows of image 0; where `minimumSide` is above 0, those of the picture that createReducedImage()
-    /// returns. The reader uses this object's file: keep it alive, and read one at a time.
+    /// The rows of the picture that createImage() returns. The reader uses this object's file: keep it alive,
+    /// and read one at a time.
     [[nodiscard]] Result<std::unique_ptr<RowReader>> openRows(int minimumSide = 0) const;
 
     /// The most memory (bytes) that a reader of openRows() takes besides the caller's strips: 0 where the
@@ -62,11 +60,10 @@ public:
     /// picture with what its conversion takes. To be reserved before openRows().
     qint64 rowsBytes() const;
 
-    /// The most memory (bytes) that createImage() or, where `minimumSide` is above 0, createReducedImage()
-    /// takes, the image included.
+    /// The most memory (bytes) that createImage() takes, the image included.
     qint64 imageBytes(int minimumSide = 0) const;
 
-    /// Pixels of what createReducedImage() gives, or createImage() where `minimumSide` is 0.
+    /// The size in pixels of the image that createImage() returns.
     QSize imageSize(int minimumSide = 0) const;
 
 private:

@@ -71,7 +71,7 @@ Uprighting uprightingOf(QSize stored, const ImageMetadata &metadata, int turns, 
 
 /// The whole upright picture.
 /// @param reducedTo    0 for the full size; else the least pixels of the stored picture's longer side (as
-///                     ImageSource::createReducedImage())
+///                     ImageSource::createImage())
 /// @param isCancelled  asked before each strip of rows
 [[nodiscard]] Result<QImage> readUpright(const ImageSource &source, const Uprighting &uprighting,
                                          int reducedTo = 0, const CancelCheck &isCancelled = {});
