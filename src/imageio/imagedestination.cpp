@@ -13,10 +13,10 @@ namespace plexa
 namespace
 {
 
-/// Room for a thumbnail: one of 160 pixels with much detail has about this many bytes at good quality.
+/// The size of a thumbnail of 160 pixels with much detail at good quality.
 constexpr qsizetype kThumbnailBytes = 10'000;
 
-/// Puts pixels that show through onto white and hands them to a writer that knows no alpha.
+/// Puts translucent pixels onto white for a writer without alpha.
 class FlatteningWriter final : public RowWriter
 {
 public:
@@ -51,7 +51,7 @@ private:
     static void flatten(const QRgb *from, QRgb *to, int count)
     {
         for (int x = 0; x < count; ++x) {
-            const QRgb color = from[x]; // premultiplied: what is missing to opaque is white
+            const QRgb color = from[x]; // premultiplied
             const int white = 255 - qAlpha(color);
             to[x] = qRgb(qRed(color) + white, qGreen(color) + white, qBlue(color) + white);
         }
@@ -67,7 +67,7 @@ double positiveNumber(const QVariantMap &properties, const QString &key)
     return number > 0 ? number : 0;
 }
 
-/// How the pixels are encoded; the metadata are left out.
+/// The options for the pixels, without metadata.
 WriteOptions pictureOptions(const CopyRequest &request)
 {
     const QVariantMap &properties = request.properties;
@@ -85,7 +85,7 @@ WriteOptions pictureOptions(const CopyRequest &request)
     return options;
 }
 
-/// The rows that the format's codec is given.
+/// The rows for the format's codec.
 RowFormat writtenFormat(const RowFormat &format, const ImageFormat &target)
 {
     return {format.size, format.hasAlpha && target.writesAlpha};
@@ -96,7 +96,9 @@ RowFormat writtenFormat(const RowFormat &format, const ImageFormat &target)
 qint64 destinationBytes(const RowFormat &format, const CopyRequest &request)
 {
     const ImageFormat *target = imageFormatOfType(request.type);
-    return target ? target->codec->writerBytes(writtenFormat(format, *target), pictureOptions(request)) : 0;
+    return target && target->codec->writerBytes
+               ? target->codec->writerBytes(writtenFormat(format, *target), pictureOptions(request))
+               : 0;
 }
 
 Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowFormat &format,
@@ -108,20 +110,19 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
     const QVariantMap &properties = request.properties;
     WriteOptions options = pictureOptions(request);
     const auto metadata = request.source ? request.source->metadata() : EmbeddedMetadata::none();
-    const bool hasThumbnail = metadata->hasThumbnail() && target->codec->holdsThumbnail();
+    const bool hasThumbnail = metadata->hasThumbnail() && target->codec->keepsThumbnail;
     const EmbeddedMetadata::CopyFacts facts = {format.size,
                                                hasThumbnail ? kThumbnailBytes : 0,
-                                               target->codec->maxExifBytes(),
-                                               target->codec->writesIptc(),
+                                               target->codec->maxExifBytes,
+                                               target->codec->keepsIptc,
                                                request.cleared,
                                                request.isTurned,
-                                               target->codec->writesExif()};
+                                               target->codec->keepsExif};
     const EmbeddedMetadata::Encoded encoded = metadata->encodeForCopy(properties, facts);
     if (request.omitted) {
         *request.omitted += encoded.omitted;
         const QString comment = QStringLiteral("comment");
-        if (!encoded.comment.isEmpty() && !target->codec->writesComment() &&
-            !encoded.omitted.contains(comment))
+        if (!encoded.comment.isEmpty() && !target->codec->keepsComment && !encoded.omitted.contains(comment))
             *request.omitted += comment;
     }
     options.exif = encoded.exif;
@@ -155,7 +156,7 @@ Result<void> writeImage(QIODevice &device, const QImage &image, const CopyReques
 
 QStringList droppedPictures(const ImageSource &source)
 {
-    // A preview is the photo over again, only smaller: nobody misses it.
+    // A preview is a smaller copy of the photo.
     QStringList pictures = source.info().unmarkedPictures;
     pictures.removeAll(u"preview"_qs);
     return pictures;

@@ -13,10 +13,8 @@ class EndWatch final : public QIODevice
 {
 public:
     /// @param device  open for reading, random access; must outlive the watch
-    /// @param from    position; reads that begin before it are not watched
-    EndWatch(QIODevice &device, qint64 from)
+    explicit EndWatch(QIODevice &device)
         : m_device(device)
-        , m_from(from)
     {
         open(QIODevice::ReadOnly | QIODevice::Unbuffered);
     }
@@ -35,7 +33,7 @@ protected:
         const qint64 at = pos();
         const bool isInside = at < m_device.size() && m_device.seek(at);
         const qint64 got = isInside ? m_device.read(data, count) : 0;
-        m_hasEndedEarly = m_hasEndedEarly || (got < count && at >= m_from);
+        m_hasEndedEarly = m_hasEndedEarly || got < count;
         return got;
     }
 
@@ -43,7 +41,6 @@ protected:
 
 private:
     QIODevice &m_device;
-    const qint64 m_from;
     bool m_hasEndedEarly = false;
 };
 

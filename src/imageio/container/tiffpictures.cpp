@@ -12,10 +12,10 @@ namespace plexa
 namespace
 {
 
-/// More pictures than that are counted as that many: a crafted chain of directories costs time.
-constexpr int kMaxPictures = 10'000;
+/// Bound for crafted chains of directories.
+constexpr size_t kMaxPictures = 10'000;
 
-/// Directories may lie over one another; real ones have some dozens of fields.
+/// Directories may overlap; real ones have some dozens of fields.
 constexpr int kMaxFields = 400'000;
 
 constexpr quint32 kMaxInnerPictures = 16;
@@ -45,12 +45,12 @@ public:
         m_found.isTiff = m_reader.isTiff();
         std::set<quint64> seen;
         int fields = 0;
-        for (quint64 at = m_reader.first(); at != 0 && m_found.count < kMaxPictures && fields < kMaxFields;) {
+        for (quint64 at = m_reader.first(); at != 0 && seen.size() < kMaxPictures && fields < kMaxFields;) {
             const auto directory = seen.insert(at).second ? m_reader.read(at) : std::nullopt;
             if (!directory)
                 break;
-            if (m_found.count++ == 0)
-                takeFirst(directory->fields);
+            if (seen.size() == 1)
+                readFirst(directory->fields);
             else
                 m_found.hasFurtherPages = m_found.hasFurtherPages || isPage(directory->fields);
             m_found.hasRawPicture = m_found.hasRawPicture || isRaw(directory->fields);
@@ -63,7 +63,7 @@ public:
 private:
     quint64 numberOf(const TiffFields &fields, Tag tag) const { return m_reader.number(fields.value(tag)); }
 
-    void takeFirst(const TiffFields &fields)
+    void readFirst(const TiffFields &fields)
     {
         m_found.beginsReduced = (numberOf(fields, NewSubfileType) & 1) != 0;
         m_found.hasMake = fields.contains(Make);
@@ -88,10 +88,10 @@ private:
 
     bool isPage(const TiffFields &fields) const
     {
-        constexpr quint64 kPageOfMany = 2; // every other bit is one of a kind that belongs to another picture
+        constexpr quint64 kPageOfMany = 2; // other bits mark parts of another picture
         const bool isWhole = (numberOf(fields, NewSubfileType) & ~kPageOfMany) == 0 &&
-                             numberOf(fields, SubfileType) != 2; // the older way to say "reduced"
-        // As EXIF keeps its thumbnail.
+                             numberOf(fields, SubfileType) != 2; // the older code for "reduced"
+        // The form of EXIF.
         const bool isThumbnail = fields.contains(JpegInterchangeFormat) && !fields.contains(StripOffsets) &&
                                  !fields.contains(TileOffsets);
         constexpr quint64 kMask = 4;

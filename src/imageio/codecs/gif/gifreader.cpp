@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/base/picturefailures.h"
-#include "imageio/codecs/gif/gifcodec.h"
+#include "imageio/codecs/codecs.h"
 #include "imageio/color/rowconversion.h"
 #include "imageio/container/gifstructure.h"
 
@@ -30,7 +30,7 @@ struct Source {
         const qint64 got = source->device->read(reinterpret_cast<char *>(bytes), count);
         source->readFailed = source->readFailed || got < 0;
         source->reachedEnd = source->reachedEnd || (got >= 0 && got < count);
-        // A file that lacks nothing but the end of its last block is whole.
+        // A file that lacks only the end of its last block is complete.
         const bool suppliesTerminator = got == 0 && count == 1;
         if (suppliesTerminator)
             *bytes = 0;
@@ -39,7 +39,7 @@ struct Source {
     }
 };
 
-/// Unpacks the first frame's indices through giflib, from the descriptor on: what stands before is known.
+/// Unpacks the first frame's indices through giflib, from the descriptor on.
 class GifDecoder
 {
 public:
@@ -81,7 +81,7 @@ public:
         if (error == D_GIF_ERR_NOT_ENOUGH_MEM)
             return PictureFailures::outOfMemory();
         return m_source.reachedEnd || m_source.sawTerminator || error == D_GIF_ERR_EOF_TOO_SOON
-                   ? PictureFailures::endsEarly()
+                   ? PictureFailures::truncated()
                    : PictureFailures::damaged();
     }
 
@@ -91,8 +91,8 @@ private:
     int m_openError = 0;
 };
 
-/// What all indices look like, premultiplied sRGB. One that the file's table does not have is black, and
-/// without any table the colors are black and white, as the first two of a table are by the standard.
+/// The colors of all indices, premultiplied sRGB: black beyond the file's table; black and white without one,
+/// by the standard.
 std::array<QRgb, 256> colorsOf(const ColorMapObject *table, const GifStructure &structure)
 {
     std::array<QRgb, 256> colors;
@@ -107,18 +107,17 @@ std::array<QRgb, 256> colorsOf(const ColorMapObject *table, const GifStructure &
     return colors;
 }
 
-/// Checks what can be known before anything is decoded.
 Result<void> checkStructure(const GifStructure &structure, const ReadLimits &limits)
 {
     if (const auto checked = PictureFailures::checkSize(structure.size, limits); !checked)
         return checked;
     if (structure.frame.isEmpty())
         return fail(PictureFailures::damaged());
-    // A code of w bits stands for 2^w pixels at most and has 12 bits at most.
+    // A code of w bits represents 2^w pixels at most; w is 12 at most.
     constexpr qint64 kMaxPixelsOfByte = (8 * 4096 + 11) / 12;
     const qint64 pixels = qint64(structure.frame.width()) * structure.frame.height();
     if (structure.frameDataBytes < pixels / kMaxPixelsOfByte)
-        return fail(PictureFailures::endsEarly());
+        return fail(PictureFailures::truncated());
     return structure.isInterlaced ? PictureFailures::checkMemory(structure.frame.size(), 1, limits)
                                   : Result<void>();
 }
@@ -176,7 +175,6 @@ private:
         return true;
     }
 
-    /// The rows come in four passes: every eighth, those in the middle between them, and so on.
     bool readInterlaced()
     {
         constexpr struct {
@@ -210,14 +208,13 @@ Result<GifStructure> readCheckedStructure(QIODevice &device, const ReadLimits &l
 
 } // namespace
 
-Result<PictureInfo> GifCodec::readInfo(QIODevice &device, const ReadLimits &limits) const
+Result<PictureInfo> readGifInfo(QIODevice &device, const ReadLimits &limits)
 {
     const Result<GifStructure> structure = readCheckedStructure(device, limits);
     if (!structure)
         return tl::unexpected(structure.error());
     PictureInfo info;
     info.rows = {structure->size, structure->hasAlpha()};
-    info.imageCount = structure->frameCount;
     info.colorModel = QStringLiteral("RGB");
     info.iccProfile = structure->iccProfile;
     if (structure->isInterlaced)
@@ -227,8 +224,7 @@ Result<PictureInfo> GifCodec::readInfo(QIODevice &device, const ReadLimits &limi
     return info;
 }
 
-Result<std::unique_ptr<RowReader>> GifCodec::openReader(QIODevice &device, const ReadLimits &limits,
-                                                        int) const
+Result<std::unique_ptr<RowReader>> openGifReader(QIODevice &device, const ReadLimits &limits, int)
 {
     Result<GifStructure> structure = readCheckedStructure(device, limits);
     if (!structure)

@@ -28,11 +28,11 @@ using HeifHandle = std::unique_ptr<heif_image_handle, HeifFree<heif_image_handle
 using HeifImage = std::unique_ptr<heif_image, HeifFree<heif_image_release>>;
 using HeifColors = std::unique_ptr<heif_color_profile_nclx, HeifFree<heif_nclx_color_profile_free>>;
 
-/// Makes libheif ready; only the first call does something. Any thread.
+/// Prepares libheif; further calls have no effect. Any thread.
 void prepareHeifLibrary();
 
-/// A HEIF file that is open for decoding. The library throws where it runs out of memory or meets sizes that
-/// it did not expect, so its callers catch std::exception.
+/// A HEIF file that is open for decoding. The library throws on lack of memory and on unexpected sizes, so
+/// callers catch std::exception.
 class HeifFile
 {
 public:
@@ -42,21 +42,25 @@ public:
     HeifFile &operator=(const HeifFile &) = delete;
 
     /// Reads the boxes and finds the primary picture.
-    [[nodiscard]] Result<void> open(const char *formatName);
+    [[nodiscard]] Result<void> open();
 
     heif_context *context() const { return m_context.get(); }
     const heif_image_handle *primary() const { return m_primary.get(); }
 
-    /// A failure of the library in the program's words.
-    Error failure(const heif_error &error, const char *formatName) const;
+    /// The program's text for a failure of the library.
+    Error failure(const heif_error &error) const;
 
-    /// The profile that the file carries for this picture; empty when it has none.
+    /// "HEIC" or "AVIF".
+    const char *formatName() const { return m_formatName; }
+
+    /// The profile of the primary picture; may be empty.
     QByteArray iccProfile() const;
 
 private:
     static const heif_reader kReader;
 
     QIODevice &m_device;
+    const char *const m_formatName;
     bool m_hasReadError = false;
     HeifContext m_context;
     HeifHandle m_primary;

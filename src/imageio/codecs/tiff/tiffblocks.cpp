@@ -2,8 +2,9 @@
 
 #include "imageio/codecs/tiff/tiffblocks.h"
 
-#include "imageio/codecs/tiff/tiffsamples.h"
+#include <QFloat16>
 
+#include <cstring>
 #include <limits>
 #include <new>
 
@@ -15,14 +16,13 @@ namespace
 
 constexpr qint64 kTooMuch = std::numeric_limits<qint64>::max();
 
-/// A product that stays at the largest number instead of running over it.
+/// A product that saturates at the largest number.
 qint64 times(qint64 a, qint64 b)
 {
     return b > 0 && a > kTooMuch / b ? kTooMuch : a * b;
 }
 
-/// Rows are unpacked from a strip that libtiff reads whole, of at most the file's size; what is not packed it
-/// reads piece by piece.
+/// libtiff reads a packed strip whole, at most the file's size, and unpacked ones in pieces.
 qint64 largestPackedStrip(TIFF *tiff, qint64 fileBytes)
 {
     quint16 compression = COMPRESSION_NONE;
@@ -34,6 +34,92 @@ qint64 largestPackedStrip(TIFF *tiff, qint64 fileBytes)
     for (quint32 i = 0; i < strips; ++i)
         largest = qMax(largest, quint64(TIFFGetStrileByteCount(tiff, i)));
     return qint64(qMin(largest, quint64(fileBytes)));
+}
+
+template<class Value>
+Value valueAt(const uchar *bytes, qint64 index)
+{
+    Value value;
+    std::memcpy(&value, bytes + index * qint64(sizeof value), sizeof value);
+    return value;
+}
+
+quint16 wordOf(double value)
+{
+    return value > 0 ? quint16(qMin(value, 1.0) * 65535 + 0.5) : 0;
+}
+
+quint16 wordOf(float value)
+{
+    return value > 0 ? quint16(qMin(value, 1.0f) * 65535 + 0.5f) : 0;
+}
+
+/// The sample of up to 16 bits that begins at that bit.
+quint32 bitsAt(const uchar *bytes, qint64 bit, int depth)
+{
+    const uchar *b = bytes + bit / 8;
+    const int end = int(bit % 8) + depth; // in bits from the first byte on
+    quint32 value = b[0];
+    int read = 8;
+    for (; read < end; read += 8)
+        value = value << 8 | *++b;
+    return value >> (read - end) & ((1u << depth) - 1);
+}
+
+template<class Sample>
+void unpackEach(qint64 count, quint16 *out, int stride, Sample sample)
+{
+    for (qint64 i = 0; i < count; ++i, out += stride)
+        *out = sample(i);
+}
+
+void unpackFloats(const uchar *bytes, qint64 count, int depth, quint16 *out, int stride)
+{
+    switch (depth) {
+    case 16:
+        unpackEach(count, out, stride,
+                   [bytes](qint64 i) { return wordOf(float(valueAt<qfloat16>(bytes, i))); });
+        break;
+    case 32:
+        unpackEach(count, out, stride, [bytes](qint64 i) { return wordOf(valueAt<float>(bytes, i)); });
+        break;
+    default:
+        unpackEach(count, out, stride, [bytes](qint64 i) { return wordOf(valueAt<double>(bytes, i)); });
+    }
+}
+
+/// Converts a row of TIFF samples to 16-bit numbers: samples of up to 8 bits keep their value, others are
+/// scaled to 0..65535. Floats are clamped to 0..1; not-a-number becomes 0.
+/// @param bytes   as libtiff returns them: samples of whole bytes in native order, others packed from the
+///                highest bit down
+/// @param depth   bits per sample: 1..16 or 32; for floats 16, 32 or 64
+/// @param stride  from one number to the next in `out`
+void unpackSamples(const uchar *bytes, qint64 count, int depth, bool isFloat, quint16 *out, int stride)
+{
+    if (isFloat) {
+        unpackFloats(bytes, count, depth, out, stride);
+        return;
+    }
+    switch (depth) {
+    case 8:
+        unpackEach(count, out, stride, [bytes](qint64 i) { return bytes[i]; });
+        break;
+    case 16:
+        unpackEach(count, out, stride, [bytes](qint64 i) { return valueAt<quint16>(bytes, i); });
+        break;
+    case 32:
+        unpackEach(count, out, stride, [bytes](qint64 i) {
+            return quint16((valueAt<quint32>(bytes, i) * quint64(65535) + 0x7fffffff) / 0xffffffff);
+        });
+        break;
+    default: {
+        const quint32 full = (1u << depth) - 1;
+        unpackEach(count, out, stride, [=](qint64 i) {
+            const quint32 value = bitsAt(bytes, i * depth, depth);
+            return quint16(depth < 8 ? value : (value * 65535 + full / 2) / full);
+        });
+    }
+    }
 }
 
 } // namespace
@@ -73,7 +159,7 @@ bool TiffBlocks::isConsistent() const
 
 qint64 TiffBlocks::bytesNeeded() const
 {
-    // One block more for what libtiff reads of the file before it is unpacked.
+    // One more block for the packed bytes.
     const qint64 held = times(times(m_blockBytes, m_blocksAcross), qint64(m_planes.size()));
     const qint64 packed = m_isByLine ? largestPackedStrip(m_file.handle(), m_file.fileBytes()) : m_blockBytes;
     const qint64 blocks = held > kTooMuch - packed ? kTooMuch : held + packed;
@@ -83,7 +169,7 @@ qint64 TiffBlocks::bytesNeeded() const
 
 bool TiffBlocks::allocate()
 {
-    // What the file's data do not fill is never touched, and so takes no memory.
+    // Pages that the file's data do not fill are never touched, so they need no memory.
     m_bytes.reset(new (std::nothrow) uchar[size_t(m_blockBytes * m_blocksAcross * qint64(m_planes.size()))]);
     if (!m_bytes)
         return false;
@@ -105,8 +191,9 @@ quint16 *TiffBlocks::readSamples(int row)
         for (qint64 i = 0; i < m_blocksAcross; ++i, block += m_blockBytes) {
             const qint64 x = i * m_facts.blockWidth;
             const qint64 width = qMin<qint64>(m_facts.blockWidth, m_facts.size.width() - x);
-            unpack(block, width * together, m_samples.data() + x * m_facts.samples + plane,
-                   m_facts.isPlanar ? m_facts.samples : 1);
+            unpackSamples(block, width * together, m_facts.depth, m_facts.isFloat,
+                          m_samples.data() + x * m_facts.samples + plane,
+                          m_facts.isPlanar ? m_facts.samples : 1);
         }
     }
     return m_samples.data();
@@ -116,7 +203,8 @@ bool TiffBlocks::readLine(int row)
 {
     if (TIFFReadScanline(m_file.handle(), m_bytes.get(), quint32(row), 0) != 1 || m_file.isDamaged())
         return false;
-    unpack(m_bytes.get(), qint64(m_samples.size()), m_samples.data(), 1);
+    unpackSamples(m_bytes.get(), qint64(m_samples.size()), m_facts.depth, m_facts.isFloat, m_samples.data(),
+                  1);
     return true;
 }
 
@@ -185,11 +273,6 @@ bool TiffBlocks::readRasters(int row)
     }
     m_firstRow = first;
     return true;
-}
-
-void TiffBlocks::unpack(const uchar *bytes, qint64 count, quint16 *out, int stride) const
-{
-    unpackTiffSamples(bytes, count, m_facts.depth, m_facts.isFloat, out, stride);
 }
 
 } // namespace plexa

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/base/picturefailures.h"
+#include "imageio/codecs/codecs.h"
 #include "imageio/codecs/tiff/tiffblocks.h"
-#include "imageio/codecs/tiff/tiffcodec.h"
 #include "imageio/codecs/tiff/tifffile.h"
 #include "imageio/color/rowconversion.h"
 #include "imageio/container/tiffpictures.h"
@@ -21,10 +21,10 @@ namespace
 
 using Kind = TiffFacts::Kind;
 
-/// A reader that holds no more than that needs no memory reserved.
+/// A reader that holds less needs no memory reserved.
 constexpr qint64 kStreamedBytes = 1024 * 1024;
 
-/// The colors of a palette. Some programs write bytes in place of words.
+/// The colors of a palette. Some programs write bytes instead of words.
 std::vector<QRgb> paletteOf(const TiffFacts &facts, TIFF *tiff)
 {
     const size_t count = size_t(1) << facts.depth;
@@ -96,7 +96,7 @@ void unifyLab(const TiffFacts &facts, quint16 *samples)
     }
 }
 
-/// What reading takes: blocks, and a row on its way through the colors.
+/// The memory for reading: blocks, and a row in conversion.
 qint64 bytesToRead(const TiffBlocks &blocks, const TiffFacts &facts)
 {
     constexpr qint64 kWordsOfAPixel = 4;
@@ -163,7 +163,7 @@ private:
 
 } // namespace
 
-Result<PictureInfo> TiffCodec::readInfo(QIODevice &device, const ReadLimits &limits) const
+Result<PictureInfo> readTiffInfo(QIODevice &device, const ReadLimits &limits)
 {
     TiffFile file(device, limits);
     if (const auto opened = file.open(); !opened)
@@ -171,23 +171,19 @@ Result<PictureInfo> TiffCodec::readInfo(QIODevice &device, const ReadLimits &lim
     const TiffFacts &facts = file.facts();
     PictureInfo info;
     info.rows = {facts.size, facts.alphaSample >= 0};
-    const TiffPictures pictures = readTiffPictures(device);
-    info.imageCount = qMax(1, pictures.count);
-    if (pictures.hasFurtherPages)
+    if (readTiffPictures(device).hasFurtherPages)
         info.unmarkedPictures.append(QStringLiteral("further pages"));
     info.depth = facts.depth;
     info.colorModel = facts.colorModel;
     info.iccProfile = facts.iccProfile;
     info.dpiWidth = facts.dpiWidth;
     info.dpiHeight = facts.dpiHeight;
-    // Planes and tiles are gathered; a few rows of them cost no more than the strip they go into.
     const qint64 bytes = bytesToRead(TiffBlocks(file), facts);
     info.decoderBytes = bytes > kStreamedBytes ? bytes : 0;
     return info;
 }
 
-Result<std::unique_ptr<RowReader>> TiffCodec::openReader(QIODevice &device, const ReadLimits &limits,
-                                                         int) const
+Result<std::unique_ptr<RowReader>> openTiffReader(QIODevice &device, const ReadLimits &limits, int)
 {
     auto reader = std::make_unique<TiffRowReader>(device, limits);
     if (const auto opened = reader->open(); !opened)
