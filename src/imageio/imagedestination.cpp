@@ -7,6 +7,8 @@
 #include "imageio/imagesource.h"
 #include "metadata/propertykeys.h"
 
+#include <QPainter>
+
 namespace plexa
 {
 
@@ -31,34 +33,21 @@ public:
 private:
     Result<void> encodeRows(const QImage &strip, int count) override
     {
-        if (m_strip.width() != strip.width() || m_strip.height() < kRows)
-            m_strip = QImage(strip.width(), kRows, QImage::Format_RGB32);
-        if (m_strip.isNull())
-            return fail(PictureFailures::outOfMemory());
+        constexpr int kRows = 64;
         for (int done = 0; done < count; done += kRows) {
             const int rows = qMin(kRows, count - done);
-            for (int y = 0; y < rows; ++y)
-                flatten(reinterpret_cast<const QRgb *>(strip.constScanLine(done + y)),
-                        reinterpret_cast<QRgb *>(m_strip.scanLine(y)), strip.width());
-            if (const auto written = m_writer->writeRows(m_strip, rows); !written)
+            QImage flat(strip.width(), rows, QImage::Format_RGB32);
+            if (flat.isNull())
+                return fail(PictureFailures::outOfMemory());
+            flat.fill(Qt::white);
+            QPainter(&flat).drawImage(0, -done, strip);
+            if (const auto written = m_writer->writeRows(flat, rows); !written)
                 return written;
         }
         return {};
     }
 
-    static constexpr int kRows = 64;
-
-    static void flatten(const QRgb *from, QRgb *to, int count)
-    {
-        for (int x = 0; x < count; ++x) {
-            const QRgb color = from[x]; // premultiplied
-            const int white = 255 - qAlpha(color);
-            to[x] = qRgb(qRed(color) + white, qGreen(color) + white, qBlue(color) + white);
-        }
-    }
-
     std::unique_ptr<RowWriter> m_writer;
-    QImage m_strip;
 };
 
 double positiveNumber(const QVariantMap &properties, const QString &key)

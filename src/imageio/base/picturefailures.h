@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include "imageio/base/readlimits.h"
 #include "platform/result.h"
 
 #include <QCoreApplication>
@@ -11,6 +10,12 @@
 
 namespace plexa
 {
+
+/// Bounds for pictures from outside.
+struct ReadLimits {
+    qint64 maxPixels = 1'000'000'000; ///< a picture with more is refused
+    qint64 maxBytes = 4'000'000'000;  ///< memory that one decoded picture may take
+};
 
 /// The reasons why a picture cannot be read or written: text that follows a file's name and a colon.
 class PictureFailures

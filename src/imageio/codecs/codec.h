@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "imageio/base/readlimits.h"
+#include "imageio/base/picturefailures.h"
 #include "imageio/base/rowstream.h"
 #include "imageio/embedded/pngtexts.h"
 #include "platform/result.h"

@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include "imageio/base/readlimits.h"
 #include "imageio/container/filecomments.h"
 #include "platform/result.h"
 

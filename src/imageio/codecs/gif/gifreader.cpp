@@ -107,19 +107,25 @@ std::array<QRgb, 256> colorsOf(const ColorMapObject *table, const GifStructure &
     return colors;
 }
 
-Result<void> checkStructure(const GifStructure &structure, const ReadLimits &limits)
+Result<GifStructure> readCheckedStructure(QIODevice &device, const ReadLimits &limits)
 {
-    if (const auto checked = PictureFailures::checkSize(structure.size, limits); !checked)
-        return checked;
-    if (structure.frame.isEmpty())
+    Result<GifStructure> structure = readGifStructure(device);
+    if (!structure)
+        return structure;
+    if (const auto checked = PictureFailures::checkSize(structure->size, limits); !checked)
+        return tl::unexpected(checked.error());
+    const QRect &frame = structure->frame;
+    if (frame.isEmpty())
         return fail(PictureFailures::damaged());
     // A code of w bits represents 2^w pixels at most; w is 12 at most.
     constexpr qint64 kMaxPixelsOfByte = (8 * 4096 + 11) / 12;
-    const qint64 pixels = qint64(structure.frame.width()) * structure.frame.height();
-    if (structure.frameDataBytes < pixels / kMaxPixelsOfByte)
+    const qint64 pixels = qint64(frame.width()) * frame.height();
+    if (structure->frameDataBytes < pixels / kMaxPixelsOfByte)
         return fail(PictureFailures::truncated());
-    return structure.isInterlaced ? PictureFailures::checkMemory(structure.frame.size(), 1, limits)
-                                  : Result<void>();
+    const auto checked = PictureFailures::checkMemory(frame.size(), 1, limits);
+    if (structure->isInterlaced && !checked)
+        return tl::unexpected(checked.error());
+    return structure;
 }
 
 class GifRowReader final : public SingleRowReader
@@ -149,30 +155,23 @@ public:
 private:
     Result<void> decodeRow(int index, QRgb *row) override
     {
-        if (!readRow(index, row))
-            return fail(m_decoder.failureReason());
-        return {};
-    }
-
-    bool readRow(int index, QRgb *out)
-    {
         const QRect &frame = m_structure.frame;
         const int frameRow = index - frame.y();
         if (frameRow < 0 || frameRow >= frame.height()) {
-            std::fill_n(out, m_format.size.width(), QRgb(0));
-            return true;
+            std::fill_n(row, m_format.size.width(), QRgb(0));
+            return {};
         }
         if (m_structure.isInterlaced ? frameRow == 0 && !readInterlaced()
                                      : !m_decoder.readRow(m_indices.data()))
-            return false;
+            return fail(m_decoder.failureReason());
         const uchar *indices = m_indices.data();
         if (m_structure.isInterlaced)
             indices += size_t(frameRow) * size_t(frame.width());
-        out = std::fill_n(out, frame.x(), QRgb(0));
-        out = std::transform(indices, indices + frame.width(), out,
+        row = std::fill_n(row, frame.x(), QRgb(0));
+        row = std::transform(indices, indices + frame.width(), row,
                              [this](uchar index) { return m_colors[index]; });
-        std::fill_n(out, m_format.size.width() - frame.x() - frame.width(), QRgb(0));
-        return true;
+        std::fill_n(row, m_format.size.width() - frame.x() - frame.width(), QRgb(0));
+        return {};
     }
 
     bool readInterlaced()
@@ -195,16 +194,6 @@ private:
     std::array<QRgb, 256> m_colors = {};
     std::vector<uchar> m_indices; ///< of one row, or of a whole interlaced frame
 };
-
-Result<GifStructure> readCheckedStructure(QIODevice &device, const ReadLimits &limits)
-{
-    Result<GifStructure> structure = readGifStructure(device);
-    if (structure) {
-        if (const auto checked = checkStructure(*structure, limits); !checked)
-            return tl::unexpected(checked.error());
-    }
-    return structure;
-}
 
 } // namespace
 

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "imageio/base/picturefailures.h"
 #include "platform/result.h"
 
 #include <QByteArray>
@@ -9,7 +10,9 @@
 
 #include <libheif/heif.h>
 
+#include <exception>
 #include <memory>
+#include <new>
 
 namespace plexa
 {
@@ -28,11 +31,24 @@ using HeifHandle = std::unique_ptr<heif_image_handle, HeifFree<heif_image_handle
 using HeifImage = std::unique_ptr<heif_image, HeifFree<heif_image_release>>;
 using HeifColors = std::unique_ptr<heif_color_profile_nclx, HeifFree<heif_nclx_color_profile_free>>;
 
+/// Calls a function and converts the exceptions of libheif, which throws on lack of memory and unexpected
+/// sizes.
+template<class Function>
+auto guardedHeif(const QString &failure, Function function) -> decltype(function())
+{
+    try {
+        return function();
+    } catch (const std::bad_alloc &) {
+        return fail(PictureFailures::outOfMemory());
+    } catch (const std::exception &) {
+        return fail(failure);
+    }
+}
+
 /// Prepares libheif; further calls have no effect. Any thread.
 void prepareHeifLibrary();
 
-/// A HEIF file that is open for decoding. The library throws on lack of memory and on unexpected sizes, so
-/// callers catch std::exception.
+/// A HEIF file that is open for decoding. Throws as libheif does.
 class HeifFile
 {
 public:

@@ -211,26 +211,11 @@ private:
     std::optional<RowConversion> m_colors;
 };
 
-/// The sampling factors in the form of JPEG.
-QByteArray samplingText(int chroma)
-{
-    switch (chroma) {
-    case 0:
-        return "11";
-    case 1:
-        return "22,11,11";
-    case 2:
-        return "21,11,11";
-    default:
-        return "11,11,11";
-    }
-}
-
 } // namespace
 
 Result<PictureInfo> readHeifInfo(QIODevice &device, const ReadLimits &limits)
 {
-    try {
+    return guardedHeif(PictureFailures::damaged(), [&]() -> Result<PictureInfo> {
         const Result<std::unique_ptr<OpenPicture>> opened = openPicture(device, limits);
         if (!opened)
             return tl::unexpected(opened.error());
@@ -240,21 +225,18 @@ Result<PictureInfo> readHeifInfo(QIODevice &device, const ReadLimits &limits)
         info.depth = picture.depth;
         info.colorModel = picture.measure.chroma == 0 ? QStringLiteral("Gray") : QStringLiteral("RGB");
         info.iccProfile = picture.file.iccProfile();
-        info.chromaSampling = samplingText(picture.measure.chroma);
+        static constexpr const char *kSamplings[] = {"11", "22,11,11", "21,11,11", "11,11,11"};
+        info.chromaSampling = kSamplings[picture.measure.chroma];
         info.orientation = 1;
         info.decoderBytes = picture.decodingBytes();
         info.unmarkedPictures = picture.items.furtherPictures();
         return info;
-    } catch (const std::bad_alloc &) {
-        return fail(PictureFailures::outOfMemory());
-    } catch (const std::exception &) {
-        return fail(PictureFailures::damaged());
-    }
+    });
 }
 
 Result<std::unique_ptr<RowReader>> openHeifReader(QIODevice &device, const ReadLimits &limits, int)
 {
-    try {
+    return guardedHeif(PictureFailures::damaged(), [&]() -> Result<std::unique_ptr<RowReader>> {
         const Result<std::unique_ptr<OpenPicture>> picture = openPicture(device, limits);
         if (!picture)
             return tl::unexpected(picture.error());
@@ -262,11 +244,7 @@ Result<std::unique_ptr<RowReader>> openHeifReader(QIODevice &device, const ReadL
         if (const auto decoded = reader->decode(**picture); !decoded)
             return tl::unexpected(decoded.error());
         return reader;
-    } catch (const std::bad_alloc &) {
-        return fail(PictureFailures::outOfMemory());
-    } catch (const std::exception &) {
-        return fail(PictureFailures::damaged());
-    }
+    });
 }
 
 } // namespace plexa

@@ -88,13 +88,7 @@ public:
 
     Result<void> finish() override
     {
-        try {
-            return encode();
-        } catch (const std::bad_alloc &) {
-            return fail(PictureFailures::outOfMemory());
-        } catch (const std::exception &) {
-            return fail(PictureFailures::encoderFailed("HEIC"));
-        }
+        return guardedHeif(PictureFailures::encoderFailed("HEIC"), [this] { return encode(); });
     }
 
 private:
@@ -228,16 +222,12 @@ Result<std::unique_ptr<RowWriter>> openHeicWriter(QIODevice &device, const RowFo
 {
     if (qMax(format.size.width(), format.size.height()) > kMaxSide || format.size.isEmpty())
         return fail(PictureFailures::tooLargeToWrite("HEIC"));
-    try {
+    return guardedHeif(PictureFailures::encoderFailed("HEIC"), [&]() -> Result<std::unique_ptr<RowWriter>> {
         auto writer = std::make_unique<HeifRowWriter>(device, format, options);
         if (const auto started = writer->start(); !started)
             return tl::unexpected(started.error());
         return writer;
-    } catch (const std::bad_alloc &) {
-        return fail(PictureFailures::outOfMemory());
-    } catch (const std::exception &) {
-        return fail(PictureFailures::encoderFailed("HEIC"));
-    }
+    });
 }
 
 } // namespace plexa

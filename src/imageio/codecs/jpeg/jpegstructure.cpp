@@ -4,10 +4,10 @@
 
 #include "imageio/base/picturefailures.h"
 #include "imageio/color/colorprofile.h"
-#include "imageio/container/exifcolorspace.h"
 #include "imageio/container/jpegmarkers.h"
 #include "imageio/container/jpegsegmentreader.h"
 #include "imageio/container/tiffdirectoryreader.h"
+#include "imageio/container/tiffpictures.h"
 #include "metadata/propertykeys.h"
 
 #include <QBuffer>

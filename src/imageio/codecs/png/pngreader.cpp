@@ -199,7 +199,13 @@ public:
 
     const Header &header() const { return m_header; }
     quint32 frames() const { return m_early.frames; }
-    const Source &source() const { return m_source; }
+
+    QString failureReason() const
+    {
+        return m_source.readFailed   ? PictureFailures::readError(*m_source.device)
+               : m_source.reachedEnd ? PictureFailures::truncated()
+                                     : PictureFailures::damaged();
+    }
 
 private:
     void readColors()
@@ -307,8 +313,7 @@ class PngRowReader final : public SingleRowReader
 {
 public:
     PngRowReader(QIODevice &device, const ReadLimits &limits)
-        : m_device(device)
-        , m_limits(limits)
+        : m_limits(limits)
         , m_decoder(device)
     {
     }
@@ -363,7 +368,7 @@ private:
     }
 
     /// @param target  where QRgb rows may be decoded to
-    /// @return the decoded row; null when it cannot be had
+    /// @return the decoded row; null on failure
     const uchar *nextRow(int index, QRgb *target)
     {
         if (m_decoder.isInterlaced())
@@ -387,15 +392,9 @@ private:
 
     tl::unexpected<Error> failure() const
     {
-        const Source &source = m_decoder.source();
-        if (source.readFailed)
-            return fail(PictureFailures::readError(m_device));
-        if (m_isOutOfMemory)
-            return fail(PictureFailures::outOfMemory());
-        return fail(source.reachedEnd ? PictureFailures::truncated() : PictureFailures::damaged());
+        return fail(m_isOutOfMemory ? PictureFailures::outOfMemory() : m_decoder.failureReason());
     }
 
-    QIODevice &m_device;
     const ReadLimits m_limits;
     PngDecoder m_decoder;
     PngRows m_rows = PngRows::Pixels;
@@ -410,9 +409,7 @@ Result<PictureInfo> readPngInfo(QIODevice &device, const ReadLimits &limits)
 {
     PngDecoder decoder(device);
     if (!decoder.readHeader())
-        return fail(decoder.source().readFailed   ? PictureFailures::readError(device)
-                    : decoder.source().reachedEnd ? PictureFailures::truncated()
-                                                  : PictureFailures::damaged());
+        return fail(decoder.failureReason());
     const Header &header = decoder.header();
     PictureInfo info;
     info.rows.size = QSize(int(header.width), int(header.height));

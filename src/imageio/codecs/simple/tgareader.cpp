@@ -102,12 +102,6 @@ QRgb colorOf(const uchar *bytes, int bits, bool hasAlpha)
     return hasAlpha ? qPremultiply(color) : color | 0xff000000;
 }
 
-QRgb grayOf(const uchar *bytes, bool hasAlpha)
-{
-    const QRgb color = qRgba(bytes[0], bytes[0], bytes[0], hasAlpha ? bytes[1] : 255);
-    return qPremultiply(color);
-}
-
 Result<TgaHeader> readCheckedHeader(QIODevice &device, const ReadLimits &limits)
 {
     Result<TgaHeader> header = headerOf(device.read(kHeaderBytes));
@@ -196,9 +190,11 @@ private:
                 return false;
             bytes[i] = uchar(byte);
         }
-        pixel = m_header.kind == Kind::Palette ? m_palette[bytes[0]]
-                : m_header.kind == Kind::Gray  ? grayOf(bytes, m_header.hasAlpha)
-                                               : colorOf(bytes, m_header.bits, m_header.hasAlpha);
+        if (m_header.kind == Kind::Gray)
+            pixel = qPremultiply(qRgba(bytes[0], bytes[0], bytes[0], m_header.hasAlpha ? bytes[1] : 255));
+        else
+            pixel = m_header.kind == Kind::Palette ? m_palette[bytes[0]]
+                                                   : colorOf(bytes, m_header.bits, m_header.hasAlpha);
         return true;
     }
 

@@ -4,7 +4,7 @@
 
 #include "imageio/base/picturefailures.h"
 #include "imageio/color/colorprofile.h"
-#include "imageio/container/exifcolorspace.h"
+#include "imageio/container/tiffpictures.h"
 
 #include <cmath>
 #include <cstdio>
