@@ -27,6 +27,7 @@ struct Fixture {
             all.push_back(namedPreset(name));
         applied.modeDidChange(1);
         work.store.wPresetList().append(all);
+        actions.update();
         panel.resize(300, 600);
         panel.show();
     }
