@@ -4,7 +4,6 @@
 
 #include <QByteArray>
 #include <QList>
-#include <QMap>
 #include <QPoint>
 
 #include <xcb/xcb.h>
@@ -19,9 +18,8 @@
 namespace plexa::test
 {
 
-/// A window of another X client, on a thread of its own, that takes drops by the protocols of
-/// freedesktop.org: it asks for the list of files while the pointer rests on it, and again when something is
-/// dropped.
+/// A window of another X client, on a thread of its own, that accepts drops by the protocols of
+/// freedesktop.org: it requests the list of files while the pointer rests on it, and again after a drop.
 class DropTarget
 {
 public:
@@ -77,38 +75,28 @@ public:
 private:
     using Words = std::uint32_t[5];
 
-    xcb_atom_t atom(const char *name)
+    /// The reply to a request; freed with the pointer.
+    template<class Reply, class Cookie>
+    auto replyTo(Reply reply, Cookie cookie)
     {
-        xcb_atom_t &known = m_atoms[name];
-        if (known == XCB_ATOM_NONE) {
-            auto *reply = xcb_intern_atom_reply(
-                m_x, xcb_intern_atom(m_x, 0, static_cast<std::uint16_t>(std::strlen(name)), name), nullptr);
-            known = reply->atom;
-            std::free(reply);
-        }
-        return known;
+        return std::unique_ptr<std::remove_pointer_t<decltype(reply(m_x, cookie, nullptr))>,
+                               decltype(&std::free)>(reply(m_x, cookie, nullptr), std::free);
     }
 
-    QByteArray nameOf(xcb_atom_t which)
+    xcb_atom_t atom(const char *name)
     {
-        auto *reply = xcb_get_atom_name_reply(m_x, xcb_get_atom_name(m_x, which), nullptr);
-        QByteArray name;
-        if (reply)
-            name.append(xcb_get_atom_name_name(reply), xcb_get_atom_name_name_length(reply));
-        std::free(reply);
-        return name;
+        const auto length = static_cast<std::uint16_t>(std::strlen(name));
+        return replyTo(xcb_intern_atom_reply, xcb_intern_atom(m_x, 0, length, name))->atom;
     }
 
     QByteArray property(xcb_window_t window, xcb_atom_t which)
     {
-        auto *reply = xcb_get_property_reply(
-            m_x, xcb_get_property(m_x, 0, window, which, XCB_GET_PROPERTY_TYPE_ANY, 0, 100'000), nullptr);
-        QByteArray bytes;
-        if (reply)
-            bytes.append(static_cast<const char *>(xcb_get_property_value(reply)),
-                         xcb_get_property_value_length(reply));
-        std::free(reply);
-        return bytes;
+        const auto reply =
+            replyTo(xcb_get_property_reply,
+                    xcb_get_property(m_x, 0, window, which, XCB_GET_PROPERTY_TYPE_ANY, 0, 100'000));
+        return reply ? QByteArray(static_cast<const char *>(xcb_get_property_value(reply.get())),
+                                  xcb_get_property_value_length(reply.get()))
+                     : QByteArray();
     }
 
     void send(const char *type, const Words &words)
@@ -142,7 +130,9 @@ private:
         for (qsizetype i = 0; i + 4 <= types.size(); i += 4) {
             xcb_atom_t type{};
             std::memcpy(&type, types.constData() + i, 4);
-            m_seen.offers.append(nameOf(type));
+            const auto name = replyTo(xcb_get_atom_name_reply, xcb_get_atom_name(m_x, type));
+            m_seen.offers.append(
+                QByteArray(xcb_get_atom_name_name(name.get()), xcb_get_atom_name_name_length(name.get())));
         }
     }
 
@@ -207,7 +197,7 @@ private:
             const std::lock_guard lock(m_mutex);
             handle(*event);
             // A round trip: the server has passed on what was sent.
-            std::free(xcb_get_input_focus_reply(m_x, xcb_get_input_focus(m_x), nullptr));
+            replyTo(xcb_get_input_focus_reply, xcb_get_input_focus(m_x));
             std::free(event);
         }
     }
@@ -217,7 +207,6 @@ private:
     xcb_connection_t *const m_x;
     xcb_window_t m_window = XCB_WINDOW_NONE;
     xcb_window_t m_source = XCB_WINDOW_NONE;
-    QMap<QByteArray, xcb_atom_t> m_atoms;
     bool m_isDropped = false;
     mutable std::mutex m_mutex;
     Seen m_seen; // guarded by m_mutex

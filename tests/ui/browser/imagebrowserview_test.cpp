@@ -5,6 +5,7 @@
 #include "support/datarows.h"
 #include "support/testenvironment.h"
 #include "support/testpictures.h"
+#include "ui/browser/cellpictures.h"
 #include "ui/browser/gridfakes.h"
 #include "ui/browser/imagebrowserview.h"
 #include "ui/browser/promisedfiles.h"
@@ -223,13 +224,10 @@ private Q_SLOTS:
             {"Home", "selected 0; focus 0<9"},
             {"PgDown", "selected 19; focus 19<9"},
             {"Ctrl+Space", "selected 8"},
-            {"Space", ""},
             {"Return", "return"},
-            {"Backspace", "delete"},
             {"Delete", "delete"},
             {"Ctrl+Shift+Backspace", ""}, // the shortcut of a command
             {"Ctrl+C", "copy"},
-            {"X", ""},
         });
     }
     void keyboard()
@@ -255,14 +253,12 @@ private Q_SLOTS:
             {"pinch", Qt::ZoomNativeGesture, {0.125}, {}, "zoom 0.625"},
             {"rotated a little", Qt::RotateNativeGesture, {30, 15}, {}, ""},
             {"rotated clockwise", Qt::RotateNativeGesture, {30, 16, 44}, {}, "rotated cw"},
-            {"rotated twice", Qt::RotateNativeGesture, {46, 46}, {}, "rotated cw; rotated cw"},
             {"rotated counter-clockwise", Qt::RotateNativeGesture, {-30, -20}, {}, "rotated ccw"},
             {"swipe to the left", Qt::SwipeNativeGesture, {0}, {1, 0}, "selected 8; focus 8<9"},
             {"swipe to the right", Qt::SwipeNativeGesture, {0}, {-1, 0}, "selected 10; focus 10<9"},
             {"half a swipe", Qt::SwipeNativeGesture, {0}, {0.5, 0}, ""},
             {"swipe upwards", Qt::SwipeNativeGesture, {0}, {0, 1}, ""},
             {"swipe by its angle, left", Qt::SwipeNativeGesture, {180}, {}, "selected 8; focus 8<9"},
-            {"swipe by its angle, up", Qt::SwipeNativeGesture, {90}, {}, ""},
             {"pan to the right", Qt::PanNativeGesture, {0, 0, 0}, {30, 5}, "selected 10; focus 10<9"},
             {"pan downwards", Qt::PanNativeGesture, {0, 0, 0}, {30, 25}, ""},
         });
@@ -420,8 +416,6 @@ private Q_SLOTS:
         QTest::mouseClick(grid.view.viewport(), Qt::LeftButton, {}, QPoint(100, 100));
         QCOMPARE(grid.delegate.take(), QByteArray());
         QVERIFY(!grid.view.viewport()->grab().isNull());
-        grid.view.setImages(nullptr);
-        QCOMPARE(grid.view.numberImages(), 0);
     }
 
     void dragsWithinTheGrid()
@@ -442,7 +436,7 @@ private Q_SLOTS:
         const Qt::DropActions both = Qt::CopyAction | Qt::MoveAction;
         const QPoint before10 = grid.middle(10) - QPoint(30, 0);
         const auto barLightness = [&] {
-            const QRectF place = grid.view.viewportRect(grid.view.geometry().insertionBar(10, 4));
+            const QRectF place = grid.view.viewportRect(grid.view.geometry().insertionBar(10));
             return viewport->grab().toImage().pixelColor(place.center().toPoint()).lightness();
         };
 
@@ -491,12 +485,9 @@ private Q_SLOTS:
         foreign.setData(kPhotoSelectionType, "\xff\xff\xff\xff nonsense");
         QCOMPARE(drop(foreign, Qt::CopyAction | Qt::MoveAction), Qt::IgnoreAction);
         QCOMPARE(PromisedFiles::indexes(foreign), QList<int>());
-        QMimeData link;
-        link.setUrls({QUrl(u"http://host/c.jpg"_qs)});
-        QCOMPARE(drop(link, Qt::CopyAction), Qt::IgnoreAction);
-        QMimeData words;
-        words.setText(u"words"_qs);
-        QCOMPARE(drop(words, Qt::CopyAction), Qt::IgnoreAction);
+        foreign.clear();
+        foreign.setText(u"words"_qs);
+        QCOMPARE(drop(foreign, Qt::CopyAction), Qt::IgnoreAction);
         QCOMPARE(grid.delegate.take(), QByteArray());
     }
 

@@ -24,10 +24,10 @@ using namespace plexa::test;
 namespace
 {
 
-std::shared_ptr<WPreset> textPreset(const FontCatalog &fonts)
+std::shared_ptr<WPreset> textPreset(const FontCatalog &fonts, const QString &text = u"mark"_qs)
 {
     WPresetValues values = WPresetValues::forNewPreset(fonts);
-    values.textTokens = {u"mark"_qs};
+    values.textTokens = {text};
     return std::make_shared<WPreset>(values);
 }
 
@@ -82,6 +82,8 @@ private Q_SLOTS:
         QVERIFY(browser.isSelected({1}, 1));
         browser.click(3, Qt::ShiftModifier);
         QVERIFY(browser.isSelected({1, 2, 3}, 3));
+        QCOMPARE(browser.view.images()->indexOf(browser.set.images()->at(3).get()), 3);
+        QCOMPARE(browser.view.images()->indexOf(nullptr), -1);
 
         // Dragged to the end, they stay selected, and the focus stays on its photo.
         browser.controller.movedIndexes({1, 2, 3}, 6);
@@ -111,30 +113,8 @@ private Q_SLOTS:
         QVERIFY(browser.isSelected({}, -1));
     }
 
-    void zoomAndNamesAreRemembered()
-    {
-        WorkingSet work;
-        AppController app({work.photos, work.defaults, work.alerts, work.store, 2});
-        {
-            ImageBrowserView view;
-            ImageBrowserViewController controller(app, view, work.defaults, 2);
-            QCOMPARE(view.zoomFactor(), 0.5F);
-            QVERIFY(view.showFilenames());
-            QSignalSpy zooms(&controller, &ImageBrowserViewController::browserZoomFactorChanged);
-            for (int i = 0; i < 9; ++i)
-                controller.zoomBrowser(ImageBrowserViewController::Zoom::In);
-            QCOMPARE(zooms.size(), 9);
-            QCOMPARE(controller.browserZoomFactor(), 1.0F);
-            controller.zoomBrowser(ImageBrowserViewController::Zoom::Out);
-            controller.setShowBrowserFilenames(false);
-        }
-        ImageBrowserView view;
-        const ImageBrowserViewController controller(app, view, work.defaults, 2);
-        QCOMPARE(view.zoomFactor(), 0.9F);
-        QVERIFY(!view.showFilenames());
-    }
-
-    void copiesForOthers()
+    /// The clipboard offers a file for each photo and preset, and the first of them in several formats.
+    void clipboard()
     {
         QClipboard *clipboard = QGuiApplication::clipboard();
         clipboard->setText(u"words"_qs);
@@ -143,14 +123,55 @@ private Q_SLOTS:
         QVERIFY(browser.isReady());
         browser.controller.copy();
         QCOMPARE(clipboard->text(), u"words"_qs); // nothing was selected
+        browser.work.store.quickSavingPreset()->setImageFormat(u"PNG"_qs);
+        browser.app.appliedPresets().modeDidChange(1);
+        browser.app.appliedPresets().addWPresetsToApplied(
+            {textPreset(browser.work.fonts, u"first"_qs), textPreset(browser.work.fonts, u"second"_qs)});
+        ImageObject &photo = *browser.set.images()->at(0);
+        ImageObject &broken = *browser.set.images()->at(2);
+        broken.releaseImagesData();
+        QVERIFY(QFile::resize(broken.path(), 100));
+        QSignalSpy failures(&browser.controller, &ImageBrowserViewController::copiesFailed);
         browser.set.selection().selectIndexes({0, 2});
         QTest::keyClick(&browser.view, Qt::Key_C, Qt::ControlModifier);
-        QVERIFY(clipboard->mimeData()->hasFormat(u"image/png"_qs));
-        const QList<QUrl> urls = clipboard->mimeData()->urls();
-        QCOMPARE(urls.size(), 2);
-        QCOMPARE(QImage(urls.last().toLocalFile()).size(), QSize(64, 48));
 
-        // The status line shows it, and its button stops it.
+        const QMimeData *data = clipboard->mimeData();
+        const QList<QUrl> urls = data->urls();
+        QCOMPARE(failures.size(), 0); // not while the target waits
+        QTRY_COMPARE(failures.size(), 1);
+        const QStringList lines = failures.first().first().toStringList();
+        QCOMPARE(lines.size(), 2);
+        QVERIFY(lines.first().startsWith(broken.path() + u": "_qs));
+        QCOMPARE(urls.size(), 2);
+        QList<QImage> expected;
+        for (const AppliedPreset &preset : browser.app.appliedPresets().effectivePresetsNow()) {
+            expected.append(pixelsOf(photo.savedImage(&preset, {})));
+            const QString path = urls.at(expected.size() - 1).toLocalFile();
+            QCOMPARE(QFileInfo(path).fileName(), u"image%1"_qs.arg(expected.size() - 1));
+            QCOMPARE(pixelsOf(QImage(path)), expected.last());
+        }
+        QVERIFY(expected[0] != expected[1] && expected[0] != pixelsOf(photo.savedImage(nullptr, {})));
+        for (const QString &type : words("png bmp jpeg tiff gif"))
+            QCOMPARE(QImage::fromData(data->data(u"image/"_qs + type)).size(), QSize(64, 48));
+        QCOMPARE(pixelsOf(QImage::fromData(data->data(u"image/png"_qs))), expected[0]);
+
+        // Without watermarks nothing can be copied, and the clipboard becomes empty.
+        browser.app.appliedPresets().clearAppliedPresets();
+        browser.controller.copy();
+        QVERIFY(!clipboard->mimeData() || !clipboard->mimeData()->hasUrls());
+        // The photos do not stay on the clipboard without their set.
+        browser.app.appliedPresets().modeDidChange(0);
+        browser.controller.copy();
+        QVERIFY(clipboard->mimeData()->hasUrls());
+        keeper.reset();
+        QVERIFY(!clipboard->mimeData() || !clipboard->mimeData()->hasUrls());
+    }
+
+    void draggedCopies()
+    {
+        Browser browser;
+        QVERIFY(browser.isReady());
+        // The status line shows them, and its button stops them.
         std::atomic<bool> mayGoOn = false;
         FilePromise::Outcome outcome;
         auto many = browser.controller.promisedFiles({0, 1, 2, 3, 4, 5});
@@ -160,54 +181,29 @@ private Q_SLOTS:
                 return false;
             });
         });
-        const bool isShown = QTest::qWaitFor([&] {
-            return browser.app.statusManager().line().text == u"Processing images..."_qs &&
-                   browser.app.statusManager().line().canBeStopped;
-        });
+        const auto &line = [&]() -> const StatusLine & { return browser.app.statusManager().line(); };
+        const bool isShown =
+            QTest::qWaitFor([&] { return line().text == u"Processing images..."_qs && line().canBeStopped; });
         browser.app.stopAllOperations();
         mayGoOn = true;
         mayGoOn.notify_all();
         making.join();
         QVERIFY(isShown && outcome.isStopped && outcome.failures.isEmpty());
         QVERIFY(!QFile::exists(browser.work.folder.path("image5")));
-        QTRY_VERIFY(!browser.app.statusManager().line().canBeStopped);
+        QTRY_VERIFY(!line().canBeStopped);
 
-        // A file that has gone is reported, later.
-        QSignalSpy failures(&browser.controller, &ImageBrowserViewController::copiesFailed);
-        auto gone = browser.set.imagesFiltered()->at(1);
-        gone->releaseImagesData();
-        QVERIFY(QFile::remove(gone->path()));
-        auto promise = browser.controller.promisedFiles({1});
-        promise->report(promise->makeFiles(browser.work.folder.path(), [] { return false; }).failures);
-        QCOMPARE(failures.size(), 0);
-        QTRY_COMPARE(failures.size(), 1);
-
-        // Into a folder of another program, the batch save writes them, and that folder becomes the user's.
+        // The batch save writes them to the folder of another program, which becomes the user's own.
+        QFile::remove(browser.set.images()->at(1)->path());
+        browser.set.images()->at(1)->releaseImagesData();
         const QString folder = browser.work.folder.path("target");
+        QSignalSpy failures(&browser.controller, &ImageBrowserViewController::copiesFailed);
         QSignalSpy saved(&browser.app.batchSave(), &BatchSave::finished);
-        auto dropped = browser.controller.promisedFiles({0, 2});
-        QVERIFY(dropped->canSaveInto() && dropped->saveInto(folder));
-        QVERIFY(!dropped->saveInto(browser.work.folder.path())); // one at a time
+        QVERIFY(many->saveInto(folder));
+        QVERIFY(!many->saveInto(browser.work.folder.path())); // one at a time
         QCOMPARE(browser.work.defaults.stringForKey(settings::savingDirectory), folder);
         QVERIFY(saved.wait());
-        QCOMPARE(QDir(folder).entryList({u"[ac]*.jpg"_qs}, QDir::Files).size(), 2);
-        QTRY_COMPARE(failures.size(), 2);
-
-        // Without watermarks there is nothing to copy, nor is what was copied before.
-        browser.app.appliedPresets().modeDidChange(1);
-        browser.controller.copy();
-        QVERIFY(!clipboard->mimeData() || !clipboard->mimeData()->hasUrls());
-        browser.app.appliedPresets().modeDidChange(0);
-        browser.controller.copy();
-
-        // The photos do not stay behind on the clipboard.
-        many.reset();
-        promise.reset();
-        dropped.reset();
-        gone.reset();
-        QVERIFY(clipboard->mimeData()->hasUrls());
-        keeper.reset();
-        QVERIFY(!clipboard->mimeData() || !clipboard->mimeData()->hasUrls());
+        QCOMPARE(QDir(folder).entryList({u"[a-f]*.jpg"_qs}, QDir::Files).size(), 5);
+        QTRY_COMPARE(failures.size(), 1); // of the second save
     }
 
     /// A dragged copy has its photo's date where the setting is on.
