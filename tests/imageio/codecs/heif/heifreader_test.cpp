@@ -101,7 +101,6 @@ private Q_SLOTS:
         addRows<Photo>({{"heic/alpha-512x512.heic", {512, 512}, 8, true},
                         {"heic/iphone-8.heic", {4032, 3024}},
                         {"heic/iphone-xr-rotated.heic", {3024, 4032}},
-                        {"heic/libheif-example.heic", {1280, 854}},
                         {"heic/sony-a7c2-portrait.hif", {4672, 7008}, 10},
                         {"heic/stonehenge-nikon-d5300.heic", {300, 200}}});
     }
@@ -123,10 +122,7 @@ private Q_SLOTS:
         const QString theirs = m_folder.path("theirs.png");
         const QString srgb = m_folder.path("srgb.icc");
         QVERIFY(writeFile(srgb, QColorSpace(QColorSpace::SRgb).iccProfile()));
-        QFile::remove(theirs);
         outputOf("heif-convert %1 %2", path, theirs);
-        if (!QFile::exists(theirs)) // it numbers the pictures of a file with several
-            QVERIFY(QFile::rename(m_folder.path("theirs-1.png"), theirs));
         const auto image = source->createImage();
         QVERIFY2(image, image ? "" : qPrintable(image.error().text));
         const double difference = meanDifference(*image, decodedByMagick(theirs, size, srgb));

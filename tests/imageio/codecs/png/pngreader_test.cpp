@@ -58,76 +58,9 @@ class PngReaderTest : public QObject
 {
     Q_OBJECT
 
-    struct Samples {
-        Text name;
-        QByteArray file;
-        bool hasAlpha;
-    };
-
     TestFolder m_folder;
 
 private Q_SLOTS:
-    void samplesAndTransparency_data()
-    {
-        const QSize size(16, 4);
-        const auto bytes = [](int count) {
-            QByteArray data;
-            for (int i = 0; i < count; ++i)
-                data += char(i * 89 + i / 7);
-            return data;
-        };
-        const QByteArray palette = pngChunk("PLTE", bytes(3 * 16));
-        for (const int depth : {1, 2, 4, 8, 16}) {
-            const int rowBytes = size.width() * depth / 8 * size.height();
-            addRow<Samples>(
-                {QString::asprintf("gray, %d bit", depth), png(size, depth, 0, bytes(rowBytes)), false});
-            // In more than 8 bits only the whole number counts.
-            const QByteArray level = depth == 16 ? bytes(4).mid(2) : QByteArray("\0\1", 2);
-            addRow<Samples>({QString::asprintf("gray, %d bit, transparent", depth),
-                             png(size, depth, 0, bytes(rowBytes), pngChunk("tRNS", level)), true});
-            if (depth < 8) {
-                const QByteArray few = pngChunk("PLTE", bytes(3 << depth));
-                addRows<Samples>(
-                    {{QString::asprintf("palette, %d bit", depth), png(size, depth, 3, bytes(rowBytes), few),
-                      false},
-                     {QString::asprintf("palette, %d bit, transparent", depth),
-                      png(size, depth, 3, bytes(rowBytes), few + pngChunk("tRNS", QByteArray("\0\x80", 2))),
-                      true}});
-            }
-            if (depth < 8)
-                continue;
-            addRow<Samples>(
-                {QString::asprintf("RGB, %d bit", depth), png(size, depth, 2, bytes(rowBytes * 3)), false});
-            const QByteArray first = bytes(6);
-            const QByteArray color =
-                depth == 16 ? first : QByteArray(1, '\0') + first[0] + '\0' + first[1] + '\0' + first[2];
-            addRows<Samples>({{QString::asprintf("RGB, %d bit, transparent", depth),
-                               png(size, depth, 2, bytes(rowBytes * 3), pngChunk("tRNS", color)), true},
-                              {QString::asprintf("gray and alpha, %d bit", depth),
-                               png(size, depth, 4, bytes(rowBytes * 2)), true},
-                              {QString::asprintf("RGB and alpha, %d bit", depth),
-                               png(size, depth, 6, bytes(rowBytes * 4)), true}});
-        }
-    }
-
-    void samplesAndTransparency()
-    {
-        auto [name, file, hasAlpha] = currentRow<Samples>();
-        PLEXA_NEEDS_MAGICK();
-        const QString path = m_folder.path("samples.png");
-        QVERIFY(writeFile(path, file));
-        QString error;
-        const QImage ours = decoded(path, &error);
-        QVERIFY2(!ours.isNull(), qPrintable(error));
-        QCOMPARE(ours.hasAlphaChannel(), hasAlpha);
-        const QByteArray pixels = magick("%1 -depth 8 rgba:-", path);
-        QCOMPARE(pixels.size(), qsizetype(ours.width()) * ours.height() * 4);
-        const QImage theirs = QImage(reinterpret_cast<const uchar *>(pixels.constData()), ours.width(),
-                                     ours.height(), QImage::Format_RGBA8888)
-                                  .convertToFormat(ours.format());
-        QVERIFY(differenceOf(ours, theirs).worst <= 1);
-    }
-
     /// Some of the seven passes are empty.
     void smallInterlacedPictures()
     {

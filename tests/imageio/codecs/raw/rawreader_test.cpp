@@ -42,11 +42,9 @@ class RawReaderTest : public QObject
     Q_OBJECT
 
     struct Facts {
-        Text name;
-        Text type;
+        const char *name, *type;
         QSize size;
-        int orientation;
-        int depth;
+        int orientation, depth;
     };
 
     struct Contents {
@@ -77,31 +75,25 @@ class RawReaderTest : public QObject
     TestFolder m_folder;
 
 private Q_SLOTS:
-    void factsAreThoseOfTheFile_data()
-    {
-        const auto add = [](const char *name, const char *type, QSize size, int orientation, int depth) {
-            addRow<Facts>({name, type, size, orientation, depth});
-        };
-        add("canon-kiss-x4-colorchart.dng", "image/x-adobe-dng", {1734, 1156}, 1, 14);
-        add("iphone-12-pro-metadata-only.dng", "image/x-adobe-dng", {4032, 3024}, 6, 12);
-        add("kodak-dc50.kdc", "image/x-kodak-kdc", {768, 512}, 1, 8);
-        add("quicktake-100.qtk", "image/x-apple-quicktake", {640, 480}, 1, 12);
-    }
-
     void factsAreThoseOfTheFile()
     {
         PLEXA_NEEDS_PHOTOS();
-        const auto [name, type, size, orientation, depth] = currentRow<Facts>();
-        const auto source = ImageSource::open(realPhoto("raw/") + name);
-        QVERIFY2(source, source ? "" : qPrintable(source.error().text));
-        QCOMPARE(source->type(), type);
-        QCOMPARE(source->info().rows.size, size);
-        QCOMPARE(source->properties().value(u"Orientation"_qs, 1).toInt(), orientation);
-        QCOMPARE(source->properties().value(u"Depth"_qs).toInt(), depth);
-        const auto image = source->createImage();
-        QVERIFY2(image, image ? "" : qPrintable(image.error().text));
-        QCOMPARE(image->size(), size);
-        QVERIFY(source->rowsBytes() > qint64(size.width()) * size.height() * 11);
+        for (const auto &[name, type, size, orientation, depth] :
+             {Facts{"canon-kiss-x4-colorchart.dng", "image/x-adobe-dng", {1734, 1156}, 1, 14},
+              {"iphone-12-pro-metadata-only.dng", "image/x-adobe-dng", {4032, 3024}, 6, 12},
+              {"kodak-dc50.kdc", "image/x-kodak-kdc", {768, 512}, 1, 8},
+              {"quicktake-100.qtk", "image/x-apple-quicktake", {640, 480}, 1, 12}}) {
+            const auto source = ImageSource::open(realPhoto("raw/") + QLatin1String(name));
+            QVERIFY2(source, source ? "" : qPrintable(source.error().text));
+            QCOMPARE(source->type(), QLatin1String(type));
+            QCOMPARE(source->info().rows.size, size);
+            QCOMPARE(source->properties().value(u"Orientation"_qs, 1).toInt(), orientation);
+            QCOMPARE(source->properties().value(u"Depth"_qs).toInt(), depth);
+            const auto image = source->createImage();
+            QVERIFY2(image, image ? "" : qPrintable(image.error().text));
+            QCOMPARE(image->size(), size);
+            QVERIFY(source->rowsBytes() > qint64(size.width()) * size.height() * 11);
+        }
     }
 
     void developsLikeTheLibrarysProgram_data()

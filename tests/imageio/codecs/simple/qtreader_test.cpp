@@ -45,22 +45,19 @@ class QtReaderTest : public QObject
     Q_OBJECT
 
     struct Bitmap {
-        Text name;
         QByteArray file;
-        bool keepsAlpha;
-    };
-
-    struct FewBits {
-        Text name;
-        QByteArray masks;
-        QByteArray pixels; ///< black, white, the middle of red, and transparent if that can be
-        QList<QRgb> colors;
+        bool keepsAlpha = false;
     };
 
     struct Tga {
-        Text name;
         QByteArray file;
         QList<QRgb> colors; ///< of two rows of two; empty: not a picture
+    };
+
+    struct FewBits {
+        QList<quint32> masks;
+        QByteArray pixels; ///< black, white, the middle of red, and transparent if possible
+        QList<QRgb> colors;
     };
 
     struct Huge {
@@ -68,6 +65,34 @@ class QtReaderTest : public QObject
         QByteArray file;
         bool isComplete;
     };
+
+    void checkLargestIcon(const QString &suffix)
+    {
+        const QImage small = detailedPicture({32, 32}, QImage::Format_ARGB32);
+        const QImage large = detailedPicture({128, 128}, QImage::Format_ARGB32);
+        const QString path = m_folder.path(u"icon."_qs + suffix);
+        QByteArray parts[2]; // files of one picture each
+        for (int i = 0; i < 2; ++i) {
+            QVERIFY((i == 0 ? small : large).save(path));
+            parts[i] = contentsOf(path);
+        }
+        if (suffix == u"icns"_qs) {
+            const QByteArray both = parts[0].mid(8) + parts[1].mid(8);
+            QVERIFY(writeFile(path, "icns" + big32(both.size() + 8) + both));
+        } else {
+            for (QByteArray &part : parts)
+                part = part.mid(6);
+            parts[0].replace(12, 4, little32(6 + 32));
+            parts[1].replace(12, 4, little32(quint32(6 + 32 + parts[0].size() - 16)));
+            QVERIFY(writeFile(path, QByteArray("\0\0\1\0\2\0", 6) + parts[0].first(16) + parts[1].first(16) +
+                                        parts[0].mid(16) + parts[1].mid(16)));
+        }
+        const auto source = ImageSource::open(path);
+        QVERIFY(source);
+        QCOMPARE(droppedPictures(*source), QStringList{u"other sizes"_qs});
+        QCOMPARE(source->info().rows.size, large.size());
+        QVERIFY(meanDifference(decoded(path), large) < 1);
+    }
 
     TestFolder m_folder;
     QString m_origin; ///< a picture of detail and colors
@@ -79,115 +104,84 @@ private Q_SLOTS:
         QVERIFY(detailedPicture({61, 43}).save(m_origin));
     }
 
-    void bitmapsOfOtherPrograms_data()
-    {
-        const QImage image = detailedPicture({13, 9}, QImage::Format_ARGB32);
-        const QByteArray colors = little32(0xff0000) + little32(0xff00) + little32(0xff) + QByteArray();
-        const QByteArray masks = colors + little32(0xff000000);
-        addRows<Bitmap>(
-            {{"version 3, fourth byte unused", deepBitmap(image, 40, 0, {}), false},
-             {"version 3, masks", deepBitmap(image, 40, 3, colors), false},
-             {"version 4, masks", deepBitmap(image, 108, 3, masks), true},
-             {"version 5, masks", deepBitmap(image, 124, 3, masks), true},
-             {"version 5, masks without alpha", deepBitmap(image, 124, 3, colors + little32(0)), false}});
-        QByteArray topDown = deepBitmap(image.mirrored(), 40, 0, {});
-        topDown.replace(22, 4, little32(quint32(-image.height())));
-        addRow<Bitmap>({"from the top down", topDown, false});
-    }
-
     void bitmapsOfOtherPrograms()
     {
-        auto [name, file, keepsAlpha] = currentRow<Bitmap>();
-        const QString path = m_folder.path("other.bmp");
-        QVERIFY(writeFile(path, file));
-        QString error;
-        const QImage image = decoded(path, &error);
-        QVERIFY2(!image.isNull(), qPrintable(error));
-        QCOMPARE(image.hasAlphaChannel(), keepsAlpha);
         const QImage origin = detailedPicture({13, 9}, QImage::Format_ARGB32);
-        QCOMPARE(image, keepsAlpha ? origin.convertToFormat(QImage::Format_ARGB32_Premultiplied)
-                                   : detailedPicture({13, 9}));
-    }
-
-    void fewBitsReachWhite_data()
-    {
-        const auto maskOf = [](std::initializer_list<quint32> masks) {
-            QByteArray bytes;
-            for (const quint32 mask : masks)
-                bytes += little32(mask);
-            return bytes;
-        };
-        const QRgb half5 = qRgb(0x84, 0, 0);
-        addRows<FewBits>({{"555",
-                           {},
-                           QByteArray("\0\0\xff\x7f\0\x40\0\0", 8),
-                           {0xff000000, 0xffffffff, half5, 0xff000000}},
-                          {"565",
-                           maskOf({0xf800, 0x7e0, 0x1f}),
-                           QByteArray("\0\0\xff\xff\0\x80\0\0", 8),
-                           {0xff000000, 0xffffffff, half5, 0xff000000}},
-                          {"4444",
-                           maskOf({0xf00, 0xf0, 0xf, 0xf000}),
-                           QByteArray("\0\xf0\xff\xff\0\xf8\0\0", 8),
-                           {0xff000000, 0xffffffff, qRgb(0x88, 0, 0), 0}},
-                          {"1555",
-                           maskOf({0x7c00, 0x3e0, 0x1f, 0x8000}),
-                           QByteArray("\0\x80\xff\xff\0\xc0\0\0", 8),
-                           {0xff000000, 0xffffffff, half5, 0}}});
+        const QByteArray colors = little32(0xff0000) + little32(0xff00) + little32(0xff);
+        const QByteArray masks = colors + little32(0xff000000);
+        QByteArray topDown = deepBitmap(origin.mirrored(), 40, 0, {});
+        topDown.replace(22, 4, little32(quint32(-origin.height())));
+        const QString path = m_folder.path("other.bmp");
+        for (const auto &[file, keepsAlpha] : {Bitmap{deepBitmap(origin, 40, 0, {})}, // fourth byte unused
+                                               {deepBitmap(origin, 40, 3, colors)},
+                                               {deepBitmap(origin, 108, 3, masks), true},
+                                               {deepBitmap(origin, 124, 3, masks), true},
+                                               {deepBitmap(origin, 124, 3, colors + little32(0))},
+                                               {topDown}}) {
+            QVERIFY(writeFile(path, file));
+            const QImage image = decoded(path);
+            QCOMPARE(image.hasAlphaChannel(), keepsAlpha);
+            QCOMPARE(image, keepsAlpha ? origin.convertToFormat(QImage::Format_ARGB32_Premultiplied)
+                                       : detailedPicture({13, 9}));
+        }
     }
 
     void fewBitsReachWhite()
     {
-        auto [name, masks, pixels, colors] = currentRow<FewBits>();
-        const quint32 headerBytes = masks.size() == 16 ? 108 : 40;
+        const QRgb half5 = qRgb(0x84, 0, 0);
         const QString path = m_folder.path("few.bmp");
-        QVERIFY(writeFile(path, bitmap({4, 1}, 16, headerBytes, masks.isEmpty() ? 0 : 3, masks, pixels)));
-        const QImage image = decoded(path);
-        QCOMPARE(image.size(), QSize(4, 1));
-        for (int x = 0; x < 4; ++x)
-            QCOMPARE(QString::number(image.pixel(x, 0), 16), QString::number(colors[x], 16));
-    }
-
-    void tgaOfOtherPrograms_data()
-    {
-        const auto tga = [](int type, int bits, int descriptor, const QByteArray &pixels) {
-            return QByteArray("\0\0", 2) + char(type) + QByteArray(9, '\0') + QByteArray("\2\0\2\0", 4) +
-                   char(bits) + char(descriptor) + pixels;
-        };
-        const QByteArray four("\0\0\xff\0\xff\0\xff\0\0\xff\xff\xff", 12);
-        const QRgb red = 0xffff0000;
-        const QRgb green = 0xff00ff00;
-        const QRgb blue = 0xff0000ff;
-        const QRgb white = 0xffffffff;
-        addRows<Tga>({{"from the bottom", tga(2, 24, 0, four), {blue, white, red, green}},
-                      {"from the top", tga(2, 24, 0x20, four), {red, green, blue, white}},
-                      {"from the right", tga(2, 24, 0x30, four), {green, red, white, blue}},
-                      {"15 bit",
-                       tga(2, 15, 0x20, QByteArray("\0\x7c\xe0\3\x1f\0\xff\x7f", 8)),
-                       {red, green, blue, white}},
-                      {"16 bit, alpha",
-                       tga(2, 16, 0x21, QByteArray("\0\xfc\xe0\x83\x1f\0\xff\xff", 8)),
-                       {red, green, 0, white}},
-                      {"32 bit, fourth byte unused",
-                       tga(2, 32, 0x20, QByteArray("\0\0\xff\0\0\xff\0\1\xff\0\0\2\xff\xff\xff\3", 16)),
-                       {red, green, blue, white}},
-                      {"run over the end of a row and of the picture",
-                       tga(10, 24, 0x20, QByteArray("\0\0\0\xff\xff\xff\0\0", 8)),
-                       {red, blue, blue, blue}},
-                      {"unknown type", tga(32, 24, 0x20, four), {}},
-                      {"palette without one", tga(1, 8, 0x20, four), {}}});
+        for (const auto &[masks, pixels, colors] :
+             {FewBits{{}, "\0\0\xff\x7f\0\x40\0\0"_qba, {0xff000000, 0xffffffff, half5, 0xff000000}},
+              {{0xf800, 0x7e0, 0x1f},
+               "\0\0\xff\xff\0\x80\0\0"_qba,
+               {0xff000000, 0xffffffff, half5, 0xff000000}},
+              {{0xf00, 0xf0, 0xf, 0xf000},
+               "\0\xf0\xff\xff\0\xf8\0\0"_qba,
+               {0xff000000, 0xffffffff, qRgb(0x88, 0, 0), 0}},
+              {{0x7c00, 0x3e0, 0x1f, 0x8000},
+               "\0\x80\xff\xff\0\xc0\0\0"_qba,
+               {0xff000000, 0xffffffff, half5, 0}}}) {
+            QByteArray maskBytes;
+            for (const quint32 mask : masks)
+                maskBytes += little32(mask);
+            QVERIFY(writeFile(path, bitmap({4, 1}, 16, masks.size() == 4 ? 108 : 40, masks.isEmpty() ? 0 : 3,
+                                           maskBytes, pixels)));
+            const QImage image = decoded(path);
+            QCOMPARE(image.size(), QSize(4, 1));
+            for (int x = 0; x < 4; ++x)
+                QCOMPARE(QString::number(image.pixel(x, 0), 16), QString::number(colors[x], 16));
+        }
     }
 
     void tgaOfOtherPrograms()
     {
-        auto [name, file, colors] = currentRow<Tga>();
+        const auto tga = [](int type, int bits, int descriptor, const QByteArray &pixels) {
+            return "\0\0"_qba + char(type) + QByteArray(9, '\0') + "\2\0\2\0"_qba + char(bits) +
+                   char(descriptor) + pixels;
+        };
+        const QByteArray four = "\0\0\xff\0\xff\0\xff\0\0\xff\xff\xff"_qba;
+        const QRgb red = 0xffff0000, green = 0xff00ff00, blue = 0xff0000ff, white = 0xffffffff;
         const QString path = m_folder.path("other.tga");
-        QVERIFY(writeFile(path, file));
-        QString error;
-        const QImage image = decoded(path, &error);
-        QCOMPARE(error, colors.isEmpty() ? u"not a picture that can be read"_qs : QString());
-        for (int i = 0; i < colors.size(); ++i)
-            QCOMPARE(QString::number(image.pixel(i % 2, i / 2), 16), QString::number(colors[i], 16));
+        for (const auto &[file, colors] :
+             {Tga{tga(2, 24, 0, four), {blue, white, red, green}},
+              {tga(2, 24, 0x20, four), {red, green, blue, white}},
+              {tga(2, 24, 0x30, four), {green, red, white, blue}},
+              {tga(2, 15, 0x20, "\0\x7c\xe0\3\x1f\0\xff\x7f"_qba), {red, green, blue, white}},
+              {tga(2, 16, 0x21, "\0\xfc\xe0\x83\x1f\0\xff\xff"_qba), {red, green, 0, white}},
+              // fourth byte unused
+              {tga(2, 32, 0x20, "\0\0\xff\0\0\xff\0\1\xff\0\0\2\xff\xff\xff\3"_qba),
+               {red, green, blue, white}},
+              // a run beyond the end of a row and of the picture
+              {tga(10, 24, 0x20, "\0\0\0\xff\xff\xff\0\0"_qba), {red, blue, blue, blue}},
+              {tga(32, 24, 0x20, four), {}},
+              {tga(1, 8, 0x20, four), {}}}) {
+            QVERIFY(writeFile(path, file));
+            QString error;
+            const QImage image = decoded(path, &error);
+            QCOMPARE(error, colors.isEmpty() ? u"not a picture that can be read"_qs : QString());
+            for (int i = 0; i < colors.size(); ++i)
+                QCOMPARE(QString::number(image.pixel(i % 2, i / 2), 16), QString::number(colors[i], 16));
+        }
     }
 
     /// Runs may leave pixels out; those are of the palette's first color.
@@ -246,34 +240,6 @@ private Q_SLOTS:
     {
         for (const QString &suffix : {u"ico"_qs, u"icns"_qs})
             checkLargestIcon(suffix);
-    }
-
-    void checkLargestIcon(const QString &suffix)
-    {
-        const QImage small = detailedPicture({32, 32}, QImage::Format_ARGB32);
-        const QImage large = detailedPicture({128, 128}, QImage::Format_ARGB32);
-        const QString path = m_folder.path(u"icon."_qs + suffix);
-        QByteArray parts[2]; // files of one picture each
-        for (int i = 0; i < 2; ++i) {
-            QVERIFY((i == 0 ? small : large).save(path));
-            parts[i] = contentsOf(path);
-        }
-        if (suffix == u"icns"_qs) {
-            const QByteArray both = parts[0].mid(8) + parts[1].mid(8);
-            QVERIFY(writeFile(path, "icns" + big32(both.size() + 8) + both));
-        } else {
-            for (QByteArray &part : parts)
-                part = part.mid(6);
-            parts[0].replace(12, 4, little32(6 + 32));
-            parts[1].replace(12, 4, little32(quint32(6 + 32 + parts[0].size() - 16)));
-            QVERIFY(writeFile(path, QByteArray("\0\0\1\0\2\0", 6) + parts[0].first(16) + parts[1].first(16) +
-                                        parts[0].mid(16) + parts[1].mid(16)));
-        }
-        const auto source = ImageSource::open(path);
-        QVERIFY(source);
-        QCOMPARE(droppedPictures(*source), QStringList{u"other sizes"_qs});
-        QCOMPARE(source->info().rows.size, large.size());
-        QVERIFY(meanDifference(decoded(path), large) < 1);
     }
 
     /// Each row is padded to four bytes.

@@ -59,12 +59,6 @@ class TiffReaderTest : public QObject
         bool isSwapped;
     };
 
-    struct Directories {
-        Text name;
-        QByteArray file;
-        bool isRead;
-    };
-
     TestFolder m_folder;
 
 private Q_SLOTS:
@@ -141,43 +135,31 @@ private Q_SLOTS:
         }
     }
 
-    void directoriesOfTiffAreBounded_data()
+    void directoriesOfTiffAreBounded()
     {
         const QByteArray data(12, 'x');
         const auto small = tiffFields({4, 3}, 1, 1, 1, 12);
-        addRows<Directories>(
-            {{"whole", tiffOf(small, data), true},
-             {"loop of directories", tiffOf(small, data, 8), true},
-             {"strip larger than the file", tiffOf(tiffFields({40'000, 20'000}, 1, 1, 1, 800'000'000), data),
-              false},
-             {"compressed strip larger than the file", tiffOf(tiffFields({4, 3}, 1, 1, 5, 0xfffffff0), data),
-              false},
-             {"too many pixels", tiffOf(tiffFields({2'000'000'000, 2'000'000'000}, 1, 1, 5, 12), data),
-              false}});
         auto fax = tiffFields({3'000, 3'000}, 1, 20'000, 4, 12);
         fax[2].second = 1;
-        addRows<Directories>(
-            {{"many samples of a bit", tiffOf(fax, data), false},
-             {"many samples", tiffOf(tiffFields({30'000, 30'000}, 1, 65535, 5, 12), data), false}});
         auto tiles = tiffFields({4, 3}, 1, 1, 5, 12);
         tiles[5] = {322, 0x40000000};
         tiles[7] = {323, 0x40000000};
         tiles[8] = {324, kData};
         tiles.append({325, 12});
-        addRows<Directories>(
-            {{"huge tile", tiffOf(tiles, data), false},
-             {"inks that are none of ours", tiffOf(tiffFields({1, 1}, 5, 3, 1, 12), data), false}});
-    }
-
-    void directoriesOfTiffAreBounded()
-    {
-        auto [name, file, isRead] = currentRow<Directories>();
         const QString path = m_folder.path("bounds.tif");
-        QVERIFY(writeFile(path, file));
-        QString error;
-        const QImage image = decoded(path, &error);
-        QCOMPARE(!image.isNull(), isRead);
-        QCOMPARE(error.isEmpty(), isRead);
+        for (const quint32 next : {0U, 8U}) { // a loop of directories
+            QVERIFY(writeFile(path, tiffOf(small, data, next)));
+            QVERIFY(!decoded(path).isNull());
+        }
+        for (const auto &fields :
+             {tiffFields({40'000, 20'000}, 1, 1, 1, 800'000'000), tiffFields({4, 3}, 1, 1, 5, 0xfffffff0),
+              tiffFields({2'000'000'000, 2'000'000'000}, 1, 1, 5, 12), fax,
+              tiffFields({30'000, 30'000}, 1, 65535, 5, 12), tiles,
+              tiffFields({1, 1}, 5, 3, 1, 12)}) { // inks, not CMYK
+            QVERIFY(writeFile(path, tiffOf(fields, data)));
+            QString error;
+            QVERIFY(decoded(path, &error).isNull() && !error.isEmpty());
+        }
     }
 
     /// The data of a strip end early, and the file with them or not.
