@@ -194,7 +194,7 @@ private:
         m_hidesAny = m_hidesAny || isHidden;
     }
 
-    /// Gives the hidden pixels an entry of their own. @return its index
+    /// @return the index of a new entry for the hidden pixels
     int hidePixels(IndexedPicture &picture) const
     {
         const auto index = uchar(picture.palette.size());

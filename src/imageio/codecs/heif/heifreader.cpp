@@ -17,7 +17,6 @@ namespace plexa
 namespace
 {
 
-/// A file before its pixels are decoded.
 struct OpenPicture {
     HeifItems items;
     HeifMeasure measure;
@@ -185,7 +184,6 @@ private:
         return all.contains(m_geometry.origin) && all.contains(last);
     }
 
-    /// A row of the shown picture, as its pixels are decoded.
     const uint8_t *decodedRow(int row)
     {
         const QPoint start = m_geometry.origin + row * m_geometry.down;

@@ -97,7 +97,6 @@ public:
 
     ~JpegRowReader() override { jpeg_destroy_decompress(&m_info); }
 
-    /// Reads the header and chooses how to decode.
     Result<void> open(int reduction)
     {
         m_source.attach(m_device);

@@ -152,7 +152,6 @@ public:
         return true;
     }
 
-    /// Sets up the kind of the rows.
     bool start(PngRows rows)
     {
         if (setjmp(m_errors.jump))

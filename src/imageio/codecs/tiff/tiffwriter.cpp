@@ -163,7 +163,6 @@ public:
 
     TiffOrder order() const { return m_order; }
 
-    /// The structure after its header.
     QByteArray bytes() const { return m_bytes.mid(kHeaderBytes); }
 
     /// The main directory without the fields that describe the pixels of another file.
