@@ -72,9 +72,4 @@ Result<PresetsFile> presetsIn(const QString &path, std::optional<Kind> expected,
     return file;
 }
 
-QString storedPresetsFile(PresetsStore::Kind kind)
-{
-    return PresetsStore::listOrExamplesFile(kind, PresetsStore::Places::own());
-}
-
 } // namespace plexa

@@ -24,9 +24,6 @@ struct PresetsFile {
 [[nodiscard]] Result<PresetsFile> presetsIn(const QString &path, std::optional<PresetsStore::Kind> expected,
                                             const SavingPresetLookup &savingPresetWithID = {});
 
-/// The file of the user's own presets of that kind, or of the examples if that is absent. Writes nothing.
-QString storedPresetsFile(PresetsStore::Kind kind);
-
 /// Names as in a message: "one", "two".
 template<class List>
 QString namesOf(const List &presets)

@@ -15,10 +15,11 @@ namespace plexa
 namespace
 {
 
-/// The given file, else the user's own.
+/// The given file, else the user's own list, or the examples if that is absent.
 QString fileOrStored(const std::string &file, PresetsStore::Kind kind)
 {
-    return file.empty() ? storedPresetsFile(kind) : QFile::decodeName(file.c_str());
+    return file.empty() ? PresetsStore::listOrExamplesFile(kind, PresetsStore::Places::own())
+                        : QFile::decodeName(file.c_str());
 }
 
 /// The name of the file in a message.

@@ -57,7 +57,7 @@ private Q_SLOTS:
     void filesFromTheDesktop()
     {
         WorkingSet work;
-        PresetsStore store(work.alerts, work.fonts);
+        PresetsStore &store = work.store;
         AppController app({work.photos, work.defaults, work.alerts, store, 2});
         app.readPresets();
         const std::size_t watermarks = store.wPresets().size();
@@ -84,7 +84,7 @@ private Q_SLOTS:
     void filesWithLosses()
     {
         WorkingSet work;
-        PresetsStore store(work.alerts, work.fonts);
+        PresetsStore &store = work.store;
         AppController app({work.photos, work.defaults, work.alerts, store, 2});
         app.readPresets();
         QVERIFY(writeKeyedArchives(work.folder.path()));

@@ -315,18 +315,14 @@ private Q_SLOTS:
 
     void dryRunSeesWhereNothingCanBeWritten()
     {
-        write("file", {});
         QVERIFY(QDir().mkpath(path("out/a.png")));
         for (const char *dryRun : {"--dry-run", ""}) {
-            const QStringList arguments =
-                words("save --text x --conflict overwrite %1", path("in")) + words(dryRun);
-            const ProgramRun folder = run(arguments + words("--output %1", path("out")));
+            const ProgramRun folder =
+                run(words("save --text x --conflict overwrite --output %1 %2", path("out"), path("in")) +
+                    words(dryRun));
             QCOMPARE(folder.status, 1);
             QVERIFY2(folder.err.contains("a folder of that name exists"), folder.err.constData());
             QVERIFY2(folder.err.contains("1 of 2 copies failed"), folder.err.constData());
-            const ProgramRun part = run(arguments + words("--output %1", path("file/sub")));
-            QCOMPARE(part.status, 1);
-            QVERIFY2(part.err.contains("a part of its path is not a folder"), part.err.constData());
         }
     }
 
