@@ -44,14 +44,15 @@ public:
 
     /// What a copy carries.
     struct Encoded {
-        QByteArray exif;                 ///< TIFF structure, little or big endian as in the source
-        QByteArray iptc;                 ///< IIM records
-        QByteArray imageResources;       ///< Photoshop image resources without IIM records
-        QByteArray xmp;                  ///< packet, UTF-8
-        QByteArray comment;              ///< JPEG comment
-        QList<PngText> texts;            ///< for a PNG: the source's, as far as it was one, and the software
-        QByteArray thumbnailPlaceholder; ///< the bytes in `exif` that reserve the place of the new thumbnail
-        QStringList omitted;             ///< parts that are left out: "maker note", "user comment"
+        QByteArray exif = {};           ///< TIFF structure, little or big endian as in the source
+        QByteArray iptc = {};           ///< IIM records
+        QByteArray imageResources = {}; ///< Photoshop image resources without IIM records
+        QByteArray xmp = {};            ///< packet, UTF-8
+        QByteArray comment = {};        ///< JPEG comment
+        QList<PngText> texts = {};      ///< for a PNG: the source's, as far as it was one, and the software
+        QByteArray thumbnailPlaceholder =
+            {};                   ///< the bytes in `exif` that reserve the place of the new thumbnail
+        QStringList omitted = {}; ///< parts that are left out: "maker note", "user comment"
     };
 
     /// How a copy differs from its source.
