@@ -186,16 +186,16 @@ QByteArray encodedImageResources(const MetadataSet &set, const QByteArray &iptc,
 }
 
 /// Clears and edits EXIF, IPTC and XMP, and encodes the XMP.
-QByteArray changedXmp(MetadataSet &set, ClearedGroups cleared, const QVariantMap &before,
-                      const QVariantMap &after, const EmbeddedMetadata::CopyFacts &facts, bool hasNewIptc,
-                      QStringList &omitted)
+QByteArray changedXmp(MetadataSet &set, const QVariantMap &before, const QVariantMap &after,
+                      const EmbeddedMetadata::CopyFacts &facts, bool hasNewIptc, QStringList &omitted)
 {
     DecodedXmp xmp = decodedXmp(set, &omitted);
     erasePicturesFromXmp(xmp.data);
-    clearGroups(set, xmp, cleared, after);
+    clearGroups(set, xmp, facts.cleared, after);
     // A cleared fact that is there again is new, even with the same value.
-    const QVariantMap remaining = cleared ? propertiesOfMetadata(set, xmp.data) : before;
-    if (applyPropertyChanges(set, xmp.data, remaining, after) || hasNewIptc || (cleared & ClearedGroup::Iptc))
+    const QVariantMap remaining = facts.cleared ? propertiesOfMetadata(set, xmp.data) : before;
+    if (applyPropertyChanges(set, xmp.data, remaining, after) || hasNewIptc ||
+        (facts.cleared & ClearedGroup::Iptc))
         // A digest of the old record would make other programs distrust the new one.
         eraseXmpProperty(xmp.data, "Xmp.photoshop.LegacyIPTCDigest");
     if (!facts.holdsIptc)
@@ -234,16 +234,15 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     EmbeddedMetadata::Encoded encoded;
     if (set.hasDamagedIptc)
         encoded.omitted += set.iptc.empty() ? u"IPTC"_qs : u"damaged IPTC field"_qs;
-    const ClearedGroups cleared = facts.cleared | emptiedGroups(before, after);
-    after = withKeptUsageTerms(before, after, cleared);
+    after = withKeptUsageTerms(before, after, facts.cleared);
     MakerNoteBlock note = makerNoteOf(set.exif);
     const size_t noteFields = makerNoteFields(set.exif);
     erasePicturesFromExif(set.exif);
     const bool erasedFromIptc = erasePicturesFromIptc(set.iptc);
     const Exiv2::IptcData original = set.iptc;
     const bool hadNote = exifDatum(set.exif, "Exif.Photo.MakerNote") != nullptr;
-    encoded.xmp = changedXmp(set, cleared, before, after, facts, erasedFromIptc, encoded.omitted);
-    if (hadNote && !exifDatum(set.exif, "Exif.Photo.MakerNote") && !(cleared & ClearedGroup::Exif))
+    encoded.xmp = changedXmp(set, before, after, facts, erasedFromIptc, encoded.omitted);
+    if (hadNote && !exifDatum(set.exif, "Exif.Photo.MakerNote") && !(facts.cleared & ClearedGroup::Exif))
         encoded.omitted += u"maker note"_qs;
 
     if (facts.isTurned)
@@ -254,9 +253,9 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     note.isEdited = makerNoteFields(set.exif) != noteFields;
     encodeExif(encoded, set.exif, set.byteOrder, note, facts);
     encoded.iptc = encodedIptc(set, original);
-    encoded.imageResources = encodedImageResources(set, encoded.iptc, after, cleared);
+    encoded.imageResources = encodedImageResources(set, encoded.iptc, after, facts.cleared);
     // Free text about the photo, as the caption is.
-    if (!(cleared & ClearedGroup::Iptc)) {
+    if (!(facts.cleared & ClearedGroup::Iptc)) {
         bool isWhole = true;
         encoded.comment = set.comments.text(isWhole);
         if (!isWhole)

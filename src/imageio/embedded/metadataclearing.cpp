@@ -7,8 +7,6 @@
 #include "metadata/metadatafields.h"
 #include "metadata/propertykeys.h"
 
-#include <QStringList>
-
 #include <set>
 
 namespace plexa
@@ -193,28 +191,6 @@ void clearIptc(MetadataSet &set, DecodedXmp &xmp, const QVariantMap &after)
                                "Exif.Image.RatingPercent"});
 }
 
-/// Facts of the IPTC dictionary that a clearing may keep.
-QStringList keepableIptcKeys()
-{
-    return {kCGImagePropertyIPTCCopyrightNotice, kCGImagePropertyIPTCByline, kCGImagePropertyIPTCBylineTitle,
-            kCGImagePropertyIPTCCreatorContactInfo};
-}
-
-bool iptcHasBeenCleared(QVariantMap before, QVariantMap after)
-{
-    const auto withoutEmptyContact = [](QVariantMap &iptc) {
-        if (iptc.value(kCGImagePropertyIPTCCreatorContactInfo).toMap().isEmpty())
-            iptc.remove(kCGImagePropertyIPTCCreatorContactInfo);
-    };
-    withoutEmptyContact(before);
-    withoutEmptyContact(after);
-    if (before.keys() == after.keys())
-        return false;
-    for (const QString &key : keepableIptcKeys())
-        after.remove(key);
-    return after.isEmpty();
-}
-
 } // namespace
 
 bool startsWithAny(std::string_view text, std::initializer_list<std::string_view> beginnings)
@@ -260,19 +236,6 @@ void eraseOpaqueMakerNote(Exiv2::ExifData &exif)
 {
     if (makerNoteFields(exif) == 0)
         eraseMakerNotes(exif);
-}
-
-ClearedGroups emptiedGroups(const QVariantMap &before, const QVariantMap &after)
-{
-    const auto isEmptied = [&](MetadataGroup group) {
-        return !groupDictionary(before, group).isEmpty() && groupDictionary(after, group).isEmpty();
-    };
-    ClearedGroups groups;
-    groups.setFlag(ClearedGroup::Gps, isEmptied(MetadataGroup::Gps));
-    groups.setFlag(ClearedGroup::Exif, isEmptied(MetadataGroup::Exif));
-    groups.setFlag(ClearedGroup::Iptc, iptcHasBeenCleared(groupDictionary(before, MetadataGroup::Iptc),
-                                                          groupDictionary(after, MetadataGroup::Iptc)));
-    return groups;
 }
 
 void clearGroups(MetadataSet &set, DecodedXmp &xmp, ClearedGroups groups, const QVariantMap &after)

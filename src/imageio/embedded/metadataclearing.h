@@ -48,10 +48,6 @@ void eraseExifFields(Exiv2::ExifData &exif, std::initializer_list<std::string_vi
 /// Removes an XMP property and what is nested in it. @return true where there was any
 bool eraseXmpProperty(Exiv2::XmpData &xmp, std::string_view key);
 
-/// The groups that `after` shows as cleared: empty there but not in `before`, the IPTC group but for what
-/// its clearing may keep (copyright, creator, contact).
-ClearedGroups emptiedGroups(const QVariantMap &before, const QVariantMap &after);
-
 /// Clears groups in all places that store something of them, modelled or not: EXIF with maker notes, serial
 /// numbers and XMP mirrors; GPS, in maker notes as well; IPTC with its XMP mirrors; of TIFF what describes
 /// picture and camera. What `after` still has of IPTC and TIFF stays.

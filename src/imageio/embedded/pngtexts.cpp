@@ -4,7 +4,6 @@
 
 #include "imageio/container/picturestarts.h"
 #include "imageio/embedded/metadatablocks.h"
-#include "imageio/embedded/metadataclearing.h"
 #include "metadata/propertykeys.h"
 #include "metadata/propertyvalues.h"
 
@@ -213,7 +212,6 @@ QVariantMap pngTextProperties(const QList<PngText> &texts)
 QList<PngText> pngTextsForCopy(const QList<PngText> &texts, const QVariantMap &before,
                                const QVariantMap &after, ClearedGroups cleared)
 {
-    cleared |= emptiedGroups(before, after);
     QList<PngText> result;
     for (const PngText &text : texts) {
         const SharedFact *fact = sharedFact(text.keyword);
