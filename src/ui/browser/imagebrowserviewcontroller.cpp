@@ -8,7 +8,6 @@
 #include "presets/presetsstore.h"
 #include "ui/browser/imagebrowserview.h"
 #include "ui/browser/photopromise.h"
-#include "ui/browser/photosource.h"
 #include "ui/browser/privatefolders.h"
 #include "ui/browser/promisedfiles.h"
 
@@ -17,7 +16,6 @@
 #include <QScopedValueRollback>
 
 #include <algorithm>
-#include <atomic>
 
 namespace plexa
 {
@@ -26,31 +24,35 @@ namespace
 
 constexpr float kZoomStep = 0.1F;
 
-} // namespace
-
-/// Shows copies for other programs in the status line, whose button stops them.
-class StatusLineProgress final : public CopyProgress
+/// The photos of a list for a grid. Refers to the list, which may change; main thread.
+class PhotoSource final : public ImageBrowserSource
 {
 public:
-    explicit StatusLineProgress(StatusManager &status)
-        : m_status(status)
+    /// @param photos  never null
+    explicit PhotoSource(std::shared_ptr<const ImageList> photos)
+        : m_photos(std::move(photos))
     {
     }
 
-    int begin() override
+    int count() const override { return static_cast<int>(m_photos->size()); }
+    QString filename(int index) const override { return at(index).filename(); }
+    /// A photo has one thumbnail for both kinds.
+    QImage thumbnail(int index, ThumbnailKind) const override { return at(index).thumbnail(); }
+    /// @param image  an ImageObject
+    int indexOf(const void *image) const override
     {
-        m_status.startProcessing();
-        return m_stops;
+        const auto found = std::find_if(m_photos->begin(), m_photos->end(),
+                                        [image](const auto &photo) { return photo.get() == image; });
+        return found == m_photos->end() ? -1 : static_cast<int>(found - m_photos->begin());
     }
-    void setProgress(float share) override { m_status.setProgress(share, StatusOperation::Processing); }
-    bool isStopped(int begun) const override { return m_stops != begun; }
-    void end() override { m_status.endProcessing(); }
-    void stop() { ++m_stops; }
 
 private:
-    StatusManager &m_status;
-    std::atomic<int> m_stops = 0;
+    const ImageObject &at(int index) const { return *(*m_photos)[static_cast<std::size_t>(index)]; }
+
+    const std::shared_ptr<const ImageList> m_photos;
 };
+
+} // namespace
 
 ImageBrowserViewController::ImageBrowserViewController(AppController &app, ImageBrowserView &view,
                                                        UserDefaults &defaults, int threads)
@@ -59,15 +61,14 @@ ImageBrowserViewController::ImageBrowserViewController(AppController &app, Image
     , m_defaults(defaults)
     , m_threads(threads)
     , m_folders(std::make_shared<PrivateFolders>())
-    , m_progress(std::make_shared<StatusLineProgress>(app.statusManager()))
+    , m_progress(std::make_shared<CopyProgress>(app.statusManager()))
     , m_cleaning([] { PrivateFolders::removeLeftovers(); })
 {
     view.setDelegate(this);
     view.setAllowCopying(false);
     followShowOriginalOnMouseOver();
     showList();
-    setShowBrowserFilenames(defaults.boolForKey(settings::imageBrowserShowsNames));
-    setBrowserZoomFactor(defaults.floatForKey(settings::imageBrowserZoomFactor));
+    followZoomAndNames();
     connectAll();
 }
 
@@ -123,22 +124,12 @@ void ImageBrowserViewController::takeSelection()
 
 // ---- from the grid to the set
 
-void ImageBrowserViewController::tellSelection()
+void ImageBrowserViewController::reportSelection()
 {
     if (m_isFollowing)
         return;
     // The selection's signals return here and find the view unchanged.
     m_app.imageSet().selection().select(m_view.selectionIndexes(), m_view.focusImageIndex());
-}
-
-void ImageBrowserViewController::selectionDidChangeTo(const QList<int> &)
-{
-    tellSelection();
-}
-
-void ImageBrowserViewController::focusImageDidChangeTo(int, int)
-{
-    tellSelection();
 }
 
 void ImageBrowserViewController::deletePressed()
@@ -158,11 +149,6 @@ void ImageBrowserViewController::movedIndexes(const QList<int> &indexes, int toI
 
 // ---- zoom and names
 
-float ImageBrowserViewController::browserZoomFactor() const
-{
-    return m_view.zoomFactor();
-}
-
 void ImageBrowserViewController::setBrowserZoomFactor(float zoomFactor)
 {
     m_view.setZoomFactor(zoomFactor);
@@ -180,6 +166,12 @@ void ImageBrowserViewController::setShowBrowserFilenames(bool show)
     m_view.setShowFilenames(show);
     m_defaults.setObject(settings::imageBrowserShowsNames, show);
     Q_EMIT showBrowserFilenamesChanged(show);
+}
+
+void ImageBrowserViewController::followZoomAndNames()
+{
+    setShowBrowserFilenames(m_defaults.boolForKey(settings::imageBrowserShowsNames));
+    setBrowserZoomFactor(m_defaults.floatForKey(settings::imageBrowserZoomFactor));
 }
 
 void ImageBrowserViewController::followShowOriginalOnMouseOver()

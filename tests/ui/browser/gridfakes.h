@@ -60,7 +60,7 @@ class FakePromise final : public FilePromise
 public:
     struct Log {
         std::atomic<int> made = 0;        ///< requests to write the files
-        std::atomic<bool> mayGoOn = true; ///< until then the first file waits, while it is wanted
+        std::atomic<bool> mayGoOn = true; ///< until then the first file waits, unless it is canceled
         std::atomic<bool> wasUnwanted = false;
         QString folder; ///< of the written files
         QString savedInto;
@@ -90,7 +90,6 @@ public:
         return outcome;
     }
     void report(const QStringList &failures) override { m_log.failures = failures; }
-    bool canSaveInto() const override { return true; }
     bool saveInto(const QString &folder) override
     {
         m_log.savedInto = folder;
