@@ -4,6 +4,8 @@
 
 #include <QList>
 
+#include <set>
+
 namespace plexa
 {
 
@@ -11,6 +13,13 @@ namespace plexa
 using IndexList = QList<int>;
 
 /// Ascending, each once, without those that are not in a list of `count`.
-IndexList cleanedIndexes(IndexList indexes, std::size_t count);
+inline IndexList cleanedIndexes(const IndexList &indexes, std::size_t count)
+{
+    const std::set<int> sorted(indexes.begin(), indexes.end());
+    const IndexList clean(sorted.lower_bound(0), sorted.lower_bound(static_cast<int>(count)));
+    if (clean.isEmpty())
+        return {}; // Qt compares lists by memcmp(), which an emptied list and one without memory are not for
+    return clean;
+}
 
 } // namespace plexa
