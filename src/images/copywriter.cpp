@@ -51,6 +51,8 @@ Result<Drawings> prepareMarks(const CopyOrder &order, const PhotoFacts &facts, c
         report.rects.push_back(*drawing ? std::optional((*drawing)->layout().rect) : std::nullopt);
         report.isMarked = report.isMarked || (*drawing && (*drawing)->isVisible());
         if (*drawing)
+            report.notices += (*drawing)->notices();
+        if (*drawing)
             drawings.push_back(std::move(**drawing));
     }
     return drawings;

@@ -61,6 +61,7 @@ struct CopyReport {
         rects;             ///< of each mark, origin at the bottom left; none: it had nothing to draw
     bool isMarked = false; ///< is anything of any mark to be seen on the copy?
     QStringList dropped;   ///< of the source, what the copy does not have: "gain map", "maker note"
+    QStringList notices;   ///< about the marks, as texts that follow the photo's path
 };
 
 /// Reads the photo, draws the watermarks and writes the copy. A photo that needs no turning passes through in

@@ -144,15 +144,18 @@ void filterAcross(const uchar *from, int width, const Weights &across, std::vect
     }
 }
 
-/// Rounded sums as pixels.
+/// A rounded sum as a pixel.
+quint32 packed(const Pixel &sum, bool isOpaque)
+{
+    const float alpha = isOpaque ? 255.0F : std::clamp(sum[3], 0.0F, 255.0F);
+    const auto channel = [&](int c) { return quint32(std::clamp(sum[c], 0.0F, alpha)); };
+    return quint32(alpha) << 24 | channel(2) << 16 | channel(1) << 8 | channel(0);
+}
+
 void writePixels(const std::vector<Pixel> &sum, bool isOpaque, quint32 *to)
 {
-    for (std::size_t x = 0; x < sum.size(); ++x) {
-        const Pixel pixel = sum[x];
-        const float alpha = isOpaque ? 255.0F : std::clamp(pixel[3], 0.0F, 255.0F);
-        const auto channel = [&](int c) { return quint32(std::clamp(pixel[c], 0.0F, alpha)); };
-        to[x] = quint32(alpha) << 24 | channel(2) << 16 | channel(1) << 8 | channel(0);
-    }
+    for (std::size_t x = 0; x < sum.size(); ++x)
+        to[x] = packed(sum[x], isOpaque);
 }
 
 /// Applies both sides' weights. Source rows are filtered along x once, when they are first needed, and kept
@@ -198,23 +201,24 @@ int blockFactor(int source, int target)
     return std::clamp(int(source / (6.0 * target)), 1, 256);
 }
 
-/// A pixel as four lanes of 16 bits.
-quint64 spread(quint32 pixel)
-{
-    return quint64(pixel & 0x00ff00ffU) | quint64((pixel >> 8) & 0x00ff00ffU) << 32;
-}
-
-quint32 gathered(quint64 lanes)
-{
-    lanes &= 0x00ff00ff00ff00ffULL;
-    return quint32(lanes) | quint32(lanes >> 32) << 8;
-}
-
 /// Places in an image are fixed-point numbers with 32 bits behind the point: over any row that fits into
 /// memory the steps add up to less than a hundredth of a pixel.
 constexpr double kFixedOne = 4294967296.0;
 
-/// The colors between an image's pixels.
+/// The weights of four neighbors in one direction, for each 256th of a pixel.
+struct CubicTaps {
+    float weight[256][4];
+
+    CubicTaps()
+    {
+        for (int i = 0; i < 256; ++i) {
+            for (int k = 0; k < 4; ++k)
+                weight[i][k] = float(Cubic::at(k - 1 - i / 256.0));
+        }
+    }
+};
+
+/// The colors between an image's pixels: bicubic, without values beyond the range of a pixel.
 class Sampler
 {
 public:
@@ -223,45 +227,67 @@ public:
         , m_stride(image.bytesPerLine() / 4)
         , m_width(image.width())
         , m_height(image.height())
-        , m_outside(image.format() == QImage::Format_RGB32 ? 0xff000000U : 0U)
+        , m_isOpaque(image.format() == QImage::Format_RGB32)
     {
     }
 
     /// @param x, y  fixed-point; whole numbers are the middles of pixels
     quint32 at(qint64 x, qint64 y) const
     {
-        const qint64 left = x >> 32;
-        const qint64 top = y >> 32;
-        // Four weights of 8 bits that add up to exactly 256, so that a plain area keeps its color.
-        const quint64 fx = quint64(x >> 24) & 255;
-        const quint64 fy = quint64(y >> 24) & 255;
-        const quint64 both = (fx * fy + 128) >> 8;
-        const auto mixed = [=](quint32 upperLeft, quint32 upperRight, quint32 lowerLeft, quint32 lowerRight) {
-            const quint64 lanes = spread(upperLeft) * (256 - fx - fy + both) +
-                                  spread(upperRight) * (fx - both) + spread(lowerLeft) * (fy - both) +
-                                  spread(lowerRight) * both + 0x0080008000800080ULL;
-            return gathered(lanes >> 8);
-        };
-        if (left >= 0 && left + 1 < m_width && top >= 0 && top + 1 < m_height) {
-            const quint32 *upper = m_pixels + top * m_stride + left;
-            const quint32 *lower = upper + m_stride;
-            return mixed(upper[0], upper[1], lower[0], lower[1]);
+        static const CubicTaps taps;
+        const qint64 left = (x >> 32) - 1;
+        const qint64 top = (y >> 32) - 1;
+        if (left >= 0 && left + 3 < m_width && top >= 0 && top + 3 < m_height)
+            return mixed(m_pixels + top * m_stride + left, m_stride, taps.weight[(x >> 24) & 255],
+                         taps.weight[(y >> 24) & 255]);
+        quint32 around[16];
+        for (int row = 0; row < 4; ++row) {
+            for (int column = 0; column < 4; ++column)
+                around[row * 4 + column] = pixelAt(left + column, top + row);
         }
-        return mixed(pixelAt(left, top), pixelAt(left + 1, top), pixelAt(left, top + 1),
-                     pixelAt(left + 1, top + 1));
+        return mixed(around, 4, taps.weight[(x >> 24) & 255], taps.weight[(y >> 24) & 255]);
     }
 
 private:
+    using Bytes = uchar __attribute__((vector_size(4)));
+
+    quint32 mixed(const quint32 *from, qsizetype stride, const float *across, const float *down) const
+    {
+        quint32 unlike = 0;
+        for (int row = 0; row < 4; ++row) {
+            for (int column = 0; column < 4; ++column)
+                unlike |= from[row * stride + column] ^ from[0];
+        }
+        if (unlike == 0) // plain areas, most of a logo
+            return m_isOpaque ? from[0] | 0xff000000U : from[0];
+        Pixel sum{0.5F, 0.5F, 0.5F, 0.5F};
+        for (int row = 0; row < 4; ++row) {
+            Pixel inRow{0, 0, 0, 0};
+            for (int column = 0; column < 4; ++column) {
+                Bytes bytes;
+                std::memcpy(&bytes, from + row * stride + column, sizeof bytes);
+                inRow += __builtin_convertvector(bytes, Pixel) * across[column];
+            }
+            sum += inRow * down[row];
+        }
+        // At the edges of a picture the filter overshoots in all channels alike.
+        if (sum[3] > 255.5F)
+            sum *= 255.5F / sum[3];
+        return packed(sum, m_isOpaque);
+    }
+
     quint32 pixelAt(qint64 x, qint64 y) const
     {
-        return x >= 0 && x < m_width && y >= 0 && y < m_height ? m_pixels[y * m_stride + x] : m_outside;
+        if (x >= 0 && x < m_width && y >= 0 && y < m_height)
+            return m_pixels[y * m_stride + x];
+        return 0;
     }
 
     const quint32 *m_pixels;
     qsizetype m_stride;
     qint64 m_width;
     qint64 m_height;
-    quint32 m_outside;
+    bool m_isOpaque;
 };
 
 /// The part of a row that can show the image.
@@ -319,8 +345,8 @@ void drawTransformed(QImage &target, const QImage &image, const QTransform &toSo
         const double startX = toSource.m11() * 0.5 + toSource.m21() * v + toSource.dx() - 0.5;
         const double startY = toSource.m12() * 0.5 + toSource.m22() * v + toSource.dy() - 0.5;
         Span span{0, double(target.width())};
-        span.limit(startX, toSource.m11(), -1, image.width());
-        span.limit(startY, toSource.m12(), -1, image.height());
+        span.limit(startX, toSource.m11(), -2, image.width() + 1);
+        span.limit(startY, toSource.m12(), -2, image.height() + 1);
         if (!(span.begin < span.end))
             continue;
         const int begin = int(std::floor(span.begin));

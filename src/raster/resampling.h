@@ -22,8 +22,8 @@ enum class Quality { Low, High };
 /// @return of the image's format; null when there is no memory or the work is canceled
 QImage resampled(const QImage &image, QSize size, Quality quality, const CancelCheck &isCanceled = {});
 
-/// Draws the image through a transform onto a cleared target of the same format, interpolating linearly
-/// between pixels. Beyond its edges the image is transparent (black without alpha), which softens them.
+/// Draws the image through a transform onto a cleared target of the same format, interpolating between
+/// pixels (Catmull-Rom). Beyond its edges the image is transparent (black without alpha), which softens them.
 /// @param toSource  maps points of the target to points of the image; both have the origin at the top left
 ///                  and y downwards, pixels are unit squares
 void drawTransformed(QImage &target, const QImage &image, const QTransform &toSource);

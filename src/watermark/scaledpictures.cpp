@@ -35,10 +35,11 @@ std::shared_ptr<ScaledPictures> ScaledPictures::shared()
     return pictures;
 }
 
-QImage ScaledPictures::find(const void *owner, QSize size, const std::function<QImage()> &render,
+QImage ScaledPictures::find(const void *owner, Form form, const std::function<QImage()> &render,
                             const CancelCheck &isCanceled)
 {
-    const Key key{owner, quint64(size.width()) << 32 | quint64(size.height())};
+    const QSize size = form.size;
+    const Key key{owner, {quint64(size.width()) << 32 | quint64(size.height()), form.tilt}};
     std::unique_lock lock(m_lock);
     if (qint64{4} * size.width() * size.height() > m_images.maxCost()) {
         lock.unlock();

@@ -20,22 +20,34 @@ namespace plexa
 class ScaledPictures final
 {
 public:
+    struct Form {
+        QSize size;
+        double tilt = 0; ///< radians
+
+        // A size alone is a form.
+        Form(QSize size, double tilt = 0)
+            : size(size)
+            , tilt(tilt)
+        {
+        }
+    };
+
     explicit ScaledPictures(qint64 maxBytes);
 
     /// The cache of the process.
     static std::shared_ptr<ScaledPictures> shared();
 
-    /// The picture of `owner` in that size: the cached one, else the result of `render`. Threads that want
-    /// the same size wait for one rendering, unless the size exceeds the bound. Nothing is locked meanwhile.
+    /// The picture of `owner` in that form: the cached one, else the result of `render`. Threads that want
+    /// the same form wait for one rendering, unless the size exceeds the bound. Nothing is locked meanwhile.
     /// @return a null image if `render` returns one or the work is canceled
-    QImage find(const void *owner, QSize size, const std::function<QImage()> &render,
+    QImage find(const void *owner, Form form, const std::function<QImage()> &render,
                 const CancelCheck &isCanceled);
 
     /// Discards all sizes of a picture. Called before the address of `owner` is used again.
     void remove(const void *owner);
 
 private:
-    using Key = std::pair<const void *, quint64>;
+    using Key = std::pair<const void *, std::pair<quint64, double>>;
 
     std::mutex m_lock;
     std::condition_variable m_rendered;

@@ -6,6 +6,7 @@
 #include "raster/bitmaputilities.h"
 #include "watermark/stoppablecanvas.h"
 #include "watermark/svgcheck.h"
+#include "watermark/watermarkbitmap.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -91,10 +92,11 @@ Result<SvgDrawing> checked(const QByteArray &svg, const std::atomic_bool &isStop
     return SvgDrawing{*bounded, size};
 }
 
-Result<QImage> rendered(const QByteArray &svg, QSize size, const std::atomic_bool &isStopped)
+Result<QImage> rendered(const QByteArray &svg, QSize size, double tilt, const std::atomic_bool &isStopped)
 {
     QSvgRenderer renderer;
-    QImage image = createBitmapContext(size.width(), size.height(), true);
+    const QSizeF box = tiltedBox(size, tilt);
+    QImage image = createBitmapContext(static_cast<int>(box.width()), static_cast<int>(box.height()), true);
     if (image.isNull())
         return fail(Texts::tr("there is not enough memory for it"));
     if (!loadRenderer(renderer, svg, isStopped))
@@ -103,6 +105,8 @@ Result<QImage> rendered(const QByteArray &svg, QSize size, const std::atomic_boo
     QPainter painter(&canvas);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform |
                            QPainter::TextAntialiasing);
+    if (tilt != 0)
+        painter.setTransform(tiltIntoBox(size, tilt));
     renderer.render(&painter, QRectF(QPointF(), QSizeF(size)));
     painter.end();
     return image;
@@ -204,11 +208,10 @@ Result<SvgDrawing> checkedSvg(const QByteArray &svg)
         [svg](const std::atomic_bool &isStopped) { return checked(svg, isStopped); }, {});
 }
 
-Result<QImage> renderedSvg(const QByteArray &svg, QSize size, const CancelCheck &isCanceled)
+Result<QImage> renderedSvg(const QByteArray &svg, QSize size, double tilt, const CancelCheck &isCanceled)
 {
     return withinTime<QImage>(
-        [svg, size](const std::atomic_bool &isStopped) { return rendered(svg, size, isStopped); },
-        isCanceled);
+        [=](const std::atomic_bool &isStopped) { return rendered(svg, size, tilt, isStopped); }, isCanceled);
 }
 
 } // namespace plexa

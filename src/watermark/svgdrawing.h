@@ -28,8 +28,11 @@ struct SvgDrawing {
 /// Checks a document as boundedXml() and faultOfSvg() do, and measures it.
 [[nodiscard]] Result<SvgDrawing> checkedSvg(const QByteArray &svg);
 
-/// @param svg  of a drawing that checkedSvg() returned
-/// @return Format_ARGB32_Premultiplied
-[[nodiscard]] Result<QImage> renderedSvg(const QByteArray &svg, QSize size, const CancelCheck &isCanceled);
+/// @param svg   of a drawing that checkedSvg() returned
+/// @param size  upright
+/// @param tilt  radians counter-clockwise
+/// @return Format_ARGB32_Premultiplied; the bounding box of the tilted drawing, fractions of a pixel cut off
+[[nodiscard]] Result<QImage> renderedSvg(const QByteArray &svg, QSize size, double tilt,
+                                         const CancelCheck &isCanceled);
 
 } // namespace plexa

@@ -56,6 +56,11 @@ Inks inksOf(const WPresetValues &values, double fontSize)
     return inks;
 }
 
+QTransform withoutMoving(const QTransform &transform)
+{
+    return {transform.m11(), transform.m12(), transform.m21(), transform.m22(), 0, 0};
+}
+
 /// A text in pixels: the fill first, the outlines above it. The outline of each kind of glyph is computed
 /// once.
 class PaintableText
@@ -70,7 +75,7 @@ public:
         const double outside = inks.isOutlined ? inks.outline.widthF() / 2 : 0;
         // Anti-aliasing reaches a pixel further.
         const double margin = outside + 1;
-        const QTransform scaling(toPixels.m11(), 0, 0, toPixels.m22(), 0, 0);
+        const QTransform scaling = withoutMoving(toPixels);
         for (std::size_t i = 0; i < m_shapes.size(); ++i) {
             m_shapes[i].reach = scaling.mapRect(setting.shapes[i].controlPointRect())
                                     .adjusted(-margin, -margin, margin, margin);
@@ -135,8 +140,7 @@ private:
     {
         Shape &shape = m_shapes[index];
         if (shape.fill.isEmpty())
-            shape.fill =
-                QTransform(m_toPixels.m11(), 0, 0, m_toPixels.m22(), 0, 0).map(m_setting.shapes[index]);
+            shape.fill = withoutMoving(m_toPixels).map(m_setting.shapes[index]);
         return shape.fill;
     }
 
@@ -210,6 +214,43 @@ private:
     QRectF m_bounds;
 };
 
+/// The part of the ink that is drawn: also beyond the frame, where accents, slanted letters and outlines
+/// reach, unless that is too large.
+QRect inkOf(const PaintableText &text, QSizeF frame, const Rendering &rendering)
+{
+    const QRectF all = text.bounds();
+    return (rendering.isTooLarge(all.size()) ? all & QRectF(QPointF(0, 0), frame) : all).toAlignedRect();
+}
+
+/// @param toPixels  of the upright text
+/// @param frame     in photo pixels
+Result<std::optional<WatermarkBitmap>> painted(const TextSetting &setting, const QTransform &toPixels,
+                                               QSize frame, const Inks &inks, const Rendering &rendering)
+{
+    const double scale = rendering.scale;
+    const QSizeF box = tiltedBox(frame, rendering.tilt);
+    const QTransform tilt = tiltIntoBox(QSizeF(frame) * scale, rendering.tilt);
+    WatermarkBitmap bitmap;
+    bitmap.size = QSize(static_cast<int>(box.width()), static_cast<int>(box.height()));
+    bitmap.scale = scale;
+    PaintableText paintable(setting, rendering.tilt == 0 ? toPixels : toPixels * tilt, inks);
+    const QRect ink = inkOf(paintable, box * scale, rendering);
+    if (ink.isEmpty())
+        return bitmap;
+    if (rendering.isTooLarge(ink.size())) {
+        const QRect upright = inkOf(PaintableText(setting, toPixels, inks), QSizeF(frame) * scale, rendering);
+        if (rendering.isTooLarge(upright.size()))
+            return rendering.tooLarge(upright.size());
+        return tooLargeToTilt(ink.size(), rendering);
+    }
+    bitmap.inkAt = ink.topLeft();
+    bitmap.ink = createBitmapContext(ink.width(), ink.height(), true);
+    if (bitmap.ink.isNull())
+        return rendering.tooLarge(ink.size());
+    paintable.paint(bitmap.ink, ink.topLeft(), rendering.isCanceled);
+    return bitmap;
+}
+
 } // namespace
 
 double fontSizeInPixels(const WPresetValues &values, QSize photo, double lineHeight)
@@ -242,28 +283,11 @@ Result<std::optional<WatermarkBitmap>> createTextWatermarkOfWidth(double width, 
     if (width > kMaxSide || height > kMaxSide)
         return rendering.tooLarge(QSizeF(width, height) * scale);
 
-    WatermarkBitmap bitmap;
-    bitmap.size = QSize(static_cast<int>(width), static_cast<int>(height));
-    bitmap.scale = scale;
+    const QSize frame(static_cast<int>(width), static_cast<int>(height));
     // The fraction of a photo pixel is cut off at the top.
     const QTransform toPixels = QTransform::fromScale(fontSize * scale, fontSize * scale) *
-                                QTransform::fromTranslate(0, (bitmap.size.height() - height) * scale);
-    PaintableText paintable(*setting, toPixels, inksOf(values, fontSize * scale));
-    // Accents, slanted letters and outlines reach beyond the frame.
-    QRectF bounds = paintable.bounds();
-    if (rendering.isTooLarge(bounds.size()))
-        bounds &= QRectF(QPointF(0, 0), QSizeF(bitmap.size) * scale);
-    const QRect ink = bounds.toAlignedRect();
-    if (ink.isEmpty())
-        return bitmap;
-    if (rendering.isTooLarge(ink.size()))
-        return rendering.tooLarge(ink.size());
-    bitmap.inkAt = ink.topLeft();
-    bitmap.ink = createBitmapContext(ink.width(), ink.height(), true);
-    if (bitmap.ink.isNull())
-        return rendering.tooLarge(ink.size());
-    paintable.paint(bitmap.ink, ink.topLeft(), rendering.isCanceled);
-    return bitmap;
+                                QTransform::fromTranslate(0, (frame.height() - height) * scale);
+    return painted(*setting, toPixels, frame, inksOf(values, fontSize * scale), rendering);
 }
 
 } // namespace plexa

@@ -36,7 +36,7 @@ QPointF beyondInk(const WatermarkBitmap &bitmap)
 template<class Change>
 WatermarkBitmap changed(const WatermarkBitmap &bitmap, QSize size, QPointF inkAt, const Change &change)
 {
-    return {size, bitmap.scale, bitmap.ink.isNull() ? QImage() : change(bitmap.ink), inkAt};
+    return {size, bitmap.scale, bitmap.ink.isNull() ? QImage() : change(bitmap.ink), inkAt, bitmap.notices};
 }
 
 WatermarkBitmap turnedByQuarter(const WatermarkBitmap &bitmap, bool clockwise)
@@ -57,42 +57,6 @@ WatermarkBitmap mirroredOnce(const WatermarkBitmap &bitmap, bool vertically)
                    [=](const QImage &ink) { return createImageFlipped(ink, vertically); });
 }
 
-/// The bounding box of a tilted rectangle.
-QSizeF turnedSize(QSizeF size, double radians)
-{
-    const double s = std::abs(std::sin(radians));
-    const double c = std::abs(std::cos(radians));
-    return {size.width() * c + size.height() * s, size.width() * s + size.height() * c};
-}
-
-/// Tilts the ink alone. Its center moves around the center of the bitmap, which becomes the center of the
-/// tilted bitmap.
-Result<WatermarkBitmap> turnedFreely(const WatermarkBitmap &bitmap, double radians,
-                                     const Rendering &rendering)
-{
-    const QSizeF box = turnedSize(bitmap.size, radians);
-    const QSizeF inkBox = turnedSize(bitmap.ink.size(), radians);
-    if (rendering.isTooLarge(inkBox))
-        return rendering.tooLarge(inkBox);
-    WatermarkBitmap turned = bitmap;
-    turned.size = QSize(static_cast<int>(box.width()), static_cast<int>(box.height()));
-    if (bitmap.ink.isNull())
-        return turned;
-    turned.ink = createImageRotatedByAngle(bitmap.ink, radians);
-    if (turned.ink.isNull())
-        return WatermarkBitmap{};
-    const QSizeF whole = renderedSize(bitmap);
-    const QPointF fromCenter =
-        QRectF(bitmap.inkAt, bitmap.ink.size()).center() - QPointF(whole.width() / 2, whole.height() / 2);
-    const double s = std::sin(radians);
-    const double c = std::cos(radians);
-    const QPointF center(box.width() * bitmap.scale / 2 + fromCenter.x() * c + fromCenter.y() * s,
-                         box.height() * bitmap.scale / 2 - fromCenter.x() * s + fromCenter.y() * c);
-    const QPointF corner = center - QPointF(inkBox.width() / 2, inkBox.height() / 2);
-    turned.inkAt = bitmap.scale == 1 ? QPointF(corner.toPoint()) : corner;
-    return turned;
-}
-
 } // namespace
 
 bool Rendering::isTooLarge(QSizeF size) const
@@ -111,20 +75,46 @@ tl::unexpected<Error> Rendering::tooLarge(QSizeF size) const
             .arg(size.height() / scale, 0, 'f', 0));
 }
 
-Result<WatermarkBitmap> turnedByAngle(const WatermarkBitmap &bitmap, float degrees,
-                                      const Rendering &rendering)
+std::optional<double> freeTilt(float degrees)
 {
     const float radians = positiveRadians(degrees);
-    if (!(radians > 0) || !std::isfinite(radians))
+    if (!(radians > 0) || !std::isfinite(radians) || std::fmod(degrees, 90.0F) == 0)
+        return std::nullopt;
+    return static_cast<double>(radians);
+}
+
+QSizeF tiltedBox(QSizeF size, double radians)
+{
+    const double s = std::abs(std::sin(radians));
+    const double c = std::abs(std::cos(radians));
+    return {size.width() * c + size.height() * s, size.width() * s + size.height() * c};
+}
+
+QTransform tiltIntoBox(QSizeF size, double radians)
+{
+    const double s = std::sin(radians);
+    const double c = std::cos(radians);
+    const QSizeF box = tiltedBox(size, radians);
+    return QTransform::fromTranslate(-size.width() / 2, -size.height() / 2) * QTransform(c, -s, s, c, 0, 0) *
+           QTransform::fromTranslate(box.width() / 2, box.height() / 2);
+}
+
+WatermarkBitmap tooLargeToTilt(QSizeF size, const Rendering &rendering)
+{
+    WatermarkBitmap none;
+    none.scale = rendering.scale;
+    none.notices = {rendering.tooLarge(size).value().text};
+    return none;
+}
+
+WatermarkBitmap turnedByAngle(const WatermarkBitmap &bitmap, float degrees)
+{
+    const float radians = positiveRadians(degrees);
+    if (!(radians > 0) || !std::isfinite(radians) || freeTilt(degrees))
         return bitmap;
-    // Quarter rotations need no interpolation, which would blur.
-    const float fromQuarter = std::fmod(degrees, 90.0F);
-    if (fromQuarter == 0) {
-        const int quarters = (static_cast<int>(std::fmod(degrees, 360.0F)) / 90 + 4) % 4;
-        constexpr int rotations[] = {0, 1, 3, 2};
-        return turnedByQuarters(bitmap, rotations[quarters]);
-    }
-    return turnedFreely(bitmap, static_cast<double>(radians), rendering);
+    const int quarters = (static_cast<int>(std::fmod(degrees, 360.0F)) / 90 + 4) % 4;
+    constexpr int rotations[] = {0, 1, 3, 2};
+    return turnedByQuarters(bitmap, rotations[quarters]);
 }
 
 WatermarkBitmap turnedByQuarters(const WatermarkBitmap &bitmap, int rotation)

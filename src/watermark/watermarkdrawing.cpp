@@ -55,14 +55,25 @@ Result<std::optional<WatermarkBitmap>> createImageWatermarkOfWidth(double width,
     bitmap.scale = scale;
     if (rendering.isTooLarge(QSizeF(bitmap.size) * scale))
         return tooLarge();
-    bitmap.ink = values.image.imageOfSize(renderedSize(bitmap.size, scale), rendering.isCanceled);
-    if (!bitmap.ink.isNull())
+    const QSize rendered = renderedSize(bitmap.size, scale);
+    const QSizeF box = tiltedBox(bitmap.size, rendering.tilt);
+    if (rendering.isTooLarge(box * scale))
+        return tooLargeToTilt(box * scale, rendering);
+    bitmap.ink = values.image.imageOfSize(rendered, rendering.isCanceled, rendering.tilt);
+    if (bitmap.ink.isNull()) {
+        const QString fault = values.pictureFault();
+        return fault.isEmpty() ? tooLarge() : fail(fault);
+    }
+    if (rendering.tilt == 0)
         return bitmap;
-    const QString fault = values.pictureFault();
-    return fault.isEmpty() ? tooLarge() : fail(fault);
+    const QSizeF margins = box * scale - tiltedBox(rendered, rendering.tilt);
+    bitmap.size = QSize(static_cast<int>(box.width()), static_cast<int>(box.height()));
+    if (scale != 1)
+        bitmap.inkAt = QPointF(margins.width(), margins.height()) / 2;
+    return bitmap;
 }
 
-/// The watermark's bitmap before rotation and tilt.
+/// The watermark's bitmap, freely tilted, before rotation.
 Result<std::optional<WatermarkBitmap>> createWatermarkForImage(const WPresetValues &values,
                                                                const PhotoFacts &photo,
                                                                const FontCatalog &fonts,
@@ -78,12 +89,10 @@ Result<std::optional<WatermarkBitmap>> createWatermarkForImage(const WPresetValu
     return createTextWatermarkOfWidth(static_cast<double>(width), values, *text, fonts, rendering);
 }
 
-Result<WatermarkBitmap> turned(const WatermarkBitmap &bitmap, const WPresetValues &values,
-                               const Rendering &rendering)
+WatermarkBitmap turned(const WatermarkBitmap &bitmap, const WPresetValues &values)
 {
-    return turnedByAngle(bitmap, values.angle.value_or(0.0F), rendering).map([&](const auto &byAngle) {
-        return mirrored(turnedByQuarters(byAngle, values.rotation.value_or(0)), values.flip.value_or(0));
-    });
+    const WatermarkBitmap byAngle = turnedByAngle(bitmap, values.angle.value_or(0.0F));
+    return mirrored(turnedByQuarters(byAngle, values.rotation.value_or(0)), values.flip.value_or(0));
 }
 
 /// Black at one third.
@@ -170,7 +179,8 @@ Result<std::optional<WatermarkDrawing>> WatermarkDrawing::prepare(const MarkOrde
                                                                   const FontCatalog &fonts,
                                                                   const DrawingOptions &options)
 {
-    const Rendering rendering{photo.pixelSize(), options.scale, options.isCanceled};
+    const Rendering rendering{photo.pixelSize(), options.scale, options.isCanceled,
+                              freeTilt(order.values.angle.value_or(0.0F)).value_or(0)};
     const auto failed = [&](const Error &error) {
         return fail(plexa::isCanceled(options.isCanceled) ? cancelledText() : error.text);
     };
@@ -180,17 +190,16 @@ Result<std::optional<WatermarkDrawing>> WatermarkDrawing::prepare(const MarkOrde
         return failed(bitmap.error());
     if (!*bitmap)
         return std::nullopt;
-    const Result<WatermarkBitmap> mark = turned(**bitmap, order.values, rendering);
-    if (!mark)
-        return failed(mark.error());
+    const WatermarkBitmap mark = turned(**bitmap, order.values);
 
     WatermarkDrawing drawing;
     drawing.m_values = order.values;
     drawing.m_photo = rendering.photo;
     drawing.m_scale = rendering.scale;
-    drawing.m_size = mark->size;
-    drawing.m_mark.image = mark->ink;
-    drawing.m_mark.at = mark->inkAt;
+    drawing.m_size = mark.size;
+    drawing.m_notices = mark.notices;
+    drawing.m_mark.image = mark.ink;
+    drawing.m_mark.at = mark.inkAt;
     drawing.m_mark.mode = blendModeNamed(order.values.blendMode);
     drawing.m_mark.opacity = fractionOf(order.values.opacity);
     const Result<void> cast =

@@ -74,6 +74,9 @@ public:
     const Mark &mark() const { return m_mark; }
     const std::optional<Box> &box() const { return m_box; }
 
+    /// What the user should know about the mark on this photo, as texts that follow the photo's path.
+    const QStringList &notices() const { return m_notices; }
+
     /// False for a text of blanks, for opacity 0 and for a place outside the photo.
     bool isVisible() const { return !coveredRect().isEmpty(); }
 
@@ -102,6 +105,7 @@ private:
     WatermarkLayout m_layout;
     std::optional<Box> m_box;
     Mark m_mark;
+    QStringList m_notices;
     std::vector<QPoint> m_stamps; ///< top left corners of the copies of the mark that reach into the photo
 };
 

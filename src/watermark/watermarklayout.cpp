@@ -13,9 +13,11 @@ namespace plexa
 namespace
 {
 
-/// Tiling beyond these is a mistake (a negative gap nearly as large as the watermark) and would take minutes
+/// Their places need 100 MB.
+constexpr double kMaxCopies = 4'000'000;
+
+/// Tiling beyond this is a mistake (a negative gap nearly as large as the watermark) and would take minutes
 /// for each photo.
-constexpr double kMaxCopies = 100'000;
 constexpr double kMaxStampedAreaInPhotos = 400;
 
 /// Converts the lengths of a preset to pixels of the photo.

@@ -39,7 +39,7 @@ std::optional<double> baseLength(const QString &unit, QSizeF photo);
 /// returned in single precision.
 float absoluteValueForSize(float value, const QString &unit, QSizeF imageSize);
 
-/// The repeats of one column, from bottom to top, without the first copy: at most 100,000 whose lower edge
+/// The repeats of one column, from bottom to top, without the first copy: at most 4,000,000 whose lower edge
 /// lies below the photo's upper one. Photo pixels, y upwards.
 /// @param step  from one copy's lower edge to the next one's; nothing is repeated unless it is > 0
 /// @return the bottom left corners

@@ -112,14 +112,14 @@ struct WatermarkPicture::Data {
     }
 
     /// The drawing in that size. Sets the fault; a drawing that took too long is not tried again.
-    QImage drawn(QSize to, const CancelCheck &isCanceled) const
+    QImage drawn(QSize to, double tilt, const CancelCheck &isCanceled) const
     {
         {
             const std::lock_guard guard(faultLock);
             if (!fault.isEmpty() && pixelsThatTookTooLong <= qint64{to.width()} * to.height())
                 return {};
         }
-        const Result<QImage> image = renderedSvg(svg, to, isCanceled);
+        const Result<QImage> image = renderedSvg(svg, to, tilt, isCanceled);
         if (image || plexa::isCanceled(isCanceled))
             return image.value_or(QImage());
         const std::lock_guard guard(faultLock);
@@ -128,15 +128,25 @@ struct WatermarkPicture::Data {
         return {};
     }
 
-    QImage rendered(QSize to, const CancelCheck &isCanceled) const
+    QImage rendered(QSize to, double tilt, const CancelCheck &isCanceled) const
     {
         if (plexa::isCanceled(isCanceled))
             return {};
-        QImage image = svg.isEmpty() ? decoded() : drawn(to, isCanceled);
+        if (!svg.isEmpty())
+            return drawn(to, tilt, isCanceled);
+        if (tilt != 0)
+            return createImageRotatedByAngle(found(to, 0, isCanceled), tilt);
+        QImage image = decoded();
         if (!image.isNull() && image.size() != to)
             image = createImageScaledToSize(image, to.width(), to.height(), true, isCanceled);
         image.convertTo(QImage::Format_ARGB32_Premultiplied);
         return image;
+    }
+
+    QImage found(QSize size, double tilt, const CancelCheck &isCanceled) const
+    {
+        return scaledPictures->find(
+            this, {size, tilt}, [&] { return rendered(size, tilt, isCanceled); }, isCanceled);
     }
 };
 
@@ -253,12 +263,9 @@ QImage WatermarkPicture::image() const
     return imageOfSize(m_data->size.toSize().expandedTo(QSize(1, 1)));
 }
 
-QImage WatermarkPicture::imageOfSize(QSize size, const CancelCheck &isCanceled) const
+QImage WatermarkPicture::imageOfSize(QSize size, const CancelCheck &isCanceled, double tilt) const
 {
-    if (!m_data || size.isEmpty())
-        return {};
-    return m_data->scaledPictures->find(
-        m_data.get(), size, [&] { return m_data->rendered(size, isCanceled); }, isCanceled);
+    return m_data && !size.isEmpty() ? m_data->found(size, tilt, isCanceled) : QImage();
 }
 
 } // namespace plexa

@@ -63,9 +63,11 @@ public:
 
     /// The whole picture in that size, Format_ARGB32_Premultiplied. Recently used sizes are cached; threads
     /// that want the same size wait for one rendering.
-    /// @param isCanceled  checked at each row of pixels; a drawing is rendered in one piece
+    /// @param isCanceled  checked at each row of pixels or element of a drawing
+    /// @param tilt        radians counter-clockwise; the picture is then in its bounding box (fractions of a
+    ///                    pixel cut off). Drawings are rendered tilted.
     /// @return a null image also if the work is canceled
-    QImage imageOfSize(QSize size, const CancelCheck &isCanceled = {}) const;
+    QImage imageOfSize(QSize size, const CancelCheck &isCanceled = {}, double tilt = 0) const;
 
     bool operator==(const WatermarkPicture &other) const { return m_data == other.m_data; }
 

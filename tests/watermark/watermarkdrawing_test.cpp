@@ -246,6 +246,45 @@ private Q_SLOTS:
         }
     }
 
+    /// Against the same mark in a photo twice as large, whose pixels are averaged.
+    void tiltedMarksAreSharp()
+    {
+        const QByteArray svg = "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 20 10'>"
+                               "<path d='M0 0H2V10H0zM4 0H5V10H4zM8 1L19 9' stroke='black'/></svg>";
+        for (const bool isText : {true, false}) {
+            WPresetValues values = textPreset(u"Tilted"_qs);
+            values.fontSize = 20;
+            values.fontSizeUnit = u"% of height"_qs;
+            values.width = 80;
+            values.widthUnit = u"% of width"_qs;
+            values.anchorPoint = 4;
+            values.angle = 17;
+            if (!isText) {
+                values.type = u"Image"_qs;
+                values.width = 40;
+                values.image = *WatermarkPicture::fromSvg(svg);
+            }
+            const QImage found = drawn(flatPhoto(), values);
+            const QSize twice = kSize * 2;
+            const auto large = createWatermarkOnImage(flatPhoto(QColor(128, 128, 128), twice), values,
+                                                      fakePhoto(twice), m_fonts, false, nullptr);
+            const QImage truth = large->scaled(kSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+            const auto edges = [](const QImage &image) {
+                double sum = 0;
+                for (int y = 1; y < image.height(); ++y) {
+                    for (int x = 1; x < image.width(); ++x) {
+                        const int gray = qGray(image.pixel(x, y));
+                        sum += std::pow(gray - qGray(image.pixel(x - 1, y)), 2) +
+                               std::pow(gray - qGray(image.pixel(x, y - 1)), 2);
+                    }
+                }
+                return sum;
+            };
+            const double ratio = edges(found) / edges(truth);
+            QVERIFY2(ratio > 0.97 && ratio < 1.05, QByteArray::number(ratio));
+        }
+    }
+
     void theBoxIgnoresTheWatermarksOpacity()
     {
         WPresetValues values = fourColors();
@@ -422,9 +461,15 @@ private Q_SLOTS:
         MarkOrder shadow = good;
         shadow.values.shadow = true;
         shadow.values.shadowBlur = 2'000'000'000;
+        MarkOrder tilted = good; // too large only when it is tilted
+        tilted.values.width = 11'000;
+        tilted.values.angle = 45;
         const auto drawings = WatermarkDrawing::prepareEach(
-            std::vector{good, tooLarge, nothing, repeats, shadow, good}, fakePhoto(kSize), m_fonts);
-        QCOMPARE(drawings.size(), 6U);
+            std::vector{good, tooLarge, nothing, repeats, shadow, good, tilted}, fakePhoto(kSize), m_fonts);
+        QCOMPARE(drawings.size(), 7U);
+        QVERIFY(drawings[6] && *drawings[6] && !(*drawings[6])->isVisible());
+        QVERIFY((*drawings[6])->notices().join(u' ').contains(u"large"));
+        QVERIFY((*drawings[5])->notices().isEmpty());
         QVERIFY(drawings[0] && *drawings[0] && drawings[5] && *drawings[5]);
         QVERIFY(drawings[2] && !*drawings[2]);
         QVERIFY(!drawings[1] && drawings[1].error().text.contains(u"2000000000"));
