@@ -99,11 +99,6 @@ QSize Uprighting::unscaledSize() const
     return orientedSize(stored, orientation);
 }
 
-QTransform Uprighting::transform(QSize decoded) const
-{
-    return orientationTransform(orientation, scaleX, scaleY, decoded);
-}
-
 Uprighting uprightingOf(QSize stored, const ImageMetadata &metadata, int turns, const ReadLimits &limits)
 {
     Uprighting result;
@@ -137,7 +132,8 @@ Result<QImage> readUpright(const ImageSource &source, const Uprighting &uprighti
     const Result<QImage> stored = readOriented(**reader, 1, isCancelled);
     if (!stored)
         return stored;
-    QImage upright = createImageWithTransform(*stored, uprighting.transform(stored->size()));
+    QImage upright =
+        createImageUpright(*stored, uprighting.orientation, uprighting.scaleX, uprighting.scaleY);
     return upright.isNull() ? *stored : upright;
 }
 
