@@ -109,21 +109,6 @@ QImage createBitmapContext(int width, int height, bool withAlpha)
     return cleared(width, height, bitmapFormat(withAlpha));
 }
 
-QImage createImageRotatedByQuarter(const QImage &image, bool clockwise)
-{
-    return oriented(image, clockwise ? 6 : 8);
-}
-
-QImage createImageRotatedByHalf(const QImage &image)
-{
-    return oriented(image, 3);
-}
-
-QImage createImageFlipped(const QImage &image, bool vertically)
-{
-    return oriented(image, vertically ? 4 : 2);
-}
-
 QImage createImageRotatedByAngle(const QImage &image, double radians)
 {
     if (image.isNull() || !std::isfinite(radians))
@@ -161,14 +146,14 @@ QImage createImageScaledToMaxSize(const QImage &image, int maxSize, bool flipVer
         return {};
     const int longer = std::max(image.width(), image.height());
     if (maxSize >= longer)
-        return flipVertically ? createImageFlipped(image, true) : image;
+        return flipVertically ? oriented(image, 4) : image;
     if (maxSize < 1)
         return {};
     // A very long and thin image keeps one pixel of its shorter side.
     const auto scaled = [&](int side) { return std::max<qint64>(1, qint64(side) * maxSize / longer); };
     const QImage smaller =
         scaledTo(image, double(scaled(image.width())), double(scaled(image.height())), Quality::High);
-    return flipVertically ? createImageFlipped(smaller, true) : smaller;
+    return flipVertically ? oriented(smaller, 4) : smaller;
 }
 
 QImage createImageScaledToSize(const QImage &image, int width, int height, bool highQuality,

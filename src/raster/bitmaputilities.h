@@ -21,15 +21,6 @@ namespace plexa
 /// A cleared bitmap: transparent with alpha, black without.
 QImage createBitmapContext(int width, int height, bool withAlpha);
 
-/// The image turned by a quarter.
-QImage createImageRotatedByQuarter(const QImage &image, bool clockwise);
-
-/// The image turned by a half.
-QImage createImageRotatedByHalf(const QImage &image);
-
-/// The image mirrored: left to right, or top to bottom when `vertically`.
-QImage createImageFlipped(const QImage &image, bool vertically);
-
 /// The image turned counter-clockwise, in its bounding box (fractions of a pixel cut off), the corners
 /// transparent where the bitmap has alpha.
 QImage createImageRotatedByAngle(const QImage &image, double radians);

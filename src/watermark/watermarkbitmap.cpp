@@ -39,7 +39,7 @@ WatermarkBitmap turnedByQuarter(const WatermarkBitmap &bitmap, bool clockwise)
     turned.size = bitmap.size.transposed();
     turned.inkAt = clockwise ? QPointF(beyond.y(), bitmap.inkAt.x()) : QPointF(bitmap.inkAt.y(), beyond.x());
     if (!bitmap.ink.isNull())
-        turned.ink = createImageRotatedByQuarter(bitmap.ink, clockwise);
+        turned.ink = createImageUpright(bitmap.ink, clockwise ? 6 : 8, 1, 1);
     return turned;
 }
 
@@ -48,7 +48,7 @@ WatermarkBitmap turnedByHalf(const WatermarkBitmap &bitmap)
     WatermarkBitmap turned = bitmap;
     turned.inkAt = beyondInk(bitmap);
     if (!bitmap.ink.isNull())
-        turned.ink = createImageRotatedByHalf(bitmap.ink);
+        turned.ink = createImageUpright(bitmap.ink, 3, 1, 1);
     return turned;
 }
 
@@ -59,7 +59,7 @@ WatermarkBitmap mirroredOnce(const WatermarkBitmap &bitmap, bool vertically)
     flipped.inkAt =
         vertically ? QPointF(bitmap.inkAt.x(), beyond.y()) : QPointF(beyond.x(), bitmap.inkAt.y());
     if (!bitmap.ink.isNull())
-        flipped.ink = createImageFlipped(bitmap.ink, vertically);
+        flipped.ink = createImageUpright(bitmap.ink, vertically ? 4 : 2, 1, 1);
     return flipped;
 }
 

@@ -52,7 +52,7 @@ private Q_SLOTS:
 
         QVERIFY(m_applied->isInSingleMode());
         QVERIFY(m_applied->effectivePresets() == WPresetList{quick} && m_applied->currentWPreset() == quick);
-        m_applied->modeDidChange(1);
+        m_applied->modeDidChange(AppliedPresets::Mode::Presets);
         QCOMPARE(m_work->defaults.integerForKey(settings::lastUsedMode), 1);
         QVERIFY(m_applied->effectivePresets() == applied && !m_applied->currentWPreset());
         m_applied->selectRows({1});
@@ -138,7 +138,7 @@ private Q_SLOTS:
         const auto applied = namedPreset(u"a"_qs);
         m_applied->setQuickWPreset(quick);
         m_applied->addWPresetsToApplied({applied});
-        m_applied->modeDidChange(1);
+        m_applied->modeDidChange(AppliedPresets::Mode::Presets);
         const QSignalSpy outdated(m_applied.get(), &AppliedPresets::previewOutdated);
         quick->setOpacity(31);
         applied->setOpacity(32);

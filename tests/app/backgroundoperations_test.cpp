@@ -211,7 +211,7 @@ private Q_SLOTS:
         QCOMPARE(at(1, 1), QPointF(1000, -100));
         QCOMPARE(at(1, 2), std::nullopt); // the place from before is removed
         QCOMPARE(at(2, 0), QPointF(75, 80));
-        QVERIFY(!photo(2).imageHasBeenLoaded()); // its size needs no pixels
+        QVERIFY(!photo(2).metadata()); // its size needs no pixels
 
         m_app->resetManualPositioning(AppController::Presets::All);
         QCOMPARE(at(2, 0), std::nullopt);

@@ -376,7 +376,7 @@ private Q_SLOTS:
         m_set->selectAndPreviewImageWithIndex(0);
         QTRY_VERIFY(!shown.empty());
         QVERIFY(shown.back() == images[0]);
-        QVERIFY(!images[1]->imageHasBeenLoaded() && !images[2]->imageHasBeenLoaded());
+        QVERIFY(!images[1]->metadata() && !images[2]->metadata());
 
         m_work->alerts.expect(u"Unsupported image file"_qs);
         m_set->selection().selectIndexes({1});

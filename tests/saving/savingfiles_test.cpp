@@ -118,11 +118,11 @@ private Q_SLOTS:
         QVERIFY(saving.savingFailedImages().isEmpty());
 
         const QString asBefore = photo(u"bare.png"_qs, bare.size());
-        ImageObject photo(asBefore, m_services.all);
-        const QImage marked = photo.createWatermarkedImage({}, right);
+        const auto bareAgain = ImageObject(asBefore, m_services.all).readReduced(300);
+        const QImage marked = bareAgain->drawn(bareAgain->pixels, right, m_services.fonts);
         QVERIFY(marked != bare);
         QCOMPARE(pixelsOf(QImage(once)), pixelsOf(marked));
-        const QImage again = photo.createWatermarkedImage(marked, right);
+        const QImage again = bareAgain->drawn(marked, right, m_services.fonts);
         QCOMPARE(pixelsOf(QImage(twice)), pixelsOf(again));
     }
 
@@ -133,9 +133,9 @@ private Q_SLOTS:
         const QString alias = path(u"in/alias.tif"_qs);
         QVERIFY(QFile::link(photo, alias));
         const AppliedPreset preset = mark(u"Mark"_qs);
-        ImageObject bare(photo, m_services.all);
-        const QImage once = bare.createWatermarkedImage({}, preset);
-        const QImage again = bare.createWatermarkedImage(once, preset);
+        const auto bare = ImageObject(photo, m_services.all).readReduced(700);
+        const QImage once = bare->drawn(bare->pixels, preset, m_services.fonts);
+        const QImage again = bare->drawn(once, preset, m_services.fonts);
         SavingRun run = runFor({photo, alias}, {preset});
         run.folders.destDirectory.clear();
         run.defaultSavingPreset.filenameTokens = {u"filename"_qs};

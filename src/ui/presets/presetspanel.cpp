@@ -125,7 +125,8 @@ QWidget *PresetsPanel::makePresetsView()
 
 void PresetsPanel::connectLists()
 {
-    connect(m_modeSegments, &ModeSelector::selected, &m_applied, &AppliedPresets::modeDidChange);
+    connect(m_modeSegments, &ModeSelector::selected, &m_applied,
+            [this](int segment) { m_applied.modeDidChange(static_cast<AppliedPresets::Mode>(segment)); });
     connect(&m_applied, &AppliedPresets::modeChanged, this, &PresetsPanel::showMode);
     connect(&m_applied, &AppliedPresets::appliedChanged, this, &PresetsPanel::showApplied);
     connect(&m_applied, &AppliedPresets::selectedRowsChanged, this,

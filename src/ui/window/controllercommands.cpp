@@ -63,8 +63,9 @@ void connectModes(CommandActions &actions, AppliedPresets &applied)
     };
     QObject::connect(&applied, &AppliedPresets::modeChanged, modes, showMode);
     showMode(applied.isInSingleMode());
-    actions.setHandler(ActionId::SingleMode, [&applied] { applied.modeDidChange(0); });
-    actions.setHandler(ActionId::PresetsMode, [&applied] { applied.modeDidChange(1); });
+    using Mode = AppliedPresets::Mode;
+    actions.setHandler(ActionId::SingleMode, [&applied] { applied.modeDidChange(Mode::Single); });
+    actions.setHandler(ActionId::PresetsMode, [&applied] { applied.modeDidChange(Mode::Presets); });
 }
 
 void connectPresets(CommandActions &actions, AppliedPresets &applied)

@@ -194,10 +194,10 @@ private Q_SLOTS:
         QTRY_COMPARE(failures.size(), 2);
 
         // Without watermarks there is nothing to copy, nor is what was copied before.
-        browser.app.appliedPresets().modeDidChange(1);
+        browser.app.appliedPresets().modeDidChange(AppliedPresets::Mode::Presets);
         browser.controller.copy();
         QVERIFY(!clipboard->mimeData() || !clipboard->mimeData()->hasUrls());
-        browser.app.appliedPresets().modeDidChange(0);
+        browser.app.appliedPresets().modeDidChange(AppliedPresets::Mode::Single);
         browser.controller.copy();
 
         // The photos do not stay behind on the clipboard.

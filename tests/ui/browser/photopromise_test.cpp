@@ -48,7 +48,7 @@ private Q_SLOTS:
         };
         std::vector<QImage> expected;
         for (const AppliedPreset &preset : contents.presets)
-            expected.push_back(contents.photos.front()->savedImage(&preset, {}));
+            expected.push_back(contents.photos.front()->createWatermarkedImage(preset));
         QVERIFY(expected[0] != expected[1] && expected[0] != picture);
 
         PromisedFiles files(std::make_unique<PhotoPromise>(contents), std::make_shared<PrivateFolders>(),

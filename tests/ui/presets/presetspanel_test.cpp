@@ -25,7 +25,7 @@ struct Fixture {
     {
         for (const QString &name : words("One Two Three Four"))
             all.push_back(namedPreset(name));
-        applied.modeDidChange(1);
+        applied.modeDidChange(AppliedPresets::Mode::Presets);
         work.store.wPresetList().append(all);
         panel.resize(300, 600);
         panel.show();
@@ -75,7 +75,7 @@ private Q_SLOTS:
         QVERIFY(f.panel.quickWPresetContainer()->isVisible());
         QVERIFY(!f.table("wPresetsAllTable").isVisible());
         QVERIFY(!(f.panel.findChild<QWidget *>(u"presetsModeButton"_qs)->focusPolicy() & Qt::TabFocus));
-        f.applied.modeDidChange(1); // by the menu
+        f.applied.modeDidChange(AppliedPresets::Mode::Presets); // by the menu
         QVERIFY(f.panel.findChild<QPushButton *>(u"presetsModeButton"_qs)->isChecked());
         QVERIFY(f.table("wPresetsAllTable").isVisible());
     }

@@ -128,11 +128,11 @@ private Q_SLOTS:
 
         const std::shared_ptr<ImageObject> image = (*f.set.images())[1];
         QTest::mouseClick(&turn, Qt::LeftButton);
-        QTRY_COMPARE(image->originalImageSize(), QSize(48, 64));
+        QTRY_COMPARE(image->facts().pixelSize(), QSize(48, 64));
         QTRY_VERIFY(!f.controller.commandState().hasCurrentBatchOperation);
 
         // While copies are saved the menus rest.
-        f.controller.appliedPresets().modeDidChange(0);
+        f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Single);
         image->lock();
         auto release = qScopeGuard([&] { image->unlock(); });
         QVERIFY(f.controller.startSaving({image}));
@@ -170,8 +170,8 @@ private Q_SLOTS:
         release.dismiss();
         held->unlock();
         QTRY_VERIFY(!stop.isVisible() && !progress.isVisible());
-        QCOMPARE(held->originalImageSize(), QSize(64, 48));
-        QCOMPARE(f.set.images()->back()->originalImageSize(), QSize(48, 64));
+        QCOMPARE(held->facts().pixelSize(), QSize(64, 48));
+        QCOMPARE(f.set.images()->back()->facts().pixelSize(), QSize(48, 64));
     }
 
     void addsWithTheDialogs()
@@ -207,7 +207,7 @@ private Q_SLOTS:
         QCOMPARE(shownNames(f.set), u"B ab"_qs);
         QTest::keyClick(&search, Qt::Key_Escape);
         QCOMPARE(shownNames(f.set), u"a B ab"_qs);
-        f.controller.appliedPresets().modeDidChange(1);
+        f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Presets);
         f.find<QWidget>("wPresetsAllTable").setFocus();
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Slash);
         QTest::keyClicks(QApplication::focusWidget(), u"b"_qs);
@@ -273,7 +273,7 @@ private Q_SLOTS:
     {
         Fixture f;
         QVERIFY(f.active);
-        f.controller.appliedPresets().modeDidChange(1);
+        f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Presets);
         WPresetValues values;
         values.textTokens = QStringList{u"mark"_qs};
         const WPresetList presets = {std::make_shared<WPreset>(values), std::make_shared<WPreset>(values)};
@@ -332,7 +332,7 @@ private Q_SLOTS:
     {
         Fixture f;
         f.set.setImageListModeToBrowser(false);
-        f.controller.appliedPresets().modeDidChange(1);
+        f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Presets);
         f.controller.appliedPresets().addWPresetsToApplied({std::make_shared<WPreset>(WPresetValues{})});
         f.addPhotos({"a.png"});
         f.set.selection().selectAll();
