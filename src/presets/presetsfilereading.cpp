@@ -13,7 +13,7 @@ namespace plexa
 
 QString presetsApplicationID()
 {
-    return applicationNameWithCompany(true, false, true);
+    return applicationNameWithCompany();
 }
 
 PresetsFileReading readSavingPresetsFile(const QString &path)

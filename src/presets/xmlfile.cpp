@@ -87,7 +87,7 @@ QByteArray XMLFile::xmlOf(std::span<const XMLFile *const> objects, const QString
 
 Result<void> XMLFile::writeXML(const QByteArray &xml, const QString &path)
 {
-    AtomicFile file(path, AtomicFile::IfExists::Replace, AtomicFile::Durability::Synced);
+    AtomicFile file(path, AtomicFile::IfExists::Replace);
     if (Result<void> opened = file.open(); !opened)
         return opened;
     file.device().write(xml); // commit() reports a failure

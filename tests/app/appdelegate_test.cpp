@@ -78,7 +78,7 @@ private Q_SLOTS:
         Fixture fixture;
         const auto [name, run, asks, answer, opensPage, asksAgain] = currentRow<Feedback>();
         fixture.files.defaults.setObject(settings::runNumber, run);
-        fixture.files.defaults.removeObjectForKey(settings::askForFeedback); // of the row before
+        fixture.files.defaults.setObject(settings::askForFeedback, {}); // of the row before
         if (asks)
             fixture.files.alerts.expect(u"Your feedback"_qs, answer);
         fixture.delegate.applicationWillTerminate();

@@ -107,7 +107,7 @@ private Q_SLOTS:
         QVERIFY(!defaults.boolForKey(kKey));
         defaults.registerDefaults({{kKey, u"YES"_qs}});
         QVERIFY(!defaults.boolForKey(kKey));
-        defaults.removeObjectForKey(kKey);
+        defaults.setObject(kKey, {});
         QVERIFY(defaults.boolForKey(kKey));
     }
 

@@ -67,15 +67,14 @@ void WindowCommands::showPreferences()
 
 void WindowCommands::showAbout()
 {
-    const BundleInfo bundle = BundleInfo::own();
     QMessageBox box(&m_window);
-    box.setWindowTitle(tr("About %1").arg(bundle.bundleName));
+    box.setWindowTitle(tr("About %1").arg(applicationName()));
     box.setIconPixmap(m_window.windowIcon().pixmap(64));
-    box.setText(QStringLiteral("%1 %2").arg(bundle.bundleName, bundle.shortVersionString));
+    box.setText(QStringLiteral("%1 %2").arg(applicationName(), applicationVersion()));
     box.setInformativeText(tr("Puts watermarks on photographs in batches.\n\n"
                               "Copyright: the %1 authors. Free software under the GNU General Public "
                               "License, version 3 or later; it comes without any warranty.")
-                               .arg(bundle.bundleName));
+                               .arg(applicationName()));
     box.exec();
 }
 
