@@ -3,6 +3,7 @@
 #include "app/indexlist.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace plexa
 {
@@ -15,6 +16,26 @@ IndexList cleanedIndexes(IndexList indexes, std::size_t count)
     if (indexes.isEmpty())
         return {}; // Qt compares lists by memcmp(), which an emptied list and one without memory are not for
     return indexes;
+}
+
+QByteArray draggedBytesOf(const IndexList &indexes)
+{
+    QByteArrayList numbers;
+    for (const int index : indexes)
+        numbers.append(QByteArray::number(index));
+    return numbers.join(' ');
+}
+
+IndexList indexesFromDrag(const QByteArray &bytes)
+{
+    IndexList indexes;
+    for (const QByteArray &number : bytes.split(' ')) {
+        bool isNumber = false;
+        const int index = number.toInt(&isNumber);
+        if (isNumber)
+            indexes.append(index);
+    }
+    return cleanedIndexes(indexes, std::numeric_limits<int>::max());
 }
 
 } // namespace plexa

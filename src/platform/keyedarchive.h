@@ -27,14 +27,6 @@ namespace plexa
 // "$classname" and "$classes". Objects refer to each other by UIDs, the indexes in "$objects". "$top" holds
 // the archive's own keys. Booleans, floats and integers that are no objects stand beside their keys.
 
-/// A run of positions.
-struct IndexRange {
-    quint64 location = 0;
-    quint64 length = 0;
-
-    bool operator==(const IndexRange &) const = default;
-};
-
 /// A picture as it is archived.
 struct ArchivedImage {
     QSizeF size;     ///< in points
@@ -110,8 +102,6 @@ public:
     Reference addInteger(qint64 number);
     Reference addFloat(float number);
     Reference addArray(const std::vector<Reference> &objects, Mutability mutability);
-    /// @param ranges  ascending, not touching each other
-    Reference addIndexSet(const std::vector<IndexRange> &ranges);
     /// As calibrated RGB, its numbers being those of sRGB. An invalid colour is none.
     Reference addColor(const QColor &color);
     Reference addImage(const ArchivedImage &image);
@@ -176,7 +166,6 @@ public:
     std::optional<QByteArray> data() const;
     /// Of arrays of both classes. Elements may be none.
     std::optional<std::vector<ArchivedValue>> array() const;
-    std::optional<std::vector<IndexRange>> indexSet() const;
 
     /// Of any colour space, as sRGB; invalid when it is none. Numbers of calibrated and device RGB count as
     /// those of sRGB, CMYK is converted without a profile.

@@ -48,16 +48,6 @@ QByteArray componentText(double component)
     return QByteArray::number(component, 'g', 10);
 }
 
-/// Seven bits a byte, the lowest first; all bytes but the last have the top bit set.
-void appendVariableLength(QByteArray &bytes, quint64 number)
-{
-    while (number > 0x7f) {
-        bytes.append(static_cast<char>((number & 0x7f) | 0x80));
-        number >>= 7;
-    }
-    bytes.append(static_cast<char>(number));
-}
-
 /// A text that was read, as it can be written: what is no UTF-8 the library would write so that it cannot
 /// read it. Nothing becomes a name that it was not.
 QByteArray writable(const char *text, uint64_t length)
@@ -281,24 +271,6 @@ KeyedArchiver::Reference KeyedArchiver::addMutableData(const QByteArray &bytes)
     data.setBytes(QLatin1StringView("NS.data"), bytes);
     return addInstance(std::move(data), {QLatin1StringView("NSMutableData"), QLatin1StringView("NSData"),
                                          QLatin1StringView("NSObject")});
-}
-
-KeyedArchiver::Reference KeyedArchiver::addIndexSet(const std::vector<IndexRange> &ranges)
-{
-    Object set;
-    set.setInteger(QLatin1StringView("NSRangeCount"), static_cast<qint64>(ranges.size()));
-    if (ranges.size() == 1) {
-        set.setInteger(QLatin1StringView("NSLocation"), static_cast<qint64>(ranges.front().location));
-        set.setInteger(QLatin1StringView("NSLength"), static_cast<qint64>(ranges.front().length));
-    } else if (!ranges.empty()) {
-        QByteArray packed;
-        for (const IndexRange &range : ranges) {
-            appendVariableLength(packed, range.location);
-            appendVariableLength(packed, range.length);
-        }
-        set.setObject(QLatin1StringView("NSRangeData"), addMutableData(packed));
-    }
-    return addInstance(std::move(set), {QLatin1StringView("NSIndexSet"), QLatin1StringView("NSObject")});
 }
 
 KeyedArchiver::Reference KeyedArchiver::addColor(const QColor &color)

@@ -347,45 +347,6 @@ bool ArchivedValue::isExhausted() const
     return m_archive && m_archive->isExhausted;
 }
 
-std::optional<std::vector<IndexRange>> ArchivedValue::indexSet() const
-{
-    if (!isOfClass(QLatin1StringView("NSIndexSet")))
-        return std::nullopt;
-    const std::optional<qint64> count = value(QLatin1StringView("NSRangeCount")).integer();
-    if (!count || *count < 0)
-        return std::nullopt;
-    if (*count == 0)
-        return std::vector<IndexRange>();
-    if (*count == 1) {
-        const std::optional<qint64> location = value(QLatin1StringView("NSLocation")).integer();
-        const std::optional<qint64> length = value(QLatin1StringView("NSLength")).integer();
-        if (!location || !length || *location < 0 || *length < 1)
-            return std::nullopt;
-        return std::vector{IndexRange{static_cast<quint64>(*location), static_cast<quint64>(*length)}};
-    }
-    const QByteArray packed = value(QLatin1StringView("NSRangeData")).data().value_or(QByteArray());
-    std::vector<quint64> numbers;
-    quint64 number = 0;
-    int shift = 0;
-    for (const char byte : packed) {
-        if (shift > 56)
-            return std::nullopt;
-        number |= static_cast<quint64>(byte & 0x7f) << shift;
-        shift += 7;
-        if (byte & 0x80)
-            continue;
-        numbers.push_back(number);
-        number = 0;
-        shift = 0;
-    }
-    if (shift != 0 || numbers.size() % 2 != 0 || static_cast<qint64>(numbers.size() / 2) != *count)
-        return std::nullopt;
-    std::vector<IndexRange> ranges;
-    for (std::size_t i = 0; i < numbers.size(); i += 2)
-        ranges.push_back({numbers[i], numbers[i + 1]});
-    return ranges;
-}
-
 std::optional<std::vector<double>> ArchivedValue::components(QLatin1StringView key) const
 {
     std::optional<QByteArray> text = value(key).data();
