@@ -67,8 +67,8 @@ void AppDelegate::applicationWillTerminate()
     Alert alert;
     alert.style = Alert::Style::Informational;
     alert.title = tr("Your feedback");
-    alert.text = tr("Would you like to tell us how we can further improve %1 for your needs?")
-                     .arg(applicationName());
+    alert.text =
+        tr("Would you like to tell us how we can further improve %1 for your needs?").arg(applicationName());
     alert.buttons = {tr("Give feedback"), tr("No, thanks")};
     alert.escapeButton = 1;
     alert.hasSuppressionBox = true;

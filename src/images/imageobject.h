@@ -124,8 +124,8 @@ public:
     bool resetCustomWatermarkRectOriginForWPreset(const WPreset *preset);
     void resetAllCustomWatermarkRectOrigins();
 
-    /// The photo with one preset drawn; without a mark when the preset has nothing to draw. Null when the photo
-    /// cannot be read or the preset cannot be drawn.
+    /// The photo with one preset drawn; without a mark when the preset has nothing to draw. Null when the
+    /// photo cannot be read or the preset cannot be drawn.
     QImage createWatermarkedImage(const AppliedPreset &preset);
 
     /// Writes one copy with these presets drawn.

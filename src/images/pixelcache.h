@@ -10,7 +10,8 @@
 namespace plexa
 {
 
-/// Decoded photos, as many as a number of bytes allows; the one used longest ago is dropped first. Any thread.
+/// Decoded photos, as many as a number of bytes allows; the one used longest ago is dropped first. Any
+/// thread.
 class PixelCache final
 {
 public:

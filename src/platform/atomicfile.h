@@ -49,8 +49,8 @@ public:
     void setModificationTime(const timespec &time);
 
     /// Writes the contents to the disk and puts the file in place. A new file has the permissions that the
-    /// umask leaves; a replacement adopts the permissions, and where allowed owner and group, of the old file.
-    /// After a failure nothing of it is left and an existing target is unchanged. Once.
+    /// umask leaves; a replacement adopts the permissions, and where allowed owner and group, of the old
+    /// file. After a failure nothing of it is left and an existing target is unchanged. Once.
     [[nodiscard]] Result<void> commit();
 
 private:

@@ -135,7 +135,8 @@ QImage createImageUpright(const QImage &image, int orientation, double scaleX, d
     const QImage upright = oriented(image, orientation);
     if (upright.isNull() || (scaleX == 1 && scaleY == 1))
         return upright;
-    const QSize stretched(int(std::lround(image.width() * scaleX)), int(std::lround(image.height() * scaleY)));
+    const QSize stretched(int(std::lround(image.width() * scaleX)),
+                          int(std::lround(image.height() * scaleY)));
     const QSize size = orientedSize(stretched, orientation);
     return scaledTo(upright, size.width(), size.height(), Quality::High);
 }

@@ -239,7 +239,7 @@ private Q_SLOTS:
         ImageObject photo(path, services.all);
         for (int i = 0; i < 2; ++i) {
             QVERIFY(!photo.loadImageFromDisk());
-            QVERIFY(!photo.metadata());
+            QVERIFY(!photo.isLoaded());
             QVERIFY(!photo.loadError().isEmpty());
             QVERIFY(photo.originalCGImage().isNull());
         }

@@ -25,7 +25,7 @@ namespace
 {
 
 /// Small beside what is measured: fonts, code, the blocks that the allocator keeps.
-constexpr qint64 kNoise = 16'000'000;
+constexpr qint64 kNoise = 10'000'000;
 
 const QString kHeic = u"image/heic"_qs;
 
@@ -131,21 +131,13 @@ private Q_SLOTS:
     {
         addRows<Kind>({
             {"baseline JPEG", u"a.jpg"_qs, {}},
-            {"progressive JPEG", u"b.jpg"_qs, words("-interlace Plane -quality 80")},
             {"progressive JPEG, full chroma", u"c.jpg"_qs, words("-interlace Plane -sampling-factor 1x1")},
             {"interlaced PNG", u"e.png"_qs, words("-interlace PNG")},
-            {"PPM", u"f.ppm"_qs, {}},
-            {"PGM", u"g.pgm"_qs, {}},
             {"BMP", u"h.bmp"_qs, words("-type TrueColor")},
-            {"TIFF", u"j.tif"_qs, {}},
             {"deep TIFF", u"k.tif"_qs, words("-depth 16")},
             {"TIFF of whole planes", u"m.tif"_qs,
-             words("-type TrueColor -depth 16 -interlace Plane -compress Zip "
-                   "-define tiff:rows-per-strip=3001")},
-            {"TIFF of one packed strip", u"p.tif"_qs,
-             words("+noise Random -type TrueColor -compress LZW -define tiff:rows-per-strip=3001")},
+             words("-type TrueColor -depth 16 -interlace Plane -define tiff:rows-per-strip=2001")},
             {"HEIC", u"q.jpg"_qs, words("-sampling-factor 2x2"), true},
-            {"HEIC, full chroma", u"r.jpg"_qs, words("-sampling-factor 1x1"), true},
             {"GIF", u"l.gif"_qs, {}},
             {"lossless WebP", u"n.webp"_qs, words("-define webp:lossless=true,webp:method=0")},
         });
@@ -156,7 +148,7 @@ private Q_SLOTS:
         QSKIP("a sanitizer takes more memory than the photos");
 #endif
         const auto [row, file, options, isCopyHeic] = currentRow<Kind>();
-        const QString large = made(*m_folder, file, {5003, 3001}, options);
+        const QString large = made(*m_folder, file, {3335, 2001}, options);
         const QString small = made(*m_folder, file, {53, 31}, options);
         if (large.isEmpty() || small.isEmpty())
             QSKIP("ImageMagick does not write this format");
@@ -258,7 +250,7 @@ private Q_SLOTS:
         if (photo.isEmpty())
             QSKIP("ImageMagick does not write this format");
         int written = 0;
-        for (const int megabytes : {90, 120, 125, 130, 140, 160, 180, 200, 220, 250, 300, 350, 1000}) {
+        for (const int megabytes : {90, 125, 140, 180, 220, 300, 1000}) {
             const ProgramRun run = runProgram(
                 limiter,
                 words("--as=%1 %2 save --text X --save-set imageFormat=%3 --jobs 2 --quiet --output %4 %5",
@@ -273,7 +265,7 @@ private Q_SLOTS:
             else
                 QVERIFY2(run.status == 1 && said.contains("memory"), said);
         }
-        QVERIFY(written > 0 && written < 12);
+        QVERIFY(written > 0 && written < 6);
     }
 };
 

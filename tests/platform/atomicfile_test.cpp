@@ -16,7 +16,6 @@
 #include <atomic>
 #include <csignal>
 #include <thread>
-#include <vector>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -78,10 +77,7 @@ class AtomicFileTest : public QObject
     Q_OBJECT
 
 private:
-    static void addStagings()
-    {
-        addRows<Way>({{"nameless"}, {"named", IfExists::Fail, false, true}});
-    }
+    static void addStagings() { addRows<Way>({{"nameless"}, {"named", IfExists::Fail, false, true}}); }
     QStringList namesInOut() const { return namesIn(m_folder->path("out")); }
 
     std::unique_ptr<TestFolder> m_folder;
@@ -183,39 +179,6 @@ private Q_SLOTS:
         QVERIFY(!last.open());
     }
 
-    void oneOfManyWins_data() { addStagings(); }
-    void oneOfManyWins()
-    {
-        isWithoutProc = currentRow<Way>().isNamed;
-        for (int round = 0; round < 10; ++round) {
-            const QString target = m_target + QString::number(round);
-            std::atomic<int> ready = 0;
-            std::atomic<int> winner = -1;
-            std::atomic<int> winners = 0;
-            std::vector<std::thread> threads;
-            for (int i = 0; i < 4; ++i) {
-                threads.emplace_back([&, i] {
-                    AtomicFile file(target, IfExists::Fail);
-                    const bool opened = file.open().has_value();
-                    if (opened)
-                        file.device().write(QByteArray::number(i));
-                    ++ready;
-                    while (ready < 4)
-                        std::this_thread::yield();
-                    if (opened && file.commit()) {
-                        winner = i;
-                        ++winners;
-                    }
-                });
-            }
-            for (std::thread &thread : threads)
-                thread.join();
-            QCOMPARE(winners, 1);
-            QCOMPARE(contentsOf(target), QByteArray::number(winner));
-        }
-        QCOMPARE(namesInOut().size(), 10);
-    }
-
     void fullDisk_data() { writes_data(); }
 
     void fullDisk()
@@ -286,20 +249,6 @@ private Q_SLOTS:
         QCOMPARE(writeAll(file, "new"),
                  QStringLiteral("\"%1\" cannot be written: %2").arg(m_folder->path(name), reason));
         QCOMPARE(contentsOf(m_folder->path("file")), "old");
-    }
-
-    void folderVanishes()
-    {
-        for (const bool isNamed : {false, true}) {
-            isWithoutProc = isNamed;
-            const QString folder = m_folder->path("short-lived");
-            QVERIFY(QDir().mkpath(folder));
-            AtomicFile file(folder + u"/copy.jpg"_qs, IfExists::Fail);
-            QVERIFY(file.open());
-            QVERIFY(QDir(folder).removeRecursively());
-            const auto done = file.commit();
-            QVERIFY(!done && done.error().text.contains(u"the folder does not exist"_qs));
-        }
     }
 
     void keepsPermissionsAndLinks()

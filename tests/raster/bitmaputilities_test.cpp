@@ -226,24 +226,6 @@ private Q_SLOTS:
         QVERIFY2(found.worst <= 4, qPrintable(QString::number(found.worst)));
     }
 
-    void shrinkingDoesNotAlias()
-    {
-        // Lines of one pixel, too fine for any smaller picture, mix to one gray.
-        for (const bool upright : {true, false}) {
-            const QImage image = paintedPicture({1203, 1203}, QImage::Format_RGB32, [upright](int x, int y) {
-                return (upright ? x : y) % 2 == 0 ? 0xffffffff : 0xff000000;
-            });
-            for (const int side : {50, 97, 211, 400}) {
-                const QImage small = createImageScaledToMaxSize(image, side, false);
-                for (int y = 2; y < side - 2; ++y) {
-                    for (int x = 2; x < side - 2; ++x)
-                        QVERIFY2(std::abs(qRed(small.pixel(x, y)) - 127.5) < 12,
-                                 qPrintable(QString::number(side)));
-                }
-            }
-        }
-    }
-
     void plainAreasStayPlain_data()
     {
         addRows<Sized>({
