@@ -65,7 +65,7 @@ FolderWalk::FolderWalk(Visitor visitor, const Rules &rules)
 {
 }
 
-/// Who the folder is; nothing, and errno as stat() leaves it, where the path leads to a file or nowhere.
+/// None, with errno as stat() sets it, where the path does not lead to a folder.
 std::optional<FolderWalk::FolderId> FolderWalk::folderAt(const QString &path)
 {
     struct stat status = {};

@@ -30,8 +30,8 @@ public:
     AtomicFile(const AtomicFile &) = delete;
     AtomicFile &operator=(const AtomicFile &) = delete;
 
-    /// With IfExists::Fail: called for another path in the same folder each time the target turns out to
-    /// exist; open() or commit() fails when it returns none.
+    /// With IfExists::Fail: called for another path in the same folder each time the target exists; open()
+    /// or commit() fails when it returns none.
     void setAlternatives(std::function<std::optional<QString>()> nextPath);
 
     /// Checks the target and starts the file. With IfExists::Replace a symbolic link stays and the file that

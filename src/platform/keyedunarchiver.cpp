@@ -22,15 +22,15 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(plexa::KeyedArchive)
 };
 
-// What an archive gives out, all in all. Elements and data are counted at each reading, for many objects may
-// refer to one; a text once, for all readings of it share its memory.
+// The most that is read of an archive in total. Elements and data are counted at each reading, because many
+// objects may refer to one; a text once, because all readings share its memory.
 constexpr qint64 kMaxElements = 1'000'000;
 constexpr qint64 kMaxBytes = kMaxPropertyListBytes + kMaxPropertyListBytes / 4;
 constexpr int kMaxRepresentations = 64;
 constexpr uint32_t kMaxLineage = 16;
-constexpr int kMaxColorDepth = 4; // a catalogue colour holds its fallback
+constexpr int kMaxColorDepth = 4; // a catalog color holds its fallback
 
-/// How archived colours number their spaces.
+/// How archived colors number their spaces.
 enum ColorSpace {
     kCalibratedRgb = 1,
     kDeviceRgb = 2,
@@ -40,7 +40,7 @@ enum ColorSpace {
     kNamed = 6,
 };
 
-/// A named space is told by this number: sRGB.
+/// The number of the named space sRGB.
 constexpr qint64 kSpaceIdOfSrgb = 7;
 
 /// An iterator of the library, which is plain memory.

@@ -10,8 +10,8 @@ namespace plexa
 class UserDefaults;
 
 // All settings, a row each: key, registered default. Most defaults are texts, as a user would write
-// them into the settings file; NONE means that nothing is registered, PICTURES stands for a folder in the
-// user's pictures. These look like mistakes and are not, since settings in use depend on them:
+// them into the settings file; NONE: nothing is registered; PICTURES: a folder in the user's pictures.
+// These look like mistakes and are not, since settings in use depend on them:
 // - "ignoreSavingPresetsInWPresets" is registered, but "ignoreSavingPresetsInSizePresets" is what saving
 // reads;
 // - "replicationStartDirectory" is read, "fileExportReplicationStartDirectory" is only ever written.

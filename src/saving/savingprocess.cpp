@@ -66,7 +66,7 @@ bool isCombining(const SavingRun &run)
     return run.combineAllAppliedPresetsInImage && !run.isInSingleMode;
 }
 
-/// Everything but the photo's own name has to be looked up in the photo.
+/// Tokens other than the photo's own name are read from the photo.
 bool needPhoto(const QStringList &tokens)
 {
     return std::any_of(tokens.begin(), tokens.end(), [](const QString &token) {
@@ -100,7 +100,7 @@ struct Pending {
     QString wantedPath;       ///< before anything was done about a file that exists
     QStringList alternatives; ///< paths that were tried in place of output.path
     bool overwrites = false;
-    /// Also when it fails: others have got names of their own meanwhile, whatever the number of threads.
+    /// Also when it fails: other copies have chosen their names already.
     bool keepsName = false;
     bool isFinished = true; // guarded by the process's mutex
 };
@@ -281,7 +281,7 @@ void SavingProcess::run()
     if (m_total == 0)
         return;
     if (!m_run.folders.destDirectory.isEmpty() && !m_run.isDryRun)
-        QDir().mkpath(m_run.folders.destDirectory); // without it every copy fails and says so
+        QDir().mkpath(m_run.folders.destDirectory); // without it every copy fails
     const int jobs = std::max(m_run.jobs, 1);
     m_pool.emplace(static_cast<int>(std::min<qint64>(jobs, m_total)));
     for (std::size_t index = 0; index < m_run.photoCount; ++index) {
@@ -453,8 +453,8 @@ void SavingProcess::startWriting(Pending &pending, const std::shared_ptr<PhotoIn
     });
 }
 
-/// Where unique names are wanted: another one, each time that the copy's turns out to be taken by somebody
-/// else. Is called on a thread of the pool.
+/// With unique names: the next free path, each time another program has created the file. Called on a thread
+/// of the pool.
 std::function<std::optional<QString>()> SavingProcess::alternativesFor(Pending &pending)
 {
     const bool isUnique = pending.output.conflict == SavingOutput::Conflict::UniqueName || pending.keepsName;

@@ -53,49 +53,16 @@ bool saves(ImageObject &photo, const QString &target, const std::vector<AppliedP
     return saved.has_value();
 }
 
-struct CopyOfPreview {
-    Text name;
-    Transform operation;
-    bool isLoadedFirst;
-};
-
-struct Turn {
-    Text name;
-    ImageTransform operation;
-    QTransform expected; ///< of the photo, y downwards as QImage has it
-};
-
-struct Unreadable {
-    Text name;
-    QByteArray contents;
-};
-
-struct FailedSave {
-    Text name;
-    Text folder;
-    int stripsBeforeStop;
-};
-
-struct Reduced {
-    Text name;
-    const char *format;
-    Transform operation;
-    int dpiHeight; ///< beside 300 across
-};
-
-struct Dates {
-    Text name;
-    int daysModified; ///< from today
-    bool preserves;
-    int daysExpected;
-};
-
-struct OwnCopy {
-    Text name;
-    Text file;
-    Transform before;
-    Transform after;
-};
+using CopyOfPreview = Row<Transform, bool>; // operation, isLoadedFirst
+// expected: of the photo, y downwards as QImage has it
+using Turn = Row<ImageTransform, QTransform>; // operation, expected
+using Unreadable = Row<QByteArray>;           // contents
+using FailedSave = Row<Text, int>;            // folder, stripsBeforeStop
+// dpiHeight: beside 300 across
+using Reduced = Row<const char *, Transform, int>; // format, operation, dpiHeight
+// daysModified: from today
+using Dates = Row<int, bool, int>;               // daysModified, preserves, daysExpected
+using OwnCopy = Row<Text, Transform, Transform>; // file, before, after
 
 } // namespace
 
@@ -233,8 +200,9 @@ private Q_SLOTS:
     }
     void unreadableFiles()
     {
+        const auto [name, contents] = currentRow<Unreadable>();
         const QString path = m_folder->path("photo.jpg");
-        QVERIFY(writeFile(path, currentRow<Unreadable>().contents));
+        QVERIFY(writeFile(path, contents));
         TestPhotoServices services;
         ImageObject photo(path, services.all);
         for (int i = 0; i < 2; ++i) {
@@ -258,9 +226,8 @@ private Q_SLOTS:
     }
     void failedSaveLeavesNothing()
     {
-        const auto row = currentRow<FailedSave>();
-        const QString folder = row.folder;
-        const int stripsBeforeStop = row.stripsBeforeStop;
+        const auto [name, folder, row] = currentRow<FailedSave>();
+        const int stripsBeforeStop = row;
         QVERIFY(writeFile(m_folder->path("taken/copy.png"), "mine"));
         QVERIFY(QDir().mkpath(m_folder->path("out")));
 
@@ -289,17 +256,17 @@ private Q_SLOTS:
     }
     void reducedForTheScreen()
     {
-        const auto row = currentRow<Reduced>();
+        const auto [name, format, operation, dpiHeight] = currentRow<Reduced>();
         QImage stored = smoothPicture({1203, 801});
         stored.setDotsPerMeterX(11811);
-        stored.setDotsPerMeterY(qRound(row.dpiHeight / 0.0254));
+        stored.setDotsPerMeterY(qRound(dpiHeight / 0.0254));
         const QString path = m_folder->path("photo");
-        QVERIFY(stored.save(path, row.format, 95));
+        QVERIFY(stored.save(path, format, 95));
         for (const qsizetype cacheBytes : {qsizetype(0), kLargeCache}) {
             TestPhotoServices services(cacheBytes);
             ImageObject photo(path, services.all);
-            if (row.operation)
-                QVERIFY(photo.transformOriginalImageWithOperation(*row.operation));
+            if (operation)
+                QVERIFY(photo.transformOriginalImageWithOperation(*operation));
             // All memory is in use by others, who may wait for a question to be answered.
             auto taken = services.budget.reserve(services.budget.total());
             const auto reduced = photo.readReduced(301);
@@ -350,22 +317,22 @@ private Q_SLOTS:
     }
     void copiesHaveTheDateOfThePhoto()
     {
-        const auto row = currentRow<Dates>();
+        const auto [name, daysModified, preserves, daysExpected] = currentRow<Dates>();
         TestPhotoServices services;
         const QString path = writtenPattern({40, 30});
-        if (row.daysModified > 0 && !fileVersionAt(path)->born)
+        if (daysModified > 0 && !fileVersionAt(path)->born)
             QSKIP("this file system keeps no times of birth");
         const QDateTime now = QDateTime::currentDateTime();
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadWrite));
-        QVERIFY(file.setFileTime(now.addDays(row.daysModified), QFileDevice::FileModificationTime));
+        QVERIFY(file.setFileTime(now.addDays(daysModified), QFileDevice::FileModificationTime));
         file.close();
         ImageObject photo(path, services.all);
         const QString copy = m_folder->path("copy.png");
         SavingPresetValues png;
         png.imageFormat = u"PNG"_qs;
-        QVERIFY(photo.saveImageAtPath({copy}, {}, png, row.preserves));
-        const QDateTime expected = now.addDays(row.daysExpected);
+        QVERIFY(photo.saveImageAtPath({copy}, {}, png, preserves));
+        const QDateTime expected = now.addDays(daysExpected);
         QVERIFY(qAbs(QFileInfo(copy).lastModified().secsTo(expected)) < 3600);
     }
 

@@ -87,18 +87,8 @@ qint64 toldBytes(const ImageSource &source, const QString &type)
     return std::max(uprightBytes(source, uprighting), pictureBytes(uprighting.size()) + encoding);
 }
 
-struct Kind {
-    Text name;
-    QString file;
-    QStringList options;
-    bool isCopyHeic = false;
-};
-
-struct Conversion {
-    Text name;
-    QString from;
-    Text to;
-};
+using Kind = Row<QString, QStringList, bool>; // file, options, isCopyHeic
+using Conversion = Row<QString, Text>;        // from, to
 
 CopyOrder orderFor(const QString &photo, const QString &target)
 {
@@ -130,16 +120,17 @@ private Q_SLOTS:
     void toldIsTaken_data()
     {
         addRows<Kind>({
-            {"baseline JPEG", u"a.jpg"_qs, {}},
-            {"progressive JPEG, full chroma", u"c.jpg"_qs, words("-interlace Plane -sampling-factor 1x1")},
-            {"interlaced PNG", u"e.png"_qs, words("-interlace PNG")},
-            {"BMP", u"h.bmp"_qs, words("-type TrueColor")},
-            {"deep TIFF", u"k.tif"_qs, words("-depth 16")},
+            {"baseline JPEG", u"a.jpg"_qs, {}, false},
+            {"progressive JPEG, full chroma", u"c.jpg"_qs, words("-interlace Plane -sampling-factor 1x1"),
+             false},
+            {"interlaced PNG", u"e.png"_qs, words("-interlace PNG"), false},
+            {"BMP", u"h.bmp"_qs, words("-type TrueColor"), false},
+            {"deep TIFF", u"k.tif"_qs, words("-depth 16"), false},
             {"TIFF of whole planes", u"m.tif"_qs,
-             words("-type TrueColor -depth 16 -interlace Plane -define tiff:rows-per-strip=2001")},
+             words("-type TrueColor -depth 16 -interlace Plane -define tiff:rows-per-strip=2001"), false},
             {"HEIC", u"q.jpg"_qs, words("-sampling-factor 2x2"), true},
-            {"GIF", u"l.gif"_qs, {}},
-            {"lossless WebP", u"n.webp"_qs, words("-define webp:lossless=true,webp:method=0")},
+            {"GIF", u"l.gif"_qs, {}, false},
+            {"lossless WebP", u"n.webp"_qs, words("-define webp:lossless=true,webp:method=0"), false},
         });
     }
     void toldIsTaken()

@@ -9,8 +9,6 @@
 #include <QTextLayout>
 #include <QtTest>
 
-#include <atomic>
-#include <thread>
 #include <vector>
 
 using namespace plexa;
@@ -35,23 +33,6 @@ class FontCatalogTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    // First, since the thread sanitizer cannot watch threads once the process has started another one.
-    void threadsGetTheSameFaces()
-    {
-        const FontCatalog catalog;
-        const double expected = textWidth(*m_catalog.fontNamed(u"DejaVuSans-Bold"_qs, 48));
-        std::atomic<int> right = 0;
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i) {
-            threads.emplace_back([&] {
-                const auto font = catalog.fontNamed(u"DejaVuSans-Bold"_qs, 48);
-                right += font && textWidth(*font) == expected;
-            });
-        }
-        for (std::thread &thread : threads)
-            thread.join();
-        QCOMPARE(right, 4);
-    }
 
     void everyInstalledFace_data()
     {

@@ -28,11 +28,7 @@ struct Form {
     bool isCopy = false;
 };
 
-struct Bomb {
-    Text name;
-    QByteArray bytes;
-    Text fault;
-};
+using Bomb = Row<QByteArray, Text>; // bytes, fault
 
 } // namespace
 

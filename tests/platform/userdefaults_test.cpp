@@ -22,20 +22,8 @@ const QString kMaker = u"Maker"_qs;
 const QString kProgram = u"Program"_qs;
 const QString kKey = u"some key"_qs;
 
-struct Reading {
-    Text name;
-    QVariant value;
-    bool asBool;
-    qint64 asInteger;
-    double asFloat;
-    QString asString;
-};
-
-struct Stored {
-    Text name;
-    QVariant value;
-    QStringList asArray;
-};
+using Reading = Row<QVariant, bool, qint64, double, QString>; // value, asBool, asInteger, asFloat, asString
+using Stored = Row<QVariant, QStringList>;                    // value, asArray
 
 } // namespace
 

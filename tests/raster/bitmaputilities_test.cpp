@@ -48,30 +48,10 @@ QImage zonePlate(int side)
     });
 }
 
-struct Formats {
-    Text name;
-    QImage::Format source;
-    QImage::Format expected;
-};
-
-struct Sized {
-    Text name;
-    QSize size;
-};
-
-struct Stretch {
-    Text name;
-    int orientation;
-    double sx;
-    double sy;
-};
-
-struct ScaledToMaxSize {
-    Text name;
-    QSize size;
-    int maxSize;
-    QSize expected;
-};
+using Formats = Row<QImage::Format, QImage::Format>; // source, expected
+using Sized = Row<QSize>;                            // size
+using Stretch = Row<int, double, double>;            // orientation, sx, sy
+using ScaledToMaxSize = Row<QSize, int, QSize>;      // size, maxSize, expected
 
 } // namespace
 

@@ -64,21 +64,9 @@ std::vector<QRgb> premultipliedGrid(bool opaque)
     return pixels;
 }
 
-struct Blend {
-    Text name;
-    BlendMode mode;
-    bool opaque;
-};
-
-struct Clips {
-    Text name;
-    QPoint at;
-};
-
-struct Fill {
-    Text name;
-    QRectF rect;
-};
+using Blend = Row<BlendMode, bool>; // mode, opaque
+using Clips = Row<QPoint>;          // at
+using Fill = Row<QRectF>;           // rect
 
 } // namespace
 

@@ -36,48 +36,16 @@ QString nameOfValue(const QString &value, const QString &path)
     return nameFor(presetWith({u"city"_qs}), value, path);
 }
 
-struct Tokens {
-    Text name;
-    Text tokens; ///< separated by "|"
-    qint64 number;
-    Text expected;
-};
-
-struct Extension {
-    Text name;
-    Text text;
-    Text source;
-    Text format;
-    Text cases; ///< of the base name | of the extension
-    Text expected;
-};
-
-struct Value {
-    Text name;
-    QString value;
-    QString expected;
-};
-
-struct Replicated {
-    Text name;
-    Text start;
-    Text source;
-    Text below; ///< the destination; empty: the destination itself
-};
-
-struct Taken {
-    Text name;
-    const char *taken;
-    Text wanted;
-    Text given;
-};
-
-struct Answer {
-    Text name;
-    int button;
-    Text given; ///< empty: skipped
-    bool overwrites;
-};
+// tokens: separated by "|"
+using Tokens = Row<Text, qint64, Text>; // tokens, number, expected
+// cases: of the base name | of the extension
+using Extension = Row<Text, Text, Text, Text, Text>; // text, source, format, cases, expected
+using Value = Row<QString, QString>;                 // value, expected
+// below: the destination; empty: the destination itself
+using Replicated = Row<Text, Text, Text>;    // start, source, below
+using Taken = Row<const char *, Text, Text>; // taken, wanted, given
+// given: empty: skipped
+using Answer = Row<int, Text, bool>; // button, given, overwrites
 
 } // namespace
 

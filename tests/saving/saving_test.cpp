@@ -27,25 +27,9 @@ public:
     std::function<AlertAnswer(const Alert &)> act;
 };
 
-struct Numbers {
-    Text name;
-    int presets;
-    bool combines;
-    bool isInSingleMode;
-    const char *names;
-};
-
-struct Assigned {
-    Text name;
-    bool areIgnored;
-    bool combines;
-    const char *names;
-};
-
-struct Jobs {
-    Text name;
-    int jobs;
-};
+using Numbers = Row<int, bool, bool, const char *>; // presets, combines, isInSingleMode, names
+using Assigned = Row<bool, bool, const char *>;     // areIgnored, combines, names
+using Jobs = Row<int>;                              // jobs
 
 } // namespace
 
@@ -199,7 +183,7 @@ private Q_SLOTS:
     /// Stopped while the second of forty photos is under way.
     void stopping()
     {
-        const int jobs = currentRow<Jobs>().jobs;
+        const int jobs = std::get<1>(currentRow<Jobs>());
         QStringList photos;
         for (int i = 0; i < 40; ++i)
             photos.append(photo(u"%1.png"_qs.arg(i)));

@@ -21,21 +21,10 @@ using Conflict = SavingOutput::Conflict;
 namespace
 {
 
-struct NoFolder {
-    Text name;
-    Text folder;
-};
-
-struct Jobs {
-    Text name;
-    int jobs;
-};
-
-struct FailedFirst {
-    Text name;
-    OutputNaming::Choice choice; ///< kNoChoice: the user is asked
-    QList<Conflict> conflicts;
-};
+using NoFolder = Row<Text>; // folder
+using Jobs = Row<int>;      // jobs
+// choice: kNoChoice: the user is asked
+using FailedFirst = Row<OutputNaming::Choice, QList<Conflict>>; // choice, conflicts
 
 } // namespace
 
@@ -80,7 +69,7 @@ private Q_SLOTS:
     }
     void foldersThatTakeNothing()
     {
-        const QString folder = currentRow<NoFolder>().folder;
+        const QString folder = std::get<1>(currentRow<NoFolder>());
         SavingRun run = runFor({photo(u"1.png"_qs), photo(u"2.png"_qs)}, {mark(u"A"_qs)});
         if (!folder.isEmpty())
             run.folders.destDirectory = folder;
@@ -99,7 +88,7 @@ private Q_SLOTS:
     /// begun, and a photo that comes twice is the second time what the first time has left.
     void overwritingTheOriginals()
     {
-        const int jobs = currentRow<Jobs>().jobs;
+        const int jobs = std::get<1>(currentRow<Jobs>());
         const QImage bare = smoothPicture({300, 200});
         const QString once = photo(u"once.png"_qs, bare.size());
         const QString twice = photo(u"twice.png"_qs, bare.size());
@@ -161,27 +150,6 @@ private Q_SLOTS:
         QVERIFY(info.st_size > 3);
         QCOMPARE(info.st_uid, uid_t(12345));
         QCOMPARE(info.st_gid, gid_t(23456));
-    }
-
-    void sameNamesFromManyFolders()
-    {
-        QStringList photos;
-        for (int i = 0; i < 12; ++i)
-            photos.append(photo(u"%1/a.png"_qs.arg(i), {20 + i, i % 2 == 0 ? 900 : 20}));
-        QFile broken(photos[3]);
-        QVERIFY(broken.open(QIODevice::WriteOnly));
-        SavingRun run = runFor(photos, {mark(u"A"_qs)});
-        run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
-        run.conflictCode = OutputNaming::always(OutputNaming::kUniqueName);
-        run.jobs = 6;
-        Saving(m_noAlerts).saveImages(run, m_listener);
-        for (int i = 0; i < 12; ++i) {
-            // The name of the failed copy stays taken: nobody waited for its outcome.
-            QCOMPARE(m_listener.names()[i], i == 0 ? u"a.png"_qs : u"a-%1.png"_qs.arg(i));
-            if (i != 3)
-                QCOMPARE(QImage(m_listener.outputs[i].path).width(), 20 + i);
-        }
-        QCOMPARE(copies().size(), 11);
     }
 
     void aFailedCopyHasNoName_data()
