@@ -79,15 +79,15 @@ public:
     {
         if (!isValid())
             return;
-        if (action == pressAction())
-            m_view->selectIndexes({m_index}, false);
-        else if (action == toggleAction() && m_view->isIndexSelected(m_index))
-            m_view->deselectIndex(m_index);
-        else if (action == toggleAction())
-            m_view->selectIndexes({m_index}, true);
-        else if (action != setFocusAction())
-            return;
-        m_view->setFocusImageIndex(m_index);
+        m_view->changeSelection([&](BrowserSelection &selection) {
+            if (action == pressAction())
+                selection.select(m_index, false);
+            else if (action == toggleAction() && selection.isSelected(m_index))
+                selection.deselect(m_index);
+            else if (action == toggleAction())
+                selection.select(m_index, true);
+            selection.setFocus(m_index);
+        });
         m_view->scrollFocusImageToVisible();
     }
     QStringList keyBindingsForAction(const QString &) const override { return {}; }

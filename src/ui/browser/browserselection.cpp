@@ -78,16 +78,6 @@ void BrowserSelection::selectNone()
     m_focus = kNone;
 }
 
-void BrowserSelection::invert()
-{
-    QList<int> others;
-    for (int i = 0; i < m_count; ++i)
-        if (!isSelected(i))
-            others.append(i);
-    m_indexes = others;
-    m_focus = m_indexes.isEmpty() ? kNone : m_indexes.first();
-}
-
 void BrowserSelection::press(int index, Mode mode)
 {
     if (!isValid(index))

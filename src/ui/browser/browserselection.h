@@ -41,8 +41,6 @@ public:
     void selectAll();
     /// Also removes the focus.
     void selectNone();
-    /// The first selected index gets the focus.
-    void invert();
 
     /// A press of the pointer on a cell: it gets the focus. An unselected image is selected, with Range all
     /// from the former focus to it. Extend deselects a selected image.

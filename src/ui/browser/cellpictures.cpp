@@ -17,6 +17,8 @@ namespace
 
 constexpr double kFrameOpacity = 0.8;
 constexpr double kShadowOpacity = 0.5;
+constexpr double kShadowBlur = 15; // points: twice the standard deviation
+constexpr double kShadowShift = 2; // points, downwards
 /// The number of standard deviations beyond which a shadow is invisible.
 constexpr double kShadowReach = 2.5;
 
@@ -120,42 +122,38 @@ QImage CellPictures::level(const QImage &thumbnail, int halvings)
     return keep(key, resampled(level(larger, 0), size, Quality::Low));
 }
 
-int CellPictures::matMargin(const Mat &mat)
+int CellPictures::matMargin(int border, double scale)
 {
-    return mat.border + static_cast<int>(std::ceil(kShadowReach * mat.blur / 2)) + mat.shadowShift;
+    return border + static_cast<int>(std::ceil(kShadowReach * kShadowBlur * scale / 2)) +
+           qRound(kShadowShift * scale);
 }
 
-QImage CellPictures::mat(const Mat &mat)
+QImage CellPictures::mat(QSize picture, int border, double scale)
 {
-    const qint64 what = mat.border + 1000 * (mat.shadowShift + 1000 * std::lround(16 * mat.blur));
-    const Key key{Kind::Mat, what, mat.picture};
+    const Key key{Kind::Mat, border + 1000 * std::lround(16 * scale), picture};
     if (const QImage image = find(key); !image.isNull())
         return image;
 
-    const int margin = matMargin(mat);
-    QImage image = transparent(mat.picture + 2 * QSize(margin, margin));
-    const QRect frame =
-        QRect(QPoint(margin, margin), mat.picture).adjusted(-mat.border, -mat.border, mat.border, mat.border);
-    if (mat.blur > 0) {
-        const auto across = shadowProfile(image.width(), frame.left(), frame.right() + 1, mat.blur / 2);
-        const auto down = shadowProfile(image.height(), frame.top() + mat.shadowShift,
-                                        frame.bottom() + 1 + mat.shadowShift, mat.blur / 2);
-        for (int y = 0; y < image.height(); ++y) {
-            auto *row = reinterpret_cast<QRgb *>(image.scanLine(y));
-            for (int x = 0; x < image.width(); ++x) {
-                const double share = across[static_cast<std::size_t>(x)] * down[static_cast<std::size_t>(y)];
-                row[x] = qRgba(0, 0, 0, static_cast<int>(255 * kShadowOpacity * share + 0.5));
-            }
+    const int margin = matMargin(border, scale);
+    QImage image = transparent(picture + 2 * QSize(margin, margin));
+    const QRect frame = QRect(QPoint(margin, margin), picture).adjusted(-border, -border, border, border);
+    const QRect shadow = frame.translated(0, qRound(kShadowShift * scale));
+    const double sigma = kShadowBlur * scale / 2;
+    const auto across = shadowProfile(image.width(), shadow.left(), shadow.right() + 1, sigma);
+    const auto down = shadowProfile(image.height(), shadow.top(), shadow.bottom() + 1, sigma);
+    for (int y = 0; y < image.height(); ++y) {
+        auto *row = reinterpret_cast<QRgb *>(image.scanLine(y));
+        for (int x = 0; x < image.width(); ++x) {
+            const double share = across[static_cast<std::size_t>(x)] * down[static_cast<std::size_t>(y)];
+            row[x] = qRgba(0, 0, 0, static_cast<int>(255 * kShadowOpacity * share + 0.5));
         }
     }
-    if (mat.border > 0) {
-        QPainter painter(&image);
-        QColor white(Qt::white);
-        white.setAlphaF(static_cast<float>(kFrameOpacity));
-        painter.setCompositionMode(
-            QPainter::CompositionMode_Source); // no shadow remains visible through the frame
-        painter.fillRect(frame, white);
-    }
+    QPainter painter(&image);
+    QColor white(Qt::white);
+    white.setAlphaF(static_cast<float>(kFrameOpacity));
+    painter.setCompositionMode(QPainter::CompositionMode_Source); // hides the shadow below the frame
+    painter.fillRect(frame, white);
+    painter.end();
     return keep(key, image);
 }
 

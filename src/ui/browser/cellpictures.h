@@ -27,17 +27,12 @@ public:
     /// thumbnail itself. For rough drawing.
     QImage nearest(const QImage &thumbnail, QSize size) const;
 
-    /// The background of a picture.
-    struct Mat {
-        QSize picture;
-        int border = 0;      ///< of a white frame around the picture; 0: no frame
-        double blur = 0;     ///< of the shadow: twice its standard deviation; 0: no shadow
-        int shadowShift = 0; ///< downwards
-        bool operator==(const Mat &) const = default;
-    };
-    /// The picture belongs in its middle, matMargin() from each side.
-    QImage mat(const Mat &mat);
-    static int matMargin(const Mat &mat);
+    /// The background of a picture: a white frame and a shadow.
+    /// @param border  width of the frame around the picture
+    /// @param scale   device pixels in a point
+    QImage mat(QSize picture, int border, double scale);
+    /// The distance between the edges of the picture and of its mat.
+    static int matMargin(int border, double scale);
 
     /// The rounded rectangle under the thumbnail of a selected cell.
     QImage selection(QSize size, double radius);

@@ -31,19 +31,17 @@ public:
     virtual Outcome makeFiles(const QString &folder, const std::function<bool()> &isUnwanted) = 0;
 
     /// Reports failures to the user, one line for each file; does nothing for an empty list.
-    virtual void report(const QStringList & /*failures*/) {}
+    virtual void report(const QStringList &failures) = 0;
 
-    /// Whether saveInto() is supported.
-    virtual bool canSaveInto() const { return false; }
     /// Starts a save to the folder of the drop, in the background and with the names of the user's own save.
     /// @return false if it could not start
-    virtual bool saveInto(const QString & /*folder*/) { return false; }
+    virtual bool saveInto(const QString &folder) = 0;
 
     /// The MIME names that image() supports.
     virtual QStringList imageTypes() const = 0;
 
-    /// The first image as a file of this type; empty if it fails, with the reasons in `failures`. Any thread,
-    /// like makeFiles().
+    /// The first image as a file of one of these types; empty if it fails, with the reasons in `failures`.
+    /// Any thread, like makeFiles().
     virtual QByteArray image(const QString &mimeType, QStringList &failures) = 0;
 };
 

@@ -7,44 +7,59 @@
 
 namespace plexa
 {
+namespace
+{
 
-GridGeometry::GridGeometry(int count, QSizeF visible, float zoomFactor, const GridMetrics &metrics)
-    : m_metrics(metrics)
-    , m_count(std::max(count, 0))
-    , m_verticalSpacing(metrics.minCellSpacing)
+// Points.
+constexpr double kMinCellSize = 50;
+constexpr double kViewPadding = 10; // around the grid
+constexpr double kMinSpacing = 4;   // between cells
+constexpr double kInsertionBarWidth = 4;
+
+} // namespace
+
+GridGeometry::GridGeometry(int count, QSizeF visible, float zoomFactor)
+    : m_count(std::max(count, 0))
+    , m_verticalSpacing(kMinSpacing)
 {
     // The cube gives fine control over small sizes.
     const double zoom = std::clamp(static_cast<double>(zoomFactor), 0.0, 1.0);
     const double share = zoom * zoom * zoom;
-    const double largest =
-        std::min(visible.width(), visible.height()) - 2 * (metrics.viewPadding + metrics.minCellSpacing);
-    m_cellSize = largest > metrics.minCellSize ? share * largest + (1 - share) * metrics.minCellSize
-                                               : metrics.minCellSize;
+    const double largest = std::min(visible.width(), visible.height()) - 2 * (kViewPadding + kMinSpacing);
+    m_cellSize = largest > kMinCellSize ? share * largest + (1 - share) * kMinCellSize : kMinCellSize;
 
-    const double width = visible.width() - 2 * metrics.viewPadding;
-    const double spacing = metrics.minCellSpacing;
-    m_columns = std::max(1, static_cast<int>((width - spacing) / (spacing + m_cellSize)));
+    const double width = visible.width() - 2 * kViewPadding;
+    m_columns = std::max(1, static_cast<int>((width - kMinSpacing) / (kMinSpacing + m_cellSize)));
     // The remaining width is distributed between the columns. A single cell that does not fit shows its left
     // side.
-    m_horizontalSpacing = std::max(spacing, (width - m_columns * m_cellSize) / (m_columns + 1));
+    m_horizontalSpacing = std::max(kMinSpacing, (width - m_columns * m_cellSize) / (m_columns + 1));
 
     m_rows = (m_count + m_columns - 1) / m_columns;
-    m_height = m_rows * m_cellSize + (m_rows + 1) * m_verticalSpacing + 2 * metrics.viewPadding;
+    m_height = m_rows * m_cellSize + (m_rows + 1) * m_verticalSpacing + 2 * kViewPadding;
     m_needsScrollBar = m_rows > 0 && m_height > visible.height();
     if (!m_needsScrollBar)
         m_height = visible.height();
 }
 
-GridGeometry GridGeometry::besideScrollBar(int count, QSizeF full, double scrollBarWidth, float zoomFactor,
-                                           const GridMetrics &metrics)
+GridGeometry GridGeometry::besideScrollBar(int count, QSizeF full, double scrollBarWidth, float zoomFactor)
 {
-    const GridGeometry geometry(count, full, zoomFactor, metrics);
+    const GridGeometry geometry(count, full, zoomFactor);
     if (!geometry.needsScrollBar())
         return geometry;
     // Cells may become smaller beside the bar and then fit; without the bar they would not, so it remains.
-    GridGeometry beside(count, QSizeF(full.width() - scrollBarWidth, full.height()), zoomFactor, metrics);
+    GridGeometry beside(count, QSizeF(full.width() - scrollBarWidth, full.height()), zoomFactor);
     beside.m_needsScrollBar = true;
     return beside;
+}
+
+double GridGeometry::left() const
+{
+    return kViewPadding + m_horizontalSpacing;
+}
+
+double GridGeometry::top() const
+{
+    return kViewPadding + m_verticalSpacing;
 }
 
 std::optional<QRectF> GridGeometry::cell(int index) const
@@ -95,14 +110,14 @@ int GridGeometry::insertionIndexAt(QPointF point) const
     return std::min(static_cast<int>(row) * m_columns + column, m_count);
 }
 
-QRectF GridGeometry::insertionBar(int index, double width) const
+QRectF GridGeometry::insertionBar(int index) const
 {
     if (m_count == 0 || index < 0 || index > m_count)
         return {};
     const QRectF neighbor = *cell(std::min(index, m_count - 1));
     const double middle = index < m_count ? neighbor.left() - m_horizontalSpacing / 2
                                           : neighbor.right() + m_horizontalSpacing / 2;
-    return {middle - width / 2, neighbor.top(), width, neighbor.height()};
+    return {middle - kInsertionBarWidth / 2, neighbor.top(), kInsertionBarWidth, neighbor.height()};
 }
 
 GridGeometry::Range GridGeometry::cellsInRows(const QRectF &rect) const

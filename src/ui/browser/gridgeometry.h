@@ -11,13 +11,6 @@
 namespace plexa
 {
 
-/// The lengths that a grid of square cells is laid out with, in points (device-independent pixels).
-struct GridMetrics {
-    double minCellSize = 50;
-    double viewPadding = 10;   ///< around the grid
-    double minCellSpacing = 4; ///< between cells
-};
-
 /// Where the cells of a grid are. Coordinates are those of the whole grid, in points: origin at its top left,
 /// y downwards. A value; knows no widget.
 class GridGeometry
@@ -29,17 +22,15 @@ public:
 
     /// Lays out `count` cells in rows.
     /// @param zoomFactor  0: the smallest cells; 1: one cell fills the shorter side of the visible area
-    GridGeometry(int count, QSizeF visible, float zoomFactor, const GridMetrics &metrics = {});
+    GridGeometry(int count, QSizeF visible, float zoomFactor);
 
     /// As above; where the rows do not fit, beside a scroll bar of this width.
-    static GridGeometry besideScrollBar(int count, QSizeF full, double scrollBarWidth, float zoomFactor,
-                                        const GridMetrics &metrics = {});
+    static GridGeometry besideScrollBar(int count, QSizeF full, double scrollBarWidth, float zoomFactor);
 
     int count() const { return m_count; }
     double cellSize() const { return m_cellSize; }
     /// At least 1: a view too narrow for one cell shows a part of it.
     int columns() const { return m_columns; }
-    int rows() const { return m_rows; }
     double horizontalSpacing() const { return m_horizontalSpacing; }
     double verticalSpacing() const { return m_verticalSpacing; }
     /// Of all rows, but at least that of the visible area.
@@ -56,9 +47,9 @@ public:
     /// The cell before which a drop at this point inserts; count(): at the end.
     int insertionIndexAt(QPointF point) const;
 
-    /// The mark in the gap before a cell, where a drop would insert: as high as a cell, `width` wide. Empty
-    /// for an index beyond count() and for an empty grid.
-    QRectF insertionBar(int index, double width) const;
+    /// The mark in the gap before a cell, where a drop would insert: as high as a cell. Empty for an index
+    /// beyond count() and for an empty grid.
+    QRectF insertionBar(int index) const;
 
     /// The cells of the rows that meet the rectangle, as a range: first, and one past the last.
     struct Range {
@@ -68,10 +59,9 @@ public:
     Range cellsInRows(const QRectF &rect) const;
 
 private:
-    double left() const { return m_metrics.viewPadding + m_horizontalSpacing; }
-    double top() const { return m_metrics.viewPadding + m_verticalSpacing; }
+    double left() const;
+    double top() const;
 
-    GridMetrics m_metrics;
     int m_count = 0;
     int m_columns = 1;
     int m_rows = 0;

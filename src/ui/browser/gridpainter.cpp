@@ -22,10 +22,11 @@ constexpr double kSelectionRadius = 0.1;
 constexpr double kPlaceholderWidth = 0.8;
 constexpr double kPlaceholderShape = 0.7; // its height by its width
 // Points.
-constexpr double kShadowBlur = 15;
-constexpr double kShadowShift = 2;
+constexpr double kTextSize = 10; // pixel size of a name's font, and reserved height
 constexpr double kFocusRing = 2;
-constexpr int kEmptyTextSize = 18;
+
+/// How much of a frame's time may go into scaling thumbnails and laying out names.
+constexpr int kSharpMilliseconds = 5;
 
 QColor translucent(Qt::GlobalColor color, double opacity)
 {
@@ -85,6 +86,13 @@ const QStaticText *NameLayouts::layout(const QString &name, const QFont &font, i
     return text;
 }
 
+QFont NameLayouts::fontOf(const QFont &font, double scale)
+{
+    QFont result(font);
+    result.setPixelSize(qRound(kTextSize * scale));
+    return result;
+}
+
 bool NameLayouts::isShortened(const QString &name, const QFont &font, int width)
 {
     return QFontMetrics(font).horizontalAdvance(oneLine(name)) > width;
@@ -98,12 +106,11 @@ GridPainter::GridPainter(QPainter &painter, const GridGeometry &geometry, const 
     , m_pictures(pictures)
     , m_names(names)
     , m_place(place)
-    , m_font(style.font)
+    , m_font(NameLayouts::fontOf(style.font, place.devicePixelRatio))
 {
     m_clock.start();
     m_painter.save();
     m_painter.scale(1 / place.devicePixelRatio, 1 / place.devicePixelRatio);
-    m_font.setPixelSize(std::max(1, qRound(style.textSize * place.devicePixelRatio)));
     m_painter.setFont(m_font);
 }
 
@@ -120,11 +127,6 @@ QRect GridPainter::toDevice(const QRectF &rect) const
     const auto pixel = [ratio](double points) { return static_cast<int>(std::floor(points * ratio + 0.5)); };
     return {pixel(rect.x() - m_place.origin.x()), pixel(rect.y() - m_place.origin.y()),
             qRound(rect.width() * ratio), qRound(rect.height() * ratio)};
-}
-
-void GridPainter::drawTint(const QRectF &cell)
-{
-    m_painter.fillRect(toDevice(cell), translucent(Qt::black, 0.1));
 }
 
 void GridPainter::drawInsertionBar(const QRectF &bar)
@@ -163,7 +165,7 @@ bool GridPainter::drawCell(const QRectF &cell, const CellContents &contents)
     QRect pictureArea = area;
     bool isSharp = true;
     if (m_style.showFilenames) {
-        const int textHeight = qRound(m_style.textSize * ratio);
+        const int textHeight = qRound(kTextSize * ratio);
         isSharp =
             drawName(QRect(cellPixels.x(), area.bottom() + 1 - textHeight, cellPixels.width(), textHeight),
                      contents.filename);
@@ -182,19 +184,15 @@ bool GridPainter::drawThumbnail(const QRect &area, const QImage &thumbnail)
         return true;
     }
 
-    const int border = m_style.drawBorders ? std::max(1, qRound(kBorder * area.width())) : 0;
-    const int shadow = m_style.drawShadows ? qRound(kShadowMargin * area.width()) : 0;
-    const QRect inner = area.adjusted(border + shadow, border + shadow, -border - shadow, -border - shadow);
+    const int border = std::max(1, qRound(kBorder * area.width()));
+    const int inset = border + qRound(kShadowMargin * area.width());
+    const QRect inner = area.adjusted(inset, inset, -inset, -inset);
     const QSize size =
         thumbnail.size().scaled(inner.size().expandedTo({1, 1}), Qt::KeepAspectRatio).expandedTo({1, 1});
     const QRect place = centered(size, inner);
 
-    if (border > 0 || shadow > 0) {
-        const CellPictures::Mat mat{size, border, m_style.drawShadows ? kShadowBlur * ratio : 0,
-                                    m_style.drawShadows ? qRound(kShadowShift * ratio) : 0};
-        const int margin = CellPictures::matMargin(mat);
-        m_painter.drawImage(place.topLeft() - QPoint(margin, margin), m_pictures.mat(mat));
-    }
+    const int margin = CellPictures::matMargin(border, ratio);
+    m_painter.drawImage(place.topLeft() - QPoint(margin, margin), m_pictures.mat(size, border, ratio));
     QImage picture = m_pictures.scaled(thumbnail, size);
     if (picture.isNull() && hasTime())
         picture = m_pictures.makeScaled(thumbnail, size);
@@ -210,6 +208,11 @@ bool GridPainter::drawThumbnail(const QRect &area, const QImage &thumbnail)
     return false;
 }
 
+bool GridPainter::hasTime() const
+{
+    return m_clock.elapsed() < kSharpMilliseconds;
+}
+
 bool GridPainter::drawName(const QRect &area, const QString &name)
 {
     const QStaticText *text = m_names.layout(name, m_font, area.width(), hasTime());
@@ -221,18 +224,6 @@ bool GridPainter::drawName(const QRect &area, const QString &name)
                                     area.y() + qRound((area.height() - size.height()) / 2)),
                              *text);
     return true;
-}
-
-void GridPainter::drawEmptyText(QPainter &painter, const QRectF &visible, const QFont &font,
-                                const QString &text)
-{
-    QFont large(font);
-    large.setPixelSize(kEmptyTextSize);
-    painter.save();
-    painter.setFont(large);
-    painter.setPen(QColor(85, 85, 85));
-    painter.drawText(visible, Qt::AlignCenter | Qt::TextWordWrap, text);
-    painter.restore();
 }
 
 } // namespace plexa

@@ -16,17 +16,12 @@ class QPainter;
 namespace plexa
 {
 
-/// How a grid looks; lengths in points.
+/// How a grid looks.
 struct GridStyle {
     bool showFilenames = true;
-    bool drawCells = false; ///< tint every cell
-    bool drawBorders = true;
-    bool drawShadows = true;
-    double textSize = 10; ///< of a file name: pixel size of its font and reserved height
-    double insertionHintWidth = 4;
-    QColor textColor;  ///< invalid: from the palette
-    QColor focusColor; ///< of the ring around the image that has the keyboard focus
     QFont font;
+    QColor textColor;
+    QColor focusColor; ///< of the ring around the image that has the keyboard focus
 };
 
 /// What a cell shows.
@@ -42,9 +37,11 @@ class NameLayouts
 {
 public:
     /// @param font, width  in device pixels
-    /// @param makes  false: null if it has not been laid out yet
+    /// @param makes  false: returns null if the name has not been laid out yet
     const QStaticText *layout(const QString &name, const QFont &font, int width, bool makes);
     static bool isShortened(const QString &name, const QFont &font, int width);
+    /// The font of the names. @param scale  device pixels in a point
+    static QFont fontOf(const QFont &font, double scale);
 
 private:
     struct Key {
@@ -61,7 +58,8 @@ private:
 };
 
 /// Draws the parts of a grid. Parameters are points of the whole grid; drawing is in device pixels, so the
-/// painter neither scales nor blurs pictures. One for each paint event.
+/// painter neither scales nor blurs pictures. One for each paint event: after some milliseconds, thumbnails
+/// that would have to be scaled and names that would have to be laid out are drawn roughly.
 class GridPainter
 {
 public:
@@ -76,23 +74,15 @@ public:
     ~GridPainter();
     Q_DISABLE_COPY_MOVE(GridPainter)
 
-    /// Limits the time for scaling thumbnails and laying out names; cells after it are drawn roughly.
-    void setTime(int milliseconds) { m_time = milliseconds; }
-
-    void drawTint(const QRectF &cell);
     void drawInsertionBar(const QRectF &bar);
     void drawRubberBand(const QRectF &band);
     /// @return false if the cell was drawn roughly and should be drawn again
     bool drawCell(const QRectF &cell, const CellContents &contents);
 
-    /// In the middle of the visible area.
-    static void drawEmptyText(QPainter &painter, const QRectF &visible, const QFont &font,
-                              const QString &text);
-
 private:
     QRect toDevice(const QRectF &rect) const;
     bool drawThumbnail(const QRect &area, const QImage &thumbnail);
-    bool hasTime() const { return m_clock.elapsed() < m_time; }
+    bool hasTime() const;
     bool drawName(const QRect &area, const QString &name);
 
     QPainter &m_painter;
@@ -103,7 +93,6 @@ private:
     const Place m_place;
     QFont m_font;
     QElapsedTimer m_clock;
-    int m_time = 1 << 20; // milliseconds
 };
 
 } // namespace plexa

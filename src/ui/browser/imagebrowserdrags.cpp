@@ -102,6 +102,24 @@ void ImageBrowserDrags::start(QPointF mouseDownPoint, QPointF viewportPoint)
         files->dropped(); // runs the event loop, so nothing may follow
 }
 
+bool ImageBrowserDrags::handle(QEvent &event)
+{
+    switch (event.type()) {
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+        move(static_cast<QDragMoveEvent &>(event));
+        return true;
+    case QEvent::DragLeave:
+        leave();
+        return true;
+    case QEvent::Drop:
+        drop(static_cast<QDropEvent &>(event));
+        return true;
+    default:
+        return false;
+    }
+}
+
 /// What dropping it here would do; IgnoreAction: the grid refuses it.
 Qt::DropAction ImageBrowserDrags::actionFor(const QDropEvent &event) const
 {

@@ -12,6 +12,7 @@
 
 class QDragMoveEvent;
 class QDropEvent;
+class QEvent;
 class QPixmap;
 
 namespace plexa
@@ -34,15 +35,14 @@ public:
     /// The indexes of a drag under way are no longer valid.
     void listChanged() { m_isStale = true; }
 
-    /// Drags the selected images and returns after the drop. Does nothing while a drag runs. The view, and
-    /// this object with it, may be gone afterwards.
+    /// Drags the selected images and returns after the drop. Does nothing while a drag runs. The view and
+    /// this object may be destroyed meanwhile.
     /// @param mouseDownPoint  of the grid
     /// @param viewportPoint   of the pointer
     void start(QPointF mouseDownPoint, QPointF viewportPoint);
 
-    void move(QDragMoveEvent &event);
-    void leave();
-    void drop(QDropEvent &event);
+    /// Handles an event of the viewport. @return false for an event of another kind
+    bool handle(QEvent &event);
 
     /// The grid has moved below the resting pointer.
     void gridScrolled();
@@ -53,6 +53,9 @@ public:
 private:
     QPixmap dragImage() const;
     Qt::DropAction actionFor(const QDropEvent &event) const;
+    void move(QDragMoveEvent &event);
+    void leave();
+    void drop(QDropEvent &event);
     void setInsertionIndex(int index);
 
     ImageBrowserView &m_view;

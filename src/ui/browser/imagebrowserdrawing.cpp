@@ -5,6 +5,7 @@
 #include "ui/browser/imagebrowserdrags.h"
 #include "ui/browser/imagebrowserinput.h"
 #include "ui/browser/imagebrowserview.h"
+#include "ui/widgets/emptyhint.h"
 
 #include <QPainter>
 
@@ -15,8 +16,6 @@ namespace plexa
 namespace
 {
 
-/// How much of a frame's time may go into scaling thumbnails and laying out names.
-constexpr int kSharpMilliseconds = 5;
 /// How far a shadow reaches beyond its cell, in points.
 constexpr double kShadowReach = 24;
 
@@ -54,22 +53,17 @@ void ImageBrowserDrawing::scroll(int dy)
 void ImageBrowserDrawing::paint(const QRect &rect)
 {
     QWidget *viewport = m_view.viewport();
-    QPainter painter(viewport);
     if (m_view.geometry().count() == 0) {
-        GridPainter::drawEmptyText(painter, QRectF(viewport->rect()), m_view.font(),
-                                   ImageBrowserView::tr("Drag & drop images here"));
+        paintEmptyHint(viewport, ImageBrowserView::tr("Drag & drop images here"));
         return;
     }
-
-    GridStyle style = m_view.gridStyle();
-    if (!style.textColor.isValid())
-        style.textColor = m_view.palette().color(QPalette::WindowText);
-    if (!style.focusColor.isValid())
-        style.focusColor = m_view.palette().color(QPalette::Highlight);
+    QPainter painter(viewport);
+    const QPalette &palette = m_view.palette();
+    const GridStyle style{m_view.showFilenames(), m_view.font(), palette.color(QPalette::WindowText),
+                          palette.color(QPalette::Highlight)};
     const QPointF origin = m_view.visibleRect().topLeft();
     GridPainter grid(painter, m_view.geometry(), style, m_pictures, m_names,
                      {origin, viewport->devicePixelRatioF()});
-    grid.setTime(kSharpMilliseconds);
     drawCells(grid, withShadow(QRectF(rect).translated(origin)));
     if (!m_rough.isEmpty())
         m_refineTimer.start();
@@ -80,11 +74,8 @@ void ImageBrowserDrawing::drawCells(GridPainter &painter, const QRectF &dirty)
 {
     const GridGeometry &geometry = m_view.geometry();
     const GridGeometry::Range range = geometry.cellsInRows(dirty);
-    if (m_view.gridStyle().drawCells)
-        for (int i = range.first; i < range.end; ++i)
-            painter.drawTint(*geometry.cell(i));
     if (const int index = m_drags.insertionIndex(); index != BrowserSelection::kNone)
-        painter.drawInsertionBar(geometry.insertionBar(index, m_view.gridStyle().insertionHintWidth));
+        painter.drawInsertionBar(geometry.insertionBar(index));
     if (const auto &band = m_input.rubberBand())
         painter.drawRubberBand(*band);
     for (int i = range.first; i < range.end; ++i) {

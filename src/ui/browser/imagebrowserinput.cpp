@@ -2,6 +2,7 @@
 
 #include "ui/browser/imagebrowserinput.h"
 
+#include "ui/browser/gridpainter.h"
 #include "ui/browser/imagebrowserdelegate.h"
 #include "ui/browser/imagebrowserdrags.h"
 #include "ui/browser/imagebrowserview.h"
@@ -10,7 +11,6 @@
 #include <QContextMenuEvent>
 #include <QHelpEvent>
 #include <QKeyEvent>
-#include <QMenu>
 #include <QMouseEvent>
 #include <QNativeGestureEvent>
 #include <QToolTip>
@@ -39,6 +39,46 @@ ImageBrowserInput::ImageBrowserInput(ImageBrowserView &view, ImageBrowserDrags &
 
 ImageBrowserInput::~ImageBrowserInput() = default;
 
+bool ImageBrowserInput::handle(QEvent &event)
+{
+    if (event.type() == QEvent::ToolTip) {
+        showToolTip(static_cast<const QHelpEvent &>(event));
+        return true;
+    }
+    if (event.type() == QEvent::Leave)
+        setShowOriginalAtIndex(kNone);
+    return m_view.isEnabled() && handlePointer(event);
+}
+
+bool ImageBrowserInput::handlePointer(QEvent &event)
+{
+    const auto &mouse = static_cast<const QMouseEvent &>(event);
+    switch (event.type()) {
+    case QEvent::MouseButtonPress:
+        m_isDoubleClick = false;
+        return press(mouse);
+    case QEvent::MouseButtonDblClick: {
+        const bool isPress = press(mouse);
+        m_isDoubleClick = mouse.button() == Qt::LeftButton && m_mouseDownAtImage;
+        return isPress;
+    }
+    case QEvent::MouseMove:
+        move(mouse);
+        return true;
+    case QEvent::MouseButtonRelease:
+        release(mouse);
+        return true;
+    case QEvent::ContextMenu:
+        return openContextMenu(static_cast<const QContextMenuEvent &>(event));
+    case QEvent::Wheel:
+        return wheel(static_cast<const QWheelEvent &>(event));
+    case QEvent::NativeGesture:
+        return gesture(static_cast<const QNativeGestureEvent &>(event));
+    default:
+        return false;
+    }
+}
+
 // ---- mouse
 
 bool ImageBrowserInput::press(const QMouseEvent &event)
@@ -50,7 +90,6 @@ bool ImageBrowserInput::press(const QMouseEvent &event)
     const int index = m_view.cellIndexAtPoint(m_mouseDownPoint);
     m_mouseDownAtImage = index != kNone;
     m_isBandAllowed = !m_mouseDownAtImage;
-    m_isDoubleClick = false;
     if (index == kNone) {
         if (event.button() != Qt::RightButton)
             m_view.selectNone();
@@ -62,13 +101,6 @@ bool ImageBrowserInput::press(const QMouseEvent &event)
         mode = BrowserSelection::Mode::Extend;
     m_view.changeSelection([&](BrowserSelection &selection) { selection.press(index, mode); });
     return true;
-}
-
-bool ImageBrowserInput::doubleClick(const QMouseEvent &event)
-{
-    const bool isPress = press(event);
-    m_isDoubleClick = event.button() == Qt::LeftButton && m_mouseDownAtImage;
-    return isPress;
 }
 
 void ImageBrowserInput::move(const QMouseEvent &event)
@@ -158,11 +190,6 @@ void ImageBrowserInput::setShowOriginalAtIndex(int index)
     m_view.refresh();
 }
 
-void ImageBrowserInput::setContextMenu(QMenu *menu)
-{
-    m_contextMenu = menu;
-}
-
 bool ImageBrowserInput::openContextMenu(const QContextMenuEvent &event)
 {
     if (!m_contextMenu)
@@ -179,23 +206,20 @@ bool ImageBrowserInput::openContextMenu(const QContextMenuEvent &event)
     return true;
 }
 
-bool ImageBrowserInput::showToolTip(const QHelpEvent &event)
+/// The file name, where the cell does not show all of it.
+void ImageBrowserInput::showToolTip(const QHelpEvent &event)
 {
     const int index = m_view.cellIndexAtPoint(m_view.gridPoint(event.pos()));
     QString text;
     QRect cell;
     if (index != kNone) {
         cell = m_view.viewportRect(*m_view.cellForIndex(index)).toRect();
-        const GridStyle &style = m_view.gridStyle();
-        QFont font(style.font);
-        font.setPixelSize(std::max(1, qRound(style.textSize)));
         const QString name = m_view.filename(index);
-        if (!style.showFilenames ||
-            NameLayouts::isShortened(name, font, qRound(m_view.geometry().cellSize())))
+        if (!m_view.showFilenames() || NameLayouts::isShortened(name, NameLayouts::fontOf(m_view.font(), 1),
+                                                                qRound(m_view.geometry().cellSize())))
             text = name.toHtmlEscaped();
     }
     QToolTip::showText(event.globalPos(), text, m_view.viewport(), cell);
-    return true;
 }
 
 bool ImageBrowserInput::wheel(const QWheelEvent &event)

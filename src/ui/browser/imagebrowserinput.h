@@ -6,15 +6,16 @@
 #include "ui/browser/browserselection.h"
 #include "ui/browser/trackpadgestures.h"
 
+#include <QMenu>
 #include <QPointer>
 #include <QRectF>
 
 #include <optional>
 
 class QContextMenuEvent;
+class QEvent;
 class QHelpEvent;
 class QKeyEvent;
-class QMenu;
 class QMouseEvent;
 class QNativeGestureEvent;
 class QWheelEvent;
@@ -27,8 +28,6 @@ class ImageBrowserView;
 
 /// The mouse, the keyboard and the trackpad in a grid. Presses, the rubber band, keys and swipes change the
 /// grid's selection; the delegate receives the rest. Main thread.
-///
-/// Functions for events return false for events that belong to the standard handling.
 class ImageBrowserInput final
 {
 public:
@@ -37,21 +36,15 @@ public:
     ~ImageBrowserInput();
     Q_DISABLE_COPY_MOVE(ImageBrowserInput)
 
-    bool press(const QMouseEvent &event);
-    bool doubleClick(const QMouseEvent &event);
-    /// May run a whole drag. The view, and this object with it, may be gone afterwards.
-    void move(const QMouseEvent &event);
-    void release(const QMouseEvent &event);
-    /// Opened by a right click or the menu key; not owned.
-    void setContextMenu(QMenu *menu);
-    bool openContextMenu(const QContextMenuEvent &event);
-    /// The file name, where the cell does not show all of it.
-    bool showToolTip(const QHelpEvent &event);
-    /// The pointer has left the view.
-    void leave() { setShowOriginalAtIndex(BrowserSelection::kNone); }
-    bool wheel(const QWheelEvent &event);
+    /// Handles an event of the viewport. May run a whole drag, during which the view and this object may be
+    /// destroyed.
+    /// @return false for an event that belongs to the standard handling
+    bool handle(QEvent &event);
+    /// Likewise for keys.
     bool key(const QKeyEvent &event);
-    bool gesture(const QNativeGestureEvent &event);
+
+    /// Opened by a right click or the menu key; not owned.
+    void setContextMenu(QMenu *menu) { m_contextMenu = menu; }
 
     /// The grid has moved below the resting pointer.
     void gridScrolled();
@@ -64,6 +57,14 @@ public:
     void setShowsOriginalOnMouseOver(bool shows);
 
 private:
+    bool handlePointer(QEvent &event);
+    bool press(const QMouseEvent &event);
+    void move(const QMouseEvent &event);
+    void release(const QMouseEvent &event);
+    bool openContextMenu(const QContextMenuEvent &event);
+    void showToolTip(const QHelpEvent &event);
+    bool wheel(const QWheelEvent &event);
+    bool gesture(const QNativeGestureEvent &event);
     void stretchRubberBand();
     void endRubberBand(bool selects);
     void setShowOriginalAtIndex(int index);

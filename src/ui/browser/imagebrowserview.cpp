@@ -8,15 +8,8 @@
 #include "ui/browser/imagebrowserdrawing.h"
 #include "ui/browser/imagebrowserinput.h"
 
-#include <QContextMenuEvent>
-#include <QDragEnterEvent>
-#include <QDragLeaveEvent>
-#include <QHelpEvent>
-#include <QMouseEvent>
-#include <QNativeGestureEvent>
 #include <QPaintEvent>
 #include <QScrollBar>
-#include <QWheelEvent>
 
 #include <algorithm>
 #include <cmath>
@@ -40,7 +33,6 @@ ImageBrowserView::ImageBrowserView(QWidget *parent)
     viewport()->setBackgroundRole(QPalette::Mid);
     viewport()->setMouseTracking(true);
     viewport()->setAcceptDrops(true);
-    m_style.font = font();
 }
 
 ImageBrowserView::~ImageBrowserView() = default;
@@ -88,13 +80,7 @@ void ImageBrowserView::setZoomFactor(float zoomFactor)
 
 void ImageBrowserView::setShowFilenames(bool show)
 {
-    m_style.showFilenames = show;
-    refresh();
-}
-
-void ImageBrowserView::setGridStyle(const GridStyle &style)
-{
-    m_style = style;
+    m_showFilenames = show;
     refresh();
 }
 
@@ -205,8 +191,6 @@ void ImageBrowserView::resizeEvent(QResizeEvent *)
 void ImageBrowserView::changeEvent(QEvent *event)
 {
     QAbstractScrollArea::changeEvent(event);
-    if (event->type() == QEvent::FontChange)
-        m_style.font = font();
     if (event->type() == QEvent::StyleChange)
         computeGridAndFrame();
     if (event->type() == QEvent::FontChange || event->type() == QEvent::PaletteChange)
@@ -252,11 +236,6 @@ void ImageBrowserView::changeSelection(const std::function<void(BrowserSelection
 {
     const BrowserSelection before = m_selection;
     change(m_selection);
-    reportChange(before);
-}
-
-void ImageBrowserView::reportChange(const BrowserSelection &before)
-{
     const BrowserSelection now = m_selection; // the delegate may change it
     if (now == before)
         return;
@@ -270,31 +249,6 @@ void ImageBrowserView::reportChange(const BrowserSelection &before)
         m_delegate->focusImageDidChangeTo(now.focus(), before.focus());
 }
 
-void ImageBrowserView::selectIndex(int index, bool extend, int allFromIndex)
-{
-    m_selection.select(index, extend, allFromIndex);
-    refresh();
-    if (m_delegate)
-        m_delegate->selectionDidChangeTo(QList<int>(selectionIndexes()));
-}
-
-void ImageBrowserView::selectIndex(int index)
-{
-    selectIndex(index, false, kNone);
-    if (m_delegate)
-        m_delegate->selectionDidChangeTo(QList<int>(selectionIndexes()));
-}
-
-void ImageBrowserView::selectIndexes(const QList<int> &indexes, bool extend)
-{
-    changeSelection([&](BrowserSelection &selection) { selection.select(indexes, extend); });
-}
-
-void ImageBrowserView::deselectIndexes(int from, int to)
-{
-    changeSelection([&](BrowserSelection &selection) { selection.deselect(from, to); });
-}
-
 void ImageBrowserView::selectAll()
 {
     changeSelection([](BrowserSelection &selection) { selection.selectAll(); });
@@ -303,23 +257,6 @@ void ImageBrowserView::selectAll()
 void ImageBrowserView::selectNone()
 {
     changeSelection([](BrowserSelection &selection) { selection.selectNone(); });
-}
-
-void ImageBrowserView::invertSelection()
-{
-    changeSelection([](BrowserSelection &selection) { selection.invert(); });
-    scrollFocusImageToVisible();
-}
-
-void ImageBrowserView::setFocusImageIndex(int index)
-{
-    changeSelection([&](BrowserSelection &selection) { selection.setFocus(index); });
-}
-
-void ImageBrowserView::purgeFocusImageIndex()
-{
-    m_selection.setFocus(kNone);
-    refresh();
 }
 
 void ImageBrowserView::takeSelection(const QList<int> &indexes, int focus)
@@ -350,76 +287,13 @@ void ImageBrowserView::copy()
 
 bool ImageBrowserView::viewportEvent(QEvent *event)
 {
-    if (event->type() == QEvent::NativeGesture)
-        return m_input->gesture(*static_cast<QNativeGestureEvent *>(event));
-    if (event->type() == QEvent::ToolTip)
-        return m_input->showToolTip(*static_cast<QHelpEvent *>(event));
-    if (event->type() == QEvent::Leave)
-        m_input->leave();
-    return QAbstractScrollArea::viewportEvent(event);
-}
-
-void ImageBrowserView::mousePressEvent(QMouseEvent *event)
-{
-    if (!m_input->press(*event))
-        event->ignore();
-}
-
-void ImageBrowserView::mouseMoveEvent(QMouseEvent *event)
-{
-    m_input->move(*event);
-}
-
-void ImageBrowserView::mouseReleaseEvent(QMouseEvent *event)
-{
-    m_input->release(*event);
-}
-
-void ImageBrowserView::mouseDoubleClickEvent(QMouseEvent *event)
-{
-    if (!m_input->doubleClick(*event))
-        event->ignore();
-}
-
-void ImageBrowserView::contextMenuEvent(QContextMenuEvent *event)
-{
-    if (!m_input->openContextMenu(*event))
-        QAbstractScrollArea::contextMenuEvent(event);
-}
-
-void ImageBrowserView::wheelEvent(QWheelEvent *event)
-{
-    if (m_input->wheel(*event))
-        event->accept();
-    else
-        QAbstractScrollArea::wheelEvent(event);
+    return m_input->handle(*event) || m_drags->handle(*event) || QAbstractScrollArea::viewportEvent(event);
 }
 
 void ImageBrowserView::keyPressEvent(QKeyEvent *event)
 {
     if (!m_input->key(*event))
         QAbstractScrollArea::keyPressEvent(event);
-}
-
-void ImageBrowserView::dragEnterEvent(QDragEnterEvent *event)
-{
-    m_drags->move(*event);
-}
-
-void ImageBrowserView::dragMoveEvent(QDragMoveEvent *event)
-{
-    m_drags->move(*event);
-}
-
-void ImageBrowserView::dragLeaveEvent(QDragLeaveEvent *event)
-{
-    m_drags->leave();
-    event->accept();
-}
-
-void ImageBrowserView::dropEvent(QDropEvent *event)
-{
-    m_drags->drop(*event);
 }
 
 } // namespace plexa

@@ -4,7 +4,6 @@
 
 #include "ui/browser/browserselection.h"
 #include "ui/browser/gridgeometry.h"
-#include "ui/browser/gridpainter.h"
 #include "ui/browser/imagebrowsersource.h"
 
 #include <QAbstractScrollArea>
@@ -58,9 +57,7 @@ public:
     void setZoomFactor(float zoomFactor);
     float zoomFactor() const { return m_zoomFactor; }
     void setShowFilenames(bool show);
-    bool showFilenames() const { return m_style.showFilenames; }
-    void setGridStyle(const GridStyle &style);
-    const GridStyle &gridStyle() const { return m_style; }
+    bool showFilenames() const { return m_showFilenames; }
     /// Whether a drag within the grid may copy where it cannot move. Initially true.
     void setAllowCopying(bool allow);
     /// Whether the image below the pointer shows its original's thumbnail. Initially false.
@@ -93,20 +90,9 @@ public:
     bool isIndexSelected(int index) const { return m_selection.isSelected(index); }
     /// Changes selection and focus together, and reports the differences.
     void changeSelection(const std::function<void(BrowserSelection &)> &change);
-    /// Reports even an unchanged selection.
-    void selectIndex(int index, bool extend, int allFromIndex);
-    /// Exactly this one; reports twice.
-    void selectIndex(int index);
-    void selectIndexes(const QList<int> &indexes, bool extend);
-    void deselectIndex(int index) { deselectIndexes(index, index); }
-    void deselectIndexes(int from, int to);
     void selectAll();
     void selectNone();
-    void invertSelection();
-    void setFocusImageIndex(int index);
-    /// Without a report.
-    void purgeFocusImageIndex();
-    /// Adopts what the owner of the list has decided, without a report.
+    /// Without a report: the selection of the owner of the list.
     void takeSelection(const QList<int> &indexes, int focus);
     /// One step, as by the left or right arrow key with these modifiers.
     void selectNeighbourImage(bool next, Qt::KeyboardModifiers modifiers);
@@ -123,29 +109,17 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
     bool viewportEvent(QEvent *event) override;
 
-    void mousePressEvent(QMouseEvent *event) override;
-    void mouseMoveEvent(QMouseEvent *event) override;
-    void mouseReleaseEvent(QMouseEvent *event) override;
-    void mouseDoubleClickEvent(QMouseEvent *event) override;
-    void contextMenuEvent(QContextMenuEvent *event) override;
-    void wheelEvent(QWheelEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
-
-    void dragEnterEvent(QDragEnterEvent *event) override;
-    void dragMoveEvent(QDragMoveEvent *event) override;
-    void dragLeaveEvent(QDragLeaveEvent *event) override;
-    void dropEvent(QDropEvent *event) override;
 
 private:
     void computeGridAndFrame();
     void scrollTo(double top);
-    void reportChange(const BrowserSelection &before);
 
     ImageBrowserDelegate *m_delegate = nullptr;
     std::shared_ptr<const ImageBrowserSource> m_images;
     BrowserSelection m_selection;
     GridGeometry m_geometry;
-    GridStyle m_style;
+    bool m_showFilenames = true;
     float m_zoomFactor = 0.5F;
     bool m_isComputing = false;
 

@@ -16,9 +16,6 @@
 #include <QGuiApplication>
 #include <QScopedValueRollback>
 
-#include <algorithm>
-#include <atomic>
-
 namespace plexa
 {
 namespace
@@ -28,30 +25,6 @@ constexpr float kZoomStep = 0.1F;
 
 } // namespace
 
-/// Shows copies for other programs in the status line, whose button stops them.
-class StatusLineProgress final : public CopyProgress
-{
-public:
-    explicit StatusLineProgress(StatusManager &status)
-        : m_status(status)
-    {
-    }
-
-    int begin() override
-    {
-        m_status.startProcessing();
-        return m_stops;
-    }
-    void setProgress(float share) override { m_status.setProgress(share, StatusOperation::Processing); }
-    bool isStopped(int begun) const override { return m_stops != begun; }
-    void end() override { m_status.endProcessing(); }
-    void stop() { ++m_stops; }
-
-private:
-    StatusManager &m_status;
-    std::atomic<int> m_stops = 0;
-};
-
 ImageBrowserViewController::ImageBrowserViewController(AppController &app, ImageBrowserView &view,
                                                        UserDefaults &defaults, int threads)
     : m_app(app)
@@ -59,15 +32,14 @@ ImageBrowserViewController::ImageBrowserViewController(AppController &app, Image
     , m_defaults(defaults)
     , m_threads(threads)
     , m_folders(std::make_shared<PrivateFolders>())
-    , m_progress(std::make_shared<StatusLineProgress>(app.statusManager()))
+    , m_progress(std::make_shared<CopyProgress>(app.statusManager()))
     , m_cleaning([] { PrivateFolders::removeLeftovers(); })
 {
     view.setDelegate(this);
     view.setAllowCopying(false);
     followShowOriginalOnMouseOver();
     showList();
-    setShowBrowserFilenames(defaults.boolForKey(settings::imageBrowserShowsNames));
-    setBrowserZoomFactor(defaults.floatForKey(settings::imageBrowserZoomFactor));
+    followZoomAndNames();
     connectAll();
 }
 
@@ -123,22 +95,12 @@ void ImageBrowserViewController::takeSelection()
 
 // ---- from the grid to the set
 
-void ImageBrowserViewController::tellSelection()
+void ImageBrowserViewController::reportSelection()
 {
     if (m_isFollowing)
         return;
     // The selection's signals return here and find the view unchanged.
     m_app.imageSet().selection().select(m_view.selectionIndexes(), m_view.focusImageIndex());
-}
-
-void ImageBrowserViewController::selectionDidChangeTo(const QList<int> &)
-{
-    tellSelection();
-}
-
-void ImageBrowserViewController::focusImageDidChangeTo(int, int)
-{
-    tellSelection();
 }
 
 void ImageBrowserViewController::deletePressed()
@@ -158,11 +120,6 @@ void ImageBrowserViewController::movedIndexes(const QList<int> &indexes, int toI
 
 // ---- zoom and names
 
-float ImageBrowserViewController::browserZoomFactor() const
-{
-    return m_view.zoomFactor();
-}
-
 void ImageBrowserViewController::setBrowserZoomFactor(float zoomFactor)
 {
     m_view.setZoomFactor(zoomFactor);
@@ -180,6 +137,12 @@ void ImageBrowserViewController::setShowBrowserFilenames(bool show)
     m_view.setShowFilenames(show);
     m_defaults.setObject(settings::imageBrowserShowsNames, show);
     Q_EMIT showBrowserFilenamesChanged(show);
+}
+
+void ImageBrowserViewController::followZoomAndNames()
+{
+    setShowBrowserFilenames(m_defaults.boolForKey(settings::imageBrowserShowsNames));
+    setBrowserZoomFactor(m_defaults.floatForKey(settings::imageBrowserZoomFactor));
 }
 
 void ImageBrowserViewController::followShowOriginalOnMouseOver()

@@ -15,10 +15,10 @@ namespace plexa
 {
 
 class AppController;
+class CopyProgress;
 class ImageBrowserView;
 class ImageObject;
 class PrivateFolders;
-class StatusLineProgress;
 class UserDefaults;
 
 /// Connects the grid and the working set: the grid shows the set's photos, the set follows the user's
@@ -33,19 +33,19 @@ public:
                                int threads);
     ~ImageBrowserViewController() override;
 
-    float browserZoomFactor() const;
     /// Clamped to 0..1 and stored in the settings.
     void setBrowserZoomFactor(float zoomFactor);
     enum class Zoom { In, Out };
     /// One step.
     void zoomBrowser(Zoom direction);
     void setShowBrowserFilenames(bool show);
-    /// Reads a changed setting.
+    /// Read settings that may have changed.
+    void followZoomAndNames();
     void followShowOriginalOnMouseOver();
 
     // ImageBrowserDelegate
-    void selectionDidChangeTo(const QList<int> &indexes) override;
-    void focusImageDidChangeTo(int to, int from) override;
+    void selectionDidChangeTo(const QList<int> &) override { reportSelection(); }
+    void focusImageDidChangeTo(int, int) override { reportSelection(); }
     void deletePressed() override;
     void receivedDraggedFiles(const QStringList &paths) override;
     void movedIndexes(const QList<int> &indexes, int toIndex) override;
@@ -65,7 +65,7 @@ Q_SIGNALS:
 private:
     void connectAll();
     void showList();
-    void tellSelection();
+    void reportSelection();
     void takeSelection();
     bool saveInto(const std::vector<std::shared_ptr<ImageObject>> &photos, const QString &folder);
 
@@ -75,7 +75,7 @@ private:
     const int m_threads;
     const std::shared_ptr<PrivateFolders> m_folders; // for the clipboard
     QPointer<QMimeData> m_onClipboard;
-    const std::shared_ptr<StatusLineProgress> m_progress; // of copies for other programs
+    const std::shared_ptr<CopyProgress> m_progress;
     const std::jthread m_cleaning;
     const void *m_list = nullptr; // shown by the view
     bool m_isFollowing = false;   // the view reports our own change

@@ -9,13 +9,8 @@ namespace plexa
 {
 
 ImageListModel::ImageListModel(ImageSet &set, QObject *parent)
-    : QAbstractTableModel(parent)
+    : QAbstractListModel(parent)
     , m_set(set)
-{
-    connectAll();
-}
-
-void ImageListModel::connectAll()
 {
     connect(&m_set, &ImageSet::imagesAboutToBeInserted, this, [this](int first, int last) {
         m_isChanging = true;
@@ -57,11 +52,6 @@ void ImageListModel::settle()
 int ImageListModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : static_cast<int>(m_set.imagesFiltered()->size());
-}
-
-int ImageListModel::columnCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : 1;
 }
 
 QVariant ImageListModel::data(const QModelIndex &index, int role) const

@@ -2,16 +2,15 @@
 
 #pragma once
 
-#include <QAbstractTableModel>
+#include <QAbstractListModel>
 
 namespace plexa
 {
 
 class ImageSet;
 
-/// The shown photos as a table with one column, their paths. Reads from the working set and keeps nothing
-/// itself. Main thread.
-class ImageListModel final : public QAbstractTableModel
+/// The paths of the shown photos, read from the working set. Main thread.
+class ImageListModel final : public QAbstractListModel
 {
     Q_OBJECT
 
@@ -20,7 +19,6 @@ public:
     explicit ImageListModel(ImageSet &set, QObject *parent = nullptr);
 
     int rowCount(const QModelIndex &parent = {}) const override;
-    int columnCount(const QModelIndex &parent = {}) const override;
     /// The path; for editing, the file's name without folder and suffix.
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
     /// Renames the photo.
@@ -35,7 +33,6 @@ Q_SIGNALS:
     void settled();
 
 private:
-    void connectAll();
     void settle();
 
     ImageSet &m_set;

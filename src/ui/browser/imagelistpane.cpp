@@ -3,8 +3,6 @@
 #include "ui/browser/imagelistpane.h"
 
 #include "app/appcontroller.h"
-#include "platform/settings.h"
-#include "platform/userdefaults.h"
 #include "ui/browser/imagebrowserview.h"
 #include "ui/browser/imagebrowserviewcontroller.h"
 #include "ui/browser/imagelistview.h"
@@ -40,7 +38,6 @@ int sliderValue(float zoomFactor)
 ImageListPane::ImageListPane(const Services &services, QWidget *parent)
     : QWidget(parent)
     , m_set(services.controller.imageSet())
-    , m_defaults(services.defaults)
     , m_actions(services.actions)
     , m_searchField(new QLineEdit)
     , m_imageListContainer(new QStackedWidget)
@@ -179,13 +176,6 @@ void ImageListPane::connectBrowser()
     showNames(m_imageBrowser->showFilenames());
 }
 
-/// Reads the settings of the grid.
-void ImageListPane::followSettings()
-{
-    m_browserController->setShowBrowserFilenames(m_defaults.boolForKey(settings::imageBrowserShowsNames));
-    m_browserController->setBrowserZoomFactor(m_defaults.floatForKey(settings::imageBrowserZoomFactor));
-}
-
 void ImageListPane::showMode(bool isBrowser)
 {
     const bool hadFocus = m_imageListContainer->isAncestorOf(focusWidget());
@@ -193,7 +183,7 @@ void ImageListPane::showMode(bool isBrowser)
                                                      : m_imageListTable);
     m_zoomRow->setVisible(isBrowser);
     if (isBrowser)
-        followSettings();
+        m_browserController->followZoomAndNames();
     if (hadFocus || !focusWidget())
         shownView()->setFocus();
     m_imageListModeButton->setChecked(!isBrowser);

@@ -58,12 +58,10 @@ private:
     QWidget *makeZoomRow();
     void connectSet(ImageGathering &gathering);
     void connectBrowser();
-    void followSettings();
     void showMode(bool isBrowser);
     bool endSearch(int key);
 
     ImageSet &m_set;
-    UserDefaults &m_defaults;
     CommandActions &m_actions;
     QLineEdit *const m_searchField;
     QStackedWidget *const m_imageListContainer;

@@ -27,12 +27,12 @@ FilePromise::Outcome PhotoPromise::makeFiles(const QString &folder, const std::f
     const QStringList files = names();
     std::vector<Result<void>> written(static_cast<std::size_t>(files.size()));
     Outcome outcome;
-    CopyProgress *const progress = m_contents.progress.get();
-    const int begun = progress ? progress->begin() : 0;
+    CopyProgress &progress = *m_contents.progress;
+    const int begun = progress.begin();
     OrderedWork work;
     work.count = written.size();
     work.threads = std::max(1, m_contents.threads);
-    work.isStopped = [&] { return isUnwanted() || (progress && progress->isStopped(begun)); };
+    work.isStopped = [&] { return isUnwanted() || progress.isStopped(begun); };
     work.work = [&](std::size_t number) {
         written[number] =
             writeFile(number, folder + QLatin1Char('/') + files.at(static_cast<qsizetype>(number)));
@@ -40,14 +40,11 @@ FilePromise::Outcome PhotoPromise::makeFiles(const QString &folder, const std::f
     work.deliver = [&](std::size_t number) {
         if (!written[number])
             outcome.failures.append(written[number].error().text);
-        if (progress)
-            progress->setProgress(static_cast<float>(number + 1) / static_cast<float>(work.count));
+        progress.setProgress(static_cast<float>(number + 1) / static_cast<float>(work.count));
     };
     runOrdered(work);
-    if (progress) {
-        outcome.isStopped = progress->isStopped(begun);
-        progress->end();
-    }
+    outcome.isStopped = progress.isStopped(begun);
+    progress.end();
     return outcome;
 }
 
@@ -64,14 +61,12 @@ Result<void> PhotoPromise::writeFile(std::size_t number, const QString &path) co
 
 void PhotoPromise::report(const QStringList &failures)
 {
-    if (!failures.isEmpty() && m_contents.reportFailures)
+    if (!failures.isEmpty())
         m_contents.reportFailures(failures);
 }
 
 QStringList PhotoPromise::imageTypes() const
 {
-    if (m_contents.photos.empty() || m_contents.presets.empty())
-        return {};
     QStringList types;
     for (const char *type :
          {"image/tiff", "image/jpeg", "image/png", "image/gif", "image/bmp", "image/heic"}) {
@@ -84,8 +79,6 @@ QStringList PhotoPromise::imageTypes() const
 
 QByteArray PhotoPromise::image(const QString &mimeType, QStringList &failures)
 {
-    if (!imageTypes().contains(mimeType))
-        return {};
     ImageObject &photo = *m_contents.photos.front();
     QBuffer buffer;
     buffer.open(QIODevice::ReadWrite);

@@ -2,9 +2,11 @@
 
 #pragma once
 
+#include "app/statusmanager.h"
 #include "images/imageobject.h"
 #include "ui/browser/filepromise.h"
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -12,17 +14,31 @@
 namespace plexa
 {
 
-/// Shows the progress of copies and can stop them. Any thread.
-class CopyProgress
+/// Shows the copies for other programs in the status line, whose button stops them. Any thread.
+class CopyProgress final
 {
 public:
-    virtual ~CopyProgress() = default;
+    /// @param status  outlives this object
+    explicit CopyProgress(StatusManager &status)
+        : m_status(status)
+    {
+    }
+
     /// @return the argument for isStopped(), so that a stop applies only to copies in progress
-    virtual int begin() = 0;
+    int begin()
+    {
+        m_status.startProcessing();
+        return m_stops;
+    }
     /// @param share  of the copies, 0..1
-    virtual void setProgress(float share) = 0;
-    virtual bool isStopped(int begun) const = 0;
-    virtual void end() = 0;
+    void setProgress(float share) { m_status.setProgress(share, StatusOperation::Processing); }
+    bool isStopped(int begun) const { return m_stops != begun; }
+    void end() { m_status.endProcessing(); }
+    void stop() { ++m_stops; }
+
+private:
+    StatusManager &m_status;
+    std::atomic<int> m_stops = 0;
 };
 
 /// Watermarked copies of photos, one for each preset, for a drag or the clipboard.
@@ -36,16 +52,14 @@ public:
         int threads = 1;                 ///< copies that are written at a time
         bool preservesCreationDate = true;
         /// Starts to save the photos to a target's folder, as the user's own save does; returns whether it
-        /// started. Called during the drag, so it must not ask the user anything before it returns. May be
-        /// empty.
+        /// started. Called during the drag, so it must not ask the user anything before it returns.
         std::function<bool(const QString &folder)> startSaving;
-        /// Receives failures, one line for each file: "path: reason". Must not ask the user either; may be
-        /// empty.
+        /// Receives failures, one line for each file: "path: reason". Must not ask the user either.
         std::function<void(const QStringList &failures)> reportFailures;
-        /// May be null.
         std::shared_ptr<CopyProgress> progress;
     };
 
+    /// @param contents  complete, with at least one photo and one preset
     explicit PhotoPromise(Contents contents)
         : m_contents(std::move(contents))
     {
@@ -55,11 +69,7 @@ public:
     QStringList names() const override;
     Outcome makeFiles(const QString &folder, const std::function<bool()> &isUnwanted) override;
     void report(const QStringList &failures) override;
-    bool canSaveInto() const override { return m_contents.startSaving != nullptr; }
-    bool saveInto(const QString &folder) override
-    {
-        return m_contents.startSaving && m_contents.startSaving(folder);
-    }
+    bool saveInto(const QString &folder) override { return m_contents.startSaving(folder); }
     QStringList imageTypes() const override;
     QByteArray image(const QString &mimeType, QStringList &failures) override;
 

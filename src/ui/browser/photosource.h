@@ -5,6 +5,7 @@
 #include "images/imageobject.h"
 #include "ui/browser/imagebrowsersource.h"
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -28,7 +29,12 @@ public:
     /// A photo has one thumbnail for both kinds.
     QImage thumbnail(int index, ThumbnailKind) const override { return at(index).thumbnail(); }
     /// @param image  an ImageObject
-    int indexOf(const void *image) const override;
+    int indexOf(const void *image) const override
+    {
+        const auto found = std::find_if(m_photos->begin(), m_photos->end(),
+                                        [image](const auto &photo) { return photo.get() == image; });
+        return found == m_photos->end() ? -1 : static_cast<int>(found - m_photos->begin());
+    }
 
 private:
     const ImageObject &at(int index) const { return *(*m_photos)[static_cast<std::size_t>(index)]; }

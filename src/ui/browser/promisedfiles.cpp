@@ -33,7 +33,7 @@ PromisedFiles::PromisedFiles(std::unique_ptr<FilePromise> promise, std::shared_p
 
 PromisedFiles::~PromisedFiles()
 {
-    // A target that was waiting has gone; one that has the names may still read the files.
+    // The target has stopped waiting. One that has the names may still read the files.
     if (m_making && !m_areNamesGiven) {
         m_making->isGivenUp = true;
         m_making->isAbandoned = m_use == Use::Drag;
@@ -45,7 +45,7 @@ QStringList PromisedFiles::formats() const
     QStringList formats;
     if (m_promise) {
         formats << kUriList << m_promise->imageTypes();
-        if (m_use == Use::Drag && X11Drag::isAvailable() && m_promise->canSaveInto())
+        if (m_use == Use::Drag && X11Drag::isAvailable())
             formats << QLatin1String(X11Drag::kDirectSaveType);
     }
     if (!m_indexes.isEmpty())
@@ -72,9 +72,8 @@ void PromisedFiles::dropped()
 
 QVariant PromisedFiles::retrieveData(const QString &mimeType, QMetaType type) const
 {
-    if (mimeType == kPhotoSelectionType && !m_indexes.isEmpty()) {
+    if (mimeType == kPhotoSelectionType && !m_indexes.isEmpty())
         return draggedBytesOf(m_indexes);
-    }
     if (m_promise) {
         if (mimeType == kUriList)
             return fileUrls();
@@ -101,7 +100,7 @@ QByteArray PromisedFiles::fileUrls() const
     m_areNamesGiven = m_areNamesGiven || isHovering;
     const std::shared_ptr<Making> making = m_making;
     if (!isHovering) {
-        makeFiles(making); // this object may be gone from here on
+        makeFiles(making); // may destroy this object
         if (making->isGivenUp || making->outcome.isStopped)
             return {};
     }

@@ -46,7 +46,7 @@ public:
 
     /// Reports a drop outside the grid: from now on files are written when requested. Writes those whose
     /// names were requested before at once, in case the target does not request them again. Returns when they
-    /// are written; these data may be gone then.
+    /// are written; these data may be destroyed then.
     void dropped();
 
 protected:

@@ -5,14 +5,16 @@
 #include "app/appliedpresets.h"
 #include "presets/presetsstore.h"
 #include "ui/widgets/commandactions.h"
-#include "ui/widgets/modeselector.h"
 #include "ui/widgets/presetlistmodel.h"
 #include "ui/widgets/presetlistview.h"
 #include "ui/widgets/sectiontitle.h"
 
 #include <QAction>
+#include <QActionGroup>
+#include <QButtonGroup>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QStackedWidget>
 #include <QToolButton>
@@ -25,6 +27,16 @@ namespace plexa
 
 namespace
 {
+
+const char kModeLook[] = R"(
+QPushButton { border: 1px solid #b9bec4; padding: 5px 10px; background: #fbfcfc; color: #242a30; }
+QPushButton:hover { background: #eef1f4; }
+QPushButton:checked { background: #3b78b4; border-color: #33689c; color: white; }
+QPushButton:focus { border-color: #33689c; }
+QPushButton:checked:focus { border: 2px solid #12293f; padding: 4px 9px; }
+#singleModeButton { border-top-left-radius: 5px; border-bottom-left-radius: 5px; border-right: none; }
+#presetsModeButton { border-top-right-radius: 5px; border-bottom-right-radius: 5px; }
+)";
 
 QHBoxLayout *buttonRow()
 {
@@ -41,25 +53,22 @@ PresetsPanel::PresetsPanel(AppliedPresets &applied, PresetsStore &store, Command
     : QWidget(parent)
     , m_applied(applied)
     , m_actions(actions)
-    , m_appliedModel(new PresetListModel(this))
-    , m_allModel(new PresetListModel(this))
+    , m_appliedModel(new PresetListModel(store.wPresetList(), this))
+    , m_allModel(new PresetListModel(store.wPresetList(), this))
     , m_appliedTable(new PresetListView(*m_appliedModel))
     , m_allTable(new PresetListView(*m_allModel))
+    , m_modeContainer(new QStackedWidget)
+    , m_quickContainer(new QWidget)
 {
-    m_modeSegments = new ModeSelector(
-        {{QStringLiteral("singleModeButton"), tr("Single"), commandToolTip(commandRow(ActionId::SingleMode))},
-         {QStringLiteral("presetsModeButton"), tr("Presets"),
-          commandToolTip(commandRow(ActionId::PresetsMode))}});
-    m_quickContainer = new QWidget;
     m_quickContainer->setObjectName(QStringLiteral("quickWPresetContainer"));
-    m_modeContainer = new QStackedWidget;
     m_modeContainer->addWidget(m_quickContainer);
     m_modeContainer->addWidget(makePresetsView());
+    m_allModel->follow(store.wPresetList());
 
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(12);
-    layout->addWidget(m_modeSegments);
+    layout->addLayout(makeModeSelector());
     layout->addWidget(m_modeContainer, 1);
     connectLists();
     connectCommands(store);
@@ -67,7 +76,31 @@ PresetsPanel::PresetsPanel(AppliedPresets &applied, PresetsStore &store, Command
     showApplied();
 }
 
-PresetsPanel::~PresetsPanel() = default;
+/// Two joined buttons, one of which is checked.
+QHBoxLayout *PresetsPanel::makeModeSelector()
+{
+    QHBoxLayout *const row = buttonRow();
+    row->setSpacing(0);
+    auto *const buttons = new QButtonGroup(this);
+    auto *const items = new QActionGroup(&m_actions);
+    for (const auto &[id, text] :
+         {std::pair(ActionId::SingleMode, tr("Single")), {ActionId::PresetsMode, tr("Presets")}}) {
+        auto *const button = new QPushButton(text);
+        m_actions.bindButton(id, button);
+        button->setStyleSheet(QString::fromLatin1(kModeLook));
+        button->setCheckable(true);
+        // The Tab key reaches the checked button; the arrow keys continue from there.
+        button->setFocusPolicy(Qt::ClickFocus);
+        connect(button, &QAbstractButton::toggled, button,
+                [button](bool isOn) { button->setFocusPolicy(isOn ? Qt::StrongFocus : Qt::ClickFocus); });
+        m_actions.action(id)->setCheckable(true);
+        items->addAction(m_actions.action(id));
+        buttons->addButton(button);
+        m_modeButtons.append(button);
+        row->addWidget(button, 1);
+    }
+    return row;
+}
 
 QWidget *PresetsPanel::makePresetsView()
 {
@@ -125,8 +158,6 @@ QWidget *PresetsPanel::makePresetsView()
 
 void PresetsPanel::connectLists()
 {
-    connect(m_modeSegments, &ModeSelector::selected, &m_applied,
-            [this](int segment) { m_applied.modeDidChange(static_cast<AppliedPresets::Mode>(segment)); });
     connect(&m_applied, &AppliedPresets::modeChanged, this, &PresetsPanel::showMode);
     connect(&m_applied, &AppliedPresets::appliedChanged, this, &PresetsPanel::showApplied);
     connect(&m_applied, &AppliedPresets::selectedRowsChanged, this,
@@ -139,39 +170,29 @@ void PresetsPanel::connectLists()
     connect(m_allTable, &PresetListView::returnPressed, this,
             [this] { m_actions.run(ActionId::ApplyPresets); });
     connect(m_allTable, &PresetListView::selectedRowsChanged, &m_actions, &CommandActions::scheduleUpdate);
-    connect(m_appliedTable, &QAbstractItemView::doubleClicked, this,
-            [this](const QModelIndex &index) { doubleMouseClick(index, *m_appliedModel); });
-    connect(m_allTable, &QAbstractItemView::doubleClicked, this,
-            [this](const QModelIndex &index) { doubleMouseClick(index, *m_allModel); });
+    for (const auto &[table, model] : {std::pair(m_appliedTable, m_appliedModel), {m_allTable, m_allModel}})
+        connect(table, &QAbstractItemView::doubleClicked, this,
+                [this, model](const QModelIndex &index) { doubleMouseClick(index, *model); });
 }
 
 void PresetsPanel::connectCommands(PresetsStore &store)
 {
+    AppliedPresets &applied = m_applied;
+    using Mode = AppliedPresets::Mode;
+    using Neighbor = AppliedPresets::Neighbor;
+    m_actions.setHandler(ActionId::SingleMode, [&applied] { applied.modeDidChange(Mode::Single); });
+    m_actions.setHandler(ActionId::PresetsMode, [&applied] { applied.modeDidChange(Mode::Presets); });
+    m_actions.setHandler(ActionId::NextPreset,
+                         [&applied] { applied.selectNeighborAppliedPreset(Neighbor::Next); });
+    m_actions.setHandler(ActionId::PreviousPreset,
+                         [&applied] { applied.selectNeighborAppliedPreset(Neighbor::Previous); });
+    m_actions.setHandler(ActionId::RemoveAppliedPresets,
+                         [&applied] { applied.removeSelectedAppliedPresets(); });
+    m_actions.setHandler(ActionId::ClearAppliedPresets, [&applied] { applied.clearAppliedPresets(); });
     m_actions.setHandler(ActionId::ApplyPresets,
                          [this] { m_applied.addWPresetsToApplied(selectedWPresets()); });
     m_actions.setHandler(ActionId::LoadPreset,
                          [this, &store] { store.loadWPreset(*selectedWPresets().front()); });
-    const auto show = [this, &store] { showWPresets(store.wPresets()); };
-    const PresetListSignals &list = store.wPresetList();
-    connect(&list, &PresetListSignals::inserted, this, show);
-    connect(&list, &PresetListSignals::removed, this, show);
-    connect(&list, &PresetListSignals::moved, this, show);
-    showWPresets(store.wPresets());
-}
-
-void PresetsPanel::showWPresets(const WPresetList &presets)
-{
-    const WPresetList selected = selectedWPresets();
-    const int scrolledTo = m_allTable->verticalScrollBar()->value();
-    m_allModel->setPresets(presets);
-    IndexList rows;
-    for (std::size_t row = 0; row < presets.size(); ++row) {
-        if (std::find(selected.begin(), selected.end(), presets[row]) != selected.end())
-            rows.append(static_cast<int>(row));
-    }
-    m_allTable->selectRows(rows);
-    m_allTable->verticalScrollBar()->setValue(scrolledTo);
-    m_actions.scheduleUpdate();
 }
 
 WPresetList PresetsPanel::selectedWPresets() const
@@ -185,14 +206,13 @@ WPresetList PresetsPanel::selectedWPresets() const
 void PresetsPanel::showMode()
 {
     const int mode = m_applied.isInSingleMode() ? 0 : 1;
-    m_modeSegments->select(mode);
+    m_modeButtons[mode]->setChecked(true);
+    m_actions.action(mode == 0 ? ActionId::SingleMode : ActionId::PresetsMode)->setChecked(true);
     m_modeContainer->setCurrentIndex(mode);
 }
 
 void PresetsPanel::showApplied()
 {
-    // The view loses its selection here; the selection of the applied presets is restored.
-    const QSignalBlocker blocker(m_appliedTable);
     const int formerCount = m_appliedModel->rowCount();
     const int scrolledTo = m_appliedTable->verticalScrollBar()->value();
     m_appliedModel->setPresets(m_applied.wPresetsApplied());

@@ -7,6 +7,8 @@
 
 #include <QWidget>
 
+class QAbstractButton;
+class QHBoxLayout;
 class QStackedWidget;
 
 namespace plexa
@@ -14,13 +16,12 @@ namespace plexa
 
 class AppliedPresets;
 class CommandActions;
-class ModeSelector;
 class PresetListModel;
 class PresetListView;
 class PresetsStore;
 
-/// The right side of the main window: the mode selector, and in presets mode the lists of applied and of all
-/// presets.
+/// The right side of the main window: the two buttons that select the mode, and in presets mode the lists of
+/// applied and of all presets. Carries out their commands.
 class PresetsPanel final : public QWidget
 {
     Q_OBJECT
@@ -29,7 +30,6 @@ public:
     /// @param applied  outlives the panel, like the store and the actions
     PresetsPanel(AppliedPresets &applied, PresetsStore &store, CommandActions &actions,
                  QWidget *parent = nullptr);
-    ~PresetsPanel() override;
 
     /// The container for the editor of the single watermark.
     QWidget *quickWPresetContainer() const { return m_quickContainer; }
@@ -38,10 +38,10 @@ public:
     WPresetList selectedWPresets() const;
 
 private:
+    QHBoxLayout *makeModeSelector();
     QWidget *makePresetsView();
-    void connectCommands(PresetsStore &store);
-    void showWPresets(const WPresetList &presets);
     void connectLists();
+    void connectCommands(PresetsStore &store);
     void showMode();
     void showApplied();
     void doubleMouseClick(const QModelIndex &index, const PresetListModel &model);
@@ -52,9 +52,9 @@ private:
     PresetListModel *const m_allModel;
     PresetListView *const m_appliedTable;
     PresetListView *const m_allTable;
-    ModeSelector *m_modeSegments = nullptr;
-    QStackedWidget *m_modeContainer = nullptr;
-    QWidget *m_quickContainer = nullptr;
+    QList<QAbstractButton *> m_modeButtons; // single mode, presets mode
+    QStackedWidget *const m_modeContainer;
+    QWidget *const m_quickContainer;
 };
 
 } // namespace plexa

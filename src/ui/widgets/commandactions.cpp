@@ -87,14 +87,6 @@ void CommandActions::setText(ActionId id, const QString &text, const QString &to
         nameButton(button, entry.action);
 }
 
-void CommandActions::setIcon(ActionId id, const QString &icon)
-{
-    const Entry &entry = m_entries[id];
-    entry.action->setIcon(iconNamed(icon));
-    for (QAbstractButton *const button : entry.buttons)
-        button->setIcon(entry.action->icon());
-}
-
 void CommandActions::fillMenuBar(QMenuBar *bar)
 {
     QMenu *menu = nullptr;

@@ -20,8 +20,8 @@ namespace plexa
 {
 
 /// The commands of one window: their actions, menus and buttons, all created from the table of commands. A
-/// command runs only if its needs are met, whoever calls it; its tool tip says what is missing. A command
-/// without a handler stays disabled.
+/// command runs only if its needs are met, from a menu, a shortcut or a button; its tool tip states what is
+/// missing. A command without a handler stays disabled.
 class CommandActions final : public QObject
 {
     Q_OBJECT
@@ -38,7 +38,6 @@ public:
 
     /// Changes the name of the command, on its action and its buttons.
     void setText(ActionId id, const QString &text, const QString &toolTip);
-    void setIcon(ActionId id, const QString &icon);
 
     void fillMenuBar(QMenuBar *bar);
     /// Adds the commands of the context menu of the photos.

@@ -16,27 +16,48 @@ namespace plexa
 namespace
 {
 
-/// Used by this program only; the spelling is kept.
+/// The spelling is fixed.
 const QString kDraggedRowsType = QStringLiteral("draggedPrests");
 
 const QColor kInvalid(0xc8, 0x1e, 0x1e); // red, dark enough for text
 
 } // namespace
 
+PresetListModel::PresetListModel(const PresetListSignals &edits, QObject *parent)
+    : QAbstractListModel(parent)
+{
+    connect(&edits, &PresetListSignals::edited, this, [this] {
+        if (!m_presets.empty()) // any field may change whether a preset is valid
+            Q_EMIT dataChanged(index(0), index(rowCount() - 1));
+    });
+}
+
 void PresetListModel::setPresets(WPresetList presets)
 {
     beginResetModel();
-    for (const std::shared_ptr<WPreset> &preset : m_presets)
-        preset->removeObserverForAllKeys(this);
     m_presets = std::move(presets);
-    for (const std::shared_ptr<WPreset> &preset : m_presets) {
-        preset->addObserverForAllKeys(this,
-                                      [this](const WPresetField &, const FieldValue &, const FieldValue &) {
-                                          // Any field may change whether a preset is valid.
-                                          Q_EMIT dataChanged(index(0), index(rowCount() - 1));
-                                      });
-    }
     endResetModel();
+}
+
+void PresetListModel::follow(const PresetList<WPreset> &list)
+{
+    using Signals = PresetListSignals;
+    connect(&list, &Signals::aboutToInsert, this,
+            [this](int first, int last) { beginInsertRows({}, first, last); });
+    connect(&list, &Signals::aboutToRemove, this,
+            [this](int first, int last) { beginRemoveRows({}, first, last); });
+    connect(&list, &Signals::aboutToMove, this,
+            [this](int fromRow, int toRow) { beginMoveRows({}, fromRow, fromRow, {}, toRow); });
+    const auto show = [this, &list](auto changed, auto end) {
+        connect(&list, changed, this, [this, &list, end] {
+            m_presets = list.presets();
+            (this->*end)();
+        });
+    };
+    show(&Signals::inserted, &PresetListModel::endInsertRows);
+    show(&Signals::removed, &PresetListModel::endRemoveRows);
+    show(&Signals::moved, &PresetListModel::endMoveRows);
+    setPresets(list.presets());
 }
 
 int PresetListModel::rowCount(const QModelIndex &parent) const

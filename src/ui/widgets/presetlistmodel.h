@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/indexlist.h"
+#include "presets/presetlist.h"
 #include "watermark/wpreset.h"
 
 #include <QAbstractListModel>
@@ -16,10 +17,13 @@ class PresetListModel final : public QAbstractListModel
     Q_OBJECT
 
 public:
-    using QAbstractListModel::QAbstractListModel;
+    /// @param edits  reports changed fields of the presets; outlives the model
+    explicit PresetListModel(const PresetListSignals &edits, QObject *parent = nullptr);
 
     const WPresetList &presets() const { return m_presets; }
     void setPresets(WPresetList presets);
+    /// Shows this list and its changes. @param list  outlives the model
+    void follow(const PresetList<WPreset> &list);
 
     /// Whether rows can be dragged between others.
     void setAllowsReordering(bool allows) { m_allowsReordering = allows; }

@@ -3,11 +3,11 @@
 #include "ui/window/applicationservice.h"
 
 #include "platform/identity.h"
-#include "ui/window/sessionbus.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QFileInfo>
 #include <QUrl>
 
 #include <utility>
@@ -33,21 +33,19 @@ QString objectPath()
     return QLatin1Char('/') + serviceName().replace(QLatin1Char('.'), QLatin1Char('/'));
 }
 
-/// What lets the running process take the keyboard from the one that the user has just started.
+/// Permits the running process to raise its window: the user started this one.
 QVariantMap ownPlatformData()
 {
     QVariantMap data;
-    const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
-    if (!token.isEmpty())
-        data.insert(QStringLiteral("activation-token"), token);
-    const QString startupId = qEnvironmentVariable("DESKTOP_STARTUP_ID");
-    if (!startupId.isEmpty())
-        data.insert(QStringLiteral("desktop-startup-id"), startupId);
+    for (const auto &[key, variable] : {std::pair("activation-token", "XDG_ACTIVATION_TOKEN"),
+                                        {"desktop-startup-id", "DESKTOP_STARTUP_ID"}})
+        if (const QString value = qEnvironmentVariable(variable); !value.isEmpty())
+            data.insert(QLatin1String(key), value);
     return data;
 }
 
-/// The window system asks for the token when the window is raised.
-void takePlatformData(const QVariantMap &data)
+/// Qt gives the token to the window system when the window is raised.
+void applyPlatformData(const QVariantMap &data)
 {
     const QString token = data.value(QStringLiteral("activation-token")).toString();
     if (!token.isEmpty())
@@ -56,11 +54,11 @@ void takePlatformData(const QVariantMap &data)
 
 } // namespace
 
-ApplicationService::ApplicationService() = default;
-
-ApplicationService::~ApplicationService()
+bool ApplicationService::hasSessionBus()
 {
-    release();
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    return qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS") ||
+           (!runtime.isEmpty() && QFileInfo::exists(runtime + QStringLiteral("/bus")));
 }
 
 void ApplicationService::release()
@@ -71,12 +69,10 @@ void ApplicationService::release()
 
 bool ApplicationService::registerOnBus()
 {
-    if (!hasSessionBus())
+    if (!hasSessionBus() || !QDBusConnection::sessionBus().isConnected())
         return true;
     QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected())
-        return true;
-    // The object first: who sees the name may call at once.
+    // The object first: other processes may call as soon as the name is registered.
     bus.registerObject(objectPath(), this, QDBusConnection::ExportScriptableSlots);
     const auto reply =
         bus.interface()->registerService(serviceName(), QDBusConnectionInterface::DontQueueService);
@@ -104,13 +100,13 @@ bool ApplicationService::handOver(const QStringList &paths)
 
 void ApplicationService::Activate(const QVariantMap &platformData)
 {
-    takePlatformData(platformData);
+    applyPlatformData(platformData);
     Q_EMIT opened({});
 }
 
 void ApplicationService::Open(const QStringList &uris, const QVariantMap &platformData)
 {
-    takePlatformData(platformData);
+    applyPlatformData(platformData);
     QStringList paths;
     for (const QString &uri : uris) {
         const QUrl url(uri);

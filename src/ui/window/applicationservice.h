@@ -9,43 +9,43 @@
 namespace plexa
 {
 
-/// The one running process of a session: its place on the session bus (org.freedesktop.Application), through
-/// which a second start, or the desktop, hands files over. Without a session bus nothing is shared, and every
-/// process runs for itself.
+/// The name of the one running process on the session bus (org.freedesktop.Application). A second start, or
+/// the desktop, sends its files there. Without a session bus every process runs for itself.
 class ApplicationService final : public QObject
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
 
 public:
-    ApplicationService();
-    ~ApplicationService() override;
+    ~ApplicationService() override { release(); }
 
-    /// Takes the application's name on the bus. Calls from other processes are answered as soon as the event
-    /// loop runs.
-    /// @return false: another process has it already
+    /// Whether there is a session bus. Requesting one from Qt could start it.
+    static bool hasSessionBus();
+
+    /// Registers the application's name. Calls from other processes are answered once the event loop runs.
+    /// @return false if another process has the name
     bool registerOnBus();
 
-    /// Gives the name away: files that come from now on are another process's.
+    /// Releases the name: later files go to another process.
     void release();
 
-    /// Has this process the name, so that it can be reached?
+    /// Whether this process has the name.
     bool isReachable() const { return m_isReachable; }
 
-    /// Gives files to the process that has the name, or only raises its window.
+    /// Sends files to the process that has the name; without files, only raises its window.
     /// @param paths  absolute
-    /// @return false when it does not answer
+    /// @return false if it does not answer
     static bool handOver(const QStringList &paths);
 
 public Q_SLOTS:
-    // The interface, as the desktop's rules describe it.
+    // The interface of org.freedesktop.Application.
     Q_SCRIPTABLE void Activate(const QVariantMap &platformData);
     Q_SCRIPTABLE void Open(const QStringList &uris, const QVariantMap &platformData);
     Q_SCRIPTABLE void ActivateAction(const QString &name, const QVariantList &parameter,
                                      const QVariantMap &platformData);
 
 Q_SIGNALS:
-    /// Files to open; none: only the window is wanted.
+    /// Files to open; none: only shows the window.
     void opened(const QStringList &paths);
 
 private:

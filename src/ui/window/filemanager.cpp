@@ -2,7 +2,7 @@
 
 #include "ui/window/filemanager.h"
 
-#include "ui/window/sessionbus.h"
+#include "ui/window/applicationservice.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -22,14 +22,10 @@ constexpr qsizetype kMostFolders = 5; // each is a window
 void openFolders(const QStringList &paths)
 {
     QStringList folders;
-    for (const QString &path : paths) {
-        const QString folder = QFileInfo(path).absolutePath();
-        if (!folders.contains(folder))
-            folders.append(folder);
-        if (folders.size() == kMostFolders)
-            break;
-    }
-    for (const QString &folder : std::as_const(folders))
+    for (const QString &path : paths)
+        folders.append(QFileInfo(path).absolutePath());
+    folders.removeDuplicates();
+    for (const QString &folder : folders.mid(0, kMostFolders))
         QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
 }
 
@@ -37,7 +33,7 @@ void openFolders(const QStringList &paths)
 
 void showFilesInFileManager(const QStringList &paths)
 {
-    if (!hasSessionBus() || !QDBusConnection::sessionBus().isConnected()) {
+    if (!ApplicationService::hasSessionBus() || !QDBusConnection::sessionBus().isConnected()) {
         openFolders(paths);
         return;
     }

@@ -7,8 +7,8 @@
 namespace plexa
 {
 
-/// Shows files in their folders, in the desktop's file manager (org.freedesktop.FileManager1); where there is
-/// none that can do this, opens the folders. Returns at once.
+/// Shows files in the desktop's file manager (org.freedesktop.FileManager1). Without one that supports this,
+/// opens their folders. Returns at once.
 void showFilesInFileManager(const QStringList &paths);
 
 } // namespace plexa

@@ -14,7 +14,7 @@ namespace plexa
 namespace
 {
 
-/// Fusion, without what is heavy in it.
+/// The Fusion style with thinner dividers, smaller icons and earlier tool tips.
 class LightStyle final : public QProxyStyle
 {
 public:
@@ -68,8 +68,8 @@ QPalette lightPalette()
     palette.setColor(QPalette::BrightText, Qt::white);
     palette.setColor(QPalette::Light, Qt::white);
     palette.setColor(QPalette::Midlight, QColor(0xe4, 0xe6, 0xe9));
-    palette.setColor(QPalette::Mid, QColor(0xbf, 0xc3, 0xc8));  // behind thumbnails and the list
-    palette.setColor(QPalette::Dark, QColor(0xaa, 0xaa, 0xaa)); // behind the preview
+    palette.setColor(QPalette::Mid, QColor(0xbf, 0xc3, 0xc8));  // background of the grid and the list
+    palette.setColor(QPalette::Dark, QColor(0xaa, 0xaa, 0xaa)); // background of the preview
     palette.setColor(QPalette::Shadow, QColor(0x6c, 0x74, 0x7c));
     palette.setColor(QPalette::Highlight, accent);
     palette.setColor(QPalette::HighlightedText, Qt::white);
@@ -84,7 +84,7 @@ QPalette lightPalette()
     return palette;
 }
 
-/// Where icons and texts of several colours lie on what is chosen: they stay what they are.
+/// For lists and menus: icons and texts keep their colors on selected items.
 QPalette lightListPalette()
 {
     QPalette palette = lightPalette();
@@ -99,13 +99,13 @@ void setLightAppearance(QApplication &application)
 {
     QApplication::setStyle(new LightStyle);
     QApplication::setPalette(lightPalette());
-    // Desktops bring palettes of their own for these.
+    // Desktop themes have palettes of their own for these.
     for (const char *widgets : {"QToolTip", "QHeaderView"})
         QApplication::setPalette(lightPalette(), widgets);
     for (const char *widgets : {"QMenu", "QMenuBar", "QAbstractItemView"})
         QApplication::setPalette(lightListPalette(), widgets);
     QToolTip::setPalette(lightPalette());
-    application.setStyleSheet({}); // not even one that came by the command line
+    application.setStyleSheet({}); // overrides one from the command line
 }
 
 } // namespace plexa

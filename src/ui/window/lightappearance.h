@@ -7,7 +7,7 @@ class QApplication;
 namespace plexa
 {
 
-/// Gives the application its light look, whatever the desktop's theme is: photos are judged on it.
+/// Sets a light style and palette, whatever the desktop's theme is: users judge photos on it.
 void setLightAppearance(QApplication &application);
 
 } // namespace plexa

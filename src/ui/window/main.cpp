@@ -26,7 +26,7 @@ void nameApplication()
     QGuiApplication::setDesktopFileName(QString::fromLatin1(plexa::identity::kApplicationId));
 }
 
-/// The files of the command line, with their whole paths; ends the program where it asks for help.
+/// The absolute paths of the files on the command line. Ends the program if it asks for help.
 QStringList filesToOpen(const QCoreApplication &application)
 {
     QCommandLineParser parser;
@@ -46,7 +46,7 @@ QStringList filesToOpen(const QCoreApplication &application)
     return paths;
 }
 
-/// What is answered on the terminal, where no display is needed.
+/// Whether the program only prints its help or version, which needs no display.
 bool isQuestion(int argc, char **argv)
 {
     const std::set<std::string_view> questions{"-h", "--help", "--help-all", "-v", "--version"};
@@ -72,7 +72,7 @@ int main(int argc, char **argv)
     if (!service.registerOnBus()) {
         if (plexa::ApplicationService::handOver(paths))
             return 0;
-        service.registerOnBus(); // who had the name may have ended just now
+        service.registerOnBus(); // the other process may have ended meanwhile
     }
     plexa::DesktopApplication program(service);
     program.launch(paths);

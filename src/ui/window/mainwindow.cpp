@@ -11,16 +11,18 @@
 #include "ui/presets/presetspanel.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/filedrops.h"
-#include "ui/window/bottombar.h"
-#include "ui/window/controllercommands.h"
-#include "ui/window/positionsbox.h"
+#include "ui/widgets/sectiontitle.h"
+#include "ui/window/statuslineview.h"
 #include "ui/window/windowcommands.h"
 
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QMenuBar>
+#include <QPushButton>
 #include <QSplitter>
+#include <QToolButton>
 #include <QWindow>
 
 namespace plexa
@@ -105,7 +107,7 @@ void MainWindow::makeViews()
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(m_panelSplitView, 1);
-    layout->addWidget(new BottomBar(m_services.controller, *m_actions));
+    layout->addWidget(makeBottomBar());
     setCentralWidget(central);
 }
 
@@ -118,17 +120,53 @@ QWidget *MainWindow::makeRightPanel()
     layout->setSpacing(12);
     m_presetsPanel = new PresetsPanel(controller.appliedPresets(), controller.presetsStore(), *m_actions);
     layout->addWidget(m_presetsPanel, 1);
-    layout->addWidget(new PositionsBox(*m_actions));
+
+    auto *const positions = new QVBoxLayout;
+    positions->setSpacing(4);
+    positions->addWidget(sectionTitle(tr("Manual positions")));
+    auto *const buttons = new QHBoxLayout;
+    buttons->setSpacing(2);
+    for (const ActionId id : {ActionId::CopyPosition, ActionId::CopyAllPositions, ActionId::PastePositions})
+        buttons->addWidget(m_actions->makeButton(id, panel));
+    buttons->addStretch();
+    for (const ActionId id : {ActionId::ResetPosition, ActionId::ResetAllPositions})
+        buttons->addWidget(m_actions->makeButton(id, panel));
+    positions->addLayout(buttons);
+    layout->addLayout(positions);
     panel->setMinimumWidth(270);
     return panel;
+}
+
+/// The status line and the buttons that save.
+QWidget *MainWindow::makeBottomBar()
+{
+    auto *const bar = new QWidget;
+    auto *const line = new QFrame;
+    line->setFrameShape(QFrame::HLine);
+    line->setFixedHeight(1);
+    line->setStyleSheet(QStringLiteral("background: #cfd3d7; border: none;"));
+    auto *const row = new QHBoxLayout;
+    row->setContentsMargins(12, 7, 12, 8);
+    row->setSpacing(8);
+    row->addWidget(new StatusLineView(m_services.controller), 1);
+    for (const auto &[id, text] :
+         {std::pair(ActionId::SaveSelected, tr("Save Selected…")), {ActionId::SaveAll, tr("Save All…")}}) {
+        auto *const button = new QPushButton(text);
+        m_actions->bindButton(id, button);
+        row->addWidget(button);
+    }
+    auto *const layout = new QVBoxLayout(bar);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(line);
+    layout->addLayout(row);
+    return bar;
 }
 
 void MainWindow::connectCommands()
 {
     AppController &controller = m_services.controller;
-    connectControllerCommands(*m_actions, controller);
-    new WindowCommands(*this, *m_imageListPane, *m_actions, controller, m_services.defaults);
-
+    connectWindowCommands(*m_actions, m_services, *this, *m_imageListPane);
     connect(&controller, &AppController::commandStateChanged, m_actions, &CommandActions::scheduleUpdate);
     ImageBrowserViewController &browser = m_imageListPane->browserController();
     connect(&browser, &ImageBrowserViewController::browserZoomFactorChanged, m_actions,

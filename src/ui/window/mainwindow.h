@@ -19,8 +19,7 @@ class ImageListPane;
 class PresetsPanel;
 class UserDefaults;
 
-/// The main window: it lays out the panes and connects them with the controller. The panes and the commands
-/// are classes of their own.
+/// The main window: lays out the panes and connects them with the controller.
 class MainWindow final : public QMainWindow
 {
     Q_OBJECT
@@ -30,7 +29,7 @@ public:
         AppController &controller;
         UserDefaults &defaults;
         Alerts &alerts;
-        int threads; ///< photos that are worked on at a time
+        int threads; ///< photos that are processed at a time
     };
 
     /// @param services  outlive the window
@@ -46,7 +45,7 @@ public:
     void present();
 
 Q_SIGNALS:
-    /// The user has closed the window; the program goes on.
+    /// The user has closed the window; the program keeps running.
     void closed();
     void quitWanted();
 
@@ -59,6 +58,7 @@ protected:
 private:
     void makeViews();
     QWidget *makeRightPanel();
+    QWidget *makeBottomBar();
     void connectCommands();
     void restoreGeometryFromSettings();
     void rememberGeometry();

@@ -9,8 +9,6 @@
 #include <QPushButton>
 #include <QThread>
 
-#include <mutex>
-
 namespace plexa
 {
 
@@ -65,19 +63,25 @@ AlertAnswer MessageBoxAlerts::run(const Alert &alert)
 {
     if (QThread::currentThread() == thread())
         return show(alert);
-    // The call waits for its end. The lock repeats that for the thread sanitizer, which cannot see into Qt.
-    std::mutex mutex;
-    AlertAnswer answer; // guarded by mutex
-    QMetaObject::invokeMethod(
-        this,
-        [&] {
-            const AlertAnswer given = show(alert);
-            const std::lock_guard lock(mutex);
-            answer = given;
-        },
-        Qt::BlockingQueuedConnection);
-    const std::lock_guard lock(mutex);
-    return answer;
+    std::packaged_task<AlertAnswer()> question([this, &alert] { return show(alert); });
+    std::future<AlertAnswer> answer = question.get_future();
+    {
+        const std::lock_guard lock(m_mutex);
+        m_questions.push_back(std::move(question));
+    }
+    QMetaObject::invokeMethod(this, "askNext", Qt::QueuedConnection);
+    return answer.get();
+}
+
+void MessageBoxAlerts::askNext()
+{
+    std::packaged_task<AlertAnswer()> question;
+    {
+        const std::lock_guard lock(m_mutex);
+        question = std::move(m_questions.front());
+        m_questions.pop_front();
+    }
+    question();
 }
 
 AlertAnswer MessageBoxAlerts::show(const Alert &alert)

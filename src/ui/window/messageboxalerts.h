@@ -6,13 +6,17 @@
 
 #include <QObject>
 
+#include <deque>
+#include <future>
+#include <mutex>
+
 class QWidget;
 
 namespace plexa
 {
 
-/// Questions as message boxes in front of a window. Any thread may ask: the box is shown on the thread of
-/// this object, the main one, and the thread that asks waits for the answer.
+/// Shows questions as message boxes of a window. Any thread may ask: the box is shown on the main thread, to
+/// which this object belongs, and the asking thread waits for the answer. Outlives these threads.
 class MessageBoxAlerts final : public QObject, public Alerts
 {
     Q_OBJECT
@@ -26,8 +30,11 @@ public:
     AlertAnswer run(const Alert &alert) override;
 
 private:
+    Q_INVOKABLE void askNext();
     AlertAnswer show(const Alert &alert);
 
+    std::mutex m_mutex;
+    std::deque<std::packaged_task<AlertAnswer()>> m_questions; // of other threads, guarded by m_mutex
     QWidget *m_window = nullptr;
 };
 

@@ -2,10 +2,10 @@
 
 #include "ui/window/statuslineview.h"
 
-#include "app/statusmanager.h"
-#include "ui/widgets/elidedlabel.h"
+#include "app/appcontroller.h"
 
 #include <QHBoxLayout>
+#include <QPainter>
 #include <QProgressBar>
 #include <QToolButton>
 
@@ -17,51 +17,81 @@ namespace
 
 constexpr int kSteps = 1000; // of the bar, which counts in whole numbers
 
+/// One line of plain text, shortened to the available width.
+class ElidedLabel final : public QWidget
+{
+public:
+    ElidedLabel() { setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed); }
+
+    void setText(const QString &text)
+    {
+        m_text = text;
+        setAccessibleName(text);
+        updateGeometry();
+        update();
+    }
+
+    QSize sizeHint() const override
+    {
+        return {fontMetrics().horizontalAdvance(m_text) + 2, fontMetrics().height()};
+    }
+    QSize minimumSizeHint() const override { return {0, fontMetrics().height()}; }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setPen(palette().color(foregroundRole()));
+        painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                         fontMetrics().elidedText(m_text, Qt::ElideRight, width()));
+    }
+
+private:
+    QString m_text;
+};
+
 } // namespace
 
-StatusLineView::StatusLineView(StatusManager &status, QWidget *parent)
+StatusLineView::StatusLineView(AppController &controller, QWidget *parent)
     : QWidget(parent)
-    , m_status(status)
-    , m_statusText(new ElidedLabel)
-    , m_progressIndicator(new QProgressBar)
-    , m_stopButton(new QToolButton)
 {
-    m_statusText->setObjectName(QStringLiteral("statusText"));
-    m_progressIndicator->setObjectName(QStringLiteral("progressIndicator"));
-    m_progressIndicator->setAccessibleName(tr("Progress"));
-    m_progressIndicator->setTextVisible(false);
-    m_progressIndicator->setFixedSize(160, 12);
-    m_stopButton->setObjectName(QStringLiteral("stopAllOperationsButton"));
-    m_stopButton->setIcon(QIcon(QStringLiteral(":/icons/stop.svg")));
-    m_stopButton->setIconSize(QSize(18, 18));
-    m_stopButton->setAutoRaise(true);
-    m_stopButton->setToolTip(tr("Stop what is running"));
-    m_stopButton->setAccessibleName(tr("Stop"));
+    auto *const text = new ElidedLabel;
+    text->setObjectName(QStringLiteral("statusText"));
+    auto *const progress = new QProgressBar;
+    progress->setObjectName(QStringLiteral("progressIndicator"));
+    progress->setAccessibleName(tr("Progress"));
+    progress->setTextVisible(false);
+    progress->setFixedSize(160, 12);
+    auto *const stop = new QToolButton;
+    stop->setObjectName(QStringLiteral("stopAllOperationsButton"));
+    stop->setIcon(QIcon(QStringLiteral(":/icons/stop.svg")));
+    stop->setIconSize(QSize(18, 18));
+    stop->setAutoRaise(true);
+    stop->setToolTip(tr("Stop what is running"));
+    stop->setAccessibleName(tr("Stop"));
 
     auto *const layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_statusText);
-    layout->addWidget(m_progressIndicator);
-    layout->addWidget(m_stopButton);
+    layout->addWidget(text);
+    layout->addWidget(progress);
+    layout->addWidget(stop);
     layout->addStretch();
+    // Nothing moves when the button is shown or hidden.
+    setMinimumHeight(stop->sizeHint().height());
 
-    // Nothing moves when the button comes and goes.
-    setMinimumHeight(m_stopButton->sizeHint().height());
-
-    connect(m_stopButton, &QToolButton::clicked, this, &StatusLineView::stopPressed);
-    connect(&m_status, &StatusManager::lineChanged, this, &StatusLineView::showLine);
+    const StatusManager &status = controller.statusManager();
+    const auto showLine = [&status, text, progress, stop] {
+        const StatusLine &line = status.line();
+        text->setText(line.text);
+        progress->setVisible(line.bar != StatusLine::Bar::Hidden);
+        progress->setRange(0, line.bar == StatusLine::Bar::Busy ? 0 : kSteps);
+        progress->setValue(qRound(line.fraction * kSteps));
+        stop->setEnabled(line.canBeStopped);
+        stop->setVisible(line.canBeStopped);
+    };
+    connect(stop, &QToolButton::clicked, &controller, &AppController::stopAllOperations);
+    connect(&status, &StatusManager::lineChanged, this, showLine);
     showLine();
-}
-
-void StatusLineView::showLine()
-{
-    const StatusLine &line = m_status.line();
-    m_statusText->setText(line.text);
-    m_progressIndicator->setVisible(line.bar != StatusLine::Bar::Hidden);
-    m_progressIndicator->setRange(0, line.bar == StatusLine::Bar::Busy ? 0 : kSteps);
-    m_progressIndicator->setValue(qRound(line.fraction * kSteps));
-    m_stopButton->setEnabled(line.canBeStopped);
-    m_stopButton->setVisible(line.canBeStopped);
 }
 
 } // namespace plexa

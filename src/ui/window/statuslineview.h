@@ -4,14 +4,10 @@
 
 #include <QWidget>
 
-class QProgressBar;
-class QToolButton;
-
 namespace plexa
 {
 
-class ElidedLabel;
-class StatusManager;
+class AppController;
 
 /// The status line: a text, and while something runs a progress bar and a stop button.
 class StatusLineView final : public QWidget
@@ -19,19 +15,8 @@ class StatusLineView final : public QWidget
     Q_OBJECT
 
 public:
-    /// @param status  outlives the view
-    explicit StatusLineView(StatusManager &status, QWidget *parent = nullptr);
-
-Q_SIGNALS:
-    void stopPressed();
-
-private:
-    void showLine();
-
-    StatusManager &m_status;
-    ElidedLabel *const m_statusText;
-    QProgressBar *const m_progressIndicator;
-    QToolButton *const m_stopButton;
+    /// @param controller  outlives the view
+    explicit StatusLineView(AppController &controller, QWidget *parent = nullptr);
 };
 
 } // namespace plexa

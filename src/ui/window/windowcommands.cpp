@@ -9,73 +9,114 @@
 #include "ui/browser/imagelistpane.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/imagechooser.h"
-#include "ui/window/mainwindow.h"
+#include "ui/window/filemanager.h"
 #include "ui/window/preferencesdialog.h"
 
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QWhatsThis>
 
 namespace plexa
 {
 
-WindowCommands::WindowCommands(MainWindow &window, ImageListPane &imageListPane, CommandActions &actions,
-                               AppController &controller, UserDefaults &defaults)
-    : QObject(&window)
-    , m_window(window)
-    , m_imageListPane(imageListPane)
-    , m_controller(controller)
-    , m_defaults(defaults)
+namespace
 {
-    const auto add = [this, &actions](ActionId id, ChooserKind kind) {
-        actions.setHandler(id, [this, kind] {
-            chooseImages(kind, &m_window, [this](const QStringList &paths) {
-                m_controller.gathering().scanImagesAtPaths(paths);
-            });
+
+void connectSelection(CommandActions &actions, ImageSet &set)
+{
+    actions.setHandler(ActionId::SelectAll, [&set] { set.selection().selectAll(); });
+    actions.setHandler(ActionId::SelectNone, [&set] { set.selection().selectNone(); });
+    actions.setHandler(ActionId::InvertSelection, [&set] { set.selection().invertSelection(); });
+    actions.setHandler(ActionId::RemoveSelected, [&set] { set.removeSelectedImages(); });
+    actions.setHandler(ActionId::SwitchBatchMode, [&set] { set.switchImageListMode(); });
+    actions.setHandler(ActionId::ShowInFileManager, [&set] {
+        QStringList paths;
+        for (const std::shared_ptr<ImageObject> &image : set.selectedImages())
+            paths.append(QFileInfo::exists(image->path()) ? image->path() : image->pathToImportFrom());
+        showFilesInFileManager(paths);
+    });
+}
+
+void connectPhotos(CommandActions &actions, AppController &controller)
+{
+    const auto turn = [&](ActionId id, ImageTransform transform) {
+        actions.setHandler(id, [&controller, transform] { controller.startBatchOperation(transform); });
+    };
+    turn(ActionId::TurnLeft, ImageTransform::RotateCounterClockwise);
+    turn(ActionId::TurnRight, ImageTransform::RotateClockwise);
+    turn(ActionId::Turn180, ImageTransform::RotateHalf);
+    turn(ActionId::FlipHorizontal, ImageTransform::MirrorLeftRight);
+    turn(ActionId::FlipVertical, ImageTransform::MirrorTopBottom);
+
+    using Presets = AppController::Presets;
+    const auto copyAndReset = [&](ActionId copy, ActionId reset, Presets presets) {
+        actions.setHandler(copy, [&controller, presets] { controller.copyManualPositioning(presets); });
+        actions.setHandler(reset, [&controller, presets] { controller.resetManualPositioning(presets); });
+    };
+    copyAndReset(ActionId::CopyPosition, ActionId::ResetPosition, Presets::Current);
+    copyAndReset(ActionId::CopyAllPositions, ActionId::ResetAllPositions, Presets::All);
+    actions.setHandler(ActionId::PastePositions, [&controller] { controller.pasteManualPositioning(); });
+    actions.setHandler(ActionId::SaveQuickPreset,
+                       [&controller] { controller.presetCommands().saveQuickAsWPreset(); });
+}
+
+void showPreferences(const MainWindow::Services &services, MainWindow &window, ImageListPane &imageListPane)
+{
+    auto *const dialog = new PreferencesDialog(services.defaults, &window);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(dialog, &PreferencesDialog::settingChanged, &window,
+                     [&controller = services.controller, &imageListPane](QLatin1String key) {
+                         if (key == settings::combineAllAppliedPresetsInImage)
+                             Q_EMIT controller.previewOutdated();
+                         else if (key == settings::browserShowOriginalOnMouseOver)
+                             imageListPane.browserController().followShowOriginalOnMouseOver();
+                     });
+    dialog->open();
+}
+
+void showAbout(MainWindow &window)
+{
+    QMessageBox box(&window);
+    box.setWindowTitle(MainWindow::tr("About %1").arg(applicationName()));
+    box.setIconPixmap(window.windowIcon().pixmap(64));
+    box.setText(QStringLiteral("%1 %2").arg(applicationName(), applicationVersion()));
+    box.setInformativeText(
+        MainWindow::tr("Puts watermarks on photographs in batches.\n\n"
+                       "Copyright: the %1 authors. Free software under the GNU General Public "
+                       "License, version 3 or later; it comes without any warranty.")
+            .arg(applicationName()));
+    box.exec();
+}
+
+} // namespace
+
+void connectWindowCommands(CommandActions &actions, const MainWindow::Services &services, MainWindow &window,
+                           ImageListPane &imageListPane)
+{
+    AppController &controller = services.controller;
+    connectSelection(actions, controller.imageSet());
+    connectPhotos(actions, controller);
+
+    const auto add = [&](ActionId id, ChooserKind kind) {
+        actions.setHandler(id, [kind, &window, &gathering = controller.gathering()] {
+            chooseImages(kind, &window,
+                         [&gathering](const QStringList &paths) { gathering.scanImagesAtPaths(paths); });
         });
     };
     add(ActionId::AddImages, ChooserKind::Files);
     add(ActionId::AddFolder, ChooserKind::Folder);
-    actions.setHandler(ActionId::Find, [this] { m_imageListPane.startSearch(); });
-    setWindowHandlers(actions);
-}
-
-void WindowCommands::setWindowHandlers(CommandActions &actions)
-{
-    actions.setHandler(ActionId::CloseWindow, [this] { m_window.close(); });
-    actions.setHandler(ActionId::Quit, [this] { Q_EMIT m_window.quitWanted(); });
-    actions.setHandler(ActionId::Minimize, [this] { m_window.showMinimized(); });
+    actions.setHandler(ActionId::Find, [&imageListPane] { imageListPane.startSearch(); });
+    actions.setHandler(ActionId::CloseWindow, [&window] { window.close(); });
+    actions.setHandler(ActionId::Quit, [&window] { Q_EMIT window.quitWanted(); });
+    actions.setHandler(ActionId::Minimize, [&window] { window.showMinimized(); });
     actions.setHandler(ActionId::ToggleFullScreen,
-                       [this] { m_window.setWindowState(m_window.windowState() ^ Qt::WindowFullScreen); });
-    actions.setHandler(ActionId::ShowMainWindow, [this] { m_window.present(); });
-    actions.setHandler(ActionId::Preferences, [this] { showPreferences(); });
-    actions.setHandler(ActionId::ContextHelp, [] { QWhatsThis::enterWhatsThisMode(); });
-    actions.setHandler(ActionId::About, [this] { showAbout(); });
-}
-
-void WindowCommands::showPreferences()
-{
-    auto *const dialog = new PreferencesDialog(m_defaults, &m_window);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    connect(dialog, &PreferencesDialog::settingChanged, this, [this](QLatin1String key) {
-        if (key == settings::combineAllAppliedPresetsInImage)
-            Q_EMIT m_controller.previewOutdated();
-        else if (key == settings::browserShowOriginalOnMouseOver)
-            m_imageListPane.browserController().followShowOriginalOnMouseOver();
+                       [&window] { window.setWindowState(window.windowState() ^ Qt::WindowFullScreen); });
+    actions.setHandler(ActionId::ShowMainWindow, [&window] { window.present(); });
+    actions.setHandler(ActionId::Preferences, [services, &window, &imageListPane] {
+        showPreferences(services, window, imageListPane);
     });
-    dialog->open();
-}
-
-void WindowCommands::showAbout()
-{
-    QMessageBox box(&m_window);
-    box.setWindowTitle(tr("About %1").arg(applicationName()));
-    box.setIconPixmap(m_window.windowIcon().pixmap(64));
-    box.setText(QStringLiteral("%1 %2").arg(applicationName(), applicationVersion()));
-    box.setInformativeText(tr("Puts watermarks on photographs in batches.\n\n"
-                              "Copyright: the %1 authors. Free software under the GNU General Public "
-                              "License, version 3 or later; it comes without any warranty.")
-                               .arg(applicationName()));
-    box.exec();
+    actions.setHandler(ActionId::ContextHelp, [] { QWhatsThis::enterWhatsThisMode(); });
+    actions.setHandler(ActionId::About, [&window] { showAbout(window); });
 }
 
 } // namespace plexa

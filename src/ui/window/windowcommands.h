@@ -2,36 +2,15 @@
 
 #pragma once
 
-#include <QObject>
+#include "ui/window/mainwindow.h"
 
 namespace plexa
 {
 
-class AppController;
-class CommandActions;
-class ImageListPane;
-class MainWindow;
-class UserDefaults;
-
-/// The commands of the main window itself: how it is shown, and the dialogs that it opens.
-class WindowCommands final : public QObject
-{
-    Q_OBJECT
-
-public:
-    /// Sets the handlers. All objects outlive this one or are destroyed with it.
-    WindowCommands(MainWindow &window, ImageListPane &imageListPane, CommandActions &actions,
-                   AppController &controller, UserDefaults &defaults);
-
-private:
-    void setWindowHandlers(CommandActions &actions);
-    void showPreferences();
-    void showAbout();
-
-    MainWindow &m_window;
-    ImageListPane &m_imageListPane;
-    AppController &m_controller;
-    UserDefaults &m_defaults;
-};
+/// Sets the handlers of the commands that belong to no pane: those of the controller, and those of the window
+/// with its dialogs.
+/// @param window  outlives the actions, like the services and the pane
+void connectWindowCommands(CommandActions &actions, const MainWindow::Services &services, MainWindow &window,
+                           ImageListPane &imageListPane);
 
 } // namespace plexa

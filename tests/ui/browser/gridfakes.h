@@ -90,7 +90,6 @@ public:
         return outcome;
     }
     void report(const QStringList &failures) override { m_log.failures = failures; }
-    bool canSaveInto() const override { return true; }
     bool saveInto(const QString &folder) override
     {
         m_log.savedInto = folder;

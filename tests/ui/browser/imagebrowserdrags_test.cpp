@@ -41,7 +41,7 @@ private:
     }
     bool dragOnto(const DropTarget &target)
     {
-        return drag(kTarget + QPoint(100, 100), [&] { return target.seen().isAccepted; });
+        return drag(kTarget + QPoint(100, 100), [&] { return target.isAccepted; });
     }
 
     TestFolder m_folder;
@@ -70,16 +70,15 @@ private Q_SLOTS:
         // The event loop goes on while the target waits for the files.
         QTimer timer;
         connect(&timer, &QTimer::timeout, this,
-                [&] { m_files->mayGoOn = m_files->made == 1 && !target.seen().isFinished; });
+                [&] { m_files->mayGoOn = m_files->made == 1 && !target.isFinished; });
         timer.start(20);
         QVERIFY(dragOnto(target));
-        QTRY_VERIFY(target.seen().isFinished);
+        QTRY_VERIFY(target.isFinished);
 
-        const DropTarget::Seen seen = target.seen();
-        QVERIFY(seen.offers.contains("text/uri-list") && seen.offers.contains("image/png"));
+        QVERIFY(target.offers.contains("text/uri-list") && target.offers.contains("image/png"));
         const QByteArray names = QUrl::fromLocalFile(m_files->folder).toEncoded();
-        QCOMPARE(seen.data, names + "/image0\r\n" + names + "/image1\r\n");
-        QCOMPARE(seen.whileHovering, seen.data); // though there were no files yet
+        QCOMPARE(target.data, names + "/image0\r\n" + names + "/image1\r\n");
+        QCOMPARE(target.whileHovering, target.data); // though there were no files yet
         for (const char *name : {"/image0", "/image1"})
             QCOMPARE(QFileInfo(m_files->folder + QLatin1String(name)).size(), 5);
         QCOMPARE(m_files->made.load(), 1);
@@ -96,10 +95,10 @@ private Q_SLOTS:
             m_files->savedInto.clear();
             const DropTarget target(DropTarget::Manner::SavesDirectly, place, kTarget);
             QVERIFY(dragOnto(target));
-            QTRY_VERIFY(target.seen().isFinished);
-            QVERIFY(target.seen().offers.contains("XdndDirectSave0"));
-            QCOMPARE(target.seen().proposedName, QByteArray("image0"));
-            QCOMPARE(target.seen().data, QByteArray(place == url ? "S" : "F"));
+            QTRY_VERIFY(target.isFinished);
+            QVERIFY(target.offers.contains("XdndDirectSave0"));
+            QCOMPARE(target.proposedName, QByteArray("image0"));
+            QCOMPARE(target.data, QByteArray(place == url ? "S" : "F"));
             QCOMPARE(m_files->savedInto, place == url ? m_folder.path() : QString());
             QCOMPARE(m_files->made.load(), 0);
         }

@@ -27,6 +27,7 @@ struct Fixture {
             all.push_back(namedPreset(name));
         applied.modeDidChange(AppliedPresets::Mode::Presets);
         work.store.wPresetList().append(all);
+        actions.update();
         panel.resize(300, 600);
         panel.show();
     }
@@ -109,17 +110,21 @@ private Q_SLOTS:
         QTest::keyClick(&applied, Qt::Key_Delete);
         QCOMPARE(f.appliedNames(), u"Four"_qs);
         QCOMPARE(f.applied.selectedRows(), IndexList());
-    }
 
-    void doubleClickFindsThePreset()
-    {
-        Fixture f;
-        int managerWanted = 0;
-        f.actions.setHandler(ActionId::ToggleWatermarkPresets, [&] { ++managerWanted; });
-        f.applied.addWPresetsToApplied({f.all[2], f.all[0]});
-        Fixture::mouse(f.table("wPresetsAppliedTable"), 0, true);
-        QCOMPARE(f.table("wPresetsAllTable").selectedRows(), IndexList({2}));
-        QCOMPARE(managerWanted, 1);
+        // A double click finds the preset among all, and opens their manager.
+        int opened = 0;
+        f.actions.setHandler(ActionId::ToggleWatermarkPresets, [&] { ++opened; });
+        f.mouse(applied, 0, true);
+        QCOMPARE(all.selectedRows(), IndexList({3}));
+        QCOMPARE(opened, 1);
+
+        // The list follows the store.
+        const QAbstractItemModelTester allTester(all.model());
+        f.work.store.wPresetList().move({3}, 0);
+        QCOMPARE(all.selectedRows(), IndexList({0}));
+        f.work.store.wPresetList().remove({0, 1});
+        QCOMPARE(names(f.panel.selectedWPresets()), QString());
+        QCOMPARE(all.model()->index(0, 0).data().toString(), u"2"_qs);
     }
 
     void reordersOnlyItsOwnRows()

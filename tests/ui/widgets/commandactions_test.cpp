@@ -52,9 +52,8 @@ CommandState everything()
 }
 
 struct Needs {
-    Text name;
-    ActionId id;
-    Text needed; // a command with an empty one depends on a save alone
+    Text name; ///< the letters of what is needed; "program": nothing, not even that no save is running
+    QList<ActionId> ids;
 };
 
 } // namespace
@@ -67,47 +66,41 @@ private Q_SLOTS:
     void needs_data()
     {
         using enum ActionId;
-        addRows<Needs>({{"add", AddImages, ""},
-                        {"quit", Quit, "never"},
-                        {"guide", UserGuide, "never"},
-                        {"remove", RemoveSelected, "S"},
-                        {"metadata panel", ToggleMetadata, "SB"},
-                        {"select all", SelectAll, "F"},
-                        {"select none", SelectNone, "S"},
-                        {"invert", InvertSelection, "F"},
-                        {"copy", CopyImages, "S"},
-                        {"rotate right", TurnRight, "SO"},
-                        {"rotate left", TurnLeft, "SO"},
-                        {"rotate by half", Turn180, "SO"},
-                        {"mirror top to bottom", FlipVertical, "SO"},
-                        {"mirror left to right", FlipHorizontal, "SO"},
-                        {"save selected", SaveSelected, "SP"},
-                        {"save all", SaveAll, "FP"},
-                        {"selected to companion", OpenSelectedInCompanion, "SP"},
-                        {"all to companion", OpenAllInCompanion, "FP"},
-                        {"copy all positions", CopyAllPositions, "a"},
-                        {"copy position", CopyPosition, "c"},
-                        {"paste", PastePositions, "Sv"},
-                        {"reset all", ResetAllPositions, "S"},
-                        {"reset current", ResetPosition, "Sw"},
-                        {"zoom in", BrowserZoomIn, "BZ"},
-                        {"zoom out", BrowserZoomOut, "Bz"},
-                        {"names", ToggleFilenames, "B"},
-                        {"show files", ShowInFileManager, "S"},
-                        {"next", NextPreset, "AC"},
-                        {"previous", PreviousPreset, "AC"},
-                        {"apply", ApplyPresets, "l"},
-                        {"remove applied", RemoveAppliedPresets, "r"},
-                        {"clear applied", ClearAppliedPresets, "C"},
-                        {"load", LoadPreset, "lL"}});
+        addRows<Needs>({{"-", {AddImages}},
+                        {"program", {Quit, UserGuide}},
+                        {"S", {RemoveSelected, SelectNone, CopyImages, ResetAllPositions, ShowInFileManager}},
+                        {"SB", {ToggleMetadata}},
+                        {"F", {SelectAll, InvertSelection}},
+                        {"SO", {TurnRight, TurnLeft, Turn180, FlipVertical, FlipHorizontal}},
+                        {"SP", {SaveSelected, OpenSelectedInCompanion}},
+                        {"FP", {SaveAll, OpenAllInCompanion}},
+                        {"a", {CopyAllPositions}},
+                        {"c", {CopyPosition}},
+                        {"Sv", {PastePositions}},
+                        {"Sw", {ResetPosition}},
+                        {"BZ", {BrowserZoomIn}},
+                        {"Bz", {BrowserZoomOut}},
+                        {"B", {ToggleFilenames}},
+                        {"AC", {NextPreset, PreviousPreset}},
+                        {"l", {ApplyPresets}},
+                        {"r", {RemoveAppliedPresets}},
+                        {"C", {ClearAppliedPresets}},
+                        {"lL", {LoadPreset}}});
     }
 
     /// Each command needs exactly what its row says; a menu item needs, besides, that nothing is being saved,
     /// unless it is about the program. A command that is not possible does not run, whoever calls it.
     void needs()
     {
-        const auto [name, id, needed] = currentRow<Needs>();
-        const bool isOfProgram = needed == u"never";
+        const auto [needed, ids] = currentRow<Needs>();
+        for (const ActionId id : ids)
+            checkNeeds(id, needed);
+    }
+
+private:
+    static void checkNeeds(ActionId id, const QString &needed)
+    {
+        const bool isOfProgram = needed == u"program";
         CommandState state;
         int runs = 0;
         QWidget owner;

@@ -1,18 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "app/appcontroller.h"
-#include "app/workingset.h"
-#include "ui/browser/imagebrowserview.h"
-#include "ui/browser/imagelistview.h"
 #include "ui/messageboxes.h"
-#include "ui/widgets/commandactions.h"
-#include "ui/window/mainwindow.h"
+#include "ui/shownwindow.h"
+#include "ui/widgets/filedrops.h"
 #include "ui/window/messageboxalerts.h"
 
 #include <QAbstractButton>
-#include <QAction>
 #include <QCheckBox>
-#include <QClipboard>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -33,40 +27,6 @@
 using namespace plexa;
 using namespace plexa::test;
 
-namespace
-{
-
-struct Fixture {
-    Fixture()
-    {
-        window.show();
-        window.activateWindow();
-        active = QTest::qWaitForWindowActive(&window); // keys go nowhere else
-    }
-
-    template<class Widget>
-    Widget &find(const char *name)
-    {
-        return *window.findChild<Widget *>(QLatin1String(name));
-    }
-
-    void addPhotos(std::initializer_list<const char *> names)
-    {
-        for (const char *name : names)
-            set.addImage(files.photo(name), {});
-    }
-
-    bool isEnabled(ActionId id) const { return window.actions().action(id)->isEnabled(); }
-
-    WorkingSet files;
-    AppController controller{{files.photos, files.defaults, files.alerts, files.store, 2}};
-    ImageSet &set = controller.imageSet();
-    bool active = false;
-    mutable MainWindow window{{controller, files.defaults, files.alerts, 2}};
-};
-
-} // namespace
-
 class MainWindowTest : public QObject
 {
     Q_OBJECT
@@ -74,7 +34,7 @@ class MainWindowTest : public QObject
 private Q_SLOTS:
     void commandsAreComplete()
     {
-        Fixture f;
+        ShownWindow f;
         QSet<QString> names;
         QHash<QKeySequence, QString> shortcuts;
         for (const CommandRow &row : commandTable()) {
@@ -110,28 +70,21 @@ private Q_SLOTS:
 
     void commandsFollowTheSelection()
     {
-        Fixture f;
+        ShownWindow f;
         f.set.setImageListModeToBrowser(false);
-        auto &turn = f.find<QAbstractButton>("turnRightButton");
-        QVERIFY(!turn.isEnabled());
-        QVERIFY(!f.isEnabled(ActionId::InvertSelection));
-        f.addPhotos({"a.png", "b.png"});
-        QTRY_VERIFY(f.isEnabled(ActionId::InvertSelection));
-        QVERIFY(!f.isEnabled(ActionId::RemoveSelected));
-
+        f.addPhotos(words("a.png b.png"));
         f.set.selection().selectIndexes({1});
+        auto &turn = f.find<QAbstractButton>("turnRightButton");
         QTRY_VERIFY(turn.isEnabled());
-        QVERIFY(f.isEnabled(ActionId::ShowInFileManager));
-        // There is nobody who saves: the command must not pretend.
+        // No handler saves yet.
         QVERIFY(!f.isEnabled(ActionId::SaveSelected));
         QVERIFY(!f.find<QAbstractButton>("saveAllButton").isEnabled());
-
-        const std::shared_ptr<ImageObject> image = (*f.set.images())[1];
+        const std::shared_ptr<ImageObject> image = f.set.images()->back();
         QTest::mouseClick(&turn, Qt::LeftButton);
         QTRY_COMPARE(image->facts().pixelSize(), QSize(48, 64));
         QTRY_VERIFY(!f.controller.commandState().hasCurrentBatchOperation);
 
-        // While copies are saved the menus rest.
+        // While copies are being saved, the menus are disabled.
         f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Single);
         image->lock();
         auto release = qScopeGuard([&] { image->unlock(); });
@@ -145,7 +98,7 @@ private Q_SLOTS:
 
     void stopsWhatRuns()
     {
-        Fixture f;
+        ShownWindow f;
         f.set.setImageListModeToBrowser(false);
         auto &stop = f.find<QAbstractButton>("stopAllOperationsButton");
         auto &progress = f.find<QProgressBar>("progressIndicator");
@@ -155,7 +108,7 @@ private Q_SLOTS:
         f.controller.statusManager().endOperation(StatusOperation::Counting);
         QTRY_VERIFY(!progress.isVisible());
 
-        f.addPhotos({"a.png", "b.png", "c.png", "d.png"});
+        f.addPhotos(words("a.png b.png c.png d.png"));
         const std::shared_ptr<ImageObject> held = f.set.images()->front();
         held->lock();
         // The fixture's destructor waits for the photo, even after a failure.
@@ -176,7 +129,7 @@ private Q_SLOTS:
 
     void addsWithTheDialogs()
     {
-        Fixture f;
+        ShownWindow f;
         const QString photo = f.files.photo("a.png");
         const QString folder = QFileInfo(f.files.photo("folder/b.png")).path();
         for (const auto &[button, path] :
@@ -195,12 +148,12 @@ private Q_SLOTS:
 
     void searchFieldFilters()
     {
-        Fixture f;
+        ShownWindow f;
         f.set.setImageListModeToBrowser(false);
-        f.addPhotos({"a.png", "B.png", "ab.png"});
+        f.addPhotos(words("a.png B.png ab.png"));
         auto &search = f.find<QLineEdit>("searchField");
         QVERIFY(f.active);
-        f.find<ImageListView>("imageListTable").setFocus();
+        f.table.setFocus();
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Slash);
         QCOMPARE(QApplication::focusWidget(), &search);
         QTest::keyClicks(&search, u"b"_qs);
@@ -215,108 +168,84 @@ private Q_SLOTS:
         QCOMPARE(QApplication::focusWidget(), &f.find<QWidget>("imageListTable"));
         QTest::keyClick(&f.window, Qt::Key_F, Qt::ControlModifier);
         QCOMPARE(search.selectedText(), u"b"_qs);
-        // A save takes the keyboard away, and gives it back.
+        // A save disables the field, and returns the focus to it.
         f.window.setContentEnabled(false);
         QVERIFY(!search.isEnabled() && !search.hasFocus());
         f.window.setContentEnabled(true);
         QCOMPARE(QApplication::focusWidget(), &search);
-        // New photos are to be seen.
+        // New photos are shown, so the search ends.
         f.controller.gathering().scanImagesAtPaths({f.files.photo("new.png")});
         QCOMPARE(search.text(), QString());
         QTRY_COMPARE(shownNames(f.set), u"a B ab new"_qs);
     }
 
-    void gridShowsTheSet()
-    {
-        Fixture f;
-        QVERIFY(f.active);
-        auto &grid = f.find<ImageBrowserView>("imageBrowser");
-        f.addPhotos({"a.png", "b.png", "c.png", "d.png"});
-        QCOMPARE(grid.numberImages(), 4);
-        f.set.selection().selectIndexes({1, 3});
-        QTRY_VERIFY(f.isEnabled(ActionId::InvertSelection));
-        QTest::keyClick(&grid, Qt::Key_I, Qt::ControlModifier);
-        QCOMPARE(grid.selectionIndexes(), IndexList({0, 2}));
-        f.window.actions().run(ActionId::SwitchBatchMode); // and back: the selection stays
-        f.window.actions().run(ActionId::SwitchBatchMode);
-        QCOMPARE(grid.selectionIndexes(), IndexList({0, 2}));
-        QTest::keyClick(&grid, Qt::Key_Delete);
-        QCOMPARE(shownNames(f.set), u"b d"_qs);
-    }
-
     void gridIsZoomed()
     {
-        Fixture f;
+        ShownWindow f;
         f.files.defaults.setObject(settings::imageBrowserZoomFactor, 0.95);
         f.set.setImageListModeToBrowser(true);
-        auto &grid = f.find<ImageBrowserView>("imageBrowser");
-        QCOMPARE(grid.zoomFactor(), 0.95F); // not rounded to a step of the slider
+        QCOMPARE(f.grid.zoomFactor(), 0.95F); // not rounded to a step of the slider
         QTRY_VERIFY(f.find<QAbstractButton>("browserZoomInButton").isEnabled());
         QTest::mouseClick(&f.find<QAbstractButton>("browserZoomInButton"), Qt::LeftButton);
         QCOMPARE(f.files.defaults.floatForKey(settings::imageBrowserZoomFactor), 1.0F);
         QTRY_VERIFY(!f.isEnabled(ActionId::BrowserZoomIn));
         auto &slider = f.find<QSlider>("browserZoomSlider");
         QTest::keyClick(&slider, Qt::Key_Home);
-        QCOMPARE(grid.zoomFactor(), 0.0F);
+        QCOMPARE(f.grid.zoomFactor(), 0.0F);
         QTRY_VERIFY(!f.isEnabled(ActionId::BrowserZoomOut));
 
-        const bool showed = grid.showFilenames();
+        const bool showed = f.grid.showFilenames();
         f.window.actions().run(ActionId::ToggleFilenames);
-        QCOMPARE(grid.showFilenames(), !showed);
+        QCOMPARE(f.grid.showFilenames(), !showed);
         QCOMPARE(f.files.defaults.boolForKey(settings::imageBrowserShowsNames), !showed);
         f.window.actions().run(ActionId::ToggleFilenames);
         QCOMPARE(f.window.actions().action(ActionId::ToggleFilenames)->text().remove(u'&'),
                  showed ? u"Hide Filenames in Browser"_qs : u"Show Filenames in Browser"_qs);
     }
 
-    void copiesToTheClipboard()
-    {
-        Fixture f;
-        QVERIFY(f.active);
-        f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Presets);
-        WPresetValues values;
-        values.textTokens = QStringList{u"mark"_qs};
-        const WPresetList presets = {std::make_shared<WPreset>(values), std::make_shared<WPreset>(values)};
-        f.controller.appliedPresets().addWPresetsToApplied(presets);
-        f.addPhotos({"a.png", "b.png"});
-        f.set.selection().selectAll();
-        QTRY_VERIFY(f.isEnabled(ActionId::CopyImages));
-        QTest::keyClick(&f.find<ImageBrowserView>("imageBrowser"), Qt::Key_C, Qt::ControlModifier);
-        const QMimeData *data = QGuiApplication::clipboard()->mimeData();
-        QVERIFY(data);
-        QCOMPARE(data->urls().size(), 4); // two photos with two presets each
-        QCOMPARE(QImage(data->urls().last().toLocalFile()).size(), QSize(64, 48));
-    }
-
     void filesAreDroppedAnywhere()
     {
-        Fixture f;
-        QMimeData data;
-        data.setUrls({QUrl::fromLocalFile(f.files.photo("folder/a.png")).adjusted(QUrl::RemoveFilename)});
-        std::size_t dropped = 0;
-        for (const char *place : {"mainWindow", "imageBrowser"}) {
-            QWidget *target = &f.window;
-            if (qstrcmp(place, "imageBrowser") == 0)
-                target = f.find<ImageBrowserView>(place).viewport();
-            QDragEnterEvent enter(QPoint(20, 20), Qt::CopyAction, &data, Qt::LeftButton, {});
-            QCoreApplication::sendEvent(target, &enter);
-            QVERIFY2(enter.isAccepted(), place);
-            QDropEvent drop(QPoint(20, 20), Qt::CopyAction, &data, Qt::LeftButton, {});
-            QCoreApplication::sendEvent(target, &drop);
-            ++dropped;
-            QTRY_COMPARE(f.set.images()->size(), dropped);
+        ShownWindow f;
+        QMimeData files;
+        const QUrl folder = QUrl::fromLocalFile(f.files.photo("folder/a.png")).adjusted(QUrl::RemoveFilename);
+        files.setUrls({folder, QUrl(u"https://www.example.com/a.jpg"_qs)});
+        QMimeData photos; // of the grid, which are in the list already
+        photos.setUrls({folder});
+        photos.setData(kPhotoSelectionType, "0");
+        QMimeData text;
+        text.setText(u"no file"_qs);
+        const Qt::DropActions both = Qt::CopyAction | Qt::MoveAction;
+        std::size_t count = 0;
+        for (QWidget *const place :
+             {static_cast<QWidget *>(&f.window), f.grid.viewport(), f.table.viewport()}) {
+            const auto send = [place](auto &&event) {
+                event.setDropAction(Qt::MoveAction);
+                QCoreApplication::sendEvent(place, &event);
+                return event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
+            };
+            const auto entered = [&](const QMimeData &data, Qt::DropActions actions) {
+                return send(QDragEnterEvent(QPoint(20, 20), actions, &data, Qt::LeftButton, {}));
+            };
+            QCOMPARE(entered(text, both), Qt::IgnoreAction);
+            QCOMPARE(entered(photos, both), Qt::IgnoreAction);
+            QCOMPARE(entered(files, Qt::MoveAction), Qt::IgnoreAction);
+            QCOMPARE(entered(files, both), Qt::CopyAction);
+            // The source of the drag must not remove the files.
+            QVERIFY(send(QDropEvent(QPoint(20, 20), both, &files, Qt::NoButton, {})) != Qt::MoveAction);
+            ++count;
+            QTRY_COMPARE(f.set.images()->size(), count);
             QTRY_VERIFY(isIdle(f.controller.gathering()));
         }
     }
 
     void batchModeIsRefused()
     {
-        Fixture f;
+        ShownWindow f;
         auto &mode = f.find<QAbstractButton>("imageListModeButton");
         QAction &menuItem = *f.window.actions().action(ActionId::SwitchBatchMode);
         QTest::mouseClick(&mode, Qt::LeftButton);
         QVERIFY(!f.set.imageListIsInBrowserMode());
-        QVERIFY(f.find<ImageListView>("imageListTable").isVisible());
+        QVERIFY(f.table.isVisible());
         QCOMPARE(menuItem.text().remove(u'&'), u"Switch to Small Batch Mode"_qs);
         for (int i = 0; i < 501; ++i)
             f.set.addImage(u"/p%1.jpg"_qs.arg(i), f.files.folder.path());
@@ -330,11 +259,11 @@ private Q_SLOTS:
 
     void keysBelongToTheirViews()
     {
-        Fixture f;
+        ShownWindow f;
         f.set.setImageListModeToBrowser(false);
         f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Presets);
         f.controller.appliedPresets().addWPresetsToApplied({std::make_shared<WPreset>(WPresetValues{})});
-        f.addPhotos({"a.png"});
+        f.addPhotos(words("a.png"));
         f.set.selection().selectAll();
         QVERIFY(f.active);
         auto &applied = f.find<QWidget>("wPresetsAppliedTable");
@@ -347,14 +276,14 @@ private Q_SLOTS:
         f.set.selection().selectAll();
         QTest::keyClick(&applied, Qt::Key_Delete);
         QVERIFY(f.controller.appliedPresets().wPresetsApplied().empty());
-        QCOMPARE(f.set.images()->size(), std::size_t(1)); // the key was not meant for the photos
-        QTest::keyClick(&f.find<ImageListView>("imageListTable"), Qt::Key_Delete);
+        QCOMPARE(f.set.images()->size(), std::size_t(1)); // the key is for the presets
+        QTest::keyClick(&f.table, Qt::Key_Delete);
         QVERIFY(f.set.images()->empty());
     }
 
     void geometryIsRemembered()
     {
-        Fixture f;
+        ShownWindow f;
         f.window.resize(900, 620);
         f.find<QSplitter>("imageViewBrowserSplitView").setSizes({200, 400});
         QCoreApplication::processEvents();
@@ -364,27 +293,24 @@ private Q_SLOTS:
         QCOMPARE(closed.count(), 1);
         QVERIFY(!f.window.isVisible());
 
+        // The divider leaves room for both, and the window fits small screens.
+        auto &split = f.find<QSplitter>("imageViewBrowserSplitView");
+        split.setSizes({0, 10'000});
+        QVERIFY(split.sizes().at(0) >= 100);
+        split.setSizes({10'000, 0});
+        QVERIFY(split.sizes().at(1) >= 150);
+        const QSize least = f.window.minimumSizeHint();
+        QVERIFY(least.width() <= 1000 && least.height() <= 700);
+
         MainWindow again({f.controller, f.files.defaults, f.files.alerts, 2});
         again.show();
         QCOMPARE(again.size(), QSize(900, 620));
         QCOMPARE(again.findChild<QSplitter *>(u"imageViewBrowserSplitView"_qs)->sizes(), sizes);
     }
 
-    void splitViewKeepsRoom()
-    {
-        Fixture f;
-        auto &split = f.find<QSplitter>("imageViewBrowserSplitView");
-        split.setSizes({0, 10'000});
-        QVERIFY(split.sizes().at(0) >= 100);
-        split.setSizes({10'000, 0});
-        QVERIFY(split.sizes().at(1) >= 150);
-        QVERIFY(f.window.minimumSizeHint().width() <= 1000); // fits small screens
-        QVERIFY(f.window.minimumSizeHint().height() <= 700);
-    }
-
     void preferencesAreSettings()
     {
-        Fixture f;
+        ShownWindow f;
         QSignalSpy previewOutdated(&f.controller, &AppController::previewOutdated);
         QTest::keyClick(&f.window, Qt::Key_Comma, Qt::ControlModifier);
         const QList<QCheckBox *> boxes = f.find<QWidget>("preferences").findChildren<QCheckBox *>();
