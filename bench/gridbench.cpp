@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Scrolls and zooms a grid of 500 thumbnails, made of the photos of a folder, and prints how long the slowest
-// step took to be drawn, relative to a frame of 16 ms: the first look at it, a scroll step, a zoom step.
+// Scrolls and zooms a grid of 500 thumbnails of the photos in a folder. Prints the time to draw the slowest
+// step relative to a frame of 16 ms: the first drawing, a scroll step, a zoom step.
 
 #include "images/imageobject.h"
 #include "platform/applicationname.h"
@@ -55,14 +55,14 @@ private:
     QList<QImage> m_all;
 };
 
-/// What this thread has computed so far, in frames. Drawing waits for nothing, so that is the time that it
-/// takes on a machine that does nothing else.
+/// The processor time of this thread so far, in frames. Drawing does not wait, so this is its time on an idle
+/// machine.
 double now()
 {
     return threadNanoseconds() / kFrame;
 }
 
-/// What it takes to draw all of the grid that is seen.
+/// The time to draw the visible grid.
 double frame(ImageBrowserView &view)
 {
     const double begin = now();
@@ -80,7 +80,7 @@ Steps zoomSteps(ImageBrowserView &view)
         view.setZoomFactor(static_cast<float>(i <= 20 ? i : 40 - i) / 20);
         view.viewport()->repaint();
         steps.append(now() - begin);
-        QApplication::processEvents(); // what was drawn roughly is drawn again, as between two steps
+        QApplication::processEvents(); // draws rough cells again, as between two steps
     }
     return steps;
 }
@@ -102,7 +102,7 @@ Steps scrollSteps(ImageBrowserView &view)
     return steps;
 }
 
-/// The slowest step, each the median of the rounds: what else the machine does falls out.
+/// The slowest step, each the median of the rounds, which excludes other load of the machine.
 double slowest(const QList<Steps> &rounds)
 {
     double result = 0;
@@ -134,7 +134,7 @@ int main(int argc, char **argv)
     }
     QList<Steps> first, scroll, zoom;
     for (int round = 0; round < kRounds; ++round) {
-        ImageBrowserView view; // with nothing kept from the round before
+        ImageBrowserView view; // with empty caches
         view.resize(1920, 1080);
         view.setZoomFactor(0);
         view.show();

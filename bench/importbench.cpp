@@ -25,7 +25,7 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "Usage: plexa-bench-import FOLDER THREADS\n");
         return 2;
     }
-    const QTemporaryDir home; // the user's settings stay as they are
+    const QTemporaryDir home; // the user's settings are not changed
     qputenv("XDG_CONFIG_HOME", home.path().toUtf8());
 
     const FontCatalog fonts;

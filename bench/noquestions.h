@@ -12,7 +12,7 @@
 namespace plexa
 {
 
-/// A question would change what is measured.
+/// Prints a question and ends the program: waiting for an answer would change the measurement.
 class NoQuestions final : public Alerts
 {
 public:

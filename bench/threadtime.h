@@ -8,8 +8,7 @@
 namespace plexa
 {
 
-/// How long this thread has worked, in nanoseconds. On a busy machine it waits besides, which is not its
-/// fault.
+/// The processor time of this thread, in nanoseconds: without the time that it waits on a busy machine.
 inline double threadNanoseconds()
 {
     timespec time{};
@@ -17,7 +16,7 @@ inline double threadNanoseconds()
     return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
 }
 
-/// How long this thread could have worked but had no core, in nanoseconds; 0 where the system does not count.
+/// How long this thread was ready but had no core, in nanoseconds; 0 if the system does not measure it.
 inline double threadDelayNanoseconds()
 {
     double worked = 0;

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// How long the main window does not answer. scripts/bench runs it and compares with the bars.
+// How long the main window does not respond. scripts/bench runs it and compares with its limits.
 //
-//   plexa-bench-window table COUNT   scrolls through and filters a table of so many photos
-//   plexa-bench-window import FOLDER drops a folder on the window and waits until its photos are there
+//   plexa-bench-window table COUNT   scrolls and filters a table of COUNT photos
+//   plexa-bench-window import FOLDER drops a folder on the window and waits until its photos are imported
 //
-// Prints a line for each thing that was tried: the longest pause in milliseconds, and its name. Pauses are
-// the work of the main thread. For the import, where it could also wait for another thread, they are the time
-// that passed without that in which the system gave it no core, and that time as well.
+// Prints a line for each action: the longest pause in milliseconds, and its name. Pauses are processor time
+// of the main thread. For the import, where the thread may also wait for another one, they are the elapsed
+// time without the time that it waited for a core, and a second line has that time included.
 
 #include "app/appcontroller.h"
 #include "noquestions.h"
@@ -52,7 +52,7 @@ double threadMilliseconds()
     return threadNanoseconds() / 1e6;
 }
 
-/// Everything that follows from it is drawn when this returns.
+/// Returns when all its effects are drawn.
 double pause(const std::function<void()> &action)
 {
     const double before = threadMilliseconds();
@@ -124,7 +124,7 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "Usage: plexa-bench-window table COUNT | import FOLDER\n");
         return 2;
     }
-    const QTemporaryDir home; // the user's settings and presets stay as they are
+    const QTemporaryDir home; // the user's settings and presets are not changed
     for (const char *folder : {"XDG_CONFIG_HOME", "XDG_DATA_HOME"})
         qputenv(folder, home.path().toUtf8());
     const QApplication application(argc, argv);

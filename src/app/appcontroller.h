@@ -17,8 +17,8 @@ namespace plexa
 
 class PresetsStore;
 
-/// What the commands of the main window do, without the window: it owns the working set, the presets that are
-/// drawn on it, and the operations on its photos, and connects them. Main thread.
+/// The actions of the main window's commands, without the window: owns and connects the working set, the
+/// presets that are drawn on it, and the operations on its photos. Main thread.
 class AppController final : public QObject
 {
     Q_OBJECT
@@ -29,7 +29,7 @@ public:
         UserDefaults &defaults;
         Alerts &alerts; ///< may be called on any thread
         PresetsStore &store;
-        int threads; ///< photos that are worked on at a time
+        int threads; ///< photos that are processed at a time
     };
 
     /// @param services  outlive this object
@@ -44,24 +44,24 @@ public:
     PresetsStore &presetsStore() { return m_services.store; }
     PresetCommands &presetCommands() { return m_presetCommands; }
 
-    /// Reads the presets at start and, if the user wants that, applies those of the last time.
+    /// Reads the presets and applies those of the last time, if the settings ask for it.
     void readPresets();
 
-    /// Saves, when the window closes, the presets and the names of the applied ones.
+    /// Saves the presets and the names of the applied ones.
     void rememberPresets();
 
-    /// The state that the rules of the commands depend on, but for what is selected in the lists of a window.
+    /// The state that the rules of the commands depend on, except for the selection in lists of a window.
     CommandState commandState() const;
 
-    /// Saves copies of these photos with the presets, the saving preset and the settings of now.
+    /// Saves copies of these photos with the present presets and settings.
     /// @return false, and nothing happens, while another save runs or without photos or presets
     bool startSaving(const ImageList &photos);
 
-    /// Rotates or mirrors the selected photos; nothing while another such operation runs.
+    /// Rotates or mirrors the selected photos, unless another such operation runs.
     void startBatchOperation(ImageTransform operation);
 
     enum class Presets { Current, All };
-    /// Copies the positions of the one selected photo; nothing when there is not exactly one.
+    /// Copies the positions of the selected photo, if there is exactly one.
     void copyManualPositioning(Presets presets);
     void pasteManualPositioning();
     void resetManualPositioning(Presets presets);
@@ -70,11 +70,10 @@ public:
     void stopAllOperations();
 
 Q_SIGNALS:
-    /// Positions, presets or rotated photos have changed: the preview has to be drawn again.
+    /// The preview has to be drawn again.
     void previewOutdated();
-    /// One photo looks different.
+    /// The picture of one photo has changed.
     void imageOutdated(const std::shared_ptr<plexa::ImageObject> &image);
-    /// The user wants everything that runs in the background to end.
     void stopAllWanted();
     /// Something in commandState() has changed.
     void commandStateChanged();

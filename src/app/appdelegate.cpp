@@ -41,7 +41,7 @@ void AppDelegate::applicationDidFinishLaunching()
 
 void AppDelegate::openFiles(const QStringList &paths)
 {
-    Q_EMIT windowWanted(); // first, so that questions are shown in front of it
+    Q_EMIT windowWanted(); // first: questions are shown above it
     if (!paths.isEmpty() && QFileInfo(paths.first()).fileName() == kExchangeInfoFile) {
         qCritical("ERROR: photos from companion applications cannot be opened by this version");
         return;

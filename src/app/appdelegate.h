@@ -15,8 +15,7 @@ class Alerts;
 class AppController;
 class UserDefaults;
 
-/// What happens when the application starts, gets files from outside, closes its window and quits. Main
-/// thread.
+/// The start of the application, files from outside, the closing of its window, and its end. Main thread.
 class AppDelegate final : public QObject
 {
     Q_OBJECT
@@ -35,22 +34,21 @@ public:
     /// Counts the run.
     void applicationDidFinishLaunching();
 
-    /// Files from the command line or from the desktop: photos and folders join the working set, the presets
-    /// of preset files join the user's. If the first one is an exchange info file, all of them belong to the
-    /// exchange of a companion application, and none is a photo of its own.
+    /// Adds photos and folders from the command line or the desktop to the working set, and the presets of
+    /// preset files to the user's. If the first file is an exchange info file, all of them belong to the
+    /// exchange of a companion application, and none is added.
     void openFiles(const QStringList &paths);
 
-    /// Stores what the next run needs. To be called when the main window closes, and at quit if it is open.
+    /// Stores the state for the next run. Called when the main window closes, and at quit if it is open.
     void windowWillClose();
 
-    /// Before the program ends on the user's request: asks for feedback now and then.
+    /// Called before the user's quit ends the program: asks for feedback now and then.
     void applicationWillTerminate();
 
-    /// The maker's page for the users' opinions.
     static QUrl feedbackPage();
 
 Q_SIGNALS:
-    /// The main window is to be shown, whatever state it is in.
+    /// The main window is to be shown.
     void windowWanted();
 
 private:

@@ -6,6 +6,8 @@
 #include "platform/userdefaults.h"
 
 #include <algorithm>
+#include <functional>
+#include <numeric>
 
 namespace plexa
 {
@@ -32,15 +34,25 @@ void AppliedPresets::setQuickWPreset(const std::shared_ptr<WPreset> &preset)
 {
     if (preset == m_quickWPreset)
         return;
-    if (m_quickWPreset && !isIn(m_wPresetsApplied, m_quickWPreset.get()))
-        m_quickWPreset->removeObserverForAllKeys(this);
     m_quickWPreset = preset;
-    if (m_quickWPreset) {
-        m_quickWPreset->addObserverForAllKeys(this, [this](const WPresetField &, const FieldValue &,
-                                                           const FieldValue &) { Q_EMIT previewOutdated(); });
-    }
+    observePresets();
     Q_EMIT quickWPresetChanged();
     Q_EMIT previewOutdated();
+}
+
+/// Follows the edits of the quick preset and the applied ones, and of no others.
+void AppliedPresets::observePresets()
+{
+    m_observer = std::make_unique<QObject>();
+    WPresetList presets = m_wPresetsApplied;
+    if (m_quickWPreset && !isIn(presets, m_quickWPreset.get()))
+        presets.push_back(m_quickWPreset);
+    for (const std::shared_ptr<WPreset> &preset : presets) {
+        connect(preset.get(), &WPreset::fieldChanged, m_observer.get(), [this, edited = preset.get()] {
+            if (edited == m_quickWPreset.get() || !isInSingleMode())
+                Q_EMIT previewOutdated();
+        });
+    }
 }
 
 bool AppliedPresets::isInSingleMode() const
@@ -86,32 +98,14 @@ void AppliedPresets::setApplied(WPresetList presets, const IndexList &selectedRo
     if (presets == m_wPresetsApplied)
         return;
     Q_EMIT appliedAboutToChange();
-    const WPresetList former = std::exchange(m_wPresetsApplied, std::move(presets));
-    observeAll(former);
+    m_wPresetsApplied = std::move(presets);
+    observePresets();
     const bool isOtherSelection = selectedRows != m_selectedRows;
     m_selectedRows = selectedRows;
     Q_EMIT appliedChanged();
     if (isOtherSelection)
         Q_EMIT selectedRowsChanged();
     Q_EMIT previewOutdated();
-}
-
-/// Follows the edits of the presets that are applied now, and of no others but the quick one.
-void AppliedPresets::observeAll(const WPresetList &former)
-{
-    for (const std::shared_ptr<WPreset> &preset : former) {
-        if (preset != m_quickWPreset && !isIn(m_wPresetsApplied, preset.get()))
-            preset->removeObserverForAllKeys(this);
-    }
-    for (const std::shared_ptr<WPreset> &preset : m_wPresetsApplied) {
-        if (preset == m_quickWPreset || isIn(former, preset.get()))
-            continue;
-        preset->addObserverForAllKeys(this,
-                                      [this](const WPresetField &, const FieldValue &, const FieldValue &) {
-                                          if (!isInSingleMode())
-                                              Q_EMIT previewOutdated();
-                                      });
-    }
 }
 
 void AppliedPresets::addWPresetsToApplied(const WPresetList &presets)
@@ -158,19 +152,14 @@ void AppliedPresets::removeFromApplied(const WPreset *preset)
 
 void AppliedPresets::moveAppliedPresets(const IndexList &rows, int toRow)
 {
-    const auto count = static_cast<int>(m_wPresetsApplied.size());
     const IndexList moved = cleanedIndexes(rows, m_wPresetsApplied.size());
-    toRow = std::clamp(toRow, 0, count);
-
-    // The new order as former rows, so that presets and selection follow it alike.
-    IndexList order;
-    for (int row = 0; row < count; ++row) {
-        if (!moved.contains(row))
-            order.append(row);
-    }
-    qsizetype target = toRow - (std::lower_bound(moved.begin(), moved.end(), toRow) - moved.begin());
-    for (const int row : moved)
-        order.insert(target++, row);
+    // The new order as former rows, for presets and selection.
+    IndexList order(static_cast<qsizetype>(m_wPresetsApplied.size()));
+    std::iota(order.begin(), order.end(), 0);
+    const auto target = order.begin() + std::clamp<qsizetype>(toRow, 0, order.size());
+    const auto isMoved = [&moved](int row) { return moved.contains(row); };
+    std::stable_partition(order.begin(), target, std::not_fn(isMoved));
+    std::stable_partition(target, order.end(), isMoved);
 
     WPresetList presets;
     IndexList selected;
@@ -205,7 +194,7 @@ void AppliedPresets::selectNeighborAppliedPreset(Neighbor neighbor)
 
 void AppliedPresets::rememberAppliedPresets()
 {
-    // Otherwise the names of an earlier time stay, for when the user wants them back after all.
+    // Otherwise the names of an earlier time are kept.
     if (!m_defaults.boolForKey(settings::rememberWPresetsAppliedLastTime))
         return;
     QStringList names;

@@ -13,9 +13,9 @@ namespace plexa
 
 class UserDefaults;
 
-/// Which watermark presets are drawn on the photos: in single mode the quick preset, in presets mode the
-/// applied ones, which are the very objects of the list of all presets. Rows are those of the applied list.
-/// Main thread.
+/// The watermark presets that are drawn on the photos: in single mode the quick preset, in presets mode the
+/// applied ones, which are objects of the list of all presets. Rows are those of the applied list. Main
+/// thread.
 class AppliedPresets final : public QObject
 {
     Q_OBJECT
@@ -28,7 +28,7 @@ public:
     explicit AppliedPresets(UserDefaults &defaults);
     ~AppliedPresets() override;
 
-    /// The preset of single mode; may be null before the first one is set.
+    /// The preset of single mode; null before the first one is set.
     const std::shared_ptr<WPreset> &quickWPreset() const { return m_quickWPreset; }
     void setQuickWPreset(const std::shared_ptr<WPreset> &preset);
 
@@ -38,33 +38,31 @@ public:
     /// Stores the mode.
     void modeDidChange(Mode mode);
 
-    /// What is drawn, in this order; may be empty in presets mode.
+    /// The presets that are drawn, in this order; may be empty in presets mode.
     WPresetList effectivePresets() const;
-    /// The same as it stands now, for work that goes on while the user edits.
+    /// The same with their values of now, for work that continues while the user edits.
     std::vector<AppliedPreset> effectivePresetsNow() const;
 
-    /// The preset that commands for one preset are about; null: there is none.
+    /// The preset of commands for one preset; may be null.
     std::shared_ptr<WPreset> currentWPreset() const;
 
-    /// Appends those that are not applied yet.
+    /// Appends the presets that are not applied yet.
     void addWPresetsToApplied(const WPresetList &presets);
     void removeSelectedAppliedPresets();
     void clearAppliedPresets();
-    /// For a preset that the user has deleted.
     void removeFromApplied(const WPreset *preset);
-    /// Puts these rows, in their order, before the row `toRow`.
+    /// Moves these rows, in their order, to the place before `toRow`.
     void moveAppliedPresets(const IndexList &rows, int toRow);
 
     /// Ascending.
     const IndexList &selectedRows() const { return m_selectedRows; }
     void selectRows(const IndexList &rows);
-    /// Round and round.
+    /// After the last one follows the first.
     void selectNeighborAppliedPreset(Neighbor neighbor);
 
-    /// Stores the names of the applied presets, if the user wants them back next time.
+    /// Stores the names of the applied presets, if the settings ask for it.
     void rememberAppliedPresets();
-    /// Applies what was stored, if the user wants it back. A name that several presets have brings all of
-    /// them.
+    /// Applies all presets of the stored names, if the settings ask for it.
     void restoreAppliedPresets(const WPresetList &wPresets);
 
 Q_SIGNALS:
@@ -73,17 +71,18 @@ Q_SIGNALS:
     void selectedRowsChanged();
     void modeChanged(bool isSingle);
     void quickWPresetChanged();
-    /// What is drawn on the photos has changed: other presets, or other values of one.
+    /// Other presets are drawn, or other values of one.
     void previewOutdated();
 
 private:
     void setApplied(WPresetList presets, const IndexList &selectedRows);
-    void observeAll(const WPresetList &former);
+    void observePresets();
 
     UserDefaults &m_defaults;
     std::shared_ptr<WPreset> m_quickWPreset;
     WPresetList m_wPresetsApplied;
     IndexList m_selectedRows;
+    std::unique_ptr<QObject> m_observer; ///< of the presets above
 };
 
 } // namespace plexa

@@ -79,8 +79,8 @@ bool BackgroundJob::wait()
         connect(this, &BackgroundJob::ended, &loop, leave);
         QTimer::singleShot(kPauseMilliseconds, &loop, leave);
         loop.exec();
-        // Between two loops, since Qt keeps objects that are to be deleted later until a loop ends, and such
-        // an object may be what cancels the work.
+        // Between two loops: Qt deletes objects later only at a loop's end, and such an object may cancel the
+        // work.
         QCoreApplication::sendPostedEvents();
     }
     return !isRunning();

@@ -13,10 +13,9 @@
 namespace plexa
 {
 
-/// Work on a thread of its own, one piece at a time. It belongs to one thread, the main thread: there it is
-/// started, there its reports arrive through the event loop, in their order, and there it ends, once, as
-/// done, failed or canceled. A job that is destroyed is canceled; its work is waited for, its reports are
-/// dropped.
+/// Work on a thread of its own, one piece at a time. The job belongs to the main thread: it is started there,
+/// its reports arrive there through the event loop, in order, and it ends there, once. A job that is
+/// destroyed is canceled; its work is waited for, its reports are dropped.
 class BackgroundJob final : public QObject
 {
     Q_OBJECT
@@ -31,7 +30,7 @@ public:
     BackgroundJob() = default;
     ~BackgroundJob() override;
 
-    /// Begins. The work is kept until its end and destroyed on the main thread, with all that it owns.
+    /// The work is destroyed on the main thread, after its end.
     /// @return false, and nothing happens, while another work runs
     bool start(Work work);
     bool isRunning() const { return m_isRunning; }
@@ -40,22 +39,22 @@ public:
     void cancel() { m_isCanceled = true; }
     bool isCanceled() const { return m_isCanceled; }
 
-    /// Calls a function on the main thread, before ended(), and does not wait for it. For the work: any
+    /// Calls a function on the main thread, before ended(), and does not wait for it. For the work; any
     /// thread.
     void post(std::function<void()> report);
 
     /// Waits in an event loop. The caller keeps the job alive meanwhile; several callers may wait.
-    /// @return false: the program has been told to quit before the end
+    /// @return false: the program was asked to quit before the end
     bool wait();
     /// Waits without an event loop, then delivers the reports and the end.
     void finish();
 
 Q_SIGNALS:
-    /// The work has returned, and its thread is gone. Another one can be started.
+    /// Another work can be started.
     void ended(plexa::BackgroundJob::End end);
 
 private:
-    // One event is one report: a report that opens a dialog does not hold up the following ones.
+    // One event is one report: a report that opens a dialog does not delay the following ones.
     Q_INVOKABLE bool deliverNext();
     void end(bool isSuccess);
 

@@ -20,21 +20,21 @@ class BatchImageOperation final : public QObject
 
 public:
     /// @param status   outlives this object
-    /// @param threads  photos that are worked on at a time
+    /// @param threads  photos that are processed at a time
     BatchImageOperation(StatusManager &status, int threads);
 
     bool isRunning() const { return m_job.isRunning(); }
 
-    /// Begins. @return false, and nothing happens, while another run goes on
+    /// @return false, and nothing happens, during another run
     bool performOperation(ImageTransform operation, const ImageList &images);
 
-    /// No further photo is begun; those that are done stay so. Any thread.
+    /// No further photo is begun. Any thread.
     void abortOperation() { m_job.cancel(); }
 
 Q_SIGNALS:
-    /// One photo is done. One that cannot be read or rotated is unchanged.
+    /// A photo that cannot be read or rotated is unchanged.
     void finishedOperationForImage(const std::shared_ptr<plexa::ImageObject> &image);
-    /// The run has ended, complete or stopped.
+    /// The run is complete or stopped.
     void operationFinished();
 
 private:

@@ -20,7 +20,7 @@ BatchSave::BatchSave(const Services &services)
 BatchSave::~BatchSave()
 {
     terminateOperation();
-    // The run may wait for an answer that this thread has to ask for.
+    // The run may wait for a question that this thread has to ask.
     while (m_job.isRunning())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }

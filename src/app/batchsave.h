@@ -17,8 +17,8 @@ namespace plexa
 class StatusManager;
 class UserDefaults;
 
-/// Saves copies of photos while the user goes on: a run on a thread of its own, with its progress in the
-/// status line and its report at the end. Main thread.
+/// Saves copies of photos on a thread of its own, with its progress in the status line and a report at the
+/// end. Main thread.
 class BatchSave final : public QObject, private SavingObserver
 {
     Q_OBJECT
@@ -28,7 +28,7 @@ public:
         StatusManager &status;
         Alerts &alerts; ///< may be called on any thread
         const UserDefaults &defaults;
-        int threads; ///< copies that are made at a time
+        int threads; ///< copies that are written at a time
     };
 
     struct Order {
@@ -40,11 +40,11 @@ public:
 
     /// @param services  outlive this object
     explicit BatchSave(const Services &services);
-    /// Stops; the copies that were begun are made, and questions about them answered.
+    /// Stops; copies that were begun are completed, and the questions about them asked.
     ~BatchSave() override;
 
-    /// Begins a run by the settings as they are now. Asks nothing before it returns.
-    /// @return false, and nothing happens, while another run goes on or without photos or presets
+    /// Begins a run with the present settings. Asks nothing before it returns.
+    /// @return false, and nothing happens, during another run or without photos or presets
     bool start(const Order &order);
 
     bool isSavingInProgress() const { return m_saving.isSavingInProgress(); }
@@ -53,7 +53,7 @@ public:
 
 Q_SIGNALS:
     void started();
-    /// The end report has been read.
+    /// The user has closed the report at the end.
     void finished();
 
 private:

@@ -3,6 +3,7 @@
 #include "app/imagegathering.h"
 
 #include "app/statusmanager.h"
+#include "images/folderwalk.h"
 #include "platform/alerts.h"
 #include "platform/filenames.h"
 
@@ -10,6 +11,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <chrono>
 
 namespace plexa
 {
@@ -17,6 +19,10 @@ namespace plexa
 namespace
 {
 
+using Clock = std::chrono::steady_clock;
+
+// The user sees the list grow, and the window stays responsive.
+constexpr auto kBatchInterval = std::chrono::milliseconds(50);
 constexpr qsizetype kListedFiles = 10;
 
 /// Layered drawings are not photos, even if a codec can read them.
@@ -30,14 +36,9 @@ bool isPhotoshopFile(const QString &path)
 ImageGathering::ImageGathering(ImageSet &set, const ImageSetServices &services)
     : m_set(set)
     , m_services(services)
-    , m_import({[&set] { return set.imagesNow(); },
-                [&set](const ImageObject *image) { return set.contains(image); }},
-               services.importThreads)
+    , m_import(set, services.importThreads)
 {
-    connect(&m_scan, &ImageScan::found, this, &ImageGathering::addFound);
-    connect(&m_scan, &ImageScan::unreadable, this,
-            [this](const QStringList &paths) { m_unsupportedFiles += paths; });
-    connect(&m_scan, &ImageScan::finished, this, [this] {
+    connect(&m_scan, &BackgroundJob::ended, this, [this] {
         m_hasScanEnded = true;
         if (!m_isAdding)
             scanEnded();
@@ -52,8 +53,8 @@ ImageGathering::ImageGathering(ImageSet &set, const ImageSetServices &services)
 
 ImageGathering::~ImageGathering()
 {
-    // Both are asked before either is waited for.
-    m_scan.stop();
+    // Both are canceled before either is waited for.
+    m_scan.cancel();
     m_import.stop();
 }
 
@@ -78,13 +79,46 @@ void ImageGathering::startScan(const QStringList &paths)
     m_isStopRequested = false;
     m_nFound = 0;
     m_services.status.startOperation(StatusOperation::Counting);
-    m_scan.start(paths);
+    m_scan.start([this, paths] {
+        scan(paths);
+        return true;
+    });
+}
+
+/// Hands the files over in batches. Thread of the job.
+void ImageGathering::scan(const QStringList &paths)
+{
+    QStringList batch;
+    QStringList notRead;
+    Clock::time_point lastBatch; // the first file is handed over at once
+    const auto handOver = [&] {
+        if (!batch.isEmpty())
+            m_scan.post([this, files = std::exchange(batch, {})] { addFound(files); });
+        lastBatch = Clock::now();
+    };
+    FolderWalk::Visitor visitor;
+    visitor.found = [&](const QString &path) {
+        batch.append(path);
+        if (Clock::now() - lastBatch > kBatchInterval)
+            handOver();
+    };
+    visitor.unreadable = [&](const FolderWalk::Unreadable &what) { notRead.append(what.path); };
+    visitor.isStopped = [this] { return m_scan.isCanceled(); };
+    for (const QString &path : paths) {
+        if (m_scan.isCanceled())
+            break;
+        // A separate walk for each path: the photos of a folder that is given twice are added twice.
+        FolderWalk(visitor).scanImagesAtPath(path, true);
+    }
+    handOver();
+    if (!notRead.isEmpty())
+        m_scan.post([this, notRead] { m_unsupportedFiles += notRead; });
 }
 
 void ImageGathering::addFound(const QStringList &paths)
 {
     m_found += paths;
-    if (m_isAdding) // a question is open, and its answer decides about these files, too
+    if (m_isAdding) // a question is open, whose answer decides about these files, too
         return;
     m_isAdding = true;
     addBatch();
@@ -97,7 +131,7 @@ void ImageGathering::addFound(const QStringList &paths)
 void ImageGathering::addBatch()
 {
     ImageList batch;
-    while (!m_found.isEmpty() && !m_scan.isStopped()) {
+    while (!m_found.isEmpty() && !m_scan.isCanceled()) {
         const QString path = m_found.takeFirst();
         if (isPhotoshopFile(path))
             continue;
@@ -105,7 +139,7 @@ void ImageGathering::addBatch()
             m_set.addImages(std::exchange(batch, {}));
             m_services.status.setProgress(static_cast<float>(m_nFound), StatusOperation::Counting);
             if (!mayGrowBeyondLimit()) {
-                m_scan.stop();
+                m_scan.cancel();
                 break;
             }
         }
@@ -122,7 +156,7 @@ bool ImageGathering::isFull(std::size_t waiting) const
            m_set.images()->size() + waiting >= ImageSet::kMaxImagesInBrowserMode;
 }
 
-/// Asks; the answer may be to change to Large Batch mode.
+/// Asks the user, who may change to Large Batch mode.
 bool ImageGathering::mayGrowBeyondLimit()
 {
     Alert alert;
@@ -179,7 +213,7 @@ void ImageGathering::stopImportingImages()
     m_isStopRequested = true;
     m_isImportWanted = false;
     m_waitingPaths.clear();
-    m_scan.stop();
+    m_scan.cancel();
     m_import.stop();
 }
 
@@ -219,15 +253,14 @@ void ImageGathering::reportUnsupportedFiles()
     const QStringList files = std::exchange(m_unsupportedFiles, {});
     if (files.isEmpty())
         return;
-    Alert alert;
-    alert.style = Alert::Style::Warning;
-    alert.title = tr("Cannot open the following %1 file(s):").arg(files.size());
-    alert.text = files.mid(0, kListedFiles).join(QLatin1Char('\n'));
+    QString text = files.mid(0, kListedFiles).join(QLatin1Char('\n'));
     if (files.size() > kListedFiles)
-        alert.text += tr("\n  ...and %1 more...").arg(files.size() - kListedFiles);
-    alert.text += tr("\n\nPossible reasons:\n • unsupported file format\n • insufficient file access "
-                     "permissions");
-    m_services.alerts.run(alert);
+        text += tr("\n  ...and %1 more...").arg(files.size() - kListedFiles);
+    text += tr("\n\nPossible reasons:\n • unsupported file format\n • insufficient file access "
+               "permissions");
+    m_services.alerts.run({.style = Alert::Style::Warning,
+                           .title = tr("Cannot open the following %1 file(s):").arg(files.size()),
+                           .text = text});
 }
 
 } // namespace plexa

@@ -3,7 +3,6 @@
 #pragma once
 
 #include "app/imageimport.h"
-#include "app/imagescan.h"
 #include "app/imageset.h"
 
 #include <QTimer>
@@ -11,9 +10,9 @@
 namespace plexa
 {
 
-/// How photos join the working set: it walks over files and folders, applies the limit of Small Batch mode,
-/// loads the photos in that mode, removes the files that cannot be read, and reports them. All of it goes on
-/// in the background. Main thread.
+/// Adds photos to the working set in the background: it walks over files and folders, applies the limit of
+/// Small Batch mode, loads the photos in that mode, and removes and reports the files that cannot be read.
+/// Main thread.
 class ImageGathering final : public QObject
 {
     Q_OBJECT
@@ -24,16 +23,16 @@ public:
     /// Waits for the photos in work.
     ~ImageGathering() override;
 
-    /// Adds the picture files of these paths, folders with all that is below them, then imports them. Paths
-    /// that are added during a scan wait until it has ended.
+    /// Adds the picture files of these paths and of all folders below them, then imports them. Paths that are
+    /// added during a scan wait for its end.
     void scanImagesAtPaths(const QStringList &paths);
     bool isScanning() const { return m_isScanning; }
 
-    /// In Small Batch mode, begins to load what is not loaded; in Large Batch mode, stops that.
+    /// In Small Batch mode loads the photos that are not loaded; in Large Batch mode stops that.
     void importMissingImages();
     bool isImportingImages() const { return m_isImportingImages; }
 
-    /// Ends scanning and importing at the next file. What was added stays.
+    /// Ends scanning and importing at the next file. Added photos stay.
     void stopImportingImages();
 
 Q_SIGNALS:
@@ -42,6 +41,7 @@ Q_SIGNALS:
 
 private:
     void startScan(const QStringList &paths);
+    void scan(const QStringList &paths);
     void addFound(const QStringList &paths);
     void addBatch();
     bool isFull(std::size_t waiting) const;
@@ -70,7 +70,7 @@ private:
     QTimer m_imageBrowserUpdateTimer;
 
     ImageImport m_import;
-    ImageScan m_scan;
+    BackgroundJob m_scan;
 };
 
 } // namespace plexa

@@ -7,8 +7,8 @@
 namespace plexa
 {
 
-ImageImport::ImageImport(Source source, int threads)
-    : m_source(std::move(source))
+ImageImport::ImageImport(const ImageSet &set, int threads)
+    : m_set(set)
     , m_threads(threads)
 {
     connect(&m_job, &BackgroundJob::ended, this, [this] {
@@ -31,7 +31,7 @@ void ImageImport::start()
 ImageList ImageImport::nextRound()
 {
     ImageList round;
-    for (const std::shared_ptr<ImageObject> &image : m_source.images()) {
+    for (const std::shared_ptr<ImageObject> &image : m_set.imagesNow()) {
         if (!m_isBegun.insert(image.get()).second)
             continue;
         m_begun.push_back(image);
@@ -49,7 +49,7 @@ void ImageImport::load(const ImageList &round)
     job.isStopped = [this] { return m_job.isCanceled(); };
     job.work = [&](std::size_t index) {
         ImageObject &image = *round[index];
-        if (m_source.contains(&image))
+        if (m_set.contains(&image))
             outcomes[index] = image.loadImageFromDisk() ? Outcome::Loaded : Outcome::Unreadable;
     };
     job.deliver = [&](std::size_t index) {

@@ -3,16 +3,15 @@
 #pragma once
 
 #include "app/backgroundjob.h"
-#include "app/imagelist.h"
+#include "app/imageset.h"
 
-#include <functional>
 #include <unordered_set>
 
 namespace plexa
 {
 
-/// Loads the photos of a set in the background: on several threads, but reported in the set's order. Photos
-/// that join the set meanwhile are loaded as well, photos that leave it are skipped. Main thread.
+/// Loads the photos of a set on several threads and reports them in the set's order. Photos that join the set
+/// meanwhile are loaded as well, photos that leave it are skipped. Main thread.
 class ImageImport final : public QObject
 {
     Q_OBJECT
@@ -20,14 +19,9 @@ class ImageImport final : public QObject
 public:
     enum class Outcome { Loaded, Unreadable, Skipped };
 
-    /// The set at this moment. Called on the threads of the import.
-    struct Source {
-        std::function<ImageList()> images;
-        std::function<bool(const ImageObject *)> contains;
-    };
-
+    /// @param set      outlives this object
     /// @param threads  photos that are loaded at a time
-    ImageImport(Source source, int threads);
+    ImageImport(const ImageSet &set, int threads);
 
     /// Begins with all photos of the set. No import may run.
     void start();
@@ -44,7 +38,7 @@ private:
     ImageList nextRound();
     void load(const ImageList &round);
 
-    const Source m_source;
+    const ImageSet &m_set;
     const int m_threads;
     // Kept until the end: photos are objects of the main thread, which has to destroy them.
     ImageList m_begun;

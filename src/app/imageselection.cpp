@@ -23,12 +23,12 @@ int ImageSelection::shownImageIndex() const
 
 void ImageSelection::select(const IndexList &indexes, int focus)
 {
-    take(cleanedIndexes(indexes, static_cast<std::size_t>(m_count)),
-         focus >= 0 && focus < m_count ? focus : kNone);
+    change(cleanedIndexes(indexes, static_cast<std::size_t>(m_count)),
+           focus >= 0 && focus < m_count ? focus : kNone);
 }
 
-/// Both are settled before anybody hears of either.
-void ImageSelection::take(const IndexList &indexes, int focus)
+/// Changes both before a signal is sent.
+void ImageSelection::change(const IndexList &indexes, int focus)
 {
     const bool isOtherSelection = indexes != m_selectedIndexes;
     const int formerFocus = std::exchange(m_focusIndex, focus);
@@ -60,7 +60,7 @@ void ImageSelection::selectIndexes(const IndexList &indexes)
 {
     const Hold hold(*this);
     const IndexList clean = cleanedIndexes(indexes, static_cast<std::size_t>(m_count));
-    take(clean, clean.isEmpty() ? kNone : clean.first());
+    change(clean, clean.isEmpty() ? kNone : clean.first());
     m_isScrollWanted = true;
 }
 
@@ -73,7 +73,7 @@ void ImageSelection::selectAll()
 
 void ImageSelection::selectNone()
 {
-    take({}, kNone);
+    change({}, kNone);
 }
 
 void ImageSelection::invertSelection()

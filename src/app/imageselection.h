@@ -11,8 +11,8 @@
 namespace plexa
 {
 
-/// What is selected in the shown list, and which photo has the focus, for the grid and the table alike. Knows
-/// how many photos are shown, not which. Main thread.
+/// The selection and the focus in the shown list, for grid and table. Knows the number of the shown photos
+/// only. Main thread.
 class ImageSelection final : public QObject
 {
     Q_OBJECT
@@ -20,8 +20,8 @@ class ImageSelection final : public QObject
 public:
     static constexpr int kNone = -1;
 
-    /// While one exists, the signals wait; what happened meanwhile is told once when the last one goes. For
-    /// changes of the list, whose own signals have to come first.
+    /// While one exists, the signals wait; the last one sends each of them at most once. For changes of the
+    /// list, whose own signals have to come first.
     class Hold final
     {
     public:
@@ -41,7 +41,7 @@ public:
         ImageSelection &m_selection;
     };
 
-    /// What stands for the shown photo: in the grid the focus, in the table the first selected row.
+    /// The shown photo has the focus in the grid, and is the first selected row in the table.
     enum class View { Grid, Table };
 
     /// Ascending, each once.
@@ -53,38 +53,37 @@ public:
     View view() const { return m_view; }
     void setView(View view) { m_view = view; }
 
-    /// Selects exactly these and gives the focus to `focus`. For a view that handles keys and clicks itself.
-    /// Indexes that are not in the list are left out; such a focus is none.
+    /// For a view that handles keys and clicks itself. Indexes that are not in the list are ignored.
     void select(const IndexList &indexes, int focus);
 
-    /// Selects exactly these; the first of them gets the focus, and is to be seen.
+    /// Selects exactly these; the first one gets the focus and is scrolled into view.
     void selectIndexes(const IndexList &indexes);
 
     /// The focus stays in the grid; in the table it goes to the first row.
     void selectAll();
     void selectNone();
-    /// What was not selected is; the first of it gets the focus.
+    /// As selectIndexes() with the others.
     void invertSelection();
 
-    /// How many photos there are, and that all are others than before: nothing is selected any more.
+    /// The list has other photos: nothing is selected.
     void reset(int count);
-    /// Photos have joined or left the list; what is selected stays so under its new index.
+    /// Photos have joined or left the list; selected ones stay selected under their new indexes.
     void insertIndexes(int first, int count);
     /// @param removed  ascending
     void removeIndexes(const IndexList &removed);
-    /// Photos have changed places: these are selected now, and the one with the focus stands at `focus`.
+    /// Photos have changed places.
     void reorder(const IndexList &selected, int focus);
 
 Q_SIGNALS:
     /// Other photos are selected, or the same ones under other indexes.
     void selectionChanged();
-    /// Another photo has the focus. An index that follows its photo sends only selectionChanged().
+    /// Another photo has the focus. A new index of the same photo sends only selectionChanged().
     void focusImageChanged(int to, int from);
     /// The photo with the focus is to be scrolled into view.
     void scrollToFocusRequested();
 
 private:
-    void take(const IndexList &indexes, int focus);
+    void change(const IndexList &indexes, int focus);
     void noteChange(bool isOtherSelection, std::optional<int> formerFocus);
     void send();
 
@@ -93,7 +92,7 @@ private:
     IndexList m_selectedIndexes;
     int m_focusIndex = kNone;
 
-    // What nobody has been told yet.
+    // Signals that are not sent yet.
     int m_holds = 0;
     bool m_isOtherSelection = false;
     bool m_isScrollWanted = false;

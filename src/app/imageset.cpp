@@ -17,18 +17,13 @@ namespace plexa
 namespace
 {
 
-// Removals of more groups of photos than this are sent as a new list: for a view, one group costs as much.
+// Removals of more groups of photos are sent as a new list: for a view, one group costs as much.
 constexpr std::size_t kMaxRuns = 50;
 
-/// For a search without regard to letter case and to the two ways of encoding an accent.
+/// The form of a text for a search without regard to letter case and to the encoding of accents.
 QString searchable(const QString &text)
 {
     return text.normalized(QString::NormalizationForm_C).toLower();
-}
-
-QString fileNameIn(const QString &path)
-{
-    return path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
 }
 
 using Identities = std::unordered_set<const ImageObject *>;
@@ -91,7 +86,7 @@ ImageSet::ImageSet(const ImageSetServices &services)
             [this] { m_services.status.setNSelectedImages(m_selection.selectedIndexes().size()); });
     connect(&m_selection, &ImageSelection::focusImageChanged, this,
             [this](int to) { focusImageDidChangeTo(to); });
-    connect(&m_focusLoader, &FocusLoader::loaded, this, &ImageSet::focusLoaded);
+    connect(&m_loader, &BackgroundJob::ended, this, &ImageSet::focusLoaded);
     updateStatus();
 }
 
@@ -138,15 +133,15 @@ void ImageSet::selectAndPreviewImageWithIndex(int index)
 void ImageSet::setImageListModeToBrowser(bool isBrowser)
 {
     if (isBrowser && m_images->size() > kMaxImagesInBrowserMode) {
-        Alert alert;
-        alert.style = Alert::Style::Warning;
-        alert.title = tr("Too many images for the Small Batch mode!");
-        alert.text = tr("%1 images are currently imported. You cannot work with over %2 images in the Small "
-                        "Batch mode, because this may slow down your computer. Please remove some images if "
-                        "you need to switch.")
-                         .arg(m_images->size())
-                         .arg(kMaxImagesInBrowserMode);
-        m_services.alerts.run(alert);
+        const QString text =
+            tr("%1 images are currently imported. You cannot work with over %2 images in the Small Batch "
+               "mode, because this may slow down your computer. Please remove some images if you need to "
+               "switch.")
+                .arg(m_images->size())
+                .arg(kMaxImagesInBrowserMode);
+        m_services.alerts.run({.style = Alert::Style::Warning,
+                               .title = tr("Too many images for the Small Batch mode!"),
+                               .text = text});
         Q_EMIT imageListModeChanged(m_imageListIsInBrowserMode);
         return;
     }
@@ -162,7 +157,7 @@ void ImageSet::setImageListModeToBrowser(bool isBrowser)
 
 bool ImageSet::matchesFilter(const ImageObject &image) const
 {
-    return searchable(fileNameIn(image.path())).contains(m_searchedText);
+    return searchable(image.path().section(QLatin1Char('/'), -1)).contains(m_searchedText);
 }
 
 void ImageSet::filterImages(const QString &text)
@@ -341,24 +336,30 @@ std::ptrdiff_t ImageSet::moveShown(const ImageList &moved, int toIndex)
 
 void ImageSet::focusImageDidChangeTo(int index)
 {
-    if (index < 0) {
-        m_focusLoader.cancel();
-        show(nullptr);
-        return;
-    }
-    const std::shared_ptr<ImageObject> &image = (*m_imagesFiltered)[static_cast<std::size_t>(index)];
-    if (image->isLoaded()) {
-        m_focusLoader.cancel();
+    m_wanted = nullptr;
+    const auto image = index < 0 ? nullptr : (*m_imagesFiltered)[static_cast<std::size_t>(index)];
+    if (!image || image->isLoaded()) {
         show(image);
     } else {
-        m_focusLoader.load(image);
+        m_wanted = image;
+        loadWanted();
     }
 }
 
-void ImageSet::focusLoaded(const std::shared_ptr<ImageObject> &image, bool isLoaded)
+void ImageSet::loadWanted()
 {
+    if (!m_wanted || m_loader.isRunning())
+        return;
+    m_loading = std::exchange(m_wanted, nullptr);
+    m_loader.start([image = m_loading] { return image->loadImageFromDisk(); });
+}
+
+void ImageSet::focusLoaded(BackgroundJob::End end)
+{
+    const std::shared_ptr<ImageObject> image = std::exchange(m_loading, nullptr);
+    loadWanted();
     const int focus = m_selection.focusIndex();
-    if (isLoaded) {
+    if (end == BackgroundJob::End::Done) {
         if (focus >= 0 && focus == indexOf(image.get()))
             show(image);
         else
@@ -369,12 +370,10 @@ void ImageSet::focusLoaded(const std::shared_ptr<ImageObject> &image, bool isLoa
         return;
     removeImages({image});
     refreshImageList(Refresh::Full);
-    Alert alert;
-    alert.style = Alert::Style::Warning;
-    alert.title = tr("Unsupported image file");
-    alert.text =
+    const QString text =
         tr("Sorry, could not load the image %1. The format is not supported.").arg(image->filename());
-    m_services.alerts.run(alert);
+    m_services.alerts.run(
+        {.style = Alert::Style::Warning, .title = tr("Unsupported image file"), .text = text});
 }
 
 void ImageSet::show(const std::shared_ptr<ImageObject> &image)

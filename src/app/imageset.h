@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "app/focusloader.h"
+#include "app/backgroundjob.h"
 #include "app/imagelist.h"
 #include "app/imageselection.h"
 
@@ -17,7 +17,7 @@ class Alerts;
 class StatusManager;
 class UserDefaults;
 
-/// What a set and the gathering of its photos use. All of it outlives them.
+/// The services of a set and of the gathering of its photos. All of them outlive both.
 struct ImageSetServices {
     const PhotoServices &photos;
     UserDefaults &defaults;
@@ -26,10 +26,10 @@ struct ImageSetServices {
     int importThreads; ///< photos that are loaded at a time
 };
 
-/// The working set: the photos that the user has gathered, in his order, and those of them that are shown.
-/// In Small Batch mode ("browser mode", a grid) it holds at most 500 photos, all of which are loaded in the
-/// background (ImageGathering); in Large Batch mode (a table) it has no limit and loads a photo when the user
-/// selects it. Every index is one of imagesFiltered(). Main thread.
+/// The working set: the photos that the user has gathered, in the user's order, and the shown ones. In Small
+/// Batch mode ("browser mode", a grid) ImageGathering limits it to 500 photos and loads all of them; in Large
+/// Batch mode (a table) a photo is loaded when the user selects it. Indexes are those of imagesFiltered().
+/// Main thread.
 class ImageSet final : public QObject
 {
     Q_OBJECT
@@ -43,7 +43,7 @@ public:
 
     /// The whole set.
     std::shared_ptr<const ImageList> images() const { return m_images; }
-    /// The shown photos: the very same list while no filter is active, else another one.
+    /// The shown photos: the same list while no filter is active, else another one.
     std::shared_ptr<const ImageList> imagesFiltered() const { return m_imagesFiltered; }
     bool isFiltered() const { return m_imagesFiltered != m_images; }
 
@@ -51,7 +51,7 @@ public:
     const ImageSelection &selection() const { return m_selection; }
     /// In the order of the list.
     ImageList selectedImages() const;
-    /// Selects one photo and asks the preview to show all of it; an index of -1 only clears the selection.
+    /// Selects one photo and fits it into the preview; an index of -1 only clears the selection.
     void selectAndPreviewImageWithIndex(int index);
 
     bool imageListIsInBrowserMode() const { return m_imageListIsInBrowserMode; }
@@ -59,9 +59,8 @@ public:
     void setImageListModeToBrowser(bool isBrowser);
     void switchImageListMode() { setImageListModeToBrowser(!m_imageListIsInBrowserMode); }
 
-    /// The whole set as it is now. Any thread.
+    // Any thread.
     ImageList imagesNow() const;
-    /// Any thread.
     bool contains(const ImageObject *image) const;
 
     /// Adds photos at the end, whatever the limit.
@@ -77,8 +76,8 @@ public:
     void disableImageFilters();
 
     void removeSelectedImages();
-    /// Moves photos before the one that is at `toIndex` now; the list's length means to the end. While a
-    /// filter is active, the end of the shown list means the same index in the whole one.
+    /// Moves photos to the place before `toIndex`. While a filter is active, the end of the shown list means
+    /// the same index in the whole one.
     void moveIndexes(const IndexList &indexes, int toIndex);
 
     /// The photo of the last shownImageChanged().
@@ -90,8 +89,8 @@ public:
     void refreshImageList(Refresh refresh) { Q_EMIT refreshed(refresh); }
 
 Q_SIGNALS:
-    // Changes of the shown list; each pair encloses one change. When the second one is sent, the selection
-    // has its new indexes. The signals of the selection are sent afterwards.
+    // Changes of the shown list. At the second signal of a pair the selection has its new indexes; its own
+    // signals are sent afterwards.
     void imagesAboutToBeInserted(int first, int last);
     void imagesInserted();
     void imagesAboutToBeRemoved(int first, int last);
@@ -102,12 +101,12 @@ Q_SIGNALS:
     void listReset();
 
     void refreshed(plexa::ImageSet::Refresh refresh);
-    /// The mode of now. Sent even if a change was refused, so that a button can go back.
+    /// Sent even if a change was refused, so that a button can go back.
     void imageListModeChanged(bool isBrowser);
     void filterTextChanged();
-    /// The photo to preview, loaded; null: none.
+    /// The photo to preview, loaded; or null.
     void shownImageChanged(const std::shared_ptr<plexa::ImageObject> &image);
-    /// The preview is to show the whole photo that has the focus, which may still be loading.
+    /// The photo that has the focus, which may still be loading, is to be fitted into the preview.
     void fitToWindowRequested();
 
 private:
@@ -120,7 +119,8 @@ private:
     void updateStatus();
 
     void focusImageDidChangeTo(int index);
-    void focusLoaded(const std::shared_ptr<ImageObject> &image, bool isLoaded);
+    void loadWanted();
+    void focusLoaded(BackgroundJob::End end);
     void show(const std::shared_ptr<ImageObject> &image);
 
     const ImageSetServices m_services;
@@ -133,7 +133,10 @@ private:
     QString m_filterText;
     QString m_searchedText; // the same in the form that is compared
     bool m_imageListIsInBrowserMode = true;
-    FocusLoader m_focusLoader;
+    // A user who walks through a long list gets the photo where the walk stops: only the last one waits.
+    std::shared_ptr<ImageObject> m_wanted;
+    std::shared_ptr<ImageObject> m_loading;
+    BackgroundJob m_loader;
 };
 
 } // namespace plexa

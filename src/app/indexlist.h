@@ -2,7 +2,11 @@
 
 #pragma once
 
+#include <QByteArrayList>
 #include <QList>
+
+#include <limits>
+#include <set>
 
 namespace plexa
 {
@@ -11,11 +15,35 @@ namespace plexa
 using IndexList = QList<int>;
 
 /// Ascending, each once, without those that are not in a list of `count`.
-IndexList cleanedIndexes(IndexList indexes, std::size_t count);
+inline IndexList cleanedIndexes(const IndexList &indexes, std::size_t count)
+{
+    const std::set<int> sorted(indexes.begin(), indexes.end());
+    const IndexList clean(sorted.lower_bound(0), sorted.lower_bound(static_cast<int>(count)));
+    if (clean.isEmpty())
+        return {}; // Qt compares lists by memcmp(), which an emptied list and one without memory are not for
+    return clean;
+}
 
 /// Positions as drags within the program carry them: "3 5 8".
-QByteArray draggedBytesOf(const IndexList &indexes);
+inline QByteArray draggedBytesOf(const IndexList &indexes)
+{
+    QByteArrayList numbers;
+    for (const int index : indexes)
+        numbers.append(QByteArray::number(index));
+    return numbers.join(' ');
+}
+
 /// @return the numbers in bytes of any origin, cleaned
-IndexList indexesFromDrag(const QByteArray &bytes);
+inline IndexList indexesFromDrag(const QByteArray &bytes)
+{
+    IndexList indexes;
+    for (const QByteArray &number : bytes.split(' ')) {
+        bool isNumber = false;
+        const int index = number.toInt(&isNumber);
+        if (isNumber)
+            indexes.append(index);
+    }
+    return cleanedIndexes(indexes, std::numeric_limits<int>::max());
+}
 
 } // namespace plexa

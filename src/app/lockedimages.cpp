@@ -15,7 +15,7 @@ namespace plexa
 namespace
 {
 
-// How long to leave photos alone that are all in somebody else's hands: not felt by a person, and no load.
+// The pause while all photos are locked by others: too short to be noticed, too long to be a load.
 constexpr auto kPause = std::chrono::milliseconds(5);
 
 class Round
@@ -57,7 +57,7 @@ private:
         }
     }
 
-    /// @return false when somebody else holds the photo
+    /// @return false if the photo is locked
     bool tryOn(ImageObject &image)
     {
         using enum ImageObject::LoadOutcome;

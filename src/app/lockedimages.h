@@ -9,26 +9,27 @@
 namespace plexa
 {
 
-/// Work on each of many photos under the photo's own processing lock. It never waits for a lock: a photo that
-/// somebody else holds comes round again when the others have had their turn.
+/// Work on each of many photos under the photo's own processing lock. It never waits for a lock: a locked
+/// photo is tried again after the others.
 struct LockedImagesWork {
     ImageList images;
     int threads = 1;          ///< at least 1
     bool loadsImages = false; ///< the work needs photos that are loaded
 
-    /// Called once for each photo that is reached, with its lock held, on a worker thread.
-    /// @param isLoaded  it stays so meanwhile; false: the photo must not be asked for anything that loads it,
-    ///                  and cannot be loaded if that was wanted
+    /// Called once for each photo, with its lock held, on a worker thread.
+    /// @param isLoaded  it stays loaded meanwhile; false: the work must not load it, and with `loadsImages`
+    /// it
+    ///                  cannot be loaded
     std::function<void(ImageObject &image, bool isLoaded)> work;
 
-    /// Called after it, the lock given back. Worker threads, one at a time.
+    /// Called after it, without the lock. Worker threads, one at a time.
     std::function<void(const std::shared_ptr<ImageObject> &image)> done;
 
-    /// Asked before every try; true: no further photo is begun. Any thread.
+    /// Checked before every try; true: no further photo is begun. Any thread.
     std::function<bool()> isStopped;
 };
 
-/// Runs it and returns when every photo is done, or it was stopped.
+/// Returns when every photo is done or the work was stopped.
 void runOnLockedImages(const LockedImagesWork &job);
 
 } // namespace plexa

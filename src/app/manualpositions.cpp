@@ -13,7 +13,7 @@ namespace plexa
 namespace
 {
 
-/// The place as fractions of the photo's size; none where there is no place, or no photo.
+/// The place as fractions of the photo's size; none without a place or a photo.
 std::optional<QPointF> relativePosition(ImageObject &image, const WPreset *preset)
 {
     const std::optional<QPointF> origin = image.customWatermarkRectOriginForWPreset(preset);
@@ -93,7 +93,7 @@ void ManualPositions::pasteManualPositioning(const ImageList &images,
 void ManualPositions::startPaste()
 {
     m_status.startOperation(StatusOperation::Pasting);
-    // The first one of the queue stays in its place until the end.
+    // The first one stays in the queue until the end.
     m_job.start([this, &paste = m_pastes.front()] {
         runPaste(paste);
         return true;
@@ -107,7 +107,7 @@ void ManualPositions::runPaste(const Paste &paste)
     work.images = paste.images;
     work.threads = m_threads;
     work.work = [&paste](ImageObject &image, bool) {
-        // Only the photo's size is needed. The headers of its file have it.
+        // Reads the headers of the file only.
         const Result<PhotoFacts> facts = image.readFacts();
         if (!facts)
             return;

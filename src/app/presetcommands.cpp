@@ -16,11 +16,7 @@ namespace
 
 void report(Alerts &alerts, Alert::Style style, const QString &title, const QStringList &sentences)
 {
-    Alert alert;
-    alert.style = style;
-    alert.title = title;
-    alert.text = sentences.join(u'\n');
-    alerts.run(alert);
+    alerts.run({.style = style, .title = title, .text = sentences.join(u'\n')});
 }
 
 } // namespace

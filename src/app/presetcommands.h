@@ -12,8 +12,7 @@ class Alerts;
 class PresetsStore;
 struct Error;
 
-/// Changes of the user's presets that are saved at once, and the messages about them: the import of preset
-/// files, and the quick preset as a new one. Main thread.
+/// Changes of the user's presets that are saved at once, and the messages about them. Main thread.
 class PresetCommands final
 {
     Q_DECLARE_TR_FUNCTIONS(plexa::PresetCommands)
@@ -23,7 +22,7 @@ public:
     PresetCommands(PresetsStore &store, Alerts &alerts);
 
     /// Adds the presets of a file to the user's and saves them; reports the result.
-    /// @return whether the file is one of presets, judged by its suffix
+    /// @return whether the file has the suffix of a preset file
     bool importPresetsFile(const QString &path);
 
     /// Adds a copy of the quick preset to the user's and saves them; reports a failure.

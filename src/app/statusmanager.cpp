@@ -29,7 +29,7 @@ StatusManager::StatusManager()
     m_line.text = lineOfImages();
 }
 
-/// The end when the operation is not running. Called with the lock held.
+/// The end if the operation is not running. Called with the lock held.
 std::vector<StatusManager::Entry>::iterator StatusManager::lastEntry(StatusOperation operation)
 {
     const auto last = std::find_if(m_currentOperations.rbegin(), m_currentOperations.rend(),
@@ -110,7 +110,7 @@ void StatusManager::setNSelectedImages(qint64 count)
 
 void StatusManager::update()
 {
-    // One event stands for all changes up to the moment when it is handled.
+    // One event for all changes until it is handled.
     const std::lock_guard lock(m_mutex);
     if (!std::exchange(m_isUpdateQueued, true))
         QMetaObject::invokeMethod(this, "makeLine", Qt::QueuedConnection);
@@ -131,7 +131,7 @@ void StatusManager::makeLine()
     Q_EMIT lineChanged();
 }
 
-/// The line of what runs; it cannot be stopped when nothing does.
+/// It cannot be stopped if nothing runs.
 StatusLine StatusManager::lineOfOperations() const
 {
     const std::lock_guard lock(m_mutex);
@@ -148,7 +148,7 @@ StatusLine StatusManager::lineOfOperations() const
     line.text += QStringLiteral("...");
     line.canBeStopped = true;
 
-    // The operation that began first has the bar.
+    // The bar belongs to the operation that began first.
     const Entry &first = m_currentOperations.front();
     if (first.operation == StatusOperation::Counting) {
         line.bar = StatusLine::Bar::Busy;

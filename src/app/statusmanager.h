@@ -12,29 +12,29 @@
 namespace plexa
 {
 
-/// What the status line tells of; the numbers are the operations' codes.
+/// The operations that the status line shows; the numbers are their codes.
 enum class StatusOperation : quint32 {
     NoImages = 0, ///< never started
     Counting = 1,
     Importing = 2,
-    Processing = 3, ///< copies for another program
-    Rotating = 4,   ///< turns and mirrors alike
+    Processing = 3, ///< saving
+    Rotating = 4,   ///< and mirroring
     Pasting = 5,
 };
 
-/// The status line as it is to be drawn.
+/// The contents of the status line.
 struct StatusLine {
     enum class Bar { Hidden, Busy, Fraction };
 
     QString text;
     Bar bar = Bar::Hidden;
     float fraction = 0;        ///< 0..1, for Bar::Fraction
-    bool canBeStopped = false; ///< the stop button is shown and enabled
+    bool canBeStopped = false; ///< the stop button is shown
 
     bool operator==(const StatusLine &) const = default;
 };
 
-/// The status line: what is running, else how many photos there are. Lives on the main thread.
+/// The status line: the running operations, else the number of photos. Lives on the main thread.
 class StatusManager final : public QObject
 {
     Q_OBJECT
@@ -42,35 +42,32 @@ class StatusManager final : public QObject
 public:
     StatusManager();
 
-    /// Begins to tell of an operation; one that is told of already is not told of twice. Any thread.
+    // Any thread. An operation that runs already is not started again; false: it was not running.
     void startOperation(StatusOperation operation);
-
-    /// Ends it. @return false when it was not running. Any thread.
     bool endOperation(StatusOperation operation);
 
-    /// Processing, by several at once: it is told of until the last one ends. Any thread.
+    /// Processing may run several times at once: it is shown until the last one ends. Any thread.
     void startProcessing();
     void endProcessing();
 
+    /// Any thread.
     /// @param progress  0..1; for Counting, the number of photos found
-    /// @return false when the operation is not running. Any thread.
+    /// @return false if the operation is not running
     bool setProgress(float progress, StatusOperation operation);
 
-    /// The lists whose sizes are told while nothing runs. They change on the main thread only.
+    /// The lists whose sizes are shown while nothing runs. They change on the main thread only.
     void setImages(std::shared_ptr<const ImageList> images, std::shared_ptr<const ImageList> filtered,
                    qint64 nSelected);
 
     void setNSelectedImages(qint64 count);
-    qint64 nSelectedImages() const { return m_nSelectedImages; }
 
-    /// Makes the line anew, later on the main thread. Any thread.
+    /// Updates the line later, on the main thread. Any thread.
     void update();
 
-    /// The line as it was made last. Main thread.
+    /// The line of the last update. Main thread.
     const StatusLine &line() const { return m_line; }
 
 Q_SIGNALS:
-    /// The line differs from before. Main thread.
     void lineChanged();
 
 private:

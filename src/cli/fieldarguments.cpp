@@ -5,10 +5,6 @@
 #include "presets/savingformats.h"
 #include "presets/savingpresetfields.h"
 
-#include <QJsonArray>
-
-#include <algorithm>
-
 namespace plexa
 {
 namespace
@@ -29,72 +25,20 @@ Result<FieldArgument> parsed(const std::string &argument)
     return FieldArgument{text.left(equals), text.mid(equals + 1)};
 }
 
-/// The text of a JSON string, else the argument's text.
-QString textOf(const FieldArgument &argument)
+/// Refuses values with which no copy can be written.
+Result<FieldValue> checked(const QString &name, const FieldValue &value)
 {
-    const QJsonValue json = jsonInText(argument.text);
-    return json.isString() ? json.toString() : argument.text;
-}
-
-Result<FieldValue> text(const FieldArgument &argument, const QStringList &choices)
-{
-    const QString text = textOf(argument);
-    if (choices.isEmpty() || choices.contains(text))
-        return text;
-    return fail(QStringLiteral("%1: \"%2\" is not one of \"%3\"")
-                    .arg(argument.name, text, choices.join(QLatin1String("\", \""))));
-}
-
-/// A list in JSON, or a single token.
-Result<FieldValue> tokens(const FieldArgument &argument)
-{
-    const QJsonValue json = jsonInText(argument.text);
-    QStringList list;
-    if (!json.isArray())
-        list.append(textOf(argument));
-    for (const QJsonValue &token : json.toArray()) {
-        if (!token.isString())
-            return fail(
-                QStringLiteral("%1: a list of texts, as in [\"filename\",\"-small\"]").arg(argument.name));
-        list.append(token.toString());
-    }
-    if (std::all_of(list.begin(), list.end(), [](const QString &token) { return token.isEmpty(); }))
-        return fail(QStringLiteral("%1: at least one that is not empty").arg(argument.name));
-    return list;
-}
-
-Result<FieldValue> quality(const FieldArgument &argument)
-{
-    bool isNumber = false;
-    const int quality = argument.text.toInt(&isNumber);
-    if (isNumber && quality >= SavingPresetValues::kLowestQuality &&
-        quality <= SavingPresetValues::kHighestQuality)
-        return WholeNumber(quality);
-    return fail(QStringLiteral("%1: a whole number from %2 to %3")
-                    .arg(argument.name)
-                    .arg(SavingPresetValues::kLowestQuality)
-                    .arg(SavingPresetValues::kHighestQuality));
-}
-
-Result<FieldValue> truth(const FieldArgument &argument)
-{
-    if (argument.text == QLatin1String("true") || argument.text == QLatin1String("false"))
-        return argument.text == QLatin1String("true");
-    return fail(QStringLiteral("%1: true or false").arg(argument.name));
-}
-
-Result<FieldValue> valueOf(const SavingPresetField &field, const FieldArgument &argument)
-{
-    switch (field.kind) {
-    case FieldKind::Strings:
-        return tokens(argument);
-    case FieldKind::Integer:
-        return quality(argument);
-    case FieldKind::Boolean:
-        return truth(argument);
-    default:
-        return text(argument, field.choices());
-    }
+    const auto *const tokens = std::get_if<QStringList>(&value);
+    if (tokens && tokens->join(QString()).isEmpty())
+        return fail(QStringLiteral("%1: at least one that is not empty").arg(name));
+    const auto *const quality = std::get_if<WholeNumber>(&value);
+    if (quality &&
+        (*quality < SavingPresetValues::kLowestQuality || *quality > SavingPresetValues::kHighestQuality))
+        return fail(QStringLiteral("%1: a whole number from %2 to %3")
+                        .arg(name)
+                        .arg(SavingPresetValues::kLowestQuality)
+                        .arg(SavingPresetValues::kHighestQuality));
+    return value;
 }
 
 } // namespace
@@ -131,8 +75,12 @@ Result<void> applySavingField(SavingPresetValues &preset, const std::string &arg
     const Result<FieldArgument> given = parsed(argument);
     if (!given)
         return tl::unexpected(given.error());
-    if (const SavingPresetField *const field = savingPresetField(given->name))
-        return valueOf(*field, *given).map([&](const FieldValue &value) { field->setValue(preset, value); });
+    if (const SavingPresetField *const field = savingPresetField(given->name)) {
+        const QJsonValue json = jsonForField(field->kind, given->text);
+        return fieldValueFrom(given->name, field->kind, field->choices(), json)
+            .and_then([&](const FieldValue &value) { return checked(given->name, value); })
+            .map([&](const FieldValue &value) { field->setValue(preset, value); });
+    }
     QStringList names;
     for (const SavingPresetField &field : savingPresetFields())
         names.append(field.name);

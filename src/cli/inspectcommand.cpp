@@ -2,7 +2,6 @@
 
 #include "cli/inspectcommand.h"
 
-#include "cli/exitstatus.h"
 #include "cli/interruption.h"
 #include "cli/messages.h"
 #include "imageio/imagesource.h"

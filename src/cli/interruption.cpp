@@ -31,11 +31,6 @@ void catchInterruptions()
     }
 }
 
-void outliveFileSizeLimit()
-{
-    std::signal(SIGXFSZ, SIG_IGN);
-}
-
 bool isInterrupted()
 {
     return isAsked;

@@ -5,13 +5,9 @@
 namespace plexa
 {
 
-/// From now on the first SIGINT, SIGHUP or SIGTERM only sets the flag of isInterrupted(); the second one ends
-/// the program. Signals that are ignored at the start stay ignored. Called once, by the main thread.
+/// From now on the first SIGINT, SIGHUP or SIGTERM sets the flag of isInterrupted(); the second one ends the
+/// program. Signals that are ignored at the start stay ignored. Called once, by the main thread.
 void catchInterruptions();
-
-/// From now on writing beyond the file-size limit of the process fails, as on a full disk, instead of ending
-/// the program. Called once, by the main thread.
-void outliveFileSizeLimit();
 
 /// Has a signal asked the program to stop? Any thread.
 bool isInterrupted();

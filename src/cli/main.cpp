@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "cli/exitstatus.h"
 #include "cli/inspectcommand.h"
 #include "cli/interruption.h"
-#include "cli/pathargument.h"
+#include "cli/messages.h"
 #include "cli/presetscommand.h"
 #include "cli/savecommand.h"
 #include "platform/applicationname.h"
@@ -13,8 +12,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include <csignal>
 #include <cstdio>
 #include <new>
+#include <string_view>
 
 namespace
 {
@@ -24,6 +25,20 @@ void printFaultsOnly(QtMsgType type, const QMessageLogContext &, const QString &
 {
     if (type == QtCriticalMsg || type == QtFatalMsg)
         std::fprintf(stderr, "%s\n", qUtf8Printable(text));
+}
+
+/// The first argument that is an option with "=" and nothing after it, to which the parser would assign the
+/// next argument; null if there is none.
+const char *emptyAssignment(int argc, char *const *argv)
+{
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        if (argument == "--")
+            break;
+        if (argument.starts_with("--") && argument.find('=') == argument.size() - 1)
+            return argv[i];
+    }
+    return nullptr;
 }
 
 int run(int argc, char **argv)
@@ -73,7 +88,7 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(plexa::applicationName());
     QCoreApplication::setApplicationVersion(plexa::applicationVersion());
     plexa::catchInterruptions();
-    plexa::outliveFileSizeLimit();
+    std::signal(SIGXFSZ, SIG_IGN); // writing beyond the file-size limit then fails as on a full disk
     int status = plexa::kSomethingFailed;
     try {
         status = run(argc, argv);

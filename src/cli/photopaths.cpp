@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <CLI/CLI.hpp>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -36,7 +37,22 @@ bool isAbsent(int error)
     return error == ENOENT || error == ENOTDIR;
 }
 
+const std::string kNothing = "there is nothing in it";
+
 } // namespace
+
+CLI::Validator someText()
+{
+    return CLI::Validator([](std::string &text) { return text.empty() ? kNothing : std::string(); },
+                          std::string());
+}
+
+CLI::Validator somePath()
+{
+    return CLI::Validator(
+        [](std::string &path) { return path.empty() ? kNothing : decodedPath(path).failure.toStdString(); },
+        std::string());
+}
 
 PhotoPath decodedPath(const std::string &path)
 {

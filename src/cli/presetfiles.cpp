@@ -15,39 +15,8 @@ namespace
 
 using Kind = PresetsStore::Kind;
 
-QString laterNotice()
-{
-    return QStringLiteral("a later version of Plexa wrote it; additions of that version are not read");
-}
-
-/// An error line of the reader as part of a sentence: without the leading "ERROR" and the file's name.
-QString reasonIn(QByteArray line, const QString &path)
-{
-    const QByteArray start = "ERROR";
-    const qsizetype position = start.size() + path.toUtf8().size();
-    if (line.startsWith(start + ':'))
-        line.remove(0, start.size() + 1);
-    else if (line.startsWith(start))
-        line.remove(0, position);
-    return QString::fromUtf8(line).simplified();
-}
-
-/// @return a failure when the presets are not of this kind
-Result<void> expectKind(const QString &path, Kind kind)
-{
-    const Result<Kind> found = kindOfPresetsFile(path);
-    if (!found)
-        return tl::unexpected(found.error());
-    if (*found == kind)
-        return {};
-    return fail(kind == Kind::Saving
-                    ? QStringLiteral("it is a file of watermark presets, not of saving presets")
-                    : QStringLiteral("it is a file of saving presets, not of watermark presets"));
-}
-
-} // namespace
-
-Result<Kind> kindOfPresetsFile(const QString &path)
+/// The kind of the presets in a file, detected by its first bytes, not by its name.
+Result<Kind> kindOf(const QString &path)
 {
     constexpr qint64 kStartBytes = 64 * 1024;
     if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) // opening a pipe would block
@@ -73,40 +42,34 @@ Result<Kind> kindOfPresetsFile(const QString &path)
     return fail(QStringLiteral("it is not a file of presets"));
 }
 
-Result<PresetsRead<SavingPresetList>> savingPresetsIn(const QString &path)
-{
-    if (const Result<void> expected = expectKind(path, Kind::Saving); !expected)
-        return tl::unexpected(expected.error());
-    QStringList errors;
-    ReadCode code{};
-    bool isLater = false;
-    auto presets = SavingPreset::readObjectsFromFile(
-        path, presetsApplicationID(), code,
-        [&](const QByteArray &line) { errors.append(reasonIn(line, path)); }, &isLater);
-    if (!presets)
-        return fail(QStringLiteral("it is not a file of saving presets: %1").arg(errors.join(u"; ")));
-    PresetsRead<SavingPresetList> read{std::move(*presets), {}, {}};
-    if (!errors.isEmpty())
-        read.notice = QStringLiteral("some of it cannot be read: %1").arg(errors.join(u"; "));
-    else if (isLater)
-        read.notice = laterNotice();
-    return read;
-}
+} // namespace
 
-Result<PresetsRead<WPresetList>> wPresetsIn(const QString &path, const SavingPresetLookup &savingPresetWithID)
+Result<PresetsFile> presetsIn(const QString &path, std::optional<Kind> expected,
+                              const SavingPresetLookup &savingPresetWithID)
 {
-    if (const Result<void> expected = expectKind(path, Kind::Watermark); !expected)
-        return tl::unexpected(expected.error());
-    bool isLater = false;
-    QStringList leftOut;
-    return readWPresetsFromFile(path, &isLater, savingPresetWithID, &leftOut).map([&](WPresetList &&presets) {
-        return PresetsRead<WPresetList>{std::move(presets), isLater ? laterNotice() : QString(), leftOut};
-    });
-}
-
-QString storedPresetsFile(PresetsStore::Kind kind)
-{
-    return PresetsStore::listOrExamplesFile(kind, PresetsStore::Places::own());
+    const Result<Kind> kind = kindOf(path);
+    if (!kind)
+        return tl::unexpected(kind.error());
+    const bool areWatermarks = *kind == Kind::Watermark;
+    if (expected && *kind != *expected)
+        return fail(areWatermarks
+                        ? QStringLiteral("it is a file of watermark presets, not of saving presets")
+                        : QStringLiteral("it is a file of saving presets, not of watermark presets"));
+    const PresetsFileReading read = areWatermarks ? readWPresetsFile(path, savingPresetWithID)
+                                                  : readSavingPresetsFile(path, [](const QByteArray &) {});
+    const QString faults = read.faults.join(u"; ");
+    if (!read.hasList)
+        return fail(areWatermarks ? faults
+                                  : QStringLiteral("it is not a file of saving presets: %1").arg(faults));
+    PresetsFile file{areWatermarks, read.wPresets, read.savingPresets, {}, {}};
+    if (areWatermarks)
+        file.leftOut = read.faults;
+    else if (!read.faults.isEmpty())
+        file.notice = QStringLiteral("some of it cannot be read: %1").arg(faults);
+    if (file.notice.isEmpty() && read.isLater)
+        file.notice = QStringLiteral("a later version of Plexa wrote it; additions of that version are not "
+                                     "read");
+    return file;
 }
 
 } // namespace plexa

@@ -2,9 +2,8 @@
 
 #include "cli/presetscommand.h"
 
-#include "cli/exitstatus.h"
 #include "cli/messages.h"
-#include "cli/pathargument.h"
+#include "cli/photopaths.h"
 #include "cli/presetfiles.h"
 #include "presets/presetsfilereading.h"
 #include "watermark/texttokens.h"
@@ -34,31 +33,6 @@ public:
 private:
     qint64 m_presetID;
 };
-
-/// The presets of one file, of either kind.
-struct PresetsFile {
-    bool areWatermarks = false;
-    WPresetList wPresets;
-    SavingPresetList savingPresets;
-    QString notice;      ///< why the file may contain more; or empty
-    QStringList leftOut; ///< the parts of the file that are in neither list
-};
-
-Result<PresetsFile> readPresetsFile(const QString &path)
-{
-    const Result<PresetsStore::Kind> kind = kindOfPresetsFile(path);
-    if (!kind)
-        return tl::unexpected(kind.error());
-    if (*kind == PresetsStore::Kind::Saving) {
-        return savingPresetsIn(path).map([](const PresetsRead<SavingPresetList> &read) {
-            return PresetsFile{false, {}, read.presets, read.notice, read.leftOut};
-        });
-    }
-    const auto number = [](qint64 presetID) { return std::make_shared<SavingPresetNumber>(presetID); };
-    return wPresetsIn(path, number).map([](const PresetsRead<WPresetList> &read) {
-        return PresetsFile{true, read.presets, {}, read.notice, read.leftOut};
-    });
-}
 
 QJsonObject asJson(const SavingPreset &preset)
 {
@@ -95,21 +69,24 @@ QString lineFor(const SavingPreset &preset)
         .arg(preset.name(), preset.imageFormat(), preset.filenameTokens().join(QLatin1String("\" \"")));
 }
 
+QJsonObject asJson(const WPreset &preset)
+{
+    return asJson(preset.values());
+}
+
 void print(const PresetsFile &file, bool json)
 {
     QJsonArray objects;
-    for (const auto &preset : file.wPresets) {
-        if (json)
-            objects.append(asJson(preset->values()));
-        else
-            printLine(stdout, onOneLine(lineFor(*preset)));
-    }
-    for (const auto &preset : file.savingPresets) {
-        if (json)
-            objects.append(asJson(*preset));
-        else
-            printLine(stdout, onOneLine(lineFor(*preset)));
-    }
+    const auto printEach = [&](const auto &presets) {
+        for (const auto &preset : presets) {
+            if (json)
+                objects.append(asJson(*preset));
+            else
+                printLine(stdout, onOneLine(lineFor(*preset)));
+        }
+    };
+    printEach(file.wPresets);
+    printEach(file.savingPresets);
     if (json)
         printLine(stdout, QString::fromUtf8(QJsonDocument(objects).toJson().trimmed()));
 }
@@ -125,13 +102,6 @@ void printFaults(const PresetsFile &file, const QString &path)
     }
 }
 
-/// Does the name have the suffix of the other kind of presets?
-bool isNameOfOtherKind(const QString &target, const PresetsFile &file)
-{
-    const QLatin1StringView suffix(file.areWatermarks ? ".pxspr" : ".pxwpr");
-    return target.endsWith(suffix, Qt::CaseInsensitive);
-}
-
 /// @param path  of the file that was read
 /// @return a failure as text that follows that path
 Result<void> convert(const PresetsFile &file, const QString &path, const QString &target)
@@ -143,12 +113,10 @@ Result<void> convert(const PresetsFile &file, const QString &path, const QString
         return fail(
             QStringLiteral("nothing is written, because a part would be left out: %1. Read: %2")
                 .arg(file.notice, file.areWatermarks ? namesOf(file.wPresets) : namesOf(file.savingPresets)));
-    if (isNameOfOtherKind(target, file))
-        return fail(file.areWatermarks
-                        ? QStringLiteral("it contains watermark presets; \"%1\" is a name for saving presets")
-                              .arg(target)
-                        : QStringLiteral("it contains saving presets; \"%1\" is a name for watermark presets")
-                              .arg(target));
+    const QStringList kinds{QStringLiteral("watermark presets"), QStringLiteral("saving presets")};
+    if (target.endsWith(QLatin1StringView(file.areWatermarks ? ".pxspr" : ".pxwpr"), Qt::CaseInsensitive))
+        return fail(QStringLiteral("it contains %1; \"%2\" is a name for %3")
+                        .arg(kinds[file.areWatermarks ? 0 : 1], target, kinds[file.areWatermarks ? 1 : 0]));
     return file.areWatermarks
                ? writeWPresets(file.wPresets, target)
                : SavingPreset::writeObjects(file.savingPresets, target, presetsApplicationID());
@@ -174,7 +142,8 @@ CLI::App *addPresetsCommand(CLI::App &program, PresetsOptions &options)
 int runPresets(const PresetsOptions &options)
 {
     const QString path = QFile::decodeName(options.file.c_str());
-    const Result<PresetsFile> file = readPresetsFile(path);
+    const auto number = [](qint64 presetID) { return std::make_shared<SavingPresetNumber>(presetID); };
+    const Result<PresetsFile> file = presetsIn(path, std::nullopt, number);
     if (!file) {
         printAbout(path, file.error().text);
         return kSomethingFailed;

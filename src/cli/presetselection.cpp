@@ -15,10 +15,11 @@ namespace plexa
 namespace
 {
 
-/// The given file, else the user's own.
+/// The given file, else the user's own list, or the examples if that is absent.
 QString fileOrStored(const std::string &file, PresetsStore::Kind kind)
 {
-    return file.empty() ? storedPresetsFile(kind) : QFile::decodeName(file.c_str());
+    return file.empty() ? PresetsStore::listOrExamplesFile(kind, PresetsStore::Places::own())
+                        : QFile::decodeName(file.c_str());
 }
 
 /// The name of the file in a message.
@@ -27,24 +28,20 @@ QString described(const QString &path)
     return path.startsWith(u':') ? QStringLiteral("the example presets") : QStringLiteral("\"%1\"").arg(path);
 }
 
-tl::unexpected<Error> unreadable(const QString &path, const Error &error)
+/// Reads a file of presets. Reports its parts that were not read, unless the run is quiet.
+Result<PresetsFile> reportedPresets(const QString &path, PresetsStore::Kind kind, bool isQuiet,
+                                    const SavingPresetLookup &savingPresetWithID = {})
 {
-    return fail(QStringLiteral("%1: %2").arg(described(path), error.text));
-}
-
-/// The presets alone. Reports the parts of their file that were not read, unless the run is quiet.
-template<class List>
-Result<List> withNotice(const QString &path, Result<PresetsRead<List>> &&read, bool isQuiet)
-{
-    if (!read)
-        return unreadable(path, read.error());
+    const Result<PresetsFile> file = presetsIn(path, kind, savingPresetWithID);
+    if (!file)
+        return fail(QStringLiteral("%1: %2").arg(described(path), file.error().text));
     if (!isQuiet) {
-        if (!read->notice.isEmpty())
-            printAbout(path, read->notice);
-        for (const QString &fault : read->leftOut)
+        if (!file->notice.isEmpty())
+            printAbout(path, file->notice);
+        for (const QString &fault : file->leftOut)
             printAbout(path, fault);
     }
-    return std::move(read->presets);
+    return file;
 }
 
 /// Do the options name a saving preset for the run?
@@ -61,7 +58,8 @@ Result<SavingPresetList> assignableSavingPresets(const SaveOptions &options)
         return SavingPresetList();
     const QString path = fileOrStored(options.savingPresetsFile, PresetsStore::Kind::Saving);
     // If chosenSavingPreset() reads the same file, it reports its faults.
-    return withNotice(path, savingPresetsIn(path), options.quiet || isSavingPresetChosen(options));
+    return reportedPresets(path, PresetsStore::Kind::Saving, options.quiet || isSavingPresetChosen(options))
+        .map([](const PresetsFile &file) { return file.savingPresets; });
 }
 
 SavingPresetPtr withID(const SavingPresetList &presets, qint64 presetID)
@@ -118,10 +116,11 @@ Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
     const auto savingPreset = [&](qint64 presetID) -> SavingPresetPtr {
         return assignable ? withID(*assignable, presetID) : unknown;
     };
-    const Result<WPresetList> presets = withNotice(path, wPresetsIn(path, savingPreset), options.quiet);
+    const Result<PresetsFile> presets =
+        reportedPresets(path, PresetsStore::Kind::Watermark, options.quiet, savingPreset);
     if (!presets)
         return tl::unexpected(presets.error());
-    const Result<std::vector<AppliedPreset>> applied = namedPresets(options.applied, *presets, path);
+    const Result<std::vector<AppliedPreset>> applied = namedPresets(options.applied, presets->wPresets, path);
     if (!applied)
         return applied;
     if (!assignable) {
@@ -148,21 +147,22 @@ Result<std::optional<SavingPresetValues>> chosenSavingPreset(const SaveOptions &
     if (!isSavingPresetChosen(options))
         return std::optional<SavingPresetValues>();
     const QString path = fileOrStored(options.savingPresetsFile, PresetsStore::Kind::Saving);
-    const Result<SavingPresetList> presets = withNotice(path, savingPresetsIn(path), options.quiet);
-    if (!presets)
-        return tl::unexpected(presets.error());
+    const auto file = reportedPresets(path, PresetsStore::Kind::Saving, options.quiet);
+    if (!file)
+        return tl::unexpected(file.error());
+    const SavingPresetList &presets = file->savingPresets;
     const QString name = QString::fromStdString(options.savingPreset);
-    for (const auto &preset : *presets) {
-        if (preset->name() == name || (options.savingPreset.empty() && presets->size() == 1))
+    for (const auto &preset : presets) {
+        if (preset->name() == name || (options.savingPreset.empty() && presets.size() == 1))
             return std::optional(preset->values());
     }
     // The file may be given for the assigned saving presets only.
     if (options.savingPreset.empty() && isPresetsMode(options))
         return std::optional<SavingPresetValues>();
-    if (presets->empty())
+    if (presets.empty())
         return fail(QStringLiteral("there are no saving presets in %1").arg(described(path)));
     return fail(QStringLiteral("--saving-preset has to name one of the presets in %1: %2")
-                    .arg(described(path), namesOf(*presets)));
+                    .arg(described(path), namesOf(presets)));
 }
 
 } // namespace plexa

@@ -2,11 +2,9 @@
 
 #include "cli/savecommand.h"
 
-#include "cli/exitstatus.h"
 #include "cli/fieldarguments.h"
 #include "cli/interruption.h"
 #include "cli/messages.h"
-#include "cli/pathargument.h"
 #include "cli/photopaths.h"
 #include "cli/presetselection.h"
 #include "cli/savereport.h"
@@ -217,37 +215,41 @@ int saveAll(SavingRun &run, const std::vector<PhotoPath> &photos, const SaveOpti
     return report.isComplete() ? kAllDone : kSomethingFailed;
 }
 
+/// Declares an option that names a file or a folder.
+CLI::Option *addPath(CLI::App &command, const char *name, std::string &path, const char *type,
+                     const char *description)
+{
+    return command.add_option(name, path, description)->check(somePath())->type_name(type);
+}
+
+/// Declares an option that may be given several times, with one value each.
+CLI::Option *addRepeatable(CLI::App &command, const char *name, std::vector<std::string> &values,
+                           const char *type, const char *description)
+{
+    return command.add_option(name, values, description)
+        ->type_name(type)
+        ->expected(1)
+        ->take_all()
+        ->allow_extra_args(false);
+}
+
 /// Declares the options for stored presets.
 /// @param quickOptions  the options that define a watermark on the command line
 void addPresetOptions(CLI::App &command, SaveOptions &options, const std::vector<CLI::Option *> &quickOptions)
 {
-    auto *wPresets =
-        command
-            .add_option("--wpresets", options.wPresetsFile,
-                        "The watermarks: the presets in FILE; default for --apply: your own presets")
-            ->check(somePath())
-            ->type_name("FILE");
-    auto *apply =
-        command
-            .add_option("--apply", options.applied,
-                        "Apply the watermark preset of this name only; may be given several times, in "
-                        "the order of drawing")
-            ->check(someText())
-            ->type_name("NAME")
-            ->expected(1)
-            ->take_all()
-            ->allow_extra_args(false);
+    auto *wPresets = addPath(command, "--wpresets", options.wPresetsFile, "FILE",
+                             "The watermarks: the presets in FILE; default for --apply: your own presets");
+    auto *apply = addRepeatable(command, "--apply", options.applied, "NAME",
+                                "Apply the watermark preset of this name only; may be given several times, "
+                                "in the order of drawing")
+                      ->check(someText());
     for (CLI::Option *quickOption : quickOptions) {
         wPresets->excludes(quickOption);
         apply->excludes(quickOption);
     }
-    command
-        .add_option(
-            "--saving-presets", options.savingPresetsFile,
+    addPath(command, "--saving-presets", options.savingPresetsFile, "FILE",
             "A file of saving presets, which define the names and the format of copies; default: your own "
-            "presets")
-        ->check(somePath())
-        ->type_name("FILE");
+            "presets");
     command.add_option("--saving-preset", options.savingPreset, "The name of the saving preset for this run")
         ->check(someText())
         ->type_name("NAME");
@@ -256,17 +258,11 @@ void addPresetOptions(CLI::App &command, SaveOptions &options, const std::vector
 /// Declares the options for the places of the copies and for the run.
 void addCopyOptions(CLI::App &command, SaveOptions &options)
 {
-    auto *output = command
-                       .add_option("--output", options.output,
-                                   "The folder for the copies, created if missing; default: each copy "
-                                   "beside its original")
-                       ->check(somePath())
-                       ->type_name("DIR");
-    command
-        .add_option("--replicate-from", options.replicateFrom,
-                    "Recreate the folders below DIR in the folder for the copies")
-        ->check(somePath())
-        ->type_name("DIR")
+    auto *output = addPath(command, "--output", options.output, "DIR",
+                           "The folder for the copies, created if missing; default: each copy beside its "
+                           "original");
+    addPath(command, "--replicate-from", options.replicateFrom, "DIR",
+            "Recreate the folders below DIR in the folder for the copies")
         ->needs(output);
     command.add_flag("--combine", options.combine, "All watermarks on one copy, not a copy for each");
     command.add_flag("--ignore-assigned", options.ignoreAssigned,
@@ -296,25 +292,14 @@ CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options)
 {
     CLI::App *command = program.add_subcommand("save", "Watermark photos and folders of photos");
     auto *text = command->add_option("--text", options.text, "The watermark: a text")->type_name("TEXT");
-    auto *image = command->add_option("--image", options.image, "The watermark: a picture, SVG included")
-                      ->check(somePath())
-                      ->type_name("FILE")
-                      ->excludes(text);
-    auto *set =
-        command
-            ->add_option("--set", options.fields, "Set a field of the watermark, as in --set anchorPoint=8")
-            ->type_name("FIELD=VALUE")
-            ->expected(1)
-            ->take_all()
-            ->allow_extra_args(false);
+    auto *image =
+        addPath(*command, "--image", options.image, "FILE", "The watermark: a picture, SVG included")
+            ->excludes(text);
+    auto *set = addRepeatable(*command, "--set", options.fields, "FIELD=VALUE",
+                              "Set a field of the watermark, as in --set anchorPoint=8");
     addPresetOptions(*command, options, {text, image, set});
-    command
-        ->add_option("--save-set", options.savingFields,
-                     "Set a field of the saving preset, as in --save-set jpegQuality=90")
-        ->type_name("FIELD=VALUE")
-        ->expected(1)
-        ->take_all()
-        ->allow_extra_args(false);
+    addRepeatable(*command, "--save-set", options.savingFields, "FIELD=VALUE",
+                  "Set a field of the saving preset, as in --save-set jpegQuality=90");
     addCopyOptions(*command, options);
     command->add_option("PATH", options.paths, "Photos, and folders of them")->required();
     return command;

@@ -8,6 +8,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <cstdio>
 
 namespace plexa
@@ -121,18 +124,37 @@ QString withoutWatermark(const SavingOutput &output, bool isOneOfSeveral)
 
 SaveReport::SaveReport(Form form)
     : m_form(form)
+    , m_hasProgressBar(!form.quiet && isatty(STDERR_FILENO) == 1)
 {
+}
+
+void SaveReport::drawProgressBar() const
+{
+    constexpr qint64 kBarWidth = 40;
+    const auto filled =
+        static_cast<std::size_t>(std::min(kBarWidth, m_copies * kBarWidth / std::max(m_maximum, qint64{1})));
+    const std::string bar = std::string(filled, '=') + std::string(kBarWidth - filled, ' ');
+    std::fprintf(stderr, "\r[%s] %lld/%lld", bar.c_str(), static_cast<long long>(m_copies),
+                 static_cast<long long>(m_maximum));
+    std::fflush(stderr);
+}
+
+void SaveReport::clearProgressBar() const
+{
+    if (!m_hasProgressBar)
+        return;
+    std::fputs("\r\033[K", stderr);
+    std::fflush(stderr);
 }
 
 void SaveReport::begun(qint64 maximum, const QString &)
 {
     m_maximum = maximum;
-    m_progress.emplace(static_cast<std::size_t>(maximum), !m_form.quiet);
 }
 
 void SaveReport::copyFinished(const SavingOutput &output)
 {
-    m_progress->clear();
+    clearProgressBar();
     const bool isFailure = output.status == Status::Failed;
     m_failures += isFailure ? 1 : 0;
     if (isFailure)
@@ -150,12 +172,14 @@ void SaveReport::copyFinished(const SavingOutput &output)
     else if (!m_form.json && !m_form.quiet && !isFailure)
         printLine(stdout, onOneLine(textLine(output)));
     std::fflush(stdout);
-    m_progress->setDone(static_cast<std::size_t>(++m_copies));
+    ++m_copies;
+    if (m_hasProgressBar)
+        drawProgressBar();
 }
 
 void SaveReport::end()
 {
-    m_progress.reset();
+    clearProgressBar();
     if (m_failures > 0)
         printLine(stderr, QStringLiteral("plexa-cli: %1 of %2 copies failed").arg(m_failures).arg(m_copies));
     if (m_copies < m_maximum)

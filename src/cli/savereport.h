@@ -2,15 +2,12 @@
 
 #pragma once
 
-#include "cli/progressline.h"
 #include "saving/savingrun.h"
-
-#include <optional>
 
 namespace plexa
 {
 
-/// Reports a run: results on standard output, messages and progress on standard error.
+/// Reports a run: results on standard output, messages and a progress bar on standard error.
 class SaveReport final : public SavingObserver
 {
 public:
@@ -32,8 +29,11 @@ public:
     bool isComplete() const { return m_failures == 0 && m_copies == m_maximum; }
 
 private:
+    void drawProgressBar() const;
+    void clearProgressBar() const;
+
     Form m_form;
-    std::optional<ProgressLine> m_progress;
+    bool m_hasProgressBar; ///< in the last line of standard error, on a terminal only
     qint64 m_maximum = 0;
     qint64 m_failures = 0;
     qint64 m_copies = 0;

@@ -15,10 +15,10 @@ struct Alert {
     Style style = Style::Informational;
     QString title;
     QString text;
-    QStringList buttons;            ///< the first is the default one; none means a single "OK"
+    QStringList buttons = {};       ///< the first is the default one; none means a single "OK"
     int escapeButton = -1;          ///< index of the button that the Escape key presses; -1: none
     bool hasSuppressionBox = false; ///< a check box for not being asked again
-    QString suppressionText;        ///< the box's text; empty: the usual one
+    QString suppressionText = {};   ///< the box's text; empty: the usual one
 };
 
 /// What the person chose.

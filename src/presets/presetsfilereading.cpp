@@ -4,28 +4,34 @@
 
 #include "platform/applicationname.h"
 
-#include <QDebug>
-
-#include <utility>
-
 namespace plexa
 {
+namespace
+{
+
+/// An error line of the reader as part of a sentence: without "ERROR" and the file's name.
+QString reasonIn(QByteArrayView line, const QByteArray &path)
+{
+    for (const QByteArray &start : {QByteArray("ERROR:"), "ERROR" + path}) {
+        if (line.startsWith(start))
+            line = line.sliced(start.size());
+    }
+    return QString::fromUtf8(line).simplified();
+}
+
+} // namespace
 
 QString presetsApplicationID()
 {
     return applicationNameWithCompany();
 }
 
-PresetsFileReading readSavingPresetsFile(const QString &path)
+PresetsFileReading readSavingPresetsFile(const QString &path, const XMLParser::ErrorSink &log)
 {
     PresetsFileReading reading;
-    const auto note = [&reading](const QByteArray &line) {
-        XMLParser::writeErrorLine(line);
-        QByteArrayView fault = line;
-        constexpr QByteArrayView start = "ERROR:";
-        if (fault.startsWith(start))
-            fault = fault.sliced(start.size());
-        reading.faults.append(QString::fromUtf8(fault).simplified());
+    const auto note = [&](const QByteArray &line) {
+        log(line);
+        reading.faults.append(reasonIn(line, path.toUtf8()));
     };
     auto list =
         SavingPreset::readObjectsFromFile(path, presetsApplicationID(), reading.code, note, &reading.isLater);
@@ -40,8 +46,6 @@ PresetsFileReading readWPresetsFile(const QString &path, const SavingPresetLooku
     auto list = readWPresetsFromFile(path, &reading.isLater, savingPresetWithID, &reading.faults);
     if (!list)
         reading.faults = {list.error().text};
-    for (const QString &fault : std::as_const(reading.faults))
-        qCritical().noquote() << QStringLiteral("ERROR: \"%1\": %2").arg(path, fault);
     reading.hasList = list.has_value();
     if (reading.isLater)
         reading.code = ReadCode::LaterVersion;

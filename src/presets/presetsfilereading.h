@@ -16,12 +16,14 @@ struct PresetsFileReading {
     ReadCode code = ReadCode::Failed;
     bool hasList = false;
     bool isLater = false; ///< a later version of the program wrote the file, whatever the code is
-    QStringList faults;   ///< the parts of the file that could not be read; they are logged
+    QStringList faults;   ///< the reasons why it, or parts of it, could not be read
     WPresetList wPresets;
     SavingPresetList savingPresets;
 };
 
-PresetsFileReading readSavingPresetsFile(const QString &path);
+/// @param log  receives the error lines
+PresetsFileReading readSavingPresetsFile(const QString &path,
+                                         const XMLParser::ErrorSink &log = XMLParser::writeErrorLine);
 PresetsFileReading readWPresetsFile(const QString &path, const SavingPresetLookup &savingPresetWithID);
 
 } // namespace plexa

@@ -24,24 +24,20 @@ constexpr int kMaxBackups = 1000;
 constexpr qsizetype kMostReasons = 3; // in one message
 constexpr qsizetype kLongestReason = 300;
 
-QString extensionOf(PresetsStore::Kind kind)
-{
-    return kind == PresetsStore::Kind::Watermark ? QStringLiteral("pxwpr") : QStringLiteral("pxspr");
-}
-
 QString fileName(PresetsStore::Kind kind, PresetsStore::Slot slot, const PresetsStore::Places &places)
 {
-    const QLatin1StringView initial(kind == PresetsStore::Kind::Watermark ? "W" : "S");
-    const QString name = slot == PresetsStore::Slot::Quick ? QStringLiteral("Quick%1Preset").arg(initial)
-                                                           : QStringLiteral("%1Presets").arg(initial);
-    return places.supportFolder + u'/' + name + u'.' + extensionOf(kind);
+    const QLatin1StringView form(slot == PresetsStore::Slot::Quick ? "/Quick%1Preset.px%2pr"
+                                                                   : "/%1Presets.px%2pr");
+    const bool isWatermark = kind == PresetsStore::Kind::Watermark;
+    return places.supportFolder + QString(form).arg(QLatin1StringView(isWatermark ? "W" : "S"),
+                                                    QLatin1StringView(isWatermark ? "w" : "s"));
 }
 
 QString exampleFile(PresetsStore::Kind kind, const PresetsStore::Places &places)
 {
-    const QLatin1StringView name(kind == PresetsStore::Kind::Watermark ? "example_wpresets"
-                                                                       : "example_spresets");
-    return places.examplesFolder + u'/' + name + u'.' + extensionOf(kind);
+    return places.examplesFolder + (kind == PresetsStore::Kind::Watermark
+                                        ? QStringLiteral("/example_wpresets.pxwpr")
+                                        : QStringLiteral("/example_spresets.pxspr"));
 }
 
 /// "SPresets-replaced.pxspr", or with a number.
@@ -167,7 +163,11 @@ PresetsFileReading PresetsStore::readFile(const QString &path, Kind kind) const
 {
     if (kind == Kind::Saving)
         return readSavingPresetsFile(path);
-    return readWPresetsFile(path, [this](qint64 presetID) { return savingPresetWithID(presetID); });
+    const PresetsFileReading reading =
+        readWPresetsFile(path, [this](qint64 presetID) { return savingPresetWithID(presetID); });
+    for (const QString &fault : reading.faults)
+        qCritical().noquote() << QStringLiteral("ERROR: \"%1\": %2").arg(path, fault);
+    return reading;
 }
 
 bool PresetsStore::createListFromExamples(Kind kind) const
@@ -178,7 +178,7 @@ bool PresetsStore::createListFromExamples(Kind kind) const
     AtomicFile file(presetsFileNameForWatermark(kind, Slot::List), AtomicFile::IfExists::Fail);
     if (!file.open())
         return false;
-    file.device().write(example.readAll()); // a failure comes out of commit()
+    file.device().write(example.readAll()); // commit() reports a failure
     return file.commit().has_value();
 }
 
@@ -196,8 +196,10 @@ bool PresetsStore::readPresets(Kind kind, Slot slot)
         const bool isUnreadable = reading.code != ReadCode::Success;
         if (slot == Slot::List && isUnreadable)
             warning = backupWrongPresetsFile(path, reading.code);
-        found(kind, slot) = {isUnreadable && QFileInfo::exists(path),
-                             !isUnreadable && (reading.isLater || !reading.faults.isEmpty())};
+        const bool isPartlyRead = reading.isLater || !reading.faults.isEmpty();
+        found(kind, slot) = isPartlyRead && !isUnreadable ? Found::PartlyRead : Found::Whole;
+        if (isUnreadable && QFileInfo::exists(path))
+            found(kind, slot) = Found::Unreadable;
     }
     if (!warning.isEmpty())
         warn(tr("Cannot read the presets file"), warning);
@@ -230,28 +232,26 @@ PresetsStore::Found &PresetsStore::found(Kind kind, Slot slot)
     return m_found[static_cast<std::size_t>(kind)][static_cast<std::size_t>(slot)];
 }
 
-/// Backs up a file whose contents would be lost when it is written now: one that reading left in its place (a
-/// quick preset, or a list whose backup has an earlier backup's name), and one that was read in part.
+/// Backs up a file whose contents would be lost when it is written: a file that was read in part, and an
+/// unreadable one that is still in its place.
 Result<void> PresetsStore::makeRoomForFile(Kind kind, Slot slot)
 {
     const QString path = presetsFileNameForWatermark(kind, slot);
     Found &file = found(kind, slot);
-    for (int number = 1; file.isUnreadable && number < kMaxBackups; ++number)
-        file.isUnreadable = !QFile::rename(path, backupPath(path, number)) && QFileInfo::exists(path);
-    for (int number = 1; file.isPartlyRead && number < kMaxBackups; ++number) {
+    if (!QFileInfo::exists(path))
+        file = Found::Whole;
+    for (int number = 1; file != Found::Whole && number < kMaxBackups; ++number) {
         const QString backup = backupPath(path, number);
-        if (QFile::copy(path, backup)) {
-            file.isPartlyRead = false;
+        if (file == Found::Unreadable ? QFile::rename(path, backup) : QFile::copy(path, backup)) {
+            file = Found::Whole;
             qWarning().noquote() << QStringLiteral(
                                         "\"%1\" is backed up as \"%2\": it contains more than is saved")
                                         .arg(path, backup);
-        } else if (!QFileInfo::exists(path)) {
-            file.isPartlyRead = false;
         } else if (!QFileInfo::exists(backup)) {
             break; // disk full or access denied: another name would fail, too
         }
     }
-    if (file.isPartlyRead)
+    if (file != Found::Whole)
         return fail(tr("\"%1\" cannot be backed up").arg(path));
     return {};
 }
@@ -268,7 +268,7 @@ SavingPresetList PresetsStore::writableSavingPresets(QStringList &news)
             m_toldUnwritable.remove(presetID);
         } else {
             if (m_savingPresetsInFile.contains(presetID))
-                found(Kind::Saving, Slot::List).isPartlyRead = true;
+                found(Kind::Saving, Slot::List) = Found::PartlyRead;
             if (!m_toldUnwritable.contains(presetID))
                 news.append(checked.error().text);
             m_toldUnwritable.insert(presetID);
@@ -433,11 +433,7 @@ std::shared_ptr<SavingPreset> PresetsStore::savingPresetWithID(qint64 presetID) 
 
 void PresetsStore::warn(const QString &title, const QString &text)
 {
-    Alert alert;
-    alert.style = Alert::Style::Warning;
-    alert.title = title;
-    alert.text = text;
-    m_alerts.run(alert);
+    m_alerts.run({.style = Alert::Style::Warning, .title = title, .text = text});
 }
 
 } // namespace plexa

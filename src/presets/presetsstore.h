@@ -23,10 +23,9 @@ class FontCatalog;
 struct PresetsFileReading;
 
 /// The user's presets and their files: a list and a quick preset of each kind, four files in the support
-/// folder. A file is written whole or not at all, and a file that cannot be read is never lost: a list is
-/// moved aside, and the user is told once. A file is backed up before it is saved without a part that cannot
-/// be read or written. A changed list is saved within a second. Other processes may use the same files at the
-/// same time; the last one to save wins. Main thread, with an event loop.
+/// folder. A file that cannot be read is never lost: it is backed up before it is replaced. A changed list is
+/// saved within a second. Other processes may use the same files at the same time; the last one to save wins.
+/// Main thread, with an event loop.
 class PresetsStore final : public QObject
 {
     Q_OBJECT
@@ -49,9 +48,9 @@ public:
     PresetsStore(Alerts &alerts, const FontCatalog &fonts, Places places = Places::own(),
                  std::chrono::milliseconds saveDelay = std::chrono::seconds(1));
 
-    /// Reads the files at a start, in this order: takes over the files of the first major version, then reads
-    /// saving presets (quick preset, list), then watermark presets, which refer to saving presets. A quick
-    /// preset that cannot be read becomes a new one named "Quick Preset".
+    /// Reads the files at a start: adopts those of the first major version, reads the saving presets, then
+    /// the watermark presets, which refer to them. A quick preset that cannot be read is a new one named
+    /// "Quick Preset".
     void readAll();
 
     QString presetsFileNameForWatermark(Kind kind, Slot slot) const;
@@ -60,21 +59,20 @@ public:
     static QString listOrExamplesFile(Kind kind, const Places &places);
 
     /// Reads one file. The presets of a list are appended; a missing list file is created from the examples
-    /// first. A list that cannot be read, or that a later version has written, is moved aside and reported;
-    /// the presets of the latter are appended all the same.
-    /// @return true when the whole file was read
+    /// first. A list that cannot be read, or that a later version wrote, is backed up and reported; the
+    /// presets of the latter are still appended.
+    /// @return true if the whole file was read
     bool readPresets(Kind kind, Slot slot);
 
-    /// Write a file. A file that could not be read completely is backed up first. A saving preset that no
-    /// file can hold is left out of the list's file, which the user is told once.
-    /// @return a failure, which is logged and leaves the former file in place; the caller tells the user
+    /// Write a file. A file that was not read completely is backed up first. A saving preset that no file can
+    /// hold is left out of the list's file and reported once.
+    /// @return a failure, which is logged and leaves the former file in place; the caller reports it
     Result<void> saveWPresets(Slot slot);
     Result<void> saveSavingPresets(Slot slot);
 
-    /// Saves the lists that have changed since they were read or saved. The user is told of the first failure
-    /// in a row.
+    /// Saves the lists that have changed since they were read or saved. Reports the first failure in a row.
     void saveChangedLists();
-    /// The message on a list that cannot be saved.
+    /// The message about a list that cannot be saved.
     static QString unsavedText(const Error &error);
 
     /// The result of an import.
@@ -84,8 +82,8 @@ public:
     };
 
     /// Appends the presets of a file to the list, saving presets with new IDs, watermark presets without
-    /// assigned saving presets. A file that cannot be read is reported and changes nothing.
-    /// @return none for such a file
+    /// assigned saving presets.
+    /// @return none for a file that cannot be read, which is reported
     std::optional<Imported> importPresetsFromFile(const QString &path, Kind kind);
     bool importExamplePresets(Kind kind);
 
@@ -114,11 +112,8 @@ Q_SIGNALS:
     void quickSavingPresetChanged();
 
 private:
-    /// The state of a file on the disk, which saving replaces.
-    struct Found {
-        bool isUnreadable = false; ///< and still in its place
-        bool isPartlyRead = false; ///< it contains more than this object
-    };
+    /// The state of a file on the disk: PartlyRead contains more than this object.
+    enum class Found { Whole, PartlyRead, Unreadable };
 
     /// The state of a list.
     struct ListState {
@@ -148,11 +143,11 @@ private:
     PresetList<SavingPreset> m_savingPresets;
     std::shared_ptr<WPreset> m_quickWPreset;
     std::shared_ptr<SavingPreset> m_quickSavingPreset;
-    std::array<std::array<Found, 2>, 2> m_found; ///< by kind and slot
-    std::array<ListState, 2> m_listStates;       ///< by kind
+    std::array<std::array<Found, 2>, 2> m_found = {}; ///< by kind and slot
+    std::array<ListState, 2> m_listStates;            ///< by kind
     QTimer m_saveTimer;
     QSet<qint64> m_savingPresetsInFile; ///< the IDs in the list's file, as far as known
-    QSet<qint64> m_toldUnwritable;      ///< the IDs of presets that no file can hold and the user knows of
+    QSet<qint64> m_toldUnwritable;      ///< the IDs of presets that no file can hold and that were reported
 };
 
 } // namespace plexa

@@ -14,17 +14,15 @@ namespace plexa
 /// The name that represents the format of the source.
 QString originalFormatName();
 
-/// The names that a preset's format may have, "Original" the last; their order is the order of menus and of
-/// the numbers in old preset files.
+/// The allowed names of a format, "Original" last, in the order of menus and of the numbers in old files.
 QStringList savingFormatNames();
 
-/// The names that a preset's alternative format may have.
+/// The allowed names of an alternative format.
 QStringList savingFormatNamesWithoutOriginal();
 
-/// The type of a file-name suffix or of a format's name, in any letter case; empty for other texts.
+/// The type of a suffix or of a format's name, in any letter case; empty for other texts.
 QString savingTypeForExtension(const QString &extension);
 
-/// Is this the type of one of these formats?
 bool isSavingType(const QString &type);
 
 /// The suffixes of files of that type, the written one first; empty for other types.

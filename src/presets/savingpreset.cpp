@@ -3,11 +3,11 @@
 #include "presets/savingpreset.h"
 
 #include "presets/savingformats.h"
-#include "presets/xmlnumbers.h"
 
 #include <QCoreApplication>
 
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
 #include <utility>
 
@@ -29,8 +29,7 @@ constexpr double kWithTiffCompression = 1.099;
 constexpr double kWithCases = 1.299;
 constexpr double kWithFormatNames = 1.399;
 
-// Greater IDs, which only a damaged file has, do not raise the counter: it would soon overflow. The counter
-// never reaches them, so no other preset gets them.
+// Greater IDs, which only a damaged file has, do not raise the counter: it would soon overflow.
 constexpr qint64 kHighestCountedID = std::numeric_limits<qint64>::max() - (qint64(1) << 32);
 
 void raiseTo(std::atomic<qint64> &highest, qint64 presetID)
@@ -99,7 +98,7 @@ MaybeValue readTokens(const XMLParser::Element &filename)
 MaybeValue readFormatNumber(const XMLParser::Element &element)
 {
     const QStringList formats = savingFormatNames();
-    const qint64 number = leadingInteger(element.text());
+    const qint64 number = std::strtoll(element.text().constData(), nullptr, 10);
     if (number >= 0 && number < formats.size())
         return formats.at(number);
     element.report("there is no format number " + QByteArray::number(number));
@@ -114,7 +113,8 @@ MaybeValue readValue(const SavingPresetField &field, const XMLParser::Element &e
     case FieldKind::Strings:
         return readTokens(element);
     case FieldKind::Integer:
-        return WholeNumber(static_cast<int>(std::clamp(leadingDecimal(element.text()), lowest, highest)));
+        return WholeNumber(
+            static_cast<int>(std::clamp(XMLFile::leadingDecimal(element.text()), lowest, highest)));
     case FieldKind::Boolean:
         // Only a zero that ends its line means false. A bare zero, as it is written, was always read as true.
         return !element.text().startsWith("0\n");
@@ -140,8 +140,8 @@ bool readField(const SavingPresetField &field, const XMLParser::Element &preset,
     return value.has_value();
 }
 
-/// The value as it is written, without references. No meaningful value contains markup. One that does, read
-/// from a damaged file, would make the written file unreadable: the default replaces it.
+/// The value as it is written, without references. A value with markup, read from a damaged file, would make
+/// the written file unreadable: the default replaces it.
 QString writable(const QString &value, const SavingPresetField &field)
 {
     const bool isRead = !value.contains(u'<') && !value.contains(u'&') && !value.startsWith(u'>') &&
@@ -182,14 +182,6 @@ SavingPresetValues readAgain(SavingPresetValues values)
     return values;
 }
 
-bool isReadAgain(const QString &token)
-{
-    XMLParser parser([](const QByteArray &) {});
-    const QString written = XMLFile::withReadableStart(token);
-    return parser.parse("<?xml version=\"1.0\"?><token>" + written.toUtf8() + "</token>") &&
-           parser.root()->text() == XMLFile::withoutLoneSurrogates(token).toUtf8();
-}
-
 /// The start of a text, short enough for a message, on one line.
 QString excerpt(const QString &text)
 {
@@ -199,16 +191,7 @@ QString excerpt(const QString &text)
     return text.size() > kLongest ? start + u'\u2026' : start;
 }
 
-Result<void> checkReadAgain(const XMLParser::Element *element, const SavingPreset &preset)
-{
-    const auto again = element ? SavingPreset::initWithXMLData(*element, kSupportedVersion) : nullptr;
-    if (!again || again->presetID() != preset.presetID() || again->values() != readAgain(preset.values()))
-        return fail(Texts::tr("the saving preset \"%1\" could not be read back unchanged")
-                        .arg(excerpt(preset.name())));
-    return {};
-}
-
-/// Reads the file before it is written.
+/// Would the file of these presets be read again? A failure names the first preset that would not.
 Result<void> checkXML(const QByteArray &xml, const std::vector<std::shared_ptr<SavingPreset>> &presets)
 {
     for (const auto &preset : presets) {
@@ -218,11 +201,6 @@ Result<void> checkXML(const QByteArray &xml, const std::vector<std::shared_ptr<S
     XMLParser parser([](const QByteArray &) {});
     if (!parser.parse(xml) || parser.root()->subelementCount() != std::ssize(presets))
         return fail(Texts::tr("the presets are too many to be read back"));
-    for (std::size_t i = 0; i < presets.size(); ++i) {
-        const XMLParser::Element *element = parser.root()->subelement(static_cast<qsizetype>(i));
-        if (Result<void> checked = checkReadAgain(element, *presets[i]); !checked)
-            return checked;
-    }
     return {};
 }
 
@@ -309,7 +287,7 @@ void SavingPreset::appendObjectToXML(QString &xml) const
 Result<void> SavingPreset::checkWritable() const
 {
     for (const QString &token : filenameTokens()) {
-        if (!isReadAgain(token))
+        if (token.contains(u'<') || token.contains(u'&'))
             return fail(Texts::tr("the saving preset \"%1\" names files with \"%2\", which a file of saving "
                                   "presets cannot hold: \"<\" and \"&\" cannot be part of it")
                             .arg(excerpt(name()), excerpt(token)));
@@ -317,8 +295,12 @@ Result<void> SavingPreset::checkWritable() const
     QString xml = QStringLiteral("<?xml version=\"1.0\"?>");
     appendObjectToXML(xml);
     XMLParser parser([](const QByteArray &) {});
-    parser.parse(xml.toUtf8());
-    return checkReadAgain(parser.root(), *this);
+    const auto again =
+        parser.parse(xml.toUtf8()) ? initWithXMLData(*parser.root(), kSupportedVersion) : nullptr;
+    if (!again || again->presetID() != presetID() || again->values() != readAgain(values()))
+        return fail(
+            Texts::tr("the saving preset \"%1\" could not be read back unchanged").arg(excerpt(name())));
+    return {};
 }
 
 std::shared_ptr<SavingPreset> SavingPreset::initWithXMLData(const XMLParser::Element &element,
@@ -328,7 +310,7 @@ std::shared_ptr<SavingPreset> SavingPreset::initWithXMLData(const XMLParser::Ele
     const XMLParser::Element *id = requiredElement(element, "id");
     if (!id)
         return nullptr;
-    preset->m_presetID = leadingInteger(id->text());
+    preset->m_presetID = std::strtoll(id->text().constData(), nullptr, 10);
     raiseTo(s_lastUsedPresetID, preset->m_presetID);
     const auto fields = savingPresetFields();
     const bool isRead = std::all_of(fields.begin(), fields.end(), [&](const SavingPresetField &field) {
@@ -355,7 +337,7 @@ Result<void> SavingPreset::writeObjects(const std::vector<std::shared_ptr<Saving
     const QByteArray xml = XMLFile::xmlOf(objects, appID, kRootElement, kFileVersion);
     if (const Result<void> checked = checkXML(xml, presets); !checked)
         return fail(Texts::tr("\"%1\" cannot be written: %2").arg(path, checked.error().text));
-    return XMLFile::writeXML(xml, path);
+    return XMLFile::writeObjects(objects, path, appID, kRootElement, kFileVersion);
 }
 
 } // namespace plexa

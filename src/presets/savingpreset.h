@@ -13,10 +13,9 @@
 namespace plexa
 {
 
-/// One saving preset of a list: an identity with change signals around its values. Watermark presets refer to
-/// the saving preset that is assigned to them, and files identify it by its ID. An object lives on one
-/// thread; work on other threads gets a copy of values(). The static functions and the constructor are
-/// thread-safe.
+/// One saving preset of a list: an identity with change signals around its values. Files identify it by its
+/// ID. An object lives on one thread; work on other threads gets a copy of values(). The static functions and
+/// the constructor are thread-safe.
 class SavingPreset final : public QObject, public XMLFile, public SavingPresetReference
 {
     Q_OBJECT
@@ -34,11 +33,10 @@ public:
     /// Another preset with the same values, the name included, and an ID of its own.
     std::unique_ptr<SavingPreset> copy() const;
 
-    /// Copies every value, in declaration order, but not the ID.
+    /// Copies every value, but not the ID.
     void copyFrom(const SavingPreset &other) { setValues(other.values()); }
 
-    /// Positive, unless a file contains another number. A new preset never gets the ID of a preset that was
-    /// created or read before in this run.
+    /// A new preset never gets the ID of a preset that was created or read before in this run.
     qint64 presetID() const override { return m_presetID; }
     void selfAssignNewID();
 
@@ -99,21 +97,18 @@ public:
     static QString utiForFileExtension(const QString &extension);
     static bool supportedUTI(const QString &type);
 
-    /// Appends a `preset` element. Tokens are written without references, except for their first character: a
-    /// token that contains "&" or "<" makes the element unreadable, or is read as another text.
+    /// Appends a `preset` element. Tokens are written without references, except for their first character:
+    /// "&" or "<" in a token makes the element unreadable.
     void appendObjectToXML(QString &xml) const override;
 
-    /// Would a file return the preset unchanged? A failure names the preset and the value that cannot be
-    /// written, without a full stop.
+    /// Would a file return the preset unchanged? A failure names the preset, without a full stop.
     [[nodiscard]] Result<void> checkWritable() const;
 
-    /// The preset in a `preset` element of a file of that version; null, with an error line, when a required
-    /// value is missing or invalid.
+    /// The preset in a `preset` element; null, with an error line, if a required value is missing or invalid.
     static std::shared_ptr<SavingPreset> initWithXMLData(const XMLParser::Element &element,
                                                          double fileVersion);
 
-    /// The functions of XMLFile for files of saving presets. Presets that could not be read back unchanged
-    /// are not written. A failure to write is a sentence that names the file.
+    /// As in XMLFile. Presets that could not be read back unchanged are not written.
     static std::optional<std::vector<std::shared_ptr<SavingPreset>>>
     readObjectsFromFile(const QString &path, const QString &appID, ReadCode &returnCode,
                         const XMLParser::ErrorSink &errors = XMLParser::writeErrorLine,

@@ -9,8 +9,8 @@ namespace plexa
 {
 
 // clang-format off
-/// The list of a saving preset's fields, in declaration order: the members of SavingPresetValues, the table of
-/// savingpresetfields.h and the accessors of SavingPreset are made from it.
+/// The list of a saving preset's fields, in declaration order, from which the members of SavingPresetValues, the
+/// table of savingpresetfields.h and the accessors of SavingPreset are generated.
 /// FIELD(name, Name, type, XML element, default)
 #define PLEXA_SAVINGPRESET_FIELDS(FIELD)                                                                   \
     FIELD(name, Name, QString, "name", QStringLiteral("New Preset"))                                       \
@@ -31,8 +31,7 @@ namespace plexa
     FIELD(tiffCompressionLZW, TiffCompressionLZW, bool, "tiffCompressionLZW", true)
 // clang-format on
 
-/// How a watermarked copy is named, and in which format it is written: the fields of a saving preset as plain
-/// values. Workers get a copy of them.
+/// The name and format of a watermarked copy: the fields of a saving preset as plain values.
 struct SavingPresetValues {
     static constexpr int kLowestQuality = 40;
     static constexpr int kHighestQuality = 100;
@@ -43,7 +42,7 @@ struct SavingPresetValues {
 
     bool operator==(const SavingPresetValues &) const = default;
 
-    /// Is the quality (the TIFF compression, the alternative format) without effect on these formats?
+    /// Has the quality (the TIFF compression, the alternative format) no effect on these formats?
     bool hideJPEGQuality() const;
     bool hideTiffCompression() const;
     bool hideAlternativeFormat() const;
@@ -51,11 +50,10 @@ struct SavingPresetValues {
     /// Are there tokens, and is the quality in its range?
     bool validPreset() const;
 
-    /// The MIME type of a copy of this file; empty when no such format can be written. Like the copy's name,
-    /// it depends on the path's extension.
+    /// The MIME type of a copy of this file, by the path's extension; empty if no such format can be written.
     QString imageFormatUTI(const QString &sourcePath) const;
 
-    /// The file-name extensions of that type, the written one first; empty when there is no such type.
+    /// The file-name extensions of that type, the written one first.
     QStringList filenameExtensions(const QString &sourcePath) const;
 };
 

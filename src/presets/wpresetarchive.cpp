@@ -2,12 +2,13 @@
 
 #include "presets/wpresetarchive.h"
 
+#include "imageio/imagedestination.h"
 #include "platform/applicationname.h"
 #include "platform/atomicfile.h"
 #include "platform/keyedarchive.h"
 #include "platform/propertylistcheck.h"
-#include "presets/archivedpicture.h"
 
+#include <QBuffer>
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QHash>
@@ -15,7 +16,6 @@
 
 #include <cmath>
 #include <limits>
-#include <map>
 #include <numbers>
 
 namespace plexa
@@ -37,12 +37,35 @@ const Key kPresetClass("WPreset");
 const Key kOldBackgroundPadding("WPBackgroundPadding");
 
 constexpr float kVersion = 1.2F;
-/// With this number, each may have two hundred of the nodes that a property list may hold. A preset with a
-/// picture has fewer.
+/// A property list may hold two hundred nodes for each of so many presets.
 constexpr std::size_t kMaxPresets = 10'000;
 
-/// This many parts that were left out are reported one by one.
+/// The number of lost parts that are reported one by one.
 constexpr qsizetype kMaxNotes = 20;
+
+/// The longer side of the pixels that represent a drawing.
+constexpr double kDrawingSide = 2048;
+
+/// The archived form of a picture that was not read from an archive: its pixels as a TIFF file; for an SVG
+/// drawing also the drawing, the pixels being for programs without SVG.
+Result<ArchivedImage> archivedImage(const WatermarkPicture &picture)
+{
+    ArchivedImage archived{picture.size(), {}, picture.svg()};
+    QImage image;
+    if (archived.svg.isEmpty()) {
+        image = picture.image();
+    } else {
+        const double side = std::max(picture.size().width(), picture.size().height());
+        const QSize size = (picture.size() * (kDrawingSide / side)).toSize();
+        image = picture.imageOfSize(size.expandedTo(QSize(1, 1)));
+    }
+    image.convertTo(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
+    QBuffer buffer(&archived.tiff);
+    buffer.open(QIODevice::ReadWrite);
+    CopyRequest request;
+    request.type = QStringLiteral("image/tiff");
+    return writeImage(buffer, image, request).map([&] { return archived; });
+}
 
 /// Adds pictures to an archive, each once.
 class PictureEncoder
@@ -73,7 +96,8 @@ private:
     std::vector<std::pair<WatermarkPicture, Reference>> m_known;
 };
 
-/// Adds lists of texts to an archive, equal ones once.
+/// Adds lists of texts to an archive. Lists that were read from one object share their memory and are added
+/// once: a few of them may be very long.
 class TextsEncoder
 {
 public:
@@ -85,24 +109,19 @@ public:
 
     Reference reference(const QStringList &texts)
     {
-        // Lists that were read from one object share their memory. Comparing long ones would be slow.
         const auto identity = std::make_pair(texts.constData(), texts.size());
-        const auto known = m_byIdentity.constFind(identity);
-        if (known != m_byIdentity.cend())
+        const auto known = m_known.constFind(identity);
+        if (known != m_known.cend())
             return *known;
         std::vector<Reference> pieces;
         for (const QString &text : texts)
             pieces.push_back(m_archiver.addString(text.isNull() ? QLatin1StringView("") : text));
-        const auto [found, isNew] = m_byPieces.try_emplace(std::move(pieces), Reference::None);
-        if (isNew)
-            found->second = m_archiver.addArray(found->first, KeyedArchiver::Mutability::Immutable);
-        return *m_byIdentity.insert(identity, found->second);
+        return *m_known.insert(identity, m_archiver.addArray(pieces, KeyedArchiver::Mutability::Immutable));
     }
 
 private:
     KeyedArchiver &m_archiver;
-    QHash<std::pair<const QString *, qsizetype>, Reference> m_byIdentity;
-    std::map<std::vector<Reference>, Reference> m_byPieces;
+    QHash<std::pair<const QString *, qsizetype>, Reference> m_known;
 };
 
 /// Adds a field's value under its key.
@@ -193,31 +212,6 @@ Pieces piecesOf(const ArchivedValue &value)
     return pieces;
 }
 
-/// A bounded list of messages.
-class Notes
-{
-public:
-    void add(const QString &note)
-    {
-        if (m_notes.size() < kMaxNotes)
-            m_notes.append(note);
-        else
-            ++m_more;
-    }
-
-    QStringList all() const
-    {
-        QStringList notes = m_notes;
-        if (m_more > 0)
-            notes.append(Texts::tr("%1 more in its list cannot be read").arg(m_more));
-        return notes;
-    }
-
-private:
-    QStringList m_notes;
-    qint64 m_more = 0;
-};
-
 /// Angles of older files increase clockwise.
 float counterClockwise(float degrees)
 {
@@ -246,12 +240,18 @@ public:
     Result<WPresetList> presets(const ArchivedValue &list, QStringList &leftOut);
 
 private:
+    /// A field's value, and whether it represents the archived value without loss.
+    struct Read {
+        FieldValue value;
+        bool isWhole;
+    };
+
     WPresetValues values(const ArchivedValue &preset, std::size_t number);
-    FieldValue fieldValue(const WPresetField &field, const ArchivedValue &value);
+    Read read(const WPresetField &field, const ArchivedValue &value);
     const Pieces &pieces(const ArchivedValue &value);
     WatermarkPicture picture(const ArchivedValue &value) const;
-    bool isWhole(const WPresetField &field, const ArchivedValue &value, const FieldValue &read);
     void convert(WPresetValues &values, const ArchivedValue &preset, std::size_t number);
+    void note(const QString &text);
     void noteUnreadable(QLatin1StringView name, std::size_t number);
     void noteUnknownKeys(const ArchivedValue &preset, std::size_t number);
 
@@ -261,7 +261,8 @@ private:
     // By identity: many presets may refer to one object.
     QHash<const void *, WatermarkPicture> m_pictures;
     QHash<const void *, Pieces> m_pieces;
-    Notes m_notes;
+    QStringList m_notes; ///< at most kMaxNotes
+    qint64 m_moreNotes = 0;
 };
 
 const Pieces &Decoder::pieces(const ArchivedValue &value)
@@ -278,64 +279,48 @@ WatermarkPicture Decoder::picture(const ArchivedValue &value) const
     return {};
 }
 
-FieldValue Decoder::fieldValue(const WPresetField &field, const ArchivedValue &value)
+Decoder::Read Decoder::read(const WPresetField &field, const ArchivedValue &value)
 {
+    const auto asRead = [](const auto &maybe) { return Read{FieldValue(maybe), maybe.has_value()}; };
     switch (field.kind) {
     case FieldKind::String:
-        return value.string().value_or(QString());
+        return {value.string().value_or(QString()), value.string().has_value()};
     case FieldKind::Strings:
-        return pieces(value).texts;
+        return {pieces(value).texts, pieces(value).areAll};
     case FieldKind::Integer:
-        return FieldValue(std::in_place_type<WholeNumber>, wholeNumber(value));
+        return asRead(wholeNumber(value));
     case FieldKind::Float:
-        return FieldValue(std::in_place_type<FloatNumber>, floatNumber(value));
+        return asRead(floatNumber(value));
     case FieldKind::Boolean:
-        return value.boolean();
+        return {value.boolean(), value.number().has_value()};
     case FieldKind::Color:
-        return value.color();
-    case FieldKind::Image:
+        return {value.color(), value.color().isValid()};
+    case FieldKind::Image: // kept unchanged, and its fault is reported elsewhere
         if (!m_pictures.contains(value.identity()))
             m_pictures.insert(value.identity(), picture(value));
-        return m_pictures.value(value.identity());
+        return {m_pictures.value(value.identity()), true};
     case FieldKind::SavingPreset: {
         const std::optional<qint64> presetID = value.integer();
-        return presetID && m_savingPresetWithID ? m_savingPresetWithID(*presetID) : SavingPresetPtr();
+        const bool isFindable = presetID && m_savingPresetWithID;
+        return {isFindable ? m_savingPresetWithID(*presetID) : SavingPresetPtr(), presetID.has_value()};
     }
     }
     Q_UNREACHABLE();
 }
 
-/// Does `read` represent the archived value of a field without loss?
-bool Decoder::isWhole(const WPresetField &field, const ArchivedValue &value, const FieldValue &read)
+void Decoder::note(const QString &text)
 {
-    if (value.isNone())
-        return !value.isMissing();
-    switch (field.kind) {
-    case FieldKind::String:
-        return value.string().has_value();
-    case FieldKind::Strings:
-        return pieces(value).areAll;
-    case FieldKind::Integer:
-        return std::get<WholeNumber>(read).has_value();
-    case FieldKind::Float:
-        return std::get<FloatNumber>(read).has_value();
-    case FieldKind::Boolean:
-        return value.number().has_value();
-    case FieldKind::Color:
-        return std::get<QColor>(read).isValid();
-    case FieldKind::Image: // kept unchanged, and its fault is reported elsewhere
-        return true;
-    case FieldKind::SavingPreset:
-        return value.integer().has_value();
-    }
-    Q_UNREACHABLE();
+    if (m_notes.size() < kMaxNotes)
+        m_notes.append(text);
+    else
+        ++m_moreNotes;
 }
 
 /// @param name    of the field
 /// @param number  of the preset in the list, from 1
 void Decoder::noteUnreadable(QLatin1StringView name, std::size_t number)
 {
-    m_notes.add(Texts::tr("\"%1\" of number %2 in its list cannot be read").arg(name).arg(number));
+    note(Texts::tr("\"%1\" of number %2 in its list cannot be read").arg(name).arg(number));
 }
 
 void Decoder::convert(WPresetValues &values, const ArchivedValue &preset, std::size_t number)
@@ -366,9 +351,9 @@ void Decoder::noteUnknownKeys(const ArchivedValue &preset, std::size_t number)
     }();
     for (const QByteArray &key : preset.keys()) {
         if (!known.contains(key))
-            m_notes.add(Texts::tr("\"%1\" of number %2 in its list is not known")
-                            .arg(QString::fromUtf8(key))
-                            .arg(number));
+            note(Texts::tr("\"%1\" of number %2 in its list is not known")
+                     .arg(QString::fromUtf8(key))
+                     .arg(number));
     }
 }
 
@@ -377,10 +362,10 @@ WPresetValues Decoder::values(const ArchivedValue &preset, std::size_t number)
     WPresetValues values;
     for (const WPresetField &field : wPresetFields()) {
         const ArchivedValue value = preset.value(field.archiveKey);
-        const FieldValue read = fieldValue(field, value);
-        if (!isWhole(field, value, read))
+        const auto [fieldValue, isWhole] = read(field, value);
+        if (value.isNone() ? value.isMissing() : !isWhole)
             noteUnreadable(field.name, number);
-        field.setValue(values, read);
+        field.setValue(values, fieldValue);
     }
     if (m_version < kVersion)
         convert(values, preset, number);
@@ -402,7 +387,7 @@ Result<WPresetList> Decoder::presets(const ArchivedValue &list, QStringList &lef
     for (std::size_t i = 0; i < objects->size(); ++i) {
         const ArchivedValue &object = (*objects)[i];
         if (!object.isOfClass(kPresetClass)) {
-            m_notes.add(Texts::tr("number %1 in its list is not a watermark preset").arg(i + 1));
+            note(Texts::tr("number %1 in its list is not a watermark preset").arg(i + 1));
             continue;
         }
         auto found = known.constFind(object.identity());
@@ -412,7 +397,9 @@ Result<WPresetList> Decoder::presets(const ArchivedValue &list, QStringList &lef
     }
     if (list.isExhausted())
         return fail(Texts::tr("it is too large"));
-    leftOut = m_notes.all();
+    leftOut = m_notes;
+    if (m_moreNotes > 0)
+        leftOut.append(Texts::tr("%1 more in its list cannot be read").arg(m_moreNotes));
     if (presets.empty() && !leftOut.isEmpty())
         return fail(leftOut.first());
     return presets;

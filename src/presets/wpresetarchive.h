@@ -13,26 +13,21 @@ namespace plexa
 /// Finds the saving preset with an ID; null when there is none.
 using SavingPresetLookup = std::function<SavingPresetPtr(qint64 presetID)>;
 
-/// Writes a whole file of watermark presets or none: a keyed archive with the keys "Application",
-/// "FileVersion" (1.2) and "WPresets".
+/// Writes a file of watermark presets: a keyed archive with the keys "Application", "FileVersion" (1.2) and
+/// "WPresets".
 [[nodiscard]] Result<void> writeWPresets(const WPresetList &presets, const QString &toFile);
 
-/// The bytes of such a file, which have been read back as a test.
-/// @return a failure when they could not be read
+/// The bytes of such a file. @return a failure if they could not be read back
 [[nodiscard]] Result<QByteArray> archivedWPresets(const WPresetList &presets);
 
-/// Reads a file of watermark presets of any version; angles and paddings of files below 1.2 are converted. A
-/// missing or invalid value becomes absent, not the default. A picture is kept unchanged, also when it cannot
-/// be drawn (WatermarkPicture::fault).
+/// Reads a file of any version; angles and paddings of files below 1.2 are converted. A missing or invalid
+/// value becomes absent, not the default. A picture that cannot be drawn is kept unchanged
+/// (WatermarkPicture::fault).
 /// @param futureVersion       if given, is set to whether a later version of the program wrote the file, of
 ///                            which the known part is read
 /// @param savingPresetWithID  finds the assigned saving presets; without it none is assigned
-/// @param leftOut             if given, is set to texts on elements and values of the list that cannot be
-/// read:
-///                            they are lost when the presets are written
-/// @return a failure as text that follows the file's name, for a file of another program and for a list that
-/// is
-///         not empty but has no preset
+/// @param leftOut             if given, is set to texts about the elements and values that cannot be read
+/// @return a failure as text that follows the file's name, also for a list whose elements are all unreadable
 [[nodiscard]] Result<WPresetList> readWPresetsFromFile(const QString &path, bool *futureVersion = nullptr,
                                                        const SavingPresetLookup &savingPresetWithID = {},
                                                        QStringList *leftOut = nullptr);

@@ -4,9 +4,11 @@
 
 #include "platform/applicationname.h"
 #include "platform/atomicfile.h"
-#include "presets/xmlnumbers.h"
 
 #include <QDebug>
+
+#include <charconv>
+#include <cmath>
 
 namespace plexa
 {
@@ -15,9 +17,7 @@ namespace
 
 void logAbstractCall(const char *function)
 {
-    qCritical().noquote() << QStringLiteral(
-                                 "ERROR:  The abstract method XMLFile::%1 has been called directly!")
-                                 .arg(QLatin1StringView(function));
+    qCritical("ERROR:  The abstract method XMLFile::%s has been called directly!", function);
 }
 
 bool isHeader(const XMLParser::Element *header)
@@ -37,30 +37,27 @@ bool isRoot(const XMLParser::Element *root, const QString &appID, const QString 
 
 } // namespace
 
-void XMLFile::appendObjectToXML([[maybe_unused]] QString &xml) const
+void XMLFile::appendObjectToXML(QString &) const
 {
     logAbstractCall("appendObjectToXML");
 }
 
-std::shared_ptr<XMLFile> XMLFile::initWithXMLData([[maybe_unused]] const XMLParser::Element &element,
-                                                  [[maybe_unused]] double fileVersion)
+std::shared_ptr<XMLFile> XMLFile::initWithXMLData(const XMLParser::Element &, double)
 {
     logAbstractCall("initWithXMLData");
     return nullptr;
 }
 
 std::optional<std::vector<std::shared_ptr<XMLFile>>>
-XMLFile::readObjectsFromFile([[maybe_unused]] const QString &path, [[maybe_unused]] const QString &appID,
-                             ReadCode &returnCode)
+XMLFile::readObjectsFromFile(const QString &, const QString &, ReadCode &returnCode)
 {
     logAbstractCall("readObjectsFromFile");
     returnCode = ReadCode::Failed;
     return std::nullopt;
 }
 
-Result<void> XMLFile::writeObjects([[maybe_unused]] const std::vector<std::shared_ptr<XMLFile>> &objects,
-                                   [[maybe_unused]] const QString &path,
-                                   [[maybe_unused]] const QString &appID)
+Result<void> XMLFile::writeObjects(const std::vector<std::shared_ptr<XMLFile>> &, const QString &,
+                                   const QString &)
 {
     logAbstractCall("writeObjects");
     return fail(QStringLiteral("these objects have no file"));
@@ -70,7 +67,12 @@ Result<void> XMLFile::writeObjects(std::span<const XMLFile *const> objects, cons
                                    const QString &appID, const QString &rootXMLElement,
                                    const QString &supportedVersion)
 {
-    return writeXML(xmlOf(objects, appID, rootXMLElement, supportedVersion), path);
+    AtomicFile file(path, AtomicFile::IfExists::Replace);
+    if (Result<void> opened = file.open(); !opened)
+        return opened;
+    // commit() reports a failure.
+    file.device().write(xmlOf(objects, appID, rootXMLElement, supportedVersion));
+    return file.commit();
 }
 
 QByteArray XMLFile::xmlOf(std::span<const XMLFile *const> objects, const QString &appID,
@@ -85,15 +87,6 @@ QByteArray XMLFile::xmlOf(std::span<const XMLFile *const> objects, const QString
     return xml.toUtf8();
 }
 
-Result<void> XMLFile::writeXML(const QByteArray &xml, const QString &path)
-{
-    AtomicFile file(path, AtomicFile::IfExists::Replace);
-    if (Result<void> opened = file.open(); !opened)
-        return opened;
-    file.device().write(xml); // commit() reports a failure
-    return file.commit();
-}
-
 QString XMLFile::replaceXmlSpecialChars(const QString &text)
 {
     QString replaced = text;
@@ -101,6 +94,17 @@ QString XMLFile::replaceXmlSpecialChars(const QString &text)
     replaced.replace(QLatin1Char('<'), QLatin1StringView("&lt;"));
     replaced.replace(QLatin1Char('>'), QLatin1StringView("&gt;"));
     return replaced;
+}
+
+double XMLFile::leadingDecimal(const QByteArray &text)
+{
+    QByteArray number = text.trimmed();
+    if (number.startsWith('+'))
+        number.remove(0, 1);
+    double value = 0;
+    // Unlike strtod(), it does not depend on the locale.
+    std::from_chars(number.constData(), number.constData() + number.size(), value);
+    return std::isfinite(value) ? value : 0;
 }
 
 QString XMLFile::withoutLoneSurrogates(const QString &text)

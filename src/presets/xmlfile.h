@@ -24,14 +24,8 @@ enum class ReadCode : qint32 {
 };
 
 /// The base of objects that are stored as a list in one of the program's XML files. It reads and writes the
-/// envelope of the file: an XML header, and a root element with the program's name and the file's version. A
-/// subclass writes itself with appendObjectToXML() and has a static function that creates an object from an
-/// element,
-///
-///     static std::shared_ptr<T> initWithXMLData(const XMLParser::Element &element, double fileVersion);
-///
-/// which returns null for an invalid element. Its readObjectsFromFile() and writeObjects() have no parameters
-/// for root element and version, and call the functions here.
+/// envelope: an XML header, and a root element with the program's name and the file's version. A subclass
+/// replaces the first four functions; its initWithXMLData() returns null for an invalid element.
 class XMLFile
 {
 public:
@@ -40,20 +34,17 @@ public:
     /// Appends the object's element, which begins with a line end.
     virtual void appendObjectToXML(QString &xml) const;
 
-    /// Every subclass replaces these. They log the call and fail.
+    /// These log the call and fail.
     static std::shared_ptr<XMLFile> initWithXMLData(const XMLParser::Element &element, double fileVersion);
     static std::optional<std::vector<std::shared_ptr<XMLFile>>>
     readObjectsFromFile(const QString &path, const QString &appID, ReadCode &returnCode);
     static Result<void> writeObjects(const std::vector<std::shared_ptr<XMLFile>> &objects,
                                      const QString &path, const QString &appID);
 
-    /// Reads all objects of a file, or none.
-    /// @param appID             the program that the file must name; the name of the first major version is
-    ///                          accepted, too
-    /// @param rootXMLElement    the required name of the root element
-    /// @param supportedVersion  the current version of the file; of later versions the known part is read
-    /// @param errors            receives the error lines, those of this function included
-    /// @param isLater           if given, is set to whether a later version of the program wrote the file
+    /// Reads all objects of a file. Of a later version the known part is read.
+    /// @param appID    the program that the file must name, or its name in the first major version
+    /// @param errors   receives the error lines, those of this function included
+    /// @param isLater  if given, is set to whether a later version of the program wrote the file
     /// @return none, with ReadCode::Failed, for an invalid file
     template<class T>
     static std::optional<std::vector<std::shared_ptr<T>>>
@@ -69,10 +60,9 @@ public:
                                                    const QString &rootXMLElement,
                                                    const QString &supportedVersion);
 
-    /// The same in two steps: the bytes of the file, and the writing.
+    /// The bytes of the file that writeObjects() writes.
     static QByteArray xmlOf(std::span<const XMLFile *const> objects, const QString &appID,
                             const QString &rootXMLElement, const QString &supportedVersion);
-    [[nodiscard]] static Result<void> writeXML(const QByteArray &xml, const QString &path);
 
     /// The text as an element's text: "&", "<" and ">" become references. Not for attributes: quotes stay.
     static QString replaceXmlSpecialChars(const QString &text);
@@ -83,6 +73,10 @@ public:
 
     /// The text with lone surrogates, which no file can hold, as U+FFFD.
     static QString withoutLoneSurrogates(const QString &text);
+
+    /// The decimal number at the start of a text, with a point in every locale; 0 if there is none or it is
+    /// not finite.
+    static double leadingDecimal(const QByteArray &text);
 
 protected:
     XMLFile() = default;

@@ -33,16 +33,11 @@ const struct Entity {
     char character;
 } kEntities[] = {{"&lt;", '<'}, {"&gt;", '>'}, {"&amp;", '&'}, {"&quot;", '"'}, {"&apos;", '\''}};
 
+/// -1 for other characters.
 int digitOf(char c, int base)
 {
-    int digit = base;
-    if (c >= '0' && c <= '9')
-        digit = c - '0';
-    else if (c >= 'a' && c <= 'f')
-        digit = c - 'a' + 10;
-    else if (c >= 'A' && c <= 'F')
-        digit = c - 'A' + 10;
-    return digit < base ? digit : -1;
+    const char lower = c >= 'A' && c <= 'F' ? static_cast<char>(c + ('a' - 'A')) : c;
+    return static_cast<int>(QByteArrayView("0123456789abcdef").first(base).indexOf(lower));
 }
 
 /// The length of the reference at the start of `text`, and its byte; 0 for an unknown reference.
@@ -117,8 +112,6 @@ XMLParser::~XMLParser() = default;
 
 bool XMLParser::loadFile(const QString &path)
 {
-    if (m_bytes)
-        return false;
     const auto refuse = [&](const char *message) {
         report(message + quoted(path.toUtf8()));
         return false;
@@ -151,13 +144,11 @@ bool XMLParser::parse(const QByteArray &bytes)
 bool XMLParser::loadAndParseFile(const QString &path)
 {
     m_fileName = path.toUtf8();
-    return loadFile(path) && parse();
+    return !m_bytes && loadFile(path) && parse();
 }
 
 bool XMLParser::parse()
 {
-    if (!m_bytes || m_tokenizer)
-        return false;
     m_tokenizer =
         std::make_unique<XMLTokenizer>(*m_bytes, [this](const QByteArray &message) { reportHere(message); });
     if (m_bytes->size() > kMaxFileBytes)
@@ -274,7 +265,7 @@ bool XMLParser::parseAttributes(Element &element, Tag tag)
     return tag == Tag::Header ? refuse() : true;
 }
 
-/// Its name is the last token.
+/// The attribute's name is the last token.
 bool XMLParser::parseAttribute(Element &element)
 {
     Attribute attribute;
@@ -290,7 +281,7 @@ bool XMLParser::parseAttribute(Element &element)
     return true;
 }
 
-/// Reads the contents of an element and its closing tag.
+/// Reads to the closing tag.
 bool XMLParser::parseContents(Element &element, int depth)
 {
     if (expect(XMLToken::Data, OnFailure::KeepSilent))

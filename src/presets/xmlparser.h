@@ -18,13 +18,8 @@ enum class XMLToken;
 class XMLTokenizer;
 
 /// Reads the XML of the program's own preset files: a header tag, one root element, nested elements with
-/// attributes, a text directly after a start tag, comments. It is not a general XML parser: there are no
-/// document types, namespaces, CDATA sections or encodings, and an empty element needs a blank before its
-/// "/>".
-///
-/// Every file may be damaged or malicious: nothing outside the bytes is read, and size, nesting and number of
-/// elements are limited. Faults are reported in error lines, by default on the standard error stream. One
-/// parser reads one file, on one thread at a time; several parsers may work in parallel.
+/// attributes, a text directly after a start tag, comments. It is not a general XML parser: an empty element
+/// needs a blank before its "/>". One parser reads one file, on one thread at a time.
 class XMLParser final
 {
 public:
@@ -44,8 +39,7 @@ public:
 
         QByteArrayView raw() const { return m_raw; }
 
-        /// The bytes of the file, up to the first NUL. Empty, with an error line, for an unknown entity
-        /// reference.
+        /// The bytes, up to the first NUL. Empty, with an error line, for an unknown entity reference.
         const QByteArray &decoded() const;
 
     private:
@@ -108,20 +102,14 @@ public:
     XMLParser(const XMLParser &) = delete;
     XMLParser &operator=(const XMLParser &) = delete;
 
-    /// Reads the bytes of a file. Fails for a second file.
-    bool loadFile(const QString &path);
-
-    /// Parses the loaded or the given bytes, once. True when they are valid.
-    bool parse();
+    /// Both work once. True if the bytes are valid.
     bool parse(const QByteArray &bytes);
-
     bool loadAndParseFile(const QString &path);
 
-    /// Null before parse(), and when it failed before their end. They live as long as the parser.
+    /// Null before parse(), and if it failed before their end. They live as long as the parser.
     const Element *header() const { return m_header.get(); }
     const Element *root() const { return m_root.get(); }
 
-    /// Has any error line been written?
     bool hasError() const { return m_hasError; }
 
     /// Writes an error line without a position in the file.
@@ -131,6 +119,8 @@ private:
     enum class Tag { Header, Element };
     enum class OnFailure { Report, KeepSilent };
 
+    bool loadFile(const QString &path);
+    bool parse();
     void reportHere(const QByteArray &message);
     void write(const QByteArray &line);
     bool expect(XMLToken first, OnFailure onFailure, std::optional<XMLToken> second = {});

@@ -28,9 +28,8 @@ enum class XMLToken {
 /// The token in an error line: its name and, for symbols, its quoted text.
 QByteArray xmlTokenDescription(XMLToken token);
 
-/// Splits the bytes of a preset file into tokens. The end of a name or a text depends on the token before it,
-/// see next(). White space and comments between tokens are skipped. The bytes belong to the caller and
-/// outlive the object; nothing outside them is read.
+/// Splits the bytes of a preset file into tokens. White space and comments between tokens are skipped. The
+/// caller's bytes outlive the object.
 class XMLTokenizer final
 {
 public:
@@ -48,8 +47,7 @@ public:
     /// Text that begins with a quote, "=", "?", "/" or ">" is therefore not data.
     XMLToken next();
 
-    /// Makes next() read the last token again. That token then counts as the token before itself, and a quote
-    /// once more begins or ends a quotation.
+    /// Makes next() read the last token again, which then counts as the token before itself.
     void pushBack();
 
     /// Skips white space and comments. A carriage return is white space before a line feed only.

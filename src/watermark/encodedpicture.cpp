@@ -6,9 +6,9 @@
 #include "imageio/embedded/storedorientation.h"
 #include "platform/bytebudget.h"
 #include "raster/orientation.h"
+#include "watermark/scaledpictures.h"
 
 #include <QBuffer>
-#include <QCache>
 #include <QCoreApplication>
 
 #include <algorithm>
@@ -26,22 +26,22 @@ struct Texts {
 
 constexpr qint64 kBytesPerPixel = 4;
 
-/// Decoded, this is 1 GiB: far more than any logo, and less than a list should be able to ask for.
+/// Decoded 1 GiB: far more than any logo.
 constexpr qint64 kMaxPixels = qint64{1} << 28;
 
-/// A share of the memory that a machine has.
+/// The share of the machine's memory for one picture.
 constexpr int kShareOfMemory = 4;
 
-/// All pictures together: some logos of the size of a photo.
-constexpr int kMaxKeptKilobytes = 256 * 1024;
+/// For all decoded pictures: some logos of the size of a photo.
+constexpr qint64 kMaxCachedBytes = qint64{256} << 20;
 
-/// Pictures above this are decoded one after the other, by all threads.
+/// Larger pictures are decoded one at a time by all threads.
 constexpr qint64 kManyPixels = 16'000'000;
 
-/// Rows that are turned at a time.
+/// Rows that are rotated at a time.
 constexpr int kStripRows = 256;
 
-/// What representations are, whatever their name says: TIFF files, and now and then others.
+/// Representations are TIFF files, sometimes others, whatever their name is.
 const ImageFormat *formatOf(QByteArrayView bytes)
 {
     const ImageFormat *const format =
@@ -53,48 +53,19 @@ const ImageFormat *formatOf(QByteArrayView bytes)
     return isExpected ? format : nullptr;
 }
 
-/// The bytes themselves, not a copy.
 QByteArray wrapped(QByteArrayView bytes)
 {
     return QByteArray::fromRawData(bytes.data(), bytes.size());
 }
 
-} // namespace
-
 /// The decoded pictures that were used last.
-class EncodedPicture::Kept
+std::shared_ptr<ScaledPictures> cache()
 {
-public:
-    static std::shared_ptr<Kept> shared()
-    {
-        static const auto kept = std::make_shared<Kept>();
-        return kept;
-    }
+    static const auto pictures = std::make_shared<ScaledPictures>(kMaxCachedBytes);
+    return pictures;
+}
 
-    QImage image(const EncodedPicture *picture) const
-    {
-        const std::lock_guard guard(m_lock);
-        const QImage *const found = m_images.object(picture);
-        return found ? *found : QImage();
-    }
-
-    void insert(const EncodedPicture *picture, const QImage &image)
-    {
-        const auto kilobytes = static_cast<qsizetype>(image.sizeInBytes() / 1024);
-        const std::lock_guard guard(m_lock);
-        m_images.insert(picture, new QImage(image), kilobytes + 1); // one that is too large is not kept
-    }
-
-    void remove(const EncodedPicture *picture)
-    {
-        const std::lock_guard guard(m_lock);
-        m_images.remove(picture);
-    }
-
-private:
-    mutable std::mutex m_lock;
-    QCache<const EncodedPicture *, QImage> m_images{kMaxKeptKilobytes}; // guarded by m_lock
-};
+} // namespace
 
 ReadLimits EncodedPicture::readLimits()
 {
@@ -104,13 +75,13 @@ ReadLimits EncodedPicture::readLimits()
 
 EncodedPicture::EncodedPicture(std::vector<Representation> representations)
     : m_representations(std::move(representations))
-    , m_kept(Kept::shared())
+    , m_cache(cache())
 {
 }
 
 EncodedPicture::~EncodedPicture()
 {
-    m_kept->remove(this);
+    m_cache->remove(this);
 }
 
 Result<EncodedPicture::Representation> EncodedPicture::measured(QByteArrayView bytes)
@@ -187,25 +158,30 @@ QSize EncodedPicture::size() const
     return orientedSize(m_representations.front().size, m_representations.front().orientation);
 }
 
-Result<QImage> EncodedPicture::decoded() const
+Result<QImage> EncodedPicture::decodeLargest() const
 {
-    if (QImage image = m_kept->image(this); !image.isNull())
-        return image;
     static std::mutex largePictures;
     std::unique_lock oneAtATime(largePictures, std::defer_lock);
-    if (qint64{size().width()} * size().height() > kManyPixels) {
+    if (qint64{size().width()} * size().height() > kManyPixels)
         oneAtATime.lock();
-        if (QImage image = m_kept->image(this); !image.isNull())
-            return image;
-    }
     Result<QImage> first = decode(m_representations.front());
     Result<QImage> image = first;
     for (std::size_t i = 1; !image && i < m_representations.size(); ++i)
         image = decode(m_representations[i]);
+    return image ? image : first;
+}
+
+Result<QImage> EncodedPicture::decoded() const
+{
+    Result<QImage> image;
+    const auto decode = [&] {
+        image = decodeLargest();
+        return image.value_or(QImage());
+    };
+    const QImage cached = m_cache->find(this, size(), decode, {});
     if (!image)
-        return first;
-    m_kept->insert(this, *image);
-    return image;
+        return image;
+    return cached;
 }
 
 } // namespace plexa

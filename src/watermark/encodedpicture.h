@@ -14,16 +14,17 @@
 namespace plexa
 {
 
-/// A picture that stays encoded until it is used. The bytes are not copied and must outlive the object.
+class ScaledPictures;
+
+/// A picture that stays encoded until it is drawn. The bytes are not copied and must outlive the object.
 /// Decoded pixels are cached, within one bound for all pictures. Any thread.
 class EncodedPicture final
 {
 public:
-    /// The limits for the picture of a watermark.
     static ReadLimits readLimits();
 
     /// Reads the headers of the representations of one picture (files: TIFF, PNG or JPEG).
-    /// @return the failure of the first one when none can be read
+    /// @return the failure of the first one if none can be read
     [[nodiscard]] static Result<std::shared_ptr<const EncodedPicture>>
     fromRepresentations(const QList<QByteArrayView> &representations);
 
@@ -35,11 +36,10 @@ public:
     QSize size() const;
 
     /// The largest representation that can be decoded, upright.
-    /// @return the failure of the largest one when none can
+    /// @return the failure of the largest one if none can
     [[nodiscard]] Result<QImage> decoded() const;
 
 private:
-    class Kept;
     struct Representation {
         QByteArrayView bytes;
         const ImageFormat *format;
@@ -50,9 +50,10 @@ private:
     explicit EncodedPicture(std::vector<Representation> representations);
     static Result<Representation> measured(QByteArrayView bytes);
     static Result<QImage> decode(const Representation &representation);
+    Result<QImage> decodeLargest() const;
 
     const std::vector<Representation> m_representations; // the largest first, at least one
-    const std::shared_ptr<Kept> m_kept;                  // shared by all
+    const std::shared_ptr<ScaledPictures> m_cache;       // shared by all
 };
 
 } // namespace plexa

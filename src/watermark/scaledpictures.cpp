@@ -4,6 +4,8 @@
 
 #include "platform/bytebudget.h"
 
+#include <QScopeGuard>
+
 #include <algorithm>
 #include <chrono>
 
@@ -16,7 +18,7 @@ namespace
 constexpr qint64 kMaxBytes = qint64{256} << 20;
 constexpr int kShareOfMemory = 16;
 
-/// The longest time for which a waiting thread does not notice that it is canceled.
+/// The interval at which a waiting thread checks whether it is canceled.
 constexpr std::chrono::milliseconds kWait(10);
 
 } // namespace
@@ -54,20 +56,15 @@ QImage ScaledPictures::find(const void *owner, QSize size, const std::function<Q
     m_inWork.insert(key);
     lock.unlock();
     QImage image;
-    try {
-        image = render();
-    } catch (...) {
-        lock.lock();
+    const auto finish = qScopeGuard([&] { // also after an exception
+        const std::lock_guard guard(m_lock);
         m_inWork.remove(key);
+        if (!image.isNull())
+            m_images.insert(key, new QImage(image), image.sizeInBytes());
         m_rendered.notify_all();
-        throw;
-    }
-    lock.lock();
-    m_inWork.remove(key);
-    if (!image.isNull())
-        m_images.insert(key, new QImage(image), image.sizeInBytes());
-    m_rendered.notify_all();
-    return image;
+    });
+    image = render();
+    return QImage(image); // a copy: it is cached after this
 }
 
 void ScaledPictures::remove(const void *owner)

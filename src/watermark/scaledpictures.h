@@ -16,8 +16,7 @@
 namespace plexa
 {
 
-/// Caches pictures at the sizes in which they were drawn last, within one bound of bytes for all of them. Any
-/// thread.
+/// Caches pictures at the sizes that were used last, within one bound of bytes. Any thread.
 class ScaledPictures final
 {
 public:
@@ -27,13 +26,12 @@ public:
     static std::shared_ptr<ScaledPictures> shared();
 
     /// The picture of `owner` in that size: the cached one, else the result of `render`. Threads that want
-    /// the same size wait for one rendering; a size above the bound is rendered by each of them. Nothing is
-    /// locked during the rendering.
-    /// @return a null image when `render` returns one or the work is canceled
+    /// the same size wait for one rendering, unless the size exceeds the bound. Nothing is locked meanwhile.
+    /// @return a null image if `render` returns one or the work is canceled
     QImage find(const void *owner, QSize size, const std::function<QImage()> &render,
                 const CancelCheck &isCanceled);
 
-    /// Drops all sizes of a picture. Called before the address of `owner` is used again.
+    /// Discards all sizes of a picture. Called before the address of `owner` is used again.
     void remove(const void *owner);
 
 private:

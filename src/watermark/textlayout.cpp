@@ -25,8 +25,8 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(plexa::TextWatermark)
 };
 
-/// Texts are set at this many pixels an em, without hinting, and scaled from there: the fractions of a pixel
-/// to which the text engine rounds vanish, and its caches serve photos of every size.
+/// Texts are set at this many pixels an em, without hinting, and scaled: the text engine's rounding to
+/// fractions of a pixel vanishes, and its caches serve photos of every size.
 constexpr int kEm = 1000;
 
 /// The text engine counts in 64ths of a pixel, in 32 bits.
@@ -57,7 +57,7 @@ struct LineMetrics {
     }
 };
 
-/// Line breaks as the text engine knows them, and nothing else that is invisible and has no width.
+/// The text with the text engine's line breaks, without other control characters.
 QString preparedForSetting(const QString &text)
 {
     QString prepared;
@@ -82,21 +82,13 @@ QTextOption optionsFor(TextAlignment alignment)
     options.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     options.setUseDesignMetrics(true);
     options.setTabStopDistance(4 * kEm);
-    switch (alignment) {
-    case TextAlignment::Left:
-        options.setAlignment(Qt::AlignLeft | Qt::AlignAbsolute);
-        break;
-    case TextAlignment::Center:
-        options.setAlignment(Qt::AlignHCenter);
-        break;
-    case TextAlignment::Right:
-        options.setAlignment(Qt::AlignRight | Qt::AlignAbsolute);
-        break;
-    }
+    constexpr Qt::Alignment kAlignments[] = {Qt::AlignLeft | Qt::AlignAbsolute, Qt::AlignHCenter,
+                                             Qt::AlignRight | Qt::AlignAbsolute};
+    options.setAlignment(kAlignments[static_cast<std::size_t>(alignment)]);
     return options;
 }
 
-/// Gathers the glyphs of lines that are put one below the other.
+/// Gathers the glyphs of lines, one below the other.
 class GlyphGatherer
 {
 public:
@@ -108,7 +100,7 @@ public:
         LineMetrics metrics = m_ofFont;
         for (const QGlyphRun &run : runs)
             metrics.include(run.rawFont());
-        // Runs are placed against the line's own top.
+        // Runs are placed relative to the line's own top.
         const double down = m_top + metrics.ascent - line.ascent() - line.y();
         for (const QGlyphRun &run : runs)
             addRun(run, QPointF(0, down));
@@ -122,10 +114,9 @@ public:
     }
 
 private:
-    /// What is known of a font's glyphs.
     struct KnownFont {
         bool isPictures = false;
-        QHash<quint32, std::size_t> shapes; ///< by glyph index; kNoShape for what shows nothing
+        QHash<quint32, std::size_t> shapes; ///< by glyph index; kNoShape: invisible
     };
     static constexpr std::size_t kNoShape = std::numeric_limits<std::size_t>::max();
 
@@ -148,7 +139,7 @@ private:
         for (qsizetype i = 0; i < glyphs.size(); ++i) {
             const QPointF at = positions.at(i) + offset;
             if (ofFont.isPictures) {
-                // Not even asked for its outline: the engine would remember the wrong width with it.
+                // Reading its outline would cache a wrong width in the text engine.
                 addPicture(font, glyphs.at(i), at);
                 continue;
             }
@@ -177,7 +168,7 @@ private:
         single.setRawFont(font);
         single.setGlyphIndexes({glyph});
         single.setPositions({at});
-        // The engine knows no box for them; none is this large.
+        // The engine knows no box for them. None is this large.
         m_setting.pictureGlyphs.push_back({single, QRectF(at.x() / kEm - 0.5, at.y() / kEm - 1.5, 3, 2)});
     }
 
@@ -187,7 +178,7 @@ private:
     double m_top = 0;
 };
 
-/// Held while a font of the catalog is in use: copies of a QFont share data that each of them may change.
+/// Held while a font of the catalog is used: copies of a QFont share data that each of them may change.
 std::mutex &catalogFonts()
 {
     static std::mutex mutex;

@@ -3,12 +3,14 @@
 #include "watermark/texttokens.h"
 
 #include "platform/filenames.h"
-#include "watermark/plainstring.h"
+#include "watermark/wpresetvalues.h"
 
 #include <QDateTime>
+#include <QLocale>
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace plexa
 {
@@ -17,6 +19,50 @@ namespace
 
 using Text = std::optional<QString>;
 using Style = LocaleFormat::Style;
+
+/// A whole number has no decimals; others have the shortest form that reads back as the same number.
+QString plainString(double number)
+{
+    // Doubles hold every whole number up to here.
+    constexpr double exact = 9007199254740992.0;
+    if (number == std::trunc(number) && std::abs(number) <= exact)
+        return QString::number(static_cast<qint64>(number));
+    return QString::number(number, 'g', QLocale::FloatingPointShortest);
+}
+
+/// A metadata value as text, whatever the locale; none for an empty text, for lists and for groups.
+Text plainString(const QVariant &value)
+{
+    switch (value.typeId()) {
+    case QMetaType::QString:
+        return value.toString().isEmpty() ? std::nullopt : std::optional(value.toString());
+    case QMetaType::Float: {
+        // Shortest for a float, not for the double that it becomes.
+        const float number = value.toFloat();
+        if (number == std::trunc(number))
+            return plainString(static_cast<double>(number));
+        for (int digits = 6; digits < 9; ++digits) {
+            const QString text = QString::number(static_cast<double>(number), 'g', digits);
+            if (text.toFloat() == number)
+                return text;
+        }
+        return QString::number(static_cast<double>(number), 'g', 9);
+    }
+    case QMetaType::Double:
+        return plainString(value.toDouble());
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::Long:
+    case QMetaType::ULong:
+    case QMetaType::LongLong:
+        return QString::number(value.toLongLong());
+    case QMetaType::ULongLong:
+        return QString::number(value.toULongLong());
+    default:
+        return std::nullopt;
+    }
+}
 
 struct Token {
     const char *name;
@@ -68,8 +114,7 @@ Text flash(const PhotoFacts &photo)
     return photo.metadata().exifFlash() != 0 ? QStringLiteral("did fire") : QStringLiteral("did not fire");
 }
 
-/// The sign precedes the number, which has a sign of its own: a negative value has two. Stored presets rely
-/// on this.
+/// A negative value has two signs. Stored presets rely on this.
 Text exposureBias(const PhotoFacts &photo)
 {
     const QVariant bias = photo.metadata().exifExposureBias();
@@ -84,21 +129,6 @@ Text exposureBias(const PhotoFacts &photo)
 Text dimensions(const PhotoFacts &photo)
 {
     return QStringLiteral("%1 x %2").arg(photo.unscaledSize().width()).arg(photo.unscaledSize().height());
-}
-
-Text width(const PhotoFacts &photo)
-{
-    return QString::number(photo.unscaledSize().width());
-}
-
-Text height(const PhotoFacts &photo)
-{
-    return QString::number(photo.unscaledSize().height());
-}
-
-Text filename(const PhotoFacts &photo)
-{
-    return filenameOf(photo.path());
 }
 
 Text fileExtension(const PhotoFacts &photo)
@@ -161,14 +191,16 @@ constexpr std::array kTokens{
     Token{"lens ID", field<&M::exifLensID>},
     Token{"image number", field<&M::exifImageNumber>},
     Token{"dimensions", dimensions},
-    Token{"width", width},
-    Token{"height", height},
+    Token{"width",
+          [](const PhotoFacts &photo) -> Text { return QString::number(photo.unscaledSize().width()); }},
+    Token{"height",
+          [](const PhotoFacts &photo) -> Text { return QString::number(photo.unscaledSize().height()); }},
     Token{"DPI width", field<&M::dpiWidth>},
     Token{"DPI height", field<&M::dpiHeight>},
     Token{"bit depth", field<&M::bitDepth>},
     Token{"color model", field<&M::colorModel>},
     Token{"ICC profile", field<&M::iccProfileName>},
-    Token{"filename", filename},
+    Token{"filename", [](const PhotoFacts &photo) -> Text { return filenameOf(photo.path()); }},
     Token{"file extension", fileExtension},
     Token{"EXIF user comment", field<&M::exifUserComment>},
     Token{"software", field<&M::tiffSoftware>},
@@ -193,6 +225,17 @@ std::optional<QString> PhotoFacts::stringForInfoToken(const QString &piece, bool
     if (tokenExists)
         *tokenExists = token != kTokens.end();
     return token != kTokens.end() ? token->textOf(*this) : std::nullopt;
+}
+
+std::optional<QString> watermarkTextForImage(const WPresetValues &values, const PhotoFacts &image)
+{
+    QString text;
+    for (const QString &piece : values.textTokens) {
+        bool isToken = false;
+        const std::optional<QString> expansion = image.stringForInfoToken(piece, &isToken);
+        text += isToken ? expansion.value_or(QString()) : piece;
+    }
+    return text.isEmpty() ? std::nullopt : std::optional(text);
 }
 
 const QStringList &tokenNames()

@@ -14,8 +14,10 @@
 namespace plexa
 {
 
-/// The facts of one photo at one moment that watermarks and file names depend on: its size, and the text of
-/// each token. An immutable value; any thread.
+struct WPresetValues;
+
+/// The facts of one photo that watermarks and file names depend on: its size, and the text of each token. An
+/// immutable value; any thread.
 class PhotoFacts final
 {
 public:
@@ -23,8 +25,8 @@ public:
     PhotoFacts() = default;
 
     /// @param path          of the photo as the user knows it
-    /// @param pixelSize     after all turns, pixels square
-    /// @param unscaledSize  after all turns, before pixels were made square
+    /// @param pixelSize     upright, pixels square
+    /// @param unscaledSize  upright, before pixels were made square
     PhotoFacts(const QString &path, ImageMetadata metadata, QSize pixelSize, QSize unscaledSize,
                const LocaleFormat &locale);
 
@@ -35,9 +37,8 @@ public:
     const LocaleFormat &locale() const { return m_locale; }
 
     /// The expansion of one piece of a text.
-    /// @param piece        compared exactly with the token names
-    /// @param tokenExists  receives, where given, whether `piece` is the name of a token
-    /// @return none when `piece` is not a token, or the photo lacks the value
+    /// @param tokenExists  if given, is set to whether `piece` is the name of a token
+    /// @return none if `piece` is not a token, or the photo lacks the value
     std::optional<QString> stringForInfoToken(const QString &piece, bool *tokenExists = nullptr) const;
 
 private:
@@ -48,7 +49,11 @@ private:
     LocaleFormat m_locale;
 };
 
-/// All token names, in the order in which they are tested.
+/// All token names.
 const QStringList &tokenNames();
+
+/// The text of a text watermark on one photo: its pieces, joined; tokens are replaced by the photo's values.
+/// @return none if the text is empty
+std::optional<QString> watermarkTextForImage(const WPresetValues &values, const PhotoFacts &image);
 
 } // namespace plexa

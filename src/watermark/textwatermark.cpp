@@ -4,6 +4,7 @@
 
 #include "raster/bitmaputilities.h"
 #include "watermark/textlayout.h"
+#include "watermark/watermarklayout.h"
 #include "watermark/wpresetvalues.h"
 
 #include <QPainter>
@@ -19,20 +20,14 @@ namespace
 /// Longer sides exceed the range of int.
 constexpr double kMaxSide = 1e9;
 
-/// The painter's rasteriser searches through all edges to the left in a row; in narrow pieces it is ten times
-/// as fast, and the same to the bit.
+/// The painter's rasterizer searches all edges to the left in a row; narrow tiles are ten times as fast, with
+/// the same result.
 constexpr int kTileSide = 256;
 
 TextAlignment alignmentOf(const WPresetValues &values)
 {
-    switch (values.textAlignment.value_or(0)) {
-    case 1:
-        return TextAlignment::Center;
-    case 2:
-        return TextAlignment::Right;
-    default:
-        return TextAlignment::Left;
-    }
+    const int alignment = values.textAlignment.value_or(0);
+    return alignment == 1 || alignment == 2 ? static_cast<TextAlignment>(alignment) : TextAlignment::Left;
 }
 
 /// Fill and outline of the glyphs.
@@ -43,7 +38,7 @@ struct Inks {
     QPen outline;
 };
 
-/// An outline's width is given in percent of the font size; a negative one draws outlines without a fill.
+/// An outline's width is in percent of the font size; a negative one draws outlines without a fill.
 Inks inksOf(const WPresetValues &values, double fontSize)
 {
     Inks inks;
@@ -60,8 +55,8 @@ Inks inksOf(const WPresetValues &values, double fontSize)
     return inks;
 }
 
-/// A text in pixels, ready to be painted: the fill first, the outlines on top of it. The outline of each kind
-/// of glyph is computed once, when it is first painted.
+/// A text in pixels: the fill first, the outlines above it. The outline of each kind of glyph is computed
+/// once.
 class PaintableText
 {
 public:
@@ -115,7 +110,7 @@ private:
     /// A kind of glyph in pixels, its origin at (0, 0).
     struct Shape {
         QRectF reach;
-        QPainterPath fill;    ///< made when it is first painted
+        QPainterPath fill;    ///< created when it is first painted
         QPainterPath outline; ///< likewise
     };
 
@@ -174,8 +169,8 @@ private:
         fill(painter, glyphs, m_inks.outline.color(), [this](std::size_t shape) { return outlineOf(shape); });
     }
 
-    /// Fills the glyphs as one shape, so that where they overlap nothing is filled twice; piece by piece
-    /// where there are thousands in one tile, too small to be distinguished.
+    /// Fills the glyphs as one shape, so that overlaps are not filled twice; in pieces if there are thousands
+    /// in one tile, too small to be distinguished.
     template<typename PathOf>
     void fill(QPainter &painter, const std::vector<TextSetting::Glyph> &glyphs, const QColor &color,
               const PathOf &pathOf) const
@@ -214,19 +209,6 @@ private:
     QRectF m_bounds;
 };
 
-std::optional<double> baseLength(const QString &unit, QSize photo)
-{
-    if (unit == QLatin1StringView("% of height"))
-        return photo.height();
-    if (unit == QLatin1StringView("% of width"))
-        return photo.width();
-    if (unit == QLatin1StringView("% of long edge"))
-        return std::max(photo.width(), photo.height());
-    if (unit == QLatin1StringView("% of short edge"))
-        return std::min(photo.width(), photo.height());
-    return std::nullopt;
-}
-
 } // namespace
 
 double fontSizeInPixels(const WPresetValues &values, QSize photo, double lineHeight)
@@ -251,7 +233,7 @@ Result<std::optional<WatermarkBitmap>> createTextWatermarkOfWidth(double width, 
         setText(text, fonts, values.font, alignmentOf(values), width / fontSize);
     if (!setting)
         return tl::unexpected(setting.error());
-    // A line meant to be 240 pixels tall must not come out as 239 for the last bit of a sum.
+    // A line of 240 pixels must not become 239 by the last bit of a sum.
     const double height = setting->height * fontSize + 1e-6;
     if (!(height >= 1))
         return std::nullopt;
@@ -262,7 +244,7 @@ Result<std::optional<WatermarkBitmap>> createTextWatermarkOfWidth(double width, 
     WatermarkBitmap bitmap;
     bitmap.size = QSize(static_cast<int>(width), static_cast<int>(height));
     bitmap.scale = scale;
-    // The fraction of a photo pixel that is cut off goes at the top.
+    // The fraction of a photo pixel is cut off at the top.
     const QTransform toPixels = QTransform::fromScale(fontSize * scale, fontSize * scale) *
                                 QTransform::fromTranslate(0, (bitmap.size.height() - height) * scale);
     PaintableText paintable(*setting, toPixels, inksOf(values, fontSize * scale));

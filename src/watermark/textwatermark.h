@@ -14,11 +14,10 @@ namespace plexa
 class FontCatalog;
 struct WPresetValues;
 
-/// The bitmap of a text watermark before any turning: exactly as wide as the frame and as tall as the text
-/// then needs, both cut to whole photo pixels. Parts beyond it (an outline at the edge) are cut off. Any
-/// thread.
+/// The bitmap of a text watermark before rotation and tilt: as wide as the frame and as tall as the text,
+/// both cut to whole photo pixels. Outlines beyond it are cut off. Any thread.
 /// @param width  of the frame, in pixels of the photo
-/// @return none when there is nothing to draw on (no width, no height); a failure when it would be too large
+/// @return none without width or height; a failure if it would be too large
 [[nodiscard]] Result<std::optional<WatermarkBitmap>>
 createTextWatermarkOfWidth(double width, const WPresetValues &values, const QString &text,
                            const FontCatalog &fonts, const Rendering &rendering);

@@ -32,35 +32,29 @@ QPointF beyondInk(const WatermarkBitmap &bitmap)
     return QPointF(rest.width(), rest.height()) - bitmap.inkAt;
 }
 
+/// The bitmap after a rotation or reflection of its ink, if it has any.
+template<class Change>
+WatermarkBitmap changed(const WatermarkBitmap &bitmap, QSize size, QPointF inkAt, const Change &change)
+{
+    return {size, bitmap.scale, bitmap.ink.isNull() ? QImage() : change(bitmap.ink), inkAt};
+}
+
 WatermarkBitmap turnedByQuarter(const WatermarkBitmap &bitmap, bool clockwise)
 {
     const QPointF beyond = beyondInk(bitmap);
-    WatermarkBitmap turned = bitmap;
-    turned.size = bitmap.size.transposed();
-    turned.inkAt = clockwise ? QPointF(beyond.y(), bitmap.inkAt.x()) : QPointF(bitmap.inkAt.y(), beyond.x());
-    if (!bitmap.ink.isNull())
-        turned.ink = createImageUpright(bitmap.ink, clockwise ? 6 : 8, 1, 1);
-    return turned;
-}
-
-WatermarkBitmap turnedByHalf(const WatermarkBitmap &bitmap)
-{
-    WatermarkBitmap turned = bitmap;
-    turned.inkAt = beyondInk(bitmap);
-    if (!bitmap.ink.isNull())
-        turned.ink = createImageUpright(bitmap.ink, 3, 1, 1);
-    return turned;
+    const QPointF inkAt =
+        clockwise ? QPointF(beyond.y(), bitmap.inkAt.x()) : QPointF(bitmap.inkAt.y(), beyond.x());
+    return changed(bitmap, bitmap.size.transposed(), inkAt,
+                   [=](const QImage &ink) { return createImageUpright(ink, clockwise ? 6 : 8, 1, 1); });
 }
 
 WatermarkBitmap mirroredOnce(const WatermarkBitmap &bitmap, bool vertically)
 {
     const QPointF beyond = beyondInk(bitmap);
-    WatermarkBitmap flipped = bitmap;
-    flipped.inkAt =
+    const QPointF inkAt =
         vertically ? QPointF(bitmap.inkAt.x(), beyond.y()) : QPointF(beyond.x(), bitmap.inkAt.y());
-    if (!bitmap.ink.isNull())
-        flipped.ink = createImageUpright(bitmap.ink, vertically ? 4 : 2, 1, 1);
-    return flipped;
+    return changed(bitmap, bitmap.size, inkAt,
+                   [=](const QImage &ink) { return createImageUpright(ink, vertically ? 4 : 2, 1, 1); });
 }
 
 /// The bounding box of a tilted rectangle.
@@ -123,7 +117,7 @@ Result<WatermarkBitmap> turnedByAngle(const WatermarkBitmap &bitmap, float degre
     const float radians = positiveRadians(degrees);
     if (!(radians > 0) || !std::isfinite(radians))
         return bitmap;
-    // Quarter turns need no interpolation, which would blur.
+    // Quarter rotations need no interpolation, which would blur.
     const float fromQuarter = std::fmod(degrees, 90.0F);
     if (fromQuarter == 0) {
         const int quarters = (static_cast<int>(std::fmod(degrees, 360.0F)) / 90 + 4) % 4;
@@ -141,7 +135,8 @@ WatermarkBitmap turnedByQuarters(const WatermarkBitmap &bitmap, int rotation)
     case 2:
         return turnedByQuarter(bitmap, true);
     case 3:
-        return turnedByHalf(bitmap);
+        return changed(bitmap, bitmap.size, beyondInk(bitmap),
+                       [](const QImage &ink) { return createImageUpright(ink, 3, 1, 1); });
     default:
         return bitmap;
     }

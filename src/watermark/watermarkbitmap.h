@@ -12,35 +12,34 @@
 namespace plexa
 {
 
-/// What a watermark is rendered for.
+/// The target of a rendering.
 struct Rendering {
-    QSize photo{0, 0};           ///< pixels after all turns; everything is measured in these
+    QSize photo{0, 0};           ///< pixels of the upright photo, the unit of all measures
     double scale = 1;            ///< rendered pixels for each photo pixel, in (0, 1]
     CancelCheck isCanceled = {}; ///< may be empty
 
-    /// Whether a bitmap of so many rendered pixels takes too much memory: at every scale the same ones.
+    /// Would a bitmap of so many rendered pixels be too large? The answer is the same at every scale.
     bool isTooLarge(QSizeF size) const;
 
     /// The failure for a bitmap of so many rendered pixels.
     tl::unexpected<Error> tooLarge(QSizeF size) const;
 };
 
-/// The bitmap of a watermark. Only the part that is not transparent is stored: a line of text is much smaller
-/// than its frame.
+/// The bitmap of a watermark. Only the part that is not transparent is stored.
 struct WatermarkBitmap {
     QSize size{0, 0}; ///< of the whole bitmap, in photo pixels
     double scale = 1; ///< pixels of the ink for each photo pixel
-    QImage ink = {};  ///< Format_ARGB32_Premultiplied, sRGB; null: the whole bitmap is transparent
+    QImage ink = {};  ///< Format_ARGB32_Premultiplied, sRGB; null: all transparent
     QPointF inkAt; ///< from the bitmap's to the ink's top left corner, in pixels of the ink; whole at scale 1
 };
 
 /// The bitmap tilted counter-clockwise, in its bounding box (fractions of a photo pixel cut off).
 /// @param degrees  as presets store it; 0 to 360, and -360 to 0, have an effect
-/// @return a bitmap without size when it cannot be tilted; a failure when it is too large
+/// @return a bitmap without size if it cannot be tilted; a failure if it is too large
 [[nodiscard]] Result<WatermarkBitmap> turnedByAngle(const WatermarkBitmap &bitmap, float degrees,
                                                     const Rendering &rendering);
 
-/// @param rotation  1 a quarter turn counter-clockwise, 2 a quarter turn clockwise, 3 half a turn, else none
+/// @param rotation  1 a quarter counter-clockwise, 2 a quarter clockwise, 3 a half, else none
 WatermarkBitmap turnedByQuarters(const WatermarkBitmap &bitmap, int rotation);
 
 /// @param flip  1 left-right, 2 top-bottom, 3 both, else none

@@ -6,7 +6,6 @@
 #include "watermark/texttokens.h"
 #include "watermark/textwatermark.h"
 #include "watermark/watermarkbitmap.h"
-#include "watermark/watermarktext.h"
 #include "watermark/wpresetvalues.h"
 
 #include <QCoreApplication>
@@ -63,7 +62,7 @@ Result<std::optional<WatermarkBitmap>> createImageWatermarkOfWidth(double width,
     return fault.isEmpty() ? tooLarge() : fail(fault);
 }
 
-/// The watermark's bitmap before any turning.
+/// The watermark's bitmap before rotation and tilt.
 Result<std::optional<WatermarkBitmap>> createWatermarkForImage(const WPresetValues &values,
                                                                const PhotoFacts &photo,
                                                                const FontCatalog &fonts,

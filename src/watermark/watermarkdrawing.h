@@ -24,21 +24,20 @@ struct MarkOrder {
     std::optional<QPointF> customOrigin = {}; ///< place chosen by hand: photo pixels, origin bottom left
 };
 
-/// How a watermark is prepared.
 struct DrawingOptions {
     double scale = 1;            ///< pixels of the target for each photo pixel, in (0, 1]
-    CancelCheck isCanceled = {}; ///< checked at each tile of a text and each row of a logo or a shadow
+    CancelCheck isCanceled = {}; ///< checked at each tile of a text, each row of a logo or a shadow
 };
 
 /// A watermark that is ready to be drawn on one photo, whole or strip by strip. Everything is measured at the
-/// photo's full size; a picture of the photo that is reduced for the screen gets the same watermark, rendered
-/// at its scale. Immutable; any number of threads may draw different strips.
+/// photo's full size; a reduced picture of the photo gets the same watermark, rendered at its scale.
+/// Immutable; any number of threads may draw different strips.
 class WatermarkDrawing final
 {
 public:
-    /// The watermark as it is stamped for each copy. Pixels of the target, y downwards.
+    /// The watermark of one copy. Pixels of the target, y downwards.
     struct Mark {
-        QImage image;        ///< Format_ARGB32_Premultiplied; null when the watermark is transparent
+        QImage image;        ///< Format_ARGB32_Premultiplied; null if the watermark is transparent
         QPointF at;          ///< from the corner of the watermark's rectangle; both corners top left
         Shadow shadow = {};  ///< its image is null without a shadow
         QPoint shadowOffset; ///< from the image's to the shadow image's top left corner
@@ -52,23 +51,21 @@ public:
         QColor color;
     };
 
-    /// Renders the mark, turns it and lays it out.
-    /// @return no value when the preset yields no watermark for this photo (no text, no picture); a failure
-    ///         when no bitmap can be made or the work is canceled
+    /// Renders the mark, rotates it and lays it out.
+    /// @return none if the preset has no watermark for this photo (no text, no picture)
     [[nodiscard]] static Result<std::optional<WatermarkDrawing>> prepare(const MarkOrder &order,
                                                                          const PhotoFacts &photo,
                                                                          const FontCatalog &fonts,
                                                                          const DrawingOptions &options = {});
 
-    /// Prepares several presets. One that fails leaves the others alone.
-    /// @return the result of each preset, in their order
+    /// Prepares several presets. @return the result of each, in their order
     [[nodiscard]] static std::vector<Result<std::optional<WatermarkDrawing>>>
     prepareEach(std::span<const MarkOrder> orders, const PhotoFacts &photo, const FontCatalog &fonts,
                 const DrawingOptions &options = {});
 
     /// The same mark at another place; it is not rendered again.
     /// @param origin  of the watermark's rectangle: photo pixels, origin at the bottom left
-    /// @return a failure when it would be repeated too many times from there
+    /// @return a failure if it would be repeated too many times from there
     [[nodiscard]] Result<WatermarkDrawing> movedTo(QPointF origin) const;
 
     /// The layout, in photo pixels with the origin at the bottom left, whatever the scale.
@@ -77,15 +74,14 @@ public:
     const Mark &mark() const { return m_mark; }
     const std::optional<Box> &box() const { return m_box; }
 
-    /// Whether a part of it lies in the photo. A text of blanks, opacity 0 and a place outside give none.
+    /// False for a text of blanks, for opacity 0 and for a place outside the photo.
     bool isVisible() const { return !coveredRect().isEmpty(); }
 
     /// The pixels of the target that drawing may change, origin at its top left; empty: none.
     QRect coveredRect() const;
 
-    /// Draws onto the target's rows `firstRow <= y < firstRow + rows.height()` (y from the top). Formats as
-    /// in raster/compositing.h. Changes coveredRect() only. A caller that may be canceled draws strip by
-    /// strip.
+    /// Draws onto the target's rows `firstRow <= y < firstRow + rows.height()` (y from the top), inside
+    /// coveredRect(). Formats as in raster/compositing.h.
     /// @param rows  of the photo, or of its picture reduced by the scale
     void drawRows(QImage &rows, int firstRow) const;
 
@@ -102,7 +98,7 @@ private:
     WPresetValues m_values;
     QSize m_photo;
     double m_scale = 1;
-    QSize m_size; ///< of the turned bitmap, in photo pixels
+    QSize m_size; ///< of the rotated bitmap, in photo pixels
     WatermarkLayout m_layout;
     std::optional<Box> m_box;
     Mark m_mark;
@@ -110,12 +106,10 @@ private:
 };
 
 /// The photo with the watermark on it.
-/// @param image          the photo's pixels, format as in raster/compositing.h; brought to `photo`'s size
-///                       where it has another one
+/// @param image          the photo's pixels, format as in raster/compositing.h; scaled to `photo`'s size
 /// @param useCustomRect  `rect` holds the origin to use (photo pixels, bottom left)
-/// @param rect           may be null; receives the origin that was used and the bitmap's size
-/// @return `image` itself (the same pixels, not a copy) when the preset yields no watermark for this photo;
-///         a failure when no bitmap can be made
+/// @param rect           may be null; receives the used origin and the bitmap's size
+/// @return `image` itself (the same pixels, not a copy) if the preset has no watermark for this photo
 [[nodiscard]] Result<QImage> createWatermarkOnImage(const QImage &image, const WPresetValues &values,
                                                     const PhotoFacts &photo, const FontCatalog &fonts,
                                                     bool useCustomRect, QRectF *rect);

@@ -18,87 +18,43 @@ namespace
 constexpr double kMaxCopies = 100'000;
 constexpr double kMaxStampedAreaInPhotos = 400;
 
-class Lengths
-{
-public:
-    explicit Lengths(QSize photo)
-        : m_photo(photo)
-    {
-    }
+/// Converts the lengths of a preset to pixels of the photo.
+struct Lengths {
+    QSizeF photo;
 
     double pixels(WholeNumber value, const QString &unit) const
     {
-        return static_cast<double>(
-            absoluteValueForSize(static_cast<float>(value.value_or(0)), unit, m_photo));
+        return static_cast<double>(absoluteValueForSize(static_cast<float>(value.value_or(0)), unit, photo));
     }
-
-private:
-    QSizeF m_photo;
 };
 
-QPointF anchoredOrigin(const WPresetValues &values, const Lengths &lengths, QSizeF photo, QSizeF mark)
+QPointF anchoredOrigin(const WPresetValues &values, const Lengths &lengths, QSizeF mark)
 {
     const double ox = lengths.pixels(values.offsetHorizontal, values.offsetHorizontalUnit);
     const double oy = lengths.pixels(values.offsetVertical, values.offsetVerticalUnit);
-    const double right = photo.width() - mark.width() - ox;
-    const double top = photo.height() - mark.height() - oy;
-    const double center = (photo.width() - mark.width()) / 2;
-    const double middle = (photo.height() - mark.height()) / 2;
-    switch (values.anchorPoint.value_or(0)) {
-    case 0:
-        return {ox, top};
-    case 1:
-        return {center, top};
-    case 2:
-        return {right, top};
-    case 3:
-        return {ox, middle};
-    case 4:
-        return {center, middle};
-    case 5:
-        return {right, middle};
-    case 7:
-        return {center, oy};
-    case 8:
-        return {right, oy};
-    default:
-        return {ox, oy};
-    }
+    const QSizeF room = lengths.photo - mark;
+    const double columns[] = {ox, room.width() / 2, room.width() - ox};
+    const double rows[] = {room.height() - oy, room.height() / 2, oy};
+    const int anchor = values.anchorPoint.value_or(0);
+    const int known = anchor >= 0 && anchor <= 8 ? anchor : 6;
+    return {columns[known % 3], rows[known / 3]};
 }
 
-std::optional<QRectF> boxAround(const WPresetValues &values, const Lengths &lengths, QSizeF photo,
-                                const QRectF &mark)
+std::optional<QRectF> boxAround(const WPresetValues &values, const Lengths &lengths, const QRectF &mark)
 {
     const QString &unit = values.backgroundPaddingUnit;
-    const double top = lengths.pixels(values.backgroundPaddingTop, unit);
-    const double bottom = lengths.pixels(values.backgroundPaddingBottom, unit);
-    const double left = lengths.pixels(values.backgroundPaddingLeft, unit);
-    const double right = lengths.pixels(values.backgroundPaddingRight, unit);
-
-    double by = mark.y() - bottom;
-    double bh = mark.height() + top + bottom;
-    if (by < 0) {
-        bh += by;
-        by = 0;
+    QRectF box = mark.adjusted(-lengths.pixels(values.backgroundPaddingLeft, unit),
+                               -lengths.pixels(values.backgroundPaddingBottom, unit),
+                               lengths.pixels(values.backgroundPaddingRight, unit),
+                               lengths.pixels(values.backgroundPaddingTop, unit));
+    const QRectF photo(QPointF(0, 0), lengths.photo);
+    if (values.backgroundFullWidth) {
+        box.setLeft(0);
+        box.setWidth(photo.width());
     }
-    if (by + bh > photo.height())
-        bh = photo.height() - by;
-
-    double bx = 0;
-    double bw = photo.width();
-    if (!values.backgroundFullWidth) {
-        bx = mark.x() - left;
-        bw = mark.width() + left + right;
-        if (bx < 0) {
-            bw += bx;
-            bx = 0;
-        }
-        if (bx + bw > photo.width())
-            bw = photo.width() - bx;
-    }
-    if (!(bw > 0 && bh > 0))
+    if (!(box.width() > 0 && box.height() > 0) || !box.intersects(photo)) // padding may be negative
         return std::nullopt;
-    return QRectF(bx, by, bw, bh);
+    return box & photo;
 }
 
 /// Copies in one direction, the first included.
@@ -128,8 +84,9 @@ void appendColumn(std::vector<QPointF> &copies, const QRectF &first, double step
     copies.insert(copies.end(), above.begin(), above.end());
 }
 
-void appendRepeats(WatermarkLayout &layout, const WPresetValues &values, const Lengths &lengths, QSizeF photo)
+void appendRepeats(WatermarkLayout &layout, const WPresetValues &values, const Lengths &lengths)
 {
+    const QSizeF photo = lengths.photo;
     const QPointF first = layout.rect.topLeft();
     const double sx = layout.rect.width() + lengths.pixels(values.replicateHorizontalDistance,
                                                            values.replicateHorizontalDistanceUnit);
@@ -166,18 +123,23 @@ QPointF shadowOffsetOf(const WPresetValues &values, const Lengths &lengths)
 
 } // namespace
 
+std::optional<double> baseLength(const QString &unit, QSizeF photo)
+{
+    if (unit == QLatin1StringView("% of width"))
+        return photo.width();
+    if (unit == QLatin1StringView("% of height"))
+        return photo.height();
+    if (unit == QLatin1StringView("% of long edge"))
+        return std::max(photo.width(), photo.height());
+    if (unit == QLatin1StringView("% of short edge"))
+        return std::min(photo.width(), photo.height());
+    return std::nullopt;
+}
+
 float absoluteValueForSize(float value, const QString &unit, QSizeF imageSize)
 {
-    const double number = static_cast<double>(value);
-    if (unit == QLatin1StringView("% of width"))
-        return static_cast<float>(number * imageSize.width() / 100);
-    if (unit == QLatin1StringView("% of height"))
-        return static_cast<float>(number * imageSize.height() / 100);
-    if (unit == QLatin1StringView("% of long edge"))
-        return static_cast<float>(number * std::max(imageSize.width(), imageSize.height()) / 100);
-    if (unit == QLatin1StringView("% of short edge"))
-        return static_cast<float>(number * std::min(imageSize.width(), imageSize.height()) / 100);
-    return value;
+    const std::optional<double> base = baseLength(unit, imageSize);
+    return base ? static_cast<float>(static_cast<double>(value) * *base / 100) : value;
 }
 
 std::vector<QPointF> replicateVerticallyWatermark(const QRectF &initialRect, double step, QSizeF imageSize)
@@ -205,14 +167,14 @@ float positiveRadians(FloatNumber degrees)
 WatermarkLayout layoutWatermark(const WPresetValues &values, QSize photo, QSize bitmap,
                                 std::optional<QPointF> customOrigin)
 {
-    const Lengths lengths(photo);
+    const Lengths lengths{photo};
     WatermarkLayout layout;
-    const QPointF origin = customOrigin ? *customOrigin : anchoredOrigin(values, lengths, photo, bitmap);
+    const QPointF origin = customOrigin ? *customOrigin : anchoredOrigin(values, lengths, bitmap);
     layout.rect = QRectF(origin, QSizeF(bitmap));
     if (values.background)
-        layout.box = boxAround(values, lengths, photo, layout.rect);
+        layout.box = boxAround(values, lengths, layout.rect);
     layout.shadowOffset = shadowOffsetOf(values, lengths);
-    appendRepeats(layout, values, lengths, photo);
+    appendRepeats(layout, values, lengths);
     return layout;
 }
 

@@ -38,7 +38,6 @@ bool isSvg(QByteArrayView head)
     return isXml && (start.contains("<svg") || start.startsWith("<?xml") || start.contains("<!DOCTYPE svg"));
 }
 
-/// Renders on the calling thread with a renderer of its own: a QSvgRenderer serves one thread.
 bool loadRenderer(QSvgRenderer &renderer, const QByteArray &svg)
 {
     // An animation's timer would need an event loop; a watermark shows the first moment.
@@ -59,7 +58,6 @@ QImage renderedSvg(const QByteArray &svg, QSize size)
     return image;
 }
 
-/// At most so many bytes from the beginning.
 Result<QByteArray> startOf(const QString &path, qint64 bytes)
 {
     QFile file(path);
@@ -99,7 +97,7 @@ Result<QImage> uprightImage(const QString &path)
 
 } // namespace
 
-/// One of `svg`, `pixels` and `encoded`; none when it cannot be drawn at all.
+/// Has one of `svg`, `pixels` and `encoded`, or none if it cannot be drawn.
 struct WatermarkPicture::Data {
     QByteArray svg;
     QImage pixels;
@@ -124,7 +122,7 @@ struct WatermarkPicture::Data {
             fault = text;
     }
 
-    /// The pixels at their own size; the fault is set to how that went.
+    /// The pixels at their own size. Sets the fault.
     QImage decoded() const
     {
         if (!encoded)

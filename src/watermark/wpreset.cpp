@@ -2,8 +2,8 @@
 
 #include "watermark/wpreset.h"
 
+#include "watermark/texttokens.h"
 #include "watermark/watermarklayout.h"
-#include "watermark/watermarktext.h"
 
 #include <utility>
 
@@ -33,7 +33,7 @@ std::unique_ptr<WPreset> WPreset::copy() const
 
 void WPreset::setValues(const WPresetValues &values)
 {
-    // Observers may change the preset while it is being set.
+    // An observer may change the preset, and `values` with it.
     const WPresetValues wanted = values;
     for (const WPresetField &field : wPresetFields())
         setValue(field.id, field.value(wanted));

@@ -17,9 +17,8 @@ namespace plexa
 
 class PhotoFacts;
 
-/// One watermark preset of a list: an identity with change signals around its values. Two presets with equal
-/// values are still two presets; positions that were chosen by hand are kept by identity. Lives on one
-/// thread; work elsewhere takes a copy of values().
+/// One watermark preset of a list: an identity with change signals around its values. Positions that were
+/// chosen by hand are kept by identity. Lives on one thread; work elsewhere gets a copy of values().
 class WPreset final : public QObject
 {
     Q_OBJECT
@@ -29,7 +28,6 @@ class WPreset final : public QObject
     Q_PROPERTY(bool validPreset READ validPreset)
 
 public:
-    /// A field has a new value.
     using Observer =
         std::function<void(const WPresetField &field, const FieldValue &old, const FieldValue &now)>;
 
@@ -38,11 +36,10 @@ public:
     /// A new preset with the values of WPresetValues::forNewPreset().
     explicit WPreset(const FontCatalog &fonts, QObject *parent = nullptr);
 
-    /// A new preset with the values of WPresetValues::forNewPreset(). A preset has no file of its own yet:
-    /// `path` is ignored, and need not exist.
+    /// As the constructor: a preset has no file of its own yet, and `path` is ignored.
     static std::unique_ptr<WPreset> initWithFile(const QString &path, const FontCatalog &fonts);
 
-    /// Another preset with the same values, the name included. It has no parent and no observers.
+    /// Another preset with the same values, the name included, without parent and observers.
     std::unique_ptr<WPreset> copy() const;
 
     const WPresetValues &values() const { return m_values; }
@@ -52,7 +49,7 @@ public:
 
     FieldValue value(FieldId id) const;
 
-    /// Every setter comes down to this one. Setting the value that is there already does nothing.
+    /// Every setter calls this one. Setting a field to its present value does nothing.
     /// @param value  must be of the field's kind
     void setValue(FieldId id, const FieldValue &value);
 
@@ -68,12 +65,12 @@ public:
     PLEXA_WPRESET_FIELDS(PLEXA_FIELD_ACCESSORS)
 #undef PLEXA_FIELD_ACCESSORS
 
-    /// The anchor point has no use for the horizontal (vertical, either) offset.
+    /// The horizontal (vertical, either) offset has no effect with the anchor point.
     bool offsetHorizontalHidden() const;
     bool offsetVerticalHidden() const;
     bool offsetHidden() const;
 
-    /// As WPresetValues says; there is no signal when damage shows while the picture is drawn.
+    /// As in WPresetValues; no signal is sent when damage is found while the picture is drawn.
     bool validPreset() const
     {
         return m_values.validPreset();
@@ -83,7 +80,7 @@ public:
     void addObserverForAllKeys(QObject *context, Observer observer);
     void removeObserverForAllKeys(QObject *context);
 
-    /// As the free functions of watermarklayout.h and watermarktext.h.
+    /// As the free functions.
     static float absoluteValueForSize(float value, const QString &forPercentUnit, QSizeF forImageSize);
     std::optional<QString> watermarkTextForImage(const PhotoFacts &image) const;
 
@@ -95,7 +92,7 @@ private:
     WPresetValues m_values;
 };
 
-/// Watermark presets in the order in which they are drawn. A preset is known by its identity.
+/// Watermark presets in the order in which they are drawn.
 using WPresetList = std::vector<std::shared_ptr<WPreset>>;
 
 } // namespace plexa

@@ -6,6 +6,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -58,41 +59,37 @@ constexpr std::array kFields{
 #undef PLEXA_FIELD_ROW
 };
 
-tl::unexpected<Error> wrongType(const WPresetField &field, const QString &expected)
+tl::unexpected<Error> wrongType(const QString &name, const QString &expected)
 {
-    return fail(Texts::tr("\"%1\" takes %2").arg(field.name, expected));
+    return fail(Texts::tr("\"%1\" takes %2").arg(name, expected));
 }
 
-Result<FieldValue> stringFrom(const WPresetField &field, const QJsonValue &json)
+Result<FieldValue> stringFrom(const QString &name, const QStringList &choices, const QJsonValue &json)
 {
     if (!json.isString() && !json.isNull())
-        return wrongType(field, Texts::tr("a text"));
+        return wrongType(name, Texts::tr("a text"));
     const QString text = json.toString();
-    if (field.isUnit() && !lengthUnits().contains(text)) {
-        return fail(Texts::tr("\"%1\" is not a unit for \"%2\"; the units are: %3")
-                        .arg(text, field.name, lengthUnits().join(QStringLiteral(", "))));
+    if (!choices.isEmpty() && !choices.contains(text)) {
+        return fail(Texts::tr("\"%1\" is no value of \"%2\"; the values are: %3")
+                        .arg(text, name, choices.join(QStringLiteral(", "))));
     }
     return FieldValue(text);
 }
 
-Result<FieldValue> stringsFrom(const WPresetField &field, const QJsonValue &json)
+Result<FieldValue> stringsFrom(const QString &name, const QJsonValue &json)
 {
     if (json.isNull())
         return FieldValue(QStringList());
     if (json.isString())
         return FieldValue(QStringList(json.toString()));
-    QStringList texts;
-    for (const QJsonValue piece : json.toArray()) {
-        if (!piece.isString())
-            return wrongType(field, Texts::tr("a list of texts, as in [\"Photo: \", \"creator\"]"));
-        texts.append(piece.toString());
-    }
-    if (!json.isArray())
-        return wrongType(field, Texts::tr("a list of texts, as in [\"Photo: \", \"creator\"]"));
-    return FieldValue(texts);
+    const QJsonArray pieces = json.toArray();
+    if (!json.isArray() ||
+        !std::all_of(pieces.begin(), pieces.end(), [](const QJsonValue &piece) { return piece.isString(); }))
+        return wrongType(name, Texts::tr("a list of texts, as in [\"Photo: \", \"creator\"]"));
+    return FieldValue(json.toVariant().toStringList());
 }
 
-Result<FieldValue> wholeNumberFrom(const WPresetField &field, const QJsonValue &json)
+Result<FieldValue> wholeNumberFrom(const QString &name, const QJsonValue &json)
 {
     if (json.isNull())
         return FieldValue(WholeNumber());
@@ -101,29 +98,29 @@ Result<FieldValue> wholeNumberFrom(const WPresetField &field, const QJsonValue &
     const bool isWhole = number == std::floor(number) && number >= std::numeric_limits<int>::min() &&
                          number <= std::numeric_limits<int>::max();
     if (!isWhole)
-        return wrongType(field, Texts::tr("a whole number"));
+        return wrongType(name, Texts::tr("a whole number"));
     return FieldValue(WholeNumber(static_cast<int>(number)));
 }
 
-Result<FieldValue> floatFrom(const WPresetField &field, const QJsonValue &json)
+Result<FieldValue> floatFrom(const QString &name, const QJsonValue &json)
 {
     if (json.isNull())
         return FieldValue(FloatNumber());
     const double number = json.toDouble(std::numeric_limits<double>::quiet_NaN());
     const bool fits = std::abs(number) <= static_cast<double>(std::numeric_limits<float>::max());
     if (!fits)
-        return wrongType(field, Texts::tr("a number"));
+        return wrongType(name, Texts::tr("a number"));
     return FieldValue(FloatNumber(static_cast<float>(number)));
 }
 
-Result<FieldValue> booleanFrom(const WPresetField &field, const QJsonValue &json)
+Result<FieldValue> booleanFrom(const QString &name, const QJsonValue &json)
 {
     if (!json.isBool())
-        return wrongType(field, Texts::tr("true or false"));
+        return wrongType(name, Texts::tr("true or false"));
     return FieldValue(json.toBool());
 }
 
-Result<FieldValue> colorFrom(const WPresetField &field, const QJsonValue &json)
+Result<FieldValue> colorFrom(const QString &name, const QJsonValue &json)
 {
     if (json.isNull())
         return FieldValue(QColor());
@@ -133,52 +130,29 @@ Result<FieldValue> colorFrom(const WPresetField &field, const QJsonValue &json)
     for (qsizetype i = 1; isHex && i < text.size(); ++i)
         isHex = text.at(i).unicode() < 128 && std::isxdigit(text.at(i).unicode()) != 0;
     if (!isHex)
-        return wrongType(field, Texts::tr("a color: #rrggbb, or #rrggbbaa with its opacity"));
+        return wrongType(name, Texts::tr("a color: #rrggbb, or #rrggbbaa with its opacity"));
     const uint number = text.mid(1).toUInt(nullptr, 16);
     const QRgb rgb = digits == 8 ? number >> 8 : number;
     const int alpha = digits == 8 ? static_cast<int>(number & 0xff) : 255;
     return FieldValue(QColor(qRed(rgb), qGreen(rgb), qBlue(rgb), alpha));
 }
 
-Result<FieldValue> pictureFrom(const WPresetField &field, const QJsonValue &json)
+Result<FieldValue> pictureFrom(const QString &name, const QJsonValue &json)
 {
     if (json.isNull())
         return FieldValue(WatermarkPicture());
     if (!json.isString())
-        return wrongType(field, Texts::tr("the path of a picture"));
+        return wrongType(name, Texts::tr("the path of a picture"));
     return WatermarkPicture::load(json.toString()).map([](const WatermarkPicture &picture) {
         return FieldValue(picture);
     });
 }
 
-Result<FieldValue> savingPresetFrom(const WPresetField &field, const QJsonValue &json)
+Result<FieldValue> savingPresetFrom(const QString &name, const QJsonValue &json)
 {
     if (!json.isNull())
-        return fail(Texts::tr("\"%1\" refers to a saving preset and cannot be set here").arg(field.name));
+        return fail(Texts::tr("\"%1\" refers to a saving preset and cannot be set here").arg(name));
     return FieldValue(SavingPresetPtr());
-}
-
-Result<FieldValue> valueFrom(const WPresetField &field, const QJsonValue &json)
-{
-    switch (field.kind) {
-    case FieldKind::String:
-        return stringFrom(field, json);
-    case FieldKind::Strings:
-        return stringsFrom(field, json);
-    case FieldKind::Integer:
-        return wholeNumberFrom(field, json);
-    case FieldKind::Float:
-        return floatFrom(field, json);
-    case FieldKind::Boolean:
-        return booleanFrom(field, json);
-    case FieldKind::Color:
-        return colorFrom(field, json);
-    case FieldKind::Image:
-        return pictureFrom(field, json);
-    case FieldKind::SavingPreset:
-        return savingPresetFrom(field, json);
-    }
-    Q_UNREACHABLE();
 }
 
 Result<const WPresetField *> existingField(const QString &name)
@@ -258,40 +232,59 @@ const QStringList &lengthUnits()
     return units;
 }
 
-Result<void> setField(WPresetValues &values, const QString &name, const QJsonValue &value)
+Result<FieldValue> fieldValueFrom(const QString &name, FieldKind kind, const QStringList &choices,
+                                  const QJsonValue &json)
 {
-    const Result<const WPresetField *> field = existingField(name);
-    if (!field)
-        return tl::unexpected(field.error());
-    const Result<FieldValue> converted = valueFrom(**field, value);
-    if (!converted)
-        return tl::unexpected(converted.error());
-    (*field)->setValue(values, *converted);
-    return {};
+    switch (kind) {
+    case FieldKind::String:
+        return stringFrom(name, choices, json);
+    case FieldKind::Strings:
+        return stringsFrom(name, json);
+    case FieldKind::Integer:
+        return wholeNumberFrom(name, json);
+    case FieldKind::Float:
+        return floatFrom(name, json);
+    case FieldKind::Boolean:
+        return booleanFrom(name, json);
+    case FieldKind::Color:
+        return colorFrom(name, json);
+    case FieldKind::Image:
+        return pictureFrom(name, json);
+    case FieldKind::SavingPreset:
+        return savingPresetFrom(name, json);
+    }
+    Q_UNREACHABLE();
 }
 
-QJsonValue jsonInText(const QString &text)
+QJsonValue jsonForField(FieldKind kind, const QString &text)
 {
     QJsonParseError error;
     const QJsonDocument list =
         QJsonDocument::fromJson((QLatin1Char('[') + text + QLatin1Char(']')).toUtf8(), &error);
     if (error.error != QJsonParseError::NoError || list.array().size() != 1)
-        return QJsonValue(QJsonValue::Undefined);
-    return list.array().first();
+        return text;
+    const QJsonValue value = list.array().first();
+    const bool isText = kind == FieldKind::String || kind == FieldKind::Image;
+    const bool isOther = (isText && !value.isString()) ||
+                         (kind == FieldKind::Strings && !value.isString() && !value.isArray());
+    return isOther ? QJsonValue(text) : value;
 }
 
-Result<void> setFieldFromText(WPresetValues &values, const QString &name, const QString &text)
+Result<void> setField(WPresetValues &values, const QString &name, const QJsonValue &value)
 {
     const Result<const WPresetField *> field = existingField(name);
     if (!field)
         return tl::unexpected(field.error());
-    QJsonValue value = jsonInText(text);
-    const bool isText = (*field)->kind == FieldKind::String || (*field)->kind == FieldKind::Image;
-    const bool isList = (*field)->kind == FieldKind::Strings;
-    if (value.isUndefined() || (isText && !value.isString()) ||
-        (isList && !value.isString() && !value.isArray()))
-        value = text;
-    return setField(values, name, value);
+    const QStringList choices = (*field)->isUnit() ? lengthUnits() : QStringList();
+    return fieldValueFrom(name, (*field)->kind, choices, value).map([&](const FieldValue &converted) {
+        (*field)->setValue(values, converted);
+    });
+}
+
+Result<void> setFieldFromText(WPresetValues &values, const QString &name, const QString &text)
+{
+    return existingField(name).and_then(
+        [&](const WPresetField *field) { return setField(values, name, jsonForField(field->kind, text)); });
 }
 
 QJsonValue valueAsJson(const FieldValue &value)

@@ -26,7 +26,7 @@ enum class FieldId {
 using FieldValue = std::variant<QString, QStringList, WholeNumber, FloatNumber, bool, QColor,
                                 WatermarkPicture, SavingPresetPtr>;
 
-/// What a field holds, in the order of FieldValue's alternatives.
+/// The kind of a field's value, in the order of FieldValue's alternatives.
 enum class FieldKind { String, Strings, Integer, Float, Boolean, Color, Image, SavingPreset };
 
 /// One row of the table of fields.
@@ -39,7 +39,7 @@ struct WPresetField {
     /// @param value  must be of the field's kind
     void (*setValue)(WPresetValues &values, const FieldValue &value);
 
-    /// Does it hold the unit of a length?
+    /// Is its value the unit of a length?
     bool isUnit() const { return name.endsWith(QLatin1StringView("Unit")); }
 };
 
@@ -48,28 +48,30 @@ std::span<const WPresetField> wPresetFields();
 
 const WPresetField &wPresetField(FieldId id);
 
-/// The field of exactly that name; null when there is none.
+/// Null if there is no field of exactly that name.
 const WPresetField *wPresetField(QStringView name);
 
-/// The units that lengths are measured in, as they are stored and shown.
+/// The units of lengths, as they are stored and shown.
 const QStringList &lengthUnits();
 
-/// Sets a field from JSON. Strings are strings (for `textTokens` an array of strings, or one string as its
-/// only piece), numbers numbers, colors "#rrggbb" or "#rrggbbaa", `image` the path of a picture, which is
-/// loaded; null makes the value absent.
-/// @return a failure that says what is allowed, for an unknown field, a value of the wrong type, an unknown
-///         unit and an unreadable picture; the values are then unchanged
+/// The value of a field in JSON: strings (for Strings an array of them, or a single one), numbers, booleans,
+/// colors "#rrggbb" or "#rrggbbaa", and the path of a picture, which is loaded. Null makes a value absent.
+/// @param name     of the field, for messages
+/// @param choices  the allowed strings; empty: all
+/// @return a failure that states the allowed values
+[[nodiscard]] Result<FieldValue> fieldValueFrom(const QString &name, FieldKind kind,
+                                                const QStringList &choices, const QJsonValue &json);
+
+/// A text that a person typed, as JSON for a field of that kind: the parsed text where it is JSON, else a
+/// string. For fields of strings "2024" and "true" are strings.
+QJsonValue jsonForField(FieldKind kind, const QString &text);
+
+/// Set a field of this name. A failure states the allowed values and leaves the values unchanged.
 [[nodiscard]] Result<void> setField(WPresetValues &values, const QString &name, const QJsonValue &value);
-
-/// A text that a person typed, as JSON: a single value of any kind; undefined when it is not JSON.
-QJsonValue jsonInText(const QString &text);
-
-/// Sets a field from a text that a person typed: as JSON where it is JSON, else as a string. A field that
-/// holds a string takes the text as it stands unless it is a JSON string ("2024" and "true" are texts there).
 [[nodiscard]] Result<void> setFieldFromText(WPresetValues &values, const QString &name, const QString &text);
 
-/// A value as JSON, in the form that setField() takes; a picture as an object with its "width" and "height",
-/// a saving preset as its number.
+/// A value as JSON, in the form of fieldValueFrom(); a picture as an object with "width" and "height", a
+/// saving preset as its number.
 QJsonValue valueAsJson(const FieldValue &value);
 
 /// All fields by their names.

@@ -21,11 +21,10 @@ using WholeNumber = std::optional<int>;
 using FloatNumber = std::optional<float>;
 
 // clang-format off
-/// The one list of a watermark preset's fields, in declaration order: the members of WPresetValues, the
-/// table of wpresetfields.h and the accessors of WPreset are made from it.
-/// FIELD(name, Name, type, default): `name` is the field's name, "WP" followed by `Name` its archive key.
-/// Strings, lists, colors, picture and saving preset may be absent, too: a null QString, an empty list, an
-/// invalid QColor, a null picture, a null pointer.
+/// The list of a watermark preset's fields, in declaration order, from which the members of WPresetValues, the
+/// table of wpresetfields.h and the accessors of WPreset are generated.
+/// FIELD(name, Name, type, default): "WP" followed by `Name` is the archive key. Values may be absent: a null
+/// QString, an empty list, an invalid QColor, a null picture, a null pointer.
 #define PLEXA_WPRESET_FIELDS(FIELD)                                                                        \
     FIELD(name, Name, QString, QStringLiteral("New Preset"))                                               \
     FIELD(type, Type, QString, QStringLiteral("Text"))                                                     \
@@ -74,9 +73,8 @@ using FloatNumber = std::optional<float>;
     FIELD(assignedSavingPreset, AssignedSavingPreset, SavingPresetPtr, {})
 // clang-format on
 
-/// All the fields of a watermark preset as plain values, for layout, drawing and worker threads. Copies share
-/// the picture (immutable) and the saving preset. Equal when all fields are equal; picture and saving preset
-/// by identity. Angles are in degrees, counter-clockwise.
+/// The fields of a watermark preset as plain values, for layout, drawing and worker threads. Copies share the
+/// picture and the saving preset, which are compared by identity. Angles are in degrees, counter-clockwise.
 struct WPresetValues {
 #define PLEXA_DECLARE_FIELD(name, Name, Type, initial) Type name = initial;
     PLEXA_WPRESET_FIELDS(PLEXA_DECLARE_FIELD)
@@ -84,15 +82,14 @@ struct WPresetValues {
 
     bool operator==(const WPresetValues &) const = default;
 
-    /// The values of a new preset: the defaults above, the default font's name, and as text the copyright
-    /// sign, this year and the user's full name, as they are now.
+    /// The defaults above with the default font's name and the text "(c) YEAR USER".
     static WPresetValues forNewPreset(const FontCatalog &fonts);
 
     /// False for an image watermark whose picture cannot be read.
     bool validPreset() const;
 
-    /// The message with the preset's name and the reason why its picture cannot be read; empty when it can be
-    /// read or there is none.
+    /// The message with the preset's name and the reason why its picture cannot be read; empty without a
+    /// fault.
     QString pictureFault() const;
 };
 

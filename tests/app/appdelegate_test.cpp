@@ -21,21 +21,6 @@ struct Fixture {
         {files.defaults, files.alerts, controller, [this](const QUrl &url) { openedUrls.append(url); }}};
 };
 
-struct Run {
-    Text name;
-    QVariant stored;
-    qint64 expected;
-};
-
-struct Feedback {
-    Text name;
-    int run;
-    bool asks;
-    AlertAnswer answer;
-    bool opensPage;
-    bool asksAgain;
-};
-
 } // namespace
 
 class AppDelegateTest : public QObject
@@ -43,48 +28,37 @@ class AppDelegateTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void countsRuns_data()
-    {
-        addRows<Run>({
-            {"the first", {}, 1},
-            {"the last that is counted", 999'999, 1'000'000},
-            {"round again", 1'000'000, 1},
-            {"edited by hand", u"-3"_qs, -2},
-        });
-    }
     void countsRuns()
     {
         Fixture fixture;
-        const auto [name, stored, expected] = currentRow<Run>();
-        if (stored.isValid())
+        for (const auto &[stored, expected] :
+             {std::pair(QVariant(0), 1), {999'999, 1'000'000}, {1'000'000, 1}, {u"-3"_qs, -2}}) {
             fixture.files.defaults.setObject(settings::runNumber, stored);
-        fixture.delegate.applicationDidFinishLaunching();
-        // As another process reads it.
-        const UserDefaults other(u"Quorvel"_qs, u"Plexa"_qs);
-        QCOMPARE(other.integerForKey(settings::runNumber), expected);
+            fixture.delegate.applicationDidFinishLaunching();
+            // As another process reads it.
+            QCOMPARE(UserDefaults(u"Quorvel"_qs, u"Plexa"_qs).integerForKey(settings::runNumber), expected);
+        }
     }
 
-    void asksForFeedback_data()
-    {
-        addRows<Feedback>({
-            {"seventh run, yes", 7, true, {0, false}, true, true},
-            {"no, and never again", 14, true, {1, true}, false, false},
-            {"yes, and never again", 21, true, {0, true}, true, false},
-            {"any other run", 8, false, {}, false, true},
-        });
-    }
     void asksForFeedback()
     {
         Fixture fixture;
-        const auto [name, run, asks, answer, opensPage, asksAgain] = currentRow<Feedback>();
-        fixture.files.defaults.setObject(settings::runNumber, run);
-        fixture.files.defaults.setObject(settings::askForFeedback, {}); // of the row before
-        if (asks)
-            fixture.files.alerts.expect(u"Your feedback"_qs, answer);
-        fixture.delegate.applicationWillTerminate();
-        QCOMPARE(fixture.files.alerts.complaints(), QStringList());
-        QCOMPARE(fixture.openedUrls.contains(AppDelegate::feedbackPage()), opensPage);
-        QCOMPARE(fixture.files.defaults.boolForKey(settings::askForFeedback), asksAgain);
+        using Row = std::tuple<int, bool, AlertAnswer, bool, bool>;
+        for (const auto &[run, asks, answer, opensPage, asksAgain] :
+             std::initializer_list<Row>{{7, true, {0, false}, true, true},
+                                        {14, true, {1, true}, false, false},
+                                        {21, true, {0, true}, true, false},
+                                        {8, false, {}, false, true}}) {
+            fixture.files.defaults.setObject(settings::runNumber, run);
+            fixture.files.defaults.setObject(settings::askForFeedback, {}); // of the row before
+            fixture.openedUrls.clear();
+            if (asks)
+                fixture.files.alerts.expect(u"Your feedback"_qs, answer);
+            fixture.delegate.applicationWillTerminate();
+            QCOMPARE(fixture.files.alerts.complaints(), QStringList());
+            QCOMPARE(fixture.openedUrls.contains(AppDelegate::feedbackPage()), opensPage);
+            QCOMPARE(fixture.files.defaults.boolForKey(settings::askForFeedback), asksAgain);
+        }
     }
 
     void opensFiles()

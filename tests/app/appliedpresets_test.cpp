@@ -11,22 +11,6 @@ using namespace plexa::test;
 namespace
 {
 
-struct Neighbors {
-    Text name;
-    Text presets;
-    IndexList selected;
-    IndexList next;
-    IndexList previous;
-};
-
-struct Move {
-    Text name;
-    IndexList rows;
-    int target;
-    Text expected;
-    IndexList selected; ///< "b" is, before
-};
-
 } // namespace
 
 class AppliedPresetsTest : public QObject
@@ -67,46 +51,42 @@ private Q_SLOTS:
         QVERIFY(m_applied->effectivePresets().empty() && m_applied->selectedRows().isEmpty());
     }
 
-    void neighbors_data()
-    {
-        addRows<Neighbors>({
-            {"nothing applied", "", {}, {}, {}},
-            {"nothing selected", "a b c", {}, {0}, {2}},
-            {"first", "a b c", {0}, {1}, {2}},
-            {"last", "a b c", {2}, {0}, {1}},
-            {"the only one", "a", {0}, {0}, {0}},
-        });
-    }
     void neighbors()
     {
-        const auto [name, presets, selected, next, previous] = currentRow<Neighbors>();
-        apply(presets);
-        m_applied->selectRows(selected);
-        m_applied->selectNeighborAppliedPreset(AppliedPresets::Neighbor::Next);
-        QCOMPARE(m_applied->selectedRows(), next);
-        m_applied->selectRows(selected);
-        m_applied->selectNeighborAppliedPreset(AppliedPresets::Neighbor::Previous);
-        QCOMPARE(m_applied->selectedRows(), previous);
+        using Row = std::tuple<Text, IndexList, IndexList, IndexList>;
+        for (const auto &[presets, selected, next, previous] :
+             std::initializer_list<Row>{{"", {}, {}, {}},
+                                        {"a b c", {}, {0}, {2}},
+                                        {"a b c", {0}, {1}, {2}},
+                                        {"a b c", {2}, {0}, {1}},
+                                        {"a", {0}, {0}, {0}}}) {
+            init();
+            apply(presets);
+            m_applied->selectRows(selected);
+            m_applied->selectNeighborAppliedPreset(AppliedPresets::Neighbor::Next);
+            QCOMPARE(m_applied->selectedRows(), next);
+            m_applied->selectRows(selected);
+            m_applied->selectNeighborAppliedPreset(AppliedPresets::Neighbor::Previous);
+            QCOMPARE(m_applied->selectedRows(), previous);
+        }
     }
 
-    void moves_data()
-    {
-        addRows<Move>({
-            {"down", {0}, 3, "b c a d", {0}},
-            {"up, apart", {1, 3}, 0, "b d a c", {0}},
-            {"to the end", {1, 2}, 4, "a d b c", {2}},
-            {"around the target", {0, 3}, 2, "b a d c", {0}},
-            {"from elsewhere", {9, -1}, -5, "a b c d", {1}},
-        });
-    }
     void moves()
     {
-        const auto [name, rows, target, expected, selected] = currentRow<Move>();
-        apply(u"a b c d"_qs);
-        m_applied->selectRows({1});
-        m_applied->moveAppliedPresets(rows, target);
-        QCOMPARE(names(m_applied->wPresetsApplied()), expected);
-        QCOMPARE(m_applied->selectedRows(), selected);
+        using Row = std::tuple<IndexList, int, Text, IndexList>;
+        for (const auto &[rows, target, expected, selected] :
+             std::initializer_list<Row>{{{0}, 3, "b c a d", {0}},
+                                        {{1, 3}, 0, "b d a c", {0}},
+                                        {{1, 2}, 4, "a d b c", {2}},
+                                        {{0, 3}, 2, "b a d c", {0}},
+                                        {{9, -1}, -5, "a b c d", {1}}}) {
+            init();
+            apply(u"a b c d"_qs);
+            m_applied->selectRows({1});
+            m_applied->moveAppliedPresets(rows, target);
+            QCOMPARE(names(m_applied->wPresetsApplied()), expected);
+            QCOMPARE(m_applied->selectedRows(), selected);
+        }
     }
 
     void remembers()

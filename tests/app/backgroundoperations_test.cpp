@@ -6,8 +6,6 @@
 
 #include <QSignalSpy>
 
-#include <thread>
-
 using namespace plexa;
 using namespace plexa::test;
 
@@ -15,14 +13,6 @@ using enum StatusOperation;
 
 namespace
 {
-
-struct Line {
-    Text name;
-    QList<QPair<StatusOperation, float>> operations; ///< with their progress
-    Text text;
-    StatusLine::Bar bar;
-    float fraction;
-};
 
 } // namespace
 
@@ -47,47 +37,38 @@ private Q_SLOTS:
         m_work.reset();
     }
 
-    void statusLine_data()
-    {
-        using enum StatusLine::Bar;
-        addRows<Line>({
-            {"idle", {}, "2 out of 3 images (1 selected)", Hidden, 0},
-            {"counting", {{Counting, 12.9F}}, "Counting images to import (12)...", Busy, 0},
-            {"the first one has the bar",
-             {{Importing, 0.25F}, {Pasting, 0.75F}},
-             "Importing images & Pasting configuration...",
-             Fraction,
-             0.25F},
-            {"three",
-             {{Rotating, 0.5F}, {Counting, 3}, {Processing, 0}},
-             "Rotating images & Counting images to import (3) & Processing images...",
-             Fraction,
-             0.5F},
-        });
-    }
     void statusLine()
     {
-        const auto [name, operations, text, bar, fraction] = currentRow<Line>();
-        const auto image = std::make_shared<ImageObject>(QString(), m_work->photos);
-        StatusManager status;
-        QCOMPARE(status.line().text, u"No images"_qs);
-        status.setImages(std::make_shared<ImageList>(ImageList{image, image, image}),
-                         std::make_shared<ImageList>(ImageList{image, image}), 1);
-        for (const auto &[operation, progress] : operations) {
-            QVERIFY(!status.setProgress(progress, operation));
-            status.startOperation(operation);
-            QVERIFY(status.setProgress(progress, operation));
-            status.startOperation(operation); // no second entry
+        using enum StatusLine::Bar;
+        using Row = std::tuple<QList<QPair<StatusOperation, float>>, Text, StatusLine::Bar, float>;
+        for (const auto &[operations, text, bar, fraction] :
+             std::initializer_list<Row>{{{}, "2 out of 3 images (1 selected)", Hidden, 0},
+                                        {{{Counting, 12.9F}}, "Counting images to import (12)...", Busy, 0},
+                                        {{{Importing, 0.25F}, {Pasting, 0.75F}},
+                                         "Importing images & Pasting configuration...",
+                                         Fraction,
+                                         0.25F}}) {
+            const auto image = std::make_shared<ImageObject>(QString(), m_work->photos);
+            StatusManager status;
+            QCOMPARE(status.line().text, u"No images"_qs);
+            status.setImages(std::make_shared<ImageList>(ImageList{image, image, image}),
+                             std::make_shared<ImageList>(ImageList{image, image}), 1);
+            for (const auto &[operation, progress] : operations) {
+                QVERIFY(!status.setProgress(progress, operation));
+                status.startOperation(operation);
+                QVERIFY(status.setProgress(progress, operation));
+                status.startOperation(operation); // no second entry
+            }
+            const QSignalSpy changes(&status, &StatusManager::lineChanged);
+            QTRY_COMPARE(changes.size(), 1); // many changes are one
+            QCOMPARE(status.line().text, text);
+            QCOMPARE(status.line().bar, bar);
+            QCOMPARE(status.line().fraction, fraction);
+            QCOMPARE(status.line().canBeStopped, !operations.isEmpty());
+            for (const auto &[operation, progress] : operations)
+                QVERIFY(status.endOperation(operation) && !status.endOperation(operation));
+            QTRY_VERIFY(!status.line().canBeStopped);
         }
-        const QSignalSpy changes(&status, &StatusManager::lineChanged);
-        QTRY_COMPARE(changes.size(), 1); // many changes are one
-        QCOMPARE(status.line().text, text);
-        QCOMPARE(status.line().bar, bar);
-        QCOMPARE(status.line().fraction, fraction);
-        QCOMPARE(status.line().canBeStopped, !operations.isEmpty());
-        for (const auto &[operation, progress] : operations)
-            QVERIFY(status.endOperation(operation) && !status.endOperation(operation));
-        QTRY_VERIFY(!status.line().canBeStopped);
     }
 
     void rotatesFreePhotosFirst()
@@ -119,42 +100,6 @@ private Q_SLOTS:
         m_app->imageSet().selection().selectNone();
         m_app->startBatchOperation(ImageTransform::RotateHalf);
         QTRY_VERIFY(!isRunning());
-    }
-
-    /// A rotation removes the places chosen by hand, in every photo of the batch and however often.
-    void appliesAllTransforms()
-    {
-        addPhotos(QList<QSize>(12, {30, 20}));
-        const auto preset = namedPreset(u"p"_qs);
-        for (const auto transform :
-             {ImageTransform::RotateClockwise, ImageTransform::MirrorTopBottom, ImageTransform::RotateHalf,
-              ImageTransform::MirrorLeftRight, ImageTransform::RotateCounterClockwise}) {
-            for (std::size_t i = 0; i < 12; ++i)
-                photo(i).setCustomWatermarkRectOrigin({1, 2}, preset);
-            m_app->startBatchOperation(transform);
-            QTRY_VERIFY(!isRunning());
-            for (std::size_t i = 0; i < 12; ++i)
-                QVERIFY(!photo(i).customWatermarkRectOriginForWPreset(preset.get()));
-        }
-        // Clockwise and back with a half rotation and both mirrors between: the photo is as before.
-        QCOMPARE(photo(5).pixelSize(), QSize(30, 20));
-    }
-
-    /// A save releases photos of a long list while they are being rotated: that must end.
-    void rotatesPhotosBeingReleased()
-    {
-        addPhotos(QList<QSize>(12, {30, 20}));
-        const ImageList images = *m_app->imageSet().images();
-        const std::jthread save([&images](const std::stop_token &stop) {
-            for (std::size_t i = 0; !stop.stop_requested(); ++i) {
-                images[i % images.size()]->releaseImagesData();
-                images[(i + 6) % images.size()]->releaseThumbnail();
-            }
-        });
-        for (int i = 0; i < 5; ++i) {
-            m_app->startBatchOperation(ImageTransform::RotateClockwise);
-            QTRY_VERIFY_WITH_TIMEOUT(!isRunning(), 30'000);
-        }
     }
 
     /// In Large Batch mode the memory does not depend on how many photos were rotated or shown. Back in Small
@@ -228,6 +173,8 @@ private Q_SLOTS:
         photo(0).setCustomWatermarkRectOrigin({10, 20}, presets[1]);
         photo(1).setCustomWatermarkRectOrigin({7, 7}, presets[0]);
         ImageSelection &selection = m_app->imageSet().selection();
+        m_app->copyManualPositioning(AppController::Presets::All); // two are selected
+        QVERIFY(!m_app->manualPositions().hasCopy());
         selection.selectIndexes({0});
         m_app->copyManualPositioning(AppController::Presets::All);
         m_app->copyManualPositioning(AppController::Presets::Current); // replaces the other copy
@@ -242,6 +189,8 @@ private Q_SLOTS:
         m_app->resetManualPositioning(AppController::Presets::Current);
         QVERIFY(!photo(1).customWatermarkRectOriginForWPreset(presets[0].get()));
         QVERIFY(photo(1).customWatermarkRectOriginForWPreset(presets[1].get()));
+        m_app->copyManualPositioning(AppController::Presets::Current); // nothing, which replaces the copy
+        QVERIFY(!m_app->manualPositions().hasCopy());
     }
 
     void pastesOntoALockedPhoto()
@@ -277,23 +226,6 @@ private Q_SLOTS:
         photo(1).unlock();
         QVERIFY(!has(1) && !has(2));
         QTRY_VERIFY(!m_app->statusManager().line().canBeStopped);
-    }
-
-    void copiesOnlyFromOnePhoto()
-    {
-        addPhotos({{100, 100}, {100, 100}});
-        const auto preset = namedPreset(u"a"_qs);
-        m_app->appliedPresets().addWPresetsToApplied({preset});
-        photo(0).setCustomWatermarkRectOrigin({10, 20}, preset);
-        m_app->copyManualPositioning(AppController::Presets::All); // two are selected
-        QVERIFY(!m_app->manualPositions().hasCopy());
-        m_app->imageSet().selection().selectIndexes({0});
-        m_app->copyManualPositioning(AppController::Presets::All);
-        QVERIFY(m_app->manualPositions().hasCopy());
-        m_app->imageSet().selection().selectIndexes({1});
-        m_app->copyManualPositioning(
-            AppController::Presets::Current); // has none, and forgets the former copy
-        QVERIFY(!m_app->manualPositions().hasCopy());
     }
 
     void savesMeanwhile()

@@ -7,56 +7,11 @@
 
 #include <sys/stat.h>
 
-#include <filesystem>
-
 using namespace plexa;
 using namespace plexa::test;
 
 namespace
 {
-
-struct FileKind {
-    Text name; ///< of the file
-    QByteArray contents;
-    bool isImage;
-};
-
-struct Limit {
-    Text name;
-    int count;
-    int answer; ///< to the alert; -1: no alert
-    int images;
-    bool isSmallBatch;
-};
-
-struct Move {
-    Text name;
-    Text filter;
-    IndexList moved;
-    int target;
-    Text images;
-    Text shown;
-    IndexList selected;
-    int focus;
-};
-
-struct Removal {
-    Text name;
-    Text filter;
-    IndexList selected;
-    int focus;
-    Text images;
-    Text shownImage; ///< selected and in focus afterwards
-};
-
-struct SelectionCommands {
-    Text name;
-    ImageSelection::View view;
-    IndexList selected;
-    IndexList inverted;
-    int shownAfterInversion;
-    int shownAfterAll; ///< where the second photo had the focus
-};
 
 } // namespace
 
@@ -79,29 +34,28 @@ private Q_SLOTS:
         m_gathered.reset();
     }
 
-    void typeTest_data()
-    {
-        const QByteArray jpeg = QByteArray::fromHex("ffd8ffe000104a46494600010100000100010000");
-        addRows<FileKind>({
-            {"capitals.JPG", "", true},
-            {"suffix of the system's list.jpe", "", true},
-            {"suffix of something else.txt", jpeg, false},
-            {"no suffix", jpeg, true},
-            {"no suffix, no picture", "text", false},
-            {"unknown suffix.q7z1", jpeg, true},
-            {"Photoshop.PSD", "8BPS", false},
-            {".hidden.jpg", jpeg, false},
-            {"empty name of a suffix..", "", false},
-        });
-    }
     void typeTest()
     {
-        const auto [name, contents, isImage] = currentRow<FileKind>();
-        const QString path = m_work->folder.path(name);
-        QVERIFY(writeFile(path, contents));
-        m_set->setImageListModeToBrowser(false); // which opens none of them
-        QVERIFY(m_gathered->gather({path}));
-        QCOMPARE(m_set->images()->size(), isImage ? 1U : 0U);
+        const QByteArray jpeg = QByteArray::fromHex("ffd8ffe000104a46494600010100000100010000");
+        using Row = std::tuple<Text, QByteArray, bool>;
+        for (const auto &[name, contents, isImage] :
+             std::initializer_list<Row>{{"capitals.JPG", "", true},
+                                        {"suffix of the system's list.jpe", "", true},
+                                        {"suffix of something else.txt", jpeg, false},
+                                        {"no suffix", jpeg, true},
+                                        {"no suffix, no picture", "text", false},
+                                        {"unknown suffix.q7z1", jpeg, true},
+                                        {"Photoshop.PSD", "8BPS", false},
+                                        {".hidden.jpg", jpeg, false},
+                                        {"empty name of a suffix..", "", false}}) {
+            cleanup();
+            init();
+            const QString path = m_work->folder.path(name);
+            QVERIFY(writeFile(path, contents));
+            m_set->setImageListModeToBrowser(false); // which opens none of them
+            QVERIFY(m_gathered->gather({path}));
+            QCOMPARE(m_set->images()->size(), isImage ? 1U : 0U);
+        }
     }
 
     void scansFolders()
@@ -129,19 +83,6 @@ private Q_SLOTS:
         QVERIFY(isIdle(m_gathered->gathering));
     }
 
-    void listsInTheFileSystemsOrder()
-    {
-        for (const char *name : {"q.jpg", "b.jpg", "z.jpg", "a.jpg", "m.jpg", "k.jpg", "c.jpg"})
-            m_work->photo(name);
-        const QString top = m_work->folder.path("in");
-        QStringList listed{u"first"_qs};
-        for (const auto &entry : std::filesystem::directory_iterator(top.toStdString()))
-            listed.append(QString::fromStdString(entry.path().stem().string()));
-        const QString single = m_work->photo("../first.png");
-        QVERIFY(m_gathered->gather({single, top}));
-        QCOMPARE(shownNames(*m_set), listed.join(u' '));
-    }
-
     void scansWaitForEachOther()
     {
         const QString many = m_work->manyPhotos(60);
@@ -151,66 +92,56 @@ private Q_SLOTS:
         QCOMPARE(m_set->images()->back()->filename(), u"last"_qs);
     }
 
-    void limitOfSmallBatchMode_data()
-    {
-        addRows<Limit>({
-            {"exactly the limit", 500, -1, 500, true},
-            {"only 500", 503, 1, 500, true},
-            {"change the mode", 503, 0, 503, false},
-        });
-    }
     void limitOfSmallBatchMode()
     {
-        const auto [name, count, answer, images, isSmallBatch] = currentRow<Limit>();
-        if (answer >= 0)
-            m_work->alerts.expect(u"Adding too many images in the Small Batch mode!"_qs, {answer, false});
-        QVERIFY(m_gathered->gather({m_work->manyPhotos(count)}));
-        QCOMPARE(m_set->images()->size(), static_cast<std::size_t>(images));
-        QCOMPARE(m_set->imageListIsInBrowserMode(), isSmallBatch);
-        QCOMPARE(m_work->defaults.boolForKey(settings::imageListIsInBrowserMode), isSmallBatch);
-        if (answer < 0)
-            return;
-        const Alert alert = m_work->alerts.shown().constFirst();
-        QCOMPARE(alert.text,
-                 QStringLiteral("You are importing over 500 images in the Small Batch mode. This may "
-                                "slow down your computer. Please either switch to the Large Batch "
-                                "mode, or import only 500 images."));
-        QCOMPARE(alert.buttons,
-                 QStringList({u"Switch to the Large Batch mode"_qs, u"Import only 500 images"_qs}));
+        using Row = std::tuple<int, int, int, bool>;
+        for (const auto &[count, answer, images, isSmallBatch] :
+             std::initializer_list<Row>{{500, -1, 500, true}, {503, 1, 500, true}, {503, 0, 503, false}}) {
+            cleanup();
+            init();
+            if (answer >= 0)
+                m_work->alerts.expect(u"Adding too many images in the Small Batch mode!"_qs, {answer, false});
+            QVERIFY(m_gathered->gather({m_work->manyPhotos(count)}));
+            QCOMPARE(m_set->images()->size(), static_cast<std::size_t>(images));
+            QCOMPARE(m_set->imageListIsInBrowserMode(), isSmallBatch);
+            QCOMPARE(m_work->defaults.boolForKey(settings::imageListIsInBrowserMode), isSmallBatch);
+            if (answer < 0)
+                continue;
+            const Alert alert = m_work->alerts.shown().constFirst();
+            QCOMPARE(alert.text,
+                     QStringLiteral("You are importing over 500 images in the Small Batch mode. This may "
+                                    "slow down your computer. Please either switch to the Large Batch "
+                                    "mode, or import only 500 images."));
+            QCOMPARE(alert.buttons,
+                     QStringList({u"Switch to the Large Batch mode"_qs, u"Import only 500 images"_qs}));
+        }
     }
 
-    void returnsToSmallBatchMode_data()
-    {
-        QTest::addColumn<int>("count");
-        QTest::newRow("500") << 500;
-        QTest::newRow("501") << 501;
-    }
     void returnsToSmallBatchMode()
     {
-        QFETCH(int, count);
-        const bool isAllowed = count == 500;
         m_set->setImageListModeToBrowser(false);
         const QString path = m_work->photo("a.jpg");
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < 501; ++i)
             m_set->addImage(path, {});
         m_set->selection().selectIndexes({3, 7});
-        if (!isAllowed)
-            m_work->alerts.expect(u"Too many images for the Small Batch mode!"_qs);
-        const QSignalSpy modes(m_set, &ImageSet::imageListModeChanged);
-        m_set->switchImageListMode();
-        QCOMPARE(modes.constLast().constFirst().toBool(),
-                 isAllowed); // a button is notified of a refusal, too
-        QCOMPARE(m_set->imageListIsInBrowserMode(), isAllowed);
-        QCOMPARE(m_set->selection().selectedIndexes(), IndexList({3, 7}));
-        QCOMPARE(m_set->selection().shownImageIndex(), 3);
-        QCOMPARE(m_gathered->gathering.isImportingImages(), isAllowed);
-        if (!isAllowed) {
-            QCOMPARE(
-                m_work->alerts.shown().constFirst().text,
-                QStringLiteral("501 images are currently imported. You cannot work with over 500 images in "
-                               "the Small Batch mode, because this may slow down your computer. Please "
-                               "remove some images if you need to switch."));
+        for (const bool isAllowed : {false, true}) {
+            if (isAllowed)
+                m_set->removeImages({m_set->images()->back()});
+            else
+                m_work->alerts.expect(u"Too many images for the Small Batch mode!"_qs);
+            const QSignalSpy modes(m_set, &ImageSet::imageListModeChanged);
+            m_set->switchImageListMode();
+            QCOMPARE(modes.constLast().constFirst().toBool(),
+                     isAllowed); // a button is notified of a refusal, too
+            QCOMPARE(m_set->imageListIsInBrowserMode(), isAllowed);
+            QCOMPARE(m_set->selection().selectedIndexes(), IndexList({3, 7}));
+            QCOMPARE(m_set->selection().shownImageIndex(), 3);
+            QCOMPARE(m_gathered->gathering.isImportingImages(), isAllowed);
         }
+        QCOMPARE(m_work->alerts.shown().constFirst().text,
+                 QStringLiteral("501 images are currently imported. You cannot work with over 500 images in "
+                                "the Small Batch mode, because this may slow down your computer. Please "
+                                "remove some images if you need to switch."));
     }
 
     void filters()
@@ -240,124 +171,115 @@ private Q_SLOTS:
         QCOMPARE(m_set->imagesFiltered().get(), m_set->images().get());
     }
 
-    void moves_data()
+    void moves()
     {
         const Text all = "x1 a x2 b x3 c";
         // The third shown photo has the focus before: x2, or with the filter x3.
-        addRows<Move>({
-            {"to the front", "", {2, 4}, 0, "x2 x3 x1 a b c", "x2 x3 x1 a b c", {0, 1}, 0},
-            {"to the end", "", {0}, 6, "a x2 b x3 c x1", "a x2 b x3 c x1", {5}, 1},
-            {"around the target", "", {1, 5}, 3, "x1 x2 a c b x3", "x1 x2 a c b x3", {2, 3}, 1},
-            {"onto itself", "", {2, 3}, 3, all, all, {2, 3}, 2},
-            {"beyond the end", "", {1}, 99, "x1 x2 b x3 c a", "x1 x2 b x3 c a", {5}, 1},
-            {"no such photo", "", {17, -4}, 0, all, all, {2}, 2},
-            {"filtered, to the front", "x", {2}, 0, "x3 x1 a x2 b c", "x3 x1 x2", {0}, 0},
-            {"filtered, before another", "x", {0}, 2, "a x2 b x1 x3 c", "x2 x1 x3", {1}, 2},
-            // Three photos are shown, so the end is the fourth place of all; the moved one stood before it.
-            {"filtered, to the end", "x", {0}, 3, "a x2 x1 b x3 c", "x2 x3 x1", {2}, 1},
-        });
-    }
-    void moves()
-    {
-        const auto [name, filter, moved, target, images, shown, selected, focus] = currentRow<Move>();
-        m_set->setImageListModeToBrowser(false); // which loads none of them
-        for (const QString &photo : words("x1.jpg a.jpg x2.jpg b.jpg x3.jpg c.jpg"))
-            m_set->addImage(m_work->folder.path(photo), {});
-        m_set->filterImages(filter);
-        m_set->selection().selectIndexes({2});
-        m_set->moveIndexes(moved, target);
-        QCOMPARE(names(*m_set->images()), images);
-        QCOMPARE(shownNames(*m_set), shown);
-        QCOMPARE(m_set->selection().selectedIndexes(), selected);
-        QCOMPARE(m_set->selection().focusIndex(), focus);
+        using Row = std::tuple<Text, IndexList, int, Text, Text, IndexList, int>;
+        for (const auto &[filter, moved, target, images, shown, selected, focus] :
+             std::initializer_list<Row>{{"", {2, 4}, 0, "x2 x3 x1 a b c", "x2 x3 x1 a b c", {0, 1}, 0},
+                                        {"", {0}, 6, "a x2 b x3 c x1", "a x2 b x3 c x1", {5}, 1},
+                                        {"", {1, 5}, 3, "x1 x2 a c b x3", "x1 x2 a c b x3", {2, 3}, 1},
+                                        {"", {2, 3}, 3, all, all, {2, 3}, 2},
+                                        {"", {1}, 99, "x1 x2 b x3 c a", "x1 x2 b x3 c a", {5}, 1},
+                                        {"", {17, -4}, 0, all, all, {2}, 2},
+                                        {"x", {2}, 0, "x3 x1 a x2 b c", "x3 x1 x2", {0}, 0},
+                                        {"x", {0}, 2, "a x2 b x1 x3 c", "x2 x1 x3", {1}, 2},
+                                        // Three photos are shown, so the end is the fourth place of all; the
+                                        // moved one stood before it.
+                                        {"x", {0}, 3, "a x2 x1 b x3 c", "x2 x3 x1", {2}, 1}}) {
+            cleanup();
+            init();
+            m_set->setImageListModeToBrowser(false); // which loads none of them
+            for (const QString &photo : words("x1.jpg a.jpg x2.jpg b.jpg x3.jpg c.jpg"))
+                m_set->addImage(m_work->folder.path(photo), {});
+            m_set->filterImages(filter);
+            m_set->selection().selectIndexes({2});
+            m_set->moveIndexes(moved, target);
+            QCOMPARE(names(*m_set->images()), images);
+            QCOMPARE(shownNames(*m_set), shown);
+            QCOMPARE(m_set->selection().selectedIndexes(), selected);
+            QCOMPARE(m_set->selection().focusIndex(), focus);
+        }
     }
 
-    void removesFromALongList_data()
-    {
-        QTest::addColumn<QString>("filter");
-        QTest::newRow("all") << QString();
-        QTest::newRow("filtered") << u"photo"_qs;
-    }
     /// Many groups of photos are removed at once: a view gets one signal for all of them.
     void removesFromALongList()
     {
-        QFETCH(QString, filter);
         m_set->setImageListModeToBrowser(false);
         for (int i = 0; i < 1000; ++i) {
             m_set->addImage(u"/x/photo %1.jpg"_qs.arg(i), {});
             m_set->addImage(u"/x/other %1.jpg"_qs.arg(i), {});
         }
-        m_set->filterImages(filter);
-        const ImageList before = *m_set->imagesFiltered();
-        IndexList removed;
-        for (std::size_t i = 0; i < before.size(); i += 2)
-            removed.append(static_cast<int>(i));
-        m_set->selection().select(removed, ImageSelection::kNone);
-        const QSignalSpy removals(m_set, &ImageSet::imagesRemoved);
-        const QSignalSpy resets(m_set, &ImageSet::listReset);
-        m_set->removeSelectedImages();
-        QVERIFY(removals.isEmpty() && resets.size() == 1);
-        QCOMPARE(m_set->images()->size(), 2000U - static_cast<std::size_t>(removed.size()));
-        QCOMPARE(m_set->imagesFiltered()->size(), before.size() / 2);
-        for (std::size_t i = 0; i < before.size() / 2; ++i)
-            QVERIFY((*m_set->imagesFiltered())[i] == before[2 * i + 1]);
+        for (const QString &filter : {u"photo"_qs, QString()}) {
+            m_set->filterImages(filter);
+            const ImageList before = *m_set->imagesFiltered();
+            const std::size_t all = m_set->images()->size();
+            IndexList removed;
+            for (std::size_t i = 0; i < before.size(); i += 2)
+                removed.append(static_cast<int>(i));
+            m_set->selection().select(removed, ImageSelection::kNone);
+            const QSignalSpy removals(m_set, &ImageSet::imagesRemoved);
+            const QSignalSpy resets(m_set, &ImageSet::listReset);
+            m_set->removeSelectedImages();
+            QVERIFY(removals.isEmpty() && resets.size() == 1);
+            QCOMPARE(m_set->images()->size(), all - before.size() / 2);
+            QCOMPARE(m_set->imagesFiltered()->size(), before.size() / 2);
+            for (std::size_t i = 0; i < before.size() / 2; ++i)
+                QVERIFY((*m_set->imagesFiltered())[i] == before[2 * i + 1]);
+        }
     }
 
-    void removes_data()
-    {
-        addRows<Removal>({
-            {"shown and two before", "", {0, 1, 3}, 3, "c e", "e"},
-            {"the last one", "", {4}, 4, "a b c d", "d"},
-            {"others than the shown one", "", {0, 4}, 2, "b c d", "c"},
-            {"all", "", {0, 1, 2, 3, 4}, 1, "", ""},
-            {"nothing in focus", "", {2}, -1, "a b d e", ""},
-            {"filtered", "b", {0}, 0, "a c d e", ""},
-        });
-    }
     void removes()
     {
-        const auto [name, filter, selected, focus, images, shownImage] = currentRow<Removal>();
-        for (const char *photo : {"a.png", "b.png", "c.png", "d.png", "e.png"})
-            m_set->addImage(m_work->photo(photo), {});
-        m_set->filterImages(filter);
-        std::shared_ptr<ImageObject> shown;
-        const QObject context;
-        connect(m_set, &ImageSet::shownImageChanged, &context, [&](const auto &image) { shown = image; });
-        m_set->selection().select(selected, focus);
-        m_set->removeSelectedImages();
-        QCOMPARE(names(*m_set->images()), images);
-        QTRY_COMPARE(shown ? shown->filename() : QString(), shownImage);
-        QCOMPARE(names(m_set->selectedImages()), shownImage);
-        QVERIFY(!shown || shown->isLoaded());
+        using Row = std::tuple<Text, IndexList, int, Text, Text>;
+        for (const auto &[filter, selected, focus, images, shownImage] :
+             std::initializer_list<Row>{{"", {0, 1, 3}, 3, "c e", "e"},
+                                        {"", {4}, 4, "a b c d", "d"},
+                                        {"", {0, 4}, 2, "b c d", "c"},
+                                        {"", {0, 1, 2, 3, 4}, 1, "", ""},
+                                        {"", {2}, -1, "a b d e", ""},
+                                        {"b", {0}, 0, "a c d e", ""}}) {
+            cleanup();
+            init();
+            for (const char *photo : {"a.png", "b.png", "c.png", "d.png", "e.png"})
+                m_set->addImage(m_work->photo(photo), {});
+            m_set->filterImages(filter);
+            std::shared_ptr<ImageObject> shown;
+            const QObject context;
+            connect(m_set, &ImageSet::shownImageChanged, &context, [&](const auto &image) { shown = image; });
+            m_set->selection().select(selected, focus);
+            m_set->removeSelectedImages();
+            QCOMPARE(names(*m_set->images()), images);
+            QTRY_COMPARE(shown ? shown->filename() : QString(), shownImage);
+            QCOMPARE(names(m_set->selectedImages()), shownImage);
+            QVERIFY(!shown || shown->isLoaded());
+        }
     }
 
-    void selectionCommands_data()
-    {
-        using enum ImageSelection::View;
-        addRows<SelectionCommands>({
-            {"grid", Grid, {0, 2}, {1, 3}, 1, 1},
-            {"table", Table, {3}, {0, 1, 2}, 0, 0},
-            {"all are selected", Grid, {0, 1, 2, 3}, {}, -1, 1},
-        });
-    }
     void selectionCommands()
     {
-        const auto [name, view, selected, inverted, shownAfterInversion, shownAfterAll] =
-            currentRow<SelectionCommands>();
-        ImageSelection selection;
-        selection.setView(view);
-        selection.reset(4);
-        selection.select(selected + IndexList{4, -1} + selected, 1);
-        QCOMPARE(selection.selectedIndexes(), selected);
-        selection.invertSelection();
-        QCOMPARE(selection.selectedIndexes(), inverted);
-        QCOMPARE(selection.shownImageIndex(), shownAfterInversion);
-        selection.select(selected, 1);
-        selection.selectAll();
-        QCOMPARE(selection.selectedIndexes(), IndexList({0, 1, 2, 3}));
-        QCOMPARE(selection.shownImageIndex(), shownAfterAll);
-        selection.selectNone();
-        QVERIFY(selection.selectedIndexes().isEmpty() && selection.focusIndex() == ImageSelection::kNone);
+        using enum ImageSelection::View;
+        using Row = std::tuple<ImageSelection::View, IndexList, IndexList, int, int>;
+        for (const auto &[view, selected, inverted, shownAfterInversion, shownAfterAll] :
+             std::initializer_list<Row>{{Grid, {0, 2}, {1, 3}, 1, 1},
+                                        {Table, {3}, {0, 1, 2}, 0, 0},
+                                        {Grid, {0, 1, 2, 3}, {}, -1, 1}}) {
+            ImageSelection selection;
+            selection.setView(view);
+            selection.reset(4);
+            selection.select(selected + IndexList{4, -1} + selected, 1);
+            QCOMPARE(selection.selectedIndexes(), selected);
+            selection.invertSelection();
+            QCOMPARE(selection.selectedIndexes(), inverted);
+            QCOMPARE(selection.shownImageIndex(), shownAfterInversion);
+            selection.select(selected, 1);
+            selection.selectAll();
+            QCOMPARE(selection.selectedIndexes(), IndexList({0, 1, 2, 3}));
+            QCOMPARE(selection.shownImageIndex(), shownAfterAll);
+            selection.selectNone();
+            QVERIFY(selection.selectedIndexes().isEmpty() && selection.focusIndex() == ImageSelection::kNone);
+        }
     }
 
     /// In Large Batch mode a photo is loaded when it gets the focus, and removed when it cannot be loaded.

@@ -17,22 +17,6 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-/// Options with the files "my.pxwpr" as %1 and "my.pxspr" as %2.
-struct Applying {
-    Text name; ///< the options
-    QStringList copies;
-};
-
-struct WrongUsage {
-    Text name; ///< the options
-    QByteArray message;
-};
-
-struct Unmarked {
-    Text name;            ///< the options
-    QByteArray invisible; ///< as the message calls it; none: something is visible
-};
-
 } // namespace
 
 class PresetsCommandTest : public QObject, private ProgramRuns
@@ -181,47 +165,41 @@ private Q_SLOTS:
         }
     }
 
-    void applying_data()
-    {
-        addRows<Applying>({
-            {"--wpresets %1", words("a-Plain.png 'a-With PNG.png' b-Plain.jpg 'b-With PNG.jpg'")},
-            {"--wpresets %1 --saving-presets %2 --apply 'With PNG'", words("a-assigned.png b-assigned.png")},
-            {"--wpresets %1 --saving-presets %2 --apply 'With PNG' --ignore-assigned",
-             words("'a-With PNG.png' 'b-With PNG.jpg'")},
-            {"--wpresets %1 --combine", words("a.png b.jpg")},
-            {"--wpresets %1 --apply Plain --apply Plain --combine", words("a.png b.jpg")},
-            {"--wpresets %1 --saving-presets %2 --saving-preset 'As TIFF' --apply Plain",
-             words("a-assigned.tif b-assigned.tif")},
-        });
-    }
-
     void applying()
     {
-        const auto [options, copies] = currentRow<Applying>();
-        const ProgramRun outcome = save(options);
-        QVERIFY2(outcome.status == 0, outcome.err.constData());
-        QCOMPARE(namesIn(path("out")), copies);
-    }
-
-    void wrongUsage_data()
-    {
-        addRows<WrongUsage>({
-            {"--wpresets %1 --apply Nope", "\"Plain\", \"With PNG\""},
-            {"--wpresets %1 --saving-presets %2 --saving-preset Nope", "\"As PNG\", \"As TIFF\""},
-            {"--wpresets %1 --text x", "--wpresets"},
-            {"--apply Plain --set width=3", "--apply"},
-            {"--wpresets %2", "my.pxspr\": it is a file of saving presets"},
-            {"--text x --saving-presets %1", "my.pxwpr\": it is a file of watermark"},
-        });
+        using Row = std::tuple<Text, QStringList>;
+        for (const auto &[options, copies] : std::initializer_list<Row>{
+                 {"--wpresets %1", words("a-Plain.png 'a-With PNG.png' b-Plain.jpg 'b-With PNG.jpg'")},
+                 {"--wpresets %1 --saving-presets %2 --apply 'With PNG'",
+                  words("a-assigned.png b-assigned.png")},
+                 {"--wpresets %1 --saving-presets %2 --apply 'With PNG' --ignore-assigned",
+                  words("'a-With PNG.png' 'b-With PNG.jpg'")},
+                 {"--wpresets %1 --combine", words("a.png b.jpg")},
+                 {"--wpresets %1 --apply Plain --apply Plain --combine", words("a.png b.jpg")},
+                 {"--wpresets %1 --saving-presets %2 --saving-preset 'As TIFF' --apply Plain",
+                  words("a-assigned.tif b-assigned.tif")}}) {
+            init();
+            const ProgramRun outcome = save(options);
+            QVERIFY2(outcome.status == 0, outcome.err.constData());
+            QCOMPARE(namesIn(path("out")), copies);
+        }
     }
 
     void wrongUsage()
     {
-        const auto [options, message] = currentRow<WrongUsage>();
-        const ProgramRun outcome = save(options);
-        QCOMPARE(outcome.status, 2);
-        QVERIFY2(outcome.err.contains(message), outcome.err.constData());
-        QVERIFY(!QFile::exists(path("out")));
+        using Row = std::tuple<Text, QByteArray>;
+        for (const auto &[options, message] : std::initializer_list<Row>{
+                 {"--wpresets %1 --apply Nope", "\"Plain\", \"With PNG\""},
+                 {"--wpresets %1 --saving-presets %2 --saving-preset Nope", "\"As PNG\", \"As TIFF\""},
+                 {"--wpresets %1 --text x", "--wpresets"},
+                 {"--apply Plain --set width=3", "--apply"},
+                 {"--wpresets %2", "my.pxspr\": it is a file of saving presets"},
+                 {"--text x --saving-presets %1", "my.pxwpr\": it is a file of watermark"}}) {
+            const ProgramRun outcome = save(options);
+            QCOMPARE(outcome.status, 2);
+            QVERIFY2(outcome.err.contains(message), outcome.err.constData());
+            QVERIFY(!QFile::exists(path("out")));
+        }
     }
 
     void theUsersOwnPresets()
@@ -252,30 +230,27 @@ private Q_SLOTS:
                  words("'b-Logo with shadow.jpg' b-Plain.jpg 'b-With PNG.jpg' b-assigned.png"));
     }
 
-    void unmarkedCopies_data()
-    {
-        addRows<Unmarked>({
-            {"--apply 'Film date'", "it"},
-            {"--apply 'Film date' --apply 'GPS position'", "\"Film date\""},
-            {"--apply 'GPS position'", ""},
-            {R"(--set textTokens=["city","\n","state"])", "it"},
-            {R"(--set textTokens=["city","\n","state"] --set background=true)", ""},
-            {"--text x --set offsetHorizontal=9000", "it"},
-            {"--text x --set opacity=0", "it"},
-        });
-    }
-
     /// A copy without a visible watermark is reported.
     void unmarkedCopies()
     {
-        const auto [options, invisible] = currentRow<Unmarked>();
-        const ProgramRun outcome = save(options + u" --save-set filenameTokens=filename"_s);
-        QCOMPARE(outcome.status, 0);
-        const bool isMarked = invisible.isEmpty();
-        QCOMPARE(outcome.err.count("saved without a watermark"), isMarked ? 0 : 2);
-        QVERIFY2(isMarked || outcome.err.contains("nothing of " + invisible + " is"),
-                 outcome.err.constData());
-        QCOMPARE(pixelsOf(QImage(path("out/a.png"))) != smoothPicture({120, 200}), isMarked);
+        using Row = std::tuple<Text, QByteArray>;
+        for (const auto &[options, invisible] : std::initializer_list<Row>{
+                 {"--apply 'Film date'", "it"},
+                 {"--apply 'Film date' --apply 'GPS position'", "\"Film date\""},
+                 {"--apply 'GPS position'", ""},
+                 {R"(--set textTokens=["city","\n","state"])", "it"},
+                 {R"(--set textTokens=["city","\n","state"] --set background=true)", ""},
+                 {"--text x --set offsetHorizontal=9000", "it"},
+                 {"--text x --set opacity=0", "it"}}) {
+            init();
+            const ProgramRun outcome = save(options + u" --save-set filenameTokens=filename"_s);
+            QCOMPARE(outcome.status, 0);
+            const bool isMarked = invisible.isEmpty();
+            QCOMPARE(outcome.err.count("saved without a watermark"), isMarked ? 0 : 2);
+            QVERIFY2(isMarked || outcome.err.contains("nothing of " + invisible + " is"),
+                     outcome.err.constData());
+            QCOMPARE(pixelsOf(QImage(path("out/a.png"))) != smoothPicture({120, 200}), isMarked);
+        }
     }
 
 private:

@@ -159,6 +159,27 @@ private Q_SLOTS:
         }
     }
 
+    void defaultsOfAllSettings()
+    {
+        UserDefaults defaults(kMaker, kProgram);
+        registerDefaults(defaults);
+        QStringList on;
+        for (const Setting &setting : allSettings()) {
+            if (setting.type == SettingType::Bool && defaults.boolForKey(setting.key))
+                on.append(setting.key);
+            else if (setting.type == SettingType::Integer)
+                QCOMPARE(defaults.integerForKey(setting.key), 0);
+            else if (setting.type == SettingType::StringArray)
+                QCOMPARE(defaults.stringArrayForKey(setting.key), QStringList());
+        }
+        QCOMPARE(on, QStringList({u"imageListIsInBrowserMode"_qs, u"imageBrowserShowsNames"_qs,
+                                  u"saveAllToOneDirectory"_qs, u"exportPreserveOriginalFileCreationDate"_qs,
+                                  u"askForMASReview"_qs, u"askForFeedback"_qs}));
+        QCOMPARE(defaults.floatForKey(settings::imageBrowserZoomFactor), 0.5F);
+        QCOMPARE(defaults.stringForKey(settings::lastMetadataPanelTabID), u"General"_qs);
+        QCOMPARE(defaults.stringForKey(settings::replicationStartDirectory), QString());
+    }
+
     void threads()
     {
         UserDefaults defaults(kMaker, kProgram);

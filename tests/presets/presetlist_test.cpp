@@ -2,7 +2,6 @@
 
 #include "presets/presetlist.h"
 #include "presets/savingpreset.h"
-#include "support/datarows.h"
 #include "support/words.h"
 #include "watermark/wpreset.h"
 
@@ -60,20 +59,12 @@ QStringList namesOf(const auto &list)
 
 enum Operation { InsertNew, Duplicate, Move, Remove };
 
-struct ChangeRow {
-    Text name;
-    Operation operation;
-    QList<int> rows;
-    int to;
-    Text names;
-    int row; ///< the one that the operation returns
-};
-
 /// Changes the list "a b c d e".
+/// @param row  the one that the operation returns
 template<class Preset, class Maker>
-void checkChange(const Maker &maker)
+void checkChange(const Maker &maker, Operation operation, const QList<int> &rows, int to, const char *names,
+                 int row)
 {
-    const auto [name, operation, rows, to, names, row] = currentRow<ChangeRow>();
     PresetList<Preset> list(maker);
     const Mirror<Preset> mirror(list);
     for (const QString &letter : words("a b c d e")) {
@@ -87,7 +78,7 @@ void checkChange(const Maker &maker)
                  : operation == Duplicate ? list.duplicate(rows)
                                           : list.remove(rows),
                  row);
-    QCOMPARE(namesOf(list), words(names.toUtf8().constData()));
+    QCOMPARE(namesOf(list), words(names));
     QVERIFY(mirror.isTrue());
     // Every preset in it reports its edits, and none that has left it.
     const QSignalSpy edits(&list, &PresetListSignals::edited);
@@ -111,30 +102,29 @@ class PresetListTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void changes_data()
-    {
-        addRows<ChangeRow>({
-            {"insert", InsertNew, {}, 0, "a b c d e 'New Preset'", 5},
-            {"insert after the last one", InsertNew, {3, 1}, 0, "a b c d 'New Preset' e", 4},
-            {"insert, wrong rows", InsertNew, {1, 9, -1}, 0, "a b 'New Preset' c d e", 2},
-            {"duplicate none", Duplicate, {}, 0, "a b c d e", 5},
-            {"duplicate", Duplicate, {2, 0}, 0, "a b c 'a - copy' 'c - copy' d e", 3},
-            {"move down", Move, {1, 2}, 4, "a d b c e", 0},
-            {"move up", Move, {4, 3}, 1, "a d e b c", 0},
-            {"move together", Move, {0, 1, 4}, 3, "c a b e d", 0},
-            {"move behind all", Move, {0}, 99, "b c d e a", 0},
-            {"move to itself", Move, {1, 2}, 2, "a b c d e", 0},
-            {"remove", Remove, {4, 1, 2}, 0, "a d", 1},
-            {"remove one", Remove, {1}, 0, "a c d e", 1},
-            {"remove all", Remove, {0, 1, 2, 3, 4}, 0, "", -1},
-            {"remove, wrong row", Remove, {5}, 0, "a b c d e", -1},
-        });
-    }
-
     void changes()
     {
-        checkChange<WPreset>([] { return std::make_shared<WPreset>(WPresetValues()); });
-        checkChange<SavingPreset>([] { return std::make_shared<SavingPreset>(); });
+        using Row = std::tuple<Operation, QList<int>, int, const char *, int>;
+        for (const auto &[operation, rows, to, names, row] :
+             std::initializer_list<Row>{{InsertNew, {}, 0, "a b c d e 'New Preset'", 5},
+                                        {InsertNew, {3, 1}, 0, "a b c d 'New Preset' e", 4},
+                                        {InsertNew, {1, 9, -1}, 0, "a b 'New Preset' c d e", 2},
+                                        {Duplicate, {}, 0, "a b c d e", 5},
+                                        {Duplicate, {2, 0}, 0, "a b c 'a - copy' 'c - copy' d e", 3},
+                                        {Move, {1, 2}, 4, "a d b c e", 0},
+                                        {Move, {4, 3}, 1, "a d e b c", 0},
+                                        {Move, {0, 1, 4}, 3, "c a b e d", 0},
+                                        {Move, {0}, 99, "b c d e a", 0},
+                                        {Move, {1, 2}, 2, "a b c d e", 0},
+                                        {Remove, {4, 1, 2}, 0, "a d", 1},
+                                        {Remove, {1}, 0, "a c d e", 1},
+                                        {Remove, {0, 1, 2, 3, 4}, 0, "", -1},
+                                        {Remove, {5}, 0, "a b c d e", -1}}) {
+            checkChange<WPreset>([] { return std::make_shared<WPreset>(WPresetValues()); }, operation, rows,
+                                 to, names, row);
+            checkChange<SavingPreset>([] { return std::make_shared<SavingPreset>(); }, operation, rows, to,
+                                      names, row);
+        }
     }
 };
 

@@ -66,46 +66,16 @@ QByteArray savingPresetFile(const QByteArray &version, const QByteArray &name, c
            "</preset>\n</savingPresets>\n";
 }
 
-/// Runs a function in a process of its own. @return its process ID
-pid_t started(const std::function<void()> &function)
+/// Runs a function in a process of its own. @return its result; -1 if the process was killed
+int statusOfChild(const std::function<int()> &function)
 {
     const pid_t child = fork();
-    if (child == 0) {
-        function();
-        _exit(0);
-    }
-    return child;
-}
-
-/// @return the exit status; -1 when it was killed
-int ended(pid_t child)
-{
+    if (child == 0)
+        _exit(function());
     int status = 0;
     waitpid(child, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
-
-struct PartlyRead {
-    Text name;
-    Text file;
-    QByteArray contents;
-    Text presets;    ///< the names that are read
-    Text alert = {}; ///< its title
-};
-
-struct FaultyCall {
-    Text name;
-    Fault fault;
-};
-
-/// Files are given as "name=contents".
-struct Migration {
-    Text name;
-    QStringList old;
-    QStringList now;
-    QStringList expected;
-    bool isOldFolderGone;
-};
 
 } // namespace
 
@@ -284,59 +254,58 @@ private Q_SLOTS:
         }
     }
 
-    void whatIsNotReadIsKept_data()
+    /// Backups of other times stay, too.
+    void whatIsNotReadIsKept()
     {
         const QByteArray some = contentsOf(m_folder.path("some.pxwpr"));
         const QByteArray later = contentsOf(m_folder.path("later.pxwpr"));
         const QByteArray laterSaving = savingPresetFile("1.5", "A", "filename");
         const QByteArray entity = savingPresetFile("1.4", "A", "copy&copy;");
-        addRows<PartlyRead>({
-            {"damaged list", "WPresets.pxwpr", "bad", "", kCannotRead},
-            {"damaged list of saving presets", "SPresets.pxspr", "bad", "", kCannotRead},
-            {"later list", "WPresets.pxwpr", later, "Old Old", kCannotRead},
-            {"no preset in a list", "WPresets.pxwpr", some, "Old"},
-            {"no preset", "QuickWPreset.pxwpr", some, "Old"},
-            {"later version", "QuickWPreset.pxwpr", later, "Quick Preset"},
-            {"damaged", "QuickWPreset.pxwpr", "bad", "Quick Preset"},
-            {"damaged saving preset", "QuickSPreset.pxspr", "bad", "Quick Preset"},
-            {"later list of saving presets", "SPresets.pxspr", laterSaving, "A"},
-            {"later saving preset", "QuickSPreset.pxspr", laterSaving, "A"},
-            {"unknown entity in a list", "SPresets.pxspr", entity, "A"},
-            {"unknown entity", "QuickSPreset.pxspr", entity, "A"},
-        });
-    }
-
-    /// Backups of other times stay, too.
-    void whatIsNotReadIsKept()
-    {
-        const auto [row, name, contents, presets, alert] = currentRow<PartlyRead>();
-        const QFileInfo info(name);
-        const QString backup = path(info.completeBaseName() + u"-replaced%1."_s + info.suffix());
-        writeFile(path(name), contents);
-        for (const QString &number : {QString(), u"-2"_s})
-            writeFile(backup.arg(number), "of another time");
-        if (!alert.isEmpty())
-            m_alerts->expect(alert);
-        const auto store = start();
-        QVERIFY(alert.isEmpty() || !m_alerts->shown().last().text.contains(u"saved in"));
-        QCOMPARE(contentsOf(path(name)), contents);
-        const Slot slot = name.startsWith(u'Q') ? Slot::Quick : Slot::List;
-        const bool isWatermark = name.endsWith(QLatin1StringView("pxwpr"));
-        const QStringList stored = isWatermark ? namesOf(store->wPresets()) : namesOf(store->savingPresets());
-        const QString quick =
-            isWatermark ? store->quickWPreset()->name() : store->quickSavingPreset()->name();
-        QCOMPARE(slot == Slot::List ? stored.join(u' ') : quick, presets);
-        const auto save = [&](PresetsStore &of) {
-            return (isWatermark ? of.saveWPresets(slot) : of.saveSavingPresets(slot)).has_value();
-        };
-        // Once, before the first time that something would get lost.
-        QVERIFY(save(*store) && save(*store));
-        QVERIFY(contentsOf(path(name)) != contents);
-        QCOMPARE(contentsOf(backup.arg(u"-3"_s)), contents);
-        for (const QString &number : {QString(), u"-2"_s})
-            QCOMPARE(contentsOf(backup.arg(number)), QByteArray("of another time"));
-        QVERIFY(save(*start()));
-        QCOMPARE(files().filter(u"-replaced"_s).size(), 3);
+        using Row = std::tuple<Text, QByteArray, Text, Text>; // file, contents, names that are read, alert
+        for (const auto &[name, contents, presets, alert] :
+             std::initializer_list<Row>{{"WPresets.pxwpr", "bad", "", kCannotRead},
+                                        {"SPresets.pxspr", "bad", "", kCannotRead},
+                                        {"WPresets.pxwpr", later, "Old Old", kCannotRead},
+                                        {"WPresets.pxwpr", some, "Old", ""},
+                                        {"QuickWPreset.pxwpr", some, "Old", ""},
+                                        {"QuickWPreset.pxwpr", later, "Quick Preset", ""},
+                                        {"QuickWPreset.pxwpr", "bad", "Quick Preset", ""},
+                                        {"QuickSPreset.pxspr", "bad", "Quick Preset", ""},
+                                        {"SPresets.pxspr", laterSaving, "A", ""},
+                                        {"QuickSPreset.pxspr", laterSaving, "A", ""},
+                                        {"SPresets.pxspr", entity, "A", ""},
+                                        {"QuickSPreset.pxspr", entity, "A", ""}}) {
+            cleanup();
+            init();
+            const QFileInfo info(name);
+            const QString backup = path(info.completeBaseName() + u"-replaced%1."_s + info.suffix());
+            writeFile(path(name), contents);
+            for (const QString &number : {QString(), u"-2"_s})
+                writeFile(backup.arg(number), "of another time");
+            if (!alert.isEmpty())
+                m_alerts->expect(alert);
+            const auto store = start();
+            QVERIFY(alert.isEmpty() || !m_alerts->shown().last().text.contains(u"saved in"));
+            QCOMPARE(contentsOf(path(name)), contents);
+            const Slot slot = name.startsWith(u'Q') ? Slot::Quick : Slot::List;
+            const bool isWatermark = name.endsWith(QLatin1StringView("pxwpr"));
+            const QStringList stored =
+                isWatermark ? namesOf(store->wPresets()) : namesOf(store->savingPresets());
+            const QString quick =
+                isWatermark ? store->quickWPreset()->name() : store->quickSavingPreset()->name();
+            QCOMPARE(slot == Slot::List ? stored.join(u' ') : quick, presets);
+            const auto save = [slot, isWatermark](PresetsStore &of) {
+                return (isWatermark ? of.saveWPresets(slot) : of.saveSavingPresets(slot)).has_value();
+            };
+            // Once, before the first time that something would get lost.
+            QVERIFY(save(*store) && save(*store));
+            QVERIFY(contentsOf(path(name)) != contents);
+            QCOMPARE(contentsOf(backup.arg(u"-3"_s)), contents);
+            for (const QString &number : {QString(), u"-2"_s})
+                QCOMPARE(contentsOf(backup.arg(number)), QByteArray("of another time"));
+            QVERIFY(save(*start()));
+            QCOMPARE(files().filter(u"-replaced"_s).size(), 3);
+        }
     }
 
     /// One that was read, because references are read in all texts, but has no form in which it can be
@@ -425,118 +394,76 @@ private Q_SLOTS:
         QVERIFY(!store.quickWPreset()->assignedSavingPreset() && stored.front()->assignedSavingPreset());
     }
 
-    void migration_data()
-    {
-        addRows<Migration>({
-            {"one file",
-             words("WPresets.pxwpr=w other=o"),
-             {},
-             words("'WPresets - older backup.pxwpr=w' WPresets.pxwpr=w"),
-             true},
-            {"new files stay", words("SPresets.pxspr=s QuickWPreset.pxwpr=q"), words("SPresets.pxspr=new"),
-             words("'QuickWPreset - older backup.pxwpr=q' QuickWPreset.pxwpr=q "
-                   "'SPresets - older backup.pxspr=s' SPresets.pxspr=new"),
-             true},
-            {"interrupted", words("WPresets.pxwpr=w"), words("'WPresets - older backup.pxwpr=w'"),
-             words("'WPresets - older backup.pxwpr=w' WPresets.pxwpr=w"), true},
-            {"another backup there", words("SPresets.pxspr=s QuickSPreset.pxspr=q"),
-             words("'SPresets - older backup.pxspr=a'"), words("'SPresets - older backup.pxspr=a'"), false},
-            {"a pipe", words("WPresets.pxwpr=pipe SPresets.pxspr=s"), {}, {}, false},
-        });
-    }
-
     void migration()
     {
-        const auto [name, old, now, expected, isOldFolderGone] = currentRow<Migration>();
-        const auto write = [](const QStringList &files, const QString &folder) {
-            for (const QString &file : files) {
-                const QString path = folder + u'/' + file.section(u'=', 0, 0);
-                if (file.endsWith(u"=pipe"))
-                    QCOMPARE(runProgram(u"mkfifo"_s, {path}).status, 0);
-                else
-                    QVERIFY(writeFile(path, file.section(u'=', 1).toUtf8()));
-            }
-        };
-        const QString oldFolder = m_folder.path("home/Quorvel Plexa 1");
-        QVERIFY(QDir().mkpath(oldFolder));
-        write(old, oldFolder);
-        write(now, m_home);
-        updateOldApplicationSupportDirectoryIfNeeded(m_home);
-        QStringList found = files();
-        for (QString &file : found)
-            file += u'=' + QString::fromUtf8(contentsOf(path(file)));
-        QCOMPARE(found, expected);
-        QCOMPARE(QFileInfo::exists(oldFolder), !isOldFolderGone);
+        using Row = std::tuple<QStringList, QStringList, QStringList, bool>;
+        for (const auto &[old, now, expected, isOldFolderGone] : std::initializer_list<Row>{
+                 {words("WPresets.pxwpr=w other=o"),
+                  {},
+                  words("'WPresets - older backup.pxwpr=w' WPresets.pxwpr=w"),
+                  true},
+                 {words("SPresets.pxspr=s QuickWPreset.pxwpr=q"), words("SPresets.pxspr=new"),
+                  words("'QuickWPreset - older backup.pxwpr=q' QuickWPreset.pxwpr=q "
+                        "'SPresets - older backup.pxspr=s' SPresets.pxspr=new"),
+                  true},
+                 {words("WPresets.pxwpr=w"), words("'WPresets - older backup.pxwpr=w'"),
+                  words("'WPresets - older backup.pxwpr=w' WPresets.pxwpr=w"), true},
+                 {words("SPresets.pxspr=s QuickSPreset.pxspr=q"), words("'SPresets - older backup.pxspr=a'"),
+                  words("'SPresets - older backup.pxspr=a'"), false},
+                 {words("WPresets.pxwpr=pipe SPresets.pxspr=s"), {}, {}, false}}) {
+            cleanup();
+            init();
+            const auto write = [](const QStringList &files, const QString &folder) {
+                for (const QString &file : files) {
+                    const QString path = folder + u'/' + file.section(u'=', 0, 0);
+                    if (file.endsWith(u"=pipe"))
+                        QCOMPARE(runProgram(u"mkfifo"_s, {path}).status, 0);
+                    else
+                        QVERIFY(writeFile(path, file.section(u'=', 1).toUtf8()));
+                }
+            };
+            const QString oldFolder = m_folder.path("home/Quorvel Plexa 1");
+            QVERIFY(QDir().mkpath(oldFolder));
+            write(old, oldFolder);
+            write(now, m_home);
+            updateOldApplicationSupportDirectoryIfNeeded(m_home);
+            QStringList found = files();
+            for (QString &file : found)
+                file += u'=' + QString::fromUtf8(contentsOf(path(file)));
+            QCOMPARE(found, expected);
+            QCOMPARE(QFileInfo::exists(oldFolder), !isOldFolderGone);
+        }
     }
-
-    void aFaultAtAnyCall_data() { addRows<FaultyCall>({{"error", Fault::Error}, {"death", Fault::Death}}); }
 
     void aFaultAtAnyCall()
     {
-        const auto [name, kind] = currentRow<FaultyCall>();
         const WPresetList before = wPresets(words("before"));
         const WPresetList after = wPresets(words("after too"));
-        int outcomes[2] = {0, 0};
-        bool isReached = true;
-        for (int call = 1; isReached && call < 100; ++call) {
-            PresetsStore store(*m_alerts, m_fonts, {m_home, m_examples});
-            setWPresets(store, before);
-            QVERIFY(store.saveWPresets(Slot::List));
-            const int status = ended(started([&, kind = kind] {
-                setWPresets(store, after);
-                callsLeft = call;
-                fault = kind;
-                const bool isSaved = store.saveWPresets(Slot::List).has_value();
-                // 0: not reached any more; 1: failed and reported; 2: saved in spite of the fault
-                _exit(callsLeft > 0 ? 0 : isSaved ? 2 : 1);
-            }));
-            isReached = status != 0;
-            const QStringList found = namesOf(start()->wPresets());
-            const bool isAfter = found == namesOf(after);
-            QVERIFY2(isAfter || found == namesOf(before), qPrintable(QString::number(call)));
-            QVERIFY(isAfter || (status != 0 && status != 2));
-            ++outcomes[isAfter ? 1 : 0];
-            QCOMPARE(files(), words(".lock SPresets.pxspr WPresets.pxwpr"));
-        }
-        QVERIFY(!isReached);
-        QVERIFY2(outcomes[0] >= 3 && outcomes[1] >= 1, "the faults did not come where they should");
-    }
-
-    void firstStartsAtTheSameMoment()
-    {
-        for (int time = 0; time < 20; ++time) {
-            // Every other time the list that is there is bad, so that it is replaced.
-            const bool isBad = time % 2 == 1;
-            if (isBad)
-                writeFile(path("WPresets.pxwpr"), "bad");
-            int gate[2];
-            QCOMPARE(pipe(gate), 0);
-            QList<pid_t> children;
-            for (int i = 0; i < 4; ++i) {
-                children.append(started([&] {
-                    ::close(gate[1]);
-                    char byte = 0;
-                    if (read(gate[0], &byte, 1) != 0)
-                        _exit(3);
-                    const auto store = start();
-                    const bool isWhole = store->wPresets().size() == 2 && m_alerts->shown().isEmpty();
-                    const bool isEmpty = store->wPresets().empty() && m_alerts->shown().size() == 1;
-                    _exit(isWhole ? 0 : isEmpty ? 1 : 2);
-                }));
+        for (const Fault kind : {Fault::Error, Fault::Death}) {
+            int outcomes[2] = {0, 0};
+            bool isReached = true;
+            for (int call = 1; isReached && call < 100; ++call) {
+                PresetsStore store(*m_alerts, m_fonts, {m_home, m_examples});
+                setWPresets(store, before);
+                QVERIFY(store.saveWPresets(Slot::List));
+                const int status = statusOfChild([&] {
+                    setWPresets(store, after);
+                    callsLeft = call;
+                    fault = kind;
+                    const bool isSaved = store.saveWPresets(Slot::List).has_value();
+                    // 0: not reached any more; 1: failed and reported; 2: saved in spite of the fault
+                    return callsLeft > 0 ? 0 : isSaved ? 2 : 1;
+                });
+                isReached = status != 0;
+                const QStringList found = namesOf(start()->wPresets());
+                const bool isAfter = found == namesOf(after);
+                QVERIFY2(isAfter || found == namesOf(before), qPrintable(QString::number(call)));
+                QVERIFY(isAfter || (status != 0 && status != 2));
+                ++outcomes[isAfter ? 1 : 0];
+                QCOMPARE(files(), words(".lock SPresets.pxspr WPresets.pxwpr"));
             }
-            ::close(gate[0]);
-            ::close(gate[1]);
-            int reports = 0;
-            for (const pid_t child : children) {
-                const int status = ended(child);
-                QVERIFY(status == 0 || status == 1);
-                reports += status;
-            }
-            QCOMPARE(reports, isBad ? 1 : 0);
-            QCOMPARE(start()->wPresets().size(), std::size_t(2));
-            QCOMPARE(files().size(), isBad ? 4 : 3);
-            cleanup();
-            init();
+            QVERIFY(!isReached);
+            QVERIFY2(outcomes[0] >= 3 && outcomes[1] >= 1, "the faults did not come where they should");
         }
     }
 

@@ -11,9 +11,6 @@
 #include <QtTest>
 
 #include <limits>
-#include <mutex>
-#include <set>
-#include <thread>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -90,30 +87,6 @@ struct Shown {
     Text shown;
 };
 
-struct Written {
-    Text name;
-    Text format;
-    Text alternative;
-    Text source;
-    Text type;
-    QStringList extensions;
-};
-
-struct OldFile {
-    Text name;
-    double version;
-    QByteArray content;
-    SavingPresetValues expected;
-};
-
-struct Broken {
-    Text name;
-    double version;
-    QByteArray from;
-    QByteArray to;
-    QByteArray reason;
-};
-
 } // namespace
 
 class SavingPresetTest : public QObject
@@ -128,6 +101,12 @@ private Q_SLOTS:
         QCOMPARE(SavingPreset().presetID(), 1);
         QCOMPARE(SavingPreset::initWithoutNewID()->presetID(), 0);
         QCOMPARE(SavingPreset().presetID(), 2);
+        const SavingPreset preset(firstOfFile());
+        SavingPreset other;
+        other.copyFrom(preset);
+        const std::unique_ptr<SavingPreset> copy = preset.copy();
+        QVERIFY(copy->values() == firstOfFile() && other.values() == firstOfFile());
+        QVERIFY(preset.presetID() == 3 && other.presetID() == 4 && copy->presetID() == 5);
 
         QVERIFY(read(kFile));
         QCOMPARE(SavingPreset::lastUsedPresetID(), 42);
@@ -147,40 +126,6 @@ private Q_SLOTS:
         QCOMPARE(SavingPreset().presetID(), 45);
         QVERIFY(read(QByteArray(kFile).replace("41", "9000000000000000000")));
         QCOMPARE(SavingPreset().presetID(), 9000000000000000001);
-    }
-
-    void identitiesAreUniqueOnThreads()
-    {
-        constexpr int kThreads = 4;
-        constexpr int kEach = 500;
-        std::mutex mutex;
-        std::set<qint64> all;
-        std::vector<std::jthread> threads;
-        for (int i = 0; i < kThreads; ++i) {
-            threads.emplace_back([&] {
-                for (int j = 0; j < kEach; ++j) {
-                    const qint64 id = SavingPreset().presetID();
-                    QByteArray errors;
-                    presetOf("<id>" + QByteArray::number(id) + "</id>", 1.4, errors);
-                    const std::lock_guard lock(mutex);
-                    all.insert(id);
-                }
-            });
-        }
-        threads.clear(); // waits for them
-        QCOMPARE(all.size(), std::size_t(kThreads * kEach));
-        QCOMPARE(SavingPreset::lastUsedPresetID(), kThreads * kEach);
-    }
-
-    void aCopyIsEqualAndAnother()
-    {
-        const SavingPreset preset(firstOfFile());
-        const std::unique_ptr<SavingPreset> copy = preset.copy();
-        SavingPreset other;
-        const qint64 id = other.presetID();
-        other.copyFrom(preset);
-        QVERIFY(copy->values() == firstOfFile() && other.values() == firstOfFile());
-        QVERIFY(copy->presetID() != preset.presetID() && other.presetID() == id);
     }
 
     void changesAreAnnounced()
@@ -247,30 +192,24 @@ private Q_SLOTS:
         QVERIFY(!isValid(tokens, 39) && !isValid(tokens, 101) && !isValid({}, 80));
     }
 
-    void typesAndExtensions_data()
-    {
-        addRows<Written>({
-            {"a format", "JPEG", "PNG", "a.png", "image/jpeg", words("jpg jpeg")},
-            {"no such format", "WebP", "PNG", "a.png", "", {}},
-            {"Original", "Original", "PNG", "/a.b/c.JPEG", "image/jpeg", words("jpg jpeg")},
-            {"Original of a rare suffix", "Original", "PNG", "a.jpe", "image/png", words("png")},
-            {"Original that cannot be written", "Original", "PNG", "a.cr2", "image/png", words("png")},
-            {"Original without a suffix", "Original", "PNG", "/a.jpg/b", "image/png", words("png")},
-            {"Original that is all suffix", "Original", "PNG", "/a/.jpg", "image/png", words("png")},
-            {"Original without an alternative", "Original", "Original", "a.cr2", "", {}},
-        });
-        if (canWrite("image/tiff"))
-            addRow<Written>({"TIFF", "TIFF", "PNG", "a.png", "image/tiff", words("tif tiff")});
-        if (canWrite("image/bmp"))
-            addRow<Written>({"BMP as original", "Original", "PNG", "scan.bmp", "image/bmp", words("bmp")});
-    }
-
     void typesAndExtensions()
     {
-        const auto [name, format, alternative, source, type, extensions] = currentRow<Written>();
-        const SavingPresetValues values{.imageFormat = format, .alternativeImageFormat = alternative};
-        QCOMPARE(values.imageFormatUTI(source), type);
-        QCOMPARE(values.filenameExtensions(source), extensions);
+        const QString original = u"Original"_s;
+        for (const auto &[format, alternative, source, type, extensions] :
+             {std::tuple(u"JPEG"_s, u"PNG"_s, u"a.png"_s, u"image/jpeg"_s, words("jpg jpeg")),
+              {u"TIFF"_s, u"PNG"_s, u"a.png"_s, u"image/tiff"_s, words("tif tiff")},
+              {u"WebP"_s, u"PNG"_s, u"a.png"_s, QString(), {}},
+              {original, u"PNG"_s, u"/a.b/c.JPEG"_s, u"image/jpeg"_s, words("jpg jpeg")},
+              {original, u"PNG"_s, u"a.jpe"_s, u"image/png"_s, words("png")},
+              {original, u"PNG"_s, u"a.cr2"_s, u"image/png"_s, words("png")},
+              {original, u"PNG"_s, u"/a.jpg/b"_s, u"image/png"_s, words("png")},
+              {original, u"PNG"_s, u"/a/.jpg"_s, u"image/png"_s, words("png")},
+              {original, u"PNG"_s, u"scan.bmp"_s, u"image/bmp"_s, words("bmp")},
+              {original, original, u"a.cr2"_s, QString(), {}}}) {
+            const SavingPresetValues values{.imageFormat = format, .alternativeImageFormat = alternative};
+            QCOMPARE(values.imageFormatUTI(source), type);
+            QCOMPARE(values.filenameExtensions(source), extensions);
+        }
     }
 
     void offeredFormats()
@@ -309,7 +248,7 @@ private Q_SLOTS:
         QVERIFY(again->at(0)->values() == expected && again->at(1)->values() == second);
     }
 
-    void readsOldFiles_data()
+    void readsOldFiles()
     {
         const QByteArray start = "<id>5</id><name>n</name><filename><token>a</token><t>b</t></filename>";
         const QByteArray quality = "<quality>70</quality>";
@@ -323,75 +262,55 @@ private Q_SLOTS:
                                   .imageFormat = SavingPreset::supportedFileFormats().at(1),
                                   .alternativeImageFormat = SavingPreset::supportedFileFormats().at(0),
                                   .jpegQuality = 70};
-        addRow<OldFile>({"1.0", 1.0, numbers + cases, values});
+        expectPreset(1.0, numbers + cases, values);
         values.tiffCompressionLZW = false;
-        addRow<OldFile>({"1.1", 1.1, numbers + cases, values});
-        addRow<OldFile>({"1.2", 1.2, numbers + cases, values});
+        expectPreset(1.1, numbers + cases, values);
+        expectPreset(1.2, numbers + cases, values);
         SavingPresetValues plain = values;
         values.fileBaseNameCase = u"lower case"_s;
         values.fileExtensionCase = u"upper case"_s;
-        addRow<OldFile>({"1.3", 1.3, numbers + cases, values});
-        addRow<OldFile>({"1.3 without cases", 1.3, numbers, plain});
+        expectPreset(1.3, numbers + cases, values);
+        expectPreset(1.3, numbers, plain);
         values.imageFormat = u"1"_s; // a name, now
         values.alternativeImageFormat = u"0"_s;
-        addRow<OldFile>({"1.4", 1.4, numbers + cases, values});
+        expectPreset(1.4, numbers + cases, values);
         plain.imageFormat = u"JPEG"_s;
         plain.alternativeImageFormat = u"JPEG"_s;
-        addRow<OldFile>({"1.4 without formats", 1.4, start + quality + lzwOff, plain});
-        addRow<OldFile>({"later, in another order", 2.0, lzwOff + "<new />" + quality + start, plain});
+        expectPreset(1.4, start + quality + lzwOff, plain);
+        expectPreset(2.0, lzwOff + "<new />" + quality + start, plain);
         plain.jpegQuality = 0;
-        addRow<OldFile>({"no number", 1.4, start + "<quality>best</quality>" + lzwOff, plain});
+        expectPreset(1.4, start + "<quality>best</quality>" + lzwOff, plain);
         plain.jpegQuality = -2147483648;
-        addRow<OldFile>({"out of range", 1.4, start + "<quality>-1e99</quality>" + lzwOff, plain});
+        expectPreset(1.4, start + "<quality>-1e99</quality>" + lzwOff, plain);
         plain.jpegQuality = 85;
         plain.tiffCompressionLZW = true;
-        addRow<OldFile>({"decimals; a zero that goes on", 1.4,
-                         start + "<quality> 85.9 %</quality><tiffCompressionLZW>0\r\n</tiffCompressionLZW>",
-                         plain});
-    }
-
-    void readsOldFiles()
-    {
-        const auto [name, version, content, expected] = currentRow<OldFile>();
-        QByteArray errors;
-        const auto preset = presetOf(content, version, errors);
-        QVERIFY2(preset, errors.constData());
-        QCOMPARE(errors, QByteArray());
-        QCOMPARE(preset->presetID(), 5);
-        for (const SavingPresetField &field : savingPresetFields())
-            QVERIFY2(field.value(preset->values()) == field.value(expected), field.name.data());
-    }
-
-    void brokenPresets_data()
-    {
-        addRows<Broken>({
-            {"no id", 1.4, "<id>5</id>", "", "\"id\""},
-            {"no name", 1.0, "<name>n</name>", "", "\"name\""},
-            {"no tokens", 1.4, "<filename></filename>", "", "\"filename\""},
-            {"no quality", 1.4, "<quality>1</quality>", "", "\"quality\""},
-            {"no compression", 1.1, "<tiffCompressionLZW>1</tiffCompressionLZW>", "",
-             "\"tiffCompressionLZW\""},
-            {"no format", 1.3, "<format>0</format>", "", "\"format\""},
-            {"no alternative", 1.3, "<alternativeFormat>0</alternativeFormat>", "", "\"alternativeFormat\""},
-            {"format number too high", 1.3, "<format>0<", "<format>7<", "no format number 7"},
-            {"format number below zero", 1.3, "<format>0<", "<format>-1<", "no format number -1"},
-            {"name not in UTF-8", 1.4, ">n<", ">\xff<", "not UTF-8"},
-            {"token not in UTF-8", 1.4, "<filename>", "<filename><t>&#228;</t>", "not UTF-8"},
-        });
+        expectPreset(1.4, start + "<quality> 85.9 %</quality><tiffCompressionLZW>0\r\n</tiffCompressionLZW>",
+                     plain);
     }
 
     void brokenPresets()
     {
-        const auto [name, version, from, to, reason] = currentRow<Broken>();
         const QByteArray whole =
             "<id>5</id><name>n</name><filename></filename><format>0</format>"
             "<alternativeFormat>0</alternativeFormat><quality>1</quality><tiffCompressionLZW>1"
             "</tiffCompressionLZW>";
-        QByteArray errors;
-        QVERIFY(presetOf(whole, version, errors));
-        QVERIFY(whole.contains(from));
-        QVERIFY(!presetOf(QByteArray(whole).replace(from, to), version, errors));
-        QVERIFY2(errors.contains(reason), errors.constData());
+        for (const auto &[version, from, to, reason] :
+             {std::tuple(1.4, "<id>5</id>", "", "\"id\""),
+              {1.0, "<name>n</name>", "", "\"name\""},
+              {1.4, "<filename></filename>", "", "\"filename\""},
+              {1.4, "<quality>1</quality>", "", "\"quality\""},
+              {1.1, "<tiffCompressionLZW>1</tiffCompressionLZW>", "", "\"tiffCompressionLZW\""},
+              {1.3, "<format>0</format>", "", "\"format\""},
+              {1.3, "<alternativeFormat>0</alternativeFormat>", "", "\"alternativeFormat\""},
+              {1.3, "<format>0<", "<format>7<", "no format number 7"},
+              {1.3, "<format>0<", "<format>-1<", "no format number -1"},
+              {1.4, ">n<", ">\xff<", "not UTF-8"},
+              {1.4, "<filename>", "<filename><t>&#228;</t>", "not UTF-8"}}) {
+            QByteArray errors;
+            QVERIFY(presetOf(whole, version, errors));
+            QVERIFY(!presetOf(QByteArray(whole).replace(from, to), version, errors));
+            QVERIFY2(errors.contains(reason), reason);
+        }
     }
 
     /// What the reader would take for markup, or skip, at the start of a text.
@@ -404,9 +323,15 @@ private Q_SLOTS:
             if (text != u"&#34;") // tokens are written raw
                 list.last().filenameTokens = {text, u"width"_s};
         }
-        list.append({.fileBaseNameCase = u"=lower case"_s}); // becomes its initial value
+        // Values with markup become the default.
+        const QString markup = u"a<b"_s;
+        list.append({.fileBaseNameCase = u"=lower case"_s});
+        list.append({.fileBaseNameCase = markup,
+                     .fileExtensionCase = markup,
+                     .imageFormat = markup,
+                     .alternativeImageFormat = u"&amp;"_s});
         auto again = writtenAndRead(list);
-        list.last() = {};
+        list[list.size() - 2] = list.last() = {};
         QVERIFY(again);
         QCOMPARE(again->size(), static_cast<std::size_t>(list.size()));
         for (qsizetype i = 0; i < list.size(); ++i)
@@ -440,24 +365,44 @@ private Q_SLOTS:
         QVERIFY(xml.contains(u"<token>a<b</token>"));
     }
 
-    void valuesWithMarkupAreWrittenAsInitial()
+    void filesOfOthers()
     {
-        SavingPresetValues expected = firstOfFile();
-        expected.tiffCompressionLZW = true; // a written 0 is read so
-        SavingPresetValues damaged = expected;
-        damaged.fileBaseNameCase = damaged.fileExtensionCase = damaged.imageFormat = u"a<b"_s;
-        damaged.alternativeImageFormat = u"&amp;"_s;
-        const SavingPresetValues initial;
-        expected.fileBaseNameCase = initial.fileBaseNameCase;
-        expected.fileExtensionCase = initial.fileExtensionCase;
-        expected.imageFormat = initial.imageFormat;
-        expected.alternativeImageFormat = initial.alternativeImageFormat;
-        const auto again = writtenAndRead({damaged});
-        QVERIFY(again);
-        QCOMPARE(again->front()->values(), expected);
+        QVERIFY(read(QByteArray(kFile).replace("Plexa\"", "Plexa 1\""))); // of the first major version
+        const QByteArray later = QByteArray(kFile).replace("fileVersion=\"1.4\"", "fileVersion='12.5x'");
+        bool isLater = false;
+        QVERIFY(read(later, &isLater) && isLater && m_code == ReadCode::Success);
+        for (const char *noNumber : {"new", "inf"}) // the version 0
+            QVERIFY(read(QByteArray(kFile).replace("1.4", noNumber), &isLater) && !isLater);
+        for (const auto &[from, to] : {std::pair("Quorvel Plexa", "Quorvel Plexa 2"),
+                                       {"application", "other"},
+                                       {"fileVersion", "a=\"\" fileVersion"},
+                                       {" fileVersion=\"1.4\"", ""},
+                                       {"savingPresets", "savingPreset"},
+                                       {"savingPresets", "savingPresetsX"},
+                                       {" encoding=\"UTF-8\"", ""},
+                                       {"?>", " standalone=\"yes\"?>"},
+                                       {"UTF-8", "utf-8"},
+                                       {"xml version=\"1.0", "xml version=\"1.1"},
+                                       {"<id>42</id>", ""},
+                                       {"</savingPresets>", ""}}) {
+            QVERIFY2(!read(QByteArray(kFile).replace(from, to)), to);
+            QCOMPARE(m_code, ReadCode::Failed);
+            QVERIFY2(m_errors.contains(m_path.toUtf8()), m_errors.constData());
+        }
     }
 
 private:
+    /// A preset in a file of this version is read as these values.
+    static void expectPreset(double version, const QByteArray &content, const SavingPresetValues &expected)
+    {
+        QByteArray errors;
+        const auto preset = presetOf(content, version, errors);
+        QVERIFY2(preset && errors.isEmpty(), errors.constData());
+        QCOMPARE(preset->presetID(), 5);
+        for (const SavingPresetField &field : savingPresetFields())
+            QVERIFY2(field.value(preset->values()) == field.value(expected), field.name.data());
+    }
+
     Result<void> write(const QList<SavingPresetValues> &list) const
     {
         std::vector<std::shared_ptr<SavingPreset>> presets;
@@ -473,16 +418,19 @@ private:
         return read(contentsOf(m_path));
     }
 
-    std::optional<SavingPresetList> read(const QByteArray &xml)
+    std::optional<SavingPresetList> read(const QByteArray &xml, bool *isLater = nullptr)
     {
         if (!writeFile(m_path, xml))
             return std::nullopt;
-        return SavingPreset::readObjectsFromFile(m_path, kAppID, m_code, [](const QByteArray &) {});
+        m_errors.clear();
+        return SavingPreset::readObjectsFromFile(
+            m_path, kAppID, m_code, [this](const QByteArray &line) { m_errors += line; }, isLater);
     }
 
     TestFolder m_folder;
     QString m_path = m_folder.path("presets.pxspr");
     ReadCode m_code = ReadCode::LaterVersion;
+    QByteArray m_errors;
 };
 
 QTEST_GUILESS_MAIN(SavingPresetTest)

@@ -54,12 +54,6 @@ WPresetList listOf(const WPresetValues &values)
     return {std::make_shared<WPreset>(values)};
 }
 
-struct Picture {
-    Text name;
-    QSize size = {};  ///< none: it cannot be drawn, which is known from the start
-    QSize drawn = {}; ///< none: it cannot be drawn
-};
-
 } // namespace
 
 class WPresetArchiveTest : public QObject
@@ -174,39 +168,35 @@ private Q_SLOTS:
                  QByteArray("2048 1024 srgba(255,0,0,0.498039)"));
     }
 
-    void picturesAreKeptAsTheyAre_data()
-    {
-        addRows<Picture>({
-            {"good", QSize(40, 30), QSize(40, 30)},
-            {"ends early", QSize(40, 30)},
-            {"smaller one left", QSize(40, 30), QSize(4, 3)},
-        });
-        for (const QString &name :
-             words("nonsense 'no directory' 'no color space' vector foreign text absurd"))
-            addRow<Picture>({name});
-    }
-
     void picturesAreKeptAsTheyAre()
     {
-        const auto [picture, size, drawn] = currentRow<Picture>();
-        const QString name = picture;
-        const auto presets = readWPresetsFromFile(file("pictures.pxwpr"));
-        QVERIFY(presets);
-        const auto preset = *std::find_if(presets->begin(), presets->end(),
-                                          [&](const auto &candidate) { return candidate->name() == name; });
-        QVERIFY(!preset->image().isNull());
-        QCOMPARE(preset->validPreset(), size.isValid());
-        QCOMPARE(preset->image().size().toSize(), size.isValid() ? size : QSizeF().toSize());
-        QCOMPARE(preset->image().image().size(), drawn.isValid() ? drawn : QSize(0, 0));
-        QCOMPARE(preset->image().imageOfSize(QSize(8, 6)).isNull(), !drawn.isValid());
-        // From now on known, if it was not before.
-        QCOMPARE(preset->validPreset(), drawn.isValid());
-        QCOMPARE(preset->values().pictureFault().contains(u'"' + name + u'"'), !drawn.isValid());
+        // Without a size it cannot be drawn, which is known from the start or after the first drawing.
+        QList<std::tuple<QString, QSize, QSize>> rows{{u"good"_s, {40, 30}, {40, 30}},
+                                                      {u"ends early"_s, {40, 30}, {}},
+                                                      {u"smaller one left"_s, {40, 30}, {4, 3}}};
+        for (const QString &name :
+             words("nonsense 'no directory' 'no color space' vector foreign text absurd"))
+            rows.append({name, {}, {}});
+        for (const auto &[name, size, drawn] : rows) {
+            const auto presets = readWPresetsFromFile(file("pictures.pxwpr"));
+            QVERIFY(presets);
+            const auto preset =
+                *std::find_if(presets->begin(), presets->end(),
+                              [name = name](const auto &candidate) { return candidate->name() == name; });
+            QVERIFY(!preset->image().isNull());
+            QCOMPARE(preset->validPreset(), size.isValid());
+            QCOMPARE(preset->image().size().toSize(), size.isValid() ? size : QSizeF().toSize());
+            QCOMPARE(preset->image().image().size(), drawn.isValid() ? drawn : QSize(0, 0));
+            QCOMPARE(preset->image().imageOfSize(QSize(8, 6)).isNull(), !drawn.isValid());
+            // From now on known, if it was not before.
+            QCOMPARE(preset->validPreset(), drawn.isValid());
+            QCOMPARE(preset->values().pictureFault().contains(u'"' + name + u'"'), !drawn.isValid());
 
-        // Written, read and written again: as others wrote it, to the last byte.
-        const QJsonValue stored = m_pictures[0].value(name);
-        QVERIFY(stored.isObject() || stored.isString());
-        QCOMPARE(m_pictures[1].value(name), stored);
+            // Written, read and written again: as others wrote it, to the last byte.
+            const QJsonValue stored = m_pictures[0].value(name);
+            QVERIFY(stored.isObject() || stored.isString());
+            QCOMPARE(m_pictures[1].value(name), stored);
+        }
     }
 
     void picturesAreNotDecodedUntilTheyAreDrawn()
@@ -312,12 +302,9 @@ private Q_SLOTS:
         QVERIFY(read && read->at(0)->textTokens() == presets[0]->textTokens());
         QVERIFY(read->at(0)->textTokens().constData() == read->at(2)->textTokens().constData());
 
-        // What could be written, but not be read.
-        for (std::size_t i = 0; i < 11; ++i) {
-            QStringList pieces(100'000, u"x"_s);
-            pieces[0] = QString::number(i);
-            presets[i]->setTextTokens(pieces);
-        }
+        // A list that could be written, but not read.
+        for (std::size_t i = 0; i < 11; ++i)
+            presets[i]->setTextTokens(QStringList(100'000, QString::number(i)));
         const auto refused = archivedWPresets(presets);
         QVERIFY(!refused && refused.error().text.startsWith(u"it could not be read back: "_s));
 

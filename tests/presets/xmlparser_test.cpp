@@ -29,37 +29,6 @@ QByteArray nested(int depth)
     return kHeader + QByteArray("<a>").repeated(depth) + QByteArray("</a>").repeated(depth);
 }
 
-QByteArray unknown(const QByteArray &rest)
-{
-    return "ERROR:  unknown entity reference: \"" + rest + "\"\n";
-}
-
-struct Decoding {
-    Text name;
-    QByteArray stored;
-    QByteArray text;
-    QByteArray line = {};
-};
-
-/// The error lines without their start and their line end: "1, near \"<\": text".
-struct Fault {
-    Text name;
-    QByteArray xml;
-    QByteArray lines;
-};
-
-struct Limit {
-    Text name;
-    QByteArray allowed;
-    QByteArray refused;
-    QByteArray reason;
-};
-
-struct BadFile {
-    Text name;
-    QByteArray line;
-};
-
 } // namespace
 
 class XMLParserTest : public QObject
@@ -103,114 +72,97 @@ private Q_SLOTS:
         QCOMPARE(mixed.parser.root()->attributeValue("b").value(), "y");
     }
 
-    void rootText_data()
-    {
-        addRows<Decoding>({
-            {"every entity", "x&lt;&gt;&amp;&quot;&apos;y", "x<>&\"'y"},
-            {"not decoded twice", "&amp;lt;", "&lt;"},
-            {"decimal and hexadecimal", "&#65;&#x41;&#X4a;", "AAJ"},
-            {"the low eight bits", "&#321;&#x99999999999999999999941;", "AA"},
-            {"bytes of UTF-8", "&#195;&#164;", "\xc3\xa4"},
-            {"ends at a NUL", "a&#0;b", "a"},
-            {"a lone carriage return", " \n\ra\r", "\ra\r"},
-            {"unknown", "a&nbsp;b", "", unknown("&nbsp;b")},
-            {"not closed", "a&#65 b;", "", unknown("&#65 b;")},
-            {"no digits", "&#;", "", unknown("&#;")},
-            {"no hexadecimal digits", "&#xg;", "", unknown("&#xg;")},
-            {"at the end", "a&#x4", "", unknown("&#x4")},
-        });
-    }
-
     void rootText()
     {
-        const auto [name, stored, text, line] = currentRow<Decoding>();
-        Reading reading;
-        QVERIFY(reading.parser.parse(kHeader + "<r>" + stored + "</r>"));
-        QCOMPARE(reading.lines, QByteArrayList()); // nothing is decoded before it is asked for
-        QCOMPARE(reading.parser.root()->text(), text);
-        QCOMPARE(reading.parser.root()->text(), text);
-        QCOMPARE(reading.lines.join(), line);
-        QCOMPARE(reading.parser.hasError(), !line.isEmpty());
+        // Faulty texts are empty, and reported.
+        for (const auto &[stored, text, fault] : {std::tuple("x&lt;&gt;&amp;&quot;&apos;y", "x<>&\"'y", ""),
+                                                  {"&amp;lt;", "&lt;", ""},
+                                                  {"&#65;&#x41;&#X4a;", "AAJ", ""},
+                                                  {"&#321;&#x99999999999999999999941;", "AA", ""},
+                                                  {"&#195;&#164;", "\xc3\xa4", ""},
+                                                  {"a&#0;b", "a", ""},
+                                                  {" \n\ra\r", "\ra\r", ""},
+                                                  {"a&nbsp;b", "", "&nbsp;b"},
+                                                  {"a&#65 b;", "", "&#65 b;"},
+                                                  {"&#;", "", "&#;"},
+                                                  {"&#xg;", "", "&#xg;"},
+                                                  {"a&#x4", "", "&#x4"}}) {
+            const QByteArray line =
+                *fault ? QByteArray("ERROR:  unknown entity reference: \"") + fault + "\"\n" : QByteArray();
+            Reading reading;
+            QVERIFY(reading.parser.parse(kHeader + "<r>" + stored + "</r>"));
+            QCOMPARE(reading.lines, QByteArrayList()); // nothing is decoded before it is asked for
+            QCOMPARE(reading.parser.root()->text(), text);
+            QCOMPARE(reading.parser.root()->text(), text);
+            QCOMPARE(reading.lines.join(), line);
+            QCOMPARE(reading.parser.hasError(), !line.isEmpty());
+        }
     }
 
-    void faultsAreNamedWithTheirPlace_data()
+    void faultsAreNamedWithTheirPlace()
     {
         const QByteArray missing = "missing the standard XML header tag <?xml ...?>";
         const QByteArray attribute = "expected an attribute or end of tag";
         const QByteArray quote = "expected single quote \"'\" or double quote \"\"\"";
         const QByteArray open = "the element \"a\" is not closed!";
-        addRows<Fault>({
-            {"empty", "", "1: " + missing},
-            {"no header", "\n<a></a>", "2, near \"<\": " + missing},
-            {"another header", "<?php ?>", "1, near \"?>\": " + missing},
-            {"byte order mark", "\xef\xbb\xbf" + kHeader, "1, near \"\xef\xbb\xbf<?xml\": " + missing},
-            {"UTF-16", QByteArray("<\0?\0x\0", 6), "1, near \"<\": " + missing},
-            {"header ends like an element", "<?xml a='1'>",
-             "1, near \">\": " + attribute + "\n1, near \">\": " + missing},
-            {"header without a blank at its end", "<?xml?><a></a>",
-             "1, near \">\": " + attribute + "\n1, near \">\": " + missing},
-            {"no root", kHeader + "\n", "2: expected start of a tag \"<\""},
-            {"two roots", kHeader + "<a></a>\r\n<b></b>",
-             "2, near \">\": unexpected end of XML file (maybe multiple root elements)"},
-            {"closed by another", kHeader + "\r\n<r>\n<a>text\n</b></r>", "4, near \"b\": " + open},
-            {"closed by a longer name", kHeader + "<a></ab>", "1, near \"ab\": " + open},
-            {"no blank before the slash", kHeader + "<a/>\n", "2: the element \"a/\" is not closed!"},
-            {"text after an element", kHeader + "<a><b></b>\nx y\n</a>", "2, near \"x\": " + open},
-            {"text that begins with a quote", kHeader + "<a>\"b\"</a>", "1, near \"\"\": " + open},
-            {"text that begins with a slash", kHeader + "<a>/b</a>",
-             "1, near \">\": expected a closing empty tag \"/>\"\n1: " + open},
-            {"question mark", kHeader + "<a b='c' ?</a>",
-             "1, near \"'\": expected a closing header tag \"?>\"\n1: " + attribute},
-            {"header's end in an element", kHeader + "<a ?></a>", "1, near \"?>\": " + attribute},
-            {"no equal sign", kHeader + "<a b\n'c'></a>", "2, near \"'\": expected equal sign \"=\""},
-            {"no quotes", kHeader + "<a b=c></a>", "1, near \"c></a>\": " + quote},
-            {"unfinished value", kHeader + "<a b=\"c", "1: " + quote},
-            {"no name", kHeader + "< ></a>", "1, near \">\": expected data"},
-            {"unfinished comment", kHeader + "<a></a><!-- \n-- >", "2, near \">\": unexpected end of file"},
-        });
+        using Row = std::tuple<QByteArray, QByteArray>;
+        for (const auto &[xml, lines] : std::initializer_list<Row>{
+                 {"", "1: " + missing},
+                 {"\n<a></a>", "2, near \"<\": " + missing},
+                 {"<?php ?>", "1, near \"?>\": " + missing},
+                 {"\xef\xbb\xbf" + kHeader, "1, near \"\xef\xbb\xbf<?xml\": " + missing},
+                 {QByteArray("<\0?\0x\0", 6), "1, near \"<\": " + missing},
+                 {"<?xml a='1'>", "1, near \">\": " + attribute + "\n1, near \">\": " + missing},
+                 {"<?xml?><a></a>", "1, near \">\": " + attribute + "\n1, near \">\": " + missing},
+                 {kHeader + "\n", "2: expected start of a tag \"<\""},
+                 {kHeader + "<a></a>\r\n<b></b>",
+                  "2, near \">\": unexpected end of XML file (maybe multiple root elements)"},
+                 {kHeader + "\r\n<r>\n<a>text\n</b></r>", "4, near \"b\": " + open},
+                 {kHeader + "<a></ab>", "1, near \"ab\": " + open},
+                 {kHeader + "<a/>\n", "2: the element \"a/\" is not closed!"},
+                 {kHeader + "<a><b></b>\nx y\n</a>", "2, near \"x\": " + open},
+                 {kHeader + "<a>\"b\"</a>", "1, near \"\"\": " + open},
+                 {kHeader + "<a>/b</a>", "1, near \">\": expected a closing empty tag \"/>\"\n1: " + open},
+                 {kHeader + "<a b='c' ?</a>",
+                  "1, near \"'\": expected a closing header tag \"?>\"\n1: " + attribute},
+                 {kHeader + "<a ?></a>", "1, near \"?>\": " + attribute},
+                 {kHeader + "<a b\n'c'></a>", "2, near \"'\": expected equal sign \"=\""},
+                 {kHeader + "<a b=c></a>", "1, near \"c></a>\": " + quote},
+                 {kHeader + "<a b=\"c", "1: " + quote},
+                 {kHeader + "< ></a>", "1, near \">\": expected data"},
+                 {kHeader + "<a></a><!-- \n-- >", "2, near \">\": unexpected end of file"}}) {
+            Reading reading;
+            QVERIFY(!reading.parser.parse(xml));
+            QByteArray expected = "ERROR (line " + QByteArray(lines).replace("\n", "\nERROR (line ") + '\n';
+            QCOMPARE(reading.lines.join(), expected.replace(": ", "):  "));
+            // One fault does not reach into another reading.
+            Reading next;
+            QVERIFY(next.parser.parse(kHeader + "<a b=\"\" c='\"' d=\"e' ></a>"));
+            QCOMPARE(next.parser.root()->attributeValue("c").value(), "\"");
+            QVERIFY(!next.parser.parse(kHeader + "<a></a>")); // a parser reads once
+        }
     }
 
-    void faultsAreNamedWithTheirPlace()
-    {
-        const auto [name, xml, lines] = currentRow<Fault>();
-        Reading reading;
-        QVERIFY(!reading.parser.parse(xml));
-        QByteArray expected = "ERROR (line " + QByteArray(lines).replace("\n", "\nERROR (line ") + '\n';
-        QCOMPARE(reading.lines.join(), expected.replace(": ", "):  "));
-        // One fault does not reach into another reading.
-        Reading next;
-        QVERIFY(next.parser.parse(kHeader + "<a b=\"\" c='\"' d=\"e' ></a>"));
-        QCOMPARE(next.parser.root()->attributeValue("c").value(), "\"");
-        QVERIFY(!next.parser.parse(kHeader + "<a></a>")); // a parser reads once
-    }
-
-    void limitsAreExact_data()
+    void limitsAreExact()
     {
         // Two are the header and its attribute, one the root.
         const QByteArray elements = QByteArray("<b></b>").repeated(XMLParser::kMaxRecords - 3);
         const QByteArray attributes = QByteArray(" b=''").repeated(XMLParser::kMaxRecords - 3);
         const QByteArray text(XMLParser::kMaxFileBytes - kHeader.size() - 7, 'x');
-        const QByteArray tooMany = "more than 200000 elements and attributes";
-        addRows<Limit>({
-            {"depth", nested(XMLParser::kMaxDepth), nested(XMLParser::kMaxDepth + 1),
-             "nested more than 100 deep"},
-            {"elements", kHeader + "<a>" + elements + "</a>", kHeader + "<a>" + elements + "<b></b></a>",
-             tooMany},
-            {"attributes", kHeader + "<a" + attributes + " ></a>",
-             kHeader + "<a" + attributes + " c='' ></a>", tooMany},
-            {"bytes", kHeader + "<a>" + text + "</a>", kHeader + "<a>" + text + "x</a>", "more than 16 MB"},
-        });
-    }
-
-    void limitsAreExact()
-    {
-        const auto [name, allowed, refused, reason] = currentRow<Limit>();
-        Reading ok;
-        QVERIFY(ok.parser.parse(allowed));
-        Reading bad;
-        QVERIFY(!bad.parser.parse(refused));
-        QCOMPARE(bad.lines.size(), 1);
-        QVERIFY2(bad.lines.first().contains(reason), bad.lines.first().constData());
+        const char *const tooMany = "more than 200000 elements and attributes";
+        for (const auto &[allowed, refused, reason] :
+             {std::tuple(nested(XMLParser::kMaxDepth), nested(XMLParser::kMaxDepth + 1),
+                         "nested more than 100 deep"),
+              {kHeader + "<a>" + elements + "</a>", kHeader + "<a>" + elements + "<b></b></a>", tooMany},
+              {kHeader + "<a" + attributes + " ></a>", kHeader + "<a" + attributes + " c='' ></a>", tooMany},
+              {kHeader + "<a>" + text + "</a>", kHeader + "<a>" + text + "x</a>", "more than 16 MB"}}) {
+            Reading ok;
+            QVERIFY2(ok.parser.parse(allowed), reason);
+            Reading bad;
+            QVERIFY2(!bad.parser.parse(refused), reason);
+            QCOMPARE(bad.lines.size(), 1);
+            QVERIFY2(bad.lines.first().contains(reason), bad.lines.first().constData());
+        }
     }
 
     void errorLinesStayShortAndPlain()
@@ -227,30 +179,25 @@ private Q_SLOTS:
         QVERIFY(line.isValidUtf8());
     }
 
-    void filesThatCannotBeRead_data()
-    {
-        addRows<BadFile>({
-            {"missing", "ERROR:  cannot open the file \"PATH\"\n"},
-            {"folder", "ERROR:  cannot read the file \"PATH\"\n"},
-            {"pipe", "ERROR:  cannot read the file \"PATH\"\n"},
-            {"large", "ERROR:  there are more than 16 MB in the file \"PATH\"\n"},
-            {"text",
-             "ERRORPATH  (line 1, near \"hello\"):  missing the standard XML header tag <?xml ...?>\n"},
-        });
-    }
-
     void filesThatCannotBeRead()
     {
-        auto [name, line] = currentRow<BadFile>();
         const TestFolder folder;
         QVERIFY(QDir().mkpath(folder.path("folder")));
         QCOMPARE(mkfifo(QFile::encodeName(folder.path("pipe")).constData(), 0600), 0);
         QVERIFY(writeFile(folder.path("text"), "hello <world>") && writeFile(folder.path("large"), {}));
         QVERIFY(QFile::resize(folder.path("large"), XMLParser::kMaxFileBytes + 1));
-        Reading reading;
-        QVERIFY(!reading.parser.loadAndParseFile(folder.path(name)));
-        QCOMPARE(reading.lines.join(), line.replace("PATH", folder.path(name).toUtf8()));
-        QVERIFY(!reading.parser.header() && !reading.parser.root());
+        for (auto [name, line] :
+             {std::pair("missing", QByteArray("ERROR:  cannot open the file \"PATH\"\n")),
+              {"folder", "ERROR:  cannot read the file \"PATH\"\n"},
+              {"pipe", "ERROR:  cannot read the file \"PATH\"\n"},
+              {"large", "ERROR:  there are more than 16 MB in the file \"PATH\"\n"},
+              {"text",
+               "ERRORPATH  (line 1, near \"hello\"):  missing the standard XML header tag <?xml ...?>\n"}}) {
+            Reading reading;
+            QVERIFY(!reading.parser.loadAndParseFile(folder.path(name)));
+            QCOMPARE(reading.lines.join(), line.replace("PATH", folder.path(name).toUtf8()));
+            QVERIFY(!reading.parser.header() && !reading.parser.root());
+        }
     }
 };
 

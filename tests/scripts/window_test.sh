@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
 
-# Uses the program as a person does, in a real window on an X server of its own: photos from the command line
-# and from a second start, keys, closing, coming back, quitting, and everything remembered.
+# Uses the program in a real window on an X server of its own: photos from the command line and from a second
+# start, keys, closing and reopening the window, quitting, stored settings.
 # Usage: window_test.sh PLEXA FOLDER-WITH-SAMPLE-PHOTOS
 set -euo pipefail
 
@@ -29,7 +29,7 @@ if [[ ${1-} != --inside ]]; then
     export XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data XDG_CACHE_HOME=$work/cache
     export XDG_RUNTIME_DIR=$work/run
     mkdir -m 700 "$work/run"
-    # A bus that starts nothing by itself, and a stand-in for what opens folders where no file manager is there.
+    # A bus that starts no services, and a substitute for xdg-open, which opens folders without a file manager.
     cat >"$work/bus.conf" <<'CONFIG'
 <busconfig>
   <type>session</type>
@@ -79,7 +79,7 @@ has_ended() { ! kill -0 "$program" 2>/dev/null; }
 is_hidden() { [[ -z $(xdotool search --onlyvisible --name '^Plexa$') ]]; }
 stores() { grep -qx "$1" "$settings"; }
 
-picture() { # NAME: the window as it looks when it has come to rest
+picture() { # NAME: of the screen, once it no longer changes
     local former='' now
     for ((i = 0; i < 50; i++)); do
         import -window root "$work/$1.png"
@@ -88,7 +88,7 @@ picture() { # NAME: the window as it looks when it has come to rest
         former=$now
         sleep 0.3
     done
-    fail "the window does not come to rest ($1)"
+    fail "the window keeps changing ($1)"
 }
 
 differ() { # NAME NAME
@@ -102,7 +102,7 @@ program=$!
 wait_for_window 'at start'
 picture empty
 
-# A second start hands its files over and ends.
+# A second start sends its files to the first and ends.
 timeout 20 "$plexa" "$samples/apple.png" "$samples/still-life.jpg" || fail 'the second start did not hand over'
 picture grid
 differ empty grid
@@ -112,7 +112,7 @@ differ grid two
 xdotool key ctrl+a
 picture selected
 differ two selected
-# The file manager is asked for them, by their addresses.
+# The file manager receives their URLs.
 dbus-monitor --session "type='method_call',interface='org.freedesktop.FileManager1'" >"$work/calls.txt" &
 monitor=$!
 wait_until 'the session bus is not watched' grep -q NameAcquired "$work/calls.txt"
@@ -125,7 +125,7 @@ xdotool type apple
 picture filtered
 differ selected filtered
 
-# Closed, the program goes on, and a second start brings its window back with its photos.
+# The program keeps running without its window; a second start shows it again, with its photos.
 xdotool windowsize --sync "$window" 1000 700
 sleep 0.5
 xdotool key ctrl+w
@@ -139,15 +139,15 @@ wait "$program" || fail "the program ended with status $?"
 stores 'runNumber=1' || fail 'the run was not counted'
 stores 'imageListIsInBrowserMode=false' || fail 'the batch mode was not stored'
 
-# Where there is no session bus, each process is on its own, and closing it ends it.
+# Without a session bus, each process runs for itself and ends with its window.
 env -u DBUS_SESSION_BUS_ADDRESS "$plexa" "$samples" >"$work/plexa.txt" 2>&1 &
 program=$!
 wait_for_window 'without a session bus'
 [[ $(xdotool getwindowgeometry "$window") == *'Geometry: 1000x700'* ]] || fail 'the size was not remembered'
 xdotool key ctrl+w
-wait_until 'the program went on where nobody can reach it' has_ended
+wait_until 'the program without a session bus did not end with its window' has_ended
 wait "$program" || fail "the program ended with status $?"
 stores 'runNumber=2' || fail 'the second run was not counted'
-[[ ! -s $work/plexa.txt ]] || fail 'the program has something to say'
+[[ ! -s $work/plexa.txt ]] || fail 'the program printed messages'
 program=''
 echo 'all passed'

@@ -7,7 +7,6 @@
 #include "support/words.h"
 #include "watermark/fakephoto.h"
 #include "watermark/texttokens.h"
-#include "watermark/watermarktext.h"
 #include "watermark/wpresetvalues.h"
 
 #include <QtTest>
@@ -41,33 +40,6 @@ ImageMetadata metadataWith(MetadataGroup group, QLatin1StringView key, const QVa
     return metadata;
 }
 
-struct TextField {
-    Text name; ///< of the token
-    MetadataGroup group;
-    QLatin1StringView key;
-};
-
-struct PlainValue {
-    Text name;
-    QLatin1StringView key; ///< of EXIF
-    QVariant value;
-    Text token;
-    Text text; ///< null: the token has no text
-};
-
-struct NamesAreParted {
-    Text name;
-    Text path;
-    Text filename;
-    Text extension;
-};
-
-struct PiecesAreJoinedAsTheyStand {
-    Text name;
-    QStringList pieces;
-    Text text;
-};
-
 } // namespace
 
 class TextTokensTest : public QObject
@@ -75,94 +47,86 @@ class TextTokensTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void textsComeFromTheirFields_data()
-    {
-        using enum MetadataGroup;
-        addRows<TextField>({
-            {"copyright", Iptc, "CopyrightNotice"_L1},
-            {"headline", Iptc, "Headline"_L1},
-            {"title", Iptc, "ObjectName"_L1},
-            {"caption", Iptc, "Caption/Abstract"_L1},
-            {"sublocation", Iptc, "SubLocation"_L1},
-            {"country", Iptc, "Country/PrimaryLocationName"_L1},
-            {"state", Iptc, "Province/State"_L1},
-            {"city", Iptc, "City"_L1},
-            {"writer/editor", Iptc, "Writer/Editor"_L1},
-            {"creator", Iptc, "Byline"_L1},
-            {"creator title", Iptc, "BylineTitle"_L1},
-            {"creator e-mail", Contact, "CiEmailWork"_L1},
-            {"creator website", Contact, "CiUrlWork"_L1},
-            {"creator phone", Contact, "CiTelWork"_L1},
-            {"creator country", Contact, "CiAdrCtry"_L1},
-            {"creator state", Contact, "CiAdrRegion"_L1},
-            {"creator city", Contact, "CiAdrCity"_L1},
-            {"creator postal code", Contact, "CiAdrPcode"_L1},
-            {"creator address", Contact, "CiAdrExtadr"_L1},
-            {"camera make", Tiff, "Make"_L1},
-            {"camera model", Tiff, "Model"_L1},
-            {"software", Tiff, "Software"_L1},
-            {"subsecond time", Exif, "SubsecTimeOriginal"_L1},
-            {"EXIF user comment", Exif, "UserComment"_L1},
-            {"lens", ExifAux, "LensModel"_L1},
-            {"lens ID", ExifAux, "LensID"_L1},
-            {"camera serial #", ExifAux, "SerialNumber"_L1},
-            {"image number", ExifAux, "ImageNumber"_L1},
-            {"color model", Top, "ColorModel"_L1},
-            {"ICC profile", Top, "ProfileName"_L1},
-        });
-    }
-
     void textsComeFromTheirFields()
     {
-        const auto [token, group, key] = currentRow<TextField>();
-        for (const QString &other : tokenNames()) {
-            QCOMPARE(expansion(other, metadataWith(group, key, u"its text"_s)) == u"its text"_s,
-                     other == token);
+        using enum MetadataGroup;
+        using Row = std::tuple<Text, MetadataGroup, QLatin1StringView>;
+        for (const auto &[token, group, key] :
+             std::initializer_list<Row>{{"copyright", Iptc, "CopyrightNotice"_L1},
+                                        {"headline", Iptc, "Headline"_L1},
+                                        {"title", Iptc, "ObjectName"_L1},
+                                        {"caption", Iptc, "Caption/Abstract"_L1},
+                                        {"sublocation", Iptc, "SubLocation"_L1},
+                                        {"country", Iptc, "Country/PrimaryLocationName"_L1},
+                                        {"state", Iptc, "Province/State"_L1},
+                                        {"city", Iptc, "City"_L1},
+                                        {"writer/editor", Iptc, "Writer/Editor"_L1},
+                                        {"creator", Iptc, "Byline"_L1},
+                                        {"creator title", Iptc, "BylineTitle"_L1},
+                                        {"creator e-mail", Contact, "CiEmailWork"_L1},
+                                        {"creator website", Contact, "CiUrlWork"_L1},
+                                        {"creator phone", Contact, "CiTelWork"_L1},
+                                        {"creator country", Contact, "CiAdrCtry"_L1},
+                                        {"creator state", Contact, "CiAdrRegion"_L1},
+                                        {"creator city", Contact, "CiAdrCity"_L1},
+                                        {"creator postal code", Contact, "CiAdrPcode"_L1},
+                                        {"creator address", Contact, "CiAdrExtadr"_L1},
+                                        {"camera make", Tiff, "Make"_L1},
+                                        {"camera model", Tiff, "Model"_L1},
+                                        {"software", Tiff, "Software"_L1},
+                                        {"subsecond time", Exif, "SubsecTimeOriginal"_L1},
+                                        {"EXIF user comment", Exif, "UserComment"_L1},
+                                        {"lens", ExifAux, "LensModel"_L1},
+                                        {"lens ID", ExifAux, "LensID"_L1},
+                                        {"camera serial #", ExifAux, "SerialNumber"_L1},
+                                        {"image number", ExifAux, "ImageNumber"_L1},
+                                        {"color model", Top, "ColorModel"_L1},
+                                        {"ICC profile", Top, "ProfileName"_L1}}) {
+            for (const QString &other : tokenNames()) {
+                QCOMPARE(expansion(other, metadataWith(group, key, u"its text"_s)) == u"its text"_s,
+                         other == token);
+            }
+            QCOMPARE(expansion(token, metadataWith(group, key, u""_s)), Expansion());
         }
-        QCOMPARE(expansion(token, metadataWith(group, key, u""_s)), Expansion());
-    }
-
-    void valuesAreWrittenPlainly_data()
-    {
-        const QVariant taken = u"2024:02:09 18:03:07"_s;
-        const auto original = "DateTimeOriginal"_L1;
-        addRows<PlainValue>({
-            {"whole F-number", "FNumber"_L1, 4.0, "F-number", "4"},
-            {"F-number", "FNumber"_L1, 2.8, "F-number", "2.8"},
-            {"third", "FocalLength"_L1, 1.0 / 3, "focal length", "0.3333333333333333"},
-            {"million", "FocalLength"_L1, 1000000.0, "focal length", "1000000"},
-            {"small format", "FocalLenIn35mmFilm"_L1, 35, "focal length 35mm", "35"},
-            {"bias of none", "ExposureBiasValue"_L1, 0.0, "exposure bias", "0"},
-            {"positive bias", "ExposureBiasValue"_L1, 0.3, "exposure bias", "+0.3"},
-            {"negative bias has two signs", "ExposureBiasValue"_L1, -1.0, "exposure bias", "--1"},
-            {"negative fraction", "ExposureBiasValue"_L1, -0.7, "exposure bias", "--0.7"},
-            {"flash", "Flash"_L1, 0x19, "flash", "did fire"},
-            {"no flash", "Flash"_L1, 0x18, "flash", "did not fire"},
-            {"flash unknown", "FNumber"_L1, 4, "flash", "did not fire"},
-            {"first of several", "ISOSpeedRatings"_L1, QVariantList{200, 400}, "ISO speed", "200"},
-            {"exposure", "ExposureTime"_L1, 0.008, "exposure time", "0.008"},
-            {"program", "ExposureProgram"_L1, 1, "exposure program", "manual"},
-            {"metering", "MeteringMode"_L1, 3, "metering mode", "spot"},
-            {"full date", original, taken, "date (full)", "Friday, February 9, 2024"},
-            {"long date", original, taken, "date (long)", "February 9, 2024"},
-            {"medium date", original, taken, "date (medium)", "Feb 9, 2024"},
-            {"short date", original, taken, "date (short)", "2/9/24"},
-            {"ISO date", original, taken, "date (YYYY-MM-DD)", "2024-02-09"},
-            {"German date", original, taken, "date (DD.MM.YYYY)", "09.02.2024"},
-            {"American date", original, taken, "date (MM/DD/YYYY)", "02/09/2024"},
-            {"hours and minutes", original, taken, "time (hh:mm)", "18:03"},
-            {"and seconds", original, taken, "time (hh:mm:ss)", "18:03:07"},
-            {"no date in its place", "DateTimeDigitized"_L1, taken, "date (short)", {}},
-            {"not a date", original, u"yesterday"_s, "date (short)", {}},
-        });
     }
 
     void valuesAreWrittenPlainly()
     {
-        const auto [name, key, value, token, text] = currentRow<PlainValue>();
-        const Expansion found = expansion(token, metadataWith(MetadataGroup::Exif, key, value));
-        QCOMPARE(found.has_value(), !text.isNull());
-        QCOMPARE(found.value_or(QString()), text);
+        const QVariant taken = u"2024:02:09 18:03:07"_s;
+        const auto original = "DateTimeOriginal"_L1;
+        using Row = std::tuple<QLatin1StringView, QVariant, Text, Text>;
+        for (const auto &[key, value, token, text] :
+             std::initializer_list<Row>{{"FNumber"_L1, 4.0, "F-number", "4"},
+                                        {"FNumber"_L1, 2.8, "F-number", "2.8"},
+                                        {"FocalLength"_L1, 1.0 / 3, "focal length", "0.3333333333333333"},
+                                        {"FocalLength"_L1, 1000000.0, "focal length", "1000000"},
+                                        {"FocalLenIn35mmFilm"_L1, 35, "focal length 35mm", "35"},
+                                        {"ExposureBiasValue"_L1, 0.0, "exposure bias", "0"},
+                                        {"ExposureBiasValue"_L1, 0.3, "exposure bias", "+0.3"},
+                                        {"ExposureBiasValue"_L1, -1.0, "exposure bias", "--1"},
+                                        {"ExposureBiasValue"_L1, -0.7, "exposure bias", "--0.7"},
+                                        {"Flash"_L1, 0x19, "flash", "did fire"},
+                                        {"Flash"_L1, 0x18, "flash", "did not fire"},
+                                        {"FNumber"_L1, 4, "flash", "did not fire"},
+                                        {"ISOSpeedRatings"_L1, QVariantList{200, 400}, "ISO speed", "200"},
+                                        {"ExposureTime"_L1, 0.008, "exposure time", "0.008"},
+                                        {"ExposureProgram"_L1, 1, "exposure program", "manual"},
+                                        {"MeteringMode"_L1, 3, "metering mode", "spot"},
+                                        {original, taken, "date (full)", "Friday, February 9, 2024"},
+                                        {original, taken, "date (long)", "February 9, 2024"},
+                                        {original, taken, "date (medium)", "Feb 9, 2024"},
+                                        {original, taken, "date (short)", "2/9/24"},
+                                        {original, taken, "date (YYYY-MM-DD)", "2024-02-09"},
+                                        {original, taken, "date (DD.MM.YYYY)", "09.02.2024"},
+                                        {original, taken, "date (MM/DD/YYYY)", "02/09/2024"},
+                                        {original, taken, "time (hh:mm)", "18:03"},
+                                        {original, taken, "time (hh:mm:ss)", "18:03:07"},
+                                        {"DateTimeDigitized"_L1, taken, "date (short)", {}},
+                                        {original, u"yesterday"_s, "date (short)", {}}}) {
+            const Expansion found = expansion(token, metadataWith(MetadataGroup::Exif, key, value));
+            QCOMPARE(found.has_value(), !text.isNull());
+            QCOMPARE(found.value_or(QString()), text);
+        }
     }
 
     void theFileSpeaksForItself()
@@ -190,24 +154,17 @@ private Q_SLOTS:
             QCOMPARE(expansion(QLatin1StringView(token), metadata).value_or(QString()), text);
     }
 
-    void namesAreParted_data()
-    {
-        addRows<NamesAreParted>({
-            {"usual", "/a.b/c.d.JPG", "c.d", "JPG"},
-            {"no extension", "/a.b/c", "c", QString()},
-            {"hidden", "/a/.hidden", ".hidden", QString()},
-            {"hidden, with extension", "/a/.hidden.jpg", ".hidden", "jpg"},
-            {"dot at the end", "a.", "a", QString()},
-        });
-    }
-
     void namesAreParted()
     {
-        const auto [name, path, filename, extension] = currentRow<NamesAreParted>();
-        QCOMPARE(filenameOf(path), filename);
-        const Expansion found = fakePhoto({}, {}, path).stringForInfoToken(u"file extension"_qs);
-        QCOMPARE(found.has_value(), !extension.isNull());
-        QCOMPARE(found.value_or(QString()), extension);
+        for (const auto &[path, filename, extension] : {std::tuple("/a.b/c.d.JPG", "c.d", "JPG"),
+                                                        {"/a.b/c", "c", ""},
+                                                        {"/a/.hidden", ".hidden", ""},
+                                                        {"/a/.hidden.jpg", ".hidden", "jpg"},
+                                                        {"a.", "a", ""}}) {
+            QCOMPARE(filenameOf(Text(path)), Text(filename));
+            const Expansion found = fakePhoto({}, {}, Text(path)).stringForInfoToken(u"file extension"_qs);
+            QCOMPARE(found, *extension ? Expansion(Text(extension)) : std::nullopt);
+        }
     }
 
     /// The flash is reported as not fired.
@@ -219,27 +176,19 @@ private Q_SLOTS:
         }
     }
 
-    void piecesAreJoinedAsTheyStand_data()
-    {
-        addRows<PiecesAreJoinedAsTheyStand>({
-            {"nothing", QStringList(), QString()},
-            {"a literal", QStringList(u" as\ntyped "_qs), " as\ntyped "},
-            {"tokens and literals", QStringList{u"In "_qs, u"city"_qs, u", "_qs, u"City"_qs},
-             "In Oslo, City"},
-            {"a token without a value", QStringList{u"Shot in "_qs, u"country"_qs}, "Shot in "},
-            {"nothing but that", QStringList{u"country"_qs}, QString()},
-            {"empty pieces", QStringList{u""_qs, u""_qs}, QString()},
-        });
-    }
-
     void piecesAreJoinedAsTheyStand()
     {
-        const auto [name, pieces, text] = currentRow<PiecesAreJoinedAsTheyStand>();
-        WPresetValues values;
-        values.textTokens = pieces;
-        const Expansion found = watermarkTextForImage(values, fakePhoto({10, 10}, u"Oslo"_qs));
-        QCOMPARE(found.has_value(), !text.isNull());
-        QCOMPARE(found.value_or(QString()), text);
+        for (const auto &[pieces, text] :
+             {std::pair(QStringList(), Expansion()),
+              {QStringList(u" as\ntyped "_qs), u" as\ntyped "_qs},
+              {QStringList{u"In "_qs, u"city"_qs, u", "_qs, u"City"_qs}, u"In Oslo, City"_qs},
+              {QStringList{u"Shot in "_qs, u"country"_qs}, u"Shot in "_qs},
+              {QStringList{u"country"_qs}, Expansion()},
+              {QStringList{u""_qs, u""_qs}, Expansion()}}) {
+            WPresetValues values;
+            values.textTokens = pieces;
+            QCOMPARE(watermarkTextForImage(values, fakePhoto({10, 10}, u"Oslo"_qs)), text);
+        }
     }
 };
 

@@ -2,7 +2,6 @@
 
 #include "platform/fontcatalog.h"
 #include "support/datarows.h"
-#include "support/files.h"
 #include "watermark/textwatermark.h"
 #include "watermark/wpresetvalues.h"
 
@@ -35,28 +34,6 @@ QRect inkBox(const WatermarkBitmap &bitmap)
     return box;
 }
 
-struct ALineIsThatPercentTall {
-    Text name;
-    int size;
-    Text unit;
-    int height;
-};
-
-struct LineBreaks {
-    Text name;
-    Text text;
-    int lines;
-};
-
-struct ExtremesFailOrVanish {
-    Text name;
-    int size;
-    Text unit;
-    double width;
-    int repeats;
-    Text outcome;
-};
-
 } // namespace
 
 class TextWatermarkTest : public QObject
@@ -73,27 +50,20 @@ private:
     FontCatalog m_fonts;
 
 private Q_SLOTS:
-    void aLineIsThatPercentTall_data()
-    {
-        addRows<ALineIsThatPercentTall>({
-            {"short edge", 8, "% of short edge", 240},
-            {"long edge", 8, "% of long edge", 320},
-            {"width", 5, "% of width", 200},
-            {"height", 5, "% of height", 150},
-        });
-    }
-
     void aLineIsThatPercentTall()
     {
-        const auto [name, size, unit, height] = currentRow<ALineIsThatPercentTall>();
         WPresetValues values;
-        values.fontSize = size;
-        values.fontSizeUnit = unit;
-        for (const QString &name : {m_fonts.defaultFontName(), u"DejaVuSerif-Bold"_qs, u"No Such Font"_qs}) {
-            values.font = name;
-            const WatermarkBitmap bitmap = bitmapOf(values, u"sample"_qs);
-            QCOMPARE(bitmap.size.width(), 3920);
-            QCOMPARE(bitmap.size.height(), height);
+        for (const auto &[size, unit, height] : {std::tuple(8, u"% of short edge"_qs, 240),
+                                                 {8, u"% of long edge"_qs, 320},
+                                                 {5, u"% of width"_qs, 200},
+                                                 {5, u"% of height"_qs, 150}}) {
+            values.fontSize = size;
+            values.fontSizeUnit = unit;
+            for (const QString &font :
+                 {m_fonts.defaultFontName(), u"DejaVuSerif-Bold"_qs, u"No Such Font"_qs}) {
+                values.font = font;
+                QCOMPARE(bitmapOf(values, u"sample"_qs).size, QSize(3920, height));
+            }
         }
     }
 
@@ -119,7 +89,7 @@ private Q_SLOTS:
         }
     }
 
-    void theOutlineIsCenterdOnTheEdge()
+    void theOutlineIsCenteredOnTheEdge()
     {
         WPresetValues values;
         values.font = m_fonts.defaultFontName();
@@ -169,33 +139,21 @@ private Q_SLOTS:
         QCOMPARE(highest, 128);
     }
 
-    void alignmentPlacesLines_data()
-    {
-        QTest::addColumn<int>("alignment");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<double>("share"); // of the free width that is left of the ink
-        for (const bool isHebrew : {false, true}) {
-            const QString text = isHebrew ? QString::fromUtf8("שלום") : u"text"_qs;
-            const char *const name = isHebrew ? "right to left" : "left to right";
-            QTest::addRow("left, %s", name) << 0 << text << 0.0;
-            QTest::addRow("centerd, %s", name) << 1 << text << 0.5;
-            QTest::addRow("right, %s", name) << 2 << text << 1.0;
-            QTest::addRow("unknown, %s", name) << 3 << text << 0.0;
-        }
-    }
-
     void alignmentPlacesLines()
     {
-        QFETCH(int, alignment);
-        QFETCH(QString, text);
-        QFETCH(double, share);
         WPresetValues values;
-        values.textAlignment = alignment;
-        const QRect ink = inkBox(bitmapOf(values, text));
-        QVERIFY(!ink.isEmpty());
-        const double left = share * (3920 - ink.width());
-        // Glyphs have room at their sides.
-        QVERIFY2(std::abs(ink.left() - left) < 30, qPrintable(QDebug::toString(ink)));
+        for (const QString &text : {u"text"_qs, QString::fromUtf8("שלום")}) {
+            // The share of the free width that is left of the ink; the last alignment is unknown.
+            const double shares[] = {0, 0.5, 1, 0};
+            for (int alignment = 0; alignment < 4; ++alignment) {
+                values.textAlignment = alignment;
+                const QRect ink = inkBox(bitmapOf(values, text));
+                QVERIFY(!ink.isEmpty());
+                // Glyphs have room at their sides.
+                QVERIFY2(std::abs(ink.left() - shares[alignment] * (3920 - ink.width())) < 30,
+                         qPrintable(QDebug::toString(ink)));
+            }
+        }
     }
 
     void wordsWrapAtTheWidth()
@@ -211,24 +169,17 @@ private Q_SLOTS:
         QCOMPARE(pieces.size.height(), 2 * 240);
     }
 
-    void lineBreaks_data()
-    {
-        addRows<LineBreaks>({
-            {"none", "a b", 1},
-            {"Unix", "a\nb", 2},
-            {"DOS", "a\r\nb", 2},
-            {"old Macintosh", "a\rb", 2},
-            {"line separator", QString::fromUtf8("a\u2028b"), 2},
-            {"paragraph separator", QString::fromUtf8("a\u2029b"), 2},
-            {"an empty line between", "a\n\nb", 3},
-            {"control characters", "a\x01\x1b b", 1},
-        });
-    }
-
     void lineBreaks()
     {
-        const auto [name, text, lines] = currentRow<LineBreaks>();
-        QCOMPARE(bitmapOf(WPresetValues(), text).size.height(), lines * 240);
+        for (const auto &[text, lines] : {std::pair("a b", 1),
+                                          {"a\nb", 2},
+                                          {"a\r\nb", 2},
+                                          {"a\rb", 2},
+                                          {"a\u2028b", 2},
+                                          {"a\u2029b", 2},
+                                          {"a\n\nb", 3},
+                                          {"a\x01\x1b b", 1}})
+            QCOMPARE(bitmapOf(WPresetValues(), Text(text)).size.height(), lines * 240);
     }
 
     void colorGlyphsKeepTheirColorsAndWidth()
@@ -252,64 +203,31 @@ private Q_SLOTS:
         }
     }
 
-    void longTextsTakeLittleMemory()
-    {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-        QSKIP("A sanitizer takes memory of its own.");
-#endif
-        QFile status(u"/proc/self/clear_refs"_qs);
-        if (!status.open(QIODevice::WriteOnly))
-            QSKIP("The most memory that was taken cannot be told.");
-        const auto peakMegabytes = [] {
-            const QByteArray text = contentsOf(u"/proc/self/status"_qs);
-            const QByteArray line = text.mid(text.indexOf("VmHWM:") + 6);
-            return line.first(line.indexOf("kB")).trimmed().toInt() / 1000;
-        };
-        WPresetValues values;
-        values.strokeWidth = 4;
-        values.fontSize = 1;
-        values.fontSizeUnit = u"Points"_qs;
-        bitmapOf(values, u"warm"_qs);
-        status.write("5");
-        status.close();
-        const int before = peakMegabytes();
-        // All in one tile, and all in one place.
-        QVERIFY(!bitmapOf(values, QString(10'000, u'&'), 64).ink.isNull());
-        values.fontSize = 100;
-        QVERIFY(!bitmapOf(values, u'a' + QString(9'999, QChar(0x0334))).ink.isNull());
-        const int taken = peakMegabytes() - before;
-        QVERIFY2(before > 0 && taken >= 0 && taken < 60, qPrintable(QString::number(taken)));
-    }
-
-    void extremesFailOrVanish_data()
-    {
-        addRows<ExtremesFailOrVanish>({
-            {"no size", 0, "Points", 100.0, 1, "none"},
-            {"negative size", -5, "% of width", 100.0, 1, "none"},
-            {"no width", 10, "Points", 0.9, 1, "none"},
-            {"tiny in a wide box", 1, "Pixels", 1e9, 1, "none"},
-            {"endless width", 10, "Points", 1e30, 1, "failure"},
-            {"huge glyphs", 2'000'000'000, "Points", 4e6, 1, "failure"},
-            {"large glyphs in a huge box", 100'000, "Points", 1e6, 10, "failure"},
-            {"tall column", 100, "Points", 60.0, 2000, "bitmap"},
-            {"very long text", 10, "Points", 4000.0, 10'001, "failure"},
-            {"long text", 10, "Points", 4000.0, 10'000, "bitmap"},
-        });
-    }
-
     void extremesFailOrVanish()
     {
-        const auto [name, size, unit, width, repeats, outcome] = currentRow<ExtremesFailOrVanish>();
-        WPresetValues values;
-        values.fontSize = size;
-        values.fontSizeUnit = unit;
-        const auto bitmap =
-            createTextWatermarkOfWidth(width, values, QString(repeats, u'W'), m_fonts, {kPhoto});
-        if (repeats > 10'000)
-            QVERIFY2(bitmap.error().text.contains(u"10000"), qPrintable(bitmap.error().text));
-        const QString found = !bitmap ? u"failure"_qs : *bitmap ? u"bitmap"_qs : u"none"_qs;
-        QCOMPARE(found, outcome);
-        QVERIFY(bitmap || !bitmap.error().text.isEmpty());
+        using Row = std::tuple<int, Text, double, int, Text>;
+        for (const auto &[size, unit, width, repeats, outcome] :
+             std::initializer_list<Row>{{0, "Points", 100.0, 1, "none"},
+                                        {-5, "% of width", 100.0, 1, "none"},
+                                        {10, "Points", 0.9, 1, "none"},
+                                        {1, "Pixels", 1e9, 1, "none"},
+                                        {10, "Points", 1e30, 1, "failure"},
+                                        {2'000'000'000, "Points", 4e6, 1, "failure"},
+                                        {100'000, "Points", 1e6, 10, "failure"},
+                                        {100, "Points", 60.0, 2000, "bitmap"},
+                                        {10, "Points", 4000.0, 10'001, "failure"},
+                                        {10, "Points", 4000.0, 10'000, "bitmap"}}) {
+            WPresetValues values;
+            values.fontSize = size;
+            values.fontSizeUnit = unit;
+            const auto bitmap =
+                createTextWatermarkOfWidth(width, values, QString(repeats, u'W'), m_fonts, {kPhoto});
+            if (repeats > 10'000)
+                QVERIFY2(bitmap.error().text.contains(u"10000"), qPrintable(bitmap.error().text));
+            const QString found = !bitmap ? u"failure"_qs : *bitmap ? u"bitmap"_qs : u"none"_qs;
+            QCOMPARE(found, outcome);
+            QVERIFY(bitmap || !bitmap.error().text.isEmpty());
+        }
     }
 };
 

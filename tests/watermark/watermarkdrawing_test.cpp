@@ -13,10 +13,8 @@
 #include <QPainter>
 #include <QtTest>
 
-#include <atomic>
 #include <cmath>
 #include <random>
-#include <thread>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -112,26 +110,6 @@ double unlikeness(const QImage &found, const QImage &expected)
     return meanDifference(blocksOf(found), wanted) / std::max(all, 0.01);
 }
 
-struct Canceled {
-    Text name;
-    WPresetValues values;
-};
-
-struct NothingToDrawGivesTheSameImage {
-    Text name;
-    Text type;
-    QStringList pieces;
-    int width;
-};
-
-struct QuarterTurnsAndMirrors {
-    Text name;
-    float angle;
-    int rotation;
-    int flip;
-    Text colors;
-};
-
 } // namespace
 
 class WatermarkDrawingTest : public QObject
@@ -151,27 +129,22 @@ private:
     FontCatalog m_fonts;
 
 private Q_SLOTS:
-    void nothingToDrawGivesTheSameImage_data()
-    {
-        addRows<NothingToDrawGivesTheSameImage>({
-            {"no pieces", "Text", QStringList(), 98},
-            {"a token without a value", "Text", QStringList(u"city"_qs), 98},
-            {"no picture", "Image", QStringList(u"text"_qs), 98},
-            {"no width", "Text", QStringList(u"text"_qs), 0},
-            {"negative width", "Text", QStringList(u"text"_qs), -20},
-        });
-    }
-
     void nothingToDrawGivesTheSameImage()
     {
-        const auto [name, type, pieces, width] = currentRow<NothingToDrawGivesTheSameImage>();
-        WPresetValues values;
-        values.type = type;
-        values.textTokens = pieces;
-        values.width = width;
-        values.background = true;
         const QImage photo = flatPhoto();
-        QCOMPARE(drawn(photo, values).constBits(), photo.constBits());
+        for (const auto &[type, pieces, width] :
+             {std::tuple(u"Text"_qs, QStringList(), 98),
+              {u"Text"_qs, QStringList(u"city"_qs), 98}, // a token without a value
+              {u"Image"_qs, QStringList(u"text"_qs), 98},
+              {u"Text"_qs, QStringList(u"text"_qs), 0},
+              {u"Text"_qs, QStringList(u"text"_qs), -20}}) {
+            WPresetValues values;
+            values.type = type;
+            values.textTokens = pieces;
+            values.width = width;
+            values.background = true;
+            QCOMPARE(drawn(photo, values).constBits(), photo.constBits());
+        }
     }
 
     void theRectangleIsReported()
@@ -194,59 +167,47 @@ private Q_SLOTS:
         QCOMPARE(photo, flatPhoto());
     }
 
-    void quarterTurnsAndMirrors_data()
-    {
-        addRows<QuarterTurnsAndMirrors>({
-            {"as it is", 0.0F, 0, 0, "RGBY"},
-            {"counter-clockwise", 0.0F, 1, 0, "GYRB"},
-            {"clockwise", 0.0F, 2, 0, "BRYG"},
-            {"half", 0.0F, 3, 0, "YBGR"},
-            {"unknown", 0.0F, 4, 4, "RGBY"},
-            {"left-right", 0.0F, 0, 1, "GRYB"},
-            {"top-bottom", 0.0F, 0, 2, "BYRG"},
-            {"both", 0.0F, 0, 3, "YBGR"},
-            {"turned, then mirrored", 0.0F, 1, 1, "YGBR"},
-            {"angle of a quarter", 90.0F, 0, 0, "GYRB"},
-            {"angle of minus a quarter", -90.0F, 0, 0, "BRYG"},
-            {"angle, then quarter", 90.0F, 1, 0, "YBGR"},
-            {"full turn", 360.0F, 0, 0, "RGBY"},
-            {"below a full turn", -450.0F, 0, 0, "RGBY"},
-        });
-    }
-
     void quarterTurnsAndMirrors()
     {
-        const auto [name, angle, rotation, flip, colors] = currentRow<QuarterTurnsAndMirrors>();
-        WPresetValues values = fourColors();
-        values.angle = angle;
-        values.rotation = rotation;
-        values.flip = flip;
-        QRectF rect;
-        const QImage marked = drawn(flatPhoto(), values, &rect);
-        const QHash<QRgb, QChar> names{{qRgb(255, 0, 0), u'R'},
-                                       {qRgb(0, 255, 0), u'G'},
-                                       {qRgb(0, 0, 255), u'B'},
-                                       {qRgb(255, 255, 0), u'Y'}};
-        QString found;
-        for (const double y : {0.1, 0.9}) {
-            for (const double x : {0.1, 0.9})
-                found += names.value(marked.pixel(int(x * rect.width()), int(y * rect.height())), u'?');
+        using Row = std::tuple<float, int, int, Text>;
+        for (const auto &[angle, rotation, flip, colors] :
+             std::initializer_list<Row>{{0.0F, 0, 0, "RGBY"},
+                                        {0.0F, 1, 0, "GYRB"},
+                                        {0.0F, 2, 0, "BRYG"},
+                                        {0.0F, 3, 0, "YBGR"},
+                                        {0.0F, 4, 4, "RGBY"},
+                                        {0.0F, 0, 1, "GRYB"},
+                                        {0.0F, 0, 2, "BYRG"},
+                                        {0.0F, 0, 3, "YBGR"},
+                                        {0.0F, 1, 1, "YGBR"},
+                                        {90.0F, 0, 0, "GYRB"},
+                                        {-90.0F, 0, 0, "BRYG"},
+                                        {90.0F, 1, 0, "YBGR"},
+                                        {360.0F, 0, 0, "RGBY"},
+                                        {-450.0F, 0, 0, "RGBY"}}) {
+            WPresetValues values = fourColors();
+            values.angle = angle;
+            values.rotation = rotation;
+            values.flip = flip;
+            QRectF rect;
+            const QImage marked = drawn(flatPhoto(), values, &rect);
+            const QHash<QRgb, QChar> names{{qRgb(255, 0, 0), u'R'},
+                                           {qRgb(0, 255, 0), u'G'},
+                                           {qRgb(0, 0, 255), u'B'},
+                                           {qRgb(255, 255, 0), u'Y'}};
+            QString found;
+            for (const double y : {0.1, 0.9}) {
+                for (const double x : {0.1, 0.9})
+                    found += names.value(marked.pixel(int(x * rect.width()), int(y * rect.height())), u'?');
+            }
+            QCOMPARE(found, colors);
+            QCOMPARE(differenceOf(flatPhoto(), marked).rect.size(), rect.size().toSize());
         }
-        QCOMPARE(found, colors);
-        QCOMPARE(differenceOf(flatPhoto(), marked).rect.size(), rect.size().toSize());
     }
 
-    void inkTurnsLikeTheWholeBitmap_data()
+    /// Only the ink is tilted; the text must be where tilting the whole frame would put it.
+    void inkTiltsLikeTheWholeBitmap()
     {
-        QTest::addColumn<float>("angle");
-        for (const float angle : {1.0F, 30.0F, -45.0F, 100.0F, 200.5F, 359.0F})
-            QTest::addRow("%g degrees", static_cast<double>(angle)) << angle;
-    }
-
-    /// Only the ink is turned; the text must land where turning the whole frame would put it.
-    void inkTurnsLikeTheWholeBitmap()
-    {
-        QFETCH(float, angle);
         // Two empty lines below put the ink far from the frame's center.
         const QString text = u"Turn\n\n\u00a0"_qs;
         WPresetValues values = textPreset(text);
@@ -258,31 +219,31 @@ private Q_SLOTS:
         QVERIFY(bitmap && *bitmap);
         QImage whole = createBitmapContext((*bitmap)->size.width(), (*bitmap)->size.height(), true);
         QPainter(&whole).drawImage((*bitmap)->inkAt, (*bitmap)->ink);
-        const double radians = static_cast<double>(angle < 0 ? angle + 360 : angle) * M_PI / 180;
-        const QImage turned = createImageRotatedByAngle(whole, radians);
-
-        values.angle = angle;
-        QRectF rect;
-        const QImage black = flatPhoto(qRgb(0, 0, 0));
-        const QImage marked = drawn(black, values, &rect);
-        QCOMPARE(rect.size().toSize(), turned.size());
-        QImage expected = black;
-        QPainter(&expected).drawImage(qRound(rect.x()), qRound(300 - rect.y() - rect.height()), turned);
         const auto center = [](const QImage &image) {
             QPointF sum;
             double weight = 0;
-            for (int y = 0; y < image.height(); ++y) {
-                for (int x = 0; x < image.width(); ++x) {
-                    const int light = qGray(image.pixel(x, y));
-                    sum += QPointF(x, y) * light;
-                    weight += light;
-                }
+            for (int i = 0; i < image.width() * image.height(); ++i) {
+                const QPoint at(i % image.width(), i / image.width());
+                sum += QPointF(at) * qGray(image.pixel(at));
+                weight += qGray(image.pixel(at));
             }
             return sum / weight;
         };
-        const QPointF off = center(marked) - center(expected);
-        // Each of the two is moved to whole pixels once.
-        QVERIFY2(std::abs(off.x()) <= 1.01 && std::abs(off.y()) <= 1.01, qPrintable(QDebug::toString(off)));
+        for (const float angle : {1.0F, 30.0F, -45.0F, 100.0F, 200.5F, 359.0F}) {
+            const double radians = static_cast<double>(angle < 0 ? angle + 360 : angle) * M_PI / 180;
+            const QImage tilted = createImageRotatedByAngle(whole, radians);
+            values.angle = angle;
+            QRectF rect;
+            const QImage black = flatPhoto(qRgb(0, 0, 0));
+            const QImage marked = drawn(black, values, &rect);
+            QCOMPARE(rect.size().toSize(), tilted.size());
+            QImage expected = black;
+            QPainter(&expected).drawImage(qRound(rect.x()), qRound(300 - rect.y() - rect.height()), tilted);
+            const QPointF off = center(marked) - center(expected);
+            // Each of the two is moved to whole pixels once.
+            QVERIFY2(std::abs(off.x()) <= 1.01 && std::abs(off.y()) <= 1.01,
+                     qPrintable(QDebug::toString(off)));
+        }
     }
 
     void theBoxIgnoresTheWatermarksOpacity()
@@ -390,52 +351,6 @@ private Q_SLOTS:
         QVERIFY(std::abs(qRed(both) - 128) <= 1 && std::abs(qGreen(both) - 64) <= 1);
     }
 
-    void absurdPresetsFail()
-    {
-        WPresetValues repeats = fourColors();
-        repeats.anchorPoint = 6;
-        repeats.replicateHorizontal = repeats.replicateVertical = true;
-        repeats.replicateHorizontalDistanceUnit = repeats.replicateVerticalDistanceUnit = u"Pixels"_qs;
-        repeats.replicateHorizontalDistance = -39;
-        repeats.replicateVerticalDistance = -19;
-        WPresetValues shadow = fourColors();
-        shadow.shadow = true;
-        shadow.shadowBlur = 2'000'000'000;
-        for (const WPresetValues &values : {repeats, shadow}) {
-            const auto drawing = WatermarkDrawing::prepare({values}, fakePhoto(kSize), m_fonts);
-            QVERIFY(!drawing.has_value());
-            QVERIFY(drawing.error().text.size() > 20);
-        }
-    }
-
-    void threadsDrawTheSame()
-    {
-        std::vector<WPresetValues> presets;
-        for (const char *font : {"DejaVuSans", "DejaVuSans-Bold", "DejaVuSerif", "DejaVuSansMono", "None"}) {
-            WPresetValues values = textPreset(u"Threads \u05e9\u05dc\u05d5\u05dd \u03a9 \u6f22"_qs);
-            values.font = QLatin1StringView(font);
-            values.angle = 10;
-            presets.push_back(values);
-        }
-        const QImage photo = flatPhoto();
-        std::vector<QImage> expected;
-        for (const WPresetValues &values : presets)
-            expected.push_back(drawn(photo, values));
-        std::atomic<int> wrong = 0;
-        {
-            std::vector<std::jthread> threads;
-            for (std::size_t i = 0; i < 8; ++i) {
-                threads.emplace_back([&, i] {
-                    for (std::size_t k = 0; k < 2 * presets.size(); ++k) {
-                        const std::size_t which = (k + i) % presets.size();
-                        wrong += drawn(photo, presets[which]) != expected[which];
-                    }
-                });
-            }
-        }
-        QCOMPARE(wrong.load(), 0);
-    }
-
     /// Everything is where the full drawing has it, at each scale; so is a drawing that was moved. Two pixels
     /// aside would be noticed.
     void aReducedDrawingIsTheFullOneReduced()
@@ -493,55 +408,62 @@ private Q_SLOTS:
 
     void oneFailureLeavesTheOthers()
     {
-        MarkOrder tooLarge{fourColors()};
-        tooLarge.values.width = 2'000'000'000;
         const MarkOrder good{fourColors()};
         const MarkOrder nothing{textPreset(QString())};
-        const auto drawings = WatermarkDrawing::prepareEach(std::vector{good, tooLarge, nothing, good},
-                                                            fakePhoto(kSize), m_fonts);
-        QCOMPARE(drawings.size(), 4U);
-        QVERIFY(drawings[0] && *drawings[0] && drawings[3] && *drawings[3]);
+        MarkOrder tooLarge = good;
+        tooLarge.values.width = 2'000'000'000;
+        MarkOrder repeats = good;
+        repeats.values.anchorPoint = 6;
+        repeats.values.replicateHorizontal = repeats.values.replicateVertical = true;
+        repeats.values.replicateHorizontalDistanceUnit = repeats.values.replicateVerticalDistanceUnit =
+            u"Pixels"_qs;
+        repeats.values.replicateHorizontalDistance = -39;
+        repeats.values.replicateVerticalDistance = -19;
+        MarkOrder shadow = good;
+        shadow.values.shadow = true;
+        shadow.values.shadowBlur = 2'000'000'000;
+        const auto drawings = WatermarkDrawing::prepareEach(
+            std::vector{good, tooLarge, nothing, repeats, shadow, good}, fakePhoto(kSize), m_fonts);
+        QCOMPARE(drawings.size(), 6U);
+        QVERIFY(drawings[0] && *drawings[0] && drawings[5] && *drawings[5]);
         QVERIFY(drawings[2] && !*drawings[2]);
         QVERIFY(!drawings[1] && drawings[1].error().text.contains(u"2000000000"));
-    }
-
-    void workStopsWhenCanceled_data()
-    {
-        WPresetValues logo = fourColors();
-        logo.width = 3000;
-        WPresetValues wide = fourColors();
-        wide.shadow = true;
-        wide.shadowBlur = 100;
-        WPresetValues narrow = wide;
-        narrow.shadowBlur = 4;
-        narrow.image = WatermarkPicture::fromImage(QImage(40, 200, QImage::Format_ARGB32_Premultiplied));
-        addRows<Canceled>({{"text", textPreset(QString(400, u'W'))},
-                           {"logo", logo},
-                           {"wide shadow", wide},
-                           {"narrow shadow", narrow}});
+        QVERIFY(!drawings[3] && drawings[3].error().text.contains(u"too many times"));
+        QVERIFY(!drawings[4] && drawings[4].error().text.contains(u"large"));
     }
 
     void workStopsWhenCanceled()
     {
-        MarkOrder order{currentRow<Canceled>().values};
-        int calls = 0;
-        int last = std::numeric_limits<int>::max();
-        const auto outcome = [&] {
-            if (order.values.type == u"Image"_qs) // no size of this one is cached
-                order.values.image = WatermarkPicture::fromImage(order.values.image.image());
-            calls = 0;
-            return WatermarkDrawing::prepare(order, fakePhoto(kSize), m_fonts,
-                                             {.isCanceled = [&] { return ++calls > last; }});
-        };
-        QVERIFY(outcome().has_value());
-        const int all = calls;
-        QVERIFY2(all > 10, QByteArray::number(all));
-        for (const int before : {0, all / 3, all / 2, all - 1}) {
-            last = before;
-            const auto canceled = outcome();
-            QVERIFY(!canceled.has_value());
-            QCOMPARE(canceled.error().text, cancelledText());
-            QVERIFY2(calls <= before + 8, QByteArray::number(calls));
+        WPresetValues logo = fourColors();
+        logo.width = 3000;
+        WPresetValues wideShadow = fourColors();
+        wideShadow.shadow = true;
+        wideShadow.shadowBlur = 100;
+        WPresetValues narrowShadow = wideShadow;
+        narrowShadow.shadowBlur = 4;
+        narrowShadow.image =
+            WatermarkPicture::fromImage(QImage(40, 200, QImage::Format_ARGB32_Premultiplied));
+        for (const WPresetValues &values : {textPreset(QString(400, u'W')), logo, wideShadow, narrowShadow}) {
+            int calls = 0;
+            int last = std::numeric_limits<int>::max();
+            const auto outcome = [&] {
+                MarkOrder order{values};
+                if (values.type == u"Image"_qs) // no size of this one is cached
+                    order.values.image = WatermarkPicture::fromImage(values.image.image());
+                calls = 0;
+                return WatermarkDrawing::prepare(order, fakePhoto(kSize), m_fonts,
+                                                 {.isCanceled = [&] { return ++calls > last; }});
+            };
+            QVERIFY(outcome().has_value());
+            const int all = calls;
+            QVERIFY2(all > 10, QByteArray::number(all));
+            for (const int before : {0, all / 3, all / 2, all - 1}) {
+                last = before;
+                const auto canceled = outcome();
+                QVERIFY(!canceled.has_value());
+                QCOMPARE(canceled.error().text, cancelledText());
+                QVERIFY2(calls <= before + 8, QByteArray::number(calls));
+            }
         }
     }
 };

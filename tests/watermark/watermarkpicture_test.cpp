@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/fontcatalog.h"
 #include "support/datarows.h"
 #include "support/files.h"
 #include "support/picturedifference.h"
 #include "support/testenvironment.h"
 #include "support/testpictures.h"
-#include "watermark/textlayout.h"
 #include "watermark/watermarkpicture.h"
 
 #include <QtTest>
@@ -38,35 +36,6 @@ Result<WatermarkPicture> archivedPicture(const QByteArray &file)
         return WatermarkPicture::fromArchive(top.value(QLatin1StringView("picture")));
     });
 }
-
-struct Drawing {
-    Text name;
-    QByteArray content;
-    QByteArray attributes;
-    QSizeF size;
-};
-
-struct Reference {
-    Text name;
-    QByteArray content;
-    Text outcome; ///< part of the message; empty: the drawing is valid
-};
-
-struct BadFile {
-    Text name;
-    QByteArray contents;
-};
-
-struct Logo {
-    Text name;
-    QSize size;
-};
-
-struct Shared {
-    Text name;
-    Result<WatermarkPicture> (*picture)();
-    bool isFaulty;
-};
 
 } // namespace
 
@@ -106,28 +75,21 @@ private Q_SLOTS:
         }
     }
 
-    void drawingsKnowTheirSize_data()
-    {
-        addRows<Drawing>({
-            {"view box", kCircle, "viewBox='-5 -5 33.5 10'", {33.5, 10}},
-            {"sides", kCircle, "width='300' height='200'", {300, 200}},
-            {"a part used twice", "<g id='a'>" + kCircle + "</g><use xlink:href='#a'/>", kLinks, {9, 9}},
-            {"view box and sides: the view box has the proportions",
-             kCircle,
-             "width='100%' height='100%' viewBox='0 0 64 32'",
-             {64, 32}},
-        });
-    }
-
     void drawingsKnowTheirSize()
     {
-        const auto [name, content, attributes, size] = currentRow<Drawing>();
-        const Result<WatermarkPicture> picture = WatermarkPicture::fromSvg(svgOf(content, attributes));
-        QVERIFY(picture.has_value());
-        QCOMPARE(picture->size(), size);
+        const QByteArray usedTwice = "<g id='a'>" + kCircle + "</g><use xlink:href='#a'/>";
+        for (const auto &[content, attributes, size] :
+             {std::tuple(kCircle, QByteArray("viewBox='-5 -5 33.5 10'"), QSizeF(33.5, 10)),
+              {kCircle, "width='300' height='200'", {300, 200}},
+              {usedTwice, kLinks, {9, 9}},
+              {kCircle, "width='100%' height='100%' viewBox='0 0 64 32'", {64, 32}}}) {
+            const Result<WatermarkPicture> picture = WatermarkPicture::fromSvg(svgOf(content, attributes));
+            QVERIFY(picture.has_value());
+            QCOMPARE(picture->size(), size);
+        }
     }
 
-    void drawingsReferToNothingOutside_data()
+    void drawingsReferToNothingOutside()
     {
         const QImage red = flatPicture({2, 2}, Qt::red);
         const QByteArray png = encoded(red, "PNG");
@@ -142,37 +104,33 @@ private Q_SLOTS:
         const QByteArray large = encoded(flatPicture({8000, 6000}, Qt::black, QImage::Format_Mono), "PNG");
         const char *const refused = "another file";
         const char *const unreadable = "cannot be read";
-        addRows<Reference>({
-            {"a picture within", data(png), ""},
-            {"a gradient within", "<rect fill='url(#g)' width='9' height='9'/>", ""},
-            {"a sheet within", "<style>rect { fill: url( '#g' ) }</style>", ""},
-            {"a file's picture", image(outside), refused},
-            {"a file's picture as an address", image("file://" + outside), refused},
-            {"without a prefix", "<image href='red.png'/>", refused},
-            {"a part of another file", "<use xlink:href='other.svg#a'/>", refused},
-            {"a fill", "<rect fill='URL( other.svg#a)'/>", refused},
-            {"a style", "<rect style='fill:url(/etc/x)'/>", refused},
-            {"a sheet", "<style>rect { fill: u<![CDATA[rl(/x)]]> }</style>", refused},
-            {"a sheet's sheet", "<style>@import '/x.css';</style>", refused},
-            {"a sheet beside", "<?xml-stylesheet type='text/css' href='/x'?>", refused},
-            {"no picture", data("none"), unreadable},
-            {"a truncated picture", data(png.first(40)), unreadable},
-            {"a drawing within", data(svgOf(kCircle)), unreadable},
-            {"a file named like data", image("data:/../" + outside), unreadable},
-            {"a huge picture", data(large), "million pixels"},
-        });
+        using Row = std::tuple<QByteArray, Text>;
+        for (const auto &[content, outcome] :
+             std::initializer_list<Row>{{data(png), ""},
+                                        {"<rect fill='url(#g)' width='9' height='9'/>", ""},
+                                        {"<style>rect { fill: url( '#g' ) }</style>", ""},
+                                        {image(outside), refused},
+                                        {image("file://" + outside), refused},
+                                        {"<image href='red.png'/>", refused},
+                                        {"<use xlink:href='other.svg#a'/>", refused},
+                                        {"<rect fill='URL( other.svg#a)'/>", refused},
+                                        {"<rect style='fill:url(/etc/x)'/>", refused},
+                                        {"<style>rect { fill: u<![CDATA[rl(/x)]]> }</style>", refused},
+                                        {"<style>@import '/x.css';</style>", refused},
+                                        {"<?xml-stylesheet type='text/css' href='/x'?>", refused},
+                                        {data("none"), unreadable},
+                                        {data(png.first(40)), unreadable},
+                                        {data(svgOf(kCircle)), unreadable},
+                                        {image("data:/../" + outside), unreadable},
+                                        {data(large), "million pixels"}}) {
+            const Result<WatermarkPicture> picture = WatermarkPicture::fromSvg(svgOf(content, kLinks));
+            QCOMPARE(picture.has_value(), outcome.isEmpty());
+            if (!picture)
+                QVERIFY2(picture.error().text.contains(outcome), qPrintable(picture.error().text));
+        }
     }
 
-    void drawingsReferToNothingOutside()
-    {
-        const auto [name, content, outcome] = currentRow<Reference>();
-        const Result<WatermarkPicture> picture = WatermarkPicture::fromSvg(svgOf(content, kLinks));
-        QCOMPARE(picture.has_value(), outcome.isEmpty());
-        if (!picture)
-            QVERIFY2(picture.error().text.contains(outcome), qPrintable(picture.error().text));
-    }
-
-    void badFilesAreNamed_data()
+    void badFilesAreNamed()
     {
         constexpr int kDeep = 100'000;
         QByteArray laughs = "<g id='a0'><rect width='1' height='1'/></g>";
@@ -180,72 +138,30 @@ private Q_SLOTS:
             const QByteArray use = "<use xlink:href=\"#a" + QByteArray::number(i - 1) + "\"/>";
             laughs += "<g id=\"a" + QByteArray::number(i) + "\">" + use.repeated(10) + "</g>";
         }
-        addRows<BadFile>({
-            {"empty.png", ""},
-            {"text.png", "not a picture"},
-            {"truncated.svg", svgOf(kCircle).chopped(3)},
-            {"page.svg", "<?xml version=\"1.0\"?><html/>"},
-            {"no size.svg", svgOf(kCircle, "viewBox='0 0 0 10' width='0' height='0'")},
-            {"used again and again.svg", svgOf(laughs, kLinks)},
-            {"used by itself.svg", svgOf("<g id='a'><g id='b'><use xlink:href='#a'/></g></g>", kLinks)},
-            {"compressed.svgz", QByteArray("\x1f\x8b\x08\x00 compressed")},
-            {"deep.svg", svgOf(QByteArray("<g>").repeated(kDeep) + QByteArray("</g>").repeated(kDeep))},
-        });
-    }
-
-    void badFilesAreNamed()
-    {
-        const auto [name, contents] = currentRow<BadFile>();
-        const QString path = fileWith(name, contents);
-        const Result<WatermarkPicture> picture = WatermarkPicture::load(path);
-        QVERIFY(!picture.has_value());
-        const QString message = picture.error().text;
-        QVERIFY2(message.contains(path), qPrintable(message));
-        QVERIFY2(message.contains(u"plain SVG"_qs) || !name.endsWith(u".svgz"_qs), qPrintable(message));
-        QVERIFY(!WatermarkPicture::load(m_folder.path()).has_value());
-    }
-
-    void largeReductionsDoNotAlias()
-    {
-        const QImage chequered =
-            paintedPicture({1000, 1000}, QImage::Format_ARGB32_Premultiplied,
-                           [](int x, int y) { return (x + y) % 2 != 0 ? 0xffffffff : 0xff000000; });
-        const WatermarkPicture picture = WatermarkPicture::fromImage(chequered);
-        for (const int side : {300, 77, 10}) {
-            const QImage small = picture.imageOfSize(QSize(side, side));
-            for (int i = 1; i < side - 1; ++i) {
-                const int gray = qGray(small.pixel(i, (i * 7) % (side - 2) + 1));
-                QVERIFY2(gray > 110 && gray < 205, qPrintable(QString::number(gray)));
-            }
+        using Row = std::tuple<Text, QByteArray>;
+        for (const auto &[name, contents] : std::initializer_list<Row>{
+                 {"empty.png", ""},
+                 {"text.png", "not a picture"},
+                 {"truncated.svg", svgOf(kCircle).chopped(3)},
+                 {"page.svg", "<?xml version=\"1.0\"?><html/>"},
+                 {"no size.svg", svgOf(kCircle, "viewBox='0 0 0 10' width='0' height='0'")},
+                 {"used again and again.svg", svgOf(laughs, kLinks)},
+                 {"used by itself.svg", svgOf("<g id='a'><g id='b'><use xlink:href='#a'/></g></g>", kLinks)},
+                 {"compressed.svgz", QByteArray("\x1f\x8b\x08\x00 compressed")},
+                 {"deep.svg",
+                  svgOf(QByteArray("<g>").repeated(kDeep) + QByteArray("</g>").repeated(kDeep))}}) {
+            const QString path = fileWith(name, contents);
+            const Result<WatermarkPicture> picture = WatermarkPicture::load(path);
+            QVERIFY(!picture.has_value());
+            const QString message = picture.error().text;
+            QVERIFY2(message.contains(path), qPrintable(message));
+            QVERIFY2(message.contains(u"plain SVG"_qs) || !name.endsWith(u".svgz"_qs), qPrintable(message));
+            QVERIFY(!WatermarkPicture::load(m_folder.path()).has_value());
         }
-    }
-
-    void logosAreRead_data()
-    {
-        addRows<Logo>({
-            {"logos/badge-512x512.png", {512, 512}},
-            {"logos/stamp-97x61-palette.png", {97, 61}},
-            {"logos/wordmark-1200x301.png", {1200, 301}},
-            {"jpeg/cmyk-ycck-small.jpg", {}},
-            {"png/gray16.png", {32, 32}},
-        });
-    }
-
-    void logosAreRead()
-    {
-        PLEXA_NEEDS_PHOTOS();
-        const auto [name, size] = currentRow<Logo>();
-        const Result<WatermarkPicture> picture = WatermarkPicture::load(realPhoto(name));
-        QVERIFY2(picture.has_value(), qPrintable(picture ? QString() : picture.error().text));
-        if (!size.isEmpty())
-            QCOMPARE(picture->size(), QSizeF(size));
-        QCOMPARE(picture->imageOfSize(QSize(200, 50)).format(), QImage::Format_ARGB32_Premultiplied);
-        QCOMPARE(picture->imageOfSize(QSize(200, 50)).size(), QSize(200, 50));
     }
 
     void cameraTurnsAreFollowed()
     {
-        PLEXA_NEEDS_PHOTOS();
         const auto isTheSameInAnArchive = [](const QString &path, const WatermarkPicture &loaded) {
             const Result<WatermarkPicture> archived = archivedPicture(contentsOf(path));
             return archived && archived->size() == loaded.size() && archived->image() == loaded.image();
@@ -256,109 +172,37 @@ private Q_SLOTS:
             const Result<WatermarkPicture> picture = WatermarkPicture::load(path);
             QVERIFY2(picture && isTheSameInAnArchive(path, *picture), turn);
         }
-        // Eight files that show the same when upright.
-        const QString folder = realPhoto("jpeg/orientation/");
-        const QStringList names = QDir(folder).entryList({u"*.jpg"_qs}, QDir::Files, QDir::Name);
-        QVERIFY(names.size() >= 8);
-        QHash<QString, QImage> firstOfSeries;
-        for (const QString &name : names) {
-            const Result<WatermarkPicture> picture = WatermarkPicture::load(folder + name);
-            QVERIFY(picture.has_value());
-            QVERIFY2(isTheSameInAnArchive(folder + name, *picture), qPrintable(name));
-            const QImage small = picture->imageOfSize(QSize(24, 24));
-            const QString series = name.section(u'_', 0, 0).section(u'-', 0, 0);
-            QImage &first = firstOfSeries[series];
-            if (first.isNull())
-                first = small;
-            const double difference = meanDifference(small, first);
-            QVERIFY2(difference < 12, qPrintable(name + QString::number(difference)));
-        }
-    }
-
-    void threadsShareOnePicture_data()
-    {
-        addRows<Shared>({
-            {"a drawing", [] { return WatermarkPicture::fromSvg(svgOf(kCircle)); }, false},
-            {"archived pixels",
-             [] {
-                 return archivedPicture(encoded(randomPicture({60, 30}), "PNG"));
-             },
-             false},
-            {"truncated archived pixels",
-             [] {
-                 return archivedPicture(encoded(randomPicture({60, 30}), "PNG").chopped(100));
-             },
-             true},
-        });
     }
 
     void threadsShareOnePicture()
     {
-        const auto [name, made, isFaulty] = currentRow<Shared>();
-        const Result<WatermarkPicture> picture = made();
-        QVERIFY(picture.has_value());
-        QCOMPARE(picture->fault(), QString());
-        const QImage expected = picture->imageOfSize(QSize(200, 100));
-        QCOMPARE(expected.size(), isFaulty ? QSize(0, 0) : QSize(200, 100));
-        std::atomic<int> wrong = 0;
-        {
-            std::vector<std::jthread> threads;
-            for (int i = 0; i < 6; ++i) {
-                threads.emplace_back([&, i, isFaulty = isFaulty] {
-                    for (int width = 200 + i; width < 210 + i; ++width) {
-                        const WatermarkPicture copy = *picture;
-                        wrong += copy.imageOfSize(QSize(200 + width % 2, 100)).width() !=
-                                     (isFaulty ? 0 : 200 + width % 2) ||
-                                 copy.imageOfSize(QSize(200, 100)) != expected ||
-                                 copy.image().isNull() != isFaulty || copy.fault().isEmpty() == isFaulty;
-                        KeyedArchiver archiver;
-                        archiver.addCopy(copy.original());
-                    }
-                });
-            }
-        }
-        QCOMPARE(wrong.load(), 0);
-    }
-
-    void drawingsWithTextAreDrawnBesideTexts()
-    {
-        const Result<WatermarkPicture> picture =
-            WatermarkPicture::fromSvg(svgOf("<text x='1' y='8' font-size='6'>Text \xe6\xbc\xa2</text>"));
-        QVERIFY(picture.has_value());
-        const FontCatalog fonts;
-        const auto width = [&](int i) {
-            const auto setting =
-                setText(u"Text \u6f22"_qs, fonts, u"DejaVuSans"_qs, TextAlignment::Left, 50.0 + i);
-            return setting ? setting->glyphs.back().at.x() : -1;
-        };
-        const double expectedWidth = width(0);
-        QList<QImage> expected;
-        for (int i = 0; i < 20; ++i)
-            expected.append(picture->imageOfSize(QSize(200 + i, 100)));
-        const auto again = WatermarkPicture::fromSvg(picture->svg()); // shares no cached sizes
-        std::atomic<int> wrong = 0;
-        std::vector<std::jthread> threads;
-        for (int k = 0; k < 6; ++k) {
-            threads.emplace_back([&, k] {
-                for (int i = 0; i < 20; ++i) {
-                    const bool isRight = k % 2 == 0
-                                             ? again->imageOfSize(QSize(200 + i, 100)) == expected.at(i)
-                                             : width(i) == expectedWidth;
-                    wrong += isRight ? 0 : 1;
+        const QByteArray png = encoded(randomPicture({60, 30}), "PNG");
+        for (const auto &[picture, isFaulty] : {std::pair(WatermarkPicture::fromSvg(svgOf(kCircle)), false),
+                                                {archivedPicture(png), false},
+                                                {archivedPicture(png.chopped(100)), true}}) {
+            QVERIFY(picture.has_value());
+            QCOMPARE(picture->fault(), QString());
+            const QImage expected = picture->imageOfSize(QSize(200, 100));
+            QCOMPARE(expected.size(), isFaulty ? QSize(0, 0) : QSize(200, 100));
+            std::atomic<int> wrong = 0;
+            {
+                std::vector<std::jthread> threads;
+                for (int i = 0; i < 6; ++i) {
+                    threads.emplace_back([&picture = *picture, &expected, &wrong, i, isFaulty = isFaulty] {
+                        for (int width = 200 + i; width < 210 + i; ++width) {
+                            const WatermarkPicture copy = picture;
+                            wrong += copy.imageOfSize(QSize(200 + width % 2, 100)).width() !=
+                                         (isFaulty ? 0 : 200 + width % 2) ||
+                                     copy.imageOfSize(QSize(200, 100)) != expected ||
+                                     copy.image().isNull() != isFaulty || copy.fault().isEmpty() == isFaulty;
+                            KeyedArchiver archiver;
+                            archiver.addCopy(copy.original());
+                        }
+                    });
                 }
-            });
+            }
+            QCOMPARE(wrong.load(), 0);
         }
-        threads.clear();
-        QCOMPARE(wrong.load(), 0);
-    }
-
-    void sizesAreKept()
-    {
-        const WatermarkPicture picture = WatermarkPicture::fromImage(QImage(10, 10, QImage::Format_RGB32));
-        const QImage wide = picture.imageOfSize(QSize(4200, 4000)); // the width of a large photo
-        const QImage small = picture.imageOfSize(QSize(30, 20));
-        QCOMPARE(picture.imageOfSize(QSize(4200, 4000)).constBits(), wide.constBits());
-        QCOMPARE(picture.imageOfSize(QSize(30, 20)).constBits(), small.constBits());
     }
 };
 

@@ -9,6 +9,7 @@
 #include <QDate>
 #include <QGuiApplication>
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -42,20 +43,6 @@ FieldValue changed(const FieldValue &value)
     return std::visit(Change(), value);
 }
 
-struct FieldsAreSetFromTexts {
-    test::Text name;
-    test::Text field;
-    test::Text text;
-    QJsonValue json;
-};
-
-struct WrongValuesAreRefused {
-    test::Text name;
-    test::Text field;
-    test::Text text;
-    test::Text hint;
-};
-
 } // namespace
 
 class WPresetTest : public QObject
@@ -72,6 +59,25 @@ private Q_SLOTS:
         const QString year = QDate::currentDate().toString(u"yyyy"_qs);
         QCOMPARE(preset.textTokens().first(), QString(QChar(0xa9)) + u' ' + year + u' ' + fullUserName());
         QVERIFY(fonts.fontNamed(preset.font(), 10).has_value());
+    }
+
+    void defaultsOfAllFields()
+    {
+        const QByteArray expected = R"({"name": "New Preset", "type": "Text", "textTokens": [], "font": null,
+            "fontSize": 8, "fontSizeUnit": "% of short edge", "textAlignment": 0, "fillColor": "#ffffff",
+            "stroke": true, "strokeColor": "#000000", "strokeWidth": 2, "image": null, "width": 98,
+            "widthUnit": "% of width", "anchorPoint": 6, "offsetHorizontal": 1,
+            "offsetHorizontalUnit": "% of width", "offsetVertical": 1, "offsetVerticalUnit": "% of height",
+            "angle": 0, "rotation": 0, "flip": 0, "replicateHorizontal": false,
+            "replicateHorizontalDistance": 10, "replicateHorizontalDistanceUnit": "% of width",
+            "replicateVertical": false, "replicateVerticalDistance": 10,
+            "replicateVerticalDistanceUnit": "% of height", "opacity": 100, "blendMode": "Normal",
+            "shadow": false, "shadowBlur": 5, "shadowOffset": 1, "shadowOffsetUnit": "% of short edge",
+            "shadowAngle": -45, "background": false, "backgroundColor": "#000000",
+            "backgroundPaddingTop": 20, "backgroundPaddingBottom": 20, "backgroundPaddingLeft": 20,
+            "backgroundPaddingRight": 20, "backgroundPaddingUnit": "Pixels", "backgroundOpacity": 50,
+            "backgroundFullWidth": true, "assignedSavingPreset": null})";
+        QCOMPARE(asJson(WPresetValues()), QJsonDocument::fromJson(expected).object());
     }
 
     void everyFieldReportsItsChangesOnce()
@@ -133,70 +139,61 @@ private Q_SLOTS:
         QCOMPARE(asJson(preset.values()).value(u"assignedSavingPreset").toInteger(), 9'007'199'254'740'993);
     }
 
-    void fieldsAreSetFromTexts_data()
-    {
-        test::addRows<FieldsAreSetFromTexts>({
-            {"number", "fontSize", "12", QJsonValue(12)},
-            {"whole number with decimals", "fontSize", "12.0", QJsonValue(12)},
-            {"absent number", "opacity", "null", QJsonValue()},
-            {"float", "angle", "-12.5", QJsonValue(-12.5)},
-            {"boolean", "shadow", "true", QJsonValue(true)},
-            {"unit", "widthUnit", "% of long edge", QJsonValue(u"% of long edge"_qs)},
-            {"color", "fillColor", "#ff8800", QJsonValue(u"#ff8800"_qs)},
-            {"color with alpha", "fillColor", "#FF8800cc", QJsonValue(u"#ff8800cc"_qs)},
-            {"color, quoted", "fillColor", "\"#01020304\"", QJsonValue(u"#01020304"_qs)},
-            {"list", "textTokens", "[\"(c) \",\"creator\"]",
-             QJsonValue(QJsonArray{u"(c) "_qs, u"creator"_qs})},
-            {"one piece", "textTokens", "(c) me", QJsonValue(QJsonArray{u"(c) me"_qs})},
-            {"a piece that is a number", "textTokens", "2024", QJsonValue(QJsonArray{u"2024"_qs})},
-            {"a text that is a number", "name", "2024", QJsonValue(u"2024"_qs)},
-            {"a text with JSON in it", "name", "1],[2", QJsonValue(u"1],[2"_qs)},
-            {"a quoted text", "name", "\"a\\nb\"", QJsonValue(u"a\nb"_qs)},
-            {"blend mode", "blendMode", "Color Dodge", QJsonValue(u"Color Dodge"_qs)},
-        });
-    }
-
     void fieldsAreSetFromTexts()
     {
-        const auto [name, field, text, json] = test::currentRow<FieldsAreSetFromTexts>();
-        WPresetValues values;
-        const Result<void> set = setFieldFromText(values, field, text);
-        QVERIFY2(set.has_value(), qPrintable(set ? QString() : set.error().text));
-        QCOMPARE(asJson(values).value(field), json);
-        WPresetValues again;
-        QVERIFY(setField(again, field, asJson(values).value(field)).has_value());
-        QVERIFY(again == values);
-    }
-
-    void wrongValuesAreRefused_data()
-    {
-        test::addRows<WrongValuesAreRefused>({
-            {"unknown field", "fontsize", "1", "shadowAngle"},
-            {"unknown unit", "widthUnit", "percent", "% of short edge"},
-            {"fraction", "width", "1.5", "whole number"},
-            {"too large", "width", "2147483648", "whole number"},
-            {"not a number", "width", "wide", "whole number"},
-            {"too large a float", "angle", "1e39", "number"},
-            {"boolean", "stroke", "1", "true or false"},
-            {"color's name", "fillColor", "red", "#rrggbb"},
-            {"short color", "fillColor", "#fff", "#rrggbb"},
-            {"not hexadecimal", "fillColor", "#12345g", "#rrggbb"},
-            {"list of numbers", "textTokens", "[1]", "list of texts"},
-            {"missing picture", "image", "/nowhere/logo.png", "/nowhere/logo.png"},
-            {"saving preset", "assignedSavingPreset", "7", "saving preset"},
-        });
+        using Row = std::tuple<test::Text, test::Text, QJsonValue>;
+        for (const auto &[field, text, json] : std::initializer_list<Row>{
+                 {"fontSize", "12", QJsonValue(12)},
+                 {"fontSize", "12.0", QJsonValue(12)},
+                 {"opacity", "null", QJsonValue()},
+                 {"angle", "-12.5", QJsonValue(-12.5)},
+                 {"shadow", "true", QJsonValue(true)},
+                 {"widthUnit", "% of long edge", QJsonValue(u"% of long edge"_qs)},
+                 {"fillColor", "#ff8800", QJsonValue(u"#ff8800"_qs)},
+                 {"fillColor", "#FF8800cc", QJsonValue(u"#ff8800cc"_qs)},
+                 {"fillColor", "\"#01020304\"", QJsonValue(u"#01020304"_qs)},
+                 {"textTokens", "[\"(c) \",\"creator\"]", QJsonValue(QJsonArray{u"(c) "_qs, u"creator"_qs})},
+                 {"textTokens", "(c) me", QJsonValue(QJsonArray{u"(c) me"_qs})},
+                 {"textTokens", "2024", QJsonValue(QJsonArray{u"2024"_qs})},
+                 {"name", "2024", QJsonValue(u"2024"_qs)},
+                 {"name", "1],[2", QJsonValue(u"1],[2"_qs)},
+                 {"name", "\"a\\nb\"", QJsonValue(u"a\nb"_qs)},
+                 {"blendMode", "Color Dodge", QJsonValue(u"Color Dodge"_qs)}}) {
+            WPresetValues values;
+            const Result<void> set = setFieldFromText(values, field, text);
+            QVERIFY2(set.has_value(), qPrintable(set ? QString() : set.error().text));
+            QCOMPARE(asJson(values).value(field), json);
+            WPresetValues again;
+            QVERIFY(setField(again, field, asJson(values).value(field)).has_value());
+            QVERIFY(again == values);
+        }
     }
 
     void wrongValuesAreRefused()
     {
-        const auto [name, field, text, hint] = test::currentRow<WrongValuesAreRefused>();
-        WPresetValues values;
-        const Result<void> set = setFieldFromText(values, field, text);
-        QVERIFY(!set.has_value());
-        QVERIFY2(set.error().text.contains(hint), qPrintable(set.error().text));
-        if (field != u"image"_qs)
-            QVERIFY2(set.error().text.contains(field), qPrintable(set.error().text));
-        QVERIFY(values == WPresetValues());
+        using Row = std::tuple<test::Text, test::Text, test::Text>;
+        for (const auto &[field, text, hint] :
+             std::initializer_list<Row>{{"fontsize", "1", "shadowAngle"},
+                                        {"widthUnit", "percent", "% of short edge"},
+                                        {"width", "1.5", "whole number"},
+                                        {"width", "2147483648", "whole number"},
+                                        {"width", "wide", "whole number"},
+                                        {"angle", "1e39", "number"},
+                                        {"stroke", "1", "true or false"},
+                                        {"fillColor", "red", "#rrggbb"},
+                                        {"fillColor", "#fff", "#rrggbb"},
+                                        {"fillColor", "#12345g", "#rrggbb"},
+                                        {"textTokens", "[1]", "list of texts"},
+                                        {"image", "/nowhere/logo.png", "/nowhere/logo.png"},
+                                        {"assignedSavingPreset", "7", "saving preset"}}) {
+            WPresetValues values;
+            const Result<void> set = setFieldFromText(values, field, text);
+            QVERIFY(!set.has_value());
+            QVERIFY2(set.error().text.contains(hint), qPrintable(set.error().text));
+            if (field != u"image"_qs)
+                QVERIFY2(set.error().text.contains(field), qPrintable(set.error().text));
+            QVERIFY(values == WPresetValues());
+        }
     }
 };
 

@@ -60,7 +60,7 @@ class FakePromise final : public FilePromise
 public:
     struct Log {
         std::atomic<int> made = 0;        ///< requests to write the files
-        std::atomic<bool> mayGoOn = true; ///< until then the first file waits, while it is wanted
+        std::atomic<bool> mayGoOn = true; ///< until then the first file waits, unless it is canceled
         std::atomic<bool> wasUnwanted = false;
         QString folder; ///< of the written files
         QString savedInto;

@@ -67,7 +67,7 @@ private Q_SLOTS:
     {
         const DropTarget target(DropTarget::Manner::TakesFiles, {}, kTarget);
         m_files->mayGoOn = false;
-        // The event loop goes on while the target waits for the files.
+        // The event loop runs while the target waits for the files.
         QTimer timer;
         connect(&timer, &QTimer::timeout, this,
                 [&] { m_files->mayGoOn = m_files->made == 1 && !target.isFinished; });

@@ -190,8 +190,7 @@ private Q_SLOTS:
         QTest::mouseRelease(viewport, Qt::LeftButton, {}, to);
         QCOMPARE(grid.view.selectionIndexes(), QList<int>());
 
-        // Another button does not end it; the list may become shorter meanwhile; a message that comes up ends
-        // it.
+        // Neither another button nor a shorter list ends it; a message box does.
         QTest::mousePress(viewport, Qt::LeftButton, {}, from);
         QTest::mouseMove(viewport, QPoint(from.x() + 5, viewport->height() + 40));
         QMouseEvent other(QEvent::MouseButtonRelease, QPointF(to), viewport->mapToGlobal(QPointF(to)),
@@ -362,17 +361,17 @@ private Q_SLOTS:
             QCOMPARE(pixel(0, 0.5, 0.25), QColor(Qt::white));
             QTest::qWait(50);
         }
-        // What arrives later is shown at the next refresh; so is a photo that was turned.
+        // A new thumbnail is shown at the next refresh.
         const QColor ground = pixel(1, 0.02, 0.02);
         QVERIFY(pixel(1, 0.5, 0.5).lightness() > ground.lightness());
         grid.images->images[1] = Colors::thumbnail(Qt::red);
         grid.view.refreshImage(&grid.images->images[1]);
         QCOMPARE(pixel(1, 0.5, 0.6), QColor(Qt::red));
-        // Behind a selected one it is lighter.
+        // The background of a selected one is lighter.
         grid.view.takeSelection({1}, 1);
         QVERIFY(pixel(1, 0.5, 0.04).lightness() > ground.lightness() + 20);
 
-        // Memory is bounded by bytes, whatever is looked at.
+        // The cache is bounded by bytes.
         CellPictures pictures(1 << 20);
         for (int i = 10; i < 400; ++i)
             QCOMPARE(pictures.makeScaled(grid.images->images[0], {i, i}).size(), QSize(i, i));
@@ -512,7 +511,7 @@ private Q_SLOTS:
             QCOMPARE(files.data(u"text/html"_qs), QByteArray());
             QCOMPARE(log.made.load(), 0);
 
-            // Written once, whoever requests them again; the files are what is dragged, no picture.
+            // Written once for all requests; the drag contains files, and no picture.
             const QList<QUrl> urls = files.urls();
             QCOMPARE(urls.size(), 6);
             folder = QFileInfo(urls.first().toLocalFile()).path();

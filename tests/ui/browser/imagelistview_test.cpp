@@ -90,7 +90,7 @@ private Q_SLOTS:
         QCOMPARE(f.table.model()->index(0, 0).data().toString(), (*f.set.images())[0]->path());
 
         f.set.filterImages(u"P1"_qs);
-        QCOMPARE(f.table.model()->rowCount(), 2); // p10 and p11; p1 is gone
+        QCOMPARE(f.table.model()->rowCount(), 2); // p10 and p11; p1 was removed
         QCOMPARE(f.rows(), IndexList());
         f.set.addImage(u"/photos/P1 again.jpg"_qs, f.file);
         QCOMPARE(f.table.model()->rowCount(), 3);

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "app/appliedpresets.h"
-#include "app/workingset.h"
 #include "support/realpointer.h"
-#include "ui/presets/presetspanel.h"
-#include "ui/widgets/commandactions.h"
+#include "ui/shownwindow.h"
 #include "ui/widgets/presetlistmodel.h"
 #include "ui/widgets/presetlistview.h"
 
@@ -20,21 +17,14 @@ using namespace plexa::test;
 namespace
 {
 
-struct Fixture {
-    Fixture()
+/// The window in presets mode, with four presets.
+struct Panel : ShownWindow {
+    Panel()
     {
         for (const QString &name : words("One Two Three Four"))
-            all.push_back(namedPreset(name));
+            presets.push_back(namedPreset(name));
         applied.modeDidChange(AppliedPresets::Mode::Presets);
-        work.store.wPresetList().append(all);
-        actions.update();
-        panel.resize(300, 600);
-        panel.show();
-    }
-
-    PresetListView &table(const char *name)
-    {
-        return *panel.findChild<PresetListView *>(QLatin1String(name));
+        files.store.wPresetList().append(presets);
     }
 
     static void mouse(PresetListView &view, int row, bool isDouble, Qt::KeyboardModifiers modifiers = {})
@@ -47,17 +37,10 @@ struct Fixture {
 
     QString appliedNames() const { return names(applied.wPresetsApplied()); }
 
-    WorkingSet work;
-    AppliedPresets applied{work.defaults};
-    WPresetList all;
-    QWidget owner;
-    CommandActions actions{&owner, [this] {
-                               CommandState state;
-                               state.nSelectedWPresets =
-                                   static_cast<qsizetype>(panel.selectedWPresets().size());
-                               return state;
-                           }};
-    PresetsPanel panel{applied, work.store, actions};
+    WPresetList presets;
+    AppliedPresets &applied = controller.appliedPresets();
+    PresetListView &allTable = find<PresetListView>("wPresetsAllTable");
+    PresetListView &appliedTable = find<PresetListView>("wPresetsAppliedTable");
 };
 
 } // namespace
@@ -69,30 +52,34 @@ class PresetsPanelTest : public QObject
 private Q_SLOTS:
     void changesTheMode()
     {
-        Fixture f;
-        QVERIFY(f.table("wPresetsAllTable").isVisible());
-        QTest::mouseClick(f.panel.findChild<QPushButton *>(u"singleModeButton"_qs), Qt::LeftButton);
+        Panel f;
+        auto &single = f.find<QPushButton>("singleModeButton");
+        auto &presets = f.find<QPushButton>("presetsModeButton");
+        QTRY_VERIFY(single.isEnabled() && f.allTable.isVisible());
+        QTest::mouseClick(&single, Qt::LeftButton);
         QVERIFY(f.applied.isInSingleMode());
-        QVERIFY(f.panel.quickWPresetContainer()->isVisible());
-        QVERIFY(!f.table("wPresetsAllTable").isVisible());
-        QVERIFY(!(f.panel.findChild<QWidget *>(u"presetsModeButton"_qs)->focusPolicy() & Qt::TabFocus));
-        f.applied.modeDidChange(AppliedPresets::Mode::Presets); // by the menu
-        QVERIFY(f.panel.findChild<QPushButton *>(u"presetsModeButton"_qs)->isChecked());
-        QVERIFY(f.table("wPresetsAllTable").isVisible());
+        QVERIFY(f.find<QWidget>("quickWPresetContainer").isVisible() && !f.allTable.isVisible());
+        QVERIFY(f.window.actions().action(ActionId::SingleMode)->isChecked());
+        // The Tab key reaches the checked one, an arrow key goes on from there.
+        QVERIFY(!(presets.focusPolicy() & Qt::TabFocus));
+        QTest::keyClick(&single, Qt::Key_Right);
+        QVERIFY(!f.applied.isInSingleMode() && f.allTable.isVisible());
+        f.applied.modeDidChange(AppliedPresets::Mode::Single); // by the menu
+        QVERIFY(single.isChecked() && !f.allTable.isVisible());
     }
 
     void appliesAndRemoves()
     {
-        Fixture f;
-        PresetListView &all = f.table("wPresetsAllTable");
-        PresetListView &applied = f.table("wPresetsAppliedTable");
+        Panel f;
+        PresetListView &all = f.allTable;
+        PresetListView &applied = f.appliedTable;
         const QAbstractItemModelTester tester(applied.model());
-        Fixture::mouse(all, 1, false);
-        Fixture::mouse(all, 3, false, Qt::ControlModifier);
+        Panel::mouse(all, 1, false);
+        Panel::mouse(all, 3, false, Qt::ControlModifier);
         QTest::keyClick(&all, Qt::Key_Return);
-        Fixture::mouse(all, 0, false);
-        Fixture::mouse(all, 1, false, Qt::ShiftModifier);
-        f.work.store.wPresetList().append(
+        Panel::mouse(all, 0, false);
+        Panel::mouse(all, 1, false, Qt::ShiftModifier);
+        f.files.store.wPresetList().append(
             {std::make_shared<WPreset>(WPresetValues{})}); // the selection stays
         QTest::keyClick(&all, Qt::Key_Return);
         QCOMPARE(f.appliedNames(), u"Two Four One"_qs);
@@ -102,10 +89,10 @@ private Q_SLOTS:
         QCOMPARE(applied.selectedRows(), IndexList({2}));
         f.applied.selectNeighborAppliedPreset(AppliedPresets::Neighbor::Next);
         QCOMPARE(applied.selectedRows(), IndexList({0}));
-        f.all[1]->setName(u"2"_qs);
+        f.presets[1]->setName(u"2"_qs);
         QCOMPARE(applied.model()->index(0, 0).data().toString(), u"2"_qs);
 
-        Fixture::mouse(applied, 2, false, Qt::ControlModifier);
+        Panel::mouse(applied, 2, false, Qt::ControlModifier);
         QCOMPARE(f.applied.selectedRows(), IndexList({0, 2}));
         QTest::keyClick(&applied, Qt::Key_Delete);
         QCOMPARE(f.appliedNames(), u"Four"_qs);
@@ -113,25 +100,25 @@ private Q_SLOTS:
 
         // A double click finds the preset among all, and opens their manager.
         int opened = 0;
-        f.actions.setHandler(ActionId::ToggleWatermarkPresets, [&] { ++opened; });
+        f.window.actions().setHandler(ActionId::ToggleWatermarkPresets, [&] { ++opened; });
         f.mouse(applied, 0, true);
         QCOMPARE(all.selectedRows(), IndexList({3}));
         QCOMPARE(opened, 1);
 
         // The list follows the store.
         const QAbstractItemModelTester allTester(all.model());
-        f.work.store.wPresetList().move({3}, 0);
+        f.files.store.wPresetList().move({3}, 0);
         QCOMPARE(all.selectedRows(), IndexList({0}));
-        f.work.store.wPresetList().remove({0, 1});
-        QCOMPARE(names(f.panel.selectedWPresets()), QString());
+        f.files.store.wPresetList().remove({0, 1});
+        QCOMPARE(all.selectedRows(), IndexList());
         QCOMPARE(all.model()->index(0, 0).data().toString(), u"2"_qs);
     }
 
     void reordersOnlyItsOwnRows()
     {
-        Fixture f;
-        f.applied.addWPresetsToApplied(f.all);
-        PresetListView &applied = f.table("wPresetsAppliedTable");
+        Panel f;
+        f.applied.addWPresetsToApplied(f.presets);
+        PresetListView &applied = f.appliedTable;
         auto &model = *applied.model();
         const std::unique_ptr<QMimeData> rows(model.mimeData({model.index(1, 0), model.index(2, 0)}));
         QCOMPARE(PresetListModel::draggedRows(rows.get()), IndexList({1, 2}));
@@ -149,7 +136,7 @@ private Q_SLOTS:
 
         // Two rows by the pointer below the last one.
         applied.selectRows({1, 2});
-        QVERIFY(QTest::qWaitForWindowExposed(&f.panel));
+        QVERIFY(QTest::qWaitForWindowExposed(&f.window));
         const auto at = [&](int row, int y) {
             return applied.viewport()->mapToGlobal(applied.visualRect(model.index(row, 0)).center() +
                                                    QPoint(0, y));

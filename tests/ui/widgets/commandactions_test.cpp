@@ -88,8 +88,8 @@ private Q_SLOTS:
                         {"lL", {LoadPreset}}});
     }
 
-    /// Each command needs exactly what its row says; a menu item needs, besides, that nothing is being saved,
-    /// unless it is about the program. A command that is not possible does not run, whoever calls it.
+    /// Each command has exactly the needs of its row. A menu item is also disabled during a save, unless it
+    /// is about the program. A command that is not possible does not run.
     void needs()
     {
         const auto [needed, ids] = currentRow<Needs>();

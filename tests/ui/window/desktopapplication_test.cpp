@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/workingset.h"
+#include "ui/messageboxes.h"
+#include "ui/window/applicationservice.h"
+#include "ui/window/desktopapplication.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QTimer>
+
+using namespace plexa;
+using namespace plexa::test;
+
+class DesktopApplicationTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    /// A save of a rotated photo waits for memory. The test holds all of it until the user has answered.
+    void asksBeforeItQuitsDuringASave()
+    {
+        WorkingSet files;
+        const QString copies = files.folder.path("copies");
+        files.defaults.setObject(settings::savingDirectory, copies);
+        files.defaults.setObject(settings::saveAllToOneDirectory, true);
+        const auto photo = std::make_shared<ImageObject>(files.photo("a.png", {640, 480}), files.photos);
+        QVERIFY(photo->loadImageFromDisk());
+        photo->transformOriginalImageWithOperation(static_cast<int>(ImageTransform::RotateClockwise));
+        ApplicationService service;
+        {
+            DesktopApplication program(service);
+            MainWindow &window = program.window();
+            program.launch({});
+            QVERIFY(QTest::qWaitForWindowActive(&window));
+            auto memory = files.photos.budget.reserve(files.photos.budget.total());
+            QVERIFY(memory && program.controller().startSaving({photo}));
+
+            QString question;
+            const auto quit = [&](qsizetype button) {
+                withNextBox([&question, button](QMessageBox &box) {
+                    question = box.text();
+                    box.buttons().at(button)->click();
+                });
+                QTest::keyClick(&window, Qt::Key_Q, Qt::ControlModifier);
+            };
+            quit(0);
+            QCOMPARE(question, u"Photos are being saved"_qs);
+            QVERIFY(window.isVisible() && program.controller().batchSave().isSavingInProgress());
+            question.clear();
+            QVERIFY(QTest::qWaitForWindowActive(&window));
+            QTimer::singleShot(0, this, [&] { quit(1); });
+            QCOMPARE(QApplication::exec(), 0);
+            QCOMPARE(question, u"Photos are being saved"_qs);
+            QVERIFY(!window.isVisible() && namesIn(copies).isEmpty());
+            memory->release();
+        }
+        QCOMPARE(namesIn(copies).size(), 1); // the photo in work was completed
+    }
+};
+
+QTEST_MAIN(DesktopApplicationTest)
+#include "desktopapplication_test.moc"
