@@ -6,6 +6,8 @@
 #include "platform/localeformat.h"
 #include "platform/numbervalues.h"
 
+#include <QTimeZone>
+
 #include <cmath>
 
 namespace plexa
@@ -13,6 +15,20 @@ namespace plexa
 
 namespace
 {
+
+constexpr MetadataPropertyRow kRows[] = {
+#define PLEXA_ROW(getter, setter, form, kind, group, key, label, isEditable)                                 \
+    {#getter, label, MetadataForm::form, MetadataKind::kind, MetadataGroup::group, key, isEditable},
+    PLEXA_METADATA_PROPERTIES(PLEXA_ROW)
+#undef PLEXA_ROW
+};
+
+using enum MetadataProperty;
+
+constexpr MetadataProperty kTwins[][2] = {
+    {orientation, tiffOrientation}, {dpiWidth, tiffXResolution}, {dpiHeight, tiffYResolution},
+    {iptcCopyright, tiffCopyright}, {iptcCreator, tiffArtist},   {iptcDescription, tiffDescription},
+};
 
 void setOrRemove(QVariantMap &dictionary, const QString &key, const QVariant &value)
 {
@@ -44,7 +60,69 @@ QVariant validQuality(const QVariant &value)
     return isInside ? value : QVariant(kDefaultQuality);
 }
 
+/// Degrees, minutes and seconds, each with the sign of the number, then the letter.
+QVariant latitudeOrLongitudeString(const QVariant &number, const QVariant &reference)
+{
+    if (!number.isValid())
+        return {};
+    constexpr double kGreatest = 1e9; // beyond it a whole part does not fit an int
+    const double value = number.toDouble();
+    if (!(std::abs(value) < kGreatest))
+        return {};
+    const int degrees = static_cast<int>(value);
+    const double rest = (value - degrees) * 60;
+    const int minutes = static_cast<int>(rest);
+    const double seconds = (rest - minutes) * 60;
+    QString text = QString::asprintf("%d\u00B0 %d' %.3f\"", degrees, minutes, seconds);
+    if (reference.isValid())
+        text += u' ' + reference.toString();
+    return text;
+}
+
+/// In the local time zone, or in one that shows the same clock if the local one skips that hour. Invalid: not
+/// an EXIF date.
+QDateTime exifDateTimeFromString(const QString &text)
+{
+    constexpr qsizetype kDateLength = 10;
+    const QString format = ImageMetadata::exifDateTimeFormatter();
+    const QDate date = QDate::fromString(text.left(kDateLength), format.left(kDateLength));
+    const QTime time = QTime::fromString(text.mid(kDateLength), format.mid(kDateLength));
+    if (!date.isValid() || !time.isValid())
+        return {};
+    const QDateTime local(date, time);
+    if (local.isValid())
+        return local;
+    // The hour that the local clock skips in spring: cameras in other zones have it. The offset only has to
+    // be one that makes the clock show this time.
+    return QDateTime(date, time, QTimeZone(QDateTime(date.addDays(-1), time).offsetFromUtc()));
+}
+
+QVariant dateText(const QDateTime &when)
+{
+    return when.isValid() ? QVariant(onItsWallClock(when).toString(ImageMetadata::exifDateTimeFormatter()))
+                          : QVariant();
+}
+
 } // namespace
+
+std::span<const MetadataPropertyRow> metadataProperties()
+{
+    return kRows;
+}
+
+const MetadataPropertyRow &metadataProperty(MetadataProperty property)
+{
+    return kRows[static_cast<size_t>(property)];
+}
+
+std::optional<MetadataProperty> twinOf(MetadataProperty property)
+{
+    for (const auto &[top, nested] : kTwins) {
+        if (top == property || nested == property)
+            return top == property ? nested : top;
+    }
+    return {};
+}
 
 ImageMetadata::ImageMetadata(const QVariantMap &source)
     : m_properties(source)
@@ -146,7 +224,7 @@ QDateTime ImageMetadata::exifDateTimeOriginal() const
 
 void ImageMetadata::setExifDateTimeOriginal(const QDateTime &when)
 {
-    setExifDateTimeOriginalStr(when.isValid() ? QVariant(exifStringFromDateTime(when)) : QVariant());
+    setExifDateTimeOriginalStr(dateText(when));
 }
 
 QDateTime ImageMetadata::exifDateTimeDigitized() const
@@ -156,7 +234,7 @@ QDateTime ImageMetadata::exifDateTimeDigitized() const
 
 void ImageMetadata::setExifDateTimeDigitized(const QDateTime &when)
 {
-    setExifDateTimeDigitizedStr(when.isValid() ? QVariant(exifStringFromDateTime(when)) : QVariant());
+    setExifDateTimeDigitizedStr(dateText(when));
 }
 
 bool ImageMetadata::gpsLowerThanSeaLevel() const
@@ -169,6 +247,45 @@ QVariant ImageMetadata::exifExposureTimeStr(const LocaleFormat &locale) const
     const QVariant seconds = exifExposureTime();
     constexpr int kMaxDecimals = 4;
     return seconds.isValid() ? QVariant(locale.decimal(seconds.toDouble(), kMaxDecimals)) : QVariant();
+}
+
+QVariant ImageMetadata::exifExposureProgramStr() const
+{
+    static constexpr const char *kNames[] = {"undefined",         "manual",           "normal program",
+                                             "aperture priority", "shutter priority", "creative program",
+                                             "action program",    "portrait mode",    "landscape mode"};
+    const QVariant program = exifExposureProgram();
+    if (!program.isValid())
+        return {};
+    const qlonglong code = program.toLongLong();
+    if (code < 0 || code >= static_cast<qlonglong>(std::size(kNames)))
+        return QStringLiteral("unknown");
+    return QString(QLatin1StringView(kNames[code]));
+}
+
+QVariant ImageMetadata::exifMeteringModeStr() const
+{
+    static constexpr const char *kNames[] = {
+        "average", "center-weighted average", "spot", "multi-spot", "pattern", "partial"};
+    const QVariant mode = exifMeteringMode();
+    if (!mode.isValid())
+        return {};
+    const qlonglong code = mode.toLongLong();
+    if (code == 255)
+        return QStringLiteral("other");
+    if (code < 1 || code > static_cast<qlonglong>(std::size(kNames)))
+        return QStringLiteral("unknown");
+    return QString(QLatin1StringView(kNames[code - 1]));
+}
+
+QVariant ImageMetadata::gpsLatitudeFull() const
+{
+    return latitudeOrLongitudeString(gpsLatitude(), gpsLatitudeRef());
+}
+
+QVariant ImageMetadata::gpsLongitudeFull() const
+{
+    return latitudeOrLongitudeString(gpsLongitude(), gpsLongitudeRef());
 }
 
 QVariant ImageMetadata::gpsAltitudeString() const

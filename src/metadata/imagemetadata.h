@@ -4,7 +4,6 @@
 
 #include "metadata/clearedgroups.h"
 #include "metadata/imagemetadataproperties.h"
-#include "metadata/metadatastrings.h"
 
 #include <QDateTime>
 #include <QString>
@@ -47,48 +46,8 @@ public:
     }
     void setValueForKey(MetadataGroup group, const QVariant &value, const QString &key);
 
-    // Accessors of the rows: QVariant iptcCity() const, void setIptcCity(const QVariant &), and so on.
-#define PLEXA_ACCESSORS(getter, setter, ...)                                                                 \
-    QVariant getter() const                                                                                  \
-    {                                                                                                        \
-        return value(MetadataProperty::getter);                                                              \
-    }                                                                                                        \
-    void setter(const QVariant &newValue)                                                                    \
-    {                                                                                                        \
-        setValue(MetadataProperty::getter, newValue);                                                        \
-    }
-    PLEXA_METADATA_PROPERTIES(PLEXA_ACCESSORS)
-#undef PLEXA_ACCESSORS
-
-    // Accessors of the dictionaries: QVariantMap iptcData() const, QVariant iptcValueForKey(key) const,
-    // void setIptcValue(value, key), and so on.
-#define PLEXA_DICTIONARY(data, getter, setter, group)                                                        \
-    QVariantMap data() const                                                                                 \
-    {                                                                                                        \
-        return dictionary(MetadataGroup::group);                                                             \
-    }                                                                                                        \
-    QVariant getter(const QString &key) const                                                                \
-    {                                                                                                        \
-        return valueForKey(MetadataGroup::group, key);                                                       \
-    }                                                                                                        \
-    void setter(const QVariant &newValue, const QString &key)                                                \
-    {                                                                                                        \
-        setValueForKey(MetadataGroup::group, newValue, key);                                                 \
-    }
-    PLEXA_DICTIONARY(tiffData, tiffValueForKey, setTiffValue, Tiff)
-    PLEXA_DICTIONARY(exifData, exifValueForKey, setExifValue, Exif)
-    PLEXA_DICTIONARY(exifAuxData, exifAuxValueForKey, setExifAuxValue, ExifAux)
-    PLEXA_DICTIONARY(iptcData, iptcValueForKey, setIptcValue, Iptc)
-    PLEXA_DICTIONARY(iptcContactData, iptcContactValueForKey, setIptcContactValue, Contact)
-#undef PLEXA_DICTIONARY
-    QVariantMap gpsData() const
-    {
-        return dictionary(MetadataGroup::Gps);
-    }
-    QVariant gpsValueForKey(const QString &key) const
-    {
-        return valueForKey(MetadataGroup::Gps, key);
-    }
+    QVariantMap gpsData() const { return dictionary(MetadataGroup::Gps); }
+    QVariant gpsValueForKey(const QString &key) const { return valueForKey(MetadataGroup::Gps, key); }
     void setImagePropertiesValue(const QVariant &value, const QString &key)
     {
         setValueForKey(MetadataGroup::Top, value, key);
@@ -97,18 +56,9 @@ public:
     static int correctedOrientationForValue(const QVariant &value);
     /// The value itself where its whole part is above 0, else 72.
     static QVariant correctedDPIForValue(const QVariant &value);
-    int orientationCorrected() const
-    {
-        return correctedOrientationForValue(orientation());
-    }
-    double dpiWidthCorrected() const
-    {
-        return correctedDPIForValue(dpiWidth()).toDouble();
-    }
-    double dpiHeightCorrected() const
-    {
-        return correctedDPIForValue(dpiHeight()).toDouble();
-    }
+    int orientationCorrected() const { return correctedOrientationForValue(orientation()); }
+    double dpiWidthCorrected() const { return correctedDPIForValue(dpiWidth()).toDouble(); }
+    double dpiHeightCorrected() const { return correctedDPIForValue(dpiHeight()).toDouble(); }
 
     /// Capture and scan time: the clock that the photo's camera showed, in the local time zone (in one of a
     /// fixed offset where the local clock skips that hour); invalid when absent or not an EXIF date. The
@@ -119,31 +69,17 @@ public:
     void setExifDateTimeDigitized(const QDateTime &when);
 
     /// The form of EXIF dates as QDateTime::toString() reads it: "yyyy:MM:dd HH:mm:ss".
-    static QString exifDateTimeFormatter()
-    {
-        return plexa::exifDateTimeFormatter();
-    }
+    static QString exifDateTimeFormatter() { return QStringLiteral("yyyy:MM:dd HH:mm:ss"); }
 
     bool gpsLowerThanSeaLevel() const;
 
     /// Texts for people; invalid where the value is absent.
     QVariant exifExposureTimeStr(const LocaleFormat &locale) const; ///< at most 4 decimals
-    QVariant exifExposureProgramStr() const
-    {
-        return exposureProgramString(exifExposureProgram());
-    }
-    QVariant exifMeteringModeStr() const
-    {
-        return meteringModeString(exifMeteringMode());
-    }
-    QVariant gpsLatitudeFull() const
-    {
-        return latitudeOrLongitudeString(gpsLatitude(), gpsLatitudeRef());
-    }
-    QVariant gpsLongitudeFull() const
-    {
-        return latitudeOrLongitudeString(gpsLongitude(), gpsLongitudeRef());
-    }
+    QVariant exifExposureProgramStr() const;                        ///< "normal program"
+    QVariant exifMeteringModeStr() const;                           ///< "spot"
+    /// 48° 51' 30.240" N; each part keeps the sign of a negative number.
+    QVariant gpsLatitudeFull() const;
+    QVariant gpsLongitudeFull() const;
     QVariant gpsAltitudeString() const;
     QVariant gpsImageDirection() const;
     QVariant gpsTimeStamp() const;
@@ -156,10 +92,31 @@ public:
     void clearTiffDataKeepCopyright(bool keepCopyright, bool keepContactInfo);
 
     /// The groups that have been cleared; a writer also clears what the dictionary does not model.
-    ClearedGroups clearedGroups() const
-    {
-        return m_cleared;
-    }
+    ClearedGroups clearedGroups() const { return m_cleared; }
+
+    // clang-format off
+
+    // Accessors of the rows: QVariant iptcCity() const, void setIptcCity(const QVariant &), and so on.
+#define PLEXA_ACCESSORS(getter, setter, ...) \
+    QVariant getter() const { return value(MetadataProperty::getter); } \
+    void setter(const QVariant &newValue) { setValue(MetadataProperty::getter, newValue); }
+    PLEXA_METADATA_PROPERTIES(PLEXA_ACCESSORS)
+#undef PLEXA_ACCESSORS
+
+    // Accessors of the dictionaries: QVariantMap iptcData() const, QVariant iptcValueForKey(key) const,
+    // void setIptcValue(value, key), and so on.
+#define PLEXA_DICTIONARY(data, getter, setter, group) \
+    QVariantMap data() const { return dictionary(MetadataGroup::group); } \
+    QVariant getter(const QString &key) const { return valueForKey(MetadataGroup::group, key); } \
+    void setter(const QVariant &newValue, const QString &key) { setValueForKey(MetadataGroup::group, newValue, key); }
+    PLEXA_DICTIONARY(tiffData, tiffValueForKey, setTiffValue, Tiff)
+    PLEXA_DICTIONARY(exifData, exifValueForKey, setExifValue, Exif)
+    PLEXA_DICTIONARY(exifAuxData, exifAuxValueForKey, setExifAuxValue, ExifAux)
+    PLEXA_DICTIONARY(iptcData, iptcValueForKey, setIptcValue, Iptc)
+    PLEXA_DICTIONARY(iptcContactData, iptcContactValueForKey, setIptcContactValue, Contact)
+#undef PLEXA_DICTIONARY
+
+    // clang-format on
 
 private:
     QVariantMap m_properties;

@@ -5,6 +5,8 @@
 #include "metadata/metadatafields.h"
 #include "metadata/propertykeys.h"
 
+#include <QtGlobal>
+
 #include <optional>
 #include <span>
 
@@ -29,67 +31,67 @@ enum class MetadataForm {
 /// getter, setter, form, kind, group, key, label for people, may people edit it.
 /// From this table the accessors of ImageMetadata, MetadataProperty and metadataProperties() are made.
 #define PLEXA_METADATA_PROPERTIES(P) \
-    P(orientation, setOrientation, Orientation, Integer, Top, kCGImagePropertyOrientation, "Orientation", false) \
-    P(dpiWidth, setDpiWidth, Resolution, Number, Top, kCGImagePropertyDPIWidth, "Horizontal resolution", false) \
-    P(dpiHeight, setDpiHeight, Resolution, Number, Top, kCGImagePropertyDPIHeight, "Vertical resolution", false) \
-    P(compressionQuality, setCompressionQuality, Quality, Number, Top, kCGImageDestinationLossyCompressionQuality, "Quality", false) \
-    P(bitDepth, setBitDepth, Plain, Integer, Top, kCGImagePropertyDepth, "Bit depth", false) \
-    P(colorModel, setColorModel, Plain, Text, Top, kCGImagePropertyColorModel, "Color model", false) \
-    P(iccProfileName, setIccProfileName, Plain, Text, Top, kCGImagePropertyProfileName, "ICC profile", false) \
-    P(exifDateTimeOriginalStr, setExifDateTimeOriginalStr, Plain, DateTime, Exif, kCGImagePropertyExifDateTimeOriginal, "Date taken", true) \
-    P(exifDateTimeDigitizedStr, setExifDateTimeDigitizedStr, Plain, DateTime, Exif, kCGImagePropertyExifDateTimeDigitized, "Date digitized", true) \
-    P(exifSubsecTimeOriginal, setExifSubsecTimeOriginal, Plain, Text, Exif, kCGImagePropertyExifSubsecTimeOrginal, "Subseconds taken", true) \
-    P(exifSubsecTimeDigitized, setExifSubsecTimeDigitized, Plain, Text, Exif, kCGImagePropertyExifSubsecTimeDigitized, "Subseconds digitized", true) \
-    P(exifExposureTime, setExifExposureTime, Plain, Number, Exif, kCGImagePropertyExifExposureTime, "Exposure time", true) \
-    P(exifFNumber, setExifFNumber, Plain, Number, Exif, kCGImagePropertyExifFNumber, "F-number", true) \
-    P(exifISOSpeed, setExifISOSpeed, First, IntegerList, Exif, kCGImagePropertyExifISOSpeedRatings, "ISO speed", true) \
-    P(exifFocalLength, setExifFocalLength, Plain, Number, Exif, kCGImagePropertyExifFocalLength, "Focal length", true) \
-    P(exifFocalLength35, setExifFocalLength35, Plain, Integer, Exif, kCGImagePropertyExifFocalLenIn35mmFilm, "Focal length (35 mm)", true) \
-    P(exifFlash, setExifFlash, Flash, Integer, Exif, kCGImagePropertyExifFlash, "Flash", true) \
-    P(exifExposureProgram, setExifExposureProgram, Plain, Integer, Exif, kCGImagePropertyExifExposureProgram, "Exposure program", true) \
-    P(exifExposureBias, setExifExposureBias, Plain, Number, Exif, kCGImagePropertyExifExposureBiasValue, "Exposure bias", true) \
-    P(exifMeteringMode, setExifMeteringMode, Plain, Integer, Exif, kCGImagePropertyExifMeteringMode, "Metering mode", true) \
-    P(exifUserComment, setExifUserComment, Plain, Comment, Exif, kCGImagePropertyExifUserComment, "User comment", true) \
-    P(exifLens, setExifLens, Plain, Text, ExifAux, kCGImagePropertyExifAuxLensModel, "Lens", true) \
-    P(exifLensID, setExifLensID, Plain, Integer, ExifAux, kCGImagePropertyExifAuxLensID, "Lens ID", true) \
-    P(exifCameraSerialNumber, setExifCameraSerialNumber, Plain, Text, ExifAux, kCGImagePropertyExifAuxSerialNumber, "Camera serial number", true) \
-    P(exifImageNumber, setExifImageNumber, Plain, Integer, ExifAux, kCGImagePropertyExifAuxImageNumber, "Image number", true) \
-    P(iptcHeadline, setIptcHeadline, Plain, Text, Iptc, kCGImagePropertyIPTCHeadline, "Headline", true) \
-    P(iptcTitle, setIptcTitle, Plain, Text, Iptc, kCGImagePropertyIPTCObjectName, "Title", true) \
-    P(iptcDescription, setIptcDescription, Plain, Text, Iptc, kCGImagePropertyIPTCCaptionAbstract, "Description", true) \
-    P(iptcCopyright, setIptcCopyright, Plain, Text, Iptc, kCGImagePropertyIPTCCopyrightNotice, "Copyright", true) \
-    P(iptcDescriptionWriter, setIptcDescriptionWriter, First, TextList, Iptc, kCGImagePropertyIPTCWriterEditor, "Description writer", true) \
-    P(iptcSublocation, setIptcSublocation, Plain, Text, Iptc, kCGImagePropertyIPTCSubLocation, "Sublocation", true) \
-    P(iptcCountry, setIptcCountry, Plain, Text, Iptc, kCGImagePropertyIPTCCountryPrimaryLocationName, "Country", true) \
-    P(iptcState, setIptcState, Plain, Text, Iptc, kCGImagePropertyIPTCProvinceState, "State", true) \
-    P(iptcCity, setIptcCity, Plain, Text, Iptc, kCGImagePropertyIPTCCity, "City", true) \
-    P(iptcCreator, setIptcCreator, First, TextList, Iptc, kCGImagePropertyIPTCByline, "Creator", true) \
-    P(iptcCreatorTitle, setIptcCreatorTitle, First, TextList, Iptc, kCGImagePropertyIPTCBylineTitle, "Creator's title", true) \
-    P(iptcCreatorEmail, setIptcCreatorEmail, Plain, Text, Contact, kCGImagePropertyIPTCContactInfoEmails, "Creator's e-mail", true) \
-    P(iptcCreatorWebsite, setIptcCreatorWebsite, Plain, Text, Contact, kCGImagePropertyIPTCContactInfoWebURLs, "Creator's website", true) \
-    P(iptcCreatorPhone, setIptcCreatorPhone, Plain, Text, Contact, kCGImagePropertyIPTCContactInfoPhones, "Creator's phone", true) \
-    P(iptcCreatorCountry, setIptcCreatorCountry, Plain, Text, Contact, kCGImagePropertyIPTCContactInfoCountry, "Creator's country", true) \
-    P(iptcCreatorState, setIptcCreatorState, Plain, Text, Contact, kCGImagePropertyIPTCContactInfoStateProvince, "Creator's state", true) \
-    P(iptcCreatorCity, setIptcCreatorCity, Plain, Text, Contact, kCGImagePropertyIPTCContactInfoCity, "Creator's city", true) \
-    P(iptcCreatorPostalCode, setIptcCreatorPostalCode, Plain, Text, Contact, kCGImagePropertyIPTCContactInfoPostalCode, "Creator's postal code", true) \
-    P(iptcCreatorAddress, setIptcCreatorAddress, Plain, Text, Contact, kCGImagePropertyIPTCContactInfoAddress, "Creator's address", true) \
-    P(tiffSoftware, setTiffSoftware, Plain, Text, Tiff, kCGImagePropertyTIFFSoftware, "Software", true) \
-    P(tiffCopyright, setTiffCopyright, Plain, Copyright, Tiff, kCGImagePropertyTIFFCopyright, "Copyright", true) \
-    P(tiffArtist, setTiffArtist, FirstOfText, Text, Tiff, kCGImagePropertyTIFFArtist, "Artist", true) \
-    P(tiffDescription, setTiffDescription, Plain, Text, Tiff, kCGImagePropertyTIFFImageDescription, "Description", true) \
-    P(tiffCompression, setTiffCompression, Plain, Integer, Tiff, kCGImagePropertyTIFFCompression, "Compression", false) \
-    P(tiffOrientation, setTiffOrientation, Orientation, Integer, Tiff, kCGImagePropertyTIFFOrientation, "Orientation", false) \
-    P(tiffCameraMake, setTiffCameraMake, Plain, Text, Tiff, kCGImagePropertyTIFFMake, "Camera make", true) \
-    P(tiffCameraModel, setTiffCameraModel, Plain, Text, Tiff, kCGImagePropertyTIFFModel, "Camera model", true) \
-    P(tiffXResolution, setTiffXResolution, Resolution, Number, Tiff, kCGImagePropertyTIFFXResolution, "Horizontal resolution", false) \
-    P(tiffYResolution, setTiffYResolution, Resolution, Number, Tiff, kCGImagePropertyTIFFYResolution, "Vertical resolution", false) \
-    P(tiffResolutionUnit, setTiffResolutionUnit, Plain, Integer, Tiff, kCGImagePropertyTIFFResolutionUnit, "Resolution unit", false) \
-    P(gpsLatitude, setGpsLatitude, ReadOnly, Degrees, Gps, kCGImagePropertyGPSLatitude, "Latitude", false) \
-    P(gpsLatitudeRef, setGpsLatitudeRef, ReadOnly, Text, Gps, kCGImagePropertyGPSLatitudeRef, "Latitude reference", false) \
-    P(gpsLongitude, setGpsLongitude, ReadOnly, Degrees, Gps, kCGImagePropertyGPSLongitude, "Longitude", false) \
-    P(gpsLongitudeRef, setGpsLongitudeRef, ReadOnly, Text, Gps, kCGImagePropertyGPSLongitudeRef, "Longitude reference", false) \
-    P(gpsAltitude, setGpsAltitude, ReadOnly, Number, Gps, kCGImagePropertyGPSAltitude, "Altitude", false) \
-    P(gpsDateStamp, setGpsDateStamp, ReadOnly, Text, Gps, kCGImagePropertyGPSDateStamp, "GPS date", false)
+    P(orientation, setOrientation, Orientation, Integer, Top, kCGImagePropertyOrientation, QT_TRANSLATE_NOOP("ImageMetadata", "Orientation"), false) \
+    P(dpiWidth, setDpiWidth, Resolution, Number, Top, kCGImagePropertyDPIWidth, QT_TRANSLATE_NOOP("ImageMetadata", "Horizontal resolution"), false) \
+    P(dpiHeight, setDpiHeight, Resolution, Number, Top, kCGImagePropertyDPIHeight, QT_TRANSLATE_NOOP("ImageMetadata", "Vertical resolution"), false) \
+    P(compressionQuality, setCompressionQuality, Quality, Number, Top, kCGImageDestinationLossyCompressionQuality, QT_TRANSLATE_NOOP("ImageMetadata", "Quality"), false) \
+    P(bitDepth, setBitDepth, Plain, Integer, Top, kCGImagePropertyDepth, QT_TRANSLATE_NOOP("ImageMetadata", "Bit depth"), false) \
+    P(colorModel, setColorModel, Plain, Text, Top, kCGImagePropertyColorModel, QT_TRANSLATE_NOOP("ImageMetadata", "Color model"), false) \
+    P(iccProfileName, setIccProfileName, Plain, Text, Top, kCGImagePropertyProfileName, QT_TRANSLATE_NOOP("ImageMetadata", "ICC profile"), false) \
+    P(exifDateTimeOriginalStr, setExifDateTimeOriginalStr, Plain, DateTime, Exif, kCGImagePropertyExifDateTimeOriginal, QT_TRANSLATE_NOOP("ImageMetadata", "Date taken"), true) \
+    P(exifDateTimeDigitizedStr, setExifDateTimeDigitizedStr, Plain, DateTime, Exif, kCGImagePropertyExifDateTimeDigitized, QT_TRANSLATE_NOOP("ImageMetadata", "Date digitized"), true) \
+    P(exifSubsecTimeOriginal, setExifSubsecTimeOriginal, Plain, Text, Exif, kCGImagePropertyExifSubsecTimeOrginal, QT_TRANSLATE_NOOP("ImageMetadata", "Subseconds taken"), true) \
+    P(exifSubsecTimeDigitized, setExifSubsecTimeDigitized, Plain, Text, Exif, kCGImagePropertyExifSubsecTimeDigitized, QT_TRANSLATE_NOOP("ImageMetadata", "Subseconds digitized"), true) \
+    P(exifExposureTime, setExifExposureTime, Plain, Number, Exif, kCGImagePropertyExifExposureTime, QT_TRANSLATE_NOOP("ImageMetadata", "Exposure time"), true) \
+    P(exifFNumber, setExifFNumber, Plain, Number, Exif, kCGImagePropertyExifFNumber, QT_TRANSLATE_NOOP("ImageMetadata", "F-number"), true) \
+    P(exifISOSpeed, setExifISOSpeed, First, IntegerList, Exif, kCGImagePropertyExifISOSpeedRatings, QT_TRANSLATE_NOOP("ImageMetadata", "ISO speed"), true) \
+    P(exifFocalLength, setExifFocalLength, Plain, Number, Exif, kCGImagePropertyExifFocalLength, QT_TRANSLATE_NOOP("ImageMetadata", "Focal length"), true) \
+    P(exifFocalLength35, setExifFocalLength35, Plain, Integer, Exif, kCGImagePropertyExifFocalLenIn35mmFilm, QT_TRANSLATE_NOOP("ImageMetadata", "Focal length (35 mm)"), true) \
+    P(exifFlash, setExifFlash, Flash, Integer, Exif, kCGImagePropertyExifFlash, QT_TRANSLATE_NOOP("ImageMetadata", "Flash"), true) \
+    P(exifExposureProgram, setExifExposureProgram, Plain, Integer, Exif, kCGImagePropertyExifExposureProgram, QT_TRANSLATE_NOOP("ImageMetadata", "Exposure program"), true) \
+    P(exifExposureBias, setExifExposureBias, Plain, Number, Exif, kCGImagePropertyExifExposureBiasValue, QT_TRANSLATE_NOOP("ImageMetadata", "Exposure bias"), true) \
+    P(exifMeteringMode, setExifMeteringMode, Plain, Integer, Exif, kCGImagePropertyExifMeteringMode, QT_TRANSLATE_NOOP("ImageMetadata", "Metering mode"), true) \
+    P(exifUserComment, setExifUserComment, Plain, Comment, Exif, kCGImagePropertyExifUserComment, QT_TRANSLATE_NOOP("ImageMetadata", "User comment"), true) \
+    P(exifLens, setExifLens, Plain, Text, ExifAux, kCGImagePropertyExifAuxLensModel, QT_TRANSLATE_NOOP("ImageMetadata", "Lens"), true) \
+    P(exifLensID, setExifLensID, Plain, Integer, ExifAux, kCGImagePropertyExifAuxLensID, QT_TRANSLATE_NOOP("ImageMetadata", "Lens ID"), true) \
+    P(exifCameraSerialNumber, setExifCameraSerialNumber, Plain, Text, ExifAux, kCGImagePropertyExifAuxSerialNumber, QT_TRANSLATE_NOOP("ImageMetadata", "Camera serial number"), true) \
+    P(exifImageNumber, setExifImageNumber, Plain, Integer, ExifAux, kCGImagePropertyExifAuxImageNumber, QT_TRANSLATE_NOOP("ImageMetadata", "Image number"), true) \
+    P(iptcHeadline, setIptcHeadline, Plain, Text, Iptc, kCGImagePropertyIPTCHeadline, QT_TRANSLATE_NOOP("ImageMetadata", "Headline"), true) \
+    P(iptcTitle, setIptcTitle, Plain, Text, Iptc, kCGImagePropertyIPTCObjectName, QT_TRANSLATE_NOOP("ImageMetadata", "Title"), true) \
+    P(iptcDescription, setIptcDescription, Plain, Text, Iptc, kCGImagePropertyIPTCCaptionAbstract, QT_TRANSLATE_NOOP("ImageMetadata", "Description"), true) \
+    P(iptcCopyright, setIptcCopyright, Plain, Text, Iptc, kCGImagePropertyIPTCCopyrightNotice, QT_TRANSLATE_NOOP("ImageMetadata", "Copyright"), true) \
+    P(iptcDescriptionWriter, setIptcDescriptionWriter, First, TextList, Iptc, kCGImagePropertyIPTCWriterEditor, QT_TRANSLATE_NOOP("ImageMetadata", "Description writer"), true) \
+    P(iptcSublocation, setIptcSublocation, Plain, Text, Iptc, kCGImagePropertyIPTCSubLocation, QT_TRANSLATE_NOOP("ImageMetadata", "Sublocation"), true) \
+    P(iptcCountry, setIptcCountry, Plain, Text, Iptc, kCGImagePropertyIPTCCountryPrimaryLocationName, QT_TRANSLATE_NOOP("ImageMetadata", "Country"), true) \
+    P(iptcState, setIptcState, Plain, Text, Iptc, kCGImagePropertyIPTCProvinceState, QT_TRANSLATE_NOOP("ImageMetadata", "State"), true) \
+    P(iptcCity, setIptcCity, Plain, Text, Iptc, kCGImagePropertyIPTCCity, QT_TRANSLATE_NOOP("ImageMetadata", "City"), true) \
+    P(iptcCreator, setIptcCreator, First, TextList, Iptc, kCGImagePropertyIPTCByline, QT_TRANSLATE_NOOP("ImageMetadata", "Creator"), true) \
+    P(iptcCreatorTitle, setIptcCreatorTitle, First, TextList, Iptc, kCGImagePropertyIPTCBylineTitle, QT_TRANSLATE_NOOP("ImageMetadata", "Creator's title"), true) \
+    P(iptcCreatorEmail, setIptcCreatorEmail, Plain, Text, Contact, kCGImagePropertyIPTCContactInfoEmails, QT_TRANSLATE_NOOP("ImageMetadata", "Creator's e-mail"), true) \
+    P(iptcCreatorWebsite, setIptcCreatorWebsite, Plain, Text, Contact, kCGImagePropertyIPTCContactInfoWebURLs, QT_TRANSLATE_NOOP("ImageMetadata", "Creator's website"), true) \
+    P(iptcCreatorPhone, setIptcCreatorPhone, Plain, Text, Contact, kCGImagePropertyIPTCContactInfoPhones, QT_TRANSLATE_NOOP("ImageMetadata", "Creator's phone"), true) \
+    P(iptcCreatorCountry, setIptcCreatorCountry, Plain, Text, Contact, kCGImagePropertyIPTCContactInfoCountry, QT_TRANSLATE_NOOP("ImageMetadata", "Creator's country"), true) \
+    P(iptcCreatorState, setIptcCreatorState, Plain, Text, Contact, kCGImagePropertyIPTCContactInfoStateProvince, QT_TRANSLATE_NOOP("ImageMetadata", "Creator's state"), true) \
+    P(iptcCreatorCity, setIptcCreatorCity, Plain, Text, Contact, kCGImagePropertyIPTCContactInfoCity, QT_TRANSLATE_NOOP("ImageMetadata", "Creator's city"), true) \
+    P(iptcCreatorPostalCode, setIptcCreatorPostalCode, Plain, Text, Contact, kCGImagePropertyIPTCContactInfoPostalCode, QT_TRANSLATE_NOOP("ImageMetadata", "Creator's postal code"), true) \
+    P(iptcCreatorAddress, setIptcCreatorAddress, Plain, Text, Contact, kCGImagePropertyIPTCContactInfoAddress, QT_TRANSLATE_NOOP("ImageMetadata", "Creator's address"), true) \
+    P(tiffSoftware, setTiffSoftware, Plain, Text, Tiff, kCGImagePropertyTIFFSoftware, QT_TRANSLATE_NOOP("ImageMetadata", "Software"), true) \
+    P(tiffCopyright, setTiffCopyright, Plain, Copyright, Tiff, kCGImagePropertyTIFFCopyright, QT_TRANSLATE_NOOP("ImageMetadata", "Copyright"), true) \
+    P(tiffArtist, setTiffArtist, FirstOfText, Text, Tiff, kCGImagePropertyTIFFArtist, QT_TRANSLATE_NOOP("ImageMetadata", "Artist"), true) \
+    P(tiffDescription, setTiffDescription, Plain, Text, Tiff, kCGImagePropertyTIFFImageDescription, QT_TRANSLATE_NOOP("ImageMetadata", "Description"), true) \
+    P(tiffCompression, setTiffCompression, Plain, Integer, Tiff, kCGImagePropertyTIFFCompression, QT_TRANSLATE_NOOP("ImageMetadata", "Compression"), false) \
+    P(tiffOrientation, setTiffOrientation, Orientation, Integer, Tiff, kCGImagePropertyTIFFOrientation, QT_TRANSLATE_NOOP("ImageMetadata", "Orientation"), false) \
+    P(tiffCameraMake, setTiffCameraMake, Plain, Text, Tiff, kCGImagePropertyTIFFMake, QT_TRANSLATE_NOOP("ImageMetadata", "Camera make"), true) \
+    P(tiffCameraModel, setTiffCameraModel, Plain, Text, Tiff, kCGImagePropertyTIFFModel, QT_TRANSLATE_NOOP("ImageMetadata", "Camera model"), true) \
+    P(tiffXResolution, setTiffXResolution, Resolution, Number, Tiff, kCGImagePropertyTIFFXResolution, QT_TRANSLATE_NOOP("ImageMetadata", "Horizontal resolution"), false) \
+    P(tiffYResolution, setTiffYResolution, Resolution, Number, Tiff, kCGImagePropertyTIFFYResolution, QT_TRANSLATE_NOOP("ImageMetadata", "Vertical resolution"), false) \
+    P(tiffResolutionUnit, setTiffResolutionUnit, Plain, Integer, Tiff, kCGImagePropertyTIFFResolutionUnit, QT_TRANSLATE_NOOP("ImageMetadata", "Resolution unit"), false) \
+    P(gpsLatitude, setGpsLatitude, ReadOnly, Degrees, Gps, kCGImagePropertyGPSLatitude, QT_TRANSLATE_NOOP("ImageMetadata", "Latitude"), false) \
+    P(gpsLatitudeRef, setGpsLatitudeRef, ReadOnly, Text, Gps, kCGImagePropertyGPSLatitudeRef, QT_TRANSLATE_NOOP("ImageMetadata", "Latitude reference"), false) \
+    P(gpsLongitude, setGpsLongitude, ReadOnly, Degrees, Gps, kCGImagePropertyGPSLongitude, QT_TRANSLATE_NOOP("ImageMetadata", "Longitude"), false) \
+    P(gpsLongitudeRef, setGpsLongitudeRef, ReadOnly, Text, Gps, kCGImagePropertyGPSLongitudeRef, QT_TRANSLATE_NOOP("ImageMetadata", "Longitude reference"), false) \
+    P(gpsAltitude, setGpsAltitude, ReadOnly, Number, Gps, kCGImagePropertyGPSAltitude, QT_TRANSLATE_NOOP("ImageMetadata", "Altitude"), false) \
+    P(gpsDateStamp, setGpsDateStamp, ReadOnly, Text, Gps, kCGImagePropertyGPSDateStamp, QT_TRANSLATE_NOOP("ImageMetadata", "GPS date"), false)
 
 // clang-format on
 
@@ -102,7 +104,7 @@ enum class MetadataProperty {
 
 struct MetadataPropertyRow {
     const char *name;  ///< "iptcCity"
-    const char *label; ///< "City", in English
+    const char *label; ///< "City", to be translated in the context "ImageMetadata"
     MetadataForm form;
     MetadataKind kind;
     MetadataGroup group;

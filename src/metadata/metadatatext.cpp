@@ -41,20 +41,11 @@ QString decodedUtf16(const QByteArray &bytes, bool fileIsBigEndian)
     return decoder(whole);
 }
 
-/// What Windows-1252 has where Latin-1 has control characters, bytes 0x80 to 0x9F.
-constexpr char16_t kWindowsOnly[] = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
-                                     0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
-                                     0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-                                     0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-
-QString decodedWindows1252(const QByteArray &bytes)
+/// In the character set of that name; Latin-1 where Qt does not know it.
+QString decodedBy(const char *characterSet, const QByteArray &bytes)
 {
-    QString text = QString::fromLatin1(bytes);
-    for (QChar &character : text) {
-        if (character.unicode() >= 0x80 && character.unicode() <= 0x9F)
-            character = QChar(kWindowsOnly[character.unicode() - 0x80]);
-    }
-    return text;
+    QStringDecoder decoder(characterSet);
+    return decoder.isValid() ? QString(decoder(bytes)) : QString::fromLatin1(bytes);
 }
 
 /// The part of ISO 8859 that an escape sequence puts into the upper half: "ESC - A" and so on, the second
@@ -65,54 +56,35 @@ const char *nameOfLatinSet(const QByteArray &characterSet)
         char final;
         const char *name;
     };
-    static constexpr Set kSets[] = {{'B', "ISO-8859-2"}, {'C', "ISO-8859-3"}, {'D', "ISO-8859-4"},
-                                    {'L', "ISO-8859-5"}, {'G', "ISO-8859-6"}, {'F', "ISO-8859-7"},
-                                    {'H', "ISO-8859-8"}, {'M', "ISO-8859-9"}, {'b', "ISO-8859-15"}};
+    static constexpr Set kSets[] = {{'A', "windows-1252"}, {'B', "ISO-8859-2"}, {'C', "ISO-8859-3"},
+                                    {'D', "ISO-8859-4"},   {'L', "ISO-8859-5"}, {'G', "ISO-8859-6"},
+                                    {'F', "ISO-8859-7"},   {'H', "ISO-8859-8"}, {'M', "ISO-8859-9"},
+                                    {'b', "ISO-8859-15"}};
     if (characterSet.size() < 3 || characterSet[0] != '\x1B' ||
         !QByteArrayView("-./").contains(characterSet[1]))
         return nullptr;
-    for (const Set &set : kSets) {
-        if (set.final == characterSet[2])
-            return set.name;
-    }
-    return nullptr;
-}
-
-bool isBlank(const QString &text)
-{
-    return std::all_of(text.begin(), text.end(), [](QChar character) { return character.isSpace(); });
-}
-
-QByteArray upToNul(const QByteArray &bytes)
-{
-    const qsizetype end = bytes.indexOf('\0');
-    return end < 0 ? bytes : bytes.left(end);
+    const auto set = std::ranges::find(kSets, characterSet[2], &Set::final);
+    return set == std::end(kSets) ? nullptr : set->name;
 }
 
 } // namespace
 
 QString decodedText(const QByteArray &bytes)
 {
-    return bytes.isValidUtf8() ? QString::fromUtf8(bytes) : decodedWindows1252(bytes);
+    return bytes.isValidUtf8() ? QString::fromUtf8(bytes) : decodedBy("windows-1252", bytes);
 }
 
 QString decodedIptcText(const QByteArray &bytes, const QByteArray &characterSet)
 {
     const char *name = nameOfLatinSet(characterSet);
-    if (name) {
-        QStringDecoder decoder(name);
-        if (decoder.isValid())
-            return decoder(bytes);
-    }
-    if (characterSet.startsWith("\x1B-A") || characterSet.startsWith("\x1B.A"))
-        return decodedWindows1252(bytes);
-    return decodedText(bytes);
+    return name ? decodedBy(name, bytes) : decodedText(bytes);
 }
 
-QString decodedIptcField(const QByteArray &bytes, const QByteArray &characterSet)
+QString decodedField(const QByteArray &bytes, const QByteArray &characterSet)
 {
-    const QString text = decodedIptcText(upToNul(bytes), characterSet);
-    return isBlank(text) ? QString() : text;
+    const size_t length = qstrnlen(bytes.constData(), static_cast<size_t>(bytes.size()));
+    const QString text = decodedIptcText(bytes.left(static_cast<qsizetype>(length)), characterSet);
+    return text.trimmed().isEmpty() ? QString() : text;
 }
 
 QString trimmedAtEnd(QString text)
@@ -142,12 +114,6 @@ QString xmlText(const QString &text)
         }
     }
     return allowed;
-}
-
-QString decodedField(const QByteArray &bytes)
-{
-    const QString text = decodedText(upToNul(bytes));
-    return isBlank(text) ? QString() : text;
 }
 
 QString decodedComment(const QByteArray &bytes, bool fileIsBigEndian)

@@ -17,11 +17,8 @@ QString decodedText(const QByteArray &bytes);
 ///                      decodedText(). So is a text that is not the UTF-8 that the record promises.
 QString decodedIptcText(const QByteArray &bytes, const QByteArray &characterSet);
 
-/// The same of a padded field, as decodedField().
-QString decodedIptcField(const QByteArray &bytes, const QByteArray &characterSet);
-
-/// A padded field: up to its first NUL, as decodedText(). A field of nothing but blanks gives an empty text.
-QString decodedField(const QByteArray &bytes);
+/// A padded field: up to its first NUL, as decodedIptcText(). A field of blanks gives an empty text.
+QString decodedField(const QByteArray &bytes, const QByteArray &characterSet = {});
 
 /// Without blanks and NULs at the end.
 QString trimmedAtEnd(QString text);

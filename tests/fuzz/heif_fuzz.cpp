@@ -2,7 +2,7 @@
 
 #include "fuzz/codecfuzzing.h"
 #include "imageio/codecs/heif/heifcodec.h"
-#include "imageio/embedded/heifmetadata.h"
+#include "imageio/embedded/metadatablocks.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
@@ -11,6 +11,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
     QBuffer device(&bytes);
     device.open(QIODevice::ReadOnly);
-    plexa::readHeifBlocks(device);
+    plexa::readMetadataBlocks(device);
     return 0;
 }

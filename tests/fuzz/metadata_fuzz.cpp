@@ -48,7 +48,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     iptc.insert(kCGImagePropertyIPTCObjectName, QString(QChar(0x416)));
     properties.insert(kCGImagePropertyIPTCDictionary, iptc);
     metadata->encodeForCopy(properties, facts);
+    facts.cleared = ClearedGroup::Tiff | ClearedGroup::Exif | ClearedGroup::Gps | ClearedGroup::Iptc;
     metadata->encodeForCopy({}, facts);
+    facts.cleared = {};
     facts.holdsExif = facts.holdsIptc = false;
     metadata->encodeForCopy(properties, facts);
     return 0;

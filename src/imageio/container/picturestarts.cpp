@@ -40,16 +40,15 @@ bool beginsAsPicture(std::string_view bytes)
 
 } // namespace
 
-bool holdsPictureStart(const char *data, size_t size)
+bool holdsPictureStart(QByteArrayView bytes)
 {
-    const std::string_view bytes(data, size);
-    return bytes.find("\xFF\xD8\xFF"sv) != bytes.npos || bytes.find("\x89PNG\r\n\x1A\n"sv) != bytes.npos;
+    return bytes.contains("\xFF\xD8\xFF") || bytes.contains("\x89PNG\r\n\x1A\n");
 }
 
 bool isPictureValue(const QByteArray &value)
 {
-    const auto size = static_cast<size_t>(value.size());
-    return holdsPictureStart(value.constData(), size) || beginsAsPicture({value.constData(), size});
+    return holdsPictureStart(value) ||
+           beginsAsPicture({value.constData(), static_cast<size_t>(value.size())});
 }
 
 } // namespace plexa

@@ -8,7 +8,7 @@ namespace plexa
 {
 
 /// Does a JPEG or PNG begin anywhere in these bytes?
-bool holdsPictureStart(const char *data, size_t size);
+bool holdsPictureStart(QByteArrayView bytes);
 
 /// Is this value a picture: does a JPEG or PNG begin anywhere in it, or does it begin like a file of another
 /// picture format (TIFF, GIF, WebP, HEIF, AVIF, JPEG XL, JPEG 2000, BMP)?

@@ -4,21 +4,23 @@
 
 #include "imageio/container/imageresources.h"
 #include "imageio/container/picturestarts.h"
-#include "imageio/embedded/exif/apexvalues.h"
 #include "imageio/embedded/exif/embeddedpictures.h"
 #include "imageio/embedded/exif/exifencoding.h"
-#include "imageio/embedded/exif/pictureregions.h"
+#include "imageio/embedded/exif/exifvalues.h"
+#include "imageio/embedded/metadatablocks.h"
 #include "imageio/embedded/metadatachanges.h"
 #include "imageio/embedded/metadataclearing.h"
 #include "imageio/embedded/metadatareading.h"
+#include "imageio/embedded/metadatavalues.h"
 #include "imageio/embedded/xmp/iptctoxmp.h"
-#include "imageio/embedded/xmp/xmpencoding.h"
 #include "metadata/metadatafields.h"
 #include "metadata/propertykeys.h"
+#include "metadata/propertyvalues.h"
 
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <cmath>
 
 namespace plexa
 {
@@ -26,28 +28,78 @@ namespace plexa
 namespace
 {
 
-bool hasGroup(const Exiv2::ExifData &exif, const char *group)
+struct ApexPair {
+    QLatin1StringView plain;
+    QLatin1StringView exponent;
+    double factor; ///< exponent = factor * log2(plain)
+};
+
+constexpr ApexPair kApexPairs[] = {
+    {kCGImagePropertyExifFNumber, kCGImagePropertyExifApertureValue, 2},
+    {kCGImagePropertyExifExposureTime, kCGImagePropertyExifShutterSpeedValue, -1},
+};
+
+/// EXIF holds aperture and exposure time a second time as exponents of two (EXIF 2.3, annex C). Where an edit
+/// changed or removed a plain value and left its exponent, the exponent follows.
+QVariantMap withAgreeingApexValues(const QVariantMap &before, QVariantMap after)
 {
-    return std::any_of(exif.begin(), exif.end(),
-                       [group](const Exiv2::Exifdatum &datum) { return datum.groupName() == group; });
+    const QVariantMap oldExif = groupDictionary(before, MetadataGroup::Exif);
+    QVariantMap exif = groupDictionary(after, MetadataGroup::Exif);
+    for (const ApexPair &pair : kApexPairs) {
+        const QVariant plain = exif.value(pair.plain);
+        if (!exif.contains(pair.exponent) || samePropertyValue(oldExif.value(pair.plain), plain) ||
+            !samePropertyValue(oldExif.value(pair.exponent), exif.value(pair.exponent)))
+            continue;
+        const double exponent = pair.factor * std::log2(plain.toDouble());
+        // A millionth of a stop, so that it is a fraction of small numbers.
+        if (std::isfinite(exponent) && !rationalText(plain.toDouble()).isEmpty())
+            exif.insert(pair.exponent, std::round(exponent * 1e6) / 1e6);
+        else
+            exif.remove(pair.exponent);
+        after.insert(kCGImagePropertyExifDictionary, exif);
+    }
+    return after;
+}
+
+/// Removes EXIF's subject area and location, which name a place of the picture.
+void eraseRegionsFromExif(Exiv2::ExifData &exif)
+{
+    eraseExifFields(exif,
+                    {"Exif.Photo.SubjectArea", "Exif.Photo.SubjectLocation", "Exif.Image.SubjectLocation"});
+}
+
+/// Removes the same of XMP, and the regions of faces and people (Metadata Working Group, Microsoft and two
+/// photo managers).
+/// @return have regions of people been removed?
+bool eraseRegionsFromXmp(Exiv2::XmpData &xmp)
+{
+    eraseXmpProperty(xmp, "Xmp.exif.SubjectArea");
+    eraseXmpProperty(xmp, "Xmp.exif.SubjectLocation");
+    bool hadPeople = eraseXmpProperty(xmp, "Xmp.mwg-rs.Regions");
+    hadPeople = eraseXmpProperty(xmp, "Xmp.MP.RegionInfo") || hadPeople;
+    return eraseMetadataIf(xmp,
+                           [](const Exiv2::Xmpdatum &datum) {
+                               return datum.groupName() == "acdsee-rs" || datum.groupName() == "apple-fi";
+                           }) ||
+           hadPeople;
 }
 
 void describePictureInExif(Exiv2::ExifData &exif, QSize size)
 {
     exif["Exif.Image.Orientation"] = uint16_t{1};
-    const auto colorSpace = exif.findKey(Exiv2::ExifKey("Exif.Photo.ColorSpace"));
-    if (colorSpace != exif.end() && colorSpace->toLong() != 1)
+    const Exiv2::Exifdatum *colorSpace = exifDatum(exif, "Exif.Photo.ColorSpace");
+    if (colorSpace && colorSpace->toLong() != 1)
         eraseExifFields(exif, {"Exif.Image.WhitePoint", "Exif.Image.PrimaryChromaticities",
                                "Exif.Image.TransferFunction", "Exif.Image.YCbCrCoefficients",
                                "Exif.Photo.Gamma", "Exif.Photo.0xa500"});
-    if (hasGroup(exif, "Photo")) {
+    if (hasExifGroup(exif, "Photo")) {
         exif["Exif.Photo.ColorSpace"] = uint16_t{1};
         exif["Exif.Photo.PixelXDimension"] = static_cast<uint32_t>(size.width());
         exif["Exif.Photo.PixelYDimension"] = static_cast<uint32_t>(size.height());
     }
-    const auto interoperability = exif.findKey(Exiv2::ExifKey("Exif.Iop.InteroperabilityIndex"));
-    if (interoperability != exif.end() && interoperability->toString().starts_with("R03"))
-        interoperability->setValue("R98");
+    const Exiv2::Exifdatum *interoperability = exifDatum(exif, "Exif.Iop.InteroperabilityIndex");
+    if (interoperability && interoperability->toString().starts_with("R03"))
+        exif["Exif.Iop.InteroperabilityIndex"] = std::string("R98");
 }
 
 void describePictureInXmp(Exiv2::XmpData &xmp, QSize size)
@@ -71,21 +123,13 @@ void describePictureInXmp(Exiv2::XmpData &xmp, QSize size)
     eraseXmpProperty(xmp, "Xmp.exif.Gamma");
 }
 
-bool holdsPicture(const QByteArray &bytes)
-{
-    return holdsPictureStart(bytes.constData(), static_cast<size_t>(bytes.size()));
-}
-
 MakerNoteBlock makerNoteOf(const Exiv2::ExifData &exif)
 {
     MakerNoteBlock block;
-    const auto note = exif.findKey(Exiv2::ExifKey("Exif.Photo.MakerNote"));
-    if (note == exif.end() || note->size() <= 0)
-        return block;
-    block.bytes.resize(note->size());
-    note->copy(reinterpret_cast<Exiv2::byte *>(block.bytes.data()), Exiv2::littleEndian);
-    const auto offset = exif.findKey(Exiv2::ExifKey("Exif.MakerNote.Offset"));
-    if (offset != exif.end() && offset->count() > 0)
+    if (const Exiv2::Exifdatum *note = exifDatum(exif, "Exif.Photo.MakerNote"))
+        block.bytes = bytesOfValue(note->value(), kMaxMetadataBytes);
+    const Exiv2::Exifdatum *offset = exifDatum(exif, "Exif.MakerNote.Offset");
+    if (!block.bytes.isEmpty() && offset && offset->count() > 0)
         block.offset = offset->toLong();
     return block;
 }
@@ -102,14 +146,17 @@ bool areSame(const Exiv2::IptcData &a, const Exiv2::IptcData &b)
 QByteArray encodedIptc(const MetadataSet &set, const Exiv2::IptcData &original)
 {
     QByteArray records;
-    if (!set.iptcBlock.isEmpty() && areSame(set.iptc, original)) {
-        records = iptcWithoutPictures(set.iptcBlock);
-    } else if (!set.iptc.empty()) {
-        const Exiv2::DataBuf buffer = Exiv2::IptcParser::encode(set.iptc);
-        if (buffer.pData_)
+    try {
+        if (!set.iptcBlock.isEmpty() && areSame(set.iptc, original)) {
+            records = iptcWithoutPictures(set.iptcBlock);
+        } else if (!set.iptc.empty()) {
+            const Exiv2::DataBuf buffer = Exiv2::IptcParser::encode(set.iptc);
             records = QByteArray(reinterpret_cast<const char *>(buffer.pData_), buffer.size_);
+        }
+    } catch (const std::exception &) {
+        return {};
     }
-    return holdsPicture(records) ? QByteArray() : records;
+    return holdsPictureStart(records) ? QByteArray() : records;
 }
 
 /// The library drops the "rdf:about" of a packet.
@@ -139,16 +186,16 @@ QByteArray encodedImageResources(const MetadataSet &set, const QByteArray &iptc,
 }
 
 /// Clears and edits EXIF, IPTC and XMP, and encodes the XMP.
-QByteArray changedXmp(MetadataSet &set, ClearedGroups cleared, const QVariantMap &before,
-                      const QVariantMap &after, const EmbeddedMetadata::CopyFacts &facts, bool hasNewIptc,
-                      QStringList &omitted)
+QByteArray changedXmp(MetadataSet &set, const QVariantMap &before, const QVariantMap &after,
+                      const EmbeddedMetadata::CopyFacts &facts, bool hasNewIptc, QStringList &omitted)
 {
     DecodedXmp xmp = decodedXmp(set, &omitted);
     erasePicturesFromXmp(xmp.data);
-    clearGroups(set, xmp, cleared, after);
+    clearGroups(set, xmp, facts.cleared, after);
     // A cleared fact that is there again is new, even with the same value.
-    const QVariantMap remaining = cleared ? propertiesOfMetadata(set, xmp.data) : before;
-    if (applyPropertyChanges(set, xmp.data, remaining, after) || hasNewIptc || (cleared & ClearedGroup::Iptc))
+    const QVariantMap remaining = facts.cleared ? propertiesOfMetadata(set, xmp.data) : before;
+    if (applyPropertyChanges(set, xmp.data, remaining, after) || hasNewIptc ||
+        (facts.cleared & ClearedGroup::Iptc))
         // A digest of the old record would make other programs distrust the new one.
         eraseXmpProperty(xmp.data, "Xmp.photoshop.LegacyIPTCDigest");
     if (!facts.holdsIptc)
@@ -177,11 +224,6 @@ QVariantMap withKeptUsageTerms(const QVariantMap &before, QVariantMap after, Cle
     return after;
 }
 
-bool hasMakerNote(const Exiv2::ExifData &exif)
-{
-    return exif.findKey(Exiv2::ExifKey("Exif.Photo.MakerNote")) != exif.end();
-}
-
 } // namespace
 
 EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &before,
@@ -192,36 +234,28 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     EmbeddedMetadata::Encoded encoded;
     if (set.hasDamagedIptc)
         encoded.omitted += set.iptc.empty() ? u"IPTC"_qs : u"damaged IPTC field"_qs;
-    const ClearedGroups cleared = facts.cleared | emptiedGroups(before, after);
-    after = withKeptUsageTerms(before, after, cleared);
+    after = withKeptUsageTerms(before, after, facts.cleared);
     MakerNoteBlock note = makerNoteOf(set.exif);
     const size_t noteFields = makerNoteFields(set.exif);
     erasePicturesFromExif(set.exif);
     const bool erasedFromIptc = erasePicturesFromIptc(set.iptc);
     const Exiv2::IptcData original = set.iptc;
-    const bool hadNote = hasMakerNote(set.exif);
-    encoded.xmp = changedXmp(set, cleared, before, after, facts, erasedFromIptc, encoded.omitted);
-    if (hadNote && !hasMakerNote(set.exif) && !(cleared & ClearedGroup::Exif))
+    const bool hadNote = exifDatum(set.exif, "Exif.Photo.MakerNote") != nullptr;
+    encoded.xmp = changedXmp(set, before, after, facts, erasedFromIptc, encoded.omitted);
+    if (hadNote && !exifDatum(set.exif, "Exif.Photo.MakerNote") && !(facts.cleared & ClearedGroup::Exif))
         encoded.omitted += u"maker note"_qs;
 
     if (facts.isTurned)
         eraseRegionsFromExif(set.exif);
     describePictureInExif(set.exif, facts.pixelSize);
-    if (!hasMakerNote(set.exif))
+    if (!exifDatum(set.exif, "Exif.Photo.MakerNote"))
         note = {};
     note.isEdited = makerNoteFields(set.exif) != noteFields;
-    EncodedExif exif = encodedExif(set.exif, set.byteOrder, note, facts);
-    encoded.exif = exif.bytes;
-    encoded.thumbnailPlaceholder = exif.thumbnailPlaceholder;
-    encoded.omitted += exif.omitted;
-    try {
-        encoded.iptc = encodedIptc(set, original);
-    } catch (const std::exception &) {
-        encoded.iptc.clear();
-    }
-    encoded.imageResources = encodedImageResources(set, encoded.iptc, after, cleared);
+    encodeExif(encoded, set.exif, set.byteOrder, note, facts);
+    encoded.iptc = encodedIptc(set, original);
+    encoded.imageResources = encodedImageResources(set, encoded.iptc, after, facts.cleared);
     // Free text about the photo, as the caption is.
-    if (!(cleared & ClearedGroup::Iptc)) {
+    if (!(facts.cleared & ClearedGroup::Iptc)) {
         bool isWhole = true;
         encoded.comment = set.comments.text(isWhole);
         if (!isWhole)

@@ -3,9 +3,10 @@
 #include "imageio/embedded/embeddedmetadata.h"
 
 #include "imageio/embedded/copyencoding.h"
+#include "imageio/embedded/exif/exifvalues.h"
 #include "imageio/embedded/exif/exiv2setup.h"
 #include "imageio/embedded/metadatareading.h"
-#include "imageio/embedded/xmp/xmpdecoding.h"
+#include "imageio/embedded/xmp/decodedxmp.h"
 #include "metadata/propertykeys.h"
 
 namespace plexa
@@ -54,15 +55,15 @@ QVariantMap EmbeddedMetadata::properties() const
 bool EmbeddedMetadata::hasThumbnail() const
 {
     const Exiv2::ExifData &exif = m_data->set.exif;
-    const auto has = [&exif](const char *key) { return exif.findKey(Exiv2::ExifKey(key)) != exif.end(); };
-    if (has("Exif.Thumbnail.JPEGInterchangeFormat"))
+    if (exifDatum(exif, "Exif.Thumbnail.JPEGInterchangeFormat"))
         return true;
     // Where the main directory has pixels of its own, the file is a TIFF, and the second one is a page unless
     // it is marked as one of less resolution.
-    const auto kind = exif.findKey(Exiv2::ExifKey("Exif.Thumbnail.NewSubfileType"));
-    const bool isReduced = kind != exif.end() && kind->count() > 0 && (kind->toLong() & 1);
-    const bool isTiff = has("Exif.Image.StripOffsets") || has("Exif.Image.TileOffsets");
-    return has("Exif.Thumbnail.StripOffsets") && (isReduced || !isTiff);
+    const Exiv2::Exifdatum *kind = exifDatum(exif, "Exif.Thumbnail.NewSubfileType");
+    const bool isReduced = kind && kind->count() > 0 && (kind->toLong() & 1);
+    const bool isTiff =
+        exifDatum(exif, "Exif.Image.StripOffsets") || exifDatum(exif, "Exif.Image.TileOffsets");
+    return exifDatum(exif, "Exif.Thumbnail.StripOffsets") && (isReduced || !isTiff);
 }
 
 EmbeddedMetadata::Encoded EmbeddedMetadata::encodeForCopy(const QVariantMap &properties,

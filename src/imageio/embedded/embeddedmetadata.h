@@ -44,14 +44,15 @@ public:
 
     /// What a copy carries.
     struct Encoded {
-        QByteArray exif;                 ///< TIFF structure, little or big endian as in the source
-        QByteArray iptc;                 ///< IIM records
-        QByteArray imageResources;       ///< Photoshop image resources without IIM records
-        QByteArray xmp;                  ///< packet, UTF-8
-        QByteArray comment;              ///< JPEG comment
-        QList<PngText> texts;            ///< for a PNG: the source's, as far as it was one, and the software
-        QByteArray thumbnailPlaceholder; ///< the bytes in `exif` that reserve the place of the new thumbnail
-        QStringList omitted;             ///< parts that are left out: "maker note", "user comment"
+        QByteArray exif = {};           ///< TIFF structure, little or big endian as in the source
+        QByteArray iptc = {};           ///< IIM records
+        QByteArray imageResources = {}; ///< Photoshop image resources without IIM records
+        QByteArray xmp = {};            ///< packet, UTF-8
+        QByteArray comment = {};        ///< JPEG comment
+        QList<PngText> texts = {};      ///< for a PNG: the source's, as far as it was one, and the software
+        QByteArray thumbnailPlaceholder =
+            {};                   ///< the bytes in `exif` that reserve the place of the new thumbnail
+        QStringList omitted = {}; ///< parts that are left out: "maker note", "user comment"
     };
 
     /// How a copy differs from its source.
@@ -60,15 +61,14 @@ public:
         qsizetype thumbnailBytes = 0;          ///< room to keep for a new EXIF thumbnail, 0: none
         qsizetype maxExifBytes = kMaxJpegExif; ///< the longest EXIF that the copy's format holds
         bool holdsIptc = true; ///< else the facts of IIM records go into the XMP, as far as it has a place
-        ClearedGroups cleared = {}; ///< cleared by the user; an emptied dictionary counts, too
+        ClearedGroups cleared = {}; ///< by the user
         bool isTurned = false; ///< are the copy's pixels rotated, mirrored or stretched against the source's?
         bool holdsExif = true; ///< else author, copyright and description of EXIF go into the XMP
     };
 
     /// Metadata for a copy: the file's own, changed where `properties` differs from properties(), freed from
     /// every picture that shows the unmarked photo (thumbnails, previews in maker notes, XMP thumbnails),
-    /// sRGB, upright. A group that is cleared, or empty in `properties` but not here, is cleared in all
-    /// places that store it.
+    /// sRGB, upright. A cleared group is removed from all places that store something of it.
     Encoded encodeForCopy(const QVariantMap &properties, const CopyFacts &facts) const;
 
 private:

@@ -3,10 +3,11 @@
 #include "imageio/embedded/metadatablocks.h"
 
 #include "imageio/container/gifstructure.h"
+#include "imageio/container/heifbrands.h"
+#include "imageio/container/heifitems.h"
 #include "imageio/container/imageresources.h"
 #include "imageio/container/jpegmarkers.h"
 #include "imageio/container/jpegsegmentreader.h"
-#include "imageio/embedded/heifmetadata.h"
 
 #include <QList>
 #include <QMap>
@@ -152,24 +153,28 @@ void takePngText(MetadataBlocks &blocks, PngTextChunks &texts, const QByteArray 
         takeFirst(blocks.xmp, content->bytes);
 }
 
-MetadataBlocks readPngBlocks(QIODevice &device)
+/// The chunks of a PNG or, with sizes in little endian and data of an even length, of a WebP.
+MetadataBlocks readChunks(QIODevice &device, bool isPng)
 {
     MetadataBlocks blocks;
     PngTextChunks texts;
-    device.seek(8);
+    device.seek(isPng ? 8 : 12);
     for (int i = 0; i < kMaxBlocks; ++i) {
         const QByteArray head = device.read(8);
         if (head.size() < 8)
             break;
-        const qint64 size = qFromBigEndian<quint32>(head.constData());
-        const QByteArray type = head.mid(4);
-        const qint64 next = device.pos() + size + 4;
+        const QByteArray type = isPng ? head.mid(4) : head.left(4);
+        const qint64 size = isPng ? qFromBigEndian<quint32>(head.constData())
+                                  : qFromLittleEndian<quint32>(head.constData() + 4);
+        const qint64 next = device.pos() + size + (isPng ? 4 : size % 2);
         if (type == "IEND")
             break;
         if (size <= kMaxMetadataBytes) {
-            if (type == "eXIf") {
+            if (type == "eXIf" || type == "EXIF") {
                 const QByteArray data = device.read(size);
                 takeFirst(blocks.exif, data.startsWith("Exif\0\0"_ba) ? data.mid(6) : data);
+            } else if (type == "XMP ") {
+                takeFirst(blocks.xmp, device.read(size));
             } else if (type == "tEXt" || type == "zTXt" || type == "iTXt") {
                 takePngText(blocks, texts, type, device.read(size));
             }
@@ -182,28 +187,40 @@ MetadataBlocks readPngBlocks(QIODevice &device)
     return blocks;
 }
 
-MetadataBlocks readWebpBlocks(QIODevice &device)
+/// ISO 23008-12, A.2.1: four bytes state how far after them the TIFF structure begins.
+QByteArray tiffOfExifItem(const QByteArray &item)
+{
+    if (item.size() < 8)
+        return {};
+    const qint64 offset = 4 + qint64(qFromBigEndian<quint32>(item.constData()));
+    if (offset < item.size()) {
+        const QByteArray rest = item.mid(qsizetype(offset));
+        if (rest.startsWith("II") || rest.startsWith("MM"))
+            return rest;
+    }
+    // Some writers count from another place, or write no offset.
+    const qsizetype marker = item.left(64).indexOf(QByteArray("Exif\0\0", 6));
+    if (marker >= 0)
+        return item.mid(marker + 6);
+    return item.startsWith("II") || item.startsWith("MM") ? item : QByteArray();
+}
+
+/// The EXIF and XMP of the primary picture.
+MetadataBlocks readHeifBlocks(QIODevice &device)
 {
     MetadataBlocks blocks;
-    device.seek(12);
-    for (int i = 0; i < kMaxBlocks; ++i) {
-        const QByteArray head = device.read(8);
-        if (head.size() < 8)
-            break;
-        const qint64 size = qFromLittleEndian<quint32>(head.constData() + 4);
-        const QByteArray type = head.left(4);
-        const qint64 next = device.pos() + size + size % 2;
-        if (size <= kMaxMetadataBytes) {
-            if (type == "EXIF") {
-                const QByteArray data = device.read(size);
-                takeFirst(blocks.exif, data.startsWith("Exif\0\0"_ba) ? data.mid(6) : data);
-            } else if (type == "XMP ") {
-                takeFirst(blocks.xmp, device.read(size));
-            }
-        }
-        if (next >= device.size() || !device.seek(next))
-            break;
-    }
+    const Result<HeifItems> items = HeifItems::read(device);
+    if (!items)
+        return blocks;
+    const auto contentsOf = [&](const char *type, const char *contentType) {
+        const HeifItem *item = items->metadata(type, contentType);
+        if (!item || item->isElsewhere || item->extents.isEmpty())
+            return QByteArray();
+        const qint64 size = item->extents.constLast().start + item->extents.constLast().length;
+        return size <= kMaxMetadataBytes ? items->bytes(device, *item, 0, size) : QByteArray();
+    };
+    blocks.exif = tiffOfExifItem(contentsOf("Exif", nullptr));
+    blocks.xmp = contentsOf("mime", "application/rdf+xml");
     return blocks;
 }
 
@@ -226,12 +243,12 @@ std::optional<MetadataBlocks> readMetadataBlocks(QIODevice &device)
     if (head.startsWith("\xFF\xD8\xFF"))
         return readJpegBlocks(device);
     if (head.startsWith("\x89PNG\r\n\x1A\n"))
-        return readPngBlocks(device);
+        return readChunks(device, true);
     if (head.startsWith("RIFF") && head.mid(8, 4) == "WEBP")
-        return readWebpBlocks(device);
+        return readChunks(device, false);
     if (head.startsWith("GIF87a") || head.startsWith("GIF89a"))
         return readGifBlocks(device);
-    if (isHeif(head))
+    if (isHeicContents(head) || isAvifContents(head))
         return readHeifBlocks(device);
     return std::nullopt;
 }

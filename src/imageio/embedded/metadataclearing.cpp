@@ -7,8 +7,6 @@
 #include "metadata/metadatafields.h"
 #include "metadata/propertykeys.h"
 
-#include <QStringList>
-
 #include <set>
 
 namespace plexa
@@ -18,12 +16,6 @@ namespace
 {
 
 using namespace std::string_view_literals;
-
-bool startsWithAny(const std::string &text, std::initializer_list<std::string_view> beginnings)
-{
-    return std::any_of(beginnings.begin(), beginnings.end(),
-                       [&](std::string_view beginning) { return text.starts_with(beginning); });
-}
 
 /// Does the last name of the property's path contain the word, in any letter case?
 bool nameContains(const Exiv2::Xmpdatum &datum, QLatin1StringView word)
@@ -79,7 +71,7 @@ bool isPlaceInXmp(const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces)
     const std::string path = QString::fromStdString(datum.tagName()).toLower().toStdString();
     const std::string name = path.substr(path.find_last_of("/:") + 1);
     return isOneOf(name, {"lat"sv, "long"sv, "lon"sv, "lng"sv, "lat_long"sv, "latlong"sv}) ||
-           (datum.groupName() == "geo" && name == "alt") || isCellTowerInXmp(datum, namespaces);
+           (datum.groupName() == "geo" && name == "alt") || isAbout(XmpTopic::CellTower, datum, namespaces);
 }
 
 void clearGps(MetadataSet &set, DecodedXmp &xmp)
@@ -117,7 +109,7 @@ void clearExif(MetadataSet &set, DecodedXmp &xmp)
                                    "Xmp.MicrosoftPhoto.Camera"sv, "Xmp.MicrosoftPhoto.Lens"sv,
                                    "Xmp.MicrosoftPhoto.Flash"sv}) ||
                nameContains(datum, QLatin1StringView("SerialNumber")) ||
-               isExposureInXmp(datum, xmp.namespaces);
+               isAbout(XmpTopic::Exposure, datum, xmp.namespaces);
     });
 }
 
@@ -137,8 +129,9 @@ void clearTiff(MetadataSet &set, DecodedXmp &xmp, const QVariantMap &after)
     for (const std::string_view key : {"Xmp.tiff.Software"sv, "Xmp.tiff.ImageDescription"sv,
                                        "Xmp.tiff.Make"sv, "Xmp.tiff.Model"sv, "Xmp.xmp.CreatorTool"sv})
         eraseXmpProperty(xmp.data, key);
-    eraseMetadataIf(xmp.data,
-                    [&](const Exiv2::Xmpdatum &datum) { return isCameraInXmp(datum, xmp.namespaces); });
+    eraseMetadataIf(xmp.data, [&](const Exiv2::Xmpdatum &datum) {
+        return isAbout(XmpTopic::Camera, datum, xmp.namespaces);
+    });
     if (!keepsTiff(after, kCGImagePropertyTIFFCopyright)) {
         eraseExifFields(set.exif, {"Exif.Image.Copyright"});
         eraseXmpProperty(xmp.data, "Xmp.tiff.Copyright");
@@ -184,8 +177,8 @@ void clearIptc(MetadataSet &set, DecodedXmp &xmp, const QVariantMap &after)
     eraseMetadataIf(set.iptc, [&](const Exiv2::Iptcdatum &datum) { return !keptIptc.contains(datum.key()); });
     eraseMetadataIf(xmp.data, [&](const Exiv2::Xmpdatum &datum) {
         const std::string key = datum.key();
-        return (isIptcInXmp(key) || isDescriptionInXmp(datum, xmp.namespaces)) && !keptXmp.contains(key) &&
-               !(keepsRights && isRightInXmp(datum, xmp.namespaces));
+        return (isIptcInXmp(key) || isAbout(XmpTopic::Description, datum, xmp.namespaces)) &&
+               !keptXmp.contains(key) && !(keepsRights && isAbout(XmpTopic::Rights, datum, xmp.namespaces));
     });
     const bool isEmpty = std::all_of(set.iptc.begin(), set.iptc.end(), [](const Exiv2::Iptcdatum &datum) {
         return datum.key() == kCharacterSet;
@@ -198,29 +191,13 @@ void clearIptc(MetadataSet &set, DecodedXmp &xmp, const QVariantMap &after)
                                "Exif.Image.RatingPercent"});
 }
 
-/// Facts of the IPTC dictionary that a clearing may keep.
-QStringList keepableIptcKeys()
-{
-    return {kCGImagePropertyIPTCCopyrightNotice, kCGImagePropertyIPTCByline, kCGImagePropertyIPTCBylineTitle,
-            kCGImagePropertyIPTCCreatorContactInfo};
-}
-
-bool iptcHasBeenCleared(QVariantMap before, QVariantMap after)
-{
-    const auto withoutEmptyContact = [](QVariantMap &iptc) {
-        if (iptc.value(kCGImagePropertyIPTCCreatorContactInfo).toMap().isEmpty())
-            iptc.remove(kCGImagePropertyIPTCCreatorContactInfo);
-    };
-    withoutEmptyContact(before);
-    withoutEmptyContact(after);
-    if (before.keys() == after.keys())
-        return false;
-    for (const QString &key : keepableIptcKeys())
-        after.remove(key);
-    return after.isEmpty();
-}
-
 } // namespace
+
+bool startsWithAny(std::string_view text, std::initializer_list<std::string_view> beginnings)
+{
+    return std::any_of(beginnings.begin(), beginnings.end(),
+                       [&](std::string_view beginning) { return text.starts_with(beginning); });
+}
 
 void eraseExifFields(Exiv2::ExifData &exif, std::initializer_list<std::string_view> keys)
 {
@@ -229,15 +206,11 @@ void eraseExifFields(Exiv2::ExifData &exif, std::initializer_list<std::string_vi
 
 bool eraseXmpProperty(Exiv2::XmpData &xmp, std::string_view key)
 {
-    bool found = false;
-    eraseMetadataIf(xmp, [&](const Exiv2::Xmpdatum &datum) {
+    return eraseMetadataIf(xmp, [&](const Exiv2::Xmpdatum &datum) {
         const std::string name = datum.key();
-        const bool isMeant = name.starts_with(key) &&
-                             (name.size() == key.size() || "/[?"sv.find(name[key.size()]) != "/[?"sv.npos);
-        found = found || isMeant;
-        return isMeant;
+        return name.starts_with(key) &&
+               (name.size() == key.size() || "/[?"sv.find(name[key.size()]) != "/[?"sv.npos);
     });
-    return found;
 }
 
 bool isMakerNoteGroup(const std::string &groupName)
@@ -263,19 +236,6 @@ void eraseOpaqueMakerNote(Exiv2::ExifData &exif)
 {
     if (makerNoteFields(exif) == 0)
         eraseMakerNotes(exif);
-}
-
-ClearedGroups emptiedGroups(const QVariantMap &before, const QVariantMap &after)
-{
-    const auto isEmptied = [&](MetadataGroup group) {
-        return !groupDictionary(before, group).isEmpty() && groupDictionary(after, group).isEmpty();
-    };
-    ClearedGroups groups;
-    groups.setFlag(ClearedGroup::Gps, isEmptied(MetadataGroup::Gps));
-    groups.setFlag(ClearedGroup::Exif, isEmptied(MetadataGroup::Exif));
-    groups.setFlag(ClearedGroup::Iptc, iptcHasBeenCleared(groupDictionary(before, MetadataGroup::Iptc),
-                                                          groupDictionary(after, MetadataGroup::Iptc)));
-    return groups;
 }
 
 void clearGroups(MetadataSet &set, DecodedXmp &xmp, ClearedGroups groups, const QVariantMap &after)

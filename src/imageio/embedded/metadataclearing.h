@@ -3,7 +3,7 @@
 #pragma once
 
 #include "imageio/embedded/metadataset.h"
-#include "imageio/embedded/xmp/xmpdecoding.h"
+#include "imageio/embedded/xmp/decodedxmp.h"
 #include "metadata/clearedgroups.h"
 
 #include <QVariantMap>
@@ -17,30 +17,36 @@ namespace plexa
 {
 
 /// Removes all entries of an EXIF, IPTC or XMP container for which the predicate holds.
+/// @return true where there was any
 template<class Container, class Predicate>
-void eraseMetadataIf(Container &container, Predicate predicate)
+bool eraseMetadataIf(Container &container, Predicate predicate)
 {
     using Category = typename std::iterator_traits<decltype(container.begin())>::iterator_category;
     if constexpr (std::is_base_of_v<std::random_access_iterator_tag, Category>) {
         // Erasing one by one moves all that follows each time.
         const auto kept = std::remove_if(container.begin(), container.end(), predicate) - container.begin();
+        const bool hasErased = container.end() - container.begin() > kept;
         while (container.end() - container.begin() > kept)
             container.erase(std::prev(container.end()));
+        return hasErased;
     } else {
-        for (auto entry = container.begin(); entry != container.end();)
-            entry = predicate(*entry) ? container.erase(entry) : std::next(entry);
+        bool hasErased = false;
+        for (auto entry = container.begin(); entry != container.end();) {
+            const bool isMeant = predicate(*entry);
+            entry = isMeant ? container.erase(entry) : std::next(entry);
+            hasErased = hasErased || isMeant;
+        }
+        return hasErased;
     }
 }
+
+bool startsWithAny(std::string_view text, std::initializer_list<std::string_view> beginnings);
 
 /// Removes the fields of these names.
 void eraseExifFields(Exiv2::ExifData &exif, std::initializer_list<std::string_view> keys);
 
 /// Removes an XMP property and what is nested in it. @return true where there was any
 bool eraseXmpProperty(Exiv2::XmpData &xmp, std::string_view key);
-
-/// The groups that `after` shows as cleared: empty there but not in `before`, the IPTC group but for what
-/// its clearing may keep (copyright, creator, contact).
-ClearedGroups emptiedGroups(const QVariantMap &before, const QVariantMap &after);
 
 /// Clears groups in all places that store something of them, modelled or not: EXIF with maker notes, serial
 /// numbers and XMP mirrors; GPS, in maker notes as well; IPTC with its XMP mirrors; of TIFF what describes

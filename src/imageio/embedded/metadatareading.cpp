@@ -56,7 +56,7 @@ QVariant iptcField(const Exiv2::IptcData &iptc, const QByteArray &characterSet, 
     for (const Exiv2::Iptcdatum &datum : iptc) {
         if (datum.record() != key.record() || datum.tag() != key.tag())
             continue;
-        const QString text = decodedIptcField(bytesOfValue(datum.value()), characterSet);
+        const QString text = decodedField(bytesOfValue(datum.value()), characterSet);
         if (!text.isEmpty() && texts.size() < kMaxIptcTexts)
             texts += text;
     }

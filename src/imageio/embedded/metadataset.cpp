@@ -2,16 +2,17 @@
 
 #include "imageio/embedded/metadataset.h"
 
+#include "imageio/container/imageresources.h"
 #include "imageio/container/tiffdirectoryreader.h"
+#include "imageio/embedded/exif/exifvalues.h"
 #include "imageio/embedded/exif/exiv2setup.h"
 #include "imageio/embedded/metadatablocks.h"
-#include "imageio/embedded/tiffmetadata.h"
-#include "imageio/embedded/xmp/xmpnamespaces.h"
 
 #include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -21,19 +22,6 @@ namespace plexa
 
 namespace
 {
-
-/// Exists while the library decodes XMP by itself, which may spoil its table of namespaces for other files.
-class XmpTableGuard
-{
-public:
-    XmpTableGuard() = default;
-    ~XmpTableGuard() { restoreXmpNamespaces(); }
-    XmpTableGuard(const XmpTableGuard &) = delete;
-    XmpTableGuard &operator=(const XmpTableGuard &) = delete;
-
-private:
-    std::unique_lock<std::recursive_mutex> m_lock = lockXmpNamespaces();
-};
 
 bool hasXmpField(const QByteArray &exif)
 {
@@ -80,15 +68,33 @@ void decodeIptc(MetadataSet &set, const QByteArray &iptc)
         set.iptcBlock = iptc;
 }
 
-/// What a TIFF keeps in a field of its own: Photoshop's resources, XMP.
+/// The block that a TIFF holds in a field of its own: Photoshop's resources, XMP.
 QByteArray blockOf(const Exiv2::ExifData &exif, const char *key)
 {
-    const auto field = exif.findKey(Exiv2::ExifKey(key));
-    if (field == exif.end() || field->size() <= 0 || field->size() > kMaxMetadataBytes)
+    const Exiv2::Exifdatum *field = exifDatum(exif, key);
+    return field ? bytesOfValue(field->value(), kMaxMetadataBytes) : QByteArray();
+}
+
+/// The IIM records of a TIFF file as stored: those of its own field, else those in its Photoshop image
+/// resources. Some programs store them as numbers of four bytes in reverse order. Empty: none, or no classic
+/// TIFF.
+QByteArray iptcOfTiff(QIODevice &device)
+{
+    constexpr quint16 kIptc = 33723;
+    constexpr quint16 kImageResources = 34377;
+    constexpr char kDataSetMarker = '\x1C';
+    const TiffDirectoryReader reader(device);
+    const auto directory = reader.read(reader.first());
+    if (!directory)
         return {};
-    QByteArray bytes(field->size(), '\0');
-    field->copy(reinterpret_cast<Exiv2::byte *>(bytes.data()), Exiv2::littleEndian);
-    return bytes;
+    QByteArray records = reader.value(directory->fields.value(kIptc), kMaxMetadataBytes);
+    if (!records.startsWith(kDataSetMarker) && records.size() >= 4 && records[3] == kDataSetMarker) {
+        for (qsizetype at = 0; at + 4 <= records.size(); at += 4)
+            std::reverse(records.begin() + at, records.begin() + at + 4);
+    }
+    if (records.startsWith(kDataSetMarker))
+        return records;
+    return iptcOfImageResources(reader.value(directory->fields.value(kImageResources), kMaxMetadataBytes));
 }
 
 void readThroughLibrary(MetadataSet &set, const QString &path)
@@ -103,10 +109,10 @@ void readThroughLibrary(MetadataSet &set, const QString &path)
     set.iptc = image->iptcData();
     set.imageResources = blockOf(set.exif, "Exif.Image.ImageResources");
     set.comments.add(QByteArray::fromStdString(image->comment()));
-    const auto noteOrder = set.exif.findKey(Exiv2::ExifKey("Exif.MakerNote.ByteOrder"));
+    const Exiv2::Exifdatum *noteOrder = exifDatum(set.exif, "Exif.MakerNote.ByteOrder");
     if (image->byteOrder() != Exiv2::invalidByteOrder)
         set.byteOrder = image->byteOrder();
-    else if (noteOrder != set.exif.end() && noteOrder->toString().starts_with("MM"))
+    else if (noteOrder && noteOrder->toString().starts_with("MM"))
         set.byteOrder = Exiv2::bigEndian;
     set.xmpPacket = image->xmpPacket();
     if (set.xmpPacket.empty())

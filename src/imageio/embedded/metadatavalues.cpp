@@ -31,7 +31,7 @@ bool isRational(Exiv2::TypeId type)
 /// Numbers as the library reads them: "3 5/10"
 ExifText numbersText(const QVariant &value, Exiv2::TypeId type)
 {
-    ExifText result{type, {}, false};
+    ExifText result{type, {}};
     for (const QVariant &item : itemsOf(value)) {
         bool isNumber = false;
         const double number = item.toDouble(&isNumber);
@@ -73,13 +73,11 @@ ExifText degreesText(const QVariant &value)
         return {};
     // Seconds to a ten-thousandth: three millimetres on the ground.
     const auto units = static_cast<qlonglong>(std::llround(degrees * 36'000'000));
-    return {Exiv2::unsignedRational,
-            QStringLiteral("%1/1 %2/1 %3/10000")
-                .arg(units / 36'000'000)
-                .arg(units / 600'000 % 60)
-                .arg(units % 600'000)
-                .toStdString(),
-            false};
+    return {Exiv2::unsignedRational, QStringLiteral("%1/1 %2/1 %3/10000")
+                                         .arg(units / 36'000'000)
+                                         .arg(units / 600'000 % 60)
+                                         .arg(units % 600'000)
+                                         .toStdString()};
 }
 
 ExifText timeOfDayText(const QVariant &value)
@@ -94,8 +92,7 @@ ExifText timeOfDayText(const QVariant &value)
         rationals += rationalText(part.toDouble(&isNumber));
         areNumbers = areNumbers && isNumber && !rationals.constLast().isEmpty();
     }
-    return areNumbers ? ExifText{Exiv2::unsignedRational, rationals.join(u' ').toStdString(), false}
-                      : ExifText{};
+    return areNumbers ? ExifText{Exiv2::unsignedRational, rationals.join(u' ').toStdString()} : ExifText{};
 }
 
 /// Each number by itself; nothing where one is no number, or too great for `textOf`.
@@ -185,7 +182,7 @@ ExifText exifText(MetadataKind kind, const QVariant &value, Exiv2::TypeId type, 
     case MetadataKind::DateTime:
     case MetadataKind::IptcDate:
     case MetadataKind::Copyright:
-        return {Exiv2::asciiString, propertyTexts(value).join(QStringLiteral("; ")).toStdString(), false};
+        return {Exiv2::asciiString, propertyTexts(value).join(QStringLiteral("; ")).toStdString()};
     case MetadataKind::Comment:
         return {Exiv2::undefined, encodedComment(propertyTexts(value).value(0), bigEndian).toStdString(),
                 true};

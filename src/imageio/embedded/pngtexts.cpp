@@ -4,7 +4,6 @@
 
 #include "imageio/container/picturestarts.h"
 #include "imageio/embedded/metadatablocks.h"
-#include "imageio/embedded/metadataclearing.h"
 #include "metadata/propertykeys.h"
 #include "metadata/propertyvalues.h"
 
@@ -95,8 +94,8 @@ bool isToBeCopied(const QByteArray &keyword)
 /// As bytes, in base 64 or in hexadecimal digits.
 bool holdsPicture(const QByteArray &bytes)
 {
-    return holdsPictureStart(bytes.constData(), static_cast<size_t>(bytes.size())) ||
-           bytes.contains("/9j/") || bytes.contains("iVBORw0KGgo") || bytes.toLower().contains("ffd8ff");
+    return holdsPictureStart(bytes) || bytes.contains("/9j/") || bytes.contains("iVBORw0KGgo") ||
+           bytes.toLower().contains("ffd8ff");
 }
 
 /// Does a clearing reach a text that the property dictionary does not know?
@@ -213,7 +212,6 @@ QVariantMap pngTextProperties(const QList<PngText> &texts)
 QList<PngText> pngTextsForCopy(const QList<PngText> &texts, const QVariantMap &before,
                                const QVariantMap &after, ClearedGroups cleared)
 {
-    cleared |= emptiedGroups(before, after);
     QList<PngText> result;
     for (const PngText &text : texts) {
         const SharedFact *fact = sharedFact(text.keyword);

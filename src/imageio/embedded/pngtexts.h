@@ -58,12 +58,12 @@ private:
 /// The properties with the author, copyright, title and description of the texts where they have none.
 QVariantMap withPngTexts(QVariantMap properties, const QList<PngText> &texts);
 
-/// The texts as they stand in the dictionary "{PNG}": under their keywords, the first where one repeats.
+/// The texts in the form of the dictionary "{PNG}": under their keywords, the first where one repeats.
 QVariantMap pngTextProperties(const QList<PngText> &texts);
 
 /// The texts for a copy whose properties were `before` and are `after`: edited texts are new,
 /// cleared ones are absent, and the software is that of `after`.
 QList<PngText> pngTextsForCopy(const QList<PngText> &texts, const QVariantMap &before,
-                               const QVariantMap &after, ClearedGroups cleared = {});
+                               const QVariantMap &after, ClearedGroups cleared);
 
 } // namespace plexa

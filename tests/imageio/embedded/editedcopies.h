@@ -84,9 +84,9 @@ public:
     }
 
     /// What exiftool reads of one copy.
-    QJsonObject recordOf(const QString &path, const Edit &edit)
+    QJsonObject recordOf(const QString &path, const Edit &edit, const char *type = "image/jpeg")
     {
-        const QString copy = copyOf(path, edit);
+        const QString copy = copyOf(path, edit, type);
         return exiftoolRecords({copy}).value(copy);
     }
 

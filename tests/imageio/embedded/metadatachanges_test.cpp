@@ -8,24 +8,10 @@
 using namespace plexa;
 using namespace plexa::test;
 using namespace Qt::Literals::StringLiterals;
+using enum MetadataGroup;
 
 namespace
 {
-
-QVariantMap withValue(QVariantMap properties, QLatin1StringView group, QLatin1StringView key,
-                      const QVariant &value)
-{
-    QVariantMap dictionary = properties.value(group).toMap();
-    dictionary.insert(key, value);
-    properties.insert(group, dictionary);
-    return properties;
-}
-
-/// A GIF has no room for EXIF: there a fact is found only where XMP has a place for it.
-bool hasPlaceIn(const char *type, const FactPlaces &fact)
-{
-    return qstrcmp(type, "image/gif") != 0 || QByteArrayView(fact.tags).contains("XMP");
-}
 
 /// Compares a copy in which the fact was set, and one in which it was removed, with the fact's places.
 QStringList faultsOf(const FactPlaces &fact, const char *type, const QJsonObject &set,
@@ -47,7 +33,8 @@ QStringList faultsOf(const FactPlaces &fact, const char *type, const QJsonObject
         if (text != wanted)
             faults += place + u" is "_s + text;
     }
-    if (found == 0 && hasPlaceIn(type, fact))
+    // A GIF has no room for EXIF: there a fact is found only where XMP has a place for it.
+    if (found == 0 && (qstrcmp(type, "image/gif") != 0 || QByteArrayView(fact.tags).contains("XMP")))
         faults += fact.name() + u" was not written"_s;
     return faults;
 }
@@ -65,12 +52,7 @@ private Q_SLOTS:
     /// A photo holds each fact in all places, in XMP only, or nowhere: each fact is set and removed.
     void editReachesAllPlaces()
     {
-        struct Copies {
-            const FactPlaces *fact;
-            QString set;
-            QString removed;
-        };
-        QList<Copies> all;
+        QList<const FactPlaces *> facts;
         QStringList paths;
         QStringList faults;
         for (const auto places : {EditedCopies::All, EditedCopies::XmpOnly, EditedCopies::None}) {
@@ -78,25 +60,19 @@ private Q_SLOTS:
             for (const FactPlaces &fact : kFactPlaces) {
                 if (!fact.property())
                     continue;
-                const auto edit = [&](const QVariant &value) {
-                    return [&fact, value](ImageMetadata &metadata) {
-                        metadata.setValue(*fact.property(), value);
-                    };
-                };
-                const QString set = m_copies.copyOf(source, edit(EditedCopies::value(fact, true)));
-                const QString removed = m_copies.copyOf(source, edit({}));
-                QVERIFY2(!set.isEmpty() && !removed.isEmpty(), fact.tags);
+                for (const QVariant &value : {EditedCopies::value(fact, true), QVariant()})
+                    paths += m_copies.copyOf(source,
+                                             [&](ImageMetadata &m) { m.setValue(*fact.property(), value); });
                 const QString old = EditedCopies::value(fact, false).toString();
-                if (old.startsWith(u"old ") && contentsOf(removed).contains(old.toUtf8()))
+                if (old.startsWith(u"old ") && contentsOf(paths.constLast()).contains(old.toUtf8()))
                     faults += fact.name() + u" is still in the file"_s;
-                all.append({&fact, set, removed});
-                paths += {set, removed};
+                facts += &fact;
             }
         }
-        QVERIFY(all.size() > 3 * 35);
+        QVERIFY(facts.size() > 3 * 35 && !paths.contains(QString()));
         const auto records = exiftoolRecords(paths);
-        for (const Copies &copies : all)
-            faults += faultsOf(*copies.fact, "image/jpeg", records[copies.set], records[copies.removed]);
+        for (qsizetype i = 0; i < facts.size(); ++i)
+            faults += faultsOf(*facts[i], "image/jpeg", records[paths[2 * i]], records[paths[2 * i + 1]]);
         QVERIFY2(faults.isEmpty(), qPrintable(faults.join(u'\n')));
     }
 
@@ -104,9 +80,8 @@ private Q_SLOTS:
     void editReachesEveryFormat()
     {
         const QString source = m_copies.sourceWith(EditedCopies::All);
-        QStringList paths;
         for (const ImageFormat &format : formatsWithMetadata()) {
-            for (const bool isSet : {true, false}) {
+            const auto recordOf = [&](bool isSet) {
                 const auto edit = [&](ImageMetadata &metadata) {
                     for (const FactPlaces &fact : kFactPlaces) {
                         if (fact.property())
@@ -114,13 +89,10 @@ private Q_SLOTS:
                                               isSet ? EditedCopies::value(fact, true) : QVariant());
                     }
                 };
-                paths += m_copies.copyOf(source, edit, format.type);
-            }
-        }
-        const auto records = exiftoolRecords(paths);
-        for (const ImageFormat &format : formatsWithMetadata()) {
-            const QJsonObject set = records[paths.takeFirst()];
-            const QJsonObject removed = records[paths.takeFirst()];
+                return m_copies.recordOf(source, edit, format.type);
+            };
+            const QJsonObject set = recordOf(true);
+            const QJsonObject removed = recordOf(false);
             QStringList faults;
             for (const FactPlaces &fact : kFactPlaces)
                 faults += fact.property() ? faultsOf(fact, format.type, set, removed) : QStringList();
@@ -134,8 +106,6 @@ private Q_SLOTS:
             EditedCopies::All, {u"-XMP-exif:DateTimeOriginal=2001:02:03 04:05:06.17+01:00"_s,
                                 u"-ExifIFD:OffsetTimeOriginal=+01:00"_s});
         const QString date = u"XMP-exif:DateTimeOriginal"_s;
-        QCOMPARE(m_copies.recordOf(source, [](ImageMetadata &) {})[date].toString(),
-                 u"2001:02:03 04:05:06.17+01:00"_s);
         const auto edit = [](ImageMetadata &m) { m.setExifSubsecTimeOriginal(u"5"_s); };
         QCOMPARE(m_copies.recordOf(source, edit)[date].toString(), u"2001:02:03 04:05:06.5+01:00"_s);
         const QJsonObject dateless =
@@ -176,9 +146,8 @@ private Q_SLOTS:
             QVERIFY2(qAbs(edited[place].toDouble() - 5.6) < 1e-4, qPrintable(place));
             QVERIFY2(!removed.isEmpty() && !removed.contains(place), qPrintable(place));
         }
-        // A value that EXIF cannot hold leaves nothing of the old one: negative exponents, no aperture at
-        // all.
-        for (const QVariant &refused : {QVariant(0.95), QVariant(-1), QVariant(u"abc"_s), QVariant(1e30)}) {
+        // A value that EXIF cannot hold leaves nothing of the old one: negative exponents, no aperture.
+        for (const QVariant &refused : {QVariant(0.95), QVariant(-1), QVariant(u"abc"_s)}) {
             const auto record =
                 m_copies.recordOf(source, [&](ImageMetadata &m) { m.setExifFNumber(refused); });
             QVERIFY(record.contains(u"ExifIFD:ExposureTime"_s));
@@ -205,7 +174,6 @@ private Q_SLOTS:
         const QJsonObject edited = recordWith(QVariantList{u"Oslo"_s});
         QCOMPARE(comparable(edited[tree]), u"Places|Oslo"_s);
         QVERIFY(!edited.contains(u"XMP-digiKam:TagsList"_s) && !edited.contains(u"XMP-pdf:Keywords"_s));
-        QCOMPARE(m_copies.recordOf(source, [](ImageMetadata &) {})[tree].toArray().size(), 3);
         const QJsonObject removed = recordWith({});
         QVERIFY(!removed.isEmpty() && !removed.contains(tree));
     }
@@ -230,86 +198,68 @@ private Q_SLOTS:
     /// A record that claims to be UTF-8 and is not, with a date of zeros, truncated in its last field.
     void falseRecordsAreRepaired()
     {
-        const auto dataSet = [](char record, char number, const QByteArray &value) {
-            return QByteArray{"\x1C"} + record + number + big16(value.size()) + value;
-        };
-        EmbeddedMetadata::Encoded source;
-        source.iptc = dataSet(1, 90, "\x1B%G") + dataSet(2, 55, "00000000") + dataSet(2, 80, "J\xFCrgen") +
-                      dataSet(2, 120, "Z\xFCrich") + dataSet(2, 25, "forest").chopped(1);
         const QString path = m_folder.path("false.jpg");
-        QVERIFY(writeFile(path, jpegWith(source)));
+        QVERIFY(writeFile(path, jpegWith({.iptc = dataSet(1, 90, "\x1B%G") + dataSet(2, 55, "00000000") +
+                                                  dataSet(2, 80, "J\xFCrgen") + dataSet(2, 120, "Z\xFCrich") +
+                                                  dataSet(2, 25, "forest").chopped(1)})));
         const auto metadata = EmbeddedMetadata::read(path);
-        const QVariantMap edited = withValue(metadata->properties(), kCGImagePropertyIPTCDictionary,
-                                             kCGImagePropertyIPTCCity, u"Oslo"_s);
-        const auto encoded = metadata->encodeForCopy(edited, {QSize(16, 16), 0});
+        ImageMetadata edited(metadata->properties());
+        edited.setIptcCity(u"Oslo"_s);
+        EmbeddedMetadata::CopyFacts facts{QSize(16, 16)};
+        const auto encoded = metadata->encodeForCopy(edited.imagePropertiesDictionary(), facts);
         QVERIFY(encoded.iptc.contains("Oslo") && encoded.iptc.contains("Z\xC3\xBCrich"));
         QVERIFY(encoded.iptc.isValidUtf8() && !encoded.iptc.contains("fores"));
         QCOMPARE(encoded.omitted, QStringList(u"damaged IPTC field"_s));
-        QVERIFY(metadata->encodeForCopy(metadata->properties(), {QSize(16, 16), 0}).iptc.endsWith("rich"));
-        EmbeddedMetadata::CopyFacts facts{QSize(16, 16), 0};
-        facts.cleared = ClearedGroup::Iptc;
-        const QVariantMap kept = withValue({}, kCGImagePropertyIPTCDictionary, kCGImagePropertyIPTCByline,
-                                           QVariantList{u"J\u00FCrgen"_s});
-        const QByteArray record = metadata->encodeForCopy(kept, facts).iptc;
-        QVERIFY(record.contains("J\xC3\xBCrgen") && !record.contains("rich"));
-        facts = {QSize(16, 16), 0};
+        QVERIFY(metadata->encodeForCopy(metadata->properties(), facts).iptc.endsWith("rich"));
         facts.holdsIptc = false;
-        const QByteArray xmp = metadata->encodeForCopy(edited, facts).xmp;
+        const QByteArray xmp = metadata->encodeForCopy(edited.imagePropertiesDictionary(), facts).xmp;
         QVERIFY(xmp.contains("Oslo") && !xmp.contains("DateCreated"));
+        facts = {QSize(16, 16)};
+        facts.cleared = ClearedGroup::Iptc;
+        ImageMetadata kept;
+        kept.setIptcCreator(u"J\u00FCrgen"_s);
+        const QByteArray record = metadata->encodeForCopy(kept.imagePropertiesDictionary(), facts).iptc;
+        QVERIFY(record.contains("J\xC3\xBCrgen") && !record.contains("rich"));
     }
 
     /// A fact that is given to a picture without metadata is read back from its copy.
     void valuesSurviveWriting()
     {
-        const auto check = [this](QLatin1StringView group, QLatin1StringView key, const QVariant &value) {
+        const std::tuple<MetadataGroup, QLatin1StringView, QVariant> rows[] = {
+            {Exif, kCGImagePropertyExifExposureTime, 1.0 / 8000},
+            {Exif, kCGImagePropertyExifExposureBiasValue, -2.0 / 3},
+            {Exif, kCGImagePropertyExifSubjectDistance, 4294967295.0}, // infinite
+            {Exif, kCGImagePropertyExifVersion, QVariantList{2, 3, 1}},
+            {Exif, kCGImagePropertyExifUserComment, u"\u6771\u4EAC"_s},
+            {Gps, kCGImagePropertyGPSTimeStamp, u"07:05:09.25"_s},
+            {Gps, kCGImagePropertyGPSLatitude, 48.25},
+            {Gps, kCGImagePropertyGPSAltitudeRef, 1},
+            {Iptc, kCGImagePropertyIPTCKeywords, QVariantList{u"a"_s, u"\u00E4"_s}}};
+        for (const auto &[group, key, value] : rows) {
+            ImageMetadata metadata;
+            metadata.setValueForKey(group, value, key);
             const QString copy = m_folder.path("written.jpg");
             QVERIFY(writeFile(copy, jpegWith(EmbeddedMetadata::none()->encodeForCopy(
-                                        withValue({}, group, key, value), {QSize(16, 16), 0}))));
-            const QVariant read = EmbeddedMetadata::read(copy)->properties().value(group).toMap().value(key);
+                                        metadata.imagePropertiesDictionary(), {QSize(16, 16)}))));
+            const QVariant read =
+                ImageMetadata(EmbeddedMetadata::read(copy)->properties()).valueForKey(group, key);
             if (value.typeId() == QMetaType::Double)
                 QVERIFY2(qFuzzyCompare(read.toDouble(), value.toDouble()), key.data());
             else
                 QCOMPARE(read, value);
-        };
-        const QLatin1StringView exif = kCGImagePropertyExifDictionary;
-        const QLatin1StringView aux = kCGImagePropertyExifAuxDictionary;
-        const QLatin1StringView gps = kCGImagePropertyGPSDictionary;
-        const QLatin1StringView iptc = kCGImagePropertyIPTCDictionary;
-        check(exif, kCGImagePropertyExifExposureTime, 1.0 / 8000);
-        check(exif, kCGImagePropertyExifFNumber, 2.8);
-        check(exif, kCGImagePropertyExifExposureBiasValue, -2.0 / 3);
-        check(exif, kCGImagePropertyExifSubjectDistance, 4294967295.0); // infinite
-        check(exif, kCGImagePropertyExifFocalLenIn35mmFilm, 400);
-        check(exif, kCGImagePropertyExifISOSpeedRatings, QVariantList{12800});
-        check(exif, kCGImagePropertyExifVersion, QVariantList{2, 3, 1});
-        check(exif, kCGImagePropertyExifUserComment, u"plain"_s);
-        check(exif, kCGImagePropertyExifUserComment, u"\u6771\u4EAC"_s);
-        check(aux, kCGImagePropertyExifAuxSerialNumber, u"007"_s);
-        check(aux, kCGImagePropertyExifAuxLensModel, u"50 mm"_s);
-        check(aux, kCGImagePropertyExifAuxLensID, 137);
-        check(aux, kCGImagePropertyExifAuxImageNumber, 4711);
-        check(gps, kCGImagePropertyGPSTimeStamp, u"07:05:09.25"_s);
-        check(gps, kCGImagePropertyGPSLatitude, 48.25);
-        check(gps, kCGImagePropertyGPSAltitudeRef, 1);
-        check(iptc, kCGImagePropertyIPTCKeywords, QVariantList{u"a"_s, u"\u00E4"_s});
-        check(iptc, kCGImagePropertyIPTCRightsUsageTerms, u"free"_s);
+        }
     }
 
     /// Author, copyright and description of EXIF go into the XMP of a format without EXIF.
     void textsOfTiffReachXmp()
     {
-        EmbeddedMetadata::CopyFacts facts{QSize(16, 16), 0};
-        facts.holdsExif = facts.holdsIptc = false;
-        const QVariantMap tiff{{kCGImagePropertyTIFFArtist, u"Ann"_s},
-                               {kCGImagePropertyTIFFCopyright, u"(c) Ann"_s},
-                               {kCGImagePropertyTIFFImageDescription, u"a lake"_s}};
-        const QByteArray xmp =
-            EmbeddedMetadata::none()->encodeForCopy({{kCGImagePropertyTIFFDictionary, tiff}}, facts).xmp;
-        const QString path = m_folder.path("texts.jpg");
-        EmbeddedMetadata::Encoded copy;
-        copy.xmp = xmp;
-        QVERIFY(writeFile(path, jpegWith(copy)));
-        const QJsonObject record = exiftoolRecords({path}).value(path);
+        const QString source = m_copies.sourceWith(EditedCopies::None);
+        const auto edit = [](ImageMetadata &m) {
+            m.setTiffValue(u"Ann"_s, kCGImagePropertyTIFFArtist);
+            m.setTiffValue(u"(c) Ann"_s, kCGImagePropertyTIFFCopyright);
+            m.setTiffValue(u"a lake"_s, kCGImagePropertyTIFFImageDescription);
+        };
+        const QJsonObject record = m_copies.recordOf(source, edit, "image/gif");
         QCOMPARE(comparable(record[u"XMP-tiff:Artist"]), u"Ann"_s);
         QCOMPARE(comparable(record[u"XMP-tiff:Copyright"]), u"(c) Ann"_s);
         QCOMPARE(comparable(record[u"XMP-tiff:ImageDescription"]), u"a lake"_s);
@@ -326,7 +276,7 @@ private Q_SLOTS:
                 "'-RegionInfoMP={Regions=[{PersonDisplayName=Jane,Rectangle=0.85|, 0|, 0.1|, 0.2}]}' "
                 "'-ExifIFD:SubjectArea=360 30 40 60' '-XMP-exif:SubjectArea=360 30 40 60' -IPTC:City=Oslo"));
         const auto metadata = EmbeddedMetadata::read(source);
-        EmbeddedMetadata::CopyFacts facts{QSize(16, 16), 0};
+        EmbeddedMetadata::CopyFacts facts{QSize(16, 16)};
         for (const bool isTurned : {false, true}) {
             facts.isTurned = isTurned;
             const auto encoded = metadata->encodeForCopy(metadata->properties(), facts);

@@ -79,29 +79,6 @@ bool isGone(const Clearing &clearing, const QString &tag)
            });
 }
 
-/// A directory entry of little-endian EXIF.
-QByteArray entry(int tag, int type, qsizetype count, qsizetype valueOrPlace)
-{
-    return little16(tag) + little16(type) + little32(count) + little32(valueOrPlace);
-}
-
-/// EXIF with the maker note of a Panasonic on a trip: image quality, then texts of 8 bytes by tag.
-QByteArray panasonicExif(const QMap<int, QByteArray> &places)
-{
-    constexpr qsizetype kNote = 66;
-    const qsizetype directoryBytes = 2 + 12 * (places.size() + 1) + 4;
-    QByteArray note = "Panasonic\0\0\0"_ba + little16(places.size() + 1) + entry(1, 3, 1, 2);
-    QByteArray texts;
-    for (auto place = places.begin(); place != places.end(); ++place) {
-        note += entry(place.key(), 7, 8, kNote + 12 + directoryBytes + texts.size());
-        texts += place->leftJustified(8, '\0');
-    }
-    note += little32(0) + texts;
-    return "II\x2A\0"_ba + little32(8) + little16(2) + entry(0x010F, 2, 10, 38) + entry(0x8769, 4, 1, 48) +
-           little32(0) + "Panasonic\0"_ba + little16(1) + entry(0x927C, 7, note.size(), kNote) + little32(0) +
-           note;
-}
-
 } // namespace
 
 /// Clearings reach every place in which a file may hold something of the group; exiftool reads the copies.
@@ -132,49 +109,22 @@ private Q_SLOTS:
         }
         const auto records = exiftoolRecords(paths);
         QCOMPARE(records.size(), paths.size());
-        for (const ImageFormat &format : formatsWithMetadata()) {
-            for (const bool isModelled : {true, false}) {
-                const QJsonObject untouched = records[paths.takeFirst()];
-                for (const Clearing &clearing : kClearings) {
-                    const QJsonObject record = records[paths.takeFirst()];
-                    const auto says = [&](const QString &tag) {
-                        return QStringLiteral("%1, %2: %3")
-                            .arg(QLatin1StringView(format.name), QLatin1StringView(clearing.name), tag)
-                            .toUtf8();
-                    };
-                    const QStringList tags = untouched.keys();
-                    QVERIFY(!isModelled || std::any_of(tags.begin(), tags.end(), [&](const QString &tag) {
-                        return isGone(clearing, tag);
-                    }));
-                    for (const QString &tag : record.keys())
-                        QVERIFY2(!isGone(clearing, tag), says(tag));
-                    for (const QString &tag : isModelled ? words(clearing.keptTags) : QStringList())
-                        QVERIFY2(record[tag] == untouched[tag], says(tag));
-                }
+        while (!paths.isEmpty()) {
+            const bool isModelled = paths.size() / (std::size(kClearings) + 1) % 2 == 0;
+            const QJsonObject untouched = records[paths.takeFirst()];
+            for (const Clearing &clearing : kClearings) {
+                const QJsonObject record = records[paths.takeFirst()];
+                QStringList cleared = untouched.keys();
+                cleared.removeIf([&](const QString &tag) { return !isGone(clearing, tag); });
+                QVERIFY2(!isModelled || !cleared.isEmpty(), clearing.name);
+                QStringList faults = record.keys();
+                faults.removeIf([&](const QString &tag) { return !isGone(clearing, tag); });
+                for (const QString &tag : isModelled ? words(clearing.keptTags) : QStringList())
+                    faults += record[tag] != untouched[tag] ? QStringList(tag) : QStringList();
+                QVERIFY2(faults.isEmpty(),
+                         qPrintable(QLatin1StringView(clearing.name) + u": "_s + faults.join(u' ')));
             }
         }
-    }
-
-    /// A dictionary that is empty in the copy is a clearing, too.
-    void emptiedDictionariesAreCleared()
-    {
-        const auto metadata = EmbeddedMetadata::read(m_full);
-        const auto check = [&](const QStringList &dictionaries, ClearedGroup group) {
-            QVariantMap properties = metadata->properties();
-            for (const QString &dictionary : dictionaries)
-                properties.insert(dictionary, QVariantMap());
-            EmbeddedMetadata::CopyFacts facts{QSize(16, 16), 0};
-            const auto emptied = metadata->encodeForCopy(properties, facts);
-            facts.cleared = group;
-            const auto cleared = metadata->encodeForCopy(properties, facts);
-            QVERIFY(cleared.exif != metadata->encodeForCopy(metadata->properties(), {QSize(16, 16), 0}).exif);
-            QCOMPARE(emptied.exif, cleared.exif);
-            QCOMPARE(emptied.iptc, cleared.iptc);
-            QCOMPARE(emptied.xmp, cleared.xmp);
-        };
-        check({kCGImagePropertyGPSDictionary}, ClearedGroup::Gps);
-        check({kCGImagePropertyExifDictionary, kCGImagePropertyExifAuxDictionary}, ClearedGroup::Exif);
-        check({kCGImagePropertyIPTCDictionary}, ClearedGroup::Iptc);
     }
 
     /// Values equal to the old ones included.
@@ -194,26 +144,26 @@ private Q_SLOTS:
         QVERIFY(!record.contains(u"IPTC:Writer-Editor"_s));
     }
 
-    /// What a camera looks up of a place is removed; which of two clocks counts is not.
+    /// A place that the camera has looked up is removed; the choice of one of two clocks stays.
     void clearedGpsLeavesNoPlaceInMakerNotes()
     {
-        EmbeddedMetadata::Encoded panasonic;
-        panasonic.exif = panasonicExif(
-            {{0x67, "Here"}, {0x69, "Norway"}, {0x6B, "Viken"}, {0x6D, "Oslo"}, {0x6F, "Opera"}});
+        // Image quality, then a place in each of five fields.
+        QList<ExifField> fields{{1, 3, big16(2)}};
+        for (const int tag : {0x67, 0x69, 0x6B, 0x6D, 0x6F})
+            fields += {tag, 7, "Norway\0\0"_ba};
+        const QByteArray note = "Panasonic\0\0\0"_ba + exifDirectory(98 + 12, fields);
         const QString path = m_folder.path("panasonic.jpg");
-        QVERIFY(writeFile(path, jpegWith(panasonic)));
+        QVERIFY(writeFile(path, jpegWith({.exif = exifWith({{0x927C, 7, note}}, "Panasonic\0"_ba)})));
         const QString pentax = realPhoto("jpeg/pentax-ist-d.jpg");
         const QString quality = u"Panasonic:ImageQuality"_s;
         const QString clock = u"Pentax:WorldTimeLocation"_s;
         for (const QString &source :
              photosFolder().isEmpty() ? QStringList(path) : QStringList{path, pentax}) {
             const QJsonObject before = exiftoolRecords({source}).value(source);
-            QVERIFY(source != path || before[u"Panasonic:City"].toString() == u"Oslo");
+            QVERIFY(source != path || before[u"Panasonic:City"].toString() == u"Norway");
             QVERIFY(source != pentax || before.contains(clock));
             const QString copy = m_copies.copyOf(source, [](ImageMetadata &m) { m.clearGPSData(); });
             const QJsonObject after = exiftoolRecords({copy}).value(copy);
-            for (const char *tag : {"Location", "Country", "State", "City", "Landmark"})
-                QVERIFY2(!after.contains(u"Panasonic:"_s + QLatin1StringView(tag)), tag);
             QVERIFY(!contentsOf(copy).contains("Norway"));
             QCOMPARE(after[quality], before[quality]);
             QCOMPARE(after[clock], before[clock]);
@@ -239,15 +189,11 @@ private Q_SLOTS:
             copies += m_folder.path(u"%1.jpg"_s.arg(copies.size()));
             QVERIFY(writeFile(copies.last(), jpegWith(metadata->encodeForCopy({}, facts))));
         }
-        const auto sources = exiftoolRecords(photos, options);
         const auto records = exiftoolRecords(copies, options);
-        int withSomething = 0;
         for (qsizetype i = 0; i < photos.size(); ++i) {
             const QStringList left = records.value(copies[i]).keys();
             QVERIFY2(left == QStringList(u"SourceFile"_s), qPrintable(photos[i] + left.join(u' ')));
-            withSomething += sources.value(photos[i]).size() > 1;
         }
-        QVERIFY(withSomething >= 30);
     }
 
 private:

@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "editedcopies.h"
 #include "imageio/embedded/embeddedmetadata.h"
-#include "imageio/imagedestination.h"
-#include "imageio/imagesource.h"
-#include "metadata/propertykeys.h"
 #include "support/bytes.h"
-#include "support/files.h"
-#include "support/testenvironment.h"
-#include "support/testpictures.h"
 
 #include <QTest>
 
@@ -28,22 +23,16 @@ QByteArray packed(const QByteArray &keyword, const QByteArray &text)
     return pngChunk("zTXt", keyword + '\0' + '\0' + qCompress(text, 9).mid(4));
 }
 
-QByteArray international(const QByteArray &keyword, const QByteArray &text, bool isPacked)
+QByteArray international(const QByteArray &keyword, char isPacked, const QByteArray &bytes)
 {
-    const QByteArray bytes = isPacked ? qCompress(text).mid(4) : text;
-    return pngChunk("iTXt", keyword + '\0' + (isPacked ? '\1' : '\0') + '\0' + "en" + '\0' + '\0' + bytes);
+    return pngChunk("iTXt", keyword + '\0' + isPacked + '\0' + "en" + '\0' + '\0' + bytes);
 }
 
 QByteArray someTexts()
 {
     return plain("Author", "Ann") + plain("Copyright", "\xA9 Ann") + packed("Title", "A lake") +
-           international("Description", "Łódź", true) + international("Disclaimer", "no warranty", false) +
-           plain("Comment", "hello");
-}
-
-QVariant iptc(const QVariantMap &properties, QLatin1StringView key)
-{
-    return properties.value(kCGImagePropertyIPTCDictionary).toMap().value(key);
+           international("Description", 1, qCompress("Łódź").mid(4)) +
+           international("Disclaimer", 0, "no warranty") + plain("Comment", "hello");
 }
 
 } // namespace
@@ -61,11 +50,7 @@ private Q_SLOTS:
                     plain("Picture", "/9j/4AAQSkZJRg") + plain("Source", QByteArray(300'000, 'x')) +
                     plain(" not proper", "x") + plain("", "x") + pngChunk("iTXt", "Warning") +
                     pngChunk("zTXt", "Warning\0"));
-        const QString copy =
-            copyOf(path, "image/png",
-                   {{kCGImagePropertyTIFFDictionary, QVariantMap{{kCGImagePropertyTIFFSoftware, u"New"_s},
-                                                                 {kCGImagePropertyTIFFArtist, u"Ann"_s}}}});
-        const QByteArray bytes = contentsOf(copy);
+        const QByteArray bytes = copyOf(path, [](ImageMetadata &m) { m.setTiffSoftware(u"New"_s); });
         QImage image;
         QVERIFY(image.loadFromData(bytes, "PNG"));
         QMap<QString, QString> texts;
@@ -84,35 +69,35 @@ private Q_SLOTS:
 
     void otherFormatsHoldTheSame()
     {
-        const QString copy = copyOf(pngWith(someTexts()), "image/jpeg");
-        const QVariantMap properties = EmbeddedMetadata::read(copy)->properties();
-        QCOMPARE(iptc(properties, kCGImagePropertyIPTCByline), QVariant(QVariantList{u"Ann"_s}));
-        QCOMPARE(iptc(properties, kCGImagePropertyIPTCObjectName), QVariant(u"A lake"_s));
-        QCOMPARE(iptc(properties, kCGImagePropertyIPTCCaptionAbstract), QVariant(u"Łódź"_s));
-        QCOMPARE(iptc(properties, kCGImagePropertyIPTCCopyrightNotice), QVariant(u"© Ann"_s));
-        QCOMPARE(properties.value(kCGImagePropertyTIFFDictionary).toMap().value(kCGImagePropertyTIFFArtist),
-                 QVariant(u"Ann"_s));
+        const QString copy = m_copies.copyOf(pngWith(someTexts()), [](ImageMetadata &) {});
+        const ImageMetadata read(EmbeddedMetadata::read(copy)->properties());
+        QCOMPARE(read.iptcCreator(), QVariant(u"Ann"_s));
+        QCOMPARE(read.iptcTitle(), QVariant(u"A lake"_s));
+        QCOMPARE(read.iptcDescription(), QVariant(u"Łódź"_s));
+        QCOMPARE(read.iptcCopyright(), QVariant(u"© Ann"_s));
+        QCOMPARE(read.tiffArtist(), QVariant(u"Ann"_s));
     }
 
     void clearedAndEditedTexts()
     {
         const QString path = pngWith(someTexts());
-        const auto copyWithIptc = [&](const QVariantMap &values) {
-            return copyOf(
-                path, "image/png",
-                {{kCGImagePropertyTIFFDictionary, QVariantMap()}, {kCGImagePropertyIPTCDictionary, values}});
-        };
-        const QByteArray cleared = contentsOf(copyWithIptc({}));
+        const QByteArray cleared = copyOf(path, [](ImageMetadata &m) {
+            m.clearIptcDataKeepCopyright(false, false);
+            m.clearTiffDataKeepCopyright(false, false);
+        });
         QVERIFY(!cleared.isEmpty());
         for (const char *word : {"Ann", "A lake", "warranty", "Description", "tEXt"})
             QVERIFY2(!cleared.contains(word), word);
 
-        const QImage kept(copyWithIptc({{kCGImagePropertyIPTCCopyrightNotice, u"© Ann"_s}}));
+        const QImage kept = QImage::fromData(
+            copyOf(path, [](ImageMetadata &m) { m.clearIptcDataKeepCopyright(true, false); }));
         QCOMPARE(kept.text(u"Copyright"_s), u"© Ann"_s);
         QVERIFY(!kept.textKeys().contains(u"Author"_s));
 
-        const QImage edited(copyWithIptc(
-            {{kCGImagePropertyIPTCByline, QVariantList{u"Bob"_s}}, {kCGImagePropertyIPTCCity, u"Ulm"_s}}));
+        const QImage edited = QImage::fromData(copyOf(path, [](ImageMetadata &m) {
+            m.setIptcCreator(u"Bob"_s);
+            m.setIptcTitle({});
+        }));
         QCOMPARE(edited.text(u"Author"_s), u"Bob"_s);
         QCOMPARE(edited.text(u"Disclaimer"_s), u"no warranty"_s);
         QVERIFY(!edited.textKeys().contains(u"Title"_s));
@@ -139,21 +124,13 @@ private:
         return writeFile(path, file) ? path : QString();
     }
 
-    /// @param changed  dictionaries in place of the source's
-    /// @return the copy's path; empty on failure
-    QString copyOf(const QString &path, const char *type, const QVariantMap &changed = {}) const
+    /// The bytes of a PNG with edited metadata.
+    QByteArray copyOf(const QString &path, const EditedCopies::Edit &edit)
     {
-        const Result<ImageSource> source = ImageSource::open(path);
-        const QString copy = m_folder.path("copy");
-        QFile file(copy);
-        if (!source || !file.open(QIODevice::WriteOnly))
-            return {};
-        QVariantMap properties = source->properties();
-        properties.insert(changed);
-        const CopyRequest request{QString::fromLatin1(type), properties, &*source};
-        return writeImage(file, QImage(path), request) ? copy : QString();
+        return contentsOf(m_copies.copyOf(path, edit, "image/png"));
     }
 
+    EditedCopies m_copies;
     TestFolder m_folder;
 };
 

@@ -3,12 +3,14 @@
 #include "imageio/embedded/exif/embeddedpictures.h"
 
 #include "imageio/container/picturestarts.h"
+#include "imageio/embedded/exif/exifvalues.h"
 #include "imageio/embedded/metadataclearing.h"
 
 #include <QtEndian>
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <optional>
 #include <string_view>
 
@@ -51,25 +53,20 @@ bool isDngTag(uint16_t tag)
     return !isOfCamera && ((tag >= 0xC612 && tag <= 0xC7FF) || (tag >= 0xCD2D && tag <= 0xCD4F));
 }
 
-template<class Datum>
-QByteArray bytesOf(const Datum &datum)
+QByteArray bytesOf(const Exiv2::Value &value)
 {
-    QByteArray bytes(std::max<qsizetype>(0, datum.size()), '\0');
-    if (!bytes.isEmpty())
-        datum.copy(reinterpret_cast<Exiv2::byte *>(bytes.data()), Exiv2::littleEndian);
-    return bytes;
+    return bytesOfValue(value, std::numeric_limits<long>::max());
 }
 
 bool holdsPicture(const Exiv2::Exifdatum &datum)
 {
     const Exiv2::DataBuf area = datum.dataArea();
-    if (area.pData_ &&
-        holdsPictureStart(reinterpret_cast<const char *>(area.pData_), static_cast<size_t>(area.size_)))
+    if (area.pData_ && holdsPictureStart(QByteArrayView(area.pData_, area.size_)))
         return true;
-    const QByteArray bytes = bytesOf(datum);
+    const QByteArray bytes = bytesOf(datum.value());
     // The notes of some makers are built like a TIFF file, and begin like one.
     if (datum.key() == "Exif.Photo.MakerNote")
-        return holdsPictureStart(bytes.constData(), static_cast<size_t>(bytes.size()));
+        return holdsPictureStart(bytes);
     constexpr qsizetype kCharacterCode = 8;
     return isPictureValue(bytes) ||
            (datum.key() == "Exif.Photo.UserComment" && isPictureValue(bytes.mid(kCharacterCode)));
@@ -145,30 +142,25 @@ bool isPictureStructureTag(uint16_t tag)
 
 void erasePicturesFromExif(Exiv2::ExifData &exif)
 {
-    const bool isRaw = exif.findKey(Exiv2::ExifKey("Exif.Image.DNGVersion")) != exif.end();
+    const bool isRaw = exifDatum(exif, "Exif.Image.DNGVersion");
     eraseMetadataIf(exif, [isRaw](const Exiv2::Exifdatum &datum) {
         const std::string group = datum.groupName();
         if (group == "Image" && (isPictureStructureTag(datum.tag()) || (isRaw && isDngTag(datum.tag()))))
             return true;
         return !isOfKeptGroup(group) || isPreviewTag(datum);
     });
-    // The maker note as a whole is encoded again from its decoded fields, and inspected after that.
-    eraseMetadataIf(exif, [&exif](const Exiv2::Exifdatum &datum) {
-        const bool isDecodedElsewhere =
-            datum.key() == "Exif.Photo.MakerNote" &&
-            std::any_of(exif.begin(), exif.end(),
-                        [](const Exiv2::Exifdatum &other) { return isMakerNoteGroup(other.groupName()); });
-        return !isDecodedElsewhere && holdsPicture(datum);
+    // A maker note with decoded fields is encoded again, and inspected after that.
+    const bool isNoteDecoded = makerNoteFields(exif) > 0;
+    eraseMetadataIf(exif, [isNoteDecoded](const Exiv2::Exifdatum &datum) {
+        return !(isNoteDecoded && datum.key() == "Exif.Photo.MakerNote") && holdsPicture(datum);
     });
 }
 
 bool erasePicturesFromIptc(Exiv2::IptcData &iptc)
 {
-    const auto before = iptc.size();
-    eraseMetadataIf(iptc, [](const Exiv2::Iptcdatum &datum) {
-        return isPictureDataSet(datum.record(), datum.tag(), bytesOf(datum));
+    return eraseMetadataIf(iptc, [](const Exiv2::Iptcdatum &datum) {
+        return isPictureDataSet(datum.record(), datum.tag(), bytesOf(datum.value()));
     });
-    return iptc.size() != before;
 }
 
 QByteArray iptcWithoutPictures(const QByteArray &block)
@@ -191,20 +183,16 @@ void erasePicturesFromXmp(Exiv2::XmpData &xmp)
 {
     eraseMetadataIf(xmp, [](const Exiv2::Xmpdatum &datum) {
         const std::string key = datum.key();
-        for (const auto beginning :
-             {"Xmp.xmp.Thumbnails"sv, "Xmp.xmpGImg."sv, "Xmp.hdrgm."sv, "Xmp.HDRGainMap."sv, "Xmp.apdi."sv,
-              "Xmp.Container."sv, "Xmp.GImage."sv, "Xmp.GDepth."sv, "Xmp.GAudio."sv,
-              "Xmp.GCamera.MicroVideo"sv, "Xmp.GCamera.MotionPhoto"sv, "Xmp.xmpNote.HasExtendedXMP"sv}) {
-            if (key.starts_with(beginning))
-                return true;
-        }
-        if (key.find("xmpGImg:") != key.npos)
+        if (startsWithAny(key, {"Xmp.xmp.Thumbnails"sv, "Xmp.xmpGImg."sv, "Xmp.hdrgm."sv, "Xmp.HDRGainMap."sv,
+                                "Xmp.apdi."sv, "Xmp.Container."sv, "Xmp.GImage."sv, "Xmp.GDepth."sv,
+                                "Xmp.GAudio."sv, "Xmp.GCamera.MicroVideo"sv, "Xmp.GCamera.MotionPhoto"sv,
+                                "Xmp.xmpNote.HasExtendedXMP"sv}) ||
+            key.find("xmpGImg:") != key.npos)
             return true;
         // A JPEG or PNG in Base64, or a GIF, WebP or TIFF.
         const std::string value = datum.size() > 64 ? datum.toString() : std::string();
         return value.find("/9j/") != value.npos || value.find("iVBORw0KGgo") != value.npos ||
-               value.starts_with("R0lGOD") || value.starts_with("UklGR") || value.starts_with("SUkqA") ||
-               value.starts_with("TU0AK");
+               startsWithAny(value, {"R0lGOD"sv, "UklGR"sv, "SUkqA"sv, "TU0AK"sv});
     });
 }
 

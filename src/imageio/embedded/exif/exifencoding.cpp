@@ -19,11 +19,6 @@ namespace plexa
 namespace
 {
 
-bool holdsPicture(const QByteArray &bytes)
-{
-    return holdsPictureStart(bytes.constData(), static_cast<size_t>(bytes.size()));
-}
-
 /// Bytes that occur nowhere else: letters, so that no picture can seem to begin in them.
 QByteArray newPlaceholder(qsizetype bytes)
 {
@@ -67,7 +62,7 @@ public:
     QByteArray encoded(NoteWay way, const QByteArray &thumbnail) const
     {
         const QByteArray blob = written(way, thumbnail);
-        const bool isValid = !holdsPicture(blob) && (thumbnail.isEmpty() || blob.count(thumbnail) == 1);
+        const bool isValid = !holdsPictureStart(blob) && (thumbnail.isEmpty() || blob.count(thumbnail) == 1);
         return isValid ? blob : QByteArray();
     }
 
@@ -86,7 +81,7 @@ private:
                 if (makerNoteFields(m_exif) == 0 || !canRewriteMakerNote(m_exif, m_note, m_order))
                     return {};
                 const QByteArray encoded = encodedByLibrary(m_exif, m_order, thumbnail);
-                return saysMakerNote(encoded, m_exif) ? encoded : QByteArray();
+                return holdsMakerNote(encoded, m_exif) ? encoded : QByteArray();
             } catch (const std::exception &) {
                 return {}; // the next way needs nothing of the maker note
             }
@@ -184,10 +179,9 @@ QByteArray shortened(ExifEncoder &encoder, qsizetype maxBytes, QStringList &omit
 
 } // namespace
 
-EncodedExif encodedExif(Exiv2::ExifData exif, Exiv2::ByteOrder order, const MakerNoteBlock &note,
-                        const EmbeddedMetadata::CopyFacts &facts)
+void encodeExif(EmbeddedMetadata::Encoded &result, Exiv2::ExifData exif, Exiv2::ByteOrder order,
+                const MakerNoteBlock &note, const EmbeddedMetadata::CopyFacts &facts)
 {
-    EncodedExif result;
     ExifEncoder encoder(std::move(exif), order, note);
     NoteWay way = NoteWay::None;
     bool isTooLong = false;
@@ -196,25 +190,24 @@ EncodedExif encodedExif(Exiv2::ExifData exif, Exiv2::ByteOrder order, const Make
         isTooLong = isTooLong || bytes.size() > facts.maxExifBytes;
         if (bytes.isEmpty() || bytes.size() > facts.maxExifBytes)
             continue;
-        result.bytes = bytes;
+        result.exif = bytes;
         way = candidate;
         break;
     }
     const bool hadNote = !note.bytes.isEmpty() || makerNoteFields(encoder.exif()) > 0;
     if (hadNote && way == NoteWay::None)
         result.omitted += u"maker note"_qs;
-    if (isTooLong && result.bytes.isEmpty())
-        result.bytes = shortened(encoder, facts.maxExifBytes, result.omitted);
-    if (facts.thumbnailBytes <= 0 || result.bytes.isEmpty() ||
-        result.bytes.size() + facts.thumbnailBytes > facts.maxExifBytes)
-        return result;
+    if (isTooLong && result.exif.isEmpty())
+        result.exif = shortened(encoder, facts.maxExifBytes, result.omitted);
+    if (facts.thumbnailBytes <= 0 || result.exif.isEmpty() ||
+        result.exif.size() + facts.thumbnailBytes > facts.maxExifBytes)
+        return;
     const QByteArray placeholder = newPlaceholder(facts.thumbnailBytes);
     const QByteArray withThumbnail = encoder.encoded(way, placeholder);
     if (!withThumbnail.isEmpty() && withThumbnail.size() <= facts.maxExifBytes) {
-        result.bytes = withThumbnail;
+        result.exif = withThumbnail;
         result.thumbnailPlaceholder = placeholder;
     }
-    return result;
 }
 
 } // namespace plexa

@@ -4,8 +4,6 @@
 
 #include "metadata/metadatatext.h"
 
-#include <QRegularExpression>
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -18,7 +16,6 @@ namespace
 
 // More elements than any array field has; longer values are data.
 constexpr long kMaxElements = 256;
-constexpr long kMaxTextBytes = 1024 * 1024;
 
 QVariant integerOf(const Exiv2::Value &value)
 {
@@ -49,19 +46,6 @@ QVariant copyrightOf(const Exiv2::Value &value)
             texts += text;
     }
     return textOrNothing(texts.join(u'\n'));
-}
-
-/// "0221" is [2, 2, 1], "0100" is [1, 0].
-QVariant versionOf(const Exiv2::Value &value)
-{
-    const QByteArray digits = bytesOfValue(value);
-    if (digits.size() != 4 ||
-        !QRegularExpression(QStringLiteral("^[0-9]{4}$")).match(QString::fromLatin1(digits)).hasMatch())
-        return {};
-    QVariantList parts{digits.left(2).toInt(), digits[2] - '0'};
-    if (digits[3] != '0')
-        parts += digits[3] - '0';
-    return parts;
 }
 
 QVariant degreesOf(const Exiv2::Value &value)
@@ -110,6 +94,17 @@ QVariant commentOf(const Exiv2::Value &value, Exiv2::ByteOrder order)
 }
 
 } // namespace
+
+QVariant versionOf(const QByteArray &digits)
+{
+    if (digits.size() != 4 ||
+        !std::all_of(digits.begin(), digits.end(), [](char digit) { return digit >= '0' && digit <= '9'; }))
+        return {};
+    QVariantList parts{digits.left(2).toInt(), digits[2] - '0'};
+    if (digits[3] != '0')
+        parts += digits[3] - '0';
+    return parts;
+}
 
 QVariant numberOfValue(const Exiv2::Value &value, long n)
 {
@@ -167,9 +162,21 @@ QVariantList numbersOfValue(const Exiv2::Value &value)
     return numbers;
 }
 
-QByteArray bytesOfValue(const Exiv2::Value &value)
+const Exiv2::Exifdatum *exifDatum(const Exiv2::ExifData &exif, const char *key)
 {
-    if (value.size() <= 0 || value.size() > kMaxTextBytes)
+    const auto found = exif.findKey(Exiv2::ExifKey(key));
+    return found == exif.end() ? nullptr : &*found;
+}
+
+bool hasExifGroup(const Exiv2::ExifData &exif, const char *group)
+{
+    return std::any_of(exif.begin(), exif.end(),
+                       [group](const Exiv2::Exifdatum &datum) { return datum.groupName() == group; });
+}
+
+QByteArray bytesOfValue(const Exiv2::Value &value, long maxBytes)
+{
+    if (value.size() <= 0 || value.size() > maxBytes)
         return {};
     QByteArray bytes(value.size(), '\0');
     value.copy(reinterpret_cast<Exiv2::byte *>(bytes.data()), Exiv2::littleEndian);
@@ -230,7 +237,7 @@ QVariant propertyOfValue(const Exiv2::Value &value, MetadataKind kind, bool isTr
         return numbers.isEmpty() ? QVariant() : QVariant(numbers);
     }
     case MetadataKind::Version:
-        return versionOf(value);
+        return versionOf(bytesOfValue(value));
     case MetadataKind::Degrees:
         return degreesOf(value);
     case MetadataKind::TimeOfDay:

@@ -18,6 +18,9 @@ namespace plexa
 QVariant propertyOfValue(const Exiv2::Value &value, MetadataKind kind, bool isTrimmed,
                          Exiv2::ByteOrder order);
 
+/// "0221" is [2, 2, 1], "0100" is [1, 0]; invalid for anything but four digits.
+QVariant versionOf(const QByteArray &digits);
+
 /// Is this one number or several, bytes included?
 bool isNumeric(const Exiv2::Value &value);
 
@@ -28,8 +31,15 @@ QVariant numberOfValue(const Exiv2::Value &value, long n);
 /// All elements, 0 for the unknown; empty when the value is no numbers or too many.
 QVariantList numbersOfValue(const Exiv2::Value &value);
 
-/// The bytes of a value, numbers in little endian; empty when it is longer than a text for people.
-QByteArray bytesOfValue(const Exiv2::Value &value);
+/// The field of this key; null: absent.
+const Exiv2::Exifdatum *exifDatum(const Exiv2::ExifData &exif, const char *key);
+
+/// Is there a field of this group ("Photo", "Nikon3")?
+bool hasExifGroup(const Exiv2::ExifData &exif, const char *group);
+
+/// The bytes of a value, numbers in little endian; empty when it is longer than the limit.
+inline constexpr long kMaxTextBytes = 1024 * 1024;
+QByteArray bytesOfValue(const Exiv2::Value &value, long maxBytes = kMaxTextBytes);
 
 /// The character set that an IPTC record states (data set 1:90), for decodedIptcText(); empty: none.
 QByteArray iptcCharacterSet(const Exiv2::IptcData &iptc);

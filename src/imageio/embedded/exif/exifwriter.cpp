@@ -29,7 +29,6 @@ struct Entry {
     uint16_t type = 0;
     uint32_t count = 0;
     QByteArray data; ///< in the byte order of the file; more than four bytes lie outside of the directory
-    qsizetype place = -1; ///< where the data lie already; negative: the directory writes them
 };
 
 using Directory = QMap<uint16_t, Entry>; // sorted by tag, as TIFF wants it
@@ -67,8 +66,8 @@ public:
         return QByteArray(reinterpret_cast<const char *>(buffer), 4);
     }
 
-    Entry longEntry(qsizetype number) const { return {Exiv2::unsignedLong, 1, number32(number), -1}; }
-    Entry shortEntry(uint16_t number) const { return {Exiv2::unsignedShort, 1, number16(number), -1}; }
+    Entry longEntry(qsizetype number) const { return {Exiv2::unsignedLong, 1, number32(number)}; }
+    Entry shortEntry(uint16_t number) const { return {Exiv2::unsignedShort, 1, number16(number)}; }
 
     Directory directoryOf(const Exiv2::ExifData &exif, const char *group) const
     {
@@ -115,9 +114,7 @@ public:
         QByteArray table = number16(static_cast<uint16_t>(directory.size()));
         for (auto entry = directory.begin(); entry != directory.end(); ++entry) {
             table += number16(entry.key()) + number16(entry->type) + number32(entry->count);
-            if (entry->place >= 0) {
-                table += number32(entry->place);
-            } else if (entry->data.size() <= 4) {
+            if (entry->data.size() <= 4) {
                 table += entry->data.leftJustified(4, '\0');
             } else {
                 table += number32(valueAt);
@@ -128,10 +125,20 @@ public:
         put(at, table + number32(next));
     }
 
+    /// Writes the child, if it has entries, and a pointer to it into the parent.
+    void addChild(Directory &parent, uint16_t pointer, const Directory &child)
+    {
+        if (child.isEmpty())
+            return;
+        const qsizetype at = placeFor(sizeOf(child));
+        parent.insert(pointer, longEntry(at));
+        write(at, child);
+    }
+
     /// Writes the directory of a JPEG thumbnail and returns where it begins.
     qsizetype writeThumbnail(const QByteArray &thumbnail)
     {
-        const Entry density{Exiv2::unsignedRational, 1, number32(72) + number32(1), -1};
+        const Entry density{Exiv2::unsignedRational, 1, number32(72) + number32(1)};
         Directory directory{{0x0103, shortEntry(6)}, // old-style JPEG
                             {0x011A, density},
                             {0x011B, density},
@@ -167,7 +174,7 @@ private:
             return {};
         const long count = type == Exiv2::undefined ? size : datum.count();
         return Entry{static_cast<uint16_t>(type), static_cast<uint32_t>(count),
-                     QByteArray(reinterpret_cast<const char *>(buffer.pData_), size), -1};
+                     QByteArray(reinterpret_cast<const char *>(buffer.pData_), size)};
     }
 
     Exiv2::ByteOrder m_order;
@@ -193,35 +200,17 @@ QByteArray writtenExif(const Exiv2::ExifData &exif, Exiv2::ByteOrder order, cons
     const Directory gps = writer.directoryOf(exif, "GPSInfo");
     const Directory interoperability = writer.directoryOf(exif, "Iop");
     if (!makerNote.bytes.isEmpty())
-        photo.insert(kMakerNote,
-                     {Exiv2::undefined, static_cast<uint32_t>(makerNote.bytes.size()),
-                      hasPlace ? QByteArray() : makerNote.bytes, hasPlace ? makerNote.offset : -1});
+        photo.insert(kMakerNote, {Exiv2::undefined, static_cast<uint32_t>(makerNote.bytes.size()),
+                                  hasPlace ? writer.number32(makerNote.offset) : makerNote.bytes});
     if (hasPlace)
         writer.put(makerNote.offset, makerNote.bytes);
 
-    // The pointers have to be there before the directories' sizes are known.
-    if (!interoperability.isEmpty())
-        photo.insert(kInteroperabilityPointer, writer.longEntry(0));
-    if (!photo.isEmpty())
-        main.insert(kExifPointer, writer.longEntry(0));
-    if (!gps.isEmpty())
-        main.insert(kGpsPointer, writer.longEntry(0));
-    const qsizetype mainAt = writer.placeFor(Writer::sizeOf(main));
-    if (!photo.isEmpty()) {
-        const qsizetype photoAt = writer.placeFor(Writer::sizeOf(photo));
-        main[kExifPointer] = writer.longEntry(photoAt);
-        if (!interoperability.isEmpty()) {
-            const qsizetype at = writer.placeFor(Writer::sizeOf(interoperability));
-            photo[kInteroperabilityPointer] = writer.longEntry(at);
-            writer.write(at, interoperability);
-        }
-        writer.write(photoAt, photo);
-    }
-    if (!gps.isEmpty()) {
-        const qsizetype at = writer.placeFor(Writer::sizeOf(gps));
-        main[kGpsPointer] = writer.longEntry(at);
-        writer.write(at, gps);
-    }
+    // The main directory comes first, so its place has to be known before those of the others.
+    const int pointers = (photo.isEmpty() && interoperability.isEmpty() ? 0 : 1) + (gps.isEmpty() ? 0 : 1);
+    const qsizetype mainAt = writer.placeFor(Writer::sizeOf(main) + pointers * kEntryBytes);
+    writer.addChild(photo, kInteroperabilityPointer, interoperability);
+    writer.addChild(main, kExifPointer, photo);
+    writer.addChild(main, kGpsPointer, gps);
     writer.write(mainAt, main, thumbnail.isEmpty() ? 0 : writer.writeThumbnail(thumbnail));
     writer.start(mainAt);
     return writer.bytes();

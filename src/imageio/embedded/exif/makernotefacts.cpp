@@ -63,7 +63,15 @@ std::vector<const char *> keysOf(QLatin1StringView fact)
     return keys;
 }
 
-/// Looks into one file's maker notes.
+bool isLensName(const QString &text)
+{
+    static const QRegularExpression noName(
+        QStringLiteral("^(\\(?[0-9 .x]*\\)?|n/a|none|unknown.*|no lens.*|manual lens.*|-+)$"),
+        QRegularExpression::CaseInsensitiveOption);
+    return !noName.match(text).hasMatch();
+}
+
+/// Reads one file's maker notes.
 class MakerNotes
 {
 public:
@@ -74,8 +82,8 @@ public:
 
     const Exiv2::Exifdatum *find(const char *key) const
     {
-        const auto found = m_exif.findKey(Exiv2::ExifKey(key));
-        return found == m_exif.end() || found->count() < 1 ? nullptr : &*found;
+        const Exiv2::Exifdatum *found = exifDatum(m_exif, key);
+        return found && found->count() > 0 ? found : nullptr;
     }
 
     /// The first of the fact's fields that holds a text.
@@ -100,132 +108,112 @@ public:
                    : 0;
     }
 
-    /// As the library words it for people.
+    /// In the library's words for people.
     QString interpreted(const Exiv2::Exifdatum &datum) const
     {
         return trimmedAtEnd(decodedField(QByteArray::fromStdString(datum.print(&m_exif))));
     }
 
-    QString lensName() const;
+    /// Interpreted; empty for unknown lenses, which come as numbers.
+    QString lensName() const
+    {
+        const auto found = Exiv2::lensName(m_exif);
+        if (found != m_exif.end()) {
+            const QString name = interpreted(*found);
+            if (isLensName(name))
+                return name;
+        }
+        // Newer than the library's tables: the name that the lens gives itself, or its range.
+        const QString own = text(kCGImagePropertyExifAuxLensModel).toString();
+        if (!own.isEmpty() && isLensName(own))
+            return own;
+        const Exiv2::Exifdatum *range = lensRange();
+        return range && numberOfValue(range->value(), 0).toDouble() > 0 ? interpreted(*range) : QString();
+    }
+
     /// Focal lengths and apertures: four numbers.
-    const Exiv2::Exifdatum *lensRange() const;
-    QVariant lensId() const;
-    QVariant serialNumber() const;
-    QVariant imageNumber() const;
-    QVariant flashCompensation() const;
+    const Exiv2::Exifdatum *lensRange() const
+    {
+        for (const char *key : keysOf(kCGImagePropertyExifAuxLensInfo)) {
+            const Exiv2::Exifdatum *datum = find(key);
+            if (datum && datum->count() == 4)
+                return datum;
+        }
+        return nullptr;
+    }
+
+    QVariant lensId() const
+    {
+        for (const char *key : keysOf(kCGImagePropertyExifAuxLensID)) {
+            // A number that names no lens comes from a damaged note or a camera without lens mount.
+            const Exiv2::Exifdatum *datum = find(key);
+            if (datum && number(key) > 0 && number(key) < 0xFFFF && isLensName(interpreted(*datum)))
+                return static_cast<int>(number(key));
+        }
+        return {};
+    }
+
+    QVariant serialNumber() const
+    {
+        if (const qlonglong canon = number("Exif.Canon.SerialNumber"); canon > 0) {
+            // As on the body: ten digits, six on the large bodies, two numbers on the first of all.
+            const Exiv2::Exifdatum *modelTag = find("Exif.Image.Model");
+            const QString model = modelTag ? textOfValue(modelTag->value(), true).toString() : QString();
+            if (model.endsWith(u"EOS D30"))
+                return QStringLiteral("%1-%2")
+                    .arg(canon >> 16, 4, 16, QChar(u'0'))
+                    .arg(canon & 0xFFFF, 5, 10, QChar(u'0'));
+            return QStringLiteral("%1").arg(canon, model.contains(u"EOS-1D") ? 6 : 10, 10, QChar(u'0'));
+        }
+        const auto found = Exiv2::serialNumber(m_exif);
+        if (found != m_exif.end() && found->count() > 0) {
+            const QVariant number = isNumeric(found->value()) && found->count() == 1
+                                        ? QVariant(numberOfValue(found->value(), 0).toString())
+                                        : textOfValue(found->value(), true);
+            if (!number.toString().isEmpty())
+                return number;
+        }
+        return text(kCGImagePropertyExifAuxSerialNumber);
+    }
+
+    QVariant imageNumber() const
+    {
+        constexpr qlonglong kUnknownCount = 0xFFFFFFFF - 2046;
+        for (const char *key : keysOf(kCGImagePropertyExifAuxImageNumber)) {
+            const Exiv2::Exifdatum *datum = find(key);
+            if (datum && datum->tagName() == "ShutterCount") {
+                const qlonglong count = number(key);
+                if (count > 0 && count < kUnknownCount)
+                    return count;
+                continue;
+            }
+            // Where the bits lie depends on the model, which the library knows.
+            static const QRegularExpression folderAndFile(QStringLiteral("^([1-9][0-9]{2})-([0-9]{4})$"));
+            const auto match = folderAndFile.match(datum ? interpreted(*datum) : QString());
+            if (match.hasMatch())
+                return (match.captured(1) + match.captured(2)).toInt();
+        }
+        return {};
+    }
+
+    QVariant flashCompensation() const
+    {
+        for (const char *key : keysOf(kCGImagePropertyExifAuxFlashCompensation)) {
+            const Exiv2::Exifdatum *datum = find(key);
+            if (datum && datum->typeId() == Exiv2::signedRational)
+                return numberOfValue(datum->value(), 0);
+            static const QRegularExpression stops(QStringLiteral("^([+-]?[0-9.]+)(?:/([1-9][0-9]?))? EV$"));
+            const auto match = stops.match(datum ? interpreted(*datum) : QString());
+            if (match.hasMatch())
+                return match.captured(1).toDouble() /
+                       (match.captured(2).isEmpty() ? 1 : match.captured(2).toDouble());
+        }
+        return {};
+    }
 
 private:
     const Exiv2::ExifData &m_exif;
 };
-
-bool isLensName(const QString &text)
-{
-    static const QRegularExpression noName(
-        QStringLiteral("^(\\(?[0-9 .x]*\\)?|n/a|none|unknown.*|no lens.*|manual lens.*|-+)$"),
-        QRegularExpression::CaseInsensitiveOption);
-    return !noName.match(text).hasMatch();
-}
-
-/// Interpreted; empty for unknown lenses, which come as numbers.
-QString MakerNotes::lensName() const
-{
-    const auto found = Exiv2::lensName(m_exif);
-    if (found != m_exif.end()) {
-        const QString name = interpreted(*found);
-        if (isLensName(name))
-            return name;
-    }
-    // Newer than the library's tables: the name that the lens gives itself, or its range.
-    const QString own = text(kCGImagePropertyExifAuxLensModel).toString();
-    if (!own.isEmpty() && isLensName(own))
-        return own;
-    const Exiv2::Exifdatum *range = lensRange();
-    return range && numberOfValue(range->value(), 0).toDouble() > 0 ? interpreted(*range) : QString();
-}
-
-const Exiv2::Exifdatum *MakerNotes::lensRange() const
-{
-    for (const char *key : keysOf(kCGImagePropertyExifAuxLensInfo)) {
-        const Exiv2::Exifdatum *datum = find(key);
-        if (datum && datum->count() == 4)
-            return datum;
-    }
-    return nullptr;
-}
-
-QVariant MakerNotes::lensId() const
-{
-    for (const char *key : keysOf(kCGImagePropertyExifAuxLensID)) {
-        // A number that names no lens comes from a damaged note or a camera without lens mount.
-        const Exiv2::Exifdatum *datum = find(key);
-        if (datum && number(key) > 0 && number(key) < 0xFFFF && isLensName(interpreted(*datum)))
-            return static_cast<int>(number(key));
-    }
-    return {};
-}
-
-QVariant MakerNotes::serialNumber() const
-{
-    if (const qlonglong canon = number("Exif.Canon.SerialNumber"); canon > 0) {
-        // As on the body: ten digits, six on the large bodies, two numbers on the first of all.
-        const Exiv2::Exifdatum *modelTag = find("Exif.Image.Model");
-        const QString model = modelTag ? textOfValue(modelTag->value(), true).toString() : QString();
-        if (model.endsWith(u"EOS D30"))
-            return QStringLiteral("%1-%2")
-                .arg(canon >> 16, 4, 16, QChar(u'0'))
-                .arg(canon & 0xFFFF, 5, 10, QChar(u'0'));
-        return QStringLiteral("%1").arg(canon, model.contains(u"EOS-1D") ? 6 : 10, 10, QChar(u'0'));
-    }
-    const auto found = Exiv2::serialNumber(m_exif);
-    if (found != m_exif.end() && found->count() > 0) {
-        const QVariant number = isNumeric(found->value()) && found->count() == 1
-                                    ? QVariant(numberOfValue(found->value(), 0).toString())
-                                    : textOfValue(found->value(), true);
-        if (!number.toString().isEmpty())
-            return number;
-    }
-    return text(kCGImagePropertyExifAuxSerialNumber);
-}
-
-QVariant MakerNotes::imageNumber() const
-{
-    constexpr qlonglong kUnknownCount = 0xFFFFFFFF - 2046;
-    for (const char *key : keysOf(kCGImagePropertyExifAuxImageNumber)) {
-        const Exiv2::Exifdatum *datum = find(key);
-        if (datum && datum->tagName() == "ShutterCount") {
-            const qlonglong count = number(key);
-            if (count > 0 && count < kUnknownCount)
-                return count;
-            continue;
-        }
-        // Where the bits lie depends on the model, which the library knows.
-        static const QRegularExpression folderAndFile(QStringLiteral("^([1-9][0-9]{2})-([0-9]{4})$"));
-        const auto match = folderAndFile.match(datum ? interpreted(*datum) : QString());
-        if (match.hasMatch())
-            return (match.captured(1) + match.captured(2)).toInt();
-    }
-    return {};
-}
-
-QVariant MakerNotes::flashCompensation() const
-{
-    for (const char *key : keysOf(kCGImagePropertyExifAuxFlashCompensation)) {
-        const Exiv2::Exifdatum *datum = find(key);
-        if (datum && datum->typeId() == Exiv2::signedRational)
-            return numberOfValue(datum->value(), 0);
-        static const QRegularExpression stops(QStringLiteral("^([+-]?[0-9.]+)(?:/([1-9][0-9]?))? EV$"));
-        const auto match = stops.match(datum ? interpreted(*datum) : QString());
-        if (match.hasMatch())
-            return match.captured(1).toDouble() /
-                   (match.captured(2).isEmpty() ? 1 : match.captured(2).toDouble());
-    }
-    return {};
-}
-
-bool isOneOf(uint16_t tag, std::initializer_list<uint16_t> tags)
-{
-    return std::find(tags.begin(), tags.end(), tag) != tags.end();
-}
 
 /// A camera's own number in the notes of some makers: "SerialNumber", "InternalSerialNumber", "SerialNO".
 /// Pentax has it among other facts of the camera's making.
@@ -243,11 +231,12 @@ bool isLensInNote(const Exiv2::Exifdatum &datum)
     static const QRegularExpression lens(QStringLiteral(
         "^(LensType2?|LensModel|LensID|LensIDNumber|Lens|LensInfo|LensRange|LensFStops|LensData|LensMount|"
         "LensFormat|LensProperties|LensFirmware|LensFirmwareVersion|RFLensType)$"));
+    constexpr uint16_t kSonyTags[] = {0x0010, 0x9050, 0x9405, 0x940C, 0xB02A};
     const std::string group = datum.groupName();
     return lens.match(QString::fromStdString(datum.tagName())).hasMatch() || group.starts_with("NikonLd") ||
            (group == "Canon" && datum.tag() == 0x000D) ||
            ((group == "Sony1" || group == "Sony2") &&
-            isOneOf(datum.tag(), {0x0010, 0x9050, 0x9405, 0x940C, 0xB02A}));
+            std::ranges::find(kSonyTags, datum.tag()) != std::end(kSonyTags));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "imageio/embedded/exif/makernoterewriting.h"
 
+#include "imageio/embedded/exif/exifvalues.h"
 #include "imageio/embedded/metadataclearing.h"
 
 #include <algorithm>
@@ -19,19 +20,11 @@ namespace
 
 constexpr qsizetype kEntryBytes = 12;
 
-bool hasGroup(const Exiv2::ExifData &exif, const char *group)
-{
-    return std::any_of(exif.begin(), exif.end(),
-                       [group](const Exiv2::Exifdatum &datum) { return datum.groupName() == group; });
-}
-
 /// Nikon encrypts by the camera's serial number and the count of its shutter.
 bool hasNikonKeys(const Exiv2::ExifData &exif)
 {
-    const auto has = [&exif](const char *key) { return exif.findKey(Exiv2::ExifKey(key)) != exif.end(); };
-    if (!hasGroup(exif, "Nikon3"))
-        return true;
-    return has("Exif.Nikon3.SerialNumber") && has("Exif.Nikon3.ShutterCount");
+    return !hasExifGroup(exif, "Nikon3") ||
+           (exifDatum(exif, "Exif.Nikon3.SerialNumber") && exifDatum(exif, "Exif.Nikon3.ShutterCount"));
 }
 
 /// Where the note's directory begins, for notes whose offsets count from the start of the EXIF data. None
@@ -82,7 +75,7 @@ bool offsetsHold(const MakerNoteBlock &note, qsizetype start, Exiv2::ByteOrder o
             return false;
         first = std::min<qsizetype>(first, place);
     }
-    // Behind the directory there may be the offset of the next one, and some bytes to align the values.
+    // After the directory there may be the offset of the next one, and some bytes to align the values.
     constexpr qsizetype kMaxGap = 16;
     return first == bytes.size() || first - end <= kMaxGap;
 }
@@ -102,7 +95,7 @@ std::map<std::string, std::string> storedNoteFields(const Exiv2::ExifData &exif)
 
 } // namespace
 
-bool saysMakerNote(const QByteArray &encoded, const Exiv2::ExifData &exif)
+bool holdsMakerNote(const QByteArray &encoded, const Exiv2::ExifData &exif)
 {
     Exiv2::ExifData found;
     Exiv2::ExifParser::decode(found, reinterpret_cast<const Exiv2::byte *>(encoded.constData()),
@@ -110,10 +103,7 @@ bool saysMakerNote(const QByteArray &encoded, const Exiv2::ExifData &exif)
     const std::map<std::string, std::string> fields = storedNoteFields(found);
     const std::map<std::string, std::string> meant = storedNoteFields(exif);
     // A number that was removed from a block leaves a zero there, so that more fields may be found.
-    return std::all_of(meant.begin(), meant.end(), [&fields](const auto &field) {
-        const auto same = fields.find(field.first);
-        return same != fields.end() && same->second == field.second;
-    });
+    return std::includes(fields.begin(), fields.end(), meant.begin(), meant.end());
 }
 
 bool canRewriteMakerNote(const Exiv2::ExifData &exif, const MakerNoteBlock &note, Exiv2::ByteOrder order)
@@ -126,8 +116,8 @@ bool canRewriteMakerNote(const Exiv2::ExifData &exif, const MakerNoteBlock &note
     if (note.offset < 0)
         return false;
     // Some makers' notes have a byte order of their own.
-    const auto own = exif.findKey(Exiv2::ExifKey("Exif.MakerNote.ByteOrder"));
-    if (own != exif.end() && own->count() > 0)
+    const Exiv2::Exifdatum *own = exifDatum(exif, "Exif.MakerNote.ByteOrder");
+    if (own && own->count() > 0)
         order = own->toString().starts_with("MM") ? Exiv2::bigEndian : Exiv2::littleEndian;
     return offsetsHold(note, *start, order);
 }

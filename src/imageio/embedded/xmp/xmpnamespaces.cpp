@@ -2,12 +2,12 @@
 
 #include "imageio/embedded/xmp/xmpnamespaces.h"
 
+#include "imageio/embedded/exif/exiv2setup.h"
+
 #include <QCryptographicHash>
 #include <QSet>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
-
-#include <exiv2/exiv2.hpp>
 
 #include <algorithm>
 
@@ -19,54 +19,12 @@ namespace
 
 using namespace Qt::Literals::StringLiterals;
 
-struct KnownNamespace {
-    const char *prefix;
-    const char *address;
-};
+// The library walks the XML recursively; real packets nest less than twenty elements.
+constexpr int kMaxDepth = 200;
 
-// What phones, photo managers and lens databases write and the library does not know by itself.
-constexpr KnownNamespace kNamespaces[] = {
-    {"hdrgm", "http://ns.adobe.com/hdr-gain-map/1.0/"},
-    {"HDRGainMap", "http://ns.apple.com/HDRGainMap/1.0/"},
-    {"apdi", "http://ns.apple.com/pixeldatainfo/1.0/"},
-    {"apple-fi", "http://ns.apple.com/faceinfo/1.0/"},
-    {"Container", "http://ns.google.com/photos/1.0/container/"},
-    {"Item", "http://ns.google.com/photos/1.0/container/item/"},
-    {"GCamera", "http://ns.google.com/photos/1.0/camera/"},
-    {"GImage", "http://ns.google.com/photos/1.0/image/"},
-    {"GAudio", "http://ns.google.com/photos/1.0/audio/"},
-    {"GDepth", "http://ns.google.com/photos/1.0/depthmap/"},
-    {"exifEX", "http://cipa.jp/exif/1.0/"},
-    {"drone-dji", "http://www.dji.com/drone-dji/1.0/"},
-    {"acdsee-rs", "http://ns.acdsee.com/regions/"},
-    {"ics", "http://ns.idimager.com/ics/1.0/"},
-    {"geo", "http://www.w3.org/2003/01/geo/wgs84_pos#"},
-};
-
-/// The library appends a slash to addresses without one of these ends.
-bool isKeptByLibrary(const QString &address)
-{
-    return address.endsWith(u'/') || address.endsWith(u'#');
-}
-
-/// The namespaces that the library knows before any packet is read, by prefix; no two have one address.
-const QHash<QString, QString> &knownNamespaces()
-{
-    static const QHash<QString, QString> known = [] {
-        Exiv2::Dictionary dictionary; // by prefix
-        Exiv2::XmpProperties::registeredNamespaces(dictionary);
-        for (const KnownNamespace &entry : kNamespaces)
-            dictionary[entry.prefix] = entry.address;
-        dictionary["x"] = "adobe:ns:meta/";
-        QHash<QString, QString> namespaces;
-        for (const auto &[prefix, address] : dictionary)
-            namespaces.insert(QString::fromStdString(prefix), QString::fromStdString(address));
-        namespaces.removeIf(
-            [](const auto &entry) { return entry.key() != u"xml" && !isKeptByLibrary(entry.value()); });
-        return namespaces;
-    }();
-    return known;
-}
+// The library searches all properties for each one, so that its time grows with the square: this many need a
+// third of a second.
+constexpr qsizetype kMaxNames = 5000;
 
 /// The prefix of a known address; null: the address is not known.
 QString knownPrefix(const QString &address)
@@ -80,11 +38,6 @@ QString knownPrefix(const QString &address)
     return prefixes.value(address);
 }
 
-bool isKnown(const QString &prefix, const QString &address)
-{
-    return knownNamespaces().contains(prefix) && knownNamespaces().value(prefix) == address;
-}
-
 constexpr char kAliasMark[] = "plexa-";
 constexpr qsizetype kAliasBytes = 6 + 16;
 
@@ -94,41 +47,8 @@ QByteArray aliasOf(const QString &address)
            QCryptographicHash::hash(address.toUtf8(), QCryptographicHash::Sha256).toHex().first(16);
 }
 
-/// Empty: the library does not know the prefix.
-std::string addressInLibrary(const std::string &prefix)
-{
-    try {
-        return Exiv2::XmpProperties::ns(prefix);
-    } catch (const std::exception &) {
-        return {};
-    }
-}
-
 /// An empty command, after which the library reads the rest as text.
 const QString kNoCommand = u"type=\"\" "_s;
-
-/// A rough look: true for a packet that needs no rewriting costs time only.
-bool needsRewriting(const QByteArray &packet)
-{
-    if (packet.contains(">type=") || packet.contains("\"type=") || packet.contains("'type="))
-        return true;
-    for (qsizetype at = packet.indexOf("xmlns"); at >= 0; at = packet.indexOf("xmlns", at + 1)) {
-        const qsizetype equals = packet.indexOf('=', at);
-        if (equals < 0)
-            return false;
-        qsizetype open = equals + 1;
-        while (open < packet.size() && packet[open] != '"' && packet[open] != '\'')
-            ++open;
-        const qsizetype close = open < packet.size() ? packet.indexOf(packet[open], open + 1) : -1;
-        if (close < 0)
-            return false;
-        const QByteArray prefix = packet.mid(at + 6, equals - at - 6).trimmed();
-        const QByteArray address = packet.mid(open + 1, close - open - 1);
-        if (!isKnown(QString::fromUtf8(prefix), QString::fromUtf8(address)))
-            return true;
-    }
-    return false;
-}
 
 } // namespace
 
@@ -139,34 +59,44 @@ public:
     explicit XmpPacketWriter(XmpNamespaces &namespaces)
         : m_namespaces(namespaces)
         , m_writer(&m_result)
+        , m_names(namespaces.m_names)
     {
     }
 
-    /// @return empty when this is no XML
+    /// @return empty for invalid XML and beyond the limits
     QByteArray rewritten(const QByteArray &packet)
     {
         QXmlStreamReader reader(packet);
         while (!reader.atEnd()) {
             switch (reader.readNext()) {
             case QXmlStreamReader::StartElement:
+                m_names += 1 + reader.attributes().size();
+                if (++m_depth > kMaxDepth || m_names > kMaxNames)
+                    return {};
                 startElement(reader);
                 break;
             case QXmlStreamReader::EndElement:
+                --m_depth;
                 m_writer.writeEndElement();
                 break;
             case QXmlStreamReader::Characters:
-                m_writer.writeCharacters(asText(reader.text()));
+                writeText(asText(reader.text()));
                 m_isAtStart = m_isAtStart && reader.isWhitespace();
                 break;
             case QXmlStreamReader::ProcessingInstruction:
                 m_writer.writeProcessingInstruction(reader.processingInstructionTarget().toString(),
                                                     reader.processingInstructionData().toString());
                 break;
+            case QXmlStreamReader::DTD: // its entities may expand to any amount of XML
+                return {};
             default:
                 break;
             }
         }
-        return reader.hasError() ? QByteArray() : m_result;
+        if (reader.hasError())
+            return {};
+        m_namespaces.m_names = m_names;
+        return m_result;
     }
 
 private:
@@ -189,6 +119,17 @@ private:
                                     asText(attribute.value(), true));
     }
 
+    /// A carriage return stays one only as a reference.
+    void writeText(const QString &text)
+    {
+        const QStringList lines = text.split(u'\r');
+        m_writer.writeCharacters(lines.constFirst());
+        for (const QString &line : lines.sliced(1)) {
+            m_writer.writeEntityReference(u"#xD"_s);
+            m_writer.writeCharacters(line);
+        }
+    }
+
     QString addressOf(QStringView address) const
     {
         return m_addresses.value(address.toString(), address.toString());
@@ -205,46 +146,13 @@ private:
     QXmlStreamWriter m_writer;
     QHash<QString, QString> m_addresses; ///< the library's by the file's
     bool m_isAtStart = true;
+    int m_depth = 0;
+    qsizetype m_names;
 };
-
-void registerXmpNamespaces()
-{
-    knownNamespaces(); // before any packet changes the table
-    restoreXmpNamespaces();
-}
-
-void restoreXmpNamespaces()
-{
-    QByteArray declarations;
-    for (auto known = knownNamespaces().begin(); known != knownNamespaces().end(); ++known) {
-        const std::string prefix = known.key().toStdString();
-        const std::string address = known.value().toStdString();
-        if (prefix == "xml" || prefix == "x" || prefix == "rdf") // no properties
-            continue;
-        // The library has names of its own for some ("iptc").
-        for (const std::string &name : {prefix, Exiv2::XmpProperties::prefix(address)}) {
-            if (const std::string bound = addressInLibrary(name); bound != address)
-                Exiv2::XmpProperties::unregisterNs(bound);
-        }
-        if (Exiv2::XmpProperties::prefix(address).empty())
-            Exiv2::XmpProperties::registerNs(address, prefix);
-        declarations += " xmlns:" + known.key().toUtf8() + "=\"" + known.value().toUtf8() + '"';
-    }
-    // Below that table the library has another one, which each declaration that it reads changes.
-    const QByteArray packet = "<rdf:RDF xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\">"
-                              "<rdf:Description rdf:about=\"\"" +
-                              declarations + "/></rdf:RDF>";
-    Exiv2::XmpData none;
-    Exiv2::XmpParser::decode(none, packet.toStdString());
-}
 
 std::string XmpNamespaces::packetForLibrary(const std::string &packet)
 {
-    const QByteArray bytes = QByteArray::fromRawData(packet.data(), qsizetype(packet.size()));
-    if (!needsRewriting(bytes))
-        return packet;
-    const QByteArray rewritten = XmpPacketWriter(*this).rewritten(bytes);
-    return rewritten.isEmpty() ? packet : rewritten.toStdString();
+    return XmpPacketWriter(*this).rewritten(QByteArray::fromStdString(packet)).toStdString();
 }
 
 XmpNamespaces::Namespace XmpNamespaces::forLibrary(const QString &prefix, const QString &address)

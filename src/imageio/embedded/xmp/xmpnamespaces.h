@@ -11,29 +11,21 @@
 namespace plexa
 {
 
-/// Registers the namespaces that this program names and the metadata library does not know. Part of
-/// prepareMetadataLibrary().
-void registerXmpNamespaces();
-
-/// Repairs the library's table of namespaces after the library has decoded XMP by itself (TIFF, raw, EXIF
-/// with a packet inside): such a packet may have bound a well-known prefix to another address. To be called
-/// under lockXmpNamespaces(), which was taken before the library read the file.
-void restoreXmpNamespaces();
-
 /// The namespaces of one file's XMP that the library does not know.
 ///
 /// The library keeps one table of prefixes for the whole process, and every packet changes it. Therefore
-/// the library never sees a namespace of a file: it sees an alias that is made from the address alone, so
-/// the table means the same at any time and on any thread. Aliases also avoid three faults of the library:
+/// the library never reads a namespace of a file: it reads an alias that is derived from the address alone,
+/// so the table means the same at any time and on any thread. Aliases also avoid three faults of the library:
 /// it appends a slash to some addresses, writes "&" in addresses unescaped, and cannot hold two addresses
 /// that differ in the last slash only.
 class XmpNamespaces
 {
 public:
-    /// A packet as the library reads it correctly: known namespaces under the prefixes that the library
-    /// knows, all others under aliases. The library treats the beginning "type=" of a text as a command; an
-    /// empty command is put before it (see withoutXmpCommand()). A packet that is no XML, or needs no
-    /// change, is returned unchanged. Adds the packet's namespaces to this value.
+    /// A packet as the library reads it correctly: known namespaces under the library's prefixes, all others
+    /// under aliases. The library treats the beginning "type=" of a text as a command; an empty command is
+    /// put before it (see withoutXmpCommand()). Adds the packet's namespaces to this value.
+    /// @return empty for invalid XML, for a document type, and for nesting or a number of elements and
+    ///         attributes, with the packets before, beyond the limits
     std::string packetForLibrary(const std::string &packet);
 
     /// A packet that the library has encoded, with the prefixes and addresses of the file.
@@ -57,6 +49,7 @@ private:
     Namespace forLibrary(const QString &prefix, const QString &address);
 
     QHash<QByteArray, Namespace> m_byAlias; ///< those of the file
+    qsizetype m_names = 0;                  ///< elements and attributes of the packets
 };
 
 /// Removes the empty command that packetForLibrary() has put before a text.

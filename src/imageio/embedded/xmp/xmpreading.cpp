@@ -2,7 +2,9 @@
 
 #include "imageio/embedded/xmp/xmpreading.h"
 
+#include "imageio/embedded/exif/exifvalues.h"
 #include "imageio/embedded/xmp/iptcmirrors.h"
+#include "imageio/embedded/xmp/xmpwriting.h"
 #include "metadata/metadatatext.h"
 #include "metadata/propertykeys.h"
 
@@ -41,15 +43,6 @@ bool isSamePath(std::string_view a, std::string_view b)
     return a.empty() && b.empty();
 }
 
-Exiv2::XmpData::const_iterator found(const Exiv2::XmpData &xmp, std::string_view key)
-{
-    const bool isInside = key.find('/') != key.npos;
-    return std::find_if(xmp.begin(), xmp.end(), [&](const Exiv2::Xmpdatum &datum) {
-        const std::string other = datum.key();
-        return isInside ? isSamePath(other, key) : other == key;
-    });
-}
-
 QStringList textsOf(const Exiv2::Value &value)
 {
     QStringList texts;
@@ -72,6 +65,22 @@ QStringList textsOf(const Exiv2::Value &value)
             add(value.toString(i));
     }
     return texts;
+}
+
+/// The texts under the key; empty when there are none.
+QStringList textsAt(const Exiv2::XmpData &xmp, std::string_view key)
+{
+    const bool isInside = key.find('/') != key.npos;
+    const auto found = std::find_if(xmp.begin(), xmp.end(), [&](const Exiv2::Xmpdatum &datum) {
+        const std::string other = datum.key();
+        return isInside ? isSamePath(other, key) : other == key;
+    });
+    return found == xmp.end() ? QStringList() : textsOf(found->value());
+}
+
+QString textAt(const Exiv2::XmpData &xmp, std::string_view key)
+{
+    return textsAt(xmp, key).value(0);
 }
 
 /// "28/10" or "2.8" or "3"
@@ -119,13 +128,6 @@ QStringList captured(const char *pattern, const QString &text)
 constexpr const char *kIsoDate = "^([0-9]{4})-([0-9]{2})-([0-9]{2})(?:T([0-9]{2}):([0-9]{2})(?::([0-9]{2})"
                                  "(?:\\.([0-9]+))?)?(.*))?$";
 
-/// The first text under the key; empty when there is none.
-QString textAt(const Exiv2::XmpData &xmp, std::string_view key)
-{
-    const auto datum = found(xmp, key);
-    return datum == xmp.end() ? QString() : textsOf(datum->value()).value(0);
-}
-
 /// "+01:00" at the end of a date that kIsoDate has matched; empty when there is none.
 QString offsetOf(const QStringList &dateParts)
 {
@@ -143,7 +145,7 @@ QVariant dateTimeOf(const QString &text)
         return {};
     return QStringLiteral("%1:%2:%3 %4:%5:%6")
         .arg(parts[1], parts[2], parts[3], parts[4], parts[5],
-             parts.size() > 6 && !parts[6].isEmpty() ? parts[6] : QStringLiteral("00"));
+             parts.value(6).isEmpty() ? QStringLiteral("00") : parts[6]);
 }
 
 QVariant iptcDateOf(const QString &text)
@@ -184,23 +186,11 @@ QVariant degreesOf(const QString &text)
     return coordinate ? QVariant(std::abs(coordinate->degrees)) : QVariant();
 }
 
-QVariant versionOf(const QString &text)
-{
-    const QStringList digits = captured("^([0-9]{2})([0-9])([0-9])$", text);
-    if (digits.size() != 4)
-        return {};
-    QVariantList parts{digits[1].toInt(), digits[2].toInt()};
-    if (digits[3] != u"0")
-        parts += digits[3].toInt();
-    return parts;
-}
-
 /// EXIF packs the flash into one number, XMP spreads it over a structure.
 QVariant flashOf(const Exiv2::XmpData &xmp)
 {
     const auto part = [&](const char *name) {
-        const auto datum = found(xmp, std::string("Xmp.exif.Flash/exif:") + name);
-        return datum == xmp.end() ? QString() : textsOf(datum->value()).join(u' ').toLower();
+        return textAt(xmp, std::string("Xmp.exif.Flash/exif:") + name).toLower();
     };
     const QString fired = part("Fired");
     if (fired.isEmpty())
@@ -216,12 +206,9 @@ QVariant xmpField(const Exiv2::XmpData &xmp, const MetadataField &field)
 {
     if (field.key == kCGImagePropertyExifFlash)
         return flashOf(xmp);
-    auto datum = field.xmp ? found(xmp, field.xmp) : xmp.end();
-    if (datum == xmp.end() && field.key == kCGImagePropertyExifISOSpeedRatings) // its name since EXIF 2.3
-        datum = found(xmp, "Xmp.exifEX.PhotographicSensitivity");
-    if (datum == xmp.end())
-        return {};
-    const QStringList texts = textsOf(datum->value());
+    QStringList texts = field.xmp ? textsAt(xmp, field.xmp) : QStringList();
+    if (texts.isEmpty() && field.key == kCGImagePropertyExifISOSpeedRatings) // its name since EXIF 2.3
+        texts = textsAt(xmp, "Xmp.exifEX.PhotographicSensitivity");
     if (texts.isEmpty())
         return {};
     const QString &first = texts.constFirst();
@@ -243,41 +230,27 @@ QVariant xmpField(const Exiv2::XmpData &xmp, const MetadataField &field)
     case MetadataKind::NumberList:
         return numberListOf(texts);
     case MetadataKind::Version:
-        return versionOf(first);
+        return versionOf(first.toUtf8());
     case MetadataKind::Degrees:
         return degreesOf(first);
     case MetadataKind::TimeOfDay:
-        return {};
+        break;
     }
     return {};
 }
 
 void insertTimesFromXmp(QVariantMap &exif, const QVariantMap &tiff, const Exiv2::XmpData &xmp)
 {
-    struct Time {
-        const char *xmp;
-        QLatin1StringView timeKey;
-        QLatin1StringView subsecKey;
-        QLatin1StringView offsetKey;
-    };
-    static constexpr Time kTimes[] = {
-        {"Xmp.exif.DateTimeOriginal", kCGImagePropertyExifDateTimeOriginal,
-         kCGImagePropertyExifSubsecTimeOrginal, kCGImagePropertyExifOffsetTimeOriginal},
-        {"Xmp.exif.DateTimeDigitized", kCGImagePropertyExifDateTimeDigitized,
-         kCGImagePropertyExifSubsecTimeDigitized, kCGImagePropertyExifOffsetTimeDigitized},
-        {"Xmp.xmp.ModifyDate", kCGImagePropertyTIFFDateTime, kCGImagePropertyExifSubsecTime,
-         kCGImagePropertyExifOffsetTime},
-    };
-    for (const Time &time : kTimes) {
-        const bool isInTiff = time.timeKey == kCGImagePropertyTIFFDateTime;
-        if ((isInTiff ? tiff : exif).contains(time.timeKey))
+    for (const MetadataField &field : metadataFields()) {
+        const SplitDate *split = splitDateOf(field);
+        if (!split || (field.group == MetadataGroup::Tiff ? tiff : exif).contains(field.key))
             continue;
-        const QStringList parts = captured(kIsoDate, textAt(xmp, time.xmp));
-        if (!parts.value(7).isEmpty() && !exif.contains(time.subsecKey))
-            exif.insert(time.subsecKey, parts[7]);
+        const QStringList parts = captured(kIsoDate, textAt(xmp, field.xmp));
+        if (!parts.value(7).isEmpty() && !exif.contains(split->fraction))
+            exif.insert(split->fraction, parts[7]);
         const QString offset = offsetOf(parts);
-        if (!offset.isEmpty() && !exif.contains(time.offsetKey))
-            exif.insert(time.offsetKey, offset);
+        if (!offset.isEmpty() && !exif.contains(split->zone))
+            exif.insert(split->zone, offset);
     }
 }
 
@@ -331,8 +304,8 @@ void insertGpsFromXmp(QVariantMap &gps, const Exiv2::XmpData &xmp)
     // The time of another day would make a moment that never was.
     if (gps.value(kCGImagePropertyGPSDateStamp).toString() != date)
         return;
-    if (moment.size() >= 7 && !moment[6].isEmpty()) {
-        const QString fraction = moment.size() > 7 && !moment[7].isEmpty() ? u'.' + moment[7] : QString();
+    if (!moment.value(6).isEmpty()) {
+        const QString fraction = moment.value(7).isEmpty() ? QString() : u'.' + moment[7];
         insert(kCGImagePropertyGPSTimeStamp, moment[4] + u':' + moment[5] + u':' + moment[6] + fraction);
     }
 }

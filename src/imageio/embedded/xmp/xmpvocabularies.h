@@ -9,22 +9,16 @@
 namespace plexa
 {
 
-// Vocabularies of XMP, beside the standard ones of EXIF and IPTC, with facts that a clearing removes. Their
-// addresses identify them: a file may use any prefix.
+/// What a property is about in vocabularies of XMP beside the standard ones of EXIF and IPTC.
+enum class XmpTopic {
+    Description, ///< people, keywords, captions and rights, for photo managers, agencies and publishers
+    Rights,      ///< to use the photo: they stay with a copyright that is kept
+    Exposure,    ///< lens, camera profile and time, for raw converters, panoramas and films
+    Camera,      ///< its names
+    CellTower,   ///< recorded by a phone
+};
 
-/// People, keywords, captions and rights in vocabularies of regions, photo managers, agencies and publishers.
-bool isDescriptionInXmp(const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces);
-
-/// Rights to use the photo, which stay with a copyright that is kept.
-bool isRightInXmp(const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces);
-
-/// Lens, camera profile and time in vocabularies of raw converters, panoramas and films.
-bool isExposureInXmp(const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces);
-
-/// The cell towers that a phone recorded.
-bool isCellTowerInXmp(const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces);
-
-/// Names of the camera outside of EXIF's own vocabulary.
-bool isCameraInXmp(const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces);
+/// Does the property belong to the topic? The address of its vocabulary decides: a file may use any prefix.
+bool isAbout(XmpTopic topic, const Exiv2::Xmpdatum &datum, const XmpNamespaces &namespaces);
 
 } // namespace plexa

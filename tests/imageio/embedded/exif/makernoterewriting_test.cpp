@@ -23,11 +23,6 @@ QStringList noteTags(const QJsonObject &record)
     return tags;
 }
 
-QVariantMap auxOf(const QString &file)
-{
-    return EmbeddedMetadata::read(file)->properties().value(kCGImagePropertyExifAuxDictionary).toMap();
-}
-
 } // namespace
 
 /// A maker note from which a fact is removed still holds the others as the camera wrote them, or is left out
@@ -89,12 +84,22 @@ private Q_SLOTS:
         for (qsizetype i = 0; i < copies.size(); ++i) {
             const bool isReported = omitted[i].contains(u"maker note"_s);
             const QJsonObject record = records[copies[i]];
-            kept += !noteTags(record).isEmpty();
-            QStringList ofPhoto = faultsOfTags(m_sources[m_photos[i]], record, key, isRemoved,
-                                               auxOf(m_photos[i]).contains(key));
-            ofPhoto += faultsOfFacts(auxOf(m_photos[i]), auxOf(copies[i]), key, wanted, isReported);
+            const QVariantMap before =
+                ImageMetadata(EmbeddedMetadata::read(m_photos[i])->properties()).exifAuxData();
+            const QVariantMap after =
+                ImageMetadata(EmbeddedMetadata::read(copies[i])->properties()).exifAuxData();
+            QStringList ofPhoto =
+                faultsOfTags(m_sources[m_photos[i]], record, key, isRemoved, before.contains(key));
+            if (!key.isEmpty() && after.value(key) != wanted)
+                ofPhoto += u"reads "_s + after.value(key).toString();
+            for (const QString unchanged : {kCGImagePropertyExifAuxFirmware, kCGImagePropertyExifAuxLensModel,
+                                            kCGImagePropertyExifAuxSerialNumber}) {
+                if (unchanged != key && !isReported && after.value(unchanged) != before.value(unchanged))
+                    ofPhoto += u"reads another "_s + unchanged;
+            }
             if (noteTags(record).isEmpty() && !isReported)
                 ofPhoto += u"lost its maker note without a report"_s;
+            kept += !noteTags(record).isEmpty();
             for (const QString &fault : ofPhoto)
                 faults += QFileInfo(m_photos[i]).fileName() + u' ' + fault;
         }
@@ -103,23 +108,6 @@ private Q_SLOTS:
     }
 
 private:
-    /// The program reads the edited fact, and the others that are in the note.
-    static QStringList faultsOfFacts(const QVariantMap &before, const QVariantMap &after,
-                                     QLatin1StringView key, const QVariant &wanted, bool isReported)
-    {
-        QStringList faults;
-        if (!key.isEmpty() && after.value(key) != wanted)
-            faults += u"reads "_s + after.value(key).toString();
-        const QString other = key == kCGImagePropertyExifAuxSerialNumber
-                                  ? kCGImagePropertyExifAuxLensModel
-                                  : kCGImagePropertyExifAuxSerialNumber;
-        for (const QString &unchanged : {QString(kCGImagePropertyExifAuxFirmware), other}) {
-            if (!isReported && after.value(unchanged) != before.value(unchanged))
-                faults += u"reads another "_s + unchanged;
-        }
-        return faults;
-    }
-
     static QStringList faultsOfTags(const QJsonObject &source, const QJsonObject &copy, QLatin1StringView key,
                                     bool isRemoved, bool hadFact)
     {
@@ -128,10 +116,11 @@ private:
         static const QRegularExpression nothing(u"^[0 ]*$"_s);
         QStringList faults;
         for (const QString &tag : noteTags(copy)) {
-            if (key == kCGImagePropertyExifAuxLensModel && hadFact && lens.match(tag).hasMatch())
-                faults += u"still has "_s + tag;
-            if (key == kCGImagePropertyExifAuxSerialNumber && !isRemoved && serial.match(tag).hasMatch() &&
-                !nothing.match(comparable(copy[tag])).hasMatch())
+            const bool isOfLens = key == kCGImagePropertyExifAuxLensModel && hadFact;
+            const bool isOfCamera = key == kCGImagePropertyExifAuxSerialNumber && !isRemoved;
+            if ((isOfLens && lens.match(tag).hasMatch()) ||
+                (isOfCamera && serial.match(tag).hasMatch() &&
+                 !nothing.match(comparable(copy[tag])).hasMatch()))
                 faults += u"still has "_s + tag;
             // A number that is removed from a block leaves a zero there.
             if (source[tag] != copy[tag] && copy[tag] != QJsonValue(0))
