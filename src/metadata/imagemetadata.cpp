@@ -38,7 +38,7 @@ void setOrRemove(QVariantMap &dictionary, const QString &key, const QVariant &va
         dictionary.remove(key);
 }
 
-/// The value without its decimals; 0 for a value that is no number, and for one that no int holds.
+/// The value without its decimals; 0 for a value that is not a number, or too great for an int.
 int wholePart(const QVariant &value)
 {
     const double number = value.toDouble();

@@ -151,8 +151,8 @@ constexpr XmpAlias kXmpAliases[] = {
     {MetadataGroup::Iptc, kCGImagePropertyIPTCCopyrightNotice, "Xmp.pdf.Copyright"},
 };
 
-/// The further names under which XMP says the field's fact: the aliases, and what it calls other fields of
-/// the table that share the EXIF tag.
+/// The further names of the field's fact in XMP: the aliases, and the names of other fields of the table that
+/// share the EXIF tag.
 QList<const char *> furtherXmpNames(const MetadataField &field)
 {
     QList<const char *> names;

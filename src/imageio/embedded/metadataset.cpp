@@ -145,7 +145,7 @@ MetadataSet readMetadataSet(const QString &path)
     } catch (const std::exception &) {
         // The blocks that were read before the failure are whole.
     }
-    // The records as they lie in the file are kept as they are where nothing changes.
+    // Unchanged records keep the form that they have in the file.
     const QByteArray iptc = iptcOfTiff(file);
     const Exiv2::IptcData ofLibrary = std::exchange(set.iptc, {});
     decodeIptc(set, iptc);

@@ -95,7 +95,7 @@ ExifText timeOfDayText(const QVariant &value)
     return areNumbers ? ExifText{Exiv2::unsignedRational, rationals.join(u' ').toStdString()} : ExifText{};
 }
 
-/// Each number by itself; nothing where one is no number, or too great for `textOf`.
+/// Each number by itself; empty if one is not a number, or too great for `textOf`.
 template<class TextOf>
 QStringList textsOfNumbers(const QVariant &value, TextOf textOf)
 {

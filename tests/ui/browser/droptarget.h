@@ -52,8 +52,14 @@ public:
         m_timer.start(5);
     }
 
+    /// Whether the drag offers this type.
+    bool isOffered(const char *type)
+    {
+        const xcb_atom_t wanted = atom(type);
+        return m_types.contains(QByteArray(reinterpret_cast<const char *>(&wanted), sizeof(wanted)));
+    }
+
     // What it has seen.
-    QByteArray offers; ///< the names of the offered types
     QByteArray whileHovering;
     QByteArray proposedName; ///< of direct saving
     QByteArray data;         ///< the list of files, or the letter
@@ -107,19 +113,6 @@ private:
             send("XdndFinished", {m_window, 1, atom("XdndActionCopy")});
     }
 
-    void enter(const std::uint32_t *words)
-    {
-        m_source = words[0];
-        const QByteArray types = property(m_source, atom("XdndTypeList")); // of more than three
-        for (qsizetype i = 0; i + 4 <= types.size(); i += 4) {
-            xcb_atom_t type{};
-            std::memcpy(&type, types.constData() + i, 4);
-            const auto name = reply(xcb_get_atom_name_reply, xcb_get_atom_name(m_x.get(), type));
-            offers.append(xcb_get_atom_name_name(name.get()), xcb_get_atom_name_name_length(name.get()));
-            offers.append('\n');
-        }
-    }
-
     void drop(std::uint32_t time)
     {
         m_isDropped = true;
@@ -154,7 +147,8 @@ private:
         const auto &message = reinterpret_cast<const xcb_client_message_event_t &>(event);
         const std::uint32_t *words = message.data.data32;
         if (message.type == atom("XdndEnter")) {
-            enter(words);
+            m_source = words[0];
+            m_types = property(m_source, atom("XdndTypeList")); // of more than three
         } else if (message.type == atom("XdndPosition")) {
             send("XdndStatus", {m_window, 3, 0, 0, atom("XdndActionCopy")});
             if (m_manner != Manner::TakesFiles)
@@ -172,6 +166,7 @@ private:
                                                                            xcb_disconnect};
     const xcb_window_t m_window = xcb_generate_id(m_x.get());
     xcb_window_t m_source = XCB_WINDOW_NONE;
+    QByteArray m_types; // atoms
     bool m_isDropped = false;
     QTimer m_timer;
 };

@@ -65,7 +65,7 @@ private Q_SLOTS:
 
     void files()
     {
-        const DropTarget target(DropTarget::Manner::TakesFiles, {}, kTarget);
+        DropTarget target(DropTarget::Manner::TakesFiles, {}, kTarget);
         m_files->mayGoOn = false;
         // The event loop runs while the target waits for the files.
         QTimer timer;
@@ -75,7 +75,7 @@ private Q_SLOTS:
         QVERIFY(dragOnto(target));
         QTRY_VERIFY(target.isFinished);
 
-        QVERIFY(target.offers.contains("text/uri-list") && target.offers.contains("image/png"));
+        QVERIFY(target.isOffered("text/uri-list") && target.isOffered("image/png"));
         const QByteArray names = QUrl::fromLocalFile(m_files->folder).toEncoded();
         QCOMPARE(target.data, names + "/image0\r\n" + names + "/image1\r\n");
         QCOMPARE(target.whileHovering, target.data); // though there were no files yet
@@ -93,10 +93,10 @@ private Q_SLOTS:
              {url, QByteArray("file:///does/not/exist/image0"), QByteArray("file://elsewhere/tmp/image0"),
               QByteArray("http://host/x")}) {
             m_files->savedInto.clear();
-            const DropTarget target(DropTarget::Manner::SavesDirectly, place, kTarget);
+            DropTarget target(DropTarget::Manner::SavesDirectly, place, kTarget);
             QVERIFY(dragOnto(target));
             QTRY_VERIFY(target.isFinished);
-            QVERIFY(target.offers.contains("XdndDirectSave0"));
+            QVERIFY(target.isOffered("XdndDirectSave0"));
             QCOMPARE(target.proposedName, QByteArray("image0"));
             QCOMPARE(target.data, QByteArray(place == url ? "S" : "F"));
             QCOMPARE(m_files->savedInto, place == url ? m_folder.path() : QString());
@@ -106,7 +106,7 @@ private Q_SLOTS:
 
     void impatientTarget()
     {
-        const DropTarget target(DropTarget::Manner::Impatient, {}, kTarget);
+        DropTarget target(DropTarget::Manner::Impatient, {}, kTarget);
         m_files->mayGoOn = false;
         QVERIFY(dragOnto(target));
         // The drag ends while its data are requested: no further file is written, and the user is informed.

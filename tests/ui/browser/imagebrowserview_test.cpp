@@ -383,13 +383,11 @@ private Q_SLOTS:
     {
         if (qEnvironmentVariableIsEmpty("QT_SCALE_FACTOR")) {
             for (const char *factor : {"2", "1.5"}) {
-                QProcess scaled;
-                QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-                environment.insert(u"QT_SCALE_FACTOR"_qs, QLatin1String(factor));
-                scaled.setProcessEnvironment(environment);
-                scaled.start(QCoreApplication::applicationFilePath(), {u"drawsDevicePixels"_qs});
-                QVERIFY(scaled.waitForFinished(60'000));
-                QVERIFY2(scaled.exitCode() == 0, scaled.readAllStandardOutput().constData());
+                qputenv("QT_SCALE_FACTOR", factor);
+                const int failures =
+                    QProcess::execute(QCoreApplication::applicationFilePath(), {u"drawsDevicePixels"_qs});
+                qunsetenv("QT_SCALE_FACTOR");
+                QCOMPARE(failures, 0);
             }
         }
         Grid grid;
@@ -424,14 +422,14 @@ private Q_SLOTS:
     void listChanges()
     {
         Grid grid;
-        grid.click(19);
+        grid.click(3);
         grid.delegate.take();
         grid.view.setImages(grid.images);
         QCOMPARE(grid.delegate.take(), QByteArray());
         // A shorter list shortens the selection, even if it is drawn before the view is notified.
         grid.images->images.resize(3);
         grid.view.viewport()->repaint();
-        QCOMPARE(grid.delegate.take(), QByteArray("selected; focus -1<19"));
+        QCOMPARE(grid.delegate.take(), QByteArray("selected; focus -1<3"));
         grid.view.takeSelection({1, 7}, 7);
         QCOMPARE(grid.view.selectionIndexes(), QList<int>{1});
         QCOMPARE(grid.view.focusImageIndex(), -1);
@@ -552,6 +550,8 @@ private Q_SLOTS:
         cell->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
         QCOMPARE(grid.delegate.take(), QByteArray("selected 4; focus 4<-1"));
         QVERIFY(cell->state().selected);
+        cell->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+        QCOMPARE(grid.delegate.take(), QByteArray("selected"));
         grid.view.setFocus();
         QTRY_COMPARE(list->focusChild(), cell);
 

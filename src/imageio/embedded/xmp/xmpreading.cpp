@@ -137,7 +137,7 @@ QString offsetOf(const QStringList &dateParts)
     return captured("^[+-][0-9]{2}:[0-9]{2}$", zone).value(0);
 }
 
-/// "2010-08-13T21:00:01.85-06:00" is "2010:08:13 21:00:01"; a date without a time is no point in time.
+/// "2010-08-13T21:00:01.85-06:00" is "2010:08:13 21:00:01"; a date without a time is not a point in time.
 QVariant dateTimeOf(const QString &text)
 {
     const QStringList parts = captured(kIsoDate, text);
