@@ -71,6 +71,17 @@ private Q_SLOTS:
         }
     }
 
+    void severalSavesAreOneOperation()
+    {
+        StatusManager status;
+        status.startProcessing();
+        status.startProcessing();
+        status.endProcessing();
+        QTRY_COMPARE(status.line().text, u"Processing images..."_qs);
+        status.endProcessing();
+        QTRY_COMPARE(status.line().text, u"No images"_qs);
+    }
+
     void rotatesFreePhotosFirst()
     {
         addPhotos({{40, 20}, {41, 21}, {42, 22}});

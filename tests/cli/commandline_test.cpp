@@ -280,8 +280,13 @@ private Q_SLOTS:
             QCOMPARE(namesIn(path("in")), words(files));
             QVERIFY(!outcome.out.contains("skipped"));
         }
-        QVERIFY(QFileInfo(path("in/A.TIF")).size() >
-                120 * 200 * 3); // without compression it has all its bytes
+        // Without compression it has all its bytes.
+        QVERIFY(QFileInfo(path("in/A.TIF")).size() > 120 * 200 * 3);
+        // The copies of the first run are no photos of the second one.
+        for (int time = 0; time < 2; ++time) {
+            run("save --text x --conflict overwrite --output %1 %2", path("in/out"), path("in"));
+            QCOMPARE(namesIn(path("in/out")).size(), 4);
+        }
     }
 
     /// Libraries take some names for the standard input, or for addresses.

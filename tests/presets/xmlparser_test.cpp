@@ -77,7 +77,7 @@ private Q_SLOTS:
         // Faulty texts are empty, and reported.
         for (const auto &[stored, text, fault] : {std::tuple("x&lt;&gt;&amp;&quot;&apos;y", "x<>&\"'y", ""),
                                                   {"&amp;lt;", "&lt;", ""},
-                                                  {"&#65;&#x41;&#X4a;", "AAJ", ""},
+                                                  {"&#65;&#x41;&#X4a;&#x4B;", "AAJK", ""},
                                                   {"&#321;&#x99999999999999999999941;", "AA", ""},
                                                   {"&#195;&#164;", "\xc3\xa4", ""},
                                                   {"a&#0;b", "a", ""},

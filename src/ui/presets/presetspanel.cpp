@@ -143,15 +143,14 @@ QWidget *PresetsPanel::makePresetsView()
     layout->addWidget(sectionTitle(tr("All presets"), m_allTable));
     layout->addWidget(m_allTable, 3);
     QHBoxLayout *const allButtons = buttonRow();
-    QToolButton *const apply =
-        m_actions.makeButton(ActionId::ApplyPresets, view, CommandActions::ButtonStyle::TextBesideIcon);
-    apply->setText(tr("Apply"));
-    allButtons->addWidget(apply);
+    const auto add = [&](ActionId id, const QString &text) {
+        auto *const button = m_actions.makeButton(id, view, CommandActions::ButtonStyle::TextBesideIcon);
+        button->setText(text);
+        allButtons->addWidget(button);
+    };
+    add(ActionId::ApplyPresets, tr("Apply"));
     allButtons->addStretch();
-    QToolButton *const manage = m_actions.makeButton(ActionId::ToggleWatermarkPresets, view,
-                                                     CommandActions::ButtonStyle::TextBesideIcon);
-    manage->setText(tr("Manage"));
-    allButtons->addWidget(manage);
+    add(ActionId::ToggleWatermarkPresets, tr("Manage"));
     layout->addLayout(allButtons);
     return view;
 }
