@@ -7,16 +7,18 @@
 #include "imageio/imagesource.h"
 #include "metadata/propertykeys.h"
 
+#include <QPainter>
+
 namespace plexa
 {
 
 namespace
 {
 
-/// Room for a thumbnail: one of 160 pixels with much detail has about this many bytes at good quality.
+/// The size of a thumbnail of 160 pixels with much detail at good quality.
 constexpr qsizetype kThumbnailBytes = 10'000;
 
-/// Puts pixels that show through onto white and hands them to a writer that knows no alpha.
+/// Puts translucent pixels onto white for a writer without alpha.
 class FlatteningWriter final : public RowWriter
 {
 public:
@@ -31,34 +33,21 @@ public:
 private:
     Result<void> encodeRows(const QImage &strip, int count) override
     {
-        if (m_strip.width() != strip.width() || m_strip.height() < kRows)
-            m_strip = QImage(strip.width(), kRows, QImage::Format_RGB32);
-        if (m_strip.isNull())
-            return fail(PictureFailures::outOfMemory());
+        constexpr int kRows = 64;
         for (int done = 0; done < count; done += kRows) {
             const int rows = qMin(kRows, count - done);
-            for (int y = 0; y < rows; ++y)
-                flatten(reinterpret_cast<const QRgb *>(strip.constScanLine(done + y)),
-                        reinterpret_cast<QRgb *>(m_strip.scanLine(y)), strip.width());
-            if (const auto written = m_writer->writeRows(m_strip, rows); !written)
+            QImage flat(strip.width(), rows, QImage::Format_RGB32);
+            if (flat.isNull())
+                return fail(PictureFailures::outOfMemory());
+            flat.fill(Qt::white);
+            QPainter(&flat).drawImage(0, -done, strip);
+            if (const auto written = m_writer->writeRows(flat, rows); !written)
                 return written;
         }
         return {};
     }
 
-    static constexpr int kRows = 64;
-
-    static void flatten(const QRgb *from, QRgb *to, int count)
-    {
-        for (int x = 0; x < count; ++x) {
-            const QRgb color = from[x]; // premultiplied: what is missing to opaque is white
-            const int white = 255 - qAlpha(color);
-            to[x] = qRgb(qRed(color) + white, qGreen(color) + white, qBlue(color) + white);
-        }
-    }
-
     std::unique_ptr<RowWriter> m_writer;
-    QImage m_strip;
 };
 
 double positiveNumber(const QVariantMap &properties, const QString &key)
@@ -67,7 +56,7 @@ double positiveNumber(const QVariantMap &properties, const QString &key)
     return number > 0 ? number : 0;
 }
 
-/// How the pixels are encoded; the metadata are left out.
+/// The options for the pixels, without metadata.
 WriteOptions pictureOptions(const CopyRequest &request)
 {
     const QVariantMap &properties = request.properties;
@@ -85,7 +74,7 @@ WriteOptions pictureOptions(const CopyRequest &request)
     return options;
 }
 
-/// The rows that the format's codec is given.
+/// The rows for the format's codec.
 RowFormat writtenFormat(const RowFormat &format, const ImageFormat &target)
 {
     return {format.size, format.hasAlpha && target.writesAlpha};
@@ -96,7 +85,9 @@ RowFormat writtenFormat(const RowFormat &format, const ImageFormat &target)
 qint64 destinationBytes(const RowFormat &format, const CopyRequest &request)
 {
     const ImageFormat *target = imageFormatOfType(request.type);
-    return target ? target->codec->writerBytes(writtenFormat(format, *target), pictureOptions(request)) : 0;
+    return target && target->codec->writerBytes
+               ? target->codec->writerBytes(writtenFormat(format, *target), pictureOptions(request))
+               : 0;
 }
 
 Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowFormat &format,
@@ -108,20 +99,19 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
     const QVariantMap &properties = request.properties;
     WriteOptions options = pictureOptions(request);
     const auto metadata = request.source ? request.source->metadata() : EmbeddedMetadata::none();
-    const bool hasThumbnail = metadata->hasThumbnail() && target->codec->holdsThumbnail();
+    const bool hasThumbnail = metadata->hasThumbnail() && target->codec->keepsThumbnail;
     const EmbeddedMetadata::CopyFacts facts = {format.size,
                                                hasThumbnail ? kThumbnailBytes : 0,
-                                               target->codec->maxExifBytes(),
-                                               target->codec->writesIptc(),
+                                               target->codec->maxExifBytes,
+                                               target->codec->keepsIptc,
                                                request.cleared,
                                                request.isTurned,
-                                               target->codec->writesExif()};
+                                               target->codec->keepsExif};
     const EmbeddedMetadata::Encoded encoded = metadata->encodeForCopy(properties, facts);
     if (request.omitted) {
         *request.omitted += encoded.omitted;
         const QString comment = QStringLiteral("comment");
-        if (!encoded.comment.isEmpty() && !target->codec->writesComment() &&
-            !encoded.omitted.contains(comment))
+        if (!encoded.comment.isEmpty() && !target->codec->keepsComment && !encoded.omitted.contains(comment))
             *request.omitted += comment;
     }
     options.exif = encoded.exif;
@@ -155,7 +145,7 @@ Result<void> writeImage(QIODevice &device, const QImage &image, const CopyReques
 
 QStringList droppedPictures(const ImageSource &source)
 {
-    // A preview is the photo over again, only smaller: nobody misses it.
+    // A preview is a smaller copy of the photo.
     QStringList pictures = source.info().unmarkedPictures;
     pictures.removeAll(u"preview"_qs);
     return pictures;

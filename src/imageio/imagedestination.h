@@ -12,36 +12,32 @@ namespace plexa
 
 class ImageSource;
 
-/// What a copy is made of besides its pixels.
+/// The parts of a copy besides its pixels.
 struct CopyRequest {
     QString type;           ///< MIME name of the format to write
-    QVariantMap properties; ///< the property dictionary to be found in the copy, with
-                            ///< "kCGImageDestinationLossyCompressionQuality" (0..1) where it applies
-    const ImageSource *source =
-        nullptr; ///< whose unmodelled metadata, sampling and so on are kept; may be null
-    QStringList *omitted =
-        nullptr;                ///< is appended what of the metadata was too long for the copy; may be null
-    ClearedGroups cleared = {}; ///< of the properties
-    bool isTurned = false; ///< are the copy's pixels rotated, mirrored or stretched against the source's?
+    QVariantMap properties; ///< the property dictionary of the copy, with
+                            ///< "kCGImageDestinationLossyCompressionQuality" (0..1) for lossy formats
+    const ImageSource *source = nullptr; ///< of other metadata, chroma sampling, ...; may be null
+    QStringList *omitted = nullptr; ///< receives the names of metadata too long for the copy; may be null
+    ClearedGroups cleared = {};     ///< of the properties
+    bool isTurned = false; ///< are the copy's pixels rotated, mirrored or scaled relative to the source's?
 };
 
-/// Opens a writer for one picture with its metadata, sRGB profile and, where the source had one, a new
-/// thumbnail.
+/// Opens a writer for one picture with its metadata, the sRGB profile and a new thumbnail if the source has
+/// one.
 /// @param device  open for writing, random access, empty; it must outlive the writer
-/// @param format  of the rows to come: upright pixels. A picture with alpha for a format without it is
-///                flattened on white by the writer.
+/// @param format  of the rows: upright pixels. The writer flattens alpha on white for formats without alpha.
 [[nodiscard]] Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowFormat &format,
                                                                  const CopyRequest &request);
 
-/// The most memory (bytes) that such a writer takes besides the caller's strips: 0 where the rows stream,
-/// the coefficients of a progressive JPEG. To be reserved before openDestination().
+/// Upper bound of the memory (bytes) of such a writer besides the caller's strips; 0 if the rows stream. To
+/// be reserved before openDestination().
 qint64 destinationBytes(const RowFormat &format, const CopyRequest &request);
 
 /// Writes a whole picture through openDestination().
 [[nodiscard]] Result<void> writeImage(QIODevice &device, const QImage &image, const CopyRequest &request);
 
-/// What of the source's pictures a copy leaves out and people should hear of: "gain map",
-/// "animation".
+/// Names of the source's pictures that a copy lacks and a message mentions: "gain map", "animation".
 QStringList droppedPictures(const ImageSource &source);
 
 } // namespace plexa

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "imageio/imagefiletype.h"
+#include "imageio/imageformat.h"
 
 #include <QString>
 

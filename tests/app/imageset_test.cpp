@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "app/workingset.h"
-#include "imageio/imagefiletype.h"
+#include "imageio/imageformat.h"
 
 #include <QSignalSpy>
 

@@ -15,7 +15,7 @@
 namespace plexa::test
 {
 
-/// What is allocated in this process, by whomever, as the sanitizer sees it.
+/// The allocations of this process, as the sanitizer sees them.
 class Allocations
 {
 public:
@@ -25,14 +25,14 @@ public:
         return allocations;
     }
 
-    /// Begins to look for the peak. @return the bytes that are allocated
+    /// Starts a new peak. @return the allocated bytes
     qint64 restart()
     {
         m_peak = m_current.load();
         return m_peak;
     }
 
-    /// The most bytes since then.
+    /// The most bytes since restart().
     qint64 peak() const { return m_peak; }
 
 private:
@@ -60,20 +60,20 @@ private:
     static inline std::atomic<Allocations *> s_self = nullptr;
 };
 
-/// Stops the program where more was allocated than a codec had told.
-inline void checkTaken(qint64 taken, qint64 told, const char *when)
+/// Aborts if more was allocated than the codec announced.
+inline void checkAllocated(qint64 allocated, qint64 announced, const char *when)
 {
-    // Tables of the libraries, profiles and the bytes of the file, which no codec tells.
+    // Tables of the libraries, profiles and the bytes of the file, which codecs do not announce.
     constexpr qint64 kSpareBytes = 12'000'000;
-    if (taken <= told + told / 2 + kSpareBytes)
+    if (allocated <= announced + announced / 2 + kSpareBytes)
         return;
-    std::fprintf(stderr, "%s: told %lld bytes, taken %lld\n", when, static_cast<long long>(told),
-                 static_cast<long long>(taken));
+    std::fprintf(stderr, "%s: announced %lld bytes, allocated %lld\n", when,
+                 static_cast<long long>(announced), static_cast<long long>(allocated));
     std::abort();
 }
 
-/// Decodes bytes through one codec, whole and at a reduced scale, within limits that keep a run quick. Stops
-/// the program where the codec breaks its own word: on the rows, or on the memory.
+/// Decodes bytes through one codec, whole and reduced, within limits that keep a run quick. Aborts if rows or
+/// memory are not as announced.
 inline void decodeForFuzzing(const Codec &codec, const uint8_t *data, size_t size)
 {
     const ReadLimits limits = {2'000'000, 32'000'000};
@@ -83,11 +83,12 @@ inline void decodeForFuzzing(const Codec &codec, const uint8_t *data, size_t siz
     Allocations &allocations = Allocations::all();
     qint64 before = allocations.restart();
     const auto info = codec.readInfo(device, limits);
-    checkTaken(allocations.peak() - before, info ? info->decoderBytes : 0, "facts");
+    checkAllocated(allocations.peak() - before, info ? info->decoderBytes : 0, "facts");
     if (!info)
         return;
     for (const int reduction : {1, 8}) {
         before = allocations.restart();
+        device.seek(0);
         const auto reader = codec.openReader(device, limits, reduction);
         if (!reader)
             continue;
@@ -100,8 +101,8 @@ inline void decodeForFuzzing(const Codec &codec, const uint8_t *data, size_t siz
             if (!(*reader)->readRows(strip, qMin(strip.height(), format.size.height() - row)))
                 break;
         }
-        // Reduced rows are made of whole ones, of which a strip's worth is held.
-        checkTaken(allocations.peak() - before, info->decoderBytes + 9 * stripBytes, "rows");
+        // Some codecs hold a strip of whole rows for reduced ones.
+        checkAllocated(allocations.peak() - before, info->decoderBytes + 9 * stripBytes, "rows");
     }
 }
 

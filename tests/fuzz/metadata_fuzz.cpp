@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "imageio/container/exifcolorspace.h"
+#include "imageio/container/tiffpictures.h"
 #include "imageio/embedded/embeddedmetadata.h"
 #include "metadata/propertykeys.h"
 

@@ -6,7 +6,6 @@
 #include "imageio/pictures.h"
 #include "support/datarows.h"
 
-#include <QDirIterator>
 #include <QRandomGenerator>
 #include <QRegularExpression>
 
@@ -16,7 +15,7 @@
 using namespace plexa;
 using namespace plexa::test;
 
-/// Is every kind of picture read whole and in the right colors, or refused with a reason?
+/// Is every kind of picture read completely and in the right colors, or refused with a reason?
 class ImageSourceTest : public QObject
 {
     Q_OBJECT
@@ -31,28 +30,10 @@ class ImageSourceTest : public QObject
         Text name;
     };
 
-    struct Fact {
-        Text name;
-        Text key;
-        QVariant value;
-    };
-
-    struct Broken {
-        Text name;
-        Text reason; ///< empty: the picture is complete
-    };
-
     struct Limit {
-        Text name;
-        Text file;
-        qint64 maxPixels;
-        qint64 maxBytes;
-        bool streams = false; ///< rows may come although the whole picture may not
-    };
-
-    struct Unmarked {
-        Text name;
-        QStringList pictures = {};
+        const char *file;
+        ReadLimits limits;
+        bool streams = false; ///< rows may be read, but not the whole picture
     };
 
     struct Sample {
@@ -234,12 +215,9 @@ private Q_SLOTS:
     void flippedBytesDoNoHarm_data()
     {
         addSamples();
-        for (const QString &name : words(
-                 "jpeg/adobe-rgb-uss-reagan.jpg jpeg/dates-gps-only.jpg jpeg/cmyk-ycck-small.jpg "
-                 "jpeg/pixel-4a-gain-map.jpg jpeg/silver-fir-511x323.jpg jpeg/thompson-springs-gps-city.jpg "
-                 "png/gray16.png png/palette.png png/nonsquare-pixels.png gif/animated-squares.gif "
-                 "bmp/rgb24-v4.bmp webp/denali-canon-7d.webp tiff/multipage.tif tiff/rgb8-srgb-icc.tif "
-                 "tiff/cmyk8.tif tiff/rgb8-planar.tif tiff/rgba16-srgb.tif raw/quicktake-100.qtk"))
+        for (const QString &name :
+             words("jpeg/cmyk-ycck-small.jpg jpeg/pixel-4a-gain-map.jpg jpeg/thompson-springs-gps-city.jpg "
+                   "png/palette.png webp/denali-canon-7d.webp tiff/multipage.tif raw/quicktake-100.qtk"))
             if (!photosFolder().isEmpty())
                 addRow(Sample{name, QFileInfo(name).suffix(), contentsOf(realPhoto(name))});
     }
@@ -265,7 +243,7 @@ private Q_SLOTS:
         }
     }
 
-    void reducedPictureIsOfTheSizeTold_data()
+    void reducedPictureHasTheAnnouncedSize_data()
     {
         addSamples();
         for (const char *name :
@@ -273,7 +251,7 @@ private Q_SLOTS:
             if (!photosFolder().isEmpty())
                 addRow(Sample{name, QFileInfo(QLatin1String(name)).suffix(), contentsOf(realPhoto(name))});
     }
-    void reducedPictureIsOfTheSizeTold()
+    void reducedPictureHasTheAnnouncedSize()
     {
         const auto sample = currentRow<Sample>();
         const auto source = ImageSource::open(put(sample, sample.file));
@@ -294,32 +272,25 @@ private Q_SLOTS:
         QCOMPARE(source->createImage(100'000)->size(), whole->size());
     }
 
-    void kindsAreReadAsElsewhere_data()
+    void kindsAreReadAsByImageMagick_data()
     {
         for (const char *options : {"-monochrome bmp3:bmp",
                                     "-colors 16 -type Palette bmp3:bmp",
-                                    "-colors 200 -type Palette bmp3:bmp",
                                     "-colors 200 -type Palette -compress RLE bmp3:bmp",
                                     "-type TrueColor bmp3:bmp",
-                                    "-type TrueColor bmp2:bmp",
                                     "-colors 200 -type Palette bmp2:bmp",
                                     "-type TrueColor bmp:bmp",
                                     "-define webp:lossless=true webp:webp",
-                                    "-quality 80 webp:webp",
                                     "-quality 90 -profile %1 webp:webp",
                                     "ico:ico",
                                     "-monochrome ico:ico",
                                     "-colors 16 -type Palette ico:ico",
                                     "ppm:ppm",
-                                    "-compress None ppm:ppm",
                                     "-depth 16 ppm:ppm",
                                     "pgm:pgm",
                                     "-depth 16 -compress None pgm:pgm",
-                                    "-monochrome pbm:pbm",
                                     "-monochrome -compress None pbm:pbm",
-                                    "-type TrueColor -compress None tga:tga",
                                     "-type TrueColor -compress RLE tga:tga",
-                                    "-colors 100 -type Palette -compress None tga:tga",
                                     "-colors 100 -type Palette -compress RLE tga:tga",
                                     "-colorspace Gray -compress None tga:tga",
                                     "-colorspace Gray -compress RLE tga:tga"})
@@ -341,21 +312,24 @@ private Q_SLOTS:
               "-alpha off -monochrome -define png:color-type=0 -define png:bit-depth=1",
               "-alpha off -colorspace Gray -define png:color-type=0 -define png:bit-depth=2 -depth 2",
               "-colors 20 -define png:color-type=3", "-alpha off -transparent black -define png:color-type=2",
-              "-profile %1", "-depth 16 -profile %1", "-alpha off -colorspace Gray -profile %2",
+              "-alpha off -colors 9 -transparent black -define png:color-type=3",
+              "-colors 3 -define png:color-type=3",
+              "-alpha off -colorspace Gray -define png:color-type=0 -define png:bit-depth=4 -depth 4",
+              "-alpha off -colorspace Gray -transparent black -define png:color-type=0",
+              "-alpha off -depth 16 -define png:color-type=2",
+              "-alpha off -colorspace Gray -depth 16 -define png:color-type=0", "-profile %1",
+              "-depth 16 -profile %1", "-alpha off -colorspace Gray -profile %2",
               "-colorspace Gray -define png:color-type=4 -profile %2",
               "-colorspace Gray -depth 16 -define png:color-type=4 -profile %2"})
             addRow(Kind{QLatin1String(options) + QLatin1String(" png:png"), true, 1});
         const QByteArray numbers = " -define quantum:format=";
         for (const QByteArray &options : std::initializer_list<QByteArray>{
-                 "-alpha off -depth 8 -compress LZW",
                  "-alpha off -depth 16 -compress Zip -endian MSB",
                  "-alpha off -depth 4 -compress None",
                  "-alpha off -depth 32" + numbers + "floating-point",
                  "-type TrueColor -depth 10 -compress None",
                  "-type TrueColor -depth 12 -compress LZW",
                  "-type TrueColor -depth 12 -interlace Plane -endian MSB",
-                 "-type TrueColor -depth 12 -define tiff:tile-geometry=32x16",
-                 "-type TrueColor -depth 14 -compress None",
                  "-type TrueColor -depth 32 -endian MSB",
                  "-type TrueColor -depth 16" + numbers + "signed",
                  "-type TrueColor -depth 16" + numbers + "floating-point",
@@ -370,38 +344,31 @@ private Q_SLOTS:
                  "-type TrueColor -depth 16 -colorspace Lab -interlace Plane",
                  "-alpha off -depth 8 -interlace Plane -compress RLE",
                  "-alpha off -depth 16 -interlace Plane -define tiff:rows-per-strip=7",
-                 "-alpha off -depth 8 -define tiff:tile-geometry=16x16 -compress Zip",
                  "-depth 16 -define tiff:tile-geometry=32x16 -endian MSB",
                  "-alpha off -depth 8 -compress JPEG -quality 98",
                  "-alpha off -depth 8 -compress JPEG -define tiff:tile-geometry=32x32",
                  "-depth 8 -define tiff:alpha=unassociated",
-                 "-depth 8 -define tiff:alpha=associated",
                  "-depth 16 -define tiff:alpha=associated",
                  "-depth 8 -interlace Plane",
                  "-alpha off -monochrome -compress Group4",
-                 "-alpha off -monochrome -compress Fax",
                  "-alpha off -monochrome -define quantum:polarity=min-is-white",
                  "-alpha off -colorspace Gray -depth 4",
                  "-alpha off -colorspace Gray -depth 8 -define quantum:polarity=min-is-white",
                  "-colorspace Gray -depth 16",
-                 "-alpha off -colorspace Gray -depth 8 -profile %2",
                  "-alpha off -colorspace Gray -depth 16 -profile %2",
                  "-alpha off -type Palette -colors 20",
                  "-alpha off -profile %1 -type Palette -colors 20",
-                 "-alpha off -depth 8 -profile %1",
                  "-depth 16 -profile %1",
-                 "-alpha off -depth 8 -colorspace CMYK -profile %3",
                  "-alpha off -depth 16 -colorspace CMYK -profile %3 -compress LZW",
                  "-alpha off -depth 8 -colorspace CMYK -profile %3 -interlace Plane",
                  "-alpha off -depth 8 -colorspace CMYK",
-                 "-alpha off -depth 8 -colorspace YCbCr -compress LZW",
                  "-alpha off -depth 8 -colorspace YCbCr -compress Zip -orient RightTop",
                  "-alpha off -depth 8 -colorspace YCbCr -compress Zip -define tiff:tile-geometry=32x16",
                  "-alpha off -depth 8 -orient RightTop"})
             addRow(Kind{QString::fromLatin1(options + " TIFF:tif"), true});
         addRow(Kind{"-alpha off -depth 8 TIFF64:tif", true});
     }
-    void kindsAreReadAsElsewhere()
+    void kindsAreReadAsByImageMagick()
     {
         PLEXA_NEEDS_MAGICK();
         PLEXA_NEEDS_PHOTOS();
@@ -448,117 +415,88 @@ private Q_SLOTS:
         QVERIFY2(difference < 2, qPrintable(QString::number(difference)));
     }
 
-    void factsOfTheContainer_data()
-    {
-        addRows<Fact>({{"jpeg/nokia-n70-nonsquare-density.jpg", "DPIWidth", 44.0},
-                       {"jpeg/nokia-n70-nonsquare-density.jpg ", "DPIHeight", 300.0},
-                       {"png/nonsquare-pixels.png", "DPIWidth", 4.0},
-                       {"png/nonsquare-pixels.png ", "DPIHeight", 1.0},
-                       {"png/alpha-paper.png", "HasAlpha", true},
-                       {"logos/wordmark-1200x301.png", "DPIWidth", 300.0},
-                       {"webp/htc-desire.webp", "HasAlpha", false}});
-    }
     void factsOfTheContainer()
     {
         PLEXA_NEEDS_PHOTOS();
-        const auto [name, key, value] = currentRow<Fact>();
-        const auto source = ImageSource::open(realPhoto(name.trimmed()));
-        QVERIFY(source);
-        const QVariant found = source->properties().value(key);
-        if (value.typeId() == QMetaType::Double)
-            QVERIFY2(std::abs(found.toDouble() - value.toDouble()) < 0.05, qPrintable(found.toString()));
-        else
-            QCOMPARE(found, value);
+        const struct {
+            const char *name, *key;
+            double value;
+        } facts[] = {{"jpeg/nokia-n70-nonsquare-density.jpg", "DPIWidth", 44},
+                     {"jpeg/nokia-n70-nonsquare-density.jpg", "DPIHeight", 300},
+                     {"png/nonsquare-pixels.png", "DPIWidth", 4},
+                     {"png/nonsquare-pixels.png", "DPIHeight", 1},
+                     {"png/alpha-paper.png", "HasAlpha", 1},
+                     {"webp/htc-desire.webp", "HasAlpha", 0}};
+        for (const auto &[name, key, value] : facts) {
+            const auto source = ImageSource::open(realPhoto(name));
+            QVERIFY(source);
+            const QVariant found = source->properties().value(QLatin1String(key));
+            QVERIFY2(found.isValid() && std::abs(found.toDouble() - value) < 0.05, name);
+        }
     }
 
-    void brokenFilesGiveAReason_data()
-    {
-        const QString early = PictureFailures::endsEarly();
-        addRows<Broken>(
-            {{"broken/zero-length.jpg", "the file is empty"},
-             {"broken/text-named.jpg", PictureFailures::notAPicture()},
-             {"broken/truncated.heic", early},
-             {"broken/truncated.jpg", early},
-             {"broken/truncated.png", early},
-             {"broken/broken-data-stream.png", PictureFailures::damaged()},
-             {"broken/decompression-bomb.gif",
-              "the picture is too large: 65535 x 66601 pixels, at most 1000 megapixels can be read"},
-             {"broken/3000000x2000000.bmp",
-              "the picture is too large: 3000000 x 2000000 pixels, at most 1000 megapixels can be read"},
-             {"broken/jpeg-named.nef", ""},
-             {"broken/png-named.jpg", ""},
-             {"raw/canon-metadata-only.cr2", PictureFailures::noRawData()},
-             {"README.md", PictureFailures::notAPicture()},
-             {"jpeg", PictureFailures::notAPicture()},
-             {"absent.jpg", "it cannot be read: No such file or directory"}});
-    }
     void brokenFilesGiveAReason()
     {
         PLEXA_NEEDS_PHOTOS();
-        const auto [name, reason] = currentRow<Broken>();
-        QString error;
-        QCOMPARE(decoded(realPhoto(name), &error).isNull(), !reason.isEmpty());
-        QCOMPARE(error, QString(reason));
-    }
-
-    /// Rows are read into strips of the announced size.
-    void announcedSizeIsKept()
-    {
-        int files = 0;
-        for (QDirIterator it(sourceFolder() + u"/tests/fuzz/corpus"_qs, QDir::Files,
-                             QDirIterator::Subdirectories);
-             it.hasNext(); ++files) {
-            const auto source = ImageSource::open(it.next());
-            const Result<std::unique_ptr<RowReader>> reader =
-                source ? source->openRows() : fail(u"not opened"_qs);
-            QVERIFY2(!reader || (*reader)->format() == source->info().rows, qPrintable(it.filePath()));
+        const QString truncated = PictureFailures::truncated();
+        for (const auto &[name, reason] :
+             {std::pair{"broken/zero-length.jpg", u"the file is empty"_qs},
+              {"broken/text-named.jpg", PictureFailures::notAPicture()},
+              {"broken/truncated.heic", truncated},
+              {"broken/truncated.jpg", truncated},
+              {"broken/truncated.png", truncated},
+              {"broken/broken-data-stream.png", PictureFailures::damaged()},
+              {"broken/3000000x2000000.bmp",
+               u"the picture is too large: 3000000 x 2000000 pixels, at most 1000 megapixels can be read"_qs},
+              {"broken/jpeg-named.nef", QString()},
+              {"broken/png-named.jpg", QString()},
+              {"raw/canon-metadata-only.cr2", PictureFailures::noRawData()},
+              {"jpeg", PictureFailures::notAPicture()},
+              {"absent.jpg", u"it cannot be read: No such file or directory"_qs}}) {
+            QString error;
+            QCOMPARE(decoded(realPhoto(name), &error).isNull(), !reason.isEmpty());
+            QCOMPARE(error, reason);
         }
-        QVERIFY(files > 0);
     }
 
-    void limitsHold_data()
-    {
-        constexpr qint64 kMany = 1'000'000'000;
-        addRows<Limit>({{"pixels, JPEG", "broken/20000x14000-gray.jpg", 1'000'000, kMany},
-                        {"pixels, PNG", "broken/30000x30000-one-bit.png", 1'000'000, kMany},
-                        {"pixels, BMP", "bmp/rgb24.bmp", 100, kMany},
-                        {"pixels, TIFF", "tiff/lzw-rgb8.tif", 100, kMany},
-                        {"bytes, baseline", "broken/20000x14000-gray.jpg", kMany, 1'000'000, true},
-                        {"bytes, one bit", "broken/30000x30000-one-bit.png", kMany, 1'000'000, true},
-                        {"bytes, progressive", "jpeg/panasonic-dmc-lc70-progressive.jpg", kMany, 5'000'000},
-                        {"bytes, interlaced", "png/rgb8-interlaced.png", kMany, 2'000},
-                        {"bytes, TIFF", "tiff/lzw-rgb8.tif", kMany, 100'000, true},
-                        {"bytes, WebP", "webp/htc-desire.webp", kMany, 1'000'000}});
-    }
     void limitsHold()
     {
         PLEXA_NEEDS_PHOTOS();
-        const auto [name, file, maxPixels, maxBytes, streams] = currentRow<Limit>();
-        const ReadLimits limits = {maxPixels, maxBytes};
-        QString error;
-        QVERIFY(decoded(realPhoto(file), &error, limits).isNull());
-        QVERIFY2(error.startsWith(u"the picture is too large"), qPrintable(error));
-        const auto source = ImageSource::open(realPhoto(file), limits);
-        QCOMPARE(source && source->openRows(), streams);
+        constexpr qint64 kMany = 1'000'000'000;
+        for (const auto &[file, limits, streams] :
+             {Limit{"broken/20000x14000-gray.jpg", {1'000'000, kMany}},
+              {"broken/30000x30000-one-bit.png", {1'000'000, kMany}},
+              {"bmp/rgb24.bmp", {100, kMany}},
+              {"tiff/lzw-rgb8.tif", {100, kMany}},
+              {"broken/20000x14000-gray.jpg", {kMany, 1'000'000}, true},
+              {"broken/30000x30000-one-bit.png", {kMany, 1'000'000}, true},
+              {"jpeg/panasonic-dmc-lc70-progressive.jpg", {kMany, 5'000'000}},
+              {"png/rgb8-interlaced.png", {kMany, 2'000}},
+              {"tiff/lzw-rgb8.tif", {kMany, 100'000}, true},
+              {"webp/htc-desire.webp", {kMany, 1'000'000}}}) {
+            QString error;
+            QVERIFY(decoded(realPhoto(file), &error, limits).isNull());
+            QVERIFY2(error.startsWith(u"the picture is too large"), qPrintable(error));
+            const auto source = ImageSource::open(realPhoto(file), limits);
+            QCOMPARE(source && source->openRows(), streams);
+        }
     }
 
-    void unmarkedPicturesAreNamed_data()
-    {
-        addRows<Unmarked>({{"jpeg/display-p3-iphone-13-mini.jpg", {u"gain map"_qs}},
-                           {"jpeg/pixel-4a-gain-map.jpg", {u"gain map"_qs}},
-                           {"jpeg/canon-eos-450d.jpg"},
-                           {"webp/animation-lossy.webp", {u"animation"_qs}},
-                           {"tiff/multipage.tif", {u"further pages"_qs}},
-                           {"heic/libheif-example.heic", {u"further pictures"_qs}},
-                           {"heic/iphone-8.heic"}});
-    }
     void unmarkedPicturesAreNamed()
     {
         PLEXA_NEEDS_PHOTOS();
-        const auto [name, pictures] = currentRow<Unmarked>();
-        const auto source = ImageSource::open(realPhoto(name));
-        QVERIFY(source);
-        QCOMPARE(droppedPictures(*source), pictures);
+        for (const auto &[name, pictures] :
+             {std::pair{"jpeg/display-p3-iphone-13-mini.jpg", QStringList{u"gain map"_qs}},
+              {"jpeg/pixel-4a-gain-map.jpg", {u"gain map"_qs}},
+              {"jpeg/canon-eos-450d.jpg", {}},
+              {"webp/animation-lossy.webp", {u"animation"_qs}},
+              {"tiff/multipage.tif", {u"further pages"_qs}},
+              {"heic/libheif-example.heic", {u"further pictures"_qs}},
+              {"heic/iphone-8.heic", {}}}) {
+            const auto source = ImageSource::open(realPhoto(name));
+            QVERIFY(source);
+            QCOMPARE(droppedPictures(*source), pictures);
+        }
     }
 };
 

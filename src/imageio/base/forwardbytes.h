@@ -8,23 +8,22 @@
 namespace plexa
 {
 
-/// Reads forward in large pieces: some formats have millions of small blocks. One thread
-/// at a time.
+/// Reads forward in large pieces, for formats of many small blocks. One thread at a time.
 class ForwardBytes
 {
 public:
-    /// @param device  read from where it stands; stays the caller's
+    /// @param device  read from its position; must outlive this object
     explicit ForwardBytes(QIODevice &device)
         : m_device(device)
     {
     }
 
-    /// How many bytes were taken so far.
+    /// The number of bytes read so far.
     qint64 position() const { return m_start + m_at; }
     bool metEnd() const { return m_metEnd; }
     bool readFailed() const { return m_readFailed; }
 
-    /// @return the next byte; -1 where there is none
+    /// @return the next byte; -1 at the end
     int next()
     {
         if (m_at >= m_buffer.size() && !fill())
@@ -32,7 +31,7 @@ public:
         return uchar(m_buffer[m_at++]);
     }
 
-    /// @return so many bytes, or what is left of the file
+    /// @return `count` bytes, fewer at the end of the file
     QByteArray take(qsizetype count)
     {
         QByteArray bytes;
@@ -44,7 +43,7 @@ public:
         return bytes;
     }
 
-    /// @return how many bytes there were to skip, up to `count`
+    /// @return the number of skipped bytes, less than `count` at the end of the file
     qsizetype skip(qsizetype count)
     {
         qsizetype done = 0;
@@ -74,7 +73,7 @@ private:
     qint64 m_start = 0; ///< of the buffer, from the first byte
     qsizetype m_at = 0; ///< in the buffer
     bool m_readFailed = false;
-    bool m_metEnd = false; ///< more was asked for than there is
+    bool m_metEnd = false;
 };
 
 } // namespace plexa

@@ -2,8 +2,7 @@
 
 #pragma once
 
-// Of the OpenMP library that LibRaw and libimagequant were built with; compilers other than its own have no
-// header for it.
+// Of the OpenMP library of LibRaw and libimagequant, for which only its own compiler has a header.
 extern "C" {
 void omp_set_num_threads(int count);
 int omp_get_max_threads(void);
@@ -12,9 +11,8 @@ int omp_get_max_threads(void);
 namespace plexa
 {
 
-/// Keeps OpenMP, while it lives, from starting threads for what libraries do on the calling thread: one
-/// thread works on one photo here, and OpenMP's wait busily for each other. The setting is the calling
-/// thread's own and is put back.
+/// While it lives, OpenMP starts no threads for library calls on this thread: one thread processes one photo,
+/// and OpenMP's threads wait busily for each other. Restores the setting, which belongs to the thread.
 class OneOpenMpThread
 {
 public:

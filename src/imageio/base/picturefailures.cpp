@@ -20,7 +20,7 @@ QString PictureFailures::tooManyPixels(QSize size, const ReadLimits &limits)
 
 QString PictureFailures::tooMuchMemory(QSize size, qint64 bytes, const ReadLimits &limits)
 {
-    // More than a gigapixel could take: the file asks for it, not the picture.
+    // No picture within the limits needs as much.
     constexpr qint64 kBeyondAnyPicture = 1'000'000'000'000;
     if (bytes >= kBeyondAnyPicture)
         return tr("the file asks for too much memory");

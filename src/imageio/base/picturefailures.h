@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include "imageio/base/readlimits.h"
 #include "platform/result.h"
 
 #include <QCoreApplication>
@@ -12,8 +11,13 @@
 namespace plexa
 {
 
-/// The reasons why a picture cannot be read or written, worded once for all codecs: text that follows a
-/// file's name and a colon.
+/// Bounds for pictures from outside.
+struct ReadLimits {
+    qint64 maxPixels = 1'000'000'000; ///< a picture with more is refused
+    qint64 maxBytes = 4'000'000'000;  ///< memory that one decoded picture may take
+};
+
+/// The reasons why a picture cannot be read or written: text that follows a file's name and a colon.
 class PictureFailures
 {
     Q_DECLARE_TR_FUNCTIONS(plexa::PictureFailures)
@@ -22,8 +26,8 @@ public:
     static QString emptyFile() { return tr("the file is empty"); }
     static QString notAPicture() { return tr("not a picture that can be read"); }
     static QString unsupportedKind(const char *format);
-    static QString noRawData() { return tr("it holds no camera raw photo of a known kind"); }
-    static QString endsEarly() { return tr("the picture data end early"); }
+    static QString noRawData() { return tr("it contains no camera raw photo of a known kind"); }
+    static QString truncated() { return tr("the file is truncated"); }
     static QString damaged() { return tr("the picture data are damaged"); }
     static QString tooManyPixels(QSize size, const ReadLimits &limits);
     static QString tooMuchMemory(QSize size, qint64 bytes, const ReadLimits &limits);
@@ -37,13 +41,11 @@ public:
     static QString colorsNotReduced(int code);
     static QString tooLargeToWrite(const char *format);
     static QString cannotWrite(const QString &type);
-    static QString cannotWriteFormat() { return tr("files of this format cannot be written"); }
 
-    /// Checks what a file says of its size.
-    /// @return the failure when a side is below 1 or there are more pixels than allowed
+    /// Fails if a side is below 1 or there are more pixels than allowed.
     static Result<void> checkSize(QSize size, const ReadLimits &limits);
 
-    /// Checks the memory that a whole picture will take.
+    /// Fails if the whole picture needs more memory than allowed.
     static Result<void> checkMemory(QSize size, qint64 bytesPerPixel, const ReadLimits &limits);
 };
 

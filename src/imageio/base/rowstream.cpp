@@ -22,13 +22,11 @@ public:
 private:
     Result<void> decodeRow(int index, QRgb *row) override
     {
-        const QImage::Format format = m_format.imageFormat();
-        const QImage converted = m_image.format() == format
-                                     ? QImage()
-                                     : m_image.copy(0, index, m_image.width(), 1).convertToFormat(format);
-        const QImage &from = converted.isNull() ? m_image : converted;
-        std::copy_n(reinterpret_cast<const QRgb *>(from.constScanLine(converted.isNull() ? index : 0)),
-                    m_image.width(), row);
+        QImage converted;
+        if (m_image.format() != m_format.imageFormat())
+            converted = m_image.copy(0, index, m_image.width(), 1).convertToFormat(m_format.imageFormat());
+        const uchar *from = converted.isNull() ? m_image.constScanLine(index) : converted.constScanLine(0);
+        std::copy_n(reinterpret_cast<const QRgb *>(from), m_image.width(), row);
         return {};
     }
 

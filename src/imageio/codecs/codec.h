@@ -3,9 +3,9 @@
 #pragma once
 
 #include "imageio/base/picturefailures.h"
-#include "imageio/base/readlimits.h"
 #include "imageio/base/rowstream.h"
 #include "imageio/embedded/pngtexts.h"
+#include "platform/result.h"
 
 #include <QByteArray>
 #include <QByteArrayView>
@@ -14,6 +14,7 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <functional>
 #include <memory>
 
 namespace plexa
@@ -21,8 +22,7 @@ namespace plexa
 
 /// Facts about a picture that need no decoding.
 struct PictureInfo {
-    RowFormat rows; ///< of the first picture, as its reader delivers it
-    int imageCount = 1;
+    RowFormat rows;        ///< of the first picture, as its reader delivers it
     int depth = 8;         ///< bits per component in the file
     QString colorModel;    ///< "RGB", "Gray", "CMYK" or "Lab", of the file
     QByteArray iccProfile; ///< embedded, or the one that the file names; may be empty
@@ -57,62 +57,47 @@ struct WriteOptions {
     bool tiffLzw = true;             ///< TIFF: LZW, else uncompressed
 };
 
-/// Reads and writes one format. Stateless; any thread. Exceptions, jumps and messages of the underlying
-/// library do not leave the codec.
-class Codec
-{
-public:
-    virtual ~Codec() = default;
+/// @param device  open for reading, random access, at its start
+using InfoFunction = Result<PictureInfo>(QIODevice &device, const ReadLimits &limits);
 
-    /// @param device  open for reading, random access, at its start; must outlive everything made from it
-    [[nodiscard]] virtual Result<PictureInfo> readInfo(QIODevice &device, const ReadLimits &limits) const = 0;
+/// Opens a reader of the first picture, converted to sRGB.
+/// @param device     open for reading, random access, at its start; must outlive the reader
+/// @param reduction  1, 2, 4 or 8: the rows may be those of the picture reduced by this factor or by a
+///                   smaller one of these (sides rounded up)
+using ReaderFunction = Result<std::unique_ptr<RowReader>>(QIODevice &device, const ReadLimits &limits,
+                                                          int reduction);
 
-    /// Opens a reader of the first picture, converted to sRGB.
-    /// @param reduction  1, 2, 4 or 8: a picture reduced by about that factor is sufficient (sides rounded
-    ///                   up); a codec that cannot reduce ignores it
-    [[nodiscard]] virtual Result<std::unique_ptr<RowReader>>
-    openReader(QIODevice &device, const ReadLimits &limits, int reduction) const = 0;
+/// Opens a writer. Formats without alpha get rows without alpha.
+/// @param device  open for writing, random access, empty; must outlive the writer
+using WriterFunction = Result<std::unique_ptr<RowWriter>>(QIODevice &device, const RowFormat &format,
+                                                          const WriteOptions &options);
 
-    /// Opens a writer that writes the file to `device` (open for writing, random access, empty). Formats
-    /// without alpha get rows without alpha. Fails when the format cannot be written, as here.
-    [[nodiscard]] virtual Result<std::unique_ptr<RowWriter>> openWriter(QIODevice &, const RowFormat &,
-                                                                        const WriteOptions &) const
-    {
-        return fail(PictureFailures::cannotWriteFormat());
-    }
+/// The memory (bytes) that such a writer holds besides the strips it gets.
+using WriterBytesFunction = qint64(const RowFormat &format, const WriteOptions &options);
 
-    /// The longest EXIF structure that openWriter() accepts.
-    virtual qsizetype maxExifBytes() const { return 16 * 1024 * 1024; }
-
-    /// Does a written file keep IIM records? Otherwise their facts are written as XMP.
-    virtual bool writesIptc() const { return true; }
-
-    /// Does a written file keep EXIF?
-    virtual bool writesExif() const { return true; }
-
-    /// Does a written file keep a comment outside of EXIF, IPTC and XMP?
-    virtual bool writesComment() const { return true; }
-
-    /// Does a written file keep a thumbnail in its EXIF (WriteOptions::thumbnailPlaceholder)?
-    virtual bool holdsThumbnail() const { return true; }
-
-    /// The size of the rows that openReader() delivers for a picture of `size` pixels.
-    virtual QSize reducedSize(QSize size, int) const { return size; }
-
-    /// The memory (bytes) that such a writer holds besides the strips it gets: data that it collects before
-    /// it can write; 0 where the rows stream.
-    virtual qint64 writerBytes(const RowFormat &, const WriteOptions &) const { return 0; }
+/// How one format is read and written. Stateless; any thread. Exceptions, jumps and messages of the
+/// underlying library do not leave these functions.
+struct Codec {
+    std::function<InfoFunction> readInfo;
+    std::function<ReaderFunction> openReader;
+    WriterFunction *openWriter = nullptr;       ///< null: the format is not written
+    WriterBytesFunction *writerBytes = nullptr; ///< null: the rows stream
+    qsizetype maxExifBytes = 16 * 1024 * 1024;  ///< the longest EXIF structure that openWriter() accepts
+    bool keepsExif = true;                      ///< in a written file
+    bool keepsIptc = true;      ///< IIM records in a written file; otherwise their facts are written as XMP
+    bool keepsComment = true;   ///< a comment outside of EXIF, IPTC and XMP in a written file
+    bool keepsThumbnail = true; ///< in the EXIF of a written file (WriteOptions::thumbnailPlaceholder)
 };
 
 /// One row of the table of picture formats: what menus, file dialogs, folder scans and the command line need
 /// to know of a format. Types are MIME names ("image/jpeg").
 struct ImageFormat {
-    const char *type;                     ///< MIME name, the type identifier
-    const char *name;                     ///< for people: "JPEG"
-    QStringList suffixes;                 ///< lower case, without the dot; copies get the first one
-    bool (*matches)(QByteArrayView head); ///< do a file's first bytes (up to 64) belong to this format? null:
-                                          ///< no signature, recognized by its suffix alone
-    const Codec *codec;                   ///< never null; static storage
+    const char *type;     ///< MIME name, the type identifier
+    const char *name;     ///< for people: "JPEG"
+    QStringList suffixes; ///< lower case, without the dot; copies get the first one
+    std::function<bool(QByteArrayView head)> matches; ///< do a file's first bytes (up to 64) belong to this
+                                                      ///< format? empty: recognized by its suffix alone
+    const Codec *codec;                               ///< never null; static storage
     bool canWrite = false;
     bool writesAlpha = false; ///< a written file keeps transparency
 };

@@ -36,8 +36,7 @@ class ColorTransform final
 {
 public:
     /// @param iccProfile  may be damaged or of the wrong kind
-    /// @return null when nothing has to be converted (the profile equals sRGB to within 1 of 255), or nothing
-    ///         can be (no profile, or one that does not fit these pixels)
+    /// @return null if the profile equals sRGB to within 1 of 255, or cannot be applied to these pixels
     static std::unique_ptr<ColorTransform> toSrgb(const QByteArray &iccProfile, PixelLayout layout);
 
     /// The same for colors given by calibration; `layout` is Rgb32 or Rgb48.
@@ -60,16 +59,27 @@ private:
     std::unique_ptr<Data> m_data;
 };
 
-/// The color model of a profile: "RGB", "Gray", "CMYK", "Lab"; empty when it cannot be used.
+/// The color model of a profile: "RGB", "Gray", "CMYK", "Lab"; empty if unusable.
 QString profileColorModel(const QByteArray &iccProfile);
 
-/// The profile's name for people; empty when it has none.
+/// The profile's name for people; may be empty.
 QString profileDescription(const QByteArray &iccProfile);
 
-/// Adobe RGB (1998), for pictures that name it without carrying a profile.
+/// Adobe RGB (1998), for pictures that name it without a profile.
 const QByteArray &adobeRgbProfile();
 
-/// The sRGB profile that every written picture carries: under 4 KB, always the same bytes.
+/// The sRGB profile of every written picture: under 4 KB, always the same bytes.
 const QByteArray &srgbProfile();
+
+/// Colors as code points (ITU-T H.273, clauses 8.1 and 8.2), used by video and related formats.
+struct NclxColors {
+    int primaries = 1; ///< 1: BT.709 and sRGB, 9: BT.2020, 12: Display P3, ...
+    int transfer = 13; ///< 13: sRGB, 16: PQ, 18: HLG, ...
+};
+
+/// The ICC profile for these colors. The curves of SDR video count as sRGB's, as in other programs. PQ and
+/// HLG are mapped to the range of a monitor: highlights above their reference white are compressed.
+/// @return empty for sRGB, for reserved or unspecified code points, and without memory
+QByteArray profileOfNclx(const NclxColors &colors);
 
 } // namespace plexa

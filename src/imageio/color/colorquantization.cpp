@@ -33,8 +33,8 @@ using Attributes = std::unique_ptr<liq_attr, Destroyer<liq_attr_destroy>>;
 using Image = std::unique_ptr<liq_image, Destroyer<liq_image_destroy>>;
 using Colors = std::unique_ptr<liq_result, Destroyer<liq_result_destroy>>;
 
-/// The library's memory while one picture is worked on. For a picture that it does not keep as floating-point
-/// numbers version 2.17 never gives back two rows of those: here they go with the rest.
+/// The library's memory for one picture. Version 2.17 never frees two rows of pictures that it does not store
+/// as floats: this frees them.
 class LibraryMemory
 {
 public:
@@ -73,7 +73,7 @@ private:
 
 thread_local std::unordered_set<void *> *LibraryMemory::s_blocks = nullptr;
 
-/// Pictures up to this many pixels the library keeps as floating-point numbers as well.
+/// The library stores pictures up to this many pixels as floats as well.
 constexpr qint64 kMaxPixelsKeptAsFloats = (qint64(1) << 26) / 16;
 
 Error failureOf(liq_error code)
@@ -86,13 +86,13 @@ Error failureOf(liq_error code)
 
 Result<IndexedPicture> quantizedPicture(const uchar *pixels, QSize size, int maxColors)
 {
-    const OneOpenMpThread oneThread; // with two, the processors had half as much work again
-    const LibraryMemory memory;      // the last to go
+    const OneOpenMpThread oneThread; // two need half as much work again
+    const LibraryMemory memory;      // destroyed last
     const Attributes attributes(liq_attr_create_with_allocator(LibraryMemory::take, LibraryMemory::giveBack));
     if (!attributes)
         return fail(PictureFailures::outOfMemory());
-    // Slower settings than the library's usual one (4) were measured to gain less than a tenth of a decibel;
-    // the quick ones (from 8) lose one to two and a half decibels for three fifths of the time.
+    // Measured: slower settings than the usual one (4) gain less than 0.1 dB; the quick ones (from 8) lose
+    // 1 to 2.5 dB for three fifths of the time.
     liq_set_speed(attributes.get(), 4);
     if (const liq_error code = liq_set_max_colors(attributes.get(), maxColors); code != LIQ_OK)
         return tl::unexpected(failureOf(code));
@@ -112,7 +112,7 @@ Result<IndexedPicture> quantizedPicture(const uchar *pixels, QSize size, int max
     if (const liq_error code = liq_write_remapped_image(result, image.get(), picture.indices.get(), count);
         code != LIQ_OK)
         return tl::unexpected(failureOf(code));
-    // Only now: dithering settles the colors.
+    // Dithering changes the colors.
     const liq_palette *palette = liq_get_palette(result);
     for (unsigned int i = 0; i < palette->count; ++i)
         picture.palette.push_back(qRgb(palette->entries[i].r, palette->entries[i].g, palette->entries[i].b));
@@ -126,8 +126,7 @@ qint64 maxQuantizedPixels()
 
 qint64 quantizingBytes(QSize size)
 {
-    // Measured: the indices and three maps of a byte a pixel, one more while they are made; the table of all
-    // colors with what is by line.
+    // Measured: the indices and four maps of a byte per pixel; the table of all colors and line buffers.
     const qint64 pixels = qint64(size.width()) * size.height();
     return pixels * (pixels <= kMaxPixelsKeptAsFloats ? 21 : 5) + 4'000'000;
 }

@@ -19,19 +19,18 @@ struct IndexedPicture {
     std::unique_ptr<uchar[]> indices; ///< row by row without padding
 };
 
-/// Chooses the colors by which a picture looks best, and dithers it with them by diffusing errors; a picture
-/// that has no more colors than allowed keeps them exactly. Takes some seconds for a large photo. The same
-/// picture always gives the same result.
+/// Chooses the best colors for a picture and dithers it by error diffusion; a picture with few enough colors
+/// keeps them exactly. Needs some seconds for a large photo. Deterministic.
 /// @param pixels     red, green, blue and 255, row by row without padding
 /// @param size       sides of at least 1, at most maxQuantizedPixels() in all
 /// @param maxColors  2 to 256
-/// @return the failure when there is not enough memory, or the library refuses
+/// @return the failure if memory is short or the library refuses
 [[nodiscard]] Result<IndexedPicture> quantizedPicture(const uchar *pixels, QSize size, int maxColors);
 
 /// The largest picture, in pixels.
 qint64 maxQuantizedPixels();
 
-/// The most memory (bytes) that quantizedPicture() takes, with what it returns.
+/// Upper bound of the memory (bytes) of quantizedPicture(), its result included.
 qint64 quantizingBytes(QSize size);
 
 } // namespace plexa

@@ -32,8 +32,7 @@ std::unique_ptr<ColorTransform> transformOf(const PictureColors &colors, PixelLa
 RowConversion::RowConversion(SampleLayout layout, const PictureColors &colors, int width)
     : m_layout(std::move(layout))
     , m_width(width)
-    , m_channels(channelsOf(m_layout.colors))
-    , m_wordsPerPixel(m_channels)
+    , m_wordsPerPixel(channelsOf(m_layout.colors))
 {
     if (m_layout.colors == Colors::Palette || (m_layout.colors == Colors::Gray && !isDeep())) {
         makeTable(colors);

@@ -78,8 +78,7 @@ private:
 
     const SampleLayout m_layout;
     const int m_width;
-    const int m_channels; ///< color samples of a pixel
-    int m_wordsPerPixel;  ///< that the transform reads
+    int m_wordsPerPixel; ///< that the transform reads
     bool m_hasTableTransform = false;
     std::unique_ptr<ColorTransform> m_transform;
     std::vector<QRgb> m_table;    ///< the color of each value, for gray of up to 8 bits and palettes

@@ -8,18 +8,17 @@
 namespace plexa
 {
 
-/// The comments that a JPEG or GIF carries, in order and as they came; at most so many, and 16 MB of them.
+/// The comments of a JPEG or GIF, in order and unchanged, up to 256 and 16 MB.
 class FileComments
 {
 public:
     void add(const QByteArray &comment);
 
-    /// Goes on with the last comment: a segment of a JPEG may be too short for one.
+    /// Extends the last comment: a segment of a JPEG may be too short for one.
     void extendLast(const QByteArray &piece);
 
-    /// All that are texts; anything may be kept in that place. One alone stays as it is; of several each has
-    /// lines of its own, in UTF-8.
-    /// @param isWhole  false: some were left out
+    /// All comments that are texts: a single one unchanged, several joined as lines in UTF-8.
+    /// @param isWhole  false: some are missing
     QByteArray text(bool &isWhole) const;
 
 private:

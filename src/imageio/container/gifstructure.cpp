@@ -17,7 +17,7 @@ constexpr int kGraphicControl = 0xf9;
 constexpr int kComment = 0xfe;
 constexpr int kApplication = 0xff;
 
-/// Extensions that are longer are passed over: profiles of printers have a few megabytes.
+/// Longer extensions are skipped. Profiles of printers have a few megabytes.
 constexpr qsizetype kMaxExtensionBytes = 16 * 1024 * 1024;
 
 int wordAt(const QByteArray &bytes, qsizetype at)
@@ -59,7 +59,7 @@ private:
     {
         if (m_bytes.readFailed())
             return PictureFailures::readError(m_device);
-        return m_bytes.metEnd() ? PictureFailures::endsEarly() : PictureFailures::damaged();
+        return m_bytes.metEnd() ? PictureFailures::truncated() : PictureFailures::damaged();
     }
 
     bool readBlock()
@@ -133,8 +133,8 @@ private:
             skipParts();
     }
 
-    /// The packet lies there as it is, not in parts. Behind it are the bytes 1, 255, 254 ... 1, 0, so that
-    /// who knows nothing of this and takes any letter for the length of a part finds the end all the same.
+    /// The packet is not divided into parts. The bytes 1, 255, 254 ... 1, 0 follow it: a reader that
+    /// interprets any letter as the length of a part finds the end.
     QByteArray readXmp()
     {
         constexpr qsizetype kRampBytes = 257;
@@ -148,15 +148,15 @@ private:
         const qsizetype end = raw.size() - kRampBytes;
         if (end > 0 && raw[end] == 1 && uchar(raw[end + 1]) == 0xff && raw.endsWith(QByteArray("\1\0", 2)))
             return raw.left(end);
-        // Some programs write it in parts nevertheless.
+        // Some programs write it in parts.
         QByteArray joined;
         for (qsizetype at = 0; at < raw.size(); at += 1 + uchar(raw[at]))
             joined += raw.mid(at + 1, uchar(raw[at]));
         return joined;
     }
 
-    /// Hands the parts of a block to a function, each with its length.
-    /// @return false when the file ends before, or when there are too many bytes; the parts are then passed
+    /// Calls a function for each part of a block, with its length.
+    /// @return false if the file is truncated or there are too many bytes; the rest is then skipped
     template<class Take>
     bool readParts(Take take)
     {
@@ -177,14 +177,14 @@ private:
         return true;
     }
 
-    /// The contents of a block; empty when it is not whole.
+    /// The contents of a block; empty if incomplete.
     QByteArray joinedParts()
     {
         QByteArray joined;
         return readParts([&joined](int, const QByteArray &part) { joined += part; }) ? joined : QByteArray();
     }
 
-    /// @return the bytes of the block's contents, as far as the file goes
+    /// @return the number of bytes of the block's contents, as far as present
     qint64 skipParts()
     {
         qint64 sum = 0;

@@ -31,14 +31,14 @@ Coding codingOf(QByteArrayView brand)
                            : Coding::None;
 }
 
-/// The coding that the file's brands tell: the first one that tells any, for the main brand comes first.
+/// The coding of the first brand that specifies one; the main brand comes first.
 Coding codingOfContents(QByteArrayView head)
 {
     if (head.size() < 12 || head.sliced(4, 4) != QByteArrayView("ftyp"))
         return Coding::None;
     const qsizetype boxEnd = qFromBigEndian<quint32>(head.data());
     Coding coding = codingOf(head.sliced(8, 4));
-    // Films have brands of their own, and may claim compatibility with stills.
+    // Films have their own brands, and may claim compatibility with stills.
     if (coding != Coding::Any)
         return coding;
     for (qsizetype at = 16; at + 4 <= qMin(boxEnd, head.size()); at += 4) {

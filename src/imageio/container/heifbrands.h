@@ -7,7 +7,7 @@
 namespace plexa
 {
 
-/// Does a file begin like a HEIF file with pictures coded by HEVC, or by what its brands do not tell?
+/// Does a HEIF file begin here whose pictures are coded by HEVC, or by an unspecified coding?
 /// @param head  its first bytes, up to 64
 bool isHeicContents(QByteArrayView head);
 

@@ -19,7 +19,7 @@ qint64 floorOf(qint64 numerator, qint64 denominator)
     return numerator % denominator < 0 ? quotient - 1 : quotient;
 }
 
-/// Begin and length of a crop along one axis: offset from the centre and length are fractions.
+/// Begin and length of a crop along one axis: offset from the center and length are fractions.
 std::pair<int, int> cropAlong(int side, qint64 length, qint64 lengthUnit, qint64 offset, qint64 offsetUnit)
 {
     const qint64 rounded = floorOf(2 * length + lengthUnit, 2 * lengthUnit);

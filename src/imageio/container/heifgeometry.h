@@ -13,17 +13,17 @@
 namespace plexa
 {
 
-/// One step from the coded picture to the one that is shown (ISO 23008-12, 6.5; ISO 14496-12, 12.1.4).
+/// One step from the coded to the shown picture (ISO 23008-12, 6.5; ISO 14496-12, 12.1.4).
 struct HeifTurn {
     enum class Kind { Rotate, Mirror, Crop };
 
     Kind kind = Kind::Rotate;
     int value = 0; ///< Rotate: quarter turns anti-clockwise; Mirror: 0 top to bottom, 1 left to right
-    std::array<qint64, 8> crop = {}; ///< numerators and denominators: width, height, offsets of the centre
+    std::array<qint64, 8> crop = {}; ///< numerators and denominators: width, height, offsets of the center
 
     /// @param type     "irot", "imir" or "clap"
     /// @param payload  of that box
-    /// @return none for another box and for a damaged one
+    /// @return nothing for another box or a damaged one
     static std::optional<HeifTurn> fromBox(const QByteArray &type, QByteArrayView payload);
 };
 
@@ -35,7 +35,7 @@ struct HeifGeometry {
     QPoint right = {1, 0};
     QPoint down = {0, 1};
 
-    /// @return none when a crop leaves the picture
+    /// @return nothing if a crop leaves the picture
     static std::optional<HeifGeometry> of(QSize coded, const QList<HeifTurn> &turns);
 };
 

@@ -24,7 +24,7 @@ constexpr qsizetype kMaxExtents = 100'000; // of all items; one may take no byte
 constexpr qsizetype kMaxLinks = 200'000;   // between items, and from items to their properties
 constexpr qsizetype kMaxTurns = 16;        // of an item; there are three kinds
 
-/// Numbers of a box, from its front; behind the end there are zeros, and isWhole turns false.
+/// Reads numbers from a box; zeros after its end, where isWhole becomes false.
 class BoxReader
 {
 public:
@@ -80,10 +80,10 @@ struct Box {
     QByteArrayView payload;
 };
 
-/// What items may share; many of them can point to one.
+/// Items may share a property.
 struct Property {
     Box box;
-    QByteArray contents; ///< what an item keeps of it: one copy for all
+    QByteArray contents; ///< as items keep it: one copy for all
 
     explicit Property(const Box &of)
         : box(of)
@@ -91,11 +91,11 @@ struct Property {
         if (box.type == "hvcC" || box.type == "av1C")
             contents = box.payload.toByteArray();
         else if (box.type == "auxC" && box.payload.size() > 4)
-            contents = box.payload.sliced(4).toByteArray(); // behind version and flags
+            contents = box.payload.sliced(4).toByteArray(); // after version and flags
     }
 };
 
-/// The next box inside of a box. @return an empty type when it does not fit
+/// The next box inside a box. @return an empty type if it does not fit
 Box nextBox(BoxReader &reader)
 {
     quint64 size = reader.word();
@@ -115,7 +115,7 @@ Box nextBox(BoxReader &reader)
     return box;
 }
 
-/// Version and flags, with which many boxes begin.
+/// The version and flags at the start of many boxes.
 struct FullBox {
     int version;
     quint32 flags;
@@ -146,7 +146,7 @@ public:
             else if (box.type == "idat")
                 result.dataBox = box.payload.toByteArray();
             else if (box.type == "iloc" || box.type == "iprp" || box.type == "iref")
-                later.append(box); // they speak of items that "iinf" announces
+                later.append(box); // they refer to items of "iinf"
             if (!isSound)
                 return false;
         }
@@ -264,8 +264,8 @@ private:
             item.configuration = property.contents;
         } else if (type == "irot" || type == "imir" || type == "clap") {
             const std::optional<HeifTurn> turn = HeifTurn::fromBox(type, property.box.payload);
-            item.hasSoundTurns = item.hasSoundTurns && turn && item.turns.size() < kMaxTurns;
-            if (item.hasSoundTurns)
+            item.hasValidTurns = item.hasValidTurns && turn && item.turns.size() < kMaxTurns;
+            if (item.hasValidTurns)
                 item.turns.append(*turn);
         } else if (type == "auxC") {
             item.auxiliaryType = property.contents;
@@ -345,13 +345,12 @@ private:
     qsizetype m_links = 0;
 };
 
-/// What the file consists of.
 struct FileBoxes {
     QByteArray meta; ///< payload of the first box of metadata
     bool hasFilm = false;
 };
 
-/// What stands behind the metadata may be damaged.
+/// Boxes after the metadata may be damaged.
 Result<FileBoxes> readFileBoxes(QIODevice &device)
 {
     const qint64 end = device.size();
@@ -380,7 +379,7 @@ Result<FileBoxes> readFileBoxes(QIODevice &device)
             return fail(PictureFailures::damaged());
         if (type == "meta") {
             if (size > end - at)
-                return fail(PictureFailures::endsEarly());
+                return fail(PictureFailures::truncated());
             if (size > kMaxMetaBytes || !device.seek(at + headerBytes))
                 return fail(PictureFailures::damaged());
             boxes.meta = device.read(size - headerBytes);
@@ -392,7 +391,7 @@ Result<FileBoxes> readFileBoxes(QIODevice &device)
     }
     if (hasMeta)
         return boxes;
-    return fail(at >= end ? PictureFailures::endsEarly() : PictureFailures::damaged());
+    return fail(at >= end ? PictureFailures::truncated() : PictureFailures::damaged());
 }
 
 } // namespace
@@ -412,7 +411,7 @@ Result<HeifItems> HeifItems::read(QIODevice &device)
 QByteArray HeifItems::bytes(QIODevice &device, const HeifItem &item, qint64 offset, qint64 count) const
 {
     QByteArray result;
-    // The first extent that ends behind the offset: an item may have very many, and be asked very often.
+    // The first extent that ends after the offset: an item may have many of them and many reads.
     const auto first = std::partition_point(
         item.extents.begin(), item.extents.end(),
         [offset](const HeifItem::Extent &extent) { return extent.start + extent.length <= offset; });

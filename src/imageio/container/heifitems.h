@@ -29,39 +29,37 @@ struct HeifItem {
     bool isInDataBox = false; ///< the extents lie in the item data box ("idat"), not in the file
     bool isElsewhere = false; ///< in another file, or in another item
     QList<Extent> extents;
-    QSize size;                 ///< "ispe"; empty where the item has none
+    QSize size;                 ///< "ispe"; may be empty
     QByteArray configuration;   ///< "hvcC" or "av1C"; may be empty
     QByteArray auxiliaryType;   ///< "auxC"
     QList<HeifTurn> turns;      ///< in their order
-    bool hasSoundTurns = true;  ///< false: one is damaged: a crop by fractions of 0, or beyond all measure
-    QList<quint32> parts;       ///< "dimg": what it is put together from, in order; may repeat
+    bool hasValidTurns = true;  ///< false: one is damaged, or there are too many
+    QList<quint32> parts;       ///< "dimg": items that it is composed of, in order; may repeat
     QList<quint32> auxiliaries; ///< items that belong to it by "auxl"
     QList<quint32> thumbnails;  ///< items that belong to it by "thmb"
-    QList<quint32> described;   ///< items that it tells of, by "cdsc"
+    QList<quint32> described;   ///< items that it describes, by "cdsc"
 };
 
-/// The items of a HEIF file, read without decoding anything. It knows what a decoder is about to be given,
-/// so that this can be measured before.
+/// The items of a HEIF file, read without decoding, to measure the cost of decoding.
 struct HeifItems {
     QHash<quint32, HeifItem> items;
     quint32 primary = 0;
     QByteArray dataBox;       ///< contents of "idat"
-    bool hasSequence = false; ///< beside the items there is a film
+    bool hasSequence = false; ///< a film accompanies the items
 
     /// @param device  random access; its position is left anywhere
-    /// @return the failure when the boxes are damaged or end early
+    /// @return the failure if the boxes are damaged or truncated
     [[nodiscard]] static Result<HeifItems> read(QIODevice &device);
 
     /// `count` bytes of an item's data from `offset` on, fewer at its end.
     QByteArray bytes(QIODevice &device, const HeifItem &item, qint64 offset, qint64 count) const;
 
-    /// The first item of that type that tells of the primary picture, or of none.
+    /// The first item of that type that describes the primary picture, or no particular one; may be null.
     /// @param contentType  of a "mime" item; null: any
-    /// @return null when there is none
     const HeifItem *metadata(const char *type, const char *contentType) const;
 
-    /// Names for what the file shows besides its primary picture: "animation", "gain map", "depth map",
-    /// "further pictures", "preview".
+    /// Names of the pictures besides the primary one: "animation", "gain map", "depth map", "further
+    /// pictures", "preview".
     QStringList furtherPictures() const;
 };
 

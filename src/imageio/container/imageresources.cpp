@@ -37,7 +37,7 @@ constexpr std::array kKept{ResolutionInfo, PrintFlags,       CopyrightFlag, Copy
                            GlobalAngle,    GlobalAltitude,   UrlList,       IptcDigest,
                            PrintScale,     PixelAspectRatio, PrintFlagsInfo};
 
-/// None of those is longer in real files.
+/// Real ones are shorter.
 constexpr qsizetype kMaxKeptBytes = 4096;
 
 struct Resource {
@@ -77,8 +77,7 @@ QByteArray block(quint16 id, const QByteArray &data)
     return bytes;
 }
 
-/// Horizontal and vertical resolution as 16.16 numbers of pixels an inch, each with the unit that people
-/// are shown and the one of the side's length.
+/// Horizontal and vertical resolution as 16.16 numbers of pixels per inch, each with two units for display.
 QByteArray withResolution(QByteArray info, const double (&dpi)[2])
 {
     constexpr qsizetype kInfoBytes = 16;
@@ -99,7 +98,7 @@ QByteArray withSquarePixels(QByteArray ratio)
     return ratio;
 }
 
-/// The digest tells that IIM and XMP agree. Where it told otherwise before, it goes on doing so.
+/// The digest states that IIM and XMP agree. It remains wrong if it was wrong before.
 QByteArray digestForCopy(const QByteArray &digest, const ImageResourceFacts &facts)
 {
     if (facts.iptcAfter.isEmpty() || facts.iptcAfter == facts.iptcBefore)

@@ -12,7 +12,7 @@ namespace plexa
 namespace
 {
 
-/// A picture needs a few dozen segments; a file of a million tiny ones is made to waste time.
+/// Real pictures have a few dozen segments.
 constexpr int kMaxSegments = 20'000;
 
 /// Between two segments.

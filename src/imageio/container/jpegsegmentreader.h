@@ -11,8 +11,8 @@
 namespace plexa
 {
 
-/// Goes through the marker segments of one JPEG picture, in front of its data. Bytes between segments are
-/// passed over as decoders do; a file made to waste time ends early.
+/// Reads the marker segments of one JPEG picture before its data. Skips bytes between segments, as decoders
+/// do, within bounds.
 class JpegSegmentReader
 {
 public:
@@ -23,17 +23,16 @@ public:
     }
 
     /// Steps to the next segment.
-    /// @return its marker (JpegMarker); none at the end of the file or of patience
+    /// @return its marker (JpegMarker); nothing at the end of the file or of the bounds
     std::optional<int> next();
 
-    /// The segment's first bytes behind its length, up to `most`; fewer where the file ends. Valid until the
-    /// next call.
+    /// The segment's first bytes after its length, up to `most`. Valid until the next call.
     QByteArrayView payload(qint64 most = 0x10000);
 
     /// Does the payload begin like this?
     bool isNamed(QByteArrayView name) { return payload(name.size()).startsWith(name); }
 
-    /// The payload behind its name.
+    /// The payload after its name.
     QByteArray contentsBehind(QByteArrayView name);
 
     /// Where in the file the payload begins.

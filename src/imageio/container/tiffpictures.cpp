@@ -4,6 +4,8 @@
 
 #include "imageio/container/tiffdirectoryreader.h"
 
+#include <QBuffer>
+
 #include <set>
 
 namespace plexa
@@ -12,10 +14,10 @@ namespace plexa
 namespace
 {
 
-/// More pictures than that are counted as that many: a crafted chain of directories costs time.
-constexpr int kMaxPictures = 10'000;
+/// Bound for crafted chains of directories.
+constexpr size_t kMaxPictures = 10'000;
 
-/// Directories may lie over one another; real ones have some dozens of fields.
+/// Directories may overlap; real ones have some dozens of fields.
 constexpr int kMaxFields = 400'000;
 
 constexpr quint32 kMaxInnerPictures = 16;
@@ -32,6 +34,14 @@ enum Tag : quint16 {
     DngVersion = 0xC612,
 };
 
+constexpr quint16 kExifDirectory = 0x8769;
+constexpr quint16 kInteroperabilityDirectory = 0xA005;
+constexpr quint16 kColorSpace = 0xA001;
+constexpr quint16 kInteroperabilityIndex = 0x0001;
+
+constexpr quint64 kAdobeRgb = 2;
+constexpr quint64 kUncalibrated = 0xFFFF;
+
 class Walk
 {
 public:
@@ -45,12 +55,12 @@ public:
         m_found.isTiff = m_reader.isTiff();
         std::set<quint64> seen;
         int fields = 0;
-        for (quint64 at = m_reader.first(); at != 0 && m_found.count < kMaxPictures && fields < kMaxFields;) {
+        for (quint64 at = m_reader.first(); at != 0 && seen.size() < kMaxPictures && fields < kMaxFields;) {
             const auto directory = seen.insert(at).second ? m_reader.read(at) : std::nullopt;
             if (!directory)
                 break;
-            if (m_found.count++ == 0)
-                takeFirst(directory->fields);
+            if (seen.size() == 1)
+                readFirst(directory->fields);
             else
                 m_found.hasFurtherPages = m_found.hasFurtherPages || isPage(directory->fields);
             m_found.hasRawPicture = m_found.hasRawPicture || isRaw(directory->fields);
@@ -63,7 +73,7 @@ public:
 private:
     quint64 numberOf(const TiffFields &fields, Tag tag) const { return m_reader.number(fields.value(tag)); }
 
-    void takeFirst(const TiffFields &fields)
+    void readFirst(const TiffFields &fields)
     {
         m_found.beginsReduced = (numberOf(fields, NewSubfileType) & 1) != 0;
         m_found.hasMake = fields.contains(Make);
@@ -88,10 +98,10 @@ private:
 
     bool isPage(const TiffFields &fields) const
     {
-        constexpr quint64 kPageOfMany = 2; // every other bit is one of a kind that belongs to another picture
+        constexpr quint64 kPageOfMany = 2; // other bits mark parts of another picture
         const bool isWhole = (numberOf(fields, NewSubfileType) & ~kPageOfMany) == 0 &&
-                             numberOf(fields, SubfileType) != 2; // the older way to say "reduced"
-        // As EXIF keeps its thumbnail.
+                             numberOf(fields, SubfileType) != 2; // the older code for "reduced"
+        // The form of EXIF.
         const bool isThumbnail = fields.contains(JpegInterchangeFormat) && !fields.contains(StripOffsets) &&
                                  !fields.contains(TileOffsets);
         constexpr quint64 kMask = 4;
@@ -113,6 +123,29 @@ bool isClassicTiff(QByteArrayView head)
 TiffPictures readTiffPictures(QIODevice &device)
 {
     return Walk(device).pictures();
+}
+
+bool exifSaysAdobeRgb(QIODevice &tiff)
+{
+    const TiffDirectoryReader reader(tiff);
+    const auto fieldsAt = [&reader](quint64 position) {
+        const auto directory = reader.read(position);
+        return directory ? directory->fields : TiffFields();
+    };
+    const TiffFields exif = fieldsAt(reader.number(fieldsAt(reader.first()).value(kExifDirectory)));
+    if (const TiffField space = exif.value(kColorSpace); space.count > 0) {
+        if (const quint64 colorSpace = reader.number(space); colorSpace != kUncalibrated)
+            return colorSpace == kAdobeRgb;
+    }
+    const TiffFields interoperability = fieldsAt(reader.number(exif.value(kInteroperabilityDirectory)));
+    return interoperability.value(kInteroperabilityIndex).value.startsWith("R03");
+}
+
+bool exifSaysAdobeRgb(QByteArrayView tiff)
+{
+    QByteArray bytes = QByteArray::fromRawData(tiff.data(), tiff.size());
+    QBuffer device(&bytes);
+    return device.open(QIODevice::ReadOnly) && exifSaysAdobeRgb(device);
 }
 
 } // namespace plexa

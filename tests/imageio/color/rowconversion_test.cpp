@@ -84,14 +84,9 @@ class RowConversionTest : public QObject
                 for (size_t i = 0; i < 4; ++i)
                     QVERIFY2(
                         std::abs(channels[i] - wanted[i]) <= (i == 3 ? 0.501 : tolerance),
-                        qPrintable(QStringLiteral("colors %1, full %2, alpha %3 %4, pixel %5: %6, not %7")
-                                       .arg(int(layout.colors))
-                                       .arg(layout.full)
-                                       .arg(layout.alpha)
-                                       .arg(layout.isPremultiplied)
-                                       .arg(x)
-                                       .arg(channels[i])
-                                       .arg(wanted[i])));
+                        qPrintable(QString::asprintf("colors %d, full %d, alpha %d %d, pixel %d: %d, not %g",
+                                                     int(layout.colors), layout.full, layout.alpha,
+                                                     layout.isPremultiplied, x, channels[i], wanted[i])));
             }
         }
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/base/picturefailures.h"
-#include "imageio/codecs/gif/gifcodec.h"
+#include "imageio/codecs/codecs.h"
 #include "imageio/color/rowconversion.h"
 #include "imageio/container/gifstructure.h"
 
@@ -30,7 +30,7 @@ struct Source {
         const qint64 got = source->device->read(reinterpret_cast<char *>(bytes), count);
         source->readFailed = source->readFailed || got < 0;
         source->reachedEnd = source->reachedEnd || (got >= 0 && got < count);
-        // A file that lacks nothing but the end of its last block is whole.
+        // A file that lacks only the end of its last block is complete.
         const bool suppliesTerminator = got == 0 && count == 1;
         if (suppliesTerminator)
             *bytes = 0;
@@ -39,7 +39,7 @@ struct Source {
     }
 };
 
-/// Unpacks the first frame's indices through giflib, from the descriptor on: what stands before is known.
+/// Unpacks the first frame's indices through giflib, from the descriptor on.
 class GifDecoder
 {
 public:
@@ -81,7 +81,7 @@ public:
         if (error == D_GIF_ERR_NOT_ENOUGH_MEM)
             return PictureFailures::outOfMemory();
         return m_source.reachedEnd || m_source.sawTerminator || error == D_GIF_ERR_EOF_TOO_SOON
-                   ? PictureFailures::endsEarly()
+                   ? PictureFailures::truncated()
                    : PictureFailures::damaged();
     }
 
@@ -91,8 +91,8 @@ private:
     int m_openError = 0;
 };
 
-/// What all indices look like, premultiplied sRGB. One that the file's table does not have is black, and
-/// without any table the colors are black and white, as the first two of a table are by the standard.
+/// The colors of all indices, premultiplied sRGB: black beyond the file's table; black and white without one,
+/// by the standard.
 std::array<QRgb, 256> colorsOf(const ColorMapObject *table, const GifStructure &structure)
 {
     std::array<QRgb, 256> colors;
@@ -107,20 +107,25 @@ std::array<QRgb, 256> colorsOf(const ColorMapObject *table, const GifStructure &
     return colors;
 }
 
-/// Checks what can be known before anything is decoded.
-Result<void> checkStructure(const GifStructure &structure, const ReadLimits &limits)
+Result<GifStructure> readCheckedStructure(QIODevice &device, const ReadLimits &limits)
 {
-    if (const auto checked = PictureFailures::checkSize(structure.size, limits); !checked)
-        return checked;
-    if (structure.frame.isEmpty())
+    Result<GifStructure> structure = readGifStructure(device);
+    if (!structure)
+        return structure;
+    if (const auto checked = PictureFailures::checkSize(structure->size, limits); !checked)
+        return tl::unexpected(checked.error());
+    const QRect &frame = structure->frame;
+    if (frame.isEmpty())
         return fail(PictureFailures::damaged());
-    // A code of w bits stands for 2^w pixels at most and has 12 bits at most.
+    // A code of w bits represents 2^w pixels at most; w is 12 at most.
     constexpr qint64 kMaxPixelsOfByte = (8 * 4096 + 11) / 12;
-    const qint64 pixels = qint64(structure.frame.width()) * structure.frame.height();
-    if (structure.frameDataBytes < pixels / kMaxPixelsOfByte)
-        return fail(PictureFailures::endsEarly());
-    return structure.isInterlaced ? PictureFailures::checkMemory(structure.frame.size(), 1, limits)
-                                  : Result<void>();
+    const qint64 pixels = qint64(frame.width()) * frame.height();
+    if (structure->frameDataBytes < pixels / kMaxPixelsOfByte)
+        return fail(PictureFailures::truncated());
+    const auto checked = PictureFailures::checkMemory(frame.size(), 1, limits);
+    if (structure->isInterlaced && !checked)
+        return tl::unexpected(checked.error());
+    return structure;
 }
 
 class GifRowReader final : public SingleRowReader
@@ -150,33 +155,25 @@ public:
 private:
     Result<void> decodeRow(int index, QRgb *row) override
     {
-        if (!readRow(index, row))
-            return fail(m_decoder.failureReason());
-        return {};
-    }
-
-    bool readRow(int index, QRgb *out)
-    {
         const QRect &frame = m_structure.frame;
         const int frameRow = index - frame.y();
         if (frameRow < 0 || frameRow >= frame.height()) {
-            std::fill_n(out, m_format.size.width(), QRgb(0));
-            return true;
+            std::fill_n(row, m_format.size.width(), QRgb(0));
+            return {};
         }
         if (m_structure.isInterlaced ? frameRow == 0 && !readInterlaced()
                                      : !m_decoder.readRow(m_indices.data()))
-            return false;
+            return fail(m_decoder.failureReason());
         const uchar *indices = m_indices.data();
         if (m_structure.isInterlaced)
             indices += size_t(frameRow) * size_t(frame.width());
-        out = std::fill_n(out, frame.x(), QRgb(0));
-        out = std::transform(indices, indices + frame.width(), out,
+        row = std::fill_n(row, frame.x(), QRgb(0));
+        row = std::transform(indices, indices + frame.width(), row,
                              [this](uchar index) { return m_colors[index]; });
-        std::fill_n(out, m_format.size.width() - frame.x() - frame.width(), QRgb(0));
-        return true;
+        std::fill_n(row, m_format.size.width() - frame.x() - frame.width(), QRgb(0));
+        return {};
     }
 
-    /// The rows come in four passes: every eighth, those in the middle between them, and so on.
     bool readInterlaced()
     {
         constexpr struct {
@@ -198,26 +195,15 @@ private:
     std::vector<uchar> m_indices; ///< of one row, or of a whole interlaced frame
 };
 
-Result<GifStructure> readCheckedStructure(QIODevice &device, const ReadLimits &limits)
-{
-    Result<GifStructure> structure = readGifStructure(device);
-    if (structure) {
-        if (const auto checked = checkStructure(*structure, limits); !checked)
-            return tl::unexpected(checked.error());
-    }
-    return structure;
-}
-
 } // namespace
 
-Result<PictureInfo> GifCodec::readInfo(QIODevice &device, const ReadLimits &limits) const
+Result<PictureInfo> readGifInfo(QIODevice &device, const ReadLimits &limits)
 {
     const Result<GifStructure> structure = readCheckedStructure(device, limits);
     if (!structure)
         return tl::unexpected(structure.error());
     PictureInfo info;
     info.rows = {structure->size, structure->hasAlpha()};
-    info.imageCount = structure->frameCount;
     info.colorModel = QStringLiteral("RGB");
     info.iccProfile = structure->iccProfile;
     if (structure->isInterlaced)
@@ -227,8 +213,7 @@ Result<PictureInfo> GifCodec::readInfo(QIODevice &device, const ReadLimits &limi
     return info;
 }
 
-Result<std::unique_ptr<RowReader>> GifCodec::openReader(QIODevice &device, const ReadLimits &limits,
-                                                        int) const
+Result<std::unique_ptr<RowReader>> openGifReader(QIODevice &device, const ReadLimits &limits, int)
 {
     Result<GifStructure> structure = readCheckedStructure(device, limits);
     if (!structure)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/base/picturefailures.h"
-#include "imageio/codecs/gif/gifcodec.h"
+#include "imageio/codecs/codecs.h"
 #include "imageio/color/colorquantization.h"
 
 #include <gif_lib.h>
@@ -19,11 +19,10 @@ namespace
 
 constexpr int kMaxSide = 65535;
 
-/// A pixel with less alpha is transparent. Half of 255, as usual elsewhere, would lose a watermark of less
-/// opacity that lies on nothing, and cut shadows; without any bound their last traces would be white.
+/// A pixel with less alpha is transparent. The usual 128 would remove faint watermarks and cut shadows;
+/// without a bound their last traces would be white.
 constexpr int kOpaqueFrom = 16;
 
-/// What EGifOpen() is given to write to.
 struct Target {
     QIODevice *device;
     bool writeFailed = false;
@@ -44,8 +43,8 @@ struct MapFreer {
     void operator()(ColorMapObject *map) const { GifFreeMapObject(map); }
 };
 
-/// Writes the blocks of a file of one frame through giflib. After a function returned false nothing more is
-/// written.
+/// Writes the blocks of a file of one frame through giflib. After a function has returned false nothing more
+/// is written.
 class GifEncoder
 {
 public:
@@ -79,8 +78,8 @@ public:
         return comment.isEmpty() || EGifPutComment(m_gif, comment.constData()) == GIF_OK;
     }
 
-    /// The packet is stored as it is; who takes its letters for lengths of parts gets into the bytes behind
-    /// it, all of which lead to the end.
+    /// The packet is not divided into parts. A reader that interprets its letters as lengths of parts reaches
+    /// the bytes after it, all of which lead to the end.
     bool putXmp(const QByteArray &packet)
     {
         if (packet.isEmpty())
@@ -94,7 +93,7 @@ public:
                m_target.put(ramp.constData(), ramp.size()) && EGifPutExtensionTrailer(m_gif) == GIF_OK;
     }
 
-    /// @param transparentIndex  NO_TRANSPARENT_COLOR: all show
+    /// @param transparentIndex  NO_TRANSPARENT_COLOR: all are opaque
     bool startFrame(QSize size, int transparentIndex)
     {
         const GraphicsControlBlock control = {DISPOSAL_UNSPECIFIED, false, 0, transparentIndex};
@@ -109,7 +108,6 @@ public:
 
     bool putRow(uchar *indices, int width) { return EGifPutLine(m_gif, indices, width) == GIF_OK; }
 
-    /// Writes the end of the file, where nothing failed before.
     bool finish()
     {
         if (m_gif)
@@ -125,7 +123,7 @@ private:
     GifFileType *m_gif;
 };
 
-/// Gathers the picture; all work is done at its end.
+/// Collects the picture and encodes it in finish().
 class GifRowWriter final : public RowWriter
 {
 public:
@@ -180,8 +178,7 @@ private:
         return {};
     }
 
-    /// What counts for the palette is the picture on white: most pages are, and shadows and smooth edges fade
-    /// into them.
+    /// The palette is chosen for the picture on white: shadows and smooth edges fade into most pages.
     void addPixel(QRgb color)
     {
         const bool isHidden = qAlpha(color) < kOpaqueFrom;
@@ -197,7 +194,7 @@ private:
         m_hidesAny = m_hidesAny || isHidden;
     }
 
-    /// Gives the hidden pixels an entry of their own. @return its index
+    /// @return the index of a new entry for the hidden pixels
     int hidePixels(IndexedPicture &picture) const
     {
         const auto index = uchar(picture.palette.size());
@@ -222,16 +219,16 @@ private:
     QIODevice &m_device;
     const QByteArray m_xmp;
     const QByteArray m_comment;
-    std::unique_ptr<uchar[]> m_pixels; ///< as quantizedPicture() takes them
+    std::unique_ptr<uchar[]> m_pixels; ///< for quantizedPicture()
     uchar *m_next = nullptr;           ///< in these
-    std::vector<bool> m_isHidden;      ///< each pixel, where the rows have alpha
+    std::vector<bool> m_isHidden;      ///< each pixel, if the rows have alpha
     bool m_hidesAny = false;
 };
 
 } // namespace
 
-Result<std::unique_ptr<RowWriter>> GifCodec::openWriter(QIODevice &device, const RowFormat &format,
-                                                        const WriteOptions &options) const
+Result<std::unique_ptr<RowWriter>> openGifWriter(QIODevice &device, const RowFormat &format,
+                                                 const WriteOptions &options)
 {
     const QSize size = format.size;
     if (size.width() > kMaxSide || size.height() > kMaxSide ||
@@ -243,7 +240,7 @@ Result<std::unique_ptr<RowWriter>> GifCodec::openWriter(QIODevice &device, const
     return writer;
 }
 
-qint64 GifCodec::writerBytes(const RowFormat &format, const WriteOptions &) const
+qint64 gifWriterBytes(const RowFormat &format, const WriteOptions &)
 {
     const qint64 pixels = qint64(format.size.width()) * format.size.height();
     return 4 * pixels + (format.hasAlpha ? pixels / 8 : 0) + quantizingBytes(format.size);

@@ -3,9 +3,17 @@
 #include "imageio/codecs/heif/heiffile.h"
 
 #include "imageio/base/picturefailures.h"
-#include "imageio/codecs/heif/heifav1decoder.h"
+#include "imageio/container/heifbrands.h"
 
+#include <QByteArray>
+
+#include <dav1d/dav1d.h>
+#include <libheif/heif_plugin.h>
+
+#include <cerrno>
+#include <cstring>
 #include <mutex>
+#include <new>
 
 namespace plexa
 {
@@ -13,11 +21,159 @@ namespace plexa
 namespace
 {
 
-/// Sides of pictures; their areas are measured beforehand.
+/// Sides of pictures; their areas are measured before.
 constexpr int kMaxSide = 1 << 17;
 
-/// Profiles of printers have a few megabytes; what claims more is damaged.
+/// Profiles of printers have a few megabytes.
 constexpr size_t kMaxProfileBytes = 32'000'000;
+
+/// Pictures are limited to a gigapixel; their sizes are measured before.
+constexpr unsigned kMaxPixels = 1'100'000'000;
+
+constexpr heif_error kDone = {heif_error_Ok, heif_suberror_Unspecified, "Success"};
+constexpr heif_error kDamaged = {heif_error_Decoder_plugin_error, heif_suberror_Unspecified,
+                                 "damaged AV1 data"};
+constexpr heif_error kNoMemory = {heif_error_Memory_allocation_error, heif_suberror_Unspecified,
+                                  "out of memory"};
+
+struct FreePicture {
+    void operator()(Dav1dPicture *picture) const
+    {
+        dav1d_picture_unref(picture);
+        delete picture;
+    }
+};
+using Picture = std::unique_ptr<Dav1dPicture, FreePicture>;
+
+class Av1Decoder
+{
+public:
+    heif_error decode(heif_image **out)
+    {
+        Dav1dSettings settings;
+        dav1d_default_settings(&settings);
+        settings.n_threads = 1;
+        settings.max_frame_delay = 1;
+        settings.all_layers = 0;
+        settings.frame_size_limit = kMaxPixels;
+        settings.logger.callback = nullptr;
+        Dav1dContext *context = nullptr;
+        if (dav1d_open(&context, &settings) != 0)
+            return kNoMemory;
+        int result = 0;
+        const Picture picture = firstPicture(context, result);
+        dav1d_close(&context);
+        if (result == DAV1D_ERR(ENOMEM))
+            return kNoMemory;
+        return picture ? toHeif(*picture, out) : kDamaged;
+    }
+
+    QByteArray data;
+
+private:
+    /// @param result  the library's code for a failure; not set if there are no data
+    Picture firstPicture(Dav1dContext *context, int &result) const
+    {
+        Dav1dData input = {};
+        if (data.isEmpty())
+            return nullptr;
+        if (!dav1d_data_create(&input, size_t(data.size()))) {
+            result = DAV1D_ERR(ENOMEM);
+            return nullptr;
+        }
+        std::memcpy(const_cast<uint8_t *>(input.data), data.constData(), size_t(data.size()));
+        Picture picture(new Dav1dPicture());
+        result = DAV1D_ERR(EAGAIN);
+        while (result == DAV1D_ERR(EAGAIN)) {
+            const size_t before = input.sz;
+            const int sent = input.sz > 0 ? dav1d_send_data(context, &input) : 0;
+            if (sent < 0 && sent != DAV1D_ERR(EAGAIN)) {
+                result = sent;
+                break;
+            }
+            result = dav1d_get_picture(context, picture.get());
+            if (result == DAV1D_ERR(EAGAIN) && input.sz == before) // no progress
+                break;
+        }
+        dav1d_data_unref(&input);
+        return result == 0 ? std::move(picture) : nullptr;
+    }
+
+    static heif_error toHeif(const Dav1dPicture &picture, heif_image **out)
+    {
+        static constexpr heif_chroma kChromas[] = {heif_chroma_monochrome, heif_chroma_420, heif_chroma_422,
+                                                   heif_chroma_444};
+        static constexpr heif_channel kChannels[] = {heif_channel_Y, heif_channel_Cb, heif_channel_Cr};
+        const bool isGray = picture.p.layout == DAV1D_PIXEL_LAYOUT_I400;
+        heif_image *made = nullptr;
+        heif_error error = heif_image_create(picture.p.w, picture.p.h,
+                                             isGray ? heif_colorspace_monochrome : heif_colorspace_YCbCr,
+                                             kChromas[picture.p.layout], &made);
+        HeifImage image(made);
+        for (int i = 0; i < (isGray ? 1 : 3) && error.code == heif_error_Ok; ++i) {
+            const bool isHalfWide = i > 0 && picture.p.layout != DAV1D_PIXEL_LAYOUT_I444;
+            const bool isHalfHigh = i > 0 && picture.p.layout == DAV1D_PIXEL_LAYOUT_I420;
+            const int width = isHalfWide ? (picture.p.w + 1) / 2 : picture.p.w;
+            const int height = isHalfHigh ? (picture.p.h + 1) / 2 : picture.p.h;
+            error = heif_image_add_plane(made, kChannels[i], width, height, picture.p.bpc);
+            if (error.code == heif_error_Ok)
+                copyPlane(picture, i, heif_image_get_plane(made, kChannels[i], nullptr), made, height,
+                          size_t(width) * (picture.p.bpc > 8 ? 2 : 1));
+        }
+        if (error.code == heif_error_Ok)
+            setColors(made, *picture.seq_hdr);
+        if (error.code == heif_error_Ok)
+            *out = image.release();
+        return error;
+    }
+
+    static void copyPlane(const Dav1dPicture &picture, int plane, uint8_t *to, const heif_image *image,
+                          int height, size_t rowBytes)
+    {
+        static constexpr heif_channel kChannels[] = {heif_channel_Y, heif_channel_Cb, heif_channel_Cr};
+        int stride = 0;
+        heif_image_get_plane_readonly(image, kChannels[plane], &stride);
+        const auto *from = static_cast<const uint8_t *>(picture.data[plane]);
+        for (int y = 0; y < height; ++y)
+            std::memcpy(to + qsizetype(y) * stride, from + y * picture.stride[plane > 0 ? 1 : 0], rowBytes);
+    }
+
+    /// The colors in the bitstream, for files whose boxes lack them.
+    static void setColors(heif_image *image, const Dav1dSequenceHeader &header)
+    {
+        const HeifColors colors(heif_nclx_color_profile_alloc());
+        if (!colors)
+            return;
+        // Code points that libheif does not know leave the defaults, sRGB, in place.
+        heif_nclx_color_profile_set_color_primaries(colors.get(), uint16_t(header.pri));
+        heif_nclx_color_profile_set_transfer_characteristics(colors.get(), uint16_t(header.trc));
+        heif_nclx_color_profile_set_matrix_coefficients(colors.get(), uint16_t(header.mtrx));
+        colors->full_range_flag = header.color_range != 0;
+        heif_image_set_nclx_color_profile(image, colors.get());
+    }
+};
+
+/// Used by libheif before its own decoder, dav1d as well, but on the calling thread alone, with a bound for
+/// pictures, and without messages about damage on the standard error stream.
+const heif_decoder_plugin kAv1Plugin = {
+    3,
+    [] { return "dav1d, silent"; },
+    nullptr,
+    nullptr,
+    [](heif_compression_format format) { return format == heif_compression_AV1 ? 1000 : 0; },
+    [](void **decoder) {
+        *decoder = new (std::nothrow) Av1Decoder();
+        return *decoder ? kDone : kNoMemory;
+    },
+    [](void *decoder) { delete static_cast<Av1Decoder *>(decoder); },
+    [](void *decoder, const void *data, size_t size) {
+        static_cast<Av1Decoder *>(decoder)->data.append(static_cast<const char *>(data), qsizetype(size));
+        return kDone;
+    },
+    [](void *decoder, heif_image **image) { return static_cast<Av1Decoder *>(decoder)->decode(image); },
+    [](void *, int) {},
+    "dav1d-silent",
+};
 
 } // namespace
 
@@ -26,7 +182,7 @@ void prepareHeifLibrary()
     static std::once_flag once;
     std::call_once(once, [] {
         heif_init(nullptr);
-        heif_register_decoder_plugin(&av1DecoderPlugin());
+        heif_register_decoder_plugin(&kAv1Plugin);
     });
 }
 
@@ -51,11 +207,12 @@ const heif_reader HeifFile::kReader = {
 
 HeifFile::HeifFile(QIODevice &device)
     : m_device(device)
+    , m_formatName(device.seek(0) && isAvifContents(device.peek(64)) ? "AVIF" : "HEIC")
 {
     prepareHeifLibrary();
 }
 
-Result<void> HeifFile::open(const char *formatName)
+Result<void> HeifFile::open()
 {
     m_context.reset(heif_context_alloc());
     if (!m_context)
@@ -63,20 +220,20 @@ Result<void> HeifFile::open(const char *formatName)
     if (!m_device.seek(0))
         return fail(PictureFailures::readError(m_device));
     heif_context_set_maximum_image_size_limit(m_context.get(), kMaxSide);
-    // Tiles are decoded one after the other: several photos are worked on at a time already.
+    // No threads for tiles: several photos are decoded at a time already.
     heif_context_set_max_decoding_threads(m_context.get(), 0);
     heif_error error = heif_context_read_from_reader(m_context.get(), &kReader, this, nullptr);
     if (error.code != heif_error_Ok)
-        return tl::unexpected(failure(error, formatName));
+        return tl::unexpected(failure(error));
     heif_image_handle *primary = nullptr;
     error = heif_context_get_primary_image_handle(m_context.get(), &primary);
     m_primary.reset(primary);
     if (error.code != heif_error_Ok || !m_primary)
-        return tl::unexpected(failure(error, formatName));
+        return tl::unexpected(failure(error));
     return {};
 }
 
-Error HeifFile::failure(const heif_error &error, const char *formatName) const
+Error HeifFile::failure(const heif_error &error) const
 {
     if (m_hasReadError)
         return {PictureFailures::readError(m_device)};
@@ -84,9 +241,9 @@ Error HeifFile::failure(const heif_error &error, const char *formatName) const
         error.subcode != heif_suberror_Security_limit_exceeded)
         return {PictureFailures::outOfMemory()};
     if (error.code == heif_error_Unsupported_filetype || error.code == heif_error_Unsupported_feature)
-        return {PictureFailures::unsupportedKind(formatName)};
+        return {PictureFailures::unsupportedKind(m_formatName)};
     if (error.subcode == heif_suberror_End_of_data)
-        return {PictureFailures::endsEarly()};
+        return {PictureFailures::truncated()};
     return {PictureFailures::damaged()};
 }
 

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "imageio/base/picturefailures.h"
 #include "platform/result.h"
 
 #include <QByteArray>
@@ -9,7 +10,9 @@
 
 #include <libheif/heif.h>
 
+#include <exception>
 #include <memory>
+#include <new>
 
 namespace plexa
 {
@@ -28,11 +31,24 @@ using HeifHandle = std::unique_ptr<heif_image_handle, HeifFree<heif_image_handle
 using HeifImage = std::unique_ptr<heif_image, HeifFree<heif_image_release>>;
 using HeifColors = std::unique_ptr<heif_color_profile_nclx, HeifFree<heif_nclx_color_profile_free>>;
 
-/// Makes libheif ready; only the first call does something. Any thread.
+/// Calls a function and converts the exceptions of libheif, which throws on lack of memory and unexpected
+/// sizes.
+template<class Function>
+auto guardedHeif(const QString &failure, Function function) -> decltype(function())
+{
+    try {
+        return function();
+    } catch (const std::bad_alloc &) {
+        return fail(PictureFailures::outOfMemory());
+    } catch (const std::exception &) {
+        return fail(failure);
+    }
+}
+
+/// Prepares libheif; further calls have no effect. Any thread.
 void prepareHeifLibrary();
 
-/// A HEIF file that is open for decoding. The library throws where it runs out of memory or meets sizes that
-/// it did not expect, so its callers catch std::exception.
+/// A HEIF file that is open for decoding. Throws as libheif does.
 class HeifFile
 {
 public:
@@ -42,21 +58,25 @@ public:
     HeifFile &operator=(const HeifFile &) = delete;
 
     /// Reads the boxes and finds the primary picture.
-    [[nodiscard]] Result<void> open(const char *formatName);
+    [[nodiscard]] Result<void> open();
 
     heif_context *context() const { return m_context.get(); }
     const heif_image_handle *primary() const { return m_primary.get(); }
 
-    /// A failure of the library in the program's words.
-    Error failure(const heif_error &error, const char *formatName) const;
+    /// The program's text for a failure of the library.
+    Error failure(const heif_error &error) const;
 
-    /// The profile that the file carries for this picture; empty when it has none.
+    /// "HEIC" or "AVIF".
+    const char *formatName() const { return m_formatName; }
+
+    /// The profile of the primary picture; may be empty.
     QByteArray iccProfile() const;
 
 private:
     static const heif_reader kReader;
 
     QIODevice &m_device;
+    const char *const m_formatName;
     bool m_hasReadError = false;
     HeifContext m_context;
     HeifHandle m_primary;

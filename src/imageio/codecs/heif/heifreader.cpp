@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/base/picturefailures.h"
-#include "imageio/codecs/heif/heifcodec.h"
+#include "imageio/codecs/codecs.h"
 #include "imageio/codecs/heif/heiffile.h"
 #include "imageio/codecs/heif/heifmeasure.h"
-#include "imageio/color/nclxprofile.h"
+#include "imageio/color/colorprofile.h"
 #include "imageio/color/rowconversion.h"
 #include "platform/bytebudget.h"
 
@@ -17,13 +17,12 @@ namespace plexa
 namespace
 {
 
-/// What is known of a file before its pixels are.
 struct OpenPicture {
     HeifItems items;
     HeifMeasure measure;
     HeifFile file;
     HeifGeometry geometry; ///< of what the library decodes
-    bool isTurnedByLibrary = false;
+    bool isRotatedByLibrary = false;
     int depth = 8;
     bool hasAlpha = false;
 
@@ -34,29 +33,28 @@ struct OpenPicture {
 
     bool isDeep() const { return depth > 8; }
 
-    /// The most memory that decoding takes: the planes as they are coded and put together, with the
-    /// next step of their turning and conversion beside them; one coded picture in the decoder with what it
-    /// notes down of each block. Found by measuring.
+    /// The most memory for decoding: the planes as coded and composed, with a copy for each step of rotation
+    /// and conversion; one coded picture in the decoder with its block data. Found by measuring.
     qint64 decodingBytes() const
     {
         const qint64 canvas = qint64(measure.canvas.width()) * measure.canvas.height();
         const qint64 sampleBytes = isDeep() ? 2 : 1;
         const qint64 planes = (hasAlpha ? 4 : 3) * sampleBytes;
-        return canvas * planes * (isTurnedByLibrary ? 3 : 2) +
+        return canvas * planes * (isRotatedByLibrary ? 3 : 2) +
                measure.largestPixels * ((hasAlpha ? 6 : 3) * sampleBytes + 3);
     }
 };
 
-/// Finds out how the picture is turned. The library mirrors few kinds of pictures, and turns them into a
-/// second buffer, so only what is put together from pictures that are turned themselves is left to it.
+/// Determines the rotation of the picture. The library mirrors few kinds of pictures and rotates into a
+/// second buffer, so it rotates only pictures whose parts are rotated individually.
 Result<void> place(OpenPicture &picture, const ReadLimits &limits)
 {
     const heif_image_handle *handle = picture.file.primary();
     const QSize shown(heif_image_handle_get_width(handle), heif_image_handle_get_height(handle));
     if (const auto checked = PictureFailures::checkSize(shown, limits); !checked)
         return checked;
-    picture.isTurnedByLibrary = picture.measure.hasTurnedParts;
-    if (picture.isTurnedByLibrary) {
+    picture.isRotatedByLibrary = picture.measure.hasRotatedParts;
+    if (picture.isRotatedByLibrary) {
         picture.geometry.size = shown;
         return {};
     }
@@ -70,19 +68,19 @@ Result<void> place(OpenPicture &picture, const ReadLimits &limits)
     return {};
 }
 
-Result<std::unique_ptr<OpenPicture>> openPicture(QIODevice &device, const ReadLimits &limits,
-                                                 const char *formatName)
+Result<std::unique_ptr<OpenPicture>> openPicture(QIODevice &device, const ReadLimits &limits)
 {
     auto picture = std::make_unique<OpenPicture>(device);
     Result<HeifItems> items = HeifItems::read(device);
     if (!items)
         return tl::unexpected(items.error());
     picture->items = std::move(*items);
-    const Result<HeifMeasure> measure = measureHeif(device, picture->items, limits, formatName);
+    const Result<HeifMeasure> measure =
+        measureHeif(device, picture->items, limits, picture->file.formatName());
     if (!measure)
         return tl::unexpected(measure.error());
     picture->measure = *measure;
-    if (const auto opened = picture->file.open(formatName); !opened)
+    if (const auto opened = picture->file.open(); !opened)
         return tl::unexpected(opened.error());
     const heif_image_handle *handle = picture->file.primary();
     if (const auto placed = place(*picture, limits); !placed)
@@ -96,7 +94,7 @@ Result<std::unique_ptr<OpenPicture>> openPicture(QIODevice &device, const ReadLi
     return picture;
 }
 
-/// Where the bitstream alone tells the colors, they are known after decoding.
+/// Colors that only the bitstream specifies are known after decoding.
 HeifColors nclxOf(const heif_image_handle *handle, const heif_image *image)
 {
     heif_color_profile_nclx *colors = nullptr;
@@ -109,7 +107,7 @@ class HeifRowReader final : public SingleRowReader
 {
 public:
     /// Decodes the picture. Throws std::exception where the library does.
-    Result<void> decode(OpenPicture &picture, const char *formatName)
+    Result<void> decode(OpenPicture &picture)
     {
         if (!hasRoomToSpare(picture.decodingBytes()))
             return fail(PictureFailures::outOfMemory());
@@ -117,8 +115,8 @@ public:
             heif_decoding_options_alloc());
         if (!options)
             return fail(PictureFailures::outOfMemory());
-        options->ignore_transformations = picture.isTurnedByLibrary ? 0 : 1;
-        options->strict_decoding = 1; // half a picture is none
+        options->ignore_transformations = picture.isRotatedByLibrary ? 0 : 1;
+        options->strict_decoding = 1;
         constexpr bool isLittle = Q_BYTE_ORDER == Q_LITTLE_ENDIAN;
         heif_chroma chroma = picture.hasAlpha ? heif_chroma_interleaved_RGBA : heif_chroma_interleaved_RGB;
         if (picture.isDeep() && picture.hasAlpha)
@@ -130,8 +128,8 @@ public:
             heif_decode_image(picture.file.primary(), &decoded, heif_colorspace_RGB, chroma, options.get());
         m_image.reset(decoded);
         if (error.code != heif_error_Ok || !m_image)
-            return tl::unexpected(picture.file.failure(error, formatName));
-        return takeRows(picture);
+            return tl::unexpected(picture.file.failure(error));
+        return adoptRows(picture);
     }
 
 private:
@@ -145,7 +143,7 @@ private:
         return {};
     }
 
-    Result<void> takeRows(const OpenPicture &picture)
+    Result<void> adoptRows(const OpenPicture &picture)
     {
         constexpr heif_channel all = heif_channel_interleaved;
         m_plane = heif_image_get_plane_readonly(m_image.get(), all, &m_stride);
@@ -153,10 +151,10 @@ private:
         const int bits = heif_image_get_bits_per_pixel_range(m_image.get(), all);
         m_pixelBytes = (picture.hasAlpha ? 4 : 3) * (picture.isDeep() ? 2 : 1);
         m_geometry = picture.geometry;
-        const bool isAsAnnounced = m_plane && covers(size) &&
-                                   (picture.isDeep() ? bits > 8 && bits <= 16 : bits == 8) &&
-                                   m_stride >= qint64(size.width()) * m_pixelBytes;
-        if (!isAsAnnounced)
+        const bool isAsExpected = m_plane && covers(size) &&
+                                  (picture.isDeep() ? bits > 8 && bits <= 16 : bits == 8) &&
+                                  m_stride >= qint64(size.width()) * m_pixelBytes;
+        if (!isAsExpected)
             return fail(PictureFailures::damaged());
         m_format = {m_geometry.size, picture.hasAlpha};
         QByteArray profile = picture.file.iccProfile();
@@ -177,7 +175,7 @@ private:
         return {};
     }
 
-    /// Does the decoded picture have all the pixels that are asked for?
+    /// Does the decoded picture contain all pixels of the shown one?
     bool covers(QSize decoded) const
     {
         const QPoint last = m_geometry.origin + (m_geometry.size.width() - 1) * m_geometry.right +
@@ -186,7 +184,6 @@ private:
         return all.contains(m_geometry.origin) && all.contains(last);
     }
 
-    /// A row of the shown picture, as its pixels are decoded.
     const uint8_t *decodedRow(int row)
     {
         const QPoint start = m_geometry.origin + row * m_geometry.down;
@@ -205,71 +202,47 @@ private:
     HeifGeometry m_geometry;
     int m_pixelBytes = 0;
     bool m_isDeep = false;
-    std::vector<uint8_t> m_row; ///< of a turned picture
+    std::vector<uint8_t> m_row; ///< of a rotated picture
     HeifImage m_image;
     const uint8_t *m_plane = nullptr;
     int m_stride = 0;
     std::optional<RowConversion> m_colors;
 };
 
-/// The sampling factors as a JPEG would have them.
-QByteArray samplingText(int chroma)
-{
-    switch (chroma) {
-    case 0:
-        return "11";
-    case 1:
-        return "22,11,11";
-    case 2:
-        return "21,11,11";
-    default:
-        return "11,11,11";
-    }
-}
-
 } // namespace
 
-Result<PictureInfo> HeifCodec::readInfo(QIODevice &device, const ReadLimits &limits) const
+Result<PictureInfo> readHeifInfo(QIODevice &device, const ReadLimits &limits)
 {
-    try {
-        const Result<std::unique_ptr<OpenPicture>> opened = openPicture(device, limits, formatName());
+    return guardedHeif(PictureFailures::damaged(), [&]() -> Result<PictureInfo> {
+        const Result<std::unique_ptr<OpenPicture>> opened = openPicture(device, limits);
         if (!opened)
             return tl::unexpected(opened.error());
         const OpenPicture &picture = **opened;
         PictureInfo info;
         info.rows = {picture.geometry.size, picture.hasAlpha};
-        info.imageCount = qMax(1, heif_context_get_number_of_top_level_images(picture.file.context()));
         info.depth = picture.depth;
         info.colorModel = picture.measure.chroma == 0 ? QStringLiteral("Gray") : QStringLiteral("RGB");
         info.iccProfile = picture.file.iccProfile();
-        info.chromaSampling = samplingText(picture.measure.chroma);
+        static constexpr const char *kSamplings[] = {"11", "22,11,11", "21,11,11", "11,11,11"};
+        info.chromaSampling = kSamplings[picture.measure.chroma];
         info.orientation = 1;
         info.decoderBytes = picture.decodingBytes();
         info.unmarkedPictures = picture.items.furtherPictures();
         return info;
-    } catch (const std::bad_alloc &) {
-        return fail(PictureFailures::outOfMemory());
-    } catch (const std::exception &) {
-        return fail(PictureFailures::damaged());
-    }
+    });
 }
 
-Result<std::unique_ptr<RowReader>> HeifCodec::openReader(QIODevice &device, const ReadLimits &limits,
-                                                         int) const
+Result<std::unique_ptr<RowReader>> openHeifReader(QIODevice &device, const ReadLimits &limits, int)
 {
-    try {
-        const Result<std::unique_ptr<OpenPicture>> picture = openPicture(device, limits, formatName());
+    return guardedHeif(PictureFailures::damaged(), [&]() -> Result<std::unique_ptr<RowReader>> {
+        const Result<std::unique_ptr<OpenPicture>> picture = openPicture(device, limits);
         if (!picture)
             return tl::unexpected(picture.error());
         auto reader = std::make_unique<HeifRowReader>();
-        if (const auto decoded = reader->decode(**picture, formatName()); !decoded)
+        if (const auto decoded = reader->decode(**picture); !decoded)
             return tl::unexpected(decoded.error());
         return reader;
-    } catch (const std::bad_alloc &) {
-        return fail(PictureFailures::outOfMemory());
-    } catch (const std::exception &) {
-        return fail(PictureFailures::damaged());
-    }
+    });
 }
 
 } // namespace plexa

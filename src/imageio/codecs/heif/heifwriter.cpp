@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/base/picturefailures.h"
-#include "imageio/codecs/heif/heifcodec.h"
+#include "imageio/codecs/codecs.h"
 #include "imageio/codecs/heif/heiffile.h"
 #include "imageio/color/colorprofile.h"
 #include "platform/bytebudget.h"
@@ -18,10 +18,10 @@ namespace
 
 using Encoder = std::unique_ptr<heif_encoder, HeifFree<heif_encoder_release>>;
 
-/// The encoder of HEVC has no profile for longer sides.
+/// HEVC has no profile for longer sides.
 constexpr int kMaxSide = 16'384;
 
-/// The encoder's name for the sampling that a copy gets: the source's at high quality, else half.
+/// The encoder's name for the sampling: the source's at high quality, else half.
 const char *chromaOf(const WriteOptions &options, int quality)
 {
     if (quality < 90)
@@ -38,9 +38,8 @@ int qualityOf(const WriteOptions &options)
     return qBound(0, int(std::lround(options.quality * 100)), 100);
 }
 
-/// The encoder's own scale is another one than JPEG's, by which people choose: at the same number its files
-/// are several times larger than a JPEG and no better to look at. These are the values at which photos come
-/// out as far from their source (PSNR) as from libjpeg-turbo; between them lie straight lines.
+/// Converts JPEG's quality to the encoder's, whose files are several times larger at the same number. The
+/// points give photos the same distance (PSNR) from their source as libjpeg-turbo; linear between them.
 int encoderQuality(int quality)
 {
     static constexpr struct {
@@ -54,18 +53,7 @@ int encoderQuality(int quality)
            (quality - below->asked) * (above->encoder - below->encoder) / (above->asked - below->asked);
 }
 
-/// The most memory that encoding takes, with the picture itself. Found by measuring at 12 and 24 megapixels
-/// and quality 95, and a little more: the picture, its planes, the encoder's own and what it notes down of
-/// each block, the encoded bytes. Alpha is encoded by itself when the colors are done.
-qint64 encodingBytes(const RowFormat &format, const WriteOptions &options)
-{
-    constexpr qint64 kEncoderBytes = 4'000'000;
-    const bool isFull = qstrcmp(chromaOf(options, qualityOf(options)), "420") != 0;
-    const qint64 pixels = qint64(format.size.width()) * format.size.height();
-    return pixels * ((isFull ? 28 : 20) + (format.hasAlpha ? 3 : 0)) + kEncoderBytes;
-}
-
-/// Gathers the picture; the library encodes it whole.
+/// Collects the picture; the library encodes it whole.
 class HeifRowWriter final : public RowWriter
 {
 public:
@@ -100,13 +88,7 @@ public:
 
     Result<void> finish() override
     {
-        try {
-            return encode();
-        } catch (const std::bad_alloc &) {
-            return fail(PictureFailures::outOfMemory());
-        } catch (const std::exception &) {
-            return fail(PictureFailures::encoderFailed("HEIC"));
-        }
+        return guardedHeif(PictureFailures::encoderFailed("HEIC"), [this] { return encode(); });
     }
 
 private:
@@ -145,11 +127,10 @@ private:
         heif_error error = heif_encoder_set_lossy_quality(encoder, encoderQuality(quality));
         if (error.code == heif_error_Ok)
             error = heif_encoder_set_parameter_string(encoder, "chroma", chromaOf(m_options, quality));
-        // A third of the time of "medium", and on photos no more bytes for the same distance from the source.
+        // A third of the time of "medium", and no more bytes for photos at the same distance from the source.
         if (error.code == heif_error_Ok)
             error = heif_encoder_set_parameter_string(encoder, "preset", "ultrafast");
-        // One thread works on one photo: several are worked on at a time already. A pool would also take
-        // memory for each core of the machine.
+        // Several photos are encoded at a time already. A pool would also need memory for each core.
         for (const auto &[name, value] : {std::pair{"x265:pools", "none"}, {"x265:frame-threads", "1"}})
             if (error.code == heif_error_Ok)
                 error = heif_encoder_set_parameter_string(encoder, name, value);
@@ -159,7 +140,7 @@ private:
     Result<void> encode()
     {
         const qint64 gathered = qint64(m_stride) * m_format.size.height();
-        if (!hasRoomToSpare(encodingBytes(m_format, m_options) - gathered))
+        if (!hasRoomToSpare(heicWriterBytes(m_format, m_options) - gathered))
             return fail(PictureFailures::outOfMemory());
         const HeifContext context(heif_context_alloc());
         heif_encoder *found = nullptr;
@@ -220,34 +201,33 @@ private:
 
 } // namespace
 
-bool HeifCodec::canEncode() const
+/// Found by measuring at 12 and 24 megapixels and quality 95, and rounded up: the picture, its planes, the
+/// encoder's planes and block data, the encoded bytes. Alpha is encoded after the colors.
+qint64 heicWriterBytes(const RowFormat &format, const WriteOptions &options)
 {
-    prepareHeifLibrary();
-    return m_kind == Kind::Hevc && heif_have_encoder_for_format(heif_compression_HEVC) != 0;
+    constexpr qint64 kEncoderBytes = 4'000'000;
+    const bool isFull = qstrcmp(chromaOf(options, qualityOf(options)), "420") != 0;
+    const qint64 pixels = qint64(format.size.width()) * format.size.height();
+    return pixels * ((isFull ? 28 : 20) + (format.hasAlpha ? 3 : 0)) + kEncoderBytes;
 }
 
-Result<std::unique_ptr<RowWriter>> HeifCodec::openWriter(QIODevice &device, const RowFormat &format,
-                                                         const WriteOptions &options) const
+bool canWriteHeic()
 {
-    if (m_kind != Kind::Hevc)
-        return fail(PictureFailures::cannotWriteFormat());
+    prepareHeifLibrary();
+    return heif_have_encoder_for_format(heif_compression_HEVC) != 0;
+}
+
+Result<std::unique_ptr<RowWriter>> openHeicWriter(QIODevice &device, const RowFormat &format,
+                                                  const WriteOptions &options)
+{
     if (qMax(format.size.width(), format.size.height()) > kMaxSide || format.size.isEmpty())
         return fail(PictureFailures::tooLargeToWrite("HEIC"));
-    try {
+    return guardedHeif(PictureFailures::encoderFailed("HEIC"), [&]() -> Result<std::unique_ptr<RowWriter>> {
         auto writer = std::make_unique<HeifRowWriter>(device, format, options);
         if (const auto started = writer->start(); !started)
             return tl::unexpected(started.error());
         return writer;
-    } catch (const std::bad_alloc &) {
-        return fail(PictureFailures::outOfMemory());
-    } catch (const std::exception &) {
-        return fail(PictureFailures::encoderFailed("HEIC"));
-    }
-}
-
-qint64 HeifCodec::writerBytes(const RowFormat &format, const WriteOptions &options) const
-{
-    return encodingBytes(format, options);
+    });
 }
 
 } // namespace plexa

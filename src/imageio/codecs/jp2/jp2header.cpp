@@ -7,11 +7,28 @@
 
 #include <QtEndian>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <optional>
 
 namespace plexa
 {
+
+/// The division of a JPEG 2000 tile: ISO/IEC 15444-1, A.6.1 and A.6.2. Values of a file, unchecked.
+struct Jp2CodingStyle {
+    static constexpr int kMostResolutions = 33;
+
+    int layers = 1;
+    int resolutions = 1;
+    int blockWidthExponent = 6; ///< sides of code blocks are powers of two
+    int blockHeightExponent = 6;
+    struct Precinct {
+        int widthExponent = 15;
+        int heightExponent = 15;
+    };
+    std::array<Precinct, kMostResolutions> precincts; ///< of each resolution, the smallest first
+};
 
 namespace
 {
@@ -26,6 +43,19 @@ struct Box {
     qint64 start = 0; ///< of its contents
     qint64 end = 0;
 };
+
+/// Measured: 590 bytes for a precinct of one code block, with their trees.
+constexpr double kPrecinctBytes = 220;
+constexpr double kBlockBytes = 480;
+
+/// OpenJPEG marks each packet that it has met.
+constexpr double kPacketBytes = 2;
+
+/// The most pieces of a length that does not begin at the start of a piece.
+double pieces(double length, int exponent)
+{
+    return std::floor(std::ldexp(length, -exponent)) + 2;
+}
 
 class HeaderReader
 {
@@ -42,7 +72,7 @@ public:
             readBoxes(0, m_device.size());
         if ((!m_header.isBare && m_codestream < 0) || !readSizes())
             return fail(PictureFailures::damaged());
-        // OpenJPEG has no such bounds: what follows would not be counted.
+        // OpenJPEG has no such bounds: the rest would not be counted.
         if (m_boxes >= kMaxBoxes || !readCodingStyles())
             return fail(PictureFailures::unsupportedKind("JPEG 2000"));
         if (int(m_header.components.size()) > kMaxComponents || !chooseColors())
@@ -89,10 +119,10 @@ private:
     {
         for (std::optional<Box> box = boxAt(position, end); box && ++m_boxes < kMaxBoxes;
              box = boxAt(box->end, end))
-            take(*box);
+            readBox(*box);
     }
 
-    void take(const Box &box)
+    void readBox(const Box &box)
     {
         if (box.type == "jp2h" || box.type == "res ") {
             if (++m_depth < 4)
@@ -101,18 +131,18 @@ private:
         } else if (box.type == "jp2c" && m_codestream < 0 && m_depth == 0) {
             m_codestream = box.start;
         } else if (box.type == "colr" && !m_hasColors) {
-            takeColors(box);
+            readColors(box);
         } else if (box.type == "pclr") {
             m_header.paletteColumns = qMax(m_header.paletteColumns, int(number(box.start + 2, 1)));
         } else if (box.type == "cdef") {
-            takeChannels(box);
+            readChannels(box);
         } else if (box.type == "resd" || (box.type == "resc" && m_header.dpiWidth <= 0)) {
             m_header.dpiHeight = resolutionAt(box.start, box.start + 8);
             m_header.dpiWidth = resolutionAt(box.start + 4, box.start + 9);
         }
     }
 
-    void takeColors(const Box &box)
+    void readColors(const Box &box)
     {
         using Kind = Jp2Header::Kind;
         const quint64 method = number(box.start, 1);
@@ -136,7 +166,7 @@ private:
         }
     }
 
-    void takeChannels(const Box &box)
+    void readChannels(const Box &box)
     {
         const auto count = int(qMin<quint64>(number(box.start, 2), 16));
         for (int i = 0; i < count; ++i) {
@@ -196,7 +226,7 @@ private:
         return true;
     }
 
-    /// How many samples lie from one place of the grid to another.
+    /// The number of samples between two positions of the grid.
     static int samples(qint64 from, qint64 to, int step)
     {
         return int(qMin<qint64>((to + step - 1) / step - (from + step - 1) / step, 0x7fffffff));
@@ -213,7 +243,7 @@ private:
         while (number(position, 2) == 0xFF90 && m_markers < kMaxMarkers) {
             const auto length = qint64(number(position + 6, 4));
             passMarkers(position + 12);
-            if (length < 12) // it goes on to the end, or is damaged
+            if (length < 12) // extends to the end, or is damaged
                 break;
             position += length;
         }
@@ -229,17 +259,17 @@ private:
             if (marker < 0xFF00 || marker == 0xFF90 || marker == 0xFF93 || length < 2)
                 break;
             if (marker == 0xFF52)
-                takeCodingStyle(position + 4, position + 9, int(number(position + 6, 2)));
+                readCodingStyle(position + 4, position + 9, int(number(position + 6, 2)));
             else if (marker == 0xFF53)
-                takeCodingStyle(position + 5, position + 6, 1);
+                readCodingStyle(position + 5, position + 6, 1);
             position += 2 + length;
         }
         return position;
     }
 
-    /// @param flags   the position of the byte that tells whether sizes of precincts are said
-    /// @param fields  of the number of decompositions and what follows it
-    void takeCodingStyle(qint64 flags, qint64 fields, int layers)
+    /// @param flags   position of the byte that states whether precincts have sizes
+    /// @param fields  position of the number of decompositions
+    void readCodingStyle(qint64 flags, qint64 fields, int layers)
     {
         Jp2CodingStyle style;
         style.layers = layers;
@@ -248,21 +278,20 @@ private:
         style.blockHeightExponent = int(number(fields + 2, 1) & 15) + 2;
         for (int i = 0; i < style.resolutions && (number(flags, 1) & 1) != 0; ++i) {
             const auto sides = int(number(fields + 5 + i, 1));
-            style.precinctWidthExponents[size_t(i)] = sides & 15;
-            style.precinctHeightExponents[size_t(i)] = sides >> 4;
+            style.precincts[size_t(i)] = {sides & 15, sides >> 4};
         }
         m_header.structure.count(style, m_header.tileSize);
         m_header.resolutions = qMin(m_header.resolutions, style.resolutions);
     }
 
-    /// Decides which components make the color, and which one is opacity.
+    /// Decides on the color components and the alpha component.
     bool chooseColors()
     {
         using Kind = Jp2Header::Kind;
         const auto coded = int(m_header.components.size());
         const int count = m_header.paletteColumns > 0 ? m_header.paletteColumns : coded;
         if (m_header.isBare) {
-            // Nothing tells; this is what programs write.
+            // Unspecified; this is what programs write.
             m_header.kind = count < 3 ? Kind::Gray : Kind::Rgb;
             if (count == 3 && m_header.components[1].spacing != m_header.components[0].spacing)
                 m_header.kind = Kind::Ycc;
@@ -280,15 +309,45 @@ private:
     QIODevice &m_device;
     Jp2Header m_header;
     qint64 m_codestream = -1;
-    qint64 m_firstMarker = 0; ///< behind the sizes
+    qint64 m_firstMarker = 0; ///< after the sizes
     int m_markers = 0;
     bool m_hasColors = false;
-    bool m_hasOtherColors = false; ///< a space is named that is not read
+    bool m_hasOtherColors = false; ///< an unsupported color space is named
     int m_boxes = 0;
     int m_depth = 0;
 };
 
 } // namespace
+
+void Jp2Structure::count(const Jp2CodingStyle &style, QSize tile)
+{
+    const int resolutions = std::clamp(style.resolutions, 1, Jp2CodingStyle::kMostResolutions);
+    double bytes = 0;
+    for (int i = 0; i < resolutions; ++i) {
+        // All but the smallest resolution are stored as three bands of half the sides.
+        const int half = i > 0 ? 1 : 0;
+        const int level = resolutions - 1 - i;
+        const double width = std::ceil(std::ldexp(tile.width(), -level));
+        const double height = std::ceil(std::ldexp(tile.height(), -level));
+        const auto [precinctWidth, precinctHeight] = style.precincts[size_t(i)];
+        const double precincts = pieces(width, precinctWidth) * pieces(height, precinctHeight);
+        const int blockWidth = std::min(style.blockWidthExponent, precinctWidth - half);
+        const int blockHeight = std::min(style.blockHeightExponent, precinctHeight - half);
+        const double blocks =
+            pieces(std::ldexp(width, -half), blockWidth) * pieces(std::ldexp(height, -half), blockHeight);
+        bytes += (half != 0 ? 3 : 1) * (precincts * kPrecinctBytes + blocks * kBlockBytes);
+        m_mostPrecincts = std::max(m_mostPrecincts, precincts);
+    }
+    m_componentBytes = std::max(m_componentBytes, bytes);
+    m_layers = std::max(m_layers, style.layers);
+    m_resolutions = std::max(m_resolutions, resolutions);
+}
+
+qint64 Jp2Structure::bytes(int components) const
+{
+    const double packets = m_mostPrecincts * m_resolutions * components * (m_layers + 1.0);
+    return qint64(std::min(m_componentBytes * components + packets * kPacketBytes, 0x1p60));
+}
 
 Result<Jp2Header> readJp2Header(QIODevice &device)
 {

@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include "imageio/codecs/jp2/jp2structure.h"
 #include "platform/result.h"
 
 #include <QByteArray>
@@ -14,10 +13,29 @@
 namespace plexa
 {
 
-/// What the headers of a JPEG 2000 file say: the boxes of ISO/IEC 15444-1, annex I, and the codestream's
-/// sizes, annex A.
+struct Jp2CodingStyle;
+
+/// The memory of OpenJPEG for precincts, code blocks and packets of a tile, of which a file may have more
+/// than samples: the maximum over the coding styles of the file.
+class Jp2Structure
+{
+public:
+    /// @param tile  the size of a tile in samples of the component that has most of them
+    void count(const Jp2CodingStyle &style, QSize tile);
+
+    /// At most 2^60.
+    qint64 bytes(int components) const;
+
+private:
+    double m_componentBytes = 0;
+    double m_mostPrecincts = 1; ///< of a resolution
+    int m_layers = 1;
+    int m_resolutions = 1;
+};
+
+/// The headers of a JPEG 2000 file: the boxes of ISO/IEC 15444-1, annex I, and the codestream's sizes, annex
+/// A.
 struct Jp2Header {
-    /// Of the colors that the components make.
     enum class Kind { Gray, Rgb, Ycc, Cmyk, Unknown };
 
     struct Component {
@@ -28,25 +46,25 @@ struct Jp2Header {
 
     bool isBare = false; ///< a codestream without boxes
     QSize size;          ///< of the first component
-    QSize gridSize;      ///< that the spacings divide
+    QSize gridSize;      ///< divided by the spacings
     std::vector<Component> components;
-    bool startsAtOrigin = true; ///< sides of smaller resolutions are rounded up, not somehow
+    bool startsAtOrigin = true; ///< then sides of smaller resolutions are rounded up
     qint64 tiles = 1;
-    QSize tileSize;         ///< in samples of the component that has most of them
-    Jp2Structure structure; ///< of the whole file's and all tiles' coding styles
-    int resolutions = 1;    ///< that each tile is said to have, the full one included
+    QSize tileSize; ///< in samples of the component that has most of them
+    Jp2Structure structure;
+    int resolutions = 1; ///< of each tile, the full one included
     Kind kind = Kind::Unknown;
-    int paletteColumns = 0; ///< components that decoding gives instead of the codestream's; 0: no palette
-    int colors = 0;         ///< components that make the color, the palette followed
+    int paletteColumns = 0; ///< components after decoding; 0: no palette
+    int colors = 0;         ///< color components after decoding
     bool hasAlpha = false;
     bool isPremultiplied = false;
     QByteArray iccProfile;
-    double dpiWidth = 0; ///< 0: not said
+    double dpiWidth = 0; ///< 0: unknown
     double dpiHeight = 0;
 };
 
 /// @param device  random access; its position is moved
-/// @return the failure when the headers are damaged or of a kind that is not read
+/// @return the failure if the headers are damaged or unsupported
 [[nodiscard]] Result<Jp2Header> readJp2Header(QIODevice &device);
 
 } // namespace plexa

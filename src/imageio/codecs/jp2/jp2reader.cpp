@@ -2,7 +2,7 @@
 
 #include "imageio/base/picturefailures.h"
 #include "imageio/base/reducedrows.h"
-#include "imageio/codecs/jp2/jp2codec.h"
+#include "imageio/codecs/codecs.h"
 #include "imageio/codecs/jp2/jp2header.h"
 #include "imageio/color/rowconversion.h"
 
@@ -25,15 +25,15 @@ using Picture = std::unique_ptr<opj_image_t, decltype(&opj_image_destroy)>;
 using Decoder = std::unique_ptr<opj_codec_t, decltype(&opj_destroy_codec)>;
 using Stream = std::unique_ptr<opj_stream_t, decltype(&opj_stream_destroy)>;
 
-/// What the library keeps of each tile, and of each component in it.
+/// Memory of the library for each tile, and for each component in it.
 constexpr qint64 kTileBytes = 6000;
 constexpr qint64 kTileComponentBytes = 1300;
 
-/// What a row in 16 bits takes for each of its pixels, with the opacity.
+/// Memory for each pixel of a row in 16 bits, with alpha.
 constexpr qint64 kRowPixelBytes = 10;
 
-/// The most memory that decoding takes: the samples, in numbers of four bytes, once in the tiles and once in
-/// the picture, what a palette makes of them, the structure of a tile, the file's own bytes, and a row.
+/// The most memory for decoding: the samples of four bytes, once in the tiles and once in the picture, those
+/// of a palette, the structure of a tile, the file's own bytes, and a row.
 qint64 decodingBytes(const Jp2Header &header, qint64 fileBytes)
 {
     const auto components = int(header.components.size());
@@ -48,7 +48,7 @@ qint64 decodingBytes(const Jp2Header &header, qint64 fileBytes)
            header.size.width() * kRowPixelBytes;
 }
 
-/// Do the headers say to the library what they were found to say?
+/// Has the library read the same sizes?
 bool areSame(const opj_image_t &image, const Jp2Header &header)
 {
     bool same = image.numcomps == header.components.size() &&
@@ -77,7 +77,6 @@ Result<Jp2Header> checkedHeader(QIODevice &device, const ReadLimits &limits)
     return header;
 }
 
-/// Decodes the codestream of a device.
 class Jp2Decoding
 {
 public:
@@ -87,7 +86,7 @@ public:
     {
     }
 
-    /// @param halvings  how often the sides are to be halved
+    /// @param halvings  of the sides
     Result<Picture> decode(int halvings)
     {
         Picture picture(nullptr, opj_image_destroy);
@@ -100,7 +99,7 @@ public:
         const auto note = [](const char *complaint, void *self) {
             auto *decoding = static_cast<Jp2Decoding *>(self);
             decoding->m_hasComplaint = true;
-            // The library has no codes. Sizes are checked before, so its "limits" are those of the memory.
+            // The library has no codes. Sizes were checked, so its "limits" are those of the memory.
             const QByteArrayView text(complaint);
             decoding->m_lacksMemory =
                 decoding->m_lacksMemory || text.contains("memory") || text.contains("system limits");
@@ -119,7 +118,7 @@ public:
         picture.reset(image);
         if (!areSame(*image, m_header))
             return fail(PictureFailures::damaged());
-        // What was complained of up to here is not in the pixels.
+        // Complaints up to here do not concern the pixels.
         m_hasComplaint = false;
         if (!opj_decode(decoder.get(), stream.get(), image) || m_hasComplaint || !isWhole(*image))
             return fail(failureReason());
@@ -167,7 +166,7 @@ private:
         QByteArray end;
         if (m_device.seek(qMax<qint64>(0, m_device.size() - 2)))
             end = m_device.read(2);
-        return end == "\xff\xd9" ? PictureFailures::damaged() : PictureFailures::endsEarly();
+        return end == "\xff\xd9" ? PictureFailures::damaged() : PictureFailures::truncated();
     }
 
     QIODevice &m_device;
@@ -253,7 +252,7 @@ private:
     }
 
     const Picture m_picture;
-    const int m_colors; ///< components that make the color
+    const int m_colors; ///< color components
     const bool m_isYcc;
     int m_alphaComponent = -1;
     int m_step = 1; ///< words of a pixel
@@ -263,7 +262,7 @@ private:
 
 } // namespace
 
-Result<PictureInfo> Jp2Codec::readInfo(QIODevice &device, const ReadLimits &limits) const
+Result<PictureInfo> readJp2Info(QIODevice &device, const ReadLimits &limits)
 {
     const Result<Jp2Header> header = checkedHeader(device, limits);
     if (!header)
@@ -281,8 +280,7 @@ Result<PictureInfo> Jp2Codec::readInfo(QIODevice &device, const ReadLimits &limi
     return info;
 }
 
-Result<std::unique_ptr<RowReader>> Jp2Codec::openReader(QIODevice &device, const ReadLimits &limits,
-                                                        int reduction) const
+Result<std::unique_ptr<RowReader>> openJp2Reader(QIODevice &device, const ReadLimits &limits, int reduction)
 {
     Result<Jp2Header> header = checkedHeader(device, limits);
     if (!header)
@@ -292,26 +290,21 @@ Result<std::unique_ptr<RowReader>> Jp2Codec::openReader(QIODevice &device, const
         ++halvings;
     Jp2Decoding decoding(device, *header);
     Result<Picture> picture = decoding.decode(halvings);
-    if (!picture && halvings > 0) { // a tile may have fewer resolutions than the file says
+    if (!picture && halvings > 0) { // a tile may have fewer resolutions than the file states
         halvings = 0;
         picture = decoding.decode(halvings);
     }
     if (!picture)
         return tl::unexpected(picture.error());
-    const QSize expected = plexa::reducedSize(header->size, 1 << halvings);
+    const QSize expected = reducedSize(header->size, 1 << halvings);
     try {
         auto reader = std::make_unique<Jp2RowReader>(std::move(*picture), *header);
         if (!reader->isConsistent() || reader->format().size != expected)
             return fail(PictureFailures::damaged());
-        return withReducedRows(std::move(reader), reduction >> halvings);
+        return reader;
     } catch (const std::bad_alloc &) {
         return fail(PictureFailures::outOfMemory());
     }
-}
-
-QSize Jp2Codec::reducedSize(QSize size, int reduction) const
-{
-    return plexa::reducedSize(size, reduction);
 }
 
 } // namespace plexa

@@ -47,20 +47,11 @@ void onMessage(j_common_ptr info, int level)
     if (level >= 0)
         return;
     JpegErrors *errors = errorsOf(info);
-    switch (info->err->msg_code) {
-    case JWRN_HIT_MARKER:
-    case JWRN_JPEG_EOF:
-        errors->lacksData = true;
-        errors->isDamaged = true;
-        break;
-    case JWRN_HUFF_BAD_CODE:
-    case JWRN_ARITH_BAD_CODE:
-    case JWRN_MUST_RESYNC:
-        errors->isDamaged = true;
-        break;
-    default: // stray bytes before a marker, an unknown version number: the picture is whole
-        break;
-    }
+    const int code = info->err->msg_code;
+    errors->lacksData = errors->lacksData || code == JWRN_HIT_MARKER || code == JWRN_JPEG_EOF;
+    // Not for stray bytes before a marker or an unknown version number.
+    errors->isDamaged = errors->isDamaged || errors->lacksData || code == JWRN_HUFF_BAD_CODE ||
+                        code == JWRN_ARITH_BAD_CODE || code == JWRN_MUST_RESYNC;
     ++info->err->num_warnings;
 }
 

@@ -14,17 +14,17 @@
 namespace plexa
 {
 
-/// libjpeg's errors, kept off the standard error stream. An error jumps back to `jump`, which the function
-/// that calls the library sets; nothing with a destructor may live in a function between the two.
+/// libjpeg's errors, kept off the standard error stream. An error jumps to `jump`, which the function that
+/// calls the library sets; no function between the two may own an object with a destructor.
 struct JpegErrors {
     jpeg_error_mgr manager;
     std::jmp_buf jump;
-    bool isDamaged;     ///< a warning was given that the picture is not what was saved
-    bool lacksData;     ///< of these: there were fewer data than the picture has
-    bool isUnsupported; ///< the error is that libjpeg has no decoder for it
+    bool isDamaged;     ///< libjpeg warned of damage
+    bool lacksData;     ///< libjpeg warned of missing data
+    bool isUnsupported; ///< libjpeg has no decoder for the picture
     bool isOutOfMemory;
 
-    /// Prepares this object. @return what belongs into the `err` field of libjpeg's structure
+    /// Prepares this object. @return the value for the `err` field of libjpeg's structure
     jpeg_error_mgr *attach();
 };
 

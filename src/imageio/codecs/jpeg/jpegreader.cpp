@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/base/picturefailures.h"
-#include "imageio/codecs/jpeg/jpegcodec.h"
+#include "imageio/codecs/codecs.h"
 #include "imageio/codecs/jpeg/jpegerrors.h"
 #include "imageio/codecs/jpeg/jpegstructure.h"
 #include "imageio/color/rowconversion.h"
 #include "metadata/propertykeys.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <vector>
@@ -19,16 +20,16 @@ namespace
 
 constexpr J_COLOR_SPACE kRgb32 = Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? JCS_EXT_BGRA : JCS_EXT_ARGB;
 
-/// Rows that are decoded and converted at a time: few enough to stay in the processor's cache.
+/// Rows that are decoded and converted at a time: few enough for the processor's cache.
 constexpr int kRowsAtATime = 16;
 
-/// Work that the scans of one progressive picture may make. An honest file has 10 to 20 scans; a few
-/// thousand of them, each a few bytes long, keep a machine busy for hours.
+/// Bound of the work for the scans of a progressive picture. Real files have 10 to 20 scans; a few thousand
+/// short ones would keep a machine busy for hours.
 constexpr qint64 kMaxScannedPixels = 20'000'000'000;
 constexpr int kScansAlwaysAllowed = 20;
 
-/// libjpeg's input: large reads from a device. Where the file ends, an end marker is put in, and the
-/// decoder itself then notices whether it still lacks data.
+/// libjpeg's input: large reads from a device. At the end of the file it supplies an end marker; the decoder
+/// then notices whether data are missing.
 struct Source {
     jpeg_source_mgr manager;
     QIODevice *device;
@@ -96,7 +97,6 @@ public:
 
     ~JpegRowReader() override { jpeg_destroy_decompress(&m_info); }
 
-    /// Reads the header and chooses how to decode.
     Result<void> open(int reduction)
     {
         m_source.attach(m_device);
@@ -140,7 +140,7 @@ private:
         return {};
     }
 
-    // The functions that call libjpeg: each has no object of its own that a jump would leave behind.
+    // The functions that call libjpeg own no object whose destructor a jump would skip.
 
     bool readHeader()
     {
@@ -190,31 +190,26 @@ private:
                 return false;
             done += got;
         }
-        // An arithmetic decoder takes missing data for zeros without a word.
+        // An arithmetic decoder reads missing data as zeros and reports nothing.
         return !(m_info.arith_code && m_source.reachedEnd);
     }
 
-    /// Of a file that was read to its end before the first row comes out: is every scan there?
+    /// Checks a file that was read to its end before the first row: is every scan present?
     bool hasAllData()
     {
         if (!jpeg_has_multiple_scans(&m_info))
             return true;
-        for (int i = 0; i < m_info.num_components; ++i) {
-            if (!m_info.comp_info[i].quant_table) { // set by a component's first scan
-                m_errors.lacksData = true;
-                return false;
-            }
-            for (int k = 0; m_source.reachedEnd && m_info.coef_bits && k < DCTSIZE2; ++k) {
-                if (m_info.coef_bits[i][k] != 0) { // still to come, or still to be refined
-                    m_errors.lacksData = true;
-                    return false;
-                }
-            }
+        for (int i = 0; i < m_info.num_components && !m_errors.lacksData; ++i) {
+            m_errors.lacksData = !m_info.comp_info[i].quant_table; // set by a component's first scan
+            if (m_source.reachedEnd && m_info.coef_bits)           // 0: complete
+                m_errors.lacksData =
+                    m_errors.lacksData || std::any_of(m_info.coef_bits[i], m_info.coef_bits[i] + DCTSIZE2,
+                                                      [](int bits) { return bits != 0; });
         }
-        return true;
+        return !m_errors.lacksData;
     }
 
-    /// Pictures of several scans are kept whole, as coefficients of two bytes.
+    /// libjpeg holds the coefficients of a picture of several scans, two bytes each.
     Result<void> checkCoefficients(QSize size)
     {
         if (!jpeg_has_multiple_scans(&m_info))
@@ -262,7 +257,7 @@ private:
         if (m_errors.isOutOfMemory)
             return fail(PictureFailures::outOfMemory());
         if (m_errors.lacksData || m_source.reachedEnd)
-            return fail(PictureFailures::endsEarly());
+            return fail(PictureFailures::truncated());
         return fail(PictureFailures::damaged());
     }
 
@@ -284,7 +279,7 @@ private:
 
 } // namespace
 
-Result<PictureInfo> JpegCodec::readInfo(QIODevice &device, const ReadLimits &limits) const
+Result<PictureInfo> readJpegInfo(QIODevice &device, const ReadLimits &limits)
 {
     Result<JpegStructure> structure = readJpegStructure(device, limits);
     if (!structure)
@@ -313,12 +308,9 @@ Result<PictureInfo> JpegCodec::readInfo(QIODevice &device, const ReadLimits &lim
     return info;
 }
 
-Result<std::unique_ptr<RowReader>> JpegCodec::openReader(QIODevice &device, const ReadLimits &limits,
-                                                         int reduction) const
+Result<std::unique_ptr<RowReader>> openJpegReader(QIODevice &device, const ReadLimits &limits, int reduction)
 {
-    if (!device.seek(0))
-        return fail(PictureFailures::readError(device));
-    Result<JpegStructure> structure = readJpegStructure(device, limits);
+    const Result<JpegStructure> structure = readJpegStructure(device, limits);
     if (!structure)
         return tl::unexpected(structure.error());
     if (!device.seek(0))
@@ -327,11 +319,6 @@ Result<std::unique_ptr<RowReader>> JpegCodec::openReader(QIODevice &device, cons
     if (const auto opened = reader->open(reduction); !opened)
         return tl::unexpected(opened.error());
     return reader;
-}
-
-QSize JpegCodec::reducedSize(QSize size, int reduction) const
-{
-    return {(size.width() + reduction - 1) / reduction, (size.height() + reduction - 1) / reduction};
 }
 
 } // namespace plexa

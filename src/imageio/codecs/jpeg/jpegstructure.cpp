@@ -4,11 +4,13 @@
 
 #include "imageio/base/picturefailures.h"
 #include "imageio/color/colorprofile.h"
-#include "imageio/container/exifcolorspace.h"
 #include "imageio/container/jpegmarkers.h"
 #include "imageio/container/jpegsegmentreader.h"
+#include "imageio/container/tiffdirectoryreader.h"
+#include "imageio/container/tiffpictures.h"
 #include "metadata/propertykeys.h"
 
+#include <QBuffer>
 #include <QtEndian>
 
 #include <array>
@@ -31,7 +33,7 @@ struct FurtherPicture {
     bool isPreview = false;
 };
 
-bool speaksOfGainMap(QByteArrayView xmp)
+bool mentionsGainMap(QByteArrayView xmp)
 {
     return xmp.indexOf("hdrgainmap") >= 0 || xmp.indexOf("hdrgm:Version") >= 0 ||
            xmp.indexOf("\"GainMap\"") >= 0;
@@ -72,41 +74,23 @@ private:
 
 /// Reads a multi-picture index (CIPA DC-007): a TIFF structure with one directory; tag 0xB002 has 16 bytes
 /// for each picture.
-QList<FurtherPicture> readMultiPictureIndex(QByteArrayView tiff, qint64 tiffPosition)
+QList<FurtherPicture> readMultiPictureIndex(QByteArray tiff, qint64 tiffPosition)
 {
     QList<FurtherPicture> pictures;
-    if (tiff.size() < 8)
+    QBuffer device(&tiff);
+    device.open(QIODevice::ReadOnly);
+    const TiffDirectoryReader reader(device);
+    const auto directory = reader.read(reader.first());
+    const auto order = orderOfTiff(tiff);
+    if (!directory || !order)
         return pictures;
-    const bool isLittle = tiff.startsWith("II");
-    const auto word = [&](qsizetype at) -> quint32 {
-        const char *p = tiff.data() + at;
-        return isLittle ? qFromLittleEndian<quint16>(p) : qFromBigEndian<quint16>(p);
-    };
-    const auto longWord = [&](qsizetype at) -> quint32 {
-        const char *p = tiff.data() + at;
-        return isLittle ? qFromLittleEndian<quint32>(p) : qFromBigEndian<quint32>(p);
-    };
-    const qsizetype directory = longWord(4);
-    if (directory > tiff.size() - 2)
-        return pictures;
-    const quint32 fields = word(directory);
-    for (quint32 i = 0; i < fields; ++i) {
-        const qsizetype field = directory + 2 + qsizetype(i) * 12;
-        if (field > tiff.size() - 12)
-            break;
-        if (word(field) != 0xb002)
+    const QByteArray entries = reader.value(directory->fields.value(0xb002), kMaxJpegSegmentPayload);
+    for (qsizetype at = 0; at + 16 <= entries.size() && pictures.size() < kMaxFurtherPictures; at += 16) {
+        const quint32 offset = tiffNumberAt(entries.constData() + at + 8, 4, *order);
+        if (offset == 0) // the first picture, which contains the index
             continue;
-        const qsizetype bytes = longWord(field + 4);
-        const qsizetype entries = longWord(field + 8);
-        for (qsizetype at = entries; at + 16 <= entries + bytes && at + 16 <= tiff.size(); at += 16) {
-            const quint32 offset = longWord(at + 8);
-            if (offset == 0) // the first picture, in which the index stands
-                continue;
-            const quint32 type = longWord(at) & 0xffffff;
-            pictures.append({tiffPosition + offset, type == 0x010001 || type == 0x010002});
-            if (pictures.size() == kMaxFurtherPictures)
-                return pictures;
-        }
+        const quint32 type = tiffNumberAt(entries.constData() + at, 4, *order) & 0xffffff;
+        pictures.append({tiffPosition + offset, type == 0x010001 || type == 0x010002});
     }
     return pictures;
 }
@@ -119,7 +103,7 @@ bool isGainMap(QIODevice &device, const FurtherPicture &picture)
     while (const std::optional<int> marker = segments.next()) {
         if (*marker == SOS || *marker == EOI)
             break;
-        if (*marker == APP1 && segments.isNamed(kXmp) && speaksOfGainMap(segments.payload()))
+        if (*marker == APP1 && segments.isNamed(kXmp) && mentionsGainMap(segments.payload()))
             return true;
         if (*marker == APP2 && segments.isNamed(kIsoGainMap))
             return true;
@@ -144,29 +128,6 @@ QStringList nameUnmarkedPictures(QIODevice &device, const QList<FurtherPicture> 
     return names;
 }
 
-Result<void> readFrame(QByteArrayView payload, int marker, JpegStructure &structure)
-{
-    // Sequential and progressive, Huffman or arithmetic; not lossless, not hierarchical.
-    const int process = marker - SOF0;
-    if (process != 0 && process != 1 && process != 2 && process != 9 && process != 10)
-        return fail(PictureFailures::unsupportedKind("JPEG"));
-    if (payload.size() < 6)
-        return fail(PictureFailures::damaged());
-    const int count = uchar(payload[5]);
-    if (uchar(payload[0]) != 8 || (count != 1 && count != 3 && count != 4))
-        return fail(PictureFailures::unsupportedKind("JPEG"));
-    if (payload.size() < 6 + 3 * count)
-        return fail(PictureFailures::damaged());
-    structure.isProgressive = process == 2 || process == 10;
-    structure.size =
-        QSize(qFromBigEndian<quint16>(payload.data() + 3), qFromBigEndian<quint16>(payload.data() + 1));
-    for (int i = 0; i < count; ++i) {
-        const int factors = uchar(payload[6 + 3 * i + 1]);
-        structure.components.append({factors >> 4, factors & 15});
-    }
-    return {};
-}
-
 void readDensity(QByteArrayView jfif, JpegStructure &structure)
 {
     if (jfif.size() < 12 || !jfif.startsWith(kJfif))
@@ -187,58 +148,104 @@ void readDensity(QByteArrayView jfif, JpegStructure &structure)
     structure.dpiHeight = vertical * perInch;
 }
 
+/// Collects the facts of the segments up to the picture data.
+class StructureReader
+{
+public:
+    StructureReader(QIODevice &device, const ReadLimits &limits)
+        : m_device(device)
+        , m_limits(limits)
+        , m_segments(device)
+    {
+    }
+
+    Result<JpegStructure> read()
+    {
+        std::optional<int> marker = m_segments.next();
+        for (; marker && *marker != SOS && *marker != EOI; marker = m_segments.next()) {
+            const bool isFrame =
+                *marker >= SOF0 && *marker <= SOF15 && *marker != DHT && *marker != JPG && *marker != DAC;
+            if (!isFrame)
+                readSegment(*marker);
+            else if (const auto frame = readFrame(*marker); !frame)
+                return tl::unexpected(frame.error());
+        }
+        if (marker != SOS || m_structure.components.isEmpty())
+            return fail(m_device.atEnd() ? PictureFailures::truncated() : PictureFailures::damaged());
+        const QByteArrayView scan = m_segments.payload(1);
+        m_structure.hasSeveralScans =
+            m_structure.isProgressive || (!scan.isEmpty() && uchar(scan[0]) < m_structure.components.size());
+        if (const auto size = PictureFailures::checkSize(m_structure.size, m_limits); !size)
+            return tl::unexpected(size.error());
+        m_structure.iccProfile = m_icc.whole();
+        if (m_structure.iccProfile.isEmpty() && m_isAdobeRgb && m_structure.components.size() == 3)
+            m_structure.iccProfile = adobeRgbProfile();
+        m_structure.unmarkedPictures = nameUnmarkedPictures(m_device, m_furtherPictures, m_hasGainMap);
+        return m_structure;
+    }
+
+private:
+    void readSegment(int marker)
+    {
+        if (marker == APP0) {
+            readDensity(m_segments.payload(32), m_structure);
+        } else if (marker == APP1 && !m_hasExif && m_segments.isNamed(kExif)) {
+            m_hasExif = true;
+            m_isAdobeRgb = exifSaysAdobeRgb(m_segments.contentsBehind(kExif));
+        } else if (marker == APP1 && m_segments.isNamed(kXmp)) {
+            m_hasGainMap = m_hasGainMap || mentionsGainMap(m_segments.payload());
+        } else if (marker == APP2 && m_segments.isNamed(kIcc)) {
+            m_icc.add(m_segments.payload());
+        } else if (marker == APP2 && m_segments.isNamed(kMultiPicture) && m_furtherPictures.isEmpty()) {
+            m_furtherPictures = readMultiPictureIndex(m_segments.contentsBehind(kMultiPicture),
+                                                      m_segments.payloadPosition() + kMultiPicture.size());
+        } else if (marker == APP2 && m_segments.isNamed(kIsoGainMap)) {
+            m_hasGainMap = true;
+        }
+    }
+
+    Result<void> readFrame(int marker)
+    {
+        const QByteArrayView payload = m_segments.payload();
+        if (!m_structure.components.isEmpty())
+            return fail(PictureFailures::damaged());
+        // Sequential and progressive, Huffman or arithmetic; not lossless, not hierarchical.
+        const int process = marker - SOF0;
+        if (process != 0 && process != 1 && process != 2 && process != 9 && process != 10)
+            return fail(PictureFailures::unsupportedKind("JPEG"));
+        if (payload.size() < 6)
+            return fail(PictureFailures::damaged());
+        const int count = uchar(payload[5]);
+        if (uchar(payload[0]) != 8 || (count != 1 && count != 3 && count != 4))
+            return fail(PictureFailures::unsupportedKind("JPEG"));
+        if (payload.size() < 6 + 3 * count)
+            return fail(PictureFailures::damaged());
+        m_structure.isProgressive = process == 2 || process == 10;
+        m_structure.size =
+            QSize(qFromBigEndian<quint16>(payload.data() + 3), qFromBigEndian<quint16>(payload.data() + 1));
+        for (int i = 0; i < count; ++i) {
+            const int factors = uchar(payload[6 + 3 * i + 1]);
+            m_structure.components.append({factors >> 4, factors & 15});
+        }
+        return {};
+    }
+
+    QIODevice &m_device;
+    const ReadLimits &m_limits;
+    JpegSegmentReader m_segments;
+    JpegStructure m_structure;
+    IccPieces m_icc;
+    QList<FurtherPicture> m_furtherPictures;
+    bool m_hasGainMap = false;
+    bool m_isAdobeRgb = false;
+    bool m_hasExif = false;
+};
+
 } // namespace
 
 Result<JpegStructure> readJpegStructure(QIODevice &device, const ReadLimits &limits)
 {
-    JpegStructure structure;
-    IccPieces icc;
-    QList<FurtherPicture> furtherPictures;
-    bool hasGainMap = false;
-    bool hasData = false;
-    bool isAdobeRgb = false;
-    bool hasExif = false;
-    JpegSegmentReader segments(device);
-    while (const std::optional<int> marker = segments.next()) {
-        if (*marker == SOS || *marker == EOI) {
-            hasData = *marker == SOS;
-            const QByteArrayView scan = hasData ? segments.payload(1) : QByteArrayView();
-            structure.hasSeveralScans =
-                structure.isProgressive || (!scan.isEmpty() && uchar(scan[0]) < structure.components.size());
-            break;
-        }
-        if (*marker >= SOF0 && *marker <= SOF15 && *marker != DHT && *marker != JPG && *marker != DAC) {
-            if (!structure.components.isEmpty())
-                return fail(PictureFailures::damaged());
-            if (const auto frame = readFrame(segments.payload(), *marker, structure); !frame)
-                return tl::unexpected(frame.error());
-        } else if (*marker == APP0) {
-            readDensity(segments.payload(32), structure);
-        } else if (*marker == APP1 && !hasExif && segments.isNamed(kExif)) {
-            hasExif = true;
-            isAdobeRgb = exifSaysAdobeRgb(segments.payload().sliced(kExif.size()));
-        } else if (*marker == APP1 && segments.isNamed(kXmp)) {
-            hasGainMap = hasGainMap || speaksOfGainMap(segments.payload());
-        } else if (*marker == APP2 && segments.isNamed(kIcc)) {
-            icc.add(segments.payload());
-        } else if (*marker == APP2 && segments.isNamed(kMultiPicture)) {
-            const qint64 position = segments.payloadPosition() + kMultiPicture.size();
-            if (furtherPictures.isEmpty())
-                furtherPictures =
-                    readMultiPictureIndex(segments.payload().sliced(kMultiPicture.size()), position);
-        } else if (*marker == APP2 && segments.isNamed(kIsoGainMap)) {
-            hasGainMap = true;
-        }
-    }
-    if (!hasData || structure.components.isEmpty())
-        return fail(device.atEnd() ? PictureFailures::endsEarly() : PictureFailures::damaged());
-    if (const auto size = PictureFailures::checkSize(structure.size, limits); !size)
-        return tl::unexpected(size.error());
-    structure.iccProfile = icc.whole();
-    if (structure.iccProfile.isEmpty() && isAdobeRgb && structure.components.size() == 3)
-        structure.iccProfile = adobeRgbProfile();
-    structure.unmarkedPictures = nameUnmarkedPictures(device, furtherPictures, hasGainMap);
-    return structure;
+    return StructureReader(device, limits).read();
 }
 
 qint64 coefficientBytes(QSize size, const QList<JpegStructure::Component> &components)

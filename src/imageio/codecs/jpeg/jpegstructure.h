@@ -7,7 +7,7 @@
 namespace plexa
 {
 
-/// What the marker segments in front of a JPEG's picture data say.
+/// The facts in the marker segments before a JPEG's picture data.
 struct JpegStructure {
     struct Component {
         int horizontal = 1; ///< sampling factors
@@ -17,23 +17,21 @@ struct JpegStructure {
     QSize size;
     QList<Component> components;
     bool isProgressive = false;
-    bool hasSeveralScans = false; ///< the first one does not give the whole picture
-    double dpiWidth = 0;          ///< from JFIF; the bare aspect where it has no unit; 0 when it says nothing
+    bool hasSeveralScans = false;
+    double dpiWidth = 0; ///< from JFIF; the bare aspect if it has no unit; 0: unknown
     double dpiHeight = 0;
-    QByteArray iccProfile;        ///< put together from its pieces, empty when one is missing; Adobe RGB of
-                                  ///< our making where there is none and the EXIF names that space
-    QVariantMap jfif;             ///< the dictionary "{JFIF}" without "IsProgressive"; empty: no JFIF
+    QByteArray iccProfile; ///< empty if a piece is missing; adobeRgbProfile() if only EXIF names that space
+    QVariantMap jfif;      ///< the dictionary "{JFIF}" without "IsProgressive"; empty: no JFIF
     QStringList unmarkedPictures; ///< see PictureInfo
 };
 
-/// Reads the segments up to the picture data, and those of further pictures that a multi-picture index
-/// names. Decodes nothing, so damage behind the segments is not seen.
+/// Reads the segments up to the picture data, and those of the pictures in a multi-picture index. Decodes
+/// nothing.
 /// @param device  random access, at the start of the file
 [[nodiscard]] Result<JpegStructure> readJpegStructure(QIODevice &device, const ReadLimits &limits);
 
-/// The memory (bytes) that the coefficients of a picture take which is decoded from or encoded to several
-/// scans: two bytes each, in blocks of 8 x 8 samples, each component's planes filled up to whole groups of
-/// blocks as its sampling factors make them.
+/// The memory (bytes) for the coefficients of a picture of several scans: two bytes each, in blocks of 8 x 8
+/// samples and whole groups of blocks.
 /// @param components  factors 1..4; others count as the nearest of these
 qint64 coefficientBytes(QSize size, const QList<JpegStructure::Component> &components);
 

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/base/picturefailures.h"
-#include "imageio/codecs/jpeg/jpegcodec.h"
+#include "imageio/codecs/codecs.h"
 #include "imageio/codecs/jpeg/jpegerrors.h"
-#include "imageio/codecs/jpeg/jpegsegments.h"
 #include "imageio/codecs/jpeg/jpegstructure.h"
 #include "imageio/codecs/jpeg/thumbnail.h"
+#include "imageio/color/colorprofile.h"
+#include "imageio/container/imageresources.h"
+#include "imageio/container/jpegmarkers.h"
 
 #include <QBuffer>
+#include <QCryptographicHash>
+#include <QtEndian>
 
 #include <array>
 #include <cmath>
@@ -19,22 +23,19 @@ namespace plexa
 namespace
 {
 
+using namespace JpegMarker;
+using namespace JpegSegmentName;
+
 constexpr J_COLOR_SPACE kRgb32 = Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? JCS_EXT_BGRX : JCS_EXT_XRGB;
 constexpr int kRowsAtATime = 16;
 
-struct SamplingFactors {
-    int horizontal;
-    int vertical;
-};
-
 /// The factors of luma and the two chroma planes.
-using Sampling = std::array<SamplingFactors, 3>;
+using Sampling = std::array<JpegStructure::Component, 3>;
 
 constexpr Sampling kFullChroma = {{{1, 1}, {1, 1}, {1, 1}}};
 constexpr Sampling kHalfChroma = {{{2, 2}, {1, 1}, {1, 1}}};
 
-/// Reads "22,11,11". @return full chroma where the text is not of a picture with colors that libjpeg can
-/// write with the same factors
+/// Reads "22,11,11". @return full chroma unless libjpeg can write the factors
 Sampling samplingFromText(const QByteArray &text)
 {
     const QByteArrayList planes = text.split(',');
@@ -50,7 +51,7 @@ Sampling samplingFromText(const QByteArray &text)
         if (sampling[i].horizontal < 1 || sampling[i].horizontal > 4 || sampling[i].vertical < 1 ||
             sampling[i].vertical > 4)
             return kFullChroma;
-        // libjpeg scales down from the largest factor, which has to be luma's, by whole numbers.
+        // libjpeg scales down by whole numbers from the largest factor, which must be luma's.
         if (sampling[0].horizontal % sampling[i].horizontal != 0 ||
             sampling[0].vertical % sampling[i].vertical != 0)
             return kFullChroma;
@@ -107,7 +108,6 @@ struct Target {
     qint64 position() const { return flushed + qint64(buffer.size() - manager.free_in_buffer); }
 };
 
-/// How the picture itself is encoded.
 struct Encoding {
     int quality = 80; ///< 0..100
     Sampling sampling = kHalfChroma;
@@ -116,8 +116,8 @@ struct Encoding {
     int dpi[2] = {0, 0}; ///< 0: not written
 };
 
-/// Runs libjpeg's compressor. The functions that call it have no object of their own that a jump would
-/// leave behind; after one returned false the encoder is of no more use.
+/// Runs libjpeg's compressor. The functions that call it own no object whose destructor a jump would skip;
+/// after one has returned false the encoder must not be used.
 class JpegEncoder
 {
 public:
@@ -170,7 +170,7 @@ public:
         return true;
     }
 
-    /// @param rows  they are only read; libjpeg's type does not say so
+    /// @param rows  only read, although libjpeg's type is not const
     bool writeRows(JSAMPARRAY rows, int count)
     {
         if (setjmp(m_errors.jump))
@@ -211,6 +211,78 @@ private:
     std::array<JSAMPROW, kRowsAtATime> m_rows = {};
 };
 
+/// One marker segment to be written.
+struct JpegSegment {
+    int marker;         ///< second byte of the marker: 0xE1 for APP1
+    QByteArray payload; ///< at most kMaxJpegSegmentPayload bytes
+};
+
+QByteArray bigEndian(quint32 value)
+{
+    QByteArray bytes(4, '\0');
+    qToBigEndian(value, bytes.data());
+    return bytes;
+}
+
+QByteArray withoutPacketWrapper(const QByteArray &packet)
+{
+    QByteArray rdf = packet;
+    const qsizetype begin = rdf.indexOf("<?xpacket begin");
+    if (begin >= 0) {
+        const qsizetype end = rdf.indexOf("?>", begin);
+        if (end >= 0)
+            rdf = rdf.mid(end + 2);
+    }
+    const qsizetype trailer = rdf.lastIndexOf("<?xpacket end");
+    if (trailer >= 0)
+        rdf.truncate(trailer);
+    return rdf.trimmed();
+}
+
+/// XMP standard, part 3, 1.1.3.1: a packet that is too long is split into extension segments; the main packet
+/// refers to them by the MD5 sum of their contents.
+void appendLongXmp(const QByteArray &packet, QList<JpegSegment> &segments)
+{
+    const QByteArray rdf = withoutPacketWrapper(packet);
+    const QByteArray guid = QCryptographicHash::hash(rdf, QCryptographicHash::Md5).toHex().toUpper();
+    const QByteArray main = "<?xpacket begin=\"\xef\xbb\xbf\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>"
+                            "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\">"
+                            "<rdf:RDF xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\">"
+                            "<rdf:Description rdf:about=\"\" xmlns:xmpNote=\"http://ns.adobe.com/xmp/note/\" "
+                            "xmpNote:HasExtendedXMP=\"" +
+                            guid + "\"/></rdf:RDF></x:xmpmeta><?xpacket end=\"w\"?>";
+    segments.append({APP1, kXmp.toByteArray() + main});
+    constexpr qsizetype kPiece = 65'000;
+    for (qsizetype at = 0; at < rdf.size(); at += kPiece)
+        segments.append({APP1, kMoreXmp.toByteArray() + guid + bigEndian(quint32(rdf.size())) +
+                                   bigEndian(quint32(at)) + rdf.mid(at, kPiece)});
+}
+
+/// Cuts `whole` into segments that each begin with `name`.
+void appendInPieces(int marker, QByteArrayView name, const QByteArray &whole, QList<JpegSegment> &segments)
+{
+    const qsizetype room = kMaxJpegSegmentPayload - name.size();
+    for (qsizetype at = 0; at < whole.size(); at += room)
+        segments.append({marker, name.toByteArray() + whole.mid(at, room)});
+}
+
+/// All segments of a written JPEG besides JFIF and the picture; nothing comes from the source's segments.
+QList<JpegSegment> metadataSegments(const WriteOptions &options)
+{
+    QList<JpegSegment> segments;
+    if (!options.exif.isEmpty())
+        segments.append({APP1, kExif.toByteArray() + options.exif});
+    if (options.xmp.size() > kMaxJpegSegmentPayload - kXmp.size())
+        appendLongXmp(options.xmp, segments);
+    else if (!options.xmp.isEmpty())
+        segments.append({APP1, kXmp.toByteArray() + options.xmp});
+    appendInPieces(APP13, kImageResources, imageResourceBlocks(options.iptc, options.imageResources),
+                   segments);
+    segments.append({APP2, kIcc.toByteArray() + QByteArray("\1\1", 2) + srgbProfile()});
+    appendInPieces(COM, {}, options.comment, segments);
+    return segments;
+}
+
 class JpegRowWriter final : public RowWriter
 {
 public:
@@ -224,21 +296,21 @@ public:
 
     Result<void> start(const WriteOptions &options)
     {
-        const Result<QList<JpegSegment>> segments = jpegMetadataSegments(options);
-        if (!segments)
-            return tl::unexpected(segments.error());
+        if (options.exif.size() > kMaxJpegExif)
+            return fail(PictureFailures::exifTooLong());
+        const QList<JpegSegment> segments = metadataSegments(options);
         if (!m_encoder.start())
             return failure();
         if (!options.exif.isEmpty() && !options.thumbnailPlaceholder.isEmpty()) {
-            // The EXIF segment comes first. Its payload stands behind marker and length.
-            const qsizetype offset = segments->first().payload.indexOf(options.thumbnailPlaceholder);
+            // The EXIF segment comes first. Its payload follows marker and length.
+            const qsizetype offset = segments.first().payload.indexOf(options.thumbnailPlaceholder);
             if (offset >= 0) {
                 m_thumbnailPosition = m_start + m_encoder.position() + 4 + offset;
                 m_thumbnailBytes = options.thumbnailPlaceholder.size();
                 m_thumbnail.emplace(m_format.size);
             }
         }
-        for (const JpegSegment &segment : *segments) {
+        for (const JpegSegment &segment : segments) {
             if (!m_encoder.writeSegment(segment.marker, segment.payload.constData(), segment.payload.size()))
                 return failure();
         }
@@ -303,8 +375,10 @@ Encoding encodingOf(const WriteOptions &options)
 
 } // namespace
 
-Result<std::unique_ptr<RowWriter>> JpegCodec::openWriter(QIODevice &device, const RowFormat &format,
-                                                         const WriteOptions &options) const
+/// The written chroma sampling: at a quality of 0.9 and above that of WriteOptions::chromaSampling, or full
+/// chroma if it is empty; below that half chroma in both directions.
+Result<std::unique_ptr<RowWriter>> openJpegWriter(QIODevice &device, const RowFormat &format,
+                                                  const WriteOptions &options)
 {
     Q_ASSERT(!format.hasAlpha);
     if (qMax(format.size.width(), format.size.height()) > JPEG_MAX_DIMENSION || format.size.isEmpty())
@@ -316,15 +390,12 @@ Result<std::unique_ptr<RowWriter>> JpegCodec::openWriter(QIODevice &device, cons
     return writer;
 }
 
-qint64 JpegCodec::writerBytes(const RowFormat &format, const WriteOptions &options) const
+qint64 jpegWriterBytes(const RowFormat &format, const WriteOptions &options)
 {
     const Encoding encoding = encodingOf(options);
     if (!encoding.isProgressive)
         return 0;
-    QList<JpegStructure::Component> components;
-    for (const SamplingFactors &factors : encoding.sampling)
-        components.append({factors.horizontal, factors.vertical});
-    return coefficientBytes(format.size, components);
+    return coefficientBytes(format.size, {encoding.sampling.begin(), encoding.sampling.end()});
 }
 
 QByteArray encodeBareJpeg(const QImage &image, int quality)

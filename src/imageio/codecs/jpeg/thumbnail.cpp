@@ -2,9 +2,10 @@
 
 #include "imageio/codecs/jpeg/thumbnail.h"
 
-#include "imageio/codecs/jpeg/jpegcodec.h"
-
 #include <QtEndian>
+
+#include <algorithm>
+#include <array>
 
 namespace plexa
 {
@@ -12,7 +13,7 @@ namespace plexa
 namespace
 {
 
-/// Pixels looked at along each side of a thumbnail's pixel: 64 to 256 of them make its mean.
+/// Pixels sampled along each side of a thumbnail's pixel.
 constexpr int kSamplesAlongSide = 8;
 
 QSize thumbnailSize(QSize source)
@@ -26,8 +27,7 @@ QSize thumbnailSize(QSize source)
     return {scaled(source.width()), scaled(source.height())};
 }
 
-/// Fills a JPEG up to `bytes` bytes with comments in front of its end marker, and with the fill bytes that
-/// the standard allows there where not even an empty comment fits.
+/// Pads a JPEG to `bytes` bytes by comments before its end marker, and by fill bytes where no comment fits.
 QByteArray filledUp(const QByteArray &jpeg, qsizetype bytes)
 {
     QByteArray filled = jpeg.chopped(2);
@@ -101,19 +101,19 @@ QImage ThumbnailMaker::image() const
 QByteArray ThumbnailMaker::jpeg(qsizetype bytes) const
 {
     QImage small = image();
-    for (const int quality : {88, 80, 72, 64, 56, 48, 40, 30, 20, 10, 1}) {
-        const QByteArray encoded = encodeBareJpeg(small, quality);
-        if (!encoded.isEmpty() && encoded.size() <= bytes)
-            return filledUp(encoded, bytes);
-    }
-    while (small.width() > 1 || small.height() > 1) {
+    QByteArray encoded;
+    const auto fits = [&](int quality) {
+        encoded = encodeBareJpeg(small, quality);
+        return !encoded.isEmpty() && encoded.size() <= bytes;
+    };
+    constexpr std::array kQualities = {88, 80, 72, 64, 56, 48, 40, 30, 20, 10, 1};
+    bool isFound = std::any_of(kQualities.begin(), kQualities.end(), fits);
+    while (!isFound && (small.width() > 1 || small.height() > 1)) {
         small = small.scaled(qMax(1, small.width() / 2), qMax(1, small.height() / 2), Qt::IgnoreAspectRatio,
                              Qt::SmoothTransformation);
-        const QByteArray encoded = encodeBareJpeg(small, 30);
-        if (!encoded.isEmpty() && encoded.size() <= bytes)
-            return filledUp(encoded, bytes);
+        isFound = fits(30);
     }
-    return {};
+    return isFound ? filledUp(encoded, bytes) : QByteArray();
 }
 
 } // namespace plexa

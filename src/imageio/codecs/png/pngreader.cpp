@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/base/picturefailures.h"
-#include "imageio/codecs/png/pngcodec.h"
+#include "imageio/codecs/codecs.h"
 #include "imageio/codecs/png/pngerrors.h"
 #include "imageio/color/rowconversion.h"
 #include "metadata/propertykeys.h"
@@ -19,18 +19,17 @@ namespace
 
 constexpr bool kIsLittleEndian = Q_BYTE_ORDER == Q_LITTLE_ENDIAN;
 
-/// Chunks that say nothing of how the picture looks. Texts can be blown up a thousandfold when they are
-/// unpacked; metadata are read by others.
+/// Chunks without effect on the pixels. Texts may inflate a thousandfold; other code reads the metadata.
 constexpr png_byte kSkippedChunks[] = {
     "tEXt\0zTXt\0iTXt\0eXIf\0sPLT\0hIST\0tIME\0pCAL\0sCAL\0oFFs\0bKGD\0sTER"};
 constexpr int kSkippedChunkCount = sizeof(kSkippedChunks) / 5;
 
-/// Chunks that count only where there is no profile. libpng would rather pass over a profile that follows one
-/// of these, or that stands beside a damaged one.
+/// Chunks that count only without a profile. libpng would ignore a profile that follows one of these, or that
+/// accompanies a damaged one.
 constexpr png_byte kLesserColors[] = {"sRGB\0gAMA\0cHRM"};
 constexpr int kLesserColorCount = sizeof(kLesserColors) / 5;
 
-/// What libpng does not say of the chunks in front of the picture's data, or too late.
+/// Facts about the chunks before the picture's data that libpng does not report, or too late.
 struct EarlyChunks {
     bool hasProfile = false;
     quint32 frames = 1; ///< of an animation (APNG)
@@ -61,8 +60,7 @@ EarlyChunks readEarlyChunks(QIODevice &device)
     return found;
 }
 
-/// What a chunk other than the picture may take when it is unpacked. Color profiles of printers have
-/// a few megabytes.
+/// Bound of an unpacked chunk other than the picture. Color profiles of printers have a few megabytes.
 constexpr png_alloc_size_t kMaxChunkBytes = 32'000'000;
 
 struct Source {
@@ -111,8 +109,8 @@ struct Header {
     int densityUnit;
 };
 
-/// Runs libpng's decoder. The functions that call it have no object of their own that a jump would leave
-/// behind; after one returned false the decoder is of no more use.
+/// Runs libpng's decoder. The functions that call it own no object whose destructor a jump would skip; after
+/// one has returned false the decoder must not be used.
 class PngDecoder
 {
 public:
@@ -154,7 +152,6 @@ public:
         return true;
     }
 
-    /// Sets up the kind of the rows.
     bool start(PngRows rows)
     {
         if (setjmp(m_errors.jump))
@@ -181,7 +178,7 @@ public:
     size_t rowBytes() const { return png_get_rowbytes(m_png, m_info); }
     bool isInterlaced() const { return m_header.interlace != PNG_INTERLACE_NONE; }
 
-    /// With the last row libpng reads up to the end of the picture's data and proves their checksum.
+    /// With the last row libpng reads to the end of the picture's data and checks their checksum.
     bool readRow(png_bytep row)
     {
         if (setjmp(m_errors.jump))
@@ -201,7 +198,13 @@ public:
 
     const Header &header() const { return m_header; }
     quint32 frames() const { return m_early.frames; }
-    const Source &source() const { return m_source; }
+
+    QString failureReason() const
+    {
+        return m_source.readFailed   ? PictureFailures::readError(*m_source.device)
+               : m_source.reachedEnd ? PictureFailures::truncated()
+                                     : PictureFailures::damaged();
+    }
 
 private:
     void readColors()
@@ -241,7 +244,7 @@ bool hasAlpha(const Header &header)
     return (header.colorType & PNG_COLOR_MASK_ALPHA) != 0 || header.hasTransparency;
 }
 
-/// The colors that the picture's chunks ask for, by the precedence of the PNG standard.
+/// The colors that the picture's chunks specify, by the precedence of the PNG standard.
 PictureColors colorsOf(const Header &header)
 {
     PictureColors colors;
@@ -261,7 +264,7 @@ PictureColors colorsOf(const Header &header)
     return colors;
 }
 
-/// Chooses the rows to decode: pixels wherever no other samples are needed for their colors.
+/// Chooses the rows to decode: pixels unless their colors need other samples.
 PngRows chooseRows(const Header &header, std::optional<RowConversion> &conversion)
 {
     const bool isDeep = header.depth == 16;
@@ -309,8 +312,7 @@ class PngRowReader final : public SingleRowReader
 {
 public:
     PngRowReader(QIODevice &device, const ReadLimits &limits)
-        : m_device(device)
-        , m_limits(limits)
+        : m_limits(limits)
         , m_decoder(device)
     {
     }
@@ -365,7 +367,7 @@ private:
     }
 
     /// @param target  where QRgb rows may be decoded to
-    /// @return the decoded row; null when it cannot be had
+    /// @return the decoded row; null on failure
     const uchar *nextRow(int index, QRgb *target)
     {
         if (m_decoder.isInterlaced())
@@ -389,15 +391,9 @@ private:
 
     tl::unexpected<Error> failure() const
     {
-        const Source &source = m_decoder.source();
-        if (source.readFailed)
-            return fail(PictureFailures::readError(m_device));
-        if (m_isOutOfMemory)
-            return fail(PictureFailures::outOfMemory());
-        return fail(source.reachedEnd ? PictureFailures::endsEarly() : PictureFailures::damaged());
+        return fail(m_isOutOfMemory ? PictureFailures::outOfMemory() : m_decoder.failureReason());
     }
 
-    QIODevice &m_device;
     const ReadLimits m_limits;
     PngDecoder m_decoder;
     PngRows m_rows = PngRows::Pixels;
@@ -408,13 +404,11 @@ private:
 
 } // namespace
 
-Result<PictureInfo> PngCodec::readInfo(QIODevice &device, const ReadLimits &limits) const
+Result<PictureInfo> readPngInfo(QIODevice &device, const ReadLimits &limits)
 {
     PngDecoder decoder(device);
     if (!decoder.readHeader())
-        return fail(decoder.source().readFailed   ? PictureFailures::readError(device)
-                    : decoder.source().reachedEnd ? PictureFailures::endsEarly()
-                                                  : PictureFailures::damaged());
+        return fail(decoder.failureReason());
     const Header &header = decoder.header();
     PictureInfo info;
     info.rows.size = QSize(int(header.width), int(header.height));
@@ -429,7 +423,7 @@ Result<PictureInfo> PngCodec::readInfo(QIODevice &device, const ReadLimits &limi
     if (decoder.frames() > 1)
         info.unmarkedPictures.append(QStringLiteral("animation"));
     if (decoder.isInterlaced()) {
-        // The whole picture: only the last pass completes its first row.
+        // The last pass completes the first row.
         std::optional<RowConversion> conversion;
         const PngRows rows = chooseRows(header, conversion);
         const qint64 pixelBytes = rows == PngRows::Rgba64                           ? 8
@@ -438,7 +432,7 @@ Result<PictureInfo> PngCodec::readInfo(QIODevice &device, const ReadLimits &limi
         info.decoderBytes = pixelBytes * header.width * header.height;
     }
     if (header.hasDensity && header.densityX > 0 && header.densityY > 0) {
-        // Without a unit the two numbers are but the shape of a pixel.
+        // Without a unit the two numbers are only the shape of a pixel.
         const bool hasUnit = header.densityUnit == PNG_RESOLUTION_METER;
         if (hasUnit || header.densityX != header.densityY) {
             info.dpiWidth = header.densityX * (hasUnit ? 0.0254 : 1);
@@ -448,11 +442,8 @@ Result<PictureInfo> PngCodec::readInfo(QIODevice &device, const ReadLimits &limi
     return info;
 }
 
-Result<std::unique_ptr<RowReader>> PngCodec::openReader(QIODevice &device, const ReadLimits &limits,
-                                                        int) const
+Result<std::unique_ptr<RowReader>> openPngReader(QIODevice &device, const ReadLimits &limits, int)
 {
-    if (!device.seek(0))
-        return fail(PictureFailures::readError(device));
     auto reader = std::make_unique<PngRowReader>(device, limits);
     if (const auto opened = reader->open(); !opened)
         return tl::unexpected(opened.error());

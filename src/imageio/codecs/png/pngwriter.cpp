@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/base/picturefailures.h"
+#include "imageio/codecs/codecs.h"
 #include "imageio/codecs/jpeg/thumbnail.h"
-#include "imageio/codecs/png/pngcodec.h"
 #include "imageio/codecs/png/pngerrors.h"
 #include "imageio/color/colorprofile.h"
 #include "imageio/container/imageresources.h"
@@ -38,7 +38,7 @@ struct Target {
     }
 };
 
-/// The text that other programs know as a PNG's IPTC: name, length, and the bytes in hexadecimal lines.
+/// The common text form of IPTC in a PNG: name, length, and the bytes in hexadecimal lines.
 QByteArray rawProfileText(const QByteArray &resources)
 {
     QByteArray text = "\niptc\n" + QByteArray::number(resources.size()).rightJustified(8) + '\n';
@@ -48,7 +48,7 @@ QByteArray rawProfileText(const QByteArray &resources)
     return text;
 }
 
-/// The texts for the encoder, which takes pointers to what lives here.
+/// Owns the texts that the encoder points to.
 class TextChunks
 {
 public:
@@ -58,7 +58,7 @@ public:
             m_chunks.push_back({compression, keyword, text});
     }
 
-    /// Only where Latin-1 does not do it a text is UTF-8: fewer programs look into that kind of chunk.
+    /// Latin-1 if possible: fewer programs read the chunks with UTF-8.
     void add(const PngText &text)
     {
         const bool isLatin1 = std::all_of(text.text.begin(), text.text.end(), [](QChar letter) {
@@ -71,7 +71,7 @@ public:
             add(PNG_ITXT_COMPRESSION_NONE, text.keyword, text.text.toUtf8());
     }
 
-    /// Valid as long as this object lives unchanged.
+    /// Valid until this object changes.
     std::vector<png_text> entries()
     {
         std::vector<png_text> entries;
@@ -99,8 +99,8 @@ private:
     char m_none[1] = "";
 };
 
-/// Runs libpng's encoder. The functions that call it have no object of their own that a jump would leave
-/// behind; after one returned false the encoder is of no more use.
+/// Runs libpng's encoder. The functions that call it own no object whose destructor a jump would skip; after
+/// one has returned false the encoder must not be used.
 class PngEncoder
 {
 public:
@@ -114,7 +114,6 @@ public:
     PngEncoder(const PngEncoder &) = delete;
     PngEncoder &operator=(const PngEncoder &) = delete;
 
-    /// @param texts  what png_text points to has to live until this returns
     bool start(const QByteArray &icc, const WriteOptions &options, png_textp texts, int textCount)
     {
         m_png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &m_errors, PngErrors::onError,
@@ -173,15 +172,15 @@ public:
         return true;
     }
 
-    /// Where the EXIF chunk's contents begin in the file.
+    /// The position of the EXIF chunk's contents in the file.
     qint64 exifPosition() const { return m_exifPosition; }
     bool writeFailed() const { return m_target.writeFailed; }
 
 private:
     void setEffort()
     {
-        // Measured on photographs: a third of the time of zlib's usual level with all filters, for files
-        // that are a twentieth larger. The costly Paeth filter gains nothing on top.
+        // Measured on photographs: a third of the time of zlib's usual level with all filters; the files
+        // are a twentieth larger. The costly Paeth filter gains nothing more.
         png_set_compression_level(m_png, 4);
         png_set_filter(m_png, PNG_FILTER_TYPE_BASE, PNG_FILTER_SUB | PNG_FILTER_UP);
         png_set_compression_buffer_size(m_png, 128 * 1024);
@@ -277,7 +276,7 @@ private:
 
     tl::unexpected<Error> failure() const
     {
-        // Any size that can be read can be written, so it is not that which libpng complains of.
+        // Any size that can be read can be written, so libpng's other failures are lack of memory.
         return fail(m_encoder.writeFailed() ? PictureFailures::writeError(m_device)
                                             : PictureFailures::outOfMemory());
     }
@@ -293,8 +292,8 @@ private:
 
 } // namespace
 
-Result<std::unique_ptr<RowWriter>> PngCodec::openWriter(QIODevice &device, const RowFormat &format,
-                                                        const WriteOptions &options) const
+Result<std::unique_ptr<RowWriter>> openPngWriter(QIODevice &device, const RowFormat &format,
+                                                 const WriteOptions &options)
 {
     auto writer = std::make_unique<PngRowWriter>(device, format, options);
     if (const auto started = writer->start(options); !started)

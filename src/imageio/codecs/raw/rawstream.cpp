@@ -16,7 +16,7 @@ namespace
 
 constexpr qint64 kWindowBytes = 1 << 16;
 
-/// What a call costs beside the bytes that it moves.
+/// Work of a call besides its bytes.
 constexpr qint64 kCallWork = 16;
 
 } // namespace
@@ -157,18 +157,16 @@ int RawStream::scanf_one(const char *format, void *value)
 int RawStream::jpeg_src(void *decompressor)
 {
     auto *jpeg = static_cast<j_decompress_ptr>(decompressor);
-    // libjpeg's own handlers print their complaints.
+    // libjpeg's own handlers print.
     jpeg->client_data = this;
     jpeg->err->output_message = [](j_common_ptr) {};
     jpeg->err->emit_message = [](j_common_ptr any, int level) {
         if (level < 0)
             static_cast<RawStream *>(any->client_data)->m_hasDamagedJpeg = true;
     };
-    // LibRaw throws at an error, too, but leaves the decompressor's memory behind. Its frames, which are not
-    // ours, lie between this one and any place to jump back to, so the exception has to pass libjpeg's
-    // frames, which are of C, as do those of read(), which LibRaw's data source calls. That relies on unwind
-    // tables in libjpeg: amd64 and arm64 have them for all code; elsewhere it is to be built with
-    // -fexceptions, or the process ends here (RawTest::damagedJpegFailsInSilence).
+    // LibRaw's handler throws, too, but leaks the decompressor's memory. Frames of LibRaw are between this
+    // one and any jump target, so the exception passes libjpeg's C frames, as those of read() do. That needs
+    // unwind tables in libjpeg: amd64 and arm64 always have them, others with -fexceptions.
     jpeg->err->error_exit = [](j_common_ptr any) {
         jpeg_destroy(any);
         throw LIBRAW_EXCEPTION_DECODE_JPEG;

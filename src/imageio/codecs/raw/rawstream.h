@@ -10,23 +10,23 @@
 namespace plexa
 {
 
-/// A device as LibRaw reads it. LibRaw follows offsets and counts that a file invents, and goes on at the end
-/// of the file as if zeros followed; so the stream counts what is asked of it and throws, as LibRaw's own
-/// streams do, when that is beyond measure. One thread at a time; the device must outlive it.
+/// A device for LibRaw. LibRaw follows invalid offsets and counts and reads zeros after the end of the file,
+/// so the stream counts the work and throws, as LibRaw's own streams do, beyond a bound. One thread at a
+/// time; the device must outlive it.
 class RawStream final : public LibRaw_abstract_datastream
 {
 public:
     explicit RawStream(QIODevice &device);
 
-    /// Begins to count again.
-    /// @param work         bytes and calls that are granted
-    /// @param endReadings  how many times reading may begin at the file's end
+    /// Restarts the count.
+    /// @param work         bytes and calls
+    /// @param endReadings  reads that may begin at the file's end
     void grant(qint64 work, qint64 endReadings);
 
-    /// How many times reading has begun at the file's end since grant().
+    /// The reads that began at the file's end since grant().
     qint64 endReadings() const { return m_endReadings; }
 
-    /// Has libjpeg, which LibRaw calls for some files, complained of the data since grant()?
+    /// Has libjpeg, which LibRaw calls for some files, warned of damage since grant()?
     bool hasDamagedJpeg() const { return m_hasDamagedJpeg; }
     bool hasFailed() const { return m_hasFailed; }
 

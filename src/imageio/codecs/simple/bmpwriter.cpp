@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/base/picturefailures.h"
-#include "imageio/codecs/simple/bmpcodec.h"
+#include "imageio/codecs/codecs.h"
 
 #include <QtEndian>
 
@@ -18,7 +18,7 @@ constexpr qint64 kFileHeaderBytes = 14;
 constexpr qint64 kInfoHeaderBytes = 108; // version 4
 constexpr qint64 kHeaderBytes = kFileHeaderBytes + kInfoHeaderBytes;
 
-/// A row is filled up to whole words of four bytes.
+/// A row is padded to whole words of four bytes.
 qint64 rowBytes(int width)
 {
     return (qint64(width) * 3 + 3) / 4 * 4;
@@ -34,7 +34,7 @@ quint32 pixelsPerMeter(double dpi)
     return dpi > 0 && dpi < 1e6 ? quint32(std::lround(dpi / 0.0254)) : 0;
 }
 
-/// BITMAPFILEHEADER and BITMAPV4HEADER; fields that are not named are zero.
+/// BITMAPFILEHEADER and BITMAPV4HEADER; other fields are zero.
 QByteArray headerOf(QSize size, const double *dpi)
 {
     QByteArray header(kHeaderBytes, '\0');
@@ -55,7 +55,7 @@ QByteArray headerOf(QSize size, const double *dpi)
     return header;
 }
 
-/// Puts each strip where it belongs: the last row of the picture stands first in the file.
+/// Seeks for each strip: the last row of the picture comes first in the file.
 class BmpRowWriter final : public RowWriter
 {
 public:
@@ -108,10 +108,11 @@ private:
 
 } // namespace
 
-Result<std::unique_ptr<RowWriter>> BmpCodec::openWriter(QIODevice &device, const RowFormat &format,
-                                                        const WriteOptions &options) const
+/// Writes 24 bits a pixel without compression under a header of version 4 that specifies sRGB.
+Result<std::unique_ptr<RowWriter>> openBmpWriter(QIODevice &device, const RowFormat &format,
+                                                 const WriteOptions &options)
 {
-    // The file's length has 32 bits. Sides have 31, so that the product stays below 2^63.
+    // The file's length has 32 bits.
     if (fileBytes(format.size) > std::numeric_limits<quint32>::max())
         return fail(PictureFailures::tooLargeToWrite("BMP"));
     auto writer = std::make_unique<BmpRowWriter>(device, format.size);

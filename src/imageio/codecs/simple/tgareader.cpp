@@ -2,7 +2,7 @@
 
 #include "imageio/base/forwardbytes.h"
 #include "imageio/base/picturefailures.h"
-#include "imageio/codecs/simple/tgacodec.h"
+#include "imageio/codecs/codecs.h"
 
 #include <algorithm>
 #include <vector>
@@ -29,7 +29,7 @@ struct TgaHeader {
     int paletteBits = 0; ///< of an entry
     int paletteStart = 0;
     int paletteCount = 0;
-    qint64 paletteBytes = 0; ///< in the file, whether it is of use or not
+    qint64 paletteBytes = 0; ///< in the file, used or not
     int idBytes = 0;         ///< between header and palette
 
     int pixelBytes() const { return (bits + 7) / 8; }
@@ -82,7 +82,7 @@ Result<TgaHeader> headerOf(const QByteArray &bytes)
     default:
         isKnown = false;
     }
-    // There is no signature: a header of no valid kind probably belongs to another format.
+    // There is no signature: an invalid header probably belongs to another format.
     if (!isKnown || header.size.isEmpty())
         return fail(PictureFailures::notAPicture());
     return header;
@@ -102,16 +102,8 @@ QRgb colorOf(const uchar *bytes, int bits, bool hasAlpha)
     return hasAlpha ? qPremultiply(color) : color | 0xff000000;
 }
 
-QRgb grayOf(const uchar *bytes, bool hasAlpha)
-{
-    const QRgb color = qRgba(bytes[0], bytes[0], bytes[0], hasAlpha ? bytes[1] : 255);
-    return qPremultiply(color);
-}
-
 Result<TgaHeader> readCheckedHeader(QIODevice &device, const ReadLimits &limits)
 {
-    if (!device.seek(0))
-        return fail(PictureFailures::readError(device));
     Result<TgaHeader> header = headerOf(device.read(kHeaderBytes));
     if (!header)
         return header;
@@ -119,16 +111,16 @@ Result<TgaHeader> readCheckedHeader(QIODevice &device, const ReadLimits &limits)
         return tl::unexpected(checked.error());
     if (const auto checked = PictureFailures::checkMemory(header->size, sizeof(QRgb), limits); !checked)
         return tl::unexpected(checked.error());
-    // A run of 128 pixels takes a byte more than one pixel.
+    // A run of 128 pixels has one byte more than a pixel.
     const qint64 pixels = qint64(header->size.width()) * header->size.height();
     const qint64 leastBytes =
         header->isRunLength ? pixels / 128 * (1 + header->pixelBytes()) : pixels * header->pixelBytes();
     if (device.size() < kHeaderBytes + header->idBytes + header->paletteBytes + leastBytes)
-        return fail(PictureFailures::endsEarly());
+        return fail(PictureFailures::truncated());
     return header;
 }
 
-/// Decodes the picture whole, because most files start with the bottom row.
+/// Decodes the whole picture, because most files start with the bottom row.
 class TgaDecoder
 {
 public:
@@ -150,7 +142,7 @@ public:
         auto *const first = reinterpret_cast<QRgb *>(image.bits()); // rows of whole words: no padding
         if (!readPixels(first, first + qint64(image.width()) * image.height()))
             return fail(m_bytes.readFailed() ? PictureFailures::readError(m_device)
-                                             : PictureFailures::endsEarly());
+                                             : PictureFailures::truncated());
         image.mirror(m_header.isFromRight, !m_header.isFromTop);
         return image;
     }
@@ -198,9 +190,11 @@ private:
                 return false;
             bytes[i] = uchar(byte);
         }
-        pixel = m_header.kind == Kind::Palette ? m_palette[bytes[0]]
-                : m_header.kind == Kind::Gray  ? grayOf(bytes, m_header.hasAlpha)
-                                               : colorOf(bytes, m_header.bits, m_header.hasAlpha);
+        if (m_header.kind == Kind::Gray)
+            pixel = qPremultiply(qRgba(bytes[0], bytes[0], bytes[0], m_header.hasAlpha ? bytes[1] : 255));
+        else
+            pixel = m_header.kind == Kind::Palette ? m_palette[bytes[0]]
+                                                   : colorOf(bytes, m_header.bits, m_header.hasAlpha);
         return true;
     }
 
@@ -212,7 +206,7 @@ private:
 
 } // namespace
 
-Result<PictureInfo> TgaCodec::readInfo(QIODevice &device, const ReadLimits &limits) const
+Result<PictureInfo> readTgaInfo(QIODevice &device, const ReadLimits &limits)
 {
     const Result<TgaHeader> header = readCheckedHeader(device, limits);
     if (!header)
@@ -224,8 +218,7 @@ Result<PictureInfo> TgaCodec::readInfo(QIODevice &device, const ReadLimits &limi
     return info;
 }
 
-Result<std::unique_ptr<RowReader>> TgaCodec::openReader(QIODevice &device, const ReadLimits &limits,
-                                                        int) const
+Result<std::unique_ptr<RowReader>> openTgaReader(QIODevice &device, const ReadLimits &limits, int)
 {
     const Result<TgaHeader> header = readCheckedHeader(device, limits);
     if (!header)

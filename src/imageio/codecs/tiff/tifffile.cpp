@@ -4,11 +4,12 @@
 
 #include "imageio/base/picturefailures.h"
 #include "imageio/color/colorprofile.h"
-#include "imageio/container/exifcolorspace.h"
+#include "imageio/container/tiffpictures.h"
 
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <map>
 
 namespace plexa
 {
@@ -19,10 +20,10 @@ namespace
 /// Profiles of printers have a few megabytes.
 constexpr quint32 kMaxProfileBytes = 32'000'000;
 
-/// Samples of a pixel, of which a photo and its masks need a few: more would only cost time.
+/// Samples of a pixel. A photo with its masks needs a few.
 constexpr int kMaxSamples = 64;
 
-/// Of DNG: raw samples that are demosaiced already.
+/// DNG: demosaiced raw samples.
 constexpr quint16 kLinearRaw = 34892;
 
 template<class Value>
@@ -79,7 +80,7 @@ toff_t TiffFile::seek(thandle_t handle, toff_t offset, int whence)
     const quint64 base = whence == SEEK_SET   ? 0
                          : whence == SEEK_CUR ? quint64(file->m_position)
                                               : quint64(file->m_device.size());
-    const quint64 position = base + offset; // a negative offset wraps around to what is meant
+    const quint64 position = base + offset; // a negative offset wraps around
     if (position > quint64(std::numeric_limits<qint64>::max()))
         return toff_t(-1);
     file->m_position = qint64(position);
@@ -95,7 +96,7 @@ int TiffFile::onError(TIFF *, void *self, const char *, const char *, va_list)
 int TiffFile::onWarning(TIFF *, void *self, const char *module, const char *format, va_list)
 {
     auto *file = static_cast<TiffFile *>(self);
-    // libjpeg only warns of damaged data and makes up what is missing, and so do the fax decoders.
+    // libjpeg and the fax decoders only warn of damaged data and invent what is missing.
     if (qstrcmp(module, "JPEGLib") == 0)
         file->m_isDamaged = true;
     else if (qstrncmp(format, "Premature EOF", 13) == 0)
@@ -107,7 +108,7 @@ QString TiffFile::failureReason() const
 {
     if (m_readFailed)
         return PictureFailures::readError(m_device);
-    return m_reachedEnd ? PictureFailures::endsEarly() : PictureFailures::damaged();
+    return m_reachedEnd ? PictureFailures::truncated() : PictureFailures::damaged();
 }
 
 Result<void> TiffFile::open()
@@ -130,7 +131,7 @@ Result<void> TiffFile::open()
         return fail(PictureFailures::unsupportedKind("TIFF"));
     if (const auto read = readLayout(); !read)
         return read;
-    // What was complained of up to here is outside of the picture's data.
+    // Warnings up to here concern the metadata.
     m_isDamaged = m_reachedEnd = false;
     return {};
 }
@@ -189,49 +190,27 @@ bool TiffFile::readKind()
     quint16 photometric = 0;
     if (!TIFFGetField(m_tiff, TIFFTAG_PHOTOMETRIC, &photometric))
         photometric = facts.samples >= 3 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK;
-    facts.colorModel = QStringLiteral("RGB");
-    switch (photometric) {
-    case PHOTOMETRIC_MINISWHITE:
-    case PHOTOMETRIC_MINISBLACK:
-        facts.kind = Kind::Gray;
-        facts.zeroIsWhite = photometric == PHOTOMETRIC_MINISWHITE;
-        facts.colorModel = QStringLiteral("Gray");
-        break;
-    case PHOTOMETRIC_RGB:
-        facts.kind = Kind::Rgb;
-        break;
-    case PHOTOMETRIC_PALETTE:
-        facts.kind = Kind::Palette;
-        break;
-    case PHOTOMETRIC_SEPARATED:
-        facts.kind = Kind::Cmyk;
-        facts.colorModel = QStringLiteral("CMYK");
-        if (fieldOf<quint16>(m_tiff, TIFFTAG_INKSET, INKSET_CMYK) != INKSET_CMYK)
-            return false;
-        break;
-    case PHOTOMETRIC_CIELAB:
-    case PHOTOMETRIC_ICCLAB:
-        facts.kind = Kind::Lab;
-        facts.hasSignedAB = photometric == PHOTOMETRIC_CIELAB;
-        facts.colorModel = QStringLiteral("Lab");
-        break;
-    case PHOTOMETRIC_YCBCR:
-        facts.kind = Kind::ByLibrary;
-        if (compression == COMPRESSION_JPEG && !facts.isPlanar) {
-            facts.kind = Kind::Rgb;
-            TIFFSetField(m_tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
-        }
-        break;
-    case PHOTOMETRIC_LOGL:
-    case PHOTOMETRIC_LOGLUV:
-        facts.kind = Kind::ByLibrary;
-        break;
-    default:
+    static const std::map<quint16, std::pair<Kind, const char *>> kinds = {
+        {PHOTOMETRIC_MINISWHITE, {Kind::Gray, "Gray"}}, {PHOTOMETRIC_MINISBLACK, {Kind::Gray, "Gray"}},
+        {PHOTOMETRIC_RGB, {Kind::Rgb, "RGB"}},          {PHOTOMETRIC_PALETTE, {Kind::Palette, "RGB"}},
+        {PHOTOMETRIC_SEPARATED, {Kind::Cmyk, "CMYK"}},  {PHOTOMETRIC_CIELAB, {Kind::Lab, "Lab"}},
+        {PHOTOMETRIC_ICCLAB, {Kind::Lab, "Lab"}},       {PHOTOMETRIC_YCBCR, {Kind::ByLibrary, "RGB"}},
+        {PHOTOMETRIC_LOGL, {Kind::ByLibrary, "RGB"}},   {PHOTOMETRIC_LOGLUV, {Kind::ByLibrary, "RGB"}}};
+    const auto found = kinds.find(photometric);
+    if (found == kinds.end() || (photometric == PHOTOMETRIC_SEPARATED &&
+                                 fieldOf<quint16>(m_tiff, TIFFTAG_INKSET, INKSET_CMYK) != INKSET_CMYK))
         return false;
+    facts.kind = found->second.first;
+    facts.colorModel = QString::fromLatin1(found->second.second);
+    facts.zeroIsWhite = photometric == PHOTOMETRIC_MINISWHITE;
+    facts.hasSignedAB = photometric == PHOTOMETRIC_CIELAB;
+    if (photometric == PHOTOMETRIC_YCBCR && compression == COMPRESSION_JPEG && !facts.isPlanar) {
+        facts.kind = Kind::Rgb;
+        TIFFSetField(m_tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
     }
     if (facts.kind == Kind::ByLibrary) {
         char text[1024];
-        // Rows are wanted as they are stored.
+        // Rows as stored.
         TIFFSetField(m_tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
         return TIFFRGBAImageOK(m_tiff, text) != 0;
     }
@@ -249,7 +228,7 @@ bool TiffFile::isReadableSample() const
     case SAMPLEFORMAT_IEEEFP:
         return (depth == 16 || depth == 32 || depth == 64) && m_facts.kind != Kind::Palette &&
                m_facts.kind != Kind::Lab;
-    case SAMPLEFORMAT_INT: // programs that mean signs in pictures are rarer than those that say it wrongly
+    case SAMPLEFORMAT_INT: // usually written by mistake for unsigned samples
         return (isByteOrWord || depth == 32) && m_facts.kind != Kind::Palette &&
                (m_facts.kind != Kind::Lab || isByteOrWord);
     case SAMPLEFORMAT_UINT:

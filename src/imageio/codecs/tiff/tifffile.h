@@ -11,7 +11,7 @@
 namespace plexa
 {
 
-/// What the first directory of a TIFF file says of its picture, as its samples will come from libtiff.
+/// The picture of a TIFF file's first directory, as libtiff returns its samples.
 struct TiffFacts {
     /// How the samples become colors.
     enum class Kind {
@@ -20,16 +20,16 @@ struct TiffFacts {
         Rgb,
         Cmyk,
         Lab,
-        ByLibrary, ///< libtiff makes RGB of the picture: YCbCr that is not JPEG, LogLuv
+        ByLibrary, ///< libtiff converts to RGB: YCbCr that is not JPEG, LogLuv
     };
 
     QSize size;
     Kind kind = Kind::Gray;
     int depth = 8; ///< bits a sample
     bool isFloat = false;
-    int channels = 1;     ///< of the color, which come first
+    int channels = 1;     ///< of the color; they come first
     int samples = 1;      ///< of a pixel
-    int alphaSample = -1; ///< -1: none
+    int alphaSample = -1; ///< -1: no alpha
     bool isPremultiplied = false;
     bool zeroIsWhite = false; ///< Gray
     bool hasSignedAB = false; ///< Lab: a and b are signed numbers
@@ -39,7 +39,7 @@ struct TiffFacts {
     quint32 blockHeight = 0;
     QString colorModel;
     QByteArray iccProfile;
-    double dpiWidth = 0; ///< 0: not said
+    double dpiWidth = 0; ///< 0: unknown
     double dpiHeight = 0;
 };
 
@@ -53,17 +53,17 @@ public:
     TiffFile &operator=(const TiffFile &) = delete;
 
     /// Reads the first directory. To be called once, before all else.
-    /// @return the failure when it is damaged, too large, a camera's raw data or of an unknown kind
+    /// @return the failure if it is damaged, too large, camera raw data or of an unknown kind
     [[nodiscard]] Result<void> open();
 
     const TiffFacts &facts() const { return m_facts; }
     TIFF *handle() const { return m_tiff; }
     qint64 fileBytes() const { return m_device.size(); }
 
-    /// Has libtiff met damage that it may have passed over?
+    /// Has libtiff reported damage, even if it continued?
     bool isDamaged() const { return m_isDamaged; }
 
-    /// Why the last call of libtiff's failed.
+    /// The reason why the last call of libtiff failed.
     QString failureReason() const;
 
 private:
@@ -83,7 +83,7 @@ private:
     const ReadLimits m_limits;
     TIFF *m_tiff = nullptr;
     TiffFacts m_facts;
-    qint64 m_position = 0; ///< as libtiff sees it; may lie behind the end
+    qint64 m_position = 0; ///< as libtiff sees it; may be beyond the end
     bool m_reachedEnd = false;
     bool m_readFailed = false;
     bool m_isDamaged = false;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/base/picturefailures.h"
-#include "imageio/codecs/tiff/tiffcodec.h"
+#include "imageio/codecs/codecs.h"
 #include "imageio/color/colorprofile.h"
 #include "imageio/container/tiffdirectory.h"
 #include "imageio/embedded/exif/embeddedpictures.h"
@@ -20,10 +20,10 @@ namespace plexa
 namespace
 {
 
-/// What a strip has about, decoded: long enough to compress well, short enough to be read in pieces.
+/// Approximate size of a decoded strip: enough to compress well, small enough to be read in pieces.
 constexpr qint64 kStripBytes = 128 * 1024;
 
-/// Where TIFF's offsets of 32 bits end.
+/// The limit of 32-bit offsets.
 constexpr qint64 kMaxFileBytes = 0xFFFF'FFFF;
 
 constexpr qsizetype kHeaderBytes = 8;
@@ -32,8 +32,8 @@ constexpr quint16 kUndefined = 7;
 
 constexpr bool kIsLittleEndian = Q_BYTE_ORDER == Q_LITTLE_ENDIAN;
 
-/// The device as libtiff writes to it. Once the pixels are written, what libtiff writes is its directory;
-/// that is kept in memory, to be completed before it goes to the device.
+/// The device as libtiff writes to it. After startDirectory() libtiff writes its directory into memory, where
+/// it is completed before it goes to the device.
 class TiffOutput
 {
 public:
@@ -42,7 +42,7 @@ public:
     {
     }
 
-    /// Appends bytes at an even place. @return the place; 0 on failure
+    /// Appends bytes at an even position. @return the position; 0 on failure
     qint64 append(const QByteArray &bytes)
     {
         const qint64 at = m_size + m_size % 2;
@@ -63,11 +63,11 @@ public:
 
     void startDirectory() { m_directoryStart = m_size; }
 
-    /// From now on libtiff may write what it wants.
+    /// Further writes of libtiff are ignored.
     void close() { m_isClosed = true; }
 
-    /// What libtiff has written since startDirectory(): the bytes from `start` on, and where the directory
-    /// among them begins (a position in the file).
+    /// Output of libtiff since startDirectory(): its position in the file, its bytes, and the position in the
+    /// file of the directory among them.
     qint64 directoryStart() const { return m_directoryStart; }
     QByteArray &directoryBytes() { return m_directoryBytes; }
     qint64 directoryPlace(TiffOrder order) const { return tiffNumberAt(m_link, 4, order); }
@@ -104,7 +104,7 @@ public:
         const quint64 base = whence == SEEK_SET   ? 0
                              : whence == SEEK_CUR ? quint64(output->m_position)
                                                   : sizeOf(handle);
-        const quint64 position = base + offset; // a negative offset wraps around to what is meant
+        const quint64 position = base + offset; // a negative offset wraps around
         if (position > quint64(std::numeric_limits<qint64>::max()))
             return toff_t(-1);
         output->m_position = qint64(position);
@@ -128,8 +128,8 @@ private:
     bool m_isClosed = false;
 };
 
-/// EXIF as a part of the file: the structure lies at its own offsets, so that all that points to a place in
-/// it, maker notes before all, stays true; its main directory becomes part of the file's.
+/// EXIF as a part of the file: the structure keeps its offsets, so that pointers into it, above all those of
+/// maker notes, remain valid; its main directory becomes part of the file's.
 class EmbeddedStructure
 {
 public:
@@ -163,14 +163,13 @@ public:
 
     TiffOrder order() const { return m_order; }
 
-    /// What follows a file's header.
     QByteArray bytes() const { return m_bytes.mid(kHeaderBytes); }
 
-    /// Of the main directory, without what describes the pixels of another file.
+    /// The main directory without the fields that describe the pixels of another file.
     const TiffFields &fields() const { return m_fields; }
 
-    /// Does it say that the pixels lie this dense?
-    bool saysResolution(double perInchAcross, double perInchDown) const
+    /// Does it state this resolution?
+    bool hasResolution(double perInchAcross, double perInchDown) const
     {
         const quint32 unit = m_fields.value(TIFFTAG_RESOLUTIONUNIT).type == 3
                                  ? tiffNumberAt(m_fields[TIFFTAG_RESOLUTIONUNIT].value, 2, m_order)
@@ -293,14 +292,14 @@ private:
         if (options.tiffLzw)
             isSet = isSet && set(TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
         if (m_format.hasAlpha) {
-            // The rows are multiplied by alpha already: dividing them would lose something.
+            // The rows are premultiplied: division would lose precision.
             constexpr quint16 kKind = EXTRASAMPLE_ASSOCALPHA;
             isSet = isSet && TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &kKind) == 1;
         }
         const double *dpi = options.dpi;
-        if (m_structure.saysResolution(dpi[0], dpi[1]))
+        if (m_structure.hasResolution(dpi[0], dpi[1]))
             return isSet;
-        // A TIFF has to say it; 72 is what EXIF 2.3 lets unknown ones say.
+        // Required in a TIFF; EXIF 2.3 specifies 72 if it is unknown.
         const bool isKnown = dpi[0] > 0 && dpi[1] > 0 && dpi[0] < 1e6 && dpi[1] < 1e6;
         return isSet && set(TIFFTAG_XRESOLUTION, isKnown ? dpi[0] : 72.0) &&
                set(TIFFTAG_YRESOLUTION, isKnown ? dpi[1] : 72.0) && set(TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
@@ -311,7 +310,7 @@ private:
         const QByteArray structure = m_structure.bytes();
         if (!structure.isEmpty() && m_output.append(structure) != kHeaderBytes)
             return false;
-        // Many programs write IPTC as numbers of four bytes; then some readers turn them around.
+        // Some readers swap the bytes of IPTC that is written as numbers of four bytes.
         return putBlock(TIFFTAG_XMLPACKET, kByte, options.xmp) &&
                putBlock(TIFFTAG_RICHTIFFIPTC, kUndefined, options.iptc) &&
                putBlock(TIFFTAG_PHOTOSHOP, kByte, options.imageResources) &&
@@ -320,7 +319,7 @@ private:
 
     bool putBlock(quint16 tag, quint16 type, const QByteArray &bytes)
     {
-        if (bytes.size() <= 4) // too few for what any of them holds
+        if (bytes.size() <= 4) // too few for any of them
             return true;
         const qint64 at = m_output.append(bytes);
         TiffField field{type, quint32(bytes.size()), QByteArray(4, '\0')};
@@ -348,7 +347,7 @@ private:
         return TIFFWriteEncodedStrip(m_tiff.get(), m_stripsWritten++, m_strip.get(), bytes) == bytes;
     }
 
-    /// Completes libtiff's directory by the metadata and puts it into the file.
+    /// Adds the metadata to libtiff's directory and writes it to the file.
     bool putDirectory()
     {
         const TiffOrder order = m_structure.order();
@@ -385,13 +384,13 @@ private:
     std::unique_ptr<uchar[]> m_strip;
     qint64 m_rowsInStrip = 0;
     quint32 m_stripsWritten = 0;
-    std::unique_ptr<TIFF, TiffCloser> m_tiff; // last: it ends first
+    std::unique_ptr<TIFF, TiffCloser> m_tiff; // last: it is freed first
 };
 
 } // namespace
 
-Result<std::unique_ptr<RowWriter>> TiffCodec::openWriter(QIODevice &device, const RowFormat &format,
-                                                         const WriteOptions &options) const
+Result<std::unique_ptr<RowWriter>> openTiffWriter(QIODevice &device, const RowFormat &format,
+                                                  const WriteOptions &options)
 {
     auto writer = std::make_unique<TiffRowWriter>(device, format, options);
     if (const auto started = writer->start(options); !started)
@@ -399,9 +398,9 @@ Result<std::unique_ptr<RowWriter>> TiffCodec::openWriter(QIODevice &device, cons
     return writer;
 }
 
-qint64 TiffCodec::writerBytes(const RowFormat &format, const WriteOptions &) const
+qint64 tiffWriterBytes(const RowFormat &format, const WriteOptions &)
 {
-    // A strip, what the predictor makes of it and what the encoder makes of that; a row may be long.
+    // A strip, the predictor's copy and the encoder's output; a row may be long.
     const qint64 strip = rowBytesOf(format) * rowsPerStrip(format);
     return strip > 2 * kStripBytes ? 3 * strip : 0;
 }

@@ -17,7 +17,7 @@ using namespace plexa::test;
 namespace
 {
 
-// Red, green, blue, white: what the indices 0 to 3 stand for.
+// Red, green, blue, white: the indices 0 to 3.
 const QByteArray kTable("\xff\0\0\0\xff\0\0\0\xff\xff\xff\xff", 12);
 constexpr char kLetters[] = "rgbw";
 constexpr QRgb kColors[] = {0xffff0000, 0xff00ff00, 0xff0000ff, 0xffffffff};
@@ -99,7 +99,7 @@ QImage paletteImage(QSize size, int colors, bool hasAlpha)
 
 } // namespace
 
-/// Are GIF files read as other programs show them, and written so that other programs show the same?
+/// Are GIF files read and written as other programs do?
 class GifCodecTest : public QObject
 {
     Q_OBJECT
@@ -108,18 +108,6 @@ class GifCodecTest : public QObject
         Text name;
         QByteArray file;
         QByteArray letters;
-    };
-
-    struct Hostile {
-        Text name;
-        QByteArray file;
-        Text reason;
-    };
-
-    struct FewColors {
-        Text name;
-        int colors;
-        bool hasAlpha;
     };
 
     TestFolder m_folder;
@@ -151,7 +139,7 @@ private Q_SLOTS:
              {"no table: black and white", screen({2, 1}, false) + frame({0, 0, 2, 1}, "gg"), "ww/"}});
         const QByteArray shortTable("\xff\0\0\0\xff\0", 6);
         addRows<Screen>(
-            {{"colours that the table lacks",
+            {{"colors that the table lacks",
               screen({4, 1}, false) + frame({0, 0, 4, 1}, "rgbw", 0x80, shortTable), "rg../"},
              {"interlaced", screen({1, 9}) + frame({0, 0, 1, 9}, "rrgbbwwww", 0x40), "r/w/b/w/g/w/b/w/r/"},
              {"interlaced, smaller", screen({2, 4}) + frame({1, 1, 1, 3}, "rgb", 0x40), "  / r/ b/ g/"},
@@ -177,7 +165,8 @@ private Q_SLOTS:
         auto [name, file, letters] = currentRow<Screen>();
         const QString path = m_folder.path("screen.gif");
         QVERIFY(writeFile(path, file));
-        QCOMPARE(ImageSource::open(path)->imageCount(), name.startsWith(u"second frame") ? 2 : 1);
+        const QStringList dropped = droppedPictures(*ImageSource::open(path));
+        QCOMPARE(dropped.contains(u"animation"_qs), name.startsWith(u"second frame"));
         QString error;
         const QImage image = decoded(path, &error);
         QVERIFY2(!image.isNull(), qPrintable(error));
@@ -186,19 +175,11 @@ private Q_SLOTS:
         QCOMPARE(ImageSource::open(path)->info().rows.hasAlpha, letters.contains(' '));
     }
 
-    void framesAreCounted()
+    void cutAnimationShowsItsFirstFrame()
     {
         PLEXA_NEEDS_PHOTOS();
-        const auto cogs = ImageSource::open(realPhoto("gif/animated-cogs.gif"));
-        const auto squares = ImageSource::open(realPhoto("gif/animated-squares.gif"));
-        QVERIFY(cogs && squares);
-        QCOMPARE(cogs->imageCount(), 5);
-        QCOMPARE(squares->imageCount(), 30);
-        QCOMPARE(droppedPictures(*cogs), QStringList{u"animation"_qs});
-        // Frames that are cut do not count for the first.
         const QString path = m_folder.path("cut.gif");
         QVERIFY(writeFile(path, contentsOf(realPhoto("gif/animated-cogs.gif")).first(1200)));
-        QVERIFY(ImageSource::open(path)->imageCount() < 5);
         QCOMPARE(decoded(path), decoded(realPhoto("gif/animated-cogs.gif")));
     }
 
@@ -223,66 +204,54 @@ private Q_SLOTS:
         QVERIFY(meanDifference(ours, decodedByMagick(path, ours.size(), m_srgb)) < 1);
     }
 
-    void hostileFilesGiveAReason_data()
-    {
-        const QString early = u"the picture data end early"_qs;
-        const QString damaged = u"the picture data are damaged"_qs;
-        const QByteArray body = frame({0, 0, 2, 2}, "rgbw");
-        addRows<Hostile>({{"no frame", screen({2, 2}) + ';', damaged},
-                          {"no frame, garbage", screen({2, 2}) + "garbage", damaged},
-                          {"frame of no size", screen({2, 2}) + frame({0, 0, 0, 2}, {}), damaged},
-                          {"too few pixels", screen({2, 2}) + frame({0, 0, 2, 2}, "rgb") + ';', early},
-                          {"data that end by a terminator",
-                           screen({2, 2}) + body.first(11) + '\1' + body[12] + QByteArray("\0;", 2), early}});
-        QByteArray wideCodes = body;
-        wideCodes[10] = 12;
-        addRows<Hostile>({{"codes that are too wide", screen({2, 2}) + wideCodes + ';', damaged},
-                          {"largest frame", screen({1, 1}) + frame({65535, 65535, 65535, 65535}, "rgbw"),
-                           u"the picture is too large: 131070 x 131070 pixels, at most 1000 "
-                           "megapixels can be read"_qs},
-
-                          // Would take 900 MB for nothing.
-                          {"large frame of a few bytes",
-                           screen({30000, 30000}) + frame({0, 0, 30000, 30000}, "rgbw", 0x40), early}});
-    }
-
     void hostileFilesGiveAReason()
     {
-        auto [name, file, reason] = currentRow<Hostile>();
-        const QString path = m_folder.path("hostile.gif");
-        QVERIFY(writeFile(path, file));
-        QString error;
-        QVERIFY(decoded(path, &error).isNull());
-        QCOMPARE(error, reason);
-    }
-
-    void fewColorsAreWrittenExactly_data()
-    {
-        for (const int colors : {1, 2, 3, 16, 200, 256})
-            addRow<FewColors>({QString::asprintf("%d colours", colors), colors, false});
-        for (const int colors : {1, 3, 255})
-            addRow<FewColors>({QString::asprintf("%d colours, transparent", colors), colors, true});
+        const QString truncated = u"the file is truncated"_qs;
+        const QString damaged = u"the picture data are damaged"_qs;
+        const QByteArray body = frame({0, 0, 2, 2}, "rgbw");
+        QByteArray wideCodes = body;
+        wideCodes[10] = 12;
+        for (const auto &[file, reason] :
+             {std::pair{screen({2, 2}) + ';', damaged},
+              {screen({2, 2}) + "garbage", damaged},
+              {screen({2, 2}) + frame({0, 0, 0, 2}, {}), damaged},
+              {screen({2, 2}) + frame({0, 0, 2, 2}, "rgb") + ';', truncated},
+              // data that end by a terminator
+              {screen({2, 2}) + body.first(11) + '\1' + body[12] + QByteArray("\0;", 2), truncated},
+              {screen({2, 2}) + wideCodes + ';', damaged},
+              {screen({1, 1}) + frame({65535, 65535, 65535, 65535}, "rgbw"),
+               u"the picture is too large: 131070 x 131070 pixels, at most 1000 megapixels can be read"_qs},
+              // would need 900 MB
+              {screen({30000, 30000}) + frame({0, 0, 30000, 30000}, "rgbw", 0x40), truncated}}) {
+            const QString path = m_folder.path("hostile.gif");
+            QVERIFY(writeFile(path, file));
+            QString error;
+            QVERIFY(decoded(path, &error).isNull());
+            QCOMPARE(error, reason);
+        }
     }
 
     void fewColorsAreWrittenExactly()
     {
-        auto [name, colors, hasAlpha] = currentRow<FewColors>();
-        const QImage image = paletteImage({67, 41}, colors, hasAlpha);
-        const QString path = m_folder.path("few.gif");
-        QVERIFY(writePicture(path, "image/gif", image));
-        QCOMPARE(decoded(path).convertToFormat(image.format()), image);
         PLEXA_NEEDS_MAGICK();
-        const QByteArray theirs = magick("%1 -depth 8 rgba:-", path);
-        QCOMPARE(theirs.size(), 67 * 41 * 4);
-        const QImage read(reinterpret_cast<const uchar *>(theirs.constData()), 67, 41,
-                          QImage::Format_RGBA8888);
-        QCOMPARE(read.convertToFormat(image.format()), image);
+        for (const auto &[colors, hasAlpha] :
+             {std::pair{1, false}, {2, false}, {16, false}, {256, false}, {1, true}, {255, true}}) {
+            const QImage image = paletteImage({67, 41}, colors, hasAlpha);
+            const QString path = m_folder.path("few.gif");
+            QVERIFY(writePicture(path, "image/gif", image));
+            QCOMPARE(decoded(path).convertToFormat(image.format()), image);
+            const QByteArray theirs = magick("%1 -depth 8 rgba:-", path);
+            QCOMPARE(theirs.size(), 67 * 41 * 4);
+            const QImage read(reinterpret_cast<const uchar *>(theirs.constData()), 67, 41,
+                              QImage::Format_RGBA8888);
+            QCOMPARE(read.convertToFormat(image.format()), image);
+        }
     }
 
     void alphaIsWrittenAsOnWhite()
     {
-        QImage image = paintedPicture({256, 4}, QImage::Format_ARGB32_Premultiplied,
-                                      [](int x, int) { return qRgba(0, 0, 0, x); });
+        const QImage image = paintedPicture({256, 4}, QImage::Format_ARGB32_Premultiplied,
+                                            [](int x, int) { return qRgba(0, 0, 0, x); });
         const QString path = m_folder.path("alpha.gif");
         QVERIFY(writePicture(path, "image/gif", image));
         const QImage copy = decoded(path);
@@ -295,70 +264,43 @@ private Q_SLOTS:
                 QVERIFY2(qAlpha(color) == 255 && std::abs(qGray(color) - (255 - x)) <= 2,
                          qPrintable(QColor(color).name()));
         }
-        // Rows that announce alpha and have none.
-        image.fill(Qt::red);
-        QVERIFY(writePicture(path, "image/gif", image));
-        QVERIFY(!decoded(path).hasAlphaChannel());
     }
 
     void photosAreWrittenWell()
     {
         PLEXA_NEEDS_PHOTOS();
         PLEXA_NEEDS_MAGICK();
-        for (const QString &name : {u"jpeg/silver-fir-511x323.jpg"_qs, u"jpeg/htc-desire.jpg"_qs}) {
-            const QString path = m_folder.path("copy.gif");
-            const QString theirs = m_folder.path("theirs.gif");
-            const QByteArray copy = copied(realPhoto(name), "image/gif", 1);
-            QVERIFY(writeFile(path, copy));
-            QCOMPARE(copied(realPhoto(name), "image/gif", 1), copy);
-            const QImage source = decoded(realPhoto(name));
-            QVERIFY(source.save(m_folder.path("source.png")));
-            magick("%1 %2", m_folder.path("source.png"), theirs);
-            const double ours = differenceOf(source, decoded(path)).psnr();
-            QVERIFY2(ours > differenceOf(source, decoded(theirs)).psnr() + 1,
-                     qPrintable(QString::number(ours)));
-            // What the eye sees of dithered areas: no bands.
-            const QSize quarter = source.size() / 4;
-            const auto scaled = [quarter](const QImage &image) {
-                return image.scaled(quarter, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-            };
-            const double smooth = differenceOf(scaled(source), scaled(decoded(path))).psnr();
-            QVERIFY2(smooth > 40, qPrintable(QString::number(smooth)));
-        }
-    }
-
-    /// A packet and a comment that exiftool wrote, through a copy.
-    void metadataOfGifsAreKept()
-    {
-        PLEXA_NEEDS_PHOTOS();
+        const QString photo = realPhoto("jpeg/silver-fir-511x323.jpg");
         const QString path = m_folder.path("copy.gif");
         const QString theirs = m_folder.path("theirs.gif");
-        QVERIFY(writeFile(theirs, contentsOf(realPhoto("gif/animated-squares.gif"))));
-        outputOf("exiftool -overwrite_original '-XMP-dc:Rights=© Żółw 2024' -XMP-photoshop:City=Łódź "
-                 "'-Comment=made by hand' %1",
-                 theirs);
-        QVERIFY(writeFile(path, copied(theirs, "image/gif", 1)));
-        QCOMPARE(exiftoolValue(path, u"XMP-dc:Rights"_qs).trimmed(), QByteArray("© Żółw 2024"));
-        QCOMPARE(exiftoolValue(path, u"XMP-photoshop:City"_qs).trimmed(), QByteArray("Łódź"));
-        QCOMPARE(exiftoolValue(path, u"Comment"_qs).trimmed(), QByteArray("made by hand"));
-        QCOMPARE(ImageSource::open(path)->imageCount(), 1);
-        QCOMPARE(decoded(path), decoded(theirs));
+        const QByteArray copy = copied(photo, "image/gif", 1);
+        QVERIFY(writeFile(path, copy));
+        QCOMPARE(copied(photo, "image/gif", 1), copy);
+        const QImage source = decoded(photo);
+        QVERIFY(source.save(m_folder.path("source.png")));
+        magick("%1 %2", m_folder.path("source.png"), theirs);
+        const double ours = differenceOf(source, decoded(path)).psnr();
+        QVERIFY2(ours > differenceOf(source, decoded(theirs)).psnr() + 1, qPrintable(QString::number(ours)));
+        // Dithered areas have no bands.
+        const auto scaled = [&source](const QImage &image) {
+            return image.scaled(source.size() / 4, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        };
+        const double smooth = differenceOf(scaled(source), scaled(decoded(path))).psnr();
+        QVERIFY2(smooth > 40, qPrintable(QString::number(smooth)));
     }
 
-    void tooLargeIsRefused()
+    void commentIsKept()
     {
-        QBuffer file;
-        QVERIFY(file.open(QIODevice::ReadWrite));
-        const auto *codec = imageFormatOfType(u"image/gif"_qs)->codec;
-        for (const QSize size : {QSize(65536, 1), QSize(1, 65536), QSize(65535, 65535)}) {
-            const auto writer = codec->openWriter(file, {size, false}, {});
-            QVERIFY(!writer);
-            QCOMPARE(writer.error().text, u"the picture is too large for a GIF file"_qs);
-        }
-        QVERIFY(file.data().isEmpty());
+        const QString path = m_folder.path("comment.gif");
+        const QString source = m_folder.path("source.gif");
+        QVERIFY(writeFile(source, screen({2, 2}) + frame({0, 0, 2, 2}, "rgbw") + ';'));
+        outputOf("exiftool -overwrite_original '-Comment=made by hand' %1", source);
+        QVERIFY(writeFile(path, copied(source, "image/gif", 1)));
+        QCOMPARE(exiftoolValue(path, u"Comment"_qs).trimmed(), QByteArray("made by hand"));
+        QCOMPARE(decoded(path), decoded(source));
     }
 
-    void quantizingTellsItsReasonAndKeepsThreads()
+    void quantizingReportsItsFailureAndKeepsThreads()
     {
         const std::vector<uchar> pixels(4 * 4 * 4, 255);
         omp_set_num_threads(3);

@@ -45,7 +45,7 @@ QByteArray exifWithOrientation(char orientation)
 
 } // namespace
 
-/// Are HEIC and AVIF files shown as their encoders meant them, and told by their contents?
+/// Are HEIC and AVIF files recognized by their contents and shown as their source?
 class HeifReaderTest : public QObject
 {
     Q_OBJECT
@@ -55,7 +55,6 @@ class HeifReaderTest : public QObject
         QSize size;
         int depth = 8;
         bool hasAlpha = false;
-        int count = 1;
     };
 
     struct Made {
@@ -64,25 +63,6 @@ class HeifReaderTest : public QObject
         Text file;
         QImage expected;
         int depth;
-    };
-
-    struct Hdr {
-        Text name;
-        int transfer;
-        double white; ///< the signal of reference white, BT.2408
-    };
-
-    struct Orientation {
-        Text name;
-        Text options;
-        QSize size;
-    };
-
-    struct Lie {
-        Text name;
-        Text options;
-        Text file;
-        QByteArray lie;
     };
 
     /// Encodes m_picture, or `source`, with one of the encoders. @return empty when that failed
@@ -121,14 +101,13 @@ private Q_SLOTS:
         addRows<Photo>({{"heic/alpha-512x512.heic", {512, 512}, 8, true},
                         {"heic/iphone-8.heic", {4032, 3024}},
                         {"heic/iphone-xr-rotated.heic", {3024, 4032}},
-                        {"heic/libheif-example.heic", {1280, 854}, 8, false, 2},
                         {"heic/sony-a7c2-portrait.hif", {4672, 7008}, 10},
                         {"heic/stonehenge-nikon-d5300.heic", {300, 200}}});
     }
 
     void photosLookAsElsewhere()
     {
-        auto [name, size, depth, hasAlpha, count] = currentRow<Photo>();
+        auto [name, size, depth, hasAlpha] = currentRow<Photo>();
         PLEXA_NEEDS_PHOTOS();
         const QString path = realPhoto(name);
         const auto source = ImageSource::open(path);
@@ -137,17 +116,13 @@ private Q_SLOTS:
         QCOMPARE(source->info().rows.size, size);
         QCOMPARE(source->info().depth, depth);
         QCOMPARE(source->info().rows.hasAlpha, hasAlpha);
-        QCOMPARE(source->imageCount(), count);
         QCOMPARE(source->properties().value(u"Orientation"_s, 1).toInt(), 1);
         if (size.width() >= 4000) // takes long
             return;
         const QString theirs = m_folder.path("theirs.png");
         const QString srgb = m_folder.path("srgb.icc");
         QVERIFY(writeFile(srgb, QColorSpace(QColorSpace::SRgb).iccProfile()));
-        QFile::remove(theirs);
         outputOf("heif-convert %1 %2", path, theirs);
-        if (!QFile::exists(theirs)) // it numbers the pictures of a file with several
-            QVERIFY(QFile::rename(m_folder.path("theirs-1.png"), theirs));
         const auto image = source->createImage();
         QVERIFY2(image, image ? "" : qPrintable(image.error().text));
         const double difference = meanDifference(*image, decodedByMagick(theirs, size, srgb));
@@ -173,15 +148,11 @@ private Q_SLOTS:
         });
         add("AVIF", "-y 420", "a.avif", m_picture);
         add("AVIF, 10 bit", "-y 444 -d 10", "a.avif", m_picture, 10);
-        add("AVIF, 12 bit", "-y 422 -d 12", "a.avif", m_picture, 12);
         add("AVIF, limited range", "-y 444 -r limited", "a.avif", m_picture);
-        add("AVIF, BT.709 matrix", "-y 444 --cicp 1/13/1", "a.avif", m_picture);
-        add("AVIF, grey", "-y 400", "a.avif", gray);
-        add("AVIF, grey, 10 bit", "-y 400 -d 10", "a.avif", gray, 10);
+        add("AVIF, gray", "-y 400", "a.avif", gray);
+        add("AVIF, gray, 10 bit", "-y 400 -d 10", "a.avif", gray, 10);
         add("AVIF, tiles", "-y 444 -g 1x1", "a.avif", m_picture);
         add("AVIF, a quarter turn", "-y 444 --irot 1", "a.avif", turned(-90));
-        add("AVIF, half a turn, 10 bit", "-y 444 -d 10 --irot 2", "a.avif", turned(180), 10);
-        add("AVIF, three quarters", "-y 444 --irot 3", "a.avif", turned(90));
         add("AVIF, upside down", "-y 444 --imir 0", "a.avif", upsideDown);
         add("AVIF, mirrored, 10 bit", "-y 444 -d 10 --imir 1", "a.avif", m_picture.mirrored(true, false), 10);
         add("AVIF, turned and mirrored", "-y 444 --irot 1 --imir 0", "a.avif",
@@ -195,13 +166,10 @@ private Q_SLOTS:
             10);
         add("AVIF, linear light", "-y 444 --cicp 1/8/1", "a.avif",
             meantAs(m_picture, QColorSpace(QColorSpace::SRgbLinear)));
-        add("AVIF, curve of BT.709", "-y 444 --cicp 1/1/1", "a.avif", m_picture);
         add("HEIC", "-q 95", "a.heic", m_picture);
-        add("HEIC, 4:4:4", "-q 95 -p chroma=444", "a.heic", m_picture);
         const QImage alpha = smoothPicture({96, 64}, QImage::Format_ARGB32);
         add("AVIF, alpha", "-y 444 alpha", "a.avif", alpha);
         add("AVIF, alpha, 10 bit", "-y 444 -d 10 alpha", "a.avif", alpha, 10);
-        add("AVIF, premultiplied", "-y 444 -p alpha", "a.avif", alpha);
         add("AVIF, premultiplied, Display P3", "-y 444 -p --cicp 12/13/1 alpha", "a.avif",
             meantAs(alpha, QColorSpace(QColorSpace::DisplayP3)));
         add("HEIC, alpha", "-q 95 alpha", "a.heic", alpha);
@@ -228,98 +196,82 @@ private Q_SLOTS:
         QVERIFY2(difference < 3, qPrintable(QString::number(difference)));
     }
 
-    void brightPartsOfHdrKeepTheirOrder_data() { addRows<Hdr>({{"PQ", 16, 0.58}, {"HLG", 18, 0.75}}); }
-
     void brightPartsOfHdrKeepTheirOrder()
     {
-        auto [name, transfer, white] = currentRow<Hdr>();
-        const QImage ramp =
-            paintedPicture({256, 16}, QImage::Format_RGB32, [](int x, int) { return qRgb(x, x, x); });
-        const QString png = m_folder.path("ramp.png");
-        QVERIFY(ramp.save(png));
-        const QString path =
-            encoded(u"-y 444 -d 10 --min 0 --max 0 --cicp 9/%1/9"_s.arg(transfer), u"hdr.avif"_s, png);
-        const QImage shown = decoded(path);
-        QVERIFY(!shown.isNull());
-        // Gray stays gray, brighter never gets darker, black is black and the greatest light nearly white.
-        for (int x = 1; x < 256; ++x) {
-            const QColor color = shown.pixelColor(x, 8);
-            QVERIFY(color.green() + 1 >= shown.pixelColor(x - 1, 8).green());
-            QVERIFY(std::abs(color.red() - color.green()) < 4 && std::abs(color.blue() - color.green()) < 4);
+        // PQ and HLG, with the signals of reference white (BT.2408).
+        for (const auto &[transfer, white] : {std::pair{16, 0.58}, {18, 0.75}}) {
+            const QImage ramp =
+                paintedPicture({256, 16}, QImage::Format_RGB32, [](int x, int) { return qRgb(x, x, x); });
+            const QString png = m_folder.path("ramp.png");
+            QVERIFY(ramp.save(png));
+            const QString path =
+                encoded(u"-y 444 -d 10 --min 0 --max 0 --cicp 9/%1/9"_s.arg(transfer), u"hdr.avif"_s, png);
+            const QImage shown = decoded(path);
+            QVERIFY(!shown.isNull());
+            // Gray stays gray, brighter never gets darker, black is black and the greatest light nearly
+            // white.
+            for (int x = 1; x < 256; ++x) {
+                const QColor color = shown.pixelColor(x, 8);
+                QVERIFY(color.green() + 1 >= shown.pixelColor(x - 1, 8).green());
+                QVERIFY(std::abs(color.red() - color.green()) < 4 &&
+                        std::abs(color.blue() - color.green()) < 4);
+            }
+            QVERIFY(shown.pixelColor(0, 8).green() < 4);
+            QVERIFY(shown.pixelColor(255, 8).green() > 235);
+            const int reference = shown.pixelColor(int(std::lround(white * 255)), 8).green();
+            QVERIFY2(reference > 185 && reference < 240, qPrintable(QString::number(reference)));
         }
-        QVERIFY(shown.pixelColor(0, 8).green() < 4);
-        QVERIFY(shown.pixelColor(255, 8).green() > 235);
-        const int reference = shown.pixelColor(int(std::lround(white * 255)), 8).green();
-        QVERIFY2(reference > 185 && reference < 240, qPrintable(QString::number(reference)));
-    }
-
-    void orientationIsFollowedOnce_data()
-    {
-        addRows<Orientation>(
-            {{"EXIF alone does not turn", {}, QSize(96, 64)}, {"both turn once", "--irot 3", QSize(64, 96)}});
     }
 
     void orientationIsFollowedOnce()
     {
-        auto [name, options, size] = currentRow<Orientation>();
         const QString exif = m_folder.path("exif");
-        const QString xmp = m_folder.path("xmp");
+        const QString path = m_folder.path("turned.avif");
         QVERIFY(writeFile(exif, exifWithOrientation(6)));
-        QVERIFY(writeFile(xmp, "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF "
-                               "xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"><rdf:Description "
-                               "rdf:about=\"\" xmlns:photoshop=\"http://ns.adobe.com/photoshop/1.0/\" "
-                               "photoshop:City=\"Bregenz\"/></rdf:RDF></x:xmpmeta>"));
-        QString path = m_folder.path("turned.avif");
-        QStringList arguments = options.split(u' ', Qt::SkipEmptyParts);
-        arguments +=
-            {u"-s"_s, u"10"_s, u"--exif"_s, exif, u"--xmp"_s, xmp, m_folder.path("source.png"), path};
-        outputOf(u"avifenc"_s, arguments);
-        if (options.isEmpty()) { // the encoder derives a box from EXIF: made to be one that nobody knows
+        for (const bool isRotated : {false, true}) {
+            outputOf(isRotated ? "avifenc -s 10 --irot 3 --exif %1 %2 %3" : "avifenc -s 10 --exif %1 %2 %3",
+                     exif, m_folder.path("source.png"), path);
             QByteArray file = contentsOf(path);
-            QVERIFY(writeFile(path, file.replace("irot", "irxx")));
+            if (!isRotated) // the encoder derives a box from EXIF: replaced by an unknown one
+                QVERIFY(writeFile(path, file.replace("irot", "irxx")));
+            const auto source = ImageSource::open(path);
+            QVERIFY2(source, source ? "" : qPrintable(source.error().text));
+            QCOMPARE(source->info().rows.size, isRotated ? QSize(64, 96) : QSize(96, 64));
+            const QVariantMap &properties = source->properties();
+            QCOMPARE(properties.value(u"Orientation"_s), QVariant(1));
+            const QVariantMap tiff = properties.value(u"{TIFF}"_s).toMap();
+            QCOMPARE(tiff.value(u"Orientation"_s), QVariant(1));
+            QCOMPARE(tiff.value(u"Make"_s), QVariant(u"Quorvel"_s));
         }
-        const auto source = ImageSource::open(path);
-        QVERIFY2(source, source ? "" : qPrintable(source.error().text));
-        QCOMPARE(source->info().rows.size, size);
-        const QVariantMap &properties = source->properties();
-        QCOMPARE(properties.value(u"Orientation"_s), QVariant(1));
-        const QVariantMap tiff = properties.value(u"{TIFF}"_s).toMap();
-        QCOMPARE(tiff.value(u"Orientation"_s), QVariant(1));
-        QCOMPARE(tiff.value(u"Make"_s), QVariant(u"Quorvel"_s));
-        QCOMPARE(properties.value(u"{IPTC}"_s).toMap().value(u"City"_s), QVariant(u"Bregenz"_s));
-    }
-
-    void liesAreFoundBeforeDecoding_data()
-    {
-        addRows<Lie>({{"AVIF larger than its box says", "-y 420", "big.avif", "size"_ba},
-                      {"HEIC larger than its box says", "-q 10", "big.heic", "size"_ba},
-                      {"grid of itself", "-y 420 -g 2x2", "grid.avif", "loop"_ba}});
     }
 
     void liesAreFoundBeforeDecoding()
     {
-        auto [name, options, file, lie] = currentRow<Lie>();
-        const QString big = m_folder.path("big.png");
-        QVERIFY(flatPicture({1600, 1200}, Qt::darkGreen).save(big));
-        const QString path = encoded(options, file, big);
-        QVERIFY(!path.isEmpty());
-        QVERIFY(ImageSource::open(path));
-        QByteArray bytes = contentsOf(path);
-        if (lie == "size") {
-            for (qsizetype at = bytes.indexOf("ispe"); at >= 0; at = bytes.indexOf("ispe", at + 1)) {
-                qToBigEndian<quint32>(80, bytes.data() + at + 8);
-                qToBigEndian<quint32>(60, bytes.data() + at + 12);
+        for (const auto &[options, file] : {std::pair{"-y 420"_L1, u"big.avif"_s},
+                                            {"-q 10"_L1, u"big.heic"_s},
+                                            {"-y 420 -g 2x2"_L1, u"grid.avif"_s}}) {
+            const QString big = m_folder.path("big.png");
+            QVERIFY(flatPicture({1600, 1200}, Qt::darkGreen).save(big));
+            const bool isLoop = file.startsWith(u"grid"); // of itself
+            const QString path = encoded(options, file, big);
+            QVERIFY(!path.isEmpty());
+            QVERIFY(ImageSource::open(path));
+            QByteArray bytes = contentsOf(path);
+            if (!isLoop) {
+                for (qsizetype at = bytes.indexOf("ispe"); at >= 0; at = bytes.indexOf("ispe", at + 1)) {
+                    qToBigEndian<quint32>(80, bytes.data() + at + 8);
+                    qToBigEndian<quint32>(60, bytes.data() + at + 12);
+                }
+            } else {
+                const qsizetype at = bytes.indexOf("dimg"); // from, count, to
+                QVERIFY(at > 0);
+                bytes.replace(at + 8, 2, bytes.mid(at + 4, 2));
             }
-        } else {
-            const qsizetype at = bytes.indexOf("dimg"); // from, count, to
-            QVERIFY(at > 0);
-            bytes.replace(at + 8, 2, bytes.mid(at + 4, 2));
+            QVERIFY(writeFile(path, bytes));
+            const auto opened = ImageSource::open(path, ReadLimits{.maxPixels = 1'000'000});
+            QVERIFY(!opened);
+            QVERIFY2(isLoop || opened.error().text.contains(u"1600 x 1200"), qPrintable(opened.error().text));
         }
-        QVERIFY(writeFile(path, bytes));
-        const auto opened = ImageSource::open(path, ReadLimits{.maxPixels = 1'000'000});
-        QVERIFY(!opened);
-        QVERIFY2(lie != "size" || opened.error().text.contains(u"1600 x 1200"),
-                 qPrintable(opened.error().text));
     }
 };
 

@@ -58,105 +58,23 @@ class PngReaderTest : public QObject
 {
     Q_OBJECT
 
-    struct Samples {
-        Text name;
-        QByteArray file;
-        bool hasAlpha;
-    };
-
-    struct Small {
-        Text name;
-        QSize size;
-    };
-
     TestFolder m_folder;
 
 private Q_SLOTS:
-    void samplesAndTransparency_data()
-    {
-        const QSize size(16, 4);
-        const auto bytes = [](int count) {
-            QByteArray data;
-            for (int i = 0; i < count; ++i)
-                data += char(i * 89 + i / 7);
-            return data;
-        };
-        const QByteArray palette = pngChunk("PLTE", bytes(3 * 16));
-        for (const int depth : {1, 2, 4, 8, 16}) {
-            const int rowBytes = size.width() * depth / 8 * size.height();
-            addRow<Samples>(
-                {QString::asprintf("grey, %d bit", depth), png(size, depth, 0, bytes(rowBytes)), false});
-            // In more than 8 bits only the whole number counts.
-            const QByteArray level = depth == 16 ? bytes(4).mid(2) : QByteArray("\0\1", 2);
-            addRow<Samples>({QString::asprintf("grey, %d bit, transparent", depth),
-                             png(size, depth, 0, bytes(rowBytes), pngChunk("tRNS", level)), true});
-            if (depth < 8) {
-                const QByteArray few = pngChunk("PLTE", bytes(3 << depth));
-                addRows<Samples>(
-                    {{QString::asprintf("palette, %d bit", depth), png(size, depth, 3, bytes(rowBytes), few),
-                      false},
-                     {QString::asprintf("palette, %d bit, transparent", depth),
-                      png(size, depth, 3, bytes(rowBytes), few + pngChunk("tRNS", QByteArray("\0\x80", 2))),
-                      true}});
-            }
-            if (depth < 8)
-                continue;
-            addRow<Samples>(
-                {QString::asprintf("RGB, %d bit", depth), png(size, depth, 2, bytes(rowBytes * 3)), false});
-            const QByteArray first = bytes(6);
-            const QByteArray color =
-                depth == 16 ? first : QByteArray(1, '\0') + first[0] + '\0' + first[1] + '\0' + first[2];
-            addRows<Samples>({{QString::asprintf("RGB, %d bit, transparent", depth),
-                               png(size, depth, 2, bytes(rowBytes * 3), pngChunk("tRNS", color)), true},
-                              {QString::asprintf("grey and alpha, %d bit", depth),
-                               png(size, depth, 4, bytes(rowBytes * 2)), true},
-                              {QString::asprintf("RGB and alpha, %d bit", depth),
-                               png(size, depth, 6, bytes(rowBytes * 4)), true}});
-        }
-    }
-
-    void samplesAndTransparency()
-    {
-        auto [name, file, hasAlpha] = currentRow<Samples>();
-        PLEXA_NEEDS_MAGICK();
-        const QString path = m_folder.path("samples.png");
-        QVERIFY(writeFile(path, file));
-        QString error;
-        const QImage ours = decoded(path, &error);
-        QVERIFY2(!ours.isNull(), qPrintable(error));
-        QCOMPARE(ours.hasAlphaChannel(), hasAlpha);
-        const QByteArray pixels = magick("%1 -depth 8 rgba:-", path);
-        QCOMPARE(pixels.size(), qsizetype(ours.width()) * ours.height() * 4);
-        const QImage theirs = QImage(reinterpret_cast<const uchar *>(pixels.constData()), ours.width(),
-                                     ours.height(), QImage::Format_RGBA8888)
-                                  .convertToFormat(ours.format());
-        for (int y = 0; y < ours.height(); ++y) {
-            for (int x = 0; x < ours.width() * 4; ++x)
-                QVERIFY(std::abs(ours.constScanLine(y)[x] - theirs.constScanLine(y)[x]) <= 1);
-        }
-    }
-
-    /// Of these some of the seven passes are empty.
-    void smallInterlacedPictures_data()
-    {
-        for (const int width : {1, 2, 3, 4, 5, 8, 9}) {
-            for (const int height : {1, 2, 3, 5, 9})
-                addRow<Small>({QString::asprintf("%d x %d", width, height), QSize(width, height)});
-        }
-    }
-
+    /// Some of the seven passes are empty.
     void smallInterlacedPictures()
     {
-        auto [name, size] = currentRow<Small>();
         PLEXA_NEEDS_MAGICK();
-        const QImage image = smoothPicture(size);
         const QString origin = m_folder.path("origin.png");
         const QString path = m_folder.path("interlaced.png");
-        QVERIFY(image.save(origin));
-        for (const char *kind : {"png24", "png8"}) {
-            magick("%1 -interlace Plane %2:%3", origin, kind, path);
-            QVERIFY(ImageSource::open(path)->info().decoderBytes > 0);
-            QCOMPARE(decoded(path), image);
+        for (const QSize size :
+             {QSize(1, 1), QSize(2, 9), QSize(3, 2), QSize(4, 1), QSize(5, 5), QSize(9, 3)}) {
+            QVERIFY(smoothPicture(size).save(origin));
+            for (const char *kind : {"png24", "png8"}) {
+                magick("%1 -interlace Plane %2:%3", origin, kind, path);
+                QVERIFY(ImageSource::open(path)->info().decoderBytes > 0);
+                QCOMPARE(decoded(path), smoothPicture(size));
+            }
         }
     }
 
@@ -173,7 +91,6 @@ private Q_SLOTS:
             {"gamma 1", linear, bright},
             {"gamma 1/1.8", gammaChunk(0.55556), int(std::lround(255 * encoded(std::pow(128 / 255.0, 1.8))))},
             {"gamma 0", gammaChunk(0), 128},
-            {"sRGB before gamma", srgb + linear, 128},
             {"sRGB after gamma", linear + srgb, 128},
         });
     }
@@ -197,8 +114,6 @@ private Q_SLOTS:
         QVERIFY(writeFile(path, png({1, 1}, 8, 2, pixel, profileChunk(adobe->info().iccProfile))));
         const QRgb alone = decoded(path).pixel(0, 0);
         QVERIFY(qRed(alone) < 0x30); // outside of sRGB
-        QVERIFY(writeFile(path, png({1, 1}, 8, 2, pixel, profileChunk(adobe->info().iccProfile) + chunks)));
-        QCOMPARE(decoded(path).pixel(0, 0), alone);
         QVERIFY(writeFile(path, png({1, 1}, 8, 2, pixel, chunks + profileChunk(adobe->info().iccProfile))));
         QCOMPARE(decoded(path).pixel(0, 0), alone);
     }
@@ -246,31 +161,20 @@ private Q_SLOTS:
         QCOMPARE(image.pixel(1, 0), qRgb(0x12, 0x12, 0x12));
     }
 
-    /// What exiftool writes, and what ImageMagick writes in its own way.
-    void metadataChunks()
+    /// IPTC and XMP as ImageMagick writes them.
+    void rawProfilesAreRead()
     {
-        const QString path = m_folder.path("metadata.png");
-        QVERIFY(writeFile(path, png({1, 1}, 8, 0, "x")));
-        outputOf("exiftool -overwrite_original -EXIF:Artist=Zoë -EXIF:ISO=640 -XMP-dc:Title=Żółw "
-                 "-IPTC:City=Ulm %1",
-                 path);
-        const auto hasAll = [](const QVariantMap &properties) {
-            return properties.value(u"{TIFF}"_qs).toMap().value(u"Artist"_qs).toString() == u"Zoë"_qs &&
-                   properties.value(u"{Exif}"_qs).toMap().value(u"ISOSpeedRatings"_qs).toList() ==
-                       QVariantList{640} &&
-                   properties.value(u"{IPTC}"_qs).toMap().value(u"City"_qs).toString() == u"Ulm"_qs &&
-                   properties.value(u"{IPTC}"_qs).toMap().value(u"ObjectName"_qs).toString() == u"Żółw"_qs;
-        };
-        QVERIFY(hasAll(ImageSource::open(path)->properties()));
         PLEXA_NEEDS_MAGICK();
         const QString origin = m_folder.path("origin.jpg");
-        const QString converted = m_folder.path("converted.png");
-        magick("%1 %2", path, origin);
-        outputOf("exiftool -overwrite_original -TagsFromFile %1 -all:all %2", path, origin);
-        magick("%1 %2", origin, converted);
-        QVERIFY(contentsOf(converted).contains("Raw profile type iptc"));
-        QVERIFY(contentsOf(converted).contains("Raw profile type xmp"));
-        QVERIFY(hasAll(ImageSource::open(converted)->properties()));
+        const QString path = m_folder.path("converted.png");
+        QVERIFY(smoothPicture({9, 9}).save(origin));
+        outputOf("exiftool -overwrite_original -XMP-dc:Title=Żółw -IPTC:City=Ulm %1", origin);
+        magick("%1 %2", origin, path);
+        QVERIFY(contentsOf(path).contains("Raw profile type iptc"));
+        QVERIFY(contentsOf(path).contains("Raw profile type xmp"));
+        const QVariantMap iptc = ImageSource::open(path)->properties().value(u"{IPTC}"_qs).toMap();
+        QCOMPARE(iptc.value(u"City"_qs).toString(), u"Ulm"_qs);
+        QCOMPARE(iptc.value(u"ObjectName"_qs).toString(), u"Żółw"_qs);
     }
 };
 

@@ -12,7 +12,7 @@
 namespace plexa::test
 {
 
-/// What is to be in a DNG file.
+/// The contents of a DNG file.
 struct DngPlan {
     QSize size = {96, 64};
     int bits = 16; ///< of a sample: 8 or 16
@@ -36,7 +36,7 @@ public:
             const qsizetype rawAt = writeDirectory(raw);
             Directory preview = previewDirectory();
             preview.merge(camera);
-            preview[0x014A] = longs({quint32(rawAt)});
+            preview[0x014A] = longs({double(rawAt)});
             finish(writeDirectory(preview));
         } else {
             raw.merge(camera);
@@ -54,37 +54,30 @@ private:
     };
     using Directory = std::map<quint16, Entry>;
 
-    template<class Number>
-    static QByteArray numbers(const std::vector<Number> &values)
+    /// A number of `bytes` bytes.
+    static QByteArray little(qint64 value, int bytes)
     {
-        QByteArray bytes;
-        for (const Number value : values) {
-            char data[sizeof(Number)];
-            qToLittleEndian(value, data);
-            bytes.append(data, sizeof data);
-        }
-        return bytes;
+        QByteArray number(8, '\0');
+        qToLittleEndian(value, number.data());
+        return number.first(bytes);
     }
 
-    static Entry bytesEntry(const QByteArray &data) { return {1, quint32(data.size()), data}; }
-    static Entry text(const QByteArray &data) { return {2, quint32(data.size()) + 1, data + '\0'}; }
-    static Entry shorts(const std::vector<quint16> &values)
+    /// @param type  BYTE, SHORT, LONG, or a rational number
+    static Entry entry(quint16 type, const std::vector<double> &values)
     {
-        return {3, quint32(values.size()), numbers(values)};
-    }
-    static Entry longs(const std::vector<quint32> &values)
-    {
-        return {4, quint32(values.size()), numbers(values)};
-    }
-    static Entry fractions(quint16 type, const std::vector<double> &values)
-    {
-        std::vector<qint32> parts;
+        QByteArray data;
         for (const double value : values) {
-            parts.push_back(qint32(value * 10000));
-            parts.push_back(10000);
+            if (type == 5 || type == 10)
+                data += little(qint64(value * 10000), 4) + little(10000, 4);
+            else
+                data += little(qint64(value), type == 3 ? 2 : type);
         }
-        return {type, quint32(values.size()), numbers(parts)};
+        return {type, quint32(values.size()), data};
     }
+
+    static Entry text(const QByteArray &data) { return {2, quint32(data.size()) + 1, data + '\0'}; }
+    static Entry shorts(const std::vector<double> &values) { return entry(3, values); }
+    static Entry longs(const std::vector<double> &values) { return entry(4, values); }
 
     qsizetype put(const QByteArray &data)
     {
@@ -104,18 +97,17 @@ private:
         return (x < m_plan.size.width() / 2 ? color == 0 : color == 2) ? 0.5 : 0.05;
     }
 
-    Directory picture(QSize size, quint16 colorModel, const std::vector<quint16> &bits,
-                      const QByteArray &data)
+    Directory picture(QSize size, quint16 colorModel, const std::vector<double> &bits, const QByteArray &data)
     {
-        return {{0x0100, longs({quint32(size.width())})},
-                {0x0101, longs({quint32(size.height())})},
+        return {{0x0100, longs({double(size.width())})},
+                {0x0101, longs({double(size.height())})},
                 {0x0102, shorts(bits)},
                 {0x0103, shorts({1})},
-                {0x0106, shorts({colorModel})},
-                {0x0111, longs({quint32(put(data))})},
-                {0x0115, shorts({quint16(bits.size())})},
-                {0x0116, longs({quint32(size.height())})},
-                {0x0117, longs({quint32(data.size())})}};
+                {0x0106, shorts({double(colorModel)})},
+                {0x0111, longs({double(put(data))})},
+                {0x0115, shorts({double(bits.size())})},
+                {0x0116, longs({double(size.height())})},
+                {0x0117, longs({double(data.size())})}};
     }
 
     Directory rawDirectory()
@@ -125,19 +117,15 @@ private:
         QByteArray samples;
         const int white = m_plan.bits == 8 ? 255 : 65535;
         for (int y = 0; y < m_plan.size.height(); ++y) {
-            for (int x = 0; x < m_plan.size.width(); ++x) {
-                const auto sample = quint16(sampleAt(x, y) * white);
-                samples += char(sample & 0xff);
-                if (m_plan.bits == 16)
-                    samples += char(sample >> 8);
-            }
+            for (int x = 0; x < m_plan.size.width(); ++x)
+                samples += little(qint64(sampleAt(x, y) * white), m_plan.bits / 8);
         }
-        Directory raw = picture(m_plan.size, 32803, {quint16(m_plan.bits)}, samples);
+        Directory raw = picture(m_plan.size, 32803, {double(m_plan.bits)}, samples);
         raw[0x00FE] = longs({0});
         raw[0x828D] = shorts({2, 2});
-        raw[0x828E] = bytesEntry(QByteArray("\0\1\1\2", 4));
-        raw[0xC61D] = longs({quint32(white)});
-        raw[0xC61E] = fractions(5, {1, m_plan.pixelShape});
+        raw[0x828E] = entry(1, {0, 1, 1, 2});
+        raw[0xC61D] = longs({double(white)});
+        raw[0xC61E] = entry(5, {1, m_plan.pixelShape});
         return raw;
     }
 
@@ -146,8 +134,8 @@ private:
         Directory raw = picture(m_plan.size, 34892, {8, 8, 8}, m_plan.jpeg);
         raw[0x00FE] = longs({0});
         raw[0x0103] = shorts({34892}); // JPEG with losses
-        raw[0x0142] = longs({quint32(m_plan.size.width())});
-        raw[0x0143] = longs({quint32(m_plan.size.height())});
+        raw[0x0142] = longs({double(m_plan.size.width())});
+        raw[0x0143] = longs({double(m_plan.size.height())});
         raw[0x0144] = raw[0x0111];
         raw[0x0145] = raw[0x0117];
         for (const quint16 tag : std::initializer_list<quint16>{0x0111, 0x0116, 0x0117}) // strips
@@ -168,33 +156,28 @@ private:
     {
         Directory camera{{0x010F, text("Maker")},
                          {0x0110, text("Camera 1")},
-                         {0xC612, bytesEntry(QByteArray("\1\4\0\0", 4))},
-                         {0xC613, bytesEntry(QByteArray("\1\1\0\0", 4))},
+                         {0xC612, entry(1, {1, 4, 0, 0})},
+                         {0xC613, entry(1, {1, 1, 0, 0})},
                          {0xC614, text("Maker Camera 1")},
-                         {0xC621, fractions(10, {0.9, -0.3, -0.1, -0.4, 1.2, 0.2, -0.05, 0.15, 0.6})},
-                         {0xC628, fractions(5, {0.5, 1, 0.7})},
+                         {0xC621, entry(10, {0.9, -0.3, -0.1, -0.4, 1.2, 0.2, -0.05, 0.15, 0.6})},
+                         {0xC628, entry(5, {0.5, 1, 0.7})},
                          {0xC65A, shorts({21})}};
         if (m_plan.orientation > 0)
-            camera[0x0112] = shorts({quint16(m_plan.orientation)});
+            camera[0x0112] = shorts({double(m_plan.orientation)});
         return camera;
     }
 
     qsizetype writeDirectory(const Directory &directory)
     {
-        QByteArray table = numbers<quint16>({quint16(directory.size())});
-        for (const auto &[tag, entry] : directory) {
-            table += numbers<quint16>({tag, entry.type}) + numbers<quint32>({entry.count});
-            table += entry.data.size() <= 4 ? entry.data.leftJustified(4, '\0')
-                                            : numbers<quint32>({quint32(put(entry.data))});
+        QByteArray table = little(qint64(directory.size()), 2);
+        for (const auto &[tag, field] : directory) {
+            table += little(tag, 2) + little(field.type, 2) + little(field.count, 4);
+            table += field.data.size() <= 4 ? field.data.leftJustified(4, '\0') : little(put(field.data), 4);
         }
         return put(table + QByteArray(4, '\0'));
     }
 
-    void finish(qsizetype mainDirectory)
-    {
-        const QByteArray offset = numbers<quint32>({quint32(mainDirectory)});
-        m_bytes.replace(4, 4, offset);
-    }
+    void finish(qsizetype mainDirectory) { m_bytes.replace(4, 4, little(mainDirectory, 4)); }
 
     const DngPlan m_plan;
     QByteArray m_bytes{"II*\0\0\0\0\0", 8};
