@@ -164,14 +164,14 @@ private Q_SLOTS:
         UserDefaults defaults(kMaker, kProgram);
         registerDefaults(defaults);
         QStringList on;
-        for (const Setting &setting : allSettings()) {
-            if (setting.type == SettingType::Bool && defaults.boolForKey(setting.key))
-                on.append(setting.key);
-            else if (setting.type == SettingType::Integer)
-                QCOMPARE(defaults.integerForKey(setting.key), 0);
-            else if (setting.type == SettingType::StringArray)
-                QCOMPARE(defaults.stringArrayForKey(setting.key), QStringList());
+#define PLEXA_KEY(name, value) settings::name,
+        for (const QLatin1String key : {PLEXA_SETTINGS(PLEXA_KEY)}) {
+            if (defaults.boolForKey(key))
+                on.append(key);
         }
+#undef PLEXA_KEY
+        QCOMPARE(defaults.integerForKey(settings::runNumber), 0);
+        QCOMPARE(defaults.integerForKey(settings::lastUsedMode), 0);
         QCOMPARE(on, QStringList({u"imageListIsInBrowserMode"_qs, u"imageBrowserShowsNames"_qs,
                                   u"saveAllToOneDirectory"_qs, u"exportPreserveOriginalFileCreationDate"_qs,
                                   u"askForMASReview"_qs, u"askForFeedback"_qs}));
