@@ -301,7 +301,7 @@ CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options)
     addRepeatable(*command, "--save-set", options.savingFields, "FIELD=VALUE",
                   "Set a field of the saving preset, as in --save-set jpegQuality=90");
     addCopyOptions(*command, options);
-    command->add_option("PATH", options.paths, "Photos, and folders of them")->required();
+    addPaths(*command, "PATH", options.paths, "Photos, and folders of them");
     return command;
 }
 
@@ -312,6 +312,8 @@ int runSave(const SaveOptions &options)
     if (!options.text && options.image.empty() && options.fields.empty() && !isPresetsMode(options))
         return refuse(
             QStringLiteral("there is no watermark: give --text, --image, --set, --wpresets or --apply"));
+    if (options.paths.empty())
+        return refuse(QStringLiteral("there is no photo: name files or folders"));
     const FontCatalog fonts;
     Result<SavingRun> run = planRun(options, fonts);
     if (!run)

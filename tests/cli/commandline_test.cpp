@@ -289,10 +289,10 @@ private Q_SLOTS:
         }
     }
 
-    /// Libraries take some names for the standard input, or for addresses.
+    /// Libraries take some names for the standard input, for addresses, or for lists.
     void namesWithAnotherMeaning()
     {
-        const QStringList names{u"-"_s, u"--quiet"_s, u"data:x"_s, u"%1 %n"_s};
+        const QStringList names{u"-"_s, u"--quiet"_s, u"data:x"_s, u"%1 %n"_s, u"[p,q]"_s};
         QVERIFY(QDir().mkpath(path("odd")) && smoothPicture({30, 20}).save(path("photo.tif")));
         for (const QString &name : names)
             QVERIFY(QFile::copy(path("photo.tif"), path("odd/") + name));
