@@ -135,9 +135,6 @@ public:
                     const SavingPresetValues &savingPreset, bool preservesCreationDate,
                     const CancelCheck &isCancelled = {}, const QString &readFrom = {});
 
-    /// Pixels of the photo after all turns; (0, 0) until it is loaded.
-    QSize pixelSize() const { return m_photo.size(); }
-
     /// The facts of the photo as far as it has been read; reads nothing.
     PhotoFacts facts() const { return m_photo.facts(); }
 

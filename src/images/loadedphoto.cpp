@@ -375,12 +375,6 @@ QImage LoadedPhoto::thumbnail() const
     return m_thumbnail;
 }
 
-QSize LoadedPhoto::size() const
-{
-    const std::lock_guard lock(m_stateLock);
-    return m_hasImage ? m_file.uprighting().size() : QSize(0, 0);
-}
-
 std::optional<ImageMetadata> LoadedPhoto::metadata() const
 {
     const std::lock_guard lock(m_stateLock);

@@ -69,8 +69,6 @@ public:
 
     QImage cachedPixels() const;
     QImage thumbnail() const;
-    /// (0, 0) unless the photo was read.
-    QSize size() const;
 
     std::optional<ImageMetadata> metadata() const;
     void setMetadata(const ImageMetadata &metadata);

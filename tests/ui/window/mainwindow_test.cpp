@@ -117,8 +117,8 @@ private Q_SLOTS:
         release.dismiss();
         held->unlock();
         QTRY_VERIFY(!stop.isVisible() && !progress.isVisible());
-        QCOMPARE(held->pixelSize(), QSize(64, 48));
-        QCOMPARE(f.set.images()->back()->pixelSize(), QSize(48, 64));
+        QCOMPARE(held->readFacts()->pixelSize(), QSize(64, 48));
+        QCOMPARE(f.set.images()->back()->readFacts()->pixelSize(), QSize(48, 64));
     }
 
     void addsWithTheDialogs()
