@@ -86,7 +86,7 @@ Result<WPresetValues> quickPreset(const SaveOptions &options, const FontCatalog 
     }
     const QString typeBefore = values.type;
     for (const std::string &field : options.fields) {
-        if (Result<void> applied = applyField(values, field); !applied)
+        if (Result<void> applied = applyField(values, field, fonts); !applied)
             return tl::unexpected(applied.error());
     }
     const bool isImageWanted = !options.text && values.type == typeBefore && !values.image.isNull();
@@ -180,6 +180,7 @@ Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
     run.preservesCreationDate = !options.noCreationDate;
     run.isDryRun = options.dryRun;
     run.conflictCode = conflictCode(options.conflict);
+    run.conflictScope = OutputNaming::Scope::FilesFromBefore;
     run.jobs =
         options.jobs > 0 ? options.jobs : static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
     run.isStopped = isInterrupted;
@@ -200,6 +201,10 @@ int saveAll(SavingRun &run, const std::vector<PhotoPath> &photos, const SaveOpti
     const PhotoServices services{fonts, locale, cache, budget, ReadLimits{.maxBytes = memory}};
 
     run.photoCount = photos.size();
+    if (run.conflictCode == OutputNaming::always(OutputNaming::kOverwrite)) {
+        for (const PhotoPath &photo : photos)
+            run.keptPhotos.append(photo.path);
+    }
     run.photoAt = [&](std::size_t index) -> SavingPhoto {
         const PhotoPath &photo = photos[index];
         if (!photo.failure.isEmpty())

@@ -21,9 +21,10 @@ namespace plexa
 class AtomicFile final
 {
 public:
-    /// What commit() does where the target exists. Fail never replaces anything, not even a file that appears
-    /// at the last moment or a dangling symbolic link.
-    enum class IfExists { Replace, Fail };
+    /// What commit() does where the target exists. A symbolic link is followed by Replace and replaced itself
+    /// by ReplaceLink. Fail never replaces anything, not even a file that appears at the last moment or a
+    /// dangling symbolic link.
+    enum class IfExists { Replace, ReplaceLink, Fail };
 
     AtomicFile(QString path, IfExists ifExists);
     ~AtomicFile();
@@ -34,9 +35,8 @@ public:
     /// or commit() fails when it returns none.
     void setAlternatives(std::function<std::optional<QString>()> nextPath);
 
-    /// Checks the target and starts the file. With IfExists::Replace a symbolic link stays and the file that
-    /// it points to is replaced. Refuses a folder, a device, a write-protected file, and with IfExists::Fail
-    /// any existing target.
+    /// Checks the target and starts the file. Refuses a folder, a device, a write-protected file, and with
+    /// IfExists::Fail any existing target.
     [[nodiscard]] Result<void> open();
 
     /// The checks of open() alone, and whether the folder is writable. Instead of open().

@@ -4,8 +4,8 @@
 
 #include <QLatin1String>
 
-#include <algorithm>
 #include <array>
+#include <cstddef>
 
 namespace plexa
 {
@@ -27,8 +27,17 @@ constexpr std::array<QLatin1String, kBlendModeCount> kNames{
 
 BlendMode blendModeNamed(const QString &name)
 {
-    const auto found = std::find(kNames.begin(), kNames.end(), name);
-    return found == kNames.end() ? BlendMode::Normal : static_cast<BlendMode>(found - kNames.begin());
+    for (std::size_t i = 0; i < kNames.size(); ++i) {
+        if (name == kNames[i])
+            return static_cast<BlendMode>(i);
+    }
+    return BlendMode::Normal;
+}
+
+QString nameOf(BlendMode mode)
+{
+    const auto index = static_cast<std::size_t>(mode);
+    return kNames[index < kNames.size() ? index : 0];
 }
 
 } // namespace plexa

@@ -33,4 +33,7 @@ inline constexpr int kBlendModeCount = 16;
 /// The mode of that exact name ("Color Dodge"); Normal for any other text, another letter case included.
 BlendMode blendModeNamed(const QString &name);
 
+/// The name under which presets store the mode.
+QString nameOf(BlendMode mode);
+
 } // namespace plexa

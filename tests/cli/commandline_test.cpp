@@ -230,8 +230,8 @@ private Q_SLOTS:
         // The files of the result lines, below "out"; empty: skipped.
         for (const auto &[extra, expected] :
              {std::pair("", "a-1.png b.jpg b-1.jpg"),
-              {"--conflict overwrite", "a.png b.jpg b.jpg"},
-              {"--conflict skip", "'' b.jpg ''"},
+              {"--conflict overwrite", "a.png b.jpg b-1.jpg"},
+              {"--conflict skip", "'' b.jpg b-1.jpg"},
               {"--replicate-from %1", "a-1.png b.jpg deep/b.jpg"},
               {"--save-set 'filenameTokens=[\"city\",\"width\",\"_\",\"sequence ##\"]'",
                "120_01.png 320_02.jpg 40_03.jpg"}}) {
