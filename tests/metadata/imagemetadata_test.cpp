@@ -28,23 +28,6 @@ class ImageMetadataTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void shapeIsAlwaysTheSame()
-    {
-        const QVariantMap odd{
-            {kCGImagePropertyTIFFDictionary, u"no dictionary"_s},
-            {kCGImagePropertyIPTCDictionary, QVariantMap{{kCGImagePropertyIPTCCreatorContactInfo, 5}}},
-            {kCGImagePropertyDepth, 8}};
-        for (const QVariantMap &source : {QVariantMap(), odd}) {
-            const QVariantMap properties = ImageMetadata(source).imagePropertiesDictionary();
-            for (const QString key : {kCGImagePropertyTIFFDictionary, kCGImagePropertyExifDictionary,
-                                      kCGImagePropertyExifAuxDictionary, kCGImagePropertyGPSDictionary})
-                QCOMPARE(properties.value(key), QVariant(QVariantMap()));
-            QCOMPARE(properties.value(kCGImagePropertyIPTCDictionary),
-                     QVariant(QVariantMap{{kCGImagePropertyIPTCCreatorContactInfo, QVariantMap()}}));
-            QCOMPARE(properties.value(kCGImagePropertyDepth), source.value(kCGImagePropertyDepth));
-        }
-    }
-
     /// Every row of the table stores and removes its value and that of its twin; GPS is read only.
     void everyPropertyIsStored()
     {
@@ -98,17 +81,6 @@ private Q_SLOTS:
             metadata.setCompressionQuality(given);
             QCOMPARE(metadata.compressionQuality().toDouble(), stored);
         }
-    }
-
-    void flashKeepsItsOtherBits()
-    {
-        ImageMetadata metadata = withExif({{kCGImagePropertyExifFlash, 0x19}});
-        QCOMPARE(metadata.exifFlash(), QVariant(1));
-        metadata.setExifFlash(0);
-        QCOMPARE(metadata.exifValueForKey(kCGImagePropertyExifFlash).toInt(), 0x18);
-        metadata.setExifFlash(7);
-        QCOMPARE(metadata.exifValueForKey(kCGImagePropertyExifFlash).toInt(), 0x19);
-        QCOMPARE(ImageMetadata().exifFlash(), QVariant(0));
     }
 
     void arraysOfOne()

@@ -345,26 +345,6 @@ private Q_SLOTS:
         QCOMPARE(again->front()->filenameTokens(), (QStringList{u"\uFFFD"_s, u"\U0001F4F7"_s}));
     }
 
-    void whatCannotBeReadBackIsNotWritten()
-    {
-        QVERIFY(writtenAndRead({firstOfFile()}));
-        const QByteArray before = contentsOf(m_path);
-        const QString cut = u"cut"_s + QChar(0) + u"off"_s;
-        QList<SavingPresetValues> refused{{.name = cut}};
-        for (const QString &token : {u"a<b"_s, u"R&D"_s, u"a&amp;b"_s, u"&#34;"_s, u"<!--"_s, cut})
-            refused.append({.filenameTokens = {u"filename"_s, token}});
-        for (const SavingPresetValues &values : refused) {
-            const Result<void> written = write({{}, values});
-            QVERIFY2(!written && written.error().text.contains(values.name),
-                     qPrintable(values.filenameTokens.last()));
-            QCOMPARE(contentsOf(m_path), before);
-        }
-        // The form itself has no references in tokens.
-        QString xml;
-        SavingPreset(refused[1]).appendObjectToXML(xml);
-        QVERIFY(xml.contains(u"<token>a<b</token>"));
-    }
-
     void filesOfOthers()
     {
         QVERIFY(read(QByteArray(kFile).replace("Plexa\"", "Plexa 1\""))); // of the first major version

@@ -54,12 +54,6 @@ class QtReaderTest : public QObject
         QList<QRgb> colors; ///< of two rows of two; empty: not a picture
     };
 
-    struct FewBits {
-        QList<quint32> masks;
-        QByteArray pixels; ///< black, white, the middle of red, and transparent if possible
-        QList<QRgb> colors;
-    };
-
     struct Huge {
         Text name;
         QByteArray file;
@@ -126,33 +120,6 @@ private Q_SLOTS:
         }
     }
 
-    void fewBitsReachWhite()
-    {
-        const QRgb half5 = qRgb(0x84, 0, 0);
-        const QString path = m_folder.path("few.bmp");
-        for (const auto &[masks, pixels, colors] :
-             {FewBits{{}, "\0\0\xff\x7f\0\x40\0\0"_qba, {0xff000000, 0xffffffff, half5, 0xff000000}},
-              {{0xf800, 0x7e0, 0x1f},
-               "\0\0\xff\xff\0\x80\0\0"_qba,
-               {0xff000000, 0xffffffff, half5, 0xff000000}},
-              {{0xf00, 0xf0, 0xf, 0xf000},
-               "\0\xf0\xff\xff\0\xf8\0\0"_qba,
-               {0xff000000, 0xffffffff, qRgb(0x88, 0, 0), 0}},
-              {{0x7c00, 0x3e0, 0x1f, 0x8000},
-               "\0\x80\xff\xff\0\xc0\0\0"_qba,
-               {0xff000000, 0xffffffff, half5, 0}}}) {
-            QByteArray maskBytes;
-            for (const quint32 mask : masks)
-                maskBytes += little32(mask);
-            QVERIFY(writeFile(path, bitmap({4, 1}, 16, masks.size() == 4 ? 108 : 40, masks.isEmpty() ? 0 : 3,
-                                           maskBytes, pixels)));
-            const QImage image = decoded(path);
-            QCOMPARE(image.size(), QSize(4, 1));
-            for (int x = 0; x < 4; ++x)
-                QCOMPARE(QString::number(image.pixel(x, 0), 16), QString::number(colors[x], 16));
-        }
-    }
-
     void tgaOfOtherPrograms()
     {
         const auto tga = [](int type, int bits, int descriptor, const QByteArray &pixels) {
@@ -181,25 +148,6 @@ private Q_SLOTS:
             QCOMPARE(error, colors.isEmpty() ? u"not a picture that can be read"_qs : QString());
             for (int i = 0; i < colors.size(); ++i)
                 QCOMPARE(QString::number(image.pixel(i % 2, i / 2), 16), QString::number(colors[i], 16));
-        }
-    }
-
-    /// Runs may leave pixels out; those are of the palette's first color.
-    void skippedPixelsAreBlank()
-    {
-        const QByteArray palette = little32(0x102030) + little32(0xffffff);
-        QByteArray file = bitmap({40, 30}, 8, 40, 1, palette,
-                                 QByteArray("\0\2\x10\x10"
-                                            "\1\1\0\1",
-                                            8));
-        file.replace(46, 4, little32(2)); // colors used
-        const QString path = m_folder.path("skips.bmp");
-        QVERIFY(writeFile(path, file));
-        const QImage image = decoded(path);
-        QCOMPARE(image.size(), QSize(40, 30));
-        for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x)
-                QCOMPARE(image.pixel(x, y), x == 16 && y == 13 ? 0xffffffff : 0xff102030);
         }
     }
 
