@@ -257,8 +257,7 @@ private Q_SLOTS:
             addRow(Kind{options});
         for (const char *options :
              {"-define webp:lossless=true webp:webp", "-profile %1 -define webp:lossless=true webp:webp",
-              "-define bmp:subtype=ARGB4444 bmp:bmp", "ico:ico", "-resize 256x256! ico:ico",
-              "-type TrueColorAlpha -compress RLE tga:tga"})
+              "ico:ico", "-resize 256x256! ico:ico", "-type TrueColorAlpha -compress RLE tga:tga"})
             addRow(Kind{QLatin1String("-channel RGBA ") + QLatin1String(options), true});
         for (const char *options :
              {"-interlace Line gif:gif", "-fuzz 30% -transparent green -colors 17 gif:gif"})

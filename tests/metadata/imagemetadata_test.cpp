@@ -195,31 +195,6 @@ private Q_SLOTS:
         check("Australia/Lord_Howe", QDate(2021, 10, 3), QTime(2, 10)); // half an hour
         check("Pacific/Apia", QDate(2011, 12, 30), QTime(12, 0));       // a whole day
     }
-
-    void clearing()
-    {
-        ImageMetadata full;
-        for (size_t i = 0; i < metadataProperties().size(); ++i)
-            full.setValue(MetadataProperty(i), 1);
-        for (int choice = 0; choice < 4; ++choice) {
-            const bool copyright = (choice & 1) != 0;
-            const bool contact = (choice & 2) != 0;
-            ImageMetadata metadata = full;
-            metadata.clearTiffDataKeepCopyright(copyright, contact);
-            metadata.clearIptcDataKeepCopyright(copyright, contact);
-            metadata.clearExifData();
-            for (const QVariant &value : {metadata.iptcCopyright(), metadata.tiffCopyright()})
-                QCOMPARE(value.isValid(), copyright);
-            for (const QVariant &value : {metadata.iptcCreator(), metadata.tiffArtist(),
-                                          metadata.iptcCreatorTitle(), metadata.iptcCreatorEmail()})
-                QCOMPARE(value.isValid(), contact);
-            QCOMPARE(metadata.iptcData().size(), 1 + (copyright ? 1 : 0) + (contact ? 2 : 0));
-            // Resolution, orientation and compression stay.
-            QCOMPARE(metadata.tiffData().size(), 5 + (copyright ? 1 : 0) + (contact ? 1 : 0));
-            QVERIFY(metadata.exifData().isEmpty() && metadata.exifAuxData().isEmpty());
-            QCOMPARE(metadata.clearedGroups(), ClearedGroup::Tiff | ClearedGroup::Iptc | ClearedGroup::Exif);
-        }
-    }
 };
 
 QTEST_GUILESS_MAIN(ImageMetadataTest)

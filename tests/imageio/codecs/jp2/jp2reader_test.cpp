@@ -41,6 +41,37 @@ class Jp2ReaderTest : public QObject
         return path;
     }
 
+    void checkPalette(int columns, bool isRead)
+    {
+        const QString path = compressed(u"palette.jp2"_qs, "-size 60x40 xc:black -depth 8 pgm");
+        const auto box = [](const char *type, const QByteArray &contents) {
+            return big32(contents.size() + 8) + type + contents;
+        };
+        QByteArray table("\0\2", 2), map; // two entries of a byte in each column
+        table +=
+            char(columns) + QByteArray(columns, 7) + QByteArray(columns, char(90)) + QByteArray(columns, 0);
+        for (int i = 0; i < columns; ++i)
+            map += QByteArray("\0\0\1", 3) + char(i);
+        const QByteArray added = box("pclr", table) + box("cmap", map);
+        QByteArray contents = contentsOf(path);
+        const qsizetype colors = contents.indexOf("colr");
+        const qsizetype header = contents.indexOf("jp2h") - 4;
+        QVERIFY(colors > header && header > 0);
+        contents[colors + 10] = 16; // sRGB
+        char *length = contents.data() + header;
+        const auto end = qFromBigEndian<quint32>(length);
+        qToBigEndian(quint32(end + added.size()), length);
+        contents.insert(header + end, added);
+        QVERIFY(writeFile(path, contents));
+        QString error;
+        const QImage image = decoded(path, &error);
+        QCOMPARE(!image.isNull(), isRead);
+        if (isRead)
+            QCOMPARE(image.pixelColor(30, 20), QColor(90, 90, 90));
+        else
+            QVERIFY2(error.contains(u"this kind of JPEG 2000"_qs), qPrintable(error));
+    }
+
     TestFolder m_folder;
 
 private Q_SLOTS:
@@ -52,24 +83,19 @@ private Q_SLOTS:
 
     void colorsAreThoseOfTheLibrarysProgram()
     {
-        const auto check = [this](const QString &path, QSize size) {
-            const QString png = m_folder.path("expected.png");
-            outputOf("opj_decompress -i %1 -o %2", path, png);
-            const QImage image = decoded(path);
-            QCOMPARE(image.size(), size);
-            const double difference = meanDifference(image, QImage(png));
-            QVERIFY2(difference < 0.6, qPrintable(QString::number(difference)));
-        };
-        const QString palette = sourceFolder() + u"/tests/fuzz/corpus/fuzz_jp2/palette.jp2"_qs;
-        check(palette, ImageSource::open(palette)->info().rows.size);
+        const QString png = m_folder.path("expected.png");
         for (const auto &[kind, options] : {std::pair{"8 ppm", ""},
                                             {"16 ppm", ""},
                                             {"8 pgm", ""},
                                             {"8 ppm", "-t 40,33"},
                                             {"8 ppm", "-d 13,7"}}) {
-            check(compressed(u"photo.jp2"_qs,
-                             QByteArray("-size 151x97 -seed 5 plasma:red-blue -depth ") + kind, options),
-                  {151, 97});
+            const QString path = compressed(
+                u"photo.jp2"_qs, QByteArray("-size 151x97 -seed 5 plasma:red-blue -depth ") + kind, options);
+            outputOf("opj_decompress -i %1 -o %2", path, png);
+            const QImage image = decoded(path);
+            QCOMPARE(image.size(), QSize(151, 97));
+            const double difference = meanDifference(image, QImage(png));
+            QVERIFY2(difference < 0.6, qPrintable(QString::number(difference)));
         }
     }
 
@@ -103,6 +129,12 @@ private Q_SLOTS:
             QVERIFY(decoded(path, &error).isNull());
             QVERIFY2(error.contains(QLatin1String(reason)), qPrintable(error));
         }
+    }
+
+    void paletteIsBounded()
+    {
+        for (const int columns : {3, 255})
+            checkPalette(columns, columns == 3);
     }
 
     void memoryOfSmallFilesIsCounted_data()

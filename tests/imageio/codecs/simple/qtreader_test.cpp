@@ -57,7 +57,6 @@ class QtReaderTest : public QObject
     struct Huge {
         Text name;
         QByteArray file;
-        bool isComplete;
     };
 
     void checkLargestIcon(const QString &suffix)
@@ -153,35 +152,24 @@ private Q_SLOTS:
 
     void hugeFileOfLittleDataFails_data()
     {
-        addRow<Huge>(
-            {"TGA",
-             QByteArray("\0\0\x0a\0\0\0\0\0\0\0\0\0\x30\x75\x30\x75\x18\0", 18) + QByteArray(8000, 'x'),
-             false});
+        addRow<Huge>({"TGA", QByteArray("\0\0\x0a\0\0\0\0\0\0\0\0\0\x30\x75\x30\x75\x18\0", 18) +
+                                 QByteArray(8000, 'x')});
         for (int kind = 1; kind <= 6; ++kind)
             addRow<Huge>({QString::asprintf("P%d", kind),
                           "P" + QByteArray::number(kind) +
                               (kind % 3 == 1 ? " 30000 30000\n" : "# 1 1\n30000 30000 255\n") +
-                              QByteArray(8000, '1'),
-                          false});
-        // As few bytes as a picture can have.
-        addRows<Huge>({{"short P1", "P1\n#9\n2 2\n1 0 1 0\n", true},
-                       {"short P2", "P2 2 2 9 1 2 3 4\n", true},
-                       {"short P3", "P3 2 1 9 1 2 3 4 5 6\n", true},
-                       {"short P4", "P4 9 1\n\xff\x80", true},
-                       {"short P5", "P5 2 1 65535\n1122", true},
-                       {"short P6", "P6 1 1 255\nabc", true}});
+                              QByteArray(8000, '1')});
     }
 
     /// They would need gigabytes.
     void hugeFileOfLittleDataFails()
     {
-        auto [name, file, isComplete] = currentRow<Huge>();
+        auto [name, file] = currentRow<Huge>();
         const QString path = m_folder.path(file.startsWith('P') ? u"huge.pnm"_qs : u"huge.tga"_qs);
         QVERIFY(writeFile(path, file));
         const auto source = ImageSource::open(path);
-        QCOMPARE(source && source->createImage(), isComplete);
-        QCOMPARE(source ? QString() : source.error().text,
-                 isComplete ? QString() : u"the file is truncated"_qs);
+        QVERIFY(!source);
+        QCOMPARE(source.error().text, u"the file is truncated"_qs);
     }
 
     void largestIconIsRead()
