@@ -4,6 +4,7 @@
 
 #include "cli/interruption.h"
 #include "cli/messages.h"
+#include "cli/photopaths.h"
 #include "imageio/imagesource.h"
 #include "images/strips.h"
 #include "images/uprighting.h"
@@ -137,12 +138,16 @@ CLI::App *addInspectCommand(CLI::App &program, InspectOptions &options)
     CLI::App *command = program.add_subcommand(
         "inspect", "Print the facts about photos: upright size, properties, texts of the tokens");
     command->add_flag("--json", options.json, "Print an array with an object for each file");
-    command->add_option("FILE", options.paths, "The photos")->required();
+    addPaths(*command, "FILE", options.paths, "The photos");
     return command;
 }
 
 int runInspect(const InspectOptions &options)
 {
+    if (options.paths.empty()) {
+        printLine(stderr, QStringLiteral("plexa-cli: there is no photo: name files"));
+        return kWrongUsage;
+    }
     const LocaleFormat locale;
     std::vector<std::optional<Result<Inspection>>> results(options.paths.size());
     bool hasFailures = false;

@@ -54,6 +54,17 @@ CLI::Validator somePath()
         std::string());
 }
 
+CLI::Option *addPaths(CLI::App &command, const char *name, std::vector<std::string> &paths,
+                      const char *description)
+{
+    // Without extra arguments nothing is split, but only the least number of arguments is accepted.
+    constexpr int kAnyNumber = CLI::detail::expected_max_vector_size;
+    return command.add_option(name, paths, description)
+        ->expected(kAnyNumber, kAnyNumber)
+        ->allow_extra_args(false)
+        ->take_all();
+}
+
 PhotoPath decodedPath(const std::string &path)
 {
     const QByteArray bytes = QByteArray::fromStdString(path);

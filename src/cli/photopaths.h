@@ -10,8 +10,10 @@
 
 namespace CLI
 {
+class App;
+class Option;
 class Validator;
-}
+} // namespace CLI
 
 namespace plexa
 {
@@ -21,6 +23,11 @@ CLI::Validator someText();
 
 /// For options that name a file or a folder. A path that is not valid text would become another path.
 CLI::Validator somePath();
+
+/// Declares the arguments that are paths. They are used as they are: the parser would read "[a,b]" as a list
+/// of two paths. The caller checks whether there are any.
+CLI::Option *addPaths(CLI::App &command, const char *name, std::vector<std::string> &paths,
+                      const char *description);
 
 struct PhotoPath {
     QString path;

@@ -86,7 +86,7 @@ Result<WPresetValues> quickPreset(const SaveOptions &options, const FontCatalog 
     }
     const QString typeBefore = values.type;
     for (const std::string &field : options.fields) {
-        if (Result<void> applied = applyField(values, field); !applied)
+        if (Result<void> applied = applyField(values, field, fonts); !applied)
             return tl::unexpected(applied.error());
     }
     const bool isImageWanted = !options.text && values.type == typeBefore && !values.image.isNull();
@@ -180,6 +180,7 @@ Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
     run.preservesCreationDate = !options.noCreationDate;
     run.isDryRun = options.dryRun;
     run.conflictCode = conflictCode(options.conflict);
+    run.conflictScope = OutputNaming::Scope::FilesFromBefore;
     run.jobs =
         options.jobs > 0 ? options.jobs : static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
     run.isStopped = isInterrupted;
@@ -200,6 +201,10 @@ int saveAll(SavingRun &run, const std::vector<PhotoPath> &photos, const SaveOpti
     const PhotoServices services{fonts, locale, cache, budget, ReadLimits{.maxBytes = memory}};
 
     run.photoCount = photos.size();
+    if (run.conflictCode == OutputNaming::always(OutputNaming::kOverwrite)) {
+        for (const PhotoPath &photo : photos)
+            run.keptPhotos.append(photo.path);
+    }
     run.photoAt = [&](std::size_t index) -> SavingPhoto {
         const PhotoPath &photo = photos[index];
         if (!photo.failure.isEmpty())
@@ -301,7 +306,7 @@ CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options)
     addRepeatable(*command, "--save-set", options.savingFields, "FIELD=VALUE",
                   "Set a field of the saving preset, as in --save-set jpegQuality=90");
     addCopyOptions(*command, options);
-    command->add_option("PATH", options.paths, "Photos, and folders of them")->required();
+    addPaths(*command, "PATH", options.paths, "Photos, and folders of them");
     return command;
 }
 
@@ -312,6 +317,8 @@ int runSave(const SaveOptions &options)
     if (!options.text && options.image.empty() && options.fields.empty() && !isPresetsMode(options))
         return refuse(
             QStringLiteral("there is no watermark: give --text, --image, --set, --wpresets or --apply"));
+    if (options.paths.empty())
+        return refuse(QStringLiteral("there is no photo: name files or folders"));
     const FontCatalog fonts;
     Result<SavingRun> run = planRun(options, fonts);
     if (!run)

@@ -41,6 +41,7 @@ QString nameOf(Conflict conflict)
 {
     switch (conflict) {
     case Conflict::UniqueName:
+    case Conflict::UniqueNameInRun:
         return QStringLiteral("unique");
     case Conflict::Overwrite:
         return QStringLiteral("overwrite");
@@ -72,6 +73,16 @@ bool isPlan(const SavingOutput &output)
     return output.status == Status::Planned;
 }
 
+/// What the user should know about a written copy, although it is no failure.
+QStringList noticesOf(const SavingOutput &output)
+{
+    QStringList notices;
+    if (output.conflict == Conflict::UniqueNameInRun)
+        notices.append(QStringLiteral("another file of this run has the name of the copy, so it is \"%1\"")
+                           .arg(output.path));
+    return notices;
+}
+
 QByteArray jsonLine(const SavingOutput &output)
 {
     const CopyReport &report = output.report;
@@ -86,6 +97,8 @@ QByteArray jsonLine(const SavingOutput &output)
         line[QStringLiteral("dropped")] = QJsonArray::fromStringList(report.dropped);
     if (output.conflict != Conflict::None)
         line[QStringLiteral("conflict")] = nameOf(output.conflict);
+    if (const QStringList notices = noticesOf(output); !notices.isEmpty())
+        line[QStringLiteral("notices")] = QJsonArray::fromStringList(notices);
     if (isPlan(output))
         line[QStringLiteral("emptyTokens")] = QJsonArray::fromStringList(output.emptyTokens);
     return QJsonDocument(line).toJson(QJsonDocument::Compact);
@@ -162,6 +175,10 @@ void SaveReport::copyFinished(const SavingOutput &output)
     else if (!m_form.quiet && isWithoutWatermark(output))
         printAbout(output.sourcePath, withoutWatermark(output, m_form.hasSeveralWatermarks));
 
+    if (!m_form.quiet && !m_form.json) {
+        for (const QString &notice : noticesOf(output))
+            printAbout(output.sourcePath, notice);
+    }
     // The JSON line contains it.
     if (!m_form.quiet && !m_form.json && !output.report.dropped.isEmpty())
         printAbout(output.sourcePath,

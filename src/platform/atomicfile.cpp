@@ -205,6 +205,8 @@ Result<void> AtomicFile::checkTarget()
             return failure(EISDIR);
         if (m_ifExists == IfExists::Fail)
             return failure(EEXIST);
+        if (S_ISLNK(there.st_mode)) // with ReplaceLink
+            break;
         if (!S_ISREG(there.st_mode))
             return fail(
                 AtomicFileTexts::tr("\"%1\" cannot be written: it is not an ordinary file").arg(m_path));
@@ -300,7 +302,7 @@ Result<void> AtomicFile::finishContents()
     if (const int error = m_device->finish())
         return failure(error);
     const int descriptor = m_device->handle();
-    if (m_ifExists == IfExists::Replace) {
+    if (m_ifExists != IfExists::Fail) {
         if (Result<void> done = takeOverPermissions(); !done)
             return done;
     }
@@ -327,8 +329,10 @@ Result<void> AtomicFile::takeOverPermissions() const
     struct stat own {
     };
     const int descriptor = m_device->handle();
-    if (stat(m_target.constData(), &old) != 0)
+    if (lstat(m_target.constData(), &old) != 0)
         return errno == ENOENT ? Result<void>() : failure(errno);
+    if (S_ISLNK(old.st_mode)) // its permissions mean nothing
+        return {};
     if (fstat(descriptor, &own) != 0)
         return failure(errno);
     mode_t mode = old.st_mode & kPermissionBits;

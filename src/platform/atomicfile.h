@@ -21,9 +21,10 @@ namespace plexa
 class AtomicFile final
 {
 public:
-    /// What commit() does where the target exists. Fail never replaces anything, not even a file that appears
-    /// at the last moment or a dangling symbolic link.
-    enum class IfExists { Replace, Fail };
+    /// What commit() does where the target exists. A symbolic link is followed by Replace and replaced itself
+    /// by ReplaceLink. Fail never replaces anything, not even a file that appears at the last moment or a
+    /// dangling symbolic link.
+    enum class IfExists { Replace, ReplaceLink, Fail };
 
     /// Whether commit() waits until the disk has the contents, so that not even a power cut leaves an empty
     /// file, or leaves the time to the system (for what is easily made again).
@@ -45,8 +46,7 @@ public:
     /// exist; none: open() or commit() fails then. On the thread of the object.
     void setAlternatives(std::function<std::optional<QString>()> nextPath);
 
-    /// Checks the target and starts the file. Where the target is a symbolic link that may be replaced, the
-    /// file it points to is meant, and the link stays. Refuses a target that is a folder, a device or
+    /// Checks the target and starts the file. Refuses a target that is a folder, a device or
     /// write-protected, and with IfExists::Fail one that is already there.
     [[nodiscard]] Result<void> open();
 

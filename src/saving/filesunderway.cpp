@@ -21,6 +21,12 @@ QString FilesUnderWay::keyOf(const QString &path)
     QFileInfo info(path);
     for (int i = 0; i < kMaxLinks && info.isSymLink(); ++i)
         info.setFile(info.symLinkTarget());
+    return nameKeyOf(info.filePath());
+}
+
+QString FilesUnderWay::nameKeyOf(const QString &path)
+{
+    const QFileInfo info(path);
     const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
     return folder.isEmpty() ? QDir::cleanPath(info.absoluteFilePath()) : folder + u'/' + info.fileName();
 }
@@ -39,7 +45,7 @@ void FilesUnderWay::end(const QString &key, Use use)
         return;
     int &count = (*found)[static_cast<std::size_t>(use)];
     count = std::max(count - 1, 0);
-    if (*found == std::array<int, 3>())
+    if (*found == Counts())
         m_counts.erase(found);
 }
 

@@ -4,6 +4,7 @@
 
 #include "platform/alerts.h"
 #include "platform/filenames.h"
+#include "saving/namingtokens.h"
 #include "saving/safefilename.h"
 #include "watermark/texttokens.h"
 
@@ -23,18 +24,6 @@ struct Texts {
 };
 
 constexpr int kHighestNumber = 9999;
-const QString kSequence = QStringLiteral("sequence ");
-
-/// The number for "sequence #", "sequence ##" and so on, up to four digits.
-std::optional<QString> sequenceText(const QString &token, qint64 number)
-{
-    if (!token.startsWith(kSequence))
-        return std::nullopt;
-    const QStringView marks = QStringView(token).mid(kSequence.size());
-    if (marks.isEmpty() || marks.size() > 4 || marks.count(u'#') != marks.size())
-        return std::nullopt;
-    return QString::asprintf("%0*lld", static_cast<int>(marks.size()), static_cast<long long>(number));
-}
 
 QString inCase(const QString &text, const QString &letterCase)
 {
@@ -74,10 +63,11 @@ OutputNaming::ConflictCode OutputNaming::always(Choice choice)
     return static_cast<ConflictCode>(kRemembered | static_cast<quint32>(choice));
 }
 
-OutputNaming::OutputNaming(OutputFolders folders, Alerts &alerts, Wait waitForOutcome)
+OutputNaming::OutputNaming(OutputFolders folders, Alerts &alerts, Wait waitForOutcome, Scope scope)
     : m_folders(std::move(folders))
     , m_alerts(alerts)
     , m_waitForOutcome(std::move(waitForOutcome))
+    , m_scope(scope)
 {
 }
 
@@ -86,12 +76,8 @@ QString OutputNaming::filenameForImage(const PhotoFacts &image, const QString &i
                                        qint64 sequenceNumber)
 {
     const auto expanded = [&](const QString &token) -> QString {
-        if (const auto number = sequenceText(token, sequenceNumber))
-            return *number;
-        if (token == QLatin1StringView("watermark preset name"))
-            return wPresetName;
-        if (token == QLatin1StringView("saving preset name"))
-            return savingPreset.name;
+        if (const auto text = namingTokenText(token, sequenceNumber, wPresetName, savingPreset.name))
+            return *text;
         bool isToken = false;
         const std::optional<QString> value = image.stringForInfoToken(token, &isToken);
         return isToken ? value.value_or(QString()) : token;
@@ -141,19 +127,20 @@ QString OutputNaming::targetDirectoryForFile(const QString &path) const
     return folder;
 }
 
-std::optional<OutputNaming::Destination> OutputNaming::finalDestinationForPath(const QString &path,
-                                                                               ConflictCode &code)
+std::optional<OutputNaming::Destination>
+OutputNaming::finalDestinationForPath(const QString &path, ConflictCode &code, const QString &photoKey)
 {
     const bool waits = code != always(kUniqueName);
     if (!existsFor(path, waits))
-        return take(path, false);
-    switch (choiceFor(path, code)) {
+        return take({path});
+    const bool isOwnFile = waits && isKept(path, photoKey);
+    switch (isOwnFile ? kUniqueName : choiceFor(path, code)) {
     case kUniqueName:
         if (const std::optional<QString> unique = uniquePath(path, waits))
-            return take(*unique, false);
+            return take({*unique, false, isOwnFile});
         return std::nullopt;
     case kOverwrite:
-        return take(path, true);
+        return take({path, true});
     case kNoChoice:
     case kSkip:
         break;
@@ -161,14 +148,31 @@ std::optional<OutputNaming::Destination> OutputNaming::finalDestinationForPath(c
     return std::nullopt;
 }
 
+QString OutputNaming::targetKey(const QString &path, const QString &photoKey)
+{
+    const QString followed = FilesUnderWay::keyOf(path);
+    return followed == photoKey ? followed : FilesUnderWay::nameKeyOf(path);
+}
+
 bool OutputNaming::isBeingWritten(const QString &path) const
 {
-    return m_files.isUsed(FilesUnderWay::keyOf(path), FilesUnderWay::Use::Named);
+    return m_files.isUsed(FilesUnderWay::nameKeyOf(path), FilesUnderWay::Use::Named);
 }
 
 void OutputNaming::finished(const QString &path)
 {
-    m_files.end(FilesUnderWay::keyOf(path), FilesUnderWay::Use::Named);
+    m_files.end(FilesUnderWay::nameKeyOf(path), FilesUnderWay::Use::Named);
+}
+
+/// Is the file at the path a file of the run, to which the choice for conflicts does not apply?
+bool OutputNaming::isKept(const QString &path, const QString &photoKey) const
+{
+    if (m_scope == Scope::AllFiles)
+        return false;
+    using Use = FilesUnderWay::Use;
+    const QString key = targetKey(path, photoKey);
+    return isBeingWritten(path) || m_files.isUsed(key, Use::Made) ||
+           (key != photoKey && m_files.isUsed(key, Use::Photo));
 }
 
 /// A dangling link takes the name, too.
@@ -232,15 +236,15 @@ std::optional<QString> OutputNaming::anotherUniquePath(const QString &path, int 
     while (++number <= kHighestNumber) {
         const QString candidate = numberedPath(path, number);
         if (!isTaken(candidate))
-            return take(candidate, false).path;
+            return take({candidate}).path;
     }
     return std::nullopt;
 }
 
-OutputNaming::Destination OutputNaming::take(const QString &path, bool overwrites)
+OutputNaming::Destination OutputNaming::take(const Destination &destination)
 {
-    m_files.begin(FilesUnderWay::keyOf(path), FilesUnderWay::Use::Named);
-    return {path, overwrites};
+    m_files.begin(FilesUnderWay::nameKeyOf(destination.path), FilesUnderWay::Use::Named);
+    return destination;
 }
 
 } // namespace plexa

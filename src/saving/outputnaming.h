@@ -42,7 +42,15 @@ public:
 
     struct Destination {
         QString path;
-        bool overwrites = false; ///< replaces a file; else a file that appears there must stay
+        bool overwrites = false;    ///< replaces a file; else a file that appears there must stay
+        bool avoidsOwnFile = false; ///< a unique name, because a file of the run has the wanted one
+    };
+
+    /// The files that the choice for conflicts is about.
+    enum class Scope {
+        AllFiles,
+        FilesFromBefore, ///< not the other photos and copies of the run: these stay, the copy gets a unique
+                         ///< name
     };
 
     /// Returns when no copy is being written to the path any more.
@@ -54,7 +62,8 @@ public:
     ///                       Where it is empty, or unique names are the choice for all conflicts, the file of
     ///                       such a copy counts as existing, so that copies of one name do not wait for each
     ///                       other
-    OutputNaming(OutputFolders folders, Alerts &alerts, Wait waitForOutcome = {});
+    OutputNaming(OutputFolders folders, Alerts &alerts, Wait waitForOutcome = {},
+                 Scope scope = Scope::AllFiles);
 
     /// A copy's file name without its folder: the expanded tokens of the preset, completed by
     /// filenameWithExtensionForFilename().
@@ -74,9 +83,15 @@ public:
     QString targetDirectoryForFile(const QString &path) const;
 
     /// Decides where a copy is written when a file may exist there, and reserves that path until finished().
-    /// @param path  folder and name
+    /// @param path      folder and name
+    /// @param photoKey  of the photo that the copy is made of, which the copy may replace
     /// @return none when the photo is skipped, by choice or because "NAME-1.jpg" to "NAME-9999.jpg" are taken
-    std::optional<Destination> finalDestinationForPath(const QString &path, ConflictCode &code);
+    std::optional<Destination> finalDestinationForPath(const QString &path, ConflictCode &code,
+                                                       const QString &photoKey = {});
+
+    /// The key of the file that a copy at the path replaces: a symbolic link is followed to the copy's own
+    /// photo only, any other one is replaced itself.
+    static QString targetKey(const QString &path, const QString &photoKey);
 
     /// For a copy whose path another program has taken meanwhile: the next one of "NAME-1.jpg" to
     /// "NAME-9999.jpg" that is free, reserved until finished().
@@ -95,14 +110,16 @@ public:
 
 private:
     bool isTaken(const QString &path) const;
+    bool isKept(const QString &path, const QString &photoKey) const;
     bool existsFor(const QString &path, bool waits) const;
     Choice choiceFor(const QString &path, ConflictCode &code) const;
     std::optional<QString> uniquePath(const QString &path, bool waits);
-    Destination take(const QString &path, bool overwrites);
+    Destination take(const Destination &destination);
 
     OutputFolders m_folders;
     Alerts &m_alerts;
     Wait m_waitForOutcome;
+    const Scope m_scope;
     QHash<QString, int> m_lastNumbers; // of each path that was taken; on the thread that asks for names
     FilesUnderWay m_files;
 };

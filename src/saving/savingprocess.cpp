@@ -71,6 +71,10 @@ struct Pending {
     QString wantedPath;       ///< before anything was done about a file that exists
     QStringList alternatives; ///< paths that were tried in place of output.path
     bool overwrites = false;
+    bool followsLink = false; ///< the path is a symbolic link to the photo itself
+    /// If another program takes the path meanwhile; kNoChoice: the copy fails.
+    OutputNaming::Choice ifTakenMeanwhile = OutputNaming::kNoChoice;
+    bool isTakenMeanwhile = false;
     /// Also when it fails: others have got names of their own meanwhile, whatever the number of threads.
     bool keepsName = false;
     bool isFinished = true; // guarded by the process's mutex
@@ -85,7 +89,9 @@ struct Order {
 
 AtomicFile::IfExists ifExists(const Pending &pending)
 {
-    return pending.overwrites ? AtomicFile::IfExists::Replace : AtomicFile::IfExists::Fail;
+    if (pending.ifTakenMeanwhile != OutputNaming::kOverwrite)
+        return AtomicFile::IfExists::Fail;
+    return pending.followsLink ? AtomicFile::IfExists::Replace : AtomicFile::IfExists::ReplaceLink;
 }
 
 std::vector<Order> ordersOf(const SavingRun &run)
@@ -166,7 +172,9 @@ private:
     void read(AheadOfTime &photo) const;
     void savePhoto();
     void saveCopy(const std::shared_ptr<PhotoInWork> &photo, const AheadOfTime &ahead, const Order &order);
-    void decide(Pending &pending, const AheadOfTime &ahead, const Order &order, const QString &folder);
+    void decide(Pending &pending, const AheadOfTime &ahead, const Order &order, const QString &photoKey);
+    void setDestination(Pending &pending, const OutputNaming::Destination &destination,
+                        const QString &photoKey) const;
     void startWriting(Pending &pending, const std::shared_ptr<PhotoInWork> &photo, const Order &order);
     std::function<std::optional<QString>()> alternativesFor(Pending &pending);
     void giveNameBack(const Pending &pending);
@@ -206,7 +214,8 @@ SavingProcess::SavingProcess(const SavingRun &run, SavingObserver &observer, Ale
     : m_run(run)
     , m_observer(observer)
     , m_terminateOperation(terminateOperation)
-    , m_naming(foldersOf(run), alerts, run.isDryRun ? OutputNaming::Wait() : waitForOutcome())
+    , m_naming(foldersOf(run), alerts, run.isDryRun ? OutputNaming::Wait() : waitForOutcome(),
+               run.conflictScope)
     , m_orders(ordersOf(run))
     , m_total(static_cast<qint64>(run.photoCount * m_orders.size()))
     , m_namesNeedPhotos(run.isDryRun || std::any_of(m_orders.begin(), m_orders.end(),
@@ -253,6 +262,8 @@ void SavingProcess::run()
         return;
     if (!m_run.folders.destDirectory.isEmpty() && !m_run.isDryRun)
         QDir().mkpath(m_run.folders.destDirectory); // without it every copy fails and says so
+    for (const QString &photo : m_run.keptPhotos)
+        m_naming.files().begin(FilesUnderWay::keyOf(photo), Use::Photo);
     const int jobs = std::max(m_run.jobs, 1);
     m_pool.emplace(static_cast<int>(std::min<qint64>(jobs, m_total)));
     for (std::size_t index = 0; index < m_run.photoCount; ++index) {
@@ -334,7 +345,7 @@ void SavingProcess::saveCopy(const std::shared_ptr<PhotoInWork> &photo, const Ah
     output.wPresetName = order.presets.front().values.name;
     output.isCombined = order.isCombined;
     if (photo->image) {
-        decide(pending, ahead, order, m_naming.targetDirectoryForFile(ahead.photo.path));
+        decide(pending, ahead, order, photo->key);
     } else {
         output.status = SavingOutput::Status::Failed;
         output.error = ahead.failure;
@@ -355,7 +366,7 @@ void SavingProcess::saveCopy(const std::shared_ptr<PhotoInWork> &photo, const Ah
 
 /// Name, question, final path.
 void SavingProcess::decide(Pending &pending, const AheadOfTime &ahead, const Order &order,
-                           const QString &folder)
+                           const QString &photoKey)
 {
     using Conflict = SavingOutput::Conflict;
     SavingOutput &output = pending.output;
@@ -365,21 +376,36 @@ void SavingProcess::decide(Pending &pending, const AheadOfTime &ahead, const Ord
     m_observer.copyBegun(output.sequenceNumber,
                          Texts::tr("Saving image %1 out of %2:\n%3")
                              .arg(QString::number(output.sequenceNumber), QString::number(m_total), name));
-    const QString path = QDir(folder).filePath(name);
+    const QString path = QDir(m_naming.targetDirectoryForFile(ahead.photo.path)).filePath(name);
     pending.wantedPath = path;
     pending.keepsName = m_conflictCode == OutputNaming::always(OutputNaming::kUniqueName);
-    if (const auto destination = m_naming.finalDestinationForPath(path, m_conflictCode)) {
-        output.path = destination->path;
-        pending.overwrites = destination->overwrites;
-        if (destination->overwrites)
-            output.conflict = Conflict::Overwrite;
-        else if (destination->path != path)
-            output.conflict = Conflict::UniqueName;
+    if (const auto destination = m_naming.finalDestinationForPath(path, m_conflictCode, photoKey)) {
+        setDestination(pending, *destination, photoKey);
         return;
     }
     output.status = SavingOutput::Status::Skipped;
     const auto choice = static_cast<quint32>(m_conflictCode) & ~OutputNaming::kRemembered;
-    output.conflict = choice == OutputNaming::kUniqueName ? Conflict::NoNameIsFree : Conflict::Skip;
+    output.conflict = choice == OutputNaming::kSkip ? Conflict::Skip : Conflict::NoNameIsFree;
+}
+
+void SavingProcess::setDestination(Pending &pending, const OutputNaming::Destination &destination,
+                                   const QString &photoKey) const
+{
+    using Conflict = SavingOutput::Conflict;
+    SavingOutput &output = pending.output;
+    output.path = destination.path;
+    pending.overwrites = destination.overwrites;
+    pending.followsLink = FilesUnderWay::keyOf(destination.path) == photoKey;
+    const auto code = static_cast<quint32>(m_conflictCode);
+    if ((code & OutputNaming::kRemembered) != 0)
+        pending.ifTakenMeanwhile = static_cast<OutputNaming::Choice>(code & ~OutputNaming::kRemembered);
+    if (destination.overwrites) {
+        output.conflict = Conflict::Overwrite;
+        pending.ifTakenMeanwhile = OutputNaming::kOverwrite;
+    } else if (destination.path != pending.wantedPath) {
+        output.conflict = destination.avoidsOwnFile ? Conflict::UniqueNameInRun : Conflict::UniqueName;
+        pending.ifTakenMeanwhile = OutputNaming::kUniqueName;
+    }
 }
 
 void SavingProcess::startWriting(Pending &pending, const std::shared_ptr<PhotoInWork> &photo,
@@ -395,7 +421,7 @@ void SavingProcess::startWriting(Pending &pending, const std::shared_ptr<PhotoIn
     }
     removeLeftoversIn(folder);
     FilesUnderWay &files = m_naming.files();
-    const QString target = FilesUnderWay::keyOf(pending.output.path);
+    const QString target = OutputNaming::targetKey(pending.output.path, photo->key);
     if (pending.overwrites) {
         waitUntil([&] { return !files.isUsed(target, Use::Written) && !files.isUsed(target, Use::Read); });
         m_overwritten.insert(target);
@@ -424,12 +450,16 @@ void SavingProcess::startWriting(Pending &pending, const std::shared_ptr<PhotoIn
     });
 }
 
-/// Where unique names are wanted: another one, each time that the copy's turns out to be taken by somebody
-/// else. Is called on a thread of the pool.
+/// If another program has taken the path: another unique path each time, or none for a copy that is skipped
+/// then. Called on a thread of the pool.
 std::function<std::optional<QString>()> SavingProcess::alternativesFor(Pending &pending)
 {
-    const bool isUnique = pending.output.conflict == SavingOutput::Conflict::UniqueName || pending.keepsName;
-    if (!isUnique || pending.overwrites)
+    if (pending.ifTakenMeanwhile == OutputNaming::kSkip)
+        return [&pending]() -> std::optional<QString> {
+            pending.isTakenMeanwhile = true;
+            return std::nullopt;
+        };
+    if (pending.ifTakenMeanwhile != OutputNaming::kUniqueName)
         return {};
     return [this, &pending, number = 0]() mutable -> std::optional<QString> {
         std::optional<QString> next = m_naming.anotherUniquePath(pending.wantedPath, number);
@@ -452,10 +482,14 @@ void SavingProcess::finish(Pending &pending, Result<CopyReport> result, const QS
 {
     SavingOutput &output = pending.output;
     // Whoever waits for one of these finds out now whether there is a file.
-    if (result)
+    if (result) {
+        m_naming.files().begin(
+            pending.alternatives.isEmpty() ? target : FilesUnderWay::nameKeyOf(pending.alternatives.last()),
+            Use::Made);
         m_naming.finished(output.path);
-    else
+    } else {
         giveNameBack(pending);
+    }
     for (const QString &path : std::as_const(pending.alternatives))
         m_naming.finished(path);
     m_naming.files().end(target, Use::Written);
@@ -464,7 +498,11 @@ void SavingProcess::finish(Pending &pending, Result<CopyReport> result, const QS
         output.path = pending.alternatives.last();
         output.conflict = SavingOutput::Conflict::UniqueName;
     }
-    if (result) {
+    if (pending.isTakenMeanwhile) {
+        output.status = SavingOutput::Status::Skipped;
+        output.conflict = SavingOutput::Conflict::Skip;
+        output.path.clear();
+    } else if (result) {
         output.status = SavingOutput::Status::Written;
         output.report = std::move(*result);
     } else {

@@ -52,7 +52,9 @@ struct SavingRun {
     bool collectsSavedImagesInfo = false;         ///< for the companion application
     bool isDryRun = false;                        ///< everything is decided, nothing is written
     OutputNaming::ConflictCode conflictCode = 0;  ///< OutputNaming::always() asks nobody
-    int jobs = 1;                                 ///< how many copies are made at once
+    OutputNaming::Scope conflictScope = OutputNaming::Scope::AllFiles;
+    QStringList keptPhotos; ///< with Scope::FilesFromBefore: photos that only their own copies may replace
+    int jobs = 1;           ///< how many copies are made at once
 
     /// Asked before a photo is begun; true: no further one is. May be empty. On the thread of the run.
     std::function<bool()> isStopped;
@@ -62,7 +64,14 @@ struct SavingRun {
 struct SavingOutput {
     enum class Status { Planned, Written, Skipped, Failed };
     /// What was done about a file of the name that the copy should have had.
-    enum class Conflict { None, UniqueName, Overwrite, Skip, NoNameIsFree };
+    enum class Conflict {
+        None,
+        UniqueName,
+        UniqueNameInRun, ///< another photo or copy of the run has the name
+        Overwrite,
+        Skip,
+        NoNameIsFree
+    };
 
     QString sourcePath;
     QString path; ///< where the copy is, or would be; empty where it has no place

@@ -230,8 +230,8 @@ private Q_SLOTS:
         // The files of the result lines, below "out"; empty: skipped.
         for (const auto &[extra, expected] :
              {std::pair("", "a-1.png b.jpg b-1.jpg"),
-              {"--conflict overwrite", "a.png b.jpg b.jpg"},
-              {"--conflict skip", "'' b.jpg ''"},
+              {"--conflict overwrite", "a.png b.jpg b-1.jpg"},
+              {"--conflict skip", "'' b.jpg b-1.jpg"},
               {"--replicate-from %1", "a-1.png b.jpg deep/b.jpg"},
               {"--save-set 'filenameTokens=[\"city\",\"width\",\"_\",\"sequence ##\"]'",
                "120_01.png 320_02.jpg 40_03.jpg"}}) {
@@ -289,10 +289,10 @@ private Q_SLOTS:
         }
     }
 
-    /// Libraries take some names for the standard input, or for addresses.
+    /// Libraries take some names for the standard input, for addresses, or for lists.
     void namesWithAnotherMeaning()
     {
-        const QStringList names{u"-"_s, u"--quiet"_s, u"data:x"_s, u"%1 %n"_s};
+        const QStringList names{u"-"_s, u"--quiet"_s, u"data:x"_s, u"%1 %n"_s, u"[p,q]"_s};
         QVERIFY(QDir().mkpath(path("odd")) && smoothPicture({30, 20}).save(path("photo.tif")));
         for (const QString &name : names)
             QVERIFY(QFile::copy(path("photo.tif"), path("odd/") + name));

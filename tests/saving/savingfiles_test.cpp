@@ -37,6 +37,11 @@ struct FailedFirst {
     QList<Conflict> conflicts;
 };
 
+struct Choice {
+    Text name;
+    OutputNaming::Choice choice;
+};
+
 } // namespace
 
 class SavingFilesTest : public QObject, private SavingRuns
@@ -223,9 +228,69 @@ private Q_SLOTS:
         }
     }
 
-    /// Runs that know nothing of each other find free names, and tell them.
+    /// Only files from before the run are overwritten or skipped: not the copy of another photo, and not a
+    /// photo whose turn comes later.
+    void filesOfTheRunStay()
+    {
+        using enum SavingOutput::Conflict;
+        for (const bool overwrites : {true, false}) {
+            startAnew();
+            const QStringList photos{photo(u"1/a.png"_qs, {41, 30}), photo(u"2/a.png"_qs, {42, 30}),
+                                     photo(u"3/b.bmp"_qs, {43, 30}), photo(u"3/b.png"_qs, {44, 30})};
+            SavingRun run = runFor(photos, {mark(u"A"_qs)});
+            run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
+            run.conflictCode =
+                OutputNaming::always(overwrites ? OutputNaming::kOverwrite : OutputNaming::kSkip);
+            run.conflictScope = OutputNaming::Scope::FilesFromBefore;
+            run.keptPhotos = photos;
+            run.folders.destDirectory = path(u"in/3"_qs);
+            QVERIFY(smoothPicture({9, 9}).save(path(u"in/3/a-1.png"_qs)));
+            const auto conflictsOfRun = [&](bool isDryRun) {
+                run.isDryRun = isDryRun;
+                m_listener = {};
+                Saving(m_noAlerts).saveImages(run, m_listener);
+                QList<Conflict> conflicts;
+                for (const SavingOutput &output : std::as_const(m_listener.outputs))
+                    conflicts.append(output.conflict);
+                return conflicts;
+            };
+            const QList<Conflict> expected{None, UniqueNameInRun, UniqueNameInRun,
+                                           overwrites ? Overwrite : Skip};
+            QCOMPARE(conflictsOfRun(true), expected);
+            QCOMPARE(conflictsOfRun(false), expected);
+            for (const auto &[name, width] :
+                 {std::pair("a.png", 41), {"a-1.png", 9}, {"a-2.png", 42}, {"b-1.png", 43}, {"b.png", 44}})
+                QCOMPARE(QImage(path(u"in/3/"_qs + QLatin1String(name))).width(), width);
+        }
+    }
+
+    /// Replaced, unless it leads to the photo itself.
+    void linksInTheOutputFolder()
+    {
+        const QStringList photos{photo(u"1.png"_qs), photo(u"2.png"_qs)};
+        QVERIFY(writeFile(path(u"elsewhere.png"_qs), "precious") && QDir().mkpath(path(u"out"_qs)));
+        QVERIFY(QFile::link(path(u"elsewhere.png"_qs), path(u"out/1.png"_qs)));
+        QVERIFY(QFile::link(photos[1], path(u"out/2.png"_qs)));
+        const QByteArray before = contentsOf(photos[1]);
+        SavingRun run = runFor(photos, {mark(u"A"_qs)});
+        run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
+        run.conflictCode = OutputNaming::always(OutputNaming::kOverwrite);
+        Saving(m_noAlerts).saveImages(run, m_listener);
+        QCOMPARE(contentsOf(path(u"elsewhere.png"_qs)), "precious");
+        QVERIFY(!QFileInfo(path(u"out/1.png"_qs)).isSymLink() && !QImage(path(u"out/1.png"_qs)).isNull());
+        QVERIFY(QFileInfo(path(u"out/2.png"_qs)).isSymLink() && contentsOf(photos[1]) != before);
+    }
+
+    void manyRunsIntoOneFolder_data()
+    {
+        addRows<Choice>({{"unique", OutputNaming::kUniqueName},
+                         {"overwrite", OutputNaming::kOverwrite},
+                         {"skip", OutputNaming::kSkip}});
+    }
+    /// Runs that know nothing of each other do what was chosen, and report it.
     void manyRunsIntoOneFolder()
     {
+        const OutputNaming::Choice choice = currentRow<Choice>().choice;
         QStringList photos;
         for (int i = 0; i < 10; ++i)
             photos.append(photo(u"%1.png"_qs.arg(i), {40 + i, 200}));
@@ -233,7 +298,7 @@ private Q_SLOTS:
         std::vector<std::jthread> threads;
         for (Listener &listener : listeners) {
             SavingRun run = runFor(photos, {mark(u"A"_qs)});
-            run.conflictCode = OutputNaming::always(OutputNaming::kUniqueName);
+            run.conflictCode = OutputNaming::always(choice);
             threads.emplace_back([run, &listener, this] { Saving(m_noAlerts).saveImages(run, listener); });
         }
         threads.clear();
@@ -242,13 +307,18 @@ private Q_SLOTS:
             QCOMPARE(listener.outputs.size(), photos.size());
             for (qsizetype i = 0; i < photos.size(); ++i) {
                 const SavingOutput &output = listener.outputs[i];
-                QVERIFY2(output.status == Status::Written, qPrintable(output.error));
-                QCOMPARE(QImage(output.path).width(), 40 + i);
-                QCOMPARE(output.conflict != Conflict::None, output.path.contains(u'-'));
+                const bool isSkipped = choice == OutputNaming::kSkip && output.status == Status::Skipped;
+                QVERIFY2(isSkipped || output.status == Status::Written, qPrintable(output.error));
+                QCOMPARE(QImage(output.path).width(), isSkipped ? 0 : 40 + i);
+                if (choice == OutputNaming::kUniqueName)
+                    QCOMPARE(output.conflict != Conflict::None, output.path.contains(u'-'));
             }
             names += listener.names();
         }
+        names.removeAll(QString());
         names.sort();
+        if (choice == OutputNaming::kOverwrite)
+            names.removeDuplicates();
         QCOMPARE(copies(), names);
     }
 
