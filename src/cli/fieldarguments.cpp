@@ -2,6 +2,7 @@
 
 #include "cli/fieldarguments.h"
 
+#include "platform/fontcatalog.h"
 #include "presets/savingformats.h"
 #include "presets/savingpresetfields.h"
 
@@ -25,28 +26,52 @@ Result<FieldArgument> parsed(const std::string &argument)
     return FieldArgument{text.left(equals), text.mid(equals + 1)};
 }
 
-/// Refuses values with which no copy can be written.
+/// Refuses an empty list: a name needs a piece.
 Result<FieldValue> checked(const QString &name, const FieldValue &value)
 {
     const auto *const tokens = std::get_if<QStringList>(&value);
     if (tokens && tokens->join(QString()).isEmpty())
         return fail(QStringLiteral("%1: at least one that is not empty").arg(name));
-    const auto *const quality = std::get_if<WholeNumber>(&value);
-    if (quality &&
-        (*quality < SavingPresetValues::kLowestQuality || *quality > SavingPresetValues::kHighestQuality))
-        return fail(QStringLiteral("%1: a whole number from %2 to %3")
-                        .arg(name)
-                        .arg(SavingPresetValues::kLowestQuality)
-                        .arg(SavingPresetValues::kHighestQuality));
     return value;
+}
+
+/// Refuses the name of a font that is not installed.
+Result<void> checkFont(const QString &font, const FontCatalog &fonts)
+{
+    const QStringList names = fonts.postScriptNames();
+    if (font.isNull() || names.contains(font))
+        return {};
+    constexpr qsizetype kMostShown = 8;
+    const QString start = QString(font).remove(u' ').left(4);
+    QStringList similar;
+    for (const QString &name : names) {
+        if (similar.size() < kMostShown && name.startsWith(start, Qt::CaseInsensitive))
+            similar.append(name);
+    }
+    const QString hint = similar.isEmpty()
+                             ? QStringLiteral("the default is %1").arg(fonts.defaultFontName())
+                             : QStringLiteral("similar names are %1").arg(similar.join(QLatin1String(", ")));
+    return fail(QStringLiteral("there is no font \"%1\"; %2; \"plexa-cli fields font\" lists all fonts")
+                    .arg(font, hint));
 }
 
 } // namespace
 
-Result<void> applyField(WPresetValues &values, const std::string &argument)
+Result<void> applyField(WPresetValues &values, const std::string &argument, const FontCatalog &fonts)
 {
-    return parsed(argument).and_then(
-        [&values](const FieldArgument &field) { return setFieldFromText(values, field.name, field.text); });
+    const Result<FieldArgument> field = parsed(argument);
+    if (!field)
+        return tl::unexpected(field.error());
+    WPresetValues changed = values;
+    Result<void> set = setFieldFromText(changed, field->name, field->text);
+    if (set && field->name == QLatin1StringView("font"))
+        set = checkFont(changed.font, fonts);
+    return set.map([&] { values = std::move(changed); });
+}
+
+bool isForField(const std::string &argument, std::string_view field)
+{
+    return argument.starts_with(std::string(field) + '=');
 }
 
 Result<void> checkSavingPreset(const SavingPresetValues &preset)
@@ -76,8 +101,7 @@ Result<void> applySavingField(SavingPresetValues &preset, const std::string &arg
     if (!given)
         return tl::unexpected(given.error());
     if (const SavingPresetField *const field = savingPresetField(given->name)) {
-        const QJsonValue json = jsonForField(field->kind, given->text);
-        return fieldValueFrom(given->name, field->kind, field->choices(), json)
+        return fieldValueFromText(given->name, field->kind, field->limits(), given->text)
             .and_then([&](const FieldValue &value) { return checked(given->name, value); })
             .map([&](const FieldValue &value) { field->setValue(preset, value); });
     }

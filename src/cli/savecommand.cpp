@@ -86,7 +86,7 @@ Result<WPresetValues> quickPreset(const SaveOptions &options, const FontCatalog 
     }
     const QString typeBefore = values.type;
     for (const std::string &field : options.fields) {
-        if (Result<void> applied = applyField(values, field); !applied)
+        if (Result<void> applied = applyField(values, field, fonts); !applied)
             return tl::unexpected(applied.error());
     }
     const bool isImageWanted = !options.text && values.type == typeBefore && !values.image.isNull();

@@ -39,7 +39,10 @@ void ImageObject::setFilename(const QString &filename)
 {
     const QFileInfo info(path());
     const QString extension = fileExtensionOf(path());
-    const QString name = extension.isEmpty() ? filename : filename + QLatin1Char('.') + extension;
+    QString name = extension.isEmpty() ? filename : filename + QLatin1Char('.') + extension;
+    name.replace(QLatin1Char('/'), QLatin1Char('_')).remove(QChar());
+    if (filename.isEmpty() || name == QLatin1String(".") || name == QLatin1String(".."))
+        return;
     setPath(info.path() == QLatin1String(".") ? name : QDir(info.path()).filePath(name));
 }
 

@@ -44,7 +44,8 @@ public:
 
     /// The file's name without folder and extension.
     QString filename() const;
-    /// Renames the photo: the path keeps its folder and its extension.
+    /// Renames the photo: the path keeps its folder and its extension. A slash in the name becomes "_"; an
+    /// empty name, "." and ".." change nothing.
     void setFilename(const QString &filename);
 
     /// The file that is read instead of path(); empty: path() is.

@@ -323,6 +323,13 @@ QString FontCatalog::postScriptName(const QString &family, const QString &style)
     return bySecondName;
 }
 
+QStringList FontCatalog::postScriptNames() const
+{
+    QStringList names = m_data->byName.keys();
+    names.sort();
+    return names;
+}
+
 QStringList FontCatalog::families() const
 {
     QStringList families;

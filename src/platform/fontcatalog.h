@@ -49,6 +49,9 @@ public:
     /// Condensed") with the style's name there.
     QString postScriptName(const QString &family, const QString &style) const;
 
+    /// The PostScript names of all faces, sorted.
+    QStringList postScriptNames() const;
+
     /// All families, sorted for people.
     QStringList families() const;
 

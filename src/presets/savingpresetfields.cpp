@@ -54,19 +54,30 @@ constexpr std::array kFields{
 
 } // namespace
 
-QStringList SavingPresetField::choices() const
+FieldLimits SavingPresetField::limits() const
 {
+    FieldLimits limits;
     switch (id) {
     case SavingField::FileBaseNameCase:
     case SavingField::FileExtensionCase:
-        return {QStringLiteral("do not change"), QStringLiteral("lower case"), QStringLiteral("upper case")};
+        limits.choices = {QStringLiteral("do not change"), QStringLiteral("lower case"),
+                          QStringLiteral("upper case")};
+        break;
     case SavingField::ImageFormat:
-        return savingFormatNames();
+        limits.choices = savingFormatNames();
+        break;
     case SavingField::AlternativeImageFormat:
-        return savingFormatNamesWithoutOriginal();
+        limits.choices = savingFormatNamesWithoutOriginal();
+        break;
+    case SavingField::JpegQuality:
+        limits.lowest = SavingPresetValues::kLowestQuality;
+        limits.highest = SavingPresetValues::kHighestQuality;
+        limits.unit = QStringLiteral("%");
+        break;
     default:
-        return {};
+        break;
     }
+    return limits;
 }
 
 std::span<const SavingPresetField> savingPresetFields()

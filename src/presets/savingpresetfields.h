@@ -33,8 +33,8 @@ struct SavingPresetField {
     /// @param value  must be of the field's kind
     void (*setValue)(SavingPresetValues &values, const FieldValue &value);
 
-    /// The allowed values, in the order of a menu; empty for a field that is not restricted to a list.
-    QStringList choices() const;
+    /// The allowed values; texts in the order of a menu.
+    FieldLimits limits() const;
 };
 
 /// All fields, in declaration order.

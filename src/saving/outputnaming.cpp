@@ -4,6 +4,7 @@
 
 #include "platform/alerts.h"
 #include "platform/filenames.h"
+#include "saving/namingtokens.h"
 #include "saving/safefilename.h"
 #include "watermark/texttokens.h"
 
@@ -23,18 +24,6 @@ struct Texts {
 };
 
 constexpr int kHighestNumber = 9999;
-const QString kSequence = QStringLiteral("sequence ");
-
-/// The number for "sequence #", "sequence ##" and so on, up to four digits.
-std::optional<QString> sequenceText(const QString &token, qint64 number)
-{
-    if (!token.startsWith(kSequence))
-        return std::nullopt;
-    const QStringView marks = QStringView(token).mid(kSequence.size());
-    if (marks.isEmpty() || marks.size() > 4 || marks.count(u'#') != marks.size())
-        return std::nullopt;
-    return QString::asprintf("%0*lld", static_cast<int>(marks.size()), static_cast<long long>(number));
-}
 
 QString inCase(const QString &text, const QString &letterCase)
 {
@@ -87,12 +76,8 @@ QString OutputNaming::filenameForImage(const PhotoFacts &image, const QString &i
                                        qint64 sequenceNumber)
 {
     const auto expanded = [&](const QString &token) -> QString {
-        if (const auto number = sequenceText(token, sequenceNumber))
-            return *number;
-        if (token == QLatin1StringView("watermark preset name"))
-            return wPresetName;
-        if (token == QLatin1StringView("saving preset name"))
-            return savingPreset.name;
+        if (const auto text = namingTokenText(token, sequenceNumber, wPresetName, savingPreset.name))
+            return *text;
         bool isToken = false;
         const std::optional<QString> value = image.stringForInfoToken(token, &isToken);
         return isToken ? value.value_or(QString()) : token;

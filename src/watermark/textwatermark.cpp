@@ -44,7 +44,8 @@ Inks inksOf(const WPresetValues &values, double fontSize)
     Inks inks;
     const QColor fill = values.fillColor.isValid() ? values.fillColor : QColor(Qt::black);
     inks.fill = createCGColorFromColor(fill);
-    const int percent = values.stroke ? values.strokeWidth.value_or(0) : 0;
+    const int percent =
+        values.stroke ? std::clamp(values.strokeWidth.value_or(0), -kWidestStroke, kWidestStroke) : 0;
     if (percent == 0)
         return inks;
     inks.isFilled = percent > 0;

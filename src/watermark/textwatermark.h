@@ -14,6 +14,10 @@ namespace plexa
 class FontCatalog;
 struct WPresetValues;
 
+/// The widest outline, in percent of the font size: nothing of a letter's shape is left. Wider ones are drawn
+/// like it, because their cost grows with their width.
+inline constexpr int kWidestStroke = 300;
+
 /// The bitmap of a text watermark before rotation and tilt: as wide as the frame and as tall as the text,
 /// both cut to whole photo pixels. Outlines beyond it are cut off. Any thread.
 /// @param width  of the frame, in pixels of the photo

@@ -59,6 +59,15 @@ constexpr std::array kFields{
 #undef PLEXA_FIELD_ROW
 };
 
+/// The allowed numbers with their meaning, as in "a whole number from 0 to 3 (0 none, ...)".
+QString numbersOf(const QString &kind, const FieldLimits &limits)
+{
+    if (!limits.isBounded())
+        return kind;
+    const QString range = Texts::tr("%1 from %2 to %3").arg(kind).arg(limits.lowest).arg(limits.highest);
+    return limits.meaning.isEmpty() ? range : range + QStringLiteral(" (%1)").arg(limits.meaning);
+}
+
 tl::unexpected<Error> wrongType(const QString &name, const QString &expected)
 {
     return fail(Texts::tr("\"%1\" takes %2").arg(name, expected));
@@ -76,6 +85,11 @@ Result<FieldValue> stringFrom(const QString &name, const QStringList &choices, c
     return FieldValue(text);
 }
 
+QString listForm()
+{
+    return Texts::tr("a list of texts in JSON, as in '[\"Photo: \",\"creator\"]'");
+}
+
 Result<FieldValue> stringsFrom(const QString &name, const QJsonValue &json)
 {
     if (json.isNull())
@@ -85,11 +99,11 @@ Result<FieldValue> stringsFrom(const QString &name, const QJsonValue &json)
     const QJsonArray pieces = json.toArray();
     if (!json.isArray() ||
         !std::all_of(pieces.begin(), pieces.end(), [](const QJsonValue &piece) { return piece.isString(); }))
-        return wrongType(name, Texts::tr("a list of texts, as in [\"Photo: \", \"creator\"]"));
+        return wrongType(name, listForm());
     return FieldValue(json.toVariant().toStringList());
 }
 
-Result<FieldValue> wholeNumberFrom(const QString &name, const QJsonValue &json)
+Result<FieldValue> wholeNumberFrom(const QString &name, const FieldLimits &limits, const QJsonValue &json)
 {
     if (json.isNull())
         return FieldValue(WholeNumber());
@@ -97,8 +111,8 @@ Result<FieldValue> wholeNumberFrom(const QString &name, const QJsonValue &json)
     // False for NaN, too.
     const bool isWhole = number == std::floor(number) && number >= std::numeric_limits<int>::min() &&
                          number <= std::numeric_limits<int>::max();
-    if (!isWhole)
-        return wrongType(name, Texts::tr("a whole number"));
+    if (!isWhole || number < limits.lowest || number > limits.highest)
+        return wrongType(name, numbersOf(Texts::tr("a whole number"), limits));
     return FieldValue(WholeNumber(static_cast<int>(number)));
 }
 
@@ -224,24 +238,16 @@ const WPresetField *wPresetField(QStringView name)
     return nullptr;
 }
 
-const QStringList &lengthUnits()
-{
-    static const QStringList units{QStringLiteral("% of width"),     QStringLiteral("% of height"),
-                                   QStringLiteral("% of long edge"), QStringLiteral("% of short edge"),
-                                   QStringLiteral("Pixels"),         QStringLiteral("Points")};
-    return units;
-}
-
-Result<FieldValue> fieldValueFrom(const QString &name, FieldKind kind, const QStringList &choices,
+Result<FieldValue> fieldValueFrom(const QString &name, FieldKind kind, const FieldLimits &limits,
                                   const QJsonValue &json)
 {
     switch (kind) {
     case FieldKind::String:
-        return stringFrom(name, choices, json);
+        return stringFrom(name, limits.choices, json);
     case FieldKind::Strings:
         return stringsFrom(name, json);
     case FieldKind::Integer:
-        return wholeNumberFrom(name, json);
+        return wholeNumberFrom(name, limits, json);
     case FieldKind::Float:
         return floatFrom(name, json);
     case FieldKind::Boolean:
@@ -256,35 +262,41 @@ Result<FieldValue> fieldValueFrom(const QString &name, FieldKind kind, const QSt
     Q_UNREACHABLE();
 }
 
-QJsonValue jsonForField(FieldKind kind, const QString &text)
+Result<FieldValue> fieldValueFromText(const QString &name, FieldKind kind, const FieldLimits &limits,
+                                      const QString &text)
 {
     QJsonParseError error;
     const QJsonDocument list =
         QJsonDocument::fromJson((QLatin1Char('[') + text + QLatin1Char(']')).toUtf8(), &error);
-    if (error.error != QJsonParseError::NoError || list.array().size() != 1)
-        return text;
+    const bool isJson = error.error == QJsonParseError::NoError && list.array().size() == 1;
+    if (kind == FieldKind::Strings && !isJson && text.startsWith(QLatin1Char('[')))
+        return fail(
+            Texts::tr("\"%1\" takes %2; %3 is not JSON (the shell removes quotation marks that are not "
+                      "in single quotes)")
+                .arg(name, listForm(), text));
+    if (!isJson)
+        return fieldValueFrom(name, kind, limits, text);
     const QJsonValue value = list.array().first();
     const bool isText = kind == FieldKind::String || kind == FieldKind::Image;
     const bool isOther = (isText && !value.isString()) ||
                          (kind == FieldKind::Strings && !value.isString() && !value.isArray());
-    return isOther ? QJsonValue(text) : value;
+    return fieldValueFrom(name, kind, limits, isOther ? QJsonValue(text) : value);
 }
 
 Result<void> setField(WPresetValues &values, const QString &name, const QJsonValue &value)
 {
-    const Result<const WPresetField *> field = existingField(name);
-    if (!field)
-        return tl::unexpected(field.error());
-    const QStringList choices = (*field)->isUnit() ? lengthUnits() : QStringList();
-    return fieldValueFrom(name, (*field)->kind, choices, value).map([&](const FieldValue &converted) {
-        (*field)->setValue(values, converted);
+    return existingField(name).and_then([&](const WPresetField *field) {
+        return fieldValueFrom(name, field->kind, limitsOf(*field), value)
+            .map([&](const FieldValue &converted) { field->setValue(values, converted); });
     });
 }
 
 Result<void> setFieldFromText(WPresetValues &values, const QString &name, const QString &text)
 {
-    return existingField(name).and_then(
-        [&](const WPresetField *field) { return setField(values, name, jsonForField(field->kind, text)); });
+    return existingField(name).and_then([&](const WPresetField *field) {
+        return fieldValueFromText(name, field->kind, limitsOf(*field), text)
+            .map([&](const FieldValue &converted) { field->setValue(values, converted); });
+    });
 }
 
 QJsonValue valueAsJson(const FieldValue &value)

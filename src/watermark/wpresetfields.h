@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/result.h"
+#include "watermark/fieldlimits.h"
 #include "watermark/wpresetvalues.h"
 
 #include <QJsonObject>
@@ -51,20 +52,18 @@ const WPresetField &wPresetField(FieldId id);
 /// Null if there is no field of exactly that name.
 const WPresetField *wPresetField(QStringView name);
 
-/// The units of lengths, as they are stored and shown.
-const QStringList &lengthUnits();
-
 /// The value of a field in JSON: strings (for Strings an array of them, or a single one), numbers, booleans,
 /// colors "#rrggbb" or "#rrggbbaa", and the path of a picture, which is loaded. Null makes a value absent.
-/// @param name     of the field, for messages
-/// @param choices  the allowed strings; empty: all
+/// @param name  of the field, for messages
 /// @return a failure that states the allowed values
 [[nodiscard]] Result<FieldValue> fieldValueFrom(const QString &name, FieldKind kind,
-                                                const QStringList &choices, const QJsonValue &json);
+                                                const FieldLimits &limits, const QJsonValue &json);
 
-/// A text that a person typed, as JSON for a field of that kind: the parsed text where it is JSON, else a
-/// string. For fields of strings "2024" and "true" are strings.
-QJsonValue jsonForField(FieldKind kind, const QString &text);
+/// The same for a text that a person typed: JSON where it is JSON, else a string. For fields of strings
+/// "2024" and "true" are strings. A list that begins with "[" has to be JSON: the shell may have removed its
+/// quotation marks.
+[[nodiscard]] Result<FieldValue> fieldValueFromText(const QString &name, FieldKind kind,
+                                                    const FieldLimits &limits, const QString &text);
 
 /// Set a field of this name. A failure states the allowed values and leaves the values unchanged.
 [[nodiscard]] Result<void> setField(WPresetValues &values, const QString &name, const QJsonValue &value);

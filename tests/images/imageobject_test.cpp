@@ -399,6 +399,16 @@ private Q_SLOTS:
         QCOMPARE(photo.path(), QStringLiteral("/x/b.jpg"));
         photo.setFilename(QStringLiteral("b"));
         QCOMPARE(changes.count(), 1);
+        for (const auto &[name, path] : {std::pair("/etc/z", "/x/_etc_z.jpg"),
+                                         {"../../z", "/x/.._.._z.jpg"},
+                                         {"..", "/x/...jpg"},
+                                         {"", "/x/...jpg"}}) {
+            photo.setFilename(QLatin1String(name));
+            QCOMPARE(photo.path(), QLatin1String(path));
+        }
+        ImageObject bare(QStringLiteral("/x/bare"), services.all);
+        bare.setFilename(QStringLiteral(".."));
+        QCOMPARE(bare.path(), QStringLiteral("/x/bare"));
         ImageObject hidden(QStringLiteral("/x/.hidden"), services.all);
         QCOMPARE(hidden.filename(), QStringLiteral(".hidden"));
         hidden.setFilename(QStringLiteral("seen"));

@@ -137,6 +137,11 @@ private Q_SLOTS:
             }
         }
         QCOMPARE(highest, 128);
+        // A stored width of any size is drawn at once.
+        values.strokeWidth = -kWidestStroke;
+        const QImage widest = bitmapOf(values, u"MMMM"_qs).ink;
+        values.strokeWidth = -100'000;
+        QCOMPARE(bitmapOf(values, u"MMMM"_qs).ink, widest);
     }
 
     void alignmentPlacesLines()

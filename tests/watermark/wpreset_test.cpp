@@ -184,6 +184,17 @@ private Q_SLOTS:
                                         {"fillColor", "#fff", "#rrggbb"},
                                         {"fillColor", "#12345g", "#rrggbb"},
                                         {"textTokens", "[1]", "list of texts"},
+                                        {"textTokens", "[(c) ,creator]", "is not JSON"},
+                                        {"textTokens", "[a],[b]", "is not JSON"},
+                                        {"blendMode", "multiply", "Multiply, Screen"},
+                                        {"type", "text", "Text, Image"},
+                                        {"fontSizeUnit", "Pixels", "Points"},
+                                        {"anchorPoint", "77", "from 0 to 8 (0 top left"},
+                                        {"opacity", "900", "from 0 to 100"},
+                                        {"opacity", "-1", "from 0 to 100"},
+                                        {"flip", "4", "3 both"},
+                                        {"fontSize", "0", "from 1 to"},
+                                        {"strokeWidth", "-100000", "from -300 to 300"},
                                         {"image", "/nowhere/logo.png", "/nowhere/logo.png"},
                                         {"assignedSavingPreset", "7", "saving preset"}}) {
             WPresetValues values;
