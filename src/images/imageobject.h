@@ -133,7 +133,7 @@ public:
     /// @param readFrom  the file to read, if not readPath()
     [[nodiscard]] Result<CopyReport>
     saveImageAtPath(const CopyTarget &target, const std::vector<AppliedPreset> &presets,
-                    const SavingPresetValues &savingPreset, bool preservesCreationDate,
+                    const SavingPresetValues &savingPreset, const CopyRules &rules,
                     const CancelCheck &isCancelled = {}, const QString &readFrom = {});
 
     /// The facts of the photo as far as it has been read; reads nothing.

@@ -79,16 +79,6 @@ private Q_SLOTS:
         fixture.delegate.openFiles({}); // from a second start without files
         QCOMPARE(windowWanted.count(), 3);
     }
-
-    void remembersAppliedPresets()
-    {
-        Fixture fixture;
-        fixture.controller.appliedPresets().addWPresetsToApplied({namedPreset(u"Logo"_qs)});
-        UserDefaults &defaults = fixture.files.defaults;
-        defaults.setObject(settings::rememberWPresetsAppliedLastTime, true);
-        fixture.delegate.windowWillClose();
-        QCOMPARE(defaults.stringArrayForKey(settings::wPresetsAppliedLastTime), words("Logo"));
-    }
 };
 
 QTEST_GUILESS_MAIN(AppDelegateTest)

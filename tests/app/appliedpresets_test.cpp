@@ -51,26 +51,6 @@ private Q_SLOTS:
         QVERIFY(m_applied->effectivePresets().empty() && m_applied->selectedRows().isEmpty());
     }
 
-    void neighbors()
-    {
-        using Row = std::tuple<Text, IndexList, IndexList, IndexList>;
-        for (const auto &[presets, selected, next, previous] :
-             std::initializer_list<Row>{{"", {}, {}, {}},
-                                        {"a b c", {}, {0}, {2}},
-                                        {"a b c", {0}, {1}, {2}},
-                                        {"a b c", {2}, {0}, {1}},
-                                        {"a", {0}, {0}, {0}}}) {
-            init();
-            apply(presets);
-            m_applied->selectRows(selected);
-            m_applied->selectNeighborAppliedPreset(AppliedPresets::Neighbor::Next);
-            QCOMPARE(m_applied->selectedRows(), next);
-            m_applied->selectRows(selected);
-            m_applied->selectNeighborAppliedPreset(AppliedPresets::Neighbor::Previous);
-            QCOMPARE(m_applied->selectedRows(), previous);
-        }
-    }
-
     void moves()
     {
         using Row = std::tuple<IndexList, int, Text, IndexList>;
