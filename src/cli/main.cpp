@@ -8,6 +8,7 @@
 #include "platform/applicationname.h"
 #include "platform/bytebudget.h"
 
+#include <QFile>
 #include <QGuiApplication>
 
 #include <CLI/CLI.hpp>
@@ -15,6 +16,7 @@
 #include <csignal>
 #include <cstdio>
 #include <new>
+#include <sstream>
 #include <string_view>
 
 namespace
@@ -24,7 +26,7 @@ namespace
 void printFaultsOnly(QtMsgType type, const QMessageLogContext &, const QString &text)
 {
     if (type == QtCriticalMsg || type == QtFatalMsg)
-        std::fprintf(stderr, "%s\n", qUtf8Printable(text));
+        plexa::printLine(stderr, text);
 }
 
 /// The first argument that is an option with "=" and nothing after it, to which the parser would assign the
@@ -39,6 +41,13 @@ const char *emptyAssignment(int argc, char *const *argv)
             return argv[i];
     }
     return nullptr;
+}
+
+/// Prints a text of the parser, which repeats arguments as they are.
+void printIfAny(FILE *stream, const std::string &text)
+{
+    if (!text.empty())
+        plexa::printLine(stream, QString::fromStdString(text).trimmed());
 }
 
 int run(int argc, char **argv)
@@ -57,13 +66,20 @@ int run(int argc, char **argv)
     PresetsOptions presets;
     CLI::App *presetsCommand = addPresetsCommand(program, presets);
     if (const char *const empty = emptyAssignment(argc, argv)) {
-        std::fprintf(stderr, "%s there is nothing after the equal sign\n", empty);
+        printLine(
+            stderr,
+            onOneLine(
+                QStringLiteral("%1 there is nothing after the equal sign").arg(QFile::decodeName(empty))));
         return kWrongUsage;
     }
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
-        const int status = program.exit(error, std::cout, std::cerr);
+        std::ostringstream help;
+        std::ostringstream message;
+        const int status = program.exit(error, help, message);
+        printIfAny(stdout, help.str());
+        printIfAny(stderr, message.str());
         return status == 0 ? kAllDone : kWrongUsage;
     }
     if (*saveCommand)
@@ -84,10 +100,9 @@ int main(int argc, char **argv)
     qInstallMessageHandler(printFaultsOnly);
     plexa::saveAddressSpace();
     QGuiApplication application(argc, argv);
-    QCoreApplication::setOrganizationName(plexa::companyName(true));
-    QCoreApplication::setApplicationName(plexa::applicationNameWithCompany(false, false, true));
-    QCoreApplication::setApplicationVersion(plexa::BundleInfo::own().shortVersionString);
-    plexa::catchInterruptions();
+    QCoreApplication::setOrganizationName(plexa::companyName());
+    QCoreApplication::setApplicationName(plexa::applicationName());
+    QCoreApplication::setApplicationVersion(plexa::applicationVersion());
     std::signal(SIGXFSZ, SIG_IGN); // writing beyond the file-size limit then fails as on a full disk
     int status = plexa::kSomethingFailed;
     try {
@@ -95,6 +110,8 @@ int main(int argc, char **argv)
     } catch (const std::bad_alloc &) {
         std::fputs("plexa-cli: there is not enough memory\n", stderr);
     }
+    if (plexa::isInterrupted())
+        status = plexa::kInterrupted;
     // Lost results are a failure, too.
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
         std::fputs("plexa-cli: the results could not be written to the standard output\n", stderr);

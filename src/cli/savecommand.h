@@ -35,6 +35,7 @@ struct SaveOptions {
     bool quiet = false;
     bool dryRun = false;
     bool noCreationDate = false;
+    bool requireWatermark = false;
 };
 
 /// Declares the sub-command; `options` outlives the parsing.

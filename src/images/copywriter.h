@@ -27,15 +27,21 @@ struct CopyTarget {
     std::function<std::optional<QString>()> nextPath = {}; ///< as AtomicFile::setAlternatives(); may be empty
 };
 
+/// The rules for all copies of a run.
+struct CopyRules {
+    bool preservesCreationDate = true; ///< the copy gets the date of its photo
+    bool needsVisibleMark = false;     ///< a copy on which no watermark is visible is a failure
+};
+
 /// Everything that one watermarked copy is made of.
 struct CopyOrder {
-    QString path;     ///< the photo as people know it
+    QString path;     ///< the photo as the user knows it
     QString readPath; ///< the file to read
     std::optional<FileVersion>
         version; ///< what the file has to be for the rest of the order to fit; none: any
     CopyTarget target;
-    /// The photo itself, where the copy takes its place: it must still stand there in the end, or somebody
-    /// else's work would be lost.
+    /// The photo itself, where the copy overwrites it: the file must still be that one at the end, or the
+    /// work of another program would be lost.
     std::optional<FileVersion> overwritten;
     QString targetType;   ///< MIME name of a format that can be written
     double quality = 0.8; ///< 0..1, for formats with losses
@@ -44,7 +50,7 @@ struct CopyOrder {
     int turns = 1;                         ///< the user's turns, as an orientation
     std::optional<ImageMetadata> metadata; ///< where the user has edited it; else the file's
     QImage upright; ///< the decoded photo where it is at hand, turns applied; else null
-    bool preservesCreationDate = true;
+    CopyRules rules;
     CancelCheck isCancelled;
 };
 
@@ -53,19 +59,22 @@ struct CopyOrder {
 [[nodiscard]] Result<CopyOrder> copyOrderFor(const QString &path, const CopyTarget &target,
                                              const SavingPresetValues &savingPreset);
 
+/// The failure of a copy that breaks CopyRules::needsVisibleMark.
+QString noVisibleMark();
+
 /// What became of a copy.
 struct CopyReport {
     QString path; ///< where it is in the end
     QSize size;   ///< pixels of the copy
     std::vector<std::optional<QRectF>>
         rects;             ///< of each mark, origin at the bottom left; none: it had nothing to draw
-    bool isMarked = false; ///< is anything of any mark to be seen on the copy?
+    bool isMarked = false; ///< is any part of a mark visible on the copy?
     QStringList dropped;   ///< of the source, what the copy does not have: "gain map", "maker note"
     QStringList notices;   ///< about the marks, as texts that follow the photo's path
 };
 
 /// Reads the photo, draws the watermarks and writes the copy. A photo that needs no turning passes through in
-/// strips; another one is decoded whole. A failure leaves no file behind. Any thread.
+/// strips; another one is decoded whole. A failure leaves no file. Any thread.
 [[nodiscard]] Result<CopyReport> writeCopy(const CopyOrder &order, const PhotoServices &services);
 
 } // namespace plexa

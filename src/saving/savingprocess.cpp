@@ -2,8 +2,8 @@
 
 #include "saving/savingprocess.h"
 
-#include "platform/leftovers.h"
-#include "platform/missingfolders.h"
+#include "platform/atomicfile.h"
+#include "platform/systemerror.h"
 #include "platform/workpool.h"
 #include "raster/bitmaputilities.h"
 
@@ -13,9 +13,14 @@
 #include <QFileInfo>
 #include <QSet>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <condition_variable>
 #include <deque>
+#include <filesystem>
 #include <mutex>
 #include <utility>
 
@@ -32,12 +37,36 @@ constexpr int kProgressPictureSide = 180;
 
 using Use = FilesUnderWay::Use;
 
+/// Whether the folder exists, or could be created with the folders above it, as far as that can be checked
+/// without trying.
+Result<void> checkFolderCanBeMade(const QString &path)
+{
+    namespace fs = std::filesystem;
+    const auto failure = [&path](const QString &reason) {
+        return fail(Texts::tr("the folder \"%1\" cannot be made: %2").arg(path, reason));
+    };
+    std::error_code error;
+    const fs::path wanted = fs::absolute(QFile::encodeName(path).toStdString(), error);
+    if (fs::is_directory(wanted, error))
+        return {};
+    fs::path above = wanted.lexically_normal();
+    while (above.has_relative_path() && fs::symlink_status(above, error).type() == fs::file_type::not_found)
+        above = above.parent_path();
+    if (!fs::is_directory(above, error))
+        return failure(writeErrorText(error ? error.value() : ENOTDIR));
+    if (faccessat(AT_FDCWD, above.c_str(), W_OK | X_OK, AT_EACCESS) == 0)
+        return {};
+    if (errno == EACCES)
+        return failure(Texts::tr("no permission to write into \"%1\"").arg(QFile::decodeName(above.c_str())));
+    return failure(writeErrorText(errno));
+}
+
 bool isCombining(const SavingRun &run)
 {
     return run.combineAllAppliedPresetsInImage && !run.isInSingleMode;
 }
 
-/// Everything but the photo's own name has to be looked up in the photo.
+/// Tokens other than the photo's own name are read from the photo.
 bool needPhoto(const QStringList &tokens)
 {
     return std::any_of(tokens.begin(), tokens.end(), [](const QString &token) {
@@ -75,7 +104,7 @@ struct Pending {
     /// If another program takes the path meanwhile; kNoChoice: the copy fails.
     OutputNaming::Choice ifTakenMeanwhile = OutputNaming::kNoChoice;
     bool isTakenMeanwhile = false;
-    /// Also when it fails: others have got names of their own meanwhile, whatever the number of threads.
+    /// Also when it fails: other copies have chosen their names already.
     bool keepsName = false;
     bool isFinished = true; // guarded by the process's mutex
 };
@@ -125,7 +154,15 @@ Result<void> checkPlace(const Pending &pending)
     const QString &path = pending.output.path;
     if (const QString folder = QFileInfo(path).path(); !QFileInfo(folder).isDir())
         return checkFolderCanBeMade(folder);
-    return AtomicFile(path, ifExists(pending), AtomicFile::Durability::Lazy).check();
+    return AtomicFile(path, ifExists(pending)).check();
+}
+
+bool hasNoText(const PhotoFacts &facts, const Order &order)
+{
+    return std::all_of(order.presets.begin(), order.presets.end(), [&](const AppliedPreset &preset) {
+        return preset.values.type == QLatin1StringView("Text") &&
+               !watermarkTextForImage(preset.values, facts);
+    });
 }
 
 QStringList emptyTokens(const AheadOfTime &ahead, const Order &order)
@@ -175,6 +212,7 @@ private:
     void decide(Pending &pending, const AheadOfTime &ahead, const Order &order, const QString &photoKey);
     void setDestination(Pending &pending, const OutputNaming::Destination &destination,
                         const QString &photoKey) const;
+    Result<void> checkPlan(const Pending &pending, const AheadOfTime &ahead) const;
     void startWriting(Pending &pending, const std::shared_ptr<PhotoInWork> &photo, const Order &order);
     std::function<std::optional<QString>()> alternativesFor(Pending &pending);
     void giveNameBack(const Pending &pending);
@@ -261,7 +299,7 @@ void SavingProcess::run()
     if (m_total == 0)
         return;
     if (!m_run.folders.destDirectory.isEmpty() && !m_run.isDryRun)
-        QDir().mkpath(m_run.folders.destDirectory); // without it every copy fails and says so
+        QDir().mkpath(m_run.folders.destDirectory); // without it every copy fails
     for (const QString &photo : m_run.keptPhotos)
         m_naming.files().begin(FilesUnderWay::keyOf(photo), Use::Photo);
     const int jobs = std::max(m_run.jobs, 1);
@@ -352,16 +390,26 @@ void SavingProcess::saveCopy(const std::shared_ptr<PhotoInWork> &photo, const Ah
     }
     if (output.status == SavingOutput::Status::Planned && m_run.isDryRun) {
         output.emptyTokens = emptyTokens(ahead, order);
-        const Result<void> place = checkPlace(pending);
-        if (!ahead.failure.isEmpty() || !place) {
+        output.hasNoText = ahead.facts && hasNoText(*ahead.facts, order);
+        if (const Result<void> possible = checkPlan(pending, ahead); !possible) {
             output.status = SavingOutput::Status::Failed;
-            output.error = !ahead.failure.isEmpty() ? ahead.failure : place.error().text;
+            output.error = possible.error().text;
             giveNameBack(pending);
         }
     } else if (output.status == SavingOutput::Status::Planned) {
         startWriting(pending, photo, order);
     }
     m_pending.push_back(std::move(made));
+}
+
+/// For a dry run: the reasons against the copy that are known beforehand.
+Result<void> SavingProcess::checkPlan(const Pending &pending, const AheadOfTime &ahead) const
+{
+    if (!ahead.failure.isEmpty())
+        return fail(ahead.failure);
+    if (m_run.copyRules.needsVisibleMark && pending.output.hasNoText)
+        return fail(noVisibleMark());
+    return checkPlace(pending);
 }
 
 /// Name, question, final path.
@@ -445,7 +493,7 @@ void SavingProcess::startWriting(Pending &pending, const std::shared_ptr<PhotoIn
     m_pool->add([this, &pending, photo, &order, readFrom, target, nextPath = alternativesFor(pending)] {
         Result<CopyReport> result =
             photo->image->saveImageAtPath({pending.output.path, ifExists(pending), nextPath}, order.presets,
-                                          order.savingPreset, m_run.preservesCreationDate, {}, readFrom);
+                                          order.savingPreset, m_run.copyRules, {}, readFrom);
         finish(pending, std::move(result), photo->key, target);
     });
 }

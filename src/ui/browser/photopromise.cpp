@@ -53,7 +53,7 @@ Result<void> PhotoPromise::writeFile(std::size_t number, const QString &path) co
     const std::size_t presets = m_contents.presets.size();
     ImageObject &photo = *m_contents.photos[number / presets];
     const auto copy = photo.saveImageAtPath({path}, {m_contents.presets[number % presets]},
-                                            m_contents.savingPreset, m_contents.preservesCreationDate);
+                                            m_contents.savingPreset, {m_contents.preservesCreationDate});
     if (!copy)
         return fail(photo.path() + QStringLiteral(": ") + copy.error().text);
     return {};
@@ -85,7 +85,7 @@ QByteArray PhotoPromise::image(const QString &mimeType, QStringList &failures)
     CopyRequest request;
     request.type = mimeType;
     Result<void> written = fail(photo.loadError());
-    if (const QImage picture = photo.savedImage(&m_contents.presets.front(), {}); !picture.isNull())
+    if (const QImage picture = photo.createWatermarkedImage(m_contents.presets.front()); !picture.isNull())
         written = writeImage(buffer, picture, request);
     if (written)
         return buffer.data();
