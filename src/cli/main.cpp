@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "cli/helpformat.h"
 #include "cli/inspectcommand.h"
 #include "cli/interruption.h"
+#include "cli/listcommands.h"
 #include "cli/messages.h"
 #include "cli/presetscommand.h"
 #include "cli/savecommand.h"
+#include "cli/saveoptions.h"
+#include "cli/usageerrors.h"
 #include "platform/applicationname.h"
 #include "platform/bytebudget.h"
 
@@ -48,7 +52,7 @@ int run(int argc, char **argv)
     program.set_version_flag("--version",
                              "plexa-cli " + QCoreApplication::applicationVersion().toStdString());
     program.require_subcommand(1);
-    program.get_formatter()->column_width(34);
+    program.formatter(helpFormat());
 
     SaveOptions save;
     CLI::App *saveCommand = addSaveCommand(program, save);
@@ -56,15 +60,23 @@ int run(int argc, char **argv)
     CLI::App *inspectCommand = addInspectCommand(program, inspect);
     PresetsOptions presets;
     CLI::App *presetsCommand = addPresetsCommand(program, presets);
+    ListOptions fields;
+    CLI::App *fieldsCommand = addFieldsCommand(program, fields);
+    ListOptions tokens;
+    CLI::App *tokensCommand = addTokensCommand(program, tokens);
     if (const char *const empty = emptyAssignment(argc, argv)) {
-        std::fprintf(stderr, "%s there is nothing after the equal sign\n", empty);
+        std::fprintf(stderr, "plexa-cli: %s there is nothing after the equal sign\n", empty);
         return kWrongUsage;
     }
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
-        const int status = program.exit(error, std::cout, std::cerr);
-        return status == 0 ? kAllDone : kWrongUsage;
+        if (error.get_exit_code() != 0) {
+            printLine(stderr, onOneLine(QStringLiteral("plexa-cli: ") + usageErrorText(program, error)));
+            return kWrongUsage;
+        }
+        program.exit(error); // prints help or the version
+        return kAllDone;
     }
     if (*saveCommand)
         return runSave(save);
@@ -72,6 +84,10 @@ int run(int argc, char **argv)
         return runInspect(inspect);
     if (*presetsCommand)
         return runPresets(presets);
+    if (*fieldsCommand)
+        return runFields(fields);
+    if (*tokensCommand)
+        return runTokens(tokens);
     return kWrongUsage;
 }
 

@@ -74,7 +74,7 @@ PhotoPath decodedPath(const std::string &path)
     return {text, QStringLiteral("its name is not valid UTF-8")};
 }
 
-Result<PhotoSearch> photosAt(const std::vector<std::string> &paths, const std::string &leftOut,
+Result<PhotoSearch> photosAt(const std::vector<std::string> &paths, const std::string &leftOut, bool recurses,
                              const std::function<bool()> &isStopped)
 {
     PhotoSearch search;
@@ -86,6 +86,7 @@ Result<PhotoSearch> photosAt(const std::vector<std::string> &paths, const std::s
     visitor.isStopped = isStopped;
     FolderWalk::Rules rules;
     rules.isSorted = true;
+    rules.entersFolders = recurses;
     rules.entersHiddenFolders = false;
     rules.leftOut = decodedPath(leftOut).path;
     rules.isWanted = isPhotoName;

@@ -48,9 +48,10 @@ struct PhotoSearch {
 /// unreachable files) are included, so that reading them reports why.
 /// @param paths      as the shell passes them, in the file system's encoding
 /// @param leftOut    a folder that is skipped below the paths: the folder of the copies
+/// @param recurses   enters the folders in folders
 /// @param isStopped  checked before every entry of a folder; true ends the search with the present result
 /// @return a failure if a path does not exist
 [[nodiscard]] Result<PhotoSearch> photosAt(const std::vector<std::string> &paths, const std::string &leftOut,
-                                           const std::function<bool()> &isStopped);
+                                           bool recurses, const std::function<bool()> &isStopped);
 
 } // namespace plexa

@@ -192,7 +192,8 @@ private Q_SLOTS:
                  {"--wpresets %1 --apply Nope", "\"Plain\", \"With PNG\""},
                  {"--wpresets %1 --saving-presets %2 --saving-preset Nope", "\"As PNG\", \"As TIFF\""},
                  {"--wpresets %1 --text x", "--wpresets"},
-                 {"--apply Plain --set width=3", "--apply"},
+                 {"--apply Plain --text x", "--apply and --text cannot"},
+                 {"--wpresets %1 --set type=Image", "needs a picture"},
                  {"--wpresets %2", "my.pxspr\": it is a file of saving presets"},
                  {"--text x --saving-presets %1", "my.pxwpr\": it is a file of watermark"}}) {
             const ProgramRun outcome = save(options);
