@@ -2,6 +2,7 @@
 
 #include "cli/presetfiles.h"
 
+#include "platform/xmlbounds.h"
 #include "presets/presetsfilereading.h"
 
 #include <QFile>
@@ -32,7 +33,7 @@ Result<Kind> kindOf(const QString &path)
     // Watermark presets are a property list, in its binary form or as XML.
     if (start.startsWith("bplist"))
         return Kind::Watermark;
-    QXmlStreamReader xml(start);
+    QXmlStreamReader xml(boundedXml(start, 50).value_or(QByteArray()));
     if (xml.readNextStartElement())
         return xml.name() == QLatin1StringView("plist") ? Kind::Watermark : Kind::Saving;
     // The reader reports more about XML that is damaged or begins with a very long comment.

@@ -3,6 +3,7 @@
 #include "platform/xmlpropertylist.h"
 
 #include "platform/propertylistcheck.h"
+#include "platform/xmlbounds.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -24,6 +25,9 @@ namespace
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(plexa::PropertyList)
 };
+
+/// Only the root has one.
+constexpr int kMaxAttributes = 16;
 
 struct FreeNode {
     void operator()(plist_t node) const { plist_free(node); }
@@ -178,7 +182,10 @@ Result<void *> propertyListFromXml(const QByteArray &bytes)
 {
     if (bytes.size() > kMaxXmlPropertyListBytes)
         return fail(Texts::tr("it is larger than %1 MB").arg(kMaxXmlPropertyListBytes / 1'000'000));
-    Builder builder(bytes);
+    const Result<QByteArray> bounded = boundedXml(bytes, kMaxAttributes);
+    if (!bounded)
+        return tl::unexpected(bounded.error());
+    Builder builder(*bounded);
     if (Node top = builder.build())
         return top.release();
     return fail(builder.isTooLarge() ? Texts::tr("it holds more than can be read")

@@ -2,6 +2,8 @@
 
 #include "watermark/svgcheck.h"
 
+#include "imageio/base/qtallocations.h"
+
 #include <QBuffer>
 #include <QCoreApplication>
 #include <QHash>
@@ -28,7 +30,19 @@ constexpr int kMaxElements = 200'000;
 /// Chains of parts that use each other are not followed further.
 constexpr int kMaxChain = 1000;
 
+/// Gradients that adopt each other's stops.
+constexpr int kMaxGradientChain = 100;
+
+/// The parser sorts the stops of a gradient one by one.
+constexpr int kMaxStops = 1000;
+
+/// The parser tries every selector of the style sheets at every element.
+constexpr qsizetype kMaxSelectors = 5000;
+
 constexpr qint64 kMaxPicturePixels = 40'000'000;
+
+/// PNG has up to 16 bits a channel.
+constexpr qint64 kMaxBytesPerPixel = 8;
 
 QString refersOutside()
 {
@@ -72,7 +86,8 @@ private:
     QString faultOfElement(const QXmlStreamReader &xml);
     QString faultOfPicture(QStringView data);
 
-    QString m_style; ///< the open style element
+    QString m_style;           ///< the open style element
+    qsizetype m_selectors = 0; ///< of all style elements
     bool m_isInStyle = false;
     qint64 m_pixels = 0; ///< of all pictures
 };
@@ -93,6 +108,9 @@ QString SvgReferences::faultOf(const QXmlStreamReader &xml)
         if (xml.name() != QLatin1StringView("style"))
             return {};
         m_isInStyle = false;
+        m_selectors += m_style.count(u'{') + m_style.count(u',');
+        if (m_selectors > kMaxSelectors)
+            return Texts::tr("the SVG drawing has more than %1 rules of style").arg(kMaxSelectors);
         return hasOutsideUrl(m_style) ? refersOutside() : QString();
     default:
         return {};
@@ -163,8 +181,8 @@ struct Part {
 class SvgCheck
 {
 public:
-    explicit SvgCheck(const QByteArray &svg)
-        : m_xml(svg)
+    explicit SvgCheck(QIODevice &svg)
+        : m_xml(&svg)
     {
     }
 
@@ -185,10 +203,12 @@ public:
             enter();
             if (m_isPartAt.size() > kMaxDepth || m_elements > kMaxElements)
                 return tooLarge();
+            if (m_stops[m_stops.size() - 2] > kMaxStops)
+                return Texts::tr("a gradient of the SVG drawing has more than %1 stops").arg(kMaxStops);
         }
         if (m_xml.hasError() || m_elements == 0)
             return Texts::tr("the SVG drawing is damaged in line %1").arg(m_xml.lineNumber());
-        return weightOf(0, 0) > kMaxElements ? tooLarge() : QString();
+        return weightOf(0, 0) > kMaxElements || hasLongGradientChain() ? tooLarge() : QString();
     }
 
 private:
@@ -203,6 +223,9 @@ private:
         const QXmlStreamAttributes attributes = m_xml.attributes();
         const QString id = attributes.value(QLatin1StringView("id")).toString();
         m_isPartAt.push_back(!id.isEmpty());
+        if (m_xml.name() == QLatin1StringView("stop"))
+            ++m_stops.back(); // of the element around it
+        m_stops.push_back(0);
         if (!id.isEmpty()) {
             m_byId.insert(id, m_parts.size());
             part().parts.push_back(m_parts.size());
@@ -211,12 +234,30 @@ private:
         } else {
             part().elements += 1;
         }
-        if (m_xml.name() != QLatin1StringView("use"))
+        const bool isUse = m_xml.name() == QLatin1StringView("use");
+        if (!isUse && !m_xml.name().endsWith(QLatin1StringView("Gradient")))
             return;
         for (const QXmlStreamAttribute &attribute : attributes) {
-            if (attribute.name() == QLatin1StringView("href"))
-                part().uses.push_back(attribute.value().mid(1).toString());
+            if (attribute.name() != QLatin1StringView("href"))
+                continue;
+            const QString used = attribute.value().mid(1).toString();
+            if (isUse)
+                part().uses.push_back(used);
+            else
+                m_gradients.insert(id, used);
         }
+    }
+
+    bool hasLongGradientChain() const
+    {
+        for (auto first = m_gradients.cbegin(); first != m_gradients.cend(); ++first) {
+            int length = 0;
+            for (auto next = first; next != m_gradients.cend(); next = m_gradients.constFind(*next)) {
+                if (++length > kMaxGradientChain)
+                    return true;
+            }
+        }
+        return false;
     }
 
     Part &part() { return m_parts[m_open.back()]; }
@@ -226,6 +267,7 @@ private:
         if (m_isPartAt.back())
             m_open.pop_back();
         m_isPartAt.pop_back();
+        m_stops.pop_back();
     }
 
     /// Infinite for a part that uses itself and for chains that are too long.
@@ -254,15 +296,18 @@ private:
     SvgReferences m_references;
     int m_elements = 0;
     std::vector<bool> m_isPartAt;    ///< for each open element
+    std::vector<int> m_stops{0};     ///< directly in each open element; the first is the document
     std::vector<std::size_t> m_open; ///< the parts that the current element is in
     std::vector<Part> m_parts;
     QHash<QString, std::size_t> m_byId;
+    QHash<QString, QString> m_gradients; ///< id: the id of the gradient whose stops it adopts
 };
 
 } // namespace
 
-QString faultOfSvg(const QByteArray &svg)
+QString faultOfSvg(QIODevice &svg)
 {
+    allowQtPictures(kMaxPicturePixels * kMaxBytesPerPixel);
     return SvgCheck(svg).fault();
 }
 

@@ -249,7 +249,10 @@ Result<std::optional<WatermarkBitmap>> createTextWatermarkOfWidth(double width, 
     const QTransform toPixels = QTransform::fromScale(fontSize * scale, fontSize * scale) *
                                 QTransform::fromTranslate(0, (bitmap.size.height() - height) * scale);
     PaintableText paintable(*setting, toPixels, inksOf(values, fontSize * scale));
-    const QRectF bounds = paintable.bounds().intersected(QRectF(QPointF(0, 0), QSizeF(bitmap.size) * scale));
+    // Accents, slanted letters and outlines reach beyond the frame.
+    QRectF bounds = paintable.bounds();
+    if (rendering.isTooLarge(bounds.size()))
+        bounds &= QRectF(QPointF(0, 0), QSizeF(bitmap.size) * scale);
     const QRect ink = bounds.toAlignedRect();
     if (ink.isEmpty())
         return bitmap;

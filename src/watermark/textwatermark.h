@@ -19,7 +19,7 @@ struct WPresetValues;
 inline constexpr int kWidestStroke = 300;
 
 /// The bitmap of a text watermark before rotation and tilt: as wide as the frame and as tall as the text,
-/// both cut to whole photo pixels. Outlines beyond it are cut off. Any thread.
+/// both cut to whole photo pixels. Its ink may reach beyond. Any thread.
 /// @param width  of the frame, in pixels of the photo
 /// @return none without width or height; a failure if it would be too large
 [[nodiscard]] Result<std::optional<WatermarkBitmap>>

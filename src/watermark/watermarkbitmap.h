@@ -25,7 +25,8 @@ struct Rendering {
     tl::unexpected<Error> tooLarge(QSizeF size) const;
 };
 
-/// The bitmap of a watermark. Only the part that is not transparent is stored.
+/// The bitmap of a watermark. Only the part that is not transparent is stored; it may reach beyond the
+/// bitmap.
 struct WatermarkBitmap {
     QSize size{0, 0}; ///< of the whole bitmap, in photo pixels
     double scale = 1; ///< pixels of the ink for each photo pixel

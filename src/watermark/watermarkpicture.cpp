@@ -8,15 +8,12 @@
 #include "raster/orientation.h"
 #include "watermark/encodedpicture.h"
 #include "watermark/scaledpictures.h"
-#include "watermark/svgcheck.h"
+#include "watermark/svgdrawing.h"
 
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
-#include <QPainter>
-#include <QSvgRenderer>
 
-#include <cmath>
 #include <mutex>
 
 namespace plexa
@@ -36,26 +33,6 @@ bool isSvg(QByteArrayView head)
     const QByteArray start = head.first(std::min<qsizetype>(head.size(), 1024)).toByteArray().trimmed();
     const bool isXml = start.startsWith('<') || start.startsWith("\xef\xbb\xbf<");
     return isXml && (start.contains("<svg") || start.startsWith("<?xml") || start.contains("<!DOCTYPE svg"));
-}
-
-bool loadRenderer(QSvgRenderer &renderer, const QByteArray &svg)
-{
-    // An animation's timer would need an event loop; a watermark shows the first moment.
-    renderer.setFramesPerSecond(0);
-    return renderer.load(svg) && renderer.isValid();
-}
-
-QImage renderedSvg(const QByteArray &svg, QSize size)
-{
-    QSvgRenderer renderer;
-    QImage image = createBitmapContext(size.width(), size.height(), true);
-    if (image.isNull() || !loadRenderer(renderer, svg))
-        return {};
-    QPainter painter(&image);
-    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform |
-                           QPainter::TextAntialiasing);
-    renderer.render(&painter, QRectF(QPointF(), QSizeF(size)));
-    return image;
 }
 
 Result<QByteArray> startOf(const QString &path, qint64 bytes)
@@ -109,7 +86,8 @@ struct WatermarkPicture::Data {
     const std::shared_ptr<ScaledPictures> scaledPictures = ScaledPictures::shared();
 
     mutable std::mutex faultLock;
-    mutable QString fault; // guarded by faultLock
+    mutable QString fault;                    // guarded by faultLock
+    mutable qint64 pixelsThatTookTooLong = 0; // guarded by faultLock; of a drawing
 
     Data() = default;
     Data(const Data &) = delete;
@@ -133,11 +111,28 @@ struct WatermarkPicture::Data {
         return image.value_or(QImage());
     }
 
+    /// The drawing in that size. Sets the fault; a drawing that took too long is not tried again.
+    QImage drawn(QSize to, const CancelCheck &isCanceled) const
+    {
+        {
+            const std::lock_guard guard(faultLock);
+            if (!fault.isEmpty() && pixelsThatTookTooLong <= qint64{to.width()} * to.height())
+                return {};
+        }
+        const Result<QImage> image = renderedSvg(svg, to, isCanceled);
+        if (image || plexa::isCanceled(isCanceled))
+            return image.value_or(QImage());
+        const std::lock_guard guard(faultLock);
+        fault = image.error().text;
+        pixelsThatTookTooLong = qint64{to.width()} * to.height();
+        return {};
+    }
+
     QImage rendered(QSize to, const CancelCheck &isCanceled) const
     {
         if (plexa::isCanceled(isCanceled))
             return {};
-        QImage image = svg.isEmpty() ? decoded() : renderedSvg(svg, to);
+        QImage image = svg.isEmpty() ? decoded() : drawn(to, isCanceled);
         if (!image.isNull() && image.size() != to)
             image = createImageScaledToSize(image, to.width(), to.height(), true, isCanceled);
         image.convertTo(QImage::Format_ARGB32_Premultiplied);
@@ -188,20 +183,12 @@ WatermarkPicture WatermarkPicture::fromImage(const QImage &image)
 
 Result<WatermarkPicture> WatermarkPicture::fromSvg(const QByteArray &svg)
 {
-    if (const QString fault = faultOfSvg(svg); !fault.isEmpty())
-        return fail(fault);
-    QSvgRenderer renderer;
-    if (!loadRenderer(renderer, svg))
-        return fail(Texts::tr("the SVG drawing cannot be read"));
-    // In user units, unlike the default size not cut to whole ones.
-    QSizeF size = renderer.viewBoxF().size();
-    if (size.isEmpty())
-        size = renderer.defaultSize();
-    if (!(size.width() > 0 && size.height() > 0) || !std::isfinite(size.width() * size.height()))
-        return fail(Texts::tr("the SVG drawing has no size"));
+    const Result<SvgDrawing> drawing = checkedSvg(svg);
+    if (!drawing)
+        return tl::unexpected(drawing.error());
     const auto data = std::make_shared<Data>();
-    data->svg = svg;
-    data->size = size;
+    data->svg = drawing->svg;
+    data->size = drawing->size;
     WatermarkPicture picture;
     picture.m_data = data;
     return picture;

@@ -248,6 +248,14 @@ private Q_SLOTS:
                     xml("<dict>" + QByteArray("<key>k</key><true/>").repeated(2000) + "</dict>"), tooMuch});
         addRow(Bomb{"XML, with entities of its own",
                     xml("<string>&a;</string>", "<!DOCTYPE plist [<!ENTITY a \"aaaa\">]>"), damaged});
+        QByteArray attributes;
+        for (int i = 0; i < 100'000; ++i)
+            attributes += " a" + QByteArray::number(i) + "='1'";
+        addRow(Bomb{"XML, attributes", xml("<dict" + attributes + "/>"),
+                    u"an element has more than 16 attributes"_qs});
+        addRow(Bomb{"XML, default attributes",
+                    xml("<dict/>", "<!DOCTYPE p [<!ATTLIST a" + attributes + ">]>"),
+                    u"its document type is too long"_qs});
         for (const char *wrong :
              {"<integer>12345678901234567890</integer>", "<data>?</data>", "<null/>", "<string>",
               "<dict><true/></dict>", "<dict><key>k</key></dict>", "<true/><true/>", ""})

@@ -121,6 +121,28 @@ private Q_SLOTS:
         QCOMPARE(row[stem.center().x() - bitmap.inkAt.toPoint().x()], qRgb(255, 255, 255));
     }
 
+    void inkReachesBeyondTheFrame()
+    {
+        // The same text in the middle of a larger frame shows all of its ink.
+        for (const auto &[font, text] : {std::pair("", "Å"),
+                                         {"DejaVuSans-Bold", "J"},
+                                         {"DejaVuSerif-Italic", "f"},
+                                         {"C059-Italic", "fj"},
+                                         {"DejaVuSans", "Ậ"},
+                                         {"DejaVuSans", "ـر"}}) {
+            WPresetValues values;
+            values.font = QLatin1StringView(font);
+            values.strokeWidth = 20;
+            const QString single = QString::fromUtf8(text);
+            const WatermarkBitmap bitmap = bitmapOf(values, single, 1000);
+            values.textAlignment = 1;
+            const WatermarkBitmap roomy = bitmapOf(values, u"\u00a0\n"_qs + single + u"\n\u00a0"_qs, 3000);
+            QVERIFY2(bitmap.size.width() == 1000 && bitmap.size.height() <= roomy.size.height() / 2, text);
+            QCOMPARE(inkBox(bitmap).size().height(), inkBox(roomy).size().height());
+            QVERIFY2(std::abs(inkBox(bitmap).width() - inkBox(roomy).width()) <= 1, text);
+        }
+    }
+
     void anOutlineAloneLeavesTheGlyphOpen()
     {
         WPresetValues values;

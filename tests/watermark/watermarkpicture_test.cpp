@@ -160,6 +160,80 @@ private Q_SLOTS:
         }
     }
 
+    void drawingsAreBoundedBeforeTheyAreParsed()
+    {
+        const auto many = [](int count, const QByteArray &text) {
+            QByteArray all;
+            for (int i = 0; i < count; ++i)
+                all += QByteArray(text)
+                           .replace('#', QByteArray::number(i))
+                           .replace('@', QByteArray::number(i + 1));
+            return all;
+        };
+        const auto gradients = [&many](int count) {
+            return many(count, "<linearGradient id='g#' xlink:href='!g@'/>").replace('!', '#');
+        };
+        const auto style = [&many](int count) { return "<style>" + many(count, "[a],b{}") + "</style>"; };
+        const QByteArray stops = "<linearGradient><linearGradient/>" + QByteArray("<stop/>").repeated(999);
+        const QByteArray comment = "<!-- it's <g " + many(300, "a#='1' ") + "-->";
+        using Row = std::tuple<QByteArray, Text>;
+        for (const auto &[content, outcome] : std::initializer_list<Row>{
+                 {"<g " + many(190, "a#='a=b' ") + "/>" + comment, ""},
+                 {"<g " + many(100'000, "a#='1' ") + "/>", "attributes"},
+                 {many(90, "<g xmlns:a#='u'/><g xmlns:a#='u'></g>"), ""},
+                 {many(150, "<g xmlns:a#='u'>") + QByteArray("</g>").repeated(150), "namespaces"},
+                 {style(2000), ""},
+                 {style(1500) + style(2000), "rules"},
+                 {stops + "</linearGradient>", ""},
+                 {stops + "<stop/><stop/></linearGradient>", "stops"},
+                 {gradients(90), ""},
+                 {gradients(150), "too many parts"}}) {
+            const Result<WatermarkPicture> picture = WatermarkPicture::fromSvg(svgOf(content, kLinks));
+            QVERIFY2(picture ? outcome.isEmpty()
+                             : !outcome.isEmpty() && picture.error().text.contains(outcome),
+                     qPrintable(picture ? outcome : picture.error().text));
+        }
+        const QByteArray defaults = "<!DOCTYPE svg [<!ATTLIST g " + many(1000, "a# CDATA 'x' ") + ">]>";
+        QVERIFY(!WatermarkPicture::fromSvg(defaults + svgOf(kCircle)));
+    }
+
+    void drawingsMayBeInAnyEncoding()
+    {
+        const QString text = QString::fromUtf8(svgOf(kCircle + "<!-- \u00e9 -->"));
+        const QString declaration = u"<?xml version='1.0' encoding='%1'?>"_qs;
+        const QByteArray attributes = svgOf("<g " + QByteArray("a='1' ").repeated(300) + "/>");
+        for (const char *name : {"UTF-8", "UTF-16LE", "UTF-16BE", "ISO-8859-1"}) {
+            QStringEncoder encoder(name, QStringEncoder::Flag::WriteBom);
+            const QByteArray drawing = encoder(declaration.arg(QLatin1StringView(name)) + text);
+            const auto picture = WatermarkPicture::fromSvg(drawing);
+            QVERIFY2(picture && qAlpha(picture->imageOfSize({20, 10}).pixel(5, 5)) == 255, name);
+            // A stated encoding must not hide attributes.
+            const auto hidden =
+                WatermarkPicture::fromSvg(QByteArray(encoder(declaration.arg(u"UTF-16"_qs))) + attributes);
+            QVERIFY2(!hidden, name);
+        }
+    }
+
+    void slowDrawingsAreStopped()
+    {
+        const QByteArray layer = "<rect width='20' height='10' fill='red' opacity='.5'/>";
+        const auto picture = WatermarkPicture::fromSvg(svgOf(layer.repeated(20'000)));
+        QVERIFY(picture.has_value());
+        const QSize large(8000, 4000);
+        QVERIFY(picture->imageOfSize(large, [] { return true; }).isNull()); // canceled, no fault
+        QVERIFY(!picture->imageOfSize({20, 10}).isNull());
+        QVERIFY(picture->imageOfSize(large).isNull());
+        QVERIFY2(picture->fault().contains(u"2 seconds"_qs), qPrintable(picture->fault()));
+    }
+
+    void largePicturesInDrawingsNeedNoOtherPicture()
+    {
+        const QByteArray png = encoded(flatPicture({7000, 5000}, Qt::red), "PNG");
+        const QByteArray image =
+            "<image width='9' height='9' xlink:href='data:image/png;base64," + png.toBase64() + "'/>";
+        QVERIFY(WatermarkPicture::fromSvg(svgOf(image, kLinks)).has_value());
+    }
+
     void cameraTurnsAreFollowed()
     {
         const auto isTheSameInAnArchive = [](const QString &path, const WatermarkPicture &loaded) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/base/picturefailures.h"
+#include "imageio/base/qtallocations.h"
 #include "imageio/codecs/codecs.h"
 #include "imageio/color/rowconversion.h"
 #include "raster/pixelformat.h"
@@ -12,7 +13,6 @@
 #include <array>
 #include <bit>
 #include <limits>
-#include <mutex>
 #include <optional>
 
 namespace plexa
@@ -214,20 +214,6 @@ PictureHeader headerOf(const QtPlugin &plugin, QIODevice &device)
     return plugin.readHeader ? plugin.readHeader(device) : PictureHeader();
 }
 
-/// Replaces Qt's bound for one picture (128 MB), which is one for the process, by the largest that any reader
-/// was given; each picture's own bound is checked before it is decoded.
-void prepareQt(const ReadLimits &limits)
-{
-    static std::mutex mutex;
-    static int allowedMegabytes = 0;
-    const std::lock_guard lock(mutex);
-    const auto megabytes = int(qBound(qint64(1), limits.maxBytes / (1 << 20), qint64(1 << 20)));
-    if (megabytes > allowedMegabytes) {
-        allowedMegabytes = megabytes;
-        QImageReader::setAllocationLimit(megabytes);
-    }
-}
-
 bool isGray(QImage::Format format)
 {
     return format == QImage::Format_Grayscale8 || format == QImage::Format_Grayscale16 ||
@@ -272,7 +258,7 @@ void jumpToLargest(QImageReader &reader)
 Result<void> prepare(QImageReader &reader, QIODevice &device, const QtPlugin &plugin,
                      const PictureHeader &header, const ReadLimits &limits)
 {
-    prepareQt(limits);
+    allowQtPictures(limits.maxBytes);
     if (header.endsEarly)
         return fail(PictureFailures::truncated());
     if (header.size.isValid()) {
