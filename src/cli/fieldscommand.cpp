@@ -2,6 +2,7 @@
 
 #include "cli/listcommands.h"
 #include "cli/messages.h"
+#include "cli/runpresets.h"
 #include "cli/wrappedtext.h"
 #include "platform/fontcatalog.h"
 #include "presets/savingpresetfields.h"
@@ -39,7 +40,7 @@ std::vector<FieldRow> allFields(const FontCatalog &fonts)
         if (field.id == FieldId::Font)
             rows.back().limits.choices = fonts.postScriptNames();
     }
-    const SavingPresetValues saving;
+    const SavingPresetValues saving = plainSavingPreset();
     for (const SavingPresetField &field : savingPresetFields())
         rows.push_back({field.name, false, field.kind, field.limits(), valueAsJson(field.value(saving))});
     return rows;

@@ -147,12 +147,18 @@ Result<std::vector<AppliedPreset>> watermarksOf(const SaveOptions &options, cons
     return watermarks;
 }
 
-Result<SavingPresetValues> savingPresetOf(const SaveOptions &options)
+SavingPresetValues plainSavingPreset()
 {
     SavingPresetValues preset;
-    preset.imageFormat = QStringLiteral("Original");
+    preset.imageFormat = originalFormatName();
     preset.jpegQuality = kQuality;
     preset.filenameTokens = {QStringLiteral("filename")};
+    return preset;
+}
+
+Result<SavingPresetValues> savingPresetOf(const SaveOptions &options)
+{
+    SavingPresetValues preset = plainSavingPreset();
     // The copies of a photo differ in this part of their names.
     if (isPresetsMode(options) && !options.combine)
         preset.filenameTokens += {QStringLiteral("-"), QStringLiteral("watermark preset name")};

@@ -18,6 +18,9 @@ struct SaveOptions;
 [[nodiscard]] Result<std::vector<AppliedPreset>> watermarksOf(const SaveOptions &options,
                                                               const FontCatalog &fonts);
 
+/// The saving preset of a run without stored presets and options.
+SavingPresetValues plainSavingPreset();
+
 /// The saving preset for the copies of watermarks without one of their own; copies can be written with it.
 [[nodiscard]] Result<SavingPresetValues> savingPresetOf(const SaveOptions &options);
 

@@ -17,7 +17,7 @@ namespace
 {
 
 const char *const kFooter = R"(TEXT contains tokens in braces and {{ for a brace; "plexa-cli tokens" lists the
-tokens. "plexa-cli fields" lists the fields; VALUE is JSON where it is valid JSON.
+tokens. "plexa-cli fields" lists the fields; VALUE is JSON where it is JSON.
 
 Examples:
   plexa-cli save --text '© {creator}' -o marked ~/Pictures/wedding
