@@ -138,7 +138,7 @@ std::vector<FieldRow> namedFields(const std::vector<FieldRow> &all, const std::v
 CLI::App *addFieldsCommand(CLI::App &program, ListOptions &options)
 {
     CLI::App *command = program.add_subcommand(
-        "fields", "List the fields of presets, for --set and --save-set: kinds, allowed values, defaults");
+        "fields", "List the fields of --set and --save-set: kinds, allowed values, defaults");
     command->add_flag("--json", options.json, "Print an array with an object for each field");
     command->add_option("NAME", options.names, "These fields only");
     return command;

@@ -170,13 +170,14 @@ int runInspect(const InspectOptions &options)
             hasFailures = true;
             printAbout(QString::fromStdString(options.paths[i]), result.error().text);
         } else if (options.json) {
-            const QByteArray object = QJsonDocument(jsonOf(*result)).toJson(QJsonDocument::Compact);
+            const QByteArray object = jsonText(QJsonDocument(jsonOf(*result)), QJsonDocument::Compact);
             std::fprintf(stdout, "%s%s", isFirst ? "[" : ",\n", object.constData());
             isFirst = false;
         } else {
             std::fputs(qUtf8Printable(textOf(*result)), stdout);
         }
     };
+    catchInterruptions();
     work.isStopped = isInterrupted;
     const std::size_t begun = runOrdered(work);
     if (options.json)

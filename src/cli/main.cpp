@@ -12,6 +12,7 @@
 #include "platform/applicationname.h"
 #include "platform/bytebudget.h"
 
+#include <QFile>
 #include <QGuiApplication>
 
 #include <CLI/CLI.hpp>
@@ -28,7 +29,7 @@ namespace
 void printFaultsOnly(QtMsgType type, const QMessageLogContext &, const QString &text)
 {
     if (type == QtCriticalMsg || type == QtFatalMsg)
-        std::fprintf(stderr, "%s\n", qUtf8Printable(text));
+        plexa::printLine(stderr, text);
 }
 
 /// The first argument that is an option with "=" and nothing after it, to which the parser would assign the
@@ -65,7 +66,8 @@ int run(int argc, char **argv)
     ListOptions tokens;
     CLI::App *tokensCommand = addTokensCommand(program, tokens);
     if (const char *const empty = emptyAssignment(argc, argv)) {
-        std::fprintf(stderr, "plexa-cli: %s there is nothing after the equal sign\n", empty);
+        printLine(stderr, onOneLine(QStringLiteral("plexa-cli: %1 there is nothing after the equal sign")
+                                        .arg(QFile::decodeName(empty))));
         return kWrongUsage;
     }
     try {
@@ -103,7 +105,6 @@ int main(int argc, char **argv)
     QCoreApplication::setOrganizationName(plexa::companyName(true));
     QCoreApplication::setApplicationName(plexa::applicationNameWithCompany(false, false, true));
     QCoreApplication::setApplicationVersion(plexa::BundleInfo::own().shortVersionString);
-    plexa::catchInterruptions();
     std::signal(SIGXFSZ, SIG_IGN); // writing beyond the file-size limit then fails as on a full disk
     int status = plexa::kSomethingFailed;
     try {
@@ -111,6 +112,8 @@ int main(int argc, char **argv)
     } catch (const std::bad_alloc &) {
         std::fputs("plexa-cli: there is not enough memory\n", stderr);
     }
+    if (plexa::isInterrupted())
+        status = plexa::kInterrupted;
     // Lost results are a failure, too.
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
         std::fputs("plexa-cli: the results could not be written to the standard output\n", stderr);

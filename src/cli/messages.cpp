@@ -5,26 +5,49 @@
 #include "platform/bytebudget.h"
 #include "platform/startablethreads.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
 
 namespace plexa
 {
 
+namespace
+{
+
+/// C0, delete and C1.
+bool isControl(QChar character)
+{
+    return character.category() == QChar::Other_Control;
+}
+
+} // namespace
+
 void printLine(FILE *stream, const QString &text)
 {
-    std::fprintf(stream, "%s\n", text.toUtf8().constData());
+    QString safe = text;
+    for (QChar &character : safe) {
+        if (isControl(character) && character != u'\n')
+            character = u'?';
+    }
+    std::fprintf(stream, "%s\n", safe.toUtf8().constData());
 }
 
 QString onOneLine(QString text)
 {
     for (QChar &character : text) {
-        if (character.category() == QChar::Other_Control || character == QChar::LineSeparator ||
+        if (isControl(character) || character == QChar::LineSeparator ||
             character == QChar::ParagraphSeparator)
-            character = QLatin1Char('?');
+            character = u'?';
     }
     return text;
+}
+
+QByteArray jsonText(const QJsonDocument &document, QJsonDocument::JsonFormat format)
+{
+    // Only the characters below the blank are escaped already.
+    QString text = QString::fromUtf8(document.toJson(format));
+    for (char16_t control = 0x7F; control < 0xA0; ++control)
+        text.replace(QChar(control), QStringLiteral("\\u%1").arg(int(control), 4, 16, QLatin1Char('0')));
+    return text.toUtf8();
 }
 
 int threadsToUse(int wanted)
@@ -43,8 +66,7 @@ int threadsToUse(int wanted)
 
 void printAbout(const QString &path, const QString &reason)
 {
-    const QString name = QFileInfo(path).fileName();
-    printLine(stderr, onOneLine(QStringLiteral("%1: %2").arg(name.isEmpty() ? path : name, reason)));
+    printLine(stderr, onOneLine(QStringLiteral("%1: %2").arg(path, reason)));
 }
 
 } // namespace plexa

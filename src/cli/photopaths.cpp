@@ -74,16 +74,15 @@ PhotoPath decodedPath(const std::string &path)
     return {text, QStringLiteral("its name is not valid UTF-8")};
 }
 
-Result<PhotoSearch> photosAt(const std::vector<std::string> &paths, const std::string &leftOut, bool recurses,
-                             const std::function<bool()> &isStopped)
+PhotoSearch photosAt(const std::vector<std::string> &paths, const std::string &leftOut, bool recurses)
 {
     PhotoSearch search;
     FolderWalk::Visitor visitor;
     visitor.found = [&](const QString &path) { search.photos.push_back({path, {}}); };
     visitor.unreadable = [&](const FolderWalk::Unreadable &what) {
-        (what.isPhoto ? search.photos : search.notSearched).push_back({what.path, what.reason});
+        (what.isPhoto ? search.photos : search.notRead).push_back({what.path, what.reason});
     };
-    visitor.isStopped = isStopped;
+    visitor.isStopped = [] { return false; };
     FolderWalk::Rules rules;
     rules.isSorted = true;
     rules.entersFolders = recurses;
@@ -96,11 +95,11 @@ Result<PhotoSearch> photosAt(const std::vector<std::string> &paths, const std::s
         struct stat status = {};
         const bool isReached = ::stat(path.c_str(), &status) == 0;
         if (!isReached && isAbsent(errno))
-            return fail(QStringLiteral("there is no file or folder \"%1\"").arg(given.path));
-        if (!isReached || !S_ISDIR(status.st_mode))
+            search.notRead.push_back({given.path, QStringLiteral("there is no file or folder of this name")});
+        else if (!isReached || !S_ISDIR(status.st_mode))
             search.photos.push_back(given); // opening it reports why it cannot be reached
         else if (!given.failure.isEmpty())
-            search.notSearched.push_back(given);
+            search.notRead.push_back(given);
         else
             walk.scanFolder(given.path);
     }

@@ -4,7 +4,6 @@
 
 #include "platform/result.h"
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -39,19 +38,17 @@ PhotoPath decodedPath(const std::string &path);
 
 struct PhotoSearch {
     std::vector<PhotoPath> photos;
-    std::vector<PhotoPath> notSearched; ///< unreadable folders, and folders with too long a path
+    std::vector<PhotoPath>
+        notRead; ///< paths without a file, unreadable folders, and folders with too long a path
 };
 
 /// The photos at these paths, in order: each file, and in each folder and those below it the files with the
 /// suffix of a picture format, sorted by name. Hidden entries, package folders and folders that were searched
 /// before are left out. Photos that cannot be read (unknown camera raw formats, names that are not text,
 /// unreachable files) are included, so that reading them reports why.
-/// @param paths      as the shell passes them, in the file system's encoding
-/// @param leftOut    a folder that is skipped below the paths: the folder of the copies
-/// @param recurses   enters the folders in folders
-/// @param isStopped  checked before every entry of a folder; true ends the search with the present result
-/// @return a failure if a path does not exist
-[[nodiscard]] Result<PhotoSearch> photosAt(const std::vector<std::string> &paths, const std::string &leftOut,
-                                           bool recurses, const std::function<bool()> &isStopped);
+/// @param paths     as the shell passes them, in the file system's encoding
+/// @param leftOut   a folder that is skipped below the paths: the folder of the copies
+/// @param recurses  enters the folders in folders
+PhotoSearch photosAt(const std::vector<std::string> &paths, const std::string &leftOut, bool recurses);
 
 } // namespace plexa

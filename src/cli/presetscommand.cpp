@@ -88,7 +88,8 @@ void print(const PresetsFile &file, bool json)
     printEach(file.wPresets);
     printEach(file.savingPresets);
     if (json)
-        printLine(stdout, QString::fromUtf8(QJsonDocument(objects).toJson().trimmed()));
+        printLine(stdout,
+                  QString::fromUtf8(jsonText(QJsonDocument(objects), QJsonDocument::Indented).trimmed()));
 }
 
 /// Reports the parts of the file that are not printed or written, and pictures that cannot be drawn.

@@ -38,7 +38,7 @@ public:
 
 int refuse(const QString &text)
 {
-    printLine(stderr, QStringLiteral("plexa-cli: ") + text);
+    printLine(stderr, onOneLine(QStringLiteral("plexa-cli: ") + text));
     return kWrongUsage;
 }
 
@@ -104,7 +104,7 @@ Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
     run.folders = std::move(*folders);
     run.combineAllAppliedPresetsInImage = options.combine;
     run.ignoreAssignedSavingPresets = options.ignoreAssigned;
-    run.preservesCreationDate = !options.noCreationDate;
+    run.copyRules = {!options.noCreationDate, options.requireWatermark};
     run.isDryRun = options.dryRun;
     run.conflictCode = conflictCode(options.conflict);
     run.conflictScope = OutputNaming::Scope::FilesFromBefore;
@@ -115,9 +115,9 @@ Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
 }
 
 /// @return the exit status
-int saveAll(SavingRun &run, const std::vector<PhotoPath> &photos, const SaveOptions &options,
-            const FontCatalog &fonts)
+int saveAll(SavingRun &run, const PhotoSearch &search, const SaveOptions &options, const FontCatalog &fonts)
 {
+    const std::vector<PhotoPath> &photos = search.photos;
     run.jobs = threadsToUse(run.jobs);
     if (run.jobs < 1)
         return kSomethingFailed;
@@ -138,13 +138,15 @@ int saveAll(SavingRun &run, const std::vector<PhotoPath> &photos, const SaveOpti
             return {photo.path, nullptr, photo.failure};
         return {photo.path, std::make_shared<ImageObject>(photo.path, services), {}};
     };
-    SaveReport report({options.json, options.quiet, run.effectivePresets.size() > 1});
+    SaveReport report({options.json, options.quiet, run.effectivePresets.size() > 1},
+                      {qint64(search.notRead.size())});
     NoQuestions alerts;
     Saving saving(alerts);
+    catchInterruptions();
     saving.saveImages(run, report);
     report.end();
     saving.finishedSavingImages(); // the result is printed already
-    return report.isComplete() ? kAllDone : kSomethingFailed;
+    return report.isComplete() && search.notRead.empty() ? kAllDone : kSomethingFailed;
 }
 
 } // namespace
@@ -160,20 +162,12 @@ int runSave(const SaveOptions &options)
     Result<SavingRun> run = planRun(options, fonts);
     if (!run)
         return refuse(run.error().text);
-    const Result<PhotoSearch> search = photosAt(*paths, options.output, !options.noRecurse, isInterrupted);
-    if (!search)
-        return refuse(search.error().text);
-    for (const PhotoPath &folder : search->notSearched)
-        printLine(stderr,
-                  onOneLine(QStringLiteral("plexa-cli: \"%1\": %2").arg(folder.path, folder.failure)));
-    if (isInterrupted()) {
-        printLine(stderr, QStringLiteral("plexa-cli: stopped; no copy was started"));
-        return kSomethingFailed;
-    }
-    if (search->photos.empty())
+    const PhotoSearch search = photosAt(*paths, options.output, !options.noRecurse);
+    for (const PhotoPath &path : search.notRead)
+        printAbout(path.path, path.failure);
+    if (search.photos.empty())
         printLine(stderr, QStringLiteral("plexa-cli: no photos found"));
-    const int status = saveAll(*run, search->photos, options, fonts);
-    return search->notSearched.empty() ? status : std::max<int>(status, kSomethingFailed);
+    return saveAll(*run, search, options, fonts);
 }
 
 } // namespace plexa

@@ -93,7 +93,7 @@ void addWatermarkOptions(OptionGroups &groups, SaveOptions &options)
     groups.addFlag("--combine", options.combine,
                    "Draw all watermarks on one copy (default: a copy for each)");
     groups.addFlag("--require-watermark", options.requireWatermark,
-                   "A copy on which no watermark is visible is a failure");
+                   "A photo on which no watermark is visible is a failure and gets no copy");
 }
 
 void addCopyOptions(OptionGroups &groups, SaveOptions &options)
@@ -154,7 +154,7 @@ void addRunOptions(CLI::App &command, OptionGroups &groups, SaveOptions &options
                    "photo that is damaged after its header is not reported");
     groups.addFlag("--json", options.json,
                    "Print a JSON object for each copy, one a line; with --quiet for failed copies only");
-    groups.addFlag("-q,--quiet", options.quiet, "Print failures only");
+    groups.addFlag("-q,--quiet", options.quiet, "Print failures and copies without a visible watermark only");
 }
 
 bool hasField(const std::vector<std::string> &fields, const char *name)

@@ -8,10 +8,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <unistd.h>
-
-#include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <utility>
 
 namespace plexa
 {
@@ -60,17 +59,23 @@ QJsonValue orNull(const QString &text)
     return text.isEmpty() ? QJsonValue::Null : QJsonValue(text);
 }
 
-QJsonValue jsonRect(const SavingOutput &output)
+/// Of a watermark, or null if it has nothing to draw. Thousandths of a pixel are enough.
+QJsonValue jsonRect(const std::optional<QRectF> &rect)
 {
-    if (output.isCombined || output.report.rects.size() != 1 || !output.report.rects.front())
+    if (!rect)
         return QJsonValue::Null;
-    const QRectF rect = *output.report.rects.front();
-    return QJsonArray{rect.x(), rect.y(), rect.width(), rect.height()};
+    QJsonArray sides;
+    for (const double side : {rect->x(), rect->y(), rect->width(), rect->height()})
+        sides.append(std::round(side * 1000) / 1000);
+    return sides;
 }
 
-bool isPlan(const SavingOutput &output)
+QJsonArray jsonRects(const CopyReport &report)
 {
-    return output.status == Status::Planned;
+    QJsonArray rects;
+    for (const std::optional<QRectF> &rect : report.rects)
+        rects.append(jsonRect(rect));
+    return rects;
 }
 
 /// What the user should know about a written copy, although it is no failure.
@@ -83,15 +88,30 @@ QStringList noticesOf(const SavingOutput &output)
     return notices;
 }
 
+/// Is a watermark visible on the copy? Null if that is not known.
+QJsonValue jsonMarked(const SavingOutput &output)
+{
+    if (output.status == Status::Written)
+        return output.report.isMarked;
+    return output.status == Status::Planned && output.hasNoText ? QJsonValue(false) : QJsonValue::Null;
+}
+
 QByteArray jsonLine(const SavingOutput &output)
 {
     const CopyReport &report = output.report;
-    QJsonObject line{
-        {QStringLiteral("source"), output.sourcePath},       {QStringLiteral("output"), output.path},
-        {QStringLiteral("status"), nameOf(output.status)},   {QStringLiteral("error"), orNull(output.error)},
-        {QStringLiteral("sequence"), output.sequenceNumber}, {QStringLiteral("wpreset"), output.wPresetName},
-        {QStringLiteral("rect"), jsonRect(output)},          {QStringLiteral("size"), QJsonValue::Null}};
-    if (output.status == Status::Written)
+    const bool isWritten = output.status == Status::Written;
+    const bool hasRect = isWritten && !output.isCombined && report.rects.size() == 1;
+    QJsonObject line{{QStringLiteral("source"), output.sourcePath},
+                     {QStringLiteral("output"), orNull(output.path)},
+                     {QStringLiteral("status"), nameOf(output.status)},
+                     {QStringLiteral("error"), orNull(output.error)},
+                     {QStringLiteral("sequence"), output.sequenceNumber},
+                     {QStringLiteral("wpreset"), orNull(output.wPresetName)},
+                     {QStringLiteral("marked"), jsonMarked(output)},
+                     {QStringLiteral("rect"), hasRect ? jsonRect(report.rects.front()) : QJsonValue::Null},
+                     {QStringLiteral("rects"), isWritten ? QJsonValue(jsonRects(report)) : QJsonValue::Null},
+                     {QStringLiteral("size"), QJsonValue::Null}};
+    if (isWritten)
         line[QStringLiteral("size")] = QJsonArray{report.size.width(), report.size.height()};
     if (!report.dropped.isEmpty())
         line[QStringLiteral("dropped")] = QJsonArray::fromStringList(report.dropped);
@@ -99,9 +119,9 @@ QByteArray jsonLine(const SavingOutput &output)
         line[QStringLiteral("conflict")] = nameOf(output.conflict);
     if (const QStringList notices = noticesOf(output); !notices.isEmpty())
         line[QStringLiteral("notices")] = QJsonArray::fromStringList(notices);
-    if (isPlan(output))
+    if (output.status == Status::Planned)
         line[QStringLiteral("emptyTokens")] = QJsonArray::fromStringList(output.emptyTokens);
-    return QJsonDocument(line).toJson(QJsonDocument::Compact);
+    return jsonText(QJsonDocument(line), QJsonDocument::Compact);
 }
 
 QString textLine(const SavingOutput &output)
@@ -121,7 +141,8 @@ QString textLine(const SavingOutput &output)
 
 bool isWithoutWatermark(const SavingOutput &output)
 {
-    return output.status == Status::Written && !output.report.isMarked;
+    return output.status == Status::Planned ? output.hasNoText
+                                            : output.status == Status::Written && !output.report.isMarked;
 }
 
 /// @param isOneOfSeveral  does the run have other watermarks?
@@ -130,79 +151,120 @@ QString withoutWatermark(const SavingOutput &output, bool isOneOfSeveral)
     QString what = QStringLiteral("it");
     if (isOneOfSeveral)
         what = output.isCombined ? QStringLiteral("them") : QStringLiteral("\"%1\"").arg(output.wPresetName);
-    return QStringLiteral("saved without a watermark: nothing of %1 is visible on this photo").arg(what);
+    return (output.status == Status::Planned
+                ? QStringLiteral("would be saved without a watermark: the text of %1 is empty on this photo")
+                : QStringLiteral("saved without a watermark: nothing of %1 is visible on this photo"))
+        .arg(what);
 }
 
 } // namespace
 
-SaveReport::SaveReport(Form form)
+SaveReport::SaveReport(Form form, Search search)
     : m_form(form)
-    , m_hasProgressBar(!form.quiet && isatty(STDERR_FILENO) == 1)
+    , m_search(search)
+    , m_progress(!form.quiet)
 {
-}
-
-void SaveReport::drawProgressBar() const
-{
-    constexpr qint64 kBarWidth = 40;
-    const auto filled =
-        static_cast<std::size_t>(std::min(kBarWidth, m_copies * kBarWidth / std::max(m_maximum, qint64{1})));
-    const std::string bar = std::string(filled, '=') + std::string(kBarWidth - filled, ' ');
-    std::fprintf(stderr, "\r[%s] %lld/%lld", bar.c_str(), static_cast<long long>(m_copies),
-                 static_cast<long long>(m_maximum));
-    std::fflush(stderr);
-}
-
-void SaveReport::clearProgressBar() const
-{
-    if (!m_hasProgressBar)
-        return;
-    std::fputs("\r\033[K", stderr);
-    std::fflush(stderr);
 }
 
 void SaveReport::begun(qint64 maximum, const QString &)
 {
-    m_maximum = maximum;
+    m_counts.notStarted = maximum;
+    m_progress.begin(maximum);
 }
 
 void SaveReport::copyFinished(const SavingOutput &output)
 {
-    clearProgressBar();
+    count(output);
+    m_progress.clear();
+    printMessages(output);
     const bool isFailure = output.status == Status::Failed;
-    m_failures += isFailure ? 1 : 0;
-    if (isFailure)
-        printAbout(output.sourcePath, output.error);
-    else if (!m_form.quiet && isWithoutWatermark(output))
-        printAbout(output.sourcePath, withoutWatermark(output, m_form.hasSeveralWatermarks));
-
-    if (!m_form.quiet && !m_form.json) {
-        for (const QString &notice : noticesOf(output))
-            printAbout(output.sourcePath, notice);
-    }
-    // The JSON line contains it.
-    if (!m_form.quiet && !m_form.json && !output.report.dropped.isEmpty())
-        printAbout(output.sourcePath,
-                   QStringLiteral("the copy leaves out: ") + output.report.dropped.join(QLatin1String(", ")));
-
     if (m_form.json && (isFailure || !m_form.quiet))
         std::fprintf(stdout, "%s\n", jsonLine(output).constData());
     else if (!m_form.json && !m_form.quiet && !isFailure)
         printLine(stdout, onOneLine(textLine(output)));
     std::fflush(stdout);
-    ++m_copies;
-    if (m_hasProgressBar)
-        drawProgressBar();
+    m_progress.advance();
+    m_progress.draw();
+}
+
+void SaveReport::count(const SavingOutput &output)
+{
+    --m_counts.notStarted;
+    switch (output.status) {
+    case Status::Planned:
+        ++m_counts.planned;
+        break;
+    case Status::Written:
+        ++m_counts.written;
+        break;
+    case Status::Skipped:
+        ++m_counts.skipped;
+        break;
+    case Status::Failed:
+        ++m_counts.failed;
+        break;
+    }
+    m_counts.unmarked += isWithoutWatermark(output) ? 1 : 0;
+}
+
+void SaveReport::printMessages(const SavingOutput &output) const
+{
+    if (output.status == Status::Failed)
+        printAbout(output.sourcePath, output.error);
+    else if (isWithoutWatermark(output))
+        printAbout(output.sourcePath, withoutWatermark(output, m_form.hasSeveralWatermarks));
+    if (m_form.quiet || m_form.json) // the JSON line contains the rest
+        return;
+    for (const QString &notice : noticesOf(output))
+        printAbout(output.sourcePath, notice);
+    if (!output.report.dropped.isEmpty())
+        printAbout(output.sourcePath,
+                   QStringLiteral("the copy leaves out: ") + output.report.dropped.join(QLatin1String(", ")));
+}
+
+QString SaveReport::summary() const
+{
+    QStringList parts;
+    const auto add = [&](qint64 number, const char *what) {
+        if (number > 0)
+            parts.append(QStringLiteral("%1 %2").arg(number).arg(QLatin1String(what)));
+    };
+    add(m_counts.planned, "planned");
+    add(m_counts.written, "written");
+    add(m_counts.skipped, "skipped");
+    add(m_counts.failed, "failed");
+    add(m_counts.notStarted, "not started");
+    if (parts.isEmpty())
+        parts.append(QStringLiteral("none"));
+    QString text = QStringLiteral("plexa-cli: copies: ") + parts.join(QLatin1String(", "));
+    parts.clear();
+    add(m_counts.unmarked, "without a visible watermark");
+    add(m_search.leftOut,
+        m_search.leftOut == 1 ? "copy of an earlier run left out" : "copies of earlier runs left out");
+    add(m_search.notRead, m_search.notRead == 1 ? "path not read" : "paths not read");
+    for (const QString &part : std::as_const(parts))
+        text += QLatin1String("; ") + part;
+    return text;
+}
+
+void SaveReport::printJsonSummary() const
+{
+    const QJsonObject summary{
+        {QStringLiteral("planned"), m_counts.planned},       {QStringLiteral("written"), m_counts.written},
+        {QStringLiteral("skipped"), m_counts.skipped},       {QStringLiteral("failed"), m_counts.failed},
+        {QStringLiteral("notStarted"), m_counts.notStarted}, {QStringLiteral("unmarked"), m_counts.unmarked},
+        {QStringLiteral("leftOut"), m_search.leftOut},       {QStringLiteral("notRead"), m_search.notRead}};
+    const QJsonDocument line(QJsonObject{{QStringLiteral("summary"), summary}});
+    std::fprintf(stdout, "%s\n", jsonText(line, QJsonDocument::Compact).constData());
 }
 
 void SaveReport::end()
 {
-    clearProgressBar();
-    if (m_failures > 0)
-        printLine(stderr, QStringLiteral("plexa-cli: %1 of %2 copies failed").arg(m_failures).arg(m_copies));
-    if (m_copies < m_maximum)
-        printLine(stderr, QStringLiteral("plexa-cli: stopped; %1 of %2 copies were not started")
-                              .arg(m_maximum - m_copies)
-                              .arg(m_maximum));
+    m_progress.clear();
+    if (m_form.json)
+        printJsonSummary();
+    if (!m_form.quiet || !isComplete() || m_counts.unmarked > 0 || m_search.notRead > 0)
+        printLine(stderr, summary());
 }
 
 } // namespace plexa

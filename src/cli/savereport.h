@@ -2,41 +2,58 @@
 
 #pragma once
 
+#include "cli/progressline.h"
 #include "saving/savingrun.h"
 
 namespace plexa
 {
 
-/// Reports a run: results on standard output, messages and a progress bar on standard error.
+/// Reports a run: results on standard output, messages and a progress line on standard error.
 class SaveReport final : public SavingObserver
 {
 public:
     struct Form {
         bool json = false;
-        bool quiet = false;                ///< failures only
+        bool quiet = false;                ///< failures and copies without a watermark only
         bool hasSeveralWatermarks = false; ///< messages name the watermark
     };
 
-    explicit SaveReport(Form form);
+    /// What the search for photos left, for the summary.
+    struct Search {
+        qint64 notRead = 0; ///< paths without a file, and folders that cannot be read
+        qint64 leftOut = 0; ///< copies of earlier runs
+    };
+
+    SaveReport(Form form, Search search);
 
     void begun(qint64 maximum, const QString &message) override;
     void copyFinished(const SavingOutput &output) override;
 
-    /// Removes the progress bar and prints the numbers of failed and missing copies.
+    /// Removes the progress line and prints the summary.
     void end();
 
     /// Were all copies started, and did none fail?
-    bool isComplete() const { return m_failures == 0 && m_copies == m_maximum; }
+    bool isComplete() const { return m_counts.failed == 0 && m_counts.notStarted == 0; }
 
 private:
-    void drawProgressBar() const;
-    void clearProgressBar() const;
+    struct Counts {
+        qint64 planned = 0;
+        qint64 written = 0;
+        qint64 skipped = 0;
+        qint64 failed = 0;
+        qint64 unmarked = 0; ///< written or planned without a visible watermark
+        qint64 notStarted = 0;
+    };
 
-    Form m_form;
-    bool m_hasProgressBar; ///< in the last line of standard error, on a terminal only
-    qint64 m_maximum = 0;
-    qint64 m_failures = 0;
-    qint64 m_copies = 0;
+    void count(const SavingOutput &output);
+    void printMessages(const SavingOutput &output) const;
+    void printJsonSummary() const;
+    QString summary() const;
+
+    const Form m_form;
+    const Search m_search;
+    ProgressLine m_progress;
+    Counts m_counts;
 };
 
 } // namespace plexa

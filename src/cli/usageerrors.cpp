@@ -33,7 +33,8 @@ QString reasonOf(const CLI::App &program, const CLI::App *command, const CLI::Pa
 {
     const std::string kind = error.get_name();
     const QString text = QString::fromUtf8(error.what());
-    const bool isExtra = kind == "ExtrasError";
+    // Its name is that of the command.
+    const bool isExtra = dynamic_cast<const CLI::ExtrasError *>(&error) != nullptr;
     const QString extra = isExtra ? text.section(QStringLiteral(": "), 1)
                                   : QString::fromStdString(CLI::detail::join(program.remaining(), " "));
     if (extra.startsWith(u'-') && (isExtra || !command))

@@ -108,9 +108,9 @@ public:
         report.size = m_uprighting.size();
         report.dropped = droppedPictures(m_source);
         return prepareMarks(m_order, facts, m_services, report)
-            .and_then([this](Drawings drawings) {
+            .and_then([&](Drawings drawings) -> Result<void> {
                 m_drawings = std::move(drawings);
-                return reserve();
+                return m_order.rules.needsVisibleMark && !report.isMarked ? fail(noVisibleMark()) : reserve();
             })
             .and_then([this] { return isStreamed() ? Result<void>() : makeUpright(); })
             .and_then([this] { return writeFile(); })
@@ -178,7 +178,8 @@ private:
         if (m_order.overwritten && fileVersionAt(m_order.target.path) != m_order.overwritten)
             return fail(PictureFailures::changedMeanwhile());
         // Linux cannot set the time of birth, so the copy's modification time stands for it.
-        const auto created = m_order.preservesCreationDate ? creationTimeOf(m_order.path) : std::nullopt;
+        const auto created =
+            m_order.rules.preservesCreationDate ? creationTimeOf(m_order.path) : std::nullopt;
         if (created)
             file.setModificationTime(*created);
         return file.commit();
@@ -209,6 +210,11 @@ private:
 };
 
 } // namespace
+
+QString noVisibleMark()
+{
+    return QStringLiteral("not saved, because no watermark is visible on it");
+}
 
 Result<CopyOrder> copyOrderFor(const QString &path, const CopyTarget &target,
                                const SavingPresetValues &savingPreset)

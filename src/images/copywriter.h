@@ -27,6 +27,12 @@ struct CopyTarget {
     std::function<std::optional<QString>()> nextPath = {}; ///< as AtomicFile::setAlternatives(); may be empty
 };
 
+/// The rules for all copies of a run.
+struct CopyRules {
+    bool preservesCreationDate = true; ///< the copy gets the date of its photo
+    bool needsVisibleMark = false;     ///< a copy on which no watermark is visible is a failure
+};
+
 /// Everything that one watermarked copy is made of.
 struct CopyOrder {
     QString path;     ///< the photo as people know it
@@ -44,7 +50,7 @@ struct CopyOrder {
     int turns = 1;                         ///< the user's turns, as an orientation
     std::optional<ImageMetadata> metadata; ///< where the user has edited it; else the file's
     QImage upright; ///< the decoded photo where it is at hand, turns applied; else null
-    bool preservesCreationDate = true;
+    CopyRules rules;
     CancelCheck isCancelled;
 };
 
@@ -52,6 +58,9 @@ struct CopyOrder {
 /// @return the reason when the preset has a format that cannot be written or an impossible quality
 [[nodiscard]] Result<CopyOrder> copyOrderFor(const QString &path, const CopyTarget &target,
                                              const SavingPresetValues &savingPreset);
+
+/// The failure of a copy that breaks CopyRules::needsVisibleMark.
+QString noVisibleMark();
 
 /// What became of a copy.
 struct CopyReport {

@@ -130,7 +130,7 @@ QList<QImage> ImageObject::generatePasteboardImages(const std::vector<AppliedPre
 Result<CopyReport> ImageObject::saveImageAtPath(const CopyTarget &target,
                                                 const std::vector<AppliedPreset> &presets,
                                                 const SavingPresetValues &savingPreset,
-                                                bool preservesCreationDate, const CancelCheck &isCancelled,
+                                                const CopyRules &rules, const CancelCheck &isCancelled,
                                                 const QString &readFrom)
 {
     Result<CopyOrder> ordered = copyOrderFor(path(), target, savingPreset);
@@ -138,7 +138,7 @@ Result<CopyReport> ImageObject::saveImageAtPath(const CopyTarget &target,
         return tl::unexpected(ordered.error());
     CopyOrder &order = *ordered;
     order.readPath = readFrom.isEmpty() ? readPath() : readFrom;
-    order.preservesCreationDate = preservesCreationDate;
+    order.rules = rules;
     order.isCancelled = isCancelled;
     const std::optional<FileVersion> before = fileVersionAt(readPath());
     const std::optional<FileVersion> replaced = fileVersionAt(target.path);

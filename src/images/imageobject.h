@@ -158,7 +158,7 @@ public:
     /// @param readFrom  the file to read, if not readPath()
     [[nodiscard]] Result<CopyReport>
     saveImageAtPath(const CopyTarget &target, const std::vector<AppliedPreset> &presets,
-                    const SavingPresetValues &savingPreset, bool preservesCreationDate,
+                    const SavingPresetValues &savingPreset, const CopyRules &rules,
                     const CancelCheck &isCancelled = {}, const QString &readFrom = {});
 
     /// Pixels of the photo after all turns; (0, 0) until it is loaded.

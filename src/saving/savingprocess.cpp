@@ -128,6 +128,14 @@ Result<void> checkPlace(const Pending &pending)
     return AtomicFile(path, ifExists(pending), AtomicFile::Durability::Lazy).check();
 }
 
+bool hasNoText(const PhotoFacts &facts, const Order &order)
+{
+    return std::all_of(order.presets.begin(), order.presets.end(), [&](const AppliedPreset &preset) {
+        return preset.values.type == QLatin1StringView("Text") &&
+               !watermarkTextForImage(preset.values, facts);
+    });
+}
+
 QStringList emptyTokens(const AheadOfTime &ahead, const Order &order)
 {
     const auto isEmptyName = [&](const QString &token) {
@@ -175,6 +183,7 @@ private:
     void decide(Pending &pending, const AheadOfTime &ahead, const Order &order, const QString &photoKey);
     void setDestination(Pending &pending, const OutputNaming::Destination &destination,
                         const QString &photoKey) const;
+    Result<void> checkPlan(const Pending &pending, const AheadOfTime &ahead) const;
     void startWriting(Pending &pending, const std::shared_ptr<PhotoInWork> &photo, const Order &order);
     std::function<std::optional<QString>()> alternativesFor(Pending &pending);
     void giveNameBack(const Pending &pending);
@@ -352,16 +361,26 @@ void SavingProcess::saveCopy(const std::shared_ptr<PhotoInWork> &photo, const Ah
     }
     if (output.status == SavingOutput::Status::Planned && m_run.isDryRun) {
         output.emptyTokens = emptyTokens(ahead, order);
-        const Result<void> place = checkPlace(pending);
-        if (!ahead.failure.isEmpty() || !place) {
+        output.hasNoText = ahead.facts && hasNoText(*ahead.facts, order);
+        if (const Result<void> possible = checkPlan(pending, ahead); !possible) {
             output.status = SavingOutput::Status::Failed;
-            output.error = !ahead.failure.isEmpty() ? ahead.failure : place.error().text;
+            output.error = possible.error().text;
             giveNameBack(pending);
         }
     } else if (output.status == SavingOutput::Status::Planned) {
         startWriting(pending, photo, order);
     }
     m_pending.push_back(std::move(made));
+}
+
+/// For a dry run: the reasons against the copy that are known beforehand.
+Result<void> SavingProcess::checkPlan(const Pending &pending, const AheadOfTime &ahead) const
+{
+    if (!ahead.failure.isEmpty())
+        return fail(ahead.failure);
+    if (m_run.copyRules.needsVisibleMark && pending.output.hasNoText)
+        return fail(noVisibleMark());
+    return checkPlace(pending);
 }
 
 /// Name, question, final path.
@@ -444,7 +463,7 @@ void SavingProcess::startWriting(Pending &pending, const std::shared_ptr<PhotoIn
     m_pool->add([this, &pending, photo, &order, readFrom, target, nextPath = alternativesFor(pending)] {
         Result<CopyReport> result =
             photo->image->saveImageAtPath({pending.output.path, ifExists(pending), nextPath}, order.presets,
-                                          order.savingPreset, m_run.preservesCreationDate, {}, readFrom);
+                                          order.savingPreset, m_run.copyRules, {}, readFrom);
         finish(pending, std::move(result), photo->key, target);
     });
 }

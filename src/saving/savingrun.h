@@ -48,11 +48,11 @@ struct SavingRun {
     bool isInSingleMode = false;                  ///< nothing is combined then
     bool combineAllAppliedPresetsInImage = false; ///< a copy for each photo, else for each photo and preset
     bool ignoreAssignedSavingPresets = false;     ///< defaultSavingPreset is for all copies
-    bool preservesCreationDate = true;            ///< copies have the dates of their originals
-    bool releasesImages = false;                  ///< a photo forgets its pixels when its copies are made
-    bool collectsSavedImagesInfo = false;         ///< for the companion application
-    bool isDryRun = false;                        ///< everything is decided, nothing is written
-    OutputNaming::ConflictCode conflictCode = 0;  ///< OutputNaming::always() asks nobody
+    CopyRules copyRules;
+    bool releasesImages = false;                 ///< a photo forgets its pixels when its copies are made
+    bool collectsSavedImagesInfo = false;        ///< for the companion application
+    bool isDryRun = false;                       ///< everything is decided, nothing is written
+    OutputNaming::ConflictCode conflictCode = 0; ///< OutputNaming::always() asks nobody
     OutputNaming::Scope conflictScope = OutputNaming::Scope::AllFiles;
     QStringList keptPhotos; ///< with Scope::FilesFromBefore: photos that only their own copies may replace
     int jobs = 1;           ///< how many copies are made at once
@@ -82,6 +82,7 @@ struct SavingOutput {
     Status status = Status::Planned;
     Conflict conflict = Conflict::None;
     QString error;           ///< why it failed
+    bool hasNoText = false;  ///< dry run: the texts of all its watermarks are empty on this photo
     CopyReport report;       ///< of a written copy
     QStringList emptyTokens; ///< dry run: tokens in the name and the watermarks that the photo leaves empty
 };

@@ -22,7 +22,8 @@ struct Texts {
 void followCommonSettings(SavingRun &run, const UserDefaults &defaults)
 {
     run.combineAllAppliedPresetsInImage = defaults.boolForKey(settings::combineAllAppliedPresetsInImage);
-    run.preservesCreationDate = defaults.boolForKey(settings::exportPreserveOriginalFileCreationDate);
+    run.copyRules.preservesCreationDate =
+        defaults.boolForKey(settings::exportPreserveOriginalFileCreationDate);
     run.releasesImages = !defaults.boolForKey(settings::imageListIsInBrowserMode);
 }
 

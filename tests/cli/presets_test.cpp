@@ -159,8 +159,7 @@ private Q_SLOTS:
             const ProgramRun outcome = run("presets %1", path(file));
             QCOMPARE(outcome.status, 1);
             QVERIFY(outcome.out.isEmpty() && outcome.err.count('\n') == 1);
-            QVERIFY2(outcome.err.startsWith(QFileInfo(path(file)).fileName().toUtf8() + ": ") &&
-                         outcome.err.contains(reason),
+            QVERIFY2(outcome.err.startsWith(path(file).toUtf8() + ": ") && outcome.err.contains(reason),
                      outcome.err.constData());
         }
     }

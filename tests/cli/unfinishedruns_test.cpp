@@ -27,7 +27,7 @@ private Q_SLOTS:
         QVERIFY2(outcome.status == 1, outcome.err.constData());
         QCOMPARE(namesIn(path("out")), words("a.png b.jpg"));
         QVERIFY2(outcome.err.contains("c.png: ") && outcome.err.contains("d.png: "), outcome.err.constData());
-        QVERIFY2(outcome.err.contains("2 of 4 copies failed"), outcome.err.constData());
+        QVERIFY2(outcome.err.contains("2 failed"), outcome.err.constData());
         for (const char *copy : {"out/a.png", "out/b.jpg"})
             QVERIFY(!QImage(path(copy)).isNull());
     }
@@ -35,8 +35,8 @@ private Q_SLOTS:
     /// A killed run leaves at most hidden files besides, which the next run removes.
     void stoppingLeavesWholeFiles()
     {
-        for (const auto &[signal, status, shell] : {std::tuple(SIGINT, 1, ""),
-                                                    {SIGHUP, 1, ""},
+        for (const auto &[signal, status, shell] : {std::tuple(SIGINT, 130, ""),
+                                                    {SIGHUP, 130, ""},
                                                     {SIGHUP, 0, "trap '' HUP; "}, // as under nohup
                                                     {SIGKILL, SIGKILL, ""}}) {
             startAnew();

@@ -44,7 +44,7 @@ bool saves(ImageObject &photo, const QString &target, const std::vector<AppliedP
 {
     SavingPresetValues png;
     png.imageFormat = QStringLiteral("PNG");
-    const auto saved = photo.saveImageAtPath({target}, presets, png, true);
+    const auto saved = photo.saveImageAtPath({target}, presets, png, {});
     if (!saved)
         qWarning() << saved.error().text;
     return saved.has_value();
@@ -269,7 +269,7 @@ private Q_SLOTS:
         png.imageFormat = QStringLiteral("PNG");
         const auto saved =
             photo.saveImageAtPath({m_folder->path(folder + QStringLiteral("copy.png"))},
-                                  {textPreset(services.fonts, QStringLiteral("x"))}, png, true,
+                                  {textPreset(services.fonts, QStringLiteral("x"))}, png, {},
                                   [&] { return stripsBeforeStop >= 0 && strips++ >= stripsBeforeStop; });
         QVERIFY(!saved);
         QVERIFY(!saved.error().text.isEmpty());
@@ -364,7 +364,7 @@ private Q_SLOTS:
         const QString copy = m_folder->path("copy.png");
         SavingPresetValues png;
         png.imageFormat = u"PNG"_qs;
-        QVERIFY(photo.saveImageAtPath({copy}, {}, png, row.preserves));
+        QVERIFY(photo.saveImageAtPath({copy}, {}, png, {row.preserves}));
         const QDateTime expected = now.addDays(row.daysExpected);
         QVERIFY(qAbs(QFileInfo(copy).lastModified().secsTo(expected)) < 3600);
     }
@@ -459,7 +459,7 @@ private Q_SLOTS:
         QVERIFY(original.open(QIODevice::ReadOnly));
         SavingPresetValues same;
         same.imageFormat = QStringLiteral("Original");
-        QVERIFY(photo.saveImageAtPath({path, AtomicFile::IfExists::Replace}, {}, same, true));
+        QVERIFY(photo.saveImageAtPath({path, AtomicFile::IfExists::Replace}, {}, same, {}));
         QVERIFY(after == 0 || photo.transformOriginalImageWithOperation(after));
 
         const QImage expected = after == 0 ? saved : saved.mirrored(true, false);
@@ -474,7 +474,7 @@ private Q_SLOTS:
         // A copy of the file that was replaced shows the same.
         const QString late = m_folder->path("late.jpg");
         const QString readFrom = QStringLiteral("/proc/self/fd/%1").arg(original.handle());
-        QVERIFY(photo.saveImageAtPath({late}, {}, same, true, {}, readFrom));
+        QVERIFY(photo.saveImageAtPath({late}, {}, same, {}, {}, readFrom));
         QVERIFY(difference(ImageObject(late, services.all).originalCGImage(), expected) < 3);
     }
 
@@ -528,7 +528,7 @@ private Q_SLOTS:
             return false;
         };
         const auto saved =
-            photo.saveImageAtPath({path, AtomicFile::IfExists::Replace}, {}, same, true, replaceOnce);
+            photo.saveImageAtPath({path, AtomicFile::IfExists::Replace}, {}, same, {}, replaceOnce);
         QVERIFY(!saved);
         QCOMPARE(saved.error().text, QStringLiteral("the file was changed while it was read"));
         QCOMPARE(QImage(path).size(), QSize(50, 20));
@@ -556,7 +556,7 @@ private Q_SLOTS:
                             photo.releaseImagesData();
                         } else if (t == 2) { // the file of all five
                             const auto saved = photo.saveImageAtPath({path, AtomicFile::IfExists::Replace},
-                                                                     {}, SavingPresetValues(), true);
+                                                                     {}, SavingPresetValues(), {});
                             failures += !saved;
                         } else if (t == 3) {
                             static_cast<void>(photo.readReduced(40));

@@ -309,7 +309,8 @@ private Q_SLOTS:
         SavingRun run;
         followSettings(run, defaults);
         QCOMPARE(run.folders.destDirectory, defaults.stringForKey(settings::savingDirectory));
-        QVERIFY(run.preservesCreationDate && !run.releasesImages && !run.ignoreAssignedSavingPresets);
+        QVERIFY(run.copyRules.preservesCreationDate && !run.releasesImages &&
+                !run.ignoreAssignedSavingPresets);
         defaults.setObject(settings::saveAllToOneDirectory, false);
         defaults.setObject(settings::ignoreSavingPresetsInWPresets, true); // nothing reads it
         defaults.setObject(settings::imageListIsInBrowserMode, false);

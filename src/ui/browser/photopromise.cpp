@@ -53,7 +53,7 @@ Result<void> PhotoPromise::writeFile(std::size_t number, const QString &path) co
     const std::size_t presets = m_contents.presets.size();
     ImageObject &photo = *m_contents.photos[number / presets];
     const auto copy = photo.saveImageAtPath({path}, {m_contents.presets[number % presets]},
-                                            m_contents.savingPreset, m_contents.preservesCreationDate);
+                                            m_contents.savingPreset, {m_contents.preservesCreationDate});
     if (!copy)
         return fail(photo.path() + QStringLiteral(": ") + copy.error().text);
     return {};
