@@ -7,7 +7,6 @@
 #include "imageio/imagesource.h"
 #include "images/uprighting.h"
 #include "platform/applicationname.h"
-#include "platform/filetimes.h"
 #include "watermark/texttokens.h"
 
 #include <algorithm>
@@ -27,7 +26,7 @@ QVariantMap propertiesOfCopy(ImageMetadata metadata, const CopyOrder &order, con
 {
     metadata.setOrientation(1);
     metadata.setCompressionQuality(order.quality);
-    metadata.setTiffSoftware(applicationNameWithCompany(true, false, true));
+    metadata.setTiffSoftware(applicationNameWithCompany());
     metadata.setTiffCompression(order.tiffLzw ? kTiffCompressionLzw : kTiffCompressionNone);
     if (uprighting.isStretched()) {
         const double dpi = std::max(metadata.dpiWidth().toDouble(), metadata.dpiHeight().toDouble());
@@ -54,6 +53,17 @@ Result<Drawings> prepareMarks(const CopyOrder &order, const PhotoFacts &facts, c
             drawings.push_back(std::move(**drawing));
     }
     return drawings;
+}
+
+/// The time of birth, or of the last modification where that is earlier (the birth of a file that was copied
+/// here) or the birth is not known.
+std::optional<timespec> creationTimeOf(const QString &path)
+{
+    const std::optional<FileVersion> version = fileVersionAt(path);
+    if (!version)
+        return std::nullopt;
+    const FileTime created = std::min(version->modified, version->born.value_or(version->modified));
+    return timespec{created.seconds, static_cast<long>(created.nanoseconds)};
 }
 
 void drawAll(const Drawings &drawings, QImage &rows, int firstRow)
@@ -161,7 +171,7 @@ private:
 
     Result<void> writeFile()
     {
-        AtomicFile file(m_order.target.path, m_order.target.ifExists, AtomicFile::Durability::Synced);
+        AtomicFile file(m_order.target.path, m_order.target.ifExists);
         file.setAlternatives(m_order.target.nextPath);
         if (Result<void> opened = file.open(); !opened)
             return opened;
@@ -177,7 +187,7 @@ private:
             return unchanged;
         if (m_order.overwritten && fileVersionAt(m_order.target.path) != m_order.overwritten)
             return fail(PictureFailures::changedMeanwhile());
-        // Linux cannot set the time of birth, so the copy's modification time stands for it.
+        // Linux cannot set the time of birth, so the copy's modification time represents it.
         const auto created =
             m_order.rules.preservesCreationDate ? creationTimeOf(m_order.path) : std::nullopt;
         if (created)
