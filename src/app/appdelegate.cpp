@@ -67,8 +67,8 @@ void AppDelegate::applicationWillTerminate()
     Alert alert;
     alert.style = Alert::Style::Informational;
     alert.title = tr("Your feedback");
-    alert.text = tr("Would you like to tell us how we can further improve %1 for your needs?")
-                     .arg(applicationNameWithCompany(false, false, true));
+    alert.text =
+        tr("Would you like to tell us how we can further improve %1 for your needs?").arg(applicationName());
     alert.buttons = {tr("Give feedback"), tr("No, thanks")};
     alert.escapeButton = 1;
     alert.hasSuppressionBox = true;
@@ -83,7 +83,7 @@ QUrl AppDelegate::feedbackPage()
 {
     QUrl page(QString::fromUtf8(identity::kWebSite) + QStringLiteral("/feedback"));
     QUrlQuery query;
-    query.addQueryItem(QStringLiteral("product"), applicationNameWithCompany(false, false, true));
+    query.addQueryItem(QStringLiteral("product"), applicationName());
     page.setQuery(query);
     return page;
 }

@@ -60,9 +60,9 @@ bool AppliedPresets::isInSingleMode() const
     return m_defaults.integerForKey(settings::lastUsedMode) == 0;
 }
 
-void AppliedPresets::modeDidChange(int segment)
+void AppliedPresets::modeDidChange(Mode mode)
 {
-    m_defaults.setObject(settings::lastUsedMode, segment);
+    m_defaults.setObject(settings::lastUsedMode, static_cast<int>(mode));
     Q_EMIT modeChanged(isInSingleMode());
     Q_EMIT previewOutdated();
 }

@@ -21,6 +21,7 @@ class AppliedPresets final : public QObject
     Q_OBJECT
 
 public:
+    enum class Mode { Single, Presets };
     enum class Neighbor { Next, Previous };
 
     /// @param defaults  outlives this object
@@ -34,8 +35,8 @@ public:
     const WPresetList &wPresetsApplied() const { return m_wPresetsApplied; }
 
     bool isInSingleMode() const;
-    /// @param segment  0: single mode, 1: presets mode. Stored.
-    void modeDidChange(int segment);
+    /// Stores the mode.
+    void modeDidChange(Mode mode);
 
     /// The presets that are drawn, in this order; may be empty in presets mode.
     WPresetList effectivePresets() const;

@@ -28,7 +28,7 @@ bool BatchImageOperation::performOperation(ImageTransform operation, const Image
     work.loadsImages = true;
     work.work = [operation](ImageObject &image, bool isLoaded) {
         if (isLoaded)
-            image.transformOriginalImageWithOperation(static_cast<int>(operation));
+            image.transformOriginalImageWithOperation(operation);
     };
     work.done = [this](const std::shared_ptr<ImageObject> &image) {
         m_job.post([this, image] { finishedImage(image); });

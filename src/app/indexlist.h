@@ -2,8 +2,10 @@
 
 #pragma once
 
+#include <QByteArrayList>
 #include <QList>
 
+#include <limits>
 #include <set>
 
 namespace plexa
@@ -20,6 +22,28 @@ inline IndexList cleanedIndexes(const IndexList &indexes, std::size_t count)
     if (clean.isEmpty())
         return {}; // Qt compares lists by memcmp(), which an emptied list and one without memory are not for
     return clean;
+}
+
+/// Positions as drags within the program carry them: "3 5 8".
+inline QByteArray draggedBytesOf(const IndexList &indexes)
+{
+    QByteArrayList numbers;
+    for (const int index : indexes)
+        numbers.append(QByteArray::number(index));
+    return numbers.join(' ');
+}
+
+/// @return the numbers in bytes of any origin, cleaned
+inline IndexList indexesFromDrag(const QByteArray &bytes)
+{
+    IndexList indexes;
+    for (const QByteArray &number : bytes.split(' ')) {
+        bool isNumber = false;
+        const int index = number.toInt(&isNumber);
+        if (isNumber)
+            indexes.append(index);
+    }
+    return cleanedIndexes(indexes, std::numeric_limits<int>::max());
 }
 
 } // namespace plexa

@@ -100,9 +100,9 @@ int main(int argc, char **argv)
     qInstallMessageHandler(printFaultsOnly);
     plexa::saveAddressSpace();
     QGuiApplication application(argc, argv);
-    QCoreApplication::setOrganizationName(plexa::companyName(true));
-    QCoreApplication::setApplicationName(plexa::applicationNameWithCompany(false, false, true));
-    QCoreApplication::setApplicationVersion(plexa::BundleInfo::own().shortVersionString);
+    QCoreApplication::setOrganizationName(plexa::companyName());
+    QCoreApplication::setApplicationName(plexa::applicationName());
+    QCoreApplication::setApplicationVersion(plexa::applicationVersion());
     std::signal(SIGXFSZ, SIG_IGN); // writing beyond the file-size limit then fails as on a full disk
     int status = plexa::kSomethingFailed;
     try {

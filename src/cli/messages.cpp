@@ -3,12 +3,38 @@
 #include "cli/messages.h"
 
 #include "platform/bytebudget.h"
-#include "platform/startablethreads.h"
 
 #include <algorithm>
+#include <future>
+#include <new>
+#include <system_error>
+#include <thread>
+#include <vector>
 
 namespace plexa
 {
+namespace
+{
+
+/// How many of `wanted` threads can run beside the calling one at this moment: fewer where a limit on memory
+/// or on processes is tight. Starts them to find out.
+int startableThreads(int wanted)
+{
+    std::vector<std::jthread> threads;
+    std::promise<void> end;
+    try {
+        threads.reserve(static_cast<std::size_t>(std::max(wanted, 0)));
+        const std::shared_future<void> ended = end.get_future().share();
+        for (int i = 0; i < wanted; ++i)
+            threads.emplace_back([ended] { ended.wait(); });
+    } catch (const std::system_error &) { // no more can be started
+    } catch (const std::bad_alloc &) {
+    }
+    end.set_value();
+    return static_cast<int>(threads.size());
+}
+
+} // namespace
 
 namespace
 {

@@ -7,7 +7,6 @@
 #include "imageio/imagesource.h"
 #include "images/uprighting.h"
 #include "platform/applicationname.h"
-#include "platform/filetimes.h"
 #include "watermark/texttokens.h"
 
 #include <algorithm>
@@ -24,7 +23,7 @@ constexpr int kTiffCompressionLzw = 5;
 
 QString softwareOfCopies()
 {
-    return applicationNameWithCompany(true, false, true);
+    return applicationNameWithCompany();
 }
 
 /// The dictionary that the copy carries: the photo's, for pixels that are upright and square.
@@ -59,6 +58,17 @@ Result<Drawings> prepareMarks(const CopyOrder &order, const PhotoFacts &facts, c
             drawings.push_back(std::move(**drawing));
     }
     return drawings;
+}
+
+/// The time of birth, or of the last modification where that is earlier (the birth of a file that was copied
+/// here) or the birth is not known.
+std::optional<timespec> creationTimeOf(const QString &path)
+{
+    const std::optional<FileVersion> version = fileVersionAt(path);
+    if (!version)
+        return std::nullopt;
+    const FileTime created = std::min(version->modified, version->born.value_or(version->modified));
+    return timespec{created.seconds, static_cast<long>(created.nanoseconds)};
 }
 
 void drawAll(const Drawings &drawings, QImage &rows, int firstRow)
@@ -166,7 +176,7 @@ private:
 
     Result<void> writeFile()
     {
-        AtomicFile file(m_order.target.path, m_order.target.ifExists, AtomicFile::Durability::Synced);
+        AtomicFile file(m_order.target.path, m_order.target.ifExists);
         file.setAlternatives(m_order.target.nextPath);
         if (Result<void> opened = file.open(); !opened)
             return opened;
@@ -182,7 +192,7 @@ private:
             return unchanged;
         if (m_order.overwritten && fileVersionAt(m_order.target.path) != m_order.overwritten)
             return fail(PictureFailures::changedMeanwhile());
-        // Linux cannot set the time of birth, so the copy's modification time stands for it.
+        // Linux cannot set the time of birth, so the copy's modification time represents it.
         const auto created =
             m_order.rules.preservesCreationDate ? creationTimeOf(m_order.path) : std::nullopt;
         if (created)

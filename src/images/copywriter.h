@@ -35,13 +35,13 @@ struct CopyRules {
 
 /// Everything that one watermarked copy is made of.
 struct CopyOrder {
-    QString path;     ///< the photo as people know it
+    QString path;     ///< the photo as the user knows it
     QString readPath; ///< the file to read
     std::optional<FileVersion>
         version; ///< what the file has to be for the rest of the order to fit; none: any
     CopyTarget target;
-    /// The photo itself, where the copy takes its place: it must still stand there in the end, or somebody
-    /// else's work would be lost.
+    /// The photo itself, where the copy overwrites it: the file must still be that one at the end, or the
+    /// work of another program would be lost.
     std::optional<FileVersion> overwritten;
     QString targetType;   ///< MIME name of a format that can be written
     double quality = 0.8; ///< 0..1, for formats with losses
@@ -68,7 +68,7 @@ struct CopyReport {
     QSize size;   ///< pixels of the copy
     std::vector<std::optional<QRectF>>
         rects;             ///< of each mark, origin at the bottom left; none: it had nothing to draw
-    bool isMarked = false; ///< is anything of any mark to be seen on the copy?
+    bool isMarked = false; ///< is any part of a mark visible on the copy?
     QStringList dropped;   ///< of the source, what the copy does not have: "gain map", "maker note"
 };
 
@@ -78,7 +78,7 @@ struct CopyReport {
 bool isWrittenCopy(const QString &path);
 
 /// Reads the photo, draws the watermarks and writes the copy. A photo that needs no turning passes through in
-/// strips; another one is decoded whole. A failure leaves no file behind. Any thread.
+/// strips; another one is decoded whole. A failure leaves no file. Any thread.
 [[nodiscard]] Result<CopyReport> writeCopy(const CopyOrder &order, const PhotoServices &services);
 
 } // namespace plexa

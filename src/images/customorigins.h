@@ -2,11 +2,12 @@
 
 #pragma once
 
+#include <QHash>
 #include <QPointF>
 
 #include <memory>
 #include <optional>
-#include <vector>
+#include <utility>
 
 namespace plexa
 {
@@ -18,12 +19,21 @@ class WPreset;
 class CustomOrigins final
 {
 public:
-    std::optional<QPointF> originFor(const WPreset *preset) const;
+    std::optional<QPointF> originFor(const WPreset *preset) const
+    {
+        const auto found = m_places.constFind(preset);
+        return found == m_places.cend() ? std::nullopt : std::optional(found->origin);
+    }
 
     // These return whether anything changed.
-    bool set(const std::shared_ptr<const WPreset> &preset, QPointF origin);
-    bool reset(const WPreset *preset);
-    bool clear();
+    bool set(const std::shared_ptr<const WPreset> &preset, QPointF origin)
+    {
+        const bool isChanged = originFor(preset.get()) != origin;
+        m_places.insert(preset.get(), {preset, origin});
+        return isChanged;
+    }
+    bool reset(const WPreset *preset) { return m_places.remove(preset); }
+    bool clear() { return !std::exchange(m_places, {}).isEmpty(); }
 
 private:
     struct Place {
@@ -31,9 +41,7 @@ private:
         QPointF origin;
     };
 
-    std::vector<Place>::const_iterator find(const WPreset *preset) const;
-
-    std::vector<Place> m_places;
+    QHash<const WPreset *, Place> m_places;
 };
 
 } // namespace plexa

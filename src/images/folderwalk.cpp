@@ -4,7 +4,6 @@
 
 #include "imageio/imageformat.h"
 #include "platform/filenames.h"
-#include "platform/packagefolder.h"
 
 #include <QCollator>
 #include <QCoreApplication>
@@ -13,6 +12,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <filesystem>
@@ -29,6 +29,23 @@ namespace
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(FolderWalk)
 };
+
+constexpr std::array kPackageSuffixes = {
+    // programs and their parts
+    "app", "appex", "bundle", "component", "framework", "kext", "plugin", "xpc",
+    // libraries of photo and film programs
+    "aplibrary", "cocatalog", "fcpbundle", "imovielibrary", "lrcat-data", "lrdata", "lrlibrary",
+    "migratedphotolibrary", "photolibrary", "photoslibrary", "tvlibrary",
+    // documents
+    "rtfd", "xcassets", "xcodeproj"};
+
+/// Whether people see a folder of this name as a single file: an application, the library of another photo
+/// program.
+bool isPackageFolder(const QString &path)
+{
+    const QByteArray suffix = fileExtensionOf(path).toLower().toUtf8();
+    return std::find(kPackageSuffixes.begin(), kPackageSuffixes.end(), suffix) != kPackageSuffixes.end();
+}
 
 } // namespace
 
@@ -68,7 +85,7 @@ FolderWalk::FolderWalk(Visitor visitor, const Rules &rules)
 {
 }
 
-/// Who the folder is; nothing, and errno as stat() leaves it, where the path leads to a file or nowhere.
+/// None, with errno as stat() sets it, where the path does not lead to a folder.
 std::optional<FolderWalk::FolderId> FolderWalk::folderAt(const QString &path)
 {
     struct stat status = {};

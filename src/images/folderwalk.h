@@ -14,12 +14,12 @@
 namespace plexa
 {
 
-/// Walks folders and tells of the picture files in them. Each folder is entered once in a walk, so circles of
+/// Walks folders and reports the picture files in them. Each folder is entered once in a walk, so loops of
 /// symbolic links end; package folders are not entered. One thread at a time.
 class FolderWalk final
 {
 public:
-    /// What could not be looked at.
+    /// A file or folder that cannot be inspected.
     struct Unreadable {
         QString path;
         QString reason; ///< follows the path
@@ -44,10 +44,10 @@ public:
     explicit FolderWalk(Visitor visitor);
     FolderWalk(Visitor visitor, const Rules &rules);
 
-    /// Tells of the path itself, or, where it is a folder and `recursive`, of what is below it.
+    /// Reports the path itself, or, where it is a folder and `recursive`, the pictures below it.
     void scanImagesAtPath(const QString &path, bool recursive);
 
-    /// Tells of what is below the folder, whatever the folder is called.
+    /// Reports the pictures below the folder, even if its name is that of a package.
     void scanFolder(const QString &path);
 
 private:

@@ -48,26 +48,7 @@ void ImageObject::setFilename(const QString &filename)
 
 QImage ImageObject::originalCGImage()
 {
-    return m_photo.snapshot(LoadedPhoto::Pixels::Needed).pixels;
-}
-
-QSize ImageObject::originalImageSize()
-{
-    const QSize size = pixelSize();
-    return size.isEmpty() && loadImageFromDisk() ? pixelSize() : size;
-}
-
-QString ImageObject::originalImageSizeAsString()
-{
-    const QSize size = originalImageSize();
-    return QStringLiteral("%1 x %2").arg(size.width()).arg(size.height());
-}
-
-bool ImageObject::transformOriginalImageWithOperation(int operation)
-{
-    if (operation < 1 || operation > 5)
-        return false;
-    return m_photo.turn(static_cast<ImageTransform>(operation));
+    return m_photo.snapshot().pixels;
 }
 
 void ImageObject::setCustomWatermarkRectOrigin(QPointF origin, const std::shared_ptr<const WPreset> &preset)
@@ -85,46 +66,10 @@ void ImageObject::resetAllCustomWatermarkRectOrigins()
     m_photo.editOrigins([](CustomOrigins &origins) { return origins.clear(); });
 }
 
-QImage ImageObject::createWatermarkedImage(const QImage &image, const AppliedPreset &preset, QRectF *rect)
+QImage ImageObject::createWatermarkedImage(const AppliedPreset &preset)
 {
-    if (rect)
-        *rect = QRectF();
-    using Pixels = LoadedPhoto::Pixels;
-    const PhotoSnapshot current = m_photo.snapshot(image.isNull() ? Pixels::Needed : Pixels::NotNeeded);
-    return current.drawn(image.isNull() ? current.pixels : image, preset, m_services.fonts, rect);
-}
-
-QImage ImageObject::createWatermarkedImageForAllAppliedWPresets(const std::vector<AppliedPreset> &presets)
-{
-    const PhotoSnapshot current = m_photo.snapshot(LoadedPhoto::Pixels::Needed);
-    QImage result = current.pixels;
-    for (const AppliedPreset &preset : presets) {
-        if (const QImage marked = current.drawn(result, preset, m_services.fonts); !marked.isNull())
-            result = marked;
-    }
-    return result;
-}
-
-QImage ImageObject::createFinalCGImage(const AppliedPreset *preset, const std::vector<AppliedPreset> &presets,
-                                       QRectF *rect)
-{
-    return preset ? createWatermarkedImage({}, *preset, rect)
-                  : createWatermarkedImageForAllAppliedWPresets(presets);
-}
-
-QImage ImageObject::savedImage(const AppliedPreset *preset, const std::vector<AppliedPreset> &presets)
-{
-    return createFinalCGImage(preset, presets);
-}
-
-QList<QImage> ImageObject::generatePasteboardImages(const std::vector<AppliedPreset> &presets)
-{
-    QList<QImage> images;
-    for (const AppliedPreset &preset : presets) {
-        if (const QImage image = savedImage(&preset, presets); !image.isNull())
-            images.append(image);
-    }
-    return images;
+    const PhotoSnapshot current = m_photo.snapshot();
+    return current.drawn(current.pixels, preset, m_services.fonts);
 }
 
 Result<CopyReport> ImageObject::saveImageAtPath(const CopyTarget &target,

@@ -70,9 +70,6 @@ public:
     /// Whether loadImageFromDisk() would return true at once.
     bool isLoaded() const { return m_photo.isLoaded(); }
 
-    /// Whether the photo has been read at least once.
-    bool imageHasBeenLoaded() const { return m_photo.hasBeenLoaded(); }
-
     /// The photo upright, its pixels square, the user's turns applied; loads it. Null when that fails: either
     /// the photo cannot be read (isLoaded() is false afterwards), or the whole of it exceeds the memory
     /// budget.
@@ -92,12 +89,6 @@ public:
     {
         return m_photo.readReduced(minimumSide, isCancelled);
     }
-
-    /// Pixels of originalCGImage(), without decoding it; (0, 0) when the photo cannot be read.
-    QSize originalImageSize();
-
-    /// "4000 x 3000".
-    QString originalImageSizeAsString();
 
     /// At most 400 pixels on its longer side, mirrored top to bottom. Null until the photo is loaded, and
     /// after releaseThumbnail().
@@ -121,9 +112,9 @@ public:
     bool tryLock() { return m_photo.processingLock().try_lock(); }
     void unlock() { m_photo.processingLock().unlock(); }
 
-    /// Turns or mirrors the photo (codes: ImageTransform) and forgets the places chosen by hand.
-    /// @return false, with nothing changed, when the operation is unknown or the photo cannot be read
-    bool transformOriginalImageWithOperation(int operation);
+    /// Turns or mirrors the photo and forgets the places chosen by hand.
+    /// @return false, with nothing changed, when the photo cannot be read
+    bool transformOriginalImageWithOperation(ImageTransform operation) { return m_photo.turn(operation); }
 
     /// Places chosen by hand: photo pixels, origin at the bottom left. Presets are compared by identity.
     std::optional<QPointF> customWatermarkRectOriginForWPreset(const WPreset *preset) const
@@ -134,25 +125,9 @@ public:
     bool resetCustomWatermarkRectOriginForWPreset(const WPreset *preset);
     void resetAllCustomWatermarkRectOrigins();
 
-    /// One preset drawn.
-    /// @param image  drawn on, of the photo's size; null: the photo is
-    /// @param rect   receives, where given, the watermark's rectangle; zeros when there is no watermark
-    /// @return the same image when the preset has nothing to draw; null when it cannot be drawn
-    QImage createWatermarkedImage(const QImage &image, const AppliedPreset &preset, QRectF *rect = nullptr);
-
-    /// All presets drawn in their order; one that cannot be drawn is left out. Null when the photo cannot be
-    /// read.
-    QImage createWatermarkedImageForAllAppliedWPresets(const std::vector<AppliedPreset> &presets);
-
-    /// One preset drawn, or with none, all of them.
-    QImage createFinalCGImage(const AppliedPreset *preset, const std::vector<AppliedPreset> &presets,
-                              QRectF *rect = nullptr);
-
-    /// The picture that is saved.
-    QImage savedImage(const AppliedPreset *preset, const std::vector<AppliedPreset> &presets);
-
-    /// For the clipboard: one picture for each preset.
-    QList<QImage> generatePasteboardImages(const std::vector<AppliedPreset> &presets);
+    /// The photo with one preset drawn; without a mark when the preset has nothing to draw. Null when the
+    /// photo cannot be read or the preset cannot be drawn.
+    QImage createWatermarkedImage(const AppliedPreset &preset);
 
     /// Writes one copy with these presets drawn.
     /// @param readFrom  the file to read, if not readPath()
@@ -160,9 +135,6 @@ public:
     saveImageAtPath(const CopyTarget &target, const std::vector<AppliedPreset> &presets,
                     const SavingPresetValues &savingPreset, const CopyRules &rules,
                     const CancelCheck &isCancelled = {}, const QString &readFrom = {});
-
-    /// Pixels of the photo after all turns; (0, 0) until it is loaded.
-    QSize pixelSize() const { return m_photo.size(); }
 
     /// The facts of the photo as far as it has been read; reads nothing.
     PhotoFacts facts() const { return m_photo.facts(); }

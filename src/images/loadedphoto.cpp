@@ -86,12 +86,6 @@ bool LoadedPhoto::hasImage() const
     return m_hasImage;
 }
 
-bool LoadedPhoto::hasBeenLoaded() const
-{
-    const std::lock_guard lock(m_stateLock);
-    return m_hasBeenLoaded;
-}
-
 QString LoadedPhoto::loadError() const
 {
     const std::lock_guard lock(m_stateLock);
@@ -189,7 +183,6 @@ Result<QImage> LoadedPhoto::readVersion(const ImageSource &source, int reducedTo
         m_services.cache.insert(m_key, *picture);
     const std::lock_guard lock(m_stateLock);
     m_thumbnail = thumbnail;
-    m_hasBeenLoaded = true;
     m_hasImage = true;
     m_loadError.clear();
     return picture;
@@ -304,13 +297,13 @@ void LoadedPhoto::keepReduced(const QImage &picture, int reduction, const Uprigh
         m_reduction = reduction;
 }
 
-PhotoSnapshot LoadedPhoto::snapshot(Pixels pixels)
+PhotoSnapshot LoadedPhoto::snapshot()
 {
-    if (pixels == Pixels::Needed && !hasImage())
+    if (!hasImage())
         load();
     Changes changes;
     std::unique_lock pixelLock(m_pixelLock);
-    const QImage picture = pixels == Pixels::Needed ? decodedPixels(changes) : QImage();
+    const QImage picture = decodedPixels(changes);
     std::unique_lock lock(m_stateLock);
     const PhotoSnapshot result{lockedFacts(), m_origins, picture};
     lock.unlock();
@@ -380,12 +373,6 @@ QImage LoadedPhoto::thumbnail() const
 {
     const std::lock_guard lock(m_stateLock);
     return m_thumbnail;
-}
-
-QSize LoadedPhoto::size() const
-{
-    const std::lock_guard lock(m_stateLock);
-    return m_hasImage ? m_file.uprighting().size() : QSize(0, 0);
 }
 
 std::optional<ImageMetadata> LoadedPhoto::metadata() const

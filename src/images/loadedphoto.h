@@ -45,7 +45,6 @@ public:
     QString readPath() const;
 
     bool isLoaded() const;
-    bool hasBeenLoaded() const;
     QString loadError() const;
 
     /// Reads metadata and thumbnail.
@@ -57,8 +56,8 @@ public:
     /// @param version  of the file now
     void bringUpToDate(const std::optional<FileVersion> &version);
 
-    enum class Pixels { Needed, NotNeeded };
-    PhotoSnapshot snapshot(Pixels pixels);
+    /// With the pixels of the whole photo, which is loaded for it.
+    PhotoSnapshot snapshot();
 
     /// As ImageObject::readReduced().
     Result<PhotoSnapshot> readReduced(int minimumSide, const CancelCheck &isCancelled);
@@ -70,8 +69,6 @@ public:
 
     QImage cachedPixels() const;
     QImage thumbnail() const;
-    /// (0, 0) unless the photo was read.
-    QSize size() const;
 
     std::optional<ImageMetadata> metadata() const;
     void setMetadata(const ImageMetadata &metadata);
@@ -122,7 +119,6 @@ private:
 
     QString m_path;
     QString m_pathToImportFrom;
-    bool m_hasBeenLoaded = false;
     bool m_hasImage = false;
     QString m_loadError;
     PhotoVersion m_file;

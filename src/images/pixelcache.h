@@ -2,54 +2,65 @@
 
 #pragma once
 
+#include <QCache>
 #include <QImage>
 
-#include <cstdint>
-#include <list>
 #include <mutex>
-#include <unordered_map>
 
 namespace plexa
 {
 
-/// Decoded photos, as many as a number of bytes allows; what was used longest ago goes first. Any thread.
+/// Decoded photos, as many as a number of bytes allows; the one used longest ago is dropped first. Any
+/// thread.
 class PixelCache final
 {
 public:
-    using Key = std::uint64_t;
+    using Key = quint64;
 
-    explicit PixelCache(qsizetype maxBytes);
+    explicit PixelCache(qsizetype maxBytes)
+        : m_images(maxBytes)
+    {
+    }
 
     /// A key that no photo had before.
-    Key newKey();
+    Key newKey()
+    {
+        const std::lock_guard lock(m_mutex);
+        return ++m_lastKey;
+    }
 
-    /// The photo's pixels; null when they are not here (any more).
-    QImage find(Key key);
+    /// The photo's pixels; null when they are not cached (any more).
+    QImage find(Key key)
+    {
+        const std::lock_guard lock(m_mutex);
+        const QImage *const found = m_images.object(key);
+        return found ? *found : QImage();
+    }
 
-    /// Keeps the pixels under the key, in place of what was there. An image larger than the whole cache is
-    /// not kept.
-    void insert(Key key, const QImage &image);
+    /// Replaces what was cached under the key. An image larger than the whole cache is not kept.
+    void insert(Key key, const QImage &image)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_images.insert(key, new QImage(image), image.sizeInBytes());
+    }
 
-    void remove(Key key);
+    void remove(Key key)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_images.remove(key);
+    }
 
-    /// Bytes held at this moment.
-    qsizetype bytes() const;
+    /// Bytes cached at this moment.
+    qsizetype bytes() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_images.totalCost();
+    }
 
 private:
-    struct Entry {
-        Key key;
-        QImage image;
-    };
-    using Entries = std::list<Entry>; // the one used last stands first
-
-    void erase(Entries::iterator entry);
-
     mutable std::mutex m_mutex;
-    const qsizetype m_maxBytes;
-    qsizetype m_bytes = 0;
-    Key m_lastKey = 0;
-    Entries m_entries;
-    std::unordered_map<Key, Entries::iterator> m_index;
+    Key m_lastKey = 0;            // guarded by m_mutex
+    QCache<Key, QImage> m_images; // guarded by m_mutex
 };
 
 } // namespace plexa

@@ -27,8 +27,8 @@ Result<void> forEachStrip(RowReader &reader, const StripVisitor &visit, const Ca
 {
     const RowFormat format = reader.format();
     const int rows = rowsPerStrip(format.size);
-    QImage strip = blankPicture({format.size.width(), isCancelled ? std::min(rows, kCodecBlockRows) : rows},
-                                format.imageFormat());
+    QImage strip(format.size.width(), isCancelled ? std::min(rows, kCodecBlockRows) : rows,
+                 format.imageFormat());
     if (strip.isNull())
         return fail(outOfMemoryText());
     for (int row = 0; row < format.size.height(); row += strip.height()) {
@@ -70,11 +70,6 @@ Result<void> writeStrips(RowWriter &writer, const QImage &picture, const CancelC
             return written;
     }
     return {};
-}
-
-QImage blankPicture(QSize size, QImage::Format format)
-{
-    return QImage(size, format);
 }
 
 QString outOfMemoryText()

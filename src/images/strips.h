@@ -31,9 +31,6 @@ using StripVisitor = std::function<Result<void>(QImage &strip, int firstRow, int
 [[nodiscard]] Result<void> writeStrips(RowWriter &writer, const QImage &picture,
                                        const CancelCheck &isCancelled);
 
-/// A picture without contents; null when there is no memory for it.
-QImage blankPicture(QSize size, QImage::Format format);
-
 /// The reason reported when there is no memory for a picture.
 QString outOfMemoryText();
 

@@ -36,7 +36,12 @@ constexpr std::array<Turn, 8> kTurns = {{{1, 0, 0, 1},
 
 constexpr qint64 kUnreservedBytes = 64 * 1024 * 1024; // a picture for a large screen
 
-constexpr std::array<int, 5> kOrientationOfTransform = {6, 8, 3, 2, 4};
+/// The orientation that has the effect of the transform.
+int orientationOf(ImageTransform transform)
+{
+    constexpr std::array<int, 5> kOrientations = {6, 8, 3, 2, 4};
+    return kOrientations[static_cast<std::size_t>(transform) - 1];
+}
 
 QSize scaledBy(QSize size, double scaleX, double scaleY)
 {
@@ -48,7 +53,7 @@ QSize scaledBy(QSize size, double scaleX, double scaleY)
 Result<QImage> readOriented(RowReader &reader, int orientation, const CancelCheck &isCancelled)
 {
     const RowFormat format = reader.format();
-    QImage picture = blankPicture(orientedSize(format.size, orientation), format.imageFormat());
+    QImage picture(orientedSize(format.size, orientation), format.imageFormat());
     if (picture.isNull())
         return fail(outOfMemoryText());
     const auto place = [&](const QImage &strip, int firstRow, int count) -> Result<void> {
@@ -86,7 +91,7 @@ int inverseOrientation(int orientation)
 
 int orientationAfter(int orientation, ImageTransform transform)
 {
-    return composedOrientation(orientation, kOrientationOfTransform[static_cast<std::size_t>(transform) - 1]);
+    return composedOrientation(orientation, orientationOf(transform));
 }
 
 QSize Uprighting::size() const
@@ -97,11 +102,6 @@ QSize Uprighting::size() const
 QSize Uprighting::unscaledSize() const
 {
     return orientedSize(stored, orientation);
-}
-
-QTransform Uprighting::transform(QSize decoded) const
-{
-    return orientationTransform(orientation, scaleX, scaleY, decoded);
 }
 
 Uprighting uprightingOf(QSize stored, const ImageMetadata &metadata, int turns, const ReadLimits &limits)
@@ -137,7 +137,8 @@ Result<QImage> readUpright(const ImageSource &source, const Uprighting &uprighti
     const Result<QImage> stored = readOriented(**reader, 1, isCancelled);
     if (!stored)
         return stored;
-    QImage upright = createImageWithTransform(*stored, uprighting.transform(stored->size()));
+    QImage upright =
+        createImageUpright(*stored, uprighting.orientation, uprighting.scaleX, uprighting.scaleY);
     return upright.isNull() ? *stored : upright;
 }
 
@@ -156,32 +157,13 @@ qint64 uprightBytes(const ImageSource &source, const Uprighting &uprighting, int
 
 QImage turnedPhoto(const QImage &photo, ImageTransform transform)
 {
-    switch (transform) {
-    case ImageTransform::RotateClockwise:
-        return createImageRotatedByQuarter(photo, true);
-    case ImageTransform::RotateCounterClockwise:
-        return createImageRotatedByQuarter(photo, false);
-    case ImageTransform::RotateHalf:
-        return createImageRotatedByHalf(photo);
-    case ImageTransform::MirrorLeftRight:
-        return createImageFlipped(photo, false);
-    case ImageTransform::MirrorTopBottom:
-        return createImageFlipped(photo, true);
-    }
-    return {};
+    return createImageUpright(photo, orientationOf(transform), 1, 1);
 }
 
 QImage turnedThumbnail(const QImage &thumbnail, ImageTransform transform)
 {
     // Stored mirrored top to bottom, so its quarter turns go the other way.
-    switch (transform) {
-    case ImageTransform::RotateClockwise:
-        return turnedPhoto(thumbnail, ImageTransform::RotateCounterClockwise);
-    case ImageTransform::RotateCounterClockwise:
-        return turnedPhoto(thumbnail, ImageTransform::RotateClockwise);
-    default:
-        return turnedPhoto(thumbnail, transform);
-    }
+    return createImageUpright(thumbnail, inverseOrientation(orientationOf(transform)), 1, 1);
 }
 
 Result<ByteBudget::Reservation> reserveForPhoto(ByteBudget &budget, QSize size, qint64 bytes)

@@ -7,7 +7,6 @@
 #include "images/strips.h"
 
 #include <QSize>
-#include <QTransform>
 
 #include <optional>
 
@@ -58,10 +57,6 @@ struct Uprighting {
 
     /// Pixels of the upright picture without the stretch.
     QSize unscaledSize() const;
-
-    /// Maps stored to upright positions (origin at the bottom left, y upwards), for a stored picture that was
-    /// decoded to `decoded` pixels.
-    QTransform transform(QSize decoded) const;
 };
 
 /// @param metadata  as in the file, for the orientation and the resolutions

@@ -29,8 +29,8 @@ struct AlertAnswer {
     bool operator==(const AlertAnswer &) const = default;
 };
 
-/// Who asks the questions: message boxes in the application, fixed policies on the command line, a script in
-/// tests. An implementation says which threads may call it.
+/// Asks the questions: by message boxes in the application, fixed policies on the command line, a script in
+/// tests. An implementation states which threads may call it.
 class Alerts
 {
 public:

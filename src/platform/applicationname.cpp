@@ -17,43 +17,25 @@
 
 namespace plexa
 {
-namespace
-{
 
-QString applicationSupportBase()
+QString companyName()
 {
-    const QString reported = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    return reported.isEmpty() ? QDir::homePath() + QStringLiteral("/.local/share") : reported;
-}
-
-} // namespace
-
-BundleInfo BundleInfo::own()
-{
-    return {QString::fromUtf8(identity::kCompanyName), QString::fromUtf8(identity::kApplicationName),
-            QString::fromUtf8(identity::kVersion)};
-}
-
-QString companyName(bool fromBundleInfo, const BundleInfo &bundle)
-{
-    if (fromBundleInfo && !bundle.developerCompany.isEmpty())
-        return bundle.developerCompany;
     return QString::fromUtf8(identity::kCompanyName);
 }
 
-QString applicationNameWithCompany(bool withCompany, bool andMajorVersion, bool fromBundleInfo,
-                                   const BundleInfo &bundle)
+QString applicationName()
 {
-    QString name = fromBundleInfo && !bundle.bundleName.isEmpty()
-                       ? bundle.bundleName
-                       : QString::fromUtf8(identity::kApplicationName);
-    if (withCompany)
-        name.prepend(companyName(fromBundleInfo, bundle) + QLatin1Char(' '));
-    if (andMajorVersion) {
-        const QString major = bundle.shortVersionString.section(QLatin1Char('.'), 0, 0);
-        name.append(QLatin1Char(' ') + (major.isEmpty() ? QStringLiteral("1") : major));
-    }
-    return name;
+    return QString::fromUtf8(identity::kApplicationName);
+}
+
+QString applicationNameWithCompany()
+{
+    return companyName() + QLatin1Char(' ') + applicationName();
+}
+
+QString applicationVersion()
+{
+    return QString::fromUtf8(identity::kVersion);
 }
 
 QString firstVersionApplicationName()
@@ -63,8 +45,9 @@ QString firstVersionApplicationName()
 
 QString applicationSupportSubdirectory()
 {
-    const QString path = applicationSupportBase() + QLatin1Char('/') + companyName(true) + QLatin1Char('/') +
-                         applicationNameWithCompany(false, false, true);
+    const QString reported = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    const QString base = reported.isEmpty() ? QDir::homePath() + QStringLiteral("/.local/share") : reported;
+    const QString path = QStringLiteral("%1/%2/%3").arg(base, companyName(), applicationName());
     const QFileInfo info(path);
     if (info.exists() && !info.isDir())
         qCritical().noquote()

@@ -6,9 +6,9 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFileInfo>
 #include <QRegularExpression>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <stdio.h>
 #include <sys/file.h>
@@ -55,18 +55,34 @@ QByteArray descriptorPath(int descriptor)
     return "/proc/self/fd/" + QByteArray::number(descriptor);
 }
 
-/// Marks an unfinished file as one that somebody is writing, until its descriptor is closed, also by a kill.
-/// @return false when it was taken for a leftover and removed meanwhile
+/// Marks an unfinished file as being written until its descriptor is closed, also by a kill.
+/// @return false when it was removed as a leftover meanwhile
 bool lockUnfinished(int descriptor)
 {
     struct stat own {
     };
-    // Where the file system knows no such locks, nobody can take the file for a leftover either.
+    // On a file system without such locks no program can mistake the file for a leftover either.
     while (flock(descriptor, LOCK_EX) != 0) {
         if (errno != EINTR)
             return true;
     }
     return fstat(descriptor, &own) != 0 || own.st_nlink > 0;
+}
+
+/// Removes the file unless a running program is writing it.
+bool removeIfLeft(int folder, const char *name)
+{
+    const int descriptor = openat(folder, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    struct stat own {
+    };
+    // The lock is held until the file is gone, so that a writer that waits for it notices.
+    const bool isLeft = fstat(descriptor, &own) == 0 && S_ISREG(own.st_mode) && own.st_uid == geteuid() &&
+                        flock(descriptor, LOCK_EX | LOCK_NB) == 0;
+    const bool isRemoved = isLeft && unlinkat(folder, name, 0) == 0;
+    ::close(descriptor);
+    return isRemoved;
 }
 
 /// Follows symbolic links at the end of the path, also a last one that points nowhere.
@@ -88,7 +104,7 @@ int followLinks(QByteArray &path)
 
 } // namespace
 
-/// Remembers that a write failed: QFile forgets it with the next seek.
+/// Remembers a failed write, which QFile forgets with the next seek.
 class AtomicFile::Device final : public QFile
 {
 public:
@@ -131,11 +147,9 @@ private:
     int m_error = 0;
 };
 
-AtomicFile::AtomicFile(QString path, IfExists ifExists, Durability durability, Staging staging)
+AtomicFile::AtomicFile(QString path, IfExists ifExists)
     : m_path(std::move(path))
     , m_ifExists(ifExists)
-    , m_durability(durability)
-    , m_staging(staging)
 {
 }
 
@@ -155,7 +169,7 @@ void AtomicFile::setAlternatives(std::function<std::optional<QString>()> nextPat
 }
 
 /// Absolute, so that a later change of the working directory does not matter. In bytes, because the name of
-/// that directory need not be a text.
+/// that directory need not be valid UTF-8.
 void AtomicFile::resolveTarget()
 {
     m_target = QFile::encodeName(QDir::cleanPath(m_path));
@@ -182,11 +196,11 @@ Result<void> AtomicFile::check()
 {
     if (Result<void> checked = checkTarget(); !checked)
         return checked;
-    const bool takesFiles = faccessat(AT_FDCWD, folderOf(m_target).constData(), W_OK | X_OK, AT_EACCESS) == 0;
-    return takesFiles ? Result<void>() : failure(errno);
+    const bool isWritable = faccessat(AT_FDCWD, folderOf(m_target).constData(), W_OK | X_OK, AT_EACCESS) == 0;
+    return isWritable ? Result<void>() : failure(errno);
 }
 
-/// Of what has the name, not whether the folder takes files.
+/// Checks the target alone, not whether its folder is writable.
 Result<void> AtomicFile::checkTarget()
 {
     resolveTarget();
@@ -222,7 +236,7 @@ Result<void> AtomicFile::open()
     Q_ASSERT(!m_device);
     if (Result<void> checked = checkTarget(); !checked)
         return checked;
-    int descriptor = m_staging == Staging::Named ? -1 : openNameless();
+    int descriptor = openNameless();
     if (descriptor < 0)
         descriptor = openNamed();
     if (descriptor < 0)
@@ -286,8 +300,8 @@ Result<void> AtomicFile::commit()
             done = failure(error);
     }
     discard();
-    if (done && m_durability == Durability::Synced) {
-        // Best effort: the file is in place whatever this says, and some file systems cannot do it.
+    if (done) {
+        // Best effort: the file is in place already, and some file systems cannot do it.
         const int folder = ::open(folderOf(m_target).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         if (folder >= 0) {
             fsync(folder);
@@ -313,13 +327,7 @@ Result<void> AtomicFile::finishContents()
         if (futimens(descriptor, times) != 0)
             return failure(errno);
     }
-    if (m_durability == Durability::Synced)
-        return fsync(descriptor) == 0 ? Result<void>() : failure(errno);
-    // Network file systems tell that the disk is full only when a file is closed.
-    const int copy = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
-    if (copy >= 0 && ::close(copy) != 0 && errno != EINTR)
-        return failure(errno);
-    return {};
+    return fsync(descriptor) == 0 ? Result<void>() : failure(errno);
 }
 
 Result<void> AtomicFile::takeOverPermissions() const
@@ -339,11 +347,11 @@ Result<void> AtomicFile::takeOverPermissions() const
     if (old.st_uid != own.st_uid || old.st_gid != own.st_gid) {
         const bool groupKept = fchown(descriptor, old.st_uid, old.st_gid) == 0 ||
                                fchown(descriptor, static_cast<uid_t>(-1), old.st_gid) == 0;
-        // What one group might do is not for another one to do.
+        // The old group's permissions do not pass to another group.
         if (!groupKept)
             mode = (mode & ~mode_t(S_IRWXG)) | (mode & ((mode & S_IRWXO) << 3));
     }
-    // File systems without permissions refuse this, and then there is nothing to take over.
+    // File systems without permissions refuse this, and have nothing to adopt.
     if (fchmod(descriptor, mode) != 0 && errno != EPERM && errno != ENOTSUP)
         return failure(errno);
     return {};
@@ -372,7 +380,7 @@ int AtomicFile::putInPlace()
 /// A link cannot replace a file, so the nameless file needs a name to be renamed from.
 int AtomicFile::giveTemporaryName()
 {
-    flock(m_device->handle(), LOCK_EX); // nobody else can have it: it waits for nothing
+    flock(m_device->handle(), LOCK_EX); // no other process can hold it, so this never waits
     for (int i = 0; i < kMaxNameTries; ++i) {
         const QByteArray path = randomTemporaryPath(m_target);
         if (linkat(AT_FDCWD, descriptorPath(m_device->handle()).constData(), AT_FDCWD, path.constData(),
@@ -386,8 +394,8 @@ int AtomicFile::giveTemporaryName()
     return EEXIST;
 }
 
-/// The first of three ways that the file system offers. What is left of the temporary name, discard()
-/// removes.
+/// By the first of three ways that the file system offers. discard() removes the temporary name where it is
+/// left.
 int AtomicFile::moveWithoutReplacing() const
 {
     const char *from = m_temporaryPath.constData();
@@ -400,7 +408,7 @@ int AtomicFile::moveWithoutReplacing() const
         return 0;
     if (errno != EPERM && errno != ENOSYS && errno != ENOTSUP && errno != EMLINK)
         return errno;
-    // An empty file of our own takes the name, which only one can do, and is then replaced.
+    // An empty file of our own reserves the name, which only one program can do, and is then replaced.
     const int claim = ::open(to, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, kModeBeforeUmask);
     if (claim < 0)
         return errno;
@@ -420,10 +428,18 @@ void AtomicFile::discard()
     m_temporaryPath.clear();
 }
 
-bool AtomicFile::isTemporaryName(const QString &fileName)
+int removeLeftovers(const QString &folder)
 {
+    const std::unique_ptr<DIR, int (*)(DIR *)> entries(opendir(QFile::encodeName(folder).constData()),
+                                                       closedir);
     static const QRegularExpression pattern(QStringLiteral("\\A\\.plexa-[a-z0-9]{8}\\.tmp\\z"));
-    return pattern.match(fileName).hasMatch();
+    int removed = 0;
+    while (const dirent *entry = entries ? readdir(entries.get()) : nullptr) {
+        if (pattern.match(QFile::decodeName(entry->d_name)).hasMatch() &&
+            removeIfLeft(dirfd(entries.get()), entry->d_name))
+            ++removed;
+    }
+    return removed;
 }
 
 } // namespace plexa

@@ -14,10 +14,10 @@
 namespace plexa
 {
 
-/// A file that appears whole or not at all. It is written without a name, in the target's folder, where the
-/// file system can do that (a killed program then leaves nothing behind), else under a temporary name that
-/// starts with a dot; commit() puts it in place. Without commit() the destructor removes it. One thread at a
-/// time; any number of objects, also in other processes, may aim at the same target.
+/// A file that appears whole or not at all. It is written without a name in the target's folder where the
+/// file system supports that (a killed program then leaves nothing), else as ".plexa-XXXXXXXX.tmp"; commit()
+/// puts it in place, the destructor removes what was not committed. One thread at a time; any number of
+/// objects, also in other processes, may have the same target.
 class AtomicFile final
 {
 public:
@@ -26,47 +26,32 @@ public:
     /// dangling symbolic link.
     enum class IfExists { Replace, ReplaceLink, Fail };
 
-    /// Whether commit() waits until the disk has the contents, so that not even a power cut leaves an empty
-    /// file, or leaves the time to the system (for what is easily made again).
-    enum class Durability { Synced, Lazy };
-
-    /// How the unfinished file is kept.
-    enum class Staging {
-        NamelessWherePossible,
-        Named, ///< always under a temporary name, as on file systems that know no other way
-    };
-
-    AtomicFile(QString path, IfExists ifExists, Durability durability,
-               Staging staging = Staging::NamelessWherePossible);
+    AtomicFile(QString path, IfExists ifExists);
     ~AtomicFile();
     AtomicFile(const AtomicFile &) = delete;
     AtomicFile &operator=(const AtomicFile &) = delete;
 
-    /// With IfExists::Fail: asked for another path in the same folder each time that the target turns out to
-    /// exist; none: open() or commit() fails then. On the thread of the object.
+    /// With IfExists::Fail: called for another path in the same folder each time the target exists; open()
+    /// or commit() fails when it returns none.
     void setAlternatives(std::function<std::optional<QString>()> nextPath);
 
-    /// Checks the target and starts the file. Refuses a target that is a folder, a device or
-    /// write-protected, and with IfExists::Fail one that is already there.
+    /// Checks the target and starts the file. Refuses a folder, a device, a write-protected file, and with
+    /// IfExists::Fail any existing target.
     [[nodiscard]] Result<void> open();
 
-    /// What open() would say, as far as that can be known without starting anything. Instead of open().
+    /// The checks of open() alone, and whether the folder is writable. Instead of open().
     [[nodiscard]] Result<void> check();
 
-    /// Where to write, random access; valid from open() to commit(). Has no file name of use. A write that
-    /// failed once makes commit() fail.
+    /// Where to write, random access; valid from open() to commit(). A write that failed once makes commit()
+    /// fail.
     QFile &device();
 
-    /// The modification time that the finished file shall have.
     void setModificationTime(const timespec &time);
 
-    /// Puts the file in place. A new file has the permissions that the umask leaves; one that replaces
-    /// another takes over its permission bits, and where allowed its owner and group. After a failure (no
-    /// space, the target exists, the folder is gone) nothing of it is left and what was there stands. Once.
+    /// Writes the contents to the disk and puts the file in place. A new file has the permissions that the
+    /// umask leaves; a replacement adopts the permissions, and where allowed owner and group, of the old
+    /// file. After a failure nothing of it is left and an existing target is unchanged. Once.
     [[nodiscard]] Result<void> commit();
-
-    /// Whether a file of this name (without folder) is the unfinished file of a program that was killed.
-    static bool isTemporaryName(const QString &fileName);
 
 private:
     class Device;
@@ -87,12 +72,15 @@ private:
     QString m_path;
     IfExists m_ifExists;
     std::function<std::optional<QString>()> m_nextPath; // may be empty
-    Durability m_durability;
-    Staging m_staging;
     std::unique_ptr<Device> m_device;
     QByteArray m_target;        // absolute, links resolved where they are followed
     QByteArray m_temporaryPath; // empty while the file has no name
     std::optional<timespec> m_modificationTime;
 };
+
+/// Removes from a folder the unfinished files of killed programs: those that AtomicFile named, that belong to
+/// this user, and that no running program has locked. Ignores failures. Any thread.
+/// @return how many were removed
+int removeLeftovers(const QString &folder);
 
 } // namespace plexa

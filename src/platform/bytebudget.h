@@ -16,13 +16,11 @@ namespace plexa
 
 /// A bounded number of bytes that workers share: each reserves what it is about to allocate and waits until
 /// there is room. First come, first served, so that small requests do not starve a large one. Any thread.
-///
-/// A thread that holds a reservation must not wait for a second one: two that do so can wait for each other
-/// for ever.
+/// A thread that holds a reservation must not wait for a second one: two such threads can deadlock.
 class ByteBudget final
 {
 public:
-    /// Bytes that are given back when it is destroyed. Must not outlive its budget.
+    /// Bytes that its destructor releases. Must not outlive its budget.
     class Reservation final
     {
     public:
@@ -33,7 +31,7 @@ public:
 
         qint64 bytes() const { return m_bytes; }
 
-        /// Gives the bytes back early.
+        /// Releases the bytes early.
         void release();
 
     private:
@@ -56,7 +54,7 @@ public:
 
     qint64 total() const { return m_total; }
 
-    /// The bytes that nobody holds at this moment; another thread may take them in the next.
+    /// The bytes that are free at this moment.
     qint64 available() const;
 
 private:
@@ -78,12 +76,11 @@ qint64 physicalMemoryBytes();
 /// RLIMIT_DATA). @return none where it has no such limits
 std::optional<qint64> mappableBytes();
 
-/// May a library be let loose that does not survive an allocation that fails? It may where the process's own
-/// limits leave twice as much as it is thought to take. True where there are none: then the machine lends.
+/// Whether a library that does not survive a failed allocation may be called: where the process's own limits
+/// leave twice the bytes that it is estimated to need. True where there are no limits.
 bool hasRoomToSpare(qint64 bytes);
 
-/// Makes the most of few addresses. To be called before the first thread is started; does nothing where the
-/// process has no limits of its own.
+/// Saves addresses where the process has limits of its own. Call before the first thread is started.
 void saveAddressSpace();
 
 } // namespace plexa

@@ -7,26 +7,16 @@
 namespace plexa
 {
 
-namespace
-{
-
-bool isNothingButExtension(const QFileInfo &file)
-{
-    return file.completeBaseName().isEmpty();
-}
-
-} // namespace
-
 QString filenameOf(const QString &path)
 {
     const QFileInfo file(path);
-    return isNothingButExtension(file) ? file.fileName() : file.completeBaseName();
+    return file.completeBaseName().isEmpty() ? file.fileName() : file.completeBaseName();
 }
 
 QString fileExtensionOf(const QString &path)
 {
     const QFileInfo file(path);
-    return isNothingButExtension(file) ? QString() : file.suffix();
+    return file.completeBaseName().isEmpty() ? QString() : file.suffix();
 }
 
 } // namespace plexa

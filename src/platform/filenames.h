@@ -7,11 +7,10 @@
 namespace plexa
 {
 
-/// A file's name without its folder and its extension. A name that begins with its only dot, as hidden files
-/// have it, is whole and has no extension.
+/// A file's name without its folder and its extension. A hidden file's name with one dot has no extension.
 QString filenameOf(const QString &path);
 
-/// What stands behind the last dot of the file's name, as it is written; empty when there is no extension.
+/// The part of the file's name after the last dot, unchanged; empty when there is no extension.
 QString fileExtensionOf(const QString &path);
 
 } // namespace plexa

@@ -7,10 +7,9 @@
 namespace plexa
 {
 
-/// Keeps other processes out of a folder's files while several of them are changed together. Works between
-/// those that use it, each from its own object; the system lets go of it when a process ends, however it
-/// ends. Where there can be no lock (a folder that cannot be written to, a holder that has been suspended),
-/// nobody is kept out. One thread.
+/// Locks a folder's files for one process while several of them are changed together. The system releases the
+/// lock when a process ends. Without effect where there can be no lock (a read-only folder, a suspended
+/// holder). One thread.
 class FolderLock final
 {
 public:

@@ -101,7 +101,7 @@ void readFace(const FcPattern *pattern, InstalledFace &face)
     face.slant = slantOf(pattern);
     face.version = integerAt(pattern, FC_FONTVERSION, 0);
     face.isWholeRange = flagAt(pattern, FC_VARIABLE);
-    // The upper half of the index tells the named instances of a variable font apart.
+    // The upper half of the index numbers the named instances of a variable font.
     face.isInstance = integerAt(pattern, FC_INDEX, 0) >> 16 != 0;
 }
 

@@ -21,37 +21,25 @@ namespace plexa
 
 // Keyed archives: an object graph as a binary property list, in the form of the desktop that preset files
 // come from. The list has the entries "$version" (100000), "$archiver" ("NSKeyedArchiver"), "$objects" and
-// "$top".
-// "$objects" begins with "$null", which stands for no object; texts, numbers and data lie in it as they are,
-// every other object is a dictionary of its keys whose "$class" refers to the class, a dictionary with
-// "$classname" and "$classes". Objects refer to each other by UIDs, the indexes in "$objects". "$top" holds
-// the archive's own keys. Booleans, floats and integers that are no objects stand beside their keys.
-
-/// A run of positions.
-struct IndexRange {
-    quint64 location = 0;
-    quint64 length = 0;
-
-    bool operator==(const IndexRange &) const = default;
-};
+// "$top". "$objects" begins with "$null", the absent object; it contains texts, numbers and data directly,
+// every other object as a dictionary whose "$class" refers to a dictionary with "$classname" and "$classes".
+// Objects refer to each other by UIDs, the indexes in "$objects". "$top" holds the archive's own keys.
 
 /// A picture as it is archived.
 struct ArchivedImage {
     QSizeF size;     ///< in points
     QByteArray tiff; ///< a TIFF file
-    QByteArray svg;  ///< the drawing that the TIFF file was made from, where there is one. Only this program
-                     ///< looks for it; others pass over a key that they do not know.
+    QByteArray svg;  ///< the drawing that the TIFF file was made from, if any; only this program reads it
 };
 
-/// What an archived picture is made of. The views are into the archive, and valid as long as any value or
-/// kept object of it.
+/// The parts of an archived picture. The views are valid as long as any value or kept object of the archive.
 struct ImageRepresentations {
     QList<QByteArrayView> bitmaps; ///< files, most often TIFF, in their order
     QByteArrayView svg;            ///< as in ArchivedImage; empty where there is none
 };
 
-/// An object of an archive that was read, with all that it refers to, so that it can be written again as it
-/// came. Keeps the archive. Immutable; any thread.
+/// An object of an archive that was read, with all that it refers to, to be written unchanged into another
+/// one. Keeps the archive. Immutable; any thread.
 class KeptObject final
 {
 public:
@@ -67,8 +55,8 @@ private:
     void *m_node = nullptr;
 };
 
-/// Writes a keyed archive. Objects are added from the leaves up, each with the references of what it holds;
-/// equal texts, numbers and colors become one object. One thread at a time.
+/// Writes a keyed archive. Objects are added from the leaves up; equal texts, numbers and colors become one
+/// object. One thread at a time.
 class KeyedArchiver final
 {
 public:
@@ -110,19 +98,17 @@ public:
     Reference addInteger(qint64 number);
     Reference addFloat(float number);
     Reference addArray(const std::vector<Reference> &objects, Mutability mutability);
-    /// @param ranges  ascending, not touching each other
-    Reference addIndexSet(const std::vector<IndexRange> &ranges);
-    /// As calibrated RGB, its numbers being those of sRGB. An invalid colour is none.
+    /// As calibrated RGB with the numbers of sRGB. An invalid color is none.
     Reference addColor(const QColor &color);
     Reference addImage(const ArchivedImage &image);
-    /// An object of another archive, with all that it refers to. What several copies of one archive refer to
-    /// becomes one object here, too; references to nowhere become none.
+    /// An object of another archive, with all that it refers to. Shared objects stay shared; invalid
+    /// references become none.
     Reference addCopy(const KeptObject &object);
     /// An object of a class of our own.
     Reference addObject(Object object, QLatin1StringView className);
 
     /// The archive. Once.
-    /// @return a failure when it would be more than is ever read
+    /// @return a failure when it exceeds the limits for reading
     [[nodiscard]] Result<QByteArray> finish();
 
 private:
@@ -137,9 +123,8 @@ private:
     std::unique_ptr<State> m_state;
 };
 
-/// A value in a keyed archive that was read, or none. What it is shows when it is asked for as that: a value
-/// of another kind, a reference to nowhere and an object of another class are none. Copies share the archive,
-/// which lives as long as any of them; one thread at a time.
+/// A value in a keyed archive that was read, or none. Each reader returns none for a value of another kind,
+/// an invalid reference and an object of another class. Copies share the archive; one thread at a time.
 class ArchivedValue final
 {
 public:
@@ -152,7 +137,7 @@ public:
 
     bool isNone() const { return !m_node; }
 
-    /// Is it none because it refers to an object that the archive does not have? Something was lost then.
+    /// Is it none because its reference is invalid, so that something was lost?
     bool isMissing() const { return m_isMissing; }
 
     /// Of an object: its keys.
@@ -161,38 +146,36 @@ public:
     /// Of an object: the value of that key. References are followed.
     ArchivedValue value(QLatin1StringView key) const;
 
-    /// Is it an object of that class, or of one that is made from it?
+    /// Is it an object of that class, or of one derived from it?
     bool isOfClass(QLatin1StringView className) const;
 
     /// Readings of one text share its memory.
     std::optional<QString> string() const;
-    /// A truth counts as 1 or 0; an object that holds a number plainly is the number. Never infinite, nor not
-    /// a number.
+    /// A boolean counts as 1 or 0; a number object is its number. Always finite.
     std::optional<double> number() const;
-    /// Numbers with a fraction are cut; those that do not fit are none.
+    /// Without the fraction; none for a number that does not fit.
     std::optional<qint64> integer() const;
-    /// True also for numbers that are not 0; false for none.
+    /// True for numbers other than 0; false for none.
     bool boolean() const;
     std::optional<QByteArray> data() const;
     /// Of arrays of both classes. Elements may be none.
     std::optional<std::vector<ArchivedValue>> array() const;
-    std::optional<std::vector<IndexRange>> indexSet() const;
 
-    /// Of any colour space, as sRGB; invalid when it is none. Numbers of calibrated and device RGB count as
-    /// those of sRGB, CMYK is converted without a profile.
+    /// Of any color space, as sRGB; invalid for none. Numbers of calibrated and device RGB count as those of
+    /// sRGB, CMYK is converted without a profile.
     QColor color() const;
 
-    /// Of a picture; both are empty for everything else, and where no representation is known.
+    /// Of a picture; empty for everything else.
     ImageRepresentations imageRepresentations() const;
 
     /// To write it again.
     KeptObject kept() const;
 
-    /// Tells objects apart: the same for every reference to one object.
+    /// The same for every reference to one object.
     const void *identity() const { return m_node; }
 
-    /// Has more been asked for, all in all, than an archive may hold? From then on data, arrays and texts
-    /// that were not read before are none. An object that many others refer to unfolds without end.
+    /// Has more been read in total than an archive may hold? From then on data, arrays and texts that were
+    /// not read before are none. Bounds objects that many others refer to.
     bool isExhausted() const;
 
 private:

@@ -42,24 +42,13 @@ plist_t newUid(KeyedArchiver::Reference reference)
     return plist_new_uid(static_cast<quint64>(reference));
 }
 
-/// Fractions of one as they stand in archives: ten digits, no more than needed.
+/// Fractions of one as archives hold them: at most ten digits.
 QByteArray componentText(double component)
 {
     return QByteArray::number(component, 'g', 10);
 }
 
-/// Seven bits a byte, the lowest first; all bytes but the last have the top bit set.
-void appendVariableLength(QByteArray &bytes, quint64 number)
-{
-    while (number > 0x7f) {
-        bytes.append(static_cast<char>((number & 0x7f) | 0x80));
-        number >>= 7;
-    }
-    bytes.append(static_cast<char>(number));
-}
-
-/// A text that was read, as it can be written: what is no UTF-8 the library would write so that it cannot
-/// read it. Nothing becomes a name that it was not.
+/// A text that was read, as valid UTF-8: the library writes other bytes so that it cannot read them.
 QByteArray writable(const char *text, uint64_t length)
 {
     QString plain = QString::fromUtf8(text, static_cast<qsizetype>(length));
@@ -115,7 +104,7 @@ plist_t copyOf(plist_t node, const std::function<KeyedArchiver::Reference(quint6
         if (plist_get_node_type(node) == PLIST_DATA)
             plist_get_data_ptr(node, &length);
         bytes += static_cast<qint64>(length);
-        // More than can be written: finish() will say so, and takes no memory for it.
+        // Too large to be written: finish() fails, so the data are not copied.
         return bytes > kMaxPropertyListBytes ? plist_new_bool(0) : plist_copy(node);
     }
     }
@@ -281,24 +270,6 @@ KeyedArchiver::Reference KeyedArchiver::addMutableData(const QByteArray &bytes)
     data.setBytes(QLatin1StringView("NS.data"), bytes);
     return addInstance(std::move(data), {QLatin1StringView("NSMutableData"), QLatin1StringView("NSData"),
                                          QLatin1StringView("NSObject")});
-}
-
-KeyedArchiver::Reference KeyedArchiver::addIndexSet(const std::vector<IndexRange> &ranges)
-{
-    Object set;
-    set.setInteger(QLatin1StringView("NSRangeCount"), static_cast<qint64>(ranges.size()));
-    if (ranges.size() == 1) {
-        set.setInteger(QLatin1StringView("NSLocation"), static_cast<qint64>(ranges.front().location));
-        set.setInteger(QLatin1StringView("NSLength"), static_cast<qint64>(ranges.front().length));
-    } else if (!ranges.empty()) {
-        QByteArray packed;
-        for (const IndexRange &range : ranges) {
-            appendVariableLength(packed, range.location);
-            appendVariableLength(packed, range.length);
-        }
-        set.setObject(QLatin1StringView("NSRangeData"), addMutableData(packed));
-    }
-    return addInstance(std::move(set), {QLatin1StringView("NSIndexSet"), QLatin1StringView("NSObject")});
 }
 
 KeyedArchiver::Reference KeyedArchiver::addColor(const QColor &color)

@@ -22,15 +22,15 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(plexa::KeyedArchive)
 };
 
-// What an archive gives out, all in all. Elements and data are counted at each reading, for many objects may
-// refer to one; a text once, for all readings of it share its memory.
+// The most that is read of an archive in total. Elements and data are counted at each reading, because many
+// objects may refer to one; a text once, because all readings share its memory.
 constexpr qint64 kMaxElements = 1'000'000;
 constexpr qint64 kMaxBytes = kMaxPropertyListBytes + kMaxPropertyListBytes / 4;
 constexpr int kMaxRepresentations = 64;
 constexpr uint32_t kMaxLineage = 16;
-constexpr int kMaxColorDepth = 4; // a catalogue colour holds its fallback
+constexpr int kMaxColorDepth = 4; // a catalog color holds its fallback
 
-/// How archived colours number their spaces.
+/// How archived colors number their spaces.
 enum ColorSpace {
     kCalibratedRgb = 1,
     kDeviceRgb = 2,
@@ -40,7 +40,7 @@ enum ColorSpace {
     kNamed = 6,
 };
 
-/// A named space is told by this number: sRGB.
+/// The number of the named space sRGB.
 constexpr qint64 kSpaceIdOfSrgb = 7;
 
 /// An iterator of the library, which is plain memory.
@@ -345,45 +345,6 @@ std::optional<std::vector<ArchivedValue>> ArchivedValue::array() const
 bool ArchivedValue::isExhausted() const
 {
     return m_archive && m_archive->isExhausted;
-}
-
-std::optional<std::vector<IndexRange>> ArchivedValue::indexSet() const
-{
-    if (!isOfClass(QLatin1StringView("NSIndexSet")))
-        return std::nullopt;
-    const std::optional<qint64> count = value(QLatin1StringView("NSRangeCount")).integer();
-    if (!count || *count < 0)
-        return std::nullopt;
-    if (*count == 0)
-        return std::vector<IndexRange>();
-    if (*count == 1) {
-        const std::optional<qint64> location = value(QLatin1StringView("NSLocation")).integer();
-        const std::optional<qint64> length = value(QLatin1StringView("NSLength")).integer();
-        if (!location || !length || *location < 0 || *length < 1)
-            return std::nullopt;
-        return std::vector{IndexRange{static_cast<quint64>(*location), static_cast<quint64>(*length)}};
-    }
-    const QByteArray packed = value(QLatin1StringView("NSRangeData")).data().value_or(QByteArray());
-    std::vector<quint64> numbers;
-    quint64 number = 0;
-    int shift = 0;
-    for (const char byte : packed) {
-        if (shift > 56)
-            return std::nullopt;
-        number |= static_cast<quint64>(byte & 0x7f) << shift;
-        shift += 7;
-        if (byte & 0x80)
-            continue;
-        numbers.push_back(number);
-        number = 0;
-        shift = 0;
-    }
-    if (shift != 0 || numbers.size() % 2 != 0 || static_cast<qint64>(numbers.size() / 2) != *count)
-        return std::nullopt;
-    std::vector<IndexRange> ranges;
-    for (std::size_t i = 0; i < numbers.size(); i += 2)
-        ranges.push_back({numbers[i], numbers[i + 1]});
-    return ranges;
 }
 
 std::optional<std::vector<double>> ArchivedValue::components(QLatin1StringView key) const

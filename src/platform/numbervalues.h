@@ -7,7 +7,12 @@
 namespace plexa
 {
 
-/// Is this a number (integer or floating) or a truth value, which counts as 1 or 0?
-bool isNumber(const QVariant &value);
+/// Is this a number (integer or floating) or a boolean, which counts as 1 or 0?
+inline bool isNumber(const QVariant &value)
+{
+    const int type = value.typeId();
+    return (type >= QMetaType::Bool && type <= QMetaType::Double) ||
+           (type >= QMetaType::Long && type <= QMetaType::SChar && type != QMetaType::QObjectStar);
+}
 
 } // namespace plexa

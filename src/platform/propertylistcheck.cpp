@@ -7,8 +7,8 @@
 #include <limits>
 #include <vector>
 
-// The binary form: "bplist00", the objects, a table with the place of each object, and a trailer that says
-// where the table is and how wide its numbers are. All numbers are big-endian. An object begins with a byte
+// The binary form: "bplist00", the objects, a table with the place of each object, and a trailer with the
+// place of the table and the width of its numbers. All numbers are big-endian. An object begins with a byte
 // of kind (high half) and length (low half; 15: an integer object with the length follows); arrays and
 // dictionaries hold the numbers of other objects.
 
@@ -44,7 +44,7 @@ public:
     {
     }
 
-    bool isSound();
+    bool isValid();
     bool isTooLarge() const { return m_isTooLarge; }
 
 private:
@@ -106,7 +106,7 @@ bool Checker::readTrailer()
     return true;
 }
 
-bool Checker::isSound()
+bool Checker::isValid()
 {
     quint64 top = 0;
     return readTrailer() && readNumber(m_bytes.size() - kTrailerBytes + 16, 8, top) && visit(top, 0);
@@ -240,7 +240,7 @@ QString faultOfPropertyList(QByteArrayView bytes)
     if (bytes.size() > kMaxPropertyListBytes)
         return Texts::tr("it is larger than %1 MB").arg(kMaxPropertyListBytes / 1'000'000);
     Checker checker(bytes);
-    if (checker.isSound())
+    if (checker.isValid())
         return {};
     return checker.isTooLarge() ? Texts::tr("it holds more than can be read") : Texts::tr("it is damaged");
 }

@@ -11,17 +11,16 @@ namespace plexa
 /// The longest property list that is read or written.
 inline constexpr qint64 kMaxPropertyListBytes = 512'000'000;
 
-// More is not built.
+// Larger lists are refused.
 inline constexpr int kMaxPropertyListNesting = 32;         ///< a keyed archive has four levels
 inline constexpr qint64 kMaxPropertyListNodes = 2'000'000; ///< about 200 bytes each, once they are built
 inline constexpr qint64 kMaxPropertyListKeys = 1000; ///< of one dictionary, which is searched key by key
 
-/// What is wrong with a binary property list, found without building it: a place that lies outside of the
-/// data, objects inside of themselves, keys with null characters in them, more nesting than a program writes,
-/// or shared objects that would unfold into more than memory should be spent on. libplist copies a shared
-/// object for each of its users and descends without a bound, so nothing is handed to it that was not found
-/// sound here.
-/// @return empty when it is sound
+/// Checks a binary property list without building it: places outside of the data, objects inside of
+/// themselves, keys with null characters, too much nesting, and shared objects that unfold into too much
+/// memory. libplist copies a shared object for each of its users and descends without a bound, so it must get
+/// valid lists only.
+/// @return what is wrong; empty when it is valid
 QString faultOfPropertyList(QByteArrayView bytes);
 
 } // namespace plexa

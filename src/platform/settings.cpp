@@ -20,31 +20,23 @@ QString defaultSavingDirectory()
     const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
     if (pictures.isEmpty() || QDir(pictures) == QDir::home())
         return QDir::homePath() + QStringLiteral("/Pictures");
-    return pictures + QLatin1Char('/') + applicationNameWithCompany(false, false, true);
+    return pictures + QLatin1Char('/') + applicationName();
 }
 
 } // namespace
 
-std::vector<Setting> allSettings()
+void registerDefaults(UserDefaults &defaults)
 {
+    QHash<QString, QVariant> registered;
 #define TEXT(text) QVariant(QStringLiteral(text))
 #define NONE QVariant()
 #define PICTURES QVariant(defaultSavingDirectory())
-#define PLEXA_SETTING_ROW(name, type, registered) Setting{settings::name, SettingType::type, registered},
-    return {PLEXA_SETTINGS(PLEXA_SETTING_ROW)};
+#define PLEXA_SETTING_ROW(name, value) registered.insert(settings::name, value);
+    PLEXA_SETTINGS(PLEXA_SETTING_ROW)
 #undef PLEXA_SETTING_ROW
 #undef PICTURES
 #undef NONE
 #undef TEXT
-}
-
-void registerDefaults(UserDefaults &defaults)
-{
-    QHash<QString, QVariant> registered;
-    for (const Setting &setting : allSettings()) {
-        if (setting.registeredDefault.isValid())
-            registered.insert(setting.key, setting.registeredDefault);
-    }
     defaults.registerDefaults(registered);
 }
 

@@ -23,10 +23,6 @@ QString writeErrorText(int error)
     switch (error) {
     case ENOSPC:
         return SystemError::tr("no space left on the disk");
-    case EDQUOT:
-        return SystemError::tr("the disk quota is used up");
-    case EFBIG:
-        return SystemError::tr("the file is larger than is allowed here");
     case EACCES:
     case EPERM:
         return SystemError::tr("no permission to write into the folder");
@@ -40,17 +36,10 @@ QString writeErrorText(int error)
         return SystemError::tr("a folder of that name exists");
     case EEXIST:
         return SystemError::tr("a file of that name exists already");
-    case ENAMETOOLONG:
-        return SystemError::tr("its name is too long");
-    case ELOOP:
-        return SystemError::tr("its symbolic links go in a circle");
-    case EIO:
-        return SystemError::tr("the disk reports an error");
-    case EMFILE:
-    case ENFILE:
-        return SystemError::tr("too many files are open");
-    default:
-        return QString::fromLocal8Bit(std::system_category().message(error).c_str());
+    default: {
+        QString text = QString::fromLocal8Bit(std::system_category().message(error).c_str());
+        return text.replace(0, 1, text.first(1).toLower());
+    }
     }
 }
 

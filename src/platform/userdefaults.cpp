@@ -7,6 +7,7 @@
 #include <QRegularExpression>
 
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
 namespace plexa
@@ -19,12 +20,6 @@ bool isText(const QVariant &value)
     return value.typeId() == QMetaType::QString || value.typeId() == QMetaType::QByteArray;
 }
 
-/// What of `text` the pattern's first group matches at its start.
-QString leading(const QString &text, const QRegularExpression &pattern)
-{
-    return pattern.match(text).captured(1);
-}
-
 bool truthOf(const QString &text)
 {
     static const QRegularExpression pattern(QStringLiteral("\\A\\s*[-+]?0*[YyTt1-9]"));
@@ -33,14 +28,7 @@ bool truthOf(const QString &text)
 
 qint64 integerOf(const QString &text)
 {
-    static const QRegularExpression pattern(QStringLiteral("\\A\\s*([-+]?[0-9]+)"));
-    const QString digits = leading(text, pattern);
-    bool fits = false;
-    const qint64 number = digits.toLongLong(&fits);
-    if (fits || digits.isEmpty())
-        return number;
-    return digits.startsWith(QLatin1Char('-')) ? std::numeric_limits<qint64>::min()
-                                               : std::numeric_limits<qint64>::max();
+    return std::strtoll(text.toUtf8().constData(), nullptr, 10); // skips blanks, and clamps to its limits
 }
 
 qint64 integerOf(double number)
@@ -59,7 +47,7 @@ double decimalOf(const QString &text)
 {
     static const QRegularExpression pattern(
         QStringLiteral("\\A\\s*([-+]?(?:[0-9]+\\.?[0-9]*|\\.[0-9]+)(?:[eE][-+]?[0-9]+)?)"));
-    return leading(text, pattern).toDouble();
+    return pattern.match(text).captured(1).toDouble();
 }
 
 float finiteFloat(double number)
@@ -147,11 +135,6 @@ void UserDefaults::setObject(const QString &key, const QVariant &value)
         m_stored.setValue(key, value);
     else
         m_stored.remove(key);
-}
-
-void UserDefaults::removeObjectForKey(const QString &key)
-{
-    setObject(key, {});
 }
 
 bool UserDefaults::synchronize()

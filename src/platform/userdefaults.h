@@ -16,8 +16,8 @@ namespace plexa
 /// The user's settings: what is stored, and under it what the program has registered as defaults. Registered
 /// values live as long as the object and are never stored. Any thread.
 ///
-/// The readers take a value for what it means: a string of digits is a number, "YES" is true. So a settings
-/// file may be edited by hand, and a default may be given as text.
+/// The readers convert: a string of digits is a number, "YES" is true. So a settings file may be edited by
+/// hand, and a default may be given as text.
 class UserDefaults final
 {
 public:
@@ -27,8 +27,8 @@ public:
     /// Adds to the registered defaults, over those of the same keys.
     void registerDefaults(const QHash<QString, QVariant> &defaults);
 
-    /// The stored value as it stands, else the registered one, else an invalid variant. The file knows texts
-    /// and lists of texts only: a number that was stored in an earlier run comes back as a string.
+    /// The stored value, else the registered one, else an invalid variant. The file holds texts and lists of
+    /// texts only: a number that was stored in an earlier run is read as a string.
     QVariant objectForKey(const QString &key) const;
 
     /// A truth value; a number other than 0; a text that, after blanks, a sign and zeros, starts with one of
@@ -52,11 +52,8 @@ public:
     /// Stores a value. @param value  an invalid one removes what is stored
     void setObject(const QString &key, const QVariant &value);
 
-    /// Removes the stored value; the registered one shows again.
-    void removeObjectForKey(const QString &key);
-
-    /// Writes to the disk now (else it happens some time later, at the latest when the object is destroyed),
-    /// and takes over what other processes have stored. @return whether the disk took it
+    /// Writes to the disk now (else at the latest when the object is destroyed), and reads what other
+    /// processes have stored. @return whether it was written
     bool synchronize();
 
 private:

@@ -15,7 +15,7 @@
 #include <optional>
 #include <type_traits>
 
-// libplist has a reader of this form too, but that one cannot be told how much to build.
+// The reader of libplist has no limits on nesting and size.
 
 namespace plexa
 {
@@ -63,7 +63,7 @@ private:
     bool m_isTooLarge = false;
 };
 
-/// Goes to the outermost element. False when entities are declared before it.
+/// Goes to the outermost element. False when the file declares entities.
 bool Builder::findStart()
 {
     while (!m_xml.atEnd()) {
@@ -160,7 +160,7 @@ Node Builder::leaf(const QString &kind)
         isRight = bool(data);
         node.reset(plist_new_data(data.decoded.constData(), static_cast<quint64>(data.decoded.size())));
     } else if (kind == QLatin1StringView("date")) {
-        // Nothing asks for a date; it only has to be one.
+        // Dates are checked, not used.
         isRight = QDateTime::fromString(text.trimmed(), Qt::ISODate).isValid();
         node.reset(plist_new_date(0, 0));
     }

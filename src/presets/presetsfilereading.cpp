@@ -23,7 +23,7 @@ QString reasonIn(QByteArrayView line, const QByteArray &path)
 
 QString presetsApplicationID()
 {
-    return applicationNameWithCompany(true, false, true);
+    return applicationNameWithCompany();
 }
 
 PresetsFileReading readSavingPresetsFile(const QString &path, const XMLParser::ErrorSink &log)

@@ -6,7 +6,6 @@
 #include "platform/applicationname.h"
 #include "platform/atomicfile.h"
 #include "platform/folderlock.h"
-#include "platform/leftovers.h"
 #include "presets/presetsfilereading.h"
 #include "presets/presetsmigration.h"
 
@@ -176,8 +175,7 @@ bool PresetsStore::createListFromExamples(Kind kind) const
     QFile example(exampleFile(kind, m_places));
     if (!example.open(QIODevice::ReadOnly))
         return false;
-    AtomicFile file(presetsFileNameForWatermark(kind, Slot::List), AtomicFile::IfExists::Fail,
-                    AtomicFile::Durability::Synced);
+    AtomicFile file(presetsFileNameForWatermark(kind, Slot::List), AtomicFile::IfExists::Fail);
     if (!file.open())
         return false;
     file.device().write(example.readAll()); // commit() reports a failure

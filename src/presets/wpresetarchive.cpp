@@ -432,7 +432,7 @@ Result<WPresetList> decoded(const QByteArray &bytes, bool &isLater,
     const std::optional<QString> application = top->value(kApplication).string();
     const float version = floatNumber(top->value(kFileVersion)).value_or(0.0F);
     isLater = version > kVersion;
-    const bool isOurs = application && (*application == applicationNameWithCompany(true, false, true) ||
+    const bool isOurs = application && (*application == applicationNameWithCompany() ||
                                         *application == firstVersionApplicationName());
     if (!isOurs || !(version > 0))
         return fail(Texts::tr("it is not a file of watermark presets"));
@@ -444,7 +444,7 @@ Result<QByteArray> encoded(const WPresetList &presets)
     if (presets.size() > kMaxPresets)
         return fail(Texts::tr("there are more than %1 presets").arg(kMaxPresets));
     KeyedArchiver archiver;
-    archiver.top().setObject(kApplication, archiver.addString(applicationNameWithCompany(true, false, true)));
+    archiver.top().setObject(kApplication, archiver.addString(applicationNameWithCompany()));
     archiver.top().setFloat(kFileVersion, kVersion);
     PictureEncoder pictures(archiver);
     TextsEncoder texts(archiver);
@@ -479,7 +479,7 @@ Result<void> writeWPresets(const WPresetList &presets, const QString &toFile)
     const Result<QByteArray> bytes = archivedWPresets(presets);
     if (!bytes)
         return tl::unexpected(bytes.error());
-    AtomicFile file(toFile, AtomicFile::IfExists::Replace, AtomicFile::Durability::Synced);
+    AtomicFile file(toFile, AtomicFile::IfExists::Replace);
     if (Result<void> opened = file.open(); !opened)
         return opened;
     file.device().write(*bytes); // commit() reports a failure

@@ -67,7 +67,7 @@ Result<void> XMLFile::writeObjects(std::span<const XMLFile *const> objects, cons
                                    const QString &appID, const QString &rootXMLElement,
                                    const QString &supportedVersion)
 {
-    AtomicFile file(path, AtomicFile::IfExists::Replace, AtomicFile::Durability::Synced);
+    AtomicFile file(path, AtomicFile::IfExists::Replace);
     if (Result<void> opened = file.open(); !opened)
         return opened;
     // commit() reports a failure.

@@ -2,7 +2,6 @@
 
 #include "raster/bitmaputilities.h"
 
-#include "raster/compositing.h"
 #include "raster/orientation.h"
 #include "raster/pixelformat.h"
 #include "raster/resampling.h"
@@ -26,15 +25,10 @@ QImage::Format bitmapFormat(bool withAlpha)
     return withAlpha ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
 }
 
-QImage::Format formatLike(const QImage &image)
-{
-    return bitmapFormat(image.hasAlphaChannel() || hasDeepComponents(image.format()));
-}
-
 /// The image in the format of these functions; no copy when it has that format.
 QImage asBitmap(const QImage &image)
 {
-    return image.convertToFormat(formatLike(image));
+    return image.convertToFormat(bitmapFormat(image.hasAlphaChannel() || hasDeepComponents(image.format())));
 }
 
 /// Whether a bitmap can have that size; false for NaN.
@@ -108,69 +102,11 @@ std::optional<int> wholeQuarters(double radians)
     return int(std::fmod(std::fmod(whole, 4) + 4, 4));
 }
 
-/// The orientation that a transform along the axes amounts to, its stretching and moving aside.
-int orientationOf(const QTransform &transform)
-{
-    const bool turned = transform.m12() != 0;
-    const bool first = turned ? transform.m12() > 0 : transform.m11() > 0;
-    const bool second = turned ? transform.m21() > 0 : transform.m22() > 0;
-    if (turned)
-        return first ? (second ? 7 : 8) : (second ? 6 : 5);
-    return first ? (second ? 1 : 4) : (second ? 2 : 3);
-}
-
-/// Copies the image to another place in its frame.
-QImage moved(const QImage &image, double right, double up)
-{
-    if (right == 0 && up == 0)
-        return image;
-    QImage result = cleared(image.width(), image.height(), image.format());
-    if (result.isNull())
-        return {};
-    const int width = image.width() - int(std::min<double>(std::abs(right), image.width()));
-    const int height = image.height() - int(std::min<double>(std::abs(up), image.height()));
-    if (width == 0 || height == 0)
-        return result;
-    const int fromX = right < 0 ? image.width() - width : 0;
-    const int fromY = up > 0 ? image.height() - height : 0;
-    const int toX = image.width() - width - fromX;
-    const int toY = image.height() - height - fromY;
-    uchar *bits = result.bits();
-    for (int y = 0; y < height; ++y) {
-        const uchar *from = image.constBits() + (fromY + y) * image.bytesPerLine() + qsizetype(fromX) * 4;
-        std::copy_n(from, qsizetype(width) * 4,
-                    bits + (toY + y) * result.bytesPerLine() + qsizetype(toX) * 4);
-    }
-    return result;
-}
-
 } // namespace
-
-QImage createBitmapContextLikeImage(const QImage &image, int width, int height, bool forcePremultipliedAlpha)
-{
-    if (image.isNull())
-        return {};
-    return cleared(width, height, forcePremultipliedAlpha ? bitmapFormat(true) : formatLike(image));
-}
 
 QImage createBitmapContext(int width, int height, bool withAlpha)
 {
     return cleared(width, height, bitmapFormat(withAlpha));
-}
-
-QImage createImageRotatedByQuarter(const QImage &image, bool clockwise)
-{
-    return oriented(image, clockwise ? 6 : 8);
-}
-
-QImage createImageRotatedByHalf(const QImage &image)
-{
-    return oriented(image, 3);
-}
-
-QImage createImageFlipped(const QImage &image, bool vertically)
-{
-    return oriented(image, vertically ? 4 : 2);
 }
 
 QImage createImageRotatedByAngle(const QImage &image, double radians)
@@ -194,48 +130,15 @@ QImage createImageRotatedByAngle(const QImage &image, double radians)
                         std::floor(boxHeight));
 }
 
-QImage createImageRotatedAboutCenter(const QImage &image, double radians)
+QImage createImageUpright(const QImage &image, int orientation, double scaleX, double scaleY)
 {
-    if (image.isNull() || !std::isfinite(radians))
-        return {};
-    const std::optional<int> quarters = wholeQuarters(radians);
-    if (quarters && *quarters % 2 == 0)
-        return oriented(image, *quarters == 0 ? 1 : 3);
-    const double sine = std::sin(radians);
-    const double cosine = std::cos(radians);
-    const double x = image.width() / 2.0;
-    const double y = image.height() / 2.0;
-    const QTransform turn(cosine, sine, -sine, cosine, x - cosine * x + sine * y, y - sine * x - cosine * y);
-    return drawnThrough(image, turn, image.width(), image.height());
-}
-
-QImage createImageWithTransform(const QImage &image, const QTransform &transform)
-{
-    if (image.isNull() || !transform.isAffine() || !transform.isInvertible())
-        return {};
-    const double a = transform.m11();
-    const double b = transform.m12();
-    const double c = transform.m21();
-    const double d = transform.m22();
-    const bool exchanges = b != 0 || c != 0;
-    const double stretchedWidth = std::round(image.width() * std::hypot(a, b));
-    const double stretchedHeight = std::round(image.height() * std::hypot(c, d));
-    const double width = exchanges ? stretchedHeight : stretchedWidth;
-    const double height = exchanges ? stretchedWidth : stretchedHeight;
-
-    // How far the image's lower left corner comes to lie from the frame's.
-    const double right =
-        transform.dx() + std::min(0.0, a * image.width()) + std::min(0.0, c * image.height());
-    const double up = transform.dy() + std::min(0.0, b * image.width()) + std::min(0.0, d * image.height());
-    const bool alongAxes = (b == 0 && c == 0) || (a == 0 && d == 0);
-    const bool stretches = std::abs(a + b) != 1 || std::abs(c + d) != 1;
-    const bool movesByPixels = right == std::round(right) && up == std::round(up);
-    if (!alongAxes || (!stretches && !movesByPixels))
-        return drawnThrough(image, transform, width, height);
-
-    const QImage turned = oriented(image, orientationOf(transform));
-    const QImage stretched = stretches ? scaledTo(turned, width, height, Quality::High) : turned;
-    return stretched.isNull() ? QImage() : moved(stretched, std::round(right), std::round(up));
+    const QImage upright = oriented(image, orientation);
+    if (upright.isNull() || (scaleX == 1 && scaleY == 1))
+        return upright;
+    const QSize stretched(int(std::lround(image.width() * scaleX)),
+                          int(std::lround(image.height() * scaleY)));
+    const QSize size = orientedSize(stretched, orientation);
+    return scaledTo(upright, size.width(), size.height(), Quality::High);
 }
 
 QImage createImageScaledToMaxSize(const QImage &image, int maxSize, bool flipVertically)
@@ -244,41 +147,20 @@ QImage createImageScaledToMaxSize(const QImage &image, int maxSize, bool flipVer
         return {};
     const int longer = std::max(image.width(), image.height());
     if (maxSize >= longer)
-        return flipVertically ? createImageFlipped(image, true) : image;
+        return flipVertically ? oriented(image, 4) : image;
     if (maxSize < 1)
         return {};
     // A very long and thin image keeps one pixel of its shorter side.
     const auto scaled = [&](int side) { return std::max<qint64>(1, qint64(side) * maxSize / longer); };
     const QImage smaller =
         scaledTo(image, double(scaled(image.width())), double(scaled(image.height())), Quality::High);
-    return flipVertically ? createImageFlipped(smaller, true) : smaller;
+    return flipVertically ? oriented(smaller, 4) : smaller;
 }
 
 QImage createImageScaledToSize(const QImage &image, int width, int height, bool highQuality,
                                const CancelCheck &isCanceled)
 {
     return scaledTo(image, width, height, highQuality ? Quality::High : Quality::Low, isCanceled);
-}
-
-QImage createImageFlattened(const QImage &image, bool keepAlpha, const QColor &background, int width,
-                            int height)
-{
-    QImage result = createBitmapContextLikeImage(image, width, height, keepAlpha);
-    if (result.isNull())
-        return {};
-    if (!keepAlpha)
-        fillRows(result, 0, QRectF(0, 0, width, height), background);
-    const QImage scaled = scaledTo(image, width, height, Quality::High);
-    if (scaled.isNull())
-        return {};
-    stampRows(result, 0, scaled.convertToFormat(QImage::Format_ARGB32_Premultiplied), QPoint(0, 0),
-              BlendMode::Normal, 1);
-    return result;
-}
-
-QColor createCGColorFromColor(const QColor &color)
-{
-    return color.toRgb();
 }
 
 } // namespace plexa

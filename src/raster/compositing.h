@@ -26,8 +26,8 @@ namespace plexa
 /// pixels are covered in part. The color's own alpha is used.
 void fillRows(QImage &rows, int firstRow, const QRectF &rect, const QColor &color);
 
-/// Draws `mark` with its top left corner at `at`, blended by `mode` as W3C Compositing and Blending
-/// Level 1 says (source-over with backdrop alpha), its alpha multiplied by `opacity` (0..1, clamped).
+/// Draws `mark` with its top left corner at `at`, blended by `mode` by W3C Compositing and Blending
+/// Level 1 (source-over with backdrop alpha), its alpha multiplied by `opacity` (0..1, clamped).
 void stampRows(QImage &rows, int firstRow, const QImage &mark, QPoint at, BlendMode mode, double opacity);
 
 /// The soft shadow that a mark casts: its alpha, blurred by a Gaussian with a standard deviation of half

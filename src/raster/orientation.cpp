@@ -101,28 +101,4 @@ void placeOrientedRows(QImage &target, const QImage &strip, int stripRows, int f
     }
 }
 
-QTransform orientationTransform(int orientation, double sx, double sy, QSize stored)
-{
-    const double width = stored.width() * sx;
-    const double height = stored.height() * sy;
-    switch (orientation) {
-    case 2:
-        return {-sx, 0, 0, sy, width, 0};
-    case 3:
-        return {-sx, 0, 0, -sy, width, height};
-    case 4:
-        return {sx, 0, 0, -sy, 0, height};
-    case 5:
-        return {0, -sx, -sy, 0, height, width};
-    case 6:
-        return {0, -sx, sy, 0, 0, width};
-    case 7:
-        return {0, sx, sy, 0, 0, 0};
-    case 8:
-        return {0, sx, -sy, 0, height, 0};
-    default:
-        return {sx, 0, 0, sy, 0, 0};
-    }
-}
-
 } // namespace plexa

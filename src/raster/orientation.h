@@ -27,9 +27,4 @@ QSize orientedSize(QSize stored, int orientation);
 void placeOrientedRows(QImage &target, const QImage &strip, int stripRows, int firstRow, QSize stored,
                        int orientation);
 
-/// The transform that turns a stored picture upright and stretches its sides, for
-/// createImageWithTransform(): origin at the bottom left, y upwards.
-/// @param sx, sy  factors along the stored picture's width and height
-QTransform orientationTransform(int orientation, double sx, double sy, QSize stored);
-
 } // namespace plexa

@@ -3,12 +3,16 @@
 #pragma once
 
 #include <QImage>
+#include <QPixelFormat>
 
 namespace plexa
 {
 
 /// Has a pixel of this format more than 8 bits a component?
-bool hasDeepComponents(QImage::Format format);
+inline bool hasDeepComponents(QImage::Format format)
+{
+    return QImage::toPixelFormat(format).redSize() > 8;
+}
 
 /// A component of 16 bits as one of 8, rounded.
 constexpr int byteOfWord(int word)

@@ -16,7 +16,7 @@ namespace
 /// The four channels of one pixel, worked on at once.
 using Pixel = float __attribute__((vector_size(16)));
 
-/// A filter over pixels: centerd on 0, and 0 beyond `reach`.
+/// A filter over pixels: centered on 0, and 0 beyond `reach`.
 struct Linear {
     static constexpr double kReach = 1;
     static double at(double x) { return std::max(0.0, 1 - std::abs(x)); }
@@ -210,7 +210,7 @@ quint32 gathered(quint64 lanes)
     return quint32(lanes) | quint32(lanes >> 32) << 8;
 }
 
-/// Places in an image are fixed-point numbers with 32 bits behind the point: over any row that fits into
+/// Places in an image are fixed-point numbers with 32 fractional bits: over any row that fits into
 /// memory the steps add up to less than a hundredth of a pixel.
 constexpr double kFixedOne = 4294967296.0;
 

@@ -2,8 +2,8 @@
 
 #include "saving/savingprocess.h"
 
-#include "platform/leftovers.h"
-#include "platform/missingfolders.h"
+#include "platform/atomicfile.h"
+#include "platform/systemerror.h"
 #include "platform/workpool.h"
 #include "raster/bitmaputilities.h"
 
@@ -13,9 +13,14 @@
 #include <QFileInfo>
 #include <QSet>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <condition_variable>
 #include <deque>
+#include <filesystem>
 #include <mutex>
 #include <utility>
 
@@ -32,12 +37,36 @@ constexpr int kProgressPictureSide = 180;
 
 using Use = FilesUnderWay::Use;
 
+/// Whether the folder exists, or could be created with the folders above it, as far as that can be checked
+/// without trying.
+Result<void> checkFolderCanBeMade(const QString &path)
+{
+    namespace fs = std::filesystem;
+    const auto failure = [&path](const QString &reason) {
+        return fail(Texts::tr("the folder \"%1\" cannot be made: %2").arg(path, reason));
+    };
+    std::error_code error;
+    const fs::path wanted = fs::absolute(QFile::encodeName(path).toStdString(), error);
+    if (fs::is_directory(wanted, error))
+        return {};
+    fs::path above = wanted.lexically_normal();
+    while (above.has_relative_path() && fs::symlink_status(above, error).type() == fs::file_type::not_found)
+        above = above.parent_path();
+    if (!fs::is_directory(above, error))
+        return failure(writeErrorText(error ? error.value() : ENOTDIR));
+    if (faccessat(AT_FDCWD, above.c_str(), W_OK | X_OK, AT_EACCESS) == 0)
+        return {};
+    if (errno == EACCES)
+        return failure(Texts::tr("no permission to write into \"%1\"").arg(QFile::decodeName(above.c_str())));
+    return failure(writeErrorText(errno));
+}
+
 bool isCombining(const SavingRun &run)
 {
     return run.combineAllAppliedPresetsInImage && !run.isInSingleMode;
 }
 
-/// Everything but the photo's own name has to be looked up in the photo.
+/// Tokens other than the photo's own name are read from the photo.
 bool needPhoto(const QStringList &tokens)
 {
     return std::any_of(tokens.begin(), tokens.end(), [](const QString &token) {
@@ -75,7 +104,7 @@ struct Pending {
     /// If another program takes the path meanwhile; kNoChoice: the copy fails.
     OutputNaming::Choice ifTakenMeanwhile = OutputNaming::kNoChoice;
     bool isTakenMeanwhile = false;
-    /// Also when it fails: others have got names of their own meanwhile, whatever the number of threads.
+    /// Also when it fails: other copies have chosen their names already.
     bool keepsName = false;
     bool isFinished = true; // guarded by the process's mutex
 };
@@ -125,7 +154,7 @@ Result<void> checkPlace(const Pending &pending)
     const QString &path = pending.output.path;
     if (const QString folder = QFileInfo(path).path(); !QFileInfo(folder).isDir())
         return checkFolderCanBeMade(folder);
-    return AtomicFile(path, ifExists(pending), AtomicFile::Durability::Lazy).check();
+    return AtomicFile(path, ifExists(pending)).check();
 }
 
 bool hasNoText(const PhotoFacts &facts, const Order &order)
@@ -270,7 +299,7 @@ void SavingProcess::run()
     if (m_total == 0)
         return;
     if (!m_run.folders.destDirectory.isEmpty() && !m_run.isDryRun)
-        QDir().mkpath(m_run.folders.destDirectory); // without it every copy fails and says so
+        QDir().mkpath(m_run.folders.destDirectory); // without it every copy fails
     for (const QString &photo : m_run.keptPhotos)
         m_naming.files().begin(FilesUnderWay::keyOf(photo), Use::Photo);
     const int jobs = std::max(m_run.jobs, 1);

@@ -24,7 +24,7 @@ struct SavingPhoto {
     QString failure;                    ///< why it cannot be had, where that is known already; else empty
 };
 
-/// A watermark preset of a run, as it stood when the run began.
+/// A watermark preset of a run, as it was when the run began.
 struct PresetToSave {
     AppliedPreset applied;
     std::optional<SavingPresetValues> assignedSavingPreset;
@@ -36,8 +36,8 @@ std::vector<PresetToSave> presetsToSave(const std::vector<AppliedPreset> &preset
 /// Everything that a run is made of.
 struct SavingRun {
     std::size_t photoCount = 0;
-    /// Gives a photo when its turn comes near; in order, each once, on the thread of the run. It is let go
-    /// when its copies are made.
+    /// Returns a photo shortly before it is needed; in order, each once, on the thread of the run. Released
+    /// once its copies are written.
     std::function<SavingPhoto(std::size_t index)> photoAt;
 
     std::vector<PresetToSave> effectivePresets; ///< none: nothing is saved
@@ -51,7 +51,7 @@ struct SavingRun {
     bool releasesImages = false;                 ///< a photo forgets its pixels when its copies are made
     bool collectsSavedImagesInfo = false;        ///< for the companion application
     bool isDryRun = false;                       ///< everything is decided, nothing is written
-    OutputNaming::ConflictCode conflictCode = 0; ///< OutputNaming::always() asks nobody
+    OutputNaming::ConflictCode conflictCode = 0; ///< OutputNaming::always(): no questions
     OutputNaming::Scope conflictScope = OutputNaming::Scope::AllFiles;
     QStringList keptPhotos; ///< with Scope::FilesFromBefore: photos that only their own copies may replace
     int jobs = 1;           ///< how many copies are made at once
@@ -60,10 +60,10 @@ struct SavingRun {
     std::function<bool()> isStopped;
 };
 
-/// One copy that a run made, or did not make.
+/// One copy of a run, written or not.
 struct SavingOutput {
     enum class Status { Planned, Written, Skipped, Failed };
-    /// What was done about a file of the name that the copy should have had.
+    /// The choice for a copy whose name was taken.
     enum class Conflict {
         None,
         UniqueName,
@@ -86,7 +86,7 @@ struct SavingOutput {
     QStringList emptyTokens; ///< dry run: tokens in the name and the watermarks that the photo leaves empty
 };
 
-/// Hears how a run goes, on the thread of the run.
+/// Is notified of the progress of a run, on the thread of the run.
 class SavingObserver
 {
 public:

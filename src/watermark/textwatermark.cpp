@@ -43,7 +43,7 @@ Inks inksOf(const WPresetValues &values, double fontSize)
 {
     Inks inks;
     const QColor fill = values.fillColor.isValid() ? values.fillColor : QColor(Qt::black);
-    inks.fill = createCGColorFromColor(fill);
+    inks.fill = fill.toRgb();
     const int percent =
         values.stroke ? std::clamp(values.strokeWidth.value_or(0), -kWidestStroke, kWidestStroke) : 0;
     if (percent == 0)
@@ -51,7 +51,7 @@ Inks inksOf(const WPresetValues &values, double fontSize)
     inks.isFilled = percent > 0;
     const QColor color = values.strokeColor.isValid() ? values.strokeColor : fill;
     const double width = std::abs(percent / 100.0) * fontSize;
-    inks.outline = QPen(createCGColorFromColor(color), width, Qt::SolidLine, Qt::FlatCap, Qt::RoundJoin);
+    inks.outline = QPen(color.toRgb(), width, Qt::SolidLine, Qt::FlatCap, Qt::RoundJoin);
     inks.isOutlined = true;
     return inks;
 }

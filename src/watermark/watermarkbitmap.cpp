@@ -45,7 +45,7 @@ WatermarkBitmap turnedByQuarter(const WatermarkBitmap &bitmap, bool clockwise)
     const QPointF inkAt =
         clockwise ? QPointF(beyond.y(), bitmap.inkAt.x()) : QPointF(bitmap.inkAt.y(), beyond.x());
     return changed(bitmap, bitmap.size.transposed(), inkAt,
-                   [=](const QImage &ink) { return createImageRotatedByQuarter(ink, clockwise); });
+                   [=](const QImage &ink) { return createImageUpright(ink, clockwise ? 6 : 8, 1, 1); });
 }
 
 WatermarkBitmap mirroredOnce(const WatermarkBitmap &bitmap, bool vertically)
@@ -54,7 +54,7 @@ WatermarkBitmap mirroredOnce(const WatermarkBitmap &bitmap, bool vertically)
     const QPointF inkAt =
         vertically ? QPointF(bitmap.inkAt.x(), beyond.y()) : QPointF(beyond.x(), bitmap.inkAt.y());
     return changed(bitmap, bitmap.size, inkAt,
-                   [=](const QImage &ink) { return createImageFlipped(ink, vertically); });
+                   [=](const QImage &ink) { return createImageUpright(ink, vertically ? 4 : 2, 1, 1); });
 }
 
 /// The bounding box of a tilted rectangle.
@@ -135,7 +135,8 @@ WatermarkBitmap turnedByQuarters(const WatermarkBitmap &bitmap, int rotation)
     case 2:
         return turnedByQuarter(bitmap, true);
     case 3:
-        return changed(bitmap, bitmap.size, beyondInk(bitmap), createImageRotatedByHalf);
+        return changed(bitmap, bitmap.size, beyondInk(bitmap),
+                       [](const QImage &ink) { return createImageUpright(ink, 3, 1, 1); });
     default:
         return bitmap;
     }

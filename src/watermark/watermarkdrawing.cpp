@@ -105,7 +105,7 @@ void WatermarkDrawing::placeBox()
     if (!m_layout.box || !m_values.backgroundColor.isValid())
         return;
     const QRectF &box = *m_layout.box;
-    QColor color = createCGColorFromColor(m_values.backgroundColor);
+    QColor color = m_values.backgroundColor.toRgb();
     color.setAlphaF(static_cast<float>(fractionOf(m_values.backgroundOpacity)));
     const double top = m_photo.height() - box.y() - box.height();
     m_box =

@@ -66,8 +66,7 @@ Result<QImage> uprightImage(const QString &path)
     const int orientation = source->properties().value(kCGImagePropertyOrientation).toInt();
     if (orientation < 2 || orientation > 8)
         return stored;
-    const QImage upright =
-        createImageWithTransform(*stored, orientationTransform(orientation, 1, 1, stored->size()));
+    const QImage upright = createImageUpright(*stored, orientation, 1, 1);
     if (upright.isNull())
         return fail(Texts::tr("there is not enough memory for it"));
     return upright;

@@ -50,7 +50,7 @@ private Q_SLOTS:
                                         {21, true, {0, true}, true, false},
                                         {8, false, {}, false, true}}) {
             fixture.files.defaults.setObject(settings::runNumber, run);
-            fixture.files.defaults.removeObjectForKey(settings::askForFeedback); // of the row before
+            fixture.files.defaults.setObject(settings::askForFeedback, {}); // of the row before
             fixture.openedUrls.clear();
             if (asks)
                 fixture.files.alerts.expect(u"Your feedback"_qs, answer);
@@ -78,16 +78,6 @@ private Q_SLOTS:
 
         fixture.delegate.openFiles({}); // from a second start without files
         QCOMPARE(windowWanted.count(), 3);
-    }
-
-    void remembersAppliedPresets()
-    {
-        Fixture fixture;
-        fixture.controller.appliedPresets().addWPresetsToApplied({namedPreset(u"Logo"_qs)});
-        UserDefaults &defaults = fixture.files.defaults;
-        defaults.setObject(settings::rememberWPresetsAppliedLastTime, true);
-        fixture.delegate.windowWillClose();
-        QCOMPARE(defaults.stringArrayForKey(settings::wPresetsAppliedLastTime), words("Logo"));
     }
 };
 

@@ -36,7 +36,7 @@ private Q_SLOTS:
 
         QVERIFY(m_applied->isInSingleMode());
         QVERIFY(m_applied->effectivePresets() == WPresetList{quick} && m_applied->currentWPreset() == quick);
-        m_applied->modeDidChange(1);
+        m_applied->modeDidChange(AppliedPresets::Mode::Presets);
         QCOMPARE(m_work->defaults.integerForKey(settings::lastUsedMode), 1);
         QVERIFY(m_applied->effectivePresets() == applied && !m_applied->currentWPreset());
         m_applied->selectRows({1});
@@ -49,26 +49,6 @@ private Q_SLOTS:
         QVERIFY(m_applied->currentWPreset() == applied[1]);
         m_applied->removeSelectedAppliedPresets();
         QVERIFY(m_applied->effectivePresets().empty() && m_applied->selectedRows().isEmpty());
-    }
-
-    void neighbors()
-    {
-        using Row = std::tuple<Text, IndexList, IndexList, IndexList>;
-        for (const auto &[presets, selected, next, previous] :
-             std::initializer_list<Row>{{"", {}, {}, {}},
-                                        {"a b c", {}, {0}, {2}},
-                                        {"a b c", {0}, {1}, {2}},
-                                        {"a b c", {2}, {0}, {1}},
-                                        {"a", {0}, {0}, {0}}}) {
-            init();
-            apply(presets);
-            m_applied->selectRows(selected);
-            m_applied->selectNeighborAppliedPreset(AppliedPresets::Neighbor::Next);
-            QCOMPARE(m_applied->selectedRows(), next);
-            m_applied->selectRows(selected);
-            m_applied->selectNeighborAppliedPreset(AppliedPresets::Neighbor::Previous);
-            QCOMPARE(m_applied->selectedRows(), previous);
-        }
     }
 
     void moves()
@@ -118,7 +98,7 @@ private Q_SLOTS:
         const auto applied = namedPreset(u"a"_qs);
         m_applied->setQuickWPreset(quick);
         m_applied->addWPresetsToApplied({applied});
-        m_applied->modeDidChange(1);
+        m_applied->modeDidChange(AppliedPresets::Mode::Presets);
         const QSignalSpy outdated(m_applied.get(), &AppliedPresets::previewOutdated);
         quick->setOpacity(31);
         applied->setOpacity(32);

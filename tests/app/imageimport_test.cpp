@@ -149,7 +149,7 @@ private Q_SLOTS:
         }
         QVERIFY(m_gathered->isIdleSoon());
         QCOMPARE(set.images()->size(), 30U);
-        QVERIFY(!(*set.images())[3]->imageHasBeenLoaded());
+        QVERIFY(!(*set.images())[3]->metadata());
         QTRY_COMPARE(work.status.line().text, u"30 images"_qs);
         QVERIFY(!work.status.line().canBeStopped);
 
@@ -179,7 +179,7 @@ private Q_SLOTS:
         set.setImageListModeToBrowser(false);
         QVERIFY(m_gathered->gather({work.photo("late.jpg")}));
         QCOMPARE(set.images()->size(), 31U);
-        QVERIFY(!set.images()->back()->imageHasBeenLoaded());
+        QVERIFY(!set.images()->back()->metadata());
     }
 
     void removedMeanwhile()

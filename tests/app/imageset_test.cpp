@@ -117,33 +117,6 @@ private Q_SLOTS:
         }
     }
 
-    void returnsToSmallBatchMode()
-    {
-        m_set->setImageListModeToBrowser(false);
-        const QString path = m_work->photo("a.jpg");
-        for (int i = 0; i < 501; ++i)
-            m_set->addImage(path, {});
-        m_set->selection().selectIndexes({3, 7});
-        for (const bool isAllowed : {false, true}) {
-            if (isAllowed)
-                m_set->removeImages({m_set->images()->back()});
-            else
-                m_work->alerts.expect(u"Too many images for the Small Batch mode!"_qs);
-            const QSignalSpy modes(m_set, &ImageSet::imageListModeChanged);
-            m_set->switchImageListMode();
-            QCOMPARE(modes.constLast().constFirst().toBool(),
-                     isAllowed); // a button is notified of a refusal, too
-            QCOMPARE(m_set->imageListIsInBrowserMode(), isAllowed);
-            QCOMPARE(m_set->selection().selectedIndexes(), IndexList({3, 7}));
-            QCOMPARE(m_set->selection().shownImageIndex(), 3);
-            QCOMPARE(m_gathered->gathering.isImportingImages(), isAllowed);
-        }
-        QCOMPARE(m_work->alerts.shown().constFirst().text,
-                 QStringLiteral("501 images are currently imported. You cannot work with over 500 images in "
-                                "the Small Batch mode, because this may slow down your computer. Please "
-                                "remove some images if you need to switch."));
-    }
-
     void filters()
     {
         m_set->setImageListModeToBrowser(false);
@@ -200,33 +173,6 @@ private Q_SLOTS:
             QCOMPARE(shownNames(*m_set), shown);
             QCOMPARE(m_set->selection().selectedIndexes(), selected);
             QCOMPARE(m_set->selection().focusIndex(), focus);
-        }
-    }
-
-    /// Many groups of photos are removed at once: a view gets one signal for all of them.
-    void removesFromALongList()
-    {
-        m_set->setImageListModeToBrowser(false);
-        for (int i = 0; i < 1000; ++i) {
-            m_set->addImage(u"/x/photo %1.jpg"_qs.arg(i), {});
-            m_set->addImage(u"/x/other %1.jpg"_qs.arg(i), {});
-        }
-        for (const QString &filter : {u"photo"_qs, QString()}) {
-            m_set->filterImages(filter);
-            const ImageList before = *m_set->imagesFiltered();
-            const std::size_t all = m_set->images()->size();
-            IndexList removed;
-            for (std::size_t i = 0; i < before.size(); i += 2)
-                removed.append(static_cast<int>(i));
-            m_set->selection().select(removed, ImageSelection::kNone);
-            const QSignalSpy removals(m_set, &ImageSet::imagesRemoved);
-            const QSignalSpy resets(m_set, &ImageSet::listReset);
-            m_set->removeSelectedImages();
-            QVERIFY(removals.isEmpty() && resets.size() == 1);
-            QCOMPARE(m_set->images()->size(), all - before.size() / 2);
-            QCOMPARE(m_set->imagesFiltered()->size(), before.size() / 2);
-            for (std::size_t i = 0; i < before.size() / 2; ++i)
-                QVERIFY((*m_set->imagesFiltered())[i] == before[2 * i + 1]);
         }
     }
 
@@ -298,7 +244,7 @@ private Q_SLOTS:
         m_set->selectAndPreviewImageWithIndex(0);
         QTRY_VERIFY(!shown.empty());
         QVERIFY(shown.back() == images[0]);
-        QVERIFY(!images[1]->imageHasBeenLoaded() && !images[2]->imageHasBeenLoaded());
+        QVERIFY(!images[1]->metadata() && !images[2]->metadata());
 
         m_work->alerts.expect(u"Unsupported image file"_qs);
         m_set->selection().selectIndexes({1});

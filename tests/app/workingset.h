@@ -26,7 +26,7 @@ public:
     WorkingSet()
     {
         registerDefaults(defaults);
-        defaults.removeObjectForKey(settings::imageListIsInBrowserMode); // as an earlier test left it
+        defaults.setObject(settings::imageListIsInBrowserMode, {}); // as an earlier test left it
     }
 
     ImageSetServices services() { return {photos, defaults, alerts, status, 3}; }

@@ -6,7 +6,6 @@
 #include "imageio/pictures.h"
 #include "support/datarows.h"
 
-#include <QRandomGenerator>
 #include <QRegularExpression>
 
 #include <atomic>
@@ -122,6 +121,7 @@ private Q_SLOTS:
             {"TIFF", "tif", "-compress None"},
             {"TIFF, LZW", "tif", "-compress LZW"},
             {"TIFF, JPEG", "tif", "-compress JPEG"},
+            {"TIFF, Group 4", "tif", "-monochrome -compress Group4"},
             {"TIFF, tiles", "tif", "-compress Zip -define tiff:tile-geometry=32x32"},
             {"GIF", "gif", "-interlace None"},
             {"GIF, interlaced", "gif", "-interlace Line"},
@@ -136,10 +136,8 @@ private Q_SLOTS:
             {"ICO with PNG", "ico", "-resize 256x256!"},
             {"PPM", "ppm", ""},
             {"PPM, text", "ppm", "-compress None"},
-            {"PPM, 16 bit", "ppm", "-depth 16"},
             {"PGM, 16 bit, text", "pgm", "-depth 16 -compress None"},
             {"PBM", "pbm", "-monochrome"},
-            {"PBM, text", "pbm", "-monochrome -compress None"},
         };
         for (const auto &[name, suffix, command] : kinds) {
             QByteArray file = made(suffix, command, m_opaque);
@@ -177,10 +175,15 @@ private Q_SLOTS:
             QVERIFY(writeFile(paths.constLast(), sample.file));
             alone.append(decoded(paths.constLast()));
         }
+        const QString photo = photosFolder().isEmpty() ? QString() : realPhoto("jpeg/canon-eos-450d.jpg");
+        const QVariantMap properties = EmbeddedMetadata::read(photo)->properties();
         std::atomic<int> wrong = 0;
         const auto work = [&] {
             for (qsizetype i = 0; i < paths.size(); ++i)
-                wrong += decoded(paths[i]) == alone[i] ? 0 : 1;
+                wrong +=
+                    decoded(paths[i]) == alone[i] && EmbeddedMetadata::read(photo)->properties() == properties
+                        ? 0
+                        : 1;
         };
         std::thread first(work);
         std::thread second(work);
@@ -211,38 +214,6 @@ private Q_SLOTS:
         }
         QVERIFY2(failures > kCuts * 3 / 4, qPrintable(QString::number(failures)));
     }
-
-    void flippedBytesDoNoHarm_data()
-    {
-        addSamples();
-        for (const QString &name :
-             words("jpeg/cmyk-ycck-small.jpg jpeg/pixel-4a-gain-map.jpg jpeg/thompson-springs-gps-city.jpg "
-                   "png/palette.png webp/denali-canon-7d.webp tiff/multipage.tif raw/quicktake-100.qtk"))
-            if (!photosFolder().isEmpty())
-                addRow(Sample{name, QFileInfo(name).suffix(), contentsOf(realPhoto(name))});
-    }
-    void flippedBytesDoNoHarm()
-    {
-        const auto sample = currentRow<Sample>();
-        QVERIFY(!sample.file.isEmpty());
-        const ReadLimits limits = {4'000'000, 128'000'000};
-        QRandomGenerator random(11);
-        for (int round = 0; round < 10; ++round) {
-            QByteArray flipped = sample.file;
-            // Half of the rounds damage the headers.
-            const auto range =
-                quint32(round % 2 == 0 ? flipped.size() : qMin<qsizetype>(flipped.size(), 1024));
-            for (int i = random.bounded(1, 9); i > 0; --i)
-                flipped[qsizetype(random.bounded(range))] = char(random.bounded(256));
-            const QString path = put(sample, flipped);
-            QString error;
-            const QImage image = decoded(path, &error, limits);
-            QVERIFY(image.isNull() != error.isEmpty());
-            QVERIFY(qint64(image.width()) * image.height() <= limits.maxPixels);
-            EmbeddedMetadata::read(path);
-        }
-    }
-
     void reducedPictureHasTheAnnouncedSize_data()
     {
         addSamples();
@@ -274,71 +245,48 @@ private Q_SLOTS:
 
     void kindsAreReadAsByImageMagick_data()
     {
-        for (const char *options : {"-monochrome bmp3:bmp",
-                                    "-colors 16 -type Palette bmp3:bmp",
-                                    "-colors 200 -type Palette -compress RLE bmp3:bmp",
-                                    "-type TrueColor bmp3:bmp",
-                                    "-colors 200 -type Palette bmp2:bmp",
-                                    "-type TrueColor bmp:bmp",
-                                    "-define webp:lossless=true webp:webp",
-                                    "-quality 90 -profile %1 webp:webp",
-                                    "ico:ico",
-                                    "-monochrome ico:ico",
-                                    "-colors 16 -type Palette ico:ico",
-                                    "ppm:ppm",
-                                    "-depth 16 ppm:ppm",
-                                    "pgm:pgm",
-                                    "-depth 16 -compress None pgm:pgm",
-                                    "-monochrome -compress None pbm:pbm",
-                                    "-type TrueColor -compress RLE tga:tga",
-                                    "-colors 100 -type Palette -compress RLE tga:tga",
-                                    "-colorspace Gray -compress None tga:tga",
-                                    "-colorspace Gray -compress RLE tga:tga"})
+        for (const char *options :
+             {"-define bmp:subtype=RGB565 bmp:bmp", "-define bmp:subtype=RGB555 bmp:bmp",
+              "-monochrome bmp3:bmp", "-colors 16 -type Palette bmp3:bmp",
+              "-colors 200 -type Palette -compress RLE bmp3:bmp", "-colors 200 -type Palette bmp2:bmp",
+              "-define webp:lossless=true webp:webp", "-quality 90 -profile %1 webp:webp", "ico:ico",
+              "-monochrome ico:ico", "-colors 16 -type Palette ico:ico", "ppm:ppm",
+              "-depth 16 -compress None pgm:pgm", "-monochrome -compress None pbm:pbm",
+              "-type TrueColor -compress RLE tga:tga", "-colors 100 -type Palette -compress RLE tga:tga",
+              "-colorspace Gray -compress RLE tga:tga"})
             addRow(Kind{options});
         for (const char *options :
-             {"-type TrueColorAlpha bmp:bmp", "-define webp:lossless=true webp:webp", "-quality 80 webp:webp",
-              "-profile %1 -define webp:lossless=true webp:webp", "ico:ico", "-resize 256x256! ico:ico",
-              "-type TrueColorAlpha -compress None tga:tga", "-type TrueColorAlpha -compress RLE tga:tga"})
+             {"-define webp:lossless=true webp:webp", "-profile %1 -define webp:lossless=true webp:webp",
+              "ico:ico", "-resize 256x256! ico:ico", "-type TrueColorAlpha -compress RLE tga:tga"})
             addRow(Kind{QLatin1String("-channel RGBA ") + QLatin1String(options), true});
         for (const char *options :
-             {"gif:gif", "-interlace Line gif:gif", "-crop 61x3+0+0 +repage -interlace Line gif:gif",
-              "-monochrome gif:gif", "-colors 3 gif:gif", "-fuzz 30% -transparent green -colors 17 gif:gif",
-              "-interlace Line -fuzz 30% -transparent green gif:gif", "-crop 1x43+9+0 +repage gif:gif"})
+             {"-interlace Line gif:gif", "-fuzz 30% -transparent green -colors 17 gif:gif"})
             addRow(Kind{options, false, 0});
         for (const char *options :
-             {"-depth 16 -define png:color-type=6", "-interlace Plane -define png:color-type=6",
+             {"-interlace Plane -define png:color-type=6", "-depth 16 -profile %1",
               "-colorspace Gray -depth 8 -define png:color-type=4",
-              "-colorspace Gray -depth 16 -define png:color-type=4",
-              "-alpha off -monochrome -define png:color-type=0 -define png:bit-depth=1",
               "-alpha off -colorspace Gray -define png:color-type=0 -define png:bit-depth=2 -depth 2",
-              "-colors 20 -define png:color-type=3", "-alpha off -transparent black -define png:color-type=2",
+              "-alpha off -transparent black -define png:color-type=2",
               "-alpha off -colors 9 -transparent black -define png:color-type=3",
-              "-colors 3 -define png:color-type=3",
-              "-alpha off -colorspace Gray -define png:color-type=0 -define png:bit-depth=4 -depth 4",
               "-alpha off -colorspace Gray -transparent black -define png:color-type=0",
               "-alpha off -depth 16 -define png:color-type=2",
               "-alpha off -colorspace Gray -depth 16 -define png:color-type=0", "-profile %1",
-              "-depth 16 -profile %1", "-alpha off -colorspace Gray -profile %2",
-              "-colorspace Gray -define png:color-type=4 -profile %2",
+              "-alpha off -colorspace Gray -profile %2",
               "-colorspace Gray -depth 16 -define png:color-type=4 -profile %2"})
             addRow(Kind{QLatin1String(options) + QLatin1String(" png:png"), true, 1});
         const QByteArray numbers = " -define quantum:format=";
         for (const QByteArray &options : std::initializer_list<QByteArray>{
                  "-alpha off -depth 16 -compress Zip -endian MSB",
-                 "-alpha off -depth 4 -compress None",
                  "-alpha off -depth 32" + numbers + "floating-point",
-                 "-type TrueColor -depth 10 -compress None",
                  "-type TrueColor -depth 12 -compress LZW",
                  "-type TrueColor -depth 12 -interlace Plane -endian MSB",
                  "-type TrueColor -depth 32 -endian MSB",
                  "-type TrueColor -depth 16" + numbers + "signed",
-                 "-type TrueColor -depth 16" + numbers + "floating-point",
                  "-type TrueColorAlpha -depth 16 -endian MSB" + numbers + "floating-point",
                  "-type TrueColor -depth 64" + numbers + "floating-point",
                  "-type TrueColor -depth 32 -profile %1 -define tiff:tile-geometry=16x16" + numbers +
                      "floating-point",
                  "-alpha off -colorspace Gray -depth 12",
-                 "-alpha off -colorspace Gray -depth 32" + numbers + "floating-point",
                  "-alpha off -colorspace Gray -depth 16 -profile %2" + numbers + "floating-point",
                  "-type TrueColor -depth 8 -colorspace Lab",
                  "-type TrueColor -depth 16 -colorspace Lab -interlace Plane",
@@ -346,25 +294,17 @@ private Q_SLOTS:
                  "-alpha off -depth 16 -interlace Plane -define tiff:rows-per-strip=7",
                  "-depth 16 -define tiff:tile-geometry=32x16 -endian MSB",
                  "-alpha off -depth 8 -compress JPEG -quality 98",
-                 "-alpha off -depth 8 -compress JPEG -define tiff:tile-geometry=32x32",
                  "-depth 8 -define tiff:alpha=unassociated",
                  "-depth 16 -define tiff:alpha=associated",
-                 "-depth 8 -interlace Plane",
                  "-alpha off -monochrome -compress Group4",
-                 "-alpha off -monochrome -define quantum:polarity=min-is-white",
-                 "-alpha off -colorspace Gray -depth 4",
                  "-alpha off -colorspace Gray -depth 8 -define quantum:polarity=min-is-white",
                  "-colorspace Gray -depth 16",
                  "-alpha off -colorspace Gray -depth 16 -profile %2",
                  "-alpha off -type Palette -colors 20",
-                 "-alpha off -profile %1 -type Palette -colors 20",
-                 "-depth 16 -profile %1",
                  "-alpha off -depth 16 -colorspace CMYK -profile %3 -compress LZW",
-                 "-alpha off -depth 8 -colorspace CMYK -profile %3 -interlace Plane",
                  "-alpha off -depth 8 -colorspace CMYK",
                  "-alpha off -depth 8 -colorspace YCbCr -compress Zip -orient RightTop",
-                 "-alpha off -depth 8 -colorspace YCbCr -compress Zip -define tiff:tile-geometry=32x16",
-                 "-alpha off -depth 8 -orient RightTop"})
+                 "-alpha off -depth 8 -colorspace YCbCr -compress Zip -define tiff:tile-geometry=32x16"})
             addRow(Kind{QString::fromLatin1(options + " TIFF:tif"), true});
         addRow(Kind{"-alpha off -depth 8 TIFF64:tif", true});
     }
@@ -468,6 +408,8 @@ private Q_SLOTS:
               {"broken/30000x30000-one-bit.png", {1'000'000, kMany}},
               {"bmp/rgb24.bmp", {100, kMany}},
               {"tiff/lzw-rgb8.tif", {100, kMany}},
+              {"raw/kodak-dc50.kdc", {100, kMany}},
+              {"raw/canon-kiss-x4-colorchart.dng", {kMany, 1'000'000}},
               {"broken/20000x14000-gray.jpg", {kMany, 1'000'000}, true},
               {"broken/30000x30000-one-bit.png", {kMany, 1'000'000}, true},
               {"jpeg/panasonic-dmc-lc70-progressive.jpg", {kMany, 5'000'000}},

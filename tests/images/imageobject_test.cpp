@@ -22,6 +22,9 @@ using namespace plexa::test;
 namespace
 {
 
+using enum ImageTransform;
+using Transform = std::optional<ImageTransform>;
+
 constexpr qsizetype kLargeCache = 64 * 1024 * 1024;
 
 AppliedPreset textPreset(const FontCatalog &fonts, const QString &text)
@@ -50,49 +53,16 @@ bool saves(ImageObject &photo, const QString &target, const std::vector<AppliedP
     return saved.has_value();
 }
 
-struct CopyOfPreview {
-    Text name;
-    int operation;
-    bool isLoadedFirst;
-};
-
-struct Turn {
-    Text name;
-    int operation;
-    QTransform expected; ///< of the photo, y downwards as QImage has it
-};
-
-struct Unreadable {
-    Text name;
-    QByteArray contents;
-};
-
-struct FailedSave {
-    Text name;
-    Text folder;
-    int stripsBeforeStop;
-};
-
-struct Reduced {
-    Text name;
-    const char *format;
-    int operation; ///< 0: none
-    int dpiHeight; ///< beside 300 across
-};
-
-struct Dates {
-    Text name;
-    int daysModified; ///< from today
-    bool preserves;
-    int daysExpected;
-};
-
-struct OwnCopy {
-    Text name;
-    Text file;
-    int before; ///< operations, 0: none
-    int after;
-};
+using CopyOfPreview = Row<Transform, bool>; // operation, isLoadedFirst
+// expected: of the photo, y downwards as QImage has it
+using Turn = Row<ImageTransform, QTransform>; // operation, expected
+using Unreadable = Row<QByteArray>;           // contents
+using FailedSave = Row<Text, int>;            // folder, stripsBeforeStop
+// dpiHeight: beside 300 across
+using Reduced = Row<const char *, Transform, int>; // format, operation, dpiHeight
+// daysModified: from today
+using Dates = Row<int, bool, int>;               // daysModified, preserves, daysExpected
+using OwnCopy = Row<Text, Transform, Transform>; // file, before, after
 
 } // namespace
 
@@ -114,18 +84,18 @@ private Q_SLOTS:
 
     void copyShowsWhatThePreviewShows_data()
     {
-        addRows<CopyOfPreview>({{"streamed", 0, false},
-                                {"from the cache", 0, true},
-                                {"turned while decoding", 1, false},
-                                {"mirrored, from the cache", 5, true}});
+        addRows<CopyOfPreview>({{"streamed", {}, false},
+                                {"from the cache", {}, true},
+                                {"turned while decoding", RotateClockwise, false},
+                                {"mirrored, from the cache", MirrorTopBottom, true}});
     }
     void copyShowsWhatThePreviewShows()
     {
         const auto [name, operation, isLoadedFirst] = currentRow<CopyOfPreview>();
         TestPhotoServices services(isLoadedFirst ? kLargeCache : 0);
         ImageObject photo(writtenPattern({700, 531}), services.all);
-        if (operation != 0)
-            QVERIFY(photo.transformOriginalImageWithOperation(operation));
+        if (operation)
+            QVERIFY(photo.transformOriginalImageWithOperation(*operation));
 
         // Tiles, a shadow and a blend mode with alpha cross the borders of strips.
         AppliedPreset tiled = textPreset(services.fonts, QStringLiteral("PROOF"));
@@ -144,19 +114,19 @@ private Q_SLOTS:
         const QString target = m_folder->path("copy.png");
         QVERIFY(saves(photo, target, presets));
         const QImage copy = pixelsOf(QImage(target));
-        const QImage preview = photo.createWatermarkedImageForAllAppliedWPresets(presets);
-        QCOMPARE(copy.size(), preview.size());
-        QCOMPARE(copy, preview);
+        const auto preview = photo.readReduced(700);
+        const QImage tiles = preview->drawn(preview->pixels, tiled, services.fonts);
+        QCOMPARE(copy, preview->drawn(tiles, band, services.fonts));
         QVERIFY(copy != photo.originalCGImage());
     }
 
     void turns_data()
     {
-        addRows<Turn>({{"clockwise", 1, QTransform().rotate(90)},
-                       {"counter-clockwise", 2, QTransform().rotate(-90)},
-                       {"half", 3, QTransform().rotate(180)},
-                       {"left to right", 4, QTransform::fromScale(-1, 1)},
-                       {"top to bottom", 5, QTransform::fromScale(1, -1)}});
+        addRows<Turn>({{"clockwise", RotateClockwise, QTransform().rotate(90)},
+                       {"counter-clockwise", RotateCounterClockwise, QTransform().rotate(-90)},
+                       {"half", RotateHalf, QTransform().rotate(180)},
+                       {"left to right", MirrorLeftRight, QTransform::fromScale(-1, 1)},
+                       {"top to bottom", MirrorTopBottom, QTransform::fromScale(1, -1)}});
     }
     void turns()
     {
@@ -172,16 +142,14 @@ private Q_SLOTS:
             QCOMPARE(places.size(), 1);
             const QImage turned = source.transformed(expected);
             QCOMPARE(photo.originalCGImage(), turned);
-            QCOMPARE(photo.originalImageSize(), turned.size());
+            QCOMPARE(photo.facts().pixelSize(), turned.size());
             QCOMPARE(photo.thumbnail(), turned.mirrored());
             QVERIFY(!photo.customWatermarkRectOriginForWPreset(preset.preset.get()));
             // A mirroring in between makes the order of turns matter.
-            QVERIFY(photo.transformOriginalImageWithOperation(4));
-            QVERIFY(photo.transformOriginalImageWithOperation(1));
+            QVERIFY(photo.transformOriginalImageWithOperation(MirrorLeftRight));
+            QVERIFY(photo.transformOriginalImageWithOperation(RotateClockwise));
             QCOMPARE(photo.originalCGImage(),
                      turned.mirrored(true, false).transformed(QTransform().rotate(90)));
-            QVERIFY(!photo.transformOriginalImageWithOperation(0));
-            QVERIFY(!photo.transformOriginalImageWithOperation(6));
         }
     }
 
@@ -189,7 +157,7 @@ private Q_SLOTS:
     {
         TestPhotoServices services;
         ImageObject photo(writtenPattern({50, 30}), services.all);
-        QVERIFY(photo.transformOriginalImageWithOperation(1));
+        QVERIFY(photo.transformOriginalImageWithOperation(RotateClockwise));
         photo.releaseImagesData();
         QVERIFY(photo.thumbnail().isNull());
         QVERIFY(photo.metadata().has_value());
@@ -211,7 +179,8 @@ private Q_SLOTS:
         QCOMPARE(changes.size(), 2);
         QVERIFY(!photo.customWatermarkRectOriginForWPreset(same.preset.get()));
         QRectF rect;
-        QVERIFY(!photo.createWatermarkedImage({}, one, &rect).isNull());
+        const auto snapshot = photo.readReduced(50);
+        QVERIFY(!snapshot->drawn(snapshot->pixels, one, services.fonts, &rect).isNull());
         QCOMPARE(rect.topLeft(), QPointF(3, 4));
         QVERIFY(photo.resetCustomWatermarkRectOriginForWPreset(one.preset.get()));
         QVERIFY(!photo.resetCustomWatermarkRectOriginForWPreset(one.preset.get()));
@@ -220,7 +189,7 @@ private Q_SLOTS:
 
         // Without a text there is no watermark, and the very photo comes back.
         const AppliedPreset none = textPreset(services.fonts, QStringLiteral("city"));
-        QCOMPARE(photo.createWatermarkedImage({}, none).constBits(), photo.originalCGImage().constBits());
+        QCOMPARE(photo.createWatermarkedImage(none).constBits(), photo.originalCGImage().constBits());
     }
 
     void unreadableFiles_data()
@@ -231,17 +200,18 @@ private Q_SLOTS:
     }
     void unreadableFiles()
     {
+        const auto [name, contents] = currentRow<Unreadable>();
         const QString path = m_folder->path("photo.jpg");
-        QVERIFY(writeFile(path, currentRow<Unreadable>().contents));
+        QVERIFY(writeFile(path, contents));
         TestPhotoServices services;
         ImageObject photo(path, services.all);
         for (int i = 0; i < 2; ++i) {
             QVERIFY(!photo.loadImageFromDisk());
-            QVERIFY(!photo.imageHasBeenLoaded());
+            QVERIFY(!photo.isLoaded());
             QVERIFY(!photo.loadError().isEmpty());
             QVERIFY(photo.originalCGImage().isNull());
         }
-        QVERIFY(!photo.transformOriginalImageWithOperation(1));
+        QVERIFY(!photo.transformOriginalImageWithOperation(RotateClockwise));
         const auto reduced = photo.readReduced(30);
         QVERIFY(!reduced);
         QCOMPARE(reduced.error().text, photo.loadError());
@@ -256,9 +226,8 @@ private Q_SLOTS:
     }
     void failedSaveLeavesNothing()
     {
-        const auto row = currentRow<FailedSave>();
-        const QString folder = row.folder;
-        const int stripsBeforeStop = row.stripsBeforeStop;
+        const auto [name, folder, row] = currentRow<FailedSave>();
+        const int stripsBeforeStop = row;
         QVERIFY(writeFile(m_folder->path("taken/copy.png"), "mine"));
         QVERIFY(QDir().mkpath(m_folder->path("out")));
 
@@ -280,26 +249,24 @@ private Q_SLOTS:
 
     void reducedForTheScreen_data()
     {
-        addRows<Reduced>({{"JPEG", "JPEG", 0, 300},
-                          {"turned JPEG", "JPEG", 1, 300},
-                          {"mirrored JPEG", "JPEG", 4, 300},
-                          {"turned JPEG of flat pixels", "JPEG", 2, 150},
-                          {"a format that cannot reduce", "PNG", 0, 300},
-                          {"the same, turned", "PNG", 2, 300}});
+        addRows<Reduced>({{"JPEG", "JPEG", {}, 300},
+                          {"mirrored JPEG", "JPEG", MirrorLeftRight, 300},
+                          {"turned JPEG of flat pixels", "JPEG", RotateCounterClockwise, 150},
+                          {"a format that cannot reduce, turned", "PNG", RotateCounterClockwise, 300}});
     }
     void reducedForTheScreen()
     {
-        const auto row = currentRow<Reduced>();
+        const auto [name, format, operation, dpiHeight] = currentRow<Reduced>();
         QImage stored = smoothPicture({1203, 801});
         stored.setDotsPerMeterX(11811);
-        stored.setDotsPerMeterY(qRound(row.dpiHeight / 0.0254));
+        stored.setDotsPerMeterY(qRound(dpiHeight / 0.0254));
         const QString path = m_folder->path("photo");
-        QVERIFY(stored.save(path, row.format, 95));
+        QVERIFY(stored.save(path, format, 95));
         for (const qsizetype cacheBytes : {qsizetype(0), kLargeCache}) {
             TestPhotoServices services(cacheBytes);
             ImageObject photo(path, services.all);
-            if (row.operation != 0)
-                QVERIFY(photo.transformOriginalImageWithOperation(row.operation));
+            if (operation)
+                QVERIFY(photo.transformOriginalImageWithOperation(*operation));
             // All memory is in use by others, who may wait for a question to be answered.
             auto taken = services.budget.reserve(services.budget.total());
             const auto reduced = photo.readReduced(301);
@@ -319,7 +286,7 @@ private Q_SLOTS:
             QVERIFY2(off.mean < 1 && off.worst < 12, qPrintable(u"%1, %2"_qs.arg(off.mean).arg(off.worst)));
             QCOMPARE(photo.readReduced(1203)->pixels, whole);
 
-            QVERIFY(photo.transformOriginalImageWithOperation(3));
+            QVERIFY(photo.transformOriginalImageWithOperation(RotateHalf));
             QVERIFY(meanDifference(photo.readReduced(301)->pixels, expected.mirrored(true, true)) < 1);
         }
     }
@@ -350,22 +317,22 @@ private Q_SLOTS:
     }
     void copiesHaveTheDateOfThePhoto()
     {
-        const auto row = currentRow<Dates>();
+        const auto [name, daysModified, preserves, daysExpected] = currentRow<Dates>();
         TestPhotoServices services;
         const QString path = writtenPattern({40, 30});
-        if (row.daysModified > 0 && !fileVersionAt(path)->born)
+        if (daysModified > 0 && !fileVersionAt(path)->born)
             QSKIP("this file system keeps no times of birth");
         const QDateTime now = QDateTime::currentDateTime();
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadWrite));
-        QVERIFY(file.setFileTime(now.addDays(row.daysModified), QFileDevice::FileModificationTime));
+        QVERIFY(file.setFileTime(now.addDays(daysModified), QFileDevice::FileModificationTime));
         file.close();
         ImageObject photo(path, services.all);
         const QString copy = m_folder->path("copy.png");
         SavingPresetValues png;
         png.imageFormat = u"PNG"_qs;
-        QVERIFY(photo.saveImageAtPath({copy}, {}, png, {row.preserves}));
-        const QDateTime expected = now.addDays(row.daysExpected);
+        QVERIFY(photo.saveImageAtPath({copy}, {}, png, {preserves}));
+        const QDateTime expected = now.addDays(daysExpected);
         QVERIFY(qAbs(QFileInfo(copy).lastModified().secsTo(expected)) < 3600);
     }
 
@@ -378,9 +345,8 @@ private Q_SLOTS:
         QVERIFY(stored.save(path));
         TestPhotoServices services;
         ImageObject photo(path, services.all);
-        QCOMPARE(photo.originalImageSize(), QSize(60, 80));
+        QCOMPARE(photo.originalCGImage().size(), QSize(60, 80));
         QCOMPARE(photo.facts().stringForInfoToken(QStringLiteral("dimensions")), QStringLiteral("60 x 40"));
-        QCOMPARE(photo.originalImageSizeAsString(), QStringLiteral("60 x 80"));
 
         const QString target = m_folder->path("copy.png");
         QVERIFY(saves(photo, target, {}));
@@ -439,10 +405,9 @@ private Q_SLOTS:
 
     void ownCopyTakesItsPlace_data()
     {
-        addRows<OwnCopy>({{"upside down", "landscape-3.jpg", 0, 0},
-                          {"on its side", "landscape-6.jpg", 0, 0},
-                          {"turned", "landscape-8.jpg", 1, 0},
-                          {"turned before and after", "landscape-5.jpg", 1, 4}});
+        addRows<OwnCopy>({{"on its side", "landscape-6.jpg", {}, {}},
+                          {"turned", "landscape-8.jpg", RotateClockwise, {}},
+                          {"turned before and after", "landscape-5.jpg", RotateClockwise, MirrorLeftRight}});
     }
     void ownCopyTakesItsPlace()
     {
@@ -453,21 +418,21 @@ private Q_SLOTS:
         TestPhotoServices services(0);
         ImageObject photo(path, services.all);
         QVERIFY(photo.loadImageFromDisk());
-        QVERIFY(before == 0 || photo.transformOriginalImageWithOperation(before));
+        QVERIFY(!before || photo.transformOriginalImageWithOperation(*before));
         const QImage saved = photo.originalCGImage();
         QFile original(path); // for copies to come
         QVERIFY(original.open(QIODevice::ReadOnly));
         SavingPresetValues same;
         same.imageFormat = QStringLiteral("Original");
         QVERIFY(photo.saveImageAtPath({path, AtomicFile::IfExists::Replace}, {}, same, {}));
-        QVERIFY(after == 0 || photo.transformOriginalImageWithOperation(after));
+        QVERIFY(!after || photo.transformOriginalImageWithOperation(*after));
 
-        const QImage expected = after == 0 ? saved : saved.mirrored(true, false);
+        const QImage expected = !after ? saved : saved.mirrored(true, false);
         const QSignalSpy changes(&photo, &ImageObject::metadataChanged);
         const QImage seen = photo.originalCGImage();
         QVERIFY(difference(seen, expected) < 3);
         QCOMPARE(changes.size(), 1);
-        QCOMPARE(photo.originalImageSize(), seen.size());
+        QCOMPARE(photo.facts().pixelSize(), seen.size());
         QVERIFY(difference(photo.thumbnail().mirrored(), createImageScaledToMaxSize(seen, 400, false)) < 3);
         QCOMPARE(photo.metadata()->orientationCorrected(), 1);
 
@@ -483,7 +448,7 @@ private Q_SLOTS:
         TestPhotoServices services(0);
         const QString path = writtenPattern({70, 40});
         ImageObject photo(path, services.all);
-        QVERIFY(photo.transformOriginalImageWithOperation(1));
+        QVERIFY(photo.transformOriginalImageWithOperation(RotateClockwise));
         ImageMetadata edited = *photo.metadata();
         edited.setIptcCreator(QStringLiteral("A. Photographer"));
         photo.setMetadata(edited);
@@ -495,7 +460,7 @@ private Q_SLOTS:
         const QString copy = m_folder->path("copy.png");
         QVERIFY(saves(photo, copy, {})); // which looks at the file, too
         QCOMPARE(QImage(copy).size(), turned.size());
-        QCOMPARE(photo.originalImageSize(), turned.size());
+        QCOMPARE(photo.facts().pixelSize(), turned.size());
         QCOMPARE(photo.thumbnail(), turned.mirrored());
         QCOMPARE(photo.originalCGImage(), turned);
         QCOMPARE(photo.metadata()->iptcCreator(), QVariant(QStringLiteral("A. Photographer")));
@@ -506,7 +471,6 @@ private Q_SLOTS:
         QVERIFY(photo.originalCGImage().isNull());
         QVERIFY(!photo.isLoaded() && !photo.loadImageFromDisk() && !photo.loadError().isEmpty());
         QVERIFY(photo.thumbnail().isNull());
-        QCOMPARE(photo.originalImageSize(), QSize(0, 0));
 
         writtenPattern({70, 40});
         QCOMPARE(photo.originalCGImage(), detailedPicture({70, 40}).transformed(QTransform().rotate(90)));
@@ -551,7 +515,7 @@ private Q_SLOTS:
                     for (int i = 0; i < 10; ++i) {
                         ImageObject &photo = *photos[static_cast<std::size_t>((i + t) % 5)];
                         if (t == 0) {
-                            failures += !photo.transformOriginalImageWithOperation(3);
+                            failures += !photo.transformOriginalImageWithOperation(RotateHalf);
                         } else if (t == 1) {
                             photo.releaseImagesData();
                         } else if (t == 2) { // the file of all five
@@ -562,7 +526,7 @@ private Q_SLOTS:
                             static_cast<void>(photo.readReduced(40));
                         } else if (photo.loadImageFromDisk()) {
                             photo.setCustomWatermarkRectOrigin({1.0 * i, 2}, preset.preset);
-                            const QImage marked = photo.createWatermarkedImage({}, preset);
+                            const QImage marked = photo.createWatermarkedImage(preset);
                             failures += !marked.isNull() && marked.size() != QSize(200, 150);
                         }
                     }

@@ -25,7 +25,7 @@ namespace
 {
 
 /// Small beside what is measured: fonts, code, the blocks that the allocator keeps.
-constexpr qint64 kNoise = 16'000'000;
+constexpr qint64 kNoise = 10'000'000;
 
 const QString kHeic = u"image/heic"_qs;
 
@@ -87,18 +87,8 @@ qint64 toldBytes(const ImageSource &source, const QString &type)
     return std::max(uprightBytes(source, uprighting), pictureBytes(uprighting.size()) + encoding);
 }
 
-struct Kind {
-    Text name;
-    QString file;
-    QStringList options;
-    bool isCopyHeic = false;
-};
-
-struct Conversion {
-    Text name;
-    QString from;
-    Text to;
-};
+using Kind = Row<QString, QStringList, bool>; // file, options, isCopyHeic
+using Conversion = Row<QString, Text>;        // from, to
 
 CopyOrder orderFor(const QString &photo, const QString &target)
 {
@@ -130,24 +120,17 @@ private Q_SLOTS:
     void toldIsTaken_data()
     {
         addRows<Kind>({
-            {"baseline JPEG", u"a.jpg"_qs, {}},
-            {"progressive JPEG", u"b.jpg"_qs, words("-interlace Plane -quality 80")},
-            {"progressive JPEG, full chroma", u"c.jpg"_qs, words("-interlace Plane -sampling-factor 1x1")},
-            {"interlaced PNG", u"e.png"_qs, words("-interlace PNG")},
-            {"PPM", u"f.ppm"_qs, {}},
-            {"PGM", u"g.pgm"_qs, {}},
-            {"BMP", u"h.bmp"_qs, words("-type TrueColor")},
-            {"TIFF", u"j.tif"_qs, {}},
-            {"deep TIFF", u"k.tif"_qs, words("-depth 16")},
+            {"baseline JPEG", u"a.jpg"_qs, {}, false},
+            {"progressive JPEG, full chroma", u"c.jpg"_qs, words("-interlace Plane -sampling-factor 1x1"),
+             false},
+            {"interlaced PNG", u"e.png"_qs, words("-interlace PNG"), false},
+            {"BMP", u"h.bmp"_qs, words("-type TrueColor"), false},
+            {"deep TIFF", u"k.tif"_qs, words("-depth 16"), false},
             {"TIFF of whole planes", u"m.tif"_qs,
-             words("-type TrueColor -depth 16 -interlace Plane -compress Zip "
-                   "-define tiff:rows-per-strip=3001")},
-            {"TIFF of one packed strip", u"p.tif"_qs,
-             words("+noise Random -type TrueColor -compress LZW -define tiff:rows-per-strip=3001")},
+             words("-type TrueColor -depth 16 -interlace Plane -define tiff:rows-per-strip=2001"), false},
             {"HEIC", u"q.jpg"_qs, words("-sampling-factor 2x2"), true},
-            {"HEIC, full chroma", u"r.jpg"_qs, words("-sampling-factor 1x1"), true},
-            {"GIF", u"l.gif"_qs, {}},
-            {"lossless WebP", u"n.webp"_qs, words("-define webp:lossless=true,webp:method=0")},
+            {"GIF", u"l.gif"_qs, {}, false},
+            {"lossless WebP", u"n.webp"_qs, words("-define webp:lossless=true,webp:method=0"), false},
         });
     }
     void toldIsTaken()
@@ -156,7 +139,7 @@ private Q_SLOTS:
         QSKIP("a sanitizer takes more memory than the photos");
 #endif
         const auto [row, file, options, isCopyHeic] = currentRow<Kind>();
-        const QString large = made(*m_folder, file, {5003, 3001}, options);
+        const QString large = made(*m_folder, file, {3335, 2001}, options);
         const QString small = made(*m_folder, file, {53, 31}, options);
         if (large.isEmpty() || small.isEmpty())
             QSKIP("ImageMagick does not write this format");
@@ -258,7 +241,7 @@ private Q_SLOTS:
         if (photo.isEmpty())
             QSKIP("ImageMagick does not write this format");
         int written = 0;
-        for (const int megabytes : {90, 120, 125, 130, 140, 160, 180, 200, 220, 250, 300, 350, 1000}) {
+        for (const int megabytes : {90, 125, 140, 180, 220, 300, 1000}) {
             const ProgramRun run = runProgram(
                 limiter,
                 words("--as=%1 %2 save --text X --save-set imageFormat=%3 --jobs 2 --quiet --output %4 %5",
@@ -273,7 +256,7 @@ private Q_SLOTS:
             else
                 QVERIFY2(run.status == 1 && said.contains("memory"), said);
         }
-        QVERIFY(written > 0 && written < 12);
+        QVERIFY(written > 0 && written < 6);
     }
 };
 

@@ -28,23 +28,6 @@ class ImageMetadataTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void shapeIsAlwaysTheSame()
-    {
-        const QVariantMap odd{
-            {kCGImagePropertyTIFFDictionary, u"no dictionary"_s},
-            {kCGImagePropertyIPTCDictionary, QVariantMap{{kCGImagePropertyIPTCCreatorContactInfo, 5}}},
-            {kCGImagePropertyDepth, 8}};
-        for (const QVariantMap &source : {QVariantMap(), odd}) {
-            const QVariantMap properties = ImageMetadata(source).imagePropertiesDictionary();
-            for (const QString key : {kCGImagePropertyTIFFDictionary, kCGImagePropertyExifDictionary,
-                                      kCGImagePropertyExifAuxDictionary, kCGImagePropertyGPSDictionary})
-                QCOMPARE(properties.value(key), QVariant(QVariantMap()));
-            QCOMPARE(properties.value(kCGImagePropertyIPTCDictionary),
-                     QVariant(QVariantMap{{kCGImagePropertyIPTCCreatorContactInfo, QVariantMap()}}));
-            QCOMPARE(properties.value(kCGImagePropertyDepth), source.value(kCGImagePropertyDepth));
-        }
-    }
-
     /// Every row of the table stores and removes its value and that of its twin; GPS is read only.
     void everyPropertyIsStored()
     {
@@ -98,17 +81,6 @@ private Q_SLOTS:
             metadata.setCompressionQuality(given);
             QCOMPARE(metadata.compressionQuality().toDouble(), stored);
         }
-    }
-
-    void flashKeepsItsOtherBits()
-    {
-        ImageMetadata metadata = withExif({{kCGImagePropertyExifFlash, 0x19}});
-        QCOMPARE(metadata.exifFlash(), QVariant(1));
-        metadata.setExifFlash(0);
-        QCOMPARE(metadata.exifValueForKey(kCGImagePropertyExifFlash).toInt(), 0x18);
-        metadata.setExifFlash(7);
-        QCOMPARE(metadata.exifValueForKey(kCGImagePropertyExifFlash).toInt(), 0x19);
-        QCOMPARE(ImageMetadata().exifFlash(), QVariant(0));
     }
 
     void arraysOfOne()
@@ -222,31 +194,6 @@ private Q_SLOTS:
         check("Europe/Berlin", QDate(2021, 3, 28), QTime(2, 30));
         check("Australia/Lord_Howe", QDate(2021, 10, 3), QTime(2, 10)); // half an hour
         check("Pacific/Apia", QDate(2011, 12, 30), QTime(12, 0));       // a whole day
-    }
-
-    void clearing()
-    {
-        ImageMetadata full;
-        for (size_t i = 0; i < metadataProperties().size(); ++i)
-            full.setValue(MetadataProperty(i), 1);
-        for (int choice = 0; choice < 4; ++choice) {
-            const bool copyright = (choice & 1) != 0;
-            const bool contact = (choice & 2) != 0;
-            ImageMetadata metadata = full;
-            metadata.clearTiffDataKeepCopyright(copyright, contact);
-            metadata.clearIptcDataKeepCopyright(copyright, contact);
-            metadata.clearExifData();
-            for (const QVariant &value : {metadata.iptcCopyright(), metadata.tiffCopyright()})
-                QCOMPARE(value.isValid(), copyright);
-            for (const QVariant &value : {metadata.iptcCreator(), metadata.tiffArtist(),
-                                          metadata.iptcCreatorTitle(), metadata.iptcCreatorEmail()})
-                QCOMPARE(value.isValid(), contact);
-            QCOMPARE(metadata.iptcData().size(), 1 + (copyright ? 1 : 0) + (contact ? 2 : 0));
-            // Resolution, orientation and compression stay.
-            QCOMPARE(metadata.tiffData().size(), 5 + (copyright ? 1 : 0) + (contact ? 1 : 0));
-            QVERIFY(metadata.exifData().isEmpty() && metadata.exifAuxData().isEmpty());
-            QCOMPARE(metadata.clearedGroups(), ClearedGroup::Tiff | ClearedGroup::Iptc | ClearedGroup::Exif);
-        }
     }
 };
 

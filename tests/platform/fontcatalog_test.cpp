@@ -9,8 +9,6 @@
 #include <QTextLayout>
 #include <QtTest>
 
-#include <atomic>
-#include <thread>
 #include <vector>
 
 using namespace plexa;
@@ -35,23 +33,6 @@ class FontCatalogTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    // First, since the thread sanitizer cannot watch threads once the process has started another one.
-    void threadsGetTheSameFaces()
-    {
-        const FontCatalog catalog;
-        const double expected = textWidth(*m_catalog.fontNamed(u"DejaVuSans-Bold"_qs, 48));
-        std::atomic<int> right = 0;
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i) {
-            threads.emplace_back([&] {
-                const auto font = catalog.fontNamed(u"DejaVuSans-Bold"_qs, 48);
-                right += font && textWidth(*font) == expected;
-            });
-        }
-        for (std::thread &thread : threads)
-            thread.join();
-        QCOMPARE(right, 4);
-    }
 
     void everyInstalledFace_data()
     {
@@ -130,25 +111,17 @@ private Q_SLOTS:
         QVERIFY(!m_catalog.families().contains(u"DejaVu Sans Condensed"_qs));
     }
 
-    void sizes_data()
-    {
-        QTest::addColumn<double>("pixelSize");
-        QTest::newRow("smaller than any layout size") << 7.3;
-        QTest::newRow("whole") << 40.0;
-        QTest::newRow("fraction") << 240.37;
-        QTest::newRow("greater than any layout size") << 12345.6;
-    }
-
+    /// Beyond the layout sizes, whole and fractional.
     void sizes()
     {
-        QFETCH(double, pixelSize);
-        const auto font = m_catalog.fontNamed(u"DejaVuSans"_qs, pixelSize);
-        QVERIFY(font);
-        QVERIFY(font->font.pixelSize() > 0);
-        QCOMPARE(font->font.pixelSize() * font->scale, pixelSize);
         // Advances are rounded to 1/64 pixel of the layout size, at worst 0.1 % of a glyph's width.
         const double unit = textWidth(*m_catalog.fontNamed(u"DejaVuSans"_qs, 1000)) / 1000;
-        QVERIFY(std::abs(textWidth(*font) / pixelSize / unit - 1) < 0.001);
+        for (const double pixelSize : {7.3, 40.0, 240.37, 12345.6}) {
+            const auto font = m_catalog.fontNamed(u"DejaVuSans"_qs, pixelSize);
+            QVERIFY(font && font->font.pixelSize() > 0);
+            QCOMPARE(font->font.pixelSize() * font->scale, pixelSize);
+            QVERIFY(std::abs(textWidth(*font) / pixelSize / unit - 1) < 0.001);
+        }
     }
 
     void brokenNameTables()

@@ -28,11 +28,7 @@ struct Form {
     bool isCopy = false;
 };
 
-struct Bomb {
-    Text name;
-    QByteArray bytes;
-    Text fault;
-};
+using Bomb = Row<QByteArray, Text>; // bytes, fault
 
 } // namespace
 
@@ -88,7 +84,6 @@ private Q_SLOTS:
         archiver.top().setObject(
             Key("Things"),
             archiver.addArray({archiver.addObject(std::move(thing), Key("Thing"))}, Mutability::Mutable));
-        archiver.top().setObject(Key("Indexes"), archiver.addIndexSet({{1, 2}, {300, 1}}));
         const auto bytes = archiver.finish();
         QVERIFY(bytes);
         const QString path = m_folder.path("written.plist");
@@ -104,9 +99,7 @@ private Q_SLOTS:
             R"("$class": "NSMutableData"}, "NSInternalLayoutDirection": 0, "$class": "NSBitmapImageRep"}], )"
             R"("$class": "NSArray"}], "$class": "NSMutableArray"}, "NSColor": {"NSColorSpace": 3, )"
             R"("NSWhite": "0 0\u0000", "$class": "NSColor"}, "NSResizingMode": 0, "$class": "NSImage"}, )"
-            R"("$class": "Thing"}], "$class": "NSMutableArray"}, "Indexes": {"NSRangeCount": 2, "NSRangeData": )"
-            R"({"NS.data": "\u0001\u0002\u00ac\u0002\u0001", "$class": "NSMutableData"}, "$class": "NSIndexSet"}}, )"
-            R"("$objects": "$null"})";
+            R"("$class": "Thing"}], "$class": "NSMutableArray"}}, "$objects": "$null"})";
         QCOMPARE(json.trimmed(), QByteArray(expected));
         // A float of four bytes, as the form has for this kind.
         QVERIFY(bytes->contains(QByteArray::fromHex("223f99999a")));
@@ -125,7 +118,6 @@ private Q_SLOTS:
         archiver.top().setObject(Key("Infinite"), archiver.addFloat(std::numeric_limits<float>::infinity()));
         archiver.top().setObject(Key("Image"),
                                  archiver.addImage({QSizeF(1, 1), QByteArray("a\0b", 3), "<svg/>"}));
-        archiver.top().setObject(Key("Indexes"), archiver.addIndexSet({{7, 1}}));
         archiver.top().setObject(Key("None"), archiver.addColor({}));
         const auto bytes = archiver.finish();
         QVERIFY(bytes);
@@ -138,7 +130,6 @@ private Q_SLOTS:
         const ImageRepresentations image = top->value(Key("Image")).imageRepresentations();
         QCOMPARE(image.bitmaps, QList<QByteArrayView>({QByteArrayView("a\0b", 3)}));
         QCOMPARE(image.svg, QByteArrayView("<svg/>"));
-        QCOMPARE(top->value(Key("Indexes")).indexSet(), std::vector({IndexRange{7, 1}}));
 
         KeyedArchiver tooMany;
         for (qint64 i = 0; i < kMaxPropertyListKeys + 1; ++i)
@@ -178,9 +169,6 @@ private Q_SLOTS:
         QVERIFY(array && array->size() == 3 && (*array)[1].isNone());
         QCOMPARE((*array)[2].string(), shared);
         QVERIFY(top.value(Key("mutableArray")).array());
-        QCOMPARE(top.value(Key("noIndexes")).indexSet(), std::vector<IndexRange>());
-        QCOMPARE(top.value(Key("oneRange")).indexSet(), std::vector({IndexRange{3, 2}}));
-        QCOMPARE(top.value(Key("ranges")).indexSet(), (std::vector{IndexRange{1, 2}, IndexRange{300, 1}}));
 
         QCOMPARE(top.value(Key("calibrated")).color(), QColor(51, 102, 153));
         QCOMPARE(top.value(Key("device")).color().rgba(), qRgba(51, 102, 153, 128));
@@ -209,7 +197,6 @@ private Q_SLOTS:
             QVERIFY2(!top.value(Key(key)).array(), key);
         for (const char *key : {"color", "badColor", "shortColor", "foreignColor", "loop"})
             QVERIFY2(!top.value(Key(key)).color().isValid(), key);
-        QVERIFY(!top.value(Key("badCount")).indexSet() && !top.value(Key("badRanges")).indexSet());
         QVERIFY(top.value(Key("vector")).imageRepresentations().bitmaps.isEmpty());
         const auto loop = top.value(Key("loop")).array();
         QVERIFY(loop && loop->size() == 1);

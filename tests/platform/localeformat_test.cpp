@@ -22,13 +22,7 @@ void setZone(const char *zone)
     tzset();
 }
 
-struct Moment {
-    Text name;
-    const char *locale;
-    Style style;
-    Text date;
-    Text time;
-};
+using Moment = Row<const char *, Style, Text, Text>; // locale, style, date, time
 
 struct WallClock {
     Text name;
@@ -37,18 +31,8 @@ struct WallClock {
     QTime time = QTime(23, 30);
 };
 
-struct Decimal {
-    Text name;
-    const char *locale;
-    double value;
-    Text expected;
-};
-
-struct Environment {
-    Text name;
-    QByteArrayList settings;
-    Text expected;
-};
+using Decimal = Row<const char *, double, Text>; // locale, value, expected
+using Environment = Row<QByteArrayList, Text>;   // settings, expected
 
 /// A Friday.
 QDateTime afternoon()
@@ -70,17 +54,12 @@ private Q_SLOTS:
         addRows<Moment>(
             {{"en_US full", "en_US", Style::Full, "Friday, February 9, 2024",
               "3:04:05 PM Central European Standard Time"},
-             {"en_US long", "en_US", Style::Long, "February 9, 2024", "3:04:05 PM GMT+1"},
              {"en_US medium", "en_US", Style::Medium, "Feb 9, 2024", "3:04:05 PM"},
              {"en_US short", "en_US", Style::Short, "2/9/24", "3:04 PM"},
              {"de_DE.UTF-8 full", "de_DE.UTF-8", Style::Full, "Freitag, 9. Februar 2024",
               "15:04:05 Mitteleuropäische Normalzeit"},
              {"de_DE.UTF-8 long", "de_DE.UTF-8", Style::Long, "9. Februar 2024", "15:04:05 MEZ"},
-             {"de_DE.UTF-8 medium", "de_DE.UTF-8", Style::Medium, "09.02.2024", "15:04:05"},
-             {"de_DE.UTF-8 short", "de_DE.UTF-8", Style::Short, "09.02.24", "15:04"},
              {"ja_JP full", "ja_JP", Style::Full, "2024年2月9日金曜日", "15時04分05秒 中央ヨーロッパ標準時"},
-             {"ja_JP medium", "ja_JP", Style::Medium, "2024/02/09", "15:04:05"},
-             {"fr_FR long", "fr_FR", Style::Long, "9 février 2024", "15:04:05 UTC+1"},
              {"sr_RS@latin long", "sr_RS@latin", Style::Long, "9. februar 2024.", "15:04:05 CET"}});
     }
     void dates()
@@ -114,12 +93,8 @@ private Q_SLOTS:
     void decimals_data()
     {
         addRows<Decimal>({{"en_US 0.008", "en_US", 0.008, "0.008"},
-                          {"en_US 1.0 / 3", "en_US", 1.0 / 3, "0.3333"},
-                          {"en_US 30", "en_US", 30, "30"},
-                          {"en_US 0.00002", "en_US", 0.00002, "0"},
                           {"en_US 0.03125", "en_US", 0.03125, "0.0312"},
                           {"en_US 0.09375", "en_US", 0.09375, "0.0938"},
-                          {"en_US 1234.5", "en_US", 1234.5, "1,234.5"},
                           {"de_DE 1234.5", "de_DE", 1234.5, "1.234,5"},
                           {"ar_EG 0.5", "ar_EG", 0.5, "٠٫٥"},
                           {"C 1234.5", "C", 1234.5, "1234.5"},

@@ -2,6 +2,7 @@
 
 #include "platform/settings.h"
 #include "platform/userdefaults.h"
+#include "support/datarows.h"
 #include "support/files.h"
 #include "support/testenvironment.h"
 
@@ -12,6 +13,7 @@
 #include <vector>
 
 using namespace plexa;
+using namespace plexa::test;
 
 namespace
 {
@@ -19,6 +21,9 @@ namespace
 const QString kMaker = u"Maker"_qs;
 const QString kProgram = u"Program"_qs;
 const QString kKey = u"some key"_qs;
+
+using Reading = Row<QVariant, bool, qint64, double, QString>; // value, asBool, asInteger, asFloat, asString
+using Stored = Row<QVariant, QStringList>;                    // value, asArray
 
 } // namespace
 
@@ -29,61 +34,49 @@ class UserDefaultsTest : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_folder = std::make_unique<test::TestFolder>();
+        m_folder = std::make_unique<TestFolder>();
         QVERIFY(m_folder->isValid());
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_folder->path("config"));
     }
 
     void readers_data()
     {
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<bool>("asBool");
-        QTest::addColumn<qint64>("asInteger");
-        QTest::addColumn<float>("asFloat");
-        QTest::addColumn<QString>("asString");
-        const auto row = [](const char *name, const QVariant &value, bool truth, qint64 integer,
-                            double decimal, const QString &text) {
-            QTest::newRow(name) << value << truth << integer << float(decimal) << text;
-        };
-        const auto textRow = [&row](const char *text, bool truth, qint64 integer, double decimal) {
-            row(*text ? text : "empty text", QString::fromLatin1(text), truth, integer, decimal,
-                QString::fromLatin1(text));
-        };
         constexpr qint64 kMost = std::numeric_limits<qint64>::max();
         constexpr qint64 kLeast = std::numeric_limits<qint64>::min();
-        row("absent", {}, false, 0, 0, {});
-        textRow("YES", true, 0, 0);
-        textRow("NO", false, 0, 0);
-        textRow("true", true, 0, 0);
-        textRow("false", false, 0, 0);
-        textRow(" yes", true, 0, 0);
-        textRow("1", true, 1, 1);
-        textRow("0", false, 0, 0);
-        textRow("-007", true, -7, -7);
-        textRow("0.5", false, 0, 0.5);
-        textRow("12 apples", true, 12, 12);
-        textRow("apples 12", false, 0, 0);
-        textRow(" +3.25e1x", true, 3, 32.5);
-        textRow(".5", false, 0, 0.5);
-        textRow("5.", true, 5, 5);
-        textRow("0,5", false, 0, 0);
-        textRow("0x10", false, 0, 0);
-        textRow("nan", false, 0, 0);
-        textRow("", false, 0, 0);
-        textRow("99999999999999999999", true, kMost, 1e20);
-        textRow("-99999999999999999999", true, kLeast, -1e20);
-        textRow("1e999", true, 1, double(std::numeric_limits<float>::max()));
-        row("true value", true, true, 1, 1, u"1"_qs);
-        row("false value", false, false, 0, 0, u"0"_qs);
-        row("integer", -3, true, -3, -3, u"-3"_qs);
-        row("fraction", 2.75, true, 2, 2.75, u"2.75"_qs);
-        row("huge number", 1e300, true, kMost, double(std::numeric_limits<float>::max()), u"1e+300"_qs);
-        row("list", QStringList{u"1"_qs, u"2"_qs}, false, 0, 0, {});
+        constexpr double kHuge = std::numeric_limits<float>::max();
+        const auto text = [](const char *text, bool truth, qint64 integer, double decimal) {
+            const QString value = QString::fromLatin1(text);
+            addRow(Reading{*text ? text : "empty text", value, truth, integer, decimal, value});
+        };
+        text("YES", true, 0, 0);
+        text("NO", false, 0, 0);
+        text("true", true, 0, 0);
+        text(" yes", true, 0, 0);
+        text("0", false, 0, 0);
+        text("-007", true, -7, -7);
+        text("12 apples", true, 12, 12);
+        text("apples 12", false, 0, 0);
+        text(" +3.25e1x", true, 3, 32.5);
+        text(".5", false, 0, 0.5);
+        text("5.", true, 5, 5);
+        text("0,5", false, 0, 0);
+        text("0x10", false, 0, 0);
+        text("nan", false, 0, 0);
+        text("", false, 0, 0);
+        text("99999999999999999999", true, kMost, 1e20);
+        text("-99999999999999999999", true, kLeast, -1e20);
+        text("1e999", true, 1, kHuge);
+        addRows<Reading>({{"absent", {}, false, 0, 0, {}},
+                          {"true value", true, true, 1, 1, u"1"_qs},
+                          {"false value", false, false, 0, 0, u"0"_qs},
+                          {"integer", -3, true, -3, -3, u"-3"_qs},
+                          {"fraction", 2.75, true, 2, 2.75, u"2.75"_qs},
+                          {"huge number", 1e300, true, kMost, kHuge, u"1e+300"_qs},
+                          {"list", QStringList{u"1"_qs, u"2"_qs}, false, 0, 0, {}}});
     }
-
     void readers()
     {
-        QFETCH(QVariant, value);
+        const auto [row, value, asBool, asInteger, asFloat, asString] = currentRow<Reading>();
         // Registered, or stored and not yet written, a value reads alike.
         for (const bool stored : {false, true}) {
             UserDefaults defaults(kMaker, kProgram);
@@ -91,10 +84,10 @@ private Q_SLOTS:
                 defaults.setObject(kKey, value);
             else
                 defaults.registerDefaults({{kKey, value}});
-            QTEST(defaults.boolForKey(kKey), "asBool");
-            QTEST(defaults.integerForKey(kKey), "asInteger");
-            QTEST(defaults.floatForKey(kKey), "asFloat");
-            QTEST(defaults.stringForKey(kKey), "asString");
+            QCOMPARE(defaults.boolForKey(kKey), asBool);
+            QCOMPARE(defaults.integerForKey(kKey), asInteger);
+            QCOMPARE(defaults.floatForKey(kKey), float(asFloat));
+            QCOMPARE(defaults.stringForKey(kKey), asString);
         }
     }
 
@@ -107,29 +100,24 @@ private Q_SLOTS:
         QVERIFY(!defaults.boolForKey(kKey));
         defaults.registerDefaults({{kKey, u"YES"_qs}});
         QVERIFY(!defaults.boolForKey(kKey));
-        defaults.removeObjectForKey(kKey);
+        defaults.setObject(kKey, {});
         QVERIFY(defaults.boolForKey(kKey));
     }
 
     void survivesTheProgram_data()
     {
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<QStringList>("asArray");
-        const auto row = [](const char *name, const QStringList &list) {
-            QTest::newRow(name) << QVariant(list) << list;
-        };
-        row("no element", {});
-        row("one", {u"a, \"b\"; c=\\d"_qs});
-        row("several", {QString(), u"\u00e9 \u6c34"_qs, u"@x"_qs});
-        QTest::newRow("untyped list")
-            << QVariant(QVariantList{u"a"_qs, u"b"_qs}) << QStringList{u"a"_qs, u"b"_qs};
-        QTest::newRow("text") << QVariant(u" /home/x, y/ "_qs) << QStringList{u" /home/x, y/ "_qs};
-        QTest::newRow("number") << QVariant(0.5) << QStringList{u"0.5"_qs};
+        const QStringList one{u"a, \"b\"; c=\\d"_qs};
+        const QStringList several{QString(), u"\u00e9 \u6c34"_qs, u"@x"_qs};
+        addRows<Stored>({{"no element", QStringList(), {}},
+                         {"one", one, one},
+                         {"several", several, several},
+                         {"untyped list", QVariantList{u"a"_qs, u"b"_qs}, {u"a"_qs, u"b"_qs}},
+                         {"text", u" /home/x, y/ "_qs, {u" /home/x, y/ "_qs}},
+                         {"number", 0.5, {u"0.5"_qs}}});
     }
-
     void survivesTheProgram()
     {
-        QFETCH(QVariant, value);
+        const auto [row, value, asArray] = currentRow<Stored>();
         {
             UserDefaults defaults(kMaker, kProgram);
             defaults.registerDefaults({{kKey, QStringList{u"registered"_qs}}});
@@ -143,7 +131,7 @@ private Q_SLOTS:
         file.close();
         UserDefaults again(kMaker, kProgram);
         again.registerDefaults({{kKey, QStringList{u"registered"_qs}}});
-        QTEST(again.stringArrayForKey(kKey), "asArray");
+        QCOMPARE(again.stringArrayForKey(kKey), asArray);
         if (value.typeId() == QMetaType::Double)
             QCOMPARE(again.floatForKey(kKey), value.toFloat());
     }
@@ -151,31 +139,24 @@ private Q_SLOTS:
     void unwritable()
     {
         // A file where the folder should be: nothing can be stored, also not by the superuser.
-        QVERIFY(test::writeFile(m_folder->path("config"), {}));
+        QVERIFY(writeFile(m_folder->path("config"), {}));
         UserDefaults defaults(kMaker, kProgram);
         defaults.setObject(kKey, 1);
         QVERIFY(!defaults.synchronize());
         QCOMPARE(defaults.integerForKey(kKey), 1);
     }
 
-    void savingDirectory_data()
-    {
-        QTest::addColumn<QByteArray>("userDirs");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("the user's folder")
-            << QByteArray("XDG_PICTURES_DIR=\"$HOME/Bilder\"\n") << u"Bilder/Plexa"_qs;
-        QTest::newRow("nothing said") << QByteArray() << u"Pictures/Plexa"_qs;
-        QTest::newRow("none reported") << QByteArray("XDG_PICTURES_DIR=\"$HOME/\"\n") << u"Pictures"_qs;
-    }
-
     void savingDirectory()
     {
-        QFETCH(QByteArray, userDirs);
-        QFETCH(QString, expected);
-        QVERIFY(test::writeFile(qEnvironmentVariable("XDG_CONFIG_HOME") + u"/user-dirs.dirs"_qs, userDirs));
-        UserDefaults defaults(kMaker, kProgram);
-        registerDefaults(defaults);
-        QCOMPARE(defaults.stringForKey(settings::savingDirectory), QDir::home().filePath(expected));
+        for (const auto &[userDirs, expected] :
+             {std::pair("XDG_PICTURES_DIR=\"$HOME/Bilder\"\n", "Bilder/Plexa"),
+              std::pair("", "Pictures/Plexa"), std::pair("XDG_PICTURES_DIR=\"$HOME/\"\n", "Pictures")}) {
+            QVERIFY(writeFile(qEnvironmentVariable("XDG_CONFIG_HOME") + u"/user-dirs.dirs"_qs, userDirs));
+            UserDefaults defaults(kMaker, kProgram);
+            registerDefaults(defaults);
+            QCOMPARE(defaults.stringForKey(settings::savingDirectory),
+                     QDir::home().filePath(QLatin1String(expected)));
+        }
     }
 
     void defaultsOfAllSettings()
@@ -183,14 +164,14 @@ private Q_SLOTS:
         UserDefaults defaults(kMaker, kProgram);
         registerDefaults(defaults);
         QStringList on;
-        for (const Setting &setting : allSettings()) {
-            if (setting.type == SettingType::Bool && defaults.boolForKey(setting.key))
-                on.append(setting.key);
-            else if (setting.type == SettingType::Integer)
-                QCOMPARE(defaults.integerForKey(setting.key), 0);
-            else if (setting.type == SettingType::StringArray)
-                QCOMPARE(defaults.stringArrayForKey(setting.key), QStringList());
+#define PLEXA_KEY(name, value) settings::name,
+        for (const QLatin1String key : {PLEXA_SETTINGS(PLEXA_KEY)}) {
+            if (defaults.boolForKey(key))
+                on.append(key);
         }
+#undef PLEXA_KEY
+        QCOMPARE(defaults.integerForKey(settings::runNumber), 0);
+        QCOMPARE(defaults.integerForKey(settings::lastUsedMode), 0);
         QCOMPARE(on, QStringList({u"imageListIsInBrowserMode"_qs, u"imageBrowserShowsNames"_qs,
                                   u"saveAllToOneDirectory"_qs, u"exportPreserveOriginalFileCreationDate"_qs,
                                   u"askForMASReview"_qs, u"askForFeedback"_qs}));
@@ -220,7 +201,7 @@ private Q_SLOTS:
     }
 
 private:
-    std::unique_ptr<test::TestFolder> m_folder;
+    std::unique_ptr<TestFolder> m_folder;
 };
 
 QTEST_GUILESS_MAIN(UserDefaultsTest)

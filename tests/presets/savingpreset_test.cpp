@@ -81,12 +81,6 @@ std::shared_ptr<SavingPreset> presetOf(const QByteArray &content, double version
     return SavingPreset::initWithXMLData(*parser.root(), version);
 }
 
-struct Shown {
-    Text format;
-    Text alternative;
-    Text shown;
-};
-
 } // namespace
 
 class SavingPresetTest : public QObject
@@ -156,30 +150,6 @@ private Q_SLOTS:
         connect(&preset, &SavingPreset::fieldChanged, this, [&] { source.setJpegQuality(99); });
         preset.copyFrom(source);
         QCOMPARE(preset.jpegQuality(), 50);
-    }
-
-    void formatsDecideWhatIsShown()
-    {
-        for (const auto &[format, alternative, shown] : {Shown{"JPEG", "TIFF", "quality"},
-                                                         {"HEIC", "PNG", "quality"},
-                                                         {"TIFF", "JPEG", "compression"},
-                                                         {"PNG", "JPEG", ""},
-                                                         {"Original", "JPEG", "quality alternative"},
-                                                         {"Original", "HEIC", "quality alternative"},
-                                                         {"Original", "TIFF", "compression alternative"},
-                                                         {"Original", "PNG", "alternative"}}) {
-            SavingPreset preset;
-            preset.setImageFormat(format);
-            preset.setAlternativeImageFormat(alternative);
-            QStringList found;
-            for (const auto &[property, control] : {std::pair("hideJPEGQuality", "quality"),
-                                                    {"hideTiffCompression", "compression"},
-                                                    {"hideAlternativeFormat", "alternative"}}) {
-                if (!preset.property(property).toBool())
-                    found.append(words(control));
-            }
-            QCOMPARE(found.join(u' '), shown);
-        }
     }
 
     void validity()
@@ -330,39 +300,12 @@ private Q_SLOTS:
                      .fileExtensionCase = markup,
                      .imageFormat = markup,
                      .alternativeImageFormat = u"&amp;"_s});
-        auto again = writtenAndRead(list);
+        const auto again = writtenAndRead(list);
         list[list.size() - 2] = list.last() = {};
         QVERIFY(again);
         QCOMPARE(again->size(), static_cast<std::size_t>(list.size()));
         for (qsizetype i = 0; i < list.size(); ++i)
             QCOMPARE(again->at(static_cast<std::size_t>(i))->values(), list[i]);
-
-        const QChar high(0xD800);
-        const QChar low(0xDFFF);
-        again = writtenAndRead({{.name = high + u"a"_s + low, .filenameTokens = {low, u"\U0001F4F7"_s}}});
-        QVERIFY(again);
-        QCOMPARE(again->front()->name(), u"\uFFFDa\uFFFD"_s);
-        QCOMPARE(again->front()->filenameTokens(), (QStringList{u"\uFFFD"_s, u"\U0001F4F7"_s}));
-    }
-
-    void whatCannotBeReadBackIsNotWritten()
-    {
-        QVERIFY(writtenAndRead({firstOfFile()}));
-        const QByteArray before = contentsOf(m_path);
-        const QString cut = u"cut"_s + QChar(0) + u"off"_s;
-        QList<SavingPresetValues> refused{{.name = cut}};
-        for (const QString &token : {u"a<b"_s, u"R&D"_s, u"a&amp;b"_s, u"&#34;"_s, u"<!--"_s, cut})
-            refused.append({.filenameTokens = {u"filename"_s, token}});
-        for (const SavingPresetValues &values : refused) {
-            const Result<void> written = write({{}, values});
-            QVERIFY2(!written && written.error().text.contains(values.name),
-                     qPrintable(values.filenameTokens.last()));
-            QCOMPARE(contentsOf(m_path), before);
-        }
-        // The form itself has no references in tokens.
-        QString xml;
-        SavingPreset(refused[1]).appendObjectToXML(xml);
-        QVERIFY(xml.contains(u"<token>a<b</token>"));
     }
 
     void filesOfOthers()

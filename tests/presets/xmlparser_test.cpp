@@ -165,20 +165,6 @@ private Q_SLOTS:
         }
     }
 
-    void errorLinesStayShortAndPlain()
-    {
-        Reading reading;
-        // The cut falls into the middle of a letter.
-        QVERIFY(reading.parser.parse(kHeader + "<a>&\x1b[2J" + QByteArray("\xc3\xa4").repeated(100'000) +
-                                     "</a>"));
-        QCOMPARE(reading.parser.root()->text(), "");
-        const QByteArray line = reading.lines.join();
-        QVERIFY(line.size() < 1100);
-        QVERIFY(line.startsWith("ERROR:  unknown entity reference: \"&?[2J"));
-        QVERIFY(line.endsWith("\xc3\xa4...\"\n"));
-        QVERIFY(line.isValidUtf8());
-    }
-
     void filesThatCannotBeRead()
     {
         const TestFolder folder;

@@ -64,21 +64,9 @@ std::vector<QRgb> premultipliedGrid(bool opaque)
     return pixels;
 }
 
-struct Blend {
-    Text name;
-    BlendMode mode;
-    bool opaque;
-};
-
-struct Clips {
-    Text name;
-    QPoint at;
-};
-
-struct Fill {
-    Text name;
-    QRectF rect;
-};
+using Blend = Row<BlendMode, bool>; // mode, opaque
+using Clips = Row<QPoint>;          // at
+using Fill = Row<QRectF>;           // rect
 
 } // namespace
 
@@ -89,18 +77,19 @@ class CompositingTest : public QObject
 private Q_SLOTS:
     void modeNames()
     {
-        QCOMPARE(blendModeNamed(u"Color Dodge"_qs), BlendMode::ColorDodge);
-        QCOMPARE(blendModeNamed(u"Luminosity"_qs), BlendMode::Luminosity);
+        int mode = 0;
+        for (const char *name : {"Normal", "Multiply", "Screen", "Overlay", "Darken", "Lighten",
+                                 "Color Dodge", "Color Burn", "Soft Light", "Hard Light", "Difference",
+                                 "Exclusion", "Hue", "Saturation", "Color", "Luminosity"})
+            QCOMPARE(int(blendModeNamed(QString::fromLatin1(name))), mode++);
         QCOMPARE(blendModeNamed(u"multiply"_qs), BlendMode::Normal);
-        for (int i = 0; i < kBlendModeCount; ++i)
-            QCOMPARE(blendModeNamed(nameOf(BlendMode(i))), BlendMode(i));
     }
 
     void blendsByTheFormulas_data()
     {
         for (int mode = 0; mode < kBlendModeCount; ++mode) {
             for (const bool opaque : {true, false})
-                addRow(Blend{nameOf(BlendMode(mode)) + (opaque ? u" on opaque"_qs : u" on alpha"_qs),
+                addRow(Blend{QString::number(mode) + (opaque ? u" on opaque"_qs : u" on alpha"_qs),
                              BlendMode(mode), opaque});
         }
     }
@@ -151,8 +140,7 @@ private Q_SLOTS:
                 QImage whole = photo.copy();
                 draw(whole, 0);
                 for (const int height : {1, 7, 16})
-                    QVERIFY2(drawnInStrips(photo, height, draw) == whole,
-                             qPrintable(nameOf(BlendMode(mode))));
+                    QVERIFY2(drawnInStrips(photo, height, draw) == whole, qPrintable(QString::number(mode)));
             }
         }
     }

@@ -59,11 +59,7 @@ Plane transposed(const Plane &plane)
     return result;
 }
 
-struct BlursLikeAGaussian {
-    Text name;
-    double blur;
-    QSize size;
-};
+using BlursLikeAGaussian = Row<double, QSize>; // blur, size
 
 } // namespace
 

@@ -2,14 +2,13 @@
 
 #include "saving/outputnaming.h"
 #include "saving/safefilename.h"
+#include "support/datarows.h"
 #include "support/files.h"
 #include "support/scriptedalerts.h"
 #include "support/testenvironment.h"
 #include "watermark/fakephoto.h"
 
 #include <QtTest>
-
-#include <thread>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -31,144 +30,132 @@ QString nameFor(const SavingPresetValues &preset, const QString &city, const QSt
                                           preset, number);
 }
 
+/// The text as the value of the only token of a name.
+QString nameOfValue(const QString &value, const QString &path)
+{
+    return nameFor(presetWith({u"city"_qs}), value, path);
+}
+
+// tokens: separated by "|"
+using Tokens = Row<Text, qint64, Text>; // tokens, number, expected
+// cases: of the base name | of the extension
+using Extension = Row<Text, Text, Text, Text, Text>; // text, source, format, cases, expected
+using Value = Row<QString, QString>;                 // value, expected
+// below: the destination; empty: the destination itself
+using Replicated = Row<Text, Text, Text>;    // start, source, below
+using Taken = Row<const char *, Text, Text>; // taken, wanted, given
+// given: empty: skipped
+using Answer = Row<int, Text, bool>; // button, given, overwrites
+
 } // namespace
 
 class OutputNamingTest : public QObject
 {
     Q_OBJECT
 
+    ScriptedAlerts m_alerts; // answers nothing
+
 private Q_SLOTS:
     void tokens_data()
     {
-        QTest::addColumn<QStringList>("tokens");
-        QTest::addColumn<qint64>("number");
-        QTest::addColumn<QString>("name");
-        const auto add = [](const char *row, const char *tokens, qint64 number, const char *name) {
-            QTest::newRow(row) << QString::fromUtf8(tokens).split(u'|') << number << QString::fromUtf8(name);
-        };
-        add("the usual ones", "filename|-|watermark preset name|_|width|x|height", 7, "beach-Mark_40x30.jpg");
-        add("literal before a number", "img|sequence ####", 7, "img0007.jpg");
-        add("every width of number", "sequence #| |sequence ##| |sequence ###", 7, "7 07 007.jpg");
-        add("a wide number", "sequence ##", 12345, "12345.jpg");
-        add("no such number", "sequence #####|sequence |sequence|Sequence #", 7,
-            "sequence #####sequence sequenceSequence #.jpg");
-        add("preset names", "saving preset name|+|watermark preset name", 7, "Web+Mark.jpg");
-        add("empty values", "state|country", 7, "beach.jpg");
-        add("a value that is missing", "a|country|b", 7, "ab.jpg");
-        add("unknown and other case", "Filename|%1", 7, "Filename%1.jpg");
-        add("slashes and colons", "city|/|1:2:3", 7, "12_30_2_1_2_3.jpg");
+        addRows<Tokens>({
+            {"the usual ones", "filename|-|watermark preset name|_|width|x|height", 7,
+             "beach-Mark_40x30.jpg"},
+            {"literal before a number", "img|sequence ####", 7, "img0007.jpg"},
+            {"every width of number", "sequence #| |sequence ##| |sequence ###", 7, "7 07 007.jpg"},
+            {"no such number", "sequence #####|sequence |sequence|Sequence #", 7,
+             "sequence #####sequence sequenceSequence #.jpg"},
+            {"preset names", "saving preset name|+|watermark preset name", 7, "Web+Mark.jpg"},
+            {"empty values", "state|country", 7, "beach.jpg"},
+            {"unknown and other case", "Filename|%1", 7, "Filename%1.jpg"},
+            {"slashes and colons", "city|/|1:2:3", 7, "12_30_2_1_2_3.jpg"},
+        });
     }
-
     void tokens()
     {
-        QFETCH(QStringList, tokens);
-        QFETCH(qint64, number);
-        QTEST(nameFor(presetWith(tokens), u"12:30/2"_qs, u"/Photos/beach.png"_qs, number), "name");
+        const auto [name, tokens, number, expected] = currentRow<Tokens>();
+        QCOMPARE(nameFor(presetWith(tokens.split(u'|')), u"12:30/2"_qs, u"/Photos/beach.png"_qs, number),
+                 expected);
     }
 
     void extensionAndCase_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("source");
-        QTest::addColumn<QString>("format");
-        QTest::addColumn<QString>("cases");
-        QTest::addColumn<QString>("name");
-        const auto add = [](const char *row, const char *text, const char *source, const char *format,
-                            const char *cases, const char *name) {
-            QTest::newRow(row) << QString::fromUtf8(text) << QString::fromUtf8(source)
-                               << QString::fromLatin1(format) << QString::fromLatin1(cases)
-                               << QString::fromUtf8(name);
-        };
-        const char *keep = "do not change|do not change";
-        add("upper base", "beach", "a.png", "JPEG", "upper case|do not change", "BEACH.jpg");
-        add("upper extension", "Beach", "a.png", "JPEG", "lower case|upper case", "beach.JPG");
-        add("unknown case", "Beach", "a.png", "JPEG", "Upper Case|UPPER", "Beach.jpg");
-        add("letters that grow", "straße", "a.png", "JPEG", "upper case|lower case", "STRASSE.jpg");
-        add("fitting extension stays, in lower case", "photo.JPEG", "a.png", "JPEG", keep, "photo.jpeg");
-        add("fitting extension, upper", "photo.JPEG", "a.png", "JPEG", "do not change|upper case",
-            "photo.JPEG");
-        add("other extension is text", "photo.png", "a.png", "JPEG", keep, "photo.png.jpg");
-        add("rare extension is text", "photo.jpe", "a.png", "JPEG", keep, "photo.jpe.jpg");
-        add("a dot in the text", "scan 12.03", "a.png", "PNG", keep, "scan 12.03.png");
-        add("only the last one", "a.jpg.jpg", "a.png", "JPEG", keep, "a.jpg.jpg");
-        add("original", "a", "/x/a.JPEG", "Original", keep, "a.jpg");
-        add("original that cannot be written", "a", "/x/a.cr2", "Original", keep, "a.png");
-        add("format that cannot be written", "a.b", "/x/a.jpg", "XYZ", keep, "a.b");
+        const char *const keep = "do not change|do not change";
+        addRows<Extension>({
+            {"upper base", "beach", "a.png", "JPEG", "upper case|do not change", "BEACH.jpg"},
+            {"upper extension", "Beach", "a.png", "JPEG", "lower case|upper case", "beach.JPG"},
+            {"letters that grow", "straße", "a.png", "JPEG", "upper case|lower case", "STRASSE.jpg"},
+            {"fitting extension stays, in lower case", "photo.JPEG", "a.png", "JPEG", keep, "photo.jpeg"},
+            {"fitting extension, upper", "photo.JPEG", "a.png", "JPEG", "do not change|upper case",
+             "photo.JPEG"},
+            {"other extension is text", "photo.png", "a.png", "JPEG", keep, "photo.png.jpg"},
+            {"only the last one", "a.jpg.jpg", "a.png", "JPEG", keep, "a.jpg.jpg"},
+            {"original", "a", "/x/a.JPEG", "Original", keep, "a.jpg"},
+            {"original that cannot be written", "a", "/x/a.cr2", "Original", keep, "a.png"},
+            {"format that cannot be written", "a.b", "/x/a.jpg", "XYZ", keep, "a.b"},
+        });
     }
-
     void extensionAndCase()
     {
-        QFETCH(QString, text);
-        QFETCH(QString, source);
-        QFETCH(QString, format);
-        QFETCH(QString, cases);
+        const auto [name, text, source, format, cases, expected] = currentRow<Extension>();
         SavingPresetValues preset;
         preset.imageFormat = format;
         preset.alternativeImageFormat = u"PNG"_qs;
         preset.fileBaseNameCase = cases.section(u'|', 0, 0);
         preset.fileExtensionCase = cases.section(u'|', 1, 1);
-        QTEST(OutputNaming::filenameWithExtensionForFilename(text, source, preset), "name");
+        QCOMPARE(OutputNaming::filenameWithExtensionForFilename(text, source, preset), expected);
     }
 
     void namesAreSafe_data()
     {
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QString>("name");
-        QTest::newRow("folder above") << u".."_qs << u"a b.jpg"_qs;
-        QTest::newRow("path") << u"../../etc/passwd"_qs << u"_.._etc_passwd.jpg"_qs;
-        QTest::newRow("hidden") << u".hidden"_qs << u"hidden.jpg"_qs;
-        QTest::newRow("blanks and dots") << u"\u00a0. x.y . "_qs << u"x.y.jpg"_qs;
-        QTest::newRow("nothing but blanks") << u" \t\n"_qs << u"___.jpg"_qs.mid(1); // the blank goes
-        QTest::newRow("dots before a fitting extension") << u"x . .jpg"_qs << u"x.jpg"_qs;
-        QTest::newRow("nothing but an extension") << u".jpg"_qs << u"jpg.jpg"_qs;
-        QTest::newRow("line ends") << u"a\r\nb\u2028c\u0085d"_qs << u"a__b_c_d.jpg"_qs;
-        QTest::newRow("NUL") << u"a\0b"_qs << u"a_b.jpg"_qs;
-        QTest::newRow("marks of direction") << u"a\u200eb\u200fc\u061cd"_qs << u"a_b_c_d.jpg"_qs;
-        QTest::newRow("turned direction") << u"a\u202egpj.exe"_qs << u"a_gpj.exe.jpg"_qs;
-        QTest::newRow("half a character")
-            << u"a"_qs + QChar(0xD83D) + u"b"_qs + QChar(0xDCF7) << u"a_b_.jpg"_qs;
-        QTest::newRow("whole characters")
-            << u"\U0001F4F7 \u00e4\u200d\u05d0"_qs << u"\U0001F4F7 \u00e4\u200d\u05d0.jpg"_qs;
+        addRows<Value>({
+            {"folder above", u".."_qs, u"a b"_qs},
+            {"path", u"../../etc/passwd"_qs, u"_.._etc_passwd"_qs},
+            {"hidden", u".hidden"_qs, u"hidden"_qs},
+            {"blanks and dots", u"\u00a0. x.y . "_qs, u"x.y"_qs},
+            {"nothing but blanks", u" \t\n"_qs, u"__"_qs}, // the blank goes
+            {"dots before a fitting extension", u"x . .jpg"_qs, u"x"_qs},
+            {"line ends", u"a\r\nb\u2028c\u0085d"_qs, u"a__b_c_d"_qs},
+            {"NUL", u"a\0b"_qs, u"a_b"_qs},
+            {"marks of direction", u"a\u200eb\u200fc\u061cd\u202egpj.exe"_qs, u"a_b_c_d_gpj.exe"_qs},
+            {"half a character", u"a"_qs + QChar(0xD83D) + u"b"_qs + QChar(0xDCF7), u"a_b_"_qs},
+            {"whole characters", u"\U0001F4F7 \u00e4\u200d\u05d0"_qs, u"\U0001F4F7 \u00e4\u200d\u05d0"_qs},
+        });
     }
-
     void namesAreSafe()
     {
-        QFETCH(QString, value);
-        QTEST(nameFor(presetWith({u"city"_qs}), value, u"/p/. a b.png"_qs), "name");
-        QCOMPARE(nameFor(presetWith({u"city"_qs}), u" . "_qs, u"/p/..."_qs), u"_.jpg"_qs);
+        const auto [name, value, expected] = currentRow<Value>();
+        QCOMPARE(nameOfValue(value, u"/p/. a b.png"_qs), expected + u".jpg"_qs);
+        QCOMPARE(nameOfValue(u" . "_qs, u"/p/..."_qs), u"_.jpg"_qs);
     }
 
     void longNamesAreCut_data()
     {
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QString>("base");
-        QTest::newRow("fits") << QString(251, u'a') << QString(251, u'a');
-        QTest::newRow("one too many") << QString(252, u'a') << QString(251, u'a');
-        QTest::newRow("two bytes each") << QString(200, QChar(0xe4)) << QString(125, QChar(0xe4));
-        QTest::newRow("four bytes each") << u"\U0001F4F7"_qs.repeated(100) << u"\U0001F4F7"_qs.repeated(62);
-        const QString accented = u"e\u0301"_qs; // 3 bytes
-        QTest::newRow("accents stay on their letters") << accented.repeated(100) << accented.repeated(83);
+        const QString accented = u"e\u0301"_qs;                                  // 3 bytes
         const QString family = u"\U0001F468\u200D\U0001F469\u200D\U0001F466"_qs; // 18 bytes
-        QTest::newRow("joined pictures") << family.repeated(50) << family.repeated(13);
-        QTest::newRow("a blank at the cut") << QString(250, u'a') + u" bc"_qs << QString(250, u'a');
-        QTest::newRow("a dot at the cut") << QString(249, u'a') + u"...x"_qs << QString(249, u'a');
-        QTest::newRow("a letter that is longer")
-            << u"e"_qs + QString(300, QChar(0x301)) << u"e"_qs + QString(125, QChar(0x301));
-        QTest::newRow("a fitting extension stays") << QString(400, u'a') + u".jpg"_qs << QString(251, u'a');
+        const QString camera = u"\U0001F4F7"_qs;
+        addRows<Value>({
+            {"fits", QString(251, u'a'), QString(251, u'a')},
+            {"one too many", QString(252, u'a'), QString(251, u'a')},
+            {"four bytes each", camera.repeated(100), camera.repeated(62)},
+            {"accents stay on their letters", accented.repeated(100), accented.repeated(83)},
+            {"joined pictures", family.repeated(50), family.repeated(13)},
+            {"a blank at the cut", QString(250, u'a') + u" bc"_qs, QString(250, u'a')},
+            {"a letter that is longer", u"e"_qs + QString(300, QChar(0x301)),
+             u"e"_qs + QString(125, QChar(0x301))},
+            {"a fitting extension stays", QString(400, u'a') + u".jpg"_qs, QString(251, u'a')},
+        });
     }
-
     void longNamesAreCut()
     {
-        QFETCH(QString, value);
-        QFETCH(QString, base);
+        const auto [row, value, base] = currentRow<Value>();
         const TestFolder folder;
-        const QString name = nameFor(presetWith({u"city"_qs}), value, u"/p/a.png"_qs);
+        const QString name = nameOfValue(value, u"/p/a.png"_qs);
         QCOMPARE(name, base + u".jpg"_qs);
         QVERIFY(writeFile(folder.path(name), "old")); // the file system agrees
 
         // A number finds its place as well.
-        ScriptedAlerts alerts;
-        OutputNaming naming({}, alerts);
+        OutputNaming naming({}, m_alerts);
         auto code = OutputNaming::always(OutputNaming::kUniqueName);
         const auto unique = naming.finalDestinationForPath(folder.path(name), code);
         QVERIFY(unique && unique->path.endsWith(u"-1.jpg"_qs));
@@ -178,44 +165,35 @@ private Q_SLOTS:
 
     void targetFolder_data()
     {
-        QTest::addColumn<QString>("start");
-        QTest::addColumn<QString>("source");
-        QTest::addColumn<QString>("below"); // the destination; none: it is the destination
-        QTest::newRow("below the start") << u"/Photos"_qs << u"/Photos/2020/Trip/a.jpg"_qs << u"2020/Trip"_qs;
-        QTest::newRow("slash at the end") << u"/Photos/"_qs << u"/Photos/2020/a.jpg"_qs << u"2020"_qs;
-        QTest::newRow("in the start") << u"/Photos"_qs << u"/Photos/a.jpg"_qs << QString();
-        QTest::newRow("elsewhere") << u"/Photos"_qs << u"/Other/a.jpg"_qs << QString();
-        QTest::newRow("above") << u"/Photos/2020"_qs << u"/Photos/a.jpg"_qs << QString();
-        QTest::newRow("a name that begins alike") << u"/Photos"_qs << u"/Photos2/b/a.jpg"_qs << QString();
-        QTest::newRow("no start") << QString() << u"/Photos/2020/a.jpg"_qs << u"Photos/2020"_qs;
-        QTest::newRow("the root") << u"/"_qs << u"/Photos/a.jpg"_qs << u"Photos"_qs;
-        QTest::newRow("upwards") << u"/Photos"_qs << u"/Photos/x/../../etc/a.jpg"_qs << QString();
-        QTest::newRow("upwards and down again") << u"/Photos"_qs << u"/Photos/x/../y/a.jpg"_qs << u"y"_qs;
-        QTest::newRow("above the root") << QString() << u"/../../x/a.jpg"_qs << u"x"_qs;
+        addRows<Replicated>({
+            {"below the start", "/Photos", "/Photos/2020/Trip/a.jpg", "2020/Trip"},
+            {"in the start", "/Photos", "/Photos/a.jpg", ""},
+            {"a name that begins alike", "/Photos", "/Photos2/b/a.jpg", ""},
+            {"no start", "", "/Photos/2020/a.jpg", "Photos/2020"},
+            {"the root", "/", "/Photos/a.jpg", "Photos"},
+            {"upwards", "/Photos", "/Photos/x/../../etc/a.jpg", ""},
+            {"upwards and down again", "/Photos", "/Photos/x/../y/a.jpg", "y"},
+            {"above the root", "", "/../../x/a.jpg", "x"},
+        });
     }
-
     void targetFolder()
     {
-        QFETCH(QString, start);
-        QFETCH(QString, source);
-        QFETCH(QString, below);
+        const auto [name, start, source, below] = currentRow<Replicated>();
         const TestFolder folder;
-        ScriptedAlerts alerts;
         const QString destination = folder.path(u"Out"_qs);
-        const OutputNaming replicating({destination, true, start}, alerts);
+        const OutputNaming replicating({destination, true, start}, m_alerts);
         QCOMPARE(replicating.targetDirectoryForFile(source),
                  below.isEmpty() ? destination : destination + u'/' + below);
-        const OutputNaming flat({destination, false, start}, alerts);
+        const OutputNaming flat({destination, false, start}, m_alerts);
         QCOMPARE(flat.targetDirectoryForFile(source), destination);
-        const OutputNaming beside({QString(), true, start}, alerts);
+        const OutputNaming beside({QString(), true, start}, m_alerts);
         QCOMPARE(beside.targetDirectoryForFile(u"/Photos/2020/a.jpg"_qs), u"/Photos/2020"_qs);
     }
 
     void replicatedFoldersAreMade()
     {
         const TestFolder folder;
-        ScriptedAlerts alerts;
-        const OutputNaming naming({folder.path(u"Out"_qs), true, folder.path(u"In"_qs)}, alerts);
+        const OutputNaming naming({folder.path(u"Out"_qs), true, folder.path(u"In"_qs)}, m_alerts);
         const QString target = naming.targetDirectoryForFile(folder.path(u"In/b/c/a.jpg"_qs));
         QVERIFY(QFileInfo(target).isDir());
         QCOMPARE(pathsBelow(folder.path()), (QStringList{u"Out"_qs, u"Out/b"_qs, u"Out/b/c"_qs}));
@@ -225,53 +203,35 @@ private Q_SLOTS:
 
     void uniqueNames_data()
     {
-        QTest::addColumn<QStringList>("taken");
-        QTest::addColumn<QString>("wanted");
-        QTest::addColumn<QString>("given");
-        QTest::newRow("free") << QStringList() << u"a.jpg"_qs << u"a.jpg"_qs;
-        QTest::newRow("taken twice") << QStringList{u"a.jpg"_qs, u"a-1.jpg"_qs} << u"a.jpg"_qs
-                                     << u"a-2.jpg"_qs;
-        QTest::newRow("the first gap")
-            << QStringList{u"a.jpg"_qs, u"a-2.jpg"_qs} << u"a.jpg"_qs << u"a-1.jpg"_qs;
-        QTest::newRow("other case is another file") << QStringList{u"A.jpg"_qs} << u"a.jpg"_qs << u"a.jpg"_qs;
-        QTest::newRow("extension as it stands")
-            << QStringList{u"a.b.JPG"_qs} << u"a.b.JPG"_qs << u"a.b-1.JPG"_qs;
-        QTest::newRow("no extension") << QStringList{u"a"_qs} << u"a"_qs << u"a-1"_qs;
+        addRows<Taken>({{"free", "", "a.jpg", "a.jpg"},
+                        {"taken twice", "a.jpg a-1.jpg", "a.jpg", "a-2.jpg"},
+                        {"the first gap", "a.jpg a-2.jpg", "a.jpg", "a-1.jpg"},
+                        {"other case is another file", "A.jpg", "a.jpg", "a.jpg"},
+                        {"extension as it stands", "a.b.JPG", "a.b.JPG", "a.b-1.JPG"}});
     }
-
     void uniqueNames()
     {
-        QFETCH(QStringList, taken);
-        QFETCH(QString, wanted);
-        QFETCH(QString, given);
+        const auto [row, taken, wanted, given] = currentRow<Taken>();
         const TestFolder folder;
-        for (const QString &name : taken)
+        for (const QString &name : words(taken))
             QVERIFY(writeFile(folder.path(name), "old"));
-        ScriptedAlerts alerts;
-        OutputNaming naming({}, alerts);
+        OutputNaming naming({}, m_alerts);
         auto code = OutputNaming::always(OutputNaming::kUniqueName);
         const auto found = naming.finalDestinationForPath(folder.path(wanted), code);
         QVERIFY(found);
         QCOMPARE(found->path, folder.path(given));
         QVERIFY(!found->overwrites);
-        QCOMPARE(alerts.complaints(), QStringList());
+        QCOMPARE(m_alerts.complaints(), QStringList());
     }
 
     void everyAnswer_data()
     {
-        QTest::addColumn<int>("button");
-        QTest::addColumn<QString>("given"); // empty: skipped
-        QTest::addColumn<bool>("overwrites");
-        QTest::newRow("unique") << 0 << u"a-1.jpg"_qs << false;
-        QTest::newRow("overwrite") << 1 << u"a.jpg"_qs << true;
-        QTest::newRow("skip") << 2 << QString() << false;
+        addRows<Answer>(
+            {{"unique", 0, "a-1.jpg", false}, {"overwrite", 1, "a.jpg", true}, {"skip", 2, "", false}});
     }
-
     void everyAnswer()
     {
-        QFETCH(int, button);
-        QFETCH(QString, given);
-        QFETCH(bool, overwrites);
+        const auto [name, button, given, overwrites] = currentRow<Answer>();
         const TestFolder folder;
         const QString path = folder.path(u"a.jpg"_qs);
         // A link that points nowhere would be written through.
@@ -302,28 +262,10 @@ private Q_SLOTS:
         QVERIFY(alert.hasSuppressionBox);
     }
 
-    void rememberedAnswerEndsWithTheRun()
-    {
-        const TestFolder folder;
-        QVERIFY(writeFile(folder.path(u"a.jpg"_qs), "old") && writeFile(folder.path(u"b.jpg"_qs), "old"));
-        ScriptedAlerts alerts;
-        for (int run = 0; run < 2; ++run) {
-            OutputNaming naming({}, alerts);
-            qint32 code = 0;
-            alerts.expect(u"The file exists:\n  a.jpg"_qs, {2, true});
-            QVERIFY(!naming.finalDestinationForPath(folder.path(u"a.jpg"_qs), code));
-            QVERIFY(!naming.finalDestinationForPath(folder.path(u"b.jpg"_qs), code));
-            QVERIFY(naming.finalDestinationForPath(folder.path(u"c.jpg"_qs), code));
-            QCOMPARE(code, std::numeric_limits<qint32>::min() + 3);
-        }
-        QCOMPARE(alerts.complaints(), QStringList());
-    }
-
     void noNumberIsFree()
     {
         const TestFolder folder;
-        ScriptedAlerts alerts;
-        OutputNaming naming({}, alerts);
+        OutputNaming naming({}, m_alerts);
         auto code = OutputNaming::always(OutputNaming::kOverwrite);
         const QString path = folder.path(u"a.jpg"_qs);
         QVERIFY(naming.finalDestinationForPath(path, code));
@@ -365,28 +307,6 @@ private Q_SLOTS:
         naming.finished(path);
         QVERIFY(!naming.finalDestinationForPath(path, code)->overwrites); // nothing came of it
         QCOMPARE(alerts.complaints(), QStringList());
-    }
-
-    void pathsEndOnAnyThread()
-    {
-        const TestFolder folder;
-        ScriptedAlerts alerts;
-        OutputNaming naming({}, alerts);
-        auto code = OutputNaming::always(OutputNaming::kUniqueName);
-        std::vector<std::thread> threads;
-        QSet<QString> given;
-        for (int i = 0; i < 50; ++i) {
-            const QString path = naming.finalDestinationForPath(folder.path(u"a.jpg"_qs), code).value().path;
-            QVERIFY(!given.contains(path));
-            given.insert(path);
-            threads.emplace_back([&naming, path] {
-                writeFile(path, "old");
-                naming.finished(path);
-            });
-        }
-        for (std::thread &thread : threads)
-            thread.join();
-        QCOMPARE(pathsBelow(folder.path()).size(), 50);
     }
 };
 

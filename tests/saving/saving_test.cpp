@@ -4,6 +4,7 @@
 #include "platform/userdefaults.h"
 #include "saving/savingruns.h"
 #include "saving/savingsettings.h"
+#include "support/datarows.h"
 
 #include <QtTest>
 
@@ -26,6 +27,10 @@ public:
     std::function<AlertAnswer(const Alert &)> act;
 };
 
+using Numbers = Row<int, bool, bool, const char *>; // presets, combines, isInSingleMode, names
+using Assigned = Row<bool, bool, const char *>;     // areIgnored, combines, names
+using Jobs = Row<int>;                              // jobs
+
 } // namespace
 
 class SavingTest : public QObject, private SavingRuns
@@ -37,23 +42,14 @@ private Q_SLOTS:
 
     void numbersAndNames_data()
     {
-        QTest::addColumn<int>("presets");
-        QTest::addColumn<bool>("combines");
-        QTest::addColumn<bool>("isInSingleMode");
-        QTest::addColumn<QStringList>("names");
-        const auto names = [](const char *text) { return QString::fromLatin1(text).split(u' '); };
-        QTest::newRow("each preset") << 2 << false << false
-                                     << names("A1.png B2.png A3.png B4.png A5.png B6.png");
-        QTest::newRow("combined") << 2 << true << false << names("A1.png A2.png A3.png");
-        QTest::newRow("single mode") << 1 << true << true << names("A1.png A2.png A3.png");
+        addRows<Numbers>({{"each preset", 2, false, false, "A1.png B2.png A3.png B4.png A5.png B6.png"},
+                          {"combined", 2, true, false, "A1.png A2.png A3.png"},
+                          {"single mode", 1, true, true, "A1.png A2.png A3.png"}});
     }
-
     void numbersAndNames()
     {
-        QFETCH(int, presets);
-        QFETCH(bool, combines);
-        QFETCH(bool, isInSingleMode);
-        QFETCH(QStringList, names);
+        const auto [row, presets, combines, isInSingleMode, list] = currentRow<Numbers>();
+        QStringList names = words(list);
         std::vector<AppliedPreset> marks{mark(QStringLiteral("A"))};
         if (presets == 2)
             marks.push_back(mark(QStringLiteral("B")));
@@ -83,19 +79,13 @@ private Q_SLOTS:
 
     void assignedSavingPresets_data()
     {
-        QTest::addColumn<bool>("areIgnored");
-        QTest::addColumn<bool>("combines");
-        QTest::addColumn<QStringList>("names");
-        QTest::newRow("followed") << false << false << QStringList{u"own.jpg"_qs, u"img02.png"_qs};
-        QTest::newRow("ignored") << true << false << QStringList{u"img01.png"_qs, u"img02.png"_qs};
-        QTest::newRow("combined") << false << true << QStringList{u"img01.png"_qs};
+        addRows<Assigned>({{"followed", false, false, "own.jpg img02.png"},
+                           {"ignored", true, false, "img01.png img02.png"},
+                           {"combined", false, true, "img01.png"}});
     }
-
     void assignedSavingPresets()
     {
-        QFETCH(bool, areIgnored);
-        QFETCH(bool, combines);
-        QFETCH(QStringList, names);
+        const auto [row, areIgnored, combines, names] = currentRow<Assigned>();
         SavingPresetValues own;
         own.imageFormat = u"JPEG"_qs;
         own.filenameTokens = {u"own"_qs};
@@ -104,13 +94,9 @@ private Q_SLOTS:
         run.ignoreAssignedSavingPresets = areIgnored;
         run.combineAllAppliedPresetsInImage = combines;
         Saving(m_noAlerts).saveImages(run, m_listener);
-        QCOMPARE(m_listener.names(), names);
-        for (const SavingOutput &output : std::as_const(m_listener.outputs)) {
-            QFile copy(output.path);
-            QVERIFY(copy.open(QIODevice::ReadOnly));
-            QCOMPARE(copy.read(2),
-                     output.path.endsWith(u".jpg") ? QByteArray("\xff\xd8") : QByteArray("\x89P"));
-        }
+        QCOMPARE(m_listener.names(), words(names));
+        for (const SavingOutput &output : std::as_const(m_listener.outputs))
+            QCOMPARE(contentsOf(output.path).first(2), output.path.endsWith(u".jpg") ? "\xff\xd8" : "\x89P");
     }
 
     /// The first photos take longest.
@@ -193,17 +179,11 @@ private Q_SLOTS:
         QCOMPARE(QImage(path(u"out/img02.png"_qs)).size(), QSize(9, 9));
     }
 
-    void stopping_data()
-    {
-        QTest::addColumn<int>("jobs");
-        QTest::newRow("one at a time") << 1;
-        QTest::newRow("overlapping") << 4;
-    }
-
+    void stopping_data() { addRows<Jobs>({{"one at a time", 1}, {"overlapping", 4}}); }
     /// Stopped while the second of forty photos is under way.
     void stopping()
     {
-        QFETCH(int, jobs);
+        const int jobs = std::get<1>(currentRow<Jobs>());
         QStringList photos;
         for (int i = 0; i < 40; ++i)
             photos.append(photo(u"%1.png"_qs.arg(i)));
@@ -273,33 +253,27 @@ private Q_SLOTS:
                                            exchange + u"/img0003.tif"_qs, photos[2]}));
         QVERIFY(!saving.finishedSavingImages());
         QCOMPARE(alerts.complaints(), QStringList());
-        QFile tiff(exchange + u"/img0001.tif"_qs);
-        QVERIFY(tiff.open(QIODevice::ReadOnly));
-        QVERIFY(QByteArrayList({"II*", "MM\0"}).contains(tiff.read(3)));
-    }
-
-    void photosAreReleased_data()
-    {
-        QTest::addColumn<bool>("areReleased");
-        QTest::newRow("released") << true;
-        QTest::newRow("kept") << false;
+        QVERIFY(contentsOf(exchange + u"/img0001.tif"_qs).startsWith("II*"));
     }
 
     void photosAreReleased()
     {
-        QFETCH(bool, areReleased);
         const QString file = photo(u"1.png"_qs, {360, 240});
         const auto image = std::make_shared<ImageObject>(file, m_services.all);
         QVERIFY(image->loadImageFromDisk());
         SavingRun run = runFor({file}, {mark(u"A"_qs), mark(u"B"_qs)});
         run.photoAt = [&](std::size_t) -> SavingPhoto { return {file, image, {}}; };
-        run.releasesImages = areReleased;
-        Saving(m_noAlerts).saveImages(run, m_listener);
-        QCOMPARE(image->isLoaded(), !areReleased);
-        QCOMPARE(copies().size(), 2);
-        // It was at hand when it was begun, so it could be shown.
-        QCOMPARE(m_listener.pictures.size(), 1);
-        QCOMPARE(m_listener.pictures[0].size(), QSize(180, 120));
+        for (const bool areReleased : {false, true}) {
+            run.releasesImages = areReleased;
+            run.conflictCode = OutputNaming::always(OutputNaming::kOverwrite);
+            m_listener = {};
+            Saving(m_noAlerts).saveImages(run, m_listener);
+            QCOMPARE(image->isLoaded(), !areReleased);
+            QCOMPARE(copies().size(), 2);
+            // It was at hand when it was begun, so it could be shown.
+            QCOMPARE(m_listener.pictures.size(), 1);
+            QCOMPARE(m_listener.pictures[0].size(), QSize(180, 120));
+        }
     }
 
     void settingsAreFollowed()

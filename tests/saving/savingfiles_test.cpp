@@ -21,21 +21,10 @@ using Conflict = SavingOutput::Conflict;
 namespace
 {
 
-struct NoFolder {
-    Text name;
-    Text folder;
-};
-
-struct Jobs {
-    Text name;
-    int jobs;
-};
-
-struct FailedFirst {
-    Text name;
-    OutputNaming::Choice choice; ///< kNoChoice: the user is asked
-    QList<Conflict> conflicts;
-};
+using NoFolder = Row<Text>; // folder
+using Jobs = Row<int>;      // jobs
+// choice: kNoChoice: the user is asked
+using FailedFirst = Row<OutputNaming::Choice, QList<Conflict>>; // choice, conflicts
 
 struct Choice {
     Text name;
@@ -85,7 +74,7 @@ private Q_SLOTS:
     }
     void foldersThatTakeNothing()
     {
-        const QString folder = currentRow<NoFolder>().folder;
+        const QString folder = std::get<1>(currentRow<NoFolder>());
         SavingRun run = runFor({photo(u"1.png"_qs), photo(u"2.png"_qs)}, {mark(u"A"_qs)});
         if (!folder.isEmpty())
             run.folders.destDirectory = folder;
@@ -104,7 +93,7 @@ private Q_SLOTS:
     /// begun, and a photo that comes twice is the second time what the first time has left.
     void overwritingTheOriginals()
     {
-        const int jobs = currentRow<Jobs>().jobs;
+        const int jobs = std::get<1>(currentRow<Jobs>());
         const QImage bare = smoothPicture({300, 200});
         const QString once = photo(u"once.png"_qs, bare.size());
         const QString twice = photo(u"twice.png"_qs, bare.size());
@@ -123,11 +112,11 @@ private Q_SLOTS:
         QVERIFY(saving.savingFailedImages().isEmpty());
 
         const QString asBefore = photo(u"bare.png"_qs, bare.size());
-        ImageObject photo(asBefore, m_services.all);
-        const QImage marked = photo.createWatermarkedImage({}, right);
+        const auto bareAgain = ImageObject(asBefore, m_services.all).readReduced(300);
+        const QImage marked = bareAgain->drawn(bareAgain->pixels, right, m_services.fonts);
         QVERIFY(marked != bare);
         QCOMPARE(pixelsOf(QImage(once)), pixelsOf(marked));
-        const QImage again = photo.createWatermarkedImage(marked, right);
+        const QImage again = bareAgain->drawn(marked, right, m_services.fonts);
         QCOMPARE(pixelsOf(QImage(twice)), pixelsOf(again));
     }
 
@@ -138,9 +127,9 @@ private Q_SLOTS:
         const QString alias = path(u"in/alias.tif"_qs);
         QVERIFY(QFile::link(photo, alias));
         const AppliedPreset preset = mark(u"Mark"_qs);
-        ImageObject bare(photo, m_services.all);
-        const QImage once = bare.createWatermarkedImage({}, preset);
-        const QImage again = bare.createWatermarkedImage(once, preset);
+        const auto bare = ImageObject(photo, m_services.all).readReduced(700);
+        const QImage once = bare->drawn(bare->pixels, preset, m_services.fonts);
+        const QImage again = bare->drawn(once, preset, m_services.fonts);
         SavingRun run = runFor({photo, alias}, {preset});
         run.folders.destDirectory.clear();
         run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
@@ -166,27 +155,6 @@ private Q_SLOTS:
         QVERIFY(info.st_size > 3);
         QCOMPARE(info.st_uid, uid_t(12345));
         QCOMPARE(info.st_gid, gid_t(23456));
-    }
-
-    void sameNamesFromManyFolders()
-    {
-        QStringList photos;
-        for (int i = 0; i < 12; ++i)
-            photos.append(photo(u"%1/a.png"_qs.arg(i), {20 + i, i % 2 == 0 ? 900 : 20}));
-        QFile broken(photos[3]);
-        QVERIFY(broken.open(QIODevice::WriteOnly));
-        SavingRun run = runFor(photos, {mark(u"A"_qs)});
-        run.defaultSavingPreset.filenameTokens = {u"filename"_qs};
-        run.conflictCode = OutputNaming::always(OutputNaming::kUniqueName);
-        run.jobs = 6;
-        Saving(m_noAlerts).saveImages(run, m_listener);
-        for (int i = 0; i < 12; ++i) {
-            // The name of the failed copy stays taken: nobody waited for its outcome.
-            QCOMPARE(m_listener.names()[i], i == 0 ? u"a.png"_qs : u"a-%1.png"_qs.arg(i));
-            if (i != 3)
-                QCOMPARE(QImage(m_listener.outputs[i].path).width(), 20 + i);
-        }
-        QCOMPARE(copies().size(), 11);
     }
 
     void aFailedCopyHasNoName_data()

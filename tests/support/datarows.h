@@ -4,6 +4,8 @@
 
 #include <QTest>
 
+#include <tuple>
+
 namespace plexa::test
 {
 
@@ -22,10 +24,13 @@ public:
     }
 };
 
-/// Replaces QTest::addColumn() and QFETCH(). The columns are the members of a struct; the first one, `name`,
-/// names the row:
+/// A row of a table: its name and its columns.
+template<class... Columns>
+using Row = std::tuple<Text, Columns...>;
+
+/// Replaces QTest::addColumn() and QFETCH(). A row is a Row, or a struct whose first member is `name`:
 ///
-///     struct Taken { Text name; QStringList files; Text expected; };
+///     using Taken = Row<QStringList, Text>; // files, expected
 ///     void uniqueName_data()
 ///     {
 ///         addRows<Taken>({
@@ -39,29 +44,32 @@ public:
 ///         ...
 ///
 /// May be called again to add more rows of the same kind. Each row needs a name of its own.
-template<class Row>
-void addRow(const Row &row)
+template<class RowType>
+void addRow(const RowType &row)
 {
     static QByteArray function; // the test function that has its column already
     if (function != QTest::currentTestFunction()) {
         function = QTest::currentTestFunction();
-        QTest::addColumn<Row>("row");
+        QTest::addColumn<RowType>("row");
     }
-    QTest::newRow(row.name.toUtf8().constData()) << row;
+    if constexpr (requires { row.name; })
+        QTest::newRow(row.name.toUtf8().constData()) << row;
+    else
+        QTest::newRow(std::get<0>(row).toUtf8().constData()) << row;
 }
 
-template<class Row>
-void addRows(std::initializer_list<Row> rows)
+template<class RowType>
+void addRows(std::initializer_list<RowType> rows)
 {
-    for (const Row &row : rows)
+    for (const RowType &row : rows)
         addRow(row);
 }
 
 /// The row of this call of the test function.
-template<class Row>
-Row currentRow()
+template<class RowType>
+RowType currentRow()
 {
-    QFETCH(Row, row);
+    QFETCH(RowType, row);
     return row;
 }
 

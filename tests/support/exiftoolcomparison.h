@@ -4,9 +4,8 @@
 
 #include "metadata/metadatafields.h"
 #include "metadata/propertykeys.h"
+#include "support/words.h"
 
-#include <QMap>
-#include <QStringList>
 #include <QVariant>
 
 #include <cmath>
@@ -17,35 +16,22 @@ namespace plexa::test
 /// The name that exiftool gives to a field of the dictionary.
 inline QString exiftoolName(MetadataGroup group, const QString &key)
 {
-    static const QMap<QString, QString> names{
-        {u"DateTime"_qs, u"ModifyDate"_qs},
-        {u"ISOSpeedRatings"_qs, u"ISO"_qs},
-        {u"DateTimeDigitized"_qs, u"CreateDate"_qs},
-        {u"ExposureBiasValue"_qs, u"ExposureCompensation"_qs},
-        {u"SubsecTime"_qs, u"SubSecTime"_qs},
-        {u"SubsecTimeOriginal"_qs, u"SubSecTimeOriginal"_qs},
-        {u"SubsecTimeDigitized"_qs, u"SubSecTimeDigitized"_qs},
-        {u"FlashPixVersion"_qs, u"FlashpixVersion"_qs},
-        {u"PixelXDimension"_qs, u"ExifImageWidth"_qs},
-        {u"PixelYDimension"_qs, u"ExifImageHeight"_qs},
-        {u"FocalLenIn35mmFilm"_qs, u"FocalLengthIn35mmFormat"_qs},
-        {u"SubjectDistRange"_qs, u"SubjectDistanceRange"_qs},
-        {u"CameraOwnerName"_qs, u"OwnerName"_qs},
-        {u"BodySerialNumber"_qs, u"SerialNumber"_qs},
-        {u"LensSpecification"_qs, u"LensInfo"_qs},
-        {u"GPSVersion"_qs, u"GPSVersionID"_qs},
-        {u"Differental"_qs, u"GPSDifferential"_qs},
-        {u"Byline"_qs, u"By-line"_qs},
-        {u"BylineTitle"_qs, u"By-lineTitle"_qs},
-        {u"Caption/Abstract"_qs, u"Caption-Abstract"_qs},
-        {u"Writer/Editor"_qs, u"Writer-Editor"_qs},
-        {u"Province/State"_qs, u"Province-State"_qs},
-        {u"SubLocation"_qs, u"Sub-location"_qs},
-        {u"Country/PrimaryLocationName"_qs, u"Country-PrimaryLocationName"_qs},
-        {u"Country/PrimaryLocationCode"_qs, u"Country-PrimaryLocationCode"_qs},
-        {u"SupplementalCategory"_qs, u"SupplementalCategories"_qs},
-    };
-    QString name = names.value(key, key);
+    static const QStringList renamed =
+        words("DateTime=ModifyDate ISOSpeedRatings=ISO DateTimeDigitized=CreateDate "
+              "ExposureBiasValue=ExposureCompensation SubsecTime=SubSecTime "
+              "SubsecTimeOriginal=SubSecTimeOriginal SubsecTimeDigitized=SubSecTimeDigitized "
+              "FlashPixVersion=FlashpixVersion PixelXDimension=ExifImageWidth "
+              "PixelYDimension=ExifImageHeight FocalLenIn35mmFilm=FocalLengthIn35mmFormat "
+              "SubjectDistRange=SubjectDistanceRange CameraOwnerName=OwnerName "
+              "BodySerialNumber=SerialNumber LensSpecification=LensInfo GPSVersion=GPSVersionID "
+              "Differental=GPSDifferential Byline=By-line BylineTitle=By-lineTitle "
+              "Caption/Abstract=Caption-Abstract Writer/Editor=Writer-Editor "
+              "Province/State=Province-State SubLocation=Sub-location "
+              "Country/PrimaryLocationName=Country-PrimaryLocationName "
+              "Country/PrimaryLocationCode=Country-PrimaryLocationCode "
+              "SupplementalCategory=SupplementalCategories");
+    const QStringList found = renamed.filter(QRegularExpression(u"^%1="_qs.arg(key)));
+    QString name = found.isEmpty() ? key : found.first().section(u'=', 1);
     if (group == MetadataGroup::Gps && !name.startsWith(u"GPS"))
         name.prepend(u"GPS");
     return name;

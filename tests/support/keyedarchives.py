@@ -85,10 +85,6 @@ def values(path):
         "intNumber": a.number(NS__intval=12), "realNumber": a.number(NS__dblval=12.5),
         "boolNumber": a.number(NS__boolval=True), "decimal": a.number(NS__mantissa=b"\5\0"),
         "array": a.array([shared, UID(0), shared]), "mutableArray": a.array([a.add(1)], mutable=True),
-        "noIndexes": a.obj(("NSIndexSet", "NSObject"), NSRangeCount=0),
-        "oneRange": a.obj(("NSMutableIndexSet", "NSIndexSet", "NSObject"), NSRangeCount=1, NSLocation=3,
-                          NSLength=2),
-        "ranges": a.obj(("NSIndexSet", "NSObject"), NSRangeCount=2, NSRangeData=a.data(b"\x01\x02\xac\x02\x01")),
         "calibrated": a.color(1, NSRGB=b"0.2 0.4 0.6\0"), "device": a.color(2, NSRGB=b"0.2 0.4 0.6 0.5"),
         "white": a.color(3, NSWhite=b"0.6 0.4\0"), "deviceWhite": a.color(4, NSWhite=b"1\0"),
         "cmyk": a.color(5, NSCMYK=b"0 1 1 0 1\0"),
@@ -113,8 +109,7 @@ def broken(path):
         "notAnArray": a.obj(("NSDictionary", "NSObject"), NS__objects=[UID(1)]),
         "noObjects": a.obj(("NSArray", "NSObject")), "wrongObjects": a.obj(("NSArray", "NSObject"), NS__objects="x"),
         "badColor": a.color(1, NSRGB=b"1 nan 0\0"), "shortColor": a.color(1, NSRGB=b"1 0\0"),
-        "foreignColor": a.color(99, NSRGB=b"1 0 0\0"), "badCount": a.obj(("NSIndexSet",), NSRangeCount=-1),
-        "badRanges": a.obj(("NSIndexSet",), NSRangeCount=2, NSRangeData=a.data(b"\xff" * 40)),
+        "foreignColor": a.color(99, NSRGB=b"1 0 0\0"),
         "vector": a.image([a.data(b"pdf")], ("NSPDFImageRep", "NSImageRep", "NSObject")),
     }
     a.dump(path)

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <QRegularExpression>
 #include <QStringList>
 
 namespace plexa::test
@@ -22,34 +23,14 @@ inline QString wordOf(const char *text)
 template<class... Values>
 QStringList words(const char *text, const Values &...values)
 {
+    static const QRegularExpression word(QStringLiteral("(?:[^\\s']|'[^']*')+"));
     const QStringList inserted{wordOf(values)...};
     QStringList words;
-    QString word;
-    bool isQuoted = false;
-    bool isWord = false;
-    const QString all = QString::fromUtf8(text);
-    for (qsizetype i = 0; i < all.size(); ++i) {
-        const QChar letter = all[i];
-        if (letter.isSpace() && !isQuoted) {
-            if (isWord)
-                words.append(word);
-            word.clear();
-            isWord = false;
-            continue;
-        }
-        isWord = true;
-        const int place = letter == u'%' && i + 1 < all.size() ? all[i + 1].digitValue() : 0;
-        if (letter == u'\'') {
-            isQuoted = !isQuoted;
-        } else if (place >= 1 && place <= inserted.size()) {
-            word += inserted[place - 1];
-            ++i;
-        } else {
-            word += letter;
-        }
+    for (const QRegularExpressionMatch &match : word.globalMatch(QString::fromUtf8(text))) {
+        words.append(match.captured().remove(u'\''));
+        for (qsizetype i = inserted.size(); i > 0; --i)
+            words.last().replace(u'%' + QString::number(i), inserted[i - 1]);
     }
-    if (isWord)
-        words.append(word);
     return words;
 }
 

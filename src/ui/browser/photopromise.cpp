@@ -85,7 +85,7 @@ QByteArray PhotoPromise::image(const QString &mimeType, QStringList &failures)
     CopyRequest request;
     request.type = mimeType;
     Result<void> written = fail(photo.loadError());
-    if (const QImage picture = photo.savedImage(&m_contents.presets.front(), {}); !picture.isNull())
+    if (const QImage picture = photo.createWatermarkedImage(m_contents.presets.front()); !picture.isNull())
         written = writeImage(buffer, picture, request);
     if (written)
         return buffer.data();

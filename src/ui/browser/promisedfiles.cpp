@@ -3,7 +3,7 @@
 #include "ui/browser/promisedfiles.h"
 
 #include "app/backgroundjob.h"
-#include "platform/indexsetarchive.h"
+#include "app/indexlist.h"
 #include "ui/browser/x11drag.h"
 #include "ui/widgets/filedrops.h"
 
@@ -55,7 +55,7 @@ QStringList PromisedFiles::formats() const
 
 QList<int> PromisedFiles::indexes(const QMimeData &data)
 {
-    return indexSetFromArchive(data.data(kPhotoSelectionType));
+    return indexesFromDrag(data.data(kPhotoSelectionType));
 }
 
 QString PromisedFiles::firstName() const
@@ -73,7 +73,7 @@ void PromisedFiles::dropped()
 QVariant PromisedFiles::retrieveData(const QString &mimeType, QMetaType type) const
 {
     if (mimeType == kPhotoSelectionType && !m_indexes.isEmpty())
-        return archivedIndexSet(m_indexes);
+        return draggedBytesOf(m_indexes);
     if (m_promise) {
         if (mimeType == kUriList)
             return fileUrls();

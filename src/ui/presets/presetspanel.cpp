@@ -177,9 +177,10 @@ void PresetsPanel::connectLists()
 void PresetsPanel::connectCommands(PresetsStore &store)
 {
     AppliedPresets &applied = m_applied;
+    using Mode = AppliedPresets::Mode;
     using Neighbor = AppliedPresets::Neighbor;
-    m_actions.setHandler(ActionId::SingleMode, [&applied] { applied.modeDidChange(0); });
-    m_actions.setHandler(ActionId::PresetsMode, [&applied] { applied.modeDidChange(1); });
+    m_actions.setHandler(ActionId::SingleMode, [&applied] { applied.modeDidChange(Mode::Single); });
+    m_actions.setHandler(ActionId::PresetsMode, [&applied] { applied.modeDidChange(Mode::Presets); });
     m_actions.setHandler(ActionId::NextPreset,
                          [&applied] { applied.selectNeighborAppliedPreset(Neighbor::Next); });
     m_actions.setHandler(ActionId::PreviousPreset,

@@ -2,7 +2,7 @@
 
 #include "ui/widgets/presetlistmodel.h"
 
-#include "platform/indexsetarchive.h"
+#include "app/indexlist.h"
 #include "ui/widgets/plaintooltip.h"
 
 #include <QColor>
@@ -100,13 +100,13 @@ QMimeData *PresetListModel::mimeData(const QModelIndexList &indexes) const
         rows.append(index.row());
     std::sort(rows.begin(), rows.end());
     auto *const data = new QMimeData;
-    data->setData(kDraggedRowsType, archivedIndexSet(rows));
+    data->setData(kDraggedRowsType, draggedBytesOf(rows));
     return data;
 }
 
 IndexList PresetListModel::draggedRows(const QMimeData *data)
 {
-    return indexSetFromArchive(data->data(kDraggedRowsType));
+    return indexesFromDrag(data->data(kDraggedRowsType));
 }
 
 } // namespace plexa

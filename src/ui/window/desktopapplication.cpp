@@ -42,7 +42,7 @@ UserDefaults &registered(UserDefaults &defaults)
 
 DesktopApplication::DesktopApplication(ApplicationService &service)
     : m_service(service)
-    , m_defaults(companyName(true), applicationNameWithCompany(false, false, true))
+    , m_defaults(companyName(), applicationName())
     , m_cache(cacheBytes())
     , m_budget(physicalMemoryBytes() / 2)
     , m_photos{m_fonts, m_locale, m_cache, m_budget, ReadLimits{.maxBytes = physicalMemoryBytes() / 2}}

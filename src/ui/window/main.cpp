@@ -20,9 +20,9 @@ namespace
 
 void nameApplication()
 {
-    QCoreApplication::setOrganizationName(plexa::companyName(true));
-    QCoreApplication::setApplicationName(plexa::applicationNameWithCompany(false, false, true));
-    QCoreApplication::setApplicationVersion(plexa::BundleInfo::own().shortVersionString);
+    QCoreApplication::setOrganizationName(plexa::companyName());
+    QCoreApplication::setApplicationName(plexa::applicationName());
+    QCoreApplication::setApplicationVersion(plexa::applicationVersion());
     QGuiApplication::setDesktopFileName(QString::fromLatin1(plexa::identity::kApplicationId));
 }
 

@@ -61,7 +61,7 @@ MainWindow::MainWindow(const Services &services)
     , m_actions(new CommandActions(this, [this] { return commandState(); }))
 {
     setObjectName(QStringLiteral("mainWindow"));
-    setWindowTitle(applicationNameWithCompany(false, false, true));
+    setWindowTitle(applicationName());
     setContextMenuPolicy(Qt::NoContextMenu);
     setAcceptDrops(true);
     makeViews();

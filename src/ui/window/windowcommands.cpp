@@ -76,16 +76,15 @@ void showPreferences(const MainWindow::Services &services, MainWindow &window, I
 
 void showAbout(MainWindow &window)
 {
-    const BundleInfo bundle = BundleInfo::own();
     QMessageBox box(&window);
-    box.setWindowTitle(MainWindow::tr("About %1").arg(bundle.bundleName));
+    box.setWindowTitle(MainWindow::tr("About %1").arg(applicationName()));
     box.setIconPixmap(window.windowIcon().pixmap(64));
-    box.setText(QStringLiteral("%1 %2").arg(bundle.bundleName, bundle.shortVersionString));
+    box.setText(QStringLiteral("%1 %2").arg(applicationName(), applicationVersion()));
     box.setInformativeText(
         MainWindow::tr("Puts watermarks on photographs in batches.\n\n"
                        "Copyright: the %1 authors. Free software under the GNU General Public "
                        "License, version 3 or later; it comes without any warranty.")
-            .arg(bundle.bundleName));
+            .arg(applicationName()));
     box.exec();
 }
 

@@ -76,30 +76,6 @@ private Q_SLOTS:
         QVERIFY2(faults.isEmpty(), qPrintable(faults.join(u'\n')));
     }
 
-    /// All facts at once.
-    void editReachesEveryFormat()
-    {
-        const QString source = m_copies.sourceWith(EditedCopies::All);
-        for (const ImageFormat &format : formatsWithMetadata()) {
-            const auto recordOf = [&](bool isSet) {
-                const auto edit = [&](ImageMetadata &metadata) {
-                    for (const FactPlaces &fact : kFactPlaces) {
-                        if (fact.property())
-                            metadata.setValue(*fact.property(),
-                                              isSet ? EditedCopies::value(fact, true) : QVariant());
-                    }
-                };
-                return m_copies.recordOf(source, edit, format.type);
-            };
-            const QJsonObject set = recordOf(true);
-            const QJsonObject removed = recordOf(false);
-            QStringList faults;
-            for (const FactPlaces &fact : kFactPlaces)
-                faults += fact.property() ? faultsOf(fact, format.type, set, removed) : QStringList();
-            QVERIFY2(faults.isEmpty(), qPrintable(QLatin1StringView(format.name) + faults.join(u'\n')));
-        }
-    }
-
     void fractionAndZoneOfDatesReachXmp()
     {
         const QString source = m_copies.sourceWith(
@@ -145,16 +121,6 @@ private Q_SLOTS:
         for (const QString &place : places) {
             QVERIFY2(qAbs(edited[place].toDouble() - 5.6) < 1e-4, qPrintable(place));
             QVERIFY2(!removed.isEmpty() && !removed.contains(place), qPrintable(place));
-        }
-        // A value that EXIF cannot hold leaves nothing of the old one: negative exponents, no aperture.
-        for (const QVariant &refused : {QVariant(0.95), QVariant(-1), QVariant(u"abc"_s)}) {
-            const auto record =
-                m_copies.recordOf(source, [&](ImageMetadata &m) { m.setExifFNumber(refused); });
-            QVERIFY(record.contains(u"ExifIFD:ExposureTime"_s));
-            QCOMPARE(record[u"ExifIFD:FNumber"].toDouble(), refused == 0.95 ? 0.95 : 0.0);
-            for (const char *place : {"ExifIFD:ApertureValue", "XMP-exif:ApertureValue"})
-                QVERIFY2(!record.contains(QLatin1StringView(place)), place);
-            QVERIFY(refused == 0.95 || !record.contains(u"XMP-exif:FNumber"_s));
         }
     }
 

@@ -42,6 +42,12 @@ const Clearing kClearings[] = {
      "IPTC:CopyrightNotice XMP-dc:Rights IPTC:By-line XMP-dc:Creator IPTC:By-lineTitle "
      "XMP-photoshop:AuthorsPosition XMP-iptcCore:CreatorWorkEmail XMP-iptcCore:CreatorAddress "
      "ExifIFD:DateTimeOriginal XMP-xmpRights:UsageTerms XMP-cc:AttributionName"},
+    {"IPTC but contact", [](ImageMetadata &m) { m.clearIptcDataKeepCopyright(false, true); },
+     "IPTC:CopyrightNotice XMP-dc:Rights IPTC:Headline", "IPTC:By-line XMP-dc:Creator IPTC:By-lineTitle"},
+    {"TIFF but copyright", [](ImageMetadata &m) { m.clearTiffDataKeepCopyright(true, false); },
+     "IFD0:Make IFD0:Artist XMP-tiff:Artist", "IFD0:Copyright XMP-tiff:Copyright"},
+    {"TIFF but contact", [](ImageMetadata &m) { m.clearTiffDataKeepCopyright(false, true); },
+     "IFD0:Make IFD0:Copyright XMP-tiff:Copyright", "IFD0:Artist XMP-tiff:Artist IFD0:Orientation"},
     {"TIFF", [](ImageMetadata &m) { m.clearTiffDataKeepCopyright(false, false); },
      "IFD0:Make IFD0:Model IFD0:UniqueCameraModel IFD0:Software IFD0:Artist IFD0:Copyright "
      "IFD0:ImageDescription IFD0:XP* XMP-tiff:Make XMP-tiff:Model XMP-tiff:Software XMP-tiff:Artist "

@@ -12,10 +12,7 @@
 #include <QRegularExpression>
 #include <QTest>
 
-#include <atomic>
 #include <cmath>
-#include <thread>
-#include <vector>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -343,30 +340,6 @@ private Q_SLOTS:
         check("-ColorSpace#=1 -InteropIndex=R03", false);
         check("-ColorSpace#=65535 -InteropIndex=R98", false);
         check("-ColorSpace#=65535 -InteropIndex=R03", false, "gray.jpg", QImage::Format_Grayscale8);
-    }
-
-    void manyThreads()
-    {
-        PLEXA_NEEDS_PHOTOS();
-        QMap<QString, QVariantMap> expected;
-        for (const QString &path : std::as_const(m_paths))
-            expected.insert(path, EmbeddedMetadata::read(path)->properties());
-        std::atomic_int failures = 0;
-        std::vector<std::thread> threads;
-        for (qsizetype start = 0; start < 4; ++start) {
-            threads.emplace_back([&, start] {
-                for (qsizetype i = 0; i < m_paths.size(); ++i) {
-                    const QString &path = m_paths[(i + start * 7) % m_paths.size()];
-                    const auto metadata = EmbeddedMetadata::read(path);
-                    const auto encoded = metadata->encodeForCopy(metadata->properties(), {QSize(8, 8), 1000});
-                    if (metadata->properties() != expected.value(path) || encoded.exif.isEmpty())
-                        ++failures;
-                }
-            });
-        }
-        for (std::thread &thread : threads)
-            thread.join();
-        QCOMPARE(failures.load(), 0);
     }
 
 private:

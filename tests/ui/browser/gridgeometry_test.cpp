@@ -71,27 +71,6 @@ private Q_SLOTS:
         }
     }
 
-    void pointsBetweenCells()
-    {
-        const GridGeometry grid(20, QSizeF(800, 500), 0); // 14 columns
-        const QRectF first = *grid.cell(0);
-        const QRectF last = *grid.cell(13);
-        const QPointF gap(first.right() + 1, first.center().y());
-        QCOMPARE(grid.cellAt(gap), GridGeometry::kNone);
-        QCOMPARE(grid.insertionIndexAt(gap), 1);
-        QCOMPARE(grid.insertionIndexAt(QPointF(first.left() - 3, 0)), 0);
-        QCOMPARE(grid.insertionIndexAt(QPointF(0, grid.cell(14)->center().y())), 14);
-        QCOMPARE(grid.insertionIndexAt(QPointF(5000, last.center().y())), 14);
-        QCOMPARE(grid.insertionIndexAt(QPointF(700, grid.cell(14)->center().y())), 20);
-        QCOMPARE(grid.cellAt(QPointF(700, grid.cell(14)->center().y())), GridGeometry::kNone);
-        QCOMPARE(GridGeometry().insertionIndexAt({5, 5}), 0);
-
-        // The bar is in the middle of the gap before a cell; at the end it is after the last one.
-        QCOMPARE(grid.insertionBar(1).center().x(), (first.right() + grid.cell(1)->left()) / 2);
-        QVERIFY(grid.insertionBar(20).left() > grid.cell(19)->right());
-        QCOMPARE(grid.insertionBar(20).height(), 50.0);
-    }
-
     /// Rows that do not fit keep the scroll bar, even if the smaller cells beside it would fit.
     void scrollBar()
     {

@@ -106,7 +106,7 @@ private Q_SLOTS:
         browser.delegate.copy();
         QCOMPARE(clipboard->text(), u"words"_qs); // nothing was selected
         browser.files.store.quickSavingPreset()->setImageFormat(u"PNG"_qs);
-        browser.presets.modeDidChange(1);
+        browser.presets.modeDidChange(AppliedPresets::Mode::Presets);
         browser.presets.addWPresetsToApplied(
             {textPreset(browser.files.fonts, u"first"_qs), textPreset(browser.files.fonts, u"second"_qs)});
         ImageObject &photo = *browser.set.images()->at(0);
@@ -127,12 +127,12 @@ private Q_SLOTS:
         QCOMPARE(urls.size(), 2);
         QList<QImage> expected;
         for (const AppliedPreset &preset : browser.presets.effectivePresetsNow()) {
-            expected.append(pixelsOf(photo.savedImage(&preset, {})));
+            expected.append(pixelsOf(photo.createWatermarkedImage(preset)));
             const QString path = urls.at(expected.size() - 1).toLocalFile();
             QCOMPARE(QFileInfo(path).fileName(), u"image%1"_qs.arg(expected.size() - 1));
             QCOMPARE(pixelsOf(QImage(path)), expected.last());
         }
-        QVERIFY(expected[0] != expected[1] && expected[0] != pixelsOf(photo.savedImage(nullptr, {})));
+        QVERIFY(expected[0] != expected[1] && expected[0] != pixelsOf(photo.originalCGImage()));
         for (const QString &type : words("png bmp jpeg tiff gif"))
             QCOMPARE(QImage::fromData(data->data(u"image/"_qs + type)).size(), QSize(64, 48));
         QCOMPARE(pixelsOf(QImage::fromData(data->data(u"image/png"_qs))), expected[0]);
@@ -142,7 +142,7 @@ private Q_SLOTS:
         browser.delegate.copy();
         QVERIFY(!clipboard->mimeData() || !clipboard->mimeData()->hasUrls());
         // The photos do not stay on the clipboard without their set.
-        browser.presets.modeDidChange(0);
+        browser.presets.modeDidChange(AppliedPresets::Mode::Single);
         browser.delegate.copy();
         QVERIFY(clipboard->mimeData()->hasUrls());
         keeper.reset();

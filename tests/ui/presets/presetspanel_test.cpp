@@ -23,7 +23,7 @@ struct Panel : ShownWindow {
     {
         for (const QString &name : words("One Two Three Four"))
             presets.push_back(namedPreset(name));
-        applied.modeDidChange(1);
+        applied.modeDidChange(AppliedPresets::Mode::Presets);
         files.store.wPresetList().append(presets);
     }
 
@@ -64,7 +64,7 @@ private Q_SLOTS:
         QVERIFY(!(presets.focusPolicy() & Qt::TabFocus));
         QTest::keyClick(&single, Qt::Key_Right);
         QVERIFY(!f.applied.isInSingleMode() && f.allTable.isVisible());
-        f.applied.modeDidChange(0); // by the menu
+        f.applied.modeDidChange(AppliedPresets::Mode::Single); // by the menu
         QVERIFY(single.isChecked() && !f.allTable.isVisible());
     }
 

@@ -26,7 +26,7 @@ private Q_SLOTS:
         files.defaults.setObject(settings::saveAllToOneDirectory, true);
         const auto photo = std::make_shared<ImageObject>(files.photo("a.png", {640, 480}), files.photos);
         QVERIFY(photo->loadImageFromDisk());
-        photo->transformOriginalImageWithOperation(static_cast<int>(ImageTransform::RotateClockwise));
+        photo->transformOriginalImageWithOperation(ImageTransform::RotateClockwise);
         ApplicationService service;
         {
             DesktopApplication program(service);

@@ -66,30 +66,6 @@ private Q_SLOTS:
         }
     }
 
-    void commandsFollowTheSelection()
-    {
-        ShownWindow f;
-        f.set.setImageListModeToBrowser(false);
-        f.addPhotos(words("a.png b.png"));
-        f.set.selection().selectIndexes({1});
-        auto &turn = f.find<QAbstractButton>("turnRightButton");
-        QTRY_VERIFY(turn.isEnabled());
-        // No handler saves yet.
-        QVERIFY(!f.isEnabled(ActionId::SaveSelected));
-        QVERIFY(!f.find<QAbstractButton>("saveAllButton").isEnabled());
-
-        // While copies are being saved, the menus are disabled.
-        const std::shared_ptr<ImageObject> image = f.set.images()->back();
-        image->lock();
-        auto release = qScopeGuard([&] { image->unlock(); });
-        QVERIFY(f.controller.startSaving({image}));
-        f.set.selection().selectIndexes({0});
-        QTRY_VERIFY(!f.isEnabled(ActionId::TurnRight));
-        release.dismiss();
-        image->unlock();
-        QTRY_VERIFY(f.isEnabled(ActionId::TurnRight));
-    }
-
     void stopsWhatRuns()
     {
         ShownWindow f;
@@ -117,8 +93,8 @@ private Q_SLOTS:
         release.dismiss();
         held->unlock();
         QTRY_VERIFY(!stop.isVisible() && !progress.isVisible());
-        QCOMPARE(held->originalImageSize(), QSize(64, 48));
-        QCOMPARE(f.set.images()->back()->originalImageSize(), QSize(48, 64));
+        QCOMPARE(held->readFacts()->pixelSize(), QSize(64, 48));
+        QCOMPARE(f.set.images()->back()->readFacts()->pixelSize(), QSize(48, 64));
     }
 
     void addsWithTheDialogs()
@@ -154,7 +130,7 @@ private Q_SLOTS:
         QCOMPARE(shownNames(f.set), u"B ab"_qs);
         QTest::keyClick(&search, Qt::Key_Escape);
         QCOMPARE(shownNames(f.set), u"a B ab"_qs);
-        f.controller.appliedPresets().modeDidChange(1);
+        f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Presets);
         f.find<QWidget>("wPresetsAllTable").setFocus();
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Slash);
         QTest::keyClicks(QApplication::focusWidget(), u"b"_qs);
@@ -162,11 +138,6 @@ private Q_SLOTS:
         QCOMPARE(QApplication::focusWidget(), &f.find<QWidget>("imageListTable"));
         QTest::keyClick(&f.window, Qt::Key_F, Qt::ControlModifier);
         QCOMPARE(search.selectedText(), u"b"_qs);
-        // A save disables the field, and returns the focus to it.
-        f.window.setContentEnabled(false);
-        QVERIFY(!search.isEnabled() && !search.hasFocus());
-        f.window.setContentEnabled(true);
-        QCOMPARE(QApplication::focusWidget(), &search);
         // New photos are shown, so the search ends.
         f.controller.gathering().scanImagesAtPaths({f.files.photo("new.png")});
         QCOMPARE(search.text(), QString());
@@ -245,17 +216,19 @@ private Q_SLOTS:
             f.set.addImage(u"/p%1.jpg"_qs.arg(i), f.files.folder.path());
         f.files.alerts.expect(u"Too many images for the Small Batch mode!"_qs);
         QTest::mouseClick(&mode, Qt::LeftButton);
-        QVERIFY(mode.isChecked());
-        QVERIFY(mode.toolTip().startsWith(
-            QLatin1String("Switch to the Small Batch mode. Recommended if you work with fewer images. (")));
+        QVERIFY(mode.isChecked() && !f.set.imageListIsInBrowserMode());
+        QVERIFY(f.files.alerts.shown().constFirst().text.startsWith(u"501 images are currently imported. "));
         QCOMPARE(f.files.alerts.complaints(), QStringList());
+        f.set.removeImages({f.set.images()->back()});
+        QTest::mouseClick(&mode, Qt::LeftButton);
+        QVERIFY(f.set.imageListIsInBrowserMode());
     }
 
     void keysBelongToTheirViews()
     {
         ShownWindow f;
         f.set.setImageListModeToBrowser(false);
-        f.controller.appliedPresets().modeDidChange(1);
+        f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Presets);
         f.controller.appliedPresets().addWPresetsToApplied({std::make_shared<WPreset>(WPresetValues{})});
         f.addPhotos(words("a.png"));
         f.set.selection().selectAll();
@@ -286,15 +259,6 @@ private Q_SLOTS:
         QTest::keyClick(&f.window, Qt::Key_W, Qt::ControlModifier);
         QCOMPARE(closed.count(), 1);
         QVERIFY(!f.window.isVisible());
-
-        // The divider leaves room for both, and the window fits small screens.
-        auto &split = f.find<QSplitter>("imageViewBrowserSplitView");
-        split.setSizes({0, 10'000});
-        QVERIFY(split.sizes().at(0) >= 100);
-        split.setSizes({10'000, 0});
-        QVERIFY(split.sizes().at(1) >= 150);
-        const QSize least = f.window.minimumSizeHint();
-        QVERIFY(least.width() <= 1000 && least.height() <= 700);
 
         MainWindow again({f.controller, f.files.defaults, f.files.alerts, 2});
         again.show();

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "imageio/base/openmpthreads.h"
-#include "imageio/color/colorquantization.h"
 #include "imageio/pictures.h"
 #include "support/bytes.h"
 #include "support/datarows.h"
@@ -111,17 +109,8 @@ class GifCodecTest : public QObject
     };
 
     TestFolder m_folder;
-    QString m_srgb;
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        if (photosFolder().isEmpty())
-            return;
-        m_srgb = m_folder.path("srgb.icc");
-        QVERIFY(writeFile(m_srgb, ImageSource::open(realPhoto("jpeg/htc-desire.jpg"))->info().iccProfile));
-    }
-
     void frameIsPutOnTheScreen_data()
     {
         const QByteArray body = frame({0, 0, 2, 2}, "rgbw");
@@ -145,7 +134,8 @@ private Q_SLOTS:
              {"interlaced, smaller", screen({2, 4}) + frame({1, 1, 1, 3}, "rgb", 0x40), "  / r/ b/ g/"},
              {"transparent", screen({2, 2}) + transparent(1) + body, "r /bw/"},
              {"the last word counts", screen({2, 2}) + transparent(1) + transparent(2) + body, "rg/ w/"},
-             {"second frame's transparency", screen({2, 2}) + body + transparent(0) + body, "rg/bw/"}});
+             {"second frame's transparency", screen({2, 2}) + body + transparent(0) + body, "rg/bw/"},
+             {"second frame cut", screen({2, 2}) + body + body.chopped(4), "rg/bw/"}});
         // Blocks around the frame, and garbage after it, change nothing.
         const QByteArray start = screen({2, 2});
         const QByteArray unknown = extension(1, QByteArray(12, 'x')) + extension(0xfe, "hello") +
@@ -175,14 +165,6 @@ private Q_SLOTS:
         QCOMPARE(ImageSource::open(path)->info().rows.hasAlpha, letters.contains(' '));
     }
 
-    void cutAnimationShowsItsFirstFrame()
-    {
-        PLEXA_NEEDS_PHOTOS();
-        const QString path = m_folder.path("cut.gif");
-        QVERIFY(writeFile(path, contentsOf(realPhoto("gif/animated-cogs.gif")).first(1200)));
-        QCOMPARE(decoded(path), decoded(realPhoto("gif/animated-cogs.gif")));
-    }
-
     void profileIsUsed()
     {
         PLEXA_NEEDS_PHOTOS();
@@ -199,9 +181,7 @@ private Q_SLOTS:
         QVERIFY(writeFile(path, file.insert(table, profile + '\0')));
         QCOMPARE(ImageSource::open(path)->properties().value(u"ProfileName"_qs).toString(),
                  u"Adobe RGB (1998)"_qs);
-        const QImage ours = decoded(path);
-        QVERIFY(meanDifference(ours, *adobe->createImage()) < 4); // but for the palette
-        QVERIFY(meanDifference(ours, decodedByMagick(path, ours.size(), m_srgb)) < 1);
+        QVERIFY(meanDifference(decoded(path), *adobe->createImage()) < 4); // but for the palette
     }
 
     void hostileFilesGiveAReason()
@@ -298,19 +278,6 @@ private Q_SLOTS:
         QVERIFY(writeFile(path, copied(source, "image/gif", 1)));
         QCOMPARE(exiftoolValue(path, u"Comment"_qs).trimmed(), QByteArray("made by hand"));
         QCOMPARE(decoded(path), decoded(source));
-    }
-
-    void quantizingReportsItsFailureAndKeepsThreads()
-    {
-        const std::vector<uchar> pixels(4 * 4 * 4, 255);
-        omp_set_num_threads(3);
-        QVERIFY(quantizedPicture(pixels.data(), {4, 4}, 16));
-        QCOMPARE(omp_get_max_threads(), 3);
-        const auto refused = quantizedPicture(pixels.data(), {4, 4}, 1);
-        QVERIFY(!refused);
-        QVERIFY2(refused.error().text.contains(u"colors could not be reduced"_qs),
-                 qPrintable(refused.error().text));
-        QCOMPARE(omp_get_max_threads(), 3);
     }
 };
 

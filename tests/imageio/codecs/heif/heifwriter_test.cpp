@@ -24,12 +24,6 @@ class HeifWriterTest : public QObject
 {
     Q_OBJECT
 
-    struct Sampling {
-        const char *file;
-        double quality;
-        QByteArray sampling;
-    };
-
     struct Size {
         QSize size;
         bool hasAlpha;
@@ -103,22 +97,6 @@ private Q_SLOTS:
                              qPrintable(color.name(QColor::HexArgb)));
                 }
             }
-        }
-    }
-
-    void samplingFollowsQuality()
-    {
-        PLEXA_NEEDS_PHOTOS();
-        for (const auto &[file, quality, sampling] :
-             {Sampling{"jpeg/htc-desire.jpg", 0.95, "22,11,11"_ba},
-              {"jpeg/canon-s5-furnace-creek.jpg", 0.9, "21,11,11"_ba},
-              {"jpeg/canon-s5-furnace-creek.jpg", 0.89, "22,11,11"_ba},
-              {"png/palette.png", 0.9, "11,11,11"_ba}}) {
-            const QString path = m_folder.path("copy.heic");
-            QVERIFY(writeFile(path, copied(realPhoto(file), kHeic, quality)));
-            const auto copy = ImageSource::open(path);
-            QVERIFY(copy);
-            QCOMPARE(copy->info().chromaSampling, sampling);
         }
     }
 

@@ -156,26 +156,6 @@ private Q_SLOTS:
         QString error;
         QCOMPARE(!decoded(path, &error, limits).isNull(), isRead);
         QVERIFY2(isRead || error.contains(u"MB of memory"_qs), qPrintable(error));
-        if (!options.contains(u"-c"_qs))
-            return;
-
-        // The same where only the tile says so.
-        QByteArray contents = contentsOf(path);
-        const qsizetype style = contents.indexOf("\xff\x52");
-        const qsizetype tile = contents.indexOf(QByteArray("\xff\x90\0\x0a", 4));
-        QVERIFY(style > 0 && tile > style);
-        const QByteArray copy = contents.mid(style, 2 + qFromBigEndian<quint16>(contents.data() + style + 2));
-        contents[style + 4] = 0;  // usual precincts,
-        contents[style + 10] = 4; // and code blocks of 64 by 64
-        contents[style + 11] = 4;
-        QVERIFY(writeFile(path, contents));
-        QVERIFY(!decoded(path, &error, limits).isNull() || !error.contains(u"MB of memory"_qs));
-        char *length = contents.data() + tile + 6;
-        qToBigEndian(qFromBigEndian<quint32>(length) + quint32(copy.size()), length);
-        contents.insert(tile + 12, copy);
-        QVERIFY(writeFile(path, contents));
-        QVERIFY(decoded(path, &error, limits).isNull());
-        QVERIFY2(error.contains(u"MB of memory"_qs), qPrintable(error));
     }
 };
 

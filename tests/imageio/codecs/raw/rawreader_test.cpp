@@ -41,12 +41,6 @@ class RawReaderTest : public QObject
 {
     Q_OBJECT
 
-    struct Facts {
-        const char *name, *type;
-        QSize size;
-        int orientation, depth;
-    };
-
     struct Contents {
         Text name;
         QByteArray contents;
@@ -60,12 +54,6 @@ class RawReaderTest : public QObject
         Text suffix;
     };
 
-    struct Limit {
-        QSize size;
-        ReadLimits limits;
-        Text reason;
-    };
-
     QString put(const QString &name, const QByteArray &contents)
     {
         const QString path = m_folder.path(name);
@@ -75,27 +63,6 @@ class RawReaderTest : public QObject
     TestFolder m_folder;
 
 private Q_SLOTS:
-    void factsAreThoseOfTheFile()
-    {
-        PLEXA_NEEDS_PHOTOS();
-        for (const auto &[name, type, size, orientation, depth] :
-             {Facts{"canon-kiss-x4-colorchart.dng", "image/x-adobe-dng", {1734, 1156}, 1, 14},
-              {"iphone-12-pro-metadata-only.dng", "image/x-adobe-dng", {4032, 3024}, 6, 12},
-              {"kodak-dc50.kdc", "image/x-kodak-kdc", {768, 512}, 1, 8},
-              {"quicktake-100.qtk", "image/x-apple-quicktake", {640, 480}, 1, 12}}) {
-            const auto source = ImageSource::open(realPhoto("raw/") + QLatin1String(name));
-            QVERIFY2(source, source ? "" : qPrintable(source.error().text));
-            QCOMPARE(source->type(), QLatin1String(type));
-            QCOMPARE(source->info().rows.size, size);
-            QCOMPARE(source->properties().value(u"Orientation"_qs, 1).toInt(), orientation);
-            QCOMPARE(source->properties().value(u"Depth"_qs).toInt(), depth);
-            const auto image = source->createImage();
-            QVERIFY2(image, image ? "" : qPrintable(image.error().text));
-            QCOMPARE(image->size(), size);
-            QVERIFY(source->rowsBytes() > qint64(size.width()) * size.height() * 11);
-        }
-    }
-
     void developsLikeTheLibrarysProgram_data()
     {
         for (const char *name : {"canon-kiss-x4-colorchart.dng", "kodak-dc50.kdc", "quicktake-100.qtk"}) {
@@ -212,46 +179,6 @@ private Q_SLOTS:
         QCOMPARE(tiff.value(u"Model"_qs).toString(), u"QuickTake 100"_qs);
         const QByteArray copy = copied(realPhoto("raw/quicktake-100.qtk"), "image/jpeg", 0.8);
         QCOMPARE(exiftoolValue(put(u"qtk.jpg"_qs, copy), u"Model"_qs).trimmed(), QByteArray("QuickTake 100"));
-    }
-
-    void damagedJpegFailsInSilence()
-    {
-        const QSize size(112, 80);
-        const QByteArray jpeg = noisyJpeg(size);
-        const QByteArray cut = jpeg.left(jpeg.size() / 2) + QByteArray("\xff\xd9").repeated(jpeg.size() / 4);
-        const QByteArray text = assembledDng({size, 8, 1, false, 1, QByteArray("no JPEG").repeated(50)});
-        QFile printed(m_folder.path("printed"));
-        QVERIFY(printed.open(QIODevice::ReadWrite));
-        const int kept = dup(STDERR_FILENO);
-        dup2(printed.handle(), STDERR_FILENO);
-        QString error;
-        const QImage fromCut =
-            decoded(put(u"jpeg.dng"_qs, assembledDng({size, 8, 1, false, 1, cut})), &error);
-        const QImage fromText = decoded(put(u"text.dng"_qs, text));
-        dup2(kept, STDERR_FILENO);
-        close(kept);
-        QVERIFY(fromCut.isNull() && fromText.isNull());
-        QCOMPARE(error, u"the picture data are damaged"_qs);
-        QCOMPARE(printed.readAll(), QByteArray());
-    }
-
-    void limitsHold()
-    {
-        for (const auto &[size, limits, reason] : {Limit{{96, 64}, {6143, 1'000'000'000}, "too large"},
-                                                   {{96, 64}, {1'000'000, 100'000}, "MB of memory"},
-                                                   {{30000, 20000}, {}, "MB of memory"},
-                                                   {{9000, 9000}, {}, "truncated"},
-                                                   {{1, 1}, {}, ""}}) {
-            QByteArray dng = assembledDng({});
-            // The first two fields of the directory, which is the last thing in the file.
-            const qsizetype at = dng.indexOf(QByteArray("\0\1\4\0\1\0\0\0", 8));
-            QVERIFY(at > 0);
-            qToLittleEndian(quint32(size.width()), dng.data() + at + 8);
-            qToLittleEndian(quint32(size.height()), dng.data() + at + 20);
-            QString error;
-            QVERIFY(decoded(put(u"claim.dng"_qs, dng), &error, limits).isNull());
-            QVERIFY2(error.contains(reason) && !error.isEmpty(), qPrintable(error));
-        }
     }
 };
 

@@ -54,16 +54,9 @@ class QtReaderTest : public QObject
         QList<QRgb> colors; ///< of two rows of two; empty: not a picture
     };
 
-    struct FewBits {
-        QList<quint32> masks;
-        QByteArray pixels; ///< black, white, the middle of red, and transparent if possible
-        QList<QRgb> colors;
-    };
-
     struct Huge {
         Text name;
         QByteArray file;
-        bool isComplete;
     };
 
     void checkLargestIcon(const QString &suffix)
@@ -126,33 +119,6 @@ private Q_SLOTS:
         }
     }
 
-    void fewBitsReachWhite()
-    {
-        const QRgb half5 = qRgb(0x84, 0, 0);
-        const QString path = m_folder.path("few.bmp");
-        for (const auto &[masks, pixels, colors] :
-             {FewBits{{}, "\0\0\xff\x7f\0\x40\0\0"_qba, {0xff000000, 0xffffffff, half5, 0xff000000}},
-              {{0xf800, 0x7e0, 0x1f},
-               "\0\0\xff\xff\0\x80\0\0"_qba,
-               {0xff000000, 0xffffffff, half5, 0xff000000}},
-              {{0xf00, 0xf0, 0xf, 0xf000},
-               "\0\xf0\xff\xff\0\xf8\0\0"_qba,
-               {0xff000000, 0xffffffff, qRgb(0x88, 0, 0), 0}},
-              {{0x7c00, 0x3e0, 0x1f, 0x8000},
-               "\0\x80\xff\xff\0\xc0\0\0"_qba,
-               {0xff000000, 0xffffffff, half5, 0}}}) {
-            QByteArray maskBytes;
-            for (const quint32 mask : masks)
-                maskBytes += little32(mask);
-            QVERIFY(writeFile(path, bitmap({4, 1}, 16, masks.size() == 4 ? 108 : 40, masks.isEmpty() ? 0 : 3,
-                                           maskBytes, pixels)));
-            const QImage image = decoded(path);
-            QCOMPARE(image.size(), QSize(4, 1));
-            for (int x = 0; x < 4; ++x)
-                QCOMPARE(QString::number(image.pixel(x, 0), 16), QString::number(colors[x], 16));
-        }
-    }
-
     void tgaOfOtherPrograms()
     {
         const auto tga = [](int type, int bits, int descriptor, const QByteArray &pixels) {
@@ -184,56 +150,26 @@ private Q_SLOTS:
         }
     }
 
-    /// Runs may leave pixels out; those are of the palette's first color.
-    void skippedPixelsAreBlank()
-    {
-        const QByteArray palette = little32(0x102030) + little32(0xffffff);
-        QByteArray file = bitmap({40, 30}, 8, 40, 1, palette,
-                                 QByteArray("\0\2\x10\x10"
-                                            "\1\1\0\1",
-                                            8));
-        file.replace(46, 4, little32(2)); // colors used
-        const QString path = m_folder.path("skips.bmp");
-        QVERIFY(writeFile(path, file));
-        const QImage image = decoded(path);
-        QCOMPARE(image.size(), QSize(40, 30));
-        for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x)
-                QCOMPARE(image.pixel(x, y), x == 16 && y == 13 ? 0xffffffff : 0xff102030);
-        }
-    }
-
     void hugeFileOfLittleDataFails_data()
     {
-        addRow<Huge>(
-            {"TGA",
-             QByteArray("\0\0\x0a\0\0\0\0\0\0\0\0\0\x30\x75\x30\x75\x18\0", 18) + QByteArray(8000, 'x'),
-             false});
+        addRow<Huge>({"TGA", QByteArray("\0\0\x0a\0\0\0\0\0\0\0\0\0\x30\x75\x30\x75\x18\0", 18) +
+                                 QByteArray(8000, 'x')});
         for (int kind = 1; kind <= 6; ++kind)
             addRow<Huge>({QString::asprintf("P%d", kind),
                           "P" + QByteArray::number(kind) +
                               (kind % 3 == 1 ? " 30000 30000\n" : "# 1 1\n30000 30000 255\n") +
-                              QByteArray(8000, '1'),
-                          false});
-        // As few bytes as a picture can have.
-        addRows<Huge>({{"short P1", "P1\n#9\n2 2\n1 0 1 0\n", true},
-                       {"short P2", "P2 2 2 9 1 2 3 4\n", true},
-                       {"short P3", "P3 2 1 9 1 2 3 4 5 6\n", true},
-                       {"short P4", "P4 9 1\n\xff\x80", true},
-                       {"short P5", "P5 2 1 65535\n1122", true},
-                       {"short P6", "P6 1 1 255\nabc", true}});
+                              QByteArray(8000, '1')});
     }
 
     /// They would need gigabytes.
     void hugeFileOfLittleDataFails()
     {
-        auto [name, file, isComplete] = currentRow<Huge>();
+        auto [name, file] = currentRow<Huge>();
         const QString path = m_folder.path(file.startsWith('P') ? u"huge.pnm"_qs : u"huge.tga"_qs);
         QVERIFY(writeFile(path, file));
         const auto source = ImageSource::open(path);
-        QCOMPARE(source && source->createImage(), isComplete);
-        QCOMPARE(source ? QString() : source.error().text,
-                 isComplete ? QString() : u"the file is truncated"_qs);
+        QVERIFY(!source);
+        QCOMPARE(source.error().text, u"the file is truncated"_qs);
     }
 
     void largestIconIsRead()

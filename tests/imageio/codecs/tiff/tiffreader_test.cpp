@@ -6,11 +6,8 @@
 #include "support/bytes.h"
 #include "support/datarows.h"
 
-#include <QColor>
 #include <QTest>
 #include <QtEndian>
-
-#include <cmath>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -100,41 +97,6 @@ private Q_SLOTS:
         QCOMPARE(decoded(path), first);
     }
 
-    /// Lab values under D50 and their sRGB colors by the CIE formulas with Bradford's adaptation. Encodings:
-    /// TIFF 6.0, section 23, and for ICC's TIFF Technical Note 4.
-    void labIsThatOfPrint()
-    {
-        const struct {
-            int l, a, b; // lightness of 100, a and b in their own units
-            QRgb color;
-        } colors[] = {{100, 0, 0, qRgb(255, 255, 255)},  {0, 0, 0, qRgb(0, 0, 0)},
-                      {53, 0, 0, qRgb(126, 126, 126)},   {55, 39, 31, qRgb(201, 101, 80)},
-                      {60, -36, 23, qRgb(80, 161, 102)}, {40, 14, -51, qRgb(68, 89, 179)},
-                      {81, -2, 56, qRgb(222, 201, 92)}};
-        const QSize size(int(std::size(colors)), 1);
-        for (const auto &[isIcc, depth] : {std::pair{false, 8}, {false, 16}, {true, 8}, {true, 16}}) {
-            QByteArray pixels;
-            for (const auto &color : colors) {
-                const int steps = depth == 8 ? 1 : 256;
-                const double white = depth == 8 ? 255 : isIcc ? 0xff00 : 0xffff;
-                for (const int number : {qRound(color.l * white / 100), (color.a + (isIcc ? 128 : 0)) * steps,
-                                         (color.b + (isIcc ? 128 : 0)) * steps})
-                    pixels += littleEndian(number, depth / 8);
-            }
-            auto fields = tiffFields(size, isIcc ? 9 : 8, 3, 1, quint32(pixels.size()));
-            fields[2].second = quint32(depth);
-            const QString path = m_folder.path("lab.tif");
-            QVERIFY(writeFile(path, tiffOf(fields, pixels)));
-            const QImage image = decoded(path);
-            QCOMPARE(image.size(), size);
-            for (int x = 0; x < size.width(); ++x) {
-                const QImage is = flatPicture({1, 1}, image.pixelColor(x, 0));
-                const QImage wanted = flatPicture({1, 1}, colors[x].color);
-                QVERIFY2(differenceOf(is, wanted).worst < 4, qPrintable(is.pixelColor(0, 0).name()));
-            }
-        }
-    }
-
     void directoriesOfTiffAreBounded()
     {
         const QByteArray data(12, 'x');
@@ -159,44 +121,6 @@ private Q_SLOTS:
             QVERIFY(writeFile(path, tiffOf(fields, data)));
             QString error;
             QVERIFY(decoded(path, &error).isNull() && !error.isEmpty());
-        }
-    }
-
-    /// The data of a strip end early, and the file with them or not.
-    void cutTiffDataFail()
-    {
-        PLEXA_NEEDS_MAGICK();
-        for (const auto &[compression, number] :
-             {std::pair{"None", 1u}, {"LZW", 5u}, {"JPEG", 7u}, {"Group4", 4u}}) {
-            const QSize size(64, 48);
-            const QString origin = m_folder.path("origin.png");
-            const QString path = m_folder.path("strip.tif");
-            QVERIFY(detailedPicture(size).save(origin));
-            outputOf(magickConvert(),
-                     QStringList{origin} + words(number == 4 ? "-monochrome" : "-colorspace Gray -depth 8") +
-                         words("-compress %1 -define tiff:predictor=1 -define tiff:rows-per-strip=48 %2",
-                               compression, path));
-            const qsizetype start = exiftoolValue(path, u"StripOffsets"_qs).toLongLong();
-            const qsizetype bytes = exiftoolValue(path, u"StripByteCounts"_qs).toLongLong();
-            QByteArray data = contentsOf(path).mid(start, bytes);
-            if (number == 7) { // the tables stand in a field of their own
-                magick("%1 %2", path, m_folder.path("strip.jpg"));
-                data = contentsOf(m_folder.path("strip.jpg"));
-            }
-            QVERIFY(data.size() > 100);
-            const auto fields = [&](qsizetype count) {
-                auto list = tiffFields(size, 1, 1, number, quint32(count));
-                list[2].second = number == 4 ? 1 : 8;
-                return list;
-            };
-            QVERIFY(writeFile(path, tiffOf(fields(data.size()), data)));
-            QVERIFY(!decoded(path).isNull());
-            for (qsizetype length = 1; length < data.size() - 8; length += 1 + data.size() / 20) {
-                QVERIFY(writeFile(path, tiffOf(fields(data.size()), data.first(length))));
-                QVERIFY2(decoded(path).isNull(), qPrintable(QString::number(length)));
-                QVERIFY(writeFile(path, tiffOf(fields(length), data.first(length))));
-                QVERIFY2(decoded(path).isNull(), qPrintable(QString::number(length)));
-            }
         }
     }
 

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "imageio/embedded/embeddedmetadata.h"
 #include "imageio/pictures.h"
 #include "support/datarows.h"
 #include "support/exiftool.h"
 
-#include <QRandomGenerator>
 #include <QTest>
 
 using namespace plexa;
@@ -105,46 +103,6 @@ private Q_SLOTS:
                 outputOf("exiftool -n -s3 -IFD0:XResolution -IFD0:YResolution -IFD0:ResolutionUnit %1", path),
                 printed);
         }
-    }
-
-    /// Damaged offsets must not lead outside of the structure, nor cost the picture.
-    void damagedExifDoesNoHarm()
-    {
-        PLEXA_NEEDS_PHOTOS();
-        const QImage image = picture({40, 30}, false);
-        const QString path = m_folder.path("damaged.tif");
-        const auto metadata = EmbeddedMetadata::read(realPhoto("jpeg/canon-eos-450d.jpg"));
-        const QByteArray exif = metadata->encodeForCopy(metadata->properties(), {image.size(), 0}).exif;
-        QVERIFY(exif.size() > 1000);
-        QRandomGenerator random(3);
-        for (int round = 0; round < 40; ++round) {
-            WriteOptions options;
-            options.exif = exif.first(round % 3 == 0 ? int(random.bounded(400)) : exif.size());
-            for (int i = 0; i < 8 && !options.exif.isEmpty(); ++i)
-                options.exif[random.bounded(qMin(400, int(options.exif.size())))] = char(random.bounded(256));
-            QBuffer file;
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            const auto writer = imageFormatOfType(QLatin1String(kType))
-                                    ->codec->openWriter(file, {image.size(), false}, options);
-            QVERIFY(writer && (*writer)->writeRows(image, image.height()) && (*writer)->finish());
-            QVERIFY(writeFile(path, file.data()));
-            QCOMPARE(decoded(path), image);
-        }
-    }
-
-    void unfinishedWriterStaysQuiet()
-    {
-        const QImage image = picture({400, 400}, false);
-        QBuffer file;
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        {
-            const auto writer = openDestination(file, {image.size(), false}, {QLatin1String(kType), {}});
-            QVERIFY(writer);
-            QVERIFY((*writer)->writeRows(image, 300));
-            file.close();
-        }
-        QVERIFY(writeFile(m_folder.path("cut.tif"), file.data()));
-        QVERIFY(decoded(m_folder.path("cut.tif")).isNull());
     }
 };
 

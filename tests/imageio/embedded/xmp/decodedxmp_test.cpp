@@ -84,54 +84,6 @@ private Q_SLOTS:
         check(xmpPacket(kPhotoshop, "<photoshop:City>a&#xD;b</photoshop:City>"), {}, {"a&#xD;b"});
     }
 
-    /// The library decodes the XMP of these files by itself: a TIFF, and EXIF with a packet inside.
-    void packetsInExifDoNotReachOtherPhotos()
-    {
-        const QByteArray xmp = xmpPacket("xmlns:dc='urn:other/' xmlns:Iptc4xmpCore='urn:core/' dc:format='x' "
-                                         "Iptc4xmpCore:Location='x'");
-        const QByteArray tiff = "MM\0\x2A\0\0\0\x08"_ba + exifDirectory(8, {{700, 1, xmp}});
-        QVERIFY(writeFile(m_folder.path("a.tif"), tiff));
-        QVERIFY(writeFile(m_folder.path("a.jpg"), jpegWith({.exif = tiff})));
-        for (const QString &name : {u"a.tif"_s, u"a.jpg"_s}) {
-            EmbeddedMetadata::read(m_folder.path(name));
-            const QString copy = copyOf(xmpPacket(kPhotoshop + "photoshop:Credit='me'"),
-                                        {{kCGImagePropertyIPTCKeywords, QVariantList{u"lake"_s}},
-                                         {kCGImagePropertyIPTCScene, QVariantList{u"010100"_s}}});
-            QVERIFY(!contentsOf(copy).contains("urn:"));
-            const QJsonObject record = exiftoolRecords({copy}).value(copy);
-            QCOMPARE(record[u"XMP-photoshop:Credit"_s].toString(), u"me"_s);
-            QCOMPARE(record[u"XMP-iptcCore:Scene"_s].toArray().at(0).toString(), u"010100"_s);
-        }
-    }
-
-    /// The main packet of a JPEG and its extended one, each with prefixes of its own, and one prefix with
-    /// two addresses.
-    void bothPacketsKeepTheirNamespaces()
-    {
-        const QByteArray more = xmpPacket("xmlns:shopy='urn:y:1' xmlns:same='http://example.com/more/' "
-                                          "shopy:code='y' same:code='more'");
-        const QByteArray guid = QCryptographicHash::hash(more, QCryptographicHash::Md5).toHex().toUpper();
-        const QByteArray main = xmpPacket(
-            "xmlns:xmpNote='http://ns.adobe.com/xmp/note/' xmlns:shopx='http://example.com/ns' "
-            "xmlns:same='http://example.com/main/' shopx:code='x' same:code='main' xmpNote:HasExtendedXMP='" +
-            guid + '\'');
-        const QByteArray extension =
-            "http://ns.adobe.com/xmp/extension/\0"_ba + guid + big32(more.size()) + big32(0) + more;
-        const QString copy = copyOf(main, {}, jpegSegment(0xE1, extension));
-        const QByteArray contents = contentsOf(copy);
-        QVERIFY(contents.contains("xmlns:shopx=\"http://example.com/ns\""));
-        QVERIFY(contents.contains("xmlns:shopy=\"urn:y:1\""));
-        const QJsonObject record = exiftoolRecords({copy}).value(copy);
-        QCOMPARE(record[u"XMP-shopx:Code"_s].toString(), u"x"_s);
-        QCOMPARE(record[u"XMP-shopy:Code"_s].toString(), u"y"_s);
-        QCOMPARE(record[u"XMP-same:Code"_s].toString(), u"main"_s);
-        const qsizetype at = contents.indexOf("=\"http://example.com/more/\"");
-        QVERIFY(at > 0);
-        const QByteArray prefix = contents.first(at).sliced(contents.lastIndexOf("xmlns:", at) + 6);
-        QVERIFY(contents.contains(' ' + prefix + ":code=\"more\"") ||
-                contents.contains('<' + prefix + ":code>more<"));
-    }
-
     /// The library reads "type=" as a command.
     void commandsAreTexts()
     {
@@ -158,18 +110,6 @@ private Q_SLOTS:
             QVERIFY(!contentsOf(copy).contains("d\0e"_ba));
             QCOMPARE(m_omitted, QStringList());
         }
-    }
-
-    /// A text in the place of a structure accepts no parts.
-    void refusedPropertyIsReported()
-    {
-        const QVariantMap contact{{kCGImagePropertyIPTCContactInfoCity, u"Oslo"_s}};
-        const QString copy =
-            copyOf(xmpPacket("xmlns:core='http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/' " + kPhotoshop +
-                             "core:CreatorContactInfo='me' photoshop:Headline='kept'"),
-                   {{kCGImagePropertyIPTCCreatorContactInfo, contact}});
-        QCOMPARE(m_omitted, QStringList(u"XMP iptc:CreatorContactInfo"_s));
-        QCOMPARE(exiftoolValue(copy, u"XMP-photoshop:Headline"_s), "kept");
     }
 
     /// Packets with known faults are repaired, others are left out and reported.
