@@ -2,9 +2,9 @@
 
 #include "cli/photochoice.h"
 
+#include ""
 #include "images/copywriter.h"
 #include "platform/orderedwork.h"
-#include "platform/startablethreads.h"
 
 #include <QFileInfo>
 #include <QHash>
