@@ -78,9 +78,9 @@ PhotoSearch photosAt(const std::vector<std::string> &paths, const std::string &l
 {
     PhotoSearch search;
     FolderWalk::Visitor visitor;
-    visitor.found = [&](const QString &path) { search.photos.push_back({path, {}}); };
+    visitor.found = [&](const QString &path) { search.photos.push_back({path, {}, true}); };
     visitor.unreadable = [&](const FolderWalk::Unreadable &what) {
-        (what.isPhoto ? search.photos : search.notRead).push_back({what.path, what.reason});
+        (what.isPhoto ? search.photos : search.notRead).push_back({what.path, what.reason, true});
     };
     visitor.isStopped = [] { return false; };
     FolderWalk::Rules rules;

@@ -30,7 +30,8 @@ CLI::Option *addPaths(CLI::App &command, const char *name, std::vector<std::stri
 
 struct PhotoPath {
     QString path;
-    QString failure; ///< why it cannot be read, if known already; else empty
+    QString failure;      ///< why it cannot be read, if known already; else empty
+    bool isFound = false; ///< in a folder; else named itself
 };
 
 /// The path as a text, with a failure if the text cannot be converted back to the path.

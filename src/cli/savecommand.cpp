@@ -6,6 +6,7 @@
 #include "cli/interruption.h"
 #include "cli/messages.h"
 #include "cli/pathlist.h"
+#include "cli/photochoice.h"
 #include "cli/photopaths.h"
 #include "cli/runpresets.h"
 #include "cli/saveoptions.h"
@@ -115,7 +116,8 @@ Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
 }
 
 /// @return the exit status
-int saveAll(SavingRun &run, const PhotoSearch &search, const SaveOptions &options, const FontCatalog &fonts)
+int saveAll(SavingRun &run, const PhotoSearch &search, qint64 leftOut, const SaveOptions &options,
+            const FontCatalog &fonts)
 {
     const std::vector<PhotoPath> &photos = search.photos;
     run.jobs = threadsToUse(run.jobs);
@@ -139,7 +141,7 @@ int saveAll(SavingRun &run, const PhotoSearch &search, const SaveOptions &option
         return {photo.path, std::make_shared<ImageObject>(photo.path, services), {}};
     };
     SaveReport report({options.json, options.quiet, run.effectivePresets.size() > 1},
-                      {qint64(search.notRead.size())});
+                      {qint64(search.notRead.size()), leftOut});
     NoQuestions alerts;
     Saving saving(alerts);
     catchInterruptions();
@@ -162,12 +164,21 @@ int runSave(const SaveOptions &options)
     Result<SavingRun> run = planRun(options, fonts);
     if (!run)
         return refuse(run.error().text);
-    const PhotoSearch search = photosAt(*paths, options.output, !options.noRecurse);
+    PhotoSearch search = photosAt(*paths, options.output, !options.noRecurse);
     for (const PhotoPath &path : search.notRead)
         printAbout(path.path, path.failure);
+    leaveOutRepetitions(search);
+    const LeftOutCopies leftOut = leaveOutCopies(search);
+    if (leftOut.count > 0 && !options.quiet)
+        printLine(stderr,
+                  onOneLine(QStringLiteral("plexa-cli: copies of earlier runs in folders are left out: "
+                                           "%1, the first is \"%2\"; to watermark a copy again, name "
+                                           "its file")
+                                .arg(leftOut.count)
+                                .arg(leftOut.first)));
     if (search.photos.empty())
         printLine(stderr, QStringLiteral("plexa-cli: no photos found"));
-    return saveAll(*run, search, options, fonts);
+    return saveAll(*run, search, leftOut.count, options, fonts);
 }
 
 } // namespace plexa
