@@ -2,7 +2,7 @@
 
 #include "cli/photochoice.h"
 
-#include ""
+#include "cli/messages.h"
 #include "images/copywriter.h"
 #include "platform/orderedwork.h"
 
@@ -64,7 +64,9 @@ LeftOutCopies leaveOutCopies(PhotoSearch &search)
     std::vector<char> areCopies(search.photos.size()); // not bits: each thread writes its own element
     OrderedWork work;
     work.count = search.photos.size();
-    work.threads = std::max(startableThreads(static_cast<int>(std::thread::hardware_concurrency())), 1);
+    work.threads = threadsToUse(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())));
+    if (work.threads < 1) // the run cannot start any either
+        return leftOut;
     work.work = [&](std::size_t i) {
         const PhotoPath &photo = search.photos[i];
         areCopies[i] = photo.isFound && photo.failure.isEmpty() && isWrittenCopy(photo.path);
