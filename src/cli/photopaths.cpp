@@ -74,17 +74,18 @@ PhotoPath decodedPath(const std::string &path)
     return {text, QStringLiteral("its name is not valid UTF-8")};
 }
 
-PhotoSearch photosAt(const std::vector<std::string> &paths, const std::string &leftOut)
+PhotoSearch photosAt(const std::vector<std::string> &paths, const std::string &leftOut, bool recurses)
 {
     PhotoSearch search;
     FolderWalk::Visitor visitor;
-    visitor.found = [&](const QString &path) { search.photos.push_back({path, {}}); };
+    visitor.found = [&](const QString &path) { search.photos.push_back({path, {}, true}); };
     visitor.unreadable = [&](const FolderWalk::Unreadable &what) {
-        (what.isPhoto ? search.photos : search.notRead).push_back({what.path, what.reason});
+        (what.isPhoto ? search.photos : search.notRead).push_back({what.path, what.reason, true});
     };
     visitor.isStopped = [] { return false; };
     FolderWalk::Rules rules;
     rules.isSorted = true;
+    rules.entersFolders = recurses;
     rules.entersHiddenFolders = false;
     rules.leftOut = decodedPath(leftOut).path;
     rules.isWanted = isPhotoName;

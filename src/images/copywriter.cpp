@@ -21,12 +21,17 @@ namespace
 constexpr int kTiffCompressionNone = 1;
 constexpr int kTiffCompressionLzw = 5;
 
+QString softwareOfCopies()
+{
+    return applicationNameWithCompany();
+}
+
 /// The dictionary that the copy carries: the photo's, for pixels that are upright and square.
 QVariantMap propertiesOfCopy(ImageMetadata metadata, const CopyOrder &order, const Uprighting &uprighting)
 {
     metadata.setOrientation(1);
     metadata.setCompressionQuality(order.quality);
-    metadata.setTiffSoftware(applicationNameWithCompany());
+    metadata.setTiffSoftware(softwareOfCopies());
     metadata.setTiffCompression(order.tiffLzw ? kTiffCompressionLzw : kTiffCompressionNone);
     if (uprighting.isStretched()) {
         const double dpi = std::max(metadata.dpiWidth().toDouble(), metadata.dpiHeight().toDouble());
@@ -245,6 +250,16 @@ Result<CopyOrder> copyOrderFor(const QString &path, const CopyTarget &target,
     order.quality = savingPreset.jpegQuality / 100.0;
     order.tiffLzw = savingPreset.tiffCompressionLZW;
     return order;
+}
+
+bool isWrittenCopy(const QString &path)
+{
+    try {
+        const Result<ImageSource> source = ImageSource::open(path);
+        return source && ImageMetadata(source->properties()).tiffSoftware() == softwareOfCopies();
+    } catch (const std::bad_alloc &) {
+        return false; // reading it as a photo reports this
+    }
 }
 
 Result<CopyReport> writeCopy(const CopyOrder &order, const PhotoServices &services)

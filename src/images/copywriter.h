@@ -73,6 +73,11 @@ struct CopyReport {
     QStringList notices;   ///< about the marks, as texts that follow the photo's path
 };
 
+/// Is the file a copy that writeCopy() has written? Decided by the name of this program, which copies carry
+/// as their software; so a GIF or BMP file, which has none, is never one. Reads the file up to its metadata.
+/// Any thread.
+bool isWrittenCopy(const QString &path);
+
 /// Reads the photo, draws the watermarks and writes the copy. A photo that needs no turning passes through in
 /// strips; another one is decoded whole. A failure leaves no file. Any thread.
 [[nodiscard]] Result<CopyReport> writeCopy(const CopyOrder &order, const PhotoServices &services);

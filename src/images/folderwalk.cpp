@@ -5,6 +5,7 @@
 #include "imageio/imageformat.h"
 #include "platform/filenames.h"
 
+#include <QCollator>
 #include <QCoreApplication>
 #include <QFile>
 
@@ -17,7 +18,7 @@
 #include <filesystem>
 #include <string>
 #include <system_error>
-#include <vector>
+#include <utility>
 
 namespace plexa
 {
@@ -52,6 +53,25 @@ struct FolderWalk::Entry {
     std::string path; // a fs::path would keep its parts as well
     bool isFolder;    // as its parent lists it
 };
+
+/// By name, numbers in names by their value, in the same order for every locale of the user.
+void FolderWalk::sortNaturally(std::vector<Entry> &entries)
+{
+    QCollator collator(QLocale(QLocale::English));
+    collator.setNumericMode(true);
+    std::vector<std::pair<QCollatorSortKey, Entry>> keyed;
+    keyed.reserve(entries.size());
+    for (Entry &entry : entries) {
+        const QString path = QFile::decodeName(QByteArray::fromStdString(entry.path));
+        keyed.emplace_back(collator.sortKey(path.mid(path.lastIndexOf(u'/') + 1)), std::move(entry));
+    }
+    std::sort(keyed.begin(), keyed.end(), [](const auto &one, const auto &other) {
+        const int order = one.first.compare(other.first);
+        return order != 0 ? order < 0 : one.second.path < other.second.path;
+    });
+    std::transform(keyed.begin(), keyed.end(), entries.begin(),
+                   [](auto &entry) { return std::move(entry.second); });
+}
 
 FolderWalk::FolderWalk(Visitor visitor)
     : FolderWalk(std::move(visitor), Rules())
@@ -105,8 +125,7 @@ void FolderWalk::list(const QString &path)
         m_visitor.unreadable({path, Texts::tr("the folder cannot be read: %1").arg(why)});
     }
     if (m_rules.isSorted) {
-        std::sort(entries.begin(), entries.end(),
-                  [](const Entry &one, const Entry &other) { return one.path < other.path; });
+        sortNaturally(entries);
     }
     for (const Entry &entry : entries) {
         if (m_visitor.isStopped())
@@ -120,7 +139,8 @@ void FolderWalk::visit(const Entry &entry)
     const QByteArray bytes = QByteArray::fromStdString(entry.path);
     const QString path = QFile::decodeName(bytes);
     const bool isHidden = path.mid(path.lastIndexOf(u'/') + 1).startsWith(u'.');
-    if (isHidden && !(entry.isFolder && m_rules.entersHiddenFolders))
+    if ((isHidden && !(entry.isFolder && m_rules.entersHiddenFolders)) ||
+        (entry.isFolder && !m_rules.entersFolders))
         return;
     const bool isPhoto = !entry.isFolder && imageFormatOfSuffix(fileExtensionOf(path));
     const bool isTooLong = bytes.size() >= PATH_MAX; // nothing can be opened by such a path

@@ -9,6 +9,7 @@
 #include <functional>
 #include <optional>
 #include <set>
+#include <vector>
 
 namespace plexa
 {
@@ -33,7 +34,9 @@ public:
     };
 
     struct Rules {
-        bool isSorted = false;           ///< by name within a folder; else as the file system lists them
+        bool isSorted =
+            false; ///< by name within a folder, "9" before "10"; else as the file system lists them
+        bool entersFolders = true;       ///< in folders
         bool entersHiddenFolders = true; ///< that were not given themselves
         QString leftOut;                 ///< a folder that is not entered unless given; may be empty
         bool (*isWanted)(const QString &path) = isImageFile; ///< is this, which is no folder, a picture file?
@@ -57,6 +60,7 @@ private:
     struct Entry;
 
     static std::optional<FolderId> folderAt(const QString &path);
+    static void sortNaturally(std::vector<Entry> &entries);
     void list(const QString &path);
     void visit(const Entry &entry);
 

@@ -176,6 +176,24 @@ private Q_SLOTS:
                  {"--text x --saving-preset ''", "nothing"},
                  {"--text x --replicate-from ''", "nothing"},
                  {"--text x --replicate-from 'no such folder'", "no such folder"},
+                 {"--text x --set blendMode=multiply", "Multiply, Screen"},
+                 {"--text x --set font=Helvetica", "no font \"Helvetica\""},
+                 {"--text x --set 'font=DejaVu Sans'", "DejaVuSans"},
+                 {"--set 'textTokens=[(c) ,creator]'", "not JSON"},
+                 {"--text '{Creator}'", "mean {creator}"},
+                 {"--text 'a{'", "no \"}\""},
+                 {"--text x --name '{nope}'", "plexa-cli tokens"},
+                 {"--text x --format webp", "JPEG"},
+                 {"--text x --format PNG --quality 50", "no effect on PNG"},
+                 {"--text x --combine", "--combine has no effect"},
+                 {"--text x --ignore-assigned", "--ignore-assigned has no effect"},
+                 {"--text x --set image=a.png", "no effect"},
+                 {"--text x --set textTokens=y", "together"},
+                 {"--text x --image a.png", "--text and --image cannot"},
+                 {"--text x --text y", "more than once"},
+                 {"--text x -0", "-0 needs --files-from"},
+                 {"--text x --files-from nowhere", "nowhere"},
+                 {"--text x --jobs", "--jobs needs a value"},
                  {"--text x --saving-presets %1 --saving-preset WEBP", "WEBP"},
                  {"--text x --saving-presets %1 --saving-preset Alternative", "\"Original\""},
                  {"--text x --saving-presets %1 --saving-preset Best", "quality is 500"}}) {
@@ -189,7 +207,88 @@ private Q_SLOTS:
                                            words(options.toUtf8().constData(), presets));
             QCOMPARE(outcome.status, 2);
             QVERIFY2(outcome.err.contains(message.toUtf8()), outcome.err.constData());
+            QVERIFY2(outcome.err.startsWith("plexa-cli: ") && outcome.err.count('\n') == 1,
+                     outcome.err.constData());
             QVERIFY(outcome.out.isEmpty() && !QFile::exists(path("out")));
+        }
+        for (const auto &[arguments, message] : {std::pair("", "no command"),
+                                                 {"frob", "no command \"frob\""},
+                                                 {"inspect --frob", "option --frob"}}) {
+            const ProgramRun outcome = run(arguments);
+            QVERIFY2(outcome.status == 2 && outcome.err.contains(message), outcome.err.constData());
+        }
+    }
+
+    /// Two texts are the same if their copies are.
+    void tokensInBraces()
+    {
+        const auto copyWith = [&](const QStringList &options) {
+            const ProgramRun outcome =
+                run(words("save --conflict overwrite -q -o %1 %2", path("out"), path("in/a.png")) + options);
+            return outcome.status == 0 ? contentsOf(path("out/a.png")) : outcome.err;
+        };
+        for (const auto &[text, pieces] :
+             {std::pair("{filename}{{{height}}", R"(["filename","{","height","}"])"),
+              {"filename", R"(["f","ilename"])"},
+              {"{width}width", R"(["width","w","idth"])"}})
+            QCOMPARE(copyWith(words("--text %1", text)), copyWith(words("--set textTokens=%1", pieces)));
+        QVERIFY(copyWith(words("--text {filename}")) != copyWith(words("--text filename")));
+    }
+
+    void namesAndPathsFromOptions()
+    {
+        QVERIFY(QDir().mkpath(path("in/deep")) && smoothPicture({40, 40}).save(path("in/deep/c.jpg")));
+        const ProgramRun named = run("save --text x -j 2 -q --no-recurse --format tif --start 8 --name "
+                                     "'{{{sequence ##}_{filename}width' -o %1 %2",
+                                     path("out"), path("in"));
+        QVERIFY2(named.status == 0 && named.err.isEmpty(), named.err.constData());
+        QCOMPARE(namesIn(path("out")), words("{08_awidth.tif {09_bwidth.tif"));
+        // The paths of a list, with the null byte or the line as their end.
+        for (const char *command :
+             {"printf '%s\\0' \"$1/a.png\" \"$1/b.jpg\" | \"$0\" save --text x -n --json --files-from - -0",
+              "printf '%s\\n\\n' \"$1/a.png\" \"$1/b.jpg\" > list; \"$0\" save --text x -n --json "
+              "--files-from list"}) {
+            const ProgramRun listed = runProgram(
+                u"/bin/sh"_s, words("-c %1 %2 %3", u"cd \"$1/..\"; "_s + QLatin1StringView(command),
+                                    program(), path("in")));
+            QVERIFY2(listed.status == 0, listed.err.constData());
+            QCOMPARE(jsonLines(listed.out).size(), 2);
+        }
+    }
+
+    void piecesThatAreNearlyTokens()
+    {
+        const ProgramRun outcome =
+            run("save -n --set 'textTokens=[\"Creator\",\"Copyright: \",\"copyright\"]' "
+                "--save-set 'filenameTokens=[\"file name\",\"sequence\",\"x\"]' %1",
+                path("in"));
+        QCOMPARE(outcome.err.count("is literal text"), 3);
+        for (const char *notice :
+             {"textTokens: \"Creator\" is literal text; the token is \"creator\"\n",
+              "filenameTokens: \"file name\" is literal text; the token is \"filename\"\n",
+              "\"sequence\" is literal text; the token is \"sequence #\"\n"})
+            QVERIFY2(outcome.err.contains(notice), outcome.err.constData());
+    }
+
+    void listsAndHelp()
+    {
+        const QJsonArray tokens = QJsonDocument::fromJson(run("tokens --json").out).array();
+        QCOMPARE(tokens.size(), 68);
+        for (const QJsonValue &token : tokens)
+            QVERIFY2(!token[u"example"_s].toString().isEmpty(), qPrintable(token[u"name"_s].toString()));
+        const QJsonArray fields = QJsonDocument::fromJson(run("fields --json").out).array();
+        QCOMPARE(fields.size(), 44 + 8);
+        const QJsonArray width = QJsonDocument::fromJson(run("fields --json width").out).array();
+        QCOMPARE(width.size(), 1);
+        QCOMPARE(width[0][u"highest"_s], QJsonValue(100'000));
+        QVERIFY(run("fields font").out.contains("DejaVuSans-Bold"));
+        QCOMPARE(run("fields nope").status, 2);
+        for (const char *command : {"--help", "save --help", "inspect --help", "presets --help",
+                                    "fields --help", "tokens --help", "fields"}) {
+            const ProgramRun printed = run(command);
+            QCOMPARE(printed.status, 0);
+            for (const QString &line : QString::fromUtf8(printed.out).split(u'\n'))
+                QVERIFY2(line.size() <= 80, qPrintable(line));
         }
     }
 
@@ -293,7 +392,7 @@ private Q_SLOTS:
         // The copies of the first run are no photos of the second one.
         for (int time = 0; time < 2; ++time) {
             run("save --text x --conflict overwrite --output %1 %2", path("in/out"), path("in"));
-            QCOMPARE(namesIn(path("in/out")).size(), 4);
+            QCOMPARE(namesIn(path("in/out")), words("a.png b.jpg"));
         }
     }
 
@@ -354,6 +453,45 @@ private Q_SLOTS:
             QVERIFY(!*json || lines[0][u"status"_s] == u"failed"_s);
         }
         QVERIFY(namesIn(path("out")).contains(u"a.png"));
+    }
+
+    /// A second run over a folder leaves the copies of the first one out, in every format with metadata; one
+    /// that is named is a photo like others.
+    void copiesAreNotMarkedAgain()
+    {
+        for (const char *format : {"Original", "TIFF", "HEIC"}) {
+            startAnew();
+            const QStringList arguments =
+                words("save --text x --json --save-set imageFormat=%1 %2", QLatin1String(format), path("in"));
+            QCOMPARE(run(arguments).status, 0);
+            const QStringList copies = namesIn(path("in"));
+            QCOMPARE(copies.size(), 4);
+            const ProgramRun again = run(arguments);
+            QCOMPARE(jsonSummary(again.out)[u"leftOut"_s], 2);
+            QCOMPARE(jsonSummary(again.out)[u"written"_s], 2);
+            QVERIFY2(again.err.contains("left out: 2, the first is"), again.err.constData());
+        }
+        run("save --text x --conflict overwrite %1", path("in/a.png"));
+        const QByteArray once = contentsOf(path("in/a.png"));
+        run("save --text x --conflict overwrite %1", path("in"));
+        QCOMPARE(contentsOf(path("in/a.png")), once);
+        run("save --text x --conflict overwrite %1 %2", path("in"), path("in/a.png"));
+        QVERIFY(contentsOf(path("in/a.png")) != once);
+    }
+
+    /// In the order of their numbers, each once, whichever paths lead to it.
+    void orderOfPhotos()
+    {
+        for (const char *name : {"in/c10.png", "in/c9.png", "in/C1.png"})
+            QVERIFY(QFile::copy(path("in/a.png"), path(name)));
+        QVERIFY(QFile::link(path("in"), path("link")));
+        QStringList names;
+        for (const QJsonObject &line :
+             jsonLines(run("save --text x --dry-run --json --output %1 %2 %3 %4 %5", path("out"),
+                           path("in/c9.png"), path("in"), path("in/../in/a.png"), path("link/b.jpg"))
+                           .out))
+            names.append(QFileInfo(line[u"source"_s].toString()).fileName());
+        QCOMPARE(names, words("c9.png a.png b.jpg C1.png c10.png"));
     }
 
     /// Not a failure unless one is required, but reported whatever else is silent. The dry run knows empty

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "cli/photochoice.h"
+
+#include "cli/messages.h"
+#include "images/copywriter.h"
+#include "platform/orderedwork.h"
+
+#include <QFileInfo>
+#include <QHash>
+
+#include <algorithm>
+#include <thread>
+
+namespace plexa
+{
+namespace
+{
+
+/// The same text for all paths of one entry of a folder. Resolves each folder once.
+class EntryKeys
+{
+public:
+    QString keyOf(const QString &path)
+    {
+        const QFileInfo info(path);
+        const QString folder = info.path();
+        auto found = m_folders.find(folder);
+        if (found == m_folders.end())
+            found = m_folders.insert(folder, QFileInfo(folder).canonicalFilePath());
+        return *found + u'/' + info.fileName();
+    }
+
+private:
+    QHash<QString, QString> m_folders; // by the folder as given
+};
+
+} // namespace
+
+void leaveOutRepetitions(PhotoSearch &search)
+{
+    EntryKeys keys;
+    QHash<QString, std::size_t> places;
+    std::vector<PhotoPath> photos;
+    for (PhotoPath &photo : search.photos) {
+        const QString key = keys.keyOf(photo.path);
+        const auto found = photo.failure.isEmpty() ? places.constFind(key) : places.constEnd();
+        if (found != places.constEnd()) {
+            photos[*found].isFound = photos[*found].isFound && photo.isFound;
+            continue;
+        }
+        places.insert(key, photos.size());
+        photos.push_back(std::move(photo));
+    }
+    search.photos = std::move(photos);
+}
+
+LeftOutCopies leaveOutCopies(PhotoSearch &search)
+{
+    LeftOutCopies leftOut;
+    if (std::none_of(search.photos.begin(), search.photos.end(),
+                     [](const PhotoPath &p) { return p.isFound; }))
+        return leftOut;
+    std::vector<char> areCopies(search.photos.size()); // not bits: each thread writes its own element
+    OrderedWork work;
+    work.count = search.photos.size();
+    work.threads = threadsToUse(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())));
+    if (work.threads < 1) // the run cannot start any either
+        return leftOut;
+    work.work = [&](std::size_t i) {
+        const PhotoPath &photo = search.photos[i];
+        areCopies[i] = photo.isFound && photo.failure.isEmpty() && isWrittenCopy(photo.path);
+    };
+    work.deliver = [&](std::size_t i) {
+        if (areCopies[i] && leftOut.count++ == 0)
+            leftOut.first = search.photos[i].path;
+    };
+    runOrdered(work);
+    std::size_t i = 0;
+    std::erase_if(search.photos, [&](const PhotoPath &) { return areCopies[i++] != 0; });
+    return leftOut;
+}
+
+} // namespace plexa
