@@ -57,7 +57,8 @@ struct LineMetrics {
     }
 };
 
-/// The text with the text engine's line breaks, without other control characters.
+/// The text with the text engine's line breaks, without other control characters. Variation selectors go,
+/// too: the engine shows them as boxes where the font does not know them.
 QString preparedForSetting(const QString &text)
 {
     QString prepared;
@@ -68,12 +69,46 @@ QString preparedForSetting(const QString &text)
                              c == QChar::ParagraphSeparator || c == QChar::LineSeparator;
         if (c == u'\r' && i + 1 < text.size() && text.at(i + 1) == u'\n')
             continue;
+        if (c == QChar(0xfe0f) || c == QChar(0xfe0e))
+            continue;
         if (isBreak)
             prepared += QChar(QChar::LineSeparator);
         else if (c == u'\t' || c.category() != QChar::Other_Control)
             prepared += c;
     }
     return prepared;
+}
+
+/// The character at a position, as UTF-32.
+char32_t characterAt(const QString &text, qsizetype at)
+{
+    const bool isPair = at + 1 < text.size() && text.at(at).isHighSurrogate();
+    return isPair ? QChar::surrogateToUcs4(text.at(at), text.at(at + 1)) : text.at(at).unicode();
+}
+
+/// The visible characters of a finished layout without a glyph, each once.
+QString missingIn(const QTextLayout &layout)
+{
+    const auto lacksGlyph = [&layout](int from, int length) {
+        const QList<QGlyphRun> runs = layout.glyphRuns(from, length);
+        // Without a font for a script, a run has one of boxes, which has no tables.
+        return std::any_of(runs.begin(), runs.end(), [](const QGlyphRun &run) {
+            return run.glyphIndexes().contains(0U) || run.rawFont().fontTable("head").isEmpty();
+        });
+    };
+    QString missing;
+    const QString text = layout.text();
+    if (!lacksGlyph(0, static_cast<int>(text.size())))
+        return missing;
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        const char32_t character = characterAt(text, at);
+        const QString piece = QString::fromUcs4(&character, 1);
+        const bool isKnown = missing.contains(piece) || text.indexOf(piece) < at;
+        if (!QChar::isSpace(character) && !isKnown && lacksGlyph(static_cast<int>(at), 1))
+            missing += piece;
+        at += piece.size() - 1;
+    }
+    return missing;
 }
 
 QTextOption optionsFor(TextAlignment alignment)
@@ -107,8 +142,9 @@ public:
         m_top += metrics.height();
     }
 
-    TextSetting setting() &&
+    TextSetting setting(const QString &missing) &&
     {
+        m_setting.missing = missing;
         m_setting.height = m_top / kEm;
         return std::move(m_setting);
     }
@@ -210,7 +246,7 @@ Result<TextSetting> setText(const QString &text, const FontCatalog &fonts, const
     layout.endLayout();
     for (int i = 0; i < layout.lineCount(); ++i)
         glyphs.addLine(layout.lineAt(i));
-    return std::move(glyphs).setting();
+    return std::move(glyphs).setting(missingIn(layout));
 }
 
 double lineHeightInEms(const FontCatalog &fonts, const QString &fontName)

@@ -36,6 +36,7 @@ struct TextSetting {
     std::vector<Glyph> glyphs;        ///< the visible ones, in reading order
     std::vector<PictureGlyph> pictureGlyphs;
     double height = 0; ///< of the frame
+    QString missing;   ///< the characters that no installed font has, each once; a box is drawn for them
 };
 
 /// The most UTF-16 units that a watermark's text may have.

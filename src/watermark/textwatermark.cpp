@@ -7,6 +7,7 @@
 #include "watermark/watermarklayout.h"
 #include "watermark/wpresetvalues.h"
 
+#include <QCoreApplication>
 #include <QPainter>
 
 #include <algorithm>
@@ -16,6 +17,10 @@ namespace plexa
 {
 namespace
 {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(plexa::TextWatermark)
+};
 
 /// Longer sides exceed the range of int.
 constexpr double kMaxSide = 1e9;
@@ -214,6 +219,23 @@ private:
     QRectF m_bounds;
 };
 
+/// The notice about characters that no font has.
+QString missingText(const QString &characters)
+{
+    constexpr qsizetype kMost = 5;
+    QStringList names;
+    const QList<uint> all = characters.toUcs4();
+    for (const uint c : all.first(std::min(kMost, all.size()))) {
+        const char32_t character = c;
+        names.append(QStringLiteral("\"%1\" (U+%2)")
+                         .arg(QString::fromUcs4(&character, 1))
+                         .arg(c, 4, 16, QLatin1Char('0')));
+    }
+    if (all.size() > kMost)
+        names.append(Texts::tr("%n more", nullptr, static_cast<int>(all.size() - kMost)));
+    return Texts::tr("no installed font has %1; the watermark shows a box for each").arg(names.join(u", "));
+}
+
 /// The part of the ink that is drawn: also beyond the frame, where accents, slanted letters and outlines
 /// reach, unless that is too large.
 QRect inkOf(const PaintableText &text, QSizeF frame, const Rendering &rendering)
@@ -233,6 +255,8 @@ Result<std::optional<WatermarkBitmap>> painted(const TextSetting &setting, const
     WatermarkBitmap bitmap;
     bitmap.size = QSize(static_cast<int>(box.width()), static_cast<int>(box.height()));
     bitmap.scale = scale;
+    if (!setting.missing.isEmpty())
+        bitmap.notices = {missingText(setting.missing)};
     PaintableText paintable(setting, rendering.tilt == 0 ? toPixels : toPixels * tilt, inks);
     const QRect ink = inkOf(paintable, box * scale, rendering);
     if (ink.isEmpty())
