@@ -134,6 +134,7 @@ Result<OutputFolders> outputFolders(const SaveOptions &options)
 {
     OutputFolders folders;
     folders.destDirectory = QString::fromStdString(options.output);
+    folders.hasPortableNames = options.portableNames;
     if (QFileInfo(folders.destDirectory).exists() && !QFileInfo(folders.destDirectory).isDir())
         return fail(QStringLiteral("\"%1\" is not a folder").arg(folders.destDirectory));
     if (!options.replicateFrom.empty()) {
@@ -282,6 +283,8 @@ void addCopyOptions(CLI::App &command, SaveOptions &options)
             "The action if a file with the name of the copy exists: unique (default), overwrite, skip")
         ->check(CLI::IsMember({"unique", "overwrite", "skip"}))
         ->type_name("CHOICE");
+    command.add_flag("--portable-names", options.portableNames,
+                     "Replace what exFAT and SMB do not accept in names: \\ * ? \" < > | and reserved names");
     command.add_flag("--no-creation-date", options.noCreationDate, "Do not copy the date of the originals");
     command.add_option("--jobs", options.jobs, "Number of photos at a time; default: one for each core")
         ->type_name("N")

@@ -36,6 +36,7 @@ struct SaveOptions {
     bool dryRun = false;
     bool noCreationDate = false;
     bool requireWatermark = false;
+    bool portableNames = false;
 };
 
 /// Declares the sub-command; `options` outlives the parsing.
