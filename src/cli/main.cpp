@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "cli/helpformat.h"
 #include "cli/inspectcommand.h"
 #include "cli/interruption.h"
+#include "cli/listcommands.h"
 #include "cli/messages.h"
 #include "cli/presetscommand.h"
 #include "cli/savecommand.h"
+#include "cli/saveoptions.h"
+#include "cli/usageerrors.h"
 #include "platform/applicationname.h"
 #include "platform/bytebudget.h"
 
@@ -16,7 +20,6 @@
 #include <csignal>
 #include <cstdio>
 #include <new>
-#include <sstream>
 #include <string_view>
 
 namespace
@@ -43,13 +46,6 @@ const char *emptyAssignment(int argc, char *const *argv)
     return nullptr;
 }
 
-/// Prints a text of the parser, which repeats arguments as they are.
-void printIfAny(FILE *stream, const std::string &text)
-{
-    if (!text.empty())
-        plexa::printLine(stream, QString::fromStdString(text).trimmed());
-}
-
 int run(int argc, char **argv)
 {
     using namespace plexa;
@@ -57,7 +53,7 @@ int run(int argc, char **argv)
     program.set_version_flag("--version",
                              "plexa-cli " + QCoreApplication::applicationVersion().toStdString());
     program.require_subcommand(1);
-    program.get_formatter()->column_width(34);
+    program.formatter(helpFormat());
 
     SaveOptions save;
     CLI::App *saveCommand = addSaveCommand(program, save);
@@ -65,22 +61,24 @@ int run(int argc, char **argv)
     CLI::App *inspectCommand = addInspectCommand(program, inspect);
     PresetsOptions presets;
     CLI::App *presetsCommand = addPresetsCommand(program, presets);
+    ListOptions fields;
+    CLI::App *fieldsCommand = addFieldsCommand(program, fields);
+    ListOptions tokens;
+    CLI::App *tokensCommand = addTokensCommand(program, tokens);
     if (const char *const empty = emptyAssignment(argc, argv)) {
-        printLine(
-            stderr,
-            onOneLine(
-                QStringLiteral("%1 there is nothing after the equal sign").arg(QFile::decodeName(empty))));
+        printLine(stderr, onOneLine(QStringLiteral("plexa-cli: %1 there is nothing after the equal sign")
+                                        .arg(QFile::decodeName(empty))));
         return kWrongUsage;
     }
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
-        std::ostringstream help;
-        std::ostringstream message;
-        const int status = program.exit(error, help, message);
-        printIfAny(stdout, help.str());
-        printIfAny(stderr, message.str());
-        return status == 0 ? kAllDone : kWrongUsage;
+        if (error.get_exit_code() != 0) {
+            printLine(stderr, onOneLine(QStringLiteral("plexa-cli: ") + usageErrorText(program, error)));
+            return kWrongUsage;
+        }
+        program.exit(error); // prints help or the version
+        return kAllDone;
     }
     if (*saveCommand)
         return runSave(save);
@@ -88,6 +86,10 @@ int run(int argc, char **argv)
         return runInspect(inspect);
     if (*presetsCommand)
         return runPresets(presets);
+    if (*fieldsCommand)
+        return runFields(fields);
+    if (*tokensCommand)
+        return runTokens(tokens);
     return kWrongUsage;
 }
 

@@ -74,7 +74,7 @@ PhotoPath decodedPath(const std::string &path)
     return {text, QStringLiteral("its name is not valid UTF-8")};
 }
 
-PhotoSearch photosAt(const std::vector<std::string> &paths, const std::string &leftOut)
+PhotoSearch photosAt(const std::vector<std::string> &paths, const std::string &leftOut, bool recurses)
 {
     PhotoSearch search;
     FolderWalk::Visitor visitor;
@@ -85,6 +85,7 @@ PhotoSearch photosAt(const std::vector<std::string> &paths, const std::string &l
     visitor.isStopped = [] { return false; };
     FolderWalk::Rules rules;
     rules.isSorted = true;
+    rules.entersFolders = recurses;
     rules.entersHiddenFolders = false;
     rules.leftOut = decodedPath(leftOut).path;
     rules.isWanted = isPhotoName;

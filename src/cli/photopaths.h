@@ -47,8 +47,9 @@ struct PhotoSearch {
 /// suffix of a picture format, sorted by name. Hidden entries, package folders and folders that were searched
 /// before are left out. Photos that cannot be read (unknown camera raw formats, names that are not text,
 /// unreachable files) are included, so that reading them reports why.
-/// @param paths    as the shell passes them, in the file system's encoding
-/// @param leftOut  a folder that is skipped below the paths: the folder of the copies
-PhotoSearch photosAt(const std::vector<std::string> &paths, const std::string &leftOut);
+/// @param paths     as the shell passes them, in the file system's encoding
+/// @param leftOut   a folder that is skipped below the paths: the folder of the copies
+/// @param recurses  enters the folders in folders
+PhotoSearch photosAt(const std::vector<std::string> &paths, const std::string &leftOut, bool recurses);
 
 } // namespace plexa

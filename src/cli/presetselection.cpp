@@ -4,7 +4,7 @@
 
 #include "cli/messages.h"
 #include "cli/presetfiles.h"
-#include "cli/savecommand.h"
+#include "cli/saveoptions.h"
 
 #include <QFile>
 
@@ -101,11 +101,6 @@ Result<std::vector<AppliedPreset>> namedPresets(const std::vector<std::string> &
 }
 
 } // namespace
-
-bool isPresetsMode(const SaveOptions &options)
-{
-    return !options.wPresetsFile.empty() || !options.applied.empty();
-}
 
 Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
 {

@@ -12,9 +12,6 @@ namespace plexa
 
 struct SaveOptions;
 
-/// Do the options ask for stored watermark presets?
-bool isPresetsMode(const SaveOptions &options);
-
 /// The watermark presets that the options name, in that order, or all of the file; without a file, those of
 /// the user's own list. Their assigned saving presets come from the file of saving presets; for the user's
 /// own list also from the user's own saving presets.

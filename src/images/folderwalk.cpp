@@ -139,7 +139,8 @@ void FolderWalk::visit(const Entry &entry)
     const QByteArray bytes = QByteArray::fromStdString(entry.path);
     const QString path = QFile::decodeName(bytes);
     const bool isHidden = path.mid(path.lastIndexOf(u'/') + 1).startsWith(u'.');
-    if (isHidden && !(entry.isFolder && m_rules.entersHiddenFolders))
+    if ((isHidden && !(entry.isFolder && m_rules.entersHiddenFolders)) ||
+        (entry.isFolder && !m_rules.entersFolders))
         return;
     const bool isPhoto = !entry.isFolder && imageFormatOfSuffix(fileExtensionOf(path));
     const bool isTooLong = bytes.size() >= PATH_MAX; // nothing can be opened by such a path

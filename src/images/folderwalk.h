@@ -36,6 +36,7 @@ public:
     struct Rules {
         bool isSorted =
             false; ///< by name within a folder, "9" before "10"; else as the file system lists them
+        bool entersFolders = true;       ///< in folders
         bool entersHiddenFolders = true; ///< that were not given themselves
         QString leftOut;                 ///< a folder that is not entered unless given; may be empty
         bool (*isWanted)(const QString &path) = isImageFile; ///< is this, which is no folder, a picture file?

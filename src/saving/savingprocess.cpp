@@ -379,7 +379,7 @@ void SavingProcess::saveCopy(const std::shared_ptr<PhotoInWork> &photo, const Ah
     Pending &pending = *made;
     SavingOutput &output = pending.output;
     output.sourcePath = ahead.photo.path;
-    output.sequenceNumber = ++m_counter;
+    output.sequenceNumber = m_run.firstSequenceNumber + m_counter++;
     output.wPresetName = order.presets.front().values.name;
     output.isCombined = order.isCombined;
     if (photo->image) {
@@ -421,9 +421,8 @@ void SavingProcess::decide(Pending &pending, const AheadOfTime &ahead, const Ord
     const PhotoFacts facts = ahead.facts ? *ahead.facts : ahead.photo.image->facts();
     const QString name = OutputNaming::filenameForImage(facts, ahead.photo.path, output.wPresetName,
                                                         order.savingPreset, output.sequenceNumber);
-    m_observer.copyBegun(output.sequenceNumber,
-                         Texts::tr("Saving image %1 out of %2:\n%3")
-                             .arg(QString::number(output.sequenceNumber), QString::number(m_total), name));
+    m_observer.copyBegun(m_counter, Texts::tr("Saving image %1 out of %2:\n%3")
+                                        .arg(QString::number(m_counter), QString::number(m_total), name));
     const QString path = m_naming.pathForCopy(ahead.photo.path, name);
     pending.wantedPath = path;
     pending.keepsName = m_conflictCode == OutputNaming::always(OutputNaming::kUniqueName);

@@ -43,6 +43,7 @@ struct SavingRun {
     std::vector<PresetToSave> effectivePresets; ///< none: nothing is saved
     SavingPresetValues defaultSavingPreset;
     OutputFolders folders;
+    qint64 firstSequenceNumber = 1;
 
     bool isInSingleMode = false;                  ///< nothing is combined then
     bool combineAllAppliedPresetsInImage = false; ///< a copy for each photo, else for each photo and preset

@@ -176,6 +176,24 @@ private Q_SLOTS:
                  {"--text x --saving-preset ''", "nothing"},
                  {"--text x --replicate-from ''", "nothing"},
                  {"--text x --replicate-from 'no such folder'", "no such folder"},
+                 {"--text x --set blendMode=multiply", "Multiply, Screen"},
+                 {"--text x --set font=Helvetica", "no font \"Helvetica\""},
+                 {"--text x --set 'font=DejaVu Sans'", "DejaVuSans"},
+                 {"--set 'textTokens=[(c) ,creator]'", "not JSON"},
+                 {"--text '{Creator}'", "mean {creator}"},
+                 {"--text 'a{'", "no \"}\""},
+                 {"--text x --name '{nope}'", "plexa-cli tokens"},
+                 {"--text x --format webp", "JPEG"},
+                 {"--text x --format PNG --quality 50", "no effect on PNG"},
+                 {"--text x --combine", "--combine has no effect"},
+                 {"--text x --ignore-assigned", "--ignore-assigned has no effect"},
+                 {"--text x --set image=a.png", "no effect"},
+                 {"--text x --set textTokens=y", "together"},
+                 {"--text x --image a.png", "--text and --image cannot"},
+                 {"--text x --text y", "more than once"},
+                 {"--text x -0", "-0 needs --files-from"},
+                 {"--text x --files-from nowhere", "nowhere"},
+                 {"--text x --jobs", "--jobs needs a value"},
                  {"--text x --saving-presets %1 --saving-preset WEBP", "WEBP"},
                  {"--text x --saving-presets %1 --saving-preset Alternative", "\"Original\""},
                  {"--text x --saving-presets %1 --saving-preset Best", "quality is 500"}}) {
@@ -189,7 +207,88 @@ private Q_SLOTS:
                                            words(options.toUtf8().constData(), presets));
             QCOMPARE(outcome.status, 2);
             QVERIFY2(outcome.err.contains(message.toUtf8()), outcome.err.constData());
+            QVERIFY2(outcome.err.startsWith("plexa-cli: ") && outcome.err.count('\n') == 1,
+                     outcome.err.constData());
             QVERIFY(outcome.out.isEmpty() && !QFile::exists(path("out")));
+        }
+        for (const auto &[arguments, message] : {std::pair("", "no command"),
+                                                 {"frob", "no command \"frob\""},
+                                                 {"inspect --frob", "option --frob"}}) {
+            const ProgramRun outcome = run(arguments);
+            QVERIFY2(outcome.status == 2 && outcome.err.contains(message), outcome.err.constData());
+        }
+    }
+
+    /// Two texts are the same if their copies are.
+    void tokensInBraces()
+    {
+        const auto copyWith = [&](const QStringList &options) {
+            const ProgramRun outcome =
+                run(words("save --conflict overwrite -q -o %1 %2", path("out"), path("in/a.png")) + options);
+            return outcome.status == 0 ? contentsOf(path("out/a.png")) : outcome.err;
+        };
+        for (const auto &[text, pieces] :
+             {std::pair("{filename}{{{height}}", R"(["filename","{","height","}"])"),
+              {"filename", R"(["f","ilename"])"},
+              {"{width}width", R"(["width","w","idth"])"}})
+            QCOMPARE(copyWith(words("--text %1", text)), copyWith(words("--set textTokens=%1", pieces)));
+        QVERIFY(copyWith(words("--text {filename}")) != copyWith(words("--text filename")));
+    }
+
+    void namesAndPathsFromOptions()
+    {
+        QVERIFY(QDir().mkpath(path("in/deep")) && smoothPicture({40, 40}).save(path("in/deep/c.jpg")));
+        const ProgramRun named = run("save --text x -j 2 -q --no-recurse --format tif --start 8 --name "
+                                     "'{{{sequence ##}_{filename}width' -o %1 %2",
+                                     path("out"), path("in"));
+        QVERIFY2(named.status == 0 && named.err.isEmpty(), named.err.constData());
+        QCOMPARE(namesIn(path("out")), words("{08_awidth.tif {09_bwidth.tif"));
+        // The paths of a list, with the null byte or the line as their end.
+        for (const char *command :
+             {"printf '%s\\0' \"$1/a.png\" \"$1/b.jpg\" | \"$0\" save --text x -n --json --files-from - -0",
+              "printf '%s\\n\\n' \"$1/a.png\" \"$1/b.jpg\" > list; \"$0\" save --text x -n --json "
+              "--files-from list"}) {
+            const ProgramRun listed = runProgram(
+                u"/bin/sh"_s, words("-c %1 %2 %3", u"cd \"$1/..\"; "_s + QLatin1StringView(command),
+                                    program(), path("in")));
+            QVERIFY2(listed.status == 0, listed.err.constData());
+            QCOMPARE(jsonLines(listed.out).size(), 2);
+        }
+    }
+
+    void piecesThatAreNearlyTokens()
+    {
+        const ProgramRun outcome =
+            run("save -n --set 'textTokens=[\"Creator\",\"Copyright: \",\"copyright\"]' "
+                "--save-set 'filenameTokens=[\"file name\",\"sequence\",\"x\"]' %1",
+                path("in"));
+        QCOMPARE(outcome.err.count("is literal text"), 3);
+        for (const char *notice :
+             {"textTokens: \"Creator\" is literal text; the token is \"creator\"\n",
+              "filenameTokens: \"file name\" is literal text; the token is \"filename\"\n",
+              "\"sequence\" is literal text; the token is \"sequence #\"\n"})
+            QVERIFY2(outcome.err.contains(notice), outcome.err.constData());
+    }
+
+    void listsAndHelp()
+    {
+        const QJsonArray tokens = QJsonDocument::fromJson(run("tokens --json").out).array();
+        QCOMPARE(tokens.size(), 68);
+        for (const QJsonValue &token : tokens)
+            QVERIFY2(!token[u"example"_s].toString().isEmpty(), qPrintable(token[u"name"_s].toString()));
+        const QJsonArray fields = QJsonDocument::fromJson(run("fields --json").out).array();
+        QCOMPARE(fields.size(), 44 + 8);
+        const QJsonArray width = QJsonDocument::fromJson(run("fields --json width").out).array();
+        QCOMPARE(width.size(), 1);
+        QCOMPARE(width[0][u"highest"_s], QJsonValue(100'000));
+        QVERIFY(run("fields font").out.contains("DejaVuSans-Bold"));
+        QCOMPARE(run("fields nope").status, 2);
+        for (const char *command : {"--help", "save --help", "inspect --help", "presets --help",
+                                    "fields --help", "tokens --help", "fields"}) {
+            const ProgramRun printed = run(command);
+            QCOMPARE(printed.status, 0);
+            for (const QString &line : QString::fromUtf8(printed.out).split(u'\n'))
+                QVERIFY2(line.size() <= 80, qPrintable(line));
         }
     }
 

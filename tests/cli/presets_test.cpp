@@ -191,7 +191,8 @@ private Q_SLOTS:
                  {"--wpresets %1 --apply Nope", "\"Plain\", \"With PNG\""},
                  {"--wpresets %1 --saving-presets %2 --saving-preset Nope", "\"As PNG\", \"As TIFF\""},
                  {"--wpresets %1 --text x", "--wpresets"},
-                 {"--apply Plain --set width=3", "--apply"},
+                 {"--apply Plain --text x", "--text and --apply cannot"},
+                 {"--wpresets %1 --set type=Image", "needs a picture"},
                  {"--wpresets %2", "my.pxspr\": it is a file of saving presets"},
                  {"--text x --saving-presets %1", "my.pxwpr\": it is a file of watermark"}}) {
             const ProgramRun outcome = save(options);
@@ -238,6 +239,7 @@ private Q_SLOTS:
                  {"--apply 'Film date' --apply 'GPS position'", "\"Film date\""},
                  {"--apply 'GPS position'", ""},
                  {R"(--set textTokens=["city","\n","state"])", "it"},
+                 {"--apply 'GPS position' --set opacity=0 --set background=false", "it"},
                  {R"(--set textTokens=["city","\n","state"] --set background=true)", ""},
                  {"--text x --set offsetHorizontal=9000", "it"},
                  {"--text x --set opacity=0", "it"}}) {
