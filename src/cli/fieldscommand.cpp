@@ -164,8 +164,9 @@ int runFields(const ListOptions &options)
         text += wrappedText(QStringLiteral("  ") + field.name, descriptionOf(field, !options.names.empty()),
                             kColumn);
     }
-    printLine(stdout,
-              options.json ? QString::fromUtf8(QJsonDocument(objects).toJson().trimmed()) : text.chopped(1));
+    printLine(stdout, options.json ? QString::fromUtf8(
+                                         jsonText(QJsonDocument(objects), QJsonDocument::Indented).trimmed())
+                                   : text.chopped(1));
     return kAllDone;
 }
 

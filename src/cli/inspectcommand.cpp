@@ -5,6 +5,7 @@
 #include "cli/interruption.h"
 #include "cli/messages.h"
 #include "cli/photopaths.h"
+#include "cli/plainnumbers.h"
 #include "imageio/imagesource.h"
 #include "images/strips.h"
 #include "images/uprighting.h"
@@ -74,7 +75,7 @@ QJsonObject jsonOf(const Inspection &photo)
 /// A value on one line, as in JSON, strings without quotation marks.
 QString plainText(const QVariant &value)
 {
-    const QJsonValue json = QJsonValue::fromVariant(value);
+    const QJsonValue json = withPlainNumbers(QJsonValue::fromVariant(value));
     if (json.isString())
         return onOneLine(json.toString());
     const QByteArray text = QJsonDocument(QJsonArray{json}).toJson(QJsonDocument::Compact);

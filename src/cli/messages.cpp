@@ -2,7 +2,11 @@
 
 #include "cli/messages.h"
 
+#include "cli/plainnumbers.h"
 #include "platform/bytebudget.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
 
 #include <algorithm>
 #include <future>
@@ -70,7 +74,10 @@ QString onOneLine(QString text)
 QByteArray jsonText(const QJsonDocument &document, QJsonDocument::JsonFormat format)
 {
     // Only the characters below the blank are escaped already.
-    QString text = QString::fromUtf8(document.toJson(format));
+    const QJsonDocument plain = document.isArray()
+                                    ? QJsonDocument(withPlainNumbers(document.array()).toArray())
+                                    : QJsonDocument(withPlainNumbers(document.object()).toObject());
+    QString text = QString::fromUtf8(plain.toJson(format));
     for (char16_t control = 0x7F; control < 0xA0; ++control)
         text.replace(QChar(control), QStringLiteral("\\u%1").arg(int(control), 4, 16, QLatin1Char('0')));
     return text.toUtf8();

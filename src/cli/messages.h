@@ -20,7 +20,7 @@ void printLine(FILE *stream, const QString &text);
 /// The text with a question mark for each character that would move the cursor.
 QString onOneLine(QString text);
 
-/// The document as JSON, in which characters that control a terminal are escaped.
+/// The document as JSON with plain numbers, in which characters that control a terminal are escaped.
 QByteArray jsonText(const QJsonDocument &document, QJsonDocument::JsonFormat format);
 
 /// The number of threads for photos, at most `wanted`: as many as can be started within the limits of the

@@ -62,7 +62,7 @@ Result<PresetsFile> presetsIn(const QString &path, std::optional<Kind> expected,
     if (!read.hasList)
         return fail(areWatermarks ? faults
                                   : QStringLiteral("it is not a file of saving presets: %1").arg(faults));
-    PresetsFile file{areWatermarks, read.wPresets, read.savingPresets, {}, {}};
+    PresetsFile file{areWatermarks, read.wPresets, read.savingPresets, {}, !read.faults.isEmpty(), {}};
     if (areWatermarks)
         file.leftOut = read.faults;
     else if (!read.faults.isEmpty())

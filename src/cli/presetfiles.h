@@ -14,7 +14,8 @@ struct PresetsFile {
     WPresetList wPresets;
     SavingPresetList savingPresets;
     QString notice; ///< why the file may contain more than the lists, as text that follows its name; or empty
-    QStringList leftOut; ///< the parts of the file that are in neither list, likewise
+    bool isIncomplete = false; ///< a part could not be read
+    QStringList leftOut;       ///< the parts of the file that are in neither list, likewise
 };
 
 /// Reads a file of presets.

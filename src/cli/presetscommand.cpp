@@ -12,6 +12,7 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QTemporaryDir>
 
 #include <CLI/CLI.hpp>
 
@@ -74,22 +75,26 @@ QJsonObject asJson(const WPreset &preset)
     return asJson(preset.values());
 }
 
-void print(const PresetsFile &file, bool json)
+void appendTo(QJsonArray &objects, const PresetsFile &file)
 {
-    QJsonArray objects;
-    const auto printEach = [&](const auto &presets) {
-        for (const auto &preset : presets) {
-            if (json)
-                objects.append(asJson(*preset));
-            else
-                printLine(stdout, onOneLine(lineFor(*preset)));
-        }
-    };
-    printEach(file.wPresets);
-    printEach(file.savingPresets);
-    if (json)
-        printLine(stdout,
-                  QString::fromUtf8(jsonText(QJsonDocument(objects), QJsonDocument::Indented).trimmed()));
+    for (const auto &preset : file.wPresets)
+        objects.append(asJson(*preset));
+    for (const auto &preset : file.savingPresets)
+        objects.append(asJson(*preset));
+}
+
+void printLines(const PresetsFile &file)
+{
+    for (const auto &preset : file.wPresets)
+        printLine(stdout, onOneLine(lineFor(*preset)));
+    for (const auto &preset : file.savingPresets)
+        printLine(stdout, onOneLine(lineFor(*preset)));
+}
+
+Result<PresetsFile> read(const QString &path)
+{
+    const auto number = [](qint64 presetID) { return std::make_shared<SavingPresetNumber>(presetID); };
+    return presetsIn(path, std::nullopt, number);
 }
 
 /// Reports the parts of the file that are not printed or written, and pictures that cannot be drawn.
@@ -101,6 +106,40 @@ void printFaults(const PresetsFile &file, const QString &path)
         if (const QString fault = preset->values().pictureFault(); !fault.isEmpty())
             printAbout(path, fault);
     }
+}
+
+Result<void> write(const PresetsFile &file, const QString &target)
+{
+    return file.areWatermarks
+               ? writeWPresets(file.wPresets, target)
+               : SavingPreset::writeObjects(file.savingPresets, target, presetsApplicationID());
+}
+
+Result<void> writeToStandardOutput(const PresetsFile &file)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("presets"));
+    return write(file, path).and_then([&]() -> Result<void> {
+        QFile written(path);
+        if (!written.open(QIODevice::ReadOnly))
+            return fail(written.errorString());
+        const QByteArray contents = written.readAll();
+        std::fwrite(contents.constData(), 1, static_cast<std::size_t>(contents.size()), stdout);
+        return {};
+    });
+}
+
+/// Is the target free, or a file of the same kind of presets?
+Result<void> checkTarget(const PresetsFile &file, const QString &target)
+{
+    if (!QFileInfo::exists(target))
+        return {};
+    const auto kind = file.areWatermarks ? PresetsStore::Kind::Watermark : PresetsStore::Kind::Saving;
+    const Result<PresetsFile> existing = presetsIn(target, kind);
+    if (!existing)
+        return fail(
+            QStringLiteral("\"%1\" exists and is not replaced: %2").arg(target, existing.error().text));
+    return {};
 }
 
 /// @param path  of the file that was read
@@ -118,9 +157,40 @@ Result<void> convert(const PresetsFile &file, const QString &path, const QString
     if (target.endsWith(QLatin1StringView(file.areWatermarks ? ".pxspr" : ".pxwpr"), Qt::CaseInsensitive))
         return fail(QStringLiteral("it contains %1; \"%2\" is a name for %3")
                         .arg(kinds[file.areWatermarks ? 0 : 1], target, kinds[file.areWatermarks ? 1 : 0]));
-    return file.areWatermarks
-               ? writeWPresets(file.wPresets, target)
-               : SavingPreset::writeObjects(file.savingPresets, target, presetsApplicationID());
+    if (target == QLatin1StringView("-"))
+        return writeToStandardOutput(file);
+    return checkTarget(file, target).and_then([&] { return write(file, target); });
+}
+
+int runConversion(const QString &path, const QString &target)
+{
+    const Result<PresetsFile> file = read(path);
+    const Result<void> converted = file.and_then([&](const PresetsFile &presets) {
+        printFaults(presets, path);
+        return convert(presets, path, target);
+    });
+    if (!converted)
+        printAbout(path, converted.error().text);
+    return converted && !file->isIncomplete ? kAllDone : kSomethingFailed;
+}
+
+/// The file of the command line, or both of the user's own, or the examples.
+QStringList filesOf(const PresetsOptions &options)
+{
+    if (!options.file.empty())
+        return {QFile::decodeName(options.file.c_str())};
+    const PresetsStore::Places places = PresetsStore::Places::own();
+    return {PresetsStore::listOrExamplesFile(PresetsStore::Kind::Watermark, places),
+            PresetsStore::listOrExamplesFile(PresetsStore::Kind::Saving, places)};
+}
+
+/// The title of a list of the user.
+QString titleOf(const PresetsFile &file, const QString &path)
+{
+    const QString kind =
+        file.areWatermarks ? QStringLiteral("Watermark presets") : QStringLiteral("Saving presets");
+    const bool isExample = path.startsWith(u':');
+    return QStringLiteral("%1 (%2):").arg(kind, isExample ? QStringLiteral("the examples") : path);
 }
 
 } // namespace
@@ -128,40 +198,51 @@ Result<void> convert(const PresetsFile &file, const QString &path, const QString
 CLI::App *addPresetsCommand(CLI::App &program, PresetsOptions &options)
 {
     CLI::App *command = program.add_subcommand(
-        "presets", "Print the contents of a file of watermark presets or saving presets");
+        "presets", "Print watermark presets and saving presets: your own, or those of a file");
     auto *json = command->add_flag("--json", options.json, "Print an array with an object for each preset");
+    auto *file = command->add_option("FILE", options.file,
+                                     "A .pxwpr or .pxspr file (default: your own presets of both kinds, or "
+                                     "the examples)");
+    file->check(somePath());
     command
-        ->add_option("--convert", options.convertTo,
-                     "Print nothing; write the presets to OUT in the current format")
+        ->add_option(
+            "--convert", options.convertTo,
+            "Print nothing; write the presets of FILE to OUT in the current format. OUT is new, or a "
+            "file of presets of that kind; - is the standard output")
         ->check(somePath())
         ->type_name("OUT")
+        ->needs(file)
         ->excludes(json);
-    command->add_option("FILE", options.file, "A .pxwpr or .pxspr file")->check(somePath())->required();
     return command;
 }
 
 int runPresets(const PresetsOptions &options)
 {
-    const QString path = QFile::decodeName(options.file.c_str());
-    const auto number = [](qint64 presetID) { return std::make_shared<SavingPresetNumber>(presetID); };
-    const Result<PresetsFile> file = presetsIn(path, std::nullopt, number);
-    if (!file) {
-        printAbout(path, file.error().text);
-        return kSomethingFailed;
-    }
-    printFaults(*file, path);
-    const int status = file->leftOut.isEmpty() ? kAllDone : kSomethingFailed;
-    if (options.convertTo.empty()) {
+    const QStringList paths = filesOf(options);
+    if (!options.convertTo.empty())
+        return runConversion(paths.front(), QFile::decodeName(options.convertTo.c_str()));
+    int status = kAllDone;
+    QJsonArray objects;
+    for (const QString &path : paths) {
+        const Result<PresetsFile> file = read(path);
+        if (!file || file->isIncomplete)
+            status = kSomethingFailed;
+        if (!file) {
+            printAbout(path, file.error().text);
+            continue;
+        }
+        printFaults(*file, path);
         if (!file->notice.isEmpty())
             printAbout(path, file->notice);
-        print(*file, options.json);
-        return status;
+        appendTo(objects, *file);
+        if (!options.json && paths.size() > 1)
+            printLine(stdout, onOneLine(titleOf(*file, path)));
+        if (!options.json)
+            printLines(*file);
     }
-    if (const Result<void> converted = convert(*file, path, QFile::decodeName(options.convertTo.c_str()));
-        !converted) {
-        printAbout(path, converted.error().text);
-        return kSomethingFailed;
-    }
+    if (options.json && (options.file.empty() || status == kAllDone || !objects.isEmpty()))
+        printLine(stdout,
+                  QString::fromUtf8(jsonText(QJsonDocument(objects), QJsonDocument::Indented).trimmed()));
     return status;
 }
 

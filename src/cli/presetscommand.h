@@ -14,15 +14,15 @@ namespace plexa
 
 /// The command line of "plexa-cli presets".
 struct PresetsOptions {
-    std::string file;
-    std::string convertTo; ///< empty: nothing is written
+    std::string file;      ///< empty: the user's own presets of both kinds
+    std::string convertTo; ///< empty: nothing is written; "-" is the standard output
     bool json = false;
 };
 
 /// Declares the sub-command; `options` outlives the parsing.
 CLI::App *addPresetsCommand(CLI::App &program, PresetsOptions &options);
 
-/// Prints the contents of a file of presets, or converts it. @return the exit status
+/// Prints presets, or converts a file of them. @return the exit status
 int runPresets(const PresetsOptions &options);
 
 } // namespace plexa

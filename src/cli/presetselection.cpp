@@ -50,11 +50,17 @@ bool isSavingPresetChosen(const SaveOptions &options)
     return !options.savingPresetsFile.empty() || !options.savingPreset.empty();
 }
 
+/// Does the run use one saving preset for all copies?
+bool isWithoutAssigned(const SaveOptions &options)
+{
+    return options.ignoreAssigned || options.combine;
+}
+
 /// The saving presets that watermark presets may refer to; none if the run ignores assigned ones.
 Result<SavingPresetList> assignableSavingPresets(const SaveOptions &options)
 {
     const bool belongsToOthers = options.savingPresetsFile.empty() && !options.wPresetsFile.empty();
-    if (belongsToOthers || options.ignoreAssigned || options.combine)
+    if (belongsToOthers || isWithoutAssigned(options))
         return SavingPresetList();
     const QString path = fileOrStored(options.savingPresetsFile, PresetsStore::Kind::Saving);
     // If chosenSavingPreset() reads the same file, it reports its faults.
@@ -100,22 +106,41 @@ Result<std::vector<AppliedPreset>> namedPresets(const std::vector<std::string> &
     return applied;
 }
 
+/// Reports assigned saving presets that are not there, and uses the run's one in their place.
+/// @param missing  the placeholder for each of them
+void dropMissing(std::vector<AppliedPreset> &applied, const SavingPresetPtr &missing,
+                 const SaveOptions &options)
+{
+    for (AppliedPreset &mark : applied) {
+        if (mark.values.assignedSavingPreset != missing)
+            continue;
+        mark.values.assignedSavingPreset = nullptr;
+        if (!options.quiet)
+            printLine(stderr, onOneLine(QStringLiteral(
+                                            "plexa-cli: the saving preset that is assigned to \"%1\" is not "
+                                            "there; the one of the run is used. Give its file with "
+                                            "--saving-presets, or --ignore-assigned")
+                                            .arg(mark.values.name)));
+    }
+}
+
 } // namespace
 
 Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
 {
     const Result<SavingPresetList> assignable = assignableSavingPresets(options);
     const QString path = fileOrStored(options.wPresetsFile, PresetsStore::Kind::Watermark);
-    // If the saving presets cannot be read, one placeholder shows whether any of them is needed.
+    // One placeholder shows whether any of the saving presets is needed that cannot be read or are not there.
     const auto unknown = std::make_shared<SavingPreset>();
     const auto savingPreset = [&](qint64 presetID) -> SavingPresetPtr {
-        return assignable ? withID(*assignable, presetID) : unknown;
+        const SavingPresetPtr found = assignable ? withID(*assignable, presetID) : nullptr;
+        return found || isWithoutAssigned(options) ? found : unknown;
     };
     const Result<PresetsFile> presets =
         reportedPresets(path, PresetsStore::Kind::Watermark, options.quiet, savingPreset);
     if (!presets)
         return tl::unexpected(presets.error());
-    const Result<std::vector<AppliedPreset>> applied = namedPresets(options.applied, presets->wPresets, path);
+    Result<std::vector<AppliedPreset>> applied = namedPresets(options.applied, presets->wPresets, path);
     if (!applied)
         return applied;
     if (!assignable) {
@@ -128,6 +153,7 @@ Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
         if (!options.quiet)
             printLine(stderr, onOneLine(QStringLiteral("plexa-cli: ") + assignable.error().text));
     }
+    dropMissing(*applied, unknown, options);
     for (const AppliedPreset &mark : *applied) {
         if (!mark.values.validPreset())
             return fail(QStringLiteral("%1: %2").arg(described(path), mark.values.pictureFault()));

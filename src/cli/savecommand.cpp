@@ -79,6 +79,27 @@ OutputNaming::ConflictCode conflictCode(const std::string &conflict)
     return OutputNaming::always(conflict == "skip" ? OutputNaming::kSkip : OutputNaming::kUniqueName);
 }
 
+/// Refuses assigned saving presets with which no copy can be written, and options that they leave without
+/// effect.
+Result<void> checkAssigned(const std::vector<PresetToSave> &presets, const SaveOptions &options)
+{
+    if (options.ignoreAssigned || options.combine)
+        return {};
+    bool isAnyCopyLeft = presets.empty();
+    for (const PresetToSave &preset : presets) {
+        isAnyCopyLeft = isAnyCopyLeft || !preset.assignedSavingPreset;
+        if (!preset.assignedSavingPreset)
+            continue;
+        if (Result<void> checked = checkSavingPreset(*preset.assignedSavingPreset); !checked)
+            return checked;
+    }
+    if (!isAnyCopyLeft && setsSavingPreset(options))
+        return fail(QStringLiteral(
+            "--saving-preset, --save-set, --format, --quality and --name have no effect, because "
+            "each watermark has a saving preset of its own; give --ignore-assigned, too"));
+    return {};
+}
+
 /// Reports all errors of the command line, before any file is touched.
 Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
 {
@@ -94,12 +115,8 @@ Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
 
     SavingRun run;
     run.effectivePresets = presetsToSave(*applied);
-    for (const PresetToSave &preset : run.effectivePresets) {
-        if (!preset.assignedSavingPreset || options.ignoreAssigned || options.combine)
-            continue;
-        if (Result<void> checked = checkSavingPreset(*preset.assignedSavingPreset); !checked)
-            return tl::unexpected(checked.error());
-    }
+    if (const Result<void> checked = checkAssigned(run.effectivePresets, options); !checked)
+        return tl::unexpected(checked.error());
     run.firstSequenceNumber = options.start;
     run.isInSingleMode = !isPresetsMode(options);
     run.defaultSavingPreset = std::move(*savingPreset);

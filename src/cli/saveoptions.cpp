@@ -213,6 +213,12 @@ Result<void> checkSaveOptions(const SaveOptions &options)
     return {};
 }
 
+bool setsSavingPreset(const SaveOptions &options)
+{
+    return !options.savingPreset.empty() || !options.savingFields.empty() || !options.format.empty() ||
+           !options.name.empty() || options.quality != 0;
+}
+
 bool isPresetsMode(const SaveOptions &options)
 {
     return !options.wPresetsFile.empty() || !options.applied.empty();

@@ -54,6 +54,9 @@ CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options);
 /// Refuses options that contradict each other, have no effect, or leave out what a run needs.
 [[nodiscard]] Result<void> checkSaveOptions(const SaveOptions &options);
 
+/// Do the options choose or change the saving preset of the run?
+bool setsSavingPreset(const SaveOptions &options);
+
 /// Do the options ask for stored watermark presets?
 bool isPresetsMode(const SaveOptions &options);
 

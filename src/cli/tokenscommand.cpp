@@ -93,7 +93,8 @@ int runTokens(const ListOptions &options)
         printLine(stdout, (QStringLiteral("  ") + token.name).leftJustified(kColumn) + token.example);
     }
     if (options.json)
-        printLine(stdout, QString::fromUtf8(QJsonDocument(objects).toJson().trimmed()));
+        printLine(stdout,
+                  QString::fromUtf8(jsonText(QJsonDocument(objects), QJsonDocument::Indented).trimmed()));
     return kAllDone;
 }
 

@@ -40,6 +40,7 @@ private Q_SLOTS:
         values.name = u"Plain"_s;
         values.textTokens = words("plain");
         values.font = u"DejaVuSans"_s;
+        values.angle = 12.3F;
         const auto plain = std::make_shared<WPreset>(values);
         values.name = u"With PNG"_s;
         values.assignedSavingPreset = assigned;
@@ -55,6 +56,7 @@ private Q_SLOTS:
         QCOMPARE(presets.size(), 2);
         QCOMPARE(presets[0].toObject().size(), static_cast<qsizetype>(wPresetFields().size()));
         QCOMPARE(presets[0][u"fontSize"_s], QJsonValue(8));
+        QCOMPARE(presets[0][u"angle"_s], QJsonValue(12.3));
         QVERIFY(presets[0][u"assignedSavingPreset"_s].isNull());
         QVERIFY(presets[1][u"assignedSavingPreset"_s].toInteger() > 0);
         const QJsonArray saving = QJsonDocument::fromJson(json("my.pxspr")).array();
@@ -86,7 +88,7 @@ private Q_SLOTS:
         write("later.pxspr", QByteArray(mine).replace("1.4", "1.41"));
         write("raw.pxspr", QByteArray(mine).replace("-assigned", "R&D"));
         write("markup.pxspr", QByteArray(mine).replace("-assigned", "R&amp;D"));
-        write("not", "old");
+        write("not", mine);
         for (const auto &[name, reason] : {std::pair("later.pxwpr", "later version"),
                                            {"later.pxspr", "later version"},
                                            {"raw.pxspr", "\"&D"},
@@ -94,12 +96,21 @@ private Q_SLOTS:
             const ProgramRun refused = convert("not", name);
             QVERIFY2(refused.status == 1 && refused.err.contains(reason), refused.err.constData());
             QCOMPARE(refused.err.count('\n'), 1);
-            QCOMPARE(contentsOf(path("not")), QByteArray("old"));
+            QCOMPARE(contentsOf(path("not")), mine);
         }
         const ProgramRun misnamed = convert("my.pxwpr", "my.pxspr");
         QVERIFY(misnamed.status == 1 && misnamed.err.contains("my.pxwpr\" is a name for watermark"));
-        const ProgramRun folder = convert("in", "my.pxspr");
-        QVERIFY(folder.status == 1 && folder.err.count("cannot be written") == 1);
+        write("text", "mine");
+        for (const char *target : {"in", "in/a.png", "text"}) {
+            const QByteArray before = contentsOf(path(target));
+            const ProgramRun kept = convert(target, "my.pxspr");
+            QVERIFY2(kept.status == 1 && kept.err.contains("exists and is not replaced"),
+                     kept.err.constData());
+            QCOMPARE(contentsOf(path(target)), before);
+        }
+        QCOMPARE(run("presets --convert - %1", path("my.pxspr")).out, mine);
+        // The same status for both kinds with a part that cannot be read.
+        QCOMPARE(run("presets %1", path("raw.pxspr")).status, 1);
         // Otherwise the readable part is used, with a note.
         for (const char *name : {"later.pxwpr", "later.pxspr"}) {
             const ProgramRun printed = run("presets %1", path(name));
@@ -184,6 +195,34 @@ private Q_SLOTS:
         }
     }
 
+    void missingAssignedPresets()
+    {
+        QVERIFY(writeFile(path("other.pxspr"), contentsOf(path("my.pxspr")).replace("<id>", "<id>7")));
+        const char *const missing = "assigned to \"With PNG\" is not there";
+        for (const auto &[options, isReported] : {std::pair("", true),
+                                                  {"--apply Plain", false},
+                                                  {"--ignore-assigned", false},
+                                                  {"--saving-presets %2", false},
+                                                  {"--saving-presets %3", true}}) {
+            const ProgramRun outcome =
+                run(words("save -n --wpresets %1 ", path("my.pxwpr")) + words("%1", path("in")) +
+                    words(options, QString(), path("my.pxspr"), path("other.pxspr")));
+            QCOMPARE(outcome.status, 0);
+            QVERIFY2(outcome.err.contains(missing) == isReported, outcome.err.constData());
+        }
+    }
+
+    void theListsOfTheUser()
+    {
+        const ProgramRun examples = run("presets");
+        QCOMPARE(examples.status, 0);
+        QVERIFY(examples.out.contains("Watermark presets (the examples):\nDiscreet copyright: ") &&
+                examples.out.contains("\nSaving presets (the examples):\n"));
+        QCOMPARE(QJsonDocument::fromJson(run("presets --json").out).array().size() + 2,
+                 examples.out.count('\n'));
+        QCOMPARE(run("presets --convert %1", path("new")).status, 2);
+    }
+
     void wrongUsage()
     {
         using Row = std::tuple<Text, QByteArray>;
@@ -193,6 +232,7 @@ private Q_SLOTS:
                  {"--wpresets %1 --text x", "--wpresets"},
                  {"--apply Plain --text x", "--text and --apply cannot"},
                  {"--wpresets %1 --set type=Image", "needs a picture"},
+                 {"--wpresets %1 --saving-presets %2 --apply 'With PNG' --format GIF", "no effect, because"},
                  {"--wpresets %2", "my.pxspr\": it is a file of saving presets"},
                  {"--text x --saving-presets %1", "my.pxwpr\": it is a file of watermark"}}) {
             const ProgramRun outcome = save(options);

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "cli/plainnumbers.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QMetaType>
+#include <QVariant>
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace plexa
+{
+namespace
+{
+
+double plain(double number)
+{
+    const auto single = static_cast<float>(number);
+    if (static_cast<double>(single) == number) {
+        std::array<char, 64> text{};
+        const char *const end = std::to_chars(text.data(), text.data() + text.size(), single).ptr;
+        return QByteArray(text.data(), end - text.data()).toDouble();
+    }
+    constexpr int kDigits = 12;
+    const double rounded = QByteArray::number(number, 'g', kDigits).toDouble();
+    const double noise = 8 * std::numeric_limits<double>::epsilon() * std::abs(number);
+    return std::abs(rounded - number) <= noise ? rounded : number;
+}
+
+} // namespace
+
+QJsonValue withPlainNumbers(const QJsonValue &value)
+{
+    if (value.isArray()) {
+        QJsonArray array;
+        for (const QJsonValue &element : value.toArray())
+            array.append(withPlainNumbers(element));
+        return array;
+    }
+    if (value.isObject()) {
+        QJsonObject object = value.toObject();
+        for (auto member = object.begin(); member != object.end(); ++member)
+            *member = withPlainNumbers(*member);
+        return object;
+    }
+    const bool isFraction = value.isDouble() && value.toVariant().typeId() == QMetaType::Double;
+    return isFraction ? QJsonValue(plain(value.toDouble())) : value;
+}
+
+} // namespace plexa
