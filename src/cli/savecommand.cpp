@@ -47,6 +47,7 @@ Result<OutputFolders> outputFolders(const SaveOptions &options)
 {
     OutputFolders folders;
     folders.destDirectory = QString::fromStdString(options.output);
+    folders.hasPortableNames = options.portableNames;
     if (QFileInfo(folders.destDirectory).exists() && !QFileInfo(folders.destDirectory).isDir())
         return fail(QStringLiteral("\"%1\" is not a folder").arg(folders.destDirectory));
     if (!options.replicateFrom.empty()) {

@@ -115,6 +115,8 @@ void addCopyOptions(OptionGroups &groups, SaveOptions &options)
              "The names of the copies, as in '{filename}-{sequence ###}' (default: those of the "
              "originals)")
         ->check(someText());
+    groups.addFlag("--portable-names", options.portableNames,
+                   "Replace what exFAT and SMB do not accept in names: \\ * ? \" < > | and reserved names");
     groups
         .add("--format", options.format, "NAME",
              "JPEG, HEIC, TIFF, PNG, GIF, BMP or Original (default: Original)")

@@ -81,7 +81,7 @@ QJsonArray jsonRects(const CopyReport &report)
 /// What the user should know about a written copy, although it is no failure.
 QStringList noticesOf(const SavingOutput &output)
 {
-    QStringList notices;
+    QStringList notices = output.report.notices;
     if (output.conflict == Conflict::UniqueNameInRun)
         notices.append(QStringLiteral("another file of this run has the name of the copy, so it is \"%1\"")
                            .arg(output.path));

@@ -41,6 +41,18 @@ QVariantMap propertiesOfCopy(ImageMetadata metadata, const CopyOrder &order, con
     return metadata.imagePropertiesDictionary();
 }
 
+/// Resolutions that differ a lot are rather a fault of the file than the shape of its pixels.
+QStringList noticesOf(const Uprighting &uprighting)
+{
+    constexpr double kUsualStretch = 2;
+    const double stretch = std::max(uprighting.scaleX, uprighting.scaleY);
+    if (stretch <= kUsualStretch)
+        return {};
+    return {
+        QStringLiteral("stretched by a factor of %1, because its horizontal and vertical resolutions differ")
+            .arg(stretch, 0, 'g', 3)};
+}
+
 using Drawings = std::vector<WatermarkDrawing>;
 
 Result<Drawings> prepareMarks(const CopyOrder &order, const PhotoFacts &facts, const PhotoServices &services,
@@ -122,6 +134,7 @@ public:
         CopyReport report;
         report.size = m_uprighting.size();
         report.dropped = droppedPictures(m_source);
+        report.notices = noticesOf(m_uprighting);
         return prepareMarks(m_order, facts, m_services, report)
             .and_then([&](Drawings drawings) -> Result<void> {
                 m_drawings = std::move(drawings);

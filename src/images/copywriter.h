@@ -69,6 +69,7 @@ struct CopyReport {
     std::vector<std::optional<QRectF>>
         rects;             ///< of each mark, origin at the bottom left; none: it had nothing to draw
     bool isMarked = false; ///< is any part of a mark visible on the copy?
+    QStringList notices;   ///< about the marks, as texts that follow the photo's path
     QStringList dropped;   ///< of the source, what the copy does not have: "gain map", "maker note"
 };
 

@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <utility>
 
 namespace plexa
@@ -120,11 +121,25 @@ QString OutputNaming::targetDirectoryForFile(const QString &path) const
     const QStringList start = startDirectory.isEmpty() ? QStringList() : foldersOf(startDirectory);
     if (source.mid(0, start.size()) != start)
         return m_folders.destDirectory;
-    const QStringList below = source.mid(start.size());
+    QStringList below = source.mid(start.size());
+    if (m_folders.hasPortableNames)
+        std::transform(below.begin(), below.end(), below.begin(), portableFileName);
     const QString folder = QDir(m_folders.destDirectory).filePath(below.join(u'/'));
     if (m_folders.makesFolders)
         QDir().mkpath(folder);
     return folder;
+}
+
+QString OutputNaming::pathForCopy(const QString &imagePath, const QString &filename)
+{
+    const QDir folder(targetDirectoryForFile(imagePath));
+    if (!m_folders.hasPortableNames)
+        return folder.filePath(filename);
+    const QString path = folder.filePath(portableFileName(filename));
+    QString &spelling = m_spellings[path.toCaseFolded()];
+    if (spelling.isEmpty())
+        spelling = path;
+    return spelling;
 }
 
 std::optional<OutputNaming::Destination>

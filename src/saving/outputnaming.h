@@ -23,6 +23,7 @@ struct OutputFolders {
     bool replicateOrigDirStructure = false; ///< in destDirectory, with the folders of the originals
     QString replicationStartDirectory;      ///< the folder whose subfolders these are; empty: the root
     bool makesFolders = true;               ///< creates missing replicated folders
+    bool hasPortableNames = false; ///< copies and replicated folders get names for file systems of all kinds
 };
 
 /// Chooses the names of the copies of one run. Copies are written at the same time: the path of one is taken
@@ -78,6 +79,10 @@ public:
     static QString filenameWithExtensionForFilename(const QString &filename, const QString &originalPath,
                                                     const SavingPresetValues &savingPreset);
 
+    /// A copy's path in the folder for the copy of this photo. With portable names, it is spelled as that of
+    /// an earlier copy which differs from it in the case of letters only.
+    QString pathForCopy(const QString &imagePath, const QString &filename);
+
     /// The folder for the copy of a photo. Creates replicated folders where `makesFolders` is set; writing
     /// the copy fails where that fails.
     QString targetDirectoryForFile(const QString &path) const;
@@ -120,7 +125,8 @@ private:
     Alerts &m_alerts;
     Wait m_waitForOutcome;
     const Scope m_scope;
-    QHash<QString, int> m_lastNumbers; // of each path that was taken; on the thread that asks for names
+    QHash<QString, QString> m_spellings; // of each path with portable names, by its case folding
+    QHash<QString, int> m_lastNumbers;   // of each path that was taken; on the thread that asks for names
     FilesUnderWay m_files;
 };
 

@@ -2,6 +2,7 @@
 
 #include "saving/safefilename.h"
 
+#include <QRegularExpression>
 #include <QTextBoundaryFinder>
 
 namespace plexa
@@ -52,6 +53,17 @@ QString safeFileName(const QString &text)
     while (start < safe.size() && isBlankOrDot(safe.at(start)))
         ++start;
     return withoutEnd(safe.mid(start));
+}
+
+QString portableFileName(const QString &name)
+{
+    static const QRegularExpression forbidden(QStringLiteral(R"([\x00-\x1f\\/:*?"<>|]|[ .]\z)"));
+    static const QRegularExpression reserved(
+        QStringLiteral(R"(\A(con|prn|aux|nul|(?:com|lpt)[1-9\x{b9}\x{b2}\x{b3}])(?= *(?:\.|\z)))"),
+        QRegularExpression::CaseInsensitiveOption);
+    QString portable = name;
+    portable.replace(forbidden, QStringLiteral("_"));
+    return portable.replace(reserved, QStringLiteral("\\1_"));
 }
 
 QString shortenedToBytes(const QString &text, qsizetype maxBytes)

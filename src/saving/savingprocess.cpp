@@ -423,7 +423,7 @@ void SavingProcess::decide(Pending &pending, const AheadOfTime &ahead, const Ord
                                                         order.savingPreset, output.sequenceNumber);
     m_observer.copyBegun(m_counter, Texts::tr("Saving image %1 out of %2:\n%3")
                                         .arg(QString::number(m_counter), QString::number(m_total), name));
-    const QString path = QDir(m_naming.targetDirectoryForFile(ahead.photo.path)).filePath(name);
+    const QString path = m_naming.pathForCopy(ahead.photo.path, name);
     pending.wantedPath = path;
     pending.keepsName = m_conflictCode == OutputNaming::always(OutputNaming::kUniqueName);
     if (const auto destination = m_naming.finalDestinationForPath(path, m_conflictCode, photoKey)) {

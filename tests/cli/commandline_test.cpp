@@ -494,6 +494,42 @@ private Q_SLOTS:
         QCOMPARE(names, words("c9.png a.png b.jpg C1.png c10.png"));
     }
 
+    /// Also in replicated folders; names that differ in the case of letters only are one name there.
+    void portableNames()
+    {
+        for (const char *name :
+             {"in/x? ./a*b\\<.png", "in/x? ./NUL.png", "in/x? ./com1 .x.png", "in/B.jpg"}) {
+            const QString photo = path(name);
+            QVERIFY(QDir().mkpath(QFileInfo(photo).path()) && QFile::copy(path("in/a.png"), photo));
+        }
+        for (const char *dryRun : {"--dry-run", ""}) {
+            const QByteArray out =
+                run(words("save --text x --json --portable-names --replicate-from %1 --output "
+                          "%2 %1",
+                          path("in"), path("out")) +
+                    words(dryRun))
+                    .out;
+            QStringList outputs;
+            for (const QJsonObject &line : jsonLines(out))
+                outputs.append(QDir(path("out")).relativeFilePath(line[u"output"_s].toString()));
+            QCOMPARE(outputs,
+                     words("a.png b.jpg b-1.jpg 'x_ _/a_b__.png' 'x_ _/com1_ .x.png' 'x_ _/NUL_.png'"));
+        }
+    }
+
+    /// The resolutions are rather wrong than the pixels so long.
+    void stretchedPhotos()
+    {
+        QImage photo = smoothPicture({40, 30});
+        photo.setDotsPerMeterX(10000);
+        for (const auto &[dots, notices] : {std::pair(5000, 0), {3000, 1}}) {
+            photo.setDotsPerMeterY(dots);
+            QVERIFY(photo.save(path("in/c.png")));
+            const ProgramRun outcome = run("save --text x --output %1 %2", path("out"), path("in/c.png"));
+            QCOMPARE(outcome.err.count("c.png: stretched by a factor of 3.33"), notices);
+        }
+    }
+
     /// Not a failure unless one is required, but reported whatever else is silent. The dry run knows empty
     /// texts.
     void copiesWithoutAWatermark()

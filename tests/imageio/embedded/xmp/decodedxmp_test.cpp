@@ -84,6 +84,28 @@ private Q_SLOTS:
         check(xmpPacket(kPhotoshop, "<photoshop:City>a&#xD;b</photoshop:City>"), {}, {"a&#xD;b"});
     }
 
+    void bothPacketsKeepTheirNamespaces()
+    {
+        const QByteArray more = xmpPacket("xmlns:shopy='urn:y:1' xmlns:same='http://example.com/more/' "
+                                          "shopy:code='y' same:code='more'");
+        const QByteArray guid = QCryptographicHash::hash(more, QCryptographicHash::Md5).toHex().toUpper();
+        const QByteArray main = xmpPacket(
+            "xmlns:xmpNote='http://ns.adobe.com/xmp/note/' xmlns:shopx='http://example.com/ns' "
+            "xmlns:same='http://example.com/main/' shopx:code='x' same:code='main' xmpNote:HasExtendedXMP='" +
+            guid + '\'');
+        const QByteArray extension =
+            "http://ns.adobe.com/xmp/extension/\0"_ba + guid + big32(more.size()) + big32(0) + more;
+        const QString copy = copyOf(main, {}, jpegSegment(0xE1, extension));
+        const QByteArray contents = contentsOf(copy);
+        QVERIFY(contents.contains("xmlns:shopx=\"http://example.com/ns\""));
+        QVERIFY(contents.contains("xmlns:shopy=\"urn:y:1\""));
+        QVERIFY(contents.contains("=\"http://example.com/more/\""));
+        const QJsonObject record = exiftoolRecords({copy}).value(copy);
+        QCOMPARE(record[u"XMP-shopx:Code"_s].toString(), u"x"_s);
+        QCOMPARE(record[u"XMP-shopy:Code"_s].toString(), u"y"_s);
+        QCOMPARE(record[u"XMP-same:Code"_s].toString(), u"main"_s);
+    }
+
     /// The library reads "type=" as a command.
     void commandsAreTexts()
     {
