@@ -57,7 +57,7 @@ struct FolderWalk::Entry {
 /// By name, numbers in names by their value, in the same order for every locale of the user.
 void FolderWalk::sortNaturally(std::vector<Entry> &entries)
 {
-    QCollator collator(QLocale(QLocale::English));
+    QCollator collator{QLocale(QLocale::English)};
     collator.setNumericMode(true);
     std::vector<std::pair<QCollatorSortKey, Entry>> keyed;
     keyed.reserve(entries.size());
