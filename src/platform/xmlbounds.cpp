@@ -16,8 +16,6 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(plexa::PropertyList)
 };
 
-constexpr int kMaxNamespaces = 100;
-
 /// Drawing programs declare a few entities.
 constexpr qsizetype kMaxDocumentType = 16'000;
 
@@ -69,9 +67,10 @@ Result<QByteArray> inUtf8(const QByteArray &bytes)
 class TagWalk
 {
 public:
-    TagWalk(QByteArrayView xml, int maxAttributes)
+    TagWalk(QByteArrayView xml, int maxAttributes, int maxNamespaces)
         : m_xml(xml)
         , m_maxAttributes(maxAttributes)
+        , m_maxNamespaces(maxNamespaces)
     {
     }
 
@@ -170,14 +169,15 @@ private:
             }
         }
         m_namespaces += m_declared.back();
-        if (m_namespaces > kMaxNamespaces)
-            m_fault = Texts::tr("more than %1 namespaces are declared at once").arg(kMaxNamespaces);
+        if (m_namespaces > m_maxNamespaces)
+            m_fault = Texts::tr("more than %1 namespaces are declared at once").arg(m_maxNamespaces);
         if (m_xml[m_at - 1] == '/')
             close();
     }
 
     QByteArrayView m_xml;
     int m_maxAttributes;
+    int m_maxNamespaces;
     qsizetype m_at = 0;
     std::vector<int> m_declared; ///< namespaces, for each open element
     int m_namespaces = 0;        ///< the sum
@@ -186,10 +186,10 @@ private:
 
 } // namespace
 
-Result<QByteArray> boundedXml(const QByteArray &bytes, int maxAttributes)
+Result<QByteArray> boundedXml(const QByteArray &bytes, int maxAttributes, int maxNamespaces)
 {
-    return inUtf8(bytes).and_then([maxAttributes](const QByteArray &utf8) -> Result<QByteArray> {
-        const QString fault = TagWalk(utf8, maxAttributes).fault();
+    return inUtf8(bytes).and_then([=](const QByteArray &utf8) -> Result<QByteArray> {
+        const QString fault = TagWalk(utf8, maxAttributes, maxNamespaces).fault();
         return fault.isEmpty() ? Result<QByteArray>(utf8) : fail(fault);
     });
 }

@@ -15,8 +15,10 @@ namespace plexa
 /// type. Entities are not expanded; parsers bound them. Any thread.
 /// @param bytes          in any encoding that QXmlStreamReader reads
 /// @param maxAttributes  of one element
+/// @param maxNamespaces  declared by an element and those around it
 /// @return the document in UTF-8, the same bytes if it was in UTF-8; a failure as text that follows a file's
 /// name
-[[nodiscard]] Result<QByteArray> boundedXml(const QByteArray &bytes, int maxAttributes);
+[[nodiscard]] Result<QByteArray> boundedXml(const QByteArray &bytes, int maxAttributes,
+                                            int maxNamespaces = 100);
 
 } // namespace plexa

@@ -3,6 +3,7 @@
 #include "imageio/embedded/xmp/xmpnamespaces.h"
 
 #include "imageio/embedded/exif/exiv2setup.h"
+#include "platform/xmlbounds.h"
 
 #include <QCryptographicHash>
 #include <QSet>
@@ -24,7 +25,7 @@ constexpr int kMaxDepth = 200;
 
 // The library searches all properties for each one, so that its time grows with the square: this many need a
 // third of a second.
-constexpr qsizetype kMaxNames = 5000;
+constexpr int kMaxNames = 5000;
 
 /// The prefix of a known address; null: the address is not known.
 QString knownPrefix(const QString &address)
@@ -66,7 +67,10 @@ public:
     /// @return empty for invalid XML and beyond the limits
     QByteArray rewritten(const QByteArray &packet)
     {
-        QXmlStreamReader reader(packet);
+        const Result<QByteArray> bounded = boundedXml(packet, kMaxNames, kMaxNames);
+        if (!bounded)
+            return {};
+        QXmlStreamReader reader(*bounded);
         while (!reader.atEnd()) {
             switch (reader.readNext()) {
             case QXmlStreamReader::StartElement:

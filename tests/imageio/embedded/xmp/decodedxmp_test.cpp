@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "imageio/embedded/xmp/xmpnamespaces.h"
 #include "imageio/jpegassembly.h"
 #include "metadata/imagemetadata.h"
 #include "support/exiftool.h"
@@ -104,6 +105,18 @@ private Q_SLOTS:
         QCOMPARE(record[u"XMP-shopx:Code"_s].toString(), u"x"_s);
         QCOMPARE(record[u"XMP-shopy:Code"_s].toString(), u"y"_s);
         QCOMPARE(record[u"XMP-same:Code"_s].toString(), u"main"_s);
+    }
+
+    /// A parser compares each of these with all others, which would take minutes.
+    void hugeElementsAreRefusedUnparsed()
+    {
+        for (const char *attribute : {" a:n%1='1'", " xmlns:n%1='urn:%1'"}) {
+            QString attributes;
+            for (int i = 0; i < 400'000; ++i)
+                attributes += QString::fromLatin1(attribute).arg(i);
+            const QByteArray packet = xmpPacket("xmlns:a='urn:a'" + attributes.toLatin1());
+            QVERIFY(XmpNamespaces().packetForLibrary(packet.toStdString()).empty());
+        }
     }
 
     /// The library reads "type=" as a command.
