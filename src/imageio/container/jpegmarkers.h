@@ -25,6 +25,7 @@ enum : int {
     APP1 = 0xE1,
     APP2 = 0xE2,
     APP13 = 0xED,
+    SOF55 = 0xF7, // JPEG-LS
     COM = 0xFE,
 };
 } // namespace JpegMarker

@@ -28,7 +28,8 @@ const QByteArray kWebp = "RIFF\x2C\x01\0\0WEBPVP8 "_ba + QByteArray(300, '\0');
 const QByteArray kGif = "GIF89a\x10\0\x10\0"_ba + QByteArray(300, '\0');
 const QByteArray kHeif = big32(0x18) + "ftypheic" + QByteArray(300, '\0');
 const QByteArray kPng = "\x89PNG\r\n\x1A\n"_ba + QByteArray(300, '\0');
-const QByteArray kJpeg = "\xFF\xD8\xFF\xDB"_ba + QByteArray(300, '\0');
+const QByteArray kFrame = "\xFF\xC0\0\x0B\x08\0\x10\0\x10\1\1\x11\0"_ba + QByteArray(300, '\0');
+const QByteArray kJpeg = "\xFF\xD8\xFF\xDB\0\2"_ba + kFrame;
 
 /// A Photoshop image resource.
 QByteArray resource(int id, const QByteArray &data, const QByteArray &name = {})
@@ -97,6 +98,11 @@ private Q_SLOTS:
         };
         for (const QByteArray &picture : {"abc" + kJpeg, "abc" + kPng, kTiff, kWebp, kGif, kHeif})
             check(0xFDE8, picture, false);
+        check(0x927C, "abc" + kJpeg.mid(1), false); // spoiled by the camera
+        // Tables of numbers: a start without a frame, without a marker after it, and after the frame.
+        const QByteArray start = kJpeg.left(6);
+        for (const QByteArray &table : {start + kFrame.mid(1), "\xFF\xD8\xFF\x90\0\2"_ba + kFrame, kFrame + start})
+            check(0xFDE8, table, true);
         check(0x9286, "ASCII\0\0\0"_ba + kGif, false);
         check(0xFDE8, "BMXX"_ba + QByteArray(300, '\x01'), true);
         check(0x927C, kTiff, true); // a maker note may have the header of a TIFF

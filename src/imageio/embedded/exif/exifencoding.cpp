@@ -73,7 +73,7 @@ private:
     {
         switch (way) {
         case NoteWay::AsItWas:
-            return m_note.bytes.isEmpty() || m_note.isEdited || holdsMangledPicture(m_note.bytes)
+            return m_note.bytes.isEmpty() || m_note.isEdited
                        ? QByteArray()
                        : writtenExif(m_exif, m_order, m_note, thumbnail);
         case NoteWay::Again:
@@ -89,13 +89,6 @@ private:
             return writtenExif(m_exif, m_order, {}, thumbnail);
         }
         return {};
-    }
-
-    /// Some cameras spoil the first byte of the JPEGs in their notes.
-    static bool holdsMangledPicture(const QByteArray &note)
-    {
-        return note.contains("\xD8\xFF\xDB") || note.contains("\xD8\xFF\xE0") ||
-               note.contains("\xD8\xFF\xE1");
     }
 
     Exiv2::ExifData m_exif;
