@@ -56,11 +56,9 @@ bool canFollowStart(int marker)
 bool isFrameHeader(QByteArrayView bytes, qsizetype at)
 {
     const int marker = byteAt(bytes, at + 1);
-    const bool isFrame = (marker >= JpegMarker::SOF0 && marker <= JpegMarker::SOF15 &&
-                          marker != JpegMarker::DHT && marker != JpegMarker::JPG && marker != JpegMarker::DAC) ||
-                         marker == JpegMarker::SOF55;
     const int components = byteAt(bytes, at + 9);
-    return isFrame && components > 0 && byteAt(bytes, at + 2) * 256 + byteAt(bytes, at + 3) == 8 + 3 * components &&
+    return (JpegMarker::isFrame(marker) || marker == JpegMarker::SOF55) && components > 0 &&
+           byteAt(bytes, at + 2) * 256 + byteAt(bytes, at + 3) == 8 + 3 * components &&
            byteAt(bytes, at + 4) >= 2 && byteAt(bytes, at + 4) <= 16 &&
            (byteAt(bytes, at + 7) > 0 || byteAt(bytes, at + 8) > 0);
 }

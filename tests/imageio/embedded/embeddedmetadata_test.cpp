@@ -101,7 +101,8 @@ private Q_SLOTS:
         check(0x927C, "abc" + kJpeg.mid(1), false); // spoiled by the camera
         // Tables of numbers: a start without a frame, without a marker after it, and after the frame.
         const QByteArray start = kJpeg.left(6);
-        for (const QByteArray &table : {start + kFrame.mid(1), "\xFF\xD8\xFF\x90\0\2"_ba + kFrame, kFrame + start})
+        for (const QByteArray &table :
+             {start + kFrame.mid(1), "\xFF\xD8\xFF\x90\0\2"_ba + kFrame, kFrame + start})
             check(0xFDE8, table, true);
         check(0x9286, "ASCII\0\0\0"_ba + kGif, false);
         check(0xFDE8, "BMXX"_ba + QByteArray(300, '\x01'), true);

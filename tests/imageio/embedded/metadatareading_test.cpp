@@ -342,6 +342,23 @@ private Q_SLOTS:
         check("-ColorSpace#=65535 -InteropIndex=R03", false, "gray.jpg", QImage::Format_Grayscale8);
     }
 
+    /// exiftool continues an EXIF structure of more than 64 kB in a second segment.
+    void exifOfSeveralSegmentsIsJoined()
+    {
+        PLEXA_NEEDS_PROGRAMS("exiftool");
+        const QString path = m_folder.path("long.jpg");
+        QVERIFY(writeFile(path, encoded(flatPicture({16, 16}), "JPEG")));
+        const QString comment(80'000, u'c');
+        outputOf(u"exiftool"_s,
+                 words("-q -q -overwrite_original -ColorSpace#=65535 -InteropIndex=R03 -Artist=Ann") +
+                     QStringList{u"-UserComment="_s + comment, path});
+        QCOMPARE(contentsOf(path).count("Exif\0\0"_ba), 2);
+        const QVariantMap properties = propertiesOf(path);
+        QCOMPARE(groupDictionary(properties, MetadataGroup::Exif)[kCGImagePropertyExifUserComment].toString(),
+                 comment);
+        QCOMPARE(properties[kCGImagePropertyProfileName].toString(), u"Adobe RGB (1998)"_s);
+    }
+
 private:
     /// The whole dictionary, or that of the metadata where the picture cannot be opened.
     static QVariantMap propertiesOf(const QString &path)
