@@ -109,6 +109,25 @@ private Q_SLOTS:
         check(0x927C, kTiff, true); // a maker note may have the header of a TIFF
     }
 
+    void pointersGoWithTheirDirectories()
+    {
+        const auto check = [this](const ExifField &pointer, const QByteArray &maker,
+                                  const QStringList &omitted) {
+            const auto copy = copied({.exif = exifWith({pointer, {0xFDE8, 7, "kept"}}, maker)});
+            QVERIFY(copy.exif.contains("kept"));
+            QVERIFY(!copy.exif.contains(big16(0x8290)) && !copy.exif.contains(big16(0xFDE7)) &&
+                    !copy.exif.contains(big16(0x0035)));
+            QCOMPARE(copy.omitted, omitted);
+        };
+        check({0x8290, 4, big32(8)}, kMaker, {u"EXIF directory 0x8290"_s}); // Kodak's
+        check({0xFDE7, 13, big32(8)}, kMaker, {u"EXIF directory 0xfde7"_s});
+        // Samsung's maker note, whose offsets count from its start, with a preview.
+        const QByteArray preview = exifDirectory(42, {{0x0103, 3, big16(6)}});
+        const QByteArray note =
+            exifDirectory(0, {{1, 7, "0100"}, {0x0035, 4, big32(42)}, {0x0050, 3, big16(1)}});
+        check({0x927C, 7, note + preview}, "SAMSUNG\0\0\0"_ba, {});
+    }
+
     void picturesInIptcAreRemoved()
     {
         // A time without zone: the library would add one when it encodes the record again.

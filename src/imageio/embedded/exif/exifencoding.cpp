@@ -3,6 +3,7 @@
 #include "imageio/embedded/exif/exifencoding.h"
 
 #include "imageio/container/picturestarts.h"
+#include "imageio/embedded/exif/exifvalues.h"
 #include "imageio/embedded/exif/makernoterewriting.h"
 #include "imageio/embedded/metadataclearing.h"
 #include "metadata/metadatafields.h"
@@ -137,9 +138,7 @@ public:
             if (victim == values.end())
                 --victim;
             bytes -= kEntryBytes + (*victim)->size();
-            names += (*victim)->key() == kUserComment
-                         ? u"user comment"_qs
-                         : QStringLiteral("EXIF field %1").arg(QString::fromStdString((*victim)->tagName()));
+            names += exifFieldName(**victim);
             m_exif.erase(*victim);
             values.erase(victim);
         }
@@ -190,6 +189,9 @@ void encodeExif(EmbeddedMetadata::Encoded &result, Exiv2::ExifData exif, Exiv2::
     const bool hadNote = !note.bytes.isEmpty() || makerNoteFields(encoder.exif()) > 0;
     if (hadNote && way == NoteWay::None)
         result.omitted += u"maker note"_qs;
+    if (way == NoteWay::Again)
+        for (const QString &field : fieldsLostByRewriting(note, encoder.exif(), result.exif))
+            result.omitted += u"maker note field "_qs + field;
     if (isTooLong && result.exif.isEmpty())
         result.exif = shortened(encoder, facts.maxExifBytes, result.omitted);
     if (facts.thumbnailBytes <= 0 || result.exif.isEmpty() ||
