@@ -188,8 +188,10 @@ QByteArray changedXmp(MetadataSet &set, const QVariantMap &before, const QVarian
         (facts.cleared & ClearedGroup::Iptc))
         // A digest of the old record would make other programs distrust the new one.
         eraseXmpProperty(xmp.data, "Xmp.photoshop.LegacyIPTCDigest");
-    if (!facts.holdsIptc)
+    if (!facts.holdsIptc) {
         addIptcToXmp(xmp.data, after);
+        omitted += iptcWithoutPlaceInXmp(set.iptc);
+    }
     if (!facts.holdsExif)
         addTiffTextsToXmp(xmp.data, after);
     if (facts.isTurned && eraseRegionsFromXmp(xmp.data))

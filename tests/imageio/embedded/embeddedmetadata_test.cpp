@@ -148,6 +148,21 @@ private Q_SLOTS:
         check(kWebp);                 // after the last dataset
     }
 
+    /// In a format without IIM records.
+    void iptcGoesIntoXmpOrIsReported()
+    {
+        EmbeddedMetadata::CopyFacts facts = kFacts;
+        facts.holdsIptc = false;
+        const auto copy = copied({.iptc = dataSet(2, 0, "\0\4"_ba) + dataSet(2, 62, "20200304") +
+                                          dataSet(2, 63, "050607+0800") + dataSet(2, 65, "Editor") +
+                                          dataSet(2, 90, "Bern") + dataSet(2, 118, "Ann") +
+                                          dataSet(2, 230, "notes") + dataSet(2, 228, "?")},
+                                 facts);
+        QVERIFY(copy.xmp.contains("Bern") && copy.xmp.contains("2020-03-04T05:06:07+08:00"));
+        QCOMPARE(copy.omitted, (QStringList{u"IPTC field Contact"_s, u"IPTC field DocumentNotes"_s,
+                                            u"IPTC field 0x00e4"_s}));
+    }
+
     /// Resources that follow an invalid one are left out with it.
     void imageResourcesAreChosen()
     {
