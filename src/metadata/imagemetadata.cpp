@@ -92,8 +92,8 @@ QDateTime exifDateTimeFromString(const QString &text)
     const QDateTime local(date, time);
     if (local.isValid())
         return local;
-    // The hour that the local clock skips in spring: cameras in other zones have it. The offset only has to
-    // be one that makes the clock show this time.
+    // The hour that the local clock skips in spring: cameras in other zones have it. Any offset makes the
+    // clock show this time; the long form of the time shows the offset, too.
     return QDateTime(date, time, QTimeZone(QDateTime(date.addDays(-1), time).offsetFromUtc()));
 }
 

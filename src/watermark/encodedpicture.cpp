@@ -138,8 +138,7 @@ Result<QImage> EncodedPicture::decode(const Representation &representation)
     const int height = rows.size.height();
     QImage image(orientedSize(rows.size, representation.orientation), rows.imageFormat());
     const bool isUpright = representation.orientation == 1;
-    QImage strip(isUpright ? QSize() : QSize(rows.size.width(), std::min(height, kStripRows)),
-                 rows.imageFormat());
+    QImage strip(isUpright ? QSize() : QSize(rows.size.width(), kStripRows), rows.imageFormat());
     if (image.isNull() || (!isUpright && strip.isNull()))
         return fail(PictureFailures::outOfMemory());
     const int step = isUpright ? height : strip.height();

@@ -125,6 +125,12 @@ Transform makeTransform(cmsContext context, cmsHPROFILE from, cmsUInt32Number fo
         cmsCreateTransformTHR(context, from, format, to.get(), kRgb32, INTENT_RELATIVE_COLORIMETRIC, flags));
 }
 
+bool areNear(QRgb a, QRgb b)
+{
+    return std::abs(qRed(a) - qRed(b)) <= 1 && std::abs(qGreen(a) - qGreen(b)) <= 1 &&
+           std::abs(qBlue(a) - qBlue(b)) <= 1;
+}
+
 bool leavesColorsAlone(cmsHTRANSFORM transform)
 {
     std::vector<QRgb> grid;
@@ -137,13 +143,7 @@ bool leavesColorsAlone(cmsHTRANSFORM transform)
     }
     std::vector<QRgb> converted = grid;
     cmsDoTransform(transform, grid.data(), converted.data(), cmsUInt32Number(grid.size()));
-    for (size_t i = 0; i < grid.size(); ++i) {
-        if (std::abs(qRed(grid[i]) - qRed(converted[i])) > 1 ||
-            std::abs(qGreen(grid[i]) - qGreen(converted[i])) > 1 ||
-            std::abs(qBlue(grid[i]) - qBlue(converted[i])) > 1)
-            return false;
-    }
-    return true;
+    return std::equal(grid.begin(), grid.end(), converted.begin(), areNear);
 }
 
 bool leavesGraysAlone(cmsHTRANSFORM transform)
@@ -154,9 +154,7 @@ bool leavesGraysAlone(cmsHTRANSFORM transform)
         grays[i] = uchar(i);
     cmsDoTransform(transform, grays.data(), converted.data(), cmsUInt32Number(grays.size()));
     for (int i = 0; i < 256; ++i) {
-        const QRgb color = converted[size_t(i)];
-        if (std::abs(qRed(color) - i) > 1 || std::abs(qGreen(color) - i) > 1 ||
-            std::abs(qBlue(color) - i) > 1)
+        if (!areNear(converted[size_t(i)], qRgb(i, i, i)))
             return false;
     }
     return true;

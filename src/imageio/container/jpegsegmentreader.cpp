@@ -25,8 +25,7 @@ std::optional<int> JpegSegmentReader::next()
     m_payload.clear();
     m_payloadSize = 0;
     if (m_nextPosition < 0) {
-        char start[2];
-        if (m_device.read(start, 2) != 2 || uchar(start[0]) != 0xff || uchar(start[1]) != JpegMarker::SOI)
+        if (m_device.read(2) != "\xFF\xD8")
             return {};
     } else if (!m_device.seek(m_nextPosition)) {
         return {};

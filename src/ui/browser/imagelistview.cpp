@@ -158,7 +158,6 @@ void ImageListView::setUpLook()
     setFrameShape(QFrame::NoFrame);
     setShowGrid(false);
     setWordWrap(false);
-    setSelectionBehavior(SelectRows);
     setSelectionMode(ExtendedSelection);
     setEditTriggers(EditKeyPressed | DoubleClicked);
     setVerticalScrollMode(ScrollPerPixel);
