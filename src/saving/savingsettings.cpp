@@ -44,7 +44,8 @@ void followSettings(SavingRun &run, const UserDefaults &defaults)
 void followSettingsForCompanion(SavingRun &run, const UserDefaults &defaults, const QString &exchangeFolder)
 {
     followCommonSettings(run, defaults);
-    run.folders = {.destDirectory = exchangeFolder};
+    run.folders = {};
+    run.folders.destDirectory = exchangeFolder;
     run.ignoreAssignedSavingPresets = true;
     run.defaultSavingPreset = {};
     run.defaultSavingPreset.imageFormat = QStringLiteral("TIFF");

@@ -282,6 +282,12 @@ private Q_SLOTS:
         QCOMPARE(width.size(), 1);
         QCOMPARE(width[0][u"highest"_s], QJsonValue(100'000));
         QVERIFY(run("fields font").out.contains("DejaVuSans-Bold"));
+        QCOMPARE(run("fields textAlignment offsetVertical").out,
+                 "  textAlignment           whole number from 0 to 2 (0 left, 1 centered, 2\n"
+                 "                          right); default: 0\n"
+                 "  offsetVertical          whole number from -100000 to 100000, in\n"
+                 "                          offsetVerticalUnit; default: 1\n");
+        QVERIFY(run("tokens").out.contains("\n  filename              IMG_4211\n"));
         QCOMPARE(run("fields nope").status, 2);
         for (const char *command : {"--help", "save --help", "inspect --help", "presets --help",
                                     "fields --help", "tokens --help", "fields"}) {
@@ -330,6 +336,10 @@ private Q_SLOTS:
         write("d.jpg", jpeg.replace(2, 6, QByteArray("\xFF\xFE\0\5abc", 7)));
         QVERIFY(run("save --text x --save-set imageFormat=TIFF --output %1 %2", path("out"), path("d.jpg"))
                     .err.contains("d.jpg: the copy leaves out: comment\n"));
+        const QByteArray json =
+            run("save --text x --json --save-set imageFormat=TIFF --output %1 %2", path("out"), path("d.jpg"))
+                .out;
+        QCOMPARE(jsonLines(json)[0][u"dropped"_s], QJsonValue(QJsonArray{u"comment"_s}));
     }
 
     void dryRunAgreesWithTheRun()
@@ -489,6 +499,7 @@ private Q_SLOTS:
         for (const char *name : {"in/c10.png", "in/c9.png", "in/C1.png"})
             QVERIFY(QFile::copy(path("in/a.png"), path(name)));
         QVERIFY(QFile::link(path("in"), path("link")));
+        QVERIFY(QDir().mkpath(path("in/.trash")) && QFile::copy(path("in/a.png"), path("in/.trash/d.png")));
         QStringList names;
         for (const QJsonObject &line :
              jsonLines(run("save --text x --dry-run --json --output %1 %2 %3 %4 %5", path("out"),
@@ -625,13 +636,14 @@ private Q_SLOTS:
     {
         PLEXA_NEEDS_PROGRAMS("exiftool")
         outputOf("exiftool -q -overwrite_original -ISO=200 -ExposureTime=1/3 -XMP-iptcCore:CreatorCity=Bern "
-                 "-IPTC:Keywords=a -Artist=%1 %2",
+                 "-IPTC:Keywords=a -Orientation#=6 -Artist=%1 %2",
                  "A\x1b[31mB", path("in/b.jpg"));
         const ProgramRun json = run("inspect --json %1", path("in/b.jpg"));
         QCOMPARE(json.status, 0);
         QVERIFY(json.err.isEmpty());
         const QJsonObject object = QJsonDocument::fromJson(json.out).array()[0].toObject();
         QCOMPARE(object.keys(), words("height orientation path properties tokens type width"));
+        QCOMPARE(object[u"orientation"_s], QJsonValue(6));
         const QJsonValue properties = object[u"properties"_s];
         const QJsonValue exif = properties[u"{Exif}"_s];
         QCOMPARE(exif[u"ISOSpeedRatings"_s], QJsonValue(QJsonArray{200}));
@@ -642,7 +654,10 @@ private Q_SLOTS:
         QCOMPARE(object[u"tokens"_s][u"ISO speed"_s], QJsonValue(u"200"_s));
 
         const ProgramRun text = run("inspect %1", path("in/b.jpg"));
-        QVERIFY(text.out.contains("\n  size         320 x 200\n"));
+        QVERIFY(text.out.startsWith(path("in/b.jpg").toUtf8() +
+                                    "\n  type         image/jpeg\n  size         200 x 320\n"
+                                    "  orientation  6\n  properties\n    ") &&
+                text.out.contains("\n  tokens\n    "));
         QVERIFY(text.out.contains("ISOSpeedRatings") && text.out.contains("[200]"));
         QVERIFY(text.out.contains("A?[31mB") && !text.out.contains('\x1b'));
     }

@@ -38,7 +38,7 @@ private Q_SLOTS:
                                            u"Quorvel Plexa"_s));
         WPresetValues values;
         values.name = u"Plain"_s;
-        values.textTokens = words("plain");
+        values.textTokens = {u"plain"_s, u"\n"_s, u"creator"_s};
         values.font = u"DejaVuSans"_s;
         values.angle = 12.3F;
         const auto plain = std::make_shared<WPreset>(values);
@@ -51,7 +51,7 @@ private Q_SLOTS:
     {
         const ProgramRun text = run("presets %1", path("my.pxwpr"));
         QCOMPARE(text.status, 0);
-        QCOMPARE(text.out, QByteArray("Plain: text, plain\nWith PNG: text, plain\n"));
+        QCOMPARE(text.out, "Plain: text, plain / [creator]\nWith PNG: text, plain / [creator]\n");
         const QJsonArray presets = QJsonDocument::fromJson(json("my.pxwpr")).array();
         QCOMPARE(presets.size(), 2);
         QCOMPARE(presets[0].toObject().size(), static_cast<qsizetype>(wPresetFields().size()));

@@ -111,6 +111,10 @@ private Q_SLOTS:
             QCOMPARE(small.size(), QSize(160, 107));
             const QImage scaled = image.scaled(small.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
             QVERIFY(meanDifference(small, scaled) < 5);
+            QCOMPARE(outputOf("exiftool -n -s3 -IFD1:Compression -IFD1:XResolution -IFD1:YResolution "
+                              "-IFD1:ResolutionUnit %1",
+                              path),
+                     "6\n72\n72\n2\n");
             // The checksum of a PNG's chunk, which was written twice.
             const qsizetype exif = file.data().indexOf("eXIf");
             QCOMPARE(exif > 0, type == kPng);

@@ -243,6 +243,7 @@ private Q_SLOTS:
         UserDefaults defaults(u"maker"_qs, u"companion"_qs);
         registerDefaults(defaults);
         const QString exchange = path(u"exchange"_qs);
+        run.folders.replicateOrigDirStructure = true; // of a former save
         followSettingsForCompanion(run, defaults, exchange);
         ScriptedAlerts alerts;
         alerts.expect(u"Failed to save 1 image(s)!"_qs);

@@ -86,10 +86,11 @@ void clearGps(MetadataSet &set, DecodedXmp &xmp)
                     [&](const Exiv2::Xmpdatum &datum) { return isPlaceInXmp(datum, xmp.namespaces); });
 }
 
-/// Tags of the main directory for camera and exposure (TIFF/EP, DNG), not for the picture.
+/// Tags of the main directory for camera and exposure (TIFF/EP, DNG), not for the picture. No copy holds the
+/// tags of the color filter array beside 0x828F.
 bool isCameraTag(uint16_t tag)
 {
-    return (tag >= 0x828D && tag <= 0x8290) || tag == 0x829A || tag == 0x829D ||
+    return tag == 0x828F || tag == 0x829A || tag == 0x829D ||
            (tag >= 0x8822 && tag <= 0x8833 && tag != 0x8825) || (tag >= 0x9000 && tag <= 0x9290) ||
            (tag >= 0x9400 && tag <= 0x94FF) || (tag >= 0xA000 && tag <= 0xA47F) ||
            (tag >= 0xA481 && tag <= 0xA4FF) || tag == 0xC4A5 || (tag >= 0xC612 && tag <= 0xC7FF);

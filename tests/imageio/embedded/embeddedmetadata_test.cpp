@@ -3,6 +3,7 @@
 #include "imageio/codecs/jpeg/thumbnail.h"
 #include "imageio/container/imageresources.h"
 #include "imageio/jpegassembly.h"
+#include "metadata/imagemetadata.h"
 #include "support/files.h"
 #include "support/testenvironment.h"
 
@@ -109,6 +110,18 @@ private Q_SLOTS:
         check(0x927C, kTiff, true); // a maker note may have the header of a TIFF
     }
 
+    /// An unreadable maker note may hold the serial number that is edited.
+    void serialNumbersLeaveWithTheirNote()
+    {
+        const auto metadata =
+            readBack("note.jpg", jpegWith({.exif = exifWith({{0x927C, 7, "unreadable"}}, kMaker)}));
+        ImageMetadata edited(metadata->properties());
+        edited.setExifAuxValue(u"1"_s, kCGImagePropertyExifAuxSerialNumber);
+        const auto copy = metadata->encodeForCopy(edited.imagePropertiesDictionary(), kFacts);
+        QVERIFY(copy.exif.contains("Quorvel") && !copy.exif.contains("unreadable"));
+        QCOMPARE(copy.omitted, QStringList(u"maker note"_s));
+    }
+
     void pointersGoWithTheirDirectories()
     {
         const auto check = [this](const ExifField &pointer, const QByteArray &maker,
@@ -156,9 +169,12 @@ private Q_SLOTS:
         const auto copy = copied({.iptc = dataSet(2, 0, "\0\4"_ba) + dataSet(2, 62, "20200304") +
                                           dataSet(2, 63, "050607+0800") + dataSet(2, 65, "Editor") +
                                           dataSet(2, 90, "Bern") + dataSet(2, 118, "Ann") +
-                                          dataSet(2, 230, "notes") + dataSet(2, 228, "?")},
+                                          dataSet(2, 230, "notes") + dataSet(2, 228, "?"),
+                                  .xmp = xmpPacket("xmlns:photoshop='http://ns.adobe.com/photoshop/1.0/' "
+                                                   "photoshop:City='Basel'")},
                                  facts);
-        QVERIFY(copy.xmp.contains("Bern") && copy.xmp.contains("2020-03-04T05:06:07+08:00"));
+        QVERIFY(copy.xmp.contains("Bern") && !copy.xmp.contains("Basel") &&
+                copy.xmp.contains("2020-03-04T05:06:07+08:00"));
         QCOMPARE(copy.omitted, (QStringList{u"IPTC field Contact"_s, u"IPTC field DocumentNotes"_s,
                                             u"IPTC field 0x00e4"_s}));
     }
@@ -166,7 +182,9 @@ private Q_SLOTS:
     /// Resources that follow an invalid one are left out with it.
     void imageResourcesAreChosen()
     {
-        const QByteArray angle = resource(0x040D, big32(30));
+        QByteArray others;
+        for (const int id : {0x03F3, 0x040D, 0x0419, 0x041E, 0x0426, 0x2710}) // and flags and links
+            others += resource(id, big32(30));
         const QByteArray flag = resource(0x040A, "\1");
         const QByteArray iptc = dataSet(2, 120, "Lake");
         const QByteArray unwanted[] = {
@@ -183,8 +201,8 @@ private Q_SLOTS:
             "\xFF\xD8\xFF\xE0 and more bytes"_ba,                                // another kind
         };
         for (const QByteArray &bytes : unwanted) {
-            const QByteArray all = angle + resource(0x0404, iptc) + flag + bytes;
-            QCOMPARE(imageResourcesForCopy(all, {}), angle + flag);
+            const QByteArray all = others + resource(0x0404, iptc) + flag + bytes;
+            QCOMPARE(imageResourcesForCopy(all, {}), others + flag);
             QCOMPARE(iptcOfImageResources(all), iptc);
             QCOMPARE(imageResourcesForCopy(bytes, {}), QByteArray());
         }
@@ -196,17 +214,20 @@ private Q_SLOTS:
             return resource(0x03ED, big16(horizontal) + big16(0) + "\0\1\0\2"_ba + big16(vertical) +
                                         big16(0) + "\0\1\0\2"_ba);
         };
+        const QByteArray wide = resource(0x0428, big32(1) + QByteArray::fromHex("4000000000000000"));
+        const QByteArray square = resource(0x0428, big32(1) + QByteArray::fromHex("3ff0000000000000"));
         const QByteArray digest = resource(0x0425, QByteArray(16, 'd'));
         const QByteArray rights = resource(0x040A, "\1") + resource(0x040B, "https://quorvel.example");
-        const QByteArray all = resolution(72, 300) + rights + digest;
+        const QByteArray all = resolution(72, 300) + wide + rights + digest;
         ImageResourceFacts facts{"old"_ba, "old"_ba, {300, 300}, false};
-        QCOMPARE(imageResourcesForCopy(all, facts), resolution(300, 300) + rights + digest);
+        QCOMPARE(imageResourcesForCopy(all, facts), resolution(300, 300) + square + rights + digest);
         facts.iptcAfter = "new";
         facts.clearsRights = true;
         const QByteArray renewed = QByteArray::fromHex("22af645d1859cb5ca6da0c484f1f37ea"); // md5sum of "new"
-        QCOMPARE(imageResourcesForCopy(all, facts), resolution(300, 300) + resource(0x0425, renewed));
+        QCOMPARE(imageResourcesForCopy(all, facts),
+                 resolution(300, 300) + square + resource(0x0425, renewed));
         facts.iptcAfter.clear();
-        QCOMPARE(imageResourcesForCopy(all, facts), resolution(300, 300));
+        QCOMPARE(imageResourcesForCopy(all, facts), resolution(300, 300) + square);
     }
 
     void commentsAreTexts()
@@ -221,7 +242,7 @@ private Q_SLOTS:
             const bool isWhole = comments.size() < 256 && kept.size() >= comments.join().size();
             QCOMPARE(copy.omitted, isWhole ? QStringList() : QStringList(u"comment"_s));
         };
-        for (const QByteArray &text : {"Lake\tat\r\nnoon\n"_ba, "Z\xFCrich"_ba})
+        for (const QByteArray &text : {"Lake\tat\r\nnoon\n"_ba, "Z\xFCrich"_ba, "\x1B(BLake"_ba})
             check({text}, text);
         for (const QByteArray &other : {"Lake\x01\x02"_ba, kJpeg, "GIF89a" + QByteArray(300, 'x')})
             check({other}, {});

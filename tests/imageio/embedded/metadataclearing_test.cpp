@@ -153,9 +153,9 @@ private Q_SLOTS:
     /// A place that the camera has looked up is removed; the choice of one of two clocks stays.
     void clearedGpsLeavesNoPlaceInMakerNotes()
     {
-        // Image quality, then a place in each of five fields.
+        // Image quality, then a place in each of six fields.
         QList<ExifField> fields{{1, 3, big16(2)}};
-        for (const int tag : {0x67, 0x69, 0x6B, 0x6D, 0x6F})
+        for (const int tag : {0x67, 0x69, 0x6B, 0x6D, 0x6F, 0x80})
             fields += {tag, 7, "Norway\0\0"_ba};
         const QByteArray note = "Panasonic\0\0\0"_ba + exifDirectory(98 + 12, fields);
         const QString path = m_folder.path("panasonic.jpg");
@@ -173,6 +173,40 @@ private Q_SLOTS:
             QVERIFY(!contentsOf(copy).contains("Norway"));
             QCOMPARE(after[quality], before[quality]);
             QCOMPARE(after[clock], before[clock]);
+        }
+    }
+
+    /// The ends of the ranges, and the tags beside them.
+    void clearedTagsOfTheMainDirectory()
+    {
+        using enum ClearedGroup;
+        for (const auto &[group, first, last] : {std::tuple(Gps, 0x830E, 0x830E),
+                                                 {Gps, 0x847E, 0x8482},
+                                                 {Gps, 0x85D8, 0x85D8},
+                                                 {Gps, 0x87AF, 0x87B1},
+                                                 {Gps, 0xA480, 0xA480},
+                                                 {Exif, 0x828D, 0x8290},
+                                                 {Exif, 0x829A, 0x829A},
+                                                 {Exif, 0x829D, 0x829D},
+                                                 {Exif, 0x8822, 0x8835},
+                                                 {Exif, 0x9000, 0x9292},
+                                                 {Exif, 0x9400, 0x94FF},
+                                                 {Exif, 0xA000, 0xA47F},
+                                                 {Exif, 0xA481, 0xA500},
+                                                 {Exif, 0xC4A5, 0xC4A5},
+                                                 {Exif, 0xC612, 0xC7FF}}) {
+            const auto tags = {first - 1, first, (first + last + 1) / 2, last, last + 1};
+            QList<ExifField> fields;
+            for (const int tag : tags)
+                fields += {tag, 3, big16(1)};
+            const QString path = m_folder.path("tags.jpg");
+            QVERIFY(writeFile(path, jpegWith({.exif = "MM\0\x2A\0\0\0\x08"_ba + exifDirectory(8, fields)})));
+            EmbeddedMetadata::CopyFacts facts{QSize(16, 16)};
+            facts.cleared = group;
+            const QByteArray exif = EmbeddedMetadata::read(path)->encodeForCopy({}, facts).exif;
+            for (const int tag : tags)
+                QVERIFY2(exif.contains(big16(tag) + big16(3) + big32(1)) == (tag < first || tag > last),
+                         qPrintable(QString::number(tag, 16)));
         }
     }
 

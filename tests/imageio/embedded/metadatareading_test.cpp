@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "imageio/embedded/exif/makernotefacts.h"
 #include "imageio/factplaces.h"
 #include "imageio/imagesource.h"
 #include "imageio/jpegassembly.h"
@@ -381,6 +382,18 @@ private Q_SLOTS:
         QCOMPARE(groupDictionary(properties, MetadataGroup::Exif)[kCGImagePropertyExifUserComment].toString(),
                  comment);
         QCOMPARE(properties[kCGImagePropertyProfileName].toString(), u"Adobe RGB (1998)"_s);
+    }
+
+    /// The number that a camera writes for an unknown one is none.
+    void shutterCountsAreKnown()
+    {
+        for (const uint32_t count : {4711U, 0xFFFFFFFFU - 2046}) {
+            Exiv2::ExifData exif;
+            exif["Exif.Nikon3.ShutterCount"] = count;
+            QVariantMap facts;
+            insertMakerNoteFacts(facts, exif);
+            QCOMPARE(facts.contains(kCGImagePropertyExifAuxImageNumber), count == 4711);
+        }
     }
 
 private:

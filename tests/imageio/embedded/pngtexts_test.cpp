@@ -44,12 +44,13 @@ class PngTextsTest : public QObject
 private Q_SLOTS:
     void copiesKeepTexts()
     {
-        const QString path = pngWith(
-            someTexts() + plain("Software", "Old") + plain("Thumb::URI", "file:///a") +
-            plain("date:create", "2020") + plain("Preview", "\xFF\xD8\xFF\xC0\0\x0B\x08\0\1\0\1\1\1\x11"_ba) +
-            plain("Picture", "/9j/4AAQSkZJRg") + plain("Source", QByteArray(300'000, 'x')) +
-            plain(" not proper", "x") + plain("", "x") + pngChunk("iTXt", "Warning") +
-            pngChunk("zTXt", "Warning\0"));
+        const QString path =
+            pngWith(someTexts() + plain("Software", "Old") + plain("Thumb::URI", "file:///a") +
+                    plain("Thumbnail", "small") + plain("date:create", "2020") +
+                    plain("Preview", "\xFF\xD8\xFF\xC0\0\x0B\x08\0\1\0\1\1\1\x11"_ba) +
+                    plain("Picture", "/9j/4AAQSkZJRg") + plain("Source", QByteArray(300'000, 'x')) +
+                    plain(" not proper", "x") + plain("", "x") + pngChunk("iTXt", "Warning") +
+                    pngChunk("zTXt", "Warning\0"));
         const QByteArray bytes = copyOf(path, [](ImageMetadata &m) { m.setTiffSoftware(u"New"_s); });
         QImage image;
         QVERIFY(image.loadFromData(bytes, "PNG"));
@@ -101,6 +102,15 @@ private Q_SLOTS:
         QCOMPARE(edited.text(u"Author"_s), u"Bob"_s);
         QCOMPARE(edited.text(u"Disclaimer"_s), u"no warranty"_s);
         QVERIFY(!edited.textKeys().contains(u"Title"_s));
+
+        const QString facts = pngWith(plain("GPS position", "1") + plain("Lens", "2") + plain("Camera", "3"));
+        const auto textsAfter = [&](const EditedCopies::Edit &edit) {
+            const QImage image = QImage::fromData(copyOf(facts, edit));
+            return image.text(u"GPS position"_s) + image.text(u"Lens"_s) + image.text(u"Camera"_s);
+        };
+        QCOMPARE(textsAfter([](ImageMetadata &m) { m.clearGPSData(); }), u"23"_s);
+        QCOMPARE(textsAfter([](ImageMetadata &m) { m.clearExifData(); }), u"13"_s);
+        QCOMPARE(textsAfter([](ImageMetadata &m) { m.clearTiffDataKeepCopyright(false, false); }), u"12"_s);
     }
 
     /// However many there are and however far they inflate: 16 GB would exceed the time limit of the test.

@@ -128,6 +128,11 @@ private Q_SLOTS:
         };
         QVERIFY(rightClick(grid.middle(2)));
         QCOMPARE(grid.delegate.take(), QByteArray("focus 2<5"));
+        // The key for it opens it on the focus image.
+        QContextMenuEvent byKey(QContextMenuEvent::Keyboard, {1, 1}, {1, 1});
+        QApplication::sendEvent(grid.view.viewport(), &byKey);
+        QCOMPARE(menu.pos(), grid.view.viewport()->mapToGlobal(grid.middle(2)));
+        menu.hide();
         QVERIFY(rightClick({1, 1}));
         QCOMPARE(grid.delegate.take(), QByteArray());
         QVERIFY(rightClick(grid.middle(6)));
@@ -344,8 +349,10 @@ private Q_SLOTS:
         grid.view.takeSelection({1}, 1);
         QVERIFY(pixel(1, 0.5, 0.04).lightness() > ground.lightness() + 20);
 
-        // The cache is bounded by bytes.
         CellPictures pictures(1 << 20);
+        const QImage selection = pictures.selection({40, 40}, 8);
+        QCOMPARE(selection.pixel(20, 0), selection.pixel(20, 20)); // no outline
+        // The cache is bounded by bytes.
         for (int i = 10; i < 400; ++i)
             QCOMPARE(pictures.makeScaled(grid.images->images[0], {i, i}).size(), QSize(i, i));
         QVERIFY(pictures.bytes() <= 1 << 20);

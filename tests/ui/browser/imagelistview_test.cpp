@@ -87,7 +87,9 @@ private Q_SLOTS:
         f.click(5, Qt::ShiftModifier);
         f.set.moveIndexes({3, 4, 5}, 0);
         QCOMPARE(f.rows(), IndexList({0, 1, 2}));
-        QCOMPARE(f.table.model()->index(0, 0).data().toString(), (*f.set.images())[0]->path());
+        const QModelIndex first = f.table.model()->index(0, 0);
+        QCOMPARE(first.data().toString(), (*f.set.images())[0]->path());
+        QVERIFY(first.data(Qt::ToolTipRole).toString().contains(first.data().toString()));
 
         f.set.filterImages(u"P1"_qs);
         QCOMPARE(f.table.model()->rowCount(), 2); // p10 and p11; p1 was removed
@@ -112,6 +114,9 @@ private Q_SLOTS:
         const std::shared_ptr<ImageObject> image = f.set.images()->front();
         rename(u"sea/side"_qs, Qt::Key_Return); // a name, and no other folder
         QCOMPARE(image->path(), QFileInfo(f.file).path() + u"/seaside.png"_qs);
+        rename(QString(300, u'n'), Qt::Key_Return);
+        QCOMPARE(image->filename().size(), 255);
+        rename(u"seaside"_qs, Qt::Key_Return);
         rename(u"other"_qs, Qt::Key_Escape);
         rename(u"  "_qs, Qt::Key_Return);
         QCOMPARE(image->filename(), u"seaside"_qs);

@@ -6,10 +6,14 @@
 #include "ui/widgets/presetlistview.h"
 
 #include <QAbstractItemModelTester>
+#include <QApplication>
+#include <QContextMenuEvent>
 #include <QDrag>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSignalSpy>
+#include <QTimer>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -75,6 +79,10 @@ private Q_SLOTS:
         PresetListView &applied = f.appliedTable;
         const QAbstractItemModelTester tester(applied.model());
         Panel::mouse(all, 1, false);
+        QTRY_VERIFY(f.isEnabled(ActionId::ApplyPresets));
+        all.clearSelection();
+        QTRY_VERIFY(!f.isEnabled(ActionId::ApplyPresets));
+        Panel::mouse(all, 1, false);
         Panel::mouse(all, 3, false, Qt::ControlModifier);
         QTest::keyClick(&all, Qt::Key_Return);
         Panel::mouse(all, 0, false);
@@ -98,6 +106,17 @@ private Q_SLOTS:
         QCOMPARE(f.appliedNames(), u"Four"_qs);
         QCOMPARE(f.applied.selectedRows(), IndexList());
 
+        qsizetype commands = 0;
+        QTimer::singleShot(0, [&commands] {
+            if (QWidget *const menu = QApplication::activePopupWidget()) {
+                commands = menu->actions().size();
+                menu->close();
+            }
+        });
+        QContextMenuEvent rightClick(QContextMenuEvent::Mouse, {5, 5}, applied.mapToGlobal(QPoint(5, 5)));
+        QCoreApplication::sendEvent(applied.viewport(), &rightClick);
+        QCOMPARE(commands, 3);
+
         // A double click finds the preset among all, and opens their manager.
         int opened = 0;
         f.window.actions().setHandler(ActionId::ToggleWatermarkPresets, [&] { ++opened; });
@@ -112,6 +131,22 @@ private Q_SLOTS:
         f.files.store.wPresetList().remove({0, 1});
         QCOMPARE(all.selectedRows(), IndexList());
         QCOMPARE(all.model()->index(0, 0).data().toString(), u"2"_qs);
+    }
+
+    void showsTheAddedPresets()
+    {
+        Panel f;
+        for (int i = 0; i < 40; ++i)
+            f.applied.addWPresetsToApplied({namedPreset(u"more"_qs)});
+        QScrollBar &bar = *f.appliedTable.verticalScrollBar();
+        QTRY_VERIFY(bar.maximum() > 3);
+        QCOMPARE(bar.value(), bar.maximum());
+        // Any other change leaves the place.
+        f.applied.selectRows({0});
+        const int middle = bar.maximum() / 2;
+        bar.setValue(middle);
+        f.applied.moveAppliedPresets({0}, 2);
+        QCOMPARE(bar.value(), middle);
     }
 
     void reordersOnlyItsOwnRows()

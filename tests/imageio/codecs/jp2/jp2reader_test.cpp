@@ -52,7 +52,8 @@ class Jp2ReaderTest : public QObject
             char(columns) + QByteArray(columns, 7) + QByteArray(columns, char(90)) + QByteArray(columns, 0);
         for (int i = 0; i < columns; ++i)
             map += QByteArray("\0\0\1", 3) + char(i);
-        const QByteArray added = box("pclr", table) + box("cmap", map);
+        const QByteArray resolution = big16(5906) + big16(1) + big16(11811) + big16(1) + big16(0);
+        const QByteArray added = box("pclr", table) + box("cmap", map) + box("res ", box("resc", resolution));
         QByteArray contents = contentsOf(path);
         const qsizetype colors = contents.indexOf("colr");
         const qsizetype header = contents.indexOf("jp2h") - 4;
@@ -66,10 +67,14 @@ class Jp2ReaderTest : public QObject
         QString error;
         const QImage image = decoded(path, &error);
         QCOMPARE(!image.isNull(), isRead);
-        if (isRead)
-            QCOMPARE(image.pixelColor(30, 20), QColor(90, 90, 90));
-        else
+        if (!isRead) {
             QVERIFY2(error.contains(u"this kind of JPEG 2000"_qs), qPrintable(error));
+            return;
+        }
+        QCOMPARE(image.pixelColor(30, 20), QColor(90, 90, 90));
+        const QVariantMap properties = ImageSource::open(path)->properties();
+        QCOMPARE(std::lround(properties.value(u"DPIWidth"_qs).toDouble()), 300L);
+        QCOMPARE(std::lround(properties.value(u"DPIHeight"_qs).toDouble()), 150L);
     }
 
     TestFolder m_folder;
@@ -122,7 +127,8 @@ private Q_SLOTS:
     {
         const QString path = compressed(u"claim.j2k"_qs, "-size 60x40 plasma: -depth 8 ppm");
         QByteArray contents = contentsOf(path);
-        QVERIFY(contents.size() > 60);
+        const QByteArray whole = contents;
+        QVERIFY(whole.size() > 60);
         for (const auto &[side, tile, reason] : {Limit{40000U, 40000U, "at most 1000 megapixels"},
                                                  {30000U, 30000U, "MB of memory"},
                                                  {9000U, 1U, "damaged"},
@@ -134,6 +140,12 @@ private Q_SLOTS:
             QVERIFY(decoded(path, &error).isNull());
             QVERIFY2(error.contains(QLatin1String(reason)), qPrintable(error));
         }
+        // More markers than any program writes.
+        QVERIFY(writeFile(path, QByteArray(whole).insert(whole.indexOf("\xFF\x52"),
+                                                         QByteArray("\xFF\x64\0\2", 4).repeated(500'000))));
+        QString error;
+        QVERIFY(decoded(path, &error).isNull());
+        QVERIFY2(error.contains(u"this kind of JPEG 2000"_qs), qPrintable(error));
     }
 
     void paletteIsBounded()
@@ -145,6 +157,8 @@ private Q_SLOTS:
     void memoryOfSmallFilesIsCounted_data()
     {
         addRows<Memory>({{"usual", 1000, "1,8,u", {}, true},
+                         {"far from the origin of the grid", 100, "1,8,u",
+                          words("-n 1 -d 30000,30000 -T 30000,30000 -t 20,20"), true},
                          {"small precincts", 1000, "1,8,u", words("-n 1 -c [2,2] -b 4,4"), false},
                          {"few samples in the first component", 3000, "3,8,u@16x16:1x1:1x1", {}, false}});
     }

@@ -139,6 +139,10 @@ private Q_SLOTS:
                {red, green, blue, white}},
               // a run beyond the end of a row and of the picture
               {tga(10, 24, 0x20, "\0\0\0\xff\xff\xff\0\0"_qba), {red, blue, blue, blue}},
+              // a palette whose first entry is number 5
+              {"\0\1\1\5\0\2\0\x18"_qba + QByteArray(4, '\0') + "\2\0\2\0\x08\x20"_qba + four.first(6) +
+                   "\5\6\6\4"_qba,
+               {red, green, green, 0xff000000}},
               {tga(32, 24, 0x20, four), {}},
               {tga(1, 8, 0x20, four), {}}}) {
             QVERIFY(writeFile(path, file));

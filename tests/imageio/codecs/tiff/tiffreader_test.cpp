@@ -90,6 +90,9 @@ private Q_SLOTS:
         // Pictures of the first one, smaller and as a mask, are no pages.
         mark("-IFD1:SubfileType#=1 -IFD2:SubfileType#=4");
         QCOMPARE(droppedPictures(*ImageSource::open(path)), QStringList());
+        mark("-IFD1:SubfileType#=0 -IFD1:OldSubfileType#=2 "
+             "-IFD2:SubfileType#=0 -IFD2:PhotometricInterpretation#=4");
+        QCOMPARE(droppedPictures(*ImageSource::open(path)), QStringList());
         // No camera: the first picture is read although it says that it is a reduced one.
         mark("-IFD0:SubfileType#=1");
         QCOMPARE(decoded(path), first);
