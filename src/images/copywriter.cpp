@@ -146,6 +146,8 @@ public:
             .and_then([this] { return writeFile(); })
             .map([&] {
                 report.dropped += m_omitted;
+                if (!m_readerNotice.isEmpty())
+                    report.notices.append(m_readerNotice);
                 return report;
             });
     }
@@ -184,7 +186,7 @@ private:
         m_upright = m_order.upright;
         if (!m_upright.isNull())
             return {};
-        return readUpright(m_source, m_uprighting).map([this](const QImage &upright) {
+        return readUpright(m_source, m_uprighting, 0, {}, &m_readerNotice).map([this](const QImage &upright) {
             m_upright = upright;
         });
     }
@@ -224,7 +226,9 @@ private:
         const Result<std::unique_ptr<RowReader>> reader = m_source.openRows();
         if (!reader)
             return tl::unexpected(reader.error());
-        return streamRows(**reader, m_drawings, writer, m_order.isCancelled);
+        const Result<void> streamed = streamRows(**reader, m_drawings, writer, m_order.isCancelled);
+        m_readerNotice = (*reader)->notice();
+        return streamed;
     }
 
     const CopyOrder &m_order;
@@ -236,6 +240,7 @@ private:
     Drawings m_drawings;
     ByteBudget::Reservation m_room;
     QStringList m_omitted;
+    QString m_readerNotice;
     QImage m_upright; ///< null where the picture passes in strips
 };
 

@@ -28,6 +28,10 @@ public:
     static QString unsupportedKind(const char *format);
     static QString noRawData() { return tr("it contains no camera raw photo of a known kind"); }
     static QString truncated() { return tr("the file is truncated"); }
+    static QString lacksLastScan()
+    {
+        return tr("the file lacks the last of its scans; the finest step of the detail is missing");
+    }
     static QString damaged() { return tr("the picture data are damaged"); }
     static QString tooManyPixels(QSize size, const ReadLimits &limits);
     static QString tooMuchMemory(QSize size, qint64 bytes, const ReadLimits &limits);
