@@ -42,7 +42,7 @@ bool isFree(const QString &tag, const QString &type, const QJsonObject &source)
         u"^EXIF:IFD0:((X|Y)Resolution|ResolutionUnit)$|^XMP:XMP-xmpMM:InstanceID$"_s);
     if (!source.contains(tag))
         return added.match(tag).hasMatch() || (tag.startsWith(u"XMP:") && !hasIptc);
-    // Without an IPTC record its digest goes. A resolution of zero is none, and a TIFF has to state one.
+    // Without an IPTC record its digest goes. A resolution of zero counts as missing, but a TIFF states one.
     return (!hasIptc && tag.endsWith(u"LegacyIPTCDigest")) ||
            (tag.endsWith(u"Resolution") && source[tag].toDouble() == 0);
 }
