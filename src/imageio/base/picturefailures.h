@@ -27,6 +27,7 @@ public:
     static QString notAPicture() { return tr("not a picture that can be read"); }
     static QString unsupportedKind(const char *format);
     static QString noRawData() { return tr("it contains no camera raw photo of a known kind"); }
+    static QString lacksSensorData() { return tr("it lacks data of the camera's sensor"); }
     static QString truncated() { return tr("the file is truncated"); }
     static QString lacksLastScan()
     {
