@@ -2,7 +2,7 @@
 
 #include "imageio/codecs/raw/rawsamples.h"
 
-#include <QtGlobal>
+#include "imageio/base/filling.h"
 
 #include <algorithm>
 #include <cstring>
@@ -12,12 +12,6 @@ namespace plexa
 
 namespace
 {
-
-/// Numbers that no decoder writes one after another.
-quint16 filling(qsizetype index)
-{
-    return quint16((quint32(index) * 2654435761U) >> 16);
-}
 
 /// The decoded samples of one place: one for a filter array, else three or four.
 struct Places {
@@ -63,7 +57,7 @@ bool RawSamples::prepare(libraw_data_t &raw, bool isRotatedBy45)
         auto *samples = static_cast<quint16 *>(raw.rawdata.raw_alloc);
         const qsizetype count = width * height * (raw.rawdata.color3_image ? 3 : 1);
         for (qsizetype i = 0; i < count; ++i)
-            samples[i] = filling(i);
+            samples[i] = Filling::at<quint16>(i);
         return true;
     }
     if (!raw.image)
@@ -72,7 +66,7 @@ bool RawSamples::prepare(libraw_data_t &raw, bool isRotatedBy45)
         qsizetype(std::max(sizes.width, sizes.raw_width)) * std::max(sizes.height, sizes.raw_height);
     for (qsizetype i = 0; i < count; ++i) {
         for (int sample = 0; sample < 3; ++sample)
-            raw.image[i][sample] = filling(4 * i + sample);
+            raw.image[i][sample] = Filling::at<quint16>(4 * i + sample);
     }
     return true;
 }
@@ -86,7 +80,7 @@ bool RawSamples::areComplete(const libraw_data_t &raw)
     const auto isUntouched = [&](const quint16 *place) {
         const qsizetype index = place - places.first;
         for (int i = 0; i < kRun * places.samples; ++i) {
-            if (i % places.samples < places.filled && place[i] != filling(index + i))
+            if (i % places.samples < places.filled && place[i] != Filling::at<quint16>(index + i))
                 return false;
         }
         return true;
