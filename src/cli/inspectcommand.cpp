@@ -39,8 +39,11 @@ struct Inspection {
     std::vector<std::pair<QString, std::optional<QString>>> tokens; ///< in the vocabulary's order
 };
 
-Result<Inspection> inspect(const QString &path, const LocaleFormat &locale)
+Result<Inspection> inspect(const PhotoPath &photo, const LocaleFormat &locale)
 {
+    const QString &path = photo.path;
+    if (!photo.failure.isEmpty())
+        return fail(photo.failure);
     const Result<ImageSource> source = ImageSource::open(path);
     if (!source)
         return tl::unexpected(source.error());
@@ -157,7 +160,7 @@ int runInspect(const InspectOptions &options)
         return kSomethingFailed;
     work.work = [&](std::size_t i) {
         try {
-            results[i] = inspect(QString::fromStdString(options.paths[i]), locale);
+            results[i] = inspect(decodedPath(options.paths[i]), locale);
         } catch (const std::bad_alloc &) {
             results[i] = fail(outOfMemoryText());
         }
@@ -166,7 +169,7 @@ int runInspect(const InspectOptions &options)
         const Result<Inspection> result = *std::exchange(results[i], std::nullopt);
         if (!result) {
             hasFailures = true;
-            printAbout(QString::fromStdString(options.paths[i]), result.error().text);
+            printAbout(decodedPath(options.paths[i]).path, result.error().text);
         } else if (options.json) {
             const QByteArray object = jsonText(jsonOf(*result));
             std::fprintf(stdout, "%s%s", isFirst ? "[" : ",\n", object.constData());
