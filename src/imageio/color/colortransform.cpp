@@ -27,7 +27,7 @@ namespace
 constexpr qsizetype kMaxCachedBytes = qsizetype{64} << 20;
 
 // A few are usual. Little CMS tests the pieces of a curve one after the other, for each value.
-constexpr quint32 kMaxElements = 16;
+constexpr quint32 kMaxElements = 8;
 constexpr qsizetype kMaxPieces = 64;
 
 constexpr cmsUInt32Number kOutputFormat = TYPE_RGB_FLT;
