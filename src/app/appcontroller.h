@@ -44,6 +44,10 @@ public:
     PresetsStore &presetsStore() { return m_services.store; }
     PresetCommands &presetCommands() { return m_presetCommands; }
 
+    /// Adds photos and folders to the working set, and the presets of preset files to the user's. Both happen
+    /// in the background.
+    void addFiles(const QStringList &paths);
+
     /// Reads the presets and applies those of the last time, if the settings ask for it.
     void readPresets();
 
