@@ -3,6 +3,8 @@
 #include "images/copywriter.h"
 
 #include "imageio/base/picturefailures.h"
+#include "imageio/base/sourcefile.h"
+#include "imageio/embedded/storedfacts.h"
 #include "imageio/imagedestination.h"
 #include "imageio/imagesource.h"
 #include "images/uprighting.h"
@@ -265,6 +267,9 @@ Result<CopyOrder> copyOrderFor(const QString &path, const CopyTarget &target,
 bool isWrittenCopy(const QString &path)
 {
     try {
+        const Result<std::unique_ptr<SourceFile>> file = SourceFile::openAt(path);
+        if (!file || !mayNameSoftware(**file, softwareOfCopies().toLatin1()))
+            return false;
         const Result<ImageSource> source = ImageSource::open(path);
         const Result<QVariantMap> properties = source ? source->properties() : QVariantMap();
         return properties && ImageMetadata(*properties).tiffSoftware() == softwareOfCopies();
