@@ -61,9 +61,11 @@ public:
     void startBatchOperation(ImageTransform operation);
 
     enum class Presets { Current, All };
-    /// Copies the positions of the selected photo, if there is exactly one.
+    /// Copies the positions of the selected photo, if there is exactly one, for pasteManualPositioning().
     void copyManualPositioning(Presets presets);
+    /// Sets the copied positions on the selected photos.
     void pasteManualPositioning();
+    /// Removes the positions chosen by hand from the selected photos.
     void resetManualPositioning(Presets presets);
 
     /// The stop button: everything in the background ends at its next photo.
@@ -74,6 +76,7 @@ Q_SIGNALS:
     void previewOutdated();
     /// The picture of one photo has changed.
     void imageOutdated(const std::shared_ptr<plexa::ImageObject> &image);
+    /// stopAllOperations() was called.
     void stopAllWanted();
     /// Something in commandState() has changed.
     void commandStateChanged();

@@ -8,7 +8,6 @@
 #include "presets/savingpresetfields.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <CLI/CLI.hpp>
@@ -68,12 +67,6 @@ QString nameOf(FieldKind kind)
     return QStringLiteral("text");
 }
 
-QString jsonOf(const QJsonValue &value)
-{
-    const QByteArray list = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-    return QString::fromUtf8(list.mid(1, list.size() - 2));
-}
-
 QString descriptionOf(const FieldRow &field, bool isAlone)
 {
     const FieldLimits &limits = field.limits;
@@ -91,13 +84,12 @@ QString descriptionOf(const FieldRow &field, bool isAlone)
     if (!limits.meaning.isEmpty())
         text += QStringLiteral(" (%1)").arg(limits.meaning);
     return text + QStringLiteral("; default: ") +
-           (field.initial.isNull() ? QStringLiteral("none") : jsonOf(field.initial));
+           (field.initial.isNull() ? QStringLiteral("none") : QString::fromUtf8(jsonText(field.initial)));
 }
 
 QJsonObject jsonOf(const FieldRow &field)
 {
     const FieldLimits &limits = field.limits;
-    const auto orNull = [](const QString &text) { return text.isEmpty() ? QJsonValue() : QJsonValue(text); };
     const auto bound = [&](double number) { return limits.isBounded() ? QJsonValue(number) : QJsonValue(); };
     return {{QStringLiteral("name"), field.name},
             {QStringLiteral("preset"),
@@ -123,10 +115,8 @@ std::vector<FieldRow> namedFields(const std::vector<FieldRow> &all, const std::v
         std::copy_if(all.begin(), all.end(), std::back_inserter(named),
                      [&](const FieldRow &field) { return field.name == name; });
         if (named.size() == before) {
-            printLine(stderr,
-                      onOneLine(QStringLiteral("plexa-cli: there is no field \"%1\"; \"plexa-cli fields\" "
-                                               "lists them")
-                                    .arg(name)));
+            printMessage(
+                QStringLiteral("there is no field \"%1\"; \"plexa-cli fields\" lists them").arg(name));
             return {};
         }
     }
@@ -164,9 +154,10 @@ int runFields(const ListOptions &options)
         text += wrappedText(QStringLiteral("  ") + field.name, descriptionOf(field, !options.names.empty()),
                             kColumn);
     }
-    printLine(stdout, options.json ? QString::fromUtf8(
-                                         jsonText(QJsonDocument(objects), QJsonDocument::Indented).trimmed())
-                                   : text.chopped(1));
+    if (options.json)
+        printJson(objects);
+    else
+        printLine(stdout, text.chopped(1));
     return kAllDone;
 }
 

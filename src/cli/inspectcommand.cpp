@@ -39,8 +39,11 @@ struct Inspection {
     std::vector<std::pair<QString, std::optional<QString>>> tokens; ///< in the vocabulary's order
 };
 
-Result<Inspection> inspect(const QString &path, const LocaleFormat &locale)
+Result<Inspection> inspect(const PhotoPath &photo, const LocaleFormat &locale)
 {
+    const QString &path = photo.path;
+    if (!photo.failure.isEmpty())
+        return fail(photo.failure);
     const Result<ImageSource> source = ImageSource::open(path);
     if (!source)
         return tl::unexpected(source.error());
@@ -78,11 +81,8 @@ QJsonObject jsonOf(const Inspection &photo)
 /// A value on one line, as in JSON, strings without quotation marks.
 QString plainText(const QVariant &value)
 {
-    const QJsonValue json = withPlainNumbers(QJsonValue::fromVariant(value));
-    if (json.isString())
-        return onOneLine(json.toString());
-    const QByteArray text = QJsonDocument(QJsonArray{json}).toJson(QJsonDocument::Compact);
-    return onOneLine(QString::fromUtf8(text.mid(1, text.size() - 2)));
+    const QJsonValue json = QJsonValue::fromVariant(value);
+    return onOneLine(json.isString() ? json.toString() : QString::fromUtf8(jsonText(json)));
 }
 
 using Lines = std::vector<std::pair<QString, QString>>;
@@ -149,7 +149,7 @@ CLI::App *addInspectCommand(CLI::App &program, InspectOptions &options)
 int runInspect(const InspectOptions &options)
 {
     if (options.paths.empty()) {
-        printLine(stderr, QStringLiteral("plexa-cli: there is no photo: name files"));
+        printMessage(QStringLiteral("there is no photo: name files"));
         return kWrongUsage;
     }
     const LocaleFormat locale;
@@ -158,12 +158,12 @@ int runInspect(const InspectOptions &options)
     bool isFirst = true;
     OrderedWork work;
     work.count = options.paths.size();
-    work.threads = threadsToUse(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())));
+    work.threads = threadsToUse(0);
     if (work.threads < 1)
         return kSomethingFailed;
     work.work = [&](std::size_t i) {
         try {
-            results[i] = inspect(QString::fromStdString(options.paths[i]), locale);
+            results[i] = inspect(decodedPath(options.paths[i]), locale);
         } catch (const std::bad_alloc &) {
             results[i] = fail(outOfMemoryText());
         }
@@ -172,9 +172,9 @@ int runInspect(const InspectOptions &options)
         const Result<Inspection> result = *std::exchange(results[i], std::nullopt);
         if (!result) {
             hasFailures = true;
-            printAbout(QString::fromStdString(options.paths[i]), result.error().text);
+            printAbout(decodedPath(options.paths[i]).path, result.error().text);
         } else if (options.json) {
-            const QByteArray object = jsonText(QJsonDocument(jsonOf(*result)), QJsonDocument::Compact);
+            const QByteArray object = jsonText(jsonOf(*result));
             std::fprintf(stdout, "%s%s", isFirst ? "[" : ",\n", object.constData());
             isFirst = false;
         } else {

@@ -66,15 +66,15 @@ int run(int argc, char **argv)
     ListOptions tokens;
     CLI::App *tokensCommand = addTokensCommand(program, tokens);
     if (const char *const empty = emptyAssignment(argc, argv)) {
-        printLine(stderr, onOneLine(QStringLiteral("plexa-cli: %1 there is nothing after the equal sign")
-                                        .arg(QFile::decodeName(empty))));
+        printMessage(
+            QStringLiteral("%1 there is nothing after the equal sign").arg(QFile::decodeName(empty)));
         return kWrongUsage;
     }
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
         if (error.get_exit_code() != 0) {
-            printLine(stderr, onOneLine(QStringLiteral("plexa-cli: ") + usageErrorText(program, error)));
+            printMessage(usageErrorText(program, error));
             return kWrongUsage;
         }
         program.exit(error); // prints help or the version

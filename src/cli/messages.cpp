@@ -6,7 +6,7 @@
 #include "platform/bytebudget.h"
 
 #include <QJsonArray>
-#include <QJsonObject>
+#include <QJsonDocument>
 
 #include <algorithm>
 #include <future>
@@ -38,15 +38,19 @@ int startableThreads(int wanted)
     return static_cast<int>(threads.size());
 }
 
-} // namespace
-
-namespace
-{
-
 /// C0, delete and C1.
 bool isControl(QChar character)
 {
     return character.category() == QChar::Other_Control;
+}
+
+/// The library escapes only the characters below the blank.
+QByteArray withEscapedControls(const QByteArray &json)
+{
+    QString text = QString::fromUtf8(json);
+    for (char16_t control = 0x7F; control < 0xA0; ++control)
+        text.replace(QChar(control), QStringLiteral("\\u%1").arg(int(control), 4, 16, QLatin1Char('0')));
+    return text.toUtf8();
 }
 
 } // namespace
@@ -71,35 +75,46 @@ QString onOneLine(QString text)
     return text;
 }
 
-QByteArray jsonText(const QJsonDocument &document, QJsonDocument::JsonFormat format)
+void printMessage(const QString &text)
 {
-    // Only the characters below the blank are escaped already.
-    const QJsonDocument plain = document.isArray()
-                                    ? QJsonDocument(withPlainNumbers(document.array()).toArray())
-                                    : QJsonDocument(withPlainNumbers(document.object()).toObject());
-    QString text = QString::fromUtf8(plain.toJson(format));
-    for (char16_t control = 0x7F; control < 0xA0; ++control)
-        text.replace(QChar(control), QStringLiteral("\\u%1").arg(int(control), 4, 16, QLatin1Char('0')));
-    return text.toUtf8();
-}
-
-int threadsToUse(int wanted)
-{
-    // A slow run is better than one that runs out of memory.
-    constexpr qint64 kThreadBytes = 32'000'000; // its stack, and a photo in strips
-    if (const std::optional<qint64> room = mappableBytes())
-        wanted = int(std::clamp<qint64>(*room / kThreadBytes, 1, std::max(wanted, 1)));
-    const int threads = startableThreads(wanted);
-    if (threads < 1)
-        printLine(stderr,
-                  QStringLiteral("plexa-cli: no thread can be started: there is not enough memory, or "
-                                 "there are too many processes"));
-    return threads;
+    printLine(stderr, onOneLine(QStringLiteral("plexa-cli: ") + text));
 }
 
 void printAbout(const QString &path, const QString &reason)
 {
     printLine(stderr, onOneLine(QStringLiteral("%1: %2").arg(path, reason)));
+}
+
+QByteArray jsonText(const QJsonValue &value)
+{
+    const QByteArray list = QJsonDocument(QJsonArray{withPlainNumbers(value)}).toJson(QJsonDocument::Compact);
+    return withEscapedControls(list.mid(1, list.size() - 2));
+}
+
+void printJson(const QJsonArray &array)
+{
+    const QJsonDocument plain(withPlainNumbers(array).toArray());
+    std::fputs(withEscapedControls(plain.toJson(QJsonDocument::Indented)).constData(), stdout);
+}
+
+QJsonValue orNull(const QString &text)
+{
+    return text.isEmpty() ? QJsonValue::Null : QJsonValue(text);
+}
+
+int threadsToUse(int wanted)
+{
+    if (wanted < 1)
+        wanted = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+    // A slow run is better than one that runs out of memory.
+    constexpr qint64 kThreadBytes = 32'000'000; // its stack, and a photo in strips
+    if (const std::optional<qint64> room = mappableBytes())
+        wanted = int(std::clamp<qint64>(*room / kThreadBytes, 1, wanted));
+    const int threads = startableThreads(wanted);
+    if (threads < 1)
+        printMessage(QStringLiteral("no thread can be started: there is not enough memory, or there are too "
+                                    "many processes"));
+    return threads;
 }
 
 } // namespace plexa

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include <QJsonDocument>
+#include <QJsonValue>
 #include <QString>
 
 #include <cstdio>
@@ -20,14 +20,23 @@ void printLine(FILE *stream, const QString &text);
 /// The text with a question mark for each character that would move the cursor.
 QString onOneLine(QString text);
 
-/// The document as JSON with plain numbers, in which characters that control a terminal are escaped.
-QByteArray jsonText(const QJsonDocument &document, QJsonDocument::JsonFormat format);
-
-/// The number of threads for photos, at most `wanted`: as many as can be started within the limits of the
-/// process. Reports 0 on standard error.
-int threadsToUse(int wanted);
+/// Prints "plexa-cli: TEXT" on one line to standard error.
+void printMessage(const QString &text);
 
 /// Prints a message about a file to standard error: "PATH: reason".
 void printAbout(const QString &path, const QString &reason);
+
+/// The value as JSON on one line with plain numbers, in which characters that control a terminal are escaped.
+QByteArray jsonText(const QJsonValue &value);
+
+/// Prints the array as jsonText() would write it, on indented lines, to standard output.
+void printJson(const QJsonArray &array);
+
+/// Null for an empty text.
+QJsonValue orNull(const QString &text);
+
+/// The number of threads for photos, at most `wanted` (0: one for each core): as many as can be started
+/// within the limits of the process. Reports a result of 0 on standard error.
+int threadsToUse(int wanted);
 
 } // namespace plexa

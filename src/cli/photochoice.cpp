@@ -2,7 +2,6 @@
 
 #include "cli/photochoice.h"
 
-#include "cli/messages.h"
 #include "images/copywriter.h"
 #include "platform/orderedwork.h"
 
@@ -10,7 +9,6 @@
 #include <QHash>
 
 #include <algorithm>
-#include <thread>
 
 namespace plexa
 {
@@ -55,7 +53,7 @@ void leaveOutRepetitions(PhotoSearch &search)
     search.photos = std::move(photos);
 }
 
-LeftOutCopies leaveOutCopies(PhotoSearch &search)
+LeftOutCopies leaveOutCopies(PhotoSearch &search, int threads)
 {
     LeftOutCopies leftOut;
     if (std::none_of(search.photos.begin(), search.photos.end(),
@@ -64,9 +62,7 @@ LeftOutCopies leaveOutCopies(PhotoSearch &search)
     std::vector<char> areCopies(search.photos.size()); // not bits: each thread writes its own element
     OrderedWork work;
     work.count = search.photos.size();
-    work.threads = threadsToUse(static_cast<int>(std::max(1U, std::thread::hardware_concurrency())));
-    if (work.threads < 1) // the run cannot start any either
-        return leftOut;
+    work.threads = threads;
     work.work = [&](std::size_t i) {
         const PhotoPath &photo = search.photos[i];
         areCopies[i] = photo.isFound && photo.failure.isEmpty() && isWrittenCopy(photo.path);

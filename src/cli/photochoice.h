@@ -19,8 +19,8 @@ struct LeftOutCopies {
     QString first;
 };
 
-/// Removes the photos found in folders that are copies of earlier runs. Reads their headers on several
+/// Removes the photos found in folders that are copies of earlier runs. Reads their headers on `threads`
 /// threads.
-LeftOutCopies leaveOutCopies(PhotoSearch &search);
+LeftOutCopies leaveOutCopies(PhotoSearch &search, int threads);
 
 } // namespace plexa

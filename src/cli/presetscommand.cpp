@@ -241,8 +241,7 @@ int runPresets(const PresetsOptions &options)
             printLines(*file);
     }
     if (options.json && (options.file.empty() || status == kAllDone || !objects.isEmpty()))
-        printLine(stdout,
-                  QString::fromUtf8(jsonText(QJsonDocument(objects), QJsonDocument::Indented).trimmed()));
+        printJson(objects);
     return status;
 }
 

@@ -116,11 +116,11 @@ void dropMissing(std::vector<AppliedPreset> &applied, const SavingPresetPtr &mis
             continue;
         mark.values.assignedSavingPreset = nullptr;
         if (!options.quiet)
-            printLine(stderr, onOneLine(QStringLiteral(
-                                            "plexa-cli: the saving preset that is assigned to \"%1\" is not "
-                                            "there; the one of the run is used. Give its file with "
-                                            "--saving-presets, or --ignore-assigned")
-                                            .arg(mark.values.name)));
+            printMessage(
+                QStringLiteral("the saving preset that is assigned to \"%1\" is not there; the one of "
+                               "the run is used. Give its file with --saving-presets, or "
+                               "--ignore-assigned")
+                    .arg(mark.values.name));
     }
 }
 
@@ -151,7 +151,7 @@ Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
         if (isNeeded)
             return tl::unexpected(assignable.error());
         if (!options.quiet)
-            printLine(stderr, onOneLine(QStringLiteral("plexa-cli: ") + assignable.error().text));
+            printMessage(assignable.error().text);
     }
     dropMissing(*applied, unknown, options);
     for (const AppliedPreset &mark : *applied) {

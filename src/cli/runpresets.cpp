@@ -28,7 +28,7 @@ class Notices final : public Alerts
 public:
     AlertAnswer run(const Alert &alert) override
     {
-        printLine(stderr, onOneLine(QStringLiteral("plexa-cli: %1 %2").arg(alert.title, alert.text)));
+        printMessage(QStringLiteral("%1 %2").arg(alert.title, alert.text));
         return {};
     }
 };
@@ -43,8 +43,7 @@ void reportTokens(const SaveOptions &options, const std::vector<std::string> &ar
     if (!isSet || options.quiet)
         return;
     for (const QString &notice : noticesAboutTokens(pieces, use))
-        printLine(stderr,
-                  onOneLine(QStringLiteral("plexa-cli: %1: %2").arg(QLatin1StringView(field), notice)));
+        printMessage(QStringLiteral("%1: %2").arg(QLatin1StringView(field), notice));
 }
 
 /// Sets the fields of --set. A new picture makes an image watermark.

@@ -23,7 +23,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
-#include <thread>
 
 namespace plexa
 {
@@ -39,7 +38,7 @@ public:
 
 int refuse(const QString &text)
 {
-    printLine(stderr, onOneLine(QStringLiteral("plexa-cli: ") + text));
+    printMessage(text);
     return kWrongUsage;
 }
 
@@ -127,8 +126,6 @@ Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
     run.isDryRun = options.dryRun;
     run.conflictCode = conflictCode(options.conflict);
     run.conflictScope = OutputNaming::Scope::FilesFromBefore;
-    run.jobs =
-        options.jobs > 0 ? options.jobs : static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
     run.isStopped = isInterrupted;
     return run;
 }
@@ -138,9 +135,6 @@ int saveAll(SavingRun &run, const PhotoSearch &search, qint64 leftOut, const Sav
             const FontCatalog &fonts)
 {
     const std::vector<PhotoPath> &photos = search.photos;
-    run.jobs = threadsToUse(run.jobs);
-    if (run.jobs < 1)
-        return kSomethingFailed;
     const LocaleFormat locale;
     PixelCache cache(0); // each photo is used once
     const qint64 memory = physicalMemoryBytes() / 2;
@@ -186,16 +180,18 @@ int runSave(const SaveOptions &options)
     for (const PhotoPath &path : search.notRead)
         printAbout(path.path, path.failure);
     leaveOutRepetitions(search);
-    const LeftOutCopies leftOut = leaveOutCopies(search);
+    run->jobs = threadsToUse(options.jobs);
+    if (run->jobs < 1)
+        return kSomethingFailed;
+    const LeftOutCopies leftOut = leaveOutCopies(search, run->jobs);
     if (leftOut.count > 0 && !options.quiet)
-        printLine(stderr,
-                  onOneLine(QStringLiteral("plexa-cli: copies of earlier runs in folders are left out: "
-                                           "%1, the first is \"%2\"; to watermark a copy again, name "
-                                           "its file")
-                                .arg(leftOut.count)
-                                .arg(leftOut.first)));
+        printMessage(
+            QStringLiteral("copies of earlier runs in folders are left out: %1, the first is \"%2\"; "
+                           "to watermark a copy again, name its file")
+                .arg(leftOut.count)
+                .arg(leftOut.first));
     if (search.photos.empty())
-        printLine(stderr, QStringLiteral("plexa-cli: no photos found"));
+        printMessage(QStringLiteral("no photos found"));
     return saveAll(*run, search, leftOut.count, options, fonts);
 }
 

@@ -5,6 +5,7 @@
 #include "cli/fieldarguments.h"
 #include "cli/photopaths.h"
 #include "cli/usageerrors.h"
+#include "presets/savingpresetvalues.h"
 
 #include <CLI/CLI.hpp>
 
@@ -122,7 +123,7 @@ void addCopyOptions(OptionGroups &groups, SaveOptions &options)
              "JPEG, HEIC, TIFF, PNG, GIF, BMP or Original (default: Original)")
         ->check(someText());
     groups.add("--quality", options.quality, "N", "The quality of JPEG and HEIC: 40 to 100 (default: 95)")
-        ->check(wholeNumber(40, 100));
+        ->check(wholeNumber(SavingPresetValues::kLowestQuality, SavingPresetValues::kHighestQuality));
     groups.add("--start", options.start, "N", "The first number of {sequence #} (default: 1)")
         ->check(wholeNumber(0, std::numeric_limits<int>::max()));
     groups.addPath("--saving-presets", options.savingPresetsFile, "FILE",

@@ -5,7 +5,6 @@
 #include "cli/messages.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <cmath>
@@ -52,11 +51,6 @@ QString nameOf(Conflict conflict)
         break;
     }
     return {};
-}
-
-QJsonValue orNull(const QString &text)
-{
-    return text.isEmpty() ? QJsonValue::Null : QJsonValue(text);
 }
 
 /// Of a watermark, or null if it has nothing to draw. Thousandths of a pixel are enough.
@@ -121,7 +115,7 @@ QByteArray jsonLine(const SavingOutput &output)
         line[QStringLiteral("notices")] = QJsonArray::fromStringList(notices);
     if (output.status == Status::Planned)
         line[QStringLiteral("emptyTokens")] = QJsonArray::fromStringList(output.emptyTokens);
-    return jsonText(QJsonDocument(line), QJsonDocument::Compact);
+    return jsonText(line);
 }
 
 QString textLine(const SavingOutput &output)
@@ -236,7 +230,7 @@ QString SaveReport::summary() const
     add(m_counts.notStarted, "not started");
     if (parts.isEmpty())
         parts.append(QStringLiteral("none"));
-    QString text = QStringLiteral("plexa-cli: copies: ") + parts.join(QLatin1String(", "));
+    QString text = QStringLiteral("copies: ") + parts.join(QLatin1String(", "));
     parts.clear();
     add(m_counts.unmarked, "without a visible watermark");
     add(m_search.leftOut,
@@ -254,8 +248,7 @@ void SaveReport::printJsonSummary() const
         {QStringLiteral("skipped"), m_counts.skipped},       {QStringLiteral("failed"), m_counts.failed},
         {QStringLiteral("notStarted"), m_counts.notStarted}, {QStringLiteral("unmarked"), m_counts.unmarked},
         {QStringLiteral("leftOut"), m_search.leftOut},       {QStringLiteral("notRead"), m_search.notRead}};
-    const QJsonDocument line(QJsonObject{{QStringLiteral("summary"), summary}});
-    std::fprintf(stdout, "%s\n", jsonText(line, QJsonDocument::Compact).constData());
+    std::fprintf(stdout, "%s\n", jsonText(QJsonObject{{QStringLiteral("summary"), summary}}).constData());
 }
 
 void SaveReport::end()
@@ -264,7 +257,7 @@ void SaveReport::end()
     if (m_form.json)
         printJsonSummary();
     if (!m_form.quiet || !isComplete() || m_counts.unmarked > 0 || m_search.notRead > 0)
-        printLine(stderr, summary());
+        printMessage(summary());
 }
 
 } // namespace plexa

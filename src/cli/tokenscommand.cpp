@@ -93,8 +93,7 @@ int runTokens(const ListOptions &options)
         printLine(stdout, (QStringLiteral("  ") + token.name).leftJustified(kColumn) + token.example);
     }
     if (options.json)
-        printLine(stdout,
-                  QString::fromUtf8(jsonText(QJsonDocument(objects), QJsonDocument::Indented).trimmed()));
+        printJson(objects);
     return kAllDone;
 }
 

@@ -66,9 +66,11 @@ void ImageObject::resetAllCustomWatermarkRectOrigins()
     m_photo.editOrigins([](CustomOrigins &origins) { return origins.clear(); });
 }
 
-QImage ImageObject::createWatermarkedImage(const AppliedPreset &preset)
+Result<QImage> ImageObject::createWatermarkedImage(const AppliedPreset &preset)
 {
     const PhotoSnapshot current = m_photo.snapshot();
+    if (current.pixels.isNull())
+        return fail(loadError());
     return current.drawn(current.pixels, preset, m_services.fonts);
 }
 

@@ -125,9 +125,9 @@ public:
     bool resetCustomWatermarkRectOriginForWPreset(const WPreset *preset);
     void resetAllCustomWatermarkRectOrigins();
 
-    /// The photo with one preset drawn; without a mark when the preset has nothing to draw. Null when the
-    /// photo cannot be read or the preset cannot be drawn.
-    QImage createWatermarkedImage(const AppliedPreset &preset);
+    /// The photo with one preset drawn; without a mark when the preset has nothing to draw. Fails when
+    /// the photo cannot be read or the preset cannot be drawn.
+    [[nodiscard]] Result<QImage> createWatermarkedImage(const AppliedPreset &preset);
 
     /// Writes one copy with these presets drawn.
     /// @param readFrom  the file to read, if not readPath()

@@ -7,20 +7,16 @@
 namespace plexa
 {
 
-QImage PhotoSnapshot::drawn(const QImage &image, const AppliedPreset &preset, const FontCatalog &fonts,
-                            QRectF *rect) const
+Result<QImage> PhotoSnapshot::drawn(const QImage &image, const AppliedPreset &preset,
+                                    const FontCatalog &fonts, QRectF *rect) const
 {
-    if (image.isNull())
-        return {};
     const std::optional<QPointF> custom = customOrigins.originFor(preset.preset.get());
     QRectF place(custom.value_or(QPointF()), QSizeF());
-    const Result<QImage> marked =
+    Result<QImage> marked =
         createWatermarkOnImage(image, preset.values, facts, fonts, custom.has_value(), &place);
-    if (!marked)
-        return {};
-    if (rect && marked->constBits() != image.constBits())
+    if (marked && rect && marked->constBits() != image.constBits())
         *rect = place;
-    return *marked;
+    return marked;
 }
 
 } // namespace plexa

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "images/customorigins.h"
+#include "platform/result.h"
 #include "watermark/texttokens.h"
 #include "watermark/wpreset.h"
 
@@ -30,11 +31,11 @@ struct PhotoSnapshot {
     QImage pixels; ///< upright; null where they were not wanted or could not be read
 
     /// One preset drawn. Any thread.
-    /// @param image  of the photo's full size
+    /// @param image  of the photo's full size; not null
     /// @param rect   receives, where given, the watermark's rectangle; unchanged when there is no watermark
-    /// @return the same image when the preset has nothing to draw; null when it cannot be drawn
-    QImage drawn(const QImage &image, const AppliedPreset &preset, const FontCatalog &fonts,
-                 QRectF *rect = nullptr) const;
+    /// @return the same image when the preset has nothing to draw; the reason when it cannot be drawn
+    [[nodiscard]] Result<QImage> drawn(const QImage &image, const AppliedPreset &preset,
+                                       const FontCatalog &fonts, QRectF *rect = nullptr) const;
 };
 
 } // namespace plexa

@@ -96,6 +96,11 @@ QString trimmedAtEnd(QString text)
     return text;
 }
 
+QString withXmlLineEnds(QString text)
+{
+    return text.replace(u"\r\n"_qs, u"\n"_qs).replace(u'\r', u'\n');
+}
+
 QString xmlText(const QString &text)
 {
     QString allowed;

@@ -23,6 +23,9 @@ QString decodedField(const QByteArray &bytes, const QByteArray &characterSet = {
 /// Without blanks and NULs at the end.
 QString trimmedAtEnd(QString text);
 
+/// IIM ends lines with CR, XML with LF: the same text with LF.
+QString withXmlLineEnds(QString text);
+
 /// Without the characters that XML 1.0 cannot hold, not even escaped: controls but for tabs and line ends,
 /// halves of surrogate pairs, U+FFFE and U+FFFF.
 QString xmlText(const QString &text);

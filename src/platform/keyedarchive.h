@@ -98,7 +98,7 @@ public:
     Reference addInteger(qint64 number);
     Reference addFloat(float number);
     Reference addArray(const std::vector<Reference> &objects, Mutability mutability);
-    /// As calibrated RGB with the numbers of sRGB. An invalid color is none.
+    /// As calibrated RGB with the numbers of sRGB. An invalid color is left out.
     Reference addColor(const QColor &color);
     Reference addImage(const ArchivedImage &image);
     /// An object of another archive, with all that it refers to. Shared objects stay shared; invalid
@@ -175,7 +175,7 @@ public:
     const void *identity() const { return m_node; }
 
     /// Has more been read in total than an archive may hold? From then on data, arrays and texts that were
-    /// not read before are none. Bounds objects that many others refer to.
+    /// not read before count as missing. Bounds objects that many others refer to.
     bool isExhausted() const;
 
 private:

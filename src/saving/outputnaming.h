@@ -50,19 +50,16 @@ public:
     /// The files that the choice for conflicts is about.
     enum class Scope {
         AllFiles,
-        FilesFromBefore, ///< not the other photos and copies of the run: these stay, the copy gets a unique
-                         ///< name
+        FilesFromBefore, ///< photos and copies of the run stay, the copy gets a unique name
     };
 
     /// Returns when no copy is being written to the path any more.
     using Wait = std::function<void(const QString &path)>;
 
-    /// @param alerts         is asked about names that are taken; outlives the object
-    /// @param waitForOutcome called before a name is compared with that of a copy under way, which may still
-    /// fail.
-    ///                       Where it is empty, or unique names are the choice for all conflicts, the file of
-    ///                       such a copy counts as existing, so that copies of one name do not wait for each
-    ///                       other
+    /// @param alerts  is asked about names that are taken; outlives the object
+    /// @param waitForOutcome  called before a name is compared with that of a copy under way, which may still
+    ///                fail. Where it is empty, or unique names are the choice for all conflicts, the file of
+    ///                such a copy counts as existing, so that copies of one name do not wait for each other
     OutputNaming(OutputFolders folders, Alerts &alerts, Wait waitForOutcome = {},
                  Scope scope = Scope::AllFiles);
 

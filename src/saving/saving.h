@@ -23,9 +23,8 @@ class Alerts;
 class Saving final
 {
 public:
-    /// @param alerts  is asked about names that are taken, on the thread of the run, and shows the end
-    /// report,
-    ///                on the thread of finishedSavingImages(); outlives the object
+    /// @param alerts  is asked about names that are taken, on the thread of the run, and shows the report at
+    ///                the end, on the thread of finishedSavingImages(); outlives the object
     explicit Saving(Alerts &alerts);
 
     /// A run is about to start on another thread: from now on it is in progress and can be stopped.

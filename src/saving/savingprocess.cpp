@@ -7,6 +7,7 @@
 #include "platform/systemerror.h"
 #include "platform/workpool.h"
 #include "raster/bitmaputilities.h"
+#include "saving/namingtokens.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -168,14 +169,11 @@ bool hasNoText(const PhotoFacts &facts, const Order &order)
 
 QStringList emptyTokens(const AheadOfTime &ahead, const Order &order)
 {
-    const auto isEmptyName = [&](const QString &token) {
-        return (token == QLatin1StringView("watermark preset name") &&
-                order.presets.front().values.name.isEmpty()) ||
-               (token == QLatin1StringView("saving preset name") && order.savingPreset.name.isEmpty());
-    };
     QStringList empty;
     for (const QString &token : order.savingPreset.filenameTokens) {
-        if (isEmptyName(token) && !empty.contains(token))
+        const auto text =
+            namingTokenText(token, 0, order.presets.front().values.name, order.savingPreset.name);
+        if (text && text->isEmpty() && !empty.contains(token))
             empty.append(token);
     }
     QStringList tokens = order.savingPreset.filenameTokens;

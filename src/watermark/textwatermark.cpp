@@ -3,6 +3,7 @@
 #include "watermark/textwatermark.h"
 
 #include "raster/bitmaputilities.h"
+#include "watermark/glyphcontours.h"
 #include "watermark/textlayout.h"
 #include "watermark/watermarklayout.h"
 #include "watermark/wpresetvalues.h"
@@ -56,7 +57,7 @@ Inks inksOf(const WPresetValues &values, double fontSize)
     inks.isFilled = percent > 0;
     const QColor color = values.strokeColor.isValid() ? values.strokeColor : fill;
     const double width = std::abs(percent / 100.0) * fontSize;
-    inks.outline = QPen(color.toRgb(), width, Qt::SolidLine, Qt::FlatCap, Qt::RoundJoin);
+    inks.outline = QPen(color.toRgb(), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
     inks.isOutlined = true;
     return inks;
 }
@@ -66,8 +67,8 @@ QTransform withoutMoving(const QTransform &transform)
     return {transform.m11(), transform.m12(), transform.m21(), transform.m22(), 0, 0};
 }
 
-/// A text in pixels: the fill first, the outlines above it. The outline of each kind of glyph is computed
-/// once.
+/// A text in pixels: the fill first, the outlines above it. Glyphs that touch are outlined as one; else the
+/// outline of each kind of glyph is computed once.
 class PaintableText
 {
 public:
@@ -85,8 +86,10 @@ public:
             m_shapes[i].reach = scaling.mapRect(setting.shapes[i].controlPointRect())
                                     .adjusted(-margin, -margin, margin, margin);
         }
-        for (const TextSetting::Glyph &glyph : setting.glyphs)
-            m_bounds |= reachOf(glyph);
+        for (const TextSetting::Glyph &glyph : setting.glyphs) {
+            m_glyphs.push_back({glyph.shape, glyph.shape, toPixels.map(glyph.at)});
+            m_bounds |= reachOf(m_glyphs.back());
+        }
         for (const TextSetting::PictureGlyph &glyph : setting.pictureGlyphs)
             m_bounds |= toPixels.mapRect(glyph.reach);
     }
@@ -97,12 +100,14 @@ public:
     /// @param isCanceled  checked at each tile; the rest is then not painted
     void paint(QImage &ink, QPoint at, const CancelCheck &isCanceled)
     {
+        if (m_inks.isOutlined)
+            joinOutlines(isCanceled);
         const qsizetype stride = ink.bytesPerLine();
         uchar *const bits = ink.bits();
         for (int y = 0; y < ink.height(); y += kTileSide) {
             const int height = std::min(kTileSide, ink.height() - y);
-            const std::vector<TextSetting::Glyph> inRow =
-                reachingInto(m_setting.glyphs, QRectF(at.x(), at.y() + y, ink.width(), height));
+            const std::vector<Glyph> inRow =
+                reachingInto(m_glyphs, QRectF(at.x(), at.y() + y, ink.width(), height));
             if (inRow.empty())
                 continue;
             for (int x = 0; x < ink.width(); x += kTileSide) {
@@ -118,23 +123,40 @@ public:
     }
 
 private:
-    /// A kind of glyph in pixels, its origin at (0, 0).
+    /// A kind of glyph, or the rest of a contour that others cover, in pixels. Its origin is at (0, 0).
     struct Shape {
-        QRectF reach;
-        QPainterPath fill;    ///< created when it is first painted
-        QPainterPath outline; ///< likewise
+        QRectF reach = {};
+        QPainterPath fill = {};    ///< created when it is first painted
+        QPainterPath outline = {}; ///< likewise
     };
 
-    QRectF reachOf(const TextSetting::Glyph &glyph) const
+    struct Glyph {
+        std::size_t shape;    ///< that is filled
+        std::size_t outlined; ///< the shape that is outlined
+        QPointF at;
+    };
+
+    QRectF reachOf(const Glyph &glyph) const { return m_shapes[glyph.shape].reach.translated(glyph.at); }
+
+    void joinOutlines(const CancelCheck &isCanceled)
     {
-        return m_shapes[glyph.shape].reach.translated(m_toPixels.map(glyph.at));
+        std::vector<PlacedShape> placed;
+        for (const Glyph &glyph : m_glyphs)
+            placed.push_back({&fillOf(glyph.shape), glyph.at});
+        const double em = std::sqrt(std::abs(m_toPixels.determinant()));
+        const auto contours = contoursOfUnion(placed, kTouching * em, isCanceled);
+        for (std::size_t i = 0; i < contours.size(); ++i) {
+            if (!contours[i])
+                continue;
+            m_glyphs[i].outlined = m_shapes.size();
+            m_shapes.push_back({.fill = *contours[i]});
+        }
     }
 
-    std::vector<TextSetting::Glyph> reachingInto(const std::vector<TextSetting::Glyph> &glyphs,
-                                                 const QRectF &part) const
+    std::vector<Glyph> reachingInto(const std::vector<Glyph> &glyphs, const QRectF &part) const
     {
-        std::vector<TextSetting::Glyph> reaching;
-        for (const TextSetting::Glyph &glyph : glyphs) {
+        std::vector<Glyph> reaching;
+        for (const Glyph &glyph : glyphs) {
             if (reachOf(glyph).intersects(part))
                 reaching.push_back(glyph);
         }
@@ -144,7 +166,7 @@ private:
     const QPainterPath &fillOf(std::size_t index)
     {
         Shape &shape = m_shapes[index];
-        if (shape.fill.isEmpty())
+        if (shape.fill.isEmpty() && index < m_setting.shapes.size())
             shape.fill = withoutMoving(m_toPixels).map(m_setting.shapes[index]);
         return shape.fill;
     }
@@ -160,9 +182,9 @@ private:
         return shape.outline;
     }
 
-    void paintTile(QImage &tile, QPoint at, const std::vector<TextSetting::Glyph> &inRow)
+    void paintTile(QImage &tile, QPoint at, const std::vector<Glyph> &inRow)
     {
-        const std::vector<TextSetting::Glyph> glyphs = reachingInto(inRow, QRectF(at, tile.size()));
+        const std::vector<Glyph> glyphs = reachingInto(inRow, QRectF(at, tile.size()));
         if (glyphs.empty())
             return;
         QPainter painter(&tile);
@@ -171,24 +193,25 @@ private:
         // Opaque colors, and colors on an empty bitmap, need only their coverage, which is the faster mode.
         painter.setCompositionMode(QPainter::CompositionMode_Source);
         if (m_inks.isFilled)
-            fill(painter, glyphs, m_inks.fill, [this](std::size_t shape) { return fillOf(shape); });
+            fill(painter, glyphs, m_inks.fill, [this](const Glyph &glyph) { return fillOf(glyph.shape); });
         if (!m_inks.isOutlined)
             return;
         if (m_inks.isFilled && m_inks.outline.color().alpha() < 255)
             painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-        fill(painter, glyphs, m_inks.outline.color(), [this](std::size_t shape) { return outlineOf(shape); });
+        fill(painter, glyphs, m_inks.outline.color(),
+             [this](const Glyph &glyph) { return outlineOf(glyph.outlined); });
     }
 
     /// Fills the glyphs as one shape, so that overlaps are not filled twice; in pieces if there are thousands
     /// in one tile, too small to be distinguished.
     template<typename PathOf>
-    void fill(QPainter &painter, const std::vector<TextSetting::Glyph> &glyphs, const QColor &color,
+    void fill(QPainter &painter, const std::vector<Glyph> &glyphs, const QColor &color,
               const PathOf &pathOf) const
     {
         QPainterPath piece;
         piece.setFillRule(Qt::WindingFill);
-        for (const TextSetting::Glyph &glyph : glyphs) {
-            piece.addPath(pathOf(glyph.shape).translated(m_toPixels.map(glyph.at)));
+        for (const Glyph &glyph : glyphs) {
+            piece.addPath(pathOf(glyph).translated(glyph.at));
             if (piece.elementCount() < kMaxPieceElements)
                 continue;
             painter.fillPath(piece, color);
@@ -212,10 +235,14 @@ private:
 
     static constexpr int kMaxPieceElements = 100'000;
 
+    /// The largest gap between glyphs of a joined script, in ems: their places are rounded.
+    static constexpr double kTouching = 0.001;
+
     const TextSetting &m_setting;
     QTransform m_toPixels;
     Inks m_inks;
-    std::vector<Shape> m_shapes;
+    std::vector<Shape> m_shapes; ///< those of the setting first
+    std::vector<Glyph> m_glyphs; ///< in the setting's order
     QRectF m_bounds;
 };
 

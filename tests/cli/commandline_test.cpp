@@ -414,8 +414,12 @@ private Q_SLOTS:
         QCOMPARE(namesIn(path("odd/out")).size(), names.size());
     }
 
-    void foldersWithNamesThatAreNotText()
+    void namesThatAreNotText()
     {
+        const char *const inspection = "exec \"$0\" inspect \"$(printf 'a\\377')\"";
+        const ProgramRun inspected = runProgram(u"sh"_s, words("-c %1 %2", inspection, program()));
+        QCOMPARE(inspected.status, 1);
+        QVERIFY2(inspected.err.contains(": its name is not valid UTF-8"), inspected.err.constData());
         const char *const script =
             "cd \"$1\"; exec \"$0\" save --text x --output \"$(printf 'new\\377')\" in";
         const ProgramRun refused =

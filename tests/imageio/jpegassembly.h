@@ -50,7 +50,7 @@ inline QByteArray xmpPacket(const QByteArray &attributes, const QByteArray &elem
 /// A field of EXIF.
 struct ExifField {
     int tag;
-    int type; ///< 2: text, 3: short number, 4: number, 7: bytes
+    int type; ///< 2: text, 3: short number, 4: number, 7: bytes, 13: directory
     QByteArray value;
 };
 
@@ -61,7 +61,7 @@ inline QByteArray exifDirectory(qsizetype at, const QList<ExifField> &fields)
     QByteArray values;
     const qsizetype valuesAt = at + 2 + 12 * fields.size() + 4;
     for (const auto &[tag, type, value] : fields) {
-        table += big16(tag) + big16(type) + big32(type == 3 || type == 4 ? 1 : value.size());
+        table += big16(tag) + big16(type) + big32(type == 3 || type == 4 || type == 13 ? 1 : value.size());
         if (value.size() <= 4) {
             table += value.leftJustified(4, '\0');
         } else {

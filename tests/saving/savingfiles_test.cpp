@@ -113,10 +113,10 @@ private Q_SLOTS:
 
         const QString asBefore = photo(u"bare.png"_qs, bare.size());
         const auto bareAgain = ImageObject(asBefore, m_services.all).readReduced(300);
-        const QImage marked = bareAgain->drawn(bareAgain->pixels, right, m_services.fonts);
+        const QImage marked = bareAgain->drawn(bareAgain->pixels, right, m_services.fonts).value();
         QVERIFY(marked != bare);
         QCOMPARE(pixelsOf(QImage(once)), pixelsOf(marked));
-        const QImage again = bareAgain->drawn(marked, right, m_services.fonts);
+        const QImage again = bareAgain->drawn(marked, right, m_services.fonts).value();
         QCOMPARE(pixelsOf(QImage(twice)), pixelsOf(again));
     }
 
@@ -128,8 +128,8 @@ private Q_SLOTS:
         QVERIFY(QFile::link(photo, alias));
         const AppliedPreset preset = mark(u"Mark"_qs);
         const auto bare = ImageObject(photo, m_services.all).readReduced(700);
-        const QImage once = bare->drawn(bare->pixels, preset, m_services.fonts);
-        const QImage again = bare->drawn(once, preset, m_services.fonts);
+        const QImage once = bare->drawn(bare->pixels, preset, m_services.fonts).value();
+        const QImage again = bare->drawn(once, preset, m_services.fonts).value();
         SavingRun run = runFor({photo, alias}, {preset});
         run.folders.destDirectory.clear();
         run.defaultSavingPreset.filenameTokens = {u"filename"_qs};

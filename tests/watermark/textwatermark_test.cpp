@@ -143,6 +143,47 @@ private Q_SLOTS:
         }
     }
 
+    void touchingGlyphsAreOutlinedAsOne()
+    {
+        // The judge is the filled text: black within half a width of its edge, white deeper inside.
+        constexpr int kHalf = 5;
+        for (const auto &[font, text] : {std::pair("DejaVuSans", "ببل"), // a joined script
+                                         {"DejaVuSansMono", "─┼─██▌┐"},  // edges that coincide
+                                         {"DejaVuSans", "ç©%"},
+                                         {"DejaVuSans-Oblique", "AVÅ fi"}}) {
+            WPresetValues values;
+            values.font = QLatin1StringView(font);
+            values.fontSize = 200;
+            values.fontSizeUnit = u"Points"_qs;
+            values.strokeWidth = 5;
+            const WatermarkBitmap outlined = bitmapOf(values, QString::fromUtf8(text));
+            values.stroke = false;
+            const WatermarkBitmap filled = bitmapOf(values, QString::fromUtf8(text));
+            const QPoint offset = (outlined.inkAt - filled.inkAt).toPoint();
+            const auto isText = [&](QPoint at) {
+                const QPoint inFilled = at + offset;
+                return filled.ink.rect().contains(inFilled) && qAlpha(filled.ink.pixel(inFilled)) > 127;
+            };
+            const auto isEdgeWithin = [&](QPoint at, int distance) {
+                for (int y = -distance; y <= distance; ++y) {
+                    for (int x = -distance; x <= distance; ++x) {
+                        if (x * x + y * y <= distance * distance && isText(at + QPoint(x, y)) != isText(at))
+                            return true;
+                    }
+                }
+                return false;
+            };
+            for (int i = 0; i < outlined.ink.width() * outlined.ink.height(); ++i) {
+                const QPoint at(i % outlined.ink.width(), i / outlined.ink.width());
+                const QRgb found = outlined.ink.pixel(at);
+                if (isEdgeWithin(at, kHalf - 2))
+                    QVERIFY2(found == qRgb(0, 0, 0), text);
+                else if (!isEdgeWithin(at, kHalf + 2))
+                    QVERIFY2(found == (isText(at) ? qRgb(255, 255, 255) : 0), text);
+            }
+        }
+    }
+
     void anOutlineAloneLeavesTheGlyphOpen()
     {
         WPresetValues values;

@@ -31,7 +31,7 @@ Coding codingOf(QByteArrayView brand)
                            : Coding::None;
 }
 
-/// The coding of the first brand that specifies one; the main brand comes first.
+/// The coding of the first brand that specifies one; the major brand comes first.
 Coding codingOfContents(QByteArrayView head)
 {
     if (head.size() < 12 || head.sliced(4, 4) != QByteArrayView("ftyp"))

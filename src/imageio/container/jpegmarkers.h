@@ -25,8 +25,15 @@ enum : int {
     APP1 = 0xE1,
     APP2 = 0xE2,
     APP13 = 0xED,
+    SOF55 = 0xF7, // JPEG-LS
     COM = 0xFE,
 };
+
+/// Does the marker begin a frame header of T.81?
+constexpr bool isFrame(int marker)
+{
+    return marker >= SOF0 && marker <= SOF15 && marker != DHT && marker != JPG && marker != DAC;
+}
 } // namespace JpegMarker
 
 /// What the contents of an APPn segment begin with.

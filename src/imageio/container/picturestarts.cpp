@@ -2,6 +2,8 @@
 
 #include "imageio/container/picturestarts.h"
 
+#include "imageio/container/jpegmarkers.h"
+
 #include <QtEndian>
 
 #include <string_view>
@@ -38,11 +40,48 @@ bool beginsAsPicture(std::string_view bytes)
            (bytes.starts_with("RIFF"sv) && bytes.substr(8, 4) == "WEBP"sv) || beginsAsBitmap(bytes);
 }
 
+int byteAt(QByteArrayView bytes, qsizetype at)
+{
+    return at < bytes.size() ? uchar(bytes[at]) : -1;
+}
+
+/// Can this marker follow the start of a JPEG? 0xFF is a fill byte.
+bool canFollowStart(int marker)
+{
+    return marker == JpegMarker::TEM || (marker >= JpegMarker::SOF0 && marker < JpegMarker::RST0) ||
+           marker > JpegMarker::SOS;
+}
+
+/// The frame header of ITU-T T.81, B.2.2, or of JPEG-LS: its length follows from the number of components.
+bool isFrameHeader(QByteArrayView bytes, qsizetype at)
+{
+    const int marker = byteAt(bytes, at + 1);
+    const int components = byteAt(bytes, at + 9);
+    return (JpegMarker::isFrame(marker) || marker == JpegMarker::SOF55) && components > 0 &&
+           byteAt(bytes, at + 2) * 256 + byteAt(bytes, at + 3) == 8 + 3 * components &&
+           byteAt(bytes, at + 4) >= 2 && byteAt(bytes, at + 4) <= 16 &&
+           (byteAt(bytes, at + 7) > 0 || byteAt(bytes, at + 8) > 0);
+}
+
+/// Any decoder needs a frame header; bytes before it are skipped by some.
+bool holdsJpeg(QByteArrayView bytes)
+{
+    constexpr QByteArrayView kStart("\xD8\xFF");
+    qsizetype at = bytes.indexOf(kStart);
+    while (at >= 0 && !canFollowStart(byteAt(bytes, at + kStart.size())))
+        at = bytes.indexOf(kStart, at + 1);
+    if (at >= 0)
+        at = bytes.indexOf('\xFF', at);
+    while (at >= 0 && !isFrameHeader(bytes, at))
+        at = bytes.indexOf('\xFF', at + 1);
+    return at >= 0;
+}
+
 } // namespace
 
 bool holdsPictureStart(QByteArrayView bytes)
 {
-    return bytes.contains("\xFF\xD8\xFF") || bytes.contains("\x89PNG\r\n\x1A\n");
+    return holdsJpeg(bytes) || bytes.contains("\x89PNG\r\n\x1A\n");
 }
 
 bool isPictureValue(const QByteArray &value)

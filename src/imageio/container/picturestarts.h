@@ -7,7 +7,9 @@
 namespace plexa
 {
 
-/// Does a JPEG or PNG begin anywhere in these bytes?
+/// Does a JPEG or PNG begin anywhere in these bytes? A JPEG is a start, directly followed by a marker, and a
+/// frame header anywhere after: a table of numbers may contain the first bytes of a JPEG by chance. Its first
+/// byte may be any: some cameras spoil it in their maker notes.
 bool holdsPictureStart(QByteArrayView bytes);
 
 /// Is this value a picture: does a JPEG or PNG begin anywhere in it, or does it begin like a file of another

@@ -7,6 +7,7 @@
 #include "imageio/embedded/exif/embeddedpictures.h"
 #include "imageio/embedded/exif/exifencoding.h"
 #include "imageio/embedded/exif/exifvalues.h"
+#include "imageio/embedded/exif/makernoterewriting.h"
 #include "imageio/embedded/metadatablocks.h"
 #include "imageio/embedded/metadatachanges.h"
 #include "imageio/embedded/metadataclearing.h"
@@ -123,17 +124,6 @@ void describePictureInXmp(Exiv2::XmpData &xmp, QSize size)
     eraseXmpProperty(xmp, "Xmp.exif.Gamma");
 }
 
-MakerNoteBlock makerNoteOf(const Exiv2::ExifData &exif)
-{
-    MakerNoteBlock block;
-    if (const Exiv2::Exifdatum *note = exifDatum(exif, "Exif.Photo.MakerNote"))
-        block.bytes = bytesOfValue(note->value(), kMaxMetadataBytes);
-    const Exiv2::Exifdatum *offset = exifDatum(exif, "Exif.MakerNote.Offset");
-    if (!block.bytes.isEmpty() && offset && offset->count() > 0)
-        block.offset = offset->toLong();
-    return block;
-}
-
 bool areSame(const Exiv2::IptcData &a, const Exiv2::IptcData &b)
 {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
@@ -198,8 +188,10 @@ QByteArray changedXmp(MetadataSet &set, const QVariantMap &before, const QVarian
         (facts.cleared & ClearedGroup::Iptc))
         // A digest of the old record would make other programs distrust the new one.
         eraseXmpProperty(xmp.data, "Xmp.photoshop.LegacyIPTCDigest");
-    if (!facts.holdsIptc)
+    if (!facts.holdsIptc) {
         addIptcToXmp(xmp.data, after);
+        omitted += iptcWithoutPlaceInXmp(set.iptc);
+    }
     if (!facts.holdsExif)
         addTiffTextsToXmp(xmp.data, after);
     if (facts.isTurned && eraseRegionsFromXmp(xmp.data))
@@ -236,8 +228,7 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
         encoded.omitted += set.iptc.empty() ? u"IPTC"_qs : u"damaged IPTC field"_qs;
     after = withKeptUsageTerms(before, after, facts.cleared);
     MakerNoteBlock note = makerNoteOf(set.exif);
-    const size_t noteFields = makerNoteFields(set.exif);
-    erasePicturesFromExif(set.exif);
+    encoded.omitted += erasePicturesFromExif(set.exif);
     const bool erasedFromIptc = erasePicturesFromIptc(set.iptc);
     const Exiv2::IptcData original = set.iptc;
     const bool hadNote = exifDatum(set.exif, "Exif.Photo.MakerNote") != nullptr;
@@ -250,7 +241,7 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     describePictureInExif(set.exif, facts.pixelSize);
     if (!exifDatum(set.exif, "Exif.Photo.MakerNote"))
         note = {};
-    note.isEdited = makerNoteFields(set.exif) != noteFields;
+    note.isEdited = makerNoteFields(set.exif) != static_cast<size_t>(note.fields.count());
     encodeExif(encoded, set.exif, set.byteOrder, note, facts);
     encoded.iptc = encodedIptc(set, original);
     encoded.imageResources = encodedImageResources(set, encoded.iptc, after, facts.cleared);

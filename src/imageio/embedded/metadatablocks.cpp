@@ -6,6 +6,7 @@
 #include "imageio/container/heifbrands.h"
 #include "imageio/container/heifitems.h"
 #include "imageio/container/imageresources.h"
+#include "imageio/container/jpegexif.h"
 #include "imageio/container/jpegmarkers.h"
 #include "imageio/container/jpegsegmentreader.h"
 
@@ -67,9 +68,7 @@ private:
 void takeApp1(JpegSegmentReader &segments, MetadataBlocks &blocks, ExtendedXmp &extendedXmp)
 {
     using namespace JpegSegmentName;
-    if (segments.isNamed(kExif))
-        takeFirst(blocks.exif, segments.contentsBehind(kExif));
-    else if (segments.isNamed(kXmp))
+    if (segments.isNamed(kXmp))
         takeFirst(blocks.xmp, segments.contentsBehind(kXmp));
     else if (segments.isNamed(kMoreXmp))
         extendedXmp.add(segments.contentsBehind(kMoreXmp));
@@ -90,12 +89,14 @@ MetadataBlocks readJpegBlocks(QIODevice &device)
     using namespace JpegSegmentName;
     MetadataBlocks blocks;
     ExtendedXmp extendedXmp;
+    JpegExif exif;
     bool fillsSegment = false;
     device.seek(0);
     JpegSegmentReader segments(device);
     while (const std::optional<int> marker = segments.next()) {
         if (*marker == JpegMarker::SOS || *marker == JpegMarker::EOI)
             break;
+        exif.read(*marker, segments);
         if (*marker == JpegMarker::COM)
             takeComment(blocks, segments.payload().toByteArray(), fillsSegment);
         else if (*marker == JpegMarker::APP1)
@@ -105,6 +106,7 @@ MetadataBlocks readJpegBlocks(QIODevice &device)
             // Long resources continue in the next segment.
             blocks.imageResources += segments.contentsBehind(kImageResources);
     }
+    takeFirst(blocks.exif, exif.structure());
     blocks.iptc = iptcOfImageResources(blocks.imageResources);
     blocks.moreXmp = extendedXmp.packetNamedIn(blocks.xmp);
     return blocks;

@@ -4,6 +4,7 @@
 
 #include "imageio/embedded/exif/exifvalues.h"
 #include "imageio/embedded/exif/makernotefacts.h"
+#include "imageio/embedded/metadatavalues.h"
 #include "imageio/embedded/xmp/xmpreading.h"
 #include "metadata/metadatafields.h"
 #include "metadata/metadatatext.h"
@@ -47,18 +48,40 @@ QVariant exifField(const MetadataSet &set, const MetadataField &field)
 /// All values of a repeatable field together.
 constexpr qsizetype kMaxIptcTexts = 4096;
 
-QVariant iptcField(const Exiv2::IptcData &iptc, const QByteArray &characterSet, const MetadataField &field)
+/// A text that fills its field of IIM may be cut there, even in the middle of a character: XMP has it whole
+/// then.
+/// @param bytes  of the field
+/// @param inXmp  the field's texts in XMP
+QString wholeText(const QString &text, const QByteArray &bytes, int maxBytes, const QStringList &inXmp)
+{
+    constexpr int kBytesOfCharacter = 4;
+    if (text.toUtf8().size() <= maxBytes - kBytesOfCharacter)
+        return text;
+    const QString beginning = withXmlLineEnds(text);
+    for (const QString &whole : inXmp) {
+        if ((whole.size() > text.size() && withXmlLineEnds(whole).startsWith(beginning)) ||
+            (whole.toUtf8().size() > bytes.size() && whole.toUtf8().startsWith(bytes)))
+            return whole;
+    }
+    return text;
+}
+
+QVariant iptcField(const Exiv2::IptcData &iptc, const QByteArray &characterSet, const MetadataField &field,
+                   const Exiv2::XmpData &xmp)
 {
     if (!field.iptc || iptc.empty())
         return {};
     const Exiv2::IptcKey key(field.iptc);
+    const bool isText = field.kind == MetadataKind::Text || field.kind == MetadataKind::TextList;
+    const QStringList inXmp = isText && field.xmp ? propertyTexts(xmpField(xmp, field)) : QStringList();
     QStringList texts;
     for (const Exiv2::Iptcdatum &datum : iptc) {
         if (datum.record() != key.record() || datum.tag() != key.tag())
             continue;
-        const QString text = decodedField(bytesOfValue(datum.value()), characterSet);
+        const QByteArray bytes = bytesOfValue(datum.value());
+        const QString text = decodedField(bytes, characterSet);
         if (!text.isEmpty() && texts.size() < kMaxIptcTexts)
-            texts += text;
+            texts += wholeText(text, bytes, field.iptcMaxBytes, inXmp);
     }
     if (texts.isEmpty())
         return {};
@@ -117,7 +140,7 @@ QVariantMap propertiesOfMetadata(const MetadataSet &set, const Exiv2::XmpData &x
     const QByteArray characterSet = iptcCharacterSet(set.iptc);
     for (const MetadataField &field : metadataFields()) {
         insert(field, exifField(set, field));
-        insert(field, iptcField(set.iptc, characterSet, field));
+        insert(field, iptcField(set.iptc, characterSet, field, xmp));
     }
     insertMakerNoteFacts(groups[MetadataGroup::ExifAux], set.exif);
     // Fractions and offsets in XMP belong to the times in XMP.

@@ -84,9 +84,10 @@ QByteArray PhotoPromise::image(const QString &mimeType, QStringList &failures)
     buffer.open(QIODevice::ReadWrite);
     CopyRequest request;
     request.type = mimeType;
-    Result<void> written = fail(photo.loadError());
-    if (const QImage picture = photo.createWatermarkedImage(m_contents.presets.front()); !picture.isNull())
-        written = writeImage(buffer, picture, request);
+    const Result<void> written =
+        photo.createWatermarkedImage(m_contents.presets.front()).and_then([&](const QImage &picture) {
+            return writeImage(buffer, picture, request);
+        });
     if (written)
         return buffer.data();
     failures.append(photo.path() + QStringLiteral(": ") + written.error().text);

@@ -29,7 +29,8 @@ const QByteArray kWebp = "RIFF\x2C\x01\0\0WEBPVP8 "_ba + QByteArray(300, '\0');
 const QByteArray kGif = "GIF89a\x10\0\x10\0"_ba + QByteArray(300, '\0');
 const QByteArray kHeif = big32(0x18) + "ftypheic" + QByteArray(300, '\0');
 const QByteArray kPng = "\x89PNG\r\n\x1A\n"_ba + QByteArray(300, '\0');
-const QByteArray kJpeg = "\xFF\xD8\xFF\xDB"_ba + QByteArray(300, '\0');
+const QByteArray kFrame = "\xFF\xC0\0\x0B\x08\0\x10\0\x10\1\1\x11\0"_ba + QByteArray(300, '\0');
+const QByteArray kJpeg = "\xFF\xD8\xFF\xDB\0\2"_ba + kFrame;
 
 /// A Photoshop image resource.
 QByteArray resource(int id, const QByteArray &data, const QByteArray &name = {})
@@ -98,9 +99,34 @@ private Q_SLOTS:
         };
         for (const QByteArray &picture : {"abc" + kJpeg, "abc" + kPng, kTiff, kWebp, kGif, kHeif})
             check(0xFDE8, picture, false);
+        check(0x927C, "abc" + kJpeg.mid(1), false); // spoiled by the camera
+        // Tables of numbers: a start without a frame, without a marker after it, and after the frame.
+        const QByteArray start = kJpeg.left(6);
+        for (const QByteArray &table :
+             {start + kFrame.mid(1), "\xFF\xD8\xFF\x90\0\2"_ba + kFrame, kFrame + start})
+            check(0xFDE8, table, true);
         check(0x9286, "ASCII\0\0\0"_ba + kGif, false);
         check(0xFDE8, "BMXX"_ba + QByteArray(300, '\x01'), true);
         check(0x927C, kTiff, true); // a maker note may have the header of a TIFF
+    }
+
+    void pointersGoWithTheirDirectories()
+    {
+        const auto check = [this](const ExifField &pointer, const QByteArray &maker,
+                                  const QStringList &omitted) {
+            const auto copy = copied({.exif = exifWith({pointer, {0xFDE8, 7, "kept"}}, maker)});
+            QVERIFY(copy.exif.contains("kept"));
+            QVERIFY(!copy.exif.contains(big16(0x8290)) && !copy.exif.contains(big16(0xFDE7)) &&
+                    !copy.exif.contains(big16(0x0035)));
+            QCOMPARE(copy.omitted, omitted);
+        };
+        check({0x8290, 4, big32(8)}, kMaker, {u"EXIF directory 0x8290"_s}); // Kodak's
+        check({0xFDE7, 13, big32(8)}, kMaker, {u"EXIF directory 0xfde7"_s});
+        // Samsung's maker note, whose offsets count from its start, with a preview.
+        const QByteArray preview = exifDirectory(42, {{0x0103, 3, big16(6)}});
+        const QByteArray note =
+            exifDirectory(0, {{1, 7, "0100"}, {0x0035, 4, big32(42)}, {0x0050, 3, big16(1)}});
+        check({0x927C, 7, note + preview}, "SAMSUNG\0\0\0"_ba, {});
     }
 
     void picturesInIptcAreRemoved()
@@ -121,6 +147,21 @@ private Q_SLOTS:
         check(dataSet(7, 10, "\1"_ba) + dataSet(8, 10, QByteArray(300, 'o')) + dataSet(9, 10, "\0\0\1\0"_ba));
         check(dataSet(2, 240, kGif)); // an unknown dataset
         check(kWebp);                 // after the last dataset
+    }
+
+    /// In a format without IIM records.
+    void iptcGoesIntoXmpOrIsReported()
+    {
+        EmbeddedMetadata::CopyFacts facts = kFacts;
+        facts.holdsIptc = false;
+        const auto copy = copied({.iptc = dataSet(2, 0, "\0\4"_ba) + dataSet(2, 62, "20200304") +
+                                          dataSet(2, 63, "050607+0800") + dataSet(2, 65, "Editor") +
+                                          dataSet(2, 90, "Bern") + dataSet(2, 118, "Ann") +
+                                          dataSet(2, 230, "notes") + dataSet(2, 228, "?")},
+                                 facts);
+        QVERIFY(copy.xmp.contains("Bern") && copy.xmp.contains("2020-03-04T05:06:07+08:00"));
+        QCOMPARE(copy.omitted, (QStringList{u"IPTC field Contact"_s, u"IPTC field DocumentNotes"_s,
+                                            u"IPTC field 0x00e4"_s}));
     }
 
     /// Resources that follow an invalid one are left out with it.

@@ -45,12 +45,12 @@ class PngTextsTest : public QObject
 private Q_SLOTS:
     void copiesKeepTexts()
     {
-        const QString path =
-            pngWith(someTexts() + plain("Software", "Old") + plain("Thumb::URI", "file:///a") +
-                    plain("date:create", "2020") + plain("Preview", "\xFF\xD8\xFF\xE0 and so on") +
-                    plain("Picture", "/9j/4AAQSkZJRg") + plain("Source", QByteArray(300'000, 'x')) +
-                    plain(" not proper", "x") + plain("", "x") + pngChunk("iTXt", "Warning") +
-                    pngChunk("zTXt", "Warning\0"));
+        const QString path = pngWith(
+            someTexts() + plain("Software", "Old") + plain("Thumb::URI", "file:///a") +
+            plain("date:create", "2020") + plain("Preview", "\xFF\xD8\xFF\xC0\0\x0B\x08\0\1\0\1\1\1\x11"_ba) +
+            plain("Picture", "/9j/4AAQSkZJRg") + plain("Source", QByteArray(300'000, 'x')) +
+            plain(" not proper", "x") + plain("", "x") + pngChunk("iTXt", "Warning") +
+            pngChunk("zTXt", "Warning\0"));
         const QByteArray bytes = copyOf(path, [](ImageMetadata &m) { m.setTiffSoftware(u"New"_s); });
         QImage image;
         QVERIFY(image.loadFromData(bytes, "PNG"));

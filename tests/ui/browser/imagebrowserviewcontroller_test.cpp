@@ -127,7 +127,7 @@ private Q_SLOTS:
         QCOMPARE(urls.size(), 2);
         QList<QImage> expected;
         for (const AppliedPreset &preset : browser.presets.effectivePresetsNow()) {
-            expected.append(pixelsOf(photo.createWatermarkedImage(preset)));
+            expected.append(pixelsOf(photo.createWatermarkedImage(preset).value()));
             const QString path = urls.at(expected.size() - 1).toLocalFile();
             QCOMPARE(QFileInfo(path).fileName(), u"image%1"_qs.arg(expected.size() - 1));
             QCOMPARE(pixelsOf(QImage(path)), expected.last());

@@ -3,6 +3,7 @@
 #include "imageio/base/picturefailures.h"
 #include "imageio/codecs/codecs.h"
 #include "imageio/codecs/heif/heiffile.h"
+#include "imageio/codecs/heif/hiddencolors.h"
 #include "imageio/color/colorprofile.h"
 #include "platform/bytebudget.h"
 
@@ -102,8 +103,10 @@ private:
                 *to++ = uint8_t(qRed(color));
                 *to++ = uint8_t(qGreen(color));
                 *to++ = uint8_t(qBlue(color));
-                if (m_format.hasAlpha)
+                if (m_format.hasAlpha) {
                     *to++ = uint8_t(qAlpha(color));
+                    m_hasHidden = m_hasHidden || qAlpha(color) == 0;
+                }
             }
         }
         return {};
@@ -142,6 +145,12 @@ private:
         const qint64 gathered = qint64(m_stride) * m_format.size.height();
         if (!hasRoomToSpare(heicWriterBytes(m_format, m_options) - gathered))
             return fail(PictureFailures::outOfMemory());
+        if (m_hasHidden) {
+            QImage pixels(m_plane, m_format.size.width(), m_format.size.height(), m_stride,
+                          QImage::Format_RGBA8888);
+            if (const auto filled = fillHiddenColors(pixels); !filled)
+                return filled;
+        }
         const HeifContext context(heif_context_alloc());
         heif_encoder *found = nullptr;
         heif_error error = heif_context_get_encoder_for_format(context.get(), heif_compression_HEVC, &found);
@@ -196,6 +205,7 @@ private:
     HeifImage m_image;
     uint8_t *m_plane = nullptr;
     int m_stride = 0;
+    bool m_hasHidden = false; ///< are some pixels fully transparent?
     bool m_hasWriteError = false;
 };
 

@@ -168,6 +168,7 @@ private:
 
     void readChannels(const Box &box)
     {
+        m_header.hasChannelTypes = true;
         const auto count = int(qMin<quint64>(number(box.start, 2), 16));
         for (int i = 0; i < count; ++i) {
             const qint64 at = box.start + 2 + i * 6;
@@ -295,14 +296,16 @@ private:
             m_header.kind = count < 3 ? Kind::Gray : Kind::Rgb;
             if (count == 3 && m_header.components[1].spacing != m_header.components[0].spacing)
                 m_header.kind = Kind::Ycc;
-            m_header.hasAlpha = count == 2 || count == 4;
         } else if (m_header.kind == Kind::Unknown) {
             if (m_hasOtherColors || count > 3)
                 return false;
             m_header.kind = count < 3 ? Kind::Gray : Kind::Rgb;
         }
         m_header.colors = m_header.kind == Kind::Gray ? 1 : m_header.kind == Kind::Cmyk ? 4 : 3;
-        m_header.hasAlpha = m_header.hasAlpha && count > m_header.colors;
+        // One component more than colors: alpha in what programs write, with or without boxes.
+        const bool isLikelyAlpha = count == m_header.colors + 1 && m_header.colors < 4;
+        m_header.hasAlpha =
+            (m_header.hasAlpha && count > m_header.colors) || (!m_header.hasChannelTypes && isLikelyAlpha);
         return count >= m_header.colors && count <= kMaxComponents;
     }
 

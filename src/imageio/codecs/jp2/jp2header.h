@@ -57,6 +57,7 @@ struct Jp2Header {
     int paletteColumns = 0; ///< components after decoding; 0: no palette
     int colors = 0;         ///< color components after decoding
     bool hasAlpha = false;
+    bool hasChannelTypes = false; ///< stated; otherwise the component after the colors is alpha
     bool isPremultiplied = false;
     QByteArray iccProfile;
     double dpiWidth = 0; ///< 0: unknown

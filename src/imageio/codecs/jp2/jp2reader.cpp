@@ -187,7 +187,7 @@ public:
     {
         const int count = int(m_picture->numcomps);
         for (int i = m_colors; header.hasAlpha && i < count && m_alphaComponent < 0; ++i) {
-            if (m_picture->comps[i].alpha != 0 || header.isBare)
+            if (m_picture->comps[i].alpha != 0 || !header.hasChannelTypes)
                 m_alphaComponent = i;
         }
         SampleLayout layout;

@@ -4,6 +4,7 @@
 
 #include "imageio/base/picturefailures.h"
 #include "imageio/color/colorprofile.h"
+#include "imageio/container/jpegexif.h"
 #include "imageio/container/jpegmarkers.h"
 #include "imageio/container/jpegsegmentreader.h"
 #include "imageio/container/tiffdirectoryreader.h"
@@ -163,9 +164,7 @@ public:
     {
         std::optional<int> marker = m_segments.next();
         for (; marker && *marker != SOS && *marker != EOI; marker = m_segments.next()) {
-            const bool isFrame =
-                *marker >= SOF0 && *marker <= SOF15 && *marker != DHT && *marker != JPG && *marker != DAC;
-            if (!isFrame)
+            if (!isFrame(*marker))
                 readSegment(*marker);
             else if (const auto frame = readFrame(*marker); !frame)
                 return tl::unexpected(frame.error());
@@ -178,7 +177,8 @@ public:
         if (const auto size = PictureFailures::checkSize(m_structure.size, m_limits); !size)
             return tl::unexpected(size.error());
         m_structure.iccProfile = m_icc.whole();
-        if (m_structure.iccProfile.isEmpty() && m_isAdobeRgb && m_structure.components.size() == 3)
+        if (m_structure.iccProfile.isEmpty() && m_structure.components.size() == 3 &&
+            exifSaysAdobeRgb(m_exif.structure()))
             m_structure.iccProfile = adobeRgbProfile();
         m_structure.unmarkedPictures = nameUnmarkedPictures(m_device, m_furtherPictures, m_hasGainMap);
         return m_structure;
@@ -187,11 +187,9 @@ public:
 private:
     void readSegment(int marker)
     {
+        m_exif.read(marker, m_segments);
         if (marker == APP0) {
             readDensity(m_segments.payload(32), m_structure);
-        } else if (marker == APP1 && !m_hasExif && m_segments.isNamed(kExif)) {
-            m_hasExif = true;
-            m_isAdobeRgb = exifSaysAdobeRgb(m_segments.contentsBehind(kExif));
         } else if (marker == APP1 && m_segments.isNamed(kXmp)) {
             m_hasGainMap = m_hasGainMap || mentionsGainMap(m_segments.payload());
         } else if (marker == APP2 && m_segments.isNamed(kIcc)) {
@@ -235,10 +233,9 @@ private:
     JpegSegmentReader m_segments;
     JpegStructure m_structure;
     IccPieces m_icc;
+    JpegExif m_exif;
     QList<FurtherPicture> m_furtherPictures;
     bool m_hasGainMap = false;
-    bool m_isAdobeRgb = false;
-    bool m_hasExif = false;
 };
 
 } // namespace

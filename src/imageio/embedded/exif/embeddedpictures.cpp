@@ -46,6 +46,17 @@ constexpr std::array kStructureTags = {
     0xC634,                         // a raw file's private data, or where they lie
 };
 
+/// Tags that point to directories: of EXIF, GPS and interoperability, and those of TIFF-FX, Kodak, Leaf and
+/// DNG that the library does not read.
+constexpr std::array kReadDirectories = {0x8769, 0x8825, 0xA005};
+constexpr std::array kUnreadDirectories = {0x0190, 0x8290, 0x888A, 0xC6F5, 0xFE00};
+
+bool isUnreadDirectory(const Exiv2::Exifdatum &datum)
+{
+    return !std::ranges::count(kReadDirectories, datum.tag()) &&
+           (datum.typeId() == Exiv2::tiffIfd || std::ranges::count(kUnreadDirectories, datum.tag()));
+}
+
 bool isDngTag(uint16_t tag)
 {
     // Models, serial number, lens, name of the raw file.
@@ -117,7 +128,8 @@ bool isPreviewTag(const Exiv2::Exifdatum &datum)
     if (!isMakerNoteGroup(group))
         return false;
     const std::string name = datum.tagName();
-    if (containsAnyCase(group, QLatin1StringView("preview")) || datum.key() == "Exif.Nikon3.Preview")
+    if (containsAnyCase(group, QLatin1StringView("preview")) ||
+        name == "Preview") // the pointer to that group
         return true;
     if (!containsAnyCase(name, QLatin1StringView("preview")) &&
         !containsAnyCase(name, QLatin1StringView("thumbnail")))
@@ -140,7 +152,7 @@ bool isPictureStructureTag(uint16_t tag)
     return std::find(kStructureTags.begin(), kStructureTags.end(), tag) != kStructureTags.end();
 }
 
-void erasePicturesFromExif(Exiv2::ExifData &exif)
+QStringList erasePicturesFromExif(Exiv2::ExifData &exif)
 {
     const bool isRaw = exifDatum(exif, "Exif.Image.DNGVersion");
     eraseMetadataIf(exif, [isRaw](const Exiv2::Exifdatum &datum) {
@@ -151,9 +163,18 @@ void erasePicturesFromExif(Exiv2::ExifData &exif)
     });
     // A maker note with decoded fields is encoded again, and inspected after that.
     const bool isNoteDecoded = makerNoteFields(exif) > 0;
-    eraseMetadataIf(exif, [isNoteDecoded](const Exiv2::Exifdatum &datum) {
-        return !(isNoteDecoded && datum.key() == "Exif.Photo.MakerNote") && holdsPicture(datum);
+    QStringList removed;
+    eraseMetadataIf(exif, [&](const Exiv2::Exifdatum &datum) {
+        const bool isInNote = isMakerNoteGroup(datum.groupName());
+        if (!isInNote && isUnreadDirectory(datum))
+            removed += QStringLiteral("EXIF directory %1").arg(QString::fromStdString(datum.tagName()));
+        else if (!(isNoteDecoded && datum.key() == "Exif.Photo.MakerNote") && holdsPicture(datum))
+            removed += exifFieldName(datum);
+        else
+            return !isInNote && std::ranges::count(kReadDirectories, datum.tag()) > 0;
+        return true;
     });
+    return removed;
 }
 
 bool erasePicturesFromIptc(Exiv2::IptcData &iptc)

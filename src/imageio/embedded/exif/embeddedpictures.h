@@ -5,6 +5,7 @@
 #include "imageio/embedded/metadataset.h"
 
 #include <QByteArray>
+#include <QStringList>
 
 namespace plexa
 {
@@ -15,8 +16,10 @@ bool isPictureStructureTag(uint16_t tag);
 
 /// Removes from EXIF every picture that shows the photo: the thumbnail directory, previews in maker notes,
 /// further directories of raw and TIFF files with the tags of the places of their pixels, and any field
-/// whose data hold the start of a JPEG or PNG, or begin like another picture file.
-void erasePicturesFromExif(Exiv2::ExifData &exif);
+/// whose data hold the start of a JPEG or PNG, or begin like another picture file. Removes all fields that
+/// point to directories, too: the encoder points to those that it writes.
+/// @return the names of removed fields whose tags are not for pictures, and of directories that are not read
+QStringList erasePicturesFromExif(Exiv2::ExifData &exif);
 
 /// Removes from XMP thumbnails, depth maps and other pictures, and what describes pictures that a copy does
 /// not have any more (gain maps, motion photos, the list of a container's items, extended packets).

@@ -3,6 +3,7 @@
 #include "imageio/embedded/exif/exifencoding.h"
 
 #include "imageio/container/picturestarts.h"
+#include "imageio/embedded/exif/exifvalues.h"
 #include "imageio/embedded/exif/makernoterewriting.h"
 #include "imageio/embedded/metadataclearing.h"
 #include "metadata/metadatafields.h"
@@ -73,7 +74,7 @@ private:
     {
         switch (way) {
         case NoteWay::AsItWas:
-            return m_note.bytes.isEmpty() || m_note.isEdited || holdsMangledPicture(m_note.bytes)
+            return m_note.bytes.isEmpty() || m_note.isEdited
                        ? QByteArray()
                        : writtenExif(m_exif, m_order, m_note, thumbnail);
         case NoteWay::Again:
@@ -89,13 +90,6 @@ private:
             return writtenExif(m_exif, m_order, {}, thumbnail);
         }
         return {};
-    }
-
-    /// Some cameras spoil the first byte of the JPEGs in their notes.
-    static bool holdsMangledPicture(const QByteArray &note)
-    {
-        return note.contains("\xD8\xFF\xDB") || note.contains("\xD8\xFF\xE0") ||
-               note.contains("\xD8\xFF\xE1");
     }
 
     Exiv2::ExifData m_exif;
@@ -144,9 +138,7 @@ public:
             if (victim == values.end())
                 --victim;
             bytes -= kEntryBytes + (*victim)->size();
-            names += (*victim)->key() == kUserComment
-                         ? u"user comment"_qs
-                         : QStringLiteral("EXIF field %1").arg(QString::fromStdString((*victim)->tagName()));
+            names += exifFieldName(**victim);
             m_exif.erase(*victim);
             values.erase(victim);
         }
@@ -197,6 +189,9 @@ void encodeExif(EmbeddedMetadata::Encoded &result, Exiv2::ExifData exif, Exiv2::
     const bool hadNote = !note.bytes.isEmpty() || makerNoteFields(encoder.exif()) > 0;
     if (hadNote && way == NoteWay::None)
         result.omitted += u"maker note"_qs;
+    if (way == NoteWay::Again)
+        for (const QString &field : fieldsLostByRewriting(note, encoder.exif(), result.exif))
+            result.omitted += u"maker note field "_qs + field;
     if (isTooLong && result.exif.isEmpty())
         result.exif = shortened(encoder, facts.maxExifBytes, result.omitted);
     if (facts.thumbnailBytes <= 0 || result.exif.isEmpty() ||

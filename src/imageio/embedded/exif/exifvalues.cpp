@@ -2,6 +2,7 @@
 
 #include "imageio/embedded/exif/exifvalues.h"
 
+#include "imageio/embedded/metadataclearing.h"
 #include "metadata/metadatatext.h"
 
 #include <algorithm>
@@ -166,6 +167,17 @@ const Exiv2::Exifdatum *exifDatum(const Exiv2::ExifData &exif, const char *key)
 {
     const auto found = exif.findKey(Exiv2::ExifKey(key));
     return found == exif.end() ? nullptr : &*found;
+}
+
+QString exifFieldName(const Exiv2::Exifdatum &datum)
+{
+    if (datum.key() == "Exif.Photo.UserComment")
+        return QStringLiteral("user comment");
+    if (datum.key() == "Exif.Photo.MakerNote")
+        return QStringLiteral("maker note");
+    return (isMakerNoteGroup(datum.groupName()) ? QStringLiteral("maker note field %1")
+                                                : QStringLiteral("EXIF field %1"))
+        .arg(QString::fromStdString(datum.tagName()));
 }
 
 bool hasExifGroup(const Exiv2::ExifData &exif, const char *group)

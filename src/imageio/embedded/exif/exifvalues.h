@@ -34,6 +34,10 @@ QVariantList numbersOfValue(const Exiv2::Value &value);
 /// The field of this key; null: absent.
 const Exiv2::Exifdatum *exifDatum(const Exiv2::ExifData &exif, const char *key);
 
+/// The field in words for the user: "user comment", "maker note", "maker note field LensData", "EXIF field
+/// 0xfde8".
+QString exifFieldName(const Exiv2::Exifdatum &datum);
+
 /// Is there a field of this group ("Photo", "Nikon3")?
 bool hasExifGroup(const Exiv2::ExifData &exif, const char *group);
 

@@ -13,9 +13,10 @@ namespace plexa
 /// data, so it has to keep its place; some programs have moved it without adapting them, and readers guess
 /// the difference: only the same bytes at the same place mean the same to all readers.
 struct MakerNoteBlock {
-    QByteArray bytes;      ///< empty: no maker note
-    qsizetype offset = -1; ///< from the start of the EXIF data; negative: any place will do
-    bool isEdited = false; ///< the decoded fields no longer equal the bytes
+    QByteArray bytes;       ///< empty: no maker note
+    qsizetype offset = -1;  ///< from the start of the EXIF data; negative: any place will do
+    bool isEdited = false;  ///< the decoded fields no longer equal the bytes
+    Exiv2::ExifData fields; ///< that the library has decoded from the bytes
 };
 
 /// Writes EXIF data from the fields of the directories Image, Photo, GPSInfo and Iop; fields of other groups

@@ -2,12 +2,18 @@
 
 #include "imageio/embedded/exif/makernoterewriting.h"
 
+#include "imageio/container/tiffdirectory.h"
 #include "imageio/embedded/exif/exifvalues.h"
+#include "imageio/embedded/metadatablocks.h"
 #include "imageio/embedded/metadataclearing.h"
+
+#include <QMap>
+#include <QSet>
 
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 
 using namespace Qt::Literals;
@@ -20,65 +26,154 @@ namespace
 
 constexpr qsizetype kEntryBytes = 12;
 
-/// Nikon encrypts by the camera's serial number and the count of its shutter.
-bool hasNikonKeys(const Exiv2::ExifData &exif)
+/// Nikon encrypts by the camera's serial number and the count of its shutter, where the camera records them.
+bool lacksKey(const MakerNoteBlock &note, const Exiv2::ExifData &exif)
 {
-    return !hasExifGroup(exif, "Nikon3") ||
-           (exifDatum(exif, "Exif.Nikon3.SerialNumber") && exifDatum(exif, "Exif.Nikon3.ShutterCount"));
+    constexpr const char *kKeys[] = {"Exif.Nikon3.SerialNumber", "Exif.Nikon3.ShutterCount"};
+    return std::ranges::any_of(
+        kKeys, [&](const char *key) { return exifDatum(note.fields, key) && !exifDatum(exif, key); });
 }
 
-/// Where the note's directory begins, for notes whose offsets count from the start of the EXIF data. None
-/// for those that count from within the note: they can lie anywhere.
-std::optional<qsizetype> directoryStart(const QByteArray &note)
+/// Where a note has its directory and what its offsets count from; both in bytes from the note's start.
+struct NoteLayout {
+    qsizetype directory = 0;
+    qsizetype base = 0;
+    TiffOrder order = TiffOrder::LittleEndian;
+    bool hasOwnBase = false; ///< the note can lie anywhere
+};
+
+struct NoteHeader {
+    QByteArray start;
+    qsizetype directory;    ///< without `pointer`: its position
+    qsizetype base = -1;    ///< negative: the start of the EXIF data
+    qsizetype pointer = -1; ///< the position of the directory's offset
+};
+
+NoteLayout layoutOf(const MakerNoteBlock &note, Exiv2::ByteOrder order)
 {
-    if (note.startsWith("OLYMPUS\0II"_ba) || note.startsWith("OLYMPUS\0MM"_ba) ||
-        note.startsWith("OM SYSTEM") || note.startsWith("FUJIFILM") || note.startsWith("Nikon\0\2"_ba) ||
-        note.startsWith("PENTAX ") || note.startsWith("Apple iOS"))
-        return {};
-    struct Header {
-        QByteArray start;
-        qsizetype bytes;
+    static const NoteHeader headers[] = {
+        {"OLYMPUS\0II"_ba, 12, 0}, {"OLYMPUS\0MM"_ba, 12, 0},   {"OM SYSTEM"_ba, 16, 0},
+        {"FUJIFILM"_ba, 0, 0, 8},  {"Nikon\0\2"_ba, 0, 10, 14}, {"PENTAX "_ba, 10, 0},
+        {"Apple iOS"_ba, 14, 0},   {"OLYMP\0"_ba, 8},           {"EPSON\0"_ba, 8},
+        {"CAMER\0"_ba, 8},         {"Nikon\0"_ba, 8},           {"AOC\0"_ba, 6},
+        {"QVC\0"_ba, 6},           {"Panasonic\0"_ba, 12},      {"SONY "_ba, 12},
+        {"SIGMA\0"_ba, 10},        {"FOVEON\0"_ba, 10},
     };
-    static const Header headers[] = {
-        {"OLYMP\0"_ba, 8}, {"EPSON\0"_ba, 8},      {"CAMER\0"_ba, 8}, {"Nikon\0"_ba, 8},  {"AOC\0"_ba, 6},
-        {"QVC\0"_ba, 6},   {"Panasonic\0"_ba, 12}, {"SONY "_ba, 12},  {"SIGMA\0"_ba, 10}, {"FOVEON\0"_ba, 10},
-    };
-    for (const Header &header : headers) {
-        if (note.startsWith(header.start))
-            return header.bytes;
-    }
-    return 0;
+    // Some makers' notes have a byte order of their own.
+    const Exiv2::Exifdatum *own = exifDatum(note.fields, "Exif.MakerNote.ByteOrder");
+    const bool isBig =
+        own && own->count() > 0 ? own->toString().starts_with("MM") : order == Exiv2::bigEndian;
+    NoteLayout layout{0, -note.offset, isBig ? TiffOrder::BigEndian : TiffOrder::LittleEndian};
+    const auto header = std::ranges::find_if(
+        headers, [&note](const NoteHeader &candidate) { return note.bytes.startsWith(candidate.start); });
+    if (header == std::end(headers))
+        return layout;
+    layout.hasOwnBase = header->base >= 0;
+    if (layout.hasOwnBase)
+        layout.base = header->base;
+    layout.directory = header->directory;
+    if (header->pointer >= 0 && header->pointer + 4 <= note.bytes.size())
+        layout.directory =
+            layout.base + tiffNumberAt(note.bytes.constData() + header->pointer, 4, layout.order);
+    return layout;
 }
 
 /// Do all values outside of the directory lie in the note, the first of them close after the directory, as
 /// cameras write them?
-bool offsetsHold(const MakerNoteBlock &note, qsizetype start, Exiv2::ByteOrder order)
+bool offsetsHold(const MakerNoteBlock &note, const NoteLayout &layout)
 {
-    const QByteArray &bytes = note.bytes;
-    const auto data = [&bytes](qsizetype at) {
-        return reinterpret_cast<const Exiv2::byte *>(bytes.constData()) + at;
-    };
-    if (start + 2 > bytes.size())
+    const char *data = note.bytes.constData();
+    const qsizetype start = layout.directory;
+    if (start + 2 > note.bytes.size())
         return false;
-    const qsizetype count = Exiv2::getUShort(data(start), order);
+    const qsizetype count = tiffNumberAt(data + start, 2, layout.order);
     const qsizetype end = start + 2 + count * kEntryBytes;
-    if (count == 0 || end > bytes.size())
+    if (count == 0 || end > note.bytes.size())
         return false;
-    qsizetype first = bytes.size();
+    qsizetype first = note.bytes.size();
     for (qsizetype at = start + 2; at < end; at += kEntryBytes) {
-        const auto type = static_cast<Exiv2::TypeId>(Exiv2::getUShort(data(at + 2), order));
-        const qint64 size = qint64(Exiv2::getULong(data(at + 4), order)) * Exiv2::TypeInfo::typeSize(type);
+        const auto type = static_cast<Exiv2::TypeId>(tiffNumberAt(data + at + 2, 2, layout.order));
+        const qint64 size =
+            qint64(tiffNumberAt(data + at + 4, 4, layout.order)) * Exiv2::TypeInfo::typeSize(type);
         if (size <= 4)
             continue;
-        const qint64 place = qint64(Exiv2::getULong(data(at + 8), order)) - note.offset;
-        if (place < end || place + size > bytes.size())
+        const qint64 place = layout.base + qint64(tiffNumberAt(data + at + 8, 4, layout.order));
+        if (place < end || place + size > note.bytes.size())
             return false;
         first = std::min<qsizetype>(first, place);
     }
     // After the directory there may be the offset of the next one, and some bytes to align the values.
     constexpr qsizetype kMaxGap = 16;
-    return first == bytes.size() || first - end <= kMaxGap;
+    return first == note.bytes.size() || first - end <= kMaxGap;
 }
+
+QString tagText(uint16_t tag)
+{
+    return QStringLiteral("0x%1").arg(tag, 4, 16, QChar(u'0'));
+}
+
+/// The tags of a maker note as its bytes show them, those included that the library does not know: "0x0001",
+/// and "0x2010/0x0100" in a directory to which 0x2010 points.
+class NoteTags
+{
+public:
+    NoteTags(const MakerNoteBlock &note, Exiv2::ByteOrder order)
+        : m_bytes(note.bytes)
+        , m_layout(layoutOf(note, order))
+    {
+        if (const auto fields = fieldsAt(m_layout.directory))
+            read(*fields, {});
+    }
+
+    const QSet<QString> &tags() const { return m_tags; }
+
+private:
+    std::optional<TiffFields> fieldsAt(qint64 position) const
+    {
+        if (position < 0 || position >= m_bytes.size())
+            return {};
+        return readTiffFields(m_bytes, quint32(position), m_layout.order);
+    }
+
+    void read(const TiffFields &fields, const QString &path)
+    {
+        constexpr qsizetype kMostTags = 5000;
+        for (auto field = fields.begin(); field != fields.end() && m_tags.size() < kMostTags; ++field) {
+            const QString tag = path + tagText(field.key());
+            m_tags += tag;
+            if (const auto inner = directoryOf(*field); inner && path.count(u'/') < 3)
+                read(*inner, tag + u'/');
+        }
+    }
+
+    /// The directory to which a field points; none where it does not look like a pointer.
+    std::optional<TiffFields> directoryOf(const TiffField &field) const
+    {
+        constexpr quint16 kLong = 4, kUndefined = 7, kIfd = 13;
+        const bool mayPoint = field.type == kIfd || (field.type == kLong && field.count == 1) ||
+                              (field.type == kUndefined && field.count > 4);
+        const qint64 position = m_layout.base + qint64(field.offset(m_layout.order));
+        if (!mayPoint || position <= m_layout.directory)
+            return {};
+        const auto fields = fieldsAt(position);
+        const bool isDirectory =
+            fields && !fields->isEmpty() &&
+            std::ranges::all_of(*fields, [this](const TiffField &inner) { return isWhole(inner); });
+        return isDirectory ? fields : std::nullopt;
+    }
+
+    bool isWhole(const TiffField &field) const
+    {
+        const quint64 bytes = field.valueBytes();
+        const qint64 position = m_layout.base + qint64(field.offset(m_layout.order));
+        return bytes > 0 && (bytes <= 4 || (position >= 0 && bytes <= quint64(m_bytes.size()) &&
+                                            position <= m_bytes.size() - qint64(bytes)));
+    }
+
+    const QByteArray m_bytes;
+    const NoteLayout m_layout;
+    QSet<QString> m_tags;
+};
 
 /// The fields of the maker notes that a file stores, with their values.
 std::map<std::string, std::string> storedNoteFields(const Exiv2::ExifData &exif)
@@ -108,18 +203,56 @@ bool holdsMakerNote(const QByteArray &encoded, const Exiv2::ExifData &exif)
 
 bool canRewriteMakerNote(const Exiv2::ExifData &exif, const MakerNoteBlock &note, Exiv2::ByteOrder order)
 {
-    if (!hasNikonKeys(exif))
+    if (lacksKey(note, exif))
         return false;
-    const std::optional<qsizetype> start = directoryStart(note.bytes);
-    if (!start)
-        return true;
-    if (note.offset < 0)
-        return false;
-    // Some makers' notes have a byte order of their own.
-    const Exiv2::Exifdatum *own = exifDatum(exif, "Exif.MakerNote.ByteOrder");
-    if (own && own->count() > 0)
-        order = own->toString().starts_with("MM") ? Exiv2::bigEndian : Exiv2::littleEndian;
-    return offsetsHold(note, *start, order);
+    const NoteLayout layout = layoutOf(note, order);
+    return layout.hasOwnBase || (note.offset >= 0 && offsetsHold(note, layout));
+}
+
+QStringList fieldsLostByRewriting(const MakerNoteBlock &note, const Exiv2::ExifData &exif,
+                                  const QByteArray &encoded)
+{
+    Exiv2::ExifData found;
+    const Exiv2::ByteOrder order =
+        Exiv2::ExifParser::decode(found, reinterpret_cast<const Exiv2::byte *>(encoded.constData()),
+                                  static_cast<uint32_t>(encoded.size()));
+    const NoteTags after(makerNoteOf(found), order);
+    const NoteTags before(note, order);
+    std::set<std::string> kept;
+    for (const Exiv2::Exifdatum &datum : exif)
+        kept.insert(datum.key());
+    QMap<QString, QString> names;
+    QSet<QString> removed;
+    for (const Exiv2::Exifdatum &datum : note.fields) {
+        const QString tag = tagText(datum.tag());
+        names.insert(tag, QString::fromStdString(datum.tagName()));
+        if (!kept.contains(datum.key()))
+            removed += tag;
+    }
+    QStringList lost;
+    const QSet<QString> missing = before.tags() - after.tags();
+    for (const QString &tag : missing) {
+        const QStringList path = tag.split(u'/');
+        if (std::ranges::none_of(path, [&](const QString &part) { return removed.contains(part); }))
+            lost += names.value(tag, tag);
+    }
+    lost.sort();
+    return lost;
+}
+
+MakerNoteBlock makerNoteOf(const Exiv2::ExifData &exif)
+{
+    MakerNoteBlock block;
+    if (const Exiv2::Exifdatum *note = exifDatum(exif, "Exif.Photo.MakerNote"))
+        block.bytes = bytesOfValue(note->value(), kMaxMetadataBytes);
+    const Exiv2::Exifdatum *offset = exifDatum(exif, "Exif.MakerNote.Offset");
+    if (!block.bytes.isEmpty() && offset && offset->count() > 0)
+        block.offset = offset->toLong();
+    for (const Exiv2::Exifdatum &datum : exif) {
+        if (isMakerNoteGroup(datum.groupName()))
+            block.fields.add(datum);
+    }
+    return block;
 }
 
 } // namespace plexa

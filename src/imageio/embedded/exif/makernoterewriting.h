@@ -4,13 +4,18 @@
 
 #include "imageio/embedded/exif/exifwriter.h"
 
+#include <QStringList>
+
 namespace plexa
 {
 
+/// The maker note of decoded EXIF, with its decoded fields.
+MakerNoteBlock makerNoteOf(const Exiv2::ExifData &exif);
+
 /// May the maker note be encoded again from the fields that the library has read of it? Not where another
 /// program has moved the note without adapting its offsets, so that the library read other bytes than the
-/// camera wrote, nor without the camera's serial number and shutter count, by which Nikon encrypts parts of
-/// its notes.
+/// camera wrote, nor where `exif` lacks the camera's serial number or shutter count, by which Nikon encrypts
+/// parts of its notes, and the note has it.
 /// @param exif   the fields to write
 /// @param note   as in its file
 /// @param order  of the EXIF data
@@ -21,5 +26,13 @@ bool canRewriteMakerNote(const Exiv2::ExifData &exif, const MakerNoteBlock &note
 /// throws.
 /// @param exif  the fields that were encoded
 bool holdsMakerNote(const QByteArray &encoded, const Exiv2::ExifData &exif);
+
+/// The fields of the note that are absent from its encoded form, though `exif` does not lack them: the
+/// library leaves out what it cannot read. May throw what the library throws.
+/// @param note     as in its file
+/// @param exif     the fields that were encoded
+/// @return names, or tags as "0x0e22", and "0x2010/0x0100" for a field in a directory to which 0x2010 points
+QStringList fieldsLostByRewriting(const MakerNoteBlock &note, const Exiv2::ExifData &exif,
+                                  const QByteArray &encoded);
 
 } // namespace plexa

@@ -7,16 +7,22 @@
 #include "imageio/embedded/xmp/xmpreading.h"
 #include "imageio/embedded/xmp/xmpwriting.h"
 #include "metadata/metadatafields.h"
+#include "metadata/metadatatext.h"
 #include "metadata/propertykeys.h"
 #include "metadata/propertyvalues.h"
 
 #include <QRegularExpression>
+
+#include <algorithm>
+#include <string_view>
 
 namespace plexa
 {
 
 namespace
 {
+
+using namespace std::string_view_literals;
 
 /// "101500+0200" as it follows a date in XMP: "T10:15:00+02:00". Empty for anything else.
 QString timeText(const QString &iptcTime)
@@ -38,11 +44,10 @@ bool areBeginnings(const QStringList &texts, const QStringList &whole)
                       [](const QString &text, const QString &longer) { return longer.startsWith(text); });
 }
 
-/// IIM ends lines with CR, XML with LF; they are the same text.
 QStringList withXmlLineEnds(QStringList texts)
 {
     for (QString &text : texts)
-        text.replace(u"\r\n"_qs, u"\n"_qs).replace(u'\r', u'\n');
+        text = plexa::withXmlLineEnds(text);
     return texts;
 }
 
@@ -58,6 +63,40 @@ void putField(Exiv2::XmpData &xmp, const MetadataField &field, const QVariantMap
     if (field.key == kCGImagePropertyIPTCDateCreated && texts.constFirst().size() == kWholeDate)
         texts.first() += timeText(iptc.value(kCGImagePropertyIPTCTimeCreated).toString());
     putXmpTexts(xmp, field.xmp, texts);
+}
+
+/// Datasets that are no facts of the photo or reach XMP otherwise: character set and versions of the records,
+/// the program, and what putField() and putCodes() read.
+constexpr std::string_view kOtherDataSets[] = {
+    "Iptc.Envelope.ModelVersion"sv,         "Iptc.Envelope.CharacterSet"sv,
+    "Iptc.Envelope.FileFormat"sv,           "Iptc.Envelope.FileVersion"sv,
+    "Iptc.Application2.RecordVersion"sv,    "Iptc.Application2.Program"sv,
+    "Iptc.Application2.ProgramVersion"sv,   "Iptc.Application2.Subject"sv,
+    "Iptc.Application2.ObjectAttribute"sv,  "Iptc.Application2.TimeCreated"sv,
+    "Iptc.Application2.DigitizationDate"sv, "Iptc.Application2.DigitizationTime"sv,
+};
+
+/// The name of a dataset that has none in the library's table, as exiftool calls it.
+QString nameOfDataSet(const Exiv2::Iptcdatum &datum)
+{
+    if (datum.record() == Exiv2::IptcDataSets::application2 && datum.tag() == 230)
+        return QStringLiteral("DocumentNotes");
+    if (datum.record() == Exiv2::IptcDataSets::application2 && datum.tag() == 231)
+        return QStringLiteral("DocumentHistory");
+    return QString::fromStdString(datum.tagName());
+}
+
+/// The day on which the picture was digitized, where EXIF and XMP do not state it.
+void putDigitizationDate(Exiv2::XmpData &xmp, const QVariantMap &properties)
+{
+    const QVariantMap iptc = groupDictionary(properties, MetadataGroup::Iptc);
+    const QStringList date =
+        xmpTexts(MetadataKind::IptcDate, iptc.value(kCGImagePropertyIPTCDigitalCreationDate));
+    if (!date.isEmpty() && xmp.findKey(Exiv2::XmpKey("Xmp.xmp.CreateDate")) == xmp.end() &&
+        !groupDictionary(properties, MetadataGroup::Exif).contains(kCGImagePropertyExifDateTimeDigitized))
+        putXmpTexts(
+            xmp, "Xmp.xmp.CreateDate",
+            {date.constFirst() + timeText(iptc.value(kCGImagePropertyIPTCDigitalCreationTime).toString())});
 }
 
 /// Facts whose XMP home is read for nothing else. IIM: "IPTC:04000000:...", XMP: "04000000".
@@ -93,11 +132,27 @@ void addIptcToXmp(Exiv2::XmpData &xmp, const QVariantMap &properties)
     }
     try {
         putCodes(xmp, iptc);
+        putDigitizationDate(xmp, properties);
     } catch (const std::exception &) {
         // The same.
     }
     // The copy has no record that it could be a digest of.
     eraseXmpProperty(xmp, "Xmp.photoshop.LegacyIPTCDigest");
+}
+
+QStringList iptcWithoutPlaceInXmp(const Exiv2::IptcData &iptc)
+{
+    QStringList names;
+    for (const Exiv2::Iptcdatum &datum : iptc) {
+        const std::string key = datum.key();
+        const bool hasPlace = std::ranges::any_of(metadataFields(), [&key](const MetadataField &field) {
+            return field.xmp && field.iptc && key == field.iptc;
+        });
+        if (!hasPlace && std::ranges::find(kOtherDataSets, key) == std::end(kOtherDataSets))
+            names += QStringLiteral("IPTC field %1").arg(nameOfDataSet(datum));
+    }
+    names.removeDuplicates();
+    return names;
 }
 
 void addTiffTextsToXmp(Exiv2::XmpData &xmp, const QVariantMap &properties)

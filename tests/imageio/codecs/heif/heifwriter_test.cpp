@@ -100,6 +100,37 @@ private Q_SLOTS:
         }
     }
 
+    /// Colors of pixels that alpha hides, in a viewer that ignores it.
+    void hiddenPixelsHaveColorsOfTheirNeighborhood()
+    {
+        constexpr int kSide = 101;
+        const QColor left(220, 60, 40), right(40, 90, 220);
+        QImage image(kSide, kSide, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        for (int y = 30; y < 70; ++y) {
+            for (int x = 20; x < 80; ++x)
+                image.setPixelColor(x, y, x < 50 ? left : right);
+        }
+        const QString path = m_folder.path("hidden.heic");
+        QVERIFY(writePicture(path, kHeic, image));
+        const QImage seen = decodedElsewhere(path).convertToFormat(QImage::Format_ARGB32);
+        for (const auto &[at, color] : {std::pair{QPoint(0, 50), left},
+                                        {QPoint(19, 50), left},
+                                        {QPoint(30, 29), left},
+                                        {QPoint(81, 40), right},
+                                        {QPoint(100, 100), right},
+                                        {QPoint(70, 71), right}}) {
+            const QColor hidden = seen.pixelColor(at);
+            QVERIFY(hidden.alpha() < 4);
+            const int worst =
+                std::max({qAbs(hidden.red() - color.red()), qAbs(hidden.green() - color.green()),
+                          qAbs(hidden.blue() - color.blue())});
+            QVERIFY2(worst < 50, qPrintable(u"%1,%2: %3"_s.arg(at.x()).arg(at.y()).arg(hidden.name())));
+        }
+        image.fill(Qt::transparent);
+        QVERIFY(writePicture(path, kHeic, image));
+    }
+
     /// As close to the source as a JPEG of that quality, or nearly so, in fewer bytes.
     void qualityMeansWhatItDoesForJpeg()
     {

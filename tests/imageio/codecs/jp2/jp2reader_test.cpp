@@ -102,15 +102,20 @@ private Q_SLOTS:
     void opacityIsRead()
     {
         const QString path = compressed(u"alpha.jp2"_qs, "-size 60x40 xc:rgba(200,100,50,0.4) -depth 8 tif");
-        const auto source = ImageSource::open(path);
-        QVERIFY(source);
-        QVERIFY(source->info().rows.hasAlpha);
-        const auto image = source->createImage();
-        QVERIFY(image);
-        const QColor color = image->pixelColor(30, 20);
-        QCOMPARE(color.alpha(), 102);
-        QVERIFY(std::abs(color.red() - 200) <= 2 && std::abs(color.green() - 100) <= 2 &&
-                std::abs(color.blue() - 50) <= 2);
+        const QByteArray contents = contentsOf(path);
+        QCOMPARE(contents.count("cdef"), 1);
+        for (const char *channels : {"cdef", "free"}) { // the second is no definition
+            QVERIFY(writeFile(path, QByteArray(contents).replace("cdef", channels)));
+            const auto source = ImageSource::open(path);
+            QVERIFY(source);
+            QVERIFY(source->info().rows.hasAlpha);
+            const auto image = source->createImage();
+            QVERIFY(image);
+            const QColor color = image->pixelColor(30, 20);
+            QCOMPARE(color.alpha(), 102);
+            QVERIFY(std::abs(color.red() - 200) <= 2 && std::abs(color.green() - 100) <= 2 &&
+                    std::abs(color.blue() - 50) <= 2);
+        }
     }
 
     void limitsHold()

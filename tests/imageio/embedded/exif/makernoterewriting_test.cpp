@@ -106,6 +106,37 @@ private Q_SLOTS:
         QVERIFY(kept >= 10);
     }
 
+    /// Nikon's note is encoded again without its preview. Here it has no serial number, a field of unknown
+    /// type, and a directory that the library does not know.
+    void lostFieldsAreReported()
+    {
+        QByteArray photo = contentsOf(realPhoto("jpeg/nikon-d60.jpg"));
+        for (const auto &[entry, changed] : {std::pair{"\0\x1D\0\2\0\0\0\x08"_ba, "\0\x1C\0\2\0\0\0\x08"_ba},
+                                             {"\0\xBB\0\7\0\0\0\6"_ba, "\0\xBB\0\x63\0\0\0\6"_ba},
+                                             {"\0\x11\0\4\0\0\0\1"_ba, "\x0E\x22\0\4\0\0\0\1"_ba}}) {
+            QCOMPARE(photo.count(entry), 1);
+            photo.replace(entry, changed);
+        }
+        const QString path = m_folder.path("patched.jpg");
+        QVERIFY(writeFile(path, photo));
+        const auto metadata = EmbeddedMetadata::read(path);
+        const auto encoded = metadata->encodeForCopy(metadata->properties(), {QSize(16, 16), 0});
+        const QString copy = m_folder.path("copy.jpg");
+        QVERIFY(writeFile(copy, jpegWith(encoded)));
+        const auto records = exiftoolRecords({path, copy}, kOptions);
+        QStringList lost;
+        for (const QString &tag : noteTags(records[path])) {
+            if (records[copy][tag] != records[path][tag])
+                lost += tag;
+        }
+        QCOMPARE(lost, QStringList());
+        QStringList expected{u"0x00bb"_s};
+        for (const char *tag : {"0103", "011a", "011b", "0128", "0201", "0202", "0213"})
+            expected += u"0x0e22/0x"_s + QLatin1String(tag);
+        QCOMPARE(encoded.omitted,
+                 expected.replaceInStrings(QRegularExpression(u"^"_s), u"maker note field "_s));
+    }
+
 private:
     static QStringList faultsOfTags(const QJsonObject &source, const QJsonObject &copy, QLatin1StringView key,
                                     bool isRemoved, bool hadFact)
