@@ -119,7 +119,7 @@ private Q_SLOTS:
         }
         const QString path = m_folder.path("patched.jpg");
         QVERIFY(writeFile(path, photo));
-        const auto metadata = EmbeddedMetadata::read(path);
+        const auto metadata = metadataOf(path);
         const auto encoded = metadata->encodeForCopy(metadata->properties(), {QSize(16, 16), 0});
         const QString copy = m_folder.path("copy.jpg");
         QVERIFY(writeFile(copy, jpegWith(encoded)));
