@@ -175,6 +175,16 @@ auto nameClaim(const InstalledFace &face)
                       face.version);
 }
 
+/// The installed face that a name in fontconfig's syntax resolves to; null without any.
+Pattern matchOf(const char *name)
+{
+    const Pattern request(FcNameParse(reinterpret_cast<const FcChar8 *>(name)), &FcPatternDestroy);
+    FcConfigSubstitute(nullptr, request.get(), FcMatchPattern);
+    FcDefaultSubstitute(request.get());
+    FcResult result = FcResultNoMatch;
+    return {FcFontMatch(nullptr, request.get(), &result), &FcPatternDestroy};
+}
+
 QString styleKey(const InstalledFace &face)
 {
     return face.namings.first().family + QLatin1Char('\n') + face.namings.first().style;
@@ -198,11 +208,13 @@ struct FontCatalog::Data {
     std::deque<InstalledFace> faces; // a deque because an atomic cannot be moved
     QHash<QString, const InstalledFace *> byName;
     QString defaultName;
+    QString emojiName; ///< empty: there is none
 
 private:
     void loadFaces();
     void nameTheNameless();
     void chooseDefault();
+    void chooseEmoji();
 };
 
 FontCatalog::Data::Data()
@@ -215,6 +227,7 @@ FontCatalog::Data::Data()
     }
     nameTheNameless();
     chooseDefault();
+    chooseEmoji();
 }
 
 /// The styles of a variable font may all have one PostScript name. The plainest of them keeps it; the others
@@ -265,16 +278,17 @@ void FontCatalog::Data::loadFaces()
 
 void FontCatalog::Data::chooseDefault()
 {
-    const Pattern request(FcNameParse(reinterpret_cast<const FcChar8 *>("sans-serif:scalable=true")),
-                          &FcPatternDestroy);
-    FcConfigSubstitute(nullptr, request.get(), FcMatchPattern);
-    FcDefaultSubstitute(request.get());
-    FcResult result = FcResultNoMatch;
-    const Pattern match(FcFontMatch(nullptr, request.get(), &result), &FcPatternDestroy);
-    if (match)
-        defaultName = stringAt(match.get(), FC_POSTSCRIPT_NAME, 0);
+    defaultName = stringAt(matchOf("sans-serif:scalable=true").get(), FC_POSTSCRIPT_NAME, 0);
     if (!byName.contains(defaultName))
         defaultName = faces.empty() ? QString() : faces.front().postScriptName;
+}
+
+void FontCatalog::Data::chooseEmoji()
+{
+    const Pattern match = matchOf("emoji:color=true");
+    const QString name = stringAt(match.get(), FC_POSTSCRIPT_NAME, 0);
+    if (flagAt(match.get(), FC_COLOR) && byName.contains(name))
+        emojiName = name;
 }
 
 FontCatalog::FontCatalog()
@@ -300,6 +314,11 @@ SizedFont FontCatalog::defaultFont(double pixelSize) const
     font.setStyleHint(QFont::SansSerif);
     font.setHintingPreference(QFont::PreferNoHinting);
     return sized(font, pixelSize);
+}
+
+std::optional<SizedFont> FontCatalog::emojiFont(double pixelSize) const
+{
+    return fontNamed(m_data->emojiName, pixelSize);
 }
 
 QString FontCatalog::defaultFontName() const

@@ -21,8 +21,8 @@ struct SizedFont {
 };
 
 /// The fonts of this desktop by their PostScript names ("DejaVuSans-Bold"), which is how presets store them.
-/// Loaded once when made; all functions afterwards are const and may be called from any thread. fontNamed()
-/// and defaultFont() need a QGuiApplication.
+/// Loaded once when made; all functions afterwards are const and may be called from any thread. fontNamed(),
+/// defaultFont() and emojiFont() need a QGuiApplication.
 class FontCatalog final
 {
 public:
@@ -41,7 +41,10 @@ public:
     /// The default sans-serif font; always usable.
     SizedFont defaultFont(double pixelSize) const;
 
-    /// Its PostScript name; empty only where no font at all is installed.
+    /// The font of colored emoji; none if none is installed.
+    std::optional<SizedFont> emojiFont(double pixelSize) const;
+
+    /// The default font's PostScript name; empty only where no font at all is installed.
     QString defaultFontName() const;
 
     /// The PostScript name of a family's style, letter case ignored; empty when there is none. Also takes the

@@ -2,6 +2,7 @@
 
 #include "watermark/textlayout.h"
 
+#include "platform/emojisequences.h"
 #include "platform/fontcatalog.h"
 
 #include <QCoreApplication>
@@ -57,34 +58,82 @@ struct LineMetrics {
     }
 };
 
-/// The text with the text engine's line breaks, without other control characters. Variation selectors go,
-/// too: the engine shows them as boxes where the font does not know them.
-QString preparedForSetting(const QString &text)
-{
-    QString prepared;
-    prepared.reserve(text.size());
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const QChar c = text.at(i);
-        const bool isBreak = c == u'\n' || c == u'\r' || c == u'\v' || c == u'\f' || c == QChar(0x85) ||
-                             c == QChar::ParagraphSeparator || c == QChar::LineSeparator;
-        if (c == u'\r' && i + 1 < text.size() && text.at(i + 1) == u'\n')
-            continue;
-        if (c == QChar(0xfe0f) || c == QChar(0xfe0e))
-            continue;
-        if (isBreak)
-            prepared += QChar(QChar::LineSeparator);
-        else if (c == u'\t' || c.category() != QChar::Other_Control)
-            prepared += c;
-    }
-    return prepared;
-}
-
 /// The character at a position, as UTF-32.
 char32_t characterAt(const QString &text, qsizetype at)
 {
     const bool isPair = at + 1 < text.size() && text.at(at).isHighSurrogate();
     return isPair ? QChar::surrogateToUcs4(text.at(at), text.at(at + 1)) : text.at(at).unicode();
 }
+
+/// A text as the text engine sets it.
+struct PreparedText {
+    QString text; ///< with the engine's line breaks, without other control characters
+    QList<QTextLayout::FormatRange> emoji; ///< in the font of emoji
+};
+
+/// Prepares a text, piece by piece.
+class TextPreparation
+{
+public:
+    explicit TextPreparation(QString text)
+        : m_text(std::move(text))
+    {
+    }
+
+    PreparedText prepared(const QFont &font, const FontCatalog &fonts)
+    {
+        const std::vector<EmojiSequence> sequences = emojiSequencesIn(m_text);
+        const auto emoji = sequences.empty() ? std::nullopt : fonts.emojiFont(kEm);
+        if (emoji)
+            addEmoji(sequences, font, emoji->font);
+        addText(m_text.size());
+        return m_prepared;
+    }
+
+private:
+    void addEmoji(const std::vector<EmojiSequence> &sequences, const QFont &font, QFont emoji)
+    {
+        QTextCharFormat format;
+        emoji.setPixelSize(kEm);
+        // A sequence is one glyph only if no part of it is in another font.
+        emoji.setStyleStrategy(QFont::NoFontMerging);
+        format.setFont(emoji);
+        const QRawFont ofEmoji = QRawFont::fromFont(emoji);
+        const QRawFont ofText = QRawFont::fromFont(font);
+        for (const EmojiSequence &sequence : sequences) {
+            const uint base = characterAt(m_text, sequence.at);
+            if (!ofEmoji.supportsCharacter(base) || (!sequence.isExplicit && ofText.supportsCharacter(base)))
+                continue;
+            addText(sequence.at);
+            m_prepared.emoji.append(
+                {static_cast<int>(m_prepared.text.size()), static_cast<int>(sequence.length), format});
+            m_prepared.text += QStringView(m_text).mid(sequence.at, sequence.length);
+            m_at = sequence.at + sequence.length;
+        }
+    }
+
+    /// Variation selectors go: the engine shows them as boxes where the font does not know them.
+    void addText(qsizetype end)
+    {
+        for (; m_at < end; ++m_at) {
+            const QChar c = m_text.at(m_at);
+            const bool isBreak = c == u'\n' || c == u'\r' || c == u'\v' || c == u'\f' || c == QChar(0x85) ||
+                                 c == QChar::ParagraphSeparator || c == QChar::LineSeparator;
+            if (c == u'\r' && m_at + 1 < m_text.size() && m_text.at(m_at + 1) == u'\n')
+                continue;
+            if (c == QChar(0xfe0f) || c == QChar(0xfe0e))
+                continue;
+            if (isBreak)
+                m_prepared.text += QChar(QChar::LineSeparator);
+            else if (c == u'\t' || c.category() != QChar::Other_Control)
+                m_prepared.text += c;
+        }
+    }
+
+    const QString m_text;
+    qsizetype m_at = 0; // before it the text is prepared
+    PreparedText m_prepared;
+};
 
 /// The visible characters of a finished layout without a glyph, each once.
 QString missingIn(const QTextLayout &layout)
@@ -233,8 +282,9 @@ Result<TextSetting> setText(const QString &text, const FontCatalog &fonts, const
     }
     const std::lock_guard lock(catalogFonts());
     const QFont font = fontOf(fonts, fontName);
-    const QString prepared = preparedForSetting(text);
-    QTextLayout layout(prepared, font);
+    const PreparedText prepared = TextPreparation(text).prepared(font, fonts);
+    QTextLayout layout(prepared.text, font);
+    layout.setFormats(prepared.emoji);
     layout.setTextOption(optionsFor(alignment));
     layout.setCacheEnabled(true);
 

@@ -226,7 +226,7 @@ private:
         QPainter painter(&ink);
         painter.setTransform(QTransform::fromScale(0.001, 0.001) * m_toPixels *
                              QTransform::fromTranslate(-at.x(), -at.y()));
-        painter.setPen(m_inks.fill);
+        painter.setOpacity((m_inks.isFilled ? m_inks.fill : m_inks.outline.color()).alphaF());
         drawPictureGlyphs(painter, m_setting, m_toPixels.inverted().mapRect(QRectF(at, ink.size())));
     }
 

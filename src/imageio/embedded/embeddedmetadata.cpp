@@ -80,7 +80,7 @@ EmbeddedMetadata::Encoded EmbeddedMetadata::encodeForCopy(const QVariantMap &pro
         return encoded;
     } catch (const std::exception &) {
         // A copy without metadata is better than none, and better than one with an unmarked picture.
-        return {};
+        return {.omitted = {QStringLiteral("metadata")}};
     }
 }
 

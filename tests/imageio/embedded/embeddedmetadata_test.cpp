@@ -127,6 +127,8 @@ private Q_SLOTS:
         const QByteArray note =
             exifDirectory(0, {{1, 7, "0100"}, {0x0035, 4, big32(42)}, {0x0050, 3, big16(1)}});
         check({0x927C, 7, note + preview}, "SAMSUNG\0\0\0"_ba, {});
+        check({0x927C, 7, note + preview + QByteArray(40, 'd')}, "SAMSUNG\0\0\0"_ba,
+              {u"maker note data outside of its fields"_s});
     }
 
     void picturesInIptcAreRemoved()

@@ -2,6 +2,7 @@
 
 #include "imageio/embedded/exif/makernoterewriting.h"
 
+#include "imageio/container/picturestarts.h"
 #include "imageio/container/tiffdirectory.h"
 #include "imageio/embedded/exif/exifvalues.h"
 #include "imageio/embedded/metadatablocks.h"
@@ -120,12 +121,26 @@ public:
     NoteTags(const MakerNoteBlock &note, Exiv2::ByteOrder order)
         : m_bytes(note.bytes)
         , m_layout(layoutOf(note, order))
+        , m_rest(note.bytes)
     {
-        if (const auto fields = fieldsAt(m_layout.directory))
-            read(*fields, {});
+        const auto fields = fieldsAt(m_layout.directory);
+        if (!fields)
+            return;
+        cover(0, m_layout.directory);
+        read(m_layout.directory, *fields, {});
+        // A preview, and what its buffer held before.
+        if (holdsPictureStart(m_rest))
+            cover(qMax<qsizetype>(0, m_rest.indexOf("\xD8\xFF") - 1), m_rest.size());
     }
 
     const QSet<QString> &tags() const { return m_tags; }
+
+    /// Are there data that belong to no field, more than fill bytes and the end marks of some makers?
+    bool hasDataOutsideOfFields() const
+    {
+        constexpr qsizetype kMostFill = 16;
+        return m_rest.size() - m_rest.count('\0') > kMostFill;
+    }
 
 private:
     std::optional<TiffFields> fieldsAt(qint64 position) const
@@ -135,14 +150,26 @@ private:
         return readTiffFields(m_bytes, quint32(position), m_layout.order);
     }
 
-    void read(const TiffFields &fields, const QString &path)
+    void cover(qint64 at, qint64 count)
     {
+        const qint64 end = std::min<qint64>(at + count, m_rest.size());
+        if (at >= 0 && at < end)
+            std::fill(m_rest.begin() + at, m_rest.begin() + end, '\0');
+    }
+
+    void read(qint64 at, const TiffFields &fields, const QString &path)
+    {
+        // Of fields with the same tag only the first is among them.
+        cover(at, tiffDirectoryBytes(tiffNumberAt(m_bytes.constData() + at, 2, m_layout.order)));
         constexpr qsizetype kMostTags = 5000;
         for (auto field = fields.begin(); field != fields.end() && m_tags.size() < kMostTags; ++field) {
             const QString tag = path + tagText(field.key());
             m_tags += tag;
+            const qint64 position = m_layout.base + qint64(field->offset(m_layout.order));
+            if (field->valueBytes() > 4)
+                cover(position, qint64(field->valueBytes()));
             if (const auto inner = directoryOf(*field); inner && path.count(u'/') < 3)
-                read(*inner, tag + u'/');
+                read(position, *inner, tag + u'/');
         }
     }
 
@@ -172,6 +199,7 @@ private:
 
     const QByteArray m_bytes;
     const NoteLayout m_layout;
+    QByteArray m_rest; ///< zeros in place of the fields
     QSet<QString> m_tags;
 };
 
@@ -209,8 +237,8 @@ bool canRewriteMakerNote(const Exiv2::ExifData &exif, const MakerNoteBlock &note
     return layout.hasOwnBase || (note.offset >= 0 && offsetsHold(note, layout));
 }
 
-QStringList fieldsLostByRewriting(const MakerNoteBlock &note, const Exiv2::ExifData &exif,
-                                  const QByteArray &encoded)
+QStringList lossesByRewriting(const MakerNoteBlock &note, const Exiv2::ExifData &exif,
+                              const QByteArray &encoded)
 {
     Exiv2::ExifData found;
     const Exiv2::ByteOrder order =
@@ -234,9 +262,11 @@ QStringList fieldsLostByRewriting(const MakerNoteBlock &note, const Exiv2::ExifD
     for (const QString &tag : missing) {
         const QStringList path = tag.split(u'/');
         if (std::ranges::none_of(path, [&](const QString &part) { return removed.contains(part); }))
-            lost += names.value(tag, tag);
+            lost += QStringLiteral("maker note field ") + names.value(tag, tag);
     }
     lost.sort();
+    if (before.hasDataOutsideOfFields() && !after.hasDataOutsideOfFields())
+        lost += QStringLiteral("maker note data outside of its fields");
     return lost;
 }
 
