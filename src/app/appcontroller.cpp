@@ -132,6 +132,16 @@ void AppController::pasteManualPositioning()
     m_positions.pasteManualPositioning(m_imageSet.selectedImages(), m_appliedPresets.currentWPreset());
 }
 
+void AppController::placeWatermark(ImageObject &image, QPointF origin)
+{
+    const std::shared_ptr<WPreset> current = m_appliedPresets.currentWPreset();
+    if (!current)
+        return;
+    image.setCustomWatermarkRectOrigin(origin, current);
+    Q_EMIT previewOutdated();
+    Q_EMIT commandStateChanged();
+}
+
 void AppController::resetManualPositioning(Presets presets)
 {
     const std::shared_ptr<WPreset> current = m_appliedPresets.currentWPreset();

@@ -4,6 +4,7 @@
 #include "imageio/codecs/codecs.h"
 #include "imageio/codecs/jpeg/jpegerrors.h"
 #include "imageio/codecs/jpeg/jpegstructure.h"
+#include "imageio/color/colorprofile.h"
 #include "imageio/color/rowconversion.h"
 #include "metadata/propertykeys.h"
 

@@ -16,6 +16,8 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 using namespace Qt::Literals;
 
@@ -121,16 +123,12 @@ public:
     NoteTags(const MakerNoteBlock &note, Exiv2::ByteOrder order)
         : m_bytes(note.bytes)
         , m_layout(layoutOf(note, order))
-        , m_rest(note.bytes)
     {
         const auto fields = fieldsAt(m_layout.directory);
         if (!fields)
             return;
-        cover(0, m_layout.directory);
+        m_ranges.emplace_back(0, m_layout.directory);
         read(m_layout.directory, *fields, {});
-        // A preview, and what its buffer held before.
-        if (holdsPictureStart(m_rest))
-            cover(qMax<qsizetype>(0, m_rest.indexOf("\xD8\xFF") - 1), m_rest.size());
     }
 
     const QSet<QString> &tags() const { return m_tags; }
@@ -139,35 +137,47 @@ public:
     bool hasDataOutsideOfFields() const
     {
         constexpr qsizetype kMostFill = 16;
-        return m_rest.size() - m_rest.count('\0') > kMostFill;
+        std::vector<std::pair<qint64, qint64>> ranges = m_ranges;
+        ranges.emplace_back(m_bytes.size(), m_bytes.size());
+        std::ranges::sort(ranges);
+        QByteArray rest;
+        qint64 end = 0;
+        for (const auto &[from, to] : ranges) {
+            if (from > end)
+                rest += m_bytes.mid(end, from - end);
+            end = std::max(end, to);
+        }
+        // A preview, and what its buffer held before.
+        if (holdsPictureStart(rest))
+            rest.truncate(qMax<qsizetype>(0, rest.indexOf("\xD8\xFF") - 1));
+        return rest.size() - rest.count('\0') > kMostFill;
     }
 
 private:
-    std::optional<TiffFields> fieldsAt(qint64 position) const
+    qsizetype fieldCountAt(qint64 position) const
     {
-        if (position < 0 || position >= m_bytes.size())
-            return {};
-        return readTiffFields(m_bytes, quint32(position), m_layout.order);
+        return tiffNumberAt(m_bytes.constData() + position, 2, m_layout.order);
     }
 
-    void cover(qint64 at, qint64 count)
+    std::optional<TiffFields> fieldsAt(qint64 position) const
     {
-        const qint64 end = std::min<qint64>(at + count, m_rest.size());
-        if (at >= 0 && at < end)
-            std::fill(m_rest.begin() + at, m_rest.begin() + end, '\0');
+        constexpr qsizetype kMostFields = 500; // of real directories
+        if (position < 0 || position + 2 > m_bytes.size() || fieldCountAt(position) > kMostFields)
+            return {};
+        return readTiffFields(m_bytes, quint32(position), m_layout.order);
     }
 
     void read(qint64 at, const TiffFields &fields, const QString &path)
     {
         // Of fields with the same tag only the first is among them.
-        cover(at, tiffDirectoryBytes(tiffNumberAt(m_bytes.constData() + at, 2, m_layout.order)));
-        constexpr qsizetype kMostTags = 5000;
+        m_ranges.emplace_back(at, at + tiffDirectoryBytes(fieldCountAt(at)));
+        constexpr qsizetype kMostTags = 2000;
         for (auto field = fields.begin(); field != fields.end() && m_tags.size() < kMostTags; ++field) {
             const QString tag = path + tagText(field.key());
             m_tags += tag;
             const qint64 position = m_layout.base + qint64(field->offset(m_layout.order));
             if (field->valueBytes() > 4)
-                cover(position, qint64(field->valueBytes()));
+                m_ranges.emplace_back(position, position + qint64(field->valueBytes()));
             if (const auto inner = directoryOf(*field); inner && path.count(u'/') < 3)
                 read(position, *inner, tag + u'/');
         }
@@ -199,7 +209,7 @@ private:
 
     const QByteArray m_bytes;
     const NoteLayout m_layout;
-    QByteArray m_rest; ///< zeros in place of the fields
+    std::vector<std::pair<qint64, qint64>> m_ranges; ///< of the bytes of fields and directories
     QSet<QString> m_tags;
 };
 
