@@ -45,6 +45,10 @@ public:
     PresetCommands &presetCommands() { return m_presetCommands; }
     const PhotoServices &photoServices() const { return m_services.photos; }
 
+    /// Adds photos and folders to the working set, and the presets of preset files to the user's. Both happen
+    /// in the background.
+    void addFiles(const QStringList &paths);
+
     /// Reads the presets and applies those of the last time, if the settings ask for it.
     void readPresets();
 

@@ -48,14 +48,14 @@ std::vector<CommandRow> makeTable()
         {CopyAllPositions, M::Image, false, "copyAllPositions", TEXT("Copy &All Positions"), TEXT("Copy the positions to which all watermarks were dragged on this photo"), "Ctrl+Alt+C", "copy-positions", {N::AnyPosition}},
         {PastePositions, M::Image, false, "pastePositions", TEXT("&Paste Positions"), TEXT("Move the watermarks of the selected photos to the copied positions"), "Ctrl+Shift+V", "paste-position", {N::Selection, N::CopiedPosition}},
         {ResetPosition, M::Image, true, "resetPosition", TEXT("Reset Positio&n"), TEXT("Move the current watermark of the selected photos back to its own position"), "Ctrl+Shift+Backspace", "reset-position", {N::Selection, N::CurrentPreset}},
-        {ResetAllPositions, M::Image, false, "resetAllPositions", TEXT("Reset All Po&sitions"), TEXT("Move all watermarks of the selected photos back to their own positions"), "Ctrl+Alt+Backspace", "reset-positions", {N::Selection}},
+        {ResetAllPositions, M::Image, false, "resetAllPositions", TEXT("Reset All Po&sitions"), TEXT("Move all watermarks of the selected photos back to their own positions"), "Alt+Shift+Backspace", "reset-positions", {N::Selection}},
 
-        {PreviewZoomIn, M::View, false, "previewZoomIn", TEXT("Zoom &In"), TEXT("Show the preview larger"), "Ctrl++", "zoom-in", {N::RoomToZoomInPreview}},
+        {PreviewZoomIn, M::View, false, "previewZoomIn", TEXT("Zoom &In"), TEXT("Show the preview larger"), "Ctrl++; Ctrl+=", "zoom-in", {N::RoomToZoomInPreview}},
         {PreviewZoomOut, M::View, false, "previewZoomOut", TEXT("Zoom &Out"), TEXT("Show the preview smaller"), "Ctrl+-", "zoom-out", {N::RoomToZoomOutPreview}},
         {PreviewFit, M::View, false, "previewFit", TEXT("&Fit in Preview"), TEXT("Show the whole photo in the preview"), "Ctrl+0", "fit", {N::RoomToZoomOutPreview}},
         {PreviewFullSize, M::View, false, "previewFullSize", TEXT("&100 %"), TEXT("Show the photo in the preview at its full size"), "Ctrl+1", "full-size", {N::RoomToZoomInPreview}},
-        {BrowserZoomIn, M::View, true, "browserZoomIn", TEXT("&Larger Thumbnails"), TEXT("Show larger thumbnails"), "Ctrl+Alt++", "add", {N::SmallBatchMode, N::RoomToZoomIn}},
-        {BrowserZoomOut, M::View, false, "browserZoomOut", TEXT("&Smaller Thumbnails"), TEXT("Show smaller thumbnails"), "Ctrl+Alt+-", "remove", {N::SmallBatchMode, N::RoomToZoomOut}},
+        {BrowserZoomIn, M::View, true, "browserZoomIn", TEXT("&Larger Thumbnails"), TEXT("Show larger thumbnails"), "Alt++; Alt+=", "add", {N::SmallBatchMode, N::RoomToZoomIn}},
+        {BrowserZoomOut, M::View, false, "browserZoomOut", TEXT("&Smaller Thumbnails"), TEXT("Show smaller thumbnails"), "Alt+-", "remove", {N::SmallBatchMode, N::RoomToZoomOut}},
         {ToggleFilenames, M::View, false, "toggleFilenames", TEXT("Hide File&names in Browser"), TEXT("Show or hide the file names under the thumbnails"), "", "", {N::SmallBatchMode}},
         {SwitchBatchMode, M::View, true, "switchBatchMode", TEXT("Switch to Large &Batch Mode"), TEXT("Switch to the Large Batch mode. Recommended if you work with many images."), "Ctrl+B", "list"},
 

@@ -234,7 +234,7 @@ void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 void MainWindow::dropEvent(QDropEvent *event)
 {
     acceptFiles(event);
-    m_services.controller.gathering().scanImagesAtPaths(droppedFiles(event->mimeData()));
+    m_services.controller.addFiles(droppedFiles(event->mimeData()));
 }
 
 CommandState MainWindow::commandState() const
