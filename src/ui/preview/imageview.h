@@ -36,6 +36,8 @@ public:
     /// Another photo of this size, fitted into the view; an empty size: none.
     void setImageSize(QSize pixels);
     bool imageIsShown() const { return m_geometry.hasImage(); }
+    /// Are there pixels of the photo already?
+    bool hasPicture() const { return !m_picture.isNull(); }
 
     /// A picture that was wanted. A picture of the whole photo is kept as the ground for later parts.
     void setPicture(const QImage &picture, const Wanted &place);
