@@ -3,6 +3,8 @@
 #include "images/copywriter.h"
 
 #include "imageio/base/picturefailures.h"
+#include "imageio/base/sourcefile.h"
+#include "imageio/embedded/storedfacts.h"
 #include "imageio/imagedestination.h"
 #include "imageio/imagesource.h"
 #include "images/uprighting.h"
@@ -76,12 +78,9 @@ Result<Drawings> prepareMarks(const CopyOrder &order, const PhotoFacts &facts, c
 
 /// The time of birth, or of the last modification where that is earlier (the birth of a file that was copied
 /// here) or the birth is not known.
-std::optional<timespec> creationTimeOf(const QString &path)
+timespec creationTimeOf(const FileVersion &version)
 {
-    const std::optional<FileVersion> version = fileVersionAt(path);
-    if (!version)
-        return std::nullopt;
-    const FileTime created = std::min(version->modified, version->born.value_or(version->modified));
+    const FileTime created = std::min(version.modified, version.born.value_or(version.modified));
     return timespec{created.seconds, static_cast<long>(created.nanoseconds)};
 }
 
@@ -112,11 +111,13 @@ Result<void> streamRows(RowReader &reader, const Drawings &drawings, RowWriter &
 class Copy
 {
 public:
-    Copy(const CopyOrder &order, const PhotoServices &services, const ImageSource &source)
+    /// @param inFile  the source's
+    Copy(const CopyOrder &order, const PhotoServices &services, const ImageSource &source,
+         const QVariantMap &inFile)
         : m_order(order)
         , m_services(services)
         , m_source(source)
-        , m_metadata(source.properties())
+        , m_metadata(inFile)
         , m_uprighting(uprightingOf(source.info().rows.size, m_metadata, order.turns, services.limits))
     {
         if (order.metadata)
@@ -210,10 +211,8 @@ private:
         if (m_order.overwritten && fileVersionAt(m_order.target.path) != m_order.overwritten)
             return fail(PictureFailures::changedMeanwhile());
         // Linux cannot set the time of birth, so the copy's modification time represents it.
-        const auto created =
-            m_order.rules.preservesCreationDate ? creationTimeOf(m_order.path) : std::nullopt;
-        if (created)
-            file.setModificationTime(*created);
+        if (m_order.rules.preservesCreationDate)
+            file.setModificationTime(creationTimeOf(m_source.version()));
         return file.commit();
     }
 
@@ -273,8 +272,12 @@ Result<CopyOrder> copyOrderFor(const QString &path, const CopyTarget &target,
 bool isWrittenCopy(const QString &path)
 {
     try {
+        const Result<std::unique_ptr<SourceFile>> file = SourceFile::openAt(path);
+        if (!file || !mayNameSoftware(**file, softwareOfCopies().toLatin1()))
+            return false;
         const Result<ImageSource> source = ImageSource::open(path);
-        return source && ImageMetadata(source->properties()).tiffSoftware() == softwareOfCopies();
+        const Result<QVariantMap> properties = source ? source->properties() : QVariantMap();
+        return properties && ImageMetadata(*properties).tiffSoftware() == softwareOfCopies();
     } catch (const std::bad_alloc &) {
         return false; // reading it as a photo reports this
     }
@@ -288,7 +291,15 @@ Result<CopyReport> writeCopy(const CopyOrder &order, const PhotoServices &servic
             return tl::unexpected(source.error());
         if (order.version && source->version() != order.version)
             return fail(PictureFailures::changedMeanwhile());
-        return Copy(order, services, *source).write();
+        const Result<QVariantMap> properties = source->properties();
+        if (!properties)
+            return tl::unexpected(properties.error());
+        Result<CopyReport> report = Copy(order, services, *source, *properties).write();
+        if (report || (order.isCancelled && order.isCancelled()))
+            return report;
+        // To a codec, a failed read or a changed file look like damage.
+        const Result<void> unchanged = source->checkUnchanged();
+        return unchanged ? report : tl::unexpected(unchanged.error());
     } catch (const std::bad_alloc &) {
         // One photo too many for the memory must not end the run of the others.
         return fail(outOfMemoryText());

@@ -3,6 +3,7 @@
 #include "imageio/base/picturefailures.h"
 #include "imageio/codecs/raw/dngassembly.h"
 #include "imageio/embedded/embeddedmetadata.h"
+#include "imageio/filemetadata.h"
 #include "imageio/pictures.h"
 #include "support/datarows.h"
 
@@ -176,14 +177,12 @@ private Q_SLOTS:
             alone.append(decoded(paths.constLast()));
         }
         const QString photo = photosFolder().isEmpty() ? QString() : realPhoto("jpeg/canon-eos-450d.jpg");
-        const QVariantMap properties = EmbeddedMetadata::read(photo)->properties();
+        const QVariantMap properties = metadataOf(photo)->properties();
         std::atomic<int> wrong = 0;
         const auto work = [&] {
             for (qsizetype i = 0; i < paths.size(); ++i)
                 wrong +=
-                    decoded(paths[i]) == alone[i] && EmbeddedMetadata::read(photo)->properties() == properties
-                        ? 0
-                        : 1;
+                    decoded(paths[i]) == alone[i] && metadataOf(photo)->properties() == properties ? 0 : 1;
         };
         std::thread first(work);
         std::thread second(work);
@@ -412,7 +411,7 @@ private Q_SLOTS:
         for (const auto &[name, key, value] : facts) {
             const auto source = ImageSource::open(realPhoto(name));
             QVERIFY(source);
-            const QVariant found = source->properties().value(QLatin1String(key));
+            const QVariant found = source->properties()->value(QLatin1String(key));
             QVERIFY2(found.isValid() && std::abs(found.toDouble() - value) < 0.05, name);
         }
     }

@@ -39,6 +39,7 @@ public:
     static QString outOfMemory() { return tr("there is not enough memory for the picture"); }
     static QString changedMeanwhile() { return tr("the file was changed while it was read"); }
     static QString readError(const QIODevice &device);
+    static QString readError(const QString &reason);
     static QString writeError(const QIODevice &device);
     static QString exifTooLong() { return tr("its EXIF data are too long for a JPEG file"); }
     static QString encoderFailed(const char *format);

@@ -11,6 +11,7 @@
 
 #include <dav1d/dav1d.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <mutex>
@@ -154,9 +155,12 @@ const heif_reader HeifFile::kReader = {
     [](void *file) -> int64_t { return static_cast<HeifFile *>(file)->m_device.pos(); },
     [](void *data, size_t size, void *file) -> int {
         auto *self = static_cast<HeifFile *>(file);
-        const bool isRead = self->m_device.read(static_cast<char *>(data), qint64(size)) == qint64(size);
-        self->m_hasReadError = self->m_hasReadError || !isRead;
-        return isRead ? 0 : 1;
+        auto *bytes = static_cast<char *>(data);
+        const qint64 got = std::max<qint64>(self->m_device.read(bytes, qint64(size)), 0);
+        // The library ends the program where a read fails, so it gets zeros, and the caller fails.
+        std::fill(bytes + got, bytes + size, '\0');
+        self->m_hasReadError = self->m_hasReadError || got < qint64(size);
+        return 0;
     },
     [](int64_t position, void *file) -> int {
         return static_cast<HeifFile *>(file)->m_device.seek(position) ? 0 : 1;
@@ -191,7 +195,7 @@ Result<void> HeifFile::open()
     heif_image_handle *primary = nullptr;
     error = heif_context_get_primary_image_handle(m_context.get(), &primary);
     m_primary.reset(primary);
-    if (error.code != heif_error_Ok || !m_primary)
+    if (error.code != heif_error_Ok || !m_primary || m_hasReadError)
         return tl::unexpected(failure(error));
     return {};
 }

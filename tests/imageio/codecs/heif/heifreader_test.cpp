@@ -191,7 +191,7 @@ private Q_SLOTS:
             const auto source = ImageSource::open(path);
             QVERIFY2(source, source ? "" : qPrintable(source.error().text));
             QCOMPARE(source->info().rows.size, isRotated ? QSize(64, 96) : QSize(96, 64));
-            const QVariantMap &properties = source->properties();
+            const QVariantMap properties = *source->properties();
             QCOMPARE(properties.value(u"Orientation"_s), QVariant(1));
             const QVariantMap tiff = properties.value(u"{TIFF}"_s).toMap();
             QCOMPARE(tiff.value(u"Orientation"_s), QVariant(1));

@@ -87,7 +87,7 @@ private Q_SLOTS:
         QVERIFY2(source, source ? "" : qPrintable(source.error().text));
         const auto image = source->createImage();
         QVERIFY2(image, image ? "" : qPrintable(image.error().text));
-        const int orientation = source->properties().value(u"Orientation"_qs, 1).toInt();
+        const int orientation = source->properties()->value(u"Orientation"_qs, 1).toInt();
         const QImage expected = developedByDcraw(path);
         QVERIFY(!expected.isNull());
         QCOMPARE(turned(*image, orientation).size(), expected.size());
@@ -199,7 +199,7 @@ private Q_SLOTS:
         PLEXA_NEEDS_PHOTOS();
         const auto source = ImageSource::open(realPhoto("raw/quicktake-100.qtk"));
         QVERIFY(source);
-        const QVariantMap tiff = source->properties().value(u"{TIFF}"_qs).toMap();
+        const QVariantMap tiff = source->properties()->value(u"{TIFF}"_qs).toMap();
         QCOMPARE(tiff.value(u"Make"_qs).toString(), u"Apple"_qs);
         QCOMPARE(tiff.value(u"Model"_qs).toString(), u"QuickTake 100"_qs);
         const QByteArray copy = copied(realPhoto("raw/quicktake-100.qtk"), "image/jpeg", 0.8);
