@@ -4,10 +4,13 @@
 //
 //   plexa-bench-window table COUNT   scrolls and filters a table of COUNT photos
 //   plexa-bench-window import FOLDER drops a folder on the window and waits until its photos are imported
+//   plexa-bench-window preview FOLDER
+//                                    selects its photos, and changes and drags three watermarks on the first
 //
 // Prints a line for each action: the longest pause in milliseconds, and its name. Pauses are processor time
 // of the main thread. For the import, where the thread may also wait for another one, they are the elapsed
-// time without the time that it waited for a core, and a second line has that time included.
+// time without the time that it waited for a core, and a second line has that time included. For the preview,
+// "frame" is the elapsed time from a change to its picture, and "main" the main thread's part of it.
 
 #include "app/appcontroller.h"
 #include "noquestions.h"
@@ -15,12 +18,16 @@
 #include "platform/userdefaults.h"
 #include "presets/presetsstore.h"
 #include "threadtime.h"
+#include "ui/preview/imageviewcontroller.h"
+#include "ui/preview/previewpane.h"
 #include "ui/window/mainwindow.h"
+#include "watermark/watermarkpicture.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QImage>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QScrollBar>
 #include <QTableView>
 #include <QTemporaryDir>
@@ -116,12 +123,89 @@ void benchImport(ImageGathering &gathering, const QString &folder)
     print("import by the clock", longest);
 }
 
+struct Frames {
+    std::vector<double> all; ///< milliseconds from the action to its picture
+    double main = 0;         ///< the longest processor time of the main thread
+};
+
+/// Does the action so many times, each after the picture of the one before.
+Frames framesOf(const std::function<bool()> &isDrawn, int count, const std::function<void(int)> &action)
+{
+    Frames frames;
+    for (int i = 0; i < count; ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        const double before = threadMilliseconds();
+        action(i);
+        while (!isDrawn())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        QCoreApplication::processEvents(); // draws
+        frames.all.push_back(milliseconds(timer));
+        frames.main = std::max(frames.main, threadMilliseconds() - before);
+    }
+    std::sort(frames.all.begin(), frames.all.end());
+    return frames;
+}
+
+void print(const QString &what, const Frames &frames)
+{
+    print(qPrintable(what + QStringLiteral(", median frame")), frames.all[frames.all.size() / 2]);
+    print(qPrintable(what + QStringLiteral(", worst frame")), frames.all.back());
+    print(qPrintable(what + QStringLiteral(", main")), frames.main);
+}
+
+void benchPreview(MainWindow &window, AppController &controller, const QString &folder)
+{
+    ImageGathering &gathering = controller.gathering();
+    QObject::connect(&gathering, &ImageGathering::importFinished, &gathering, &QCoreApplication::quit);
+    gathering.scanImagesAtPaths({folder});
+    QCoreApplication::exec();
+    auto &preview = window.findChild<PreviewPane *>()->imageViewController();
+    auto &view = *window.findChild<ImageViewWithWatermarkControl *>();
+    ImageSelection &selection = controller.imageSet().selection();
+    const auto count = static_cast<int>(controller.imageSet().images()->size());
+    const auto isDrawn = [&preview] { return !preview.isBusy(); };
+    print(QStringLiteral("select"), framesOf([&view] { return view.hasPicture(); }, std::min(count, 20),
+                                             [&](int i) { selection.selectIndexes({i}); }));
+
+    selection.selectIndexes({0});
+    WPreset &preset = *controller.appliedPresets().quickWPreset();
+    const auto measure = [&](const QString &name, const std::function<void(int)> &slide) {
+        print(name + QStringLiteral(" slider"), framesOf(isDrawn, 60, slide));
+        const QPointF center = view.geometry().imageToView(view.watermarkRect()).center();
+        const auto send = [&](QEvent::Type type, QPointF at) {
+            QMouseEvent event(type, at, view.mapToGlobal(at), Qt::LeftButton, Qt::LeftButton, {});
+            QCoreApplication::sendEvent(&view, &event);
+        };
+        send(QEvent::MouseButtonPress, center);
+        print(name + QStringLiteral(" drag"),
+              framesOf(isDrawn, 60, [&](int i) { send(QEvent::MouseMove, center - QPointF(0, 2.0 * i)); }));
+        send(QEvent::MouseButtonRelease, center);
+        controller.resetManualPositioning(AppController::Presets::All);
+    };
+    measure(QStringLiteral("outlined text"), [&](int i) { preset.setFontSize(10 + i % 10); });
+    preset.setReplicateHorizontal(true);
+    preset.setReplicateVertical(true);
+    preset.setWidth(20);
+    measure(QStringLiteral("tiles"), [&](int i) { preset.setOpacity(40 + i); });
+    preset.setReplicateHorizontal(false);
+    preset.setReplicateVertical(false);
+    QImage logo(1200, 800, QImage::Format_ARGB32_Premultiplied);
+    logo.fill(QColor(200, 40, 40, 160));
+    preset.setImage(WatermarkPicture::fromImage(logo));
+    preset.setType(QStringLiteral("Image"));
+    preset.setWidth(40);
+    preset.setShadow(true);
+    measure(QStringLiteral("tilted logo with shadow"), [&](int i) { preset.setAngle(float(i)); });
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    if (argc != 3 || (qstrcmp(argv[1], "table") != 0 && qstrcmp(argv[1], "import") != 0)) {
-        std::fprintf(stderr, "Usage: plexa-bench-window table COUNT | import FOLDER\n");
+    const QByteArray what(argc == 3 ? argv[1] : "");
+    if (what != "table" && what != "import" && what != "preview") {
+        std::fprintf(stderr, "Usage: plexa-bench-window table COUNT | import FOLDER | preview FOLDER\n");
         return 2;
     }
     const QTemporaryDir home; // the user's settings and presets are not changed
@@ -144,8 +228,10 @@ int main(int argc, char **argv)
     window.show();
     QCoreApplication::processEvents();
 
-    if (qstrcmp(argv[1], "table") == 0)
+    if (what == "table")
         benchTable(window, controller.imageSet(), std::atoi(argv[2]));
+    else if (what == "preview")
+        benchPreview(window, controller, QString::fromLocal8Bit(argv[2]));
     else
         benchImport(controller.gathering(), QString::fromLocal8Bit(argv[2]));
     return 0;

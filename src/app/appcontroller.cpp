@@ -12,7 +12,7 @@ namespace plexa
 AppController::AppController(const Services &services)
     : m_services(services)
     , m_appliedPresets(services.defaults)
-    , m_presetCommands(services.store, services.alerts)
+    , m_presetCommands({services.store, services.alerts, m_status})
     , m_imageSet({services.photos, services.defaults, services.alerts, m_status, services.threads})
     , m_gathering(m_imageSet,
                   {services.photos, services.defaults, services.alerts, m_status, services.threads})
@@ -64,6 +64,11 @@ void AppController::connectChanges()
 void AppController::useQuickPreset()
 {
     m_appliedPresets.setQuickWPreset(m_services.store.quickWPreset());
+}
+
+void AppController::addFiles(const QStringList &paths)
+{
+    m_gathering.scanImagesAtPaths(m_presetCommands.importPresetsFiles(paths));
 }
 
 void AppController::readPresets()
@@ -132,6 +137,16 @@ void AppController::pasteManualPositioning()
     m_positions.pasteManualPositioning(m_imageSet.selectedImages(), m_appliedPresets.currentWPreset());
 }
 
+void AppController::placeWatermark(ImageObject &image, QPointF origin)
+{
+    const std::shared_ptr<WPreset> current = m_appliedPresets.currentWPreset();
+    if (!current)
+        return;
+    image.setCustomWatermarkRectOrigin(origin, current);
+    Q_EMIT previewOutdated();
+    Q_EMIT commandStateChanged();
+}
+
 void AppController::resetManualPositioning(Presets presets)
 {
     const std::shared_ptr<WPreset> current = m_appliedPresets.currentWPreset();
@@ -148,6 +163,7 @@ void AppController::resetManualPositioning(Presets presets)
 void AppController::stopAllOperations()
 {
     m_gathering.stopImportingImages();
+    m_presetCommands.stopImporting();
     m_positions.stopPastingSettings();
     m_batchOperation.abortOperation();
     m_save.terminateOperation();

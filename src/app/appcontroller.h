@@ -43,6 +43,11 @@ public:
     BatchSave &batchSave() { return m_save; }
     PresetsStore &presetsStore() { return m_services.store; }
     PresetCommands &presetCommands() { return m_presetCommands; }
+    const PhotoServices &photoServices() const { return m_services.photos; }
+
+    /// Adds photos and folders to the working set, and the presets of preset files to the user's. Both happen
+    /// in the background.
+    void addFiles(const QStringList &paths);
 
     /// Reads the presets and applies those of the last time, if the settings ask for it.
     void readPresets();
@@ -65,6 +70,9 @@ public:
     void copyManualPositioning(Presets presets);
     /// Sets the copied positions on the selected photos.
     void pasteManualPositioning();
+    /// Sets the position of the current preset on one photo.
+    /// @param origin  of the watermark's rectangle: photo pixels, origin at the bottom left
+    void placeWatermark(ImageObject &image, QPointF origin);
     /// Removes the positions chosen by hand from the selected photos.
     void resetManualPositioning(Presets presets);
 

@@ -46,11 +46,7 @@ void AppDelegate::openFiles(const QStringList &paths)
         qCritical("ERROR: photos from companion applications cannot be opened by this version");
         return;
     }
-    AppController &controller = m_services.controller;
-    QStringList photos = paths;
-    photos.removeIf(
-        [&controller](const QString &path) { return controller.presetCommands().importPresetsFile(path); });
-    controller.gathering().scanImagesAtPaths(photos);
+    m_services.controller.addFiles(paths);
 }
 
 void AppDelegate::windowWillClose()

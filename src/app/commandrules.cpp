@@ -56,6 +56,10 @@ constexpr Rule kRules[] = {
      TEXT("The thumbnails have their largest size.")},
     {Need::RoomToZoomOut, [](const State &state) { return state.browserZoomFactor > 0; },
      TEXT("The thumbnails have their smallest size.")},
+    {Need::RoomToZoomInPreview, [](const State &state) { return state.canZoomInPreview; },
+     TEXT("There is no photo, or it is shown at its full size.")},
+    {Need::RoomToZoomOutPreview, [](const State &state) { return state.canZoomOutPreview; },
+     TEXT("The whole photo is shown.")},
 };
 
 #undef TEXT

@@ -27,8 +27,10 @@ enum class Need {
     AppliedSelection, ///< applied presets are selected
     PresetSelection,  ///< presets are selected in the list of all presets
     OneSelectedPreset,
-    RoomToZoomIn,  ///< the zoom can be increased
-    RoomToZoomOut, ///< the zoom can be decreased
+    RoomToZoomIn,  ///< the thumbnails can be larger
+    RoomToZoomOut, ///< the thumbnails can be smaller
+    RoomToZoomInPreview,
+    RoomToZoomOutPreview,
 };
 
 /// The state that the needs are checked against.
@@ -47,6 +49,8 @@ struct CommandState {
     qsizetype nSelectedApplied = 0;  ///< applied presets
     qsizetype nSelectedWPresets = 0; ///< in the list of all presets; known to the window alone
     float browserZoomFactor = 0;     ///< 0..1
+    bool canZoomInPreview = false;   ///< known to the window alone
+    bool canZoomOutPreview = false;  ///< known to the window alone
 };
 
 /// The first need that is not met; nullopt: the command is possible.

@@ -342,6 +342,8 @@ void ImageSet::focusImageDidChangeTo(int index)
         show(image);
     } else {
         m_wanted = image;
+        show(nullptr);
+        Q_EMIT shownImageAboutToLoad(image);
         loadWanted();
     }
 }

@@ -106,6 +106,9 @@ Q_SIGNALS:
     void filterTextChanged();
     /// The photo to preview, loaded; or null.
     void shownImageChanged(const std::shared_ptr<plexa::ImageObject> &image);
+    /// The photo that has the focus has to be loaded before it is shown; until then none is.
+    /// shownImageChanged() follows, unless the focus goes elsewhere meanwhile or the photo cannot be read.
+    void shownImageAboutToLoad(const std::shared_ptr<plexa::ImageObject> &image);
     /// The photo that has the focus, which may still be loading, is to be fitted into the preview.
     void fitToWindowRequested();
 

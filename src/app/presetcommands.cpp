@@ -2,17 +2,33 @@
 
 #include "app/presetcommands.h"
 
+#include "app/statusmanager.h"
 #include "platform/alerts.h"
 #include "platform/filenames.h"
+#include "presets/presetsfilereading.h"
 #include "presets/presetsstore.h"
 
 #include <QFileInfo>
+
+#include <optional>
+#include <utility>
 
 namespace plexa
 {
 
 namespace
 {
+
+using Kind = PresetsStore::Kind;
+
+/// By the file's suffix; none if it is not a preset file.
+std::optional<Kind> kindOf(const QString &path)
+{
+    const QString suffix = fileExtensionOf(path).toLower();
+    if (suffix == QLatin1String("pxwpr"))
+        return Kind::Watermark;
+    return suffix == QLatin1String("pxspr") ? std::optional(Kind::Saving) : std::nullopt;
+}
 
 void report(Alerts &alerts, Alert::Style style, const QString &title, const QStringList &sentences)
 {
@@ -21,46 +37,93 @@ void report(Alerts &alerts, Alert::Style style, const QString &title, const QStr
 
 } // namespace
 
-PresetCommands::PresetCommands(PresetsStore &store, Alerts &alerts)
-    : m_store(store)
-    , m_alerts(alerts)
+PresetCommands::PresetCommands(const Services &services)
+    : m_services(services)
 {
+    connect(&m_job, &BackgroundJob::ended, this, &PresetCommands::readingEnded);
 }
 
-bool PresetCommands::importPresetsFile(const QString &path)
+QStringList PresetCommands::importPresetsFiles(const QStringList &paths)
 {
-    using Kind = PresetsStore::Kind;
-    const QString suffix = fileExtensionOf(path).toLower();
-    if (suffix != QLatin1String("pxwpr") && suffix != QLatin1String("pxspr"))
-        return false;
-    const Kind kind = suffix == QLatin1String("pxwpr") ? Kind::Watermark : Kind::Saving;
-    const auto imported = m_store.importPresetsFromFile(path, kind);
-    if (!imported) // the store has reported it
+    QStringList others;
+    for (const QString &path : paths)
+        (kindOf(path) ? m_waiting : others).append(path);
+    if (!m_waiting.isEmpty() && !std::exchange(m_isImporting, true)) {
+        m_nRead = 0;
+        m_services.status.startOperation(StatusOperation::ImportingPresets);
+        readNext();
+    }
+    return others;
+}
+
+void PresetCommands::stopImporting()
+{
+    m_waiting.clear();
+    m_job.cancel();
+}
+
+void PresetCommands::readNext()
+{
+    if (m_waiting.isEmpty()) {
+        m_isImporting = false;
+        m_services.status.endOperation(StatusOperation::ImportingPresets);
+        Q_EMIT importFinished();
+        return;
+    }
+    m_path = m_waiting.takeFirst();
+    const float files = m_nRead + 1 + static_cast<float>(m_waiting.size());
+    m_job.start([this, path = m_path, before = m_nRead, files, owner = thread()] {
+        const auto progress = [&](float share) {
+            m_services.status.setProgress((before + share) / files, StatusOperation::ImportingPresets);
+            return !m_job.isCanceled();
+        };
+        const auto reading = std::make_shared<PresetsFileReading>(
+            readForeignPresetsFile(path, kindOf(path) == Kind::Watermark, progress));
+        reading->moveToThread(owner);
+        m_job.post([this, reading] { m_reading = reading; });
         return true;
-    const Result<void> saved = kind == Kind::Watermark ? m_store.saveWPresets(PresetsStore::Slot::List)
-                                                       : m_store.saveSavingPresets(PresetsStore::Slot::List);
+    });
+}
+
+void PresetCommands::readingEnded(BackgroundJob::End end)
+{
+    const std::shared_ptr<PresetsFileReading> reading = std::move(m_reading);
+    ++m_nRead;
+    if (end == BackgroundJob::End::Done)
+        add(m_path, *reading);
+    readNext();
+}
+
+void PresetCommands::add(const QString &path, const PresetsFileReading &reading)
+{
+    PresetsStore &store = m_services.store;
+    const Kind kind = *kindOf(path);
+    const auto imported = store.importPresets(reading, kind);
+    if (!imported) // the store has reported it
+        return;
+    const Result<void> saved = kind == Kind::Watermark ? store.saveWPresets(PresetsStore::Slot::List)
+                                                       : store.saveSavingPresets(PresetsStore::Slot::List);
     if (!saved) {
         reportUnsaved(saved.error(), imported->notes);
-        return true;
+        return;
     }
     const QString added = imported->count == 1
                               ? tr("One preset of \"%1\" was added to yours.")
                               : tr("%n presets of \"%1\" were added to yours.", nullptr, imported->count);
-    report(m_alerts, imported->notes.isEmpty() ? Alert::Style::Informational : Alert::Style::Warning,
+    report(m_services.alerts, imported->notes.isEmpty() ? Alert::Style::Informational : Alert::Style::Warning,
            tr("Presets imported"), QStringList(added.arg(QFileInfo(path).fileName())) + imported->notes);
-    return true;
 }
 
 void PresetCommands::saveQuickAsWPreset()
 {
-    m_store.saveQuickAsWPreset();
-    if (const Result<void> saved = m_store.saveWPresets(PresetsStore::Slot::List); !saved)
+    m_services.store.saveQuickAsWPreset();
+    if (const Result<void> saved = m_services.store.saveWPresets(PresetsStore::Slot::List); !saved)
         reportUnsaved(saved.error());
 }
 
 void PresetCommands::reportUnsaved(const Error &error, const QStringList &more)
 {
-    report(m_alerts, Alert::Style::Warning, tr("Cannot save the presets"),
+    report(m_services.alerts, Alert::Style::Warning, tr("Cannot save the presets"),
            QStringList(PresetsStore::unsavedText(error)) + more);
 }
 

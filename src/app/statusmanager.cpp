@@ -18,6 +18,7 @@ constexpr std::array kTexts = {
     QT_TRANSLATE_NOOP("plexa::StatusManager", "Processing images"),
     QT_TRANSLATE_NOOP("plexa::StatusManager", "Rotating images"),
     QT_TRANSLATE_NOOP("plexa::StatusManager", "Pasting configuration"),
+    QT_TRANSLATE_NOOP("plexa::StatusManager", "Importing presets"),
 };
 
 } // namespace

@@ -20,6 +20,7 @@ enum class StatusOperation : quint32 {
     Processing = 3, ///< saving
     Rotating = 4,   ///< and mirroring
     Pasting = 5,
+    ImportingPresets = 6,
 };
 
 /// The contents of the status line.

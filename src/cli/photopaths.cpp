@@ -84,7 +84,6 @@ PhotoSearch photosAt(const std::vector<std::string> &paths, const std::string &l
     };
     visitor.isStopped = [] { return false; };
     FolderWalk::Rules rules;
-    rules.isSorted = true;
     rules.entersFolders = recurses;
     rules.entersHiddenFolders = false;
     rules.leftOut = decodedPath(leftOut).path;

@@ -201,11 +201,15 @@ void SaveReport::count(const SavingOutput &output)
     m_counts.unmarked += isWithoutWatermark(output) ? 1 : 0;
 }
 
-void SaveReport::printMessages(const SavingOutput &output) const
+void SaveReport::printMessages(const SavingOutput &output)
 {
-    if (output.status == Status::Failed)
-        printAbout(output.sourcePath, output.error);
-    else if (isWithoutWatermark(output))
+    // A photo that cannot be read fails once for each preset.
+    if (output.status == Status::Failed) {
+        const std::pair failure(output.sourcePath, output.error);
+        if (std::exchange(m_lastFailure, failure) != failure)
+            printAbout(output.sourcePath, output.error);
+    }
+    if (isWithoutWatermark(output))
         printAbout(output.sourcePath, withoutWatermark(output, m_form.hasSeveralWatermarks));
     if (m_form.quiet || m_form.json) // the JSON line contains the rest
         return;

@@ -5,6 +5,10 @@
 #include "cli/progressline.h"
 #include "saving/savingrun.h"
 
+#include <QString>
+
+#include <utility>
+
 namespace plexa
 {
 
@@ -46,7 +50,7 @@ private:
     };
 
     void count(const SavingOutput &output);
-    void printMessages(const SavingOutput &output) const;
+    void printMessages(const SavingOutput &output);
     void printJsonSummary() const;
     QString summary() const;
 
@@ -54,6 +58,7 @@ private:
     const Search m_search;
     ProgressLine m_progress;
     Counts m_counts;
+    std::pair<QString, QString> m_lastFailure; ///< the path and the reason
 };
 
 } // namespace plexa

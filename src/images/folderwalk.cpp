@@ -124,9 +124,7 @@ void FolderWalk::list(const QString &path)
         const QString why = QString::fromStdString(error.message());
         m_visitor.unreadable({path, Texts::tr("the folder cannot be read: %1").arg(why)});
     }
-    if (m_rules.isSorted) {
-        sortNaturally(entries);
-    }
+    sortNaturally(entries);
     for (const Entry &entry : entries) {
         if (m_visitor.isStopped())
             return;

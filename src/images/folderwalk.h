@@ -14,8 +14,9 @@
 namespace plexa
 {
 
-/// Walks folders and reports the picture files in them. Each folder is entered once in a walk, so loops of
-/// symbolic links end; package folders are not entered. One thread at a time.
+/// Walks folders and reports the picture files in them, sorted by name within a folder, "9" before "10". Each
+/// folder is entered once in a walk, so loops of symbolic links end; package folders are not entered. One
+/// thread at a time.
 class FolderWalk final
 {
 public:
@@ -34,8 +35,6 @@ public:
     };
 
     struct Rules {
-        bool isSorted =
-            false; ///< by name within a folder, "9" before "10"; else as the file system lists them
         bool entersFolders = true;       ///< in folders
         bool entersHiddenFolders = true; ///< that were not given themselves
         QString leftOut;                 ///< a folder that is not entered unless given; may be empty

@@ -4,6 +4,8 @@
 
 #include "platform/applicationname.h"
 
+#include <QDebug>
+
 namespace plexa
 {
 namespace
@@ -19,7 +21,31 @@ QString reasonIn(QByteArrayView line, const QByteArray &path)
     return QString::fromUtf8(line).simplified();
 }
 
+/// @param read  SavingPreset::readObjectsFromFile() or its like
+template<typename Read>
+PresetsFileReading savingPresetsReading(const QString &path, const XMLParser::ErrorSink &log,
+                                        const Read &read)
+{
+    PresetsFileReading reading;
+    const auto note = [&](const QByteArray &line) {
+        log(line);
+        reading.faults.append(reasonIn(line, path.toUtf8()));
+    };
+    auto list = read(path, presetsApplicationID(), reading.code, note, &reading.isLater);
+    reading.hasList = list.has_value();
+    reading.savingPresets = std::move(list).value_or(SavingPresetList());
+    return reading;
+}
+
 } // namespace
+
+void PresetsFileReading::moveToThread(QThread *thread)
+{
+    for (const auto &preset : wPresets)
+        preset->moveToThread(thread);
+    for (const auto &preset : savingPresets)
+        preset->moveToThread(thread);
+}
 
 QString presetsApplicationID()
 {
@@ -28,22 +54,14 @@ QString presetsApplicationID()
 
 PresetsFileReading readSavingPresetsFile(const QString &path, const XMLParser::ErrorSink &log)
 {
-    PresetsFileReading reading;
-    const auto note = [&](const QByteArray &line) {
-        log(line);
-        reading.faults.append(reasonIn(line, path.toUtf8()));
-    };
-    auto list =
-        SavingPreset::readObjectsFromFile(path, presetsApplicationID(), reading.code, note, &reading.isLater);
-    reading.hasList = list.has_value();
-    reading.savingPresets = std::move(list).value_or(SavingPresetList());
-    return reading;
+    return savingPresetsReading(path, log, SavingPreset::readObjectsFromFile);
 }
 
-PresetsFileReading readWPresetsFile(const QString &path, const SavingPresetLookup &savingPresetWithID)
+PresetsFileReading readWPresetsFile(const QString &path, const SavingPresetLookup &savingPresetWithID,
+                                    const ReadProgress &progress)
 {
     PresetsFileReading reading;
-    auto list = readWPresetsFromFile(path, &reading.isLater, savingPresetWithID, &reading.faults);
+    auto list = readWPresetsFromFile(path, &reading.isLater, savingPresetWithID, &reading.faults, progress);
     if (!list)
         reading.faults = {list.error().text};
     reading.hasList = list.has_value();
@@ -53,6 +71,23 @@ PresetsFileReading readWPresetsFile(const QString &path, const SavingPresetLooku
         reading.code = ReadCode::Success;
     reading.wPresets = std::move(list).value_or(WPresetList());
     return reading;
+}
+
+PresetsFileReading readForeignPresetsFile(const QString &path, bool areWatermarks,
+                                          const ReadProgress &progress)
+{
+    if (!areWatermarks)
+        return savingPresetsReading(path, XMLParser::writeErrorLine,
+                                    SavingPreset::readForeignObjectsFromFile);
+    const PresetsFileReading reading = readWPresetsFile(path, {}, progress);
+    logFaults(path, reading);
+    return reading;
+}
+
+void logFaults(const QString &path, const PresetsFileReading &reading)
+{
+    for (const QString &fault : reading.faults)
+        qCritical().noquote() << QStringLiteral("ERROR: \"%1\": %2").arg(path, fault);
 }
 
 } // namespace plexa

@@ -165,8 +165,7 @@ PresetsFileReading PresetsStore::readFile(const QString &path, Kind kind) const
         return readSavingPresetsFile(path);
     const PresetsFileReading reading =
         readWPresetsFile(path, [this](qint64 presetID) { return savingPresetWithID(presetID); });
-    for (const QString &fault : reading.faults)
-        qCritical().noquote() << QStringLiteral("ERROR: \"%1\": %2").arg(path, fault);
+    logFaults(path, reading);
     return reading;
 }
 
@@ -368,10 +367,12 @@ QString PresetsStore::unsavedText(const Error &error)
 
 std::optional<PresetsStore::Imported> PresetsStore::importPresetsFromFile(const QString &path, Kind kind)
 {
-    const qint64 lastUsedPresetID = SavingPreset::lastUsedPresetID();
-    const PresetsFileReading reading = readFile(path, kind);
-    // The IDs in the file belong to another list.
-    SavingPreset::setLastUsedPresetID(lastUsedPresetID);
+    return importPresets(readForeignPresetsFile(path, kind == Kind::Watermark), kind);
+}
+
+std::optional<PresetsStore::Imported> PresetsStore::importPresets(const PresetsFileReading &reading,
+                                                                  Kind kind)
+{
     if (!reading.hasList || reading.code != ReadCode::Success) {
         warn(tr("Presets import failed"),
              reading.code == ReadCode::LaterVersion
@@ -387,8 +388,6 @@ std::optional<PresetsStore::Imported> PresetsStore::importPresetsFromFile(const 
             m_toldUnwritable.insert(preset->presetID());
         }
     }
-    for (const auto &preset : reading.wPresets)
-        preset->setAssignedSavingPreset({});
     adopt(reading, kind, Slot::List);
     Imported imported{static_cast<int>(reading.wPresets.size() + reading.savingPresets.size()), {}};
     if (reading.isLater)

@@ -81,9 +81,10 @@ public:
         QStringList notes; ///< sentences on what the file contains that was not added or cannot be saved
     };
 
-    /// Appends the presets of a file to the list, saving presets with new IDs, watermark presets without
-    /// assigned saving presets.
+    /// Appends the presets of a file of another list, saving presets with new IDs.
+    /// @param reading  of readForeignPresetsFile(); its presets belong to this thread
     /// @return none for a file that cannot be read, which is reported
+    std::optional<Imported> importPresets(const PresetsFileReading &reading, Kind kind);
     std::optional<Imported> importPresetsFromFile(const QString &path, Kind kind);
     bool importExamplePresets(Kind kind);
 

@@ -311,7 +311,6 @@ std::shared_ptr<SavingPreset> SavingPreset::initWithXMLData(const XMLParser::Ele
     if (!id)
         return nullptr;
     preset->m_presetID = std::strtoll(id->text().constData(), nullptr, 10);
-    raiseTo(s_lastUsedPresetID, preset->m_presetID);
     const auto fields = savingPresetFields();
     const bool isRead = std::all_of(fields.begin(), fields.end(), [&](const SavingPresetField &field) {
         return readField(field, element, fileVersion, preset->m_values);
@@ -322,6 +321,18 @@ std::shared_ptr<SavingPreset> SavingPreset::initWithXMLData(const XMLParser::Ele
 std::optional<std::vector<std::shared_ptr<SavingPreset>>>
 SavingPreset::readObjectsFromFile(const QString &path, const QString &appID, ReadCode &returnCode,
                                   const XMLParser::ErrorSink &errors, bool *isLater)
+{
+    auto presets = readForeignObjectsFromFile(path, appID, returnCode, errors, isLater);
+    if (presets) {
+        for (const auto &preset : *presets)
+            raiseTo(s_lastUsedPresetID, preset->m_presetID);
+    }
+    return presets;
+}
+
+std::optional<std::vector<std::shared_ptr<SavingPreset>>>
+SavingPreset::readForeignObjectsFromFile(const QString &path, const QString &appID, ReadCode &returnCode,
+                                         const XMLParser::ErrorSink &errors, bool *isLater)
 {
     return XMLFile::readObjectsFromFile<SavingPreset>(path, appID, kRootElement, kSupportedVersion,
                                                       returnCode, errors, isLater);

@@ -108,11 +108,17 @@ public:
     static std::shared_ptr<SavingPreset> initWithXMLData(const XMLParser::Element &element,
                                                          double fileVersion);
 
-    /// As in XMLFile. Presets that could not be read back unchanged are not written.
+    /// As in XMLFile. Presets that could not be read back unchanged are not written. The last used ID is at
+    /// least that of every preset that was read.
     static std::optional<std::vector<std::shared_ptr<SavingPreset>>>
     readObjectsFromFile(const QString &path, const QString &appID, ReadCode &returnCode,
                         const XMLParser::ErrorSink &errors = XMLParser::writeErrorLine,
                         bool *isLater = nullptr);
+    /// The same for presets of another list, whose IDs mean nothing here. Any thread.
+    static std::optional<std::vector<std::shared_ptr<SavingPreset>>>
+    readForeignObjectsFromFile(const QString &path, const QString &appID, ReadCode &returnCode,
+                               const XMLParser::ErrorSink &errors = XMLParser::writeErrorLine,
+                               bool *isLater = nullptr);
     [[nodiscard]] static Result<void> writeObjects(const std::vector<std::shared_ptr<SavingPreset>> &presets,
                                                    const QString &path, const QString &appID);
 

@@ -226,14 +226,19 @@ enum class Pictures {
     Counted, ///< within the bounds of reading, but not created
 };
 
+struct DecodingOptions {
+    SavingPresetLookup savingPresetWithID = {};
+    ReadProgress progress = {};
+    Pictures pictures = Pictures::Created;
+};
+
 /// Reads the presets of one archive.
 class Decoder
 {
 public:
-    Decoder(float version, const SavingPresetLookup &savingPresetWithID, Pictures pictures)
+    Decoder(float version, const DecodingOptions &options)
         : m_version(version)
-        , m_savingPresetWithID(savingPresetWithID)
-        , m_pictureTreatment(pictures)
+        , m_options(options)
     {
     }
 
@@ -256,8 +261,7 @@ private:
     void noteUnknownKeys(const ArchivedValue &preset, std::size_t number);
 
     float m_version;
-    const SavingPresetLookup &m_savingPresetWithID;
-    Pictures m_pictureTreatment;
+    const DecodingOptions &m_options;
     // By identity: many presets may refer to one object.
     QHash<const void *, WatermarkPicture> m_pictures;
     QHash<const void *, Pieces> m_pieces;
@@ -273,7 +277,7 @@ const Pieces &Decoder::pieces(const ArchivedValue &value)
 
 WatermarkPicture Decoder::picture(const ArchivedValue &value) const
 {
-    if (m_pictureTreatment == Pictures::Created)
+    if (m_options.pictures == Pictures::Created)
         return WatermarkPicture::fromArchive(value);
     value.imageRepresentations();
     return {};
@@ -301,8 +305,9 @@ Decoder::Read Decoder::read(const WPresetField &field, const ArchivedValue &valu
         return {m_pictures.value(value.identity()), true};
     case FieldKind::SavingPreset: {
         const std::optional<qint64> presetID = value.integer();
-        const bool isFindable = presetID && m_savingPresetWithID;
-        return {isFindable ? m_savingPresetWithID(*presetID) : SavingPresetPtr(), presetID.has_value()};
+        const bool isFindable = presetID && m_options.savingPresetWithID;
+        return {isFindable ? m_options.savingPresetWithID(*presetID) : SavingPresetPtr(),
+                presetID.has_value()};
     }
     }
     Q_UNREACHABLE();
@@ -385,6 +390,9 @@ Result<WPresetList> Decoder::presets(const ArchivedValue &list, QStringList &lef
     // An object that occurs twice in the list becomes two presets with the same values.
     QHash<const void *, WPresetValues> known;
     for (std::size_t i = 0; i < objects->size(); ++i) {
+        if (m_options.progress &&
+            !m_options.progress(static_cast<float>(i) / static_cast<float>(objects->size())))
+            return fail(Texts::tr("the reading was stopped"));
         const ArchivedValue &object = (*objects)[i];
         if (!object.isOfClass(kPresetClass)) {
             note(Texts::tr("number %1 in its list is not a watermark preset").arg(i + 1));
@@ -420,9 +428,8 @@ Result<QByteArray> contentsOf(const QString &path)
 }
 
 /// @param leftOut  as readWPresetsFromFile() sets it
-Result<WPresetList> decoded(const QByteArray &bytes, bool &isLater,
-                            const SavingPresetLookup &savingPresetWithID, QStringList &leftOut,
-                            Pictures pictures)
+Result<WPresetList> decoded(const QByteArray &bytes, bool &isLater, QStringList &leftOut,
+                            const DecodingOptions &options)
 {
     isLater = false;
     leftOut.clear();
@@ -436,7 +443,7 @@ Result<WPresetList> decoded(const QByteArray &bytes, bool &isLater,
                                         *application == firstVersionApplicationName());
     if (!isOurs || !(version > 0))
         return fail(Texts::tr("it is not a file of watermark presets"));
-    return Decoder(version, savingPresetWithID, pictures).presets(top->value(kWPresets), leftOut);
+    return Decoder(version, options).presets(top->value(kWPresets), leftOut);
 }
 
 Result<QByteArray> encoded(const WPresetList &presets)
@@ -467,7 +474,7 @@ Result<QByteArray> archivedWPresets(const WPresetList &presets)
         // An unreadable file must not replace a readable one.
         bool isLater = false;
         QStringList leftOut;
-        const auto read = decoded(bytes, isLater, {}, leftOut, Pictures::Counted);
+        const auto read = decoded(bytes, isLater, leftOut, {.pictures = Pictures::Counted});
         if (!read)
             return fail(Texts::tr("it could not be read back: %1").arg(read.error().text));
         return bytes;
@@ -487,23 +494,25 @@ Result<void> writeWPresets(const WPresetList &presets, const QString &toFile)
 }
 
 Result<WPresetList> wPresetsFromArchive(const QByteArray &bytes, bool *futureVersion,
-                                        const SavingPresetLookup &savingPresetWithID, QStringList *leftOut)
+                                        const SavingPresetLookup &savingPresetWithID, QStringList *leftOut,
+                                        const ReadProgress &progress)
 {
     bool isLater = false;
     QStringList notes;
-    return decoded(bytes, futureVersion ? *futureVersion : isLater, savingPresetWithID,
-                   leftOut ? *leftOut : notes, Pictures::Created);
+    return decoded(bytes, futureVersion ? *futureVersion : isLater, leftOut ? *leftOut : notes,
+                   {savingPresetWithID, progress});
 }
 
 Result<WPresetList> readWPresetsFromFile(const QString &path, bool *futureVersion,
-                                         const SavingPresetLookup &savingPresetWithID, QStringList *leftOut)
+                                         const SavingPresetLookup &savingPresetWithID, QStringList *leftOut,
+                                         const ReadProgress &progress)
 {
     if (futureVersion)
         *futureVersion = false;
     if (leftOut)
         leftOut->clear();
     return contentsOf(path).and_then([&](const QByteArray &bytes) {
-        return wPresetsFromArchive(bytes, futureVersion, savingPresetWithID, leftOut);
+        return wPresetsFromArchive(bytes, futureVersion, savingPresetWithID, leftOut, progress);
     });
 }
 

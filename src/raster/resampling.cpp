@@ -194,11 +194,48 @@ QImage filtered(const QImage &image, QSize size, const Weights &across, const We
     return result;
 }
 
+/// The weights of `count` target pixels from `begin` on, for the source pixels from `offset` on that they
+/// need.
+struct PartOfWeights {
+    Weights weights;
+    int offset = 0;
+    int length = 0;
+};
+
+PartOfWeights partOf(const Weights &whole, int begin, int count)
+{
+    const auto from = whole.first.begin() + begin;
+    const auto [least, most] = std::minmax_element(from, from + count);
+    PartOfWeights part{{std::vector<int>(from, from + count),
+                        std::vector<float>(whole.of(begin), whole.of(begin) + qsizetype(count) * whole.taps),
+                        whole.taps},
+                       *least,
+                       *most - *least + whole.taps};
+    for (int &first : part.weights.first)
+        first -= part.offset;
+    return part;
+}
+
 /// The side of the blocks that are averaged first. The filter then still shrinks at least 6 times, which
 /// hides the blocks.
 int blockFactor(int source, int target)
 {
     return std::clamp(int(source / (6.0 * target)), 1, 256);
+}
+
+/// An image that is averaged in blocks before it is filtered; its extents in blocks may be fractions.
+struct Shrunk {
+    QImage image;
+    double extentX = 0;
+    double extentY = 0;
+};
+
+Shrunk shrunkFor(const QImage &image, QSize size, const CancelCheck &isCanceled)
+{
+    const int factorX = blockFactor(image.width(), size.width());
+    const int factorY = blockFactor(image.height(), size.height());
+    return {factorX > 1 || factorY > 1 ? shrunkByWholeFactors(image, factorX, factorY, isCanceled) : image,
+            double(image.width()) / factorX, double(image.height()) / factorY};
 }
 
 /// Places in an image are fixed-point numbers with 32 fractional bits: over any row that fits into
@@ -318,19 +355,33 @@ QImage resampled(const QImage &image, QSize size, Quality quality, const CancelC
         return {};
     if (image.size() == size)
         return image;
-    const int factorX = blockFactor(image.width(), size.width());
-    const int factorY = blockFactor(image.height(), size.height());
-    const QImage source =
-        factorX > 1 || factorY > 1 ? shrunkByWholeFactors(image, factorX, factorY, isCanceled) : image;
-    if (source.isNull())
+    const Shrunk source = shrunkFor(image, size, isCanceled);
+    if (source.image.isNull())
         return {};
-    const double extentX = double(image.width()) / factorX;
-    const double extentY = double(image.height()) / factorY;
     if (quality == Quality::Low)
-        return filtered(source, size, weightsFor<Linear>(extentX, size.width()),
-                        weightsFor<Linear>(extentY, size.height()), isCanceled);
-    return filtered(source, size, weightsFor<Cubic>(extentX, size.width()),
-                    weightsFor<Cubic>(extentY, size.height()), isCanceled);
+        return filtered(source.image, size, weightsFor<Linear>(source.extentX, size.width()),
+                        weightsFor<Linear>(source.extentY, size.height()), isCanceled);
+    return filtered(source.image, size, weightsFor<Cubic>(source.extentX, size.width()),
+                    weightsFor<Cubic>(source.extentY, size.height()), isCanceled);
+}
+
+QImage resampledPart(const QImage &image, QSize size, const QRect &part, const CancelCheck &isCanceled)
+{
+    if (image.isNull() || part.isEmpty() || !QRect(QPoint(0, 0), size).contains(part))
+        return {};
+    if (image.size() == size)
+        return image.copy(part);
+    const Shrunk source = shrunkFor(image, size, isCanceled);
+    if (source.image.isNull())
+        return {};
+    const PartOfWeights across =
+        partOf(weightsFor<Cubic>(source.extentX, size.width()), part.left(), part.width());
+    const PartOfWeights down =
+        partOf(weightsFor<Cubic>(source.extentY, size.height()), part.top(), part.height());
+    const QImage &all = source.image;
+    const QImage needed(all.constScanLine(down.offset) + qsizetype(across.offset) * 4, across.length,
+                        down.length, all.bytesPerLine(), all.format());
+    return filtered(needed, part.size(), across.weights, down.weights, isCanceled);
 }
 
 void drawTransformed(QImage &target, const QImage &image, const QTransform &toSource)

@@ -5,6 +5,7 @@
 #include "platform/cancelcheck.h"
 
 #include <QImage>
+#include <QRect>
 #include <QSize>
 #include <QTransform>
 
@@ -21,6 +22,10 @@ enum class Quality { Low, High };
 /// @param isCanceled  checked at each row
 /// @return of the image's format; null when there is no memory or the work is canceled
 QImage resampled(const QImage &image, QSize size, Quality quality, const CancelCheck &isCanceled = {});
+
+/// resampled(image, size, Quality::High).copy(part), without the work for the rest.
+/// @param part  inside of that size
+QImage resampledPart(const QImage &image, QSize size, const QRect &part, const CancelCheck &isCanceled = {});
 
 /// Draws the image through a transform onto a cleared target of the same format, interpolating between
 /// pixels (Catmull-Rom). Beyond its edges the image is transparent (black without alpha), which softens them.

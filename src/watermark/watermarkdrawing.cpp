@@ -245,13 +245,14 @@ QRect WatermarkDrawing::coveredRect() const
     return covered;
 }
 
-void WatermarkDrawing::drawRows(QImage &rows, int firstRow) const
+void WatermarkDrawing::drawRows(QImage &rows, int firstRow, int firstColumn) const
 {
     const int end = firstRow + rows.height();
     const auto touches = [&](int top, int height) { return top < end && top + height > firstRow; };
     if (m_box && m_box->rect.top() < end && m_box->rect.bottom() > firstRow)
-        fillRows(rows, firstRow, m_box->rect, m_box->color);
-    for (const QPoint &stamp : m_stamps) {
+        fillRows(rows, firstRow, m_box->rect.translated(-firstColumn, 0), m_box->color);
+    for (const QPoint &place : m_stamps) {
+        const QPoint stamp = place - QPoint(firstColumn, 0);
         const QPoint shadowAt = stamp + m_mark.shadowOffset;
         const QImage &shadow = m_mark.shadow.image;
         if (!shadow.isNull() && touches(shadowAt.y(), shadow.height()))

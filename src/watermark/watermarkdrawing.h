@@ -85,8 +85,9 @@ public:
 
     /// Draws onto the target's rows `firstRow <= y < firstRow + rows.height()` (y from the top), inside
     /// coveredRect(). Formats as in raster/compositing.h.
-    /// @param rows  of the photo, or of its picture reduced by the scale
-    void drawRows(QImage &rows, int firstRow) const;
+    /// @param rows         of the photo, or of its picture reduced by the scale
+    /// @param firstColumn  of the target that `rows` begins with; `rows` may end before the target does
+    void drawRows(QImage &rows, int firstRow, int firstColumn = 0) const;
 
 private:
     WatermarkDrawing() = default;

@@ -16,6 +16,13 @@ class PresetsAtStartTest : public QObject
 {
     Q_OBJECT
 
+private:
+    static void import(AppController &app, const QStringList &paths)
+    {
+        QCOMPARE(app.presetCommands().importPresetsFiles(paths), QStringList());
+        QTRY_VERIFY(!app.presetCommands().isImporting());
+    }
+
 private Q_SLOTS:
     void fromStartToStart()
     {
@@ -64,13 +71,33 @@ private Q_SLOTS:
         const std::size_t savings = store.savingPresets().size();
         const QString file = work.folder.path("Mine.PXWPR");
         QVERIFY(QFile::copy(u":/plexa/presets/example_wpresets.pxwpr"_qs, file));
-        work.alerts.expect(u"Presets imported"_qs);
-        QVERIFY(app.presetCommands().importPresetsFile(file));
-        work.alerts.expect(u"Presets imported"_qs);
-        QVERIFY(app.presetCommands().importPresetsFile(u":/plexa/presets/example_spresets.pxspr"_qs));
-        work.alerts.expect(u"Presets import failed"_qs);
-        QVERIFY(app.presetCommands().importPresetsFile(work.folder.path("missing.pxspr")));
-        QVERIFY(!app.presetCommands().importPresetsFile(work.folder.path("photo.jpg")));
+        const QString photo = work.folder.path("photo.jpg");
+        const QStringList files{file, photo, u":/plexa/presets/example_spresets.pxspr"_qs,
+                                work.folder.path("missing.pxspr")};
+        QList<int> inserted;
+        connect(&store.wPresetList(), &PresetListSignals::inserted, this, [&](int first, int last) {
+            inserted += {first, last};
+        });
+        for (const auto &title :
+             {u"Presets imported"_qs, u"Presets imported"_qs, u"Presets import failed"_qs})
+            work.alerts.expect(title);
+        QCOMPARE(app.presetCommands().importPresetsFiles(files), QStringList(photo));
+        // Nothing happens before this thread is free.
+        StatusManager &status = app.statusManager();
+        QVERIFY(status.setProgress(0, StatusOperation::ImportingPresets));
+        QCOMPARE(store.wPresets().size(), watermarks);
+        QTRY_VERIFY(!app.presetCommands().isImporting());
+        QVERIFY(!status.setProgress(0, StatusOperation::ImportingPresets));
+        // The presets of a file are added together, and belong to this thread.
+        const int count = static_cast<int>(watermarks);
+        QCOMPARE(inserted, QList<int>({count, 2 * count - 1}));
+        QCOMPARE(store.wPresets().back()->thread(), thread());
+
+        // A stopped import adds nothing, whatever has been read.
+        app.presetCommands().importPresetsFiles({file, file});
+        app.stopAllOperations();
+        QTRY_VERIFY(!app.presetCommands().isImporting());
+        QCOMPARE(store.wPresets().size(), 2 * watermarks);
 
         // They are saved at once, so that a killed program does not lose them.
         PresetsStore again(work.alerts, work.fonts);
@@ -94,7 +121,7 @@ private Q_SLOTS:
             if (!contents.isEmpty())
                 writeFile(path, contents);
             work.alerts.expect(title);
-            app.presetCommands().importPresetsFile(path);
+            import(app, {path});
             return work.alerts.shown().last().text;
         };
         const QString imported = u"Presets imported"_qs;

@@ -219,6 +219,12 @@ private Q_SLOTS:
         QVERIFY2(presets, presets ? "" : qPrintable(presets.error().text));
         QCOMPARE(presets->size(), std::size_t(4));
         QVERIFY(!isLater);
+        QList<float> shares;
+        QVERIFY(!readWPresetsFromFile(file("old.pxwpr"), nullptr, {}, nullptr, [&](float share) {
+            shares.append(share);
+            return shares.size() < 3;
+        }));
+        QCOMPARE(shares, QList<float>({0, 0.25F, 0.5F}));
         const WPreset &first = *presets->at(0);
         QCOMPARE(first.name(), u"Old"_s);
         QCOMPARE(first.textTokens(), QStringList({u"\u00a9 "_s, u"creator"_s}));

@@ -2,7 +2,7 @@
 
 #include "imageio/color/colorprofile.h"
 
-#include <lcms2.h>
+#include "imageio/color/lcmshandles.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,60 +18,6 @@ namespace plexa
 namespace
 {
 
-struct CloseContext {
-    void operator()(std::remove_pointer_t<cmsContext> *context) const { cmsDeleteContext(context); }
-};
-struct CloseProfile {
-    void operator()(void *profile) const { cmsCloseProfile(profile); }
-};
-struct CloseTransform {
-    void operator()(void *transform) const { cmsDeleteTransform(transform); }
-};
-struct CloseCurve {
-    void operator()(cmsToneCurve *curve) const { cmsFreeToneCurve(curve); }
-};
-
-// Separate contexts: objects are independent of other threads.
-using Context = std::unique_ptr<std::remove_pointer_t<cmsContext>, CloseContext>;
-using Profile = std::unique_ptr<void, CloseProfile>;
-using Transform = std::unique_ptr<void, CloseTransform>;
-using Curve = std::unique_ptr<cmsToneCurve, CloseCurve>;
-
-constexpr cmsUInt32Number kRgb32 = Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? TYPE_BGRA_8 : TYPE_ARGB_8;
-
-struct LayoutFacts {
-    cmsUInt32Number format;
-    cmsColorSpaceSignature space;
-};
-
-LayoutFacts factsOf(PixelLayout layout)
-{
-    switch (layout) {
-    case PixelLayout::Rgb32:
-        return {kRgb32, cmsSigRgbData}; // converted in place: keeps the fourth byte
-    case PixelLayout::Rgb48:
-        return {TYPE_RGB_16, cmsSigRgbData};
-    case PixelLayout::Gray8:
-        return {TYPE_GRAY_8, cmsSigGrayData};
-    case PixelLayout::Gray16:
-        return {TYPE_GRAY_16, cmsSigGrayData};
-    case PixelLayout::Cmyk8:
-        return {TYPE_CMYK_8, cmsSigCmykData};
-    case PixelLayout::Cmyk16:
-        return {TYPE_CMYK_16, cmsSigCmykData};
-    case PixelLayout::Lab16:
-        return {TYPE_Lab_16, cmsSigLabData};
-    }
-    Q_UNREACHABLE();
-}
-
-Profile openProfile(cmsContext context, const QByteArray &bytes)
-{
-    if (bytes.size() < 128)
-        return nullptr;
-    return Profile(cmsOpenProfileFromMemTHR(context, bytes.constData(), cmsUInt32Number(bytes.size())));
-}
-
 double srgbToLinear(double v)
 {
     return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
@@ -79,24 +25,17 @@ double srgbToLinear(double v)
 
 /// @param light  of a signal, both 0..1
 template<class Light>
-Curve tabulatedCurve(cmsContext context, size_t entries, Light light)
+LcmsCurve tabulatedCurve(cmsContext context, size_t entries, Light light)
 {
     std::vector<cmsUInt16Number> table(entries);
     for (size_t i = 0; i < entries; ++i)
         table[i] = cmsUInt16Number(
             std::lround(std::clamp(light(double(i) / double(entries - 1)), 0.0, 1.0) * 65535));
-    return Curve(cmsBuildTabulatedToneCurve16(context, cmsUInt32Number(entries), table.data()));
-}
-
-Profile rgbProfile(cmsContext context, const cmsCIExyY &white, const cmsCIExyYTRIPLE &primaries,
-                   const Curve &curve)
-{
-    cmsToneCurve *curves[3] = {curve.get(), curve.get(), curve.get()};
-    return Profile(cmsCreateRGBProfileTHR(context, &white, &primaries, curves));
+    return LcmsCurve(cmsBuildTabulatedToneCurve16(context, cmsUInt32Number(entries), table.data()));
 }
 
 /// The bytes of a profile; empty without memory.
-QByteArray savedProfile(const Profile &profile)
+QByteArray savedProfile(const LcmsProfile &profile)
 {
     cmsUInt32Number size = 0;
     if (!profile || !cmsSaveProfileToMem(profile.get(), nullptr, &size))
@@ -105,163 +44,12 @@ QByteArray savedProfile(const Profile &profile)
     return cmsSaveProfileToMem(profile.get(), bytes.data(), &size) ? bytes : QByteArray();
 }
 
-bool describesPictures(cmsHPROFILE profile)
-{
-    const cmsProfileClassSignature kind = cmsGetDeviceClass(profile);
-    return kind == cmsSigInputClass || kind == cmsSigDisplayClass || kind == cmsSigOutputClass ||
-           kind == cmsSigColorSpaceClass;
-}
-
-Transform makeTransform(cmsContext context, cmsHPROFILE from, cmsUInt32Number format)
-{
-    const Profile to(cmsCreate_sRGBProfileTHR(context));
-    if (!to)
-        return nullptr;
-    cmsUInt32Number flags = cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE;
-    // The optimized table is coarse in cells that cross the border of sRGB.
-    if (T_COLORSPACE(format) == PT_Lab)
-        flags |= cmsFLAGS_NOOPTIMIZE;
-    return Transform(
-        cmsCreateTransformTHR(context, from, format, to.get(), kRgb32, INTENT_RELATIVE_COLORIMETRIC, flags));
-}
-
-bool areNear(QRgb a, QRgb b)
-{
-    return std::abs(qRed(a) - qRed(b)) <= 1 && std::abs(qGreen(a) - qGreen(b)) <= 1 &&
-           std::abs(qBlue(a) - qBlue(b)) <= 1;
-}
-
-bool leavesColorsAlone(cmsHTRANSFORM transform)
-{
-    std::vector<QRgb> grid;
-    grid.reserve(17 * 17 * 17);
-    for (int red = 0; red <= 256; red += 16) {
-        for (int green = 0; green <= 256; green += 16) {
-            for (int blue = 0; blue <= 256; blue += 16)
-                grid.push_back(qRgb(qMin(red, 255), qMin(green, 255), qMin(blue, 255)));
-        }
-    }
-    std::vector<QRgb> converted = grid;
-    cmsDoTransform(transform, grid.data(), converted.data(), cmsUInt32Number(grid.size()));
-    return std::equal(grid.begin(), grid.end(), converted.begin(), areNear);
-}
-
-bool leavesGraysAlone(cmsHTRANSFORM transform)
-{
-    std::array<uchar, 256> grays;
-    std::array<QRgb, 256> converted = {};
-    for (size_t i = 0; i < grays.size(); ++i)
-        grays[i] = uchar(i);
-    cmsDoTransform(transform, grays.data(), converted.data(), cmsUInt32Number(grays.size()));
-    for (int i = 0; i < 256; ++i) {
-        if (!areNear(converted[size_t(i)], qRgb(i, i, i)))
-            return false;
-    }
-    return true;
-}
-
 } // namespace
-
-struct ColorTransform::Data {
-    Context context; // first: destroyed last
-    Transform transform;
-    PixelLayout layout;
-
-    static std::unique_ptr<ColorTransform> make(Context context, const Profile &from, PixelLayout layout);
-};
-
-ColorTransform::ColorTransform(std::unique_ptr<Data> data)
-    : m_data(std::move(data))
-{
-}
-
-ColorTransform::~ColorTransform() = default;
-
-std::unique_ptr<ColorTransform> ColorTransform::Data::make(Context context, const Profile &from,
-                                                           PixelLayout layout)
-{
-    const LayoutFacts facts = factsOf(layout);
-    if (!from || cmsGetColorSpace(from.get()) != facts.space)
-        return nullptr;
-    if (facts.space != cmsSigLabData && !describesPictures(from.get()))
-        return nullptr;
-    if (facts.space == cmsSigRgbData) {
-        const Transform test = makeTransform(context.get(), from.get(), kRgb32);
-        if (!test || leavesColorsAlone(test.get()))
-            return nullptr;
-    } else if (facts.space == cmsSigGrayData) {
-        const Transform test = makeTransform(context.get(), from.get(), TYPE_GRAY_8);
-        if (!test || leavesGraysAlone(test.get()))
-            return nullptr;
-    }
-    Transform transform = makeTransform(context.get(), from.get(), facts.format);
-    if (!transform)
-        return nullptr;
-    auto data = std::make_unique<Data>();
-    data->context = std::move(context);
-    data->transform = std::move(transform);
-    data->layout = layout;
-    return std::unique_ptr<ColorTransform>(new ColorTransform(std::move(data)));
-}
-
-std::unique_ptr<ColorTransform> ColorTransform::toSrgb(const QByteArray &iccProfile, PixelLayout layout)
-{
-    Context context(cmsCreateContext(nullptr, nullptr));
-    if (!context)
-        return nullptr;
-    const Profile from = openProfile(context.get(), iccProfile);
-    return Data::make(std::move(context), from, layout);
-}
-
-std::unique_ptr<ColorTransform> ColorTransform::toSrgb(const ColorCalibration &calibration,
-                                                       PixelLayout layout)
-{
-    // Exponents beyond these bounds are invalid.
-    if (!(calibration.gamma >= 0.05 && calibration.gamma <= 20))
-        return nullptr;
-    const auto &c = calibration.chromaticities;
-    for (size_t i = 0; i < c.size(); i += 2) {
-        if (!(c[i] >= 0 && c[i + 1] > 0 && c[i] + c[i + 1] <= 1.0001))
-            return nullptr;
-    }
-    Context context(cmsCreateContext(nullptr, nullptr));
-    if (!context)
-        return nullptr;
-    const cmsCIExyY white = {c[0], c[1], 1};
-    const cmsCIExyYTRIPLE primaries = {{c[2], c[3], 1}, {c[4], c[5], 1}, {c[6], c[7], 1}};
-    const Curve curve(cmsBuildGamma(context.get(), 1 / calibration.gamma));
-    if (!curve)
-        return nullptr;
-    const Profile from = rgbProfile(context.get(), white, primaries, curve);
-    return Data::make(std::move(context), from, layout);
-}
-
-std::unique_ptr<ColorTransform> ColorTransform::labToSrgb()
-{
-    Context context(cmsCreateContext(nullptr, nullptr));
-    if (!context)
-        return nullptr;
-    const Profile from(cmsCreateLab4ProfileTHR(context.get(), nullptr)); // null: D50
-    return Data::make(std::move(context), from, PixelLayout::Lab16);
-}
-
-void ColorTransform::convert(const void *in, QRgb *out, qsizetype count) const
-{
-    if (m_data->layout == PixelLayout::Rgb32) {
-        if (in != out)
-            std::memcpy(out, in, size_t(count) * sizeof(QRgb));
-        cmsDoTransform(m_data->transform.get(), out, out, cmsUInt32Number(count));
-        return;
-    }
-    cmsDoTransform(m_data->transform.get(), in, out, cmsUInt32Number(count));
-    for (qsizetype i = 0; i < count; ++i)
-        out[i] |= 0xff000000;
-}
 
 QString profileColorModel(const QByteArray &iccProfile)
 {
-    const Context context(cmsCreateContext(nullptr, nullptr));
-    const Profile profile = openProfile(context.get(), iccProfile);
+    const LcmsContext context(cmsCreateContext(nullptr, nullptr));
+    const LcmsProfile profile = openProfile(context.get(), iccProfile);
     if (!profile || !describesPictures(profile.get()))
         return {};
     switch (cmsGetColorSpace(profile.get())) {
@@ -280,8 +68,8 @@ QString profileColorModel(const QByteArray &iccProfile)
 
 QString profileDescription(const QByteArray &iccProfile)
 {
-    const Context context(cmsCreateContext(nullptr, nullptr));
-    const Profile profile = openProfile(context.get(), iccProfile);
+    const LcmsContext context(cmsCreateContext(nullptr, nullptr));
+    const LcmsProfile profile = openProfile(context.get(), iccProfile);
     if (!profile)
         return {};
     const cmsUInt32Number bytes =
@@ -411,10 +199,10 @@ bool setText(cmsContext context, cmsHPROFILE profile, cmsTagSignature tag, const
 }
 
 /// A profile of version 2, which all programs with color management read; white is D65.
-QByteArray makeRgbProfile(cmsContext context, const cmsCIExyYTRIPLE &primaries, const Curve &curve,
+QByteArray makeRgbProfile(cmsContext context, const cmsCIExyYTRIPLE &primaries, const LcmsCurve &curve,
                           const char *description)
 {
-    const Profile profile = rgbProfile(context, kD65, primaries, curve);
+    const LcmsProfile profile = rgbProfile(context, kD65, primaries, curve);
     cmsSetProfileVersion(profile.get(), 2.1);
     setText(context, profile.get(), cmsSigProfileDescriptionTag, description);
     setText(context, profile.get(), cmsSigCopyrightTag, "No copyright, use freely");
@@ -427,7 +215,7 @@ QByteArray makeRgbProfile(cmsContext context, const cmsCIExyYTRIPLE &primaries, 
 
 QByteArray makeSrgbProfile()
 {
-    const Context context(cmsCreateContext(nullptr, nullptr));
+    const LcmsContext context(cmsCreateContext(nullptr, nullptr));
     const cmsCIExyYTRIPLE primaries = {{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}};
     // 1024 entries are exact to well under 1 of 255.
     return makeRgbProfile(context.get(), primaries, tabulatedCurve(context.get(), 1024, srgbToLinear),
@@ -438,9 +226,9 @@ QByteArray makeSrgbProfile()
 /// (exponent).
 QByteArray makeAdobeRgbProfile()
 {
-    const Context context(cmsCreateContext(nullptr, nullptr));
+    const LcmsContext context(cmsCreateContext(nullptr, nullptr));
     const cmsCIExyYTRIPLE primaries = {{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}};
-    const Curve curve(cmsBuildGamma(context.get(), 2.19921875));
+    const LcmsCurve curve(cmsBuildGamma(context.get(), 2.19921875));
     return makeRgbProfile(context.get(), primaries, curve, "Adobe RGB (1998)");
 }
 
@@ -464,11 +252,11 @@ QByteArray profileOfNclx(const NclxColors &colors)
     if (isLikeSrgb(colors.transfer) && (!known || colors.primaries == 1))
         return {};
     const Primaries primaries = known.value_or(*primariesOf(1));
-    const Context context(cmsCreateContext(nullptr, nullptr));
+    const LcmsContext context(cmsCreateContext(nullptr, nullptr));
     if (!context)
         return {};
-    const Curve curve = tabulatedCurve(context.get(), 4096,
-                                       [&colors](double signal) { return lightOf(colors.transfer, signal); });
+    const LcmsCurve curve = tabulatedCurve(
+        context.get(), 4096, [&colors](double signal) { return lightOf(colors.transfer, signal); });
     return curve ? savedProfile(rgbProfile(context.get(), primaries.white, primaries.colors, curve))
                  : QByteArray();
 }

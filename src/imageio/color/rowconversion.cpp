@@ -2,6 +2,7 @@
 
 #include "imageio/color/rowconversion.h"
 
+#include "imageio/color/colorprofile.h"
 #include "raster/pixelformat.h"
 
 #include <algorithm>
@@ -20,7 +21,7 @@ int channelsOf(Colors colors)
     return colors == Colors::Cmyk ? 4 : colors == Colors::Rgb || colors == Colors::Lab ? 3 : 1;
 }
 
-std::unique_ptr<ColorTransform> transformOf(const PictureColors &colors, PixelLayout layout)
+std::shared_ptr<const ColorTransform> transformOf(const PictureColors &colors, PixelLayout layout)
 {
     if (!colors.iccProfile.isEmpty())
         return ColorTransform::toSrgb(colors.iccProfile, layout);

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "imageio/color/colorprofile.h"
+#include "imageio/color/colortransform.h"
 
 #include <optional>
 #include <vector>
@@ -80,7 +80,7 @@ private:
     const int m_width;
     int m_wordsPerPixel; ///< that the transform reads
     bool m_hasTableTransform = false;
-    std::unique_ptr<ColorTransform> m_transform;
+    std::shared_ptr<const ColorTransform> m_transform;
     std::vector<QRgb> m_table;    ///< the color of each value, for gray of up to 8 bits and palettes
     std::vector<quint16> m_words; ///< a row as the transform reads it
 };

@@ -244,6 +244,8 @@ EmbeddedMetadata::Encoded encodedForCopy(MetadataSet set, const QVariantMap &bef
     note.isEdited = makerNoteFields(set.exif) != static_cast<size_t>(note.fields.count());
     encodeExif(encoded, set.exif, set.byteOrder, note, facts);
     encoded.iptc = encodedIptc(set, original);
+    if (encoded.iptc.isEmpty() && !set.iptc.empty())
+        encoded.omitted += u"IPTC"_qs;
     encoded.imageResources = encodedImageResources(set, encoded.iptc, after, facts.cleared);
     // Free text about the photo, as the caption is.
     if (!(facts.cleared & ClearedGroup::Iptc)) {

@@ -11,6 +11,7 @@
 #include "metadata/propertykeys.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace plexa
 {
@@ -48,22 +49,28 @@ QVariant exifField(const MetadataSet &set, const MetadataField &field)
 /// All values of a repeatable field together.
 constexpr qsizetype kMaxIptcTexts = 4096;
 
+struct XmpText {
+    QString text;
+    QString lines; ///< with XML's line ends
+    QByteArray utf8;
+};
+
 /// A text that fills its field of IIM may be cut there, even in the middle of a character: XMP has it whole
 /// then.
 /// @param bytes  of the field
 /// @param inXmp  the field's texts in XMP
-QString wholeText(const QString &text, const QByteArray &bytes, int maxBytes, const QStringList &inXmp)
+QString wholeText(const QString &text, const QByteArray &bytes, int maxBytes,
+                  const std::vector<XmpText> &inXmp)
 {
     constexpr int kBytesOfCharacter = 4;
     if (text.toUtf8().size() <= maxBytes - kBytesOfCharacter)
         return text;
     const QString beginning = withXmlLineEnds(text);
-    for (const QString &whole : inXmp) {
-        if ((whole.size() > text.size() && withXmlLineEnds(whole).startsWith(beginning)) ||
-            (whole.toUtf8().size() > bytes.size() && whole.toUtf8().startsWith(bytes)))
-            return whole;
-    }
-    return text;
+    const auto whole = std::ranges::find_if(inXmp, [&](const XmpText &candidate) {
+        return (candidate.text.size() > beginning.size() && candidate.lines.startsWith(beginning)) ||
+               (candidate.utf8.size() > bytes.size() && candidate.utf8.startsWith(bytes));
+    });
+    return whole == inXmp.end() ? text : whole->text;
 }
 
 QVariant iptcField(const Exiv2::IptcData &iptc, const QByteArray &characterSet, const MetadataField &field,
@@ -73,7 +80,11 @@ QVariant iptcField(const Exiv2::IptcData &iptc, const QByteArray &characterSet, 
         return {};
     const Exiv2::IptcKey key(field.iptc);
     const bool isText = field.kind == MetadataKind::Text || field.kind == MetadataKind::TextList;
-    const QStringList inXmp = isText && field.xmp ? propertyTexts(xmpField(xmp, field)) : QStringList();
+    std::vector<XmpText> inXmp;
+    if (isText && field.xmp) {
+        for (const QString &whole : propertyTexts(xmpField(xmp, field)))
+            inXmp.push_back({whole, withXmlLineEnds(whole), whole.toUtf8()});
+    }
     QStringList texts;
     for (const Exiv2::Iptcdatum &datum : iptc) {
         if (datum.record() != key.record() || datum.tag() != key.tag())

@@ -4,7 +4,7 @@
 
 #include "ui/browser/autoscroll.h"
 #include "ui/browser/browserselection.h"
-#include "ui/browser/trackpadgestures.h"
+#include "ui/widgets/trackpadgestures.h"
 
 #include <QMenu>
 #include <QPointer>

@@ -139,7 +139,7 @@ void ImageBrowserViewController::deletePressed()
 
 void ImageBrowserViewController::receivedDraggedFiles(const QStringList &paths)
 {
-    m_app.gathering().scanImagesAtPaths(paths);
+    m_app.addFiles(paths);
 }
 
 void ImageBrowserViewController::movedIndexes(const QList<int> &indexes, int toIndex)

@@ -67,7 +67,7 @@ ImageListPane::ImageListPane(const Services &services, QWidget *parent)
     layout->addWidget(makeButtonRow());
     layout->addWidget(m_imageListContainer, 1);
     layout->addWidget(m_zoomRow);
-    connectSet(services.controller.gathering());
+    connectSet(services.controller);
     connectBrowser();
     showMode(m_set.imageListIsInBrowserMode());
 }
@@ -132,7 +132,7 @@ QWidget *ImageListPane::makeZoomRow()
     return row;
 }
 
-void ImageListPane::connectSet(ImageGathering &gathering)
+void ImageListPane::connectSet(AppController &controller)
 {
     connect(m_searchField, &QLineEdit::textChanged, &m_set, [this](const QString &text) {
         if (text != m_set.filterText())
@@ -141,7 +141,7 @@ void ImageListPane::connectSet(ImageGathering &gathering)
     connect(&m_set, &ImageSet::filterTextChanged, m_searchField,
             [this] { m_searchField->setText(m_set.filterText()); });
     connect(&m_set, &ImageSet::imageListModeChanged, this, &ImageListPane::showMode);
-    connect(m_imageListTable, &ImageListView::filesDropped, &gathering, &ImageGathering::scanImagesAtPaths);
+    connect(m_imageListTable, &ImageListView::filesDropped, &controller, &AppController::addFiles);
     connect(m_imageListTable, &ImageListView::deletePressed, this,
             [this] { m_actions.run(ActionId::RemoveSelected); });
 }

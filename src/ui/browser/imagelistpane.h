@@ -17,7 +17,6 @@ namespace plexa
 
 class AppController;
 class CommandActions;
-class ImageGathering;
 class ImageBrowserView;
 class ImageBrowserViewController;
 class ImageListView;
@@ -56,7 +55,7 @@ protected:
 private:
     QWidget *makeButtonRow();
     QWidget *makeZoomRow();
-    void connectSet(ImageGathering &gathering);
+    void connectSet(AppController &controller);
     void connectBrowser();
     void showMode(bool isBrowser);
     bool endSearch(int key);

@@ -57,7 +57,9 @@ CommandActions::CommandActions(QWidget *parent, std::function<CommandState()> st
         auto *const action = new QAction(parent);
         action->setObjectName(QString::fromLatin1(row.name));
         action->setIcon(iconNamed(QString::fromLatin1(row.icon)));
-        action->setShortcut(QKeySequence(QString::fromLatin1(row.shortcut), QKeySequence::PortableText));
+        if (*row.shortcut != '\0')
+            action->setShortcuts(
+                QKeySequence::listFromString(QString::fromLatin1(row.shortcut), QKeySequence::PortableText));
         action->setMenuRole(QAction::NoRole);
         const ActionId id = row.id;
         connect(action, &QAction::triggered, this, [this, id] { run(id); });

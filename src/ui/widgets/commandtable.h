@@ -84,7 +84,7 @@ struct CommandRow {
     const char *name;     ///< object name of its action; its buttons add "Button"
     const char *text;     ///< with the mnemonic
     const char *toolTip;  ///< a sentence; the shortcut is added where it is shown
-    const char *shortcut; ///< portable text, empty: none
+    const char *shortcut; ///< portable text, several separated by "; ", empty: none
     const char *icon;     ///< file of resources/icons without its suffix, empty: none
     std::vector<Need> needs = {};
     bool isInImageMenu = false;        ///< also an item of the context menu of the photos

@@ -9,6 +9,8 @@
 #include "ui/browser/imagebrowserviewcontroller.h"
 #include "ui/browser/imagelistpane.h"
 #include "ui/presets/presetspanel.h"
+#include "ui/preview/imageviewcontroller.h"
+#include "ui/preview/previewpane.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/filedrops.h"
 #include "ui/widgets/sectiontitle.h"
@@ -16,6 +18,7 @@
 #include "ui/window/windowcommands.h"
 
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QDragEnterEvent>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -75,11 +78,8 @@ MainWindow::~MainWindow() = default;
 
 void MainWindow::makeViews()
 {
-    auto *const previewPlace = new QWidget;
-    previewPlace->setObjectName(QStringLiteral("imageViewPlace"));
-    previewPlace->setBackgroundRole(QPalette::Dark);
-    previewPlace->setAutoFillBackground(true);
-    previewPlace->setMinimumHeight(kMinPreviewHeight);
+    m_previewPane = new PreviewPane({m_services.controller, m_services.defaults, *m_actions});
+    m_previewPane->setMinimumHeight(kMinPreviewHeight);
     m_imageListPane =
         new ImageListPane({m_services.controller, m_services.defaults, *m_actions, m_services.threads});
     m_imageListPane->setMinimumHeight(kMinListHeight);
@@ -87,7 +87,7 @@ void MainWindow::makeViews()
     m_imageViewBrowserSplitView = new QSplitter(Qt::Vertical);
     m_imageViewBrowserSplitView->setObjectName(QStringLiteral("imageViewBrowserSplitView"));
     m_imageViewBrowserSplitView->setChildrenCollapsible(false);
-    m_imageViewBrowserSplitView->addWidget(previewPlace);
+    m_imageViewBrowserSplitView->addWidget(m_previewPane);
     m_imageViewBrowserSplitView->addWidget(m_imageListPane);
     m_imageViewBrowserSplitView->setStretchFactor(0, 3);
     m_imageViewBrowserSplitView->setStretchFactor(1, 2);
@@ -171,6 +171,7 @@ void MainWindow::connectCommands()
     ImageBrowserViewController &browser = m_imageListPane->browserController();
     connect(&browser, &ImageBrowserViewController::browserZoomFactorChanged, m_actions,
             &CommandActions::scheduleUpdate);
+    connect(m_previewPane, &PreviewPane::keyForImageList, this, &MainWindow::forwardToImageList);
     connect(&browser, &ImageBrowserViewController::copiesFailed, this, &MainWindow::reportFailedCopies);
     connect(&controller.batchSave(), &BatchSave::started, this, [this] { setContentEnabled(false); });
     connect(&controller.batchSave(), &BatchSave::finished, this, [this] { setContentEnabled(true); });
@@ -215,6 +216,15 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
         QMainWindow::keyPressEvent(event);
 }
 
+/// A key that the preview does not use itself.
+void MainWindow::forwardToImageList(QKeyEvent *event)
+{
+    QKeyEvent copy(event->type(), event->key(), event->modifiers(), event->text(), event->isAutoRepeat());
+    copy.ignore();
+    QCoreApplication::sendEvent(m_imageListPane->shownView(), &copy);
+    event->setAccepted(copy.isAccepted());
+}
+
 /// Files may be dropped anywhere on the window.
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 {
@@ -224,13 +234,15 @@ void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 void MainWindow::dropEvent(QDropEvent *event)
 {
     acceptFiles(event);
-    m_services.controller.gathering().scanImagesAtPaths(droppedFiles(event->mimeData()));
+    m_services.controller.addFiles(droppedFiles(event->mimeData()));
 }
 
 CommandState MainWindow::commandState() const
 {
     CommandState state = m_services.controller.commandState();
     state.nSelectedWPresets = static_cast<qsizetype>(m_presetsPanel->selectedWPresets().size());
+    state.canZoomInPreview = m_previewPane->imageViewController().canZoomIn();
+    state.canZoomOutPreview = m_previewPane->imageViewController().canZoomOut();
     return state;
 }
 

@@ -17,6 +17,7 @@ class AppController;
 class CommandActions;
 class ImageListPane;
 class PresetsPanel;
+class PreviewPane;
 class UserDefaults;
 
 /// The main window: lays out the panes and connects them with the controller.
@@ -63,11 +64,13 @@ private:
     void restoreGeometryFromSettings();
     void rememberGeometry();
     CommandState commandState() const;
+    void forwardToImageList(QKeyEvent *event);
     void reportFailedCopies(const QStringList &failures);
 
     const Services m_services;
     CommandActions *const m_actions;
     ImageListPane *m_imageListPane = nullptr;
+    PreviewPane *m_previewPane = nullptr;
     PresetsPanel *m_presetsPanel = nullptr;
     QSplitter *m_imageViewBrowserSplitView = nullptr;
     QSplitter *m_panelSplitView = nullptr;

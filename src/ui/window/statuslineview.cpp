@@ -3,9 +3,9 @@
 #include "ui/window/statuslineview.h"
 
 #include "app/appcontroller.h"
+#include "ui/widgets/elidedlabel.h"
 
 #include <QHBoxLayout>
-#include <QPainter>
 #include <QProgressBar>
 #include <QToolButton>
 
@@ -16,39 +16,6 @@ namespace
 {
 
 constexpr int kSteps = 1000; // of the bar, which counts in whole numbers
-
-/// One line of plain text, shortened to the available width.
-class ElidedLabel final : public QWidget
-{
-public:
-    ElidedLabel() { setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed); }
-
-    void setText(const QString &text)
-    {
-        m_text = text;
-        setAccessibleName(text);
-        updateGeometry();
-        update();
-    }
-
-    QSize sizeHint() const override
-    {
-        return {fontMetrics().horizontalAdvance(m_text) + 2, fontMetrics().height()};
-    }
-    QSize minimumSizeHint() const override { return {0, fontMetrics().height()}; }
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        QPainter painter(this);
-        painter.setPen(palette().color(foregroundRole()));
-        painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                         fontMetrics().elidedText(m_text, Qt::ElideRight, width()));
-    }
-
-private:
-    QString m_text;
-};
 
 } // namespace
 

@@ -2,6 +2,7 @@
 
 #include "imageio/codecs/jpeg/thumbnail.h"
 #include "imageio/container/imageresources.h"
+#include "imageio/filemetadata.h"
 #include "imageio/jpegassembly.h"
 #include "metadata/imagemetadata.h"
 #include "support/files.h"
@@ -139,6 +140,8 @@ private Q_SLOTS:
         const QByteArray note =
             exifDirectory(0, {{1, 7, "0100"}, {0x0035, 4, big32(42)}, {0x0050, 3, big16(1)}});
         check({0x927C, 7, note + preview}, "SAMSUNG\0\0\0"_ba, {});
+        check({0x927C, 7, note + preview + QByteArray(40, 'd')}, "SAMSUNG\0\0\0"_ba,
+              {u"maker note data outside of its fields"_s});
     }
 
     void picturesInIptcAreRemoved()
@@ -288,7 +291,7 @@ private:
     std::shared_ptr<const EmbeddedMetadata> readBack(const char *name, const QByteArray &file)
     {
         const QString path = m_folder.path(name);
-        return writeFile(path, file) ? EmbeddedMetadata::read(path) : EmbeddedMetadata::none();
+        return writeFile(path, file) ? metadataOf(path) : EmbeddedMetadata::none();
     }
 
     EmbeddedMetadata::Encoded copied(const EmbeddedMetadata::Encoded &blocks,

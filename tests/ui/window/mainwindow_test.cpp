@@ -42,9 +42,11 @@ private Q_SLOTS:
             QVERIFY2(!names.contains(action.objectName()), row.name);
             names.insert(action.objectName());
             QVERIFY2(*row.icon == '\0' || !action.icon().pixmap(24).isNull(), row.name);
-            QVERIFY2(*row.shortcut == '\0' || !action.shortcut().isEmpty(), row.name);
-            QVERIFY2(*row.shortcut == '\0' || !shortcuts.contains(action.shortcut()), row.name);
-            shortcuts.insert(action.shortcut());
+            QCOMPARE(action.shortcuts().isEmpty(), *row.shortcut == '\0');
+            for (const QKeySequence &shortcut : action.shortcuts()) {
+                QVERIFY2(!shortcut.isEmpty() && !shortcuts.contains(shortcut), row.name);
+                shortcuts.insert(shortcut);
+            }
         }
         // Each letter with Alt chooses one item of a menu.
         for (const QAction *const menu : f.window.menuBar()->actions()) {
@@ -180,6 +182,8 @@ private Q_SLOTS:
         QMimeData text;
         text.setText(u"no file"_qs);
         const Qt::DropActions both = Qt::CopyAction | Qt::MoveAction;
+        const QString presetsFile = f.files.folder.path("a.pxwpr");
+        QVERIFY(QFile::copy(u":/plexa/presets/example_wpresets.pxwpr"_qs, presetsFile));
         std::size_t count = 0;
         for (QWidget *const place :
              {static_cast<QWidget *>(&f.window), f.grid.viewport(), f.table.viewport()}) {
@@ -200,7 +204,25 @@ private Q_SLOTS:
             ++count;
             QTRY_COMPARE(f.set.images()->size(), count);
             QTRY_VERIFY(isIdle(f.controller.gathering()));
+            // Presets go to the list, unless the stop button comes first. They are read in the background.
+            QMimeData presets;
+            presets.setUrls({QUrl::fromLocalFile(presetsFile)});
+            const std::size_t before = f.files.store.wPresets().size();
+            const bool isStopped = place == f.grid.viewport();
+            if (!isStopped)
+                f.files.alerts.expect(u"Presets imported"_qs);
+            QCOMPARE(entered(presets, both), Qt::CopyAction);
+            send(QDropEvent(QPoint(20, 20), both, &presets, Qt::NoButton, {}));
+            QCOMPARE(f.files.store.wPresets().size(), before);
+            QCoreApplication::sendPostedEvents(&f.controller.statusManager());
+            auto &stop = f.find<QAbstractButton>("stopAllOperationsButton");
+            QVERIFY(stop.isVisible() && f.controller.statusManager().line().text.contains(u"presets"));
+            if (isStopped)
+                QTest::mouseClick(&stop, Qt::LeftButton);
+            QTRY_VERIFY(!f.controller.presetCommands().isImporting());
+            QCOMPARE(f.files.store.wPresets().size() > before, !isStopped);
         }
+        QCOMPARE(f.files.alerts.complaints(), QStringList());
     }
 
     void batchModeIsRefused()

@@ -3,6 +3,7 @@
 #include "imageio/base/picturefailures.h"
 #include "imageio/codecs/codecs.h"
 #include "imageio/codecs/png/pngerrors.h"
+#include "imageio/color/colorprofile.h"
 #include "imageio/color/rowconversion.h"
 #include "metadata/propertykeys.h"
 

@@ -3,6 +3,7 @@
 #include "imageio/base/picturefailures.h"
 #include "imageio/base/qtallocations.h"
 #include "imageio/codecs/codecs.h"
+#include "imageio/color/colorprofile.h"
 #include "imageio/color/rowconversion.h"
 #include "raster/pixelformat.h"
 

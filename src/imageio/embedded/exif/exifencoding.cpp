@@ -190,10 +190,11 @@ void encodeExif(EmbeddedMetadata::Encoded &result, Exiv2::ExifData exif, Exiv2::
     if (hadNote && way == NoteWay::None)
         result.omitted += u"maker note"_qs;
     if (way == NoteWay::Again)
-        for (const QString &field : fieldsLostByRewriting(note, encoder.exif(), result.exif))
-            result.omitted += u"maker note field "_qs + field;
+        result.omitted += lossesByRewriting(note, encoder.exif(), result.exif);
     if (isTooLong && result.exif.isEmpty())
         result.exif = shortened(encoder, facts.maxExifBytes, result.omitted);
+    if (result.exif.isEmpty() && !encoder.exif().empty())
+        result.omitted += u"EXIF"_qs;
     if (facts.thumbnailBytes <= 0 || result.exif.isEmpty() ||
         result.exif.size() + facts.thumbnailBytes > facts.maxExifBytes)
         return;

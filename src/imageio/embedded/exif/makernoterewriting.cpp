@@ -2,6 +2,7 @@
 
 #include "imageio/embedded/exif/makernoterewriting.h"
 
+#include "imageio/container/picturestarts.h"
 #include "imageio/container/tiffdirectory.h"
 #include "imageio/embedded/exif/exifvalues.h"
 #include "imageio/embedded/metadatablocks.h"
@@ -15,6 +16,8 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 using namespace Qt::Literals;
 
@@ -121,28 +124,62 @@ public:
         : m_bytes(note.bytes)
         , m_layout(layoutOf(note, order))
     {
-        if (const auto fields = fieldsAt(m_layout.directory))
-            read(*fields, {});
+        const auto fields = fieldsAt(m_layout.directory);
+        if (!fields)
+            return;
+        m_ranges.emplace_back(0, m_layout.directory);
+        read(m_layout.directory, *fields, {});
     }
 
     const QSet<QString> &tags() const { return m_tags; }
 
+    /// Are there data that belong to no field, more than fill bytes and the end marks of some makers?
+    bool hasDataOutsideOfFields() const
+    {
+        constexpr qsizetype kMostFill = 16;
+        std::vector<std::pair<qint64, qint64>> ranges = m_ranges;
+        ranges.emplace_back(m_bytes.size(), m_bytes.size());
+        std::ranges::sort(ranges);
+        QByteArray rest;
+        qint64 end = 0;
+        for (const auto &[from, to] : ranges) {
+            if (from > end)
+                rest += m_bytes.mid(end, from - end);
+            end = std::max(end, to);
+        }
+        // A preview, and what its buffer held before.
+        if (holdsPictureStart(rest))
+            rest.truncate(qMax<qsizetype>(0, rest.indexOf("\xD8\xFF") - 1));
+        return rest.size() - rest.count('\0') > kMostFill;
+    }
+
 private:
+    qsizetype fieldCountAt(qint64 position) const
+    {
+        return tiffNumberAt(m_bytes.constData() + position, 2, m_layout.order);
+    }
+
     std::optional<TiffFields> fieldsAt(qint64 position) const
     {
-        if (position < 0 || position >= m_bytes.size())
+        constexpr qsizetype kMostFields = 500; // of real directories
+        if (position < 0 || position + 2 > m_bytes.size() || fieldCountAt(position) > kMostFields)
             return {};
         return readTiffFields(m_bytes, quint32(position), m_layout.order);
     }
 
-    void read(const TiffFields &fields, const QString &path)
+    void read(qint64 at, const TiffFields &fields, const QString &path)
     {
-        constexpr qsizetype kMostTags = 5000;
+        // Of fields with the same tag only the first is among them.
+        m_ranges.emplace_back(at, at + tiffDirectoryBytes(fieldCountAt(at)));
+        constexpr qsizetype kMostTags = 2000;
         for (auto field = fields.begin(); field != fields.end() && m_tags.size() < kMostTags; ++field) {
             const QString tag = path + tagText(field.key());
             m_tags += tag;
+            const qint64 position = m_layout.base + qint64(field->offset(m_layout.order));
+            if (field->valueBytes() > 4)
+                m_ranges.emplace_back(position, position + qint64(field->valueBytes()));
             if (const auto inner = directoryOf(*field); inner && path.count(u'/') < 3)
-                read(*inner, tag + u'/');
+                read(position, *inner, tag + u'/');
         }
     }
 
@@ -172,6 +209,7 @@ private:
 
     const QByteArray m_bytes;
     const NoteLayout m_layout;
+    std::vector<std::pair<qint64, qint64>> m_ranges; ///< of the bytes of fields and directories
     QSet<QString> m_tags;
 };
 
@@ -209,8 +247,8 @@ bool canRewriteMakerNote(const Exiv2::ExifData &exif, const MakerNoteBlock &note
     return layout.hasOwnBase || (note.offset >= 0 && offsetsHold(note, layout));
 }
 
-QStringList fieldsLostByRewriting(const MakerNoteBlock &note, const Exiv2::ExifData &exif,
-                                  const QByteArray &encoded)
+QStringList lossesByRewriting(const MakerNoteBlock &note, const Exiv2::ExifData &exif,
+                              const QByteArray &encoded)
 {
     Exiv2::ExifData found;
     const Exiv2::ByteOrder order =
@@ -234,9 +272,11 @@ QStringList fieldsLostByRewriting(const MakerNoteBlock &note, const Exiv2::ExifD
     for (const QString &tag : missing) {
         const QStringList path = tag.split(u'/');
         if (std::ranges::none_of(path, [&](const QString &part) { return removed.contains(part); }))
-            lost += names.value(tag, tag);
+            lost += QStringLiteral("maker note field ") + names.value(tag, tag);
     }
     lost.sort();
+    if (before.hasDataOutsideOfFields() && !after.hasDataOutsideOfFields())
+        lost += QStringLiteral("maker note data outside of its fields");
     return lost;
 }
 

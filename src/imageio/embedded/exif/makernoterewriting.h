@@ -27,12 +27,14 @@ bool canRewriteMakerNote(const Exiv2::ExifData &exif, const MakerNoteBlock &note
 /// @param exif  the fields that were encoded
 bool holdsMakerNote(const QByteArray &encoded, const Exiv2::ExifData &exif);
 
-/// The fields of the note that are absent from its encoded form, though `exif` does not lack them: the
-/// library leaves out what it cannot read. May throw what the library throws.
+/// What the encoded form of the note lacks, though `exif` does not: the library leaves out what it cannot
+/// read. May throw what the library throws.
 /// @param note     as in its file
 /// @param exif     the fields that were encoded
-/// @return names, or tags as "0x0e22", and "0x2010/0x0100" for a field in a directory to which 0x2010 points
-QStringList fieldsLostByRewriting(const MakerNoteBlock &note, const Exiv2::ExifData &exif,
-                                  const QByteArray &encoded);
+/// @return in words for the user: "maker note field LensData", "maker note field 0x0e22" without a name,
+///         "maker note field 0x2010/0x0100" in a directory to which 0x2010 points, "maker note data outside
+///         of its fields"
+QStringList lossesByRewriting(const MakerNoteBlock &note, const Exiv2::ExifData &exif,
+                              const QByteArray &encoded);
 
 } // namespace plexa

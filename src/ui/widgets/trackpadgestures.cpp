@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "ui/browser/trackpadgestures.h"
+#include "ui/widgets/trackpadgestures.h"
 
 #include <QNativeGestureEvent>
 

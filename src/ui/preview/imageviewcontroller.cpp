@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/preview/imageviewcontroller.h"
+
+#include "app/appcontroller.h"
+#include "platform/settings.h"
+#include "platform/userdefaults.h"
+
+#include <QFileInfo>
+
+namespace plexa
+{
+namespace
+{
+
+constexpr std::chrono::milliseconds kUpdateDelay(500);
+constexpr double kZoomStep = 0.1;
+
+} // namespace
+
+ImageViewController::ImageViewController(AppController &app, ImageViewWithWatermarkControl &view,
+                                         UserDefaults &defaults)
+    : m_app(app)
+    , m_view(view)
+    , m_defaults(defaults)
+    , m_renderer(app.photoServices().fonts)
+{
+    m_view.setImagePadding(0);
+    m_view.setToolMode(ImageView::ToolMode::Zoom);
+    m_view.setNoImageInfoString(tr("Select an image in the browser to preview"));
+    m_zoomedImageUpdateTimer.setSingleShot(true);
+    m_zoomedImageUpdateTimer.setInterval(kUpdateDelay);
+    connectAll();
+    setImageObject(m_app.imageSet().shownImage());
+}
+
+void ImageViewController::connectAll()
+{
+    const ImageSet &set = m_app.imageSet();
+    connect(&set, &ImageSet::shownImageChanged, this, &ImageViewController::setImageObject);
+    connect(&set, &ImageSet::shownImageAboutToLoad, this, &ImageViewController::showLoading);
+    connect(&set, &ImageSet::fitToWindowRequested, this, [this] { setZoomFactor(0); });
+    connect(&m_app, &AppController::previewOutdated, this, [this] {
+        m_view.dropGround();
+        refresh();
+    });
+    connect(&m_app, &AppController::imageOutdated, this, [this](const std::shared_ptr<ImageObject> &image) {
+        if (image == m_imageObject)
+            photoChanged();
+    });
+
+    connect(&m_view, &ImageView::pictureWanted, this, &ImageViewController::refresh);
+    connect(&m_view, &ImageView::didChangeZoomFactorTo, this, &ImageViewController::zoomControlsChanged);
+    connect(&m_view, &ImageView::canZoomStatusDidChange, this, &ImageViewController::zoomControlsChanged);
+    using View = ImageViewWithWatermarkControl;
+    connect(&m_view, &View::draggedWatermarkRectTo, this,
+            [this](const QRectF &rect) { drag(rect.topLeft()); });
+    connect(&m_view, &View::dragCanceled, this, [this] { drag({}); });
+    connect(&m_view, &View::didMoveWatermarkRectTo, this, [this](const QRectF &rect) {
+        m_draggedTo.reset();
+        if (m_imageObject)
+            m_app.placeWatermark(*m_imageObject, rect.topLeft());
+    });
+
+    connect(&m_zoomedImageUpdateTimer, &QTimer::timeout, this,
+            [this] { request(PreviewRequest::Quality::Full); });
+    connect(&m_renderer, &PreviewRenderer::rendered, this, &ImageViewController::show);
+    connect(&m_renderer, &PreviewRenderer::busyChanged, this, &ImageViewController::infoChanged);
+}
+
+void ImageViewController::setImageObject(const std::shared_ptr<ImageObject> &image)
+{
+    m_isLoading = false;
+    if (image == m_imageObject && (!image || m_view.imageIsShown())) {
+        showInfo();
+        return;
+    }
+    if (m_imageObject)
+        m_imageObject->disconnect(this);
+    m_imageObject = image;
+    m_draggedTo.reset();
+    m_view.setShowWatermarkRect(false);
+    m_view.setNoImageInfoString(tr("Select an image in the browser to preview"));
+    if (image) {
+        connect(image.get(), &ImageObject::metadataChanged, this, &ImageViewController::photoChanged);
+        connect(image.get(), &ImageObject::pathChanged, this, &ImageViewController::photoChanged);
+        connect(image.get(), &ImageObject::customWatermarkRectOriginsChanged, this,
+                &ImageViewController::refresh);
+    }
+    ++m_photoVersion;
+    m_messages.clear();
+    m_view.setImageSize(image ? image->facts().pixelSize() : QSize());
+    showInfo();
+    refresh();
+}
+
+/// The photo that has the focus cannot be shown yet.
+void ImageViewController::showLoading(const std::shared_ptr<ImageObject> &image)
+{
+    m_isLoading = true;
+    m_info = QFileInfo(image->path()).fileName();
+    m_view.setNoImageInfoString(tr("Loading %1…").arg(m_info));
+    Q_EMIT infoChanged();
+}
+
+/// Its pixels, facts or name.
+void ImageViewController::photoChanged()
+{
+    if (!m_imageObject)
+        return;
+    ++m_photoVersion;
+    const QSize size = m_imageObject->facts().pixelSize();
+    if (m_view.geometry().imageSize() != QSizeF(size))
+        m_view.setImageSize(size);
+    m_view.dropGround();
+    showInfo();
+    refresh();
+}
+
+void ImageViewController::showInfo()
+{
+    m_info.clear();
+    if (m_imageObject) {
+        const PhotoFacts facts = m_imageObject->facts();
+        m_info = tr("%1, %2x%3")
+                     .arg(QFileInfo(facts.path()).fileName())
+                     .arg(facts.unscaledSize().width())
+                     .arg(facts.unscaledSize().height());
+    }
+    Q_EMIT infoChanged();
+}
+
+void ImageViewController::refresh()
+{
+    request(PreviewRequest::Quality::Screen);
+}
+
+bool ImageViewController::isCombined() const
+{
+    return !m_app.appliedPresets().isInSingleMode() &&
+           m_defaults.boolForKey(settings::combineAllAppliedPresetsInImage);
+}
+
+void ImageViewController::request(PreviewRequest::Quality quality)
+{
+    if (!m_imageObject || !m_view.imageIsShown()) {
+        m_zoomedImageUpdateTimer.stop();
+        m_renderer.cancel();
+        Q_EMIT zoomControlsChanged();
+        return;
+    }
+    const ImageView::Wanted wanted = m_view.wantedPicture();
+    PreviewRequest request;
+    request.photo = m_imageObject;
+    request.photoVersion = m_photoVersion;
+    const AppliedPresets &applied = m_app.appliedPresets();
+    if (isCombined())
+        request.presets = applied.effectivePresetsNow();
+    else if (const std::shared_ptr<WPreset> current = applied.currentWPreset())
+        request.presets = {{current, current->values()}};
+    request.draggedTo = m_draggedTo;
+    request.layer = wanted.layer;
+    request.part = wanted.part;
+    request.quality = quality;
+    if (wanted.part.isEmpty())
+        return;
+    m_renderer.request(request);
+    if (quality == PreviewRequest::Quality::Screen && !m_draggedTo)
+        m_zoomedImageUpdateTimer.start();
+    else
+        m_zoomedImageUpdateTimer.stop();
+}
+
+void ImageViewController::show(const PreviewPicture &picture)
+{
+    if (!picture.image.isNull())
+        m_view.setPicture(picture.image, {picture.layer, picture.part});
+    if (picture.watermarkRect && !m_draggedTo)
+        m_view.setWatermarkRect(*picture.watermarkRect);
+    m_view.setShowWatermarkRect(picture.watermarkRect && !isCombined());
+    if (m_messages != picture.messages) {
+        m_messages = picture.messages;
+        Q_EMIT infoChanged();
+    }
+}
+
+void ImageViewController::drag(const std::optional<QPointF> &origin)
+{
+    m_draggedTo = origin;
+    refresh();
+}
+
+void ImageViewController::changeZoomByStep(ZoomStep step)
+{
+    setZoomFactor(zoomFactor() + (step == ZoomStep::In ? kZoomStep : -kZoomStep));
+}
+
+void ImageViewController::changeZoomToExtreme(ZoomExtreme extreme)
+{
+    setZoomFactor(extreme == ZoomExtreme::Fit ? 0 : 1);
+}
+
+} // namespace plexa

@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/preview/previewpane.h"
+
+#include "app/appcontroller.h"
+#include "ui/preview/imageviewcontroller.h"
+#include "ui/preview/imageviewwithwatermarkcontrol.h"
+#include "ui/widgets/busyindicator.h"
+#include "ui/widgets/commandactions.h"
+#include "ui/widgets/elidedlabel.h"
+
+#include <QFile>
+#include <QHBoxLayout>
+#include <QSignalBlocker>
+#include <QSlider>
+#include <QToolButton>
+#include <QWhatsThis>
+
+namespace plexa
+{
+namespace
+{
+
+constexpr int kZoomSteps = 200; // of the slider, whose values are whole numbers
+
+QToolButton *makeHelpButton()
+{
+    auto *const button = new QToolButton;
+    button->setObjectName(QStringLiteral("imageViewHelpButton"));
+    button->setIcon(QIcon(QStringLiteral(":/icons/help.svg")));
+    button->setAutoRaise(true);
+    button->setAccessibleName(PreviewPane::tr("Help on the preview"));
+    button->setToolTip(PreviewPane::tr("Explain the preview"));
+    QObject::connect(button, &QToolButton::clicked, button, [button] {
+        QFile page(QStringLiteral(":/help/Help-ImageView.html"));
+        if (page.open(QIODevice::ReadOnly))
+            QWhatsThis::showText(button->mapToGlobal(QPoint(0, 0)), QString::fromUtf8(page.readAll()),
+                                 button);
+    });
+    return button;
+}
+
+} // namespace
+
+PreviewPane::PreviewPane(const Services &services, QWidget *parent)
+    : QWidget(parent)
+    , m_actions(services.actions)
+    , m_imageView(new ImageViewWithWatermarkControl)
+    , m_controller(new ImageViewController(services.controller, *m_imageView, services.defaults))
+    , m_imageInfoLabel(new ElidedLabel(Qt::ElideMiddle))
+    , m_messageLabel(new ElidedLabel)
+    , m_spinningIndicator(new BusyIndicator)
+    , m_zoomSlider(new QSlider(Qt::Horizontal))
+{
+    setObjectName(QStringLiteral("previewPane"));
+    m_controller->setParent(this);
+    m_imageView->setObjectName(QStringLiteral("imageView"));
+    m_imageView->setAccessibleName(tr("Preview"));
+    m_imageView->setAccessibleDescription(
+        tr("The photo with its watermarks. Return selects the watermark, the arrow keys move it."));
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_imageView, 1);
+    layout->addWidget(makeBar());
+    connectZoom();
+    connect(m_controller, &ImageViewController::infoChanged, this, &PreviewPane::showInfo);
+    connect(m_imageView, &ImageView::unsupportedKey, this, &PreviewPane::keyForImageList);
+    showInfo();
+    showZoom();
+}
+
+PreviewPane::~PreviewPane()
+{
+    delete m_controller; // its thread ends before the view does
+}
+
+QWidget *PreviewPane::makeBar()
+{
+    m_imageInfoLabel->setObjectName(QStringLiteral("imageInfoLabel"));
+    m_messageLabel->setObjectName(QStringLiteral("previewMessageLabel"));
+    m_messageLabel->setForegroundRole(QPalette::WindowText);
+    m_spinningIndicator->setObjectName(QStringLiteral("spinningIndicator"));
+    m_zoomSlider->setObjectName(QStringLiteral("zoomSlider"));
+    m_zoomSlider->setAccessibleName(tr("Zoom of the preview"));
+    m_zoomSlider->setToolTip(tr("Zoom of the preview, from the whole photo to its full size"));
+    m_zoomSlider->setRange(0, kZoomSteps);
+    m_zoomSlider->setSingleStep(kZoomSteps / 50);
+    m_zoomSlider->setPageStep(kZoomSteps / 10);
+    m_zoomSlider->setFixedWidth(140);
+
+    auto *const bar = new QWidget;
+    auto *const row = new QHBoxLayout(bar);
+    row->setContentsMargins(8, 2, 8, 2);
+    row->setSpacing(4);
+    row->addWidget(m_imageInfoLabel, 0);
+    row->addWidget(m_spinningIndicator);
+    row->addWidget(m_messageLabel, 1);
+    row->addWidget(m_actions.makeButton(ActionId::PreviewZoomOut, bar));
+    row->addWidget(m_zoomSlider);
+    row->addWidget(m_actions.makeButton(ActionId::PreviewZoomIn, bar));
+    row->addSpacing(8);
+    row->addWidget(m_actions.makeButton(ActionId::PreviewFit, bar));
+    row->addWidget(m_actions.makeButton(ActionId::PreviewFullSize, bar));
+    row->addWidget(makeHelpButton());
+    return bar;
+}
+
+void PreviewPane::connectZoom()
+{
+    ImageViewController &controller = *m_controller;
+    using Step = ImageViewController::ZoomStep;
+    using Extreme = ImageViewController::ZoomExtreme;
+    m_actions.setHandler(ActionId::PreviewZoomIn, [&controller] { controller.changeZoomByStep(Step::In); });
+    m_actions.setHandler(ActionId::PreviewZoomOut, [&controller] { controller.changeZoomByStep(Step::Out); });
+    m_actions.setHandler(ActionId::PreviewFit,
+                         [&controller] { controller.changeZoomToExtreme(Extreme::Fit); });
+    m_actions.setHandler(ActionId::PreviewFullSize,
+                         [&controller] { controller.changeZoomToExtreme(Extreme::FullSize); });
+    connect(m_zoomSlider, &QSlider::valueChanged, m_controller,
+            [&controller](int value) { controller.setZoomFactor(double(value) / kZoomSteps); });
+    connect(m_controller, &ImageViewController::zoomControlsChanged, this, &PreviewPane::showZoom);
+}
+
+void PreviewPane::showZoom()
+{
+    const QSignalBlocker blocker(m_zoomSlider);
+    m_zoomSlider->setValue(qRound(m_controller->zoomFactor() * kZoomSteps));
+    m_zoomSlider->setEnabled(m_controller->canZoom());
+    m_actions.scheduleUpdate();
+}
+
+void PreviewPane::showInfo()
+{
+    const QStringList messages = m_controller->messages();
+    m_imageInfoLabel->setText(m_controller->info());
+    m_messageLabel->setText(messages.isEmpty() ? QString() : QStringLiteral("⚠ ") + messages.join(u' '));
+    m_messageLabel->setToolTip(messages.join(u'\n'));
+    m_spinningIndicator->setBusy(m_controller->isBusy());
+}
+
+} // namespace plexa

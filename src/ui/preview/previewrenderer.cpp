@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/preview/previewrenderer.h"
+
+#include "raster/resampling.h"
+#include "watermark/watermarkdrawing.h"
+
+#include <algorithm>
+#include <functional>
+#include <new>
+
+namespace plexa
+{
+
+/// Draws one request after the other, and keeps what the next one may need: the bare part of the photo and
+/// the prepared watermarks.
+class PreviewRenderer::Work
+{
+public:
+    using Deliver = std::function<void(const PreviewPicture &)>;
+
+    explicit Work(const FontCatalog &fonts)
+        : m_fonts(fonts)
+    {
+    }
+
+    /// @return false when the photo cannot be read
+    bool draw(const PreviewRequest &request, const Deliver &deliver, const CancelCheck &isCanceled)
+    {
+        const bool isSamePhoto = m_photoVersion == request.photoVersion;
+        if (!isSamePhoto || m_layer != request.layer)
+            m_marks.clear();
+        if (!isSamePhoto || m_layer != request.layer || m_part != request.part || isBetterWanted(request)) {
+            if (!isSamePhoto && request.quality == PreviewRequest::Quality::Screen)
+                drawPlaceholder(request, deliver, isCanceled);
+            if (const Result<void> read = readBare(request, isCanceled); !read) {
+                if (!plexa::isCanceled(isCanceled))
+                    deliver({{}, request.layer, request.part, false, {}, {read.error().text}});
+                return false;
+            }
+        }
+        if (plexa::isCanceled(isCanceled))
+            return true;
+        deliver(marked(request, isCanceled));
+        return true;
+    }
+
+private:
+    /// A watermark that is drawn now.
+    struct Mark {
+        WPresetValues values;
+        std::optional<QPointF> origin; ///< by hand
+        Result<std::optional<WatermarkDrawing>> drawing;
+    };
+
+    bool isBetterWanted(const PreviewRequest &request) const
+    {
+        return request.quality == PreviewRequest::Quality::Full && !m_isFull;
+    }
+
+    void drawPlaceholder(const PreviewRequest &request, const Deliver &deliver, const CancelCheck &isCanceled)
+    {
+        const QImage thumbnail = request.photo->thumbnail();
+        if (thumbnail.isNull())
+            return;
+        m_facts = request.photo->facts();
+        m_layer = request.layer;
+        m_bare = resampledPart(thumbnail.mirrored(), request.layer, request.part, isCanceled);
+        PreviewPicture picture = marked(request, isCanceled);
+        picture.isPlaceholder = true;
+        if (!picture.image.isNull() && !plexa::isCanceled(isCanceled))
+            deliver(picture);
+    }
+
+    Result<void> readBare(const PreviewRequest &request, const CancelCheck &isCanceled)
+    {
+        m_photoVersion = kNone; // until all of it belongs to the request
+        const bool isFull = request.quality == PreviewRequest::Quality::Full;
+        const QSize wanted = isFull ? request.photo->facts().pixelSize() : request.layer;
+        const Result<PhotoSnapshot> snapshot =
+            request.photo->readReduced(std::max(wanted.width(), wanted.height()), isCanceled);
+        if (!snapshot)
+            return tl::unexpected(snapshot.error());
+        if (snapshot->facts.pixelSize() != m_facts.pixelSize())
+            m_marks.clear();
+        m_facts = snapshot->facts;
+        m_isFull = snapshot->pixels.size() == m_facts.pixelSize();
+        m_bare = resampledPart(snapshot->pixels, request.layer, request.part, isCanceled);
+        if (m_bare.isNull())
+            return fail(PreviewRenderer::tr("There is not enough memory to show the photo."));
+        m_layer = request.layer;
+        m_part = request.part;
+        m_photoVersion = request.photoVersion;
+        return {};
+    }
+
+    /// The bare part with the watermarks of the request.
+    PreviewPicture marked(const PreviewRequest &request, const CancelCheck &isCanceled)
+    {
+        PreviewPicture picture{m_bare.copy(), request.layer, request.part, false, {}, {}};
+        m_marks.resize(std::min(m_marks.size(), request.presets.size()));
+        for (std::size_t i = 0; i < request.presets.size(); ++i) {
+            const AppliedPreset &preset = request.presets[i];
+            std::optional<QPointF> origin =
+                request.photo->customWatermarkRectOriginForWPreset(preset.preset.get());
+            if (i == 0 && request.draggedTo)
+                origin = request.draggedTo;
+            prepare(i, {preset.values, origin}, request.layer, isCanceled);
+            const Result<std::optional<WatermarkDrawing>> &drawing = m_marks[i].drawing;
+            if (!drawing) {
+                picture.messages.append(drawing.error().text);
+            } else if (*drawing) {
+                if (!picture.image.isNull())
+                    (*drawing)->drawRows(picture.image, request.part.top(), request.part.left());
+                picture.messages.append((*drawing)->notices());
+                if (i == 0)
+                    picture.watermarkRect = (*drawing)->layout().rect;
+            }
+        }
+        return picture;
+    }
+
+    /// Makes m_marks[index] the watermark of that order, by moving it where that is enough.
+    void prepare(std::size_t index, const MarkOrder &order, QSize layer, const CancelCheck &isCanceled)
+    {
+        if (index < m_marks.size() && m_marks[index].values == order.values && m_marks[index].drawing) {
+            Mark &mark = m_marks[index];
+            if (mark.origin == order.customOrigin)
+                return;
+            if (order.customOrigin && *mark.drawing) {
+                if (Result<WatermarkDrawing> moved = (*mark.drawing)->movedTo(*order.customOrigin)) {
+                    mark.drawing = std::optional(std::move(*moved));
+                    mark.origin = order.customOrigin;
+                    return;
+                }
+            }
+        }
+        m_marks.erase(m_marks.begin() + std::ptrdiff_t(std::min(index, m_marks.size())), m_marks.end());
+        const double scale = std::min(1.0, double(layer.width()) / m_facts.pixelSize().width());
+        m_marks.push_back({order.values, order.customOrigin,
+                           WatermarkDrawing::prepare(order, m_facts, m_fonts, {scale, isCanceled})});
+    }
+
+    const FontCatalog &m_fonts;
+    // Photos must be destroyed on the main thread, so none is kept here.
+    static constexpr int kNone = -1;
+    int m_photoVersion = kNone; // that m_bare shows
+    QSize m_layer;
+    QRect m_part;
+    bool m_isFull = false; // m_bare is made of all pixels
+    QImage m_bare;
+    PhotoFacts m_facts;
+    std::vector<Mark> m_marks; // of m_facts and m_layer
+};
+
+PreviewRenderer::PreviewRenderer(const FontCatalog &fonts)
+    : m_work(std::make_shared<Work>(fonts))
+{
+    connect(&m_job, &BackgroundJob::ended, this, &PreviewRenderer::startNext);
+}
+
+PreviewRenderer::~PreviewRenderer() = default;
+
+void PreviewRenderer::request(const PreviewRequest &request)
+{
+    m_next = request;
+    const bool isOther = m_running.photoVersion != request.photoVersion;
+    if (m_job.isRunning() && (isOther || m_running.quality == PreviewRequest::Quality::Full))
+        m_job.cancel();
+    startNext();
+}
+
+void PreviewRenderer::cancel()
+{
+    m_next.reset();
+    m_running = {};
+    m_job.cancel();
+}
+
+void PreviewRenderer::startNext()
+{
+    if (m_next && !m_job.isRunning()) {
+        m_running = *std::exchange(m_next, std::nullopt);
+        m_job.start([this, work = m_work, request = m_running] {
+            const auto deliver = [&](const PreviewPicture &picture) {
+                m_job.post([this, picture, version = request.photoVersion] {
+                    if ((m_next ? *m_next : m_running).photoVersion == version)
+                        Q_EMIT rendered(picture);
+                });
+            };
+            try {
+                return work->draw(request, deliver, [this] { return m_job.isCanceled(); });
+            } catch (const std::bad_alloc &) {
+                deliver({{}, request.layer, request.part, false, {}, {tr("There is not enough memory.")}});
+                return false;
+            }
+        });
+    }
+    if (isBusy() != m_wasBusy) {
+        m_wasBusy = isBusy();
+        Q_EMIT busyChanged(m_wasBusy);
+    }
+}
+
+} // namespace plexa

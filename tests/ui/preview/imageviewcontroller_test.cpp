@@ -1,0 +1,219 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/preview/imageviewcontroller.h"
+#include "ui/preview/previewpane.h"
+#include "ui/shownwindow.h"
+#include "ui/widgets/elidedlabel.h"
+
+#include <QLineF>
+#include <QSlider>
+#include <QStyleHints>
+
+using namespace plexa;
+using namespace plexa::test;
+
+namespace
+{
+
+constexpr QSize kPhoto(3000, 2000);
+
+/// The window with photos a (large) and b (small), a selected, and a watermark in the middle of them.
+struct Preview : ShownWindow {
+    Preview()
+    {
+        WPresetValues values = WPresetValues::forNewPreset(files.fonts);
+        values.textTokens = {u"mark"_qs};
+        values.width = 30;
+        values.anchorPoint = 4;
+        presets.modeDidChange(AppliedPresets::Mode::Single);
+        presets.setQuickWPreset(std::make_shared<WPreset>(values));
+        set.addImage(files.photo("a.png", kPhoto), {});
+        set.addImage(files.photo("b.png"), {});
+        select(0);
+    }
+
+    void select(int index)
+    {
+        set.selection().selectIndexes({index});
+        settle();
+    }
+    void settle()
+    {
+        isSettled = QTest::qWaitFor([this] { return !controller.isBusy(); });
+    }
+
+    QPoint middle() const { return view.rect().center(); }
+    QPoint onMark() const { return view.geometry().imageToView(view.watermarkRect()).center().toPoint(); }
+    std::optional<QPointF> origin() const
+    {
+        return set.shownImage()->customWatermarkRectOriginForWPreset(presets.currentWPreset().get());
+    }
+    void move(QPoint to) const { QTest::mouseMove(&view, to); }
+    void press(QPoint at, Qt::KeyboardModifiers keys = {}) const
+    {
+        move(at);
+        QTest::mousePress(&view, Qt::LeftButton, keys, at);
+    }
+    void release(QPoint at) const { QTest::mouseRelease(&view, Qt::LeftButton, {}, at); }
+
+    ImageViewController &controller = find<PreviewPane>("previewPane").imageViewController();
+    ImageViewWithWatermarkControl &view = find<ImageViewWithWatermarkControl>("imageView");
+    AppliedPresets &presets = ShownWindow::controller.appliedPresets();
+    bool isSettled = false;
+};
+
+bool isNear(double a, double b)
+{
+    return std::abs(a - b) < 1e-9;
+}
+
+} // namespace
+
+class ImageViewControllerTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void follows()
+    {
+        Preview preview;
+        QVERIFY(preview.isSettled);
+        ElidedLabel &info = preview.find<ElidedLabel>("imageInfoLabel");
+        QCOMPARE(info.text(), u"a.png, 3000x2000"_qs);
+        QVERIFY(preview.controller.canZoomIn() && !preview.controller.canZoomOut());
+        preview.controller.setZoomFactor(0.5);
+        preview.select(1);
+        QCOMPARE(info.text(), u"b.png, 64x48"_qs);
+        // It is shown at 1:1, in the middle, and cannot be zoomed.
+        QVERIFY(!preview.controller.canZoom());
+        QCOMPARE(preview.view.geometry().layerSize(), QSizeF(64, 48));
+        const QImage shown = preview.view.grab().toImage();
+        QCOMPARE(shown.pixelColor(preview.middle() - QPoint(30, 22)), QColor(Qt::darkGreen));
+        QCOMPARE(shown.pixelColor(preview.middle() - QPoint(35, 0)), QColor(170, 170, 170));
+
+        // A rotated photo has other sides.
+        preview.ShownWindow::controller.startBatchOperation(ImageTransform::RotateClockwise);
+        QTRY_COMPARE(preview.view.geometry().imageSize(), QSizeF(48, 64));
+        QTRY_COMPARE(info.text(), u"b.png, 48x64"_qs);
+
+        preview.set.selection().selectNone();
+        QVERIFY(info.text().isEmpty() && !preview.view.imageIsShown());
+        QVERIFY(!preview.isEnabled(ActionId::PreviewZoomIn));
+    }
+
+    void zoomTool()
+    {
+        Preview preview;
+        preview.presets.modeDidChange(AppliedPresets::Mode::Presets); // nothing is applied
+        preview.settle();
+        const auto click = [&](Qt::KeyboardModifiers keys = {}) {
+            QTest::mouseClick(&preview.view, Qt::LeftButton, keys, preview.middle());
+            QTest::qWait(QGuiApplication::styleHints()->mouseDoubleClickInterval() + 50);
+            return preview.controller.zoomFactor();
+        };
+        QVERIFY(isNear(click(), 0.2));
+        QVERIFY(isNear(click(Qt::ShiftModifier), 0));
+        QVERIFY(isNear(click(Qt::AltModifier), 0));
+        preview.controller.setZoomFactor(0.9);
+        QVERIFY(isNear(click(), 0.9));
+        preview.controller.setZoomFactor(0.8);
+        QVERIFY(isNear(click(), 1));
+        QTest::mouseDClick(&preview.view, Qt::LeftButton, {}, preview.middle());
+        QVERIFY(isNear(preview.controller.zoomFactor(), 0));
+
+        preview.controller.setZoomFactor(0.95);
+        preview.window.actions().update();
+        preview.window.actions().run(ActionId::PreviewZoomIn);
+        QVERIFY(isNear(preview.controller.zoomFactor(), 1));
+        QSlider &slider = preview.find<QSlider>("zoomSlider");
+        QCOMPARE(slider.value(), slider.maximum());
+        slider.setValue(slider.maximum() / 2);
+        QVERIFY(isNear(preview.controller.zoomFactor(), 0.5));
+
+        // A change of the preset keeps the point in the middle.
+        preview.view.setCenteredImagePoint({1300, 900});
+        const QPointF center = preview.view.centeredImagePoint();
+        preview.presets.modeDidChange(AppliedPresets::Mode::Single);
+        preview.presets.quickWPreset()->setOpacity(50);
+        preview.settle();
+        QCOMPARE(preview.view.centeredImagePoint(), center);
+
+        // The space bar moves the photo instead.
+        QTest::keyPress(&preview.view, Qt::Key_Space);
+        preview.press(preview.middle());
+        preview.move(preview.middle() + QPoint(40, 30));
+        preview.release(preview.middle() + QPoint(40, 30));
+        QTest::keyRelease(&preview.view, Qt::Key_Space);
+        const double ratio = preview.view.geometry().zoomedToOriginalRatio();
+        QVERIFY(QLineF(preview.view.centeredImagePoint(), center + QPointF(-40, 30) / ratio).length() < 1e-6);
+        QVERIFY(!preview.origin());
+    }
+
+    void placing()
+    {
+        Preview preview;
+        // A click pins the watermark where it is.
+        const QRectF before = preview.view.watermarkRect();
+        QTest::mouseClick(&preview.view, Qt::LeftButton, {}, preview.onMark());
+        QCOMPARE(preview.origin(), before.topLeft());
+        QVERIFY(isNear(preview.controller.zoomFactor(), 0));
+        QVERIFY(preview.isEnabled(ActionId::CopyPosition) ||
+                QTest::qWaitFor([&] { return preview.isEnabled(ActionId::CopyPosition); }));
+
+        // A drag moves it; beyond the photo it stops, and comes back with the pointer.
+        const QPoint start = preview.onMark();
+        preview.press(start);
+        preview.move(start + QPoint(20, 10));
+        preview.move(start + QPoint(5000, 0));
+        preview.move(start + QPoint(4990, 0));
+        preview.release(start + QPoint(4990, 0));
+        const double ratio = preview.view.geometry().zoomedToOriginalRatio();
+        const QPointF expected = before.topLeft() + QPointF(20 - 10, -10) / ratio;
+        QVERIFY(QLineF(*preview.origin(), expected).length() < 1e-6);
+        preview.settle();
+        QVERIFY(QLineF(preview.view.watermarkRect().topLeft(), expected).length() < 1e-6);
+
+        // Escape gives a drag up. Ctrl zooms in its place.
+        preview.press(preview.onMark());
+        preview.move(preview.onMark() + QPoint(50, 50));
+        QTest::keyClick(&preview.view, Qt::Key_Escape);
+        QCOMPARE(preview.view.watermarkRect().topLeft(), *preview.origin());
+        preview.release(preview.middle());
+        QTest::mouseClick(&preview.view, Qt::LeftButton, Qt::ControlModifier, preview.onMark());
+        QVERIFY(isNear(preview.controller.zoomFactor(), 0.2));
+        QVERIFY(QLineF(*preview.origin(), expected).length() < 1e-6);
+
+        preview.presets.modeDidChange(AppliedPresets::Mode::Presets);
+        preview.presets.addWPresetsToApplied({preview.presets.quickWPreset()});
+        preview.files.defaults.setObject(settings::combineAllAppliedPresetsInImage, true);
+        preview.controller.refresh();
+        preview.settle();
+        QVERIFY(!preview.view.showWatermarkRect());
+        preview.files.defaults.setObject(settings::combineAllAppliedPresetsInImage, false);
+    }
+
+    void keys()
+    {
+        Preview preview;
+        preview.view.setFocus();
+        const QPointF before = preview.view.watermarkRect().topLeft();
+        QTest::keyClick(&preview.view, Qt::Key_Right); // goes to the list: the next photo
+        QTRY_COMPARE(preview.set.selection().focusIndex(), 1);
+        QTest::keyClick(&preview.view, Qt::Key_Left);
+        QTRY_COMPARE(preview.set.selection().focusIndex(), 0);
+        preview.settle();
+
+        QTest::keyClick(&preview.view, Qt::Key_Return);
+        QVERIFY(preview.view.isWatermarkSelected());
+        QTest::keyClick(&preview.view, Qt::Key_Right);
+        QTest::keyClick(&preview.view, Qt::Key_Up, Qt::ShiftModifier);
+        const double pixel =
+            1 / preview.view.geometry().zoomedToOriginalRatio() / preview.view.devicePixelRatioF();
+        QVERIFY(QLineF(*preview.origin(), before + QPointF(1, 10) * pixel).length() < 1e-6);
+        QTest::keyClick(&preview.view, Qt::Key_Escape);
+        QVERIFY(!preview.view.isWatermarkSelected());
+    }
+};
+
+QTEST_MAIN(ImageViewControllerTest)
+#include "imageviewcontroller_test.moc"

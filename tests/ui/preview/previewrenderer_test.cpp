@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "raster/resampling.h"
+#include "support/picturedifference.h"
+#include "support/testenvironment.h"
+#include "support/testpictures.h"
+#include "support/testservices.h"
+#include "ui/preview/previewrenderer.h"
+#include "watermark/watermarkpicture.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace plexa;
+using namespace plexa::test;
+
+namespace
+{
+
+using Change = std::function<void(WPresetValues &)>;
+using Pictures = std::vector<PreviewPicture>;
+
+constexpr QSize kPhoto(2400, 1600);
+
+AppliedPreset textPreset(const FontCatalog &fonts, const Change &change)
+{
+    WPresetValues values = WPresetValues::forNewPreset(fonts);
+    values.textTokens = {QStringLiteral("Proof 42")};
+    values.width = 60;
+    values.fontSize = 20;
+    values.anchorPoint = 4;
+    change(values);
+    return {std::make_shared<WPreset>(values), values};
+}
+
+/// A photo on the disk, and the renderer.
+struct Scene {
+    explicit Scene(QSize size = kPhoto)
+        : photo(written(size), services.all)
+    {
+        QObject::connect(&renderer, &PreviewRenderer::rendered, &renderer,
+                         [this](const PreviewPicture &picture) { pictures.push_back(picture); });
+        photo.loadImageFromDisk();
+        request.photo = std::shared_ptr<ImageObject>(std::shared_ptr<void>(), &photo);
+        request.photoVersion = 1;
+    }
+
+    QString written(QSize size)
+    {
+        smoothPicture(size).save(folder.path("photo.png"));
+        return folder.path("photo.png");
+    }
+
+    PreviewPicture drawn(QSize layer, const QRect &part)
+    {
+        request.layer = layer;
+        request.part = part;
+        renderer.request(request);
+        if (!QTest::qWaitFor([&] { return !renderer.isBusy(); }))
+            return {};
+        return pictures.back();
+    }
+
+    TestFolder folder;
+    TestPhotoServices services;
+    ImageObject photo;
+    PreviewRenderer renderer{services.fonts};
+    PreviewRequest request;
+    Pictures pictures;
+};
+
+} // namespace
+
+class PreviewRendererTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    /// At every zoom, each watermark is where the copy has it, and looks like it.
+    void previewIsTheCopy_data()
+    {
+        QTest::addColumn<Change>("change");
+        QTest::addRow("text") << Change([](WPresetValues &) {});
+        QTest::addRow("tiles") << Change([](WPresetValues &v) {
+            v.width = 30;
+            v.replicateHorizontal = v.replicateVertical = true;
+        });
+        QTest::addRow("tilted") << Change([](WPresetValues &v) { v.angle = 33.0F; });
+        QTest::addRow("rotated") << Change([](WPresetValues &v) { v.rotation = 1; });
+        QTest::addRow("shadow and box") << Change([](WPresetValues &v) {
+            v.shadow = v.background = true;
+            v.opacity = 70;
+        });
+        QTest::addRow("logo") << Change([](WPresetValues &v) {
+            v.type = QStringLiteral("Image");
+            v.image = WatermarkPicture::fromImage(smoothPicture({300, 200}));
+            v.blendMode = QStringLiteral("Multiply");
+        });
+    }
+    void previewIsTheCopy()
+    {
+        QFETCH(Change, change);
+        for (const bool isTurned : {false, true}) {
+            Scene scene;
+            if (isTurned)
+                QVERIFY(scene.photo.transformOriginalImageWithOperation(ImageTransform::RotateClockwise));
+            scene.request.presets = {textPreset(scene.services.fonts, change),
+                                     textPreset(scene.services.fonts, [](WPresetValues &v) {
+                                         v.anchorPoint = 1;
+                                         v.fontSize = 5;
+                                     })};
+            SavingPresetValues png;
+            png.imageFormat = QStringLiteral("PNG");
+            const QString path = scene.folder.path("copy.png");
+            const auto report = scene.photo.saveImageAtPath({path}, scene.request.presets, png, {});
+            QVERIFY(report);
+            const QImage copy = pixelsOf(QImage(path));
+            const QSize size = copy.size();
+            for (const double scale : {0.25, 0.7, 1.0}) {
+                const QSize layer = QSizeF(QSizeF(size) * scale).toSize();
+                const QRect part(layer.width() / 5, layer.height() / 6, layer.width() * 3 / 4,
+                                 layer.height() * 5 / 6);
+                const PreviewPicture picture = scene.drawn(layer, part);
+                QCOMPARE(picture.watermarkRect, report->rects.front());
+                const QImage expected = resampled(copy, layer, Quality::High).copy(part);
+                const double mean = differenceOf(pixelsOf(picture.image), expected).mean;
+                QVERIFY2(mean < 3, qPrintable(QStringLiteral("%1 at %2").arg(mean).arg(scale)));
+                // The photo without the mark differs more.
+                const PreviewPicture unmarked = [&] {
+                    const auto presets = std::exchange(scene.request.presets, {});
+                    const PreviewPicture bare = scene.drawn(layer, part);
+                    scene.request.presets = presets;
+                    return bare;
+                }();
+                const double bare = differenceOf(pixelsOf(unmarked.image), expected).mean;
+                QVERIFY(mean * 2 < bare);
+            }
+        }
+    }
+
+    /// While a watermark is dragged, it is the one that is saved there.
+    void drag()
+    {
+        Scene scene;
+        scene.request.presets = {textPreset(scene.services.fonts, [](WPresetValues &) {})};
+        const QRect whole(0, 0, 600, 400);
+        const QImage before = scene.drawn(whole.size(), whole).image;
+        scene.request.draggedTo = QPointF(600, 700);
+        const PreviewPicture dragged = scene.drawn(whole.size(), whole);
+        QCOMPARE(dragged.watermarkRect->topLeft(), QPointF(600, 700));
+        QVERIFY(dragged.image != before);
+        scene.request.draggedTo.reset();
+        scene.photo.setCustomWatermarkRectOrigin({600, 700}, scene.request.presets.front().preset);
+        QCOMPARE(scene.drawn(whole.size(), whole).image, dragged.image);
+        scene.photo.resetAllCustomWatermarkRectOrigins();
+        QCOMPARE(scene.drawn(whole.size(), whole).image, before);
+    }
+
+    /// The thumbnail is shown first; of requests that wait, the newest is drawn; a photo that is no longer
+    /// wanted is never shown.
+    void newestWins()
+    {
+        Scene scene;
+        scene.request.presets = {textPreset(scene.services.fonts, [](WPresetValues &) {})};
+        const QRect whole(0, 0, 600, 400);
+        scene.drawn(whole.size(), whole);
+        QCOMPARE(scene.pictures.size(), 2);
+        QVERIFY(scene.pictures[0].isPlaceholder && !scene.pictures[1].isPlaceholder);
+        QVERIFY(meanDifference(scene.pictures[0].image, scene.pictures[1].image) < 5);
+
+        scene.pictures.clear();
+        for (int x = 0; x < 50; ++x) {
+            scene.request.draggedTo = QPointF(x, 0);
+            scene.renderer.request(scene.request);
+        }
+        scene.drawn(whole.size(), whole);
+        QVERIFY(scene.pictures.size() <= 3);
+        QCOMPARE(scene.pictures.back().watermarkRect->x(), 49.0);
+
+        scene.pictures.clear();
+        scene.renderer.request(scene.request);
+        scene.renderer.cancel();
+        QVERIFY(QTest::qWaitFor([&] { return !scene.renderer.isBusy(); }));
+        QVERIFY(scene.pictures.empty());
+    }
+
+    void failures()
+    {
+        Scene scene;
+        QFile::remove(scene.folder.path("photo.png"));
+        const PreviewPicture picture = scene.drawn({600, 400}, {0, 0, 600, 400});
+        QVERIFY(picture.image.isNull());
+        QCOMPARE(picture.messages.size(), 1);
+    }
+};
+
+QTEST_MAIN(PreviewRendererTest)
+#include "previewrenderer_test.moc"
