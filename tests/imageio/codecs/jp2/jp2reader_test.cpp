@@ -72,7 +72,7 @@ class Jp2ReaderTest : public QObject
             return;
         }
         QCOMPARE(image.pixelColor(30, 20), QColor(90, 90, 90));
-        const QVariantMap properties = ImageSource::open(path)->properties();
+        const QVariantMap properties = *ImageSource::open(path)->properties();
         QCOMPARE(std::lround(properties.value(u"DPIWidth"_qs).toDouble()), 300L);
         QCOMPARE(std::lround(properties.value(u"DPIHeight"_qs).toDouble()), 150L);
     }
