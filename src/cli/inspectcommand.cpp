@@ -50,7 +50,10 @@ Result<Inspection> inspect(const PhotoPath &photo, const LocaleFormat &locale)
     Inspection result;
     result.path = path;
     result.type = source->type();
-    result.properties = source->properties();
+    const Result<QVariantMap> properties = source->properties();
+    if (!properties)
+        return tl::unexpected(properties.error());
+    result.properties = *properties;
     const ImageMetadata metadata(result.properties);
     const Uprighting uprighting = uprightingOf(source->info().rows.size, metadata, 1, ReadLimits());
     result.size = uprighting.size();

@@ -98,8 +98,11 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
         return fail(PictureFailures::cannotWrite(request.type));
     const QVariantMap &properties = request.properties;
     WriteOptions options = pictureOptions(request);
-    const auto metadata = request.source ? request.source->metadata() : EmbeddedMetadata::none();
-    const bool hasThumbnail = metadata->hasThumbnail() && target->codec->keepsThumbnail;
+    const auto read = request.source ? request.source->metadata() : EmbeddedMetadata::none();
+    if (!read)
+        return tl::unexpected(read.error());
+    const EmbeddedMetadata &metadata = **read;
+    const bool hasThumbnail = metadata.hasThumbnail() && target->codec->keepsThumbnail;
     const EmbeddedMetadata::CopyFacts facts = {format.size,
                                                hasThumbnail ? kThumbnailBytes : 0,
                                                target->codec->maxExifBytes,
@@ -107,7 +110,7 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
                                                request.cleared,
                                                request.isTurned,
                                                target->codec->keepsExif};
-    const EmbeddedMetadata::Encoded encoded = metadata->encodeForCopy(properties, facts);
+    const EmbeddedMetadata::Encoded encoded = metadata.encodeForCopy(properties, facts);
     if (request.omitted) {
         *request.omitted += encoded.omitted;
         const QString comment = QStringLiteral("comment");

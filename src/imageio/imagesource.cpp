@@ -4,6 +4,7 @@
 
 #include "imageio/base/picturefailures.h"
 #include "imageio/base/reducedrows.h"
+#include "imageio/base/sourcefile.h"
 #include "imageio/color/colorprofile.h"
 #include "imageio/embedded/embeddedmetadata.h"
 #include "metadata/propertykeys.h"
@@ -42,27 +43,29 @@ void setOrientation(QVariantMap &map, int orientation)
 
 } // namespace
 
+ImageSource::ImageSource() = default;
+ImageSource::~ImageSource() = default;
+ImageSource::ImageSource(ImageSource &&) noexcept = default;
+ImageSource &ImageSource::operator=(ImageSource &&) noexcept = default;
+
 Result<ImageSource> ImageSource::open(const QString &path, const ReadLimits &limits)
 {
+    Result<std::unique_ptr<SourceFile>> opened = SourceFile::openAt(path);
+    if (!opened)
+        return tl::unexpected(opened.error());
     ImageSource source;
-    source.m_path = path;
     source.m_limits = limits;
-    source.m_file = std::make_unique<QFile>(path);
-    QFile &file = *source.m_file;
-    // A pipe or a device has no size and no reliable end.
-    if (QFileInfo(path).exists() && !QFileInfo(path).isFile())
-        return fail(PictureFailures::notAPicture());
-    if (!file.open(QIODevice::ReadOnly))
-        return fail(PictureFailures::readError(file));
-    source.m_version = fileVersionOf(file.handle());
+    source.m_file = std::move(*opened);
+    SourceFile &file = *source.m_file;
+    if (file.size() == 0)
+        return fail(PictureFailures::emptyFile());
     const QByteArray head = file.peek(kSignatureBytes);
-    if (head.isEmpty())
-        return fail(file.size() > 0 ? PictureFailures::readError(file) : PictureFailures::emptyFile());
     std::optional<Error> failure;
     for (const ImageFormat *format : formatsToTry(file, head, QFileInfo(path).suffix())) {
-        if (!file.seek(0))
-            return fail(PictureFailures::readError(file));
+        file.seek(0);
         Result<PictureInfo> info = format->codec->readInfo(file, limits);
+        if (const auto read = file.checkReads(); !read)
+            return tl::unexpected(read.error());
         if (info) {
             source.m_format = format;
             source.m_info = std::move(*info);
@@ -70,14 +73,19 @@ Result<ImageSource> ImageSource::open(const QString &path, const ReadLimits &lim
         }
         failure = failure.value_or(info.error());
     }
+    if (const auto read = file.checkReads(); !read)
+        return tl::unexpected(read.error());
     return tl::unexpected(failure.value_or(Error{PictureFailures::notAPicture()}));
+}
+
+const FileVersion &ImageSource::version() const
+{
+    return m_file->version();
 }
 
 Result<void> ImageSource::checkUnchanged() const
 {
-    if (fileVersionOf(m_file->handle()) != m_version)
-        return fail(PictureFailures::changedMeanwhile());
-    return {};
+    return m_file->checkUnchanged();
 }
 
 QVariantMap ImageSource::makeProperties(const EmbeddedMetadata &fromMetadata) const
@@ -110,20 +118,22 @@ QVariantMap ImageSource::makeProperties(const EmbeddedMetadata &fromMetadata) co
     return map;
 }
 
-const QVariantMap &ImageSource::properties() const
+Result<QVariantMap> ImageSource::properties() const
 {
+    const auto read = metadata();
+    if (!read)
+        return tl::unexpected(read.error());
     if (!m_properties)
-        m_properties = makeProperties(*metadata());
+        m_properties = makeProperties(**read);
     return *m_properties;
 }
 
-std::shared_ptr<const EmbeddedMetadata> ImageSource::metadata() const
+Result<std::shared_ptr<const EmbeddedMetadata>> ImageSource::metadata() const
 {
-    if (!m_metadata) {
-        // The file that is open, even if its path leads to another one by now.
-        const QString open = QStringLiteral("/proc/self/fd/%1").arg(m_file->handle());
-        m_metadata = EmbeddedMetadata::read(QFile::exists(open) ? open : m_path);
-    }
+    if (!m_metadata)
+        m_metadata = EmbeddedMetadata::read(*m_file);
+    if (const auto read = m_file->checkReads(); !read)
+        return tl::unexpected(read.error());
     return m_metadata;
 }
 
@@ -145,9 +155,10 @@ qint64 ImageSource::imageBytes(int minimumSide) const
 
 Result<std::unique_ptr<RowReader>> ImageSource::openRows(int minimumSide) const
 {
-    if (!m_file->seek(0))
-        return fail(PictureFailures::readError(*m_file));
+    m_file->seek(0);
     auto reader = m_format->codec->openReader(*m_file, m_limits, reductionTo(minimumSide));
+    if (const auto read = m_file->checkReads(); !read)
+        return tl::unexpected(read.error());
     if (!reader)
         return reader;
     reader = reducedTo(imageSize(minimumSide), std::move(*reader));
@@ -169,6 +180,8 @@ Result<QImage> ImageSource::createImage(int minimumSide) const
     if (image.isNull())
         return fail(PictureFailures::outOfMemory());
     if (const auto read = (*reader)->readRows(image, rows.size.height()); !read)
+        return tl::unexpected(read.error());
+    if (const auto read = m_file->checkReads(); !read)
         return tl::unexpected(read.error());
     return image;
 }

@@ -5,8 +5,6 @@
 #include "imageio/imageformat.h"
 #include "platform/fileversion.h"
 
-#include <QFile>
-
 #include <memory>
 #include <optional>
 
@@ -14,12 +12,18 @@ namespace plexa
 {
 
 class EmbeddedMetadata;
+class SourceFile;
 
-/// A picture file that is open for reading. Detects the type by content first, then by suffix. One thread at
-/// a time.
+/// A picture file that is open for reading. Detects the type by content first, then by suffix. Reads all that
+/// it returns through one descriptor, so picture and metadata are of one file, whatever happens to its path.
+/// One thread at a time.
 class ImageSource final
 {
 public:
+    ~ImageSource();
+    ImageSource(ImageSource &&) noexcept;
+    ImageSource &operator=(ImageSource &&) noexcept;
+
     /// Opens the file and reads the facts that need no decoding.
     /// @return the failure as text that follows a file's name: "the file is empty", ...
     [[nodiscard]] static Result<ImageSource> open(const QString &path, const ReadLimits &limits = {});
@@ -29,18 +33,21 @@ public:
     const ImageFormat &format() const { return *m_format; }
     const PictureInfo &info() const { return m_info; }
 
-    /// The version of the file that was opened. This object reads that file even after another one has
-    /// replaced it.
-    std::optional<FileVersion> version() const { return m_version; }
+    /// The version of the file that was opened.
+    const FileVersion &version() const;
 
-    /// Fails if the file was changed since it was opened: facts read earlier and later may not match.
+    /// Fails if the file was changed since it was opened, because facts read earlier and later may not match;
+    /// or if any read has failed.
     [[nodiscard]] Result<void> checkUnchanged() const;
 
-    /// The property dictionary of image 0 (keys: imageio/propertykeys.h). Read at the first call.
-    const QVariantMap &properties() const;
+    /// The property dictionary of image 0 (keys: metadata/propertykeys.h). Read at the first call.
+    /// @return a failure if the file cannot be read; damaged metadata are left out
+    [[nodiscard]] Result<QVariantMap> properties() const;
 
-    /// All metadata of the file, including those without a key in the dictionary. Never null.
-    std::shared_ptr<const EmbeddedMetadata> metadata() const;
+    /// All metadata of the file, including those without a key in the dictionary; never null. Read at the
+    /// first call.
+    /// @return a failure if the file cannot be read; damaged metadata are left out
+    [[nodiscard]] Result<std::shared_ptr<const EmbeddedMetadata>> metadata() const;
 
     /// Image 0 as stored (orientation tag not applied), 8-bit sRGB. If `minimumSide` is above 0, reduced by a
     /// factor of up to 8 whose result is at least that long on the longer side.
@@ -61,14 +68,12 @@ public:
     QSize imageSize(int minimumSide = 0) const;
 
 private:
-    ImageSource() = default;
+    ImageSource();
     QVariantMap makeProperties(const EmbeddedMetadata &fromMetadata) const;
     int reductionTo(int minimumSide) const;
 
-    QString m_path;
     ReadLimits m_limits;
-    std::unique_ptr<QFile> m_file;
-    std::optional<FileVersion> m_version;
+    std::unique_ptr<SourceFile> m_file;
     const ImageFormat *m_format = nullptr;
     PictureInfo m_info;
     mutable std::shared_ptr<const EmbeddedMetadata> m_metadata;

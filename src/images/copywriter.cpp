@@ -3,6 +3,8 @@
 #include "images/copywriter.h"
 
 #include "imageio/base/picturefailures.h"
+#include "imageio/base/sourcefile.h"
+#include "imageio/embedded/storedfacts.h"
 #include "imageio/imagedestination.h"
 #include "imageio/imagesource.h"
 #include "images/uprighting.h"
@@ -76,12 +78,9 @@ Result<Drawings> prepareMarks(const CopyOrder &order, const PhotoFacts &facts, c
 
 /// The time of birth, or of the last modification where that is earlier (the birth of a file that was copied
 /// here) or the birth is not known.
-std::optional<timespec> creationTimeOf(const QString &path)
+timespec creationTimeOf(const FileVersion &version)
 {
-    const std::optional<FileVersion> version = fileVersionAt(path);
-    if (!version)
-        return std::nullopt;
-    const FileTime created = std::min(version->modified, version->born.value_or(version->modified));
+    const FileTime created = std::min(version.modified, version.born.value_or(version.modified));
     return timespec{created.seconds, static_cast<long>(created.nanoseconds)};
 }
 
@@ -112,11 +111,13 @@ Result<void> streamRows(RowReader &reader, const Drawings &drawings, RowWriter &
 class Copy
 {
 public:
-    Copy(const CopyOrder &order, const PhotoServices &services, const ImageSource &source)
+    /// @param inFile  the source's
+    Copy(const CopyOrder &order, const PhotoServices &services, const ImageSource &source,
+         const QVariantMap &inFile)
         : m_order(order)
         , m_services(services)
         , m_source(source)
-        , m_metadata(source.properties())
+        , m_metadata(inFile)
         , m_uprighting(uprightingOf(source.info().rows.size, m_metadata, order.turns, services.limits))
     {
         if (order.metadata)
@@ -146,6 +147,8 @@ public:
             .and_then([this] { return writeFile(); })
             .map([&] {
                 report.dropped += m_omitted;
+                if (!m_readerNotice.isEmpty())
+                    report.notices.append(m_readerNotice);
                 return report;
             });
     }
@@ -184,7 +187,7 @@ private:
         m_upright = m_order.upright;
         if (!m_upright.isNull())
             return {};
-        return readUpright(m_source, m_uprighting).map([this](const QImage &upright) {
+        return readUpright(m_source, m_uprighting, 0, {}, &m_readerNotice).map([this](const QImage &upright) {
             m_upright = upright;
         });
     }
@@ -208,10 +211,8 @@ private:
         if (m_order.overwritten && fileVersionAt(m_order.target.path) != m_order.overwritten)
             return fail(PictureFailures::changedMeanwhile());
         // Linux cannot set the time of birth, so the copy's modification time represents it.
-        const auto created =
-            m_order.rules.preservesCreationDate ? creationTimeOf(m_order.path) : std::nullopt;
-        if (created)
-            file.setModificationTime(*created);
+        if (m_order.rules.preservesCreationDate)
+            file.setModificationTime(creationTimeOf(m_source.version()));
         return file.commit();
     }
 
@@ -224,7 +225,9 @@ private:
         const Result<std::unique_ptr<RowReader>> reader = m_source.openRows();
         if (!reader)
             return tl::unexpected(reader.error());
-        return streamRows(**reader, m_drawings, writer, m_order.isCancelled);
+        const Result<void> streamed = streamRows(**reader, m_drawings, writer, m_order.isCancelled);
+        m_readerNotice = (*reader)->notice();
+        return streamed;
     }
 
     const CopyOrder &m_order;
@@ -236,6 +239,7 @@ private:
     Drawings m_drawings;
     ByteBudget::Reservation m_room;
     QStringList m_omitted;
+    QString m_readerNotice;
     QImage m_upright; ///< null where the picture passes in strips
 };
 
@@ -268,8 +272,12 @@ Result<CopyOrder> copyOrderFor(const QString &path, const CopyTarget &target,
 bool isWrittenCopy(const QString &path)
 {
     try {
+        const Result<std::unique_ptr<SourceFile>> file = SourceFile::openAt(path);
+        if (!file || !mayNameSoftware(**file, softwareOfCopies().toLatin1()))
+            return false;
         const Result<ImageSource> source = ImageSource::open(path);
-        return source && ImageMetadata(source->properties()).tiffSoftware() == softwareOfCopies();
+        const Result<QVariantMap> properties = source ? source->properties() : QVariantMap();
+        return properties && ImageMetadata(*properties).tiffSoftware() == softwareOfCopies();
     } catch (const std::bad_alloc &) {
         return false; // reading it as a photo reports this
     }
@@ -283,7 +291,15 @@ Result<CopyReport> writeCopy(const CopyOrder &order, const PhotoServices &servic
             return tl::unexpected(source.error());
         if (order.version && source->version() != order.version)
             return fail(PictureFailures::changedMeanwhile());
-        return Copy(order, services, *source).write();
+        const Result<QVariantMap> properties = source->properties();
+        if (!properties)
+            return tl::unexpected(properties.error());
+        Result<CopyReport> report = Copy(order, services, *source, *properties).write();
+        if (report || (order.isCancelled && order.isCancelled()))
+            return report;
+        // To a codec, a failed read or a changed file look like damage.
+        const Result<void> unchanged = source->checkUnchanged();
+        return unchanged ? report : tl::unexpected(unchanged.error());
     } catch (const std::bad_alloc &) {
         // One photo too many for the memory must not end the run of the others.
         return fail(outOfMemoryText());

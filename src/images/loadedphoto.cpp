@@ -162,7 +162,10 @@ Result<QImage> LoadedPhoto::readVersion(const ImageSource &source, int reducedTo
 {
     // A thumbnail that was released to save memory is created again on demand only.
     const bool isThumbnailNeeded = reducedTo > 0 || !thumbnail().isNull();
-    const Uprighting uprighting = adoptVersionOf(source, changes);
+    const Result<Uprighting> adopted = adoptVersionOf(source, changes);
+    if (!adopted)
+        return tl::unexpected(adopted.error());
+    const Uprighting &uprighting = *adopted;
     Result<QImage> picture = m_services.cache.find(m_key);
     if (picture->isNull()) {
         picture = readUprightWithin(m_services.budget, source, uprighting, reducedTo);
@@ -189,7 +192,7 @@ Result<QImage> LoadedPhoto::readVersion(const ImageSource &source, int reducedTo
 }
 
 /// Adopts the metadata and the geometry of the file unless it is the version that was read before.
-Uprighting LoadedPhoto::adoptVersionOf(const ImageSource &source, Changes &changes)
+Result<Uprighting> LoadedPhoto::adoptVersionOf(const ImageSource &source, Changes &changes)
 {
     PhotoVersion::Arrival arrival;
     {
@@ -198,7 +201,12 @@ Uprighting LoadedPhoto::adoptVersionOf(const ImageSource &source, Changes &chang
             return m_file.uprighting();
         arrival = m_file.arrivalOf(source.version());
     }
-    const ImageMetadata metadata(source.properties());
+    const Result<QVariantMap> properties = source.properties();
+    if (!properties) {
+        becomeUnreadable(properties.error().text);
+        return tl::unexpected(properties.error());
+    }
+    const ImageMetadata metadata(*properties);
     const Uprighting uprighting =
         uprightingOf(source.info().rows.size, metadata, arrival.turns, m_services.limits);
     const std::lock_guard lock(m_stateLock);
@@ -323,7 +331,10 @@ Result<PhotoFacts> LoadedPhoto::readFacts() const
         const Result<ImageSource> source = ImageSource::open(readPath(), m_services.limits);
         if (!source)
             return tl::unexpected(source.error());
-        const ImageMetadata inFile(source->properties());
+        const Result<QVariantMap> properties = source->properties();
+        if (!properties)
+            return tl::unexpected(properties.error());
+        const ImageMetadata inFile(*properties);
         const Uprighting uprighting = uprightingOf(source->info().rows.size, inFile, 1, m_services.limits);
         return PhotoFacts(path(), metadata().value_or(inFile), uprighting.size(), uprighting.unscaledSize(),
                           m_services.locale);

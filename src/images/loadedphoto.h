@@ -98,7 +98,7 @@ private:
     bool loadUnder(std::unique_lock<std::recursive_mutex> processing);
     Result<QImage> readPicture(int reducedTo, Changes &changes);
     Result<QImage> readVersion(const ImageSource &source, int reducedTo, Changes &changes);
-    Uprighting adoptVersionOf(const ImageSource &source, Changes &changes);
+    Result<Uprighting> adoptVersionOf(const ImageSource &source, Changes &changes);
     void becomeUnreadable(const QString &reason);
     QImage decodedPixels(Changes &changes);
     QImage cachedReduced(int reduction) const;

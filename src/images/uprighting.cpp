@@ -127,15 +127,16 @@ Uprighting uprightingOf(QSize stored, const ImageMetadata &metadata, int turns, 
 }
 
 Result<QImage> readUpright(const ImageSource &source, const Uprighting &uprighting, int reducedTo,
-                           const CancelCheck &isCancelled)
+                           const CancelCheck &isCancelled, QString *notice)
 {
     const Result<std::unique_ptr<RowReader>> reader = source.openRows(reducedTo);
     if (!reader)
         return tl::unexpected(reader.error());
-    if (!uprighting.isStretched())
-        return readOriented(**reader, uprighting.orientation, isCancelled);
-    const Result<QImage> stored = readOriented(**reader, 1, isCancelled);
-    if (!stored)
+    const Result<QImage> stored =
+        readOriented(**reader, uprighting.isStretched() ? 1 : uprighting.orientation, isCancelled);
+    if (notice)
+        *notice = (*reader)->notice();
+    if (!stored || !uprighting.isStretched())
         return stored;
     QImage upright =
         createImageUpright(*stored, uprighting.orientation, uprighting.scaleX, uprighting.scaleY);

@@ -68,8 +68,10 @@ Uprighting uprightingOf(QSize stored, const ImageMetadata &metadata, int turns, 
 /// @param reducedTo    0 for the full size; else the least pixels of the stored picture's longer side (as
 ///                     ImageSource::createImage())
 /// @param isCancelled  asked before each strip of rows
+/// @param notice       receives RowReader::notice(); may be null
 [[nodiscard]] Result<QImage> readUpright(const ImageSource &source, const Uprighting &uprighting,
-                                         int reducedTo = 0, const CancelCheck &isCancelled = {});
+                                         int reducedTo = 0, const CancelCheck &isCancelled = {},
+                                         QString *notice = nullptr);
 
 /// The memory (bytes) of a decoded picture.
 qint64 pictureBytes(QSize size);

@@ -2,6 +2,7 @@
 
 #include "saving/savingprocess.h"
 
+#include "imageio/base/picturefailures.h"
 #include "platform/atomicfile.h"
 #include "platform/systemerror.h"
 #include "platform/workpool.h"
@@ -214,6 +215,7 @@ private:
     void startWriting(Pending &pending, const std::shared_ptr<PhotoInWork> &photo, const Order &order);
     std::function<std::optional<QString>()> alternativesFor(Pending &pending);
     void giveNameBack(const Pending &pending);
+    void failBeforehand(Pending &pending, const QString &reason);
     void finish(Pending &pending, Result<CopyReport> result, const QString &sourceKey, const QString &target);
     void removeLeftoversIn(const QString &folder);
 
@@ -389,11 +391,8 @@ void SavingProcess::saveCopy(const std::shared_ptr<PhotoInWork> &photo, const Ah
     if (output.status == SavingOutput::Status::Planned && m_run.isDryRun) {
         output.emptyTokens = emptyTokens(ahead, order);
         output.hasNoText = ahead.facts && hasNoText(*ahead.facts, order);
-        if (const Result<void> possible = checkPlan(pending, ahead); !possible) {
-            output.status = SavingOutput::Status::Failed;
-            output.error = possible.error().text;
-            giveNameBack(pending);
-        }
+        if (const Result<void> possible = checkPlan(pending, ahead); !possible)
+            failBeforehand(pending, possible.error().text);
     } else if (output.status == SavingOutput::Status::Planned) {
         startWriting(pending, photo, order);
     }
@@ -458,24 +457,21 @@ void SavingProcess::startWriting(Pending &pending, const std::shared_ptr<PhotoIn
 {
     // A folder that could not be made: the writing would not know why it is not there.
     const QString folder = QFileInfo(pending.output.path).path();
-    if (const Result<void> possible = checkFolderCanBeMade(folder); !possible) {
-        pending.output.status = SavingOutput::Status::Failed;
-        pending.output.error = possible.error().text;
-        giveNameBack(pending);
-        return;
-    }
+    if (const Result<void> possible = checkFolderCanBeMade(folder); !possible)
+        return failBeforehand(pending, possible.error().text);
     removeLeftoversIn(folder);
     FilesUnderWay &files = m_naming.files();
     const QString target = OutputNaming::targetKey(pending.output.path, photo->key);
     if (pending.overwrites) {
         waitUntil([&] { return !files.isUsed(target, Use::Written) && !files.isUsed(target, Use::Read); });
-        m_overwritten.insert(target);
         if (target == photo->key && !order.isLastOfPhoto && !photo->original) {
             // The copies to come are made of the photo as it is now.
             auto original = std::make_unique<QFile>(photo->image->readPath());
-            if (original->open(QIODevice::ReadOnly))
-                photo->original = std::move(original);
+            if (!original->open(QIODevice::ReadOnly))
+                return failBeforehand(pending, PictureFailures::readError(*original));
+            photo->original = std::move(original);
         }
+        m_overwritten.insert(target);
     }
     QString readFrom;
     if (photo->original)
@@ -519,6 +515,14 @@ void SavingProcess::giveNameBack(const Pending &pending)
 {
     if (!pending.keepsName)
         m_naming.finished(pending.output.path);
+}
+
+/// Before the writing has begun.
+void SavingProcess::failBeforehand(Pending &pending, const QString &reason)
+{
+    pending.output.status = SavingOutput::Status::Failed;
+    pending.output.error = reason;
+    giveNameBack(pending);
 }
 
 /// On a thread of the pool. Nothing may touch the copy afterwards.

@@ -3,7 +3,7 @@
 #include "watermark/encodedpicture.h"
 
 #include "imageio/base/picturefailures.h"
-#include "imageio/embedded/storedorientation.h"
+#include "imageio/embedded/storedfacts.h"
 #include "platform/bytebudget.h"
 #include "raster/orientation.h"
 #include "watermark/scaledpictures.h"

@@ -63,7 +63,10 @@ Result<QImage> uprightImage(const QString &path)
     const Result<QImage> stored = source->createImage();
     if (!stored)
         return stored;
-    const int orientation = source->properties().value(kCGImagePropertyOrientation).toInt();
+    const Result<QVariantMap> properties = source->properties();
+    if (!properties)
+        return tl::unexpected(properties.error());
+    const int orientation = properties->value(kCGImagePropertyOrientation).toInt();
     if (orientation < 2 || orientation > 8)
         return stored;
     const QImage upright = createImageUpright(*stored, orientation, 1, 1);

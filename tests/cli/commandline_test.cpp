@@ -534,6 +534,22 @@ private Q_SLOTS:
         }
     }
 
+    /// In a stream and turned upright.
+    void photosThatLackDetail()
+    {
+        PLEXA_NEEDS_MAGICK();
+        PLEXA_NEEDS_PROGRAMS("exiftool");
+        for (const char *orientation : {"-Orientation#=1", "-Orientation#=6"}) {
+            magick("%1 -interlace Plane %2", path("in/b.jpg"), path("in/c.jpg"));
+            outputOf("exiftool -q -overwrite_original %1 %2", QLatin1StringView(orientation),
+                     path("in/c.jpg"));
+            const QByteArray whole = contentsOf(path("in/c.jpg"));
+            write("in/c.jpg", whole.first(whole.lastIndexOf("\xff\xc4")) + "\xff\xd9");
+            const ProgramRun outcome = run("save --text x --output %1 %2", path("out"), path("in/c.jpg"));
+            QVERIFY2(outcome.err.contains("c.jpg: the file lacks the last of its scans"), outcome.err);
+        }
+    }
+
     /// Not a failure unless one is required, but reported whatever else is silent. The dry run knows empty
     /// texts.
     void copiesWithoutAWatermark()

@@ -5,10 +5,7 @@
 #include "imageio/embedded/embeddedmetadata.h"
 #include "metadata/propertykeys.h"
 
-#include <QString>
-
-#include <sys/mman.h>
-#include <unistd.h>
+#include <QBuffer>
 
 #include <cstdlib>
 
@@ -33,12 +30,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         return 0;
     exifSaysAdobeRgb(QByteArrayView(data, qsizetype(size)));
 
-    // The metadata library reads files: this one has a name but lies in memory.
-    static const int file = memfd_create("fuzz", MFD_CLOEXEC);
-    static const QString path = QStringLiteral("/proc/self/fd/%1").arg(file);
-    abortIf(ftruncate(file, 0) != 0 || pwrite(file, data, size, 0) != ssize_t(size));
-
-    const auto metadata = EmbeddedMetadata::read(path);
+    QByteArray bytes = QByteArray::fromRawData(reinterpret_cast<const char *>(data), qsizetype(size));
+    QBuffer file(&bytes);
+    abortIf(!file.open(QIODevice::ReadOnly));
+    const auto metadata = EmbeddedMetadata::read(file);
     QVariantMap properties = metadata->properties();
     EmbeddedMetadata::CopyFacts facts{QSize(640, 480), 4000};
     const auto unchanged = metadata->encodeForCopy(properties, facts);

@@ -92,15 +92,15 @@ private Q_SLOTS:
     {
         PLEXA_NEEDS_PHOTOS();
         const auto source = ImageSource::open(realPhoto("jpeg/canon-eos-450d.jpg"));
-        QVERIFY(source && source->metadata()->hasThumbnail());
+        QVERIFY(source && (*source->metadata())->hasThumbnail());
         // The next page of a TIFF is not a thumbnail.
-        QVERIFY(!ImageSource::open(realPhoto("tiff/multipage.tif"))->metadata()->hasThumbnail());
+        QVERIFY(!(*ImageSource::open(realPhoto("tiff/multipage.tif"))->metadata())->hasThumbnail());
         // Not the photo, so that a thumbnail of the source would be noticed.
         const QImage image = smoothPicture({1999, 1333});
         for (const char *type : {kJpeg, kPng}) {
             QBuffer file;
             QVERIFY(file.open(QIODevice::ReadWrite));
-            QVERIFY(writeImage(file, image, {QString::fromLatin1(type), source->properties(), &*source}));
+            QVERIFY(writeImage(file, image, {QString::fromLatin1(type), *source->properties(), &*source}));
             const QString path = m_folder.path("copy");
             QVERIFY(writeFile(path, file.data()));
             QCOMPARE(decoded(path).size(), image.size());
@@ -153,7 +153,7 @@ private Q_SLOTS:
             QCOMPARE(decoded(path), image);
             const QImage theirs = QImage(path).convertToFormat(format); // by Qt's own plugin
             QVERIFY(meanDifference(theirs, image) < 0.5);
-            const QVariantMap properties = ImageSource::open(path)->properties();
+            const QVariantMap properties = *ImageSource::open(path)->properties();
             QCOMPARE(std::lround(properties.value(u"DPIWidth"_qs).toDouble()), 300L);
             QCOMPARE(std::lround(properties.value(u"DPIHeight"_qs).toDouble()), 150L);
             QCOMPARE(properties.value(u"ProfileName"_qs).toString(), u"sRGB IEC61966-2.1"_qs);

@@ -62,7 +62,7 @@ inline QByteArray copied(const QString &path, const char *type, double quality, 
     const auto source = ImageSource::open(path);
     if (!source)
         return report(source.error());
-    QVariantMap properties = source->properties();
+    QVariantMap properties = *source->properties();
     properties.insert(QStringLiteral("kCGImageDestinationLossyCompressionQuality"), quality);
     properties.insert(QStringLiteral("Orientation"), 1);
     QBuffer file;

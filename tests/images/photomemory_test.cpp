@@ -67,7 +67,7 @@ QString made(const TestFolder &folder, const QString &name, QSize size, const QS
 
 Uprighting uprightingOf(const ImageSource &source)
 {
-    return plexa::uprightingOf(source.info().rows.size, ImageMetadata(source.properties()), 1, {});
+    return plexa::uprightingOf(source.info().rows.size, ImageMetadata(*source.properties()), 1, {});
 }
 
 /// The type of a copy in the photo's own format, or JPEG where that cannot be written.

@@ -33,7 +33,12 @@ QString PictureFailures::tooMuchMemory(QSize size, qint64 bytes, const ReadLimit
 
 QString PictureFailures::readError(const QIODevice &device)
 {
-    return tr("it cannot be read: %1").arg(device.errorString());
+    return readError(device.errorString());
+}
+
+QString PictureFailures::readError(const QString &reason)
+{
+    return tr("it cannot be read: %1").arg(reason);
 }
 
 QString PictureFailures::writeError(const QIODevice &device)

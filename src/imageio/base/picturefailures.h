@@ -27,13 +27,19 @@ public:
     static QString notAPicture() { return tr("not a picture that can be read"); }
     static QString unsupportedKind(const char *format);
     static QString noRawData() { return tr("it contains no camera raw photo of a known kind"); }
+    static QString lacksSensorData() { return tr("it lacks data of the camera's sensor"); }
     static QString truncated() { return tr("the file is truncated"); }
+    static QString lacksLastScan()
+    {
+        return tr("the file lacks the last of its scans; the finest step of the detail is missing");
+    }
     static QString damaged() { return tr("the picture data are damaged"); }
     static QString tooManyPixels(QSize size, const ReadLimits &limits);
     static QString tooMuchMemory(QSize size, qint64 bytes, const ReadLimits &limits);
     static QString outOfMemory() { return tr("there is not enough memory for the picture"); }
     static QString changedMeanwhile() { return tr("the file was changed while it was read"); }
     static QString readError(const QIODevice &device);
+    static QString readError(const QString &reason);
     static QString writeError(const QIODevice &device);
     static QString exifTooLong() { return tr("its EXIF data are too long for a JPEG file"); }
     static QString encoderFailed(const char *format);

@@ -38,6 +38,10 @@ public:
 
     const RowFormat &format() const { return m_format; }
 
+    /// A loss in the file that leaves the picture usable, as a text that follows the file's name; empty:
+    /// none. Complete after the first row.
+    virtual QString notice() const { return {}; }
+
     /// Reads the next `count` rows of the picture into the first rows of `strip`.
     /// @param strip  format().imageFormat(), as wide as the picture, at least `count` rows; not shared
     /// @param count  at least 1 and at most the number of rows left

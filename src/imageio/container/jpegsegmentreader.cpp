@@ -67,7 +67,8 @@ QByteArrayView JpegSegmentReader::payload(qint64 most)
 
 QByteArray JpegSegmentReader::contentsBehind(QByteArrayView name)
 {
-    return payload().sliced(name.size()).toByteArray();
+    const QByteArrayView all = payload(); // may be shorter than when its name was read
+    return all.sliced(qMin(name.size(), all.size())).toByteArray();
 }
 
 } // namespace plexa

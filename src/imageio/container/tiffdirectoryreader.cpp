@@ -76,6 +76,7 @@ std::optional<TiffDirectoryReader::Directory> TiffDirectoryReader::read(quint64 
     const QByteArray table = bytesAt(position + quint64(countBytes), tableBytes + offsetBytes());
     Directory directory;
     directory.fieldCount = int(fields);
+    directory.bytes = quint64(countBytes + tableBytes + offsetBytes());
     for (qsizetype at = 0; at + fieldBytes <= qMin(table.size(), tableBytes); at += fieldBytes) {
         const auto tag = quint16(numberAt(table, at, 2));
         constexpr quint64 kMaxCount = std::numeric_limits<quint32>::max();
@@ -109,6 +110,11 @@ std::vector<quint64> TiffDirectoryReader::numbers(const TiffField &field, quint3
     return all;
 }
 
+quint64 TiffDirectoryReader::positionOf(const TiffField &field) const
+{
+    return field.valueBytes() > quint64(offsetBytes()) ? numberAt(field.value, 0, offsetBytes()) : 0;
+}
+
 QByteArray TiffDirectoryReader::value(const TiffField &field, qint64 most) const
 {
     const quint64 bytes = field.valueBytes();
@@ -116,7 +122,7 @@ QByteArray TiffDirectoryReader::value(const TiffField &field, qint64 most) const
         return {};
     if (bytes <= quint64(offsetBytes()))
         return field.value.left(qsizetype(bytes));
-    const QByteArray value = bytesAt(numberAt(field.value, 0, offsetBytes()), qint64(bytes));
+    const QByteArray value = bytesAt(positionOf(field), qint64(bytes));
     return quint64(value.size()) == bytes ? value : QByteArray();
 }
 

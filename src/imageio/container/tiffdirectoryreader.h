@@ -19,6 +19,7 @@ public:
         TiffFields fields;  ///< of several with a tag the first
         int fieldCount = 0; ///< of all
         quint64 next = 0;   ///< position of the next directory in the chain; 0: none
+        quint64 bytes = 0;  ///< of the table, the fields' number and the next position included
     };
 
     /// @param device  random access, the structure from its start on; must outlive the object. It is left at
@@ -40,6 +41,9 @@ public:
 
     /// A field's values, `most` at most, as far as present.
     std::vector<quint64> numbers(const TiffField &field, quint32 most) const;
+
+    /// Where the values of a field are; 0: in the directory itself.
+    quint64 positionOf(const TiffField &field) const;
 
     /// The bytes of a field's values; empty if truncated or more than `most`.
     QByteArray value(const TiffField &field, qint64 most) const;

@@ -9,6 +9,8 @@
 #include "imageio/embedded/xmp/decodedxmp.h"
 #include "metadata/propertykeys.h"
 
+#include <new>
+
 namespace plexa
 {
 
@@ -25,15 +27,17 @@ EmbeddedMetadata::EmbeddedMetadata(std::unique_ptr<Data> data)
 
 EmbeddedMetadata::~EmbeddedMetadata() = default;
 
-std::shared_ptr<const EmbeddedMetadata> EmbeddedMetadata::read(const QString &path)
+std::shared_ptr<const EmbeddedMetadata> EmbeddedMetadata::read(QIODevice &device)
 {
     auto data = std::make_unique<Data>();
     try {
-        data->set = readMetadataSet(path);
+        data->set = readMetadataSet(device);
         data->ownProperties = propertiesOfMetadata(data->set, decodedXmp(data->set).data);
         data->properties = withPngTexts(data->ownProperties, data->set.texts);
         if (const QVariantMap png = pngTextProperties(data->set.texts); !png.isEmpty())
             data->properties.insert(kCGImagePropertyPNGDictionary, png);
+    } catch (const std::bad_alloc &) {
+        throw;
     } catch (const std::exception &) {
         // A photo with undecodable metadata counts as one without.
         data = std::make_unique<Data>();

@@ -8,6 +8,7 @@
 #include "platform/result.h"
 
 #include <QByteArray>
+#include <QIODevice>
 #include <QSize>
 #include <QStringList>
 #include <QVariantMap>
@@ -23,8 +24,11 @@ namespace plexa
 class EmbeddedMetadata final
 {
 public:
-    /// Reads a file's metadata. Damaged metadata never fail a photo: invalid parts are left out.
-    static std::shared_ptr<const EmbeddedMetadata> read(const QString &path);
+    /// Reads a file's metadata. Damaged metadata never fail a photo: invalid parts are left out. Parts that
+    /// the device fails to read are left out, too: the caller has to ask the device. Never null; throws
+    /// std::bad_alloc.
+    /// @param device  open for reading, random access; left at any position
+    static std::shared_ptr<const EmbeddedMetadata> read(QIODevice &device);
 
     /// No metadata.
     static std::shared_ptr<const EmbeddedMetadata> none();

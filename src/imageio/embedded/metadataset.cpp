@@ -4,16 +4,17 @@
 
 #include "imageio/container/imageresources.h"
 #include "imageio/container/tiffdirectoryreader.h"
+#include "imageio/container/tiffpictures.h"
 #include "imageio/embedded/exif/exifvalues.h"
 #include "imageio/embedded/exif/exiv2setup.h"
+#include "imageio/embedded/exif/libraryio.h"
 #include "imageio/embedded/metadatablocks.h"
 
 #include <QBuffer>
-#include <QFile>
-#include <QFileInfo>
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -97,13 +98,15 @@ QByteArray iptcOfTiff(QIODevice &device)
     return iptcOfImageResources(reader.value(directory->fields.value(kImageResources), kMaxMetadataBytes));
 }
 
-void readThroughLibrary(MetadataSet &set, const QString &path)
+void readThroughLibrary(MetadataSet &set, QIODevice &device)
 {
-    const XmpTableGuard guard; // the library decodes the XMP of these formats with the rest
-    // The library reads "-" and names with a protocol as something other than files.
-    const QString absolutePath = QFileInfo(path).absoluteFilePath();
     const std::unique_ptr<Exiv2::Image> image(
-        Exiv2::ImageFactory::open(QFile::encodeName(absolutePath).toStdString()).release());
+        Exiv2::ImageFactory::open(Exiv2::BasicIo::AutoPtr(new LibraryIo(device))).release());
+    if (!image) // of a kind unknown to the library
+        return;
+    if (device.seek(0) && isClassicTiff(device.peek(4)))
+        image->io().mmap();    // reads before the lock is held
+    const XmpTableGuard guard; // the library decodes the XMP of these formats with the rest
     image->readMetadata();
     set.exif = image->exifData();
     set.iptc = image->iptcData();
@@ -123,14 +126,11 @@ void readThroughLibrary(MetadataSet &set, const QString &path)
 
 } // namespace
 
-MetadataSet readMetadataSet(const QString &path)
+MetadataSet readMetadataSet(QIODevice &device)
 {
     prepareMetadataLibrary();
     MetadataSet set;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return set;
-    if (const std::optional<MetadataBlocks> blocks = readMetadataBlocks(file)) {
+    if (const std::optional<MetadataBlocks> blocks = readMetadataBlocks(device)) {
         decodeExif(set, blocks->exif);
         decodeIptc(set, blocks->iptc);
         set.imageResources = blocks->imageResources;
@@ -141,12 +141,14 @@ MetadataSet readMetadataSet(const QString &path)
         return set;
     }
     try {
-        readThroughLibrary(set, path);
+        readThroughLibrary(set, device);
+    } catch (const std::bad_alloc &) {
+        throw;
     } catch (const std::exception &) {
         // The blocks that were read before the failure are whole.
     }
     // Unchanged records keep the form that they have in the file.
-    const QByteArray iptc = iptcOfTiff(file);
+    const QByteArray iptc = iptcOfTiff(device);
     const Exiv2::IptcData ofLibrary = std::exchange(set.iptc, {});
     decodeIptc(set, iptc);
     if (set.iptc.empty())

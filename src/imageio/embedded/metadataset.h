@@ -6,7 +6,7 @@
 #include "imageio/embedded/pngtexts.h"
 
 #include <QByteArray>
-#include <QString>
+#include <QIODevice>
 
 #include <exiv2/exiv2.hpp>
 
@@ -29,7 +29,9 @@ struct MetadataSet {
     Exiv2::ByteOrder byteOrder = Exiv2::littleEndian;
 };
 
-/// Reads the metadata of a file. Throws nothing; invalid parts are left out.
-MetadataSet readMetadataSet(const QString &path);
+/// Reads the metadata of a file. Invalid parts are left out, and those that the device fails to read. Throws
+/// std::bad_alloc only.
+/// @param device  open for reading, random access; left at any position
+MetadataSet readMetadataSet(QIODevice &device);
 
 } // namespace plexa

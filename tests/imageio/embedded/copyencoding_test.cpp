@@ -197,7 +197,7 @@ private:
         const auto source = ImageSource::open(path);
         if (!source)
             return {};
-        QVariantMap properties = source->properties();
+        QVariantMap properties = *source->properties();
         properties.insert(kCGImagePropertyOrientation, 1);
         QBuffer file;
         file.open(QIODevice::ReadWrite);

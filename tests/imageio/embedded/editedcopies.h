@@ -71,7 +71,7 @@ public:
         const auto source = ImageSource::open(path);
         if (!source)
             return {};
-        ImageMetadata metadata(source->properties());
+        ImageMetadata metadata(*source->properties());
         edit(metadata);
         CopyRequest request{QString::fromLatin1(type), metadata.imagePropertiesDictionary(), &*source};
         request.cleared = metadata.clearedGroups();

@@ -2,6 +2,7 @@
 
 #include "imageio/codecs/jpeg/thumbnail.h"
 #include "imageio/container/imageresources.h"
+#include "imageio/filemetadata.h"
 #include "imageio/jpegassembly.h"
 #include "support/files.h"
 #include "support/testenvironment.h"
@@ -269,7 +270,7 @@ private:
     std::shared_ptr<const EmbeddedMetadata> readBack(const char *name, const QByteArray &file)
     {
         const QString path = m_folder.path(name);
-        return writeFile(path, file) ? EmbeddedMetadata::read(path) : EmbeddedMetadata::none();
+        return writeFile(path, file) ? metadataOf(path) : EmbeddedMetadata::none();
     }
 
     EmbeddedMetadata::Encoded copied(const EmbeddedMetadata::Encoded &blocks,

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "editedcopies.h"
+#include "imageio/filemetadata.h"
 #include "imageio/jpegassembly.h"
 
 #include <QTest>
@@ -168,7 +169,7 @@ private Q_SLOTS:
         QVERIFY(writeFile(path, jpegWith({.iptc = dataSet(1, 90, "\x1B%G") + dataSet(2, 55, "00000000") +
                                                   dataSet(2, 80, "J\xFCrgen") + dataSet(2, 120, "Z\xFCrich") +
                                                   dataSet(2, 25, "forest").chopped(1)})));
-        const auto metadata = EmbeddedMetadata::read(path);
+        const auto metadata = metadataOf(path);
         ImageMetadata edited(metadata->properties());
         edited.setIptcCity(u"Oslo"_s);
         EmbeddedMetadata::CopyFacts facts{QSize(16, 16)};
@@ -207,8 +208,7 @@ private Q_SLOTS:
             const QString copy = m_folder.path("written.jpg");
             QVERIFY(writeFile(copy, jpegWith(EmbeddedMetadata::none()->encodeForCopy(
                                         metadata.imagePropertiesDictionary(), {QSize(16, 16)}))));
-            const QVariant read =
-                ImageMetadata(EmbeddedMetadata::read(copy)->properties()).valueForKey(group, key);
+            const QVariant read = ImageMetadata(metadataOf(copy)->properties()).valueForKey(group, key);
             if (value.typeId() == QMetaType::Double)
                 QVERIFY2(qFuzzyCompare(read.toDouble(), value.toDouble()), key.data());
             else
@@ -241,7 +241,7 @@ private Q_SLOTS:
                 "Type=Face,Area={X=0.9,Y=0.1,W=0.1,H=0.2,Unit=normalized}}]} "
                 "'-RegionInfoMP={Regions=[{PersonDisplayName=Jane,Rectangle=0.85|, 0|, 0.1|, 0.2}]}' "
                 "'-ExifIFD:SubjectArea=360 30 40 60' '-XMP-exif:SubjectArea=360 30 40 60' -IPTC:City=Oslo"));
-        const auto metadata = EmbeddedMetadata::read(source);
+        const auto metadata = metadataOf(source);
         EmbeddedMetadata::CopyFacts facts{QSize(16, 16)};
         for (const bool isTurned : {false, true}) {
             facts.isTurned = isTurned;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "editedcopies.h"
+#include "imageio/filemetadata.h"
 #include "imageio/jpegassembly.h"
 
 #include <QRegularExpression>
@@ -189,7 +190,7 @@ private Q_SLOTS:
         const QStringList photos = photoPaths();
         QStringList copies;
         for (const QString &photo : photos) {
-            const auto metadata = EmbeddedMetadata::read(photo);
+            const auto metadata = metadataOf(photo);
             EmbeddedMetadata::CopyFacts facts{QSize(16, 16), 0};
             facts.cleared = ClearedGroup::Gps | ClearedGroup::Exif | ClearedGroup::Iptc | ClearedGroup::Tiff;
             copies += m_folder.path(u"%1.jpg"_s.arg(copies.size()));

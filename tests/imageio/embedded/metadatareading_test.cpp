@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/factplaces.h"
+#include "imageio/filemetadata.h"
 #include "imageio/imagesource.h"
 #include "imageio/jpegassembly.h"
 #include "metadata/propertykeys.h"
@@ -111,7 +112,7 @@ private Q_SLOTS:
             return; // brokenFilesGiveAReason() of imagesource_test reads these
         QVERIFY2(source, source ? "" : qPrintable(source.error().text));
         const QJsonObject record = m_records.value(path);
-        const QVariantMap properties = source->properties();
+        const QVariantMap properties = *source->properties();
         QSize size(properties[kCGImagePropertyPixelWidth].toInt(),
                    properties[kCGImagePropertyPixelHeight].toInt());
         const int orientation = properties[kCGImagePropertyOrientation].toInt();
@@ -228,8 +229,7 @@ private Q_SLOTS:
                 tag == u"Canon:SerialNumber")
                 expected = QString::fromUtf8(outputOf("exiftool -s3 -%1 %2", tag, path)).trimmed();
             QVERIFY2(!expected.isUndefined() && expected != u""_s, row.tag);
-            const QVariant value =
-                groupDictionary(EmbeddedMetadata::read(path)->properties(), row.group).value(row.key);
+            const QVariant value = groupDictionary(metadataOf(path)->properties(), row.group).value(row.key);
             if (value.typeId() == QMetaType::Double)
                 QCOMPARE(value.toDouble(), expected.toDouble());
             else
@@ -333,7 +333,7 @@ private Q_SLOTS:
         const auto [name, metadata, where, expected] = currentRow<Variant>();
         const QString path = m_folder.path("photo.jpg");
         QVERIFY(writeFile(path, jpegWith(metadata)));
-        QVariant found = EmbeddedMetadata::read(path)->properties();
+        QVariant found = metadataOf(path)->properties();
         for (const QString &key : where.split(u'/'))
             found = found.toMap().value(key);
         QCOMPARE(found, expected);
@@ -350,7 +350,7 @@ private Q_SLOTS:
             outputOf(u"exiftool"_s, words("-q -overwrite_original") + words(tags) + QStringList(path));
             const auto source = ImageSource::open(path);
             QVERIFY(source);
-            QCOMPARE(source->properties().value(kCGImagePropertyProfileName).toString(),
+            QCOMPARE(source->properties()->value(kCGImagePropertyProfileName).toString(),
                      isAdobeRgb ? u"Adobe RGB (1998)"_s : QString());
             const auto decoded = source->createImage();
             QVERIFY(decoded);
@@ -388,7 +388,7 @@ private:
     static QVariantMap propertiesOf(const QString &path)
     {
         const auto source = ImageSource::open(path);
-        return source ? source->properties() : EmbeddedMetadata::read(path)->properties();
+        return source ? *source->properties() : metadataOf(path)->properties();
     }
 
     static bool holdsInXmp(const QJsonObject &record, const QString &text)

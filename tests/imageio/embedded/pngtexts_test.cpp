@@ -2,6 +2,7 @@
 
 #include "editedcopies.h"
 #include "imageio/embedded/embeddedmetadata.h"
+#include "imageio/filemetadata.h"
 #include "support/bytes.h"
 
 #include <QTest>
@@ -76,7 +77,7 @@ private Q_SLOTS:
     void otherFormatsHoldTheSame()
     {
         const QString copy = m_copies.copyOf(pngWith(someTexts()), [](ImageMetadata &) {});
-        const ImageMetadata read(EmbeddedMetadata::read(copy)->properties());
+        const ImageMetadata read(metadataOf(copy)->properties());
         QCOMPARE(read.iptcCreator(), QVariant(u"Ann"_s));
         QCOMPARE(read.iptcTitle(), QVariant(u"A lake"_s));
         QCOMPARE(read.iptcDescription(), QVariant(u"Łódź"_s));
@@ -116,7 +117,7 @@ private Q_SLOTS:
         for (const QByteArray &one : {packed("Disclaimer", bomb), packed("Raw profile type other", bomb),
                                       packed("date:create", bomb), plain("Disclaimer", "x")}) {
             const QString path = pngWith(one.repeated(1000));
-            const auto metadata = EmbeddedMetadata::read(path);
+            const auto metadata = metadataOf(path);
             QVERIFY(metadata->encodeForCopy(metadata->properties(), {QSize(8, 8)}).texts.size() <= 200);
         }
     }

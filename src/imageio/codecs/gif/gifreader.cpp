@@ -64,6 +64,14 @@ public:
                record == IMAGE_DESC_RECORD_TYPE && DGifGetImageDesc(m_gif) == GIF_OK;
     }
 
+    /// Is the frame the measured one? Rows of another one would not fit.
+    bool hasFrame(const GifStructure &measured) const
+    {
+        const GifImageDesc &image = m_gif->Image;
+        return QRect(image.Left, image.Top, image.Width, image.Height) == measured.frame &&
+               image.Interlace == measured.isInterlaced;
+    }
+
     bool readRow(uchar *indices) { return DGifGetLine(m_gif, indices, m_gif->Image.Width) == GIF_OK; }
 
     /// The frame's colors; null when the file has no table for it.
@@ -142,6 +150,8 @@ public:
     {
         if (!m_decoder.start(m_structure.framePosition))
             return fail(m_decoder.failureReason());
+        if (!m_decoder.hasFrame(m_structure))
+            return fail(PictureFailures::changedMeanwhile());
         m_colors = colorsOf(m_decoder.table(), m_structure);
         const auto width = size_t(m_structure.frame.width());
         try {

@@ -3,13 +3,15 @@
 #include "imageio/codecs/heif/heiffile.h"
 
 #include "imageio/base/picturefailures.h"
+#include "imageio/codecs/heif/heifplanes.h"
+#include "imageio/codecs/heif/hevcdecoder.h"
 #include "imageio/container/heifbrands.h"
 
 #include <QByteArray>
 
 #include <dav1d/dav1d.h>
-#include <libheif/heif_plugin.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <mutex>
@@ -30,11 +32,7 @@ constexpr size_t kMaxProfileBytes = 32'000'000;
 /// Pictures are limited to a gigapixel; their sizes are measured before.
 constexpr unsigned kMaxPixels = 1'100'000'000;
 
-constexpr heif_error kDone = {heif_error_Ok, heif_suberror_Unspecified, "Success"};
-constexpr heif_error kDamaged = {heif_error_Decoder_plugin_error, heif_suberror_Unspecified,
-                                 "damaged AV1 data"};
-constexpr heif_error kNoMemory = {heif_error_Memory_allocation_error, heif_suberror_Unspecified,
-                                  "out of memory"};
+using namespace HeifResult;
 
 struct FreePicture {
     void operator()(Dav1dPicture *picture) const
@@ -103,53 +101,18 @@ private:
     {
         static constexpr heif_chroma kChromas[] = {heif_chroma_monochrome, heif_chroma_420, heif_chroma_422,
                                                    heif_chroma_444};
-        static constexpr heif_channel kChannels[] = {heif_channel_Y, heif_channel_Cb, heif_channel_Cr};
-        const bool isGray = picture.p.layout == DAV1D_PIXEL_LAYOUT_I400;
-        heif_image *made = nullptr;
-        heif_error error = heif_image_create(picture.p.w, picture.p.h,
-                                             isGray ? heif_colorspace_monochrome : heif_colorspace_YCbCr,
-                                             kChromas[picture.p.layout], &made);
-        HeifImage image(made);
-        for (int i = 0; i < (isGray ? 1 : 3) && error.code == heif_error_Ok; ++i) {
-            const bool isHalfWide = i > 0 && picture.p.layout != DAV1D_PIXEL_LAYOUT_I444;
-            const bool isHalfHigh = i > 0 && picture.p.layout == DAV1D_PIXEL_LAYOUT_I420;
-            const int width = isHalfWide ? (picture.p.w + 1) / 2 : picture.p.w;
-            const int height = isHalfHigh ? (picture.p.h + 1) / 2 : picture.p.h;
-            error = heif_image_add_plane(made, kChannels[i], width, height, picture.p.bpc);
-            if (error.code == heif_error_Ok)
-                copyPlane(picture, i, heif_image_get_plane(made, kChannels[i], nullptr), made, height,
-                          size_t(width) * (picture.p.bpc > 8 ? 2 : 1));
-        }
-        if (error.code == heif_error_Ok)
-            setColors(made, *picture.seq_hdr);
-        if (error.code == heif_error_Ok)
-            *out = image.release();
-        return error;
-    }
-
-    static void copyPlane(const Dav1dPicture &picture, int plane, uint8_t *to, const heif_image *image,
-                          int height, size_t rowBytes)
-    {
-        static constexpr heif_channel kChannels[] = {heif_channel_Y, heif_channel_Cb, heif_channel_Cr};
-        int stride = 0;
-        heif_image_get_plane_readonly(image, kChannels[plane], &stride);
-        const auto *from = static_cast<const uint8_t *>(picture.data[plane]);
-        for (int y = 0; y < height; ++y)
-            std::memcpy(to + qsizetype(y) * stride, from + y * picture.stride[plane > 0 ? 1 : 0], rowBytes);
-    }
-
-    /// The colors in the bitstream, for files whose boxes lack them.
-    static void setColors(heif_image *image, const Dav1dSequenceHeader &header)
-    {
-        const HeifColors colors(heif_nclx_color_profile_alloc());
-        if (!colors)
-            return;
-        // Code points that libheif does not know leave the defaults, sRGB, in place.
-        heif_nclx_color_profile_set_color_primaries(colors.get(), uint16_t(header.pri));
-        heif_nclx_color_profile_set_transfer_characteristics(colors.get(), uint16_t(header.trc));
-        heif_nclx_color_profile_set_matrix_coefficients(colors.get(), uint16_t(header.mtrx));
-        colors->full_range_flag = header.color_range != 0;
-        heif_image_set_nclx_color_profile(image, colors.get());
+        HeifPlanes planes;
+        planes.width = picture.p.w;
+        planes.height = picture.p.h;
+        planes.bits = picture.p.bpc;
+        planes.chroma = kChromas[picture.p.layout];
+        for (size_t i = 0; i < size_t(planes.count()); ++i)
+            planes.planes[i] = {static_cast<const uint8_t *>(picture.data[i]), picture.stride[i > 0 ? 1 : 0]};
+        planes.primaries = picture.seq_hdr->pri;
+        planes.transfer = picture.seq_hdr->trc;
+        planes.matrix = picture.seq_hdr->mtrx;
+        planes.isFullRange = picture.seq_hdr->color_range != 0;
+        return planes.toHeif(out);
     }
 };
 
@@ -183,6 +146,7 @@ void prepareHeifLibrary()
     std::call_once(once, [] {
         heif_init(nullptr);
         heif_register_decoder_plugin(&kAv1Plugin);
+        heif_register_decoder_plugin(&kHevcPlugin);
     });
 }
 
@@ -191,9 +155,12 @@ const heif_reader HeifFile::kReader = {
     [](void *file) -> int64_t { return static_cast<HeifFile *>(file)->m_device.pos(); },
     [](void *data, size_t size, void *file) -> int {
         auto *self = static_cast<HeifFile *>(file);
-        const bool isRead = self->m_device.read(static_cast<char *>(data), qint64(size)) == qint64(size);
-        self->m_hasReadError = self->m_hasReadError || !isRead;
-        return isRead ? 0 : 1;
+        auto *bytes = static_cast<char *>(data);
+        const qint64 got = std::max<qint64>(self->m_device.read(bytes, qint64(size)), 0);
+        // The library ends the program where a read fails, so it gets zeros, and the caller fails.
+        std::fill(bytes + got, bytes + size, '\0');
+        self->m_hasReadError = self->m_hasReadError || got < qint64(size);
+        return 0;
     },
     [](int64_t position, void *file) -> int {
         return static_cast<HeifFile *>(file)->m_device.seek(position) ? 0 : 1;
@@ -228,7 +195,7 @@ Result<void> HeifFile::open()
     heif_image_handle *primary = nullptr;
     error = heif_context_get_primary_image_handle(m_context.get(), &primary);
     m_primary.reset(primary);
-    if (error.code != heif_error_Ok || !m_primary)
+    if (error.code != heif_error_Ok || !m_primary || m_hasReadError)
         return tl::unexpected(failure(error));
     return {};
 }

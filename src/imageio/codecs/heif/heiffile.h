@@ -63,7 +63,10 @@ public:
     heif_context *context() const { return m_context.get(); }
     const heif_image_handle *primary() const { return m_primary.get(); }
 
-    /// The program's text for a failure of the library.
+    /// Has the library got zeros in place of bytes that cannot be read?
+    bool hasReadError() const { return m_hasReadError; }
+
+    /// The program's text for a failure of the library, or of a read.
     Error failure(const heif_error &error) const;
 
     /// "HEIC" or "AVIF".

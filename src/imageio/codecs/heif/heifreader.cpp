@@ -127,7 +127,7 @@ public:
         const heif_error error =
             heif_decode_image(picture.file.primary(), &decoded, heif_colorspace_RGB, chroma, options.get());
         m_image.reset(decoded);
-        if (error.code != heif_error_Ok || !m_image)
+        if (error.code != heif_error_Ok || !m_image || picture.file.hasReadError())
             return tl::unexpected(picture.file.failure(error));
         return adoptRows(picture);
     }

@@ -49,9 +49,12 @@ void onMessage(j_common_ptr info, int level)
     JpegErrors *errors = errorsOf(info);
     const int code = info->err->msg_code;
     errors->lacksData = errors->lacksData || code == JWRN_HIT_MARKER || code == JWRN_JPEG_EOF;
+    if (code == JWRN_EXTRANEOUS_DATA)
+        errors->strayBytes += info->err->msg_parm.i[0];
     // Not for stray bytes before a marker or an unknown version number.
     errors->isDamaged = errors->isDamaged || errors->lacksData || code == JWRN_HUFF_BAD_CODE ||
-                        code == JWRN_ARITH_BAD_CODE || code == JWRN_MUST_RESYNC;
+                        code == JWRN_ARITH_BAD_CODE || code == JWRN_MUST_RESYNC ||
+                        code == JWRN_BOGUS_PROGRESSION; // a scan between others is missing
     ++info->err->num_warnings;
 }
 
@@ -66,6 +69,7 @@ jpeg_error_mgr *JpegErrors::attach()
     manager.emit_message = onMessage;
     manager.output_message = dropMessage;
     isDamaged = lacksData = isUnsupported = isOutOfMemory = false;
+    strayBytes = 0;
     return &manager;
 }
 

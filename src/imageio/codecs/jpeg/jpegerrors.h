@@ -23,6 +23,7 @@ struct JpegErrors {
     bool lacksData;     ///< libjpeg warned of missing data
     bool isUnsupported; ///< libjpeg has no decoder for the picture
     bool isOutOfMemory;
+    long strayBytes; ///< skipped in front of markers
 
     /// Prepares this object. @return the value for the `err` field of libjpeg's structure
     jpeg_error_mgr *attach();

@@ -29,6 +29,10 @@ constexpr int kRowsAtATime = 16;
 constexpr qint64 kMaxScannedPixels = 20'000'000'000;
 constexpr int kScansAlwaysAllowed = 20;
 
+/// A complete file may lack its end marker, but has hardly a byte in its place. A file whose end was never
+/// stored has zeros there, which decode to gray areas without a complaint.
+constexpr long kMostStrayBytes = 16;
+
 /// libjpeg's input: large reads from a device. At the end of the file it supplies an end marker; the decoder
 /// then notices whether data are missing.
 struct Source {
@@ -120,6 +124,8 @@ public:
         return {};
     }
 
+    QString notice() const override { return m_lacksLastStep ? PictureFailures::lacksLastScan() : QString(); }
+
 private:
     Result<void> decodeRows(uchar *bits, qsizetype stride, int count) override
     {
@@ -138,6 +144,8 @@ private:
                 convertRow(m_rows[size_t(i)], reinterpret_cast<QRgb *>(target + i * stride));
             row += rows;
         }
+        if (rowsRead() + count == m_format.size.height() && !hasEnd())
+            return fail(PictureFailures::truncated());
         return {};
     }
 
@@ -200,14 +208,27 @@ private:
     {
         if (!jpeg_has_multiple_scans(&m_info))
             return true;
-        for (int i = 0; i < m_info.num_components && !m_errors.lacksData; ++i) {
-            m_errors.lacksData = !m_info.comp_info[i].quant_table; // set by a component's first scan
-            if (m_source.reachedEnd && m_info.coef_bits)           // 0: complete
-                m_errors.lacksData =
-                    m_errors.lacksData || std::any_of(m_info.coef_bits[i], m_info.coef_bits[i] + DCTSIZE2,
-                                                      [](int bits) { return bits != 0; });
+        for (int i = 0; i < m_info.num_components; ++i) {
+            // Set by a component's first scan.
+            m_errors.lacksData = m_errors.lacksData || !m_info.comp_info[i].quant_table;
+            // The low bits that each coefficient of a progressive picture lacks; below 0: all.
+            for (int k = 0; k < DCTSIZE2 && m_info.coef_bits; ++k) {
+                const int lacking = m_info.coef_bits[i][k];
+                const bool isLastStep = lacking == 1 && !m_source.reachedEnd;
+                m_lacksLastStep = m_lacksLastStep || isLastStep;
+                m_errors.lacksData = m_errors.lacksData || (lacking != 0 && !isLastStep);
+            }
         }
         return !m_errors.lacksData;
+    }
+
+    /// Reads on after the last row: do the data end, or do bytes without meaning go on to the file's end?
+    bool hasEnd()
+    {
+        if (setjmp(m_errors.jump))
+            return true; // damage after the picture
+        jpeg_finish_decompress(&m_info);
+        return !m_source.reachedEnd || m_errors.strayBytes <= kMostStrayBytes;
     }
 
     /// libjpeg holds the coefficients of a picture of several scans, two bytes each.
@@ -276,6 +297,7 @@ private:
     std::vector<uchar> m_buffer; ///< decoded rows that are not QRgb yet
     std::array<JSAMPROW, kRowsAtATime> m_rows = {};
     bool m_isStarted = false;
+    bool m_lacksLastStep = false; ///< of a progressive picture, in an otherwise complete file
 };
 
 } // namespace

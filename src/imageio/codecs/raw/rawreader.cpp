@@ -4,12 +4,14 @@
 #include "imageio/base/picturefailures.h"
 #include "imageio/base/reducedrows.h"
 #include "imageio/codecs/codecs.h"
+#include "imageio/codecs/raw/rawsamples.h"
 #include "imageio/codecs/raw/rawstream.h"
 #include "metadata/metadatatext.h"
 #include "metadata/propertykeys.h"
 
 #include <QDateTime>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -74,6 +76,23 @@ int orientationOf(int flip)
         constexpr int kOrientations[] = {1, 2, 4, 3, 5, 8, 6, 7};
         return kOrientations[flip & 7];
     }
+}
+
+/// Can LibRaw interpolate the colors of this filter array? With any other one it uses random numbers.
+bool isUsableArray(const libraw_iparams_t &picture)
+{
+    if (picture.filters <= 1000) // no array, or one that LibRaw checks
+        return true;
+    if (picture.colors == 4) {
+        unsigned colors = 0;
+        for (int bit = 0; bit < 32; bit += 2)
+            colors |= 1U << (picture.filters >> bit & 3);
+        return colors == 0b1111;
+    }
+    // The four rotations of a Bayer pattern, eight rows of two places. Colors 1 and 3 are green.
+    const unsigned oneGreen = picture.filters & ~((picture.filters & 0x55555555) << 1);
+    static constexpr unsigned kPatterns[] = {0x16161616, 0x49494949, 0x61616161, 0x94949494};
+    return picture.colors == 3 && std::ranges::find(kPatterns, oneGreen) != std::end(kPatterns);
 }
 
 template<size_t size>
@@ -234,6 +253,7 @@ Result<void> RawFile::open()
     parameters.user_flip = 0;
     parameters.max_raw_memory_mb = unsigned(qBound(qint64(1), m_limits.maxBytes >> 20, qint64(1) << 30));
     m_decoder->stream.grant(kHeaderWork + 4 * m_device.size(), kMaxEndReadingsInHeaders);
+    clearStackBelow();
     const int error = guarded([this] { return m_decoder->open_datastream(&m_decoder->stream); });
     if (error != LIBRAW_SUCCESS)
         return fail(failureReason(error));
@@ -244,6 +264,8 @@ Result<void> RawFile::readFacts()
 {
     libraw_data_t &raw = m_decoder->imgdata;
     libraw_image_sizes_t &sizes = raw.sizes;
+    if (!isUsableArray(raw.idata))
+        return fail(PictureFailures::unsupportedKind("camera raw"));
     m_info.orientation = orientationOf(sizes.flip);
     sizes.flip = 0;
     int width = 0, height = 0, colors = 0, bits = 0;
@@ -290,12 +312,20 @@ Result<QImage> RawFile::decode(bool isHalf)
     RawStream &stream = m_decoder->stream;
     m_decoder->imgdata.params.half_size = isHalf ? 1 : 0;
     stream.grant(kHeaderWork + 32 * m_device.size(), kMaxEndReadingsInPixels);
-    if (const int error = guarded([this] { return m_decoder->unpack(); }); error != LIBRAW_SUCCESS)
-        return fail(failureReason(error));
+    bool isPrepared = false;
+    stream.callBeforeSeek(
+        [&] { isPrepared = RawSamples::prepare(m_decoder->imgdata, m_decoder->isRotatedBy45()); });
+    const int unpacked = guarded([this] { return m_decoder->unpack(); });
+    stream.callBeforeSeek({});
+    if (unpacked != LIBRAW_SUCCESS)
+        return fail(failureReason(unpacked));
     if (m_decoder->error_count() > 0)
         return fail(stream.endReadings() > 0 ? PictureFailures::truncated() : PictureFailures::damaged());
     if (stream.hasDamagedJpeg())
         return fail(PictureFailures::damaged());
+    if ((isPrepared && !RawSamples::areComplete(m_decoder->imgdata)) ||
+        RawSamples::areUniform(m_decoder->imgdata))
+        return fail(PictureFailures::lacksSensorData());
     if (const int error = guarded([this] { return m_decoder->dcraw_process(); }); error != LIBRAW_SUCCESS)
         return fail(failureReason(error));
     libraw_processed_image_t *made = nullptr;

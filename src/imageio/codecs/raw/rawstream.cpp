@@ -4,9 +4,11 @@
 
 #include <jpeglib.h>
 
+#include <array>
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 namespace plexa
 {
@@ -20,6 +22,14 @@ constexpr qint64 kWindowBytes = 1 << 16;
 constexpr qint64 kCallWork = 16;
 
 } // namespace
+
+[[gnu::noinline]] void clearStackBelow()
+{
+    constexpr size_t kBytes = 32 * 1024; // LibRaw's functions that read headers need less
+    std::array<char, kBytes> stack;
+    stack.fill(0);
+    asm volatile("" : : "r"(stack.data()) : "memory"); // or the compiler would omit it
+}
 
 RawStream::RawStream(QIODevice &device)
     : m_device(device)
@@ -61,6 +71,7 @@ bool RawStream::fillWindow()
     m_windowStart = m_position;
     m_window.resize(qMin(kWindowBytes, m_size - m_position));
     m_window.resize(readAt(m_position, m_window.data(), m_window.size()));
+    clearStackBelow();
     return !m_window.isEmpty();
 }
 
@@ -96,6 +107,8 @@ int RawStream::read(void *bytes, size_t size, size_t count)
 
 int RawStream::seek(INT64 offset, int whence)
 {
+    if (m_beforeSeek)
+        std::exchange(m_beforeSeek, {})();
     count(kCallWork);
     const qint64 base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? m_position : m_size;
     // Offsets come out of the file and may be any number.

@@ -7,6 +7,8 @@
 
 #include <libraw/libraw.h>
 
+#include <functional>
+
 namespace plexa
 {
 
@@ -22,6 +24,9 @@ public:
     /// @param work         bytes and calls
     /// @param endReadings  reads that may begin at the file's end
     void grant(qint64 work, qint64 endReadings);
+
+    /// Calls the function once, before the next seek(), with which LibRaw begins to decode pixels.
+    void callBeforeSeek(std::function<void()> function) { m_beforeSeek = std::move(function); }
 
     /// The reads that began at the file's end since grant().
     qint64 endReadings() const { return m_endReadings; }
@@ -58,6 +63,11 @@ private:
     qint64 m_maxEndReadings = 0;
     bool m_hasDamagedJpeg = false;
     bool m_hasFailed = false;
+    std::function<void()> m_beforeSeek;
 };
+
+/// Clears the part of the stack that functions called next will use. LibRaw reads some variables that
+/// damaged files never set; without this, pixels would depend on what ran before. Inexpensive.
+void clearStackBelow();
 
 } // namespace plexa

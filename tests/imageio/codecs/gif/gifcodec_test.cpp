@@ -179,7 +179,7 @@ private Q_SLOTS:
             profile += char(qMin<qsizetype>(255, icc.size() - at)) + icc.mid(at, 255);
         const qsizetype table = 13 + 3 * (2 << (file[10] & 7));
         QVERIFY(writeFile(path, file.insert(table, profile + '\0')));
-        QCOMPARE(ImageSource::open(path)->properties().value(u"ProfileName"_qs).toString(),
+        QCOMPARE(ImageSource::open(path)->properties()->value(u"ProfileName"_qs).toString(),
                  u"Adobe RGB (1998)"_qs);
         QVERIFY(meanDifference(decoded(path), *adobe->createImage()) < 4); // but for the palette
     }

@@ -191,12 +191,37 @@ private Q_SLOTS:
             const auto source = ImageSource::open(path);
             QVERIFY2(source, source ? "" : qPrintable(source.error().text));
             QCOMPARE(source->info().rows.size, isRotated ? QSize(64, 96) : QSize(96, 64));
-            const QVariantMap &properties = source->properties();
+            const QVariantMap properties = *source->properties();
             QCOMPARE(properties.value(u"Orientation"_s), QVariant(1));
             const QVariantMap tiff = properties.value(u"{TIFF}"_s).toMap();
             QCOMPARE(tiff.value(u"Orientation"_s), QVariant(1));
             QCOMPARE(tiff.value(u"Make"_s), QVariant(u"Quorvel"_s));
         }
+    }
+
+    /// Decoders go on after damage and leave the rest as it is in memory.
+    void damagedDataAreRefused()
+    {
+        const QString big = m_folder.path("detailed.png");
+        QVERIFY(detailedPicture({320, 200}).save(big));
+        const QString path = encoded(u"-q 80"_s, u"damaged.heic"_s, big);
+        const QByteArray whole = contentsOf(path);
+        const qsizetype data = whole.indexOf("mdat") + 200;
+        QVERIFY(data > 200 && whole.size() > data + 2000);
+        QVERIFY(!decoded(path).isNull());
+        QString error;
+        QVERIFY(writeFile(path, whole.first((data + whole.size()) / 2).leftJustified(whole.size(), '\0')));
+        QVERIFY(decoded(path, &error).isNull());
+        QCOMPARE(error, u"the picture data are damaged"_s);
+        int refused = 0;
+        constexpr int kPlaces = 40;
+        for (int i = 0; i < kPlaces; ++i) {
+            QByteArray damaged = whole;
+            damaged[data + (whole.size() - data) / 2 * i / kPlaces] ^= 16;
+            QVERIFY(writeFile(path, damaged));
+            refused += decoded(path).isNull() ? 1 : 0;
+        }
+        QVERIFY2(refused > kPlaces / 2, qPrintable(QString::number(refused)));
     }
 
     void liesAreFoundBeforeDecoding()

@@ -172,7 +172,7 @@ private Q_SLOTS:
         magick("%1 %2", origin, path);
         QVERIFY(contentsOf(path).contains("Raw profile type iptc"));
         QVERIFY(contentsOf(path).contains("Raw profile type xmp"));
-        const QVariantMap iptc = ImageSource::open(path)->properties().value(u"{IPTC}"_qs).toMap();
+        const QVariantMap iptc = ImageSource::open(path)->properties()->value(u"{IPTC}"_qs).toMap();
         QCOMPARE(iptc.value(u"City"_qs).toString(), u"Ulm"_qs);
         QCOMPARE(iptc.value(u"ObjectName"_qs).toString(), u"Żółw"_qs);
     }

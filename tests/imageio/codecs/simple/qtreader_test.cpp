@@ -200,7 +200,7 @@ private Q_SLOTS:
                           "-ImageLength -Warning %1",
                           path),
                  QByteArray("11811\n5906\nsRGB\n24\nNone\n1920\n"));
-        QCOMPARE(std::lround(ImageSource::open(path)->properties().value(u"DPIWidth"_qs).toDouble()), 300L);
+        QCOMPARE(std::lround(ImageSource::open(path)->properties()->value(u"DPIWidth"_qs).toDouble()), 300L);
         QCOMPARE(qFromLittleEndian<qint32>(contentsOf(path).constData() + 2), QFileInfo(path).size());
     }
 };

@@ -154,9 +154,9 @@ private Q_SLOTS:
             QVERIFY(writeFile(path, file));
             const auto source = ImageSource::open(path);
             QVERIFY(source);
-            QCOMPARE(source->properties().value(u"{IPTC}"_qs).toMap().value(u"City"_qs).toString(),
+            QCOMPARE(source->properties()->value(u"{IPTC}"_qs).toMap().value(u"City"_qs).toString(),
                      u"Paris"_qs);
-            const auto metadata = source->metadata();
+            const auto metadata = *source->metadata();
             QCOMPARE(metadata->encodeForCopy(metadata->properties(), {QSize(8, 8), 0}).iptc, records);
         }
     }

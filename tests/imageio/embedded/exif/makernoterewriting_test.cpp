@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/copydifferences.h"
+#include "imageio/filemetadata.h"
 #include "imageio/jpegassembly.h"
 #include "metadata/imagemetadata.h"
 #include "support/datarows.h"
@@ -65,7 +66,7 @@ private Q_SLOTS:
         QStringList copies;
         QList<QStringList> omitted;
         for (const QString &photo : std::as_const(m_photos)) {
-            const auto metadata = EmbeddedMetadata::read(photo);
+            const auto metadata = metadataOf(photo);
             ImageMetadata edited(metadata->properties());
             if (key.isEmpty())
                 edited.clearGPSData();
@@ -84,10 +85,8 @@ private Q_SLOTS:
         for (qsizetype i = 0; i < copies.size(); ++i) {
             const bool isReported = omitted[i].contains(u"maker note"_s);
             const QJsonObject record = records[copies[i]];
-            const QVariantMap before =
-                ImageMetadata(EmbeddedMetadata::read(m_photos[i])->properties()).exifAuxData();
-            const QVariantMap after =
-                ImageMetadata(EmbeddedMetadata::read(copies[i])->properties()).exifAuxData();
+            const QVariantMap before = ImageMetadata(metadataOf(m_photos[i])->properties()).exifAuxData();
+            const QVariantMap after = ImageMetadata(metadataOf(copies[i])->properties()).exifAuxData();
             QStringList ofPhoto =
                 faultsOfTags(m_sources[m_photos[i]], record, key, isRemoved, before.contains(key));
             if (!key.isEmpty() && after.value(key) != wanted)
@@ -120,7 +119,7 @@ private Q_SLOTS:
         }
         const QString path = m_folder.path("patched.jpg");
         QVERIFY(writeFile(path, photo));
-        const auto metadata = EmbeddedMetadata::read(path);
+        const auto metadata = metadataOf(path);
         const auto encoded = metadata->encodeForCopy(metadata->properties(), {QSize(16, 16), 0});
         const QString copy = m_folder.path("copy.jpg");
         QVERIFY(writeFile(copy, jpegWith(encoded)));

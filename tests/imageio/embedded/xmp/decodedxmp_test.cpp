@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "imageio/embedded/xmp/xmpnamespaces.h"
+#include "imageio/filemetadata.h"
 #include "imageio/jpegassembly.h"
 #include "metadata/imagemetadata.h"
 #include "support/exiftool.h"
@@ -155,7 +156,7 @@ private Q_SLOTS:
                 copyOf(xmpPacket(kPhotoshop, "<photoshop:City>" + text + "</photoshop:City>"));
             QCOMPARE(m_omitted, city.isNull() ? QStringList(u"XMP"_s) : QStringList());
             QCOMPARE(QString::fromUtf8(exiftoolValue(copy, u"XMP-photoshop:City"_s)), city);
-            const auto source = EmbeddedMetadata::read(m_folder.path("source.jpg"));
+            const auto source = metadataOf(m_folder.path("source.jpg"));
             QCOMPARE(ImageMetadata(source->properties()).iptcCity().toString(), city);
         };
         check("K\xF6ln \x80 K\xC3\xB6ln", u"K\u00F6ln \u20AC K\u00F6ln"_s);
@@ -172,7 +173,7 @@ private:
         const QString copy = m_folder.path(u"copy%1.jpg"_s.arg(++m_copies));
         if (!writeFile(path, jpegWith({.xmp = xmp}).insert(2, moreSegments)))
             return {};
-        const auto source = EmbeddedMetadata::read(path);
+        const auto source = metadataOf(path);
         ImageMetadata edited(source->properties());
         for (auto fact = iptc.begin(); fact != iptc.end(); ++fact)
             edited.setIptcValue(*fact, fact.key());

@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include <QByteArrayView>
+
 class QIODevice;
 
 namespace plexa
@@ -12,5 +14,11 @@ namespace plexa
 /// @param device  open for reading, random access, at any position; its position afterwards is undefined
 /// @return 1 where the file states none, or an invalid one
 int storedOrientation(QIODevice &device);
+
+/// May the metadata of a file of a format that is written here name this software? A file that only has the
+/// name at another place of its metadata may, too. Much faster than reading the metadata.
+/// @param device    open for reading, random access, at any position; its position afterwards is undefined
+/// @param software  ASCII
+bool mayNameSoftware(QIODevice &device, QByteArrayView software);
 
 } // namespace plexa

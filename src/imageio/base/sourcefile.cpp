@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "imageio/base/sourcefile.h"
+
+#include "imageio/base/picturefailures.h"
+
+#include <QFile>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace plexa
+{
+
+SourceFile::SourceFile(int descriptor, const FileVersion &version)
+    : m_descriptor(descriptor)
+    , m_version(version)
+{
+    open(QIODevice::ReadOnly);
+}
+
+SourceFile::~SourceFile()
+{
+    ::close(m_descriptor);
+}
+
+Result<std::unique_ptr<SourceFile>> SourceFile::openAt(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    struct stat status = {};
+    // Opening a pipe would wait for its other end; a device has no reliable end.
+    if (::stat(name.constData(), &status) == 0 && !S_ISREG(status.st_mode))
+        return fail(PictureFailures::notAPicture());
+    int descriptor = -1;
+    do {
+        descriptor = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+    } while (descriptor < 0 && errno == EINTR);
+    if (descriptor < 0)
+        return fail(PictureFailures::readError(qt_error_string(errno)));
+    const std::optional<FileVersion> version = fileVersionOf(descriptor);
+    if (version)
+        return std::unique_ptr<SourceFile>(new SourceFile(descriptor, *version));
+    const QString reason = qt_error_string(errno);
+    ::close(descriptor);
+    return fail(PictureFailures::readError(reason));
+}
+
+Result<void> SourceFile::checkReads() const
+{
+    return m_failure.isEmpty() ? Result<void>() : fail(m_failure);
+}
+
+Result<void> SourceFile::checkUnchanged() const
+{
+    if (!m_failure.isEmpty())
+        return fail(m_failure);
+    if (fileVersionOf(m_descriptor) != m_version)
+        return fail(PictureFailures::changedMeanwhile());
+    return {};
+}
+
+bool SourceFile::seek(qint64 position)
+{
+    m_position = position;
+    return QIODevice::seek(position);
+}
+
+/// @param error  an errno value; 0: the file ends before its size
+void SourceFile::recordFailure(int error)
+{
+    const QString reason = error != 0 ? qt_error_string(error) : PictureFailures::changedMeanwhile();
+    setErrorString(reason);
+    if (m_failure.isEmpty())
+        m_failure = error != 0 ? PictureFailures::readError(reason) : reason;
+}
+
+qint64 SourceFile::readData(char *bytes, qint64 count)
+{
+    const qint64 wanted = qMin(count, size() - m_position);
+    qint64 done = 0;
+    while (done < wanted) {
+        const ssize_t got = ::pread(m_descriptor, bytes + done, size_t(wanted - done), off_t(m_position));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0) {
+            recordFailure(got < 0 ? errno : 0);
+            return done > 0 ? done : -1;
+        }
+        done += got;
+        m_position += got;
+    }
+    return done;
+}
+
+} // namespace plexa
