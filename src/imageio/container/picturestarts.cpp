@@ -84,6 +84,22 @@ bool holdsPictureStart(QByteArrayView bytes)
     return holdsJpeg(bytes) || bytes.contains("\x89PNG\r\n\x1A\n");
 }
 
+bool holdsPictureAsText(const QByteArray &text)
+{
+    constexpr int kMostStarts = 16; // decoding from each of many would take quadratic time
+    const auto holds = [](const QByteArray &searched, const QByteArray &start, const auto &decoded) {
+        int starts = 0;
+        for (qsizetype at = searched.indexOf(start); at >= 0; at = searched.indexOf(start, at + 1)) {
+            if (++starts > kMostStarts || holdsJpeg(decoded(searched.mid(at))))
+                return true;
+        }
+        return false;
+    };
+    return text.contains("iVBORw0KGgo") ||
+           holds(text, "/9j/", [](const QByteArray &rest) { return QByteArray::fromBase64(rest); }) ||
+           holds(text.toLower(), "ffd8ff", [](const QByteArray &rest) { return QByteArray::fromHex(rest); });
+}
+
 bool isPictureValue(const QByteArray &value)
 {
     return holdsPictureStart(value) ||

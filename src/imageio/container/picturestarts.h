@@ -12,6 +12,10 @@ namespace plexa
 /// byte may be any: some cameras spoil it in their maker notes.
 bool holdsPictureStart(QByteArrayView bytes);
 
+/// Does a text hold a JPEG or PNG in base 64 or in hexadecimal digits? The letters with which one begins may
+/// occur in words by chance.
+bool holdsPictureAsText(const QByteArray &text);
+
 /// Is this value a picture: does a JPEG or PNG begin anywhere in it, or does it begin like a file of another
 /// picture format (TIFF, GIF, WebP, HEIF, AVIF, JPEG XL, JPEG 2000, BMP)?
 bool isPictureValue(const QByteArray &value);

@@ -94,8 +94,7 @@ bool isToBeCopied(const QByteArray &keyword)
 /// As bytes, in base 64 or in hexadecimal digits.
 bool holdsPicture(const QByteArray &bytes)
 {
-    return holdsPictureStart(bytes) || bytes.contains("/9j/") || bytes.contains("iVBORw0KGgo") ||
-           bytes.toLower().contains("ffd8ff");
+    return holdsPictureStart(bytes) || holdsPictureAsText(bytes);
 }
 
 /// Does a clearing reach a text that the property dictionary does not know?

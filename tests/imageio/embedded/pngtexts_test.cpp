@@ -45,13 +45,14 @@ class PngTextsTest : public QObject
 private Q_SLOTS:
     void copiesKeepTexts()
     {
+        const QByteArray jpeg("\xFF\xD8\xFF\xC0\0\x0B\x08\0\1\0\1\1\1\x11"_ba);
         const QString path =
             pngWith(someTexts() + plain("Software", "Old") + plain("Thumb::URI", "file:///a") +
-                    plain("Thumbnail", "small") + plain("date:create", "2020") +
-                    plain("Preview", "\xFF\xD8\xFF\xC0\0\x0B\x08\0\1\0\1\1\1\x11"_ba) +
-                    plain("Picture", "/9j/4AAQSkZJRg") + plain("Source", QByteArray(300'000, 'x')) +
-                    plain(" not proper", "x") + plain("", "x") + pngChunk("iTXt", "Warning") +
-                    pngChunk("zTXt", "Warning\0"));
+                    plain("Thumbnail", "small") + plain("date:create", "2020") + plain("Preview", jpeg) +
+                    plain("Picture", "data:image/jpeg;base64," + jpeg.toBase64()) +
+                    plain("Digits", jpeg.toHex()) + plain("Words", "by chance: img/9j/2 ffd8ff00") +
+                    plain("Source", QByteArray(300'000, 'x')) + plain(" not proper", "x") + plain("", "x") +
+                    pngChunk("iTXt", "Warning") + pngChunk("zTXt", "Warning\0"));
         const QByteArray bytes = copyOf(path, [](ImageMetadata &m) { m.setTiffSoftware(u"New"_s); });
         QImage image;
         QVERIFY(image.loadFromData(bytes, "PNG"));
@@ -60,10 +61,14 @@ private Q_SLOTS:
             texts.insert(key, image.text(key));
         texts.remove(u"XML:com.adobe.xmp"_s);
         texts.remove(u"Raw profile type iptc"_s);
-        const QMap<QString, QString> expected{
-            {u"Author"_s, u"Ann"_s},       {u"Copyright"_s, u"© Ann"_s},        {u"Title"_s, u"A lake"_s},
-            {u"Description"_s, u"Łódź"_s}, {u"Disclaimer"_s, u"no warranty"_s}, {u"Comment"_s, u"hello"_s},
-            {u"Software"_s, u"New"_s}};
+        const QMap<QString, QString> expected{{u"Author"_s, u"Ann"_s},
+                                              {u"Copyright"_s, u"© Ann"_s},
+                                              {u"Title"_s, u"A lake"_s},
+                                              {u"Description"_s, u"Łódź"_s},
+                                              {u"Disclaimer"_s, u"no warranty"_s},
+                                              {u"Comment"_s, u"hello"_s},
+                                              {u"Software"_s, u"New"_s},
+                                              {u"Words"_s, u"by chance: img/9j/2 ffd8ff00"_s}};
         QCOMPARE(texts, expected);
         QVERIFY(bytes.contains("tEXtCopyright\0\xA9 Ann"_ba));
         QVERIFY(bytes.contains("iTXtDescription"));

@@ -212,7 +212,7 @@ void erasePicturesFromXmp(Exiv2::XmpData &xmp)
             return true;
         // A JPEG or PNG in Base64, or a GIF, WebP or TIFF.
         const std::string value = datum.size() > 64 ? datum.toString() : std::string();
-        return value.find("/9j/") != value.npos || value.find("iVBORw0KGgo") != value.npos ||
+        return holdsPictureAsText(QByteArray::fromStdString(value)) ||
                startsWithAny(value, {"R0lGOD"sv, "UklGR"sv, "SUkqA"sv, "TU0AK"sv});
     });
 }
