@@ -169,15 +169,21 @@ private Q_SLOTS:
     {
         EmbeddedMetadata::CopyFacts facts = kFacts;
         facts.holdsIptc = false;
-        const auto copy = copied({.iptc = dataSet(2, 0, "\0\4"_ba) + dataSet(2, 62, "20200304") +
-                                          dataSet(2, 63, "050607+0800") + dataSet(2, 65, "Editor") +
-                                          dataSet(2, 90, "Bern") + dataSet(2, 118, "Ann") +
-                                          dataSet(2, 230, "notes") + dataSet(2, 228, "?"),
-                                  .xmp = xmpPacket("xmlns:photoshop='http://ns.adobe.com/photoshop/1.0/' "
-                                                   "photoshop:City='Basel'")},
-                                 facts);
+        facts.pixelSize = {16, 12};
+        const auto copy = copied(
+            {.iptc = dataSet(2, 0, "\0\4"_ba) + dataSet(2, 4, "Opinion") +
+                     dataSet(2, 12, "IPTC:04000000:economy") + dataSet(2, 62, "20200304") +
+                     dataSet(2, 63, "050607+0800") + dataSet(2, 65, "Editor") + dataSet(2, 90, "Bern") +
+                     dataSet(2, 118, "Ann") + dataSet(2, 230, "notes") + dataSet(2, 228, "?"),
+             .xmp = xmpPacket("xmlns:photoshop='http://ns.adobe.com/photoshop/1.0/' "
+                              "photoshop:City='Basel' xmlns:exif='http://ns.adobe.com/exif/1.0/' "
+                              "exif:PixelXDimension='9' exif:PixelYDimension='9'")},
+            facts);
         QVERIFY(copy.xmp.contains("Bern") && !copy.xmp.contains("Basel") &&
                 copy.xmp.contains("2020-03-04T05:06:07+08:00"));
+        for (const char *text : {"IntellectualGenre=\"Opinion\"", ">04000000<", "PixelXDimension=\"16\"",
+                                 "PixelYDimension=\"12\""})
+            QVERIFY2(copy.xmp.contains(text), copy.xmp.constData());
         QCOMPARE(copy.omitted, (QStringList{u"IPTC field Contact"_s, u"IPTC field DocumentNotes"_s,
                                             u"IPTC field 0x00e4"_s}));
     }
