@@ -41,11 +41,11 @@ Result<void> checkFont(const QString &font, const FontCatalog &fonts)
     const QStringList names = fonts.postScriptNames();
     if (font.isNull() || names.contains(font))
         return {};
-    constexpr qsizetype kMostShown = 8;
+    constexpr qsizetype kMaxShown = 8;
     const QString start = QString(font).remove(u' ').left(4);
     QStringList similar;
     for (const QString &name : names) {
-        if (similar.size() < kMostShown && name.startsWith(start, Qt::CaseInsensitive))
+        if (similar.size() < kMaxShown && name.startsWith(start, Qt::CaseInsensitive))
             similar.append(name);
     }
     const QString hint = similar.isEmpty()

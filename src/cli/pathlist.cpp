@@ -12,7 +12,7 @@ namespace
 {
 
 /// More than the paths of any run; a device may never end.
-constexpr qint64 kMostBytes = 1 << 28;
+constexpr qint64 kMaxBytes = 1 << 28;
 
 Result<QByteArray> contentsOf(const std::string &path)
 {
@@ -22,10 +22,10 @@ Result<QByteArray> contentsOf(const std::string &path)
     };
     if (!(path == "-" ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly)))
         return refuse(file.errorString());
-    QByteArray contents = file.read(kMostBytes + 1);
+    QByteArray contents = file.read(kMaxBytes + 1);
     if (file.error() != QFileDevice::NoError)
         return refuse(file.errorString());
-    if (contents.size() > kMostBytes)
+    if (contents.size() > kMaxBytes)
         return refuse(QStringLiteral("it is too large for a list of paths"));
     return contents;
 }

@@ -63,7 +63,7 @@ Result<Drawings> prepareMarks(const CopyOrder &order, const PhotoFacts &facts, c
     Drawings drawings;
     for (const MarkOrder &mark : order.marks) {
         Result<std::optional<WatermarkDrawing>> drawing =
-            WatermarkDrawing::prepare(mark, facts, services.fonts, {.isCanceled = order.isCancelled});
+            WatermarkDrawing::prepare(mark, facts, services.fonts, {.isCanceled = order.isCanceled});
         if (!drawing)
             return tl::unexpected(drawing.error());
         report.rects.push_back(*drawing ? std::optional((*drawing)->layout().rect) : std::nullopt);
@@ -92,11 +92,11 @@ void drawAll(const Drawings &drawings, QImage &rows, int firstRow)
 
 /// Decoder to compositor to encoder, a strip at a time.
 Result<void> streamRows(RowReader &reader, const Drawings &drawings, RowWriter &writer,
-                        const CancelCheck &isCancelled)
+                        const CancelCheck &isCanceled)
 {
     return forEachStrip(reader, [&](QImage &strip, int firstRow, int count) -> Result<void> {
-        if (isCancelled && isCancelled())
-            return fail(cancelledText());
+        if (canceled(isCanceled))
+            return fail(canceledText());
         if (count == strip.height()) {
             drawAll(drawings, strip, firstRow);
         } else {
@@ -220,12 +220,12 @@ private:
     {
         if (!m_upright.isNull()) {
             drawAll(m_drawings, m_upright, 0);
-            return writeStrips(writer, m_upright, m_order.isCancelled);
+            return writeStrips(writer, m_upright, m_order.isCanceled);
         }
         const Result<std::unique_ptr<RowReader>> reader = m_source.openRows();
         if (!reader)
             return tl::unexpected(reader.error());
-        const Result<void> streamed = streamRows(**reader, m_drawings, writer, m_order.isCancelled);
+        const Result<void> streamed = streamRows(**reader, m_drawings, writer, m_order.isCanceled);
         m_readerNotice = (*reader)->notice();
         return streamed;
     }
@@ -295,7 +295,7 @@ Result<CopyReport> writeCopy(const CopyOrder &order, const PhotoServices &servic
         if (!properties)
             return tl::unexpected(properties.error());
         Result<CopyReport> report = Copy(order, services, *source, *properties).write();
-        if (report || (order.isCancelled && order.isCancelled()))
+        if (report || (order.isCanceled && order.isCanceled()))
             return report;
         // To a codec, a failed read or a changed file look like damage.
         const Result<void> unchanged = source->checkUnchanged();

@@ -51,7 +51,7 @@ struct CopyOrder {
     std::optional<ImageMetadata> metadata; ///< where the user has edited it; else the file's
     QImage upright; ///< the decoded photo where it is at hand, turns applied; else null
     CopyRules rules;
-    CancelCheck isCancelled;
+    CancelCheck isCanceled;
 };
 
 /// The parts of an order that a saving preset decides, for the photo at `path`.

@@ -77,7 +77,7 @@ Result<QImage> ImageObject::createWatermarkedImage(const AppliedPreset &preset)
 Result<CopyReport> ImageObject::saveImageAtPath(const CopyTarget &target,
                                                 const std::vector<AppliedPreset> &presets,
                                                 const SavingPresetValues &savingPreset,
-                                                const CopyRules &rules, const CancelCheck &isCancelled,
+                                                const CopyRules &rules, const CancelCheck &isCanceled,
                                                 const QString &readFrom)
 {
     Result<CopyOrder> ordered = copyOrderFor(path(), target, savingPreset);
@@ -86,7 +86,7 @@ Result<CopyReport> ImageObject::saveImageAtPath(const CopyTarget &target,
     CopyOrder &order = *ordered;
     order.readPath = readFrom.isEmpty() ? readPath() : readFrom;
     order.rules = rules;
-    order.isCancelled = isCancelled;
+    order.isCanceled = isCanceled;
     const std::optional<FileVersion> before = fileVersionAt(readPath());
     const std::optional<FileVersion> replaced = fileVersionAt(target.path);
     if (before && replaced && before->isSameFile(*replaced))

@@ -83,11 +83,11 @@ public:
     /// thread that works on the photo nor for the memory budget, unless the picture or its decoder takes more
     /// than 64 MB.
     /// @param minimumSide  pixels, > 0; the longer side is shorter only where that of the stored photo is
-    /// @param isCancelled  asked before each strip of rows
+    /// @param isCanceled  asked before each strip of rows
     /// @return the reason when the photo cannot be read or the work was canceled
-    [[nodiscard]] Result<PhotoSnapshot> readReduced(int minimumSide, const CancelCheck &isCancelled = {})
+    [[nodiscard]] Result<PhotoSnapshot> readReduced(int minimumSide, const CancelCheck &isCanceled = {})
     {
-        return m_photo.readReduced(minimumSide, isCancelled);
+        return m_photo.readReduced(minimumSide, isCanceled);
     }
 
     /// At most 400 pixels on its longer side, mirrored top to bottom. Null until the photo is loaded, and
@@ -134,7 +134,7 @@ public:
     [[nodiscard]] Result<CopyReport>
     saveImageAtPath(const CopyTarget &target, const std::vector<AppliedPreset> &presets,
                     const SavingPresetValues &savingPreset, const CopyRules &rules,
-                    const CancelCheck &isCancelled = {}, const QString &readFrom = {});
+                    const CancelCheck &isCanceled = {}, const QString &readFrom = {});
 
     /// The facts of the photo as far as it has been read; reads nothing.
     PhotoFacts facts() const { return m_photo.facts(); }

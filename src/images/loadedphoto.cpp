@@ -253,7 +253,7 @@ void LoadedPhoto::bringUpToDate(const std::optional<FileVersion> &version)
     m_announce(changes);
 }
 
-Result<PhotoSnapshot> LoadedPhoto::readReduced(int minimumSide, const CancelCheck &isCancelled)
+Result<PhotoSnapshot> LoadedPhoto::readReduced(int minimumSide, const CancelCheck &isCanceled)
 {
     Result<QImage> picture;
     for (int attempt = 0; attempt < 2; ++attempt) {
@@ -268,7 +268,7 @@ Result<PhotoSnapshot> LoadedPhoto::readReduced(int minimumSide, const CancelChec
         if (!result.pixels.isNull())
             return result;
         // Without a lock, so that nothing else on the photo waits.
-        picture = readReducedVersion({readPath(), version, uprighting}, minimumSide, m_services, isCancelled);
+        picture = readReducedVersion({readPath(), version, uprighting}, minimumSide, m_services, isCanceled);
         if (picture) {
             keepReduced(*picture, reduction, uprighting, version);
             result.pixels = *picture;

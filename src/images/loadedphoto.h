@@ -60,7 +60,7 @@ public:
     PhotoSnapshot snapshot();
 
     /// As ImageObject::readReduced().
-    Result<PhotoSnapshot> readReduced(int minimumSide, const CancelCheck &isCancelled);
+    Result<PhotoSnapshot> readReduced(int minimumSide, const CancelCheck &isCanceled);
 
     /// From the headers of the file unless the photo is loaded.
     Result<PhotoFacts> readFacts() const;

@@ -23,17 +23,17 @@ int rowsPerStrip(QSize picture)
 
 } // namespace
 
-Result<void> forEachStrip(RowReader &reader, const StripVisitor &visit, const CancelCheck &isCancelled)
+Result<void> forEachStrip(RowReader &reader, const StripVisitor &visit, const CancelCheck &isCanceled)
 {
     const RowFormat format = reader.format();
     const int rows = rowsPerStrip(format.size);
-    QImage strip(format.size.width(), isCancelled ? std::min(rows, kCodecBlockRows) : rows,
+    QImage strip(format.size.width(), isCanceled ? std::min(rows, kCodecBlockRows) : rows,
                  format.imageFormat());
     if (strip.isNull())
         return fail(outOfMemoryText());
     for (int row = 0; row < format.size.height(); row += strip.height()) {
-        if (isCanceled(isCancelled))
-            return fail(cancelledText());
+        if (canceled(isCanceled))
+            return fail(canceledText());
         const int count = std::min(strip.height(), format.size.height() - row);
         if (Result<void> read = reader.readRows(strip, count); !read)
             return read;
@@ -43,12 +43,12 @@ Result<void> forEachStrip(RowReader &reader, const StripVisitor &visit, const Ca
     return {};
 }
 
-Result<void> readStrips(RowReader &reader, QImage &picture, const CancelCheck &isCancelled)
+Result<void> readStrips(RowReader &reader, QImage &picture, const CancelCheck &isCanceled)
 {
-    const int rows = isCancelled ? kCodecBlockRows : picture.height();
+    const int rows = isCanceled ? kCodecBlockRows : picture.height();
     for (int row = 0; row < picture.height(); row += rows) {
-        if (isCanceled(isCancelled))
-            return fail(cancelledText());
+        if (canceled(isCanceled))
+            return fail(canceledText());
         const int count = std::min(rows, picture.height() - row);
         QImage strip(picture.scanLine(row), picture.width(), count, picture.bytesPerLine(), picture.format());
         if (Result<void> read = reader.readRows(strip, count); !read)
@@ -57,12 +57,12 @@ Result<void> readStrips(RowReader &reader, QImage &picture, const CancelCheck &i
     return {};
 }
 
-Result<void> writeStrips(RowWriter &writer, const QImage &picture, const CancelCheck &isCancelled)
+Result<void> writeStrips(RowWriter &writer, const QImage &picture, const CancelCheck &isCanceled)
 {
     const int rows = rowsPerStrip(picture.size());
     for (int row = 0; row < picture.height(); row += rows) {
-        if (isCanceled(isCancelled))
-            return fail(cancelledText());
+        if (canceled(isCanceled))
+            return fail(canceledText());
         const int count = std::min(rows, picture.height() - row);
         const QImage strip(picture.constScanLine(row), picture.width(), count, picture.bytesPerLine(),
                            picture.format());

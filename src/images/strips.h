@@ -18,18 +18,18 @@ using StripVisitor = std::function<Result<void>(QImage &strip, int firstRow, int
 
 /// Reads a picture from the top down, a few rows at a time: enough to keep codecs busy, few enough to stay in
 /// the processor's cache.
-/// @param isCancelled  asked before each strip; where given, a strip has few rows even if they are short
+/// @param isCanceled  asked before each strip; where given, a strip has few rows even if they are short
 [[nodiscard]] Result<void> forEachStrip(RowReader &reader, const StripVisitor &visit,
-                                        const CancelCheck &isCancelled = {});
+                                        const CancelCheck &isCanceled = {});
 
 /// Reads a whole picture into `picture`, which has the reader's size and format and is not shared.
-/// @param isCancelled  as forEachStrip()
-[[nodiscard]] Result<void> readStrips(RowReader &reader, QImage &picture, const CancelCheck &isCancelled);
+/// @param isCanceled  as forEachStrip()
+[[nodiscard]] Result<void> readStrips(RowReader &reader, QImage &picture, const CancelCheck &isCanceled);
 
 /// Passes a picture in memory to a writer strip by strip, without copying it.
-/// @param isCancelled  asked before each strip
+/// @param isCanceled  asked before each strip
 [[nodiscard]] Result<void> writeStrips(RowWriter &writer, const QImage &picture,
-                                       const CancelCheck &isCancelled);
+                                       const CancelCheck &isCanceled);
 
 /// The reason reported when there is no memory for a picture.
 QString outOfMemoryText();

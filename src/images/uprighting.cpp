@@ -50,7 +50,7 @@ QSize scaledBy(QSize size, double scaleX, double scaleY)
 }
 
 /// The whole picture, each strip placed where the orientation has it.
-Result<QImage> readOriented(RowReader &reader, int orientation, const CancelCheck &isCancelled)
+Result<QImage> readOriented(RowReader &reader, int orientation, const CancelCheck &isCanceled)
 {
     const RowFormat format = reader.format();
     QImage picture(orientedSize(format.size, orientation), format.imageFormat());
@@ -60,8 +60,8 @@ Result<QImage> readOriented(RowReader &reader, int orientation, const CancelChec
         placeOrientedRows(picture, strip, count, firstRow, format.size, orientation);
         return {};
     };
-    const Result<void> read = orientation == 1 ? readStrips(reader, picture, isCancelled)
-                                               : forEachStrip(reader, place, isCancelled);
+    const Result<void> read =
+        orientation == 1 ? readStrips(reader, picture, isCanceled) : forEachStrip(reader, place, isCanceled);
     if (!read)
         return tl::unexpected(read.error());
     return picture;
@@ -127,13 +127,13 @@ Uprighting uprightingOf(QSize stored, const ImageMetadata &metadata, int turns, 
 }
 
 Result<QImage> readUpright(const ImageSource &source, const Uprighting &uprighting, int reducedTo,
-                           const CancelCheck &isCancelled, QString *notice)
+                           const CancelCheck &isCanceled, QString *notice)
 {
     const Result<std::unique_ptr<RowReader>> reader = source.openRows(reducedTo);
     if (!reader)
         return tl::unexpected(reader.error());
     const Result<QImage> stored =
-        readOriented(**reader, uprighting.isStretched() ? 1 : uprighting.orientation, isCancelled);
+        readOriented(**reader, uprighting.isStretched() ? 1 : uprighting.orientation, isCanceled);
     if (notice)
         *notice = (*reader)->notice();
     if (!stored || !uprighting.isStretched())
@@ -177,7 +177,7 @@ Result<ByteBudget::Reservation> reserveForPhoto(ByteBudget &budget, QSize size, 
 }
 
 Result<QImage> readUprightWithin(ByteBudget &budget, const ImageSource &source, const Uprighting &uprighting,
-                                 int reducedTo, const CancelCheck &isCancelled)
+                                 int reducedTo, const CancelCheck &isCanceled)
 {
     const qint64 bytes = uprightBytes(source, uprighting, reducedTo);
     const bool isSmall = reducedTo > 0 && bytes <= kUnreservedBytes;
@@ -185,11 +185,11 @@ Result<QImage> readUprightWithin(ByteBudget &budget, const ImageSource &source, 
         reserveForPhoto(budget, source.info().rows.size, isSmall ? 0 : bytes);
     if (!room)
         return tl::unexpected(room.error());
-    return readUpright(source, uprighting, reducedTo, isCancelled);
+    return readUpright(source, uprighting, reducedTo, isCanceled);
 }
 
 Result<QImage> readReducedVersion(const UprightVersion &photo, int minimumSide, const PhotoServices &services,
-                                  const CancelCheck &isCancelled)
+                                  const CancelCheck &isCanceled)
 {
     try {
         const Result<ImageSource> source = ImageSource::open(photo.path, services.limits);
@@ -199,7 +199,7 @@ Result<QImage> readReducedVersion(const UprightVersion &photo, int minimumSide, 
             return fail(PictureFailures::changedMeanwhile());
         const int side = std::max(minimumSide, 1);
         Result<QImage> picture =
-            readUprightWithin(services.budget, *source, photo.uprighting, side, isCancelled);
+            readUprightWithin(services.budget, *source, photo.uprighting, side, isCanceled);
         if (const Result<void> unchanged = source->checkUnchanged(); !unchanged)
             return tl::unexpected(unchanged.error());
         return picture;

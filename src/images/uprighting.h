@@ -67,10 +67,10 @@ Uprighting uprightingOf(QSize stored, const ImageMetadata &metadata, int turns, 
 /// The whole upright picture.
 /// @param reducedTo    0 for the full size; else the least pixels of the stored picture's longer side (as
 ///                     ImageSource::createImage())
-/// @param isCancelled  asked before each strip of rows
+/// @param isCanceled  asked before each strip of rows
 /// @param notice       receives RowReader::notice(); may be null
 [[nodiscard]] Result<QImage> readUpright(const ImageSource &source, const Uprighting &uprighting,
-                                         int reducedTo = 0, const CancelCheck &isCancelled = {},
+                                         int reducedTo = 0, const CancelCheck &isCanceled = {},
                                          QString *notice = nullptr);
 
 /// The memory (bytes) of a decoded picture.
@@ -91,7 +91,7 @@ qint64 uprightBytes(const ImageSource &source, const Uprighting &uprighting, int
 /// saved. The calling thread must not hold a reservation.
 [[nodiscard]] Result<QImage> readUprightWithin(ByteBudget &budget, const ImageSource &source,
                                                const Uprighting &uprighting, int reducedTo = 0,
-                                               const CancelCheck &isCancelled = {});
+                                               const CancelCheck &isCanceled = {});
 
 /// A version of a file and how its pixels become upright.
 struct UprightVersion {
@@ -104,7 +104,6 @@ struct UprightVersion {
 /// than 64 MB.
 /// @return a failure, too, when the file has another version
 [[nodiscard]] Result<QImage> readReducedVersion(const UprightVersion &photo, int minimumSide,
-                                                const PhotoServices &services,
-                                                const CancelCheck &isCancelled);
+                                                const PhotoServices &services, const CancelCheck &isCanceled);
 
 } // namespace plexa

@@ -12,13 +12,13 @@ namespace plexa
 /// Returns true when the work should stop; may be empty. Called often, by the thread that works.
 using CancelCheck = std::function<bool()>;
 
-inline bool isCanceled(const CancelCheck &check)
+inline bool canceled(const CancelCheck &check)
 {
     return check && check();
 }
 
 /// The reason reported when the work was canceled.
-inline QString cancelledText()
+inline QString canceledText()
 {
     return QStringLiteral("the work was stopped");
 }

@@ -21,7 +21,7 @@ namespace
 
 const QString kQuickName = QStringLiteral("Quick Preset");
 constexpr int kMaxBackups = 1000;
-constexpr qsizetype kMostReasons = 3; // in one message
+constexpr qsizetype kMaxReasons = 3; // in one message
 constexpr qsizetype kLongestReason = 300;
 
 QString fileName(PresetsStore::Kind kind, PresetsStore::Slot slot, const PresetsStore::Places &places)
@@ -60,9 +60,9 @@ Result<void> logged(Result<void> saved)
 /// The first reasons, shortened to fit into a message.
 QString inShort(QStringList reasons)
 {
-    const qsizetype more = reasons.size() - kMostReasons;
+    const qsizetype more = reasons.size() - kMaxReasons;
     if (more > 0)
-        reasons.resize(kMostReasons);
+        reasons.resize(kMaxReasons);
     for (QString &reason : reasons) {
         if (reason.size() > kLongestReason)
             reason = reason.left(kLongestReason) + u'\u2026';

@@ -89,7 +89,7 @@ QImage shrunkByWholeFactors(const QImage &image, int factorX, int factorY, const
     const qsizetype bytes = qsizetype(fullWidth) * 4;
     std::vector<quint16> sums(std::size_t(bytes), 0);
     for (int y = 0; y < height; ++y) {
-        if (plexa::isCanceled(isCanceled))
+        if (canceled(isCanceled))
             return {};
         const int top = y * factorY;
         const int rows = std::min(factorY, image.height() - top);
@@ -175,7 +175,7 @@ QImage filtered(const QImage &image, QSize size, const Weights &across, const We
     int ready = 0;
 
     for (int y = 0; y < size.height(); ++y) {
-        if (plexa::isCanceled(isCanceled))
+        if (canceled(isCanceled))
             return {};
         const int first = down.first[std::size_t(y)];
         for (ready = std::max(ready, first); ready < first + down.taps; ++ready)

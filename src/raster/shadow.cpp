@@ -236,7 +236,7 @@ void writeRows(BlurredRows &rows, const Tint &tint, QImage &target, const Cancel
 {
     std::vector<float> row(std::size_t(target.width()), 0.0F);
     uchar *bits = target.bits();
-    for (int y = 0; y < target.height() && !plexa::isCanceled(isCanceled); ++y) {
+    for (int y = 0; y < target.height() && !canceled(isCanceled); ++y) {
         if (rows.next(row.data()))
             tint.write(row.data(), reinterpret_cast<quint32 *>(bits + y * target.bytesPerLine()),
                        target.width());
@@ -260,7 +260,7 @@ void writeBlocks(BlurredRows &rows, int columns, int lines, int block, const Tin
     read(lower);
     int have = 0;
     uchar *bits = target.bits();
-    for (int y = 0; y < target.height() && !plexa::isCanceled(isCanceled); ++y) {
+    for (int y = 0; y < target.height() && !canceled(isCanceled); ++y) {
         const Between down(y, block, lines);
         for (; have < down.second; ++have) {
             upper.swap(lower);
@@ -324,7 +324,7 @@ Shadow shadowOf(const QImage &mark, double blur, const QColor &color, const Canc
         writeBlocks(rows, columns, lines, block, tint, shadow.image, isCanceled);
     else
         writeRows(rows, tint, shadow.image, isCanceled);
-    return plexa::isCanceled(isCanceled) ? Shadow() : shadow;
+    return canceled(isCanceled) ? Shadow() : shadow;
 }
 
 } // namespace plexa

@@ -16,14 +16,14 @@ QString sequenceToken(int marks)
     return QStringLiteral("sequence ") + QString(marks, u'#');
 }
 
-constexpr int kMostMarks = 4;
+constexpr int kMaxMarks = 4;
 
 } // namespace
 
 QStringList namingTokenNames()
 {
     QStringList names;
-    for (int marks = 1; marks <= kMostMarks; ++marks)
+    for (int marks = 1; marks <= kMaxMarks; ++marks)
         names.append(sequenceToken(marks));
     return names << kWPresetName << kSavingPresetName;
 }
@@ -35,7 +35,7 @@ std::optional<QString> namingTokenText(const QString &token, qint64 sequenceNumb
         return wPresetName;
     if (token == kSavingPresetName)
         return savingPresetName;
-    for (int marks = 1; marks <= kMostMarks; ++marks) {
+    for (int marks = 1; marks <= kMaxMarks; ++marks) {
         if (token == sequenceToken(marks))
             return QString::asprintf("%0*lld", marks, static_cast<long long>(sequenceNumber));
     }

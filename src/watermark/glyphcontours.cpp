@@ -21,8 +21,8 @@ constexpr double kFlatness = 0.03;
 constexpr int kMaxSidesOfCurve = 64;
 
 /// The most pairs of sides that are compared for one text, which takes less than half a second.
-constexpr qint64 kMostComparisons = 20'000'000;
-constexpr qint64 kMostPairs = 5'000'000;
+constexpr qint64 kMaxComparisons = 20'000'000;
+constexpr qint64 kMaxPairs = 5'000'000;
 
 double cross(QPointF a, QPointF b)
 {
@@ -362,7 +362,7 @@ private:
         std::iota(order.begin(), order.end(), std::size_t{0});
         std::sort(order.begin(), order.end(),
                   [&](std::size_t a, std::size_t b) { return startOf(a) < startOf(b); });
-        qint64 left = kMostPairs;
+        qint64 left = kMaxPairs;
         for (auto a = order.begin(); a != order.end(); ++a) {
             for (auto b = std::next(a); b != order.end() && startOf(*b) <= endOf(*a) && --left > 0; ++b) {
                 if (!meet(m_boxes[*a], m_boxes[*b]))
@@ -391,8 +391,8 @@ std::vector<std::optional<QPainterPath>> contoursOfUnion(const std::vector<Place
         return polygon.get();
     };
     std::vector<std::optional<QPainterPath>> contours(shapes.size());
-    qint64 comparisons = kMostComparisons;
-    for (std::size_t i = 0; i < shapes.size() && !plexa::isCanceled(isCanceled); ++i) {
+    qint64 comparisons = kMaxComparisons;
+    for (std::size_t i = 0; i < shapes.size() && !canceled(isCanceled); ++i) {
         const Polygon &polygon = *polygonOf(shapes[i]);
         std::vector<Neighbor> neighbors;
         if (polygon.mayOverlapItself)

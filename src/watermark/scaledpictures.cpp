@@ -51,7 +51,7 @@ QImage ScaledPictures::find(const void *owner, Form form, const std::function<QI
         if (!m_inWork.contains(key))
             break;
         m_rendered.wait_for(lock, kWait);
-        if (plexa::isCanceled(isCanceled))
+        if (canceled(isCanceled))
             return {};
     }
     m_inWork.insert(key);

@@ -190,12 +190,12 @@ Result<Value> withinTime(std::function<Result<Value>(const std::atomic_bool &isS
     std::unique_lock lock(job->lock);
     while (!job->ended.wait_for(lock, kWait, [&] { return job->result.has_value(); })) {
         const bool isTimeUp = job->isTimeUp();
-        if (!isTimeUp && !plexa::isCanceled(isCanceled))
+        if (!isTimeUp && !canceled(isCanceled))
             continue;
         job->isStopped = true;
         return fail(isTimeUp
                         ? Texts::tr("the SVG drawing takes more than %1 seconds to draw").arg(kMaxSvgSeconds)
-                        : cancelledText());
+                        : canceledText());
     }
     return std::move(*job->result);
 }

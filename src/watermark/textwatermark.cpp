@@ -111,7 +111,7 @@ public:
             if (inRow.empty())
                 continue;
             for (int x = 0; x < ink.width(); x += kTileSide) {
-                if (plexa::isCanceled(isCanceled))
+                if (canceled(isCanceled))
                     return;
                 QImage tile(bits + y * stride + qsizetype{4} * x, std::min(kTileSide, ink.width() - x),
                             height, stride, ink.format());

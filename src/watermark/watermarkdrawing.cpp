@@ -182,7 +182,7 @@ Result<std::optional<WatermarkDrawing>> WatermarkDrawing::prepare(const MarkOrde
     const Rendering rendering{photo.pixelSize(), options.scale, options.isCanceled,
                               freeTilt(order.values.angle.value_or(0.0F)).value_or(0)};
     const auto failed = [&](const Error &error) {
-        return fail(plexa::isCanceled(options.isCanceled) ? cancelledText() : error.text);
+        return fail(canceled(options.isCanceled) ? canceledText() : error.text);
     };
     const Result<std::optional<WatermarkBitmap>> bitmap =
         createWatermarkForImage(order.values, photo, fonts, rendering);
@@ -207,8 +207,8 @@ Result<std::optional<WatermarkDrawing>> WatermarkDrawing::prepare(const MarkOrde
     if (!cast)
         return failed(cast.error());
     drawing.place();
-    if (plexa::isCanceled(options.isCanceled))
-        return fail(cancelledText());
+    if (canceled(options.isCanceled))
+        return fail(canceledText());
     return drawing;
 }
 

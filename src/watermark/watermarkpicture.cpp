@@ -122,7 +122,7 @@ struct WatermarkPicture::Data {
                 return {};
         }
         const Result<QImage> image = renderedSvg(svg, to, tilt, isCanceled);
-        if (image || plexa::isCanceled(isCanceled))
+        if (image || canceled(isCanceled))
             return image.value_or(QImage());
         const std::lock_guard guard(faultLock);
         fault = image.error().text;
@@ -132,7 +132,7 @@ struct WatermarkPicture::Data {
 
     QImage rendered(QSize to, double tilt, const CancelCheck &isCanceled) const
     {
-        if (plexa::isCanceled(isCanceled))
+        if (canceled(isCanceled))
             return {};
         if (!svg.isEmpty())
             return drawn(to, tilt, isCanceled);

@@ -25,8 +25,8 @@ void abortIf(bool isWrong)
 /// The bytes are a whole file: its metadata are read and encoded for copies, unchanged, edited and cleared.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    constexpr size_t kMostBytes = 256 * 1024;
-    if (size > kMostBytes)
+    constexpr size_t kMaxBytes = 256 * 1024;
+    if (size > kMaxBytes)
         return 0;
     exifSaysAdobeRgb(QByteArrayView(data, qsizetype(size)));
 

@@ -174,7 +174,7 @@ private Q_SLOTS:
         std::atomic<int> written = 0;
         const auto copy = [&](const QString &target) {
             CopyOrder order = orderFor(photo, target);
-            order.isCancelled = [&] {
+            order.isCanceled = [&] {
                 ++strips;
                 isHeld = isHeld && services.budget.total() - services.budget.available() == told;
                 return false;

@@ -506,7 +506,7 @@ private Q_SLOTS:
                 last = before;
                 const auto canceled = outcome();
                 QVERIFY(!canceled.has_value());
-                QCOMPARE(canceled.error().text, cancelledText());
+                QCOMPARE(canceled.error().text, canceledText());
                 QVERIFY2(calls <= before + 8, QByteArray::number(calls));
             }
         }

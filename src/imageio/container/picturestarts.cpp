@@ -86,11 +86,11 @@ bool holdsPictureStart(QByteArrayView bytes)
 
 bool holdsPictureAsText(const QByteArray &text)
 {
-    constexpr int kMostStarts = 16; // decoding from each of many would take quadratic time
+    constexpr int kMaxStarts = 16; // decoding from each of many would take quadratic time
     const auto holds = [](const QByteArray &searched, const QByteArray &start, const auto &decoded) {
         int starts = 0;
         for (qsizetype at = searched.indexOf(start); at >= 0; at = searched.indexOf(start, at + 1)) {
-            if (++starts > kMostStarts || holdsJpeg(decoded(searched.mid(at))))
+            if (++starts > kMaxStarts || holdsJpeg(decoded(searched.mid(at))))
                 return true;
         }
         return false;

@@ -34,12 +34,12 @@ public:
             if (!isSamePhoto && request.quality == PreviewRequest::Quality::Screen)
                 drawPlaceholder(request, deliver, isCanceled);
             if (const Result<void> read = readBare(request, isCanceled); !read) {
-                if (!plexa::isCanceled(isCanceled))
+                if (!canceled(isCanceled))
                     deliver({{}, request.layer, request.part, false, {}, {read.error().text}});
                 return false;
             }
         }
-        if (plexa::isCanceled(isCanceled))
+        if (canceled(isCanceled))
             return true;
         deliver(marked(request, isCanceled));
         return true;
@@ -68,7 +68,7 @@ private:
         m_bare = resampledPart(thumbnail.mirrored(), request.layer, request.part, isCanceled);
         PreviewPicture picture = marked(request, isCanceled);
         picture.isPlaceholder = true;
-        if (!picture.image.isNull() && !plexa::isCanceled(isCanceled))
+        if (!picture.image.isNull() && !canceled(isCanceled))
             deliver(picture);
     }
 

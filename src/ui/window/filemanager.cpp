@@ -17,7 +17,7 @@ namespace plexa
 namespace
 {
 
-constexpr qsizetype kMostFolders = 5; // each is a window
+constexpr qsizetype kMaxFolders = 5; // each is a window
 
 void openFolders(const QStringList &paths)
 {
@@ -25,7 +25,7 @@ void openFolders(const QStringList &paths)
     for (const QString &path : paths)
         folders.append(QFileInfo(path).absolutePath());
     folders.removeDuplicates();
-    for (const QString &folder : folders.mid(0, kMostFolders))
+    for (const QString &folder : folders.mid(0, kMaxFolders))
         QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
 }
 

@@ -17,7 +17,7 @@ namespace plexa
 
 /// The division of a JPEG 2000 tile: ISO/IEC 15444-1, A.6.1 and A.6.2. Values of a file, unchecked.
 struct Jp2CodingStyle {
-    static constexpr int kMostResolutions = 33;
+    static constexpr int kMaxResolutions = 33;
 
     int layers = 1;
     int resolutions = 1;
@@ -27,7 +27,7 @@ struct Jp2CodingStyle {
         int widthExponent = 15;
         int heightExponent = 15;
     };
-    std::array<Precinct, kMostResolutions> precincts; ///< of each resolution, the smallest first
+    std::array<Precinct, kMaxResolutions> precincts; ///< of each resolution, the smallest first
 };
 
 namespace
@@ -237,9 +237,9 @@ private:
     /// @return false when there are too many
     bool readCodingStyles()
     {
-        m_header.resolutions = Jp2CodingStyle::kMostResolutions + 1;
+        m_header.resolutions = Jp2CodingStyle::kMaxResolutions + 1;
         qint64 position = passMarkers(m_firstMarker);
-        if (m_header.resolutions > Jp2CodingStyle::kMostResolutions)
+        if (m_header.resolutions > Jp2CodingStyle::kMaxResolutions)
             m_header.resolutions = 1;
         while (number(position, 2) == 0xFF90 && m_markers < kMaxMarkers) {
             const auto length = qint64(number(position + 6, 4));
@@ -274,7 +274,7 @@ private:
     {
         Jp2CodingStyle style;
         style.layers = layers;
-        style.resolutions = qMin(int(number(fields, 1)) + 1, Jp2CodingStyle::kMostResolutions);
+        style.resolutions = qMin(int(number(fields, 1)) + 1, Jp2CodingStyle::kMaxResolutions);
         style.blockWidthExponent = int(number(fields + 1, 1) & 15) + 2;
         style.blockHeightExponent = int(number(fields + 2, 1) & 15) + 2;
         for (int i = 0; i < style.resolutions && (number(flags, 1) & 1) != 0; ++i) {
@@ -324,7 +324,7 @@ private:
 
 void Jp2Structure::count(const Jp2CodingStyle &style, QSize tile)
 {
-    const int resolutions = std::clamp(style.resolutions, 1, Jp2CodingStyle::kMostResolutions);
+    const int resolutions = std::clamp(style.resolutions, 1, Jp2CodingStyle::kMaxResolutions);
     double bytes = 0;
     for (int i = 0; i < resolutions; ++i) {
         // All but the smallest resolution are stored as three bands of half the sides.

@@ -31,7 +31,7 @@ constexpr int kScansAlwaysAllowed = 20;
 
 /// A complete file may lack its end marker, but has hardly a byte in its place. A file whose end was never
 /// stored has zeros there, which decode to gray areas without a complaint.
-constexpr long kMostStrayBytes = 16;
+constexpr long kMaxStrayBytes = 16;
 
 /// libjpeg's input: large reads from a device. At the end of the file it supplies an end marker; the decoder
 /// then notices whether data are missing.
@@ -228,7 +228,7 @@ private:
         if (setjmp(m_errors.jump))
             return true; // damage after the picture
         jpeg_finish_decompress(&m_info);
-        return !m_source.reachedEnd || m_errors.strayBytes <= kMostStrayBytes;
+        return !m_source.reachedEnd || m_errors.strayBytes <= kMaxStrayBytes;
     }
 
     /// libjpeg holds the coefficients of a picture of several scans, two bytes each.

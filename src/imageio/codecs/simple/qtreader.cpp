@@ -111,11 +111,11 @@ qint64 nextNumber(const QByteArray &start, qsizetype &at)
         else if (start[at] < '\t' || (start[at] > '\r' && start[at] != ' '))
             break;
     }
-    constexpr qsizetype kMostDigits = 9;
+    constexpr qsizetype kMaxDigits = 9;
     const qsizetype first = at;
     while (at < start.size() && start[at] >= '0' && start[at] <= '9')
         ++at;
-    return at > first && at - first <= kMostDigits ? start.mid(first, at - first).toLongLong() : -1;
+    return at > first && at - first <= kMaxDigits ? start.mid(first, at - first).toLongLong() : -1;
 }
 
 /// The fewest bytes of the samples of a Netpbm picture ("pbm", "pgm" and "ppm").

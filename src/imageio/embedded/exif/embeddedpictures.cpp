@@ -134,9 +134,9 @@ bool isPreviewTag(const Exiv2::Exifdatum &datum)
     if (!containsAnyCase(name, QLatin1StringView("preview")) &&
         !containsAnyCase(name, QLatin1StringView("thumbnail")))
         return false;
-    constexpr long kMostBytesOfAFact = 64;
+    constexpr long kMaxBytesOfAFact = 64;
     const bool isPlace = name.ends_with("Start") || name.ends_with("Offset") || name.ends_with("Length");
-    return datum.size() > kMostBytesOfAFact || (isPlace && datum.toLong() != 0);
+    return datum.size() > kMaxBytesOfAFact || (isPlace && datum.toLong() != 0);
 }
 
 bool isOfKeptGroup(const std::string &group)

@@ -136,7 +136,7 @@ public:
     /// Are there data that belong to no field, more than fill bytes and the end marks of some makers?
     bool hasDataOutsideOfFields() const
     {
-        constexpr qsizetype kMostFill = 16;
+        constexpr qsizetype kMaxFill = 16;
         std::vector<std::pair<qint64, qint64>> ranges = m_ranges;
         ranges.emplace_back(m_bytes.size(), m_bytes.size());
         std::ranges::sort(ranges);
@@ -150,7 +150,7 @@ public:
         // A preview, and what its buffer held before.
         if (holdsPictureStart(rest))
             rest.truncate(qMax<qsizetype>(0, rest.indexOf("\xD8\xFF") - 1));
-        return rest.size() - rest.count('\0') > kMostFill;
+        return rest.size() - rest.count('\0') > kMaxFill;
     }
 
 private:
@@ -161,8 +161,8 @@ private:
 
     std::optional<TiffFields> fieldsAt(qint64 position) const
     {
-        constexpr qsizetype kMostFields = 500; // of real directories
-        if (position < 0 || position + 2 > m_bytes.size() || fieldCountAt(position) > kMostFields)
+        constexpr qsizetype kMaxFields = 500; // of real directories
+        if (position < 0 || position + 2 > m_bytes.size() || fieldCountAt(position) > kMaxFields)
             return {};
         return readTiffFields(m_bytes, quint32(position), m_layout.order);
     }
@@ -171,8 +171,8 @@ private:
     {
         // Of fields with the same tag only the first is among them.
         m_ranges.emplace_back(at, at + tiffDirectoryBytes(fieldCountAt(at)));
-        constexpr qsizetype kMostTags = 2000;
-        for (auto field = fields.begin(); field != fields.end() && m_tags.size() < kMostTags; ++field) {
+        constexpr qsizetype kMaxTags = 2000;
+        for (auto field = fields.begin(); field != fields.end() && m_tags.size() < kMaxTags; ++field) {
             const QString tag = path + tagText(field.key());
             m_tags += tag;
             const qint64 position = m_layout.base + qint64(field->offset(m_layout.order));
