@@ -38,10 +38,12 @@ int startableThreads(int wanted)
     return static_cast<int>(threads.size());
 }
 
-/// C0, delete and C1.
+/// C0, delete, C1, and the marks that change the direction of what follows on the line.
 bool isControl(QChar character)
 {
-    return character.category() == QChar::Other_Control;
+    const char16_t code = character.unicode();
+    return character.category() == QChar::Other_Control || (code >= 0x202A && code <= 0x202E) ||
+           (code >= 0x2066 && code <= 0x2069);
 }
 
 /// The library escapes only the characters below the blank.
@@ -100,6 +102,11 @@ void printJson(const QJsonArray &array)
 QJsonValue orNull(const QString &text)
 {
     return text.isEmpty() ? QJsonValue::Null : QJsonValue(text);
+}
+
+QJsonValue orNull(const QStringList &texts)
+{
+    return texts.isEmpty() ? QJsonValue() : QJsonValue(QJsonArray::fromStringList(texts));
 }
 
 int threadsToUse(int wanted)

@@ -34,6 +34,8 @@ void printJson(const QJsonArray &array);
 
 /// Null for an empty text.
 QJsonValue orNull(const QString &text);
+/// Null for an empty list.
+QJsonValue orNull(const QStringList &texts);
 
 /// The number of threads for photos, at most `wanted` (0: one for each core): as many as can be started
 /// within the limits of the process. Reports a result of 0 on standard error.

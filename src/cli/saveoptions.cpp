@@ -173,8 +173,15 @@ QString contradiction(const SaveOptions &options)
         return QStringLiteral("--text and --set textTokens cannot be given together");
     if ((options.text || !options.image.empty()) && hasField(options.fields, "image"))
         return QStringLiteral("--set image has no effect beside --text and --image");
-    if (options.text && hasField(options.fields, "type"))
-        return QStringLiteral("--set type has no effect beside --text");
+    if ((options.text || !options.image.empty()) && hasField(options.fields, "type"))
+        return QStringLiteral("--set type has no effect beside --text and --image");
+    const QString givenTwice = QStringLiteral("%1 and --save-set %2 cannot be given together");
+    if (!options.format.empty() && hasField(options.savingFields, "imageFormat"))
+        return givenTwice.arg(QLatin1StringView("--format"), QLatin1StringView("imageFormat"));
+    if (options.quality != 0 && hasField(options.savingFields, "jpegQuality"))
+        return givenTwice.arg(QLatin1StringView("--quality"), QLatin1StringView("jpegQuality"));
+    if (!options.name.empty() && hasField(options.savingFields, "filenameTokens"))
+        return givenTwice.arg(QLatin1StringView("--name"), QLatin1StringView("filenameTokens"));
     if (isPresetsMode(options))
         return {};
     const QString needsPresets = QStringLiteral("%1 has no effect without --apply or --wpresets");

@@ -87,16 +87,17 @@ QJsonValue jsonMarked(const SavingOutput &output)
 {
     if (output.status == Status::Written)
         return output.report.isMarked;
-    return output.status == Status::Planned && output.hasNoText ? QJsonValue(false) : QJsonValue::Null;
+    return output.status == Status::Planned && output.isKnownUnmarked ? QJsonValue(false) : QJsonValue::Null;
 }
 
 QByteArray jsonLine(const SavingOutput &output)
 {
     const CopyReport &report = output.report;
     const bool isWritten = output.status == Status::Written;
+    const bool isFailure = output.status == Status::Failed;
     const bool hasRect = isWritten && !output.isCombined && report.rects.size() == 1;
     QJsonObject line{{QStringLiteral("source"), output.sourcePath},
-                     {QStringLiteral("output"), orNull(output.path)},
+                     {QStringLiteral("output"), isFailure ? QJsonValue::Null : orNull(output.path)},
                      {QStringLiteral("status"), nameOf(output.status)},
                      {QStringLiteral("error"), orNull(output.error)},
                      {QStringLiteral("sequence"), output.sequenceNumber},
@@ -104,17 +105,13 @@ QByteArray jsonLine(const SavingOutput &output)
                      {QStringLiteral("marked"), jsonMarked(output)},
                      {QStringLiteral("rect"), hasRect ? jsonRect(report.rects.front()) : QJsonValue::Null},
                      {QStringLiteral("rects"), isWritten ? QJsonValue(jsonRects(report)) : QJsonValue::Null},
-                     {QStringLiteral("size"), QJsonValue::Null}};
+                     {QStringLiteral("size"), QJsonValue::Null},
+                     {QStringLiteral("dropped"), orNull(report.dropped)},
+                     {QStringLiteral("conflict"), orNull(nameOf(output.conflict))},
+                     {QStringLiteral("notices"), orNull(noticesOf(output))},
+                     {QStringLiteral("emptyTokens"), orNull(output.emptyTokens)}};
     if (isWritten)
         line[QStringLiteral("size")] = QJsonArray{report.size.width(), report.size.height()};
-    if (!report.dropped.isEmpty())
-        line[QStringLiteral("dropped")] = QJsonArray::fromStringList(report.dropped);
-    if (output.conflict != Conflict::None)
-        line[QStringLiteral("conflict")] = nameOf(output.conflict);
-    if (const QStringList notices = noticesOf(output); !notices.isEmpty())
-        line[QStringLiteral("notices")] = QJsonArray::fromStringList(notices);
-    if (output.status == Status::Planned)
-        line[QStringLiteral("emptyTokens")] = QJsonArray::fromStringList(output.emptyTokens);
     return jsonText(line);
 }
 
@@ -135,7 +132,7 @@ QString textLine(const SavingOutput &output)
 
 bool isWithoutWatermark(const SavingOutput &output)
 {
-    return output.status == Status::Planned ? output.hasNoText
+    return output.status == Status::Planned ? output.isKnownUnmarked
                                             : output.status == Status::Written && !output.report.isMarked;
 }
 
@@ -146,7 +143,7 @@ QString withoutWatermark(const SavingOutput &output, bool isOneOfSeveral)
     if (isOneOfSeveral)
         what = output.isCombined ? QStringLiteral("them") : QStringLiteral("\"%1\"").arg(output.wPresetName);
     return (output.status == Status::Planned
-                ? QStringLiteral("would be saved without a watermark: the text of %1 is empty on this photo")
+                ? QStringLiteral("would be saved without a watermark: nothing of %1 is visible on this photo")
                 : QStringLiteral("saved without a watermark: nothing of %1 is visible on this photo"))
         .arg(what);
 }

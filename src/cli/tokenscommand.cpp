@@ -79,8 +79,7 @@ int runTokens(const ListOptions &options)
     QJsonArray objects;
     if (!options.json)
         printLine(stdout,
-                  QStringLiteral("Tokens of texts (--text) and of names of copies (--name), in braces, as in "
-                                 "{creator}:"));
+                  QStringLiteral("Tokens of texts (--text) and of names of copies (--name), in braces:"));
     bool isForNamesOnly = false;
     for (const TokenRow &token : allTokens()) {
         objects.append(QJsonObject{{QStringLiteral("name"), token.name},

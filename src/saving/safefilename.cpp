@@ -59,7 +59,8 @@ QString portableFileName(const QString &name)
 {
     static const QRegularExpression forbidden(QStringLiteral(R"([\x00-\x1f\\/:*?"<>|]|[ .]\z)"));
     static const QRegularExpression reserved(
-        QStringLiteral(R"(\A(con|prn|aux|nul|(?:com|lpt)[1-9\x{b9}\x{b2}\x{b3}])(?= *(?:\.|\z)))"),
+        QStringLiteral(
+            R"(\A(con|prn|aux|nul|conin\$|conout\$|clock\$|(?:com|lpt)[1-9\x{b9}\x{b2}\x{b3}])(?= *(?:\.|\z)))"),
         QRegularExpression::CaseInsensitiveOption);
     QString portable = name;
     portable.replace(forbidden, QStringLiteral("_"));

@@ -159,11 +159,16 @@ Result<void> checkPlace(const Pending &pending)
     return AtomicFile(path, ifExists(pending)).check();
 }
 
-bool hasNoText(const PhotoFacts &facts, const Order &order)
+/// Is no watermark visible, as far as that is known without drawing?
+bool isKnownUnmarked(const PhotoFacts &facts, const Order &order)
 {
     return std::all_of(order.presets.begin(), order.presets.end(), [&](const AppliedPreset &preset) {
-        return preset.values.type == QLatin1StringView("Text") &&
-               !watermarkTextForImage(preset.values, facts);
+        const WPresetValues &values = preset.values;
+        const std::optional<QString> text = values.type == QLatin1StringView("Text")
+                                                ? watermarkTextForImage(values, facts)
+                                                : QStringLiteral("picture");
+        return !text ||
+               (!values.background && (values.opacity.value_or(0) <= 0 || text->trimmed().isEmpty()));
     });
 }
 
@@ -390,7 +395,7 @@ void SavingProcess::saveCopy(const std::shared_ptr<PhotoInWork> &photo, const Ah
     }
     if (output.status == SavingOutput::Status::Planned && m_run.isDryRun) {
         output.emptyTokens = emptyTokens(ahead, order);
-        output.hasNoText = ahead.facts && hasNoText(*ahead.facts, order);
+        output.isKnownUnmarked = ahead.facts && isKnownUnmarked(*ahead.facts, order);
         if (const Result<void> possible = checkPlan(pending, ahead); !possible)
             failBeforehand(pending, possible.error().text);
     } else if (output.status == SavingOutput::Status::Planned) {
@@ -404,7 +409,7 @@ Result<void> SavingProcess::checkPlan(const Pending &pending, const AheadOfTime 
 {
     if (!ahead.failure.isEmpty())
         return fail(ahead.failure);
-    if (m_run.copyRules.needsVisibleMark && pending.output.hasNoText)
+    if (m_run.copyRules.needsVisibleMark && pending.output.isKnownUnmarked)
         return fail(noVisibleMark());
     return checkPlace(pending);
 }

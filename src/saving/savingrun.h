@@ -81,9 +81,9 @@ struct SavingOutput {
     bool isCombined = false;
     Status status = Status::Planned;
     Conflict conflict = Conflict::None;
-    QString error;           ///< why it failed
-    bool hasNoText = false;  ///< dry run: the texts of all its watermarks are empty on this photo
-    CopyReport report;       ///< of a written copy
+    QString error;                ///< why it failed
+    bool isKnownUnmarked = false; ///< dry run: no watermark would be visible
+    CopyReport report;            ///< of a written copy
     QStringList emptyTokens; ///< dry run: tokens in the name and the watermarks that the photo leaves empty
 };
 

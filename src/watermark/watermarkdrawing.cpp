@@ -30,6 +30,17 @@ double fractionOf(WholeNumber percent)
     return std::clamp(percent.value_or(0) / 100.0, 0.0, 1.0);
 }
 
+/// @param image  Format_ARGB32_Premultiplied
+bool isTransparent(const QImage &image)
+{
+    for (int y = 0; y < image.height(); ++y) {
+        const auto *row = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        if (std::any_of(row, row + image.width(), [](QRgb pixel) { return qAlpha(pixel) != 0; }))
+            return false;
+    }
+    return true;
+}
+
 QSize renderedSize(QSize size, double scale)
 {
     return (QSizeF(size) * scale).toSize().expandedTo(QSize(1, 1));
@@ -198,7 +209,7 @@ Result<std::optional<WatermarkDrawing>> WatermarkDrawing::prepare(const MarkOrde
     drawing.m_scale = rendering.scale;
     drawing.m_size = mark.size;
     drawing.m_notices = mark.notices;
-    drawing.m_mark.image = mark.ink;
+    drawing.m_mark.image = isTransparent(mark.ink) ? QImage() : mark.ink;
     drawing.m_mark.at = mark.inkAt;
     drawing.m_mark.mode = blendModeNamed(order.values.blendMode);
     drawing.m_mark.opacity = fractionOf(order.values.opacity);

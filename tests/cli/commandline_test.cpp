@@ -185,6 +185,8 @@ private Q_SLOTS:
                  {"--text x --name '{nope}'", "plexa-cli tokens"},
                  {"--text x --format webp", "JPEG"},
                  {"--text x --format PNG --quality 50", "no effect on PNG"},
+                 {"--text x --format PNG --save-set imageFormat=JPEG", "--format and --save-set imageFormat"},
+                 {"--image a.png --set type=Text", "--set type has no effect"},
                  {"--text x --combine", "--combine has no effect"},
                  {"--text x --ignore-assigned", "--ignore-assigned has no effect"},
                  {"--text x --set image=a.png", "no effect"},
@@ -512,8 +514,8 @@ private Q_SLOTS:
     /// Also in replicated folders; names that differ in the case of letters only are one name there.
     void portableNames()
     {
-        for (const char *name :
-             {"in/x? ./a*b\\<.png", "in/x? ./NUL.png", "in/x? ./com1 .x.png", "in/B.jpg"}) {
+        for (const char *name : {"in/x? ./a*b\\<.png", "in/x? ./NUL.png", "in/x? ./com1 .x.png",
+                                 "in/x? ./conin$.png", "in/B.jpg"}) {
             const QString photo = path(name);
             QVERIFY(QDir().mkpath(QFileInfo(photo).path()) && QFile::copy(path("in/a.png"), photo));
         }
@@ -527,8 +529,8 @@ private Q_SLOTS:
             QStringList outputs;
             for (const QJsonObject &line : jsonLines(out))
                 outputs.append(QDir(path("out")).relativeFilePath(line[u"output"_s].toString()));
-            QCOMPARE(outputs,
-                     words("a.png b.jpg b-1.jpg 'x_ _/a_b__.png' 'x_ _/com1_ .x.png' 'x_ _/NUL_.png'"));
+            QCOMPARE(outputs, words("a.png b.jpg b-1.jpg 'x_ _/a_b__.png' 'x_ _/com1_ .x.png' 'x_ "
+                                    "_/conin$_.png' 'x_ _/NUL_.png'"));
         }
     }
 
@@ -569,6 +571,9 @@ private Q_SLOTS:
              {std::tuple("--set textTokens=[\"creator\"]", 0, 2, 2),
               {"--set textTokens=[\"creator\"] --dry-run", 0, 0, 2},
               {"--text x --set opacity=0", 0, 2, 2},
+              {"--text x --set opacity=0 --dry-run", 0, 0, 2},
+              {"--text ' ' --dry-run", 0, 0, 2},
+              {"--text x --set fillColor=#ff000000 --set stroke=false", 0, 2, 2},
               {"--text x", 0, 2, 0},
               {"--set textTokens=[\"creator\"] --require-watermark", 1, 0, 0},
               {"--set textTokens=[\"creator\"] --require-watermark --dry-run", 1, 0, 0}}) {

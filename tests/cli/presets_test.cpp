@@ -120,7 +120,7 @@ private Q_SLOTS:
         const QStringList save = words("save --dry-run --wpresets %1 --saving-presets %2 %3",
                                        path("later.pxwpr"), path("later.pxspr"), path("in"));
         QCOMPARE(run(save).err.count("later version"), 2);
-        QCOMPARE(run(save + words("--quiet")).err, QByteArray());
+        QVERIFY(!run(save + words("--quiet")).err.contains("later version"));
         QCOMPARE(convert("new.pxspr", "my.pxspr").status, 0);
         QCOMPARE(json("new.pxspr"), json("my.pxspr"));
     }
