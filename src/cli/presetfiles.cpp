@@ -33,13 +33,14 @@ Result<Kind> kindOf(const QString &path)
     // Watermark presets are a property list, in its binary form or as XML.
     if (start.startsWith("bplist"))
         return Kind::Watermark;
-    QXmlStreamReader xml(boundedXml(start, 50).value_or(QByteArray()));
+    const Result<QByteArray> bounded = boundedXml(start, 50);
+    QXmlStreamReader xml(bounded.value_or(QByteArray()));
     if (xml.readNextStartElement())
         return xml.name() == QLatin1StringView("plist") ? Kind::Watermark : Kind::Saving;
     // The reader reports more about XML that is damaged or begins with a very long comment.
     const bool hasMark = start.startsWith("\xEF\xBB\xBF"); // the byte order mark of some editors
     if (start.mid(hasMark ? 3 : 0).trimmed().startsWith('<'))
-        return Kind::Saving;
+        return bounded.map([](const QByteArray &) { return Kind::Saving; });
     return fail(QStringLiteral("it is not a file of presets"));
 }
 
@@ -53,9 +54,8 @@ Result<PresetsFile> presetsIn(const QString &path, std::optional<Kind> expected,
         return tl::unexpected(kind.error());
     const bool areWatermarks = *kind == Kind::Watermark;
     if (expected && *kind != *expected)
-        return fail(areWatermarks
-                        ? QStringLiteral("it is a file of watermark presets, not of saving presets")
-                        : QStringLiteral("it is a file of saving presets, not of watermark presets"));
+        return fail(areWatermarks ? QStringLiteral("it is a file of watermark presets, not of saving presets")
+                                  : QStringLiteral("it is not a file of watermark presets"));
     const PresetsFileReading read = areWatermarks ? readWPresetsFile(path, savingPresetWithID)
                                                   : readSavingPresetsFile(path, [](const QByteArray &) {});
     const QString faults = read.faults.join(u"; ");

@@ -17,6 +17,7 @@
 #include "platform/fontcatalog.h"
 #include "platform/localeformat.h"
 #include "saving/saving.h"
+#include "saving/targetfolder.h"
 
 #include <QFileInfo>
 
@@ -49,6 +50,10 @@ Result<OutputFolders> outputFolders(const SaveOptions &options)
     folders.hasPortableNames = options.portableNames;
     if (QFileInfo(folders.destDirectory).exists() && !QFileInfo(folders.destDirectory).isDir())
         return fail(QStringLiteral("\"%1\" is not a folder").arg(folders.destDirectory));
+    if (!folders.destDirectory.isEmpty()) {
+        if (const Result<void> possible = checkFolderCanBeMade(folders.destDirectory); !possible)
+            return tl::unexpected(possible.error());
+    }
     if (!options.replicateFrom.empty()) {
         folders.replicationStartDirectory = QString::fromStdString(options.replicateFrom);
         folders.replicateOrigDirStructure = true;

@@ -239,7 +239,7 @@ private Q_SLOTS:
                  {"--apply Plain --text x", "--text and --apply cannot"},
                  {"--wpresets %1 --set type=Image", "needs a picture"},
                  {"--wpresets %1 --saving-presets %2 --apply 'With PNG' --format GIF", "no effect, because"},
-                 {"--wpresets %2", "my.pxspr\": it is a file of saving presets"},
+                 {"--wpresets %2", "my.pxspr\": it is not a file of watermark presets"},
                  {"--text x --saving-presets %1", "my.pxwpr\": it is a file of watermark"}}) {
             const ProgramRun outcome = save(options);
             QCOMPARE(outcome.status, 2);
