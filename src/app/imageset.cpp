@@ -343,6 +343,7 @@ void ImageSet::focusImageDidChangeTo(int index)
     } else {
         m_wanted = image;
         show(nullptr);
+        m_isLoadAnnounced = true;
         Q_EMIT shownImageAboutToLoad(image);
         loadWanted();
     }
@@ -380,7 +381,8 @@ void ImageSet::focusLoaded(BackgroundJob::End end)
 
 void ImageSet::show(const std::shared_ptr<ImageObject> &image)
 {
-    if (image == m_shownImage)
+    const bool isLoadAnnounced = std::exchange(m_isLoadAnnounced, false);
+    if (image == m_shownImage && !isLoadAnnounced)
         return;
     const std::shared_ptr<ImageObject> former = std::exchange(m_shownImage, image);
     Q_EMIT shownImageChanged(image);

@@ -133,6 +133,7 @@ private:
     std::shared_ptr<ImageList> m_imagesFiltered;
     ImageSelection m_selection;
     std::shared_ptr<ImageObject> m_shownImage;
+    bool m_isLoadAnnounced = false; // by shownImageAboutToLoad(), without a shownImageChanged() since
     QString m_filterText;
     QString m_searchedText; // the same in the form that is compared
     bool m_imageListIsInBrowserMode = true;

@@ -103,11 +103,12 @@ QRect ImageView::visiblePart(double margin) const
 {
     const QRectF layer = m_geometry.layerRectInView();
     const QSize pixels = layerPixels();
-    const double scale = pixels.width() / layer.width();
+    const double across = pixels.width() / layer.width();
+    const double down = pixels.height() / layer.height();
     const QRectF view =
         QRectF(rect()).adjusted(-margin * width(), -margin * height(), margin * width(), margin * height());
     const QRectF part = view.translated(-layer.topLeft());
-    return QRectF(part.topLeft() * scale, part.size() * scale)
+    return QRectF(part.left() * across, part.top() * down, part.width() * across, part.height() * down)
         .toAlignedRect()
         .intersected(QRect(QPoint(0, 0), pixels));
 }
@@ -153,8 +154,6 @@ void ImageView::setNoImageInfoString(const QString &text)
     m_noImageInfoString = text;
     update();
 }
-
-// ---- drawing
 
 void ImageView::paintEvent(QPaintEvent *)
 {
@@ -208,10 +207,13 @@ QRectF ImageView::targetOf(const Wanted &place) const
         return {};
     const QRectF layer = m_geometry.layerRectInView();
     const double ratio = devicePixelRatioF();
-    const double scale = layer.width() / place.layer.width(); // points for each pixel of the picture
-    const QPointF corner = layer.topLeft() + QPointF(place.part.topLeft()) * scale;
-    if (std::abs(scale * ratio - 1) >= 1.0 / place.layer.width())
-        return {corner, QSizeF(place.part.size()) * scale};
+    // Points for each pixel of the picture.
+    const double across = layer.width() / place.layer.width();
+    const double down = layer.height() / place.layer.height();
+    const QPointF corner = layer.topLeft() + QPointF(place.part.left() * across, place.part.top() * down);
+    const double longer = std::max(place.layer.width(), place.layer.height());
+    if (std::abs((longer == place.layer.width() ? across : down) * ratio - 1) >= 1 / longer)
+        return {corner, QSizeF(place.part.width() * across, place.part.height() * down)};
     // Made for this zoom: one pixel of the picture is one of the screen.
     return {QPointF(std::round(corner.x() * ratio), std::round(corner.y() * ratio)) / ratio,
             QSizeF(place.part.size()) / ratio};
@@ -228,8 +230,6 @@ void ImageView::resizeEvent(QResizeEvent *)
     changeGeometry([&](PreviewGeometry &geometry) { geometry.setViewSize(size()); });
     Q_EMIT canZoomStatusDidChange();
 }
-
-// ---- pointer
 
 void ImageView::updateCursor()
 {
@@ -309,6 +309,8 @@ void ImageView::mouseMoveEvent(QMouseEvent *event)
 
 void ImageView::mouseReleaseEvent(QMouseEvent *event)
 {
+    if (event->button() != Qt::LeftButton)
+        return;
     m_isPanning = false;
     updateCursor();
     const QPointF point = m_geometry.viewToImage(event->position());
@@ -322,7 +324,8 @@ void ImageView::wheelEvent(QWheelEvent *event)
     event->accept();
     if (activeTool() == ToolMode::None)
         return;
-    if (!event->pixelDelta().isNull() && !event->modifiers().testFlag(Qt::ControlModifier)) {
+    const bool isTrackpad = event->phase() != Qt::NoScrollPhase;
+    if (isTrackpad && !event->pixelDelta().isNull() && !event->modifiers().testFlag(Qt::ControlModifier)) {
         const QPointF step = event->pixelDelta();
         setCenteredImagePoint(centeredImagePoint() -
                               QPointF(step.x(), -step.y()) / m_geometry.zoomedToOriginalRatio());
@@ -337,6 +340,8 @@ void ImageView::wheelEvent(QWheelEvent *event)
 
 bool ImageView::event(QEvent *event)
 {
+    if (event->type() == QEvent::ScreenChangeInternal) // other pixels
+        changeGeometry([](PreviewGeometry &) {});
     if (event->type() != QEvent::NativeGesture || activeTool() == ToolMode::None)
         return QWidget::event(event);
     const auto action = m_gestures.read(static_cast<const QNativeGestureEvent &>(*event));
@@ -349,8 +354,6 @@ bool ImageView::event(QEvent *event)
         Q_EMIT requestsImage(action->isLeft ? -1 : 1);
     return true;
 }
-
-// ---- keys
 
 void ImageView::keyPressEvent(QKeyEvent *event)
 {

@@ -15,7 +15,7 @@ namespace plexa
 {
 
 /// Shows a photo in its room, with tools to zoom and to move it. It knows the photo's size and says which
-/// part of it is visible at which scale; somebody else makes the pixels. Until they arrive, it shows those
+/// part of it is visible at which scale; its user renders the pixels. Until they arrive, it shows those
 /// that it has, scaled. Main thread.
 class ImageView : public QWidget
 {
@@ -45,8 +45,6 @@ public:
     Wanted wantedPicture() const;
     /// Forgets the pixels.
     void purgeCaches();
-    /// Forgets the picture of the whole photo, unless it is the last picture.
-    void dropGround() { m_ground = {}; }
 
     const PreviewGeometry &geometry() const { return m_geometry; }
     double zoomFactor() const { return m_geometry.zoomFactor(); }

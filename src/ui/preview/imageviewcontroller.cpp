@@ -27,7 +27,6 @@ ImageViewController::ImageViewController(AppController &app, ImageViewWithWaterm
 {
     m_view.setImagePadding(0);
     m_view.setToolMode(ImageView::ToolMode::Zoom);
-    m_view.setNoImageInfoString(tr("Select an image in the browser to preview"));
     m_zoomedImageUpdateTimer.setSingleShot(true);
     m_zoomedImageUpdateTimer.setInterval(kUpdateDelay);
     connectAll();
@@ -40,13 +39,12 @@ void ImageViewController::connectAll()
     connect(&set, &ImageSet::shownImageChanged, this, &ImageViewController::setImageObject);
     connect(&set, &ImageSet::shownImageAboutToLoad, this, &ImageViewController::showLoading);
     connect(&set, &ImageSet::fitToWindowRequested, this, [this] { setZoomFactor(0); });
-    connect(&m_app, &AppController::previewOutdated, this, [this] {
-        m_view.dropGround();
-        refresh();
-    });
+    connect(&m_app, &AppController::previewOutdated, this, &ImageViewController::refresh);
     connect(&m_app, &AppController::imageOutdated, this, [this](const std::shared_ptr<ImageObject> &image) {
-        if (image == m_imageObject)
-            photoChanged();
+        if (image != m_imageObject)
+            return;
+        m_view.purgeCaches(); // it may lie on its side
+        photoChanged();
     });
 
     connect(&m_view, &ImageView::pictureWanted, this, &ImageViewController::refresh);
@@ -71,6 +69,7 @@ void ImageViewController::connectAll()
 void ImageViewController::setImageObject(const std::shared_ptr<ImageObject> &image)
 {
     m_isLoading = false;
+    m_view.setNoImageInfoString(tr("Select an image in the browser to preview"));
     if (image == m_imageObject && (!image || m_view.imageIsShown())) {
         showInfo();
         return;
@@ -80,12 +79,9 @@ void ImageViewController::setImageObject(const std::shared_ptr<ImageObject> &ima
     m_imageObject = image;
     m_draggedTo.reset();
     m_view.setShowWatermarkRect(false);
-    m_view.setNoImageInfoString(tr("Select an image in the browser to preview"));
     if (image) {
         connect(image.get(), &ImageObject::metadataChanged, this, &ImageViewController::photoChanged);
         connect(image.get(), &ImageObject::pathChanged, this, &ImageViewController::photoChanged);
-        connect(image.get(), &ImageObject::customWatermarkRectOriginsChanged, this,
-                &ImageViewController::refresh);
     }
     ++m_photoVersion;
     m_messages.clear();
@@ -112,7 +108,6 @@ void ImageViewController::photoChanged()
     const QSize size = m_imageObject->facts().pixelSize();
     if (m_view.geometry().imageSize() != QSizeF(size))
         m_view.setImageSize(size);
-    m_view.dropGround();
     showInfo();
     refresh();
 }
@@ -162,6 +157,7 @@ void ImageViewController::request(PreviewRequest::Quality quality)
     request.layer = wanted.layer;
     request.part = wanted.part;
     request.quality = quality;
+    request.serial = ++m_serial;
     if (wanted.part.isEmpty())
         return;
     m_renderer.request(request);
@@ -175,9 +171,11 @@ void ImageViewController::show(const PreviewPicture &picture)
 {
     if (!picture.image.isNull())
         m_view.setPicture(picture.image, {picture.layer, picture.part});
-    if (picture.watermarkRect && !m_draggedTo)
-        m_view.setWatermarkRect(*picture.watermarkRect);
-    m_view.setShowWatermarkRect(picture.watermarkRect && !isCombined());
+    if (picture.serial == m_serial) { // an older one may be from before the user moved the watermark
+        if (picture.watermarkRect && !m_draggedTo)
+            m_view.setWatermarkRect(*picture.watermarkRect);
+        m_view.setShowWatermarkRect(picture.watermarkRect && !isCombined());
+    }
     if (m_messages != picture.messages) {
         m_messages = picture.messages;
         Q_EMIT infoChanged();

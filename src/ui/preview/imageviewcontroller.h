@@ -69,6 +69,7 @@ private:
     UserDefaults &m_defaults;
     std::shared_ptr<ImageObject> m_imageObject;
     int m_photoVersion = 0;
+    int m_serial = 0; // of the newest request
     std::optional<QPointF> m_draggedTo;
     QString m_info;
     QStringList m_messages;

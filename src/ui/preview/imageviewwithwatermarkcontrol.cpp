@@ -37,7 +37,8 @@ void ImageViewWithWatermarkControl::setShowWatermarkRect(bool show)
     m_showWatermarkRect = show;
     if (!show) {
         m_isSelected = false;
-        endDrag();
+        if (m_isMouseDown)
+            cancelDrag();
     }
     update();
     updateCursor();

@@ -9,8 +9,8 @@
 namespace plexa
 {
 
-/// The preview in which a watermark can be taken with the mouse or the keyboard and placed elsewhere on the
-/// photo. The rectangle follows at once; somebody else draws the watermark there. Main thread.
+/// The preview in which the user drags a watermark, or moves it with the keys, to another place on the photo.
+/// The rectangle follows at once; the user of this class draws the watermark there. Main thread.
 class ImageViewWithWatermarkControl final : public ImageView
 {
     Q_OBJECT
@@ -27,7 +27,6 @@ public:
     void setShowWatermarkRect(bool show);
     bool showWatermarkRect() const { return m_showWatermarkRect; }
 
-    bool isDragging() const { return m_isMouseDown; }
     /// Return selects the watermark, and so does a click; the arrow keys then move it, by one pixel of the
     /// screen, with Shift by ten, until Escape.
     bool isWatermarkSelected() const { return m_isSelected; }

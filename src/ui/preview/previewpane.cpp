@@ -11,7 +11,6 @@
 
 #include <QFile>
 #include <QHBoxLayout>
-#include <QSignalBlocker>
 #include <QSlider>
 #include <QToolButton>
 #include <QWhatsThis>
@@ -22,6 +21,11 @@ namespace
 {
 
 constexpr int kZoomSteps = 200; // of the slider, whose values are whole numbers
+
+int sliderValue(double zoomFactor)
+{
+    return qRound(zoomFactor * kZoomSteps);
+}
 
 QToolButton *makeHelpButton()
 {
@@ -117,15 +121,16 @@ void PreviewPane::connectZoom()
                          [&controller] { controller.changeZoomToExtreme(Extreme::Fit); });
     m_actions.setHandler(ActionId::PreviewFullSize,
                          [&controller] { controller.changeZoomToExtreme(Extreme::FullSize); });
-    connect(m_zoomSlider, &QSlider::valueChanged, m_controller,
-            [&controller](int value) { controller.setZoomFactor(double(value) / kZoomSteps); });
+    connect(m_zoomSlider, &QSlider::valueChanged, m_controller, [&controller](int value) {
+        if (value != sliderValue(controller.zoomFactor())) // else the slider follows a zoom between two steps
+            controller.setZoomFactor(double(value) / kZoomSteps);
+    });
     connect(m_controller, &ImageViewController::zoomControlsChanged, this, &PreviewPane::showZoom);
 }
 
 void PreviewPane::showZoom()
 {
-    const QSignalBlocker blocker(m_zoomSlider);
-    m_zoomSlider->setValue(qRound(m_controller->zoomFactor() * kZoomSteps));
+    m_zoomSlider->setValue(sliderValue(m_controller->zoomFactor()));
     m_zoomSlider->setEnabled(m_controller->canZoom());
     m_actions.scheduleUpdate();
 }

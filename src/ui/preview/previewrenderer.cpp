@@ -2,6 +2,7 @@
 
 #include "ui/preview/previewrenderer.h"
 
+#include "images/strips.h"
 #include "raster/resampling.h"
 #include "watermark/watermarkdrawing.h"
 
@@ -11,6 +12,16 @@
 
 namespace plexa
 {
+
+namespace
+{
+
+PreviewPicture failure(const PreviewRequest &request, const QString &reason)
+{
+    return {{}, request.layer, request.part, request.serial, false, {}, {reason}};
+}
+
+} // namespace
 
 /// Draws one request after the other, and keeps what the next one may need: the bare part of the photo and
 /// the prepared watermarks.
@@ -35,13 +46,13 @@ public:
                 drawPlaceholder(request, deliver, isCanceled);
             if (const Result<void> read = readBare(request, isCanceled); !read) {
                 if (!canceled(isCanceled))
-                    deliver({{}, request.layer, request.part, false, {}, {read.error().text}});
+                    deliver(failure(request, read.error().text));
                 return false;
             }
         }
-        if (canceled(isCanceled))
-            return true;
-        deliver(marked(request, isCanceled));
+        const PreviewPicture picture = marked(request, isCanceled);
+        if (!canceled(isCanceled)) // else watermarks are missing
+            deliver(picture);
         return true;
     }
 
@@ -63,6 +74,7 @@ private:
         const QImage thumbnail = request.photo->thumbnail();
         if (thumbnail.isNull())
             return;
+        m_photoVersion = kNone; // the photo's own pixels are not there
         m_facts = request.photo->facts();
         m_layer = request.layer;
         m_bare = resampledPart(thumbnail.mirrored(), request.layer, request.part, isCanceled);
@@ -74,20 +86,20 @@ private:
 
     Result<void> readBare(const PreviewRequest &request, const CancelCheck &isCanceled)
     {
-        m_photoVersion = kNone; // until all of it belongs to the request
         const bool isFull = request.quality == PreviewRequest::Quality::Full;
         const QSize wanted = isFull ? request.photo->facts().pixelSize() : request.layer;
         const Result<PhotoSnapshot> snapshot =
             request.photo->readReduced(std::max(wanted.width(), wanted.height()), isCanceled);
         if (!snapshot)
             return tl::unexpected(snapshot.error());
+        const QImage bare = resampledPart(snapshot->pixels, request.layer, request.part, isCanceled);
+        if (bare.isNull())
+            return fail(outOfMemoryText());
         if (snapshot->facts.pixelSize() != m_facts.pixelSize())
             m_marks.clear();
+        m_bare = bare;
         m_facts = snapshot->facts;
         m_isFull = snapshot->pixels.size() == m_facts.pixelSize();
-        m_bare = resampledPart(snapshot->pixels, request.layer, request.part, isCanceled);
-        if (m_bare.isNull())
-            return fail(PreviewRenderer::tr("There is not enough memory to show the photo."));
         m_layer = request.layer;
         m_part = request.part;
         m_photoVersion = request.photoVersion;
@@ -97,7 +109,7 @@ private:
     /// The bare part with the watermarks of the request.
     PreviewPicture marked(const PreviewRequest &request, const CancelCheck &isCanceled)
     {
-        PreviewPicture picture{m_bare.copy(), request.layer, request.part, false, {}, {}};
+        PreviewPicture picture{m_bare.copy(), request.layer, request.part, request.serial, false, {}, {}};
         m_marks.resize(std::min(m_marks.size(), request.presets.size()));
         for (std::size_t i = 0; i < request.presets.size(); ++i) {
             const AppliedPreset &preset = request.presets[i];
@@ -136,7 +148,10 @@ private:
             }
         }
         m_marks.erase(m_marks.begin() + std::ptrdiff_t(std::min(index, m_marks.size())), m_marks.end());
-        const double scale = std::min(1.0, double(layer.width()) / m_facts.pixelSize().width());
+        // The longer side: the sides of the layer are rounded.
+        const QSize photo = m_facts.pixelSize();
+        const double scale = std::min(1.0, double(std::max(layer.width(), layer.height())) /
+                                               std::max(photo.width(), photo.height()));
         m_marks.push_back({order.values, order.customOrigin,
                            WatermarkDrawing::prepare(order, m_facts, m_fonts, {scale, isCanceled})});
     }
@@ -191,7 +206,7 @@ void PreviewRenderer::startNext()
             try {
                 return work->draw(request, deliver, [this] { return m_job.isCanceled(); });
             } catch (const std::bad_alloc &) {
-                deliver({{}, request.layer, request.part, false, {}, {tr("There is not enough memory.")}});
+                deliver(failure(request, outOfMemoryText()));
                 return false;
             }
         });

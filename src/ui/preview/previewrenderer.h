@@ -34,6 +34,7 @@ struct PreviewRequest {
     QSize layer;   ///< the size to which the whole photo is scaled, at most its own
     QRect part;    ///< the part of the layer that is wanted; origin at its top left
     Quality quality = Quality::Screen;
+    int serial = 0; ///< a number of its own, for the picture
 };
 
 /// A part of a photo with its watermarks.
@@ -41,6 +42,7 @@ struct PreviewPicture {
     QImage image;                        ///< null when the photo could not be read
     QSize layer;                         ///< as requested
     QRect part;                          ///< as requested
+    int serial = 0;                      ///< of the request
     bool isPlaceholder = false;          ///< made of the thumbnail, until the photo is decoded
     std::optional<QRectF> watermarkRect; ///< of the first preset; photo pixels, origin at the bottom left
     QStringList messages;                ///< why the photo or a preset could not be drawn, and notices

@@ -5,9 +5,9 @@
 #include "ui/shownwindow.h"
 #include "ui/widgets/elidedlabel.h"
 
+#include <QApplication>
 #include <QLineF>
 #include <QSlider>
-#include <QStyleHints>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -96,7 +96,12 @@ private Q_SLOTS:
         QTRY_COMPARE(preview.view.geometry().imageSize(), QSizeF(48, 64));
         QTRY_COMPARE(info.text(), u"b.png, 48x64"_qs);
 
+        // A photo that is still being loaded when it is no longer wanted leaves nothing behind.
+        preview.set.addImage(preview.files.photo("c.png"), {});
+        preview.set.selection().selectIndexes({2});
+        QCOMPARE(info.text(), u"c.png"_qs);
         preview.set.selection().selectNone();
+        QTRY_VERIFY(!preview.controller.isBusy());
         QVERIFY(info.text().isEmpty() && !preview.view.imageIsShown());
         QVERIFY(!preview.isEnabled(ActionId::PreviewZoomIn));
     }
@@ -106,9 +111,10 @@ private Q_SLOTS:
         Preview preview;
         preview.presets.modeDidChange(AppliedPresets::Mode::Presets); // nothing is applied
         preview.settle();
+        QApplication::setDoubleClickInterval(1);
         const auto click = [&](Qt::KeyboardModifiers keys = {}) {
             QTest::mouseClick(&preview.view, Qt::LeftButton, keys, preview.middle());
-            QTest::qWait(QGuiApplication::styleHints()->mouseDoubleClickInterval() + 50);
+            QTest::qWait(20);
             return preview.controller.zoomFactor();
         };
         QVERIFY(isNear(click(), 0.2));
@@ -179,6 +185,15 @@ private Q_SLOTS:
         QTest::keyClick(&preview.view, Qt::Key_Escape);
         QCOMPARE(preview.view.watermarkRect().topLeft(), *preview.origin());
         preview.release(preview.middle());
+        // So does a preset that goes away.
+        preview.press(preview.onMark());
+        preview.move(preview.onMark() + QPoint(50, 50));
+        preview.presets.modeDidChange(AppliedPresets::Mode::Presets);
+        preview.settle();
+        preview.release(preview.middle());
+        preview.presets.modeDidChange(AppliedPresets::Mode::Single);
+        preview.settle();
+        QVERIFY(QLineF(preview.view.watermarkRect().topLeft(), expected).length() < 1e-6);
         QTest::mouseClick(&preview.view, Qt::LeftButton, Qt::ControlModifier, preview.onMark());
         QVERIFY(isNear(preview.controller.zoomFactor(), 0.2));
         QVERIFY(QLineF(*preview.origin(), expected).length() < 1e-6);
@@ -210,6 +225,12 @@ private Q_SLOTS:
         const double pixel =
             1 / preview.view.geometry().zoomedToOriginalRatio() / preview.view.devicePixelRatioF();
         QVERIFY(QLineF(*preview.origin(), before + QPointF(1, 10) * pixel).length() < 1e-6);
+        // Each key counts, although pictures of earlier places arrive meanwhile.
+        for (int i = 0; i < 30; ++i) {
+            QTest::keyClick(&preview.view, Qt::Key_Right);
+            QTest::qWait(3);
+        }
+        QVERIFY(QLineF(*preview.origin(), before + QPointF(31, 10) * pixel).length() < 1e-6);
         QTest::keyClick(&preview.view, Qt::Key_Escape);
         QVERIFY(!preview.view.isWatermarkSelected());
     }

@@ -184,6 +184,41 @@ private Q_SLOTS:
         QVERIFY(scene.pictures.empty());
     }
 
+    /// A pass over all pixels that a newer request cancels shows nothing, and the photo stays decoded.
+    void passOverAllPixelsIsCanceled()
+    {
+        Scene scene;
+        scene.request.presets = {textPreset(scene.services.fonts, [](WPresetValues &) {})};
+        const QRect whole(0, 0, 600, 400);
+        scene.drawn(whole.size(), whole);
+        scene.pictures.clear();
+        for (int i = 0; i < 5; ++i) {
+            scene.request.presets.front().values.opacity = 90 - i;
+            scene.request.quality = PreviewRequest::Quality::Full;
+            scene.renderer.request(scene.request);
+            QTest::qWait(5 * i);
+            scene.request.quality = PreviewRequest::Quality::Screen;
+            scene.drawn(whole.size(), whole);
+        }
+        QVERIFY(scene.pictures.size() >= 5);
+        for (const PreviewPicture &picture : scene.pictures)
+            QVERIFY(!picture.isPlaceholder && picture.watermarkRect && picture.messages.isEmpty());
+    }
+
+    void tallPhoto()
+    {
+        Scene scene({41, 2000});
+        scene.request.presets = {textPreset(scene.services.fonts, [](WPresetValues &v) {
+            v.type = QStringLiteral("Image");
+            v.image = WatermarkPicture::fromImage(flatPicture({8, 8}, Qt::red));
+            v.width = 100;
+            v.anchorPoint = 7; // at the bottom
+            v.offsetVertical = v.offsetHorizontal = 0;
+        })};
+        const QImage image = scene.drawn({6, 300}, {0, 0, 6, 300}).image;
+        QVERIFY(image.pixelColor(2, 298).red() > 200 && image.pixelColor(2, 298).green() < 80);
+    }
+
     void failures()
     {
         Scene scene;
