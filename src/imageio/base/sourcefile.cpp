@@ -31,15 +31,20 @@ Result<std::unique_ptr<SourceFile>> SourceFile::openAt(const QString &path)
 {
     const QByteArray name = QFile::encodeName(path);
     struct stat status = {};
-    // Opening a pipe would wait for its other end; a device has no reliable end.
+    // A device has no reliable end, and opening it, or a pipe, may have effects.
     if (::stat(name.constData(), &status) == 0 && !S_ISREG(status.st_mode))
         return fail(PictureFailures::notAPicture());
+    // The path may lead elsewhere by now: to open a pipe must not wait for its other end.
     int descriptor = -1;
     do {
-        descriptor = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+        descriptor = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
     } while (descriptor < 0 && errno == EINTR);
     if (descriptor < 0)
         return fail(PictureFailures::readError(qt_error_string(errno)));
+    if (::fstat(descriptor, &status) == 0 && !S_ISREG(status.st_mode)) {
+        ::close(descriptor);
+        return fail(PictureFailures::notAPicture());
+    }
     const std::optional<FileVersion> version = fileVersionOf(descriptor);
     if (version)
         return std::unique_ptr<SourceFile>(new SourceFile(descriptor, *version));
@@ -64,8 +69,10 @@ Result<void> SourceFile::checkUnchanged() const
 
 bool SourceFile::seek(qint64 position)
 {
+    if (!QIODevice::seek(position))
+        return false;
     m_position = position;
-    return QIODevice::seek(position);
+    return true;
 }
 
 /// @param error  an errno value; 0: the file ends before its size

@@ -6,6 +6,7 @@
 
 #include <QtEndian>
 
+#include <algorithm>
 #include <string_view>
 
 namespace plexa
@@ -64,24 +65,25 @@ bool isFrameHeader(QByteArrayView bytes, qsizetype at)
 }
 
 /// Any decoder needs a frame header; bytes before it are skipped by some.
-bool holdsJpeg(QByteArrayView bytes)
+qsizetype jpegStartIn(QByteArrayView bytes)
 {
     constexpr QByteArrayView kStart("\xD8\xFF");
-    qsizetype at = bytes.indexOf(kStart);
-    while (at >= 0 && !canFollowStart(byteAt(bytes, at + kStart.size())))
-        at = bytes.indexOf(kStart, at + 1);
-    if (at >= 0)
-        at = bytes.indexOf('\xFF', at);
-    while (at >= 0 && !isFrameHeader(bytes, at))
-        at = bytes.indexOf('\xFF', at + 1);
-    return at >= 0;
+    qsizetype start = bytes.indexOf(kStart);
+    while (start >= 0 && !canFollowStart(byteAt(bytes, start + kStart.size())))
+        start = bytes.indexOf(kStart, start + 1);
+    qsizetype frame = start < 0 ? -1 : bytes.indexOf('\xFF', start);
+    while (frame >= 0 && !isFrameHeader(bytes, frame))
+        frame = bytes.indexOf('\xFF', frame + 1);
+    return frame < 0 ? -1 : std::max<qsizetype>(0, start - 1);
 }
 
 } // namespace
 
-bool holdsPictureStart(QByteArrayView bytes)
+qsizetype pictureStartIn(QByteArrayView bytes)
 {
-    return holdsJpeg(bytes) || bytes.contains("\x89PNG\r\n\x1A\n");
+    const qsizetype jpeg = jpegStartIn(bytes);
+    const qsizetype png = bytes.indexOf("\x89PNG\r\n\x1A\n");
+    return jpeg < 0 || png < 0 ? std::max(jpeg, png) : std::min(jpeg, png);
 }
 
 bool holdsPictureAsText(const QByteArray &text)
@@ -90,7 +92,7 @@ bool holdsPictureAsText(const QByteArray &text)
     const auto holds = [](const QByteArray &searched, const QByteArray &start, const auto &decoded) {
         int starts = 0;
         for (qsizetype at = searched.indexOf(start); at >= 0; at = searched.indexOf(start, at + 1)) {
-            if (++starts > kMaxStarts || holdsJpeg(decoded(searched.mid(at))))
+            if (++starts > kMaxStarts || jpegStartIn(decoded(searched.mid(at))) >= 0)
                 return true;
         }
         return false;

@@ -7,10 +7,15 @@
 namespace plexa
 {
 
-/// Does a JPEG or PNG begin anywhere in these bytes? A JPEG is a start, directly followed by a marker, and a
-/// frame header anywhere after: a table of numbers may contain the first bytes of a JPEG by chance. Its first
-/// byte may be any: some cameras spoil it in their maker notes.
-bool holdsPictureStart(QByteArrayView bytes);
+/// Where the first JPEG or PNG in these bytes begins; -1: there is none. A JPEG is a start, directly followed
+/// by a marker, and a frame header anywhere after: a table of numbers may contain the first bytes of a JPEG
+/// by chance. Its first byte may be any, or lie before the bytes: some cameras spoil it in their maker notes.
+qsizetype pictureStartIn(QByteArrayView bytes);
+
+inline bool holdsPictureStart(QByteArrayView bytes)
+{
+    return pictureStartIn(bytes) >= 0;
+}
 
 /// Does a text hold a JPEG or PNG in base 64 or in hexadecimal digits? The letters with which one begins may
 /// occur in words by chance.

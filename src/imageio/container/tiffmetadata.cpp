@@ -19,6 +19,9 @@ constexpr quint64 kMargin = 256 * 1024;
 /// Bound for crafted chains of directories; the metadata of a photo have about ten.
 constexpr size_t kMaxDirectories = 256;
 
+/// Bound for crafted files whose directories have many fields: after as many, no further directory is read.
+constexpr int kMaxFields = 65535; // one directory may have all
+
 /// Fields that lead to further directories: sub-pictures, EXIF, GPS, interoperability.
 constexpr quint16 kDirectories[] = {0x014A, 0x8769, 0x8825, 0xA005};
 
@@ -36,12 +39,14 @@ public:
     {
         std::set<quint64> seen;
         std::vector<quint64> positions = {m_reader.first()};
-        while (!positions.empty() && seen.size() < kMaxDirectories) {
+        int fields = 0;
+        while (!positions.empty() && seen.size() < kMaxDirectories && fields < kMaxFields) {
             const quint64 at = positions.back();
             positions.pop_back();
             const auto directory = seen.insert(at).second ? m_reader.read(at) : std::nullopt;
             if (!directory)
                 continue;
+            fields += directory->fieldCount;
             add(at, directory->bytes);
             addValues(directory->fields);
             positions.push_back(directory->next);

@@ -55,6 +55,14 @@ struct XmpText {
     QByteArray utf8;
 };
 
+/// Is the field full, so that the character that follows in the whole text has no room in it? Some programs
+/// cut before that character, others in the middle of it.
+bool isFull(qsizetype usedBytes, int maxBytes, QStringView following)
+{
+    const qsizetype nextCharacter = following.size() > 1 && following.front().isHighSurrogate() ? 2 : 1;
+    return usedBytes + following.first(nextCharacter).toUtf8().size() > maxBytes;
+}
+
 /// A text that fills its field of IIM may be cut there, even in the middle of a character: XMP has it whole
 /// then.
 /// @param bytes  of the field
@@ -63,12 +71,17 @@ QString wholeText(const QString &text, const QByteArray &bytes, int maxBytes,
                   const std::vector<XmpText> &inXmp)
 {
     constexpr int kBytesOfCharacter = 4;
-    if (text.toUtf8().size() <= maxBytes - kBytesOfCharacter)
+    const qsizetype used = text.toUtf8().size();
+    if (used <= maxBytes - kBytesOfCharacter)
         return text;
     const QString beginning = withXmlLineEnds(text);
+    if (std::ranges::any_of(inXmp, [&](const XmpText &same) { return same.lines == beginning; }))
+        return text;
     const auto whole = std::ranges::find_if(inXmp, [&](const XmpText &candidate) {
-        return (candidate.text.size() > beginning.size() && candidate.lines.startsWith(beginning)) ||
-               (candidate.utf8.size() > bytes.size() && candidate.utf8.startsWith(bytes));
+        return (candidate.lines.size() > beginning.size() && candidate.lines.startsWith(beginning) &&
+                isFull(used, maxBytes, QStringView(candidate.lines).sliced(beginning.size()))) ||
+               (bytes.size() >= maxBytes && candidate.utf8.size() > bytes.size() &&
+                candidate.utf8.startsWith(bytes));
     });
     return whole == inXmp.end() ? text : whole->text;
 }

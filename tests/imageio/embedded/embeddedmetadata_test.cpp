@@ -138,10 +138,16 @@ private Q_SLOTS:
         // Samsung's maker note, whose offsets count from its start, with a preview.
         const QByteArray preview = exifDirectory(42, {{0x0103, 3, big16(6)}});
         const QByteArray note =
-            exifDirectory(0, {{1, 7, "0100"}, {0x0035, 4, big32(42)}, {0x0050, 3, big16(1)}});
-        check({0x927C, 7, note + preview}, "SAMSUNG\0\0\0"_ba, {});
-        check({0x927C, 7, note + preview + QByteArray(40, 'd')}, "SAMSUNG\0\0\0"_ba,
-              {u"maker note data outside of its fields"_s});
+            exifDirectory(0, {{1, 7, "0100"}, {0x0035, 4, big32(42)}, {0x0050, 3, big16(1)}}) + preview;
+        const QByteArray data(40, 'd');
+        for (const QByteArray &lost : {data, data + kPng, "\xD8\xFF\0"_ba + data + kJpeg})
+            check({0x927C, 7, note + lost}, "SAMSUNG\0\0\0"_ba, {u"maker note data outside of its fields"_s});
+        for (const QByteArray &picture : {QByteArray(), kPng, kJpeg, kJpeg.mid(1)})
+            check({0x927C, 7, note + picture}, "SAMSUNG\0\0\0"_ba, {});
+        // A field of unknown type, with the number of a field of the preview.
+        const QByteArray other =
+            exifDirectory(0, {{1, 7, "0100"}, {0x0035, 4, big32(42)}, {0x0103, 0x63, "1"}}) + preview;
+        check({0x927C, 7, other}, "SAMSUNG\0\0\0"_ba, {u"maker note field 0x0103"_s});
     }
 
     void picturesInIptcAreRemoved()

@@ -270,10 +270,15 @@ private Q_SLOTS:
         cut("cut in a character", 90, town.toUtf8().left(32), inXmp, u"{IPTC}/City"_s, town);
         cut("short", 90, "Llanfair", inXmp, u"{IPTC}/City"_s, u"Llanfair"_s);
         cut("another", 90, QByteArray(32, 'x'), inXmp, u"{IPTC}/City"_s, QString(32, u'x'));
-        cut("keyword", 25, QByteArray(64, 'k'),
-            "<dc:subject><rdf:Bag><rdf:li>a</rdf:li><rdf:li>" + QByteArray(70, 'k') +
-                "</rdf:li></rdf:Bag></dc:subject>",
-            u"{IPTC}/Keywords"_s, QVariantList{QString(70, u'k')});
+        const auto keyword = [&](const char *name, int bytes, const QByteArray &other, int expected) {
+            cut(name, 25, QByteArray(bytes, 'k'),
+                "<dc:subject><rdf:Bag><rdf:li>" + QByteArray(70, 'k') + "</rdf:li><rdf:li>" + other +
+                    "</rdf:li></rdf:Bag></dc:subject>",
+                u"{IPTC}/Keywords"_s, QVariantList{QString(expected, u'k')});
+        };
+        keyword("keyword", 64, "a", 70);
+        keyword("keyword below the limit", 63, "a", 63);
+        keyword("keyword and a longer one", 64, QByteArray(64, 'k'), 64);
 
         const auto xmp = [](const char *name, const QByteArray &attributes, const QByteArray &elements,
                             const QString &where, const QVariant &expected) {

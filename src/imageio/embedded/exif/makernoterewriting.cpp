@@ -8,7 +8,6 @@
 #include "imageio/embedded/metadatablocks.h"
 #include "imageio/embedded/metadataclearing.h"
 
-#include <QMap>
 #include <QSet>
 
 #include <algorithm>
@@ -148,8 +147,8 @@ public:
             end = std::max(end, to);
         }
         // A preview, and what its buffer held before.
-        if (holdsPictureStart(rest))
-            rest.truncate(qMax<qsizetype>(0, rest.indexOf("\xD8\xFF") - 1));
+        if (const qsizetype picture = pictureStartIn(rest); picture >= 0)
+            rest.truncate(picture);
         return rest.size() - rest.count('\0') > kMaxFill;
     }
 
@@ -213,6 +212,58 @@ private:
     QSet<QString> m_tags;
 };
 
+/// A group of the library's and a tag in it. Groups use the same tags, those of directories as well as those
+/// that the library gives to the parts of a value.
+using GroupTag = std::pair<std::string, QString>;
+
+/// Finds the library's group of each directory of a note: of the groups with the fewest tags outside of the
+/// directory, the one with the most in it.
+class DirectoryGroups
+{
+public:
+    /// @param paths  as of NoteTags
+    DirectoryGroups(const QSet<QString> &paths, const Exiv2::ExifData &fields)
+    {
+        std::map<std::string, QSet<QString>> tagsOfGroups;
+        for (const Exiv2::Exifdatum &datum : fields) {
+            if (datum.groupName() != "MakerNote")
+                tagsOfGroups[datum.groupName()] += tagText(datum.tag());
+        }
+        std::map<QString, QSet<QString>> tagsOfDirectories;
+        for (const QString &path : paths)
+            tagsOfDirectories[directoryOf(path)] += path.section(u'/', -1);
+        for (const auto &[directory, tags] : tagsOfDirectories) {
+            std::pair<qsizetype, qsizetype> best; // tags outside of the directory; minus those in it
+            for (const auto &[group, tagsOfGroup] : tagsOfGroups) {
+                const qsizetype inside = (tagsOfGroup & tags).size();
+                const std::pair match(tagsOfGroup.size() - inside, -inside);
+                if (inside > 0 && (!m_groups.contains(directory) || match < best)) {
+                    best = match;
+                    m_groups[directory] = group;
+                }
+            }
+        }
+    }
+
+    /// The fields that lead to a field, and itself; without group where the library does not know the
+    /// directory.
+    std::vector<GroupTag> pathOf(const QString &path) const
+    {
+        std::vector<GroupTag> fields;
+        for (QString at = path; !at.isEmpty(); at = directoryOf(at)) {
+            const auto group = m_groups.find(directoryOf(at));
+            fields.emplace_back(group == m_groups.end() ? std::string() : group->second,
+                                at.section(u'/', -1));
+        }
+        return fields;
+    }
+
+private:
+    static QString directoryOf(const QString &path) { return path.section(u'/', 0, -2); }
+
+    std::map<QString, std::string> m_groups;
+};
+
 /// The fields of the maker notes that a file stores, with their values.
 std::map<std::string, std::string> storedNoteFields(const Exiv2::ExifData &exif)
 {
@@ -259,20 +310,23 @@ QStringList lossesByRewriting(const MakerNoteBlock &note, const Exiv2::ExifData 
     std::set<std::string> kept;
     for (const Exiv2::Exifdatum &datum : exif)
         kept.insert(datum.key());
-    QMap<QString, QString> names;
-    QSet<QString> removed;
+    std::map<GroupTag, QString> names;
+    std::set<GroupTag> removed;
     for (const Exiv2::Exifdatum &datum : note.fields) {
-        const QString tag = tagText(datum.tag());
-        names.insert(tag, QString::fromStdString(datum.tagName()));
+        const GroupTag tag(datum.groupName(), tagText(datum.tag()));
+        names.emplace(tag, QString::fromStdString(datum.tagName()));
         if (!kept.contains(datum.key()))
-            removed += tag;
+            removed.insert(tag);
     }
+    const DirectoryGroups groups(before.tags(), note.fields);
     QStringList lost;
     const QSet<QString> missing = before.tags() - after.tags();
     for (const QString &tag : missing) {
-        const QStringList path = tag.split(u'/');
-        if (std::ranges::none_of(path, [&](const QString &part) { return removed.contains(part); }))
-            lost += QStringLiteral("maker note field ") + names.value(tag, tag);
+        const std::vector<GroupTag> path = groups.pathOf(tag);
+        if (std::ranges::any_of(path, [&](const GroupTag &part) { return removed.contains(part); }))
+            continue;
+        const auto name = path.size() == 1 ? names.find(path.front()) : names.end();
+        lost += QStringLiteral("maker note field ") + (name == names.end() ? tag : name->second);
     }
     lost.sort();
     if (before.hasDataOutsideOfFields() && !after.hasDataOutsideOfFields())
