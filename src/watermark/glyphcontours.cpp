@@ -20,9 +20,44 @@ namespace
 constexpr double kFlatness = 0.03;
 constexpr int kMaxSidesOfCurve = 64;
 
-/// The most pairs of sides that are compared for one text, which takes less than half a second.
+/// The most comparisons of sides, points and boxes for one text.
 constexpr qint64 kMaxComparisons = 20'000'000;
-constexpr qint64 kMaxPairs = 5'000'000;
+constexpr qint64 kComparisonsPerCheck = 50'000;
+
+/// The most pairs of neighbors that are remembered, 16 bytes each.
+constexpr int kMaxPairs = 500'000;
+
+/// The comparisons that are left for one text. Cancellation ends them, too.
+class Budget
+{
+public:
+    explicit Budget(const CancelCheck &isCanceled)
+        : m_isCanceled(isCanceled)
+    {
+    }
+
+    void spend(std::size_t comparisons)
+    {
+        m_left -= static_cast<qint64>(comparisons);
+        if (m_left >= m_nextCheck)
+            return;
+        m_nextCheck = m_left - kComparisonsPerCheck;
+        if (canceled(m_isCanceled))
+            end();
+    }
+
+    void end()
+    {
+        m_left = -1;
+        m_nextCheck = m_left - kComparisonsPerCheck;
+    }
+    bool isSpent() const { return m_left < 0; }
+
+private:
+    const CancelCheck &m_isCanceled;
+    qint64 m_left = kMaxComparisons;
+    qint64 m_nextCheck = kMaxComparisons;
+};
 
 double cross(QPointF a, QPointF b)
 {
@@ -173,26 +208,27 @@ struct Neighbor {
 class Trimmer
 {
 public:
-    /// @param comparisons  is reduced by those of this shape
-    Trimmer(const Polygon &shape, std::vector<Neighbor> neighbors, double touching, qint64 &comparisons)
+    /// @param budget  is reduced by the comparisons of this shape
+    Trimmer(const Polygon &shape, std::vector<Neighbor> neighbors, double touching, Budget &budget)
         : m_shape(shape)
         , m_neighbors(std::move(neighbors))
         , m_touching(touching)
-        , m_comparisons(comparisons)
+        , m_budget(budget)
     {
     }
 
-    /// @return none if all of the contour bounds the union, or if there are too many comparisons
+    /// @return none if all of the contour bounds the union, or if the budget is spent
     std::optional<QPainterPath> trimmed()
     {
         bool isWhole = true;
         std::size_t element = 0;
         for (const Polygon::Contour &contour : m_shape.contours) {
             m_pieces.clear();
-            for (; element < contour.endElement; ++element)
+            for (; element < contour.endElement; ++element) {
                 isWhole = addElement(m_shape.elements[element]) && isWhole;
-            if (m_comparisons < 0)
-                return std::nullopt;
+                if (m_budget.isSpent())
+                    return std::nullopt;
+            }
             writeContour();
         }
         return isWhole ? std::nullopt : std::optional(m_rest);
@@ -220,17 +256,20 @@ private:
         return isWhole;
     }
 
-    /// @return whether all of the side bounds the union
+    /// @return whether all of the side bounds the union; false if the budget is spent
     bool addSide(const QLineF &side)
     {
         const QRectF reach = grown(boxOf(side), m_touching);
         std::vector<double> cuts;
         bool isNear = false;
         for (const Neighbor &neighbor : m_neighbors) {
+            m_budget.spend(1);
+            if (m_budget.isSpent())
+                return false;
             if (!meet(neighbor.polygon->box.translated(neighbor.at), reach))
                 continue;
             isNear = true;
-            m_comparisons -= static_cast<qint64>(neighbor.polygon->sides.size());
+            m_budget.spend(neighbor.polygon->sides.size());
             for (const QLineF &other : neighbor.polygon->sides) {
                 const QLineF placed = other.translated(neighbor.at);
                 if (meet(boxOf(placed), reach))
@@ -252,7 +291,10 @@ private:
             const double length = piece.length();
             if (to < 1 ? length < m_touching / 8 : !(length > 0))
                 continue;
-            if (isOnBoundary(piece))
+            const bool isBoundary = isOnBoundary(piece);
+            if (m_budget.isSpent())
+                return false;
+            if (isBoundary)
                 m_pieces.push_back({piece});
             else
                 isWhole = false;
@@ -294,11 +336,16 @@ private:
 
     bool isInside(QPointF point) const
     {
-        m_comparisons -= static_cast<qint64>(m_shape.sides.size());
-        return m_shape.contains(point) ||
+        return contains(m_shape, point) ||
                std::any_of(m_neighbors.begin(), m_neighbors.end(), [&](const Neighbor &neighbor) {
-                   return neighbor.polygon->contains(point - neighbor.at);
+                   return m_budget.isSpent() || contains(*neighbor.polygon, point - neighbor.at);
                });
+    }
+
+    bool contains(const Polygon &polygon, QPointF point) const
+    {
+        m_budget.spend(polygon.box.contains(point) ? polygon.sides.size() : 1);
+        return polygon.contains(point);
     }
 
     /// Writes the pieces of a contour, from a gap on: a place that is no end gets no round one.
@@ -326,16 +373,16 @@ private:
     const Polygon &m_shape;
     const std::vector<Neighbor> m_neighbors;
     const double m_touching;
-    qint64 &m_comparisons;
+    Budget &m_budget;
     std::vector<Piece> m_pieces; // of one contour
     QPainterPath m_rest;
 };
 
-/// Finds the pairs of shapes whose boxes meet.
+/// Finds the pairs of shapes whose boxes meet. Too many pairs end the budget.
 class NeighborSearch
 {
 public:
-    NeighborSearch(const std::vector<PlacedShape> &shapes, double touching)
+    NeighborSearch(const std::vector<PlacedShape> &shapes, double touching, Budget &budget)
         : m_neighbors(shapes.size())
     {
         QHash<const QPainterPath *, QRectF> boxes;
@@ -347,14 +394,14 @@ public:
             m_boxes.push_back(box->translated(shape.at));
             all |= m_boxes.back();
         }
-        findPairs(all.width() < all.height());
+        findPairs(all.width() < all.height(), budget);
     }
 
     const std::vector<std::size_t> &neighborsOf(std::size_t index) const { return m_neighbors[index]; }
 
 private:
     /// Sorted along the text's longer side, a shape meets few of those that follow it.
-    void findPairs(bool byHeight)
+    void findPairs(bool byHeight, Budget &budget)
     {
         const auto startOf = [&](std::size_t i) { return byHeight ? m_boxes[i].top() : m_boxes[i].left(); };
         const auto endOf = [&](std::size_t i) { return byHeight ? m_boxes[i].bottom() : m_boxes[i].right(); };
@@ -362,11 +409,16 @@ private:
         std::iota(order.begin(), order.end(), std::size_t{0});
         std::sort(order.begin(), order.end(),
                   [&](std::size_t a, std::size_t b) { return startOf(a) < startOf(b); });
-        qint64 left = kMaxPairs;
+        int pairs = 0;
         for (auto a = order.begin(); a != order.end(); ++a) {
-            for (auto b = std::next(a); b != order.end() && startOf(*b) <= endOf(*a) && --left > 0; ++b) {
+            for (auto b = std::next(a); b != order.end() && startOf(*b) <= endOf(*a); ++b) {
+                budget.spend(1);
+                if (budget.isSpent())
+                    return;
                 if (!meet(m_boxes[*a], m_boxes[*b]))
                     continue;
+                if (++pairs > kMaxPairs)
+                    return budget.end();
                 m_neighbors[*a].push_back(*b);
                 m_neighbors[*b].push_back(*a);
             }
@@ -382,7 +434,8 @@ private:
 std::vector<std::optional<QPainterPath>> contoursOfUnion(const std::vector<PlacedShape> &shapes,
                                                          double touching, const CancelCheck &isCanceled)
 {
-    const NeighborSearch search(shapes, touching);
+    Budget budget(isCanceled);
+    const NeighborSearch search(shapes, touching, budget);
     QHash<const QPainterPath *, std::shared_ptr<const Polygon>> polygons;
     const auto polygonOf = [&](const PlacedShape &shape) {
         std::shared_ptr<const Polygon> &polygon = polygons[shape.path];
@@ -391,8 +444,7 @@ std::vector<std::optional<QPainterPath>> contoursOfUnion(const std::vector<Place
         return polygon.get();
     };
     std::vector<std::optional<QPainterPath>> contours(shapes.size());
-    qint64 comparisons = kMaxComparisons;
-    for (std::size_t i = 0; i < shapes.size() && !canceled(isCanceled); ++i) {
+    for (std::size_t i = 0; i < shapes.size() && !budget.isSpent(); ++i) {
         const Polygon &polygon = *polygonOf(shapes[i]);
         std::vector<Neighbor> neighbors;
         if (polygon.mayOverlapItself)
@@ -400,7 +452,7 @@ std::vector<std::optional<QPainterPath>> contoursOfUnion(const std::vector<Place
         for (const std::size_t other : search.neighborsOf(i))
             neighbors.push_back({polygonOf(shapes[other]), shapes[other].at - shapes[i].at});
         if (!neighbors.empty())
-            contours[i] = Trimmer(polygon, std::move(neighbors), touching, comparisons).trimmed();
+            contours[i] = Trimmer(polygon, std::move(neighbors), touching, budget).trimmed();
     }
     return contours;
 }
