@@ -10,6 +10,7 @@
 
 #include <QFileInfo>
 
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -77,11 +78,15 @@ void PresetCommands::readNext()
             m_services.status.setProgress((before + share) / files, StatusOperation::ImportingPresets);
             return !m_job.isCanceled();
         };
-        const auto reading = std::make_shared<PresetsFileReading>(
-            readForeignPresetsFile(path, kindOf(path) == Kind::Watermark, progress));
-        reading->moveToThread(owner);
-        m_job.post([this, reading] { m_reading = reading; });
-        return true;
+        try {
+            const auto reading = std::make_shared<PresetsFileReading>(
+                readForeignPresetsFile(path, kindOf(path) == Kind::Watermark, progress));
+            reading->moveToThread(owner);
+            m_job.post([this, reading] { m_reading = reading; });
+            return true;
+        } catch (const std::bad_alloc &) {
+            return false;
+        }
     });
 }
 
@@ -91,6 +96,9 @@ void PresetCommands::readingEnded(BackgroundJob::End end)
     ++m_nRead;
     if (end == BackgroundJob::End::Done)
         add(m_path, *reading);
+    else if (end == BackgroundJob::End::Failed)
+        report(m_services.alerts, Alert::Style::Warning, tr("Presets import failed"),
+               {tr("There is not enough memory for \"%1\".").arg(QFileInfo(m_path).fileName())});
     readNext();
 }
 

@@ -200,12 +200,11 @@ void SaveReport::count(const SavingOutput &output)
 
 void SaveReport::printMessages(const SavingOutput &output)
 {
-    // A photo that cannot be read fails once for each preset.
-    if (output.status == Status::Failed) {
-        const std::pair failure(output.sourcePath, output.error);
-        if (std::exchange(m_lastFailure, failure) != failure)
-            printAbout(output.sourcePath, output.error);
-    }
+    const bool isFailure = output.status == Status::Failed;
+    if (output.sourcePath != m_failure.sourcePath || (isFailure && output.error != m_failure.reason))
+        printFailure();
+    if (isFailure)
+        m_failure = {output.sourcePath, output.error, m_failure.copies + 1};
     if (isWithoutWatermark(output))
         printAbout(output.sourcePath, withoutWatermark(output, m_form.hasSeveralWatermarks));
     if (m_form.quiet || m_form.json) // the JSON line contains the rest
@@ -215,6 +214,14 @@ void SaveReport::printMessages(const SavingOutput &output)
     if (!output.report.dropped.isEmpty())
         printAbout(output.sourcePath,
                    QStringLiteral("the copy leaves out: ") + output.report.dropped.join(QLatin1String(", ")));
+}
+
+void SaveReport::printFailure()
+{
+    const auto [sourcePath, reason, copies] = std::exchange(m_failure, {});
+    if (copies > 0)
+        printAbout(sourcePath,
+                   copies == 1 ? reason : QStringLiteral("%1 (%2 copies)").arg(reason).arg(copies));
 }
 
 QString SaveReport::summary() const
@@ -255,6 +262,7 @@ void SaveReport::printJsonSummary() const
 void SaveReport::end()
 {
     m_progress.clear();
+    printFailure();
     if (m_form.json)
         printJsonSummary();
     if (!m_form.quiet || !isComplete() || m_counts.unmarked > 0 || m_search.notRead > 0)

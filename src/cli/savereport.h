@@ -7,8 +7,6 @@
 
 #include <QString>
 
-#include <utility>
-
 namespace plexa
 {
 
@@ -49,8 +47,17 @@ private:
         qint64 notStarted = 0;
     };
 
+    /// Of copies of one photo that failed for the same reason. Printed once, when there are no more of them:
+    /// a photo that cannot be read fails once for each preset.
+    struct Failure {
+        QString sourcePath;
+        QString reason;
+        int copies = 0;
+    };
+
     void count(const SavingOutput &output);
     void printMessages(const SavingOutput &output);
+    void printFailure();
     void printJsonSummary() const;
     QString summary() const;
 
@@ -58,7 +65,7 @@ private:
     const Search m_search;
     ProgressLine m_progress;
     Counts m_counts;
-    std::pair<QString, QString> m_lastFailure; ///< the path and the reason
+    Failure m_failure; ///< not printed yet
 };
 
 } // namespace plexa

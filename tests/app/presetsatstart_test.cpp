@@ -7,6 +7,9 @@
 
 #include <QSignalSpy>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 using namespace plexa;
 using namespace plexa::test;
 
@@ -104,6 +107,29 @@ private Q_SLOTS:
         again.readAll();
         QCOMPARE(again.wPresets().size(), 2 * watermarks);
         QVERIFY(again.savingPresets().size() > savings);
+        QCOMPARE(work.alerts.complaints(), QStringList());
+    }
+
+    void fileWithoutMemory()
+    {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+        QSKIP("the sanitizers end a program that lacks memory");
+#endif
+        WorkingSet work;
+        AppController app({work.photos, work.defaults, work.alerts, work.store, 2});
+        app.readPresets();
+        const QString path = work.folder.path("large.pxwpr");
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(400'000'000));
+        rlimit before = {};
+        QCOMPARE(getrlimit(RLIMIT_AS, &before), 0);
+        const qint64 mapped = contentsOf(u"/proc/self/statm"_qs).split(' ').first().toLongLong();
+        const rlimit limit = {rlim_t(mapped * getpagesize() + 200'000'000), before.rlim_max};
+        QCOMPARE(setrlimit(RLIMIT_AS, &limit), 0);
+        work.alerts.expect(u"Presets import failed"_qs);
+        import(app, {path});
+        QCOMPARE(setrlimit(RLIMIT_AS, &before), 0);
+        QCOMPARE(work.alerts.shown().last().text, u"There is not enough memory for \"large.pxwpr\"."_qs);
         QCOMPARE(work.alerts.complaints(), QStringList());
     }
 

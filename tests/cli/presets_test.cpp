@@ -193,11 +193,12 @@ private Q_SLOTS:
             QVERIFY2(outcome.status == 0, outcome.err.constData());
             QCOMPARE(namesIn(path("out")), copies);
         }
-        // The reason why a photo cannot be read is stated once, not for each preset.
+        // The reason why a photo cannot be read is stated once for all presets.
         QVERIFY(writeFile(path("in/a.png"), "no picture"));
         const ProgramRun outcome = save(u"--wpresets %1"_s);
         QCOMPARE(outcome.status, 1);
         QCOMPARE(outcome.err.count("a.png: "), 1);
+        QVERIFY2(outcome.err.contains(" (2 copies)\n"), outcome.err.constData());
         QVERIFY2(outcome.err.contains("2 failed"), outcome.err.constData());
     }
 
