@@ -119,7 +119,7 @@ public:
     /// Places chosen by hand: photo pixels, origin at the bottom left. Presets are compared by identity.
     std::optional<QPointF> customWatermarkRectOriginForWPreset(const WPreset *preset) const
     {
-        return m_photo.origins().originFor(preset);
+        return m_photo.originFor(preset);
     }
     void setCustomWatermarkRectOrigin(QPointF origin, const std::shared_ptr<const WPreset> &preset);
     bool resetCustomWatermarkRectOriginForWPreset(const WPreset *preset);

@@ -440,10 +440,10 @@ bool LoadedPhoto::turnCachedPixels(ImageTransform transform)
     return true;
 }
 
-CustomOrigins LoadedPhoto::origins() const
+std::optional<QPointF> LoadedPhoto::originFor(const WPreset *preset) const
 {
     const std::lock_guard lock(m_stateLock);
-    return m_origins;
+    return m_origins.originFor(preset);
 }
 
 bool LoadedPhoto::editOrigins(const std::function<bool(CustomOrigins &)> &edit)

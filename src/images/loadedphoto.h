@@ -80,7 +80,7 @@ public:
     /// fails
     bool turn(ImageTransform transform);
 
-    CustomOrigins origins() const;
+    std::optional<QPointF> originFor(const WPreset *preset) const;
     /// @param edit  returns whether it changed anything, and so does editOrigins()
     bool editOrigins(const std::function<bool(CustomOrigins &)> &edit);
 

@@ -479,7 +479,8 @@ private Q_SLOTS:
             startAnew();
             const QStringList arguments =
                 words("save --text x --json --save-set imageFormat=%1 %2", QLatin1String(format), path("in"));
-            QCOMPARE(run(arguments).status, 0);
+            const ProgramRun first = run(arguments);
+            QVERIFY2(first.status == 0, first.err + first.out);
             const QStringList copies = namesIn(path("in"));
             QCOMPARE(copies.size(), 4);
             const ProgramRun again = run(arguments);
