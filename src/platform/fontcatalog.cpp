@@ -208,7 +208,7 @@ struct FontCatalog::Data {
     std::deque<InstalledFace> faces; // a deque because an atomic cannot be moved
     QHash<QString, const InstalledFace *> byName;
     QString defaultName;
-    QString emojiName; ///< empty: there is none
+    QString emojiName; ///< empty: no such font
 
 private:
     void loadFaces();

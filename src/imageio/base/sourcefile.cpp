@@ -60,11 +60,9 @@ Result<void> SourceFile::checkReads() const
 
 Result<void> SourceFile::checkUnchanged() const
 {
-    if (!m_failure.isEmpty())
-        return fail(m_failure);
-    if (fileVersionOf(m_descriptor) != m_version)
+    if (m_failure.isEmpty() && fileVersionOf(m_descriptor) != m_version)
         return fail(PictureFailures::changedMeanwhile());
-    return {};
+    return checkReads();
 }
 
 bool SourceFile::seek(qint64 position)

@@ -2,6 +2,8 @@
 
 #include "imageio/color/colorpipeline.h"
 
+#include "imageio/color/srgbcurve.h"
+
 #include <lcms2_plugin.h>
 
 #include <algorithm>
@@ -22,7 +24,7 @@ constexpr size_t kMaxNodes = size_t{4} << 20;
 
 constexpr int kMaxWord = 65535;
 
-/// Encodes light as bytes of sRGB, rounded to the nearest (IEC 61966-2-1).
+/// Encodes light as bytes of sRGB, rounded to the nearest.
 class SrgbEncoder
 {
 public:
@@ -55,11 +57,7 @@ private:
     /// A bucket is narrower than the light between two codes, and thus contains one border at most.
     static constexpr int kBuckets = 4096;
 
-    static double lightOf(double code)
-    {
-        const double v = code / 255;
-        return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
-    }
+    static double lightOf(double code) { return srgbLight(code / 255); }
 
     std::array<uchar, kBuckets + 1> m_codes;   ///< at the lower end of each bucket
     std::array<float, kBuckets + 1> m_borders; ///< to the next code

@@ -3,6 +3,7 @@
 #include "imageio/color/colorprofile.h"
 
 #include "imageio/color/lcmshandles.h"
+#include "imageio/color/srgbcurve.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,11 +18,6 @@ namespace plexa
 
 namespace
 {
-
-double srgbToLinear(double v)
-{
-    return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
-}
 
 /// @param light  of a signal, both 0..1
 template<class Light>
@@ -179,7 +175,7 @@ double lightOf(int transfer, double v)
     case 18:
         return compressed(hlgToNits(v));
     default: // sRGB, and SDR video
-        return srgbToLinear(v);
+        return srgbLight(v);
     }
 }
 
@@ -218,7 +214,7 @@ QByteArray makeSrgbProfile()
     const LcmsContext context(cmsCreateContext(nullptr, nullptr));
     const cmsCIExyYTRIPLE primaries = {{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}};
     // 1024 entries are exact to well under 1 of 255.
-    return makeRgbProfile(context.get(), primaries, tabulatedCurve(context.get(), 1024, srgbToLinear),
+    return makeRgbProfile(context.get(), primaries, tabulatedCurve(context.get(), 1024, srgbLight),
                           "sRGB IEC61966-2.1");
 }
 

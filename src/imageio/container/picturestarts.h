@@ -7,7 +7,7 @@
 namespace plexa
 {
 
-/// Where the first JPEG or PNG in these bytes begins; -1: there is none. A JPEG is a start, directly followed
+/// Where the first JPEG or PNG in these bytes begins; -1 without one. A JPEG is a start, directly followed
 /// by a marker, and a frame header anywhere after: a table of numbers may contain the first bytes of a JPEG
 /// by chance. Its first byte may be any, or lie before the bytes: some cameras spoil it in their maker notes.
 qsizetype pictureStartIn(QByteArrayView bytes);

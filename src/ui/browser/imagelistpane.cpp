@@ -7,6 +7,7 @@
 #include "ui/browser/imagebrowserviewcontroller.h"
 #include "ui/browser/imagelistview.h"
 #include "ui/widgets/commandactions.h"
+#include "ui/widgets/zoomslider.h"
 
 #include <QAction>
 #include <QHBoxLayout>
@@ -14,7 +15,6 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QResizeEvent>
-#include <QSlider>
 #include <QStackedWidget>
 #include <QTimer>
 #include <QToolButton>
@@ -26,12 +26,6 @@ namespace
 {
 
 constexpr int kGroupGap = 10;
-constexpr int kZoomSteps = 200; // of the slider, whose values are whole numbers
-
-int sliderValue(float zoomFactor)
-{
-    return qRound(zoomFactor * kZoomSteps);
-}
 
 } // namespace
 
@@ -43,7 +37,7 @@ ImageListPane::ImageListPane(const Services &services, QWidget *parent)
     , m_imageListContainer(new QStackedWidget)
     , m_imageBrowser(new ImageBrowserView)
     , m_imageListTable(new ImageListView(m_set))
-    , m_browserZoomSlider(new QSlider(Qt::Horizontal))
+    , m_browserZoomSlider(new ZoomSlider(tr("Size of the thumbnails")))
     , m_imageMenu(new QMenu(this))
     , m_browserController(std::make_unique<ImageBrowserViewController>(services.controller, *m_imageBrowser,
                                                                        services.defaults, services.threads))
@@ -114,12 +108,6 @@ QWidget *ImageListPane::makeButtonRow()
 QWidget *ImageListPane::makeZoomRow()
 {
     m_browserZoomSlider->setObjectName(QStringLiteral("browserZoomSlider"));
-    m_browserZoomSlider->setAccessibleName(tr("Size of the thumbnails"));
-    m_browserZoomSlider->setToolTip(tr("Size of the thumbnails"));
-    m_browserZoomSlider->setRange(0, kZoomSteps);
-    m_browserZoomSlider->setPageStep(kZoomSteps / 10);
-    m_browserZoomSlider->setSingleStep(kZoomSteps / 50);
-    m_browserZoomSlider->setFixedWidth(140);
 
     auto *const row = new QWidget;
     auto *const layout = new QHBoxLayout(row);
@@ -157,16 +145,11 @@ void ImageListPane::connectBrowser()
     m_actions.setHandler(ActionId::ToggleFilenames, [this] {
         m_browserController->setShowBrowserFilenames(!m_imageBrowser->showFilenames());
     });
-    connect(m_browserZoomSlider, &QSlider::valueChanged, &browser, [this](int value) {
-        // Not for the rounded value that follows a zoom by other means.
-        if (value != sliderValue(m_imageBrowser->zoomFactor()))
-            m_browserController->setBrowserZoomFactor(static_cast<float>(value) / kZoomSteps);
-    });
-    const auto showZoom = [this](float zoomFactor) {
-        m_browserZoomSlider->setValue(sliderValue(zoomFactor));
-    };
-    connect(&browser, &ImageBrowserViewController::browserZoomFactorChanged, this, showZoom);
-    showZoom(m_imageBrowser->zoomFactor());
+    connect(m_browserZoomSlider, &ZoomSlider::zoomFactorChosen, &browser,
+            &ImageBrowserViewController::setBrowserZoomFactor);
+    connect(&browser, &ImageBrowserViewController::browserZoomFactorChanged, m_browserZoomSlider,
+            &ZoomSlider::setZoomFactor);
+    m_browserZoomSlider->setZoomFactor(double(m_imageBrowser->zoomFactor()));
     const auto showNames = [this](bool shows) {
         m_actions.setText(ActionId::ToggleFilenames,
                           shows ? tr("Hide File&names in Browser") : tr("Show File&names in Browser"),

@@ -8,7 +8,6 @@
 
 class QLineEdit;
 class QMenu;
-class QSlider;
 class QStackedWidget;
 class QToolButton;
 
@@ -22,6 +21,7 @@ class ImageBrowserViewController;
 class ImageListView;
 class ImageSet;
 class UserDefaults;
+class ZoomSlider;
 
 /// The lower half of the main window's left side: the buttons for the photos, the search field, and the
 /// photos as a grid or as a table.
@@ -67,7 +67,7 @@ private:
     ImageBrowserView *const m_imageBrowser;
     ImageListView *const m_imageListTable;
     QToolButton *m_imageListModeButton = nullptr;
-    QSlider *const m_browserZoomSlider;
+    ZoomSlider *const m_browserZoomSlider;
     QWidget *m_zoomRow = nullptr;
     QMenu *const m_imageMenu;
     const std::unique_ptr<ImageBrowserViewController> m_browserController;

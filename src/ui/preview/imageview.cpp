@@ -27,6 +27,21 @@ const QColor kGround = QColor::fromRgbF(0.667F, 0.667F, 0.667F);
 const QColor kInfoColor(0x33, 0x33, 0x33); // 5:1 on the ground
 const QColor kCheckGray = QColor::fromRgbF(0.9F, 0.9F, 0.9F);
 
+/// None for other keys than those of the tools.
+Qt::KeyboardModifiers modifierOf(int key)
+{
+    switch (key) {
+    case Qt::Key_Control:
+        return Qt::ControlModifier;
+    case Qt::Key_Alt:
+        return Qt::AltModifier;
+    case Qt::Key_Shift:
+        return Qt::ShiftModifier;
+    default:
+        return {};
+    }
+}
+
 QCursor zoomCursor(const char *name)
 {
     constexpr QPoint kHotSpot(10, 10); // the middle of the lens
@@ -362,12 +377,7 @@ void ImageView::keyPressEvent(QKeyEvent *event)
         updateCursor();
         return;
     }
-    if (event->key() == Qt::Key_Control)
-        setModifiers(m_modifiers | Qt::ControlModifier);
-    else if (event->key() == Qt::Key_Alt)
-        setModifiers(m_modifiers | Qt::AltModifier);
-    else if (event->key() == Qt::Key_Shift)
-        setModifiers(m_modifiers | Qt::ShiftModifier);
+    setModifiers(m_modifiers | modifierOf(event->key()));
     event->ignore();
     Q_EMIT unsupportedKey(event);
 }
@@ -380,12 +390,7 @@ void ImageView::keyReleaseEvent(QKeyEvent *event)
         updateCursor();
         return;
     }
-    if (event->key() == Qt::Key_Control)
-        setModifiers(m_modifiers & ~Qt::ControlModifier);
-    else if (event->key() == Qt::Key_Alt)
-        setModifiers(m_modifiers & ~Qt::AltModifier);
-    else if (event->key() == Qt::Key_Shift)
-        setModifiers(m_modifiers & ~Qt::ShiftModifier);
+    setModifiers(m_modifiers & ~modifierOf(event->key()));
     event->ignore();
     Q_EMIT unsupportedKey(event);
 }

@@ -87,7 +87,8 @@ void ImageViewController::setImageObject(const std::shared_ptr<ImageObject> &ima
     m_messages.clear();
     m_view.setImageSize(image ? image->facts().pixelSize() : QSize());
     showInfo();
-    refresh();
+    if (!m_view.imageIsShown()) // else the view has asked for a picture
+        refresh();
 }
 
 /// The photo that has the focus cannot be shown yet.
@@ -106,10 +107,11 @@ void ImageViewController::photoChanged()
         return;
     ++m_photoVersion;
     const QSize size = m_imageObject->facts().pixelSize();
-    if (m_view.geometry().imageSize() != QSizeF(size))
-        m_view.setImageSize(size);
     showInfo();
-    refresh();
+    if (m_view.geometry().imageSize() != QSizeF(size))
+        m_view.setImageSize(size); // asks for a picture
+    else
+        refresh();
 }
 
 void ImageViewController::showInfo()

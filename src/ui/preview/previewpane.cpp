@@ -8,10 +8,10 @@
 #include "ui/widgets/busyindicator.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/elidedlabel.h"
+#include "ui/widgets/zoomslider.h"
 
 #include <QFile>
 #include <QHBoxLayout>
-#include <QSlider>
 #include <QToolButton>
 #include <QWhatsThis>
 
@@ -19,13 +19,6 @@ namespace plexa
 {
 namespace
 {
-
-constexpr int kZoomSteps = 200; // of the slider, whose values are whole numbers
-
-int sliderValue(double zoomFactor)
-{
-    return qRound(zoomFactor * kZoomSteps);
-}
 
 QToolButton *makeHelpButton()
 {
@@ -54,7 +47,7 @@ PreviewPane::PreviewPane(const Services &services, QWidget *parent)
     , m_imageInfoLabel(new ElidedLabel(Qt::ElideMiddle))
     , m_messageLabel(new ElidedLabel)
     , m_spinningIndicator(new BusyIndicator)
-    , m_zoomSlider(new QSlider(Qt::Horizontal))
+    , m_zoomSlider(new ZoomSlider(tr("Zoom of the preview")))
 {
     setObjectName(QStringLiteral("previewPane"));
     m_controller->setParent(this);
@@ -86,12 +79,7 @@ QWidget *PreviewPane::makeBar()
     m_messageLabel->setForegroundRole(QPalette::WindowText);
     m_spinningIndicator->setObjectName(QStringLiteral("spinningIndicator"));
     m_zoomSlider->setObjectName(QStringLiteral("zoomSlider"));
-    m_zoomSlider->setAccessibleName(tr("Zoom of the preview"));
     m_zoomSlider->setToolTip(tr("Zoom of the preview, from the whole photo to its full size"));
-    m_zoomSlider->setRange(0, kZoomSteps);
-    m_zoomSlider->setSingleStep(kZoomSteps / 50);
-    m_zoomSlider->setPageStep(kZoomSteps / 10);
-    m_zoomSlider->setFixedWidth(140);
 
     auto *const bar = new QWidget;
     auto *const row = new QHBoxLayout(bar);
@@ -121,16 +109,13 @@ void PreviewPane::connectZoom()
                          [&controller] { controller.changeZoomToExtreme(Extreme::Fit); });
     m_actions.setHandler(ActionId::PreviewFullSize,
                          [&controller] { controller.changeZoomToExtreme(Extreme::FullSize); });
-    connect(m_zoomSlider, &QSlider::valueChanged, m_controller, [&controller](int value) {
-        if (value != sliderValue(controller.zoomFactor())) // else the slider follows a zoom between two steps
-            controller.setZoomFactor(double(value) / kZoomSteps);
-    });
+    connect(m_zoomSlider, &ZoomSlider::zoomFactorChosen, m_controller, &ImageViewController::setZoomFactor);
     connect(m_controller, &ImageViewController::zoomControlsChanged, this, &PreviewPane::showZoom);
 }
 
 void PreviewPane::showZoom()
 {
-    m_zoomSlider->setValue(sliderValue(m_controller->zoomFactor()));
+    m_zoomSlider->setZoomFactor(m_controller->zoomFactor());
     m_zoomSlider->setEnabled(m_controller->canZoom());
     m_actions.scheduleUpdate();
 }

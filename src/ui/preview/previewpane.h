@@ -5,8 +5,6 @@
 #include <QKeyEvent>
 #include <QWidget>
 
-class QSlider;
-
 namespace plexa
 {
 
@@ -17,6 +15,7 @@ class ElidedLabel;
 class ImageViewController;
 class ImageViewWithWatermarkControl;
 class UserDefaults;
+class ZoomSlider;
 
 /// The upper half of the main window's left side: the preview, and below it what is known about the photo and
 /// the controls of the zoom. Main thread.
@@ -54,7 +53,7 @@ private:
     ElidedLabel *const m_imageInfoLabel;
     ElidedLabel *const m_messageLabel;
     BusyIndicator *const m_spinningIndicator;
-    QSlider *const m_zoomSlider;
+    ZoomSlider *const m_zoomSlider;
 };
 
 } // namespace plexa
