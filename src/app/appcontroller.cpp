@@ -100,6 +100,12 @@ CommandState AppController::commandState() const
     state.nEffectivePresets = static_cast<qsizetype>(effective.size());
     state.nAppliedPresets = static_cast<qsizetype>(m_appliedPresets.wPresetsApplied().size());
     state.nSelectedApplied = m_appliedPresets.selectedRows().size();
+    const IndexList &photos = m_imageSet.selection().selectedIndexes();
+    const IndexList &presets = m_appliedPresets.selectedRows();
+    state.canMovePhotosUp = canStep(photos, state.nShown, Step::Up);
+    state.canMovePhotosDown = canStep(photos, state.nShown, Step::Down);
+    state.canMovePresetsUp = canStep(presets, state.nAppliedPresets, Step::Up);
+    state.canMovePresetsDown = canStep(presets, state.nAppliedPresets, Step::Down);
     state.browserZoomFactor = m_services.defaults.floatForKey(settings::imageBrowserZoomFactor);
     if (state.nSelected == 1) {
         const std::shared_ptr<ImageObject> image = m_imageSet.selectedImages().front();

@@ -27,6 +27,10 @@ enum class Need {
     AppliedSelection, ///< applied presets are selected
     PresetSelection,  ///< presets are selected in the list of all presets
     OneSelectedPreset,
+    RoomToMovePhotosUp,
+    RoomToMovePhotosDown,
+    RoomToMovePresetsUp,
+    RoomToMovePresetsDown,
     RoomToZoomIn,  ///< the thumbnails can be larger
     RoomToZoomOut, ///< the thumbnails can be smaller
     RoomToZoomInPreview,
@@ -42,8 +46,12 @@ struct CommandState {
     bool canCopyForAllPresets = false;
     bool hasCopiedPositions = false;
     bool hasCurrentWPreset = false;
-    qsizetype nSelected = 0; ///< photos
-    qsizetype nShown = 0;    ///< photos
+    bool canMovePhotosUp = false;
+    bool canMovePhotosDown = false;
+    bool canMovePresetsUp = false;   ///< applied presets
+    bool canMovePresetsDown = false; ///< applied presets
+    qsizetype nSelected = 0;         ///< photos
+    qsizetype nShown = 0;            ///< photos
     qsizetype nEffectivePresets = 0;
     qsizetype nAppliedPresets = 0;
     qsizetype nSelectedApplied = 0;  ///< applied presets

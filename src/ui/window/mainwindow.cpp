@@ -207,6 +207,8 @@ void MainWindow::connectCommands()
 {
     AppController &controller = m_services.controller;
     connectWindowCommands(*m_actions, m_services, *this, *m_imageListPane);
+    for (const ActionId id : {ActionId::MovePhotosUp, ActionId::MovePhotosDown})
+        m_actions->useShortcutIn(*m_imageViewBrowserSplitView, id);
     connect(&controller, &AppController::commandStateChanged, m_actions, &CommandActions::scheduleUpdate);
     connect(m_actions, &CommandActions::refused, &controller.statusManager(), &StatusManager::notify);
     const ImageSet &set = controller.imageSet();

@@ -27,6 +27,8 @@ void connectSelection(CommandActions &actions, ImageSet &set)
     actions.setHandler(ActionId::SelectAll, [&set] { set.selection().selectAll(); });
     actions.setHandler(ActionId::SelectNone, [&set] { set.selection().selectNone(); });
     actions.setHandler(ActionId::InvertSelection, [&set] { set.selection().invertSelection(); });
+    actions.setHandler(ActionId::MovePhotosUp, [&set] { set.stepSelectedImages(Step::Up); });
+    actions.setHandler(ActionId::MovePhotosDown, [&set] { set.stepSelectedImages(Step::Down); });
     actions.setHandler(ActionId::RemoveSelected, [&set] { set.removeSelectedImages(); });
     actions.setHandler(ActionId::SwitchBatchMode, [&set] { set.switchImageListMode(); });
     actions.setHandler(ActionId::ShowInFileManager, [&set] {
