@@ -214,7 +214,8 @@ void ImageListPane::showMode(bool isBrowser)
         isBrowser ? tr("Switch to the Large Batch mode. Recommended if you work with many images.")
                   : tr("Switch to the Small Batch mode. Recommended if you work with fewer images.");
     m_actions.setText(ActionId::SwitchBatchMode,
-                      isBrowser ? tr("Switch to Large &Batch Mode") : tr("Switch to Small &Batch Mode"), other);
+                      isBrowser ? tr("Switch to Large &Batch Mode") : tr("Switch to Small &Batch Mode"),
+                      other);
     const QString withShortcut = m_actions.action(ActionId::SwitchBatchMode)->toolTip();
     m_gridPart->setToolTip(isBrowser ? tr("Small Batch mode: the photos as thumbnails") : withShortcut);
     m_listPart->setToolTip(isBrowser ? withShortcut : tr("Large Batch mode: the photos as a list"));

@@ -40,8 +40,7 @@ QHBoxLayout *buttonRow()
 /// A button with a shorter text than its command has.
 QToolButton *makeTextButton(CommandActions &actions, ActionId id, const QString &text)
 {
-    QToolButton *const button =
-        actions.makeButton(id, nullptr, CommandActions::ButtonStyle::TextBesideIcon);
+    QToolButton *const button = actions.makeButton(id, nullptr, CommandActions::ButtonStyle::TextBesideIcon);
     button->setText(text);
     return button;
 }

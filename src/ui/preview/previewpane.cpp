@@ -47,7 +47,8 @@ QToolButton *makePositionButton(const CommandActions &actions)
     auto *const button = new QToolButton;
     button->setObjectName(QStringLiteral("positionButton"));
     button->setText(PreviewPane::tr("Position") + QStringLiteral(" ▾"));
-    button->setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; }")); // its own is in a corner
+    button->setStyleSheet(
+        QStringLiteral("QToolButton::menu-indicator { image: none; }")); // its own is in a corner
     button->setIcon(QIcon(QStringLiteral(":/icons/position.svg")));
     button->setIconSize(QSize(look::kButtonIcon, look::kButtonIcon));
     button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
@@ -55,7 +56,8 @@ QToolButton *makePositionButton(const CommandActions &actions)
     button->setPopupMode(QToolButton::InstantPopup);
     button->setFocusPolicy(Qt::TabFocus);
     button->setAccessibleName(PreviewPane::tr("Position"));
-    button->setToolTip(PreviewPane::tr("Copy, paste or reset the positions to which watermarks were dragged"));
+    button->setToolTip(
+        PreviewPane::tr("Copy, paste or reset the positions to which watermarks were dragged"));
     auto *const menu = new QMenu(button);
     menu->setToolTipsVisible(true);
     for (const ActionId id : {ActionId::CopyPosition, ActionId::CopyAllPositions, ActionId::PastePositions})

@@ -63,6 +63,7 @@ StatusLineView::StatusLineView(AppController &controller, QWidget *parent)
 
 void StatusLineView::connectNotices()
 {
+    m_noticeTimer.setObjectName(QStringLiteral("noticeTimer"));
     m_noticeTimer.setSingleShot(true);
     m_noticeTimer.setInterval(kNoticeTime);
     connect(&m_noticeTimer, &QTimer::timeout, this, [this] { notice({}); });

@@ -37,7 +37,7 @@ private:
     QProgressBar *const m_progress;
     QToolButton *const m_stop;
     QString m_notice; // in place of the hint
-    QTimer m_noticeTimer;
+    QTimer m_noticeTimer{this};
 };
 
 } // namespace plexa
