@@ -14,9 +14,11 @@ namespace plexa
 enum class Need {
     NoSave,         ///< no batch save is running
     Photos,         ///< photos are shown
+    SeveralPhotos,  ///< at least two are shown
     Selection,      ///< photos are selected
     SmallBatchMode, ///< the grid is shown
     NoRotation,     ///< no photos are being rotated or mirrored
+    NoSorting,      ///< photos are not being sorted
     Watermark,      ///< a preset is drawn on the photos
     CurrentPreset,
     CurrentPosition, ///< one photo is selected, with a position of the current preset
@@ -42,6 +44,7 @@ struct CommandState {
     bool isSavingInProgress = false;
     bool isInBrowserMode = true;
     bool hasCurrentBatchOperation = false;
+    bool isSorting = false;
     bool canCopyForCurrentPreset = false;
     bool canCopyForAllPresets = false;
     bool hasCopiedPositions = false;

@@ -51,6 +51,9 @@ enum class ActionId {
     BrowserZoomIn,
     BrowserZoomOut,
     ToggleFilenames,
+    SortByName,
+    SortByDate,
+    ReverseOrder,
     SwitchBatchMode,
 
     SingleMode,

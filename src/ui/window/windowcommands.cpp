@@ -41,6 +41,10 @@ void connectSelection(CommandActions &actions, ImageSet &set)
 
 void connectPhotos(CommandActions &actions, AppController &controller)
 {
+    ImageSorting &sorting = controller.sorting();
+    actions.setHandler(ActionId::SortByName, [&sorting] { sorting.sort(ImageSorting::Key::Name); });
+    actions.setHandler(ActionId::SortByDate, [&sorting] { sorting.sort(ImageSorting::Key::CaptureDate); });
+    actions.setHandler(ActionId::ReverseOrder, [&sorting] { sorting.reverse(); });
     const auto turn = [&](ActionId id, ImageTransform transform) {
         actions.setHandler(id, [&controller, transform] { controller.startBatchOperation(transform); });
     };

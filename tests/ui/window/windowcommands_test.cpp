@@ -3,7 +3,8 @@
 #include "ui/shownwindow.h"
 
 #include <QApplication>
-#include <QSignalSpy>
+#include <QElapsedTimer>
+#include <QScrollBar>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -47,6 +48,40 @@ private Q_SLOTS:
         press(Qt::Key_Up);
         QCOMPARE(names(applied.wPresetsApplied()), u"two one"_qs);
         QCOMPARE(shownNames(f.set), u"a b c"_qs);
+    }
+
+    /// A long table shows the selected photo after a new order, and otherwise stays where it is.
+    void sortsALongTable()
+    {
+        ShownWindow f;
+        f.set.setImageListModeToBrowser(false);
+        ImageList many;
+        for (int i = 10'000; i > 0; --i)
+            many.push_back(std::make_shared<ImageObject>(u"/x/IMG_%1.jpg"_qs.arg(i), f.files.photos));
+        f.set.addImages(many);
+        f.set.selection().select({500}, ImageSelection::kNone); // a focus would load a photo
+        f.table.scrollTo(f.table.model()->index(500, 0));
+        const auto isSelectionVisible = [&] {
+            const QModelIndex row = f.table.model()->index(f.set.selection().selectedIndexes().first(), 0);
+            return f.table.viewport()->rect().contains(f.table.visualRect(row).center());
+        };
+        const int scrolledTo = f.table.verticalScrollBar()->value();
+        QVERIFY(scrolledTo > 0);
+        QCoreApplication::processEvents();
+        f.window.actions().run(ActionId::MovePhotosUp);
+        QCOMPARE(f.table.verticalScrollBar()->value(), scrolledTo);
+
+        f.window.actions().run(ActionId::SortByName);
+        QTRY_COMPARE(f.set.images()->back(), many.front());
+        QCOMPARE(f.set.selection().selectedIndexes(), IndexList({9'499}));
+        QVERIFY(isSelectionVisible());
+        QElapsedTimer timer;
+        timer.start();
+        f.window.actions().run(ActionId::ReverseOrder);
+        QCoreApplication::processEvents();
+        qInfo() << "ms for a new order of 10,000 photos:" << timer.elapsed();
+        QVERIFY(*f.set.images() == many);
+        QVERIFY(isSelectionVisible());
     }
 };
 
