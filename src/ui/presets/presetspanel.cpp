@@ -189,10 +189,22 @@ void PresetsPanel::connectCommands()
     m_actions.setHandler(ActionId::RemoveAppliedPresets,
                          [&applied] { applied.removeSelectedAppliedPresets(); });
     m_actions.setHandler(ActionId::ClearAppliedPresets, [&applied] { applied.clearAppliedPresets(); });
-    m_actions.setHandler(ActionId::ApplyPresets,
-                         [this] { m_applied.addWPresetsToApplied(selectedWPresets()); });
+    m_actions.setHandler(ActionId::ApplyPresets, [this] { applySelected(); });
     m_actions.setHandler(ActionId::LoadPreset, [this] { loadPreset(); });
     m_actions.setHandler(ActionId::SaveQuickPreset, [this] { saveQuickPreset(); });
+}
+
+/// Selects the first of them, because the preview shows the selected one.
+void PresetsPanel::applySelected()
+{
+    const WPresetList selected = selectedWPresets();
+    const WPresetList before = m_applied.wPresetsApplied();
+    m_applied.addWPresetsToApplied(selected);
+    const WPresetList &applied = m_applied.wPresetsApplied();
+    const auto first = std::find(applied.begin(), applied.end(), selected.front());
+    m_applied.selectRows({static_cast<int>(first - applied.begin())});
+    if (applied == before)
+        m_controller.statusManager().notify(tr("“%1” is applied already").arg(selected.front()->name()));
 }
 
 /// Shows the single watermark, because that is what changes.

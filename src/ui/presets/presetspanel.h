@@ -43,6 +43,7 @@ private:
     void addAllList(QVBoxLayout *layout);
     void connectLists();
     void connectCommands();
+    void applySelected();
     void loadPreset();
     void saveQuickPreset();
     void showMode();

@@ -160,7 +160,8 @@ void PreviewPane::showInfo()
 {
     const QStringList messages = m_controller->messages();
     m_imageInfoLabel->setText(m_controller->info());
-    m_messageLabel->setText(messages.isEmpty() ? QString() : QStringLiteral("⚠ ") + messages.join(u' '));
+    m_messageLabel->setText(messages.isEmpty() ? m_controller->hint()
+                                               : QStringLiteral("⚠ ") + messages.join(u' '));
     m_messageLabel->setToolTip(messages.join(u'\n'));
     m_spinningIndicator->setBusy(m_controller->isBusy());
 }

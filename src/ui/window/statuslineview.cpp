@@ -72,10 +72,10 @@ void StatusLineView::connectNotices()
     const ImageGathering &gathering = m_controller.gathering();
     // In Small Batch mode an import follows the scan.
     const auto announceEnd = [this, &gathering] {
-        const bool isEmpty = m_controller.imageSet().images()->empty();
-        if (!isEmpty && !gathering.isScanning() && !gathering.isImportingImages())
+        if (!gathering.isScanning() && !gathering.isImportingImages() && std::exchange(m_hasAdded, false))
             notice(tr("Import finished"));
     };
+    connect(&m_controller.imageSet(), &ImageSet::imagesInserted, this, [this] { m_hasAdded = true; });
     connect(&gathering, &ImageGathering::scanFinished, this, announceEnd);
     connect(&gathering, &ImageGathering::importFinished, this, announceEnd);
 }

@@ -38,6 +38,7 @@ private:
     QToolButton *const m_stop;
     QString m_notice; // in place of the hint
     QTimer m_noticeTimer{this};
+    bool m_hasAdded = false; // photos, since the end of an import was announced
 };
 
 } // namespace plexa

@@ -93,7 +93,9 @@ private Q_SLOTS:
         QTest::keyClick(&all, Qt::Key_Return);
         QCOMPARE(f.appliedNames(), u"Two Four One"_qs);
         QCOMPARE(applied.model()->rowCount(), 3);
+        QCOMPARE(applied.selectedRows(), IndexList({2})); // the preview shows it
 
+        f.applied.selectRows({});
         f.applied.selectNeighborAppliedPreset(AppliedPresets::Neighbor::Previous);
         QCOMPARE(applied.selectedRows(), IndexList({2}));
         f.applied.selectNeighborAppliedPreset(AppliedPresets::Neighbor::Next);
