@@ -57,6 +57,7 @@ std::vector<CommandRow> makeTable()
         {BrowserZoomIn, M::View, true, "browserZoomIn", TEXT("&Larger Thumbnails"), TEXT("Show larger thumbnails"), "Alt++; Alt+=", "add", {N::SmallBatchMode, N::RoomToZoomIn}},
         {BrowserZoomOut, M::View, false, "browserZoomOut", TEXT("&Smaller Thumbnails"), TEXT("Show smaller thumbnails"), "Alt+-", "remove", {N::SmallBatchMode, N::RoomToZoomOut}},
         {ToggleFilenames, M::View, false, "toggleFilenames", TEXT("Hide File&names in Browser"), TEXT("Show or hide the file names under the thumbnails"), "", "", {N::SmallBatchMode}},
+        {ToggleThumbnailWatermarks, M::View, false, "toggleThumbnailWatermarks", TEXT("&Watermarks on Thumbnails"), TEXT("Show the watermarks on the thumbnails"), "", "", {N::SmallBatchMode}},
         {SwitchBatchMode, M::View, true, "switchBatchMode", TEXT("Switch to Large &Batch Mode"), TEXT("Switch to the Large Batch mode. Recommended if you work with many images."), "Ctrl+B", "list"},
 
         {SingleMode, M::Watermark, false, "singleMode", TEXT("&Single Watermark"), TEXT("Draw one watermark and edit it here"), "Ctrl+Shift+1", ""},

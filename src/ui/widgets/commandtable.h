@@ -49,6 +49,7 @@ enum class ActionId {
     BrowserZoomIn,
     BrowserZoomOut,
     ToggleFilenames,
+    ToggleThumbnailWatermarks,
     SwitchBatchMode,
 
     SingleMode,
