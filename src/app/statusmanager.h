@@ -21,6 +21,7 @@ enum class StatusOperation : quint32 {
     Rotating = 4,   ///< and mirroring
     Pasting = 5,
     ImportingPresets = 6,
+    Sorting = 7,
 };
 
 /// The contents of the status line.

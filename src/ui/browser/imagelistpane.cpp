@@ -50,9 +50,7 @@ ImageListPane::ImageListPane(const Services &services, QWidget *parent)
     m_imageBrowser->viewport()->installEventFilter(this);
 
     // Only in the photo views; elsewhere the key removes other things.
-    QAction *const remove = m_actions.action(ActionId::RemoveSelected);
-    remove->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-    m_imageListContainer->addAction(remove);
+    m_actions.useShortcutIn(*m_imageListContainer, ActionId::RemoveSelected);
 
     m_zoomRow = makeZoomRow();
     auto *const layout = new QVBoxLayout(this);

@@ -121,8 +121,9 @@ QWidget *PresetsPanel::makePresetsView()
         for (const ActionId id : ids)
             table->addAction(m_actions.action(id));
     };
-    setContextMenu(m_appliedTable, {ActionId::RemoveAppliedPresets, ActionId::ClearAppliedPresets,
-                                    ActionId::ToggleWatermarkPresets});
+    setContextMenu(m_appliedTable,
+                   {ActionId::MovePresetsUp, ActionId::MovePresetsDown, ActionId::RemoveAppliedPresets,
+                    ActionId::ClearAppliedPresets, ActionId::ToggleWatermarkPresets});
     setContextMenu(m_allTable,
                    {ActionId::ApplyPresets, ActionId::LoadPreset, ActionId::ToggleWatermarkPresets});
 
@@ -185,6 +186,12 @@ void PresetsPanel::connectCommands(PresetsStore &store)
                          [&applied] { applied.selectNeighborAppliedPreset(Neighbor::Next); });
     m_actions.setHandler(ActionId::PreviousPreset,
                          [&applied] { applied.selectNeighborAppliedPreset(Neighbor::Previous); });
+    m_actions.setHandler(ActionId::MovePresetsUp,
+                         [&applied] { applied.stepSelectedAppliedPresets(Step::Up); });
+    m_actions.setHandler(ActionId::MovePresetsDown,
+                         [&applied] { applied.stepSelectedAppliedPresets(Step::Down); });
+    for (const ActionId id : {ActionId::MovePresetsUp, ActionId::MovePresetsDown})
+        m_actions.useShortcutIn(*this, id);
     m_actions.setHandler(ActionId::RemoveAppliedPresets,
                          [&applied] { applied.removeSelectedAppliedPresets(); });
     m_actions.setHandler(ActionId::ClearAppliedPresets, [&applied] { applied.clearAppliedPresets(); });

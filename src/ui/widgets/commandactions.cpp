@@ -89,6 +89,12 @@ void CommandActions::setText(ActionId id, const QString &text, const QString &to
         nameButton(button, entry.action);
 }
 
+void CommandActions::useShortcutIn(QWidget &part, ActionId id)
+{
+    action(id)->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    part.addAction(action(id));
+}
+
 void CommandActions::fillMenuBar(QMenuBar *bar)
 {
     QMenu *menu = nullptr;

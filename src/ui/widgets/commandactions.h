@@ -39,6 +39,9 @@ public:
     /// Changes the name of the command, on its action and its buttons.
     void setText(ActionId id, const QString &text, const QString &toolTip);
 
+    /// Limits the shortcut to this part of the window; elsewhere the keys may have another meaning.
+    void useShortcutIn(QWidget &part, ActionId id);
+
     void fillMenuBar(QMenuBar *bar);
     /// Adds the commands of the context menu of the photos.
     void fillImageMenu(QMenu *menu);

@@ -167,6 +167,8 @@ void MainWindow::connectCommands()
 {
     AppController &controller = m_services.controller;
     connectWindowCommands(*m_actions, m_services, *this, *m_imageListPane);
+    for (const ActionId id : {ActionId::MovePhotosUp, ActionId::MovePhotosDown})
+        m_actions->useShortcutIn(*m_imageViewBrowserSplitView, id);
     connect(&controller, &AppController::commandStateChanged, m_actions, &CommandActions::scheduleUpdate);
     ImageBrowserViewController &browser = m_imageListPane->browserController();
     connect(&browser, &ImageBrowserViewController::browserZoomFactorChanged, m_actions,
