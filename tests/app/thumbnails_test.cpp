@@ -19,6 +19,7 @@ AppliedPreset textPreset(const FontCatalog &fonts, float angle = 0)
     values.textTokens = {u"Proof of "_qs, u"filename"_qs};
     values.width = 60;
     values.fontSize = 20;
+    values.stroke = false;
     values.anchorPoint = 4;
     values.angle = angle;
     return {std::make_shared<WPreset>(values), values};
