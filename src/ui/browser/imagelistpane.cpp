@@ -214,7 +214,7 @@ void ImageListPane::showMode(bool isBrowser)
     m_zoomRow->setVisible(isBrowser);
     if (isBrowser)
         m_browserController->followZoomAndNames();
-    if (!focusWidget())
+    if (isVisible() && !focusWidget())
         shownView()->setFocus();
     m_modeSwitch->check(isBrowser ? 0 : 1);
     const QString other =

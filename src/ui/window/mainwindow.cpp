@@ -158,10 +158,9 @@ void MainWindow::showPhotos()
     const bool hadFocus = m_photosOrEmptyPage->isAncestorOf(focusWidget()) || !focusWidget();
     const bool isEmpty = m_services.controller.imageSet().images()->empty();
     QWidget *const page = isEmpty ? static_cast<QWidget *>(m_emptyPage) : m_imageViewBrowserSplitView;
-    if (m_photosOrEmptyPage->currentWidget() == page)
-        return;
+    const bool isOther = m_photosOrEmptyPage->currentWidget() != page;
     m_photosOrEmptyPage->setCurrentWidget(page);
-    if (hadFocus)
+    if (hadFocus && (isOther || !isVisible()))
         (isEmpty ? m_emptyPage : m_imageListPane->shownView())->setFocus();
 }
 
