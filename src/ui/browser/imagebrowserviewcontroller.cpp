@@ -111,6 +111,8 @@ void ImageBrowserViewController::connectAll()
     connect(&m_app, &AppController::stopAllWanted, this, [this] { m_progress->stop(); });
     connect(&m_app, &AppController::imageOutdated, this,
             [this](const std::shared_ptr<ImageObject> &image) { m_thumbnails.outdate(image.get()); });
+    connect(&m_app.gathering(), &ImageGathering::imageLoaded, this,
+            [this](const std::shared_ptr<ImageObject> &image) { m_thumbnails.outdate(image.get()); });
     connect(&m_thumbnails, &Thumbnails::changed, this,
             [this](const ImageObject *image) { m_view.refreshImage(image); });
     connect(&m_app, &AppController::previewOutdated, this, &ImageBrowserViewController::followPresets);
@@ -154,6 +156,7 @@ void ImageBrowserViewController::followVisibleImages()
         wanted.others.insert(wanted.others.end(), std::reverse_iterator(first),
                              std::reverse_iterator(list.begin()));
     }
+    m_app.gathering().loadFirst(wanted.visible);
     m_thumbnails.setWanted(std::move(wanted));
 }
 
