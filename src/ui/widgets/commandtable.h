@@ -51,6 +51,7 @@ enum class ActionId {
     BrowserZoomIn,
     BrowserZoomOut,
     ToggleFilenames,
+    ToggleThumbnailWatermarks,
     SortByName,
     SortByDate,
     ReverseOrder,
