@@ -18,6 +18,7 @@
 #include <QMimeData>
 #include <QProgressBar>
 #include <QScopeGuard>
+#include <QScrollArea>
 #include <QSignalSpy>
 #include <QSlider>
 #include <QSplitter>
@@ -42,6 +43,18 @@ QString nameOf(QWidget &widget)
 QString toText(QSize size)
 {
     return u"%1x%2"_qs.arg(size.width()).arg(size.height());
+}
+
+/// Is the widget in a part of an editor that is out of sight?
+bool isScrolledOut(const QWidget &widget)
+{
+    for (QWidget *parent = widget.parentWidget(); parent; parent = parent->parentWidget()) {
+        const auto *const area = qobject_cast<QScrollArea *>(parent);
+        if (area && area->viewport()->isAncestorOf(&widget))
+            return !area->viewport()->rect().contains(
+                QRect(widget.mapTo(area->viewport(), QPoint()), widget.size()));
+    }
+    return false;
 }
 
 } // namespace
@@ -158,11 +171,15 @@ private Q_SLOTS:
         ShownWindow f;
         f.addPhotos(words("a.png"));
         f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Presets);
+        f.controller.appliedPresets().addWPresetsToApplied({namedPreset(u"a"_qs)});
+        f.controller.appliedPresets().selectRows({0}); // and its editor is shown
+        QCoreApplication::processEvents();
         QStringList names;
         const QWidget *former = nullptr;
         for (QWidget *widget = f.window.nextInFocusChain(); widget != &f.window;
              widget = widget->nextInFocusChain()) {
-            if (!widget->isVisible() || !(widget->focusPolicy() & Qt::TabFocus) || widget->focusProxy())
+            if (isScrolledOut(*widget) || !widget->isVisible() || !(widget->focusPolicy() & Qt::TabFocus) ||
+                widget->focusProxy())
                 continue;
             names.append(widget->objectName());
             const auto at = [&](const QWidget *w) { return w->mapTo(&f.window, w->rect().center()); };
