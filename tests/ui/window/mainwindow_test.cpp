@@ -241,6 +241,9 @@ private Q_SLOTS:
         for (QLabel *const label : f.window.findChildren<QLabel *>()) {
             QAccessibleInterface *const item = QAccessible::queryAccessibleInterface(label);
             for (const auto &[list, relation] : item->relations(QAccessible::Labelled)) {
+                QVERIFY(!list->text(QAccessible::Name).isEmpty());
+                if (!list->object()->objectName().startsWith(u"wPresets"_qs))
+                    continue; // in an editor, where a control has a longer name than its label
                 labeled.append(list->object()->objectName());
                 QCOMPARE(list->text(QAccessible::Name), label->text());
             }
