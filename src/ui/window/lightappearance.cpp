@@ -68,12 +68,12 @@ QPalette lightPalette()
     palette.setColor(QPalette::BrightText, Qt::white);
     palette.setColor(QPalette::Light, Qt::white);
     palette.setColor(QPalette::Midlight, QColor(0xe4, 0xe6, 0xe9));
-    palette.setColor(QPalette::Mid, QColor(0xbf, 0xc3, 0xc8));  // background of the grid and the list
+    palette.setColor(QPalette::Mid, QColor(0x94, 0x9a, 0xa1));  // background of the grid and the list
     palette.setColor(QPalette::Dark, QColor(0xaa, 0xaa, 0xaa)); // background of the preview
     palette.setColor(QPalette::Shadow, QColor(0x6c, 0x74, 0x7c));
     palette.setColor(QPalette::Highlight, accent);
     palette.setColor(QPalette::HighlightedText, Qt::white);
-    palette.setColor(QPalette::Link, accent);
+    palette.setColor(QPalette::Link, QColor(0x1a, 0x48, 0x77)); // also marks on that background, 3.3:1
     palette.setColor(QPalette::ToolTipBase, QColor(0xff, 0xff, 0xf2));
     palette.setColor(QPalette::ToolTipText, text);
     for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
