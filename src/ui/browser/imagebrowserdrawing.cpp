@@ -6,6 +6,7 @@
 #include "ui/browser/imagebrowserinput.h"
 #include "ui/browser/imagebrowserview.h"
 #include "ui/widgets/emptyhint.h"
+#include "ui/widgets/look.h"
 
 #include <QPainter>
 
@@ -60,8 +61,8 @@ void ImageBrowserDrawing::paint(const QRect &rect)
     QPainter painter(viewport);
     const QPalette &palette = m_view.palette();
     const QColor text = palette.color(QPalette::WindowText);
-    const QColor mark = palette.color(QPalette::Link);
-    const GridStyle style{m_view.showFilenames(), m_view.font(), text, mark, m_view.hasFocus() ? mark : text};
+    const GridStyle style{m_view.showFilenames(), m_view.font(), text, look::kMark,
+                          m_view.hasFocus() ? look::kMark : text};
     const QPointF origin = m_view.visibleRect().topLeft();
     GridPainter grid(painter, m_view.geometry(), style, m_pictures, m_names,
                      {origin, viewport->devicePixelRatioF()});

@@ -62,8 +62,6 @@ void connectPhotos(CommandActions &actions, AppController &controller)
     copyAndReset(ActionId::CopyPosition, ActionId::ResetPosition, Presets::Current);
     copyAndReset(ActionId::CopyAllPositions, ActionId::ResetAllPositions, Presets::All);
     actions.setHandler(ActionId::PastePositions, [&controller] { controller.pasteManualPositioning(); });
-    actions.setHandler(ActionId::SaveQuickPreset,
-                       [&controller] { controller.presetCommands().saveQuickAsWPreset(); });
 }
 
 void showPreferences(const MainWindow::Services &services, MainWindow &window, ImageListPane &imageListPane)
