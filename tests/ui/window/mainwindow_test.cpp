@@ -124,6 +124,32 @@ private Q_SLOTS:
         QVERIFY(emptyPage.isVisible());
     }
 
+    void positionsHaveWords()
+    {
+        ShownWindow f;
+        f.addPhotos(words("a.png"));
+        f.set.selection().selectAll();
+        QTimer::singleShot(0, [&] {
+            auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            QVERIFY(menu);
+            QStringList texts;
+            for (const QAction *const action : menu->actions())
+                texts.append(action->text().remove(u'&'));
+            menu->close();
+            QCOMPARE(texts.join(u'|'), u"Copy Position|Copy All Positions|Paste Positions||Reset Position|"
+                                       "Reset All Positions"_qs);
+        });
+        QTest::mouseClick(&f.find<QAbstractButton>("positionButton"), Qt::LeftButton);
+        // Copying changes nothing in sight, so the status line reports it.
+        f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Single);
+        f.controller.appliedPresets().setQuickWPreset(namedPreset(u"a"_qs));
+        f.controller.placeWatermark(*f.set.images()->front(), {1, 1});
+        f.window.actions().run(ActionId::CopyPosition);
+        QCOMPARE(f.find<ElidedLabel>("statusHint").text(), u"Position copied; select photos to paste it"_qs);
+        f.window.actions().run(ActionId::CopyImages);
+        QCOMPARE(f.find<ElidedLabel>("statusHint").text(), u"One photo is ready to be pasted"_qs);
+    }
+
     void saysWhatIsMissing()
     {
         ShownWindow f;
