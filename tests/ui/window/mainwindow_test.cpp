@@ -156,7 +156,10 @@ private Q_SLOTS:
         const auto &hint = f.find<ElidedLabel>("statusHint");
         QCOMPARE(hint.text(), u"Add photos to begin"_qs);
         f.controller.gathering().scanImagesAtPaths({f.files.photo("a.png")});
-        QTRY_COMPARE(hint.text(), u"Import finished"_qs);
+        QTRY_COMPARE(hint.accessibleName(), u"Import finished"_qs); // whose change is announced
+        f.set.removeImages(ImageList(*f.set.images()));
+        QCOMPARE(hint.text(), u"Add photos to begin"_qs);
+        f.addPhotos(words("a.png"));
         f.window.actions().run(ActionId::ApplyPresets); // as the Return key does
         QCOMPARE(hint.text(), reasonFor(Need::PresetSelection));
         f.find<QTimer>("noticeTimer").setInterval(0);
@@ -207,7 +210,7 @@ private Q_SLOTS:
         QCOMPARE(found, inOrder);
     }
 
-    void assistiveTechnologyKnowsTheSwitches()
+    void assistiveTechnologyKnowsTheGroups()
     {
         ShownWindow f;
         f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Single);
@@ -220,6 +223,15 @@ private Q_SLOTS:
             QCOMPARE(item->child(0)->role(), QAccessible::RadioButton);
             QVERIFY(item->child(0)->state().checked && !item->child(1)->state().checked);
         }
+        QStringList labeled;
+        for (QLabel *const label : f.window.findChildren<QLabel *>()) {
+            QAccessibleInterface *const item = QAccessible::queryAccessibleInterface(label);
+            for (const auto &[list, relation] : item->relations(QAccessible::Labelled)) {
+                labeled.append(list->object()->objectName());
+                QCOMPARE(list->text(QAccessible::Name), label->text());
+            }
+        }
+        QCOMPARE(labeled, words("wPresetsAppliedTable wPresetsAllTable"));
     }
 
     void fitsTheSmallestScreen()
