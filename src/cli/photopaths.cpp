@@ -74,7 +74,7 @@ PhotoPath decodedPath(const std::string &path)
     return {text, QStringLiteral("its name is not valid UTF-8")};
 }
 
-PhotoSearch photosAt(const std::vector<std::string> &paths, const std::string &leftOut, bool recurses)
+PhotoSearch photosAt(const std::vector<std::string> &paths, bool recurses)
 {
     PhotoSearch search;
     FolderWalk::Visitor visitor;
@@ -86,7 +86,6 @@ PhotoSearch photosAt(const std::vector<std::string> &paths, const std::string &l
     FolderWalk::Rules rules;
     rules.entersFolders = recurses;
     rules.entersHiddenFolders = false;
-    rules.leftOut = decodedPath(leftOut).path;
     rules.isWanted = isPhotoName;
     FolderWalk walk(visitor, rules);
     for (const std::string &path : paths) {

@@ -34,13 +34,13 @@ public:
 };
 
 /// Reports pieces that were probably meant as tokens, if an argument sets that field.
-void reportTokens(const SaveOptions &options, const std::vector<std::string> &arguments, const char *field,
-                  const QStringList &pieces, TokenUse use)
+void reportTokens(const std::vector<std::string> &arguments, const char *field, const QStringList &pieces,
+                  TokenUse use)
 {
     const bool isSet = std::any_of(arguments.begin(), arguments.end(), [field](const std::string &argument) {
         return isForField(argument, field);
     });
-    if (!isSet || options.quiet)
+    if (!isSet)
         return;
     for (const QString &notice : noticesAboutTokens(pieces, use))
         printMessage(QStringLiteral("%1: %2").arg(QLatin1StringView(field), notice));
@@ -108,7 +108,7 @@ Result<void> setSavingFields(SavingPresetValues &preset, const SaveOptions &opti
         if (Result<void> applied = applySavingField(preset, field); !applied)
             return applied;
     }
-    reportTokens(options, options.savingFields, "filenameTokens", preset.filenameTokens, TokenUse::CopyName);
+    reportTokens(options.savingFields, "filenameTokens", preset.filenameTokens, TokenUse::CopyName);
     if (!options.name.empty()) {
         const Result<QStringList> pieces =
             piecesOfText(QString::fromStdString(options.name), TokenUse::CopyName);
@@ -141,8 +141,7 @@ Result<std::vector<AppliedPreset>> watermarksOf(const SaveOptions &options, cons
             return tl::unexpected(values.error());
         watermarks.push_back({nullptr, std::move(*values)});
     }
-    reportTokens(options, options.fields, "textTokens", watermarks.front().values.textTokens,
-                 TokenUse::Watermark);
+    reportTokens(options.fields, "textTokens", watermarks.front().values.textTokens, TokenUse::Watermark);
     return watermarks;
 }
 

@@ -135,9 +135,15 @@ Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
     return run;
 }
 
+void reportLeftOut(const LeftOutPhotos &photos, const QString &what, const QString &hint)
+{
+    if (photos.count > 0)
+        printMessage(QStringLiteral("%1: %2, the first is \"%3\"; %4")
+                         .arg(what, QString::number(photos.count), photos.first, hint));
+}
+
 /// @return the exit status
-int saveAll(SavingRun &run, const PhotoSearch &search, qint64 leftOut, const SaveOptions &options,
-            const FontCatalog &fonts)
+int saveAll(SavingRun &run, const PhotoSearch &search, SaveReport &report, const FontCatalog &fonts)
 {
     const std::vector<PhotoPath> &photos = search.photos;
     const LocaleFormat locale;
@@ -157,8 +163,6 @@ int saveAll(SavingRun &run, const PhotoSearch &search, qint64 leftOut, const Sav
             return {photo.path, nullptr, photo.failure};
         return {photo.path, std::make_shared<ImageObject>(photo.path, services), {}};
     };
-    SaveReport report({options.json, options.quiet, run.effectivePresets.size() > 1},
-                      {qint64(search.notRead.size()), leftOut});
     NoQuestions alerts;
     Saving saving(alerts);
     catchInterruptions();
@@ -181,23 +185,22 @@ int runSave(const SaveOptions &options)
     Result<SavingRun> run = planRun(options, fonts);
     if (!run)
         return refuse(run.error().text);
-    PhotoSearch search = photosAt(*paths, options.output, !options.noRecurse);
-    for (const PhotoPath &path : search.notRead)
-        printAbout(path.path, path.failure);
-    leaveOutRepetitions(search);
+    SaveReport report({options.json, options.quiet, run->effectivePresets.size() > 1});
+    PhotoSearch search = photosAt(*paths, !options.noRecurse);
+    report.pathsNotRead(search.notRead);
     run->jobs = threadsToUse(options.jobs);
     if (run->jobs < 1)
         return kSomethingFailed;
-    const LeftOutCopies leftOut = leaveOutCopies(search, run->jobs);
-    if (leftOut.count > 0 && !options.quiet)
-        printMessage(
-            QStringLiteral("copies of earlier runs in folders are left out: %1, the first is \"%2\"; "
-                           "to watermark a copy again, name its file")
-                .arg(leftOut.count)
-                .arg(leftOut.first));
+    const LeftOutPhotos links = leaveOutRepetitions(search);
+    reportLeftOut(links, QStringLiteral("further names of photos, by links, are left out"),
+                  QStringLiteral("each photo is saved once"));
+    const LeftOutPhotos copies = leaveOutCopies(search, run->jobs);
+    reportLeftOut(copies, QStringLiteral("copies of earlier runs in folders are left out"),
+                  QStringLiteral("to watermark a copy again, name its file"));
     if (search.photos.empty())
         printMessage(QStringLiteral("no photos found"));
-    return saveAll(*run, search, leftOut.count, options, fonts);
+    report.photosLeftOut(copies.count, links.count);
+    return saveAll(*run, search, report, fonts);
 }
 
 } // namespace plexa

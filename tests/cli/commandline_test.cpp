@@ -319,9 +319,10 @@ private Q_SLOTS:
         QCOMPARE(outcome.status, 1);
         QCOMPARE(namesIn(path("out")), words("a.png b.jpg"));
         const QStringList lines = QString::fromUtf8(outcome.err).trimmed().split(u'\n');
-        const QString in = QRegularExpression::escape(path("in/"));
+        const QString in = u"plexa-cli: "_s + QRegularExpression::escape(path("in/"));
         const QStringList expected{in + u"\\*\\.jp2: .*no file.*"_s,
-                                   QRegularExpression::escape(circle) + u": .*symbolic.*"_s,
+                                   u"plexa-cli: "_s + QRegularExpression::escape(circle) +
+                                       u": .*symbolic.*"_s,
                                    in + u"0 empty\\.jpg: .+"_s,
                                    in + u"1 text\\.png: .+"_s,
                                    in + u"2 cut\\.jpg: .+"_s,
@@ -401,10 +402,14 @@ private Q_SLOTS:
         }
         // Without compression it has all its bytes.
         QVERIFY(QFileInfo(path("in/A.TIF")).size() > 120 * 200 * 3);
-        // The copies of the first run are no photos of the second one.
-        for (int time = 0; time < 2; ++time) {
-            run("save --text x --conflict overwrite --output %1 %2", path("in/out"), path("in"));
-            QCOMPARE(namesIn(path("in/out")), words("a.png b.jpg"));
+        // The copies of the first run are no photos of the second one, but an original beside them is.
+        startAnew();
+        QVERIFY(QDir().mkpath(path("in/out")) && smoothPicture({40, 40}).save(path("in/out/c.png")));
+        for (const char *copies : {"3 written", "2 written; 3 copies of earlier runs left out"}) {
+            const ProgramRun outcome =
+                run("save --text x --conflict overwrite --output %1 %2", path("in/out"), path("in"));
+            QVERIFY2(outcome.err.contains(copies), outcome.err.constData());
+            QCOMPARE(namesIn(path("in/out")), words("a.png b.jpg c.png"));
         }
     }
 
@@ -454,19 +459,35 @@ private Q_SLOTS:
         }
     }
 
-    void quietPrintsFailuresOnly()
+    /// Lines about failures and about copies with a notice or without a watermark are left.
+    void quietPrintsFailuresAndNotices()
     {
         write("in/0 empty.jpg", {});
-        for (const char *json : {"--json", ""}) {
+        QImage photo = smoothPicture({40, 30});
+        photo.setDotsPerMeterX(10000);
+        photo.setDotsPerMeterY(3000);
+        QVERIFY(photo.save(path("in/c.png")));
+        for (const auto &[extra, sources] :
+             {std::pair("", ""),
+              {"--json", "nowhere '0 empty.jpg' c.png"},
+              {"--json --set opacity=0", "nowhere '0 empty.jpg' a.png b.jpg c.png"}}) {
             const ProgramRun outcome =
-                run(words("save --text x --quiet --save-set filenameTokens=\"filename\" --output %1 %2",
-                          path("out"), path("in")) +
-                    words(json));
+                run(words("save --text x --quiet --save-set filenameTokens=\"filename\" --output %1 %2 %3",
+                          path("out"), path("nowhere"), path("in")) +
+                    words(extra));
             QCOMPARE(outcome.status, 1);
-            QVERIFY(outcome.err.startsWith(path("in/0 empty.jpg: ").toUtf8()));
-            const QList<QJsonObject> lines = jsonLines(outcome.out);
-            QCOMPARE(lines.size(), *json ? 1 : 0);
-            QVERIFY(!*json || lines[0][u"status"_s] == u"failed"_s);
+            for (const char *message : {"nowhere: ", "in/0 empty.jpg: "})
+                QVERIFY(outcome.err.contains("plexa-cli: " + path(message).toUtf8()));
+            QCOMPARE(outcome.err.count("c.png: stretched"), *extra ? 0 : 1);
+            QStringList found;
+            for (const QJsonObject &line : jsonLines(outcome.out)) {
+                found.append(QFileInfo(line[u"source"_s].toString()).fileName());
+                const bool isFailed = found.size() <= 2;
+                QCOMPARE(line[u"status"_s], isFailed ? u"failed"_s : u"written"_s);
+                QCOMPARE(line[u"error"_s].isNull(), !isFailed);
+                QCOMPARE(line[u"road"_s], isFailed ? QJsonValue::Null : QJsonValue(u"rendered"_s));
+            }
+            QCOMPARE(found, words(sources));
         }
         QVERIFY(namesIn(path("out")).contains(u"a.png"));
     }
@@ -475,7 +496,7 @@ private Q_SLOTS:
     /// that is named is a photo like others.
     void copiesAreNotMarkedAgain()
     {
-        for (const char *format : {"Original", "TIFF", "HEIC"}) {
+        for (const char *format : {"Original", "TIFF", "HEIC", "GIF", "BMP"}) {
             startAnew();
             const QStringList arguments =
                 words("save --text x --json --save-set imageFormat=%1 %2", QLatin1String(format), path("in"));
@@ -503,6 +524,16 @@ private Q_SLOTS:
             QVERIFY(QFile::copy(path("in/a.png"), path(name)));
         QVERIFY(QFile::link(path("in"), path("link")));
         QVERIFY(QDir().mkpath(path("in/.trash")) && QFile::copy(path("in/a.png"), path("in/.trash/d.png")));
+        // Two further names of one file.
+        QVERIFY(QFile::link(path("in/a.png"), path("in/x.png")));
+        std::filesystem::create_hard_link(path("in/b.jpg").toStdString(), path("in/y.jpg").toStdString());
+        const ProgramRun outcome =
+            run("save --text x --dry-run --quiet --json --output %1 %2 %3 %4 %5", path("out"),
+                path("in/c9.png"), path("in"), path("in/../in/a.png"), path("link/b.jpg"));
+        QCOMPARE(jsonSummary(outcome.out)[u"planned"_s], 5);
+        QVERIFY2(outcome.err.contains("by links, are left out: 2, the first is \"" +
+                                      path("in/x.png").toUtf8() + "\""),
+                 outcome.err.constData());
         QStringList names;
         for (const QJsonObject &line :
              jsonLines(run("save --text x --dry-run --json --output %1 %2 %3 %4 %5", path("out"),
@@ -643,7 +674,7 @@ private Q_SLOTS:
         const ProgramRun outcome =
             run("inspect --json %1 %2 %3", path("in/b.jpg"), path("in/0 empty.jpg"), path("in/a.png"));
         QCOMPARE(outcome.status, 1);
-        QVERIFY(outcome.err.startsWith(path("in/0 empty.jpg: ").toUtf8()));
+        QVERIFY(outcome.err.startsWith("plexa-cli: " + path("in/0 empty.jpg: ").toUtf8()));
         const QJsonArray photos = QJsonDocument::fromJson(outcome.out).array();
         QCOMPARE(photos.size(), 2);
         QCOMPARE(photos[0][u"type"_s], u"image/jpeg"_s);
