@@ -288,16 +288,12 @@ Result<std::optional<WatermarkBitmap>> painted(const TextSetting &setting, const
     const QRect ink = inkOf(paintable, box * scale, rendering);
     if (ink.isEmpty())
         return bitmap;
-    if (rendering.isTooLarge(ink.size())) {
-        const QRect upright = inkOf(PaintableText(setting, toPixels, inks), QSizeF(frame) * scale, rendering);
-        if (rendering.isTooLarge(upright.size()))
-            return rendering.tooLarge(upright.size());
-        return tooLargeToTilt(ink.size(), rendering);
-    }
+    if (rendering.isTooLarge(ink.size()))
+        return leftOut(ink.size(), rendering);
     bitmap.inkAt = ink.topLeft();
     bitmap.ink = createBitmapContext(ink.width(), ink.height(), true);
     if (bitmap.ink.isNull())
-        return rendering.tooLarge(ink.size());
+        return noMemory();
     paintable.paint(bitmap.ink, ink.topLeft(), rendering.isCanceled);
     return bitmap;
 }
@@ -332,7 +328,7 @@ Result<std::optional<WatermarkBitmap>> createTextWatermarkOfWidth(double width, 
         return std::nullopt;
     const double scale = rendering.scale;
     if (width > kMaxSide || height > kMaxSide)
-        return rendering.tooLarge(QSizeF(width, height) * scale);
+        return leftOut(QSizeF(width, height) * scale, rendering);
 
     const QSize frame(static_cast<int>(width), static_cast<int>(height));
     // The fraction of a photo pixel is cut off at the top.

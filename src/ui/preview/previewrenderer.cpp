@@ -140,11 +140,9 @@ private:
             if (mark.origin == order.customOrigin)
                 return;
             if (order.customOrigin && *mark.drawing) {
-                if (Result<WatermarkDrawing> moved = (*mark.drawing)->movedTo(*order.customOrigin)) {
-                    mark.drawing = std::optional(std::move(*moved));
-                    mark.origin = order.customOrigin;
-                    return;
-                }
+                mark.drawing = std::optional((*mark.drawing)->movedTo(*order.customOrigin));
+                mark.origin = order.customOrigin;
+                return;
             }
         }
         m_marks.erase(m_marks.begin() + std::ptrdiff_t(std::min(index, m_marks.size())), m_marks.end());
