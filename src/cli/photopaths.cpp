@@ -4,6 +4,7 @@
 
 #include "imageio/imageformat.h"
 #include "images/folderwalk.h"
+#include "platform/systemerror.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -93,7 +94,7 @@ PhotoSearch photosAt(const std::vector<std::string> &paths, bool recurses)
         struct stat status = {};
         const bool isReached = ::stat(path.c_str(), &status) == 0;
         if (!isReached && isAbsent(errno))
-            search.notRead.push_back({given.path, QStringLiteral("there is no file or folder of this name")});
+            search.notRead.push_back({given.path, openErrorText(given.path, qt_error_string(ENOENT))});
         else if (!isReached || !S_ISDIR(status.st_mode))
             search.photos.push_back(given); // opening it reports why it cannot be reached
         else if (!given.failure.isEmpty())

@@ -5,6 +5,7 @@
 #include "cli/messages.h"
 #include "cli/presetfiles.h"
 #include "cli/saveoptions.h"
+#include "cli/suggestions.h"
 
 #include <QFile>
 
@@ -109,8 +110,9 @@ Result<std::vector<AppliedPreset>> namedPresets(const std::vector<std::string> &
             isFound = true;
         }
         if (!isFound)
-            return fail(QStringLiteral("there is no watermark preset \"%1\" among %2 of %3")
-                            .arg(wanted, namesOf(presets), described(path)));
+            return fail(QStringLiteral("there is no watermark preset \"%1\"").arg(wanted) +
+                        didYouMean(wanted, plainNamesOf(presets),
+                                   QStringLiteral(" among %1 of %2").arg(namesOf(presets), described(path))));
     }
     return applied;
 }
@@ -186,8 +188,8 @@ Result<std::optional<SavingPresetValues>> chosenSavingPreset(const SaveOptions &
         return std::optional<SavingPresetValues>();
     if (presets.empty())
         return fail(QStringLiteral("there are no saving presets in %1").arg(described(path)));
-    return fail(QStringLiteral("--saving-preset has to name one of the presets in %1: %2")
-                    .arg(described(path), namesOf(presets)));
+    return fail(QStringLiteral("--saving-preset has to name one of the presets in %1").arg(described(path)) +
+                didYouMean(name, plainNamesOf(presets), QStringLiteral(": ") + namesOf(presets)));
 }
 
 } // namespace plexa

@@ -116,7 +116,7 @@ Result<void> setSavingFields(SavingPresetValues &preset, const SaveOptions &opti
             return fail(QStringLiteral("--name: ") + pieces.error().text);
         preset.filenameTokens = *pieces;
     }
-    if (options.quality != 0 && preset.hideJPEGQuality())
+    if (setsQuality(options) && preset.hideJPEGQuality())
         return fail(QStringLiteral("--quality has no effect on %1").arg(preset.imageFormat));
     return {};
 }
@@ -141,6 +141,15 @@ Result<std::vector<AppliedPreset>> watermarksOf(const SaveOptions &options, cons
             return tl::unexpected(values.error());
         watermarks.push_back({nullptr, std::move(*values)});
     }
+    const auto field = std::find_if(options.fields.begin(), options.fields.end(), isForText);
+    const bool hasText = std::any_of(watermarks.begin(), watermarks.end(), [](const AppliedPreset &mark) {
+        return mark.values.type != QLatin1String("Image");
+    });
+    if (!hasText && field != options.fields.end())
+        return fail(QStringLiteral("--set %1 has no effect on a picture")
+                        .arg(QString::fromStdString(field->substr(0, field->find('=')))));
+    if (options.combine && watermarks.size() == 1)
+        return fail(QStringLiteral("--combine has no effect on a single watermark"));
     reportTokens(options.fields, "textTokens", watermarks.front().values.textTokens, TokenUse::Watermark);
     return watermarks;
 }

@@ -16,6 +16,7 @@
 #include "platform/bytebudget.h"
 #include "platform/fontcatalog.h"
 #include "platform/localeformat.h"
+#include "saving/namingtokens.h"
 #include "saving/saving.h"
 #include "saving/targetfolder.h"
 
@@ -104,6 +105,39 @@ Result<void> checkAssigned(const std::vector<PresetToSave> &presets, const SaveO
     return {};
 }
 
+/// Refuses a first number that no name of a copy contains.
+Result<void> checkStart(const SavingRun &run, const SaveOptions &options)
+{
+    const auto hasNumber = [](const SavingPresetValues &preset) {
+        return std::any_of(preset.filenameTokens.begin(), preset.filenameTokens.end(), isSequenceToken);
+    };
+    const bool isUsed =
+        hasNumber(run.defaultSavingPreset) ||
+        std::any_of(run.effectivePresets.begin(), run.effectivePresets.end(),
+                    [&](const PresetToSave &preset) {
+                        return preset.assignedSavingPreset && hasNumber(*preset.assignedSavingPreset);
+                    });
+    if (options.start && !isUsed)
+        return fail(
+            QStringLiteral("--start has no effect, because the names of the copies contain no number; "
+                           "give --name with {sequence #}"));
+    return {};
+}
+
+/// Refuses a quality if all copies are of formats without one.
+Result<void> checkQuality(const SavingRun &run, const std::vector<PhotoPath> &photos,
+                          const SaveOptions &options)
+{
+    const auto hasQuality = [&](const PhotoPath &photo) {
+        const QString type = run.defaultSavingPreset.imageFormatUTI(photo.path);
+        return type == QLatin1String("image/jpeg") || type == QLatin1String("image/heic");
+    };
+    if (setsQuality(options) && !photos.empty() && std::none_of(photos.begin(), photos.end(), hasQuality))
+        return fail(
+            QStringLiteral("--quality has no effect, because no copy is a JPEG or HEIC; give --format"));
+    return {};
+}
+
 /// Reports all errors of the command line, before any file is touched.
 Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
 {
@@ -121,12 +155,14 @@ Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
     run.effectivePresets = presetsToSave(*applied);
     if (const Result<void> checked = checkAssigned(run.effectivePresets, options); !checked)
         return tl::unexpected(checked.error());
-    run.firstSequenceNumber = options.start;
+    run.firstSequenceNumber = options.start.value_or(1);
     run.isInSingleMode = !isPresetsMode(options);
     run.defaultSavingPreset = std::move(*savingPreset);
     run.folders = std::move(*folders);
     run.combineAllAppliedPresetsInImage = options.combine;
     run.ignoreAssignedSavingPresets = options.ignoreAssigned;
+    if (const Result<void> checked = checkStart(run, options); !checked)
+        return tl::unexpected(checked.error());
     run.copyRules = {!options.noCreationDate, options.requireWatermark};
     run.isDryRun = options.dryRun;
     run.conflictCode = conflictCode(options.conflict);
@@ -199,6 +235,8 @@ int runSave(const SaveOptions &options)
                   QStringLiteral("to watermark a copy again, name its file"));
     if (search.photos.empty())
         printMessage(QStringLiteral("no photos found"));
+    if (const Result<void> checked = checkQuality(*run, search.photos, options); !checked)
+        return refuse(checked.error().text);
     report.photosLeftOut(copies.count, links.count);
     return saveAll(*run, search, report, fonts);
 }

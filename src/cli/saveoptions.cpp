@@ -229,6 +229,11 @@ bool setsSavingPreset(const SaveOptions &options)
            !options.name.empty() || options.quality != 0;
 }
 
+bool setsQuality(const SaveOptions &options)
+{
+    return options.quality != 0 || hasField(options.savingFields, "jpegQuality");
+}
+
 bool isPresetsMode(const SaveOptions &options)
 {
     return !options.wPresetsFile.empty() || !options.applied.empty();

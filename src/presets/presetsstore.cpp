@@ -161,10 +161,10 @@ void PresetsStore::readAll()
 
 PresetsFileReading PresetsStore::readFile(const QString &path, Kind kind) const
 {
-    if (kind == Kind::Saving)
-        return readSavingPresetsFile(path);
     const PresetsFileReading reading =
-        readWPresetsFile(path, [this](qint64 presetID) { return savingPresetWithID(presetID); });
+        kind == Kind::Saving
+            ? readSavingPresetsFile(path)
+            : readWPresetsFile(path, [this](qint64 presetID) { return savingPresetWithID(presetID); });
     logFaults(path, reading);
     return reading;
 }

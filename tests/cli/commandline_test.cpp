@@ -188,6 +188,17 @@ private Q_SLOTS:
                  {"--text x --format PNG --save-set imageFormat=JPEG", "--format and --save-set imageFormat"},
                  {"--image a.png --set type=Text", "--set type has no effect"},
                  {"--text x --combine", "--combine has no effect"},
+                 {"--image %2 --set fontSize=9", "--set fontSize has no effect on a picture"},
+                 {"--text x --start 5", "--start has no effect"},
+                 {"--text x --quality 50 --no-recurse --files-from %3", "no copy is a JPEG or HEIC"},
+                 {"--set textTokens=5", "list of texts in JSON"},
+                 {"--text x --set AnchorPoint=8", "did you mean \"anchorPoint\"?"},
+                 {"--text x --save-set jpegquality=80", "did you mean \"jpegQuality\"?"},
+                 {"--text x --saving-presets %1 --saving-preset best", "did you mean \"Best\"?"},
+                 {"--text '{sequence #}'", "{sequence #} is a token of names of copies only"},
+                 {"--text x --files-from .", "\".\": it is a folder"},
+                 {"--wpresets nowhere", "\"nowhere\": there is no file or folder of this name"},
+                 {"--set image=nowhere", "there is no file or folder of this name"},
                  {"--text x --ignore-assigned", "--ignore-assigned has no effect"},
                  {"--text x --set image=a.png", "no effect"},
                  {"--text x --set textTokens=y", "together"},
@@ -205,8 +216,11 @@ private Q_SLOTS:
                                                      .imageFormat = u"Original"_s,
                                                      .alternativeImageFormat = u"Original"_s},
                                                     {.name = u"Best"_s, .jpegQuality = 500}});
-            const ProgramRun outcome = run(words("save --output %1 %2", path("out"), path("in")) +
-                                           words(options.toUtf8().constData(), presets));
+            write("list", path("in/a.png").toUtf8());
+            const QString photos = options.contains(u"--files-from %3") ? QString() : path("in");
+            const ProgramRun outcome =
+                run(words("save --output %1", path("out")) + QStringList(photos).filter(u"in"_s) +
+                    words(options.toUtf8().constData(), presets, path("in/a.png"), path("list")));
             QCOMPARE(outcome.status, 2);
             QVERIFY2(outcome.err.contains(message.toUtf8()), outcome.err.constData());
             QVERIFY2(outcome.err.startsWith("plexa-cli: ") && outcome.err.count('\n') == 1,
@@ -215,7 +229,8 @@ private Q_SLOTS:
         }
         for (const auto &[arguments, message] : {std::pair("", "no command"),
                                                  {"frob", "no command \"frob\""},
-                                                 {"inspect --frob", "option --frob"}}) {
+                                                 {"inspect --frob", "option --frob"},
+                                                 {"fields Font", "did you mean \"font\"?"}}) {
             const ProgramRun outcome = run(arguments);
             QVERIFY2(outcome.status == 2 && outcome.err.contains(message), outcome.err.constData());
         }
