@@ -16,6 +16,7 @@ AppController::AppController(const Services &services)
     , m_imageSet({services.photos, services.defaults, services.alerts, m_status, services.threads})
     , m_gathering(m_imageSet,
                   {services.photos, services.defaults, services.alerts, m_status, services.threads})
+    , m_sorting(m_imageSet, m_status, services.threads)
     , m_positions(m_status, services.threads)
     , m_batchOperation(m_status, services.threads)
     , m_save({m_status, services.alerts, services.defaults, services.threads})
@@ -36,6 +37,7 @@ void AppController::connectChanges()
 
     const auto changed = &AppController::commandStateChanged;
     connect(&m_batchOperation, &BatchImageOperation::operationFinished, this, changed);
+    connect(&m_sorting, &ImageSorting::finished, this, changed);
     connect(&m_positions, &ManualPositions::copyChanged, this, changed);
     connect(&m_positions, &ManualPositions::pasteFinished, this, changed);
     connect(&m_appliedPresets, &AppliedPresets::appliedChanged, this, changed);
@@ -93,6 +95,7 @@ CommandState AppController::commandState() const
     state.isSavingInProgress = m_save.isSavingInProgress();
     state.isInBrowserMode = m_imageSet.imageListIsInBrowserMode();
     state.hasCurrentBatchOperation = m_batchOperation.isRunning();
+    state.isSorting = m_sorting.isRunning();
     state.hasCopiedPositions = m_positions.hasCopy();
     state.hasCurrentWPreset = current != nullptr;
     state.nSelected = m_imageSet.selection().selectedIndexes().size();
@@ -100,6 +103,12 @@ CommandState AppController::commandState() const
     state.nEffectivePresets = static_cast<qsizetype>(effective.size());
     state.nAppliedPresets = static_cast<qsizetype>(m_appliedPresets.wPresetsApplied().size());
     state.nSelectedApplied = m_appliedPresets.selectedRows().size();
+    const IndexList &photos = m_imageSet.selection().selectedIndexes();
+    const IndexList &presets = m_appliedPresets.selectedRows();
+    state.canMovePhotosUp = canStep(photos, state.nShown, Step::Up);
+    state.canMovePhotosDown = canStep(photos, state.nShown, Step::Down);
+    state.canMovePresetsUp = canStep(presets, state.nAppliedPresets, Step::Up);
+    state.canMovePresetsDown = canStep(presets, state.nAppliedPresets, Step::Down);
     state.browserZoomFactor = m_services.defaults.floatForKey(settings::imageBrowserZoomFactor);
     if (state.nSelected == 1) {
         const std::shared_ptr<ImageObject> image = m_imageSet.selectedImages().front();
@@ -163,6 +172,7 @@ void AppController::resetManualPositioning(Presets presets)
 void AppController::stopAllOperations()
 {
     m_gathering.stopImportingImages();
+    m_sorting.stop();
     m_presetCommands.stopImporting();
     m_positions.stopPastingSettings();
     m_batchOperation.abortOperation();

@@ -8,6 +8,7 @@
 #include "app/commandrules.h"
 #include "app/imagegathering.h"
 #include "app/imageset.h"
+#include "app/imagesorting.h"
 #include "app/manualpositions.h"
 #include "app/presetcommands.h"
 #include "app/statusmanager.h"
@@ -38,6 +39,7 @@ public:
     StatusManager &statusManager() { return m_status; }
     ImageSet &imageSet() { return m_imageSet; }
     ImageGathering &gathering() { return m_gathering; }
+    ImageSorting &sorting() { return m_sorting; }
     AppliedPresets &appliedPresets() { return m_appliedPresets; }
     ManualPositions &manualPositions() { return m_positions; }
     BatchSave &batchSave() { return m_save; }
@@ -99,6 +101,7 @@ private:
     PresetCommands m_presetCommands;
     ImageSet m_imageSet;
     ImageGathering m_gathering;
+    ImageSorting m_sorting;
     ManualPositions m_positions;
     BatchImageOperation m_batchOperation;
     BatchSave m_save; // handles events when it is destroyed: before the others

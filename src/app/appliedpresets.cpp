@@ -160,10 +160,31 @@ void AppliedPresets::moveAppliedPresets(const IndexList &rows, int toRow)
     const auto isMoved = [&moved](int row) { return moved.contains(row); };
     std::stable_partition(order.begin(), target, std::not_fn(isMoved));
     std::stable_partition(target, order.end(), isMoved);
+    setOrder(order);
+}
 
+void AppliedPresets::stepSelectedAppliedPresets(Step step)
+{
+    IndexList order(static_cast<qsizetype>(m_wPresetsApplied.size()));
+    std::iota(order.begin(), order.end(), 0);
+    // From the end that they move to, so that each one follows those before it.
+    IndexList rows = m_selectedRows;
+    if (step == Step::Down)
+        std::reverse(rows.begin(), rows.end());
+    for (const int row : std::as_const(rows)) {
+        const int neighbor = step == Step::Up ? row - 1 : row + 1;
+        if (neighbor >= 0 && neighbor < order.size() && !m_selectedRows.contains(order[neighbor]))
+            order.swapItemsAt(row, neighbor);
+    }
+    setOrder(order);
+}
+
+/// @param formerRows  the former row of each preset in the new order
+void AppliedPresets::setOrder(const IndexList &formerRows)
+{
     WPresetList presets;
     IndexList selected;
-    for (const int formerRow : std::as_const(order)) {
+    for (const int formerRow : formerRows) {
         if (m_selectedRows.contains(formerRow))
             selected.append(static_cast<int>(presets.size()));
         presets.push_back(m_wPresetsApplied[static_cast<std::size_t>(formerRow)]);

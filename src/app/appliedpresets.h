@@ -53,6 +53,8 @@ public:
     void removeFromApplied(const WPreset *preset);
     /// Moves these rows, in their order, to the place before `toRow`.
     void moveAppliedPresets(const IndexList &rows, int toRow);
+    /// Moves each group of selected neighbors past its neighbor.
+    void stepSelectedAppliedPresets(Step step);
 
     /// Ascending.
     const IndexList &selectedRows() const { return m_selectedRows; }
@@ -76,6 +78,7 @@ Q_SIGNALS:
 
 private:
     void setApplied(WPresetList presets, const IndexList &selectedRows);
+    void setOrder(const IndexList &formerRows);
     void observePresets();
 
     UserDefaults &m_defaults;

@@ -14,9 +14,11 @@ namespace plexa
 enum class Need {
     NoSave,         ///< no batch save is running
     Photos,         ///< photos are shown
+    SeveralPhotos,  ///< at least two are shown
     Selection,      ///< photos are selected
     SmallBatchMode, ///< the grid is shown
     NoRotation,     ///< no photos are being rotated or mirrored
+    NoSorting,      ///< photos are not being sorted
     Watermark,      ///< a preset is drawn on the photos
     CurrentPreset,
     CurrentPosition, ///< one photo is selected, with a position of the current preset
@@ -27,6 +29,10 @@ enum class Need {
     AppliedSelection, ///< applied presets are selected
     PresetSelection,  ///< presets are selected in the list of all presets
     OneSelectedPreset,
+    RoomToMovePhotosUp,
+    RoomToMovePhotosDown,
+    RoomToMovePresetsUp,
+    RoomToMovePresetsDown,
     RoomToZoomIn,  ///< the thumbnails can be larger
     RoomToZoomOut, ///< the thumbnails can be smaller
     RoomToZoomInPreview,
@@ -38,12 +44,17 @@ struct CommandState {
     bool isSavingInProgress = false;
     bool isInBrowserMode = true;
     bool hasCurrentBatchOperation = false;
+    bool isSorting = false;
     bool canCopyForCurrentPreset = false;
     bool canCopyForAllPresets = false;
     bool hasCopiedPositions = false;
     bool hasCurrentWPreset = false;
-    qsizetype nSelected = 0; ///< photos
-    qsizetype nShown = 0;    ///< photos
+    bool canMovePhotosUp = false;
+    bool canMovePhotosDown = false;
+    bool canMovePresetsUp = false;   ///< applied presets
+    bool canMovePresetsDown = false; ///< applied presets
+    qsizetype nSelected = 0;         ///< photos
+    qsizetype nShown = 0;            ///< photos
     qsizetype nEffectivePresets = 0;
     qsizetype nAppliedPresets = 0;
     qsizetype nSelectedApplied = 0;  ///< applied presets

@@ -2,6 +2,7 @@
 
 #include "app/imageset.h"
 
+#include "app/imageorder.h"
 #include "app/statusmanager.h"
 #include "platform/alerts.h"
 #include "platform/settings.h"
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <unordered_set>
 
 namespace plexa
 {
@@ -24,55 +24,6 @@ constexpr std::size_t kMaxRuns = 50;
 QString searchable(const QString &text)
 {
     return text.normalized(QString::NormalizationForm_C).toLower();
-}
-
-using Identities = std::unordered_set<const ImageObject *>;
-
-Identities identitiesOf(const ImageList &images)
-{
-    Identities identities;
-    for (const std::shared_ptr<ImageObject> &image : images)
-        identities.insert(image.get());
-    return identities;
-}
-
-void eraseFrom(ImageList &list, const Identities &gone)
-{
-    std::erase_if(list,
-                  [&](const std::shared_ptr<ImageObject> &image) { return gone.contains(image.get()); });
-}
-
-/// Moves the images, in their order, before the one that is at `target` now.
-/// @return the new index of the first of them
-std::ptrdiff_t moveBefore(ImageList &list, const ImageList &moved, std::ptrdiff_t target)
-{
-    const Identities identities = identitiesOf(moved);
-    const auto movedBefore =
-        std::count_if(list.begin(), list.begin() + target, [&](const std::shared_ptr<ImageObject> &image) {
-            return identities.contains(image.get());
-        });
-    eraseFrom(list, identities);
-    list.insert(list.begin() + (target - movedBefore), moved.begin(), moved.end());
-    return target - movedBefore;
-}
-
-/// Groups of neighbours among ascending indexes.
-std::vector<IndexList> runsOf(const IndexList &indexes)
-{
-    std::vector<IndexList> runs;
-    for (const int index : indexes) {
-        if (runs.empty() || runs.back().last() != index - 1)
-            runs.emplace_back();
-        runs.back().append(index);
-    }
-    return runs;
-}
-
-int indexIn(const ImageList &list, const ImageObject *image)
-{
-    const auto found =
-        std::find_if(list.begin(), list.end(), [image](const auto &one) { return one.get() == image; });
-    return found == list.end() ? ImageSelection::kNone : static_cast<int>(found - list.begin());
 }
 
 } // namespace
@@ -224,7 +175,7 @@ void ImageSet::addImages(const ImageList &images)
 
 void ImageSet::removeImages(const ImageList &images)
 {
-    const Identities gone = identitiesOf(images);
+    const ImageIdentities gone = identitiesOf(images);
     IndexList shown;
     for (std::size_t index = 0; index < m_imagesFiltered->size(); ++index) {
         if (gone.contains((*m_imagesFiltered)[index].get()))
@@ -297,41 +248,86 @@ void ImageSet::removeSelectedImages()
 
 void ImageSet::moveIndexes(const IndexList &indexes, int toIndex)
 {
-    toIndex = std::clamp(toIndex, 0, static_cast<int>(m_imagesFiltered->size()));
+    const auto shownCount = static_cast<int>(m_imagesFiltered->size());
+    toIndex = std::clamp(toIndex, 0, shownCount);
     ImageList moved;
     for (const int index : cleanedIndexes(indexes, m_imagesFiltered->size()))
         moved.push_back((*m_imagesFiltered)[static_cast<std::size_t>(index)]);
     if (moved.empty())
         return;
+    ImageList images = *m_images;
+    ImageList shown = *m_imagesFiltered;
+    // With a filter, the end means the length of the shown list, not that of the whole one.
+    const int target = isFiltered() && toIndex < shownCount
+                           ? indexIn(images, shown[static_cast<std::size_t>(toIndex)].get())
+                           : toIndex;
+    moveBefore(images, moved, target);
+    moveBefore(shown, moved, toIndex);
+    reorder(std::move(images), std::move(shown), moved);
+}
+
+void ImageSet::stepSelectedImages(Step step)
+{
+    const IndexList &indexes = m_selection.selectedIndexes();
+    reorder(steppedOrder(*m_images, *m_imagesFiltered, indexes, step),
+            steppedOrder(*m_imagesFiltered, *m_imagesFiltered, indexes, step), selectedImages());
+}
+
+void ImageSet::sortImages(const ImageList &order)
+{
+    ImageList images = *m_images;
+    ImageList shown = *m_imagesFiltered;
+    arrange(images, order);
+    arrange(shown, order);
+    reorder(std::move(images), std::move(shown), selectedImages());
+}
+
+void ImageSet::restoreOrder(const ImageOrder &order)
+{
+    ImageList images = *m_images;
+    ImageList shown = *m_imagesFiltered;
+    arrange(images, order.images);
+    arrange(shown, order.filterText == m_filterText ? order.shown : order.images);
+    setOrder(std::move(images), std::move(shown), selectedImages());
+}
+
+/// On behalf of the user.
+void ImageSet::reorder(ImageList images, ImageList shown, const ImageList &selected)
+{
+    const auto changed = [this](const ImageList &one, const ImageList &oneShown, const ImageList &other,
+                                const ImageList &otherShown) {
+        return ImageOrder{changedPart(one, other), changedPart(oneShown, otherShown), m_filterText};
+    };
+    const ImageOrder before = changed(*m_images, *m_imagesFiltered, images, shown);
+    const ImageOrder after = changed(images, shown, *m_images, *m_imagesFiltered);
+    setOrder(std::move(images), std::move(shown), selected);
+    if (!before.images.empty() || !before.shown.empty())
+        Q_EMIT orderEdited(before, after);
+}
+
+/// The focus stays at its photo.
+void ImageSet::setOrder(ImageList images, ImageList shown, const ImageList &selected)
+{
     const int focus = m_selection.focusIndex();
     const std::shared_ptr<ImageObject> focusImage =
         focus < 0 ? nullptr : (*m_imagesFiltered)[static_cast<std::size_t>(focus)];
-
+    const ImageIdentities identities = identitiesOf(selected);
     const ImageSelection::Hold hold(m_selection);
     Q_EMIT orderAboutToChange();
-    const std::ptrdiff_t first = moveShown(moved, toIndex);
-    IndexList block;
-    for (std::size_t i = 0; i < moved.size(); ++i)
-        block.append(static_cast<int>(first) + static_cast<int>(i));
-    m_selection.reorder(block, indexOf(focusImage.get()));
+    if (isFiltered())
+        *m_imagesFiltered = std::move(shown);
+    {
+        const std::lock_guard lock(m_imagesLock);
+        *m_images = std::move(images);
+    }
+    IndexList selectedIndexes;
+    for (std::size_t index = 0; index < m_imagesFiltered->size(); ++index) {
+        if (identities.contains((*m_imagesFiltered)[index].get()))
+            selectedIndexes.append(static_cast<int>(index));
+    }
+    m_selection.reorder(selectedIndexes, indexOf(focusImage.get()));
     Q_EMIT orderChanged();
     refreshImageList(Refresh::Full);
-}
-
-/// @return the new index of the first of them
-std::ptrdiff_t ImageSet::moveShown(const ImageList &moved, int toIndex)
-{
-    const auto shownCount = static_cast<int>(m_imagesFiltered->size());
-    const std::lock_guard lock(m_imagesLock);
-    if (isFiltered()) {
-        // The end means the length of the shown list, not that of the whole one.
-        const int target =
-            toIndex < shownCount
-                ? indexIn(*m_images, (*m_imagesFiltered)[static_cast<std::size_t>(toIndex)].get())
-                : shownCount;
-        moveBefore(*m_images, moved, target);
-    }
-    return moveBefore(*m_imagesFiltered, moved, toIndex);
 }
 
 void ImageSet::focusImageDidChangeTo(int index)

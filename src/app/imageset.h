@@ -3,7 +3,7 @@
 #pragma once
 
 #include "app/backgroundjob.h"
-#include "app/imagelist.h"
+#include "app/imageorder.h"
 #include "app/imageselection.h"
 
 #include <QObject>
@@ -24,6 +24,13 @@ struct ImageSetServices {
     Alerts &alerts; ///< called on the main thread
     StatusManager &status;
     int importThreads; ///< photos that are loaded at a time
+};
+
+/// The photos whose places an edit has changed, in their order.
+struct ImageOrder {
+    ImageList images; ///< of the whole set
+    ImageList shown;
+    QString filterText; ///< of the shown list
 };
 
 /// The working set: the photos that the user has gathered, in the user's order, and the shown ones. In Small
@@ -76,9 +83,18 @@ public:
     void disableImageFilters();
 
     void removeSelectedImages();
-    /// Moves photos to the place before `toIndex`. While a filter is active, the end of the shown list means
-    /// the same index in the whole one.
+    // In a new order, selection and focus stay with their photos.
+
+    /// Moves photos to the place before `toIndex` and selects them. While a filter is active, the end of the
+    /// shown list means the same index in the whole one.
     void moveIndexes(const IndexList &indexes, int toIndex);
+    /// Moves each group of selected neighbors past its neighbor in the shown list.
+    void stepSelectedImages(Step step);
+    /// Gives the photos, also the hidden ones, this order. Photos that `order` does not contain keep their
+    /// places.
+    void sortImages(const ImageList &order);
+    /// Restores an order of orderEdited().
+    void restoreOrder(const ImageOrder &order);
 
     /// The photo of the last shownImageChanged().
     const std::shared_ptr<ImageObject> &shownImage() const { return m_shownImage; }
@@ -100,6 +116,9 @@ Q_SIGNALS:
     void listAboutToBeReset();
     void listReset();
 
+    /// The user has changed the order.
+    void orderEdited(const plexa::ImageOrder &before, const plexa::ImageOrder &after);
+
     void refreshed(plexa::ImageSet::Refresh refresh);
     /// Sent even if a change was refused, so that a button can go back.
     void imageListModeChanged(bool isBrowser);
@@ -118,7 +137,8 @@ private:
 
     void removeIndexes(const IndexList &indexes);
     void removeRun(const IndexList &run);
-    std::ptrdiff_t moveShown(const ImageList &moved, int toIndex);
+    void reorder(ImageList images, ImageList shown, const ImageList &selected);
+    void setOrder(ImageList images, ImageList shown, const ImageList &selected);
     void updateStatus();
 
     void focusImageDidChangeTo(int index);

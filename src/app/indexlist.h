@@ -24,6 +24,18 @@ inline IndexList cleanedIndexes(const IndexList &indexes, std::size_t count)
     return clean;
 }
 
+/// One place up or down in a list.
+enum class Step { Up, Down };
+
+/// Whether anything moves if these entries do: those at the end of the list stay there.
+/// @param indexes  ascending
+inline bool canStep(const IndexList &indexes, qsizetype count, Step step)
+{
+    if (indexes.isEmpty())
+        return false;
+    return step == Step::Up ? indexes.last() >= indexes.size() : indexes.first() < count - indexes.size();
+}
+
 /// Positions as drags within the program carry them: "3 5 8".
 inline QByteArray draggedBytesOf(const IndexList &indexes)
 {

@@ -19,6 +19,7 @@ constexpr std::array kTexts = {
     QT_TRANSLATE_NOOP("plexa::StatusManager", "Rotating images"),
     QT_TRANSLATE_NOOP("plexa::StatusManager", "Pasting configuration"),
     QT_TRANSLATE_NOOP("plexa::StatusManager", "Importing presets"),
+    QT_TRANSLATE_NOOP("plexa::StatusManager", "Sorting images"),
 };
 
 } // namespace

@@ -4,8 +4,8 @@
 
 #include "imageio/imageformat.h"
 #include "platform/filenames.h"
+#include "platform/naturalorder.h"
 
-#include <QCollator>
 #include <QCoreApplication>
 #include <QFile>
 
@@ -54,20 +54,19 @@ struct FolderWalk::Entry {
     bool isFolder;    // as its parent lists it
 };
 
-/// By name, numbers in names by their value, in the same order for every locale of the user.
+/// By name, as NaturalOrder has it; equal names by their bytes.
 void FolderWalk::sortNaturally(std::vector<Entry> &entries)
 {
-    QCollator collator{QLocale(QLocale::English)};
-    collator.setNumericMode(true);
+    const NaturalOrder order;
     std::vector<std::pair<QCollatorSortKey, Entry>> keyed;
     keyed.reserve(entries.size());
     for (Entry &entry : entries) {
         const QString path = QFile::decodeName(QByteArray::fromStdString(entry.path));
-        keyed.emplace_back(collator.sortKey(path.mid(path.lastIndexOf(u'/') + 1)), std::move(entry));
+        keyed.emplace_back(order.keyOf(path.mid(path.lastIndexOf(u'/') + 1)), std::move(entry));
     }
     std::sort(keyed.begin(), keyed.end(), [](const auto &one, const auto &other) {
-        const int order = one.first.compare(other.first);
-        return order != 0 ? order < 0 : one.second.path < other.second.path;
+        const int difference = one.first.compare(other.first);
+        return difference != 0 ? difference < 0 : one.second.path < other.second.path;
     });
     std::transform(keyed.begin(), keyed.end(), entries.begin(),
                    [](auto &entry) { return std::move(entry.second); });

@@ -24,6 +24,7 @@ class UserDefaults;
     ROW(imageBrowserZoomFactor, TEXT("0.5"))                                                                 \
     ROW(imageBrowserShowsNames, TEXT("YES"))                                                                 \
     ROW(browserShowOriginalOnMouseOver, NONE)                                                                \
+    ROW(watermarksOnThumbnails, TEXT("YES"))                                                                 \
     ROW(combineAllAppliedPresetsInImage, TEXT("NO"))                                                         \
     ROW(saveAllToOneDirectory, TEXT("YES"))                                                                  \
     ROW(savingDirectory, PICTURES)                                                                           \
@@ -37,7 +38,8 @@ class UserDefaults;
     ROW(enableExifDataEditing, TEXT("NO"))                                                                   \
     ROW(runNumber, TEXT("0"))                                                                                \
     ROW(askForMASReview, TEXT("YES"))                                                                        \
-    ROW(askForFeedback, TEXT("YES"))
+    ROW(askForFeedback, TEXT("YES"))                                                                         \
+    ROW(hasExplainedClosing, TEXT("NO"))
 
 /// The keys of the settings, each under its own name: `settings::lastUsedMode`.
 namespace settings

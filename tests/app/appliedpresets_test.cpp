@@ -69,6 +69,27 @@ private Q_SLOTS:
         }
     }
 
+    void steps()
+    {
+        using Row = std::tuple<IndexList, Step, Text, IndexList, bool>;
+        for (const auto &[rows, step, expected, selected, isPossible] :
+             std::initializer_list<Row>{{{1, 2}, Step::Up, "b c a d", {0, 1}, true},
+                                        {{0, 2}, Step::Up, "a c b d", {0, 1}, true},
+                                        {{1, 3}, Step::Down, "a c b d", {2, 3}, true},
+                                        {{0, 2}, Step::Down, "b a d c", {1, 3}, true},
+                                        {{2, 3}, Step::Down, "a b c d", {2, 3}, false},
+                                        {{0, 1}, Step::Up, "a b c d", {0, 1}, false},
+                                        {{}, Step::Up, "a b c d", {}, false}}) {
+            init();
+            apply(u"a b c d"_qs);
+            QCOMPARE(canStep(rows, 4, step), isPossible);
+            m_applied->selectRows(rows);
+            m_applied->stepSelectedAppliedPresets(step);
+            QCOMPARE(names(m_applied->wPresetsApplied()), expected);
+            QCOMPARE(m_applied->selectedRows(), selected);
+        }
+    }
+
     void remembers()
     {
         const WPresetList all{namedPreset(u"a"_qs), namedPreset(u"b"_qs), namedPreset(u"b"_qs),

@@ -175,6 +175,30 @@ private Q_SLOTS:
         }
     }
 
+    void steps()
+    {
+        using Row = std::tuple<Text, IndexList, Step, Text, Text, IndexList>;
+        for (const auto &[filter, selected, step, images, shown, selectedAfter] : std::initializer_list<Row>{
+                 {"", {1, 2, 4}, Step::Up, "a x2 x1 x3 b c", "a x2 x1 x3 b c", {0, 1, 3}},
+                 {"", {1, 5}, Step::Down, "x1 x2 a b x3 c", "x1 x2 a b x3 c", {2, 5}},
+                 // Directly beside the neighbor that is shown.
+                 {"x", {1, 2}, Step::Up, "x2 x3 x1 a b c", "x2 x3 x1", {0, 1}},
+                 {"x", {0}, Step::Down, "a x2 x1 b x3 c", "x2 x1 x3", {1}},
+                 {"x", {1}, Step::Down, "x1 a b x3 x2 c", "x1 x3 x2", {2}}}) {
+            cleanup();
+            init();
+            m_set->setImageListModeToBrowser(false);
+            for (const QString &photo : words("x1.jpg a.jpg x2.jpg b.jpg x3.jpg c.jpg"))
+                m_set->addImage(m_work->folder.path(photo), {});
+            m_set->filterImages(filter);
+            m_set->selection().select(selected, 0);
+            m_set->stepSelectedImages(step);
+            QCOMPARE(names(*m_set->images()), images);
+            QCOMPARE(shownNames(*m_set), shown);
+            QCOMPARE(m_set->selection().selectedIndexes(), selectedAfter);
+        }
+    }
+
     void removes()
     {
         using Row = std::tuple<Text, IndexList, int, Text, Text>;

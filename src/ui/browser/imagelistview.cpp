@@ -144,7 +144,8 @@ ImageListView::ImageListView(ImageSet &set, QWidget *parent)
     connect(&m_set.selection(), &ImageSelection::scrollToFocusRequested, this,
             &ImageListView::scrollToFirstSelected);
     connect(m_model, &ImageListModel::settled, this, &ImageListView::takeSelectionFromSet);
-    connect(m_model, &ImageListModel::modelReset, this, &ImageListView::scrollToTop); // a new list
+    connect(&m_set, &ImageSet::listReset, this, &ImageListView::scrollToTop); // a new list
+    connect(&m_set, &ImageSet::orderChanged, this, &ImageListView::scrollToFirstSelected);
     connect(&m_set, &ImageSet::refreshed, viewport(), qOverload<>(&QWidget::update));
 }
 

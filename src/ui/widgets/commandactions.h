@@ -39,6 +39,9 @@ public:
     /// Changes the name of the command, on its action and its buttons.
     void setText(ActionId id, const QString &text, const QString &toolTip);
 
+    /// Limits the shortcut to this part of the window; elsewhere the keys may have another meaning.
+    void useShortcutIn(QWidget &part, ActionId id);
+
     void fillMenuBar(QMenuBar *bar);
     /// Adds the commands of the context menu of the photos.
     void fillImageMenu(QMenu *menu);
@@ -56,6 +59,10 @@ public:
 
     /// Carries the command out if it is possible.
     void run(ActionId id) { run(id, Caller::Menu); }
+
+Q_SIGNALS:
+    /// A command that is not possible was asked for, by a key or a double click; a sentence.
+    void refused(const QString &reason);
 
 private:
     /// The buttons do not depend on a running save; what shows them decides about that.

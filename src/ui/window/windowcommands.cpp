@@ -27,6 +27,8 @@ void connectSelection(CommandActions &actions, ImageSet &set)
     actions.setHandler(ActionId::SelectAll, [&set] { set.selection().selectAll(); });
     actions.setHandler(ActionId::SelectNone, [&set] { set.selection().selectNone(); });
     actions.setHandler(ActionId::InvertSelection, [&set] { set.selection().invertSelection(); });
+    actions.setHandler(ActionId::MovePhotosUp, [&set] { set.stepSelectedImages(Step::Up); });
+    actions.setHandler(ActionId::MovePhotosDown, [&set] { set.stepSelectedImages(Step::Down); });
     actions.setHandler(ActionId::RemoveSelected, [&set] { set.removeSelectedImages(); });
     actions.setHandler(ActionId::SwitchBatchMode, [&set] { set.switchImageListMode(); });
     actions.setHandler(ActionId::ShowInFileManager, [&set] {
@@ -39,6 +41,10 @@ void connectSelection(CommandActions &actions, ImageSet &set)
 
 void connectPhotos(CommandActions &actions, AppController &controller)
 {
+    ImageSorting &sorting = controller.sorting();
+    actions.setHandler(ActionId::SortByName, [&sorting] { sorting.sort(ImageSorting::Key::Name); });
+    actions.setHandler(ActionId::SortByDate, [&sorting] { sorting.sort(ImageSorting::Key::CaptureDate); });
+    actions.setHandler(ActionId::ReverseOrder, [&sorting] { sorting.reverse(); });
     const auto turn = [&](ActionId id, ImageTransform transform) {
         actions.setHandler(id, [&controller, transform] { controller.startBatchOperation(transform); });
     };
@@ -56,8 +62,6 @@ void connectPhotos(CommandActions &actions, AppController &controller)
     copyAndReset(ActionId::CopyPosition, ActionId::ResetPosition, Presets::Current);
     copyAndReset(ActionId::CopyAllPositions, ActionId::ResetAllPositions, Presets::All);
     actions.setHandler(ActionId::PastePositions, [&controller] { controller.pasteManualPositioning(); });
-    actions.setHandler(ActionId::SaveQuickPreset,
-                       [&controller] { controller.presetCommands().saveQuickAsWPreset(); });
 }
 
 void showPreferences(const MainWindow::Services &services, MainWindow &window, ImageListPane &imageListPane)

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "raster/resampling.h"
+#include "support/picturedifference.h"
 #include "ui/preview/imageviewcontroller.h"
 #include "ui/preview/previewpane.h"
 #include "ui/shownwindow.h"
 #include "ui/widgets/elidedlabel.h"
+#include "watermark/watermarkpicture.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QLineF>
 #include <QSlider>
 
@@ -29,7 +33,29 @@ struct Preview : ShownWindow {
         presets.setQuickWPreset(std::make_shared<WPreset>(values));
         set.addImage(files.photo("a.png", kPhoto), {});
         set.addImage(files.photo("b.png"), {});
+        view.setFixedHeight(354); // whatever the other parts of the window need
         select(0);
+    }
+
+    /// The visible part of the photo as the screen shows it.
+    QImage shown() const
+    {
+        const QRectF part = view.geometry().layerRectInView().intersected(view.rect());
+        const double ratio = view.devicePixelRatioF();
+        const QRect pixels(qRound(part.x() * ratio), qRound(part.y() * ratio), int(part.width() * ratio),
+                           int(part.height() * ratio));
+        QImage image = view.grab().toImage().copy(pixels);
+        image.setDevicePixelRatio(1);
+        return pixelsOf(image);
+    }
+    /// The same part of a copy in a file.
+    QImage expected(const QImage &copy) const
+    {
+        const QRectF layer = view.geometry().layerRectInView();
+        const double ratio = view.devicePixelRatioF();
+        const QPointF corner = (layer.intersected(view.rect()).topLeft() - layer.topLeft()) * ratio;
+        return resampled(copy, (layer.size() * ratio).toSize(), Quality::High)
+            .copy({corner.toPoint(), shown().size()});
     }
 
     void select(int index)
@@ -40,6 +66,24 @@ struct Preview : ShownWindow {
     void settle()
     {
         isSettled = QTest::qWaitFor([this] { return !controller.isBusy(); });
+    }
+
+    /// Is there a line of black and white dashes along the upper side of the watermark's rectangle?
+    bool hasOutline() const
+    {
+        const double ratio = view.devicePixelRatioF();
+        const QRectF rect = view.geometry().imageToView(view.watermarkRect());
+        const QRect side = QRectF(rect.topLeft() * ratio, QSizeF(rect.width() * ratio, 1)).toRect();
+        const QImage line = pixelsOf(view.grab().toImage()).copy(side.adjusted(0, -2, 0, 2));
+        int black = 0;
+        int white = 0;
+        for (int y = 0; y < line.height(); ++y) {
+            for (int x = 0; x < line.width(); ++x) {
+                black += line.pixel(x, y) == qRgb(0, 0, 0);
+                white += line.pixel(x, y) == qRgb(255, 255, 255);
+            }
+        }
+        return black * 4 > side.width() && white * 4 > side.width();
     }
 
     QPoint middle() const { return view.rect().center(); }
@@ -62,6 +106,15 @@ struct Preview : ShownWindow {
     bool isSettled = false;
 };
 
+using Change = std::function<void(WPresetValues &)>;
+
+/// How much the pictures differ when one is moved by so many pixels.
+double differenceAt(const QImage &a, const QImage &b, QPoint step)
+{
+    const QRect common = a.rect().intersected(a.rect().translated(step));
+    return meanDifference(a.copy(common), b.copy(common.translated(-step)));
+}
+
 bool isNear(double a, double b)
 {
     return std::abs(a - b) < 1e-9;
@@ -74,6 +127,119 @@ class ImageViewControllerTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    /// At every zoom, the photo with its watermarks looks as the copy does, and each watermark is where the
+    /// copy has it, within one pixel of the screen.
+    void whatIsSeenIsSaved_data()
+    {
+        addRows<Row<bool, Change>>({
+            {"outlined text", false, [](WPresetValues &v) { v.strokeWidth = -4; }},
+            {"tiles, rotated photo", true,
+             [](WPresetValues &v) { v.replicateHorizontal = v.replicateVertical = true; }},
+            {"tilted logo with a shadow", false,
+             [](WPresetValues &v) {
+                 v.type = u"Image"_qs;
+                 v.image = WatermarkPicture::fromImage(smoothPicture({300, 200}));
+                 v.angle = 33.0F;
+                 v.shadow = true;
+             }},
+            {"quarter, mirrored, rotated photo", true,
+             [](WPresetValues &v) {
+                 v.rotation = 1;
+                 v.flip = 1;
+             }},
+            {"three quarters, tilted", false,
+             [](WPresetValues &v) {
+                 v.rotation = 3;
+                 v.angle = -12.0F;
+             }},
+            {"shadow and box", false,
+             [](WPresetValues &v) {
+                 v.shadow = v.background = true;
+                 v.opacity = 70;
+             }},
+            {"multiplied logo, rotated photo", true,
+             [](WPresetValues &v) {
+                 v.type = u"Image"_qs;
+                 v.image = WatermarkPicture::fromImage(smoothPicture({300, 200}));
+                 v.blendMode = u"Multiply"_qs;
+             }},
+        });
+    }
+    void whatIsSeenIsSaved()
+    {
+        const auto [name, isTurned, change] = currentRow<Row<bool, Change>>();
+        Preview preview;
+        const QString path = preview.files.folder.path("in/smooth.png");
+        QVERIFY(smoothPicture({2400, 1600}).save(path));
+        preview.set.addImage(path, {});
+        preview.select(2);
+        const std::shared_ptr<ImageObject> photo = preview.set.shownImage();
+        if (isTurned) {
+            preview.ShownWindow::controller.startBatchOperation(ImageTransform::RotateClockwise);
+            QTRY_COMPARE(preview.view.geometry().imageSize(), QSizeF(1600, 2400));
+        }
+
+        // A small one over the one of the row.
+        WPresetValues values = preview.presets.quickWPreset()->values();
+        const auto small = std::make_shared<WPreset>(values);
+        small->setAnchorPoint(1);
+        values.textTokens = {u"Proof 42"_qs};
+        values.fontSize = 20;
+        change(values);
+        preview.presets.modeDidChange(AppliedPresets::Mode::Presets);
+        preview.presets.addWPresetsToApplied({std::make_shared<WPreset>(values), small});
+        preview.files.defaults.setObject(settings::combineAllAppliedPresetsInImage, true);
+        const auto separate = qScopeGuard(
+            [&] { preview.files.defaults.setObject(settings::combineAllAppliedPresetsInImage, false); });
+
+        SavingPresetValues png;
+        png.imageFormat = u"PNG"_qs;
+        const QString copyPath = preview.files.folder.path("copy.png");
+        QVERIFY(photo->saveImageAtPath({copyPath}, preview.presets.effectivePresetsNow(), png, {}));
+        const QImage copy = pixelsOf(QImage(copyPath));
+        for (const double zoom : {0.0, 0.35, 1.0}) {
+            preview.controller.setZoomFactor(zoom);
+            const QSizeF size = preview.view.geometry().imageSize();
+            preview.view.setCenteredImagePoint({size.width() / 2 + 100, size.height() / 2 + 80});
+            preview.controller.refresh();
+            preview.settle();
+            const QImage shown = preview.shown();
+            const QImage expected = preview.expected(copy);
+            const double mean = meanDifference(shown, expected);
+            QVERIFY2(mean < 3, qPrintable(u"%1 at zoom %2"_qs.arg(mean).arg(zoom)));
+            // Both round to pixels, so they may be one pixel apart, but not two.
+            for (const QPoint step : {QPoint(3, 0), QPoint(-3, 0), QPoint(0, 3), QPoint(0, -3)})
+                QVERIFY(differenceAt(shown, expected, step) > mean);
+            const QImage bare = preview.expected(
+                pixelsOf(isTurned ? QImage(path).transformed(QTransform().rotate(90)) : QImage(path)));
+            QVERIFY(mean * 2 < meanDifference(shown, bare)); // else the watermark was not compared
+        }
+    }
+
+    /// Without a selected preset, and unless all are combined, no preset is drawn.
+    void showsTheSelectedPreset()
+    {
+        Preview preview;
+        const auto bare = [&] {
+            preview.settle();
+            const QImage shown = preview.view.grab().toImage();
+            return shown.pixelColor(preview.onMark() * shown.devicePixelRatio()) == QColor(Qt::darkGreen);
+        };
+        ElidedLabel &message = preview.find<ElidedLabel>("previewMessageLabel");
+        WPresetValues values = preview.presets.quickWPreset()->values();
+        values.background = true;
+        values.backgroundColor = Qt::white;
+        preview.presets.modeDidChange(AppliedPresets::Mode::Presets);
+        QCOMPARE(message.text(), QString()); // nothing is applied
+        preview.presets.addWPresetsToApplied({std::make_shared<WPreset>(values)});
+        QVERIFY(message.text().contains(u"Select one applied preset"));
+        preview.presets.selectRows({0});
+        QTRY_VERIFY(!bare());
+        QCOMPARE(message.text(), QString());
+        preview.presets.selectRows({});
+        QTRY_VERIFY(bare());
+    }
+
     void follows()
     {
         Preview preview;
@@ -88,8 +254,12 @@ private Q_SLOTS:
         QVERIFY(!preview.controller.canZoom());
         QCOMPARE(preview.view.geometry().layerSize(), QSizeF(64, 48));
         const QImage shown = preview.view.grab().toImage();
-        QCOMPARE(shown.pixelColor(preview.middle() - QPoint(30, 22)), QColor(Qt::darkGreen));
-        QCOMPARE(shown.pixelColor(preview.middle() - QPoint(35, 0)), QColor(170, 170, 170));
+        const auto color = [&](QPoint fromMiddle) {
+            return shown.pixelColor(
+                (QPointF(preview.middle() + fromMiddle) * shown.devicePixelRatio()).toPoint());
+        };
+        QCOMPARE(color({-30, -22}), QColor(Qt::darkGreen));
+        QCOMPARE(color({-35, 0}), QColor(170, 170, 170));
 
         // A rotated photo has other sides.
         preview.ShownWindow::controller.startBatchOperation(ImageTransform::RotateClockwise);
@@ -160,6 +330,9 @@ private Q_SLOTS:
         Preview preview;
         // A click pins the watermark where it is.
         const QRectF before = preview.view.watermarkRect();
+        QVERIFY(!preview.hasOutline());
+        preview.move(preview.middle());
+        QVERIFY(preview.hasOutline());
         QTest::mouseClick(&preview.view, Qt::LeftButton, {}, preview.onMark());
         QCOMPARE(preview.origin(), before.topLeft());
         QVERIFY(isNear(preview.controller.zoomFactor(), 0));

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "raster/resampling.h"
 #include "support/picturedifference.h"
 #include "support/testenvironment.h"
 #include "support/testpictures.h"
@@ -76,68 +75,6 @@ class PreviewRendererTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    /// At every zoom, each watermark is where the copy has it, and looks like it.
-    void previewIsTheCopy_data()
-    {
-        QTest::addColumn<Change>("change");
-        QTest::addRow("text") << Change([](WPresetValues &) {});
-        QTest::addRow("tiles") << Change([](WPresetValues &v) {
-            v.width = 30;
-            v.replicateHorizontal = v.replicateVertical = true;
-        });
-        QTest::addRow("tilted") << Change([](WPresetValues &v) { v.angle = 33.0F; });
-        QTest::addRow("rotated") << Change([](WPresetValues &v) { v.rotation = 1; });
-        QTest::addRow("shadow and box") << Change([](WPresetValues &v) {
-            v.shadow = v.background = true;
-            v.opacity = 70;
-        });
-        QTest::addRow("logo") << Change([](WPresetValues &v) {
-            v.type = QStringLiteral("Image");
-            v.image = WatermarkPicture::fromImage(smoothPicture({300, 200}));
-            v.blendMode = QStringLiteral("Multiply");
-        });
-    }
-    void previewIsTheCopy()
-    {
-        QFETCH(Change, change);
-        for (const bool isTurned : {false, true}) {
-            Scene scene;
-            if (isTurned)
-                QVERIFY(scene.photo.transformOriginalImageWithOperation(ImageTransform::RotateClockwise));
-            scene.request.presets = {textPreset(scene.services.fonts, change),
-                                     textPreset(scene.services.fonts, [](WPresetValues &v) {
-                                         v.anchorPoint = 1;
-                                         v.fontSize = 5;
-                                     })};
-            SavingPresetValues png;
-            png.imageFormat = QStringLiteral("PNG");
-            const QString path = scene.folder.path("copy.png");
-            const auto report = scene.photo.saveImageAtPath({path}, scene.request.presets, png, {});
-            QVERIFY(report);
-            const QImage copy = pixelsOf(QImage(path));
-            const QSize size = copy.size();
-            for (const double scale : {0.25, 0.7, 1.0}) {
-                const QSize layer = QSizeF(QSizeF(size) * scale).toSize();
-                const QRect part(layer.width() / 5, layer.height() / 6, layer.width() * 3 / 4,
-                                 layer.height() * 5 / 6);
-                const PreviewPicture picture = scene.drawn(layer, part);
-                QCOMPARE(picture.watermarkRect, report->rects.front());
-                const QImage expected = resampled(copy, layer, Quality::High).copy(part);
-                const double mean = differenceOf(pixelsOf(picture.image), expected).mean;
-                QVERIFY2(mean < 3, qPrintable(QStringLiteral("%1 at %2").arg(mean).arg(scale)));
-                // The photo without the mark differs more.
-                const PreviewPicture unmarked = [&] {
-                    const auto presets = std::exchange(scene.request.presets, {});
-                    const PreviewPicture bare = scene.drawn(layer, part);
-                    scene.request.presets = presets;
-                    return bare;
-                }();
-                const double bare = differenceOf(pixelsOf(unmarked.image), expected).mean;
-                QVERIFY(mean * 2 < bare);
-            }
-        }
-    }
-
     /// While a watermark is dragged, it is the one that is saved there.
     void drag()
     {

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/shownwindow.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QScrollBar>
+
+using namespace plexa;
+using namespace plexa::test;
+
+class WindowCommandsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    /// The keys move the entries of the list that has the focus.
+    void movesUpAndDown()
+    {
+        ShownWindow f;
+        QVERIFY(f.active);
+        AppliedPresets &applied = f.controller.appliedPresets();
+        applied.modeDidChange(AppliedPresets::Mode::Presets);
+        applied.addWPresetsToApplied({namedPreset(u"one"_qs), namedPreset(u"two"_qs)});
+        applied.selectRows({1});
+        f.addPhotos(words("a.png b.png c.png"));
+        f.set.selection().selectIndexes({2});
+        const auto press = [&](Qt::Key key) {
+            QCoreApplication::processEvents(); // updates the commands
+            QTest::keyClick(QApplication::focusWidget(), key, Qt::AltModifier | Qt::ShiftModifier);
+        };
+        for (const bool isGrid : {true, false}) {
+            f.set.setImageListModeToBrowser(isGrid);
+            (isGrid ? static_cast<QWidget &>(f.grid) : f.table).setFocus();
+            press(Qt::Key_Up);
+            QCOMPARE(shownNames(f.set), u"a c b"_qs);
+            QCOMPARE(f.set.selection().selectedIndexes(), IndexList({1}));
+            press(Qt::Key_Down);
+            QCOMPARE(shownNames(f.set), u"a b c"_qs);
+            press(Qt::Key_Down);
+            QCOMPARE(shownNames(f.set), u"a b c"_qs);
+        }
+        QVERIFY(!f.isEnabled(ActionId::MovePhotosDown));
+        QVERIFY(f.window.actions().action(ActionId::MovePhotosDown)->toolTip().contains(u"last"));
+        QCOMPARE(names(applied.wPresetsApplied()), u"one two"_qs);
+
+        f.find<QWidget>("wPresetsAppliedTable").setFocus();
+        press(Qt::Key_Up);
+        QCOMPARE(names(applied.wPresetsApplied()), u"two one"_qs);
+        QCOMPARE(shownNames(f.set), u"a b c"_qs);
+    }
+
+    /// A long table shows the selected photo after a new order, and otherwise stays where it is.
+    void sortsALongTable()
+    {
+        ShownWindow f;
+        f.set.setImageListModeToBrowser(false);
+        ImageList many;
+        for (int i = 10'000; i > 0; --i)
+            many.push_back(std::make_shared<ImageObject>(u"/x/IMG_%1.jpg"_qs.arg(i), f.files.photos));
+        f.set.addImages(many);
+        f.set.selection().select({500}, ImageSelection::kNone); // a focus would load a photo
+        f.table.scrollTo(f.table.model()->index(500, 0));
+        const auto isSelectionVisible = [&] {
+            const QModelIndex row = f.table.model()->index(f.set.selection().selectedIndexes().first(), 0);
+            return f.table.viewport()->rect().contains(f.table.visualRect(row).center());
+        };
+        const int scrolledTo = f.table.verticalScrollBar()->value();
+        QVERIFY(scrolledTo > 0);
+        QCoreApplication::processEvents();
+        f.window.actions().run(ActionId::MovePhotosUp);
+        QCOMPARE(f.table.verticalScrollBar()->value(), scrolledTo);
+
+        f.window.actions().run(ActionId::SortByName);
+        QTRY_COMPARE(f.set.images()->back(), many.front());
+        QCOMPARE(f.set.selection().selectedIndexes(), IndexList({9'499}));
+        QVERIFY(isSelectionVisible());
+        QElapsedTimer timer;
+        timer.start();
+        f.window.actions().run(ActionId::ReverseOrder);
+        QCoreApplication::processEvents();
+        qInfo() << "ms for a new order of 10,000 photos:" << timer.elapsed();
+        QVERIFY(*f.set.images() == many);
+        QVERIFY(isSelectionVisible());
+    }
+};
+
+QTEST_MAIN(WindowCommandsTest)
+#include "windowcommands_test.moc"
