@@ -12,6 +12,7 @@
 #include <QDebug>
 #include <QFileInfo>
 
+#include <new>
 #include <utility>
 
 namespace plexa
@@ -182,7 +183,7 @@ bool PresetsStore::createListFromExamples(Kind kind) const
 }
 
 bool PresetsStore::readPresets(Kind kind, Slot slot)
-{
+try {
     const QString path = presetsFileNameForWatermark(kind, slot);
     PresetsFileReading reading;
     QString warning;
@@ -211,6 +212,11 @@ bool PresetsStore::readPresets(Kind kind, Slot slot)
         listState(kind).isChanged = wasChanged;
     }
     return isGood;
+} catch (const std::bad_alloc &) {
+    // Its presets are unknown: the file is backed up before another one is written.
+    found(kind, slot) = Found::Unreadable;
+    warn(tr("Cannot read the presets file"), tr("There is not enough memory for its presets."));
+    return false;
 }
 
 /// @return the text of the report
@@ -285,8 +291,7 @@ void PresetsStore::setSavingPresetsInFile(const SavingPresetList &presets)
 
 void PresetsStore::adopt(const PresetsFileReading &reading, Kind kind, Slot slot)
 {
-    const bool isEmpty = kind == Kind::Watermark ? reading.wPresets.empty() : reading.savingPresets.empty();
-    if (isEmpty)
+    if (kind == Kind::Watermark ? reading.wPresets.empty() : reading.savingPresets.empty())
         return;
     if (kind == Kind::Watermark && slot == Slot::Quick) {
         m_quickWPreset = reading.wPresets.front();
@@ -372,7 +377,7 @@ std::optional<PresetsStore::Imported> PresetsStore::importPresetsFromFile(const 
 
 std::optional<PresetsStore::Imported> PresetsStore::importPresets(const PresetsFileReading &reading,
                                                                   Kind kind)
-{
+try {
     if (!reading.hasList || reading.code != ReadCode::Success) {
         warn(tr("Presets import failed"),
              reading.code == ReadCode::LaterVersion
@@ -398,6 +403,9 @@ std::optional<PresetsStore::Imported> PresetsStore::importPresets(const PresetsF
     if (!unwritable.isEmpty())
         imported.notes.append(unkept(unwritable));
     return imported;
+} catch (const std::bad_alloc &) {
+    warn(tr("Presets import failed"), tr("There is not enough memory for its presets."));
+    return std::nullopt;
 }
 
 bool PresetsStore::importExamplePresets(Kind kind)

@@ -530,7 +530,10 @@ private Q_SLOTS:
         narrowShadow.shadowBlur = 4;
         narrowShadow.image =
             WatermarkPicture::fromImage(QImage(40, 200, QImage::Format_ARGB32_Premultiplied));
-        for (const WPresetValues &values : {textPreset(QString(400, u'W')), logo, wideShadow, narrowShadow}) {
+        // Thousands of marks at one place.
+        const WPresetValues pile = textPreset(QString(3000, QChar(0x0489)));
+        for (const WPresetValues &values :
+             {textPreset(QString(400, u'W')), pile, logo, wideShadow, narrowShadow}) {
             int calls = 0;
             int last = std::numeric_limits<int>::max();
             const auto outcome = [&] {
