@@ -93,7 +93,7 @@ QWidget *ImageListPane::makeButtonRow()
 void ImageListPane::prepareSearchField()
 {
     m_searchField->setObjectName(QStringLiteral("searchField"));
-    m_searchField->setPlaceholderText(tr("Search names"));
+    m_searchField->setPlaceholderText(tr("Search"));
     m_searchField->setAccessibleName(tr("Search"));
     m_searchField->setToolTip(tr("Show only photos whose names contain this text"));
     m_searchField->setClearButtonEnabled(true);
@@ -104,8 +104,8 @@ void ImageListPane::prepareSearchField()
         m_searchField->addAction(m_actions.action(ActionId::Find)->icon(), QLineEdit::LeadingPosition);
     find->setText(tr("Search"));
     connect(find, &QAction::triggered, this, &ImageListPane::startSearch);
-    m_searchField->setMinimumWidth(90);
-    m_searchField->setMaximumWidth(220);
+    m_searchField->setMinimumWidth(24 * look::kSmallGap);
+    m_searchField->setMaximumWidth(56 * look::kSmallGap);
     m_searchField->setAcceptDrops(false); // the window accepts files; the field would insert their addresses
     m_searchField->installEventFilter(this);
 }

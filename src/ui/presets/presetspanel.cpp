@@ -45,6 +45,20 @@ QToolButton *makeTextButton(CommandActions &actions, ActionId id, const QString 
     return button;
 }
 
+/// How the single watermark is changed.
+QLabel *makeQuickHint()
+{
+    auto *const hint = new QLabel(PresetsPanel::tr(
+        "Every photo gets this one watermark. To use another one, select a preset in Presets "
+        "and choose Load into Single Watermark from the Watermark menu."));
+    hint->setObjectName(QStringLiteral("quickWPresetHint"));
+    hint->setWordWrap(true);
+    QPalette palette = hint->palette();
+    palette.setColor(QPalette::WindowText, look::kSecondaryText);
+    hint->setPalette(palette);
+    return hint;
+}
+
 } // namespace
 
 PresetsPanel::PresetsPanel(AppController &controller, CommandActions &actions, QWidget *parent)
@@ -61,6 +75,9 @@ PresetsPanel::PresetsPanel(AppController &controller, CommandActions &actions, Q
     , m_quickContainer(new QWidget)
 {
     m_quickContainer->setObjectName(QStringLiteral("quickWPresetContainer"));
+    auto *const quickLayout = new QVBoxLayout(m_quickContainer);
+    quickLayout->setContentsMargins(0, 0, 0, 0);
+    quickLayout->addWidget(makeQuickHint(), 0, Qt::AlignTop);
     m_modeContainer->addWidget(m_quickContainer);
     m_modeContainer->addWidget(makePresetsView());
     m_allModel->follow(controller.presetsStore().wPresetList());

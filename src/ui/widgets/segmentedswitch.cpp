@@ -15,7 +15,7 @@ namespace plexa
 namespace
 {
 
-constexpr int kIconSide = 16;
+constexpr int kIconSide = 20;
 
 QString lookOfParts()
 {
@@ -39,7 +39,7 @@ QPushButton[end="last"] { border-top-right-radius: 4px; border-bottom-right-radi
 QIcon whiteIfChecked(const QIcon &icon)
 {
     QIcon both;
-    for (const int scale : {1, 2, 3}) {
+    for (const double scale : {1.0, 1.5, 2.0, 3.0}) {
         const QPixmap plain = icon.pixmap(QSize(kIconSide, kIconSide), scale);
         both.addPixmap(plain, QIcon::Normal, QIcon::Off);
         QPixmap white = plain;

@@ -25,6 +25,7 @@
 #include <QHBoxLayout>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QWindow>
@@ -225,7 +226,7 @@ void MainWindow::connectCommands()
 
 void MainWindow::restoreGeometryFromSettings()
 {
-    resize(kFirstSize);
+    resize(kFirstSize.boundedTo(screen()->availableSize()));
     restoreGeometry(storedState(m_services.defaults, kGeometryKey));
     m_imageViewBrowserSplitView->restoreState(storedState(m_services.defaults, kSplitKey));
     m_panelSplitView->restoreState(storedState(m_services.defaults, kPanelSplitKey));
