@@ -23,9 +23,9 @@ class FontCatalog;
 struct PresetsFileReading;
 
 /// The user's presets and their files: a list and a quick preset of each kind, four files in the support
-/// folder. A file that cannot be read is never lost: it is backed up before it is replaced. A changed list, or
-/// quick watermark preset, is saved after a second. Other processes may use the same files at the same time; the last one to save wins.
-/// Main thread, with an event loop.
+/// folder. A file that cannot be read is never lost: it is backed up before it is replaced. A changed list,
+/// or quick watermark preset, is saved after a second. Other processes may use the same files at the same
+/// time; the last one to save wins. Main thread, with an event loop.
 class PresetsStore final : public QObject
 {
     Q_OBJECT
@@ -151,7 +151,7 @@ private:
     std::array<FileState, 2> m_listStates;            ///< by kind
     FileState m_quickWPresetState;
     QTimer m_saveTimer;
-    QTimer m_quickSaveTimer; ///< since the last change
+    QTimer m_quickSaveTimer;            ///< since the last change
     QSet<qint64> m_savingPresetsInFile; ///< the IDs in the list's file, as far as known
     QSet<qint64> m_toldUnwritable;      ///< the IDs of presets that no file can hold and that were reported
 };

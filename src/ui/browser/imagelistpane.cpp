@@ -29,6 +29,7 @@ namespace plexa
 ImageListPane::ImageListPane(const Services &services, QWidget *parent)
     : QWidget(parent)
     , m_set(services.controller.imageSet())
+    , m_status(services.controller.statusManager())
     , m_actions(services.actions)
     , m_searchField(new QLineEdit)
     , m_imageListContainer(new QStackedWidget)
@@ -183,7 +184,7 @@ void ImageListPane::connectBrowser()
                          [&browser] { browser.zoomBrowser(ImageBrowserViewController::Zoom::In); });
     m_actions.setHandler(ActionId::BrowserZoomOut,
                          [&browser] { browser.zoomBrowser(ImageBrowserViewController::Zoom::Out); });
-    m_actions.setHandler(ActionId::CopyImages, [&browser] { browser.copy(); });
+    m_actions.setHandler(ActionId::CopyImages, [this] { copyImages(); });
     m_actions.setHandler(ActionId::ToggleFilenames, [this] {
         m_browserController->setShowBrowserFilenames(!m_imageBrowser->showFilenames());
     });
@@ -206,6 +207,15 @@ void ImageListPane::connectBrowser()
     m_actions.setHandler(ActionId::ToggleThumbnailWatermarks,
                          [&browser] { browser.setShowsWatermarks(!browser.showsWatermarks()); });
     connect(&browser, &ImageBrowserViewController::showsWatermarksChanged, marks, &QAction::setChecked);
+}
+
+/// Nothing in sight changes: other programs ask for the copies when they are pasted.
+void ImageListPane::copyImages()
+{
+    m_browserController->copy();
+    const qsizetype count = m_set.selection().selectedIndexes().size();
+    m_status.notify(count == 1 ? tr("One photo is ready to be pasted")
+                               : tr("%1 photos are ready to be pasted").arg(count));
 }
 
 void ImageListPane::showMode(bool isBrowser)

@@ -22,6 +22,7 @@ class ImageListView;
 class ImageSet;
 class MessagePage;
 class SegmentedSwitch;
+class StatusManager;
 class UserDefaults;
 class ZoomSlider;
 
@@ -62,11 +63,13 @@ private:
     QWidget *makeZoomRow();
     void connectSet(AppController &controller);
     void connectBrowser();
+    void copyImages();
     void showMode(bool isBrowser);
     void showView();
     bool endSearch(int key);
 
     ImageSet &m_set;
+    StatusManager &m_status;
     CommandActions &m_actions;
     QLineEdit *const m_searchField;
     QStackedWidget *const m_imageListContainer;

@@ -157,17 +157,23 @@ QStringList textTokensOf(const QList<FieldPiece> &pieces, const QSet<QString> &v
     return tokens;
 }
 
-QMimeData *piecesToMimeData(const QList<FieldPiece> &pieces)
+QString plainTextOf(const QList<FieldPiece> &pieces)
 {
     QString text;
+    for (const FieldPiece &piece : pieces)
+        text += piece.isPill ? inBraces(piece.text) : piece.text;
+    return text;
+}
+
+QMimeData *piecesToMimeData(const QList<FieldPiece> &pieces)
+{
     QJsonArray array;
     for (const FieldPiece &piece : pieces) {
-        text += piece.isPill ? inBraces(piece.text) : piece.text;
         array.append(piece.isPill ? QJsonValue(QJsonObject{{QStringLiteral("token"), piece.text}})
                                   : QJsonValue(piece.text));
     }
     auto *const data = new QMimeData;
-    data->setText(text);
+    data->setText(plainTextOf(pieces));
     data->setData(piecesMimeType(), QJsonDocument(array).toJson(QJsonDocument::Compact));
     return data;
 }

@@ -49,7 +49,10 @@ QList<FieldPiece> readPieces(const QTextDocument &document, int from, int to);
 /// The list of tokens and literal texts that pieces show.
 QStringList textTokensOf(const QList<FieldPiece> &pieces, const QSet<QString> &vocabulary);
 
-/// The pieces for the clipboard and drags: plain text with the names in braces for other programs, and a form
+/// The names of the tokens in braces.
+QString plainTextOf(const QList<FieldPiece> &pieces);
+
+/// The pieces for the clipboard and drags: plain text for other programs, and a form
 /// of our own. @return owned by the caller
 QMimeData *piecesToMimeData(const QList<FieldPiece> &pieces);
 

@@ -2,6 +2,7 @@
 
 #include "ui/editors/tokenfieldwithinsertpopup.h"
 
+#include "ui/editors/tokenfieldaccessible.h"
 #include "ui/editors/tokenfieldcompletion.h"
 #include "ui/editors/tokenfieldpill.h"
 #include "ui/widgets/plaintooltip.h"
@@ -16,6 +17,7 @@
 #include <QToolButton>
 #include <QToolTip>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -28,6 +30,16 @@ constexpr int kFewestLines = 3;
 constexpr int kUsualLines = 4;
 constexpr int kMargin = 4;       // around the text
 constexpr int kLineDistance = 4; // pills of two lines do not touch
+constexpr int kLongWord = 1000;  // characters
+
+bool hasLongWord(const QString &text)
+{
+    qsizetype length = 0;
+    return std::any_of(text.begin(), text.end(), [&length](QChar character) {
+        length = character.isSpace() ? 0 : length + 1;
+        return length > kLongWord;
+    });
+}
 
 } // namespace
 
@@ -36,10 +48,10 @@ TokenFieldWithInsertPopup::TokenFieldWithInsertPopup(QWidget *parent)
     , m_pill(new TokenFieldPill(*this))
     , m_completion(new TokenFieldCompletion(*this))
 {
+    TokenFieldAccessible::install();
     setAcceptRichText(false);
     setTabChangesFocus(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     setAccessibleName(tr("Text with tokens"));
     setToolTip(tr("Text and tokens. Type { for a list of the tokens."));
     document()->setDocumentMargin(kMargin);
@@ -97,13 +109,25 @@ void TokenFieldWithInsertPopup::showPieces(const QList<FieldPiece> &pieces)
     QTextBlockFormat format;
     format.setLineHeight(heightOfLine(), QTextBlockFormat::MinimumHeight);
     cursor.setBlockFormat(format);
-    insertPieces(cursor, pieces);
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    insert(cursor, pieces);
     setUndoRedoEnabled(true);
     m_isShowingPieces = false;
-    if (hasFocus()) // a shortened text, for example
+    if (hasFocus()) { // a shortened text, for example
         cursor.setPosition(std::min(caret, cursor.position()));
-    setTextCursor(cursor);
+        setTextCursor(cursor);
+    }
     documentChanged();
+}
+
+void TokenFieldWithInsertPopup::insert(QTextCursor &cursor, const QList<FieldPiece> &pieces)
+{
+    // The layout of one word takes a time that grows with the square of its length if it seeks its end.
+    if (std::any_of(pieces.begin(), pieces.end(),
+                    [](const FieldPiece &piece) { return hasLongWord(piece.text); }))
+        setWordWrapMode(QTextOption::WrapAnywhere);
+    insertPieces(cursor, pieces);
+    setTextCursor(cursor);
 }
 
 QList<FieldPiece> TokenFieldWithInsertPopup::shownPieces() const
@@ -136,9 +160,7 @@ void TokenFieldWithInsertPopup::insertToken(const QString &name)
     if (!m_vocabulary.contains(name) || isReadOnly())
         return;
     QTextCursor cursor = textCursor();
-    insertPieces(cursor, {{name, true}});
-    setTextCursor(cursor);
-    ensureCursorVisible();
+    insert(cursor, {{name, true}});
     setFocus(Qt::OtherFocusReason);
 }
 
@@ -178,9 +200,7 @@ void TokenFieldWithInsertPopup::insertFromMimeData(const QMimeData *source)
     if (!canInsertFromMimeData(source) || isReadOnly())
         return;
     QTextCursor cursor = textCursor();
-    insertPieces(cursor, piecesFromMimeData(*source, m_vocabulary));
-    setTextCursor(cursor);
-    ensureCursorVisible();
+    insert(cursor, piecesFromMimeData(*source, m_vocabulary));
 }
 
 void TokenFieldWithInsertPopup::keyPressEvent(QKeyEvent *event)

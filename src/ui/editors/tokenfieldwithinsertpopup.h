@@ -48,6 +48,9 @@ public:
     /// caret yet. Ignores names outside the vocabulary.
     void insertToken(const QString &name);
 
+    /// The parts of the text with their positions in the document.
+    QList<FieldPiece> shownPieces() const;
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
@@ -74,7 +77,8 @@ protected:
 private:
     void documentChanged();
     void showPieces(const QList<FieldPiece> &pieces);
-    QList<FieldPiece> shownPieces() const;
+    /// Replaces the selection of `cursor`, and sets it as the caret.
+    void insert(QTextCursor &cursor, const QList<FieldPiece> &pieces);
     qreal heightOfLine() const;
     int heightOfLines(int lines) const;
     /// From left to right, in the document.

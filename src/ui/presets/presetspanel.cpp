@@ -114,7 +114,7 @@ QWidget *PresetsPanel::makePresetsView()
     m_appliedTable->setWhatsThis(tr("The presets that are drawn on the photos, in this order. Drag them into "
                                     "another order; double-click one to edit it."));
     m_appliedTable->setAllowsReordering();
-    m_appliedTable->setEmptyHint(tr("No preset is applied yet"));
+    m_appliedTable->setEmptyHint(tr("No preset is applied yet.\nSelect one below and press Apply."));
     m_allTable->setObjectName(QStringLiteral("wPresetsAllTable"));
     m_allTable->setAccessibleName(tr("All presets"));
     m_allTable->setWhatsThis(tr("All watermark presets. Press Enter to apply the selected ones; "

@@ -115,6 +115,7 @@ void CommandActions::fillMenuBar(QMenuBar *bar)
 
 void CommandActions::fillImageMenu(QMenu *menu)
 {
+    menu->setToolTipsVisible(true);
     bool startsGroup = false;
     for (const CommandRow &row : commandTable()) {
         startsGroup = startsGroup || row.startsGroup;

@@ -56,7 +56,12 @@ void connectPhotos(CommandActions &actions, AppController &controller)
 
     using Presets = AppController::Presets;
     const auto copyAndReset = [&](ActionId copy, ActionId reset, Presets presets) {
-        actions.setHandler(copy, [&controller, presets] { controller.copyManualPositioning(presets); });
+        actions.setHandler(copy, [&controller, presets] {
+            controller.copyManualPositioning(presets);
+            controller.statusManager().notify(
+                presets == Presets::All ? MainWindow::tr("Positions copied; select photos to paste them")
+                                        : MainWindow::tr("Position copied; select photos to paste it"));
+        });
         actions.setHandler(reset, [&controller, presets] { controller.resetManualPositioning(presets); });
     };
     copyAndReset(ActionId::CopyPosition, ActionId::ResetPosition, Presets::Current);

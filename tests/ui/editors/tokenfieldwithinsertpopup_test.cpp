@@ -7,6 +7,7 @@
 #include "ui/editors/tokenfieldwithinsertpopup.h"
 #include "watermark/texttokens.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QDrag>
@@ -16,6 +17,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <array>
 #include <cmath>
 #include <functional>
 
@@ -366,6 +368,60 @@ private Q_SLOTS:
         QTest::mouseClick(&menu, Qt::LeftButton, {}, menu.actionGeometry(city).center());
         QCOMPARE(f.field.textTokens(), QStringList(u"city"_qs));
         QVERIFY(f.field.hasFocus());
+    }
+
+    void marksWhatIsExpanded()
+    {
+        Field f;
+        const auto shows = [&f](const QColor &color) {
+            const QImage image = f.field.grab().toImage();
+            int pixels = 0;
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x)
+                    pixels += image.pixelColor(x, y).rgb() == color.rgb() ? 1 : 0;
+            }
+            return pixels > 20;
+        };
+        const PillColors pill = pillColors(f.field.palette(), QPalette::Active, false);
+        const PillColors selected = pillColors(f.field.palette(), QPalette::Active, true);
+        f.type(u"tit"_qs);
+        QVERIFY(!shows(pill.fill));
+        f.type(u"le"_qs); // a token without a pill
+        QVERIFY(shows(pill.fill));
+        f.type(u":"_qs);
+        QVERIFY(!shows(pill.fill));
+        f.item(u"city"_qs)->trigger();
+        QVERIFY(shows(pill.fill));
+        // The name of a selected pill is not covered.
+        f.key(Qt::Key_A, Qt::ControlModifier);
+        QVERIFY(!shows(pill.fill) && shows(selected.fill) && shows(selected.text));
+    }
+
+    void readsPillsByTheirNames()
+    {
+        Field f(list(u"a|city|/b"_qs));
+        QAccessibleInterface *const accessible = QAccessible::queryAccessibleInterface(&f.field);
+        QAccessibleTextInterface *const text = accessible->textInterface();
+        QCOMPARE(accessible->text(QAccessible::Value), u"a{city}\nb"_qs);
+        QVERIFY(accessible->state().editable && accessible->state().focused && accessible->state().multiLine);
+        QCOMPARE(text->text(2, 6), u"city"_qs);
+        QCOMPARE(text->characterCount(), 9);
+        const std::array offsets{0, 1, 7, 8, 9}; // of the five positions of the caret
+        for (int i = 0; i < 5; ++i) {
+            f.moveCaret(i);
+            QCOMPARE(text->cursorPosition(), offsets[static_cast<std::size_t>(i)]);
+        }
+        text->setSelection(0, 1, 4); // ends inside the pill
+        QCOMPARE(f.field.textCursor().selectedText().size(), 1);
+        int start = 0;
+        int end = 0;
+        text->selection(0, &start, &end);
+        QCOMPARE(start, 1);
+        QCOMPARE(end, 7);
+        QVERIFY(text->characterRect(1).width() > 3 * text->characterRect(8).width());
+        QCOMPARE(text->offsetAtPoint(text->characterRect(1).center() - QPoint(9, 0)), 1);
+        accessible->editableTextInterface()->replaceText(1, 7, u"x"_qs);
+        QCOMPARE(f.field.textTokens(), list(u"ax/b"_qs));
     }
 
     /// Against the formula of WCAG 2.1, in 8 bits.

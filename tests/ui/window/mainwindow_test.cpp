@@ -124,14 +124,40 @@ private Q_SLOTS:
         QVERIFY(emptyPage.isVisible());
     }
 
+    void positionsHaveWords()
+    {
+        ShownWindow f;
+        f.addPhotos(words("a.png"));
+        f.set.selection().selectAll();
+        QTimer::singleShot(0, [&] {
+            auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            QVERIFY(menu);
+            QStringList texts;
+            for (const QAction *const action : menu->actions())
+                texts.append(action->text().remove(u'&'));
+            menu->close();
+            QCOMPARE(texts.join(u'|'), u"Copy Position|Copy All Positions|Paste Positions||Reset Position|"
+                                       "Reset All Positions"_qs);
+        });
+        QTest::mouseClick(&f.find<QAbstractButton>("positionButton"), Qt::LeftButton);
+        // Copying changes nothing in sight, so the status line reports it.
+        f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Single);
+        f.controller.appliedPresets().setQuickWPreset(namedPreset(u"a"_qs));
+        f.controller.placeWatermark(*f.set.images()->front(), {1, 1});
+        f.window.actions().run(ActionId::CopyPosition);
+        QCOMPARE(f.find<ElidedLabel>("statusHint").text(), u"Position copied; select photos to paste it"_qs);
+        f.window.actions().run(ActionId::CopyImages);
+        QCOMPARE(f.find<ElidedLabel>("statusHint").text(), u"One photo is ready to be pasted"_qs);
+    }
+
     void saysWhatIsMissing()
     {
         ShownWindow f;
         const auto &hint = f.find<ElidedLabel>("statusHint");
         QCOMPARE(hint.text(), u"Add photos to begin"_qs);
         f.controller.gathering().scanImagesAtPaths({f.files.photo("a.png")});
-        QTRY_COMPARE(hint.text(), u"Import finished"_qs);
-        f.window.actions().run(ActionId::ApplyPresets); // as the Return key does
+        QTRY_COMPARE(hint.accessibleName(), u"Import finished"_qs); // whose change is announced
+        f.window.actions().run(ActionId::ApplyPresets);             // as the Return key does
         QCOMPARE(hint.text(), reasonFor(Need::PresetSelection));
         f.find<QTimer>("noticeTimer").setInterval(0);
         QTRY_COMPARE(hint.text(), QString());
@@ -181,7 +207,7 @@ private Q_SLOTS:
         QCOMPARE(found, inOrder);
     }
 
-    void assistiveTechnologyKnowsTheSwitches()
+    void assistiveTechnologyKnowsTheGroups()
     {
         ShownWindow f;
         f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Single);
@@ -194,6 +220,15 @@ private Q_SLOTS:
             QCOMPARE(item->child(0)->role(), QAccessible::RadioButton);
             QVERIFY(item->child(0)->state().checked && !item->child(1)->state().checked);
         }
+        QStringList labeled;
+        for (QLabel *const label : f.window.findChildren<QLabel *>()) {
+            QAccessibleInterface *const item = QAccessible::queryAccessibleInterface(label);
+            for (const auto &[list, relation] : item->relations(QAccessible::Labelled)) {
+                labeled.append(list->object()->objectName());
+                QCOMPARE(list->text(QAccessible::Name), label->text());
+            }
+        }
+        QCOMPARE(labeled, words("wPresetsAppliedTable wPresetsAllTable"));
     }
 
     void fitsTheSmallestScreen()
