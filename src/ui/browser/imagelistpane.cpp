@@ -284,6 +284,7 @@ bool ImageListPane::eventFilter(QObject *object, QEvent *event)
             m_imageBrowser->cellForIndex(m_imageBrowser->focusImageIndex()); // before the new layout
         if (cell && seen.intersects(*cell))
             QTimer::singleShot(0, m_imageBrowser, &ImageBrowserView::scrollFocusImageToVisible);
+        m_browserController->gridDidResize();
     }
     return QWidget::eventFilter(object, event);
 }
