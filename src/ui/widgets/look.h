@@ -33,4 +33,9 @@ inline constexpr QColor kButtonHover(0xee, 0xf1, 0xf4);
 inline constexpr QColor kSeparator(0xcf, 0xd3, 0xd7);
 inline constexpr QColor kControlBorder(0xb9, 0xbe, 0xc4);
 
+inline constexpr QColor kPreviewGround(0xaa, 0xaa, 0xaa);
+inline constexpr QColor kPreviewText(0x33, 0x33, 0x33); ///< 5:1 on the ground of the preview
+inline constexpr QColor kCheckGray(0xe6, 0xe6, 0xe6);   ///< behind transparent pixels, beside white
+inline constexpr QColor kHintText(0x55, 0x55, 0x55);    ///< of a view without photos
+
 } // namespace plexa::look
