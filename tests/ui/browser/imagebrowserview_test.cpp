@@ -504,6 +504,8 @@ private Q_SLOTS:
         const QDrag *drag = begin(3);
         QVERIFY(drag);
         QVERIFY(drag->pixmap().width() > 100);
+        QVERIFY(drag->hotSpot().x() < 0 && drag->hotSpot().y() < 0); // beside the pointer
+        QVERIFY(std::abs(drag->pixmap().toImage().pixelColor(100, 50).alpha() - 153) <= 1); // 60 %
         QCOMPARE(grid.delegate.take(), QByteArray("focus 3<4; promised 3,4"));
         const int gap = barLightness();
         QCOMPARE(entered(viewport, drag->mimeData(), before10, both), Qt::MoveAction);
