@@ -53,6 +53,7 @@ TokenFieldWithInsertPopup::TokenFieldWithInsertPopup(QWidget *parent)
     setTabChangesFocus(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setAccessibleName(tr("Text with tokens"));
+    setPlaceholderText(tr("Type a text, or { for a token"));
     setToolTip(tr("Text and tokens. Type { for a list of the tokens."));
     document()->setDocumentMargin(kMargin);
     showPieces({});

@@ -10,11 +10,15 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QDrag>
+#include <QHelpEvent>
 #include <QMimeData>
 #include <QRandomGenerator>
 #include <QSignalSpy>
+#include <QTimer>
 #include <QToolButton>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 #include <array>
@@ -78,6 +82,14 @@ struct Field {
             key(Qt::Key_Right, modifiers);
     }
 
+    /// Of the caret, in the viewport.
+    QPoint placeOf(int position)
+    {
+        QTextCursor cursor(field.document());
+        cursor.setPosition(position);
+        return field.cursorRect(cursor).center();
+    }
+
     QAction *item(const QString &name)
     {
         for (const QAction *const submenu : button.menu()->actions()) {
@@ -106,6 +118,15 @@ struct Edit {
     Text before;
     Script script;
     Text after;
+};
+
+/// A click beside the caret before the only pill.
+struct PillClick {
+    Text name;
+    Text tokens;
+    int position = 0; // of the pill
+    int dx = 0;
+    bool isOnPill = true;
 };
 
 class TokenFieldWithInsertPopupTest : public QObject
@@ -311,20 +332,48 @@ private Q_SLOTS:
         f.window.grab();
     }
 
+    void clicksOnPills_data()
+    {
+        addRows<PillClick>({
+            {"left to right", "one |city| two", 4, 10},
+            {"last of the text", "one |city", 4, 35},
+            {"beside it", "one |city| two", 4, -4, false},
+            {"right to left", "שלום |city| עולם", 5, -10},
+            {"beside it, right to left", "שלום |city| עולם", 5, 4, false},
+            {"between directions", "one |city| עולם", 4, 10},
+            {"between directions, right to left", "שלום |city| one", 5, -10},
+            {"second line", "a//b|country", 4, 20},
+        });
+    }
+    void clicksOnPills()
+    {
+        const auto [name, tokens, position, dx, isOnPill] = currentRow<PillClick>();
+        Field f(list(tokens));
+        f.field.setValueOnPhoto([](const QString &token) { return token + u"!"_qs; });
+        const QPoint at = f.placeOf(position) + QPoint(dx, 0);
+        QWidget &view = *f.field.viewport();
+        QTest::mouseClick(&view, Qt::LeftButton, {}, at);
+        QCOMPARE(f.field.textCursor().hasSelection(), isOnPill);
+        QHelpEvent help(QEvent::ToolTip, at, view.mapToGlobal(at));
+        QApplication::sendEvent(&view, &help);
+        if (isOnPill) {
+            QCOMPARE(f.field.textCursor().selectionStart(), position);
+            QCOMPARE(f.field.textCursor().selectionEnd(), position + 1);
+            QVERIFY(QToolTip::text().contains(list(tokens)[1] + u"!"_qs));
+        }
+        f.type(u"x"_qs);
+        QCOMPARE(f.field.textTokens().contains(u"city"_qs) || f.field.textTokens().contains(u"country"_qs),
+                 !isOnPill);
+    }
+
     void movesAPillByThePointer()
     {
         Field f(list(u"one |city| two |country"_qs));
         QWidget &view = *f.field.viewport();
         const auto at = [&](int position, int dx) {
-            QTextCursor cursor(f.field.document());
-            cursor.setPosition(position);
-            return view.mapToGlobal(f.field.cursorRect(cursor).center() + QPoint(dx, 0));
+            return view.mapToGlobal(f.placeOf(position) + QPoint(dx, 0));
         };
         QVERIFY(QTest::qWaitForWindowExposed(&f.window));
-        QTest::mouseClick(&view, Qt::LeftButton, {}, view.mapFromGlobal(at(10, 20)));
-        QCOMPARE(f.field.textCursor().selectionStart(), 10); // the second pill
-        QCOMPARE(f.field.textCursor().selectionEnd(), 11);
-
         RealPointer pointer;
         pointer.moveTo(at(4, 15)); // on the first one
         pointer.press();
@@ -422,6 +471,20 @@ private Q_SLOTS:
         QCOMPARE(text->offsetAtPoint(text->characterRect(1).center() - QPoint(9, 0)), 1);
         accessible->editableTextInterface()->replaceText(1, 7, u"x"_qs);
         QCOMPARE(f.field.textTokens(), list(u"ax/b"_qs));
+    }
+
+    void insertsByTheContextMenu()
+    {
+        Field f(list(u"a"_qs));
+        QTimer::singleShot(0, &f.field, [] {
+            auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            QAction *const insert = menu->actions().constLast();
+            insert->menu()->actions().constFirst()->menu()->actions().constFirst()->trigger();
+            menu->close();
+        });
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, f.field.mapToGlobal(QPoint()));
+        QApplication::sendEvent(f.field.viewport(), &event);
+        QCOMPARE(f.field.textTokens(), list(u"a|copyright"_qs));
     }
 
     /// Against the formula of WCAG 2.1, in 8 bits.
