@@ -76,6 +76,10 @@ void StatusLineView::connectNotices()
             notice(tr("Import finished"));
     };
     connect(&m_controller.imageSet(), &ImageSet::imagesInserted, this, [this] { m_hasAdded = true; });
+    connect(&m_controller.imageSet(), &ImageSet::imagesRemoved, this, [this] {
+        if (m_controller.imageSet().images()->empty())
+            notice({}); // of photos that are no longer there
+    });
     connect(&gathering, &ImageGathering::scanFinished, this, announceEnd);
     connect(&gathering, &ImageGathering::importFinished, this, announceEnd);
 }

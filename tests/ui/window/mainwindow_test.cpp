@@ -157,7 +157,10 @@ private Q_SLOTS:
         QCOMPARE(hint.text(), u"Add photos to begin"_qs);
         f.controller.gathering().scanImagesAtPaths({f.files.photo("a.png")});
         QTRY_COMPARE(hint.accessibleName(), u"Import finished"_qs); // whose change is announced
-        f.window.actions().run(ActionId::ApplyPresets);             // as the Return key does
+        f.set.removeImages(ImageList(*f.set.images()));
+        QCOMPARE(hint.text(), u"Add photos to begin"_qs);
+        f.addPhotos(words("a.png"));
+        f.window.actions().run(ActionId::ApplyPresets); // as the Return key does
         QCOMPARE(hint.text(), reasonFor(Need::PresetSelection));
         f.find<QTimer>("noticeTimer").setInterval(0);
         QTRY_COMPARE(hint.text(), QString());
