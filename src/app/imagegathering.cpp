@@ -219,7 +219,11 @@ void ImageGathering::stopImportingImages()
 
 void ImageGathering::imageDelivered(const std::shared_ptr<ImageObject> &image, ImageImport::Outcome outcome)
 {
-    if (outcome == ImageImport::Outcome::Skipped || !m_set.contains(image.get()))
+    if (!m_set.contains(image.get())) {
+        image->releasePictures();
+        return;
+    }
+    if (outcome == ImageImport::Outcome::Skipped)
         return;
     if (outcome == ImageImport::Outcome::Unreadable) {
         m_unsupportedFiles.append(image->path());

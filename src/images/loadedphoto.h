@@ -74,7 +74,8 @@ public:
     void setMetadata(const ImageMetadata &metadata);
 
     void release();
-    void releaseThumbnail();
+    enum class Pictures { Thumbnail, All };
+    void releasePictures(Pictures which);
 
     /// Loads the photo, turns it, and forgets the places. @return false, with nothing changed, when that
     /// fails
