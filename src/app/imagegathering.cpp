@@ -43,6 +43,7 @@ ImageGathering::ImageGathering(ImageSet &set, const ImageSetServices &services)
         if (!m_isAdding)
             scanEnded();
     });
+    connect(&m_import, &ImageImport::loaded, this, &ImageGathering::imageLoaded);
     connect(&m_import, &ImageImport::delivered, this, &ImageGathering::imageDelivered);
     connect(&m_import, &ImageImport::finished, this, &ImageGathering::importEnded);
     connect(&set, &ImageSet::imageListModeChanged, this, &ImageGathering::importMissingImages);
@@ -79,6 +80,7 @@ void ImageGathering::startScan(const QStringList &paths)
     m_isStopRequested = false;
     m_nFound = 0;
     m_services.status.startOperation(StatusOperation::Counting);
+    m_import.setExpectsMore(true);
     m_scan.start([this, paths] {
         scan(paths);
         return true;
@@ -124,6 +126,8 @@ void ImageGathering::addFound(const QStringList &paths)
     addBatch();
     m_isAdding = false;
     m_services.status.setProgress(static_cast<float>(m_nFound), StatusOperation::Counting);
+    if (!m_isStopRequested)
+        importMissingImages();
     if (m_hasScanEnded)
         scanEnded();
 }
@@ -178,6 +182,7 @@ void ImageGathering::scanEnded()
 {
     m_isScanning = false;
     m_services.status.endOperation(StatusOperation::Counting);
+    m_import.setExpectsMore(false);
     m_set.refreshImageList(ImageSet::Refresh::Full);
     // After the stop button, no further operation begins.
     if (!m_isStopRequested)
@@ -198,7 +203,7 @@ void ImageGathering::importMissingImages()
     }
     if (m_isImportingImages) {
         // It may have read the list for the last time already.
-        m_isImportWanted = true;
+        m_isImportWanted = m_isImportWanted || !m_import.loadJoined();
         return;
     }
     m_isImportingImages = true;
@@ -248,7 +253,8 @@ void ImageGathering::importEnded()
     m_imageBrowserUpdateTimer.stop();
     m_services.status.endOperation(StatusOperation::Importing);
     m_set.refreshImageList(ImageSet::Refresh::Full);
-    reportUnsupportedFiles();
+    if (!m_isScanning) // else there may be more
+        reportUnsupportedFiles();
     Q_EMIT importFinished();
 }
 

@@ -11,8 +11,8 @@ namespace plexa
 {
 
 /// Adds photos to the working set in the background: it walks over files and folders, applies the limit of
-/// Small Batch mode, loads the photos in that mode, and removes and reports the files that cannot be read.
-/// Main thread.
+/// Small Batch mode, in that mode loads the photos meanwhile, and removes and reports the files that cannot
+/// be read. Main thread.
 class ImageGathering final : public QObject
 {
     Q_OBJECT
@@ -32,10 +32,15 @@ public:
     void importMissingImages();
     bool isImportingImages() const { return m_isImportingImages; }
 
+    /// Loads these photos before the others, the first ones first.
+    void loadFirst(const ImageList &photos) { m_import.loadFirst(photos); }
+
     /// Ends scanning and importing at the next file. Added photos stay.
     void stopImportingImages();
 
 Q_SIGNALS:
+    /// A photo of the set can be shown.
+    void imageLoaded(const std::shared_ptr<plexa::ImageObject> &image);
     void scanFinished();
     void importFinished();
 

@@ -60,7 +60,7 @@ private:
     /// @return false if the photo is locked
     bool tryOn(const std::shared_ptr<ImageObject> &image)
     {
-        using enum ImageObject::LoadOutcome;
+        using enum LoadedPhoto::LoadOutcome;
         const auto outcome = m_job.loadsImages ? image->tryLoadImageFromDisk() : Unreadable;
         if (outcome == Busy || !image->tryLock())
             return false;

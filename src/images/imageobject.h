@@ -94,6 +94,9 @@ public:
     /// after releaseThumbnail().
     QImage thumbnail() const { return m_photo.thumbnail(); }
 
+    /// The same as `pixels`, with the facts and places that belong to it.
+    PhotoSnapshot thumbnailSnapshot() const { return m_photo.thumbnailSnapshot(); }
+
     /// None until the photo is loaded.
     std::optional<ImageMetadata> metadata() const { return m_photo.metadata(); }
     /// Sets edited metadata, which copies will carry.

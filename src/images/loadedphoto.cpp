@@ -390,6 +390,12 @@ QImage LoadedPhoto::thumbnail() const
     return m_thumbnail;
 }
 
+PhotoSnapshot LoadedPhoto::thumbnailSnapshot() const
+{
+    const std::lock_guard lock(m_stateLock);
+    return {lockedFacts(), m_origins, m_thumbnail};
+}
+
 std::optional<ImageMetadata> LoadedPhoto::metadata() const
 {
     const std::lock_guard lock(m_stateLock);

@@ -69,6 +69,7 @@ public:
 
     QImage cachedPixels() const;
     QImage thumbnail() const;
+    PhotoSnapshot thumbnailSnapshot() const;
 
     std::optional<ImageMetadata> metadata() const;
     void setMetadata(const ImageMetadata &metadata);

@@ -24,6 +24,7 @@ class UserDefaults;
     ROW(imageBrowserZoomFactor, TEXT("0.5"))                                                                 \
     ROW(imageBrowserShowsNames, TEXT("YES"))                                                                 \
     ROW(browserShowOriginalOnMouseOver, NONE)                                                                \
+    ROW(watermarksOnThumbnails, TEXT("YES"))                                                                 \
     ROW(combineAllAppliedPresetsInImage, TEXT("NO"))                                                         \
     ROW(saveAllToOneDirectory, TEXT("YES"))                                                                  \
     ROW(savingDirectory, PICTURES)                                                                           \

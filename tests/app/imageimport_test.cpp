@@ -140,6 +140,44 @@ private Q_SLOTS:
         QTRY_COMPARE(work.status.line().text, u"60 images"_qs);
     }
 
+    /// Urgent photos are loaded first, and reported in the order of the set all the same. The import waits
+    /// for further photos as long as more are expected.
+    void visibleOnesFirst()
+    {
+        auto &[work, set, gathering, mirror] = *m_gathered;
+        for (int i = 0; i < 8; ++i)
+            set.addImage(work.photo(u"%1.png"_qs.arg(i)), {});
+        ImageImport import(set, 1);
+        QStringList loaded;
+        QStringList delivered;
+        connect(&import, &ImageImport::loaded, this,
+                [&](const std::shared_ptr<ImageObject> &image) { loaded += image->filename(); });
+        connect(&import, &ImageImport::delivered, this,
+                [&](const std::shared_ptr<ImageObject> &image) { delivered += image->filename(); });
+        const QSignalSpy ends(&import, &ImageImport::finished);
+        const ImageList images = *set.images();
+        QVERIFY(!import.loadJoined());
+        images[0]->lock();
+        import.setExpectsMore(true);
+        import.start();
+        import.loadFirst({images[6], images[4]});
+        images[0]->unlock();
+        QTRY_COMPARE(delivered.size(), 8);
+        loaded.removeOne(u"0"_qs); // may have been begun before
+        QCOMPARE(loaded.join(u' '), u"6 4 1 2 3 5 7"_qs);
+        set.addImage(work.photo("8.png"), {});
+        QVERIFY(import.loadJoined());
+        QTRY_COMPARE(delivered.join(u' '), u"0 1 2 3 4 5 6 7 8"_qs);
+        QVERIFY(ends.isEmpty());
+        import.setExpectsMore(false);
+        QTRY_COMPARE(ends.size(), 1);
+        QVERIFY(!import.loadJoined());
+        // One that waits ends with its owner.
+        import.setExpectsMore(true);
+        import.start();
+        QTest::qWait(20);
+    }
+
     void stopsAndContinues()
     {
         auto &[work, set, gathering, mirror] = *m_gathered;

@@ -36,6 +36,10 @@ public:
     virtual void changedZoomFactorTo(float /*zoomFactor*/) {}
     virtual void rotatedSelectedImages90ClockWise(bool /*clockwise*/) {}
 
+    /// Other images can be seen, or in another size; [first, end).
+    /// @param side  of a cell, in device pixels
+    virtual void visibleImagesDidChangeTo(int /*first*/, int /*end*/, int /*side*/) {}
+
     /// Whether images may be dragged.
     virtual bool shouldDragPromisedFiles() { return false; }
     /// The files that a drag offers outside the grid; null: none.

@@ -228,6 +228,16 @@ void ImageBrowserView::paintEvent(QPaintEvent *event)
     if (numberImages() != m_geometry.count())
         fullRefresh();
     m_drawing->paint(event->rect());
+    reportVisibleImages();
+}
+
+void ImageBrowserView::reportVisibleImages()
+{
+    const GridGeometry::Range range = m_geometry.cellsInRows(visibleRect());
+    const std::array visible{range.first, range.end,
+                             qRound(m_geometry.cellSize() * viewport()->devicePixelRatioF())};
+    if (m_delegate && std::exchange(m_visible, visible) != visible)
+        m_delegate->visibleImagesDidChangeTo(range.first, range.end, visible[2]);
 }
 
 // ---- selection

@@ -8,6 +8,7 @@
 
 #include <QAbstractScrollArea>
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -114,6 +115,7 @@ protected:
 private:
     void computeGridAndFrame();
     void scrollTo(double top);
+    void reportVisibleImages();
 
     ImageBrowserDelegate *m_delegate = nullptr;
     std::shared_ptr<const ImageBrowserSource> m_images;
@@ -122,6 +124,7 @@ private:
     bool m_showFilenames = true;
     float m_zoomFactor = 0.5F;
     bool m_isComputing = false;
+    std::array<int, 3> m_visible{}; // as reported
 
     const std::unique_ptr<ImageBrowserDrags> m_drags;
     const std::unique_ptr<ImageBrowserInput> m_input;

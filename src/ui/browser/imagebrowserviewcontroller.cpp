@@ -24,20 +24,27 @@ namespace
 
 constexpr float kZoomStep = 0.1F;
 
+/// A drag shows thumbnails of this size, so they are kept at least as large; device pixels.
+constexpr int kMinThumbnailSide = 200;
+
 /// The photos of a list for a grid. Refers to the list, which may change; main thread.
 class PhotoSource final : public ImageBrowserSource
 {
 public:
-    /// @param photos  never null
-    explicit PhotoSource(std::shared_ptr<const ImageList> photos)
+    /// @param photos      never null
+    /// @param thumbnails  outlives this object
+    PhotoSource(std::shared_ptr<const ImageList> photos, const Thumbnails &thumbnails)
         : m_photos(std::move(photos))
+        , m_thumbnails(thumbnails)
     {
     }
 
     int count() const override { return static_cast<int>(m_photos->size()); }
     QString filename(int index) const override { return at(index).filename(); }
-    /// A photo has one thumbnail for both kinds.
-    QImage thumbnail(int index, ThumbnailKind) const override { return at(index).thumbnail(); }
+    QImage thumbnail(int index, ThumbnailKind kind) const override
+    {
+        return kind == ThumbnailKind::Original ? at(index).thumbnail() : m_thumbnails.thumbnail(at(index));
+    }
     /// @param image  an ImageObject
     int indexOf(const void *image) const override
     {
@@ -50,6 +57,7 @@ private:
     const ImageObject &at(int index) const { return *(*m_photos)[static_cast<std::size_t>(index)]; }
 
     const std::shared_ptr<const ImageList> m_photos;
+    const Thumbnails &m_thumbnails;
 };
 
 } // namespace
@@ -60,6 +68,9 @@ ImageBrowserViewController::ImageBrowserViewController(AppController &app, Image
     , m_view(view)
     , m_defaults(defaults)
     , m_threads(threads)
+    // Half of the cores: the preview is drawn at the same time.
+    , m_thumbnails(app.photoServices().fonts, std::max(1, threads / 2), Thumbnails::Photos::Loaded)
+    , m_showsWatermarks(defaults.boolForKey(settings::watermarksOnThumbnails))
     , m_folders(std::make_shared<PrivateFolders>())
     , m_progress(std::make_shared<CopyProgress>(app.statusManager()))
     , m_cleaning([] { PrivateFolders::removeLeftovers(); })
@@ -68,6 +79,7 @@ ImageBrowserViewController::ImageBrowserViewController(AppController &app, Image
     view.setAllowCopying(false);
     followShowOriginalOnMouseOver();
     showList();
+    followPresets();
     followZoomAndNames();
     connectAll();
 }
@@ -75,7 +87,8 @@ ImageBrowserViewController::ImageBrowserViewController(AppController &app, Image
 ImageBrowserViewController::~ImageBrowserViewController()
 {
     m_view.setDelegate(nullptr);
-    if (m_onClipboard) // the photos on it need objects that are destroyed after this one
+    m_view.setImages(nullptr); // which refer to the thumbnails
+    if (m_onClipboard)         // the photos on it need objects that are destroyed after this one
         QGuiApplication::clipboard()->clear();
 }
 
@@ -97,7 +110,13 @@ void ImageBrowserViewController::connectAll()
             &ImageBrowserViewController::takeSelection);
     connect(&m_app, &AppController::stopAllWanted, this, [this] { m_progress->stop(); });
     connect(&m_app, &AppController::imageOutdated, this,
-            [this](const std::shared_ptr<ImageObject> &image) { m_view.refreshImage(image.get()); });
+            [this](const std::shared_ptr<ImageObject> &image) { m_thumbnails.outdate(image.get()); });
+    connect(&m_app.gathering(), &ImageGathering::imageLoaded, this,
+            [this](const std::shared_ptr<ImageObject> &image) { m_thumbnails.outdate(image.get()); });
+    connect(&m_thumbnails, &Thumbnails::changed, this,
+            [this](const ImageObject *image) { m_view.refreshImage(image); });
+    connect(&m_app, &AppController::previewOutdated, this, &ImageBrowserViewController::followPresets);
+    connect(&set, &ImageSet::imageListModeChanged, this, &ImageBrowserViewController::followVisibleImages);
 }
 
 // ---- from the set to the grid
@@ -107,10 +126,52 @@ void ImageBrowserViewController::showList()
     const QScopedValueRollback following(m_isFollowing, true);
     const auto list = m_app.imageSet().imagesFiltered();
     if (m_list != list.get())
-        m_view.setImages(std::make_shared<PhotoSource>(list));
+        m_view.setImages(std::make_shared<PhotoSource>(list, m_thumbnails));
     m_list = list.get();
     m_view.fullRefresh();
     takeSelection();
+    followVisibleImages();
+}
+
+void ImageBrowserViewController::visibleImagesDidChangeTo(int first, int end, int side)
+{
+    m_firstVisible = first;
+    m_endVisible = end;
+    m_cellSide = side;
+    followVisibleImages();
+}
+
+/// The visible photos first, then those after and before them.
+void ImageBrowserViewController::followVisibleImages()
+{
+    Thumbnails::Wanted wanted;
+    wanted.side = std::max(m_cellSide, kMinThumbnailSide);
+    if (m_app.imageSet().imageListIsInBrowserMode()) {
+        const ImageList &list = *m_app.imageSet().imagesFiltered();
+        const auto at = [&](int index) { return list.begin() + std::min(index, int(list.size())); };
+        const auto first = at(m_firstVisible);
+        const auto end = at(m_endVisible);
+        wanted.visible.assign(first, end);
+        wanted.others.assign(end, list.end());
+        wanted.others.insert(wanted.others.end(), std::reverse_iterator(first),
+                             std::reverse_iterator(list.begin()));
+    }
+    m_app.gathering().loadFirst(wanted.visible);
+    m_thumbnails.setWanted(std::move(wanted));
+}
+
+void ImageBrowserViewController::followPresets()
+{
+    m_thumbnails.setPresets(m_showsWatermarks ? m_app.appliedPresets().effectivePresetsNow()
+                                              : std::vector<AppliedPreset>());
+}
+
+void ImageBrowserViewController::setShowsWatermarks(bool shows)
+{
+    m_showsWatermarks = shows;
+    m_defaults.setObject(settings::watermarksOnThumbnails, shows);
+    followPresets();
+    Q_EMIT showsWatermarksChanged(shows);
 }
 
 void ImageBrowserViewController::takeSelection()

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "app/thumbnails.h"
 #include "ui/browser/imagebrowserdelegate.h"
 
 #include <QMimeData>
@@ -39,6 +40,11 @@ public:
     /// One step.
     void zoomBrowser(Zoom direction);
     void setShowBrowserFilenames(bool show);
+    bool showsWatermarks() const { return m_showsWatermarks; }
+    /// On the thumbnails; stored in the settings.
+    void setShowsWatermarks(bool shows);
+    /// The pictures of the grid.
+    const Thumbnails &thumbnails() const { return m_thumbnails; }
     /// Read settings that may have changed.
     void followZoomAndNames();
     void followShowOriginalOnMouseOver();
@@ -50,6 +56,7 @@ public:
     void receivedDraggedFiles(const QStringList &paths) override;
     void movedIndexes(const QList<int> &indexes, int toIndex) override;
     void changedZoomFactorTo(float zoomFactor) override { setBrowserZoomFactor(zoomFactor); }
+    void visibleImagesDidChangeTo(int first, int end, int side) override;
     bool shouldDragPromisedFiles() override { return true; }
     std::unique_ptr<FilePromise> promisedFiles(const QList<int> &indexes) override;
     void copy() override;
@@ -58,6 +65,7 @@ Q_SIGNALS:
     /// For the slider and the zoom buttons; emitted even if unchanged.
     void browserZoomFactorChanged(float zoomFactor);
     void showBrowserFilenamesChanged(bool shown);
+    void showsWatermarksChanged(bool shown);
     /// Files for a drag or the clipboard could not be written: "path: reason", one line for each. Emitted
     /// from the event loop, so that a message may be shown.
     void copiesFailed(const QStringList &failures);
@@ -65,6 +73,8 @@ Q_SIGNALS:
 private:
     void connectAll();
     void showList();
+    void followPresets();
+    void followVisibleImages();
     void reportSelection();
     void takeSelection();
     bool saveInto(const std::vector<std::shared_ptr<ImageObject>> &photos, const QString &folder);
@@ -73,6 +83,11 @@ private:
     ImageBrowserView &m_view;
     UserDefaults &m_defaults;
     const int m_threads;
+    Thumbnails m_thumbnails;
+    bool m_showsWatermarks;
+    int m_firstVisible = 0; // of the shown photos
+    int m_endVisible = 0;
+    int m_cellSide = 0;                              // device pixels
     const std::shared_ptr<PrivateFolders> m_folders; // for the clipboard
     QPointer<QMimeData> m_onClipboard;
     const std::shared_ptr<CopyProgress> m_progress;

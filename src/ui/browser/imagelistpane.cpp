@@ -157,6 +157,13 @@ void ImageListPane::connectBrowser()
     };
     connect(&browser, &ImageBrowserViewController::showBrowserFilenamesChanged, this, showNames);
     showNames(m_imageBrowser->showFilenames());
+
+    QAction *const marks = m_actions.action(ActionId::ToggleThumbnailWatermarks);
+    marks->setCheckable(true);
+    marks->setChecked(browser.showsWatermarks());
+    m_actions.setHandler(ActionId::ToggleThumbnailWatermarks,
+                         [&browser] { browser.setShowsWatermarks(!browser.showsWatermarks()); });
+    connect(&browser, &ImageBrowserViewController::showsWatermarksChanged, marks, &QAction::setChecked);
 }
 
 void ImageListPane::showMode(bool isBrowser)

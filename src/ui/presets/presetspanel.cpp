@@ -172,7 +172,7 @@ void PresetsPanel::connectLists()
     connect(m_allTable, &PresetListView::selectedRowsChanged, &m_actions, &CommandActions::scheduleUpdate);
     for (const auto &[table, model] : {std::pair(m_appliedTable, m_appliedModel), {m_allTable, m_allModel}})
         connect(table, &QAbstractItemView::doubleClicked, this,
-                [this, model](const QModelIndex &index) { doubleMouseClick(index, *model); });
+                [this, model = model](const QModelIndex &index) { doubleMouseClick(index, *model); });
 }
 
 void PresetsPanel::connectCommands(PresetsStore &store)

@@ -4,7 +4,7 @@
 
 #include "images/strips.h"
 #include "raster/resampling.h"
-#include "watermark/watermarkdrawing.h"
+#include "watermark/screenmarks.h"
 
 #include <algorithm>
 #include <functional>
@@ -31,7 +31,7 @@ public:
     using Deliver = std::function<void(const PreviewPicture &)>;
 
     explicit Work(const FontCatalog &fonts)
-        : m_fonts(fonts)
+        : m_marks(fonts)
     {
     }
 
@@ -39,7 +39,7 @@ public:
     bool draw(const PreviewRequest &request, const Deliver &deliver, const CancelCheck &isCanceled)
     {
         const bool isSamePhoto = m_photoVersion == request.photoVersion;
-        if (!isSamePhoto || m_layer != request.layer)
+        if (!isSamePhoto)
             m_marks.clear();
         if (!isSamePhoto || m_layer != request.layer || m_part != request.part || isBetterWanted(request)) {
             if (!isSamePhoto && request.quality == PreviewRequest::Quality::Screen)
@@ -57,13 +57,6 @@ public:
     }
 
 private:
-    /// A watermark that is drawn now.
-    struct Mark {
-        WPresetValues values;
-        std::optional<QPointF> origin; ///< by hand
-        Result<std::optional<WatermarkDrawing>> drawing;
-    };
-
     bool isBetterWanted(const PreviewRequest &request) const
     {
         return request.quality == PreviewRequest::Quality::Full && !m_isFull;
@@ -95,8 +88,6 @@ private:
         const QImage bare = resampledPart(snapshot->pixels, request.layer, request.part, isCanceled);
         if (bare.isNull())
             return fail(outOfMemoryText());
-        if (snapshot->facts.pixelSize() != m_facts.pixelSize())
-            m_marks.clear();
         m_bare = bare;
         m_facts = snapshot->facts;
         m_isFull = snapshot->pixels.size() == m_facts.pixelSize();
@@ -110,53 +101,19 @@ private:
     PreviewPicture marked(const PreviewRequest &request, const CancelCheck &isCanceled)
     {
         PreviewPicture picture{m_bare.copy(), request.layer, request.part, request.serial, false, {}, {}};
-        m_marks.resize(std::min(m_marks.size(), request.presets.size()));
-        for (std::size_t i = 0; i < request.presets.size(); ++i) {
-            const AppliedPreset &preset = request.presets[i];
-            std::optional<QPointF> origin =
-                request.photo->customWatermarkRectOriginForWPreset(preset.preset.get());
-            if (i == 0 && request.draggedTo)
-                origin = request.draggedTo;
-            prepare(i, {preset.values, origin}, request.layer, isCanceled);
-            const Result<std::optional<WatermarkDrawing>> &drawing = m_marks[i].drawing;
-            if (!drawing) {
-                picture.messages.append(drawing.error().text);
-            } else if (*drawing) {
-                if (!picture.image.isNull())
-                    (*drawing)->drawRows(picture.image, request.part.top(), request.part.left());
-                picture.messages.append((*drawing)->notices());
-                if (i == 0)
-                    picture.watermarkRect = (*drawing)->layout().rect;
-            }
-        }
+        std::vector<MarkOrder> orders;
+        for (const AppliedPreset &preset : request.presets)
+            orders.push_back(
+                {preset.values, request.photo->customWatermarkRectOriginForWPreset(preset.preset.get())});
+        if (!orders.empty() && request.draggedTo)
+            orders.front().customOrigin = request.draggedTo;
+        ScreenMarks::Drawn drawn =
+            m_marks.draw(picture.image, request.part.topLeft(), request.layer, m_facts, orders, isCanceled);
+        picture.watermarkRect = drawn.firstRect;
+        picture.messages = std::move(drawn.messages);
         return picture;
     }
 
-    /// Makes m_marks[index] the watermark of that order, by moving it where that is enough.
-    void prepare(std::size_t index, const MarkOrder &order, QSize layer, const CancelCheck &isCanceled)
-    {
-        if (index < m_marks.size() && m_marks[index].values == order.values && m_marks[index].drawing) {
-            Mark &mark = m_marks[index];
-            if (mark.origin == order.customOrigin)
-                return;
-            if (order.customOrigin && *mark.drawing) {
-                if (Result<WatermarkDrawing> moved = (*mark.drawing)->movedTo(*order.customOrigin)) {
-                    mark.drawing = std::optional(std::move(*moved));
-                    mark.origin = order.customOrigin;
-                    return;
-                }
-            }
-        }
-        m_marks.erase(m_marks.begin() + std::ptrdiff_t(std::min(index, m_marks.size())), m_marks.end());
-        // The longer side: the sides of the layer are rounded.
-        const QSize photo = m_facts.pixelSize();
-        const double scale = std::min(1.0, double(std::max(layer.width(), layer.height())) /
-                                               std::max(photo.width(), photo.height()));
-        m_marks.push_back({order.values, order.customOrigin,
-                           WatermarkDrawing::prepare(order, m_facts, m_fonts, {scale, isCanceled})});
-    }
-
-    const FontCatalog &m_fonts;
     // Photos must be destroyed on the main thread, so none is kept here.
     static constexpr int kNone = -1;
     int m_photoVersion = kNone; // that m_bare shows
@@ -165,7 +122,7 @@ private:
     bool m_isFull = false; // m_bare is made of all pixels
     QImage m_bare;
     PhotoFacts m_facts;
-    std::vector<Mark> m_marks; // of m_facts and m_layer
+    ScreenMarks m_marks; // of that photo
 };
 
 PreviewRenderer::PreviewRenderer(const FontCatalog &fonts)

@@ -61,6 +61,7 @@ std::vector<CommandRow> makeTable()
         {BrowserZoomIn, M::View, true, "browserZoomIn", TEXT("&Larger Thumbnails"), TEXT("Show larger thumbnails"), "Alt++; Alt+=", "add", {N::SmallBatchMode, N::RoomToZoomIn}},
         {BrowserZoomOut, M::View, false, "browserZoomOut", TEXT("&Smaller Thumbnails"), TEXT("Show smaller thumbnails"), "Alt+-", "remove", {N::SmallBatchMode, N::RoomToZoomOut}},
         {ToggleFilenames, M::View, false, "toggleFilenames", TEXT("Hide File&names in Browser"), TEXT("Show or hide the file names under the thumbnails"), "", "", {N::SmallBatchMode}},
+        {ToggleThumbnailWatermarks, M::View, false, "toggleThumbnailWatermarks", TEXT("&Watermarks on Thumbnails"), TEXT("Show the watermarks on the thumbnails"), "", "", {N::SmallBatchMode}},
         {SortByName, M::View, true, "sortByName", TEXT("Sort by Na&me"), TEXT("Sort all photos by their file names, 2 before 10"), "", "", {N::Photos, N::SeveralPhotos, N::NoSorting}},
         {SortByDate, M::View, false, "sortByDate", TEXT("Sort by Capture &Date"), TEXT("Sort all photos by the dates on which they were taken; photos without a date come last"), "", "", {N::Photos, N::SeveralPhotos, N::NoSorting}},
         {ReverseOrder, M::View, false, "reverseOrder", TEXT("&Reverse Order"), TEXT("Make the last photo the first one"), "", "", {N::Photos, N::SeveralPhotos, N::NoSorting}},

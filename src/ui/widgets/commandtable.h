@@ -53,6 +53,7 @@ enum class ActionId {
     BrowserZoomIn,
     BrowserZoomOut,
     ToggleFilenames,
+    ToggleThumbnailWatermarks,
     SortByName,
     SortByDate,
     ReverseOrder,

@@ -26,7 +26,7 @@ QByteArray fullBox(const char *type, const QByteArray &payload)
 
 /// A file with items, of which the first has extents and, so many times, a property.
 QByteArray fileOf(const QByteArray &extents, int extentCount, const QByteArray &property = box("irot", "\1"),
-                  int links = 1, int items = 1, bool isHidden = false)
+                  int links = 1, int items = 1, bool isHidden = false, const QByteArray &references = {})
 {
     QByteArray info;
     for (int id = 1; id <= items; ++id)
@@ -39,7 +39,8 @@ QByteArray fileOf(const QByteArray &extents, int extentCount, const QByteArray &
     return fullBox(
         "meta",
         fullBox("pitm", big16(1)) + fullBox("iinf", big16(1) + info) + fullBox("iloc", location) +
-            box("iprp", box("ipco", property) + fullBox("ipma", big32((links + 249) / 250) + associations)));
+            box("iprp", box("ipco", property) + fullBox("ipma", big32((links + 249) / 250) + associations)) +
+            fullBox("iref", references));
 }
 
 std::optional<HeifItems> itemsOf(QByteArray file)
@@ -111,6 +112,13 @@ private Q_SLOTS:
               {auxiliary("urn:mpeg:hevc:2015:auxid:2"), 1, false, {QStringLiteral("depth map")}},
               {auxiliary("urn:com:photo:2020:aux:hdrgainmap"), 1, false, {QStringLiteral("gain map")}}})
             QCOMPARE(itemsOf(fileOf({}, 0, property, 1, items, isHidden))->furtherPictures(), names);
+        // The second is a part of the first, or its preview.
+        for (const auto &[type, links, names] :
+             {std::tuple("dimg", big16(1) + big16(1) + big16(2), QStringList()),
+              {"thmb", big16(2) + big16(1) + big16(1), {QStringLiteral("preview")}}})
+            QCOMPARE(
+                itemsOf(fileOf({}, 0, box("free", {}), 1, 2, false, box(type, links)))->furtherPictures(),
+                names);
     }
 
     void numbersAreLimited()

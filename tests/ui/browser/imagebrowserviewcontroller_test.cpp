@@ -2,6 +2,8 @@
 
 #include "ui/browser/filepromise.h"
 #include "ui/browser/imagebrowserdelegate.h"
+#include "ui/browser/imagebrowserviewcontroller.h"
+#include "ui/browser/imagelistpane.h"
 #include "ui/shownwindow.h"
 
 #include <QClipboard>
@@ -94,6 +96,72 @@ private Q_SLOTS:
         QTest::keyClick(&browser.grid, Qt::Key_Backspace);
         QCOMPARE(browser.grid.numberImages(), 0);
         QVERIFY(browser.isSelected({}, -1));
+    }
+
+    /// The grid shows them over the thumbnails, where they are on the photo, and not below the pointer if the
+    /// user wants that.
+    void watermarksOnThumbnails()
+    {
+        Browser browser;
+        QTRY_VERIFY(isIdle(browser.controller.gathering()));
+        browser.controller.gathering().importMissingImages();
+        QTRY_VERIFY(isIdle(browser.controller.gathering()));
+        const Thumbnails &thumbnails =
+            browser.window.findChild<ImageListPane *>()->browserController().thumbnails();
+        WPreset &preset = *browser.presets.quickWPreset();
+        preset.setFillColor(Qt::red);
+        preset.setWidth(90);
+        preset.setFontSize(40);
+        preset.setOpacity(100);
+        constexpr int None = 0, Above = 1, Below = 2;
+        const auto mark = [&](int index) {
+            if (!QTest::qWaitFor([&] { return thumbnails.isIdle(); }))
+                return -1;
+            QTest::qWait(20); // drawn again
+            const QRect cell = browser.grid.viewportRect(*browser.grid.cellForIndex(index)).toRect();
+            const QImage seen = browser.grid.viewport()->grab().toImage().copy(cell);
+            double sum = 0;
+            int count = 0;
+            for (int y = 0; y < seen.height(); ++y) {
+                for (int x = 0; x < seen.width(); ++x) {
+                    const QColor color = seen.pixelColor(x, y);
+                    if (color.red() > color.green() + 40) {
+                        sum += y;
+                        ++count;
+                    }
+                }
+            }
+            return count < 5 ? None : sum / count < seen.height() * 0.45 ? Above : Below;
+        };
+        QCOMPARE(mark(0), Below);
+        browser.click(0);
+        browser.controller.placeWatermark(*browser.set.images()->front(), {2, 34});
+        QCOMPARE(mark(0), Above);
+        QCOMPARE(mark(1), Below);
+        browser.window.actions().run(ActionId::CopyPosition);
+        browser.click(1);
+        browser.window.actions().run(ActionId::PastePositions);
+        QTRY_COMPARE(mark(1), Above);
+        browser.window.actions().run(ActionId::ResetPosition);
+        QCOMPARE(mark(1), Below);
+        browser.click(0);
+        browser.window.actions().run(ActionId::Turn180);
+        QTRY_COMPARE(mark(0), Below);
+
+        browser.grid.setShowsOriginalOnMouseOver(true);
+        QTest::mouseMove(browser.grid.viewport(),
+                         browser.grid.viewportRect(*browser.grid.cellForIndex(1)).center().toPoint());
+        QCOMPARE(mark(1), None);
+        QCOMPARE(mark(0), Below);
+
+        QAction *const action = browser.window.actions().action(ActionId::ToggleThumbnailWatermarks);
+        QVERIFY(action->isChecked());
+        for (const bool isOn : {false, true}) {
+            action->trigger();
+            QCOMPARE(action->isChecked(), isOn);
+            QCOMPARE(browser.files.defaults.boolForKey(settings::watermarksOnThumbnails), isOn);
+            QCOMPARE(mark(0), isOn ? Below : None);
+        }
     }
 
     /// The clipboard offers a file for each photo and preset, and the first of them in several formats.

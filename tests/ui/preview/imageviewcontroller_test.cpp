@@ -67,6 +67,24 @@ struct Preview : ShownWindow {
         isSettled = QTest::qWaitFor([this] { return !controller.isBusy(); });
     }
 
+    /// Is there a line of black and white dashes along the upper side of the watermark's rectangle?
+    bool hasOutline() const
+    {
+        const double ratio = view.devicePixelRatioF();
+        const QRectF rect = view.geometry().imageToView(view.watermarkRect());
+        const QRect side = QRectF(rect.topLeft() * ratio, QSizeF(rect.width() * ratio, 1)).toRect();
+        const QImage line = pixelsOf(view.grab().toImage()).copy(side.adjusted(0, -2, 0, 2));
+        int black = 0;
+        int white = 0;
+        for (int y = 0; y < line.height(); ++y) {
+            for (int x = 0; x < line.width(); ++x) {
+                black += line.pixel(x, y) == qRgb(0, 0, 0);
+                white += line.pixel(x, y) == qRgb(255, 255, 255);
+            }
+        }
+        return black * 4 > side.width() && white * 4 > side.width();
+    }
+
     QPoint middle() const { return view.rect().center(); }
     QPoint onMark() const { return view.geometry().imageToView(view.watermarkRect()).center().toPoint(); }
     std::optional<QPointF> origin() const
@@ -287,6 +305,9 @@ private Q_SLOTS:
         Preview preview;
         // A click pins the watermark where it is.
         const QRectF before = preview.view.watermarkRect();
+        QVERIFY(!preview.hasOutline());
+        preview.move(preview.middle());
+        QVERIFY(preview.hasOutline());
         QTest::mouseClick(&preview.view, Qt::LeftButton, {}, preview.onMark());
         QCOMPARE(preview.origin(), before.topLeft());
         QVERIFY(isNear(preview.controller.zoomFactor(), 0));

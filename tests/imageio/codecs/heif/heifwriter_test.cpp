@@ -150,6 +150,20 @@ private Q_SLOTS:
         }
     }
 
+    /// From quality 90 on, each pixel has its own color.
+    void colorIsReducedBelowQuality90()
+    {
+        const QImage stripes = paintedPicture({64, 64}, QImage::Format_RGB32, [](int x, int) {
+            return x % 2 ? qRgb(220, 60, 60) : qRgb(60, 60, 220);
+        });
+        const QString path = m_folder.path("stripes.heic");
+        for (const double quality : {0.89, 0.9}) {
+            QVERIFY(writePicture(path, kHeic, stripes,
+                                 {{u"kCGImageDestinationLossyCompressionQuality"_s, quality}}));
+            QCOMPARE(meanDifference(decodedElsewhere(path), stripes) < 15, quality >= 0.9);
+        }
+    }
+
     void recordsMoveToXmp()
     {
         PLEXA_NEEDS_PHOTOS();
