@@ -213,6 +213,14 @@ void ImageGathering::importMissingImages()
     m_import.start();
 }
 
+void ImageGathering::importRestoredImages()
+{
+    if (m_isImportingImages && m_set.imageListIsInBrowserMode())
+        m_isImportWanted = true;
+    else
+        importMissingImages();
+}
+
 void ImageGathering::stopImportingImages()
 {
     m_isStopRequested = true;

@@ -58,7 +58,7 @@ protected:
         if (set.imageListIsInBrowserMode() && count > ImageSet::kMaxImagesInBrowserMode)
             set.setImageListModeToBrowser(false);
         set.restoreImages(m_removal);
-        models().gathering.importMissingImages();
+        models().gathering.importRestoredImages();
         return true;
     }
     bool repeat() override { return models().set.removeAgain(m_removal); }

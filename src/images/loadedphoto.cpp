@@ -37,8 +37,7 @@ LoadedPhoto::~LoadedPhoto()
 
 void LoadedPhoto::dropPictures()
 {
-    m_services.cache.remove(m_key);
-    m_services.cache.remove(m_reducedKey);
+    removeCachedPixels();
     m_thumbnail = {};
     m_hasImage = false;
 }
@@ -360,10 +359,8 @@ void LoadedPhoto::releasePictures(Pictures which)
         return;
     const std::lock_guard lock(m_stateLock);
     m_thumbnail = {};
-    if (which == Pictures::All) {
-        m_services.cache.remove(m_key);
-        m_services.cache.remove(m_reducedKey);
-    }
+    if (which == Pictures::All)
+        removeCachedPixels();
 }
 
 PhotoFacts LoadedPhoto::facts() const
