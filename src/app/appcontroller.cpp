@@ -87,7 +87,7 @@ void AppController::rememberPresets()
 {
     m_services.store.saveWPresets(PresetsStore::Slot::Quick);
     m_services.store.saveSavingPresets(PresetsStore::Slot::Quick);
-    m_services.store.saveChangedLists();
+    m_services.store.saveChanges();
     m_appliedPresets.rememberAppliedPresets();
 }
 

@@ -66,11 +66,15 @@ public:
     /// Updates the line later, on the main thread. Any thread.
     void update();
 
+    /// Shows a result or the reason of a refusal for some seconds, beside the line. Main thread.
+    void notify(const QString &text) { Q_EMIT noticed(text); }
+
     /// The line of the last update. Main thread.
     const StatusLine &line() const { return m_line; }
 
 Q_SIGNALS:
     void lineChanged();
+    void noticed(const QString &text);
 
 private:
     struct Entry {

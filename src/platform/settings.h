@@ -38,7 +38,8 @@ class UserDefaults;
     ROW(enableExifDataEditing, TEXT("NO"))                                                                   \
     ROW(runNumber, TEXT("0"))                                                                                \
     ROW(askForMASReview, TEXT("YES"))                                                                        \
-    ROW(askForFeedback, TEXT("YES"))
+    ROW(askForFeedback, TEXT("YES"))                                                                         \
+    ROW(hasExplainedClosing, TEXT("NO"))
 
 /// The keys of the settings, each under its own name: `settings::lastUsedMode`.
 namespace settings

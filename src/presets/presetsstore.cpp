@@ -92,14 +92,17 @@ PresetsStore::PresetsStore(Alerts &alerts, const FontCatalog &fonts, Places plac
     , m_places(std::move(places))
     , m_wPresets([&fonts] { return std::make_shared<WPreset>(fonts); })
     , m_savingPresets([] { return std::make_shared<SavingPreset>(); })
-    , m_quickWPreset(std::make_shared<WPreset>(fonts))
     , m_quickSavingPreset(std::make_shared<SavingPreset>())
 {
-    m_quickWPreset->setName(kQuickName);
     m_quickSavingPreset->setName(kQuickName);
-    m_saveTimer.setSingleShot(true);
-    m_saveTimer.setInterval(saveDelay);
-    connect(&m_saveTimer, &QTimer::timeout, this, &PresetsStore::saveChangedLists);
+    auto quickWPreset = std::make_shared<WPreset>(fonts);
+    quickWPreset->setName(kQuickName);
+    setQuickWPreset(std::move(quickWPreset));
+    for (QTimer *const timer : {&m_saveTimer, &m_quickSaveTimer}) {
+        timer->setSingleShot(true);
+        timer->setInterval(saveDelay);
+        connect(timer, &QTimer::timeout, this, &PresetsStore::saveChanges);
+    }
     observe(Kind::Watermark, m_wPresets);
     observe(Kind::Saving, m_savingPresets);
     connect(&m_savingPresets, &PresetListSignals::aboutToRemove, this, &PresetsStore::removeAssignments);
@@ -112,6 +115,18 @@ void PresetsStore::observe(Kind kind, PresetListSignals &list)
     connect(&list, &PresetListSignals::removed, this, changed);
     connect(&list, &PresetListSignals::moved, this, changed);
     connect(&list, &PresetListSignals::edited, this, changed);
+}
+
+/// Edits are steady while a slider moves, and the picture of a preset may be large.
+void PresetsStore::setQuickWPreset(std::shared_ptr<WPreset> preset)
+{
+    m_quickWPreset = std::move(preset);
+    connect(m_quickWPreset.get(), &WPreset::fieldChanged, this, [this, edited = m_quickWPreset.get()] {
+        if (edited != m_quickWPreset.get())
+            return;
+        m_quickWPresetState.isChanged = true;
+        m_quickSaveTimer.start();
+    });
 }
 
 void PresetsStore::listChanged(Kind kind)
@@ -289,7 +304,7 @@ void PresetsStore::adopt(const PresetsFileReading &reading, Kind kind, Slot slot
     if (isEmpty)
         return;
     if (kind == Kind::Watermark && slot == Slot::Quick) {
-        m_quickWPreset = reading.wPresets.front();
+        setQuickWPreset(reading.wPresets.front());
         Q_EMIT quickWPresetChanged();
     } else if (kind == Kind::Watermark) {
         m_wPresets.append(reading.wPresets);
@@ -311,6 +326,8 @@ Result<void> PresetsStore::save(Kind kind, Slot slot, const std::function<Result
     }
     if (slot == Slot::List)
         listState(kind) = {!saved, !saved};
+    else if (kind == Kind::Watermark)
+        m_quickWPresetState = {!saved, !saved};
     return logged(std::move(saved));
 }
 
@@ -346,18 +363,20 @@ Result<void> PresetsStore::saveSavingPresets(Slot slot)
     return saved;
 }
 
-void PresetsStore::saveChangedLists()
+void PresetsStore::saveChanges()
 {
     m_saveTimer.stop();
-    for (const Kind kind : {Kind::Saving, Kind::Watermark}) {
-        const ListState before = listState(kind);
-        if (!before.isChanged)
-            continue;
-        const Result<void> saved =
-            kind == Kind::Saving ? saveSavingPresets(Slot::List) : saveWPresets(Slot::List);
-        if (!saved && !before.isFailureTold)
+    m_quickSaveTimer.stop();
+    const auto save = [this](const FileState &state, const std::function<Result<void>()> &write) {
+        const bool isFailureTold = state.isFailureTold;
+        if (!state.isChanged)
+            return;
+        if (const Result<void> saved = write(); !saved && !isFailureTold)
             warn(tr("Cannot save the presets"), unsavedText(saved.error()));
-    }
+    };
+    save(listState(Kind::Saving), [this] { return saveSavingPresets(Slot::List); });
+    save(listState(Kind::Watermark), [this] { return saveWPresets(Slot::List); });
+    save(m_quickWPresetState, [this] { return saveWPresets(Slot::Quick); });
 }
 
 QString PresetsStore::unsavedText(const Error &error)
@@ -417,7 +436,9 @@ void PresetsStore::loadWPreset(const WPreset &preset)
     std::shared_ptr<WPreset> copy = preset.copy();
     copy->setName(kQuickName);
     copy->setAssignedSavingPreset({});
-    m_quickWPreset = std::move(copy);
+    setQuickWPreset(std::move(copy));
+    m_quickWPresetState.isChanged = true;
+    m_quickSaveTimer.start();
     Q_EMIT quickWPresetChanged();
 }
 

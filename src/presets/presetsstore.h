@@ -23,9 +23,9 @@ class FontCatalog;
 struct PresetsFileReading;
 
 /// The user's presets and their files: a list and a quick preset of each kind, four files in the support
-/// folder. A file that cannot be read is never lost: it is backed up before it is replaced. A changed list is
-/// saved within a second. Other processes may use the same files at the same time; the last one to save wins.
-/// Main thread, with an event loop.
+/// folder. A file that cannot be read is never lost: it is backed up before it is replaced. A changed list,
+/// or quick watermark preset, is saved after a second. Other processes may use the same files at the same
+/// time; the last one to save wins. Main thread, with an event loop.
 class PresetsStore final : public QObject
 {
     Q_OBJECT
@@ -44,7 +44,8 @@ public:
 
     /// The lists are empty and the quick presets are new ones until readAll(). The services outlive this
     /// object.
-    /// @param saveDelay  time from the first unsaved change of a list to its saving
+    /// @param saveDelay  time from the first unsaved change of a list, or the last one of the quick watermark
+    ///                   preset, to its saving
     PresetsStore(Alerts &alerts, const FontCatalog &fonts, Places places = Places::own(),
                  std::chrono::milliseconds saveDelay = std::chrono::seconds(1));
 
@@ -70,9 +71,10 @@ public:
     Result<void> saveWPresets(Slot slot);
     Result<void> saveSavingPresets(Slot slot);
 
-    /// Saves the lists that have changed since they were read or saved. Reports the first failure in a row.
-    void saveChangedLists();
-    /// The message about a list that cannot be saved.
+    /// Saves the lists and the quick watermark preset if they have changed since they were read or saved.
+    /// Reports the first failure in a row.
+    void saveChanges();
+    /// The message about presets that cannot be saved.
     static QString unsavedText(const Error &error);
 
     /// The result of an import.
@@ -116,20 +118,21 @@ private:
     /// The state of a file on the disk: PartlyRead contains more than this object.
     enum class Found { Whole, PartlyRead, Unreadable };
 
-    /// The state of a list.
-    struct ListState {
-        bool isChanged = false;     ///< since it was read or saved
+    /// The state of a file whose presets are edited.
+    struct FileState {
+        bool isChanged = false;     ///< the presets, since they were read or saved
         bool isFailureTold = false; ///< the last saving failed
     };
 
     void observe(Kind kind, PresetListSignals &list);
     void listChanged(Kind kind);
+    void setQuickWPreset(std::shared_ptr<WPreset> preset);
     void removeAssignments(int first, int last);
     PresetsFileReading readFile(const QString &path, Kind kind) const;
     bool createListFromExamples(Kind kind) const;
     QString backupWrongPresetsFile(const QString &path, ReadCode readingReturnCode);
     Found &found(Kind kind, Slot slot);
-    ListState &listState(Kind kind) { return m_listStates[static_cast<std::size_t>(kind)]; }
+    FileState &listState(Kind kind) { return m_listStates[static_cast<std::size_t>(kind)]; }
     Result<void> makeRoomForFile(Kind kind, Slot slot);
     Result<void> save(Kind kind, Slot slot, const std::function<Result<void>()> &write);
     SavingPresetList writableSavingPresets(QStringList &news);
@@ -145,8 +148,10 @@ private:
     std::shared_ptr<WPreset> m_quickWPreset;
     std::shared_ptr<SavingPreset> m_quickSavingPreset;
     std::array<std::array<Found, 2>, 2> m_found = {}; ///< by kind and slot
-    std::array<ListState, 2> m_listStates;            ///< by kind
+    std::array<FileState, 2> m_listStates;            ///< by kind
+    FileState m_quickWPresetState;
     QTimer m_saveTimer;
+    QTimer m_quickSaveTimer;            ///< since the last change
     QSet<qint64> m_savingPresetsInFile; ///< the IDs in the list's file, as far as known
     QSet<qint64> m_toldUnwritable;      ///< the IDs of presets that no file can hold and that were reported
 };

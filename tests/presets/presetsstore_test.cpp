@@ -149,18 +149,18 @@ private Q_SLOTS:
         };
         const auto store = start(std::chrono::hours(24));
         QVERIFY(QFile::remove(path("WPresets.pxwpr")) && QFile::remove(path("SPresets.pxspr")));
-        store->saveChangedLists(); // nothing has changed
+        store->saveChanges(); // nothing has changed
         QCOMPARE(files(), unsaved);
         store->wPresetList().insertNew({0});
         store->savingPresets().front()->setName(u"Web"_s);
         QCoreApplication::processEvents();
         QCOMPARE(files(), unsaved);
-        store->saveChangedLists();
+        store->saveChanges();
         QCOMPARE(savedNames(), u"Example New Preset Another Web"_s);
         store->wPresetList().move({1}, 0);
-        store->saveChangedLists();
+        store->saveChanges();
         store->savingPresetList().remove({0});
-        store->saveChangedLists();
+        store->saveChanges();
         QCOMPARE(savedNames(), u"New Preset Example Another"_s);
 
         // The timer saves them, too.
@@ -169,6 +169,10 @@ private Q_SLOTS:
         QTRY_COMPARE(savedNames(), u"Another"_s);
         eager->wPresets().front()->setName(u"Edited"_s);
         QTRY_COMPARE(savedNames(), u"Edited"_s);
+        eager->quickWPreset()->setOpacity(41);
+        QTRY_COMPARE(start()->quickWPreset()->opacity(), 41);
+        eager->loadWPreset(*eager->wPresets().front());
+        QTRY_COMPARE(start()->quickWPreset()->opacity(), 100);
     }
 
     void aFailureIsReportedOnce()
@@ -180,18 +184,18 @@ private Q_SLOTS:
             m_alerts->expect(u"Cannot save the presets"_s);
             for (int edit = 0; edit < 3; ++edit) {
                 store->wPresetList().insertNew({});
-                store->saveChangedLists();
+                store->saveChanges();
             }
             QVERIFY(m_alerts->shown().last().text.contains(list));
             // It is tried again, and a failure after a success is another one.
             QVERIFY(QDir(list).removeRecursively());
-            store->saveChangedLists();
+            store->saveChanges();
             QVERIFY(QFileInfo(list).isFile());
         }
         // A caller that gets the failure reports it.
         QVERIFY(QFile::remove(list) && QDir().mkpath(list + u"/in the way"_s));
         QVERIFY(!store->saveWPresets(Slot::List));
-        store->saveChangedLists();
+        store->saveChanges();
     }
 
     void removedSavingPresets()

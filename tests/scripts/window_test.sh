@@ -77,6 +77,15 @@ wait_until() { # WHAT COMMAND...
 
 has_ended() { ! kill -0 "$program" 2>/dev/null; }
 is_hidden() { [[ -z $(xdotool search --onlyvisible --name '^Plexa$') ]]; }
+find_box() { box=$(xdotool search --onlyvisible --name '^Plexa$' | grep -vx "$window"); }
+
+# Closes the window; the program explains that it keeps running and asks.
+answer_first_close() { # KEY...
+    xdotool key ctrl+w
+    wait_until 'the first close was not explained' find_box
+    xdotool windowfocus --sync "$box" key "$@"
+}
+
 stores() { grep -qx "$1" "$settings"; }
 
 picture() { # NAME: of the screen, once it no longer changes
@@ -128,7 +137,7 @@ differ selected filtered
 # The program keeps running without its window; a second start shows it again, with its photos.
 xdotool windowsize --sync "$window" 1000 700
 sleep 0.5
-xdotool key ctrl+w
+answer_first_close Return
 wait_until 'the window was not closed' is_hidden
 ! has_ended || fail 'the program ended with its window'
 timeout 20 "$plexa" || fail 'the second start did not raise the window'
@@ -139,6 +148,16 @@ wait "$program" || fail "the program ended with status $?"
 stores 'runNumber=1' || fail 'the run was not counted'
 stores 'imageListIsInBrowserMode=false' || fail 'the batch mode was not stored'
 
+# The first close can also quit.
+sed -i '/^hasExplainedClosing=/d' "$settings"
+"$plexa" >"$work/plexa.txt" 2>&1 &
+program=$!
+wait_for_window 'the second time'
+answer_first_close Tab Return
+wait_until 'the first close did not quit' has_ended
+wait "$program" || fail "the program ended with status $?"
+stores 'hasExplainedClosing=true' || fail 'the first close would be explained again'
+
 # Without a session bus, each process runs for itself and ends with its window.
 env -u DBUS_SESSION_BUS_ADDRESS "$plexa" "$samples" >"$work/plexa.txt" 2>&1 &
 program=$!
@@ -147,7 +166,7 @@ wait_for_window 'without a session bus'
 xdotool key ctrl+w
 wait_until 'the program without a session bus did not end with its window' has_ended
 wait "$program" || fail "the program ended with status $?"
-stores 'runNumber=2' || fail 'the second run was not counted'
+stores 'runNumber=3' || fail 'the third run was not counted'
 [[ ! -s $work/plexa.txt ]] || fail 'the program printed messages'
 program=''
 echo 'all passed'

@@ -7,6 +7,9 @@
 #include "ui/browser/imagebrowserviewcontroller.h"
 #include "ui/browser/imagelistview.h"
 #include "ui/widgets/commandactions.h"
+#include "ui/widgets/look.h"
+#include "ui/widgets/messagepage.h"
+#include "ui/widgets/segmentedswitch.h"
 #include "ui/widgets/zoomslider.h"
 
 #include <QAction>
@@ -14,6 +17,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPushButton>
 #include <QResizeEvent>
 #include <QStackedWidget>
 #include <QTimer>
@@ -22,16 +26,10 @@
 namespace plexa
 {
 
-namespace
-{
-
-constexpr int kGroupGap = 10;
-
-} // namespace
-
 ImageListPane::ImageListPane(const Services &services, QWidget *parent)
     : QWidget(parent)
     , m_set(services.controller.imageSet())
+    , m_status(services.controller.statusManager())
     , m_actions(services.actions)
     , m_searchField(new QLineEdit)
     , m_imageListContainer(new QStackedWidget)
@@ -44,6 +42,8 @@ ImageListPane::ImageListPane(const Services &services, QWidget *parent)
 {
     m_imageListContainer->addWidget(m_imageBrowser);
     m_imageListContainer->addWidget(m_imageListTable);
+    m_noMatchPage = makeNoMatchPage();
+    m_imageListContainer->addWidget(m_noMatchPage);
     m_actions.fillImageMenu(m_imageMenu);
     m_imageListTable->setContextMenu(m_imageMenu);
     m_imageBrowser->setContextMenu(m_imageMenu);
@@ -70,12 +70,12 @@ QWidget *ImageListPane::makeButtonRow()
 {
     auto *const row = new QWidget;
     auto *const layout = new QHBoxLayout(row);
-    layout->setContentsMargins(8, 4, 8, 6);
-    layout->setSpacing(2);
+    layout->setContentsMargins(look::kGap, look::kSmallGap, look::kGap, look::kSmallGap);
+    layout->setSpacing(look::kSmallGap);
     const auto add = [&](std::initializer_list<ActionId> ids) {
         for (const ActionId id : ids)
             layout->addWidget(m_actions.makeButton(id, row));
-        layout->addSpacing(kGroupGap);
+        layout->addSpacing(look::kGap);
     };
     add({ActionId::AddImages, ActionId::AddFolder, ActionId::RemoveSelected});
     add({ActionId::TurnLeft, ActionId::TurnRight, ActionId::Turn180, ActionId::FlipHorizontal,
@@ -83,24 +83,67 @@ QWidget *ImageListPane::makeButtonRow()
     add({ActionId::ToggleMetadata});
     layout->addStretch(1);
 
+    prepareSearchField();
+    layout->addWidget(m_searchField, 2);
+    layout->addSpacing(look::kGap);
+    m_modeSwitch = makeModeSwitch();
+    layout->addWidget(m_modeSwitch);
+    return row;
+}
+
+void ImageListPane::prepareSearchField()
+{
     m_searchField->setObjectName(QStringLiteral("searchField"));
-    m_searchField->setPlaceholderText(tr("Search names"));
+    m_searchField->setPlaceholderText(tr("Search"));
     m_searchField->setAccessibleName(tr("Search"));
     m_searchField->setToolTip(tr("Show only photos whose names contain this text"));
     m_searchField->setClearButtonEnabled(true);
-    m_searchField->addAction(m_actions.action(ActionId::Find)->icon(), QLineEdit::LeadingPosition);
-    m_searchField->setMinimumWidth(90);
-    m_searchField->setMaximumWidth(220);
+    // The name of the button of the field that clears it.
+    for (QAction *const clear : m_searchField->findChildren<QAction *>())
+        clear->setText(tr("Clear the search"));
+    QAction *const find =
+        m_searchField->addAction(m_actions.action(ActionId::Find)->icon(), QLineEdit::LeadingPosition);
+    find->setText(tr("Search"));
+    connect(find, &QAction::triggered, this, &ImageListPane::startSearch);
+    m_searchField->setMinimumWidth(24 * look::kSmallGap);
+    m_searchField->setMaximumWidth(56 * look::kSmallGap);
     m_searchField->setAcceptDrops(false); // the window accepts files; the field would insert their addresses
     m_searchField->installEventFilter(this);
-    layout->addWidget(m_searchField, 2);
-    layout->addSpacing(kGroupGap);
+}
 
-    m_imageListModeButton = m_actions.makeButton(ActionId::SwitchBatchMode, row);
-    m_imageListModeButton->setObjectName(QStringLiteral("imageListModeButton"));
-    m_imageListModeButton->setCheckable(true);
-    layout->addWidget(m_imageListModeButton);
-    return row;
+SegmentedSwitch *ImageListPane::makeModeSwitch()
+{
+    auto *const modes = new SegmentedSwitch(tr("View of the photos"), this);
+    modes->setObjectName(QStringLiteral("imageListModeSwitch"));
+    const auto add = [&](const QString &text, const char *icon, const char *name, bool isBrowser) {
+        QPushButton *const part =
+            modes->addPart(text, QIcon(QStringLiteral(":/icons/%1.svg").arg(QLatin1String(icon))));
+        part->setObjectName(QLatin1String(name));
+        connect(part, &QAbstractButton::clicked, &m_set, [this, isBrowser] {
+            if (m_set.imageListIsInBrowserMode() != isBrowser)
+                m_set.setImageListModeToBrowser(isBrowser); // sends a signal even if it is refused
+        });
+        return part;
+    };
+    m_gridPart = add(tr("Grid"), "grid", "smallBatchButton", true);
+    m_listPart = add(tr("List"), "list", "imageListModeButton", false);
+    return modes;
+}
+
+/// In place of the photos if the search finds none.
+MessagePage *ImageListPane::makeNoMatchPage()
+{
+    auto *const page = new MessagePage(QStringLiteral("search"));
+    page->setObjectName(QStringLiteral("noMatchPage"));
+    auto *const showAll = new QPushButton(tr("Show All Photos"));
+    showAll->setObjectName(QStringLiteral("showAllPhotosButton"));
+    showAll->setToolTip(tr("Clear the search"));
+    connect(showAll, &QPushButton::clicked, this, [this] {
+        m_searchField->clear();
+        shownView()->setFocus();
+    });
+    page->addButton(showAll);
+    return page;
 }
 
 QWidget *ImageListPane::makeZoomRow()
@@ -109,8 +152,8 @@ QWidget *ImageListPane::makeZoomRow()
 
     auto *const row = new QWidget;
     auto *const layout = new QHBoxLayout(row);
-    layout->setContentsMargins(8, 1, 8, 1);
-    layout->setSpacing(4);
+    layout->setContentsMargins(look::kGap, look::kSmallGap, look::kGap, look::kSmallGap);
+    layout->setSpacing(look::kSmallGap);
     layout->addStretch();
     layout->addWidget(m_actions.makeButton(ActionId::BrowserZoomOut, row));
     layout->addWidget(m_browserZoomSlider);
@@ -129,6 +172,8 @@ void ImageListPane::connectSet(AppController &controller)
             m_searchField->setText(m_set.filterText());
     });
     connect(&m_set, &ImageSet::imageListModeChanged, this, &ImageListPane::showMode);
+    for (const auto changed : {&ImageSet::imagesInserted, &ImageSet::imagesRemoved, &ImageSet::listReset})
+        connect(&m_set, changed, this, &ImageListPane::showView);
     connect(m_imageListTable, &ImageListView::filesDropped, &controller, &AppController::addFiles);
     connect(m_imageListTable, &ImageListView::deletePressed, this,
             [this] { m_actions.run(ActionId::RemoveSelected); });
@@ -141,7 +186,7 @@ void ImageListPane::connectBrowser()
                          [&browser] { browser.zoomBrowser(ImageBrowserViewController::Zoom::In); });
     m_actions.setHandler(ActionId::BrowserZoomOut,
                          [&browser] { browser.zoomBrowser(ImageBrowserViewController::Zoom::Out); });
-    m_actions.setHandler(ActionId::CopyImages, [&browser] { browser.copy(); });
+    m_actions.setHandler(ActionId::CopyImages, [this] { copyImages(); });
     m_actions.setHandler(ActionId::ToggleFilenames, [this] {
         m_browserController->setShowBrowserFilenames(!m_imageBrowser->showFilenames());
     });
@@ -166,23 +211,49 @@ void ImageListPane::connectBrowser()
     connect(&browser, &ImageBrowserViewController::showsWatermarksChanged, marks, &QAction::setChecked);
 }
 
+/// Nothing in sight changes: other programs ask for the copies when they are pasted.
+void ImageListPane::copyImages()
+{
+    m_browserController->copy();
+    const qsizetype count = m_set.selection().selectedIndexes().size();
+    m_status.notify(count == 1 ? tr("One photo is ready to be pasted")
+                               : tr("%1 photos are ready to be pasted").arg(count));
+}
+
 void ImageListPane::showMode(bool isBrowser)
 {
-    const bool hadFocus = m_imageListContainer->isAncestorOf(focusWidget());
-    m_imageListContainer->setCurrentWidget(isBrowser ? static_cast<QWidget *>(m_imageBrowser)
-                                                     : m_imageListTable);
+    showView();
     m_zoomRow->setVisible(isBrowser);
     if (isBrowser)
         m_browserController->followZoomAndNames();
-    if (hadFocus || !focusWidget())
+    if (isVisible() && !focusWidget())
         shownView()->setFocus();
-    m_imageListModeButton->setChecked(!isBrowser);
-    if (isBrowser)
-        m_actions.setText(ActionId::SwitchBatchMode, tr("Switch to Large &Batch Mode"),
-                          tr("Switch to the Large Batch mode. Recommended if you work with many images."));
-    else
-        m_actions.setText(ActionId::SwitchBatchMode, tr("Switch to Small &Batch Mode"),
-                          tr("Switch to the Small Batch mode. Recommended if you work with fewer images."));
+    m_modeSwitch->check(isBrowser ? 0 : 1);
+    const QString other =
+        isBrowser ? tr("Switch to the Large Batch mode. Recommended if you work with many images.")
+                  : tr("Switch to the Small Batch mode. Recommended if you work with fewer images.");
+    m_actions.setText(ActionId::SwitchBatchMode,
+                      isBrowser ? tr("Switch to Large &Batch Mode") : tr("Switch to Small &Batch Mode"),
+                      other);
+    const QString withShortcut = m_actions.action(ActionId::SwitchBatchMode)->toolTip();
+    m_gridPart->setToolTip(isBrowser ? tr("Small Batch mode: the photos as thumbnails") : withShortcut);
+    m_listPart->setToolTip(isBrowser ? withShortcut : tr("Large Batch mode: the photos as a list"));
+}
+
+/// The view of the mode, or a page if the search finds no photo.
+void ImageListPane::showView()
+{
+    const bool hadFocus = m_imageListContainer->isAncestorOf(focusWidget());
+    QWidget *view = m_imageListTable;
+    if (m_set.imagesFiltered()->empty() && !m_set.images()->empty()) {
+        m_noMatchPage->setTitle(tr("No photo has “%1” in its name").arg(m_set.filterText()));
+        view = m_noMatchPage;
+    } else if (m_set.imageListIsInBrowserMode()) {
+        view = m_imageBrowser;
+    }
+    m_imageListContainer->setCurrentWidget(view);
+    if (hadFocus)
+        view->setFocus();
 }
 
 /// Keys that move the focus from the search field to the photos; Escape also clears the search.

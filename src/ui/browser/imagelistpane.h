@@ -8,8 +8,8 @@
 
 class QLineEdit;
 class QMenu;
+class QPushButton;
 class QStackedWidget;
-class QToolButton;
 
 namespace plexa
 {
@@ -20,6 +20,9 @@ class ImageBrowserView;
 class ImageBrowserViewController;
 class ImageListView;
 class ImageSet;
+class MessagePage;
+class SegmentedSwitch;
+class StatusManager;
 class UserDefaults;
 class ZoomSlider;
 
@@ -46,7 +49,7 @@ public:
     /// Moves the keyboard focus to the search field and selects its text.
     void startSearch();
 
-    /// The view of the current mode.
+    /// The view of the current mode, or the page in its place while the search finds nothing.
     QWidget *shownView() const;
 
 protected:
@@ -54,20 +57,29 @@ protected:
 
 private:
     QWidget *makeButtonRow();
+    void prepareSearchField();
+    SegmentedSwitch *makeModeSwitch();
+    MessagePage *makeNoMatchPage();
     QWidget *makeZoomRow();
     void connectSet(AppController &controller);
     void connectBrowser();
+    void copyImages();
     void showMode(bool isBrowser);
+    void showView();
     bool endSearch(int key);
 
     ImageSet &m_set;
+    StatusManager &m_status;
     CommandActions &m_actions;
     QLineEdit *const m_searchField;
     QStackedWidget *const m_imageListContainer;
     ImageBrowserView *const m_imageBrowser;
     ImageListView *const m_imageListTable;
-    QToolButton *m_imageListModeButton = nullptr;
     ZoomSlider *const m_browserZoomSlider;
+    SegmentedSwitch *m_modeSwitch = nullptr;
+    QPushButton *m_gridPart = nullptr;
+    QPushButton *m_listPart = nullptr;
+    MessagePage *m_noMatchPage = nullptr;
     QWidget *m_zoomRow = nullptr;
     QMenu *const m_imageMenu;
     const std::unique_ptr<ImageBrowserViewController> m_browserController;

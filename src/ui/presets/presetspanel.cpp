@@ -2,16 +2,17 @@
 
 #include "ui/presets/presetspanel.h"
 
-#include "app/appliedpresets.h"
+#include "app/appcontroller.h"
 #include "presets/presetsstore.h"
 #include "ui/widgets/commandactions.h"
+#include "ui/widgets/look.h"
 #include "ui/widgets/presetlistmodel.h"
 #include "ui/widgets/presetlistview.h"
 #include "ui/widgets/sectiontitle.h"
+#include "ui/widgets/segmentedswitch.h"
 
 #include <QAction>
 #include <QActionGroup>
-#include <QButtonGroup>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -28,78 +29,82 @@ namespace plexa
 namespace
 {
 
-const char kModeLook[] = R"(
-QPushButton { border: 1px solid #b9bec4; padding: 5px 10px; background: #fbfcfc; color: #242a30; }
-QPushButton:hover { background: #eef1f4; }
-QPushButton:checked { background: #3b78b4; border-color: #33689c; color: white; }
-QPushButton:focus { border-color: #33689c; }
-QPushButton:checked:focus { border: 2px solid #12293f; padding: 4px 9px; }
-#singleModeButton { border-top-left-radius: 5px; border-bottom-left-radius: 5px; border-right: none; }
-#presetsModeButton { border-top-right-radius: 5px; border-bottom-right-radius: 5px; }
-)";
-
 QHBoxLayout *buttonRow()
 {
     auto *const row = new QHBoxLayout;
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(2);
+    row->setSpacing(look::kSmallGap);
     return row;
+}
+
+/// A button with a shorter text than its command has.
+QToolButton *makeTextButton(CommandActions &actions, ActionId id, const QString &text)
+{
+    QToolButton *const button = actions.makeButton(id, nullptr, CommandActions::ButtonStyle::TextBesideIcon);
+    button->setText(text);
+    return button;
+}
+
+/// How the single watermark is changed.
+QLabel *makeQuickHint()
+{
+    auto *const hint = new QLabel(PresetsPanel::tr(
+        "Every photo gets this one watermark. To use another one, select a preset in Presets "
+        "and choose Load into Single Watermark from the Watermark menu."));
+    hint->setObjectName(QStringLiteral("quickWPresetHint"));
+    hint->setWordWrap(true);
+    QPalette palette = hint->palette();
+    palette.setColor(QPalette::WindowText, look::kSecondaryText);
+    hint->setPalette(palette);
+    return hint;
 }
 
 } // namespace
 
-PresetsPanel::PresetsPanel(AppliedPresets &applied, PresetsStore &store, CommandActions &actions,
-                           QWidget *parent)
+PresetsPanel::PresetsPanel(AppController &controller, CommandActions &actions, QWidget *parent)
     : QWidget(parent)
-    , m_applied(applied)
+    , m_controller(controller)
+    , m_applied(controller.appliedPresets())
     , m_actions(actions)
-    , m_appliedModel(new PresetListModel(store.wPresetList(), this))
-    , m_allModel(new PresetListModel(store.wPresetList(), this))
+    , m_modeSelector(makeModeSelector())
+    , m_appliedModel(new PresetListModel(controller.presetsStore().wPresetList(), this))
+    , m_allModel(new PresetListModel(controller.presetsStore().wPresetList(), this))
     , m_appliedTable(new PresetListView(*m_appliedModel))
     , m_allTable(new PresetListView(*m_allModel))
     , m_modeContainer(new QStackedWidget)
     , m_quickContainer(new QWidget)
 {
     m_quickContainer->setObjectName(QStringLiteral("quickWPresetContainer"));
+    auto *const quickLayout = new QVBoxLayout(m_quickContainer);
+    quickLayout->setContentsMargins(0, 0, 0, 0);
+    quickLayout->addWidget(makeQuickHint(), 0, Qt::AlignTop);
     m_modeContainer->addWidget(m_quickContainer);
     m_modeContainer->addWidget(makePresetsView());
-    m_allModel->follow(store.wPresetList());
+    m_allModel->follow(controller.presetsStore().wPresetList());
 
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(12);
-    layout->addLayout(makeModeSelector());
+    layout->setSpacing(look::kLargeGap);
+    layout->addWidget(m_modeSelector);
     layout->addWidget(m_modeContainer, 1);
     connectLists();
-    connectCommands(store);
+    connectCommands();
     showMode();
     showApplied();
 }
 
-/// Two joined buttons, one of which is checked.
-QHBoxLayout *PresetsPanel::makeModeSelector()
+SegmentedSwitch *PresetsPanel::makeModeSelector()
 {
-    QHBoxLayout *const row = buttonRow();
-    row->setSpacing(0);
-    auto *const buttons = new QButtonGroup(this);
+    auto *const selector = new SegmentedSwitch(tr("Watermark mode"), this);
+    selector->setObjectName(QStringLiteral("modeSegments"));
     auto *const items = new QActionGroup(&m_actions);
     for (const auto &[id, text] :
          {std::pair(ActionId::SingleMode, tr("Single")), {ActionId::PresetsMode, tr("Presets")}}) {
-        auto *const button = new QPushButton(text);
-        m_actions.bindButton(id, button);
-        button->setStyleSheet(QString::fromLatin1(kModeLook));
-        button->setCheckable(true);
-        // The Tab key reaches the checked button; the arrow keys continue from there.
-        button->setFocusPolicy(Qt::ClickFocus);
-        connect(button, &QAbstractButton::toggled, button,
-                [button](bool isOn) { button->setFocusPolicy(isOn ? Qt::StrongFocus : Qt::ClickFocus); });
+        m_actions.bindButton(id, selector->addPart(text));
         m_actions.action(id)->setCheckable(true);
         items->addAction(m_actions.action(id));
-        buttons->addButton(button);
-        m_modeButtons.append(button);
-        row->addWidget(button, 1);
     }
-    return row;
+    return selector;
 }
 
 QWidget *PresetsPanel::makePresetsView()
@@ -109,7 +114,7 @@ QWidget *PresetsPanel::makePresetsView()
     m_appliedTable->setWhatsThis(tr("The presets that are drawn on the photos, in this order. Drag them into "
                                     "another order; double-click one to edit it."));
     m_appliedTable->setAllowsReordering();
-    m_appliedTable->setEmptyHint(tr("No preset is applied yet"));
+    m_appliedTable->setEmptyHint(tr("No preset is applied yet.\nSelect one below and press Apply."));
     m_allTable->setObjectName(QStringLiteral("wPresetsAllTable"));
     m_allTable->setAccessibleName(tr("All presets"));
     m_allTable->setWhatsThis(tr("All watermark presets. Press Enter to apply the selected ones; "
@@ -130,30 +135,36 @@ QWidget *PresetsPanel::makePresetsView()
     auto *const view = new QWidget;
     auto *const layout = new QVBoxLayout(view);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(6);
+    layout->setSpacing(look::kSmallGap);
+    addAppliedList(layout);
+    layout->addSpacing(look::kGap);
+    addAllList(layout);
+    return view;
+}
+
+void PresetsPanel::addAppliedList(QVBoxLayout *layout)
+{
     layout->addWidget(sectionTitle(tr("Applied presets"), m_appliedTable));
     layout->addWidget(m_appliedTable, 2);
-    QHBoxLayout *const appliedButtons = buttonRow();
-    for (const ActionId id : {ActionId::PreviousPreset, ActionId::NextPreset})
-        appliedButtons->addWidget(m_actions.makeButton(id, view));
-    appliedButtons->addStretch();
-    for (const ActionId id : {ActionId::RemoveAppliedPresets, ActionId::ClearAppliedPresets})
-        appliedButtons->addWidget(m_actions.makeButton(id, view));
-    layout->addLayout(appliedButtons);
-    layout->addSpacing(6);
+    QHBoxLayout *const buttons = buttonRow();
+    for (const ActionId id : {ActionId::MovePresetsUp, ActionId::MovePresetsDown})
+        buttons->addWidget(m_actions.makeButton(id, nullptr));
+    buttons->addStretch();
+    for (const auto &[id, text] : {std::pair(ActionId::RemoveAppliedPresets, tr("Remove")),
+                                   {ActionId::ClearAppliedPresets, tr("Clear")}})
+        buttons->addWidget(makeTextButton(m_actions, id, text));
+    layout->addLayout(buttons);
+}
+
+void PresetsPanel::addAllList(QVBoxLayout *layout)
+{
     layout->addWidget(sectionTitle(tr("All presets"), m_allTable));
     layout->addWidget(m_allTable, 3);
-    QHBoxLayout *const allButtons = buttonRow();
-    const auto add = [&](ActionId id, const QString &text) {
-        auto *const button = m_actions.makeButton(id, view, CommandActions::ButtonStyle::TextBesideIcon);
-        button->setText(text);
-        allButtons->addWidget(button);
-    };
-    add(ActionId::ApplyPresets, tr("Apply"));
-    allButtons->addStretch();
-    add(ActionId::ToggleWatermarkPresets, tr("Manage"));
-    layout->addLayout(allButtons);
-    return view;
+    QHBoxLayout *const buttons = buttonRow();
+    buttons->addWidget(makeTextButton(m_actions, ActionId::ApplyPresets, tr("Apply")));
+    buttons->addStretch();
+    buttons->addWidget(makeTextButton(m_actions, ActionId::ToggleWatermarkPresets, tr("Manage")));
+    layout->addLayout(buttons);
 }
 
 void PresetsPanel::connectLists()
@@ -175,7 +186,7 @@ void PresetsPanel::connectLists()
                 [this, model = model](const QModelIndex &index) { doubleMouseClick(index, *model); });
 }
 
-void PresetsPanel::connectCommands(PresetsStore &store)
+void PresetsPanel::connectCommands()
 {
     AppliedPresets &applied = m_applied;
     using Mode = AppliedPresets::Mode;
@@ -195,10 +206,40 @@ void PresetsPanel::connectCommands(PresetsStore &store)
     m_actions.setHandler(ActionId::RemoveAppliedPresets,
                          [&applied] { applied.removeSelectedAppliedPresets(); });
     m_actions.setHandler(ActionId::ClearAppliedPresets, [&applied] { applied.clearAppliedPresets(); });
-    m_actions.setHandler(ActionId::ApplyPresets,
-                         [this] { m_applied.addWPresetsToApplied(selectedWPresets()); });
-    m_actions.setHandler(ActionId::LoadPreset,
-                         [this, &store] { store.loadWPreset(*selectedWPresets().front()); });
+    m_actions.setHandler(ActionId::ApplyPresets, [this] { applySelected(); });
+    m_actions.setHandler(ActionId::LoadPreset, [this] { loadPreset(); });
+    m_actions.setHandler(ActionId::SaveQuickPreset, [this] { saveQuickPreset(); });
+}
+
+/// Selects the first of them, because the preview shows the selected one.
+void PresetsPanel::applySelected()
+{
+    const WPresetList selected = selectedWPresets();
+    const WPresetList before = m_applied.wPresetsApplied();
+    m_applied.addWPresetsToApplied(selected);
+    const WPresetList &applied = m_applied.wPresetsApplied();
+    const auto first = std::find(applied.begin(), applied.end(), selected.front());
+    m_applied.selectRows({static_cast<int>(first - applied.begin())});
+    if (applied == before)
+        m_controller.statusManager().notify(tr("“%1” is applied already").arg(selected.front()->name()));
+}
+
+/// Shows the single watermark, because that is what changes.
+void PresetsPanel::loadPreset()
+{
+    const std::shared_ptr<WPreset> preset = selectedWPresets().front();
+    m_controller.presetsStore().loadWPreset(*preset);
+    m_applied.modeDidChange(AppliedPresets::Mode::Single);
+    m_controller.statusManager().notify(tr("The single watermark is now a copy of “%1”").arg(preset->name()));
+}
+
+/// The mode stays: other presets would be drawn on the photos.
+void PresetsPanel::saveQuickPreset()
+{
+    m_controller.presetCommands().saveQuickAsWPreset();
+    const WPresetList &all = m_allModel->presets();
+    m_allTable->selectRows({static_cast<int>(all.size()) - 1});
+    m_controller.statusManager().notify(tr("“%1” was added to all presets").arg(all.back()->name()));
 }
 
 WPresetList PresetsPanel::selectedWPresets() const
@@ -212,7 +253,7 @@ WPresetList PresetsPanel::selectedWPresets() const
 void PresetsPanel::showMode()
 {
     const int mode = m_applied.isInSingleMode() ? 0 : 1;
-    m_modeButtons[mode]->setChecked(true);
+    m_modeSelector->check(mode);
     m_actions.action(mode == 0 ? ActionId::SingleMode : ActionId::PresetsMode)->setChecked(true);
     m_modeContainer->setCurrentIndex(mode);
 }

@@ -7,18 +7,18 @@
 
 #include <QWidget>
 
-class QAbstractButton;
-class QHBoxLayout;
 class QStackedWidget;
+class QVBoxLayout;
 
 namespace plexa
 {
 
+class AppController;
 class AppliedPresets;
 class CommandActions;
 class PresetListModel;
 class PresetListView;
-class PresetsStore;
+class SegmentedSwitch;
 
 /// The right side of the main window: the two buttons that select the mode, and in presets mode the lists of
 /// applied and of all presets. Carries out their commands.
@@ -27,9 +27,8 @@ class PresetsPanel final : public QWidget
     Q_OBJECT
 
 public:
-    /// @param applied  outlives the panel, like the store and the actions
-    PresetsPanel(AppliedPresets &applied, PresetsStore &store, CommandActions &actions,
-                 QWidget *parent = nullptr);
+    /// @param controller  outlives the panel, like the actions
+    PresetsPanel(AppController &controller, CommandActions &actions, QWidget *parent = nullptr);
 
     /// The container for the editor of the single watermark.
     QWidget *quickWPresetContainer() const { return m_quickContainer; }
@@ -38,21 +37,27 @@ public:
     WPresetList selectedWPresets() const;
 
 private:
-    QHBoxLayout *makeModeSelector();
+    SegmentedSwitch *makeModeSelector();
     QWidget *makePresetsView();
+    void addAppliedList(QVBoxLayout *layout);
+    void addAllList(QVBoxLayout *layout);
     void connectLists();
-    void connectCommands(PresetsStore &store);
+    void connectCommands();
+    void applySelected();
+    void loadPreset();
+    void saveQuickPreset();
     void showMode();
     void showApplied();
     void doubleMouseClick(const QModelIndex &index, const PresetListModel &model);
 
+    AppController &m_controller;
     AppliedPresets &m_applied;
     CommandActions &m_actions;
+    SegmentedSwitch *const m_modeSelector;
     PresetListModel *const m_appliedModel;
     PresetListModel *const m_allModel;
     PresetListView *const m_appliedTable;
     PresetListView *const m_allTable;
-    QList<QAbstractButton *> m_modeButtons; // single mode, presets mode
     QStackedWidget *const m_modeContainer;
     QWidget *const m_quickContainer;
 };

@@ -42,6 +42,8 @@ void ImageViewController::connectAll()
     connect(&set, &ImageSet::shownImageAboutToLoad, this, &ImageViewController::showLoading);
     connect(&set, &ImageSet::fitToWindowRequested, this, [this] { setZoomFactor(0); });
     connect(&m_app, &AppController::previewOutdated, this, &ImageViewController::refresh);
+    connect(&m_app.appliedPresets(), &AppliedPresets::selectedRowsChanged, this,
+            &ImageViewController::refresh);
     connect(&m_app, &AppController::imageOutdated, this, [this](const std::shared_ptr<ImageObject> &image) {
         if (image != m_imageObject)
             return;
@@ -133,6 +135,12 @@ void ImageViewController::showInfo()
 void ImageViewController::refresh()
 {
     request(PreviewRequest::Quality::Screen);
+    const AppliedPresets &applied = m_app.appliedPresets();
+    const bool isOneWanted =
+        m_imageObject && !isCombined() && !applied.currentWPreset() && !applied.effectivePresets().empty();
+    const QString hint = isOneWanted ? tr("Select one applied preset to see it.") : QString();
+    if (std::exchange(m_hint, hint) != hint)
+        Q_EMIT infoChanged();
 }
 
 bool ImageViewController::isCombined() const

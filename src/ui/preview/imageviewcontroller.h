@@ -47,11 +47,13 @@ public:
     QString info() const { return m_info; }
     /// What the user should know about the shown watermarks; empty: nothing.
     QStringList messages() const { return m_messages; }
+    /// What the user has to do to see a watermark; empty: nothing.
+    QString hint() const { return m_hint; }
     bool isBusy() const { return m_renderer.isBusy() || m_isLoading; }
 
 Q_SIGNALS:
     void zoomControlsChanged();
-    /// Of info(), messages() or isBusy().
+    /// Of info(), messages(), hint() or isBusy().
     void infoChanged();
 
 private:
@@ -73,6 +75,7 @@ private:
     std::optional<QPointF> m_draggedTo;
     QString m_info;
     QStringList m_messages;
+    QString m_hint;
     bool m_isLoading = false; // the photo that has the focus is not loaded yet
     QTimer m_zoomedImageUpdateTimer;
     PreviewRenderer m_renderer;

@@ -8,10 +8,12 @@
 #include "ui/widgets/busyindicator.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/elidedlabel.h"
+#include "ui/widgets/look.h"
 #include "ui/widgets/zoomslider.h"
 
 #include <QFile>
 #include <QHBoxLayout>
+#include <QMenu>
 #include <QToolButton>
 #include <QWhatsThis>
 
@@ -25,7 +27,9 @@ QToolButton *makeHelpButton()
     auto *const button = new QToolButton;
     button->setObjectName(QStringLiteral("imageViewHelpButton"));
     button->setIcon(QIcon(QStringLiteral(":/icons/help.svg")));
+    button->setIconSize(QSize(look::kButtonIcon, look::kButtonIcon));
     button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::TabFocus);
     button->setAccessibleName(PreviewPane::tr("Help on the preview"));
     button->setToolTip(PreviewPane::tr("Explain the preview"));
     QObject::connect(button, &QToolButton::clicked, button, [button] {
@@ -34,6 +38,34 @@ QToolButton *makeHelpButton()
             QWhatsThis::showText(button->mapToGlobal(QPoint(0, 0)), QString::fromUtf8(page.readAll()),
                                  button);
     });
+    return button;
+}
+
+/// The commands about positions chosen by hand, by their names.
+QToolButton *makePositionButton(const CommandActions &actions)
+{
+    auto *const button = new QToolButton;
+    button->setObjectName(QStringLiteral("positionButton"));
+    button->setText(PreviewPane::tr("Position") + QStringLiteral(" ▾"));
+    button->setStyleSheet(
+        QStringLiteral("QToolButton::menu-indicator { image: none; }")); // its own is in a corner
+    button->setIcon(QIcon(QStringLiteral(":/icons/position.svg")));
+    button->setIconSize(QSize(look::kButtonIcon, look::kButtonIcon));
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    button->setAutoRaise(true);
+    button->setPopupMode(QToolButton::InstantPopup);
+    button->setFocusPolicy(Qt::TabFocus);
+    button->setAccessibleName(PreviewPane::tr("Position"));
+    button->setToolTip(
+        PreviewPane::tr("Copy, paste or reset the positions to which watermarks were dragged"));
+    auto *const menu = new QMenu(button);
+    menu->setToolTipsVisible(true);
+    for (const ActionId id : {ActionId::CopyPosition, ActionId::CopyAllPositions, ActionId::PastePositions})
+        menu->addAction(actions.action(id));
+    menu->addSeparator();
+    for (const ActionId id : {ActionId::ResetPosition, ActionId::ResetAllPositions})
+        menu->addAction(actions.action(id));
+    button->setMenu(menu);
     return button;
 }
 
@@ -79,19 +111,19 @@ QWidget *PreviewPane::makeBar()
     m_messageLabel->setForegroundRole(QPalette::WindowText);
     m_spinningIndicator->setObjectName(QStringLiteral("spinningIndicator"));
     m_zoomSlider->setObjectName(QStringLiteral("zoomSlider"));
-    m_zoomSlider->setToolTip(tr("Zoom of the preview, from the whole photo to its full size"));
 
     auto *const bar = new QWidget;
     auto *const row = new QHBoxLayout(bar);
-    row->setContentsMargins(8, 2, 8, 2);
-    row->setSpacing(4);
+    row->setContentsMargins(look::kGap, look::kSmallGap, look::kGap, look::kSmallGap);
+    row->setSpacing(look::kSmallGap);
     row->addWidget(m_imageInfoLabel, 0);
+    row->addWidget(makePositionButton(m_actions));
     row->addWidget(m_spinningIndicator);
     row->addWidget(m_messageLabel, 1);
     row->addWidget(m_actions.makeButton(ActionId::PreviewZoomOut, bar));
     row->addWidget(m_zoomSlider);
     row->addWidget(m_actions.makeButton(ActionId::PreviewZoomIn, bar));
-    row->addSpacing(8);
+    row->addSpacing(look::kGap);
     row->addWidget(m_actions.makeButton(ActionId::PreviewFit, bar));
     row->addWidget(m_actions.makeButton(ActionId::PreviewFullSize, bar));
     row->addWidget(makeHelpButton());
@@ -117,6 +149,10 @@ void PreviewPane::showZoom()
 {
     m_zoomSlider->setZoomFactor(m_controller->zoomFactor());
     m_zoomSlider->setEnabled(m_controller->canZoom());
+    QString toolTip = tr("Zoom of the preview, from the whole photo to its full size");
+    if (!m_controller->canZoom())
+        toolTip += u'\n' + reasonFor(Need::RoomToZoomInPreview);
+    m_zoomSlider->setToolTip(toolTip);
     m_actions.scheduleUpdate();
 }
 
@@ -124,7 +160,8 @@ void PreviewPane::showInfo()
 {
     const QStringList messages = m_controller->messages();
     m_imageInfoLabel->setText(m_controller->info());
-    m_messageLabel->setText(messages.isEmpty() ? QString() : QStringLiteral("⚠ ") + messages.join(u' '));
+    m_messageLabel->setText(messages.isEmpty() ? m_controller->hint()
+                                               : QStringLiteral("⚠ ") + messages.join(u' '));
     m_messageLabel->setToolTip(messages.join(u'\n'));
     m_spinningIndicator->setBusy(m_controller->isBusy());
 }

@@ -2,6 +2,8 @@
 
 #include "ui/widgets/commandactions.h"
 
+#include "ui/widgets/look.h"
+
 #include <QAbstractButton>
 #include <QAction>
 #include <QIcon>
@@ -102,7 +104,7 @@ void CommandActions::fillMenuBar(QMenuBar *bar)
     for (const CommandRow &row : commandTable()) {
         if (row.menu != current) {
             menu = bar->addMenu(menuTitle(row.menu));
-            menu->setToolTipsVisible(false);
+            menu->setToolTipsVisible(true); // of disabled commands, too
             current = row.menu;
         }
         if (row.startsGroup)
@@ -113,6 +115,7 @@ void CommandActions::fillMenuBar(QMenuBar *bar)
 
 void CommandActions::fillImageMenu(QMenu *menu)
 {
+    menu->setToolTipsVisible(true);
     bool startsGroup = false;
     for (const CommandRow &row : commandTable()) {
         startsGroup = startsGroup || row.startsGroup;
@@ -129,7 +132,7 @@ QToolButton *CommandActions::makeButton(ActionId id, QWidget *parent, ButtonStyl
 {
     auto *const button = new QToolButton(parent);
     button->setAutoRaise(true);
-    button->setIconSize(QSize(20, 20));
+    button->setIconSize(QSize(look::kButtonIcon, look::kButtonIcon));
     button->setIcon(action(id)->icon());
     button->setFocusPolicy(Qt::TabFocus);
     if (style == ButtonStyle::TextBesideIcon) {
@@ -170,13 +173,17 @@ void CommandActions::update()
     const CommandState state = m_state();
     for (const CommandRow &row : commandTable()) {
         const Entry &entry = m_entries.at(row.id);
-        const auto show = [&](auto *control, const QString &obstacle) {
+        const auto show = [&](auto *control, const QString &obstacle, const QString &reason) {
             control->setEnabled(obstacle.isEmpty());
-            control->setToolTip(obstacle.isEmpty() ? entry.toolTip : entry.toolTip + u'\n' + obstacle);
+            control->setToolTip(reason.isEmpty() ? entry.toolTip : entry.toolTip + u'\n' + reason);
         };
-        show(entry.action, obstacle(row, state, Caller::Menu));
-        for (QAbstractButton *const button : entry.buttons)
-            show(button, obstacle(row, state, Caller::Button));
+        const QString inMenu = obstacle(row, state, Caller::Menu);
+        show(entry.action, inMenu, inMenu);
+        for (QAbstractButton *const button : entry.buttons) {
+            const QString ofButton = obstacle(row, state, Caller::Button);
+            // During a save, the panes of the buttons are disabled.
+            show(button, ofButton, ofButton.isEmpty() ? inMenu : ofButton);
+        }
     }
 }
 
@@ -188,8 +195,10 @@ void CommandActions::scheduleUpdate()
 
 void CommandActions::run(ActionId id, Caller caller)
 {
-    if (!obstacle(commandRow(id), m_state(), caller).isEmpty())
+    if (const QString reason = obstacle(commandRow(id), m_state(), caller); !reason.isEmpty()) {
+        Q_EMIT refused(reason);
         return;
+    }
     const std::function<void()> handler = m_entries[id].handler; // which may set another one
     handler();
     scheduleUpdate();

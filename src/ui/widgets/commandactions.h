@@ -60,6 +60,10 @@ public:
     /// Carries the command out if it is possible.
     void run(ActionId id) { run(id, Caller::Menu); }
 
+Q_SIGNALS:
+    /// A command that is not possible was asked for, by a key or a double click; a sentence.
+    void refused(const QString &reason);
+
 private:
     /// The buttons do not depend on a running save; what shows them decides about that.
     enum class Caller { Menu, Button };

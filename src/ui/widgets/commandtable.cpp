@@ -21,7 +21,7 @@ std::vector<CommandRow> makeTable()
     using N = Need;
     // clang-format off
     return {
-        {AddImages, M::File, false, "addImages", TEXT("&Add Images…"), TEXT("Add photos to the list"), "Ctrl+O", "add"},
+        {AddImages, M::File, false, "addImages", TEXT("&Add Photos…"), TEXT("Add photos to the list"), "Ctrl+O", "add-photos"},
         {AddFolder, M::File, false, "addFolder", TEXT("Add &Folder…"), TEXT("Add all photos of a folder and of the folders in it"), "Ctrl+Shift+O", "add-folder"},
         {SaveSelected, M::File, true, "saveSelected", TEXT("&Save Selected…"), TEXT("Save watermarked copies of the selected photos"), "Ctrl+S", "save", {N::Selection, N::Watermark}, true},
         {SaveAll, M::File, false, "saveAll", TEXT("Save A&ll…"), TEXT("Save watermarked copies of all photos in the list"), "Ctrl+Shift+S", "save-all", {N::Photos, N::Watermark}},
@@ -33,13 +33,13 @@ std::vector<CommandRow> makeTable()
 
         {Undo, M::Edit, false, "undo", TEXT("&Undo"), TEXT("Undo the last change to the list, the applied presets, rotations or positions"), "Ctrl+Z", "undo", {N::NoRotation, N::NoPasting, N::ToUndo}},
         {Redo, M::Edit, false, "redo", TEXT("Re&do"), TEXT("Make the last undone change again"), "Ctrl+Shift+Z", "redo", {N::NoRotation, N::NoPasting, N::ToRedo}},
-        {CopyImages, M::Edit, true, "copyImages", TEXT("&Copy"), TEXT("Copy the selected photos with their watermarks to the clipboard"), "Ctrl+C", "copy", {N::Selection}, true},
+        {CopyImages, M::Edit, true, "copyImages", TEXT("&Copy"), TEXT("Copy the selected photos with their watermarks to the clipboard"), "Ctrl+C", "copy", {N::Selection, N::Watermark}, true},
         {SelectAll, M::Edit, true, "selectAll", TEXT("Select &All"), TEXT("Select all photos in the list"), "Ctrl+A", "", {N::Photos}},
         {SelectNone, M::Edit, false, "selectNone", TEXT("Select &None"), TEXT("Select no photo"), "Ctrl+Shift+A", "", {N::Selection}},
         {InvertSelection, M::Edit, false, "invertSelection", TEXT("&Invert Selection"), TEXT("Select the photos that are not selected"), "Ctrl+I", "", {N::Photos}},
         {MovePhotosUp, M::Edit, true, "movePhotosUp", TEXT("&Move Up"), TEXT("Move the selected photos one place towards the beginning of the list"), "Alt+Shift+Up", "move-up", {N::Selection, N::RoomToMovePhotosUp}},
         {MovePhotosDown, M::Edit, false, "movePhotosDown", TEXT("M&ove Down"), TEXT("Move the selected photos one place towards the end of the list"), "Alt+Shift+Down", "move-down", {N::Selection, N::RoomToMovePhotosDown}},
-        {RemoveSelected, M::Edit, true, "removeSelected", TEXT("&Remove from List"), TEXT("Remove the selected photos from the list; the files stay"), "Del", "remove", {N::Selection}, true},
+        {RemoveSelected, M::Edit, true, "removeSelected", TEXT("&Remove from List"), TEXT("Remove the selected photos from the list; the files stay"), "Del", "remove-photos", {N::Selection}, true},
         {Find, M::Edit, true, "find", TEXT("&Find…"), TEXT("Show only photos whose names contain a text"), "Ctrl+F", "search"},
         {Preferences, M::Edit, true, "preferences", TEXT("&Preferences…"), TEXT("Change how Plexa works"), "Ctrl+,", "preferences"},
 
@@ -58,8 +58,8 @@ std::vector<CommandRow> makeTable()
         {PreviewZoomOut, M::View, false, "previewZoomOut", TEXT("Zoom &Out"), TEXT("Show the preview smaller"), "Ctrl+-", "zoom-out", {N::RoomToZoomOutPreview}},
         {PreviewFit, M::View, false, "previewFit", TEXT("&Fit in Preview"), TEXT("Show the whole photo in the preview"), "Ctrl+0", "fit", {N::RoomToZoomOutPreview}},
         {PreviewFullSize, M::View, false, "previewFullSize", TEXT("&100 %"), TEXT("Show the photo in the preview at its full size"), "Ctrl+1", "full-size", {N::RoomToZoomInPreview}},
-        {BrowserZoomIn, M::View, true, "browserZoomIn", TEXT("&Larger Thumbnails"), TEXT("Show larger thumbnails"), "Alt++; Alt+=", "add", {N::SmallBatchMode, N::RoomToZoomIn}},
-        {BrowserZoomOut, M::View, false, "browserZoomOut", TEXT("&Smaller Thumbnails"), TEXT("Show smaller thumbnails"), "Alt+-", "remove", {N::SmallBatchMode, N::RoomToZoomOut}},
+        {BrowserZoomIn, M::View, true, "browserZoomIn", TEXT("&Larger Thumbnails"), TEXT("Show larger thumbnails"), "Alt++; Alt+=", "thumbnails-large", {N::SmallBatchMode, N::RoomToZoomIn}},
+        {BrowserZoomOut, M::View, false, "browserZoomOut", TEXT("&Smaller Thumbnails"), TEXT("Show smaller thumbnails"), "Alt+-", "thumbnails-small", {N::SmallBatchMode, N::RoomToZoomOut}},
         {ToggleFilenames, M::View, false, "toggleFilenames", TEXT("Hide File&names in Browser"), TEXT("Show or hide the file names under the thumbnails"), "", "", {N::SmallBatchMode}},
         {ToggleThumbnailWatermarks, M::View, false, "toggleThumbnailWatermarks", TEXT("&Watermarks on Thumbnails"), TEXT("Show the watermarks on the thumbnails"), "", "", {N::SmallBatchMode}},
         {SortByName, M::View, true, "sortByName", TEXT("Sort by Na&me"), TEXT("Sort all photos by their file names, 2 before 10"), "", "", {N::Photos, N::SeveralPhotos, N::NoSorting}},
@@ -69,13 +69,13 @@ std::vector<CommandRow> makeTable()
 
         {SingleMode, M::Watermark, false, "singleMode", TEXT("&Single Watermark"), TEXT("Draw one watermark and edit it here"), "Ctrl+Shift+1", ""},
         {PresetsMode, M::Watermark, false, "presetsMode", TEXT("&Presets"), TEXT("Draw the applied presets together"), "Ctrl+Shift+2", ""},
-        {NextPreset, M::Watermark, true, "nextPreset", TEXT("&Next Applied Preset"), TEXT("Select the next applied preset"), "Alt+Down", "next", {N::SeveralAppliedPresets}},
-        {PreviousPreset, M::Watermark, false, "previousPreset", TEXT("Pre&vious Applied Preset"), TEXT("Select the previous applied preset"), "Alt+Up", "previous", {N::SeveralAppliedPresets}},
+        {NextPreset, M::Watermark, true, "nextPreset", TEXT("&Next Applied Preset"), TEXT("Select the next applied preset"), "Alt+Down", "", {N::SeveralAppliedPresets}},
+        {PreviousPreset, M::Watermark, false, "previousPreset", TEXT("Pre&vious Applied Preset"), TEXT("Select the previous applied preset"), "Alt+Up", "", {N::SeveralAppliedPresets}},
         {ApplyPresets, M::Watermark, true, "applyPresets", TEXT("&Apply Selected Presets"), TEXT("Also draw the selected presets on the photos"), "", "apply", {N::PresetSelection}},
         {MovePresetsUp, M::Watermark, false, "movePresetsUp", TEXT("Move &Up"), TEXT("Draw the selected applied presets earlier, below others"), "Alt+Shift+Up", "move-up", {N::AppliedSelection, N::RoomToMovePresetsUp}},
         {MovePresetsDown, M::Watermark, false, "movePresetsDown", TEXT("Move &Down"), TEXT("Draw the selected applied presets later, above others"), "Alt+Shift+Down", "move-down", {N::AppliedSelection, N::RoomToMovePresetsDown}},
-        {RemoveAppliedPresets, M::Watermark, false, "removeAppliedPresets", TEXT("&Remove Selected Presets"), TEXT("Stop drawing the selected presets"), "", "remove", {N::AppliedSelection}},
-        {ClearAppliedPresets, M::Watermark, false, "clearAppliedPresets", TEXT("&Clear Applied Presets"), TEXT("Stop drawing all presets"), "", "clear", {N::AppliedPreset}},
+        {RemoveAppliedPresets, M::Watermark, false, "removeAppliedPresets", TEXT("&Remove Selected Presets"), TEXT("Stop drawing the selected presets"), "", "list-remove", {N::AppliedSelection}},
+        {ClearAppliedPresets, M::Watermark, false, "clearAppliedPresets", TEXT("&Clear Applied Presets"), TEXT("Stop drawing all presets"), "", "list-clear", {N::AppliedPreset}},
         {SaveQuickPreset, M::Watermark, true, "saveQuickPreset", TEXT("Sav&e as New Preset"), TEXT("Keep the single watermark as a preset"), "", ""},
         {LoadPreset, M::Watermark, false, "loadPreset", TEXT("&Load into Single Watermark"), TEXT("Edit a copy of the selected preset as the single watermark"), "", "", {N::OneSelectedPreset}},
 

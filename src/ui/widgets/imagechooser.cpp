@@ -46,7 +46,7 @@ void chooseImages(ChooserKind kind, QWidget *window, std::function<void(const QS
         dialog->setFileMode(QFileDialog::Directory);
         dialog->setOption(QFileDialog::ShowDirsOnly);
     } else {
-        dialog->setWindowTitle(translated(QT_TRANSLATE_NOOP("ImageChooser", "Add Images")));
+        dialog->setWindowTitle(translated(QT_TRANSLATE_NOOP("ImageChooser", "Add Photos")));
         dialog->setFileMode(QFileDialog::ExistingFiles);
         dialog->setNameFilters(
             {imageFilter(), translated(QT_TRANSLATE_NOOP("ImageChooser", "All files (*)"))});

@@ -3,9 +3,9 @@
 #include "ui/widgets/presetlistmodel.h"
 
 #include "app/indexlist.h"
+#include "ui/widgets/look.h"
 #include "ui/widgets/plaintooltip.h"
 
-#include <QColor>
 #include <QMimeData>
 
 #include <algorithm>
@@ -18,8 +18,6 @@ namespace
 
 /// The spelling is fixed.
 const QString kDraggedRowsType = QStringLiteral("draggedPrests");
-
-const QColor kInvalid(0xc8, 0x1e, 0x1e); // red, dark enough for text
 
 } // namespace
 
@@ -75,7 +73,7 @@ QVariant PresetListModel::data(const QModelIndex &index, int role) const
     if (role == Qt::ToolTipRole)
         return plainToolTip(preset.validPreset() ? preset.name() : preset.values().pictureFault());
     if (role == Qt::ForegroundRole && !preset.validPreset())
-        return kInvalid;
+        return look::kWarningText;
     return {};
 }
 

@@ -84,8 +84,26 @@ void DesktopApplication::launch(const QStringList &paths)
 void DesktopApplication::windowClosed()
 {
     m_delegate.windowWillClose();
-    if (!m_service.isReachable())
-        quit();
+    if (m_isQuitting || (m_service.isReachable() && wantsToKeepRunning()))
+        return;
+    // After the window has closed; the user may still decide to keep it.
+    QMetaObject::invokeMethod(this, &DesktopApplication::quit, Qt::QueuedConnection);
+}
+
+/// Asks at the first time only.
+bool DesktopApplication::wantsToKeepRunning()
+{
+    if (m_defaults.boolForKey(settings::hasExplainedClosing))
+        return true;
+    m_defaults.setObject(settings::hasExplainedClosing, true);
+    Alert alert;
+    alert.title = tr("%1 keeps running").arg(applicationName());
+    alert.text = tr("Closing the window does not quit %1. Start it again to see the window again, with the "
+                    "same photos. To quit, press Ctrl+Q.")
+                     .arg(applicationName());
+    alert.buttons = {tr("Keep Running"), tr("Quit")};
+    alert.escapeButton = 0;
+    return m_alerts.run(alert).button == 0;
 }
 
 /// Asks the user while photos are being saved.

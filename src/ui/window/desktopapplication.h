@@ -34,6 +34,7 @@ public:
 
 private:
     bool mayQuit();
+    bool wantsToKeepRunning();
     void quit();
     void windowClosed();
 

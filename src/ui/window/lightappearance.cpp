@@ -2,6 +2,8 @@
 
 #include "ui/window/lightappearance.h"
 
+#include "ui/widgets/look.h"
+
 #include <QApplication>
 #include <QPalette>
 #include <QProxyStyle>
@@ -27,7 +29,9 @@ public:
     {
         switch (metric) {
         case PM_SplitterWidth:
-            return 7;
+            return look::kGap;
+        case PM_ButtonMargin:
+            return 2 * look::kGap;
         case PM_SmallIconSize:
         case PM_ButtonIconSize:
             return 18;
@@ -53,34 +57,31 @@ public:
 
 QPalette lightPalette()
 {
-    const QColor text(0x24, 0x2a, 0x30);
-    const QColor disabled(0xa4, 0xaa, 0xb0);
-    const QColor accent(0x3b, 0x78, 0xb4);
     QPalette palette;
-    palette.setColor(QPalette::Window, QColor(0xf1, 0xf2, 0xf4));
-    palette.setColor(QPalette::WindowText, text);
+    palette.setColor(QPalette::Window, look::kWindow);
+    palette.setColor(QPalette::WindowText, look::kText);
     palette.setColor(QPalette::Base, Qt::white);
     palette.setColor(QPalette::AlternateBase, QColor(0xf7, 0xf8, 0xf9));
-    palette.setColor(QPalette::Text, text);
-    palette.setColor(QPalette::PlaceholderText, QColor(0x83, 0x8a, 0x92));
-    palette.setColor(QPalette::Button, QColor(0xf8, 0xf9, 0xfa));
-    palette.setColor(QPalette::ButtonText, text);
+    palette.setColor(QPalette::Text, look::kText);
+    palette.setColor(QPalette::PlaceholderText, look::kSecondaryText);
+    palette.setColor(QPalette::Button, look::kButton);
+    palette.setColor(QPalette::ButtonText, look::kText);
     palette.setColor(QPalette::BrightText, Qt::white);
     palette.setColor(QPalette::Light, Qt::white);
     palette.setColor(QPalette::Midlight, QColor(0xe4, 0xe6, 0xe9));
     palette.setColor(QPalette::Mid, QColor(0xbf, 0xc3, 0xc8));  // background of the grid and the list
     palette.setColor(QPalette::Dark, QColor(0xaa, 0xaa, 0xaa)); // background of the preview
     palette.setColor(QPalette::Shadow, QColor(0x6c, 0x74, 0x7c));
-    palette.setColor(QPalette::Highlight, accent);
+    palette.setColor(QPalette::Highlight, look::kAccent);
     palette.setColor(QPalette::HighlightedText, Qt::white);
-    palette.setColor(QPalette::Link, accent);
+    palette.setColor(QPalette::Link, look::kAccent);
     palette.setColor(QPalette::ToolTipBase, QColor(0xff, 0xff, 0xf2));
-    palette.setColor(QPalette::ToolTipText, text);
+    palette.setColor(QPalette::ToolTipText, look::kText);
     for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        palette.setColor(QPalette::Disabled, role, disabled);
+        palette.setColor(QPalette::Disabled, role, look::kDisabledText);
     palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(0xc9, 0xce, 0xd4));
     palette.setColor(QPalette::Inactive, QPalette::Highlight, QColor(0xcf, 0xdb, 0xe8));
-    palette.setColor(QPalette::Inactive, QPalette::HighlightedText, text);
+    palette.setColor(QPalette::Inactive, QPalette::HighlightedText, look::kText);
     return palette;
 }
 
@@ -88,7 +89,7 @@ QPalette lightPalette()
 QPalette lightListPalette()
 {
     QPalette palette = lightPalette();
-    palette.setColor(QPalette::Active, QPalette::Highlight, QColor(0xb9, 0xd4, 0xef));
+    palette.setColor(QPalette::Active, QPalette::Highlight, look::kLightAccent);
     palette.setColor(QPalette::Active, QPalette::HighlightedText, palette.color(QPalette::Text));
     return palette;
 }

@@ -13,19 +13,21 @@
 #include "ui/preview/previewpane.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/filedrops.h"
-#include "ui/widgets/sectiontitle.h"
+#include "ui/widgets/look.h"
+#include "ui/widgets/messagepage.h"
 #include "ui/window/statuslineview.h"
 #include "ui/window/windowcommands.h"
 
+#include <QAction>
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QDragEnterEvent>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QSplitter>
-#include <QToolButton>
+#include <QStackedWidget>
 #include <QWindow>
 
 namespace plexa
@@ -41,6 +43,9 @@ constexpr int kMinListHeight = 150;
 constexpr qsizetype kListedFailures = 10;
 
 constexpr QSize kFirstSize(1180, 740);
+constexpr int kFirstPanelWidth = 320;
+constexpr int kMinPanelWidth = 272;
+constexpr int kPreviewShare = 55; // percent of the height; the rest belongs to the photos
 
 // No other class reads these settings.
 const QString kGeometryKey = QStringLiteral("mainWindowGeometry");
@@ -55,6 +60,12 @@ QByteArray storedState(const UserDefaults &defaults, const QString &key)
 void storeState(UserDefaults &defaults, const QString &key, const QByteArray &state)
 {
     defaults.setObject(key, QString::fromLatin1(state.toBase64()));
+}
+
+/// The text of a command without its mnemonic.
+QString plainText(const QAction &action)
+{
+    return action.text().remove(QLatin1Char('&'));
 }
 
 } // namespace
@@ -78,6 +89,27 @@ MainWindow::~MainWindow() = default;
 
 void MainWindow::makeViews()
 {
+    m_panelSplitView = new QSplitter(Qt::Horizontal);
+    m_panelSplitView->setObjectName(QStringLiteral("panelSplitView"));
+    m_panelSplitView->setChildrenCollapsible(false);
+    m_panelSplitView->addWidget(makeLeftPanel());
+    m_panelSplitView->addWidget(makeRightPanel());
+    m_panelSplitView->setStretchFactor(0, 1);
+    m_panelSplitView->setStretchFactor(1, 0);
+    m_panelSplitView->setSizes({kFirstSize.width() - kFirstPanelWidth, kFirstPanelWidth});
+
+    auto *const central = new QWidget;
+    auto *const layout = new QVBoxLayout(central);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_panelSplitView, 1);
+    layout->addWidget(makeBottomBar());
+    setCentralWidget(central);
+}
+
+/// Preview and photos, or a page in place of both.
+QWidget *MainWindow::makeLeftPanel()
+{
     m_previewPane = new PreviewPane({m_services.controller, m_services.defaults, *m_actions});
     m_previewPane->setMinimumHeight(kMinPreviewHeight);
     m_imageListPane =
@@ -89,51 +121,59 @@ void MainWindow::makeViews()
     m_imageViewBrowserSplitView->setChildrenCollapsible(false);
     m_imageViewBrowserSplitView->addWidget(m_previewPane);
     m_imageViewBrowserSplitView->addWidget(m_imageListPane);
-    m_imageViewBrowserSplitView->setStretchFactor(0, 3);
-    m_imageViewBrowserSplitView->setStretchFactor(1, 2);
-    m_imageViewBrowserSplitView->setSizes({400, 300});
+    m_imageViewBrowserSplitView->setStretchFactor(0, kPreviewShare);
+    m_imageViewBrowserSplitView->setStretchFactor(1, 100 - kPreviewShare);
+    m_imageViewBrowserSplitView->setSizes({10 * kPreviewShare, 10 * (100 - kPreviewShare)});
 
-    m_panelSplitView = new QSplitter(Qt::Horizontal);
-    m_panelSplitView->setObjectName(QStringLiteral("panelSplitView"));
-    m_panelSplitView->setChildrenCollapsible(false);
-    m_panelSplitView->addWidget(m_imageViewBrowserSplitView);
-    m_panelSplitView->addWidget(makeRightPanel());
-    m_panelSplitView->setStretchFactor(0, 1);
-    m_panelSplitView->setStretchFactor(1, 0);
-    m_panelSplitView->setSizes({860, 320});
+    m_photosOrEmptyPage = new QStackedWidget;
+    m_emptyPage = makeEmptyPage();
+    m_photosOrEmptyPage->addWidget(m_emptyPage);
+    m_photosOrEmptyPage->addWidget(m_imageViewBrowserSplitView);
+    return m_photosOrEmptyPage;
+}
 
-    auto *const central = new QWidget;
-    auto *const layout = new QVBoxLayout(central);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    layout->addWidget(m_panelSplitView, 1);
-    layout->addWidget(makeBottomBar());
-    setCentralWidget(central);
+MessagePage *MainWindow::makeEmptyPage()
+{
+    auto *const page = new MessagePage(QStringLiteral("drop-photos"));
+    page->setObjectName(QStringLiteral("emptyPage"));
+    page->setTitle(tr("Drop photos or folders here"));
+    page->setExplanation(tr("The grid holds up to %1 photos, the list any number.\n"
+                            "Your originals are never changed: %2 saves watermarked copies.")
+                             .arg(ImageSet::kMaxImagesInBrowserMode)
+                             .arg(applicationName()));
+    page->setIsDropTarget(true);
+    for (const auto &[id, name] : {std::pair(ActionId::AddImages, "emptyPageAddPhotosButton"),
+                                   {ActionId::AddFolder, "emptyPageAddFolderButton"}}) {
+        auto *const button = new QPushButton(plainText(*m_actions->action(id)));
+        button->setObjectName(QLatin1String(name));
+        button->setIcon(m_actions->action(id)->icon());
+        m_actions->bindButton(id, button);
+        page->addButton(button);
+    }
+    return page;
+}
+
+/// Or the page in their place while there are none.
+void MainWindow::showPhotos()
+{
+    const bool hadFocus = m_photosOrEmptyPage->isAncestorOf(focusWidget()) || !focusWidget();
+    const bool isEmpty = m_services.controller.imageSet().images()->empty();
+    QWidget *const page = isEmpty ? static_cast<QWidget *>(m_emptyPage) : m_imageViewBrowserSplitView;
+    const bool isOther = m_photosOrEmptyPage->currentWidget() != page;
+    m_photosOrEmptyPage->setCurrentWidget(page);
+    if (hadFocus && (isOther || !isVisible()))
+        (isEmpty ? m_emptyPage : m_imageListPane->shownView())->setFocus();
 }
 
 QWidget *MainWindow::makeRightPanel()
 {
-    AppController &controller = m_services.controller;
     auto *const panel = new QWidget;
     auto *const layout = new QVBoxLayout(panel);
-    layout->setContentsMargins(6, 12, 12, 8);
-    layout->setSpacing(12);
-    m_presetsPanel = new PresetsPanel(controller.appliedPresets(), controller.presetsStore(), *m_actions);
+    layout->setContentsMargins(look::kGap, look::kLargeGap, look::kLargeGap, look::kGap);
+    layout->setSpacing(look::kLargeGap);
+    m_presetsPanel = new PresetsPanel(m_services.controller, *m_actions);
     layout->addWidget(m_presetsPanel, 1);
-
-    auto *const positions = new QVBoxLayout;
-    positions->setSpacing(4);
-    positions->addWidget(sectionTitle(tr("Manual positions")));
-    auto *const buttons = new QHBoxLayout;
-    buttons->setSpacing(2);
-    for (const ActionId id : {ActionId::CopyPosition, ActionId::CopyAllPositions, ActionId::PastePositions})
-        buttons->addWidget(m_actions->makeButton(id, panel));
-    buttons->addStretch();
-    for (const ActionId id : {ActionId::ResetPosition, ActionId::ResetAllPositions})
-        buttons->addWidget(m_actions->makeButton(id, panel));
-    positions->addLayout(buttons);
-    layout->addLayout(positions);
-    panel->setMinimumWidth(270);
+    panel->setMinimumWidth(kMinPanelWidth);
     return panel;
 }
 
@@ -144,10 +184,10 @@ QWidget *MainWindow::makeBottomBar()
     auto *const line = new QFrame;
     line->setFrameShape(QFrame::HLine);
     line->setFixedHeight(1);
-    line->setStyleSheet(QStringLiteral("background: #cfd3d7; border: none;"));
+    line->setStyleSheet(QStringLiteral("background: %1; border: none;").arg(look::kSeparator.name()));
     auto *const row = new QHBoxLayout;
-    row->setContentsMargins(12, 7, 12, 8);
-    row->setSpacing(8);
+    row->setContentsMargins(look::kLargeGap, look::kGap, look::kLargeGap, look::kGap);
+    row->setSpacing(look::kGap);
     row->addWidget(new StatusLineView(m_services.controller), 1);
     for (const auto &[id, text] :
          {std::pair(ActionId::SaveSelected, tr("Save Selected…")), {ActionId::SaveAll, tr("Save All…")}}) {
@@ -170,6 +210,11 @@ void MainWindow::connectCommands()
     for (const ActionId id : {ActionId::MovePhotosUp, ActionId::MovePhotosDown})
         m_actions->useShortcutIn(*m_imageViewBrowserSplitView, id);
     connect(&controller, &AppController::commandStateChanged, m_actions, &CommandActions::scheduleUpdate);
+    connect(m_actions, &CommandActions::refused, &controller.statusManager(), &StatusManager::notify);
+    const ImageSet &set = controller.imageSet();
+    for (const auto changed : {&ImageSet::imagesInserted, &ImageSet::imagesRemoved, &ImageSet::listReset})
+        connect(&set, changed, this, &MainWindow::showPhotos);
+    showPhotos();
     ImageBrowserViewController &browser = m_imageListPane->browserController();
     connect(&browser, &ImageBrowserViewController::browserZoomFactorChanged, m_actions,
             &CommandActions::scheduleUpdate);
@@ -181,7 +226,7 @@ void MainWindow::connectCommands()
 
 void MainWindow::restoreGeometryFromSettings()
 {
-    resize(kFirstSize);
+    resize(kFirstSize.boundedTo(screen()->availableSize()));
     restoreGeometry(storedState(m_services.defaults, kGeometryKey));
     m_imageViewBrowserSplitView->restoreState(storedState(m_services.defaults, kSplitKey));
     m_panelSplitView->restoreState(storedState(m_services.defaults, kPanelSplitKey));
@@ -231,10 +276,17 @@ void MainWindow::forwardToImageList(QKeyEvent *event)
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 {
     acceptFiles(event);
+    m_emptyPage->setIsHovered(event->isAccepted());
+}
+
+void MainWindow::dragLeaveEvent(QDragLeaveEvent *)
+{
+    m_emptyPage->setIsHovered(false);
 }
 
 void MainWindow::dropEvent(QDropEvent *event)
 {
+    m_emptyPage->setIsHovered(false);
     acceptFiles(event);
     m_services.controller.addFiles(droppedFiles(event->mimeData()));
 }

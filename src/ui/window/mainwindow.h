@@ -8,6 +8,7 @@
 #include <QPointer>
 
 class QSplitter;
+class QStackedWidget;
 
 namespace plexa
 {
@@ -16,6 +17,7 @@ class Alerts;
 class AppController;
 class CommandActions;
 class ImageListPane;
+class MessagePage;
 class PresetsPanel;
 class PreviewPane;
 class UserDefaults;
@@ -54,15 +56,19 @@ protected:
     void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
 
 private:
     void makeViews();
+    QWidget *makeLeftPanel();
     QWidget *makeRightPanel();
+    MessagePage *makeEmptyPage();
     QWidget *makeBottomBar();
     void connectCommands();
     void restoreGeometryFromSettings();
     void rememberGeometry();
+    void showPhotos();
     CommandState commandState() const;
     void forwardToImageList(QKeyEvent *event);
     void reportFailedCopies(const QStringList &failures);
@@ -72,6 +78,8 @@ private:
     ImageListPane *m_imageListPane = nullptr;
     PreviewPane *m_previewPane = nullptr;
     PresetsPanel *m_presetsPanel = nullptr;
+    MessagePage *m_emptyPage = nullptr;
+    QStackedWidget *m_photosOrEmptyPage = nullptr;
     QSplitter *m_imageViewBrowserSplitView = nullptr;
     QSplitter *m_panelSplitView = nullptr;
     QPointer<QWidget> m_focusBefore; // while the content is disabled

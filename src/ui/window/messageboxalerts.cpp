@@ -4,6 +4,7 @@
 
 #include <QCheckBox>
 #include <QCoreApplication>
+#include <QIcon>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
@@ -15,19 +16,21 @@ namespace plexa
 namespace
 {
 
-QMessageBox::Icon iconOf(Alert::Style style)
+QString iconOf(Alert::Style style)
 {
     switch (style) {
     case Alert::Style::Informational:
-        return QMessageBox::Information;
+        return QStringLiteral(":/icons/info.svg");
     case Alert::Style::Warning:
-        return QMessageBox::Warning;
+        return QStringLiteral(":/icons/warning.svg");
     case Alert::Style::Critical:
         break;
     }
-    return QMessageBox::Critical;
+    return QStringLiteral(":/icons/critical.svg");
 }
 
+constexpr int kIconSide = 40;
+constexpr int kTextWidth = 320;
 constexpr int kMaxWidth = 520; // of what cannot be wrapped
 
 /// Paths can be so long that the buttons would not fit on the screen. What is too wide for a line loses its
@@ -54,6 +57,7 @@ void keepPlain(QMessageBox &box)
         QFont font = title->font();
         font.setBold(true);
         title->setFont(font);
+        title->setMinimumWidth(kTextWidth);
     }
 }
 
@@ -88,7 +92,8 @@ AlertAnswer MessageBoxAlerts::show(const Alert &alert)
 {
     QMessageBox box(m_window && m_window->isVisible() ? m_window : nullptr);
     box.setWindowTitle(QCoreApplication::applicationName());
-    box.setIcon(iconOf(alert.style));
+    box.setIconPixmap(
+        QIcon(iconOf(alert.style)).pixmap(QSize(kIconSide, kIconSide), box.devicePixelRatioF()));
     box.setText(alert.title);
     box.setInformativeText(shortened(alert.text, box.fontMetrics()));
     keepPlain(box);

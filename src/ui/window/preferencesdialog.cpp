@@ -4,6 +4,7 @@
 
 #include "platform/settings.h"
 #include "platform/userdefaults.h"
+#include "ui/widgets/look.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -65,13 +66,13 @@ PreferencesDialog::PreferencesDialog(UserDefaults &defaults, QWidget *parent)
     setWindowTitle(tr("Preferences"));
     setWindowModality(Qt::WindowModal);
     auto *const layout = new QVBoxLayout(this);
-    layout->setContentsMargins(16, 16, 16, 16);
-    layout->setSpacing(14);
+    layout->setContentsMargins(2 * look::kGap, 2 * look::kGap, 2 * look::kGap, 2 * look::kGap);
+    layout->setSpacing(look::kLargeGap);
     for (const Group &group : groups()) {
         auto *const box = new QGroupBox(tr(group.title));
         auto *const boxLayout = new QVBoxLayout(box);
-        boxLayout->setContentsMargins(12, 8, 12, 10);
-        boxLayout->setSpacing(8);
+        boxLayout->setContentsMargins(look::kLargeGap, look::kGap, look::kLargeGap, look::kGap);
+        boxLayout->setSpacing(look::kGap);
         for (const Preference &preference : group.preferences) {
             auto *const check = new QCheckBox(tr(preference.text));
             check->setObjectName(preference.key);

@@ -72,14 +72,17 @@ void connectPhotos(CommandActions &actions, AppController &controller)
 
     using Presets = AppController::Presets;
     const auto copyAndReset = [&](ActionId copy, ActionId reset, Presets presets) {
-        actions.setHandler(copy, [&controller, presets] { controller.copyManualPositioning(presets); });
+        actions.setHandler(copy, [&controller, presets] {
+            controller.copyManualPositioning(presets);
+            controller.statusManager().notify(
+                presets == Presets::All ? MainWindow::tr("Positions copied; select photos to paste them")
+                                        : MainWindow::tr("Position copied; select photos to paste it"));
+        });
         actions.setHandler(reset, [&controller, presets] { controller.resetManualPositioning(presets); });
     };
     copyAndReset(ActionId::CopyPosition, ActionId::ResetPosition, Presets::Current);
     copyAndReset(ActionId::CopyAllPositions, ActionId::ResetAllPositions, Presets::All);
     actions.setHandler(ActionId::PastePositions, [&controller] { controller.pasteManualPositioning(); });
-    actions.setHandler(ActionId::SaveQuickPreset,
-                       [&controller] { controller.presetCommands().saveQuickAsWPreset(); });
 }
 
 void showPreferences(const MainWindow::Services &services, MainWindow &window, ImageListPane &imageListPane)

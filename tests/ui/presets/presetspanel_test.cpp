@@ -2,6 +2,7 @@
 
 #include "support/realpointer.h"
 #include "ui/shownwindow.h"
+#include "ui/widgets/elidedlabel.h"
 #include "ui/widgets/presetlistmodel.h"
 #include "ui/widgets/presetlistview.h"
 
@@ -92,7 +93,9 @@ private Q_SLOTS:
         QTest::keyClick(&all, Qt::Key_Return);
         QCOMPARE(f.appliedNames(), u"Two Four One"_qs);
         QCOMPARE(applied.model()->rowCount(), 3);
+        QCOMPARE(applied.selectedRows(), IndexList({2})); // the preview shows it
 
+        f.applied.selectRows({});
         f.applied.selectNeighborAppliedPreset(AppliedPresets::Neighbor::Previous);
         QCOMPARE(applied.selectedRows(), IndexList({2}));
         f.applied.selectNeighborAppliedPreset(AppliedPresets::Neighbor::Next);
@@ -131,6 +134,25 @@ private Q_SLOTS:
         f.files.store.wPresetList().remove({0, 1});
         QCOMPARE(all.selectedRows(), IndexList());
         QCOMPARE(all.model()->index(0, 0).data().toString(), u"2"_qs);
+    }
+
+    void showsWhatCommandsDid()
+    {
+        Panel f;
+        const auto &hint = f.find<ElidedLabel>("statusHint");
+        Panel::mouse(f.allTable, 1, false);
+        QTRY_VERIFY(f.isEnabled(ActionId::LoadPreset));
+        f.window.actions().action(ActionId::LoadPreset)->trigger();
+        QVERIFY(f.applied.isInSingleMode());
+        QCOMPARE(hint.text(), u"The single watermark is now a copy of “Two”"_qs);
+        f.window.actions().action(ActionId::SaveQuickPreset)->trigger();
+        QCOMPARE(f.allTable.selectedRows(), IndexList({4}));
+        QCOMPARE(hint.text(), u"“Saved Quick Preset” was added to all presets"_qs);
+        QVERIFY(f.applied.isInSingleMode()); // the photos keep their watermark
+        f.applied.modeDidChange(AppliedPresets::Mode::Presets);
+        f.window.actions().setHandler(ActionId::ToggleWatermarkPresets, {});
+        Panel::mouse(f.allTable, 2, true);
+        QVERIFY(hint.text().contains(u"does not have this command"));
     }
 
     void showsTheAddedPresets()

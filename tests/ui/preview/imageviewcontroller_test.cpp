@@ -33,6 +33,7 @@ struct Preview : ShownWindow {
         presets.setQuickWPreset(std::make_shared<WPreset>(values));
         set.addImage(files.photo("a.png", kPhoto), {});
         set.addImage(files.photo("b.png"), {});
+        view.setFixedHeight(354); // whatever the other parts of the window need
         select(0);
     }
 
@@ -213,6 +214,30 @@ private Q_SLOTS:
                 pixelsOf(isTurned ? QImage(path).transformed(QTransform().rotate(90)) : QImage(path)));
             QVERIFY(mean * 2 < meanDifference(shown, bare)); // else the watermark was not compared
         }
+    }
+
+    /// Without a selected preset, and unless all are combined, no preset is drawn.
+    void showsTheSelectedPreset()
+    {
+        Preview preview;
+        const auto bare = [&] {
+            preview.settle();
+            const QImage shown = preview.view.grab().toImage();
+            return shown.pixelColor(preview.onMark() * shown.devicePixelRatio()) == QColor(Qt::darkGreen);
+        };
+        ElidedLabel &message = preview.find<ElidedLabel>("previewMessageLabel");
+        WPresetValues values = preview.presets.quickWPreset()->values();
+        values.background = true;
+        values.backgroundColor = Qt::white;
+        preview.presets.modeDidChange(AppliedPresets::Mode::Presets);
+        QCOMPARE(message.text(), QString()); // nothing is applied
+        preview.presets.addWPresetsToApplied({std::make_shared<WPreset>(values)});
+        QVERIFY(message.text().contains(u"Select one applied preset"));
+        preview.presets.selectRows({0});
+        QTRY_VERIFY(!bare());
+        QCOMPARE(message.text(), QString());
+        preview.presets.selectRows({});
+        QTRY_VERIFY(bare());
     }
 
     void follows()

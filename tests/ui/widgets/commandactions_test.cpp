@@ -68,11 +68,11 @@ private Q_SLOTS:
         using enum ActionId;
         addRows<Needs>({{"-", {AddImages}},
                         {"program", {Quit, UserGuide}},
-                        {"S", {RemoveSelected, SelectNone, CopyImages, ResetAllPositions, ShowInFileManager}},
+                        {"S", {RemoveSelected, SelectNone, ResetAllPositions, ShowInFileManager}},
                         {"SB", {ToggleMetadata}},
                         {"F", {SelectAll, InvertSelection}},
                         {"SO", {TurnRight, TurnLeft, Turn180, FlipVertical, FlipHorizontal}},
-                        {"SP", {SaveSelected, OpenSelectedInCompanion}},
+                        {"SP", {SaveSelected, OpenSelectedInCompanion, CopyImages}},
                         {"FP", {SaveAll, OpenAllInCompanion}},
                         {"a", {CopyAllPositions}},
                         {"c", {CopyPosition}},

@@ -2,10 +2,12 @@
 
 #include "ui/messageboxes.h"
 #include "ui/shownwindow.h"
+#include "ui/widgets/elidedlabel.h"
 #include "ui/widgets/filedrops.h"
 #include "ui/window/messageboxalerts.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QCheckBox>
 #include <QFileDialog>
 #include <QLabel>
@@ -20,12 +22,29 @@
 #include <QSlider>
 #include <QSplitter>
 #include <QThread>
+#include <QTimer>
 
 #include <atomic>
 #include <thread>
 
 using namespace plexa;
 using namespace plexa::test;
+
+namespace
+{
+
+/// As assistive technology reads it.
+QString nameOf(QWidget &widget)
+{
+    return QAccessible::queryAccessibleInterface(&widget)->text(QAccessible::Name);
+}
+
+QString toText(QSize size)
+{
+    return u"%1x%2"_qs.arg(size.width()).arg(size.height());
+}
+
+} // namespace
 
 class MainWindowTest : public QObject
 {
@@ -62,12 +81,172 @@ private Q_SLOTS:
                 letters.insert(letter);
             }
         }
-        for (const QAbstractButton *const button : f.window.findChildren<QAbstractButton *>()) {
-            if (button->objectName().isEmpty() || button->objectName().startsWith(u"qt_"))
+        for (QAbstractButton *const button : f.window.findChildren<QAbstractButton *>()) {
+            if (button->objectName().startsWith(u"qt_") || button->inherits("QTableCornerButton"))
                 continue;
-            QVERIFY2(!button->toolTip().isEmpty(), qPrintable(button->objectName()));
-            QVERIFY2(!button->accessibleName().isEmpty() || !button->text().isEmpty(),
-                     qPrintable(button->objectName()));
+            QVERIFY2(!nameOf(*button).isEmpty(), qPrintable(button->objectName()));
+            QVERIFY2(!button->toolTip().isEmpty() || !button->isVisible(), qPrintable(nameOf(*button)));
+        }
+    }
+
+    /// Without photos, one page stands in for preview and photos; without a match, one for the photos.
+    void pagesStandInForViews()
+    {
+        ShownWindow f;
+        auto &emptyPage = f.find<QWidget>("emptyPage");
+        auto &photos = f.find<QWidget>("imageViewBrowserSplitView");
+        QVERIFY(emptyPage.isVisible() && !photos.isVisible());
+        QCOMPARE(QApplication::focusWidget(), &f.find<QWidget>("emptyPageAddPhotosButton"));
+        QTest::mouseClick(&f.find<QAbstractButton>("emptyPageAddFolderButton"), Qt::LeftButton);
+        auto *const dialog = f.window.findChild<QFileDialog *>();
+        QVERIFY(dialog && dialog->fileMode() == QFileDialog::Directory);
+        dialog->reject();
+        f.addPhotos(words("a.png b.png"));
+        QVERIFY(!emptyPage.isVisible() && photos.isVisible());
+        QCOMPARE(QApplication::focusWidget(), &f.grid);
+        const QList<int> heights = f.find<QSplitter>("imageViewBrowserSplitView").sizes();
+        QVERIFY(std::abs(heights[0] * 45 - heights[1] * 55) < 100);
+
+        for (const bool isGrid : {true, false}) {
+            f.set.setImageListModeToBrowser(isGrid);
+            QTest::keyClicks(&f.find<QLineEdit>("searchField"), u"<b>"_qs);
+            auto &page = f.find<QWidget>("noMatchPage");
+            QVERIFY(page.isVisible() && !f.grid.isVisible() && !f.table.isVisible());
+            QCOMPARE(page.accessibleName(), u"No photo has “<b>” in its name"_qs);
+            QTest::mouseClick(&f.find<QAbstractButton>("showAllPhotosButton"), Qt::LeftButton);
+            QCOMPARE(shownNames(f.set), u"a b"_qs);
+            QWidget *const view = isGrid ? static_cast<QWidget *>(&f.grid) : &f.table;
+            QVERIFY(!page.isVisible() && view->isVisible());
+            QCOMPARE(QApplication::focusWidget(), view);
+        }
+        f.set.selection().selectAll();
+        f.set.removeSelectedImages();
+        QVERIFY(emptyPage.isVisible());
+    }
+
+    void positionsHaveWords()
+    {
+        ShownWindow f;
+        f.addPhotos(words("a.png"));
+        f.set.selection().selectAll();
+        QTimer::singleShot(0, [&] {
+            auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            QVERIFY(menu);
+            QStringList texts;
+            for (const QAction *const action : menu->actions())
+                texts.append(action->text().remove(u'&'));
+            menu->close();
+            QCOMPARE(texts.join(u'|'), u"Copy Position|Copy All Positions|Paste Positions||Reset Position|"
+                                       "Reset All Positions"_qs);
+        });
+        QTest::mouseClick(&f.find<QAbstractButton>("positionButton"), Qt::LeftButton);
+        // Copying changes nothing in sight, so the status line reports it.
+        f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Single);
+        f.controller.appliedPresets().setQuickWPreset(namedPreset(u"a"_qs));
+        f.controller.placeWatermark(f.set.images()->front(), {1, 1}, ManualPositions::EditKind::Drag);
+        f.window.actions().run(ActionId::CopyPosition);
+        QCOMPARE(f.find<ElidedLabel>("statusHint").text(), u"Position copied; select photos to paste it"_qs);
+        f.window.actions().run(ActionId::CopyImages);
+        QCOMPARE(f.find<ElidedLabel>("statusHint").text(), u"One photo is ready to be pasted"_qs);
+    }
+
+    void saysWhatIsMissing()
+    {
+        ShownWindow f;
+        const auto &hint = f.find<ElidedLabel>("statusHint");
+        QCOMPARE(hint.text(), u"Add photos to begin"_qs);
+        f.controller.gathering().scanImagesAtPaths({f.files.photo("a.png")});
+        QTRY_COMPARE(hint.accessibleName(), u"Import finished"_qs); // whose change is announced
+        f.set.removeImages(ImageList(*f.set.images()));
+        QCOMPARE(hint.text(), u"Add photos to begin"_qs);
+        f.addPhotos(words("a.png"));
+        f.window.actions().run(ActionId::ApplyPresets); // as the Return key does
+        QCOMPARE(hint.text(), reasonFor(Need::PresetSelection));
+        f.find<QTimer>("noticeTimer").setInterval(0);
+        QTRY_COMPARE(hint.text(), QString());
+        f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Presets);
+        QCOMPARE(hint.text(), u"Apply a preset to save"_qs);
+        f.controller.appliedPresets().addWPresetsToApplied({namedPreset(u"a"_qs)});
+        QCOMPARE(hint.text(), QString());
+
+        // A disabled button states why, also if its whole pane is disabled.
+        auto &button = f.find<QAbstractButton>("turnLeftButton");
+        QTRY_VERIFY(button.toolTip().endsWith(reasonFor(Need::Selection)));
+        f.set.selection().selectAll();
+        QTRY_VERIFY(button.isEnabled());
+        QVERIFY(f.controller.startSaving(*f.set.images()));
+        QVERIFY(!button.isEnabled());
+        f.window.actions().update();
+        QVERIFY(button.toolTip().endsWith(reasonFor(Need::NoSave)));
+        QTRY_VERIFY(!f.controller.batchSave().isSavingInProgress());
+    }
+
+    /// From left to right and from top to bottom, through every control once.
+    void tabOrderFollowsTheLayout()
+    {
+        ShownWindow f;
+        f.addPhotos(words("a.png"));
+        f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Presets);
+        QStringList names;
+        const QWidget *former = nullptr;
+        for (QWidget *widget = f.window.nextInFocusChain(); widget != &f.window;
+             widget = widget->nextInFocusChain()) {
+            if (!widget->isVisible() || !(widget->focusPolicy() & Qt::TabFocus) || widget->focusProxy())
+                continue;
+            names.append(widget->objectName());
+            const auto at = [&](const QWidget *w) { return w->mapTo(&f.window, w->rect().center()); };
+            if (former) { // to the right of it or below it
+                const bool isBelow = widget->mapTo(&f.window, QPoint()).y() >= at(former).y();
+                QVERIFY2(isBelow || at(widget).x() > at(former).x(), qPrintable(names.join(u' ')));
+            }
+            former = widget;
+        }
+        QCOMPARE(names.indexOf(u"imageView"_qs), 0);
+        const QStringList inOrder = words("imageView positionButton zoomSlider addImagesButton searchField "
+                                          "imageBrowser browserZoomSlider presetsModeButton "
+                                          "wPresetsAppliedTable wPresetsAllTable saveAllButton");
+        QStringList found = names;
+        found.removeIf([&](const QString &name) { return !inOrder.contains(name); });
+        QCOMPARE(found, inOrder);
+    }
+
+    void assistiveTechnologyKnowsTheGroups()
+    {
+        ShownWindow f;
+        f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Single);
+        for (const auto &[group, name] : {std::pair{"modeSegments", u"Watermark mode"_qs},
+                                          {"imageListModeSwitch", u"View of the photos"_qs}}) {
+            QAccessibleInterface *const item = QAccessible::queryAccessibleInterface(&f.find<QWidget>(group));
+            QCOMPARE(item->role(), QAccessible::Grouping);
+            QCOMPARE(item->text(QAccessible::Name), name);
+            QCOMPARE(item->childCount(), 2);
+            QCOMPARE(item->child(0)->role(), QAccessible::RadioButton);
+            QVERIFY(item->child(0)->state().checked && !item->child(1)->state().checked);
+        }
+        QStringList labeled;
+        for (QLabel *const label : f.window.findChildren<QLabel *>()) {
+            QAccessibleInterface *const item = QAccessible::queryAccessibleInterface(label);
+            for (const auto &[list, relation] : item->relations(QAccessible::Labelled)) {
+                labeled.append(list->object()->objectName());
+                QCOMPARE(list->text(QAccessible::Name), label->text());
+            }
+        }
+        QCOMPARE(labeled, words("wPresetsAppliedTable wPresetsAllTable"));
+    }
+
+    void fitsTheSmallestScreen()
+    {
+        for (const int points : {9, 14}) {
+            QFont font = QApplication::font();
+            font.setPointSize(points);
+            const auto restore =
+                qScopeGuard([former = QApplication::font()] { QApplication::setFont(former); });
+            QApplication::setFont(font);
+            ShownWindow f;
+            f.addPhotos(words("a.png"));
+            f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Presets);
+            const QSize least = f.window.minimumSizeHint();
+            QVERIFY2(least.width() <= 1180 && least.height() <= 740, qPrintable(toText(least)));
         }
     }
 
@@ -232,21 +411,23 @@ private Q_SLOTS:
     {
         ShownWindow f;
         auto &mode = f.find<QAbstractButton>("imageListModeButton");
+        auto &grid = f.find<QAbstractButton>("smallBatchButton");
         QAction &menuItem = *f.window.actions().action(ActionId::SwitchBatchMode);
+        f.addPhotos(words("a.png"));
         QTest::mouseClick(&mode, Qt::LeftButton);
         QVERIFY(!f.set.imageListIsInBrowserMode());
         QVERIFY(f.table.isVisible());
         QCOMPARE(menuItem.text().remove(u'&'), u"Switch to Small Batch Mode"_qs);
-        for (int i = 0; i < 501; ++i)
+        for (int i = 0; i < 500; ++i)
             f.set.addImage(u"/p%1.jpg"_qs.arg(i), f.files.folder.path());
         f.files.alerts.expect(u"Too many images for the Small Batch mode!"_qs);
-        QTest::mouseClick(&mode, Qt::LeftButton);
-        QVERIFY(mode.isChecked() && !f.set.imageListIsInBrowserMode());
+        QTest::mouseClick(&grid, Qt::LeftButton);
+        QVERIFY(mode.isChecked() && !grid.isChecked() && !f.set.imageListIsInBrowserMode());
         QVERIFY(f.files.alerts.shown().constFirst().text.startsWith(u"501 images are currently imported. "));
         QCOMPARE(f.files.alerts.complaints(), QStringList());
         f.set.removeImages({f.set.images()->back()});
-        QTest::mouseClick(&mode, Qt::LeftButton);
-        QVERIFY(f.set.imageListIsInBrowserMode());
+        QTest::mouseClick(&grid, Qt::LeftButton);
+        QVERIFY(f.set.imageListIsInBrowserMode() && grid.isChecked());
     }
 
     void keysBelongToTheirViews()

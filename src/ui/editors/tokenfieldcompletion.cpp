@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/editors/tokenfieldcompletion.h"
+
+#include <QAbstractItemView>
+#include <QKeyEvent>
+#include <QScrollBar>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextEdit>
+
+#include <algorithm>
+
+namespace plexa
+{
+namespace
+{
+constexpr int kVisibleNames = 8;
+} // namespace
+
+TokenFieldCompletion::TokenFieldCompletion(QTextEdit &field)
+    : QObject(&field)
+    , m_field(field)
+{
+    m_completer.setModel(&m_offered);
+    m_completer.setCompletionMode(QCompleter::UnfilteredPopupCompletion);
+    m_completer.setWidget(&field);
+    m_completer.setMaxVisibleItems(kVisibleNames);
+    m_completer.popup()->setObjectName(QStringLiteral("tokenCompletion"));
+    m_completer.popup()->setAccessibleName(tr("Tokens"));
+    connect(&m_completer, qOverload<const QString &>(&QCompleter::activated), this,
+            &TokenFieldCompletion::choose);
+}
+
+bool TokenFieldCompletion::isOpen() const
+{
+    return m_completer.popup()->isVisible();
+}
+
+void TokenFieldCompletion::keyHandled(bool isText)
+{
+    const int caret = m_field.textCursor().position();
+    const QTextDocument &document = *m_field.document();
+    const auto isBrace = [&](int position) {
+        return position >= 0 && document.characterAt(position) == u'{';
+    };
+    if (m_brace.isNull() && isText && isBrace(caret - 1) && !isBrace(caret - 2)) { // a doubled brace is text
+        m_brace = m_field.textCursor();
+        m_brace.setPosition(caret - 1);
+        m_brace.setKeepPositionOnInsert(true);
+    }
+    if (!m_brace.isNull())
+        update();
+}
+
+void TokenFieldCompletion::update()
+{
+    const QTextCursor caret = m_field.textCursor();
+    QTextCursor typed = m_brace;
+    typed.setPosition(caret.position(), QTextCursor::KeepAnchor);
+    const QString text = typed.selectedText();
+    const bool isOutside = caret.hasSelection() || caret.position() <= m_brace.position() ||
+                           caret.block() != m_brace.block() || !text.startsWith(u'{') ||
+                           text.startsWith(QLatin1String("{{"));
+    if (isOutside)
+        close();
+    else if (text.endsWith(u'}') && m_names.contains(text.mid(1).chopped(1)))
+        choose(text.mid(1).chopped(1));
+    else
+        show(text.mid(1));
+}
+
+void TokenFieldCompletion::show(const QString &typed)
+{
+    QStringList names = m_names.filter(typed, Qt::CaseInsensitive);
+    std::stable_partition(names.begin(), names.end(),
+                          [&](const QString &name) { return name.startsWith(typed, Qt::CaseInsensitive); });
+    m_offered.setStringList(names);
+    QAbstractItemView &list = *m_completer.popup();
+    if (names.isEmpty()) {
+        list.hide();
+        return;
+    }
+    QRect place = m_field.cursorRect(m_brace);
+    place.setWidth(list.sizeHintForColumn(0) + list.verticalScrollBar()->sizeHint().width() +
+                   2 * list.frameWidth());
+    m_completer.complete(place);
+    list.setCurrentIndex(m_completer.completionModel()->index(0, 0));
+}
+
+bool TokenFieldCompletion::keyPressed(const QKeyEvent &event)
+{
+    if (!isOpen())
+        return false;
+    switch (event.key()) {
+    case Qt::Key_Enter:
+    case Qt::Key_Return:
+    case Qt::Key_Tab:
+        choose(m_completer.popup()->currentIndex().data().toString());
+        return true;
+    case Qt::Key_Escape:
+        close();
+        return true;
+    default:
+        return false;
+    }
+}
+
+void TokenFieldCompletion::close()
+{
+    m_brace = QTextCursor();
+    m_completer.popup()->hide();
+}
+
+void TokenFieldCompletion::choose(const QString &name)
+{
+    QTextCursor typed = std::exchange(m_brace, QTextCursor());
+    close();
+    if (typed.isNull() || name.isEmpty())
+        return;
+    typed.setKeepPositionOnInsert(false);
+    typed.setPosition(m_field.textCursor().position(), QTextCursor::KeepAnchor);
+    m_field.setTextCursor(typed);
+    Q_EMIT chosen(name);
+}
+
+} // namespace plexa
