@@ -79,6 +79,12 @@ QVariant UserDefaults::objectForKey(const QString &key) const
     return value.isValid() ? value : QVariant(QStringList());
 }
 
+bool UserDefaults::isStored(const QString &key) const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_stored.contains(key);
+}
+
 bool UserDefaults::boolForKey(const QString &key) const
 {
     const QVariant value = objectForKey(key);

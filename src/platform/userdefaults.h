@@ -31,6 +31,9 @@ public:
     /// texts only: a number that was stored in an earlier run is read as a string.
     QVariant objectForKey(const QString &key) const;
 
+    /// Whether a value is stored: the user, or an earlier run, has set it.
+    bool isStored(const QString &key) const;
+
     /// A truth value; a number other than 0; a text that, after blanks, a sign and zeros, starts with one of
     /// Y, y, T, t, 1 to 9. Anything else is false.
     bool boolForKey(const QString &key) const;

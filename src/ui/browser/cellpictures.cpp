@@ -157,17 +157,28 @@ QImage CellPictures::mat(QSize picture, int border, double scale)
     return keep(key, image);
 }
 
-QImage CellPictures::selection(QSize size, double radius)
+QImage CellPictures::outline(QSize size, const Outline &outline)
 {
-    const Key key{Kind::Selection, std::lround(16 * radius), size};
+    const qint64 color = outline.color.rgb() & 0xffffff;
+    const Key key{Kind::Outline,
+                  color << 32 | qint64(outline.isSelection) << 31 | std::lround(4 * outline.width) << 20 |
+                      std::lround(16 * outline.radius),
+                  size};
     if (const QImage image = find(key); !image.isNull())
         return image;
     QImage image = transparent(size);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(255, 255, 255, 153)); // 0.6
-    painter.drawRoundedRect(QRectF(image.rect()), radius, radius);
+    if (outline.isSelection) {
+        painter.setBrush(QColor(255, 255, 255, 153)); // 0.6
+        painter.drawRoundedRect(QRectF(image.rect()), outline.radius, outline.radius);
+    }
+    painter.setPen(QPen(outline.color, outline.width));
+    painter.setBrush(Qt::NoBrush);
+    const double inset = outline.width / 2;
+    const double radius = std::max(0.0, outline.radius - inset);
+    painter.drawRoundedRect(QRectF(image.rect()).adjusted(inset, inset, -inset, -inset), radius, radius);
     painter.end();
     return keep(key, image);
 }

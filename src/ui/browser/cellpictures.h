@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QCache>
+#include <QColor>
 #include <QImage>
 #include <QSize>
 
@@ -34,8 +35,14 @@ public:
     /// The distance between the edges of the picture and of its mat.
     static int matMargin(int border, double scale);
 
-    /// The rounded rectangle under the thumbnail of a selected cell.
-    QImage selection(QSize size, double radius);
+    /// A rounded rectangle around a cell.
+    struct Outline {
+        double radius = 0;
+        QColor color;
+        double width = 0;         ///< of the line, inside of the rectangle
+        bool isSelection = false; ///< filled with translucent white
+    };
+    QImage outline(QSize size, const Outline &outline);
     /// Replaces a thumbnail that is not available yet.
     /// @param scale  device pixels in a point
     QImage placeholder(QSize size, double scale);
@@ -43,7 +50,7 @@ public:
     qint64 bytes() const { return m_pictures.totalCost(); }
 
 private:
-    enum class Kind { Scaled, Level, Mat, Selection, Placeholder };
+    enum class Kind { Scaled, Level, Mat, Outline, Placeholder };
     struct Key {
         Kind kind;
         qint64 of; ///< the thumbnail's cache key, or the picture's other parameters

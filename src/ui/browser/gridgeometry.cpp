@@ -16,6 +16,11 @@ constexpr double kViewPadding = 10; // around the grid
 constexpr double kMinSpacing = 4;   // between cells
 constexpr double kInsertionBarWidth = 4;
 
+double largestCell(QSizeF visible)
+{
+    return std::min(visible.width(), visible.height()) - 2 * (kViewPadding + kMinSpacing);
+}
+
 } // namespace
 
 GridGeometry::GridGeometry(int count, QSizeF visible, float zoomFactor)
@@ -25,7 +30,7 @@ GridGeometry::GridGeometry(int count, QSizeF visible, float zoomFactor)
     // The cube gives fine control over small sizes.
     const double zoom = std::clamp(static_cast<double>(zoomFactor), 0.0, 1.0);
     const double share = zoom * zoom * zoom;
-    const double largest = std::min(visible.width(), visible.height()) - 2 * (kViewPadding + kMinSpacing);
+    const double largest = largestCell(visible);
     m_cellSize = largest > kMinCellSize ? share * largest + (1 - share) * kMinCellSize : kMinCellSize;
 
     const double width = visible.width() - 2 * kViewPadding;
@@ -39,6 +44,13 @@ GridGeometry::GridGeometry(int count, QSizeF visible, float zoomFactor)
     m_needsScrollBar = m_rows > 0 && m_height > visible.height();
     if (!m_needsScrollBar)
         m_height = visible.height();
+}
+
+float GridGeometry::zoomFactorFor(double cellSize, QSizeF visible)
+{
+    const double range = largestCell(visible) - kMinCellSize;
+    const double share = range > 0 ? (cellSize - kMinCellSize) / range : 0;
+    return static_cast<float>(std::cbrt(std::clamp(share, 0.0, 1.0)));
 }
 
 GridGeometry GridGeometry::besideScrollBar(int count, QSizeF full, double scrollBarWidth, float zoomFactor)

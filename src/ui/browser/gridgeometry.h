@@ -27,6 +27,9 @@ public:
     /// As above; where the rows do not fit, beside a scroll bar of this width.
     static GridGeometry besideScrollBar(int count, QSizeF full, double scrollBarWidth, float zoomFactor);
 
+    /// The least zoom factor with cells of this size.
+    static float zoomFactorFor(double cellSize, QSizeF visible);
+
     int count() const { return m_count; }
     double cellSize() const { return m_cellSize; }
     /// At least 1: a view too narrow for one cell shows a part of it.

@@ -2,6 +2,7 @@
 
 #include "ui/browser/gridpainter.h"
 
+#include <QFontInfo>
 #include <QFontMetrics>
 #include <QPainter>
 #include <QTextOption>
@@ -22,8 +23,9 @@ constexpr double kSelectionRadius = 0.1;
 constexpr double kPlaceholderWidth = 0.8;
 constexpr double kPlaceholderShape = 0.7; // its height by its width
 // Points.
-constexpr double kTextSize = 10; // pixel size of a name's font, and reserved height
-constexpr double kFocusRing = 2;
+constexpr int kMinTextSize = 11; // pixel size of a name's font
+constexpr double kMark = 2;      // line around a selected cell, an insertion bar, a rubber band
+constexpr double kFocusRing = 4;
 
 /// How much of a frame's time may go into scaling thumbnails and laying out names.
 constexpr int kSharpMilliseconds = 5;
@@ -89,7 +91,7 @@ const QStaticText *NameLayouts::layout(const QString &name, const QFont &font, i
 QFont NameLayouts::fontOf(const QFont &font, double scale)
 {
     QFont result(font);
-    result.setPixelSize(qRound(kTextSize * scale));
+    result.setPixelSize(qRound(std::max(kMinTextSize, QFontInfo(font).pixelSize()) * scale));
     return result;
 }
 
@@ -107,6 +109,7 @@ GridPainter::GridPainter(QPainter &painter, const GridGeometry &geometry, const 
     , m_names(names)
     , m_place(place)
     , m_font(NameLayouts::fontOf(style.font, place.devicePixelRatio))
+    , m_textHeight(QFontMetrics(m_font).height())
 {
     m_clock.start();
     m_painter.save();
@@ -131,12 +134,23 @@ QRect GridPainter::toDevice(const QRectF &rect) const
 
 void GridPainter::drawInsertionBar(const QRectF &bar)
 {
-    m_painter.fillRect(toDevice(bar), translucent(Qt::white, 0.5));
+    const QRect place = toDevice(bar);
+    const int line = qRound(kMark * m_place.devicePixelRatio);
+    m_painter.fillRect(place, translucent(Qt::white, 0.5));
+    m_painter.fillRect(QRect(place.topLeft() - QPoint(line, 0), QSize(line, place.height())),
+                       m_style.markColor);
+    m_painter.fillRect(QRect(place.topRight() + QPoint(1, 0), QSize(line, place.height())),
+                       m_style.markColor);
 }
 
 void GridPainter::drawRubberBand(const QRectF &band)
 {
-    m_painter.fillRect(toDevice(band), translucent(Qt::blue, 0.3));
+    const QRect place = toDevice(band);
+    const double line = m_place.devicePixelRatio;
+    m_painter.fillRect(place, translucent(Qt::blue, 0.3));
+    m_painter.setPen(QPen(m_style.markColor, line));
+    m_painter.setBrush(Qt::NoBrush);
+    m_painter.drawRect(QRectF(place).adjusted(line / 2, line / 2, -line / 2, -line / 2));
 }
 
 bool GridPainter::drawCell(const QRectF &cell, const CellContents &contents)
@@ -147,31 +161,29 @@ bool GridPainter::drawCell(const QRectF &cell, const CellContents &contents)
     const int padding = qRound(kCellPadding * size);
     const QRect area = cellPixels.adjusted(padding, padding, -padding, -padding);
 
-    if (contents.isSelected)
-        m_painter.drawImage(cellPixels.topLeft(),
-                            m_pictures.selection(cellPixels.size(), kSelectionRadius * area.width()));
-    if (contents.hasFocusRing) {
-        const double line = kFocusRing * ratio;
-        m_painter.save();
-        m_painter.setRenderHint(QPainter::Antialiasing);
-        m_painter.setPen(QPen(m_style.focusColor, line));
-        m_painter.setBrush(Qt::NoBrush);
-        const double radius = kSelectionRadius * area.width();
-        m_painter.drawRoundedRect(QRectF(cellPixels).adjusted(line / 2, line / 2, -line / 2, -line / 2),
-                                  radius, radius);
-        m_painter.restore();
-    }
+    if (contents.isSelected || contents.hasFocus)
+        drawOutline(cellPixels, contents);
 
     QRect pictureArea = area;
     bool isSharp = true;
     if (m_style.showFilenames) {
-        const int textHeight = qRound(kTextSize * ratio);
-        isSharp =
-            drawName(QRect(cellPixels.x(), area.bottom() + 1 - textHeight, cellPixels.width(), textHeight),
-                     contents.filename);
-        pictureArea.setBottom(area.bottom() - textHeight);
+        isSharp = drawName(
+            QRect(cellPixels.x(), area.bottom() + 1 - m_textHeight, cellPixels.width(), m_textHeight),
+            contents.filename);
+        pictureArea.setBottom(area.bottom() - m_textHeight);
     }
     return drawThumbnail(pictureArea, contents.thumbnail) && isSharp;
+}
+
+void GridPainter::drawOutline(const QRect &cell, const CellContents &contents)
+{
+    const double ratio = m_place.devicePixelRatio;
+    CellPictures::Outline outline;
+    outline.radius = kSelectionRadius * (1 - 2 * kCellPadding) * cell.width();
+    outline.color = contents.hasFocus ? m_style.focusColor : m_style.markColor;
+    outline.width = (contents.hasFocus ? kFocusRing : kMark) * ratio;
+    outline.isSelection = contents.isSelected;
+    m_painter.drawImage(cell.topLeft(), m_pictures.outline(cell.size(), outline));
 }
 
 bool GridPainter::drawThumbnail(const QRect &area, const QImage &thumbnail)

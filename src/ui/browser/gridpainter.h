@@ -21,7 +21,8 @@ struct GridStyle {
     bool showFilenames = true;
     QFont font;
     QColor textColor;
-    QColor focusColor; ///< of the ring around the image that has the keyboard focus
+    QColor markColor;  ///< of the marks of selected cells and of drags
+    QColor focusColor; ///< of that ring
 };
 
 /// What a cell shows.
@@ -29,7 +30,7 @@ struct CellContents {
     QImage thumbnail; ///< mirrored top to bottom; may be null
     QString filename;
     bool isSelected = false;
-    bool hasFocusRing = false;
+    bool hasFocus = false; ///< as the preview shows it
 };
 
 /// File names laid out for the width of a cell, shortened with an ellipsis where they are too long.
@@ -40,7 +41,7 @@ public:
     /// @param makes  false: returns null if the name has not been laid out yet
     const QStaticText *layout(const QString &name, const QFont &font, int width, bool makes);
     static bool isShortened(const QString &name, const QFont &font, int width);
-    /// The font of the names. @param scale  device pixels in a point
+    /// The font of the names: the user's, but of at least 11 points. @param scale  device pixels in a point
     static QFont fontOf(const QFont &font, double scale);
 
 private:
@@ -81,6 +82,7 @@ public:
 
 private:
     QRect toDevice(const QRectF &rect) const;
+    void drawOutline(const QRect &cell, const CellContents &contents);
     bool drawThumbnail(const QRect &area, const QImage &thumbnail);
     bool hasTime() const;
     bool drawName(const QRect &area, const QString &name);
@@ -92,6 +94,7 @@ private:
     NameLayouts &m_names;
     const Place m_place;
     QFont m_font;
+    int m_textHeight; // of a name
     QElapsedTimer m_clock;
 };
 

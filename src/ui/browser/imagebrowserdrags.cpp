@@ -23,7 +23,9 @@ constexpr double kScrollMargin = 24; // points
 constexpr int kDragImageSize = 150;  // points
 constexpr int kDragImageStep = 5;
 constexpr int kMaxDragImageOffset = 50;
-constexpr double kDragImageOpacity = 0.9;
+constexpr double kDragImageOpacity = 0.6;
+/// From the pointer to the picture, which must not hide where a drop goes.
+constexpr QPoint kBesidePointer(16, 16);
 
 } // namespace
 
@@ -63,13 +65,16 @@ QPixmap ImageBrowserDrags::dragImage() const
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.setOpacity(kDragImageOpacity);
     for (const auto &[place, picture] : pile)
         painter.drawImage(place, picture);
+    // The pile is translucent, not its pictures one upon the other.
+    painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+    painter.setOpacity(kDragImageOpacity);
+    painter.fillRect(bounds.adjusted(-offset, -offset, 0, 0), Qt::black);
     return pixmap;
 }
 
-void ImageBrowserDrags::start(QPointF mouseDownPoint, QPointF viewportPoint)
+void ImageBrowserDrags::start()
 {
     if (m_isDragging)
         return;
@@ -85,8 +90,7 @@ void ImageBrowserDrags::start(QPointF mouseDownPoint, QPointF viewportPoint)
     m_draggedFiles = files;
     if (const QPixmap image = dragImage(); !image.isNull())
         drag->setPixmap(image);
-    drag->setHotSpot(
-        (viewportPoint - m_view.viewportRect(QRectF(mouseDownPoint, QSizeF())).topLeft()).toPoint());
+    drag->setHotSpot(-kBesidePointer);
     // Once the drag has its window.
     if (!files->firstName().isEmpty())
         QTimer::singleShot(0, files, [files] { X11Drag::offerName(files->firstName()); });

@@ -37,9 +37,7 @@ public:
 
     /// Drags the selected images and returns after the drop. Does nothing while a drag runs. The view and
     /// this object may be destroyed meanwhile.
-    /// @param mouseDownPoint  of the grid
-    /// @param viewportPoint   of the pointer
-    void start(QPointF mouseDownPoint, QPointF viewportPoint);
+    void start();
 
     /// Handles an event of the viewport. @return false for an event of another kind
     bool handle(QEvent &event);

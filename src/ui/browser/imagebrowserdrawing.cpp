@@ -6,6 +6,7 @@
 #include "ui/browser/imagebrowserinput.h"
 #include "ui/browser/imagebrowserview.h"
 #include "ui/widgets/emptyhint.h"
+#include "ui/widgets/look.h"
 
 #include <QPainter>
 
@@ -59,8 +60,9 @@ void ImageBrowserDrawing::paint(const QRect &rect)
     }
     QPainter painter(viewport);
     const QPalette &palette = m_view.palette();
-    const GridStyle style{m_view.showFilenames(), m_view.font(), palette.color(QPalette::WindowText),
-                          palette.color(QPalette::Highlight)};
+    const QColor text = palette.color(QPalette::WindowText);
+    const GridStyle style{m_view.showFilenames(), m_view.font(), text, look::kMark,
+                          m_view.hasFocus() ? look::kMark : text};
     const QPointF origin = m_view.visibleRect().topLeft();
     GridPainter grid(painter, m_view.geometry(), style, m_pictures, m_names,
                      {origin, viewport->devicePixelRatioF()});
@@ -96,7 +98,7 @@ CellContents ImageBrowserDrawing::contentsOf(int index, const QRectF &cell) cons
         contents.filename = images.filename(index);
     const auto &band = m_input.rubberBand();
     contents.isSelected = m_view.isIndexSelected(index) || (band && cell.intersects(*band));
-    contents.hasFocusRing = m_view.hasFocus() && index == m_view.focusImageIndex();
+    contents.hasFocus = index == m_view.focusImageIndex();
     return contents;
 }
 

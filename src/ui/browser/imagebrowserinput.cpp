@@ -123,7 +123,7 @@ void ImageBrowserInput::move(const QMouseEvent &event)
         (point - m_mouseDownPoint).manhattanLength() >= QApplication::startDragDistance() &&
         delegate->shouldDragPromisedFiles()) {
         m_mouseDownAtImage = false;
-        m_drags.start(m_mouseDownPoint, event.position());
+        m_drags.start();
     }
 }
 

@@ -27,6 +27,9 @@ constexpr float kZoomStep = 0.1F;
 /// A drag shows thumbnails of this size, so they are kept at least as large; device pixels.
 constexpr int kMinThumbnailSide = 200;
 
+/// Points; a photo in it has 96 on its longer side at least, without frame and name.
+constexpr double kFirstCellSize = 152;
+
 /// The photos of a list for a grid. Refers to the list, which may change; main thread.
 class PhotoSource final : public ImageBrowserSource
 {
@@ -212,9 +215,21 @@ void ImageBrowserViewController::movedIndexes(const QList<int> &indexes, int toI
 
 void ImageBrowserViewController::setBrowserZoomFactor(float zoomFactor)
 {
+    m_defaults.setObject(settings::imageBrowserZoomFactor, std::clamp(zoomFactor, 0.0F, 1.0F));
+    showZoom(zoomFactor);
+}
+
+void ImageBrowserViewController::showZoom(float zoomFactor)
+{
     m_view.setZoomFactor(zoomFactor);
-    m_defaults.setObject(settings::imageBrowserZoomFactor, m_view.zoomFactor());
     Q_EMIT browserZoomFactorChanged(m_view.zoomFactor());
+}
+
+void ImageBrowserViewController::gridDidResize()
+{
+    if (!m_defaults.isStored(settings::imageBrowserZoomFactor))
+        showZoom(std::max(m_defaults.floatForKey(settings::imageBrowserZoomFactor),
+                          GridGeometry::zoomFactorFor(kFirstCellSize, QSizeF(m_view.contentsRect().size()))));
 }
 
 void ImageBrowserViewController::zoomBrowser(Zoom direction)
@@ -232,7 +247,10 @@ void ImageBrowserViewController::setShowBrowserFilenames(bool show)
 void ImageBrowserViewController::followZoomAndNames()
 {
     setShowBrowserFilenames(m_defaults.boolForKey(settings::imageBrowserShowsNames));
-    setBrowserZoomFactor(m_defaults.floatForKey(settings::imageBrowserZoomFactor));
+    if (m_defaults.isStored(settings::imageBrowserZoomFactor))
+        showZoom(m_defaults.floatForKey(settings::imageBrowserZoomFactor));
+    else
+        gridDidResize();
 }
 
 void ImageBrowserViewController::followShowOriginalOnMouseOver()

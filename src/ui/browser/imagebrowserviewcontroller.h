@@ -40,6 +40,8 @@ public:
     /// One step.
     void zoomBrowser(Zoom direction);
     void setShowBrowserFilenames(bool show);
+    /// Until the user has chosen a zoom, the thumbnails keep a size that shows what is on them.
+    void gridDidResize();
     bool showsWatermarks() const { return m_showsWatermarks; }
     /// On the thumbnails; stored in the settings.
     void setShowsWatermarks(bool shows);
@@ -72,6 +74,7 @@ Q_SIGNALS:
 
 private:
     void connectAll();
+    void showZoom(float zoomFactor);
     void showList();
     void followPresets();
     void followVisibleImages();

@@ -7,6 +7,7 @@
 #include "ui/browser/imagebrowserviewcontroller.h"
 #include "ui/browser/imagelistview.h"
 #include "ui/widgets/commandactions.h"
+#include "ui/widgets/dropframe.h"
 #include "ui/widgets/look.h"
 #include "ui/widgets/messagepage.h"
 #include "ui/widgets/segmentedswitch.h"
@@ -48,6 +49,8 @@ ImageListPane::ImageListPane(const Services &services, QWidget *parent)
     m_imageListTable->setContextMenu(m_imageMenu);
     m_imageBrowser->setContextMenu(m_imageMenu);
     m_imageBrowser->viewport()->installEventFilter(this);
+    new DropFrame(m_imageBrowser->viewport(), m_imageBrowser);
+    new DropFrame(m_imageListTable->viewport(), m_imageListTable);
 
     // Only in the photo views; elsewhere the key removes other things.
     m_actions.useShortcutIn(*m_imageListContainer, ActionId::RemoveSelected);
@@ -286,6 +289,7 @@ bool ImageListPane::eventFilter(QObject *object, QEvent *event)
             m_imageBrowser->cellForIndex(m_imageBrowser->focusImageIndex()); // before the new layout
         if (cell && seen.intersects(*cell))
             QTimer::singleShot(0, m_imageBrowser, &ImageBrowserView::scrollFocusImageToVisible);
+        m_browserController->gridDidResize();
     }
     return QWidget::eventFilter(object, event);
 }

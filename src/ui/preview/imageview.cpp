@@ -2,6 +2,8 @@
 
 #include "ui/preview/imageview.h"
 
+#include "ui/widgets/look.h"
+
 #include <QIcon>
 #include <QKeyEvent>
 #include <QNativeGestureEvent>
@@ -23,9 +25,6 @@ constexpr double kCheckSide = 20;
 constexpr int kInfoFontSize = 18;
 constexpr double kMargin = 0.25; // of the view, drawn on each side for the next movement
 constexpr int kCursorSide = 24;
-const QColor kGround = QColor::fromRgbF(0.667F, 0.667F, 0.667F);
-const QColor kInfoColor(0x33, 0x33, 0x33); // 5:1 on the ground
-const QColor kCheckGray = QColor::fromRgbF(0.9F, 0.9F, 0.9F);
 
 /// None for other keys than those of the tools.
 Qt::KeyboardModifiers modifierOf(int key)
@@ -173,12 +172,12 @@ void ImageView::setNoImageInfoString(const QString &text)
 void ImageView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.fillRect(rect(), kGround);
+    painter.fillRect(rect(), look::kPreviewGround);
     if (!imageIsShown()) {
         QFont infoFont = font();
         infoFont.setPixelSize(kInfoFontSize);
         painter.setFont(infoFont);
-        painter.setPen(kInfoColor);
+        painter.setPen(look::kPreviewText);
         painter.drawText(rect(), Qt::AlignCenter | Qt::TextWordWrap, m_noImageInfoString);
         return;
     }
@@ -199,7 +198,7 @@ void ImageView::drawChecks(QPainter &painter) const
 {
     const QRectF layer = m_geometry.layerRectInView();
     const QRectF shown = layer.intersected(rect());
-    painter.fillRect(shown, kCheckGray);
+    painter.fillRect(shown, look::kCheckGray);
     const int firstColumn = int((shown.left() - layer.left()) / kCheckSide);
     const int firstRow = int((layer.bottom() - shown.bottom()) / kCheckSide);
     painter.save();

@@ -2,6 +2,8 @@
 
 #include "ui/widgets/emptyhint.h"
 
+#include "ui/widgets/look.h"
+
 #include <QPainter>
 #include <QWidget>
 
@@ -14,7 +16,7 @@ void paintEmptyHint(QWidget *widget, const QString &text)
     QFont font = widget->font();
     font.setPointSizeF(18);
     painter.setFont(font);
-    painter.setPen(QColor(85, 85, 85)); // dark gray
+    painter.setPen(look::kHintText);
     painter.drawText(widget->rect().adjusted(12, 12, -12, -12), Qt::AlignCenter | Qt::TextWordWrap, text);
 }
 

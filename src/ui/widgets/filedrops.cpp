@@ -22,12 +22,15 @@ QStringList droppedFiles(const QMimeData *data)
     return paths;
 }
 
-void acceptFiles(QDropEvent *event)
+bool canAcceptFiles(const QDropEvent &event)
 {
     // Photos of the grid are in the list already; requesting their files would write copies.
-    if (event->mimeData()->hasFormat(kPhotoSelectionType))
-        return;
-    if (!event->possibleActions().testFlag(Qt::CopyAction) || droppedFiles(event->mimeData()).isEmpty())
+    return event.possibleActions().testFlag(Qt::CopyAction) && !droppedFiles(event.mimeData()).isEmpty();
+}
+
+void acceptFiles(QDropEvent *event)
+{
+    if (!canAcceptFiles(*event))
         return;
     event->setDropAction(Qt::CopyAction);
     event->accept();

@@ -17,6 +17,9 @@ inline const QString kPhotoSelectionType = QStringLiteral("com.quorvel.ImageBrow
 /// The dragged or pasted files of this computer; empty for a drag from the grid.
 QStringList droppedFiles(const QMimeData *data);
 
+/// Whether files are dragged that may be copied.
+bool canAcceptFiles(const QDropEvent &event);
+
 /// Accepts dragged files, as a copy; ignores anything else.
 void acceptFiles(QDropEvent *event);
 

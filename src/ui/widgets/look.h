@@ -24,10 +24,18 @@ inline constexpr QColor kDarkAccent(0x33, 0x68, 0x9c);
 inline constexpr QColor kDarkestAccent(0x12, 0x29, 0x3f);
 inline constexpr QColor kLightAccent(0xb9, 0xd4, 0xef); ///< behind dark texts and icons
 
+inline constexpr QColor kPhotoGround(0x94, 0x9a, 0xa1); ///< of the grid and the list; 5.1:1 to texts
+inline constexpr QColor kMark(0x1a, 0x48, 0x77);        ///< of selections and drags: 3.3:1 on that ground
+
 inline constexpr QColor kWindow(0xf1, 0xf2, 0xf4);
 inline constexpr QColor kButton(0xfb, 0xfc, 0xfc);
 inline constexpr QColor kButtonHover(0xee, 0xf1, 0xf4);
 inline constexpr QColor kSeparator(0xcf, 0xd3, 0xd7);
 inline constexpr QColor kControlBorder(0xb9, 0xbe, 0xc4);
+
+inline constexpr QColor kPreviewGround(0xaa, 0xaa, 0xaa);
+inline constexpr QColor kPreviewText(0x33, 0x33, 0x33); ///< 5:1 on the ground of the preview
+inline constexpr QColor kCheckGray(0xe6, 0xe6, 0xe6);   ///< behind transparent pixels, beside white
+inline constexpr QColor kHintText(0x55, 0x55, 0x55);    ///< of a view without photos
 
 } // namespace plexa::look

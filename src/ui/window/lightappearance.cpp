@@ -69,8 +69,8 @@ QPalette lightPalette()
     palette.setColor(QPalette::BrightText, Qt::white);
     palette.setColor(QPalette::Light, Qt::white);
     palette.setColor(QPalette::Midlight, QColor(0xe4, 0xe6, 0xe9));
-    palette.setColor(QPalette::Mid, QColor(0xbf, 0xc3, 0xc8));  // background of the grid and the list
-    palette.setColor(QPalette::Dark, QColor(0xaa, 0xaa, 0xaa)); // background of the preview
+    palette.setColor(QPalette::Mid, look::kPhotoGround);
+    palette.setColor(QPalette::Dark, look::kPreviewGround);
     palette.setColor(QPalette::Shadow, QColor(0x6c, 0x74, 0x7c));
     palette.setColor(QPalette::Highlight, look::kAccent);
     palette.setColor(QPalette::HighlightedText, Qt::white);

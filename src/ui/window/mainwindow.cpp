@@ -12,6 +12,7 @@
 #include "ui/preview/imageviewcontroller.h"
 #include "ui/preview/previewpane.h"
 #include "ui/widgets/commandactions.h"
+#include "ui/widgets/dropframe.h"
 #include "ui/widgets/filedrops.h"
 #include "ui/widgets/look.h"
 #include "ui/widgets/messagepage.h"
@@ -105,6 +106,7 @@ void MainWindow::makeViews()
     layout->addWidget(m_panelSplitView, 1);
     layout->addWidget(makeBottomBar());
     setCentralWidget(central);
+    new DropFrame(this, central);
 }
 
 /// Preview and photos, or a page in place of both.

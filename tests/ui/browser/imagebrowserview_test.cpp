@@ -7,15 +7,18 @@
 #include "support/testpictures.h"
 #include "ui/browser/cellpictures.h"
 #include "ui/browser/gridfakes.h"
+#include "ui/browser/gridpainter.h"
 #include "ui/browser/imagebrowserview.h"
 #include "ui/browser/promisedfiles.h"
 #include "ui/widgets/filedrops.h"
+#include "ui/window/lightappearance.h"
 
 #include <QAccessible>
 #include <QApplication>
 #include <QDrag>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QLineEdit>
 #include <QMenu>
 #include <QNativeGestureEvent>
 #include <QPointingDevice>
@@ -30,6 +33,21 @@ using namespace plexa::test;
 
 namespace
 {
+
+/// The ratio of two colors by the formula of the Web Content Accessibility Guidelines.
+double contrast(const QColor &one, const QColor &other)
+{
+    const auto luminance = [](const QColor &color) {
+        const auto linear = [](double v) {
+            return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+               0.0722 * linear(color.blueF());
+    };
+    const double a = luminance(one) + 0.05;
+    const double b = luminance(other) + 0.05;
+    return std::max(a, b) / std::min(a, b);
+}
 
 struct Steps {
     Text name; ///< keys, and digits for clicks on these cells, all with modifiers
@@ -350,12 +368,48 @@ private Q_SLOTS:
         QVERIFY(pixel(1, 0.5, 0.04).lightness() > ground.lightness() + 20);
 
         CellPictures pictures(1 << 20);
-        const QImage selection = pictures.selection({40, 40}, 8);
-        QCOMPARE(selection.pixel(20, 0), selection.pixel(20, 20)); // no outline
         // The cache is bounded by bytes.
         for (int i = 10; i < 400; ++i)
             QCOMPARE(pictures.makeScaled(grid.images->images[0], {i, i}).size(), QSize(i, i));
         QVERIFY(pictures.bytes() <= 1 << 20);
+    }
+
+    /// The marks of state differ from what is beside them by 3:1, texts by 4.5:1.
+    void marksCanBeSeen()
+    {
+        setLightAppearance(*qApp);
+        QFont large = QApplication::font();
+        large.setPixelSize(19);
+        Grid grid;
+        QVERIFY(NameLayouts::fontOf(large, 1).pixelSize() == 19 &&
+                NameLayouts::fontOf(large, 2).pixelSize() == 38);
+        large.setPixelSize(9);
+        QCOMPARE(NameLayouts::fontOf(large, 1).pixelSize(), 11);
+        QLineEdit other;
+        other.show();
+        grid.view.takeSelection({1, 2}, 2);
+        const auto edge = [&](int index, double inset) {
+            const QRectF cell = grid.view.viewportRect(*grid.view.cellForIndex(index));
+            return grid.view.viewport()->grab().toImage().pixelColor(
+                QPointF(cell.left() + inset, cell.center().y()).toPoint());
+        };
+        const QColor ground = edge(0, 1);
+        const QColor text = grid.view.palette().color(QPalette::WindowText);
+        QVERIFY(contrast(text, ground) >= 4.5 && contrast(text, edge(1, 4)) >= 4.5);
+        for (const bool hasKeyboard : {true, false}) {
+            static_cast<QWidget *>(hasKeyboard ? static_cast<QWidget *>(&grid.view) : &other)
+                ->activateWindow();
+            QTRY_COMPARE(grid.view.hasFocus(), hasKeyboard);
+            for (const int index : {1, 2}) {
+                QVERIFY(contrast(edge(index, 1), ground) >= 3);
+                QVERIFY(contrast(edge(index, 1), edge(index, 5)) >= 3);
+            }
+            QVERIFY(contrast(edge(2, 3), edge(1, 3)) >= 3); // the focus image has a thicker line
+            grid.view.takeSelection({1}, 2);
+            QVERIFY(contrast(edge(2, 1), ground) >= 3);
+            QVERIFY(edge(2, 5).lightness() + 20 < edge(1, 5).lightness()); // not selected
+            grid.view.takeSelection({1, 2}, 2);
+        }
     }
 
     /// A picture is drawn in the pixels of the device, at every scale of the screen.
@@ -382,11 +436,14 @@ private Q_SLOTS:
             for (int x = 0; x < drawn.width(); ++x)
                 if (drawn.pixel(x, y) == square.pixel(0, 0))
                     place |= QRect(x, y, 1, 1);
-        // Beside the picture are padding, shadow and border, below it the name of 10 points.
+        // Beside the picture are padding, shadow and border, below it the name.
+        const double name = QFontMetrics(NameLayouts::fontOf(grid.view.font(), ratio)).height() / ratio;
         const QRectF cell = grid.view.viewportRect(*grid.view.cellForIndex(8));
-        const double size = ratio * (0.9 * (1 - 2 * (0.03 + 0.06)) * cell.width() - 10);
+        const double size = ratio * (0.9 * (1 - 2 * (0.03 + 0.06)) * cell.width() - name);
         QVERIFY(std::abs(place.width() - size) <= 3 && place.width() == place.height());
-        QVERIFY((QPointF(place.center()) - ratio * (cell.center() - QPointF(0, 5))).manhattanLength() <= 3);
+        QVERIFY(
+            (QPointF(place.center()) - ratio * (cell.center() - QPointF(0, name / 2))).manhattanLength() <=
+            3);
 
         // A picture of this size is not scaled, so not one of its pixels is lost.
         const QImage noise = randomPicture(place.size());
@@ -447,6 +504,8 @@ private Q_SLOTS:
         const QDrag *drag = begin(3);
         QVERIFY(drag);
         QVERIFY(drag->pixmap().width() > 100);
+        QVERIFY(drag->hotSpot().x() < 0 && drag->hotSpot().y() < 0); // beside the pointer
+        QVERIFY(std::abs(drag->pixmap().toImage().pixelColor(100, 50).alpha() - 153) <= 1); // 60 %
         QCOMPARE(grid.delegate.take(), QByteArray("focus 3<4; promised 3,4"));
         const int gap = barLightness();
         QCOMPARE(entered(viewport, drag->mimeData(), before10, both), Qt::MoveAction);

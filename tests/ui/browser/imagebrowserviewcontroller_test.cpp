@@ -5,8 +5,10 @@
 #include "ui/browser/imagebrowserviewcontroller.h"
 #include "ui/browser/imagelistpane.h"
 #include "ui/shownwindow.h"
+#include "ui/widgets/filedrops.h"
 
 #include <QClipboard>
+#include <QDragEnterEvent>
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QSignalSpy>
@@ -163,6 +165,46 @@ private Q_SLOTS:
             QCOMPARE(browser.files.defaults.boolForKey(settings::watermarksOnThumbnails), isOn);
             QCOMPARE(mark(0), isOn ? Below : None);
         }
+    }
+
+    /// Files from other programs show a frame on the pane that accepts them, and nothing else does.
+    void hoveringFilesAreFramed()
+    {
+        Browser browser;
+        QMimeData files;
+        files.setUrls({QUrl(u"file:///photos/a.jpg"_qs)});
+        QMimeData words;
+        words.setText(u"words"_qs);
+        QMimeData photos;
+        photos.setUrls(files.urls());
+        photos.setData(kPhotoSelectionType, "from a grid");
+        const auto isFramed = [](const QWidget &pane) {
+            const auto *frame = pane.findChild<QWidget *>(u"dropFrame"_qs, Qt::FindDirectChildrenOnly);
+            return frame->isVisible() && frame->geometry() == pane.rect();
+        };
+        const auto hover = [](QWidget &target, const QMimeData &data) {
+            QDragEnterEvent enter({50, 50}, Qt::CopyAction, &data, Qt::LeftButton, {});
+            QCoreApplication::sendEvent(&target, &enter);
+        };
+        const auto check = [&](QWidget &target, const QWidget &pane) {
+            for (const QMimeData *data : {&words, &photos, &files}) {
+                hover(target, *data);
+                QCOMPARE(isFramed(pane), data == &files);
+            }
+            browser.window.resize(browser.window.size() + QSize(40, 40));
+            QTRY_VERIFY(isFramed(pane));
+            QDragLeaveEvent leave;
+            QCoreApplication::sendEvent(&target, &leave);
+            QVERIFY(!isFramed(pane));
+        };
+        check(*browser.grid.viewport(), browser.grid);
+        check(browser.window, *browser.window.centralWidget());
+        browser.set.setImageListModeToBrowser(false);
+        check(*browser.table.viewport(), browser.table);
+        hover(browser.window, files);
+        QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &words, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&browser.window, &drop);
+        QVERIFY(!isFramed(*browser.window.centralWidget()));
     }
 
     /// The clipboard offers a file for each photo and preset, and the first of them in several formats.

@@ -2,6 +2,7 @@
 
 #include "imageio/base/picturefailures.h"
 #include "imageio/codecs/codecs.h"
+#include "imageio/container/bmpsoftware.h"
 
 #include <QtEndian>
 
@@ -35,7 +36,7 @@ quint32 pixelsPerMeter(double dpi)
 }
 
 /// BITMAPFILEHEADER and BITMAPV4HEADER; other fields are zero.
-QByteArray headerOf(QSize size, const double *dpi)
+QByteArray headerOf(QSize size, const WriteOptions &options)
 {
     QByteArray header(kHeaderBytes, '\0');
     const auto put = [&header](qsizetype at, quint32 value) { qToLittleEndian(value, header.data() + at); };
@@ -47,11 +48,14 @@ QByteArray headerOf(QSize size, const double *dpi)
     put(22, quint32(size.height())); // positive: from the bottom row up
     put(26, 1 | 24 << 16);           // planes, bits a pixel
     put(34, quint32(fileBytes(size) - kHeaderBytes));
+    const double *const dpi = options.dpi;
     if (pixelsPerMeter(dpi[0]) > 0 && pixelsPerMeter(dpi[1]) > 0) {
         put(38, pixelsPerMeter(dpi[0]));
         put(42, pixelsPerMeter(dpi[1]));
     }
     put(70, 0x73524742); // LCS_sRGB
+    const QByteArray software = options.software.left(kBmpSoftwareBytes);
+    header.replace(kBmpSoftwareAt, software.size(), software);
     return header;
 }
 
@@ -68,7 +72,7 @@ public:
 
     Result<void> start(const WriteOptions &options)
     {
-        const QByteArray header = headerOf(m_size, options.dpi);
+        const QByteArray header = headerOf(m_size, options);
         if (m_device.write(header) != header.size())
             return fail(PictureFailures::writeError(m_device));
         return {};
