@@ -49,10 +49,10 @@ TokenFieldWithInsertPopup::TokenFieldWithInsertPopup(QWidget *parent)
     , m_completion(new TokenFieldCompletion(*this))
 {
     TokenFieldAccessible::install();
-    setAcceptRichText(false);
     setTabChangesFocus(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setAccessibleName(tr("Text with tokens"));
+    setPlaceholderText(tr("Type a text, or { for a token"));
     setToolTip(tr("Text and tokens. Type { for a list of the tokens."));
     document()->setDocumentMargin(kMargin);
     showPieces({});
@@ -288,8 +288,7 @@ void TokenFieldWithInsertPopup::mouseDoubleClickEvent(QMouseEvent *event)
 
 void TokenFieldWithInsertPopup::focusOutEvent(QFocusEvent *event)
 {
-    if (event->reason() != Qt::PopupFocusReason) // the list of names
-        m_completion->close();
+    m_completion->close();
     QTextEdit::focusOutEvent(event);
 }
 
