@@ -158,7 +158,8 @@ void BinderOf<Preset, Field>::bind(Field field, QSpinBox &box)
     const FieldLimits range = limits(field);
     box.setRange(int(std::max<double>(range.lowest, -kWidest)),
                  int(std::min<double>(range.highest, kWidest)));
-    QObject::connect(&box, &QSpinBox::valueChanged, &m_context, [this, field](int value) { write(field, integer(value)); });
+    QObject::connect(&box, &QSpinBox::valueChanged, &m_context,
+                     [this, field](int value) { write(field, integer(value)); });
     bind(field, [&box](const FieldValue &value) {
         const int number = integerOf(value);
         if (number < box.minimum() || number > box.maximum())
@@ -171,7 +172,7 @@ template<class Preset, class Field>
 void BinderOf<Preset, Field>::bind(Field field, QDoubleSpinBox &box)
 {
     QObject::connect(&box, &QDoubleSpinBox::valueChanged, &m_context,
-            [this, field](double value) { write(field, FloatNumber(float(value))); });
+                     [this, field](double value) { write(field, FloatNumber(float(value))); });
     bind(field, [&box](const FieldValue &value) {
         box.setValue(double(std::get<FloatNumber>(value).value_or(0.0F)));
     });
@@ -183,14 +184,15 @@ void BinderOf<Preset, Field>::bind(Field field, QAbstractSlider &slider)
     const FieldLimits range = limits(field);
     slider.setRange(int(range.lowest), int(range.highest));
     QObject::connect(&slider, &QAbstractSlider::valueChanged, &m_context,
-            [this, field](int value) { write(field, integer(value)); });
+                     [this, field](int value) { write(field, integer(value)); });
     bind(field, [&slider](const FieldValue &value) { slider.setValue(integerOf(value)); });
 }
 
 template<class Preset, class Field>
 void BinderOf<Preset, Field>::bind(Field field, QAbstractButton &box)
 {
-    QObject::connect(&box, &QAbstractButton::toggled, &m_context, [this, field](bool isOn) { write(field, isOn); });
+    QObject::connect(&box, &QAbstractButton::toggled, &m_context,
+                     [this, field](bool isOn) { write(field, isOn); });
     bind(field, [&box](const FieldValue &value) { box.setChecked(std::get<bool>(value)); });
 }
 
@@ -210,7 +212,7 @@ template<class Preset, class Field>
 void BinderOf<Preset, Field>::bind(Field field, ColorWell &well)
 {
     QObject::connect(&well, &ColorWell::colorChosen, &m_context,
-            [this, field](const QColor &color) { write(field, color); });
+                     [this, field](const QColor &color) { write(field, color); });
     bind(field, [&well](const FieldValue &value) { well.setColor(std::get<QColor>(value)); });
 }
 
@@ -222,7 +224,7 @@ void BinderOf<Preset, Field>::bind(Field field, QComboBox &box)
             box.addItem(choice, choice);
     }
     QObject::connect(&box, &QComboBox::activated, &m_context,
-            [this, field, &box](int index) { write(field, box.itemData(index).toString()); });
+                     [this, field, &box](int index) { write(field, box.itemData(index).toString()); });
     bind(field,
          [&box](const FieldValue &value) { box.setCurrentIndex(box.findData(std::get<QString>(value))); });
 }

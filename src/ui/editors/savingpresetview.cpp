@@ -64,11 +64,11 @@ void SavingPresetView::addFileName()
     insert->setPopupMode(QToolButton::InstantPopup);
     insert->setFocusPolicy(Qt::StrongFocus);
     m_tokens->setInsertPopUpButton(insert);
-    QObject::connect(m_tokens, &TokenFieldWithInsertPopup::textTokensChanged, this,
-                     [this](const QStringList &tokens) { m_binder.write(SavingField::FilenameTokens, tokens); });
-    m_binder.bind(SavingField::FilenameTokens, [this](const FieldValue &value) {
-        m_tokens->setTextTokens(std::get<QStringList>(value));
-    });
+    QObject::connect(
+        m_tokens, &TokenFieldWithInsertPopup::textTokensChanged, this,
+        [this](const QStringList &tokens) { m_binder.write(SavingField::FilenameTokens, tokens); });
+    m_binder.bind(SavingField::FilenameTokens,
+                  [this](const FieldValue &value) { m_tokens->setTextTokens(std::get<QStringList>(value)); });
     auto *const name = new QVBoxLayout;
     name->setSpacing(look::kSmallGap);
     name->addWidget(m_tokens);
@@ -86,8 +86,8 @@ void SavingPresetView::addFileName()
 void SavingPresetView::addFormat()
 {
     m_layout->addRow(tr("Format"), popUp(SavingField::ImageFormat, tr("Format of the copies")));
-    QWidget *const alternative =
-        popUp(SavingField::AlternativeImageFormat, tr("Format of copies whose original has one that cannot be written"));
+    QWidget *const alternative = popUp(SavingField::AlternativeImageFormat,
+                                       tr("Format of copies whose original has one that cannot be written"));
     m_layout->addRow(tr("Otherwise"), alternative);
     showWhile(alternative, &SavingPresetValues::hideAlternativeFormat);
 

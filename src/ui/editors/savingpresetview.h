@@ -14,8 +14,8 @@ namespace plexa
 
 class TokenFieldWithInsertPopup;
 
-/// The editor of one saving preset: the name of the copies, their format, and what the format has. All controls
-/// write to the preset at once. Main thread.
+/// The editor of one saving preset: the name of the copies, their format, and what the format has. All
+/// controls write to the preset at once. Main thread.
 class SavingPresetView final : public QWidget
 {
     Q_OBJECT

@@ -117,9 +117,9 @@ QWidget *SaveMultiplePanel::makeDestination()
         layout->addWidget(button);
         return row;
     };
-    m_destinationRow =
-        folderRow(m_destinationLabel, makeFolderButton(QStringLiteral("destPathControl"), tr("Choose the folder"),
-                                                       *m_destinationLabel, m_destination, true));
+    m_destinationRow = folderRow(m_destinationLabel,
+                                 makeFolderButton(QStringLiteral("destPathControl"), tr("Choose the folder"),
+                                                  *m_destinationLabel, m_destination, true));
     m_destinationForm->addRow(tr("Folder"), m_destinationRow);
     m_replicates->setObjectName(QStringLiteral("replicateOrigDirStructureCheckBox"));
     m_replicates->setToolTip(tr("Copies of photos in subfolders go into subfolders of the same names"));
@@ -129,21 +129,22 @@ QWidget *SaveMultiplePanel::makeDestination()
         showExamples();
     });
     m_destinationForm->addRow(QString(), m_replicates);
-    m_replicationRow = folderRow(m_replicationLabel,
-                                 makeFolderButton(QStringLiteral("replicationPathControl"),
-                                                  tr("Choose the folder whose subfolders are recreated"),
-                                                  *m_replicationLabel, m_replicationStart, false));
+    m_replicationRow =
+        folderRow(m_replicationLabel, makeFolderButton(QStringLiteral("replicationPathControl"),
+                                                       tr("Choose the folder whose subfolders are recreated"),
+                                                       *m_replicationLabel, m_replicationStart, false));
     m_destinationForm->addRow(tr("Starting from"), m_replicationRow);
     return destination;
 }
 
-QPushButton *SaveMultiplePanel::makeFolderButton(const QString &name, const QString &purpose, ElidedLabel &label,
-                                                 QString &path, bool isOutput)
+QPushButton *SaveMultiplePanel::makeFolderButton(const QString &name, const QString &purpose,
+                                                 ElidedLabel &label, QString &path, bool isOutput)
 {
     auto *const button = new QPushButton(tr("Choose…"));
     button->setObjectName(name);
     button->setAccessibleName(purpose);
     button->setToolTip(purpose);
+    button->setAutoDefault(false); // Enter saves
     connect(button, &QAbstractButton::clicked, this,
             [this, &label, &path, isOutput] { chooseFolder(label, path, isOutput); });
     return button;
@@ -176,7 +177,8 @@ QWidget *SaveMultiplePanel::makeButtons()
     m_savingPresetsButton->setToolTip(tr("Load these settings from a saving preset, or keep them as one"));
     m_savingPresetsButton->setAutoDefault(false);
     box->addButton(m_savingPresetsButton, QDialogButtonBox::ActionRole);
-    connect(m_savingPresetsButton, &QAbstractButton::clicked, this, &SaveMultiplePanel::showSavingPresetsMenu);
+    connect(m_savingPresetsButton, &QAbstractButton::clicked, this,
+            &SaveMultiplePanel::showSavingPresetsMenu);
     connect(box, &QDialogButtonBox::accepted, this, &SaveMultiplePanel::accept);
     connect(box, &QDialogButtonBox::rejected, this, &SaveMultiplePanel::reject);
     return box;
@@ -192,7 +194,8 @@ void SaveMultiplePanel::askAbout(const ImageList &photos)
 void SaveMultiplePanel::setupControls()
 {
     const UserDefaults &defaults = m_services.defaults;
-    m_radioButtons->setIndex(defaults.boolForKey(settings::saveAllToOneDirectory) ? InOneFolder : BesideOriginals);
+    m_radioButtons->setIndex(defaults.boolForKey(settings::saveAllToOneDirectory) ? InOneFolder
+                                                                                  : BesideOriginals);
     const QString stored = defaults.stringForKey(settings::savingDirectory);
     m_destination = resolved(stored.isEmpty() ? picturesFolder() : stored);
     const QString start = defaults.stringForKey(settings::replicationStartDirectory);
@@ -216,7 +219,8 @@ void SaveMultiplePanel::radioButtonChosen()
 
 void SaveMultiplePanel::chooseFolder(ElidedLabel &label, QString &path, bool isOutput)
 {
-    auto *const dialog = new QFileDialog(this, isOutput ? tr("Folder of the Copies") : tr("Start Folder"), path);
+    auto *const dialog =
+        new QFileDialog(this, isOutput ? tr("Folder of the Copies") : tr("Start Folder"), path);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::Directory);
     dialog->setOption(QFileDialog::ShowDirsOnly);
@@ -237,7 +241,8 @@ void SaveMultiplePanel::showSavingPresetsMenu()
     QMenu menu(this);
     QMenu *const load = menu.addMenu(tr("Load from preset"));
     for (const std::shared_ptr<SavingPreset> &preset : store.savingPresets())
-        load->addAction(preset->name(), this, [&store, preset] { store.quickSavingPreset()->copyFrom(*preset); });
+        load->addAction(preset->name(), this,
+                        [&store, preset] { store.quickSavingPreset()->copyFrom(*preset); });
     load->setEnabled(!store.savingPresets().empty());
     menu.addAction(tr("Save as new preset"), this, [&store] {
         std::shared_ptr<SavingPreset> copy = store.quickSavingPreset()->copy();
@@ -261,16 +266,17 @@ void SaveMultiplePanel::showExamples()
     folders.replicationStartDirectory = m_replicationStart;
     folders.makesFolders = false;
     const OutputNaming naming(folders, m_services.alerts);
-    QStringList lines{tr("%n copies", nullptr, int(m_photos.size() * perPhoto))};
+    const int count = int(m_photos.size() * perPhoto);
+    QStringList lines{count == 1 ? tr("1 copy") : tr("%n copies", nullptr, count)};
     for (std::size_t number = 0; number < m_photos.size() * perPhoto && number < kExamples; ++number) {
         const ImageObject &photo = *m_photos[number / perPhoto];
         const WPresetValues &preset = presets[number % perPhoto].values;
         const auto assigned = std::dynamic_pointer_cast<const SavingPreset>(preset.assignedSavingPreset);
         const bool usesAssigned = assigned && !isCombined &&
                                   !m_services.defaults.boolForKey(settings::ignoreSavingPresetsInSizePresets);
-        const SavingPresetValues values = usesAssigned
-                                              ? assigned->values()
-                                              : m_services.controller.presetsStore().quickSavingPreset()->values();
+        const SavingPresetValues values =
+            usesAssigned ? assigned->values()
+                         : m_services.controller.presetsStore().quickSavingPreset()->values();
         const QString name = OutputNaming::filenameForImage(photo.facts(), photo.path(), preset.name, values,
                                                             qint64(number) + 1);
         const QString path = QDir(naming.targetDirectoryForFile(photo.path())).filePath(name);

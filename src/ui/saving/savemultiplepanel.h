@@ -21,8 +21,8 @@ class ElidedLabel;
 class SavingPresetView;
 class UserDefaults;
 
-/// Asks where the copies of a run go and how they are named and written, in a sheet of the window. The settings
-/// are stored when the user accepts; the quick saving preset is edited at once. Main thread.
+/// Asks where the copies of a run go and how they are named and written, in a sheet of the window. The
+/// settings are stored when the user accepts; the quick saving preset is edited at once. Main thread.
 class SaveMultiplePanel final : public QDialog
 {
     Q_OBJECT
@@ -49,8 +49,8 @@ private:
     QWidget *makeDestination();
     QWidget *makePreset();
     QWidget *makeButtons();
-    QPushButton *makeFolderButton(const QString &name, const QString &purpose, ElidedLabel &label, QString &path,
-                                  bool isOutput);
+    QPushButton *makeFolderButton(const QString &name, const QString &purpose, ElidedLabel &label,
+                                  QString &path, bool isOutput);
     void setupControls();
     void radioButtonChosen();
     void chooseFolder(ElidedLabel &label, QString &path, bool isOutput);

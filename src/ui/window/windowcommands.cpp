@@ -40,6 +40,22 @@ void connectSelection(CommandActions &actions, ImageSet &set)
     });
 }
 
+void connectHistory(CommandActions &actions, UndoHistory &history)
+{
+    actions.setHandler(ActionId::Undo, [&history] { history.undo(); });
+    actions.setHandler(ActionId::Redo, [&history] { history.redo(); });
+    QObject::connect(&history, &UndoHistory::changed, &actions, [&actions, &history] {
+        const auto name = [&actions](ActionId id, const QString &step) {
+            const CommandRow &row = commandRow(id);
+            const QString text = commandText(row);
+            actions.setText(id, step.isEmpty() ? text : MainWindow::tr("%1 %2").arg(text, step),
+                            commandToolTip(row));
+        };
+        name(ActionId::Undo, history.undoText());
+        name(ActionId::Redo, history.redoText());
+    });
+}
+
 void connectPhotos(CommandActions &actions, AppController &controller)
 {
     ImageSorting &sorting = controller.sorting();
@@ -74,9 +90,8 @@ void connectSaving(CommandActions &actions, const MainWindow::Services &services
 {
     auto *const panel =
         new SaveMultiplePanel({services.controller, services.defaults, services.alerts}, &window);
-    QObject::connect(panel, &QDialog::accepted, &window, [&controller = services.controller, panel] {
-        controller.startSaving(panel->photos());
-    });
+    QObject::connect(panel, &QDialog::accepted, &window,
+                     [&controller = services.controller, panel] { controller.startSaving(panel->photos()); });
     ImageSet &set = services.controller.imageSet();
     actions.setHandler(ActionId::SaveSelected, [panel, &set] { panel->askAbout(set.selectedImages()); });
     actions.setHandler(ActionId::SaveAll, [panel, &set] { panel->askAbout(*set.imagesFiltered()); });
@@ -119,6 +134,7 @@ void connectWindowCommands(CommandActions &actions, const MainWindow::Services &
     connectSelection(actions, controller.imageSet());
     connectPhotos(actions, controller);
     connectSaving(actions, services, window);
+    connectHistory(actions, controller.undoHistory());
 
     const auto add = [&](ActionId id, ChooserKind kind) {
         actions.setHandler(id, [kind, &window, &gathering = controller.gathering()] {

@@ -156,7 +156,7 @@ private Q_SLOTS:
         // Copying changes nothing in sight, so the status line reports it.
         f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Single);
         f.controller.appliedPresets().setQuickWPreset(namedPreset(u"a"_qs));
-        f.controller.placeWatermark(*f.set.images()->front(), {1, 1});
+        f.controller.placeWatermark(f.set.images()->front(), {1, 1}, ManualPositions::EditKind::Drag);
         f.window.actions().run(ActionId::CopyPosition);
         QCOMPARE(f.find<ElidedLabel>("statusHint").text(), u"Position copied; select photos to paste it"_qs);
         f.window.actions().run(ActionId::CopyImages);
