@@ -13,6 +13,10 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 
@@ -669,6 +673,22 @@ private Q_SLOTS:
         }
     }
 
+    /// A program that writes to a file, such as a server, may hold a lease. It gives it up when asked.
+    void aFileUnderALease()
+    {
+        static int file;
+        file = ::open(path("in/a.png").toUtf8().constData(), O_RDONLY | O_CLOEXEC);
+        const auto giveUp = [](int) { ::fcntl(file, F_SETLEASE, F_UNLCK); };
+        const auto before = std::signal(SIGIO, giveUp);
+        const bool isLeased = ::fcntl(file, F_SETLEASE, F_WRLCK) == 0;
+        const ProgramRun outcome = run("save --text x --output %1 %2", path("out"), path("in/a.png"));
+        std::signal(SIGIO, before);
+        ::close(file);
+        if (!isLeased)
+            QSKIP("the file system has no leases");
+        QVERIFY2(outcome.status == 0, outcome.err.constData());
+    }
+
     /// From the start, with the remaining time, and never as wide as the terminal.
     void progressLine()
     {
@@ -712,7 +732,8 @@ private Q_SLOTS:
     void inspectPrintsTheWholeDictionary()
     {
         PLEXA_NEEDS_PROGRAMS("exiftool")
-        outputOf("exiftool -q -overwrite_original -ISO=200 -ExposureTime=1/3 -XMP-iptcCore:CreatorCity=Bern "
+        outputOf("exiftool -q -overwrite_original -ISO=200 -ExposureTime=1/3 -FocalLength=41999998/10000000 "
+                 "-FocalPlaneXResolution=43.9999974 -XMP-iptcCore:CreatorCity=Bern "
                  "-IPTC:Keywords=a -Orientation#=6 -Artist=%1 %2",
                  "A\x1b[31mB", path("in/b.jpg"));
         const ProgramRun json = run("inspect --json %1", path("in/b.jpg"));
@@ -725,6 +746,8 @@ private Q_SLOTS:
         const QJsonValue exif = properties[u"{Exif}"_s];
         QCOMPARE(exif[u"ISOSpeedRatings"_s], QJsonValue(QJsonArray{200}));
         QCOMPARE(exif[u"ExposureTime"_s], QJsonValue(1.0 / 3));
+        QCOMPARE(exif[u"FocalLength"_s], QJsonValue(4.2));
+        QCOMPARE(exif[u"FocalPlaneXResolution"_s], QJsonValue(44));
         const QJsonValue iptc = properties[u"{IPTC}"_s];
         QCOMPARE(iptc[u"Keywords"_s], QJsonValue(QJsonArray{u"a"_s}));
         QCOMPARE(iptc[u"CreatorContactInfo"_s][u"CiAdrCity"_s], QJsonValue(u"Bern"_s));

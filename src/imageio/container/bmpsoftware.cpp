@@ -12,17 +12,17 @@ namespace plexa
 QByteArray softwareOfBmp(QIODevice &device)
 {
     constexpr quint32 kVersion4Bytes = 108;
-    constexpr quint32 kSrgb = 0x73524742;
-    const QByteArray start = device.seek(0) ? device.read(kBmpSoftwareAt + kBmpSoftwareBytes) : QByteArray();
-    if (start.size() < kBmpSoftwareAt + kBmpSoftwareBytes || !start.startsWith("BM") ||
-        qFromLittleEndian<quint32>(start.constData() + 14) < kVersion4Bytes ||
-        qFromLittleEndian<quint32>(start.constData() + 70) != kSrgb)
+    constexpr qint64 kMostBytes = 100;
+    const QByteArray start = device.seek(0) ? device.read(kBmpSoftwareAt + kMostBytes) : QByteArray();
+    if (start.size() <= kBmpSoftwareAt || !start.startsWith("BM") ||
+        qFromLittleEndian<quint32>(start.constData() + 14) != kVersion4Bytes)
         return {};
-    const QByteArray field = start.mid(kBmpSoftwareAt);
+    const qint64 bytes = qint64(qFromLittleEndian<quint32>(start.constData() + 10)) - kBmpSoftwareAt;
+    if (bytes <= 0 || bytes > kMostBytes)
+        return {};
+    const QByteArray field = start.mid(kBmpSoftwareAt, bytes);
     const QByteArray name = field.left(field.indexOf('\0'));
-    const auto isPrintable = [](char c) { return c >= ' ' && c <= '~'; };
-    const bool isName = std::all_of(name.begin(), name.end(), isPrintable) &&
-                        std::all_of(field.begin() + name.size(), field.end(), [](char c) { return c == 0; });
+    const bool isName = std::all_of(name.begin(), name.end(), [](char c) { return c >= ' ' && c <= '~'; });
     return isName ? name : QByteArray();
 }
 

@@ -8,11 +8,11 @@
 namespace plexa
 {
 
-// A BMP file has no metadata. A header of version 4 that states sRGB has 36 bytes without a use, however: the
-// primaries, which count for other color spaces only. A written file names its software there.
+// A BMP file has no metadata. Its header states where the pixels begin, however, and a written file names its
+// software between the two. Unused fields of the header would not do: some programs read them nevertheless.
 
-inline constexpr qsizetype kBmpSoftwareAt = 74; ///< from the start of the file
-inline constexpr qsizetype kBmpSoftwareBytes = 36;
+/// From the start of the file, for a header of version 4.
+inline constexpr qsizetype kBmpSoftwareAt = 122;
 
 /// @param device  open for reading, random access, at any position; its position afterwards is undefined
 /// @return printable ASCII; empty if the file names none
