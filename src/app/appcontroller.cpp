@@ -19,6 +19,7 @@ AppController::AppController(const Services &services)
     , m_sorting(m_imageSet, m_status, services.threads)
     , m_positions(m_status, services.threads)
     , m_batchOperation(m_status, services.threads)
+    , m_history({m_imageSet, m_gathering, m_appliedPresets, services.store, m_positions, m_batchOperation})
     , m_save({m_status, services.alerts, services.defaults, services.threads})
 {
     connectChanges();
@@ -33,6 +34,7 @@ void AppController::connectChanges()
                 m_imageSet.forgetThumbnail(*image);
             });
     connect(&m_positions, &ManualPositions::pasteFinished, this, &AppController::previewOutdated);
+    connect(&m_history, &UndoHistory::placesRestored, this, &AppController::previewOutdated);
     connect(&m_appliedPresets, &AppliedPresets::previewOutdated, this, &AppController::previewOutdated);
 
     const auto changed = &AppController::commandStateChanged;
@@ -40,6 +42,8 @@ void AppController::connectChanges()
     connect(&m_sorting, &ImageSorting::finished, this, changed);
     connect(&m_positions, &ManualPositions::copyChanged, this, changed);
     connect(&m_positions, &ManualPositions::pasteFinished, this, changed);
+    connect(&m_positions, &ManualPositions::edited, this, changed);
+    connect(&m_history, &UndoHistory::changed, this, changed);
     connect(&m_appliedPresets, &AppliedPresets::appliedChanged, this, changed);
     connect(&m_appliedPresets, &AppliedPresets::selectedRowsChanged, this, changed);
     connect(&m_appliedPresets, &AppliedPresets::modeChanged, this, changed);
@@ -96,6 +100,9 @@ CommandState AppController::commandState() const
     state.isInBrowserMode = m_imageSet.imageListIsInBrowserMode();
     state.hasCurrentBatchOperation = m_batchOperation.isRunning();
     state.isSorting = m_sorting.isRunning();
+    state.isPasting = m_positions.isPasting();
+    state.canUndo = m_history.canUndo();
+    state.canRedo = m_history.canRedo();
     state.hasCopiedPositions = m_positions.hasCopy();
     state.hasCurrentWPreset = current != nullptr;
     state.nSelected = m_imageSet.selection().selectedIndexes().size();
@@ -146,27 +153,22 @@ void AppController::pasteManualPositioning()
     m_positions.pasteManualPositioning(m_imageSet.selectedImages(), m_appliedPresets.currentWPreset());
 }
 
-void AppController::placeWatermark(ImageObject &image, QPointF origin)
+void AppController::placeWatermark(const std::shared_ptr<ImageObject> &image, QPointF origin,
+                                   ManualPositions::EditKind kind)
 {
-    const std::shared_ptr<WPreset> current = m_appliedPresets.currentWPreset();
-    if (!current)
-        return;
-    image.setCustomWatermarkRectOrigin(origin, current);
-    Q_EMIT previewOutdated();
-    Q_EMIT commandStateChanged();
+    if (const std::shared_ptr<WPreset> current = m_appliedPresets.currentWPreset())
+        m_positions.place(image, origin, current, kind);
+    Q_EMIT previewOutdated(); // also where a drag ends at its beginning
 }
 
 void AppController::resetManualPositioning(Presets presets)
 {
     const std::shared_ptr<WPreset> current = m_appliedPresets.currentWPreset();
-    for (const std::shared_ptr<ImageObject> &image : m_imageSet.selectedImages()) {
-        if (presets == Presets::All)
-            image->resetAllCustomWatermarkRectOrigins();
-        else if (current)
-            image->resetCustomWatermarkRectOriginForWPreset(current.get());
-    }
+    if (presets == Presets::All)
+        m_positions.reset(m_imageSet.selectedImages(), nullptr);
+    else if (current)
+        m_positions.reset(m_imageSet.selectedImages(), current.get());
     Q_EMIT previewOutdated();
-    Q_EMIT commandStateChanged();
 }
 
 void AppController::stopAllOperations()

@@ -12,6 +12,7 @@
 #include "app/manualpositions.h"
 #include "app/presetcommands.h"
 #include "app/statusmanager.h"
+#include "app/undohistory.h"
 
 namespace plexa
 {
@@ -42,6 +43,7 @@ public:
     ImageSorting &sorting() { return m_sorting; }
     AppliedPresets &appliedPresets() { return m_appliedPresets; }
     ManualPositions &manualPositions() { return m_positions; }
+    UndoHistory &undoHistory() { return m_history; }
     BatchSave &batchSave() { return m_save; }
     PresetsStore &presetsStore() { return m_services.store; }
     PresetCommands &presetCommands() { return m_presetCommands; }
@@ -72,9 +74,9 @@ public:
     void copyManualPositioning(Presets presets);
     /// Sets the copied positions on the selected photos.
     void pasteManualPositioning();
-    /// Sets the position of the current preset on one photo.
-    /// @param origin  of the watermark's rectangle: photo pixels, origin at the bottom left
-    void placeWatermark(ImageObject &image, QPointF origin);
+    /// As ManualPositions::place() with the current preset.
+    void placeWatermark(const std::shared_ptr<ImageObject> &image, QPointF origin,
+                        ManualPositions::EditKind kind);
     /// Removes the positions chosen by hand from the selected photos.
     void resetManualPositioning(Presets presets);
 
@@ -104,6 +106,7 @@ private:
     ImageSorting m_sorting;
     ManualPositions m_positions;
     BatchImageOperation m_batchOperation;
+    UndoHistory m_history;
     BatchSave m_save; // handles events when it is destroyed: before the others
 };
 

@@ -108,14 +108,33 @@ void AppliedPresets::setApplied(WPresetList presets, const IndexList &selectedRo
     Q_EMIT previewOutdated();
 }
 
-void AppliedPresets::addWPresetsToApplied(const WPresetList &presets)
+void AppliedPresets::edit(EditKind kind, WPresetList presets, const IndexList &selectedRows)
+{
+    const Applied before = applied();
+    setApplied(std::move(presets), selectedRows);
+    if (m_wPresetsApplied != before.presets)
+        Q_EMIT appliedEdited(kind, before);
+}
+
+void AppliedPresets::restoreApplied(const Applied &applied)
+{
+    setApplied(applied.presets, cleanedIndexes(applied.selectedRows, applied.presets.size()));
+}
+
+/// The applied presets, and those of the list that are not applied.
+WPresetList AppliedPresets::appliedAnd(const WPresetList &presets) const
 {
     WPresetList applied = m_wPresetsApplied;
     for (const std::shared_ptr<WPreset> &preset : presets) {
         if (!isIn(applied, preset.get()))
             applied.push_back(preset);
     }
-    setApplied(std::move(applied), m_selectedRows);
+    return applied;
+}
+
+void AppliedPresets::addWPresetsToApplied(const WPresetList &presets)
+{
+    edit(EditKind::Apply, appliedAnd(presets), m_selectedRows);
 }
 
 void AppliedPresets::removeSelectedAppliedPresets()
@@ -125,12 +144,12 @@ void AppliedPresets::removeSelectedAppliedPresets()
         if (!m_selectedRows.contains(static_cast<int>(row)))
             remaining.push_back(m_wPresetsApplied[row]);
     }
-    setApplied(std::move(remaining), {});
+    edit(EditKind::Remove, std::move(remaining), {});
 }
 
 void AppliedPresets::clearAppliedPresets()
 {
-    setApplied({}, {});
+    edit(EditKind::Clear, {}, {});
 }
 
 void AppliedPresets::removeFromApplied(const WPreset *preset)
@@ -189,7 +208,7 @@ void AppliedPresets::setOrder(const IndexList &formerRows)
             selected.append(static_cast<int>(presets.size()));
         presets.push_back(m_wPresetsApplied[static_cast<std::size_t>(formerRow)]);
     }
-    setApplied(std::move(presets), selected);
+    edit(EditKind::Reorder, std::move(presets), selected);
 }
 
 void AppliedPresets::selectRows(const IndexList &rows)
@@ -233,7 +252,7 @@ void AppliedPresets::restoreAppliedPresets(const WPresetList &wPresets)
         std::copy_if(wPresets.begin(), wPresets.end(), std::back_inserter(named),
                      [&name](const auto &preset) { return preset->name() == name; });
     }
-    addWPresetsToApplied(named);
+    setApplied(appliedAnd(named), m_selectedRows);
 }
 
 } // namespace plexa

@@ -56,6 +56,16 @@ public:
     /// Moves each group of selected neighbors past its neighbor.
     void stepSelectedAppliedPresets(Step step);
 
+    enum class EditKind { Apply, Remove, Clear, Reorder };
+    struct Applied {
+        WPresetList presets;
+        IndexList selectedRows;
+        bool operator==(const Applied &) const = default;
+    };
+    Applied applied() const { return {m_wPresetsApplied, m_selectedRows}; }
+    /// Applies these presets instead. Not an edit.
+    void restoreApplied(const Applied &applied);
+
     /// Ascending.
     const IndexList &selectedRows() const { return m_selectedRows; }
     void selectRows(const IndexList &rows);
@@ -70,6 +80,8 @@ public:
 Q_SIGNALS:
     void appliedAboutToChange();
     void appliedChanged();
+    /// The user has changed the list. Sent after the other signals.
+    void appliedEdited(plexa::AppliedPresets::EditKind kind, const plexa::AppliedPresets::Applied &before);
     void selectedRowsChanged();
     void modeChanged(bool isSingle);
     void quickWPresetChanged();
@@ -77,6 +89,8 @@ Q_SIGNALS:
     void previewOutdated();
 
 private:
+    void edit(EditKind kind, WPresetList presets, const IndexList &selectedRows);
+    WPresetList appliedAnd(const WPresetList &presets) const;
     void setApplied(WPresetList presets, const IndexList &selectedRows);
     void setOrder(const IndexList &formerRows);
     void observePresets();

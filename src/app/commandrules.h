@@ -18,8 +18,11 @@ enum class Need {
     Selection,      ///< photos are selected
     SmallBatchMode, ///< the grid is shown
     NoRotation,     ///< no photos are being rotated or mirrored
-    NoSorting,      ///< photos are not being sorted
-    Watermark,      ///< a preset is drawn on the photos
+    NoPasting,
+    ToUndo, ///< something can be undone
+    ToRedo,
+    NoSorting, ///< photos are not being sorted
+    Watermark, ///< a preset is drawn on the photos
     CurrentPreset,
     CurrentPosition, ///< one photo is selected, with a position of the current preset
     AnyPosition,     ///< one photo is selected, with a position of a preset
@@ -45,6 +48,9 @@ struct CommandState {
     bool isInBrowserMode = true;
     bool hasCurrentBatchOperation = false;
     bool isSorting = false;
+    bool isPasting = false;
+    bool canUndo = false;
+    bool canRedo = false;
     bool canCopyForCurrentPreset = false;
     bool canCopyForAllPresets = false;
     bool hasCopiedPositions = false;

@@ -213,6 +213,14 @@ void ImageGathering::importMissingImages()
     m_import.start();
 }
 
+void ImageGathering::importRestoredImages()
+{
+    if (m_isImportingImages && m_set.imageListIsInBrowserMode())
+        m_isImportWanted = true;
+    else
+        importMissingImages();
+}
+
 void ImageGathering::stopImportingImages()
 {
     m_isStopRequested = true;
@@ -224,7 +232,11 @@ void ImageGathering::stopImportingImages()
 
 void ImageGathering::imageDelivered(const std::shared_ptr<ImageObject> &image, ImageImport::Outcome outcome)
 {
-    if (outcome == ImageImport::Outcome::Skipped || !m_set.contains(image.get()))
+    if (!m_set.contains(image.get())) {
+        image->releasePictures();
+        return;
+    }
+    if (outcome == ImageImport::Outcome::Skipped)
         return;
     if (outcome == ImageImport::Outcome::Unreadable) {
         m_unsupportedFiles.append(image->path());

@@ -30,6 +30,8 @@ public:
 
     /// In Small Batch mode loads the photos that are not loaded; in Large Batch mode stops that.
     void importMissingImages();
+    /// The same for photos that have come back: a running import may have passed them.
+    void importRestoredImages();
     bool isImportingImages() const { return m_isImportingImages; }
 
     /// Loads these photos before the others, the first ones first.

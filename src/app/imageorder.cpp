@@ -23,6 +23,33 @@ int indexIn(const ImageList &list, const ImageObject *image)
     return found == list.end() ? -1 : static_cast<int>(found - list.begin());
 }
 
+ImagePlaces placesIn(const ImageList &list, const ImageIdentities &photos)
+{
+    ImagePlaces places;
+    for (std::size_t index = 0; index < list.size(); ++index) {
+        if (!photos.contains(list[index].get()))
+            continue;
+        places.images.push_back(list[index]);
+        places.indexes.append(static_cast<int>(index));
+    }
+    return places;
+}
+
+void insertAt(ImageList &list, const ImagePlaces &places)
+{
+    ImageList merged;
+    merged.reserve(list.size() + places.images.size());
+    auto next = list.begin();
+    for (std::size_t i = 0; i < places.images.size(); ++i) {
+        const auto index = static_cast<std::size_t>(places.indexes[static_cast<qsizetype>(i)]);
+        while (merged.size() < index && next != list.end())
+            merged.push_back(std::move(*next++));
+        merged.push_back(places.images[i]);
+    }
+    merged.insert(merged.end(), std::make_move_iterator(next), std::make_move_iterator(list.end()));
+    list = std::move(merged);
+}
+
 void eraseFrom(ImageList &list, const ImageIdentities &gone)
 {
     std::erase_if(list,

@@ -20,6 +20,18 @@ ImageIdentities identitiesOf(const ImageList &images);
 /// The index of the photo, -1 if it is not in the list.
 int indexIn(const ImageList &list, const ImageObject *image);
 
+/// Photos with their indexes in a list, which ascend.
+struct ImagePlaces {
+    ImageList images;
+    IndexList indexes;
+};
+
+/// Those of the photos that the list contains.
+ImagePlaces placesIn(const ImageList &list, const ImageIdentities &photos);
+
+/// Inserts the photos so that they have these indexes, or as the last ones where the list is shorter.
+void insertAt(ImageList &list, const ImagePlaces &places);
+
 void eraseFrom(ImageList &list, const ImageIdentities &gone);
 
 /// Moves photos, in their order, before the one that is at `target` now.

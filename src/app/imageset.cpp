@@ -176,12 +176,7 @@ void ImageSet::addImages(const ImageList &images)
 void ImageSet::removeImages(const ImageList &images)
 {
     const ImageIdentities gone = identitiesOf(images);
-    IndexList shown;
-    for (std::size_t index = 0; index < m_imagesFiltered->size(); ++index) {
-        if (gone.contains((*m_imagesFiltered)[index].get()))
-            shown.append(static_cast<int>(index));
-    }
-    removeIndexes(shown);
+    removeIndexes(placesIn(*m_imagesFiltered, gone).indexes);
     // The photos that the filter hides.
     const std::lock_guard lock(m_imagesLock);
     eraseFrom(*m_images, gone);
@@ -229,9 +224,61 @@ void ImageSet::removeRun(const IndexList &run)
 
 void ImageSet::removeSelectedImages()
 {
+    const ImageIdentities selected = identitiesOf(selectedImages());
+    if (selected.empty())
+        return;
+    const ImageRemoval removal{placesIn(*m_images, selected), placesIn(*m_imagesFiltered, selected),
+                               m_filterText};
+    removeAndSelectNext(removal.shown.indexes);
+    Q_EMIT imagesRemovedByUser(removal);
+}
+
+bool ImageSet::removeAgain(const ImageRemoval &removal)
+{
+    const ImageSelection::Hold hold(m_selection);
+    selectImages(removal.images.images);
+    const IndexList removed = placesIn(*m_imagesFiltered, identitiesOf(removal.images.images)).indexes;
+    if (!removed.isEmpty())
+        removeAndSelectNext(removed);
+    return !removed.isEmpty();
+}
+
+void ImageSet::restoreImages(const ImageRemoval &removal)
+{
+    const ImageSelection::Hold hold(m_selection);
+    Q_EMIT listAboutToBeReset();
+    if (isFiltered() && removal.filterText == m_filterText)
+        insertAt(*m_imagesFiltered, removal.shown);
+    {
+        const std::lock_guard lock(m_imagesLock);
+        insertAt(*m_images, removal.images);
+    }
+    m_selection.reset(static_cast<int>(m_imagesFiltered->size()));
+    Q_EMIT listReset();
+    m_services.status.update();
+    selectImages(removal.images.images);
+}
+
+void ImageSet::selectImages(const ImageList &images)
+{
+    const ImageSelection::Hold hold(m_selection);
+    const ImageIdentities photos = identitiesOf(images);
+    const qsizetype count = placesIn(*m_images, photos).indexes.size();
+    if (count == 0)
+        return;
+    if (placesIn(*m_imagesFiltered, photos).indexes.size() < count)
+        disableImageFilters();
+    m_selection.selectIndexes(placesIn(*m_imagesFiltered, photos).indexes);
+}
+
+/// @param removed  ascending
+void ImageSet::removeAndSelectNext(const IndexList &removed)
+{
     // The empty selection is not sent: the preview goes from one photo to the next.
     std::optional<ImageSelection::Hold> hold(m_selection);
-    const IndexList removed = m_selection.selectedIndexes();
+    ImageList gone;
+    for (const int index : removed)
+        gone.push_back((*m_imagesFiltered)[static_cast<std::size_t>(index)]);
     const int shown = m_selection.shownImageIndex();
     m_selection.selectNone();
     removeIndexes(removed);
@@ -244,6 +291,8 @@ void ImageSet::removeSelectedImages()
     hold.reset();
     if (next >= 0)
         Q_EMIT fitToWindowRequested();
+    for (const std::shared_ptr<ImageObject> &image : gone)
+        image->releasePictures();
 }
 
 void ImageSet::moveIndexes(const IndexList &indexes, int toIndex)
@@ -282,13 +331,16 @@ void ImageSet::sortImages(const ImageList &order)
     reorder(std::move(images), std::move(shown), selectedImages());
 }
 
-void ImageSet::restoreOrder(const ImageOrder &order)
+bool ImageSet::restoreOrder(const ImageOrder &order)
 {
     ImageList images = *m_images;
     ImageList shown = *m_imagesFiltered;
     arrange(images, order.images);
     arrange(shown, order.filterText == m_filterText ? order.shown : order.images);
-    setOrder(std::move(images), std::move(shown), selectedImages());
+    const bool isChange = images != *m_images || shown != *m_imagesFiltered;
+    if (isChange)
+        setOrder(std::move(images), std::move(shown), selectedImages());
+    return isChange;
 }
 
 /// On behalf of the user.
@@ -388,7 +440,9 @@ void ImageSet::show(const std::shared_ptr<ImageObject> &image)
 
 void ImageSet::forgetThumbnail(ImageObject &image)
 {
-    if (!m_imageListIsInBrowserMode && &image != m_shownImage.get())
+    if (!contains(&image))
+        image.releasePictures();
+    else if (!m_imageListIsInBrowserMode && &image != m_shownImage.get())
         image.releaseThumbnail();
 }
 

@@ -33,6 +33,13 @@ struct ImageOrder {
     QString filterText; ///< of the shown list
 };
 
+/// Photos that the user has removed, with the places that they had.
+struct ImageRemoval {
+    ImagePlaces images; ///< of the whole set
+    ImagePlaces shown;
+    QString filterText; ///< of the shown list
+};
+
 /// The working set: the photos that the user has gathered, in the user's order, and the shown ones. In Small
 /// Batch mode ("browser mode", a grid) ImageGathering limits it to 500 photos and loads all of them; in Large
 /// Batch mode (a table) a photo is loaded when the user selects it. Indexes are those of imagesFiltered().
@@ -82,7 +89,15 @@ public:
     void filterImages(const QString &text);
     void disableImageFilters();
 
+    // A removed photo keeps no pixels and no thumbnail. The first of the photos that follow is selected.
     void removeSelectedImages();
+    /// Undoes a removal of imagesRemovedByUser(): the photos are at their former places, and selected. A
+    /// filter that would hide them ends.
+    void restoreImages(const ImageRemoval &removal);
+    /// Removes the photos that are still there. @return whether there are any
+    bool removeAgain(const ImageRemoval &removal);
+    /// Selects those of the photos that the set contains, if any. A filter that hides one of them ends.
+    void selectImages(const ImageList &images);
     // In a new order, selection and focus stay with their photos.
 
     /// Moves photos to the place before `toIndex` and selects them. While a filter is active, the end of the
@@ -93,13 +108,14 @@ public:
     /// Gives the photos, also the hidden ones, this order. Photos that `order` does not contain keep their
     /// places.
     void sortImages(const ImageList &order);
-    /// Restores an order of orderEdited().
-    void restoreOrder(const ImageOrder &order);
+    /// Restores an order of orderEdited(). @return whether that changes anything
+    bool restoreOrder(const ImageOrder &order);
 
     /// The photo of the last shownImageChanged().
     const std::shared_ptr<ImageObject> &shownImage() const { return m_shownImage; }
 
-    /// Called after a photo was loaded: in Large Batch mode only the shown photo keeps its thumbnail.
+    /// Called after a photo was loaded: in Large Batch mode only the shown photo keeps its thumbnail, and a
+    /// removed one keeps nothing.
     void forgetThumbnail(ImageObject &image);
 
     void refreshImageList(Refresh refresh) { Q_EMIT refreshed(refresh); }
@@ -116,6 +132,8 @@ Q_SIGNALS:
     void listAboutToBeReset();
     void listReset();
 
+    /// After all other signals.
+    void imagesRemovedByUser(const plexa::ImageRemoval &removal);
     /// The user has changed the order.
     void orderEdited(const plexa::ImageOrder &before, const plexa::ImageOrder &after);
 
@@ -136,6 +154,7 @@ private:
     bool matchesFilter(const ImageObject &image) const;
 
     void removeIndexes(const IndexList &indexes);
+    void removeAndSelectNext(const IndexList &removed);
     void removeRun(const IndexList &run);
     void reorder(ImageList images, ImageList shown, const ImageList &selected);
     void setOrder(ImageList images, ImageList shown, const ImageList &selected);

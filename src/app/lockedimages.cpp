@@ -44,7 +44,7 @@ private:
             const std::shared_ptr<ImageObject> image = m_pending.front();
             m_pending.pop_front();
             lock.unlock();
-            const bool isDone = tryOn(*image);
+            const bool isDone = tryOn(image);
             lock.lock();
             if (isDone) {
                 m_busyInARow = 0;
@@ -58,18 +58,18 @@ private:
     }
 
     /// @return false if the photo is locked
-    bool tryOn(ImageObject &image)
+    bool tryOn(const std::shared_ptr<ImageObject> &image)
     {
         using enum LoadedPhoto::LoadOutcome;
-        const auto outcome = m_job.loadsImages ? image.tryLoadImageFromDisk() : Unreadable;
-        if (outcome == Busy || !image.tryLock())
+        const auto outcome = m_job.loadsImages ? image->tryLoadImageFromDisk() : Unreadable;
+        if (outcome == Busy || !image->tryLock())
             return false;
-        const bool isLoaded = image.isLoaded();
+        const bool isLoaded = image->isLoaded();
         // It may have been released before its lock was taken.
         const bool isReady = outcome != Loaded || isLoaded;
         if (isReady)
             m_job.work(image, isLoaded);
-        image.unlock();
+        image->unlock();
         return isReady;
     }
 

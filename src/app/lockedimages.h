@@ -20,7 +20,7 @@ struct LockedImagesWork {
     /// @param isLoaded  it stays loaded meanwhile; false: the work must not load it, and with `loadsImages`
     /// it
     ///                  cannot be loaded
-    std::function<void(ImageObject &image, bool isLoaded)> work;
+    std::function<void(const std::shared_ptr<ImageObject> &image, bool isLoaded)> work;
 
     /// Called after it, without the lock. Worker threads, one at a time.
     std::function<void(const std::shared_ptr<ImageObject> &image)> done;

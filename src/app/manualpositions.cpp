@@ -26,6 +26,17 @@ std::optional<QPointF> relativePosition(ImageObject &image, const WPreset *prese
     return QPointF(origin->x() / size.width(), origin->y() / size.height());
 }
 
+/// Carries out an edit and appends it to the list, if it changes anything.
+template<class Edit>
+void record(PlacesEdits &edits, const std::shared_ptr<ImageObject> &image, const Edit &edit)
+{
+    const CustomOrigins before = image->customWatermarkRectOrigins();
+    edit();
+    const CustomOrigins after = image->customWatermarkRectOrigins();
+    if (before != after)
+        edits.push_back({image, before, after});
+}
+
 } // namespace
 
 ManualPositions::ManualPositions(StatusManager &status, int threads)
@@ -33,6 +44,30 @@ ManualPositions::ManualPositions(StatusManager &status, int threads)
     , m_threads(threads)
 {
     connect(&m_job, &BackgroundJob::ended, this, &ManualPositions::finishedPaste);
+}
+
+void ManualPositions::place(const std::shared_ptr<ImageObject> &image, QPointF origin,
+                            const std::shared_ptr<const WPreset> &preset, EditKind kind)
+{
+    PlacesEdits edits;
+    record(edits, image, [&] { image->setCustomWatermarkRectOrigin(origin, preset); });
+    if (!edits.empty())
+        Q_EMIT edited(kind, edits);
+}
+
+void ManualPositions::reset(const ImageList &images, const WPreset *preset)
+{
+    PlacesEdits edits;
+    for (const std::shared_ptr<ImageObject> &image : images) {
+        record(edits, image, [&] {
+            if (preset)
+                image->resetCustomWatermarkRectOriginForWPreset(preset);
+            else
+                image->resetAllCustomWatermarkRectOrigins();
+        });
+    }
+    if (!edits.empty())
+        Q_EMIT edited(EditKind::Reset, edits);
 }
 
 bool ManualPositions::canCopyForPreset(const ImageObject &image, const WPreset *preset)
@@ -78,13 +113,13 @@ void ManualPositions::pasteManualPositioning(const ImageList &images,
 {
     if (!hasCopy())
         return;
-    Paste paste;
-    paste.images = images;
-    paste.replacesAll = !m_copyForAllPresets.empty();
-    if (paste.replacesAll)
-        paste.positions = m_copyForAllPresets;
+    auto paste = std::make_unique<Paste>();
+    paste->images = images;
+    paste->replacesAll = !m_copyForAllPresets.empty();
+    if (paste->replacesAll)
+        paste->positions = m_copyForAllPresets;
     else if (currentPreset)
-        paste.positions = {{currentPreset, *m_copyForCurrentPreset}};
+        paste->positions = {{currentPreset, *m_copyForCurrentPreset}};
     m_pastes.push_back(std::move(paste));
     if (m_pastes.size() == 1)
         startPaste();
@@ -94,31 +129,36 @@ void ManualPositions::startPaste()
 {
     m_status.startOperation(StatusOperation::Pasting);
     // The first one stays in the queue until the end.
-    m_job.start([this, &paste = m_pastes.front()] {
+    m_job.start([this, &paste = *m_pastes.front()] {
         runPaste(paste);
         return true;
     });
 }
 
 /// Thread of the job.
-void ManualPositions::runPaste(const Paste &paste)
+void ManualPositions::runPaste(Paste &paste)
 {
     LockedImagesWork work;
     work.images = paste.images;
     work.threads = m_threads;
-    work.work = [&paste](ImageObject &image, bool) {
+    work.work = [&paste](const std::shared_ptr<ImageObject> &image, bool) {
         // Reads the headers of the file only.
-        const Result<PhotoFacts> facts = image.readFacts();
+        const Result<PhotoFacts> facts = image->readFacts();
         if (!facts)
             return;
         const QSizeF size = facts->pixelSize();
-        if (paste.replacesAll)
-            image.resetAllCustomWatermarkRectOrigins();
-        for (const Position &position : paste.positions) {
-            image.setCustomWatermarkRectOrigin(
-                {position.relative.x() * size.width(), position.relative.y() * size.height()},
-                position.preset);
-        }
+        PlacesEdits edits;
+        record(edits, image, [&] {
+            if (paste.replacesAll)
+                image->resetAllCustomWatermarkRectOrigins();
+            for (const Position &position : paste.positions) {
+                image->setCustomWatermarkRectOrigin(
+                    {position.relative.x() * size.width(), position.relative.y() * size.height()},
+                    position.preset);
+            }
+        });
+        const std::lock_guard lock(paste.mutex);
+        paste.edits.insert(paste.edits.end(), edits.begin(), edits.end());
     };
     std::size_t done = 0;
     work.done = [&](const std::shared_ptr<ImageObject> &) {
@@ -132,10 +172,13 @@ void ManualPositions::runPaste(const Paste &paste)
 
 void ManualPositions::finishedPaste(BackgroundJob::End end)
 {
+    const std::unique_ptr<Paste> paste = std::move(m_pastes.front());
     m_pastes.pop_front();
     if (end == BackgroundJob::End::Canceled)
         m_pastes.clear();
     m_status.endOperation(StatusOperation::Pasting);
+    if (!paste->edits.empty())
+        Q_EMIT edited(EditKind::Paste, paste->edits);
     Q_EMIT pasteFinished();
     if (!m_pastes.empty() && !m_job.isRunning())
         startPaste();

@@ -10,6 +10,7 @@
 #include <QPointF>
 
 #include <deque>
+#include <mutex>
 #include <optional>
 
 namespace plexa
@@ -17,8 +18,16 @@ namespace plexa
 
 class StatusManager;
 
-/// Copies places to which watermarks were dragged from one photo to others, as fractions of the photo's width
-/// and height. Main thread; pasting runs in the background.
+/// The places of one photo before and after an edit.
+struct PlacesEdit {
+    std::shared_ptr<ImageObject> image;
+    CustomOrigins before;
+    CustomOrigins after;
+};
+using PlacesEdits = std::vector<PlacesEdit>;
+
+/// Changes the places of watermarks that are chosen by hand, and copies them from one photo to others, as
+/// fractions of the photo's width and height. Main thread; pasting runs in the background.
 class ManualPositions final : public QObject
 {
     Q_OBJECT
@@ -27,6 +36,15 @@ public:
     /// @param status   outlives this object
     /// @param threads  photos that are processed at a time
     ManualPositions(StatusManager &status, int threads);
+
+    enum class EditKind { Drag, Keys, Paste, Reset };
+
+    /// @param origin  of the watermark's rectangle: photo pixels, origin at the bottom left
+    /// @param kind    Drag, or Keys for one step of a movement with the keyboard
+    void place(const std::shared_ptr<ImageObject> &image, QPointF origin,
+               const std::shared_ptr<const WPreset> &preset, EditKind kind);
+    /// Removes the places of one preset, or of all of them for null.
+    void reset(const ImageList &images, const WPreset *preset);
 
     static bool canCopyForPreset(const ImageObject &image, const WPreset *preset);
     static bool canCopyForPresets(const ImageObject &image, const WPresetList &presets);
@@ -51,6 +69,8 @@ public:
 
 Q_SIGNALS:
     void copyChanged();
+    /// The user has changed places of these photos. For a paste, sent before pasteFinished().
+    void edited(plexa::ManualPositions::EditKind kind, const plexa::PlacesEdits &edits);
     void pasteFinished();
 
 private:
@@ -62,17 +82,19 @@ private:
         ImageList images;
         bool replacesAll = false;
         std::vector<Position> positions;
+        std::mutex mutex;
+        PlacesEdits edits; // guarded by mutex
     };
 
     void startPaste();
-    void runPaste(const Paste &paste);
+    void runPaste(Paste &paste);
     void finishedPaste(BackgroundJob::End end);
 
     StatusManager &m_status;
     const int m_threads;
     std::optional<QPointF> m_copyForCurrentPreset;
     std::vector<Position> m_copyForAllPresets;
-    std::deque<Paste> m_pastes; // the first one runs
+    std::deque<std::unique_ptr<Paste>> m_pastes; // the first one runs
     BackgroundJob m_job;
 };
 

@@ -2,6 +2,7 @@
 
 #include "cli/fieldarguments.h"
 
+#include "cli/suggestions.h"
 #include "platform/fontcatalog.h"
 #include "presets/savingformats.h"
 #include "presets/savingpresetfields.h"
@@ -24,6 +25,12 @@ Result<FieldArgument> parsed(const std::string &argument)
     if (equals < 1)
         return fail(QStringLiteral("\"%1\" is not of the form FIELD=VALUE").arg(text));
     return FieldArgument{text.left(equals), text.mid(equals + 1)};
+}
+
+tl::unexpected<Error> unknownField(const QString &name, const QString &owner, const QStringList &names)
+{
+    return fail(QStringLiteral("there is no field \"%1\" of %2").arg(name, owner) +
+                didYouMean(name, names, QStringLiteral("; the fields are ") + names.join(u", ")));
 }
 
 /// Refuses an empty list: a name needs a piece.
@@ -62,11 +69,23 @@ Result<void> applyField(WPresetValues &values, const std::string &argument, cons
     const Result<FieldArgument> field = parsed(argument);
     if (!field)
         return tl::unexpected(field.error());
+    QStringList names;
+    for (const WPresetField &known : wPresetFields())
+        names.append(known.name);
+    if (!names.contains(field->name))
+        return unknownField(field->name, QStringLiteral("a watermark"), names);
     WPresetValues changed = values;
     Result<void> set = setFieldFromText(changed, field->name, field->text);
     if (set && field->name == QLatin1StringView("font"))
         set = checkFont(changed.font, fonts);
     return set.map([&] { values = std::move(changed); });
+}
+
+bool isForText(const std::string &argument)
+{
+    const WPresetField *const field =
+        wPresetField(QString::fromStdString(argument.substr(0, argument.find('='))));
+    return field && field->isOfText();
 }
 
 bool isForField(const std::string &argument, std::string_view field)
@@ -108,8 +127,7 @@ Result<void> applySavingField(SavingPresetValues &preset, const std::string &arg
     QStringList names;
     for (const SavingPresetField &field : savingPresetFields())
         names.append(field.name);
-    return fail(QStringLiteral("there is no field \"%1\" of a saving preset; the fields are %2")
-                    .arg(given->name, names.join(QLatin1String(", "))));
+    return unknownField(given->name, QStringLiteral("a saving preset"), names);
 }
 
 } // namespace plexa

@@ -23,6 +23,9 @@ struct WPresetValues;
 /// Sets a field of the saving preset.
 [[nodiscard]] Result<void> applySavingField(SavingPresetValues &preset, const std::string &argument);
 
+/// Is it an argument for a field that has an effect on texts only?
+bool isForText(const std::string &argument);
+
 /// Is it an argument for that field?
 bool isForField(const std::string &argument, std::string_view field);
 

@@ -3,6 +3,7 @@
 #include "cli/listcommands.h"
 #include "cli/messages.h"
 #include "cli/runpresets.h"
+#include "cli/suggestions.h"
 #include "cli/wrappedtext.h"
 #include "platform/fontcatalog.h"
 #include "presets/savingpresetfields.h"
@@ -115,8 +116,11 @@ std::vector<FieldRow> namedFields(const std::vector<FieldRow> &all, const std::v
         std::copy_if(all.begin(), all.end(), std::back_inserter(named),
                      [&](const FieldRow &field) { return field.name == name; });
         if (named.size() == before) {
-            printMessage(
-                QStringLiteral("there is no field \"%1\"; \"plexa-cli fields\" lists them").arg(name));
+            QStringList names;
+            for (const FieldRow &field : all)
+                names.append(field.name);
+            printMessage(QStringLiteral("there is no field \"%1\"").arg(name) +
+                         didYouMean(name, names, QStringLiteral("; \"plexa-cli fields\" lists the fields")));
             return {};
         }
     }

@@ -29,7 +29,7 @@ namespace
 void printFaultsOnly(QtMsgType type, const QMessageLogContext &, const QString &text)
 {
     if (type == QtCriticalMsg || type == QtFatalMsg)
-        plexa::printLine(stderr, text);
+        plexa::printMessage(text);
 }
 
 /// The first argument that is an option with "=" and nothing after it, to which the parser would assign the

@@ -23,7 +23,7 @@ QString onOneLine(QString text);
 /// Prints "plexa-cli: TEXT" on one line to standard error.
 void printMessage(const QString &text);
 
-/// Prints a message about a file to standard error: "PATH: reason".
+/// Prints a message about a file likewise: "plexa-cli: PATH: reason".
 void printAbout(const QString &path, const QString &reason);
 
 /// The value as JSON on one line with plain numbers, in which characters that control a terminal are escaped.

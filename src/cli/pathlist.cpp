@@ -2,6 +2,8 @@
 
 #include "cli/pathlist.h"
 
+#include "platform/systemerror.h"
+
 #include <QFile>
 
 #include <cstdio>
@@ -21,7 +23,7 @@ Result<QByteArray> contentsOf(const std::string &path)
         return fail(QStringLiteral("--files-from \"%1\": %2").arg(QFile::decodeName(path.c_str()), reason));
     };
     if (!(path == "-" ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly)))
-        return refuse(file.errorString());
+        return refuse(path == "-" ? file.errorString() : openErrorText(file.fileName(), file.errorString()));
     QByteArray contents = file.read(kMaxBytes + 1);
     if (file.error() != QFileDevice::NoError)
         return refuse(file.errorString());

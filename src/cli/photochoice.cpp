@@ -5,8 +5,11 @@
 #include "images/copywriter.h"
 #include "platform/orderedwork.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QHash>
+
+#include <sys/stat.h>
 
 #include <algorithm>
 
@@ -15,11 +18,11 @@ namespace plexa
 namespace
 {
 
-/// The same text for all paths of one entry of a folder. Resolves each folder once.
-class EntryKeys
+/// The same text for all paths of one entry of a folder, or of one file. Resolves each folder once.
+class PhotoKeys
 {
 public:
-    QString keyOf(const QString &path)
+    QString ofEntry(const QString &path)
     {
         const QFileInfo info(path);
         const QString folder = info.path();
@@ -29,33 +32,49 @@ public:
         return *found + u'/' + info.fileName();
     }
 
+    /// Only a file with several links is identified by its number: some file systems number files anew or
+    /// all alike.
+    QString ofFile(const QString &path)
+    {
+        const QFileInfo info(path);
+        struct stat status = {};
+        if (::stat(QFile::encodeName(path).constData(), &status) == 0 && status.st_nlink > 1)
+            return QStringLiteral("%1 %2").arg(status.st_dev).arg(status.st_ino);
+        return info.isSymLink() && info.exists() ? ofEntry(info.canonicalFilePath()) : ofEntry(path);
+    }
+
 private:
     QHash<QString, QString> m_folders; // by the folder as given
 };
 
 } // namespace
 
-void leaveOutRepetitions(PhotoSearch &search)
+LeftOutPhotos leaveOutRepetitions(PhotoSearch &search)
 {
-    EntryKeys keys;
+    LeftOutPhotos leftOut;
+    PhotoKeys keys;
     QHash<QString, std::size_t> places;
     std::vector<PhotoPath> photos;
     for (PhotoPath &photo : search.photos) {
-        const QString key = keys.keyOf(photo.path);
+        const QString key = keys.ofFile(photo.path);
         const auto found = photo.failure.isEmpty() ? places.constFind(key) : places.constEnd();
-        if (found != places.constEnd()) {
-            photos[*found].isFound = photos[*found].isFound && photo.isFound;
+        if (found == places.constEnd()) {
+            places.insert(key, photos.size());
+            photos.push_back(std::move(photo));
             continue;
         }
-        places.insert(key, photos.size());
-        photos.push_back(std::move(photo));
+        photos[*found].isFound = photos[*found].isFound && photo.isFound;
+        const bool isOtherName = keys.ofEntry(photo.path) != keys.ofEntry(photos[*found].path);
+        if (isOtherName && leftOut.count++ == 0)
+            leftOut.first = photo.path;
     }
     search.photos = std::move(photos);
+    return leftOut;
 }
 
-LeftOutCopies leaveOutCopies(PhotoSearch &search, int threads)
+LeftOutPhotos leaveOutCopies(PhotoSearch &search, int threads)
 {
-    LeftOutCopies leftOut;
+    LeftOutPhotos leftOut;
     if (std::none_of(search.photos.begin(), search.photos.end(),
                      [](const PhotoPath &p) { return p.isFound; }))
         return leftOut;

@@ -9,18 +9,19 @@
 namespace plexa
 {
 
-/// Keeps the first of several paths that lead to one entry of a folder, so that a photo is saved once. A
-/// photo that is also named as a file counts as named.
-void leaveOutRepetitions(PhotoSearch &search);
-
-/// What leaveOutCopies() removed.
-struct LeftOutCopies {
+/// Photos that a run leaves out.
+struct LeftOutPhotos {
     qint64 count = 0;
     QString first;
 };
 
+/// Keeps the first of several paths that lead to one file, so that a photo is saved once. A photo that is
+/// also named as a file counts as named.
+/// @return the further names of files, by links; not further paths of one name
+LeftOutPhotos leaveOutRepetitions(PhotoSearch &search);
+
 /// Removes the photos found in folders that are copies of earlier runs. Reads their headers on `threads`
 /// threads.
-LeftOutCopies leaveOutCopies(PhotoSearch &search, int threads);
+LeftOutPhotos leaveOutCopies(PhotoSearch &search, int threads);
 
 } // namespace plexa

@@ -4,6 +4,7 @@
 
 #include "imageio/imageformat.h"
 #include "images/folderwalk.h"
+#include "platform/systemerror.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -74,7 +75,7 @@ PhotoPath decodedPath(const std::string &path)
     return {text, QStringLiteral("its name is not valid UTF-8")};
 }
 
-PhotoSearch photosAt(const std::vector<std::string> &paths, const std::string &leftOut, bool recurses)
+PhotoSearch photosAt(const std::vector<std::string> &paths, bool recurses)
 {
     PhotoSearch search;
     FolderWalk::Visitor visitor;
@@ -86,7 +87,6 @@ PhotoSearch photosAt(const std::vector<std::string> &paths, const std::string &l
     FolderWalk::Rules rules;
     rules.entersFolders = recurses;
     rules.entersHiddenFolders = false;
-    rules.leftOut = decodedPath(leftOut).path;
     rules.isWanted = isPhotoName;
     FolderWalk walk(visitor, rules);
     for (const std::string &path : paths) {
@@ -94,7 +94,7 @@ PhotoSearch photosAt(const std::vector<std::string> &paths, const std::string &l
         struct stat status = {};
         const bool isReached = ::stat(path.c_str(), &status) == 0;
         if (!isReached && isAbsent(errno))
-            search.notRead.push_back({given.path, QStringLiteral("there is no file or folder of this name")});
+            search.notRead.push_back({given.path, openErrorText(given.path, qt_error_string(ENOENT))});
         else if (!isReached || !S_ISDIR(status.st_mode))
             search.photos.push_back(given); // opening it reports why it cannot be reached
         else if (!given.failure.isEmpty())

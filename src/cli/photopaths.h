@@ -50,8 +50,7 @@ struct PhotoSearch {
 /// before are left out. Photos that cannot be read (formats with a known suffix and no reader, names that are
 /// not text, unreachable files) are included, so that reading them reports why.
 /// @param paths     as the shell passes them, in the file system's encoding
-/// @param leftOut   a folder that is skipped below the paths: the folder of the copies
 /// @param recurses  enters the folders in folders
-PhotoSearch photosAt(const std::vector<std::string> &paths, const std::string &leftOut, bool recurses);
+PhotoSearch photosAt(const std::vector<std::string> &paths, bool recurses);
 
 } // namespace plexa

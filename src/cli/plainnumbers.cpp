@@ -11,14 +11,32 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <optional>
 
 namespace plexa
 {
 namespace
 {
 
+/// A number of few digits that was in single precision before: 4.2 for 4.1999998. Else none.
+std::optional<double> fewDigits(double number)
+{
+    constexpr int kDigitsOfFloat = 7;
+    constexpr qsizetype kFewDigits = 5;
+    const QByteArray text = QByteArray::number(number, 'e', kDigitsOfFloat - 1);
+    QByteArray digits = text.left(text.indexOf('e')).replace("-", "").replace(".", "");
+    while (digits.endsWith('0'))
+        digits.chop(1);
+    const double rounded = text.toDouble();
+    const double step = double(std::numeric_limits<float>::epsilon()) * std::abs(number);
+    return digits.size() <= kFewDigits && std::abs(rounded - number) <= step ? std::optional(rounded)
+                                                                             : std::nullopt;
+}
+
 double plain(double number)
 {
+    if (const std::optional<double> few = fewDigits(number))
+        return *few;
     const auto single = static_cast<float>(number);
     if (static_cast<double>(single) == number) {
         std::array<char, 64> text{};

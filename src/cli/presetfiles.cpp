@@ -2,6 +2,7 @@
 
 #include "cli/presetfiles.h"
 
+#include "platform/systemerror.h"
 #include "platform/xmlbounds.h"
 #include "presets/presetsfilereading.h"
 
@@ -21,10 +22,10 @@ Result<Kind> kindOf(const QString &path)
 {
     constexpr qint64 kStartBytes = 64 * 1024;
     if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) // opening a pipe would block
-        return fail(QStringLiteral("it is not a regular file"));
+        return fail(openErrorText(path, QStringLiteral("it is not a regular file")));
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return fail(file.errorString());
+        return fail(openErrorText(path, file.errorString()));
     const QByteArray start = file.read(kStartBytes);
     if (file.error() != QFileDevice::NoError)
         return fail(file.errorString());
@@ -56,8 +57,8 @@ Result<PresetsFile> presetsIn(const QString &path, std::optional<Kind> expected,
     if (expected && *kind != *expected)
         return fail(areWatermarks ? QStringLiteral("it is a file of watermark presets, not of saving presets")
                                   : QStringLiteral("it is not a file of watermark presets"));
-    const PresetsFileReading read = areWatermarks ? readWPresetsFile(path, savingPresetWithID)
-                                                  : readSavingPresetsFile(path, [](const QByteArray &) {});
+    const PresetsFileReading read =
+        areWatermarks ? readWPresetsFile(path, savingPresetWithID) : readSavingPresetsFile(path);
     const QString faults = read.faults.join(u"; ");
     if (!read.hasList)
         return fail(areWatermarks ? faults

@@ -25,14 +25,21 @@ struct PresetsFile {
 [[nodiscard]] Result<PresetsFile> presetsIn(const QString &path, std::optional<PresetsStore::Kind> expected,
                                             const SavingPresetLookup &savingPresetWithID = {});
 
+template<class List>
+QStringList plainNamesOf(const List &presets)
+{
+    QStringList names;
+    for (const auto &preset : presets)
+        names.append(preset->name());
+    return names;
+}
+
 /// Names as in a message: "one", "two".
 template<class List>
 QString namesOf(const List &presets)
 {
-    QStringList names;
-    for (const auto &preset : presets)
-        names.append(QStringLiteral("\"%1\"").arg(preset->name()));
-    return names.isEmpty() ? QStringLiteral("none") : names.join(QLatin1String(", "));
+    const QStringList names = plainNamesOf(presets);
+    return names.isEmpty() ? QStringLiteral("none") : u'"' + names.join(QLatin1String("\", \"")) + u'"';
 }
 
 } // namespace plexa

@@ -91,10 +91,31 @@ void printLines(const PresetsFile &file)
         printLine(stdout, onOneLine(lineFor(*preset)));
 }
 
+/// Copies the standard input to a file: the readers need one.
+Result<void> storeStandardInput(const QString &path)
+{
+    constexpr qint64 kMaxBytes = 1 << 28; // more than any presets; a device may never end
+    QFile input;
+    QFile file(path);
+    if (!input.open(stdin, QIODevice::ReadOnly))
+        return fail(input.errorString());
+    const QByteArray contents = input.read(kMaxBytes + 1);
+    if (input.error() != QFileDevice::NoError || contents.size() > kMaxBytes)
+        return fail(contents.size() > kMaxBytes ? QStringLiteral("it is too large") : input.errorString());
+    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size() || !file.flush())
+        return fail(file.errorString());
+    return {};
+}
+
+/// @param path  "-" is the standard input
 Result<PresetsFile> read(const QString &path)
 {
     const auto number = [](qint64 presetID) { return std::make_shared<SavingPresetNumber>(presetID); };
-    return presetsIn(path, std::nullopt, number);
+    if (path != QLatin1StringView("-"))
+        return presetsIn(path, std::nullopt, number);
+    const QTemporaryDir folder;
+    const QString stored = folder.filePath(QStringLiteral("presets"));
+    return storeStandardInput(stored).and_then([&] { return presetsIn(stored, std::nullopt, number); });
 }
 
 /// Reports the parts of the file that are not printed or written, and pictures that cannot be drawn.
@@ -143,7 +164,6 @@ Result<void> checkTarget(const PresetsFile &file, const QString &target)
 }
 
 /// @param path  of the file that was read
-/// @return a failure as text that follows that path
 Result<void> convert(const PresetsFile &file, const QString &path, const QString &target)
 {
     if (!file.leftOut.isEmpty() &&
@@ -151,7 +171,7 @@ Result<void> convert(const PresetsFile &file, const QString &path, const QString
         return fail(QStringLiteral("the unreadable parts would be lost; write the presets to another file"));
     if (!file.notice.isEmpty())
         return fail(
-            QStringLiteral("nothing is written, because a part would be left out: %1. Read: %2")
+            QStringLiteral("a part would be left out: %1. Read: %2")
                 .arg(file.notice, file.areWatermarks ? namesOf(file.wPresets) : namesOf(file.savingPresets)));
     const QStringList kinds{QStringLiteral("watermark presets"), QStringLiteral("saving presets")};
     if (target.endsWith(QLatin1StringView(file.areWatermarks ? ".pxspr" : ".pxwpr"), Qt::CaseInsensitive))
@@ -170,7 +190,9 @@ int runConversion(const QString &path, const QString &target)
         return convert(presets, path, target);
     });
     if (!converted)
-        printAbout(path, converted.error().text);
+        printAbout(path, QStringLiteral("nothing is written: ") + converted.error().text);
+    else if (file->isIncomplete)
+        printAbout(path, QStringLiteral("the rest is written to \"%1\"").arg(target));
     return converted && !file->isIncomplete ? kAllDone : kSomethingFailed;
 }
 
@@ -201,8 +223,8 @@ CLI::App *addPresetsCommand(CLI::App &program, PresetsOptions &options)
         "presets", "Print watermark presets and saving presets: your own, or those of a file");
     auto *json = command->add_flag("--json", options.json, "Print an array with an object for each preset");
     auto *file = command->add_option("FILE", options.file,
-                                     "A .pxwpr or .pxspr file (default: your own presets of both kinds, or "
-                                     "the examples)");
+                                     "A .pxwpr or .pxspr file, - for the standard input (default: your own "
+                                     "presets of both kinds, or the examples)");
     file->check(somePath());
     command
         ->add_option(

@@ -14,7 +14,7 @@ namespace plexa
 
 /// The command line of "plexa-cli presets".
 struct PresetsOptions {
-    std::string file;      ///< empty: the user's own presets of both kinds
+    std::string file;      ///< empty: the user's own presets of both kinds; "-" is the standard input
     std::string convertTo; ///< empty: nothing is written; "-" is the standard output
     bool json = false;
 };

@@ -5,6 +5,7 @@
 #include "cli/messages.h"
 #include "cli/presetfiles.h"
 #include "cli/saveoptions.h"
+#include "cli/suggestions.h"
 
 #include <QFile>
 
@@ -28,16 +29,24 @@ QString described(const QString &path)
     return path.startsWith(u':') ? QStringLiteral("the example presets") : QStringLiteral("\"%1\"").arg(path);
 }
 
-/// Reads a file of presets. Reports its parts that were not read, unless the run is quiet.
-Result<PresetsFile> reportedPresets(const QString &path, PresetsStore::Kind kind, bool isQuiet,
-                                    const SavingPresetLookup &savingPresetWithID = {})
+/// Reads a file of presets.
+Result<PresetsFile> describedPresets(const QString &path, PresetsStore::Kind kind,
+                                     const SavingPresetLookup &savingPresetWithID = {})
 {
-    const Result<PresetsFile> file = presetsIn(path, kind, savingPresetWithID);
+    Result<PresetsFile> file = presetsIn(path, kind, savingPresetWithID);
     if (!file)
         return fail(QStringLiteral("%1: %2").arg(described(path), file.error().text));
-    if (!isQuiet) {
-        if (!file->notice.isEmpty())
-            printAbout(path, file->notice);
+    return file;
+}
+
+/// Reads a file of presets. Reports its parts that were not read.
+Result<PresetsFile> reportedPresets(const QString &path, PresetsStore::Kind kind,
+                                    const SavingPresetLookup &savingPresetWithID = {})
+{
+    const Result<PresetsFile> file = describedPresets(path, kind, savingPresetWithID);
+    if (file && !file->notice.isEmpty())
+        printAbout(path, file->notice);
+    if (file) {
         for (const QString &fault : file->leftOut)
             printAbout(path, fault);
     }
@@ -64,8 +73,9 @@ Result<SavingPresetList> assignableSavingPresets(const SaveOptions &options)
         return SavingPresetList();
     const QString path = fileOrStored(options.savingPresetsFile, PresetsStore::Kind::Saving);
     // If chosenSavingPreset() reads the same file, it reports its faults.
-    return reportedPresets(path, PresetsStore::Kind::Saving, options.quiet || isSavingPresetChosen(options))
-        .map([](const PresetsFile &file) { return file.savingPresets; });
+    const auto read = isSavingPresetChosen(options) ? describedPresets(path, PresetsStore::Kind::Saving)
+                                                    : reportedPresets(path, PresetsStore::Kind::Saving);
+    return read.map([](const PresetsFile &file) { return file.savingPresets; });
 }
 
 SavingPresetPtr withID(const SavingPresetList &presets, qint64 presetID)
@@ -100,27 +110,25 @@ Result<std::vector<AppliedPreset>> namedPresets(const std::vector<std::string> &
             isFound = true;
         }
         if (!isFound)
-            return fail(QStringLiteral("there is no watermark preset \"%1\" among %2 of %3")
-                            .arg(wanted, namesOf(presets), described(path)));
+            return fail(QStringLiteral("there is no watermark preset \"%1\"").arg(wanted) +
+                        didYouMean(wanted, plainNamesOf(presets),
+                                   QStringLiteral(" among %1 of %2").arg(namesOf(presets), described(path))));
     }
     return applied;
 }
 
 /// Reports assigned saving presets that are not there, and uses the run's one in their place.
 /// @param missing  the placeholder for each of them
-void dropMissing(std::vector<AppliedPreset> &applied, const SavingPresetPtr &missing,
-                 const SaveOptions &options)
+void dropMissing(std::vector<AppliedPreset> &applied, const SavingPresetPtr &missing)
 {
     for (AppliedPreset &mark : applied) {
         if (mark.values.assignedSavingPreset != missing)
             continue;
         mark.values.assignedSavingPreset = nullptr;
-        if (!options.quiet)
-            printMessage(
-                QStringLiteral("the saving preset that is assigned to \"%1\" is not there; the one of "
-                               "the run is used. Give its file with --saving-presets, or "
-                               "--ignore-assigned")
-                    .arg(mark.values.name));
+        printMessage(QStringLiteral("the saving preset that is assigned to \"%1\" is not there; the one of "
+                                    "the run is used. Give its file with --saving-presets, or "
+                                    "--ignore-assigned")
+                         .arg(mark.values.name));
     }
 }
 
@@ -136,8 +144,7 @@ Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
         const SavingPresetPtr found = assignable ? withID(*assignable, presetID) : nullptr;
         return found || isWithoutAssigned(options) ? found : unknown;
     };
-    const Result<PresetsFile> presets =
-        reportedPresets(path, PresetsStore::Kind::Watermark, options.quiet, savingPreset);
+    const Result<PresetsFile> presets = reportedPresets(path, PresetsStore::Kind::Watermark, savingPreset);
     if (!presets)
         return tl::unexpected(presets.error());
     Result<std::vector<AppliedPreset>> applied = namedPresets(options.applied, presets->wPresets, path);
@@ -150,10 +157,9 @@ Result<std::vector<AppliedPreset>> appliedPresets(const SaveOptions &options)
                               });
         if (isNeeded)
             return tl::unexpected(assignable.error());
-        if (!options.quiet)
-            printMessage(assignable.error().text);
+        printMessage(assignable.error().text);
     }
-    dropMissing(*applied, unknown, options);
+    dropMissing(*applied, unknown);
     for (const AppliedPreset &mark : *applied) {
         if (!mark.values.validPreset())
             return fail(QStringLiteral("%1: %2").arg(described(path), mark.values.pictureFault()));
@@ -168,7 +174,7 @@ Result<std::optional<SavingPresetValues>> chosenSavingPreset(const SaveOptions &
     if (!isSavingPresetChosen(options))
         return std::optional<SavingPresetValues>();
     const QString path = fileOrStored(options.savingPresetsFile, PresetsStore::Kind::Saving);
-    const auto file = reportedPresets(path, PresetsStore::Kind::Saving, options.quiet);
+    const auto file = reportedPresets(path, PresetsStore::Kind::Saving);
     if (!file)
         return tl::unexpected(file.error());
     const SavingPresetList &presets = file->savingPresets;
@@ -182,8 +188,8 @@ Result<std::optional<SavingPresetValues>> chosenSavingPreset(const SaveOptions &
         return std::optional<SavingPresetValues>();
     if (presets.empty())
         return fail(QStringLiteral("there are no saving presets in %1").arg(described(path)));
-    return fail(QStringLiteral("--saving-preset has to name one of the presets in %1: %2")
-                    .arg(described(path), namesOf(presets)));
+    return fail(QStringLiteral("--saving-preset has to name one of the presets in %1").arg(described(path)) +
+                didYouMean(name, plainNamesOf(presets), QStringLiteral(": ") + namesOf(presets)));
 }
 
 } // namespace plexa

@@ -34,13 +34,13 @@ public:
 };
 
 /// Reports pieces that were probably meant as tokens, if an argument sets that field.
-void reportTokens(const SaveOptions &options, const std::vector<std::string> &arguments, const char *field,
-                  const QStringList &pieces, TokenUse use)
+void reportTokens(const std::vector<std::string> &arguments, const char *field, const QStringList &pieces,
+                  TokenUse use)
 {
     const bool isSet = std::any_of(arguments.begin(), arguments.end(), [field](const std::string &argument) {
         return isForField(argument, field);
     });
-    if (!isSet || options.quiet)
+    if (!isSet)
         return;
     for (const QString &notice : noticesAboutTokens(pieces, use))
         printMessage(QStringLiteral("%1: %2").arg(QLatin1StringView(field), notice));
@@ -108,7 +108,7 @@ Result<void> setSavingFields(SavingPresetValues &preset, const SaveOptions &opti
         if (Result<void> applied = applySavingField(preset, field); !applied)
             return applied;
     }
-    reportTokens(options, options.savingFields, "filenameTokens", preset.filenameTokens, TokenUse::CopyName);
+    reportTokens(options.savingFields, "filenameTokens", preset.filenameTokens, TokenUse::CopyName);
     if (!options.name.empty()) {
         const Result<QStringList> pieces =
             piecesOfText(QString::fromStdString(options.name), TokenUse::CopyName);
@@ -116,7 +116,7 @@ Result<void> setSavingFields(SavingPresetValues &preset, const SaveOptions &opti
             return fail(QStringLiteral("--name: ") + pieces.error().text);
         preset.filenameTokens = *pieces;
     }
-    if (options.quality != 0 && preset.hideJPEGQuality())
+    if (setsQuality(options) && preset.hideJPEGQuality())
         return fail(QStringLiteral("--quality has no effect on %1").arg(preset.imageFormat));
     return {};
 }
@@ -141,8 +141,16 @@ Result<std::vector<AppliedPreset>> watermarksOf(const SaveOptions &options, cons
             return tl::unexpected(values.error());
         watermarks.push_back({nullptr, std::move(*values)});
     }
-    reportTokens(options, options.fields, "textTokens", watermarks.front().values.textTokens,
-                 TokenUse::Watermark);
+    const auto field = std::find_if(options.fields.begin(), options.fields.end(), isForText);
+    const bool hasText = std::any_of(watermarks.begin(), watermarks.end(), [](const AppliedPreset &mark) {
+        return mark.values.type != QLatin1String("Image");
+    });
+    if (!hasText && field != options.fields.end())
+        return fail(QStringLiteral("--set %1 has no effect on a picture")
+                        .arg(QString::fromStdString(field->substr(0, field->find('=')))));
+    if (options.combine && watermarks.size() == 1)
+        return fail(QStringLiteral("--combine has no effect on a single watermark"));
+    reportTokens(options.fields, "textTokens", watermarks.front().values.textTokens, TokenUse::Watermark);
     return watermarks;
 }
 

@@ -11,8 +11,7 @@ namespace plexa
 class FontCatalog;
 struct SaveOptions;
 
-// The presets of a run, with the fields that the command line sets. Notices go to standard error, unless the
-// run is quiet.
+// The presets of a run, with the fields that the command line sets. Notices go to standard error.
 
 /// The watermarks: stored presets, or the quick preset of --text, --image and --set. At least one.
 [[nodiscard]] Result<std::vector<AppliedPreset>> watermarksOf(const SaveOptions &options,

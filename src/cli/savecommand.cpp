@@ -16,6 +16,7 @@
 #include "platform/bytebudget.h"
 #include "platform/fontcatalog.h"
 #include "platform/localeformat.h"
+#include "saving/namingtokens.h"
 #include "saving/saving.h"
 #include "saving/targetfolder.h"
 
@@ -104,6 +105,39 @@ Result<void> checkAssigned(const std::vector<PresetToSave> &presets, const SaveO
     return {};
 }
 
+/// Refuses a first number that no name of a copy contains.
+Result<void> checkStart(const SavingRun &run, const SaveOptions &options)
+{
+    const auto hasNumber = [](const SavingPresetValues &preset) {
+        return std::any_of(preset.filenameTokens.begin(), preset.filenameTokens.end(), isSequenceToken);
+    };
+    const bool isUsed =
+        hasNumber(run.defaultSavingPreset) ||
+        std::any_of(run.effectivePresets.begin(), run.effectivePresets.end(),
+                    [&](const PresetToSave &preset) {
+                        return preset.assignedSavingPreset && hasNumber(*preset.assignedSavingPreset);
+                    });
+    if (options.start && !isUsed)
+        return fail(
+            QStringLiteral("--start has no effect, because the names of the copies contain no number; "
+                           "give --name with {sequence #}"));
+    return {};
+}
+
+/// Refuses a quality if all copies are of formats without one.
+Result<void> checkQuality(const SavingRun &run, const std::vector<PhotoPath> &photos,
+                          const SaveOptions &options)
+{
+    const auto hasQuality = [&](const PhotoPath &photo) {
+        const QString type = run.defaultSavingPreset.imageFormatUTI(photo.path);
+        return type == QLatin1String("image/jpeg") || type == QLatin1String("image/heic");
+    };
+    if (setsQuality(options) && !photos.empty() && std::none_of(photos.begin(), photos.end(), hasQuality))
+        return fail(
+            QStringLiteral("--quality has no effect, because no copy is a JPEG or HEIC; give --format"));
+    return {};
+}
+
 /// Reports all errors of the command line, before any file is touched.
 Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
 {
@@ -121,12 +155,14 @@ Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
     run.effectivePresets = presetsToSave(*applied);
     if (const Result<void> checked = checkAssigned(run.effectivePresets, options); !checked)
         return tl::unexpected(checked.error());
-    run.firstSequenceNumber = options.start;
+    run.firstSequenceNumber = options.start.value_or(1);
     run.isInSingleMode = !isPresetsMode(options);
     run.defaultSavingPreset = std::move(*savingPreset);
     run.folders = std::move(*folders);
     run.combineAllAppliedPresetsInImage = options.combine;
     run.ignoreAssignedSavingPresets = options.ignoreAssigned;
+    if (const Result<void> checked = checkStart(run, options); !checked)
+        return tl::unexpected(checked.error());
     run.copyRules = {!options.noCreationDate, options.requireWatermark};
     run.isDryRun = options.dryRun;
     run.conflictCode = conflictCode(options.conflict);
@@ -135,9 +171,15 @@ Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
     return run;
 }
 
+void reportLeftOut(const LeftOutPhotos &photos, const QString &what, const QString &hint)
+{
+    if (photos.count > 0)
+        printMessage(QStringLiteral("%1: %2, the first is \"%3\"; %4")
+                         .arg(what, QString::number(photos.count), photos.first, hint));
+}
+
 /// @return the exit status
-int saveAll(SavingRun &run, const PhotoSearch &search, qint64 leftOut, const SaveOptions &options,
-            const FontCatalog &fonts)
+int saveAll(SavingRun &run, const PhotoSearch &search, SaveReport &report, const FontCatalog &fonts)
 {
     const std::vector<PhotoPath> &photos = search.photos;
     const LocaleFormat locale;
@@ -157,8 +199,6 @@ int saveAll(SavingRun &run, const PhotoSearch &search, qint64 leftOut, const Sav
             return {photo.path, nullptr, photo.failure};
         return {photo.path, std::make_shared<ImageObject>(photo.path, services), {}};
     };
-    SaveReport report({options.json, options.quiet, run.effectivePresets.size() > 1},
-                      {qint64(search.notRead.size()), leftOut});
     NoQuestions alerts;
     Saving saving(alerts);
     catchInterruptions();
@@ -181,23 +221,24 @@ int runSave(const SaveOptions &options)
     Result<SavingRun> run = planRun(options, fonts);
     if (!run)
         return refuse(run.error().text);
-    PhotoSearch search = photosAt(*paths, options.output, !options.noRecurse);
-    for (const PhotoPath &path : search.notRead)
-        printAbout(path.path, path.failure);
-    leaveOutRepetitions(search);
+    SaveReport report({options.json, options.quiet, run->effectivePresets.size() > 1});
+    PhotoSearch search = photosAt(*paths, !options.noRecurse);
+    report.pathsNotRead(search.notRead);
     run->jobs = threadsToUse(options.jobs);
     if (run->jobs < 1)
         return kSomethingFailed;
-    const LeftOutCopies leftOut = leaveOutCopies(search, run->jobs);
-    if (leftOut.count > 0 && !options.quiet)
-        printMessage(
-            QStringLiteral("copies of earlier runs in folders are left out: %1, the first is \"%2\"; "
-                           "to watermark a copy again, name its file")
-                .arg(leftOut.count)
-                .arg(leftOut.first));
+    const LeftOutPhotos links = leaveOutRepetitions(search);
+    reportLeftOut(links, QStringLiteral("further names of photos, by links, are left out"),
+                  QStringLiteral("each photo is saved once"));
+    const LeftOutPhotos copies = leaveOutCopies(search, run->jobs);
+    reportLeftOut(copies, QStringLiteral("copies of earlier runs in folders are left out"),
+                  QStringLiteral("to watermark a copy again, name its file"));
     if (search.photos.empty())
         printMessage(QStringLiteral("no photos found"));
-    return saveAll(*run, search, leftOut.count, options, fonts);
+    if (const Result<void> checked = checkQuality(*run, search.photos, options); !checked)
+        return refuse(checked.error().text);
+    report.photosLeftOut(copies.count, links.count);
+    return saveAll(*run, search, report, fonts);
 }
 
 } // namespace plexa

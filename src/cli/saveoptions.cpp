@@ -155,9 +155,11 @@ void addRunOptions(CLI::App &command, OptionGroups &groups, SaveOptions &options
     groups.addFlag("-n,--dry-run", options.dryRun,
                    "Print the planned copies and write nothing; reads only the headers of the photos, so a "
                    "photo that is damaged after its header is not reported");
-    groups.addFlag("--json", options.json,
-                   "Print a JSON object for each copy, one a line; with --quiet for failed copies only");
-    groups.addFlag("-q,--quiet", options.quiet, "Print failures and copies without a visible watermark only");
+    groups.addFlag(
+        "--json", options.json,
+        "Print a JSON object for each copy and unread path, one a line; with --quiet for those with an "
+        "error or a notice only");
+    groups.addFlag("-q,--quiet", options.quiet, "Print failures and notices only");
 }
 
 bool hasField(const std::vector<std::string> &fields, const char *name)
@@ -225,6 +227,11 @@ bool setsSavingPreset(const SaveOptions &options)
 {
     return !options.savingPreset.empty() || !options.savingFields.empty() || !options.format.empty() ||
            !options.name.empty() || options.quality != 0;
+}
+
+bool setsQuality(const SaveOptions &options)
+{
+    return options.quality != 0 || hasField(options.savingFields, "jpegQuality");
 }
 
 bool isPresetsMode(const SaveOptions &options)

@@ -29,7 +29,7 @@ struct SaveOptions {
     std::string name;                      ///< of the copies, with tokens in braces; empty: by the preset
     std::string format;                    ///< empty: by the preset
     int quality = 0;                       ///< 0: by the preset
-    int start = 1;                         ///< the first sequence number
+    std::optional<int> start;              ///< the first sequence number
     std::string output;                    ///< empty: beside each original
     std::string replicateFrom;
     std::string conflict = "unique";
@@ -56,6 +56,9 @@ CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options);
 
 /// Do the options choose or change the saving preset of the run?
 bool setsSavingPreset(const SaveOptions &options);
+
+/// Do the options set the quality of JPEG and HEIC?
+bool setsQuality(const SaveOptions &options);
 
 /// Do the options ask for stored watermark presets?
 bool isPresetsMode(const SaveOptions &options);

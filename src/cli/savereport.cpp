@@ -90,7 +90,14 @@ QJsonValue jsonMarked(const SavingOutput &output)
     return output.status == Status::Planned && output.isKnownUnmarked ? QJsonValue(false) : QJsonValue::Null;
 }
 
-QByteArray jsonLine(const SavingOutput &output)
+/// How the pixels of a copy are made. Null without a copy.
+QJsonValue jsonRoad(const SavingOutput &output)
+{
+    const bool hasCopy = output.status == Status::Written || output.status == Status::Planned;
+    return hasCopy ? QJsonValue(QStringLiteral("rendered")) : QJsonValue::Null;
+}
+
+QJsonObject jsonOf(const SavingOutput &output)
 {
     const CopyReport &report = output.report;
     const bool isWritten = output.status == Status::Written;
@@ -103,6 +110,7 @@ QByteArray jsonLine(const SavingOutput &output)
                      {QStringLiteral("sequence"), output.sequenceNumber},
                      {QStringLiteral("wpreset"), orNull(output.wPresetName)},
                      {QStringLiteral("marked"), jsonMarked(output)},
+                     {QStringLiteral("road"), jsonRoad(output)},
                      {QStringLiteral("rect"), hasRect ? jsonRect(report.rects.front()) : QJsonValue::Null},
                      {QStringLiteral("rects"), isWritten ? QJsonValue(jsonRects(report)) : QJsonValue::Null},
                      {QStringLiteral("size"), QJsonValue::Null},
@@ -112,7 +120,12 @@ QByteArray jsonLine(const SavingOutput &output)
                      {QStringLiteral("emptyTokens"), orNull(output.emptyTokens)}};
     if (isWritten)
         line[QStringLiteral("size")] = QJsonArray{report.size.width(), report.size.height()};
-    return jsonText(line);
+    return line;
+}
+
+void printJsonLine(const QJsonObject &object)
+{
+    std::fprintf(stdout, "%s\n", jsonText(object).constData());
 }
 
 QString textLine(const SavingOutput &output)
@@ -136,6 +149,12 @@ bool isWithoutWatermark(const SavingOutput &output)
                                             : output.status == Status::Written && !output.report.isMarked;
 }
 
+/// Is there more to report about a copy than that it is written?
+bool hasNotice(const SavingOutput &output)
+{
+    return isWithoutWatermark(output) || !noticesOf(output).isEmpty() || !output.report.dropped.isEmpty();
+}
+
 /// @param isOneOfSeveral  does the run have other watermarks?
 QString withoutWatermark(const SavingOutput &output, bool isOneOfSeveral)
 {
@@ -150,11 +169,32 @@ QString withoutWatermark(const SavingOutput &output, bool isOneOfSeveral)
 
 } // namespace
 
-SaveReport::SaveReport(Form form, Search search)
+SaveReport::SaveReport(Form form)
     : m_form(form)
-    , m_search(search)
     , m_progress(!form.quiet)
 {
+}
+
+void SaveReport::pathsNotRead(const std::vector<PhotoPath> &paths)
+{
+    m_search.notRead = static_cast<qint64>(paths.size());
+    for (const PhotoPath &path : paths) {
+        printAbout(path.path, path.failure);
+        SavingOutput output;
+        output.sourcePath = path.path;
+        output.status = Status::Failed;
+        output.error = path.failure;
+        QJsonObject line = jsonOf(output);
+        line[QStringLiteral("sequence")] = QJsonValue::Null;
+        if (m_form.json)
+            printJsonLine(line);
+    }
+}
+
+void SaveReport::photosLeftOut(qint64 copies, qint64 links)
+{
+    m_search.copies = copies;
+    m_search.links = links;
 }
 
 void SaveReport::begun(qint64 maximum, const QString &)
@@ -169,8 +209,8 @@ void SaveReport::copyFinished(const SavingOutput &output)
     m_progress.clear();
     printMessages(output);
     const bool isFailure = output.status == Status::Failed;
-    if (m_form.json && (isFailure || !m_form.quiet))
-        std::fprintf(stdout, "%s\n", jsonLine(output).constData());
+    if (m_form.json && (!m_form.quiet || isFailure || hasNotice(output)))
+        printJsonLine(jsonOf(output));
     else if (!m_form.json && !m_form.quiet && !isFailure)
         printLine(stdout, onOneLine(textLine(output)));
     std::fflush(stdout);
@@ -207,7 +247,7 @@ void SaveReport::printMessages(const SavingOutput &output)
         m_failure = {output.sourcePath, output.error, m_failure.copies + 1};
     if (isWithoutWatermark(output))
         printAbout(output.sourcePath, withoutWatermark(output, m_form.hasSeveralWatermarks));
-    if (m_form.quiet || m_form.json) // the JSON line contains the rest
+    if (m_form.json) // the JSON line contains the rest
         return;
     for (const QString &notice : noticesOf(output))
         printAbout(output.sourcePath, notice);
@@ -241,8 +281,10 @@ QString SaveReport::summary() const
     QString text = QStringLiteral("copies: ") + parts.join(QLatin1String(", "));
     parts.clear();
     add(m_counts.unmarked, "without a visible watermark");
-    add(m_search.leftOut,
-        m_search.leftOut == 1 ? "copy of an earlier run left out" : "copies of earlier runs left out");
+    add(m_search.copies,
+        m_search.copies == 1 ? "copy of an earlier run left out" : "copies of earlier runs left out");
+    add(m_search.links,
+        m_search.links == 1 ? "further name of a photo left out" : "further names of photos left out");
     add(m_search.notRead, m_search.notRead == 1 ? "path not read" : "paths not read");
     for (const QString &part : std::as_const(parts))
         text += QLatin1String("; ") + part;
@@ -255,8 +297,9 @@ void SaveReport::printJsonSummary() const
         {QStringLiteral("planned"), m_counts.planned},       {QStringLiteral("written"), m_counts.written},
         {QStringLiteral("skipped"), m_counts.skipped},       {QStringLiteral("failed"), m_counts.failed},
         {QStringLiteral("notStarted"), m_counts.notStarted}, {QStringLiteral("unmarked"), m_counts.unmarked},
-        {QStringLiteral("leftOut"), m_search.leftOut},       {QStringLiteral("notRead"), m_search.notRead}};
-    std::fprintf(stdout, "%s\n", jsonText(QJsonObject{{QStringLiteral("summary"), summary}}).constData());
+        {QStringLiteral("leftOut"), m_search.copies},        {QStringLiteral("links"), m_search.links},
+        {QStringLiteral("notRead"), m_search.notRead}};
+    printJsonLine({{QStringLiteral("summary"), summary}});
 }
 
 void SaveReport::end()

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "cli/photopaths.h"
 #include "cli/progressline.h"
 #include "saving/savingrun.h"
 
@@ -16,17 +17,18 @@ class SaveReport final : public SavingObserver
 public:
     struct Form {
         bool json = false;
-        bool quiet = false;                ///< failures and copies without a watermark only
+        bool quiet = false;                ///< failures and notices only
         bool hasSeveralWatermarks = false; ///< messages name the watermark
     };
 
-    /// What the search for photos left, for the summary.
-    struct Search {
-        qint64 notRead = 0; ///< paths without a file, and folders that cannot be read
-        qint64 leftOut = 0; ///< copies of earlier runs
-    };
+    explicit SaveReport(Form form);
 
-    SaveReport(Form form, Search search);
+    /// Reports paths without a file, and folders that cannot be read. Before the run.
+    void pathsNotRead(const std::vector<PhotoPath> &paths);
+
+    /// Photos for the summary that are left out: copies of earlier runs, and further names of photos by
+    /// links.
+    void photosLeftOut(qint64 copies, qint64 links);
 
     void begun(qint64 maximum, const QString &message) override;
     void copyFinished(const SavingOutput &output) override;
@@ -55,6 +57,13 @@ private:
         int copies = 0;
     };
 
+    /// What the search for photos left.
+    struct Search {
+        qint64 notRead = 0;
+        qint64 copies = 0;
+        qint64 links = 0;
+    };
+
     void count(const SavingOutput &output);
     void printMessages(const SavingOutput &output);
     void printFailure();
@@ -62,7 +71,7 @@ private:
     QString summary() const;
 
     const Form m_form;
-    const Search m_search;
+    Search m_search;
     ProgressLine m_progress;
     Counts m_counts;
     Failure m_failure; ///< not printed yet

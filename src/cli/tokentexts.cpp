@@ -2,44 +2,16 @@
 
 #include "cli/tokentexts.h"
 
+#include "cli/suggestions.h"
 #include "saving/namingtokens.h"
 #include "watermark/texttokens.h"
 
-#include <algorithm>
-#include <numeric>
-#include <vector>
+#include <utility>
 
 namespace plexa
 {
 namespace
 {
-
-/// Letters and digits only, in lower case.
-QString skeleton(const QString &text)
-{
-    QString letters;
-    for (const QChar character : text.toCaseFolded()) {
-        if (character.isLetterOrNumber())
-            letters += character;
-    }
-    return letters;
-}
-
-/// The number of letters to insert, remove or replace (Levenshtein).
-qsizetype editsBetween(const QString &a, const QString &b)
-{
-    std::vector<qsizetype> row(static_cast<std::size_t>(b.size()) + 1);
-    std::iota(row.begin(), row.end(), 0);
-    for (const QChar letter : a) {
-        qsizetype diagonal = row[0]++;
-        for (std::size_t i = 1; i < row.size(); ++i) {
-            const qsizetype replaced = diagonal + (b[static_cast<qsizetype>(i) - 1] == letter ? 0 : 1);
-            diagonal = row[i];
-            row[i] = std::min({replaced, row[i] + 1, row[i - 1] + 1});
-        }
-    }
-    return row.back();
-}
 
 /// Does it begin or end with a blank or a separator, as a text between tokens does?
 bool isLabel(const QString &text)
@@ -55,6 +27,16 @@ void appendLiteral(QStringList &pieces, const QString &text, const QStringList &
         pieces << text.left(1) << text.mid(1);
     else if (!text.isEmpty())
         pieces << text;
+}
+
+QString unknownToken(const QString &name, TokenUse use)
+{
+    if (use == TokenUse::Watermark && namingTokenNames().contains(name))
+        return QStringLiteral("{%1} is a token of names of copies only (--name)").arg(name);
+    const QString likely = likelyToken(name, use);
+    const QString hint = likely.isEmpty() ? QStringLiteral("\"plexa-cli tokens\" lists the tokens.")
+                                          : QStringLiteral("did you mean {%1}?").arg(likely);
+    return QStringLiteral("there is no token {%1}: %2 Write {{ for a brace").arg(name, hint);
 }
 
 } // namespace
@@ -84,11 +66,7 @@ Result<QStringList> piecesOfText(const QString &text, TokenUse use)
                 QStringLiteral("there is no \"}\" after \"%1\"; write {{ for a brace").arg(text.mid(i)));
         const QString name = text.mid(i + 1, end - i - 1);
         if (!tokens.contains(name)) {
-            const QString likely = likelyToken(name, use);
-            const QString hint = likely.isEmpty() ? QStringLiteral("\"plexa-cli tokens\" lists the tokens")
-                                                  : QStringLiteral("did you mean {%1}?").arg(likely);
-            return fail(QStringLiteral("there is no token {%1}: %2 Write {{ for a brace")
-                            .arg(name, likely.isEmpty() ? hint + u'.' : hint));
+            return fail(unknownToken(name, use));
         }
         appendLiteral(pieces, std::exchange(literal, QString()), tokens);
         pieces << name;
@@ -100,22 +78,7 @@ Result<QStringList> piecesOfText(const QString &text, TokenUse use)
 
 QString likelyToken(const QString &text, TokenUse use)
 {
-    constexpr qsizetype kShortest = 5; // shorter words are near to many others
-    constexpr qsizetype kLong = 10;
-    const QStringList tokens = tokensFor(use);
-    if (tokens.contains(text) || isLabel(text))
-        return {};
-    const QString letters = skeleton(text);
-    QString likely;
-    qsizetype fewest = letters.size() < kShortest ? 1 : letters.size() < kLong ? 2 : 3;
-    for (const QString &token : tokens) {
-        const qsizetype edits = editsBetween(letters, skeleton(token));
-        if (edits >= fewest)
-            continue;
-        fewest = edits;
-        likely = token;
-    }
-    return likely;
+    return isLabel(text) ? QString() : likelyName(text, tokensFor(use));
 }
 
 QStringList noticesAboutTokens(const QStringList &pieces, TokenUse use)

@@ -66,6 +66,7 @@ WriteOptions pictureOptions(const CopyRequest &request)
     options.dpi[0] = positiveNumber(properties, kCGImagePropertyDPIWidth);
     options.dpi[1] = positiveNumber(properties, kCGImagePropertyDPIHeight);
     const QVariantMap tiff = properties.value(kCGImagePropertyTIFFDictionary).toMap();
+    options.software = tiff.value(kCGImagePropertyTIFFSoftware).toString().toLatin1().left(100);
     options.tiffLzw = tiff.value(kCGImagePropertyTIFFCompression, 5).toInt() != 1;
     if (request.source) {
         options.isProgressive = request.source->info().isProgressive;

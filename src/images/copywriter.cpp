@@ -66,7 +66,8 @@ Result<Drawings> prepareMarks(const CopyOrder &order, const PhotoFacts &facts, c
             WatermarkDrawing::prepare(mark, facts, services.fonts, {.isCanceled = order.isCanceled});
         if (!drawing)
             return tl::unexpected(drawing.error());
-        report.rects.push_back(*drawing ? std::optional((*drawing)->layout().rect) : std::nullopt);
+        const bool hasRect = *drawing && !(*drawing)->layout().rect.isEmpty();
+        report.rects.push_back(hasRect ? std::optional((*drawing)->layout().rect) : std::nullopt);
         report.isMarked = report.isMarked || (*drawing && (*drawing)->isVisible());
         if (*drawing)
             report.notices += (*drawing)->notices();

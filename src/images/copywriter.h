@@ -74,8 +74,7 @@ struct CopyReport {
 };
 
 /// Is the file a copy that writeCopy() has written? Decided by the name of this program, which copies carry
-/// as their software; so a GIF or BMP file, which has none, is never one. Reads the file up to its metadata.
-/// Any thread.
+/// as their software. Reads the file up to its metadata. Any thread.
 bool isWrittenCopy(const QString &path);
 
 /// Reads the photo, draws the watermarks and writes the copy. A photo that needs no turning passes through in

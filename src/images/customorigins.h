@@ -33,12 +33,14 @@ public:
         return isChanged;
     }
     bool reset(const WPreset *preset) { return m_places.remove(preset); }
+    bool operator==(const CustomOrigins &) const = default;
     bool clear() { return !std::exchange(m_places, {}).isEmpty(); }
 
 private:
     struct Place {
         std::shared_ptr<const WPreset> preset;
         QPointF origin;
+        bool operator==(const Place &) const = default;
     };
 
     QHash<const WPreset *, Place> m_places;

@@ -80,7 +80,6 @@ FolderWalk::FolderWalk(Visitor visitor)
 FolderWalk::FolderWalk(Visitor visitor, const Rules &rules)
     : m_visitor(std::move(visitor))
     , m_rules(rules)
-    , m_leftOut(rules.leftOut.isEmpty() ? std::nullopt : folderAt(rules.leftOut))
 {
 }
 
@@ -156,7 +155,7 @@ void FolderWalk::visit(const Entry &entry)
     } else if (!folder || isPackageFolder(path)) {
         if (!folder && m_rules.isWanted(path))
             m_visitor.found(path);
-    } else if (folder != m_leftOut && m_visited.insert(*folder).second) {
+    } else if (m_visited.insert(*folder).second) {
         list(path);
     }
 }

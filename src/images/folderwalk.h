@@ -35,9 +35,8 @@ public:
     };
 
     struct Rules {
-        bool entersFolders = true;       ///< in folders
-        bool entersHiddenFolders = true; ///< that were not given themselves
-        QString leftOut;                 ///< a folder that is not entered unless given; may be empty
+        bool entersFolders = true;                           ///< in folders
+        bool entersHiddenFolders = true;                     ///< that were not given themselves
         bool (*isWanted)(const QString &path) = isImageFile; ///< is this, which is no folder, a picture file?
     };
 
@@ -65,7 +64,6 @@ private:
 
     const Visitor m_visitor;
     const Rules m_rules;
-    const std::optional<FolderId> m_leftOut;
     std::set<FolderId> m_visited;
 };
 

@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <utility>
+
 namespace plexa
 {
 
@@ -64,6 +66,27 @@ bool ImageObject::resetCustomWatermarkRectOriginForWPreset(const WPreset *preset
 void ImageObject::resetAllCustomWatermarkRectOrigins()
 {
     m_photo.editOrigins([](CustomOrigins &origins) { return origins.clear(); });
+}
+
+CustomOrigins ImageObject::customWatermarkRectOrigins()
+{
+    CustomOrigins all;
+    m_photo.editOrigins([&all](CustomOrigins &origins) {
+        all = origins;
+        return false;
+    });
+    return all;
+}
+
+bool ImageObject::exchangeCustomWatermarkRectOrigins(const CustomOrigins &expected,
+                                                     const CustomOrigins &origins)
+{
+    bool isExpected = false;
+    m_photo.editOrigins([&](CustomOrigins &current) {
+        isExpected = current == expected;
+        return isExpected && std::exchange(current, origins) != origins;
+    });
+    return isExpected;
 }
 
 Result<QImage> ImageObject::createWatermarkedImage(const AppliedPreset &preset)

@@ -107,7 +107,9 @@ public:
 
     /// Forgets the thumbnail until the photo is loaded again; does nothing while another thread works on the
     /// photo. For long lists, whose thumbnails would fill the memory.
-    void releaseThumbnail() { m_photo.releaseThumbnail(); }
+    void releaseThumbnail() { m_photo.releasePictures(LoadedPhoto::Pictures::Thumbnail); }
+    /// The same with decoded pixels. Turns, metadata and places stay: for a photo that may be needed again.
+    void releasePictures() { m_photo.releasePictures(LoadedPhoto::Pictures::All); }
 
     /// The processing lock, for work that must not be done twice on one photo at a time. A thread that holds
     /// it may load the photo.
@@ -127,6 +129,10 @@ public:
     void setCustomWatermarkRectOrigin(QPointF origin, const std::shared_ptr<const WPreset> &preset);
     bool resetCustomWatermarkRectOriginForWPreset(const WPreset *preset);
     void resetAllCustomWatermarkRectOrigins();
+    /// All places of the photo.
+    CustomOrigins customWatermarkRectOrigins();
+    /// Replaces all places, if they are still the expected ones. @return whether they were
+    bool exchangeCustomWatermarkRectOrigins(const CustomOrigins &expected, const CustomOrigins &origins);
 
     /// The photo with one preset drawn; without a mark when the preset has nothing to draw. Fails when
     /// the photo cannot be read or the preset cannot be drawn.

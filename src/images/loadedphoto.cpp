@@ -37,8 +37,7 @@ LoadedPhoto::~LoadedPhoto()
 
 void LoadedPhoto::dropPictures()
 {
-    m_services.cache.remove(m_key);
-    m_services.cache.remove(m_reducedKey);
+    removeCachedPixels();
     m_thumbnail = {};
     m_hasImage = false;
 }
@@ -352,7 +351,7 @@ void LoadedPhoto::release()
     m_file.forget();
 }
 
-void LoadedPhoto::releaseThumbnail()
+void LoadedPhoto::releasePictures(Pictures which)
 {
     const std::unique_lock processing(m_processingLock, std::try_to_lock);
     const std::unique_lock pixels(m_pixelLock, std::try_to_lock);
@@ -360,6 +359,8 @@ void LoadedPhoto::releaseThumbnail()
         return;
     const std::lock_guard lock(m_stateLock);
     m_thumbnail = {};
+    if (which == Pictures::All)
+        removeCachedPixels();
 }
 
 PhotoFacts LoadedPhoto::facts() const

@@ -75,7 +75,8 @@ public:
     void setMetadata(const ImageMetadata &metadata);
 
     void release();
-    void releaseThumbnail();
+    enum class Pictures { Thumbnail, All };
+    void releasePictures(Pictures which);
 
     /// Loads the photo, turns it, and forgets the places. @return false, with nothing changed, when that
     /// fails
@@ -106,6 +107,7 @@ private:
     void keepReduced(const QImage &picture, int reduction, const Uprighting &uprighting,
                      const std::optional<FileVersion> &version);
     bool turnCachedPixels(ImageTransform transform);
+    void removeCachedPixels() const { m_services.cache.remove(m_key), m_services.cache.remove(m_reducedKey); }
     void dropPictures();
     PhotoFacts lockedFacts() const;
 

@@ -89,6 +89,18 @@ int inverseOrientation(int orientation)
     return orientation == 6 || orientation == 8 ? kQuarterTurns - orientation : orientation;
 }
 
+ImageTransform inverseTransform(ImageTransform transform)
+{
+    switch (transform) {
+    case ImageTransform::RotateClockwise:
+        return ImageTransform::RotateCounterClockwise;
+    case ImageTransform::RotateCounterClockwise:
+        return ImageTransform::RotateClockwise;
+    default:
+        return transform;
+    }
+}
+
 int orientationAfter(int orientation, ImageTransform transform)
 {
     return composedOrientation(orientation, orientationOf(transform));

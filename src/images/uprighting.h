@@ -24,6 +24,9 @@ enum class ImageTransform {
     MirrorTopBottom = 5,
 };
 
+/// The transform that undoes another one.
+ImageTransform inverseTransform(ImageTransform transform);
+
 /// The orientation (1..8, numbered as EXIF does) of a photo of that orientation after one more transform.
 int orientationAfter(int orientation, ImageTransform transform);
 

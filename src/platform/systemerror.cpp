@@ -3,6 +3,9 @@
 #include "platform/systemerror.h"
 
 #include <QCoreApplication>
+#include <QFile>
+
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <system_error>
@@ -17,6 +20,15 @@ struct SystemError {
 };
 
 } // namespace
+
+QString openErrorText(const QString &path, const QString &otherwise)
+{
+    struct stat status = {};
+    if (::stat(QFile::encodeName(path).constData(), &status) == 0)
+        return S_ISDIR(status.st_mode) ? SystemError::tr("it is a folder") : otherwise;
+    return errno == ENOENT || errno == ENOTDIR ? SystemError::tr("there is no file or folder of this name")
+                                               : otherwise;
+}
 
 QString writeErrorText(int error)
 {

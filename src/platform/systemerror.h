@@ -11,4 +11,9 @@ namespace plexa
 /// @param error  an errno value; those without a text of our own get the system's
 QString writeErrorText(int error);
 
+/// Why a file could not be opened for reading: it does not exist, or it is a folder. One text for all files
+/// that a user names.
+/// @param otherwise  the text for other reasons
+QString openErrorText(const QString &path, const QString &otherwise);
+
 } // namespace plexa

@@ -107,6 +107,7 @@ int PresetList<Preset>::insertAfter(const Rows &rows, const Presets &presets)
     if (presets.empty())
         return first;
     const int last = first + static_cast<int>(presets.size()) - 1;
+    m_presets.reserve(m_presets.size() + presets.size()); // a failure must not come between the signals
     Q_EMIT aboutToInsert(first, last);
     m_presets.insert(m_presets.begin() + first, presets.begin(), presets.end());
     for (const auto &preset : presets)

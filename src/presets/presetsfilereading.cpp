@@ -5,32 +5,33 @@
 #include "platform/applicationname.h"
 
 #include <QDebug>
+#include <QRegularExpression>
 
 namespace plexa
 {
 namespace
 {
 
-/// An error line of the reader as part of a sentence: without "ERROR" and the file's name.
-QString reasonIn(QByteArrayView line, const QByteArray &path)
+/// An error line of the reader as part of a sentence: "line 3: MESSAGE" for one with a place, which has the
+/// file's name and the text near it, too.
+QString reasonIn(const QByteArray &line)
 {
-    for (const QByteArray &start : {QByteArray("ERROR:"), "ERROR" + path}) {
-        if (line.startsWith(start))
-            line = line.sliced(start.size());
-    }
-    return QString::fromUtf8(line).simplified();
+    static const QRegularExpression place(
+        QStringLiteral("^ERROR.*? \\(line (\\d+)(?:, near \".*?\")?\\):  "));
+    QString reason = QString::fromUtf8(line);
+    if (reason.startsWith(QLatin1StringView("ERROR:")))
+        reason.remove(0, 6);
+    else
+        reason.replace(place, QStringLiteral("line \\1: "));
+    return reason.simplified();
 }
 
 /// @param read  SavingPreset::readObjectsFromFile() or its like
 template<typename Read>
-PresetsFileReading savingPresetsReading(const QString &path, const XMLParser::ErrorSink &log,
-                                        const Read &read)
+PresetsFileReading savingPresetsReading(const QString &path, const Read &read)
 {
     PresetsFileReading reading;
-    const auto note = [&](const QByteArray &line) {
-        log(line);
-        reading.faults.append(reasonIn(line, path.toUtf8()));
-    };
+    const auto note = [&](const QByteArray &line) { reading.faults.append(reasonIn(line)); };
     auto list = read(path, presetsApplicationID(), reading.code, note, &reading.isLater);
     reading.hasList = list.has_value();
     reading.savingPresets = std::move(list).value_or(SavingPresetList());
@@ -52,9 +53,9 @@ QString presetsApplicationID()
     return applicationNameWithCompany();
 }
 
-PresetsFileReading readSavingPresetsFile(const QString &path, const XMLParser::ErrorSink &log)
+PresetsFileReading readSavingPresetsFile(const QString &path)
 {
-    return savingPresetsReading(path, log, SavingPreset::readObjectsFromFile);
+    return savingPresetsReading(path, SavingPreset::readObjectsFromFile);
 }
 
 PresetsFileReading readWPresetsFile(const QString &path, const SavingPresetLookup &savingPresetWithID,
@@ -76,10 +77,9 @@ PresetsFileReading readWPresetsFile(const QString &path, const SavingPresetLooku
 PresetsFileReading readForeignPresetsFile(const QString &path, bool areWatermarks,
                                           const ReadProgress &progress)
 {
-    if (!areWatermarks)
-        return savingPresetsReading(path, XMLParser::writeErrorLine,
-                                    SavingPreset::readForeignObjectsFromFile);
-    const PresetsFileReading reading = readWPresetsFile(path, {}, progress);
+    const PresetsFileReading reading =
+        areWatermarks ? readWPresetsFile(path, {}, progress)
+                      : savingPresetsReading(path, SavingPreset::readForeignObjectsFromFile);
     logFaults(path, reading);
     return reading;
 }

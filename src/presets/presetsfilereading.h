@@ -24,9 +24,7 @@ struct PresetsFileReading {
     void moveToThread(QThread *thread);
 };
 
-/// @param log  receives the error lines
-PresetsFileReading readSavingPresetsFile(const QString &path,
-                                         const XMLParser::ErrorSink &log = XMLParser::writeErrorLine);
+PresetsFileReading readSavingPresetsFile(const QString &path);
 PresetsFileReading readWPresetsFile(const QString &path, const SavingPresetLookup &savingPresetWithID,
                                     const ReadProgress &progress = {});
 

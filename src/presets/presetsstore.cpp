@@ -12,6 +12,7 @@
 #include <QDebug>
 #include <QFileInfo>
 
+#include <new>
 #include <utility>
 
 namespace plexa
@@ -176,10 +177,10 @@ void PresetsStore::readAll()
 
 PresetsFileReading PresetsStore::readFile(const QString &path, Kind kind) const
 {
-    if (kind == Kind::Saving)
-        return readSavingPresetsFile(path);
     const PresetsFileReading reading =
-        readWPresetsFile(path, [this](qint64 presetID) { return savingPresetWithID(presetID); });
+        kind == Kind::Saving
+            ? readSavingPresetsFile(path)
+            : readWPresetsFile(path, [this](qint64 presetID) { return savingPresetWithID(presetID); });
     logFaults(path, reading);
     return reading;
 }
@@ -197,7 +198,7 @@ bool PresetsStore::createListFromExamples(Kind kind) const
 }
 
 bool PresetsStore::readPresets(Kind kind, Slot slot)
-{
+try {
     const QString path = presetsFileNameForWatermark(kind, slot);
     PresetsFileReading reading;
     QString warning;
@@ -226,6 +227,11 @@ bool PresetsStore::readPresets(Kind kind, Slot slot)
         listState(kind).isChanged = wasChanged;
     }
     return isGood;
+} catch (const std::bad_alloc &) {
+    // Its presets are unknown: the file is backed up before another one is written.
+    found(kind, slot) = Found::Unreadable;
+    warn(tr("Cannot read the presets file"), tr("There is not enough memory for its presets."));
+    return false;
 }
 
 /// @return the text of the report
@@ -300,8 +306,7 @@ void PresetsStore::setSavingPresetsInFile(const SavingPresetList &presets)
 
 void PresetsStore::adopt(const PresetsFileReading &reading, Kind kind, Slot slot)
 {
-    const bool isEmpty = kind == Kind::Watermark ? reading.wPresets.empty() : reading.savingPresets.empty();
-    if (isEmpty)
+    if (kind == Kind::Watermark ? reading.wPresets.empty() : reading.savingPresets.empty())
         return;
     if (kind == Kind::Watermark && slot == Slot::Quick) {
         setQuickWPreset(reading.wPresets.front());
@@ -391,7 +396,7 @@ std::optional<PresetsStore::Imported> PresetsStore::importPresetsFromFile(const 
 
 std::optional<PresetsStore::Imported> PresetsStore::importPresets(const PresetsFileReading &reading,
                                                                   Kind kind)
-{
+try {
     if (!reading.hasList || reading.code != ReadCode::Success) {
         warn(tr("Presets import failed"),
              reading.code == ReadCode::LaterVersion
@@ -417,6 +422,9 @@ std::optional<PresetsStore::Imported> PresetsStore::importPresets(const PresetsF
     if (!unwritable.isEmpty())
         imported.notes.append(unkept(unwritable));
     return imported;
+} catch (const std::bad_alloc &) {
+    warn(tr("Presets import failed"), tr("There is not enough memory for its presets."));
+    return std::nullopt;
 }
 
 bool PresetsStore::importExamplePresets(Kind kind)

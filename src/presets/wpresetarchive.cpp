@@ -7,6 +7,7 @@
 #include "platform/atomicfile.h"
 #include "platform/keyedarchive.h"
 #include "platform/propertylistcheck.h"
+#include "platform/systemerror.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -417,10 +418,10 @@ Result<QByteArray> contentsOf(const QString &path)
 {
     const QFileInfo info(path);
     if (info.exists() && !info.isFile()) // opening a pipe would block
-        return fail(Texts::tr("it is not a regular file"));
+        return fail(openErrorText(path, Texts::tr("it is not a regular file")));
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return fail(file.errorString());
+        return fail(openErrorText(path, file.errorString()));
     const QByteArray bytes = file.read(kMaxPropertyListBytes + 1);
     if (file.error() != QFileDevice::NoError)
         return fail(file.errorString());

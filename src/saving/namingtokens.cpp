@@ -28,6 +28,11 @@ QStringList namingTokenNames()
     return names << kWPresetName << kSavingPresetName;
 }
 
+bool isSequenceToken(const QString &token)
+{
+    return token != kWPresetName && token != kSavingPresetName && namingTokenNames().contains(token);
+}
+
 std::optional<QString> namingTokenText(const QString &token, qint64 sequenceNumber,
                                        const QString &wPresetName, const QString &savingPresetName)
 {

@@ -41,11 +41,9 @@ void ScreenMarks::prepare(std::size_t index, const MarkOrder &order, const Photo
         if (mark.order.customOrigin == order.customOrigin)
             return;
         if (order.customOrigin && *mark.drawing) {
-            if (Result<WatermarkDrawing> moved = (*mark.drawing)->movedTo(*order.customOrigin)) {
-                mark.drawing = std::optional(std::move(*moved));
-                mark.order.customOrigin = order.customOrigin;
-                return;
-            }
+            mark.drawing = std::optional((*mark.drawing)->movedTo(*order.customOrigin));
+            mark.order.customOrigin = order.customOrigin;
+            return;
         }
     }
     m_marks.erase(m_marks.begin() + std::ptrdiff_t(std::min(index, m_marks.size())), m_marks.end());

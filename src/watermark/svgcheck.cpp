@@ -201,20 +201,25 @@ public:
             if (m_elements == 0 && m_xml.name() != QLatin1StringView("svg"))
                 return Texts::tr("it is not an SVG drawing");
             enter();
-            if (m_isPartAt.size() > kMaxDepth || m_elements > kMaxElements)
-                return tooLarge();
+            if (m_isPartAt.size() > kMaxDepth)
+                return Texts::tr("the elements of the SVG drawing are nested more than %1 levels deep")
+                    .arg(kMaxDepth);
+            if (m_elements > kMaxElements)
+                return tooManyParts();
             if (m_stops[m_stops.size() - 2] > kMaxStops)
                 return Texts::tr("a gradient of the SVG drawing has more than %1 stops").arg(kMaxStops);
         }
         if (m_xml.hasError() || m_elements == 0)
             return Texts::tr("the SVG drawing is damaged in line %1").arg(m_xml.lineNumber());
-        return weightOf(0, 0) > kMaxElements || hasLongGradientChain() ? tooLarge() : QString();
+        if (hasLongGradientChain())
+            return Texts::tr("the gradients of the SVG drawing refer to too many others");
+        return weightOf(0, 0) > kMaxElements ? tooManyParts() : QString();
     }
 
 private:
-    static QString tooLarge()
+    static QString tooManyParts()
     {
-        return Texts::tr("the SVG drawing is nested too deeply or has too many parts");
+        return Texts::tr("the SVG drawing has more than %1 parts, references included").arg(kMaxElements);
     }
 
     void enter()

@@ -153,7 +153,10 @@ QString missingIn(const QTextLayout &layout)
         const char32_t character = characterAt(text, at);
         const QString piece = QString::fromUcs4(&character, 1);
         const bool isKnown = missing.contains(piece) || text.indexOf(piece) < at;
-        if (!QChar::isSpace(character) && !isKnown && lacksGlyph(static_cast<int>(at), 1))
+        // Joiners and the like are never drawn.
+        const bool isVisible =
+            !QChar::isSpace(character) && QChar::category(character) != QChar::Other_Format;
+        if (isVisible && !isKnown && lacksGlyph(static_cast<int>(at), 1))
             missing += piece;
         at += piece.size() - 1;
     }

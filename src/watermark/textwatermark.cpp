@@ -97,7 +97,9 @@ public:
     QRectF bounds() const { return m_bounds; }
 
     /// @param ink         its top left corner is at `at` in the text's pixels; not shared
-    /// @param isCanceled  checked at each tile; the rest is then not painted
+    /// @param isCanceled  checked at each tile and in it at each 100,000 elements of outlines; the rest is
+    /// then
+    ///                    not painted
     void paint(QImage &ink, QPoint at, const CancelCheck &isCanceled)
     {
         if (m_inks.isOutlined)
@@ -115,7 +117,7 @@ public:
                     return;
                 QImage tile(bits + y * stride + qsizetype{4} * x, std::min(kTileSide, ink.width() - x),
                             height, stride, ink.format());
-                paintTile(tile, at + QPoint(x, y), inRow);
+                paintTile(tile, at + QPoint(x, y), inRow, isCanceled);
             }
         }
         if (!m_setting.pictureGlyphs.empty())
@@ -182,7 +184,7 @@ private:
         return shape.outline;
     }
 
-    void paintTile(QImage &tile, QPoint at, const std::vector<Glyph> &inRow)
+    void paintTile(QImage &tile, QPoint at, const std::vector<Glyph> &inRow, const CancelCheck &isCanceled)
     {
         const std::vector<Glyph> glyphs = reachingInto(inRow, QRectF(at, tile.size()));
         if (glyphs.empty())
@@ -193,12 +195,13 @@ private:
         // Opaque colors, and colors on an empty bitmap, need only their coverage, which is the faster mode.
         painter.setCompositionMode(QPainter::CompositionMode_Source);
         if (m_inks.isFilled)
-            fill(painter, glyphs, m_inks.fill, [this](const Glyph &glyph) { return fillOf(glyph.shape); });
+            fill(painter, glyphs, m_inks.fill, isCanceled,
+                 [this](const Glyph &glyph) { return fillOf(glyph.shape); });
         if (!m_inks.isOutlined)
             return;
         if (m_inks.isFilled && m_inks.outline.color().alpha() < 255)
             painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-        fill(painter, glyphs, m_inks.outline.color(),
+        fill(painter, glyphs, m_inks.outline.color(), isCanceled,
              [this](const Glyph &glyph) { return outlineOf(glyph.outlined); });
     }
 
@@ -206,7 +209,7 @@ private:
     /// in one tile, too small to be distinguished.
     template<typename PathOf>
     void fill(QPainter &painter, const std::vector<Glyph> &glyphs, const QColor &color,
-              const PathOf &pathOf) const
+              const CancelCheck &isCanceled, const PathOf &pathOf) const
     {
         QPainterPath piece;
         piece.setFillRule(Qt::WindingFill);
@@ -214,6 +217,8 @@ private:
             piece.addPath(pathOf(glyph).translated(glyph.at));
             if (piece.elementCount() < kMaxPieceElements)
                 continue;
+            if (canceled(isCanceled))
+                return;
             painter.fillPath(piece, color);
             piece.clear();
             piece.setFillRule(Qt::WindingFill);
@@ -288,16 +293,12 @@ Result<std::optional<WatermarkBitmap>> painted(const TextSetting &setting, const
     const QRect ink = inkOf(paintable, box * scale, rendering);
     if (ink.isEmpty())
         return bitmap;
-    if (rendering.isTooLarge(ink.size())) {
-        const QRect upright = inkOf(PaintableText(setting, toPixels, inks), QSizeF(frame) * scale, rendering);
-        if (rendering.isTooLarge(upright.size()))
-            return rendering.tooLarge(upright.size());
-        return tooLargeToTilt(ink.size(), rendering);
-    }
+    if (rendering.isTooLarge(ink.size()))
+        return leftOut(ink.size(), rendering);
     bitmap.inkAt = ink.topLeft();
     bitmap.ink = createBitmapContext(ink.width(), ink.height(), true);
     if (bitmap.ink.isNull())
-        return rendering.tooLarge(ink.size());
+        return noMemory();
     paintable.paint(bitmap.ink, ink.topLeft(), rendering.isCanceled);
     return bitmap;
 }
@@ -332,7 +333,7 @@ Result<std::optional<WatermarkBitmap>> createTextWatermarkOfWidth(double width, 
         return std::nullopt;
     const double scale = rendering.scale;
     if (width > kMaxSide || height > kMaxSide)
-        return rendering.tooLarge(QSizeF(width, height) * scale);
+        return leftOut(QSizeF(width, height) * scale, rendering);
 
     const QSize frame(static_cast<int>(width), static_cast<int>(height));
     // The fraction of a photo pixel is cut off at the top.

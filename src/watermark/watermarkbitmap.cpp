@@ -66,13 +66,9 @@ bool Rendering::isTooLarge(QSizeF size) const
     return size.width() * size.height() > static_cast<double>(pixels) * scale * scale;
 }
 
-tl::unexpected<Error> Rendering::tooLarge(QSizeF size) const
+tl::unexpected<Error> noMemory()
 {
-    return fail(
-        Texts::tr(
-            "the watermark would be %1 x %2 pixels large, more than memory is given for; make it smaller")
-            .arg(size.width() / scale, 0, 'f', 0)
-            .arg(size.height() / scale, 0, 'f', 0));
+    return fail(Texts::tr("there is not enough memory to draw the watermark"));
 }
 
 std::optional<double> freeTilt(float degrees)
@@ -99,11 +95,14 @@ QTransform tiltIntoBox(QSizeF size, double radians)
            QTransform::fromTranslate(box.width() / 2, box.height() / 2);
 }
 
-WatermarkBitmap tooLargeToTilt(QSizeF size, const Rendering &rendering)
+WatermarkBitmap leftOut(QSizeF size, const Rendering &rendering)
 {
     WatermarkBitmap none;
     none.scale = rendering.scale;
-    none.notices = {rendering.tooLarge(size).value().text};
+    none.notices = {Texts::tr("the watermark is left out: it would be %1 x %2 pixels large, more than memory "
+                              "is given for; make it smaller")
+                        .arg(size.width() / rendering.scale, 0, 'f', 0)
+                        .arg(size.height() / rendering.scale, 0, 'f', 0)};
     return none;
 }
 

@@ -25,10 +25,10 @@ struct Rendering {
 
     /// Would a bitmap of so many rendered pixels be too large? The answer is the same at every scale.
     bool isTooLarge(QSizeF size) const;
-
-    /// The failure for a bitmap of so many rendered pixels.
-    tl::unexpected<Error> tooLarge(QSizeF size) const;
 };
+
+/// The failure of a rendering that gets no memory.
+tl::unexpected<Error> noMemory();
 
 /// The bitmap of a watermark. Only the part that is not transparent is stored; it may reach beyond the
 /// bitmap.
@@ -50,9 +50,9 @@ QSizeF tiltedBox(QSizeF size, double radians);
 /// From a rectangle (its top left corner at the origin, y downwards) to its place in that box.
 QTransform tiltIntoBox(QSizeF size, double radians);
 
-/// For a mark that is too large only because of the tilt: without size, with a notice.
+/// For a mark that is too large: without size, with a notice.
 /// @param size  in rendered pixels
-WatermarkBitmap tooLargeToTilt(QSizeF size, const Rendering &rendering);
+WatermarkBitmap leftOut(QSizeF size, const Rendering &rendering);
 
 /// The bitmap rotated counter-clockwise, if the angle makes whole quarters, which need no interpolation.
 /// @param degrees  as presets store it

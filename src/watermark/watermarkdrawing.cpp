@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ranges>
 
 namespace plexa
 {
@@ -58,22 +59,22 @@ Result<std::optional<WatermarkBitmap>> createImageWatermarkOfWidth(double width,
     if (!(width >= 1 && height >= 1))
         return std::nullopt;
     const double scale = rendering.scale;
-    const auto tooLarge = [&] { return rendering.tooLarge(QSizeF(width, height) * scale); };
+    const auto tooLarge = [&](QSizeF size) { return leftOut(size * scale, rendering); };
     if (width > kMaxSide || height > kMaxSide)
-        return tooLarge();
+        return tooLarge({width, height});
     WatermarkBitmap bitmap;
     bitmap.size = QSize(static_cast<int>(width), static_cast<int>(height));
     bitmap.scale = scale;
     if (rendering.isTooLarge(QSizeF(bitmap.size) * scale))
-        return tooLarge();
+        return tooLarge(bitmap.size);
     const QSize rendered = renderedSize(bitmap.size, scale);
     const QSizeF box = tiltedBox(bitmap.size, rendering.tilt);
     if (rendering.isTooLarge(box * scale))
-        return tooLargeToTilt(box * scale, rendering);
+        return tooLarge(box);
     bitmap.ink = values.image.imageOfSize(rendered, rendering.isCanceled, rendering.tilt);
     if (bitmap.ink.isNull()) {
         const QString fault = values.pictureFault();
-        return fault.isEmpty() ? tooLarge() : fail(fault);
+        return fault.isEmpty() ? noMemory() : fail(fault);
     }
     if (rendering.tilt == 0)
         return bitmap;
@@ -112,8 +113,11 @@ QColor shadowColor()
     return QColor::fromRgbF(0, 0, 0, 1.0F / 3);
 }
 
+/// Beyond every photo for a length that is no number.
 int roundedPixels(double length)
 {
+    if (std::isnan(length))
+        return static_cast<int>(kMaxSide);
     return static_cast<int>(std::round(std::clamp(length, -kMaxSide, kMaxSide)));
 }
 
@@ -132,57 +136,74 @@ void WatermarkDrawing::placeBox()
         Box{QRectF(box.x() * m_scale, top * m_scale, box.width() * m_scale, box.height() * m_scale), color};
 }
 
-Result<void> WatermarkDrawing::castShadow(const CancelCheck &isCanceled)
+void WatermarkDrawing::castShadow(const CancelCheck &isCanceled)
 {
     if (!m_values.shadow || m_mark.image.isNull())
-        return {};
+        return;
     const Rendering rendering{m_photo, m_scale, isCanceled};
     const double blur = std::max(0, m_values.shadowBlur.value_or(0)) * m_scale;
     // The blur reaches some three standard deviations, of half its size each, to all sides.
     const QSizeF size = QSizeF(m_mark.image.size()) + QSizeF(4 * blur, 4 * blur);
-    if (rendering.isTooLarge(size))
-        return rendering.tooLarge(size);
-    m_mark.shadow = shadowOf(m_mark.image, blur, shadowColor(), isCanceled);
-    if (m_mark.shadow.image.isNull())
-        return rendering.tooLarge(size);
+    if (!rendering.isTooLarge(size))
+        m_mark.shadow = shadowOf(m_mark.image, blur, shadowColor(), isCanceled);
+    if (m_mark.shadow.image.isNull()) {
+        m_notices.append(Texts::tr("the shadow of the watermark is left out: it would be too large"));
+        return;
+    }
     const QPointF offset = m_layout.shadowOffset * m_scale;
     m_mark.shadowOffset = QPoint(roundedPixels(offset.x()), roundedPixels(-offset.y())) -
                           QPoint(m_mark.shadow.margin, m_mark.shadow.margin);
-    return {};
 }
 
-void WatermarkDrawing::placeStamps()
+QRect WatermarkDrawing::reach() const
 {
-    m_stamps.clear();
-    if (m_mark.image.isNull() || !(m_mark.opacity > 0))
-        return;
-    QRectF reach(QPointF(0, 0), QSizeF(m_mark.image.size()));
-    if (!m_mark.shadow.image.isNull())
-        reach |= QRectF(QPointF(m_mark.shadowOffset), QSizeF(m_mark.shadow.image.size()));
-    const QRectF all = target();
-    for (const QPointF &copy : m_layout.repeats) {
-        // Saved copies are on whole photo pixels, which keeps text sharp.
-        const QPointF corner(std::round(copy.x()),
-                             std::round(m_photo.height() - copy.y() - m_layout.rect.height()));
-        const QPointF at = corner * m_scale + m_mark.at;
-        const QPointF onPixel(std::round(at.x()), std::round(at.y()));
-        if (reach.translated(onPixel).intersects(all))
-            m_stamps.push_back(onPixel.toPoint());
-    }
+    const QRect image(QPoint(0, 0), m_mark.image.size());
+    return m_mark.shadow.image.isNull() ? image
+                                        : image | QRect(m_mark.shadowOffset, m_mark.shadow.image.size());
 }
 
-Result<void> WatermarkDrawing::layOut(std::optional<QPointF> customOrigin)
+QPoint WatermarkDrawing::stampAt(qint64 column, qint64 row) const
+{
+    const QPointF copy = m_layout.repeats.at(column, row);
+    // Saved copies are on whole photo pixels, which keeps text sharp.
+    const QPointF corner(std::round(copy.x()),
+                         std::round(m_photo.height() - copy.y() - m_layout.rect.height()));
+    const QPointF at = corner * m_scale + m_mark.at;
+    return {roundedPixels(at.x()), roundedPixels(at.y())};
+}
+
+WatermarkDrawing::Stamps WatermarkDrawing::stampsIn(const QRect &part) const
+{
+    const Repeats &repeats = m_layout.repeats;
+    if (m_mark.image.isNull() || !(m_mark.opacity > 0))
+        return {};
+    const QRect reach = this->reach();
+    const auto firstOf = [](qint64 count, const auto &isBefore) {
+        const auto all = std::views::iota(qint64{0}, count);
+        return static_cast<qint64>(std::ranges::partition_point(all, isBefore) - all.begin());
+    };
+    // Columns run to the right, rows up.
+    const auto right = [&](qint64 c) { return stampAt(c, 0).x() + reach.right(); };
+    const auto top = [&](qint64 r) { return stampAt(0, r).y() + reach.top(); };
+    return {firstOf(repeats.columns, [&](qint64 c) { return right(c) < part.left(); }),
+            firstOf(repeats.columns, [&](qint64 c) { return right(c) - reach.width() < part.right(); }),
+            firstOf(repeats.rows, [&](qint64 r) { return top(r) > part.bottom(); }),
+            firstOf(repeats.rows, [&](qint64 r) { return top(r) + reach.height() > part.top(); })};
+}
+
+void WatermarkDrawing::layOut(std::optional<QPointF> customOrigin)
 {
     m_layout = layoutWatermark(m_values, m_photo, m_size, customOrigin);
-    if (m_layout.tooManyRepeats)
-        return fail(Texts::tr("the watermark would be repeated too many times; make the distances larger"));
-    return {};
+    placeBox();
 }
 
-void WatermarkDrawing::place()
+QStringList WatermarkDrawing::notices() const
 {
-    placeBox();
-    placeStamps();
+    QStringList notices = m_notices;
+    if (m_layout.tooManyRepeats)
+        notices.append(Texts::tr("the watermark is drawn once: it would be repeated too many times; make the "
+                                 "distances larger"));
+    return notices;
 }
 
 Result<std::optional<WatermarkDrawing>> WatermarkDrawing::prepare(const MarkOrder &order,
@@ -213,11 +234,8 @@ Result<std::optional<WatermarkDrawing>> WatermarkDrawing::prepare(const MarkOrde
     drawing.m_mark.at = mark.inkAt;
     drawing.m_mark.mode = blendModeNamed(order.values.blendMode);
     drawing.m_mark.opacity = fractionOf(order.values.opacity);
-    const Result<void> cast =
-        drawing.layOut(order.customOrigin).and_then([&] { return drawing.castShadow(options.isCanceled); });
-    if (!cast)
-        return failed(cast.error());
-    drawing.place();
+    drawing.layOut(order.customOrigin);
+    drawing.castShadow(options.isCanceled);
     if (canceled(options.isCanceled))
         return fail(canceledText());
     return drawing;
@@ -233,12 +251,10 @@ WatermarkDrawing::prepareEach(std::span<const MarkOrder> orders, const PhotoFact
     return drawings;
 }
 
-Result<WatermarkDrawing> WatermarkDrawing::movedTo(QPointF origin) const
+WatermarkDrawing WatermarkDrawing::movedTo(QPointF origin) const
 {
     WatermarkDrawing moved = *this;
-    if (const Result<void> laidOut = moved.layOut(origin); !laidOut)
-        return tl::unexpected(laidOut.error());
-    moved.place();
+    moved.layOut(origin);
     return moved;
 }
 
@@ -247,29 +263,29 @@ QRect WatermarkDrawing::coveredRect() const
     QRect covered;
     if (m_box && m_box->color.alpha() > 0)
         covered = m_box->rect.intersected(target()).toAlignedRect();
-    const QRect image(QPoint(0, 0), m_mark.image.size());
-    const QRect shadow(m_mark.shadowOffset, m_mark.shadow.image.size());
-    const QRect reach = m_mark.shadow.image.isNull() ? image : image | shadow;
     const QRect all = target().toAlignedRect();
-    for (const QPoint &stamp : m_stamps)
-        covered |= reach.translated(stamp) & all;
-    return covered;
+    const Stamps stamps = stampsIn(all);
+    if (stamps.isEmpty())
+        return covered;
+    const QRect first = reach().translated(stampAt(stamps.firstColumn, stamps.firstRow));
+    const QRect last = reach().translated(stampAt(stamps.endColumn - 1, stamps.endRow - 1));
+    return covered | ((first | last) & all);
 }
 
 void WatermarkDrawing::drawRows(QImage &rows, int firstRow, int firstColumn) const
 {
     const int end = firstRow + rows.height();
-    const auto touches = [&](int top, int height) { return top < end && top + height > firstRow; };
     if (m_box && m_box->rect.top() < end && m_box->rect.bottom() > firstRow)
         fillRows(rows, firstRow, m_box->rect.translated(-firstColumn, 0), m_box->color);
-    for (const QPoint &place : m_stamps) {
-        const QPoint stamp = place - QPoint(firstColumn, 0);
-        const QPoint shadowAt = stamp + m_mark.shadowOffset;
-        const QImage &shadow = m_mark.shadow.image;
-        if (!shadow.isNull() && touches(shadowAt.y(), shadow.height()))
-            stampRows(rows, firstRow, shadow, shadowAt, m_mark.mode, m_mark.opacity);
-        if (touches(stamp.y(), m_mark.image.height()))
+    const Stamps stamps = stampsIn(QRect(firstColumn, firstRow, rows.width(), rows.height()));
+    for (qint64 column = stamps.firstColumn; column < stamps.endColumn; ++column) {
+        for (qint64 row = stamps.firstRow; row < stamps.endRow; ++row) {
+            const QPoint stamp = stampAt(column, row) - QPoint(firstColumn, 0);
+            if (!m_mark.shadow.image.isNull())
+                stampRows(rows, firstRow, m_mark.shadow.image, stamp + m_mark.shadowOffset, m_mark.mode,
+                          m_mark.opacity);
             stampRows(rows, firstRow, m_mark.image, stamp, m_mark.mode, m_mark.opacity);
+        }
     }
 }
 
@@ -293,7 +309,7 @@ Result<QImage> createWatermarkOnImage(const QImage &image, const WPresetValues &
     if (marked.format() != QImage::Format_RGB32)
         marked.convertTo(QImage::Format_ARGB32_Premultiplied);
     if (marked.isNull())
-        return fail(Texts::tr("there is not enough memory to draw the watermark"));
+        return noMemory();
     (*drawing)->drawRows(marked, 0);
     return marked;
 }

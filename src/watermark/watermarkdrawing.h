@@ -65,8 +65,7 @@ public:
 
     /// The same mark at another place; it is not rendered again.
     /// @param origin  of the watermark's rectangle: photo pixels, origin at the bottom left
-    /// @return a failure if it would be repeated too many times from there
-    [[nodiscard]] Result<WatermarkDrawing> movedTo(QPointF origin) const;
+    WatermarkDrawing movedTo(QPointF origin) const;
 
     /// The layout, in photo pixels with the origin at the bottom left, whatever the scale.
     const WatermarkLayout &layout() const { return m_layout; }
@@ -75,10 +74,11 @@ public:
     const std::optional<Box> &box() const { return m_box; }
 
     /// What the user should know about the mark on this photo, as texts that follow the photo's path.
-    const QStringList &notices() const { return m_notices; }
+    QStringList notices() const;
 
-    /// False for a text of blanks, for opacity 0 and for a place outside the photo.
-    bool isVisible() const { return !coveredRect().isEmpty(); }
+    /// False for a text of blanks, for opacity 0, for a place outside the photo and for a mark that is left
+    /// out.
+    bool isVisible() const { return !m_size.isEmpty() && !coveredRect().isEmpty(); }
 
     /// The pixels of the target that drawing may change, origin at its top left; empty: none.
     QRect coveredRect() const;
@@ -92,11 +92,23 @@ public:
 private:
     WatermarkDrawing() = default;
 
-    [[nodiscard]] Result<void> castShadow(const CancelCheck &isCanceled);
-    [[nodiscard]] Result<void> layOut(std::optional<QPointF> customOrigin);
-    void place();
+    /// The half-open ranges of the copies that reach into a part of the target.
+    struct Stamps {
+        qint64 firstColumn = 0;
+        qint64 endColumn = 0;
+        qint64 firstRow = 0;
+        qint64 endRow = 0;
+        bool isEmpty() const { return firstColumn >= endColumn || firstRow >= endRow; }
+    };
+
+    void castShadow(const CancelCheck &isCanceled);
+    void layOut(std::optional<QPointF> customOrigin);
     void placeBox();
-    void placeStamps();
+    /// What a copy covers, its image and its shadow, relative to stampAt().
+    QRect reach() const;
+    /// The top left corner of a copy's image.
+    QPoint stampAt(qint64 column, qint64 row) const;
+    Stamps stampsIn(const QRect &part) const;
     QRectF target() const { return {QPointF(0, 0), QSizeF(m_photo) * m_scale}; }
 
     WPresetValues m_values;
@@ -107,7 +119,6 @@ private:
     std::optional<Box> m_box;
     Mark m_mark;
     QStringList m_notices;
-    std::vector<QPoint> m_stamps; ///< top left corners of the copies of the mark that reach into the photo
 };
 
 /// The photo with the watermark on it.

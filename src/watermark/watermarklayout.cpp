@@ -13,12 +13,12 @@ namespace plexa
 namespace
 {
 
-/// Their places need 100 MB.
-constexpr double kMaxCopies = 4'000'000;
-
 /// Tiling beyond this is a mistake (a negative gap nearly as large as the watermark) and would take minutes
 /// for each photo.
 constexpr double kMaxStampedAreaInPhotos = 400;
+
+/// To draw any copy takes at least as long as so many pixels.
+constexpr double kLeastStampedPixels = 50;
 
 /// Converts the lengths of a preset to pixels of the photo.
 struct Lengths {
@@ -60,9 +60,9 @@ std::optional<QRectF> boxAround(const WPresetValues &values, const Lengths &leng
 }
 
 /// Copies in one direction, the first included.
-double countOfCopies(bool isRepeated, double start, double step, double end)
+double countOfCopies(double start, double step, double end)
 {
-    if (!isRepeated || !(step > 0) || !(start + step < end))
+    if (!(step > 0) || !(start + step < end))
         return 1;
     return std::ceil((end - start) / step);
 }
@@ -76,17 +76,7 @@ double coveredLength(double copies, double start, double step, double length, do
                       : std::max(0.0, std::min(start + length, end) - std::max(start, 0.0));
 }
 
-void appendColumn(std::vector<QPointF> &copies, const QRectF &first, double step, QSizeF photo,
-                  bool isRepeated)
-{
-    copies.push_back(first.topLeft());
-    if (!isRepeated)
-        return;
-    const std::vector<QPointF> above = replicateVerticallyWatermark(first, step, photo);
-    copies.insert(copies.end(), above.begin(), above.end());
-}
-
-void appendRepeats(WatermarkLayout &layout, const WPresetValues &values, const Lengths &lengths)
+void repeat(WatermarkLayout &layout, const WPresetValues &values, const Lengths &lengths)
 {
     const QSizeF photo = lengths.photo;
     const QPointF first = layout.rect.topLeft();
@@ -94,24 +84,16 @@ void appendRepeats(WatermarkLayout &layout, const WPresetValues &values, const L
                                                            values.replicateHorizontalDistanceUnit);
     const double sy = layout.rect.height() +
                       lengths.pixels(values.replicateVerticalDistance, values.replicateVerticalDistanceUnit);
-    const double columns = countOfCopies(values.replicateHorizontal, first.x(), sx, photo.width());
-    const double rows = countOfCopies(values.replicateVertical, first.y(), sy, photo.height());
+    const double columns = values.replicateHorizontal ? countOfCopies(first.x(), sx, photo.width()) : 1;
+    const double rows = values.replicateVertical ? replicateVerticallyWatermark(layout.rect, sy, photo) : 1;
     const double stamped = coveredLength(columns, first.x(), sx, layout.rect.width(), photo.width()) *
                            coveredLength(rows, first.y(), sy, layout.rect.height(), photo.height());
+    const double most = kMaxStampedAreaInPhotos * photo.width() * photo.height();
+    layout.repeats = {first, {}};
     layout.tooManyRepeats =
-        columns * rows > kMaxCopies ||
-        (columns * rows > 1 && stamped > kMaxStampedAreaInPhotos * photo.width() * photo.height());
-    if (layout.tooManyRepeats) {
-        layout.repeats = {first};
-        return;
-    }
-    layout.repeats.reserve(static_cast<std::size_t>(columns * rows));
-    appendColumn(layout.repeats, layout.rect, sy, photo, values.replicateVertical);
-    if (!values.replicateHorizontal || !(sx > 0))
-        return;
-    for (double x = first.x() + sx; x < photo.width(); x += sx)
-        appendColumn(layout.repeats, QRectF(QPointF(x, first.y()), layout.rect.size()), sy, photo,
-                     values.replicateVertical);
+        columns * rows > 1 && std::max(stamped, columns * rows * kLeastStampedPixels) > most;
+    if (!layout.tooManyRepeats)
+        layout.repeats = {first, {sx, sy}, static_cast<qint64>(columns), static_cast<qint64>(rows)};
 }
 
 QPointF shadowOffsetOf(const WPresetValues &values, const Lengths &lengths)
@@ -144,17 +126,9 @@ float absoluteValueForSize(float value, const QString &unit, QSizeF imageSize)
     return base ? static_cast<float>(static_cast<double>(value) * *base / 100) : value;
 }
 
-std::vector<QPointF> replicateVerticallyWatermark(const QRectF &initialRect, double step, QSizeF imageSize)
+double replicateVerticallyWatermark(const QRectF &initialRect, double step, QSizeF imageSize)
 {
-    std::vector<QPointF> repeats;
-    if (!(step > 0))
-        return repeats;
-    for (double y = initialRect.y() + step; y < imageSize.height(); y += step) {
-        if (static_cast<double>(repeats.size()) >= kMaxCopies)
-            break;
-        repeats.emplace_back(initialRect.x(), y);
-    }
-    return repeats;
+    return countOfCopies(initialRect.y(), step, imageSize.height());
 }
 
 float positiveRadians(FloatNumber degrees)
@@ -176,7 +150,7 @@ WatermarkLayout layoutWatermark(const WPresetValues &values, QSize photo, QSize 
     if (values.background)
         layout.box = boxAround(values, lengths, layout.rect);
     layout.shadowOffset = shadowOffsetOf(values, lengths);
-    appendRepeats(layout, values, lengths);
+    repeat(layout, values, lengths);
     return layout;
 }
 

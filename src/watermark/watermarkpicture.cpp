@@ -4,6 +4,7 @@
 
 #include "imageio/imagesource.h"
 #include "metadata/propertykeys.h"
+#include "platform/systemerror.h"
 #include "raster/bitmaputilities.h"
 #include "raster/orientation.h"
 #include "watermark/encodedpicture.h"
@@ -38,12 +39,10 @@ bool isSvg(QByteArrayView head)
 Result<QByteArray> startOf(const QString &path, qint64 bytes)
 {
     QFile file(path);
-    if (QFileInfo(path).isDir())
-        return fail(Texts::tr("it is a folder"));
     if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) // opening a pipe would wait for its other end
-        return fail(Texts::tr("it is not a regular file"));
+        return fail(openErrorText(path, Texts::tr("it is not a regular file")));
     if (!file.open(QIODevice::ReadOnly))
-        return fail(file.errorString());
+        return fail(openErrorText(path, file.errorString()));
     return file.read(bytes);
 }
 

@@ -278,9 +278,10 @@ Result<FieldValue> fieldValueFromText(const QString &name, FieldKind kind, const
         return fieldValueFrom(name, kind, limits, text);
     const QJsonValue value = list.array().first();
     const bool isText = kind == FieldKind::String || kind == FieldKind::Image;
-    const bool isOther = (isText && !value.isString()) ||
-                         (kind == FieldKind::Strings && !value.isString() && !value.isArray());
-    return fieldValueFrom(name, kind, limits, isOther ? QJsonValue(text) : value);
+    if (kind == FieldKind::Strings && !value.isString() && !value.isArray())
+        return fail(
+            Texts::tr("\"%1\" takes %2; write '[\"%3\"]' for the text %3").arg(name, listForm(), text));
+    return fieldValueFrom(name, kind, limits, isText && !value.isString() ? QJsonValue(text) : value);
 }
 
 Result<void> setField(WPresetValues &values, const QString &name, const QJsonValue &value)

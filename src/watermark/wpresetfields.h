@@ -40,6 +40,9 @@ struct WPresetField {
     /// @param value  must be of the field's kind
     void (*setValue)(WPresetValues &values, const FieldValue &value);
 
+    /// Has it an effect on texts only?
+    bool isOfText() const { return id >= FieldId::TextTokens && id <= FieldId::StrokeWidth; }
+
     /// Is its value the unit of a length?
     bool isUnit() const { return name.endsWith(QLatin1StringView("Unit")); }
 };
@@ -59,9 +62,9 @@ const WPresetField *wPresetField(QStringView name);
 [[nodiscard]] Result<FieldValue> fieldValueFrom(const QString &name, FieldKind kind,
                                                 const FieldLimits &limits, const QJsonValue &json);
 
-/// The same for a text that a person typed: JSON where it is JSON, else a string. For fields of strings
-/// "2024" and "true" are strings. A list that begins with "[" has to be JSON: the shell may have removed its
-/// quotation marks.
+/// The same for a text that a person typed: JSON where it is JSON, else a string. For a field of one string
+/// "2024" and "true" are strings; for a list they are refused. A list that begins with "[" has to be JSON:
+/// the shell may have removed its quotation marks.
 [[nodiscard]] Result<FieldValue> fieldValueFromText(const QString &name, FieldKind kind,
                                                     const FieldLimits &limits, const QString &text);
 

@@ -13,6 +13,10 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 
@@ -188,6 +192,17 @@ private Q_SLOTS:
                  {"--text x --format PNG --save-set imageFormat=JPEG", "--format and --save-set imageFormat"},
                  {"--image a.png --set type=Text", "--set type has no effect"},
                  {"--text x --combine", "--combine has no effect"},
+                 {"--image %2 --set fontSize=9", "--set fontSize has no effect on a picture"},
+                 {"--text x --start 5", "--start has no effect"},
+                 {"--text x --quality 50 --no-recurse --files-from %3", "no copy is a JPEG or HEIC"},
+                 {"--set textTokens=5", "list of texts in JSON"},
+                 {"--text x --set AnchorPoint=8", "did you mean \"anchorPoint\"?"},
+                 {"--text x --save-set jpegquality=80", "did you mean \"jpegQuality\"?"},
+                 {"--text x --saving-presets %1 --saving-preset best", "did you mean \"Best\"?"},
+                 {"--text '{sequence #}'", "{sequence #} is a token of names of copies only"},
+                 {"--text x --files-from .", "\".\": it is a folder"},
+                 {"--wpresets nowhere", "\"nowhere\": there is no file or folder of this name"},
+                 {"--set image=nowhere", "there is no file or folder of this name"},
                  {"--text x --ignore-assigned", "--ignore-assigned has no effect"},
                  {"--text x --set image=a.png", "no effect"},
                  {"--text x --set textTokens=y", "together"},
@@ -205,8 +220,11 @@ private Q_SLOTS:
                                                      .imageFormat = u"Original"_s,
                                                      .alternativeImageFormat = u"Original"_s},
                                                     {.name = u"Best"_s, .jpegQuality = 500}});
-            const ProgramRun outcome = run(words("save --output %1 %2", path("out"), path("in")) +
-                                           words(options.toUtf8().constData(), presets));
+            write("list", path("in/a.png").toUtf8());
+            const QString photos = options.contains(u"--files-from %3") ? QString() : path("in");
+            const ProgramRun outcome =
+                run(words("save --output %1", path("out")) + QStringList(photos).filter(u"in"_s) +
+                    words(options.toUtf8().constData(), presets, path("in/a.png"), path("list")));
             QCOMPARE(outcome.status, 2);
             QVERIFY2(outcome.err.contains(message.toUtf8()), outcome.err.constData());
             QVERIFY2(outcome.err.startsWith("plexa-cli: ") && outcome.err.count('\n') == 1,
@@ -215,7 +233,8 @@ private Q_SLOTS:
         }
         for (const auto &[arguments, message] : {std::pair("", "no command"),
                                                  {"frob", "no command \"frob\""},
-                                                 {"inspect --frob", "option --frob"}}) {
+                                                 {"inspect --frob", "option --frob"},
+                                                 {"fields Font", "did you mean \"font\"?"}}) {
             const ProgramRun outcome = run(arguments);
             QVERIFY2(outcome.status == 2 && outcome.err.contains(message), outcome.err.constData());
         }
@@ -319,9 +338,10 @@ private Q_SLOTS:
         QCOMPARE(outcome.status, 1);
         QCOMPARE(namesIn(path("out")), words("a.png b.jpg"));
         const QStringList lines = QString::fromUtf8(outcome.err).trimmed().split(u'\n');
-        const QString in = QRegularExpression::escape(path("in/"));
+        const QString in = u"plexa-cli: "_s + QRegularExpression::escape(path("in/"));
         const QStringList expected{in + u"\\*\\.jp2: .*no file.*"_s,
-                                   QRegularExpression::escape(circle) + u": .*symbolic.*"_s,
+                                   u"plexa-cli: "_s + QRegularExpression::escape(circle) +
+                                       u": .*symbolic.*"_s,
                                    in + u"0 empty\\.jpg: .+"_s,
                                    in + u"1 text\\.png: .+"_s,
                                    in + u"2 cut\\.jpg: .+"_s,
@@ -401,10 +421,14 @@ private Q_SLOTS:
         }
         // Without compression it has all its bytes.
         QVERIFY(QFileInfo(path("in/A.TIF")).size() > 120 * 200 * 3);
-        // The copies of the first run are no photos of the second one.
-        for (int time = 0; time < 2; ++time) {
-            run("save --text x --conflict overwrite --output %1 %2", path("in/out"), path("in"));
-            QCOMPARE(namesIn(path("in/out")), words("a.png b.jpg"));
+        // The copies of the first run are no photos of the second one, but an original beside them is.
+        startAnew();
+        QVERIFY(QDir().mkpath(path("in/out")) && smoothPicture({40, 40}).save(path("in/out/c.png")));
+        for (const char *copies : {"3 written", "2 written; 3 copies of earlier runs left out"}) {
+            const ProgramRun outcome =
+                run("save --text x --conflict overwrite --output %1 %2", path("in/out"), path("in"));
+            QVERIFY2(outcome.err.contains(copies), outcome.err.constData());
+            QCOMPARE(namesIn(path("in/out")), words("a.png b.jpg c.png"));
         }
     }
 
@@ -454,19 +478,35 @@ private Q_SLOTS:
         }
     }
 
-    void quietPrintsFailuresOnly()
+    /// Lines about failures and about copies with a notice or without a watermark are left.
+    void quietPrintsFailuresAndNotices()
     {
         write("in/0 empty.jpg", {});
-        for (const char *json : {"--json", ""}) {
+        QImage photo = smoothPicture({40, 30});
+        photo.setDotsPerMeterX(10000);
+        photo.setDotsPerMeterY(3000);
+        QVERIFY(photo.save(path("in/c.png")));
+        for (const auto &[extra, sources] :
+             {std::pair("", ""),
+              {"--json", "nowhere '0 empty.jpg' c.png"},
+              {"--json --set opacity=0", "nowhere '0 empty.jpg' a.png b.jpg c.png"}}) {
             const ProgramRun outcome =
-                run(words("save --text x --quiet --save-set filenameTokens=\"filename\" --output %1 %2",
-                          path("out"), path("in")) +
-                    words(json));
+                run(words("save --text x --quiet --save-set filenameTokens=\"filename\" --output %1 %2 %3",
+                          path("out"), path("nowhere"), path("in")) +
+                    words(extra));
             QCOMPARE(outcome.status, 1);
-            QVERIFY(outcome.err.startsWith(path("in/0 empty.jpg: ").toUtf8()));
-            const QList<QJsonObject> lines = jsonLines(outcome.out);
-            QCOMPARE(lines.size(), *json ? 1 : 0);
-            QVERIFY(!*json || lines[0][u"status"_s] == u"failed"_s);
+            for (const char *message : {"nowhere: ", "in/0 empty.jpg: "})
+                QVERIFY(outcome.err.contains("plexa-cli: " + path(message).toUtf8()));
+            QCOMPARE(outcome.err.count("c.png: stretched"), *extra ? 0 : 1);
+            QStringList found;
+            for (const QJsonObject &line : jsonLines(outcome.out)) {
+                found.append(QFileInfo(line[u"source"_s].toString()).fileName());
+                const bool isFailed = found.size() <= 2;
+                QCOMPARE(line[u"status"_s], isFailed ? u"failed"_s : u"written"_s);
+                QCOMPARE(line[u"error"_s].isNull(), !isFailed);
+                QCOMPARE(line[u"road"_s], isFailed ? QJsonValue::Null : QJsonValue(u"rendered"_s));
+            }
+            QCOMPARE(found, words(sources));
         }
         QVERIFY(namesIn(path("out")).contains(u"a.png"));
     }
@@ -475,7 +515,7 @@ private Q_SLOTS:
     /// that is named is a photo like others.
     void copiesAreNotMarkedAgain()
     {
-        for (const char *format : {"Original", "TIFF", "HEIC"}) {
+        for (const char *format : {"Original", "TIFF", "HEIC", "GIF", "BMP"}) {
             startAnew();
             const QStringList arguments =
                 words("save --text x --json --save-set imageFormat=%1 %2", QLatin1String(format), path("in"));
@@ -503,6 +543,16 @@ private Q_SLOTS:
             QVERIFY(QFile::copy(path("in/a.png"), path(name)));
         QVERIFY(QFile::link(path("in"), path("link")));
         QVERIFY(QDir().mkpath(path("in/.trash")) && QFile::copy(path("in/a.png"), path("in/.trash/d.png")));
+        // Two further names of one file.
+        QVERIFY(QFile::link(path("in/a.png"), path("in/x.png")));
+        std::filesystem::create_hard_link(path("in/b.jpg").toStdString(), path("in/y.jpg").toStdString());
+        const ProgramRun outcome =
+            run("save --text x --dry-run --quiet --json --output %1 %2 %3 %4 %5", path("out"),
+                path("in/c9.png"), path("in"), path("in/../in/a.png"), path("link/b.jpg"));
+        QCOMPARE(jsonSummary(outcome.out)[u"planned"_s], 5);
+        QVERIFY2(outcome.err.contains("by links, are left out: 2, the first is \"" +
+                                      path("in/x.png").toUtf8() + "\""),
+                 outcome.err.constData());
         QStringList names;
         for (const QJsonObject &line :
              jsonLines(run("save --text x --dry-run --json --output %1 %2 %3 %4 %5", path("out"),
@@ -549,7 +599,7 @@ private Q_SLOTS:
     }
 
     /// In a stream and turned upright.
-    void photosThatLackDetail()
+    void photosWithDamage()
     {
         PLEXA_NEEDS_MAGICK();
         PLEXA_NEEDS_PROGRAMS("exiftool");
@@ -561,6 +611,15 @@ private Q_SLOTS:
             write("in/c.jpg", whole.first(whole.lastIndexOf("\xff\xc4")) + "\xff\xd9");
             const ProgramRun outcome = run("save --text x --output %1 %2", path("out"), path("in/c.jpg"));
             QVERIFY2(outcome.err.contains("c.jpg: the file lacks the last of its scans"), outcome.err);
+            // The decoder gets out of step in the middle and finds no meaning for the rest.
+            QVERIFY(QFile::remove(path("in/c.jpg")) && QFile::copy(path("in/b.jpg"), path("in/c.jpg")));
+            outputOf("exiftool -q -overwrite_original %1 %2", QLatin1StringView(orientation),
+                     path("in/c.jpg"));
+            QByteArray damaged = contentsOf(path("in/c.jpg"));
+            const qsizetype middle = (damaged.lastIndexOf("\xff\xda") + damaged.size()) / 2;
+            write("in/c.jpg", damaged.insert(middle, damaged.mid(middle - 60, 60)));
+            const ProgramRun saved = run("save --text x --output %1 %2", path("out"), path("in/c.jpg"));
+            QVERIFY2(saved.err.contains("c.jpg: the picture may be damaged: "), saved.err);
         }
     }
 
@@ -614,6 +673,22 @@ private Q_SLOTS:
         }
     }
 
+    /// A program that writes to a file, such as a server, may hold a lease. It gives it up when asked.
+    void aFileUnderALease()
+    {
+        static int file;
+        file = ::open(path("in/a.png").toUtf8().constData(), O_RDONLY | O_CLOEXEC);
+        const auto giveUp = [](int) { ::fcntl(file, F_SETLEASE, F_UNLCK); };
+        const auto before = std::signal(SIGIO, giveUp);
+        const bool isLeased = ::fcntl(file, F_SETLEASE, F_WRLCK) == 0;
+        const ProgramRun outcome = run("save --text x --output %1 %2", path("out"), path("in/a.png"));
+        std::signal(SIGIO, before);
+        ::close(file);
+        if (!isLeased)
+            QSKIP("the file system has no leases");
+        QVERIFY2(outcome.status == 0, outcome.err.constData());
+    }
+
     /// From the start, with the remaining time, and never as wide as the terminal.
     void progressLine()
     {
@@ -643,7 +718,7 @@ private Q_SLOTS:
         const ProgramRun outcome =
             run("inspect --json %1 %2 %3", path("in/b.jpg"), path("in/0 empty.jpg"), path("in/a.png"));
         QCOMPARE(outcome.status, 1);
-        QVERIFY(outcome.err.startsWith(path("in/0 empty.jpg: ").toUtf8()));
+        QVERIFY(outcome.err.startsWith("plexa-cli: " + path("in/0 empty.jpg: ").toUtf8()));
         const QJsonArray photos = QJsonDocument::fromJson(outcome.out).array();
         QCOMPARE(photos.size(), 2);
         QCOMPARE(photos[0][u"type"_s], u"image/jpeg"_s);
@@ -657,7 +732,8 @@ private Q_SLOTS:
     void inspectPrintsTheWholeDictionary()
     {
         PLEXA_NEEDS_PROGRAMS("exiftool")
-        outputOf("exiftool -q -overwrite_original -ISO=200 -ExposureTime=1/3 -XMP-iptcCore:CreatorCity=Bern "
+        outputOf("exiftool -q -overwrite_original -ISO=200 -ExposureTime=1/3 -FocalLength=41999998/10000000 "
+                 "-FocalPlaneXResolution=43.9999974 -XMP-iptcCore:CreatorCity=Bern "
                  "-IPTC:Keywords=a -Orientation#=6 -Artist=%1 %2",
                  "A\x1b[31mB", path("in/b.jpg"));
         const ProgramRun json = run("inspect --json %1", path("in/b.jpg"));
@@ -670,6 +746,8 @@ private Q_SLOTS:
         const QJsonValue exif = properties[u"{Exif}"_s];
         QCOMPARE(exif[u"ISOSpeedRatings"_s], QJsonValue(QJsonArray{200}));
         QCOMPARE(exif[u"ExposureTime"_s], QJsonValue(1.0 / 3));
+        QCOMPARE(exif[u"FocalLength"_s], QJsonValue(4.2));
+        QCOMPARE(exif[u"FocalPlaneXResolution"_s], QJsonValue(44));
         const QJsonValue iptc = properties[u"{IPTC}"_s];
         QCOMPARE(iptc[u"Keywords"_s], QJsonValue(QJsonArray{u"a"_s}));
         QCOMPARE(iptc[u"CreatorContactInfo"_s][u"CiAdrCity"_s], QJsonValue(u"Bern"_s));

@@ -432,8 +432,8 @@ private Q_SLOTS:
               {"broken/jpeg-named.nef", QString()},
               {"broken/png-named.jpg", QString()},
               {"raw/canon-metadata-only.cr2", PictureFailures::noRawData()},
-              {"jpeg", PictureFailures::notAPicture()},
-              {"absent.jpg", u"it cannot be read: No such file or directory"_qs}}) {
+              {"jpeg", u"it is a folder"_qs},
+              {"absent.jpg", u"there is no file or folder of this name"_qs}}) {
             QString error;
             QCOMPARE(decoded(realPhoto(name), &error).isNull(), !reason.isEmpty());
             QCOMPARE(error, reason);

@@ -216,7 +216,7 @@ private Q_SLOTS:
         const QString photo = m_folder.path("plain.png");
         QVERIFY(smoothPicture({60, 40}).save(photo));
         QVERIFY(!isWrittenCopy(photo));
-        for (const char *format : {"JPEG", "PNG", "TIFF"}) {
+        for (const char *format : {"JPEG", "PNG", "TIFF", "GIF", "BMP"}) {
             SavingPresetValues preset;
             preset.imageFormat = QLatin1String(format);
             const QString copy = m_folder.path(u"copy of "_qs + QLatin1String(format));

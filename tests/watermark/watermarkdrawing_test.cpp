@@ -412,15 +412,14 @@ private Q_SLOTS:
                 const auto elsewhere =
                     WatermarkDrawing::prepare({order.values, QPointF(7, 9)}, facts, m_fonts, {scale});
                 const auto reduced = (*elsewhere)->movedTo(layout.rect.topLeft());
-                QVERIFY(reduced.has_value());
-                QVERIFY2(reduced->layout().rect == layout.rect && reduced->layout().box == layout.box &&
-                             reduced->layout().repeats == layout.repeats,
+                QVERIFY2(reduced.layout().rect == layout.rect && reduced.layout().box == layout.box &&
+                             reduced.layout().repeats == layout.repeats,
                          name);
                 const QSize target = (QSizeF(size) * scale).toSize();
                 const QImage bare = flatPhoto(QColor(128, 128, 128), target);
                 QImage found = bare;
-                reduced->drawRows(found, 0);
-                const QRect covered = reduced->coveredRect();
+                reduced.drawRows(found, 0);
+                const QRect covered = reduced.coveredRect();
                 QVERIFY2((covered | differenceOf(bare, found).rect) == covered, name);
                 const QImage expected =
                     marked.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
@@ -432,7 +431,7 @@ private Q_SLOTS:
                     continue;
 
                 QImage misplaced = bare;
-                reduced->movedTo(layout.rect.topLeft() + QPointF(2, 0) / scale)->drawRows(misplaced, 0);
+                reduced.movedTo(layout.rect.topLeft() + QPointF(2, 0) / scale).drawRows(misplaced, 0);
                 sumOfMisplaced += unlikeness(misplaced, expected);
 
                 const auto direct = WatermarkDrawing::prepare(order, facts, m_fonts, {scale});
@@ -445,10 +444,12 @@ private Q_SLOTS:
         QVERIFY2(sumOfMisplaced / 150 > 0.22, QByteArray::number(sumOfMisplaced / 150));
     }
 
+    /// What is too large or too much is left out, with a notice; the rest is drawn.
     void oneFailureLeavesTheOthers()
     {
         const MarkOrder good{fourColors()};
         const MarkOrder nothing{textPreset(QString())};
+        const MarkOrder failing{textPreset(QString(10'001, u'W'))};
         MarkOrder tooLarge = good;
         tooLarge.values.width = 2'000'000'000;
         MarkOrder repeats = good;
@@ -464,17 +465,58 @@ private Q_SLOTS:
         MarkOrder tilted = good; // too large only when it is tilted
         tilted.values.width = 11'000;
         tilted.values.angle = 45;
-        const auto drawings = WatermarkDrawing::prepareEach(
-            std::vector{good, tooLarge, nothing, repeats, shadow, good, tilted}, fakePhoto(kSize), m_fonts);
-        QCOMPARE(drawings.size(), 7U);
-        QVERIFY(drawings[6] && *drawings[6] && !(*drawings[6])->isVisible());
-        QVERIFY((*drawings[6])->notices().join(u' ').contains(u"large"));
-        QVERIFY((*drawings[5])->notices().isEmpty());
-        QVERIFY(drawings[0] && *drawings[0] && drawings[5] && *drawings[5]);
+        MarkOrder text = MarkOrder{textPreset(u"W"_qs)};
+        text.values.fontSize = 50'000;
+        text.values.fontSizeUnit = u"Points"_qs;
+        text.values.width = 50'000;
+        text.values.widthUnit = u"Pixels"_qs;
+        const std::vector orders{good, failing, nothing, tooLarge, text, tilted, repeats, shadow};
+        const auto drawings = WatermarkDrawing::prepareEach(orders, fakePhoto(kSize), m_fonts);
+        QCOMPARE(drawings.size(), orders.size());
+        QVERIFY(!drawings[1] && drawings[1].error().text.contains(u"10001"));
         QVERIFY(drawings[2] && !*drawings[2]);
-        QVERIFY(!drawings[1] && drawings[1].error().text.contains(u"2000000000"));
-        QVERIFY(!drawings[3] && drawings[3].error().text.contains(u"too many times"));
-        QVERIFY(!drawings[4] && drawings[4].error().text.contains(u"large"));
+        QVERIFY((*drawings[0])->notices().isEmpty());
+        const auto drawn = [&](std::size_t i) {
+            QImage photo = flatPhoto(Qt::gray, kSize);
+            (*drawings[i])->drawRows(photo, 0);
+            return photo;
+        };
+        using Row = std::tuple<std::size_t, bool, QString>;
+        for (const auto &[i, isVisible, notice] : std::initializer_list<Row>{{3, false, u"2000000000"_qs},
+                                                                             {4, false, u"left out"_qs},
+                                                                             {5, false, u"left out"_qs},
+                                                                             {6, true, u"too many times"_qs},
+                                                                             {7, true, u"shadow"_qs}}) {
+            QVERIFY(drawings[i] && *drawings[i]);
+            QVERIFY2((*drawings[i])->notices().join(u' ').contains(notice), qPrintable(notice));
+            QCOMPARE((*drawings[i])->isVisible(), isVisible);
+            if (i != 6)
+                QCOMPARE(drawn(i), isVisible ? drawn(0) : flatPhoto(Qt::gray, kSize));
+        }
+    }
+
+    /// As many as the photo has pixels, in strips.
+    void millionsOfRepeats()
+    {
+        constexpr QSize size(2500, 2000);
+        WPresetValues values = fourColors();
+        values.image = WatermarkPicture::fromImage(flatPhoto(Qt::red, {1, 1}));
+        values.width = 1;
+        values.widthUnit = u"Pixels"_qs;
+        values.offsetHorizontal = values.offsetVertical = 0;
+        values.anchorPoint = 6;
+        values.replicateHorizontal = values.replicateVertical = true;
+        values.replicateHorizontalDistance = values.replicateVerticalDistance = 0;
+        const auto drawing = WatermarkDrawing::prepare({values}, fakePhoto(size), m_fonts);
+        QVERIFY(drawing && *drawing);
+        QCOMPARE((*drawing)->coveredRect(), QRect(QPoint(), size));
+        QImage photo = flatPhoto(Qt::gray, size);
+        for (int y = 0; y < size.height(); y += 300) {
+            QImage strip(photo.scanLine(y), size.width(), std::min(300, size.height() - y),
+                         photo.bytesPerLine(), photo.format());
+            (*drawing)->drawRows(strip, y);
+        }
+        QCOMPARE(photo, flatPhoto(Qt::red, size));
     }
 
     void workStopsWhenCanceled()
@@ -488,7 +530,10 @@ private Q_SLOTS:
         narrowShadow.shadowBlur = 4;
         narrowShadow.image =
             WatermarkPicture::fromImage(QImage(40, 200, QImage::Format_ARGB32_Premultiplied));
-        for (const WPresetValues &values : {textPreset(QString(400, u'W')), logo, wideShadow, narrowShadow}) {
+        // Thousands of marks at one place.
+        const WPresetValues pile = textPreset(QString(3000, QChar(0x0489)));
+        for (const WPresetValues &values :
+             {textPreset(QString(400, u'W')), pile, logo, wideShadow, narrowShadow}) {
             int calls = 0;
             int last = std::numeric_limits<int>::max();
             const auto outcome = [&] {

@@ -21,6 +21,16 @@ WatermarkLayout layoutOf(const WPresetValues &values, QSize mark = kMark)
     return layoutWatermark(values, kPhoto, mark, std::nullopt);
 }
 
+QList<QPointF> copiesOf(const WatermarkLayout &layout)
+{
+    QList<QPointF> copies;
+    for (qint64 column = 0; column < layout.repeats.columns; ++column) {
+        for (qint64 row = 0; row < layout.repeats.rows; ++row)
+            copies.append(layout.repeats.at(column, row));
+    }
+    return copies;
+}
+
 } // namespace
 
 class WatermarkLayoutTest : public QObject
@@ -55,7 +65,7 @@ private Q_SLOTS:
         values.anchorPoint.reset();
         QCOMPARE(layoutOf(values).rect.topLeft(), origins[0]);
         // Without a box and repeats there is the one copy.
-        QCOMPARE(layoutOf(values).repeats.size(), 1U);
+        QCOMPARE(copiesOf(layoutOf(values)).size(), 1);
         QVERIFY(!layoutOf(values).box);
         QCOMPARE(layoutOf(WPresetValues(), {3920, 240}).rect, QRectF(40, 30, 3920, 240));
     }
@@ -113,7 +123,7 @@ private Q_SLOTS:
             values.replicateVerticalDistance = gapY;
             values.replicateVerticalDistanceUnit = u"Pixels"_qs;
             const WatermarkLayout layout = layoutWatermark(values, kPhoto, kMark, QPointF(-100, 1400));
-            QCOMPARE(QList<QPointF>(layout.repeats.begin(), layout.repeats.end()), copies);
+            QCOMPARE(copiesOf(layout), copies);
             QVERIFY(!layout.tooManyRepeats);
         }
     }
@@ -121,13 +131,10 @@ private Q_SLOTS:
     void aColumnRunsUpToThePhotosEdge()
     {
         const QRectF first(20, 5, 30, 10);
-        const std::vector<QPointF> expected{{20, 30}, {20, 55}, {20, 80}};
         // The edge itself is outside.
-        QVERIFY(replicateVerticallyWatermark(first, 25, QSizeF(100, 105)) == expected);
+        QCOMPARE(replicateVerticallyWatermark(first, 25, QSizeF(100, 105)), 4);
         for (const double step : {0.0, -3.0, std::nan(""), 1e300})
-            QVERIFY(replicateVerticallyWatermark(first, step, QSizeF(100, 105)).empty());
-        const QRectF farBelow(0, -1e300, 30, 10);
-        QVERIFY(replicateVerticallyWatermark(farBelow, 25, QSizeF(100, 105)).size() <= 4'000'000);
+            QCOMPARE(replicateVerticallyWatermark(first, step, QSizeF(100, 105)), 1);
     }
 
     void absurdTilingIsGivenUp()
@@ -139,7 +146,8 @@ private Q_SLOTS:
                                         {QSize(3000, 2000), -1990, 0.0, true},
                                         {QSize(3000, 2000), -1900, 0.0, false},
                                         {QSize(5, 5), 0, 0.0, false},
-                                        {QSize(1, 1), 0, 0.0, true},
+                                        {QSize(1, 1), 0, 0.0, false},
+                                        {QSize(3, 3), -2, 0.0, false},
                                         {QSize(10, 10), 10, -1e300, true},
                                         {QSize(10, 10), 10, -std::numeric_limits<double>::infinity(), true},
                                         {QSize(10, 10), 10, std::nan(""), false},
@@ -150,8 +158,7 @@ private Q_SLOTS:
             values.replicateHorizontalDistanceUnit = values.replicateVerticalDistanceUnit = u"Pixels"_qs;
             const WatermarkLayout layout = layoutWatermark(values, kPhoto, mark, QPointF(start, start));
             QCOMPARE(layout.tooManyRepeats, isGivenUp);
-            QVERIFY(layout.repeats.size() <= 4'000'000);
-            QVERIFY(!layout.repeats.empty());
+            QVERIFY(!isGivenUp || copiesOf(layout).size() == 1);
         }
     }
 

@@ -187,7 +187,7 @@ private Q_SLOTS:
                  {stops + "</linearGradient>", ""},
                  {stops + "<stop/><stop/></linearGradient>", "stops"},
                  {gradients(90), ""},
-                 {gradients(150), "too many parts"}}) {
+                 {gradients(150), "too many others"}}) {
             const Result<WatermarkPicture> picture = WatermarkPicture::fromSvg(svgOf(content, kLinks));
             QVERIFY2(picture ? outcome.isEmpty()
                              : !outcome.isEmpty() && picture.error().text.contains(outcome),

@@ -33,6 +33,10 @@ public:
     {
         return tr("the file lacks the last of its scans; the finest step of the detail is missing");
     }
+    static QString mayBeDamaged()
+    {
+        return tr("the picture may be damaged: its data contain bytes that belong to no part of it");
+    }
     static QString damaged() { return tr("the picture data are damaged"); }
     static QString tooManyPixels(QSize size, const ReadLimits &limits);
     static QString tooMuchMemory(QSize size, qint64 bytes, const ReadLimits &limits);

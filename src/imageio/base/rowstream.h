@@ -38,8 +38,8 @@ public:
 
     const RowFormat &format() const { return m_format; }
 
-    /// A loss in the file that leaves the picture usable, as a text that follows the file's name; empty:
-    /// none. Complete after the first row.
+    /// A loss or damage in the file that leaves the picture usable, as a text that follows the file's name;
+    /// empty: none. Complete after the last row.
     virtual QString notice() const { return {}; }
 
     /// Reads the next `count` rows of the picture into the first rows of `strip`.

@@ -3,6 +3,7 @@
 #include "imageio/base/sourcefile.h"
 
 #include "imageio/base/picturefailures.h"
+#include "platform/systemerror.h"
 
 #include <QFile>
 
@@ -14,6 +15,40 @@
 
 namespace plexa
 {
+
+namespace
+{
+
+/// @return -1 with errno if it fails
+int openForReading(const QByteArray &name, int flags)
+{
+    int descriptor = -1;
+    do {
+        descriptor = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY | flags);
+    } while (descriptor < 0 && errno == EINTR);
+    return descriptor;
+}
+
+/// Waits until the lease ends: the system grants its holder less than a minute. The path cannot lead to a
+/// pipe meanwhile.
+int openLeased(const QByteArray &name)
+{
+    const int place = openForReading(name, O_PATH);
+    struct stat status = {};
+    if (place < 0 || ::fstat(place, &status) != 0 || !S_ISREG(status.st_mode)) {
+        if (place >= 0)
+            ::close(place);
+        errno = EWOULDBLOCK;
+        return -1;
+    }
+    const int descriptor = openForReading("/proc/self/fd/" + QByteArray::number(place), 0);
+    const int error = errno;
+    ::close(place);
+    errno = error;
+    return descriptor;
+}
+
+} // namespace
 
 SourceFile::SourceFile(int descriptor, const FileVersion &version)
     : m_descriptor(descriptor)
@@ -33,14 +68,14 @@ Result<std::unique_ptr<SourceFile>> SourceFile::openAt(const QString &path)
     struct stat status = {};
     // A device has no reliable end, and opening it, or a pipe, may have effects.
     if (::stat(name.constData(), &status) == 0 && !S_ISREG(status.st_mode))
-        return fail(PictureFailures::notAPicture());
+        return fail(openErrorText(path, PictureFailures::notAPicture()));
     // The path may lead elsewhere by now: to open a pipe must not wait for its other end.
-    int descriptor = -1;
-    do {
-        descriptor = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
-    } while (descriptor < 0 && errno == EINTR);
+    int descriptor = openForReading(name, O_NONBLOCK);
+    // Another program holds a lease on the file, which ends when the file is opened.
+    if (descriptor < 0 && errno == EWOULDBLOCK)
+        descriptor = openLeased(name);
     if (descriptor < 0)
-        return fail(PictureFailures::readError(qt_error_string(errno)));
+        return fail(openErrorText(path, PictureFailures::readError(qt_error_string(errno))));
     if (::fstat(descriptor, &status) == 0 && !S_ISREG(status.st_mode)) {
         ::close(descriptor);
         return fail(PictureFailures::notAPicture());

@@ -54,6 +54,7 @@ struct WriteOptions {
     QByteArray xmp;                  ///< packet as UTF-8, may be empty
     QByteArray comment;              ///< JPEG comment, may be empty
     QList<PngText> texts;            ///< PNG, may be empty
+    QByteArray software;             ///< BMP, which has no other place for it; ASCII, may be empty
     bool tiffLzw = true;             ///< TIFF: LZW, else uncompressed
 };
 

@@ -67,7 +67,7 @@ public:
         bool holdsIptc = true; ///< else the facts of IIM records go into the XMP, as far as it has a place
         ClearedGroups cleared = {}; ///< by the user
         bool isTurned = false; ///< are the copy's pixels rotated, mirrored or stretched against the source's?
-        bool holdsExif = true; ///< else author, copyright and description of EXIF go into the XMP
+        bool holdsExif = true; ///< else author, copyright, description and software go into the XMP
     };
 
     /// Metadata for a copy: the file's own, changed where `properties` differs from properties(), freed from

@@ -2,6 +2,7 @@
 
 #include "imageio/embedded/storedfacts.h"
 
+#include "imageio/container/bmpsoftware.h"
 #include "imageio/container/tiffdirectoryreader.h"
 #include "imageio/embedded/metadatablocks.h"
 
@@ -48,6 +49,8 @@ bool mayNameSoftware(QIODevice &device, QByteArrayView software)
                std::any_of(blocks->texts.begin(), blocks->texts.end(),
                            [&name](const PngText &text) { return text.text.contains(name); });
     }
+    if (softwareOfBmp(device) == software)
+        return true;
     const TiffDirectoryReader reader(device);
     const auto directory = reader.read(reader.first());
     const auto hasName = [&](quint16 tag) {

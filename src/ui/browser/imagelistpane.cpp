@@ -171,8 +171,10 @@ void ImageListPane::connectSet(AppController &controller)
         if (text != m_set.filterText())
             m_set.filterImages(text);
     });
-    connect(&m_set, &ImageSet::filterTextChanged, m_searchField,
-            [this] { m_searchField->setText(m_set.filterText()); });
+    connect(&m_set, &ImageSet::filterTextChanged, m_searchField, [this] {
+        if (m_searchField->text() != m_set.filterText()) // else the field would lose its own undo
+            m_searchField->setText(m_set.filterText());
+    });
     connect(&m_set, &ImageSet::imageListModeChanged, this, &ImageListPane::showMode);
     for (const auto changed : {&ImageSet::imagesInserted, &ImageSet::imagesRemoved, &ImageSet::listReset})
         connect(&m_set, changed, this, &ImageListPane::showView);

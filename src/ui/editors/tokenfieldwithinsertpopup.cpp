@@ -49,7 +49,6 @@ TokenFieldWithInsertPopup::TokenFieldWithInsertPopup(QWidget *parent)
     , m_completion(new TokenFieldCompletion(*this))
 {
     TokenFieldAccessible::install();
-    setAcceptRichText(false);
     setTabChangesFocus(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setAccessibleName(tr("Text with tokens"));
@@ -226,7 +225,7 @@ void TokenFieldWithInsertPopup::inputMethodEvent(QInputMethodEvent *event)
 
 QTextCursor TokenFieldWithInsertPopup::pillAt(QPoint point) const
 {
-    const QPointF place = point + QPoint(horizontalScrollBar()->value(), verticalScrollBar()->value());
+    const QPointF place = point + QPoint(0, verticalScrollBar()->value());
     const int hit = document()->documentLayout()->hitTest(place, Qt::ExactHit);
     for (int position = std::max(hit - 1, 0); position <= hit && position + 1 < document()->characterCount();
          ++position) {
@@ -288,8 +287,7 @@ void TokenFieldWithInsertPopup::mouseDoubleClickEvent(QMouseEvent *event)
 
 void TokenFieldWithInsertPopup::focusOutEvent(QFocusEvent *event)
 {
-    if (event->reason() != Qt::PopupFocusReason) // the list of names
-        m_completion->close();
+    m_completion->close();
     QTextEdit::focusOutEvent(event);
 }
 
@@ -306,9 +304,15 @@ void TokenFieldWithInsertPopup::contextMenuEvent(QContextMenuEvent *event)
 
 void TokenFieldWithInsertPopup::paintEvent(QPaintEvent *event)
 {
-    if (!m_typedTokens.isEmpty()) {
+    {
         QPainter painter(viewport());
-        painter.translate(-horizontalScrollBar()->value(), -verticalScrollBar()->value());
+        // The placeholder text of the base class ignores the height of the lines.
+        if (document()->isEmpty() && document()->firstBlock().layout()->preeditAreaText().isEmpty()) {
+            painter.setPen(palette().color(QPalette::PlaceholderText));
+            painter.drawText(QRect(cursorRect().topLeft(), viewport()->rect().bottomRight()),
+                             Qt::AlignLeft | Qt::TextWordWrap, tr("Type a text, or { for a token"));
+        }
+        painter.translate(0, -verticalScrollBar()->value());
         for (const FieldPiece &piece : m_typedTokens)
             paintTypedToken(painter, piece);
     }

@@ -4,6 +4,9 @@
 
 #include "app/appcontroller.h"
 #include "presets/presetsstore.h"
+#include "ui/editors/tokenfieldwithinsertpopup.h"
+#include "ui/editors/wpresetviewcontroller.h"
+#include "ui/editors/wtextpresetviewcontroller.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/look.h"
 #include "ui/widgets/presetlistmodel.h"
@@ -17,6 +20,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QSplitter>
 #include <QStackedWidget>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -28,6 +32,13 @@ namespace plexa
 
 namespace
 {
+
+// Of presets mode at first; the user may move the divider.
+constexpr int kListsHeight = 300;
+constexpr int kEditorHeight = 400;
+
+/// Some three rows.
+constexpr int kMinListHeight = 72;
 
 QHBoxLayout *buttonRow()
 {
@@ -45,23 +56,10 @@ QToolButton *makeTextButton(CommandActions &actions, ActionId id, const QString 
     return button;
 }
 
-/// How the single watermark is changed.
-QLabel *makeQuickHint()
-{
-    auto *const hint = new QLabel(PresetsPanel::tr(
-        "Every photo gets this one watermark. To use another one, select a preset in Presets "
-        "and choose Load into Single Watermark from the Watermark menu."));
-    hint->setObjectName(QStringLiteral("quickWPresetHint"));
-    hint->setWordWrap(true);
-    QPalette palette = hint->palette();
-    palette.setColor(QPalette::WindowText, look::kSecondaryText);
-    hint->setPalette(palette);
-    return hint;
-}
-
 } // namespace
 
-PresetsPanel::PresetsPanel(AppController &controller, CommandActions &actions, QWidget *parent)
+PresetsPanel::PresetsPanel(AppController &controller, UserDefaults &defaults, CommandActions &actions,
+                           QWidget *parent)
     : QWidget(parent)
     , m_controller(controller)
     , m_applied(controller.appliedPresets())
@@ -72,13 +70,10 @@ PresetsPanel::PresetsPanel(AppController &controller, CommandActions &actions, Q
     , m_appliedTable(new PresetListView(*m_appliedModel))
     , m_allTable(new PresetListView(*m_allModel))
     , m_modeContainer(new QStackedWidget)
-    , m_quickContainer(new QWidget)
+    , m_quickEditor(makeEditor(defaults, QStringLiteral("quickWPresetEditor")))
+    , m_editor(makeEditor(defaults, QStringLiteral("wPresetEditor")))
 {
-    m_quickContainer->setObjectName(QStringLiteral("quickWPresetContainer"));
-    auto *const quickLayout = new QVBoxLayout(m_quickContainer);
-    quickLayout->setContentsMargins(0, 0, 0, 0);
-    quickLayout->addWidget(makeQuickHint(), 0, Qt::AlignTop);
-    m_modeContainer->addWidget(m_quickContainer);
+    m_modeContainer->addWidget(m_quickEditor);
     m_modeContainer->addWidget(makePresetsView());
     m_allModel->follow(controller.presetsStore().wPresetList());
 
@@ -107,6 +102,20 @@ SegmentedSwitch *PresetsPanel::makeModeSelector()
     return selector;
 }
 
+WPresetViewController *PresetsPanel::makeEditor(UserDefaults &defaults, const QString &name)
+{
+    using Row = WPresetViewController::SavingPresetRow;
+    auto *const editor = new WPresetViewController(
+        {m_controller.presetsStore(), m_controller.photoServices().fonts, defaults}, Row::Shown);
+    editor->setObjectName(name);
+    editor->textEditor().tokenField().setValueOnPhoto(
+        [&set = m_controller.imageSet()](const QString &token) -> std::optional<QString> {
+            const std::shared_ptr<ImageObject> image = set.shownImage();
+            return image ? image->facts().stringForInfoToken(token) : std::nullopt;
+        });
+    return editor;
+}
+
 QWidget *PresetsPanel::makePresetsView()
 {
     m_appliedTable->setObjectName(QStringLiteral("wPresetsAppliedTable"));
@@ -120,6 +129,8 @@ QWidget *PresetsPanel::makePresetsView()
     m_allTable->setWhatsThis(tr("All watermark presets. Press Enter to apply the selected ones; "
                                 "double-click one to edit it."));
     m_allTable->setEmptyHint(tr("No presets yet"));
+    for (PresetListView *const table : {m_appliedTable, m_allTable})
+        table->setMinimumHeight(kMinListHeight);
 
     const auto setContextMenu = [this](QWidget *table, std::initializer_list<ActionId> ids) {
         table->setContextMenuPolicy(Qt::ActionsContextMenu);
@@ -132,13 +143,21 @@ QWidget *PresetsPanel::makePresetsView()
     setContextMenu(m_allTable,
                    {ActionId::ApplyPresets, ActionId::LoadPreset, ActionId::ToggleWatermarkPresets});
 
-    auto *const view = new QWidget;
-    auto *const layout = new QVBoxLayout(view);
+    auto *const lists = new QWidget;
+    auto *const layout = new QVBoxLayout(lists);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(look::kSmallGap);
     addAppliedList(layout);
     layout->addSpacing(look::kGap);
     addAllList(layout);
+    auto *const view = new QSplitter(Qt::Vertical);
+    view->setObjectName(QStringLiteral("presetsSplitView"));
+    view->setChildrenCollapsible(false);
+    view->addWidget(lists);
+    view->addWidget(m_editor);
+    view->setStretchFactor(1, 1);
+    view->setSizes({kListsHeight, kEditorHeight});
+    m_editor->hide(); // until a preset is selected
     return view;
 }
 
@@ -167,8 +186,29 @@ void PresetsPanel::addAllList(QVBoxLayout *layout)
     layout->addLayout(buttons);
 }
 
+/// Shows one selected preset in the editor; with none or several, the former one stays if it still exists.
+void PresetsPanel::edit(const WPresetList &selected)
+{
+    const WPresetList &all = m_allModel->presets();
+    if (selected.size() == 1)
+        m_editor->setPreset(selected.front());
+    else if (std::find(all.begin(), all.end(), m_editor->preset()) == all.end())
+        m_editor->setPreset(nullptr);
+    m_editor->setVisible(m_editor->preset() != nullptr);
+}
+
 void PresetsPanel::connectLists()
 {
+    const auto editQuick = [this] { m_quickEditor->setPreset(m_applied.quickWPreset()); };
+    connect(&m_applied, &AppliedPresets::quickWPresetChanged, this, editQuick);
+    editQuick();
+    connect(&m_applied, &AppliedPresets::selectedRowsChanged, this, [this] {
+        WPresetList selected;
+        for (const int row : m_applied.selectedRows())
+            selected.push_back(m_applied.wPresetsApplied()[static_cast<std::size_t>(row)]);
+        edit(selected);
+    });
+    connect(m_allTable, &PresetListView::selectedRowsChanged, this, [this] { edit(selectedWPresets()); });
     connect(&m_applied, &AppliedPresets::modeChanged, this, &PresetsPanel::showMode);
     connect(&m_applied, &AppliedPresets::appliedChanged, this, &PresetsPanel::showApplied);
     connect(&m_applied, &AppliedPresets::selectedRowsChanged, this,

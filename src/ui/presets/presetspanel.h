@@ -19,25 +19,27 @@ class CommandActions;
 class PresetListModel;
 class PresetListView;
 class SegmentedSwitch;
+class UserDefaults;
+class WPresetViewController;
 
-/// The right side of the main window: the two buttons that select the mode, and in presets mode the lists of
-/// applied and of all presets. Carries out their commands.
+/// The right side of the main window: the two buttons that select the mode, in single mode the editor of the
+/// single watermark, in presets mode the lists of applied and of all presets and the editor of the one that
+/// was selected last. Carries out their commands.
 class PresetsPanel final : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// @param controller  outlives the panel, like the actions
-    PresetsPanel(AppController &controller, CommandActions &actions, QWidget *parent = nullptr);
-
-    /// The container for the editor of the single watermark.
-    QWidget *quickWPresetContainer() const { return m_quickContainer; }
+    /// @param controller  outlives the panel, like the settings and the actions
+    PresetsPanel(AppController &controller, UserDefaults &defaults, CommandActions &actions,
+                 QWidget *parent = nullptr);
 
     /// The selected presets in the list of all presets, in its order.
     WPresetList selectedWPresets() const;
 
 private:
     SegmentedSwitch *makeModeSelector();
+    WPresetViewController *makeEditor(UserDefaults &defaults, const QString &name);
     QWidget *makePresetsView();
     void addAppliedList(QVBoxLayout *layout);
     void addAllList(QVBoxLayout *layout);
@@ -48,6 +50,7 @@ private:
     void saveQuickPreset();
     void showMode();
     void showApplied();
+    void edit(const WPresetList &selected);
     void doubleMouseClick(const QModelIndex &index, const PresetListModel &model);
 
     AppController &m_controller;
@@ -59,7 +62,8 @@ private:
     PresetListView *const m_appliedTable;
     PresetListView *const m_allTable;
     QStackedWidget *const m_modeContainer;
-    QWidget *const m_quickContainer;
+    WPresetViewController *const m_quickEditor;
+    WPresetViewController *const m_editor;
 };
 
 } // namespace plexa

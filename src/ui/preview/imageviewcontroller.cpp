@@ -8,6 +8,8 @@
 
 #include <QFileInfo>
 
+#include <utility>
+
 namespace plexa
 {
 namespace
@@ -57,9 +59,10 @@ void ImageViewController::connectAll()
             [this](const QRectF &rect) { drag(rect.topLeft()); });
     connect(&m_view, &View::dragCanceled, this, [this] { drag({}); });
     connect(&m_view, &View::didMoveWatermarkRectTo, this, [this](const QRectF &rect) {
-        m_draggedTo.reset();
+        using enum ManualPositions::EditKind;
+        const auto kind = std::exchange(m_draggedTo, std::nullopt) ? Drag : Keys;
         if (m_imageObject)
-            m_app.placeWatermark(*m_imageObject, rect.topLeft());
+            m_app.placeWatermark(m_imageObject, rect.topLeft(), kind);
     });
 
     connect(&m_zoomedImageUpdateTimer, &QTimer::timeout, this,

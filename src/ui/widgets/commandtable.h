@@ -23,6 +23,8 @@ enum class ActionId {
     CloseWindow,
     Quit,
 
+    Undo,
+    Redo,
     CopyImages,
     SelectAll,
     SelectNone,

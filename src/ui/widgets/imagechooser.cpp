@@ -21,9 +21,11 @@ QString translated(const char *text)
 }
 
 /// Cameras write suffixes in capitals, so both cases are included.
-QString imageFilter()
+QString imageFilter(ChooserKind kind)
 {
     QStringList patterns;
+    if (kind == ChooserKind::Picture)
+        patterns << QStringLiteral("*.svg") << QStringLiteral("*.SVG");
     for (const ImageFormat &format : imageFormats()) {
         for (const QString &suffix : format.suffixes)
             patterns << QStringLiteral("*.") + suffix << QStringLiteral("*.") + suffix.toUpper();
@@ -46,12 +48,16 @@ void chooseImages(ChooserKind kind, QWidget *window, std::function<void(const QS
         dialog->setFileMode(QFileDialog::Directory);
         dialog->setOption(QFileDialog::ShowDirsOnly);
     } else {
-        dialog->setWindowTitle(translated(QT_TRANSLATE_NOOP("ImageChooser", "Add Photos")));
-        dialog->setFileMode(QFileDialog::ExistingFiles);
+        const bool isPicture = kind == ChooserKind::Picture;
+        dialog->setWindowTitle(isPicture ? translated(QT_TRANSLATE_NOOP("ImageChooser", "Choose Picture"))
+                                         : translated(QT_TRANSLATE_NOOP("ImageChooser", "Add Photos")));
+        dialog->setFileMode(isPicture ? QFileDialog::ExistingFile : QFileDialog::ExistingFiles);
         dialog->setNameFilters(
-            {imageFilter(), translated(QT_TRANSLATE_NOOP("ImageChooser", "All files (*)"))});
+            {imageFilter(kind), translated(QT_TRANSLATE_NOOP("ImageChooser", "All files (*)"))});
     }
-    dialog->setLabelText(QFileDialog::Accept, translated(QT_TRANSLATE_NOOP("ImageChooser", "Add")));
+    dialog->setLabelText(QFileDialog::Accept, kind == ChooserKind::Picture
+                                                  ? translated(QT_TRANSLATE_NOOP("ImageChooser", "Choose"))
+                                                  : translated(QT_TRANSLATE_NOOP("ImageChooser", "Add")));
     dialog->setOption(QFileDialog::HideNameFilterDetails);
     if (QFileInfo(lastFolder).isDir())
         dialog->setDirectory(lastFolder);

@@ -11,10 +11,14 @@ class QWidget;
 namespace plexa
 {
 
-enum class ChooserKind { Files, Folder };
+enum class ChooserKind {
+    Files,   ///< photos
+    Folder,  ///< of photos
+    Picture, ///< one file for a watermark
+};
 
-/// Opens a dialog for choosing photos or a folder of photos and returns at once. `chosen` gets their paths if
-/// the user accepts.
+/// Opens a dialog for choosing files or a folder and returns at once. `chosen` gets their paths if the user
+/// accepts.
 void chooseImages(ChooserKind kind, QWidget *window, std::function<void(const QStringList &)> chosen);
 
 } // namespace plexa

@@ -173,7 +173,7 @@ QWidget *MainWindow::makeRightPanel()
     auto *const layout = new QVBoxLayout(panel);
     layout->setContentsMargins(look::kGap, look::kLargeGap, look::kLargeGap, look::kGap);
     layout->setSpacing(look::kLargeGap);
-    m_presetsPanel = new PresetsPanel(m_services.controller, *m_actions);
+    m_presetsPanel = new PresetsPanel(m_services.controller, m_services.defaults, *m_actions);
     layout->addWidget(m_presetsPanel, 1);
     panel->setMinimumWidth(kMinPanelWidth);
     return panel;

@@ -39,6 +39,22 @@ void connectSelection(CommandActions &actions, ImageSet &set)
     });
 }
 
+void connectHistory(CommandActions &actions, UndoHistory &history)
+{
+    actions.setHandler(ActionId::Undo, [&history] { history.undo(); });
+    actions.setHandler(ActionId::Redo, [&history] { history.redo(); });
+    QObject::connect(&history, &UndoHistory::changed, &actions, [&actions, &history] {
+        const auto name = [&actions](ActionId id, const QString &step) {
+            const CommandRow &row = commandRow(id);
+            const QString text = commandText(row);
+            actions.setText(id, step.isEmpty() ? text : MainWindow::tr("%1 %2").arg(text, step),
+                            commandToolTip(row));
+        };
+        name(ActionId::Undo, history.undoText());
+        name(ActionId::Redo, history.redoText());
+    });
+}
+
 void connectPhotos(CommandActions &actions, AppController &controller)
 {
     ImageSorting &sorting = controller.sorting();
@@ -105,6 +121,7 @@ void connectWindowCommands(CommandActions &actions, const MainWindow::Services &
     AppController &controller = services.controller;
     connectSelection(actions, controller.imageSet());
     connectPhotos(actions, controller);
+    connectHistory(actions, controller.undoHistory());
 
     const auto add = [&](ActionId id, ChooserKind kind) {
         actions.setHandler(id, [kind, &window, &gathering = controller.gathering()] {

@@ -137,7 +137,8 @@ private Q_SLOTS:
         };
         QCOMPARE(mark(0), Below);
         browser.click(0);
-        browser.controller.placeWatermark(*browser.set.images()->front(), {2, 34});
+        browser.controller.placeWatermark(browser.set.images()->front(), {2, 34},
+                                          ManualPositions::EditKind::Drag);
         QCOMPARE(mark(0), Above);
         QCOMPARE(mark(1), Below);
         browser.window.actions().run(ActionId::CopyPosition);

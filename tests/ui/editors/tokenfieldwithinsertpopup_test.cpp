@@ -10,11 +10,15 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QDrag>
+#include <QHelpEvent>
 #include <QMimeData>
 #include <QRandomGenerator>
 #include <QSignalSpy>
+#include <QTimer>
 #include <QToolButton>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 #include <array>
@@ -78,6 +82,14 @@ struct Field {
             key(Qt::Key_Right, modifiers);
     }
 
+    /// Of the caret, in the viewport.
+    QPoint placeOf(int position)
+    {
+        QTextCursor cursor(field.document());
+        cursor.setPosition(position);
+        return field.cursorRect(cursor).center();
+    }
+
     QAction *item(const QString &name)
     {
         for (const QAction *const submenu : button.menu()->actions()) {
@@ -106,6 +118,15 @@ struct Edit {
     Text before;
     Script script;
     Text after;
+};
+
+/// A click beside the caret before the only pill.
+struct PillClick {
+    Text name;
+    Text tokens;
+    int position = 0; // of the pill
+    int dx = 0;
+    bool isOnPill = true;
 };
 
 class TokenFieldWithInsertPopupTest : public QObject
@@ -200,6 +221,7 @@ private Q_SLOTS:
             {"completion, closing brace", "", typed(0, "{city}x"), "city|x"},
             {"completion, no such name", "", typed(0, "{zzz}\rx"), "{zzz}/x"},
             {"completion, corrected", "", typed(0, "{cx\bi\r"), "city"},
+            {"two braces, after Escape", "", typed(0, "{\x1b{ci\r"), "{{ci/"},
             {"two braces", "", typed(0, "{{ci\r"), "{{ci/"},
         });
     }
@@ -213,7 +235,7 @@ private Q_SLOTS:
         script(f);
         QCOMPARE(f.field.textTokens(), list(after));
         QCOMPARE(f.edits.last().at(0).toStringList(), list(after));
-        QVERIFY(!QApplication::activePopupWidget());
+        QVERIFY(!QApplication::activePopupWidget() && f.field.hasFocus());
     }
 
     void keepsCaretAndHistoryWithItsOwnEdit()
@@ -287,6 +309,7 @@ private Q_SLOTS:
             {"kinds of line breaks", "text/plain", u"a\r\nb\rc\u2028d\u2029e\fg"_qs, u"a\nb\nc\nd\ne\ng"_qs},
             {"long", "text/plain", QString(100'000, u'm'), QString(100'000, u'm')},
             {"many lines", "text/plain", QString(100'000, u'\n'), QString(100'000, u'\n')},
+            {"files", "text/uri-list", u"file:///tmp/a.jpg"_qs, {}},
             {"markup", "text/plain", u"<b>x</b>"_qs, u"<b>x</b>"_qs},
             {"own form, broken", "application/x-plexa-text-tokens",
              uR"([{"token":7},"\ufffcx",null,[["y"]],{"token":"nothing"}])"_qs, u"{}x{nothing}"_qs},
@@ -311,20 +334,48 @@ private Q_SLOTS:
         f.window.grab();
     }
 
+    void clicksOnPills_data()
+    {
+        addRows<PillClick>({
+            {"left to right", "one |city| two", 4, 10},
+            {"last of the text", "one |city", 4, 35},
+            {"beside it", "one |city| two", 4, -4, false},
+            {"right to left", "שלום |city| עולם", 5, -10},
+            {"beside it, right to left", "שלום |city| עולם", 5, 4, false},
+            {"between directions", "one |city| עולם", 4, 10},
+            {"between directions, right to left", "שלום |city| one", 5, -10},
+            {"second line", "a//b|country", 4, 20},
+        });
+    }
+    void clicksOnPills()
+    {
+        const auto [name, tokens, position, dx, isOnPill] = currentRow<PillClick>();
+        Field f(list(tokens));
+        f.field.setValueOnPhoto([](const QString &token) { return token + u"!"_qs; });
+        const QPoint at = f.placeOf(position) + QPoint(dx, 0);
+        QWidget &view = *f.field.viewport();
+        QTest::mouseClick(&view, Qt::LeftButton, {}, at);
+        QCOMPARE(f.field.textCursor().hasSelection(), isOnPill);
+        QHelpEvent help(QEvent::ToolTip, at, view.mapToGlobal(at));
+        QApplication::sendEvent(&view, &help);
+        if (isOnPill) {
+            QCOMPARE(f.field.textCursor().selectionStart(), position);
+            QCOMPARE(f.field.textCursor().selectionEnd(), position + 1);
+            QVERIFY(QToolTip::text().contains(list(tokens)[1] + u"!"_qs));
+        }
+        f.type(u"x"_qs);
+        QCOMPARE(f.field.textTokens().contains(u"city"_qs) || f.field.textTokens().contains(u"country"_qs),
+                 !isOnPill);
+    }
+
     void movesAPillByThePointer()
     {
         Field f(list(u"one |city| two |country"_qs));
         QWidget &view = *f.field.viewport();
         const auto at = [&](int position, int dx) {
-            QTextCursor cursor(f.field.document());
-            cursor.setPosition(position);
-            return view.mapToGlobal(f.field.cursorRect(cursor).center() + QPoint(dx, 0));
+            return view.mapToGlobal(f.placeOf(position) + QPoint(dx, 0));
         };
         QVERIFY(QTest::qWaitForWindowExposed(&f.window));
-        QTest::mouseClick(&view, Qt::LeftButton, {}, view.mapFromGlobal(at(10, 20)));
-        QCOMPARE(f.field.textCursor().selectionStart(), 10); // the second pill
-        QCOMPARE(f.field.textCursor().selectionEnd(), 11);
-
         RealPointer pointer;
         pointer.moveTo(at(4, 15)); // on the first one
         pointer.press();
@@ -367,34 +418,43 @@ private Q_SLOTS:
         QVERIFY(menu.actions().constFirst()->text().endsWith(u"\t–"));
         QTest::mouseClick(&menu, Qt::LeftButton, {}, menu.actionGeometry(city).center());
         QCOMPARE(f.field.textTokens(), QStringList(u"city"_qs));
-        QVERIFY(f.field.hasFocus());
+
+        f.field.setVocabulary({{{}, {u"title"_qs}}, {u"A & B"_qs, {u"city"_qs}}});
+        f.button.menu()->popup({});
+        QCOMPARE(f.button.menu()->actions().constFirst()->text(), u"title\t–"_qs);
+        QCOMPARE(f.button.menu()->actions().constLast()->text(), u"A && B"_qs);
+        f.button.menu()->close();
     }
 
     void marksWhatIsExpanded()
     {
         Field f;
-        const auto shows = [&f](const QColor &color) {
+        const auto pixels = [&f](const QColor &color) {
             const QImage image = f.field.grab().toImage();
-            int pixels = 0;
+            int count = 0;
             for (int y = 0; y < image.height(); ++y) {
                 for (int x = 0; x < image.width(); ++x)
-                    pixels += image.pixelColor(x, y).rgb() == color.rgb() ? 1 : 0;
+                    count += image.pixelColor(x, y).rgb() == color.rgb() ? 1 : 0;
             }
-            return pixels > 20;
+            return count;
         };
         const PillColors pill = pillColors(f.field.palette(), QPalette::Active, false);
         const PillColors selected = pillColors(f.field.palette(), QPalette::Active, true);
         f.type(u"tit"_qs);
-        QVERIFY(!shows(pill.fill));
+        QCOMPARE(pixels(pill.fill), 0);
         f.type(u"le"_qs); // a token without a pill
-        QVERIFY(shows(pill.fill));
+        QVERIFY(pixels(pill.fill) > 100);
         f.type(u":"_qs);
-        QVERIFY(!shows(pill.fill));
+        QCOMPARE(pixels(pill.fill), 0);
         f.item(u"city"_qs)->trigger();
-        QVERIFY(shows(pill.fill));
+        QVERIFY(pixels(pill.fill) > 100);
         // The name of a selected pill is not covered.
         f.key(Qt::Key_A, Qt::ControlModifier);
-        QVERIFY(!shows(pill.fill) && shows(selected.fill) && shows(selected.text));
+        QCOMPARE(pixels(pill.fill), 0);
+        QVERIFY(pixels(selected.fill) > 200 && pixels(selected.text) > 20);
+        f.field.setTextTokens(list(u"city|city"_qs));
+        f.moveCaret(1, Qt::ShiftModifier);
+        QVERIFY(pixels(pill.fill) > 100 && pixels(selected.fill) > 200);
     }
 
     void readsPillsByTheirNames()
@@ -422,6 +482,20 @@ private Q_SLOTS:
         QCOMPARE(text->offsetAtPoint(text->characterRect(1).center() - QPoint(9, 0)), 1);
         accessible->editableTextInterface()->replaceText(1, 7, u"x"_qs);
         QCOMPARE(f.field.textTokens(), list(u"ax/b"_qs));
+    }
+
+    void insertsByTheContextMenu()
+    {
+        Field f(list(u"a"_qs));
+        QTimer::singleShot(0, &f.field, [] {
+            auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            QAction *const insert = menu->actions().constLast();
+            insert->menu()->actions().constFirst()->menu()->actions().constFirst()->trigger();
+            menu->close();
+        });
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, f.field.mapToGlobal(QPoint()));
+        QApplication::sendEvent(f.field.viewport(), &event);
+        QCOMPARE(f.field.textTokens(), list(u"a|copyright"_qs));
     }
 
     /// Against the formula of WCAG 2.1, in 8 bits.

@@ -63,7 +63,7 @@ private Q_SLOTS:
         QTRY_VERIFY(single.isEnabled() && f.allTable.isVisible());
         QTest::mouseClick(&single, Qt::LeftButton);
         QVERIFY(f.applied.isInSingleMode());
-        QVERIFY(f.find<QWidget>("quickWPresetContainer").isVisible() && !f.allTable.isVisible());
+        QVERIFY(f.find<QWidget>("quickWPresetEditor").isVisible() && !f.allTable.isVisible());
         QVERIFY(f.window.actions().action(ActionId::SingleMode)->isChecked());
         // The Tab key reaches the checked one, an arrow key goes on from there.
         QVERIFY(!(presets.focusPolicy() & Qt::TabFocus));

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QLineEdit>
 #include <QScrollBar>
 
 using namespace plexa;
@@ -47,6 +48,50 @@ private Q_SLOTS:
         f.find<QWidget>("wPresetsAppliedTable").setFocus();
         press(Qt::Key_Up);
         QCOMPARE(names(applied.wPresetsApplied()), u"two one"_qs);
+        QCOMPARE(shownNames(f.set), u"a b c"_qs);
+    }
+
+    void undoes()
+    {
+        ShownWindow f;
+        QVERIFY(f.active);
+        f.addPhotos(words("a.png b.png c.png"));
+        f.set.selection().selectIndexes({0, 1});
+        const QAction &undo = *f.window.actions().action(ActionId::Undo);
+        const auto press = [](QWidget &focus, Qt::KeyboardModifiers modifiers) {
+            QCoreApplication::processEvents(); // updates the commands
+            focus.setFocus();
+            QTest::keyClick(&focus, Qt::Key_Z, modifiers);
+        };
+        QVERIFY(!undo.isEnabled() && undo.toolTip().contains(u"nothing to undo"));
+        f.grid.setFocus();
+        QTest::keyClick(&f.grid, Qt::Key_Delete);
+        QCOMPARE(shownNames(f.set), u"c"_qs);
+        QCOMPARE(undo.text(), u"&Undo Remove 2 Photos"_qs);
+
+        // In a text field the keys are about its text.
+        auto &search = f.find<QLineEdit>("searchField");
+        QTest::keyClicks(&search, u"c"_qs);
+        press(search, Qt::ControlModifier);
+        QCOMPARE(search.text(), QString());
+        QCOMPARE(shownNames(f.set), u"c"_qs);
+
+        press(f.grid, Qt::ControlModifier);
+        QCOMPARE(shownNames(f.set), u"a b c"_qs);
+        QCOMPARE(undo.text(), u"&Undo"_qs);
+        press(f.grid, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(shownNames(f.set), u"c"_qs);
+
+        // Not while photos are saved; the save itself is no step.
+        f.files.defaults.setObject(settings::savingDirectory, f.files.folder.path());
+        f.files.defaults.setObject(settings::saveAllToOneDirectory, true);
+        QVERIFY(f.controller.startSaving(*f.set.images()));
+        f.window.actions().update();
+        QVERIFY(!undo.isEnabled() && undo.toolTip().contains(u"being saved"));
+        f.window.actions().run(ActionId::Undo);
+        QCOMPARE(shownNames(f.set), u"c"_qs);
+        QTRY_VERIFY(!f.controller.batchSave().isSavingInProgress());
+        press(f.grid, Qt::ControlModifier);
         QCOMPARE(shownNames(f.set), u"a b c"_qs);
     }
 

@@ -124,7 +124,12 @@ public:
         return {};
     }
 
-    QString notice() const override { return m_lacksLastStep ? PictureFailures::lacksLastScan() : QString(); }
+    QString notice() const override
+    {
+        if (m_lacksLastStep)
+            return PictureFailures::lacksLastScan();
+        return m_errors.strayBytes > m_strayBytesBefore ? PictureFailures::mayBeDamaged() : QString();
+    }
 
 private:
     Result<void> decodeRows(uchar *bits, qsizetype stride, int count) override
@@ -173,6 +178,7 @@ private:
     bool start()
     {
         m_isStarted = true;
+        m_strayBytesBefore = m_errors.strayBytes;
         if (setjmp(m_errors.jump))
             return false;
         m_progress.progress_monitor = [](j_common_ptr info) {
@@ -297,6 +303,7 @@ private:
     std::vector<uchar> m_buffer; ///< decoded rows that are not QRgb yet
     std::array<JSAMPROW, kRowsAtATime> m_rows = {};
     bool m_isStarted = false;
+    long m_strayBytesBefore = 0;  ///< the first scan; they are not of the picture
     bool m_lacksLastStep = false; ///< of a progressive picture, in an otherwise complete file
 };
 

@@ -2,6 +2,7 @@
 
 #include "imageio/base/picturefailures.h"
 #include "imageio/codecs/codecs.h"
+#include "imageio/container/bmpsoftware.h"
 
 #include <QtEndian>
 
@@ -16,7 +17,7 @@ namespace
 
 constexpr qint64 kFileHeaderBytes = 14;
 constexpr qint64 kInfoHeaderBytes = 108; // version 4
-constexpr qint64 kHeaderBytes = kFileHeaderBytes + kInfoHeaderBytes;
+static_assert(kFileHeaderBytes + kInfoHeaderBytes == kBmpSoftwareAt);
 
 /// A row is padded to whole words of four bytes.
 qint64 rowBytes(int width)
@@ -24,9 +25,15 @@ qint64 rowBytes(int width)
     return (qint64(width) * 3 + 3) / 4 * 4;
 }
 
-qint64 fileBytes(QSize size)
+/// Before the pixels: the headers and the name of the software, to whole words of four bytes.
+qint64 startBytes(const WriteOptions &options)
 {
-    return kHeaderBytes + rowBytes(size.width()) * size.height();
+    return (kBmpSoftwareAt + options.software.size() + 3) / 4 * 4;
+}
+
+qint64 fileBytes(QSize size, qint64 start)
+{
+    return start + rowBytes(size.width()) * size.height();
 }
 
 quint32 pixelsPerMeter(double dpi)
@@ -34,24 +41,27 @@ quint32 pixelsPerMeter(double dpi)
     return dpi > 0 && dpi < 1e6 ? quint32(std::lround(dpi / 0.0254)) : 0;
 }
 
-/// BITMAPFILEHEADER and BITMAPV4HEADER; other fields are zero.
-QByteArray headerOf(QSize size, const double *dpi)
+/// BITMAPFILEHEADER, BITMAPV4HEADER, in which other fields are zero, and the name of the software.
+QByteArray startOf(QSize size, const WriteOptions &options)
 {
-    QByteArray header(kHeaderBytes, '\0');
+    const qint64 start = startBytes(options);
+    QByteArray header(start, '\0');
     const auto put = [&header](qsizetype at, quint32 value) { qToLittleEndian(value, header.data() + at); };
     header.replace(0, 2, "BM");
-    put(2, quint32(fileBytes(size)));
-    put(10, quint32(kHeaderBytes));
+    put(2, quint32(fileBytes(size, start)));
+    put(10, quint32(start));
     put(14, quint32(kInfoHeaderBytes));
     put(18, quint32(size.width()));
     put(22, quint32(size.height())); // positive: from the bottom row up
     put(26, 1 | 24 << 16);           // planes, bits a pixel
-    put(34, quint32(fileBytes(size) - kHeaderBytes));
+    put(34, quint32(fileBytes(size, 0)));
+    const double *const dpi = options.dpi;
     if (pixelsPerMeter(dpi[0]) > 0 && pixelsPerMeter(dpi[1]) > 0) {
         put(38, pixelsPerMeter(dpi[0]));
         put(42, pixelsPerMeter(dpi[1]));
     }
     put(70, 0x73524742); // LCS_sRGB
+    header.replace(kBmpSoftwareAt, options.software.size(), options.software);
     return header;
 }
 
@@ -59,16 +69,17 @@ QByteArray headerOf(QSize size, const double *dpi)
 class BmpRowWriter final : public RowWriter
 {
 public:
-    BmpRowWriter(QIODevice &device, QSize size)
+    BmpRowWriter(QIODevice &device, QSize size, const WriteOptions &options)
         : RowWriter({size, false})
         , m_device(device)
         , m_size(size)
+        , m_start(startBytes(options))
     {
     }
 
     Result<void> start(const WriteOptions &options)
     {
-        const QByteArray header = headerOf(m_size, options.dpi);
+        const QByteArray header = startOf(m_size, options);
         if (m_device.write(header) != header.size())
             return fail(PictureFailures::writeError(m_device));
         return {};
@@ -76,7 +87,7 @@ public:
 
     Result<void> finish() override
     {
-        if (!m_device.seek(fileBytes(m_size)))
+        if (!m_device.seek(fileBytes(m_size, m_start)))
             return fail(PictureFailures::writeError(m_device));
         return {};
     }
@@ -95,7 +106,7 @@ private:
                 *out++ = char(qRed(pixels[x]));
             }
         }
-        if (!m_device.seek(kHeaderBytes + stride * (m_size.height() - rowsWritten() - count)) ||
+        if (!m_device.seek(m_start + stride * (m_size.height() - rowsWritten() - count)) ||
             m_device.write(m_bytes) != m_bytes.size())
             return fail(PictureFailures::writeError(m_device));
         return {};
@@ -103,7 +114,8 @@ private:
 
     QIODevice &m_device;
     const QSize m_size;
-    QByteArray m_bytes; ///< of a strip
+    const qint64 m_start; ///< of the pixels
+    QByteArray m_bytes;   ///< of a strip
 };
 
 } // namespace
@@ -113,9 +125,9 @@ Result<std::unique_ptr<RowWriter>> openBmpWriter(QIODevice &device, const RowFor
                                                  const WriteOptions &options)
 {
     // The file's length has 32 bits.
-    if (fileBytes(format.size) > std::numeric_limits<quint32>::max())
+    if (fileBytes(format.size, startBytes(options)) > std::numeric_limits<quint32>::max())
         return fail(PictureFailures::tooLargeToWrite("BMP"));
-    auto writer = std::make_unique<BmpRowWriter>(device, format.size);
+    auto writer = std::make_unique<BmpRowWriter>(device, format.size, options);
     if (const auto started = writer->start(options); !started)
         return tl::unexpected(started.error());
     return writer;

@@ -5,6 +5,8 @@
 #include "imageio/codecs/codecs.h"
 #include "imageio/color/colorprofile.h"
 #include "imageio/color/rowconversion.h"
+#include "imageio/container/bmpsoftware.h"
+#include "metadata/propertykeys.h"
 #include "raster/pixelformat.h"
 
 #include <QColorSpace>
@@ -69,6 +71,7 @@ struct PictureHeader {
     QString colorModel; ///< "RGB", "Gray", "CMYK", "Lab"; empty: unknown
     double dpiWidth = 0;
     double dpiHeight = 0;
+    QByteArray software; ///< may be empty
     std::optional<bool> hasAlpha;
     std::array<int, 4> sampleBits = {}; ///< of red, green, blue and alpha where Qt pads samples to 8 bits
                                         ///< with zeros; 0: nothing to repair
@@ -175,6 +178,7 @@ PictureHeader readBmpHeader(QIODevice &device)
         header.dpiWidth = horizontal * 0.0254;
         header.dpiHeight = vertical * 0.0254;
     }
+    header.software = softwareOfBmp(device);
     return header;
 }
 
@@ -390,6 +394,10 @@ Result<PictureInfo> readInfo(const QtPlugin &plugin, QIODevice &device, const Re
     info.iccProfile = header.iccProfile;
     info.dpiWidth = header.dpiWidth;
     info.dpiHeight = header.dpiHeight;
+    if (!header.software.isEmpty())
+        info.properties.insert(
+            kCGImagePropertyTIFFDictionary,
+            QVariantMap{{kCGImagePropertyTIFFSoftware, QString::fromLatin1(header.software)}});
     const int bits = format == QImage::Format_Invalid ? 32 : QImage::toPixelFormat(format).bitsPerPixel();
     const qint64 pixels = qint64(info.rows.size.width()) * info.rows.size.height();
     info.decoderBytes = pixels * bits / 8 + pixels * plugin.bytesPerPixel;

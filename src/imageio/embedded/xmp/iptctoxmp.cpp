@@ -166,6 +166,7 @@ void addTiffTextsToXmp(Exiv2::XmpData &xmp, const QVariantMap &properties)
     add(kCGImagePropertyTIFFArtist, "Xmp.tiff.Artist");
     add(kCGImagePropertyTIFFCopyright, "Xmp.tiff.Copyright");
     add(kCGImagePropertyTIFFImageDescription, "Xmp.tiff.ImageDescription");
+    add(kCGImagePropertyTIFFSoftware, "Xmp.tiff.Software");
 }
 
 } // namespace plexa

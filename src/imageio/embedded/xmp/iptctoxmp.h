@@ -19,8 +19,8 @@ void addIptcToXmp(Exiv2::XmpData &xmp, const QVariantMap &properties);
 /// The names of the datasets that addIptcToXmp() leaves out because XMP has no place for them, for the user.
 QStringList iptcWithoutPlaceInXmp(const Exiv2::IptcData &iptc);
 
-/// Puts author, copyright and description of the TIFF dictionary into XMP, for a file that has no place for
-/// EXIF. They go to XMP's own names for TIFF, which a clearing of IPTC leaves. Present values stay.
+/// Puts author, copyright, description and software of the TIFF dictionary into XMP, for a file that has no
+/// place for EXIF. They go to XMP's own names for TIFF, which a clearing of IPTC leaves. Present values stay.
 void addTiffTextsToXmp(Exiv2::XmpData &xmp, const QVariantMap &properties);
 
 } // namespace plexa

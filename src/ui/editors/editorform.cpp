@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/editors/editorform.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QSpinBox>
+
+namespace plexa
+{
+namespace
+{
+
+constexpr int kNumberWidth = 68;
+constexpr int kLabelWidth = 72;
+
+/// Swallows the wheel events of controls that do not have the focus, so that their panel scrolls.
+class WheelGuard final : public QObject
+{
+public:
+    using QObject::QObject;
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() != QEvent::Wheel || static_cast<QWidget *>(watched)->hasFocus())
+            return false;
+        event->ignore();
+        return true;
+    }
+};
+
+QString controlName(FieldId field, const char *kind)
+{
+    return wPresetField(field).name + QLatin1String(kind);
+}
+
+} // namespace
+
+EditorForm::EditorForm(PresetBinder &binder, QWidget *parent)
+    : QWidget(parent)
+    , m_binder(binder)
+    , m_layout(new QFormLayout(this))
+{
+    m_layout->setContentsMargins(4, 0, 0, 8);
+    m_layout->setHorizontalSpacing(8);
+    m_layout->setVerticalSpacing(8);
+    m_layout->setLabelAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    m_layout->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+}
+
+QWidget *EditorForm::addRow(const QString &label, std::initializer_list<QWidget *> controls)
+{
+    auto *const row = new QWidget;
+    auto *const layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(4);
+    bool takesAllRoom = false;
+    for (QWidget *const control : controls) {
+        const bool grows = control->sizePolicy().horizontalPolicy() & QSizePolicy::ExpandFlag;
+        layout->addWidget(control, grows ? 1 : 0);
+        takesAllRoom = takesAllRoom || grows;
+    }
+    if (!takesAllRoom)
+        layout->addStretch();
+    if (label.isEmpty()) {
+        m_layout->addRow(row);
+        return row;
+    }
+    auto *const text = new QLabel(label);
+    text->setBuddy(*controls.begin());
+    text->setMinimumWidth(kLabelWidth);
+    m_layout->addRow(text, row);
+    return row;
+}
+
+void EditorForm::showWhile(std::initializer_list<QWidget *> rows, const PresetBinder::Rule &rule)
+{
+    m_binder.apply(rule, [this, rows = std::vector<QWidget *>(rows)](bool isShown) {
+        for (QWidget *const row : rows)
+            m_layout->setRowVisible(row, isShown);
+    });
+}
+
+QWidget *EditorForm::number(FieldId field, const QString &purpose, const QString &suffix)
+{
+    auto *const box = new QSpinBox;
+    box->setObjectName(controlName(field, "TextField"));
+    box->setAccessibleName(purpose);
+    box->setToolTip(purpose);
+    box->setAccelerated(true);
+    box->setSuffix(suffix);
+    m_binder.bind(field, *box);
+    box->setFixedWidth(kNumberWidth); // its range is wider than what people enter
+    guardWheel(*box);
+    return box;
+}
+
+QWidget *EditorForm::unit(FieldId field, const QString &purpose)
+{
+    auto *const box = new QComboBox;
+    box->setObjectName(controlName(field, "PopUp"));
+    box->setAccessibleName(purpose);
+    box->setToolTip(purpose);
+    box->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    box->setMinimumContentsLength(6);
+    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_binder.bind(field, *box);
+    guardWheel(*box);
+    return box;
+}
+
+QWidget *EditorForm::check(FieldId field, const QString &text)
+{
+    auto *const box = new QCheckBox(text);
+    box->setObjectName(controlName(field, "CheckBox"));
+    box->setToolTip(text);
+    m_binder.bind(field, *box);
+    return box;
+}
+
+void EditorForm::guardWheel(QWidget &control)
+{
+    control.setFocusPolicy(Qt::StrongFocus); // the wheel gives no focus
+    control.installEventFilter(new WheelGuard(&control));
+}
+
+} // namespace plexa

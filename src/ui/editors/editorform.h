@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "ui/editors/presetbinder.h"
+
+#include <QFormLayout>
+#include <QWidget>
+
+namespace plexa
+{
+
+class FontCatalog;
+class PhotoFacts;
+class PresetsStore;
+class UserDefaults;
+
+/// What the editors of presets need. All outlive them.
+struct EditorServices {
+    PresetsStore &store;
+    const FontCatalog &fonts;
+    UserDefaults &defaults;
+};
+
+/// One part of an editor: rows of a label and the controls of some fields. Names of controls are those of
+/// their fields with the kind behind them ("widthTextField", "widthUnitPopUp"). Main thread.
+class EditorForm final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit EditorForm(PresetBinder &binder, QWidget *parent = nullptr);
+
+    /// A row; the label belongs to the first control. @return the row, to hide it
+    QWidget *addRow(const QString &label, std::initializer_list<QWidget *> controls);
+    QWidget *addRow(const QString &label, QWidget *control) { return addRow(label, {control}); }
+
+    /// Hides these rows unless the rule holds.
+    void showWhile(std::initializer_list<QWidget *> rows, const PresetBinder::Rule &rule);
+
+    /// Controls of a field, bound.
+    QWidget *number(FieldId field, const QString &purpose, const QString &suffix = {});
+    QWidget *unit(FieldId field, const QString &purpose);
+    QWidget *check(FieldId field, const QString &text);
+
+    /// Makes the mouse wheel scroll the panel unless the control has the focus.
+    static void guardWheel(QWidget &control);
+
+private:
+    PresetBinder &m_binder;
+    QFormLayout *const m_layout;
+};
+
+} // namespace plexa

@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/editors/wtextpresetviewcontroller.h"
+
+#include "platform/fontcatalog.h"
+#include "ui/editors/tokenfieldwithinsertpopup.h"
+#include "ui/widgets/choicebuttons.h"
+#include "ui/widgets/colorwell.h"
+
+#include <QComboBox>
+#include <QCompleter>
+#include <QFontDatabase>
+#include <QIcon>
+#include <QLineEdit>
+#include <QSpinBox>
+#include <QStringListModel>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace plexa
+{
+namespace
+{
+
+/// Families, each shown in its own face if that has letters.
+class FontFamilies final : public QStringListModel
+{
+public:
+    using QStringListModel::QStringListModel;
+    QVariant data(const QModelIndex &index, int role) const override
+    {
+        if (role != Qt::FontRole)
+            return QStringListModel::data(index, role);
+        const QString family = QStringListModel::data(index, Qt::DisplayRole).toString();
+        const QList<QFontDatabase::WritingSystem> systems = QFontDatabase::writingSystems(family);
+        const bool hasLetters =
+            systems.contains(QFontDatabase::Latin) && !systems.contains(QFontDatabase::Symbol);
+        return hasLetters ? QFont(family, kPointSize) : QVariant();
+    }
+
+private:
+    static constexpr int kPointSize = 12;
+};
+
+} // namespace
+
+WTextPresetViewController::WTextPresetViewController(PresetBinder &binder, const EditorServices &services,
+                                                     QWidget *parent)
+    : QWidget(parent)
+    , m_binder(binder)
+    , m_services(services)
+    , m_tokens(new TokenFieldWithInsertPopup)
+    , m_fontFamilyPopUp(new QComboBox)
+    , m_fontStylePopUp(new QComboBox)
+{
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(4);
+    m_tokens->setObjectName(QStringLiteral("textTokensField"));
+    m_tokens->setAccessibleName(tr("Text of the watermark"));
+    m_tokens->setVocabulary(watermarkTokenGroups());
+    auto *const insert = new QToolButton;
+    insert->setObjectName(QStringLiteral("insertPopUpButton"));
+    insert->setText(tr("Insert from Photo"));
+    insert->setToolTip(tr("Insert a value that each photo has for itself, as its date"));
+    insert->setPopupMode(QToolButton::InstantPopup);
+    insert->setFocusPolicy(Qt::StrongFocus);
+    m_tokens->setInsertPopUpButton(insert);
+    layout->addWidget(m_tokens);
+    layout->addWidget(insert, 0, Qt::AlignLeft);
+    connect(m_tokens, &TokenFieldWithInsertPopup::textTokensChanged, this,
+            [this](const QStringList &tokens) { m_binder.write(FieldId::TextTokens, tokens); });
+    m_binder.bind(FieldId::TextTokens,
+                  [this](const FieldValue &value) { m_tokens->setTextTokens(std::get<QStringList>(value)); });
+    layout->addWidget(makeFont());
+    layout->addWidget(makeColors());
+    m_binder.bind(FieldId::Font,
+                  [this](const FieldValue &value) { updateFontFromWPreset(std::get<QString>(value)); });
+}
+
+QWidget *WTextPresetViewController::makeFont()
+{
+    auto *const form = new EditorForm(m_binder);
+    m_fontFamilyPopUp->setObjectName(QStringLiteral("fontFamilyPopUp"));
+    m_fontFamilyPopUp->setAccessibleName(tr("Font"));
+    m_fontFamilyPopUp->setToolTip(tr("The font; type a part of its name to find it"));
+    m_fontFamilyPopUp->setModel(new FontFamilies(m_services.fonts.families(), m_fontFamilyPopUp));
+    m_fontFamilyPopUp->setEditable(true);
+    m_fontFamilyPopUp->setInsertPolicy(QComboBox::NoInsert);
+    m_fontFamilyPopUp->completer()->setCompletionMode(QCompleter::PopupCompletion);
+    m_fontFamilyPopUp->completer()->setFilterMode(Qt::MatchContains);
+    m_fontStylePopUp->setObjectName(QStringLiteral("fontStylePopUp"));
+    m_fontStylePopUp->setAccessibleName(tr("Style of the font"));
+    m_fontStylePopUp->setToolTip(tr("The style of the font"));
+    for (QComboBox *const box : {m_fontFamilyPopUp, m_fontStylePopUp}) {
+        box->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        box->setMinimumContentsLength(8);
+        box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        EditorForm::guardWheel(*box);
+    }
+    connect(m_fontFamilyPopUp, &QComboBox::activated, this,
+            [this](int index) { setFontFamily(m_fontFamilyPopUp->itemText(index)); });
+    connect(m_fontFamilyPopUp->lineEdit(), &QLineEdit::editingFinished, this,
+            [this] { m_fontFamilyPopUp->setEditText(m_fontFamily); }); // what is no family's name is dropped
+    connect(m_fontStylePopUp, &QComboBox::activated, this,
+            [this](int index) { setFontData(m_availableFonts.value(index)); });
+    form->addRow(tr("Font"), m_fontFamilyPopUp);
+    form->addRow(tr("Style"), m_fontStylePopUp);
+    form->addRow(tr("Size"), {form->number(FieldId::FontSize, tr("Size of the text")),
+                              form->unit(FieldId::FontSizeUnit, tr("Unit of the size"))});
+    auto *const alignment = new ChoiceButtons(tr("Alignment of the lines"), ChoiceButtons::Look::Icons);
+    alignment->setObjectName(QStringLiteral("textAlignmentSegments"));
+    for (const auto &[text, name] : {std::pair(tr("Left"), "align-left"),
+                                     {tr("Centered"), "align-center"},
+                                     {tr("Right"), "align-right"}})
+        alignment->addChoice(text, QIcon(QStringLiteral(":/icons/%1.svg").arg(QLatin1String(name))));
+    m_binder.bind(FieldId::TextAlignment, *alignment);
+    form->addRow(tr("Alignment"), alignment);
+    return form;
+}
+
+QWidget *WTextPresetViewController::makeColors()
+{
+    auto *const form = new EditorForm(m_binder);
+    const auto well = [this](FieldId field, const QString &purpose) {
+        auto *const color = new ColorWell(purpose, ColorWell::Alpha::Chosen, m_services.defaults);
+        color->setObjectName(wPresetField(field).name + QLatin1String("Well"));
+        m_binder.bind(field, *color);
+        return color;
+    };
+    form->addRow(tr("Color"), well(FieldId::FillColor, tr("Color of the text")));
+    form->addRow({}, form->check(FieldId::Stroke, tr("Draw an outline")));
+    QWidget *const outline = form->addRow(
+        tr("Outline"), {well(FieldId::StrokeColor, tr("Color of the outline")),
+                        form->number(FieldId::StrokeWidth,
+                                     tr("Width of the outline, in percent of the size of the text; "
+                                        "below 0: the outline alone"),
+                                     QStringLiteral(" %"))});
+    form->showWhile({outline}, [](const WPresetValues &values) { return values.stroke; });
+    return form;
+}
+
+void WTextPresetViewController::setFontFamily(const QString &family)
+{
+    m_fontFamily = family;
+    updateAvailableFontStyles(family);
+    if (!m_availableFonts.isEmpty())
+        setFontData(m_availableFonts.front());
+}
+
+void WTextPresetViewController::setFontData(const FontData &font)
+{
+    if (!font.fullName.isEmpty())
+        m_binder.write(FieldId::Font, font.fullName);
+}
+
+void WTextPresetViewController::updateFontFromWPreset(const QString &fontName)
+{
+    const FontCatalog::Face face = m_services.fonts.face(fontName);
+    m_fontFamily = face.family;
+    m_fontFamilyPopUp->setCurrentIndex(m_fontFamilyPopUp->findText(face.family, Qt::MatchExactly));
+    m_fontFamilyPopUp->setEditText(face.family);
+    m_fontFamilyPopUp->lineEdit()->setPlaceholderText(
+        face.family.isEmpty() ? tr("%1 is not installed").arg(fontName) : QString());
+    updateAvailableFontStyles(face.family);
+    int index = 0;
+    for (; index < m_availableFonts.size(); ++index) {
+        if (m_availableFonts[index].fullName == fontName)
+            break;
+    }
+    m_fontStylePopUp->setCurrentIndex(index < m_availableFonts.size() ? index : -1);
+}
+
+void WTextPresetViewController::updateAvailableFontStyles(const QString &family)
+{
+    m_availableFonts.clear();
+    m_fontStylePopUp->clear();
+    if (!family.isEmpty()) {
+        for (const QString &style : m_services.fonts.styles(family)) {
+            m_availableFonts.append({m_services.fonts.postScriptName(family, style), family, style});
+            m_fontStylePopUp->addItem(style);
+            m_fontStylePopUp->setItemData(
+                m_fontStylePopUp->count() - 1,
+                QFontDatabase::font(family, style, m_fontStylePopUp->font().pointSize()), Qt::FontRole);
+        }
+    }
+    m_fontStylePopUp->setEnabled(!m_availableFonts.isEmpty());
+}
+
+} // namespace plexa

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/widgets/foldingsection.h"
+
+#include "platform/userdefaults.h"
+
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace plexa
+{
+
+FoldingSection::FoldingSection(const QString &title, const QString &key, QWidget *content,
+                               UserDefaults &defaults, QWidget *parent)
+    : QWidget(parent)
+    , m_header(new QToolButton)
+    , m_content(content)
+{
+    m_header->setText(title);
+    m_header->setToolTip(tr("Show or hide these settings"));
+    m_header->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_header->setAutoRaise(true);
+    m_header->setFocusPolicy(Qt::StrongFocus);
+    m_header->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    QFont font = m_header->font();
+    font.setWeight(QFont::DemiBold);
+    m_header->setFont(font);
+
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(4);
+    layout->addWidget(m_header);
+    layout->addWidget(content);
+    setFolded(defaults.boolForKey(key));
+    connect(m_header, &QAbstractButton::clicked, this, [this, key, &defaults] {
+        setFolded(!isFolded());
+        defaults.setObject(key, isFolded());
+    });
+}
+
+void FoldingSection::setFolded(bool isFolded)
+{
+    m_content->setVisible(!isFolded);
+    m_header->setArrowType(isFolded ? Qt::RightArrow : Qt::DownArrow);
+    m_header->setAccessibleDescription(isFolded ? tr("folded") : QString());
+}
+
+} // namespace plexa
