@@ -213,6 +213,7 @@ private Q_SLOTS:
         QVERIFY(writeFile(path("other.pxspr"), contentsOf(path("my.pxspr")).replace("<id>", "<id>7")));
         const char *const missing = "assigned to \"With PNG\" is not there";
         for (const auto &[options, isReported] : {std::pair("", true),
+                                                  {"--quiet", true},
                                                   {"--apply Plain", false},
                                                   {"--ignore-assigned", false},
                                                   {"--saving-presets %2", false},
