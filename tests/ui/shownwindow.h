@@ -19,6 +19,7 @@ namespace plexa::test
 struct ShownWindow {
     ShownWindow()
     {
+        window.resize(1180, 740); // on any screen
         window.show();
         window.activateWindow();
         active = QTest::qWaitForWindowActive(&window); // keys go nowhere else

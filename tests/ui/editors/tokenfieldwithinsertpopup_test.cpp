@@ -255,6 +255,21 @@ private Q_SLOTS:
         QCOMPARE(f.field.textTokens(), list(u"azbc||city"_qs));
     }
 
+    void showsWhatTheModelMakesOfAnEdit()
+    {
+        Field f(list(u"abc"_qs));
+        connect(&f.field, &TokenFieldWithInsertPopup::textTokensChanged, &f.field,
+                [&f](const QStringList &tokens) { f.field.setTextTokens({tokens.value(0).left(4)}); });
+        f.moveCaret(1);
+        f.type(u"xy"_qs);
+        f.key(Qt::Key_Return);
+        QCOMPARE(f.field.textTokens(), list(u"axy/"_qs));
+        QApplication::clipboard()->setText(u"123456789"_qs);
+        f.key(Qt::Key_V, Qt::ControlModifier);
+        f.key(Qt::Key_Backspace);
+        QCOMPARE(f.field.textTokens(), list(u"axy"_qs));
+    }
+
     void readsBackWhatItShows()
     {
         Field f;

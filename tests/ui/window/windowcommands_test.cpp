@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "ui/preview/imageviewwithwatermarkcontrol.h"
 #include "ui/shownwindow.h"
 
 #include <QApplication>
@@ -93,6 +94,47 @@ private Q_SLOTS:
         QTRY_VERIFY(!f.controller.batchSave().isSavingInProgress());
         press(f.grid, Qt::ControlModifier);
         QCOMPARE(shownNames(f.set), u"a b c"_qs);
+    }
+
+    /// A drag in the preview is one step, and so is a run of arrow keys.
+    void undoesPositions()
+    {
+        ShownWindow f;
+        QVERIFY(f.active);
+        AppliedPresets &applied = f.controller.appliedPresets();
+        const auto mark = namedPreset(u"mark"_qs);
+        mark->setType(u"Image"_qs);
+        mark->setImage(WatermarkPicture::fromImage(flatPicture({40, 20}, Qt::red)));
+        f.files.store.wPresetList().append({mark});
+        applied.modeDidChange(AppliedPresets::Mode::Presets);
+        applied.addWPresetsToApplied({mark});
+        applied.selectRows({0});
+        f.set.addImage(f.files.photo("a.png", {400, 300}), {});
+        f.set.selection().selectIndexes({0});
+        auto &view = f.find<ImageViewWithWatermarkControl>("imageView");
+        QTRY_VERIFY(view.showWatermarkRect());
+        const std::shared_ptr<ImageObject> photo = f.set.images()->front();
+        const auto place = [&] { return photo->customWatermarkRectOriginForWPreset(mark.get()); };
+        const QPointF start = view.watermarkRect().topLeft();
+
+        const QPoint at = view.geometry().imageToView(view.watermarkRect()).center().toPoint();
+        QTest::mousePress(&view, Qt::LeftButton, {}, at);
+        QTest::mouseMove(&view, at + QPoint(5, -5));
+        QTest::mouseMove(&view, at + QPoint(20, -30));
+        QTest::mouseRelease(&view, Qt::LeftButton, {}, at + QPoint(20, -30));
+        const std::optional<QPointF> dragged = place();
+        QVERIFY(dragged && *dragged != start);
+        view.setFocus();
+        for (int i = 0; i < 3; ++i)
+            QTest::keyClick(&view, Qt::Key_Up);
+        QVERIFY(place() && place() != dragged);
+        QCoreApplication::processEvents();
+        QTest::keyClick(&view, Qt::Key_Z, Qt::ControlModifier);
+        QVERIFY(place() == dragged);
+        QTRY_COMPARE(view.watermarkRect().topLeft(), *dragged);
+        QTest::keyClick(&view, Qt::Key_Z, Qt::ControlModifier);
+        QVERIFY(!place());
+        QTRY_COMPARE(view.watermarkRect().topLeft(), start);
     }
 
     /// A long table shows the selected photo after a new order, and otherwise stays where it is.
