@@ -2,6 +2,7 @@
 
 #include "ui/messageboxes.h"
 #include "ui/shownwindow.h"
+#include "ui/widgets/colorwell.h"
 #include "ui/widgets/elidedlabel.h"
 #include "ui/widgets/filedrops.h"
 #include "ui/window/messageboxalerts.h"
@@ -225,6 +226,27 @@ private Q_SLOTS:
         QStringList found = names;
         found.removeIf([&](const QString &name) { return !inOrder.contains(name); });
         QCOMPARE(found, inOrder);
+    }
+
+    /// Each control has a name for assistive technology and, if it shows no text, a picture and a tool tip.
+    void controlsExplainThemselves()
+    {
+        ShownWindow f;
+        f.addPhotos(words("a.png"));
+        QStringList unexplained;
+        for (QWidget *const widget : f.window.findChildren<QWidget *>()) {
+            const bool isInner = widget->objectName().isEmpty() || widget->objectName().startsWith(u"qt_"_qs);
+            if (isInner || !(widget->focusPolicy() & Qt::TabFocus) || widget->focusProxy())
+                continue;
+            const auto *const button = qobject_cast<QAbstractButton *>(widget);
+            const bool isMute = button && button->text().isEmpty() && !qobject_cast<ColorWell *>(widget) &&
+                                (button->icon().pixmap(16).isNull() || button->toolTip().isEmpty());
+            const QAccessibleInterface *const item = QAccessible::queryAccessibleInterface(widget);
+            if (item->text(QAccessible::Name).isEmpty() || isMute)
+                unexplained.append(QLatin1String(widget->metaObject()->className()) + u' ' +
+                                   widget->objectName());
+        }
+        QCOMPARE(unexplained.join(u", "_qs), QString());
     }
 
     void assistiveTechnologyKnowsTheGroups()
