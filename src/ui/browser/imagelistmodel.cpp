@@ -5,13 +5,24 @@
 #include "app/imageset.h"
 #include "ui/widgets/plaintooltip.h"
 
+#include <algorithm>
+#include <unordered_set>
+
 namespace plexa
 {
+namespace
+{
 
-ImageListModel::ImageListModel(ImageSet &set, QObject *parent)
+constexpr std::size_t kKeptPictures = 500;
+
+} // namespace
+
+ImageListModel::ImageListModel(ImageSet &set, const FontCatalog &fonts, int threads, QObject *parent)
     : QAbstractListModel(parent)
     , m_set(set)
+    , m_thumbnails(fonts, threads, Thumbnails::Photos::LoadedForThis)
 {
+    connect(&m_thumbnails, &Thumbnails::changed, this, &ImageListModel::showPicture);
     connect(&m_set, &ImageSet::imagesAboutToBeInserted, this, [this](int first, int last) {
         m_isChanging = true;
         beginInsertRows({}, first, last);
@@ -43,6 +54,36 @@ ImageListModel::ImageListModel(ImageSet &set, QObject *parent)
     }
 }
 
+void ImageListModel::setVisibleRows(int first, int end, int side)
+{
+    const ImageList &list = *m_set.imagesFiltered();
+    const auto at = [&](int row) { return list.begin() + std::clamp(row, 0, static_cast<int>(list.size())); };
+    ImageList visible(at(first), at(std::max(first, end)));
+    m_firstVisible = first;
+    if (visible == m_visible)
+        return;
+    const std::unordered_set<std::shared_ptr<ImageObject>> shown(visible.begin(), visible.end());
+    m_seen.insert(m_seen.begin(), m_visible.begin(), m_visible.end());
+    std::unordered_set<std::shared_ptr<ImageObject>> known(shown);
+    std::erase_if(m_seen, [&known](const auto &image) { return !known.insert(image).second; });
+    m_seen.resize(std::min(m_seen.size(), kKeptPictures));
+    m_visible = std::move(visible);
+    m_thumbnails.setWanted({m_visible, m_seen, side});
+}
+
+void ImageListModel::showPicture(const ImageObject *image)
+{
+    const auto found = std::find_if(m_visible.begin(), m_visible.end(),
+                                    [image](const auto &one) { return one.get() == image; });
+    if (m_isChanging || found == m_visible.end())
+        return;
+    if (!m_thumbnails.thumbnail(*image).isNull())
+        m_set.forgetThumbnail(**found); // of which this is a small copy
+    const int row = m_firstVisible + static_cast<int>(found - m_visible.begin());
+    if (row < rowCount())
+        Q_EMIT pictureChanged(index(row));
+}
+
 void ImageListModel::settle()
 {
     m_isChanging = false;
@@ -66,6 +107,10 @@ QVariant ImageListModel::data(const QModelIndex &index, int role) const
         return plainToolTip(image.path());
     case Qt::EditRole:
         return image.filename();
+    case Qt::DecorationRole: {
+        const QImage picture = m_thumbnails.thumbnail(image);
+        return picture.isNull() ? QVariant() : picture.mirrored();
+    }
     default:
         return {};
     }

@@ -5,6 +5,7 @@
 #include "app/appcontroller.h"
 #include "ui/browser/imagebrowserview.h"
 #include "ui/browser/imagebrowserviewcontroller.h"
+#include "ui/browser/imagelistmodel.h"
 #include "ui/browser/imagelistview.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/dropframe.h"
@@ -35,7 +36,7 @@ ImageListPane::ImageListPane(const Services &services, QWidget *parent)
     , m_searchField(new QLineEdit)
     , m_imageListContainer(new QStackedWidget)
     , m_imageBrowser(new ImageBrowserView)
-    , m_imageListTable(new ImageListView(m_set))
+    , m_imageListTable(new ImageListView(m_set, services.controller.photoServices().fonts, services.threads))
     , m_browserZoomSlider(new ZoomSlider(tr("Size of the thumbnails")))
     , m_imageMenu(new QMenu(this))
     , m_browserController(std::make_unique<ImageBrowserViewController>(services.controller, *m_imageBrowser,
@@ -177,6 +178,10 @@ void ImageListPane::connectSet(AppController &controller)
     connect(&m_set, &ImageSet::imageListModeChanged, this, &ImageListPane::showMode);
     for (const auto changed : {&ImageSet::imagesInserted, &ImageSet::imagesRemoved, &ImageSet::listReset})
         connect(&m_set, changed, this, &ImageListPane::showView);
+    connect(&controller, &AppController::imageOutdated, m_imageListTable,
+            [this](const std::shared_ptr<ImageObject> &image) {
+                m_imageListTable->imageListModel().outdatePicture(image.get());
+            });
     connect(m_imageListTable, &ImageListView::filesDropped, &controller, &AppController::addFiles);
     connect(m_imageListTable, &ImageListView::deletePressed, this,
             [this] { m_actions.run(ActionId::RemoveSelected); });

@@ -6,6 +6,7 @@
 #include "ui/browser/imagelistmodel.h"
 #include "ui/widgets/emptyhint.h"
 #include "ui/widgets/filedrops.h"
+#include "ui/widgets/look.h"
 
 #include <QContextMenuEvent>
 #include <QGuiApplication>
@@ -26,33 +27,42 @@ namespace plexa
 namespace
 {
 
-constexpr int kMargin = 12;
+constexpr int kRowHeight = 40;
+constexpr QSize kPicture(48, 32);
+constexpr int kBar = 4;          // at the left of selected rows
 constexpr int kEditorMargin = 4; // between a line edit's edge and its text
 constexpr int kMinEditorWidth = 220;
 
-/// A path shortened to a width.
+QFont nameFont(QFont font)
+{
+    font.setWeight(QFont::DemiBold);
+    return font;
+}
+
+/// A path shortened to a width: the name comes first.
 struct ShownPath {
     QString folder;
     QString name;
-    int folderWidth;
+    int nameWidth;
 
-    ShownPath(const QString &path, const QFontMetrics &metrics, int width)
+    ShownPath(const QString &path, const QFont &font, int width)
     {
+        const QFontMetrics names(nameFont(font));
         const qsizetype nameAt = path.lastIndexOf(QLatin1Char('/')) + 1;
-        name = metrics.elidedText(path.mid(nameAt), Qt::ElideMiddle, width);
+        name = names.elidedText(path.mid(nameAt), Qt::ElideMiddle, width);
+        nameWidth = names.horizontalAdvance(name) + look::kLargeGap;
         folder =
-            metrics.elidedText(path.left(nameAt), Qt::ElideLeft, width - metrics.horizontalAdvance(name));
-        folderWidth = metrics.horizontalAdvance(folder);
+            QFontMetrics(font).elidedText(path.left(nameAt), Qt::ElideLeft, std::max(0, width - nameWidth));
     }
 };
 
+/// Of the texts.
 QRect roomIn(const QStyleOptionViewItem &option)
 {
-    return option.rect.adjusted(kMargin, 0, -kMargin, 0);
+    return option.rect.adjusted(2 * look::kLargeGap + kPicture.width(), 0, -look::kLargeGap, 0);
 }
 
-/// Draws a path with the file's name more visible than its folder, and readable even if the path is too long.
-/// The editor edits the name in its place.
+/// Draws a photo with its name and, less visible, its folder. The editor edits the name in its place.
 class PathDelegate final : public QStyledItemDelegate
 {
 public:
@@ -60,25 +70,39 @@ public:
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
-        if (option.state.testFlag(QStyle::State_Selected))
+        const bool isSelected = option.state.testFlag(QStyle::State_Selected);
+        if (isSelected) {
             painter->fillRect(option.rect, QColor(255, 255, 255, 153)); // white, 0.6
-        const QRect room = roomIn(option);
-        const ShownPath path(index.data().toString(), option.fontMetrics, room.width());
+            painter->fillRect(QRect(option.rect.topLeft(), QSize(kBar, option.rect.height())), look::kMark);
+        }
+        paintPicture(*painter, option, index.data(Qt::DecorationRole).value<QImage>());
 
+        const QRect room = roomIn(option);
+        const ShownPath path(index.data().toString(), option.font, room.width());
         const int align = Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine;
-        QColor color = option.palette.color(QPalette::Text);
         painter->save();
+        painter->setFont(nameFont(option.font));
+        painter->setPen(option.palette.color(QPalette::Text));
+        painter->drawText(room, align, path.name);
         painter->setFont(option.font);
-        painter->setPen(color);
-        painter->drawText(room.adjusted(path.folderWidth, 0, 0, 0), align, path.name);
-        color.setAlphaF(0.6F);
-        painter->setPen(color);
-        painter->drawText(room, align, path.folder);
+        painter->setPen(isSelected ? look::kSecondaryTextOnSelection : look::kSecondaryTextOnPhotoGround);
+        painter->drawText(room.adjusted(path.nameWidth, 0, 0, 0), align, path.folder);
         if (option.state.testFlag(QStyle::State_HasFocus)) { // the current row need not be selected
-            painter->setPen(option.palette.color(QPalette::Link));
-            painter->drawRect(option.rect.adjusted(0, 0, -1, -1));
+            painter->setPen(QPen(look::kMark, 2));
+            painter->drawRect(option.rect.adjusted(1, 1, -1, -1));
         }
         painter->restore();
+    }
+
+    static void paintPicture(QPainter &painter, const QStyleOptionViewItem &option, const QImage &picture)
+    {
+        if (picture.isNull())
+            return;
+        QRect place(QPoint(), picture.size().scaled(kPicture, Qt::KeepAspectRatio));
+        place.moveCenter(
+            {option.rect.x() + look::kLargeGap + kPicture.width() / 2, option.rect.center().y()});
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawImage(place, picture);
     }
 
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &, const QModelIndex &) const override
@@ -95,10 +119,11 @@ public:
                               const QModelIndex &index) const override
     {
         const QRect room = roomIn(option);
-        const ShownPath path(index.data().toString(), option.fontMetrics, room.width());
-        const int width = std::min(room.width(), std::max(kMinEditorWidth, room.width() - path.folderWidth));
-        editor->setGeometry(room.right() + 1 - width - kEditorMargin, option.rect.y(), width + kEditorMargin,
-                            option.rect.height());
+        const ShownPath path(index.data().toString(), option.font, room.width());
+        const int width = std::min(room.width(), std::max(kMinEditorWidth, path.nameWidth));
+        const int height = std::min(option.rect.height(), editor->sizeHint().height());
+        editor->setGeometry(room.x() - kEditorMargin, option.rect.center().y() - height / 2,
+                            width + kEditorMargin, height);
     }
 };
 
@@ -129,10 +154,10 @@ QItemSelection selectionOf(const IndexList &rows, const QAbstractItemModel &mode
 
 } // namespace
 
-ImageListView::ImageListView(ImageSet &set, QWidget *parent)
+ImageListView::ImageListView(ImageSet &set, const FontCatalog &fonts, int threads, QWidget *parent)
     : QTableView(parent)
     , m_set(set)
-    , m_model(new ImageListModel(set, this))
+    , m_model(new ImageListModel(set, fonts, threads, this))
 {
     setModel(m_model);
     setUpLook();
@@ -143,6 +168,8 @@ ImageListView::ImageListView(ImageSet &set, QWidget *parent)
             &ImageListView::takeSelectionFromSet);
     connect(&m_set.selection(), &ImageSelection::scrollToFocusRequested, this,
             &ImageListView::scrollToFirstSelected);
+    connect(m_model, &ImageListModel::pictureChanged, this,
+            [this](const QModelIndex &index) { update(index); });
     connect(m_model, &ImageListModel::settled, this, &ImageListView::takeSelectionFromSet);
     connect(&m_set, &ImageSet::listReset, this, &ImageListView::scrollToTop); // a new list
     connect(&m_set, &ImageSet::orderChanged, this, &ImageListView::scrollToFirstSelected);
@@ -170,7 +197,7 @@ void ImageListView::setUpLook()
     // Rows of one height: a hundred thousand rows need no measuring.
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
+    verticalHeader()->setDefaultSectionSize(std::max(kRowHeight, fontMetrics().height() + 2 * look::kGap));
     QPalette colors = palette();
     colors.setBrush(QPalette::Highlight, Qt::transparent); // the delegate marks selected rows
     setPalette(colors);
@@ -211,6 +238,15 @@ void ImageListView::paintEvent(QPaintEvent *event)
     QTableView::paintEvent(event);
     if (m_model->rowCount() == 0)
         paintEmptyHint(viewport(), tr("Drag & drop images here"));
+    const int last = rowAt(viewport()->height() - 1);
+    m_model->setVisibleRows(rowAt(0), last < 0 ? m_model->rowCount() : last + 1,
+                            qRound(kPicture.width() * devicePixelRatioF()));
+}
+
+void ImageListView::hideEvent(QHideEvent *event)
+{
+    QTableView::hideEvent(event);
+    m_model->setVisibleRows(0, 0, 0);
 }
 
 void ImageListView::resizeEvent(QResizeEvent *event)

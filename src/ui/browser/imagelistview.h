@@ -9,6 +9,7 @@ class QMenu;
 namespace plexa
 {
 
+class FontCatalog;
 class ImageListModel;
 class ImageSet;
 
@@ -19,9 +20,12 @@ class ImageListView final : public QTableView
     Q_OBJECT
 
 public:
-    /// @param set  outlives the view
-    explicit ImageListView(ImageSet &set, QWidget *parent = nullptr);
+    /// @param set, fonts  outlive the view
+    /// @param threads     photos that are loaded at a time for their pictures
+    ImageListView(ImageSet &set, const FontCatalog &fonts, int threads, QWidget *parent = nullptr);
     ~ImageListView() override;
+
+    ImageListModel &imageListModel() { return *m_model; }
 
     /// Opened by a right click; not owned.
     void setContextMenu(QMenu *menu) { m_contextMenu = menu; }
@@ -32,6 +36,7 @@ Q_SIGNALS:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void resizeEvent(QResizeEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;

@@ -25,7 +25,9 @@ inline constexpr QColor kDarkestAccent(0x12, 0x29, 0x3f);
 inline constexpr QColor kLightAccent(0xb9, 0xd4, 0xef); ///< behind dark texts and icons
 
 inline constexpr QColor kPhotoGround(0x94, 0x9a, 0xa1); ///< of the grid and the list; 5.1:1 to texts
-inline constexpr QColor kMark(0x1a, 0x48, 0x77);        ///< of selections and drags: 3.3:1 on that ground
+inline constexpr QColor kSecondaryTextOnPhotoGround(0x2b, 0x31, 0x38); ///< 4.6:1
+inline constexpr QColor kSecondaryTextOnSelection(0x4c, 0x54, 0x5c);   ///< 5.3:1 on a selected row
+inline constexpr QColor kMark(0x1a, 0x48, 0x77); ///< of selections and drags: 3.3:1 on that ground
 
 inline constexpr QColor kWindow(0xf1, 0xf2, 0xf4);
 inline constexpr QColor kButton(0xfb, 0xfc, 0xfc);

@@ -98,6 +98,35 @@ private Q_SLOTS:
         QCOMPARE(f.table.model()->rowCount(), 3);
     }
 
+    /// Rows have room for a picture, which visible photos are loaded for; the name comes before the folder.
+    void showsPictures()
+    {
+        Table f(300);
+        const QAbstractItemModel &model = *f.table.model();
+        QVERIFY(f.table.rowHeight(0) >= 40);
+        const auto picture = [&](int row) {
+            return model.index(row, 0).data(Qt::DecorationRole).value<QImage>();
+        };
+        QTRY_VERIFY(!picture(0).isNull());
+        QCOMPARE(picture(0).pixelColor(5, 5), QColor(Qt::darkGreen));
+        QVERIFY(f.set.images()->front()->thumbnail().isNull()); // a long list would fill the memory
+        QVERIFY(!f.set.images()->at(150)->metadata());
+        f.table.scrollTo(model.index(150, 0));
+        QTRY_VERIFY(!picture(150).isNull());
+        f.table.scrollToTop();
+        f.table.viewport()->repaint();
+        QVERIFY(!picture(150).isNull()); // for the way back
+        QTRY_VERIFY(f.table.viewport()->grab().toImage().pixelColor(36, 20) == QColor(Qt::darkGreen));
+
+        const auto edge = [&](int row) {
+            const QRect place = f.table.visualRect(model.index(row, 0));
+            return f.table.viewport()->grab().toImage().pixelColor(place.x() + 1, place.center().y());
+        };
+        const QColor bare = edge(1);
+        f.set.selection().selectIndexes({0, 1});
+        QVERIFY(edge(1).lightness() + 60 < bare.lightness());
+    }
+
     void renamesPhotos()
     {
         Table f(0);
