@@ -123,6 +123,7 @@ void ImageGathering::addFound(const QStringList &paths)
     if (m_isAdding) // a question is open, whose answer decides about these files, too
         return;
     m_isAdding = true;
+    m_selectsFirst = m_selectsFirst || m_set.images()->empty();
     addBatch();
     m_isAdding = false;
     m_services.status.setProgress(static_cast<float>(m_nFound), StatusOperation::Counting);
@@ -243,6 +244,9 @@ void ImageGathering::imageDelivered(const std::shared_ptr<ImageObject> &image, I
         m_set.removeImages({image});
     } else {
         ++m_nImported;
+        // Photos in an empty set show at once what the watermark looks like.
+        if (std::exchange(m_selectsFirst, false) && m_set.selection().selectedIndexes().isEmpty())
+            m_set.selectAndPreviewImageWithIndex(0);
     }
     // The position of the photo among those that could be loaded.
     const auto index = static_cast<float>(m_nImported) - 1;

@@ -12,7 +12,7 @@ namespace plexa
 
 /// Adds photos to the working set in the background: it walks over files and folders, applies the limit of
 /// Small Batch mode, in that mode loads the photos meanwhile, and removes and reports the files that cannot
-/// be read. Main thread.
+/// be read. The first photo in an empty set is selected when it is loaded. Main thread.
 class ImageGathering final : public QObject
 {
     Q_OBJECT
@@ -63,6 +63,7 @@ private:
     const ImageSetServices m_services;
 
     bool m_isScanning = false;
+    bool m_selectsFirst = false; // the first photo that can be loaded
     bool m_isAdding = false;        // a question may be open
     bool m_hasScanEnded = false;    // its last files may still wait for that question
     bool m_isStopRequested = false; // by the user, for everything in progress

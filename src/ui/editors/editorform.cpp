@@ -2,6 +2,8 @@
 
 #include "ui/editors/editorform.h"
 
+#include "ui/widgets/look.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QEvent>
@@ -14,8 +16,9 @@ namespace plexa
 namespace
 {
 
-constexpr int kNumberWidth = 68;
-constexpr int kLabelWidth = 72;
+// Of a number field: its longest usual text, and what is beside that.
+const QString kLongestNumber = QStringLiteral("00000");
+constexpr int kStepperWidth = 32;
 
 /// Swallows the wheel events of controls that do not have the focus, so that their panel scrolls.
 class WheelGuard final : public QObject
@@ -48,6 +51,7 @@ EditorForm::EditorForm(PresetBinder &binder, QWidget *parent)
     m_layout->setVerticalSpacing(8);
     m_layout->setLabelAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     m_layout->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+    m_layout->setRowWrapPolicy(QFormLayout::WrapLongRows); // with large fonts
 }
 
 QWidget *EditorForm::addRow(const QString &label, std::initializer_list<QWidget *> controls)
@@ -70,7 +74,8 @@ QWidget *EditorForm::addRow(const QString &label, std::initializer_list<QWidget 
     }
     auto *const text = new QLabel(label);
     text->setBuddy(*controls.begin());
-    text->setMinimumWidth(kLabelWidth);
+    // Labels of all forms have one width.
+    text->setMinimumWidth(text->fontMetrics().horizontalAdvance(tr("Alignment")) + look::kSmallGap);
     m_layout->addRow(text, row);
     return row;
 }
@@ -92,7 +97,8 @@ QWidget *EditorForm::number(FieldId field, const QString &purpose, const QString
     box->setAccelerated(true);
     box->setSuffix(suffix);
     m_binder.bind(field, *box);
-    box->setFixedWidth(kNumberWidth); // its range is wider than what people enter
+    // Its range is wider than what people enter.
+    box->setFixedWidth(box->fontMetrics().horizontalAdvance(kLongestNumber) + kStepperWidth);
     guardWheel(*box);
     return box;
 }

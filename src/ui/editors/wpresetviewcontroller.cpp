@@ -9,10 +9,12 @@
 #include "ui/widgets/choicebuttons.h"
 #include "ui/widgets/colorwell.h"
 #include "ui/widgets/foldingsection.h"
+#include "ui/widgets/look.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QIcon>
+#include <QScrollBar>
 #include <QSlider>
 #include <QSpinBox>
 #include <QVBoxLayout>
@@ -77,6 +79,13 @@ WPresetViewController::WPresetViewController(const EditorServices &services, Sav
     m_binder.bind(FieldId::Type, [this](const FieldValue &) { updateTypeSubview(); });
     widget()->setEnabled(false);
     updateTypeSubview();
+}
+
+/// Wide enough for its controls, since it does not scroll sideways.
+QSize WPresetViewController::minimumSizeHint() const
+{
+    const int width = widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width();
+    return {width, QScrollArea::minimumSizeHint().height()};
 }
 
 void WPresetViewController::setPreset(const std::shared_ptr<WPreset> &preset)
@@ -158,7 +167,8 @@ QWidget *WPresetViewController::angleRow(EditorForm &form, FieldId field, const 
     box->setDecimals(1);
     box->setRange(-360, 360);
     box->setSuffix(QStringLiteral("°"));
-    box->setFixedWidth(84);
+    box->setFixedWidth(box->fontMetrics().horizontalAdvance(QStringLiteral("-000.0°")) + look::kPageGap +
+                       look::kGap);
     EditorForm::guardWheel(*box);
     m_binder.bind(field, *box);
     return form.addRow(tr("Angle"), {wheel, box});

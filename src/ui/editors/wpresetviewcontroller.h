@@ -33,6 +33,8 @@ public:
 
     WTextPresetViewController &textEditor() { return *m_text; }
 
+    QSize minimumSizeHint() const override;
+
 private:
     QWidget *makeType();
     QWidget *makeSizeAndPosition();
