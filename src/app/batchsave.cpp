@@ -41,6 +41,7 @@ bool BatchSave::start(const Order &order)
     followSettings(run, m_services.defaults);
     m_maximum = 0;
     m_copies = 0;
+    m_counts = {};
     m_saving.begin();
     m_services.status.startProcessing();
     m_job.start([this, run]() mutable {
@@ -57,8 +58,9 @@ void BatchSave::begun(qint64 maximum, const QString &)
     m_maximum = maximum;
 }
 
-void BatchSave::copyFinished(const SavingOutput &)
+void BatchSave::copyFinished(const SavingOutput &output)
 {
+    ++m_counts[static_cast<std::size_t>(output.status)];
     ++m_copies;
     m_services.status.setProgress(static_cast<float>(m_copies) / static_cast<float>(m_maximum),
                                   StatusOperation::Processing);
@@ -67,6 +69,16 @@ void BatchSave::copyFinished(const SavingOutput &)
 void BatchSave::finish()
 {
     m_services.status.endProcessing();
+    const auto count = [this](SavingOutput::Status status) {
+        return m_counts[static_cast<std::size_t>(status)];
+    };
+    const int written = count(SavingOutput::Status::Written);
+    QString result = written == 1 ? tr("1 copy saved") : tr("%n copies saved", nullptr, written);
+    if (const int skipped = count(SavingOutput::Status::Skipped))
+        result += tr(", %n skipped", nullptr, skipped);
+    if (const int failed = count(SavingOutput::Status::Failed))
+        result += tr(", %n failed", nullptr, failed);
+    m_services.status.notify(result);
     m_saving.finishedSavingImages();
     Q_EMIT finished();
 }

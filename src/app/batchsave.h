@@ -9,6 +9,7 @@
 
 #include <QObject>
 
+#include <array>
 #include <vector>
 
 namespace plexa
@@ -17,8 +18,8 @@ namespace plexa
 class StatusManager;
 class UserDefaults;
 
-/// Saves copies of photos on a thread of its own, with its progress in the status line and a report at the
-/// end. Main thread.
+/// Saves copies of photos on a thread of its own, with its progress and the number of copies in the status
+/// line and a report of failures at the end. Main thread.
 class BatchSave final : public QObject, private SavingObserver
 {
     Q_OBJECT
@@ -63,8 +64,9 @@ private:
 
     const Services m_services;
     Saving m_saving;
-    qint64 m_maximum = 0; // of the run's thread
-    qint64 m_copies = 0;  // likewise
+    qint64 m_maximum = 0;             // of the run's thread
+    qint64 m_copies = 0;              // likewise
+    std::array<int, 4> m_counts = {}; // likewise; by SavingOutput::Status
     BackgroundJob m_job;
 };
 

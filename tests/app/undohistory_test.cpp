@@ -240,6 +240,22 @@ private Q_SLOTS:
         QCOMPARE(set().images()->size(), many + 4);
     }
 
+    void restoresPhotosDuringAnImport()
+    {
+        for (int i = 0; i < 4; ++i)
+            addPhoto();
+        const ImageList images = *set().images();
+        images[3]->lock(); // the import waits for it
+        m_app->gathering().importMissingImages();
+        QTRY_VERIFY(images[0]->isLoaded() && images[1]->isLoaded());
+        set().selection().select({0, 1}, 0);
+        set().removeSelectedImages();
+        history().undo();
+        images[3]->unlock();
+        QVERIFY(isIdleSoon());
+        QVERIFY(images[1]->isLoaded()); // which does not have the focus
+    }
+
 private:
     static std::size_t pick(std::mt19937 &random, std::size_t count) { return random() % count; }
 

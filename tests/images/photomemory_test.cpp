@@ -35,9 +35,11 @@ const QString kHeic = u"image/heic"_qs;
 qint64 peakOfSaving(const QString &photo, const QString &folder, const QString &type)
 {
     const char *format = type == kHeic ? "imageFormat=HEIC" : "imageFormat=Original";
-    const QStringList command =
-        words("%1 save --quiet --text X --save-set %2 --save-set jpegQuality=95 --output %3 %4",
-              builtProgram(u"plexa-cli"_qs), format, folder, photo);
+    const bool hasQuality = type == kHeic || photo.endsWith(u".jpg"); // for others it would be refused
+    const QStringList command = words("%1 save --quiet --text X --save-set %2 --output %3",
+                                      builtProgram(u"plexa-cli"_qs), format, folder) +
+                                (hasQuality ? words("--save-set jpegQuality=95") : QStringList()) +
+                                QStringList(photo);
     QByteArrayList bytes;
     for (const QString &word : command)
         bytes.append(word.toLocal8Bit());

@@ -7,6 +7,7 @@
 #include "platform/settings.h"
 #include "ui/browser/imagebrowserviewcontroller.h"
 #include "ui/browser/imagelistpane.h"
+#include "ui/saving/savemultiplepanel.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/imagechooser.h"
 #include "ui/window/filemanager.h"
@@ -85,6 +86,17 @@ void connectPhotos(CommandActions &actions, AppController &controller)
     actions.setHandler(ActionId::PastePositions, [&controller] { controller.pasteManualPositioning(); });
 }
 
+void connectSaving(CommandActions &actions, const MainWindow::Services &services, MainWindow &window)
+{
+    auto *const panel =
+        new SaveMultiplePanel({services.controller, services.defaults, services.alerts}, &window);
+    QObject::connect(panel, &QDialog::accepted, &window,
+                     [&controller = services.controller, panel] { controller.startSaving(panel->photos()); });
+    ImageSet &set = services.controller.imageSet();
+    actions.setHandler(ActionId::SaveSelected, [panel, &set] { panel->askAbout(set.selectedImages()); });
+    actions.setHandler(ActionId::SaveAll, [panel, &set] { panel->askAbout(*set.imagesFiltered()); });
+}
+
 void showPreferences(const MainWindow::Services &services, MainWindow &window, ImageListPane &imageListPane)
 {
     auto *const dialog = new PreferencesDialog(services.defaults, &window);
@@ -121,6 +133,7 @@ void connectWindowCommands(CommandActions &actions, const MainWindow::Services &
     AppController &controller = services.controller;
     connectSelection(actions, controller.imageSet());
     connectPhotos(actions, controller);
+    connectSaving(actions, services, window);
     connectHistory(actions, controller.undoHistory());
 
     const auto add = [&](ActionId id, ChooserKind kind) {

@@ -1,0 +1,311 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/saving/savemultiplepanel.h"
+
+#include "app/appcontroller.h"
+#include "platform/alerts.h"
+#include "platform/settings.h"
+#include "platform/userdefaults.h"
+#include "presets/presetsstore.h"
+#include "saving/outputnaming.h"
+#include "ui/editors/savingpresetview.h"
+#include "ui/widgets/choicebuttons.h"
+#include "ui/widgets/elidedlabel.h"
+#include "ui/widgets/look.h"
+#include "ui/widgets/sectiontitle.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QFormLayout>
+#include <QFrame>
+#include <QLabel>
+#include <QMenu>
+#include <QPushButton>
+#include <QStandardPaths>
+#include <QVBoxLayout>
+
+namespace plexa
+{
+namespace
+{
+
+enum Choice { BesideOriginals, InOneFolder };
+
+constexpr int kExamples = 3;
+constexpr int kWidth = 560;
+
+/// Nothing reads it back, but settings in use have it.
+const QString kChosenReplicationFolder = QStringLiteral("fileExportReplicationStartDirectory");
+
+QString picturesFolder()
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    return folder.isEmpty() ? QDir::home().filePath(QStringLiteral("Pictures")) : folder;
+}
+
+/// Without symbolic links, as far as it exists.
+QString resolved(const QString &folder)
+{
+    const QString canonical = QFileInfo(folder).canonicalFilePath();
+    return canonical.isEmpty() ? folder : canonical;
+}
+
+QFrame *line()
+{
+    auto *const line = new QFrame;
+    line->setFrameShape(QFrame::HLine);
+    QPalette palette = line->palette();
+    palette.setColor(QPalette::WindowText, look::kSeparator);
+    line->setPalette(palette);
+    return line;
+}
+
+} // namespace
+
+SaveMultiplePanel::SaveMultiplePanel(const Services &services, QWidget *parent)
+    : QDialog(parent)
+    , m_services(services)
+    , m_destinationLabel(new ElidedLabel(Qt::ElideMiddle))
+    , m_replicationLabel(new ElidedLabel(Qt::ElideMiddle))
+    , m_replicates(new QCheckBox(tr("Recreate the folders of the originals in it")))
+    , m_presetView(new SavingPresetView)
+    , m_savingPresetsButton(new QPushButton(tr("Saving Presets")))
+    , m_examples(new QLabel)
+{
+    setObjectName(QStringLiteral("saveMultiplePanel"));
+    setWindowTitle(tr("Save Watermarked Copies"));
+    setModal(true);
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(look::kPageGap, look::kPageGap, look::kPageGap, look::kLargeGap);
+    layout->setSpacing(look::kLargeGap);
+    layout->addWidget(makeDestination());
+    layout->addWidget(line());
+    layout->addWidget(makePreset());
+    layout->addWidget(line());
+    m_examples->setObjectName(QStringLiteral("exampleNames"));
+    m_examples->setTextFormat(Qt::PlainText);
+    m_examples->setWordWrap(true);
+    m_examples->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    layout->addWidget(m_examples);
+    layout->addWidget(makeButtons());
+    setMinimumWidth(kWidth);
+}
+
+QWidget *SaveMultiplePanel::makeDestination()
+{
+    auto *const destination = new QWidget;
+    m_destinationForm = new QFormLayout(destination);
+    m_destinationForm->setContentsMargins(0, 0, 0, 0);
+    m_destinationForm->setHorizontalSpacing(look::kLargeGap);
+    m_destinationForm->setVerticalSpacing(look::kGap);
+    m_destinationForm->setLabelAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    m_radioButtons = new ChoiceButtons(tr("Where the copies go"), ChoiceButtons::Look::RadioButtons);
+    m_radioButtons->setObjectName(QStringLiteral("radioButtons"));
+    m_radioButtons->addChoice(tr("Beside the originals"));
+    m_radioButtons->addChoice(tr("In one folder"));
+    connect(m_radioButtons, &ChoiceButtons::chosen, this, &SaveMultiplePanel::radioButtonChosen);
+    m_destinationForm->addRow(tr("Save copies"), m_radioButtons);
+
+    const auto folderRow = [](ElidedLabel *label, QPushButton *button) {
+        auto *const row = new QWidget;
+        auto *const layout = new QHBoxLayout(row);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->setSpacing(look::kGap);
+        layout->addWidget(label, 1);
+        layout->addWidget(button);
+        return row;
+    };
+    m_destinationRow = folderRow(m_destinationLabel,
+                                 makeFolderButton(QStringLiteral("destPathControl"), tr("Choose the folder"),
+                                                  *m_destinationLabel, m_destination, true));
+    m_destinationForm->addRow(tr("Folder"), m_destinationRow);
+    m_replicates->setObjectName(QStringLiteral("replicateOrigDirStructureCheckBox"));
+    m_replicates->setToolTip(tr("Copies of photos in subfolders go into subfolders of the same names"));
+    connect(m_replicates, &QAbstractButton::toggled, this, [this](bool isOn) {
+        m_services.defaults.setObject(settings::replicateOrigDirStructure, isOn);
+        m_destinationForm->setRowVisible(m_replicationRow, isOn && m_radioButtons->index() == InOneFolder);
+        showExamples();
+    });
+    m_destinationForm->addRow(QString(), m_replicates);
+    m_replicationRow =
+        folderRow(m_replicationLabel, makeFolderButton(QStringLiteral("replicationPathControl"),
+                                                       tr("Choose the folder whose subfolders are recreated"),
+                                                       *m_replicationLabel, m_replicationStart, false));
+    m_destinationForm->addRow(tr("Starting from"), m_replicationRow);
+    return destination;
+}
+
+QPushButton *SaveMultiplePanel::makeFolderButton(const QString &name, const QString &purpose,
+                                                 ElidedLabel &label, QString &path, bool isOutput)
+{
+    auto *const button = new QPushButton(tr("Choose…"));
+    button->setObjectName(name);
+    button->setAccessibleName(purpose);
+    button->setToolTip(purpose);
+    button->setAutoDefault(false); // Enter saves
+    connect(button, &QAbstractButton::clicked, this,
+            [this, &label, &path, isOutput] { chooseFolder(label, path, isOutput); });
+    return button;
+}
+
+QWidget *SaveMultiplePanel::makePreset()
+{
+    PresetsStore &store = m_services.controller.presetsStore();
+    const auto follow = [this, &store] {
+        m_presetView->setPreset(store.quickSavingPreset());
+        connect(store.quickSavingPreset().get(), &SavingPreset::fieldChanged, this,
+                &SaveMultiplePanel::showExamples, Qt::UniqueConnection);
+    };
+    connect(&store, &PresetsStore::quickSavingPresetChanged, this, follow);
+    follow();
+    m_presetView->setObjectName(QStringLiteral("quickSavingPresetView"));
+    m_presetView->setValueOnPhoto([this](const QString &token) -> std::optional<QString> {
+        return m_photos.empty() ? std::nullopt : m_photos.front()->facts().stringForInfoToken(token);
+    });
+    return m_presetView;
+}
+
+QWidget *SaveMultiplePanel::makeButtons()
+{
+    auto *const box = new QDialogButtonBox(QDialogButtonBox::Cancel);
+    QPushButton *const save = box->addButton(tr("Save"), QDialogButtonBox::AcceptRole);
+    save->setObjectName(QStringLiteral("okButton"));
+    save->setDefault(true);
+    m_savingPresetsButton->setObjectName(QStringLiteral("savingPresetsButton"));
+    m_savingPresetsButton->setToolTip(tr("Load these settings from a saving preset, or keep them as one"));
+    m_savingPresetsButton->setAutoDefault(false);
+    box->addButton(m_savingPresetsButton, QDialogButtonBox::ActionRole);
+    connect(m_savingPresetsButton, &QAbstractButton::clicked, this,
+            &SaveMultiplePanel::showSavingPresetsMenu);
+    connect(box, &QDialogButtonBox::accepted, this, &SaveMultiplePanel::accept);
+    connect(box, &QDialogButtonBox::rejected, this, &SaveMultiplePanel::reject);
+    return box;
+}
+
+void SaveMultiplePanel::askAbout(const ImageList &photos)
+{
+    m_photos = photos;
+    setupControls();
+    open();
+}
+
+void SaveMultiplePanel::setupControls()
+{
+    const UserDefaults &defaults = m_services.defaults;
+    m_radioButtons->setIndex(defaults.boolForKey(settings::saveAllToOneDirectory) ? InOneFolder
+                                                                                  : BesideOriginals);
+    const QString stored = defaults.stringForKey(settings::savingDirectory);
+    m_destination = resolved(stored.isEmpty() ? picturesFolder() : stored);
+    const QString start = defaults.stringForKey(settings::replicationStartDirectory);
+    if (!start.isEmpty())
+        m_replicationStart = start;
+    m_destinationLabel->setText(m_destination);
+    m_replicationLabel->setText(m_replicationStart.isEmpty() ? tr("the root folder") : m_replicationStart);
+    m_replicates->setChecked(defaults.boolForKey(settings::replicateOrigDirStructure));
+    radioButtonChosen();
+}
+
+/// Hides the folders that are not used.
+void SaveMultiplePanel::radioButtonChosen()
+{
+    const bool isInOneFolder = m_radioButtons->index() == InOneFolder;
+    m_destinationForm->setRowVisible(m_destinationRow, isInOneFolder);
+    m_destinationForm->setRowVisible(m_replicates, isInOneFolder);
+    m_destinationForm->setRowVisible(m_replicationRow, isInOneFolder && m_replicates->isChecked());
+    showExamples();
+}
+
+void SaveMultiplePanel::chooseFolder(ElidedLabel &label, QString &path, bool isOutput)
+{
+    auto *const dialog =
+        new QFileDialog(this, isOutput ? tr("Folder of the Copies") : tr("Start Folder"), path);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(QFileDialog::Directory);
+    dialog->setOption(QFileDialog::ShowDirsOnly);
+    dialog->setOption(QFileDialog::ReadOnly, !isOutput); // no new folders where none is needed
+    connect(dialog, &QFileDialog::fileSelected, this, [this, &label, &path, isOutput](const QString &chosen) {
+        path = chosen;
+        label.setText(chosen);
+        if (!isOutput)
+            m_services.defaults.setObject(kChosenReplicationFolder, chosen);
+        showExamples();
+    });
+    dialog->open();
+}
+
+void SaveMultiplePanel::showSavingPresetsMenu()
+{
+    PresetsStore &store = m_services.controller.presetsStore();
+    QMenu menu(this);
+    QMenu *const load = menu.addMenu(tr("Load from preset"));
+    for (const std::shared_ptr<SavingPreset> &preset : store.savingPresets())
+        load->addAction(preset->name(), this,
+                        [&store, preset] { store.quickSavingPreset()->copyFrom(*preset); });
+    load->setEnabled(!store.savingPresets().empty());
+    menu.addAction(tr("Save as new preset"), this, [&store] {
+        std::shared_ptr<SavingPreset> copy = store.quickSavingPreset()->copy();
+        copy->setName(tr("Saved preset"));
+        store.savingPresetList().append({copy});
+    });
+    menu.exec(m_savingPresetsButton->mapToGlobal(m_savingPresetsButton->rect().bottomLeft()));
+}
+
+/// The number of copies, and the names of the first ones as they will be where no file has them yet.
+void SaveMultiplePanel::showExamples()
+{
+    const std::vector<AppliedPreset> presets = m_services.controller.appliedPresets().effectivePresetsNow();
+    const bool isCombined = !m_services.controller.appliedPresets().isInSingleMode() &&
+                            m_services.defaults.boolForKey(settings::combineAllAppliedPresetsInImage);
+    const std::size_t perPhoto = isCombined ? 1 : presets.size();
+    OutputFolders folders;
+    if (m_radioButtons->index() == InOneFolder)
+        folders.destDirectory = m_destination;
+    folders.replicateOrigDirStructure = m_replicates->isChecked();
+    folders.replicationStartDirectory = m_replicationStart;
+    folders.makesFolders = false;
+    const OutputNaming naming(folders, m_services.alerts);
+    const int count = int(m_photos.size() * perPhoto);
+    QStringList lines{count == 1 ? tr("1 copy") : tr("%n copies", nullptr, count)};
+    for (std::size_t number = 0; number < m_photos.size() * perPhoto && number < kExamples; ++number) {
+        const ImageObject &photo = *m_photos[number / perPhoto];
+        const WPresetValues &preset = presets[number % perPhoto].values;
+        const auto assigned = std::dynamic_pointer_cast<const SavingPreset>(preset.assignedSavingPreset);
+        const bool usesAssigned = assigned && !isCombined &&
+                                  !m_services.defaults.boolForKey(settings::ignoreSavingPresetsInSizePresets);
+        const SavingPresetValues values =
+            usesAssigned ? assigned->values()
+                         : m_services.controller.presetsStore().quickSavingPreset()->values();
+        const QString name = OutputNaming::filenameForImage(photo.facts(), photo.path(), preset.name, values,
+                                                            qint64(number) + 1);
+        const QString path = QDir(naming.targetDirectoryForFile(photo.path())).filePath(name);
+        lines.append(QFileInfo::exists(path) ? tr("%1 (exists already)").arg(path) : path);
+    }
+    if (m_photos.size() * perPhoto > kExamples)
+        lines.append(QStringLiteral("…"));
+    m_examples->setText(lines.join(u'\n'));
+}
+
+void SaveMultiplePanel::accept()
+{
+    UserDefaults &defaults = m_services.defaults;
+    const bool isInOneFolder = m_radioButtons->index() == InOneFolder;
+    defaults.setObject(settings::saveAllToOneDirectory, isInOneFolder);
+    if (isInOneFolder) {
+        if (m_destination.isEmpty()) {
+            Alert alert;
+            alert.style = Alert::Style::Critical;
+            alert.title = tr("Missing the destination directory");
+            alert.text = tr("Please specify the directory where the image files should be saved");
+            m_services.alerts.run(alert);
+            return;
+        }
+        defaults.setObject(settings::savingDirectory, m_destination);
+        if (m_replicates->isChecked() && !m_replicationStart.isEmpty())
+            defaults.setObject(settings::replicationStartDirectory, m_replicationStart);
+    }
+    QDialog::accept();
+}
+
+} // namespace plexa

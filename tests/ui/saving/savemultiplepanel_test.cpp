@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/editors/savingpresetview.h"
+#include "ui/editors/tokenfieldwithinsertpopup.h"
+#include "ui/saving/savemultiplepanel.h"
+#include "ui/shownwindow.h"
+#include "ui/widgets/choicebuttons.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QSlider>
+#include <QSpinBox>
+
+using namespace plexa;
+using namespace plexa::test;
+
+namespace
+{
+
+/// The window with photos a and b and two applied presets, and its panel.
+struct Panel : ShownWindow {
+    Panel()
+    {
+        addPhotos(words("a.png b.png"));
+        AppliedPresets &presets = controller.appliedPresets();
+        presets.modeDidChange(AppliedPresets::Mode::Presets);
+        for (const char *name : {"one", "two"}) {
+            WPresetValues values = WPresetValues::forNewPreset(files.fonts);
+            values.name = QLatin1String(name);
+            presets.addWPresetsToApplied({std::make_shared<WPreset>(values)});
+        }
+        files.defaults.setObject(settings::savingDirectory, out);
+        files.defaults.setObject(settings::saveAllToOneDirectory, true);
+        files.defaults.setObject(settings::replicateOrigDirStructure, false);
+        quick().setFilenameTokens({u"filename"_qs, u"-"_qs, u"sequence ##"_qs});
+    }
+    ~Panel()
+    {
+        for (const auto key : {settings::savingDirectory, settings::saveAllToOneDirectory,
+                               settings::replicateOrigDirStructure, settings::replicationStartDirectory})
+            files.defaults.setObject(key, {});
+    }
+
+    SavingPreset &quick() const { return *files.store.quickSavingPreset(); }
+    void open()
+    {
+        set.selection().selectAll();
+        window.actions().update();
+        window.actions().run(ActionId::SaveSelected);
+    }
+    void choose(int index)
+    {
+        QTest::mouseClick(find<ChoiceButtons>("radioButtons").findChildren<QAbstractButton *>()[index],
+                          Qt::LeftButton);
+    }
+    void press(const QString &text)
+    {
+        for (QPushButton *const button : panel.findChildren<QPushButton *>()) {
+            if (button->text() == text)
+                QTest::mouseClick(button, Qt::LeftButton);
+        }
+    }
+    bool isShown(const char *name) { return find<QWidget>(name).isVisible(); }
+
+    const QString out = files.folder.path("copies/new");
+    SaveMultiplePanel &panel = find<SaveMultiplePanel>("saveMultiplePanel");
+    QLabel &examples = find<QLabel>("exampleNames");
+};
+
+} // namespace
+
+class SaveMultiplePanelTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void savesWhatItShows()
+    {
+        Panel f;
+        QVERIFY(f.isEnabled(ActionId::SaveAll) ||
+                QTest::qWaitFor([&] { return f.isEnabled(ActionId::SaveAll); }));
+        f.open();
+        QVERIFY(f.panel.isVisible());
+        const QStringList lines = f.examples.text().split(u'\n');
+        QCOMPARE(lines.mid(1), QStringList({f.out + u"/a-01.jpg"_qs, f.out + u"/a-02.jpg"_qs,
+                                            f.out + u"/b-03.jpg"_qs, u"…"_qs}));
+        f.press(u"Save"_qs);
+        QTRY_VERIFY(QFileInfo::exists(f.out + u"/b-04.jpg"_qs));
+        QTRY_VERIFY(!f.controller.batchSave().isSavingInProgress());
+        QCOMPARE(QDir(f.out).entryList(QDir::Files), words("a-01.jpg a-02.jpg b-03.jpg b-04.jpg"));
+
+        // The next time, names that are taken are marked; Cancel stores nothing.
+        f.open();
+        QVERIFY(f.examples.text().contains(u"/a-01.jpg (exists already)"_qs));
+        f.choose(0);
+        QVERIFY(f.examples.text().contains(f.files.folder.path("in/a-01.jpg")));
+        f.press(u"Cancel"_qs);
+        QVERIFY(!f.panel.isVisible() && f.files.defaults.boolForKey(settings::saveAllToOneDirectory));
+        QVERIFY(!f.controller.batchSave().isSavingInProgress());
+    }
+
+    void folders()
+    {
+        Panel f;
+        f.files.defaults.setObject(settings::saveAllToOneDirectory, false);
+        f.open();
+        QVERIFY(!f.isShown("destPathControl") && !f.isShown("replicateOrigDirStructureCheckBox"));
+        f.choose(1);
+        QVERIFY(f.isShown("destPathControl") && !f.isShown("replicationPathControl"));
+        QTest::keyClick(&f.find<QCheckBox>("replicateOrigDirStructureCheckBox"), Qt::Key_Space);
+        QVERIFY(f.isShown("replicationPathControl"));
+        // From the root folder.
+        QVERIFY(f.examples.text().contains(f.out + f.files.folder.path("in/a-01.jpg")));
+        QVERIFY(!QFileInfo::exists(f.out)); // examples create no folders
+        f.choose(0);
+        QVERIFY(!f.isShown("destPathControl") && !f.isShown("replicationPathControl"));
+    }
+
+    /// The quick preset is edited, and what has no effect is hidden.
+    void savingPreset()
+    {
+        Panel f;
+        f.open();
+        auto &format = f.find<QComboBox>("imageFormatPopUp");
+        for (const auto &[name, quality, lzw, alternative] : {std::tuple(u"TIFF"_qs, false, true, false),
+                                                              {u"PNG"_qs, false, false, false},
+                                                              {u"Original"_qs, true, false, true},
+                                                              {u"JPEG"_qs, true, false, false}}) {
+            format.setFocus();
+            QTest::keyClick(&format, Qt::Key_Home);
+            while (format.currentText() != name && format.currentIndex() + 1 < format.count())
+                QTest::keyClick(&format, Qt::Key_Down);
+            QCOMPARE(f.quick().imageFormat(), name);
+            QCOMPARE(f.isShown("jpegQualitySlider"), quality);
+            QCOMPARE(f.isShown("tiffCompressionLZWCheckBox"), lzw);
+            QCOMPARE(f.isShown("alternativeImageFormatPopUp"), alternative);
+        }
+        f.find<QSlider>("jpegQualitySlider").setFocus();
+        QTest::keyClick(&f.find<QSlider>("jpegQualitySlider"), Qt::Key_End);
+        QCOMPARE(f.quick().jpegQuality(), 100);
+        QCOMPARE(f.find<QSpinBox>("jpegQualityTextField").value(), 100);
+        auto &tokens = f.find<TokenFieldWithInsertPopup>("filenameTokensField");
+        tokens.setFocus();
+        tokens.selectAll();
+        QTest::keyClicks(&tokens, u"proof "_qs);
+        tokens.insertToken(u"sequence ###"_qs);
+        QCOMPARE(f.quick().filenameTokens(), QStringList({u"proof "_qs, u"sequence ###"_qs}));
+        QVERIFY(f.examples.text().contains(u"/proof 001.jpg"_qs));
+    }
+};
+
+QTEST_MAIN(SaveMultiplePanelTest)
+#include "savemultiplepanel_test.moc"
