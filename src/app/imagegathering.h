@@ -63,7 +63,7 @@ private:
     const ImageSetServices m_services;
 
     bool m_isScanning = false;
-    bool m_selectsFirst = false; // the first photo that can be loaded
+    bool m_selectsFirst = false;    // the first photo that can be loaded
     bool m_isAdding = false;        // a question may be open
     bool m_hasScanEnded = false;    // its last files may still wait for that question
     bool m_isStopRequested = false; // by the user, for everything in progress
