@@ -172,7 +172,9 @@ QWidget *SaveMultiplePanel::makeButtons()
     auto *const box = new QDialogButtonBox(QDialogButtonBox::Cancel);
     QPushButton *const save = box->addButton(tr("Save"), QDialogButtonBox::AcceptRole);
     save->setObjectName(QStringLiteral("okButton"));
+    box->button(QDialogButtonBox::Cancel)->setAutoDefault(false);
     save->setDefault(true);
+    save->setFocus(); // Enter saves
     m_savingPresetsButton->setObjectName(QStringLiteral("savingPresetsButton"));
     m_savingPresetsButton->setToolTip(tr("Load these settings from a saving preset, or keep them as one"));
     m_savingPresetsButton->setAutoDefault(false);
