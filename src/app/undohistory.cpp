@@ -6,10 +6,20 @@
 #include "presets/presetsstore.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace plexa
 {
+namespace
+{
+
+constexpr std::chrono::milliseconds kPresetPause{1000};
+
+/// Of QUndoCommand; commands of one kind may be joined.
+enum StepKind { MovedByKeys = 1, EditedPreset = 2 };
+
+} // namespace
 
 /// One edit. It is recorded after it was carried out, so the first redo() of the stack does nothing.
 class UndoHistory::Step : public QUndoCommand
@@ -137,7 +147,7 @@ public:
     }
 
 protected:
-    int id() const override { return m_kind == ManualPositions::EditKind::Keys ? 1 : -1; }
+    int id() const override { return m_kind == ManualPositions::EditKind::Keys ? MovedByKeys : -1; }
 
     /// Steps of one movement with the keyboard.
     bool mergeWith(const QUndoCommand *command) override
@@ -211,9 +221,65 @@ private:
     const std::shared_ptr<TurnedImages> m_turned; // by the last run
 };
 
+class UndoHistory::PresetStep final : public Step
+{
+public:
+    PresetStep(UndoHistory &history, const std::shared_ptr<WPreset> &preset, FieldId field,
+               const FieldValue &before, const FieldValue &now)
+        : Step(history, tr("Edit Watermark"))
+        , m_preset(preset)
+        , m_field(field)
+        , m_run(history.m_presetRun)
+        , m_before(before)
+        , m_after(now)
+    {
+    }
+
+protected:
+    int id() const override { return EditedPreset; }
+
+    bool mergeWith(const QUndoCommand *command) override
+    {
+        const auto *const next = static_cast<const PresetStep *>(command); // of the same id()
+        if (next->m_preset != m_preset || next->m_field != m_field || next->m_run != m_run)
+            return false;
+        m_after = next->m_after;
+        setObsolete(m_after == m_before);
+        return true;
+    }
+
+    bool restore() override { return exchange(m_after, m_before); }
+    bool repeat() override { return exchange(m_before, m_after); }
+
+private:
+    /// Leaves a preset alone that is gone, and a field that something else has changed.
+    bool exchange(const FieldValue &expected, const FieldValue &wanted)
+    {
+        AppliedPresets &applied = models().applied;
+        const WPresetList &all = models().store.wPresets();
+        const bool isQuick = m_preset == applied.quickWPreset();
+        if (!isQuick && std::find(all.begin(), all.end(), m_preset) == all.end())
+            return false;
+        if (m_preset->value(m_field) != expected)
+            return false;
+        if (isQuick != applied.isInSingleMode()) // which hides the change
+            applied.modeDidChange(isQuick ? AppliedPresets::Mode::Single : AppliedPresets::Mode::Presets);
+        m_preset->setValue(m_field, wanted);
+        return true;
+    }
+
+    const std::shared_ptr<WPreset> m_preset;
+    const FieldId m_field;
+    const int m_run;
+    const FieldValue m_before;
+    FieldValue m_after;
+};
+
 UndoHistory::UndoHistory(const Models &models)
     : m_models(models)
 {
+    m_presetPause.setSingleShot(true);
+    m_presetPause.setInterval(kPresetPause);
     m_stack.setUndoLimit(kMaxSteps);
     connectEdits();
     connect(&m_stack, &QUndoStack::indexChanged, this, &UndoHistory::changed);
@@ -281,6 +347,15 @@ void UndoHistory::imagesTurned(ImageTransform operation, const TurnedImages &bef
     m_stack.push(new TurnStep(*this, text, operation, before));
 }
 
+void UndoHistory::presetEdited(const std::shared_ptr<WPreset> &preset, FieldId field,
+                               const FieldValue &before, const FieldValue &now)
+{
+    if (!m_presetPause.isActive())
+        ++m_presetRun;
+    m_presetPause.start();
+    m_stack.push(new PresetStep(*this, preset, field, before, now));
+}
+
 /// Unless the user sees one of them already.
 void UndoHistory::show(const ImageList &images)
 {
@@ -292,6 +367,7 @@ void UndoHistory::show(const ImageList &images)
 void UndoHistory::undo()
 {
     ++m_keyRun;
+    m_presetPause.stop();
     // A step that did nothing has left the stack.
     for (int count = 0; canUndo() && count != m_stack.count();) {
         count = m_stack.count();
@@ -302,6 +378,7 @@ void UndoHistory::undo()
 void UndoHistory::redo()
 {
     ++m_keyRun;
+    m_presetPause.stop();
     for (int count = 0; canRedo() && count != m_stack.count();) {
         count = m_stack.count();
         m_stack.redo();

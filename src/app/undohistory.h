@@ -7,6 +7,7 @@
 #include "app/imageset.h"
 #include "app/manualpositions.h"
 
+#include <QTimer>
 #include <QUndoStack>
 
 namespace plexa
@@ -16,8 +17,9 @@ class ImageGathering;
 class PresetsStore;
 
 /// The changes of the main window that can be undone: removed photos and their order, the applied presets,
-/// rotations, and places of watermarks. It records what the models report as edits of the user; a step that
-/// changes nothing any more, because its photos or presets are gone, is passed over. Main thread.
+/// rotations, places of watermarks, and fields of presets. It records what the models report as edits of the
+/// user; a step that changes nothing any more, because its photos or presets are gone, is passed over. Main
+/// thread.
 class UndoHistory final : public QObject
 {
     Q_OBJECT
@@ -49,6 +51,11 @@ public:
     void undo();
     void redo();
 
+    /// The user has changed a field of a watermark preset in an editor. Changes of one field without a pause,
+    /// as by a slider, are one step.
+    void presetEdited(const std::shared_ptr<WPreset> &preset, FieldId field, const FieldValue &before,
+                      const FieldValue &now);
+
 Q_SIGNALS:
     /// Other steps can be undone or redone.
     void changed();
@@ -62,6 +69,7 @@ private:
     class AppliedStep;
     class PlacesStep;
     class TurnStep;
+    class PresetStep;
 
     bool isBusy() const { return m_models.turns.isRunning() || m_models.positions.isPasting(); }
     void connectEdits();
@@ -71,6 +79,8 @@ private:
 
     const Models m_models;
     int m_keyRun = 0; // a movement with the keyboard ends when something is undone
+    int m_presetRun = 0;
+    QTimer m_presetPause; // since the last change of a preset
     // Of the rotation that is being undone or redone: its step may be discarded meanwhile.
     std::shared_ptr<TurnedImages> m_turning;
     QUndoStack m_stack{this};

@@ -34,6 +34,8 @@ public:
     using Values = std::decay_t<decltype(std::declval<Preset>().values())>;
     using Show = std::function<void(const FieldValue &)>;
     using Rule = std::function<bool(const Values &)>;
+    using Edited = std::function<void(const std::shared_ptr<Preset> &preset, Field field,
+                                      const FieldValue &before, const FieldValue &now)>;
 
     /// The preset that is edited; null: none, and the controls keep what they show.
     const std::shared_ptr<Preset> &preset() const { return m_preset; }
@@ -61,6 +63,9 @@ public:
     /// made to show a value.
     void write(Field field, const FieldValue &value);
 
+    /// Called after each change by the user.
+    void setEdited(const Edited &edited) { m_edited = edited; }
+
 private:
     struct Binding {
         Field field;
@@ -85,6 +90,7 @@ private:
     std::shared_ptr<Preset> m_preset;
     std::vector<Binding> m_bindings;
     std::vector<Condition> m_conditions;
+    Edited m_edited;
     bool m_isShowing = false;
     QObject m_context; // of all connections; destroyed first
 };
@@ -148,8 +154,13 @@ void BinderOf<Preset, Field>::showConditions()
 template<class Preset, class Field>
 void BinderOf<Preset, Field>::write(Field field, const FieldValue &value)
 {
-    if (m_preset && !m_isShowing)
-        m_preset->setValue(field, value);
+    if (!m_preset || m_isShowing)
+        return;
+    const std::shared_ptr<Preset> preset = m_preset; // a listener may show another one
+    const FieldValue before = preset->value(field);
+    preset->setValue(field, value);
+    if (m_edited && preset->value(field) != before)
+        m_edited(preset, field, before, preset->value(field));
 }
 
 template<class Preset, class Field>

@@ -77,6 +77,8 @@ WPresetViewController::WPresetViewController(const EditorServices &services, Sav
     layout->addStretch();
     setWidget(content);
     m_binder.bind(FieldId::Type, [this](const FieldValue &) { updateTypeSubview(); });
+    m_binder.setEdited([this](const std::shared_ptr<WPreset> &preset, FieldId field, const FieldValue &before,
+                              const FieldValue &now) { Q_EMIT edited(preset, field, before, now); });
     widget()->setEnabled(false);
     updateTypeSubview();
 }

@@ -35,6 +35,11 @@ public:
 
     QSize minimumSizeHint() const override;
 
+Q_SIGNALS:
+    /// The user has changed a field.
+    void edited(const std::shared_ptr<plexa::WPreset> &preset, plexa::FieldId field,
+                const plexa::FieldValue &before, const plexa::FieldValue &now);
+
 private:
     QWidget *makeType();
     QWidget *makeSizeAndPosition();

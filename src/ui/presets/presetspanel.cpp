@@ -108,6 +108,7 @@ WPresetViewController *PresetsPanel::makeEditor(UserDefaults &defaults, const QS
     auto *const editor = new WPresetViewController(
         {m_controller.presetsStore(), m_controller.photoServices().fonts, defaults}, Row::Shown);
     editor->setObjectName(name);
+    connect(editor, &WPresetViewController::edited, &m_controller.undoHistory(), &UndoHistory::presetEdited);
     editor->textEditor().tokenField().setValueOnPhoto(
         [&set = m_controller.imageSet()](const QString &token) -> std::optional<QString> {
             const std::shared_ptr<ImageObject> image = set.shownImage();

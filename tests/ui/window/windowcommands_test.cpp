@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "ui/editors/wpresetviewcontroller.h"
 #include "ui/preview/imageviewwithwatermarkcontrol.h"
 #include "ui/shownwindow.h"
 
@@ -7,6 +8,7 @@
 #include <QElapsedTimer>
 #include <QLineEdit>
 #include <QScrollBar>
+#include <QSlider>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -50,6 +52,42 @@ private Q_SLOTS:
         press(Qt::Key_Up);
         QCOMPARE(names(applied.wPresetsApplied()), u"two one"_qs);
         QCOMPARE(shownNames(f.set), u"a b c"_qs);
+    }
+
+    /// One step for a slider that moves, in the editor of the watermark that is drawn.
+    void undoesEditsOfWatermarks()
+    {
+        ShownWindow f;
+        QVERIFY(f.active);
+        f.addPhotos(words("a.png"));
+        AppliedPresets &applied = f.controller.appliedPresets();
+        applied.modeDidChange(AppliedPresets::Mode::Single);
+        const std::shared_ptr<WPreset> quick = applied.quickWPreset();
+        auto &editor = f.find<WPresetViewController>("quickWPresetEditor");
+        auto &slider = *editor.findChild<QSlider *>(u"opacitySlider"_qs);
+        auto &shadow = *editor.findChild<QAbstractButton *>(u"shadowCheckBox"_qs);
+        slider.setFocus();
+        for (int i = 0; i < 5; ++i)
+            QTest::keyClick(&slider, Qt::Key_Left);
+        QTest::keyClick(&shadow, Qt::Key_Space);
+        QVERIFY(quick->opacity() == 95 && quick->shadow());
+        const auto press = [&](Qt::KeyboardModifiers modifiers) {
+            QCoreApplication::processEvents(); // updates the commands
+            slider.setFocus();
+            QTest::keyClick(&slider, Qt::Key_Z, modifiers);
+        };
+        press(Qt::ControlModifier);
+        QVERIFY(quick->opacity() == 95 && !quick->shadow() && !shadow.isChecked());
+        applied.modeDidChange(AppliedPresets::Mode::Presets);
+        f.controller.undoHistory().undo(); // shows what it changes
+        QVERIFY(quick->opacity() == 100 && slider.value() == 100 && applied.isInSingleMode());
+        press(Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(quick->opacity(), 95);
+        // Another watermark, or a value from elsewhere, is left alone.
+        quick->setOpacity(50);
+        press(Qt::ControlModifier);
+        QCOMPARE(quick->opacity(), 50);
+        QVERIFY(!f.controller.undoHistory().canUndo());
     }
 
     void undoes()
