@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 
 # Uses the program in a real window on an X server of its own: photos from the command line and from a second
-# start, keys, closing and reopening the window, quitting, stored settings.
+# start, keys, saving, closing and reopening the window, quitting, stored settings.
 # Usage: window_test.sh PLEXA FOLDER-WITH-SAMPLE-PHOTOS
 set -euo pipefail
 
@@ -29,6 +29,7 @@ if [[ ${1-} != --inside ]]; then
     export XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data XDG_CACHE_HOME=$work/cache
     export XDG_RUNTIME_DIR=$work/run
     mkdir -m 700 "$work/run"
+    export HOME=$work/home # copies go into its folder of pictures
     # A bus that starts no services, and a substitute for xdg-open, which opens folders without a file manager.
     cat >"$work/bus.conf" <<'CONFIG'
 <busconfig>
@@ -129,6 +130,18 @@ xdotool key ctrl+shift+e
 wait_until 'the file manager was not asked for the photos' grep -qF "\"file://$samples/still-life.jpg\"" "$work/calls.txt"
 wait_until 'their folder was not opened instead' grep -q "$samples" "$work/opened.txt"
 kill "$monitor"
+
+# The panel for saving: Enter saves.
+find_panel() { panel=$(xdotool search --onlyvisible --name '^Save Watermarked Copies' | tail -n 1) && [[ -n $panel ]]; }
+xdotool key ctrl+s
+wait_until 'the panel for saving was not shown' find_panel
+xdotool windowfocus --sync "$panel" key Return
+copies=$HOME/Pictures/Plexa
+wait_until 'the photos were not saved' test -s "$copies/still-life-Quick Preset_480x720.jpg"
+convert-im6.q16 "$samples/apple.png" -background white -flatten "$work/apple.png"
+marked=$(compare-im6.q16 -metric AE -fuzz 10% "$work/apple.png" "$copies"/apple-*.jpg null: 2>&1 || true)
+((${marked%%.*} > 300)) || fail "the copy has no watermark ($marked)"
+xdotool windowfocus --sync "$window"
 xdotool key slash
 xdotool type apple
 picture filtered
