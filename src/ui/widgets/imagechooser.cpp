@@ -59,6 +59,7 @@ void chooseImages(ChooserKind kind, QWidget *window, std::function<void(const QS
                                                   ? translated(QT_TRANSLATE_NOOP("ImageChooser", "Choose"))
                                                   : translated(QT_TRANSLATE_NOOP("ImageChooser", "Add")));
     dialog->setOption(QFileDialog::HideNameFilterDetails);
+    dialog->setOption(QFileDialog::ReadOnly); // else Delete removes originals
     if (QFileInfo(lastFolder).isDir())
         dialog->setDirectory(lastFolder);
     QObject::connect(dialog, &QDialog::accepted, dialog, [dialog, chosen = std::move(chosen)] {
