@@ -82,10 +82,11 @@ using WriterBytesFunction = qint64(const RowFormat &format, const WriteOptions &
 /// What is drawn on a picture that is copied within its format. Pixels of the upright picture, origin at its
 /// top left.
 struct Retouch {
-    int orientation = 1;  ///< 1..8 as in raster/orientation.h: how the stored picture becomes upright
-    QList<QRect> covered; ///< the parts that draw() may change
-    std::function<void(QImage &part, QPoint at)> draw; ///< draws on a part, Format_RGB32; `at`: its corner
-    CancelCheck isCanceled;
+    int orientation = 1;       ///< 1..8 as in raster/orientation.h: how the stored picture becomes upright
+    QList<QRect> covered = {}; ///< the parts that draw() may change
+    std::function<void(QImage &part, QPoint at)> draw =
+        {}; ///< draws on a part, Format_RGB32; `at`: its corner
+    CancelCheck isCanceled = {};
 };
 
 /// Copies a picture with what is drawn on it, decoding and encoding only the parts that it covers.

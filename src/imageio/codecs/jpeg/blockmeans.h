@@ -23,10 +23,11 @@ public:
     const QImage &rowsOf(const std::array<JBLOCKARRAY, 3> &blocks);
 
 private:
-    float meanAt(const std::array<JBLOCKARRAY, 3> &blocks, size_t component, int x, int y) const;
+    void readMeans(const std::array<JBLOCKARRAY, 3> &blocks, size_t component, int y);
 
     const JpegSampling m_sampling;
     std::array<float, 3> m_steps = {};
+    std::array<std::vector<float>, 3> m_means; ///< of one row
     QImage m_rows;
 };
 

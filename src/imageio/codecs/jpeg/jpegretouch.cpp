@@ -27,7 +27,7 @@ constexpr int kRegionHeight = 128;
 
 /// The largest share of a picture, in percent, whose encoding beside the rest takes less time than decoding
 /// and encoding all of it.
-constexpr qint64 kMostTouched = 30;
+constexpr qint64 kMostTouched = 15;
 
 bool isSrgb(const QByteArray &profile, bool isGray)
 {
@@ -85,15 +85,15 @@ public:
         const JpegStructure::Component factors = m_sampling[size_t(component)];
         const JBLOCKARRAY rows = m_whole.rowsOf(component, m_mcus.top() + row);
         for (int i = 0; i < factors.vertical; ++i)
-            m_rows[size_t(i)] = rows[i] + m_mcus.left() * factors.horizontal;
-        return m_rows.data();
+            m_rows[size_t(component)][size_t(i)] = rows[i] + m_mcus.left() * factors.horizontal;
+        return m_rows[size_t(component)].data();
     }
 
 private:
     UprightCoefficients &m_whole;
     const JpegSampling m_sampling;
     const QRect m_mcus;
-    std::array<JBLOCKROW, 4> m_rows = {};
+    std::array<std::array<JBLOCKROW, 4>, 3> m_rows = {}; ///< of each component
 };
 
 /// A region that was drawn on, encoded again.
@@ -310,14 +310,15 @@ private:
     bool encodeRegion(const QRect &mcus)
     {
         const QRect area = pixelsOf(mcus);
-        QImage drawn = decoded(mcus);
+        const QRect around = pixelsOf(withMargin(mcus, m_count));
+        const QImage before = decoded(withMargin(mcus, m_count));
+        QImage drawn = before.copy(area.translated(-around.topLeft()));
         if (drawn.isNull())
             return false;
-        const QImage before = drawn.copy();
         m_retouch.draw(drawn, area.topLeft());
         m_region = std::make_unique<EncodedRegion>();
         m_region->mcus = mcus;
-        if (!findTouched(before, drawn))
+        if (!findTouched(before, area.topLeft() - around.topLeft(), drawn))
             return false;
         JpegEncoding encoding;
         encoding.sampling = m_sampling;
@@ -333,19 +334,18 @@ private:
                coefficients.readTo(mcus.height() - 1);
     }
 
-    /// The pixels of a region, decoded by way of a small file of its blocks and those around them.
+    /// The pixels of a rectangle of MCUs, decoded by way of a small file of its blocks.
     QImage decoded(const QRect &mcus)
     {
-        const QRect around = withMargin(mcus, m_count);
-        if (!m_source.readTo(around.bottom()))
+        if (!m_source.readTo(mcus.bottom()))
             return {};
-        const QRect area = pixelsOf(around);
+        const QRect area = pixelsOf(mcus);
         JpegEncoding encoding;
         encoding.sampling = m_sampling;
         encoding.tables = m_sourceTables;
         QBuffer file;
         file.open(QIODevice::ReadWrite);
-        PartRows rows(m_source, around);
+        PartRows rows(m_source, mcus);
         const auto encoder = std::make_unique<JpegEncoder>(file, area.size(), encoding);
         if (!encoder->start(rows) || !encoder->finish() || !file.seek(0))
             return {};
@@ -353,25 +353,28 @@ private:
         QImage pixels(area.size(), QImage::Format_RGB32);
         if (!reader || pixels.isNull() || !(*reader)->readRows(pixels, pixels.height()))
             return {};
-        return pixels.copy(pixelsOf(mcus).translated(-area.topLeft()));
+        return pixels;
     }
 
-    /// Finds the MCUs that were drawn on. @return false for a color in a gray picture, which has no place for
-    /// it
-    bool findTouched(const QImage &before, const QImage &after)
+    /// Finds the MCUs that were drawn on.
+    /// @param at  where `after` lies in `before`
+    /// @return false for a color in a gray picture, which has no place for it
+    bool findTouched(const QImage &before, QPoint at, const QImage &after)
     {
         const QSize count = m_region->mcus.size();
         m_region->isTouched.assign(size_t(count.width()) * size_t(count.height()), false);
         for (int y = 0; y < after.height(); ++y) {
-            const auto *old = reinterpret_cast<const QRgb *>(before.constScanLine(y));
+            const auto *old = reinterpret_cast<const QRgb *>(before.constScanLine(at.y() + y)) + at.x();
             const auto *now = reinterpret_cast<const QRgb *>(after.constScanLine(y));
-            const size_t first = size_t(y / m_mcu.height()) * size_t(count.width());
-            for (int x = 0; x < after.width(); ++x) {
-                if (((old[x] ^ now[x]) & RGB_MASK) == 0)
+            for (int column = 0; column < count.width(); ++column) {
+                const int x = column * m_mcu.width();
+                const int width = qMin(m_mcu.width(), after.width() - x);
+                if (std::equal(now + x, now + x + width, old + x))
                     continue;
-                if (isGrayPicture() && !isGray(now[x]))
+                if (isGrayPicture() && !std::all_of(now + x, now + x + width, isGray))
                     return false;
-                m_region->isTouched[first + size_t(x / m_mcu.width())] = true;
+                m_region->isTouched[size_t(y / m_mcu.height()) * size_t(count.width()) + size_t(column)] =
+                    true;
             }
         }
         return true;
