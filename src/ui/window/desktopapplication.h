@@ -33,6 +33,7 @@ public:
     AppController &controller() { return m_controller; }
 
 private:
+    bool mayClose();
     bool mayQuit();
     bool wantsToKeepRunning();
     void quit();
