@@ -274,7 +274,8 @@ private Q_SLOTS:
         QVERIFY(textOf(*report, "savingReportExplanation").endsWith(u"\nb.png"_qs));
         const auto &list = *report->findChild<QPlainTextEdit *>();
         QVERIFY(list.isReadOnly() && list.textInteractionFlags().testFlag(Qt::TextSelectableByMouse));
-        QVERIFY2(list.toPlainText().contains(f.files.folder.path("in/b.png") + u": it cannot be written: file too large"_qs),
+        QVERIFY2(list.toPlainText().contains(f.files.folder.path("in/b.png") +
+                                             u": it cannot be written: file too large"_qs),
                  qPrintable(list.toPlainText()));
 
         QTest::mouseClick(report->findChild<QPushButton *>(u"saveReportButton"_qs), Qt::LeftButton);
