@@ -12,7 +12,7 @@ class QFormLayout;
 namespace plexa
 {
 
-class TokenFieldWithInsertPopup;
+class TokenEditor;
 
 /// The editor of one saving preset: the name of the copies, their format, and what the format has. All
 /// controls write to the preset at once. Main thread.
@@ -38,7 +38,7 @@ private:
 
     SavingPresetBinder m_binder;
     QFormLayout *const m_layout;
-    TokenFieldWithInsertPopup *const m_tokens;
+    TokenEditor *const m_tokens;
 };
 
 } // namespace plexa
