@@ -143,6 +143,13 @@ bool DesktopApplication::mayQuit()
     return true;
 }
 
+void DesktopApplication::terminate()
+{
+    m_alerts.stopAsking();
+    m_controller.batchSave().terminateOperation();
+    quit();
+}
+
 void DesktopApplication::quit()
 {
     if (!m_isQuitting && !mayQuit()) {

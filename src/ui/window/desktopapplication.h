@@ -29,6 +29,9 @@ public:
     /// Shows the window and opens the files.
     void launch(const QStringList &paths);
 
+    /// Quits without a question; copies that were begun are completed.
+    void terminate();
+
     MainWindow &window() { return m_window; }
     AppController &controller() { return m_controller; }
 
