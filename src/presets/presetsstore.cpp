@@ -121,10 +121,10 @@ void PresetsStore::observe(Kind kind, PresetListSignals &list)
 /// Edits are steady while a slider moves, and the picture of a preset may be large.
 void PresetsStore::setQuickWPreset(std::shared_ptr<WPreset> preset)
 {
+    if (m_quickWPreset)
+        m_quickWPreset->disconnect(this);
     m_quickWPreset = std::move(preset);
-    connect(m_quickWPreset.get(), &WPreset::fieldChanged, this, [this, edited = m_quickWPreset.get()] {
-        if (edited != m_quickWPreset.get())
-            return;
+    connect(m_quickWPreset.get(), &WPreset::fieldChanged, this, [this] {
         m_quickWPresetState.isChanged = true;
         m_quickSaveTimer.start();
     });
@@ -444,7 +444,12 @@ void PresetsStore::loadWPreset(const WPreset &preset)
     std::shared_ptr<WPreset> copy = preset.copy();
     copy->setName(kQuickName);
     copy->setAssignedSavingPreset({});
-    setQuickWPreset(std::move(copy));
+    replaceQuickWPreset(copy);
+}
+
+void PresetsStore::replaceQuickWPreset(const std::shared_ptr<WPreset> &preset)
+{
+    setQuickWPreset(preset);
     m_quickWPresetState.isChanged = true;
     m_quickSaveTimer.start();
     Q_EMIT quickWPresetChanged();

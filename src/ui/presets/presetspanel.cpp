@@ -269,8 +269,7 @@ void PresetsPanel::applySelected()
 void PresetsPanel::loadPreset()
 {
     const std::shared_ptr<WPreset> preset = selectedWPresets().front();
-    m_controller.presetsStore().loadWPreset(*preset);
-    m_applied.modeDidChange(AppliedPresets::Mode::Single);
+    m_controller.presetCommands().loadWPreset(preset);
     m_controller.statusManager().notify(tr("The single watermark is now a copy of “%1”").arg(preset->name()));
 }
 
