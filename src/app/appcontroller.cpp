@@ -89,9 +89,7 @@ void AppController::readPresets()
 
 void AppController::rememberPresets()
 {
-    m_services.store.saveWPresets(PresetsStore::Slot::Quick);
-    m_services.store.saveSavingPresets(PresetsStore::Slot::Quick);
-    m_services.store.saveChanges();
+    m_services.store.saveAll();
     m_appliedPresets.rememberAppliedPresets();
 }
 

@@ -9,7 +9,6 @@
 #include "ui/editors/wtextpresetviewcontroller.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/look.h"
-#include "ui/widgets/presetlistmodel.h"
 #include "ui/widgets/presetlistview.h"
 #include "ui/widgets/sectiontitle.h"
 #include "ui/widgets/segmentedswitch.h"
@@ -224,7 +223,9 @@ void PresetsPanel::connectLists()
     connect(m_allTable, &PresetListView::selectedRowsChanged, &m_actions, &CommandActions::scheduleUpdate);
     for (const auto &[table, model] : {std::pair(m_appliedTable, m_appliedModel), {m_allTable, m_allModel}})
         connect(table, &QAbstractItemView::doubleClicked, this,
-                [this, model = model](const QModelIndex &index) { doubleMouseClick(index, *model); });
+                [this, table = table, model = model](const QModelIndex &index) {
+                    doubleMouseClick(model->presets()[static_cast<std::size_t>(table->rowOf(index))]);
+                });
 }
 
 void PresetsPanel::connectCommands()
@@ -309,9 +310,8 @@ void PresetsPanel::showApplied()
         m_appliedTable->scrollToBottom(); // show the added presets
 }
 
-void PresetsPanel::doubleMouseClick(const QModelIndex &index, const PresetListModel &model)
+void PresetsPanel::doubleMouseClick(const std::shared_ptr<WPreset> &preset)
 {
-    const std::shared_ptr<WPreset> &preset = model.presets()[static_cast<std::size_t>(index.row())];
     const WPresetList &all = m_allModel->presets();
     const auto found = std::find(all.begin(), all.end(), preset);
     if (found != all.end())

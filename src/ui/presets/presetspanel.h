@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/indexlist.h"
+#include "ui/widgets/presetlistmodel.h"
 #include "watermark/wpreset.h"
 
 #include <QWidget>
@@ -16,7 +17,6 @@ namespace plexa
 class AppController;
 class AppliedPresets;
 class CommandActions;
-class PresetListModel;
 class PresetListView;
 class SegmentedSwitch;
 class UserDefaults;
@@ -51,7 +51,7 @@ private:
     void showMode();
     void showApplied();
     void edit(const WPresetList &selected);
-    void doubleMouseClick(const QModelIndex &index, const PresetListModel &model);
+    void doubleMouseClick(const std::shared_ptr<WPreset> &preset);
 
     AppController &m_controller;
     AppliedPresets &m_applied;

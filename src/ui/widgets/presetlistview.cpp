@@ -9,6 +9,7 @@
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
+#include <QSortFilterProxyModel>
 #include <QStyleOptionFocusRect>
 #include <QStyledItemDelegate>
 
@@ -48,11 +49,14 @@ constexpr QPoint kDragImageOffset(14, 10); // beside the pointer, so that the dr
 
 } // namespace
 
-PresetListView::PresetListView(PresetListModel &model, QWidget *parent)
+PresetListView::PresetListView(PresetRowsModel &model, QWidget *parent)
     : QListView(parent)
     , m_model(model)
+    , m_shown(new QSortFilterProxyModel(this))
 {
-    setModel(&model);
+    m_shown->setSourceModel(&model);
+    m_shown->setFilterCaseSensitivity(Qt::CaseInsensitive);
+    setModel(m_shown);
     setSelectionMode(ExtendedSelection);
     setEditTriggers(NoEditTriggers);
     setItemDelegate(new RowDelegate(this));
@@ -70,11 +74,21 @@ void PresetListView::setAllowsReordering()
     setDropIndicatorShown(true);
 }
 
+void PresetListView::setSearchText(const QString &text)
+{
+    m_shown->setFilterFixedString(text);
+}
+
+int PresetListView::rowOf(const QModelIndex &index) const
+{
+    return m_shown->mapToSource(index).row();
+}
+
 IndexList PresetListView::selectedRows() const
 {
     IndexList rows;
     for (const QModelIndex &index : selectionModel()->selectedRows())
-        rows.append(index.row());
+        rows.append(rowOf(index));
     std::sort(rows.begin(), rows.end());
     return rows;
 }
@@ -84,17 +98,22 @@ void PresetListView::selectRows(const IndexList &rows)
     if (rows == selectedRows())
         return;
     QItemSelection selection;
-    for (const int row : rows)
-        selection.select(m_model.index(row), m_model.index(row));
+    QModelIndex first;
+    for (const int row : rows) {
+        const QModelIndex index = m_shown->mapFromSource(m_model.index(row));
+        selection.select(index, index);
+        if (!first.isValid())
+            first = index;
+    }
     selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
-    if (!rows.isEmpty())
-        selectionModel()->setCurrentIndex(m_model.index(rows.first()), QItemSelectionModel::NoUpdate);
+    if (first.isValid())
+        selectionModel()->setCurrentIndex(first, QItemSelectionModel::NoUpdate);
 }
 
 void PresetListView::paintEvent(QPaintEvent *event)
 {
     QListView::paintEvent(event);
-    if (m_model.rowCount() > 0)
+    if (m_shown->rowCount() > 0)
         return;
     QPainter painter(viewport());
     if (hasFocus()) { // no row can show it
@@ -104,7 +123,7 @@ void PresetListView::paintEvent(QPaintEvent *event)
     }
     painter.setPen(palette().color(QPalette::PlaceholderText));
     painter.drawText(viewport()->rect().adjusted(12, 8, -12, -8), Qt::AlignCenter | Qt::TextWordWrap,
-                     m_emptyHint);
+                     m_model.rowCount() > 0 ? tr("No name contains the text") : m_emptyHint);
 }
 
 bool PresetListView::event(QEvent *event)
@@ -162,7 +181,7 @@ void PresetListView::startDrag(Qt::DropActions actions)
     if (rows.isEmpty())
         return;
     auto *const drag = new QDrag(this); // deletes itself
-    drag->setMimeData(m_model.mimeData(selectionModel()->selectedRows()));
+    drag->setMimeData(m_shown->mimeData(selectionModel()->selectedRows()));
     drag->setPixmap(dragImage(rows));
     drag->setHotSpot(-kDragImageOffset);
     drag->exec(actions, Qt::MoveAction);
@@ -172,7 +191,7 @@ void PresetListView::dropEvent(QDropEvent *event)
 {
     // Only this list's own rows can be reordered.
     const IndexList rows =
-        event->source() == this ? PresetListModel::draggedRows(event->mimeData()) : IndexList();
+        event->source() == this ? PresetRowsModel::draggedRows(event->mimeData()) : IndexList();
     setState(NoState);
     viewport()->update();
     if (rows.isEmpty()) {
@@ -183,7 +202,7 @@ void PresetListView::dropEvent(QDropEvent *event)
     const QModelIndex index = indexAt(at);
     int toRow = m_model.rowCount();
     if (index.isValid())
-        toRow = at.y() < visualRect(index).center().y() ? index.row() : index.row() + 1;
+        toRow = rowOf(index) + (at.y() < visualRect(index).center().y() ? 0 : 1);
     // The receiver of rowsDropped() moves them, so the drag must not remove any row.
     event->setDropAction(Qt::IgnoreAction);
     event->accept();

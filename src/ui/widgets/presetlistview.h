@@ -6,19 +6,22 @@
 
 #include <QListView>
 
+class QSortFilterProxyModel;
+
 namespace plexa
 {
 
-class PresetListModel;
+class PresetRowsModel;
 
-/// A list of presets with multiple selection. Rows can be reordered by dragging where that is allowed.
+/// A list of presets with multiple selection and a search. Rows can be reordered by dragging where that is
+/// allowed. All rows are those of the model, whether the search shows them or not.
 class PresetListView final : public QListView
 {
     Q_OBJECT
 
 public:
     /// @param model  outlives the view
-    explicit PresetListView(PresetListModel &model, QWidget *parent = nullptr);
+    explicit PresetListView(PresetRowsModel &model, QWidget *parent = nullptr);
 
     /// Allows rows to be dragged within this list.
     void setAllowsReordering();
@@ -26,6 +29,12 @@ public:
     /// Shown while the list is empty.
     void setEmptyHint(const QString &hint) { m_emptyHint = hint; }
 
+    /// Shows only the presets whose names contain the text, in letters of either case; empty: all. Presets
+    /// that are not shown are not selected.
+    void setSearchText(const QString &text);
+
+    /// The row of an item of the view.
+    int rowOf(const QModelIndex &index) const;
     /// Ascending.
     IndexList selectedRows() const;
     /// Selects exactly these and scrolls to the first.
@@ -48,7 +57,8 @@ protected:
 private:
     QPixmap dragImage(const IndexList &rows) const;
 
-    PresetListModel &m_model;
+    PresetRowsModel &m_model;
+    QSortFilterProxyModel *const m_shown;
     QString m_emptyHint;
 };
 

@@ -178,7 +178,7 @@ private Q_SLOTS:
         PresetListView &applied = f.appliedTable;
         auto &model = *applied.model();
         const std::unique_ptr<QMimeData> rows(model.mimeData({model.index(1, 0), model.index(2, 0)}));
-        QCOMPARE(PresetListModel::draggedRows(rows.get()), IndexList({1, 2}));
+        QCOMPARE(PresetRowsModel::draggedRows(rows.get()), IndexList({1, 2}));
         QCOMPARE(model.flags(model.index(0, 0)).testFlag(Qt::ItemIsDropEnabled), false); // only between rows
 
         // A drag from elsewhere, even of another list of presets, moves nothing.
@@ -189,7 +189,7 @@ private Q_SLOTS:
 
         QMimeData broken;
         broken.setData(u"draggedPrests"_qs, QByteArray("\x7f\xff\xff\xff\x00", 5));
-        QCOMPARE(PresetListModel::draggedRows(&broken), IndexList());
+        QCOMPARE(PresetRowsModel::draggedRows(&broken), IndexList());
 
         // Two rows by the pointer below the last one.
         applied.selectRows({1, 2});
