@@ -2,6 +2,7 @@
 
 #include "app/presetcommands.h"
 
+#include "app/appliedpresets.h"
 #include "app/statusmanager.h"
 #include "platform/alerts.h"
 #include "platform/filenames.h"
@@ -10,6 +11,7 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
 #include <new>
 #include <optional>
 #include <utility>
@@ -122,9 +124,98 @@ void PresetCommands::add(const QString &path, const PresetsFileReading &reading)
            tr("Presets imported"), QStringList(added.arg(QFileInfo(path).fileName())) + imported->notes);
 }
 
-void PresetCommands::saveQuickAsWPreset()
+bool PresetCommands::hasWPreset(const std::shared_ptr<WPreset> &preset) const
 {
-    m_services.store.saveQuickAsWPreset();
+    const WPresetList &all = m_services.store.wPresets();
+    return preset && std::find(all.begin(), all.end(), preset) != all.end();
+}
+
+std::shared_ptr<WPreset> PresetCommands::loadedWPreset() const
+{
+    std::shared_ptr<WPreset> loaded = m_loadedWPreset.lock();
+    return hasWPreset(loaded) ? loaded : nullptr;
+}
+
+void PresetCommands::setLoaded(const std::shared_ptr<WPreset> &preset)
+{
+    m_loadedWPreset = preset;
+    Q_EMIT loadedWPresetChanged();
+}
+
+std::shared_ptr<WPreset> PresetCommands::saveQuickAsWPreset()
+{
+    PresetsStore &store = m_services.store;
+    store.saveQuickAsWPreset();
+    const std::shared_ptr<WPreset> saved = store.wPresets().back();
+    const std::shared_ptr<WPreset> before = loadedWPreset();
+    setLoaded(saved);
+    saveWPresets();
+    Q_EMIT edited(
+        tr("Save as New Preset"),
+        [this, saved, before] {
+            if (!hasWPreset(saved))
+                return false;
+            const WPresetList &all = m_services.store.wPresets();
+            const auto row = static_cast<int>(std::find(all.begin(), all.end(), saved) - all.begin());
+            m_services.store.wPresetList().remove({row});
+            setLoaded(before);
+            return true;
+        },
+        [this, saved] {
+            m_services.store.wPresetList().append({saved});
+            setLoaded(saved);
+            return true;
+        });
+    return saved;
+}
+
+void PresetCommands::loadWPreset(const std::shared_ptr<WPreset> &preset)
+{
+    PresetsStore &store = m_services.store;
+    const std::shared_ptr<WPreset> before = store.quickWPreset();
+    const std::shared_ptr<WPreset> loadedBefore = loadedWPreset();
+    store.loadWPreset(*preset);
+    const std::shared_ptr<WPreset> now = store.quickWPreset();
+    const auto use = [this](const std::shared_ptr<WPreset> &quick, const std::shared_ptr<WPreset> &loaded) {
+        if (m_services.store.quickWPreset() != quick)
+            m_services.store.replaceQuickWPreset(quick);
+        setLoaded(loaded);
+        m_services.applied.modeDidChange(AppliedPresets::Mode::Single);
+        return true;
+    };
+    use(now, preset);
+    Q_EMIT edited(
+        tr("Load Preset"), [use, before, loadedBefore] { return use(before, loadedBefore); },
+        [use, now, preset] { return use(now, preset); });
+}
+
+void PresetCommands::updateLoadedWPreset()
+{
+    const std::shared_ptr<WPreset> preset = loadedWPreset();
+    if (!preset)
+        return;
+    const WPresetValues before = preset->values();
+    WPresetValues now = m_services.store.quickWPreset()->values();
+    now.name = before.name;
+    if (!now.assignedSavingPreset)
+        now.assignedSavingPreset = before.assignedSavingPreset;
+    if (now == before)
+        return;
+    preset->setValues(now);
+    saveWPresets();
+    const auto exchange = [this, preset](const WPresetValues &expected, const WPresetValues &wanted) {
+        if (!hasWPreset(preset) || preset->values() != expected)
+            return false;
+        preset->setValues(wanted);
+        return true;
+    };
+    Q_EMIT edited(
+        tr("Update Preset"), [exchange, before, now] { return exchange(now, before); },
+        [exchange, before, now] { return exchange(before, now); });
+}
+
+void PresetCommands::saveWPresets()
+{
     if (const Result<void> saved = m_services.store.saveWPresets(PresetsStore::Slot::List); !saved)
         reportUnsaved(saved.error());
 }

@@ -77,7 +77,8 @@ std::vector<CommandRow> makeTable()
         {RemoveAppliedPresets, M::Watermark, false, "removeAppliedPresets", TEXT("&Remove Selected Presets"), TEXT("Stop drawing the selected presets"), "", "list-remove", {N::AppliedSelection}},
         {ClearAppliedPresets, M::Watermark, false, "clearAppliedPresets", TEXT("&Clear Applied Presets"), TEXT("Stop drawing all presets"), "", "list-clear", {N::AppliedPreset}},
         {SaveQuickPreset, M::Watermark, true, "saveQuickPreset", TEXT("Sav&e as New Preset"), TEXT("Keep the single watermark as a preset"), "", ""},
-        {LoadPreset, M::Watermark, false, "loadPreset", TEXT("&Load into Single Watermark"), TEXT("Edit a copy of the selected preset as the single watermark"), "", "", {N::OneSelectedPreset}},
+        {UpdatePreset, M::Watermark, false, "updatePreset", TEXT("Upda&te Loaded Preset"), TEXT("Give the preset that was loaded last the settings of the single watermark"), "", "", {N::LoadedPreset}},
+        {LoadPreset, M::Watermark, false, "loadPreset", TEXT("&Load into Single Watermark"), TEXT("Edit a copy of the selected preset as the single watermark"), "", "load-preset", {N::OneSelectedPreset}},
 
         {Minimize, M::Window, false, "minimize", TEXT("&Minimize"), TEXT("Minimize this window"), "Ctrl+M", "", {}, false, true},
         {ToggleFullScreen, M::Window, false, "toggleFullScreen", TEXT("&Full Screen"), TEXT("Fill the screen with this window"), "F11", "", {}, false, true},

@@ -120,7 +120,13 @@ private Q_SLOTS:
         QCoreApplication::sendEvent(applied.viewport(), &rightClick);
         QCOMPARE(commands, 5);
 
-        // A double click finds the preset among all, and opens their manager.
+        // A double click applies.
+        Panel::mouse(all, 2, true);
+        QCOMPARE(f.appliedNames(), u"Four Three"_qs);
+        Panel::mouse(applied, 1, false);
+        QTest::keyClick(&applied, Qt::Key_Delete);
+
+        // One on an applied preset finds it among all, and opens their manager.
         int opened = 0;
         f.window.actions().setHandler(ActionId::ToggleWatermarkPresets, [&] { ++opened; });
         f.mouse(applied, 0, true);
@@ -151,7 +157,8 @@ private Q_SLOTS:
         QVERIFY(f.applied.isInSingleMode()); // the photos keep their watermark
         f.applied.modeDidChange(AppliedPresets::Mode::Presets);
         f.window.actions().setHandler(ActionId::ToggleWatermarkPresets, {});
-        Panel::mouse(f.allTable, 2, true);
+        f.applied.addWPresetsToApplied(f.presets);
+        Panel::mouse(f.appliedTable, 0, true);
         QVERIFY(hint.text().contains(u"does not have this command"));
     }
 
