@@ -53,7 +53,7 @@ answer_first_close() { # KEY...
 
 stores() { grep -qx "$1" "$settings"; }
 
-start_program
+start_program --
 wait_for_window 'at start'
 picture empty
 
@@ -112,7 +112,7 @@ stores 'imageListIsInBrowserMode=false' || fail 'the batch mode was not stored'
 
 # The first close can also quit.
 sed -i '/^hasExplainedClosing=/d' "$settings"
-start_program
+start_program --
 wait_for_window 'the second time'
 answer_first_close Tab Return
 wait_until 'the first close did not quit' has_ended

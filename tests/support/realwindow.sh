@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 
-# For tests of the program in a real window. They set $work, a folder of their own, and $plexa.
+# For tests of the program in a real window. They set $work, a folder of their own, and $plexa; $home, if the
+# copies have to be elsewhere.
 program=''
 
 # Starts an X server and sets the environment of the program: private folders, no session bus.
@@ -18,7 +19,7 @@ start_display() { # SIZE
     export XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data XDG_CACHE_HOME=$work/cache
     export XDG_RUNTIME_DIR=$work/run
     mkdir -m 700 "$work/run"
-    export HOME=$work/home # copies go into its folder of pictures
+    export HOME=${home:-$work/home} # copies go into its folder of pictures
     unset DBUS_SESSION_BUS_ADDRESS
 }
 
