@@ -30,7 +30,8 @@ public:
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
         const QSize size = QStyledItemDelegate::sizeHint(option, index);
-        return {size.width(), option.fontMetrics.height() + 8};
+        const int picture = index.data(Qt::DecorationRole).isNull() ? 0 : option.decorationSize.height();
+        return {size.width(), std::max(option.fontMetrics.height(), picture) + 8};
     }
 
 protected:
