@@ -4,9 +4,7 @@
 
 #include "app/appcontroller.h"
 #include "presets/presetsstore.h"
-#include "ui/editors/tokenfieldwithinsertpopup.h"
-#include "ui/editors/wpresetviewcontroller.h"
-#include "ui/editors/wtextpresetviewcontroller.h"
+#include "ui/presets/wpreseteditor.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/look.h"
 #include "ui/widgets/presetlistview.h"
@@ -103,16 +101,9 @@ SegmentedSwitch *PresetsPanel::makeModeSelector()
 
 WPresetViewController *PresetsPanel::makeEditor(UserDefaults &defaults, const QString &name)
 {
-    using Row = WPresetViewController::SavingPresetRow;
-    auto *const editor = new WPresetViewController(
-        {m_controller.presetsStore(), m_controller.photoServices().fonts, defaults}, Row::Shown);
+    WPresetViewController *const editor = makeWPresetEditor(m_controller, defaults);
     editor->setObjectName(name);
     connect(editor, &WPresetViewController::edited, &m_controller.undoHistory(), &UndoHistory::presetEdited);
-    editor->textEditor().tokenField().setValueOnPhoto(
-        [&set = m_controller.imageSet()](const QString &token) -> std::optional<QString> {
-            const std::shared_ptr<ImageObject> image = set.shownImage();
-            return image ? image->facts().stringForInfoToken(token) : std::nullopt;
-        });
     return editor;
 }
 
@@ -139,9 +130,9 @@ QWidget *PresetsPanel::makePresetsView()
     };
     setContextMenu(m_appliedTable,
                    {ActionId::MovePresetsUp, ActionId::MovePresetsDown, ActionId::RemoveAppliedPresets,
-                    ActionId::ClearAppliedPresets, ActionId::ToggleWatermarkPresets});
+                    ActionId::ClearAppliedPresets, ActionId::ShowWatermarkPresets});
     setContextMenu(m_allTable,
-                   {ActionId::ApplyPresets, ActionId::LoadPreset, ActionId::ToggleWatermarkPresets});
+                   {ActionId::ApplyPresets, ActionId::LoadPreset, ActionId::ShowWatermarkPresets});
 
     auto *const lists = new QWidget;
     auto *const layout = new QVBoxLayout(lists);
@@ -182,7 +173,7 @@ void PresetsPanel::addAllList(QVBoxLayout *layout)
     QHBoxLayout *const buttons = buttonRow();
     buttons->addWidget(makeTextButton(m_actions, ActionId::ApplyPresets, tr("Apply")));
     buttons->addStretch();
-    buttons->addWidget(makeTextButton(m_actions, ActionId::ToggleWatermarkPresets, tr("Manage")));
+    buttons->addWidget(makeTextButton(m_actions, ActionId::ShowWatermarkPresets, tr("Manage Presets…")));
     layout->addLayout(buttons);
 }
 
@@ -292,6 +283,12 @@ WPresetList PresetsPanel::selectedWPresets() const
     return selected;
 }
 
+int PresetsPanel::selectedRow() const
+{
+    const IndexList rows = m_allTable->selectedRows();
+    return rows.size() == 1 ? rows.first() : -1;
+}
+
 void PresetsPanel::showMode()
 {
     const int mode = m_applied.isInSingleMode() ? 0 : 1;
@@ -317,7 +314,7 @@ void PresetsPanel::doubleMouseClick(const std::shared_ptr<WPreset> &preset)
     const auto found = std::find(all.begin(), all.end(), preset);
     if (found != all.end())
         m_allTable->selectRows({static_cast<int>(found - all.begin())});
-    m_actions.run(ActionId::ToggleWatermarkPresets);
+    m_actions.run(ActionId::ShowWatermarkPresets);
 }
 
 } // namespace plexa

@@ -70,6 +70,8 @@ enum class ActionId {
     ClearAppliedPresets,
     SaveQuickPreset,
     LoadPreset,
+    ShowWatermarkPresets,
+    ShowSavingPresets,
 
     Minimize,
     ToggleFullScreen,

@@ -5,14 +5,18 @@
 #include "app/appcontroller.h"
 #include "platform/applicationname.h"
 #include "platform/settings.h"
+#include "presets/presetsstore.h"
 #include "ui/browser/imagebrowserviewcontroller.h"
 #include "ui/browser/imagelistpane.h"
+#include "ui/presets/presetsmanagers.h"
+#include "ui/presets/presetspanel.h"
 #include "ui/saving/savemultiplepanel.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/imagechooser.h"
 #include "ui/window/filemanager.h"
 #include "ui/window/preferencesdialog.h"
 
+#include <QAction>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QWhatsThis>
@@ -86,10 +90,41 @@ void connectPhotos(CommandActions &actions, AppController &controller)
     actions.setHandler(ActionId::PastePositions, [&controller] { controller.pasteManualPositioning(); });
 }
 
-void connectSaving(CommandActions &actions, const MainWindow::Services &services, MainWindow &window)
+PresetsManagers &connectManagers(CommandActions &actions, const MainWindow::Services &services,
+                                 MainWindow &window, const PresetsPanel &presetsPanel)
 {
-    auto *const panel =
-        new SaveMultiplePanel({services.controller, services.defaults, services.alerts}, &window);
+    using Kind = PresetsStore::Kind;
+    auto *const managers = new PresetsManagers(
+        {services.controller, services.defaults, services.alerts, actions}, &window);
+    // With the preset that is selected in the window.
+    actions.setHandler(ActionId::ShowWatermarkPresets, [managers, &presetsPanel] {
+        managers->show(Kind::Watermark, presetsPanel.selectedRow());
+    });
+    actions.setHandler(ActionId::ShowSavingPresets, [managers] { managers->show(Kind::Saving); });
+    for (const auto &[id, kind] : {std::pair(ActionId::ToggleWatermarkPresets, Kind::Watermark),
+                                   {ActionId::ToggleSavingPresets, Kind::Saving}}) {
+        QAction *const action = actions.action(id);
+        action->setCheckable(true);
+        const auto showState = [managers, action, kind = kind] {
+            action->setChecked(managers->isShown(kind));
+        };
+        actions.setHandler(id, [managers, showState, kind = kind] {
+            managers->toggle(kind);
+            showState();
+        });
+        QObject::connect(managers, &PresetsManagers::shownChanged, action, showState);
+    }
+    QObject::connect(&window, &MainWindow::closed, managers, &PresetsManagers::closeAll);
+    return *managers;
+}
+
+void connectSaving(CommandActions &actions, const MainWindow::Services &services, MainWindow &window,
+                   PresetsManagers &managers)
+{
+    auto *const panel = new SaveMultiplePanel(
+        {services.controller, services.defaults, services.alerts,
+         [&managers](int row) { managers.show(PresetsStore::Kind::Saving, row); }},
+        &window);
     QObject::connect(panel, &QDialog::accepted, &window,
                      [&controller = services.controller, panel] { controller.startSaving(panel->photos()); });
     ImageSet &set = services.controller.imageSet();
@@ -128,12 +163,12 @@ void showAbout(MainWindow &window)
 } // namespace
 
 void connectWindowCommands(CommandActions &actions, const MainWindow::Services &services, MainWindow &window,
-                           ImageListPane &imageListPane)
+                           ImageListPane &imageListPane, PresetsPanel &presetsPanel)
 {
     AppController &controller = services.controller;
     connectSelection(actions, controller.imageSet());
     connectPhotos(actions, controller);
-    connectSaving(actions, services, window);
+    connectSaving(actions, services, window, connectManagers(actions, services, window, presetsPanel));
     connectHistory(actions, controller.undoHistory());
 
     const auto add = [&](ActionId id, ChooserKind kind) {
