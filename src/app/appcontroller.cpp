@@ -12,13 +12,12 @@ namespace plexa
 AppController::AppController(const Services &services)
     : m_services(services)
     , m_appliedPresets(services.defaults)
-    , m_presetCommands({services.store, services.alerts, m_status})
+    , m_presetCommands({services.store, m_appliedPresets, services.alerts, m_status})
     , m_wPresetEdits(
-          services.store.wPresetList(),
-          [this](const auto &...step) { m_history.record(step...); }, [this] { return appliedPresetsNow(); })
+          services.store.wPresetList(), [this](const auto &...step) { m_history.record(step...); },
+          [this] { return appliedPresetsNow(); })
     , m_savingPresetEdits(
-          services.store.savingPresetList(),
-          [this](const auto &...step) { m_history.record(step...); },
+          services.store.savingPresetList(), [this](const auto &...step) { m_history.record(step...); },
           [this] { return assignedSavingPresetsNow(); })
     , m_imageSet({services.photos, services.defaults, services.alerts, m_status, services.threads})
     , m_gathering(m_imageSet,
@@ -41,6 +40,7 @@ void AppController::connectChanges()
                 m_imageSet.forgetThumbnail(*image);
             });
     connect(&m_positions, &ManualPositions::pasteFinished, this, &AppController::previewOutdated);
+    connect(&m_presetCommands, &PresetCommands::edited, &m_history, &UndoHistory::record);
     connect(&m_history, &UndoHistory::placesRestored, this, &AppController::previewOutdated);
     connect(&m_appliedPresets, &AppliedPresets::previewOutdated, this, &AppController::previewOutdated);
 
@@ -56,6 +56,9 @@ void AppController::connectChanges()
     connect(&m_positions, &ManualPositions::pasteFinished, this, changed);
     connect(&m_positions, &ManualPositions::edited, this, changed);
     connect(&m_history, &UndoHistory::changed, this, changed);
+    connect(&m_presetCommands, &PresetCommands::loadedWPresetChanged, this, changed);
+    for (const auto signal : {&PresetListSignals::inserted, &PresetListSignals::removed})
+        connect(&m_services.store.wPresetList(), signal, this, changed);
     connect(&m_appliedPresets, &AppliedPresets::appliedChanged, this, changed);
     connect(&m_appliedPresets, &AppliedPresets::selectedRowsChanged, this, changed);
     connect(&m_appliedPresets, &AppliedPresets::modeChanged, this, changed);
@@ -141,6 +144,7 @@ CommandState AppController::commandState() const
     state.canUndo = m_history.canUndo();
     state.canRedo = m_history.canRedo();
     state.hasCopiedPositions = m_positions.hasCopy();
+    state.hasLoadedWPreset = m_presetCommands.loadedWPreset() != nullptr;
     state.hasCurrentWPreset = current != nullptr;
     state.nSelected = m_imageSet.selection().selectedIndexes().size();
     state.nShown = static_cast<qsizetype>(m_imageSet.imagesFiltered()->size());

@@ -52,7 +52,8 @@ public:
     /// All changes of the list by this function are one step; none if it changes nothing.
     void edit(const QString &text, const std::function<void()> &change);
 
-    /// A field of a preset has been edited. Changes of one field without a pause, as by a slider, are one step.
+    /// A field of a preset has been edited. Changes of one field without a pause, as by a slider, are one
+    /// step.
     void fieldEdited(const std::shared_ptr<Preset> &preset, Field field, const FieldValue &before,
                      const FieldValue &now);
     /// Something else was done or undone: the next change of a field is a step of its own.

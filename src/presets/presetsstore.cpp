@@ -116,12 +116,10 @@ void PresetsStore::observe(Kind kind, PresetListSignals &list)
 /// Edits are steady while a slider moves, and the picture of a preset may be large.
 void PresetsStore::setQuickWPreset(std::shared_ptr<WPreset> preset)
 {
+    if (m_quickWPreset)
+        m_quickWPreset->disconnect(this);
     m_quickWPreset = std::move(preset);
-    connect(m_quickWPreset.get(), &WPreset::fieldChanged, this, [this, edited = m_quickWPreset.get()] {
-        if (edited != m_quickWPreset.get())
-            return;
-        quickChanged(Kind::Watermark);
-    });
+    connect(m_quickWPreset.get(), &WPreset::fieldChanged, this, [this] { quickChanged(Kind::Watermark); });
 }
 
 void PresetsStore::observeQuickSavingPreset()
@@ -420,7 +418,12 @@ void PresetsStore::loadWPreset(const WPreset &preset)
     std::shared_ptr<WPreset> copy = preset.copy();
     copy->setName(kQuickName);
     copy->setAssignedSavingPreset({});
-    setQuickWPreset(std::move(copy));
+    replaceQuickWPreset(copy);
+}
+
+void PresetsStore::replaceQuickWPreset(const std::shared_ptr<WPreset> &preset)
+{
+    setQuickWPreset(preset);
     quickChanged(Kind::Watermark);
     Q_EMIT quickWPresetChanged();
 }

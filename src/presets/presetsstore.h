@@ -94,6 +94,8 @@ public:
     void saveQuickAsWPreset();
     /// Makes a copy of a stored preset the quick watermark preset.
     void loadWPreset(const WPreset &preset);
+    /// Makes this object the quick watermark preset; not null.
+    void replaceQuickWPreset(const std::shared_ptr<WPreset> &preset);
 
     /// The first preset in the list with that ID; null when there is none.
     std::shared_ptr<SavingPreset> savingPresetWithID(qint64 presetID) const;

@@ -29,9 +29,8 @@ SavingPresetView::SavingPresetView(QWidget *parent)
     addFormat();
     setEnabled(false);
     m_binder.setEdited([this](const std::shared_ptr<SavingPreset> &preset, SavingField field,
-                              const FieldValue &before, const FieldValue &now) {
-        Q_EMIT edited(preset, field, before, now);
-    });
+                              const FieldValue &before,
+                              const FieldValue &now) { Q_EMIT edited(preset, field, before, now); });
 }
 
 void SavingPresetView::setPreset(const std::shared_ptr<SavingPreset> &preset)

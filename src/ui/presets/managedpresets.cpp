@@ -8,7 +8,6 @@
 #include "ui/editors/savingpresetview.h"
 #include "ui/presets/wpreseteditor.h"
 #include "ui/widgets/presetlistmodel.h"
-#include "ui/widgets/presetlistview.h"
 
 #include <utility>
 
@@ -44,10 +43,10 @@ public:
         , m_editor(editor)
     {
         m_model.follow(edits.list());
-        QObject::connect(
-            editor, &Editor::edited, &m_model,
-            [&edits](const std::shared_ptr<Preset> &preset, Field field, const FieldValue &before,
-                     const FieldValue &now) { edits.fieldEdited(preset, field, before, now); });
+        QObject::connect(editor, &Editor::edited, &m_model,
+                         [&edits](const std::shared_ptr<Preset> &preset, Field field,
+                                  const FieldValue &before,
+                                  const FieldValue &now) { edits.fieldEdited(preset, field, before, now); });
     }
 
     PresetListSignals &list() override { return m_edits.list(); }

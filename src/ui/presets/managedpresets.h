@@ -15,7 +15,6 @@ namespace plexa
 
 class AppController;
 class PresetListSignals;
-class PresetListView;
 class PresetRowsModel;
 class UserDefaults;
 
@@ -29,8 +28,6 @@ public:
     virtual PresetListSignals &list() = 0;
     /// Follows the list.
     virtual PresetRowsModel &model() = 0;
-    /// Shows the presets in a list, with pictures if the kind has them. Once.
-    virtual void prepare(PresetListView &view) = 0;
 
     /// The editor of one preset. The caller places it in a window, which owns it.
     virtual QWidget *editor() = 0;

@@ -260,8 +260,7 @@ void PresetsManagerWindow::connectList()
 void PresetsManagerWindow::restoreGeometryFromSettings()
 {
     resize((isWatermark() ? kFirstSize : kFirstSizeForSaving).boundedTo(screen()->availableSize()));
-    restoreGeometry(
-        QByteArray::fromBase64(m_services.defaults.stringForKey(objectName()).toLatin1()));
+    restoreGeometry(QByteArray::fromBase64(m_services.defaults.stringForKey(objectName()).toLatin1()));
 }
 
 void PresetsManagerWindow::present()

@@ -4,7 +4,9 @@
 
 #include "app/appcontroller.h"
 #include "presets/presetsstore.h"
-#include "ui/presets/wpreseteditor.h"
+#include "ui/editors/tokenfieldwithinsertpopup.h"
+#include "ui/editors/wpresetviewcontroller.h"
+#include "ui/editors/wtextpresetviewcontroller.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/look.h"
 #include "ui/widgets/presetlistview.h"
@@ -101,9 +103,16 @@ SegmentedSwitch *PresetsPanel::makeModeSelector()
 
 WPresetViewController *PresetsPanel::makeEditor(UserDefaults &defaults, const QString &name)
 {
-    WPresetViewController *const editor = makeWPresetEditor(m_controller, defaults);
+    using Row = WPresetViewController::SavingPresetRow;
+    auto *const editor = new WPresetViewController(
+        {m_controller.presetsStore(), m_controller.photoServices().fonts, defaults}, Row::Shown);
     editor->setObjectName(name);
     connect(editor, &WPresetViewController::edited, &m_controller.undoHistory(), &UndoHistory::presetEdited);
+    editor->textEditor().tokenField().setValueOnPhoto(
+        [&set = m_controller.imageSet()](const QString &token) -> std::optional<QString> {
+            const std::shared_ptr<ImageObject> image = set.shownImage();
+            return image ? image->facts().stringForInfoToken(token) : std::nullopt;
+        });
     return editor;
 }
 
@@ -130,9 +139,9 @@ QWidget *PresetsPanel::makePresetsView()
     };
     setContextMenu(m_appliedTable,
                    {ActionId::MovePresetsUp, ActionId::MovePresetsDown, ActionId::RemoveAppliedPresets,
-                    ActionId::ClearAppliedPresets, ActionId::ShowWatermarkPresets});
+                    ActionId::ClearAppliedPresets, ActionId::ToggleWatermarkPresets});
     setContextMenu(m_allTable,
-                   {ActionId::ApplyPresets, ActionId::LoadPreset, ActionId::ShowWatermarkPresets});
+                   {ActionId::ApplyPresets, ActionId::LoadPreset, ActionId::ToggleWatermarkPresets});
 
     auto *const lists = new QWidget;
     auto *const layout = new QVBoxLayout(lists);
@@ -173,7 +182,7 @@ void PresetsPanel::addAllList(QVBoxLayout *layout)
     QHBoxLayout *const buttons = buttonRow();
     buttons->addWidget(makeTextButton(m_actions, ActionId::ApplyPresets, tr("Apply")));
     buttons->addStretch();
-    buttons->addWidget(makeTextButton(m_actions, ActionId::ShowWatermarkPresets, tr("Manage Presets…")));
+    buttons->addWidget(makeTextButton(m_actions, ActionId::ToggleWatermarkPresets, tr("Manage")));
     layout->addLayout(buttons);
 }
 
@@ -261,8 +270,7 @@ void PresetsPanel::applySelected()
 void PresetsPanel::loadPreset()
 {
     const std::shared_ptr<WPreset> preset = selectedWPresets().front();
-    m_controller.presetsStore().loadWPreset(*preset);
-    m_applied.modeDidChange(AppliedPresets::Mode::Single);
+    m_controller.presetCommands().loadWPreset(preset);
     m_controller.statusManager().notify(tr("The single watermark is now a copy of “%1”").arg(preset->name()));
 }
 
@@ -281,12 +289,6 @@ WPresetList PresetsPanel::selectedWPresets() const
     for (const int row : m_allTable->selectedRows())
         selected.push_back(m_allModel->presets()[static_cast<std::size_t>(row)]);
     return selected;
-}
-
-int PresetsPanel::selectedRow() const
-{
-    const IndexList rows = m_allTable->selectedRows();
-    return rows.size() == 1 ? rows.first() : -1;
 }
 
 void PresetsPanel::showMode()
@@ -314,7 +316,7 @@ void PresetsPanel::doubleMouseClick(const std::shared_ptr<WPreset> &preset)
     const auto found = std::find(all.begin(), all.end(), preset);
     if (found != all.end())
         m_allTable->selectRows({static_cast<int>(found - all.begin())});
-    m_actions.run(ActionId::ShowWatermarkPresets);
+    m_actions.run(ActionId::ToggleWatermarkPresets);
 }
 
 } // namespace plexa

@@ -36,8 +36,6 @@ public:
 
     /// The selected presets in the list of all presets, in its order.
     WPresetList selectedWPresets() const;
-    /// The row of the selected one; -1 unless exactly one is selected.
-    int selectedRow() const;
 
 private:
     SegmentedSwitch *makeModeSelector();

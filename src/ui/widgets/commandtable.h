@@ -69,6 +69,7 @@ enum class ActionId {
     RemoveAppliedPresets,
     ClearAppliedPresets,
     SaveQuickPreset,
+    UpdatePreset,
     LoadPreset,
     ShowWatermarkPresets,
     ShowSavingPresets,

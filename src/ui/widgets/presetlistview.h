@@ -49,6 +49,8 @@ Q_SIGNALS:
 
 protected:
     bool event(QEvent *event) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index,
+                                                         const QEvent *event) const override;
     void paintEvent(QPaintEvent *event) override;
     void startDrag(Qt::DropActions actions) override;
     void keyPressEvent(QKeyEvent *event) override;
@@ -60,6 +62,7 @@ private:
     PresetRowsModel &m_model;
     QSortFilterProxyModel *const m_shown;
     QString m_emptyHint;
+    bool m_keepsSelection = false; // when the current row changes
 };
 
 } // namespace plexa

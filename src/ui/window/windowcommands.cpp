@@ -21,6 +21,8 @@
 #include <QMessageBox>
 #include <QWhatsThis>
 
+#include <algorithm>
+
 namespace plexa
 {
 
@@ -94,11 +96,15 @@ PresetsManagers &connectManagers(CommandActions &actions, const MainWindow::Serv
                                  MainWindow &window, const PresetsPanel &presetsPanel)
 {
     using Kind = PresetsStore::Kind;
-    auto *const managers = new PresetsManagers(
-        {services.controller, services.defaults, services.alerts, actions}, &window);
+    auto *const managers =
+        new PresetsManagers({services.controller, services.defaults, services.alerts, actions}, &window);
     // With the preset that is selected in the window.
-    actions.setHandler(ActionId::ShowWatermarkPresets, [managers, &presetsPanel] {
-        managers->show(Kind::Watermark, presetsPanel.selectedRow());
+    actions.setHandler(ActionId::ShowWatermarkPresets, [managers, &presetsPanel,
+                                                        &store = services.controller.presetsStore()] {
+        const WPresetList selected = presetsPanel.selectedWPresets();
+        const WPresetList &all = store.wPresets();
+        const auto row = std::find(all.begin(), all.end(), selected.size() == 1 ? selected.front() : nullptr);
+        managers->show(Kind::Watermark, row == all.end() ? -1 : static_cast<int>(row - all.begin()));
     });
     actions.setHandler(ActionId::ShowSavingPresets, [managers] { managers->show(Kind::Saving); });
     for (const auto &[id, kind] : {std::pair(ActionId::ToggleWatermarkPresets, Kind::Watermark),
@@ -121,10 +127,10 @@ PresetsManagers &connectManagers(CommandActions &actions, const MainWindow::Serv
 void connectSaving(CommandActions &actions, const MainWindow::Services &services, MainWindow &window,
                    PresetsManagers &managers)
 {
-    auto *const panel = new SaveMultiplePanel(
-        {services.controller, services.defaults, services.alerts,
-         [&managers](int row) { managers.show(PresetsStore::Kind::Saving, row); }},
-        &window);
+    auto *const panel =
+        new SaveMultiplePanel({services.controller, services.defaults, services.alerts,
+                               [&managers](int row) { managers.show(PresetsStore::Kind::Saving, row); }},
+                              &window);
     QObject::connect(panel, &QDialog::accepted, &window,
                      [&controller = services.controller, panel] { controller.startSaving(panel->photos()); });
     ImageSet &set = services.controller.imageSet();

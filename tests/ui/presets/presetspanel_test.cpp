@@ -122,7 +122,7 @@ private Q_SLOTS:
 
         // A double click finds the preset among all, and opens their manager.
         int opened = 0;
-        f.window.actions().setHandler(ActionId::ShowWatermarkPresets, [&] { ++opened; });
+        f.window.actions().setHandler(ActionId::ToggleWatermarkPresets, [&] { ++opened; });
         f.mouse(applied, 0, true);
         QCOMPARE(all.selectedRows(), IndexList({3}));
         QCOMPARE(opened, 1);
@@ -150,7 +150,7 @@ private Q_SLOTS:
         QCOMPARE(hint.text(), u"“Saved Quick Preset” was added to all presets"_qs);
         QVERIFY(f.applied.isInSingleMode()); // the photos keep their watermark
         f.applied.modeDidChange(AppliedPresets::Mode::Presets);
-        f.window.actions().setHandler(ActionId::ShowWatermarkPresets, {});
+        f.window.actions().setHandler(ActionId::ToggleWatermarkPresets, {});
         Panel::mouse(f.allTable, 2, true);
         QVERIFY(hint.text().contains(u"does not have this command"));
     }
