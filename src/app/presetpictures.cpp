@@ -8,6 +8,7 @@
 #include <QLinearGradient>
 #include <QPainter>
 
+#include <algorithm>
 #include <chrono>
 #include <new>
 
@@ -22,6 +23,11 @@ constexpr qsizetype kMaxPictures = 300;
 constexpr std::chrono::milliseconds kQuiet(200);
 
 constexpr QSize kPlainPhoto(3000, 2000);
+constexpr QSize kPlainThumbnail(390, 260);
+
+// Of the photo's sides that a picture shows at least.
+constexpr double kLeastShare = 0.35;
+constexpr double kLeastShareOfTiles = 0.6;
 
 QImage plainGround(QSize size)
 {
@@ -32,6 +38,40 @@ QImage plainGround(QSize size)
     sky.setColorAt(1, QColor(0x3d, 0x4a, 0x57));
     painter.fillRect(ground.rect(), sky);
     return ground;
+}
+
+/// The part of a photo that shows its mark large enough, in shares of the photo, origin at the top left. It
+/// has the shape of the photo.
+QRectF partAround(const QRectF &mark, double leastShare)
+{
+    constexpr double kMargin = 1.15;
+    const QRectF whole(0, 0, 1, 1);
+    const QRectF visible = mark.intersected(whole);
+    const double share = std::max({leastShare, kMargin * visible.width(), kMargin * visible.height()});
+    if (visible.isEmpty() || share >= 1)
+        return whole;
+    const QPointF corner = visible.center() - QPointF(share, share) / 2;
+    return {std::clamp(corner.x(), 0.0, 1 - share), std::clamp(corner.y(), 0.0, 1 - share), share, share};
+}
+
+/// The same for a preset.
+/// @param mark   photo pixels, origin at the bottom left
+/// @param least  share below which the thumbnail has not enough pixels
+QRectF shownPart(const std::optional<QRectF> &mark, QSize photo, const WPresetValues &values, double least)
+{
+    if (!mark || photo.isEmpty())
+        return {0, 0, 1, 1};
+    const QRectF shares(mark->x() / photo.width(), 1 - mark->bottom() / photo.height(),
+                        mark->width() / photo.width(), mark->height() / photo.height());
+    const bool isTiled = values.replicateHorizontal || values.replicateVertical;
+    return partAround(shares, std::max(least, isTiled ? kLeastShareOfTiles : kLeastShare));
+}
+
+QRect scaledBy(const QRectF &shares, QSize size)
+{
+    return QRectF(shares.x() * size.width(), shares.y() * size.height(), shares.width() * size.width(),
+                  shares.height() * size.height())
+        .toRect();
 }
 
 } // namespace
@@ -155,21 +195,28 @@ QImage PresetPictures::drawn(const AppliedPreset &preset, ImageObject *photo, QS
     const CancelCheck isCanceled = [this] { return m_job.isCanceled(); };
     try {
         PhotoSnapshot snapshot;
-        QImage picture;
-        if (photo) {
+        if (photo)
             snapshot = photo->thumbnailSnapshot();
-            if (snapshot.pixels.isNull())
-                return {};
-            const QSize size = snapshot.pixels.size().scaled(room, Qt::KeepAspectRatio);
-            const QSize shown = size.boundedTo(snapshot.pixels.size()).expandedTo({1, 1});
-            picture = resampled(snapshot.pixels, shown, Quality::Low, isCanceled).mirrored();
-        } else {
-            snapshot.facts = PhotoFacts({}, ImageMetadata(), kPlainPhoto, kPlainPhoto, m_services.locale);
-            picture = plainGround(kPlainPhoto.scaled(room, Qt::KeepAspectRatio));
-        }
-        ScreenMarks(m_services.fonts)
-            .draw(picture, {}, picture.size(), snapshot.facts,
-                  {{preset.values, snapshot.customOrigins.originFor(preset.preset.get())}}, isCanceled);
+        else
+            snapshot = {PhotoFacts({}, ImageMetadata(), kPlainPhoto, kPlainPhoto, m_services.locale),
+                        {},
+                        plainGround(kPlainThumbnail)};
+        if (snapshot.pixels.isNull())
+            return {};
+        const QSize whole = snapshot.pixels.size();
+        const QSize shown = whole.scaled(room, Qt::KeepAspectRatio).boundedTo(whole).expandedTo({1, 1});
+        const std::vector<MarkOrder> orders{
+            {preset.values, snapshot.customOrigins.originFor(preset.preset.get())}};
+        ScreenMarks marks(m_services.fonts);
+        QImage none;
+        const auto laidOut = marks.draw(none, {}, shown, snapshot.facts, orders, isCanceled);
+        const QRectF part = shownPart(laidOut.firstRect, snapshot.facts.pixelSize(), preset.values,
+                                      double(shown.width()) / whole.width());
+        // The thumbnail is mirrored top to bottom.
+        const QImage thumbnail = snapshot.pixels.mirrored().copy(scaledBy(part, whole));
+        QImage picture = resampled(thumbnail, shown, Quality::Low, isCanceled);
+        const QSize layer = (QSizeF(shown) / part.width()).toSize();
+        marks.draw(picture, scaledBy(part, layer).topLeft(), layer, snapshot.facts, orders, isCanceled);
         return canceled(isCanceled) ? QImage() : picture;
     } catch (const std::bad_alloc &) {
         return {};

@@ -16,9 +16,10 @@
 namespace plexa
 {
 
-/// Small pictures of presets, each as its watermark looks alone on one photo. Draws them in the background,
-/// those that were asked for last first; while presets or photos change, not before a pause. The former
-/// picture stays until the new one is there. Memory is bounded, whatever the number of presets. Main thread.
+/// Small pictures of presets: the watermark of each, alone, and the part of one photo around it. Draws them
+/// in the background, those that were asked for last first; while presets or photos change, not before a
+/// pause. The former picture stays until the new one is there. Memory is bounded, whatever the number of
+/// presets. Main thread.
 class PresetPictures final : public QObject
 {
     Q_OBJECT

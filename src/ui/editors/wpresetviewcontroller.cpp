@@ -62,18 +62,19 @@ WPresetViewController::WPresetViewController(const EditorServices &services, Sav
     layout->setSpacing(4);
     layout->addWidget(makeType());
     m_text = new WTextPresetViewController(m_binder, services);
-    addSection(*layout, tr("Text"), "text", m_text);
+    addSection(*layout, tr("Text"), "text", m_text, false);
     m_textSection = m_text->parentWidget();
     m_image = new WImagePresetViewController(m_binder);
-    addSection(*layout, tr("Picture"), "picture", m_image);
+    addSection(*layout, tr("Picture"), "picture", m_image, false);
     m_imageSection = m_image->parentWidget();
-    addSection(*layout, tr("Size and Position"), "position", makeSizeAndPosition());
-    addSection(*layout, tr("Angle and Tiling"), "angle", makeAngleAndTiling());
-    addSection(*layout, tr("Look"), "look", makeLook());
-    addSection(*layout, tr("Shadow"), "shadow", makeShadow());
-    addSection(*layout, tr("Box"), "box", makeBox());
+    addSection(*layout, tr("Size and Position"), "position", makeSizeAndPosition(), false);
+    // Their titles then fit into a small window.
+    addSection(*layout, tr("Angle and Tiling"), "angle", makeAngleAndTiling(), true);
+    addSection(*layout, tr("Look"), "look", makeLook(), true);
+    addSection(*layout, tr("Shadow"), "shadow", makeShadow(), true);
+    addSection(*layout, tr("Box"), "box", makeBox(), true);
     if (savingPreset == SavingPresetRow::Shown)
-        addSection(*layout, tr("Saving"), "saving", makeSaving());
+        addSection(*layout, tr("Saving"), "saving", makeSaving(), true);
     layout->addStretch();
     setWidget(content);
     m_binder.bind(FieldId::Type, [this](const FieldValue &) { updateTypeSubview(); });
@@ -98,10 +99,10 @@ void WPresetViewController::setPreset(const std::shared_ptr<WPreset> &preset)
 }
 
 void WPresetViewController::addSection(QVBoxLayout &layout, const QString &title, const char *name,
-                                       QWidget *content)
+                                       QWidget *content, bool isFoldedAtFirst)
 {
     const QString key = QStringLiteral("editorSectionFolded.") + QLatin1String(name);
-    layout.addWidget(new FoldingSection(title, key, content, m_services.defaults));
+    layout.addWidget(new FoldingSection(title, {key, isFoldedAtFirst}, content, m_services.defaults));
 }
 
 void WPresetViewController::updateTypeSubview()

@@ -49,7 +49,8 @@ private:
     QWidget *makeShadow();
     QWidget *makeBox();
     QWidget *makeSaving();
-    void addSection(QVBoxLayout &layout, const QString &title, const char *name, QWidget *content);
+    void addSection(QVBoxLayout &layout, const QString &title, const char *name, QWidget *content,
+                    bool isFoldedAtFirst);
     void updateTypeSubview();
     void fillSavingPresets(QComboBox &popUp);
 

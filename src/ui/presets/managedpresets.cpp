@@ -6,9 +6,12 @@
 #include "presets/presetsfilereading.h"
 #include "presets/wpresetarchive.h"
 #include "ui/editors/savingpresetview.h"
+#include "ui/presets/preseticons.h"
 #include "ui/presets/wpreseteditor.h"
 #include "ui/widgets/presetlistmodel.h"
 
+#include <optional>
+#include <type_traits>
 #include <utility>
 
 namespace plexa
@@ -35,9 +38,9 @@ public:
     using Edits = PresetEditsOf<Preset, Field>;
 
     /// @param editor  reports edited fields
-    ManagedPresetsOf(Kind kind, PresetsStore &store, Edits &edits, Editor *editor)
+    ManagedPresetsOf(Kind kind, AppController &controller, Edits &edits, Editor *editor)
         : m_kind(kind)
-        , m_store(store)
+        , m_controller(controller)
         , m_edits(edits)
         , m_model(edits.list())
         , m_editor(editor)
@@ -51,6 +54,11 @@ public:
 
     PresetListSignals &list() override { return m_edits.list(); }
     PresetListModelOf<Preset> &model() override { return m_model; }
+    void showPictures(PresetListView &view) override
+    {
+        if constexpr (std::is_same_v<Preset, WPreset>)
+            m_icons.emplace(m_controller, m_model, view);
+    }
 
     QWidget *editor() override { return m_editor; }
     void edit(int row) override { m_editor->setPreset(row < 0 ? nullptr : at(row)); }
@@ -74,7 +82,8 @@ public:
 
     void importExamples() override
     {
-        m_edits.edit(PresetsStore::tr("Add Examples"), [this] { m_store.importExamplePresets(m_kind); });
+        m_edits.edit(PresetsStore::tr("Add Examples"),
+                     [this] { m_controller.presetsStore().importExamplePresets(m_kind); });
     }
     Result<void> write(const IndexList &rows, const QString &path) const override
     {
@@ -91,9 +100,10 @@ private:
     }
 
     const Kind m_kind;
-    PresetsStore &m_store;
+    AppController &m_controller;
     Edits &m_edits;
     PresetListModelOf<Preset> m_model;
+    std::optional<PresetIcons> m_icons;
     Editor *const m_editor;
 };
 
@@ -101,14 +111,13 @@ private:
 
 std::unique_ptr<ManagedPresets> managedPresets(Kind kind, AppController &controller, UserDefaults &defaults)
 {
-    PresetsStore &store = controller.presetsStore();
     if (kind == Kind::Watermark)
         return std::make_unique<ManagedPresetsOf<WPreset, FieldId, WPresetViewController>>(
-            kind, store, controller.wPresetEdits(), makeWPresetEditor(controller, defaults));
+            kind, controller, controller.wPresetEdits(), makeWPresetEditor(controller, defaults));
     auto *const editor = new SavingPresetView;
     editor->setValueOnPhoto(valueOnShownPhoto(controller));
     return std::make_unique<ManagedPresetsOf<SavingPreset, SavingField, SavingPresetView>>(
-        kind, store, controller.savingPresetEdits(), editor);
+        kind, controller, controller.savingPresetEdits(), editor);
 }
 
 } // namespace plexa

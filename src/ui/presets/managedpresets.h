@@ -15,6 +15,7 @@ namespace plexa
 
 class AppController;
 class PresetListSignals;
+class PresetListView;
 class PresetRowsModel;
 class UserDefaults;
 
@@ -28,6 +29,8 @@ public:
     virtual PresetListSignals &list() = 0;
     /// Follows the list.
     virtual PresetRowsModel &model() = 0;
+    /// Shows pictures of the presets in this list of the model, if the kind has them. Once.
+    virtual void showPictures(PresetListView &view) = 0;
 
     /// The editor of one preset. The caller places it in a window, which owns it.
     virtual QWidget *editor() = 0;

@@ -151,6 +151,7 @@ QWidget *PresetsManagerWindow::makeListSide()
                             "presets that cannot be used."));
     m_list->setEmptyHint(tr("No presets yet"));
     m_list->setAllowsReordering();
+    m_presets->showPictures(*m_list);
 
     const auto addRow = [](QVBoxLayout *layout, const QList<QAction *> &left, const QList<QAction *> &right) {
         auto *const row = new QHBoxLayout;

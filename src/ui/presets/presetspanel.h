@@ -8,12 +8,16 @@
 
 #include <QWidget>
 
+#include <optional>
+
+class QMenu;
+class QSplitter;
 class QStackedWidget;
-class QVBoxLayout;
 
 namespace plexa
 {
 
+class AllPresetsList;
 class AppController;
 class AppliedPresets;
 class CommandActions;
@@ -40,14 +44,17 @@ public:
 private:
     SegmentedSwitch *makeModeSelector();
     WPresetViewController *makeEditor(UserDefaults &defaults, const QString &name);
-    QWidget *makePresetsView();
-    void addAppliedList(QVBoxLayout *layout);
-    void addAllList(QVBoxLayout *layout);
+    QWidget *makeSingleView();
+    void fillLoadMenu(QMenu &menu);
+    void makePresetsView(UserDefaults &defaults);
+    QWidget *makeAppliedList();
     void connectLists();
     void connectCommands();
-    void applySelected();
-    void loadPreset();
+    void apply(const WPresetList &presets, std::optional<int> toRow = {});
+    void loadPreset(const std::shared_ptr<WPreset> &preset);
     void saveQuickPreset();
+    void updatePreset();
+    void nameUpdateCommand();
     void showMode();
     void showApplied();
     void edit(const WPresetList &selected);
@@ -58,12 +65,14 @@ private:
     CommandActions &m_actions;
     SegmentedSwitch *const m_modeSelector;
     PresetListModel *const m_appliedModel;
-    PresetListModel *const m_allModel;
     PresetListView *const m_appliedTable;
-    PresetListView *const m_allTable;
+    AllPresetsList *const m_all;
     QStackedWidget *const m_modeContainer;
     WPresetViewController *const m_quickEditor;
     WPresetViewController *const m_editor;
+    QStackedWidget *const m_editorOrHint;
+    QSplitter *const m_presetsSplitView;
+    QList<int> m_sizesUnfolded;
 };
 
 } // namespace plexa

@@ -77,8 +77,8 @@ std::vector<CommandRow> makeTable()
         {RemoveAppliedPresets, M::Watermark, false, "removeAppliedPresets", TEXT("&Remove Selected Presets"), TEXT("Stop drawing the selected presets"), "", "list-remove", {N::AppliedSelection}},
         {ClearAppliedPresets, M::Watermark, false, "clearAppliedPresets", TEXT("&Clear Applied Presets"), TEXT("Stop drawing all presets"), "", "list-clear", {N::AppliedPreset}},
         {SaveQuickPreset, M::Watermark, true, "saveQuickPreset", TEXT("Sav&e as New Preset"), TEXT("Keep the single watermark as a preset"), "", ""},
-        {UpdatePreset, M::Watermark, false, "updatePreset", TEXT("&Update Loaded Preset"), TEXT("Give the preset that was loaded last the settings of the single watermark"), "", "", {N::LoadedPreset}},
-        {LoadPreset, M::Watermark, false, "loadPreset", TEXT("&Load into Single Watermark"), TEXT("Edit a copy of the selected preset as the single watermark"), "", "", {N::OneSelectedPreset}},
+        {UpdatePreset, M::Watermark, false, "updatePreset", TEXT("Upda&te Loaded Preset"), TEXT("Give the preset that was loaded last the settings of the single watermark"), "", "", {N::LoadedPreset}},
+        {LoadPreset, M::Watermark, false, "loadPreset", TEXT("&Load into Single Watermark"), TEXT("Edit a copy of the selected preset as the single watermark"), "", "load-preset", {N::OneSelectedPreset}},
 
         {ShowWatermarkPresets, M::Watermark, true, "showWatermarkPresets", TEXT("&Manage Presets…"), TEXT("Create, edit and remove watermark presets"), "", "manage"},
         {ShowSavingPresets, M::Watermark, false, "showSavingPresets", TEXT("Mana&ge Saving Presets…"), TEXT("Create, edit and remove saving presets"), "", ""},

@@ -2,6 +2,7 @@
 
 #include "ui/widgets/presetlistview.h"
 
+#include "ui/widgets/look.h"
 #include "ui/widgets/presetlistmodel.h"
 
 #include <QDrag>
@@ -21,17 +22,40 @@ namespace plexa
 namespace
 {
 
-/// Rows with vertical padding.
+constexpr int kGripWidth = 16;
+
+/// Rows with vertical padding; where they can be reordered, with a grip.
 class RowDelegate final : public QStyledItemDelegate
 {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
+    bool hasGrip = false;
+    int pictureHeight = 0;
+
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
         const QSize size = QStyledItemDelegate::sizeHint(option, index);
-        const int picture = index.data(Qt::DecorationRole).isNull() ? 0 : option.decorationSize.height();
-        return {size.width(), std::max(option.fontMetrics.height(), picture) + 8};
+        return {size.width(), std::max(option.fontMetrics.height(), pictureHeight) + 8};
+    }
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        if (!hasGrip) {
+            QStyledItemDelegate::paint(painter, option, index);
+            return;
+        }
+        // The ground of the whole row, then its contents beside the grip.
+        QStyleOptionViewItem row = option;
+        initStyleOption(&row, index);
+        QStyle &style = *option.widget->style();
+        style.drawPrimitive(QStyle::PE_PanelItemViewItem, &row, painter, option.widget);
+        const bool isLeftToRight = option.direction == Qt::LeftToRight;
+        QStyleOptionViewItem contents = option;
+        contents.rect.adjust(isLeftToRight ? kGripWidth : 0, 0, isLeftToRight ? 0 : -kGripWidth, 0);
+        QStyledItemDelegate::paint(painter, contents, index);
+        const int left = isLeftToRight ? option.rect.left() : option.rect.right() + 1 - kGripWidth;
+        paintGrip(*painter, QRect(left, option.rect.top(), kGripWidth, option.rect.height()));
     }
 
 protected:
@@ -43,7 +67,24 @@ protected:
         if (color.isValid())
             option->palette.setColor(QPalette::HighlightedText, color.value<QColor>());
     }
+
+private:
+    /// Two columns of three dots.
+    static void paintGrip(QPainter &painter, const QRect &place)
+    {
+        constexpr int kDot = 2;
+        constexpr int kStep = 4;
+        const QPoint first = place.center() - QPoint(kStep / 2, kStep);
+        for (int i = 0; i < 6; ++i)
+            painter.fillRect(QRect(first + kStep * QPoint(i % 2, i / 2), QSize(kDot, kDot)),
+                             look::kControlBorder.darker(130));
+    }
 };
+
+RowDelegate &rowDelegateOf(const QListView &view)
+{
+    return *static_cast<RowDelegate *>(view.itemDelegate());
+}
 
 constexpr int kDragImageWidth = 200;
 constexpr QPoint kDragImageOffset(14, 10); // beside the pointer, so that the drop position is visible
@@ -71,8 +112,21 @@ PresetListView::PresetListView(PresetRowsModel &model, QWidget *parent)
 void PresetListView::setAllowsReordering()
 {
     m_model.setAllowsReordering(true);
-    setDragDropMode(InternalMove);
+    setDragDropMode(DragDrop);
     setDropIndicatorShown(true);
+    rowDelegateOf(*this).hasGrip = true;
+}
+
+void PresetListView::setAllowsDragging()
+{
+    m_model.setAllowsReordering(true);
+    setDragDropMode(DragOnly);
+}
+
+void PresetListView::setPictureSize(QSize size)
+{
+    setIconSize(size);
+    rowDelegateOf(*this).pictureHeight = size.height();
 }
 
 void PresetListView::setSearchText(const QString &text)
@@ -197,11 +251,32 @@ void PresetListView::startDrag(Qt::DropActions actions)
     drag->exec(actions, Qt::MoveAction);
 }
 
+/// Rows of this list, and of the other one if there is one.
+bool PresetListView::accepts(const QDropEvent &event) const
+{
+    const QObject *const source = event.source();
+    return source && (source == this || source == m_otherSource);
+}
+
+void PresetListView::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (accepts(*event))
+        QListView::dragEnterEvent(event);
+    else
+        event->ignore();
+}
+
+void PresetListView::dragMoveEvent(QDragMoveEvent *event)
+{
+    if (accepts(*event))
+        QListView::dragMoveEvent(event);
+    else
+        event->ignore();
+}
+
 void PresetListView::dropEvent(QDropEvent *event)
 {
-    // Only this list's own rows can be reordered.
-    const IndexList rows =
-        event->source() == this ? PresetRowsModel::draggedRows(event->mimeData()) : IndexList();
+    const IndexList rows = accepts(*event) ? PresetRowsModel::draggedRows(event->mimeData()) : IndexList();
     setState(NoState);
     viewport()->update();
     if (rows.isEmpty()) {
@@ -213,10 +288,13 @@ void PresetListView::dropEvent(QDropEvent *event)
     int toRow = m_model.rowCount();
     if (index.isValid())
         toRow = rowOf(index) + (at.y() < visualRect(index).center().y() ? 0 : 1);
-    // The receiver of rowsDropped() moves them, so the drag must not remove any row.
+    // The receiver of the signal moves them, so the drag must not remove any row.
     event->setDropAction(Qt::IgnoreAction);
     event->accept();
-    Q_EMIT rowsDropped(rows, toRow);
+    if (event->source() == this)
+        Q_EMIT rowsDropped(rows, toRow);
+    else
+        Q_EMIT otherRowsDropped(rows, toRow);
 }
 
 } // namespace plexa

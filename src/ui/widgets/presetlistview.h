@@ -26,6 +26,14 @@ public:
     /// Allows rows to be dragged within this list.
     void setAllowsReordering();
 
+    /// Allows rows to be dragged to a list that accepts them from this one.
+    void setAllowsDragging();
+    /// Rows of that list may be dropped between those of this one, which allows reordering.
+    void acceptDropsFrom(const PresetListView &other) { m_otherSource = &other; }
+
+    /// The room for the pictures of the model, in points.
+    void setPictureSize(QSize size);
+
     /// Shown while the list is empty.
     void setEmptyHint(const QString &hint) { m_emptyHint = hint; }
 
@@ -44,6 +52,8 @@ Q_SIGNALS:
     void selectedRowsChanged();
     /// Rows were dropped before the row `toRow`.
     void rowsDropped(const plexa::IndexList &rows, int toRow);
+    /// The same with rows of the other list.
+    void otherRowsDropped(const plexa::IndexList &rows, int toRow);
     void deletePressed();
     void returnPressed();
 
@@ -54,13 +64,17 @@ protected:
     void paintEvent(QPaintEvent *event) override;
     void startDrag(Qt::DropActions actions) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
 
 private:
+    bool accepts(const QDropEvent &event) const;
     QPixmap dragImage(const IndexList &rows) const;
 
     PresetRowsModel &m_model;
     QSortFilterProxyModel *const m_shown;
+    const PresetListView *m_otherSource = nullptr;
     QString m_emptyHint;
     bool m_keepsSelection = false; // when the current row changes
 };

@@ -120,9 +120,15 @@ private Q_SLOTS:
         QCoreApplication::sendEvent(applied.viewport(), &rightClick);
         QCOMPARE(commands, 5);
 
-        // A double click finds the preset among all, and opens their manager.
+        // A double click applies.
+        Panel::mouse(all, 2, true);
+        QCOMPARE(f.appliedNames(), u"Four Three"_qs);
+        Panel::mouse(applied, 1, false);
+        QTest::keyClick(&applied, Qt::Key_Delete);
+
+        // One on an applied preset finds it among all, and opens their manager.
         int opened = 0;
-        f.window.actions().setHandler(ActionId::ToggleWatermarkPresets, [&] { ++opened; });
+        f.window.actions().setHandler(ActionId::ShowWatermarkPresets, [&] { ++opened; });
         f.mouse(applied, 0, true);
         QCOMPARE(all.selectedRows(), IndexList({3}));
         QCOMPARE(opened, 1);
@@ -150,8 +156,9 @@ private Q_SLOTS:
         QCOMPARE(hint.text(), u"“Saved Quick Preset” was added to all presets"_qs);
         QVERIFY(f.applied.isInSingleMode()); // the photos keep their watermark
         f.applied.modeDidChange(AppliedPresets::Mode::Presets);
-        f.window.actions().setHandler(ActionId::ToggleWatermarkPresets, {});
-        Panel::mouse(f.allTable, 2, true);
+        f.window.actions().setHandler(ActionId::ShowWatermarkPresets, {});
+        f.applied.addWPresetsToApplied(f.presets);
+        Panel::mouse(f.appliedTable, 0, true);
         QVERIFY(hint.text().contains(u"does not have this command"));
     }
 
