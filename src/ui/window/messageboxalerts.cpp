@@ -91,6 +91,8 @@ void MessageBoxAlerts::askNext()
 
 AlertAnswer MessageBoxAlerts::show(const Alert &alert)
 {
+    if (m_isSilent)
+        return {std::max(alert.escapeButton, 0), false};
     // Dialogs may be about to be deleted.
     QWidget *const active = QApplication::activeWindow();
     const bool isOnActive = active && active->windowType() == Qt::Window;
