@@ -5,6 +5,7 @@
 #include "platform/settings.h"
 #include "platform/userdefaults.h"
 #include "presets/presetsstore.h"
+#include "saving/savingsettings.h"
 
 namespace plexa
 {
@@ -61,6 +62,10 @@ void AppController::connectChanges()
     connect(&m_imageSet, &ImageSet::listReset, this, changed);
     connect(&m_save, &BatchSave::started, this, changed);
     connect(&m_save, &BatchSave::finished, this, changed);
+    connect(&m_save, &BatchSave::finished, this, [this] {
+        if (!m_waitingFiles.isEmpty())
+            addFiles(std::exchange(m_waitingFiles, {}));
+    });
     connect(&m_services.store, &PresetsStore::quickWPresetChanged, this, &AppController::useQuickPreset);
     useQuickPreset();
     connect(&m_services.store.wPresetList(), &PresetListSignals::aboutToRemove, this,
@@ -78,6 +83,10 @@ void AppController::useQuickPreset()
 
 void AppController::addFiles(const QStringList &paths)
 {
+    if (m_save.isSavingInProgress()) {
+        m_waitingFiles += paths;
+        return;
+    }
     m_gathering.scanImagesAtPaths(m_presetCommands.importPresetsFiles(paths));
 }
 
@@ -126,6 +135,23 @@ CommandState AppController::commandState() const
         state.canCopyForAllPresets = ManualPositions::canCopyForPresets(*image, effective);
     }
     return state;
+}
+
+void AppController::saveImages(Photos photos)
+{
+    const ImageList images =
+        photos == Photos::Selected ? m_imageSet.selectedImages() : *m_imageSet.imagesFiltered();
+    if (!images.empty() && !m_appliedPresets.effectivePresets().empty() && !m_save.isSavingInProgress())
+        Q_EMIT savePanelWanted(images);
+}
+
+void AppController::didEndSaveMultiplePanel(const ImageList &photos)
+{
+    SavingPreset &preset = *m_services.store.quickSavingPreset();
+    SavingPresetValues values = preset.values();
+    completeFilenameTokens(values, m_services.alerts);
+    preset.setFilenameTokens(values.filenameTokens);
+    startSaving(photos);
 }
 
 bool AppController::startSaving(const ImageList &photos)

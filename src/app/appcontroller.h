@@ -50,7 +50,7 @@ public:
     const PhotoServices &photoServices() const { return m_services.photos; }
 
     /// Adds photos and folders to the working set, and the presets of preset files to the user's. Both happen
-    /// in the background.
+    /// in the background; during a save, after its end.
     void addFiles(const QStringList &paths);
 
     /// Reads the presets and applies those of the last time, if the settings ask for it.
@@ -62,7 +62,13 @@ public:
     /// The state that the rules of the commands depend on, except for the selection in lists of a window.
     CommandState commandState() const;
 
-    /// Saves copies of these photos with the present presets and settings.
+    enum class Photos { Selected, All };
+    /// Asks for the save panel for these photos, unless none or no watermark is there.
+    void saveImages(Photos photos);
+    /// The user has accepted the save panel for these photos.
+    void didEndSaveMultiplePanel(const ImageList &photos);
+
+    /// Saves copies of these photos with the present presets and settings. Asks nothing before it returns.
     /// @return false, and nothing happens, while another save runs or without photos or presets
     bool startSaving(const ImageList &photos);
 
@@ -84,6 +90,7 @@ public:
     void stopAllOperations();
 
 Q_SIGNALS:
+    void savePanelWanted(const plexa::ImageList &photos);
     /// The preview has to be drawn again.
     void previewOutdated();
     /// The picture of one photo has changed.
@@ -98,6 +105,7 @@ private:
     void useQuickPreset();
 
     const Services m_services;
+    QStringList m_waitingFiles; // for the end of a save
     StatusManager m_status;
     AppliedPresets m_appliedPresets;
     PresetCommands m_presetCommands;

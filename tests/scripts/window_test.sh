@@ -141,6 +141,8 @@ wait_until 'the photos were not saved' test -s "$copies/still-life-Quick Preset_
 convert-im6.q16 "$samples/apple.png" -background white -flatten "$work/apple.png"
 marked=$(compare-im6.q16 -metric AE -fuzz 10% "$work/apple.png" "$copies"/apple-*.jpg null: 2>&1 || true)
 ((${marked%%.*} > 300)) || fail "the copy has no watermark ($marked)"
+wait_until 'the report was not shown' find_box
+xdotool windowfocus --sync "$box" key Return
 xdotool windowfocus --sync "$window"
 xdotool key slash
 xdotool type apple

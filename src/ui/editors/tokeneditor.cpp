@@ -22,6 +22,7 @@ TokenEditor::TokenEditor(const QString &name, const QString &purpose, const QStr
     auto *const insert = new QPushButton(tr("Insert from Photo"));
     insert->setObjectName(name + QLatin1String("InsertPopUpButton"));
     insert->setToolTip(insertToolTip);
+    insert->setAutoDefault(false); // in a dialog, Enter presses its own button
     m_field->setInsertPopUpButton(insert);
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -23,8 +23,8 @@ std::vector<CommandRow> makeTable()
     return {
         {AddImages, M::File, false, "addImages", TEXT("&Add Photos…"), TEXT("Add photos to the list"), "Ctrl+O", "add-photos"},
         {AddFolder, M::File, false, "addFolder", TEXT("Add &Folder…"), TEXT("Add all photos of a folder and of the folders in it"), "Ctrl+Shift+O", "add-folder"},
-        {SaveSelected, M::File, true, "saveSelected", TEXT("&Save Selected…"), TEXT("Save watermarked copies of the selected photos"), "Ctrl+S", "save", {N::Selection, N::Watermark}, true},
-        {SaveAll, M::File, false, "saveAll", TEXT("Save A&ll…"), TEXT("Save watermarked copies of all photos in the list"), "Ctrl+Shift+S", "save-all", {N::Photos, N::Watermark}},
+        {SaveSelected, M::File, true, "saveSelected", TEXT("&Save Selected…"), TEXT("Save watermarked copies of the selected photos"), "Ctrl+S", "save", {N::NoSave, N::Selection, N::Watermark}, true},
+        {SaveAll, M::File, false, "saveAll", TEXT("Save A&ll…"), TEXT("Save watermarked copies of all photos in the list"), "Ctrl+Shift+S", "save-all", {N::NoSave, N::Photos, N::Watermark}},
         {OpenSelectedInCompanion, M::File, true, "openSelectedInCompanion", TEXT("&Open Selected in Brevix"), TEXT("Open watermarked copies of the selected photos in Brevix for resizing"), "", "", {N::Selection, N::Watermark}, true},
         {OpenAllInCompanion, M::File, false, "openAllInCompanion", TEXT("Open All in &Brevix"), TEXT("Open watermarked copies of all photos in the list in Brevix for resizing"), "", "", {N::Photos, N::Watermark}},
         {ShowInFileManager, M::File, true, "showInFileManager", TEXT("Show in File &Manager"), TEXT("Show the selected photos in their folders"), "Ctrl+Shift+E", "show-folder", {N::Selection}, true},

@@ -90,6 +90,8 @@ void MessageBoxAlerts::askNext()
 
 AlertAnswer MessageBoxAlerts::show(const Alert &alert)
 {
+    if (m_isSilent)
+        return {std::max(alert.escapeButton, 0), false};
     QMessageBox box(m_window && m_window->isVisible() ? m_window : nullptr);
     box.setWindowTitle(QCoreApplication::applicationName());
     box.setIconPixmap(

@@ -12,6 +12,7 @@
 #include "ui/widgets/imagechooser.h"
 #include "ui/window/filemanager.h"
 #include "ui/window/preferencesdialog.h"
+#include "ui/window/savingend.h"
 
 #include <QFileInfo>
 #include <QMessageBox>
@@ -90,11 +91,14 @@ void connectSaving(CommandActions &actions, const MainWindow::Services &services
 {
     auto *const panel =
         new SaveMultiplePanel({services.controller, services.defaults, services.alerts}, &window);
-    QObject::connect(panel, &QDialog::accepted, &window,
-                     [&controller = services.controller, panel] { controller.startSaving(panel->photos()); });
-    ImageSet &set = services.controller.imageSet();
-    actions.setHandler(ActionId::SaveSelected, [panel, &set] { panel->askAbout(set.selectedImages()); });
-    actions.setHandler(ActionId::SaveAll, [panel, &set] { panel->askAbout(*set.imagesFiltered()); });
+    AppController &controller = services.controller;
+    QObject::connect(&controller, &AppController::savePanelWanted, panel, &SaveMultiplePanel::askAbout);
+    QObject::connect(panel, &QDialog::accepted, &controller,
+                     [&controller, panel] { controller.didEndSaveMultiplePanel(panel->photos()); });
+    using Photos = AppController::Photos;
+    actions.setHandler(ActionId::SaveSelected, [&controller] { controller.saveImages(Photos::Selected); });
+    actions.setHandler(ActionId::SaveAll, [&controller] { controller.saveImages(Photos::All); });
+    new SavingEnd({controller, services.alerts}, window);
 }
 
 void showPreferences(const MainWindow::Services &services, MainWindow &window, ImageListPane &imageListPane)
