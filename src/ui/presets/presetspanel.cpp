@@ -81,6 +81,7 @@ PresetsPanel::PresetsPanel(AppController &controller, UserDefaults &defaults, Co
     , m_editor(makeEditor(defaults, QStringLiteral("wPresetEditor")))
     , m_editorOrHint(new QStackedWidget)
     , m_presetsSplitView(new QSplitter(Qt::Vertical))
+    , m_sizesUnfolded({kAppliedHeight, kAllHeight, kEditorHeight})
 {
     m_modeContainer->addWidget(makeSingleView());
     makePresetsView(defaults);
@@ -172,7 +173,7 @@ void PresetsPanel::makePresetsView(UserDefaults &defaults)
     view.addWidget(m_all);
     view.addWidget(m_editorOrHint);
     view.setStretchFactor(2, 1);
-    view.setSizes({kAppliedHeight, kAllHeight, kEditorHeight});
+    view.setSizes(m_sizesUnfolded);
     view.restoreState(QByteArray::fromBase64(defaults.stringForKey(kSizesKey).toLatin1()));
     connect(&view, &QSplitter::splitterMoved, this, [this, &defaults] {
         defaults.setObject(kSizesKey, QString::fromLatin1(m_presetsSplitView->saveState().toBase64()));
@@ -180,11 +181,19 @@ void PresetsPanel::makePresetsView(UserDefaults &defaults)
     connect(m_all, &FoldingSection::foldedByUser, this, [this](bool isFolded) {
         if (isFolded)
             m_sizesUnfolded = m_presetsSplitView->sizes(); // they change later
-        else
-            m_presetsSplitView->setSizes(m_sizesUnfolded.isEmpty()
-                                             ? QList<int>{kAppliedHeight, kAllHeight, kEditorHeight}
-                                             : m_sizesUnfolded);
+        fitFoldedList();
+        if (!isFolded)
+            m_presetsSplitView->setSizes(m_sizesUnfolded);
     });
+    fitFoldedList();
+}
+
+/// The editor gets the room of the folded list.
+void PresetsPanel::fitFoldedList()
+{
+    m_all->setMaximumHeight(m_all->isFolded() ? m_all->minimumSizeHint().height() : QWIDGETSIZE_MAX);
+    if (m_all->isFolded())
+        m_presetsSplitView->setSizes({m_sizesUnfolded[0], 0, m_sizesUnfolded[1] + m_sizesUnfolded[2]});
 }
 
 QWidget *PresetsPanel::makeAppliedList()
