@@ -26,8 +26,8 @@ namespace plexa
 namespace
 {
 
-constexpr int kFewestLines = 3;
-constexpr int kUsualLines = 4;
+constexpr int kFewestLines = 2;
+constexpr int kUsualLines = 3;
 constexpr int kNameLines = 2;    // of a text without line breaks
 constexpr int kMargin = 4;       // around the text
 constexpr int kLineDistance = 4; // pills of two lines do not touch

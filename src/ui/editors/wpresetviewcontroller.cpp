@@ -17,7 +17,9 @@
 #include <QScrollBar>
 #include <QSlider>
 #include <QSpinBox>
+#include <QToolButton>
 #include <QVBoxLayout>
+#include <QWhatsThis>
 
 namespace plexa
 {
@@ -136,7 +138,7 @@ QWidget *WPresetViewController::makeSizeAndPosition()
           tr("Middle right"), tr("Bottom left"), tr("Bottom center"), tr("Bottom right")})
         anchor->addChoice(place);
     m_binder.bind(FieldId::AnchorPoint, *anchor);
-    form->addRow(tr("Position"), anchor);
+    form->addRow(tr("Position"), {anchor, offsetHelpButton()});
     QWidget *const across = form->addRow(
         tr("From side"), {form->number(FieldId::OffsetHorizontal, tr("Distance from the side of the photo")),
                           form->unit(FieldId::OffsetHorizontalUnit, tr("Unit of the distance"))});
@@ -147,6 +149,29 @@ QWidget *WPresetViewController::makeSizeAndPosition()
     form->showWhile({across}, [this](const WPresetValues &) { return !preset()->offsetHorizontalHidden(); });
     form->showWhile({down}, [this](const WPresetValues &) { return !preset()->offsetVerticalHidden(); });
     return form;
+}
+
+/// Explains the distances, while there are any.
+QWidget *WPresetViewController::offsetHelpButton()
+{
+    auto *const help = new QToolButton;
+    help->setObjectName(QStringLiteral("offsetLabelHelpButton"));
+    help->setAutoRaise(true);
+    help->setIcon(icon("help"));
+    help->setFocusPolicy(Qt::StrongFocus);
+    help->setAccessibleName(tr("About the distances"));
+    help->setToolTip(tr("Explain the distances"));
+    connect(help, &QAbstractButton::clicked, help, [help] {
+        QWhatsThis::showText(
+            help->mapToGlobal(help->rect().bottomLeft()),
+            tr("The distances are between the watermark and the nearest sides of the photo. "
+               "Below 0, the watermark reaches beyond the photo.\n\nTo move the watermark of "
+               "one photo only, drag it in the preview."),
+            help);
+    });
+    m_binder.apply([this](const WPresetValues &) { return !preset()->offsetHidden(); },
+                   [help](bool isShown) { help->setVisible(isShown); });
+    return help;
 }
 
 /// A wheel and a field for the same angle.

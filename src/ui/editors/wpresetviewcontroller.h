@@ -43,6 +43,7 @@ Q_SIGNALS:
 private:
     QWidget *makeType();
     QWidget *makeSizeAndPosition();
+    QWidget *offsetHelpButton();
     QWidget *makeAngleAndTiling();
     QWidget *angleRow(EditorForm &form, FieldId field, const QString &purpose);
     QWidget *makeLook();

@@ -121,14 +121,17 @@ QWidget *WTextPresetViewController::makeColors()
         return color;
     };
     form->addRow(tr("Color"), well(FieldId::FillColor, tr("Color of the text")));
-    form->addRow({}, form->check(FieldId::Stroke, tr("Draw an outline")));
-    QWidget *const outline = form->addRow(
-        tr("Outline"), {well(FieldId::StrokeColor, tr("Color of the outline")),
-                        form->number(FieldId::StrokeWidth,
-                                     tr("Width of the outline, in percent of the size of the text; "
-                                        "below 0: the outline alone"),
-                                     QStringLiteral(" %"))});
-    form->showWhile({outline}, [](const WPresetValues &values) { return values.stroke; });
+    QWidget *const color = well(FieldId::StrokeColor, tr("Color of the outline"));
+    QWidget *const width = form->number(FieldId::StrokeWidth,
+                                        tr("Width of the outline, in percent of the size of the text; "
+                                           "below 0: the outline alone"),
+                                        QStringLiteral(" %"));
+    form->addRow({}, {form->check(FieldId::Stroke, tr("Outline")), color, width});
+    m_binder.apply([](const WPresetValues &values) { return values.stroke; },
+                   [color, width](bool isShown) {
+                       color->setVisible(isShown);
+                       width->setVisible(isShown);
+                   });
     return form;
 }
 

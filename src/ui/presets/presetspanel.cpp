@@ -5,10 +5,8 @@
 #include "app/appcontroller.h"
 #include "platform/userdefaults.h"
 #include "presets/presetsstore.h"
-#include "ui/editors/tokenfieldwithinsertpopup.h"
-#include "ui/editors/wpresetviewcontroller.h"
-#include "ui/editors/wtextpresetviewcontroller.h"
 #include "ui/presets/allpresetslist.h"
+#include "ui/presets/wpreseteditor.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/look.h"
 #include "ui/widgets/presetlistview.h"
@@ -83,6 +81,7 @@ PresetsPanel::PresetsPanel(AppController &controller, UserDefaults &defaults, Co
     , m_editor(makeEditor(defaults, QStringLiteral("wPresetEditor")))
     , m_editorOrHint(new QStackedWidget)
     , m_presetsSplitView(new QSplitter(Qt::Vertical))
+    , m_sizesUnfolded({kAppliedHeight, kAllHeight, kEditorHeight})
 {
     m_modeContainer->addWidget(makeSingleView());
     makePresetsView(defaults);
@@ -115,16 +114,9 @@ SegmentedSwitch *PresetsPanel::makeModeSelector()
 
 WPresetViewController *PresetsPanel::makeEditor(UserDefaults &defaults, const QString &name)
 {
-    using Row = WPresetViewController::SavingPresetRow;
-    auto *const editor = new WPresetViewController(
-        {m_controller.presetsStore(), m_controller.photoServices().fonts, defaults}, Row::Shown);
+    WPresetViewController *const editor = makeWPresetEditor(m_controller, defaults);
     editor->setObjectName(name);
     connect(editor, &WPresetViewController::edited, &m_controller.undoHistory(), &UndoHistory::presetEdited);
-    editor->textEditor().tokenField().setValueOnPhoto(
-        [&set = m_controller.imageSet()](const QString &token) -> std::optional<QString> {
-            const std::shared_ptr<ImageObject> image = set.shownImage();
-            return image ? image->facts().stringForInfoToken(token) : std::nullopt;
-        });
     return editor;
 }
 
@@ -181,7 +173,7 @@ void PresetsPanel::makePresetsView(UserDefaults &defaults)
     view.addWidget(m_all);
     view.addWidget(m_editorOrHint);
     view.setStretchFactor(2, 1);
-    view.setSizes({kAppliedHeight, kAllHeight, kEditorHeight});
+    view.setSizes(m_sizesUnfolded);
     view.restoreState(QByteArray::fromBase64(defaults.stringForKey(kSizesKey).toLatin1()));
     connect(&view, &QSplitter::splitterMoved, this, [this, &defaults] {
         defaults.setObject(kSizesKey, QString::fromLatin1(m_presetsSplitView->saveState().toBase64()));
@@ -189,11 +181,19 @@ void PresetsPanel::makePresetsView(UserDefaults &defaults)
     connect(m_all, &FoldingSection::foldedByUser, this, [this](bool isFolded) {
         if (isFolded)
             m_sizesUnfolded = m_presetsSplitView->sizes(); // they change later
-        else
-            m_presetsSplitView->setSizes(m_sizesUnfolded.isEmpty()
-                                             ? QList<int>{kAppliedHeight, kAllHeight, kEditorHeight}
-                                             : m_sizesUnfolded);
+        fitFoldedList();
+        if (!isFolded)
+            m_presetsSplitView->setSizes(m_sizesUnfolded);
     });
+    fitFoldedList();
+}
+
+/// The editor gets the room of the folded list.
+void PresetsPanel::fitFoldedList()
+{
+    m_all->setMaximumHeight(m_all->isFolded() ? m_all->minimumSizeHint().height() : QWIDGETSIZE_MAX);
+    if (m_all->isFolded())
+        m_presetsSplitView->setSizes({m_sizesUnfolded[0], 0, m_sizesUnfolded[1] + m_sizesUnfolded[2]});
 }
 
 QWidget *PresetsPanel::makeAppliedList()
@@ -209,7 +209,7 @@ QWidget *PresetsPanel::makeAppliedList()
     m_appliedTable->setContextMenuPolicy(Qt::ActionsContextMenu);
     for (const ActionId id :
          {ActionId::MovePresetsUp, ActionId::MovePresetsDown, ActionId::RemoveAppliedPresets,
-          ActionId::ClearAppliedPresets, ActionId::ToggleWatermarkPresets})
+          ActionId::ClearAppliedPresets, ActionId::ShowWatermarkPresets})
         m_appliedTable->addAction(m_actions.action(id));
 
     auto *const part = new QWidget;
@@ -334,6 +334,7 @@ void PresetsPanel::saveQuickPreset()
     const std::shared_ptr<WPreset> saved = m_controller.presetCommands().saveQuickAsWPreset();
     m_all->select(saved.get());
     m_controller.statusManager().notify(tr("“%1” was added to all presets").arg(saved->name()));
+    m_actions.run(ActionId::ShowWatermarkPresets); // there it gets a name
 }
 
 void PresetsPanel::updatePreset()
@@ -384,7 +385,7 @@ void PresetsPanel::showApplied()
 void PresetsPanel::doubleMouseClick(const std::shared_ptr<WPreset> &preset)
 {
     m_all->select(preset.get());
-    m_actions.run(ActionId::ToggleWatermarkPresets);
+    m_actions.run(ActionId::ShowWatermarkPresets);
 }
 
 } // namespace plexa

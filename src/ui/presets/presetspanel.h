@@ -48,6 +48,7 @@ private:
     void fillLoadMenu(QMenu &menu);
     void makePresetsView(UserDefaults &defaults);
     QWidget *makeAppliedList();
+    void fitFoldedList();
     void connectLists();
     void connectCommands();
     void apply(const WPresetList &presets, std::optional<int> toRow = {});
@@ -72,7 +73,7 @@ private:
     WPresetViewController *const m_editor;
     QStackedWidget *const m_editorOrHint;
     QSplitter *const m_presetsSplitView;
-    QList<int> m_sizesUnfolded;
+    QList<int> m_sizesUnfolded; // of the parts of presets mode, in points
 };
 
 } // namespace plexa

@@ -159,6 +159,7 @@ private Q_SLOTS:
             editor.preset->setAnchorPoint(anchor);
             QCOMPARE(editor.isShown("offsetHorizontalTextField"), across);
             QCOMPARE(editor.isShown("offsetVerticalTextField"), down);
+            QCOMPARE(editor.isShown("offsetLabelHelpButton"), across || down);
         }
         using Switch = void (WPreset::*)(const bool &);
         for (const auto &[change, name, isShownWhile] :
