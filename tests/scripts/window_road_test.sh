@@ -115,6 +115,16 @@ xdotool key e
 stores_preset() { strings -e b -e l "$1" | grep -q "$2" || grep -qa "$2" "$1"; }
 wait_until 'the preset was not stored' stores_preset "$XDG_DATA_HOME/Quorvel/Plexa/WPresets.pxwpr" 'Studio Nordlicht'
 
+# The manager shows it, and is closed.
+manager=$(timeout 20 xdotool search --sync --onlyvisible --name '^Watermark Presets' | tail -n 1) || fail 'no manager'
+sleep 0.5
+xdotool windowfocus --sync "$manager"
+keep_picture manager "$manager"
+xdotool key ctrl+w
+no_manager() { ! xdotool search --onlyvisible --name '^Watermark Presets'; }
+wait_until 'the manager was not closed' no_manager
+xdotool windowfocus --sync "$window"
+
 # Two presets. The second one is dragged on one photo. The preview shows it, 720x480, at 330/480.
 xdotool key ctrl+shift+2
 sleep 1
