@@ -14,6 +14,12 @@ AppController::AppController(const Services &services)
     : m_services(services)
     , m_appliedPresets(services.defaults)
     , m_presetCommands({services.store, m_appliedPresets, services.alerts, m_status})
+    , m_wPresetEdits(
+          services.store.wPresetList(), [this](const auto &...step) { m_history.record(step...); },
+          [this] { return appliedPresetsNow(); })
+    , m_savingPresetEdits(
+          services.store.savingPresetList(), [this](const auto &...step) { m_history.record(step...); },
+          [this] { return assignedSavingPresetsNow(); })
     , m_imageSet({services.photos, services.defaults, services.alerts, m_status, services.threads})
     , m_gathering(m_imageSet,
                   {services.photos, services.defaults, services.alerts, m_status, services.threads})
@@ -38,6 +44,11 @@ void AppController::connectChanges()
     connect(&m_presetCommands, &PresetCommands::edited, &m_history, &UndoHistory::record);
     connect(&m_history, &UndoHistory::placesRestored, this, &AppController::previewOutdated);
     connect(&m_appliedPresets, &AppliedPresets::previewOutdated, this, &AppController::previewOutdated);
+
+    connect(&m_history, &UndoHistory::changed, this, [this] {
+        m_wPresetEdits.endRun();
+        m_savingPresetEdits.endRun();
+    });
 
     const auto changed = &AppController::commandStateChanged;
     connect(&m_batchOperation, &BatchImageOperation::operationFinished, this, changed);
@@ -79,6 +90,33 @@ void AppController::connectChanges()
 void AppController::useQuickPreset()
 {
     m_appliedPresets.setQuickWPreset(m_services.store.quickWPreset());
+}
+
+/// A removed watermark preset is no longer applied.
+std::function<void()> AppController::appliedPresetsNow()
+{
+    return [this, applied = m_appliedPresets.applied()] {
+        if (m_appliedPresets.wPresetsApplied() != applied.presets)
+            m_appliedPresets.restoreApplied(applied);
+    };
+}
+
+/// A removed saving preset is no longer assigned to watermark presets.
+std::function<void()> AppController::assignedSavingPresetsNow()
+{
+    WPresetList presets = m_services.store.wPresets();
+    presets.push_back(m_services.store.quickWPreset());
+    std::vector<std::pair<std::shared_ptr<WPreset>, SavingPresetPtr>> assigned;
+    for (const std::shared_ptr<WPreset> &preset : presets) {
+        if (preset->assignedSavingPreset())
+            assigned.emplace_back(preset, preset->assignedSavingPreset());
+    }
+    return [assigned = std::move(assigned)] {
+        for (const auto &[preset, savingPreset] : assigned) {
+            if (!preset->assignedSavingPreset())
+                preset->setAssignedSavingPreset(savingPreset);
+        }
+    };
 }
 
 void AppController::addFiles(const QStringList &paths)

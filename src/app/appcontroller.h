@@ -11,6 +11,7 @@
 #include "app/imagesorting.h"
 #include "app/manualpositions.h"
 #include "app/presetcommands.h"
+#include "app/presetedits.h"
 #include "app/statusmanager.h"
 #include "app/undohistory.h"
 
@@ -47,6 +48,9 @@ public:
     BatchSave &batchSave() { return m_save; }
     PresetsStore &presetsStore() { return m_services.store; }
     PresetCommands &presetCommands() { return m_presetCommands; }
+    /// The changes of the user's lists of presets, which undoHistory() undoes.
+    WPresetEdits &wPresetEdits() { return m_wPresetEdits; }
+    SavingPresetEdits &savingPresetEdits() { return m_savingPresetEdits; }
     const PhotoServices &photoServices() const { return m_services.photos; }
 
     /// Adds photos and folders to the working set, and the presets of preset files to the user's. Both happen
@@ -103,12 +107,16 @@ Q_SIGNALS:
 private:
     void connectChanges();
     void useQuickPreset();
+    std::function<void()> appliedPresetsNow();
+    std::function<void()> assignedSavingPresetsNow();
 
     const Services m_services;
     QStringList m_waitingFiles; // for the end of a save
     StatusManager m_status;
     AppliedPresets m_appliedPresets;
     PresetCommands m_presetCommands;
+    WPresetEdits m_wPresetEdits;
+    SavingPresetEdits m_savingPresetEdits;
     ImageSet m_imageSet;
     ImageGathering m_gathering;
     ImageSorting m_sorting;

@@ -49,14 +49,29 @@ PresetCommands::PresetCommands(const Services &services)
 QStringList PresetCommands::importPresetsFiles(const QStringList &paths)
 {
     QStringList others;
-    for (const QString &path : paths)
-        (kindOf(path) ? m_waiting : others).append(path);
-    if (!m_waiting.isEmpty() && !std::exchange(m_isImporting, true)) {
-        m_nRead = 0;
-        m_services.status.startOperation(StatusOperation::ImportingPresets);
-        readNext();
+    for (const QString &path : paths) {
+        if (const std::optional<Kind> kind = kindOf(path))
+            m_waiting.append({path, *kind});
+        else
+            others.append(path);
     }
+    startReading();
     return others;
+}
+
+void PresetCommands::importPresetsFile(const QString &path, Kind kind)
+{
+    m_waiting.append({path, kind});
+    startReading();
+}
+
+void PresetCommands::startReading()
+{
+    if (m_waiting.isEmpty() || std::exchange(m_isImporting, true))
+        return;
+    m_nRead = 0;
+    m_services.status.startOperation(StatusOperation::ImportingPresets);
+    readNext();
 }
 
 void PresetCommands::stopImporting()
@@ -73,16 +88,16 @@ void PresetCommands::readNext()
         Q_EMIT importFinished();
         return;
     }
-    m_path = m_waiting.takeFirst();
+    m_file = m_waiting.takeFirst();
     const float files = m_nRead + 1 + static_cast<float>(m_waiting.size());
-    m_job.start([this, path = m_path, before = m_nRead, files, owner = thread()] {
+    m_job.start([this, file = m_file, before = m_nRead, files, owner = thread()] {
         const auto progress = [&](float share) {
             m_services.status.setProgress((before + share) / files, StatusOperation::ImportingPresets);
             return !m_job.isCanceled();
         };
         try {
             const auto reading = std::make_shared<PresetsFileReading>(
-                readForeignPresetsFile(path, kindOf(path) == Kind::Watermark, progress));
+                readForeignPresetsFile(file.path, file.kind == Kind::Watermark, progress));
             reading->moveToThread(owner);
             m_job.post([this, reading] { m_reading = reading; });
             return true;
@@ -97,22 +112,38 @@ void PresetCommands::readingEnded(BackgroundJob::End end)
     const std::shared_ptr<PresetsFileReading> reading = std::move(m_reading);
     ++m_nRead;
     if (end == BackgroundJob::End::Done)
-        add(m_path, *reading);
+        add(m_file, *reading);
     else if (end == BackgroundJob::End::Failed)
         report(m_services.alerts, Alert::Style::Warning, tr("Presets import failed"),
-               {tr("There is not enough memory for \"%1\".").arg(QFileInfo(m_path).fileName())});
+               {tr("There is not enough memory for \"%1\".").arg(QFileInfo(m_file.path).fileName())});
     readNext();
 }
 
-void PresetCommands::add(const QString &path, const PresetsFileReading &reading)
+void PresetCommands::add(const File &file, const PresetsFileReading &reading)
 {
     PresetsStore &store = m_services.store;
-    const Kind kind = *kindOf(path);
-    const auto imported = store.importPresets(reading, kind);
+    std::optional<PresetsStore::Imported> imported;
+    const auto import = [&](auto &list) {
+        const auto before = list.presets();
+        imported = store.importPresets(reading, file.kind);
+        const auto set = [&list](const auto &presets) {
+            return [&list, presets] {
+                list.restore(presets);
+                return true;
+            };
+        };
+        if (list.presets() != before)
+            Q_EMIT edited(tr("Import Presets"), set(before), set(list.presets()));
+    };
+    if (file.kind == Kind::Watermark)
+        import(store.wPresetList());
+    else
+        import(store.savingPresetList());
     if (!imported) // the store has reported it
         return;
-    const Result<void> saved = kind == Kind::Watermark ? store.saveWPresets(PresetsStore::Slot::List)
-                                                       : store.saveSavingPresets(PresetsStore::Slot::List);
+    const Result<void> saved = file.kind == Kind::Watermark
+                                   ? store.saveWPresets(PresetsStore::Slot::List)
+                                   : store.saveSavingPresets(PresetsStore::Slot::List);
     if (!saved) {
         reportUnsaved(saved.error(), imported->notes);
         return;
@@ -121,7 +152,7 @@ void PresetCommands::add(const QString &path, const PresetsFileReading &reading)
                               ? tr("One preset of \"%1\" was added to yours.")
                               : tr("%n presets of \"%1\" were added to yours.", nullptr, imported->count);
     report(m_services.alerts, imported->notes.isEmpty() ? Alert::Style::Informational : Alert::Style::Warning,
-           tr("Presets imported"), QStringList(added.arg(QFileInfo(path).fileName())) + imported->notes);
+           tr("Presets imported"), QStringList(added.arg(QFileInfo(file.path).fileName())) + imported->notes);
 }
 
 bool PresetCommands::hasWPreset(const std::shared_ptr<WPreset> &preset) const

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/backgroundjob.h"
+#include "presets/presetsstore.h"
 #include "watermark/wpreset.h"
 
 #include <QStringList>
@@ -15,7 +16,6 @@ namespace plexa
 
 class Alerts;
 class AppliedPresets;
-class PresetsStore;
 class StatusManager;
 struct Error;
 struct PresetsFileReading;
@@ -40,6 +40,8 @@ public:
     /// background, one after the other; the presets of each are added together, saved, and reported.
     /// @return the other paths, in their order
     QStringList importPresetsFiles(const QStringList &paths);
+    /// The same for one file of this kind, whatever its name.
+    void importPresetsFile(const QString &path, PresetsStore::Kind kind);
     bool isImporting() const { return m_isImporting; }
 
     /// Files that are not read completely add nothing.
@@ -67,9 +69,15 @@ Q_SIGNALS:
                 const std::function<bool()> &repeat);
 
 private:
+    struct File {
+        QString path;
+        PresetsStore::Kind kind = PresetsStore::Kind::Watermark;
+    };
+
+    void startReading();
     void readNext();
     void readingEnded(BackgroundJob::End end);
-    void add(const QString &path, const PresetsFileReading &reading);
+    void add(const File &file, const PresetsFileReading &reading);
     bool hasWPreset(const std::shared_ptr<WPreset> &preset) const;
     void setLoaded(const std::shared_ptr<WPreset> &preset);
     void saveWPresets();
@@ -77,10 +85,10 @@ private:
 
     const Services m_services;
     bool m_isImporting = false; // a message may be open
-    QStringList m_waiting;
+    QList<File> m_waiting;
     float m_nRead = 0; // files
     std::weak_ptr<WPreset> m_loadedWPreset;
-    QString m_path; // of the file that is being read
+    File m_file; // that is being read
     std::shared_ptr<PresetsFileReading> m_reading;
     BackgroundJob m_job;
 };

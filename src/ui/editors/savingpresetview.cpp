@@ -28,6 +28,9 @@ SavingPresetView::SavingPresetView(QWidget *parent)
     addFileName();
     addFormat();
     setEnabled(false);
+    m_binder.setEdited([this](const std::shared_ptr<SavingPreset> &preset, SavingField field,
+                              const FieldValue &before,
+                              const FieldValue &now) { Q_EMIT edited(preset, field, before, now); });
 }
 
 void SavingPresetView::setPreset(const std::shared_ptr<SavingPreset> &preset)

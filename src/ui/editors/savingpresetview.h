@@ -30,6 +30,11 @@ public:
     /// As TokenFieldWithInsertPopup has it.
     void setValueOnPhoto(const TokenValue &value);
 
+Q_SIGNALS:
+    /// The user has changed a field.
+    void edited(const std::shared_ptr<plexa::SavingPreset> &preset, plexa::SavingField field,
+                const plexa::FieldValue &before, const plexa::FieldValue &now);
+
 private:
     void addFileName();
     void addFormat();

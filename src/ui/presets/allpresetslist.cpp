@@ -21,8 +21,6 @@ namespace plexa
 namespace
 {
 
-constexpr QSize kPicture(66, 44); // points
-
 /// Two rows with pictures.
 constexpr int kMinListHeight = 100;
 
@@ -38,15 +36,12 @@ AllPresetsList::AllPresetsList(AppController &controller, UserDefaults &defaults
                                QWidget *content, QWidget *parent)
     : FoldingSection(tr("All presets"), {QStringLiteral("allPresetsFolded")}, content, defaults, parent)
     , m_model(controller.presetsStore().wPresetList())
-    , m_pictures(controller.photoServices())
     , m_table(new PresetListView(m_model))
+    , m_icons(controller, m_model, *m_table)
     , m_search(new QLineEdit)
 {
     setObjectName(QStringLiteral("allPresetsSection"));
     m_model.follow(controller.presetsStore().wPresetList());
-    m_model.setPicture([this](const std::shared_ptr<WPreset> &preset) { return pictureOf(preset); });
-    connect(&m_pictures, &PresetPictures::changed, this, [this] { m_model.refresh(); });
-    followPhoto(controller);
     fill(*content, actions);
 }
 
@@ -72,10 +67,9 @@ void AllPresetsList::fill(QWidget &content, CommandActions &actions)
            "double-click them, press Enter, or drag them to the applied presets."));
     m_table->setEmptyHint(tr("No presets yet"));
     m_table->setMinimumHeight(kMinListHeight);
-    m_table->setPictureSize(kPicture);
     m_table->setAllowsDragging();
     m_table->setContextMenuPolicy(Qt::ActionsContextMenu);
-    for (const ActionId id : {ActionId::ApplyPresets, ActionId::LoadPreset, ActionId::ToggleWatermarkPresets})
+    for (const ActionId id : {ActionId::ApplyPresets, ActionId::LoadPreset, ActionId::ShowWatermarkPresets})
         m_table->addAction(actions.action(id));
     connect(m_table, &PresetListView::returnPressed, &actions,
             [&actions] { actions.run(ActionId::ApplyPresets); });
@@ -87,7 +81,7 @@ void AllPresetsList::fill(QWidget &content, CommandActions &actions)
     buttons->setSpacing(look::kSmallGap);
     for (const auto &[id, text] : {std::pair(ActionId::ApplyPresets, tr("Apply")),
                                    {ActionId::LoadPreset, tr("Load")},
-                                   {ActionId::ToggleWatermarkPresets, tr("Manage")}}) {
+                                   {ActionId::ShowWatermarkPresets, tr("Manage")}}) {
         QToolButton *const button =
             actions.makeButton(id, nullptr, CommandActions::ButtonStyle::TextBesideIcon);
         button->setText(text);
@@ -100,34 +94,6 @@ void AllPresetsList::fill(QWidget &content, CommandActions &actions)
     layout->setSpacing(look::kSmallGap);
     layout->addWidget(m_table, 1);
     layout->addLayout(buttons);
-}
-
-void AllPresetsList::followPhoto(AppController &controller)
-{
-    m_pictures.setPhoto(controller.imageSet().shownImage());
-    connect(&controller.imageSet(), &ImageSet::shownImageChanged, &m_pictures, &PresetPictures::setPhoto);
-    connect(&controller, &AppController::imageOutdated, this,
-            [this](const std::shared_ptr<ImageObject> &photo) {
-                if (photo == m_pictures.photo())
-                    m_pictures.outdatePhoto();
-            });
-}
-
-/// Of a painted row. The room is kept until there is a picture.
-QIcon AllPresetsList::pictureOf(const std::shared_ptr<WPreset> &preset)
-{
-    const QSize room = kPicture * devicePixelRatioF();
-    m_pictures.setRoom(room);
-    QImage picture = m_pictures.picture(preset);
-    if (picture.isNull()) {
-        picture = QImage(room, QImage::Format_ARGB32_Premultiplied);
-        picture.fill(Qt::transparent);
-    }
-    QPixmap pixmap = QPixmap::fromImage(picture);
-    pixmap.setDevicePixelRatio(devicePixelRatioF());
-    QIcon icon(pixmap);
-    icon.addPixmap(pixmap, QIcon::Selected); // its colors stay
-    return icon;
 }
 
 WPresetList AllPresetsList::selected() const

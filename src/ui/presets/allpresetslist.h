@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "app/presetpictures.h"
+#include "ui/presets/preseticons.h"
 #include "ui/widgets/foldingsection.h"
 #include "ui/widgets/presetlistmodel.h"
 
@@ -39,12 +39,10 @@ private:
     AllPresetsList(AppController &controller, UserDefaults &defaults, CommandActions &actions,
                    QWidget *content, QWidget *parent);
     void fill(QWidget &content, CommandActions &actions);
-    void followPhoto(AppController &controller);
-    QIcon pictureOf(const std::shared_ptr<WPreset> &preset);
 
     PresetListModel m_model;
-    PresetPictures m_pictures;
     PresetListView *const m_table;
+    PresetIcons m_icons;
     QLineEdit *const m_search;
 };
 

@@ -5,10 +5,8 @@
 #include "app/appcontroller.h"
 #include "platform/userdefaults.h"
 #include "presets/presetsstore.h"
-#include "ui/editors/tokenfieldwithinsertpopup.h"
-#include "ui/editors/wpresetviewcontroller.h"
-#include "ui/editors/wtextpresetviewcontroller.h"
 #include "ui/presets/allpresetslist.h"
+#include "ui/presets/wpreseteditor.h"
 #include "ui/widgets/choicebuttons.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/look.h"
@@ -116,16 +114,9 @@ ChoiceButtons *PresetsPanel::makeModeSelector()
 
 WPresetViewController *PresetsPanel::makeEditor(UserDefaults &defaults, const QString &name)
 {
-    using Row = WPresetViewController::SavingPresetRow;
-    auto *const editor = new WPresetViewController(
-        {m_controller.presetsStore(), m_controller.photoServices().fonts, defaults}, Row::Shown);
+    WPresetViewController *const editor = makeWPresetEditor(m_controller, defaults);
     editor->setObjectName(name);
     connect(editor, &WPresetViewController::edited, &m_controller.undoHistory(), &UndoHistory::presetEdited);
-    editor->textEditor().tokenField().setValueOnPhoto(
-        [&set = m_controller.imageSet()](const QString &token) -> std::optional<QString> {
-            const std::shared_ptr<ImageObject> image = set.shownImage();
-            return image ? image->facts().stringForInfoToken(token) : std::nullopt;
-        });
     return editor;
 }
 
@@ -218,7 +209,7 @@ QWidget *PresetsPanel::makeAppliedList()
     m_appliedTable->setContextMenuPolicy(Qt::ActionsContextMenu);
     for (const ActionId id :
          {ActionId::MovePresetsUp, ActionId::MovePresetsDown, ActionId::RemoveAppliedPresets,
-          ActionId::ClearAppliedPresets, ActionId::ToggleWatermarkPresets})
+          ActionId::ClearAppliedPresets, ActionId::ShowWatermarkPresets})
         m_appliedTable->addAction(m_actions.action(id));
 
     auto *const part = new QWidget;
@@ -343,6 +334,7 @@ void PresetsPanel::saveQuickPreset()
     const std::shared_ptr<WPreset> saved = m_controller.presetCommands().saveQuickAsWPreset();
     m_all->select(saved.get());
     m_controller.statusManager().notify(tr("“%1” was added to all presets").arg(saved->name()));
+    m_actions.run(ActionId::ShowWatermarkPresets); // there it gets a name
 }
 
 void PresetsPanel::updatePreset()
@@ -393,7 +385,7 @@ void PresetsPanel::showApplied()
 void PresetsPanel::doubleMouseClick(const std::shared_ptr<WPreset> &preset)
 {
     m_all->select(preset.get());
-    m_actions.run(ActionId::ToggleWatermarkPresets);
+    m_actions.run(ActionId::ShowWatermarkPresets);
 }
 
 } // namespace plexa

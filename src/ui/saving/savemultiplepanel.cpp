@@ -246,11 +246,12 @@ void SaveMultiplePanel::showSavingPresetsMenu()
         load->addAction(preset->name(), this,
                         [&store, preset] { store.quickSavingPreset()->copyFrom(*preset); });
     load->setEnabled(!store.savingPresets().empty());
-    menu.addAction(tr("Save as new preset"), this, [&store] {
+    menu.addAction(tr("Save as new preset"), this, [this, &store] {
         std::shared_ptr<SavingPreset> copy = store.quickSavingPreset()->copy();
         copy->setName(tr("Saved preset"));
-        store.savingPresetList().append({copy});
+        m_services.managePresets(m_services.controller.savingPresetEdits().append({std::move(copy)}));
     });
+    menu.addAction(tr("Manage presets"), this, [this] { m_services.managePresets(-1); });
     menu.exec(m_savingPresetsButton->mapToGlobal(m_savingPresetsButton->rect().bottomLeft()));
 }
 

@@ -6,6 +6,8 @@
 
 #include <QDialog>
 
+#include <functional>
+
 class QCheckBox;
 class QFormLayout;
 class QLabel;
@@ -32,6 +34,8 @@ public:
         AppController &controller;
         UserDefaults &defaults;
         Alerts &alerts;
+        /// Shows the manager of saving presets. @param row  to select; -1: none
+        std::function<void(int row)> managePresets;
     };
 
     /// @param services  outlive the panel

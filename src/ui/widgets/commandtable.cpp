@@ -80,11 +80,14 @@ std::vector<CommandRow> makeTable()
         {UpdatePreset, M::Watermark, false, "updatePreset", TEXT("Upda&te Loaded Preset"), TEXT("Give the preset that was loaded last the settings of the single watermark"), "", "", {N::LoadedPreset}},
         {LoadPreset, M::Watermark, false, "loadPreset", TEXT("&Load into Single Watermark"), TEXT("Edit a copy of the selected preset as the single watermark"), "", "load-preset", {N::OneSelectedPreset}},
 
+        {ShowWatermarkPresets, M::Watermark, true, "showWatermarkPresets", TEXT("&Manage Presets…"), TEXT("Create, edit and remove watermark presets"), "", "manage"},
+        {ShowSavingPresets, M::Watermark, false, "showSavingPresets", TEXT("Mana&ge Saving Presets…"), TEXT("Create, edit and remove saving presets"), "", ""},
+
         {Minimize, M::Window, false, "minimize", TEXT("&Minimize"), TEXT("Minimize this window"), "Ctrl+M", "", {}, false, true},
         {ToggleFullScreen, M::Window, false, "toggleFullScreen", TEXT("&Full Screen"), TEXT("Fill the screen with this window"), "F11", "", {}, false, true},
         {ShowMainWindow, M::Window, false, "showMainWindow", TEXT("Main &Window"), TEXT("Bring this window to the front"), "", "", {}, false, true},
-        {ToggleWatermarkPresets, M::Window, true, "toggleWatermarkPresets", TEXT("Watermark &Presets"), TEXT("Create, edit and remove watermark presets"), "Ctrl+Shift+W", "manage"},
-        {ToggleSavingPresets, M::Window, false, "toggleSavingPresets", TEXT("&Saving Presets"), TEXT("Create, edit and remove saving presets"), "Ctrl+Shift+P", ""},
+        {ToggleWatermarkPresets, M::Window, true, "toggleWatermarkPresets", TEXT("Watermark &Presets"), TEXT("Show or close the window of all watermark presets"), "Ctrl+Shift+W", ""},
+        {ToggleSavingPresets, M::Window, false, "toggleSavingPresets", TEXT("&Saving Presets"), TEXT("Show or close the window of all saving presets"), "Ctrl+Shift+P", ""},
         {ToggleMetadata, M::Window, false, "toggleMetadata", TEXT("Image Meta&data"), TEXT("Show and edit the metadata of the selected photos"), "Ctrl+Shift+I", "info", {N::SmallBatchMode, N::Selection}, true},
 
         {UserGuide, M::Help, false, "userGuide", TEXT("User &Guide"), TEXT("Read how Plexa works"), "F1", "help", {}, false, true},

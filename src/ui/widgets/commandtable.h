@@ -71,6 +71,8 @@ enum class ActionId {
     SaveQuickPreset,
     UpdatePreset,
     LoadPreset,
+    ShowWatermarkPresets,
+    ShowSavingPresets,
 
     Minimize,
     ToggleFullScreen,

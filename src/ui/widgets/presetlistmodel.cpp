@@ -40,12 +40,14 @@ QVariant PresetRowsModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
+    if (role == Qt::DecorationRole) {
+        const QIcon shown = picture(index.row());
+        return shown.isNull() ? QVariant() : shown;
+    }
     const Row shown = row(index.row());
     switch (role) {
     case Qt::DisplayRole:
         return shown.name;
-    case Qt::DecorationRole:
-        return shown.picture;
     case Qt::ToolTipRole:
         return plainToolTip(shown.fault.isEmpty() ? shown.name : shown.fault);
     case Qt::ForegroundRole:

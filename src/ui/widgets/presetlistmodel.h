@@ -40,13 +40,14 @@ protected:
     struct Row {
         QString name;
         QString fault; ///< why the preset is invalid; empty: it is valid
-        QVariant picture;
     };
 
     using QAbstractListModel::QAbstractListModel;
 
     /// @param row  exists
     virtual Row row(int row) const = 0;
+    /// A null icon: none.
+    virtual QIcon picture(int row) const = 0;
 
     /// Why a preset is not valid, for a tool tip.
     static QString faultOf(const WPreset &preset);
@@ -81,6 +82,7 @@ public:
 
 private:
     Row row(int row) const override;
+    QIcon picture(int row) const override;
 
     Presets m_presets;
     Picture m_picture;
@@ -144,9 +146,13 @@ template<class Preset>
 PresetRowsModel::Row PresetListModelOf<Preset>::row(int row) const
 {
     const std::shared_ptr<Preset> &preset = m_presets[static_cast<std::size_t>(row)];
-    const QIcon picture = m_picture ? m_picture(preset) : QIcon();
-    return {preset->name(), preset->validPreset() ? QString() : faultOf(*preset),
-            picture.isNull() ? QVariant() : picture};
+    return {preset->name(), preset->validPreset() ? QString() : faultOf(*preset)};
+}
+
+template<class Preset>
+QIcon PresetListModelOf<Preset>::picture(int row) const
+{
+    return m_picture ? m_picture(m_presets[static_cast<std::size_t>(row)]) : QIcon();
 }
 
 } // namespace plexa

@@ -161,8 +161,17 @@ void PresetListView::selectRows(const IndexList &rows)
             first = index;
     }
     selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
-    if (first.isValid())
-        selectionModel()->setCurrentIndex(first, QItemSelectionModel::NoUpdate);
+    if (!first.isValid())
+        return;
+    m_keepsSelection = true;
+    setCurrentIndex(first); // a range that is selected next begins there
+    m_keepsSelection = false;
+}
+
+QItemSelectionModel::SelectionFlags PresetListView::selectionCommand(const QModelIndex &index,
+                                                                     const QEvent *event) const
+{
+    return m_keepsSelection ? QItemSelectionModel::NoUpdate : QListView::selectionCommand(index, event);
 }
 
 void PresetListView::paintEvent(QPaintEvent *event)

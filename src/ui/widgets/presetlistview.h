@@ -59,6 +59,8 @@ Q_SIGNALS:
 
 protected:
     bool event(QEvent *event) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index,
+                                                         const QEvent *event) const override;
     void paintEvent(QPaintEvent *event) override;
     void startDrag(Qt::DropActions actions) override;
     void keyPressEvent(QKeyEvent *event) override;
@@ -74,6 +76,7 @@ private:
     QSortFilterProxyModel *const m_shown;
     const PresetListView *m_otherSource = nullptr;
     QString m_emptyHint;
+    bool m_keepsSelection = false; // when the current row changes
 };
 
 } // namespace plexa

@@ -213,7 +213,7 @@ QWidget *MainWindow::makeBottomBar()
 void MainWindow::connectCommands()
 {
     AppController &controller = m_services.controller;
-    connectWindowCommands(*m_actions, m_services, *this, *m_imageListPane);
+    connectWindowCommands(*m_actions, m_services, *this, *m_imageListPane, *m_presetsPanel);
     for (const ActionId id : {ActionId::MovePhotosUp, ActionId::MovePhotosDown})
         m_actions->useShortcutIn(*m_imageViewBrowserSplitView, id);
     connect(&controller, &AppController::commandStateChanged, m_actions, &CommandActions::scheduleUpdate);

@@ -132,7 +132,7 @@ private Q_SLOTS:
 
         // One on an applied preset finds it among all, and opens their manager.
         int opened = 0;
-        f.window.actions().setHandler(ActionId::ToggleWatermarkPresets, [&] { ++opened; });
+        f.window.actions().setHandler(ActionId::ShowWatermarkPresets, [&] { ++opened; });
         f.mouse(applied, 0, true);
         QCOMPARE(all.selectedRows(), IndexList({3}));
         QCOMPARE(opened, 1);
@@ -160,7 +160,7 @@ private Q_SLOTS:
         QCOMPARE(hint.text(), u"“Saved Quick Preset” was added to all presets"_qs);
         QVERIFY(f.applied.isInSingleMode()); // the photos keep their watermark
         f.applied.modeDidChange(AppliedPresets::Mode::Presets);
-        f.window.actions().setHandler(ActionId::ToggleWatermarkPresets, {});
+        f.window.actions().setHandler(ActionId::ShowWatermarkPresets, {});
         f.applied.addWPresetsToApplied(f.presets);
         Panel::mouse(f.appliedTable, 0, true);
         QVERIFY(hint.text().contains(u"does not have this command"));
