@@ -130,13 +130,12 @@ wait "$program" || fail "the program ended with status $?"
 stores 'runNumber=3' || fail 'the third run was not counted'
 [[ ! -s $work/plexa.txt ]] || fail 'the program printed messages'
 
-# A signal lets the copies under way end, and stores the settings.
+# A save goes on without the window. A signal lets the copies under way end, and stores the settings.
 mkdir "$work/many"
 convert-im6.q16 -size 2400x1800 plasma:red-blue "$work/many/0.png"
-for ((i = 1; i < 60; i++)); do ln "$work/many/0.png" "$work/many/$i.png"; done
+for ((i = 1; i < 250; i++)); do ln "$work/many/0.png" "$work/many/$i.png"; done
 rm -r "$copies"
-env -u DBUS_SESSION_BUS_ADDRESS "$plexa" "$work/many" >"$work/plexa.txt" 2>&1 &
-program=$!
+start_program "$work/many"
 wait_for_window 'with many photos'
 picture many
 xdotool key ctrl+shift+s
@@ -144,11 +143,16 @@ wait_until 'the panel for saving was not shown' find_panel
 xdotool windowfocus --sync "$panel" key Return
 has_copies() { compgen -G "$copies/*.jpg"; }
 wait_until 'no copy was saved' has_copies
+xdotool windowfocus --sync "$window" key ctrl+w
+wait_until 'closing during a save was not questioned' find_box
+xdotool windowfocus --sync "$box" key Tab Return
+wait_until 'the window was not closed during a save' is_hidden
+! has_ended || fail 'the program ended with its window during a save'
 kill -TERM "$program"
 wait_until 'the signal did not end the program' has_ended
 wait "$program" || fail "the program ended with status $?"
 written=("$copies"/*.jpg)
-((${#written[@]} < 60)) || fail 'the run was over too early'
+((${#written[@]} < 250)) || fail 'the run was over too early'
 for copy in "${written[@]}"; do
     [[ $(identify-im6.q16 -regard-warnings -format '%wx%h' "$copy") == 2400x1800 ]] || fail "half a copy: $copy"
 done
