@@ -7,11 +7,11 @@
 #include "presets/presetsstore.h"
 #include "ui/presets/allpresetslist.h"
 #include "ui/presets/wpreseteditor.h"
+#include "ui/widgets/choicebuttons.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/look.h"
 #include "ui/widgets/presetlistview.h"
 #include "ui/widgets/sectiontitle.h"
-#include "ui/widgets/segmentedswitch.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -98,14 +98,14 @@ PresetsPanel::PresetsPanel(AppController &controller, UserDefaults &defaults, Co
     showApplied();
 }
 
-SegmentedSwitch *PresetsPanel::makeModeSelector()
+ChoiceButtons *PresetsPanel::makeModeSelector()
 {
-    auto *const selector = new SegmentedSwitch(tr("Watermark mode"), this);
+    auto *const selector = new ChoiceButtons(tr("Watermark mode"), ChoiceButtons::Look::Texts, 0, this);
     selector->setObjectName(QStringLiteral("modeSegments"));
     auto *const items = new QActionGroup(&m_actions);
     for (const auto &[id, text] :
          {std::pair(ActionId::SingleMode, tr("Single")), {ActionId::PresetsMode, tr("Presets")}}) {
-        m_actions.bindButton(id, selector->addPart(text));
+        m_actions.bindButton(id, selector->addChoice(text));
         m_actions.action(id)->setCheckable(true);
         items->addAction(m_actions.action(id));
     }
@@ -366,7 +366,7 @@ WPresetList PresetsPanel::selectedWPresets() const
 void PresetsPanel::showMode()
 {
     const int mode = m_applied.isInSingleMode() ? 0 : 1;
-    m_modeSelector->check(mode);
+    m_modeSelector->setIndex(mode);
     m_actions.action(mode == 0 ? ActionId::SingleMode : ActionId::PresetsMode)->setChecked(true);
     m_modeContainer->setCurrentIndex(mode);
 }

@@ -20,9 +20,9 @@ namespace plexa
 class AllPresetsList;
 class AppController;
 class AppliedPresets;
+class ChoiceButtons;
 class CommandActions;
 class PresetListView;
-class SegmentedSwitch;
 class UserDefaults;
 class WPresetViewController;
 
@@ -42,7 +42,7 @@ public:
     WPresetList selectedWPresets() const;
 
 private:
-    SegmentedSwitch *makeModeSelector();
+    ChoiceButtons *makeModeSelector();
     WPresetViewController *makeEditor(UserDefaults &defaults, const QString &name);
     QWidget *makeSingleView();
     void fillLoadMenu(QMenu &menu);
@@ -64,7 +64,7 @@ private:
     AppController &m_controller;
     AppliedPresets &m_applied;
     CommandActions &m_actions;
-    SegmentedSwitch *const m_modeSelector;
+    ChoiceButtons *const m_modeSelector;
     PresetListModel *const m_appliedModel;
     PresetListView *const m_appliedTable;
     AllPresetsList *const m_all;
