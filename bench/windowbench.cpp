@@ -5,7 +5,8 @@
 //   plexa-bench-window table COUNT   scrolls and filters a table of COUNT photos
 //   plexa-bench-window import FOLDER drops a folder on the window and waits until all thumbnails are there
 //   plexa-bench-window preview FOLDER
-//                                    selects its photos, and changes and drags three watermarks on the first
+//                                    selects its photos, and changes three watermarks on the first by the
+//                                    controls of the editor, and drags them; alone, then above two others
 //
 // Prints a line for each action: the longest pause in milliseconds, and its name. Pauses are processor time
 // of the main thread. For the import, where the thread may also wait for another one, they are the elapsed
@@ -33,13 +34,17 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QScrollArea>
 #include <QScrollBar>
+#include <QSlider>
+#include <QSpinBox>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QUrl>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -198,6 +203,72 @@ void print(const QString &what, const Frames &frames)
     print(qPrintable(what + QStringLiteral(", main")), frames.main);
 }
 
+void sendMouse(QWidget &widget, QEvent::Type type, QPointF at)
+{
+    QMouseEvent event(type, at, widget.mapToGlobal(at), Qt::LeftButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(&widget, &event);
+}
+
+/// Moves a control of the editor: a slider by its handle, a wheel by its hand, a number by its stepper.
+Frames slideFrames(QWidget &control, const std::function<bool()> &isDrawn)
+{
+    constexpr int kSteps = 60;
+    for (QWidget *parent = control.parentWidget(); parent; parent = parent->parentWidget()) {
+        if (auto *const editor = qobject_cast<QScrollArea *>(parent))
+            editor->ensureWidgetVisible(&control);
+    }
+    QCoreApplication::processEvents();
+    if (auto *const box = qobject_cast<QSpinBox *>(&control))
+        return framesOf(isDrawn, kSteps, [box](int i) {
+            QKeyEvent key(QEvent::KeyPress, i % 20 < 10 ? Qt::Key_Up : Qt::Key_Down, {});
+            QCoreApplication::sendEvent(box, &key);
+        });
+    const QRectF area = control.rect();
+    const bool isWheel = !qobject_cast<QSlider *>(&control);
+    const auto place = [&](int i) {
+        const double share = double(i + 1) / (kSteps + 1);
+        const QPointF around(std::cos(6 * share), std::sin(6 * share));
+        return area.center() +
+               (isWheel ? 0.4 * area.height() * around : QPointF((share - 0.5) * area.width(), 0));
+    };
+    const auto &slider = static_cast<const QAbstractSlider &>(control);
+    const double share = double(slider.value() - slider.minimum()) / (slider.maximum() - slider.minimum());
+    const QPointF handle(area.left() + share * (area.width() - 1), area.center().y());
+    sendMouse(control, QEvent::MouseButtonPress, isWheel ? place(0) : handle);
+    const Frames frames =
+        framesOf(isDrawn, kSteps, [&](int i) { sendMouse(control, QEvent::MouseMove, place(i)); });
+    sendMouse(control, QEvent::MouseButtonRelease, place(kSteps - 1));
+    return frames;
+}
+
+/// A preset of three marks: an outlined text, tiles of it, a tilted logo with a shadow.
+struct Mark {
+    QString name;
+    const char *control;
+    std::function<void(WPreset &)> prepare;
+};
+
+std::vector<Mark> marksOfBench()
+{
+    QImage logo(1200, 800, QImage::Format_ARGB32_Premultiplied);
+    logo.fill(QColor(200, 40, 40, 160));
+    return {{QStringLiteral("outlined text"), "fontSizeTextField", [](WPreset &) {}},
+            {QStringLiteral("tiles"), "opacitySlider",
+             [](WPreset &preset) {
+                 preset.setReplicateHorizontal(true);
+                 preset.setReplicateVertical(true);
+                 preset.setWidth(20);
+             }},
+            {QStringLiteral("tilted logo with shadow"), "angleSlider", [logo](WPreset &preset) {
+                 preset.setReplicateHorizontal(false);
+                 preset.setReplicateVertical(false);
+                 preset.setImage(WatermarkPicture::fromImage(logo));
+                 preset.setType(QStringLiteral("Image"));
+                 preset.setWidth(40);
+                 preset.setShadow(true);
+             }}};
+}
+
 void benchPreview(MainWindow &window, AppController &controller, const QString &folder)
 {
     ImageGathering &gathering = controller.gathering();
@@ -213,34 +284,33 @@ void benchPreview(MainWindow &window, AppController &controller, const QString &
                                              [&](int i) { selection.selectIndexes({i}); }));
 
     selection.selectIndexes({0});
-    WPreset &preset = *controller.appliedPresets().quickWPreset();
-    const auto measure = [&](const QString &name, const std::function<void(int)> &slide) {
-        print(name + QStringLiteral(" slider"), framesOf(isDrawn, 60, slide));
+    const auto measure = [&](const QString &name, QWidget &control) {
+        print(name + QStringLiteral(" slider"), slideFrames(control, isDrawn));
         const QPointF center = view.geometry().imageToView(view.watermarkRect()).center();
-        const auto send = [&](QEvent::Type type, QPointF at) {
-            QMouseEvent event(type, at, view.mapToGlobal(at), Qt::LeftButton, Qt::LeftButton, {});
-            QCoreApplication::sendEvent(&view, &event);
-        };
-        send(QEvent::MouseButtonPress, center);
-        print(name + QStringLiteral(" drag"),
-              framesOf(isDrawn, 60, [&](int i) { send(QEvent::MouseMove, center - QPointF(0, 2.0 * i)); }));
-        send(QEvent::MouseButtonRelease, center);
+        sendMouse(view, QEvent::MouseButtonPress, center);
+        print(name + QStringLiteral(" drag"), framesOf(isDrawn, 60, [&](int i) {
+                  sendMouse(view, QEvent::MouseMove, center - QPointF(0, 2.0 * i));
+              }));
+        sendMouse(view, QEvent::MouseButtonRelease, center);
         controller.resetManualPositioning(AppController::Presets::All);
     };
-    measure(QStringLiteral("outlined text"), [&](int i) { preset.setFontSize(10 + i % 10); });
-    preset.setReplicateHorizontal(true);
-    preset.setReplicateVertical(true);
-    preset.setWidth(20);
-    measure(QStringLiteral("tiles"), [&](int i) { preset.setOpacity(40 + i); });
-    preset.setReplicateHorizontal(false);
-    preset.setReplicateVertical(false);
-    QImage logo(1200, 800, QImage::Format_ARGB32_Premultiplied);
-    logo.fill(QColor(200, 40, 40, 160));
-    preset.setImage(WatermarkPicture::fromImage(logo));
-    preset.setType(QStringLiteral("Image"));
-    preset.setWidth(40);
-    preset.setShadow(true);
-    measure(QStringLiteral("tilted logo with shadow"), [&](int i) { preset.setAngle(float(i)); });
+    AppliedPresets &applied = controller.appliedPresets();
+    const auto measureAll = [&](const QString &where, const char *editorName, WPreset &preset) {
+        const auto *const editor = window.findChild<QScrollArea *>(QLatin1String(editorName));
+        for (const Mark &mark : marksOfBench()) {
+            mark.prepare(preset);
+            measure(mark.name + where, *editor->findChild<QWidget *>(QLatin1String(mark.control)));
+        }
+    };
+    const std::shared_ptr<WPreset> stored = applied.quickWPreset()->copy();
+    measureAll({}, "quickWPresetEditor", *applied.quickWPreset());
+    // Two more are drawn below it, and the list shows the pictures of all.
+    PresetList<WPreset> &list = controller.presetsStore().wPresetList();
+    list.append({stored->copy(), stored->copy(), stored});
+    applied.addWPresetsToApplied(list.presets());
+    applied.modeDidChange(AppliedPresets::Mode::Presets);
+    applied.selectRows({static_cast<int>(list.presets().size()) - 1});
+    measureAll(QStringLiteral(" of presets"), "wPresetEditor", *stored);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "platform/settings.h"
 #include "platform/userdefaults.h"
 #include "presets/presetsstore.h"
+#include "saving/savingsettings.h"
 
 namespace plexa
 {
@@ -12,7 +13,13 @@ namespace plexa
 AppController::AppController(const Services &services)
     : m_services(services)
     , m_appliedPresets(services.defaults)
-    , m_presetCommands({services.store, services.alerts, m_status})
+    , m_presetCommands({services.store, m_appliedPresets, services.alerts, m_status})
+    , m_wPresetEdits(
+          services.store.wPresetList(), [this](const auto &...step) { m_history.record(step...); },
+          [this] { return appliedPresetsNow(); })
+    , m_savingPresetEdits(
+          services.store.savingPresetList(), [this](const auto &...step) { m_history.record(step...); },
+          [this] { return assignedSavingPresetsNow(); })
     , m_imageSet({services.photos, services.defaults, services.alerts, m_status, services.threads})
     , m_gathering(m_imageSet,
                   {services.photos, services.defaults, services.alerts, m_status, services.threads})
@@ -34,8 +41,14 @@ void AppController::connectChanges()
                 m_imageSet.forgetThumbnail(*image);
             });
     connect(&m_positions, &ManualPositions::pasteFinished, this, &AppController::previewOutdated);
+    connect(&m_presetCommands, &PresetCommands::edited, &m_history, &UndoHistory::record);
     connect(&m_history, &UndoHistory::placesRestored, this, &AppController::previewOutdated);
     connect(&m_appliedPresets, &AppliedPresets::previewOutdated, this, &AppController::previewOutdated);
+
+    connect(&m_history, &UndoHistory::changed, this, [this] {
+        m_wPresetEdits.endRun();
+        m_savingPresetEdits.endRun();
+    });
 
     const auto changed = &AppController::commandStateChanged;
     connect(&m_batchOperation, &BatchImageOperation::operationFinished, this, changed);
@@ -44,6 +57,9 @@ void AppController::connectChanges()
     connect(&m_positions, &ManualPositions::pasteFinished, this, changed);
     connect(&m_positions, &ManualPositions::edited, this, changed);
     connect(&m_history, &UndoHistory::changed, this, changed);
+    connect(&m_presetCommands, &PresetCommands::loadedWPresetChanged, this, changed);
+    for (const auto signal : {&PresetListSignals::inserted, &PresetListSignals::removed})
+        connect(&m_services.store.wPresetList(), signal, this, changed);
     connect(&m_appliedPresets, &AppliedPresets::appliedChanged, this, changed);
     connect(&m_appliedPresets, &AppliedPresets::selectedRowsChanged, this, changed);
     connect(&m_appliedPresets, &AppliedPresets::modeChanged, this, changed);
@@ -57,6 +73,10 @@ void AppController::connectChanges()
     connect(&m_imageSet, &ImageSet::listReset, this, changed);
     connect(&m_save, &BatchSave::started, this, changed);
     connect(&m_save, &BatchSave::finished, this, changed);
+    connect(&m_save, &BatchSave::finished, this, [this] {
+        if (!m_waitingFiles.isEmpty())
+            addFiles(std::exchange(m_waitingFiles, {}));
+    });
     connect(&m_services.store, &PresetsStore::quickWPresetChanged, this, &AppController::useQuickPreset);
     useQuickPreset();
     connect(&m_services.store.wPresetList(), &PresetListSignals::aboutToRemove, this,
@@ -72,8 +92,39 @@ void AppController::useQuickPreset()
     m_appliedPresets.setQuickWPreset(m_services.store.quickWPreset());
 }
 
+/// A removed watermark preset is no longer applied.
+std::function<void()> AppController::appliedPresetsNow()
+{
+    return [this, applied = m_appliedPresets.applied()] {
+        if (m_appliedPresets.wPresetsApplied() != applied.presets)
+            m_appliedPresets.restoreApplied(applied);
+    };
+}
+
+/// A removed saving preset is no longer assigned to watermark presets.
+std::function<void()> AppController::assignedSavingPresetsNow()
+{
+    WPresetList presets = m_services.store.wPresets();
+    presets.push_back(m_services.store.quickWPreset());
+    std::vector<std::pair<std::shared_ptr<WPreset>, SavingPresetPtr>> assigned;
+    for (const std::shared_ptr<WPreset> &preset : presets) {
+        if (preset->assignedSavingPreset())
+            assigned.emplace_back(preset, preset->assignedSavingPreset());
+    }
+    return [assigned = std::move(assigned)] {
+        for (const auto &[preset, savingPreset] : assigned) {
+            if (!preset->assignedSavingPreset())
+                preset->setAssignedSavingPreset(savingPreset);
+        }
+    };
+}
+
 void AppController::addFiles(const QStringList &paths)
 {
+    if (m_save.isSavingInProgress()) {
+        m_waitingFiles += paths;
+        return;
+    }
     m_gathering.scanImagesAtPaths(m_presetCommands.importPresetsFiles(paths));
 }
 
@@ -85,9 +136,7 @@ void AppController::readPresets()
 
 void AppController::rememberPresets()
 {
-    m_services.store.saveWPresets(PresetsStore::Slot::Quick);
-    m_services.store.saveSavingPresets(PresetsStore::Slot::Quick);
-    m_services.store.saveChanges();
+    m_services.store.saveAll();
     m_appliedPresets.rememberAppliedPresets();
 }
 
@@ -104,6 +153,7 @@ CommandState AppController::commandState() const
     state.canUndo = m_history.canUndo();
     state.canRedo = m_history.canRedo();
     state.hasCopiedPositions = m_positions.hasCopy();
+    state.hasLoadedWPreset = m_presetCommands.loadedWPreset() != nullptr;
     state.hasCurrentWPreset = current != nullptr;
     state.nSelected = m_imageSet.selection().selectedIndexes().size();
     state.nShown = static_cast<qsizetype>(m_imageSet.imagesFiltered()->size());
@@ -123,6 +173,23 @@ CommandState AppController::commandState() const
         state.canCopyForAllPresets = ManualPositions::canCopyForPresets(*image, effective);
     }
     return state;
+}
+
+void AppController::saveImages(Photos photos)
+{
+    const ImageList images =
+        photos == Photos::Selected ? m_imageSet.selectedImages() : *m_imageSet.imagesFiltered();
+    if (!images.empty() && !m_appliedPresets.effectivePresets().empty() && !m_save.isSavingInProgress())
+        Q_EMIT savePanelWanted(images);
+}
+
+void AppController::didEndSaveMultiplePanel(const ImageList &photos)
+{
+    SavingPreset &preset = *m_services.store.quickSavingPreset();
+    SavingPresetValues values = preset.values();
+    completeFilenameTokens(values, m_services.alerts);
+    preset.setFilenameTokens(values.filenameTokens);
+    startSaving(photos);
 }
 
 bool AppController::startSaving(const ImageList &photos)

@@ -11,6 +11,7 @@
 #include "app/imagesorting.h"
 #include "app/manualpositions.h"
 #include "app/presetcommands.h"
+#include "app/presetedits.h"
 #include "app/statusmanager.h"
 #include "app/undohistory.h"
 
@@ -47,10 +48,13 @@ public:
     BatchSave &batchSave() { return m_save; }
     PresetsStore &presetsStore() { return m_services.store; }
     PresetCommands &presetCommands() { return m_presetCommands; }
+    /// The changes of the user's lists of presets, which undoHistory() undoes.
+    WPresetEdits &wPresetEdits() { return m_wPresetEdits; }
+    SavingPresetEdits &savingPresetEdits() { return m_savingPresetEdits; }
     const PhotoServices &photoServices() const { return m_services.photos; }
 
     /// Adds photos and folders to the working set, and the presets of preset files to the user's. Both happen
-    /// in the background.
+    /// in the background; during a save, after its end.
     void addFiles(const QStringList &paths);
 
     /// Reads the presets and applies those of the last time, if the settings ask for it.
@@ -62,7 +66,13 @@ public:
     /// The state that the rules of the commands depend on, except for the selection in lists of a window.
     CommandState commandState() const;
 
-    /// Saves copies of these photos with the present presets and settings.
+    enum class Photos { Selected, All };
+    /// Asks for the save panel for these photos, unless none or no watermark is there.
+    void saveImages(Photos photos);
+    /// The user has accepted the save panel for these photos.
+    void didEndSaveMultiplePanel(const ImageList &photos);
+
+    /// Saves copies of these photos with the present presets and settings. Asks nothing before it returns.
     /// @return false, and nothing happens, while another save runs or without photos or presets
     bool startSaving(const ImageList &photos);
 
@@ -84,6 +94,7 @@ public:
     void stopAllOperations();
 
 Q_SIGNALS:
+    void savePanelWanted(const plexa::ImageList &photos);
     /// The preview has to be drawn again.
     void previewOutdated();
     /// The picture of one photo has changed.
@@ -96,11 +107,16 @@ Q_SIGNALS:
 private:
     void connectChanges();
     void useQuickPreset();
+    std::function<void()> appliedPresetsNow();
+    std::function<void()> assignedSavingPresetsNow();
 
     const Services m_services;
+    QStringList m_waitingFiles; // for the end of a save
     StatusManager m_status;
     AppliedPresets m_appliedPresets;
     PresetCommands m_presetCommands;
+    WPresetEdits m_wPresetEdits;
+    SavingPresetEdits m_savingPresetEdits;
     ImageSet m_imageSet;
     ImageGathering m_gathering;
     ImageSorting m_sorting;

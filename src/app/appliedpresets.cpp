@@ -132,9 +132,17 @@ WPresetList AppliedPresets::appliedAnd(const WPresetList &presets) const
     return applied;
 }
 
-void AppliedPresets::addWPresetsToApplied(const WPresetList &presets)
+void AppliedPresets::addWPresetsToApplied(const WPresetList &presets, std::optional<int> toRow)
 {
-    edit(EditKind::Apply, appliedAnd(presets), m_selectedRows);
+    const int end = static_cast<int>(m_wPresetsApplied.size());
+    const int row = std::clamp(toRow.value_or(end), 0, end);
+    WPresetList all = appliedAnd(presets);
+    const auto nAdded = static_cast<int>(all.size()) - end;
+    std::rotate(all.begin() + row, all.begin() + end, all.end());
+    IndexList selected;
+    for (const int former : std::as_const(m_selectedRows))
+        selected.append(former < row ? former : former + nAdded);
+    edit(EditKind::Apply, std::move(all), selected);
 }
 
 void AppliedPresets::removeSelectedAppliedPresets()

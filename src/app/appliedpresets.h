@@ -8,6 +8,8 @@
 
 #include <QObject>
 
+#include <optional>
+
 namespace plexa
 {
 
@@ -46,8 +48,8 @@ public:
     /// The preset of commands for one preset; may be null.
     std::shared_ptr<WPreset> currentWPreset() const;
 
-    /// Appends the presets that are not applied yet.
-    void addWPresetsToApplied(const WPresetList &presets);
+    /// Adds the presets that are not applied yet, at the end or before the row `toRow`.
+    void addWPresetsToApplied(const WPresetList &presets, std::optional<int> toRow = {});
     void removeSelectedAppliedPresets();
     void clearAppliedPresets();
     void removeFromApplied(const WPreset *preset);

@@ -7,6 +7,9 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
+#include <utility>
+
 namespace plexa
 {
 
@@ -25,10 +28,8 @@ BatchSave::~BatchSave()
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
-bool BatchSave::start(const Order &order)
+SavingRun BatchSave::runFor(const Order &order) const
 {
-    if (isSavingInProgress() || order.photos.empty() || order.effectivePresets.empty())
-        return false;
     SavingRun run;
     run.photoCount = order.photos.size();
     run.photoAt = [photos = order.photos](std::size_t index) {
@@ -38,13 +39,24 @@ bool BatchSave::start(const Order &order)
     run.defaultSavingPreset = order.defaultSavingPreset;
     run.isInSingleMode = order.isInSingleMode;
     run.jobs = m_services.threads;
-    followSettings(run, m_services.defaults);
-    m_maximum = 0;
-    m_copies = 0;
-    m_counts = {};
+    if (order.exchangeFolder.isEmpty())
+        followSettings(run, m_services.defaults);
+    else
+        followSettingsForCompanion(run, m_services.defaults, order.exchangeFolder);
+    return run;
+}
+
+bool BatchSave::start(const Order &order)
+{
+    if (isSavingInProgress() || order.photos.empty() || order.effectivePresets.empty())
+        return false;
+    m_isTerminating = false;
+    m_report = SavingReport();
+    m_savedImagesInfo.clear();
+    m_photoCount = order.photos.size();
+    change([](SavingProgress &progress) { progress = {}; });
     m_saving.begin();
-    m_services.status.startProcessing();
-    m_job.start([this, run]() mutable {
+    m_job.start([this, run = runFor(order)]() mutable {
         completeFilenameTokens(run.defaultSavingPreset, m_services.alerts);
         m_saving.saveImages(run, *this);
         return true;
@@ -53,33 +65,80 @@ bool BatchSave::start(const Order &order)
     return true;
 }
 
-void BatchSave::begun(qint64 maximum, const QString &)
+void BatchSave::terminateOperation()
 {
-    m_maximum = maximum;
+    if (!isSavingInProgress() || std::exchange(m_isTerminating, true))
+        return;
+    m_saving.terminateOperation();
+    Q_EMIT progressChanged();
+}
+
+SavingProgress BatchSave::progress() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_progress;
+}
+
+/// Any thread. One event for all changes until it is handled.
+template<class Change>
+void BatchSave::change(Change change)
+{
+    const std::lock_guard lock(m_mutex);
+    change(m_progress);
+    if (!std::exchange(m_isReportQueued, true))
+        QMetaObject::invokeMethod(this, "reportProgress", Qt::QueuedConnection);
+}
+
+void BatchSave::reportProgress()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_isReportQueued = false;
+    }
+    Q_EMIT progressChanged();
+}
+
+void BatchSave::begun(qint64 maximum, const QString &message)
+{
+    m_report = SavingReport(maximum);
+    m_copiesPerPhoto = std::max<qint64>(maximum / static_cast<qint64>(m_photoCount), 1);
+    m_hasPicture = false;
+    change([&](SavingProgress &progress) {
+        progress.maximum = maximum;
+        progress.message = message;
+    });
+}
+
+void BatchSave::pictureBegun(const QImage &picture)
+{
+    m_hasPicture = true;
+    change([&](SavingProgress &progress) { progress.picture = picture; });
+}
+
+void BatchSave::copyBegun(qint64 value, const QString &message)
+{
+    const bool isFirstOfPhoto = (value - 1) % m_copiesPerPhoto == 0;
+    const bool isWithoutPicture = isFirstOfPhoto && !std::exchange(m_hasPicture, false);
+    change([&](SavingProgress &progress) {
+        if (isWithoutPicture)
+            progress.picture = {};
+        progress.value = value;
+        progress.message = message;
+    });
 }
 
 void BatchSave::copyFinished(const SavingOutput &output)
 {
-    ++m_counts[static_cast<std::size_t>(output.status)];
-    ++m_copies;
-    m_services.status.setProgress(static_cast<float>(m_copies) / static_cast<float>(m_maximum),
-                                  StatusOperation::Processing);
+    m_report.add(output);
+    change([](SavingProgress &progress) { ++progress.finished; });
 }
 
 void BatchSave::finish()
 {
-    m_services.status.endProcessing();
-    const auto count = [this](SavingOutput::Status status) {
-        return m_counts[static_cast<std::size_t>(status)];
-    };
-    const int written = count(SavingOutput::Status::Written);
-    QString result = written == 1 ? tr("1 copy saved") : tr("%n copies saved", nullptr, written);
-    if (const int skipped = count(SavingOutput::Status::Skipped))
-        result += tr(", %n skipped", nullptr, skipped);
-    if (const int failed = count(SavingOutput::Status::Failed))
-        result += tr(", %n failed", nullptr, failed);
-    m_services.status.notify(result);
-    m_saving.finishedSavingImages();
+    Saving::End end = m_saving.finishedSavingImages();
+    m_report.setFailureAlert(end.failures);
+    m_savedImagesInfo = end.savedImagesInfo.value_or(QStringList());
+    m_services.status.notify(m_report.summary());
     Q_EMIT finished();
 }
 

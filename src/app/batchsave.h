@@ -4,12 +4,13 @@
 
 #include "app/backgroundjob.h"
 #include "app/imagelist.h"
+#include "app/savingreport.h"
 #include "presets/savingpresetvalues.h"
 #include "saving/saving.h"
 
 #include <QObject>
 
-#include <array>
+#include <mutex>
 #include <vector>
 
 namespace plexa
@@ -18,8 +19,16 @@ namespace plexa
 class StatusManager;
 class UserDefaults;
 
-/// Saves copies of photos on a thread of its own, with its progress and the number of copies in the status
-/// line and a report of failures at the end. Main thread.
+/// What a run is doing.
+struct SavingProgress {
+    QString message;
+    QImage picture;      ///< of the photo that was begun last, at most 180 pixels; null: it is not loaded
+    qint64 value = 0;    ///< the number of the copy that was begun last
+    qint64 finished = 0; ///< copies that are made, or not
+    qint64 maximum = 0;
+};
+
+/// Saves copies of photos on a thread of its own. Main thread.
 class BatchSave final : public QObject, private SavingObserver
 {
     Q_OBJECT
@@ -37,6 +46,8 @@ public:
         std::vector<AppliedPreset> effectivePresets;
         bool isInSingleMode = false;
         SavingPresetValues defaultSavingPreset;
+        /// Not empty: copies for the companion application, in this folder and by its rules.
+        QString exchangeFolder = {};
     };
 
     /// @param services  outlive this object
@@ -49,24 +60,45 @@ public:
     bool start(const Order &order);
 
     bool isSavingInProgress() const { return m_saving.isSavingInProgress(); }
-    /// No further photo is begun.
-    void terminateOperation() { m_saving.terminateOperation(); }
+    /// No further photo is begun. Emits progressChanged().
+    void terminateOperation();
+    /// terminateOperation() was called during the run.
+    bool isTerminating() const { return m_isTerminating; }
+
+    SavingProgress progress() const;
+    /// Of the last run, once it has finished.
+    const SavingReport &report() const { return m_report; }
+    /// What the last run has for the companion application: of each written copy its path and its source's.
+    const QStringList &savedImagesInfo() const { return m_savedImagesInfo; }
 
 Q_SIGNALS:
     void started();
-    /// The user has closed the report at the end.
+    /// Once for many changes.
+    void progressChanged();
     void finished();
 
 private:
+    SavingRun runFor(const Order &order) const;
     void begun(qint64 maximum, const QString &message) override;
+    void pictureBegun(const QImage &picture) override;
+    void copyBegun(qint64 value, const QString &message) override;
     void copyFinished(const SavingOutput &output) override;
     void finish();
+    template<class Change>
+    void change(Change change);
+    Q_INVOKABLE void reportProgress();
 
     const Services m_services;
     Saving m_saving;
-    qint64 m_maximum = 0;             // of the run's thread
-    qint64 m_copies = 0;              // likewise
-    std::array<int, 4> m_counts = {}; // likewise; by SavingOutput::Status
+    bool m_isTerminating = false;
+    std::size_t m_photoCount = 1;
+    qint64 m_copiesPerPhoto = 1; // of the run's thread
+    bool m_hasPicture = false;   // likewise: the photo that begins
+    SavingReport m_report;       // likewise, while it runs
+    QStringList m_savedImagesInfo;
+    mutable std::mutex m_mutex;
+    SavingProgress m_progress;     // guarded by m_mutex
+    bool m_isReportQueued = false; // guarded by m_mutex
     BackgroundJob m_job;
 };
 

@@ -59,6 +59,8 @@ constexpr Rule kRules[] = {
      TEXT("Select at least one preset in the list of all presets first.")},
     {Need::OneSelectedPreset, [](const State &state) { return state.nSelectedWPresets == 1; },
      TEXT("Select one preset in the list of all presets first.")},
+    {Need::LoadedPreset, [](const State &state) { return state.hasLoadedWPreset; },
+     TEXT("Load a preset into the single watermark first, or save that as a new one.")},
     {Need::RoomToMovePhotosUp, [](const State &state) { return state.canMovePhotosUp; },
      TEXT("The selected photos are the first ones.")},
     {Need::RoomToMovePhotosDown, [](const State &state) { return state.canMovePhotosDown; },

@@ -32,6 +32,7 @@ enum class Need {
     AppliedSelection, ///< applied presets are selected
     PresetSelection,  ///< presets are selected in the list of all presets
     OneSelectedPreset,
+    LoadedPreset, ///< the quick preset was loaded from a preset, or saved as one
     RoomToMovePhotosUp,
     RoomToMovePhotosDown,
     RoomToMovePresetsUp,
@@ -55,6 +56,7 @@ struct CommandState {
     bool canCopyForAllPresets = false;
     bool hasCopiedPositions = false;
     bool hasCurrentWPreset = false;
+    bool hasLoadedWPreset = false;
     bool canMovePhotosUp = false;
     bool canMovePhotosDown = false;
     bool canMovePresetsUp = false;   ///< applied presets

@@ -275,6 +275,26 @@ private:
     FieldValue m_after;
 };
 
+class UndoHistory::RecordedStep final : public Step
+{
+public:
+    RecordedStep(UndoHistory &history, const QString &text, std::function<bool()> restore,
+                 std::function<bool()> repeat)
+        : Step(history, text)
+        , m_restore(std::move(restore))
+        , m_repeat(std::move(repeat))
+    {
+    }
+
+protected:
+    bool restore() override { return m_restore(); }
+    bool repeat() override { return m_repeat(); }
+
+private:
+    const std::function<bool()> m_restore;
+    const std::function<bool()> m_repeat;
+};
+
 UndoHistory::UndoHistory(const Models &models)
     : m_models(models)
 {
@@ -354,6 +374,13 @@ void UndoHistory::presetEdited(const std::shared_ptr<WPreset> &preset, FieldId f
         ++m_presetRun;
     m_presetPause.start();
     m_stack.push(new PresetStep(*this, preset, field, before, now));
+}
+
+void UndoHistory::record(const QString &text, const std::function<bool()> &restore,
+                         const std::function<bool()> &repeat)
+{
+    m_presetPause.stop();
+    m_stack.push(new RecordedStep(*this, text, restore, repeat));
 }
 
 /// Unless the user sees one of them already.

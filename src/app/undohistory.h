@@ -10,6 +10,8 @@
 #include <QTimer>
 #include <QUndoStack>
 
+#include <functional>
+
 namespace plexa
 {
 
@@ -56,6 +58,11 @@ public:
     void presetEdited(const std::shared_ptr<WPreset> &preset, FieldId field, const FieldValue &before,
                       const FieldValue &now);
 
+    /// The user has changed something that two functions change back and again.
+    /// @param restore  returns whether it changed anything, like `repeat`
+    void record(const QString &text, const std::function<bool()> &restore,
+                const std::function<bool()> &repeat);
+
 Q_SIGNALS:
     /// Other steps can be undone or redone.
     void changed();
@@ -70,6 +77,7 @@ private:
     class PlacesStep;
     class TurnStep;
     class PresetStep;
+    class RecordedStep;
 
     bool isBusy() const { return m_models.turns.isRunning() || m_models.positions.isPasting(); }
     void connectEdits();

@@ -84,7 +84,7 @@ void printMessage(const QString &text)
 
 void printAbout(const QString &path, const QString &reason)
 {
-    printMessage(QStringLiteral("%1: %2").arg(path, reason));
+    printMessage(QStringLiteral("%1: %2").arg(path.isEmpty() ? QStringLiteral("\"\"") : path, reason));
 }
 
 QByteArray jsonText(const QJsonValue &value)

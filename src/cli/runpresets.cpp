@@ -114,6 +114,10 @@ Result<void> setSavingFields(SavingPresetValues &preset, const SaveOptions &opti
             piecesOfText(QString::fromStdString(options.name), TokenUse::CopyName);
         if (!pieces)
             return fail(QStringLiteral("--name: ") + pieces.error().text);
+        if (std::any_of(pieces->begin(), pieces->end(),
+                        [](const QString &piece) { return piece.contains(u'/'); }))
+            return fail(
+                QStringLiteral("--name: a slash cannot be part of a name; --output gives the folder"));
         preset.filenameTokens = *pieces;
     }
     if (setsQuality(options) && preset.hideJPEGQuality())

@@ -67,6 +67,9 @@ public:
     /// Moves these presets, in their order, to the place before `toRow` of the former order; 0..size.
     void move(const Rows &rows, int toRow);
 
+    /// Makes these presets the list, in their order. What is in both stays in it.
+    void restore(const Presets &presets);
+
     /// @return the row to select now: of the preset that followed the last removed one, else the last row; -1
     ///         when the list is empty or nothing was removed
     int remove(const Rows &rows);
@@ -74,6 +77,7 @@ public:
 private:
     int size() const { return static_cast<int>(m_presets.size()); }
     std::set<int> existing(const Rows &rows) const;
+    void insertAt(int first, const Presets &presets);
     void moveOne(int fromRow, int toRow);
     void removeRange(int first, int last);
     void observe(const std::shared_ptr<Preset> &preset);
@@ -104,8 +108,14 @@ int PresetList<Preset>::insertAfter(const Rows &rows, const Presets &presets)
 {
     const std::set<int> after = existing(rows);
     const int first = after.empty() ? size() : *after.rbegin() + 1;
-    if (presets.empty())
-        return first;
+    if (!presets.empty())
+        insertAt(first, presets);
+    return first;
+}
+
+template<class Preset>
+void PresetList<Preset>::insertAt(int first, const Presets &presets)
+{
     const int last = first + static_cast<int>(presets.size()) - 1;
     m_presets.reserve(m_presets.size() + presets.size()); // a failure must not come between the signals
     Q_EMIT aboutToInsert(first, last);
@@ -113,7 +123,26 @@ int PresetList<Preset>::insertAfter(const Rows &rows, const Presets &presets)
     for (const auto &preset : presets)
         observe(preset);
     Q_EMIT inserted(first, last);
-    return first;
+}
+
+template<class Preset>
+void PresetList<Preset>::restore(const Presets &presets)
+{
+    Rows others;
+    for (int row = 0; row < size(); ++row) {
+        if (std::find(presets.begin(), presets.end(), m_presets[static_cast<std::size_t>(row)]) ==
+            presets.end())
+            others.append(row);
+    }
+    remove(others);
+    for (int row = 0; row < static_cast<int>(presets.size()); ++row) {
+        const auto &preset = presets[static_cast<std::size_t>(row)];
+        const auto found = std::find(m_presets.begin() + row, m_presets.end(), preset);
+        if (found == m_presets.end())
+            insertAt(row, {preset});
+        else
+            moveOne(static_cast<int>(found - m_presets.begin()), row);
+    }
 }
 
 template<class Preset>

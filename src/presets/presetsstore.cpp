@@ -73,12 +73,6 @@ QString inShort(QStringList reasons)
     return reasons.join(QStringLiteral("; "));
 }
 
-QString unkept(const QStringList &reasons)
-{
-    return PresetsStore::tr("Not all of your saving presets can be kept after you quit: %1.")
-        .arg(inShort(reasons));
-}
-
 } // namespace
 
 PresetsStore::Places PresetsStore::Places::own()
@@ -96,6 +90,7 @@ PresetsStore::PresetsStore(Alerts &alerts, const FontCatalog &fonts, Places plac
     , m_quickSavingPreset(std::make_shared<SavingPreset>())
 {
     m_quickSavingPreset->setName(kQuickName);
+    observeQuickSavingPreset();
     auto quickWPreset = std::make_shared<WPreset>(fonts);
     quickWPreset->setName(kQuickName);
     setQuickWPreset(std::move(quickWPreset));
@@ -121,18 +116,27 @@ void PresetsStore::observe(Kind kind, PresetListSignals &list)
 /// Edits are steady while a slider moves, and the picture of a preset may be large.
 void PresetsStore::setQuickWPreset(std::shared_ptr<WPreset> preset)
 {
+    if (m_quickWPreset)
+        m_quickWPreset->disconnect(this);
     m_quickWPreset = std::move(preset);
-    connect(m_quickWPreset.get(), &WPreset::fieldChanged, this, [this, edited = m_quickWPreset.get()] {
-        if (edited != m_quickWPreset.get())
-            return;
-        m_quickWPresetState.isChanged = true;
-        m_quickSaveTimer.start();
-    });
+    connect(m_quickWPreset.get(), &WPreset::fieldChanged, this, [this] { quickChanged(Kind::Watermark); });
+}
+
+void PresetsStore::observeQuickSavingPreset()
+{
+    connect(m_quickSavingPreset.get(), &SavingPreset::fieldChanged, this,
+            [this] { quickChanged(Kind::Saving); });
+}
+
+void PresetsStore::quickChanged(Kind kind)
+{
+    state(kind, Slot::Quick).isChanged = true;
+    m_quickSaveTimer.start();
 }
 
 void PresetsStore::listChanged(Kind kind)
 {
-    listState(kind).isChanged = true;
+    state(kind, Slot::List).isChanged = true;
     if (!m_saveTimer.isActive()) // restarting it would postpone the saving of a list that is edited steadily
         m_saveTimer.start();
 }
@@ -219,12 +223,10 @@ try {
     if (!warning.isEmpty())
         warn(tr("Cannot read the presets file"), warning);
     const bool isGood = reading.hasList && reading.code == ReadCode::Success;
-    if (kind == Kind::Saving && slot == Slot::List)
-        setSavingPresetsInFile(reading.savingPresets);
     if (isGood || (reading.hasList && slot == Slot::List)) {
-        const bool wasChanged = listState(kind).isChanged;
+        const bool wasChanged = state(kind, slot).isChanged;
         adopt(reading, kind, slot);
-        listState(kind).isChanged = wasChanged;
+        state(kind, slot).isChanged = wasChanged;
     }
     return isGood;
 } catch (const std::bad_alloc &) {
@@ -252,6 +254,11 @@ PresetsStore::Found &PresetsStore::found(Kind kind, Slot slot)
     return m_found[static_cast<std::size_t>(kind)][static_cast<std::size_t>(slot)];
 }
 
+PresetsStore::FileState &PresetsStore::state(Kind kind, Slot slot)
+{
+    return m_states[static_cast<std::size_t>(kind)][static_cast<std::size_t>(slot)];
+}
+
 /// Backs up a file whose contents would be lost when it is written: a file that was read in part, and an
 /// unreadable one that is still in its place.
 Result<void> PresetsStore::makeRoomForFile(Kind kind, Slot slot)
@@ -276,34 +283,6 @@ Result<void> PresetsStore::makeRoomForFile(Kind kind, Slot slot)
     return {};
 }
 
-/// The list without the presets that no file can hold.
-/// @param news  gets the reasons that the user does not know yet
-SavingPresetList PresetsStore::writableSavingPresets(QStringList &news)
-{
-    SavingPresetList list;
-    for (const auto &preset : savingPresets()) {
-        const qint64 presetID = preset->presetID();
-        if (const Result<void> checked = preset->checkWritable(); checked) {
-            list.push_back(preset);
-            m_toldUnwritable.remove(presetID);
-        } else {
-            if (m_savingPresetsInFile.contains(presetID))
-                found(Kind::Saving, Slot::List) = Found::PartlyRead;
-            if (!m_toldUnwritable.contains(presetID))
-                news.append(checked.error().text);
-            m_toldUnwritable.insert(presetID);
-        }
-    }
-    return list;
-}
-
-void PresetsStore::setSavingPresetsInFile(const SavingPresetList &presets)
-{
-    m_savingPresetsInFile.clear();
-    for (const auto &preset : presets)
-        m_savingPresetsInFile.insert(preset->presetID());
-}
-
 void PresetsStore::adopt(const PresetsFileReading &reading, Kind kind, Slot slot)
 {
     if (kind == Kind::Watermark ? reading.wPresets.empty() : reading.savingPresets.empty())
@@ -315,6 +294,7 @@ void PresetsStore::adopt(const PresetsFileReading &reading, Kind kind, Slot slot
         m_wPresets.append(reading.wPresets);
     } else if (slot == Slot::Quick) {
         m_quickSavingPreset = reading.savingPresets.front();
+        observeQuickSavingPreset();
         Q_EMIT quickSavingPresetChanged();
     } else {
         m_savingPresets.append(reading.savingPresets);
@@ -329,10 +309,7 @@ Result<void> PresetsStore::save(Kind kind, Slot slot, const std::function<Result
         const FolderLock lock(m_places.supportFolder);
         saved = makeRoomForFile(kind, slot).and_then(write);
     }
-    if (slot == Slot::List)
-        listState(kind) = {!saved, !saved};
-    else if (kind == Kind::Watermark)
-        m_quickWPresetState = {!saved, !saved};
+    state(kind, slot) = {!saved, !saved};
     return logged(std::move(saved));
 }
 
@@ -348,40 +325,45 @@ Result<void> PresetsStore::saveSavingPresets(Slot slot)
 {
     // Checked before the former file is moved.
     if (slot == Slot::Quick) {
-        if (Result<void> checked = m_quickSavingPreset->checkWritable(); !checked)
+        if (Result<void> checked = m_quickSavingPreset->checkWritable(); !checked) {
+            state(Kind::Saving, slot) = {true, true};
             return logged(std::move(checked));
+        }
     }
-    QStringList news;
-    const SavingPresetList list =
-        slot == Slot::Quick ? SavingPresetList{m_quickSavingPreset} : writableSavingPresets(news);
-    Result<void> saved = save(Kind::Saving, slot, [&] {
-        return SavingPreset::writeObjects(list, presetsFileNameForWatermark(Kind::Saving, slot),
-                                          presetsApplicationID());
+    return save(Kind::Saving, slot, [this, slot] {
+        return SavingPreset::writeObjects(
+            slot == Slot::Quick ? SavingPresetList{m_quickSavingPreset} : savingPresets(),
+            presetsFileNameForWatermark(Kind::Saving, slot), presetsApplicationID());
     });
-    if (saved && slot == Slot::List)
-        setSavingPresetsInFile(list);
-    // Last, because the user may edit the list while the message is shown.
-    if (!news.isEmpty()) {
-        qCritical().noquote() << QStringLiteral("ERROR: presets are left out: %1").arg(inShort(news));
-        warn(tr("Cannot save all presets"), unkept(news));
-    }
-    return saved;
 }
 
 void PresetsStore::saveChanges()
 {
     m_saveTimer.stop();
     m_quickSaveTimer.stop();
-    const auto save = [this](const FileState &state, const std::function<Result<void>()> &write) {
-        const bool isFailureTold = state.isFailureTold;
-        if (!state.isChanged)
+    QStringList reasons;
+    const auto save = [&](Kind kind, Slot slot) {
+        const FileState before = state(kind, slot);
+        if (!before.isChanged)
             return;
-        if (const Result<void> saved = write(); !saved && !isFailureTold)
-            warn(tr("Cannot save the presets"), unsavedText(saved.error()));
+        const Result<void> saved = kind == Kind::Watermark ? saveWPresets(slot) : saveSavingPresets(slot);
+        if (!saved && !before.isFailureTold)
+            reasons.append(saved.error().text);
     };
-    save(listState(Kind::Saving), [this] { return saveSavingPresets(Slot::List); });
-    save(listState(Kind::Watermark), [this] { return saveWPresets(Slot::List); });
-    save(m_quickWPresetState, [this] { return saveWPresets(Slot::Quick); });
+    for (const Slot slot : {Slot::List, Slot::Quick}) {
+        save(Kind::Saving, slot);
+        save(Kind::Watermark, slot);
+    }
+    reasons.removeDuplicates();
+    if (!reasons.isEmpty())
+        warn(tr("Cannot save the presets"), unsavedText({inShort(reasons)}));
+}
+
+void PresetsStore::saveAll()
+{
+    for (const Kind kind : {Kind::Saving, Kind::Watermark})
+        state(kind, Slot::Quick).isChanged = true;
+    saveChanges();
 }
 
 QString PresetsStore::unsavedText(const Error &error)
@@ -404,14 +386,8 @@ try {
                  : tr("The presets file has a wrong format."));
         return std::nullopt;
     }
-    QStringList unwritable;
-    for (const auto &preset : reading.savingPresets) {
+    for (const auto &preset : reading.savingPresets)
         preset->selfAssignNewID();
-        if (const Result<void> checked = preset->checkWritable(); !checked) {
-            unwritable.append(checked.error().text);
-            m_toldUnwritable.insert(preset->presetID());
-        }
-    }
     adopt(reading, kind, Slot::List);
     Imported imported{static_cast<int>(reading.wPresets.size() + reading.savingPresets.size()), {}};
     if (reading.isLater)
@@ -419,8 +395,6 @@ try {
                                  "to it is not read."));
     if (!reading.faults.isEmpty())
         imported.notes.append(tr("Not all of the file could be read: %1.").arg(inShort(reading.faults)));
-    if (!unwritable.isEmpty())
-        imported.notes.append(unkept(unwritable));
     return imported;
 } catch (const std::bad_alloc &) {
     warn(tr("Presets import failed"), tr("There is not enough memory for its presets."));
@@ -444,9 +418,13 @@ void PresetsStore::loadWPreset(const WPreset &preset)
     std::shared_ptr<WPreset> copy = preset.copy();
     copy->setName(kQuickName);
     copy->setAssignedSavingPreset({});
-    setQuickWPreset(std::move(copy));
-    m_quickWPresetState.isChanged = true;
-    m_quickSaveTimer.start();
+    replaceQuickWPreset(copy);
+}
+
+void PresetsStore::replaceQuickWPreset(const std::shared_ptr<WPreset> &preset)
+{
+    setQuickWPreset(preset);
+    quickChanged(Kind::Watermark);
     Q_EMIT quickWPresetChanged();
 }
 

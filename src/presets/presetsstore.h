@@ -8,7 +8,6 @@
 #include "watermark/wpreset.h"
 
 #include <QObject>
-#include <QSet>
 #include <QTimer>
 
 #include <array>
@@ -23,8 +22,8 @@ class FontCatalog;
 struct PresetsFileReading;
 
 /// The user's presets and their files: a list and a quick preset of each kind, four files in the support
-/// folder. A file that cannot be read is never lost: it is backed up before it is replaced. A changed list,
-/// or quick watermark preset, is saved after a second. Other processes may use the same files at the same
+/// folder. A file that cannot be read is never lost: it is backed up before it is replaced. A changed list
+/// or quick preset is saved after a second. Other processes may use the same files at the same
 /// time; the last one to save wins. Main thread, with an event loop.
 class PresetsStore final : public QObject
 {
@@ -44,8 +43,8 @@ public:
 
     /// The lists are empty and the quick presets are new ones until readAll(). The services outlive this
     /// object.
-    /// @param saveDelay  time from the first unsaved change of a list, or the last one of the quick watermark
-    ///                   preset, to its saving
+    /// @param saveDelay  time from the first unsaved change of a list, or the last one of a quick preset, to
+    ///                   its saving
     PresetsStore(Alerts &alerts, const FontCatalog &fonts, Places places = Places::own(),
                  std::chrono::milliseconds saveDelay = std::chrono::seconds(1));
 
@@ -65,22 +64,23 @@ public:
     /// @return true if the whole file was read
     bool readPresets(Kind kind, Slot slot);
 
-    /// Write a file. A file that was not read completely is backed up first. A saving preset that no file can
-    /// hold is left out of the list's file and reported once.
+    /// Write a file. A file that was not read completely is backed up first.
     /// @return a failure, which is logged and leaves the former file in place; the caller reports it
     Result<void> saveWPresets(Slot slot);
     Result<void> saveSavingPresets(Slot slot);
 
-    /// Saves the lists and the quick watermark preset if they have changed since they were read or saved.
-    /// Reports the first failure in a row.
+    /// Saves the lists and the quick presets that have changed since they were read or saved. Reports the
+    /// first failure in a row.
     void saveChanges();
+    /// The same, and the quick presets even if they have not changed.
+    void saveAll();
     /// The message about presets that cannot be saved.
     static QString unsavedText(const Error &error);
 
     /// The result of an import.
     struct Imported {
         int count = 0;     ///< of presets that were added
-        QStringList notes; ///< sentences on what the file contains that was not added or cannot be saved
+        QStringList notes; ///< sentences on what the file contains that was not added
     };
 
     /// Appends the presets of a file of another list, saving presets with new IDs.
@@ -94,6 +94,8 @@ public:
     void saveQuickAsWPreset();
     /// Makes a copy of a stored preset the quick watermark preset.
     void loadWPreset(const WPreset &preset);
+    /// Makes this object the quick watermark preset; not null.
+    void replaceQuickWPreset(const std::shared_ptr<WPreset> &preset);
 
     /// The first preset in the list with that ID; null when there is none.
     std::shared_ptr<SavingPreset> savingPresetWithID(qint64 presetID) const;
@@ -125,6 +127,8 @@ private:
     };
 
     void observe(Kind kind, PresetListSignals &list);
+    void observeQuickSavingPreset();
+    void quickChanged(Kind kind);
     void listChanged(Kind kind);
     void setQuickWPreset(std::shared_ptr<WPreset> preset);
     void removeAssignments(int first, int last);
@@ -132,11 +136,9 @@ private:
     bool createListFromExamples(Kind kind) const;
     QString backupWrongPresetsFile(const QString &path, ReadCode readingReturnCode);
     Found &found(Kind kind, Slot slot);
-    FileState &listState(Kind kind) { return m_listStates[static_cast<std::size_t>(kind)]; }
+    FileState &state(Kind kind, Slot slot);
     Result<void> makeRoomForFile(Kind kind, Slot slot);
     Result<void> save(Kind kind, Slot slot, const std::function<Result<void>()> &write);
-    SavingPresetList writableSavingPresets(QStringList &news);
-    void setSavingPresetsInFile(const SavingPresetList &presets);
     void adopt(const PresetsFileReading &reading, Kind kind, Slot slot);
     void warn(const QString &title, const QString &text);
 
@@ -148,12 +150,9 @@ private:
     std::shared_ptr<WPreset> m_quickWPreset;
     std::shared_ptr<SavingPreset> m_quickSavingPreset;
     std::array<std::array<Found, 2>, 2> m_found = {}; ///< by kind and slot
-    std::array<FileState, 2> m_listStates;            ///< by kind
-    FileState m_quickWPresetState;
+    std::array<std::array<FileState, 2>, 2> m_states; ///< likewise
     QTimer m_saveTimer;
-    QTimer m_quickSaveTimer;            ///< since the last change
-    QSet<qint64> m_savingPresetsInFile; ///< the IDs in the list's file, as far as known
-    QSet<qint64> m_toldUnwritable;      ///< the IDs of presets that no file can hold and that were reported
+    QTimer m_quickSaveTimer; ///< since the last change
 };
 
 } // namespace plexa

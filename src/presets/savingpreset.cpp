@@ -149,13 +149,20 @@ QString writable(const QString &value, const SavingPresetField &field)
     return isRead ? value : std::get<QString>(field.value(SavingPresetValues()));
 }
 
+/// A token with "&" or "<" gets references; every other one is written as it is, as files in use have it.
+QString tokenText(const QString &token)
+{
+    const bool isMarkup = token.contains(u'&') || token.contains(u'<');
+    return XMLFile::withReadableStart(isMarkup ? XMLFile::replaceXmlSpecialChars(token) : token);
+}
+
 QString xmlText(const SavingPresetField &field, const FieldValue &value)
 {
     QString tokens;
     switch (field.kind) {
     case FieldKind::Strings:
         for (const QString &token : std::get<QStringList>(value))
-            tokens += QStringLiteral("\n      <token>%1</token>").arg(XMLFile::withReadableStart(token));
+            tokens += QStringLiteral("\n      <token>%1</token>").arg(tokenText(token));
         return tokens + QStringLiteral("\n    ");
     case FieldKind::Integer:
         return QString::number(std::get<WholeNumber>(value).value_or(0));
@@ -286,12 +293,6 @@ void SavingPreset::appendObjectToXML(QString &xml) const
 
 Result<void> SavingPreset::checkWritable() const
 {
-    for (const QString &token : filenameTokens()) {
-        if (token.contains(u'<') || token.contains(u'&'))
-            return fail(Texts::tr("the saving preset \"%1\" names files with \"%2\", which a file of saving "
-                                  "presets cannot hold: \"<\" and \"&\" cannot be part of it")
-                            .arg(excerpt(name()), excerpt(token)));
-    }
     QString xml = QStringLiteral("<?xml version=\"1.0\"?>");
     appendObjectToXML(xml);
     XMLParser parser([](const QByteArray &) {});

@@ -97,8 +97,8 @@ public:
     static QString utiForFileExtension(const QString &extension);
     static bool supportedUTI(const QString &type);
 
-    /// Appends a `preset` element. Tokens are written without references, except for their first character:
-    /// "&" or "<" in a token makes the element unreadable.
+    /// Appends a `preset` element. Tokens are written without references, unless they contain "&" or "<" or
+    /// begin with what the reader would treat as markup.
     void appendObjectToXML(QString &xml) const override;
 
     /// Would a file return the preset unchanged? A failure names the preset, without a full stop.

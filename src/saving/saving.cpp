@@ -2,7 +2,6 @@
 
 #include "saving/saving.h"
 
-#include "platform/alerts.h"
 #include "presets/savingpreset.h"
 #include "saving/savingprocess.h"
 
@@ -99,30 +98,29 @@ QStringList Saving::savingFailedImages() const
     return m_savingFailedImages;
 }
 
-std::optional<QStringList> Saving::finishedSavingImages()
+Saving::End Saving::finishedSavingImages()
 {
     QStringList failed;
-    std::optional<QStringList> saved;
+    End end;
     {
         const std::lock_guard lock(m_mutex);
         failed = std::exchange(m_savingFailedImages, {});
-        saved = std::exchange(m_savedImagesInfo, {});
+        end.savedImagesInfo = std::exchange(m_savedImagesInfo, {});
     }
     if (!failed.isEmpty()) {
         QString list = failed.mid(0, kNamesInReport).join(u'\n');
         if (failed.size() > kNamesInReport)
             list += Texts::tr("\n  ...and %1 more...").arg(failed.size() - kNamesInReport);
-        Alert alert;
+        Alert &alert = end.failures.emplace();
         alert.style = Alert::Style::Critical;
         alert.title = Texts::tr("Failed to save %1 image(s)!").arg(failed.size());
         alert.text =
             Texts::tr("Sorry, could not save the following image(s). Possibly the original image "
                       "format is not supported, or missing write permissions on the destination:\n%1")
                 .arg(list);
-        m_alerts.run(alert);
     }
     m_isSavingInProgress = false;
-    return saved;
+    return end;
 }
 
 } // namespace plexa

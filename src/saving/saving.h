@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "platform/alerts.h"
 #include "saving/savingrun.h"
 
 #include <QStringList>
@@ -13,8 +14,6 @@
 namespace plexa
 {
 
-class Alerts;
-
 /// Saves watermarked copies of many photos. To people it looks as if one copy was made after another:
 /// numbers, names, questions, progress and results come in order. In fact names are decided in order on the
 /// thread of the run, and the making of the copies overlaps on as many threads as the run allows.
@@ -23,8 +22,7 @@ class Alerts;
 class Saving final
 {
 public:
-    /// @param alerts  is asked about names that are taken, on the thread of the run, and shows the report at
-    ///                the end, on the thread of finishedSavingImages(); outlives the object
+    /// @param alerts  is asked about names that are taken, on the thread of the run; outlives the object
     explicit Saving(Alerts &alerts);
 
     /// A run is about to start on another thread: from now on it is in progress and can be stopped.
@@ -43,9 +41,15 @@ public:
     /// File names of the photos whose copies failed, in order, once for each copy.
     QStringList savingFailedImages() const;
 
-    /// The end report: shows what failed, and forgets it.
-    /// @return what was asked for the companion application: of each written copy its path and its source's
-    std::optional<QStringList> finishedSavingImages();
+    /// What remains to be done at the end of a run.
+    struct End {
+        std::optional<Alert> failures; ///< to be shown: names of the photos whose copies failed
+        /// What was asked for the companion application: of each written copy its path and its source's.
+        std::optional<QStringList> savedImagesInfo;
+    };
+
+    /// The end of a run, which is then forgotten.
+    End finishedSavingImages();
 
 private:
     Alerts &m_alerts;

@@ -76,7 +76,6 @@ struct PhotoInWork {
 
 struct Pending {
     SavingOutput output;
-    QString wantedPath;       ///< before anything was done about a file that exists
     QStringList alternatives; ///< paths that were tried in place of output.path
     bool overwrites = false;
     bool followsLink = false; ///< the path is a symbolic link to the photo itself
@@ -325,7 +324,11 @@ void SavingProcess::read(AheadOfTime &ahead) const
         else
             ahead.failure = facts.error().text;
     }
-    if (const QImage loaded = ahead.photo.image->imageAtHand(); !loaded.isNull())
+    // The cache may have dropped the pixels of a loaded photo.
+    QImage loaded = ahead.photo.image->imageAtHand();
+    if (loaded.isNull())
+        loaded = ahead.photo.image->thumbnail().mirrored();
+    if (!loaded.isNull())
         ahead.picture = createImageScaledToMaxSize(loaded, kProgressPictureSide, false);
 }
 
@@ -403,7 +406,7 @@ void SavingProcess::decide(Pending &pending, const AheadOfTime &ahead, const Ord
     m_observer.copyBegun(m_counter, Texts::tr("Saving image %1 out of %2:\n%3")
                                         .arg(QString::number(m_counter), QString::number(m_total), name));
     const QString path = m_naming.pathForCopy(ahead.photo.path, name);
-    pending.wantedPath = path;
+    pending.output.wantedPath = path;
     pending.keepsName = m_conflictCode == OutputNaming::always(OutputNaming::kUniqueName);
     if (const auto destination = m_naming.finalDestinationForPath(path, m_conflictCode, photoKey)) {
         setDestination(pending, *destination, photoKey);
@@ -428,7 +431,7 @@ void SavingProcess::setDestination(Pending &pending, const OutputNaming::Destina
     if (destination.overwrites) {
         output.conflict = Conflict::Overwrite;
         pending.ifTakenMeanwhile = OutputNaming::kOverwrite;
-    } else if (destination.path != pending.wantedPath) {
+    } else if (destination.path != pending.output.wantedPath) {
         output.conflict = destination.avoidsOwnFile ? Conflict::UniqueNameInRun : Conflict::UniqueName;
         pending.ifTakenMeanwhile = OutputNaming::kUniqueName;
     }
@@ -485,7 +488,7 @@ std::function<std::optional<QString>()> SavingProcess::alternativesFor(Pending &
     if (pending.ifTakenMeanwhile != OutputNaming::kUniqueName)
         return {};
     return [this, &pending, number = 0]() mutable -> std::optional<QString> {
-        std::optional<QString> next = m_naming.anotherUniquePath(pending.wantedPath, number);
+        std::optional<QString> next = m_naming.anotherUniquePath(pending.output.wantedPath, number);
         if (next)
             pending.alternatives.append(*next);
         return next;

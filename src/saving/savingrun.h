@@ -75,7 +75,8 @@ struct SavingOutput {
     };
 
     QString sourcePath;
-    QString path; ///< where the copy is, or would be; empty where it has no place
+    QString path;       ///< where the copy is, or would be; empty where it has no place
+    QString wantedPath; ///< the same without a conflict
     qint64 sequenceNumber = 0;
     QString wPresetName; ///< combined: the first one's
     bool isCombined = false;

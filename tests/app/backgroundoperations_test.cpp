@@ -259,15 +259,24 @@ private Q_SLOTS:
 
         // A missing photo is reported at the end; the others are saved.
         QVERIFY(QFile::remove(order.photos[1]->path()));
-        m_work->alerts.expect(u"Failed to save 1 image(s)!"_qs);
         QSignalSpy finished(&save, &BatchSave::finished);
         QVERIFY(save.start(order));
         QVERIFY(save.isSavingInProgress());
         QVERIFY(!save.start(order));
-        QTRY_COMPARE(m_app->statusManager().line().text, u"Processing images..."_qs);
         QVERIFY(finished.wait());
         QVERIFY(!save.isSavingInProgress());
         QCOMPARE(QDir(folder).entryList(QDir::Files), (QStringList{u"0.jpg"_qs, u"2.jpg"_qs}));
+        QCOMPARE(save.report().title(), u"Failed to save 1 image(s)!"_qs);
+        QCOMPARE(save.report().summary(), u"2 copies saved, 1 failed"_qs);
+        QVERIFY(save.progress().finished == 3 && save.progress().maximum == 3);
+
+        // For the companion application, by its own rules.
+        order.exchangeFolder = m_work->folder.path("exchange");
+        QVERIFY(save.start(order) && finished.wait());
+        QCOMPARE(save.savedImagesInfo(),
+                 QStringList({order.exchangeFolder + u"/img0001.tif"_qs, order.photos[0]->path(),
+                              order.exchangeFolder + u"/img0003.tif"_qs, order.photos[2]->path()}));
+        order.exchangeFolder.clear();
 
         // Destroyed in the middle, it leaves whole files.
         QVERIFY(QDir(folder).removeRecursively() && QDir().mkpath(folder));

@@ -187,6 +187,7 @@ private Q_SLOTS:
                  {"--text '{Creator}'", "mean {creator}"},
                  {"--text 'a{'", "no \"}\""},
                  {"--text x --name '{nope}'", "plexa-cli tokens"},
+                 {"--text x --name a/b", "a slash cannot be part of a name"},
                  {"--text x --format webp", "JPEG"},
                  {"--text x --format PNG --quality 50", "no effect on PNG"},
                  {"--text x --format PNG --save-set imageFormat=JPEG", "--format and --save-set imageFormat"},

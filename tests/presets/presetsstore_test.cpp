@@ -24,7 +24,6 @@ using Kind = PresetsStore::Kind;
 using Slot = PresetsStore::Slot;
 
 const QString kCannotRead = u"Cannot read the presets file"_s;
-const QString kCannotSaveAll = u"Cannot save all presets"_s;
 
 WPresetList wPresets(const QStringList &names)
 {
@@ -171,6 +170,8 @@ private Q_SLOTS:
         QTRY_COMPARE(savedNames(), u"Edited"_s);
         eager->quickWPreset()->setOpacity(41);
         QTRY_COMPARE(start()->quickWPreset()->opacity(), 41);
+        eager->quickSavingPreset()->setJpegQuality(91);
+        QTRY_COMPARE(start()->quickSavingPreset()->jpegQuality(), 91);
         eager->loadWPreset(*eager->wPresets().front());
         QTRY_COMPARE(start()->quickWPreset()->opacity(), 100);
     }
@@ -196,6 +197,13 @@ private Q_SLOTS:
         QVERIFY(QFile::remove(list) && QDir().mkpath(list + u"/in the way"_s));
         QVERIFY(!store->saveWPresets(Slot::List));
         store->saveChanges();
+        // All that fail at a time are in one message.
+        const QStringList quick{path("QuickWPreset.pxwpr"), path("QuickSPreset.pxspr")};
+        QVERIFY(QDir().mkpath(quick[0] + u"/in the way"_s) && QDir().mkpath(quick[1] + u"/in the way"_s));
+        m_alerts->expect(u"Cannot save the presets"_s);
+        store->saveAll();
+        for (const QString &file : quick)
+            QVERIFY(m_alerts->shown().last().text.contains(file));
     }
 
     void removedSavingPresets()
@@ -287,36 +295,20 @@ private Q_SLOTS:
         }
     }
 
-    /// One that was read, because references are read in all texts, but has no form in which it can be
-    /// written.
-    void presetsThatNoFileCanHold()
+    void tokensWithMarkup()
     {
-        const QByteArray bad = savingPresetFile("1.4", "A", "R&amp;D");
-        writeFile(path("SPresets.pxspr"), bad);
-        writeFile(path("QuickSPreset.pxspr"), bad);
-        const auto store = start();
-        QVERIFY(store->importExamplePresets(Kind::Saving));
-        m_alerts->expect(kCannotSaveAll);
-        QVERIFY(store->saveSavingPresets(Slot::List));
-        QVERIFY(!store->saveSavingPresets(Slot::Quick)); // the only one in its file, which stays as it is
-        QCOMPARE(contentsOf(path("SPresets-replaced.pxspr")), bad);
-        QCOMPARE(contentsOf(path("QuickSPreset.pxspr")), bad);
-        const auto again = start();
-        QCOMPARE(namesOf(again->savingPresets()), QStringList(u"New Preset"_s));
-        // Imported from another file it was never in the list on the disk, which is not backed up.
-        const QString file = m_folder.path("import.pxspr");
-        writeFile(file, bad);
-        const auto imported = again->importPresetsFromFile(file, Kind::Saving);
-        QVERIFY(imported && imported->count == 1 && imported->notes.join(u' ').contains(u"\"R&D\""));
-        QVERIFY(again->saveSavingPresets(Slot::List));
-        QCOMPARE(files().filter(u"-replaced"_s).size(), 1);
-        // The disk holds the former values of an edited one.
-        again->savingPresets().front()->setFilenameTokens({u"a<b"_s});
-        m_alerts->expect(kCannotSaveAll);
-        QVERIFY(again->saveSavingPresets(Slot::List) && again->saveSavingPresets(Slot::List));
-        QVERIFY(m_alerts->shown().last().text.contains(u"\"New Preset\" names files with \"a<b\""));
-        QVERIFY(contentsOf(path("SPresets-replaced-2.pxspr")).contains("New Preset"));
-        QCOMPARE(files().filter(u"-replaced"_s).size(), 2);
+        const QByteArray both = savingPresetFile("1.4", "A", "Smith &amp; &lt;Sons>-");
+        writeFile(path("SPresets.pxspr"), both);
+        writeFile(path("QuickSPreset.pxspr"), both);
+        const QStringList tokens{u"Smith & <Sons>-"_s};
+        for (int time = 0; time < 2; ++time) {
+            const auto store = start();
+            QCOMPARE(store->savingPresets().front()->filenameTokens(), tokens);
+            QCOMPARE(store->quickSavingPreset()->filenameTokens(), tokens);
+            store->saveAll();
+            QVERIFY(store->saveSavingPresets(Slot::List));
+        }
+        QCOMPARE(files().filter(u"-replaced"_s), QStringList());
     }
 
     void importing()

@@ -31,6 +31,7 @@ const QByteArray kFile = R"(<?xml version="1.0" encoding="UTF-8"?>
       <token>filename</token>
       <token>-</token>
       <token>sequence ##</token>
+      <token>a>b</token>
     </filename>
     <fileBaseNameCase>upper case</fileBaseNameCase>
     <fileExtensionCase>do not change</fileExtensionCase>
@@ -57,7 +58,7 @@ const QByteArray kFile = R"(<?xml version="1.0" encoding="UTF-8"?>
 SavingPresetValues firstOfFile()
 {
     return {.name = u"Web & print <1> \"q\""_s,
-            .filenameTokens = words("filename - 'sequence ##'"),
+            .filenameTokens = words("filename - 'sequence ##' a>b"),
             .fileBaseNameCase = u"upper case"_s,
             .fileExtensionCase = u"do not change"_s,
             .imageFormat = u"Original"_s,
@@ -283,16 +284,14 @@ private Q_SLOTS:
         }
     }
 
-    /// What the reader would take for markup, or skip, at the start of a text.
-    void everyStartIsReadBack()
+    /// What the reader would take for markup, or skip at the start of a text.
+    void markupIsReadBack()
     {
         QList<SavingPresetValues> list;
-        for (const QString &text : {u"\"q\" 'r'"_s, u"'"_s, u"=1"_s, u"/>"_s, u"?>"_s, u">1"_s, u" a "_s,
-                                    u"\t"_s, u"\n\n"_s, u"\r\n b"_s, u"&#34;"_s, u"-"_s}) {
-            list.append({.name = text});
-            if (text != u"&#34;") // tokens are written raw
-                list.last().filenameTokens = {text, u"width"_s};
-        }
+        for (const QString &text :
+             {u"\"q\" 'r'"_s, u"'"_s, u"=1"_s, u"/>"_s, u"?>"_s, u">1"_s, u" a "_s, u"\t"_s, u"\n\n"_s,
+              u"\r\n b"_s, u"&#34;"_s, u"-"_s, u"Smith & Sons-"_s, u"<a>&"_s, u">&amp;<"_s})
+            list.append({.name = text, .filenameTokens = {text, u"width"_s}});
         // Values with markup become the default.
         const QString markup = u"a<b"_s;
         list.append({.fileBaseNameCase = u"=lower case"_s});
@@ -303,6 +302,7 @@ private Q_SLOTS:
         const auto again = writtenAndRead(list);
         list[list.size() - 2] = list.last() = {};
         QVERIFY(again);
+        QVERIFY(contentsOf(m_path).contains("<token>Smith &amp; Sons-</token>"));
         QCOMPARE(again->size(), static_cast<std::size_t>(list.size()));
         for (qsizetype i = 0; i < list.size(); ++i)
             QCOMPARE(again->at(static_cast<std::size_t>(i))->values(), list[i]);

@@ -61,7 +61,8 @@ private Q_SLOTS:
         Saving saving(m_noAlerts);
         saving.saveImages(run, m_listener);
         QVERIFY(saving.isSavingInProgress());
-        QVERIFY(!saving.finishedSavingImages());
+        const Saving::End end = saving.finishedSavingImages();
+        QVERIFY(!end.failures && !end.savedImagesInfo);
         QVERIFY(!saving.isSavingInProgress());
         QCOMPARE(m_noAlerts.complaints(), QStringList());
         QCOMPARE(m_listener.names(), names);
@@ -221,16 +222,14 @@ private Q_SLOTS:
             if (i <= 10)
                 list += u"\n%1.png"_qs.arg(i);
         }
-        ScriptedAlerts alerts;
-        alerts.expect(u"Failed to save 14 image(s)!"_qs);
-        Saving saving(alerts);
+        Saving saving(m_noAlerts);
         saving.saveImages(runFor(photos, {mark(u"A"_qs)}), m_listener);
         QCOMPARE(copies(), QStringList{u"img01.png"_qs});
-        saving.finishedSavingImages();
-        saving.finishedSavingImages(); // all is forgotten
-        QCOMPARE(alerts.complaints(), QStringList());
-        QCOMPARE(alerts.shown().first().style, Alert::Style::Critical);
-        QCOMPARE(alerts.shown().first().text,
+        const std::optional<Alert> failures = saving.finishedSavingImages().failures;
+        QVERIFY(!saving.finishedSavingImages().failures); // all is forgotten
+        QVERIFY(failures && failures->style == Alert::Style::Critical);
+        QCOMPARE(failures->title, u"Failed to save 14 image(s)!"_qs);
+        QCOMPARE(failures->text,
                  u"Sorry, could not save the following image(s). Possibly the original image format is not "
                  "supported, or missing write permissions on the destination:"_qs +
                      list + u"\n  ...and 4 more..."_qs);
@@ -245,15 +244,13 @@ private Q_SLOTS:
         const QString exchange = path(u"exchange"_qs);
         run.folders.replicateOrigDirStructure = true; // of a former save
         followSettingsForCompanion(run, defaults, exchange);
-        ScriptedAlerts alerts;
-        alerts.expect(u"Failed to save 1 image(s)!"_qs);
-        Saving saving(alerts);
+        Saving saving(m_noAlerts);
         saving.saveImages(run, m_listener);
-        QCOMPARE(saving.finishedSavingImages(),
-                 std::optional(QStringList{exchange + u"/img0001.tif"_qs, photos[0],
-                                           exchange + u"/img0003.tif"_qs, photos[2]}));
-        QVERIFY(!saving.finishedSavingImages());
-        QCOMPARE(alerts.complaints(), QStringList());
+        const Saving::End end = saving.finishedSavingImages();
+        QCOMPARE(end.failures.value_or(Alert()).title, u"Failed to save 1 image(s)!"_qs);
+        QCOMPARE(end.savedImagesInfo, std::optional(QStringList{exchange + u"/img0001.tif"_qs, photos[0],
+                                                                exchange + u"/img0003.tif"_qs, photos[2]}));
+        QVERIFY(!saving.finishedSavingImages().savedImagesInfo);
         QVERIFY(contentsOf(exchange + u"/img0001.tif"_qs).startsWith("II*"));
     }
 

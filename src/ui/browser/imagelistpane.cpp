@@ -7,11 +7,11 @@
 #include "ui/browser/imagebrowserviewcontroller.h"
 #include "ui/browser/imagelistmodel.h"
 #include "ui/browser/imagelistview.h"
+#include "ui/widgets/choicebuttons.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/dropframe.h"
 #include "ui/widgets/look.h"
 #include "ui/widgets/messagepage.h"
-#include "ui/widgets/segmentedswitch.h"
 #include "ui/widgets/zoomslider.h"
 
 #include <QAction>
@@ -115,13 +115,13 @@ void ImageListPane::prepareSearchField()
     m_searchField->installEventFilter(this);
 }
 
-SegmentedSwitch *ImageListPane::makeModeSwitch()
+ChoiceButtons *ImageListPane::makeModeSwitch()
 {
-    auto *const modes = new SegmentedSwitch(tr("View of the photos"), this);
+    auto *const modes = new ChoiceButtons(tr("View of the photos"), ChoiceButtons::Look::Texts, 0, this);
     modes->setObjectName(QStringLiteral("imageListModeSwitch"));
     const auto add = [&](const QString &text, const char *icon, const char *name, bool isBrowser) {
-        QPushButton *const part =
-            modes->addPart(text, QIcon(QStringLiteral(":/icons/%1.svg").arg(QLatin1String(icon))));
+        QAbstractButton *const part =
+            modes->addChoice(text, QIcon(QStringLiteral(":/icons/%1.svg").arg(QLatin1String(icon))));
         part->setObjectName(QLatin1String(name));
         connect(part, &QAbstractButton::clicked, &m_set, [this, isBrowser] {
             if (m_set.imageListIsInBrowserMode() != isBrowser)
@@ -236,7 +236,7 @@ void ImageListPane::showMode(bool isBrowser)
         m_browserController->followZoomAndNames();
     if (isVisible() && !focusWidget())
         shownView()->setFocus();
-    m_modeSwitch->check(isBrowser ? 0 : 1);
+    m_modeSwitch->setIndex(isBrowser ? 0 : 1);
     const QString other =
         isBrowser ? tr("Switch to the Large Batch mode. Recommended if you work with many images.")
                   : tr("Switch to the Small Batch mode. Recommended if you work with fewer images.");

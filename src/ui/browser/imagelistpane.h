@@ -6,22 +6,22 @@
 
 #include <memory>
 
+class QAbstractButton;
 class QLineEdit;
 class QMenu;
-class QPushButton;
 class QStackedWidget;
 
 namespace plexa
 {
 
 class AppController;
+class ChoiceButtons;
 class CommandActions;
 class ImageBrowserView;
 class ImageBrowserViewController;
 class ImageListView;
 class ImageSet;
 class MessagePage;
-class SegmentedSwitch;
 class StatusManager;
 class UserDefaults;
 class ZoomSlider;
@@ -58,7 +58,7 @@ protected:
 private:
     QWidget *makeButtonRow();
     void prepareSearchField();
-    SegmentedSwitch *makeModeSwitch();
+    ChoiceButtons *makeModeSwitch();
     MessagePage *makeNoMatchPage();
     QWidget *makeZoomRow();
     void connectSet(AppController &controller);
@@ -76,9 +76,9 @@ private:
     ImageBrowserView *const m_imageBrowser;
     ImageListView *const m_imageListTable;
     ZoomSlider *const m_browserZoomSlider;
-    SegmentedSwitch *m_modeSwitch = nullptr;
-    QPushButton *m_gridPart = nullptr;
-    QPushButton *m_listPart = nullptr;
+    ChoiceButtons *m_modeSwitch = nullptr;
+    QAbstractButton *m_gridPart = nullptr;
+    QAbstractButton *m_listPart = nullptr;
     MessagePage *m_noMatchPage = nullptr;
     QWidget *m_zoomRow = nullptr;
     QMenu *const m_imageMenu;

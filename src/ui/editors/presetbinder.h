@@ -3,6 +3,7 @@
 #pragma once
 
 #include "presets/savingpreset.h"
+#include "ui/editors/tokenfieldwithinsertpopup.h"
 #include "ui/widgets/choicebuttons.h"
 #include "ui/widgets/colorwell.h"
 #include "watermark/wpreset.h"
@@ -53,6 +54,7 @@ public:
     /// Items are filled in from the table if there are none, and the data of an item is the field's string.
     /// A string without an item selects none.
     void bind(Field field, QComboBox &box);
+    void bind(Field field, TokenFieldWithInsertPopup &tokens);
     /// Calls `show` with the field's value, now and at each change. Other controls use it, with write().
     void bind(Field field, const Show &show);
 
@@ -238,6 +240,14 @@ void BinderOf<Preset, Field>::bind(Field field, QComboBox &box)
                      [this, field, &box](int index) { write(field, box.itemData(index).toString()); });
     bind(field,
          [&box](const FieldValue &value) { box.setCurrentIndex(box.findData(std::get<QString>(value))); });
+}
+
+template<class Preset, class Field>
+void BinderOf<Preset, Field>::bind(Field field, TokenFieldWithInsertPopup &tokens)
+{
+    QObject::connect(&tokens, &TokenFieldWithInsertPopup::textTokensChanged, &m_context,
+                     [this, field](const QStringList &list) { write(field, list); });
+    bind(field, [&tokens](const FieldValue &value) { tokens.setTextTokens(std::get<QStringList>(value)); });
 }
 
 } // namespace plexa

@@ -3,15 +3,13 @@
 #include "ui/editors/savingpresetview.h"
 
 #include "ui/editors/editorform.h"
-#include "ui/editors/tokenfieldwithinsertpopup.h"
+#include "ui/editors/tokeneditor.h"
 #include "ui/widgets/look.h"
 
 #include <QCheckBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QSlider>
-#include <QToolButton>
-#include <QVBoxLayout>
 
 namespace plexa
 {
@@ -19,7 +17,9 @@ namespace plexa
 SavingPresetView::SavingPresetView(QWidget *parent)
     : QWidget(parent)
     , m_layout(new QFormLayout(this))
-    , m_tokens(new TokenFieldWithInsertPopup)
+    , m_tokens(new TokenEditor(QStringLiteral("filenameTokens"), tr("File name of the copies"),
+                               tr("Insert a value that each copy has for itself, as its number"),
+                               fileNameTokenGroups()))
 {
     m_layout->setContentsMargins(0, 0, 0, 0);
     m_layout->setHorizontalSpacing(look::kLargeGap);
@@ -28,6 +28,9 @@ SavingPresetView::SavingPresetView(QWidget *parent)
     addFileName();
     addFormat();
     setEnabled(false);
+    m_binder.setEdited([this](const std::shared_ptr<SavingPreset> &preset, SavingField field,
+                              const FieldValue &before,
+                              const FieldValue &now) { Q_EMIT edited(preset, field, before, now); });
 }
 
 void SavingPresetView::setPreset(const std::shared_ptr<SavingPreset> &preset)
@@ -38,7 +41,7 @@ void SavingPresetView::setPreset(const std::shared_ptr<SavingPreset> &preset)
 
 void SavingPresetView::setValueOnPhoto(const TokenValue &value)
 {
-    m_tokens->setValueOnPhoto(value);
+    m_tokens->field().setValueOnPhoto(value);
 }
 
 QWidget *SavingPresetView::popUp(SavingField field, const QString &purpose)
@@ -54,26 +57,9 @@ QWidget *SavingPresetView::popUp(SavingField field, const QString &purpose)
 
 void SavingPresetView::addFileName()
 {
-    m_tokens->setObjectName(QStringLiteral("filenameTokensField"));
-    m_tokens->setAccessibleName(tr("File name of the copies"));
-    m_tokens->setVocabulary(fileNameTokenGroups());
-    auto *const insert = new QToolButton;
-    insert->setObjectName(QStringLiteral("filenameInsertPopUpButton"));
-    insert->setText(tr("Insert from Photo"));
-    insert->setToolTip(tr("Insert a value that each copy has for itself, as its number"));
-    insert->setPopupMode(QToolButton::InstantPopup);
-    insert->setFocusPolicy(Qt::StrongFocus);
-    m_tokens->setInsertPopUpButton(insert);
-    QObject::connect(
-        m_tokens, &TokenFieldWithInsertPopup::textTokensChanged, this,
-        [this](const QStringList &tokens) { m_binder.write(SavingField::FilenameTokens, tokens); });
-    m_binder.bind(SavingField::FilenameTokens,
-                  [this](const FieldValue &value) { m_tokens->setTextTokens(std::get<QStringList>(value)); });
-    auto *const name = new QVBoxLayout;
-    name->setSpacing(look::kSmallGap);
-    name->addWidget(m_tokens);
-    name->addWidget(insert, 0, Qt::AlignLeft);
-    m_layout->addRow(tr("File name"), name);
+    m_tokens->field().setAcceptsLineBreaks(false);
+    m_binder.bind(SavingField::FilenameTokens, m_tokens->field());
+    m_layout->addRow(tr("File name"), m_tokens);
 
     auto *const letters = new QHBoxLayout;
     letters->setSpacing(look::kGap);

@@ -12,7 +12,7 @@ class QFormLayout;
 namespace plexa
 {
 
-class TokenFieldWithInsertPopup;
+class TokenEditor;
 
 /// The editor of one saving preset: the name of the copies, their format, and what the format has. All
 /// controls write to the preset at once. Main thread.
@@ -30,6 +30,11 @@ public:
     /// As TokenFieldWithInsertPopup has it.
     void setValueOnPhoto(const TokenValue &value);
 
+Q_SIGNALS:
+    /// The user has changed a field.
+    void edited(const std::shared_ptr<plexa::SavingPreset> &preset, plexa::SavingField field,
+                const plexa::FieldValue &before, const plexa::FieldValue &now);
+
 private:
     void addFileName();
     void addFormat();
@@ -38,7 +43,7 @@ private:
 
     SavingPresetBinder m_binder;
     QFormLayout *const m_layout;
-    TokenFieldWithInsertPopup *const m_tokens;
+    TokenEditor *const m_tokens;
 };
 
 } // namespace plexa

@@ -2,9 +2,13 @@
 
 #include "ui/editors/tokenfieldcompletion.h"
 
+#include "ui/widgets/look.h"
+
 #include <QAbstractItemView>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QScrollBar>
+#include <QStyledItemDelegate>
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextEdit>
@@ -16,7 +20,41 @@ namespace plexa
 namespace
 {
 constexpr int kVisibleNames = 8;
+constexpr int kValueDistance = 24; // from the longest name
+constexpr int kMargin = 8;
+
+/// Names at the left, values at the right.
+class NameDelegate final : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        const QString value = index.data(Qt::UserRole).toString();
+        const int width = value.isEmpty() ? 0 : option.fontMetrics.horizontalAdvance(value) + kValueDistance;
+        return QStyledItemDelegate::sizeHint(option, index) + QSize(width + kMargin, 0);
+    }
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        QStyledItemDelegate::paint(painter, option, index);
+        painter->setPen(look::kSecondaryText);
+        painter->drawText(option.rect.adjusted(0, 0, -kMargin, 0),
+                          Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine,
+                          index.data(Qt::UserRole).toString());
+    }
+};
 } // namespace
+
+QVariant TokenFieldCompletion::Offered::data(const QModelIndex &index, int role) const
+{
+    if (role != Qt::UserRole && role != Qt::AccessibleTextRole)
+        return QStringListModel::data(index, role);
+    const QString name = QStringListModel::data(index, Qt::DisplayRole).toString();
+    const QString shown = shownValue(value, name);
+    return role == Qt::UserRole ? shown : name + u' ' + shown;
+}
 
 TokenFieldCompletion::TokenFieldCompletion(QTextEdit &field)
     : QObject(&field)
@@ -28,6 +66,7 @@ TokenFieldCompletion::TokenFieldCompletion(QTextEdit &field)
     m_completer.setMaxVisibleItems(kVisibleNames);
     m_completer.popup()->setObjectName(QStringLiteral("tokenCompletion"));
     m_completer.popup()->setAccessibleName(tr("Tokens"));
+    m_completer.popup()->setItemDelegate(new NameDelegate(this));
     connect(&m_completer, qOverload<const QString &>(&QCompleter::activated), this,
             &TokenFieldCompletion::choose);
 }

@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include "ui/editors/tokenmenu.h"
+
 #include <QCompleter>
 #include <QStringListModel>
 #include <QTextCursor>
@@ -24,6 +26,9 @@ public:
 
     void setNames(const QStringList &names) { m_names = names; }
 
+    /// Shown beside the names.
+    void setValueOnPhoto(const TokenValue &value) { m_offered.value = value; }
+
     bool isOpen() const;
 
     /// Handles a key of the field while the list is open. @return whether the field must ignore the key
@@ -41,13 +46,22 @@ Q_SIGNALS:
     void chosen(const QString &name);
 
 private:
+    /// Names, with their values for Qt::UserRole and for screen readers.
+    class Offered final : public QStringListModel
+    {
+    public:
+        QVariant data(const QModelIndex &index, int role) const override;
+
+        TokenValue value;
+    };
+
     void update();
     void show(const QString &typed);
     void choose(const QString &name);
 
     QTextEdit &m_field;
     QStringList m_names;
-    QStringListModel m_offered;
+    Offered m_offered;
     QCompleter m_completer;
     QTextCursor m_brace; // before the brace; null while closed
 };

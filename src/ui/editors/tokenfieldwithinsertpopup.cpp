@@ -11,10 +11,10 @@
 #include <QContextMenuEvent>
 #include <QHelpEvent>
 #include <QPainter>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextLayout>
-#include <QToolButton>
 #include <QToolTip>
 
 #include <algorithm>
@@ -26,8 +26,9 @@ namespace plexa
 namespace
 {
 
-constexpr int kFewestLines = 3;
-constexpr int kUsualLines = 4;
+constexpr int kFewestLines = 2;
+constexpr int kUsualLines = 3;
+constexpr int kNameLines = 2;    // of a text without line breaks
 constexpr int kMargin = 4;       // around the text
 constexpr int kLineDistance = 4; // pills of two lines do not touch
 constexpr int kLongWord = 1000;  // characters
@@ -71,17 +72,23 @@ void TokenFieldWithInsertPopup::setVocabulary(const TokenGroups &groups)
     showPieces(fieldPieces(m_textTokens, m_vocabulary));
 }
 
-void TokenFieldWithInsertPopup::setInsertPopUpButton(QToolButton *button)
+void TokenFieldWithInsertPopup::setInsertPopUpButton(QPushButton *button)
 {
     m_insertPopUpButton = button;
     button->setMenu(&m_menu);
-    button->setPopupMode(QToolButton::InstantPopup);
 }
 
 void TokenFieldWithInsertPopup::setValueOnPhoto(const TokenValue &value)
 {
     m_valueOnPhoto = value;
     m_menu.setValueOnPhoto(value);
+    m_completion->setValueOnPhoto(value);
+}
+
+void TokenFieldWithInsertPopup::setAcceptsLineBreaks(bool accepts)
+{
+    m_acceptsLineBreaks = accepts;
+    updateGeometry();
 }
 
 void TokenFieldWithInsertPopup::setTextTokens(const QStringList &textTokens)
@@ -175,12 +182,12 @@ int TokenFieldWithInsertPopup::heightOfLines(int lines) const
 
 QSize TokenFieldWithInsertPopup::sizeHint() const
 {
-    return {240, heightOfLines(kUsualLines)};
+    return {240, heightOfLines(m_acceptsLineBreaks ? kUsualLines : kNameLines)};
 }
 
 QSize TokenFieldWithInsertPopup::minimumSizeHint() const
 {
-    return {120, heightOfLines(kFewestLines)};
+    return {120, heightOfLines(m_acceptsLineBreaks ? kFewestLines : kNameLines)};
 }
 
 bool TokenFieldWithInsertPopup::canInsertFromMimeData(const QMimeData *source) const
@@ -199,13 +206,22 @@ void TokenFieldWithInsertPopup::insertFromMimeData(const QMimeData *source)
     if (!canInsertFromMimeData(source) || isReadOnly())
         return;
     QTextCursor cursor = textCursor();
-    insert(cursor, piecesFromMimeData(*source, m_vocabulary));
+    QList<FieldPiece> pieces = piecesFromMimeData(*source, m_vocabulary);
+    if (!m_acceptsLineBreaks) {
+        for (FieldPiece &piece : pieces)
+            piece.text.replace(u'\n', u' ');
+    }
+    insert(cursor, pieces);
 }
 
 void TokenFieldWithInsertPopup::keyPressEvent(QKeyEvent *event)
 {
     if (m_completion->keyPressed(*event)) {
         event->accept();
+        return;
+    }
+    if (!m_acceptsLineBreaks && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
+        event->ignore();
         return;
     }
     QTextEdit::keyPressEvent(event);
@@ -219,6 +235,9 @@ bool TokenFieldWithInsertPopup::focusNextPrevChild(bool next)
 
 void TokenFieldWithInsertPopup::inputMethodEvent(QInputMethodEvent *event)
 {
+    if (QString text = event->commitString(); !m_acceptsLineBreaks && text.contains(u'\n'))
+        event->setCommitString(text.replace(u'\n', u' '), event->replacementStart(),
+                               event->replacementLength());
     QTextEdit::inputMethodEvent(event);
     m_completion->keyHandled(!event->commitString().isEmpty());
 }

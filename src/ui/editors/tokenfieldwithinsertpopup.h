@@ -8,7 +8,7 @@
 #include <QPointer>
 #include <QTextEdit>
 
-class QToolButton;
+class QPushButton;
 
 namespace plexa
 {
@@ -32,9 +32,14 @@ public:
 
     /// Must be set before the field is shown. The button gets the menu of the vocabulary.
     /// @param button  may be deleted before the field
-    void setInsertPopUpButton(QToolButton *button);
+    void setInsertPopUpButton(QPushButton *button);
 
-    /// Shown in the menu and in tool tips. @param value  empty while there is no current photo
+    /// Without, as for the names of files, the Return key is left to the dialog, and what is pasted is one
+    /// line. The field is lower then.
+    void setAcceptsLineBreaks(bool accepts);
+
+    /// Shown in the menu, in the list of names and in tool tips. @param value  empty while there is no
+    /// current photo
     void setValueOnPhoto(const TokenValue &value);
 
     /// The list as it was set, until the user edits it; then adjacent literal texts are one.
@@ -97,12 +102,13 @@ private:
     QStringList m_textTokens;
     QList<FieldPiece> m_typedTokens; // literal texts that are expanded
     bool m_isShowingPieces = false;
+    bool m_acceptsLineBreaks = true;
     QTextCursor m_pressedPill;
     TokenValue m_valueOnPhoto;
     TokenMenu m_menu;
     TokenFieldPill *m_pill;             // own
     TokenFieldCompletion *m_completion; // own
-    QPointer<QToolButton> m_insertPopUpButton;
+    QPointer<QPushButton> m_insertPopUpButton;
 };
 
 } // namespace plexa

@@ -39,6 +39,11 @@ QString shortened(const QString &value)
 
 } // namespace
 
+QString shownValue(const TokenValue &value, const QString &name)
+{
+    return value ? shortened(value(name).value_or(QStringLiteral("–"))) : QString();
+}
+
 TokenGroups watermarkTokenGroups()
 {
     return {
@@ -102,7 +107,7 @@ void TokenMenu::showValues(QMenu &menu) const
             continue; // a submenu
         QString title = itemTitle(name);
         if (m_value)
-            title += u'\t' + itemTitle(shortened(m_value(name).value_or(QStringLiteral("–"))));
+            title += u'\t' + itemTitle(shownValue(m_value, name));
         action->setText(title);
     }
 }

@@ -28,6 +28,9 @@ TokenGroups fileNameTokenGroups();
 /// The value of a token on the current photo. @return none if the photo lacks it
 using TokenValue = std::function<std::optional<QString>(const QString &name)>;
 
+/// The value as one short line; "–" if the photo lacks it, empty while there is no photo.
+QString shownValue(const TokenValue &value, const QString &name);
+
 /// A menu of tokens with a submenu for each group. The titles of its items are the names of the tokens; while
 /// it is open, the value on the current photo follows each name.
 class TokenMenu final : public QMenu

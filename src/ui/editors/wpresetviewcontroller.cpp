@@ -17,7 +17,9 @@
 #include <QScrollBar>
 #include <QSlider>
 #include <QSpinBox>
+#include <QToolButton>
 #include <QVBoxLayout>
+#include <QWhatsThis>
 
 namespace plexa
 {
@@ -62,18 +64,19 @@ WPresetViewController::WPresetViewController(const EditorServices &services, Sav
     layout->setSpacing(4);
     layout->addWidget(makeType());
     m_text = new WTextPresetViewController(m_binder, services);
-    addSection(*layout, tr("Text"), "text", m_text);
+    addSection(*layout, tr("Text"), "text", m_text, false);
     m_textSection = m_text->parentWidget();
     m_image = new WImagePresetViewController(m_binder);
-    addSection(*layout, tr("Picture"), "picture", m_image);
+    addSection(*layout, tr("Picture"), "picture", m_image, false);
     m_imageSection = m_image->parentWidget();
-    addSection(*layout, tr("Size and Position"), "position", makeSizeAndPosition());
-    addSection(*layout, tr("Angle and Tiling"), "angle", makeAngleAndTiling());
-    addSection(*layout, tr("Look"), "look", makeLook());
-    addSection(*layout, tr("Shadow"), "shadow", makeShadow());
-    addSection(*layout, tr("Box"), "box", makeBox());
+    addSection(*layout, tr("Size and Position"), "position", makeSizeAndPosition(), false);
+    // Their titles then fit into a small window.
+    addSection(*layout, tr("Angle and Tiling"), "angle", makeAngleAndTiling(), true);
+    addSection(*layout, tr("Look"), "look", makeLook(), true);
+    addSection(*layout, tr("Shadow"), "shadow", makeShadow(), true);
+    addSection(*layout, tr("Box"), "box", makeBox(), true);
     if (savingPreset == SavingPresetRow::Shown)
-        addSection(*layout, tr("Saving"), "saving", makeSaving());
+        addSection(*layout, tr("Saving"), "saving", makeSaving(), true);
     layout->addStretch();
     setWidget(content);
     m_binder.bind(FieldId::Type, [this](const FieldValue &) { updateTypeSubview(); });
@@ -98,10 +101,10 @@ void WPresetViewController::setPreset(const std::shared_ptr<WPreset> &preset)
 }
 
 void WPresetViewController::addSection(QVBoxLayout &layout, const QString &title, const char *name,
-                                       QWidget *content)
+                                       QWidget *content, bool isFoldedAtFirst)
 {
     const QString key = QStringLiteral("editorSectionFolded.") + QLatin1String(name);
-    layout.addWidget(new FoldingSection(title, key, content, m_services.defaults));
+    layout.addWidget(new FoldingSection(title, {key, isFoldedAtFirst}, content, m_services.defaults));
 }
 
 void WPresetViewController::updateTypeSubview()
@@ -135,7 +138,7 @@ QWidget *WPresetViewController::makeSizeAndPosition()
           tr("Middle right"), tr("Bottom left"), tr("Bottom center"), tr("Bottom right")})
         anchor->addChoice(place);
     m_binder.bind(FieldId::AnchorPoint, *anchor);
-    form->addRow(tr("Position"), anchor);
+    form->addRow(tr("Position"), {anchor, offsetHelpButton()});
     QWidget *const across = form->addRow(
         tr("From side"), {form->number(FieldId::OffsetHorizontal, tr("Distance from the side of the photo")),
                           form->unit(FieldId::OffsetHorizontalUnit, tr("Unit of the distance"))});
@@ -146,6 +149,29 @@ QWidget *WPresetViewController::makeSizeAndPosition()
     form->showWhile({across}, [this](const WPresetValues &) { return !preset()->offsetHorizontalHidden(); });
     form->showWhile({down}, [this](const WPresetValues &) { return !preset()->offsetVerticalHidden(); });
     return form;
+}
+
+/// Explains the distances, while there are any.
+QWidget *WPresetViewController::offsetHelpButton()
+{
+    auto *const help = new QToolButton;
+    help->setObjectName(QStringLiteral("offsetLabelHelpButton"));
+    help->setAutoRaise(true);
+    help->setIcon(icon("help"));
+    help->setFocusPolicy(Qt::StrongFocus);
+    help->setAccessibleName(tr("About the distances"));
+    help->setToolTip(tr("Explain the distances"));
+    connect(help, &QAbstractButton::clicked, help, [help] {
+        QWhatsThis::showText(
+            help->mapToGlobal(help->rect().bottomLeft()),
+            tr("The distances are between the watermark and the nearest sides of the photo. "
+               "Below 0, the watermark reaches beyond the photo.\n\nTo move the watermark of "
+               "one photo only, drag it in the preview."),
+            help);
+    });
+    m_binder.apply([this](const WPresetValues &) { return !preset()->offsetHidden(); },
+                   [help](bool isShown) { help->setVisible(isShown); });
+    return help;
 }
 
 /// A wheel and a field for the same angle.

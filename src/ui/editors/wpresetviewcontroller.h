@@ -43,13 +43,15 @@ Q_SIGNALS:
 private:
     QWidget *makeType();
     QWidget *makeSizeAndPosition();
+    QWidget *offsetHelpButton();
     QWidget *makeAngleAndTiling();
     QWidget *angleRow(EditorForm &form, FieldId field, const QString &purpose);
     QWidget *makeLook();
     QWidget *makeShadow();
     QWidget *makeBox();
     QWidget *makeSaving();
-    void addSection(QVBoxLayout &layout, const QString &title, const char *name, QWidget *content);
+    void addSection(QVBoxLayout &layout, const QString &title, const char *name, QWidget *content,
+                    bool isFoldedAtFirst);
     void updateTypeSubview();
     void fillSavingPresets(QComboBox &popUp);
 

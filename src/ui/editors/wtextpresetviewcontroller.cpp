@@ -3,7 +3,7 @@
 #include "ui/editors/wtextpresetviewcontroller.h"
 
 #include "platform/fontcatalog.h"
-#include "ui/editors/tokenfieldwithinsertpopup.h"
+#include "ui/editors/tokeneditor.h"
 #include "ui/widgets/choicebuttons.h"
 #include "ui/widgets/colorwell.h"
 
@@ -14,7 +14,6 @@
 #include <QLineEdit>
 #include <QSpinBox>
 #include <QStringListModel>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace plexa
@@ -49,33 +48,26 @@ WTextPresetViewController::WTextPresetViewController(PresetBinder &binder, const
     : QWidget(parent)
     , m_binder(binder)
     , m_services(services)
-    , m_tokens(new TokenFieldWithInsertPopup)
+    , m_tokens(new TokenEditor(QStringLiteral("textTokens"), tr("Text of the watermark"),
+                               tr("Insert a value that each photo has for itself, as its date"),
+                               watermarkTokenGroups()))
     , m_fontFamilyPopUp(new QComboBox)
     , m_fontStylePopUp(new QComboBox)
 {
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(4);
-    m_tokens->setObjectName(QStringLiteral("textTokensField"));
-    m_tokens->setAccessibleName(tr("Text of the watermark"));
-    m_tokens->setVocabulary(watermarkTokenGroups());
-    auto *const insert = new QToolButton;
-    insert->setObjectName(QStringLiteral("insertPopUpButton"));
-    insert->setText(tr("Insert from Photo"));
-    insert->setToolTip(tr("Insert a value that each photo has for itself, as its date"));
-    insert->setPopupMode(QToolButton::InstantPopup);
-    insert->setFocusPolicy(Qt::StrongFocus);
-    m_tokens->setInsertPopUpButton(insert);
     layout->addWidget(m_tokens);
-    layout->addWidget(insert, 0, Qt::AlignLeft);
-    connect(m_tokens, &TokenFieldWithInsertPopup::textTokensChanged, this,
-            [this](const QStringList &tokens) { m_binder.write(FieldId::TextTokens, tokens); });
-    m_binder.bind(FieldId::TextTokens,
-                  [this](const FieldValue &value) { m_tokens->setTextTokens(std::get<QStringList>(value)); });
+    m_binder.bind(FieldId::TextTokens, m_tokens->field());
     layout->addWidget(makeFont());
     layout->addWidget(makeColors());
     m_binder.bind(FieldId::Font,
                   [this](const FieldValue &value) { updateFontFromWPreset(std::get<QString>(value)); });
+}
+
+TokenFieldWithInsertPopup &WTextPresetViewController::tokenField()
+{
+    return m_tokens->field();
 }
 
 QWidget *WTextPresetViewController::makeFont()
@@ -129,14 +121,17 @@ QWidget *WTextPresetViewController::makeColors()
         return color;
     };
     form->addRow(tr("Color"), well(FieldId::FillColor, tr("Color of the text")));
-    form->addRow({}, form->check(FieldId::Stroke, tr("Draw an outline")));
-    QWidget *const outline = form->addRow(
-        tr("Outline"), {well(FieldId::StrokeColor, tr("Color of the outline")),
-                        form->number(FieldId::StrokeWidth,
-                                     tr("Width of the outline, in percent of the size of the text; "
-                                        "below 0: the outline alone"),
-                                     QStringLiteral(" %"))});
-    form->showWhile({outline}, [](const WPresetValues &values) { return values.stroke; });
+    QWidget *const color = well(FieldId::StrokeColor, tr("Color of the outline"));
+    QWidget *const width = form->number(FieldId::StrokeWidth,
+                                        tr("Width of the outline, in percent of the size of the text; "
+                                           "below 0: the outline alone"),
+                                        QStringLiteral(" %"));
+    form->addRow({}, {form->check(FieldId::Stroke, tr("Outline")), color, width});
+    m_binder.apply([](const WPresetValues &values) { return values.stroke; },
+                   [color, width](bool isShown) {
+                       color->setVisible(isShown);
+                       width->setVisible(isShown);
+                   });
     return form;
 }
 

@@ -11,6 +11,7 @@ class QComboBox;
 namespace plexa
 {
 
+class TokenEditor;
 class TokenFieldWithInsertPopup;
 
 /// What a text watermark has beside the rest: its text with tokens, font, size, alignment and colors. Main
@@ -31,7 +32,7 @@ public:
     WTextPresetViewController(PresetBinder &binder, const EditorServices &services,
                               QWidget *parent = nullptr);
 
-    TokenFieldWithInsertPopup &tokenField() { return *m_tokens; }
+    TokenFieldWithInsertPopup &tokenField();
 
 private:
     QWidget *makeFont();
@@ -43,7 +44,7 @@ private:
 
     PresetBinder &m_binder;
     const EditorServices m_services;
-    TokenFieldWithInsertPopup *const m_tokens;
+    TokenEditor *const m_tokens;
     QComboBox *const m_fontFamilyPopUp;
     QComboBox *const m_fontStylePopUp;
     QString m_fontFamily;

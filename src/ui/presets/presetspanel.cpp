@@ -3,21 +3,21 @@
 #include "ui/presets/presetspanel.h"
 
 #include "app/appcontroller.h"
+#include "platform/userdefaults.h"
 #include "presets/presetsstore.h"
-#include "ui/editors/tokenfieldwithinsertpopup.h"
-#include "ui/editors/wpresetviewcontroller.h"
-#include "ui/editors/wtextpresetviewcontroller.h"
+#include "ui/presets/allpresetslist.h"
+#include "ui/presets/wpreseteditor.h"
+#include "ui/widgets/choicebuttons.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/look.h"
-#include "ui/widgets/presetlistmodel.h"
 #include "ui/widgets/presetlistview.h"
 #include "ui/widgets/sectiontitle.h"
-#include "ui/widgets/segmentedswitch.h"
 
 #include <QAction>
 #include <QActionGroup>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSplitter>
@@ -33,9 +33,12 @@ namespace plexa
 namespace
 {
 
-// Of presets mode at first; the user may move the divider.
-constexpr int kListsHeight = 300;
-constexpr int kEditorHeight = 400;
+// Of presets mode at first; the user may move the dividers.
+constexpr int kAppliedHeight = 132;
+constexpr int kAllHeight = 212;
+constexpr int kEditorHeight = 260;
+
+const QString kSizesKey = QStringLiteral("presetsSplitView");
 
 /// Some three rows.
 constexpr int kMinListHeight = 72;
@@ -46,6 +49,11 @@ QHBoxLayout *buttonRow()
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(look::kSmallGap);
     return row;
+}
+
+QString asMenuText(QString name)
+{
+    return name.replace(u'&', QLatin1String("&&"));
 }
 
 /// A button with a shorter text than its command has.
@@ -66,16 +74,18 @@ PresetsPanel::PresetsPanel(AppController &controller, UserDefaults &defaults, Co
     , m_actions(actions)
     , m_modeSelector(makeModeSelector())
     , m_appliedModel(new PresetListModel(controller.presetsStore().wPresetList(), this))
-    , m_allModel(new PresetListModel(controller.presetsStore().wPresetList(), this))
     , m_appliedTable(new PresetListView(*m_appliedModel))
-    , m_allTable(new PresetListView(*m_allModel))
+    , m_all(new AllPresetsList(controller, defaults, actions))
     , m_modeContainer(new QStackedWidget)
     , m_quickEditor(makeEditor(defaults, QStringLiteral("quickWPresetEditor")))
     , m_editor(makeEditor(defaults, QStringLiteral("wPresetEditor")))
+    , m_editorOrHint(new QStackedWidget)
+    , m_presetsSplitView(new QSplitter(Qt::Vertical))
+    , m_sizesUnfolded({kAppliedHeight, kAllHeight, kEditorHeight})
 {
-    m_modeContainer->addWidget(m_quickEditor);
-    m_modeContainer->addWidget(makePresetsView());
-    m_allModel->follow(controller.presetsStore().wPresetList());
+    m_modeContainer->addWidget(makeSingleView());
+    makePresetsView(defaults);
+    m_modeContainer->addWidget(m_presetsSplitView);
 
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -88,14 +98,14 @@ PresetsPanel::PresetsPanel(AppController &controller, UserDefaults &defaults, Co
     showApplied();
 }
 
-SegmentedSwitch *PresetsPanel::makeModeSelector()
+ChoiceButtons *PresetsPanel::makeModeSelector()
 {
-    auto *const selector = new SegmentedSwitch(tr("Watermark mode"), this);
+    auto *const selector = new ChoiceButtons(tr("Watermark mode"), ChoiceButtons::Look::Texts, 0, this);
     selector->setObjectName(QStringLiteral("modeSegments"));
     auto *const items = new QActionGroup(&m_actions);
     for (const auto &[id, text] :
          {std::pair(ActionId::SingleMode, tr("Single")), {ActionId::PresetsMode, tr("Presets")}}) {
-        m_actions.bindButton(id, selector->addPart(text));
+        m_actions.bindButton(id, selector->addChoice(text));
         m_actions.action(id)->setCheckable(true);
         items->addAction(m_actions.action(id));
     }
@@ -104,68 +114,110 @@ SegmentedSwitch *PresetsPanel::makeModeSelector()
 
 WPresetViewController *PresetsPanel::makeEditor(UserDefaults &defaults, const QString &name)
 {
-    using Row = WPresetViewController::SavingPresetRow;
-    auto *const editor = new WPresetViewController(
-        {m_controller.presetsStore(), m_controller.photoServices().fonts, defaults}, Row::Shown);
+    WPresetViewController *const editor = makeWPresetEditor(m_controller, defaults);
     editor->setObjectName(name);
     connect(editor, &WPresetViewController::edited, &m_controller.undoHistory(), &UndoHistory::presetEdited);
-    editor->textEditor().tokenField().setValueOnPhoto(
-        [&set = m_controller.imageSet()](const QString &token) -> std::optional<QString> {
-            const std::shared_ptr<ImageObject> image = set.shownImage();
-            return image ? image->facts().stringForInfoToken(token) : std::nullopt;
-        });
     return editor;
 }
 
-QWidget *PresetsPanel::makePresetsView()
+/// The commands for the single watermark above its editor.
+QWidget *PresetsPanel::makeSingleView()
+{
+    auto *const view = new QWidget;
+    auto *const layout = new QVBoxLayout(view);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(look::kGap);
+    QHBoxLayout *const buttons = buttonRow();
+    auto *const load = new QPushButton(tr("Load"));
+    load->setObjectName(QStringLiteral("loadPresetMenuButton"));
+    load->setAccessibleName(tr("Load a Preset"));
+    load->setToolTip(tr("Edit a copy of a preset as the single watermark"));
+    auto *const menu = new QMenu(load);
+    connect(menu, &QMenu::aboutToShow, this, [this, menu] { fillLoadMenu(*menu); });
+    load->setMenu(menu);
+    buttons->addWidget(load);
+    for (const auto &[id, text] :
+         {std::pair(ActionId::SaveQuickPreset, tr("Save as New")), {ActionId::UpdatePreset, tr("Update")}}) {
+        auto *const button = new QPushButton(text);
+        m_actions.bindButton(id, button);
+        buttons->addWidget(button, 1);
+    }
+    layout->addLayout(buttons);
+    layout->addWidget(m_quickEditor, 1);
+    return view;
+}
+
+void PresetsPanel::fillLoadMenu(QMenu &menu)
+{
+    menu.clear();
+    for (const std::shared_ptr<WPreset> &preset : m_all->presets())
+        menu.addAction(asMenuText(preset->name()), this, [this, preset] { loadPreset(preset); });
+    if (menu.isEmpty())
+        menu.addAction(tr("No presets yet"))->setEnabled(false);
+}
+
+/// Two lists, and below them the editor.
+void PresetsPanel::makePresetsView(UserDefaults &defaults)
+{
+    // Keeps the room of the editor: the lists must not move under a double click.
+    auto *const hint = new QLabel(tr("Select a preset to edit it here."));
+    hint->setAlignment(Qt::AlignCenter);
+    hint->setWordWrap(true);
+    hint->setForegroundRole(QPalette::PlaceholderText);
+    m_editorOrHint->addWidget(hint);
+    m_editorOrHint->addWidget(m_editor);
+    QSplitter &view = *m_presetsSplitView;
+    view.setObjectName(QStringLiteral("presetsSplitView"));
+    view.setChildrenCollapsible(false);
+    view.addWidget(makeAppliedList());
+    view.addWidget(m_all);
+    view.addWidget(m_editorOrHint);
+    view.setStretchFactor(2, 1);
+    view.setSizes(m_sizesUnfolded);
+    view.restoreState(QByteArray::fromBase64(defaults.stringForKey(kSizesKey).toLatin1()));
+    connect(&view, &QSplitter::splitterMoved, this, [this, &defaults] {
+        defaults.setObject(kSizesKey, QString::fromLatin1(m_presetsSplitView->saveState().toBase64()));
+    });
+    connect(m_all, &FoldingSection::foldedByUser, this, [this](bool isFolded) {
+        if (isFolded)
+            m_sizesUnfolded = m_presetsSplitView->sizes(); // they change later
+        fitFoldedList();
+        if (!isFolded)
+            m_presetsSplitView->setSizes(m_sizesUnfolded);
+    });
+    fitFoldedList();
+}
+
+/// The editor gets the room of the folded list.
+void PresetsPanel::fitFoldedList()
+{
+    m_all->setMaximumHeight(m_all->isFolded() ? m_all->minimumSizeHint().height() : QWIDGETSIZE_MAX);
+    if (m_all->isFolded())
+        m_presetsSplitView->setSizes({m_sizesUnfolded[0], 0, m_sizesUnfolded[1] + m_sizesUnfolded[2]});
+}
+
+QWidget *PresetsPanel::makeAppliedList()
 {
     m_appliedTable->setObjectName(QStringLiteral("wPresetsAppliedTable"));
     m_appliedTable->setAccessibleName(tr("Applied presets"));
     m_appliedTable->setWhatsThis(tr("The presets that are drawn on the photos, in this order. Drag them into "
                                     "another order; double-click one to edit it."));
     m_appliedTable->setAllowsReordering();
-    m_appliedTable->setEmptyHint(tr("No preset is applied yet.\nSelect one below and press Apply."));
-    m_allTable->setObjectName(QStringLiteral("wPresetsAllTable"));
-    m_allTable->setAccessibleName(tr("All presets"));
-    m_allTable->setWhatsThis(tr("All watermark presets. Press Enter to apply the selected ones; "
-                                "double-click one to edit it."));
-    m_allTable->setEmptyHint(tr("No presets yet"));
-    for (PresetListView *const table : {m_appliedTable, m_allTable})
-        table->setMinimumHeight(kMinListHeight);
+    m_appliedTable->acceptDropsFrom(m_all->table());
+    m_appliedTable->setEmptyHint(tr("No preset is applied yet.\nDouble-click one below, or drag it here."));
+    m_appliedTable->setMinimumHeight(kMinListHeight);
+    m_appliedTable->setContextMenuPolicy(Qt::ActionsContextMenu);
+    for (const ActionId id :
+         {ActionId::MovePresetsUp, ActionId::MovePresetsDown, ActionId::RemoveAppliedPresets,
+          ActionId::ClearAppliedPresets, ActionId::ShowWatermarkPresets})
+        m_appliedTable->addAction(m_actions.action(id));
 
-    const auto setContextMenu = [this](QWidget *table, std::initializer_list<ActionId> ids) {
-        table->setContextMenuPolicy(Qt::ActionsContextMenu);
-        for (const ActionId id : ids)
-            table->addAction(m_actions.action(id));
-    };
-    setContextMenu(m_appliedTable,
-                   {ActionId::MovePresetsUp, ActionId::MovePresetsDown, ActionId::RemoveAppliedPresets,
-                    ActionId::ClearAppliedPresets, ActionId::ToggleWatermarkPresets});
-    setContextMenu(m_allTable,
-                   {ActionId::ApplyPresets, ActionId::LoadPreset, ActionId::ToggleWatermarkPresets});
-
-    auto *const lists = new QWidget;
-    auto *const layout = new QVBoxLayout(lists);
+    auto *const part = new QWidget;
+    auto *const layout = new QVBoxLayout(part);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(look::kSmallGap);
-    addAppliedList(layout);
-    layout->addSpacing(look::kGap);
-    addAllList(layout);
-    auto *const view = new QSplitter(Qt::Vertical);
-    view->setObjectName(QStringLiteral("presetsSplitView"));
-    view->setChildrenCollapsible(false);
-    view->addWidget(lists);
-    view->addWidget(m_editor);
-    view->setStretchFactor(1, 1);
-    view->setSizes({kListsHeight, kEditorHeight});
-    m_editor->hide(); // until a preset is selected
-    return view;
-}
-
-void PresetsPanel::addAppliedList(QVBoxLayout *layout)
-{
     layout->addWidget(sectionTitle(tr("Applied presets"), m_appliedTable));
-    layout->addWidget(m_appliedTable, 2);
+    layout->addWidget(m_appliedTable, 1);
     QHBoxLayout *const buttons = buttonRow();
     for (const ActionId id : {ActionId::MovePresetsUp, ActionId::MovePresetsDown})
         buttons->addWidget(m_actions.makeButton(id, nullptr));
@@ -174,28 +226,18 @@ void PresetsPanel::addAppliedList(QVBoxLayout *layout)
                                    {ActionId::ClearAppliedPresets, tr("Clear")}})
         buttons->addWidget(makeTextButton(m_actions, id, text));
     layout->addLayout(buttons);
-}
-
-void PresetsPanel::addAllList(QVBoxLayout *layout)
-{
-    layout->addWidget(sectionTitle(tr("All presets"), m_allTable));
-    layout->addWidget(m_allTable, 3);
-    QHBoxLayout *const buttons = buttonRow();
-    buttons->addWidget(makeTextButton(m_actions, ActionId::ApplyPresets, tr("Apply")));
-    buttons->addStretch();
-    buttons->addWidget(makeTextButton(m_actions, ActionId::ToggleWatermarkPresets, tr("Manage")));
-    layout->addLayout(buttons);
+    return part;
 }
 
 /// Shows one selected preset in the editor; with none or several, the former one stays if it still exists.
 void PresetsPanel::edit(const WPresetList &selected)
 {
-    const WPresetList &all = m_allModel->presets();
+    const WPresetList &all = m_all->presets();
     if (selected.size() == 1)
         m_editor->setPreset(selected.front());
     else if (std::find(all.begin(), all.end(), m_editor->preset()) == all.end())
         m_editor->setPreset(nullptr);
-    m_editor->setVisible(m_editor->preset() != nullptr);
+    m_editorOrHint->setCurrentIndex(m_editor->preset() ? 1 : 0);
 }
 
 void PresetsPanel::connectLists()
@@ -209,7 +251,8 @@ void PresetsPanel::connectLists()
             selected.push_back(m_applied.wPresetsApplied()[static_cast<std::size_t>(row)]);
         edit(selected);
     });
-    connect(m_allTable, &PresetListView::selectedRowsChanged, this, [this] { edit(selectedWPresets()); });
+    connect(&m_all->table(), &PresetListView::selectedRowsChanged, this,
+            [this] { edit(selectedWPresets()); });
     connect(&m_applied, &AppliedPresets::modeChanged, this, &PresetsPanel::showMode);
     connect(&m_applied, &AppliedPresets::appliedChanged, this, &PresetsPanel::showApplied);
     connect(&m_applied, &AppliedPresets::selectedRowsChanged, this,
@@ -219,12 +262,24 @@ void PresetsPanel::connectLists()
     connect(m_appliedTable, &PresetListView::rowsDropped, &m_applied, &AppliedPresets::moveAppliedPresets);
     connect(m_appliedTable, &PresetListView::deletePressed, &m_applied,
             &AppliedPresets::removeSelectedAppliedPresets);
-    connect(m_allTable, &PresetListView::returnPressed, this,
-            [this] { m_actions.run(ActionId::ApplyPresets); });
-    connect(m_allTable, &PresetListView::selectedRowsChanged, &m_actions, &CommandActions::scheduleUpdate);
-    for (const auto &[table, model] : {std::pair(m_appliedTable, m_appliedModel), {m_allTable, m_allModel}})
-        connect(table, &QAbstractItemView::doubleClicked, this,
-                [this, model = model](const QModelIndex &index) { doubleMouseClick(index, *model); });
+    connect(m_appliedTable, &PresetListView::otherRowsDropped, this,
+            [this](const IndexList &rows, int toRow) {
+                WPresetList dropped;
+                for (const int row : rows) {
+                    if (row < static_cast<int>(m_all->presets().size()))
+                        dropped.push_back(m_all->presets()[static_cast<std::size_t>(row)]);
+                }
+                apply(dropped, toRow);
+            });
+    connect(m_appliedTable, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex &index) {
+        doubleMouseClick(m_appliedModel->presets()[static_cast<std::size_t>(m_appliedTable->rowOf(index))]);
+    });
+    connect(&m_controller.presetCommands(), &PresetCommands::loadedWPresetChanged, this,
+            &PresetsPanel::nameUpdateCommand);
+    for (const auto signal : {&PresetListSignals::inserted, &PresetListSignals::removed})
+        connect(&m_controller.presetsStore().wPresetList(), signal, this, &PresetsPanel::nameUpdateCommand);
+    connect(&m_controller.presetsStore().wPresetList(), &PresetListSignals::edited, this,
+            &PresetsPanel::nameUpdateCommand);
 }
 
 void PresetsPanel::connectCommands()
@@ -247,54 +302,71 @@ void PresetsPanel::connectCommands()
     m_actions.setHandler(ActionId::RemoveAppliedPresets,
                          [&applied] { applied.removeSelectedAppliedPresets(); });
     m_actions.setHandler(ActionId::ClearAppliedPresets, [&applied] { applied.clearAppliedPresets(); });
-    m_actions.setHandler(ActionId::ApplyPresets, [this] { applySelected(); });
-    m_actions.setHandler(ActionId::LoadPreset, [this] { loadPreset(); });
+    m_actions.setHandler(ActionId::ApplyPresets, [this] { apply(selectedWPresets()); });
+    m_actions.setHandler(ActionId::LoadPreset, [this] { loadPreset(selectedWPresets().front()); });
     m_actions.setHandler(ActionId::SaveQuickPreset, [this] { saveQuickPreset(); });
+    m_actions.setHandler(ActionId::UpdatePreset, [this] { updatePreset(); });
 }
 
 /// Selects the first of them, because the preview shows the selected one.
-void PresetsPanel::applySelected()
+void PresetsPanel::apply(const WPresetList &presets, std::optional<int> toRow)
 {
-    const WPresetList selected = selectedWPresets();
+    if (presets.empty())
+        return;
     const WPresetList before = m_applied.wPresetsApplied();
-    m_applied.addWPresetsToApplied(selected);
+    m_applied.addWPresetsToApplied(presets, toRow);
     const WPresetList &applied = m_applied.wPresetsApplied();
-    const auto first = std::find(applied.begin(), applied.end(), selected.front());
+    const auto first = std::find(applied.begin(), applied.end(), presets.front());
     m_applied.selectRows({static_cast<int>(first - applied.begin())});
     if (applied == before)
-        m_controller.statusManager().notify(tr("“%1” is applied already").arg(selected.front()->name()));
+        m_controller.statusManager().notify(tr("“%1” is applied already").arg(presets.front()->name()));
 }
 
-/// Shows the single watermark, because that is what changes.
-void PresetsPanel::loadPreset()
+void PresetsPanel::loadPreset(const std::shared_ptr<WPreset> &preset)
 {
-    const std::shared_ptr<WPreset> preset = selectedWPresets().front();
-    m_controller.presetsStore().loadWPreset(*preset);
-    m_applied.modeDidChange(AppliedPresets::Mode::Single);
+    m_controller.presetCommands().loadWPreset(preset);
     m_controller.statusManager().notify(tr("The single watermark is now a copy of “%1”").arg(preset->name()));
 }
 
 /// The mode stays: other presets would be drawn on the photos.
 void PresetsPanel::saveQuickPreset()
 {
-    m_controller.presetCommands().saveQuickAsWPreset();
-    const WPresetList &all = m_allModel->presets();
-    m_allTable->selectRows({static_cast<int>(all.size()) - 1});
-    m_controller.statusManager().notify(tr("“%1” was added to all presets").arg(all.back()->name()));
+    const std::shared_ptr<WPreset> saved = m_controller.presetCommands().saveQuickAsWPreset();
+    m_all->select(saved.get());
+    m_controller.statusManager().notify(tr("“%1” was added to all presets").arg(saved->name()));
+    m_actions.run(ActionId::ShowWatermarkPresets); // there it gets a name
+}
+
+void PresetsPanel::updatePreset()
+{
+    m_controller.presetCommands().updateLoadedWPreset();
+    m_controller.statusManager().notify(tr("“%1” is now like the single watermark")
+                                            .arg(m_controller.presetCommands().loadedWPreset()->name()));
+}
+
+/// The menu names the preset that would change.
+void PresetsPanel::nameUpdateCommand()
+{
+    const std::shared_ptr<WPreset> loaded = m_controller.presetCommands().loadedWPreset();
+    const CommandRow &row = commandRow(ActionId::UpdatePreset);
+    const QString text = loaded ? tr("Upda&te “%1”").arg(asMenuText(loaded->name())) : commandText(row);
+    if (m_actions.action(ActionId::UpdatePreset)->text() == text)
+        return;
+    m_actions.setText(ActionId::UpdatePreset, text,
+                      loaded ? tr("Give “%1” the settings of the single watermark").arg(loaded->name())
+                             : commandToolTip(row));
+    m_actions.scheduleUpdate();
 }
 
 WPresetList PresetsPanel::selectedWPresets() const
 {
-    WPresetList selected;
-    for (const int row : m_allTable->selectedRows())
-        selected.push_back(m_allModel->presets()[static_cast<std::size_t>(row)]);
-    return selected;
+    return m_all->selected();
 }
 
 void PresetsPanel::showMode()
 {
     const int mode = m_applied.isInSingleMode() ? 0 : 1;
-    m_modeSelector->check(mode);
+    m_modeSelector->setIndex(mode);
     m_actions.action(mode == 0 ? ActionId::SingleMode : ActionId::PresetsMode)->setChecked(true);
     m_modeContainer->setCurrentIndex(mode);
 }
@@ -310,14 +382,10 @@ void PresetsPanel::showApplied()
         m_appliedTable->scrollToBottom(); // show the added presets
 }
 
-void PresetsPanel::doubleMouseClick(const QModelIndex &index, const PresetListModel &model)
+void PresetsPanel::doubleMouseClick(const std::shared_ptr<WPreset> &preset)
 {
-    const std::shared_ptr<WPreset> &preset = model.presets()[static_cast<std::size_t>(index.row())];
-    const WPresetList &all = m_allModel->presets();
-    const auto found = std::find(all.begin(), all.end(), preset);
-    if (found != all.end())
-        m_allTable->selectRows({static_cast<int>(found - all.begin())});
-    m_actions.run(ActionId::ToggleWatermarkPresets);
+    m_all->select(preset.get());
+    m_actions.run(ActionId::ShowWatermarkPresets);
 }
 
 } // namespace plexa

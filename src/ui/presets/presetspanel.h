@@ -3,22 +3,26 @@
 #pragma once
 
 #include "app/indexlist.h"
+#include "ui/widgets/presetlistmodel.h"
 #include "watermark/wpreset.h"
 
 #include <QWidget>
 
+#include <optional>
+
+class QMenu;
+class QSplitter;
 class QStackedWidget;
-class QVBoxLayout;
 
 namespace plexa
 {
 
+class AllPresetsList;
 class AppController;
 class AppliedPresets;
+class ChoiceButtons;
 class CommandActions;
-class PresetListModel;
 class PresetListView;
-class SegmentedSwitch;
 class UserDefaults;
 class WPresetViewController;
 
@@ -38,32 +42,38 @@ public:
     WPresetList selectedWPresets() const;
 
 private:
-    SegmentedSwitch *makeModeSelector();
+    ChoiceButtons *makeModeSelector();
     WPresetViewController *makeEditor(UserDefaults &defaults, const QString &name);
-    QWidget *makePresetsView();
-    void addAppliedList(QVBoxLayout *layout);
-    void addAllList(QVBoxLayout *layout);
+    QWidget *makeSingleView();
+    void fillLoadMenu(QMenu &menu);
+    void makePresetsView(UserDefaults &defaults);
+    QWidget *makeAppliedList();
+    void fitFoldedList();
     void connectLists();
     void connectCommands();
-    void applySelected();
-    void loadPreset();
+    void apply(const WPresetList &presets, std::optional<int> toRow = {});
+    void loadPreset(const std::shared_ptr<WPreset> &preset);
     void saveQuickPreset();
+    void updatePreset();
+    void nameUpdateCommand();
     void showMode();
     void showApplied();
     void edit(const WPresetList &selected);
-    void doubleMouseClick(const QModelIndex &index, const PresetListModel &model);
+    void doubleMouseClick(const std::shared_ptr<WPreset> &preset);
 
     AppController &m_controller;
     AppliedPresets &m_applied;
     CommandActions &m_actions;
-    SegmentedSwitch *const m_modeSelector;
+    ChoiceButtons *const m_modeSelector;
     PresetListModel *const m_appliedModel;
-    PresetListModel *const m_allModel;
     PresetListView *const m_appliedTable;
-    PresetListView *const m_allTable;
+    AllPresetsList *const m_all;
     QStackedWidget *const m_modeContainer;
     WPresetViewController *const m_quickEditor;
     WPresetViewController *const m_editor;
+    QStackedWidget *const m_editorOrHint;
+    QSplitter *const m_presetsSplitView;
+    QList<int> m_sizesUnfolded; // of the parts of presets mode, in points
 };
 
 } // namespace plexa

@@ -4,6 +4,7 @@
 
 #include <QWidget>
 
+class QAbstractButton;
 class QButtonGroup;
 class QGridLayout;
 class QIcon;
@@ -11,22 +12,28 @@ class QIcon;
 namespace plexa
 {
 
-/// A few choices that are seen at once, of which one or none is chosen: radio buttons, or joined buttons with
-/// icons. The Tab key reaches the chosen one, the arrow keys the others. Main thread.
+/// A few choices that are seen at once, of which one or none is chosen: radio buttons, or joined buttons.
+/// Assistive technology sees a group of radio buttons. The Tab key reaches the chosen one, the arrow keys the
+/// others. Main thread.
 class ChoiceButtons final : public QWidget
 {
     Q_OBJECT
 
 public:
-    enum class Look { RadioButtons, Icons };
+    enum class Look {
+        RadioButtons,
+        Icons, ///< joined buttons with icons
+        Texts, ///< joined buttons with texts, and icons if given, that share the width
+    };
 
     /// @param purpose  accessible name
     /// @param columns  choices in a row; 0: all
     ChoiceButtons(const QString &purpose, Look look, int columns = 0, QWidget *parent = nullptr);
 
-    /// Adds a choice behind the others. @param text  shown by radio buttons in one row, else a tool tip
-    void addChoice(const QString &text, const QIcon &icon);
-    void addChoice(const QString &text);
+    /// Adds a choice behind the others. @param text  a tool tip where there is no room for it
+    /// @return its button, which the widget owns
+    QAbstractButton *addChoice(const QString &text, const QIcon &icon);
+    QAbstractButton *addChoice(const QString &text);
 
     /// -1: none.
     int index() const;
@@ -38,6 +45,11 @@ Q_SIGNALS:
     void chosen(int index);
 
 private:
+    bool isJoined() const { return m_look != Look::RadioButtons; }
+    QAbstractButton *makeButton(const QString &text, const QIcon &icon) const;
+    void joinLast() const;
+    void updateTabStops() const;
+
     const Look m_look;
     const int m_columns;
     QGridLayout *const m_layout;

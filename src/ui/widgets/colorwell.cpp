@@ -3,6 +3,7 @@
 #include "ui/widgets/colorwell.h"
 
 #include "platform/userdefaults.h"
+#include "ui/widgets/checkedground.h"
 
 #include <QColorDialog>
 #include <QMenu>
@@ -25,15 +26,8 @@ const QString kRecentColorsKey = QStringLiteral("recentColors");
 /// Translucent colors lie on squares.
 void drawColor(QPainter &painter, const QRect &rect, const QColor &color)
 {
-    if (color.alpha() < 255) {
-        painter.fillRect(rect, Qt::white);
-        for (int y = 0; y * kCheck < rect.height(); ++y) {
-            for (int x = y % 2; x * kCheck < rect.width(); x += 2)
-                painter.fillRect(
-                    QRect(rect.topLeft() + QPoint(x, y) * kCheck, QSize(kCheck, kCheck)).intersected(rect),
-                    QColor(0xcc, 0xcc, 0xcc));
-        }
-    }
+    if (color.alpha() < 255)
+        drawCheckedGround(painter, rect, kCheck);
     painter.fillRect(rect, color);
 }
 

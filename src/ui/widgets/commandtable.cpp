@@ -23,8 +23,8 @@ std::vector<CommandRow> makeTable()
     return {
         {AddImages, M::File, false, "addImages", TEXT("&Add Photos…"), TEXT("Add photos to the list"), "Ctrl+O", "add-photos"},
         {AddFolder, M::File, false, "addFolder", TEXT("Add &Folder…"), TEXT("Add all photos of a folder and of the folders in it"), "Ctrl+Shift+O", "add-folder"},
-        {SaveSelected, M::File, true, "saveSelected", TEXT("&Save Selected…"), TEXT("Save watermarked copies of the selected photos"), "Ctrl+S", "save", {N::Selection, N::Watermark}, true},
-        {SaveAll, M::File, false, "saveAll", TEXT("Save A&ll…"), TEXT("Save watermarked copies of all photos in the list"), "Ctrl+Shift+S", "save-all", {N::Photos, N::Watermark}},
+        {SaveSelected, M::File, true, "saveSelected", TEXT("&Save Selected…"), TEXT("Save watermarked copies of the selected photos"), "Ctrl+S", "save", {N::NoSave, N::Selection, N::Watermark}, true},
+        {SaveAll, M::File, false, "saveAll", TEXT("Save A&ll…"), TEXT("Save watermarked copies of all photos in the list"), "Ctrl+Shift+S", "save-all", {N::NoSave, N::Photos, N::Watermark}},
         {OpenSelectedInCompanion, M::File, true, "openSelectedInCompanion", TEXT("&Open Selected in Brevix"), TEXT("Open watermarked copies of the selected photos in Brevix for resizing"), "", "", {N::Selection, N::Watermark}, true},
         {OpenAllInCompanion, M::File, false, "openAllInCompanion", TEXT("Open All in &Brevix"), TEXT("Open watermarked copies of all photos in the list in Brevix for resizing"), "", "", {N::Photos, N::Watermark}},
         {ShowInFileManager, M::File, true, "showInFileManager", TEXT("Show in File &Manager"), TEXT("Show the selected photos in their folders"), "Ctrl+Shift+E", "show-folder", {N::Selection}, true},
@@ -77,13 +77,17 @@ std::vector<CommandRow> makeTable()
         {RemoveAppliedPresets, M::Watermark, false, "removeAppliedPresets", TEXT("&Remove Selected Presets"), TEXT("Stop drawing the selected presets"), "", "list-remove", {N::AppliedSelection}},
         {ClearAppliedPresets, M::Watermark, false, "clearAppliedPresets", TEXT("&Clear Applied Presets"), TEXT("Stop drawing all presets"), "", "list-clear", {N::AppliedPreset}},
         {SaveQuickPreset, M::Watermark, true, "saveQuickPreset", TEXT("Sav&e as New Preset"), TEXT("Keep the single watermark as a preset"), "", ""},
-        {LoadPreset, M::Watermark, false, "loadPreset", TEXT("&Load into Single Watermark"), TEXT("Edit a copy of the selected preset as the single watermark"), "", "", {N::OneSelectedPreset}},
+        {UpdatePreset, M::Watermark, false, "updatePreset", TEXT("Upda&te Loaded Preset"), TEXT("Give the preset that was loaded last the settings of the single watermark"), "", "", {N::LoadedPreset}},
+        {LoadPreset, M::Watermark, false, "loadPreset", TEXT("&Load into Single Watermark"), TEXT("Edit a copy of the selected preset as the single watermark"), "", "load-preset", {N::OneSelectedPreset}},
+
+        {ShowWatermarkPresets, M::Watermark, true, "showWatermarkPresets", TEXT("&Manage Presets…"), TEXT("Create, edit and remove watermark presets"), "", "manage"},
+        {ShowSavingPresets, M::Watermark, false, "showSavingPresets", TEXT("Mana&ge Saving Presets…"), TEXT("Create, edit and remove saving presets"), "", ""},
 
         {Minimize, M::Window, false, "minimize", TEXT("&Minimize"), TEXT("Minimize this window"), "Ctrl+M", "", {}, false, true},
         {ToggleFullScreen, M::Window, false, "toggleFullScreen", TEXT("&Full Screen"), TEXT("Fill the screen with this window"), "F11", "", {}, false, true},
         {ShowMainWindow, M::Window, false, "showMainWindow", TEXT("Main &Window"), TEXT("Bring this window to the front"), "", "", {}, false, true},
-        {ToggleWatermarkPresets, M::Window, true, "toggleWatermarkPresets", TEXT("Watermark &Presets"), TEXT("Create, edit and remove watermark presets"), "Ctrl+Shift+W", "manage"},
-        {ToggleSavingPresets, M::Window, false, "toggleSavingPresets", TEXT("&Saving Presets"), TEXT("Create, edit and remove saving presets"), "Ctrl+Shift+P", ""},
+        {ToggleWatermarkPresets, M::Window, true, "toggleWatermarkPresets", TEXT("Watermark &Presets"), TEXT("Show or close the window of all watermark presets"), "Ctrl+Shift+W", ""},
+        {ToggleSavingPresets, M::Window, false, "toggleSavingPresets", TEXT("&Saving Presets"), TEXT("Show or close the window of all saving presets"), "Ctrl+Shift+P", ""},
         {ToggleMetadata, M::Window, false, "toggleMetadata", TEXT("Image Meta&data"), TEXT("Show and edit the metadata of the selected photos"), "Ctrl+Shift+I", "info", {N::SmallBatchMode, N::Selection}, true},
 
         {UserGuide, M::Help, false, "userGuide", TEXT("User &Guide"), TEXT("Read how Plexa works"), "F1", "help", {}, false, true},

@@ -69,7 +69,10 @@ enum class ActionId {
     RemoveAppliedPresets,
     ClearAppliedPresets,
     SaveQuickPreset,
+    UpdatePreset,
     LoadPreset,
+    ShowWatermarkPresets,
+    ShowSavingPresets,
 
     Minimize,
     ToggleFullScreen,

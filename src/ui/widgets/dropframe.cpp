@@ -35,7 +35,7 @@ bool DropFrame::eventFilter(QObject *object, QEvent *event)
 {
     switch (event->type()) {
     case QEvent::DragEnter:
-        if (object == m_accepts && canAcceptFiles(*static_cast<QDropEvent *>(event))) {
+        if (object == m_accepts && isEnabled() && canAcceptFiles(*static_cast<QDropEvent *>(event))) {
             setGeometry(m_pane->rect());
             raise();
             show();

@@ -4,16 +4,18 @@
 
 #include "platform/userdefaults.h"
 
+#include <QHBoxLayout>
 #include <QToolButton>
 #include <QVBoxLayout>
 
 namespace plexa
 {
 
-FoldingSection::FoldingSection(const QString &title, const QString &key, QWidget *content,
+FoldingSection::FoldingSection(const QString &title, const Folded &folded, QWidget *content,
                                UserDefaults &defaults, QWidget *parent)
     : QWidget(parent)
     , m_header(new QToolButton)
+    , m_headerRow(new QHBoxLayout)
     , m_content(content)
 {
     m_header->setText(title);
@@ -29,18 +31,30 @@ FoldingSection::FoldingSection(const QString &title, const QString &key, QWidget
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(4);
-    layout->addWidget(m_header);
+    m_headerRow->addWidget(m_header, 1);
+    layout->addLayout(m_headerRow);
     layout->addWidget(content);
-    setFolded(defaults.boolForKey(key));
-    connect(m_header, &QAbstractButton::clicked, this, [this, key, &defaults] {
+    setFolded(defaults.isStored(folded.key) ? defaults.boolForKey(folded.key) : folded.isFoldedAtFirst);
+    connect(m_header, &QAbstractButton::clicked, this, [this, key = folded.key, &defaults] {
         setFolded(!isFolded());
         defaults.setObject(key, isFolded());
+        Q_EMIT foldedByUser(isFolded());
     });
+}
+
+void FoldingSection::setHeaderWidget(QWidget *widget)
+{
+    m_headerWidget = widget;
+    m_headerRow->addWidget(widget);
+    widget->setVisible(!isFolded());
 }
 
 void FoldingSection::setFolded(bool isFolded)
 {
     m_content->setVisible(!isFolded);
+    setSizePolicy(QSizePolicy::Preferred, isFolded ? QSizePolicy::Fixed : QSizePolicy::Preferred);
+    if (m_headerWidget)
+        m_headerWidget->setVisible(!isFolded);
     m_header->setArrowType(isFolded ? Qt::RightArrow : Qt::DownArrow);
     m_header->setAccessibleDescription(isFolded ? tr("folded") : QString());
 }

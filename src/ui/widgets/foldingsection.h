@@ -4,6 +4,7 @@
 
 #include <QWidget>
 
+class QHBoxLayout;
 class QToolButton;
 
 namespace plexa
@@ -12,21 +13,35 @@ namespace plexa
 class UserDefaults;
 
 /// A titled part of a panel that folds to its title, and remembers it. Main thread.
-class FoldingSection final : public QWidget
+class FoldingSection : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// @param key       the setting that keeps whether the section is folded
+    /// The setting that keeps whether the section is folded, and what holds before the user changes it.
+    struct Folded {
+        QString key;
+        bool isFoldedAtFirst = false;
+    };
+
     /// @param defaults  outlives the section
-    FoldingSection(const QString &title, const QString &key, QWidget *content, UserDefaults &defaults,
+    FoldingSection(const QString &title, const Folded &folded, QWidget *content, UserDefaults &defaults,
                    QWidget *parent = nullptr);
+
+    /// A control beside the title, shown while the section is not folded.
+    void setHeaderWidget(QWidget *widget);
 
     bool isFolded() const { return m_content->isHidden(); }
     void setFolded(bool isFolded);
 
+Q_SIGNALS:
+    /// The user has folded or unfolded it.
+    void foldedByUser(bool isFolded);
+
 private:
     QToolButton *const m_header;
+    QHBoxLayout *const m_headerRow;
+    QWidget *m_headerWidget = nullptr;
     QWidget *const m_content;
 };
 

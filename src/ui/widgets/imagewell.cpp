@@ -2,6 +2,7 @@
 
 #include "ui/widgets/imagewell.h"
 
+#include "ui/widgets/checkedground.h"
 #include "ui/widgets/filedrops.h"
 
 #include <QClipboard>
@@ -19,17 +20,6 @@ namespace
 constexpr int kHeight = 120;
 constexpr int kPadding = 8;
 constexpr int kCheck = 8;
-
-void drawChecks(QPainter &painter, const QRect &rect)
-{
-    painter.fillRect(rect, Qt::white);
-    for (int y = 0; y * kCheck < rect.height(); ++y) {
-        for (int x = y % 2; x * kCheck < rect.width(); x += 2) {
-            const QRect check(rect.topLeft() + QPoint(x, y) * kCheck, QSize(kCheck, kCheck));
-            painter.fillRect(check.intersected(rect), QColor(0xd9, 0xd9, 0xd9));
-        }
-    }
-}
 
 bool isPicture(const QMimeData *data)
 {
@@ -85,7 +75,7 @@ void ImageWell::paintEvent(QPaintEvent *)
     place.moveCenter(room.center());
     painter.setRenderHint(QPainter::Antialiasing, false);
     if (m_image.hasAlphaChannel())
-        drawChecks(painter, place);
+        drawCheckedGround(painter, place, kCheck);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(place, m_image);
 }

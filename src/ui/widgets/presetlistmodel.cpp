@@ -21,63 +21,43 @@ const QString kDraggedRowsType = QStringLiteral("draggedPrests");
 
 } // namespace
 
-PresetListModel::PresetListModel(const PresetListSignals &edits, QObject *parent)
-    : QAbstractListModel(parent)
+QString PresetRowsModel::faultOf(const WPreset &preset)
 {
-    connect(&edits, &PresetListSignals::edited, this, [this] {
-        if (!m_presets.empty()) // any field may change whether a preset is valid
-            Q_EMIT dataChanged(index(0), index(rowCount() - 1));
-    });
+    return preset.values().pictureFault();
 }
 
-void PresetListModel::setPresets(WPresetList presets)
+QString PresetRowsModel::faultOf(const SavingPreset &preset)
 {
-    beginResetModel();
-    m_presets = std::move(presets);
-    endResetModel();
+    return preset.filenameTokens().isEmpty()
+               ? tr("“%1” does not say how the copies are named").arg(preset.name())
+               : tr("The quality of “%1” is not between %2 and %3 %")
+                     .arg(preset.name())
+                     .arg(SavingPresetValues::kLowestQuality)
+                     .arg(SavingPresetValues::kHighestQuality);
 }
 
-void PresetListModel::follow(const PresetList<WPreset> &list)
-{
-    using Signals = PresetListSignals;
-    connect(&list, &Signals::aboutToInsert, this,
-            [this](int first, int last) { beginInsertRows({}, first, last); });
-    connect(&list, &Signals::aboutToRemove, this,
-            [this](int first, int last) { beginRemoveRows({}, first, last); });
-    connect(&list, &Signals::aboutToMove, this,
-            [this](int fromRow, int toRow) { beginMoveRows({}, fromRow, fromRow, {}, toRow); });
-    const auto show = [this, &list](auto changed, auto end) {
-        connect(&list, changed, this, [this, &list, end] {
-            m_presets = list.presets();
-            (this->*end)();
-        });
-    };
-    show(&Signals::inserted, &PresetListModel::endInsertRows);
-    show(&Signals::removed, &PresetListModel::endRemoveRows);
-    show(&Signals::moved, &PresetListModel::endMoveRows);
-    setPresets(list.presets());
-}
-
-int PresetListModel::rowCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : static_cast<int>(m_presets.size());
-}
-
-QVariant PresetListModel::data(const QModelIndex &index, int role) const
+QVariant PresetRowsModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
-    const WPreset &preset = *m_presets[static_cast<std::size_t>(index.row())];
-    if (role == Qt::DisplayRole)
-        return preset.name();
-    if (role == Qt::ToolTipRole)
-        return plainToolTip(preset.validPreset() ? preset.name() : preset.values().pictureFault());
-    if (role == Qt::ForegroundRole && !preset.validPreset())
-        return look::kWarningText;
-    return {};
+    if (role == Qt::DecorationRole) {
+        const QIcon shown = picture(index.row());
+        return shown.isNull() ? QVariant() : shown;
+    }
+    const Row shown = row(index.row());
+    switch (role) {
+    case Qt::DisplayRole:
+        return shown.name;
+    case Qt::ToolTipRole:
+        return plainToolTip(shown.fault.isEmpty() ? shown.name : shown.fault);
+    case Qt::ForegroundRole:
+        return shown.fault.isEmpty() ? QVariant() : look::kWarningText;
+    default:
+        return {};
+    }
 }
 
-Qt::ItemFlags PresetListModel::flags(const QModelIndex &index) const
+Qt::ItemFlags PresetRowsModel::flags(const QModelIndex &index) const
 {
     // The list accepts drops between rows, not onto items.
     if (!index.isValid())
@@ -86,12 +66,12 @@ Qt::ItemFlags PresetListModel::flags(const QModelIndex &index) const
     return m_allowsReordering ? flags | Qt::ItemIsDragEnabled : flags;
 }
 
-QStringList PresetListModel::mimeTypes() const
+QStringList PresetRowsModel::mimeTypes() const
 {
     return {kDraggedRowsType};
 }
 
-QMimeData *PresetListModel::mimeData(const QModelIndexList &indexes) const
+QMimeData *PresetRowsModel::mimeData(const QModelIndexList &indexes) const
 {
     IndexList rows;
     for (const QModelIndex &index : indexes)
@@ -102,7 +82,7 @@ QMimeData *PresetListModel::mimeData(const QModelIndexList &indexes) const
     return data;
 }
 
-IndexList PresetListModel::draggedRows(const QMimeData *data)
+IndexList PresetRowsModel::draggedRows(const QMimeData *data)
 {
     return indexesFromDrag(data->data(kDraggedRowsType));
 }

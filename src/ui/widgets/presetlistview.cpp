@@ -2,6 +2,7 @@
 
 #include "ui/widgets/presetlistview.h"
 
+#include "ui/widgets/look.h"
 #include "ui/widgets/presetlistmodel.h"
 
 #include <QDrag>
@@ -9,6 +10,7 @@
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
+#include <QSortFilterProxyModel>
 #include <QStyleOptionFocusRect>
 #include <QStyledItemDelegate>
 
@@ -20,16 +22,40 @@ namespace plexa
 namespace
 {
 
-/// Rows with vertical padding.
+constexpr int kGripWidth = 16;
+
+/// Rows with vertical padding; where they can be reordered, with a grip.
 class RowDelegate final : public QStyledItemDelegate
 {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
+    bool hasGrip = false;
+    int pictureHeight = 0;
+
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
         const QSize size = QStyledItemDelegate::sizeHint(option, index);
-        return {size.width(), option.fontMetrics.height() + 8};
+        return {size.width(), std::max(option.fontMetrics.height(), pictureHeight) + 8};
+    }
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        if (!hasGrip) {
+            QStyledItemDelegate::paint(painter, option, index);
+            return;
+        }
+        // The ground of the whole row, then its contents beside the grip.
+        QStyleOptionViewItem row = option;
+        initStyleOption(&row, index);
+        QStyle &style = *option.widget->style();
+        style.drawPrimitive(QStyle::PE_PanelItemViewItem, &row, painter, option.widget);
+        const bool isLeftToRight = option.direction == Qt::LeftToRight;
+        QStyleOptionViewItem contents = option;
+        contents.rect.adjust(isLeftToRight ? kGripWidth : 0, 0, isLeftToRight ? 0 : -kGripWidth, 0);
+        QStyledItemDelegate::paint(painter, contents, index);
+        const int left = isLeftToRight ? option.rect.left() : option.rect.right() + 1 - kGripWidth;
+        paintGrip(*painter, QRect(left, option.rect.top(), kGripWidth, option.rect.height()));
     }
 
 protected:
@@ -41,18 +67,38 @@ protected:
         if (color.isValid())
             option->palette.setColor(QPalette::HighlightedText, color.value<QColor>());
     }
+
+private:
+    /// Two columns of three dots.
+    static void paintGrip(QPainter &painter, const QRect &place)
+    {
+        constexpr int kDot = 2;
+        constexpr int kStep = 4;
+        const QPoint first = place.center() - QPoint(kStep / 2, kStep);
+        for (int i = 0; i < 6; ++i)
+            painter.fillRect(QRect(first + kStep * QPoint(i % 2, i / 2), QSize(kDot, kDot)),
+                             look::kControlBorder.darker(130));
+    }
 };
+
+RowDelegate &rowDelegateOf(const QListView &view)
+{
+    return *static_cast<RowDelegate *>(view.itemDelegate());
+}
 
 constexpr int kDragImageWidth = 200;
 constexpr QPoint kDragImageOffset(14, 10); // beside the pointer, so that the drop position is visible
 
 } // namespace
 
-PresetListView::PresetListView(PresetListModel &model, QWidget *parent)
+PresetListView::PresetListView(PresetRowsModel &model, QWidget *parent)
     : QListView(parent)
     , m_model(model)
+    , m_shown(new QSortFilterProxyModel(this))
 {
-    setModel(&model);
+    m_shown->setSourceModel(&model);
+    m_shown->setFilterCaseSensitivity(Qt::CaseInsensitive);
+    setModel(m_shown);
     setSelectionMode(ExtendedSelection);
     setEditTriggers(NoEditTriggers);
     setItemDelegate(new RowDelegate(this));
@@ -66,15 +112,38 @@ PresetListView::PresetListView(PresetListModel &model, QWidget *parent)
 void PresetListView::setAllowsReordering()
 {
     m_model.setAllowsReordering(true);
-    setDragDropMode(InternalMove);
+    setDragDropMode(DragDrop);
     setDropIndicatorShown(true);
+    rowDelegateOf(*this).hasGrip = true;
+}
+
+void PresetListView::setAllowsDragging()
+{
+    m_model.setAllowsReordering(true);
+    setDragDropMode(DragOnly);
+}
+
+void PresetListView::setPictureSize(QSize size)
+{
+    setIconSize(size);
+    rowDelegateOf(*this).pictureHeight = size.height();
+}
+
+void PresetListView::setSearchText(const QString &text)
+{
+    m_shown->setFilterFixedString(text);
+}
+
+int PresetListView::rowOf(const QModelIndex &index) const
+{
+    return m_shown->mapToSource(index).row();
 }
 
 IndexList PresetListView::selectedRows() const
 {
     IndexList rows;
     for (const QModelIndex &index : selectionModel()->selectedRows())
-        rows.append(index.row());
+        rows.append(rowOf(index));
     std::sort(rows.begin(), rows.end());
     return rows;
 }
@@ -84,17 +153,31 @@ void PresetListView::selectRows(const IndexList &rows)
     if (rows == selectedRows())
         return;
     QItemSelection selection;
-    for (const int row : rows)
-        selection.select(m_model.index(row), m_model.index(row));
+    QModelIndex first;
+    for (const int row : rows) {
+        const QModelIndex index = m_shown->mapFromSource(m_model.index(row));
+        selection.select(index, index);
+        if (!first.isValid())
+            first = index;
+    }
     selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
-    if (!rows.isEmpty())
-        selectionModel()->setCurrentIndex(m_model.index(rows.first()), QItemSelectionModel::NoUpdate);
+    if (!first.isValid())
+        return;
+    m_keepsSelection = true;
+    setCurrentIndex(first); // a range that is selected next begins there
+    m_keepsSelection = false;
+}
+
+QItemSelectionModel::SelectionFlags PresetListView::selectionCommand(const QModelIndex &index,
+                                                                     const QEvent *event) const
+{
+    return m_keepsSelection ? QItemSelectionModel::NoUpdate : QListView::selectionCommand(index, event);
 }
 
 void PresetListView::paintEvent(QPaintEvent *event)
 {
     QListView::paintEvent(event);
-    if (m_model.rowCount() > 0)
+    if (m_shown->rowCount() > 0)
         return;
     QPainter painter(viewport());
     if (hasFocus()) { // no row can show it
@@ -104,7 +187,7 @@ void PresetListView::paintEvent(QPaintEvent *event)
     }
     painter.setPen(palette().color(QPalette::PlaceholderText));
     painter.drawText(viewport()->rect().adjusted(12, 8, -12, -8), Qt::AlignCenter | Qt::TextWordWrap,
-                     m_emptyHint);
+                     m_model.rowCount() > 0 ? tr("No name contains the text") : m_emptyHint);
 }
 
 bool PresetListView::event(QEvent *event)
@@ -162,17 +245,38 @@ void PresetListView::startDrag(Qt::DropActions actions)
     if (rows.isEmpty())
         return;
     auto *const drag = new QDrag(this); // deletes itself
-    drag->setMimeData(m_model.mimeData(selectionModel()->selectedRows()));
+    drag->setMimeData(m_shown->mimeData(selectionModel()->selectedRows()));
     drag->setPixmap(dragImage(rows));
     drag->setHotSpot(-kDragImageOffset);
     drag->exec(actions, Qt::MoveAction);
 }
 
+/// Rows of this list, and of the other one if there is one.
+bool PresetListView::accepts(const QDropEvent &event) const
+{
+    const QObject *const source = event.source();
+    return source && (source == this || source == m_otherSource);
+}
+
+void PresetListView::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (accepts(*event))
+        QListView::dragEnterEvent(event);
+    else
+        event->ignore();
+}
+
+void PresetListView::dragMoveEvent(QDragMoveEvent *event)
+{
+    if (accepts(*event))
+        QListView::dragMoveEvent(event);
+    else
+        event->ignore();
+}
+
 void PresetListView::dropEvent(QDropEvent *event)
 {
-    // Only this list's own rows can be reordered.
-    const IndexList rows =
-        event->source() == this ? PresetListModel::draggedRows(event->mimeData()) : IndexList();
+    const IndexList rows = accepts(*event) ? PresetRowsModel::draggedRows(event->mimeData()) : IndexList();
     setState(NoState);
     viewport()->update();
     if (rows.isEmpty()) {
@@ -183,11 +287,14 @@ void PresetListView::dropEvent(QDropEvent *event)
     const QModelIndex index = indexAt(at);
     int toRow = m_model.rowCount();
     if (index.isValid())
-        toRow = at.y() < visualRect(index).center().y() ? index.row() : index.row() + 1;
-    // The receiver of rowsDropped() moves them, so the drag must not remove any row.
+        toRow = rowOf(index) + (at.y() < visualRect(index).center().y() ? 0 : 1);
+    // The receiver of the signal moves them, so the drag must not remove any row.
     event->setDropAction(Qt::IgnoreAction);
     event->accept();
-    Q_EMIT rowsDropped(rows, toRow);
+    if (event->source() == this)
+        Q_EMIT rowsDropped(rows, toRow);
+    else
+        Q_EMIT otherRowsDropped(rows, toRow);
 }
 
 } // namespace plexa

@@ -55,6 +55,7 @@ DesktopApplication::DesktopApplication(ApplicationService &service)
     m_alerts.setWindow(&m_window);
     // Closing the window quits only where no other process can reach this one.
     QGuiApplication::setQuitOnLastWindowClosed(false);
+    m_window.setMayClose([this] { return mayClose(); });
     connect(&m_window, &MainWindow::closed, this, &DesktopApplication::windowClosed);
     connect(&m_window, &MainWindow::quitWanted, this, &DesktopApplication::quit);
     connect(&m_delegate, &AppDelegate::windowWanted, &m_window, &MainWindow::present);
@@ -106,10 +107,29 @@ bool DesktopApplication::wantsToKeepRunning()
     return m_alerts.run(alert).button == 0;
 }
 
-/// Asks the user while photos are being saved.
+/// Asks the user while photos are being saved, which goes on without the window.
+bool DesktopApplication::mayClose()
+{
+    const BatchSave &save = m_controller.batchSave();
+    if (m_isQuitting || !save.isSavingInProgress() || save.isTerminating())
+        return true;
+    if (!m_service.isReachable())
+        return mayQuit();
+    Alert alert;
+    alert.style = Alert::Style::Warning;
+    alert.title = tr("Photos are being saved");
+    alert.text = tr("If you close the window, saving goes on without it. Start %1 again to see the result.")
+                     .arg(applicationName());
+    alert.buttons = {tr("Keep Window"), tr("Close Window")};
+    alert.escapeButton = 0;
+    return m_alerts.run(alert).button == 1;
+}
+
+/// Asks the user while photos are being saved. Saving stops if the user agrees.
 bool DesktopApplication::mayQuit()
 {
-    if (!m_controller.batchSave().isSavingInProgress())
+    BatchSave &save = m_controller.batchSave();
+    if (!save.isSavingInProgress() || save.isTerminating())
         return true;
     Alert alert;
     alert.style = Alert::Style::Warning;
@@ -117,7 +137,17 @@ bool DesktopApplication::mayQuit()
     alert.text = tr("If you quit now, photos that are not saved yet get no copies.");
     alert.buttons = {tr("Keep Saving"), tr("Quit")};
     alert.escapeButton = 0;
-    return m_alerts.run(alert).button != 0;
+    if (m_alerts.run(alert).button == 0)
+        return false;
+    save.terminateOperation();
+    return true;
+}
+
+void DesktopApplication::terminate()
+{
+    m_alerts.stopAsking();
+    m_controller.batchSave().terminateOperation();
+    quit();
 }
 
 void DesktopApplication::quit()

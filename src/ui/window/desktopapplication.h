@@ -29,10 +29,14 @@ public:
     /// Shows the window and opens the files.
     void launch(const QStringList &paths);
 
+    /// Quits without a question; copies that were begun are completed.
+    void terminate();
+
     MainWindow &window() { return m_window; }
     AppController &controller() { return m_controller; }
 
 private:
+    bool mayClose();
     bool mayQuit();
     bool wantsToKeepRunning();
     void quit();

@@ -5,6 +5,7 @@
 #include "ui/window/applicationservice.h"
 #include "ui/window/desktopapplication.h"
 #include "ui/window/lightappearance.h"
+#include "ui/window/terminationsignals.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -75,6 +76,9 @@ int main(int argc, char **argv)
         service.registerOnBus(); // the other process may have ended meanwhile
     }
     plexa::DesktopApplication program(service);
+    const plexa::TerminationSignals terminations;
+    QObject::connect(&terminations, &plexa::TerminationSignals::received, &program,
+                     &plexa::DesktopApplication::terminate);
     program.launch(paths);
     return QApplication::exec();
 }

@@ -11,6 +11,7 @@
 #include "ui/presets/presetspanel.h"
 #include "ui/preview/imageviewcontroller.h"
 #include "ui/preview/previewpane.h"
+#include "ui/saving/savingprogressview.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/dropframe.h"
 #include "ui/widgets/filedrops.h"
@@ -99,14 +100,18 @@ void MainWindow::makeViews()
     m_panelSplitView->setStretchFactor(1, 0);
     m_panelSplitView->setSizes({kFirstSize.width() - kFirstPanelWidth, kFirstPanelWidth});
 
+    m_contentOrSaving = new QStackedWidget;
+    m_contentOrSaving->addWidget(m_panelSplitView);
+    m_contentOrSaving->addWidget(new SavingProgressView(m_services.controller.batchSave()));
+
     auto *const central = new QWidget;
     auto *const layout = new QVBoxLayout(central);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(m_panelSplitView, 1);
+    layout->addWidget(m_contentOrSaving, 1);
     layout->addWidget(makeBottomBar());
     setCentralWidget(central);
-    new DropFrame(this, central);
+    m_dropFrame = new DropFrame(this, central);
 }
 
 /// Preview and photos, or a page in place of both.
@@ -208,7 +213,7 @@ QWidget *MainWindow::makeBottomBar()
 void MainWindow::connectCommands()
 {
     AppController &controller = m_services.controller;
-    connectWindowCommands(*m_actions, m_services, *this, *m_imageListPane);
+    connectWindowCommands(*m_actions, m_services, *this, *m_imageListPane, *m_presetsPanel);
     for (const ActionId id : {ActionId::MovePhotosUp, ActionId::MovePhotosDown})
         m_actions->useShortcutIn(*m_imageViewBrowserSplitView, id);
     connect(&controller, &AppController::commandStateChanged, m_actions, &CommandActions::scheduleUpdate);
@@ -222,8 +227,8 @@ void MainWindow::connectCommands()
             &CommandActions::scheduleUpdate);
     connect(m_previewPane, &PreviewPane::keyForImageList, this, &MainWindow::forwardToImageList);
     connect(&browser, &ImageBrowserViewController::copiesFailed, this, &MainWindow::reportFailedCopies);
-    connect(&controller.batchSave(), &BatchSave::started, this, [this] { setContentEnabled(false); });
-    connect(&controller.batchSave(), &BatchSave::finished, this, [this] { setContentEnabled(true); });
+    connect(&controller.batchSave(), &BatchSave::started, this, [this] { showSaving(true); });
+    connect(&controller.batchSave(), &BatchSave::finished, this, [this] { showSaving(false); });
 }
 
 void MainWindow::restoreGeometryFromSettings()
@@ -251,6 +256,10 @@ void MainWindow::present()
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
+    if (m_mayClose && !m_mayClose()) {
+        event->ignore();
+        return;
+    }
     rememberGeometry();
     QMainWindow::closeEvent(event);
     Q_EMIT closed();
@@ -277,6 +286,10 @@ void MainWindow::forwardToImageList(QKeyEvent *event)
 /// Files may be dropped anywhere on the window.
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 {
+    if (!m_dropFrame->isEnabled()) {
+        m_services.controller.statusManager().notify(reasonFor(Need::NoSave));
+        return;
+    }
     acceptFiles(event);
     m_emptyPage->setIsHovered(event->isAccepted());
 }
@@ -289,6 +302,8 @@ void MainWindow::dragLeaveEvent(QDragLeaveEvent *)
 void MainWindow::dropEvent(QDropEvent *event)
 {
     m_emptyPage->setIsHovered(false);
+    if (!m_dropFrame->isEnabled()) // photos began to be saved during the drag
+        return;
     acceptFiles(event);
     m_services.controller.addFiles(droppedFiles(event->mimeData()));
 }
@@ -302,12 +317,17 @@ CommandState MainWindow::commandState() const
     return state;
 }
 
-void MainWindow::setContentEnabled(bool isEnabled)
+/// In place of the content, which gets its keyboard focus back afterwards.
+void MainWindow::showSaving(bool isSaving)
 {
-    if (!isEnabled)
+    if (isSaving)
         m_focusBefore = focusWidget();
-    m_panelSplitView->setEnabled(isEnabled);
-    if (isEnabled && m_focusBefore)
+    m_panelSplitView->setEnabled(!isSaving);
+    m_dropFrame->setEnabled(!isSaving);
+    m_contentOrSaving->setCurrentIndex(isSaving ? 1 : 0);
+    if (isSaving)
+        m_contentOrSaving->currentWidget()->setFocus();
+    else if (m_focusBefore)
         m_focusBefore->setFocus();
 }
 

@@ -7,6 +7,8 @@
 #include <QMainWindow>
 #include <QPointer>
 
+#include <functional>
+
 class QSplitter;
 class QStackedWidget;
 
@@ -16,6 +18,7 @@ namespace plexa
 class Alerts;
 class AppController;
 class CommandActions;
+class DropFrame;
 class ImageListPane;
 class MessagePage;
 class PresetsPanel;
@@ -41,11 +44,11 @@ public:
 
     CommandActions &actions() { return *m_actions; }
 
-    /// Disabled while photos are being saved. Enabling restores the keyboard focus.
-    void setContentEnabled(bool isEnabled);
-
     /// Shows the window in front, even if it was closed or minimized.
     void present();
+
+    /// Asked before the window closes; false: it stays. Must not destroy the window.
+    void setMayClose(std::function<bool()> mayClose) { m_mayClose = std::move(mayClose); }
 
 Q_SIGNALS:
     /// The user has closed the window; the program keeps running.
@@ -69,6 +72,7 @@ private:
     void restoreGeometryFromSettings();
     void rememberGeometry();
     void showPhotos();
+    void showSaving(bool isSaving);
     CommandState commandState() const;
     void forwardToImageList(QKeyEvent *event);
     void reportFailedCopies(const QStringList &failures);
@@ -82,7 +86,10 @@ private:
     QStackedWidget *m_photosOrEmptyPage = nullptr;
     QSplitter *m_imageViewBrowserSplitView = nullptr;
     QSplitter *m_panelSplitView = nullptr;
-    QPointer<QWidget> m_focusBefore; // while the content is disabled
+    QStackedWidget *m_contentOrSaving = nullptr;
+    DropFrame *m_dropFrame = nullptr;
+    QPointer<QWidget> m_focusBefore; // while photos are saved
+    std::function<bool()> m_mayClose;
 };
 
 } // namespace plexa

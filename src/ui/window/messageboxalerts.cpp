@@ -2,6 +2,7 @@
 
 #include "ui/window/messageboxalerts.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QCoreApplication>
 #include <QIcon>
@@ -90,7 +91,12 @@ void MessageBoxAlerts::askNext()
 
 AlertAnswer MessageBoxAlerts::show(const Alert &alert)
 {
-    QMessageBox box(m_window && m_window->isVisible() ? m_window : nullptr);
+    if (m_isSilent)
+        return {std::max(alert.escapeButton, 0), false};
+    // Dialogs may be about to be deleted.
+    QWidget *const active = QApplication::activeWindow();
+    const bool isOnActive = active && active->windowType() == Qt::Window;
+    QMessageBox box(isOnActive ? active : m_window && m_window->isVisible() ? m_window : nullptr);
     box.setWindowTitle(QCoreApplication::applicationName());
     box.setIconPixmap(
         QIcon(iconOf(alert.style)).pixmap(QSize(kIconSide, kIconSide), box.devicePixelRatioF()));

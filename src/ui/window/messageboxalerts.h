@@ -27,6 +27,9 @@ public:
     /// The window that the boxes belong to; has to be reset before it is destroyed.
     void setWindow(QWidget *window) { m_window = window; }
 
+    /// From now on all questions are answered as by the Escape key, and not shown. Main thread.
+    void stopAsking() { m_isSilent = true; }
+
     AlertAnswer run(const Alert &alert) override;
 
 private:
@@ -36,6 +39,7 @@ private:
     std::mutex m_mutex;
     std::deque<std::packaged_task<AlertAnswer()>> m_questions; // of other threads, guarded by m_mutex
     QWidget *m_window = nullptr;
+    bool m_isSilent = false;
 };
 
 } // namespace plexa

@@ -5,17 +5,24 @@
 #include "app/appcontroller.h"
 #include "platform/applicationname.h"
 #include "platform/settings.h"
+#include "presets/presetsstore.h"
 #include "ui/browser/imagebrowserviewcontroller.h"
 #include "ui/browser/imagelistpane.h"
+#include "ui/presets/presetsmanagers.h"
+#include "ui/presets/presetspanel.h"
 #include "ui/saving/savemultiplepanel.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/imagechooser.h"
 #include "ui/window/filemanager.h"
 #include "ui/window/preferencesdialog.h"
+#include "ui/window/savingend.h"
 
+#include <QAction>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QWhatsThis>
+
+#include <algorithm>
 
 namespace plexa
 {
@@ -86,15 +93,53 @@ void connectPhotos(CommandActions &actions, AppController &controller)
     actions.setHandler(ActionId::PastePositions, [&controller] { controller.pasteManualPositioning(); });
 }
 
-void connectSaving(CommandActions &actions, const MainWindow::Services &services, MainWindow &window)
+PresetsManagers &connectManagers(CommandActions &actions, const MainWindow::Services &services,
+                                 MainWindow &window, const PresetsPanel &presetsPanel)
+{
+    using Kind = PresetsStore::Kind;
+    auto *const managers =
+        new PresetsManagers({services.controller, services.defaults, services.alerts, actions}, &window);
+    // With the preset that is selected in the window.
+    actions.setHandler(ActionId::ShowWatermarkPresets, [managers, &presetsPanel,
+                                                        &store = services.controller.presetsStore()] {
+        const WPresetList selected = presetsPanel.selectedWPresets();
+        const WPresetList &all = store.wPresets();
+        const auto row = std::find(all.begin(), all.end(), selected.size() == 1 ? selected.front() : nullptr);
+        managers->show(Kind::Watermark, row == all.end() ? -1 : static_cast<int>(row - all.begin()));
+    });
+    actions.setHandler(ActionId::ShowSavingPresets, [managers] { managers->show(Kind::Saving); });
+    for (const auto &[id, kind] : {std::pair(ActionId::ToggleWatermarkPresets, Kind::Watermark),
+                                   {ActionId::ToggleSavingPresets, Kind::Saving}}) {
+        QAction *const action = actions.action(id);
+        action->setCheckable(true);
+        const auto showState = [managers, action, kind = kind] {
+            action->setChecked(managers->isShown(kind));
+        };
+        actions.setHandler(id, [managers, showState, kind = kind] {
+            managers->toggle(kind);
+            showState();
+        });
+        QObject::connect(managers, &PresetsManagers::shownChanged, action, showState);
+    }
+    QObject::connect(&window, &MainWindow::closed, managers, &PresetsManagers::closeAll);
+    return *managers;
+}
+
+void connectSaving(CommandActions &actions, const MainWindow::Services &services, MainWindow &window,
+                   PresetsManagers &managers)
 {
     auto *const panel =
-        new SaveMultiplePanel({services.controller, services.defaults, services.alerts}, &window);
-    QObject::connect(panel, &QDialog::accepted, &window,
-                     [&controller = services.controller, panel] { controller.startSaving(panel->photos()); });
-    ImageSet &set = services.controller.imageSet();
-    actions.setHandler(ActionId::SaveSelected, [panel, &set] { panel->askAbout(set.selectedImages()); });
-    actions.setHandler(ActionId::SaveAll, [panel, &set] { panel->askAbout(*set.imagesFiltered()); });
+        new SaveMultiplePanel({services.controller, services.defaults, services.alerts,
+                               [&managers](int row) { managers.show(PresetsStore::Kind::Saving, row); }},
+                              &window);
+    AppController &controller = services.controller;
+    QObject::connect(&controller, &AppController::savePanelWanted, panel, &SaveMultiplePanel::askAbout);
+    QObject::connect(panel, &QDialog::accepted, &controller,
+                     [&controller, panel] { controller.didEndSaveMultiplePanel(panel->photos()); });
+    using Photos = AppController::Photos;
+    actions.setHandler(ActionId::SaveSelected, [&controller] { controller.saveImages(Photos::Selected); });
+    actions.setHandler(ActionId::SaveAll, [&controller] { controller.saveImages(Photos::All); });
+    new SavingEnd({controller, services.alerts}, window);
 }
 
 void showPreferences(const MainWindow::Services &services, MainWindow &window, ImageListPane &imageListPane)
@@ -128,12 +173,12 @@ void showAbout(MainWindow &window)
 } // namespace
 
 void connectWindowCommands(CommandActions &actions, const MainWindow::Services &services, MainWindow &window,
-                           ImageListPane &imageListPane)
+                           ImageListPane &imageListPane, PresetsPanel &presetsPanel)
 {
     AppController &controller = services.controller;
     connectSelection(actions, controller.imageSet());
     connectPhotos(actions, controller);
-    connectSaving(actions, services, window);
+    connectSaving(actions, services, window, connectManagers(actions, services, window, presetsPanel));
     connectHistory(actions, controller.undoHistory());
 
     const auto add = [&](ActionId id, ChooserKind kind) {

@@ -9,8 +9,8 @@ namespace plexa
 
 /// Sets the handlers of the commands that belong to no pane: those of the controller, and those of the window
 /// with its dialogs.
-/// @param window  outlives the actions, like the services and the pane
+/// @param window  outlives the actions, like the services and the panes
 void connectWindowCommands(CommandActions &actions, const MainWindow::Services &services, MainWindow &window,
-                           ImageListPane &imageListPane);
+                           ImageListPane &imageListPane, PresetsPanel &presetsPanel);
 
 } // namespace plexa

@@ -7,6 +7,7 @@
 #include "ui/editors/tokenfieldwithinsertpopup.h"
 #include "watermark/texttokens.h"
 
+#include <QAbstractItemView>
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
@@ -14,10 +15,10 @@
 #include <QDrag>
 #include <QHelpEvent>
 #include <QMimeData>
+#include <QPushButton>
 #include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTimer>
-#include <QToolButton>
 #include <QToolTip>
 #include <QVBoxLayout>
 
@@ -102,7 +103,7 @@ struct Field {
     }
 
     QWidget window;
-    QToolButton button;
+    QPushButton button;
     TokenFieldWithInsertPopup field;
     QSignalSpy edits{&field, &TokenFieldWithInsertPopup::textTokensChanged};
     bool active = false;
@@ -439,6 +440,29 @@ private Q_SLOTS:
         QCOMPARE(f.button.menu()->actions().constFirst()->text(), u"title\t–"_qs);
         QCOMPARE(f.button.menu()->actions().constLast()->text(), u"A && B"_qs);
         f.button.menu()->close();
+
+        f.type(u"{"_qs);
+        auto *const list = qobject_cast<QAbstractItemView *>(QApplication::activePopupWidget());
+        QVERIFY(list);
+        QVERIFY(list->model()->index(1, 0).data(Qt::UserRole).toString().startsWith(u"Bad & Breakfast xxx"));
+        QVERIFY(list->visualRect(list->model()->index(1, 0)).width() > 250);
+    }
+
+    void namesOfFilesHaveOneLine()
+    {
+        Field f;
+        const int height = f.field.sizeHint().height();
+        f.field.setAcceptsLineBreaks(false);
+        QVERIFY(f.field.sizeHint().height() < height);
+        f.type(u"a\rb"_qs);
+        f.key(Qt::Key_Return, Qt::ShiftModifier);
+        QApplication::clipboard()->setText(u"c\r\nd"_qs);
+        f.key(Qt::Key_V, Qt::ControlModifier);
+        QInputMethodEvent event;
+        event.setCommitString(u"e\nf"_qs);
+        QCoreApplication::sendEvent(&f.field, &event);
+        f.type(u"{city\r"_qs);
+        QCOMPARE(f.field.textTokens(), list(u"abc de f|city"_qs));
     }
 
     void marksWhatIsExpanded()

@@ -4,6 +4,7 @@
 #include "ui/editors/wpresetviewcontroller.h"
 #include "ui/widgets/choicebuttons.h"
 #include "ui/widgets/colorwell.h"
+#include "ui/widgets/foldingsection.h"
 #include "ui/widgets/imagewell.h"
 
 #include <QAbstractButton>
@@ -25,6 +26,8 @@ namespace
 struct Editor {
     Editor()
     {
+        for (FoldingSection *const section : view.findChildren<FoldingSection *>())
+            section->setFolded(false);
         WPresetValues values = WPresetValues::forNewPreset(files.fonts);
         values.shadow = values.background = values.replicateHorizontal = values.replicateVertical = true;
         values.backgroundFullWidth = false;
@@ -156,6 +159,7 @@ private Q_SLOTS:
             editor.preset->setAnchorPoint(anchor);
             QCOMPARE(editor.isShown("offsetHorizontalTextField"), across);
             QCOMPARE(editor.isShown("offsetVerticalTextField"), down);
+            QCOMPARE(editor.isShown("offsetLabelHelpButton"), across || down);
         }
         using Switch = void (WPreset::*)(const bool &);
         for (const auto &[change, name, isShownWhile] :

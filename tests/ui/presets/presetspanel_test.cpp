@@ -3,6 +3,7 @@
 #include "support/realpointer.h"
 #include "ui/shownwindow.h"
 #include "ui/widgets/elidedlabel.h"
+#include "ui/widgets/foldingsection.h"
 #include "ui/widgets/presetlistmodel.h"
 #include "ui/widgets/presetlistview.h"
 
@@ -10,11 +11,14 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QDrag>
+#include <QLineEdit>
+#include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTimer>
+#include <QToolButton>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -120,9 +124,15 @@ private Q_SLOTS:
         QCoreApplication::sendEvent(applied.viewport(), &rightClick);
         QCOMPARE(commands, 5);
 
-        // A double click finds the preset among all, and opens their manager.
+        // A double click applies.
+        Panel::mouse(all, 2, true);
+        QCOMPARE(f.appliedNames(), u"Four Three"_qs);
+        Panel::mouse(applied, 1, false);
+        QTest::keyClick(&applied, Qt::Key_Delete);
+
+        // One on an applied preset finds it among all, and opens their manager.
         int opened = 0;
-        f.window.actions().setHandler(ActionId::ToggleWatermarkPresets, [&] { ++opened; });
+        f.window.actions().setHandler(ActionId::ShowWatermarkPresets, [&] { ++opened; });
         f.mouse(applied, 0, true);
         QCOMPARE(all.selectedRows(), IndexList({3}));
         QCOMPARE(opened, 1);
@@ -150,9 +160,143 @@ private Q_SLOTS:
         QCOMPARE(hint.text(), u"“Saved Quick Preset” was added to all presets"_qs);
         QVERIFY(f.applied.isInSingleMode()); // the photos keep their watermark
         f.applied.modeDidChange(AppliedPresets::Mode::Presets);
-        f.window.actions().setHandler(ActionId::ToggleWatermarkPresets, {});
-        Panel::mouse(f.allTable, 2, true);
+        f.window.actions().setHandler(ActionId::ShowWatermarkPresets, {});
+        f.applied.addWPresetsToApplied(f.presets);
+        Panel::mouse(f.appliedTable, 0, true);
         QVERIFY(hint.text().contains(u"does not have this command"));
+    }
+
+    /// The single watermark as a new preset, loaded from one, and written back; each with undo.
+    void storesTheSingleWatermark()
+    {
+        Panel f;
+        f.presets[1]->setFontSize(7);
+        f.applied.modeDidChange(AppliedPresets::Mode::Single);
+        const auto quick = [&] { return f.applied.quickWPreset(); };
+        const auto list = [&] { return names(f.files.store.wPresets()); };
+        const auto run = [&](ActionId id) {
+            f.window.actions().update();
+            f.window.actions().action(id)->trigger();
+        };
+        auto &update = f.find<QPushButton>("updatePresetButton");
+        const auto text = [&] { return f.window.actions().action(ActionId::UpdatePreset)->text(); };
+        QTRY_VERIFY(f.find<QPushButton>("saveQuickPresetButton").isEnabled() && !update.isEnabled());
+
+        const std::shared_ptr<WPreset> first = quick();
+        QMenu &menu = *f.find<QPushButton>("loadPresetMenuButton").menu();
+        menu.popup({});
+        QCOMPARE(menu.actions().size(), 4);
+        QTest::mouseClick(&menu, Qt::LeftButton, {}, menu.actionGeometry(menu.actions()[1]).center());
+        QCOMPARE(quick()->fontSize(), 7);
+        QCOMPARE(quick()->name(), u"Quick Preset"_qs);
+        QVERIFY(text().contains(u"“Two”"));
+        f.presets[1]->setName(u"2"_qs);
+        QVERIFY(text().contains(u"“2”"));
+
+        // What is written back: all but the name.
+        quick()->setFontSize(9);
+        QTRY_VERIFY(update.isEnabled());
+        QTest::mouseClick(&update, Qt::LeftButton);
+        QCOMPARE(f.presets[1]->fontSize(), 9);
+        QCOMPARE(f.presets[1]->name(), u"2"_qs);
+        run(ActionId::Undo);
+        QCOMPARE(f.presets[1]->fontSize(), 7);
+        run(ActionId::Redo);
+        QCOMPARE(f.presets[1]->fontSize(), 9);
+        run(ActionId::Undo);
+        f.applied.modeDidChange(AppliedPresets::Mode::Presets);
+        run(ActionId::Undo); // of the loading
+        QVERIFY(quick() == first && f.applied.isInSingleMode());
+        QVERIFY(!text().contains(u'“'));
+        run(ActionId::Redo);
+        QCOMPARE(quick()->fontSize(), 9);
+
+        run(ActionId::SaveQuickPreset);
+        QCOMPARE(list(), u"One 2 Three Four Saved Quick Preset"_qs);
+        QVERIFY(text().contains(u"“Saved Quick Preset”"));
+        run(ActionId::Undo);
+        QCOMPARE(list(), u"One 2 Three Four"_qs);
+        QVERIFY(text().contains(u"“2”"));
+        run(ActionId::Redo);
+        QCOMPARE(list(), u"One 2 Three Four Saved Quick Preset"_qs);
+        // A preset that is gone is not written to.
+        f.files.store.wPresetList().remove({4});
+        f.window.actions().update();
+        QVERIFY(!update.isEnabled() && !text().contains(u'“'));
+    }
+
+    void searchesAndFoldsAllPresets()
+    {
+        Panel f;
+        auto &search = f.find<QLineEdit>("allPresetsSearchField");
+        auto &section = f.find<FoldingSection>("allPresetsSection");
+        search.setFocus();
+        QTest::keyClicks(&search, u"O"_qs);
+        QCOMPARE(f.allTable.model()->rowCount(), 3); // One Two Four
+        Panel::mouse(f.allTable, 2, true);
+        QCOMPARE(f.appliedNames(), u"Four"_qs);
+        f.window.actions().action(ActionId::SaveQuickPreset)->trigger(); // which the search would hide
+        QVERIFY(search.text().isEmpty());
+        QCOMPARE(f.allTable.selectedRows(), IndexList({4}));
+
+        auto &editor = f.find<QWidget>("wPresetEditor");
+        QVERIFY(QTest::qWaitFor([&] { return editor.isVisible(); }));
+        const int height = editor.height();
+        QToolButton &title = *section.findChild<QToolButton *>({}, Qt::FindDirectChildrenOnly);
+        QTest::mouseClick(&title, Qt::LeftButton);
+        QVERIFY(!f.allTable.isVisible() && !search.isVisible());
+        QTRY_VERIFY(section.height() < 40 && editor.height() > height + 80);
+        QVERIFY(f.files.defaults.boolForKey(u"allPresetsFolded"_qs));
+        QTest::mouseClick(&title, Qt::LeftButton);
+        QTRY_COMPARE(editor.height(), height);
+        QVERIFY(f.allTable.isVisible() && search.isVisible());
+        QVERIFY(!f.files.defaults.boolForKey(u"allPresetsFolded"_qs));
+    }
+
+    /// The pictures of the list follow its presets.
+    void showsPictures()
+    {
+        Panel f;
+        f.presets[0]->setTextTokens({u"XXXX"_qs});
+        f.presets[0]->setFontSize(90);
+        const auto row = [&](int index) {
+            const QRect place = f.allTable.visualRect(f.allTable.model()->index(index, 0));
+            return f.allTable.viewport()->grab(place.adjusted(0, 0, -place.width() / 2, 0)).toImage();
+        };
+        const auto isDrawn = [&](int index) { // neither the ground of the row alone nor that of the photo
+            return row(index).pixelColor(20, 24).lightness() < 200;
+        };
+        QTRY_VERIFY(isDrawn(0) && isDrawn(1));
+        const QImage before = row(0);
+        f.presets[0]->setTextTokens({u"IIII"_qs});
+        QTRY_VERIFY(row(0) != before);
+    }
+
+    /// From the list of all presets to a place between the applied ones, as one step.
+    void appliesByDrag()
+    {
+        Panel f;
+        f.applied.addWPresetsToApplied({f.presets[0], f.presets[1]});
+        QVERIFY(QTest::qWaitForWindowExposed(&f.window));
+        const auto center = [](PresetListView &table, int row) {
+            return table.viewport()->mapToGlobal(table.visualRect(table.model()->index(row, 0)).center());
+        };
+        RealPointer pointer;
+        pointer.moveTo(center(f.allTable, 2));
+        pointer.press();
+        pointer.moveTo(center(f.allTable, 2) + QPoint(0, 15));
+        pointer.moveTo(center(f.allTable, 2) + QPoint(0, 20));
+        pointer.waitFor([&] { return f.allTable.findChild<QDrag *>(); });
+        pointer.moveTo(center(f.appliedTable, 1));
+        pointer.moveTo(center(f.appliedTable, 1) - QPoint(0, 6));
+        pointer.waitFor(
+            [&] { return f.allTable.findChild<QDrag *>()->target() == f.appliedTable.viewport(); });
+        pointer.release();
+        QVERIFY(pointer.play());
+        QTRY_COMPARE(f.appliedNames(), u"One Three Two"_qs);
+        QCOMPARE(f.applied.selectedRows(), IndexList({1}));
+        f.controller.undoHistory().undo();
+        QCOMPARE(f.appliedNames(), u"One Two"_qs);
     }
 
     void showsTheAddedPresets()
@@ -178,7 +322,7 @@ private Q_SLOTS:
         PresetListView &applied = f.appliedTable;
         auto &model = *applied.model();
         const std::unique_ptr<QMimeData> rows(model.mimeData({model.index(1, 0), model.index(2, 0)}));
-        QCOMPARE(PresetListModel::draggedRows(rows.get()), IndexList({1, 2}));
+        QCOMPARE(PresetRowsModel::draggedRows(rows.get()), IndexList({1, 2}));
         QCOMPARE(model.flags(model.index(0, 0)).testFlag(Qt::ItemIsDropEnabled), false); // only between rows
 
         // A drag from elsewhere, even of another list of presets, moves nothing.
@@ -189,7 +333,7 @@ private Q_SLOTS:
 
         QMimeData broken;
         broken.setData(u"draggedPrests"_qs, QByteArray("\x7f\xff\xff\xff\x00", 5));
-        QCOMPARE(PresetListModel::draggedRows(&broken), IndexList());
+        QCOMPARE(PresetRowsModel::draggedRows(&broken), IndexList());
 
         // Two rows by the pointer below the last one.
         applied.selectRows({1, 2});

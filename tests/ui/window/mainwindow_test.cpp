@@ -273,7 +273,7 @@ private Q_SLOTS:
                 QCOMPARE(list->text(QAccessible::Name), label->text());
             }
         }
-        QCOMPARE(labeled, words("wPresetsAppliedTable wPresetsAllTable"));
+        QCOMPARE(labeled, words("wPresetsAppliedTable"));
     }
 
     void fitsTheSmallestScreen()

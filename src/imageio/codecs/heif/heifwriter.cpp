@@ -54,6 +54,58 @@ int encoderQuality(int quality)
            (quality - below->asked) * (above->encoder - below->encoder) / (above->asked - below->asked);
 }
 
+heif_error setUp(heif_encoder *encoder, const WriteOptions &options)
+{
+    const int quality = qualityOf(options);
+    heif_encoder_set_logging_level(encoder, 0);
+    heif_error error = heif_encoder_set_lossy_quality(encoder, encoderQuality(quality));
+    if (error.code == heif_error_Ok)
+        error = heif_encoder_set_parameter_string(encoder, "chroma", chromaOf(options, quality));
+    // A third of the time of "medium", and no more bytes for photos at the same distance from the source.
+    if (error.code == heif_error_Ok)
+        error = heif_encoder_set_parameter_string(encoder, "preset", "ultrafast");
+    // Several photos are encoded at a time already. A pool would also need memory for each core.
+    for (const auto &[name, value] : {std::pair{"x265:pools", "none"}, {"x265:frame-threads", "1"}})
+        if (error.code == heif_error_Ok)
+            error = heif_encoder_set_parameter_string(encoder, name, value);
+    return error;
+}
+
+/// Encodes a picture and adds it to the context. Throws as libheif does.
+heif_error encodePicture(heif_context *context, const heif_image *image, const WriteOptions &options,
+                         HeifHandle &encoded)
+{
+    heif_encoder *found = nullptr;
+    heif_error error = heif_context_get_encoder_for_format(context, heif_compression_HEVC, &found);
+    const Encoder encoder(found);
+    if (error.code == heif_error_Ok)
+        error = setUp(encoder.get(), options);
+    if (error.code != heif_error_Ok)
+        return error;
+    const std::unique_ptr<heif_encoding_options, HeifFree<heif_encoding_options_free>> defaults(
+        heif_encoding_options_alloc());
+    heif_image_handle *handle = nullptr;
+    error = heif_context_encode_image(context, image, encoder.get(), defaults.get(), &handle);
+    encoded.reset(handle);
+    return error;
+}
+
+/// Lets x265 fill its table of functions before several threads encode. It does so while it opens the first
+/// encoder, without a lock: a second thread then calls functions that are still null.
+void prepareEncoder()
+{
+    [[maybe_unused]] static const bool isPrepared = [] {
+        constexpr int kSide = 64;
+        heif_image *image = nullptr;
+        heif_image_create(kSide, kSide, heif_colorspace_monochrome, heif_chroma_monochrome, &image);
+        const HeifImage tiny(image);
+        const HeifContext context(heif_context_alloc());
+        HeifHandle encoded;
+        return tiny && heif_image_add_plane(image, heif_channel_Y, kSide, kSide, 8).code == heif_error_Ok &&
+               encodePicture(context.get(), image, {}, encoded).code == heif_error_Ok;
+    }();
+}
+
 /// Collects the picture; the library encodes it whole.
 class HeifRowWriter final : public RowWriter
 {
@@ -123,23 +175,6 @@ private:
                         : PictureFailures::encoderFailed("HEIC"));
     }
 
-    Result<void> setUp(heif_encoder *encoder) const
-    {
-        const int quality = qualityOf(m_options);
-        heif_encoder_set_logging_level(encoder, 0);
-        heif_error error = heif_encoder_set_lossy_quality(encoder, encoderQuality(quality));
-        if (error.code == heif_error_Ok)
-            error = heif_encoder_set_parameter_string(encoder, "chroma", chromaOf(m_options, quality));
-        // A third of the time of "medium", and no more bytes for photos at the same distance from the source.
-        if (error.code == heif_error_Ok)
-            error = heif_encoder_set_parameter_string(encoder, "preset", "ultrafast");
-        // Several photos are encoded at a time already. A pool would also need memory for each core.
-        for (const auto &[name, value] : {std::pair{"x265:pools", "none"}, {"x265:frame-threads", "1"}})
-            if (error.code == heif_error_Ok)
-                error = heif_encoder_set_parameter_string(encoder, name, value);
-        return checked(error);
-    }
-
     Result<void> encode()
     {
         const qint64 gathered = qint64(m_stride) * m_format.size.height();
@@ -152,19 +187,9 @@ private:
                 return filled;
         }
         const HeifContext context(heif_context_alloc());
-        heif_encoder *found = nullptr;
-        heif_error error = heif_context_get_encoder_for_format(context.get(), heif_compression_HEVC, &found);
-        const Encoder encoder(found);
-        if (error.code != heif_error_Ok)
-            return checked(error);
-        if (const auto isSetUp = setUp(encoder.get()); !isSetUp)
-            return isSetUp;
-        const std::unique_ptr<heif_encoding_options, HeifFree<heif_encoding_options_free>> options(
-            heif_encoding_options_alloc());
-        heif_image_handle *encoded = nullptr;
-        error =
-            heif_context_encode_image(context.get(), m_image.get(), encoder.get(), options.get(), &encoded);
-        const HeifHandle handle(encoded);
+        prepareEncoder();
+        HeifHandle handle;
+        const heif_error error = encodePicture(context.get(), m_image.get(), m_options, handle);
         m_image.reset();
         if (error.code != heif_error_Ok)
             return checked(error);
