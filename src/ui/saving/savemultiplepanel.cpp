@@ -20,6 +20,7 @@
 #include <QFileInfo>
 #include <QFormLayout>
 #include <QFrame>
+#include <QHideEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
@@ -52,6 +53,16 @@ QString resolved(const QString &folder)
     return canonical.isEmpty() ? folder : canonical;
 }
 
+/// @param others  of the copies before it
+QString withConflict(const QString &path, const QString &photo, const QStringList &others)
+{
+    if (others.contains(path))
+        return SaveMultiplePanel::tr("%1 (the same name again)").arg(path);
+    if (path == photo)
+        return SaveMultiplePanel::tr("%1 (is the original)").arg(path);
+    return QFileInfo::exists(path) ? SaveMultiplePanel::tr("%1 (exists already)").arg(path) : path;
+}
+
 QFrame *line()
 {
     auto *const line = new QFrame;
@@ -72,6 +83,7 @@ SaveMultiplePanel::SaveMultiplePanel(const Services &services, QWidget *parent)
     , m_replicates(new QCheckBox(tr("Recreate the folders of the originals in it")))
     , m_presetView(new SavingPresetView)
     , m_savingPresetsButton(new QPushButton(tr("Saving Presets")))
+    , m_count(new QLabel)
     , m_examples(new QLabel)
 {
     setObjectName(QStringLiteral("saveMultiplePanel"));
@@ -84,11 +96,18 @@ SaveMultiplePanel::SaveMultiplePanel(const Services &services, QWidget *parent)
     layout->addWidget(line());
     layout->addWidget(makePreset());
     layout->addWidget(line());
+    m_count->setObjectName(QStringLiteral("copiesLabel"));
+    m_count->setToolTip(tr("The size is estimated from a few copies that are made for that"));
+    connect(&m_size, &SizeEstimate::changed, this, &SaveMultiplePanel::showCount);
     m_examples->setObjectName(QStringLiteral("exampleNames"));
     m_examples->setTextFormat(Qt::PlainText);
     m_examples->setWordWrap(true);
     m_examples->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    layout->addWidget(m_examples);
+    auto *const copies = new QVBoxLayout;
+    copies->setSpacing(look::kSmallGap);
+    copies->addWidget(m_count);
+    copies->addWidget(m_examples);
+    layout->addLayout(copies);
     layout->addWidget(makeButtons());
     setMinimumWidth(kWidth);
 }
@@ -156,9 +175,13 @@ QWidget *SaveMultiplePanel::makePreset()
     const auto follow = [this, &store] {
         m_presetView->setPreset(store.quickSavingPreset());
         connect(store.quickSavingPreset().get(), &SavingPreset::fieldChanged, this,
-                &SaveMultiplePanel::showExamples, Qt::UniqueConnection);
+                &SaveMultiplePanel::quickPresetChanged, Qt::UniqueConnection);
     };
     connect(&store, &PresetsStore::quickSavingPresetChanged, this, follow);
+    connect(&m_services.controller, &AppController::previewOutdated, this,
+            &SaveMultiplePanel::otherPresetsChanged);
+    connect(&store.savingPresetList(), &PresetListSignals::edited, this,
+            &SaveMultiplePanel::otherPresetsChanged);
     follow();
     m_presetView->setObjectName(QStringLiteral("quickSavingPresetView"));
     m_presetView->setValueOnPhoto([this](const QString &token) -> std::optional<QString> {
@@ -191,6 +214,7 @@ void SaveMultiplePanel::askAbout(const ImageList &photos)
     m_photos = photos;
     setupControls();
     open();
+    estimateSize();
 }
 
 void SaveMultiplePanel::setupControls()
@@ -243,7 +267,7 @@ void SaveMultiplePanel::showSavingPresetsMenu()
     QMenu menu(this);
     QMenu *const load = menu.addMenu(tr("Load from preset"));
     for (const std::shared_ptr<SavingPreset> &preset : store.savingPresets())
-        load->addAction(preset->name(), this,
+        load->addAction(QString(preset->name()).replace(u'&', QLatin1StringView("&&")), this,
                         [&store, preset] { store.quickSavingPreset()->copyFrom(*preset); });
     load->setEnabled(!store.savingPresets().empty());
     menu.addAction(tr("Save as new preset"), this, [this, &store] {
@@ -255,13 +279,77 @@ void SaveMultiplePanel::showSavingPresetsMenu()
     menu.exec(m_savingPresetsButton->mapToGlobal(m_savingPresetsButton->rect().bottomLeft()));
 }
 
-/// The number of copies, and the names of the first ones as they will be where no file has them yet.
+std::vector<SaveMultiplePanel::Copy> SaveMultiplePanel::copiesOfPhoto() const
+{
+    const AppliedPresets &applied = m_services.controller.appliedPresets();
+    const UserDefaults &defaults = m_services.defaults;
+    const bool isCombined =
+        !applied.isInSingleMode() && defaults.boolForKey(settings::combineAllAppliedPresetsInImage);
+    std::vector<Copy> copies;
+    for (const AppliedPreset &preset : applied.effectivePresetsNow()) {
+        if (isCombined && !copies.empty()) {
+            copies.front().presets.push_back(preset);
+            continue;
+        }
+        const auto assigned =
+            std::dynamic_pointer_cast<const SavingPreset>(preset.values.assignedSavingPreset);
+        const bool usesAssigned =
+            assigned && !isCombined && !defaults.boolForKey(settings::ignoreSavingPresetsInSizePresets);
+        const SavingPreset &savingPreset =
+            usesAssigned ? *assigned : *m_services.controller.presetsStore().quickSavingPreset();
+        copies.push_back({{{preset}, savingPreset.values()}, preset.values.name});
+    }
+    return copies;
+}
+
+void SaveMultiplePanel::quickPresetChanged(SavingField field)
+{
+    showExamples();
+    const bool isOfName = field == SavingField::Name || field == SavingField::FilenameTokens ||
+                          field == SavingField::FileBaseNameCase || field == SavingField::FileExtensionCase;
+    if (isVisible() && !isOfName)
+        estimateSize();
+}
+
+/// Of watermark presets or assigned saving presets, in a manager.
+void SaveMultiplePanel::otherPresetsChanged()
+{
+    if (!isVisible())
+        return;
+    showExamples();
+    estimateSize();
+}
+
+void SaveMultiplePanel::estimateSize()
+{
+    const std::vector<Copy> copies = copiesOfPhoto();
+    m_size.start({m_photos, {copies.begin(), copies.end()}});
+}
+
+void SaveMultiplePanel::hideEvent(QHideEvent *event)
+{
+    QDialog::hideEvent(event);
+    if (!event->spontaneous()) // minimized
+        m_size.stop();
+}
+
+void SaveMultiplePanel::showCount()
+{
+    const auto count = static_cast<int>(m_photos.size() * copiesOfPhoto().size());
+    const QString copies = count == 1 ? tr("1 copy") : tr("%n copies", nullptr, count);
+    if (m_size.bytes())
+        m_count->setText(
+            tr("%1, about %2")
+                .arg(copies, locale().formattedDataSize(*m_size.bytes(), 1, QLocale::DataSizeSIFormat)));
+    else if (m_size.isRunning())
+        m_count->setText(tr("%1; their size is being estimated…").arg(copies));
+    else
+        m_count->setText(copies);
+}
+
+/// The names of the first copies as they will be where no file has them yet.
 void SaveMultiplePanel::showExamples()
 {
-    const std::vector<AppliedPreset> presets = m_services.controller.appliedPresets().effectivePresetsNow();
-    const bool isCombined = !m_services.controller.appliedPresets().isInSingleMode() &&
-                            m_services.defaults.boolForKey(settings::combineAllAppliedPresetsInImage);
-    const std::size_t perPhoto = isCombined ? 1 : presets.size();
     OutputFolders folders;
     if (m_radioButtons->index() == InOneFolder)
         folders.destDirectory = m_destination;
@@ -269,25 +357,23 @@ void SaveMultiplePanel::showExamples()
     folders.replicationStartDirectory = m_replicationStart;
     folders.makesFolders = false;
     const OutputNaming naming(folders, m_services.alerts);
-    const int count = int(m_photos.size() * perPhoto);
-    QStringList lines{count == 1 ? tr("1 copy") : tr("%n copies", nullptr, count)};
-    for (std::size_t number = 0; number < m_photos.size() * perPhoto && number < kExamples; ++number) {
-        const ImageObject &photo = *m_photos[number / perPhoto];
-        const WPresetValues &preset = presets[number % perPhoto].values;
-        const auto assigned = std::dynamic_pointer_cast<const SavingPreset>(preset.assignedSavingPreset);
-        const bool usesAssigned = assigned && !isCombined &&
-                                  !m_services.defaults.boolForKey(settings::ignoreSavingPresetsInSizePresets);
-        const SavingPresetValues values =
-            usesAssigned ? assigned->values()
-                         : m_services.controller.presetsStore().quickSavingPreset()->values();
-        const QString name = OutputNaming::filenameForImage(photo.facts(), photo.path(), preset.name, values,
-                                                            qint64(number) + 1);
+    const std::vector<Copy> copies = copiesOfPhoto();
+    const std::size_t count = m_photos.size() * copies.size();
+    QStringList paths;
+    QStringList lines;
+    for (std::size_t number = 0; number < count && number < kExamples; ++number) {
+        const ImageObject &photo = *m_photos[number / copies.size()];
+        const Copy &copy = copies[number % copies.size()];
+        const QString name = OutputNaming::filenameForImage(photo.facts(), photo.path(), copy.wPresetName,
+                                                            copy.savingPreset, qint64(number) + 1);
         const QString path = QDir(naming.targetDirectoryForFile(photo.path())).filePath(name);
-        lines.append(QFileInfo::exists(path) ? tr("%1 (exists already)").arg(path) : path);
+        lines.append(withConflict(path, photo.path(), paths));
+        paths.append(path);
     }
-    if (m_photos.size() * perPhoto > kExamples)
+    if (count > kExamples)
         lines.append(QStringLiteral("…"));
     m_examples->setText(lines.join(u'\n'));
+    showCount();
 }
 
 void SaveMultiplePanel::accept()

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "app/imagelist.h"
+#include "app/sizeestimate.h"
 
 #include <QDialog>
 
@@ -21,6 +21,7 @@ class AppController;
 class ChoiceButtons;
 class ElidedLabel;
 class SavingPresetView;
+enum class SavingField;
 class UserDefaults;
 
 /// Asks where the copies of a run go and how they are named and written, in a sheet of the window. The
@@ -49,6 +50,9 @@ public:
 
     void accept() override;
 
+protected:
+    void hideEvent(QHideEvent *event) override;
+
 private:
     QWidget *makeDestination();
     QWidget *makePreset();
@@ -59,6 +63,15 @@ private:
     void radioButtonChosen();
     void chooseFolder(ElidedLabel &label, QString &path, bool isOutput);
     void showSavingPresetsMenu();
+    /// A copy that each photo gets.
+    struct Copy : SizeEstimate::Copy {
+        QString wPresetName; ///< in its file name
+    };
+    std::vector<Copy> copiesOfPhoto() const;
+    void quickPresetChanged(SavingField field);
+    void otherPresetsChanged();
+    void estimateSize();
+    void showCount();
     void showExamples();
 
     const Services m_services;
@@ -74,7 +87,9 @@ private:
     QCheckBox *const m_replicates;
     SavingPresetView *const m_presetView;
     QPushButton *const m_savingPresetsButton;
+    QLabel *const m_count;
     QLabel *const m_examples;
+    SizeEstimate m_size;
 };
 
 } // namespace plexa

@@ -9,9 +9,12 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QSlider>
 #include <QSpinBox>
+#include <QTimer>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -66,6 +69,7 @@ struct Panel : ShownWindow {
 
     const QString out = files.folder.path("copies/new");
     SaveMultiplePanel &panel = find<SaveMultiplePanel>("saveMultiplePanel");
+    QLabel &count = find<QLabel>("copiesLabel");
     QLabel &examples = find<QLabel>("exampleNames");
 };
 
@@ -84,8 +88,8 @@ private Q_SLOTS:
         f.open();
         QVERIFY(f.panel.isVisible());
         const QStringList lines = f.examples.text().split(u'\n');
-        QCOMPARE(lines.mid(1), QStringList({f.out + u"/a-01.jpg"_qs, f.out + u"/a-02.jpg"_qs,
-                                            f.out + u"/b-03.jpg"_qs, u"…"_qs}));
+        QCOMPARE(lines, QStringList({f.out + u"/a-01.jpg"_qs, f.out + u"/a-02.jpg"_qs,
+                                     f.out + u"/b-03.jpg"_qs, u"…"_qs}));
         f.press(u"Save"_qs);
         QTRY_VERIFY(QFileInfo::exists(f.out + u"/b-04.jpg"_qs));
         QTRY_VERIFY(!f.controller.batchSave().isSavingInProgress());
@@ -116,6 +120,79 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(f.out)); // examples create no folders
         f.choose(0);
         QVERIFY(!f.isShown("destPathControl") && !f.isShown("replicationPathControl"));
+    }
+
+    void countsAndMarks()
+    {
+        Panel f;
+        // Of few copies all are written, so the estimate is right.
+        f.open();
+        QTRY_VERIFY(f.count.text().startsWith(u"4 copies, about "_qs));
+        f.press(u"Save"_qs);
+        QTRY_VERIFY(QFileInfo::exists(f.out + u"/b-04.jpg"_qs));
+        QTRY_VERIFY(!f.controller.batchSave().isSavingInProgress());
+        qint64 bytes = 0;
+        for (const QFileInfo &copy : QDir(f.out).entryInfoList(QDir::Files))
+            bytes += copy.size();
+        const auto about = [](qint64 size) {
+            return u"4 copies, about "_qs + QLocale().formattedDataSize(size, 1, QLocale::DataSizeSIFormat);
+        };
+        f.open();
+        QTRY_COMPARE(f.count.text(), about(bytes));
+        // Another quality: another size. Another name: the same.
+        f.quick().setJpegQuality(100);
+        QCOMPARE(f.count.text(), u"4 copies; their size is being estimated…"_qs);
+        QTRY_VERIFY(f.count.text().startsWith(u"4 copies, about "_qs));
+        f.quick().setFilenameTokens({u"filename"_qs});
+        QVERIFY(f.count.text().startsWith(u"4 copies, about "_qs));
+        QVERIFY(f.examples.text().contains(u"/a.jpg (the same name again)"_qs));
+        f.quick().setImageFormat(u"PNG"_qs);
+        f.choose(0);
+        QVERIFY(f.examples.text().contains(u"in/a.png (is the original)"_qs));
+        f.press(u"Cancel"_qs);
+    }
+
+    void presetsMenu()
+    {
+        Panel f;
+        const SavingPresetList stored{
+            std::make_shared<SavingPreset>(SavingPresetValues{.name = u"A & B"_qs, .jpegQuality = 55})};
+        f.files.store.savingPresetList().append(stored);
+        f.open();
+        const auto choose = [&f](const QString &text) {
+            QTimer::singleShot(0, &f.panel, [text] {
+                auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+                for (QMenu *const one : {menu, menu->actions().first()->menu()}) {
+                    for (QAction *const action : one->actions()) {
+                        if (action->text() == text)
+                            action->trigger();
+                    }
+                }
+                menu->close();
+            });
+            QTest::mouseClick(&f.find<QPushButton>("savingPresetsButton"), Qt::LeftButton);
+        };
+        choose(u"A && B"_qs); // in a menu that is one "&"
+        QCOMPARE(f.quick().values(), stored.front()->values());
+        f.quick().setJpegQuality(70);
+        QCOMPARE(stored.front()->jpegQuality(), 55);
+        choose(u"Save as new preset"_qs);
+        choose(u"Save as new preset"_qs);
+        const SavingPresetList &all = f.files.store.savingPresets();
+        QCOMPARE(all.size(), std::size_t(3));
+        QVERIFY(all[1]->name() == u"Saved preset"_qs && all[2]->name() == u"Saved preset"_qs);
+        QVERIFY(all[1]->presetID() != all[2]->presetID());
+        // It is selected in the manager, which the sheet does not block.
+        const auto managers = QApplication::topLevelWidgets();
+        const auto manager = std::find_if(managers.begin(), managers.end(), [](const QWidget *widget) {
+            return widget->objectName() == u"SavingPresetsManagement"_qs;
+        });
+        QVERIFY(manager != managers.end() && (*manager)->isVisible());
+        QTest::keyClicks((*manager)->findChild<QLineEdit *>(u"presetNameField"_qs), u" 2"_qs);
+        QCOMPARE(all[2]->name(), u"Saved preset 2"_qs);
+        (*manager)->close();
+        choose(u"Manage presets"_qs);
+        QVERIFY((*manager)->isVisible() && f.panel.isVisible());
     }
 
     /// The quick preset is edited, and what has no effect is hidden.
