@@ -65,21 +65,22 @@ void SavingReport::addConflict(const SavingOutput &output)
     const QString rival = rivalOf(output);
     if (output.status == Status::Skipped) {
         if (output.conflict == Conflict::NoNameIsFree)
-            m_skipped.append(
-                line(output.sourcePath, Texts::tr("no name is free for \"%1\"").arg(output.wantedPath)));
+            m_skipped.append(line(output.sourcePath,
+                                  Texts::tr("not saved; no name is free for \"%1\"").arg(output.wantedPath)));
         else if (rival.isEmpty())
-            m_skipped.append(line(output.sourcePath, Texts::tr("\"%1\" exists").arg(output.wantedPath)));
+            m_skipped.append(
+                line(output.sourcePath, Texts::tr("not saved; \"%1\" exists").arg(output.wantedPath)));
         else
             m_skipped.append(
-                line(output.sourcePath,
-                     Texts::tr("the copy of \"%1\" has the name \"%2\"").arg(rival, output.wantedPath)));
+                line(output.sourcePath, Texts::tr("not saved; the name \"%2\" belongs to the copy of \"%1\"")
+                                            .arg(rival, output.wantedPath)));
     } else if (output.status == Status::Written && !rival.isEmpty()) {
-        m_conflicts.append(
-            line(output.path,
-                 output.conflict == Conflict::Overwrite
-                     ? Texts::tr("the copy of \"%1\" replaced that of \"%2\"").arg(output.sourcePath, rival)
-                     : Texts::tr("the copy of \"%1\"; that of \"%2\" has its name")
-                           .arg(output.sourcePath, rival)));
+        m_conflicts.append(line(
+            output.path,
+            output.conflict == Conflict::Overwrite
+                ? Texts::tr("copy of \"%1\"; it replaced the copy of \"%2\"").arg(output.sourcePath, rival)
+                : Texts::tr("copy of \"%1\"; its name belongs to the copy of \"%2\"")
+                      .arg(output.sourcePath, rival)));
     }
 }
 

@@ -12,24 +12,14 @@ if [[ ${0##*/} == xdg-open ]]; then
 fi
 
 if [[ ${1-} != --inside ]]; then
+    # shellcheck source=tests/support/realwindow.sh
+    . "$(dirname "${BASH_SOURCE[0]}")/../support/realwindow.sh"
     plexa=$1 samples=$2
     work=$(mktemp -d "${TMPDIR:-/tmp}/plexa window ä XXXXXX")
     stand_in=$(mktemp -d /tmp/plexa-window-XXXXXX) # without a blank: it becomes part of a command line
     server=''
     trap '[[ -z $server ]] || kill "$server" 2>/dev/null || true; rm -rf "$work" "$stand_in"' EXIT
-    exec 3>"$work/display"
-    Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 2>"$work/xvfb.txt" &
-    server=$!
-    for ((i = 0; i < 100; i++)); do
-        [[ ! -s $work/display ]] || break
-        sleep 0.1
-    done
-    DISPLAY=:$(<"$work/display")
-    export DISPLAY QT_QPA_PLATFORM=xcb
-    export XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data XDG_CACHE_HOME=$work/cache
-    export XDG_RUNTIME_DIR=$work/run
-    mkdir -m 700 "$work/run"
-    export HOME=$work/home # copies go into its folder of pictures
+    start_display 1280x800
     # A bus that starts no services, and a substitute for xdg-open, which opens folders without a file manager.
     cat >"$work/bus.conf" <<'CONFIG'
 <busconfig>
@@ -50,35 +40,9 @@ fi
 
 plexa=$2 samples=$3 work=$4
 settings=$XDG_CONFIG_HOME/Quorvel/Plexa.conf
-program=''
+# shellcheck source=tests/support/realwindow.sh
+. "$(dirname "${BASH_SOURCE[0]}")/../support/realwindow.sh"
 trap '[[ -z $program ]] || kill "$program" 2>/dev/null || true' EXIT
-
-fail() {
-    echo "FAIL: $1"
-    import -window root "${PLEXA_BINARY_DIR:-$work}/window-test-failure.png" || true
-    cat "$work/plexa.txt"
-    exit 1
-}
-
-# Sets $window.
-wait_for_window() { # WHEN
-    window=$(timeout 30 xdotool search --sync --onlyvisible --name '^Plexa$' | tail -n 1) || fail "no window $1"
-    xdotool windowfocus --sync "$window"
-}
-
-wait_until() { # WHAT COMMAND...
-    local what=$1 i
-    shift
-    for ((i = 0; i < 150; i++)); do
-        ! "$@" >/dev/null 2>&1 || return 0
-        sleep 0.1
-    done
-    fail "$what"
-}
-
-has_ended() { ! kill -0 "$program" 2>/dev/null; }
-is_hidden() { [[ -z $(xdotool search --onlyvisible --name '^Plexa$') ]]; }
-find_box() { box=$(xdotool search --onlyvisible --name '^Plexa$' | grep -vx "$window"); }
 
 # Closes the window; the program explains that it keeps running and asks.
 answer_first_close() { # KEY...
@@ -89,26 +53,7 @@ answer_first_close() { # KEY...
 
 stores() { grep -qx "$1" "$settings"; }
 
-picture() { # NAME: of the screen, once it no longer changes
-    local former='' now
-    for ((i = 0; i < 50; i++)); do
-        import -window root "$work/$1.png"
-        now=$(md5sum <"$work/$1.png")
-        [[ $now != "$former" ]] || return 0
-        former=$now
-        sleep 0.3
-    done
-    fail "the window keeps changing ($1)"
-}
-
-differ() { # NAME NAME
-    local pixels
-    pixels=$(compare-im6.q16 -metric AE "$work/$1.png" "$work/$2.png" null: 2>&1 || true)
-    ((${pixels%%.*} > 200)) || fail "the window looks the same: $1, $2"
-}
-
-"$plexa" >"$work/plexa.txt" 2>&1 &
-program=$!
+start_program --
 wait_for_window 'at start'
 picture empty
 
@@ -123,16 +68,15 @@ xdotool key ctrl+a
 picture selected
 differ two selected
 # The file manager receives their URLs.
-dbus-monitor --session "type='method_call',interface='org.freedesktop.FileManager1'" >"$work/calls.txt" &
+dbus-monitor --session "type='method_call',interface='org.freedesktop.FileManager1'" \
+    "type='method_call',interface='org.freedesktop.Notifications'" >"$work/calls.txt" &
 monitor=$!
 wait_until 'the session bus is not watched' grep -q NameAcquired "$work/calls.txt"
 xdotool key ctrl+shift+e
 wait_until 'the file manager was not asked for the photos' grep -qF "\"file://$samples/still-life.jpg\"" "$work/calls.txt"
 wait_until 'their folder was not opened instead' grep -q "$samples" "$work/opened.txt"
-kill "$monitor"
 
 # The panel for saving: Enter saves.
-find_panel() { panel=$(xdotool search --onlyvisible --name '^Save Watermarked Copies' | tail -n 1) && [[ -n $panel ]]; }
 xdotool key ctrl+s
 wait_until 'the panel for saving was not shown' find_panel
 xdotool windowfocus --sync "$panel" key Return
@@ -141,6 +85,9 @@ wait_until 'the photos were not saved' test -s "$copies/still-life-Quick Preset_
 convert-im6.q16 "$samples/apple.png" -background white -flatten "$work/apple.png"
 marked=$(compare-im6.q16 -metric AE -fuzz 10% "$work/apple.png" "$copies"/apple-*.jpg null: 2>&1 || true)
 ((${marked%%.*} > 300)) || fail "the copy has no watermark ($marked)"
+# The keyboard focus went with the panel, so the desktop shows the result, too.
+wait_until 'no notification was sent' grep -qF 'string "2 copies saved"' "$work/calls.txt"
+kill "$monitor"
 wait_until 'the report was not shown' find_box
 xdotool windowfocus --sync "$box" key Return
 xdotool windowfocus --sync "$window"
@@ -165,8 +112,7 @@ stores 'imageListIsInBrowserMode=false' || fail 'the batch mode was not stored'
 
 # The first close can also quit.
 sed -i '/^hasExplainedClosing=/d' "$settings"
-"$plexa" >"$work/plexa.txt" 2>&1 &
-program=$!
+start_program --
 wait_for_window 'the second time'
 answer_first_close Tab Return
 wait_until 'the first close did not quit' has_ended
@@ -183,5 +129,34 @@ wait_until 'the program without a session bus did not end with its window' has_e
 wait "$program" || fail "the program ended with status $?"
 stores 'runNumber=3' || fail 'the third run was not counted'
 [[ ! -s $work/plexa.txt ]] || fail 'the program printed messages'
+
+# A save goes on without the window. A signal lets the copies under way end, and stores the settings.
+mkdir "$work/many"
+convert-im6.q16 -size 2400x1800 plasma:red-blue "$work/many/0.png"
+for ((i = 1; i < 250; i++)); do ln "$work/many/0.png" "$work/many/$i.png"; done
+rm -r "$copies"
+start_program "$work/many"
+wait_for_window 'with many photos'
+picture many
+xdotool key ctrl+shift+s
+wait_until 'the panel for saving was not shown' find_panel
+xdotool windowfocus --sync "$panel" key Return
+has_copies() { compgen -G "$copies/*.jpg"; }
+wait_until 'no copy was saved' has_copies
+xdotool windowfocus --sync "$window" key ctrl+w
+wait_until 'closing during a save was not questioned' find_box
+xdotool windowfocus --sync "$box" key Tab Return
+wait_until 'the window was not closed during a save' is_hidden
+! has_ended || fail 'the program ended with its window during a save'
+kill -TERM "$program"
+wait_until 'the signal did not end the program' has_ended
+wait "$program" || fail "the program ended with status $?"
+written=("$copies"/*.jpg)
+((${#written[@]} < 250)) || fail 'the run was over too early'
+for copy in "${written[@]}"; do
+    [[ $(identify-im6.q16 -regard-warnings -format '%wx%h' "$copy") == 2400x1800 ]] || fail "half a copy: $copy"
+done
+! compgen -G "$copies/.*.tmp" || fail 'there is litter among the copies'
+stores 'runNumber=4' || fail 'the fourth run was not counted'
 program=''
 echo 'all passed'

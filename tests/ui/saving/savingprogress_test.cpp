@@ -200,10 +200,10 @@ private Q_SLOTS:
 
     void conflicts_data()
     {
-        const char *const kReplaced = "%3/a.jpg: the copy of \"%2\" replaced that of \"%1\"";
-        const char *const kHasItsName = "%3/a-%4.jpg: the copy of \"%2\"; that of \"%1\" has its name";
-        const char *const kExists = "%2: \"%3/a.jpg\" exists";
-        const char *const kSkipped = "%2: the copy of \"%1\" has the name \"%3/a.jpg\"";
+        const char *const kReplaced = "%3/a.jpg: copy of \"%2\"; it replaced the copy of \"%1\"";
+        const char *const kHasItsName = "%3/a-%4.jpg: copy of \"%2\"; its name belongs to the copy of \"%1\"";
+        const char *const kExists = "%2: not saved; \"%3/a.jpg\" exists";
+        const char *const kSkipped = "%2: not saved; the name \"%3/a.jpg\" belongs to the copy of \"%1\"";
         addRows<Conflict>({
             {"unique", true, 0, false, 2, "a-1.jpg a-2.jpg a.jpg", "2 copies saved", ""},
             {"unique, remembered", true, 0, true, 1, "a-1.jpg a-2.jpg a.jpg", "2 copies saved", ""},

@@ -9,6 +9,8 @@
 #include <QApplication>
 #include <QTimer>
 
+#include <utility>
+
 using namespace plexa;
 using namespace plexa::test;
 
@@ -37,19 +39,21 @@ private Q_SLOTS:
             QVERIFY(memory && program.controller().startSaving({photo}));
 
             QString question;
-            const auto quit = [&](qsizetype button) {
+            const auto press = [&](Qt::Key key, qsizetype button) {
                 withNextBox([&question, button](QMessageBox &box) {
                     question = box.text();
                     box.buttons().at(button)->click();
                 });
-                QTest::keyClick(&window, Qt::Key_Q, Qt::ControlModifier);
+                QTest::keyClick(&window, key, Qt::ControlModifier);
             };
-            quit(0);
-            QCOMPARE(question, u"Photos are being saved"_qs);
-            QVERIFY(window.isVisible() && program.controller().batchSave().isSavingInProgress());
-            question.clear();
-            QVERIFY(QTest::qWaitForWindowActive(&window));
-            QTimer::singleShot(0, this, [&] { quit(1); });
+            for (const Qt::Key key : {Qt::Key_Q, Qt::Key_W}) { // without a session bus, both quit
+                press(key, 0);
+                QCOMPARE(std::exchange(question, {}), u"Photos are being saved"_qs);
+                QVERIFY(window.isVisible() && !program.controller().batchSave().isTerminating());
+                window.activateWindow();
+                QVERIFY(QTest::qWaitForWindowActive(&window));
+            }
+            QTimer::singleShot(0, this, [&] { press(Qt::Key_Q, 1); });
             QCOMPARE(QApplication::exec(), 0);
             QCOMPARE(question, u"Photos are being saved"_qs);
             QVERIFY(!window.isVisible() && namesIn(copies).isEmpty());
