@@ -324,7 +324,11 @@ void SavingProcess::read(AheadOfTime &ahead) const
         else
             ahead.failure = facts.error().text;
     }
-    if (const QImage loaded = ahead.photo.image->imageAtHand(); !loaded.isNull())
+    // The cache may have dropped the pixels of a loaded photo.
+    QImage loaded = ahead.photo.image->imageAtHand();
+    if (loaded.isNull())
+        loaded = ahead.photo.image->thumbnail().mirrored();
+    if (!loaded.isNull())
         ahead.picture = createImageScaledToMaxSize(loaded, kProgressPictureSide, false);
 }
 

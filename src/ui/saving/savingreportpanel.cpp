@@ -52,8 +52,9 @@ SavingReportPanel::SavingReportPanel(SavingReport report, Alerts &alerts, QWidge
     layout->setContentsMargins(look::kPageGap, look::kPageGap, look::kPageGap, look::kLargeGap);
     layout->setSpacing(look::kLargeGap);
     layout->addWidget(makeHeading());
-    if (!m_report.isClean()) {
-        auto *const list = new QPlainTextEdit(m_report.text(false));
+    const QString text = m_report.text(false);
+    if (!text.isEmpty()) {
+        auto *const list = new QPlainTextEdit(text);
         list->setObjectName(QStringLiteral("savingReportText"));
         list->setAccessibleName(tr("Report"));
         list->setReadOnly(true);
@@ -63,8 +64,8 @@ SavingReportPanel::SavingReportPanel(SavingReport report, Alerts &alerts, QWidge
     }
     layout->addWidget(makeButtons());
     setMinimumWidth(kWidth);
-    if (!m_report.isClean())
-        resize(m_report.text(false).count(u'\n') > kFewLines ? kSizeWithList : kSizeWithShortList);
+    if (!text.isEmpty())
+        resize(text.count(u'\n') > kFewLines ? kSizeWithList : kSizeWithShortList);
     auto *const close = findChild<QPushButton *>(QStringLiteral("closeReportButton"));
     close->setDefault(true); // which a button outside of a dialog cannot become
     close->setFocus();

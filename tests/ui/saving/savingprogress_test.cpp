@@ -194,6 +194,8 @@ private Q_SLOTS:
         QVERIFY(report && report->isVisible());
         QCOMPARE(f.copies(), words("a.jpg b.jpg"));
         QCOMPARE(textOf(*report, "savingReportTitle"), u"2 copies saved, 3 not begun"_qs);
+        QVERIFY(textOf(*report, "savingReportExplanation").startsWith(u"You stopped"_qs));
+        QVERIFY(!report->findChild<QPlainTextEdit *>());
         QVERIFY(f.find<QWidget>("panelSplitView")->isVisible());
         QTRY_COMPARE(shownNames(f.set), u"a b c d e z"_qs);
     }
@@ -290,17 +292,24 @@ private Q_SLOTS:
         QVERIFY(stored.contains(f.out + u"/c.jpg\n"_qs) && stored.contains(list.toPlainText()));
     }
 
+    /// The folder is not created again: whoever removed it does not want the copies.
     void folderIsRemoved()
     {
-        SavingWindow f(words("a.png b.png c.png"));
-        QVERIFY(f.active && f.blockCopies());
-        QVERIFY(QDir(f.files.folder.path("copies")).removeRecursively());
-        QVERIFY(writeFile(f.files.folder.path("copies"), "in its place"));
-        const SavingReportPanel *const report = f.end();
-        QVERIFY(report);
-        QCOMPARE(textOf(*report, "savingReportTitle"), u"Failed to save 3 image(s)!"_qs);
-        QCOMPARE(contentsOf(f.files.folder.path("copies")), "in its place");
-        QVERIFY(!report->findChild<QAbstractButton *>(u"openFolderButton"_qs)->isEnabled());
+        for (const bool isReplaced : {true, false}) {
+            SavingWindow f(words("a.png b.png c.png"));
+            QVERIFY(f.active && f.blockCopies());
+            const QString folder = f.files.folder.path("copies");
+            QVERIFY(QDir(folder).removeRecursively());
+            if (isReplaced)
+                QVERIFY(writeFile(folder, "in its place"));
+            const SavingReportPanel *const report = f.end();
+            QVERIFY(report);
+            QCOMPARE(textOf(*report, "savingReportTitle"), u"Failed to save 3 image(s)!"_qs);
+            const QString list = report->findChild<QPlainTextEdit *>()->toPlainText();
+            QVERIFY2(list.count(f.files.folder.path("in/")) == 3, qPrintable(list));
+            QCOMPARE(QFile::exists(folder), isReplaced);
+            QVERIFY(!report->findChild<QAbstractButton *>(u"openFolderButton"_qs)->isEnabled());
+        }
     }
 
     /// Without a visible watermark a copy is written, and the report names it.
