@@ -28,6 +28,7 @@ constexpr QSize kPlainThumbnail(390, 260);
 // Of the photo's sides that a picture shows at least.
 constexpr double kLeastShare = 0.35;
 constexpr double kLeastShareOfTiles = 0.6;
+constexpr double kMostShareOfText = 0.5;
 
 QImage plainGround(QSize size)
 {
@@ -54,6 +55,18 @@ QRectF partAround(const QRectF &mark, double leastShare)
     return {std::clamp(corner.x(), 0.0, 1 - share), std::clamp(corner.y(), 0.0, 1 - share), share, share};
 }
 
+/// The side of a wide box on which its text is: a box is often much wider than its text.
+QRectF textIn(QRectF box, const WPresetValues &values)
+{
+    const bool isUpright = values.angle == 0.0F && values.rotation == 0;
+    const double room = box.width() - kMostShareOfText;
+    if (values.type == QLatin1String("Image") || !isUpright || room <= 0 || box.height() > kMostShareOfText)
+        return box;
+    const int alignment = std::clamp(values.textAlignment.value_or(0), 0, 2);
+    box.adjust(room * alignment / 2, 0, -room * (2 - alignment) / 2, 0);
+    return box;
+}
+
 /// The same for a preset.
 /// @param mark   photo pixels, origin at the bottom left
 /// @param least  share below which the thumbnail has not enough pixels
@@ -63,8 +76,9 @@ QRectF shownPart(const std::optional<QRectF> &mark, QSize photo, const WPresetVa
         return {0, 0, 1, 1};
     const QRectF shares(mark->x() / photo.width(), 1 - mark->bottom() / photo.height(),
                         mark->width() / photo.width(), mark->height() / photo.height());
-    const bool isTiled = values.replicateHorizontal || values.replicateVertical;
-    return partAround(shares, std::max(least, isTiled ? kLeastShareOfTiles : kLeastShare));
+    if (values.replicateHorizontal || values.replicateVertical)
+        return partAround(shares, std::max(least, kLeastShareOfTiles));
+    return partAround(textIn(shares, values), std::max(least, kLeastShare));
 }
 
 QRect scaledBy(const QRectF &shares, QSize size)

@@ -21,7 +21,7 @@ struct Scene {
         smoothPicture({600, 400}).save(path);
         photo = std::make_shared<ImageObject>(path, work.photos);
         photo->loadImageFromDisk();
-        for (const float angle : {0.0F, 30.0F}) {
+        for (const float angle : {10.0F, 30.0F}) {
             WPresetValues values = WPresetValues::forNewPreset(work.fonts);
             values.textTokens = {u"Proof "_qs, u"filename"_qs};
             values.width = 96;
@@ -99,6 +99,7 @@ private Q_SLOTS:
     {
         Scene f;
         f.presets[0]->setTextTokens({u"X"_qs});
+        f.presets[0]->setAngle(0.0F);
         f.presets[0]->setWidth(10);
         f.presets[0]->setFontSize(5);
         f.presets[0]->setAnchorPoint(8);
@@ -107,6 +108,10 @@ private Q_SLOTS:
         QVERIFY(differenceOf(f.drawn(0), f.expected(0)).mean > 12);
         f.presets[0]->setAnchorPoint(0);
         QVERIFY(differenceOf(f.drawn(0), f.expected(0, {0, 0, 210, 140})).mean < 6);
+        f.presets[0]->setWidth(100); // of the box: the text is at its right
+        f.presets[0]->setTextAlignment(2);
+        QVERIFY(differenceOf(f.drawn(0), f.expected(0, {255, 0, 345, 230})).mean < 6);
+        f.presets[0]->setWidth(10);
         f.presets[0]->setReplicateHorizontal(true);
         QVERIFY(differenceOf(f.drawn(0), f.expected(0, {0, 0, 360, 240})).mean < 6);
     }

@@ -30,18 +30,23 @@ void lookAt(const XMLParser::Element &element, int depth)
         lookAt(*element.subelement(i), depth + 1);
 }
 
+/// Does it begin with what the reader cannot take for markup?
+bool beginsPlain(const QString &text)
+{
+    return text.isEmpty() || text.at(0).isLetterOrNumber();
+}
+
 /// Is it a text that a file gives back as it was written into it?
 bool isPlain(const QString &text)
 {
-    return text.isEmpty() || (text.at(0).isLetterOrNumber() && !text.contains(u'<') && !text.contains(u'&'));
+    return beginsPlain(text) && !text.contains(u'<') && !text.contains(u'&');
 }
 
 bool isPlain(const SavingPresetValues &values)
 {
-    // Names are escaped.
-    return (values.name.isEmpty() || values.name.at(0).isLetterOrNumber()) &&
-           std::all_of(values.filenameTokens.begin(), values.filenameTokens.end(),
-                       [](const QString &token) { return isPlain(token); }) &&
+    // Names and tokens are escaped.
+    return beginsPlain(values.name) &&
+           std::all_of(values.filenameTokens.begin(), values.filenameTokens.end(), beginsPlain) &&
            isPlain(values.fileBaseNameCase) && isPlain(values.fileExtensionCase) &&
            isPlain(values.imageFormat) && isPlain(values.alternativeImageFormat);
 }

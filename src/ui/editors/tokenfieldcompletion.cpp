@@ -33,7 +33,7 @@ public:
     {
         const QString value = index.data(Qt::UserRole).toString();
         const int width = value.isEmpty() ? 0 : option.fontMetrics.horizontalAdvance(value) + kValueDistance;
-        return QStyledItemDelegate::sizeHint(option, index) + QSize(width + kMargin, 0);
+        return QStyledItemDelegate::sizeHint(option, index) + QSize(width + kMargin, look::kSmallGap);
     }
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override

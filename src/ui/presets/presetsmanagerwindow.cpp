@@ -128,7 +128,8 @@ void PresetsManagerWindow::makeActions()
     m_export = makeAction("exportPresets", tr("Export…"), tr("Write the selected presets to a file"), "",
                           {Qt::CTRL | Qt::Key_S}, &W::exportPresets);
     makeAction("searchPresets", tr("Search"), tr("Show only some presets"), "", {Qt::CTRL | Qt::Key_F},
-               &W::startSearch);
+               &W::startSearch)
+        ->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_F), QKeySequence(Qt::Key_Slash)});
     auto *const close = new QAction(tr("Close"), this);
     close->setShortcut({Qt::CTRL | Qt::Key_W});
     connect(close, &QAction::triggered, this, &QWidget::close);

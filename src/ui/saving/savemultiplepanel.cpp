@@ -24,8 +24,11 @@
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
+#include <QScreen>
 #include <QStandardPaths>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace plexa
 {
@@ -82,7 +85,7 @@ SaveMultiplePanel::SaveMultiplePanel(const Services &services, QWidget *parent)
     , m_replicationLabel(new ElidedLabel(Qt::ElideMiddle))
     , m_replicates(new QCheckBox(tr("Recreate the folders of the originals in it")))
     , m_presetView(new SavingPresetView)
-    , m_savingPresetsButton(new QPushButton(tr("Saving Presets")))
+    , m_savingPresetsButton(new QPushButton(tr("Saving Presets ▾")))
     , m_count(new QLabel)
     , m_examples(new QLabel)
 {
@@ -199,6 +202,7 @@ QWidget *SaveMultiplePanel::makeButtons()
     save->setDefault(true);
     save->setFocus(); // Enter saves
     m_savingPresetsButton->setObjectName(QStringLiteral("savingPresetsButton"));
+    m_savingPresetsButton->setAccessibleName(tr("Saving Presets"));
     m_savingPresetsButton->setToolTip(tr("Load these settings from a saving preset, or keep them as one"));
     m_savingPresetsButton->setAutoDefault(false);
     box->addButton(m_savingPresetsButton, QDialogButtonBox::ActionRole);
@@ -214,6 +218,7 @@ void SaveMultiplePanel::askAbout(const ImageList &photos)
     m_photos = photos;
     setupControls();
     open();
+    makeRoom();
     estimateSize();
 }
 
@@ -374,6 +379,16 @@ void SaveMultiplePanel::showExamples()
         lines.append(QStringLiteral("…"));
     m_examples->setText(lines.join(u'\n'));
     showCount();
+    makeRoom();
+}
+
+/// Long names take several lines, which must not squeeze the controls.
+void SaveMultiplePanel::makeRoom()
+{
+    layout()->activate();
+    const int wanted = std::max(layout()->totalHeightForWidth(width()), sizeHint().height());
+    if (isVisible() && wanted > height())
+        resize(width(), std::min(wanted, screen()->availableSize().height()));
 }
 
 void SaveMultiplePanel::accept()

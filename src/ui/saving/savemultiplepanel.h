@@ -73,6 +73,7 @@ private:
     void estimateSize();
     void showCount();
     void showExamples();
+    void makeRoom();
 
     const Services m_services;
     ImageList m_photos;

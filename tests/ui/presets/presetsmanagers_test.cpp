@@ -126,7 +126,9 @@ private Q_SLOTS:
         QVERIFY(!f.part<QWidget>("removePresetsButton").isEnabled());
         QVERIFY(!f.part<QWidget>("exportPresetsButton").isEnabled());
 
-        QTest::keyClick(f.manager, Qt::Key_F, Qt::ControlModifier);
+        f.list().setFocus();
+        QTest::keyClick(&f.list(), Qt::Key_Slash);
+        QVERIFY(f.part<QLineEdit>("searchField").hasFocus());
         QTest::keyClicks(&f.part<QLineEdit>("searchField"), u"lo"_qs);
         QCOMPARE(f.shown(), u"Logo Hello"_qs);
         // A row of the search is the preset that it shows; one that is hidden is not selected.
