@@ -163,7 +163,7 @@ Result<SavingRun> planRun(const SaveOptions &options, const FontCatalog &fonts)
     run.ignoreAssignedSavingPresets = options.ignoreAssigned;
     if (const Result<void> checked = checkStart(run, options); !checked)
         return tl::unexpected(checked.error());
-    run.copyRules = {!options.noCreationDate, options.requireWatermark};
+    run.copyRules = {!options.noCreationDate, options.requireWatermark, options.render};
     run.isDryRun = options.dryRun;
     run.conflictCode = conflictCode(options.conflict);
     run.conflictScope = OutputNaming::Scope::FilesFromBefore;

@@ -135,6 +135,10 @@ void addCopyOptions(OptionGroups &groups, SaveOptions &options)
                          "Set a field of the saving preset, as in --save-set tiffCompressionLZW=false");
     groups.addFlag("--ignore-assigned", options.ignoreAssigned,
                    "Ignore the saving presets that are assigned to watermarks");
+    groups.addFlag(
+        "--render", options.render,
+        "Decode and encode all of a JPEG; otherwise a JPEG copy of a JPEG keeps the blocks that no "
+        "watermark covers, where that gives the same picture");
     groups.addFlag("--no-creation-date", options.noCreationDate, "Do not copy the dates of the originals");
 }
 

@@ -41,6 +41,7 @@ struct SaveOptions {
     bool combine = false;
     bool ignoreAssigned = false;
     bool requireWatermark = false;
+    bool render = false;
     bool portableNames = false;
     bool json = false;
     bool quiet = false;

@@ -90,11 +90,12 @@ QJsonValue jsonMarked(const SavingOutput &output)
     return output.status == Status::Planned && output.isKnownUnmarked ? QJsonValue(false) : QJsonValue::Null;
 }
 
-/// How the pixels of a copy are made. Null without a copy.
+/// How the picture of a copy was made. Null without a copy, and for a planned one.
 QJsonValue jsonRoad(const SavingOutput &output)
 {
-    const bool hasCopy = output.status == Status::Written || output.status == Status::Planned;
-    return hasCopy ? QJsonValue(QStringLiteral("rendered")) : QJsonValue::Null;
+    if (output.status != Status::Written)
+        return QJsonValue::Null;
+    return output.report.isRecompressed ? QStringLiteral("recompressed") : QStringLiteral("rendered");
 }
 
 QJsonObject jsonOf(const SavingOutput &output)

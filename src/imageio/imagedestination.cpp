@@ -6,8 +6,11 @@
 #include "imageio/embedded/embeddedmetadata.h"
 #include "imageio/imagesource.h"
 #include "metadata/propertykeys.h"
+#include "raster/orientation.h"
 
 #include <QPainter>
+
+#include <utility>
 
 namespace plexa
 {
@@ -56,6 +59,14 @@ double positiveNumber(const QVariantMap &properties, const QString &key)
     return number > 0 ? number : 0;
 }
 
+/// The sampling factors of a picture after its orientation is applied: "21,11,11" becomes "12,11,11".
+QByteArray turnedSampling(QByteArray sampling, int orientation)
+{
+    for (qsizetype at = 0; at + 1 < sampling.size() && orientation >= 5; at += 3)
+        std::swap(sampling[at], sampling[at + 1]);
+    return sampling;
+}
+
 /// The options for the pixels, without metadata.
 WriteOptions pictureOptions(const CopyRequest &request)
 {
@@ -70,7 +81,7 @@ WriteOptions pictureOptions(const CopyRequest &request)
     options.tiffLzw = tiff.value(kCGImagePropertyTIFFCompression, 5).toInt() != 1;
     if (request.source) {
         options.isProgressive = request.source->info().isProgressive;
-        options.chromaSampling = request.source->info().chromaSampling;
+        options.chromaSampling = turnedSampling(request.source->info().chromaSampling, request.orientation);
     }
     return options;
 }
@@ -79,6 +90,41 @@ WriteOptions pictureOptions(const CopyRequest &request)
 RowFormat writtenFormat(const RowFormat &format, const ImageFormat &target)
 {
     return {format.size, format.hasAlpha && target.writesAlpha};
+}
+
+/// The options for the pixels and the metadata.
+/// @param size  of the copy
+Result<WriteOptions> allOptions(const ImageFormat &target, QSize size, const CopyRequest &request)
+{
+    const QVariantMap &properties = request.properties;
+    WriteOptions options = pictureOptions(request);
+    const auto read = request.source ? request.source->metadata() : EmbeddedMetadata::none();
+    if (!read)
+        return tl::unexpected(read.error());
+    const EmbeddedMetadata &metadata = **read;
+    const bool hasThumbnail = metadata.hasThumbnail() && target.codec->keepsThumbnail;
+    const EmbeddedMetadata::CopyFacts facts = {size,
+                                               hasThumbnail ? kThumbnailBytes : 0,
+                                               target.codec->maxExifBytes,
+                                               target.codec->keepsIptc,
+                                               request.cleared,
+                                               request.isTurned,
+                                               target.codec->keepsExif};
+    const EmbeddedMetadata::Encoded encoded = metadata.encodeForCopy(properties, facts);
+    if (request.omitted) {
+        *request.omitted += encoded.omitted;
+        const QString comment = QStringLiteral("comment");
+        if (!encoded.comment.isEmpty() && !target.codec->keepsComment && !encoded.omitted.contains(comment))
+            *request.omitted += comment;
+    }
+    options.exif = encoded.exif;
+    options.thumbnailPlaceholder = encoded.thumbnailPlaceholder;
+    options.iptc = encoded.iptc;
+    options.imageResources = encoded.imageResources;
+    options.xmp = encoded.xmp;
+    options.comment = encoded.comment;
+    options.texts = encoded.texts;
+    return options;
 }
 
 } // namespace
@@ -97,40 +143,37 @@ Result<std::unique_ptr<RowWriter>> openDestination(QIODevice &device, const RowF
     const ImageFormat *target = imageFormatOfType(request.type);
     if (!target || !target->canWrite)
         return fail(PictureFailures::cannotWrite(request.type));
-    const QVariantMap &properties = request.properties;
-    WriteOptions options = pictureOptions(request);
-    const auto read = request.source ? request.source->metadata() : EmbeddedMetadata::none();
-    if (!read)
-        return tl::unexpected(read.error());
-    const EmbeddedMetadata &metadata = **read;
-    const bool hasThumbnail = metadata.hasThumbnail() && target->codec->keepsThumbnail;
-    const EmbeddedMetadata::CopyFacts facts = {format.size,
-                                               hasThumbnail ? kThumbnailBytes : 0,
-                                               target->codec->maxExifBytes,
-                                               target->codec->keepsIptc,
-                                               request.cleared,
-                                               request.isTurned,
-                                               target->codec->keepsExif};
-    const EmbeddedMetadata::Encoded encoded = metadata.encodeForCopy(properties, facts);
-    if (request.omitted) {
-        *request.omitted += encoded.omitted;
-        const QString comment = QStringLiteral("comment");
-        if (!encoded.comment.isEmpty() && !target->codec->keepsComment && !encoded.omitted.contains(comment))
-            *request.omitted += comment;
-    }
-    options.exif = encoded.exif;
-    options.thumbnailPlaceholder = encoded.thumbnailPlaceholder;
-    options.iptc = encoded.iptc;
-    options.imageResources = encoded.imageResources;
-    options.xmp = encoded.xmp;
-    options.comment = encoded.comment;
-    options.texts = encoded.texts;
+    const Result<WriteOptions> options = allOptions(*target, format.size, request);
+    if (!options)
+        return tl::unexpected(options.error());
     const bool flattens = format.hasAlpha && !target->writesAlpha;
     const RowFormat written = writtenFormat(format, *target);
-    Result<std::unique_ptr<RowWriter>> writer = target->codec->openWriter(device, written, options);
+    Result<std::unique_ptr<RowWriter>> writer = target->codec->openWriter(device, written, *options);
     if (!writer || !flattens)
         return writer;
     return std::make_unique<FlatteningWriter>(std::move(*writer), format.size);
+}
+
+std::optional<QString> writeRetouched(QIODevice &device, const CopyRequest &request, const Retouch &retouch)
+{
+    if (!canRetouch(request))
+        return std::nullopt;
+    const QSize size = orientedSize(request.source->info().rows.size, request.orientation);
+    const Result<WriteOptions> options = allOptions(request.source->format(), size, request);
+    return options ? request.source->retouch(device, *options, retouch) : std::nullopt;
+}
+
+bool canRetouch(const CopyRequest &request)
+{
+    return request.source && request.source->type() == request.type &&
+           request.source->format().codec->retouch;
+}
+
+qint64 retouchBytes(const CopyRequest &request, int orientation)
+{
+    return canRetouch(request) ? request.source->format().codec->retouchBytes(
+                                     request.source->info(), pictureOptions(request), orientation)
+                               : 0;
 }
 
 Result<void> writeImage(QIODevice &device, const QImage &image, const CopyRequest &request)

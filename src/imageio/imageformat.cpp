@@ -95,6 +95,8 @@ struct Codecs {
                      .openReader = openJpegReader,
                      .openWriter = openJpegWriter,
                      .writerBytes = jpegWriterBytes,
+                     .retouch = retouchJpeg,
+                     .retouchBytes = retouchJpegBytes,
                      .maxExifBytes = kMaxJpegExif};
     const Codec png{.readInfo = readPngInfo, .openReader = openPngReader, .openWriter = openPngWriter};
     const Codec tiff{.readInfo = readTiffInfo,

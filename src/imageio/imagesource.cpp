@@ -168,6 +168,16 @@ Result<std::unique_ptr<RowReader>> ImageSource::openRows(int minimumSide) const
     return reader;
 }
 
+std::optional<QString> ImageSource::retouch(QIODevice &to, const WriteOptions &options,
+                                            const Retouch &retouch) const
+{
+    if (!m_format->codec->retouch)
+        return std::nullopt;
+    m_file->seek(0);
+    std::optional<QString> notice = m_format->codec->retouch(*m_file, m_limits, to, options, retouch);
+    return m_file->checkReads() ? notice : std::nullopt;
+}
+
 Result<QImage> ImageSource::createImage(int minimumSide) const
 {
     const Result<std::unique_ptr<RowReader>> reader = openRows(minimumSide);

@@ -57,6 +57,10 @@ public:
     /// and read one at a time.
     [[nodiscard]] Result<std::unique_ptr<RowReader>> openRows(int minimumSide = 0) const;
 
+    /// Writes a copy of the file's own format with what is drawn on it.
+    /// @return as RetouchFunction; none, too, where the format has no such function
+    std::optional<QString> retouch(QIODevice &to, const WriteOptions &options, const Retouch &retouch) const;
+
     /// Upper bound of the memory (bytes) of a reader of openRows() besides the caller's strips; 0 where the
     /// rows stream. To be reserved before openRows().
     qint64 rowsBytes() const { return m_info.decoderBytes; }

@@ -128,7 +128,8 @@ public:
                      &source,
                      &m_omitted,
                      m_metadata.clearedGroups(),
-                     !m_uprighting.isIdentity()};
+                     !m_uprighting.isIdentity(),
+                     m_uprighting.orientation};
     }
 
     Result<CopyReport> write()
@@ -144,9 +145,10 @@ public:
                 m_drawings = std::move(drawings);
                 return m_order.rules.needsVisibleMark && !report.isMarked ? fail(noVisibleMark()) : reserve();
             })
-            .and_then([this] { return isStreamed() ? Result<void>() : makeUpright(); })
+            .and_then([this] { return mayRecompress() ? Result<void>() : makeUpright(); })
             .and_then([this] { return writeFile(); })
             .map([&] {
+                report.isRecompressed = m_isRecompressed;
                 report.dropped += m_omitted;
                 if (!m_readerNotice.isEmpty())
                     report.notices.append(m_readerNotice);
@@ -156,6 +158,13 @@ public:
 
 private:
     bool isStreamed() const { return m_uprighting.isIdentity() && m_order.upright.isNull(); }
+
+    /// May the copy keep the encoded picture where no mark covers it?
+    bool mayRecompress() const
+    {
+        return !m_order.rules.rendersAll && m_order.turns == 1 && !m_uprighting.isStretched() &&
+               canRetouch(m_request);
+    }
 
     /// The rows that the writer is given.
     RowFormat writtenFormat() const
@@ -178,13 +187,18 @@ private:
                 std::max(uprightBytes(m_source, m_uprighting), pictureBytes(m_uprighting.size()) + encoding);
         else // the cache goes on holding the bare picture
             bytes = (m_drawings.empty() ? 0 : pictureBytes(m_order.upright.size())) + encoding;
+        if (mayRecompress()) // and after that perhaps the other way
+            bytes = std::max(bytes, retouchBytes(m_request, m_uprighting.orientation));
         return reserveForPhoto(m_services.budget, m_source.info().rows.size, bytes)
             .map([this](ByteBudget::Reservation room) { m_room = std::move(room); });
     }
 
-    /// Gets a picture that cannot pass in strips, before the target file appears.
+    /// Gets a picture that cannot pass in strips; unless it is certain to be needed, not before the target
+    /// file appears.
     Result<void> makeUpright()
     {
+        if (isStreamed() || !m_upright.isNull())
+            return {};
         m_upright = m_order.upright;
         if (!m_upright.isNull())
             return {};
@@ -199,14 +213,9 @@ private:
         file.setAlternatives(m_order.target.nextPath);
         if (Result<void> opened = file.open(); !opened)
             return opened;
-        const Result<std::unique_ptr<RowWriter>> writer =
-            openDestination(file.device(), writtenFormat(), m_request);
-        if (!writer)
-            return tl::unexpected(writer.error());
-        if (Result<void> written = writeRows(**writer); !written)
-            return written;
-        if (Result<void> finished = (*writer)->finish(); !finished)
-            return finished;
+        m_isRecompressed = mayRecompress() && recompress(file.device());
+        if (Result<void> rendered = m_isRecompressed ? Result<void>() : render(file.device()); !rendered)
+            return rendered;
         if (Result<void> unchanged = m_source.checkUnchanged(); !unchanged)
             return unchanged;
         if (m_order.overwritten && fileVersionAt(m_order.target.path) != m_order.overwritten)
@@ -215,6 +224,40 @@ private:
         if (m_order.rules.preservesCreationDate)
             file.setModificationTime(creationTimeOf(m_source.version()));
         return file.commit();
+    }
+
+    /// @return false: the copy has to be rendered, which also finds the reason of a failure
+    bool recompress(QFile &file)
+    {
+        Retouch retouch{m_uprighting.orientation, {}, {}, m_order.isCanceled};
+        for (const WatermarkDrawing &drawing : m_drawings)
+            retouch.covered.append(drawing.coveredRect());
+        retouch.draw = [this](QImage &part, QPoint at) {
+            for (const WatermarkDrawing &drawing : m_drawings)
+                drawing.drawRows(part, at.y(), at.x());
+        };
+        if (const std::optional<QString> notice = writeRetouched(file, m_request, retouch)) {
+            m_readerNotice = *notice;
+            return true;
+        }
+        m_omitted.clear();
+        return false;
+    }
+
+    Result<void> render(QFile &file)
+    {
+        if (Result<void> upright = makeUpright(); !upright)
+            return upright;
+        if (file.size() > 0 || file.pos() > 0) { // what recompress() has left
+            if (!file.resize(0) || !file.seek(0))
+                return fail(PictureFailures::writeError(file));
+        }
+        const Result<std::unique_ptr<RowWriter>> writer = openDestination(file, writtenFormat(), m_request);
+        if (!writer)
+            return tl::unexpected(writer.error());
+        if (Result<void> written = writeRows(**writer); !written)
+            return written;
+        return (*writer)->finish();
     }
 
     Result<void> writeRows(RowWriter &writer)
@@ -241,6 +284,7 @@ private:
     ByteBudget::Reservation m_room;
     QStringList m_omitted;
     QString m_readerNotice;
+    bool m_isRecompressed = false;
     QImage m_upright; ///< null where the picture passes in strips
 };
 

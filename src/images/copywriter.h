@@ -31,6 +31,8 @@ struct CopyTarget {
 struct CopyRules {
     bool preservesCreationDate = true; ///< the copy gets the date of its photo
     bool needsVisibleMark = false;     ///< a copy on which no watermark is visible is a failure
+    bool rendersAll =
+        false; ///< all pixels are decoded and encoded, also where most could be kept as they are
 };
 
 /// Everything that one watermarked copy is made of.
@@ -67,17 +69,19 @@ struct CopyReport {
     QString path; ///< where it is in the end
     QSize size;   ///< pixels of the copy
     std::vector<std::optional<QRectF>>
-        rects;             ///< of each mark, origin at the bottom left; none: it had nothing to draw
-    bool isMarked = false; ///< is any part of a mark visible on the copy?
-    QStringList notices;   ///< about the photo and its marks, as texts that follow the photo's path
-    QStringList dropped;   ///< of the source, what the copy does not have: "gain map", "maker note"
+        rects;                   ///< of each mark, origin at the bottom left; none: it had nothing to draw
+    bool isMarked = false;       ///< is any part of a mark visible on the copy?
+    bool isRecompressed = false; ///< are only the parts under the marks decoded and encoded again?
+    QStringList notices;         ///< about the photo and its marks, as texts that follow the photo's path
+    QStringList dropped;         ///< of the source, what the copy does not have: "gain map", "maker note"
 };
 
 /// Is the file a copy that writeCopy() has written? Decided by the name of this program, which copies carry
 /// as their software. Reads the file up to its metadata. Any thread.
 bool isWrittenCopy(const QString &path);
 
-/// Reads the photo, draws the watermarks and writes the copy. A photo that needs no turning passes through in
+/// Reads the photo, draws the watermarks and writes the copy. A copy in the photo's own format is
+/// recompressed where its codec can do that. Otherwise a photo that needs no turning passes through in
 /// strips; another one is decoded whole. A failure leaves no file. Any thread.
 [[nodiscard]] Result<CopyReport> writeCopy(const CopyOrder &order, const PhotoServices &services);
 

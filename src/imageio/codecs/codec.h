@@ -5,17 +5,20 @@
 #include "imageio/base/picturefailures.h"
 #include "imageio/base/rowstream.h"
 #include "imageio/embedded/pngtexts.h"
+#include "platform/cancelcheck.h"
 #include "platform/result.h"
 
 #include <QByteArray>
 #include <QByteArrayView>
 #include <QIODevice>
 #include <QList>
+#include <QRect>
 #include <QStringList>
 #include <QVariantMap>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace plexa
 {
@@ -76,6 +79,27 @@ using WriterFunction = Result<std::unique_ptr<RowWriter>>(QIODevice &device, con
 /// The memory (bytes) that such a writer holds besides the strips it gets.
 using WriterBytesFunction = qint64(const RowFormat &format, const WriteOptions &options);
 
+/// What is drawn on a picture that is copied within its format. Pixels of the upright picture, origin at its
+/// top left.
+struct Retouch {
+    int orientation = 1;       ///< 1..8 as in raster/orientation.h: how the stored picture becomes upright
+    QList<QRect> covered = {}; ///< the parts that draw() may change
+    std::function<void(QImage &part, QPoint at)> draw =
+        {}; ///< draws on a part, Format_RGB32; `at`: its corner
+    CancelCheck isCanceled = {};
+};
+
+/// Copies a picture with what is drawn on it, decoding and encoding only the parts that it covers.
+/// @param from  open for reading, random access, at its start
+/// @param to    open for reading and writing, random access, empty
+/// @return as RowReader::notice(); none if this picture cannot be copied so, or is damaged, or reading or
+///         writing has failed: `to` then contains nothing of use
+using RetouchFunction = std::optional<QString>(QIODevice &from, const ReadLimits &limits, QIODevice &to,
+                                               const WriteOptions &options, const Retouch &retouch);
+
+/// Upper bound of the memory (bytes) of such a copy; 0: what streams.
+using RetouchBytesFunction = qint64(const PictureInfo &info, const WriteOptions &options, int orientation);
+
 /// How one format is read and written. Stateless; any thread. Exceptions, jumps and messages of the
 /// underlying library do not leave these functions.
 struct Codec {
@@ -83,8 +107,10 @@ struct Codec {
     std::function<ReaderFunction> openReader;
     WriterFunction *openWriter = nullptr;       ///< null: the format is not written
     WriterBytesFunction *writerBytes = nullptr; ///< null: the rows stream
-    qsizetype maxExifBytes = 16 * 1024 * 1024;  ///< the longest EXIF structure that openWriter() accepts
-    bool keepsExif = true;                      ///< in a written file
+    RetouchFunction *retouch = nullptr;         ///< null: copies are decoded and encoded
+    RetouchBytesFunction *retouchBytes = nullptr;
+    qsizetype maxExifBytes = 16 * 1024 * 1024; ///< the longest EXIF structure that openWriter() accepts
+    bool keepsExif = true;                     ///< in a written file
     bool keepsIptc = true;      ///< IIM records in a written file; otherwise their facts are written as XMP
     bool keepsComment = true;   ///< a comment outside of EXIF, IPTC and XMP in a written file
     bool keepsThumbnail = true; ///< in the EXIF of a written file (WriteOptions::thumbnailPlaceholder)

@@ -12,6 +12,8 @@ InfoFunction readJpegInfo, readPngInfo, readTiffInfo, readHeifInfo, readGifInfo,
 ReaderFunction openJpegReader, openPngReader, openTiffReader, openHeifReader, openGifReader, openJp2Reader,
     openRawReader, openTgaReader;
 WriterFunction openJpegWriter, openPngWriter, openTiffWriter, openHeicWriter, openGifWriter, openBmpWriter;
+RetouchFunction retouchJpeg;
+RetouchBytesFunction retouchJpegBytes;
 WriterBytesFunction jpegWriterBytes, tiffWriterBytes, heicWriterBytes, gifWriterBytes;
 
 /// Does libheif have an encoder for HEIC?
