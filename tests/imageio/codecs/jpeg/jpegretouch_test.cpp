@@ -78,6 +78,7 @@ class JpegRetouchTest : public QObject
 
 private:
     TestFolder m_folder;
+    QString m_notice; ///< of the last copy
 
     /// @return none: not copied in this way
     std::optional<QByteArray> copyOf(const QByteArray &file, int quality, const Retouch &retouch)
@@ -92,7 +93,9 @@ private:
         request.orientation = retouch.orientation;
         QBuffer copy;
         copy.open(QIODevice::ReadWrite);
-        return writeRetouched(copy, request, retouch) ? std::optional(copy.data()) : std::nullopt;
+        const std::optional<QString> notice = writeRetouched(copy, request, retouch);
+        m_notice = notice.value_or(QString());
+        return notice ? std::optional(copy.data()) : std::nullopt;
     }
 
 private Q_SLOTS:
@@ -204,6 +207,31 @@ private Q_SLOTS:
         // steps show that.
         const double tolerance = quality > 80 ? 0.3 : 0.1;
         QVERIFY(differenceOf(expected, picture).psnr() > differenceOf(expected, rendered).psnr() - tolerance);
+    }
+
+    void noticesAreThoseOfTheReader_data()
+    {
+        const QByteArray plain = jpegOf(photo({603, 449}), {});
+        const QByteArray scans = jpegOf(photo({603, 449}), {.isProgressive = true});
+        using File = Row<QByteArray>;
+        addRows<File>({
+            {"intact", plain},
+            {"last scan missing", scans.left(scans.lastIndexOf("\xff\xc4")) + "\xff\xd9"},
+            {"stray bytes", plain.chopped(2) + "stray\xff\xd9"},
+        });
+    }
+    void noticesAreThoseOfTheReader()
+    {
+        const auto [name, file] = currentRow<Row<QByteArray>>();
+        const QSize size(603, 449);
+        QVERIFY(copyOf(file, 80,
+                       {1, marksOn(size), [&](QImage &part, QPoint at) { drawMarks(part, at, size); }}));
+        const Result<ImageSource> source = ImageSource::open(m_folder.path("photo.jpg"));
+        const Result<std::unique_ptr<RowReader>> rows = source->openRows();
+        QImage picture(size, QImage::Format_RGB32);
+        QVERIFY((*rows)->readRows(picture, size.height()));
+        QCOMPARE(m_notice, (*rows)->notice());
+        QCOMPARE(m_notice.isEmpty(), name == u"intact");
     }
 
     void whatIsNotCopiedSo_data()
