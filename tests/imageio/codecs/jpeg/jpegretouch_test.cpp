@@ -39,14 +39,14 @@ void drawMarks(QImage &part, QPoint at, QSize size, QColor color = QColor(255, 2
     }
 }
 
-/// Detail, but colors that chroma planes of half the size keep.
+/// Detail, and colors that change from one MCU to the next.
 QImage photo(QSize size)
 {
     QRandomGenerator random(3);
     return paintedPicture(size, QImage::Format_RGB32, [&](int x, int y) {
         const int light = random.bounded(40);
         return qRgb(20 + 150 * x / size.width() + light, 30 + 150 * y / size.height() + light,
-                    180 - 150 * x / size.width() + light);
+                    x / 24 % 2 * 60 + y / 24 % 3 * 50 + light);
     });
 }
 
@@ -223,7 +223,7 @@ private Q_SLOTS:
         addRows<File>({
             {"intact", plain},
             {"last scan missing", scans.left(scans.lastIndexOf("\xff\xc4")) + "\xff\xd9"},
-            {"stray bytes", plain.chopped(2) + "stray\xff\xd9"},
+            {"stray bytes", plain.chopped(2) + QByteArray(40, 's') + "\xff\xd9"},
         });
     }
     void noticesAreThoseOfTheReader()
