@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/bulletin/bulletinpresenter.h"
+
+#include "bulletin/bulletinfeed.h"
+#include "ui/bulletin/bulletinreports.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QFile>
+#include <QProcess>
+#include <QWidget>
+
+#include <utility>
+
+namespace plexa
+{
+
+namespace
+{
+
+/// Beside this program in a build, else where it is installed.
+QString bulletinProgram()
+{
+    const QString folder = QCoreApplication::applicationDirPath();
+    const QString beside = folder + QStringLiteral("/plexa-bulletin");
+    return QFile::exists(beside) ? beside : folder + QStringLiteral("/../libexec/plexa/plexa-bulletin");
+}
+
+} // namespace
+
+BulletinPresenter::BulletinPresenter(BulletinFeed &feed, const QWidget &mainWindow)
+    : m_feed(feed)
+    , m_mainWindow(mainWindow)
+{
+    connect(&feed, &BulletinFeed::bulletinChosen, this, &BulletinPresenter::showBulletin);
+}
+
+BulletinPresenter::~BulletinPresenter()
+{
+    closeBulletin();
+}
+
+void BulletinPresenter::showBulletin(const Bulletin &bulletin)
+{
+    closeBulletin();
+    m_process = new QProcess(this);
+    m_process->setProcessChannelMode(QProcess::ForwardedErrorChannel); // the log is one
+    connect(m_process, &QProcess::readyReadStandardOutput, this, [this, bulletin] { readReports(bulletin); });
+    connect(m_process, &QProcess::errorOccurred, this, [this] {
+        qCritical().noquote() << "ERROR: the bulletin could not be shown:" << m_process->errorString();
+    });
+    const QPoint center = m_mainWindow.frameGeometry().center();
+    QStringList arguments{QStringLiteral("--center"), QStringLiteral("%1,%2").arg(center.x()).arg(center.y()),
+                          bulletin.page.toString(QUrl::FullyEncoded)};
+    if (bulletin.allowSuppress)
+        arguments.prepend(QStringLiteral("--allow-suppress"));
+    m_process->start(bulletinProgram(), arguments, QIODevice::ReadOnly);
+}
+
+void BulletinPresenter::closeBulletin()
+{
+    QProcess *const process = std::exchange(m_process, nullptr);
+    if (!process)
+        return;
+    process->disconnect(this);
+    delete process; // ends the program
+}
+
+void BulletinPresenter::readReports(const Bulletin &bulletin)
+{
+    while (m_process->canReadLine()) {
+        const QByteArray report = m_process->readLine().trimmed();
+        if (report == bulletinreports::kShown)
+            m_feed.bulletinWasShown(bulletin);
+        else if (report == bulletinreports::kSuppressed)
+            m_feed.suppress(bulletin);
+    }
+}
+
+} // namespace plexa
