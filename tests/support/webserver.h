@@ -9,7 +9,8 @@
 namespace plexa::test
 {
 
-/// A web server on the loopback device. It gives every request the same answer, and closes the connection.
+/// A web server on the loopback device. It gives every request the same answer. If the head of the answer
+/// promises a length of its own, the server closes the connection after the answer.
 class WebServer : public QTcpServer
 {
 public:
@@ -35,7 +36,7 @@ public:
 
     QByteArray head; ///< status line and more header lines; if empty, the server never answers
     QByteArray body;
-    QByteArrayList requests; ///< what arrived, in one piece for each connection
+    QByteArrayList requests; ///< as they arrived
 
 private:
     void reply(QTcpSocket &socket)
@@ -47,8 +48,13 @@ private:
         requests.append(socket.readAll());
         if (head.isEmpty())
             return;
-        socket.write("HTTP/1.1 " + head + "\r\nConnection: close\r\n\r\n" + body);
-        socket.disconnectFromHost();
+        if (head.contains("Content-Length")) {
+            socket.write("HTTP/1.1 " + head + "\r\n\r\n" + body);
+            socket.disconnectFromHost();
+        } else { // the client disconnects
+            socket.write("HTTP/1.1 " + head + "\r\nContent-Length: " + QByteArray::number(body.size()) +
+                         "\r\n\r\n" + body);
+        }
     }
 };
 
