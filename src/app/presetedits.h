@@ -56,6 +56,10 @@ public:
     /// step.
     void fieldEdited(const std::shared_ptr<Preset> &preset, Field field, const FieldValue &before,
                      const FieldValue &now);
+    /// Called with the rows of presets that have come back, or changed back, because a step was undone or
+    /// made again. May be empty.
+    void setShowRows(const std::function<void(const IndexList &rows)> &show) { m_showRows = show; }
+
     /// Something else was done or undone: the next change of a field is a step of its own.
     void endRun() { m_run.reset(); }
 
@@ -67,11 +71,13 @@ private:
         FieldValue now;
     };
 
+    bool restore(const Presets &presets);
     bool exchange(const Run &run, const FieldValue &expected, const FieldValue &wanted) const;
 
     List &m_list;
     const Record m_record;
     const RememberLinks m_rememberLinks;
+    std::function<void(const IndexList &rows)> m_showRows;
     std::shared_ptr<Run> m_run; ///< that the next change of its field joins
     QTimer m_pause;             ///< since its last change
 };
@@ -101,14 +107,27 @@ void PresetEditsOf<Preset, Field>::edit(const QString &text, const std::function
     m_record(
         text,
         [this, before, putBackLinks] {
-            m_list.restore(before);
+            restore(before);
             putBackLinks();
             return true;
         },
-        [this, after] {
-            m_list.restore(after);
-            return true;
-        });
+        [this, after] { return restore(after); });
+}
+
+/// Makes these presets the list.
+template<class Preset, class Field>
+bool PresetEditsOf<Preset, Field>::restore(const Presets &presets)
+{
+    const Presets before = m_list.presets();
+    m_list.restore(presets);
+    IndexList rows; // of those that have come back
+    for (std::size_t row = 0; row < presets.size(); ++row) {
+        if (std::find(before.begin(), before.end(), presets[row]) == before.end())
+            rows.append(static_cast<int>(row));
+    }
+    if (m_showRows && !rows.isEmpty())
+        m_showRows(rows);
+    return true;
 }
 
 template<class Preset, class Field>
@@ -191,10 +210,12 @@ bool PresetEditsOf<Preset, Field>::exchange(const Run &run, const FieldValue &ex
                                             const FieldValue &wanted) const
 {
     const Presets &all = m_list.presets();
-    if (std::find(all.begin(), all.end(), run.preset) == all.end() ||
-        run.preset->value(run.field) != expected || expected == wanted)
+    const auto found = std::find(all.begin(), all.end(), run.preset);
+    if (found == all.end() || run.preset->value(run.field) != expected || expected == wanted)
         return false;
     run.preset->setValue(run.field, wanted);
+    if (m_showRows)
+        m_showRows({static_cast<int>(found - all.begin())});
     return true;
 }
 

@@ -28,7 +28,6 @@ public:
     /// What the engine reports as failures.
     void setFailureAlert(const std::optional<Alert> &alert) { m_failureAlert = alert; }
 
-    qint64 finishedCount() const { return m_finished; }
     const QStringList &writtenPaths() const { return m_written; }
     /// Every copy was written, with its own name and a visible watermark, and there is nothing to remark.
     bool isClean() const;

@@ -5,7 +5,9 @@
 #include "platform/filenames.h"
 
 #include <QDeadlineTimer>
+#include <QDir>
 #include <QFileInfo>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -34,6 +36,14 @@ struct Kind {
     qint64 sampledPhotoBytes = 0;
     qint64 sampledBytes = 0;
 };
+
+/// On the disk: the usual folder of temporary files may be in the memory, and copies can be large.
+QString placeForCopies()
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+    QDir().mkpath(folder);
+    return folder + QStringLiteral("/estimate-XXXXXX");
+}
 
 qint64 fileSize(const ImageObject &photo)
 {
@@ -132,7 +142,7 @@ void SizeEstimate::begin()
     if (!m_next || m_pause.isActive() || m_job.isRunning())
         return;
     m_job.start([this, run = *std::exchange(m_next, {})] {
-        const QTemporaryDir folder;
+        const QTemporaryDir folder(placeForCopies());
         if (!folder.isValid())
             return false;
         std::vector<Kind> kinds = kindsOf(run);

@@ -52,6 +52,8 @@ public:
                                   const FieldValue &now) { edits.fieldEdited(preset, field, before, now); });
     }
 
+    ~ManagedPresetsOf() override { m_edits.setShowRows({}); }
+
     PresetListSignals &list() override { return m_edits.list(); }
     PresetListModelOf<Preset> &model() override { return m_model; }
     void showPictures(PresetListView &view) override
@@ -79,6 +81,11 @@ public:
     int remove(const IndexList &rows) override { return m_edits.remove(rows); }
     void move(const IndexList &rows, int toRow) override { m_edits.move(rows, toRow); }
     void step(const IndexList &rows, Step step) override { m_edits.step(rows, step); }
+
+    void setShowRows(const std::function<void(const IndexList &rows)> &show) override
+    {
+        m_edits.setShowRows(show);
+    }
 
     void importExamples() override
     {

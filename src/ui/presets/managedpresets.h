@@ -6,6 +6,7 @@
 #include "platform/result.h"
 #include "presets/presetsstore.h"
 
+#include <functional>
 #include <memory>
 
 class QWidget;
@@ -47,6 +48,9 @@ public:
     virtual int remove(const IndexList &rows) = 0;
     virtual void move(const IndexList &rows, int toRow) = 0;
     virtual void step(const IndexList &rows, Step step) = 0;
+
+    /// Of PresetEdits; until this object is destroyed.
+    virtual void setShowRows(const std::function<void(const IndexList &rows)> &show) = 0;
 
     virtual void importExamples() = 0;
     /// Writes these presets to a file of their own.

@@ -250,6 +250,7 @@ void PresetsManagerWindow::connectList()
         if (row == m_editedRow)
             showName();
     });
+    m_presets->setShowRows([this](const IndexList &rows) { selectRows(rows); });
     // The rows of the selected presets change without a change of the selection.
     const auto changed = [this](auto signal) {
         connect(&m_presets->list(), signal, this, &PresetsManagerWindow::showSelection);
@@ -299,15 +300,16 @@ void PresetsManagerWindow::hideEvent(QHideEvent *event)
 
 void PresetsManagerWindow::createNewPreset()
 {
-    selectBlock(m_presets->insertNew(m_list->selectedRows()), 1);
+    selectRows({m_presets->insertNew(m_list->selectedRows())});
     m_nameField->setFocus();
     m_nameField->selectAll();
 }
 
 void PresetsManagerWindow::duplicatePresets()
 {
-    const IndexList rows = m_list->selectedRows();
-    selectBlock(m_presets->duplicate(rows), static_cast<int>(rows.size()));
+    IndexList rows = m_list->selectedRows();
+    std::iota(rows.begin(), rows.end(), m_presets->duplicate(rows));
+    selectRows(rows);
 }
 
 void PresetsManagerWindow::removePresets()
@@ -382,11 +384,9 @@ void PresetsManagerWindow::importExamplePresets()
     m_list->scrollTo(m_list->model()->index(before, 0), QAbstractItemView::PositionAtTop);
 }
 
-void PresetsManagerWindow::selectBlock(int first, int count)
+void PresetsManagerWindow::selectRows(const IndexList &rows)
 {
     m_searchField->clear(); // which might hide them
-    IndexList rows(count);
-    std::iota(rows.begin(), rows.end(), first);
     m_list->selectRows(rows);
 }
 

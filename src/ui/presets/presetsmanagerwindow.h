@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "app/indexlist.h"
 #include "presets/presetsstore.h"
 
 #include <QWidget>
@@ -46,7 +47,7 @@ public:
     /// Shows the window in front.
     void present();
     /// Selects this row and scrolls to it, whatever is searched for.
-    void selectRow(int row) { selectBlock(row, 1); }
+    void selectRow(int row) { selectRows({row}); }
 
 Q_SIGNALS:
     void shownChanged();
@@ -77,7 +78,7 @@ private:
     void importExamplePresets();
     void startSearch();
 
-    void selectBlock(int first, int count);
+    void selectRows(const IndexList &rows);
     void showSelection();
     void showName();
     void updateActions();

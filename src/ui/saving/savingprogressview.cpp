@@ -153,9 +153,10 @@ void SavingProgressView::showRemainingTime()
             text = tr("A few seconds left");
         else if (*seconds < kMinute)
             text = tr("Less than a minute left");
+        else if (const qint64 minutes = (*seconds + kMinute / 2) / kMinute; minutes == 1)
+            text = tr("About a minute left");
         else
-            text =
-                tr("About %n minute(s) left", nullptr, static_cast<int>((*seconds + kMinute / 2) / kMinute));
+            text = tr("About %n minutes left", nullptr, static_cast<int>(minutes));
     }
     m_remaining->setText(text);
 }

@@ -154,7 +154,9 @@ private Q_SLOTS:
         QCOMPARE(f.list().selectedRows(), IndexList({2}));
 
         // Undone in the order in which it was done; the typed letters of the name are one step.
-        f.undo(3);
+        f.undo();
+        QCOMPARE(f.list().selectedRows(), IndexList({2, 3, 4})); // what has come back
+        f.undo(2);
         QCOMPARE(f.shown(), u"Logo Hello New Text"_qs);
         f.undo();
         QCOMPARE(f.shown(), u"Logo Hello New Preset Text"_qs);
