@@ -6,6 +6,7 @@
 #include "metadata/propertyvalues.h"
 
 #include <QCoreApplication>
+#include <QSet>
 
 #include <algorithm>
 #include <utility>
@@ -23,9 +24,8 @@ QStringList keywordsOf(const ImageMetadata &metadata)
 
 } // namespace
 
-MetadataEditing::MetadataEditing(Record record, Show show)
-    : m_record(std::move(record))
-    , m_show(std::move(show))
+MetadataEditing::MetadataEditing(Services services)
+    : m_services(std::move(services))
 {
 }
 
@@ -97,11 +97,27 @@ MetadataEditing::Keywords MetadataEditing::keywords() const
     return keywords;
 }
 
+QStringList MetadataEditing::knownKeywords() const
+{
+    QSet<QString> words;
+    for (const std::shared_ptr<ImageObject> &image : m_services.allImages()) {
+        const std::optional<ImageMetadata> metadata = image->metadata();
+        for (const QString &word : metadata ? keywordsOf(*metadata) : QStringList())
+            words.insert(word);
+    }
+    QStringList sorted(words.cbegin(), words.cend());
+    std::sort(sorted.begin(), sorted.end(),
+              [](const QString &a, const QString &b) { return a.localeAwareCompare(b) < 0; });
+    return sorted;
+}
+
 void MetadataEditing::setValue(MetadataProperty property, const QVariant &value)
 {
     const QString label = QCoreApplication::translate("ImageMetadata", metadataProperty(property).label);
-    edit(tr("Edit %1").arg(label),
-         [property, &value](ImageMetadata &metadata) { metadata.setValue(property, value); });
+    edit(tr("Edit %1").arg(label), [property, &value](ImageMetadata &metadata) {
+        if (!samePropertyValue(metadata.value(property), value)) // else a list would lose its other elements
+            metadata.setValue(property, value);
+    });
 }
 
 void MetadataEditing::setKeywords(const QStringList &before, const QStringList &now)
@@ -140,7 +156,7 @@ void MetadataEditing::edit(const QString &text, const Change &change)
     }
     if (edits->empty())
         return;
-    m_record(
+    m_services.record(
         text, [this, edits] { return exchange(*edits, &Edit::after, &Edit::before); },
         [this, edits] { return exchange(*edits, &Edit::before, &Edit::after); });
 }
@@ -157,7 +173,7 @@ bool MetadataEditing::exchange(const Edits &edits, ImageMetadata Edit::*expected
         changed.push_back(edit.image);
     }
     if (!changed.empty())
-        m_show(changed);
+        m_services.show(changed);
     return !changed.empty();
 }
 

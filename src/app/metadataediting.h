@@ -23,13 +23,16 @@ public:
     /// As UndoHistory::record().
     using Record = std::function<void(const QString &text, const std::function<bool()> &restore,
                                       const std::function<bool()> &repeat)>;
-    /// Shows photos whose edit is undone or redone.
-    using Show = std::function<void(const ImageList &images)>;
+    struct Services {
+        Record record;
+        std::function<void(const ImageList &images)> show; ///< photos whose edit is undone or redone
+        std::function<ImageList()> allImages;              ///< of the working set
+    };
     /// Reads one fact of a photo.
     using Reader = std::function<QVariant(const ImageMetadata &)>;
     using Change = std::function<void(ImageMetadata &)>;
 
-    MetadataEditing(Record record, Show show);
+    explicit MetadataEditing(Services services);
 
     /// The photos to edit, in the order of the list.
     void setImages(const ImageList &images);
@@ -50,6 +53,8 @@ public:
         bool isMultiple = false; ///< some photos have others, too
     };
     Keywords keywords() const;
+    /// Those of all photos of the working set, in alphabetical order.
+    QStringList knownKeywords() const;
 
     /// Sets one field of all photos; an invalid value removes it. Nothing happens where it is the same.
     void setValue(MetadataProperty property, const QVariant &value);
@@ -74,8 +79,7 @@ private:
     bool exchange(const Edits &edits, ImageMetadata Edit::*expected, ImageMetadata Edit::*wanted) const;
     void scheduleChanged();
 
-    const Record m_record;
-    const Show m_show;
+    const Services m_services;
     ImageList m_images;
     std::vector<QMetaObject::Connection> m_connections; ///< with the photos
     bool m_isChangeScheduled = false;

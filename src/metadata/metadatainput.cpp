@@ -136,7 +136,8 @@ QString textOfMetadata(MetadataProperty property, const QVariant &value, const Q
     if (!value.isValid() || !isNumber || !isOfNumbers)
         return value.toString();
     const QLatin1StringView unit = unitOf(property);
-    const QString text = numberText(number, locale);
+    const bool isReal = value.typeId() == QMetaType::Double || value.typeId() == QMetaType::Float;
+    const QString text = isReal ? numberText(number, locale) : value.toString(); // long ones exceed a double
     return unit.isEmpty() ? text : text + u' ' + unit;
 }
 
