@@ -5,10 +5,13 @@
 #include "support/datarows.h"
 #include "support/files.h"
 #include "support/photofolder.h"
+#include "support/picturedifference.h"
+#include "support/programs.h"
 #include "support/testenvironment.h"
 #include "support/testpictures.h"
 #include "support/testservices.h"
 
+#include <QImageReader>
 #include <QTest>
 #include <QtEndian>
 
@@ -119,6 +122,42 @@ private:
         return writeCopy(order, m_services.all);
     }
 
+    /// A recompressed copy is at least as close to its photo as a rendered one, and both have the same
+    /// metadata and thumbnail.
+    /// @param rect           of the mark, origin at the bottom left
+    /// @param keepsSampling  does the quality keep the chroma sampling of a rendered copy?
+    void compareCopies(const QString &photo, const QString &copy, const QString &rendered, QRectF rect,
+                       bool keepsSampling)
+    {
+        QImageReader reader(photo);
+        reader.setAutoTransform(true);
+        const QImage original = reader.read();
+        const QImage picture(copy);
+        const QRect hole = QRectF(rect.x(), picture.height() - rect.bottom(), rect.width(), rect.height())
+                               .toAlignedRect()
+                               .adjusted(-40, -40, 40, 40);
+        // Where most coefficients are halfway between two steps, as from quality 90 to 80, the rounding of
+        // the pixels decides for the nearer one.
+        QVERIFY(differenceOf(original, picture, hole).psnr() >
+                differenceOf(original, QImage(rendered), hole).psnr() - 0.2);
+
+        const char *metadata = keepsSampling ? "exiftool -a -G1 -s -n --ThumbnailImage --System:all %1"
+                                             : "exiftool -a -G1 -s -n --ThumbnailImage --System:all "
+                                               "--YCbCrSubSampling %1";
+        QCOMPARE(outputOf(metadata, copy), outputOf(metadata, rendered));
+        const char *thumbnail = "exiftool -b -ThumbnailImage %1";
+        const QImage own = QImage::fromData(outputOf(thumbnail, copy));
+        const QImage expected = QImage::fromData(outputOf(thumbnail, rendered));
+        QCOMPARE(own.size(), expected.size());
+        if (own.isNull())
+            return;
+        QVERIFY2(meanDifference(own, expected) < 12,
+                 qPrintable(QString::number(meanDifference(own, expected))));
+        const QPointF middle(rect.center().x(), picture.height() - rect.center().y());
+        const QColor color = own.pixelColor((middle * own.width() / picture.width()).toPoint());
+        QVERIFY2(color.red() > color.blue() + 60, qPrintable(color.name()));
+    }
+
     static void addPhotos()
     {
         for (const char *photo :
@@ -211,6 +250,65 @@ private Q_SLOTS:
         QVERIFY2(reads.bytes < 1'000'000, qPrintable(QString::number(reads.bytes)));
     }
 
+    void recompressedCopies_data()
+    {
+        using Photo = Row<bool>;
+        addRows<Photo>({{"apple-iphone-5.jpg", true}, // half turn
+                        {"canon-eos-450d.jpg", true},
+                        {"canon-s5-furnace-creek.jpg", true},
+                        {"canon-sx60-orientation-6.jpg", true},
+                        {"fujifilm-mx-2900-440.jpg", true},
+                        {"htc-desire.jpg", true},
+                        {"jupiter-iptc-creator-contact.jpg", true},
+                        {"nikon-d60.jpg", true},
+                        {"panasonic-dmc-lc70-progressive.jpg", true},
+                        {"pentax-ist-d.jpg", true},
+                        {"samsung-galaxy-s4.jpg", true},
+                        {"sony-dsc-hx5v-gps.jpg", true},
+                        {"adobe-rgb-uss-reagan.jpg", false},
+                        {"canon-powershot-a85-orientation-8.jpg", false}, // an incomplete MCU
+                        {"cmyk-derived.jpg", false},
+                        {"display-p3-iphone-13-mini.jpg", false},
+                        {"gray-concert.jpg", false}, // with a profile
+                        {"nokia-n70-nonsquare-density.jpg", false},
+                        {"olympus-e-p3.jpg", false}}); // Adobe RGB by its EXIF
+    }
+    void recompressedCopies()
+    {
+        PLEXA_NEEDS_PHOTOS();
+        const auto [name, isPossible] = currentRow<Row<bool>>();
+        const QString photo = realPhoto(u"jpeg/"_qs + name);
+        WPresetValues mark = WPresetValues::forNewPreset(m_services.fonts);
+        mark.textTokens = {u"x"_qs};
+        mark.width = 12;
+        mark.widthUnit = u"% of width"_qs;
+        mark.background = true;
+        mark.backgroundFullWidth = false;
+        mark.backgroundColor = Qt::red;
+        mark.backgroundOpacity = 100;
+        for (const double quality : {0.8, 1.0}) {
+            CopyOrder order;
+            order.path = order.readPath = photo;
+            order.targetType = u"image/jpeg"_qs;
+            order.quality = quality;
+            order.marks = {{mark}};
+            order.target = {m_folder.path("recompressed.jpg"), AtomicFile::IfExists::Replace};
+            const Result<CopyReport> copy = writeCopy(order, m_services.all);
+            order.target.path = m_folder.path("rendered.jpg");
+            order.rules.rendersAll = true;
+            const Result<CopyReport> rendered = writeCopy(order, m_services.all);
+            QVERIFY(copy && rendered);
+            QVERIFY(!rendered->isRecompressed);
+            QCOMPARE(copy->isRecompressed, isPossible);
+            QCOMPARE(copy->size, rendered->size);
+            QCOMPARE(copy->notices, rendered->notices);
+            QCOMPARE(copy->dropped, rendered->dropped);
+            if (isPossible)
+                compareCopies(photo, m_folder.path("recompressed.jpg"), m_folder.path("rendered.jpg"),
+                              *rendered->rects.front(), quality > 0.9);
+        }
+    }
+
     void writtenCopiesAreRecognized()
     {
         const QString photo = m_folder.path("plain.png");
@@ -229,5 +327,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(CopyWriterTest)
+QTEST_MAIN(CopyWriterTest)
 #include "copywriter_test.moc"

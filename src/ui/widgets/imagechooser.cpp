@@ -5,6 +5,7 @@
 #include "imageio/imageformat.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -60,8 +61,8 @@ void chooseImages(ChooserKind kind, QWidget *window, std::function<void(const QS
                                                   : translated(QT_TRANSLATE_NOOP("ImageChooser", "Add")));
     dialog->setOption(QFileDialog::HideNameFilterDetails);
     dialog->setOption(QFileDialog::ReadOnly); // else Delete removes originals
-    if (QFileInfo(lastFolder).isDir())
-        dialog->setDirectory(lastFolder);
+    dialog->setDirectory(QFileInfo(lastFolder).isDir() ? lastFolder : QDir::homePath());
+    dialog->resize(840, 560); // room for the columns
     QObject::connect(dialog, &QDialog::accepted, dialog, [dialog, chosen = std::move(chosen)] {
         lastFolder = dialog->directory().absolutePath();
         chosen(dialog->selectedFiles());

@@ -144,10 +144,9 @@ MessagePage *MainWindow::makeEmptyPage()
     auto *const page = new MessagePage(QStringLiteral("drop-photos"));
     page->setObjectName(QStringLiteral("emptyPage"));
     page->setTitle(tr("Drop photos or folders here"));
-    page->setExplanation(tr("The grid holds up to %1 photos, the list any number.\n"
-                            "Your originals are never changed: %2 saves watermarked copies.")
-                             .arg(ImageSet::kMaxImagesInBrowserMode)
-                             .arg(applicationName()));
+    page->setExplanation(
+        tr("Your originals stay as they are. The grid holds up to %1 photos, the list any number.")
+            .arg(ImageSet::kMaxImagesInBrowserMode));
     page->setIsDropTarget(true);
     for (const auto &[id, name] : {std::pair(ActionId::AddImages, "emptyPageAddPhotosButton"),
                                    {ActionId::AddFolder, "emptyPageAddFolderButton"}}) {
