@@ -293,6 +293,8 @@ void ImageMetadataPanel::toggle()
         close();
         return;
     }
+    if (m_services.controller.imageSet().selection().selectedIndexes().isEmpty())
+        return;
     show();
     raise();
     activateWindow();

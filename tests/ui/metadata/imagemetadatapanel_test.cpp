@@ -420,7 +420,8 @@ private:
             if (fact.property() == row.property)
                 tags += fact.places();
         }
-        tags.removeAll(u"XMP-xmp:CreatorTool"_qs); // is written alone
+        // Other names in XMP, which are written and not read.
+        tags.removeIf([](const QString &tag) { return tag.startsWith(u"XMP-xmp:"); });
         QStringList texts;
         for (const QString &tag : std::as_const(tags)) {
             if (record.contains(tag))
