@@ -17,7 +17,7 @@ namespace
 {
 
 // Of a number field: its longest usual text, and what is beside that.
-const QString kLongestNumber = QStringLiteral("00000");
+const QString kLongestNumber = QStringLiteral("0000");
 constexpr int kStepperWidth = 32;
 
 /// Swallows the wheel events of controls that do not have the focus, so that their panel scrolls.

@@ -5,6 +5,7 @@
 #include "ui/widgets/colorwell.h"
 #include "ui/widgets/elidedlabel.h"
 #include "ui/widgets/filedrops.h"
+#include "ui/widgets/messagepage.h"
 #include "ui/window/messageboxalerts.h"
 
 #include <QAbstractButton>
@@ -397,6 +398,8 @@ private Q_SLOTS:
     void filesAreDroppedAnywhere()
     {
         ShownWindow f;
+        auto &emptyPage = f.find<MessagePage>("emptyPage");
+        const QImage calm = emptyPage.grab().toImage();
         QMimeData files;
         const QUrl folder = QUrl::fromLocalFile(f.files.photo("folder/a.png")).adjusted(QUrl::RemoveFilename);
         files.setUrls({folder, QUrl(u"https://www.example.com/a.jpg"_qs)});
@@ -423,11 +426,13 @@ private Q_SLOTS:
             QCOMPARE(entered(photos, both), Qt::IgnoreAction);
             QCOMPARE(entered(files, Qt::MoveAction), Qt::IgnoreAction);
             QCOMPARE(entered(files, both), Qt::CopyAction);
+            QCOMPARE(emptyPage.isVisible() && emptyPage.grab().toImage() != calm, count == 0);
             // The source of the drag must not remove the files.
             QVERIFY(send(QDropEvent(QPoint(20, 20), both, &files, Qt::NoButton, {})) != Qt::MoveAction);
             ++count;
             QTRY_COMPARE(f.set.images()->size(), count);
             QTRY_VERIFY(isIdle(f.controller.gathering()));
+            QTRY_COMPARE(f.find<ElidedLabel>("statusHint").text(), u"Import finished"_qs);
             // Presets go to the list, unless the stop button comes first. They are read in the background.
             QMimeData presets;
             presets.setUrls({QUrl::fromLocalFile(presetsFile)});
