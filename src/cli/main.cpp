@@ -4,6 +4,7 @@
 #include "cli/inspectcommand.h"
 #include "cli/interruption.h"
 #include "cli/listcommands.h"
+#include "cli/manualpage.h"
 #include "cli/messages.h"
 #include "cli/presetscommand.h"
 #include "cli/savecommand.h"
@@ -65,6 +66,15 @@ int run(int argc, char **argv)
     CLI::App *fieldsCommand = addFieldsCommand(program, fields);
     ListOptions tokens;
     CLI::App *tokensCommand = addTokensCommand(program, tokens);
+    program
+        .add_flag_callback(
+            "--manual",
+            [&program] {
+                printLine(stdout, manualPage(program).chopped(1));
+                throw CLI::Success();
+            },
+            "Print the manual page")
+        ->group(""); // for the build
     if (const char *const empty = emptyAssignment(argc, argv)) {
         printMessage(
             QStringLiteral("%1 there is nothing after the equal sign").arg(QFile::decodeName(empty)));

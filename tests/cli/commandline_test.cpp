@@ -311,6 +311,12 @@ private Q_SLOTS:
                  "                          offsetVerticalUnit; default: 1\n");
         QVERIFY(run("tokens").out.contains("\n  filename              IMG_4211\n"));
         QCOMPARE(run("fields nope").status, 2);
+        const ProgramRun manual = run("--manual");
+        QCOMPARE(manual.status, 0);
+        for (const char *part : {".SS presets\n", "\\fB\\-o\\fR, \\fB\\-\\-output\\fR \\fIDIR\\fR\n",
+                                 "\\fBtiffCompressionLZW\\fR\n", "\\fB{watermark preset name}\\fR\n"})
+            QVERIFY2(manual.out.contains(part), part);
+        QVERIFY(!manual.out.contains("DejaVu"));
         for (const char *command : {"--help", "save --help", "inspect --help", "presets --help",
                                     "fields --help", "tokens --help", "fields"}) {
             const ProgramRun printed = run(command);

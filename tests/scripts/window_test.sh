@@ -61,6 +61,14 @@ picture empty
 timeout 20 "$plexa" "$samples/apple.png" "$samples/still-life.jpg" || fail 'the second start did not hand over'
 picture grid
 differ empty grid
+# The action of the desktop file asks for photos.
+timeout 20 "$plexa" --add-photos || fail 'the action was not handed over'
+wait_until 'the action did not ask for photos' xdotool search --onlyvisible --name '^Add Photos'
+chooser=$(xdotool search --onlyvisible --name '^Add Photos' | tail -n 1)
+xdotool windowfocus --sync "$chooser" key Escape
+no_chooser() { ! xdotool search --onlyvisible --name '^Add Photos'; }
+wait_until 'the question for photos stayed' no_chooser
+xdotool windowfocus --sync "$window"
 xdotool key ctrl+b # the table
 picture two
 differ grid two

@@ -62,6 +62,8 @@ DesktopApplication::DesktopApplication(ApplicationService &service)
     // Queued: the sender waits for the reply of the call, which must not wait for the user.
     connect(&m_service, &ApplicationService::opened, &m_delegate, &AppDelegate::openFiles,
             Qt::QueuedConnection);
+    connect(&m_service, &ApplicationService::actionWanted, this, &DesktopApplication::runAction,
+            Qt::QueuedConnection);
     m_window.actions().setHandler(ActionId::Feedback,
                                   [] { QDesktopServices::openUrl(AppDelegate::feedbackPage()); });
 }
@@ -80,6 +82,13 @@ void DesktopApplication::launch(const QStringList &paths)
     m_delegate.applicationDidFinishLaunching();
     if (!paths.isEmpty())
         m_delegate.openFiles(paths);
+}
+
+void DesktopApplication::runAction(const QString &name)
+{
+    m_window.present();
+    if (name == QLatin1StringView(kAddPhotosAction))
+        m_window.actions().run(ActionId::AddImages);
 }
 
 void DesktopApplication::windowClosed()

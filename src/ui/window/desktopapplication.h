@@ -16,6 +16,9 @@ namespace plexa
 
 class ApplicationService;
 
+/// The action of the desktop file, and the option of the command line.
+inline constexpr char kAddPhotosAction[] = "add-photos";
+
 /// The program with its window: creates and connects the objects, launches and quits.
 class DesktopApplication final : public QObject
 {
@@ -28,6 +31,9 @@ public:
 
     /// Shows the window and opens the files.
     void launch(const QStringList &paths);
+
+    /// Carries out an action of the desktop file: shows the window and asks for photos. Ignores other names.
+    void runAction(const QString &name);
 
     /// Quits without a question; copies that were begun are completed.
     void terminate();
