@@ -335,11 +335,17 @@ Result<PhotoFacts> LoadedPhoto::readFacts() const
             return tl::unexpected(properties.error());
         const ImageMetadata inFile(*properties);
         const Uprighting uprighting = uprightingOf(source->info().rows.size, inFile, 1, m_services.limits);
-        return PhotoFacts(path(), metadata().value_or(inFile), uprighting.size(), uprighting.unscaledSize(),
-                          m_services.locale);
+        return PhotoFacts(path(), metadata().value_or(editedMetadata(inFile)), uprighting.size(),
+                          uprighting.unscaledSize(), m_services.locale);
     } catch (const std::bad_alloc &) {
         return fail(outOfMemoryText());
     }
+}
+
+ImageMetadata LoadedPhoto::editedMetadata(const ImageMetadata &inFile) const
+{
+    const std::lock_guard lock(m_stateLock);
+    return m_file.edited(inFile);
 }
 
 void LoadedPhoto::release()
@@ -397,6 +403,12 @@ std::optional<ImageMetadata> LoadedPhoto::metadata() const
 {
     const std::lock_guard lock(m_stateLock);
     return m_file.metadata();
+}
+
+void LoadedPhoto::setMetadataEdit(const MetadataEdit &edit)
+{
+    const std::lock_guard lock(m_stateLock);
+    m_file.setEdit(edit);
 }
 
 void LoadedPhoto::setMetadata(const ImageMetadata &metadata)
@@ -474,6 +486,7 @@ Result<CopyReport> LoadedPhoto::writeCopyOf(const std::optional<FileVersion> &ve
             order.marks.push_back({preset.values, m_origins.originFor(preset.preset.get())});
         const PhotoVersion::Edits edits = m_file.editsOf(version);
         order.metadata = edits.metadata;
+        order.metadataEdit = m_file.edit();
         order.turns = edits.turns;
         if (m_hasImage)
             order.version = version;

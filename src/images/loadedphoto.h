@@ -73,6 +73,7 @@ public:
 
     std::optional<ImageMetadata> metadata() const;
     void setMetadata(const ImageMetadata &metadata);
+    void setMetadataEdit(const MetadataEdit &edit);
 
     void release();
     enum class Pictures { Thumbnail, All };
@@ -110,6 +111,7 @@ private:
     void removeCachedPixels() const { m_services.cache.remove(m_key), m_services.cache.remove(m_reducedKey); }
     void dropPictures();
     PhotoFacts lockedFacts() const;
+    ImageMetadata editedMetadata(const ImageMetadata &inFile) const;
 
     const PhotoServices &m_services;
     const std::function<void(const Changes &)> m_announce;
