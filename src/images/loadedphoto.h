@@ -111,7 +111,6 @@ private:
     void removeCachedPixels() const { m_services.cache.remove(m_key), m_services.cache.remove(m_reducedKey); }
     void dropPictures();
     PhotoFacts lockedFacts() const;
-    ImageMetadata editedMetadata(const ImageMetadata &inFile) const;
 
     const PhotoServices &m_services;
     const std::function<void(const Changes &)> m_announce;
