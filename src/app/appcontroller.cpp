@@ -27,6 +27,9 @@ AppController::AppController(const Services &services)
     , m_positions(m_status, services.threads)
     , m_batchOperation(m_status, services.threads)
     , m_history({m_imageSet, m_gathering, m_appliedPresets, services.store, m_positions, m_batchOperation})
+    , m_metadata({[this](const auto &...step) { m_history.record(step...); },
+                  [this](const ImageList &images) { m_history.show(images); },
+                  [this] { return *m_imageSet.images(); }})
     , m_save({m_status, services.alerts, services.defaults, services.threads})
 {
     connectChanges();

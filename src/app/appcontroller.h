@@ -10,6 +10,7 @@
 #include "app/imageset.h"
 #include "app/imagesorting.h"
 #include "app/manualpositions.h"
+#include "app/metadataediting.h"
 #include "app/presetcommands.h"
 #include "app/presetedits.h"
 #include "app/statusmanager.h"
@@ -44,6 +45,8 @@ public:
     ImageSorting &sorting() { return m_sorting; }
     AppliedPresets &appliedPresets() { return m_appliedPresets; }
     ManualPositions &manualPositions() { return m_positions; }
+    /// The metadata of the photos that the metadata window shows.
+    MetadataEditing &metadataEditing() { return m_metadata; }
     UndoHistory &undoHistory() { return m_history; }
     BatchSave &batchSave() { return m_save; }
     PresetsStore &presetsStore() { return m_services.store; }
@@ -123,6 +126,7 @@ private:
     ManualPositions m_positions;
     BatchImageOperation m_batchOperation;
     UndoHistory m_history;
+    MetadataEditing m_metadata;
     BatchSave m_save; // handles events when it is destroyed: before the others
 };
 
