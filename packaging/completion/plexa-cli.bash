@@ -4,6 +4,7 @@
 # Completion of plexa-cli for bash, with the functions of bash-completion. The program names the words.
 
 _plexa_cli() {
+    # shellcheck disable=SC2034 # _init_completion sets all
     local cur prev words cword
     _init_completion -n =: || return
 

@@ -7,6 +7,7 @@
 #include "cli/messages.h"
 #include "cli/presetfiles.h"
 #include "cli/saveoptions.h"
+#include "metadata/metadataclearings.h"
 #include "platform/fontcatalog.h"
 
 #include <QFileInfo>
@@ -90,12 +91,12 @@ Words valuesOf(const FieldRow &field)
 }
 
 /// "FIELD=", or the values of the field that `current` names.
-Words fieldArguments(const QString &current, bool ofWatermark)
+Words fieldArguments(const QString &current, FieldRow::Owner owner)
 {
     const FontCatalog fonts;
     Words words;
     for (const FieldRow &field : allFields(fonts)) {
-        if (field.isOfWatermark != ofWatermark)
+        if (field.owner != owner)
             continue;
         if (current.startsWith(field.name + u'='))
             return valuesOf(field);
@@ -153,8 +154,12 @@ Completions valuesOf(const CLI::Option &option, const QStringList &words)
     if (type == "DIR")
         return {Completions::Paths::Folders, {}};
     Completions found;
-    if (name == QLatin1StringView("--set") || name == QLatin1StringView("--save-set"))
-        found.words = fieldArguments(current, name == QLatin1StringView("--set"));
+    if (name == QLatin1StringView("--set"))
+        found.words = fieldArguments(current, FieldRow::Owner::Watermark);
+    else if (name == QLatin1StringView("--save-set"))
+        found.words = fieldArguments(current, FieldRow::Owner::SavingPreset);
+    else if (name == QLatin1StringView("--meta"))
+        found.words = fieldArguments(current, FieldRow::Owner::Metadata);
     else if (name == QLatin1StringView("--text") || name == QLatin1StringView("--name"))
         found.words = textsWithTokens(current, name == QLatin1StringView("--name"));
     else if (name == QLatin1StringView("--apply"))
@@ -163,6 +168,9 @@ Completions valuesOf(const CLI::Option &option, const QStringList &words)
         found.words = presetNames(words, QStringLiteral("--saving-presets"), PresetsStore::Kind::Saving);
     else if (name == QLatin1StringView("--format"))
         found.words = wordsOf(savingPresetField(SavingField::ImageFormat).limits().choices);
+    else if (name == QLatin1StringView("--clear"))
+        for (const MetadataClearingRow &row : metadataClearings())
+            found.words.append({row.name, {}});
     else if (name == QLatin1StringView("--conflict"))
         for (const std::string &choice : conflictChoices())
             found.words.append({QString::fromStdString(choice), {}});

@@ -23,6 +23,8 @@ cases=(
     'plexa-cli save --set anchorP' 'plexa-cli save --set anchorPoint='
     'plexa-cli save --set type=I' 'plexa-cli save --set type=Image '
     'plexa-cli save --set=type=I' 'plexa-cli save --set=type=Image '
+    'plexa-cli save --meta iptcCi' 'plexa-cli save --meta iptcCity='
+    'plexa-cli save --clear gp' 'plexa-cli save --clear gps '
     'plexa-cli save --conflict=o' 'plexa-cli save --conflict=overwrite '
     "plexa-cli save --text '© {creator} in {sublo" "plexa-cli save --text '© {creator} in {sublocation}"
     "plexa-cli save --apply 'Caption" "plexa-cli save --apply 'Caption bar' "
