@@ -12,6 +12,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTabWidget>
 
 using namespace plexa;
@@ -208,6 +209,26 @@ private Q_SLOTS:
             QCOMPARE(f.line("iptcCity").text(), u"Bonn"_qs);
     }
 
+    /// Also where a control cannot show every character of a text.
+    void leavesTextsAlone()
+    {
+        Panel f({photo("-IPTC:City=Rome")});
+        ImageMetadata metadata = f.metadata(0);
+        metadata.setIptcDescription(u"one\u00A0two\r\nthree"_qs);
+        metadata.setIptcHeadline(u"one\ntwo\tthree"_qs);
+        (*f.set.images())[0]->setMetadata(metadata);
+        for (const MetadataPage &page : metadataPages())
+            f.showTab(page.id);
+        f.panel->commitEditing();
+        QVERIFY(f.metadata(0) == metadata);
+        f.showTab("IPTC");
+        f.type(f.line("iptcCity"), u"Os"_qs);
+        metadata.setIptcState(u"Lazio"_qs);
+        (*f.set.images())[0]->setMetadata(metadata);
+        f.settle(); // what the user types stays
+        QCOMPARE(f.line("iptcCity").text(), u"Os"_qs);
+    }
+
     void closesInLargeBatchMode()
     {
         Panel f({photo("-IPTC:City=Rome")});
@@ -222,6 +243,24 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowActive(f.panel.get()));
         QTest::keyClick(f.panel.get(), Qt::Key_W, Qt::ControlModifier);
         QVERIFY(!f.panel->isVisible());
+    }
+
+    /// Texts on thumbnails and names of copies have the new value at once.
+    void tokensFollow()
+    {
+        Panel f({photo("-IPTC:City=Rome")});
+        SavingPreset &saving = *f.files.store.quickSavingPreset();
+        const QStringList tokens = saving.values().filenameTokens;
+        saving.setFilenameTokens({u"city"_qs});
+        f.controller.saveImages(AppController::Photos::All);
+        QLabel &names = f.find<QLabel>("exampleNames");
+        QVERIFY(names.text().contains(u"Rome.jpg"));
+        f.showTab("IPTC");
+        QSignalSpy changes((*f.set.images())[0].get(), &ImageObject::metadataChanged);
+        f.enter(f.line("iptcCity"), u"Oslo"_qs);
+        QTRY_VERIFY(names.text().contains(u"Oslo.jpg"));
+        QCOMPARE(changes.size(), 1);
+        saving.setFilenameTokens(tokens);
     }
 
     void copiesCarryEdits()
