@@ -4,9 +4,23 @@
 
 #include "cli/messages.h"
 #include "cli/runpresets.h"
+#include "metadata/imagemetadataproperties.h"
 
 namespace plexa
 {
+
+namespace
+{
+
+FieldKind kindOf(MetadataKind kind)
+{
+    if (kind == MetadataKind::Number)
+        return FieldKind::Float;
+    const bool isWhole = kind == MetadataKind::Integer || kind == MetadataKind::IntegerList;
+    return isWhole ? FieldKind::Integer : FieldKind::String;
+}
+
+} // namespace
 
 std::vector<FieldRow> allFields(const FontCatalog &fonts)
 {
@@ -15,16 +29,28 @@ std::vector<FieldRow> allFields(const FontCatalog &fonts)
     for (const WPresetField &field : wPresetFields()) {
         if (field.kind == FieldKind::SavingPreset) // cannot be set
             continue;
-        rows.push_back(
-            {field.name, true, field.kind, limitsOf(field), valueAsJson(field.value(watermark)), false});
+        rows.push_back({field.name, FieldRow::Owner::Watermark, field.kind, limitsOf(field),
+                        valueAsJson(field.value(watermark)), false});
         rows.back().isOfMachine = field.id == FieldId::Font || field.id == FieldId::TextTokens;
         if (field.id == FieldId::Font)
             rows.back().limits.choices = fonts.postScriptNames();
     }
     const SavingPresetValues saving = plainSavingPreset();
     for (const SavingPresetField &field : savingPresetFields())
-        rows.push_back(
-            {field.name, false, field.kind, field.limits(), valueAsJson(field.value(saving)), false});
+        rows.push_back({field.name, FieldRow::Owner::SavingPreset, field.kind, field.limits(),
+                        valueAsJson(field.value(saving)), false});
+    for (const MetadataPropertyRow &field : metadataProperties()) {
+        if (!field.isEditable)
+            continue;
+        FieldLimits limits;
+        limits.meaning = QString::fromUtf8(field.label);
+        if (field.kind == MetadataKind::DateTime)
+            limits.meaning += QStringLiteral(", as 2024-12-31 23:59:59");
+        else if (field.key == kCGImagePropertyIPTCKeywords)
+            limits.meaning += QStringLiteral(", separated by commas");
+        rows.push_back({QLatin1StringView(field.name), FieldRow::Owner::Metadata, kindOf(field.kind), limits,
+                        QJsonValue(), false});
+    }
     return rows;
 }
 
@@ -66,7 +92,7 @@ QString descriptionOf(const FieldRow &field, FieldText place)
                 limits.unit;
     if (!limits.meaning.isEmpty())
         text += QStringLiteral(" (%1)").arg(limits.meaning);
-    if (field.isOfMachine && place == FieldText::Manual)
+    if (field.owner == FieldRow::Owner::Metadata || (field.isOfMachine && place == FieldText::Manual))
         return text;
     return text + QStringLiteral("; default: ") +
            (field.initial.isNull() ? QStringLiteral("none") : QString::fromUtf8(jsonText(field.initial)));

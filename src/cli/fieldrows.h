@@ -12,17 +12,19 @@ namespace plexa
 
 class FontCatalog;
 
-/// One field of either kind of preset.
+/// One field of either kind of preset, or of the metadata.
 struct FieldRow {
+    enum class Owner { Watermark, SavingPreset, Metadata };
+
     QString name;
-    bool isOfWatermark = true;
+    Owner owner = Owner::Watermark;
     FieldKind kind = FieldKind::String;
     FieldLimits limits;
     QJsonValue initial;
     bool isOfMachine = false; ///< the default, and the names of fonts, are those of the machine
 };
 
-/// The fields that --set and --save-set can set, those of watermarks first.
+/// The fields that --set, --save-set and --meta can set, in this order.
 std::vector<FieldRow> allFields(const FontCatalog &fonts);
 
 QString nameOf(FieldKind kind);

@@ -13,6 +13,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <optional>
 
 namespace plexa
 {
@@ -23,21 +24,35 @@ QJsonObject jsonOf(const FieldRow &field)
 {
     const FieldLimits &limits = field.limits;
     const auto bound = [&](double number) { return limits.isBounded() ? QJsonValue(number) : QJsonValue(); };
-    return {{QStringLiteral("name"), field.name},
-            {QStringLiteral("preset"),
-             field.isOfWatermark ? QStringLiteral("watermark") : QStringLiteral("saving")},
-            {QStringLiteral("kind"), nameOf(field.kind)},
-            {QStringLiteral("unit"), orNull(limits.unit)},
-            {QStringLiteral("lowest"), bound(limits.lowest)},
-            {QStringLiteral("highest"), bound(limits.highest)},
-            {QStringLiteral("meaning"), orNull(limits.meaning)},
-            {QStringLiteral("values"), limits.choices.isEmpty()
-                                           ? QJsonValue()
-                                           : QJsonValue(QJsonArray::fromStringList(limits.choices))},
-            {QStringLiteral("default"), field.initial}};
+    return {
+        {QStringLiteral("name"), field.name},
+        {QStringLiteral("preset"),
+         QStringList{QStringLiteral("watermark"), QStringLiteral("saving"), QStringLiteral("metadata")}.at(
+             static_cast<int>(field.owner))},
+        {QStringLiteral("kind"), nameOf(field.kind)},
+        {QStringLiteral("unit"), orNull(limits.unit)},
+        {QStringLiteral("lowest"), bound(limits.lowest)},
+        {QStringLiteral("highest"), bound(limits.highest)},
+        {QStringLiteral("meaning"), orNull(limits.meaning)},
+        {QStringLiteral("values"),
+         limits.choices.isEmpty() ? QJsonValue() : QJsonValue(QJsonArray::fromStringList(limits.choices))},
+        {QStringLiteral("default"), field.initial}};
 }
 
-/// The fields of these names, of either preset; none if a name is not one of a field.
+QString titleOf(FieldRow::Owner owner)
+{
+    switch (owner) {
+    case FieldRow::Owner::Watermark:
+        return QStringLiteral("Fields of a watermark (--set FIELD=VALUE):\n");
+    case FieldRow::Owner::SavingPreset:
+        return QStringLiteral("\nFields of a saving preset (--save-set FIELD=VALUE):\n");
+    case FieldRow::Owner::Metadata:
+        break;
+    }
+    return QStringLiteral("\nFields of the metadata (--meta FIELD=VALUE):\n");
+}
+
+/// The fields of these names; none if a name is not one of a field.
 std::vector<FieldRow> namedFields(const std::vector<FieldRow> &all, const std::vector<std::string> &names)
 {
     std::vector<FieldRow> named;
@@ -63,7 +78,7 @@ std::vector<FieldRow> namedFields(const std::vector<FieldRow> &all, const std::v
 CLI::App *addFieldsCommand(CLI::App &program, ListOptions &options)
 {
     CLI::App *command = program.add_subcommand(
-        "fields", "List the fields of --set and --save-set: kinds, allowed values, defaults");
+        "fields", "List the fields of --set, --save-set and --meta: kinds, allowed values, defaults");
     command->add_flag("--json", options.json, "Print an array with an object for each field");
     command->add_option("NAME", options.names, "These fields only");
     return command;
@@ -79,13 +94,13 @@ int runFields(const ListOptions &options)
         return kWrongUsage;
     QJsonArray objects;
     QString text;
+    std::optional<FieldRow::Owner> owner;
     constexpr qsizetype kColumn = 26;
     for (const FieldRow &field : fields) {
         objects.append(jsonOf(field));
-        if (options.names.empty() && field.name == QLatin1StringView("name"))
-            text += field.isOfWatermark
-                        ? QStringLiteral("Fields of a watermark (--set FIELD=VALUE):\n")
-                        : QStringLiteral("\nFields of a saving preset (--save-set FIELD=VALUE):\n");
+        if (options.names.empty() && owner != field.owner)
+            text += titleOf(field.owner);
+        owner = field.owner;
         text += wrappedText(
             QStringLiteral("  ") + field.name,
             descriptionOf(field, options.names.empty() ? FieldText::InList : FieldText::Alone), kColumn);

@@ -139,12 +139,12 @@ QString commandsOf(const CLI::App &program)
     return text;
 }
 
-QString fieldsOf(bool isOfWatermark)
+QString fieldsOf(FieldRow::Owner owner)
 {
     const FontCatalog fonts;
     QString text;
     for (const FieldRow &field : allFields(fonts)) {
-        if (field.isOfWatermark == isOfWatermark)
+        if (field.owner == owner)
             text += entry(bold(escaped(field.name)), escaped(descriptionOf(field, FieldText::Manual)));
     }
     return text;
@@ -178,9 +178,11 @@ QString manualPage(const CLI::App &program)
                "completes the tokens of the text from its own metadata. Results go to the standard output, "
                "messages to the standard error.\n") +
            section("OPTIONS") + optionsOf(program) + section("COMMANDS") + commandsOf(program) +
-           section("FIELDS OF A WATERMARK") + QStringLiteral("For \\fB\\-\\-set\\fR.\n") + fieldsOf(true) +
-           section("FIELDS OF A SAVING PRESET") + QStringLiteral("For \\fB\\-\\-save\\-set\\fR.\n") +
-           fieldsOf(false) + section("TOKENS") +
+           section("FIELDS OF A WATERMARK") + QStringLiteral("For \\fB\\-\\-set\\fR.\n") +
+           fieldsOf(FieldRow::Owner::Watermark) + section("FIELDS OF A SAVING PRESET") +
+           QStringLiteral("For \\fB\\-\\-save\\-set\\fR.\n") + fieldsOf(FieldRow::Owner::SavingPreset) +
+           section("FIELDS OF THE METADATA") + QStringLiteral("For \\fB\\-\\-meta\\fR.\n") +
+           fieldsOf(FieldRow::Owner::Metadata) + section("TOKENS") +
            QStringLiteral("For \\fB\\-\\-text\\fR and \\fB\\-\\-name\\fR, each with an example.\n") +
            tokens(false) + QStringLiteral(".PP\nFor \\fB\\-\\-name\\fR only.\n") + tokens(true) +
            section("FILES") +

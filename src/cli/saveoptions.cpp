@@ -142,6 +142,18 @@ void addCopyOptions(OptionGroups &groups, SaveOptions &options)
     groups.addFlag("--no-creation-date", options.noCreationDate, "Do not copy the dates of the originals");
 }
 
+void addMetadataOptions(OptionGroups &groups, SaveOptions &options)
+{
+    groups.begin("Metadata of the copies");
+    groups.addRepeatable("--clear", options.cleared, "GROUP",
+                         "Leave out metadata: all, all-but-copyright, all-but-copyright-and-contact, gps, "
+                         "iptc or exif");
+    groups.addRepeatable(
+        "--meta", options.metadata, "FIELD=VALUE",
+        "Set a field of the metadata, as in --meta iptcCity=Rome; an empty VALUE removes it. "
+        "Tokens have the new value, too");
+}
+
 void addRunOptions(CLI::App &command, OptionGroups &groups, SaveOptions &options)
 {
     groups.begin("Photos");
@@ -208,6 +220,7 @@ CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options)
     OptionGroups groups(*command);
     addWatermarkOptions(groups, options);
     addCopyOptions(groups, options);
+    addMetadataOptions(groups, options);
     addRunOptions(*command, groups, options);
     command->set_help_flag("-h,--help", "Print this help")->group("Run");
     return command;

@@ -101,6 +101,9 @@ public:
     std::optional<ImageMetadata> metadata() const { return m_photo.metadata(); }
     /// Sets edited metadata, which copies will carry.
     void setMetadata(const ImageMetadata &metadata) { m_photo.setMetadata(metadata); }
+    /// Edits the metadata of each version of the file that is read from now on, also for a copy that is
+    /// written without loading the photo; empty: none.
+    void setMetadataEdit(const MetadataEdit &edit) { m_photo.setMetadataEdit(edit); }
 
     /// Forgets pixels, thumbnail and turns; the metadata stay. Waits for the processing lock.
     void releaseImagesData() { m_photo.release(); }

@@ -73,6 +73,7 @@ public:
 
     std::optional<ImageMetadata> metadata() const;
     void setMetadata(const ImageMetadata &metadata);
+    void setMetadataEdit(const MetadataEdit &edit);
 
     void release();
     enum class Pictures { Thumbnail, All };

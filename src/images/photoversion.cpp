@@ -13,6 +13,13 @@ void PhotoVersion::setMetadata(const ImageMetadata &metadata)
     m_isMetadataEdited = true;
 }
 
+ImageMetadata PhotoVersion::edited(ImageMetadata metadata) const
+{
+    if (m_edit)
+        m_edit(metadata);
+    return metadata;
+}
+
 void PhotoVersion::turn(ImageTransform transform)
 {
     m_turns = orientationAfter(m_turns, transform);
@@ -38,7 +45,7 @@ bool PhotoVersion::adopt(const Arrival &arrival, const ImageMetadata &metadata, 
     if (m_isMetadataEdited)
         m_metadata->setOrientation(metadata.orientationCorrected());
     else
-        m_metadata = metadata;
+        m_metadata = edited(metadata);
     m_turns = arrival.turns;
     const bool hadVersion = std::exchange(m_version, arrival.version).has_value();
     return std::exchange(m_uprighting, uprighting).size() != uprighting.size() && hadVersion;

@@ -110,7 +110,8 @@ public:
     QSize sizeHint() const override
     {
         const QFontMetrics metrics = fontMetrics();
-        return {metrics.horizontalAdvance(text()) + 3 * kPillPadding + kCrossSize,
+        // The width of a text is rounded, which must not cost its last letters.
+        return {metrics.horizontalAdvance(text()) + 1 + 3 * kPillPadding + kCrossSize,
                 metrics.height() + look::kSmallGap};
     }
 

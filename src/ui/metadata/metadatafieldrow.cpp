@@ -48,6 +48,9 @@ private:
     {
         label->setTextFormat(Qt::PlainText);
         label->setWordWrap(true);
+        QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+        policy.setHeightForWidth(true);
+        label->setSizePolicy(policy);
         label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
         label->setToolTip(MetadataFieldRow::tr("A fact of the file; it cannot be edited"));
     }

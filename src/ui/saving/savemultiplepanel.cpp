@@ -204,6 +204,9 @@ QWidget *SaveMultiplePanel::makePreset()
             &SaveMultiplePanel::otherPresetsChanged);
     connect(&store.savingPresetList(), &PresetListSignals::edited, this,
             &SaveMultiplePanel::otherPresetsChanged);
+    // The window of metadata may be open beside the panel.
+    connect(&m_services.controller.metadataEditing(), &MetadataEditing::changed, this,
+            &SaveMultiplePanel::otherPresetsChanged);
     follow();
     m_presetView->setObjectName(QStringLiteral("quickSavingPresetView"));
     m_presetView->setValueOnPhoto([this](const QString &token) -> std::optional<QString> {

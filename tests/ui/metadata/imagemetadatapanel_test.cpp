@@ -12,6 +12,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTabWidget>
 
 using namespace plexa;
@@ -222,6 +223,24 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowActive(f.panel.get()));
         QTest::keyClick(f.panel.get(), Qt::Key_W, Qt::ControlModifier);
         QVERIFY(!f.panel->isVisible());
+    }
+
+    /// Texts on thumbnails and names of copies have the new value at once.
+    void tokensFollow()
+    {
+        Panel f({photo("-IPTC:City=Rome")});
+        SavingPreset &saving = *f.files.store.quickSavingPreset();
+        const QStringList tokens = saving.values().filenameTokens;
+        saving.setFilenameTokens({u"city"_qs});
+        f.controller.saveImages(AppController::Photos::All);
+        QLabel &names = f.find<QLabel>("exampleNames");
+        QVERIFY(names.text().contains(u"Rome.jpg"));
+        f.showTab("IPTC");
+        QSignalSpy changes((*f.set.images())[0].get(), &ImageObject::metadataChanged);
+        f.enter(f.line("iptcCity"), u"Oslo"_qs);
+        QTRY_VERIFY(names.text().contains(u"Oslo.jpg"));
+        QCOMPARE(changes.size(), 1);
+        saving.setFilenameTokens(tokens);
     }
 
     void copiesCarryEdits()
