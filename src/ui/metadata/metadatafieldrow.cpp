@@ -3,7 +3,6 @@
 #include "ui/metadata/metadatafieldrow.h"
 
 #include "metadata/metadatainput.h"
-#include "metadata/metadatatext.h"
 #include "ui/editors/editorform.h"
 #include "ui/metadata/keywordsfield.h"
 #include "ui/widgets/look.h"
@@ -71,10 +70,11 @@ public:
     {
         const MetadataEditing::Common value = common();
         const QString text = row().text(value.value);
-        if (m_line->hasFocus() && m_line->text() != m_shown && text == m_shown)
+        if (m_line->hasFocus() && m_line->text() != m_shown && text == m_value)
             return; // the user is typing while another fact has changed
-        m_shown = text;
-        m_line->setText(m_shown);
+        m_value = text;
+        m_line->setText(text);
+        m_shown = m_line->text(); // the control changes some characters
         m_line->setCursorPosition(0);
         m_line->setPlaceholderText(value.isMultiple ? multipleValues() : QString());
     }
@@ -170,6 +170,7 @@ private:
 
     QLineEdit *const m_line;
     QToolButton *m_calendarButton = nullptr;
+    QString m_value; ///< of the photos
     QString m_shown;
 };
 
@@ -185,11 +186,12 @@ public:
     void refresh() override
     {
         const MetadataEditing::Common value = common();
-        const QString text = withXmlLineEnds(row().text(value.value)); // those of the control
-        if (m_edit->hasFocus() && m_edit->toPlainText() != m_shown && text == m_shown)
+        const QString text = row().text(value.value);
+        if (m_edit->hasFocus() && m_edit->toPlainText() != m_shown && text == m_value)
             return; // the user is typing while another fact has changed
-        m_shown = text;
-        m_edit->setPlainText(m_shown);
+        m_value = text;
+        m_edit->setPlainText(text);
+        m_shown = m_edit->toPlainText(); // the control changes some characters
         m_edit->setPlaceholderText(value.isMultiple ? multipleValues() : QString());
     }
 
@@ -238,6 +240,7 @@ private:
     }
 
     QPlainTextEdit *const m_edit;
+    QString m_value; ///< of the photos
     QString m_shown;
 };
 

@@ -209,6 +209,26 @@ private Q_SLOTS:
             QCOMPARE(f.line("iptcCity").text(), u"Bonn"_qs);
     }
 
+    /// Also where a control cannot show every character of a text.
+    void leavesTextsAlone()
+    {
+        Panel f({photo("-IPTC:City=Rome")});
+        ImageMetadata metadata = f.metadata(0);
+        metadata.setIptcDescription(u"one\u00A0two\r\nthree"_qs);
+        metadata.setIptcHeadline(u"one\ntwo\tthree"_qs);
+        (*f.set.images())[0]->setMetadata(metadata);
+        for (const MetadataPage &page : metadataPages())
+            f.showTab(page.id);
+        f.panel->commitEditing();
+        QVERIFY(f.metadata(0) == metadata);
+        f.showTab("IPTC");
+        f.type(f.line("iptcCity"), u"Os"_qs);
+        metadata.setIptcState(u"Lazio"_qs);
+        (*f.set.images())[0]->setMetadata(metadata);
+        f.settle(); // what the user types stays
+        QCOMPARE(f.line("iptcCity").text(), u"Os"_qs);
+    }
+
     void closesInLargeBatchMode()
     {
         Panel f({photo("-IPTC:City=Rome")});
