@@ -120,6 +120,11 @@ public:
     bool tryLock() { return m_photo.processingLock().try_lock(); }
     void unlock() { m_photo.processingLock().unlock(); }
 
+    /// The user's turns that the file does not contain, as an orientation.
+    int turns() const { return m_photo.turns(); }
+    /// Sets them for a photo that was not loaded yet. Not an orientation: none.
+    void restoreTurns(int orientation) { m_photo.restoreTurns(orientation); }
+
     /// Turns or mirrors the photo and forgets the places chosen by hand.
     /// @return false, with nothing changed, when the photo cannot be read
     bool transformOriginalImageWithOperation(ImageTransform operation) { return m_photo.turn(operation); }

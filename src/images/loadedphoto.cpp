@@ -432,6 +432,18 @@ bool LoadedPhoto::turn(ImageTransform transform)
     return true;
 }
 
+int LoadedPhoto::turns() const
+{
+    const std::lock_guard lock(m_stateLock);
+    return m_file.turns();
+}
+
+void LoadedPhoto::restoreTurns(int orientation)
+{
+    const std::lock_guard lock(m_stateLock);
+    m_file.restoreTurns(orientation);
+}
+
 /// Pixels that are not in the cache are turned when they are decoded.
 bool LoadedPhoto::turnCachedPixels(ImageTransform transform)
 {

@@ -82,6 +82,8 @@ public:
     /// Loads the photo, turns it, and forgets the places. @return false, with nothing changed, when that
     /// fails
     bool turn(ImageTransform transform);
+    int turns() const;
+    void restoreTurns(int orientation);
 
     std::optional<QPointF> originFor(const WPreset *preset) const;
     /// @param edit  returns whether it changed anything, and so does editOrigins()

@@ -28,11 +28,16 @@ void PhotoVersion::turn(ImageTransform transform)
         m_original->edits.turns = orientationAfter(m_original->edits.turns, transform);
 }
 
+int PhotoVersion::turns() const
+{
+    return m_turnsOfOwnCopy ? composedOrientation(inverseOrientation(*m_turnsOfOwnCopy), m_turns) : m_turns;
+}
+
 PhotoVersion::Arrival PhotoVersion::arrivalOf(const std::optional<FileVersion> &version) const
 {
     if (!m_turnsOfOwnCopy || version == m_version)
         return {version, false, m_turns};
-    return {version, true, composedOrientation(inverseOrientation(*m_turnsOfOwnCopy), m_turns)};
+    return {version, true, turns()};
 }
 
 bool PhotoVersion::adopt(const Arrival &arrival, const ImageMetadata &metadata, const Uprighting &uprighting)

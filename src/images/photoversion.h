@@ -53,6 +53,11 @@ public:
     /// Adds a turn of the user's.
     void turn(ImageTransform transform);
 
+    /// The user's turns that the present file does not contain, as an orientation.
+    int turns() const;
+    /// Before the first file is read.
+    void restoreTurns(int orientation) { m_turns = orientation >= 1 && orientation <= 8 ? orientation : 1; }
+
     Arrival arrivalOf(const std::optional<FileVersion> &version) const;
 
     /// The file was read.

@@ -51,6 +51,7 @@ DesktopApplication::DesktopApplication(ApplicationService &service)
     , m_delegate(
           {m_defaults, m_alerts, m_controller, [](const QUrl &url) { QDesktopServices::openUrl(url); }})
     , m_window({m_controller, m_defaults, m_alerts, workerThreads()})
+    , m_session(m_controller, m_alerts)
 {
     m_alerts.setWindow(&m_window);
     // Closing the window quits only where no other process can reach this one.
@@ -80,6 +81,7 @@ void DesktopApplication::launch(const QStringList &paths)
         m_defaults.boolForKey(settings::imageListIsInBrowserMode));
     m_window.show();
     m_delegate.applicationDidFinishLaunching();
+    m_session.begin();
     if (!paths.isEmpty())
         m_delegate.openFiles(paths);
 }
@@ -170,6 +172,7 @@ void DesktopApplication::quit()
     m_service.release(); // a process that starts from now on must not send its files here
     m_delegate.applicationWillTerminate();
     m_window.close();
+    m_session.end();
     QCoreApplication::quit();
 }
 

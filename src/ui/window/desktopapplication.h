@@ -4,6 +4,7 @@
 
 #include "app/appcontroller.h"
 #include "app/appdelegate.h"
+#include "app/sessionrecord.h"
 #include "platform/userdefaults.h"
 #include "presets/presetsstore.h"
 #include "ui/window/mainwindow.h"
@@ -61,6 +62,7 @@ private:
     AppController m_controller;
     AppDelegate m_delegate;
     MainWindow m_window;
+    SessionRecord m_session;
 };
 
 } // namespace plexa
