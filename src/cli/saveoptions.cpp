@@ -110,7 +110,7 @@ void addCopyOptions(OptionGroups &groups, SaveOptions &options)
     groups
         .add("--conflict", options.conflict, "CHOICE",
              "If a file with the name of the copy exists: unique (default; another name), overwrite, skip")
-        ->check(oneOf({"unique", "overwrite", "skip"}));
+        ->check(oneOf(conflictChoices()));
     groups
         .add("--name", options.name, "TEXT",
              "The names of the copies, as in '{filename}-{sequence ###}' (default: those of the "
@@ -211,6 +211,12 @@ QString contradiction(const SaveOptions &options)
 }
 
 } // namespace
+
+const std::vector<std::string> &conflictChoices()
+{
+    static const std::vector<std::string> choices{"unique", "overwrite", "skip"};
+    return choices;
+}
 
 CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options)
 {

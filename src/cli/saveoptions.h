@@ -51,6 +51,9 @@ struct SaveOptions {
     bool noCreationDate = false;
 };
 
+/// The values of --conflict.
+const std::vector<std::string> &conflictChoices();
+
 /// Declares the sub-command; `options` outlives the parsing.
 CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options);
 

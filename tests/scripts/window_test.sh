@@ -21,17 +21,7 @@ if [[ ${1-} != --inside ]]; then
     trap '[[ -z $server ]] || kill "$server" 2>/dev/null || true; rm -rf "$work" "$stand_in"' EXIT
     start_display 1280x800
     # A bus that starts no services, and a substitute for xdg-open, which opens folders without a file manager.
-    cat >"$work/bus.conf" <<'CONFIG'
-<busconfig>
-  <type>session</type>
-  <listen>unix:tmpdir=/tmp</listen>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-CONFIG
+    write_bus_configuration ''
     ln -s "$(realpath "${BASH_SOURCE[0]}")" "$stand_in/xdg-open"
     export PATH=$stand_in:$PATH PLEXA_OPENED=$work/opened.txt
     dbus-run-session --config-file="$work/bus.conf" -- "${BASH_SOURCE[0]}" --inside "$plexa" "$samples" "$work"

@@ -553,8 +553,12 @@ private Q_SLOTS:
         });
         QCOMPARE(alerts.run(alert), (AlertAnswer{2, true}));
         alert.text = QStringList(10, u'/' + QStringList(80, u"long folder/"_qs).join(QString())).join(u'\n');
+        alert.title = QString(200, u'W'); // the name of a file
         withNextBox([](QMessageBox &box) {
             QVERIFY(box.width() < 800 && box.height() < 600);
+            const auto *const title = box.findChild<QLabel *>(u"qt_msgbox_label"_qs);
+            QVERIFY(title->height() >= title->heightForWidth(title->width()));
+            QVERIFY(title->fontMetrics().horizontalAdvance(title->text()) > 2 * title->width());
             QTest::keyClick(&box, Qt::Key_Return);
         });
         QCOMPARE(alerts.run(alert), (AlertAnswer{0, false}));
