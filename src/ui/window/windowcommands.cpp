@@ -168,6 +168,11 @@ void connectSaving(CommandActions &actions, const MainWindow::Services &services
     using Photos = AppController::Photos;
     actions.setHandler(ActionId::SaveSelected, [&controller] { controller.saveImages(Photos::Selected); });
     actions.setHandler(ActionId::SaveAll, [&controller] { controller.saveImages(Photos::All); });
+    const auto openInCompanion = [&](ActionId id, Photos photos) {
+        actions.setHandler(id, [&controller, photos] { controller.openInCompanionApplication(photos); });
+    };
+    openInCompanion(ActionId::OpenSelectedInCompanion, Photos::Selected);
+    openInCompanion(ActionId::OpenAllInCompanion, Photos::All);
     new SavingEnd({controller, services.alerts}, window);
 }
 
