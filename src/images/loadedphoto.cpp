@@ -417,7 +417,7 @@ bool LoadedPhoto::turn(ImageTransform transform)
         pixels.lock();
     } while (!isLoaded());
     const QImage turned = turnedThumbnail(thumbnail(), transform);
-    if (turned.isNull() || !turnCachedPixels(transform))
+    if (turned.isNull() || !turnCachedPhoto(m_services.cache, m_key, transform))
         return false;
     Changes changes;
     {
@@ -442,19 +442,6 @@ void LoadedPhoto::restoreTurns(int orientation)
 {
     const std::lock_guard lock(m_stateLock);
     m_file.restoreTurns(orientation);
-}
-
-/// Pixels that are not in the cache are turned when they are decoded.
-bool LoadedPhoto::turnCachedPixels(ImageTransform transform)
-{
-    const QImage photo = cachedPixels();
-    if (photo.isNull())
-        return true;
-    const QImage turned = turnedPhoto(photo, transform);
-    if (turned.isNull())
-        return false;
-    m_services.cache.insert(m_key, turned);
-    return true;
 }
 
 std::optional<QPointF> LoadedPhoto::originFor(const WPreset *preset) const

@@ -109,7 +109,6 @@ private:
     QImage cachedReduced(int reduction) const;
     void keepReduced(const QImage &picture, int reduction, const Uprighting &uprighting,
                      const std::optional<FileVersion> &version);
-    bool turnCachedPixels(ImageTransform transform);
     void removeCachedPixels() const { m_services.cache.remove(m_key), m_services.cache.remove(m_reducedKey); }
     void dropPictures();
     PhotoFacts lockedFacts() const;
