@@ -312,8 +312,7 @@ std::vector<SaveMultiplePanel::Copy> SaveMultiplePanel::copiesOfPhoto() const
 {
     const AppliedPresets &applied = m_services.controller.appliedPresets();
     const UserDefaults &defaults = m_services.defaults;
-    const bool isCombined =
-        !applied.isInSingleMode() && defaults.boolForKey(settings::combineAllAppliedPresetsInImage);
+    const bool isCombined = applied.areCombined();
     std::vector<Copy> copies;
     for (const AppliedPreset &preset : applied.effectivePresetsNow()) {
         if (isCombined && !copies.empty()) {
