@@ -179,6 +179,15 @@ private Q_SLOTS:
         QCOMPARE(hint.text(), reasonFor(Need::PresetSelection));
         f.find<QTimer>("noticeTimer").setInterval(0);
         QTRY_COMPARE(hint.text(), QString());
+        WPreset &quick = *f.controller.appliedPresets().quickWPreset();
+        const QStringList tokens = quick.textTokens();
+        quick.setTextTokens({u" "_qs});
+        QTRY_COMPARE(hint.text(), u"Enter a text for the watermark"_qs);
+        quick.setType(u"Image"_qs);
+        QTRY_COMPARE(hint.text(), u"Choose a picture for the watermark"_qs);
+        quick.setType(u"Text"_qs);
+        quick.setTextTokens(tokens);
+        QTRY_COMPARE(hint.text(), QString());
         f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Presets);
         QCOMPARE(hint.text(), u"Apply a preset to save"_qs);
         f.controller.appliedPresets().addWPresetsToApplied({namedPreset(u"a"_qs)});
