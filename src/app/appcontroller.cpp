@@ -27,6 +27,10 @@ AppController::AppController(const Services &services)
     , m_positions(m_status, services.threads)
     , m_batchOperation(m_status, services.threads)
     , m_history({m_imageSet, m_gathering, m_appliedPresets, services.store, m_positions, m_batchOperation})
+    , m_metadata({[this](const auto &...step) { m_history.record(step...); },
+                  [this](const ImageList &images) { m_history.show(images); },
+                  [this] { return *m_imageSet.images(); }})
+    , m_exchange({services.photos, m_gathering, m_status, services.alerts, services.workspace, m_save})
     , m_save({m_status, services.alerts, services.defaults, services.threads})
 {
     connectChanges();
@@ -73,6 +77,7 @@ void AppController::connectChanges()
     connect(&m_imageSet, &ImageSet::listReset, this, changed);
     connect(&m_save, &BatchSave::started, this, changed);
     connect(&m_save, &BatchSave::finished, this, changed);
+    connect(&m_save, &BatchSave::finished, &m_exchange, &CompanionExchange::saveEnded);
     connect(&m_save, &BatchSave::finished, this, [this] {
         if (!m_waitingFiles.isEmpty())
             addFiles(std::exchange(m_waitingFiles, {}));
@@ -150,6 +155,7 @@ CommandState AppController::commandState() const
     state.hasCurrentBatchOperation = m_batchOperation.isRunning();
     state.isSorting = m_sorting.isRunning();
     state.isPasting = m_positions.isPasting();
+    state.hasCompanion = m_exchange.hasCompanion();
     state.canUndo = m_history.canUndo();
     state.canRedo = m_history.canRedo();
     state.hasCopiedPositions = m_positions.hasCopy();
@@ -175,10 +181,25 @@ CommandState AppController::commandState() const
     return state;
 }
 
+ImageList AppController::imagesOf(Photos photos) const
+{
+    return photos == Photos::Selected ? m_imageSet.selectedImages() : *m_imageSet.imagesFiltered();
+}
+
+BatchSave::Order AppController::orderFor(const ImageList &photos)
+{
+    return {photos, m_appliedPresets.effectivePresetsNow(), m_appliedPresets.isInSingleMode(),
+            m_services.store.quickSavingPreset()->values()};
+}
+
+void AppController::openInCompanionApplication(Photos photos)
+{
+    m_exchange.openInCompanionApplication(orderFor(imagesOf(photos)));
+}
+
 void AppController::saveImages(Photos photos)
 {
-    const ImageList images =
-        photos == Photos::Selected ? m_imageSet.selectedImages() : *m_imageSet.imagesFiltered();
+    const ImageList images = imagesOf(photos);
     if (!images.empty() && !m_appliedPresets.effectivePresets().empty() && !m_save.isSavingInProgress())
         Q_EMIT savePanelWanted(images);
 }
@@ -194,8 +215,7 @@ void AppController::didEndSaveMultiplePanel(const ImageList &photos)
 
 bool AppController::startSaving(const ImageList &photos)
 {
-    return m_save.start({photos, m_appliedPresets.effectivePresetsNow(), m_appliedPresets.isInSingleMode(),
-                         m_services.store.quickSavingPreset()->values()});
+    return m_save.start(orderFor(photos));
 }
 
 void AppController::startBatchOperation(ImageTransform operation)

@@ -6,14 +6,17 @@
 #include "app/batchimageoperation.h"
 #include "app/batchsave.h"
 #include "app/commandrules.h"
+#include "app/companionexchange.h"
 #include "app/imagegathering.h"
 #include "app/imageset.h"
 #include "app/imagesorting.h"
 #include "app/manualpositions.h"
+#include "app/metadataediting.h"
 #include "app/presetcommands.h"
 #include "app/presetedits.h"
 #include "app/statusmanager.h"
 #include "app/undohistory.h"
+#include "platform/workspace.h"
 
 namespace plexa
 {
@@ -33,6 +36,7 @@ public:
         Alerts &alerts; ///< may be called on any thread
         PresetsStore &store;
         int threads; ///< photos that are processed at a time
+        Workspace &workspace = desktopWorkspace();
     };
 
     /// @param services  outlive this object
@@ -44,8 +48,11 @@ public:
     ImageSorting &sorting() { return m_sorting; }
     AppliedPresets &appliedPresets() { return m_appliedPresets; }
     ManualPositions &manualPositions() { return m_positions; }
+    /// The metadata of the photos that the metadata window shows.
+    MetadataEditing &metadataEditing() { return m_metadata; }
     UndoHistory &undoHistory() { return m_history; }
     BatchSave &batchSave() { return m_save; }
+    CompanionExchange &companionExchange() { return m_exchange; }
     PresetsStore &presetsStore() { return m_services.store; }
     PresetCommands &presetCommands() { return m_presetCommands; }
     /// The changes of the user's lists of presets, which undoHistory() undoes.
@@ -75,6 +82,10 @@ public:
     /// Saves copies of these photos with the present presets and settings. Asks nothing before it returns.
     /// @return false, and nothing happens, while another save runs or without photos or presets
     bool startSaving(const ImageList &photos);
+
+    /// Opens watermarked copies of these photos in the companion application, unless another save runs or
+    /// none or no watermark is there.
+    void openInCompanionApplication(Photos photos);
 
     /// Rotates or mirrors the selected photos, unless another such operation runs.
     void startBatchOperation(ImageTransform operation);
@@ -107,6 +118,8 @@ Q_SIGNALS:
 private:
     void connectChanges();
     void useQuickPreset();
+    ImageList imagesOf(Photos photos) const;
+    BatchSave::Order orderFor(const ImageList &photos);
     std::function<void()> appliedPresetsNow();
     std::function<void()> assignedSavingPresetsNow();
 
@@ -123,6 +136,8 @@ private:
     ManualPositions m_positions;
     BatchImageOperation m_batchOperation;
     UndoHistory m_history;
+    MetadataEditing m_metadata;
+    CompanionExchange m_exchange;
     BatchSave m_save; // handles events when it is destroyed: before the others
 };
 

@@ -10,7 +10,6 @@
 #include "platform/userdefaults.h"
 
 #include <QDebug>
-#include <QFileInfo>
 #include <QUrlQuery>
 
 namespace plexa
@@ -21,8 +20,6 @@ namespace
 
 constexpr qint64 kLastCountedRun = 999'999;
 constexpr qint64 kRunsBetweenFeedback = 7;
-
-const QString kExchangeInfoFile = QStringLiteral("info.qtxf");
 
 } // namespace
 
@@ -42,11 +39,11 @@ void AppDelegate::applicationDidFinishLaunching()
 void AppDelegate::openFiles(const QStringList &paths)
 {
     Q_EMIT windowWanted(); // first: questions are shown above it
-    if (!paths.isEmpty() && QFileInfo(paths.first()).fileName() == kExchangeInfoFile) {
-        qCritical("ERROR: photos from companion applications cannot be opened by this version");
-        return;
-    }
-    m_services.controller.addFiles(paths);
+    if (!paths.isEmpty() && CompanionExchange::isInfoFile(paths.first()))
+        m_services.controller.companionExchange().openTempFilesFromCompanionApplicationUsingInfoFile(
+            paths.first());
+    else
+        m_services.controller.addFiles(paths);
 }
 
 void AppDelegate::windowWillClose()
@@ -56,6 +53,7 @@ void AppDelegate::windowWillClose()
 
 void AppDelegate::applicationWillTerminate()
 {
+    m_services.controller.companionExchange().cancelHandOver();
     UserDefaults &defaults = m_services.defaults;
     if (defaults.integerForKey(settings::runNumber) % kRunsBetweenFeedback != 0 ||
         !defaults.boolForKey(settings::askForFeedback))

@@ -82,6 +82,21 @@ std::vector<AppliedPreset> AppliedPresets::effectivePresetsNow() const
     return now;
 }
 
+bool AppliedPresets::areCombined() const
+{
+    return !isInSingleMode() && m_defaults.boolForKey(settings::combineAllAppliedPresetsInImage);
+}
+
+std::vector<AppliedPreset> AppliedPresets::presetsOfOneCopyNow() const
+{
+    std::vector<AppliedPreset> now = effectivePresetsNow();
+    if (now.size() < 2 || areCombined())
+        return now;
+    if (const std::shared_ptr<WPreset> current = currentWPreset())
+        return {{current, current->values()}};
+    return {now.front()};
+}
+
 std::shared_ptr<WPreset> AppliedPresets::currentWPreset() const
 {
     if (isInSingleMode())

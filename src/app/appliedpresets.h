@@ -45,6 +45,12 @@ public:
     /// The same with their values of now, for work that continues while the user edits.
     std::vector<AppliedPreset> effectivePresetsNow() const;
 
+    /// Does one copy of a photo get all of them?
+    bool areCombined() const;
+    /// The watermarks of one copy, as thumbnails show it: of all presets if they are combined, else of the
+    /// current preset, or of the first one.
+    std::vector<AppliedPreset> presetsOfOneCopyNow() const;
+
     /// The preset of commands for one preset; may be null.
     std::shared_ptr<WPreset> currentWPreset() const;
 

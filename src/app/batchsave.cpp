@@ -51,6 +51,7 @@ bool BatchSave::start(const Order &order)
     if (isSavingInProgress() || order.photos.empty() || order.effectivePresets.empty())
         return false;
     m_isTerminating = false;
+    m_isForCompanion = !order.exchangeFolder.isEmpty();
     m_report = SavingReport();
     m_savedImagesInfo.clear();
     m_photoCount = order.photos.size();

@@ -65,6 +65,9 @@ public:
     /// terminateOperation() was called during the run.
     bool isTerminating() const { return m_isTerminating; }
 
+    /// The copies of the last run are for the companion application.
+    bool isForCompanion() const { return m_isForCompanion; }
+
     SavingProgress progress() const;
     /// Of the last run, once it has finished.
     const SavingReport &report() const { return m_report; }
@@ -91,6 +94,7 @@ private:
     const Services m_services;
     Saving m_saving;
     bool m_isTerminating = false;
+    bool m_isForCompanion = false;
     std::size_t m_photoCount = 1;
     qint64 m_copiesPerPhoto = 1; // of the run's thread
     bool m_hasPicture = false;   // likewise: the photo that begins

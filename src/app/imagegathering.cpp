@@ -73,6 +73,20 @@ void ImageGathering::scanImagesAtPaths(const QStringList &paths)
         startScan(cleanPaths);
 }
 
+void ImageGathering::addImages(const ImageList &images)
+{
+    m_set.disableImageFilters();
+    m_services.status.startOperation(StatusOperation::Counting);
+    m_selectsFirst = m_selectsFirst || m_set.images()->empty();
+    m_set.addImages(images);
+    if (!m_isScanning)
+        m_services.status.endOperation(StatusOperation::Counting);
+    m_set.refreshImageList(ImageSet::Refresh::Full);
+    if (m_set.imageListIsInBrowserMode() && m_set.images()->size() > ImageSet::kMaxImagesInBrowserMode)
+        m_set.setImageListModeToBrowser(false);
+    importMissingImages();
+}
+
 void ImageGathering::startScan(const QStringList &paths)
 {
     m_isScanning = true;

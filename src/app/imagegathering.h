@@ -26,6 +26,9 @@ public:
     /// Adds the picture files of these paths and of all folders below them, then imports them. Paths that are
     /// added during a scan wait for its end.
     void scanImagesAtPaths(const QStringList &paths);
+    /// Adds photos as they are, without a check of their types, then imports them. More than Small Batch mode
+    /// holds change to Large Batch mode without a question.
+    void addImages(const ImageList &images);
     bool isScanning() const { return m_isScanning; }
 
     /// In Small Batch mode loads the photos that are not loaded; in Large Batch mode stops that.

@@ -41,12 +41,11 @@ void SavingReport::add(const SavingOutput &output)
     if (output.status == Status::Written && output.conflict == Conflict::Overwrite &&
         !rivalOf(output).isEmpty())
         m_written.removeOne(output.path); // its file is gone
-    if (!output.path.isEmpty())
-        m_sources.insert(FilesUnderWay::nameKeyOf(output.path), output.sourcePath);
     if (output.status == Status::Failed)
         m_failed.append(line(output.sourcePath, output.error));
     if (output.status != Status::Written)
         return;
+    m_sources.insert(FilesUnderWay::nameKeyOf(output.path), output.sourcePath);
     m_written.append(output.path);
     if (!output.report.isMarked)
         m_unmarked.append(output.path);

@@ -383,7 +383,6 @@ void UndoHistory::record(const QString &text, const std::function<bool()> &resto
     m_stack.push(new RecordedStep(*this, text, restore, repeat));
 }
 
-/// Unless the user sees one of them already.
 void UndoHistory::show(const ImageList &images)
 {
     const auto &shown = m_models.set.shownImage();

@@ -63,6 +63,9 @@ public:
     void record(const QString &text, const std::function<bool()> &restore,
                 const std::function<bool()> &repeat);
 
+    /// Selects these photos unless the user sees one of them already.
+    void show(const ImageList &images);
+
 Q_SIGNALS:
     /// Other steps can be undone or redone.
     void changed();
@@ -83,7 +86,6 @@ private:
     void connectEdits();
     void imagesTurned(ImageTransform operation, const TurnedImages &before);
     static QString placesText(ManualPositions::EditKind kind);
-    void show(const ImageList &images);
 
     const Models m_models;
     int m_keyRun = 0; // a movement with the keyboard ends when something is undone

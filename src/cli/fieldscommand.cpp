@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "cli/fieldrows.h"
 #include "cli/listcommands.h"
 #include "cli/messages.h"
-#include "cli/runpresets.h"
 #include "cli/suggestions.h"
 #include "cli/wrappedtext.h"
 #include "platform/fontcatalog.h"
-#include "presets/savingpresetfields.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -14,99 +13,46 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <optional>
 
 namespace plexa
 {
 namespace
 {
 
-/// One field of either kind of preset.
-struct FieldRow {
-    QString name;
-    bool isOfWatermark = true;
-    FieldKind kind = FieldKind::String;
-    FieldLimits limits;
-    QJsonValue initial;
-};
-
-std::vector<FieldRow> allFields(const FontCatalog &fonts)
-{
-    std::vector<FieldRow> rows;
-    const WPresetValues watermark = WPresetValues::forNewPreset(fonts);
-    for (const WPresetField &field : wPresetFields()) {
-        if (field.kind == FieldKind::SavingPreset) // cannot be set
-            continue;
-        rows.push_back({field.name, true, field.kind, limitsOf(field), valueAsJson(field.value(watermark))});
-        if (field.id == FieldId::Font)
-            rows.back().limits.choices = fonts.postScriptNames();
-    }
-    const SavingPresetValues saving = plainSavingPreset();
-    for (const SavingPresetField &field : savingPresetFields())
-        rows.push_back({field.name, false, field.kind, field.limits(), valueAsJson(field.value(saving))});
-    return rows;
-}
-
-QString nameOf(FieldKind kind)
-{
-    switch (kind) {
-    case FieldKind::Strings:
-        return QStringLiteral("list of texts");
-    case FieldKind::Integer:
-        return QStringLiteral("whole number");
-    case FieldKind::Float:
-        return QStringLiteral("number");
-    case FieldKind::Boolean:
-        return QStringLiteral("true or false");
-    case FieldKind::Color:
-        return QStringLiteral("color, #rrggbb or #rrggbbaa");
-    case FieldKind::Image:
-        return QStringLiteral("path of a picture");
-    case FieldKind::String:
-    case FieldKind::SavingPreset:
-        break;
-    }
-    return QStringLiteral("text");
-}
-
-QString descriptionOf(const FieldRow &field, bool isAlone)
-{
-    const FieldLimits &limits = field.limits;
-    QString text = nameOf(field.kind);
-    if (field.name == QLatin1StringView("font") && !isAlone)
-        text = QStringLiteral("PostScript name of a font (\"plexa-cli fields font\" lists them)");
-    else if (!limits.choices.isEmpty())
-        text += QStringLiteral(", one of: ") + limits.choices.join(QLatin1String(", "));
-    if (limits.isBounded())
-        text += QStringLiteral(" from %1 to %2").arg(limits.lowest, 0, 'f', 0).arg(limits.highest, 0, 'f', 0);
-    if (!limits.unit.isEmpty())
-        text += (limits.unit.endsWith(QLatin1StringView("Unit")) ? QStringLiteral(", in ")
-                                                                 : QStringLiteral(", ")) +
-                limits.unit;
-    if (!limits.meaning.isEmpty())
-        text += QStringLiteral(" (%1)").arg(limits.meaning);
-    return text + QStringLiteral("; default: ") +
-           (field.initial.isNull() ? QStringLiteral("none") : QString::fromUtf8(jsonText(field.initial)));
-}
-
 QJsonObject jsonOf(const FieldRow &field)
 {
     const FieldLimits &limits = field.limits;
     const auto bound = [&](double number) { return limits.isBounded() ? QJsonValue(number) : QJsonValue(); };
-    return {{QStringLiteral("name"), field.name},
-            {QStringLiteral("preset"),
-             field.isOfWatermark ? QStringLiteral("watermark") : QStringLiteral("saving")},
-            {QStringLiteral("kind"), nameOf(field.kind)},
-            {QStringLiteral("unit"), orNull(limits.unit)},
-            {QStringLiteral("lowest"), bound(limits.lowest)},
-            {QStringLiteral("highest"), bound(limits.highest)},
-            {QStringLiteral("meaning"), orNull(limits.meaning)},
-            {QStringLiteral("values"), limits.choices.isEmpty()
-                                           ? QJsonValue()
-                                           : QJsonValue(QJsonArray::fromStringList(limits.choices))},
-            {QStringLiteral("default"), field.initial}};
+    return {
+        {QStringLiteral("name"), field.name},
+        {QStringLiteral("preset"),
+         QStringList{QStringLiteral("watermark"), QStringLiteral("saving"), QStringLiteral("metadata")}.at(
+             static_cast<int>(field.owner))},
+        {QStringLiteral("kind"), nameOf(field.kind)},
+        {QStringLiteral("unit"), orNull(limits.unit)},
+        {QStringLiteral("lowest"), bound(limits.lowest)},
+        {QStringLiteral("highest"), bound(limits.highest)},
+        {QStringLiteral("meaning"), orNull(limits.meaning)},
+        {QStringLiteral("values"),
+         limits.choices.isEmpty() ? QJsonValue() : QJsonValue(QJsonArray::fromStringList(limits.choices))},
+        {QStringLiteral("default"), field.initial}};
 }
 
-/// The fields of these names, of either preset; none if a name is not one of a field.
+QString titleOf(FieldRow::Owner owner)
+{
+    switch (owner) {
+    case FieldRow::Owner::Watermark:
+        return QStringLiteral("Fields of a watermark (--set FIELD=VALUE):\n");
+    case FieldRow::Owner::SavingPreset:
+        return QStringLiteral("\nFields of a saving preset (--save-set FIELD=VALUE):\n");
+    case FieldRow::Owner::Metadata:
+        break;
+    }
+    return QStringLiteral("\nFields of the metadata (--meta FIELD=VALUE):\n");
+}
+
+/// The fields of these names; none if a name is not one of a field.
 std::vector<FieldRow> namedFields(const std::vector<FieldRow> &all, const std::vector<std::string> &names)
 {
     std::vector<FieldRow> named;
@@ -132,7 +78,7 @@ std::vector<FieldRow> namedFields(const std::vector<FieldRow> &all, const std::v
 CLI::App *addFieldsCommand(CLI::App &program, ListOptions &options)
 {
     CLI::App *command = program.add_subcommand(
-        "fields", "List the fields of --set and --save-set: kinds, allowed values, defaults");
+        "fields", "List the fields of --set, --save-set and --meta: kinds, allowed values, defaults");
     command->add_flag("--json", options.json, "Print an array with an object for each field");
     command->add_option("NAME", options.names, "These fields only");
     return command;
@@ -148,15 +94,16 @@ int runFields(const ListOptions &options)
         return kWrongUsage;
     QJsonArray objects;
     QString text;
+    std::optional<FieldRow::Owner> owner;
     constexpr qsizetype kColumn = 26;
     for (const FieldRow &field : fields) {
         objects.append(jsonOf(field));
-        if (options.names.empty() && field.name == QLatin1StringView("name"))
-            text += field.isOfWatermark
-                        ? QStringLiteral("Fields of a watermark (--set FIELD=VALUE):\n")
-                        : QStringLiteral("\nFields of a saving preset (--save-set FIELD=VALUE):\n");
-        text += wrappedText(QStringLiteral("  ") + field.name, descriptionOf(field, !options.names.empty()),
-                            kColumn);
+        if (options.names.empty() && owner != field.owner)
+            text += titleOf(field.owner);
+        owner = field.owner;
+        text += wrappedText(
+            QStringLiteral("  ") + field.name,
+            descriptionOf(field, options.names.empty() ? FieldText::InList : FieldText::Alone), kColumn);
     }
     if (options.json)
         printJson(objects);

@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include <QString>
+
 #include <string>
 #include <vector>
 
@@ -18,6 +20,15 @@ struct ListOptions {
     std::vector<std::string> names; ///< of fields; none: all
     bool json = false;
 };
+
+/// A token with the text that it gives for a photo with all facts.
+struct TokenRow {
+    QString name;
+    QString example;
+    bool isForNamesOnly;
+};
+
+std::vector<TokenRow> allTokens();
 
 /// Declare the sub-commands; `options` outlives the parsing.
 CLI::App *addFieldsCommand(CLI::App &program, ListOptions &options);

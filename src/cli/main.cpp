@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "cli/completion.h"
 #include "cli/helpformat.h"
 #include "cli/inspectcommand.h"
 #include "cli/interruption.h"
 #include "cli/listcommands.h"
+#include "cli/manualpage.h"
 #include "cli/messages.h"
 #include "cli/presetscommand.h"
 #include "cli/savecommand.h"
@@ -46,12 +48,38 @@ const char *emptyAssignment(int argc, char *const *argv)
     return nullptr;
 }
 
+/// --version, and --manual for the build of the manual page.
+void addProgramFlags(CLI::App &program)
+{
+    using namespace plexa;
+    program.set_version_flag("--version",
+                             "plexa-cli " + QCoreApplication::applicationVersion().toStdString());
+    program
+        .add_flag_callback(
+            "--manual",
+            [&program] {
+                printLine(stdout, manualPage(program).chopped(1));
+                throw CLI::Success();
+            },
+            "Print the manual page")
+        ->group(""); // hidden
+}
+
+/// For the scripts of the shells. The parser would refuse words under way.
+constexpr std::string_view kCompleteOption = "--complete";
+
+void completeWords(const CLI::App &program, int argc, char **argv)
+{
+    QStringList words;
+    for (int i = 2; i < argc; ++i)
+        words.append(QFile::decodeName(argv[i]));
+    plexa::printCompletions(plexa::completionsOf(program, words));
+}
+
 int run(int argc, char **argv)
 {
     using namespace plexa;
     CLI::App program("Watermarks photographs in batches.", "plexa-cli");
-    program.set_version_flag("--version",
-                             "plexa-cli " + QCoreApplication::applicationVersion().toStdString());
     program.require_subcommand(1);
     program.formatter(helpFormat());
 
@@ -65,6 +93,11 @@ int run(int argc, char **argv)
     CLI::App *fieldsCommand = addFieldsCommand(program, fields);
     ListOptions tokens;
     CLI::App *tokensCommand = addTokensCommand(program, tokens);
+    addProgramFlags(program);
+    if (argc > 1 && argv[1] == kCompleteOption) {
+        completeWords(program, argc, argv);
+        return kAllDone;
+    }
     if (const char *const empty = emptyAssignment(argc, argv)) {
         printMessage(
             QStringLiteral("%1 there is nothing after the equal sign").arg(QFile::decodeName(empty)));

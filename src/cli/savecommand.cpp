@@ -5,6 +5,7 @@
 #include "cli/fieldarguments.h"
 #include "cli/interruption.h"
 #include "cli/messages.h"
+#include "cli/metadataarguments.h"
 #include "cli/pathlist.h"
 #include "cli/photochoice.h"
 #include "cli/photopaths.h"
@@ -179,7 +180,8 @@ void reportLeftOut(const LeftOutPhotos &photos, const QString &what, const QStri
 }
 
 /// @return the exit status
-int saveAll(SavingRun &run, const PhotoSearch &search, SaveReport &report, const FontCatalog &fonts)
+int saveAll(SavingRun &run, const PhotoSearch &search, const MetadataEdit &edit, SaveReport &report,
+            const FontCatalog &fonts)
 {
     const std::vector<PhotoPath> &photos = search.photos;
     const LocaleFormat locale;
@@ -197,7 +199,9 @@ int saveAll(SavingRun &run, const PhotoSearch &search, SaveReport &report, const
         const PhotoPath &photo = photos[index];
         if (!photo.failure.isEmpty())
             return {photo.path, nullptr, photo.failure};
-        return {photo.path, std::make_shared<ImageObject>(photo.path, services), {}};
+        const auto image = std::make_shared<ImageObject>(photo.path, services);
+        image->setMetadataEdit(edit);
+        return {photo.path, image, {}};
     };
     NoQuestions alerts;
     Saving saving(alerts);
@@ -221,6 +225,9 @@ int runSave(const SaveOptions &options)
     Result<SavingRun> run = planRun(options, fonts);
     if (!run)
         return refuse(run.error().text);
+    const Result<MetadataEdit> edit = metadataEditOf(options);
+    if (!edit)
+        return refuse(edit.error().text);
     SaveReport report({options.json, options.quiet, run->effectivePresets.size() > 1});
     PhotoSearch search = photosAt(*paths, !options.noRecurse);
     report.pathsNotRead(search.notRead);
@@ -238,7 +245,7 @@ int runSave(const SaveOptions &options)
     if (const Result<void> checked = checkQuality(*run, search.photos, options); !checked)
         return refuse(checked.error().text);
     report.photosLeftOut(copies.count, links.count);
-    return saveAll(*run, search, report, fonts);
+    return saveAll(*run, search, *edit, report, fonts);
 }
 
 } // namespace plexa

@@ -110,7 +110,7 @@ void addCopyOptions(OptionGroups &groups, SaveOptions &options)
     groups
         .add("--conflict", options.conflict, "CHOICE",
              "If a file with the name of the copy exists: unique (default; another name), overwrite, skip")
-        ->check(oneOf({"unique", "overwrite", "skip"}));
+        ->check(oneOf(conflictChoices()));
     groups
         .add("--name", options.name, "TEXT",
              "The names of the copies, as in '{filename}-{sequence ###}' (default: those of the "
@@ -140,6 +140,18 @@ void addCopyOptions(OptionGroups &groups, SaveOptions &options)
         "Decode and encode all of a JPEG; otherwise a JPEG copy of a JPEG keeps the blocks that no "
         "watermark covers, where that gives the same picture");
     groups.addFlag("--no-creation-date", options.noCreationDate, "Do not copy the dates of the originals");
+}
+
+void addMetadataOptions(OptionGroups &groups, SaveOptions &options)
+{
+    groups.begin("Metadata of the copies");
+    groups.addRepeatable("--clear", options.cleared, "GROUP",
+                         "Leave out metadata: all, all-but-copyright, all-but-copyright-and-contact, gps, "
+                         "iptc or exif");
+    groups.addRepeatable(
+        "--meta", options.metadata, "FIELD=VALUE",
+        "Set a field of the metadata, as in --meta iptcCity=Rome; an empty VALUE removes it. "
+        "Tokens have the new value, too");
 }
 
 void addRunOptions(CLI::App &command, OptionGroups &groups, SaveOptions &options)
@@ -200,6 +212,12 @@ QString contradiction(const SaveOptions &options)
 
 } // namespace
 
+const std::vector<std::string> &conflictChoices()
+{
+    static const std::vector<std::string> choices{"unique", "overwrite", "skip"};
+    return choices;
+}
+
 CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options)
 {
     CLI::App *command = program.add_subcommand("save", "Watermark photos and folders of photos");
@@ -208,6 +226,7 @@ CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options)
     OptionGroups groups(*command);
     addWatermarkOptions(groups, options);
     addCopyOptions(groups, options);
+    addMetadataOptions(groups, options);
     addRunOptions(*command, groups, options);
     command->set_help_flag("-h,--help", "Print this help")->group("Run");
     return command;

@@ -22,6 +22,8 @@ struct SaveOptions {
     std::string image;
     std::vector<std::string> fields;       ///< "FIELD=VALUE" of the watermarks
     std::vector<std::string> savingFields; ///< "FIELD=VALUE" of the run's saving preset
+    std::vector<std::string> metadata;     ///< "FIELD=VALUE" of the photos' metadata
+    std::vector<std::string> cleared;      ///< groups of the photos' metadata
     std::string wPresetsFile;              ///< watermark presets; empty: the user's own list
     std::vector<std::string> applied;      ///< names of watermark presets, in the order of drawing
     std::string savingPresetsFile;         ///< empty: the user's own list
@@ -48,6 +50,9 @@ struct SaveOptions {
     bool dryRun = false;
     bool noCreationDate = false;
 };
+
+/// The values of --conflict.
+const std::vector<std::string> &conflictChoices();
 
 /// Declares the sub-command; `options` outlives the parsing.
 CLI::App *addSaveCommand(CLI::App &program, SaveOptions &options);

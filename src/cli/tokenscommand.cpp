@@ -43,11 +43,7 @@ PhotoFacts sampleFacts()
                       LocaleFormat());
 }
 
-struct TokenRow {
-    QString name;
-    QString example;
-    bool isForNamesOnly;
-};
+} // namespace
 
 std::vector<TokenRow> allTokens()
 {
@@ -62,8 +58,6 @@ std::vector<TokenRow> allTokens()
     }
     return rows;
 }
-
-} // namespace
 
 CLI::App *addTokensCommand(CLI::App &program, ListOptions &options)
 {

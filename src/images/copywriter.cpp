@@ -123,6 +123,8 @@ public:
     {
         if (order.metadata)
             m_metadata = *order.metadata;
+        else if (order.metadataEdit)
+            order.metadataEdit(m_metadata);
         m_request = {order.targetType,
                      propertiesOfCopy(m_metadata, order, m_uprighting),
                      &source,

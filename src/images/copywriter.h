@@ -48,9 +48,10 @@ struct CopyOrder {
     QString targetType;   ///< MIME name of a format that can be written
     double quality = 0.8; ///< 0..1, for formats with losses
     bool tiffLzw = true;
-    std::vector<MarkOrder> marks;          ///< in drawing order
-    int turns = 1;                         ///< the user's turns, as an orientation
-    std::optional<ImageMetadata> metadata; ///< where the user has edited it; else the file's
+    std::vector<MarkOrder> marks;                      ///< in drawing order
+    int turns = 1;                                     ///< the user's turns, as an orientation
+    std::optional<ImageMetadata> metadata;             ///< where the user has edited it; else the file's
+    std::function<void(ImageMetadata &)> metadataEdit; ///< of the file's metadata; may be empty
     QImage upright; ///< the decoded photo where it is at hand, turns applied; else null
     CopyRules rules;
     CancelCheck isCanceled;

@@ -101,6 +101,9 @@ public:
     std::optional<ImageMetadata> metadata() const { return m_photo.metadata(); }
     /// Sets edited metadata, which copies will carry.
     void setMetadata(const ImageMetadata &metadata) { m_photo.setMetadata(metadata); }
+    /// Edits the metadata of each version of the file that is read from now on, also for a copy that is
+    /// written without loading the photo; empty: none.
+    void setMetadataEdit(const MetadataEdit &edit) { m_photo.setMetadataEdit(edit); }
 
     /// Forgets pixels, thumbnail and turns; the metadata stay. Waits for the processing lock.
     void releaseImagesData() { m_photo.release(); }
@@ -116,6 +119,11 @@ public:
     void lock() { m_photo.processingLock().lock(); }
     bool tryLock() { return m_photo.processingLock().try_lock(); }
     void unlock() { m_photo.processingLock().unlock(); }
+
+    /// The user's turns that the file does not contain, as an orientation.
+    int turns() const { return m_photo.turns(); }
+    /// Sets them for a photo that was not loaded yet. Not an orientation: none.
+    void restoreTurns(int orientation) { m_photo.restoreTurns(orientation); }
 
     /// Turns or mirrors the photo and forgets the places chosen by hand.
     /// @return false, with nothing changed, when the photo cannot be read

@@ -5,6 +5,7 @@
 #include "imageio/base/reducedrows.h"
 #include "imageio/imagesource.h"
 #include "images/copywriter.h"
+#include "images/filefacts.h"
 #include "raster/bitmaputilities.h"
 
 #include <new>
@@ -326,20 +327,11 @@ Result<PhotoFacts> LoadedPhoto::readFacts() const
         if (m_hasImage)
             return lockedFacts();
     }
-    try {
-        const Result<ImageSource> source = ImageSource::open(readPath(), m_services.limits);
-        if (!source)
-            return tl::unexpected(source.error());
-        const Result<QVariantMap> properties = source->properties();
-        if (!properties)
-            return tl::unexpected(properties.error());
-        const ImageMetadata inFile(*properties);
-        const Uprighting uprighting = uprightingOf(source->info().rows.size, inFile, 1, m_services.limits);
-        return PhotoFacts(path(), metadata().value_or(inFile), uprighting.size(), uprighting.unscaledSize(),
-                          m_services.locale);
-    } catch (const std::bad_alloc &) {
-        return fail(outOfMemoryText());
-    }
+    const auto metadataOf = [this](const ImageMetadata &inFile) {
+        const std::lock_guard lock(m_stateLock);
+        return m_file.metadata().value_or(m_file.edited(inFile));
+    };
+    return readFactsOfFile(readPath(), path(), metadataOf, m_services);
 }
 
 void LoadedPhoto::release()
@@ -399,6 +391,12 @@ std::optional<ImageMetadata> LoadedPhoto::metadata() const
     return m_file.metadata();
 }
 
+void LoadedPhoto::setMetadataEdit(const MetadataEdit &edit)
+{
+    const std::lock_guard lock(m_stateLock);
+    m_file.setEdit(edit);
+}
+
 void LoadedPhoto::setMetadata(const ImageMetadata &metadata)
 {
     {
@@ -419,7 +417,7 @@ bool LoadedPhoto::turn(ImageTransform transform)
         pixels.lock();
     } while (!isLoaded());
     const QImage turned = turnedThumbnail(thumbnail(), transform);
-    if (turned.isNull() || !turnCachedPixels(transform))
+    if (turned.isNull() || !turnCachedPhoto(m_services.cache, m_key, transform))
         return false;
     Changes changes;
     {
@@ -434,17 +432,16 @@ bool LoadedPhoto::turn(ImageTransform transform)
     return true;
 }
 
-/// Pixels that are not in the cache are turned when they are decoded.
-bool LoadedPhoto::turnCachedPixels(ImageTransform transform)
+int LoadedPhoto::turns() const
 {
-    const QImage photo = cachedPixels();
-    if (photo.isNull())
-        return true;
-    const QImage turned = turnedPhoto(photo, transform);
-    if (turned.isNull())
-        return false;
-    m_services.cache.insert(m_key, turned);
-    return true;
+    const std::lock_guard lock(m_stateLock);
+    return m_file.turns();
+}
+
+void LoadedPhoto::restoreTurns(int orientation)
+{
+    const std::lock_guard lock(m_stateLock);
+    m_file.restoreTurns(orientation);
 }
 
 std::optional<QPointF> LoadedPhoto::originFor(const WPreset *preset) const
@@ -474,6 +471,7 @@ Result<CopyReport> LoadedPhoto::writeCopyOf(const std::optional<FileVersion> &ve
             order.marks.push_back({preset.values, m_origins.originFor(preset.preset.get())});
         const PhotoVersion::Edits edits = m_file.editsOf(version);
         order.metadata = edits.metadata;
+        order.metadataEdit = m_file.edit();
         order.turns = edits.turns;
         if (m_hasImage)
             order.version = version;

@@ -73,6 +73,7 @@ public:
 
     std::optional<ImageMetadata> metadata() const;
     void setMetadata(const ImageMetadata &metadata);
+    void setMetadataEdit(const MetadataEdit &edit);
 
     void release();
     enum class Pictures { Thumbnail, All };
@@ -81,6 +82,8 @@ public:
     /// Loads the photo, turns it, and forgets the places. @return false, with nothing changed, when that
     /// fails
     bool turn(ImageTransform transform);
+    int turns() const;
+    void restoreTurns(int orientation);
 
     std::optional<QPointF> originFor(const WPreset *preset) const;
     /// @param edit  returns whether it changed anything, and so does editOrigins()
@@ -106,7 +109,6 @@ private:
     QImage cachedReduced(int reduction) const;
     void keepReduced(const QImage &picture, int reduction, const Uprighting &uprighting,
                      const std::optional<FileVersion> &version);
-    bool turnCachedPixels(ImageTransform transform);
     void removeCachedPixels() const { m_services.cache.remove(m_key), m_services.cache.remove(m_reducedKey); }
     void dropPictures();
     PhotoFacts lockedFacts() const;

@@ -13,6 +13,13 @@ void PhotoVersion::setMetadata(const ImageMetadata &metadata)
     m_isMetadataEdited = true;
 }
 
+ImageMetadata PhotoVersion::edited(ImageMetadata metadata) const
+{
+    if (m_edit)
+        m_edit(metadata);
+    return metadata;
+}
+
 void PhotoVersion::turn(ImageTransform transform)
 {
     m_turns = orientationAfter(m_turns, transform);
@@ -21,11 +28,16 @@ void PhotoVersion::turn(ImageTransform transform)
         m_original->edits.turns = orientationAfter(m_original->edits.turns, transform);
 }
 
+int PhotoVersion::turns() const
+{
+    return m_turnsOfOwnCopy ? composedOrientation(inverseOrientation(*m_turnsOfOwnCopy), m_turns) : m_turns;
+}
+
 PhotoVersion::Arrival PhotoVersion::arrivalOf(const std::optional<FileVersion> &version) const
 {
     if (!m_turnsOfOwnCopy || version == m_version)
         return {version, false, m_turns};
-    return {version, true, composedOrientation(inverseOrientation(*m_turnsOfOwnCopy), m_turns)};
+    return {version, true, turns()};
 }
 
 bool PhotoVersion::adopt(const Arrival &arrival, const ImageMetadata &metadata, const Uprighting &uprighting)
@@ -38,7 +50,7 @@ bool PhotoVersion::adopt(const Arrival &arrival, const ImageMetadata &metadata, 
     if (m_isMetadataEdited)
         m_metadata->setOrientation(metadata.orientationCorrected());
     else
-        m_metadata = metadata;
+        m_metadata = edited(metadata);
     m_turns = arrival.turns;
     const bool hadVersion = std::exchange(m_version, arrival.version).has_value();
     return std::exchange(m_uprighting, uprighting).size() != uprighting.size() && hadVersion;

@@ -6,10 +6,14 @@
 #include "metadata/imagemetadata.h"
 #include "platform/fileversion.h"
 
+#include <functional>
 #include <optional>
 
 namespace plexa
 {
+
+/// Changes the metadata of a photo.
+using MetadataEdit = std::function<void(ImageMetadata &)>;
 
 /// The version of a photo's file that was read last: its metadata and geometry, with the user's turns and
 /// edits.
@@ -41,8 +45,18 @@ public:
     /// Edited metadata, which later versions of the file keep.
     void setMetadata(const ImageMetadata &metadata);
 
+    /// An edit of the metadata of each version that is read from now on.
+    void setEdit(const MetadataEdit &edit) { m_edit = edit; }
+    const MetadataEdit &edit() const { return m_edit; }
+    ImageMetadata edited(ImageMetadata metadata) const;
+
     /// Adds a turn of the user's.
     void turn(ImageTransform transform);
+
+    /// The user's turns that the present file does not contain, as an orientation.
+    int turns() const;
+    /// Before the first file is read.
+    void restoreTurns(int orientation) { m_turns = orientation >= 1 && orientation <= 8 ? orientation : 1; }
 
     Arrival arrivalOf(const std::optional<FileVersion> &version) const;
 
@@ -76,6 +90,7 @@ private:
     std::optional<FileVersion> m_version;
     std::optional<ImageMetadata> m_metadata;
     bool m_isMetadataEdited = false;
+    MetadataEdit m_edit;
     Uprighting m_uprighting; // the user's turns included
     int m_turns = 1;         // the user's alone
     // Set from the overwriting until the new file is read: the turns in its pixels.

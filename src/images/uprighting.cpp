@@ -220,4 +220,16 @@ Result<QImage> readReducedVersion(const UprightVersion &photo, int minimumSide, 
     }
 }
 
+bool turnCachedPhoto(PixelCache &cache, const PixelCache::Key &key, ImageTransform transform)
+{
+    const QImage photo = cache.find(key);
+    if (photo.isNull())
+        return true;
+    const QImage turned = turnedPhoto(photo, transform);
+    if (turned.isNull())
+        return false;
+    cache.insert(key, turned);
+    return true;
+}
+
 } // namespace plexa

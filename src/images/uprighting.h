@@ -4,6 +4,7 @@
 
 #include "imageio/imagesource.h"
 #include "images/photoservices.h"
+#include "images/pixelcache.h"
 #include "images/strips.h"
 
 #include <QSize>
@@ -108,5 +109,9 @@ struct UprightVersion {
 /// @return a failure, too, when the file has another version
 [[nodiscard]] Result<QImage> readReducedVersion(const UprightVersion &photo, int minimumSide,
                                                 const PhotoServices &services, const CancelCheck &isCanceled);
+
+/// Turns the photo in the cache; one that is not there is turned when it is decoded.
+/// @return false, with nothing changed, when there is no memory for that
+bool turnCachedPhoto(PixelCache &cache, const PixelCache::Key &key, ImageTransform transform);
 
 } // namespace plexa

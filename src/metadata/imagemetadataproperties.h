@@ -59,6 +59,7 @@ enum class MetadataForm {
     P(iptcHeadline, setIptcHeadline, Plain, Text, Iptc, kCGImagePropertyIPTCHeadline, QT_TRANSLATE_NOOP("ImageMetadata", "Headline"), true) \
     P(iptcTitle, setIptcTitle, Plain, Text, Iptc, kCGImagePropertyIPTCObjectName, QT_TRANSLATE_NOOP("ImageMetadata", "Title"), true) \
     P(iptcDescription, setIptcDescription, Plain, Text, Iptc, kCGImagePropertyIPTCCaptionAbstract, QT_TRANSLATE_NOOP("ImageMetadata", "Description"), true) \
+    P(iptcKeywords, setIptcKeywords, Plain, TextList, Iptc, kCGImagePropertyIPTCKeywords, QT_TRANSLATE_NOOP("ImageMetadata", "Keywords"), true) \
     P(iptcCopyright, setIptcCopyright, Plain, Text, Iptc, kCGImagePropertyIPTCCopyrightNotice, QT_TRANSLATE_NOOP("ImageMetadata", "Copyright"), true) \
     P(iptcDescriptionWriter, setIptcDescriptionWriter, First, TextList, Iptc, kCGImagePropertyIPTCWriterEditor, QT_TRANSLATE_NOOP("ImageMetadata", "Description writer"), true) \
     P(iptcSublocation, setIptcSublocation, Plain, Text, Iptc, kCGImagePropertyIPTCSubLocation, QT_TRANSLATE_NOOP("ImageMetadata", "Sublocation"), true) \

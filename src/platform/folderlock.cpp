@@ -6,6 +6,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -32,6 +33,20 @@ FolderLock::~FolderLock()
 {
     if (m_descriptor >= 0)
         close(m_descriptor);
+}
+
+int lockOwnFolder(const QString &path)
+{
+    const int folder = open(QFile::encodeName(path).constData(),
+                            O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    struct stat own {
+    };
+    if (folder >= 0 && fstat(folder, &own) == 0 && own.st_uid == geteuid() &&
+        flock(folder, LOCK_EX | LOCK_NB) == 0)
+        return folder;
+    if (folder >= 0)
+        close(folder);
+    return -1;
 }
 
 } // namespace plexa

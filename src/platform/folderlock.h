@@ -24,4 +24,9 @@ private:
     int m_descriptor;
 };
 
+/// Opens and locks a folder of this user for as long as the process lives, so that others can tell folders in
+/// use from those of killed programs. Any thread.
+/// @return a descriptor, which the caller closes; -1: the folder is a link, has another owner or is locked
+int lockOwnFolder(const QString &path);
+
 } // namespace plexa

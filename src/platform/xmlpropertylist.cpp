@@ -167,6 +167,17 @@ Node Builder::leaf(const QString &kind)
     return isRight ? std::move(node) : nullptr;
 }
 
+/// What XML 1.0 can hold, and reads back as it is.
+QString storable(QString text)
+{
+    for (QChar &character : text) {
+        const char16_t code = character.unicode();
+        if ((code < 0x20 && code != u'\t' && code != u'\n') || code >= 0xFFFE)
+            character = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
 } // namespace
 
 bool isXmlPropertyList(QByteArrayView bytes)
@@ -190,6 +201,41 @@ Result<void *> propertyListFromXml(const QByteArray &bytes)
         return top.release();
     return fail(builder.isTooLarge() ? Texts::tr("it holds more than can be read")
                                      : Texts::tr("it is damaged"));
+}
+
+Result<QStringList> stringsFromXml(const QByteArray &bytes)
+{
+    const Result<void *> list = propertyListFromXml(bytes);
+    if (!list)
+        return tl::unexpected(list.error());
+    const Node array(*list);
+    const auto wrongKind = [] { return fail(Texts::tr("it does not hold a list of texts")); };
+    if (plist_get_node_type(array.get()) != PLIST_ARRAY)
+        return wrongKind();
+    QStringList strings;
+    const uint32_t count = plist_array_get_size(array.get());
+    for (uint32_t index = 0; index < count; ++index) {
+        const plist_t item = plist_array_get_item(array.get(), index);
+        if (plist_get_node_type(item) != PLIST_STRING)
+            return wrongKind();
+        uint64_t length = 0;
+        const char *const text = plist_get_string_ptr(item, &length);
+        strings.append(QString::fromUtf8(text, static_cast<qsizetype>(length)));
+    }
+    return strings;
+}
+
+QByteArray xmlFromStrings(const QStringList &strings)
+{
+    const Node array(plist_new_array());
+    for (const QString &string : strings)
+        plist_array_append_item(array.get(), plist_new_string(storable(string).toUtf8().constData()));
+    char *xml = nullptr;
+    uint32_t length = 0;
+    plist_to_xml(array.get(), &xml, &length);
+    const QByteArray bytes(xml, static_cast<qsizetype>(length));
+    plist_to_xml_free(xml);
+    return bytes;
 }
 
 } // namespace plexa

@@ -5,6 +5,7 @@
 #include "platform/result.h"
 
 #include <QByteArrayView>
+#include <QStringList>
 
 namespace plexa
 {
@@ -20,5 +21,12 @@ bool isXmlPropertyList(QByteArrayView bytes);
 /// @return a node of libplist, which the caller frees with plist_free(), or a failure as text that follows a
 /// file's name
 [[nodiscard]] Result<void *> propertyListFromXml(const QByteArray &bytes);
+
+/// Reads a property list in its XML form that is an array of texts.
+/// @return the texts, or a failure as above, also for any other list
+[[nodiscard]] Result<QStringList> stringsFromXml(const QByteArray &bytes);
+
+/// The XML form of an array of texts. Characters that XML cannot hold are replaced by U+FFFD.
+QByteArray xmlFromStrings(const QStringList &strings);
 
 } // namespace plexa

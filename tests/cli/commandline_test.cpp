@@ -3,6 +3,7 @@
 #include "cli/programruns.h"
 #include "presets/savingpreset.h"
 #include "support/datarows.h"
+#include "support/exiftool.h"
 #include "support/photofolder.h"
 #include "support/picturedifference.h"
 
@@ -299,7 +300,7 @@ private Q_SLOTS:
         for (const QJsonValue &token : tokens)
             QVERIFY2(!token[u"example"_s].toString().isEmpty(), qPrintable(token[u"name"_s].toString()));
         const QJsonArray fields = QJsonDocument::fromJson(run("fields --json").out).array();
-        QCOMPARE(fields.size(), 44 + 8);
+        QCOMPARE(fields.size(), 44 + 8 + 44);
         const QJsonArray width = QJsonDocument::fromJson(run("fields --json width").out).array();
         QCOMPARE(width.size(), 1);
         QCOMPARE(width[0][u"highest"_s], QJsonValue(100'000));
@@ -311,12 +312,55 @@ private Q_SLOTS:
                  "                          offsetVerticalUnit; default: 1\n");
         QVERIFY(run("tokens").out.contains("\n  filename              IMG_4211\n"));
         QCOMPARE(run("fields nope").status, 2);
+        const ProgramRun manual = run("--manual");
+        QCOMPARE(manual.status, 0);
+        for (const char *part : {".SS presets\n", "\\fB\\-o\\fR, \\fB\\-\\-output\\fR \\fIDIR\\fR\n",
+                                 "\\fBtiffCompressionLZW\\fR\n", "\\fB{watermark preset name}\\fR\n"})
+            QVERIFY2(manual.out.contains(part), part);
+        QVERIFY(!manual.out.contains("DejaVu"));
         for (const char *command : {"--help", "save --help", "inspect --help", "presets --help",
                                     "fields --help", "tokens --help", "fields"}) {
             const ProgramRun printed = run(command);
             QCOMPARE(printed.status, 0);
             for (const QString &line : QString::fromUtf8(printed.out).split(u'\n'))
                 QVERIFY2(line.size() <= 80, qPrintable(line));
+        }
+    }
+
+    void editsMetadata()
+    {
+        PLEXA_NEEDS_PROGRAMS("exiftool");
+        outputOf("exiftool -q -overwrite_original -EXIF:Artist=Bob -IPTC:City=Rome -IPTC:Headline=News "
+                 "-IPTC:CopyrightNotice=Mine -XMP-photoshop:City=Rome -GPS:GPSLatitude=1 %1",
+                 path("in/b.jpg"));
+        const QString out = path("out");
+        QCOMPARE(run("save --text x --output %1 --clear all-but-copyright --meta iptcCity=Oslo --meta "
+                     "iptcCreator=Ada --meta iptcKeywords=sea,sky --meta exifExposureTime=1/125 --name "
+                     "{city} %2",
+                     out, path("in/b.jpg"))
+                     .status,
+                 0);
+        const QString copy = out + u"/Oslo.jpg"_s;
+        for (const auto &[tag, value] : {std::pair("IPTC:City", "Oslo"),
+                                         {"XMP:City", "Oslo"},
+                                         {"IPTC:By-line", "Ada"},
+                                         {"EXIF:Artist", "Ada"},
+                                         {"IPTC:Keywords", "sea\nsky"},
+                                         {"EXIF:ExposureTime", "0.008"},
+                                         {"IPTC:Headline", ""},
+                                         {"IPTC:CopyrightNotice", "Mine"},
+                                         {"GPS:GPSLatitude", ""}})
+            QCOMPARE(exiftoolValue(copy, QString::fromUtf8(tag)).trimmed(), QByteArray(value));
+        for (const auto &[arguments, message] :
+             {std::pair("--meta iptcTown=x", "\"plexa-cli fields\" lists the fields"),
+              {"--meta iptccity=x", "did you mean \"iptcCity\"?"},
+              {"--meta exifISOSpeed=fast", "exifISOSpeed: it must be a whole number from 0 to 65535"},
+              {"--meta exifDateTimeOriginalStr=today", "it must be a date"},
+              {"--clear everything", "the groups are all, all-but-copyright,"}}) {
+            const ProgramRun refused =
+                run((QByteArray("save --text x %1 ") + arguments).constData(), path("in"));
+            QCOMPARE(refused.status, 2);
+            QVERIFY2(refused.err.contains(message), refused.err.constData());
         }
     }
 

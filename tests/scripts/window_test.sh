@@ -21,17 +21,7 @@ if [[ ${1-} != --inside ]]; then
     trap '[[ -z $server ]] || kill "$server" 2>/dev/null || true; rm -rf "$work" "$stand_in"' EXIT
     start_display 1280x800
     # A bus that starts no services, and a substitute for xdg-open, which opens folders without a file manager.
-    cat >"$work/bus.conf" <<'CONFIG'
-<busconfig>
-  <type>session</type>
-  <listen>unix:tmpdir=/tmp</listen>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-CONFIG
+    write_bus_configuration ''
     ln -s "$(realpath "${BASH_SOURCE[0]}")" "$stand_in/xdg-open"
     export PATH=$stand_in:$PATH PLEXA_OPENED=$work/opened.txt
     dbus-run-session --config-file="$work/bus.conf" -- "${BASH_SOURCE[0]}" --inside "$plexa" "$samples" "$work"
@@ -61,6 +51,14 @@ picture empty
 timeout 20 "$plexa" "$samples/apple.png" "$samples/still-life.jpg" || fail 'the second start did not hand over'
 picture grid
 differ empty grid
+# The action of the desktop file asks for photos.
+timeout 20 "$plexa" --add-photos || fail 'the action was not handed over'
+wait_until 'the action did not ask for photos' xdotool search --onlyvisible --name '^Add Photos'
+chooser=$(xdotool search --onlyvisible --name '^Add Photos' | tail -n 1)
+xdotool windowfocus --sync "$chooser" key Escape
+no_chooser() { ! xdotool search --onlyvisible --name '^Add Photos'; }
+wait_until 'the question for photos stayed' no_chooser
+xdotool windowfocus --sync "$window"
 xdotool key ctrl+b # the table
 picture two
 differ grid two

@@ -23,6 +23,22 @@ start_display() { # SIZE
     unset DBUS_SESSION_BUS_ADDRESS
 }
 
+# Writes $work/bus.conf: a session bus that starts no services, except those of an element <servicedir>.
+write_bus_configuration() { # ELEMENT-OR-NOTHING
+    cat >"$work/bus.conf" <<CONFIG
+<busconfig>
+  <type>session</type>
+  <listen>unix:tmpdir=/tmp</listen>
+  $1
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+CONFIG
+}
+
 fail() {
     echo "FAIL: $1"
     import -window root "${PLEXA_BINARY_DIR:-$work}/window-test-failure.png" || true

@@ -6,6 +6,7 @@
 #include "imageio/embedded/exif/exifvalues.h"
 #include "imageio/embedded/exif/exiv2setup.h"
 #include "imageio/embedded/metadatareading.h"
+#include "imageio/embedded/textsoftiff.h"
 #include "imageio/embedded/xmp/decodedxmp.h"
 #include "metadata/propertykeys.h"
 
@@ -16,7 +17,7 @@ namespace plexa
 
 struct EmbeddedMetadata::Data {
     MetadataSet set;
-    QVariantMap ownProperties; ///< without facts that only a PNG's texts hold
+    QVariantMap ownProperties; ///< without facts that only a PNG's texts hold, and texts of TIFF in IPTC
     QVariantMap properties;
 };
 
@@ -33,7 +34,7 @@ std::shared_ptr<const EmbeddedMetadata> EmbeddedMetadata::read(QIODevice &device
     try {
         data->set = readMetadataSet(device);
         data->ownProperties = propertiesOfMetadata(data->set, decodedXmp(data->set).data);
-        data->properties = withPngTexts(data->ownProperties, data->set.texts);
+        data->properties = withTextsOfTiff(withPngTexts(data->ownProperties, data->set.texts));
         if (const QVariantMap png = pngTextProperties(data->set.texts); !png.isEmpty())
             data->properties.insert(kCGImagePropertyPNGDictionary, png);
     } catch (const std::bad_alloc &) {
@@ -75,7 +76,8 @@ EmbeddedMetadata::Encoded EmbeddedMetadata::encodeForCopy(const QVariantMap &pro
 {
     try {
         // Facts of the texts alone reach the copy's other places like an edit: a JPEG has no texts.
-        Encoded encoded = encodedForCopy(m_data->set, m_data->ownProperties, properties, facts);
+        Encoded encoded = encodedForCopy(m_data->set, m_data->ownProperties,
+                                         withoutTextsOfTiff(properties, m_data->ownProperties), facts);
         encoded.texts = pngTextsForCopy(m_data->set.texts, m_data->properties, properties, facts.cleared);
         return encoded;
     } catch (const std::exception &) {

@@ -40,7 +40,8 @@ public:
     /// The part of the property dictionary that comes from metadata: "Orientation", "DPIWidth", "DPIHeight",
     /// "{TIFF}", "{Exif}", "{ExifAux}", "{IPTC}", "{GPS}", "{PNG}" (its texts) as far as the file has them
     /// (keys: metadata/propertykeys.h). The author, copyright, title and description of a PNG's texts stand
-    /// in where no other place holds them. Size, depth, color model and profile come from the codec.
+    /// in where no other place holds them, and creator, copyright notice and caption of EXIF in "{IPTC}"
+    /// where IPTC and XMP have none. Size, depth, color model and profile come from the codec.
     QVariantMap properties() const;
 
     /// Does the EXIF carry a thumbnail?

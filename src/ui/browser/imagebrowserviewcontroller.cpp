@@ -119,6 +119,8 @@ void ImageBrowserViewController::connectAll()
     connect(&m_thumbnails, &Thumbnails::changed, this,
             [this](const ImageObject *image) { m_view.refreshImage(image); });
     connect(&m_app, &AppController::previewOutdated, this, &ImageBrowserViewController::followPresets);
+    connect(&m_app.appliedPresets(), &AppliedPresets::selectedRowsChanged, this,
+            &ImageBrowserViewController::followPresets);
     connect(&set, &ImageSet::imageListModeChanged, this, &ImageBrowserViewController::followVisibleImages);
 }
 
@@ -165,7 +167,7 @@ void ImageBrowserViewController::followVisibleImages()
 
 void ImageBrowserViewController::followPresets()
 {
-    m_thumbnails.setPresets(m_showsWatermarks ? m_app.appliedPresets().effectivePresetsNow()
+    m_thumbnails.setPresets(m_showsWatermarks ? m_app.appliedPresets().presetsOfOneCopyNow()
                                               : std::vector<AppliedPreset>());
 }
 

@@ -2,15 +2,14 @@
 
 #include "ui/browser/privatefolders.h"
 
+#include "platform/folderlock.h"
+
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace plexa
@@ -25,22 +24,6 @@ constexpr qint64 kKeptSeconds = 30 * 60;
 QString namePrefix()
 {
     return QCoreApplication::applicationName() + QStringLiteral("-copies-");
-}
-
-/// Opens and locks a folder of this user; the system releases the lock when the process ends.
-/// @return a descriptor; -1 if the folder has another owner or is locked
-int lockedFolder(const QString &path)
-{
-    const int folder = open(QFile::encodeName(path).constData(),
-                            O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    struct stat own {
-    };
-    if (folder >= 0 && fstat(folder, &own) == 0 && own.st_uid == geteuid() &&
-        flock(folder, LOCK_EX | LOCK_NB) == 0)
-        return folder;
-    if (folder >= 0)
-        close(folder);
-    return -1;
 }
 
 } // namespace
@@ -58,7 +41,7 @@ QString PrivateFolders::make()
     for (int attempt = 0; !m_root && attempt < kAttempts; ++attempt) {
         auto root = std::make_unique<QTemporaryDir>(QDir::tempPath() + QLatin1Char('/') + namePrefix() +
                                                     QStringLiteral("XXXXXX"));
-        m_lock = root->isValid() ? lockedFolder(root->path()) : -1;
+        m_lock = root->isValid() ? lockOwnFolder(root->path()) : -1;
         if (m_lock >= 0 || attempt + 1 == kAttempts)
             m_root = std::move(root);
     }
@@ -80,7 +63,7 @@ int PrivateFolders::removeLeftovers()
     const QDir temporary(QDir::tempPath());
     for (const QString &name : temporary.entryList({namePrefix() + QStringLiteral("??????")},
                                                    QDir::Dirs | QDir::Hidden | QDir::NoSymLinks)) {
-        const int folder = lockedFolder(temporary.filePath(name));
+        const int folder = lockOwnFolder(temporary.filePath(name));
         if (folder < 0)
             continue;
         removed += QDir(temporary.filePath(name)).removeRecursively() ? 1 : 0;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "presets/savingpreset.h"
+#include "ui/editors/fieldchoices.h"
 #include "ui/editors/tokenfieldwithinsertpopup.h"
 #include "ui/widgets/choicebuttons.h"
 #include "ui/widgets/colorwell.h"
@@ -234,7 +235,7 @@ void BinderOf<Preset, Field>::bind(Field field, QComboBox &box)
 {
     if (box.count() == 0) {
         for (const QString &choice : limits(field).choices)
-            box.addItem(choice, choice);
+            box.addItem(shownChoice(choice), choice);
     }
     QObject::connect(&box, &QComboBox::activated, &m_context,
                      [this, field, &box](int index) { write(field, box.itemData(index).toString()); });

@@ -225,7 +225,8 @@ void TokenFieldWithInsertPopup::keyPressEvent(QKeyEvent *event)
         return;
     }
     QTextEdit::keyPressEvent(event);
-    m_completion->keyHandled(!event->text().isEmpty());
+    // Shortcuts have texts of control characters.
+    m_completion->keyHandled(!event->text().isEmpty() && event->text().front().isPrint());
 }
 
 bool TokenFieldWithInsertPopup::focusNextPrevChild(bool next)

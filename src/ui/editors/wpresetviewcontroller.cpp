@@ -43,7 +43,7 @@ void fillBlendModes(QComboBox &popUp)
         if (popUp.count() > 0)
             popUp.insertSeparator(popUp.count());
         for (const char *name : group)
-            popUp.addItem(QLatin1String(name), QLatin1String(name));
+            popUp.addItem(shownChoice(QLatin1String(name)), QLatin1String(name));
     }
 }
 

@@ -3,7 +3,6 @@
 #include "ui/preview/imageviewcontroller.h"
 
 #include "app/appcontroller.h"
-#include "platform/settings.h"
 #include "platform/userdefaults.h"
 
 #include <QFileInfo>
@@ -20,11 +19,9 @@ constexpr double kZoomStep = 0.1;
 
 } // namespace
 
-ImageViewController::ImageViewController(AppController &app, ImageViewWithWatermarkControl &view,
-                                         UserDefaults &defaults)
+ImageViewController::ImageViewController(AppController &app, ImageViewWithWatermarkControl &view)
     : m_app(app)
     , m_view(view)
-    , m_defaults(defaults)
     , m_renderer(app.photoServices().fonts)
 {
     m_view.setImagePadding(0);
@@ -136,17 +133,11 @@ void ImageViewController::refresh()
 {
     request(PreviewRequest::Quality::Screen);
     const AppliedPresets &applied = m_app.appliedPresets();
-    const bool isOneWanted =
-        m_imageObject && !isCombined() && !applied.currentWPreset() && !applied.effectivePresets().empty();
+    const bool isOneWanted = m_imageObject && !applied.areCombined() && !applied.currentWPreset() &&
+                             !applied.effectivePresets().empty();
     const QString hint = isOneWanted ? tr("Select one applied preset to see it.") : QString();
     if (std::exchange(m_hint, hint) != hint)
         Q_EMIT infoChanged();
-}
-
-bool ImageViewController::isCombined() const
-{
-    return !m_app.appliedPresets().isInSingleMode() &&
-           m_defaults.boolForKey(settings::combineAllAppliedPresetsInImage);
 }
 
 void ImageViewController::request(PreviewRequest::Quality quality)
@@ -162,7 +153,7 @@ void ImageViewController::request(PreviewRequest::Quality quality)
     request.photo = m_imageObject;
     request.photoVersion = m_photoVersion;
     const AppliedPresets &applied = m_app.appliedPresets();
-    if (isCombined())
+    if (applied.areCombined())
         request.presets = applied.effectivePresetsNow();
     else if (const std::shared_ptr<WPreset> current = applied.currentWPreset())
         request.presets = {{current, current->values()}};
@@ -187,7 +178,7 @@ void ImageViewController::show(const PreviewPicture &picture)
     if (picture.serial == m_serial) { // an older one may be from before the user moved the watermark
         if (picture.watermarkRect && !m_draggedTo)
             m_view.setWatermarkRect(*picture.watermarkRect);
-        m_view.setShowWatermarkRect(picture.watermarkRect && !isCombined());
+        m_view.setShowWatermarkRect(picture.watermarkRect && !m_app.appliedPresets().areCombined());
     }
     if (m_messages != picture.messages) {
         m_messages = picture.messages;

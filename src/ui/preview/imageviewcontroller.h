@@ -12,7 +12,6 @@ namespace plexa
 {
 
 class AppController;
-class UserDefaults;
 
 /// Shows the photo that has the focus in the preview, with the watermarks that a copy would have, and stores
 /// the places to which the user drags them. Main thread.
@@ -25,7 +24,7 @@ public:
     enum class ZoomExtreme { Fit, FullSize };
 
     /// All of them outlive this object.
-    ImageViewController(AppController &app, ImageViewWithWatermarkControl &view, UserDefaults &defaults);
+    ImageViewController(AppController &app, ImageViewWithWatermarkControl &view);
 
     /// @param image  loaded; null shows none
     void setImageObject(const std::shared_ptr<ImageObject> &image);
@@ -64,11 +63,9 @@ private:
     void request(PreviewRequest::Quality quality);
     void show(const PreviewPicture &picture);
     void drag(const std::optional<QPointF> &origin);
-    bool isCombined() const;
 
     AppController &m_app;
     ImageViewWithWatermarkControl &m_view;
-    UserDefaults &m_defaults;
     std::shared_ptr<ImageObject> m_imageObject;
     int m_photoVersion = 0;
     int m_serial = 0; // of the newest request

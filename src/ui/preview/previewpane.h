@@ -14,7 +14,6 @@ class CommandActions;
 class ElidedLabel;
 class ImageViewController;
 class ImageViewWithWatermarkControl;
-class UserDefaults;
 class ZoomSlider;
 
 /// The upper half of the main window's left side: the preview, and below it what is known about the photo and
@@ -26,7 +25,6 @@ class PreviewPane final : public QWidget
 public:
     struct Services {
         AppController &controller;
-        UserDefaults &defaults;
         CommandActions &actions;
     };
 

@@ -11,11 +11,13 @@
 #include "ui/editors/savingpresetview.h"
 #include "ui/widgets/choicebuttons.h"
 #include "ui/widgets/elidedlabel.h"
+#include "ui/widgets/linebreaks.h"
 #include "ui/widgets/look.h"
 #include "ui/widgets/sectiontitle.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QFormLayout>
@@ -26,6 +28,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QStandardPaths>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -105,7 +108,6 @@ SaveMultiplePanel::SaveMultiplePanel(const Services &services, QWidget *parent)
     m_examples->setObjectName(QStringLiteral("exampleNames"));
     m_examples->setTextFormat(Qt::PlainText);
     m_examples->setWordWrap(true);
-    m_examples->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto *const copies = new QVBoxLayout;
     copies->setSpacing(look::kSmallGap);
     copies->addWidget(m_count);
@@ -130,18 +132,8 @@ QWidget *SaveMultiplePanel::makeDestination()
     connect(m_radioButtons, &ChoiceButtons::chosen, this, &SaveMultiplePanel::radioButtonChosen);
     m_destinationForm->addRow(tr("Save copies"), m_radioButtons);
 
-    const auto folderRow = [](ElidedLabel *label, QPushButton *button) {
-        auto *const row = new QWidget;
-        auto *const layout = new QHBoxLayout(row);
-        layout->setContentsMargins(0, 0, 0, 0);
-        layout->setSpacing(look::kGap);
-        layout->addWidget(label, 1);
-        layout->addWidget(button);
-        return row;
-    };
-    m_destinationRow = folderRow(m_destinationLabel,
-                                 makeFolderButton(QStringLiteral("destPathControl"), tr("Choose the folder"),
-                                                  *m_destinationLabel, m_destination, true));
+    m_destinationRow = makeFolderRow(QStringLiteral("destPathControl"), tr("Choose the folder"),
+                                     {*m_destinationLabel, m_destination, true});
     m_destinationForm->addRow(tr("Folder"), m_destinationRow);
     m_replicates->setObjectName(QStringLiteral("replicateOrigDirStructureCheckBox"));
     m_replicates->setToolTip(tr("Copies of photos in subfolders go into subfolders of the same names"));
@@ -151,25 +143,52 @@ QWidget *SaveMultiplePanel::makeDestination()
         showExamples();
     });
     m_destinationForm->addRow(QString(), m_replicates);
-    m_replicationRow =
-        folderRow(m_replicationLabel, makeFolderButton(QStringLiteral("replicationPathControl"),
-                                                       tr("Choose the folder whose subfolders are recreated"),
-                                                       *m_replicationLabel, m_replicationStart, false));
+    m_replicationRow = makeFolderRow(QStringLiteral("replicationPathControl"),
+                                     tr("Choose the folder whose subfolders are recreated"),
+                                     {*m_replicationLabel, m_replicationStart, false});
     m_destinationForm->addRow(tr("Starting from"), m_replicationRow);
     return destination;
 }
 
-QPushButton *SaveMultiplePanel::makeFolderButton(const QString &name, const QString &purpose,
-                                                 ElidedLabel &label, QString &path, bool isOutput)
+QWidget *SaveMultiplePanel::makeFolderRow(const QString &name, const QString &purpose,
+                                          const FolderControl &control)
 {
     auto *const button = new QPushButton(tr("Choose…"));
     button->setObjectName(name);
     button->setAccessibleName(purpose);
     button->setToolTip(purpose);
     button->setAutoDefault(false); // Enter saves
-    connect(button, &QAbstractButton::clicked, this,
-            [this, &label, &path, isOutput] { chooseFolder(label, path, isOutput); });
-    return button;
+    connect(button, &QAbstractButton::clicked, this, [this, control] { chooseFolder(control); });
+
+    auto *const above = new QToolButton;
+    above->setObjectName(name + QLatin1StringView("Components"));
+    above->setIcon(QIcon(QStringLiteral(":/icons/show-folder.svg")));
+    above->setAccessibleName(tr("Folders above"));
+    above->setToolTip(tr("Choose one of the folders above this one"));
+    above->setFocusPolicy(Qt::TabFocus);
+    above->setPopupMode(QToolButton::InstantPopup);
+    auto *const menu = new QMenu(above);
+    above->setMenu(menu);
+    connect(menu, &QMenu::aboutToShow, this, [this, menu, control] {
+        menu->clear();
+        QDir folder(control.path);
+        while (!control.path.isEmpty() && !folder.isRoot()) {
+            folder.setPath(QFileInfo(folder.absolutePath()).path());
+            menu->addAction(folder.path().replace(u'&', QLatin1StringView("&&")), this,
+                            [this, control, path = folder.path()] { setFolder(control, path); });
+        }
+        if (menu->isEmpty())
+            menu->addAction(tr("There is no folder above"))->setEnabled(false);
+    });
+
+    auto *const row = new QWidget;
+    auto *const layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(look::kGap);
+    layout->addWidget(&control.label, 1);
+    layout->addWidget(above);
+    layout->addWidget(button);
+    return row;
 }
 
 QWidget *SaveMultiplePanel::makePreset()
@@ -184,6 +203,9 @@ QWidget *SaveMultiplePanel::makePreset()
     connect(&m_services.controller, &AppController::previewOutdated, this,
             &SaveMultiplePanel::otherPresetsChanged);
     connect(&store.savingPresetList(), &PresetListSignals::edited, this,
+            &SaveMultiplePanel::otherPresetsChanged);
+    // The window of metadata may be open beside the panel.
+    connect(&m_services.controller.metadataEditing(), &MetadataEditing::changed, this,
             &SaveMultiplePanel::otherPresetsChanged);
     follow();
     m_presetView->setObjectName(QStringLiteral("quickSavingPresetView"));
@@ -229,9 +251,7 @@ void SaveMultiplePanel::setupControls()
                                                                                   : BesideOriginals);
     const QString stored = defaults.stringForKey(settings::savingDirectory);
     m_destination = resolved(stored.isEmpty() ? picturesFolder() : stored);
-    const QString start = defaults.stringForKey(settings::replicationStartDirectory);
-    if (!start.isEmpty())
-        m_replicationStart = start;
+    m_replicationStart = defaults.stringForKey(settings::replicationStartDirectory);
     m_destinationLabel->setText(m_destination);
     m_replicationLabel->setText(m_replicationStart.isEmpty() ? tr("the root folder") : m_replicationStart);
     m_replicates->setChecked(defaults.boolForKey(settings::replicateOrigDirStructure));
@@ -248,22 +268,26 @@ void SaveMultiplePanel::radioButtonChosen()
     showExamples();
 }
 
-void SaveMultiplePanel::chooseFolder(ElidedLabel &label, QString &path, bool isOutput)
+void SaveMultiplePanel::chooseFolder(const FolderControl &control)
 {
-    auto *const dialog =
-        new QFileDialog(this, isOutput ? tr("Folder of the Copies") : tr("Start Folder"), path);
+    auto *const dialog = new QFileDialog(
+        this, control.isOutput ? tr("Folder of the Copies") : tr("Start Folder"), control.path);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::Directory);
     dialog->setOption(QFileDialog::ShowDirsOnly);
-    dialog->setOption(QFileDialog::ReadOnly, !isOutput); // no new folders where none is needed
-    connect(dialog, &QFileDialog::fileSelected, this, [this, &label, &path, isOutput](const QString &chosen) {
-        path = chosen;
-        label.setText(chosen);
-        if (!isOutput)
-            m_services.defaults.setObject(kChosenReplicationFolder, chosen);
-        showExamples();
-    });
+    dialog->setOption(QFileDialog::ReadOnly, !control.isOutput); // no new folders where none is needed
+    connect(dialog, &QFileDialog::fileSelected, this,
+            [this, control](const QString &chosen) { setFolder(control, chosen); });
     dialog->open();
+}
+
+void SaveMultiplePanel::setFolder(const FolderControl &control, const QString &path)
+{
+    control.path = path;
+    control.label.setText(path);
+    if (!control.isOutput)
+        m_services.defaults.setObject(kChosenReplicationFolder, path);
+    showExamples();
 }
 
 void SaveMultiplePanel::showSavingPresetsMenu()
@@ -288,8 +312,7 @@ std::vector<SaveMultiplePanel::Copy> SaveMultiplePanel::copiesOfPhoto() const
 {
     const AppliedPresets &applied = m_services.controller.appliedPresets();
     const UserDefaults &defaults = m_services.defaults;
-    const bool isCombined =
-        !applied.isInSingleMode() && defaults.boolForKey(settings::combineAllAppliedPresetsInImage);
+    const bool isCombined = applied.areCombined();
     std::vector<Copy> copies;
     for (const AppliedPreset &preset : applied.effectivePresetsNow()) {
         if (isCombined && !copies.empty()) {
@@ -377,7 +400,7 @@ void SaveMultiplePanel::showExamples()
     }
     if (count > kExamples)
         lines.append(QStringLiteral("…"));
-    m_examples->setText(lines.join(u'\n'));
+    m_examples->setText(withLineBreaks(lines.join(u'\n')));
     showCount();
     makeRoom();
 }

@@ -57,11 +57,17 @@ private:
     QWidget *makeDestination();
     QWidget *makePreset();
     QWidget *makeButtons();
-    QPushButton *makeFolderButton(const QString &name, const QString &purpose, ElidedLabel &label,
-                                  QString &path, bool isOutput);
+    /// A folder that the user chooses.
+    struct FolderControl {
+        ElidedLabel &label;
+        QString &path;
+        bool isOutput;
+    };
+    QWidget *makeFolderRow(const QString &name, const QString &purpose, const FolderControl &control);
     void setupControls();
     void radioButtonChosen();
-    void chooseFolder(ElidedLabel &label, QString &path, bool isOutput);
+    void chooseFolder(const FolderControl &control);
+    void setFolder(const FolderControl &control, const QString &path);
     void showSavingPresetsMenu();
     /// A copy that each photo gets.
     struct Copy : SizeEstimate::Copy {

@@ -217,6 +217,14 @@ void PresetListView::keyPressEvent(QKeyEvent *event)
     case Qt::Key_Enter:
         Q_EMIT returnPressed();
         return;
+    case Qt::Key_Down:
+    case Qt::Key_Home:
+        // The focus is on the first row, and would be moved to the second one, or not at all.
+        if (isBare && selectedRows().isEmpty() && currentIndex().row() == 0) {
+            selectionModel()->select(currentIndex(), QItemSelectionModel::ClearAndSelect);
+            return;
+        }
+        [[fallthrough]];
     default:
         QListView::keyPressEvent(event);
     }

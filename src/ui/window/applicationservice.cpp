@@ -44,6 +44,15 @@ QVariantMap ownPlatformData()
     return data;
 }
 
+/// Calls the interface in the process that has the name. @return false if it does not answer
+bool callOther(const QString &method, const QVariantList &arguments)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(serviceName(), objectPath(), kInterface, method);
+    call.setArguments(arguments + QVariantList{ownPlatformData()});
+    const QDBusMessage reply = QDBusConnection::sessionBus().call(call, QDBus::Block, kAnswerMilliseconds);
+    return reply.type() == QDBusMessage::ReplyMessage;
+}
+
 /// Qt gives the token to the window system when the window is raised.
 void applyPlatformData(const QVariantMap &data)
 {
@@ -84,18 +93,17 @@ bool ApplicationService::registerOnBus()
 
 bool ApplicationService::handOver(const QStringList &paths)
 {
-    QDBusMessage call =
-        QDBusMessage::createMethodCall(serviceName(), objectPath(), kInterface,
-                                       paths.isEmpty() ? QStringLiteral("Activate") : QStringLiteral("Open"));
-    if (!paths.isEmpty()) {
-        QStringList uris;
-        for (const QString &path : paths)
-            uris.append(QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded));
-        call << uris;
-    }
-    call << ownPlatformData();
-    const QDBusMessage reply = QDBusConnection::sessionBus().call(call, QDBus::Block, kAnswerMilliseconds);
-    return reply.type() == QDBusMessage::ReplyMessage;
+    if (paths.isEmpty())
+        return callOther(QStringLiteral("Activate"), {});
+    QStringList uris;
+    for (const QString &path : paths)
+        uris.append(QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded));
+    return callOther(QStringLiteral("Open"), {uris});
+}
+
+bool ApplicationService::handOverAction(const QString &name)
+{
+    return callOther(QStringLiteral("ActivateAction"), {name, QVariant(QVariantList())});
 }
 
 void ApplicationService::Activate(const QVariantMap &platformData)
@@ -116,9 +124,11 @@ void ApplicationService::Open(const QStringList &uris, const QVariantMap &platfo
     Q_EMIT opened(paths);
 }
 
-void ApplicationService::ActivateAction(const QString &, const QVariantList &, const QVariantMap &)
+void ApplicationService::ActivateAction(const QString &name, const QVariantList &,
+                                        const QVariantMap &platformData)
 {
-    // The desktop file announces no actions.
+    applyPlatformData(platformData);
+    Q_EMIT actionWanted(name);
 }
 
 } // namespace plexa

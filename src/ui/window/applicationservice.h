@@ -37,6 +37,10 @@ public:
     /// @return false if it does not answer
     static bool handOver(const QStringList &paths);
 
+    /// Asks the process that has the name to carry out an action of the desktop file.
+    /// @return false if it does not answer
+    static bool handOverAction(const QString &name);
+
 public Q_SLOTS:
     // The interface of org.freedesktop.Application.
     Q_SCRIPTABLE void Activate(const QVariantMap &platformData);
@@ -47,6 +51,9 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// Files to open; none: only shows the window.
     void opened(const QStringList &paths);
+
+    /// An action of the desktop file, by its name there.
+    void actionWanted(const QString &name);
 
 private:
     bool m_isReachable = false;

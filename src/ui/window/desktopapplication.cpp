@@ -51,6 +51,7 @@ DesktopApplication::DesktopApplication(ApplicationService &service)
     , m_delegate(
           {m_defaults, m_alerts, m_controller, [](const QUrl &url) { QDesktopServices::openUrl(url); }})
     , m_window({m_controller, m_defaults, m_alerts, workerThreads()})
+    , m_session(m_controller, m_alerts)
 {
     m_alerts.setWindow(&m_window);
     // Closing the window quits only where no other process can reach this one.
@@ -61,6 +62,8 @@ DesktopApplication::DesktopApplication(ApplicationService &service)
     connect(&m_delegate, &AppDelegate::windowWanted, &m_window, &MainWindow::present);
     // Queued: the sender waits for the reply of the call, which must not wait for the user.
     connect(&m_service, &ApplicationService::opened, &m_delegate, &AppDelegate::openFiles,
+            Qt::QueuedConnection);
+    connect(&m_service, &ApplicationService::actionWanted, this, &DesktopApplication::runAction,
             Qt::QueuedConnection);
     m_window.actions().setHandler(ActionId::Feedback,
                                   [] { QDesktopServices::openUrl(AppDelegate::feedbackPage()); });
@@ -78,8 +81,16 @@ void DesktopApplication::launch(const QStringList &paths)
         m_defaults.boolForKey(settings::imageListIsInBrowserMode));
     m_window.show();
     m_delegate.applicationDidFinishLaunching();
+    m_session.begin();
     if (!paths.isEmpty())
         m_delegate.openFiles(paths);
+}
+
+void DesktopApplication::runAction(const QString &name)
+{
+    m_window.present();
+    if (name == QLatin1StringView(kAddPhotosAction))
+        m_window.actions().run(ActionId::AddImages);
 }
 
 void DesktopApplication::windowClosed()
@@ -161,6 +172,7 @@ void DesktopApplication::quit()
     m_service.release(); // a process that starts from now on must not send its files here
     m_delegate.applicationWillTerminate();
     m_window.close();
+    m_session.end();
     QCoreApplication::quit();
 }
 

@@ -4,6 +4,7 @@
 
 #include "app/appcontroller.h"
 #include "app/appdelegate.h"
+#include "app/sessionrecord.h"
 #include "platform/userdefaults.h"
 #include "presets/presetsstore.h"
 #include "ui/window/mainwindow.h"
@@ -15,6 +16,9 @@ namespace plexa
 {
 
 class ApplicationService;
+
+/// The action of the desktop file, and the option of the command line.
+inline constexpr char kAddPhotosAction[] = "add-photos";
 
 /// The program with its window: creates and connects the objects, launches and quits.
 class DesktopApplication final : public QObject
@@ -28,6 +32,9 @@ public:
 
     /// Shows the window and opens the files.
     void launch(const QStringList &paths);
+
+    /// Carries out an action of the desktop file: shows the window and asks for photos. Ignores other names.
+    void runAction(const QString &name);
 
     /// Quits without a question; copies that were begun are completed.
     void terminate();
@@ -55,6 +62,7 @@ private:
     AppController m_controller;
     AppDelegate m_delegate;
     MainWindow m_window;
+    SessionRecord m_session;
 };
 
 } // namespace plexa

@@ -27,24 +27,44 @@ void nameApplication()
     QGuiApplication::setDesktopFileName(QString::fromLatin1(plexa::identity::kApplicationId));
 }
 
-/// The absolute paths of the files on the command line. Ends the program if it asks for help.
-QStringList filesToOpen(const QCoreApplication &application)
+struct Arguments {
+    QStringList paths; ///< absolute
+    bool addsPhotos = false;
+};
+
+/// Ends the program if the command line asks for help.
+Arguments argumentsOf(const QCoreApplication &application)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QCoreApplication::translate("main", "Watermarks photographs in batches."));
     parser.addHelpOption();
     parser.addVersionOption();
+    const QCommandLineOption addPhotos(
+        QString::fromLatin1(plexa::kAddPhotosAction),
+        QCoreApplication::translate("main",
+                                    "Ask for photos to add, in the window that is open or a new one."));
+    parser.addOption(addPhotos);
     parser.addPositionalArgument(QStringLiteral("files"),
                                  QCoreApplication::translate("main", "Photos and folders of photos to open."),
                                  QStringLiteral("[files...]"));
     parser.process(application);
-    QStringList paths;
+    Arguments arguments;
+    arguments.addsPhotos = parser.isSet(addPhotos);
     for (const QString &file : parser.positionalArguments()) {
         const QUrl url(file);
-        paths.append(url.isLocalFile() ? url.toLocalFile() : QFileInfo(file).absoluteFilePath());
+        arguments.paths.append(url.isLocalFile() ? url.toLocalFile() : QFileInfo(file).absoluteFilePath());
     }
-    return paths;
+    return arguments;
+}
+
+/// Sends the files and the action to the process that has the name. @return false if it does not answer
+bool handOver(const Arguments &arguments)
+{
+    using plexa::ApplicationService;
+    return ApplicationService::handOver(arguments.paths) &&
+           (!arguments.addsPhotos ||
+            ApplicationService::handOverAction(QString::fromLatin1(plexa::kAddPhotosAction)));
 }
 
 /// Whether the program only prints its help or version, which needs no display.
@@ -61,17 +81,17 @@ int main(int argc, char **argv)
     nameApplication();
     if (isQuestion(argc, argv)) {
         const QCoreApplication application(argc, argv);
-        filesToOpen(application); // ends the program
+        argumentsOf(application); // ends the program
     }
     QApplication application(argc, argv);
     plexa::setLightAppearance(application);
     QGuiApplication::setWindowIcon(
         QIcon(QStringLiteral(":/icons/%1.svg").arg(QGuiApplication::desktopFileName())));
-    const QStringList paths = filesToOpen(application);
+    const Arguments arguments = argumentsOf(application);
 
     plexa::ApplicationService service;
     if (!service.registerOnBus()) {
-        if (plexa::ApplicationService::handOver(paths))
+        if (handOver(arguments))
             return 0;
         service.registerOnBus(); // the other process may have ended meanwhile
     }
@@ -79,6 +99,10 @@ int main(int argc, char **argv)
     const plexa::TerminationSignals terminations;
     QObject::connect(&terminations, &plexa::TerminationSignals::received, &program,
                      &plexa::DesktopApplication::terminate);
-    program.launch(paths);
+    program.launch(arguments.paths);
+    if (arguments.addsPhotos)
+        QMetaObject::invokeMethod(
+            &program, [&program] { program.runAction(QString::fromLatin1(plexa::kAddPhotosAction)); },
+            Qt::QueuedConnection);
     return QApplication::exec();
 }

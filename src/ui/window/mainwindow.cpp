@@ -117,7 +117,7 @@ void MainWindow::makeViews()
 /// Preview and photos, or a page in place of both.
 QWidget *MainWindow::makeLeftPanel()
 {
-    m_previewPane = new PreviewPane({m_services.controller, m_services.defaults, *m_actions});
+    m_previewPane = new PreviewPane({m_services.controller, *m_actions});
     m_previewPane->setMinimumHeight(kMinPreviewHeight);
     m_imageListPane =
         new ImageListPane({m_services.controller, m_services.defaults, *m_actions, m_services.threads});

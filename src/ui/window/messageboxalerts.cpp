@@ -2,6 +2,8 @@
 
 #include "ui/window/messageboxalerts.h"
 
+#include "ui/widgets/linebreaks.h"
+
 #include <QApplication>
 #include <QCheckBox>
 #include <QCoreApplication>
@@ -100,7 +102,7 @@ AlertAnswer MessageBoxAlerts::show(const Alert &alert)
     box.setWindowTitle(QCoreApplication::applicationName());
     box.setIconPixmap(
         QIcon(iconOf(alert.style)).pixmap(QSize(kIconSide, kIconSide), box.devicePixelRatioF()));
-    box.setText(alert.title);
+    box.setText(withLineBreaks(alert.title));
     box.setInformativeText(shortened(alert.text, box.fontMetrics()));
     keepPlain(box);
     QList<QPushButton *> buttons;

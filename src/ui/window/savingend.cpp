@@ -29,9 +29,13 @@ SavingEnd::SavingEnd(const Services &services, MainWindow &window)
 
 void SavingEnd::report()
 {
+    // The companion shows the copies.
+    const BatchSave &save = m_services.controller.batchSave();
+    if (save.isForCompanion() && !save.report().hasFailures())
+        return;
     // A question of the program may be the active window.
     if (!QApplication::activeWindow())
-        m_notification->show(m_services.controller.batchSave().report().title());
+        m_notification->show(save.report().title());
     m_isWaiting = true;
     if (m_window.isVisible())
         showReport();

@@ -69,6 +69,7 @@ void StatusLineView::connectNotices()
     connect(&m_noticeTimer, &QTimer::timeout, this, [this] { notice({}); });
     connect(&m_controller.statusManager(), &StatusManager::noticed, this, &StatusLineView::notice);
     connect(&m_controller, &AppController::commandStateChanged, this, &StatusLineView::showHint);
+    connect(&m_controller, &AppController::previewOutdated, this, &StatusLineView::showHint);
     const ImageGathering &gathering = m_controller.gathering();
     // In Small Batch mode an import follows the scan.
     const auto announceEnd = [this, &gathering] {
@@ -105,7 +106,14 @@ QString StatusLineView::missing() const
         return tr("Add photos to begin");
     if (m_controller.appliedPresets().effectivePresets().empty())
         return tr("Apply a preset to save");
-    return {};
+    if (!m_controller.appliedPresets().isInSingleMode())
+        return {};
+    // Saving is possible, but nothing would be drawn.
+    const WPresetValues &values = m_controller.appliedPresets().quickWPreset()->values();
+    if (values.type == QLatin1StringView("Image"))
+        return values.image.isNull() ? tr("Choose a picture for the watermark") : QString();
+    return values.textTokens.join(QString()).trimmed().isEmpty() ? tr("Enter a text for the watermark")
+                                                                 : QString();
 }
 
 void StatusLineView::showHint()

@@ -8,6 +8,7 @@
 #include "presets/presetsstore.h"
 #include "ui/browser/imagebrowserviewcontroller.h"
 #include "ui/browser/imagelistpane.h"
+#include "ui/metadata/imagemetadatapanel.h"
 #include "ui/presets/presetsmanagers.h"
 #include "ui/presets/presetspanel.h"
 #include "ui/saving/savemultiplepanel.h"
@@ -18,6 +19,7 @@
 #include "ui/window/savingend.h"
 
 #include <QAction>
+#include <QDesktopServices>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QWhatsThis>
@@ -125,6 +127,33 @@ PresetsManagers &connectManagers(CommandActions &actions, const MainWindow::Serv
     return *managers;
 }
 
+/// The window is made when it is needed first.
+void connectMetadata(CommandActions &actions, const MainWindow::Services &services, MainWindow &window)
+{
+    struct Owner final : QObject {
+        using QObject::QObject;
+        std::unique_ptr<ImageMetadataPanel> panel;
+    };
+    auto *const owner = new Owner(&window);
+    QAction *const action = actions.action(ActionId::ToggleMetadata);
+    action->setCheckable(true);
+    const auto showState = [owner, action] { action->setChecked(owner->panel && owner->panel->isVisible()); };
+    actions.setHandler(ActionId::ToggleMetadata, [owner, &actions, services, showState] {
+        if (!owner->panel) {
+            const auto openUrl = [](const QUrl &url) { QDesktopServices::openUrl(url); };
+            owner->panel = std::make_unique<ImageMetadataPanel>(
+                ImageMetadataPanel::Services{services.controller, services.defaults, actions, openUrl});
+            QObject::connect(owner->panel.get(), &ImageMetadataPanel::shownChanged, owner, showState);
+        }
+        owner->panel->toggle();
+        showState();
+    });
+    QObject::connect(&window, &MainWindow::closed, owner, [owner] {
+        if (owner->panel)
+            owner->panel->close();
+    });
+}
+
 void connectSaving(CommandActions &actions, const MainWindow::Services &services, MainWindow &window,
                    PresetsManagers &managers)
 {
@@ -139,6 +168,11 @@ void connectSaving(CommandActions &actions, const MainWindow::Services &services
     using Photos = AppController::Photos;
     actions.setHandler(ActionId::SaveSelected, [&controller] { controller.saveImages(Photos::Selected); });
     actions.setHandler(ActionId::SaveAll, [&controller] { controller.saveImages(Photos::All); });
+    const auto openInCompanion = [&](ActionId id, Photos photos) {
+        actions.setHandler(id, [&controller, photos] { controller.openInCompanionApplication(photos); });
+    };
+    openInCompanion(ActionId::OpenSelectedInCompanion, Photos::Selected);
+    openInCompanion(ActionId::OpenAllInCompanion, Photos::All);
     new SavingEnd({controller, services.alerts}, window);
 }
 
@@ -180,6 +214,7 @@ void connectWindowCommands(CommandActions &actions, const MainWindow::Services &
     connectPhotos(actions, controller);
     connectSaving(actions, services, window, connectManagers(actions, services, window, presetsPanel));
     connectHistory(actions, controller.undoHistory());
+    connectMetadata(actions, services, window);
 
     const auto add = [&](ActionId id, ChooserKind kind) {
         actions.setHandler(id, [kind, &window, &gathering = controller.gathering()] {

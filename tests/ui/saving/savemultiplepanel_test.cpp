@@ -5,6 +5,7 @@
 #include "ui/saving/savemultiplepanel.h"
 #include "ui/shownwindow.h"
 #include "ui/widgets/choicebuttons.h"
+#include "ui/widgets/linebreaks.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -65,12 +66,12 @@ struct Panel : ShownWindow {
                 QTest::mouseClick(button, Qt::LeftButton);
         }
     }
+    QString examples() { return withoutLineBreaks(find<QLabel>("exampleNames").text()); }
     bool isShown(const char *name) { return find<QWidget>(name).isVisible(); }
 
     const QString out = files.folder.path("copies/new");
     SaveMultiplePanel &panel = find<SaveMultiplePanel>("saveMultiplePanel");
     QLabel &count = find<QLabel>("copiesLabel");
-    QLabel &examples = find<QLabel>("exampleNames");
 };
 
 } // namespace
@@ -87,7 +88,7 @@ private Q_SLOTS:
                 QTest::qWaitFor([&] { return f.isEnabled(ActionId::SaveAll); }));
         f.open();
         QVERIFY(f.panel.isVisible());
-        const QStringList lines = f.examples.text().split(u'\n');
+        const QStringList lines = f.examples().split(u'\n');
         QCOMPARE(lines, QStringList({f.out + u"/a-01.jpg"_qs, f.out + u"/a-02.jpg"_qs,
                                      f.out + u"/b-03.jpg"_qs, u"…"_qs}));
         f.press(u"Save"_qs);
@@ -97,9 +98,9 @@ private Q_SLOTS:
 
         // The next time, names that are taken are marked; Cancel stores nothing.
         f.open();
-        QVERIFY(f.examples.text().contains(u"/a-01.jpg (exists already)"_qs));
+        QVERIFY(f.examples().contains(u"/a-01.jpg (exists already)"_qs));
         f.choose(0);
-        QVERIFY(f.examples.text().contains(f.files.folder.path("in/a-01.jpg")));
+        QVERIFY(f.examples().contains(f.files.folder.path("in/a-01.jpg")));
         f.press(u"Cancel"_qs);
         QVERIFY(!f.panel.isVisible() && f.files.defaults.boolForKey(settings::saveAllToOneDirectory));
         QVERIFY(!f.controller.batchSave().isSavingInProgress());
@@ -116,7 +117,7 @@ private Q_SLOTS:
         QTest::keyClick(&f.find<QCheckBox>("replicateOrigDirStructureCheckBox"), Qt::Key_Space);
         QVERIFY(f.isShown("replicationPathControl"));
         // From the root folder.
-        QVERIFY(f.examples.text().contains(f.out + f.files.folder.path("in/a-01.jpg")));
+        QVERIFY(f.examples().contains(f.out + f.files.folder.path("in/a-01.jpg")));
         QVERIFY(!QFileInfo::exists(f.out)); // examples create no folders
         f.choose(0);
         QVERIFY(!f.isShown("destPathControl") && !f.isShown("replicationPathControl"));
@@ -145,10 +146,10 @@ private Q_SLOTS:
         QTRY_VERIFY(f.count.text().startsWith(u"4 copies, about "_qs));
         f.quick().setFilenameTokens({u"filename"_qs});
         QVERIFY(f.count.text().startsWith(u"4 copies, about "_qs));
-        QVERIFY(f.examples.text().contains(u"/a.jpg (the same name again)"_qs));
+        QVERIFY(f.examples().contains(u"/a.jpg (the same name again)"_qs));
         f.quick().setImageFormat(u"PNG"_qs);
         f.choose(0);
-        QVERIFY(f.examples.text().contains(u"in/a.png (is the original)"_qs));
+        QVERIFY(f.examples().contains(u"in/a.png (is the original)"_qs));
         f.press(u"Cancel"_qs);
     }
 
@@ -224,7 +225,7 @@ private Q_SLOTS:
         QTest::keyClicks(&tokens, u"proof "_qs);
         tokens.insertToken(u"sequence ###"_qs);
         QCOMPARE(f.quick().filenameTokens(), QStringList({u"proof "_qs, u"sequence ###"_qs}));
-        QVERIFY(f.examples.text().contains(u"/proof 001.jpg"_qs));
+        QVERIFY(f.examples().contains(u"/proof 001.jpg"_qs));
     }
 };
 

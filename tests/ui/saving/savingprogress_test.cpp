@@ -255,6 +255,22 @@ private Q_SLOTS:
         }
     }
 
+    /// A copy that failed owned no file that a later one could replace.
+    void replacedAfterAFailure()
+    {
+        SavingReport report(3);
+        SavingOutput output;
+        output.path = output.wantedPath = u"/out/same.jpg"_qs;
+        for (const char *const name : {"a", "b", "c"}) {
+            output.sourcePath = QLatin1String(name);
+            output.status = *name == 'b' ? SavingOutput::Status::Failed : SavingOutput::Status::Written;
+            output.conflict = *name == 'a' ? SavingOutput::Conflict::None : SavingOutput::Conflict::Overwrite;
+            report.add(output);
+        }
+        QVERIFY2(report.text(false).contains(u"copy of \"c\"; it replaced the copy of \"a\""_qs),
+                 qPrintable(report.text(false)));
+    }
+
     /// Some copies fit, others do not; the report names the reason, and can be stored.
     void fullDisk()
     {

@@ -34,6 +34,7 @@ constexpr Lack kLacks[] = {
     {'L', [](CommandState &state) { state.nSelectedWPresets = 2; }},
     {'Z', [](CommandState &state) { state.browserZoomFactor = 1; }},
     {'z', [](CommandState &state) { state.browserZoomFactor = 0; }},
+    {'K', [](CommandState &state) { state.hasCompanion = false; }},
     {'!', [](CommandState &state) { state.isSavingInProgress = true; }},
 };
 
@@ -42,7 +43,7 @@ CommandState everything()
 {
     CommandState state;
     state.canCopyForCurrentPreset = state.canCopyForAllPresets = true;
-    state.hasCopiedPositions = state.hasCurrentWPreset = true;
+    state.hasCompanion = state.hasCopiedPositions = state.hasCurrentWPreset = true;
     state.nSelected = 2;
     state.nShown = 3;
     state.nEffectivePresets = state.nSelectedApplied = state.nSelectedWPresets = 1;
@@ -72,8 +73,9 @@ private Q_SLOTS:
                         {"SB", {ToggleMetadata}},
                         {"F", {SelectAll, InvertSelection}},
                         {"SO", {TurnRight, TurnLeft, Turn180, FlipVertical, FlipHorizontal}},
-                        {"SP", {OpenSelectedInCompanion, CopyImages}},
-                        {"FP", {OpenAllInCompanion}},
+                        {"SP", {CopyImages}},
+                        {"SPK", {OpenSelectedInCompanion}},
+                        {"FPK", {OpenAllInCompanion}},
                         {"!SP", {SaveSelected}},
                         {"!FP", {SaveAll}},
                         {"a", {CopyAllPositions}},

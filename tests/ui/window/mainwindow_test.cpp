@@ -179,6 +179,15 @@ private Q_SLOTS:
         QCOMPARE(hint.text(), reasonFor(Need::PresetSelection));
         f.find<QTimer>("noticeTimer").setInterval(0);
         QTRY_COMPARE(hint.text(), QString());
+        WPreset &quick = *f.controller.appliedPresets().quickWPreset();
+        const QStringList tokens = quick.textTokens();
+        quick.setTextTokens({u" "_qs});
+        QTRY_COMPARE(hint.text(), u"Enter a text for the watermark"_qs);
+        quick.setType(u"Image"_qs);
+        QTRY_COMPARE(hint.text(), u"Choose a picture for the watermark"_qs);
+        quick.setType(u"Text"_qs);
+        quick.setTextTokens(tokens);
+        QTRY_COMPARE(hint.text(), QString());
         f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Presets);
         QCOMPARE(hint.text(), u"Apply a preset to save"_qs);
         f.controller.appliedPresets().addWPresetsToApplied({namedPreset(u"a"_qs)});
@@ -553,8 +562,12 @@ private Q_SLOTS:
         });
         QCOMPARE(alerts.run(alert), (AlertAnswer{2, true}));
         alert.text = QStringList(10, u'/' + QStringList(80, u"long folder/"_qs).join(QString())).join(u'\n');
+        alert.title = QString(200, u'W'); // the name of a file
         withNextBox([](QMessageBox &box) {
             QVERIFY(box.width() < 800 && box.height() < 600);
+            const auto *const title = box.findChild<QLabel *>(u"qt_msgbox_label"_qs);
+            QVERIFY(title->height() >= title->heightForWidth(title->width()));
+            QVERIFY(title->fontMetrics().horizontalAdvance(title->text()) > 2 * title->width());
             QTest::keyClick(&box, Qt::Key_Return);
         });
         QCOMPARE(alerts.run(alert), (AlertAnswer{0, false}));

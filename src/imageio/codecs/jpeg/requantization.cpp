@@ -19,9 +19,9 @@ Requantization::Requantization(const QuantizationTable &from, const Quantization
 
 void Requantization::convert(JBLOCKROW from, JBLOCKROW to, int count) const
 {
-    // A product is exact to within a thousandth, and differs from a half by more or not at all: an odd part
-    // of twice the step, which is at most 510.
-    constexpr float kHalf = 0.5F + 0.0005F;
+    // A product is exact to within a thousandth, and is a half or differs from it by more: steps are at most
+    // 255.
+    constexpr float kHalf = 0.5F - 0.0005F;
     for (int block = 0; block < count; ++block) {
         const JCOEF *in = from[block];
         JCOEF *out = to[block];

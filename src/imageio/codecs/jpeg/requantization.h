@@ -20,7 +20,8 @@ public:
     /// Do all steps stay, and with them all coefficients?
     bool isIdentity() const { return m_isIdentity; }
 
-    /// Converts `count` blocks to the nearest multiples of their new steps, halves away from zero.
+    /// Converts `count` blocks to the nearest multiples of their new steps; of two that are equally near, to
+    /// the smaller one, which takes fewer bits.
     void convert(JBLOCKROW from, JBLOCKROW to, int count) const;
 
     /// Have all of `count` blocks in a row coefficients that an 8-bit picture can have? The library would

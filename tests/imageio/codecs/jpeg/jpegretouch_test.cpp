@@ -157,10 +157,10 @@ private Q_SLOTS:
                     const bool isTouched = marks[0].intersects(area) || marks[1].intersects(area);
                     touched += isTouched ? 1 : 0;
                     for (size_t k = 0; k < DCTSIZE2; ++k) {
-                        // To the nearest multiple, halves away from zero.
+                        // To the nearest multiple, halves toward zero.
                         const int value = before[i].block(x, y)[k] * before[i].table[k];
                         const int step = after[i].table[k];
-                        const int kept = (2 * std::abs(value) + step) / (2 * step) * (value < 0 ? -1 : 1);
+                        const int kept = (2 * std::abs(value) + step - 1) / (2 * step) * (value < 0 ? -1 : 1);
                         QCOMPARE(int(after[i].block(x, y)[k]),
                                  isTouched ? int(rendered[i].block(x, y)[k]) : kept);
                     }

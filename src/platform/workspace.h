@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QStringList>
+#include <QUrl>
+
+namespace plexa
+{
+
+/// The other applications of the desktop. An application is known by the ID of its desktop file, such as
+/// "com.quorvel.Plexa". Main thread.
+class Workspace
+{
+public:
+    virtual ~Workspace() = default;
+
+    /// Whether the application is installed and can be started. Takes microseconds after the first call.
+    virtual bool hasApplication(const QString &id) const = 0;
+
+    /// Starts the application, or its running process, with all of these files. Does not wait for it.
+    /// @return false when it is not installed or cannot be started
+    virtual bool openFiles(const QStringList &paths, const QString &id) = 0;
+
+    /// In the browser.
+    virtual void openUrl(const QUrl &url) = 0;
+};
+
+/// The workspace of the user's desktop. Has no state.
+Workspace &desktopWorkspace();
+
+} // namespace plexa
