@@ -19,19 +19,22 @@ namespace plexa
 namespace
 {
 
-/// Beside this program in a build, else where it is installed.
-QString bulletinProgram()
-{
-    const QString folder = QCoreApplication::applicationDirPath();
-    const QString beside = folder + QStringLiteral("/plexa-bulletin");
-    return QFile::exists(beside) ? beside : folder + QStringLiteral("/../libexec/plexa/plexa-bulletin");
-}
+constexpr int kMillisecondsToEnd = 1000;
 
 } // namespace
 
-BulletinPresenter::BulletinPresenter(BulletinFeed &feed, const QWidget &mainWindow)
+QString BulletinPresenter::defaultProgram()
+{
+    const QString folder = QCoreApplication::applicationDirPath();
+    const QString beside = folder + QStringLiteral("/plexa-bulletin");
+    return QFile::exists(beside) ? beside
+                                 : folder + QStringLiteral("/../" PLEXA_LIBEXEC_FOLDER "/plexa-bulletin");
+}
+
+BulletinPresenter::BulletinPresenter(BulletinFeed &feed, const QWidget &mainWindow, const QString &program)
     : m_feed(feed)
     , m_mainWindow(mainWindow)
+    , m_program(program)
 {
     connect(&feed, &BulletinFeed::bulletinChosen, this, &BulletinPresenter::showBulletin);
 }
@@ -50,12 +53,16 @@ void BulletinPresenter::showBulletin(const Bulletin &bulletin)
     connect(m_process, &QProcess::errorOccurred, this, [this] {
         qCritical().noquote() << "ERROR: the bulletin could not be shown:" << m_process->errorString();
     });
+    connect(m_process, &QProcess::finished, this, [](int status) {
+        if (status != 0)
+            qCritical("ERROR: the bulletin could not be shown: the browser engine failed");
+    });
     const QPoint center = m_mainWindow.frameGeometry().center();
     QStringList arguments{QStringLiteral("--center"), QStringLiteral("%1,%2").arg(center.x()).arg(center.y()),
                           bulletin.page.toString(QUrl::FullyEncoded)};
     if (bulletin.allowSuppress)
         arguments.prepend(QStringLiteral("--allow-suppress"));
-    m_process->start(bulletinProgram(), arguments, QIODevice::ReadOnly);
+    m_process->start(m_program, arguments, QIODevice::ReadOnly);
 }
 
 void BulletinPresenter::closeBulletin()
@@ -64,7 +71,9 @@ void BulletinPresenter::closeBulletin()
     if (!process)
         return;
     process->disconnect(this);
-    delete process; // ends the program
+    process->terminate();
+    process->waitForFinished(kMillisecondsToEnd);
+    delete process;
 }
 
 void BulletinPresenter::readReports(const Bulletin &bulletin)

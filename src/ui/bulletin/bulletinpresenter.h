@@ -21,8 +21,12 @@ class BulletinPresenter final : public QObject
     Q_OBJECT
 
 public:
+    /// The program with the window: beside this program in a build, else where it is installed.
+    static QString defaultProgram();
+
     /// @param feed, mainWindow  outlive this object
-    BulletinPresenter(BulletinFeed &feed, const QWidget &mainWindow);
+    BulletinPresenter(BulletinFeed &feed, const QWidget &mainWindow,
+                      const QString &program = defaultProgram());
     /// Closes the window of the bulletin.
     ~BulletinPresenter() override;
 
@@ -35,6 +39,7 @@ private:
 
     BulletinFeed &m_feed;
     const QWidget &m_mainWindow;
+    const QString m_program;
     QProcess *m_process = nullptr; // while a bulletin is shown; owned by this object
 };
 

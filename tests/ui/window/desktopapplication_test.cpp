@@ -31,7 +31,7 @@ private Q_SLOTS:
         photo->transformOriginalImageWithOperation(ImageTransform::RotateClockwise);
         ApplicationService service;
         {
-            DesktopApplication program(service);
+            DesktopApplication program(service, {});
             MainWindow &window = program.window();
             program.launch({});
             QVERIFY(QTest::qWaitForWindowActive(&window));
