@@ -34,13 +34,15 @@ BulletinPage::BulletinPage(QWebEngineProfile *profile, QObject *parent)
             });
 }
 
-bool BulletinPage::acceptNavigationRequest(const QUrl &url, NavigationType type, bool)
+bool BulletinPage::acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame)
 {
     if (type == NavigationTypeLinkClicked) {
         openInBrowser(url);
         return false;
     }
-    return url.scheme() == u"https" || url.scheme() == u"http" || url == QUrl(QStringLiteral("about:blank"));
+    const QString scheme = url.scheme();
+    const bool isOfThePage = scheme == u"about" || scheme == u"data" || scheme == u"blob"; // a frame in it
+    return scheme == u"https" || scheme == u"http" || (!isMainFrame && isOfThePage);
 }
 
 /// Other schemes start programs of the desktop, with arguments of the page's choice.

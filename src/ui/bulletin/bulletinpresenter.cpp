@@ -3,11 +3,10 @@
 #include "ui/bulletin/bulletinpresenter.h"
 
 #include "bulletin/bulletinfeed.h"
+#include "platform/siblingprogram.h"
 #include "ui/bulletin/bulletinreports.h"
 
-#include <QCoreApplication>
 #include <QDebug>
-#include <QFile>
 #include <QProcess>
 #include <QWidget>
 
@@ -23,12 +22,9 @@ constexpr int kMillisecondsToEnd = 1000;
 
 } // namespace
 
-QString BulletinPresenter::defaultProgram()
+BulletinPresenter::BulletinPresenter(BulletinFeed &feed, const QWidget &mainWindow)
+    : BulletinPresenter(feed, mainWindow, siblingProgram(QStringLiteral("plexa-bulletin")))
 {
-    const QString folder = QCoreApplication::applicationDirPath();
-    const QString beside = folder + QStringLiteral("/plexa-bulletin");
-    return QFile::exists(beside) ? beside
-                                 : folder + QStringLiteral("/../" PLEXA_LIBEXEC_FOLDER "/plexa-bulletin");
 }
 
 BulletinPresenter::BulletinPresenter(BulletinFeed &feed, const QWidget &mainWindow, const QString &program)

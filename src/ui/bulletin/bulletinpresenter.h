@@ -21,12 +21,10 @@ class BulletinPresenter final : public QObject
     Q_OBJECT
 
 public:
-    /// The program with the window: beside this program in a build, else where it is installed.
-    static QString defaultProgram();
-
     /// @param feed, mainWindow  outlive this object
-    BulletinPresenter(BulletinFeed &feed, const QWidget &mainWindow,
-                      const QString &program = defaultProgram());
+    BulletinPresenter(BulletinFeed &feed, const QWidget &mainWindow);
+    /// @param program  shows the window instead of plexa-bulletin
+    BulletinPresenter(BulletinFeed &feed, const QWidget &mainWindow, const QString &program);
     /// Closes the window of the bulletin.
     ~BulletinPresenter() override;
 

@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QStackedLayout>
 #include <QVBoxLayout>
+#include <QWebEngineLoadingInfo>
 #include <QWebEngineView>
 
 namespace plexa
@@ -38,8 +39,7 @@ BulletinWindow::BulletinWindow(const QUrl &page, bool allowSuppress)
     failure->setAlignment(Qt::AlignCenter);
     m_stack->addWidget(m_webView);
     m_stack->addWidget(failure);
-    connect(m_webView, &QWebEngineView::loadFinished, this,
-            [this](bool isLoaded) { m_stack->setCurrentIndex(isLoaded ? 0 : 1); });
+    connect(m_webView->page(), &QWebEnginePage::loadingChanged, this, &BulletinWindow::loadingChanged);
 
     m_suppressCheckbox->setObjectName(QStringLiteral("suppressCheckbox"));
     m_suppressCheckbox->setToolTip(tr("This news is not shown at later starts"));
@@ -65,6 +65,14 @@ BulletinWindow::BulletinWindow(const QUrl &page, bool allowSuppress)
 BulletinWindow::~BulletinWindow()
 {
     delete m_webView; // the page before its profile
+}
+
+/// A link that opens in the browser also ends a loading; the page stays.
+void BulletinWindow::loadingChanged(const QWebEngineLoadingInfo &info)
+{
+    m_wasLoaded = m_wasLoaded || info.status() == QWebEngineLoadingInfo::LoadSucceededStatus;
+    const bool isOver = info.status() != QWebEngineLoadingInfo::LoadStartedStatus;
+    m_stack->setCurrentIndex(isOver && !m_wasLoaded ? 1 : 0);
 }
 
 void BulletinWindow::closeView()

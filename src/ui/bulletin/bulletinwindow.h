@@ -8,6 +8,7 @@
 
 class QCheckBox;
 class QStackedLayout;
+class QWebEngineLoadingInfo;
 class QWebEngineView;
 
 namespace plexa
@@ -29,12 +30,14 @@ Q_SIGNALS:
     void closed(bool isSuppressed);
 
 private:
+    void loadingChanged(const QWebEngineLoadingInfo &info);
     void closeView();
 
     QWebEngineProfile m_profile; // without a name: off the record
     QStackedLayout *const m_stack;
     QWebEngineView *const m_webView;
     QCheckBox *const m_suppressCheckbox;
+    bool m_wasLoaded = false;
 };
 
 } // namespace plexa
