@@ -9,6 +9,7 @@
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QPushButton>
+#include <QShortcut>
 #include <QStackedLayout>
 #include <QVBoxLayout>
 #include <QWebEngineLoadingInfo>
@@ -47,6 +48,8 @@ BulletinWindow::BulletinWindow(const QUrl &page, bool allowSuppress)
     auto *const buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     buttons->button(QDialogButtonBox::Close)->setToolTip(tr("Closes this window"));
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    // The page would keep the key.
+    connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QDialog::reject);
     connect(this, &QDialog::finished, this, &BulletinWindow::closeView);
 
     auto *const bar = new QHBoxLayout;
