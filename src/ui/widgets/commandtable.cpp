@@ -93,6 +93,7 @@ std::vector<CommandRow> makeTable()
         {UserGuide, M::Help, false, "userGuide", TEXT("User &Guide"), TEXT("Read how Plexa works"), "F1", "help", {}, false, true},
         {ContextHelp, M::Help, false, "contextHelp", TEXT("&What’s This?"), TEXT("Explain the item that you click next"), "Shift+F1", "", {}, false, true},
         {Feedback, M::Help, true, "feedback", TEXT("Give &Feedback"), TEXT("Tell the makers of Plexa what to improve"), "", "", {}, false, true},
+        {CheckForUpdates, M::Help, false, "checkForUpdates", TEXT("Check for &Updates…"), TEXT("Ask the maker whether there is a newer version"), "", "", {}, false, true},
         {About, M::Help, false, "about", TEXT("&About Plexa"), TEXT("Show the version and the license"), "", "", {}, false, true},
     };
     // clang-format on

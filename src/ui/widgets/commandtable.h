@@ -84,6 +84,7 @@ enum class ActionId {
     UserGuide,
     ContextHelp,
     Feedback,
+    CheckForUpdates,
     About,
 };
 

@@ -5,10 +5,9 @@
 #include "app/appcontroller.h"
 #include "app/appdelegate.h"
 #include "app/sessionrecord.h"
-#include "bulletin/bulletinfeed.h"
 #include "platform/userdefaults.h"
 #include "presets/presetsstore.h"
-#include "ui/bulletin/bulletinpresenter.h"
+#include "ui/bulletin/news.h"
 #include "ui/window/mainwindow.h"
 #include "ui/window/messageboxalerts.h"
 
@@ -29,9 +28,9 @@ class DesktopApplication final : public QObject
 
 public:
     /// @param service  outlives this object
-    /// @param bulletins  address of the feed of news; nothing is fetched from an empty one
+    /// @param feeds  where news come from
     explicit DesktopApplication(ApplicationService &service,
-                                const QUrl &bulletins = BulletinFeed::feedAddress());
+                                const News::Addresses &feeds = News::Addresses::ofTheMaker());
     ~DesktopApplication() override;
 
     /// Shows the window and opens the files.
@@ -52,7 +51,6 @@ private:
     bool wantsToKeepRunning();
     void quit();
     void windowClosed();
-    void lookForBulletin();
 
     ApplicationService &m_service;
     bool m_isQuitting = false;
@@ -68,8 +66,7 @@ private:
     AppDelegate m_delegate;
     MainWindow m_window;
     SessionRecord m_session;
-    BulletinFeed m_bulletins;
-    BulletinPresenter m_bulletinPresenter;
+    News m_news;
 };
 
 } // namespace plexa
