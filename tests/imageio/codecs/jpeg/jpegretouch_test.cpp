@@ -121,6 +121,7 @@ private Q_SLOTS:
             {"progressive, arithmetic", {603, 449}, {.isProgressive = true, .isArithmetic = true}},
             {"restart", {603, 449}, {.restartInterval = 5}, 80},
             {"higher than a ring of rows", {350, 1000}, {}, 80},
+            {"high and progressive", {350, 1000}, {.isProgressive = true}, 80},
             {"quality 100", {603, 449}, {.quality = 100}, 100},
             {"tables that do not divide", {603, 449}, {.quality = 86}, 77},
         });
