@@ -2,9 +2,9 @@
 
 #include "platform/applicationname.h"
 #include "platform/identity.h"
+#include "ui/widgets/lightappearance.h"
 #include "ui/window/applicationservice.h"
 #include "ui/window/desktopapplication.h"
-#include "ui/window/lightappearance.h"
 #include "ui/window/terminationsignals.h"
 
 #include <QApplication>

@@ -51,7 +51,7 @@ private Q_SLOTS:
         QVERIFY(QCoreApplication::installTranslator(&translator));
         WorkingSet files;
         ApplicationService service;
-        DesktopApplication program(service);
+        DesktopApplication program(service, {});
         program.launch({files.photo("a.png")});
         QTest::qWait(500);
         QStringList unmarked;
