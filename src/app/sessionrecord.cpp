@@ -166,10 +166,12 @@ bool SessionRecord::mayRestore(qsizetype photoCount)
     Alert alert;
     alert.style = Alert::Style::Informational;
     alert.title = tr("%1 did not quit properly").arg(applicationName());
-    alert.text =
-        tr("The list had %n photo(s). Do you want them back, with their rotations, their positions and "
-           "the applied presets?",
-           nullptr, static_cast<int>(photoCount));
+    alert.text = photoCount == 1
+                     ? tr("The list had one photo. Do you want it back, with its rotation, its positions and "
+                          "the applied presets?")
+                     : tr("The list had %n photos. Do you want them back, with their rotations, their "
+                          "positions and the applied presets?",
+                          nullptr, static_cast<int>(photoCount));
     alert.buttons = {tr("Restore"), tr("Start Empty")};
     alert.escapeButton = 1;
     return m_alerts.run(alert).button == 0;

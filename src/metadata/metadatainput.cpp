@@ -20,7 +20,7 @@ using enum MetadataProperty;
 
 constexpr qsizetype kDateTimeLength = 19; ///< of "yyyy-MM-dd HH:mm:ss"
 
-QString tr(const char *text)
+QString translated(const char *text)
 {
     return QCoreApplication::translate("ImageMetadata", text);
 }
@@ -85,8 +85,8 @@ Result<QVariant> wholeNumberOf(MetadataProperty property, const QString &text, c
     const int greatest = isLong ? 999'999'999 : 65'535;
     const std::optional<double> number = plainNumber(text, locale);
     if (!number || *number < 0 || *number > greatest || *number != std::trunc(*number))
-        return fail(
-            tr(QT_TRANSLATE_NOOP("ImageMetadata", "it must be a whole number from 0 to %1")).arg(greatest));
+        return fail(translated(QT_TRANSLATE_NOOP("ImageMetadata", "it must be a whole number from 0 to %1"))
+                        .arg(greatest));
     return QVariant(static_cast<int>(*number));
 }
 
@@ -96,8 +96,9 @@ Result<QVariant> decimalOf(MetadataProperty property, const QString &text, const
     const bool isSigned = property == exifExposureBias;
     const std::optional<double> number = numberOf(text, locale);
     if (!number || std::abs(*number) > kGreatest || (*number < 0 && !isSigned))
-        return fail(isSigned ? tr(QT_TRANSLATE_NOOP("ImageMetadata", "it must be a number"))
-                             : tr(QT_TRANSLATE_NOOP("ImageMetadata", "it must be a number, 0 or more")));
+        return fail(isSigned
+                        ? translated(QT_TRANSLATE_NOOP("ImageMetadata", "it must be a number"))
+                        : translated(QT_TRANSLATE_NOOP("ImageMetadata", "it must be a number, 0 or more")));
     return QVariant(*number);
 }
 
@@ -110,7 +111,8 @@ Result<QVariant> dateOf(const QString &text)
     const QTime time = clock.isEmpty() ? QTime(0, 0) : QTime::fromString(clock, QStringLiteral("H:m:s"));
     const QTime whole = time.isValid() ? time : QTime::fromString(clock, QStringLiteral("H:m"));
     if (!date.isValid() || !whole.isValid())
-        return fail(tr(QT_TRANSLATE_NOOP("ImageMetadata", "it must be a date such as 2024-12-31 23:59:59")));
+        return fail(
+            translated(QT_TRANSLATE_NOOP("ImageMetadata", "it must be a date such as 2024-12-31 23:59:59")));
     return QVariant(date.toString(QStringLiteral("yyyy:MM:dd ")) +
                     whole.toString(QStringLiteral("HH:mm:ss")));
 }

@@ -16,7 +16,7 @@ using enum MetadataControl;
 
 #define TEXT(text) QT_TRANSLATE_NOOP("MetadataPages", text)
 
-QString tr(const char *text)
+QString translated(const char *text)
 {
     return QCoreApplication::translate("MetadataPages", text);
 }
@@ -41,7 +41,7 @@ QVariant orientationText(const ImageMetadata &metadata)
                                              TEXT("on its right side, mirrored"),
                                              TEXT("on its right side")};
     const int orientation = metadata.orientationCorrected();
-    return QStringLiteral("%1 (%2)").arg(orientation).arg(tr(kTexts[orientation - 1]));
+    return QStringLiteral("%1 (%2)").arg(orientation).arg(translated(kTexts[orientation - 1]));
 }
 
 /// None where the file does not say whether it fired; the accessor gives 0 then.
@@ -160,7 +160,8 @@ std::vector<MetadataPage> makePages()
 
 QString MetadataPageRow::shownLabel() const
 {
-    return label ? tr(label) : QCoreApplication::translate("ImageMetadata", metadataProperty(property).label);
+    return label ? translated(label)
+                 : QCoreApplication::translate("ImageMetadata", metadataProperty(property).label);
 }
 
 QVariant MetadataPageRow::value(const ImageMetadata &metadata) const
@@ -182,8 +183,8 @@ const std::vector<MetadataPage> &metadataPages()
 std::vector<MetadataChoice> metadataChoices(MetadataProperty property)
 {
     if (property == exifFlash)
-        return {{0, tr(QT_TRANSLATE_NOOP("MetadataPages", "did not fire"))},
-                {1, tr(QT_TRANSLATE_NOOP("MetadataPages", "fired"))}};
+        return {{0, translated(QT_TRANSLATE_NOOP("MetadataPages", "did not fire"))},
+                {1, translated(QT_TRANSLATE_NOOP("MetadataPages", "fired"))}};
     const bool isProgram = property == exifExposureProgram;
     const std::vector<int> values =
         isProgram ? std::vector{0, 1, 2, 3, 4, 5, 6, 7, 8} : std::vector{0, 1, 2, 3, 4, 5, 6, 255};

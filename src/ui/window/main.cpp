@@ -6,11 +6,13 @@
 #include "ui/window/desktopapplication.h"
 #include "ui/window/lightappearance.h"
 #include "ui/window/terminationsignals.h"
+#include "ui/window/translations.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QFileInfo>
 #include <QIcon>
+#include <QLocale>
 
 #include <algorithm>
 #include <set>
@@ -81,9 +83,11 @@ int main(int argc, char **argv)
     nameApplication();
     if (isQuestion(argc, argv)) {
         const QCoreApplication application(argc, argv);
+        plexa::installTranslations(QLocale::system().uiLanguages());
         argumentsOf(application); // ends the program
     }
     QApplication application(argc, argv);
+    plexa::installTranslations(QLocale::system().uiLanguages());
     plexa::setLightAppearance(application);
     QGuiApplication::setWindowIcon(
         QIcon(QStringLiteral(":/icons/%1.svg").arg(QGuiApplication::desktopFileName())));
