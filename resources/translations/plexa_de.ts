@@ -1341,6 +1341,33 @@
     </message>
 </context>
 <context>
+    <name>plexa::BulletinWindow</name>
+    <message>
+        <source>&amp;Do not show this again</source>
+        <translation>&amp;Nicht mehr anzeigen</translation>
+    </message>
+    <message>
+        <source>News</source>
+        <translation>Neuigkeiten</translation>
+    </message>
+    <message>
+        <source>News page</source>
+        <translation>Seite mit Neuigkeiten</translation>
+    </message>
+    <message>
+        <source>The page could not be loaded.</source>
+        <translation>Die Seite konnte nicht geladen werden.</translation>
+    </message>
+    <message>
+        <source>This news is not shown at later starts</source>
+        <translation>Diese Neuigkeit wird bei späteren Starts nicht mehr gezeigt</translation>
+    </message>
+    <message>
+        <source>Closes this window</source>
+        <translation>Schließt dieses Fenster</translation>
+    </message>
+</context>
+<context>
     <name>plexa::ColorWell</name>
     <message>
         <source>%1, %2 % opaque</source>

@@ -2,11 +2,11 @@
 
 #include "platform/applicationname.h"
 #include "platform/identity.h"
+#include "ui/widgets/lightappearance.h"
+#include "ui/widgets/translations.h"
 #include "ui/window/applicationservice.h"
 #include "ui/window/desktopapplication.h"
-#include "ui/window/lightappearance.h"
 #include "ui/window/terminationsignals.h"
-#include "ui/window/translations.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

@@ -6,9 +6,9 @@
 #include "ui/editors/tokenmenu.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/commandtable.h"
+#include "ui/widgets/translations.h"
 #include "ui/window/applicationservice.h"
 #include "ui/window/desktopapplication.h"
-#include "ui/window/translations.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -147,7 +147,7 @@ private Q_SLOTS:
         QVERIFY(QCoreApplication::installTranslator(&translator));
         WorkingSet files;
         ApplicationService service;
-        DesktopApplication program(service);
+        DesktopApplication program(service, {});
         program.launch({files.photo("a.png")});
         QTest::qWait(500);
         QStringList unmarked;
@@ -280,7 +280,7 @@ private Q_SLOTS:
         QGuiApplication::setLayoutDirection(Qt::RightToLeft);
         WorkingSet files;
         ApplicationService service;
-        DesktopApplication program(service);
+        DesktopApplication program(service, {});
         program.launch({files.photo("a.png")});
         QTRY_VERIFY(program.window().isVisible());
         for (const QString &name : words("anchorPointRadioButtons textAlignmentSegments")) {
@@ -301,7 +301,7 @@ private Q_SLOTS:
                 QCoreApplication::installTranslator(&german));
         WorkingSet files;
         ApplicationService service;
-        DesktopApplication program(service);
+        DesktopApplication program(service, {});
         MainWindow &window = program.window();
         program.launch({files.photo("a.png")});
         QTRY_VERIFY(window.isVisible() && program.controller().imageSet().images()->size() == 1);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "ui/window/translations.h"
+#include "ui/widgets/translations.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
