@@ -642,10 +642,6 @@
         <translation>Die Metadaten der ausgewählten Fotos zeigen und bearbeiten</translation>
     </message>
     <message>
-        <source>User &amp;Guide</source>
-        <translation>Benutzer&amp;handbuch</translation>
-    </message>
-    <message>
         <source>Read how Plexa works</source>
         <translation>Nachlesen, wie Plexa funktioniert</translation>
     </message>
@@ -700,6 +696,26 @@
     <message>
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>Plexa &amp;Help</source>
+        <translation>Plexa-&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>Contact &amp;Support…</source>
+        <translation>&amp;Support kontaktieren…</translation>
+    </message>
+    <message>
+        <source>Write a message to the makers of Plexa in your mail program</source>
+        <translation>Den Machern von Plexa in Ihrem Mailprogramm eine Nachricht schreiben</translation>
+    </message>
+    <message>
+        <source>&amp;License</source>
+        <translation>&amp;Lizenz</translation>
+    </message>
+    <message>
+        <source>Read the license of Plexa</source>
+        <translation>Die Lizenz von Plexa lesen</translation>
     </message>
 </context>
 <context>
@@ -1842,6 +1858,37 @@ Mögliche Gründe:
     <message>
         <source>Add keywords</source>
         <translation>Stichwörter hinzufügen</translation>
+    </message>
+</context>
+<context>
+    <name>plexa::LicenseDialog</name>
+    <message>
+        <source>Text of the license</source>
+        <translation>Text der Lizenz</translation>
+    </message>
+    <message>
+        <source>License of %1</source>
+        <translation>Lizenz von %1</translation>
+    </message>
+    <message>
+        <source>%1 is free software: you may use, study, share and change it under the terms of the GNU General Public License, version 3 or any later version. It comes without any warranty.</source>
+        <translation>%1 ist freie Software: Sie dürfen das Programm nach den Bedingungen der GNU General Public License, Version 3 oder einer späteren, benutzen, untersuchen, weitergeben und verändern. Es gibt keinerlei Gewährleistung.</translation>
+    </message>
+    <message>
+        <source>&amp;Agree</source>
+        <translation>&amp;Zustimmen</translation>
+    </message>
+    <message>
+        <source>Start %1; this question does not come again</source>
+        <translation>%1 starten; diese Frage kommt nicht wieder</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>Quit without starting %1</source>
+        <translation>Beenden, ohne %1 zu starten</translation>
     </message>
 </context>
 <context>
@@ -3187,6 +3234,47 @@ Doppelklicken Sie unten auf eine oder ziehen Sie sie hierher.</translation>
     <message>
         <source> (%1 selected)</source>
         <translation> (%1 ausgewählt)</translation>
+    </message>
+</context>
+<context>
+    <name>plexa::SupportMail</name>
+    <message>
+        <source>What did you do?
+
+
+What happened, and what did you expect?
+
+
+If you can, attach a photo or a preset with which it happens.
+</source>
+        <translation>Was haben Sie getan?
+
+
+Was ist geschehen, und was haben Sie erwartet?
+
+
+Wenn möglich, hängen Sie bitte ein Foto oder eine Vorgabe an, mit denen es auftritt.
+</translation>
+    </message>
+    <message>
+        <source>Question about %1</source>
+        <translation>Frage zu %1</translation>
+    </message>
+    <message>
+        <source>No mail program could be opened</source>
+        <translation>Es konnte kein Mailprogramm geöffnet werden</translation>
+    </message>
+    <message>
+        <source>Write to %1 instead, and state your version: %2.</source>
+        <translation>Schreiben Sie stattdessen an %1 und geben Sie Ihre Version an: %2.</translation>
+    </message>
+    <message>
+        <source>Copy Address</source>
+        <translation>Adresse kopieren</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
     </message>
 </context>
 <context>

@@ -103,6 +103,8 @@ int main(int argc, char **argv)
     const plexa::TerminationSignals terminations;
     QObject::connect(&terminations, &plexa::TerminationSignals::received, &program,
                      &plexa::DesktopApplication::terminate);
+    if (!program.hasAgreement())
+        return 0;
     program.launch(arguments.paths);
     if (arguments.addsPhotos)
         QMetaObject::invokeMethod(
