@@ -39,7 +39,11 @@ class UserDefaults;
     ROW(runNumber, TEXT("0"))                                                                                \
     ROW(askForMASReview, TEXT("YES"))                                                                        \
     ROW(askForFeedback, TEXT("YES"))                                                                         \
-    ROW(hasExplainedClosing, TEXT("NO"))
+    ROW(hasExplainedClosing, TEXT("NO"))                                                                     \
+    ROW(agreedLicense, NONE)                                                                                 \
+    ROW(lastShownBulletinDate, NONE)                                                                         \
+    ROW(ShownBulletins, NONE)                                                                                \
+    ROW(SuppressedBulletins, NONE)
 
 /// The keys of the settings, each under its own name: `settings::lastUsedMode`.
 namespace settings

@@ -17,6 +17,7 @@ is_off_the_bus() {
 use_window() { # SAMPLES: on a session bus that starts the program
     gapplication launch "$id" "$1/apple.png" || fail 'the bus did not start the program'
     wait_for_window 'from the bus'
+    wait_until 'the program did not look for news' grep -q '^https://.*nocache=' "$work/asked.txt"
     [[ $(gapplication list-actions "$id") == add-photos ]] || fail 'other actions than add-photos'
     gapplication action "$id" add-photos
     wait_until 'the action did not ask for photos' xdotool search --onlyvisible --name '^Add Photos'
@@ -73,6 +74,13 @@ export PATH=$root/usr/bin:$PATH
 start_display 1280x800
 plexa-cli save --text '© {creator}' --require-watermark --output "$work/copies" "$samples/mountain-lake.jpg"
 [[ $(identify-im6.q16 -format '%wx%h' "$work/copies/mountain-lake.jpg") == 720x480 ]] || fail 'a wrong copy'
+
+# The programs that plexa starts. A substitute fetches the news, so that no server is asked.
+"$root/usr/libexec/plexa/plexa-bulletin" --help >"$work/bulletin.txt" || fail 'plexa-bulletin does not start'
+[[ $("$root/usr/libexec/plexa/plexa-fetch" 2>&1) == Usage* ]] || fail 'plexa-fetch does not start'
+# shellcheck disable=SC2016
+printf '#!/bin/sh\necho "$1" >%q\nexit 1\n' "$work/asked.txt" >"$root/usr/libexec/plexa/plexa-fetch"
+sed -i /lastShownBulletinDate/d "$XDG_CONFIG_HOME/Quorvel/Plexa.conf"
 
 # The bus starts the program of this root instead of that in /usr.
 grep -qx 'Exec=/usr/bin/plexa' "$root/usr/share/dbus-1/services/$id.service" || fail 'the service names another program'

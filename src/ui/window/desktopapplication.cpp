@@ -4,13 +4,16 @@
 
 #include "platform/applicationname.h"
 #include "platform/settings.h"
+#include "ui/help/licensedialog.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/window/applicationservice.h"
 
 #include <QDesktopServices>
 #include <QGuiApplication>
+#include <QTimer>
 
 #include <algorithm>
+#include <chrono>
 #include <thread>
 #include <utility>
 
@@ -19,6 +22,8 @@ namespace plexa
 
 namespace
 {
+
+constexpr std::chrono::seconds kDelayOfBulletin(1); // after the launch
 
 /// The memory for decoded photos, so that a photo that was shown is shown again at once.
 qsizetype cacheBytes()
@@ -40,7 +45,7 @@ UserDefaults &registered(UserDefaults &defaults)
 
 } // namespace
 
-DesktopApplication::DesktopApplication(ApplicationService &service)
+DesktopApplication::DesktopApplication(ApplicationService &service, const QUrl &bulletins)
     : m_service(service)
     , m_defaults(companyName(), applicationName())
     , m_cache(cacheBytes())
@@ -52,6 +57,8 @@ DesktopApplication::DesktopApplication(ApplicationService &service)
           {m_defaults, m_alerts, m_controller, [](const QUrl &url) { QDesktopServices::openUrl(url); }})
     , m_window({m_controller, m_defaults, m_alerts, workerThreads()})
     , m_session(m_controller, m_alerts)
+    , m_bulletins(m_defaults, bulletins)
+    , m_bulletinPresenter(m_bulletins, m_window)
 {
     m_alerts.setWindow(&m_window);
     // Closing the window quits only where no other process can reach this one.
@@ -74,6 +81,11 @@ DesktopApplication::~DesktopApplication()
     m_alerts.setWindow(nullptr);
 }
 
+bool DesktopApplication::hasAgreement()
+{
+    return LicenseDialog::hasAgreement(m_defaults);
+}
+
 void DesktopApplication::launch(const QStringList &paths)
 {
     m_controller.readPresets();
@@ -81,9 +93,17 @@ void DesktopApplication::launch(const QStringList &paths)
         m_defaults.boolForKey(settings::imageListIsInBrowserMode));
     m_window.show();
     m_delegate.applicationDidFinishLaunching();
+    QTimer::singleShot(kDelayOfBulletin, this, &DesktopApplication::lookForBulletin);
     m_session.begin();
     if (!paths.isEmpty())
         m_delegate.openFiles(paths);
+}
+
+/// Only once for each start: news must not interrupt the work.
+void DesktopApplication::lookForBulletin()
+{
+    if (QGuiApplication::applicationState() == Qt::ApplicationActive && m_window.isVisible())
+        m_bulletins.showBulletinIfRequired();
 }
 
 void DesktopApplication::runAction(const QString &name)

@@ -5,8 +5,10 @@
 #include "app/appcontroller.h"
 #include "app/appdelegate.h"
 #include "app/sessionrecord.h"
+#include "bulletin/bulletinfeed.h"
 #include "platform/userdefaults.h"
 #include "presets/presetsstore.h"
+#include "ui/bulletin/bulletinpresenter.h"
 #include "ui/window/mainwindow.h"
 #include "ui/window/messageboxalerts.h"
 
@@ -27,8 +29,13 @@ class DesktopApplication final : public QObject
 
 public:
     /// @param service  outlives this object
-    explicit DesktopApplication(ApplicationService &service);
+    /// @param bulletins  address of the feed of news; nothing is fetched from an empty one
+    explicit DesktopApplication(ApplicationService &service,
+                                const QUrl &bulletins = BulletinFeed::feedAddress());
     ~DesktopApplication() override;
+
+    /// Asks for the agreement to the license at the first start. @return false if the user wants to quit
+    bool hasAgreement();
 
     /// Shows the window and opens the files.
     void launch(const QStringList &paths);
@@ -48,6 +55,7 @@ private:
     bool wantsToKeepRunning();
     void quit();
     void windowClosed();
+    void lookForBulletin();
 
     ApplicationService &m_service;
     bool m_isQuitting = false;
@@ -63,6 +71,8 @@ private:
     AppDelegate m_delegate;
     MainWindow m_window;
     SessionRecord m_session;
+    BulletinFeed m_bulletins;
+    BulletinPresenter m_bulletinPresenter;
 };
 
 } // namespace plexa

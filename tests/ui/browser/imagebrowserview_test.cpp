@@ -11,7 +11,7 @@
 #include "ui/browser/imagebrowserview.h"
 #include "ui/browser/promisedfiles.h"
 #include "ui/widgets/filedrops.h"
-#include "ui/window/lightappearance.h"
+#include "ui/widgets/lightappearance.h"
 
 #include <QAccessible>
 #include <QApplication>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "app/workingset.h"
+#include "support/webserver.h"
 #include "ui/messageboxes.h"
 #include "ui/window/applicationservice.h"
 #include "ui/window/desktopapplication.h"
@@ -31,7 +32,7 @@ private Q_SLOTS:
         photo->transformOriginalImageWithOperation(ImageTransform::RotateClockwise);
         ApplicationService service;
         {
-            DesktopApplication program(service);
+            DesktopApplication program(service, {});
             MainWindow &window = program.window();
             program.launch({});
             QVERIFY(QTest::qWaitForWindowActive(&window));
@@ -60,6 +61,24 @@ private Q_SLOTS:
             memory->release();
         }
         QCOMPARE(namesIn(copies).size(), 1); // the photo in work was completed
+    }
+
+    void looksForNewsOnlyInFrontOfTheUser()
+    {
+        for (const bool isInFront : {true, false}) {
+            WorkingSet files;
+            WebServer server;
+            server.answerWith("{\"bulletins\": []}");
+            ApplicationService service;
+            DesktopApplication program(service, server.url(u"news.json"_qs));
+            program.launch({});
+            QVERIFY(QTest::qWaitForWindowActive(&program.window()));
+            if (!isInFront)
+                program.window().hide();
+            QCOMPARE(QTest::qWaitFor([&] { return !server.requests.isEmpty(); }, isInFront ? 30'000 : 1500),
+                     isInFront);
+            QVERIFY(!isInFront || server.requests.first().startsWith("GET /news.json?nocache="));
+        }
     }
 };
 

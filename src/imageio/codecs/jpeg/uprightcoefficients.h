@@ -21,6 +21,8 @@ public:
     /// Has the picture a form for which all of this works? Blocks can be mirrored only where no MCU is
     /// partly outside of the picture.
     bool isPossible() const;
+    /// Does rowsOf() have all rows at the same time? The caller may then write over those that it has read.
+    bool isWhole() { return m_orientation == 1 && m_stored.hasSeveralScans(); }
     QSize size() const;
     JpegSampling sampling() const;
     QSize mcuSize() const;

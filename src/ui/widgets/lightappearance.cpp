@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "ui/window/lightappearance.h"
+#include "ui/widgets/lightappearance.h"
 
 #include "ui/widgets/look.h"
 
