@@ -83,7 +83,9 @@ enum class ActionId {
 
     UserGuide,
     ContextHelp,
+    ContactSupport,
     Feedback,
+    License,
     About,
 };
 

@@ -34,6 +34,9 @@ public:
                                 const QUrl &bulletins = BulletinFeed::feedAddress());
     ~DesktopApplication() override;
 
+    /// Asks for the agreement to the license at the first start. @return false if the user wants to quit
+    bool hasAgreement();
+
     /// Shows the window and opens the files.
     void launch(const QStringList &paths);
 
