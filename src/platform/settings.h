@@ -40,6 +40,7 @@ class UserDefaults;
     ROW(askForMASReview, TEXT("YES"))                                                                        \
     ROW(askForFeedback, TEXT("YES"))                                                                         \
     ROW(hasExplainedClosing, TEXT("NO"))                                                                     \
+    ROW(agreedLicense, NONE)                                                                                 \
     ROW(lastShownBulletinDate, NONE)                                                                         \
     ROW(ShownBulletins, NONE)                                                                                \
     ROW(SuppressedBulletins, NONE)                                                                           \

@@ -61,6 +61,16 @@ public:
 
 } // namespace
 
+bool openByScheme(const QUrl &url)
+{
+    GError *error = nullptr;
+    if (g_app_info_launch_default_for_uri(url.toEncoded().constData(), nullptr, &error))
+        return true;
+    const std::unique_ptr<GError, Release> reason(error);
+    qWarning("%s: address cannot be opened: %s", qUtf8Printable(url.scheme()), reason ? reason->message : "");
+    return false;
+}
+
 Workspace &desktopWorkspace()
 {
     static DesktopWorkspace workspace;

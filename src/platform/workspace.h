@@ -26,6 +26,10 @@ public:
     virtual void openUrl(const QUrl &url) = 0;
 };
 
+/// Opens an address in the program that the desktop has for its scheme, in a sandbox through the portal.
+/// @return false if there is no such program or it cannot be started
+bool openByScheme(const QUrl &url);
+
 /// The workspace of the user's desktop. Has no state.
 Workspace &desktopWorkspace();
 

@@ -232,7 +232,9 @@ try {
 } catch (const std::bad_alloc &) {
     // Its presets are unknown: the file is backed up before another one is written.
     found(kind, slot) = Found::Unreadable;
-    warn(tr("Cannot read the presets file"), tr("There is not enough memory for its presets."));
+    // lupdate does not see that the function goes on here, so the class is named.
+    warn(PresetsStore::tr("Cannot read the presets file"),
+         PresetsStore::tr("There is not enough memory for its presets."));
     return false;
 }
 
@@ -397,7 +399,8 @@ try {
         imported.notes.append(tr("Not all of the file could be read: %1.").arg(inShort(reading.faults)));
     return imported;
 } catch (const std::bad_alloc &) {
-    warn(tr("Presets import failed"), tr("There is not enough memory for its presets."));
+    warn(PresetsStore::tr("Presets import failed"),
+         PresetsStore::tr("There is not enough memory for its presets."));
     return std::nullopt;
 }
 

@@ -80,7 +80,7 @@ plexa-cli save --text '© {creator}' --require-watermark --output "$work/copies"
 [[ $("$root/usr/libexec/plexa/plexa-fetch" 2>&1) == Usage* ]] || fail 'plexa-fetch does not start'
 # shellcheck disable=SC2016
 printf '#!/bin/sh\necho "$1" >%q\nexit 1\n' "$work/asked.txt" >"$root/usr/libexec/plexa/plexa-fetch"
-rm "$XDG_CONFIG_HOME/Quorvel/Plexa.conf"
+sed -i /lastShownBulletinDate/d "$XDG_CONFIG_HOME/Quorvel/Plexa.conf"
 
 # The bus starts the program of this root instead of that in /usr.
 grep -qx 'Exec=/usr/bin/plexa' "$root/usr/share/dbus-1/services/$id.service" || fail 'the service names another program'

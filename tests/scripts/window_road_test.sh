@@ -90,7 +90,15 @@ expect_within() { # WHAT VALUE LOWEST HIGHEST
     (($2 >= $3 && $2 <= $4)) || fail "$1 is $2, not between $3 and $4"
 }
 
-start_program --
+# At the first start the program asks about its license, and quits if the user does not agree.
+sed -i /agreedLicense/d "$XDG_CONFIG_HOME/Quorvel/Plexa.conf"
+for answer in alt+q alt+a; do
+    start_program --
+    license=$(timeout 20 xdotool search --sync --onlyvisible --name '^License of Plexa' | tail -n 1) || fail 'no license'
+    sleep 0.5
+    xdotool windowfocus --sync "$license" key "$answer"
+    [[ $answer == alt+a ]] || wait_until 'the program did not quit' has_ended
+done
 wait_for_window 'at start'
 
 # Folders are dropped on the window, from another program.

@@ -81,6 +81,7 @@ public:
         const ShownPath path(index.data().toString(), option.font, room.width());
         const int align = Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine;
         painter->save();
+        painter->setLayoutDirection(Qt::LeftToRight); // of paths in every language
         painter->setFont(nameFont(option.font));
         painter->setPen(option.palette.color(QPalette::Text));
         painter->drawText(room, align, path.name);

@@ -5,10 +5,12 @@
 #include "ui/bulletin/bulletinreports.h"
 #include "ui/bulletin/bulletinwindow.h"
 #include "ui/widgets/lightappearance.h"
+#include "ui/widgets/translations.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QIcon>
+#include <QLocale>
 
 #include <cstdio>
 
@@ -54,6 +56,7 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(plexa::applicationName());
     QGuiApplication::setDesktopFileName(QString::fromLatin1(plexa::identity::kApplicationId));
     QApplication application(argc, argv);
+    plexa::installTranslations(QLocale::system().uiLanguages());
     plexa::setLightAppearance(application);
     QGuiApplication::setWindowIcon(
         QIcon(QStringLiteral(":/icons/%1.svg").arg(QGuiApplication::desktopFileName())));

@@ -40,7 +40,7 @@ public:
     {
         QStyledItemDelegate::paint(painter, option, index);
         painter->setPen(look::kSecondaryText);
-        painter->drawText(option.rect.adjusted(0, 0, -kMargin, 0),
+        painter->drawText(option.rect.adjusted(kMargin, 0, -kMargin, 0),
                           Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine,
                           index.data(Qt::UserRole).toString());
     }

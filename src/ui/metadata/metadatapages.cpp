@@ -16,7 +16,7 @@ using enum MetadataControl;
 
 #define TEXT(text) QT_TRANSLATE_NOOP("MetadataPages", text)
 
-QString tr(const char *text)
+QString translated(const char *text)
 {
     return QCoreApplication::translate("MetadataPages", text);
 }
@@ -41,7 +41,43 @@ QVariant orientationText(const ImageMetadata &metadata)
                                              TEXT("on its right side, mirrored"),
                                              TEXT("on its right side")};
     const int orientation = metadata.orientationCorrected();
-    return QStringLiteral("%1 (%2)").arg(orientation).arg(tr(kTexts[orientation - 1]));
+    return QStringLiteral("%1 (%2)").arg(orientation).arg(translated(kTexts[orientation - 1]));
+}
+
+/// A code of TIFF with its meaning, "5 (LZW)"; the code alone where the list lacks it.
+QVariant codeWithMeaning(const QVariant &code, std::initializer_list<std::pair<int, QString>> meanings)
+{
+    if (!code.isValid())
+        return {};
+    for (const auto &[known, meaning] : meanings) {
+        if (code == known)
+            return QStringLiteral("%1 (%2)").arg(known).arg(meaning);
+    }
+    return code;
+}
+
+QVariant compression(const ImageMetadata &metadata)
+{
+    const QString jpeg = QStringLiteral("JPEG");
+    const QString fax = QStringLiteral("CCITT");
+    const QString deflate = QStringLiteral("Deflate");
+    return codeWithMeaning(metadata.tiffCompression(), {{1, translated(TEXT("none"))},
+                                                        {2, fax},
+                                                        {3, fax},
+                                                        {4, fax},
+                                                        {5, QStringLiteral("LZW")},
+                                                        {6, jpeg},
+                                                        {7, jpeg},
+                                                        {8, deflate},
+                                                        {32773, QStringLiteral("PackBits")},
+                                                        {32946, deflate}});
+}
+
+QVariant resolutionUnit(const ImageMetadata &metadata)
+{
+    return codeWithMeaning(
+        metadata.tiffResolutionUnit(),
+        {{1, translated(TEXT("none"))}, {2, translated(TEXT("inch"))}, {3, translated(TEXT("centimeter"))}});
 }
 
 /// None where the file does not say whether it fired; the accessor gives 0 then.
@@ -80,14 +116,15 @@ std::vector<MetadataPage> makePages()
     return {
         {"General",
          TEXT("General"),
-         {{Readout, orientation, pixelSize, TEXT("Size in the file")},
+         {{Readout, orientation, pixelSize, TEXT("Size in the file"), "pixelSize"},
           {Readout, orientation, orientationText},
           {Readout, bitDepth},
           {Readout, colorModel},
           {Readout, iccProfileName},
           {Readout, dpiWidth},
           {Readout, dpiHeight},
-          {Readout, tiffCompression},
+          {Readout, tiffResolutionUnit, resolutionUnit, TEXT("Unit in the file")},
+          {Readout, tiffCompression, compression},
           {Readout, exifDateTimeOriginalStr},
           {Readout, tiffCameraModel},
           {Readout, iptcTitle},
@@ -148,9 +185,9 @@ std::vector<MetadataPage> makePages()
          {{Readout, gpsLatitude, latitude},
           {Readout, gpsLongitude, longitude},
           {Readout, gpsAltitude, altitude},
-          {Readout, gpsAltitude, direction, TEXT("Image direction")},
+          {Readout, gpsAltitude, direction, TEXT("Image direction"), "gpsImageDirection"},
           {Readout, gpsDateStamp},
-          {Readout, gpsDateStamp, timeStamp, TEXT("GPS time")}}},
+          {Readout, gpsDateStamp, timeStamp, TEXT("GPS time"), "gpsTimeStamp"}}},
     };
 }
 
@@ -158,9 +195,15 @@ std::vector<MetadataPage> makePages()
 
 } // namespace
 
+QString MetadataPageRow::name() const
+{
+    return QLatin1StringView(ownName ? ownName : metadataProperty(property).name);
+}
+
 QString MetadataPageRow::shownLabel() const
 {
-    return label ? tr(label) : QCoreApplication::translate("ImageMetadata", metadataProperty(property).label);
+    return label ? translated(label)
+                 : QCoreApplication::translate("ImageMetadata", metadataProperty(property).label);
 }
 
 QVariant MetadataPageRow::value(const ImageMetadata &metadata) const
@@ -182,8 +225,8 @@ const std::vector<MetadataPage> &metadataPages()
 std::vector<MetadataChoice> metadataChoices(MetadataProperty property)
 {
     if (property == exifFlash)
-        return {{0, tr(QT_TRANSLATE_NOOP("MetadataPages", "did not fire"))},
-                {1, tr(QT_TRANSLATE_NOOP("MetadataPages", "fired"))}};
+        return {{0, translated(QT_TRANSLATE_NOOP("MetadataPages", "did not fire"))},
+                {1, translated(QT_TRANSLATE_NOOP("MetadataPages", "fired"))}};
     const bool isProgram = property == exifExposureProgram;
     const std::vector<int> values =
         isProgram ? std::vector{0, 1, 2, 3, 4, 5, 6, 7, 8} : std::vector{0, 1, 2, 3, 4, 5, 6, 255};

@@ -78,6 +78,9 @@ ChoiceButtons::ChoiceButtons(const QString &purpose, Look look, int columns, QWi
     m_layout->setContentsMargins(0, 0, 0, 0);
     m_layout->setSpacing(isJoined() ? 0 : look::kSmallGap);
     setSizePolicy(look == Look::Texts ? QSizePolicy::Preferred : QSizePolicy::Maximum, QSizePolicy::Maximum);
+    // Pictures of directions, and places on a photo, are where they point to in every language.
+    if (look == Look::Icons || columns > 0)
+        setLayoutDirection(Qt::LeftToRight);
     if (isJoined())
         setStyleSheet(lookOfJoinedButtons());
     connect(m_buttons, &QButtonGroup::idClicked, this, &ChoiceButtons::chosen);
@@ -129,7 +132,11 @@ void ChoiceButtons::joinLast() const
     const auto last = buttons.size() - 1;
     if (last > 1)
         buttons[last - 1]->setProperty("end", QString());
-    buttons[last]->setProperty("end", last == 0 ? QStringLiteral("first") : QStringLiteral("last"));
+    // The style sheet names the ends from the left.
+    const bool isReversed = layoutDirection() == Qt::RightToLeft;
+    const QString begin = isReversed ? QStringLiteral("last") : QStringLiteral("first");
+    const QString end = isReversed ? QStringLiteral("first") : QStringLiteral("last");
+    buttons[last]->setProperty("end", last == 0 ? begin : end);
     updateTabStops();
 }
 

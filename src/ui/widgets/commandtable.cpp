@@ -90,10 +90,12 @@ std::vector<CommandRow> makeTable()
         {ToggleSavingPresets, M::Window, false, "toggleSavingPresets", TEXT("&Saving Presets"), TEXT("Show or close the window of all saving presets"), "Ctrl+Shift+P", ""},
         {ToggleMetadata, M::Window, false, "toggleMetadata", TEXT("Image Meta&data"), TEXT("Show and edit the metadata of the selected photos"), "Ctrl+Shift+I", "info", {N::SmallBatchMode, N::Selection}, true},
 
-        {UserGuide, M::Help, false, "userGuide", TEXT("User &Guide"), TEXT("Read how Plexa works"), "F1", "help", {}, false, true},
+        {UserGuide, M::Help, false, "userGuide", TEXT("Plexa &Help"), TEXT("Read how Plexa works"), "F1", "help", {}, false, true},
         {ContextHelp, M::Help, false, "contextHelp", TEXT("&What’s This?"), TEXT("Explain the item that you click next"), "Shift+F1", "", {}, false, true},
-        {Feedback, M::Help, true, "feedback", TEXT("Give &Feedback"), TEXT("Tell the makers of Plexa what to improve"), "", "", {}, false, true},
-        {CheckForUpdates, M::Help, false, "checkForUpdates", TEXT("Check for &Updates…"), TEXT("Ask the maker whether there is a newer version"), "", "", {}, false, true},
+        {ContactSupport, M::Help, true, "contactSupport", TEXT("Contact &Support…"), TEXT("Write a message to the makers of Plexa in your mail program"), "", "", {}, false, true},
+        {Feedback, M::Help, false, "feedback", TEXT("Give &Feedback"), TEXT("Tell the makers of Plexa what to improve"), "", "", {}, false, true},
+        {CheckForUpdates, M::Help, true, "checkForUpdates", TEXT("Check for &Updates…"), TEXT("Ask the maker whether there is a newer version"), "", "", {}, false, true},
+        {License, M::Help, false, "license", TEXT("&License"), TEXT("Read the license of Plexa"), "", "", {}, false, true},
         {About, M::Help, false, "about", TEXT("&About Plexa"), TEXT("Show the version and the license"), "", "", {}, false, true},
     };
     // clang-format on

@@ -83,8 +83,10 @@ enum class ActionId {
 
     UserGuide,
     ContextHelp,
+    ContactSupport,
     Feedback,
     CheckForUpdates,
+    License,
     About,
 };
 

@@ -3,6 +3,7 @@
 #include "ui/widgets/elidedlabel.h"
 
 #include <QPainter>
+#include <QStyle>
 
 namespace plexa
 {
@@ -36,7 +37,10 @@ void ElidedLabel::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
-    painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+    // In the direction of the text: a path in a window that is laid out from right to left keeps its order.
+    const Qt::Alignment side = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft);
+    painter.setLayoutDirection(m_text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+    painter.drawText(rect(), int(side | Qt::AlignAbsolute | Qt::AlignVCenter) | Qt::TextSingleLine,
                      fontMetrics().elidedText(m_text, m_mode, width()));
 }
 

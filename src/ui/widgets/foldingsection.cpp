@@ -5,6 +5,7 @@
 #include "platform/userdefaults.h"
 
 #include <QHBoxLayout>
+#include <QIcon>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -55,7 +56,9 @@ void FoldingSection::setFolded(bool isFolded)
     setSizePolicy(QSizePolicy::Preferred, isFolded ? QSizePolicy::Fixed : QSizePolicy::Preferred);
     if (m_headerWidget)
         m_headerWidget->setVisible(!isFolded);
-    m_header->setArrowType(isFolded ? Qt::RightArrow : Qt::DownArrow);
+    const bool isReversed = layoutDirection() == Qt::RightToLeft;
+    const char *const name = !isFolded ? "unfolded" : isReversed ? "folded-reversed" : "folded";
+    m_header->setIcon(QIcon(QStringLiteral(":/icons/%1.svg").arg(QLatin1StringView(name))));
     m_header->setAccessibleDescription(isFolded ? tr("folded") : QString());
 }
 

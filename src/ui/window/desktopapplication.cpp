@@ -4,6 +4,7 @@
 
 #include "platform/applicationname.h"
 #include "platform/settings.h"
+#include "ui/help/licensedialog.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/window/applicationservice.h"
 
@@ -74,6 +75,11 @@ DesktopApplication::DesktopApplication(ApplicationService &service, const News::
 DesktopApplication::~DesktopApplication()
 {
     m_alerts.setWindow(nullptr);
+}
+
+bool DesktopApplication::hasAgreement()
+{
+    return LicenseDialog::hasAgreement(m_defaults);
 }
 
 void DesktopApplication::launch(const QStringList &paths)

@@ -33,6 +33,9 @@ public:
                                 const News::Addresses &feeds = News::Addresses::ofTheMaker());
     ~DesktopApplication() override;
 
+    /// Asks for the agreement to the license at the first start. @return false if the user wants to quit
+    bool hasAgreement();
+
     /// Shows the window and opens the files.
     void launch(const QStringList &paths);
 

@@ -3,6 +3,7 @@
 #include "platform/applicationname.h"
 #include "platform/identity.h"
 #include "ui/widgets/lightappearance.h"
+#include "ui/widgets/translations.h"
 #include "ui/window/applicationservice.h"
 #include "ui/window/desktopapplication.h"
 #include "ui/window/terminationsignals.h"
@@ -11,6 +12,7 @@
 #include <QCommandLineParser>
 #include <QFileInfo>
 #include <QIcon>
+#include <QLocale>
 
 #include <algorithm>
 #include <set>
@@ -81,9 +83,11 @@ int main(int argc, char **argv)
     nameApplication();
     if (isQuestion(argc, argv)) {
         const QCoreApplication application(argc, argv);
+        plexa::installTranslations(QLocale::system().uiLanguages());
         argumentsOf(application); // ends the program
     }
     QApplication application(argc, argv);
+    plexa::installTranslations(QLocale::system().uiLanguages());
     plexa::setLightAppearance(application);
     QGuiApplication::setWindowIcon(
         QIcon(QStringLiteral(":/icons/%1.svg").arg(QGuiApplication::desktopFileName())));
@@ -99,6 +103,8 @@ int main(int argc, char **argv)
     const plexa::TerminationSignals terminations;
     QObject::connect(&terminations, &plexa::TerminationSignals::received, &program,
                      &plexa::DesktopApplication::terminate);
+    if (!program.hasAgreement())
+        return 0;
     program.launch(arguments.paths);
     if (arguments.addsPhotos)
         QMetaObject::invokeMethod(

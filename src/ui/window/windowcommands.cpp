@@ -5,9 +5,12 @@
 #include "app/appcontroller.h"
 #include "platform/applicationname.h"
 #include "platform/settings.h"
+#include "platform/workspace.h"
 #include "presets/presetsstore.h"
 #include "ui/browser/imagebrowserviewcontroller.h"
 #include "ui/browser/imagelistpane.h"
+#include "ui/help/licensedialog.h"
+#include "ui/help/supportmail.h"
 #include "ui/metadata/imagemetadatapanel.h"
 #include "ui/presets/presetsmanagers.h"
 #include "ui/presets/presetspanel.h"
@@ -204,6 +207,19 @@ void showAbout(MainWindow &window)
     box.exec();
 }
 
+void connectHelp(CommandActions &actions, const MainWindow::Services &services, MainWindow &window)
+{
+    actions.setHandler(ActionId::ContextHelp, [] { QWhatsThis::enterWhatsThisMode(); });
+    actions.setHandler(ActionId::ContactSupport,
+                       [&alerts = services.alerts] { contactSupport(alerts, openByScheme); });
+    actions.setHandler(ActionId::License, [&window] {
+        auto *const dialog = new LicenseDialog(LicenseDialog::Purpose::Reading, &window);
+        dialog->setAttribute(Qt::WA_DeleteOnClose);
+        dialog->show();
+    });
+    actions.setHandler(ActionId::About, [&window] { showAbout(window); });
+}
+
 } // namespace
 
 void connectWindowCommands(CommandActions &actions, const MainWindow::Services &services, MainWindow &window,
@@ -234,8 +250,7 @@ void connectWindowCommands(CommandActions &actions, const MainWindow::Services &
     actions.setHandler(ActionId::Preferences, [services, &window, &imageListPane] {
         showPreferences(services, window, imageListPane);
     });
-    actions.setHandler(ActionId::ContextHelp, [] { QWhatsThis::enterWhatsThisMode(); });
-    actions.setHandler(ActionId::About, [&window] { showAbout(window); });
+    connectHelp(actions, services, window);
 }
 
 } // namespace plexa

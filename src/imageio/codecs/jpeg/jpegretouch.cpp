@@ -131,7 +131,7 @@ public:
         m_regions = regionsOf(m_retouch.covered, m_mcu, m_count, regionRows);
         if (!isSrgb(profile, isGrayPicture()) || !isWorthwhile())
             return false;
-        if (!m_source.start(regionRows + 2))
+        if (!m_source.start(isInPlace() ? m_count.height() : regionRows + 2))
             return false;
         chooseTables();
         return true;
@@ -139,9 +139,10 @@ public:
 
     bool write(QIODevice &to)
     {
-        const int rowsKept = m_options.isProgressive ? m_count.height() : 1;
-        for (const JpegStructure::Component &component : m_sampling)
-            m_written.emplace_back(m_count.width() * component.horizontal, rowsKept * component.vertical);
+        for (const JpegStructure::Component &component : m_sampling) {
+            if (!isInPlace())
+                m_written.emplace_back(m_count.width() * component.horizontal, component.vertical);
+        }
         JpegEncoding encoding = jpegEncodingOf(m_options);
         encoding.sampling = m_sampling;
         encoding.tables = m_tables;
@@ -150,7 +151,7 @@ public:
             return false;
         const QSize means = reducedSize(m_size, DCTSIZE);
         if (file->needsThumbnail() && qMax(means.width(), means.height()) >= ThumbnailMaker::kLongerSide) {
-            m_means.emplace(m_sampling, m_tables, m_written.front().across());
+            m_means.emplace(m_sampling, m_tables, m_count.width() * m_sampling.front().horizontal);
             m_thumbnail.emplace(means);
         }
         if (!file->finish() || !m_source.hasEnd())
@@ -178,10 +179,14 @@ public:
 private:
     JBLOCKARRAY writtenRows(int component, int row)
     {
-        if (isSourceRow(component, row))
+        if (isInPlace() || isSourceRow(component, row))
             return m_source.rowsOf(component, row);
         return m_written[size_t(component)].rows(row * m_sampling[size_t(component)].vertical);
     }
+
+    /// Are the copy's coefficients written over the source's? The library asks for those of a progressive
+    /// copy several times.
+    bool isInPlace() const { return m_options.isProgressive; }
 
     bool isGrayPicture() const { return m_sampling.size() == 1; }
 
@@ -209,23 +214,27 @@ private:
     /// Are the source's rows written as they are?
     bool isSourceRow(int component, int row) const
     {
-        return !m_options.isProgressive && m_requantizations[size_t(component)].isIdentity() &&
-               !regionAt(row);
+        return m_requantizations[size_t(component)].isIdentity() && !regionAt(row);
     }
 
     EncodedRegion *regionAt(int row) const
     {
-        const bool isInside = m_region && row >= m_region->mcus.top() && row <= m_region->mcus.bottom();
-        return isInside ? m_region.get() : nullptr;
+        const auto region = std::find_if(m_encoded.begin(), m_encoded.end(), [row](const auto &encoded) {
+            return row >= encoded->mcus.top() && row <= encoded->mcus.bottom();
+        });
+        return region == m_encoded.end() ? nullptr : region->get();
     }
 
     bool makeRow(int row)
     {
         if (canceled(m_retouch.isCanceled))
             return false;
-        if (m_nextRegion < m_regions.size() && m_regions[m_nextRegion].top() == row &&
-            !encodeRegion(m_regions[m_nextRegion++]))
-            return false;
+        std::erase_if(m_encoded, [row](const auto &region) { return region->mcus.bottom() < row; });
+        // Its margin begins in this row, which changes after that.
+        while (m_nextRegion < m_regions.size() && m_regions[m_nextRegion].top() <= row + 1) {
+            if (!encodeRegion(m_regions[m_nextRegion++]))
+                return false;
+        }
         if (!m_source.readTo(row))
             return false;
         for (int i = 0; i < int(m_sampling.size()); ++i) {
@@ -264,24 +273,20 @@ private:
     bool makeBlocks(int component, int row)
     {
         const Requantization &requantization = m_requantizations[size_t(component)];
-        CoefficientPlane &plane = m_written[size_t(component)];
-        const int rows = m_sampling[size_t(component)].vertical;
+        const JpegStructure::Component factors = m_sampling[size_t(component)];
+        const int across = m_count.width() * factors.horizontal;
         const JBLOCKARRAY from = m_source.rowsOf(component, row);
-        JBLOCKARRAY to = from;
-        if (!isSourceRow(component, row)) {
-            to = plane.rows(row * rows);
-            for (int i = 0; i < rows; ++i) {
-                if (requantization.isIdentity())
-                    std::copy_n(from[i][0], size_t(plane.across()) * DCTSIZE2, to[i][0]);
-                else
-                    requantization.convert(from[i], to[i], plane.across());
-            }
-            if (EncodedRegion *region = regionAt(row))
-                insertRegion(*region, component, row, to);
+        const JBLOCKARRAY to = writtenRows(component, row);
+        for (int i = 0; i < factors.vertical; ++i) {
+            if (!requantization.isIdentity())
+                requantization.convert(from[i], to[i], across);
+            else if (from[i] != to[i])
+                std::copy_n(from[i][0], size_t(across) * DCTSIZE2, to[i][0]);
         }
-        return std::all_of(to, to + rows, [&](JBLOCKROW blocks) {
-            return Requantization::areValid(blocks, plane.across());
-        });
+        if (EncodedRegion *region = regionAt(row))
+            insertRegion(*region, component, row, to);
+        return std::all_of(to, to + factors.vertical,
+                           [across](JBLOCKROW blocks) { return Requantization::areValid(blocks, across); });
     }
 
     void insertRegion(EncodedRegion &region, int component, int row, JBLOCKARRAY to)
@@ -316,20 +321,20 @@ private:
         if (drawn.isNull())
             return false;
         m_retouch.draw(drawn, area.topLeft());
-        m_region = std::make_unique<EncodedRegion>();
-        m_region->mcus = mcus;
-        if (!findTouched(before, area.topLeft() - around.topLeft(), drawn))
+        EncodedRegion &region = *m_encoded.emplace_back(std::make_unique<EncodedRegion>());
+        region.mcus = mcus;
+        if (!findTouched(before, area.topLeft() - around.topLeft(), drawn, region))
             return false;
         JpegEncoding encoding;
         encoding.sampling = m_sampling;
         encoding.tables = m_tables;
-        m_region->file.open(QIODevice::ReadWrite);
-        const auto encoder = std::make_unique<JpegEncoder>(m_region->file, area.size(), encoding);
+        region.file.open(QIODevice::ReadWrite);
+        const auto encoder = std::make_unique<JpegEncoder>(region.file, area.size(), encoding);
         if (!encoder->start() || !encoder->writeImage(drawn, drawn.height()) || !encoder->finish())
             return false;
-        m_region->file.seek(0);
-        m_region->coefficients = std::make_unique<JpegCoefficients>(m_region->file, m_limits);
-        JpegCoefficients &coefficients = *m_region->coefficients;
+        region.file.seek(0);
+        region.coefficients = std::make_unique<JpegCoefficients>(region.file, m_limits);
+        JpegCoefficients &coefficients = *region.coefficients;
         return coefficients.readHeader() && coefficients.start(mcus.height()) &&
                coefficients.readTo(mcus.height() - 1);
     }
@@ -359,10 +364,10 @@ private:
     /// Finds the MCUs that were drawn on.
     /// @param at  where `after` lies in `before`
     /// @return false for a color in a gray picture, which has no place for it
-    bool findTouched(const QImage &before, QPoint at, const QImage &after)
+    bool findTouched(const QImage &before, QPoint at, const QImage &after, EncodedRegion &region) const
     {
-        const QSize count = m_region->mcus.size();
-        m_region->isTouched.assign(size_t(count.width()) * size_t(count.height()), false);
+        const QSize count = region.mcus.size();
+        region.isTouched.assign(size_t(count.width()) * size_t(count.height()), false);
         for (int y = 0; y < after.height(); ++y) {
             const auto *old = reinterpret_cast<const QRgb *>(before.constScanLine(at.y() + y)) + at.x();
             const auto *now = reinterpret_cast<const QRgb *>(after.constScanLine(y));
@@ -373,8 +378,7 @@ private:
                     continue;
                 if (isGrayPicture() && !std::all_of(now + x, now + x + width, isGray))
                     return false;
-                m_region->isTouched[size_t(y / m_mcu.height()) * size_t(count.width()) + size_t(column)] =
-                    true;
+                region.isTouched[size_t(y / m_mcu.height()) * size_t(count.width()) + size_t(column)] = true;
             }
         }
         return true;
@@ -390,11 +394,11 @@ private:
     JpegSampling m_sampling;
     std::vector<QRect> m_regions;
     size_t m_nextRegion = 0;
-    std::unique_ptr<EncodedRegion> m_region; ///< the last one
+    std::vector<std::unique_ptr<EncodedRegion>> m_encoded; ///< that of this row and that of the next one
     std::vector<QuantizationTable> m_sourceTables;
     std::vector<QuantizationTable> m_tables; ///< of the copy
     std::vector<Requantization> m_requantizations;
-    std::vector<CoefficientPlane> m_written;
+    std::vector<CoefficientPlane> m_written; ///< the last row; empty for a copy in place
     int m_rowsMade = 0;
     std::optional<BlockMeans> m_means; ///< where a thumbnail is made of them
     std::optional<ThumbnailMaker> m_thumbnail;
@@ -418,8 +422,9 @@ qint64 retouchJpegBytes(const PictureInfo &info, const WriteOptions &options, in
 {
     const JpegSampling sampling = jpegSamplingFromText(info.chromaSampling);
     const qint64 coefficients = coefficientBytes(info.rows.size, {sampling.begin(), sampling.end()});
-    const bool isReadWhole = info.decoderBytes > 0 || orientation != 1;
-    return (isReadWhole ? coefficients : 0) + (options.isProgressive ? coefficients : 0);
+    const bool isWhole = info.decoderBytes > 0 || orientation != 1 || options.isProgressive;
+    const bool isTwice = orientation != 1 && options.isProgressive;
+    return (isWhole ? coefficients : 0) + (isTwice ? coefficients : 0);
 }
 
 } // namespace plexa

@@ -20,8 +20,9 @@ public:
     /// Do all steps stay, and with them all coefficients?
     bool isIdentity() const { return m_isIdentity; }
 
-    /// Converts `count` blocks to the nearest multiples of their new steps; of two that are equally near, to
-    /// the smaller one, which takes fewer bits.
+    /// Converts `count` blocks to the nearest multiples of their new steps. Of two that are equally near, the
+    /// one is chosen that is nearer to the decoded samples, which are rounded to whole numbers.
+    /// @param to  may be `from`
     void convert(JBLOCKROW from, JBLOCKROW to, int count) const;
 
     /// Have all of `count` blocks in a row coefficients that an 8-bit picture can have? The library would
@@ -29,8 +30,13 @@ public:
     static bool areValid(JBLOCKROW blocks, int count);
 
 private:
+    using Block = std::array<JCOEF, DCTSIZE2>;
+
+    void decideTies(const JCOEF *from, const Block &away, Block &to) const;
+
     QuantizationTable m_table;
-    std::array<float, DCTSIZE2> m_factors;
+    std::array<float, DCTSIZE2> m_steps;   ///< of the source
+    std::array<float, DCTSIZE2> m_factors; ///< of coefficients
     bool m_isIdentity;
 };
 

@@ -26,7 +26,7 @@ public:
     QSize mcuSize() const;
     QSize mcuCount() const;
 
-    // As JpegCoefficients:
+    // As JpegCoefficients. The caller may write over rows that it has read.
     [[nodiscard]] bool start(int rowsKept);
     [[nodiscard]] bool readTo(int row);
     [[nodiscard]] bool hasEnd() { return m_stored.hasEnd(); }
@@ -35,7 +35,7 @@ public:
     QuantizationTable tableOf(int component);
 
 private:
-    void turnRow(int row);
+    void turnRow(size_t component, int row);
     void turnBlock(const JCOEF *from, JCOEF *to) const;
     QSize turned(QSize size) const { return m_isTransposed ? size.transposed() : size; }
 
