@@ -1121,6 +1121,10 @@
         <source>it must be a date such as 2024-12-31 23:59:59</source>
         <translation>es muss ein Datum wie 2024-12-31 23:59:59 sein</translation>
     </message>
+    <message>
+        <source>it must be up to 9 digits</source>
+        <translation>es dürfen nur Ziffern sein, höchstens 9</translation>
+    </message>
 </context>
 <context>
     <name>MetadataPages</name>
@@ -1195,6 +1199,22 @@
     <message>
         <source>fired</source>
         <translation>ausgelöst</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>keine</translation>
+    </message>
+    <message>
+        <source>inch</source>
+        <translation>Zoll</translation>
+    </message>
+    <message>
+        <source>centimeter</source>
+        <translation>Zentimeter</translation>
+    </message>
+    <message>
+        <source>Unit in the file</source>
+        <translation>Einheit in der Datei</translation>
     </message>
 </context>
 <context>
@@ -3235,14 +3255,14 @@ Doppelklicken Sie unten auf eine oder ziehen Sie sie hierher.</translation>
         <translation>Leer beginnen</translation>
     </message>
     <message>
-        <source>The list had one photo. Do you want it back, with its rotation, its positions and the applied presets?</source>
-        <translation>Die Liste enthielt ein Foto. Möchten Sie es mit seiner Drehung, seinen Positionen und den angewendeten Vorgaben zurückhaben?</translation>
+        <source>The list had one photo. Do you want it back, with its rotation, positions and edited metadata, and the applied presets?</source>
+        <translation>Die Liste enthielt ein Foto. Möchten Sie es mit seiner Drehung, seinen Positionen, den bearbeiteten Metadaten und den angewendeten Vorgaben zurückhaben?</translation>
     </message>
     <message numerus="yes">
-        <source>The list had %n photos. Do you want them back, with their rotations, their positions and the applied presets?</source>
+        <source>The list had %n photos. Do you want them back, with their rotations, positions and edited metadata, and the applied presets?</source>
         <translation>
-            <numerusform>Die Liste enthielt %n Foto. Möchten Sie es mit seinen Drehungen, Positionen und den angewendeten Vorgaben zurückhaben?</numerusform>
-            <numerusform>Die Liste enthielt %n Fotos. Möchten Sie sie mit ihren Drehungen, Positionen und den angewendeten Vorgaben zurückhaben?</numerusform>
+            <numerusform>Die Liste enthielt %n Foto. Möchten Sie es mit seiner Drehung, seinen Positionen, den bearbeiteten Metadaten und den angewendeten Vorgaben zurückhaben?</numerusform>
+            <numerusform>Die Liste enthielt %n Fotos. Möchten Sie sie mit ihren Drehungen, Positionen, den bearbeiteten Metadaten und den angewendeten Vorgaben zurückhaben?</numerusform>
         </translation>
     </message>
 </context>

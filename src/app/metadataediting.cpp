@@ -115,7 +115,10 @@ void MetadataEditing::setValue(MetadataProperty property, const QVariant &value)
 {
     const QString label = QCoreApplication::translate("ImageMetadata", metadataProperty(property).label);
     edit(tr("Edit %1").arg(label), [property, &value](ImageMetadata &metadata) {
-        if (!samePropertyValue(metadata.value(property), value)) // else a list would lose its other elements
+        // The same value again would cost a list its other elements; an absent flash reads as 0.
+        const MetadataPropertyRow &row = metadataProperty(property);
+        const bool isNew = value.isValid() && !metadata.valueForKey(row.group, row.key).isValid();
+        if (isNew || !samePropertyValue(metadata.value(property), value))
             metadata.setValue(property, value);
     });
 }

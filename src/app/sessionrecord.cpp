@@ -31,6 +31,8 @@ const QString kPath = QStringLiteral("path");
 const QString kReadFrom = QStringLiteral("readFrom");
 const QString kTurns = QStringLiteral("turns");
 const QString kPlaces = QStringLiteral("places");
+const QString kMetadata = QStringLiteral("metadata");
+const QString kCleared = QStringLiteral("cleared");
 
 /// A preset as [row, name].
 QJsonArray referenceTo(int row, const WPreset &preset)
@@ -108,6 +110,19 @@ QJsonObject readSession(const QString &path)
     return QJsonDocument::fromJson(file.readAll()).object();
 }
 
+QJsonObject withMetadata(QJsonObject session, const std::map<qsizetype, ImageMetadata> &edited)
+{
+    QJsonArray photos = session[kPhotos].toArray();
+    for (const auto &[place, metadata] : edited) {
+        QJsonObject photo = photos[place].toObject();
+        photo[kMetadata] = QJsonObject::fromVariantMap(metadata.imagePropertiesDictionary());
+        photo[kCleared] = metadata.clearedGroups().toInt();
+        photos[place] = photo;
+    }
+    session[kPhotos] = photos;
+    return session;
+}
+
 bool writeSession(const QString &path, const QByteArray &bytes)
 {
     AtomicFile file(path, AtomicFile::IfExists::Replace);
@@ -166,12 +181,13 @@ bool SessionRecord::mayRestore(qsizetype photoCount)
     Alert alert;
     alert.style = Alert::Style::Informational;
     alert.title = tr("%1 did not quit properly").arg(applicationName());
-    alert.text = photoCount == 1
-                     ? tr("The list had one photo. Do you want it back, with its rotation, its positions and "
-                          "the applied presets?")
-                     : tr("The list had %n photos. Do you want them back, with their rotations, their "
-                          "positions and the applied presets?",
-                          nullptr, static_cast<int>(photoCount));
+    alert.text =
+        photoCount == 1
+            ? tr("The list had one photo. Do you want it back, with its rotation, positions and "
+                 "edited metadata, and the applied presets?")
+            : tr("The list had %n photos. Do you want them back, with their rotations, positions and "
+                 "edited metadata, and the applied presets?",
+                 nullptr, static_cast<int>(photoCount));
     alert.buttons = {tr("Restore"), tr("Start Empty")};
     alert.escapeButton = 1;
     return m_alerts.run(alert).button == 0;
@@ -195,6 +211,20 @@ QJsonObject SessionRecord::record() const
             {kApplied, presets.references(m_controller.appliedPresets().wPresetsApplied())}};
 }
 
+/// By the place of the photo in the record. Kept apart from it, because the conversion is work for the
+/// writer.
+std::map<qsizetype, ImageMetadata> SessionRecord::editedMetadata() const
+{
+    std::map<qsizetype, ImageMetadata> edited;
+    qsizetype place = 0;
+    for (const std::shared_ptr<ImageObject> &image : *m_controller.imageSet().images()) {
+        if (const std::optional<ImageMetadata> metadata = image->editedMetadata())
+            edited.emplace(place, *metadata);
+        ++place;
+    }
+    return edited;
+}
+
 void SessionRecord::restore(const QJsonObject &session)
 {
     const Presets presets(m_controller.presetsStore());
@@ -213,6 +243,9 @@ void SessionRecord::restore(const QJsonObject &session)
         const auto image = std::make_shared<ImageObject>(path, m_controller.photoServices());
         image->setPathToImportFrom(photo[kReadFrom].toString());
         image->restoreTurns(photo[kTurns].toInt(1));
+        if (photo[kMetadata].isObject())
+            image->setMetadata(ImageMetadata(photo[kMetadata].toObject().toVariantMap(),
+                                             ClearedGroups(photo[kCleared].toInt())));
         for (const QJsonValue place : photo[kPlaces].toArray()) {
             if (const std::shared_ptr<WPreset> preset = presets.at(place))
                 image->setCustomWatermarkRectOrigin({place[2].toDouble(), place[3].toDouble()}, preset);
@@ -225,12 +258,14 @@ void SessionRecord::restore(const QJsonObject &session)
 
 void SessionRecord::write()
 {
-    const bool isStarted = m_writer.start([this, session = record(), path = path()] {
-        const QByteArray bytes = QJsonDocument(session).toJson(QJsonDocument::Compact);
-        if (bytes != m_written && writeSession(path, bytes))
-            m_written = bytes;
-        return true;
-    });
+    const bool isStarted =
+        m_writer.start([this, session = record(), edited = editedMetadata(), path = path()] {
+            const QByteArray bytes =
+                QJsonDocument(withMetadata(session, edited)).toJson(QJsonDocument::Compact);
+            if (bytes != m_written && writeSession(path, bytes))
+                m_written = bytes;
+            return true;
+        });
     if (!isStarted) // the disk is slow
         m_timer.start();
 }

@@ -3,12 +3,14 @@
 #pragma once
 
 #include "app/backgroundjob.h"
+#include "metadata/imagemetadata.h"
 
 #include <QJsonObject>
 #include <QLockFile>
 #include <QTimer>
 
 #include <chrono>
+#include <map>
 
 namespace plexa
 {
@@ -17,8 +19,8 @@ class Alerts;
 class AppController;
 
 /// Keeps the working set and the applied presets in a file while the program runs, so that they survive a
-/// crash: the paths of the photos with their turns and the positions chosen by hand. Of several processes at
-/// a time, the first one does this. Main thread.
+/// crash: the paths of the photos with their turns, the positions chosen by hand and edited metadata. Of
+/// several processes at a time, the first one does this. Main thread.
 class SessionRecord final : public QObject
 {
     Q_OBJECT
@@ -42,6 +44,7 @@ public:
 private:
     bool mayRestore(qsizetype photoCount);
     QJsonObject record() const;
+    std::map<qsizetype, ImageMetadata> editedMetadata() const;
     void restore(const QJsonObject &session);
     void write();
 

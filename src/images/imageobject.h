@@ -99,7 +99,9 @@ public:
 
     /// None until the photo is loaded.
     std::optional<ImageMetadata> metadata() const { return m_photo.metadata(); }
-    /// Sets edited metadata, which copies will carry.
+    /// The metadata that setMetadata() has set and that the file does not contain.
+    std::optional<ImageMetadata> editedMetadata() const { return m_photo.pendingEdits().metadata; }
+    /// Sets edited metadata, which copies will carry; also for a photo that was not loaded yet.
     void setMetadata(const ImageMetadata &metadata) { m_photo.setMetadata(metadata); }
     /// Edits the metadata of each version of the file that is read from now on, also for a copy that is
     /// written without loading the photo; empty: none.
@@ -121,7 +123,7 @@ public:
     void unlock() { m_photo.processingLock().unlock(); }
 
     /// The user's turns that the file does not contain, as an orientation.
-    int turns() const { return m_photo.turns(); }
+    int turns() const { return m_photo.pendingEdits().turns; }
     /// Sets them for a photo that was not loaded yet. Not an orientation: none.
     void restoreTurns(int orientation) { m_photo.restoreTurns(orientation); }
 

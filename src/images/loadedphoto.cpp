@@ -432,10 +432,10 @@ bool LoadedPhoto::turn(ImageTransform transform)
     return true;
 }
 
-int LoadedPhoto::turns() const
+PhotoVersion::Edits LoadedPhoto::pendingEdits() const
 {
     const std::lock_guard lock(m_stateLock);
-    return m_file.turns();
+    return m_file.pendingEdits();
 }
 
 void LoadedPhoto::restoreTurns(int orientation)

@@ -82,7 +82,7 @@ public:
     /// Loads the photo, turns it, and forgets the places. @return false, with nothing changed, when that
     /// fails
     bool turn(ImageTransform transform);
-    int turns() const;
+    PhotoVersion::Edits pendingEdits() const;
     void restoreTurns(int orientation);
 
     std::optional<QPointF> originFor(const WPreset *preset) const;

@@ -55,6 +55,8 @@ public:
 
     /// The user's turns that the present file does not contain, as an orientation.
     int turns() const;
+    /// The edits that the present file does not contain.
+    Edits pendingEdits() const { return {m_isMetadataEdited ? m_metadata : std::nullopt, turns()}; }
     /// Before the first file is read.
     void restoreTurns(int orientation) { m_turns = orientation >= 1 && orientation <= 8 ? orientation : 1; }
 

@@ -124,8 +124,9 @@ std::optional<MetadataProperty> twinOf(MetadataProperty property)
     return {};
 }
 
-ImageMetadata::ImageMetadata(const QVariantMap &source)
+ImageMetadata::ImageMetadata(const QVariantMap &source, ClearedGroups cleared)
     : m_properties(source)
+    , m_cleared(cleared)
 {
     using enum MetadataGroup;
     for (const MetadataGroup group : {Tiff, Exif, ExifAux, Iptc, Gps})

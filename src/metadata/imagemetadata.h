@@ -24,7 +24,8 @@ class ImageMetadata final
 public:
     /// @param source  a property dictionary, may be empty. Sub-dictionaries that are missing or are no
     ///                dictionaries become empty ones.
-    explicit ImageMetadata(const QVariantMap &source = {});
+    /// @param cleared  the groups that were cleared before
+    explicit ImageMetadata(const QVariantMap &source = {}, ClearedGroups cleared = {});
 
     /// The whole dictionary, as a writer reads it.
     const QVariantMap &imagePropertiesDictionary() const { return m_properties; }

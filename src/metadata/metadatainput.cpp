@@ -31,6 +31,8 @@ QLatin1StringView unitOf(MetadataProperty property)
         return QLatin1StringView("sec");
     if (property == exifFocalLength || property == exifFocalLength35)
         return QLatin1StringView("mm");
+    if (property == dpiWidth || property == dpiHeight)
+        return QLatin1StringView("dpi");
     return {};
 }
 
@@ -51,17 +53,20 @@ QString withoutUnit(MetadataProperty property, const QString &text)
     QString number = text.trimmed();
     if (property == exifExposureTime)
         number.remove(seconds);
-    else if (!unitOf(property).isEmpty())
+    else if (unitOf(property) == QLatin1StringView("mm"))
         number.remove(millimeters);
     return number;
 }
 
-std::optional<double> plainNumber(const QString &text, const QLocale &locale)
+/// In the locale's form, else with a point. Separators of groups are refused: the same character is the
+/// decimal separator in other locales, and "0,008" must not become 8.
+std::optional<double> plainNumber(const QString &text, QLocale locale)
 {
+    locale.setNumberOptions(QLocale::RejectGroupSeparator);
     bool isNumber = false;
     double number = locale.toDouble(text, &isNumber);
     if (!isNumber)
-        number = QLocale::c().toDouble(text, &isNumber);
+        number = text.toDouble(&isNumber);
     return isNumber && std::isfinite(number) ? std::optional(number) : std::nullopt;
 }
 
@@ -100,6 +105,15 @@ Result<QVariant> decimalOf(MetadataProperty property, const QString &text, const
                         ? translated(QT_TRANSLATE_NOOP("ImageMetadata", "it must be a number"))
                         : translated(QT_TRANSLATE_NOOP("ImageMetadata", "it must be a number, 0 or more")));
     return QVariant(*number);
+}
+
+/// The decimals of a second.
+Result<QVariant> digitsOf(const QString &text)
+{
+    static const QRegularExpression digits(QStringLiteral("\\A[0-9]{1,9}\\z"));
+    if (!digits.match(text).hasMatch())
+        return fail(translated(QT_TRANSLATE_NOOP("ImageMetadata", "it must be up to 9 digits")));
+    return QVariant(text);
 }
 
 Result<QVariant> dateOf(const QString &text)
@@ -148,6 +162,8 @@ Result<QVariant> metadataOfText(MetadataProperty property, const QString &text, 
     const QString number = withoutUnit(property, text);
     if (number.isEmpty())
         return QVariant();
+    if (property == exifSubsecTimeOriginal || property == exifSubsecTimeDigitized)
+        return digitsOf(number);
     switch (metadataProperty(property).kind) {
     case MetadataKind::Integer:
     case MetadataKind::IntegerList:

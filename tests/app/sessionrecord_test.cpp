@@ -3,6 +3,7 @@
 #include "app/appcontroller.h"
 #include "app/sessionrecord.h"
 #include "app/workingset.h"
+#include "metadata/propertyvalues.h"
 
 using namespace plexa;
 using namespace plexa::test;
@@ -43,6 +44,7 @@ private Q_SLOTS:
         WorkingSet files;
         files.store.wPresetList().append({namedPreset(u"one"_qs), namedPreset(u"two"_qs)});
         const WPresetList &presets = files.store.wPresets();
+        ImageMetadata edited;
         {
             Program first(files);
             first.session.begin(); // nothing to ask about
@@ -57,6 +59,14 @@ private Q_SLOTS:
             first.photo(0).setCustomWatermarkRectOrigin({1, 2}, files.store.quickWPreset());
             first.app.imageSet().moveIndexes({0}, 2);
             QVERIFY(first.isWritten("4.5"));
+            MetadataEditing &editing = first.app.metadataEditing();
+            editing.setImages({(*first.app.imageSet().images())[1]});
+            editing.clear(MetadataClearing::Gps);
+            editing.setValue(MetadataProperty::exifFNumber, 2.8);
+            editing.setKeywords({}, {u"\u00e4"_qs, u"\"\n"_qs});
+            edited = *first.photo(1).metadata();
+            edited.setOrientation(1); // as of the file that is read again
+            QVERIFY(first.isWritten("2.8"));
 
             Program other(files); // without a session bus
             other.session.begin();
@@ -75,6 +85,11 @@ private Q_SLOTS:
             QCOMPARE(second.photo(1).customWatermarkRectOriginForWPreset(files.store.quickWPreset().get()),
                      std::optional(QPointF(1, 2)));
             QVERIFY(!second.photo(1).customWatermarkRectOriginForWPreset(presets[0].get()));
+            const ImageMetadata metadata = *second.photo(1).metadata();
+            QVERIFY(
+                samePropertyValue(metadata.imagePropertiesDictionary(), edited.imagePropertiesDictionary()));
+            QCOMPARE(metadata.clearedGroups(), ClearedGroups(ClearedGroup::Gps));
+            QVERIFY(!second.photo(0).editedMetadata());
             QCOMPARE(names(second.app.appliedPresets().wPresetsApplied()), u"two one"_qs);
             // A crash once more, with the same contents.
         }
@@ -104,7 +119,8 @@ private Q_SLOTS:
                                         {R"({"photos": [{"path": "a.png"}, 5, [], {}]})", true, {}},
                                         {R"({"applied": [[7, "none"], [], "x", [-9]], "photos": [
                       {"path": "/x.png", "turns": 99, "places": [[0, "none", 1, 2], {}, 3]},
-                      {"path": "/y.png", "turns": "a", "places": {"a": 1}}]})",
+                      {"path": "/y.png", "turns": "a", "places": {"a": 1}, "cleared": [],
+                       "metadata": {"{TIFF}": 5, "{IPTC}": {"City": {"a": [null]}}}}]})",
                                          true, u"x y"_qs}}) {
             files.defaults.setObject(settings::imageListIsInBrowserMode, false);
             QVERIFY(writeFile(SessionRecord::path(), contents));

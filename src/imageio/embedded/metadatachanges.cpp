@@ -110,14 +110,6 @@ void setIptc(Exiv2::IptcData &iptc, const MetadataField &field, const QVariant &
         iptc["Iptc.Application2.RecordVersion"] = uint16_t{4};
 }
 
-/// IIM has room for few characters; XMP holds a longer text whole.
-bool fitsIptc(const MetadataField &field, const QVariant &value)
-{
-    const QStringList texts = propertyTexts(value);
-    return std::all_of(texts.begin(), texts.end(),
-                       [&](const QString &text) { return text.toUtf8().size() <= field.iptcMaxBytes; });
-}
-
 /// Further names of facts in XMP (EXIF for XMP, XMP part 2, guidelines of the Metadata
 /// Working Group).
 struct XmpAlias {
@@ -173,6 +165,8 @@ QList<const char *> furtherXmpNames(const MetadataField &field)
     return names;
 }
 
+/// An EXIF fact is put into XMP where the file has it there already, an IPTC fact always: it has two homes,
+/// and many programs read only the one in XMP, which also has room for a long text.
 void setXmp(Exiv2::XmpData &xmp, const MetadataField &field, const QVariant &value)
 {
     for (const char *name : furtherXmpNames(field)) {
@@ -181,9 +175,7 @@ void setXmp(Exiv2::XmpData &xmp, const MetadataField &field, const QVariant &val
     }
     if (!field.xmp)
         return;
-    const bool wasPresent = eraseXmpProperty(xmp, field.xmp);
-    const bool hasOtherHome = field.exif || (field.iptc && fitsIptc(field, value));
-    if (!wasPresent && hasOtherHome)
+    if (!eraseXmpProperty(xmp, field.xmp) && field.exif)
         return;
     if (field.group == MetadataGroup::Contact)
         addXmpStructure(xmp, kContactProperty);

@@ -190,7 +190,7 @@ void ImageMetadataPanel::addRows(QFormLayout &form, const MetadataPage &page)
         auto *const label = new QLabel(spec.shownLabel());
         label->setBuddy(row->widget());
         // Beside the first line of a field that has several.
-        label->setMinimumHeight(QLineEdit().sizeHint().height());
+        label->setFixedHeight(QLineEdit().sizeHint().height());
         form.addRow(label, row->widget());
         rows.push_back(std::move(row));
     }

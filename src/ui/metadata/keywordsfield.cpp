@@ -3,6 +3,7 @@
 #include "ui/metadata/keywordsfield.h"
 
 #include "ui/editors/tokenfieldpill.h"
+#include "ui/metadata/fieldkeys.h"
 #include "ui/widgets/look.h"
 
 #include <QAbstractButton>
@@ -164,7 +165,7 @@ KeywordsField::KeywordsField(QWidget *parent)
     setFocusProxy(m_line);
     auto *const pills = new FlowLayout(m_pills);
     pills->setContentsMargins(0, 0, 0, 0);
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     m_pills->setSizePolicy(policy);
     auto *const layout = new QVBoxLayout(this);
@@ -229,7 +230,7 @@ void KeywordsField::setCompletions(const QStringList &words)
 void KeywordsField::commit()
 {
     const QStringList words = wordsOf(m_line->text());
-    m_line->clear();
+    m_line->setText({}); // its undo would bring the words back into the line
     QStringList keywords = m_keywords;
     for (const QString &word : words) {
         if (!keywords.contains(word))
@@ -258,7 +259,12 @@ bool KeywordsField::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::FocusIn)
         Q_EMIT entered();
-    return QFrame::eventFilter(watched, event);
+    if (isEscape(*event) && !m_line->text().isEmpty()) {
+        m_line->setText({});
+        return true;
+    }
+    return leavesUndoToWindow(*event, m_line->isUndoAvailable(), m_line->isRedoAvailable()) ||
+           QFrame::eventFilter(watched, event);
 }
 
 } // namespace plexa

@@ -4,6 +4,7 @@
 
 #include "metadata/metadatainput.h"
 #include "ui/editors/editorform.h"
+#include "ui/metadata/fieldkeys.h"
 #include "ui/metadata/keywordsfield.h"
 #include "ui/widgets/look.h"
 
@@ -25,6 +26,15 @@ namespace
 
 constexpr int kLinesOfText = 4;
 
+/// The color of the control's text while it is disabled.
+void setDisabledText(QWidget &control, const QColor &color)
+{
+    QPalette palette = control.palette();
+    for (const QPalette::ColorRole role : {QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, color);
+    control.setPalette(palette);
+}
+
 class ReadoutRow final : public MetadataFieldRow
 {
 public:
@@ -37,7 +47,7 @@ public:
     {
         const MetadataEditing::Common value = common();
         m_label->setText(value.isMultiple ? multipleValues() : row().text(value.value));
-        m_label->setEnabled(!value.isMultiple);
+        m_label->setForegroundRole(value.isMultiple ? QPalette::PlaceholderText : QPalette::WindowText);
     }
 
 private:
@@ -75,7 +85,8 @@ public:
         m_value = text;
         m_line->setText(text);
         m_shown = m_line->text(); // the control changes some characters
-        m_line->setCursorPosition(0);
+        if (!m_line->hasFocus())
+            m_line->setCursorPosition(0); // the beginning of a long text is visible
         m_line->setPlaceholderText(value.isMultiple ? multipleValues() : QString());
     }
 
@@ -93,23 +104,20 @@ public:
         MetadataFieldRow::setEditable(isEditable);
         m_line->setFrame(isEditable);
         m_line->setReadOnly(!isEditable);
+        setDisabledText(*m_line, isEditable ? look::kDisabledText : look::kText);
         m_line->setStyleSheet(isEditable ? QString() : QStringLiteral("background: transparent;"));
         if (m_calendarButton)
             m_calendarButton->setVisible(isEditable);
     }
 
-    /// Leaves an undo that the line has nothing to do for to the window.
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        if (event->type() == QEvent::ShortcutOverride) {
-            auto *const key = static_cast<QKeyEvent *>(event);
-            if ((key->matches(QKeySequence::Undo) && !m_line->isUndoAvailable()) ||
-                (key->matches(QKeySequence::Redo) && !m_line->isRedoAvailable())) {
-                key->ignore();
-                return true;
-            }
+        if (isEscape(*event) && m_line->text() != m_shown) {
+            m_line->setText(m_shown);
+            return true;
         }
-        return MetadataFieldRow::eventFilter(watched, event);
+        return leavesUndoToWindow(*event, m_line->isUndoAvailable(), m_line->isRedoAvailable()) ||
+               MetadataFieldRow::eventFilter(watched, event);
     }
 
 private:
@@ -122,8 +130,7 @@ private:
         layout->setSpacing(look::kSmallGap);
         layout->addWidget(m_line, 1);
         box->setFocusProxy(m_line);
-        m_line->setObjectName(QLatin1StringView(metadataProperty(row.property).name) +
-                              QLatin1StringView("TextField"));
+        m_line->setObjectName(row.name() + QLatin1StringView("TextField"));
         m_line->setAccessibleName(row.shownLabel());
         m_line->setToolTip(MetadataFieldRow::tr("Press Return to change all selected photos"));
         m_line->installEventFilter(this);
@@ -189,9 +196,11 @@ public:
         const QString text = row().text(value.value);
         if (m_edit->hasFocus() && m_edit->toPlainText() != m_shown && text == m_value)
             return; // the user is typing while another fact has changed
-        m_value = text;
-        m_edit->setPlainText(text);
-        m_shown = m_edit->toPlainText(); // the control changes some characters
+        if (text != m_value || m_edit->toPlainText() != m_shown) { // else a scrolled text stays where it is
+            m_value = text;
+            m_edit->setPlainText(text);
+            m_shown = m_edit->toPlainText(); // the control changes some characters
+        }
         m_edit->setPlaceholderText(value.isMultiple ? multipleValues() : QString());
     }
 
@@ -208,6 +217,7 @@ public:
     {
         MetadataFieldRow::setEditable(isEditable);
         m_edit->setFrameShape(isEditable ? QFrame::StyledPanel : QFrame::NoFrame);
+        setDisabledText(*m_edit, isEditable ? look::kDisabledText : look::kText);
         m_edit->viewport()->setAutoFillBackground(isEditable);
     }
 
@@ -216,6 +226,13 @@ public:
         if (event->type() == QEvent::FocusOut &&
             static_cast<QFocusEvent *>(event)->reason() != Qt::PopupFocusReason)
             commit();
+        const QTextDocument &document = *m_edit->document();
+        if (leavesUndoToWindow(*event, document.isUndoAvailable(), document.isRedoAvailable()))
+            return true;
+        if (isEscape(*event) && m_edit->toPlainText() != m_shown) {
+            m_edit->setPlainText(m_shown);
+            return true;
+        }
         if (event->type() == QEvent::KeyPress) {
             const auto *const key = static_cast<QKeyEvent *>(event);
             const bool isReturn = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
@@ -269,6 +286,7 @@ private:
     {
         for (const MetadataChoice &choice : metadataChoices(row.property))
             box->addItem(choice.text, choice.value);
+        setDisabledText(*box, look::kSecondaryText); // it can be read all the same
         box->setToolTip(MetadataFieldRow::tr("The choice changes all selected photos"));
         EditorForm::guardWheel(*box);
         connect(box, &QComboBox::activated, this, [this](int index) {
@@ -340,8 +358,7 @@ MetadataFieldRow::MetadataFieldRow(const MetadataPageRow &row, MetadataEditing &
     , m_editing(editing)
     , m_widget(widget)
 {
-    widget->setObjectName(QLatin1StringView(metadataProperty(row.property).name) +
-                          QLatin1StringView(kindOfControl));
+    widget->setObjectName(row.name() + QLatin1StringView(kindOfControl));
     widget->setAccessibleName(row.shownLabel());
 }
 

@@ -44,6 +44,42 @@ QVariant orientationText(const ImageMetadata &metadata)
     return QStringLiteral("%1 (%2)").arg(orientation).arg(translated(kTexts[orientation - 1]));
 }
 
+/// A code of TIFF with its meaning, "5 (LZW)"; the code alone where the list lacks it.
+QVariant codeWithMeaning(const QVariant &code, std::initializer_list<std::pair<int, QString>> meanings)
+{
+    if (!code.isValid())
+        return {};
+    for (const auto &[known, meaning] : meanings) {
+        if (code == known)
+            return QStringLiteral("%1 (%2)").arg(known).arg(meaning);
+    }
+    return code;
+}
+
+QVariant compression(const ImageMetadata &metadata)
+{
+    const QString jpeg = QStringLiteral("JPEG");
+    const QString fax = QStringLiteral("CCITT");
+    const QString deflate = QStringLiteral("Deflate");
+    return codeWithMeaning(metadata.tiffCompression(), {{1, translated(TEXT("none"))},
+                                                        {2, fax},
+                                                        {3, fax},
+                                                        {4, fax},
+                                                        {5, QStringLiteral("LZW")},
+                                                        {6, jpeg},
+                                                        {7, jpeg},
+                                                        {8, deflate},
+                                                        {32773, QStringLiteral("PackBits")},
+                                                        {32946, deflate}});
+}
+
+QVariant resolutionUnit(const ImageMetadata &metadata)
+{
+    return codeWithMeaning(
+        metadata.tiffResolutionUnit(),
+        {{1, translated(TEXT("none"))}, {2, translated(TEXT("inch"))}, {3, translated(TEXT("centimeter"))}});
+}
+
 /// None where the file does not say whether it fired; the accessor gives 0 then.
 QVariant flash(const ImageMetadata &metadata)
 {
@@ -80,14 +116,15 @@ std::vector<MetadataPage> makePages()
     return {
         {"General",
          TEXT("General"),
-         {{Readout, orientation, pixelSize, TEXT("Size in the file")},
+         {{Readout, orientation, pixelSize, TEXT("Size in the file"), "pixelSize"},
           {Readout, orientation, orientationText},
           {Readout, bitDepth},
           {Readout, colorModel},
           {Readout, iccProfileName},
           {Readout, dpiWidth},
           {Readout, dpiHeight},
-          {Readout, tiffCompression},
+          {Readout, tiffResolutionUnit, resolutionUnit, TEXT("Unit in the file")},
+          {Readout, tiffCompression, compression},
           {Readout, exifDateTimeOriginalStr},
           {Readout, tiffCameraModel},
           {Readout, iptcTitle},
@@ -148,15 +185,20 @@ std::vector<MetadataPage> makePages()
          {{Readout, gpsLatitude, latitude},
           {Readout, gpsLongitude, longitude},
           {Readout, gpsAltitude, altitude},
-          {Readout, gpsAltitude, direction, TEXT("Image direction")},
+          {Readout, gpsAltitude, direction, TEXT("Image direction"), "gpsImageDirection"},
           {Readout, gpsDateStamp},
-          {Readout, gpsDateStamp, timeStamp, TEXT("GPS time")}}},
+          {Readout, gpsDateStamp, timeStamp, TEXT("GPS time"), "gpsTimeStamp"}}},
     };
 }
 
 #undef TEXT
 
 } // namespace
+
+QString MetadataPageRow::name() const
+{
+    return QLatin1StringView(ownName ? ownName : metadataProperty(property).name);
+}
 
 QString MetadataPageRow::shownLabel() const
 {

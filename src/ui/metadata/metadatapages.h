@@ -29,7 +29,9 @@ struct MetadataPageRow {
     Reader reader = nullptr;   ///< the value that is shown
     const char *label =
         nullptr; ///< in place of the property's, to be translated in the context "MetadataPages"
+    const char *ownName = nullptr; ///< in place of the property's, where that has another row on the page
 
+    QString name() const;
     QString shownLabel() const;
     QVariant value(const ImageMetadata &metadata) const;
     /// The text of a value; empty for an absent one.

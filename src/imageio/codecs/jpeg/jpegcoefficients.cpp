@@ -152,6 +152,13 @@ JBLOCKARRAY JpegCoefficients::rowsOf(int component, int row)
     return m_planes[size_t(component)].rows(row * m_info.comp_info[component].v_samp_factor);
 }
 
+void JpegCoefficients::release(size_t component)
+{
+    // In a file of one scan, a second one would still be read.
+    if (!m_isRing)
+        m_planes[component] = CoefficientPlane(0, 0);
+}
+
 QuantizationTable JpegCoefficients::tableOf(int component)
 {
     QuantizationTable table = {};

@@ -66,6 +66,9 @@ public:
     /// The rows of blocks of a component in a row of MCUs; of the last `rowsKept` rows that were read.
     JBLOCKARRAY rowsOf(int component, int row);
 
+    /// Frees the coefficients of a component, if all have been read.
+    void release(size_t component);
+
     /// Known after start().
     QuantizationTable tableOf(int component);
 

@@ -131,19 +131,17 @@ public:
         m_regions = regionsOf(m_retouch.covered, m_mcu, m_count, regionRows);
         if (!isSrgb(profile, isGrayPicture()) || !isWorthwhile())
             return false;
-        if (!m_source.start(regionRows + 2))
+        if (!m_source.start(isInPlace() ? m_count.height() : regionRows + 2))
             return false;
-        m_isInPlace = m_options.isProgressive && m_source.isWhole();
         chooseTables();
         return true;
     }
 
     bool write(QIODevice &to)
     {
-        const int rowsKept = m_options.isProgressive ? m_count.height() : 1;
         for (const JpegStructure::Component &component : m_sampling) {
-            if (!m_isInPlace)
-                m_written.emplace_back(m_count.width() * component.horizontal, rowsKept * component.vertical);
+            if (!isInPlace())
+                m_written.emplace_back(m_count.width() * component.horizontal, component.vertical);
         }
         JpegEncoding encoding = jpegEncodingOf(m_options);
         encoding.sampling = m_sampling;
@@ -181,10 +179,14 @@ public:
 private:
     JBLOCKARRAY writtenRows(int component, int row)
     {
-        if (m_isInPlace || isSourceRow(component, row))
+        if (isInPlace() || isSourceRow(component, row))
             return m_source.rowsOf(component, row);
         return m_written[size_t(component)].rows(row * m_sampling[size_t(component)].vertical);
     }
+
+    /// Are the copy's coefficients written over the source's? The library asks for those of a progressive
+    /// copy several times.
+    bool isInPlace() const { return m_options.isProgressive; }
 
     bool isGrayPicture() const { return m_sampling.size() == 1; }
 
@@ -212,8 +214,7 @@ private:
     /// Are the source's rows written as they are?
     bool isSourceRow(int component, int row) const
     {
-        return (m_isInPlace || !m_options.isProgressive) &&
-               m_requantizations[size_t(component)].isIdentity() && !regionAt(row);
+        return m_requantizations[size_t(component)].isIdentity() && !regionAt(row);
     }
 
     EncodedRegion *regionAt(int row) const
@@ -397,8 +398,7 @@ private:
     std::vector<QuantizationTable> m_sourceTables;
     std::vector<QuantizationTable> m_tables; ///< of the copy
     std::vector<Requantization> m_requantizations;
-    bool m_isInPlace = false;                ///< are the copy's coefficients written over the source's?
-    std::vector<CoefficientPlane> m_written; ///< otherwise
+    std::vector<CoefficientPlane> m_written; ///< the last row; empty for a copy in place
     int m_rowsMade = 0;
     std::optional<BlockMeans> m_means; ///< where a thumbnail is made of them
     std::optional<ThumbnailMaker> m_thumbnail;
@@ -422,9 +422,9 @@ qint64 retouchJpegBytes(const PictureInfo &info, const WriteOptions &options, in
 {
     const JpegSampling sampling = jpegSamplingFromText(info.chromaSampling);
     const qint64 coefficients = coefficientBytes(info.rows.size, {sampling.begin(), sampling.end()});
-    const bool isReadWhole = info.decoderBytes > 0 || orientation != 1;
-    const bool isInPlace = info.decoderBytes > 0 && orientation == 1;
-    return (isReadWhole ? coefficients : 0) + (options.isProgressive && !isInPlace ? coefficients : 0);
+    const bool isWhole = info.decoderBytes > 0 || orientation != 1 || options.isProgressive;
+    const bool isTwice = orientation != 1 && options.isProgressive;
+    return (isWhole ? coefficients : 0) + (isTwice ? coefficients : 0);
 }
 
 } // namespace plexa

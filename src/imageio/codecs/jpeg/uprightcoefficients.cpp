@@ -56,8 +56,16 @@ bool UprightCoefficients::start(int rowsKept)
     const int storedRows = m_stored.mcuCount().height();
     if (!m_stored.start(storedRows) || !m_stored.readTo(storedRows - 1))
         return false;
-    for (const JpegStructure::Component &component : sampling())
+    const bool isWhole = rowsKept >= mcuCount().height();
+    for (const JpegStructure::Component &component : sampling()) {
         m_planes.emplace_back(mcuCount().width() * component.horizontal, rowsKept * component.vertical);
+        const size_t i = m_planes.size() - 1;
+        for (int row = 0; row < mcuCount().height() && isWhole; ++row)
+            turnRow(i, row);
+        if (isWhole)
+            m_stored.release(i);
+    }
+    m_rowsTurned = isWhole ? mcuCount().height() : 0;
     return true;
 }
 
@@ -65,8 +73,10 @@ bool UprightCoefficients::readTo(int row)
 {
     if (m_orientation == 1)
         return m_stored.readTo(row);
-    for (; m_rowsTurned <= row; ++m_rowsTurned)
-        turnRow(m_rowsTurned);
+    for (; m_rowsTurned <= row; ++m_rowsTurned) {
+        for (size_t i = 0; i < m_planes.size(); ++i)
+            turnRow(i, m_rowsTurned);
+    }
     return true;
 }
 
@@ -77,27 +87,26 @@ JBLOCKARRAY UprightCoefficients::rowsOf(int component, int row)
     return m_planes[size_t(component)].rows(row * sampling()[size_t(component)].vertical);
 }
 
-void UprightCoefficients::turnRow(int row)
+void UprightCoefficients::turnRow(size_t component, int row)
 {
-    const JpegSampling upright = sampling();
-    for (size_t i = 0; i < m_planes.size(); ++i) {
-        const JpegStructure::Component stored = m_stored.sampling()[i];
-        // All blocks, those that fill up the last MCUs included.
-        const QSize blocks(m_stored.mcuCount().width() * stored.horizontal,
-                           m_stored.mcuCount().height() * stored.vertical);
-        const JBLOCKARRAY out = m_planes[i].rows(row * upright[i].vertical);
-        for (int line = 0; line < upright[i].vertical; ++line) {
-            for (int column = 0; column < m_planes[i].across(); ++column) {
-                QPoint at(column, row * upright[i].vertical + line);
-                if (m_isTransposed)
-                    at = at.transposed();
-                if (m_reversesColumns)
-                    at.setX(blocks.width() - 1 - at.x());
-                if (m_reversesRows)
-                    at.setY(blocks.height() - 1 - at.y());
-                const JBLOCKARRAY in = m_stored.rowsOf(int(i), at.y() / stored.vertical);
-                turnBlock(in[at.y() % stored.vertical][at.x()], out[line][column]);
-            }
+    const JpegStructure::Component upright = sampling()[component];
+    const JpegStructure::Component stored = m_stored.sampling()[component];
+    CoefficientPlane &plane = m_planes[component];
+    // All blocks, those that fill up the last MCUs included.
+    const QSize blocks(m_stored.mcuCount().width() * stored.horizontal,
+                       m_stored.mcuCount().height() * stored.vertical);
+    const JBLOCKARRAY out = plane.rows(row * upright.vertical);
+    for (int line = 0; line < upright.vertical; ++line) {
+        for (int column = 0; column < plane.across(); ++column) {
+            QPoint at(column, row * upright.vertical + line);
+            if (m_isTransposed)
+                at = at.transposed();
+            if (m_reversesColumns)
+                at.setX(blocks.width() - 1 - at.x());
+            if (m_reversesRows)
+                at.setY(blocks.height() - 1 - at.y());
+            const JBLOCKARRAY in = m_stored.rowsOf(int(component), at.y() / stored.vertical);
+            turnBlock(in[at.y() % stored.vertical][at.x()], out[line][column]);
         }
     }
 }

@@ -21,14 +21,12 @@ public:
     /// Has the picture a form for which all of this works? Blocks can be mirrored only where no MCU is
     /// partly outside of the picture.
     bool isPossible() const;
-    /// Does rowsOf() have all rows at the same time? The caller may then write over those that it has read.
-    bool isWhole() { return m_orientation == 1 && m_stored.hasSeveralScans(); }
     QSize size() const;
     JpegSampling sampling() const;
     QSize mcuSize() const;
     QSize mcuCount() const;
 
-    // As JpegCoefficients:
+    // As JpegCoefficients. The caller may write over rows that it has read.
     [[nodiscard]] bool start(int rowsKept);
     [[nodiscard]] bool readTo(int row);
     [[nodiscard]] bool hasEnd() { return m_stored.hasEnd(); }
@@ -37,7 +35,7 @@ public:
     QuantizationTable tableOf(int component);
 
 private:
-    void turnRow(int row);
+    void turnRow(size_t component, int row);
     void turnBlock(const JCOEF *from, JCOEF *to) const;
     QSize turned(QSize size) const { return m_isTransposed ? size.transposed() : size; }
 

@@ -200,15 +200,29 @@ QVariant flashOf(const Exiv2::XmpData &xmp)
            isTrue(part("Function")) << 5 | isTrue(part("RedEyeMode")) << 6;
 }
 
+/// The texts of the field's own property, else of the one that other programs use for the fact (EXIF for XMP,
+/// guidelines of the Metadata Working Group).
+QStringList textsOfFact(const Exiv2::XmpData &xmp, const MetadataField &field)
+{
+    const QStringList texts = field.xmp ? textsAt(xmp, field.xmp) : QStringList();
+    if (!texts.isEmpty())
+        return texts;
+    if (field.key == kCGImagePropertyExifISOSpeedRatings) // its name since EXIF 2.3
+        return textsAt(xmp, "Xmp.exifEX.PhotographicSensitivity");
+    if (field.key == kCGImagePropertyExifDateTimeDigitized)
+        return textsAt(xmp, "Xmp.xmp.CreateDate");
+    if (field.key == kCGImagePropertyTIFFSoftware)
+        return textsAt(xmp, "Xmp.xmp.CreatorTool");
+    return {};
+}
+
 } // namespace
 
 QVariant xmpField(const Exiv2::XmpData &xmp, const MetadataField &field)
 {
     if (field.key == kCGImagePropertyExifFlash)
         return flashOf(xmp);
-    QStringList texts = field.xmp ? textsAt(xmp, field.xmp) : QStringList();
-    if (texts.isEmpty() && field.key == kCGImagePropertyExifISOSpeedRatings) // its name since EXIF 2.3
-        texts = textsAt(xmp, "Xmp.exifEX.PhotographicSensitivity");
+    const QStringList texts = textsOfFact(xmp, field);
     if (texts.isEmpty())
         return {};
     const QString &first = texts.constFirst();
@@ -245,7 +259,7 @@ void insertTimesFromXmp(QVariantMap &exif, const QVariantMap &tiff, const Exiv2:
         const SplitDate *split = splitDateOf(field);
         if (!split || (field.group == MetadataGroup::Tiff ? tiff : exif).contains(field.key))
             continue;
-        const QStringList parts = captured(kIsoDate, textAt(xmp, field.xmp));
+        const QStringList parts = captured(kIsoDate, textsOfFact(xmp, field).value(0));
         if (!parts.value(7).isEmpty() && !exif.contains(split->fraction))
             exif.insert(split->fraction, parts[7]);
         const QString offset = offsetOf(parts);
