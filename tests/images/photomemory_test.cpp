@@ -32,14 +32,14 @@ const QString kHeic = u"image/heic"_qs;
 /// Runs the command line's program on one photo.
 /// @param type  of the copy: HEIC, or else as the photo
 /// @return the most memory it had (bytes); 0 when it failed
-qint64 peakOfSaving(const QString &photo, const QString &folder, const QString &type)
+qint64 peakOfSaving(const QString &photo, const QString &folder, const QString &type, bool isRendered)
 {
     const char *format = type == kHeic ? "imageFormat=HEIC" : "imageFormat=Original";
     const bool hasQuality = type == kHeic || photo.endsWith(u".jpg"); // for others it would be refused
     const QStringList command = words("%1 save --quiet --text X --save-set %2 --output %3",
                                       builtProgram(u"plexa-cli"_qs), format, folder) +
                                 (hasQuality ? words("--save-set jpegQuality=95") : QStringList()) +
-                                QStringList(photo);
+                                (isRendered ? words("--render") : QStringList()) + QStringList(photo);
     QByteArrayList bytes;
     for (const QString &word : command)
         bytes.append(word.toLocal8Bit());
@@ -78,18 +78,25 @@ QString usualType(const ImageSource &source)
     return source.format().canWrite ? source.type() : u"image/jpeg"_qs;
 }
 
-/// What a copy of that type is said to take.
+CopyRequest requestFor(const ImageSource &source, const QString &type)
+{
+    return {type, {{u"kCGImageDestinationLossyCompressionQuality"_qs, 0.95}}, &source};
+}
+
+/// What a rendered copy of that type is said to take.
 qint64 toldBytes(const ImageSource &source, const QString &type)
 {
     const Uprighting uprighting = uprightingOf(source);
-    const CopyRequest request{type, {{u"kCGImageDestinationLossyCompressionQuality"_qs, 0.95}}, &source};
-    const qint64 encoding = destinationBytes({uprighting.size(), source.info().rows.hasAlpha}, request);
+    const qint64 encoding =
+        destinationBytes({uprighting.size(), source.info().rows.hasAlpha}, requestFor(source, type));
     if (uprighting.isIdentity())
         return source.rowsBytes() + encoding;
     return std::max(uprightBytes(source, uprighting), pictureBytes(uprighting.size()) + encoding);
 }
 
-using Kind = Row<QString, QStringList, bool>; // file, options, isCopyHeic
+enum class Road { Rendered, Recompressed, Heic };
+
+using Kind = Row<QString, QStringList, Road>; // file, options, road of the copy
 using Conversion = Row<QString, Text>;        // from, to
 
 CopyOrder orderFor(const QString &photo, const QString &target)
@@ -122,17 +129,21 @@ private Q_SLOTS:
     void toldIsTaken_data()
     {
         addRows<Kind>({
-            {"baseline JPEG", u"a.jpg"_qs, {}, false},
+            {"baseline JPEG", u"a.jpg"_qs, {}, Road::Rendered},
             {"progressive JPEG, full chroma", u"c.jpg"_qs, words("-interlace Plane -sampling-factor 1x1"),
-             false},
-            {"interlaced PNG", u"e.png"_qs, words("-interlace PNG"), false},
-            {"BMP", u"h.bmp"_qs, words("-type TrueColor"), false},
-            {"deep TIFF", u"k.tif"_qs, words("-depth 16"), false},
+             Road::Rendered},
+            {"progressive JPEG, recompressed", u"d.jpg"_qs, words("-interlace Plane -sampling-factor 1x1"),
+             Road::Recompressed},
+            {"interlaced PNG", u"e.png"_qs, words("-interlace PNG"), Road::Rendered},
+            {"BMP", u"h.bmp"_qs, words("-type TrueColor"), Road::Rendered},
+            {"deep TIFF", u"k.tif"_qs, words("-depth 16"), Road::Rendered},
             {"TIFF of whole planes", u"m.tif"_qs,
-             words("-type TrueColor -depth 16 -interlace Plane -define tiff:rows-per-strip=2001"), false},
-            {"HEIC", u"q.jpg"_qs, words("-sampling-factor 2x2"), true},
-            {"GIF", u"l.gif"_qs, {}, false},
-            {"lossless WebP", u"n.webp"_qs, words("-define webp:lossless=true,webp:method=0"), false},
+             words("-type TrueColor -depth 16 -interlace Plane -define tiff:rows-per-strip=2001"),
+             Road::Rendered},
+            {"HEIC", u"q.jpg"_qs, words("-sampling-factor 2x2"), Road::Heic},
+            {"GIF", u"l.gif"_qs, {}, Road::Rendered},
+            {"lossless WebP", u"n.webp"_qs, words("-define webp:lossless=true,webp:method=0"),
+             Road::Rendered},
         });
     }
     void toldIsTaken()
@@ -140,7 +151,7 @@ private Q_SLOTS:
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
         QSKIP("a sanitizer takes more memory than the photos");
 #endif
-        const auto [row, file, options, isCopyHeic] = currentRow<Kind>();
+        const auto [row, file, options, road] = currentRow<Kind>();
         const QString large = made(*m_folder, file, {3335, 2001}, options);
         const QString small = made(*m_folder, file, {53, 31}, options);
         if (large.isEmpty() || small.isEmpty())
@@ -148,12 +159,14 @@ private Q_SLOTS:
         const auto source = ImageSource::open(large);
         if (!source)
             QFAIL(qPrintable(source.error().text));
-        const QString type = isCopyHeic ? kHeic : usualType(*source);
+        const QString type = road == Road::Heic ? kHeic : usualType(*source);
         if (!imageFormatOfType(type)->canWrite)
             QSKIP("no encoder of HEVC is installed");
-        const qint64 told = toldBytes(*source, type);
-        const qint64 usual = peakOfSaving(small, m_folder->path("small"), type);
-        const qint64 peak = peakOfSaving(large, m_folder->path("large"), type);
+        const bool isRendered = road != Road::Recompressed;
+        const qint64 told =
+            isRendered ? toldBytes(*source, type) : retouchBytes(requestFor(*source, type), 1);
+        const qint64 usual = peakOfSaving(small, m_folder->path("small"), type, isRendered);
+        const qint64 peak = peakOfSaving(large, m_folder->path("large"), type, isRendered);
         QVERIFY(usual > 0 && peak > 0); // where strips stream, either may be the larger by a few pages
         const qint64 taken = peak - usual;
         const QString both = u"told %1, taken %2"_qs.arg(told).arg(taken);
