@@ -2552,6 +2552,14 @@ Doppelklicken Sie unten auf eine oder ziehen Sie sie hierher.</translation>
         <source>Give “%1” the settings of the single watermark</source>
         <translation>Der Vorgabe „%1“ die Einstellungen des einzelnen Wasserzeichens geben</translation>
     </message>
+    <message>
+        <source>“%1”</source>
+        <translation>„%1“</translation>
+    </message>
+    <message>
+        <source>“%1” (not applied)</source>
+        <translation>„%1“ (nicht angewendet)</translation>
+    </message>
 </context>
 <context>
     <name>plexa::PresetsStore</name>
@@ -3913,6 +3921,10 @@ Um das Wasserzeichen nur eines Fotos zu verschieben, ziehen Sie es in der Vorsch
     <message>
         <source>None</source>
         <translation>Keine</translation>
+    </message>
+    <message>
+        <source>For several columns, make the watermark narrower.</source>
+        <translation>Für mehrere Spalten machen Sie das Wasserzeichen schmaler.</translation>
     </message>
 </context>
 <context>

@@ -20,12 +20,12 @@ namespace
 ImageList sortedByName(const ImageList &images)
 {
     const NaturalOrder order;
-    std::vector<std::pair<QCollatorSortKey, std::shared_ptr<ImageObject>>> keyed;
+    std::vector<std::pair<NaturalOrder::Key, std::shared_ptr<ImageObject>>> keyed;
     keyed.reserve(images.size());
     for (const std::shared_ptr<ImageObject> &image : images)
         keyed.emplace_back(order.keyOf(image->path().section(u'/', -1)), image);
     std::stable_sort(keyed.begin(), keyed.end(),
-                     [](const auto &one, const auto &other) { return one.first < other.first; });
+                     [](const auto &one, const auto &other) { return one.first.compare(other.first) < 0; });
     ImageList sorted;
     sorted.reserve(keyed.size());
     for (auto &[key, image] : keyed)

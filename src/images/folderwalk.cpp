@@ -58,7 +58,7 @@ struct FolderWalk::Entry {
 void FolderWalk::sortNaturally(std::vector<Entry> &entries)
 {
     const NaturalOrder order;
-    std::vector<std::pair<QCollatorSortKey, Entry>> keyed;
+    std::vector<std::pair<NaturalOrder::Key, Entry>> keyed;
     keyed.reserve(entries.size());
     for (Entry &entry : entries) {
         const QString path = QFile::decodeName(QByteArray::fromStdString(entry.path));

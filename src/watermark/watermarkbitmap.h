@@ -19,7 +19,7 @@ namespace plexa
 /// The target of a rendering.
 struct Rendering {
     QSize photo{0, 0};           ///< pixels of the upright photo, the unit of all measures
-    double scale = 1;            ///< rendered pixels for each photo pixel, in (0, 1]
+    double scale = 1;            ///< rendered pixels for each photo pixel, in (0, 2)
     CancelCheck isCanceled = {}; ///< may be empty
     double tilt = 0;             ///< of freeTilt(); the mark is rendered with it; 0: upright
 

@@ -42,6 +42,14 @@ bool isTransparent(const QImage &image)
     return true;
 }
 
+/// How much finer than the target marks are rendered: at full size they are on whole pixels; a mark as large
+/// as the photo must not need more memory than at full size, or than 32 million pixels.
+int finerFor(QSize photo, double scale)
+{
+    const double full = double(photo.width()) * photo.height();
+    return scale < 1 && 4 * scale * scale * full <= std::max(full, 32e6) ? 2 : 1;
+}
+
 QSize renderedSize(QSize size, double scale)
 {
     return (QSizeF(size) * scale).toSize().expandedTo(QSize(1, 1));
@@ -140,12 +148,13 @@ void WatermarkDrawing::castShadow(const CancelCheck &isCanceled)
 {
     if (!m_values.shadow || m_mark.image.isNull())
         return;
+    const QImage image = m_mark.image.imageAt({0, 0});
     const Rendering rendering{m_photo, m_scale, isCanceled};
     const double blur = std::max(0, m_values.shadowBlur.value_or(0)) * m_scale;
     // The blur reaches some three standard deviations, of half its size each, to all sides.
-    const QSizeF size = QSizeF(m_mark.image.size()) + QSizeF(4 * blur, 4 * blur);
+    const QSizeF size = QSizeF(image.size()) + QSizeF(4 * blur, 4 * blur);
     if (!rendering.isTooLarge(size))
-        m_mark.shadow = shadowOf(m_mark.image, blur, shadowColor(), isCanceled);
+        m_mark.shadow = shadowOf(image, blur, shadowColor(), isCanceled);
     if (m_mark.shadow.image.isNull()) {
         m_notices.append(Texts::tr("the shadow of the watermark is left out: it would be too large"));
         return;
@@ -157,7 +166,7 @@ void WatermarkDrawing::castShadow(const CancelCheck &isCanceled)
 
 QRect WatermarkDrawing::reach() const
 {
-    const QRect image(QPoint(0, 0), m_mark.image.size());
+    const QRect image(QPoint(0, 0), m_mark.image.largestSize());
     return m_mark.shadow.image.isNull() ? image
                                         : image | QRect(m_mark.shadowOffset, m_mark.shadow.image.size());
 }
@@ -168,7 +177,7 @@ QPoint WatermarkDrawing::stampAt(qint64 column, qint64 row) const
     // Saved copies are on whole photo pixels, which keeps text sharp.
     const QPointF corner(std::round(copy.x()),
                          std::round(m_photo.height() - copy.y() - m_layout.rect.height()));
-    const QPointF at = corner * m_scale + m_mark.at;
+    const QPointF at = corner * m_scale * m_finer + m_mark.at;
     return {roundedPixels(at.x()), roundedPixels(at.y())};
 }
 
@@ -183,8 +192,8 @@ WatermarkDrawing::Stamps WatermarkDrawing::stampsIn(const QRect &part) const
         return static_cast<qint64>(std::ranges::partition_point(all, isBefore) - all.begin());
     };
     // Columns run to the right, rows up.
-    const auto right = [&](qint64 c) { return stampAt(c, 0).x() + reach.right(); };
-    const auto top = [&](qint64 r) { return stampAt(0, r).y() + reach.top(); };
+    const auto right = [&](qint64 c) { return pixelOf(c, 0).x() + reach.right(); };
+    const auto top = [&](qint64 r) { return pixelOf(0, r).y() + reach.top(); };
     return {firstOf(repeats.columns, [&](qint64 c) { return right(c) < part.left(); }),
             firstOf(repeats.columns, [&](qint64 c) { return right(c) - reach.width() < part.right(); }),
             firstOf(repeats.rows, [&](qint64 r) { return top(r) > part.bottom(); }),
@@ -211,7 +220,8 @@ Result<std::optional<WatermarkDrawing>> WatermarkDrawing::prepare(const MarkOrde
                                                                   const FontCatalog &fonts,
                                                                   const DrawingOptions &options)
 {
-    const Rendering rendering{photo.pixelSize(), options.scale, options.isCanceled,
+    const int finer = finerFor(photo.pixelSize(), options.scale);
+    const Rendering rendering{photo.pixelSize(), options.scale * finer, options.isCanceled,
                               freeTilt(order.values.angle.value_or(0.0F)).value_or(0)};
     const auto failed = [&](const Error &error) {
         return fail(canceled(options.isCanceled) ? canceledText() : error.text);
@@ -227,10 +237,11 @@ Result<std::optional<WatermarkDrawing>> WatermarkDrawing::prepare(const MarkOrde
     WatermarkDrawing drawing;
     drawing.m_values = order.values;
     drawing.m_photo = rendering.photo;
-    drawing.m_scale = rendering.scale;
+    drawing.m_scale = options.scale;
+    drawing.m_finer = finer;
     drawing.m_size = mark.size;
     drawing.m_notices = mark.notices;
-    drawing.m_mark.image = isTransparent(mark.ink) ? QImage() : mark.ink;
+    drawing.m_mark.image = FineMark(isTransparent(mark.ink) ? QImage() : mark.ink, finer);
     drawing.m_mark.at = mark.inkAt;
     drawing.m_mark.mode = blendModeNamed(order.values.blendMode);
     drawing.m_mark.opacity = fractionOf(order.values.opacity);
@@ -267,8 +278,8 @@ QRect WatermarkDrawing::coveredRect() const
     const Stamps stamps = stampsIn(all);
     if (stamps.isEmpty())
         return covered;
-    const QRect first = reach().translated(stampAt(stamps.firstColumn, stamps.firstRow));
-    const QRect last = reach().translated(stampAt(stamps.endColumn - 1, stamps.endRow - 1));
+    const QRect first = reach().translated(pixelOf(stamps.firstColumn, stamps.firstRow));
+    const QRect last = reach().translated(pixelOf(stamps.endColumn - 1, stamps.endRow - 1));
     return covered | ((first | last) & all);
 }
 
@@ -280,11 +291,12 @@ void WatermarkDrawing::drawRows(QImage &rows, int firstRow, int firstColumn) con
     const Stamps stamps = stampsIn(QRect(firstColumn, firstRow, rows.width(), rows.height()));
     for (qint64 column = stamps.firstColumn; column < stamps.endColumn; ++column) {
         for (qint64 row = stamps.firstRow; row < stamps.endRow; ++row) {
-            const QPoint stamp = stampAt(column, row) - QPoint(firstColumn, 0);
+            const QPoint at = stampAt(column, row);
+            const QPoint stamp = m_mark.image.pixelAt(at) - QPoint(firstColumn, 0);
             if (!m_mark.shadow.image.isNull())
                 stampRows(rows, firstRow, m_mark.shadow.image, stamp + m_mark.shadowOffset, m_mark.mode,
                           m_mark.opacity);
-            stampRows(rows, firstRow, m_mark.image, stamp, m_mark.mode, m_mark.opacity);
+            stampRows(rows, firstRow, m_mark.image.imageAt(at), stamp, m_mark.mode, m_mark.opacity);
         }
     }
 }

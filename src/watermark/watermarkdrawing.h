@@ -5,6 +5,7 @@
 #include "platform/cancelcheck.h"
 #include "platform/result.h"
 #include "raster/compositing.h"
+#include "watermark/finemark.h"
 #include "watermark/watermarklayout.h"
 #include "watermark/wpresetvalues.h"
 
@@ -35,12 +36,12 @@ struct DrawingOptions {
 class WatermarkDrawing final
 {
 public:
-    /// The watermark of one copy. Pixels of the target, y downwards.
+    /// The watermark of one copy. Corners are at the top left, y downwards.
     struct Mark {
-        QImage image;        ///< Format_ARGB32_Premultiplied; null if the watermark is transparent
-        QPointF at;          ///< from the corner of the watermark's rectangle; both corners top left
+        FineMark image;      ///< null if the watermark is transparent
+        QPointF at;          ///< from the corner of the watermark's rectangle, in pixels of the fine image
         Shadow shadow = {};  ///< its image is null without a shadow
-        QPoint shadowOffset; ///< from the image's to the shadow image's top left corner
+        QPoint shadowOffset; ///< from the image's to the shadow image's corner, in pixels of the target
         BlendMode mode = BlendMode::Normal; ///< of shadow and image
         double opacity = 1;                 ///< of shadow and image, 0..1
     };
@@ -104,9 +105,10 @@ private:
     void castShadow(const CancelCheck &isCanceled);
     void layOut(std::optional<QPointF> customOrigin);
     void placeBox();
-    /// What a copy covers, its image and its shadow, relative to stampAt().
+    /// What a copy covers, its image and its shadow, relative to pixelAt() of its corner.
     QRect reach() const;
-    /// The top left corner of a copy's image.
+    QPoint pixelOf(qint64 column, qint64 row) const { return m_mark.image.pixelAt(stampAt(column, row)); }
+    /// The top left corner of a copy's image, in fine pixels.
     QPoint stampAt(qint64 column, qint64 row) const;
     Stamps stampsIn(const QRect &part) const;
     QRectF target() const { return {QPointF(0, 0), QSizeF(m_photo) * m_scale}; }
@@ -114,7 +116,8 @@ private:
     WPresetValues m_values;
     QSize m_photo;
     double m_scale = 1;
-    QSize m_size; ///< of the rotated bitmap, in photo pixels
+    int m_finer = 1; ///< pixels of the rendered mark along the side of a target's pixel
+    QSize m_size;    ///< of the rotated bitmap, in photo pixels
     WatermarkLayout m_layout;
     std::optional<Box> m_box;
     Mark m_mark;

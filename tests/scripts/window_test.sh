@@ -156,5 +156,36 @@ for copy in "${written[@]}"; do
 done
 ! compgen -G "$copies/.*.tmp" || fail 'there is litter among the copies'
 stores 'runNumber=4' || fail 'the fourth run was not counted'
+
+# Edited metadata survive a crash.
+rm -r "$copies"
+sed -i '/^imageListIsInBrowserMode=/d' "$settings"
+start_program "$samples/still-life.jpg"
+wait_for_window 'with one photo'
+picture one
+xdotool key ctrl+a key ctrl+shift+i
+find_metadata() { metadata=$(xdotool search --onlyvisible --name '^Image Metadata$') && [[ -n $metadata ]]; }
+wait_until 'the metadata were not shown' find_metadata
+xdotool windowfocus --sync "$metadata" key ctrl+Tab key ctrl+Tab key Tab key Tab type 'Crash proof'
+xdotool key Return
+wait_until 'edited metadata were not recorded' grep -qF 'Crash proof' "$XDG_DATA_HOME/Quorvel/Plexa/session.json"
+kill -KILL "$program"
+wait "$program" || true
+start_program --
+has_question() { (($(xdotool search --onlyvisible --name '^Plexa$' | wc -l) == 2)); }
+wait_until 'the program did not offer to restore the session' has_question
+for box in $(xdotool search --onlyvisible --name '^Plexa$'); do
+    xdotool windowfocus --sync "$box" key Return || true # Return in the window itself does nothing
+done
+wait_for_window 'after the crash'
+picture restored
+xdotool key ctrl+shift+s
+wait_until 'the panel for saving was not shown' find_panel
+xdotool windowfocus --sync "$panel" key Return
+wait_until 'the restored photo was not saved' has_copies
+has_text() { exiftool -IPTC:all -XMP:all "$copies"/*.jpg | grep -qF 'Crash proof'; }
+wait_until 'the copy lacks the edited metadata' has_text
+kill -TERM "$program"
+wait_until 'the signal did not end the program' has_ended
 program=''
 echo 'all passed'

@@ -440,7 +440,7 @@ private Q_SLOTS:
                 QVERIFY2(again == found, name);
             }
         }
-        QVERIFY2(sum / 750 < 0.11, QByteArray::number(sum / 750));
+        QVERIFY2(sum / 750 < 0.07, QByteArray::number(sum / 750));
         QVERIFY2(sumOfMisplaced / 150 > 0.22, QByteArray::number(sumOfMisplaced / 150));
     }
 

@@ -109,7 +109,10 @@ void ImageListPane::prepareSearchField()
         m_searchField->addAction(m_actions.action(ActionId::Find)->icon(), QLineEdit::LeadingPosition);
     find->setText(tr("Search"));
     connect(find, &QAction::triggered, this, &ImageListPane::startSearch);
-    m_searchField->setMinimumWidth(24 * look::kSmallGap);
+    // The word between the two icons.
+    m_searchField->setMinimumWidth(
+        m_searchField->fontMetrics().horizontalAdvance(m_searchField->placeholderText()) +
+        18 * look::kSmallGap);
     m_searchField->setMaximumWidth(56 * look::kSmallGap);
     m_searchField->setAcceptDrops(false); // the window accepts files; the field would insert their addresses
     m_searchField->installEventFilter(this);

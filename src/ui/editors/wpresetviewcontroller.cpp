@@ -10,10 +10,12 @@
 #include "ui/widgets/colorwell.h"
 #include "ui/widgets/foldingsection.h"
 #include "ui/widgets/look.h"
+#include "watermark/watermarklayout.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QIcon>
+#include <QLabel>
 #include <QScrollBar>
 #include <QSlider>
 #include <QSpinBox>
@@ -227,12 +229,20 @@ QWidget *WPresetViewController::makeAngleAndTiling()
     QWidget *const across = form->addRow(
         tr("Gap"), {form->number(FieldId::ReplicateHorizontalDistance, tr("Gap between the columns")),
                     form->unit(FieldId::ReplicateHorizontalDistanceUnit, tr("Unit of the gap"))});
+    auto *const tooWide = new QLabel(tr("For several columns, make the watermark narrower."));
+    tooWide->setWordWrap(true);
+    tooWide->setForegroundRole(QPalette::PlaceholderText);
+    QWidget *const tooWideRow = form->addRow({}, tooWide);
     form->addRow({}, form->check(FieldId::ReplicateVertical, tr("Repeat down the photo")));
     QWidget *const down =
         form->addRow(tr("Gap"), {form->number(FieldId::ReplicateVerticalDistance, tr("Gap between the rows")),
                                  form->unit(FieldId::ReplicateVerticalDistanceUnit, tr("Unit of the gap"))});
     form->showWhile({across}, [](const WPresetValues &values) { return values.replicateHorizontal; });
     form->showWhile({down}, [](const WPresetValues &values) { return values.replicateVertical; });
+    form->showWhile({tooWideRow}, [](const WPresetValues &values) {
+        const bool isRelative = baseLength(values.widthUnit, QSize(1, 1)).has_value();
+        return values.replicateHorizontal && isRelative && values.width.value_or(0) > 50;
+    });
     return form;
 }
 

@@ -165,7 +165,7 @@ KeywordsField::KeywordsField(QWidget *parent)
     setFocusProxy(m_line);
     auto *const pills = new FlowLayout(m_pills);
     pills->setContentsMargins(0, 0, 0, 0);
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     m_pills->setSizePolicy(policy);
     auto *const layout = new QVBoxLayout(this);

@@ -196,9 +196,11 @@ public:
         const QString text = row().text(value.value);
         if (m_edit->hasFocus() && m_edit->toPlainText() != m_shown && text == m_value)
             return; // the user is typing while another fact has changed
-        m_value = text;
-        m_edit->setPlainText(text);
-        m_shown = m_edit->toPlainText(); // the control changes some characters
+        if (text != m_value || m_edit->toPlainText() != m_shown) { // else a scrolled text stays where it is
+            m_value = text;
+            m_edit->setPlainText(text);
+            m_shown = m_edit->toPlainText(); // the control changes some characters
+        }
         m_edit->setPlaceholderText(value.isMultiple ? multipleValues() : QString());
     }
 

@@ -10,6 +10,7 @@
 
 #include <QAction>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -58,6 +59,11 @@ void AllPresetsList::fill(QWidget &content, CommandActions &actions)
     for (QAction *const clear : m_search->findChildren<QAction *>())
         clear->setText(tr("Clear the search"));
     connect(m_search, &QLineEdit::textChanged, m_table, &PresetListView::setSearchText);
+    connect(m_search, &QLineEdit::returnPressed, &actions, [this, &actions] {
+        m_table->selectAnyRow();
+        actions.run(ActionId::ApplyPresets);
+    });
+    m_search->installEventFilter(this);
     setHeaderWidget(m_search);
 
     m_table->setObjectName(QStringLiteral("wPresetsAllTable"));
@@ -94,6 +100,18 @@ void AllPresetsList::fill(QWidget &content, CommandActions &actions)
     layout->setSpacing(look::kSmallGap);
     layout->addWidget(m_table, 1);
     layout->addLayout(buttons);
+}
+
+/// The down arrow leads from the search to what was found.
+bool AllPresetsList::eventFilter(QObject *object, QEvent *event)
+{
+    if (object == m_search && event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent *>(event)->key() == Qt::Key_Down) {
+        m_table->selectAnyRow();
+        m_table->setFocus(Qt::OtherFocusReason);
+        return true;
+    }
+    return FoldingSection::eventFilter(object, event);
 }
 
 WPresetList AllPresetsList::selected() const

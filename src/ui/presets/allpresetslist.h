@@ -35,6 +35,9 @@ public:
     /// Selects one preset of the list; ends a search that hides it.
     void select(const WPreset *preset);
 
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
+
 private:
     AllPresetsList(AppController &controller, UserDefaults &defaults, CommandActions &actions,
                    QWidget *content, QWidget *parent);

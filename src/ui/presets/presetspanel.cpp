@@ -9,12 +9,15 @@
 #include "ui/presets/wpreseteditor.h"
 #include "ui/widgets/choicebuttons.h"
 #include "ui/widgets/commandactions.h"
+#include "ui/widgets/elidedlabel.h"
 #include "ui/widgets/look.h"
+#include "ui/widgets/plaintooltip.h"
 #include "ui/widgets/presetlistview.h"
 #include "ui/widgets/sectiontitle.h"
 
 #include <QAction>
 #include <QActionGroup>
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
@@ -40,8 +43,10 @@ constexpr int kEditorHeight = 260;
 
 const QString kSizesKey = QStringLiteral("presetsSplitView");
 
-/// Some three rows.
-constexpr int kMinListHeight = 72;
+int linesHeight(int lines)
+{
+    return lines * QFontMetrics(QApplication::font()).lineSpacing();
+}
 
 QHBoxLayout *buttonRow()
 {
@@ -79,6 +84,7 @@ PresetsPanel::PresetsPanel(AppController &controller, UserDefaults &defaults, Co
     , m_modeContainer(new QStackedWidget)
     , m_quickEditor(makeEditor(defaults, QStringLiteral("quickWPresetEditor")))
     , m_editor(makeEditor(defaults, QStringLiteral("wPresetEditor")))
+    , m_editedName(new ElidedLabel(Qt::ElideMiddle))
     , m_editorOrHint(new QStackedWidget)
     , m_presetsSplitView(new QSplitter(Qt::Vertical))
     , m_sizesUnfolded({kAppliedHeight, kAllHeight, kEditorHeight})
@@ -165,7 +171,18 @@ void PresetsPanel::makePresetsView(UserDefaults &defaults)
     hint->setWordWrap(true);
     hint->setForegroundRole(QPalette::PlaceholderText);
     m_editorOrHint->addWidget(hint);
-    m_editorOrHint->addWidget(m_editor);
+    auto *const part = new QWidget;
+    auto *const layout = new QVBoxLayout(part);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(look::kSmallGap);
+    m_editedName->setObjectName(QStringLiteral("editedPresetLabel"));
+    QFont bold = m_editedName->font();
+    bold.setWeight(QFont::DemiBold);
+    m_editedName->setFont(bold);
+    layout->addWidget(m_editedName);
+    layout->addWidget(m_editor, 1);
+    m_editorOrHint->addWidget(part);
+    m_editorOrHint->setMinimumHeight(linesHeight(10)); // in a low window, the lists give way
     QSplitter &view = *m_presetsSplitView;
     view.setObjectName(QStringLiteral("presetsSplitView"));
     view.setChildrenCollapsible(false);
@@ -205,7 +222,7 @@ QWidget *PresetsPanel::makeAppliedList()
     m_appliedTable->setAllowsReordering();
     m_appliedTable->acceptDropsFrom(m_all->table());
     m_appliedTable->setEmptyHint(tr("No preset is applied yet.\nDouble-click one below, or drag it here."));
-    m_appliedTable->setMinimumHeight(kMinListHeight);
+    m_appliedTable->setMinimumHeight(linesHeight(3) + look::kPageGap); // of the hint
     m_appliedTable->setContextMenuPolicy(Qt::ActionsContextMenu);
     for (const ActionId id :
          {ActionId::MovePresetsUp, ActionId::MovePresetsDown, ActionId::RemoveAppliedPresets,
@@ -238,6 +255,20 @@ void PresetsPanel::edit(const WPresetList &selected)
     else if (std::find(all.begin(), all.end(), m_editor->preset()) == all.end())
         m_editor->setPreset(nullptr);
     m_editorOrHint->setCurrentIndex(m_editor->preset() ? 1 : 0);
+    nameEditedPreset();
+}
+
+/// The editor shows an applied preset, or one that is only in the list of all.
+void PresetsPanel::nameEditedPreset()
+{
+    const std::shared_ptr<WPreset> preset = m_editor->preset();
+    if (!preset)
+        return;
+    const WPresetList &applied = m_applied.wPresetsApplied();
+    const bool isApplied = std::find(applied.begin(), applied.end(), preset) != applied.end();
+    m_editedName->setText(isApplied ? tr("“%1”").arg(preset->name())
+                                    : tr("“%1” (not applied)").arg(preset->name()));
+    m_editedName->setToolTip(plainToolTip(m_editedName->text()));
 }
 
 void PresetsPanel::connectLists()
@@ -280,6 +311,8 @@ void PresetsPanel::connectLists()
         connect(&m_controller.presetsStore().wPresetList(), signal, this, &PresetsPanel::nameUpdateCommand);
     connect(&m_controller.presetsStore().wPresetList(), &PresetListSignals::edited, this,
             &PresetsPanel::nameUpdateCommand);
+    connect(&m_controller.presetsStore().wPresetList(), &PresetListSignals::edited, this,
+            &PresetsPanel::nameEditedPreset);
 }
 
 void PresetsPanel::connectCommands()
@@ -378,6 +411,7 @@ void PresetsPanel::showApplied()
     m_appliedModel->setPresets(m_applied.wPresetsApplied());
     m_appliedTable->selectRows(m_applied.selectedRows());
     m_appliedTable->verticalScrollBar()->setValue(scrolledTo);
+    nameEditedPreset();
     if (formerCount > 0 && m_appliedModel->rowCount() > formerCount)
         m_appliedTable->scrollToBottom(); // show the added presets
 }

@@ -22,6 +22,7 @@ class AppController;
 class AppliedPresets;
 class ChoiceButtons;
 class CommandActions;
+class ElidedLabel;
 class PresetListView;
 class UserDefaults;
 class WPresetViewController;
@@ -56,6 +57,7 @@ private:
     void saveQuickPreset();
     void updatePreset();
     void nameUpdateCommand();
+    void nameEditedPreset();
     void showMode();
     void showApplied();
     void edit(const WPresetList &selected);
@@ -71,6 +73,7 @@ private:
     QStackedWidget *const m_modeContainer;
     WPresetViewController *const m_quickEditor;
     WPresetViewController *const m_editor;
+    ElidedLabel *const m_editedName;
     QStackedWidget *const m_editorOrHint;
     QSplitter *const m_presetsSplitView;
     QList<int> m_sizesUnfolded; // of the parts of presets mode, in points

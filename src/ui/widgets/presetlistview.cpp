@@ -35,8 +35,8 @@ public:
 
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
-        const QSize size = QStyledItemDelegate::sizeHint(option, index);
-        return {size.width(), std::max(option.fontMetrics.height(), pictureHeight) + 8};
+        Q_UNUSED(index)
+        return {0, std::max(option.fontMetrics.height(), pictureHeight) + 8}; // long names are elided
     }
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
@@ -105,6 +105,8 @@ PresetListView::PresetListView(PresetRowsModel &model, QWidget *parent)
     setUniformItemSizes(true);
     setAlternatingRowColors(true);
     setTextElideMode(Qt::ElideRight);
+    setVerticalScrollMode(ScrollPerPixel);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &PresetListView::selectedRowsChanged);
 }
@@ -166,6 +168,12 @@ void PresetListView::selectRows(const IndexList &rows)
     m_keepsSelection = true;
     setCurrentIndex(first); // a range that is selected next begins there
     m_keepsSelection = false;
+}
+
+void PresetListView::selectAnyRow()
+{
+    if (selectedRows().isEmpty() && m_shown->rowCount() > 0)
+        selectRows({rowOf(m_shown->index(0, 0))});
 }
 
 QItemSelectionModel::SelectionFlags PresetListView::selectionCommand(const QModelIndex &index,

@@ -47,6 +47,8 @@ public:
     IndexList selectedRows() const;
     /// Selects exactly these and scrolls to the first.
     void selectRows(const IndexList &rows);
+    /// Selects the first row that the search shows, if none is selected.
+    void selectAnyRow();
 
 Q_SIGNALS:
     void selectedRowsChanged();

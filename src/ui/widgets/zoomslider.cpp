@@ -7,6 +7,7 @@ namespace plexa
 namespace
 {
 
+constexpr int kWidth = 140;
 constexpr int kSteps = 200; // the values of a slider are whole numbers
 
 } // namespace
@@ -19,7 +20,9 @@ ZoomSlider::ZoomSlider(const QString &purpose, QWidget *parent)
     setRange(0, kSteps);
     setPageStep(kSteps / 10);
     setSingleStep(kSteps / 50);
-    setFixedWidth(140);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    setMaximumWidth(kWidth);
+    setMinimumWidth(kWidth / 2); // names of photos need the room more
     connect(this, &QSlider::valueChanged, this, [this](int step) {
         if (step != m_shownStep)
             Q_EMIT zoomFactorChosen(double(step) / kSteps);
@@ -30,6 +33,11 @@ void ZoomSlider::setZoomFactor(double factor)
 {
     m_shownStep = qRound(factor * kSteps);
     setValue(m_shownStep);
+}
+
+QSize ZoomSlider::sizeHint() const
+{
+    return {kWidth, QSlider::sizeHint().height()};
 }
 
 } // namespace plexa

@@ -19,6 +19,8 @@ public:
     /// Shows a zoom, which may lie between two of the slider's steps; sends no signal.
     void setZoomFactor(double factor);
 
+    QSize sizeHint() const override;
+
 Q_SIGNALS:
     /// The user has chosen another zoom.
     void zoomFactorChosen(double factor);

@@ -233,8 +233,16 @@ private Q_SLOTS:
         search.setFocus();
         QTest::keyClicks(&search, u"O"_qs);
         QCOMPARE(f.allTable.model()->rowCount(), 3); // One Two Four
-        Panel::mouse(f.allTable, 2, true);
-        QCOMPARE(f.appliedNames(), u"Four"_qs);
+        QTest::keyClick(&search, Qt::Key_Down);
+        QVERIFY(f.allTable.hasFocus());
+        QCOMPARE(f.allTable.selectedRows(), IndexList({0}));
+        auto &edited = f.find<ElidedLabel>("editedPresetLabel");
+        QCOMPARE(edited.text(), u"“One” (not applied)"_qs);
+        QTest::keyClick(&search, Qt::Key_Return);
+        QCOMPARE(f.appliedNames(), u"One"_qs);
+        QCOMPARE(edited.text(), u"“One”"_qs);
+        f.presets[0]->setName(u"One now"_qs);
+        QCOMPARE(edited.text(), u"“One now”"_qs);
         f.window.actions().action(ActionId::SaveQuickPreset)->trigger(); // which the search would hide
         QVERIFY(search.text().isEmpty());
         QCOMPARE(f.allTable.selectedRows(), IndexList({4}));

@@ -169,6 +169,7 @@ private Q_SLOTS:
     {
         const auto [name, isTurned, change] = currentRow<Row<bool, Change>>();
         Preview preview;
+        preview.view.setFixedHeight(391); // many tiles fall between the pixels of the screen
         const QString path = preview.files.folder.path("in/smooth.png");
         QVERIFY(smoothPicture({2400, 1600}).save(path));
         preview.set.addImage(path, {});
