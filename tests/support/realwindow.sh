@@ -8,7 +8,8 @@ program=''
 start_display() { # SIZE
     local i
     exec 3>"$work/display"
-    Xvfb -displayfd 3 -screen 0 "$1x24" -nolisten tcp 2>"$work/xvfb.txt" &
+    # A server that resets itself after its last program refuses the next one for a moment.
+    Xvfb -displayfd 3 -screen 0 "$1x24" -nolisten tcp -noreset 2>"$work/xvfb.txt" &
     server=$!
     for ((i = 0; i < 100; i++)); do
         [[ ! -s $work/display ]] || break

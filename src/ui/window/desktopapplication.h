@@ -8,10 +8,13 @@
 #include "platform/userdefaults.h"
 #include "presets/presetsstore.h"
 #include "ui/bulletin/news.h"
+#include "ui/window/logoutinhibitor.h"
 #include "ui/window/mainwindow.h"
 #include "ui/window/messageboxalerts.h"
 
 #include <QObject>
+
+class QSessionManager;
 
 namespace plexa
 {
@@ -53,6 +56,7 @@ private:
     bool mayQuit();
     bool wantsToKeepRunning();
     void quit();
+    void sessionEnds(QSessionManager &manager);
     void windowClosed();
 
     ApplicationService &m_service;
@@ -70,6 +74,7 @@ private:
     MainWindow m_window;
     SessionRecord m_session;
     News m_news;
+    LogoutInhibitor m_logoutInhibitor;
 };
 
 } // namespace plexa
