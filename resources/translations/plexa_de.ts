@@ -142,10 +142,6 @@
         <translation>Das ganze Foto ist zu sehen.</translation>
     </message>
     <message>
-        <source>Brevix is not installed.</source>
-        <translation>Brevix ist nicht installiert.</translation>
-    </message>
-    <message>
         <source>&amp;Add Photos…</source>
         <translation>Fotos &amp;hinzufügen…</translation>
     </message>
@@ -1509,6 +1505,13 @@
     </message>
 </context>
 <context>
+    <name>plexa::FileManager</name>
+    <message>
+        <source>No program could show the folder “%1”</source>
+        <translation>Kein Programm konnte den Ordner „%1“ anzeigen</translation>
+    </message>
+</context>
+<context>
     <name>plexa::FoldingSection</name>
     <message>
         <source>Show or hide these settings</source>
@@ -1517,6 +1520,61 @@
     <message>
         <source>folded</source>
         <translation>zugeklappt</translation>
+    </message>
+</context>
+<context>
+    <name>plexa::HelpWindow</name>
+    <message>
+        <source>%1 Help</source>
+        <translation>%1-Hilfe</translation>
+    </message>
+    <message>
+        <source>Page of the guide</source>
+        <translation>Seite des Handbuchs</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>Zurück</translation>
+    </message>
+    <message>
+        <source>Forward</source>
+        <translation>Vorwärts</translation>
+    </message>
+    <message>
+        <source>First Page</source>
+        <translation>Erste Seite</translation>
+    </message>
+    <message>
+        <source>Smaller Text</source>
+        <translation>Kleinerer Text</translation>
+    </message>
+    <message>
+        <source>Larger Text</source>
+        <translation>Größerer Text</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>Suchen</translation>
+    </message>
+    <message>
+        <source>Search the guide</source>
+        <translation>Handbuch durchsuchen</translation>
+    </message>
+    <message>
+        <source>Show the parts of the guide that contain these words (Ctrl+F)</source>
+        <translation>Die Abschnitte des Handbuchs zeigen, die diese Wörter enthalten (Strg+F)</translation>
+    </message>
+    <message>
+        <source>Contents</source>
+        <translation>Inhalt</translation>
+    </message>
+    <message>
+        <source>Places that were found</source>
+        <translation>Gefundene Stellen</translation>
+    </message>
+    <message>
+        <source>No part of the guide contains these words.</source>
+        <translation>Kein Abschnitt des Handbuchs enthält diese Wörter.</translation>
     </message>
 </context>
 <context>
@@ -1787,6 +1845,14 @@ Mögliche Gründe:
     <message>
         <source>Open %1 in the browser</source>
         <translation>%1 im Browser öffnen</translation>
+    </message>
+    <message>
+        <source>Help on metadata</source>
+        <translation>Hilfe zu Metadaten</translation>
+    </message>
+    <message>
+        <source>Explain metadata (F1)</source>
+        <translation>Metadaten erklären (F1)</translation>
     </message>
 </context>
 <context>
@@ -2203,6 +2269,14 @@ Copyright: die Autoren von %1. Freie Software unter der GNU General Public Licen
         <source>Preferences</source>
         <translation>Einstellungen</translation>
     </message>
+    <message>
+        <source>Help on preferences</source>
+        <translation>Hilfe zu den Einstellungen</translation>
+    </message>
+    <message>
+        <source>Explain the preferences (F1)</source>
+        <translation>Die Einstellungen erklären (F1)</translation>
+    </message>
 </context>
 <context>
     <name>plexa::PresetCommands</name>
@@ -2463,6 +2537,14 @@ Copyright: die Autoren von %1. Freie Software unter der GNU General Public Licen
             <numerusform>%n Vorgaben sind ausgewählt. Sie bearbeiten „%1“.</numerusform>
         </translation>
     </message>
+    <message>
+        <source>Help on presets</source>
+        <translation>Hilfe zu Vorgaben</translation>
+    </message>
+    <message>
+        <source>Explain presets (F1)</source>
+        <translation>Vorgaben erklären (F1)</translation>
+    </message>
 </context>
 <context>
     <name>plexa::PresetsPanel</name>
@@ -2661,6 +2743,11 @@ Doppelklicken Sie unten auf eine oder ziehen Sie sie hierher.</translation>
         <source>Zoom of the preview, from the whole photo to its full size</source>
         <translation>Zoom der Vorschau, vom ganzen Foto bis zur vollen Größe</translation>
     </message>
+    <message>
+        <source>Help-ImageView</source>
+        <extracomment>The name of a page in resources/help, which has another one for each language.</extracomment>
+        <translation>Help-ImageView_de</translation>
+    </message>
 </context>
 <context>
     <name>plexa::PromisedFiles</name>
@@ -2852,6 +2939,14 @@ Doppelklicken Sie unten auf eine oder ziehen Sie sie hierher.</translation>
     <message>
         <source>Please specify the directory where the image files should be saved</source>
         <translation>Bitte geben Sie den Ordner an, in dem die Bilddateien gespeichert werden sollen</translation>
+    </message>
+    <message>
+        <source>Help on saving</source>
+        <translation>Hilfe zum Speichern</translation>
+    </message>
+    <message>
+        <source>Explain saving (F1)</source>
+        <translation>Das Speichern erklären (F1)</translation>
     </message>
 </context>
 <context>

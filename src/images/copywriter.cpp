@@ -145,7 +145,8 @@ public:
         return prepareMarks(m_order, facts, m_services, report)
             .and_then([&](Drawings drawings) -> Result<void> {
                 m_drawings = std::move(drawings);
-                return m_order.rules.needsVisibleMark && !report.isMarked ? fail(noVisibleMark()) : reserve();
+                return m_order.rules.needsVisibleMark && !report.isMarked ? fail(noVisibleMark())
+                                                                          : reserve(firstBytes());
             })
             .and_then([this] { return mayRecompress() ? Result<void>() : makeUpright(); })
             .and_then([this] { return writeFile(); })
@@ -176,21 +177,30 @@ private:
         return {m_uprighting.size(), m_source.info().rows.hasAlpha};
     }
 
-    /// Waits for all the memory that this copy will take beyond strips, before any of it is taken. What
-    /// streams from end to end does not wait.
-    Result<void> reserve()
+    /// The memory that recompressing takes, if it is tried, otherwise rendering.
+    qint64 firstBytes() const
+    {
+        return mayRecompress() ? retouchBytes(m_request, m_uprighting.orientation) : renderedBytes();
+    }
+
+    /// The memory that rendering takes beyond strips. What streams from end to end takes none.
+    qint64 renderedBytes() const
     {
         const qint64 encoding = destinationBytes(writtenFormat(), m_request);
-        qint64 bytes = 0;
         if (isStreamed()) // decoder and encoder at the same time
-            bytes = m_source.rowsBytes() + encoding;
-        else if (m_order.upright.isNull()) // one after the other, around the picture
-            bytes =
-                std::max(uprightBytes(m_source, m_uprighting), pictureBytes(m_uprighting.size()) + encoding);
-        else // the cache goes on holding the bare picture
-            bytes = (m_drawings.empty() ? 0 : pictureBytes(m_order.upright.size())) + encoding;
-        if (mayRecompress()) // and after that perhaps the other way
-            bytes = std::max(bytes, retouchBytes(m_request, m_uprighting.orientation));
+            return m_source.rowsBytes() + encoding;
+        if (m_order.upright.isNull()) // one after the other, around the picture
+            return std::max(uprightBytes(m_source, m_uprighting),
+                            pictureBytes(m_uprighting.size()) + encoding);
+        // The cache goes on holding the bare picture.
+        return (m_drawings.empty() ? 0 : pictureBytes(m_order.upright.size())) + encoding;
+    }
+
+    /// Waits for memory before any of it is taken, after releasing what was reserved: two copies that each
+    /// wait for more would wait for each other.
+    Result<void> reserve(qint64 bytes)
+    {
+        m_room.release();
         return reserveForPhoto(m_services.budget, m_source.info().rows.size, bytes)
             .map([this](ByteBudget::Reservation room) { m_room = std::move(room); });
     }
@@ -216,6 +226,10 @@ private:
         if (Result<void> opened = file.open(); !opened)
             return opened;
         m_isRecompressed = mayRecompress() && recompress(file.device());
+        if (mayRecompress() && !m_isRecompressed) {
+            if (Result<void> reserved = reserve(renderedBytes()); !reserved)
+                return reserved;
+        }
         if (Result<void> rendered = m_isRecompressed ? Result<void>() : render(file.device()); !rendered)
             return rendered;
         if (Result<void> unchanged = m_source.checkUnchanged(); !unchanged)

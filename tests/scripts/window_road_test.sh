@@ -117,6 +117,21 @@ xdotool mousemove 1008 200 click 1 key ctrl+a
 xdotool type 'Studio Nordlicht'
 xdotool mousemove 262 520 click 1 mousemove 600 4 # the second photo
 keep_picture small-batch
+
+# The photo's metadata, and the guide's page about them.
+xdotool key ctrl+shift+i
+metadata=$(timeout 20 xdotool search --sync --onlyvisible --name '^Image Metadata' | tail -n 1) || fail 'no metadata'
+sleep 0.5
+keep_picture metadata "$metadata"
+xdotool windowfocus --sync "$metadata" key F1
+help=$(timeout 20 xdotool search --sync --onlyvisible --name '^Plexa Help' | tail -n 1) || fail 'no guide'
+xdotool windowfocus --sync "$help" key Escape
+no_help() { ! xdotool search --onlyvisible --name '^Plexa Help'; }
+wait_until 'the guide was not closed' no_help
+xdotool windowfocus --sync "$metadata" key ctrl+w
+no_metadata() { ! xdotool search --onlyvisible --name '^Image Metadata'; }
+wait_until 'the metadata were not closed' no_metadata
+xdotool windowfocus --sync "$window"
 xdotool key alt+t
 sleep 0.5
 xdotool key e

@@ -9,6 +9,7 @@
 #include "ui/widgets/choicebuttons.h"
 #include "ui/widgets/colorwell.h"
 #include "ui/widgets/foldingsection.h"
+#include "ui/widgets/helpbutton.h"
 #include "ui/widgets/look.h"
 #include "watermark/watermarklayout.h"
 
@@ -19,9 +20,7 @@
 #include <QScrollBar>
 #include <QSlider>
 #include <QSpinBox>
-#include <QToolButton>
 #include <QVBoxLayout>
-#include <QWhatsThis>
 
 namespace plexa
 {
@@ -156,21 +155,12 @@ QWidget *WPresetViewController::makeSizeAndPosition()
 /// Explains the distances, while there are any.
 QWidget *WPresetViewController::offsetHelpButton()
 {
-    auto *const help = new QToolButton;
+    auto *const help = new HelpButton(QStringLiteral("watermark.html#distances"), tr("About the distances"),
+                                      tr("Explain the distances"));
     help->setObjectName(QStringLiteral("offsetLabelHelpButton"));
-    help->setAutoRaise(true);
-    help->setIcon(icon("help"));
-    help->setFocusPolicy(Qt::StrongFocus);
-    help->setAccessibleName(tr("About the distances"));
-    help->setToolTip(tr("Explain the distances"));
-    connect(help, &QAbstractButton::clicked, help, [help] {
-        QWhatsThis::showText(
-            help->mapToGlobal(help->rect().bottomLeft()),
-            tr("The distances are between the watermark and the nearest sides of the photo. "
-               "Below 0, the watermark reaches beyond the photo.\n\nTo move the watermark of "
-               "one photo only, drag it in the preview."),
-            help);
-    });
+    help->setWhatsThis(tr("The distances are between the watermark and the nearest sides of the photo. "
+                          "Below 0, the watermark reaches beyond the photo.\n\nTo move the watermark of "
+                          "one photo only, drag it in the preview."));
     m_binder.apply([this](const WPresetValues &) { return !preset()->offsetHidden(); },
                    [help](bool isShown) { help->setVisible(isShown); });
     return help;

@@ -14,6 +14,7 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
 namespace plexa
@@ -80,7 +81,8 @@ LicenseDialog::LicenseDialog(Purpose purpose, QWidget *parent)
     layout->addWidget(summary);
     layout->addWidget(makeText(), 1);
     layout->addWidget(buttons);
-    resize(sizeHint().width(), fontMetrics().lineSpacing() * kLines * 3 / 2);
+    const QSize wanted(sizeHint().width(), fontMetrics().lineSpacing() * kLines * 3 / 2);
+    resize(wanted.boundedTo(screen()->availableSize()));
     buttons->buttons().first()->setFocus();
 }
 

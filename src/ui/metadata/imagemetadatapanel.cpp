@@ -7,6 +7,7 @@
 #include "platform/settings.h"
 #include "platform/userdefaults.h"
 #include "ui/widgets/commandactions.h"
+#include "ui/widgets/helpbutton.h"
 #include "ui/widgets/look.h"
 
 #include <QAction>
@@ -273,6 +274,9 @@ QWidget *ImageMetadataPanel::makeBottomBar()
         layout->addWidget(m_services.actions.makeButton(id, bar));
         addAction(m_services.actions.action(id));
     }
+    layout->addWidget(
+        (new HelpButton(QStringLiteral("metadata.html"), tr("Help on metadata"), tr("Explain metadata (F1)")))
+            ->withKey());
     auto *const close = new QAction(tr("Close"), this);
     close->setShortcut({Qt::CTRL | Qt::Key_W});
     connect(close, &QAction::triggered, this, &QWidget::close);

@@ -7,6 +7,7 @@
 #include "platform/userdefaults.h"
 #include "ui/presets/managedpresets.h"
 #include "ui/widgets/commandactions.h"
+#include "ui/widgets/helpbutton.h"
 #include "ui/widgets/look.h"
 #include "ui/widgets/presetlistmodel.h"
 #include "ui/widgets/presetlistview.h"
@@ -170,7 +171,13 @@ QWidget *PresetsManagerWindow::makeListSide()
     auto *const layout = new QVBoxLayout(side);
     layout->setContentsMargins(0, 0, look::kGap, 0);
     layout->setSpacing(look::kGap);
-    layout->addWidget(m_searchField);
+    auto *const help = new HelpButton(isWatermark() ? QStringLiteral("presets.html#manager")
+                                                    : QStringLiteral("saving-presets.html#managing"),
+                                      tr("Help on presets"), tr("Explain presets (F1)"));
+    auto *const top = new QHBoxLayout;
+    top->addWidget(m_searchField, 1);
+    top->addWidget(help->withKey());
+    layout->addLayout(top);
     layout->addWidget(m_list, 1);
     addRow(layout, {action("addPreset"), m_remove, m_duplicate}, {m_moveUp, m_moveDown});
     addRow(layout, {action("importPresets"), m_export},

@@ -8,6 +8,7 @@
 #include "ui/widgets/busyindicator.h"
 #include "ui/widgets/commandactions.h"
 #include "ui/widgets/elidedlabel.h"
+#include "ui/widgets/helpbutton.h"
 #include "ui/widgets/look.h"
 #include "ui/widgets/zoomslider.h"
 
@@ -15,29 +16,23 @@
 #include <QHBoxLayout>
 #include <QMenu>
 #include <QToolButton>
-#include <QWhatsThis>
 
 namespace plexa
 {
 namespace
 {
 
+/// Its short text is for "What's This?".
 QToolButton *makeHelpButton()
 {
-    auto *const button = new QToolButton;
+    auto *const button =
+        new HelpButton(QStringLiteral("preview.html"), PreviewPane::tr("Help on the preview"),
+                       PreviewPane::tr("Explain the preview"));
     button->setObjectName(QStringLiteral("imageViewHelpButton"));
-    button->setIcon(QIcon(QStringLiteral(":/icons/help.svg")));
-    button->setIconSize(QSize(look::kButtonIcon, look::kButtonIcon));
-    button->setAutoRaise(true);
-    button->setFocusPolicy(Qt::TabFocus);
-    button->setAccessibleName(PreviewPane::tr("Help on the preview"));
-    button->setToolTip(PreviewPane::tr("Explain the preview"));
-    QObject::connect(button, &QToolButton::clicked, button, [button] {
-        QFile page(QStringLiteral(":/help/Help-ImageView.html"));
-        if (page.open(QIODevice::ReadOnly))
-            QWhatsThis::showText(button->mapToGlobal(QPoint(0, 0)), QString::fromUtf8(page.readAll()),
-                                 button);
-    });
+    //: The name of a page in resources/help, which has another one for each language.
+    QFile page(QStringLiteral(":/help/%1.html").arg(PreviewPane::tr("Help-ImageView")));
+    if (page.open(QIODevice::ReadOnly))
+        button->setWhatsThis(QString::fromUtf8(page.readAll()));
     return button;
 }
 

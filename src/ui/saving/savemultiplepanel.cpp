@@ -11,6 +11,7 @@
 #include "ui/editors/savingpresetview.h"
 #include "ui/widgets/choicebuttons.h"
 #include "ui/widgets/elidedlabel.h"
+#include "ui/widgets/helpbutton.h"
 #include "ui/widgets/linebreaks.h"
 #include "ui/widgets/look.h"
 #include "ui/widgets/sectiontitle.h"
@@ -228,6 +229,9 @@ QWidget *SaveMultiplePanel::makeButtons()
     m_savingPresetsButton->setToolTip(tr("Load these settings from a saving preset, or keep them as one"));
     m_savingPresetsButton->setAutoDefault(false);
     box->addButton(m_savingPresetsButton, QDialogButtonBox::ActionRole);
+    auto *const help =
+        new HelpButton(QStringLiteral("saving.html"), tr("Help on saving"), tr("Explain saving (F1)"));
+    box->addButton(help->withKey(), QDialogButtonBox::HelpRole);
     connect(m_savingPresetsButton, &QAbstractButton::clicked, this,
             &SaveMultiplePanel::showSavingPresetsMenu);
     connect(box, &QDialogButtonBox::accepted, this, &SaveMultiplePanel::accept);

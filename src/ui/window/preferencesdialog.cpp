@@ -4,11 +4,13 @@
 
 #include "platform/settings.h"
 #include "platform/userdefaults.h"
+#include "ui/widgets/helpbutton.h"
 #include "ui/widgets/look.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QVBoxLayout>
 
 #include <vector>
@@ -89,7 +91,12 @@ PreferencesDialog::PreferencesDialog(UserDefaults &defaults, QWidget *parent)
     }
     auto *const buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    layout->addWidget(buttons);
+    auto *const help = new HelpButton(QStringLiteral("preferences.html"), tr("Help on preferences"),
+                                      tr("Explain the preferences (F1)"));
+    auto *const bottom = new QHBoxLayout;
+    bottom->addWidget(help->withKey());
+    bottom->addWidget(buttons);
+    layout->addLayout(bottom);
     layout->setSizeConstraint(QLayout::SetFixedSize);
 }
 

@@ -9,6 +9,7 @@
 #include "presets/presetsstore.h"
 #include "ui/browser/imagebrowserviewcontroller.h"
 #include "ui/browser/imagelistpane.h"
+#include "ui/help/helpwindow.h"
 #include "ui/help/licensedialog.h"
 #include "ui/help/supportmail.h"
 #include "ui/metadata/imagemetadatapanel.h"
@@ -16,6 +17,7 @@
 #include "ui/presets/presetspanel.h"
 #include "ui/saving/savemultiplepanel.h"
 #include "ui/widgets/commandactions.h"
+#include "ui/widgets/helpbutton.h"
 #include "ui/widgets/imagechooser.h"
 #include "ui/window/filemanager.h"
 #include "ui/window/preferencesdialog.h"
@@ -35,7 +37,7 @@ namespace plexa
 namespace
 {
 
-void connectSelection(CommandActions &actions, ImageSet &set)
+void connectSelection(CommandActions &actions, ImageSet &set, StatusManager &status)
 {
     actions.setHandler(ActionId::SelectAll, [&set] { set.selection().selectAll(); });
     actions.setHandler(ActionId::SelectNone, [&set] { set.selection().selectNone(); });
@@ -44,11 +46,11 @@ void connectSelection(CommandActions &actions, ImageSet &set)
     actions.setHandler(ActionId::MovePhotosDown, [&set] { set.stepSelectedImages(Step::Down); });
     actions.setHandler(ActionId::RemoveSelected, [&set] { set.removeSelectedImages(); });
     actions.setHandler(ActionId::SwitchBatchMode, [&set] { set.switchImageListMode(); });
-    actions.setHandler(ActionId::ShowInFileManager, [&set] {
+    actions.setHandler(ActionId::ShowInFileManager, [&set, &status] {
         QStringList paths;
         for (const std::shared_ptr<ImageObject> &image : set.selectedImages())
             paths.append(QFileInfo::exists(image->path()) ? image->path() : image->pathToImportFrom());
-        showFilesInFileManager(paths);
+        showFilesInFileManager(paths, [&status](const QString &text) { status.notify(text); });
     });
 }
 
@@ -207,8 +209,35 @@ void showAbout(MainWindow &window)
     box.exec();
 }
 
+/// Creates the window of the user guide when a place of it is wanted for the first time.
+class HelpWindowOwner final : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit HelpWindowOwner(MainWindow &window)
+        : QObject(&window)
+    {
+        QDesktopServices::setUrlHandler(kHelpScheme, this, "showPlace");
+        connect(&window, &MainWindow::closed, this, [this] { m_window.reset(); });
+    }
+    ~HelpWindowOwner() override { QDesktopServices::unsetUrlHandler(kHelpScheme); }
+
+    Q_INVOKABLE void showPlace(const QUrl &place)
+    {
+        if (!m_window)
+            m_window = std::make_unique<HelpWindow>();
+        m_window->showPlace(place.toString(QUrl::RemoveScheme));
+    }
+
+private:
+    std::unique_ptr<HelpWindow> m_window;
+};
+
 void connectHelp(CommandActions &actions, const MainWindow::Services &services, MainWindow &window)
 {
+    new HelpWindowOwner(window);
+    actions.setHandler(ActionId::UserGuide, [] { showHelp(QStringLiteral("index.html")); });
     actions.setHandler(ActionId::ContextHelp, [] { QWhatsThis::enterWhatsThisMode(); });
     actions.setHandler(ActionId::ContactSupport,
                        [&alerts = services.alerts] { contactSupport(alerts, openByScheme); });
@@ -226,7 +255,7 @@ void connectWindowCommands(CommandActions &actions, const MainWindow::Services &
                            ImageListPane &imageListPane, PresetsPanel &presetsPanel)
 {
     AppController &controller = services.controller;
-    connectSelection(actions, controller.imageSet());
+    connectSelection(actions, controller.imageSet(), services.controller.statusManager());
     connectPhotos(actions, controller);
     connectSaving(actions, services, window, connectManagers(actions, services, window, presetsPanel));
     connectHistory(actions, controller.undoHistory());
@@ -254,3 +283,5 @@ void connectWindowCommands(CommandActions &actions, const MainWindow::Services &
 }
 
 } // namespace plexa
+
+#include "windowcommands.moc"
