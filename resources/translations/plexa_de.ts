@@ -142,10 +142,6 @@
         <translation>Das ganze Foto ist zu sehen.</translation>
     </message>
     <message>
-        <source>Brevix is not installed.</source>
-        <translation>Brevix ist nicht installiert.</translation>
-    </message>
-    <message>
         <source>&amp;Add Photos…</source>
         <translation>Fotos &amp;hinzufügen…</translation>
     </message>
@@ -1506,6 +1502,13 @@
     <message>
         <source>it has no pixels, or they are of an unknown kind</source>
         <translation>es enthält keine Pixel, oder sie sind von unbekannter Art</translation>
+    </message>
+</context>
+<context>
+    <name>plexa::FileManager</name>
+    <message>
+        <source>No program could show the folder “%1”</source>
+        <translation>Kein Programm konnte den Ordner „%1“ anzeigen</translation>
     </message>
 </context>
 <context>

@@ -155,7 +155,6 @@ CommandState AppController::commandState() const
     state.hasCurrentBatchOperation = m_batchOperation.isRunning();
     state.isSorting = m_sorting.isRunning();
     state.isPasting = m_positions.isPasting();
-    state.hasCompanion = m_exchange.hasCompanion();
     state.canUndo = m_history.canUndo();
     state.canRedo = m_history.canRedo();
     state.hasCopiedPositions = m_positions.hasCopy();

@@ -77,8 +77,6 @@ constexpr Rule kRules[] = {
      TEXT("There is no photo, or it is shown at its full size.")},
     {Need::RoomToZoomOutPreview, [](const State &state) { return state.canZoomOutPreview; },
      TEXT("The whole photo is shown.")},
-    {Need::Companion, [](const State &state) { return state.hasCompanion; },
-     TEXT("Brevix is not installed.")},
 };
 
 #undef TEXT

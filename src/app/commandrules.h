@@ -41,7 +41,6 @@ enum class Need {
     RoomToZoomOut, ///< the thumbnails can be smaller
     RoomToZoomInPreview,
     RoomToZoomOutPreview,
-    Companion, ///< the companion application that photos are sent to is installed
 };
 
 /// The state that the needs are checked against.
@@ -71,7 +70,6 @@ struct CommandState {
     float browserZoomFactor = 0;     ///< 0..1
     bool canZoomInPreview = false;   ///< known to the window alone
     bool canZoomOutPreview = false;  ///< known to the window alone
-    bool hasCompanion = false;       ///< the companion application is installed
 };
 
 /// The first need that is not met; nullopt: the command is possible.

@@ -108,17 +108,12 @@ bool CompanionExchange::isInfoFile(const QString &path)
     return QFileInfo(path).fileName() == kInfoFile;
 }
 
-bool CompanionExchange::hasCompanion() const
-{
-    return m_services.workspace.hasApplication(kResizer.bundleIdentifier);
-}
-
 void CompanionExchange::openInCompanionApplication(BatchSave::Order order)
 {
     if (m_services.save.isSavingInProgress() || order.photos.empty() || order.effectivePresets.empty())
         return;
     m_integratedApplicationBundleID = kResizer.bundleIdentifier;
-    if (!hasCompanion()) {
+    if (!m_services.workspace.hasApplication(kResizer.bundleIdentifier)) {
         reportMissingCompanionApplication();
         m_integratedApplicationBundleID.clear();
         return;

@@ -44,9 +44,6 @@ public:
     /// Whether a file of this name starts an exchange.
     static bool isInfoFile(const QString &path);
 
-    /// Whether the companion that photos are sent to is installed.
-    bool hasCompanion() const;
-
     /// Saves copies and opens them with the companion. Warns, and writes nothing, if that is not installed.
     /// @param order  without the folder
     void openInCompanionApplication(BatchSave::Order order);

@@ -67,7 +67,9 @@ picture selected
 differ two selected
 # The file manager receives their URLs.
 dbus-monitor --session "type='method_call',interface='org.freedesktop.FileManager1'" \
-    "type='method_call',interface='org.freedesktop.Notifications'" >"$work/calls.txt" &
+    "type='method_call',interface='org.freedesktop.Notifications'" \
+    "type='method_call',interface='org.freedesktop.portal.Inhibit'" \
+    "type='method_call',interface='org.freedesktop.portal.Request'" >"$work/calls.txt" &
 monitor=$!
 wait_until 'the session bus is not watched' grep -q NameAcquired "$work/calls.txt"
 xdotool key ctrl+shift+e
@@ -85,6 +87,12 @@ marked=$(compare-im6.q16 -metric AE -fuzz 10% "$work/apple.png" "$copies"/apple-
 ((${marked%%.*} > 300)) || fail "the copy has no watermark ($marked)"
 # The keyboard focus went with the panel, so the desktop shows the result, too.
 wait_until 'no notification was sent' grep -qF 'string "2 copies saved"' "$work/calls.txt"
+# During the save, the desktop was asked to question a logout.
+wait_until 'the desktop was not told of the end' grep -qF 'member=Close' "$work/calls.txt"
+grep -qF 'string "Photos are being saved"' "$work/calls.txt" || fail 'the desktop was not told of the save'
+token=$(sed -n 's/^ *variant *string "\(plexa_[0-9_]*\)"/\1/p' "$work/calls.txt")
+grep -qE "path=/org/freedesktop/portal/desktop/request/[0-9_]+/$token;" "$work/calls.txt" ||
+    fail 'the desktop was not told which request is over'
 kill "$monitor"
 wait_until 'the report was not shown' find_box
 xdotool windowfocus --sync "$box" key Return

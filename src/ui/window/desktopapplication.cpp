@@ -10,6 +10,7 @@
 
 #include <QDesktopServices>
 #include <QGuiApplication>
+#include <QSessionManager>
 #include <QTimer>
 
 #include <algorithm>
@@ -72,6 +73,13 @@ DesktopApplication::DesktopApplication(ApplicationService &service, const QUrl &
             Qt::QueuedConnection);
     connect(&m_service, &ApplicationService::actionWanted, this, &DesktopApplication::runAction,
             Qt::QueuedConnection);
+    const BatchSave &save = m_controller.batchSave();
+    connect(&save, &BatchSave::started, &m_logoutInhibitor,
+            [this] { m_logoutInhibitor.hold(tr("Photos are being saved")); });
+    connect(&save, &BatchSave::finished, &m_logoutInhibitor, &LogoutInhibitor::release);
+    // Direct: the session manager waits for the answer.
+    connect(qGuiApp, &QGuiApplication::commitDataRequest, this, &DesktopApplication::sessionEnds,
+            Qt::DirectConnection);
     m_window.actions().setHandler(ActionId::Feedback,
                                   [] { QDesktopServices::openUrl(AppDelegate::feedbackPage()); });
 }
@@ -172,6 +180,16 @@ bool DesktopApplication::mayQuit()
         return false;
     save.terminateOperation();
     return true;
+}
+
+/// The user logs out: a question while photos are being saved may keep the session.
+void DesktopApplication::sessionEnds(QSessionManager &manager)
+{
+    if (!manager.allowsInteraction())
+        return;
+    if (!mayQuit())
+        manager.cancel();
+    manager.release();
 }
 
 void DesktopApplication::terminate()

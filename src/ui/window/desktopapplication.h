@@ -9,10 +9,13 @@
 #include "platform/userdefaults.h"
 #include "presets/presetsstore.h"
 #include "ui/bulletin/bulletinpresenter.h"
+#include "ui/window/logoutinhibitor.h"
 #include "ui/window/mainwindow.h"
 #include "ui/window/messageboxalerts.h"
 
 #include <QObject>
+
+class QSessionManager;
 
 namespace plexa
 {
@@ -54,6 +57,7 @@ private:
     bool mayQuit();
     bool wantsToKeepRunning();
     void quit();
+    void sessionEnds(QSessionManager &manager);
     void windowClosed();
     void lookForBulletin();
 
@@ -73,6 +77,7 @@ private:
     SessionRecord m_session;
     BulletinFeed m_bulletins;
     BulletinPresenter m_bulletinPresenter;
+    LogoutInhibitor m_logoutInhibitor;
 };
 
 } // namespace plexa

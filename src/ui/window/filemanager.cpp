@@ -4,6 +4,7 @@
 
 #include "ui/window/applicationservice.h"
 
+#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -19,22 +20,25 @@ namespace
 
 constexpr qsizetype kMaxFolders = 5; // each is a window
 
-void openFolders(const QStringList &paths)
+void openFolders(const QStringList &paths, const std::function<void(const QString &)> &refused)
 {
     QStringList folders;
     for (const QString &path : paths)
         folders.append(QFileInfo(path).absolutePath());
     folders.removeDuplicates();
-    for (const QString &folder : folders.mid(0, kMaxFolders))
-        QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
+    for (const QString &folder : folders.mid(0, kMaxFolders)) {
+        if (!QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
+            refused(QCoreApplication::translate("plexa::FileManager", "No program could show the folder “%1”")
+                        .arg(folder));
+    }
 }
 
 } // namespace
 
-void showFilesInFileManager(const QStringList &paths)
+void showFilesInFileManager(const QStringList &paths, const std::function<void(const QString &)> &refused)
 {
     if (!ApplicationService::hasSessionBus() || !QDBusConnection::sessionBus().isConnected()) {
-        openFolders(paths);
+        openFolders(paths, refused);
         return;
     }
     QStringList uris;
@@ -45,9 +49,9 @@ void showFilesInFileManager(const QStringList &paths)
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
     call << uris << QString();
     auto *const watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call));
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, paths] {
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, paths, refused] {
         if (watcher->isError())
-            openFolders(paths);
+            openFolders(paths, refused);
         watcher->deleteLater();
     });
 }

@@ -47,7 +47,10 @@ void SavingEnd::showReport()
         return;
     auto *const panel =
         new SavingReportPanel(m_services.controller.batchSave().report(), m_services.alerts, &m_window);
-    connect(panel, &SavingReportPanel::openFolderWanted, panel, &showFilesInFileManager);
+    StatusManager &status = m_services.controller.statusManager();
+    connect(panel, &SavingReportPanel::openFolderWanted, &status, [&status](const QStringList &copies) {
+        showFilesInFileManager(copies, [&status](const QString &text) { status.notify(text); });
+    });
     panel->open();
 }
 

@@ -37,7 +37,7 @@ namespace plexa
 namespace
 {
 
-void connectSelection(CommandActions &actions, ImageSet &set)
+void connectSelection(CommandActions &actions, ImageSet &set, StatusManager &status)
 {
     actions.setHandler(ActionId::SelectAll, [&set] { set.selection().selectAll(); });
     actions.setHandler(ActionId::SelectNone, [&set] { set.selection().selectNone(); });
@@ -46,11 +46,11 @@ void connectSelection(CommandActions &actions, ImageSet &set)
     actions.setHandler(ActionId::MovePhotosDown, [&set] { set.stepSelectedImages(Step::Down); });
     actions.setHandler(ActionId::RemoveSelected, [&set] { set.removeSelectedImages(); });
     actions.setHandler(ActionId::SwitchBatchMode, [&set] { set.switchImageListMode(); });
-    actions.setHandler(ActionId::ShowInFileManager, [&set] {
+    actions.setHandler(ActionId::ShowInFileManager, [&set, &status] {
         QStringList paths;
         for (const std::shared_ptr<ImageObject> &image : set.selectedImages())
             paths.append(QFileInfo::exists(image->path()) ? image->path() : image->pathToImportFrom());
-        showFilesInFileManager(paths);
+        showFilesInFileManager(paths, [&status](const QString &text) { status.notify(text); });
     });
 }
 
@@ -255,7 +255,7 @@ void connectWindowCommands(CommandActions &actions, const MainWindow::Services &
                            ImageListPane &imageListPane, PresetsPanel &presetsPanel)
 {
     AppController &controller = services.controller;
-    connectSelection(actions, controller.imageSet());
+    connectSelection(actions, controller.imageSet(), services.controller.statusManager());
     connectPhotos(actions, controller);
     connectSaving(actions, services, window, connectManagers(actions, services, window, presetsPanel));
     connectHistory(actions, controller.undoHistory());

@@ -34,7 +34,6 @@ constexpr Lack kLacks[] = {
     {'L', [](CommandState &state) { state.nSelectedWPresets = 2; }},
     {'Z', [](CommandState &state) { state.browserZoomFactor = 1; }},
     {'z', [](CommandState &state) { state.browserZoomFactor = 0; }},
-    {'K', [](CommandState &state) { state.hasCompanion = false; }},
     {'!', [](CommandState &state) { state.isSavingInProgress = true; }},
 };
 
@@ -43,7 +42,7 @@ CommandState everything()
 {
     CommandState state;
     state.canCopyForCurrentPreset = state.canCopyForAllPresets = true;
-    state.hasCompanion = state.hasCopiedPositions = state.hasCurrentWPreset = true;
+    state.hasCopiedPositions = state.hasCurrentWPreset = true;
     state.nSelected = 2;
     state.nShown = 3;
     state.nEffectivePresets = state.nSelectedApplied = state.nSelectedWPresets = 1;
@@ -73,9 +72,8 @@ private Q_SLOTS:
                         {"SB", {ToggleMetadata}},
                         {"F", {SelectAll, InvertSelection}},
                         {"SO", {TurnRight, TurnLeft, Turn180, FlipVertical, FlipHorizontal}},
-                        {"SP", {CopyImages}},
-                        {"SPK", {OpenSelectedInCompanion}},
-                        {"FPK", {OpenAllInCompanion}},
+                        {"SP", {CopyImages, OpenSelectedInCompanion}},
+                        {"FP", {OpenAllInCompanion}},
                         {"!SP", {SaveSelected}},
                         {"!FP", {SaveAll}},
                         {"a", {CopyAllPositions}},
