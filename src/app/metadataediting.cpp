@@ -111,10 +111,24 @@ QStringList MetadataEditing::knownKeywords() const
     return sorted;
 }
 
+QString MetadataEditing::editOf(MetadataProperty property)
+{
+    return tr("Edit %1").arg(QCoreApplication::translate("ImageMetadata", metadataProperty(property).label));
+}
+
+void MetadataEditing::setDay(MetadataProperty property, QDate day)
+{
+    edit(editOf(property), [property, day](ImageMetadata &metadata) {
+        const QString form = ImageMetadata::exifDateTimeFormatter();
+        const QTime time = QDateTime::fromString(metadata.value(property).toString(), form).time();
+        metadata.setValue(property,
+                          QDateTime(day, time.isValid() ? time : QTime(0, 0), Qt::UTC).toString(form));
+    });
+}
+
 void MetadataEditing::setValue(MetadataProperty property, const QVariant &value)
 {
-    const QString label = QCoreApplication::translate("ImageMetadata", metadataProperty(property).label);
-    edit(tr("Edit %1").arg(label), [property, &value](ImageMetadata &metadata) {
+    edit(editOf(property), [property, &value](ImageMetadata &metadata) {
         // The same value again would cost a list its other elements; an absent flash reads as 0.
         const MetadataPropertyRow &row = metadataProperty(property);
         const bool isNew = value.isValid() && !metadata.valueForKey(row.group, row.key).isValid();

@@ -5,6 +5,7 @@
 #include "app/imagelist.h"
 #include "metadata/metadataclearings.h"
 
+#include <QDate>
 #include <QObject>
 #include <QStringList>
 
@@ -58,6 +59,8 @@ public:
 
     /// Sets one field of all photos; an invalid value removes it. Nothing happens where it is the same.
     void setValue(MetadataProperty property, const QVariant &value);
+    /// Sets the day of a date of EXIF in all photos; each keeps its time of day, midnight where it has none.
+    void setDay(MetadataProperty property, QDate day);
     /// Gives all photos the keywords `now` in place of those that they had in common, `before`; other
     /// keywords of a photo stay.
     void setKeywords(const QStringList &before, const QStringList &now);
@@ -75,6 +78,7 @@ private:
     };
     using Edits = std::vector<Edit>;
 
+    static QString editOf(MetadataProperty property);
     void edit(const QString &text, const Change &change);
     bool exchange(const Edits &edits, ImageMetadata Edit::*expected, ImageMetadata Edit::*wanted) const;
     void scheduleChanged();

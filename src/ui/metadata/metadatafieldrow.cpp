@@ -167,8 +167,8 @@ private:
         });
         const auto pick = [this, menu](QDate date) {
             menu->close();
-            const QString time = m_line->text().mid(10).trimmed();
-            apply(date.toString(Qt::ISODate) + u' ' + (time.isEmpty() ? QStringLiteral("00:00:00") : time));
+            commit(); // a time of day that was typed
+            editing().setDay(this->row().property, date);
         };
         connect(calendar, &QCalendarWidget::clicked, this, pick);
         connect(calendar, &QCalendarWidget::activated, this, pick);

@@ -287,7 +287,8 @@ private Q_SLOTS:
                 "xmlns:aux='http://ns.adobe.com/exif/1.0/aux/' xmlns:ex='http://cipa.jp/exif/1.0/' "
                 "xmlns:photoshop='http://ns.adobe.com/photoshop/1.0/' "
                 "xmlns:core='http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/' "
-                "xmlns:ext='http://iptc.org/std/Iptc4xmpExt/2008-02-29/' ";
+                "xmlns:ext='http://iptc.org/std/Iptc4xmpExt/2008-02-29/' "
+                "xmlns:xmp='http://ns.adobe.com/xap/1.0/' ";
             const QByteArray packet = xmpPacket(namespaces + attributes, elements);
             addRow<Variant>({name, {.xmp = packet}, where, expected});
         };
@@ -311,6 +312,12 @@ private Q_SLOTS:
         xmp("time", taken, {}, u"{Exif}/DateTimeOriginal"_s, u"2024:05:06 07:08:09"_s);
         xmp("fraction of a second", taken, {}, u"{Exif}/SubsecTimeOriginal"_s, u"25"_s);
         xmp("offset", taken, {}, u"{Exif}/OffsetTimeOriginal"_s, u"-03:30"_s);
+        const QByteArray scanned = "xmp:CreateDate='2024-05-06T07:08:09.25' xmp:CreatorTool='Scan 2'";
+        xmp("date of digitizing", scanned, {}, u"{Exif}/DateTimeDigitized"_s, u"2024:05:06 07:08:09"_s);
+        xmp("its fraction", scanned, {}, u"{Exif}/SubsecTimeDigitized"_s, u"25"_s);
+        xmp("tool", scanned, {}, u"{TIFF}/Software"_s, u"Scan 2"_s);
+        xmp("own name before the tool", scanned + " exif:DateTimeDigitized='2023-01-01T00:00:00'", {},
+            u"{Exif}/DateTimeDigitized"_s, u"2023:01:01 00:00:00"_s);
         xmp("sensitivity of EXIF 2.3", "ex:PhotographicSensitivity='640'", {}, u"{Exif}/ISOSpeedRatings"_s,
             QVariantList{640});
         xmp("position", "exif:GPSLongitude='8,30.6W'", {}, u"{GPS}/Longitude"_s, 8.51);

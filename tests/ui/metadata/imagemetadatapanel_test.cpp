@@ -7,6 +7,7 @@
 #include "ui/shownwindow.h"
 #include "ui/widgets/linebreaks.h"
 
+#include <QCalendarWidget>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
@@ -15,6 +16,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTabWidget>
+#include <QTimer>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -210,6 +212,27 @@ private Q_SLOTS:
             QCOMPARE(f.line("iptcCity").text(), u"Bonn"_qs);
     }
 
+    void picksTheDay()
+    {
+        Panel f({photo("-EXIF:DateTimeOriginal='2001:02:03 04:05:06'", "a.jpg"),
+                 photo("-EXIF:ISO=100", "b.jpg")});
+        f.files.defaults.setObject(settings::enableExifDataEditing, true);
+        f.panel = std::make_unique<ImageMetadataPanel>(
+            ImageMetadataPanel::Services{f.controller, f.files.defaults, f.window.actions(), {}});
+        f.panel->toggle();
+        f.showTab("EXIF");
+        QTimer::singleShot(0, f.panel.get(), [] {
+            QTRY_VERIFY(QApplication::activePopupWidget());
+            auto &calendar = *QApplication::activePopupWidget()->findChild<QCalendarWidget *>();
+            QTest::keyClick(calendar.focusWidget(), Qt::Key_Return);
+        });
+        QTest::keyClick(&f.part<QWidget>(u"exifDateTimeOriginalStrTextFieldCalendarButton"_qs),
+                        Qt::Key_Space);
+        const QString today = QDate::currentDate().toString(u"yyyy:MM:dd"_qs);
+        QTRY_COMPARE(f.values(MetadataProperty::exifDateTimeOriginalStr),
+                     QStringList({today + u" 04:05:06"_qs, today + u" 00:00:00"_qs}));
+    }
+
     /// Also from inside of a field, and Escape discards what is being typed there.
     void undoes()
     {
@@ -317,7 +340,7 @@ private Q_SLOTS:
 
     void copiesCarryEdits()
     {
-        Panel f({photo("-EXIF:Artist=Bob -EXIF:DateTimeOriginal='2001:02:03#04:05:06'")});
+        Panel f({photo("-EXIF:Artist=Bob -EXIF:DateTimeOriginal='2001:02:03 04:05:06'")});
         f.showTab("Contact");
         f.enter(f.line("iptcCreator"), u"Ada"_qs);
         f.showTab("IPTC");
