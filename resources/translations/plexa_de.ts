@@ -1576,6 +1576,11 @@
         <source>No part of the guide contains these words.</source>
         <translation>Kein Abschnitt des Handbuchs enthält diese Wörter.</translation>
     </message>
+    <message>
+        <source>guide</source>
+        <extracomment>The name of a folder in docs, which has another guide for each language.</extracomment>
+        <translation>guide-de</translation>
+    </message>
 </context>
 <context>
     <name>plexa::ImageBrowserView</name>

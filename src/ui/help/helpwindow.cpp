@@ -7,6 +7,7 @@
 
 #include <QAction>
 #include <QDesktopServices>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QImage>
 #include <QLabel>
@@ -30,8 +31,7 @@ namespace plexa
 namespace
 {
 
-const QString kFolder = QStringLiteral(":/docs/guide");
-const QString kAddress = QStringLiteral("qrc:/docs/guide/");
+const QString kFirstPage = QStringLiteral("index.html");
 
 constexpr QSize kSize(940, 680);
 constexpr int kSideWidth = 250;
@@ -60,6 +60,14 @@ public:
         return picture;
     }
 };
+
+/// The guide in the language of the window, below the scheme "qrc".
+QString guideFolder()
+{
+    //: The name of a folder in docs, which has another guide for each language.
+    const QString folder = QStringLiteral("/docs/") + HelpWindow::tr("guide");
+    return QFileInfo::exists(u':' + folder) ? folder : QStringLiteral("/docs/guide");
+}
 
 QString styleOfPages()
 {
@@ -92,7 +100,8 @@ QToolButton *makeButton(QAction *action, const QKeySequence &shortcut)
 } // namespace
 
 HelpWindow::HelpWindow()
-    : m_guide(kFolder)
+    : m_folder(guideFolder())
+    , m_guide(u':' + m_folder)
     , m_browser(new GuideBrowser)
     , m_contents(new QTreeWidget)
     , m_hits(new QListWidget)
@@ -184,7 +193,7 @@ QWidget *HelpWindow::makeSide()
     m_contents->setHeaderHidden(true);
     connect(m_contents, &QTreeWidget::currentItemChanged, this, [this](const QTreeWidgetItem *item) {
         if (item && m_contents->hasFocus())
-            m_browser->setSource(QUrl(kAddress + item->data(0, Qt::UserRole).toString()));
+            m_browser->setSource(addressOf(item->data(0, Qt::UserRole).toString()));
     });
     m_hits->setObjectName(QStringLiteral("hits"));
     m_hits->setAccessibleName(tr("Places that were found"));
@@ -238,7 +247,7 @@ void HelpWindow::showHit(int row)
     if (!item || item->flags() == Qt::NoItemFlags)
         return;
     m_hits->setCurrentRow(row);
-    m_browser->setSource(QUrl(kAddress + item->data(Qt::UserRole).toString()));
+    m_browser->setSource(addressOf(item->data(Qt::UserRole).toString()));
     QTextCursor from = m_browser->cursorForPosition(QPoint(0, 0));
     from.movePosition(QTextCursor::StartOfBlock);
     m_browser->setTextCursor(from);
@@ -248,7 +257,7 @@ void HelpWindow::showHit(int row)
 /// Selects the page in the contents.
 void HelpWindow::followPage(const QUrl &page)
 {
-    const QString place = page.toString().sliced(std::min(kAddress.size(), page.toString().size()));
+    const QString place = page.toString().section(u'/', -1);
     for (QTreeWidgetItemIterator each(m_contents); *each; ++each) {
         if ((*each)->data(0, Qt::UserRole) != place)
             continue;
@@ -268,6 +277,11 @@ void HelpWindow::openLink(const QUrl &link)
         QDesktopServices::openUrl(target);
 }
 
+QUrl HelpWindow::addressOf(const QString &place) const
+{
+    return QUrl(QStringLiteral("qrc:%1/%2").arg(m_folder, place));
+}
+
 void HelpWindow::zoom(int steps)
 {
     const int wanted = std::clamp(m_zoom + steps, kMinZoom, kMaxZoom);
@@ -283,8 +297,8 @@ void HelpWindow::showPlace(const QString &place)
         std::any_of(pages.begin(), pages.end(), [&](const HelpPage &page) { return page.file == file; });
     m_search->clear();
     if (m_browser->source().isEmpty())
-        m_browser->setSource(QUrl(kAddress + QStringLiteral("index.html"))); // where "First Page" leads to
-    m_browser->setSource(QUrl(kAddress + (isKnown ? place : QStringLiteral("index.html"))));
+        m_browser->setSource(addressOf(kFirstPage)); // where "First Page" leads to
+    m_browser->setSource(addressOf(isKnown ? place : kFirstPage));
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
     raise();

@@ -40,6 +40,9 @@ private:
     void openLink(const QUrl &link);
     void zoom(int steps);
 
+    QUrl addressOf(const QString &place) const;
+
+    QString m_folder; ///< of the guide in the language of the window, in the resources
     HelpGuide m_guide;
     QTextBrowser *m_browser;
     QTreeWidget *m_contents;

@@ -17,11 +17,12 @@
 using namespace plexa;
 using namespace plexa::test;
 
+using Language = Row<>;                // the name of the folder
 using Search = Row<Text, QStringList>; // words, places
 
-QString folder()
+QString folder(const QString &name = u"guide"_qs)
 {
-    return sourceFolder() + u"/docs/guide"_qs;
+    return sourceFolder() + u"/docs/"_qs + name;
 }
 
 /// All places of the guide, "page.html" and "page.html#section".
@@ -40,9 +41,11 @@ class HelpGuideTest : public QObject
 
 private Q_SLOTS:
     /// A page that no other one leads to would be lost, a link to nowhere leads astray.
+    void linksAndPicturesResolve_data() { addRows<Language>({{"guide"}, {"guide-de"}}); }
     void linksAndPicturesResolve()
     {
-        const HelpGuide guide(folder());
+        const QString folder = ::folder(std::get<0>(currentRow<Language>()));
+        const HelpGuide guide(folder);
         const QStringList places = placesOf(guide);
         QStringList files;
         int links = 0;
@@ -50,14 +53,14 @@ private Q_SLOTS:
         for (const HelpPage &page : guide.pages()) {
             files.append(page.file);
             QVERIFY2(!page.title.isEmpty(), qPrintable(page.file));
-            QXmlStreamReader xml(contentsOf(folder() + u'/' + page.file));
+            QXmlStreamReader xml(contentsOf(folder + u'/' + page.file));
             while (!xml.atEnd()) {
                 if (xml.readNext() != QXmlStreamReader::StartElement)
                     continue;
                 const QString link = xml.attributes().value(u"href"_qs).toString();
                 const QString picture = xml.attributes().value(u"src"_qs).toString();
                 QVERIFY2(link.isEmpty() || places.contains(link), qPrintable(page.file + u": "_qs + link));
-                QVERIFY2(picture.isEmpty() || (QFileInfo::exists(folder() + u'/' + picture) &&
+                QVERIFY2(picture.isEmpty() || (QFileInfo::exists(folder + u'/' + picture) &&
                                                !xml.attributes().value(u"alt"_qs).isEmpty()),
                          qPrintable(page.file + u": "_qs + picture));
                 links += !link.isEmpty();
@@ -66,9 +69,22 @@ private Q_SLOTS:
             QVERIFY2(!xml.hasError(), qPrintable(page.file + u": "_qs + xml.errorString()));
         }
         files.sort();
-        QCOMPARE(files, namesIn(folder()));
+        QCOMPARE(files, namesIn(folder));
         QCOMPARE(QSet<QString>(places.begin(), places.end()).size(), places.size());
         QVERIFY(links > 30 && pictures > 4);
+    }
+
+    /// Each guide has the same places, pictures, tokens and keys.
+    void germanGuideHasTheSamePlaces()
+    {
+        const HelpGuide english(folder());
+        QCOMPARE(placesOf(HelpGuide(folder(u"guide-de"_qs))), placesOf(english));
+        for (const HelpPage &page : english.pages()) {
+            const QByteArray own = contentsOf(folder() + u'/' + page.file);
+            const QByteArray german = contentsOf(folder(u"guide-de"_qs) + u'/' + page.file);
+            for (const char *const element : {"<img", "<tr>", "<li>"})
+                QVERIFY2(own.count(element) == german.count(element), qPrintable(page.file));
+        }
     }
 
     /// The places that the windows ask for, as the source names them.
