@@ -713,6 +713,14 @@
         <source>Read the license of Plexa</source>
         <translation>Die Lizenz von Plexa lesen</translation>
     </message>
+    <message>
+        <source>Check for &amp;Updates…</source>
+        <translation>Nach &amp;Updates suchen…</translation>
+    </message>
+    <message>
+        <source>Ask the maker whether there is a newer version</source>
+        <translation>Beim Hersteller anfragen, ob es eine neuere Version gibt</translation>
+    </message>
 </context>
 <context>
     <name>FieldChoices</name>
@@ -2275,6 +2283,14 @@ Copyright: die Autoren von %1. Freie Software unter der GNU General Public Licen
         <translation>Einstellungen</translation>
     </message>
     <message>
+        <source>Check for updates &amp;once a day</source>
+        <translation>&amp;Einmal am Tag nach Updates suchen</translation>
+    </message>
+    <message>
+        <source>Asks the web server of the maker for the newest version; sends nothing about you</source>
+        <translation>Fragt den Webserver des Herstellers nach der neuesten Version; sendet nichts über Sie</translation>
+    </message>
+    <message>
         <source>Help on preferences</source>
         <translation>Hilfe zu den Einstellungen</translation>
     </message>
@@ -3530,6 +3546,80 @@ Wenn möglich, hängen Sie bitte ein Foto oder eine Vorgabe an, mit denen es auf
             <numerusform>%n Foto drehen</numerusform>
             <numerusform>%n Fotos drehen</numerusform>
         </translation>
+    </message>
+</context>
+<context>
+    <name>plexa::UpdatePresenter</name>
+    <message>
+        <source>Checking for updates…</source>
+        <translation>Suche nach Updates…</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>%1 is up to date</source>
+        <translation>%1 ist aktuell</translation>
+    </message>
+    <message>
+        <source>Version %1 is the newest one.</source>
+        <translation>Version %1 ist die neueste.</translation>
+    </message>
+    <message>
+        <source>Could not check for updates</source>
+        <translation>Nach Updates konnte nicht gesucht werden</translation>
+    </message>
+    <message>
+        <source>%1. Try again later.</source>
+        <translation>%1. Versuchen Sie es später noch einmal.</translation>
+    </message>
+</context>
+<context>
+    <name>plexa::UpdateWindow</name>
+    <message>
+        <source>Version %1</source>
+        <translation>Version %1</translation>
+    </message>
+    <message>
+        <source>Update</source>
+        <translation>Update</translation>
+    </message>
+    <message>
+        <source>What is new</source>
+        <translation>Was ist neu</translation>
+    </message>
+    <message>
+        <source>&amp;Skip This Version</source>
+        <translation>Diese Version &amp;überspringen</translation>
+    </message>
+    <message>
+        <source>Tells you about later versions only</source>
+        <translation>Meldet nur noch spätere Versionen</translation>
+    </message>
+    <message>
+        <source>Remind Me &amp;Later</source>
+        <translation>&amp;Später erinnern</translation>
+    </message>
+    <message>
+        <source>Tells you about this version again on another day</source>
+        <translation>Meldet diese Version an einem anderen Tag noch einmal</translation>
+    </message>
+    <message>
+        <source>&amp;Open Download Page</source>
+        <translation>&amp;Downloadseite öffnen</translation>
+    </message>
+    <message>
+        <source>Opens %1 in your browser</source>
+        <translation>Öffnet %1 in Ihrem Browser</translation>
+    </message>
+    <message>
+        <source>%1 %2 is available</source>
+        <translation>%1 %2 ist verfügbar</translation>
+    </message>
+    <message>
+        <source>You have version %1. Download the package, then install it with the package manager of your system.</source>
+        <translation>Sie haben Version %1. Laden Sie das Paket herunter und installieren Sie es dann mit der Paketverwaltung Ihres Systems.</translation>
     </message>
 </context>
 <context>

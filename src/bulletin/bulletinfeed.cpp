@@ -8,24 +8,19 @@
 
 #include <QDateTime>
 #include <QDebug>
+#include <QFutureWatcher>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocale>
-#include <QSysInfo>
-#include <QUrlQuery>
 #include <QtConcurrentRun>
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace plexa
 {
 
 namespace
 {
-
-constexpr qint64 kSecondsOfADay = 86'400;
-constexpr qint64 kStartOf2001 = 978'307'200; // seconds since 1970, UTC
 
 /// A settings file holds texts, so the counts are one: a JSON object.
 QHash<QString, qint64> shownCounts(const UserDefaults &defaults)
@@ -54,18 +49,9 @@ BulletinFeed::BulletinFeed(UserDefaults &defaults, const QUrl &address, const Do
 
 void BulletinFeed::showBulletinIfRequired()
 {
-    const auto shown =
-        QDateTime::fromString(m_defaults.stringForKey(settings::lastShownBulletinDate), Qt::ISODate);
-    const qint64 now = QDateTime::currentSecsSinceEpoch();
-    // A date far in the future comes from a wrong clock.
-    const bool wasToday = shown.isValid() && std::abs(now - shown.toSecsSinceEpoch()) < kSecondsOfADay;
-    if (m_address.isEmpty() || wasToday)
+    if (m_address.isEmpty() || isWithinADay(m_defaults.stringForKey(settings::lastShownBulletinDate)))
         return;
-    QUrl address = m_address;
-    QUrlQuery query(address);
-    query.addQueryItem(QStringLiteral("nocache"), QString::number(now - kStartOf2001));
-    address.setQuery(query);
-    downloadFeed(address, m_limits, this, [this](const Result<QByteArray> &feed) {
+    downloadFeed(m_address, m_limits, this, [this](const Result<QByteArray> &feed) {
         if (feed)
             choose(*feed);
         else
@@ -76,20 +62,24 @@ void BulletinFeed::showBulletinIfRequired()
 
 void BulletinFeed::choose(const QByteArray &feed)
 {
-    QtConcurrent::run(bulletinToShowFromJSONData, feed, audience())
-        .then(this, [this](const Result<std::optional<Bulletin>> &chosen) {
-            if (!chosen)
-                qCritical().noquote() << chosen.error().text;
-            else if (*chosen && !(*chosen)->page.isEmpty())
-                Q_EMIT bulletinChosen(**chosen);
-        });
+    using Choice = Result<std::optional<Bulletin>>;
+    auto *const choice = new QFutureWatcher<Choice>(this);
+    connect(choice, &QFutureWatcher<Choice>::finished, this, [this, choice] {
+        choice->deleteLater();
+        const Choice chosen = choice->result();
+        if (!chosen)
+            qCritical().noquote() << chosen.error().text;
+        else if (*chosen && !(*chosen)->page.isEmpty())
+            Q_EMIT bulletinChosen(**chosen);
+    });
+    choice->setFuture(QtConcurrent::run(bulletinToShowFromJSONData, feed, audience()));
 }
 
 BulletinAudience BulletinFeed::audience() const
 {
     return {m_defaults.integerForKey(settings::runNumber),
             QString::fromLatin1(identity::kApplicationId),
-            systemVersionOf(QSysInfo::productVersion()),
+            currentSystemVersion(),
             QDate::currentDate(),
             shownCounts(m_defaults),
             m_defaults.stringArrayForKey(settings::SuppressedBulletins),

@@ -5,7 +5,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QRegularExpression>
 
 #include <algorithm>
 #include <cmath>
@@ -23,13 +22,6 @@ std::optional<double> wholeNumber(const QJsonValue &value)
     if (!value.isDouble())
         return std::nullopt;
     return std::trunc(value.toDouble());
-}
-
-bool isCurrentOSVersionSince(const QJsonValue &value, const SystemVersion &current)
-{
-    static const QRegularExpression pattern(QStringLiteral("\\A[0-9]{1,9}(\\.[0-9]{1,9}){1,2}\\z"));
-    const QString least = value.toString();
-    return !pattern.match(least).hasMatch() || current >= systemVersionOf(least);
 }
 
 bool isCurrentAppWithinBundleIDs(const QJsonValue &value, const QString &bundleID)
@@ -66,43 +58,20 @@ bool isEligible(const QJsonObject &bulletin, const BulletinAudience &audience)
     return !mostTimes || *mostTimes > static_cast<double>(std::max<qint64>(0, audience.timesShown.value(id)));
 }
 
-/// The page at an address; empty if a browser must not be sent there by a feed.
-QUrl pageAt(const QJsonValue &location)
+/// Whether a feed may send a browser to an address.
+bool isPage(const QString &location)
 {
-    const QUrl url(location.toString());
-    const bool isPage = url.scheme() == u"https" || url.scheme() == u"http";
-    return isPage && url.isValid() && !url.host().isEmpty() ? url : QUrl();
+    const QUrl url(location);
+    const bool isOnTheNet = url.scheme() == u"https" || url.scheme() == u"http";
+    return isOnTheNet && url.isValid() && !url.host().isEmpty();
 }
 
-/// The last page in a preferred language; else the page without a language, if it comes first.
 QUrl urlToShow(const QJsonArray &sources, const QStringList &preferredLanguages)
 {
-    QUrl chosen;
-    for (const auto &element : sources) {
-        const QJsonObject source = element.toObject();
-        const QUrl page = pageAt(source[u"location"]);
-        const QString language = source[u"language"].toString();
-        const bool isPreferred =
-            std::any_of(preferredLanguages.begin(), preferredLanguages.end(),
-                        [&](const QString &own) { return own.startsWith(language, Qt::CaseInsensitive); });
-        if (!page.isEmpty() && (language.isEmpty() ? chosen.isEmpty() : isPreferred))
-            chosen = page;
-    }
-    return chosen;
+    return QUrl(preferredText(sources, QStringLiteral("location"), preferredLanguages, isPage));
 }
 
 } // namespace
-
-SystemVersion systemVersionOf(const QString &text)
-{
-    static const QRegularExpression digits(QStringLiteral("\\A[0-9]{1,9}"));
-    SystemVersion version{};
-    const QStringList parts = text.split(u'.');
-    const auto count = std::min(static_cast<std::size_t>(parts.size()), version.size());
-    for (std::size_t i = 0; i < count; ++i)
-        version.at(i) = digits.match(parts.at(static_cast<qsizetype>(i))).captured().toInt();
-    return version;
-}
 
 Result<std::optional<Bulletin>> bulletinToShowFromJSONData(const QByteArray &feed,
                                                            const BulletinAudience &audience)

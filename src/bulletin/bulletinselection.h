@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "bulletin/feedvalues.h"
 #include "platform/result.h"
 
 #include <QDate>
@@ -9,7 +10,6 @@
 #include <QStringList>
 #include <QUrl>
 
-#include <array>
 #include <optional>
 
 namespace plexa
@@ -22,9 +22,6 @@ struct Bulletin {
     bool allowSuppress = false;
 };
 
-/// Major, minor, patch.
-using SystemVersion = std::array<int, 3>;
-
 /// The user, the program and the system, which the conditions of a bulletin are compared with.
 struct BulletinAudience {
     qint64 runNumber = 0;
@@ -35,9 +32,6 @@ struct BulletinAudience {
     QStringList suppressed;            ///< bulletin IDs
     QStringList preferredLanguages;    ///< "de-AT", the most preferred first
 };
-
-/// The version that a text begins with: "22.04" is 22, 4, 0. A part without digits is 0.
-SystemVersion systemVersionOf(const QString &text);
 
 /// The bulletin to show now: of those whose conditions hold, the first one of the lowest priority value. A
 /// bulletin without a priority comes after all others. A condition with a value of the wrong type or form

@@ -4,7 +4,9 @@
 
 #include "platform/siblingprogram.h"
 
+#include <QDateTime>
 #include <QProcess>
+#include <QUrlQuery>
 
 #include <utility>
 
@@ -13,6 +15,17 @@ namespace plexa
 
 namespace
 {
+
+/// With a query that no cache has seen: the seconds since the year 2001.
+QUrl pastCaches(QUrl address)
+{
+    constexpr qint64 kStartOf2001 = 978'307'200; // seconds since 1970, UTC
+    QUrlQuery query(address);
+    query.addQueryItem(QStringLiteral("nocache"),
+                       QString::number(QDateTime::currentSecsSinceEpoch() - kStartOf2001));
+    address.setQuery(query);
+    return address;
+}
 
 /// What the process has written. The end of a killed process carries no reason.
 Result<QByteArray> resultOf(QProcess &process)
@@ -40,7 +53,7 @@ void downloadFeed(const QUrl &address, const DownloadLimits &limits, QObject *co
                              end(fail(process->errorString()));
                      });
     process->start(siblingProgram(QStringLiteral("plexa-fetch")),
-                   {address.toString(QUrl::FullyEncoded), QString::number(limits.time.count()),
+                   {pastCaches(address).toString(QUrl::FullyEncoded), QString::number(limits.time.count()),
                     QString::number(limits.bytes)},
                    QIODevice::ReadOnly);
 }

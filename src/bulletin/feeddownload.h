@@ -21,8 +21,9 @@ struct DownloadLimits {
     qint64 bytes = 1024 * 1024;                                ///< after decompression
 };
 
-/// Fetches a small file past all caches, without cookies, in a process of its own ("plexa-fetch"). The body
-/// of an answer counts whatever its HTTP status is. Redirects lead to https only. Main thread.
+/// Fetches a small file past all caches, without cookies or facts about the user, in a process of its own
+/// ("plexa-fetch"). The body of an answer counts whatever its HTTP status is. Redirects lead to https only.
+/// Main thread.
 /// @param context  owns the download; without it the download stops, and `done` is not called
 /// @param done  called once, from the event loop, with the body or the reason of the failure
 void downloadFeed(const QUrl &address, const DownloadLimits &limits, QObject *context,

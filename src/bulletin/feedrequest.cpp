@@ -2,6 +2,8 @@
 
 #include "bulletin/feedrequest.h"
 
+#include "platform/identity.h"
+
 #include <QNetworkReply>
 #include <QTimer>
 
@@ -22,6 +24,9 @@ QNetworkRequest requestFor(const QUrl &address)
     request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                          QNetworkRequest::UserVerifiedRedirectPolicy);
+    // Instead of the user's languages.
+    request.setRawHeader("Accept-Language", "*");
+    request.setHeader(QNetworkRequest::UserAgentHeader, QString::fromLatin1(identity::kApplicationName));
     request.setMaximumRedirectsAllowed(kMostRedirects);
     return request;
 }

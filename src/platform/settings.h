@@ -43,7 +43,10 @@ class UserDefaults;
     ROW(agreedLicense, NONE)                                                                                 \
     ROW(lastShownBulletinDate, NONE)                                                                         \
     ROW(ShownBulletins, NONE)                                                                                \
-    ROW(SuppressedBulletins, NONE)
+    ROW(SuppressedBulletins, NONE)                                                                           \
+    ROW(checksForUpdates, TEXT("YES"))                                                                       \
+    ROW(lastUpdateCheckDate, NONE)                                                                           \
+    ROW(skippedVersion, NONE)
 
 /// The keys of the settings, each under its own name: `settings::lastUsedMode`.
 namespace settings

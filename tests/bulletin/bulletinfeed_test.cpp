@@ -99,6 +99,7 @@ private Q_SLOTS:
             QRegularExpression(u"^GET /news\\.json\\?nocache=(\\d+) "_qs).match(QString::fromLatin1(request));
         QVERIFY2(qAbs(asked.captured(1).toLongLong() - seconds) < 120, request.constData());
         QVERIFY(request.toLower().contains("cache-control: no-cache"));
+        QVERIFY(request.contains("User-Agent: Plexa\r\n") && request.contains("Accept-Language: *\r\n"));
     }
 
     void redirectsOnlyToEncryption()

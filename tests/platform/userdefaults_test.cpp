@@ -175,7 +175,7 @@ private Q_SLOTS:
         QCOMPARE(on, QStringList({u"imageListIsInBrowserMode"_qs, u"imageBrowserShowsNames"_qs,
                                   u"watermarksOnThumbnails"_qs, u"saveAllToOneDirectory"_qs,
                                   u"exportPreserveOriginalFileCreationDate"_qs, u"askForMASReview"_qs,
-                                  u"askForFeedback"_qs}));
+                                  u"askForFeedback"_qs, u"checksForUpdates"_qs}));
         QCOMPARE(defaults.floatForKey(settings::imageBrowserZoomFactor), 0.5F);
         QCOMPARE(defaults.stringForKey(settings::lastMetadataPanelTabID), u"General"_qs);
         QCOMPARE(defaults.stringForKey(settings::replicationStartDirectory), QString());

@@ -30,6 +30,7 @@ trap end EXIT
 ln -s "$(realpath "${BASH_SOURCE[0]}")" "$stand_in/xdg-open"
 export PATH=$stand_in:$PATH PLEXA_OPENED=$work/opened.txt
 export QTWEBENGINE_DISABLE_SANDBOX=1 # tests may run as root, or in a container
+export ASAN_OPTIONS=new_delete_type_mismatch=0 # inside the browser engine
 start_display 1280x800
 
 address='https://www.example.org/more?x=1&y=%C3%A4'

@@ -20,9 +20,11 @@ start_display() { # SIZE
     export XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data XDG_CACHE_HOME=$work/cache
     export XDG_RUNTIME_DIR=$work/run
     mkdir -m 700 "$work/run"
-    # News were shown just now: the program asks no server for more. The user has agreed to the license.
+    # News were fetched just now: the program asks no server for more. The user has agreed to the license.
     mkdir -p "$XDG_CONFIG_HOME/Quorvel"
-    printf '[General]\nagreedLicense=GPL-3.0-or-later\nlastShownBulletinDate=%s\n' "$(date -u +%FT%TZ)" \
+    local now
+    now=$(date -u +%FT%TZ)
+    printf '%s\n' '[General]' agreedLicense=GPL-3.0-or-later "lastShownBulletinDate=$now" "lastUpdateCheckDate=$now" \
         >"$XDG_CONFIG_HOME/Quorvel/Plexa.conf"
     export HOME=${home:-$work/home} # copies go into its folder of pictures
     unset DBUS_SESSION_BUS_ADDRESS

@@ -94,7 +94,8 @@ std::vector<CommandRow> makeTable()
         {ContextHelp, M::Help, false, "contextHelp", TEXT("&What’s This?"), TEXT("Explain the item that you click next"), "Shift+F1", "", {}, false, true},
         {ContactSupport, M::Help, true, "contactSupport", TEXT("Contact &Support…"), TEXT("Write a message to the makers of Plexa in your mail program"), "", "", {}, false, true},
         {Feedback, M::Help, false, "feedback", TEXT("Give &Feedback"), TEXT("Tell the makers of Plexa what to improve"), "", "", {}, false, true},
-        {License, M::Help, true, "license", TEXT("&License"), TEXT("Read the license of Plexa"), "", "", {}, false, true},
+        {CheckForUpdates, M::Help, true, "checkForUpdates", TEXT("Check for &Updates…"), TEXT("Ask the maker whether there is a newer version"), "", "", {}, false, true},
+        {License, M::Help, false, "license", TEXT("&License"), TEXT("Read the license of Plexa"), "", "", {}, false, true},
         {About, M::Help, false, "about", TEXT("&About Plexa"), TEXT("Show the version and the license"), "", "", {}, false, true},
     };
     // clang-format on

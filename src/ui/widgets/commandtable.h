@@ -85,6 +85,7 @@ enum class ActionId {
     ContextHelp,
     ContactSupport,
     Feedback,
+    CheckForUpdates,
     License,
     About,
 };

@@ -11,10 +11,8 @@
 #include <QDesktopServices>
 #include <QGuiApplication>
 #include <QSessionManager>
-#include <QTimer>
 
 #include <algorithm>
-#include <chrono>
 #include <thread>
 #include <utility>
 
@@ -23,8 +21,6 @@ namespace plexa
 
 namespace
 {
-
-constexpr std::chrono::seconds kDelayOfBulletin(1); // after the launch
 
 /// The memory for decoded photos, so that a photo that was shown is shown again at once.
 qsizetype cacheBytes()
@@ -46,7 +42,7 @@ UserDefaults &registered(UserDefaults &defaults)
 
 } // namespace
 
-DesktopApplication::DesktopApplication(ApplicationService &service, const QUrl &bulletins)
+DesktopApplication::DesktopApplication(ApplicationService &service, const News::Addresses &feeds)
     : m_service(service)
     , m_defaults(companyName(), applicationName())
     , m_cache(cacheBytes())
@@ -58,8 +54,7 @@ DesktopApplication::DesktopApplication(ApplicationService &service, const QUrl &
           {m_defaults, m_alerts, m_controller, [](const QUrl &url) { QDesktopServices::openUrl(url); }})
     , m_window({m_controller, m_defaults, m_alerts, workerThreads()})
     , m_session(m_controller, m_alerts)
-    , m_bulletins(m_defaults, bulletins)
-    , m_bulletinPresenter(m_bulletins, m_window)
+    , m_news({m_defaults, m_alerts, m_window, [](const QUrl &url) { QDesktopServices::openUrl(url); }}, feeds)
 {
     m_alerts.setWindow(&m_window);
     // Closing the window quits only where no other process can reach this one.
@@ -82,6 +77,7 @@ DesktopApplication::DesktopApplication(ApplicationService &service, const QUrl &
             Qt::DirectConnection);
     m_window.actions().setHandler(ActionId::Feedback,
                                   [] { QDesktopServices::openUrl(AppDelegate::feedbackPage()); });
+    m_window.actions().setHandler(ActionId::CheckForUpdates, [this] { m_news.checkForUpdates(); });
 }
 
 DesktopApplication::~DesktopApplication()
@@ -101,17 +97,10 @@ void DesktopApplication::launch(const QStringList &paths)
         m_defaults.boolForKey(settings::imageListIsInBrowserMode));
     m_window.show();
     m_delegate.applicationDidFinishLaunching();
-    QTimer::singleShot(kDelayOfBulletin, this, &DesktopApplication::lookForBulletin);
+    m_news.begin();
     m_session.begin();
     if (!paths.isEmpty())
         m_delegate.openFiles(paths);
-}
-
-/// Only once for each start: news must not interrupt the work.
-void DesktopApplication::lookForBulletin()
-{
-    if (QGuiApplication::applicationState() == Qt::ApplicationActive && m_window.isVisible())
-        m_bulletins.showBulletinIfRequired();
 }
 
 void DesktopApplication::runAction(const QString &name)

@@ -5,10 +5,9 @@
 #include "app/appcontroller.h"
 #include "app/appdelegate.h"
 #include "app/sessionrecord.h"
-#include "bulletin/bulletinfeed.h"
 #include "platform/userdefaults.h"
 #include "presets/presetsstore.h"
-#include "ui/bulletin/bulletinpresenter.h"
+#include "ui/bulletin/news.h"
 #include "ui/window/logoutinhibitor.h"
 #include "ui/window/mainwindow.h"
 #include "ui/window/messageboxalerts.h"
@@ -32,9 +31,9 @@ class DesktopApplication final : public QObject
 
 public:
     /// @param service  outlives this object
-    /// @param bulletins  address of the feed of news; nothing is fetched from an empty one
+    /// @param feeds  where news come from
     explicit DesktopApplication(ApplicationService &service,
-                                const QUrl &bulletins = BulletinFeed::feedAddress());
+                                const News::Addresses &feeds = News::Addresses::ofTheMaker());
     ~DesktopApplication() override;
 
     /// Asks for the agreement to the license at the first start. @return false if the user wants to quit
@@ -59,7 +58,6 @@ private:
     void quit();
     void sessionEnds(QSessionManager &manager);
     void windowClosed();
-    void lookForBulletin();
 
     ApplicationService &m_service;
     bool m_isQuitting = false;
@@ -75,8 +73,7 @@ private:
     AppDelegate m_delegate;
     MainWindow m_window;
     SessionRecord m_session;
-    BulletinFeed m_bulletins;
-    BulletinPresenter m_bulletinPresenter;
+    News m_news;
     LogoutInhibitor m_logoutInhibitor;
 };
 

@@ -52,7 +52,9 @@ const std::vector<Group> &groups()
          {{browserShowOriginalOnMouseOver, TEXT("Show a thumbnail without watermarks &under the pointer"),
            TEXT("The thumbnail under the pointer is shown as the original is")},
           {askForFeedback, TEXT("Ask for &feedback now and then"),
-           TEXT("Every seventh time when Plexa quits")}}},
+           TEXT("Every seventh time when Plexa quits")},
+          {checksForUpdates, TEXT("Check for updates &once a day"),
+           TEXT("Asks the web server of the maker for the newest version; sends nothing about you")}}},
     };
     return all;
 }

@@ -26,6 +26,13 @@
 using namespace plexa;
 using namespace plexa::test;
 
+/// Read by the address sanitizer. The browser engine frees objects of one size that it allocated with
+/// another.
+extern "C" __attribute__((used, visibility("default"))) const char *__asan_default_options()
+{
+    return "new_delete_type_mismatch=0";
+}
+
 namespace
 {
 

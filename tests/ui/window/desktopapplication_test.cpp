@@ -70,7 +70,7 @@ private Q_SLOTS:
             WebServer server;
             server.answerWith("{\"bulletins\": []}");
             ApplicationService service;
-            DesktopApplication program(service, server.url(u"news.json"_qs));
+            DesktopApplication program(service, {server.url(u"news.json"_qs), {}});
             program.launch({});
             QVERIFY(QTest::qWaitForWindowActive(&program.window()));
             if (!isInFront)
