@@ -655,7 +655,7 @@
     </message>
     <message>
         <source>Tell the makers of Plexa what to improve</source>
-        <translation>Den Machern von Plexa mitteilen, was besser werden soll</translation>
+        <translation>Dem Hersteller von Plexa mitteilen, was besser werden soll</translation>
     </message>
     <message>
         <source>&amp;About Plexa</source>
@@ -703,7 +703,7 @@
     </message>
     <message>
         <source>Write a message to the makers of Plexa in your mail program</source>
-        <translation>Den Machern von Plexa in Ihrem Mailprogramm eine Nachricht schreiben</translation>
+        <translation>Dem Hersteller von Plexa in Ihrem Mailprogramm eine Nachricht schreiben</translation>
     </message>
     <message>
         <source>&amp;License</source>
