@@ -48,14 +48,18 @@ ExchangeFolder::ExchangeFolder(QString path, int lock)
 
 std::unique_ptr<ExchangeFolder> ExchangeFolder::make()
 {
-    QTemporaryDir folder(QDir::tempPath() + QLatin1Char('/') + nameWith(QStringLiteral("XXXXXX")));
-    folder.setAutoRemove(false);
-    if (!folder.isValid())
-        return nullptr;
-    const int lock = lockOwnFolder(folder.path());
-    std::unique_ptr<ExchangeFolder> made(new ExchangeFolder(folder.path(), lock));
-    // A program that starts now may remove the folder before it is locked.
-    return QFile(markOf(folder.path())).open(QIODevice::WriteOnly) ? std::move(made) : nullptr;
+    // A program that starts now may take a new folder for a leftover and remove it before it is locked.
+    for (int attempt = 0; attempt < 5; ++attempt) {
+        QTemporaryDir folder(QDir::tempPath() + QLatin1Char('/') + nameWith(QStringLiteral("XXXXXX")));
+        folder.setAutoRemove(false);
+        if (!folder.isValid())
+            return nullptr;
+        const int lock = lockOwnFolder(folder.path());
+        std::unique_ptr<ExchangeFolder> made(new ExchangeFolder(folder.path(), lock));
+        if (lock >= 0 && QFile(markOf(folder.path())).open(QIODevice::WriteOnly))
+            return made;
+    }
+    return nullptr;
 }
 
 ExchangeFolder::~ExchangeFolder()
