@@ -2042,6 +2042,10 @@ Copyright: the %1 authors. Free software under the GNU General Public License, v
 
 Copyright: die Autoren von %1. Freie Software unter der GNU General Public License, Version 3 oder neuer; ohne jede Gewährleistung.</translation>
     </message>
+    <message>
+        <source>Positions pasted</source>
+        <translation>Positionen eingefügt</translation>
+    </message>
 </context>
 <context>
     <name>plexa::MessageBoxAlerts</name>

@@ -142,6 +142,7 @@ public:
         : Step(history, text)
         , m_kind(kind)
         , m_keyRun(history.m_keyRun)
+        , m_isInSingleMode(models().applied.isInSingleMode())
         , m_edits(std::move(edits))
     {
     }
@@ -176,6 +177,9 @@ private:
         }
         if (changed.empty())
             return false;
+        if (m_isInSingleMode != models().applied.isInSingleMode()) // which hides the change
+            models().applied.modeDidChange(m_isInSingleMode ? AppliedPresets::Mode::Single
+                                                            : AppliedPresets::Mode::Presets);
         history().show(changed);
         Q_EMIT history().placesRestored();
         return true;
@@ -183,6 +187,7 @@ private:
 
     const ManualPositions::EditKind m_kind;
     const int m_keyRun;
+    const bool m_isInSingleMode;
     PlacesEdits m_edits;
 };
 

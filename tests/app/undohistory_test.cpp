@@ -131,7 +131,10 @@ private Q_SLOTS:
         m_app->placeWatermark(image, {7, 1}, Keys); // another run
         history().undo();
         QVERIFY(place() == moved);
-        history().undo();
+        const bool isSingle = applied.isInSingleMode();
+        applied.modeDidChange(isSingle ? AppliedPresets::Mode::Presets : AppliedPresets::Mode::Single);
+        history().undo(); // shows what it changes
+        QCOMPARE(applied.isInSingleMode(), isSingle);
         QVERIFY(place() == dragged);
         history().undo();
         QVERIFY(place() == none && history().undoText() == u"Apply Presets");

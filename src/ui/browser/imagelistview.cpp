@@ -88,7 +88,8 @@ public:
         painter->setFont(option.font);
         painter->setPen(isSelected ? look::kSecondaryTextOnSelection : look::kSecondaryTextOnPhotoGround);
         painter->drawText(room.adjusted(path.nameWidth, 0, 0, 0), align, path.folder);
-        if (option.state.testFlag(QStyle::State_HasFocus)) { // the current row need not be selected
+        // The current row need not be selected.
+        if (isSelected || option.state.testFlag(QStyle::State_HasFocus)) {
             painter->setPen(QPen(look::kMark, 2));
             painter->drawRect(option.rect.adjusted(1, 1, -1, -1));
         }

@@ -98,6 +98,12 @@ void connectPhotos(CommandActions &actions, AppController &controller)
     copyAndReset(ActionId::CopyPosition, ActionId::ResetPosition, Presets::Current);
     copyAndReset(ActionId::CopyAllPositions, ActionId::ResetAllPositions, Presets::All);
     actions.setHandler(ActionId::PastePositions, [&controller] { controller.pasteManualPositioning(); });
+    StatusManager &status = controller.statusManager();
+    QObject::connect(&controller.manualPositions(), &ManualPositions::edited, &status,
+                     [&status](ManualPositions::EditKind kind) {
+                         if (kind == ManualPositions::EditKind::Paste)
+                             status.notify(MainWindow::tr("Positions pasted"));
+                     });
 }
 
 PresetsManagers &connectManagers(CommandActions &actions, const MainWindow::Services &services,
