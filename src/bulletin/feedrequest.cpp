@@ -31,13 +31,17 @@ QNetworkRequest requestFor(const QUrl &address)
     return request;
 }
 
-/// Qt reports a status such as 404 as an error; the answer has arrived all the same.
+/// Qt reports a status such as 404 as an error; the answer has arrived all the same. The same errors stand for
+/// a damaged compression.
 bool hasArrived(const QNetworkReply &reply)
 {
+    constexpr int kFirstErrorStatus = 400;
     const auto error = reply.error();
-    return error == QNetworkReply::NoError ||
-           (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError) ||
-           (error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError);
+    const bool isOfStatus =
+        (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError) ||
+        (error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError);
+    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    return error == QNetworkReply::NoError || (isOfStatus && status >= kFirstErrorStatus);
 }
 
 } // namespace

@@ -72,6 +72,7 @@ private Q_SLOTS:
             {"huge", "200 OK", kFeed + QByteArray(1024 * 1024 + 1 - kFeed.size(), ' '), false,
              failed + u"The file is too large"_qs},
             {"shorter than promised", "200 OK\r\nContent-Length: 5000", kFeed, false, failed},
+            {"damaged compression", "200 OK\r\nContent-Encoding: gzip", "\x1f\x8bplain", false, failed},
             {"slow", "", "", false, failed + u"The server is too slow"_qs},
         });
     }

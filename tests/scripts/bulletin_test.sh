@@ -64,4 +64,14 @@ xdotool windowfocus --sync "$window" key Escape
 wait_until 'the window did not close' has_ended
 wait "$program" || fail 'a failure at the end'
 [[ $(grep -xE 'shown|suppressed' "$work/plexa.txt" | tr '\n' ' ') == 'shown suppressed ' ]] || fail 'wrong reports'
+
+# The window does not outlive a program that was killed.
+# shellcheck disable=SC2016
+sh -c '"$0" "$1" >"$2" 2>&1 & echo $! >"$3"; wait' "$plexa" "http://127.0.0.1:$port/page.html" \
+    "$work/plexa.txt" "$work/child" &
+parent=$!
+wait_until 'no window of the other program' find_window
+program=$(<"$work/child")
+kill -KILL "$parent"
+wait_until 'the window outlived its program' has_ended
 echo 'all passed'

@@ -12,7 +12,10 @@
 #include <QIcon>
 #include <QLocale>
 
+#include <csignal>
 #include <cstdio>
+
+#include <sys/prctl.h>
 
 namespace
 {
@@ -52,6 +55,7 @@ void report(const char *line)
 
 int main(int argc, char **argv)
 {
+    prctl(PR_SET_PDEATHSIG, SIGTERM); // the window must not outlive a program that crashed
     QCoreApplication::setOrganizationName(plexa::companyName());
     QCoreApplication::setApplicationName(plexa::applicationName());
     QGuiApplication::setDesktopFileName(QString::fromLatin1(plexa::identity::kApplicationId));
