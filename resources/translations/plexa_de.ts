@@ -919,11 +919,11 @@
     </message>
     <message>
         <source>Subseconds taken</source>
-        <translation>Sekundenbruchteile der Aufnahme</translation>
+        <translation>Sekundenteil (Aufnahme)</translation>
     </message>
     <message>
         <source>Subseconds digitized</source>
-        <translation>Sekundenbruchteile der Digitalisierung</translation>
+        <translation>Sekundenteil (digital)</translation>
     </message>
     <message>
         <source>Exposure time</source>

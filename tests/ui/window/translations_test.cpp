@@ -16,9 +16,9 @@
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
 #include <QMenu>
-#include <QPushButton>
 #include <QRegularExpression>
 #include <QTranslator>
 #include <QXmlStreamReader>
@@ -310,12 +310,14 @@ private Q_SLOTS:
         DesktopApplication program(service, {});
         program.launch({files.photo("a.png")});
         QTRY_VERIFY(program.window().isVisible());
-        for (const ActionId mode : {ActionId::SingleMode, ActionId::PresetsMode}) {
-            program.window().actions().run(mode);
+        for (const ActionId shown : {ActionId::SingleMode, ActionId::PresetsMode,
+                                     ActionId::ToggleWatermarkPresets, ActionId::ToggleSavingPresets}) {
+            program.window().actions().run(shown);
             QTest::qWait(50);
-            for (const auto *button : program.window().findChildren<QPushButton *>())
-                if (button->isVisible())
-                    QVERIFY2(button->width() >= button->minimumSizeHint().width(),
+            for (const QWidget *const widget : QApplication::allWidgets())
+                if (const auto *button = qobject_cast<const QAbstractButton *>(widget))
+                    QVERIFY2(!button->isVisible() || !button->parentWidget()->layout() ||
+                                 button->width() >= button->minimumSizeHint().width(),
                              qPrintable(button->text()));
         }
         QApplication::setFont(font);
