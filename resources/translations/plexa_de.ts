@@ -3578,8 +3578,8 @@ Wenn möglich, hängen Sie bitte ein Foto oder eine Vorgabe an, mit denen es auf
         <translation>Nach Updates konnte nicht gesucht werden</translation>
     </message>
     <message>
-        <source>%1. Try again later.</source>
-        <translation>%1. Versuchen Sie es später noch einmal.</translation>
+        <source>The server of the maker cannot be reached, or does not answer as it should. Check the connection to the Internet, or try again later.</source>
+        <translation>Der Server des Herstellers ist nicht erreichbar oder antwortet nicht wie erwartet. Prüfen Sie die Verbindung zum Internet, oder versuchen Sie es später noch einmal.</translation>
     </message>
 </context>
 <context>
