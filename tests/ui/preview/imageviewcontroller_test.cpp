@@ -373,6 +373,19 @@ private Q_SLOTS:
         QVERIFY(isNear(preview.controller.zoomFactor(), 0.2));
         QVERIFY(QLineF(*preview.origin(), expected).length() < 1e-6);
 
+        // A turned photo ends a drag: the pointer's way was over the photo as it lay before.
+        preview.controller.setZoomFactor(0);
+        preview.settle();
+        preview.press(preview.onMark());
+        preview.move(preview.onMark() + QPoint(-40, -30));
+        const auto size = preview.view.geometry().imageSize();
+        preview.ShownWindow::controller.startBatchOperation(ImageTransform::RotateClockwise);
+        QTRY_COMPARE(preview.view.geometry().imageSize(), size.transposed());
+        const std::optional<QPointF> turned = preview.origin();
+        preview.release(preview.middle());
+        QCOMPARE(preview.origin(), turned);
+        preview.settle();
+
         preview.presets.modeDidChange(AppliedPresets::Mode::Presets);
         preview.presets.addWPresetsToApplied({preview.presets.quickWPreset()});
         preview.files.defaults.setObject(settings::combineAllAppliedPresetsInImage, true);
