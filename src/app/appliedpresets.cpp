@@ -167,7 +167,10 @@ void AppliedPresets::removeSelectedAppliedPresets()
         if (!m_selectedRows.contains(static_cast<int>(row)))
             remaining.push_back(m_wPresetsApplied[row]);
     }
-    edit(EditKind::Remove, std::move(remaining), {});
+    IndexList selected;
+    if (!remaining.empty() && !m_selectedRows.isEmpty())
+        selected.append(std::min(m_selectedRows.first(), static_cast<int>(remaining.size()) - 1));
+    edit(EditKind::Remove, std::move(remaining), selected);
 }
 
 void AppliedPresets::clearAppliedPresets()

@@ -49,6 +49,13 @@ private Q_SLOTS:
         QVERIFY(m_applied->currentWPreset() == applied[1]);
         m_applied->removeSelectedAppliedPresets();
         QVERIFY(m_applied->effectivePresets().empty() && m_applied->selectedRows().isEmpty());
+
+        apply(u"c d e"_qs);
+        m_applied->selectRows({1});
+        for (const char *const next : {"e", "c"}) { // the one after it, or the last one
+            m_applied->removeSelectedAppliedPresets();
+            QCOMPARE(m_applied->currentWPreset()->name(), QString::fromLatin1(next));
+        }
     }
 
     void moves()

@@ -111,7 +111,7 @@ private Q_SLOTS:
         QCOMPARE(f.applied.selectedRows(), IndexList({0, 2}));
         QTest::keyClick(&applied, Qt::Key_Delete);
         QCOMPARE(f.appliedNames(), u"Four"_qs);
-        QCOMPARE(f.applied.selectedRows(), IndexList());
+        QCOMPARE(f.applied.selectedRows(), IndexList({0})); // the preview shows it
 
         qsizetype commands = 0;
         QTimer::singleShot(0, [&commands] {
