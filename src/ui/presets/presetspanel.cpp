@@ -363,7 +363,8 @@ void PresetsPanel::saveQuickPreset()
     const std::shared_ptr<WPreset> saved = m_controller.presetCommands().saveQuickAsWPreset();
     m_all->select(saved.get());
     m_controller.statusManager().notify(tr("“%1” was added to all presets").arg(saved->name()));
-    m_actions.run(ActionId::ShowWatermarkPresets); // there it gets a name
+    m_actions.run(ActionId::ShowWatermarkPresets);
+    Q_EMIT newPresetShown();
 }
 
 void PresetsPanel::updatePreset()
