@@ -149,15 +149,15 @@ WPresetList AppliedPresets::appliedAnd(const WPresetList &presets) const
 
 void AppliedPresets::addWPresetsToApplied(const WPresetList &presets, std::optional<int> toRow)
 {
+    if (presets.empty())
+        return;
     const int end = static_cast<int>(m_wPresetsApplied.size());
     const int row = std::clamp(toRow.value_or(end), 0, end);
     WPresetList all = appliedAnd(presets);
-    const auto nAdded = static_cast<int>(all.size()) - end;
     std::rotate(all.begin() + row, all.begin() + end, all.end());
-    IndexList selected;
-    for (const int former : std::as_const(m_selectedRows))
-        selected.append(former < row ? former : former + nAdded);
-    edit(EditKind::Apply, std::move(all), selected);
+    const auto first = static_cast<int>(std::find(all.begin(), all.end(), presets.front()) - all.begin());
+    edit(EditKind::Apply, std::move(all), {first});
+    selectRows({first}); // if it was applied already
 }
 
 void AppliedPresets::removeSelectedAppliedPresets()
@@ -167,7 +167,10 @@ void AppliedPresets::removeSelectedAppliedPresets()
         if (!m_selectedRows.contains(static_cast<int>(row)))
             remaining.push_back(m_wPresetsApplied[row]);
     }
-    edit(EditKind::Remove, std::move(remaining), {});
+    IndexList selected;
+    if (!remaining.empty() && !m_selectedRows.isEmpty())
+        selected.append(std::min(m_selectedRows.first(), static_cast<int>(remaining.size()) - 1));
+    edit(EditKind::Remove, std::move(remaining), selected);
 }
 
 void AppliedPresets::clearAppliedPresets()

@@ -31,8 +31,8 @@ QNetworkRequest requestFor(const QUrl &address)
     return request;
 }
 
-/// Qt reports a status such as 404 as an error; the answer has arrived all the same. The same errors stand for
-/// a damaged compression.
+/// Qt reports a status such as 404 as an error; the answer has arrived all the same. The same errors stand
+/// for a damaged compression.
 bool hasArrived(const QNetworkReply &reply)
 {
     constexpr int kFirstErrorStatus = 400;

@@ -12,10 +12,10 @@
 #include <QIcon>
 #include <QLocale>
 
+#include <sys/prctl.h>
+
 #include <csignal>
 #include <cstdio>
-
-#include <sys/prctl.h>
 
 namespace
 {

@@ -341,17 +341,13 @@ void PresetsPanel::connectCommands()
     m_actions.setHandler(ActionId::UpdatePreset, [this] { updatePreset(); });
 }
 
-/// Selects the first of them, because the preview shows the selected one.
 void PresetsPanel::apply(const WPresetList &presets, std::optional<int> toRow)
 {
     if (presets.empty())
         return;
     const WPresetList before = m_applied.wPresetsApplied();
     m_applied.addWPresetsToApplied(presets, toRow);
-    const WPresetList &applied = m_applied.wPresetsApplied();
-    const auto first = std::find(applied.begin(), applied.end(), presets.front());
-    m_applied.selectRows({static_cast<int>(first - applied.begin())});
-    if (applied == before)
+    if (m_applied.wPresetsApplied() == before)
         m_controller.statusManager().notify(tr("“%1” is applied already").arg(presets.front()->name()));
 }
 
@@ -367,7 +363,8 @@ void PresetsPanel::saveQuickPreset()
     const std::shared_ptr<WPreset> saved = m_controller.presetCommands().saveQuickAsWPreset();
     m_all->select(saved.get());
     m_controller.statusManager().notify(tr("“%1” was added to all presets").arg(saved->name()));
-    m_actions.run(ActionId::ShowWatermarkPresets); // there it gets a name
+    m_actions.run(ActionId::ShowWatermarkPresets);
+    Q_EMIT newPresetShown();
 }
 
 void PresetsPanel::updatePreset()
@@ -412,8 +409,12 @@ void PresetsPanel::showApplied()
     m_appliedTable->selectRows(m_applied.selectedRows());
     m_appliedTable->verticalScrollBar()->setValue(scrolledTo);
     nameEditedPreset();
-    if (formerCount > 0 && m_appliedModel->rowCount() > formerCount)
-        m_appliedTable->scrollToBottom(); // show the added presets
+    const int nAdded = m_appliedModel->rowCount() - formerCount;
+    if (formerCount == 0 || nAdded <= 0 || m_applied.selectedRows().isEmpty())
+        return;
+    const int first = m_applied.selectedRows().first();
+    for (const int row : {std::min(first + nAdded, m_appliedModel->rowCount()) - 1, first})
+        m_appliedTable->scrollTo(m_appliedTable->model()->index(row, 0)); // show the added presets
 }
 
 void PresetsPanel::doubleMouseClick(const std::shared_ptr<WPreset> &preset)
