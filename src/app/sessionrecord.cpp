@@ -158,12 +158,16 @@ QString SessionRecord::path()
 
 void SessionRecord::begin()
 {
-    m_isRecording = m_lock.tryLock(0);
-    if (!m_isRecording)
+    if (!m_lock.tryLock(0))
         return;
     const QJsonObject session = readSession(path());
     const qsizetype photoCount = session[kPhotos].toArray().size();
-    if ((photoCount > 0 || !session[kApplied].toArray().isEmpty()) && mayRestore(photoCount))
+    const bool isWanted =
+        (photoCount > 0 || !session[kApplied].toArray().isEmpty()) && mayRestore(photoCount);
+    if (m_hasEnded) // without an answer: the next start asks again
+        return;
+    m_isRecording = true;
+    if (isWanted)
         restore(session);
     else
         QFile::remove(path());
@@ -272,6 +276,7 @@ void SessionRecord::write()
 
 void SessionRecord::end()
 {
+    m_hasEnded = true;
     if (!std::exchange(m_isRecording, false))
         return;
     m_timer.stop();

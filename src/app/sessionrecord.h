@@ -36,7 +36,7 @@ public:
     /// Asks whether the session of a program that did not quit is to be restored, does so, and records from
     /// now on. Once, after the presets were read.
     void begin();
-    /// Removes the file: the program quits.
+    /// Removes the file: the program quits. During the question of begin() the file stays.
     void end();
 
     static QString path();
@@ -52,6 +52,7 @@ private:
     Alerts &m_alerts;
     QLockFile m_lock; // of the file
     bool m_isRecording = false;
+    bool m_hasEnded = false;
     QTimer m_timer;
     QByteArray m_written; // of the writer's thread
     BackgroundJob m_writer;

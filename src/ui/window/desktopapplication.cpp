@@ -93,13 +93,16 @@ bool DesktopApplication::hasAgreement()
 void DesktopApplication::launch(const QStringList &paths)
 {
     m_controller.readPresets();
+    if (m_isQuitting) // during a question, as below
+        return;
+    m_hasPresets = true;
     m_controller.imageSet().setImageListModeToBrowser(
         m_defaults.boolForKey(settings::imageListIsInBrowserMode));
     m_window.show();
     m_delegate.applicationDidFinishLaunching();
     m_news.begin();
     m_session.begin();
-    if (!paths.isEmpty())
+    if (!m_isQuitting && !paths.isEmpty())
         m_delegate.openFiles(paths);
 }
 
@@ -197,8 +200,10 @@ void DesktopApplication::quit()
     if (std::exchange(m_isQuitting, true)) // closing the window leads here again
         return;
     m_service.release(); // a process that starts from now on must not send its files here
-    m_delegate.applicationWillTerminate();
-    m_window.close();
+    if (m_hasPresets) {  // else both would replace the files of presets
+        m_delegate.applicationWillTerminate();
+        m_window.close();
+    }
     m_session.end();
     QCoreApplication::quit();
 }

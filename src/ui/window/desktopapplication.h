@@ -36,10 +36,12 @@ public:
                                 const News::Addresses &feeds = News::Addresses::ofTheMaker());
     ~DesktopApplication() override;
 
-    /// Asks for the agreement to the license at the first start. @return false if the user wants to quit
+    /// Asks for the agreement to the license at the first start. As for launch(), call it from the event
+    /// loop. @return false if the user wants to quit
     bool hasAgreement();
 
-    /// Shows the window and opens the files.
+    /// Shows the window and opens the files. Call it from the event loop: it may ask questions, and only in
+    /// the loop can terminate() end the program meanwhile.
     void launch(const QStringList &paths);
 
     /// Carries out an action of the desktop file: shows the window and asks for photos. Ignores other names.
@@ -60,6 +62,7 @@ private:
     void windowClosed();
 
     ApplicationService &m_service;
+    bool m_hasPresets = false; // they are read
     bool m_isQuitting = false;
     UserDefaults m_defaults;
     MessageBoxAlerts m_alerts;

@@ -103,12 +103,18 @@ int main(int argc, char **argv)
     const plexa::TerminationSignals terminations;
     QObject::connect(&terminations, &plexa::TerminationSignals::received, &program,
                      &plexa::DesktopApplication::terminate);
-    if (!program.hasAgreement())
-        return 0;
-    program.launch(arguments.paths);
-    if (arguments.addsPhotos)
-        QMetaObject::invokeMethod(
-            &program, [&program] { program.runAction(QString::fromLatin1(plexa::kAddPhotosAction)); },
-            Qt::QueuedConnection);
+    // In the event loop: a signal must be able to end the program during their questions.
+    const auto begin = [&program, &arguments] {
+        if (!program.hasAgreement()) {
+            QCoreApplication::quit();
+            return;
+        }
+        program.launch(arguments.paths);
+        if (arguments.addsPhotos)
+            QMetaObject::invokeMethod(
+                &program, [&program] { program.runAction(QString::fromLatin1(plexa::kAddPhotosAction)); },
+                Qt::QueuedConnection);
+    };
+    QMetaObject::invokeMethod(&program, begin, Qt::QueuedConnection);
     return QApplication::exec();
 }

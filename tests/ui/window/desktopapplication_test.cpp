@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "app/sessionrecord.h"
 #include "app/workingset.h"
+#include "platform/applicationname.h"
+#include "support/files.h"
 #include "support/webserver.h"
 #include "ui/messageboxes.h"
 #include "ui/window/applicationservice.h"
@@ -18,6 +21,15 @@ using namespace plexa::test;
 class DesktopApplicationTest : public QObject
 {
     Q_OBJECT
+
+    static void endDuringAQuestion()
+    {
+        ApplicationService service;
+        DesktopApplication program(service, {});
+        withNextBox([&](QMessageBox &) { program.terminate(); });
+        QTimer::singleShot(0, &program, [&] { program.launch({}); });
+        QCOMPARE(QApplication::exec(), 0);
+    }
 
 private Q_SLOTS:
     /// A save of a rotated photo waits for memory. The test holds all of it until the user has answered.
@@ -61,6 +73,22 @@ private Q_SLOTS:
             memory->release();
         }
         QCOMPARE(namesIn(copies).size(), 1); // the photo in work was completed
+    }
+
+    void signalDuringAQuestionAtTheStart()
+    {
+        WorkingSet files;
+        const QString quick = applicationSupportSubdirectory() + u"/QuickWPreset.pxwpr"_qs;
+        const QString list = applicationSupportSubdirectory() + u"/SPresets.pxspr"_qs;
+        QVERIFY(writeFile(quick, "unread") && writeFile(list, "damaged")); // the list is read first
+        endDuringAQuestion();
+        QCOMPARE(contentsOf(quick), "unread");
+        QVERIFY(QFile::remove(quick));
+
+        const QByteArray session = R"({"photos": [{"path": "/x.png"}]})";
+        QVERIFY(writeFile(SessionRecord::path(), session));
+        endDuringAQuestion();
+        QCOMPARE(contentsOf(SessionRecord::path()), session); // the next start asks again
     }
 
     void looksForNewsOnlyInFrontOfTheUser()
