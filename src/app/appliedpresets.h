@@ -54,7 +54,8 @@ public:
     /// The preset of commands for one preset; may be null.
     std::shared_ptr<WPreset> currentWPreset() const;
 
-    /// Adds the presets that are not applied yet, at the end or before the row `toRow`.
+    /// Adds the presets that are not applied yet, at the end or before the row `toRow`, and selects the first
+    /// of them all, because the preview shows the selected one.
     void addWPresetsToApplied(const WPresetList &presets, std::optional<int> toRow = {});
     void removeSelectedAppliedPresets();
     void clearAppliedPresets();
@@ -76,6 +77,7 @@ public:
 
     /// Ascending.
     const IndexList &selectedRows() const { return m_selectedRows; }
+    WPresetList selectedWPresets() const;
     void selectRows(const IndexList &rows);
     /// After the last one follows the first.
     void selectNeighborAppliedPreset(Neighbor neighbor);
@@ -90,6 +92,7 @@ Q_SIGNALS:
     void appliedChanged();
     /// The user has changed the list. Sent after the other signals.
     void appliedEdited(plexa::AppliedPresets::EditKind kind, const plexa::AppliedPresets::Applied &before);
+    /// Or the same rows have other presets.
     void selectedRowsChanged();
     void modeChanged(bool isSingle);
     void quickWPresetChanged();

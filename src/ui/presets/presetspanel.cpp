@@ -276,14 +276,12 @@ void PresetsPanel::connectLists()
     const auto editQuick = [this] { m_quickEditor->setPreset(m_applied.quickWPreset()); };
     connect(&m_applied, &AppliedPresets::quickWPresetChanged, this, editQuick);
     editQuick();
-    connect(&m_applied, &AppliedPresets::selectedRowsChanged, this, [this] {
-        WPresetList selected;
-        for (const int row : m_applied.selectedRows())
-            selected.push_back(m_applied.wPresetsApplied()[static_cast<std::size_t>(row)]);
-        edit(selected);
-    });
-    connect(&m_all->table(), &PresetListView::selectedRowsChanged, this,
-            [this] { edit(selectedWPresets()); });
+    const auto editApplied = [this] { edit(m_applied.selectedWPresets()); };
+    const auto editOfAll = [this] { edit(selectedWPresets()); };
+    connect(&m_applied, &AppliedPresets::selectedRowsChanged, this, editApplied);
+    connect(m_appliedTable, &PresetListView::selectedAgain, this, editApplied);
+    connect(&m_all->table(), &PresetListView::selectedRowsChanged, this, editOfAll);
+    connect(&m_all->table(), &PresetListView::selectedAgain, this, editOfAll);
     connect(&m_applied, &AppliedPresets::modeChanged, this, &PresetsPanel::showMode);
     connect(&m_applied, &AppliedPresets::appliedChanged, this, &PresetsPanel::showApplied);
     connect(&m_applied, &AppliedPresets::selectedRowsChanged, this,
@@ -341,17 +339,13 @@ void PresetsPanel::connectCommands()
     m_actions.setHandler(ActionId::UpdatePreset, [this] { updatePreset(); });
 }
 
-/// Selects the first of them, because the preview shows the selected one.
 void PresetsPanel::apply(const WPresetList &presets, std::optional<int> toRow)
 {
     if (presets.empty())
         return;
     const WPresetList before = m_applied.wPresetsApplied();
     m_applied.addWPresetsToApplied(presets, toRow);
-    const WPresetList &applied = m_applied.wPresetsApplied();
-    const auto first = std::find(applied.begin(), applied.end(), presets.front());
-    m_applied.selectRows({static_cast<int>(first - applied.begin())});
-    if (applied == before)
+    if (m_applied.wPresetsApplied() == before)
         m_controller.statusManager().notify(tr("“%1” is applied already").arg(presets.front()->name()));
 }
 

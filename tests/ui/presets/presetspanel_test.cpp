@@ -280,6 +280,23 @@ private Q_SLOTS:
         QTRY_VERIFY(row(0) != before);
     }
 
+    /// The last one that the user pressed, even where that one was selected already.
+    void editsTheLastSelected()
+    {
+        Panel f;
+        const auto &edited = f.find<ElidedLabel>("editedPresetLabel");
+        Panel::mouse(f.allTable, 1, true);
+        Panel::mouse(f.allTable, 0, false);
+        QCOMPARE(edited.text(), u"“One” (not applied)"_qs);
+        Panel::mouse(f.appliedTable, 0, false);
+        QCOMPARE(edited.text(), u"“Two”"_qs);
+        QTest::keyClick(&f.allTable, Qt::Key_Space);
+        QCOMPARE(edited.text(), u"“One” (not applied)"_qs);
+        // Another preset in the selected row.
+        f.applied.addWPresetsToApplied({f.presets[2]}, 0);
+        QCOMPARE(edited.text(), u"“Three”"_qs);
+    }
+
     /// From the list of all presets to a place between the applied ones, as one step.
     void appliesByDrag()
     {
@@ -306,6 +323,8 @@ private Q_SLOTS:
         QCOMPARE(f.applied.selectedRows(), IndexList({1}));
         f.controller.undoHistory().undo();
         QCOMPARE(f.appliedNames(), u"Two Three"_qs);
+        f.controller.undoHistory().redo();
+        QCOMPARE(f.applied.selectedRows(), IndexList({1}));
     }
 
     void showsTheAddedPresets()

@@ -233,6 +233,7 @@ private Q_SLOTS:
         preview.presets.modeDidChange(AppliedPresets::Mode::Presets);
         QCOMPARE(message.text(), QString()); // nothing is applied
         preview.presets.addWPresetsToApplied({std::make_shared<WPreset>(values)});
+        preview.presets.selectRows({});
         QVERIFY(message.text().contains(u"Select one applied preset"));
         preview.presets.selectRows({0});
         QTRY_VERIFY(!bare());
