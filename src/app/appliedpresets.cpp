@@ -87,6 +87,13 @@ bool AppliedPresets::areCombined() const
     return !isInSingleMode() && m_defaults.boolForKey(settings::combineAllAppliedPresetsInImage);
 }
 
+void AppliedPresets::setCombined(bool areCombined)
+{
+    m_defaults.setObject(settings::combineAllAppliedPresetsInImage, areCombined);
+    Q_EMIT combinedChanged();
+    Q_EMIT previewOutdated();
+}
+
 std::vector<AppliedPreset> AppliedPresets::presetsOfOneCopyNow() const
 {
     std::vector<AppliedPreset> now = effectivePresetsNow();

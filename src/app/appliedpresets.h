@@ -47,6 +47,8 @@ public:
 
     /// Does one copy of a photo get all of them?
     bool areCombined() const;
+    /// Stores it.
+    void setCombined(bool areCombined);
     /// The watermarks of one copy, as thumbnails show it: of all presets if they are combined, else of the
     /// current preset, or of the first one.
     std::vector<AppliedPreset> presetsOfOneCopyNow() const;
@@ -96,6 +98,7 @@ Q_SIGNALS:
     void selectedRowsChanged();
     void modeChanged(bool isSingle);
     void quickWPresetChanged();
+    void combinedChanged();
     /// Other presets are drawn, or other values of one.
     void previewOutdated();
 

@@ -9,6 +9,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
+#include <QCheckBox>
 #include <QContextMenuEvent>
 #include <QDrag>
 #include <QLineEdit>
@@ -295,6 +296,20 @@ private Q_SLOTS:
         // Another preset in the selected row.
         f.applied.addWPresetsToApplied({f.presets[2]}, 0);
         QCOMPARE(edited.text(), u"“Three”"_qs);
+    }
+
+    void drawsAllOnOneCopy()
+    {
+        Panel f;
+        auto &check = f.find<QCheckBox>("combineAppliedCheckBox");
+        f.applied.addWPresetsToApplied({f.presets[0]});
+        QVERIFY(!check.isVisible());
+        f.applied.addWPresetsToApplied({f.presets[1]});
+        QVERIFY(check.isVisible() && !check.isChecked());
+        QTest::mouseClick(&check, Qt::LeftButton, {}, {10, check.height() / 2});
+        QVERIFY(f.applied.areCombined());
+        f.applied.setCombined(false); // by the preferences
+        QVERIFY(!check.isChecked());
     }
 
     /// From the list of all presets to a place between the applied ones, as one step.
