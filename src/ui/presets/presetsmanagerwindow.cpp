@@ -37,7 +37,7 @@ namespace
 constexpr QSize kFirstSize(800, 640);
 constexpr QSize kFirstSizeForSaving(760, 420);
 constexpr int kListWidth = 300;
-constexpr int kMinListWidth = 240;
+constexpr int kMinListWidth = 232; // without the margin
 
 enum Page { NoSelection, Editor };
 
@@ -167,8 +167,8 @@ QWidget *PresetsManagerWindow::makeListSide()
     };
     const auto action = [this](const char *name) { return findChild<QAction *>(QLatin1StringView(name)); };
     auto *const side = new QWidget;
-    side->setMinimumWidth(kMinListWidth);
     auto *const layout = new QVBoxLayout(side);
+    layout->addStrut(kMinListWidth); // buttons with long texts, or in a large font, need more
     layout->setContentsMargins(0, 0, look::kGap, 0);
     layout->setSpacing(look::kGap);
     auto *const help = new HelpButton(isWatermark() ? QStringLiteral("presets.html#manager")
