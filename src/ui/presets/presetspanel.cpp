@@ -38,7 +38,7 @@ namespace
 {
 
 // Of presets mode at first; the user may move the dividers.
-constexpr int kAppliedHeight = 132;
+constexpr int kAppliedHeight = 138;
 constexpr int kAllHeight = 212;
 constexpr int kEditorHeight = 260;
 
@@ -243,6 +243,7 @@ QWidget *PresetsPanel::makeAppliedList()
     header->addWidget(sectionTitle(tr("Applied presets"), m_appliedTable));
     header->addStretch();
     header->addWidget(m_combined);
+    header->addStrut(m_combined->sizeHint().height()); // the lists stay where they are when it appears
     layout->addLayout(header);
     layout->addWidget(m_appliedTable, 1);
     QHBoxLayout *const buttons = buttonRow();

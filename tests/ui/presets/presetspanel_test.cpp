@@ -381,6 +381,7 @@ private Q_SLOTS:
         // Two rows by the pointer below the last one.
         applied.selectRows({1, 2});
         QVERIFY(QTest::qWaitForWindowExposed(&f.window));
+        QCoreApplication::processEvents(); // the lists have their places
         const auto at = [&](int row, int y) {
             return applied.viewport()->mapToGlobal(applied.visualRect(model.index(row, 0)).center() +
                                                    QPoint(0, y));
