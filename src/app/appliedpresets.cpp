@@ -163,10 +163,9 @@ void AppliedPresets::addWPresetsToApplied(const WPresetList &presets, std::optio
     const int row = std::clamp(toRow.value_or(end), 0, end);
     WPresetList all = appliedAnd(presets);
     std::rotate(all.begin() + row, all.begin() + end, all.end());
-    const auto first = std::find(all.begin(), all.end(), presets.front());
-    const IndexList selected{static_cast<int>(first - all.begin())};
-    edit(EditKind::Apply, std::move(all), selected);
-    selectRows(selected); // if all are applied already
+    const auto first = static_cast<int>(std::find(all.begin(), all.end(), presets.front()) - all.begin());
+    edit(EditKind::Apply, std::move(all), {first});
+    selectRows({first}); // if it was applied already
 }
 
 void AppliedPresets::removeSelectedAppliedPresets()
@@ -176,7 +175,10 @@ void AppliedPresets::removeSelectedAppliedPresets()
         if (!m_selectedRows.contains(static_cast<int>(row)))
             remaining.push_back(m_wPresetsApplied[row]);
     }
-    edit(EditKind::Remove, std::move(remaining), {});
+    IndexList selected;
+    if (!remaining.empty() && !m_selectedRows.isEmpty())
+        selected.append(std::min(m_selectedRows.first(), static_cast<int>(remaining.size()) - 1));
+    edit(EditKind::Remove, std::move(remaining), selected);
 }
 
 void AppliedPresets::clearAppliedPresets()

@@ -57,8 +57,9 @@ public:
     std::shared_ptr<WPreset> currentWPreset() const;
 
     /// Adds the presets that are not applied yet, at the end or before the row `toRow`, and selects the first
-    /// of them all, because the preview shows the selected one.
+    /// of `presets`, because the preview shows the selected one.
     void addWPresetsToApplied(const WPresetList &presets, std::optional<int> toRow = {});
+    /// Selects the one that follows the first of them, or the last one.
     void removeSelectedAppliedPresets();
     void clearAppliedPresets();
     void removeFromApplied(const WPreset *preset);

@@ -243,10 +243,7 @@ void PresetsManagerWindow::connectList()
     connect(m_searchField, &QLineEdit::returnPressed, m_list, [this] { m_list->setFocus(); });
     connect(m_list, &PresetListView::selectedRowsChanged, this, &PresetsManagerWindow::showSelection);
     connect(m_list, &PresetListView::deletePressed, m_remove, &QAction::trigger);
-    connect(m_list, &PresetListView::returnPressed, m_nameField, [this] {
-        m_nameField->setFocus();
-        m_nameField->selectAll();
-    });
+    connect(m_list, &PresetListView::returnPressed, this, &PresetsManagerWindow::editName);
     connect(m_list, &PresetListView::rowsDropped, this,
             [this](const IndexList &rows, int toRow) { m_presets->move(rows, toRow); });
     connect(m_nameField, &QLineEdit::textEdited, this, [this](const QString &name) {
@@ -308,6 +305,11 @@ void PresetsManagerWindow::hideEvent(QHideEvent *event)
 void PresetsManagerWindow::createNewPreset()
 {
     selectRows({m_presets->insertNew(m_list->selectedRows())});
+    editName();
+}
+
+void PresetsManagerWindow::editName()
+{
     m_nameField->setFocus();
     m_nameField->selectAll();
 }

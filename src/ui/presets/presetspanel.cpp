@@ -373,7 +373,8 @@ void PresetsPanel::saveQuickPreset()
     const std::shared_ptr<WPreset> saved = m_controller.presetCommands().saveQuickAsWPreset();
     m_all->select(saved.get());
     m_controller.statusManager().notify(tr("“%1” was added to all presets").arg(saved->name()));
-    m_actions.run(ActionId::ShowWatermarkPresets); // there it gets a name
+    m_actions.run(ActionId::ShowWatermarkPresets);
+    Q_EMIT newPresetShown();
 }
 
 void PresetsPanel::updatePreset()
@@ -419,8 +420,12 @@ void PresetsPanel::showApplied()
     m_appliedTable->verticalScrollBar()->setValue(scrolledTo);
     nameEditedPreset();
     showCombined();
-    if (formerCount > 0 && m_appliedModel->rowCount() > formerCount)
-        m_appliedTable->scrollToBottom(); // show the added presets
+    const int nAdded = m_appliedModel->rowCount() - formerCount;
+    if (formerCount == 0 || nAdded <= 0 || m_applied.selectedRows().isEmpty())
+        return;
+    const int first = m_applied.selectedRows().first();
+    for (const int row : {std::min(first + nAdded, m_appliedModel->rowCount()) - 1, first})
+        m_appliedTable->scrollTo(m_appliedTable->model()->index(row, 0)); // show the added presets
 }
 
 /// A single preset makes one copy anyway.

@@ -43,6 +43,10 @@ public:
     /// The selected presets in the list of all presets, in its order.
     WPresetList selectedWPresets() const;
 
+Q_SIGNALS:
+    /// The manager of presets shows the new one, which needs a name.
+    void newPresetShown();
+
 private:
     ChoiceButtons *makeModeSelector();
     WPresetViewController *makeEditor(UserDefaults &defaults, const QString &name);

@@ -121,6 +121,8 @@ PresetsManagers &connectManagers(CommandActions &actions, const MainWindow::Serv
         const auto row = std::find(all.begin(), all.end(), selected.size() == 1 ? selected.front() : nullptr);
         managers->show(Kind::Watermark, row == all.end() ? -1 : static_cast<int>(row - all.begin()));
     });
+    QObject::connect(&presetsPanel, &PresetsPanel::newPresetShown, managers,
+                     [managers] { managers->editName(Kind::Watermark); });
     actions.setHandler(ActionId::ShowSavingPresets, [managers] { managers->show(Kind::Saving); });
     for (const auto &[id, kind] : {std::pair(ActionId::ToggleWatermarkPresets, Kind::Watermark),
                                    {ActionId::ToggleSavingPresets, Kind::Saving}}) {

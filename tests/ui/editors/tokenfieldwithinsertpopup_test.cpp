@@ -264,6 +264,24 @@ private Q_SLOTS:
         QCOMPARE(f.field.textTokens(), list(u"azbc||city"_qs));
     }
 
+    /// The keys are the window's while the field has no history.
+    void sharesUndoWithTheWindow()
+    {
+        Field f(list(u"abc"_qs));
+        QAction undo;
+        undo.setShortcut(QKeySequence::Undo);
+        f.window.addAction(&undo);
+        const QSignalSpy undone(&undo, &QAction::triggered);
+        f.type(u"x"_qs);
+        for (int i = 0; i < 2; ++i) // to undo the text, then nothing
+            f.key(Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(f.field.textTokens(), list(u"abc"_qs));
+        QCOMPARE(undone.size(), 0);
+        f.field.setTextTokens(list(u"abcd"_qs));
+        f.key(Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(undone.size(), 1);
+    }
+
     void showsWhatTheModelMakesOfAnEdit()
     {
         Field f(list(u"abc"_qs));
