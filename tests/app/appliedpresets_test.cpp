@@ -33,7 +33,6 @@ private Q_SLOTS:
         const WPresetList applied = m_applied->wPresetsApplied();
         m_applied->addWPresetsToApplied(applied); // each once
         QCOMPARE(m_applied->wPresetsApplied().size(), 2U);
-        m_applied->selectRows({});
 
         QVERIFY(m_applied->isInSingleMode());
         QVERIFY(m_applied->effectivePresets() == WPresetList{quick} && m_applied->currentWPreset() == quick);
