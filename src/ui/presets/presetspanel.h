@@ -10,6 +10,8 @@
 
 #include <optional>
 
+class QCheckBox;
+class QHBoxLayout;
 class QMenu;
 class QSplitter;
 class QStackedWidget;
@@ -53,6 +55,7 @@ private:
     void fillLoadMenu(QMenu &menu);
     void makePresetsView(UserDefaults &defaults);
     QWidget *makeAppliedList();
+    QHBoxLayout *makeAppliedTitle();
     void fitFoldedList();
     void connectLists();
     void connectCommands();
@@ -64,6 +67,7 @@ private:
     void nameEditedPreset();
     void showMode();
     void showApplied();
+    void showCombining();
     void edit(const WPresetList &selected);
     void doubleMouseClick(const std::shared_ptr<WPreset> &preset);
 
@@ -73,6 +77,7 @@ private:
     ChoiceButtons *const m_modeSelector;
     PresetListModel *const m_appliedModel;
     PresetListView *const m_appliedTable;
+    QCheckBox *const m_combine;
     AllPresetsList *const m_all;
     QStackedWidget *const m_modeContainer;
     WPresetViewController *const m_quickEditor;
