@@ -2319,13 +2319,13 @@ Copyright: die Autoren von %1. Freie Software unter der GNU General Public Licen
     </message>
     <message>
         <source>One preset of &quot;%1&quot; was added to yours.</source>
-        <translation>Eine Vorgabe aus „%1“ wurde zu Ihren hinzugefügt.</translation>
+        <translation>Eine Vorgabe aus „%1“ wurde hinzugefügt.</translation>
     </message>
     <message numerus="yes">
         <source>%n presets of &quot;%1&quot; were added to yours.</source>
         <translation>
-            <numerusform>%n Vorgabe aus „%1“ wurde zu Ihren hinzugefügt.</numerusform>
-            <numerusform>%n Vorgaben aus „%1“ wurden zu Ihren hinzugefügt.</numerusform>
+            <numerusform>%n Vorgabe aus „%1“ wurde hinzugefügt.</numerusform>
+            <numerusform>%n Vorgaben aus „%1“ wurden hinzugefügt.</numerusform>
         </translation>
     </message>
     <message>
