@@ -261,6 +261,7 @@ QHBoxLayout *PresetsPanel::makeAppliedTitle()
     connect(m_combine, &QCheckBox::clicked, &m_applied, &AppliedPresets::setCombinesAll);
     connect(&m_applied, &AppliedPresets::combiningChanged, this, &PresetsPanel::showCombining);
     QHBoxLayout *const title = buttonRow();
+    title->setSpacing(look::kGap);
     title->addWidget(sectionTitle(tr("Applied presets"), m_appliedTable), 1);
     title->addWidget(m_combine);
     return title;
