@@ -2667,14 +2667,6 @@ Doppelklicken Sie unten auf eine oder ziehen Sie sie hierher.</translation>
         <source>“%1” (not applied)</source>
         <translation>„%1“ (nicht angewendet)</translation>
     </message>
-    <message>
-        <source>All on one copy</source>
-        <translation>Alle auf eine Kopie</translation>
-    </message>
-    <message>
-        <source>One copy with all applied presets, instead of one copy for each of them</source>
-        <translation>Eine Kopie mit allen angewendeten Vorgaben statt je einer Kopie</translation>
-    </message>
 </context>
 <context>
     <name>plexa::PresetsStore</name>

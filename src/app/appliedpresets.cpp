@@ -84,19 +84,7 @@ std::vector<AppliedPreset> AppliedPresets::effectivePresetsNow() const
 
 bool AppliedPresets::areCombined() const
 {
-    return !isInSingleMode() && combinesAll();
-}
-
-bool AppliedPresets::combinesAll() const
-{
-    return m_defaults.boolForKey(settings::combineAllAppliedPresetsInImage);
-}
-
-void AppliedPresets::setCombinesAll(bool combines)
-{
-    m_defaults.setObject(settings::combineAllAppliedPresetsInImage, combines);
-    Q_EMIT combiningChanged();
-    Q_EMIT previewOutdated();
+    return !isInSingleMode() && m_defaults.boolForKey(settings::combineAllAppliedPresetsInImage);
 }
 
 std::vector<AppliedPreset> AppliedPresets::presetsOfOneCopyNow() const

@@ -47,9 +47,6 @@ public:
 
     /// Does one copy of a photo get all of them?
     bool areCombined() const;
-    /// The setting that this depends on in presets mode.
-    bool combinesAll() const;
-    void setCombinesAll(bool combines);
     /// The watermarks of one copy, as thumbnails show it: of all presets if they are combined, else of the
     /// current preset, or of the first one.
     std::vector<AppliedPreset> presetsOfOneCopyNow() const;
@@ -99,7 +96,6 @@ Q_SIGNALS:
     void appliedEdited(plexa::AppliedPresets::EditKind kind, const plexa::AppliedPresets::Applied &before);
     void selectedRowsChanged();
     void modeChanged(bool isSingle);
-    void combiningChanged();
     void quickWPresetChanged();
     /// Other presets are drawn, or other values of one.
     void previewOutdated();

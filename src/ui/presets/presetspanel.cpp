@@ -18,7 +18,6 @@
 #include <QAction>
 #include <QActionGroup>
 #include <QApplication>
-#include <QCheckBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
@@ -38,7 +37,7 @@ namespace
 {
 
 // Of presets mode at first; the user may move the dividers.
-constexpr int kAppliedHeight = 138;
+constexpr int kAppliedHeight = 132;
 constexpr int kAllHeight = 212;
 constexpr int kEditorHeight = 260;
 
@@ -81,7 +80,6 @@ PresetsPanel::PresetsPanel(AppController &controller, UserDefaults &defaults, Co
     , m_modeSelector(makeModeSelector())
     , m_appliedModel(new PresetListModel(controller.presetsStore().wPresetList(), this))
     , m_appliedTable(new PresetListView(*m_appliedModel))
-    , m_combine(new QCheckBox(tr("All on one copy")))
     , m_all(new AllPresetsList(controller, defaults, actions))
     , m_modeContainer(new QStackedWidget)
     , m_quickEditor(makeEditor(defaults, QStringLiteral("quickWPresetEditor")))
@@ -235,7 +233,7 @@ QWidget *PresetsPanel::makeAppliedList()
     auto *const layout = new QVBoxLayout(part);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(look::kSmallGap);
-    layout->addLayout(makeAppliedTitle());
+    layout->addWidget(sectionTitle(tr("Applied presets"), m_appliedTable));
     layout->addWidget(m_appliedTable, 1);
     QHBoxLayout *const buttons = buttonRow();
     for (const ActionId id : {ActionId::MovePresetsUp, ActionId::MovePresetsDown})
@@ -246,31 +244,6 @@ QWidget *PresetsPanel::makeAppliedList()
         buttons->addWidget(makeTextButton(m_actions, id, text));
     layout->addLayout(buttons);
     return part;
-}
-
-/// With the choice that matters as soon as several presets are applied. The lists do not move when it
-/// appears.
-QHBoxLayout *PresetsPanel::makeAppliedTitle()
-{
-    m_combine->setObjectName(QStringLiteral("combineCheckBox"));
-    m_combine->setToolTip(tr("One copy with all applied presets, instead of one copy for each of them"));
-    m_combine->setWhatsThis(m_combine->toolTip());
-    QSizePolicy policy = m_combine->sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    m_combine->setSizePolicy(policy);
-    connect(m_combine, &QCheckBox::clicked, &m_applied, &AppliedPresets::setCombinesAll);
-    connect(&m_applied, &AppliedPresets::combiningChanged, this, &PresetsPanel::showCombining);
-    QHBoxLayout *const title = buttonRow();
-    title->setSpacing(look::kGap);
-    title->addWidget(sectionTitle(tr("Applied presets"), m_appliedTable), 1);
-    title->addWidget(m_combine);
-    return title;
-}
-
-void PresetsPanel::showCombining()
-{
-    m_combine->setChecked(m_applied.combinesAll());
-    m_combine->setVisible(m_applied.wPresetsApplied().size() > 1);
 }
 
 /// Shows one selected preset in the editor; with none or several, the former one stays if it still exists.
@@ -436,7 +409,6 @@ void PresetsPanel::showApplied()
     m_appliedTable->selectRows(m_applied.selectedRows());
     m_appliedTable->verticalScrollBar()->setValue(scrolledTo);
     nameEditedPreset();
-    showCombining();
     const int nAdded = m_appliedModel->rowCount() - formerCount;
     if (formerCount == 0 || nAdded <= 0 || m_applied.selectedRows().isEmpty())
         return;

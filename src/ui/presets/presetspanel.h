@@ -10,8 +10,6 @@
 
 #include <optional>
 
-class QCheckBox;
-class QHBoxLayout;
 class QMenu;
 class QSplitter;
 class QStackedWidget;
@@ -55,7 +53,6 @@ private:
     void fillLoadMenu(QMenu &menu);
     void makePresetsView(UserDefaults &defaults);
     QWidget *makeAppliedList();
-    QHBoxLayout *makeAppliedTitle();
     void fitFoldedList();
     void connectLists();
     void connectCommands();
@@ -67,7 +64,6 @@ private:
     void nameEditedPreset();
     void showMode();
     void showApplied();
-    void showCombining();
     void edit(const WPresetList &selected);
     void doubleMouseClick(const std::shared_ptr<WPreset> &preset);
 
@@ -77,7 +73,6 @@ private:
     ChoiceButtons *const m_modeSelector;
     PresetListModel *const m_appliedModel;
     PresetListView *const m_appliedTable;
-    QCheckBox *const m_combine;
     AllPresetsList *const m_all;
     QStackedWidget *const m_modeContainer;
     WPresetViewController *const m_quickEditor;

@@ -194,9 +194,9 @@ void showPreferences(const MainWindow::Services &services, MainWindow &window, I
     auto *const dialog = new PreferencesDialog(services.defaults, &window);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     QObject::connect(dialog, &PreferencesDialog::settingChanged, &window,
-                     [&applied = services.controller.appliedPresets(), &imageListPane](QLatin1String key) {
+                     [&controller = services.controller, &imageListPane](QLatin1String key) {
                          if (key == settings::combineAllAppliedPresetsInImage)
-                             applied.setCombinesAll(applied.combinesAll()); // others follow
+                             Q_EMIT controller.previewOutdated();
                          else if (key == settings::browserShowOriginalOnMouseOver)
                              imageListPane.browserController().followShowOriginalOnMouseOver();
                      });

@@ -9,7 +9,6 @@
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
-#include <QCheckBox>
 #include <QContextMenuEvent>
 #include <QDrag>
 #include <QLineEdit>
@@ -309,26 +308,6 @@ private Q_SLOTS:
         QCOMPARE(f.appliedNames(), u"Two Three"_qs);
         f.controller.undoHistory().redo();
         QCOMPARE(f.applied.selectedRows(), IndexList({1}));
-    }
-
-    /// Where the presets are applied, and in the preferences.
-    void combinesTheAppliedPresets()
-    {
-        Panel f;
-        auto &combine = f.find<QCheckBox>("combineCheckBox");
-        f.applied.addWPresetsToApplied({f.presets[0]});
-        QVERIFY(!combine.isVisible());
-        f.applied.addWPresetsToApplied({f.presets[1]});
-        QCOMPARE(f.applied.presetsOfOneCopyNow().size(), 1U);
-        const QSignalSpy outdated(&f.applied, &AppliedPresets::previewOutdated);
-        combine.click();
-        QCOMPARE(f.applied.presetsOfOneCopyNow().size(), 2U);
-        QCOMPARE(outdated.size(), 1);
-        f.window.actions().action(ActionId::Preferences)->trigger();
-        auto &preference = f.find<QCheckBox>("combineAllAppliedPresetsInImage");
-        QVERIFY(combine.isVisible() && preference.isChecked());
-        preference.click();
-        QVERIFY(!combine.isChecked() && !f.applied.areCombined());
     }
 
     void showsTheAddedPresets()
