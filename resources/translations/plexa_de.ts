@@ -2667,6 +2667,14 @@ Doppelklicken Sie unten auf eine oder ziehen Sie sie hierher.</translation>
         <source>“%1” (not applied)</source>
         <translation>„%1“ (nicht angewendet)</translation>
     </message>
+    <message>
+        <source>All on one copy</source>
+        <translation>Alle auf eine Kopie</translation>
+    </message>
+    <message>
+        <source>Draw all applied presets on one copy of a photo, instead of making a copy for each</source>
+        <translation>Alle angewendeten Vorgaben auf eine Kopie des Fotos zeichnen, statt für jede eine eigene zu erstellen</translation>
+    </message>
 </context>
 <context>
     <name>plexa::PresetsStore</name>

@@ -87,6 +87,13 @@ bool AppliedPresets::areCombined() const
     return !isInSingleMode() && m_defaults.boolForKey(settings::combineAllAppliedPresetsInImage);
 }
 
+void AppliedPresets::setCombined(bool areCombined)
+{
+    m_defaults.setObject(settings::combineAllAppliedPresetsInImage, areCombined);
+    Q_EMIT combinedChanged();
+    Q_EMIT previewOutdated();
+}
+
 std::vector<AppliedPreset> AppliedPresets::presetsOfOneCopyNow() const
 {
     std::vector<AppliedPreset> now = effectivePresetsNow();
@@ -113,12 +120,13 @@ void AppliedPresets::setApplied(WPresetList presets, const IndexList &selectedRo
     if (presets == m_wPresetsApplied)
         return;
     Q_EMIT appliedAboutToChange();
+    const WPresetList formerlySelected = selectedWPresets();
+    const bool hasMoved = selectedRows != m_selectedRows;
     m_wPresetsApplied = std::move(presets);
-    observePresets();
-    const bool isOtherSelection = selectedRows != m_selectedRows;
     m_selectedRows = selectedRows;
+    observePresets();
     Q_EMIT appliedChanged();
-    if (isOtherSelection)
+    if (hasMoved || selectedWPresets() != formerlySelected)
         Q_EMIT selectedRowsChanged();
     Q_EMIT previewOutdated();
 }
@@ -240,6 +248,14 @@ void AppliedPresets::setOrder(const IndexList &formerRows)
         presets.push_back(m_wPresetsApplied[static_cast<std::size_t>(formerRow)]);
     }
     edit(EditKind::Reorder, std::move(presets), selected);
+}
+
+WPresetList AppliedPresets::selectedWPresets() const
+{
+    WPresetList selected;
+    for (const int row : m_selectedRows)
+        selected.push_back(m_wPresetsApplied[static_cast<std::size_t>(row)]);
+    return selected;
 }
 
 void AppliedPresets::selectRows(const IndexList &rows)

@@ -47,6 +47,8 @@ public:
 
     /// Does one copy of a photo get all of them?
     bool areCombined() const;
+    /// Stores it.
+    void setCombined(bool areCombined);
     /// The watermarks of one copy, as thumbnails show it: of all presets if they are combined, else of the
     /// current preset, or of the first one.
     std::vector<AppliedPreset> presetsOfOneCopyNow() const;
@@ -80,6 +82,7 @@ public:
 
     /// Ascending.
     const IndexList &selectedRows() const { return m_selectedRows; }
+    WPresetList selectedWPresets() const;
     void selectRows(const IndexList &rows);
     /// After the last one follows the first.
     void selectNeighborAppliedPreset(Neighbor neighbor);
@@ -94,9 +97,11 @@ Q_SIGNALS:
     void appliedChanged();
     /// The user has changed the list. Sent after the other signals.
     void appliedEdited(plexa::AppliedPresets::EditKind kind, const plexa::AppliedPresets::Applied &before);
+    /// Or the same rows have other presets.
     void selectedRowsChanged();
     void modeChanged(bool isSingle);
     void quickWPresetChanged();
+    void combinedChanged();
     /// Other presets are drawn, or other values of one.
     void previewOutdated();
 

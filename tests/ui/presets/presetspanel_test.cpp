@@ -9,6 +9,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
+#include <QCheckBox>
 #include <QContextMenuEvent>
 #include <QDrag>
 #include <QLineEdit>
@@ -280,6 +281,37 @@ private Q_SLOTS:
         QTRY_VERIFY(row(0) != before);
     }
 
+    /// The last one that the user pressed, even where that one was selected already.
+    void editsTheLastSelected()
+    {
+        Panel f;
+        const auto &edited = f.find<ElidedLabel>("editedPresetLabel");
+        Panel::mouse(f.allTable, 1, true);
+        Panel::mouse(f.allTable, 0, false);
+        QCOMPARE(edited.text(), u"“One” (not applied)"_qs);
+        Panel::mouse(f.appliedTable, 0, false);
+        QCOMPARE(edited.text(), u"“Two”"_qs);
+        QTest::keyClick(&f.allTable, Qt::Key_Space);
+        QCOMPARE(edited.text(), u"“One” (not applied)"_qs);
+        // Another preset in the selected row.
+        f.applied.addWPresetsToApplied({f.presets[2]}, 0);
+        QCOMPARE(edited.text(), u"“Three”"_qs);
+    }
+
+    void drawsAllOnOneCopy()
+    {
+        Panel f;
+        auto &check = f.find<QCheckBox>("combineAppliedCheckBox");
+        f.applied.addWPresetsToApplied({f.presets[0]});
+        QVERIFY(!check.isVisible());
+        f.applied.addWPresetsToApplied({f.presets[1]});
+        QVERIFY(check.isVisible() && !check.isChecked());
+        QTest::mouseClick(&check, Qt::LeftButton, {}, {10, check.height() / 2});
+        QVERIFY(f.applied.areCombined());
+        f.applied.setCombined(false); // by the preferences
+        QVERIFY(!check.isChecked());
+    }
+
     /// From the list of all presets to a place between the applied ones, as one step.
     void appliesByDrag()
     {
@@ -351,6 +383,7 @@ private Q_SLOTS:
         // Two rows by the pointer below the last one.
         applied.selectRows({1, 2});
         QVERIFY(QTest::qWaitForWindowExposed(&f.window));
+        QCoreApplication::processEvents(); // the lists have their places
         const auto at = [&](int row, int y) {
             return applied.viewport()->mapToGlobal(applied.visualRect(model.index(row, 0)).center() +
                                                    QPoint(0, y));
