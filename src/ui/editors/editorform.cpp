@@ -9,6 +9,7 @@
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QRegularExpression>
 #include <QSpinBox>
 
 namespace plexa
@@ -31,6 +32,44 @@ public:
             return false;
         event->ignore();
         return true;
+    }
+};
+
+/// Whole numbers. A fraction may be entered and is rounded; without it, "2.5" would become 25.
+class WholeNumberBox final : public QSpinBox
+{
+public:
+    using QSpinBox::QSpinBox;
+
+protected:
+    QValidator::State validate(QString &text, int &position) const override
+    {
+        QString whole = rounded(text);
+        if (whole == text)
+            return QSpinBox::validate(text, position);
+        int end = int(whole.size());
+        return QSpinBox::validate(whole, end);
+    }
+    int valueFromText(const QString &text) const override { return QSpinBox::valueFromText(rounded(text)); }
+
+private:
+    QString rounded(const QString &text) const
+    {
+        static const QRegularExpression digits(QStringLiteral("\\d*"));
+        const auto point = text.indexOf(locale().decimalPoint());
+        if (point <= 0 || !text[point - 1].isDigit())
+            return text;
+        const QString fraction = digits
+                                     .match(text, point + 1, QRegularExpression::NormalMatch,
+                                            QRegularExpression::AnchorAtOffsetMatchOption)
+                                     .captured();
+        auto begin = point;
+        while (begin > 0 && text[begin - 1].isDigit())
+            --begin;
+        const auto end = point + 1 + fraction.size();
+        const int whole = locale().toInt(text.mid(begin, point - begin));
+        const bool isUp = !fraction.isEmpty() && fraction.front().digitValue() >= 5;
+        return text.left(begin) + QString::number(isUp ? whole + 1 : whole) + text.mid(end);
     }
 };
 
@@ -90,7 +129,7 @@ void EditorForm::showWhile(std::initializer_list<QWidget *> rows, const PresetBi
 
 QWidget *EditorForm::number(FieldId field, const QString &purpose, const QString &suffix)
 {
-    auto *const box = new QSpinBox;
+    auto *const box = new WholeNumberBox;
     box->setObjectName(controlName(field, "TextField"));
     box->setAccessibleName(purpose);
     box->setToolTip(purpose);

@@ -88,6 +88,10 @@ private Q_SLOTS:
             QTest::keyClick(box, Qt::Key_A, Qt::ControlModifier);
             QTest::keyClicks(box, u"12"_qs);
             QCOMPARE(value(), FieldValue(WholeNumber(12)));
+            QTest::keyClicks(box, u".5"_qs); // rounded
+            QCOMPARE(value(), FieldValue(WholeNumber(13)));
+            QTest::keyClick(box, Qt::Key_Return);
+            QCOMPARE(box->cleanText(), u"13"_qs);
         } else if (auto *const unit = editor.view.findChild<QComboBox *>(name + u"PopUp"_qs);
                    unit && field.kind == FieldKind::String) {
             editor.preset->setValue(field.id,
@@ -130,6 +134,9 @@ private Q_SLOTS:
             box.setFocus();
             QTest::keyClick(&box, Qt::Key_Down);
             QCOMPARE(value(), FieldValue(FloatNumber(88.0F)));
+            QTest::keyClick(&box, Qt::Key_A, Qt::ControlModifier);
+            QTest::keyClicks(&box, u"45.5"_qs);
+            QCOMPARE(value(), FieldValue(FloatNumber(45.5F)));
         } else if (field.kind == FieldKind::Integer || field.id == FieldId::Type) {
             const bool isType = field.id == FieldId::Type;
             auto &choices = editor.find<ChoiceButtons>(
