@@ -9,6 +9,7 @@
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QRegularExpression>
 #include <QSpinBox>
 
 namespace plexa
@@ -31,6 +32,32 @@ public:
             return false;
         event->ignore();
         return true;
+    }
+};
+
+/// Rounds a number with decimals, which would else lose its decimal point and be ten times as large.
+class WholeNumberBox final : public QSpinBox
+{
+public:
+    using QSpinBox::QSpinBox;
+
+protected:
+    QValidator::State validate(QString &text, int &at) const override
+    {
+        QString whole = rounded(text);
+        return whole == text ? QSpinBox::validate(text, at) : QSpinBox::validate(whole, at);
+    }
+    int valueFromText(const QString &text) const override { return QSpinBox::valueFromText(rounded(text)); }
+
+private:
+    QString rounded(QString text) const
+    {
+        static const QRegularExpression kNumber(QStringLiteral(R"((?<!\d)-?(\d{1,9})([.,])\d*)"));
+        const QRegularExpressionMatch match = kNumber.match(text);
+        if (!match.hasMatch() || match.captured(2) != locale().decimalPoint())
+            return text;
+        const double number = match.captured().replace(u',', u'.').toDouble();
+        return text.replace(match.capturedStart(), match.capturedLength(), QString::number(qRound(number)));
     }
 };
 
@@ -76,6 +103,9 @@ QWidget *EditorForm::addRow(const QString &label, std::initializer_list<QWidget 
     text->setBuddy(*controls.begin());
     // Labels of all forms have one width.
     text->setMinimumWidth(text->fontMetrics().horizontalAdvance(tr("Alignment")) + look::kSmallGap);
+    // The layout puts labels of higher rows at their top.
+    if (const int height = row->sizeHint().height(); height < 3 * text->sizeHint().height())
+        text->setMinimumHeight(height);
     m_layout->addRow(text, row);
     return row;
 }
@@ -90,7 +120,7 @@ void EditorForm::showWhile(std::initializer_list<QWidget *> rows, const PresetBi
 
 QWidget *EditorForm::number(FieldId field, const QString &purpose, const QString &suffix)
 {
-    auto *const box = new QSpinBox;
+    auto *const box = new WholeNumberBox;
     box->setObjectName(controlName(field, "TextField"));
     box->setAccessibleName(purpose);
     box->setToolTip(purpose);

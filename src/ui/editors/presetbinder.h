@@ -178,7 +178,8 @@ void BinderOf<Preset, Field>::bind(Field field, QSpinBox &box)
         const int number = integerOf(value);
         if (number < box.minimum() || number > box.maximum())
             box.setRange(std::min(box.minimum(), number), std::max(box.maximum(), number));
-        box.setValue(number);
+        if (number != box.value()) // a number that is being typed keeps its decimals until it is complete
+            box.setValue(number);
     });
 }
 

@@ -179,7 +179,8 @@ QWidget *MainWindow::makeRightPanel()
     layout->setSpacing(look::kLargeGap);
     m_presetsPanel = new PresetsPanel(m_services.controller, m_services.defaults, *m_actions);
     layout->addWidget(m_presetsPanel, 1);
-    panel->setMinimumWidth(kMinPanelWidth);
+    // Not setMinimumWidth(), which holds for large fonts, too, and would cut off texts.
+    layout->addStrut(kMinPanelWidth - look::kGap - look::kLargeGap);
     return panel;
 }
 
