@@ -127,11 +127,11 @@
     </message>
     <message>
         <source>The thumbnails have their largest size.</source>
-        <translation>Die Miniaturen haben ihre größte Größe.</translation>
+        <translation>Die Miniaturen sind schon so groß wie möglich.</translation>
     </message>
     <message>
         <source>The thumbnails have their smallest size.</source>
-        <translation>Die Miniaturen haben ihre kleinste Größe.</translation>
+        <translation>Die Miniaturen sind schon so klein wie möglich.</translation>
     </message>
     <message>
         <source>There is no photo, or it is shown at its full size.</source>
@@ -278,7 +278,7 @@
         <translation>Die ausgewählten Fotos um einen Platz zum Ende der Liste verschieben</translation>
     </message>
     <message>
-        <source>&amp;Remove from List</source>
+        <source>Remo&amp;ve from List</source>
         <translation>Aus der Liste entf&amp;ernen</translation>
     </message>
     <message>
@@ -475,7 +475,7 @@
     </message>
     <message>
         <source>Switch to the Large Batch mode. Recommended if you work with many images.</source>
-        <translation>Zum großen Stapel wechseln. Empfohlen, wenn Sie mit vielen Bildern arbeiten.</translation>
+        <translation>Zum großen Stapel wechseln. Empfohlen, wenn Sie mit vielen Fotos arbeiten.</translation>
     </message>
     <message>
         <source>&amp;Single Watermark</source>
@@ -919,11 +919,11 @@
     </message>
     <message>
         <source>Subseconds taken</source>
-        <translation>Sekundenbruchteile der Aufnahme</translation>
+        <translation>Sekundenteil (Aufnahme)</translation>
     </message>
     <message>
         <source>Subseconds digitized</source>
-        <translation>Sekundenbruchteile der Digitalisierung</translation>
+        <translation>Sekundenteil (digital)</translation>
     </message>
     <message>
         <source>Exposure time</source>
@@ -1433,7 +1433,7 @@
     </message>
     <message>
         <source>Could not open images in %1!</source>
-        <translation>Die Bilder konnten nicht in %1 geöffnet werden!</translation>
+        <translation>Die Fotos konnten nicht in %1 geöffnet werden!</translation>
     </message>
     <message>
         <source>Please make sure that %1 is installed.</source>
@@ -1594,11 +1594,11 @@
     <name>plexa::ImageBrowserView</name>
     <message>
         <source>Drag &amp; drop images here</source>
-        <translation>Bilder hierher ziehen</translation>
+        <translation>Fotos hierher ziehen</translation>
     </message>
     <message>
         <source>Images</source>
-        <translation>Bilder</translation>
+        <translation>Fotos</translation>
     </message>
 </context>
 <context>
@@ -1612,11 +1612,11 @@
     <name>plexa::ImageGathering</name>
     <message>
         <source>Adding too many images in the Small Batch mode!</source>
-        <translation>Zu viele Bilder für den kleinen Stapel!</translation>
+        <translation>Zu viele Fotos für den kleinen Stapel!</translation>
     </message>
     <message>
         <source>You are importing over %1 images in the Small Batch mode. This may slow down your computer. Please either switch to the Large Batch mode, or import only %1 images.</source>
-        <translation>Sie importieren mehr als %1 Bilder in den kleinen Stapel. Das kann Ihren Computer verlangsamen. Wechseln Sie bitte zum großen Stapel oder importieren Sie nur %1 Bilder.</translation>
+        <translation>Sie importieren mehr als %1 Fotos in den kleinen Stapel. Das kann Ihren Computer verlangsamen. Wechseln Sie bitte zum großen Stapel oder importieren Sie nur %1 Fotos.</translation>
     </message>
     <message>
         <source>Switch to the Large Batch mode</source>
@@ -1624,7 +1624,7 @@
     </message>
     <message>
         <source>Import only %1 images</source>
-        <translation>Nur %1 Bilder importieren</translation>
+        <translation>Nur %1 Fotos importieren</translation>
     </message>
     <message>
         <source>
@@ -1701,11 +1701,11 @@ Mögliche Gründe:
     </message>
     <message>
         <source>Switch to the Large Batch mode. Recommended if you work with many images.</source>
-        <translation>Zum großen Stapel wechseln. Empfohlen, wenn Sie mit vielen Bildern arbeiten.</translation>
+        <translation>Zum großen Stapel wechseln. Empfohlen, wenn Sie mit vielen Fotos arbeiten.</translation>
     </message>
     <message>
         <source>Switch to the Small Batch mode. Recommended if you work with fewer images.</source>
-        <translation>Zum kleinen Stapel wechseln. Empfohlen, wenn Sie mit weniger Bildern arbeiten.</translation>
+        <translation>Zum kleinen Stapel wechseln. Empfohlen, wenn Sie mit weniger Fotos arbeiten.</translation>
     </message>
     <message>
         <source>Switch to Large &amp;Batch Mode</source>
@@ -1732,7 +1732,7 @@ Mögliche Gründe:
     <name>plexa::ImageListView</name>
     <message>
         <source>Images</source>
-        <translation>Bilder</translation>
+        <translation>Fotos</translation>
     </message>
     <message>
         <source>The photos that are watermarked together. Drop photos and folders here.</source>
@@ -1740,7 +1740,7 @@ Mögliche Gründe:
     </message>
     <message>
         <source>Drag &amp; drop images here</source>
-        <translation>Bilder hierher ziehen</translation>
+        <translation>Fotos hierher ziehen</translation>
     </message>
 </context>
 <context>
@@ -1872,15 +1872,15 @@ Mögliche Gründe:
     <name>plexa::ImageSet</name>
     <message>
         <source>%1 images are currently imported. You cannot work with over %2 images in the Small Batch mode, because this may slow down your computer. Please remove some images if you need to switch.</source>
-        <translation>Zurzeit sind %1 Bilder importiert. Im kleinen Stapel können Sie nicht mit mehr als %2 Bildern arbeiten, weil das Ihren Computer verlangsamen kann. Entfernen Sie bitte einige Bilder, wenn Sie wechseln möchten.</translation>
+        <translation>Zurzeit sind %1 Fotos importiert. Im kleinen Stapel können Sie nicht mit mehr als %2 Fotos arbeiten, weil das Ihren Computer verlangsamen kann. Entfernen Sie bitte einige Fotos, wenn Sie wechseln möchten.</translation>
     </message>
     <message>
         <source>Too many images for the Small Batch mode!</source>
-        <translation>Zu viele Bilder für den kleinen Stapel!</translation>
+        <translation>Zu viele Fotos für den kleinen Stapel!</translation>
     </message>
     <message>
         <source>Sorry, could not load the image %1. The format is not supported.</source>
-        <translation>Das Bild %1 konnte leider nicht geladen werden. Das Format wird nicht unterstützt.</translation>
+        <translation>Das Foto %1 konnte leider nicht geladen werden. Das Format wird nicht unterstützt.</translation>
     </message>
     <message>
         <source>Unsupported image file</source>
@@ -1891,11 +1891,11 @@ Mögliche Gründe:
     <name>plexa::ImageViewController</name>
     <message>
         <source>Select an image in the browser to preview</source>
-        <translation>Wählen Sie unten ein Bild für die Vorschau aus</translation>
+        <translation>Wählen Sie unten ein Foto für die Vorschau aus</translation>
     </message>
     <message>
         <source>Loading %1…</source>
-        <translation>%1 wird geladen …</translation>
+        <translation>%1 wird geladen…</translation>
     </message>
     <message>
         <source>%1, %2x%3</source>
@@ -2319,13 +2319,13 @@ Copyright: die Autoren von %1. Freie Software unter der GNU General Public Licen
     </message>
     <message>
         <source>One preset of &quot;%1&quot; was added to yours.</source>
-        <translation>Eine Vorgabe aus „%1“ wurde zu Ihren hinzugefügt.</translation>
+        <translation>Eine Vorgabe aus „%1“ wurde hinzugefügt.</translation>
     </message>
     <message numerus="yes">
         <source>%n presets of &quot;%1&quot; were added to yours.</source>
         <translation>
-            <numerusform>%n Vorgabe aus „%1“ wurde zu Ihren hinzugefügt.</numerusform>
-            <numerusform>%n Vorgaben aus „%1“ wurden zu Ihren hinzugefügt.</numerusform>
+            <numerusform>%n Vorgabe aus „%1“ wurde hinzugefügt.</numerusform>
+            <numerusform>%n Vorgaben aus „%1“ wurden hinzugefügt.</numerusform>
         </translation>
     </message>
     <message>
@@ -2667,6 +2667,14 @@ Doppelklicken Sie unten auf eine oder ziehen Sie sie hierher.</translation>
         <source>“%1” (not applied)</source>
         <translation>„%1“ (nicht angewendet)</translation>
     </message>
+    <message>
+        <source>All on one copy</source>
+        <translation>Alle auf eine Kopie</translation>
+    </message>
+    <message>
+        <source>Draw all applied presets on one copy of a photo, instead of making a copy for each</source>
+        <translation>Alle angewendeten Vorgaben auf eine Kopie des Fotos zeichnen, statt für jede eine eigene zu erstellen</translation>
+    </message>
 </context>
 <context>
     <name>plexa::PresetsStore</name>
@@ -2963,7 +2971,7 @@ Doppelklicken Sie unten auf eine oder ziehen Sie sie hierher.</translation>
     </message>
     <message>
         <source>Please specify the directory where the image files should be saved</source>
-        <translation>Bitte geben Sie den Ordner an, in dem die Bilddateien gespeichert werden sollen</translation>
+        <translation>Bitte geben Sie den Ordner an, in dem die Kopien gespeichert werden sollen</translation>
     </message>
     <message>
         <source>Help on saving</source>
@@ -2984,22 +2992,22 @@ Doppelklicken Sie unten auf eine oder ziehen Sie sie hierher.</translation>
     </message>
     <message>
         <source>Failed to save %1 image(s)!</source>
-        <translation>%1 Bild(er) konnten nicht gespeichert werden!</translation>
+        <translation>%1 Foto(s) konnten nicht gespeichert werden!</translation>
     </message>
     <message>
         <source>Sorry, could not save the following image(s). Possibly the original image format is not supported, or missing write permissions on the destination:
 %1</source>
-        <translation>Die folgenden Bilder konnten leider nicht gespeichert werden. Möglicherweise wird das Format des Originals nicht unterstützt, oder es fehlt die Berechtigung, am Ziel zu schreiben:
+        <translation>Die folgenden Fotos konnten leider nicht gespeichert werden. Möglicherweise wird das Format des Originals nicht unterstützt, oder es fehlt die Berechtigung, am Ziel zu schreiben:
 %1</translation>
     </message>
     <message>
         <source>Saving images...</source>
-        <translation>Bilder werden gespeichert …</translation>
+        <translation>Fotos werden gespeichert…</translation>
     </message>
     <message>
         <source>Saving image %1 out of %2:
 %3</source>
-        <translation>Bild %1 von %2 wird gespeichert:
+        <translation>Foto %1 von %2 wird gespeichert:
 %3</translation>
     </message>
     <message>
@@ -3341,23 +3349,23 @@ Doppelklicken Sie unten auf eine oder ziehen Sie sie hierher.</translation>
     <name>plexa::StatusManager</name>
     <message>
         <source>No images</source>
-        <translation>Keine Bilder</translation>
+        <translation>Keine Fotos</translation>
     </message>
     <message>
         <source>Counting images to import</source>
-        <translation>Bilder werden gezählt</translation>
+        <translation>Fotos werden gezählt</translation>
     </message>
     <message>
         <source>Importing images</source>
-        <translation>Bilder werden importiert</translation>
+        <translation>Fotos werden importiert</translation>
     </message>
     <message>
         <source>Processing images</source>
-        <translation>Bilder werden verarbeitet</translation>
+        <translation>Fotos werden verarbeitet</translation>
     </message>
     <message>
         <source>Rotating images</source>
-        <translation>Bilder werden gedreht</translation>
+        <translation>Fotos werden gedreht</translation>
     </message>
     <message>
         <source>Pasting configuration</source>
@@ -3369,19 +3377,22 @@ Doppelklicken Sie unten auf eine oder ziehen Sie sie hierher.</translation>
     </message>
     <message>
         <source>Sorting images</source>
-        <translation>Bilder werden sortiert</translation>
-    </message>
-    <message>
-        <source>%1 images</source>
-        <translation>%1 Bilder</translation>
+        <translation>Fotos werden sortiert</translation>
     </message>
     <message>
         <source>%1 out of %2 images</source>
-        <translation>%1 von %2 Bildern</translation>
+        <translation>%1 von %2 Fotos</translation>
     </message>
     <message>
         <source> (%1 selected)</source>
         <translation> (%1 ausgewählt)</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n images</source>
+        <translation>
+            <numerusform>%n Foto</numerusform>
+            <numerusform>%n Fotos</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -3575,8 +3586,8 @@ Wenn möglich, hängen Sie bitte ein Foto oder eine Vorgabe an, mit denen es auf
         <translation>Nach Updates konnte nicht gesucht werden</translation>
     </message>
     <message>
-        <source>%1. Try again later.</source>
-        <translation>%1. Versuchen Sie es später noch einmal.</translation>
+        <source>The server of the maker cannot be reached, or does not answer as it should. Check the connection to the Internet, or try again later.</source>
+        <translation>Der Server des Herstellers ist nicht erreichbar oder antwortet nicht wie erwartet. Prüfen Sie die Verbindung zum Internet, oder versuchen Sie es später noch einmal.</translation>
     </message>
 </context>
 <context>

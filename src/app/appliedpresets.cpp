@@ -87,6 +87,13 @@ bool AppliedPresets::areCombined() const
     return !isInSingleMode() && m_defaults.boolForKey(settings::combineAllAppliedPresetsInImage);
 }
 
+void AppliedPresets::setCombined(bool areCombined)
+{
+    m_defaults.setObject(settings::combineAllAppliedPresetsInImage, areCombined);
+    Q_EMIT combinedChanged();
+    Q_EMIT previewOutdated();
+}
+
 std::vector<AppliedPreset> AppliedPresets::presetsOfOneCopyNow() const
 {
     std::vector<AppliedPreset> now = effectivePresetsNow();
@@ -113,12 +120,13 @@ void AppliedPresets::setApplied(WPresetList presets, const IndexList &selectedRo
     if (presets == m_wPresetsApplied)
         return;
     Q_EMIT appliedAboutToChange();
+    const WPresetList formerlySelected = selectedWPresets();
+    const bool hasMoved = selectedRows != m_selectedRows;
     m_wPresetsApplied = std::move(presets);
-    observePresets();
-    const bool isOtherSelection = selectedRows != m_selectedRows;
     m_selectedRows = selectedRows;
+    observePresets();
     Q_EMIT appliedChanged();
-    if (isOtherSelection)
+    if (hasMoved || selectedWPresets() != formerlySelected)
         Q_EMIT selectedRowsChanged();
     Q_EMIT previewOutdated();
 }
@@ -149,15 +157,15 @@ WPresetList AppliedPresets::appliedAnd(const WPresetList &presets) const
 
 void AppliedPresets::addWPresetsToApplied(const WPresetList &presets, std::optional<int> toRow)
 {
+    if (presets.empty())
+        return;
     const int end = static_cast<int>(m_wPresetsApplied.size());
     const int row = std::clamp(toRow.value_or(end), 0, end);
     WPresetList all = appliedAnd(presets);
-    const auto nAdded = static_cast<int>(all.size()) - end;
     std::rotate(all.begin() + row, all.begin() + end, all.end());
-    IndexList selected;
-    for (const int former : std::as_const(m_selectedRows))
-        selected.append(former < row ? former : former + nAdded);
-    edit(EditKind::Apply, std::move(all), selected);
+    const auto first = static_cast<int>(std::find(all.begin(), all.end(), presets.front()) - all.begin());
+    edit(EditKind::Apply, std::move(all), {first});
+    selectRows({first}); // if it was applied already
 }
 
 void AppliedPresets::removeSelectedAppliedPresets()
@@ -167,7 +175,10 @@ void AppliedPresets::removeSelectedAppliedPresets()
         if (!m_selectedRows.contains(static_cast<int>(row)))
             remaining.push_back(m_wPresetsApplied[row]);
     }
-    edit(EditKind::Remove, std::move(remaining), {});
+    IndexList selected;
+    if (!remaining.empty() && !m_selectedRows.isEmpty())
+        selected.append(std::min(m_selectedRows.first(), static_cast<int>(remaining.size()) - 1));
+    edit(EditKind::Remove, std::move(remaining), selected);
 }
 
 void AppliedPresets::clearAppliedPresets()
@@ -232,6 +243,14 @@ void AppliedPresets::setOrder(const IndexList &formerRows)
         presets.push_back(m_wPresetsApplied[static_cast<std::size_t>(formerRow)]);
     }
     edit(EditKind::Reorder, std::move(presets), selected);
+}
+
+WPresetList AppliedPresets::selectedWPresets() const
+{
+    WPresetList selected;
+    for (const int row : m_selectedRows)
+        selected.push_back(m_wPresetsApplied[static_cast<std::size_t>(row)]);
+    return selected;
 }
 
 void AppliedPresets::selectRows(const IndexList &rows)

@@ -47,6 +47,8 @@ public:
 
     /// Does one copy of a photo get all of them?
     bool areCombined() const;
+    /// Stores it.
+    void setCombined(bool areCombined);
     /// The watermarks of one copy, as thumbnails show it: of all presets if they are combined, else of the
     /// current preset, or of the first one.
     std::vector<AppliedPreset> presetsOfOneCopyNow() const;
@@ -54,8 +56,10 @@ public:
     /// The preset of commands for one preset; may be null.
     std::shared_ptr<WPreset> currentWPreset() const;
 
-    /// Adds the presets that are not applied yet, at the end or before the row `toRow`.
+    /// Adds the presets that are not applied yet, at the end or before the row `toRow`, and selects the first
+    /// of `presets`, because the preview shows the selected one.
     void addWPresetsToApplied(const WPresetList &presets, std::optional<int> toRow = {});
+    /// Selects the one that follows the first of them, or the last one.
     void removeSelectedAppliedPresets();
     void clearAppliedPresets();
     void removeFromApplied(const WPreset *preset);
@@ -76,6 +80,7 @@ public:
 
     /// Ascending.
     const IndexList &selectedRows() const { return m_selectedRows; }
+    WPresetList selectedWPresets() const;
     void selectRows(const IndexList &rows);
     /// After the last one follows the first.
     void selectNeighborAppliedPreset(Neighbor neighbor);
@@ -90,9 +95,11 @@ Q_SIGNALS:
     void appliedChanged();
     /// The user has changed the list. Sent after the other signals.
     void appliedEdited(plexa::AppliedPresets::EditKind kind, const plexa::AppliedPresets::Applied &before);
+    /// Or the same rows have other presets.
     void selectedRowsChanged();
     void modeChanged(bool isSingle);
     void quickWPresetChanged();
+    void combinedChanged();
     /// Other presets are drawn, or other values of one.
     void previewOutdated();
 

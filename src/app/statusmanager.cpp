@@ -166,7 +166,7 @@ QString StatusManager::lineOfImages() const
     const std::size_t count = m_images->size();
     const std::size_t shown = m_imagesFiltered->size();
     QString text = count == 0       ? tr(kTexts[0])
-                   : shown == count ? tr("%1 images").arg(count)
+                   : shown == count ? tr("%n images", nullptr, static_cast<int>(count))
                                     : tr("%1 out of %2 images").arg(shown).arg(count);
     if (m_nSelectedImages != 0)
         text += tr(" (%1 selected)").arg(m_nSelectedImages);

@@ -38,8 +38,8 @@ private Q_SLOTS:
         QVERIFY(m_applied->effectivePresets() == WPresetList{quick} && m_applied->currentWPreset() == quick);
         m_applied->modeDidChange(AppliedPresets::Mode::Presets);
         QCOMPARE(m_work->defaults.integerForKey(settings::lastUsedMode), 1);
-        QVERIFY(m_applied->effectivePresets() == applied && !m_applied->currentWPreset());
-        m_applied->selectRows({1});
+        QVERIFY(m_applied->effectivePresets() == applied && m_applied->currentWPreset() == applied[0]);
+        m_applied->addWPresetsToApplied({applied[1]}); // which is applied already
         QVERIFY(m_applied->currentWPreset() == applied[1]);
         m_applied->selectRows({0, 1});
         QVERIFY(!m_applied->currentWPreset());
@@ -49,6 +49,13 @@ private Q_SLOTS:
         QVERIFY(m_applied->currentWPreset() == applied[1]);
         m_applied->removeSelectedAppliedPresets();
         QVERIFY(m_applied->effectivePresets().empty() && m_applied->selectedRows().isEmpty());
+
+        apply(u"c d e"_qs);
+        m_applied->selectRows({1});
+        for (const char *const next : {"e", "c"}) { // the one after it, or the last one
+            m_applied->removeSelectedAppliedPresets();
+            QCOMPARE(m_applied->currentWPreset()->name(), QString::fromLatin1(next));
+        }
     }
 
     void moves()

@@ -144,6 +144,7 @@ private Q_SLOTS:
         addPhotos({{1000, 500}, {2000, 1000}, {300, 400}});
         const WPresetList presets{namedPreset(u"a"_qs), namedPreset(u"b"_qs), namedPreset(u"c"_qs)};
         m_app->appliedPresets().addWPresetsToApplied(presets);
+        m_app->appliedPresets().selectRows({});
         photo(0).setCustomWatermarkRectOrigin({250, 100}, presets[0]);
         photo(0).setCustomWatermarkRectOrigin({500, -50}, presets[1]);
         photo(1).setCustomWatermarkRectOrigin({1, 1}, presets[2]);

@@ -4,9 +4,12 @@
 #include "imageio/codecs/raw/dngassembly.h"
 #include "imageio/embedded/embeddedmetadata.h"
 #include "imageio/filemetadata.h"
+#include "imageio/imageformat.h"
 #include "imageio/pictures.h"
 #include "support/datarows.h"
+#include "support/files.h"
 
+#include <QMimeDatabase>
 #include <QRegularExpression>
 
 #include <atomic>
@@ -463,6 +466,31 @@ private Q_SLOTS:
             const auto source = ImageSource::open(realPhoto(file), limits);
             QCOMPARE(source && source->openRows(), streams);
         }
+    }
+
+    /// A desktop offers the program for each kind of photo that it knows, and for no other.
+    void desktopKnowsTheKinds()
+    {
+        const QByteArray packaging = contentsOf(sourceFolder() + u"/packaging/CMakeLists.txt"_qs);
+        static const QRegularExpression imageType(u"image/[a-z0-9.-]+(?=;)"_qs);
+        QSet<QString> offered;
+        for (const QRegularExpressionMatch &match : imageType.globalMatch(QString::fromUtf8(packaging)))
+            offered.insert(match.captured());
+        const QMimeDatabase database;
+        QSet<QString> known{u"image/heic"_qs,
+                            u"image/x-dcraw"_qs}; // another name, and the parent of raw types
+        QStringList missing;
+        for (const ImageFormat &format : imageFormats())
+            for (const QString &suffix : format.suffixes)
+                for (const QMimeType &type : database.mimeTypesForFileName(u"a."_qs + suffix))
+                    if (type.name().startsWith(u"image/")) {
+                        known.insert(type.name());
+                        if (!offered.contains(type.name()) && !type.inherits(u"image/x-dcraw"_qs))
+                            missing.append(type.name());
+                    }
+        QVERIFY(known.size() > 30 && offered.contains(u"image/x-dcraw"_qs));
+        QCOMPARE(missing, QStringList());
+        QCOMPARE(QStringList((offered - known).values()), QStringList());
     }
 
     void unmarkedPicturesAreNamed()

@@ -12,11 +12,23 @@ mkdir -p "$work/bin" "$work/home" "$work/functions" "$work/photos/copies"
 ln -s "$(realpath "$1")" "$work/bin/plexa-cli"
 cp "$root/packaging/completion/_plexa-cli" "$work/functions/"
 cp "$root/resources/presets/example_wpresets.pxwpr" "$work/photos/studio.pxwpr"
+# The user's own presets; one has a name with marks of the shells.
+mkdir -p "$work/home/Quorvel/Plexa"
+python3 - "$work/photos/studio.pxwpr" "$work/home/Quorvel/Plexa/WPresets.pxwpr" <<'PYTHON'
+import plistlib, sys
+
+with open(sys.argv[1], "rb") as file:
+    presets = plistlib.load(file)
+presets["$objects"] = ["Jo's \"ü\" $5" if each == "Film date" else each for each in presets["$objects"]]
+with open(sys.argv[2], "wb") as file:
+    plistlib.dump(presets, file, fmt=plistlib.FMT_BINARY)
+PYTHON
 export PATH=$work/bin:$PATH HOME=$work/home XDG_DATA_HOME=$work/home LC_ALL=C.UTF-8
 cd "$work/photos"
 failures=0
 
 # What the shell makes of a line and the tab key.
+# shellcheck disable=SC1003,SC2016 # nothing is to be expanded
 cases=(
     'plexa-cli ins' 'plexa-cli inspect '
     'plexa-cli save --portab' 'plexa-cli save --portable-names '
@@ -30,6 +42,9 @@ cases=(
     "plexa-cli save --apply 'Caption" "plexa-cli save --apply 'Caption bar' "
     'plexa-cli save --apply caption' 'plexa-cli save --apply Caption\ bar '
     'plexa-cli save --wpresets studio.pxwpr --apply Discr' 'plexa-cli save --wpresets studio.pxwpr --apply Discreet\ copyright '
+    'plexa-cli save --apply J' 'plexa-cli save --apply Jo\'\''s\ \"ü\"\ \$5 '
+    'plexa-cli save --apply "J' 'plexa-cli save --apply "Jo'\''s \"ü\" \$5" '
+    "plexa-cli save --apply 'J" "plexa-cli save --apply 'Jo'\\''s \"ü\" \$5' "
     'plexa-cli save --saving-preset TI' 'plexa-cli save --saving-preset TIFF\ archive '
     'plexa-cli save --output co' 'plexa-cli save --output copies/'
     'plexa-cli presets stu' 'plexa-cli presets studio.pxwpr '

@@ -14,15 +14,15 @@ QString sourceFolder();
 /// The path of a program of this build, such as "plexa-cli".
 QString builtProgram(const QString &name);
 
-/// A private folder for one test, with a blank and a non-ASCII letter in its name, and the XDG folders
-/// inside it. Create it before anything reads a setting.
+/// A private folder for one test, with a blank and a non-ASCII letter in its name, and the home and XDG
+/// folders inside it. Create it before anything reads a setting.
 class TestFolder
 {
 public:
     TestFolder()
         : m_folder(QDir::tempPath() + QStringLiteral("/plexa test \u00e4 XXXXXX"))
     {
-        for (const char *name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
+        for (const char *name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
             qputenv(name, path(QLatin1String(name)).toUtf8());
     }
 

@@ -64,12 +64,13 @@ void UpdatePresenter::show(const QList<Release> &releases)
     m_window->show();
 }
 
-void UpdatePresenter::showFailure(const QString &reason)
+void UpdatePresenter::showFailure()
 {
     delete m_progress;
     m_services.alerts.run({.style = Alert::Style::Warning,
                            .title = tr("Could not check for updates"),
-                           .text = tr("%1. Try again later.").arg(reason)});
+                           .text = tr("The server of the maker cannot be reached, or does not answer as it "
+                                      "should. Check the connection to the Internet, or try again later.")});
 }
 
 } // namespace plexa

@@ -41,7 +41,7 @@ public:
 
 private:
     void show(const QList<Release> &releases);
-    void showFailure(const QString &reason);
+    void showFailure();
 
     const Services m_services;
     QPointer<QProgressDialog> m_progress;

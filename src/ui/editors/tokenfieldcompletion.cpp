@@ -112,8 +112,13 @@ void TokenFieldCompletion::update()
 void TokenFieldCompletion::show(const QString &typed)
 {
     QStringList names = m_names.filter(typed, Qt::CaseInsensitive);
-    std::stable_partition(names.begin(), names.end(),
-                          [&](const QString &name) { return name.startsWith(typed, Qt::CaseInsensitive); });
+    const auto startsAsTyped = [&](const QString &name) {
+        return name.startsWith(typed, Qt::CaseInsensitive);
+    };
+    const auto hasValue = [this](const QString &name) { return !m_offered.value || m_offered.value(name); };
+    const auto others = std::stable_partition(names.begin(), names.end(), startsAsTyped);
+    std::stable_partition(names.begin(), others, hasValue);
+    std::stable_partition(others, names.end(), hasValue);
     m_offered.setStringList(names);
     QAbstractItemView &list = *m_completer.popup();
     if (names.isEmpty()) {

@@ -214,6 +214,20 @@ void TokenFieldWithInsertPopup::insertFromMimeData(const QMimeData *source)
     insert(cursor, pieces);
 }
 
+/// Without a history of its own, the field leaves undo and redo to the window.
+bool TokenFieldWithInsertPopup::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride && !document()->isUndoAvailable() &&
+        !document()->isRedoAvailable()) {
+        const auto &key = static_cast<const QKeyEvent &>(*event);
+        if (key.matches(QKeySequence::Undo) || key.matches(QKeySequence::Redo)) {
+            event->ignore();
+            return true;
+        }
+    }
+    return QTextEdit::event(event);
+}
+
 void TokenFieldWithInsertPopup::keyPressEvent(QKeyEvent *event)
 {
     if (m_completion->keyPressed(*event)) {

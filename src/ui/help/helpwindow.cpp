@@ -18,6 +18,7 @@
 #include <QShortcut>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <QTextBlock>
 #include <QTextBrowser>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -80,6 +81,16 @@ QString styleOfPages()
                           "td, th { padding: 3px 16px 3px 0; }"
                           "th { text-align: left; }")
         .arg(look::kText.name(), look::kDarkAccent.name(), look::kWindow.name());
+}
+
+/// @returns where a section begins; the begin of the page for an unknown one
+QTextCursor startOf(QTextDocument &page, const QString &section)
+{
+    for (QTextBlock block = page.begin(); !section.isEmpty() && block.isValid(); block = block.next())
+        for (auto each = block.begin(); !each.atEnd(); ++each)
+            if (each.fragment().charFormat().anchorNames().contains(section))
+                return QTextCursor(block);
+    return QTextCursor(&page);
 }
 
 QToolButton *makeButton(QAction *action, const QKeySequence &shortcut)
@@ -248,9 +259,7 @@ void HelpWindow::showHit(int row)
         return;
     m_hits->setCurrentRow(row);
     m_browser->setSource(addressOf(item->data(Qt::UserRole).toString()));
-    QTextCursor from = m_browser->cursorForPosition(QPoint(0, 0));
-    from.movePosition(QTextCursor::StartOfBlock);
-    m_browser->setTextCursor(from);
+    m_browser->setTextCursor(startOf(*m_browser->document(), m_browser->source().fragment()));
     m_browser->find(m_search->text().simplified().section(u' ', 0, 0));
 }
 

@@ -38,7 +38,9 @@ QPlainTextEdit *makeText()
     text->setObjectName(QStringLiteral("licenseText"));
     text->setReadOnly(true);
     text->setAccessibleName(LicenseDialog::tr("Text of the license"));
-    text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    fixed.setPointSizeF(text->font().pointSizeF()); // large where the others are large
+    text->setFont(fixed);
     text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     const QFontMetrics font = text->fontMetrics();
     text->setMinimumSize(font.horizontalAdvance(u'm') * kColumns, font.lineSpacing() * kLines / 2);

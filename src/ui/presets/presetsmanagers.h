@@ -23,6 +23,8 @@ public:
     /// Shows the window in front, also if it is shown already.
     /// @param row  of the list, is selected; -1: the selection stays
     void show(Kind kind, int row = -1);
+    /// The next key goes to the name of the selected preset, and replaces it.
+    void editName(Kind kind) { window(kind).editName(); }
     /// Shows the window, or closes it if it is shown.
     void toggle(Kind kind);
     bool isShown(Kind kind) const;

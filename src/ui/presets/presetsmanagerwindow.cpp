@@ -37,7 +37,7 @@ namespace
 constexpr QSize kFirstSize(800, 640);
 constexpr QSize kFirstSizeForSaving(760, 420);
 constexpr int kListWidth = 300;
-constexpr int kMinListWidth = 240;
+constexpr int kMinListWidth = 232; // without the margin
 
 enum Page { NoSelection, Editor };
 
@@ -167,8 +167,8 @@ QWidget *PresetsManagerWindow::makeListSide()
     };
     const auto action = [this](const char *name) { return findChild<QAction *>(QLatin1StringView(name)); };
     auto *const side = new QWidget;
-    side->setMinimumWidth(kMinListWidth);
     auto *const layout = new QVBoxLayout(side);
+    layout->addStrut(kMinListWidth); // buttons with long texts, or in a large font, need more
     layout->setContentsMargins(0, 0, look::kGap, 0);
     layout->setSpacing(look::kGap);
     auto *const help = new HelpButton(isWatermark() ? QStringLiteral("presets.html#manager")
@@ -243,10 +243,7 @@ void PresetsManagerWindow::connectList()
     connect(m_searchField, &QLineEdit::returnPressed, m_list, [this] { m_list->setFocus(); });
     connect(m_list, &PresetListView::selectedRowsChanged, this, &PresetsManagerWindow::showSelection);
     connect(m_list, &PresetListView::deletePressed, m_remove, &QAction::trigger);
-    connect(m_list, &PresetListView::returnPressed, m_nameField, [this] {
-        m_nameField->setFocus();
-        m_nameField->selectAll();
-    });
+    connect(m_list, &PresetListView::returnPressed, this, &PresetsManagerWindow::editName);
     connect(m_list, &PresetListView::rowsDropped, this,
             [this](const IndexList &rows, int toRow) { m_presets->move(rows, toRow); });
     connect(m_nameField, &QLineEdit::textEdited, this, [this](const QString &name) {
@@ -308,6 +305,11 @@ void PresetsManagerWindow::hideEvent(QHideEvent *event)
 void PresetsManagerWindow::createNewPreset()
 {
     selectRows({m_presets->insertNew(m_list->selectedRows())});
+    editName();
+}
+
+void PresetsManagerWindow::editName()
+{
     m_nameField->setFocus();
     m_nameField->selectAll();
 }

@@ -48,6 +48,8 @@ public:
     void present();
     /// Selects this row and scrolls to it, whatever is searched for.
     void selectRow(int row) { selectRows({row}); }
+    /// Gives the focus to the name of the selected preset, all of it selected.
+    void editName();
 
 Q_SIGNALS:
     void shownChanged();

@@ -18,6 +18,7 @@
 #include <QAction>
 #include <QActionGroup>
 #include <QApplication>
+#include <QCheckBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
@@ -37,7 +38,7 @@ namespace
 {
 
 // Of presets mode at first; the user may move the dividers.
-constexpr int kAppliedHeight = 132;
+constexpr int kAppliedHeight = 138;
 constexpr int kAllHeight = 212;
 constexpr int kEditorHeight = 260;
 
@@ -80,6 +81,7 @@ PresetsPanel::PresetsPanel(AppController &controller, UserDefaults &defaults, Co
     , m_modeSelector(makeModeSelector())
     , m_appliedModel(new PresetListModel(controller.presetsStore().wPresetList(), this))
     , m_appliedTable(new PresetListView(*m_appliedModel))
+    , m_combined(new QCheckBox(tr("All on one copy")))
     , m_all(new AllPresetsList(controller, defaults, actions))
     , m_modeContainer(new QStackedWidget)
     , m_quickEditor(makeEditor(defaults, QStringLiteral("quickWPresetEditor")))
@@ -215,6 +217,10 @@ void PresetsPanel::fitFoldedList()
 
 QWidget *PresetsPanel::makeAppliedList()
 {
+    m_combined->setObjectName(QStringLiteral("combineAppliedCheckBox"));
+    m_combined->setToolTip(
+        tr("Draw all applied presets on one copy of a photo, instead of making a copy for each"));
+    connect(m_combined, &QCheckBox::clicked, &m_applied, &AppliedPresets::setCombined);
     m_appliedTable->setObjectName(QStringLiteral("wPresetsAppliedTable"));
     m_appliedTable->setAccessibleName(tr("Applied presets"));
     m_appliedTable->setWhatsThis(tr("The presets that are drawn on the photos, in this order. Drag them into "
@@ -233,7 +239,12 @@ QWidget *PresetsPanel::makeAppliedList()
     auto *const layout = new QVBoxLayout(part);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(look::kSmallGap);
-    layout->addWidget(sectionTitle(tr("Applied presets"), m_appliedTable));
+    auto *const header = new QHBoxLayout;
+    header->addWidget(sectionTitle(tr("Applied presets"), m_appliedTable));
+    header->addStretch();
+    header->addWidget(m_combined);
+    header->addStrut(m_combined->sizeHint().height()); // the lists stay where they are when it appears
+    layout->addLayout(header);
     layout->addWidget(m_appliedTable, 1);
     QHBoxLayout *const buttons = buttonRow();
     for (const ActionId id : {ActionId::MovePresetsUp, ActionId::MovePresetsDown})
@@ -276,16 +287,15 @@ void PresetsPanel::connectLists()
     const auto editQuick = [this] { m_quickEditor->setPreset(m_applied.quickWPreset()); };
     connect(&m_applied, &AppliedPresets::quickWPresetChanged, this, editQuick);
     editQuick();
-    connect(&m_applied, &AppliedPresets::selectedRowsChanged, this, [this] {
-        WPresetList selected;
-        for (const int row : m_applied.selectedRows())
-            selected.push_back(m_applied.wPresetsApplied()[static_cast<std::size_t>(row)]);
-        edit(selected);
-    });
-    connect(&m_all->table(), &PresetListView::selectedRowsChanged, this,
-            [this] { edit(selectedWPresets()); });
+    const auto editApplied = [this] { edit(m_applied.selectedWPresets()); };
+    const auto editOfAll = [this] { edit(selectedWPresets()); };
+    connect(&m_applied, &AppliedPresets::selectedRowsChanged, this, editApplied);
+    connect(m_appliedTable, &PresetListView::selectedAgain, this, editApplied);
+    connect(&m_all->table(), &PresetListView::selectedRowsChanged, this, editOfAll);
+    connect(&m_all->table(), &PresetListView::selectedAgain, this, editOfAll);
     connect(&m_applied, &AppliedPresets::modeChanged, this, &PresetsPanel::showMode);
     connect(&m_applied, &AppliedPresets::appliedChanged, this, &PresetsPanel::showApplied);
+    connect(&m_applied, &AppliedPresets::combinedChanged, this, &PresetsPanel::showCombined);
     connect(&m_applied, &AppliedPresets::selectedRowsChanged, this,
             [this] { m_appliedTable->selectRows(m_applied.selectedRows()); });
     connect(m_appliedTable, &PresetListView::selectedRowsChanged, this,
@@ -341,17 +351,13 @@ void PresetsPanel::connectCommands()
     m_actions.setHandler(ActionId::UpdatePreset, [this] { updatePreset(); });
 }
 
-/// Selects the first of them, because the preview shows the selected one.
 void PresetsPanel::apply(const WPresetList &presets, std::optional<int> toRow)
 {
     if (presets.empty())
         return;
     const WPresetList before = m_applied.wPresetsApplied();
     m_applied.addWPresetsToApplied(presets, toRow);
-    const WPresetList &applied = m_applied.wPresetsApplied();
-    const auto first = std::find(applied.begin(), applied.end(), presets.front());
-    m_applied.selectRows({static_cast<int>(first - applied.begin())});
-    if (applied == before)
+    if (m_applied.wPresetsApplied() == before)
         m_controller.statusManager().notify(tr("“%1” is applied already").arg(presets.front()->name()));
 }
 
@@ -367,7 +373,8 @@ void PresetsPanel::saveQuickPreset()
     const std::shared_ptr<WPreset> saved = m_controller.presetCommands().saveQuickAsWPreset();
     m_all->select(saved.get());
     m_controller.statusManager().notify(tr("“%1” was added to all presets").arg(saved->name()));
-    m_actions.run(ActionId::ShowWatermarkPresets); // there it gets a name
+    m_actions.run(ActionId::ShowWatermarkPresets);
+    Q_EMIT newPresetShown();
 }
 
 void PresetsPanel::updatePreset()
@@ -412,8 +419,20 @@ void PresetsPanel::showApplied()
     m_appliedTable->selectRows(m_applied.selectedRows());
     m_appliedTable->verticalScrollBar()->setValue(scrolledTo);
     nameEditedPreset();
-    if (formerCount > 0 && m_appliedModel->rowCount() > formerCount)
-        m_appliedTable->scrollToBottom(); // show the added presets
+    showCombined();
+    const int nAdded = m_appliedModel->rowCount() - formerCount;
+    if (formerCount == 0 || nAdded <= 0 || m_applied.selectedRows().isEmpty())
+        return;
+    const int first = m_applied.selectedRows().first();
+    for (const int row : {std::min(first + nAdded, m_appliedModel->rowCount()) - 1, first})
+        m_appliedTable->scrollTo(m_appliedTable->model()->index(row, 0)); // show the added presets
+}
+
+/// A single preset makes one copy anyway.
+void PresetsPanel::showCombined()
+{
+    m_combined->setVisible(m_applied.wPresetsApplied().size() > 1);
+    m_combined->setChecked(m_applied.areCombined());
 }
 
 void PresetsPanel::doubleMouseClick(const std::shared_ptr<WPreset> &preset)

@@ -10,6 +10,7 @@
 
 #include <optional>
 
+class QCheckBox;
 class QMenu;
 class QSplitter;
 class QStackedWidget;
@@ -42,6 +43,10 @@ public:
     /// The selected presets in the list of all presets, in its order.
     WPresetList selectedWPresets() const;
 
+Q_SIGNALS:
+    /// The manager of presets shows the new one, which needs a name.
+    void newPresetShown();
+
 private:
     ChoiceButtons *makeModeSelector();
     WPresetViewController *makeEditor(UserDefaults &defaults, const QString &name);
@@ -60,6 +65,7 @@ private:
     void nameEditedPreset();
     void showMode();
     void showApplied();
+    void showCombined();
     void edit(const WPresetList &selected);
     void doubleMouseClick(const std::shared_ptr<WPreset> &preset);
 
@@ -69,6 +75,7 @@ private:
     ChoiceButtons *const m_modeSelector;
     PresetListModel *const m_appliedModel;
     PresetListView *const m_appliedTable;
+    QCheckBox *const m_combined;
     AllPresetsList *const m_all;
     QStackedWidget *const m_modeContainer;
     WPresetViewController *const m_quickEditor;

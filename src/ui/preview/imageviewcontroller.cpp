@@ -44,7 +44,8 @@ void ImageViewController::connectAll()
     connect(&m_app, &AppController::imageOutdated, this, [this](const std::shared_ptr<ImageObject> &image) {
         if (image != m_imageObject)
             return;
-        m_view.purgeCaches(); // it may lie on its side
+        m_view.cancelDrag(); // the photo may have been turned: its coordinates are others
+        m_view.purgeCaches();
         photoChanged();
     });
 

@@ -37,8 +37,7 @@ void ImageViewWithWatermarkControl::setShowWatermarkRect(bool show)
     m_showWatermarkRect = show;
     if (!show) {
         m_isSelected = false;
-        if (m_isMouseDown)
-            cancelDrag();
+        cancelDrag();
     }
     update();
     updateCursor();
@@ -150,6 +149,8 @@ void ImageViewWithWatermarkControl::endDrag()
 
 void ImageViewWithWatermarkControl::cancelDrag()
 {
+    if (!m_isMouseDown)
+        return;
     m_watermarkRect = m_rectBefore;
     endDrag();
     Q_EMIT dragCanceled();
@@ -217,8 +218,7 @@ bool ImageViewWithWatermarkControl::handleKey(int key, bool isFast)
 
 void ImageViewWithWatermarkControl::focusOutEvent(QFocusEvent *event)
 {
-    if (m_isMouseDown)
-        cancelDrag();
+    cancelDrag();
     if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason)
         m_isSelected = false;
     update();

@@ -31,6 +31,9 @@ public:
     /// screen, with Shift by ten, until Escape.
     bool isWatermarkSelected() const { return m_isSelected; }
 
+    /// Gives up the drag, if there is one.
+    void cancelDrag();
+
     /// @param point  of the view
     bool isPointInsideWatermarkRect(QPointF point) const;
 
@@ -58,7 +61,6 @@ private:
     QRectF rectInView() const { return geometry().imageToView(m_watermarkRect); }
     bool moveBy(QPointF points);
     void endDrag();
-    void cancelDrag();
     bool handleKey(int key, bool isFast);
 
     QRectF m_watermarkRect;

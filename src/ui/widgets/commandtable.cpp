@@ -39,7 +39,7 @@ std::vector<CommandRow> makeTable()
         {InvertSelection, M::Edit, false, "invertSelection", TEXT("&Invert Selection"), TEXT("Select the photos that are not selected"), "Ctrl+I", "", {N::Photos}},
         {MovePhotosUp, M::Edit, true, "movePhotosUp", TEXT("&Move Up"), TEXT("Move the selected photos one place towards the beginning of the list"), "Alt+Shift+Up", "move-up", {N::Selection, N::RoomToMovePhotosUp}},
         {MovePhotosDown, M::Edit, false, "movePhotosDown", TEXT("M&ove Down"), TEXT("Move the selected photos one place towards the end of the list"), "Alt+Shift+Down", "move-down", {N::Selection, N::RoomToMovePhotosDown}},
-        {RemoveSelected, M::Edit, true, "removeSelected", TEXT("&Remove from List"), TEXT("Remove the selected photos from the list; the files stay"), "Del", "remove-photos", {N::Selection}, true},
+        {RemoveSelected, M::Edit, true, "removeSelected", TEXT("Remo&ve from List"), TEXT("Remove the selected photos from the list; the files stay"), "Del", "remove-photos", {N::Selection}, true},
         {Find, M::Edit, true, "find", TEXT("&Find…"), TEXT("Show only photos whose names contain a text"), "Ctrl+F", "search"},
         {Preferences, M::Edit, true, "preferences", TEXT("&Preferences…"), TEXT("Change how Plexa works"), "Ctrl+,", "preferences"},
 

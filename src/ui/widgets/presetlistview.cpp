@@ -207,6 +207,12 @@ bool PresetListView::event(QEvent *event)
     return QListView::event(event);
 }
 
+void PresetListView::mousePressEvent(QMouseEvent *event)
+{
+    QListView::mousePressEvent(event);
+    Q_EMIT selectedAgain();
+}
+
 void PresetListView::keyPressEvent(QKeyEvent *event)
 {
     if (event->text() == QLatin1String("/")) { // goes to the search field
@@ -233,6 +239,12 @@ void PresetListView::keyPressEvent(QKeyEvent *event)
             return;
         }
         [[fallthrough]];
+    case Qt::Key_Up:
+    case Qt::Key_End:
+    case Qt::Key_Space:
+        QListView::keyPressEvent(event);
+        Q_EMIT selectedAgain();
+        return;
     default:
         QListView::keyPressEvent(event);
     }

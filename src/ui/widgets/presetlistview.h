@@ -52,6 +52,8 @@ public:
 
 Q_SIGNALS:
     void selectedRowsChanged();
+    /// The user has pressed the mouse or a key for moving on rows that are selected, maybe already before.
+    void selectedAgain();
     /// Rows were dropped before the row `toRow`.
     void rowsDropped(const plexa::IndexList &rows, int toRow);
     /// The same with rows of the other list.
@@ -65,6 +67,7 @@ protected:
                                                          const QEvent *event) const override;
     void paintEvent(QPaintEvent *event) override;
     void startDrag(Qt::DropActions actions) override;
+    void mousePressEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragMoveEvent(QDragMoveEvent *event) override;

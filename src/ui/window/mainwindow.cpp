@@ -46,8 +46,8 @@ constexpr qsizetype kListedFailures = 10;
 
 constexpr QSize kFirstSize(1180, 740);
 constexpr int kFirstPanelWidth = 320;
-constexpr int kMinPanelWidth = 272;
-constexpr int kPreviewShare = 55; // percent of the height; the rest belongs to the photos
+constexpr int kMinPanelWidth = 252; // without the margins
+constexpr int kPreviewShare = 55;   // percent of the height; the rest belongs to the photos
 
 // No other class reads these settings.
 const QString kGeometryKey = QStringLiteral("mainWindowGeometry");
@@ -179,8 +179,7 @@ QWidget *MainWindow::makeRightPanel()
     layout->setSpacing(look::kLargeGap);
     m_presetsPanel = new PresetsPanel(m_services.controller, m_services.defaults, *m_actions);
     layout->addWidget(m_presetsPanel, 1);
-    // Not setMinimumWidth(), which holds for large fonts, too, and would cut off texts.
-    layout->addStrut(kMinPanelWidth - look::kGap - look::kLargeGap);
+    layout->addStrut(kMinPanelWidth); // buttons with long texts, or in a large font, need more
     return panel;
 }
 

@@ -5,6 +5,7 @@
 #include "app/appcontroller.h"
 #include "platform/applicationname.h"
 #include "platform/settings.h"
+#include "platform/userdefaults.h"
 #include "platform/workspace.h"
 #include "presets/presetsstore.h"
 #include "ui/browser/imagebrowserviewcontroller.h"
@@ -120,6 +121,8 @@ PresetsManagers &connectManagers(CommandActions &actions, const MainWindow::Serv
         const auto row = std::find(all.begin(), all.end(), selected.size() == 1 ? selected.front() : nullptr);
         managers->show(Kind::Watermark, row == all.end() ? -1 : static_cast<int>(row - all.begin()));
     });
+    QObject::connect(&presetsPanel, &PresetsPanel::newPresetShown, managers,
+                     [managers] { managers->editName(Kind::Watermark); });
     actions.setHandler(ActionId::ShowSavingPresets, [managers] { managers->show(Kind::Saving); });
     for (const auto &[id, kind] : {std::pair(ActionId::ToggleWatermarkPresets, Kind::Watermark),
                                    {ActionId::ToggleSavingPresets, Kind::Saving}}) {
@@ -192,9 +195,10 @@ void showPreferences(const MainWindow::Services &services, MainWindow &window, I
     auto *const dialog = new PreferencesDialog(services.defaults, &window);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     QObject::connect(dialog, &PreferencesDialog::settingChanged, &window,
-                     [&controller = services.controller, &imageListPane](QLatin1String key) {
+                     [&applied = services.controller.appliedPresets(), &defaults = services.defaults,
+                      &imageListPane](QLatin1String key) {
                          if (key == settings::combineAllAppliedPresetsInImage)
-                             Q_EMIT controller.previewOutdated();
+                             applied.setCombined(defaults.boolForKey(key));
                          else if (key == settings::browserShowOriginalOnMouseOver)
                              imageListPane.browserController().followShowOriginalOnMouseOver();
                      });

@@ -101,6 +101,10 @@ private Q_SLOTS:
         const QAction &toggle = *f.window.actions().action(ActionId::ToggleWatermarkPresets);
         f.run(ActionId::ShowWatermarkPresets); // never closes it
         QVERIFY(f.manager->isVisible() && toggle.isChecked());
+        f.run(ActionId::SaveQuickPreset); // which is to be named
+        QTest::keyClicks(QApplication::focusWidget(), u"Web"_qs);
+        QCOMPARE(names(f.files.store.wPresets()), u"One Web"_qs);
+        f.files.store.wPresetList().remove({1});
         f.manager->resize(911, 555);
         f.files.store.wPresets().front()->setName(u"Renamed"_qs);
         f.run(ActionId::ToggleWatermarkPresets);

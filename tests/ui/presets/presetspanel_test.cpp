@@ -9,6 +9,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
+#include <QCheckBox>
 #include <QContextMenuEvent>
 #include <QDrag>
 #include <QLineEdit>
@@ -111,7 +112,7 @@ private Q_SLOTS:
         QCOMPARE(f.applied.selectedRows(), IndexList({0, 2}));
         QTest::keyClick(&applied, Qt::Key_Delete);
         QCOMPARE(f.appliedNames(), u"Four"_qs);
-        QCOMPARE(f.applied.selectedRows(), IndexList());
+        QCOMPARE(f.applied.selectedRows(), IndexList({0})); // the preview shows it
 
         qsizetype commands = 0;
         QTimer::singleShot(0, [&commands] {
@@ -280,6 +281,37 @@ private Q_SLOTS:
         QTRY_VERIFY(row(0) != before);
     }
 
+    /// The last one that the user pressed, even where that one was selected already.
+    void editsTheLastSelected()
+    {
+        Panel f;
+        const auto &edited = f.find<ElidedLabel>("editedPresetLabel");
+        Panel::mouse(f.allTable, 1, true);
+        Panel::mouse(f.allTable, 0, false);
+        QCOMPARE(edited.text(), u"“One” (not applied)"_qs);
+        Panel::mouse(f.appliedTable, 0, false);
+        QCOMPARE(edited.text(), u"“Two”"_qs);
+        QTest::keyClick(&f.allTable, Qt::Key_Space);
+        QCOMPARE(edited.text(), u"“One” (not applied)"_qs);
+        // Another preset in the selected row.
+        f.applied.addWPresetsToApplied({f.presets[2]}, 0);
+        QCOMPARE(edited.text(), u"“Three”"_qs);
+    }
+
+    void drawsAllOnOneCopy()
+    {
+        Panel f;
+        auto &check = f.find<QCheckBox>("combineAppliedCheckBox");
+        f.applied.addWPresetsToApplied({f.presets[0]});
+        QVERIFY(!check.isVisible());
+        f.applied.addWPresetsToApplied({f.presets[1]});
+        QVERIFY(check.isVisible() && !check.isChecked());
+        QTest::mouseClick(&check, Qt::LeftButton, {}, {10, check.height() / 2});
+        QVERIFY(f.applied.areCombined());
+        f.applied.setCombined(false); // by the preferences
+        QVERIFY(!check.isChecked());
+    }
+
     /// From the list of all presets to a place between the applied ones, as one step.
     void appliesByDrag()
     {
@@ -306,6 +338,8 @@ private Q_SLOTS:
         QCOMPARE(f.applied.selectedRows(), IndexList({1}));
         f.controller.undoHistory().undo();
         QCOMPARE(f.appliedNames(), u"Two Three"_qs);
+        f.controller.undoHistory().redo();
+        QCOMPARE(f.applied.selectedRows(), IndexList({1}));
     }
 
     void showsTheAddedPresets()
@@ -322,6 +356,8 @@ private Q_SLOTS:
         bar.setValue(middle);
         f.applied.moveAppliedPresets({0}, 2);
         QCOMPARE(bar.value(), middle);
+        f.applied.addWPresetsToApplied({f.presets[0]}, 0); // by a drag
+        QCOMPARE(bar.value(), 0);
     }
 
     void reordersOnlyItsOwnRows()
@@ -347,6 +383,7 @@ private Q_SLOTS:
         // Two rows by the pointer below the last one.
         applied.selectRows({1, 2});
         QVERIFY(QTest::qWaitForWindowExposed(&f.window));
+        QCoreApplication::processEvents(); // the lists have their places
         const auto at = [&](int row, int y) {
             return applied.viewport()->mapToGlobal(applied.visualRect(model.index(row, 0)).center() +
                                                    QPoint(0, y));

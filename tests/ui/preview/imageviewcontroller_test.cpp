@@ -233,6 +233,7 @@ private Q_SLOTS:
         preview.presets.modeDidChange(AppliedPresets::Mode::Presets);
         QCOMPARE(message.text(), QString()); // nothing is applied
         preview.presets.addWPresetsToApplied({std::make_shared<WPreset>(values)});
+        preview.presets.selectRows({});
         QVERIFY(message.text().contains(u"Select one applied preset"));
         preview.presets.selectRows({0});
         QTRY_VERIFY(!bare());
@@ -371,6 +372,19 @@ private Q_SLOTS:
         QTest::mouseClick(&preview.view, Qt::LeftButton, Qt::ControlModifier, preview.onMark());
         QVERIFY(isNear(preview.controller.zoomFactor(), 0.2));
         QVERIFY(QLineF(*preview.origin(), expected).length() < 1e-6);
+
+        // A turned photo ends a drag: the pointer's way was over the photo as it lay before.
+        preview.controller.setZoomFactor(0);
+        preview.settle();
+        preview.press(preview.onMark());
+        preview.move(preview.onMark() + QPoint(-40, -30));
+        const auto size = preview.view.geometry().imageSize();
+        preview.ShownWindow::controller.startBatchOperation(ImageTransform::RotateClockwise);
+        QTRY_COMPARE(preview.view.geometry().imageSize(), size.transposed());
+        const std::optional<QPointF> turned = preview.origin();
+        preview.release(preview.middle());
+        QCOMPARE(preview.origin(), turned);
+        preview.settle();
 
         preview.presets.modeDidChange(AppliedPresets::Mode::Presets);
         preview.presets.addWPresetsToApplied({preview.presets.quickWPreset()});

@@ -16,6 +16,7 @@
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
 #include <QMenu>
 #include <QRegularExpression>
@@ -253,11 +254,14 @@ private Q_SLOTS:
         QCOMPARE(command, outputOf(builtProgram(u"plexa-cli"_qs), {u"--help"_qs}));
     }
 
-    void germanMenusHaveAMnemonicForEachItem()
+    void menusHaveAMnemonicForEachItem_data() { addRows<Row<bool>>({{"English", false}, {"German", true}}); }
+    void menusHaveAMnemonicForEachItem()
     {
-        RecordingTranslator german;
-        QVERIFY(german.load(catalogFor({u"de"_qs}), u":/translations"_qs) &&
-                QCoreApplication::installTranslator(&german));
+        const auto [name, isGerman] = currentRow<Row<bool>>();
+        QTranslator german;
+        QVERIFY(german.load(catalogFor({u"de"_qs}), u":/translations"_qs));
+        if (isGerman)
+            QVERIFY(QCoreApplication::installTranslator(&german));
         std::map<MenuId, QStringList> menus;
         QStringList photoMenu;
         for (const CommandRow &row : commandTable()) {
@@ -291,6 +295,32 @@ private Q_SLOTS:
             QTRY_VERIFY(buttons.at(0)->x() < buttons.at(2)->x());
         }
         QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+    }
+
+    /// German words are long.
+    void germanButtonsShowTheirTextsInALargeFont()
+    {
+        QTranslator german;
+        QVERIFY(german.load(catalogFor({u"de"_qs}), u":/translations"_qs) &&
+                QCoreApplication::installTranslator(&german));
+        const QFont font = QApplication::font();
+        QApplication::setFont(QFont(font.family(), 14));
+        WorkingSet files;
+        ApplicationService service;
+        DesktopApplication program(service, {});
+        program.launch({files.photo("a.png")});
+        QTRY_VERIFY(program.window().isVisible());
+        for (const ActionId shown : {ActionId::SingleMode, ActionId::PresetsMode,
+                                     ActionId::ToggleWatermarkPresets, ActionId::ToggleSavingPresets}) {
+            program.window().actions().run(shown);
+            QTest::qWait(50);
+            for (const QWidget *const widget : QApplication::allWidgets())
+                if (const auto *button = qobject_cast<const QAbstractButton *>(widget))
+                    QVERIFY2(!button->isVisible() || !button->parentWidget()->layout() ||
+                                 button->width() >= button->minimumSizeHint().width(),
+                             qPrintable(button->text()));
+        }
+        QApplication::setFont(font);
     }
 
     /// Texts that a class asks for under another name than the catalog has would stay English.
