@@ -35,7 +35,7 @@ public:
     }
 };
 
-/// Rounds a number with decimals, which would else lose its decimal point and be ten times as large.
+/// Rounds a number with decimals, which would else lose its point or comma and be ten times as large.
 class WholeNumberBox final : public QSpinBox
 {
 public:
@@ -52,10 +52,12 @@ protected:
 private:
     QString rounded(QString text) const
     {
-        static const QRegularExpression kNumber(QStringLiteral(R"((?<!\d)-?(\d{1,9})([.,])\d*)"));
+        static const QRegularExpression kNumber(QStringLiteral(R"((?<!\d)-?\d{1,9}([.,])(\d*))"));
         const QRegularExpressionMatch match = kNumber.match(text);
-        if (!match.hasMatch() || match.captured(2) != locale().decimalPoint())
+        if (!match.hasMatch())
             return text;
+        if (match.captured(1) != locale().decimalPoint() && match.capturedLength(2) == 3)
+            return text.remove(match.capturedStart(1), 1); // between the thousands
         const double number = match.captured().replace(u',', u'.').toDouble();
         return text.replace(match.capturedStart(), match.capturedLength(), QString::number(qRound(number)));
     }

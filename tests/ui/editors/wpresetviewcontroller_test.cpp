@@ -102,10 +102,13 @@ private Q_SLOTS:
             QTest::keyClick(box, Qt::Key_A, Qt::ControlModifier);
             QTest::keyClicks(box, u"12"_qs);
             QCOMPARE(value(), FieldValue(WholeNumber(12)));
-            QTest::keyClicks(box, box->locale().decimalPoint() + u"61"_qs);
+            QTest::keyClicks(box, u".61"_qs);
             QCOMPARE(value(), FieldValue(WholeNumber(13)));
             QTest::keyClick(box, Qt::Key_Return);
             QCOMPARE(box->cleanText(), u"13"_qs);
+            QTest::keyClick(box, Qt::Key_A, Qt::ControlModifier);
+            QTest::keyClicks(box, u"7,4"_qs);
+            QCOMPARE(value(), FieldValue(WholeNumber(7)));
         } else if (auto *const unit = editor.view.findChild<QComboBox *>(name + u"PopUp"_qs);
                    unit && field.kind == FieldKind::String) {
             editor.preset->setValue(field.id,
