@@ -178,7 +178,7 @@ void BinderOf<Preset, Field>::bind(Field field, QSpinBox &box)
         const int number = integerOf(value);
         if (number < box.minimum() || number > box.maximum())
             box.setRange(std::min(box.minimum(), number), std::max(box.maximum(), number));
-        if (number != box.value()) // a number that is being typed keeps its decimals until it is complete
+        if (number != box.value()) // else the text that is being entered stays
             box.setValue(number);
     });
 }
@@ -189,7 +189,9 @@ void BinderOf<Preset, Field>::bind(Field field, QDoubleSpinBox &box)
     QObject::connect(&box, &QDoubleSpinBox::valueChanged, &m_context,
                      [this, field](double value) { write(field, FloatNumber(float(value))); });
     bind(field, [&box](const FieldValue &value) {
-        box.setValue(double(std::get<FloatNumber>(value).value_or(0.0F)));
+        const float number = std::get<FloatNumber>(value).value_or(0.0F);
+        if (number != float(box.value()))
+            box.setValue(double(number));
     });
 }
 
