@@ -139,6 +139,11 @@ void AppliedPresets::edit(EditKind kind, WPresetList presets, const IndexList &s
         Q_EMIT appliedEdited(kind, before);
 }
 
+void AppliedPresets::startWith(const WPresetList &presets)
+{
+    setApplied(presets, cleanedIndexes({0}, presets.size()));
+}
+
 void AppliedPresets::restoreApplied(const Applied &applied)
 {
     setApplied(applied.presets, cleanedIndexes(applied.selectedRows, applied.presets.size()));
@@ -294,7 +299,7 @@ void AppliedPresets::restoreAppliedPresets(const WPresetList &wPresets)
         std::copy_if(wPresets.begin(), wPresets.end(), std::back_inserter(named),
                      [&name](const auto &preset) { return preset->name() == name; });
     }
-    setApplied(appliedAnd(named), m_selectedRows);
+    startWith(appliedAnd(named));
 }
 
 } // namespace plexa

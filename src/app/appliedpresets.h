@@ -77,6 +77,8 @@ public:
     Applied applied() const { return {m_wPresetsApplied, m_selectedRows}; }
     /// Applies these presets instead. Not an edit.
     void restoreApplied(const Applied &applied);
+    /// Applies those of an earlier run, and selects the first one, because the preview shows it.
+    void startWith(const WPresetList &presets);
 
     /// Ascending.
     const IndexList &selectedRows() const { return m_selectedRows; }

@@ -234,7 +234,7 @@ void SessionRecord::restore(const QJsonObject &session)
         if (preset && std::find(applied.begin(), applied.end(), preset) == applied.end())
             applied.push_back(preset);
     }
-    m_controller.appliedPresets().restoreApplied({applied, {}});
+    m_controller.appliedPresets().startWith(applied);
     ImageList images;
     for (const QJsonValue photo : session[kPhotos].toArray()) {
         const QString path = photo[kPath].toString();

@@ -55,6 +55,7 @@ private Q_SLOTS:
         QCOMPARE(app.appliedPresets().wPresetsApplied().size(), std::size_t(1));
         // The very object of the list.
         QCOMPARE(app.appliedPresets().wPresetsApplied().front(), store.wPresets().at(1));
+        QCOMPARE(app.appliedPresets().selectedRows(), IndexList({0})); // the preview shows it
         QCOMPARE(store.wPresets().at(1)->name(), applied);
         QCOMPARE(store.wPresets().front()->name(), u"Edited"_qs);
         // A deleted preset is no longer applied.

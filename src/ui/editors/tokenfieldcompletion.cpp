@@ -125,7 +125,8 @@ void TokenFieldCompletion::show(const QString &typed)
         list.hide();
         return;
     }
-    QRect place = m_field.cursorRect(m_brace);
+    QRect place = m_field.cursorRect(m_brace).translated(m_field.viewport()->pos());
+    place.setHeight(place.height() + look::kSmallGap); // does not cover descenders
     place.setWidth(list.sizeHintForColumn(0) + list.verticalScrollBar()->sizeHint().width() +
                    2 * list.frameWidth());
     m_completer.complete(place);

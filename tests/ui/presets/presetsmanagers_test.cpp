@@ -102,7 +102,7 @@ private Q_SLOTS:
         f.run(ActionId::ShowWatermarkPresets); // never closes it
         QVERIFY(f.manager->isVisible() && toggle.isChecked());
         f.run(ActionId::SaveQuickPreset); // which is to be named
-        QTest::keyClicks(QApplication::focusWidget(), u"Web"_qs);
+        QTest::keyClicks(f.manager->focusWidget(), u"Web"_qs);
         QCOMPARE(names(f.files.store.wPresets()), u"One Web"_qs);
         f.files.store.wPresetList().remove({1});
         f.manager->resize(911, 555);
