@@ -135,14 +135,20 @@ private:
     PreparedText m_prepared;
 };
 
+/// Whether this is what a run has without a font for its script: boxes, which have no tables and no descent.
+/// Type 1 fonts have no tables either.
+bool isFontOfBoxes(const QRawFont &font)
+{
+    return font.fontTable("head").isEmpty() && font.descent() <= 0;
+}
+
 /// The visible characters of a finished layout without a glyph, each once.
 QString missingIn(const QTextLayout &layout)
 {
     const auto lacksGlyph = [&layout](int from, int length) {
         const QList<QGlyphRun> runs = layout.glyphRuns(from, length);
-        // Without a font for a script, a run has one of boxes, which has no tables.
         return std::any_of(runs.begin(), runs.end(), [](const QGlyphRun &run) {
-            return run.glyphIndexes().contains(0U) || run.rawFont().fontTable("head").isEmpty();
+            return run.glyphIndexes().contains(0U) || isFontOfBoxes(run.rawFont());
         });
     };
     QString missing;

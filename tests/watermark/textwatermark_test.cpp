@@ -291,6 +291,11 @@ private Q_SLOTS:
                          (notices[0].count(QString::fromUtf8(notice)) == 1 && notices[0].count(u"U+") == 1),
                      text);
         }
+        WPresetValues type1; // Type 1, where it is installed; such fonts have no tables
+        type1.font = u"NimbusRoman-Bold"_qs;
+        QVERIFY(bitmapOf(type1, u"plain"_qs).notices.isEmpty());
+        const bool hasHindi = !QFontDatabase::families(QFontDatabase::Devanagari).isEmpty();
+        QCOMPARE(bitmapOf(type1, u"\u0905"_qs).notices.isEmpty(), hasHindi);
         // The selector of emoji is no character of its own.
         QCOMPARE(bitmapOf(WPresetValues(), u"a\ufe0f"_qs).ink, bitmapOf(WPresetValues(), u"a"_qs).ink);
         QVERIFY(bitmapOf(WPresetValues(), u"\u00a9\ufe0f"_qs).notices.isEmpty());

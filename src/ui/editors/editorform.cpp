@@ -35,41 +35,31 @@ public:
     }
 };
 
-/// Whole numbers. A fraction may be entered and is rounded; without it, "2.5" would become 25.
+/// Rounds a number with decimals, which would else lose its point or comma and be ten times as large.
 class WholeNumberBox final : public QSpinBox
 {
 public:
     using QSpinBox::QSpinBox;
 
 protected:
-    QValidator::State validate(QString &text, int &position) const override
+    QValidator::State validate(QString &text, int &at) const override
     {
         QString whole = rounded(text);
-        if (whole == text)
-            return QSpinBox::validate(text, position);
-        int end = int(whole.size());
-        return QSpinBox::validate(whole, end);
+        return whole == text ? QSpinBox::validate(text, at) : QSpinBox::validate(whole, at);
     }
     int valueFromText(const QString &text) const override { return QSpinBox::valueFromText(rounded(text)); }
 
 private:
-    QString rounded(const QString &text) const
+    QString rounded(QString text) const
     {
-        static const QRegularExpression digits(QStringLiteral("\\d*"));
-        const auto point = text.indexOf(locale().decimalPoint());
-        if (point <= 0 || !text[point - 1].isDigit())
+        static const QRegularExpression kNumber(QStringLiteral(R"((?<!\d)-?\d{1,9}([.,])(\d*))"));
+        const QRegularExpressionMatch match = kNumber.match(text);
+        if (!match.hasMatch())
             return text;
-        const QString fraction = digits
-                                     .match(text, point + 1, QRegularExpression::NormalMatch,
-                                            QRegularExpression::AnchorAtOffsetMatchOption)
-                                     .captured();
-        auto begin = point;
-        while (begin > 0 && text[begin - 1].isDigit())
-            --begin;
-        const auto end = point + 1 + fraction.size();
-        const int whole = locale().toInt(text.mid(begin, point - begin));
-        const bool isUp = !fraction.isEmpty() && fraction.front().digitValue() >= 5;
-        return text.left(begin) + QString::number(isUp ? whole + 1 : whole) + text.mid(end);
+        if (match.captured(1) != locale().decimalPoint() && match.capturedLength(2) == 3)
+            return text.remove(match.capturedStart(1), 1); // between the thousands
+        const double number = match.captured().replace(u',', u'.').toDouble();
+        return text.replace(match.capturedStart(), match.capturedLength(), QString::number(qRound(number)));
     }
 };
 
@@ -115,6 +105,9 @@ QWidget *EditorForm::addRow(const QString &label, std::initializer_list<QWidget 
     text->setBuddy(*controls.begin());
     // Labels of all forms have one width.
     text->setMinimumWidth(text->fontMetrics().horizontalAdvance(tr("Alignment")) + look::kSmallGap);
+    // The layout puts labels of higher rows at their top.
+    if (const int height = row->sizeHint().height(); height < 3 * text->sizeHint().height())
+        text->setMinimumHeight(height);
     m_layout->addRow(text, row);
     return row;
 }

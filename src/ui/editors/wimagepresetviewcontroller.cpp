@@ -5,6 +5,7 @@
 #include "images/strips.h"
 #include "ui/widgets/imagechooser.h"
 #include "ui/widgets/imagewell.h"
+#include "ui/widgets/linebreaks.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -97,7 +98,7 @@ void WImagePresetViewController::show(const Task &task, const Result<WatermarkPi
     if (m_next || task.preset.lock() != m_binder.preset())
         return; // about a picture that is no longer wanted
     if (!picture) {
-        m_facts->setText(picture.error().text);
+        m_facts->setText(withLineBreaks(picture.error().text));
         return;
     }
     if (!task.path.isEmpty()) {
@@ -113,7 +114,7 @@ void WImagePresetViewController::showFacts(const WatermarkPicture &picture)
 {
     const QSize size = picture.size().toSize();
     if (!picture.fault().isEmpty())
-        m_facts->setText(tr("The picture cannot be read: %1").arg(picture.fault()));
+        m_facts->setText(withLineBreaks(tr("The picture cannot be read: %1").arg(picture.fault())));
     else if (picture.isNull())
         m_facts->setText(tr("No picture yet"));
     else if (picture.svg().isEmpty())

@@ -311,6 +311,7 @@ QWidget *WPresetViewController::makeSaving()
     popUp->setToolTip(tr("The saving preset for photos with this watermark"));
     popUp->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     popUp->setMinimumContentsLength(8);
+    popUp->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon); // of any name
     EditorForm::guardWheel(*popUp);
     form->addRow(tr("Save with"), popUp);
 

@@ -6,15 +6,22 @@
 #include "ui/editors/tokeneditor.h"
 #include "ui/widgets/choicebuttons.h"
 #include "ui/widgets/colorwell.h"
+#include "ui/widgets/look.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QCompleter>
 #include <QFontDatabase>
+#include <QFontMetrics>
+#include <QGuiApplication>
 #include <QIcon>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QSpinBox>
 #include <QStringListModel>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace plexa
 {
@@ -28,18 +35,24 @@ public:
     using QStringListModel::QStringListModel;
     QVariant data(const QModelIndex &index, int role) const override
     {
+        if (role == Qt::SizeHintRole)
+            return QSize(0, m_rowHeight); // one height for all faces, without loading them
         if (role != Qt::FontRole)
             return QStringListModel::data(index, role);
         const QString family = QStringListModel::data(index, Qt::DisplayRole).toString();
         const QList<QFontDatabase::WritingSystem> systems = QFontDatabase::writingSystems(family);
         const bool hasLetters =
             systems.contains(QFontDatabase::Latin) && !systems.contains(QFontDatabase::Symbol);
-        return hasLetters ? QFont(family, kPointSize) : QVariant();
+        return hasLetters ? QFont(family, m_pointSize) : QVariant();
     }
 
 private:
-    static constexpr int kPointSize = 12;
+    const int m_pointSize = std::max(12, QGuiApplication::font().pointSize() + 1);
+    const int m_rowHeight = QFontMetrics(QFont(QString(), m_pointSize)).height() + look::kGap;
 };
+
+// Of a family's name, in letters.
+constexpr int kLongestFamily = 40;
 
 } // namespace
 
@@ -81,6 +94,8 @@ QWidget *WTextPresetViewController::makeFont()
     m_fontFamilyPopUp->setInsertPolicy(QComboBox::NoInsert);
     m_fontFamilyPopUp->completer()->setCompletionMode(QCompleter::PopupCompletion);
     m_fontFamilyPopUp->completer()->setFilterMode(Qt::MatchContains);
+    m_fontFamilyPopUp->completer()->popup()->installEventFilter(this);
+    m_fontFamilyPopUp->view()->setMinimumWidth(kLongestFamily * fontMetrics().averageCharWidth());
     m_fontStylePopUp->setObjectName(QStringLiteral("fontStylePopUp"));
     m_fontStylePopUp->setAccessibleName(tr("Style of the font"));
     m_fontStylePopUp->setToolTip(tr("The style of the font"));
@@ -133,6 +148,22 @@ QWidget *WTextPresetViewController::makeColors()
                        width->setVisible(isShown);
                    });
     return form;
+}
+
+/// Return takes the first of the families found, unless another one is selected.
+bool WTextPresetViewController::eventFilter(QObject *watched, QEvent *event)
+{
+    auto *const popUp = m_fontFamilyPopUp->completer()->popup();
+    if (watched != popUp || event->type() != QEvent::KeyPress || popUp->currentIndex().isValid())
+        return QWidget::eventFilter(watched, event);
+    const int key = static_cast<QKeyEvent *>(event)->key();
+    if (key != Qt::Key_Return && key != Qt::Key_Enter)
+        return QWidget::eventFilter(watched, event);
+    const QString family = m_fontFamilyPopUp->completer()->currentCompletion();
+    popUp->hide();
+    setFontFamily(family);
+    m_fontFamilyPopUp->setEditText(family);
+    return true;
 }
 
 void WTextPresetViewController::setFontFamily(const QString &family)

@@ -34,6 +34,9 @@ public:
 
     TokenFieldWithInsertPopup &tokenField();
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     QWidget *makeFont();
     QWidget *makeColors();

@@ -122,7 +122,9 @@ void AngleWheel::mouseReleaseEvent(QMouseEvent *)
 void AngleWheel::wheelEvent(QWheelEvent *event)
 {
     event->accept();
-    turnBy(-event->angleDelta().y() / kNotch * singleStep());
+    m_wheelDelta += event->angleDelta().y(); // fine wheels turn by parts of a notch
+    turnBy(-m_wheelDelta / kNotch * singleStep());
+    m_wheelDelta %= kNotch;
 }
 
 void AngleWheel::keyPressEvent(QKeyEvent *event)

@@ -37,6 +37,8 @@ protected:
 private:
     void turnTo(QPointF point, bool inSteps);
     void turnBy(int degrees);
+
+    int m_wheelDelta = 0; ///< not yet a notch
 };
 
 } // namespace plexa
