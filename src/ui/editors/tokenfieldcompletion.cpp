@@ -129,6 +129,8 @@ void TokenFieldCompletion::show(const QString &typed)
     place.setHeight(place.height() + look::kSmallGap); // does not cover descenders
     place.setWidth(list.sizeHintForColumn(0) + list.verticalScrollBar()->sizeHint().width() +
                    2 * list.frameWidth());
+    if (m_field.isRightToLeft())
+        place.moveRight(place.left()); // the completer begins at the right side
     m_completer.complete(place);
     list.setCurrentIndex(m_completer.completionModel()->index(0, 0));
 }

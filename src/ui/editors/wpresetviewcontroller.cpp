@@ -71,7 +71,7 @@ WPresetViewController::WPresetViewController(const EditorServices &services, Sav
     addSection(*layout, tr("Picture"), "picture", m_image, false);
     m_imageSection = m_image->parentWidget();
     addSection(*layout, tr("Size and Position"), "position", makeSizeAndPosition(), false);
-    // Their titles then fit into a small window.
+    // Folded at first, so that a small window shows what is needed most.
     addSection(*layout, tr("Angle and Tiling"), "angle", makeAngleAndTiling(), true);
     addSection(*layout, tr("Look"), "look", makeLook(), true);
     addSection(*layout, tr("Shadow"), "shadow", makeShadow(), true);

@@ -62,6 +62,17 @@ QSize ColorWell::sizeHint() const
 
 void ColorWell::setColor(const QColor &color)
 {
+    // Another color may be that of another preset, which the dialog must not change.
+    if (m_dialog && (color.rgb() != m_dialog->currentColor().rgb() ||
+                     (m_alpha == Alpha::Chosen && color.alpha() != m_dialog->currentColor().alpha()))) {
+        m_dialog->disconnect(this);
+        m_dialog->close();
+    }
+    showColor(color);
+}
+
+void ColorWell::showColor(const QColor &color)
+{
     m_color = color;
     setAccessibleDescription(color.isValid() ? nameOf(color) : QString());
     update();
@@ -108,7 +119,7 @@ void ColorWell::choose(const QColor &color)
 {
     if (!color.isValid() || color == m_color)
         return;
-    setColor(color);
+    showColor(color);
     Q_EMIT colorChosen(color);
 }
 

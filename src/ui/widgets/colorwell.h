@@ -28,7 +28,7 @@ public:
     ColorWell(const QString &purpose, Alpha alpha, UserDefaults &defaults, QWidget *parent = nullptr);
 
     QColor color() const { return m_color; }
-    /// Sends no signal.
+    /// Sends no signal. Closes the dialog, which keeps what it has changed, unless the color is the dialog's.
     void setColor(const QColor &color);
 
     QSize sizeHint() const override;
@@ -42,6 +42,7 @@ protected:
 
 private:
     void openDialog();
+    void showColor(const QColor &color);
     void choose(const QColor &color);
     QList<QColor> recentColors() const;
     void remember(const QColor &color);

@@ -137,6 +137,11 @@ private Q_SLOTS:
             QCOMPARE(value(), FieldValue(QColor(1, 2, 3))); // while the dialog is open
             QTest::keyClick(dialog, Qt::Key_Escape);
             QCOMPARE(value(), before);
+            // A change from outside closes the dialog, whose former color may be that of another preset.
+            QTest::mouseClick(&well, Qt::LeftButton, {}, QPoint(10, 10));
+            editor.preset->setValue(field.id, FieldValue(QColor(4, 5, 6)));
+            QVERIFY(!QApplication::activeModalWidget());
+            QCOMPARE(value(), FieldValue(QColor(4, 5, 6)));
         } else if (field.kind == FieldKind::Float) {
             auto &wheel = editor.find<QAbstractSlider>(name + u"Slider"_qs);
             auto &box = editor.find<QDoubleSpinBox>(name + u"Field"_qs);
