@@ -295,6 +295,13 @@ private Q_SLOTS:
         QCOMPARE(edited.text(), u"“Two”"_qs);
         QTest::keyClick(&f.allTable, Qt::Key_Space);
         QCOMPARE(edited.text(), u"“One” (not applied)"_qs);
+        QTest::keyClick(&f.allTable, Qt::Key_A, Qt::ControlModifier);
+        Panel::mouse(f.allTable, 0, false);
+        Panel::mouse(f.allTable, 1, false, Qt::ControlModifier);
+        f.applied.selectRows({0});
+        QTest::keyClick(&f.allTable, Qt::Key_Return);
+        QCOMPARE(f.appliedNames(), u"Two One"_qs);
+        QCOMPARE(edited.text(), u"“One”"_qs);
         // Another preset in the selected row.
         f.applied.addWPresetsToApplied({f.presets[2]}, 0);
         QCOMPARE(edited.text(), u"“Three”"_qs);
