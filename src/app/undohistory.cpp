@@ -5,6 +5,8 @@
 #include "app/imagegathering.h"
 #include "presets/presetsstore.h"
 
+#include <QGuiApplication>
+
 #include <algorithm>
 #include <chrono>
 #include <utility>
@@ -305,6 +307,10 @@ UndoHistory::UndoHistory(const Models &models)
 {
     m_presetPause.setSingleShot(true);
     m_presetPause.setInterval(kPresetPause);
+    connect(&m_presetPause, &QTimer::timeout, this, [this] {
+        if (QGuiApplication::mouseButtons() != Qt::NoButton) // a slider is held in the middle of a drag
+            m_presetPause.start();
+    });
     m_stack.setUndoLimit(kMaxSteps);
     connectEdits();
     connect(&m_stack, &QUndoStack::indexChanged, this, &UndoHistory::changed);

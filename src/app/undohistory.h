@@ -53,8 +53,8 @@ public:
     void undo();
     void redo();
 
-    /// The user has changed a field of a watermark preset in an editor. Changes of one field without a pause,
-    /// as by a slider, are one step.
+    /// The user has changed a field of a watermark preset in an editor. Changes of one field without a pause
+    /// are one step, and so is a drag of a slider.
     void presetEdited(const std::shared_ptr<WPreset> &preset, FieldId field, const FieldValue &before,
                       const FieldValue &now);
 

@@ -357,6 +357,7 @@ void PresetsPanel::apply(const WPresetList &presets, std::optional<int> toRow)
         return;
     const WPresetList before = m_applied.wPresetsApplied();
     m_applied.addWPresetsToApplied(presets, toRow);
+    edit(m_applied.selectedWPresets()); // which may have been selected before
     if (m_applied.wPresetsApplied() == before)
         m_controller.statusManager().notify(tr("“%1” is applied already").arg(presets.front()->name()));
 }

@@ -16,8 +16,10 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QSlider>
 #include <QTimer>
 #include <QToolButton>
 
@@ -293,9 +295,43 @@ private Q_SLOTS:
         QCOMPARE(edited.text(), u"“Two”"_qs);
         QTest::keyClick(&f.allTable, Qt::Key_Space);
         QCOMPARE(edited.text(), u"“One” (not applied)"_qs);
+        QTest::keyClick(&f.allTable, Qt::Key_A, Qt::ControlModifier);
+        Panel::mouse(f.allTable, 0, false);
+        Panel::mouse(f.allTable, 1, false, Qt::ControlModifier);
+        f.applied.selectRows({0});
+        QTest::keyClick(&f.allTable, Qt::Key_Return);
+        QCOMPARE(f.appliedNames(), u"Two One"_qs);
+        QCOMPARE(edited.text(), u"“One”"_qs);
         // Another preset in the selected row.
         f.applied.addWPresetsToApplied({f.presets[2]}, 0);
         QCOMPARE(edited.text(), u"“Three”"_qs);
+    }
+
+    /// Even where the user holds the slider still in between.
+    void undoesADragOfASlider()
+    {
+        Panel f;
+        f.applied.modeDidChange(AppliedPresets::Mode::Single);
+        auto &editor = f.find<QScrollArea>("quickWPresetEditor");
+        auto &slider = *editor.findChild<QSlider *>(u"opacitySlider"_qs);
+        for (QWidget *part = &slider; part != &editor; part = part->parentWidget()) {
+            if (auto *const section = qobject_cast<FoldingSection *>(part); section && section->isFolded())
+                QTest::mouseClick(section->findChild<QToolButton *>({}, Qt::FindDirectChildrenOnly),
+                                  Qt::LeftButton);
+        }
+        QTRY_VERIFY(slider.isVisible() && slider.width() > 50);
+        editor.ensureWidgetVisible(&slider);
+        QWindow *const window = f.window.windowHandle();
+        const auto at = [&](int x) { return slider.mapTo(&f.window, QPoint(x, slider.height() / 2)); };
+        QTest::mousePress(window, Qt::LeftButton, {}, at(slider.width() - 7));
+        QTest::mouseMove(window, at(slider.width() / 2));
+        QTRY_VERIFY(f.applied.quickWPreset()->opacity() < 90);
+        QTest::qWait(1200);
+        QTest::mouseMove(window, at(slider.width() / 3));
+        QTest::mouseRelease(window, Qt::LeftButton, {}, at(slider.width() / 3));
+        QTRY_VERIFY(f.applied.quickWPreset()->opacity() < 45);
+        f.controller.undoHistory().undo();
+        QCOMPARE(f.applied.quickWPreset()->opacity(), 100);
     }
 
     void drawsAllOnOneCopy()
