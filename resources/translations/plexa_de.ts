@@ -1499,13 +1499,6 @@
     </message>
 </context>
 <context>
-    <name>plexa::EditorForm</name>
-    <message>
-        <source>Alignment</source>
-        <translation>Ausrichtung</translation>
-    </message>
-</context>
-<context>
     <name>plexa::EncodedPicture</name>
     <message>
         <source>it has no pixels, or they are of an unknown kind</source>
@@ -4081,7 +4074,7 @@ Um das Wasserzeichen nur eines Fotos zu verschieben, ziehen Sie es in der Vorsch
     </message>
     <message>
         <source>Padding in</source>
-        <translation>Innenabstand in</translation>
+        <translation>Abstand in</translation>
     </message>
     <message>
         <source>Unit of the padding</source>

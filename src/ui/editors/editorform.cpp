@@ -2,8 +2,6 @@
 
 #include "ui/editors/editorform.h"
 
-#include "ui/widgets/look.h"
-
 #include <QCheckBox>
 #include <QComboBox>
 #include <QEvent>
@@ -85,6 +83,29 @@ EditorForm::EditorForm(PresetBinder &binder, QWidget *parent)
 
 QWidget *EditorForm::addRow(const QString &label, std::initializer_list<QWidget *> controls)
 {
+    if (label.isEmpty()) {
+        QWidget *const row = makeRow(controls);
+        m_layout->addRow(row);
+        return row;
+    }
+    auto *const text = new QLabel(label);
+    text->setBuddy(*controls.begin());
+    return addLabeledRow(text, controls);
+}
+
+QWidget *EditorForm::addLabeledRow(QWidget *label, std::initializer_list<QWidget *> controls)
+{
+    QWidget *const row = makeRow(controls);
+    // The layout puts labels of higher rows at their top.
+    if (const int height = row->sizeHint().height(); height < 3 * label->sizeHint().height())
+        label->setMinimumHeight(height);
+    m_layout->addRow(label, row);
+    m_labels.push_back(label);
+    return row;
+}
+
+QWidget *EditorForm::makeRow(std::initializer_list<QWidget *> controls)
+{
     auto *const row = new QWidget;
     auto *const layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -97,19 +118,21 @@ QWidget *EditorForm::addRow(const QString &label, std::initializer_list<QWidget 
     }
     if (!takesAllRoom)
         layout->addStretch();
-    if (label.isEmpty()) {
-        m_layout->addRow(row);
-        return row;
-    }
-    auto *const text = new QLabel(label);
-    text->setBuddy(*controls.begin());
-    // Labels of all forms have one width.
-    text->setMinimumWidth(text->fontMetrics().horizontalAdvance(tr("Alignment")) + look::kSmallGap);
-    // The layout puts labels of higher rows at their top.
-    if (const int height = row->sizeHint().height(); height < 3 * text->sizeHint().height())
-        text->setMinimumHeight(height);
-    m_layout->addRow(text, row);
     return row;
+}
+
+void EditorForm::alignLabels(const QWidget &editor)
+{
+    int width = 0;
+    const auto forms = editor.findChildren<EditorForm *>();
+    for (const EditorForm *const form : forms) {
+        for (const QWidget *const label : form->m_labels)
+            width = std::max(width, label->sizeHint().width());
+    }
+    for (const EditorForm *const form : forms) {
+        for (QWidget *const label : form->m_labels)
+            label->setMinimumWidth(width);
+    }
 }
 
 void EditorForm::showWhile(std::initializer_list<QWidget *> rows, const PresetBinder::Rule &rule)

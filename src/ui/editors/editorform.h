@@ -7,6 +7,8 @@
 #include <QFormLayout>
 #include <QWidget>
 
+#include <vector>
+
 namespace plexa
 {
 
@@ -35,6 +37,12 @@ public:
     QWidget *addRow(const QString &label, std::initializer_list<QWidget *> controls);
     QWidget *addRow(const QString &label, QWidget *control) { return addRow(label, {control}); }
 
+    /// A row with a check box, for example, instead of a label. @return the controls, to hide them
+    QWidget *addLabeledRow(QWidget *label, std::initializer_list<QWidget *> controls);
+
+    /// Gives the labels of all forms in an editor one width, so that their controls begin in one line.
+    static void alignLabels(const QWidget &editor);
+
     /// Hides these rows unless the rule holds.
     void showWhile(std::initializer_list<QWidget *> rows, const PresetBinder::Rule &rule);
 
@@ -47,8 +55,11 @@ public:
     static void guardWheel(QWidget &control);
 
 private:
+    static QWidget *makeRow(std::initializer_list<QWidget *> controls);
+
     PresetBinder &m_binder;
     QFormLayout *const m_layout;
+    std::vector<QWidget *> m_labels; // children
 };
 
 } // namespace plexa

@@ -79,6 +79,7 @@ WPresetViewController::WPresetViewController(const EditorServices &services, Sav
     if (savingPreset == SavingPresetRow::Shown)
         addSection(*layout, tr("Saving"), "saving", makeSaving(), true);
     layout->addStretch();
+    EditorForm::alignLabels(*content);
     setWidget(content);
     m_binder.bind(FieldId::Type, [this](const FieldValue &) { updateTypeSubview(); });
     m_binder.setEdited([this](const std::shared_ptr<WPreset> &preset, FieldId field, const FieldValue &before,

@@ -141,7 +141,7 @@ QWidget *WTextPresetViewController::makeColors()
                                         tr("Width of the outline, in percent of the size of the text; "
                                            "below 0: the outline alone"),
                                         QStringLiteral(" %"));
-    form->addRow({}, {form->check(FieldId::Stroke, tr("Outline")), color, width});
+    form->addLabeledRow(form->check(FieldId::Stroke, tr("Outline")), {color, width});
     m_binder.apply([](const WPresetValues &values) { return values.stroke; },
                    [color, width](bool isShown) {
                        color->setVisible(isShown);
