@@ -2,11 +2,11 @@
 
 #pragma once
 
-#include <QHash>
 #include <QPointF>
 
 #include <memory>
 #include <optional>
+#include <unordered_map>
 #include <utility>
 
 namespace plexa
@@ -21,20 +21,20 @@ class CustomOrigins final
 public:
     std::optional<QPointF> originFor(const WPreset *preset) const
     {
-        const auto found = m_places.constFind(preset);
-        return found == m_places.cend() ? std::nullopt : std::optional(found->origin);
+        const auto found = m_places.find(preset);
+        return found == m_places.cend() ? std::nullopt : std::optional(found->second.origin);
     }
 
     // These return whether anything changed.
     bool set(const std::shared_ptr<const WPreset> &preset, QPointF origin)
     {
         const bool isChanged = originFor(preset.get()) != origin;
-        m_places.insert(preset.get(), {preset, origin});
+        m_places.insert_or_assign(preset.get(), Place{preset, origin});
         return isChanged;
     }
-    bool reset(const WPreset *preset) { return m_places.remove(preset); }
+    bool reset(const WPreset *preset) { return m_places.erase(preset) > 0; }
     bool operator==(const CustomOrigins &) const = default;
-    bool clear() { return !std::exchange(m_places, {}).isEmpty(); }
+    bool clear() { return !std::exchange(m_places, {}).empty(); }
 
 private:
     struct Place {
@@ -43,7 +43,7 @@ private:
         bool operator==(const Place &) const = default;
     };
 
-    QHash<const WPreset *, Place> m_places;
+    std::unordered_map<const WPreset *, Place> m_places;
 };
 
 } // namespace plexa
