@@ -2,10 +2,14 @@
 
 #include "ui/bulletin/bulletinpage.h"
 
+#include <QCoreApplication>
 #include <QDebug>
 #include <QDesktopServices>
+#include <QEvent>
 #include <QWebEngineNewWindowRequest>
 #include <QWebEngineSettings>
+
+#include <utility>
 
 namespace plexa
 {
@@ -29,14 +33,25 @@ BulletinPage::BulletinPage(QWebEngineProfile *profile, QObject *parent)
     // Nothing else handles the request, so no window opens.
     connect(this, &QWebEnginePage::newWindowRequested, this,
             [this](const QWebEngineNewWindowRequest &request) {
-                if (request.isUserInitiated())
+                if (request.isUserInitiated() && std::exchange(m_hasUserActed, false))
                     openInBrowser(request.requestedUrl());
             });
+    QCoreApplication::instance()->installEventFilter(
+        this); // the engine takes the input in a widget of its own
+}
+
+bool BulletinPage::eventFilter(QObject *watched, QEvent *event)
+{
+    using enum QEvent::Type;
+    const QEvent::Type type = event->type();
+    m_hasUserActed = m_hasUserActed || type == MouseButtonPress || type == KeyPress || type == TouchBegin;
+    return QWebEnginePage::eventFilter(watched, event);
 }
 
 bool BulletinPage::acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame)
 {
-    if (type == NavigationTypeLinkClicked) {
+    // The engine calls the ways of scripts to other pages links, too.
+    if (type == NavigationTypeLinkClicked && std::exchange(m_hasUserActed, false)) {
         openInBrowser(url);
         return false;
     }

@@ -9,7 +9,7 @@ namespace plexa
 
 /// A page from the net that cannot do more than be looked at: it stays on http and https, reads no file,
 /// stores nothing, opens no window or message, and gets no camera, position or other feature. Links that the
-/// user activates open in the user's browser.
+/// user activates open in the user's browser; a script cannot open them, it only leads to another page here.
 class BulletinPage final : public QWebEnginePage
 {
     Q_OBJECT
@@ -17,6 +17,8 @@ class BulletinPage final : public QWebEnginePage
 public:
     /// @param profile  off the record; outlives the page
     explicit BulletinPage(QWebEngineProfile *profile, QObject *parent = nullptr);
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 protected:
     bool acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame) override;
@@ -37,6 +39,8 @@ protected:
 
 private:
     void openInBrowser(const QUrl &url);
+
+    bool m_hasUserActed = false; // since a link was followed
 };
 
 } // namespace plexa

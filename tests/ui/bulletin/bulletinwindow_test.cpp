@@ -118,6 +118,19 @@ private Q_SLOTS:
         QCOMPARE(std::count_if(windows.begin(), windows.end(), std::mem_fn(&QWidget::isVisible)), 1);
     }
 
+    void scriptsOpenNothing()
+    {
+        m_opened.clear();
+        m_server.answerWith("<a href='/second'>x</a><script>if (location.pathname === '/first')\n"
+                            "setTimeout(() => { document.links[0].click() })</script>",
+                            "200 OK\r\nContent-Type: text/html");
+        BulletinWindow window(m_server.url(u"first"_qs), false);
+        window.show();
+        QTRY_COMPARE_WITH_TIMEOUT(window.findChild<QWebEngineView *>()->url(), m_server.url(u"second"_qs),
+                                  60'000);
+        QCOMPARE(m_opened, QStringList());
+    }
+
     void storesNothing()
     {
         QStringList stored;
