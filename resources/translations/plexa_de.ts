@@ -218,10 +218,6 @@
         <translation>&amp;Rückgängig</translation>
     </message>
     <message>
-        <source>Undo the last change to the list, the applied presets, rotations or positions</source>
-        <translation>Die letzte Änderung an der Liste, den angewendeten Vorgaben, Drehungen oder Positionen rückgängig machen</translation>
-    </message>
-    <message>
         <source>Re&amp;do</source>
         <translation>&amp;Wiederherstellen</translation>
     </message>
@@ -720,6 +716,10 @@
     <message>
         <source>Ask the maker whether there is a newer version</source>
         <translation>Beim Hersteller anfragen, ob es eine neuere Version gibt</translation>
+    </message>
+    <message>
+        <source>Undo the last change to photos, watermarks or presets</source>
+        <translation>Die letzte Änderung an Fotos, Wasserzeichen oder Vorgaben rückgängig machen</translation>
     </message>
 </context>
 <context>

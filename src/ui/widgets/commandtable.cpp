@@ -31,7 +31,7 @@ std::vector<CommandRow> makeTable()
         {CloseWindow, M::File, true, "closeWindow", TEXT("&Close Window"), TEXT("Close this window"), "Ctrl+W", "", {}, false, true},
         {Quit, M::File, false, "quit", TEXT("&Quit"), TEXT("Quit Plexa"), "Ctrl+Q", "quit", {}, false, true},
 
-        {Undo, M::Edit, false, "undo", TEXT("&Undo"), TEXT("Undo the last change to the list, the applied presets, rotations or positions"), "Ctrl+Z", "undo", {N::NoRotation, N::NoPasting, N::ToUndo}},
+        {Undo, M::Edit, false, "undo", TEXT("&Undo"), TEXT("Undo the last change to photos, watermarks or presets"), "Ctrl+Z", "undo", {N::NoRotation, N::NoPasting, N::ToUndo}},
         {Redo, M::Edit, false, "redo", TEXT("Re&do"), TEXT("Make the last undone change again"), "Ctrl+Shift+Z", "redo", {N::NoRotation, N::NoPasting, N::ToRedo}},
         {CopyImages, M::Edit, true, "copyImages", TEXT("&Copy"), TEXT("Copy the selected photos with their watermarks to the clipboard"), "Ctrl+C", "copy", {N::Selection, N::Watermark}, true},
         {SelectAll, M::Edit, true, "selectAll", TEXT("Select &All"), TEXT("Select all photos in the list"), "Ctrl+A", "", {N::Photos}},
