@@ -41,6 +41,7 @@ void UpdatePresenter::check()
     m_progress->setWindowTitle(applicationName());
     m_progress->setWindowModality(Qt::WindowModal);
     m_progress->setMinimumDuration(kMillisecondsBeforeProgress);
+    m_progress->setValue(0); // begins that time, which else stays the 4 seconds of Qt
     connect(m_progress, &QProgressDialog::canceled, this, [this] {
         m_services.feed.cancel();
         m_progress->deleteLater();

@@ -97,7 +97,7 @@ private Q_SLOTS:
 
         fixture.server.head.clear(); // never answers
         fixture.news.checkForUpdates();
-        QTRY_VERIFY(fixture.window.findChild<QProgressDialog *>()->isVisible());
+        QTRY_VERIFY_WITH_TIMEOUT(fixture.window.findChild<QProgressDialog *>()->isVisible(), 2000);
         QTest::keyClick(fixture.window.findChild<QProgressDialog *>(), Qt::Key_Escape);
         QTRY_VERIFY(!fixture.window.findChild<QProgressDialog *>());
 
