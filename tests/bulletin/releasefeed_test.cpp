@@ -27,13 +27,7 @@ QByteArray feedOf(const QByteArrayList &versions)
 }
 
 struct Fixture {
-    Fixture()
-    {
-        registerDefaults(defaults);
-        for (const auto key :
-             {settings::checksForUpdates, settings::lastUpdateCheckDate, settings::skippedVersion})
-            defaults.setObject(key, {}); // of another fixture
-    }
+    Fixture() { registerDefaults(defaults); }
 
     TestFolder folder;
     WebServer server;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QDir>
+#include <QSettings>
 #include <QTemporaryDir>
 
 namespace plexa::test
@@ -24,6 +25,8 @@ public:
     {
         for (const char *name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
             qputenv(name, path(QLatin1String(name)).toUtf8());
+        // Qt reads the variable once only: settings of a second folder would go to the first one.
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, path("XDG_CONFIG_HOME"));
     }
 
     bool isValid() const { return m_folder.isValid(); }

@@ -28,8 +28,6 @@ struct Fixture {
     Fixture()
     {
         registerDefaults(defaults);
-        for (const auto key : {settings::lastUpdateCheckDate, settings::skippedVersion})
-            defaults.setObject(key, {}); // of another fixture
         server.answerWith(QByteArray(kFeed).replace('\'', '"'));
         window.show();
     }
