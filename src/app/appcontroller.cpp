@@ -34,6 +34,7 @@ AppController::AppController(const Services &services)
     , m_save({m_status, services.alerts, services.defaults, services.threads})
 {
     connectChanges();
+    connectCommandState();
 }
 
 void AppController::connectChanges()
@@ -54,6 +55,23 @@ void AppController::connectChanges()
         m_savingPresetEdits.endRun();
     });
 
+    connect(&m_save, &BatchSave::finished, &m_exchange, &CompanionExchange::saveEnded);
+    connect(&m_save, &BatchSave::finished, this, [this] {
+        if (!m_waitingFiles.isEmpty())
+            addFiles(std::exchange(m_waitingFiles, {}));
+    });
+    connect(&m_services.store, &PresetsStore::quickWPresetChanged, this, &AppController::useQuickPreset);
+    useQuickPreset();
+    connect(&m_services.store.wPresetList(), &PresetListSignals::aboutToRemove, this,
+            [this](int first, int last) {
+                const WPresetList &presets = m_services.store.wPresets();
+                for (int row = first; row <= last; ++row)
+                    m_appliedPresets.removeFromApplied(presets[static_cast<std::size_t>(row)].get());
+            });
+}
+
+void AppController::connectCommandState()
+{
     const auto changed = &AppController::commandStateChanged;
     connect(&m_batchOperation, &BatchImageOperation::operationFinished, this, changed);
     connect(&m_sorting, &ImageSorting::finished, this, changed);
@@ -77,19 +95,6 @@ void AppController::connectChanges()
     connect(&m_imageSet, &ImageSet::listReset, this, changed);
     connect(&m_save, &BatchSave::started, this, changed);
     connect(&m_save, &BatchSave::finished, this, changed);
-    connect(&m_save, &BatchSave::finished, &m_exchange, &CompanionExchange::saveEnded);
-    connect(&m_save, &BatchSave::finished, this, [this] {
-        if (!m_waitingFiles.isEmpty())
-            addFiles(std::exchange(m_waitingFiles, {}));
-    });
-    connect(&m_services.store, &PresetsStore::quickWPresetChanged, this, &AppController::useQuickPreset);
-    useQuickPreset();
-    connect(&m_services.store.wPresetList(), &PresetListSignals::aboutToRemove, this,
-            [this](int first, int last) {
-                const WPresetList &presets = m_services.store.wPresets();
-                for (int row = first; row <= last; ++row)
-                    m_appliedPresets.removeFromApplied(presets[static_cast<std::size_t>(row)].get());
-            });
 }
 
 void AppController::useQuickPreset()

@@ -117,6 +117,7 @@ Q_SIGNALS:
 
 private:
     void connectChanges();
+    void connectCommandState();
     void useQuickPreset();
     ImageList imagesOf(Photos photos) const;
     BatchSave::Order orderFor(const ImageList &photos);

@@ -43,10 +43,11 @@ AllPresetsList::AllPresetsList(AppController &controller, UserDefaults &defaults
 {
     setObjectName(QStringLiteral("allPresetsSection"));
     m_model.follow(controller.presetsStore().wPresetList());
+    fillHeader(actions);
     fill(*content, actions);
 }
 
-void AllPresetsList::fill(QWidget &content, CommandActions &actions)
+void AllPresetsList::fillHeader(CommandActions &actions)
 {
     m_search->setObjectName(QStringLiteral("allPresetsSearchField"));
     m_search->setPlaceholderText(tr("Search"));
@@ -65,7 +66,10 @@ void AllPresetsList::fill(QWidget &content, CommandActions &actions)
     });
     m_search->installEventFilter(this);
     setHeaderWidget(m_search);
+}
 
+void AllPresetsList::fill(QWidget &content, CommandActions &actions)
+{
     m_table->setObjectName(QStringLiteral("wPresetsAllTable"));
     m_table->setAccessibleName(tr("All presets"));
     m_table->setWhatsThis(

@@ -41,6 +41,7 @@ protected:
 private:
     AllPresetsList(AppController &controller, UserDefaults &defaults, CommandActions &actions,
                    QWidget *content, QWidget *parent);
+    void fillHeader(CommandActions &actions);
     void fill(QWidget &content, CommandActions &actions);
 
     PresetListModel m_model;
