@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ranges>
 
 namespace plexa
 {
@@ -188,8 +187,15 @@ WatermarkDrawing::Stamps WatermarkDrawing::stampsIn(const QRect &part) const
         return {};
     const QRect reach = this->reach();
     const auto firstOf = [](qint64 count, const auto &isBefore) {
-        const auto all = std::views::iota(qint64{0}, count);
-        return static_cast<qint64>(std::ranges::partition_point(all, isBefore) - all.begin());
+        qint64 first = 0;
+        while (first < count) {
+            const qint64 middle = first + (count - first) / 2;
+            if (isBefore(middle))
+                first = middle + 1;
+            else
+                count = middle;
+        }
+        return first;
     };
     // Columns run to the right, rows up.
     const auto right = [&](qint64 c) { return pixelOf(c, 0).x() + reach.right(); };
