@@ -10,6 +10,7 @@
 #include <QRgb>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -24,6 +25,10 @@ namespace
 {
 
 using Kind = TiffFacts::Kind;
+
+struct FreedBytes {
+    void operator()(uchar *bytes) const { std::free(bytes); }
+};
 
 /// The rows of an open TIFF file from strips or tiles. Holds one row if the samples of a pixel are
 /// interleaved in strips, else one row of tiles or of strips. Rows are read from the top down.
@@ -63,7 +68,7 @@ private:
     qint64 m_blockBytes = 0;   ///< of a line, or of a block
     std::vector<int> m_planes; ///< the planes to read
     qint64 m_firstRow = -1;    ///< of the blocks in memory
-    std::unique_ptr<uchar[]> m_bytes;
+    std::unique_ptr<uchar[], FreedBytes> m_bytes;
     std::vector<quint16> m_samples;
 };
 
@@ -220,8 +225,10 @@ qint64 TiffBlocks::bytesNeeded() const
 
 bool TiffBlocks::allocate()
 {
-    // Pages that the file's data do not fill are never touched, so they need no memory.
-    m_bytes.reset(new (std::nothrow) uchar[size_t(m_blockBytes * m_blocksAcross * qint64(m_planes.size()))]);
+    // Zeros: libtiff may leave the end of a damaged block as it was without an error. Pages that the file's
+    // data do not fill are never touched, so they need no memory.
+    m_bytes.reset(static_cast<uchar *>(
+        std::calloc(size_t(m_blocksAcross * qint64(m_planes.size())), size_t(m_blockBytes))));
     if (!m_bytes)
         return false;
     if (m_facts.kind == TiffFacts::Kind::ByLibrary)
