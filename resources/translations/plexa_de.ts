@@ -2734,6 +2734,11 @@ Doppelklicken Sie unten auf eine oder ziehen Sie sie hierher.</translation>
         <source>There is not enough memory for its presets.</source>
         <translation>Der Speicher reicht für die Vorgaben nicht aus.</translation>
     </message>
+    <message>
+        <source>presets</source>
+        <extracomment>The name of a folder in resources, which has other examples for each language.</extracomment>
+        <translation>presets-de</translation>
+    </message>
 </context>
 <context>
     <name>plexa::PreviewPane</name>

@@ -77,7 +77,11 @@ QString inShort(QStringList reasons)
 
 PresetsStore::Places PresetsStore::Places::own()
 {
-    return {applicationSupportSubdirectory(), QStringLiteral(":/plexa/presets")};
+    const QString place = QStringLiteral(":/plexa/");
+    //: The name of a folder in resources, which has other examples for each language.
+    const QString examples = place + PresetsStore::tr("presets");
+    return {applicationSupportSubdirectory(),
+            QFileInfo::exists(examples) ? examples : place + QStringLiteral("presets")};
 }
 
 PresetsStore::PresetsStore(Alerts &alerts, const FontCatalog &fonts, Places places,

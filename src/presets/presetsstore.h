@@ -37,7 +37,8 @@ public:
         QString supportFolder;  ///< exists
         QString examplesFolder; ///< with "example_wpresets.pxwpr" and "example_spresets.pxspr"
 
-        /// The user's support folder, which is created if missing, and the examples of the program.
+        /// The user's support folder, which is created if missing, and the examples in the language of the
+        /// installed translation.
         static Places own();
     };
 

@@ -91,9 +91,13 @@ private Q_SLOTS:
         QVERIFY(QDir(m_folder.path("home")).removeRecursively());
     }
 
+    void examplesOfTheProgram_data()
+    {
+        addRows<Row<QString>>({{"in English", u":/plexa/presets"_s}, {"in German", u":/plexa/presets-de"_s}});
+    }
     void examplesOfTheProgram()
     {
-        m_examples = PresetsStore::Places::own().examplesFolder;
+        m_examples = std::get<1>(currentRow<Row<QString>>());
         const auto store = start();
         m_examples = m_folder.path("examples");
         int pictures = 0;

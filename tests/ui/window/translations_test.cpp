@@ -342,6 +342,7 @@ private Q_SLOTS:
         const auto *const saveAll = window.findChild<QAbstractButton *>(u"saveAllButton"_qs);
         QVERIFY(saveAll);
         QCOMPARE(saveAll->text(), u"Alle speichern…"_qs);
+        QCOMPARE(program.controller().presetsStore().wPresets().front()->name(), u"Dezentes Copyright"_qs);
         QStringList absent(german.absent.begin(), german.absent.end());
         QVERIFY2(absent.isEmpty(), qPrintable(absent.join(u" | "_qs)));
     }
