@@ -2,16 +2,15 @@
 
 #pragma once
 
+#include "app/editpause.h"
 #include "app/indexlist.h"
 #include "presets/presetlist.h"
 #include "presets/savingpreset.h"
 #include "watermark/wpreset.h"
 
 #include <QCoreApplication>
-#include <QTimer>
 
 #include <algorithm>
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -79,7 +78,7 @@ private:
     const RememberLinks m_rememberLinks;
     std::function<void(const IndexList &rows)> m_showRows;
     std::shared_ptr<Run> m_run; ///< that the next change of its field joins
-    QTimer m_pause;             ///< since its last change
+    EditPause m_pause;
 };
 
 using WPresetEdits = PresetEditsOf<WPreset, FieldId>;
@@ -91,8 +90,6 @@ PresetEditsOf<Preset, Field>::PresetEditsOf(List &list, Record record, RememberL
     , m_record(std::move(record))
     , m_rememberLinks(std::move(rememberLinks))
 {
-    m_pause.setSingleShot(true);
-    m_pause.setInterval(std::chrono::seconds(1));
 }
 
 template<class Preset, class Field>
@@ -192,7 +189,7 @@ template<class Preset, class Field>
 void PresetEditsOf<Preset, Field>::fieldEdited(const std::shared_ptr<Preset> &preset, Field field,
                                                const FieldValue &before, const FieldValue &now)
 {
-    if (m_run && m_pause.isActive() && m_run->preset == preset && m_run->field == field) {
+    if (m_run && m_pause.isRunning() && m_run->preset == preset && m_run->field == field) {
         m_run->now = now;
     } else {
         const auto run = std::make_shared<Run>(Run{preset, field, before, now});

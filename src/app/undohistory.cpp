@@ -5,18 +5,13 @@
 #include "app/imagegathering.h"
 #include "presets/presetsstore.h"
 
-#include <QGuiApplication>
-
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 namespace plexa
 {
 namespace
 {
-
-constexpr std::chrono::milliseconds kPresetPause{1000};
 
 /// Of QUndoCommand; commands of one kind may be joined.
 enum StepKind { MovedByKeys = 1, EditedPreset = 2 };
@@ -305,12 +300,6 @@ private:
 UndoHistory::UndoHistory(const Models &models)
     : m_models(models)
 {
-    m_presetPause.setSingleShot(true);
-    m_presetPause.setInterval(kPresetPause);
-    connect(&m_presetPause, &QTimer::timeout, this, [this] {
-        if (QGuiApplication::mouseButtons() != Qt::NoButton) // a slider is held in the middle of a drag
-            m_presetPause.start();
-    });
     m_stack.setUndoLimit(kMaxSteps);
     connectEdits();
     connect(&m_stack, &QUndoStack::indexChanged, this, &UndoHistory::changed);
@@ -381,7 +370,7 @@ void UndoHistory::imagesTurned(ImageTransform operation, const TurnedImages &bef
 void UndoHistory::presetEdited(const std::shared_ptr<WPreset> &preset, FieldId field,
                                const FieldValue &before, const FieldValue &now)
 {
-    if (!m_presetPause.isActive())
+    if (!m_presetPause.isRunning())
         ++m_presetRun;
     m_presetPause.start();
     m_stack.push(new PresetStep(*this, preset, field, before, now));

@@ -4,10 +4,10 @@
 
 #include "app/appliedpresets.h"
 #include "app/batchimageoperation.h"
+#include "app/editpause.h"
 #include "app/imageset.h"
 #include "app/manualpositions.h"
 
-#include <QTimer>
 #include <QUndoStack>
 
 #include <functional>
@@ -90,7 +90,7 @@ private:
     const Models m_models;
     int m_keyRun = 0; // a movement with the keyboard ends when something is undone
     int m_presetRun = 0;
-    QTimer m_presetPause; // since the last change of a preset
+    EditPause m_presetPause;
     // Of the rotation that is being undone or redone: its step may be discarded meanwhile.
     std::shared_ptr<TurnedImages> m_turning;
     QUndoStack m_stack{this};

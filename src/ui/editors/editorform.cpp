@@ -2,10 +2,13 @@
 
 #include "ui/editors/editorform.h"
 
+#include "ui/widgets/look.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QEvent>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QRegularExpression>
 #include <QSpinBox>
@@ -19,17 +22,43 @@ namespace
 const QString kLongestNumber = QStringLiteral("0000");
 constexpr int kStepperWidth = 32;
 
-/// Swallows the wheel events of controls that do not have the focus, so that their panel scrolls.
-class WheelGuard final : public QObject
+/// Swallows the wheel events of controls that do not have the focus, so that their panel scrolls, and the
+/// claim of number fields to undo their text.
+class ControlGuard final : public QObject
 {
 public:
     using QObject::QObject;
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        if (event->type() != QEvent::Wheel || static_cast<QWidget *>(watched)->hasFocus())
+        const bool isForPanel =
+            event->type() == QEvent::Wheel && !static_cast<QWidget *>(watched)->hasFocus();
+        if (!isForPanel && !isUndoOfNumber(*watched, *event))
             return false;
         event->ignore();
         return true;
+    }
+
+private:
+    static bool isUndoOfNumber(const QObject &control, const QEvent &event)
+    {
+        if (event.type() != QEvent::ShortcutOverride || !qobject_cast<const QAbstractSpinBox *>(&control))
+            return false;
+        const auto &key = static_cast<const QKeyEvent &>(event);
+        return key.matches(QKeySequence::Undo) || key.matches(QKeySequence::Redo);
+    }
+};
+
+/// Takes a point and a comma for the decimal point of any language: "12,5" would else be 125.
+class DecimalBox final : public QDoubleSpinBox
+{
+public:
+    using QDoubleSpinBox::QDoubleSpinBox;
+
+protected:
+    QValidator::State validate(QString &text, int &at) const override
+    {
+        text.replace(u'.', locale().decimalPoint()).replace(u',', locale().decimalPoint());
+        return QDoubleSpinBox::validate(text, at);
     }
 };
 
@@ -154,7 +183,23 @@ QWidget *EditorForm::number(FieldId field, const QString &purpose, const QString
     m_binder.bind(field, *box);
     // Its range is wider than what people enter.
     box->setFixedWidth(box->fontMetrics().horizontalAdvance(kLongestNumber) + kStepperWidth);
-    guardWheel(*box);
+    guard(*box);
+    return box;
+}
+
+QWidget *EditorForm::angle(FieldId field, const QString &purpose)
+{
+    auto *const box = new DecimalBox;
+    box->setObjectName(controlName(field, "Field"));
+    box->setAccessibleName(purpose);
+    box->setToolTip(purpose);
+    box->setDecimals(1);
+    box->setRange(-360, 360);
+    box->setSuffix(QStringLiteral("°"));
+    box->setFixedWidth(box->fontMetrics().horizontalAdvance(QStringLiteral("-000.0°")) + look::kPageGap +
+                       look::kGap);
+    m_binder.bind(field, *box);
+    guard(*box);
     return box;
 }
 
@@ -168,7 +213,7 @@ QWidget *EditorForm::unit(FieldId field, const QString &purpose)
     box->setMinimumContentsLength(6);
     box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_binder.bind(field, *box);
-    guardWheel(*box);
+    guard(*box);
     return box;
 }
 
@@ -181,10 +226,10 @@ QWidget *EditorForm::check(FieldId field, const QString &text)
     return box;
 }
 
-void EditorForm::guardWheel(QWidget &control)
+void EditorForm::guard(QWidget &control)
 {
     control.setFocusPolicy(Qt::StrongFocus); // the wheel gives no focus
-    control.installEventFilter(new WheelGuard(&control));
+    control.installEventFilter(new ControlGuard(&control));
 }
 
 } // namespace plexa

@@ -48,11 +48,14 @@ public:
 
     /// Controls of a field, bound.
     QWidget *number(FieldId field, const QString &purpose, const QString &suffix = {});
+    /// In degrees.
+    QWidget *angle(FieldId field, const QString &purpose);
     QWidget *unit(FieldId field, const QString &purpose);
     QWidget *check(FieldId field, const QString &text);
 
-    /// Makes the mouse wheel scroll the panel unless the control has the focus.
-    static void guardWheel(QWidget &control);
+    /// Makes the mouse wheel scroll the panel unless the control has the focus. Undo and redo in a number
+    /// field are left to the window, whose steps are changes of the preset.
+    static void guard(QWidget &control);
 
 private:
     static QWidget *makeRow(std::initializer_list<QWidget *> controls);

@@ -50,7 +50,7 @@ QWidget *SavingPresetView::popUp(SavingField field, const QString &purpose)
     box->setObjectName(savingPresetField(field).name + QLatin1String("PopUp"));
     box->setAccessibleName(purpose);
     box->setToolTip(purpose);
-    EditorForm::guardWheel(*box);
+    EditorForm::guard(*box);
     m_binder.bind(field, *box);
     return box;
 }
@@ -89,7 +89,7 @@ void SavingPresetView::addFormat()
     for (QWidget *const control : std::initializer_list<QWidget *>{slider, box}) {
         control->setAccessibleName(tr("Quality"));
         control->setToolTip(tr("A higher quality makes larger files"));
-        EditorForm::guardWheel(*control);
+        EditorForm::guard(*control);
     }
     m_binder.bind(SavingField::JpegQuality, *slider);
     m_binder.bind(SavingField::JpegQuality, *box);

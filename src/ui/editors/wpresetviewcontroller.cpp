@@ -21,6 +21,9 @@
 #include <QSlider>
 #include <QSpinBox>
 #include <QVBoxLayout>
+#include <QtMath>
+
+#include <cmath>
 
 namespace plexa
 {
@@ -46,6 +49,14 @@ void fillBlendModes(QComboBox &popUp)
         for (const char *name : group)
             popUp.addItem(shownChoice(QLatin1String(name)), QLatin1String(name));
     }
+}
+
+/// What the turned watermark takes of the photo's width, in percent, apart from its own height.
+double widthAcross(const WPresetValues &values)
+{
+    const bool isOnItsSide = values.rotation == 1 || values.rotation == 2;
+    const double degrees = double(values.angle.value_or(0)) + (isOnItsSide ? 90 : 0);
+    return std::abs(values.width.value_or(0) * std::cos(qDegreesToRadians(degrees)));
 }
 
 } // namespace
@@ -173,7 +184,7 @@ QWidget *WPresetViewController::angleRow(EditorForm &form, FieldId field, const 
     const QString name = wPresetField(field).name;
     auto *const wheel = new AngleWheel(purpose);
     wheel->setObjectName(name + QLatin1String("Slider"));
-    EditorForm::guardWheel(*wheel);
+    EditorForm::guard(*wheel);
     connect(wheel, &QAbstractSlider::valueChanged, this, [this, field](int position) {
         m_binder.write(field, FloatNumber(float(AngleWheel::degreesAt(position))));
     });
@@ -181,18 +192,7 @@ QWidget *WPresetViewController::angleRow(EditorForm &form, FieldId field, const 
         const double degrees = double(std::get<FloatNumber>(value).value_or(0.0F));
         wheel->setValue(AngleWheel::nearestPosition(degrees));
     });
-    auto *const box = new QDoubleSpinBox;
-    box->setObjectName(name + QLatin1String("Field"));
-    box->setAccessibleName(purpose);
-    box->setToolTip(purpose);
-    box->setDecimals(1);
-    box->setRange(-360, 360);
-    box->setSuffix(QStringLiteral("°"));
-    box->setFixedWidth(box->fontMetrics().horizontalAdvance(QStringLiteral("-000.0°")) + look::kPageGap +
-                       look::kGap);
-    EditorForm::guardWheel(*box);
-    m_binder.bind(field, *box);
-    return form.addRow(tr("Angle"), {wheel, box});
+    return form.addRow(tr("Angle"), {wheel, form.angle(field, purpose)});
 }
 
 QWidget *WPresetViewController::makeAngleAndTiling()
@@ -232,7 +232,7 @@ QWidget *WPresetViewController::makeAngleAndTiling()
     form->showWhile({down}, [](const WPresetValues &values) { return values.replicateVertical; });
     form->showWhile({tooWideRow}, [](const WPresetValues &values) {
         const bool isRelative = baseLength(values.widthUnit, QSize(1, 1)).has_value();
-        return values.replicateHorizontal && isRelative && values.width.value_or(0) > 50;
+        return values.replicateHorizontal && isRelative && widthAcross(values) > 66;
     });
     return form;
 }
@@ -245,7 +245,7 @@ QWidget *WPresetViewController::makeLook()
     opacity->setAccessibleName(tr("Opacity"));
     opacity->setToolTip(tr("How much of the photo the watermark covers"));
     opacity->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    EditorForm::guardWheel(*opacity);
+    EditorForm::guard(*opacity);
     m_binder.bind(FieldId::Opacity, *opacity);
     form->addRow(tr("Opacity"),
                  {opacity, form->number(FieldId::Opacity, tr("Opacity"), QStringLiteral(" %"))});
@@ -255,7 +255,7 @@ QWidget *WPresetViewController::makeLook()
     mode->setToolTip(tr("How the colors of watermark and photo are mixed"));
     mode->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     fillBlendModes(*mode);
-    EditorForm::guardWheel(*mode);
+    EditorForm::guard(*mode);
     m_binder.bind(FieldId::BlendMode, *mode);
     form->addRow(tr("Blending"), mode);
     return form;
@@ -313,7 +313,7 @@ QWidget *WPresetViewController::makeSaving()
     popUp->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     popUp->setMinimumContentsLength(8);
     popUp->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon); // of any name
-    EditorForm::guardWheel(*popUp);
+    EditorForm::guard(*popUp);
     form->addRow(tr("Save with"), popUp);
 
     PresetList<SavingPreset> &list = m_services.store.savingPresetList();

@@ -103,7 +103,7 @@ QWidget *WTextPresetViewController::makeFont()
         box->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
         box->setMinimumContentsLength(8);
         box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-        EditorForm::guardWheel(*box);
+        EditorForm::guard(*box);
     }
     connect(m_fontFamilyPopUp, &QComboBox::activated, this,
             [this](int index) { setFontFamily(m_fontFamilyPopUp->itemText(index)); });

@@ -288,7 +288,7 @@ private:
             box->addItem(choice.text, choice.value);
         setDisabledText(*box, look::kSecondaryText); // it can be read all the same
         box->setToolTip(MetadataFieldRow::tr("The choice changes all selected photos"));
-        EditorForm::guardWheel(*box);
+        EditorForm::guard(*box);
         connect(box, &QComboBox::activated, this, [this](int index) {
             this->editing().setValue(this->row().property, m_box->itemData(index));
         });

@@ -15,6 +15,8 @@ namespace plexa
 FoldingSection::FoldingSection(const QString &title, const Folded &folded, QWidget *content,
                                UserDefaults &defaults, QWidget *parent)
     : QWidget(parent)
+    , m_key(folded.key)
+    , m_defaults(defaults)
     , m_header(new QToolButton)
     , m_headerRow(new QHBoxLayout)
     , m_content(content)
@@ -35,12 +37,20 @@ FoldingSection::FoldingSection(const QString &title, const Folded &folded, QWidg
     m_headerRow->addWidget(m_header, 1);
     layout->addLayout(m_headerRow);
     layout->addWidget(content);
-    setFolded(defaults.isStored(folded.key) ? defaults.boolForKey(folded.key) : folded.isFoldedAtFirst);
-    connect(m_header, &QAbstractButton::clicked, this, [this, key = folded.key, &defaults] {
+    setFolded(defaults.isStored(m_key) ? defaults.boolForKey(m_key) : folded.isFoldedAtFirst);
+    connect(m_header, &QAbstractButton::clicked, this, [this] {
         setFolded(!isFolded());
-        defaults.setObject(key, isFolded());
+        m_defaults.setObject(m_key, isFolded());
         Q_EMIT foldedByUser(isFolded());
     });
+}
+
+/// Another section of the setting may have been folded while this one was out of sight.
+void FoldingSection::showEvent(QShowEvent *event)
+{
+    if (m_defaults.isStored(m_key) && m_defaults.boolForKey(m_key) != isFolded())
+        setFolded(!isFolded());
+    QWidget::showEvent(event);
 }
 
 void FoldingSection::setHeaderWidget(QWidget *widget)

@@ -12,7 +12,8 @@ namespace plexa
 
 class UserDefaults;
 
-/// A titled part of a panel that folds to its title, and remembers it. Main thread.
+/// A titled part of a panel that folds to its title, and remembers it for all sections of its setting. Main
+/// thread.
 class FoldingSection : public QWidget
 {
     Q_OBJECT
@@ -38,7 +39,12 @@ Q_SIGNALS:
     /// The user has folded or unfolded it.
     void foldedByUser(bool isFolded);
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
+    const QString m_key;
+    UserDefaults &m_defaults;
     QToolButton *const m_header;
     QHBoxLayout *const m_headerRow;
     QWidget *m_headerWidget = nullptr;

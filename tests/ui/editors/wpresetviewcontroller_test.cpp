@@ -164,6 +164,9 @@ private Q_SLOTS:
             QTest::keyClick(&box, Qt::Key_A, Qt::ControlModifier);
             QTest::keyClicks(&box, u"45.5"_qs);
             QCOMPARE(value(), FieldValue(FloatNumber(45.5F)));
+            QTest::keyClick(&box, Qt::Key_A, Qt::ControlModifier);
+            QTest::keyClicks(&box, u"-7,5"_qs);
+            QCOMPARE(value(), FieldValue(FloatNumber(-7.5F)));
         } else if (field.kind == FieldKind::Integer || field.id == FieldId::Type) {
             const bool isType = field.id == FieldId::Type;
             auto &choices = editor.find<ChoiceButtons>(

@@ -3,12 +3,15 @@
 #include "ui/editors/wpresetviewcontroller.h"
 #include "ui/preview/imageviewwithwatermarkcontrol.h"
 #include "ui/shownwindow.h"
+#include "ui/widgets/colorwell.h"
 
 #include <QApplication>
+#include <QColorDialog>
 #include <QElapsedTimer>
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QSlider>
+#include <QSpinBox>
 
 using namespace plexa;
 using namespace plexa::test;
@@ -88,6 +91,47 @@ private Q_SLOTS:
         press(Qt::ControlModifier);
         QCOMPARE(quick->opacity(), 50);
         QVERIFY(!f.controller.undoHistory().canUndo());
+    }
+
+    /// Not the text of the field, and not the colors that the dialog has shown on the way.
+    void undoesNumbersAndColors()
+    {
+        ShownWindow f;
+        QVERIFY(f.active);
+        f.addPhotos(words("a.png"));
+        f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Single);
+        auto &editor = f.find<WPresetViewController>("quickWPresetEditor");
+        auto &size = *editor.findChild<QSpinBox *>(u"fontSizeTextField"_qs);
+        const UndoHistory &history = f.controller.undoHistory();
+        const int before = size.value();
+        size.setFocus();
+        QTest::keyClick(&size, Qt::Key_Up);
+        QTest::keyClick(&size, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(&size, u"20"_qs);
+        QCOMPARE(size.value(), 20);
+        for (int i = 0; i < 3 && history.canUndo(); ++i) { // one, on a machine that is not slow
+            QCoreApplication::processEvents();
+            QTest::keyClick(&size, Qt::Key_Z, Qt::ControlModifier);
+        }
+        QVERIFY(!history.canUndo());
+        QCOMPARE(size.value(), before);
+
+        auto &well = *editor.findChild<ColorWell *>(u"fillColorWell"_qs);
+        const std::shared_ptr<WPreset> quick = f.controller.appliedPresets().quickWPreset();
+        for (const bool isAccepted : {false, true}) {
+            QTest::mouseClick(&well, Qt::LeftButton, {}, QPoint(10, 10));
+            auto *const dialog = well.findChild<QColorDialog *>();
+            QVERIFY(dialog);
+            dialog->setCurrentColor(Qt::red);
+            QTest::qWait(1200);
+            dialog->setCurrentColor(Qt::green);
+            QCOMPARE(quick->fillColor(), QColor(Qt::green));
+            QTest::keyClick(dialog, isAccepted ? Qt::Key_Return : Qt::Key_Escape);
+            QCOMPARE(history.canUndo(), isAccepted);
+            QTRY_VERIFY(!well.findChild<QColorDialog *>());
+        }
+        f.controller.undoHistory().undo();
+        QVERIFY(!history.canUndo() && quick->fillColor() != QColor(Qt::red));
     }
 
     void undoes()
