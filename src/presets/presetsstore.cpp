@@ -22,6 +22,7 @@ namespace
 
 const QString kQuickName = QStringLiteral("Quick Preset");
 constexpr int kMaxBackups = 1000;
+constexpr int kLongestDelay = 10;    // of saving, in usual delays
 constexpr qsizetype kMaxReasons = 3; // in one message
 constexpr qsizetype kLongestReason = 300;
 
@@ -98,11 +99,9 @@ PresetsStore::PresetsStore(Alerts &alerts, const FontCatalog &fonts, Places plac
     auto quickWPreset = std::make_shared<WPreset>(fonts);
     quickWPreset->setName(kQuickName);
     setQuickWPreset(std::move(quickWPreset));
-    for (QTimer *const timer : {&m_saveTimer, &m_quickSaveTimer}) {
-        timer->setSingleShot(true);
-        timer->setInterval(saveDelay);
-        connect(timer, &QTimer::timeout, this, &PresetsStore::saveChanges);
-    }
+    m_saveTimer.setSingleShot(true);
+    m_saveTimer.setInterval(saveDelay);
+    connect(&m_saveTimer, &QTimer::timeout, this, &PresetsStore::saveChanges);
     observe(Kind::Watermark, m_wPresets);
     observe(Kind::Saving, m_savingPresets);
     connect(&m_savingPresets, &PresetListSignals::aboutToRemove, this, &PresetsStore::removeAssignments);
@@ -110,38 +109,35 @@ PresetsStore::PresetsStore(Alerts &alerts, const FontCatalog &fonts, Places plac
 
 void PresetsStore::observe(Kind kind, PresetListSignals &list)
 {
-    const auto changed = [this, kind] { listChanged(kind); };
+    const auto changed = [this, kind] { markChanged(kind, Slot::List); };
     connect(&list, &PresetListSignals::inserted, this, changed);
     connect(&list, &PresetListSignals::removed, this, changed);
     connect(&list, &PresetListSignals::moved, this, changed);
     connect(&list, &PresetListSignals::edited, this, changed);
 }
 
-/// Edits are steady while a slider moves, and the picture of a preset may be large.
 void PresetsStore::setQuickWPreset(std::shared_ptr<WPreset> preset)
 {
     if (m_quickWPreset)
         m_quickWPreset->disconnect(this);
     m_quickWPreset = std::move(preset);
-    connect(m_quickWPreset.get(), &WPreset::fieldChanged, this, [this] { quickChanged(Kind::Watermark); });
+    connect(m_quickWPreset.get(), &WPreset::fieldChanged, this,
+            [this] { markChanged(Kind::Watermark, Slot::Quick); });
 }
 
 void PresetsStore::observeQuickSavingPreset()
 {
     connect(m_quickSavingPreset.get(), &SavingPreset::fieldChanged, this,
-            [this] { quickChanged(Kind::Saving); });
+            [this] { markChanged(Kind::Saving, Slot::Quick); });
 }
 
-void PresetsStore::quickChanged(Kind kind)
+/// A file with large pictures takes its time to be written: not while a slider moves, unless that takes long.
+void PresetsStore::markChanged(Kind kind, Slot slot)
 {
-    state(kind, Slot::Quick).isChanged = true;
-    m_quickSaveTimer.start();
-}
-
-void PresetsStore::listChanged(Kind kind)
-{
-    state(kind, Slot::List).isChanged = true;
-    if (!m_saveTimer.isActive()) // restarting it would postpone the saving of a list that is edited steadily
+    state(kind, slot).isChanged = true;
+    if (!m_saveTimer.isActive())
+        m_unsaved.start();
+    if (m_unsaved.elapsed() < kLongestDelay * m_saveTimer.interval())
         m_saveTimer.start();
 }
 
@@ -346,7 +342,6 @@ Result<void> PresetsStore::saveSavingPresets(Slot slot)
 void PresetsStore::saveChanges()
 {
     m_saveTimer.stop();
-    m_quickSaveTimer.stop();
     QStringList reasons;
     const auto save = [&](Kind kind, Slot slot) {
         const FileState before = state(kind, slot);
@@ -431,7 +426,7 @@ void PresetsStore::loadWPreset(const WPreset &preset)
 void PresetsStore::replaceQuickWPreset(const std::shared_ptr<WPreset> &preset)
 {
     setQuickWPreset(preset);
-    quickChanged(Kind::Watermark);
+    markChanged(Kind::Watermark, Slot::Quick);
     Q_EMIT quickWPresetChanged();
 }
 

@@ -7,6 +7,7 @@
 #include "presets/savingpreset.h"
 #include "watermark/wpreset.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
@@ -23,8 +24,8 @@ struct PresetsFileReading;
 
 /// The user's presets and their files: a list and a quick preset of each kind, four files in the support
 /// folder. A file that cannot be read is never lost: it is backed up before it is replaced. A changed list
-/// or quick preset is saved after a second. Other processes may use the same files at the same
-/// time; the last one to save wins. Main thread, with an event loop.
+/// or quick preset is saved a second after its last change. Other processes may use the same files at the
+/// same time; the last one to save wins. Main thread, with an event loop.
 class PresetsStore final : public QObject
 {
     Q_OBJECT
@@ -44,8 +45,7 @@ public:
 
     /// The lists are empty and the quick presets are new ones until readAll(). The services outlive this
     /// object.
-    /// @param saveDelay  time from the first unsaved change of a list, or the last one of a quick preset, to
-    ///                   its saving
+    /// @param saveDelay  time from the last change to its saving; it is ten times that at most from the first
     PresetsStore(Alerts &alerts, const FontCatalog &fonts, Places places = Places::own(),
                  std::chrono::milliseconds saveDelay = std::chrono::seconds(1));
 
@@ -129,8 +129,7 @@ private:
 
     void observe(Kind kind, PresetListSignals &list);
     void observeQuickSavingPreset();
-    void quickChanged(Kind kind);
-    void listChanged(Kind kind);
+    void markChanged(Kind kind, Slot slot);
     void setQuickWPreset(std::shared_ptr<WPreset> preset);
     void removeAssignments(int first, int last);
     PresetsFileReading readFile(const QString &path, Kind kind) const;
@@ -152,8 +151,8 @@ private:
     std::shared_ptr<SavingPreset> m_quickSavingPreset;
     std::array<std::array<Found, 2>, 2> m_found = {}; ///< by kind and slot
     std::array<std::array<FileState, 2>, 2> m_states; ///< likewise
-    QTimer m_saveTimer;
-    QTimer m_quickSaveTimer; ///< since the last change
+    QTimer m_saveTimer;                               ///< since the last change
+    QElapsedTimer m_unsaved;                          ///< since the first change that is not saved
 };
 
 } // namespace plexa

@@ -18,8 +18,8 @@ namespace plexa
 namespace
 {
 
-// Of a number field: its longest usual text, and what is beside that.
-const QString kLongestNumber = QStringLiteral("0000");
+// Of a number field: its longest usual text before the suffix, and what is beside that.
+const QString kLongestNumber = QStringLiteral("00000");
 constexpr int kStepperWidth = 32;
 
 /// Swallows the wheel events of controls that do not have the focus, so that their panel scrolls, and the
@@ -182,7 +182,7 @@ QWidget *EditorForm::number(FieldId field, const QString &purpose, const QString
     box->setSuffix(suffix);
     m_binder.bind(field, *box);
     // Its range is wider than what people enter.
-    box->setFixedWidth(box->fontMetrics().horizontalAdvance(kLongestNumber) + kStepperWidth);
+    box->setFixedWidth(box->fontMetrics().horizontalAdvance(kLongestNumber + suffix) + kStepperWidth);
     guard(*box);
     return box;
 }

@@ -65,6 +65,8 @@ public:
     /// Sets a field of the preset, for a change by the user; nothing without a preset, or while controls are
     /// made to show a value.
     void write(Field field, const FieldValue &value);
+    /// The same for any preset.
+    void write(const std::shared_ptr<Preset> &preset, Field field, const FieldValue &value);
 
     /// Called after each change by the user.
     void setEdited(const Edited &edited) { m_edited = edited; }
@@ -157,9 +159,14 @@ void BinderOf<Preset, Field>::showConditions()
 template<class Preset, class Field>
 void BinderOf<Preset, Field>::write(Field field, const FieldValue &value)
 {
-    if (!m_preset || m_isShowing)
-        return;
-    const std::shared_ptr<Preset> preset = m_preset; // a listener may show another one
+    if (m_preset && !m_isShowing)
+        write(std::shared_ptr(m_preset), field, value); // a listener may show another one
+}
+
+template<class Preset, class Field>
+void BinderOf<Preset, Field>::write(const std::shared_ptr<Preset> &preset, Field field,
+                                    const FieldValue &value)
+{
     const FieldValue before = preset->value(field);
     preset->setValue(field, value);
     if (m_edited && preset->value(field) != before)

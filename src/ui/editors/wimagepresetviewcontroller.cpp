@@ -42,72 +42,94 @@ WImagePresetViewController::WImagePresetViewController(PresetBinder &binder, QWi
     connect(browse, &QAbstractButton::clicked, this, &WImagePresetViewController::browseButtonClicked);
     connect(m_well, &ImageWell::clicked, this, &WImagePresetViewController::browseButtonClicked);
     connect(m_well, &ImageWell::fileChosen, this, [this](const QString &path) {
-        start({path, {}, m_binder.preset()});
+        readFile({path, m_binder.preset()});
     });
     connect(m_well, &ImageWell::imagePasted, this, [this](const QImage &image) {
         m_binder.write(FieldId::Image, WatermarkPicture::fromImage(image));
     });
-    connect(&m_job, &BackgroundJob::ended, this, [this] {
+    connect(&m_reading, &BackgroundJob::ended, this, [this] {
+        if (m_files.empty())
+            return;
+        const File next = m_files.front();
+        m_files.pop_front();
+        readFile(next);
+    });
+    connect(&m_drawing, &BackgroundJob::ended, this, [this] {
         if (m_next)
-            start(*std::exchange(m_next, std::nullopt));
+            startShowing(*std::exchange(m_next, std::nullopt));
     });
-    m_binder.bind(FieldId::Image, [this](const FieldValue &value) {
-        start({{}, std::get<WatermarkPicture>(value), m_binder.preset()});
-    });
+    m_binder.bind(FieldId::Image,
+                  [this](const FieldValue &value) { startShowing(std::get<WatermarkPicture>(value)); });
 }
 
 void WImagePresetViewController::browseButtonClicked()
 {
     chooseImages(ChooserKind::Picture, window(),
                  [this, preset = std::weak_ptr(m_binder.preset())](const QStringList &paths) {
-                     start({paths.value(0), {}, preset});
+                     readFile({paths.value(0), preset});
                  });
 }
 
-/// Reads the file, if there is one, and makes the small picture for the well.
-void WImagePresetViewController::start(const Task &task)
+void WImagePresetViewController::readFile(const File &file)
 {
-    if (m_job.isRunning()) {
-        m_next = task;
-        m_job.cancel();
+    if (m_reading.isRunning()) {
+        m_files.push_back(file);
         return;
     }
-    if (!task.path.isEmpty())
-        m_facts->setText(tr("Reading…"));
-    m_job.start([this, task, room = m_well->pixelSize()] {
+    m_facts->setText(tr("Reading…"));
+    m_reading.start([this, file] {
+        Result<WatermarkPicture> picture = fail(outOfMemoryText());
         try {
-            const Result<WatermarkPicture> picture = task.path.isEmpty()
-                                                         ? Result<WatermarkPicture>(task.picture)
-                                                         : WatermarkPicture::load(task.path);
-            QImage image;
-            if (picture && !picture->size().isEmpty()) {
-                const QSize size = picture->size().scaled(room, Qt::KeepAspectRatio).toSize();
-                image = picture->imageOfSize(size.expandedTo({1, 1}), [this] { return m_job.isCanceled(); });
-            }
-            m_job.post([=, this] { show(task, picture, image); });
+            picture = WatermarkPicture::load(file.path);
         } catch (const std::bad_alloc &) {
-            m_job.post([=, this] { show(task, fail(outOfMemoryText()), {}); });
         }
+        m_reading.post([=, this] { take(file, picture); });
         return true;
     });
 }
 
-void WImagePresetViewController::show(const Task &task, const Result<WatermarkPicture> &picture,
-                                      const QImage &image)
+void WImagePresetViewController::take(const File &file, const Result<WatermarkPicture> &picture)
 {
-    if (m_next || task.preset.lock() != m_binder.preset())
-        return; // about a picture that is no longer wanted
+    const std::shared_ptr<WPreset> preset = file.preset.lock();
     if (!picture) {
         m_facts->setText(withLineBreaks(picture.error().text));
+    } else if (preset) {
+        m_binder.write(preset, FieldId::Image, *picture);
+        if (preset == m_binder.preset()) // the picture may be the one that it had
+            startShowing(*picture);
+    }
+}
+
+/// Makes the small picture for the well.
+void WImagePresetViewController::startShowing(const WatermarkPicture &picture)
+{
+    if (m_drawing.isRunning()) {
+        m_next = picture;
+        m_drawing.cancel();
         return;
     }
-    if (!task.path.isEmpty()) {
-        m_binder.write(FieldId::Image, *picture); // comes back here to be shown
-        return;
-    }
+    m_drawing.start([this, picture, room = m_well->pixelSize()] {
+        QImage image;
+        try {
+            if (!picture.size().isEmpty()) {
+                const QSize size = picture.size().scaled(room, Qt::KeepAspectRatio).toSize();
+                image =
+                    picture.imageOfSize(size.expandedTo({1, 1}), [this] { return m_drawing.isCanceled(); });
+            }
+        } catch (const std::bad_alloc &) {
+        }
+        m_drawing.post([=, this] { show(picture, image); });
+        return true;
+    });
+}
+
+void WImagePresetViewController::show(const WatermarkPicture &picture, const QImage &image)
+{
+    if (m_next)
+        return; // about a picture that is no longer wanted
     m_well->setImage(image);
-    m_well->setHint(picture->isNull() ? tr("Drop a picture here") : tr("The picture cannot be shown"));
-    showFacts(*picture);
+    m_well->setHint(picture.isNull() ? tr("Drop a picture here") : tr("The picture cannot be shown"));
+    showFacts(picture);
 }
 
 void WImagePresetViewController::showFacts(const WatermarkPicture &picture)

@@ -8,6 +8,10 @@
 
 #include <QWidget>
 
+#include <deque>
+#include <memory>
+#include <optional>
+
 class QLabel;
 
 namespace plexa
@@ -16,7 +20,8 @@ namespace plexa
 class ImageWell;
 
 /// What an image watermark has beside the rest: its picture, which is dropped, pasted or chosen. A file that
-/// cannot be read leaves the former picture and says why. Main thread; files are read in the background.
+/// cannot be read leaves the former picture and says why. Main thread; files are read in the background, for
+/// the preset for which they were chosen, also when another one is shown meanwhile.
 class WImagePresetViewController final : public QWidget
 {
     Q_OBJECT
@@ -26,23 +31,26 @@ public:
     explicit WImagePresetViewController(PresetBinder &binder, QWidget *parent = nullptr);
 
 private:
-    /// A picture that is wanted: a file that is not read yet, or one that is to be shown.
-    struct Task {
+    /// A file that was chosen for a preset.
+    struct File {
         QString path;
-        WatermarkPicture picture;
         std::weak_ptr<WPreset> preset;
     };
 
     void browseButtonClicked();
-    void start(const Task &task);
-    void show(const Task &task, const Result<WatermarkPicture> &picture, const QImage &image);
+    void readFile(const File &file);
+    void take(const File &file, const Result<WatermarkPicture> &picture);
+    void startShowing(const WatermarkPicture &picture);
+    void show(const WatermarkPicture &picture, const QImage &image);
     void showFacts(const WatermarkPicture &picture);
 
     PresetBinder &m_binder;
     ImageWell *const m_well;
     QLabel *const m_facts;
-    std::optional<Task> m_next;
-    BackgroundJob m_job;
+    std::deque<File> m_files;               ///< to be read after the one that is being read
+    std::optional<WatermarkPicture> m_next; ///< to be shown instead of the one that is being drawn
+    BackgroundJob m_reading;
+    BackgroundJob m_drawing;
 };
 
 } // namespace plexa

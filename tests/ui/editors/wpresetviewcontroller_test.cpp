@@ -284,6 +284,13 @@ private Q_SLOTS:
         QTRY_VERIFY2(withoutLineBreaks(facts.text()).contains(broken), qPrintable(facts.text()));
         QTRY_VERIFY(editor.view.widget()->width() <= editor.view.width()); // its name is wrapped
         QVERIFY(editor.preset->image() == before);
+        // Another preset is selected before the file is read.
+        QVERIFY(drop(editor.files.photo("other.png", {20, 10})));
+        const auto second = std::make_shared<WPreset>(editor.preset->values());
+        editor.view.setPreset(second);
+        QTRY_COMPARE(editor.preset->image().size(), QSizeF(20, 10));
+        QTRY_COMPARE(facts.text(), u"40 x 30 pixels"_qs);
+        QVERIFY(second->image() == before);
     }
 
     void savingPresets()
