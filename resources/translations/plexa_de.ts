@@ -1362,6 +1362,13 @@
     </message>
 </context>
 <context>
+    <name>plexa::AngleWheel</name>
+    <message>
+        <source>%1 degrees</source>
+        <translation>%1 Grad</translation>
+    </message>
+</context>
+<context>
     <name>plexa::AppDelegate</name>
     <message>
         <source>Your feedback</source>

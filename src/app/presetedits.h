@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "app/editpause.h"
+#include "app/editruns.h"
 #include "app/indexlist.h"
 #include "presets/presetlist.h"
 #include "presets/savingpreset.h"
@@ -66,6 +66,7 @@ private:
     struct Run {
         std::shared_ptr<Preset> preset;
         Field field;
+        int number; ///< of EditRuns
         FieldValue before;
         FieldValue now;
     };
@@ -78,7 +79,7 @@ private:
     const RememberLinks m_rememberLinks;
     std::function<void(const IndexList &rows)> m_showRows;
     std::shared_ptr<Run> m_run; ///< that the next change of its field joins
-    EditPause m_pause;
+    EditRuns m_runs;
 };
 
 using WPresetEdits = PresetEditsOf<WPreset, FieldId>;
@@ -189,16 +190,16 @@ template<class Preset, class Field>
 void PresetEditsOf<Preset, Field>::fieldEdited(const std::shared_ptr<Preset> &preset, Field field,
                                                const FieldValue &before, const FieldValue &now)
 {
-    if (m_run && m_pause.isRunning() && m_run->preset == preset && m_run->field == field) {
+    const int number = m_runs.numberOf(now);
+    if (m_run && m_run->number == number && m_run->preset == preset && m_run->field == field) {
         m_run->now = now;
     } else {
-        const auto run = std::make_shared<Run>(Run{preset, field, before, now});
+        const auto run = std::make_shared<Run>(Run{preset, field, number, before, now});
         m_record(
             tr("Edit Preset"), [this, run] { return exchange(*run, run->now, run->before); },
             [this, run] { return exchange(*run, run->before, run->now); });
         m_run = run;
     }
-    m_pause.start();
 }
 
 /// Leaves a preset alone that is gone, and a field that something else has changed.

@@ -231,7 +231,7 @@ public:
         : Step(history, tr("Edit Watermark"))
         , m_preset(preset)
         , m_field(field)
-        , m_run(history.m_presetRun)
+        , m_run(history.m_presetRuns.numberOf(now))
         , m_before(before)
         , m_after(now)
     {
@@ -370,16 +370,13 @@ void UndoHistory::imagesTurned(ImageTransform operation, const TurnedImages &bef
 void UndoHistory::presetEdited(const std::shared_ptr<WPreset> &preset, FieldId field,
                                const FieldValue &before, const FieldValue &now)
 {
-    if (!m_presetPause.isRunning())
-        ++m_presetRun;
-    m_presetPause.start();
     m_stack.push(new PresetStep(*this, preset, field, before, now));
 }
 
 void UndoHistory::record(const QString &text, const std::function<bool()> &restore,
                          const std::function<bool()> &repeat)
 {
-    m_presetPause.stop();
+    m_presetRuns.end();
     m_stack.push(new RecordedStep(*this, text, restore, repeat));
 }
 
@@ -393,7 +390,7 @@ void UndoHistory::show(const ImageList &images)
 void UndoHistory::undo()
 {
     ++m_keyRun;
-    m_presetPause.stop();
+    m_presetRuns.end();
     // A step that did nothing has left the stack.
     for (int count = 0; canUndo() && count != m_stack.count();) {
         count = m_stack.count();
@@ -404,7 +401,7 @@ void UndoHistory::undo()
 void UndoHistory::redo()
 {
     ++m_keyRun;
-    m_presetPause.stop();
+    m_presetRuns.end();
     for (int count = 0; canRedo() && count != m_stack.count();) {
         count = m_stack.count();
         m_stack.redo();

@@ -4,7 +4,7 @@
 
 #include "app/appliedpresets.h"
 #include "app/batchimageoperation.h"
-#include "app/editpause.h"
+#include "app/editruns.h"
 #include "app/imageset.h"
 #include "app/manualpositions.h"
 
@@ -89,8 +89,7 @@ private:
 
     const Models m_models;
     int m_keyRun = 0; // a movement with the keyboard ends when something is undone
-    int m_presetRun = 0;
-    EditPause m_presetPause;
+    EditRuns m_presetRuns;
     // Of the rotation that is being undone or redone: its step may be discarded meanwhile.
     std::shared_ptr<TurnedImages> m_turning;
     QUndoStack m_stack{this};

@@ -23,7 +23,7 @@ const QString kLongestNumber = QStringLiteral("00000");
 constexpr int kStepperWidth = 32;
 
 /// Swallows the wheel events of controls that do not have the focus, so that their panel scrolls, and the
-/// claim of number fields to undo their text.
+/// claim of fields to undo their text.
 class ControlGuard final : public QObject
 {
 public:
@@ -32,19 +32,23 @@ public:
     {
         const bool isForPanel =
             event->type() == QEvent::Wheel && !static_cast<QWidget *>(watched)->hasFocus();
-        if (!isForPanel && !isUndoOfNumber(*watched, *event))
+        if (!isForPanel && !isUndoOfValue(*watched, *event))
             return false;
         event->ignore();
         return true;
     }
 
 private:
-    static bool isUndoOfNumber(const QObject &control, const QEvent &event)
+    /// An editable pop-up may hold a text that is not in the preset yet.
+    static bool isUndoOfValue(const QObject &control, const QEvent &event)
     {
-        if (event.type() != QEvent::ShortcutOverride || !qobject_cast<const QAbstractSpinBox *>(&control))
+        if (event.type() != QEvent::ShortcutOverride)
             return false;
         const auto &key = static_cast<const QKeyEvent &>(event);
-        return key.matches(QKeySequence::Undo) || key.matches(QKeySequence::Redo);
+        const auto *const popUp = qobject_cast<const QComboBox *>(&control);
+        return (key.matches(QKeySequence::Undo) || key.matches(QKeySequence::Redo)) &&
+               (popUp ? popUp->currentText() == popUp->itemText(popUp->currentIndex())
+                      : qobject_cast<const QAbstractSpinBox *>(&control) != nullptr);
     }
 };
 

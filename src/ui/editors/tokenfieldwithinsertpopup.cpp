@@ -319,9 +319,12 @@ void TokenFieldWithInsertPopup::mouseDoubleClickEvent(QMouseEvent *event)
         QTextEdit::mouseDoubleClickEvent(event);
 }
 
+/// From now on what was edited is one step of the window (EditRuns).
 void TokenFieldWithInsertPopup::focusOutEvent(QFocusEvent *event)
 {
     m_completion->close();
+    if (event->reason() != Qt::PopupFocusReason)
+        document()->clearUndoRedoStacks();
     QTextEdit::focusOutEvent(event);
 }
 

@@ -3,6 +3,7 @@
 #include "ui/widgets/anglewheel.h"
 
 #include <QKeyEvent>
+#include <QLocale>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
@@ -39,6 +40,12 @@ AngleWheel::AngleWheel(const QString &purpose, QWidget *parent)
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setAccessibleName(purpose);
     setToolTip(purpose);
+    // Its position is of no use to people.
+    const auto describe = [this](int position) {
+        setAccessibleDescription(tr("%1 degrees").arg(locale().toString(degreesAt(position))));
+    };
+    connect(this, &QAbstractSlider::valueChanged, this, describe);
+    describe(value());
 }
 
 QSize AngleWheel::sizeHint() const

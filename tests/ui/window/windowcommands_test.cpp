@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "ui/editors/tokenfieldwithinsertpopup.h"
 #include "ui/editors/wpresetviewcontroller.h"
 #include "ui/preview/imageviewwithwatermarkcontrol.h"
 #include "ui/shownwindow.h"
@@ -91,6 +92,42 @@ private Q_SLOTS:
         press(Qt::ControlModifier);
         QCOMPARE(quick->opacity(), 50);
         QVERIFY(!f.controller.undoHistory().canUndo());
+    }
+
+    /// The field undoes single changes; for the window they are one step, which undo in the field takes back.
+    void undoesTexts()
+    {
+        ShownWindow f;
+        QVERIFY(f.active);
+        f.addPhotos(words("a.png"));
+        f.controller.appliedPresets().modeDidChange(AppliedPresets::Mode::Single);
+        auto &editor = f.find<WPresetViewController>("quickWPresetEditor");
+        auto &tokens = *editor.findChild<TokenFieldWithInsertPopup *>(u"textTokensField"_qs);
+        const UndoHistory &history = f.controller.undoHistory();
+        const QStringList before = tokens.textTokens();
+        const auto type = [&tokens](const QString &text) {
+            tokens.setFocus();
+            tokens.selectAll();
+            QTest::keyClicks(&tokens, text);
+            QTest::qWait(1200); // a number would begin a step
+        };
+        const auto undoInField = [&tokens] { QTest::keyClick(&tokens, Qt::Key_Z, Qt::ControlModifier); };
+        type(u"one"_qs);
+        type(u"two"_qs);
+        QVERIFY(history.canUndo());
+        while (tokens.document()->isUndoAvailable())
+            undoInField();
+        QCOMPARE(tokens.textTokens(), before);
+        QVERIFY(!history.canUndo());
+        type(u"three"_qs);
+        undoInField();
+        type(u"four"_qs);
+        f.grid.setFocus();
+        tokens.setFocus();
+        QCoreApplication::processEvents();
+        undoInField(); // it is the window that does it now
+        QCOMPARE(tokens.textTokens(), before);
+        QVERIFY(!history.canUndo());
     }
 
     /// Not the text of the field, and not the colors that the dialog has shown on the way.
