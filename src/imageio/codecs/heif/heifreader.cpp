@@ -37,11 +37,15 @@ struct OpenPicture {
     /// and conversion; one coded picture in the decoder with its block data. Found by measuring.
     qint64 decodingBytes() const
     {
-        const qint64 canvas = qint64(measure.canvas.width()) * measure.canvas.height();
+        // The library's planes have at least 64 rows and columns.
+        const QSize held = measure.canvas.expandedTo({64, 64});
+        const qint64 canvas = qint64(held.width()) * held.height();
+        const qint64 largest =
+            held == measure.canvas ? measure.largestPixels : qMax(measure.largestPixels, canvas);
         const qint64 sampleBytes = isDeep() ? 2 : 1;
         const qint64 planes = (hasAlpha ? 4 : 3) * sampleBytes;
         return canvas * planes * (isRotatedByLibrary ? 3 : 2) +
-               measure.largestPixels * ((hasAlpha ? 6 : 3) * sampleBytes + 3);
+               largest * ((hasAlpha ? 6 : 3) * sampleBytes + 3);
     }
 };
 

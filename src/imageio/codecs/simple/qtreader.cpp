@@ -259,6 +259,15 @@ void jumpToLargest(QImageReader &reader)
         reader.jumpToImage(largest);
 }
 
+/// A BMP whose rows run from the top has a negative height.
+QSize sizeOf(const QImageReader &reader)
+{
+    const QSize size = reader.size();
+    return size.height() < 0 && size.height() > std::numeric_limits<int>::min()
+               ? QSize(size.width(), -size.height())
+               : size;
+}
+
 /// Prepares a reader for one format and checks the size.
 Result<void> prepare(QImageReader &reader, QIODevice &device, const QtPlugin &plugin,
                      const PictureHeader &header, const ReadLimits &limits)
@@ -280,7 +289,7 @@ Result<void> prepare(QImageReader &reader, QIODevice &device, const QtPlugin &pl
         return fail(PictureFailures::notAPicture());
     if (plugin.isIcon)
         jumpToLargest(reader);
-    const QSize size = reader.size();
+    const QSize size = sizeOf(reader);
     return size.isValid() ? PictureFailures::checkSize(size, limits) : Result<void>();
 }
 
@@ -303,9 +312,9 @@ void fillSamples(QImage &image, const std::array<int, 4> &bits)
 QImage clearedPicture(const QImageReader &reader)
 {
     const QImage::Format format = reader.imageFormat();
-    if (!reader.size().isValid() || format == QImage::Format_Invalid)
+    if (!sizeOf(reader).isValid() || format == QImage::Format_Invalid)
         return {};
-    QImage image(reader.size(), format);
+    QImage image(sizeOf(reader), format);
     if (!image.isNull())
         std::fill_n(image.bits(), image.sizeInBytes(), uchar(0));
     return image;
@@ -379,7 +388,7 @@ Result<PictureInfo> readInfo(const QtPlugin &plugin, QIODevice &device, const Re
     if (const auto prepared = prepare(reader, device, plugin, header, limits); !prepared)
         return tl::unexpected(prepared.error());
     PictureInfo info;
-    info.rows = {reader.size(), announcesAlpha(reader, header)};
+    info.rows = {sizeOf(reader), announcesAlpha(reader, header)};
     if (!info.rows.size.isValid()) { // some plugins know it only after decoding
         QImage image;
         if (!reader.read(&image))
@@ -417,9 +426,9 @@ Result<std::unique_ptr<RowReader>> openReader(const QtPlugin &plugin, QIODevice 
     QImageReader reader;
     if (const auto prepared = prepare(reader, watch, plugin, header, limits); !prepared)
         return tl::unexpected(prepared.error());
-    if (reader.size().isValid()) {
+    if (sizeOf(reader).isValid()) {
         const int pixelBytes = hasDeepComponents(reader.imageFormat()) ? 8 : 4;
-        const auto checked = PictureFailures::checkMemory(reader.size(), pixelBytes, limits);
+        const auto checked = PictureFailures::checkMemory(sizeOf(reader), pixelBytes, limits);
         if (!checked)
             return tl::unexpected(checked.error());
     }
