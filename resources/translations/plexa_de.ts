@@ -3314,6 +3314,10 @@ Doppelklicken Sie unten auf eine oder ziehen Sie sie hierher.</translation>
             <numerusform>Die Liste enthielt %n Fotos. Möchten Sie sie mit ihren Drehungen, Positionen, den bearbeiteten Metadaten und den angewendeten Vorgaben zurückhaben?</numerusform>
         </translation>
     </message>
+    <message>
+        <source>The list had no photos. Do you want the applied presets back?</source>
+        <translation>Die Liste enthielt keine Fotos. Möchten Sie die angewendeten Vorgaben zurückhaben?</translation>
+    </message>
 </context>
 <context>
     <name>plexa::StatusLineView</name>

@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 namespace plexa
 {
@@ -79,13 +80,20 @@ bool isInTemporaryFolder(const QString &path)
     });
 }
 
+bool isFileInTemporaryFolder(const QString &path)
+{
+    const QFileInfo file(path);
+    return file.isFile() && !file.isSymLink() &&
+           isInTemporaryFolder(QFileInfo(file.absolutePath()).canonicalFilePath());
+}
+
 /// Whether the file is the companion's own, which this program has to delete. An info file from elsewhere
 /// must not be able to delete the user's photos.
 bool isTemporaryCopy(const QString &path, const QString &photo, const QString &infoFolder)
 {
     const QFileInfo file(path);
-    const QString folder = QFileInfo(file.absolutePath()).canonicalFilePath();
-    return file.isFile() && !file.isSymLink() && folder == infoFolder && isInTemporaryFolder(folder) &&
+    return isFileInTemporaryFolder(path) &&
+           QFileInfo(file.absolutePath()).canonicalFilePath() == infoFolder &&
            file.canonicalFilePath() != QFileInfo(photo).canonicalFilePath();
 }
 
@@ -209,6 +217,12 @@ void CompanionExchange::openTempFilesFromCompanionApplicationUsingInfoFile(const
     }
     if (!m_services.save.isSavingInProgress())
         addReceived();
+}
+
+void CompanionExchange::adoptTemporaryFiles(const QStringList &paths)
+{
+    std::copy_if(paths.begin(), paths.end(), std::back_inserter(m_temporaryExchangeFiles),
+                 isFileInTemporaryFolder);
 }
 
 void CompanionExchange::addReceived()

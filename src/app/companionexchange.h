@@ -56,6 +56,12 @@ public:
     /// logged and deleted.
     void openTempFilesFromCompanionApplicationUsingInfoFile(const QString &path);
 
+    /// The files of received photos that are deleted at the end.
+    const QStringList &temporaryFiles() const { return m_temporaryExchangeFiles; }
+    /// Deletes those of a program that was killed at the end, too. Ignores files that are not in a temporary
+    /// folder.
+    void adoptTemporaryFiles(const QStringList &paths);
+
     /// Has to be called when a save has finished.
     void saveEnded();
 

@@ -27,6 +27,7 @@ constexpr int kQuickPreset = -1; // in the place of a row
 
 const QString kPhotos = QStringLiteral("photos");
 const QString kApplied = QStringLiteral("applied");
+const QString kTemporary = QStringLiteral("temporary"); // received files, to be deleted
 const QString kPath = QStringLiteral("path");
 const QString kReadFrom = QStringLiteral("readFrom");
 const QString kTurns = QStringLiteral("turns");
@@ -167,6 +168,7 @@ void SessionRecord::begin()
     if (m_hasEnded) // without an answer: the next start asks again
         return;
     m_isRecording = true;
+    m_controller.companionExchange().adoptTemporaryFiles(session[kTemporary].toVariant().toStringList());
     if (isWanted)
         restore(session);
     else
@@ -186,7 +188,8 @@ bool SessionRecord::mayRestore(qsizetype photoCount)
     alert.style = Alert::Style::Informational;
     alert.title = tr("%1 did not quit properly").arg(applicationName());
     alert.text =
-        photoCount == 1
+        photoCount == 0 ? tr("The list had no photos. Do you want the applied presets back?")
+        : photoCount == 1
             ? tr("The list had one photo. Do you want it back, with its rotation, positions and "
                  "edited metadata, and the applied presets?")
             : tr("The list had %n photos. Do you want them back, with their rotations, positions and "
@@ -212,7 +215,8 @@ QJsonObject SessionRecord::record() const
         photos.append(photo);
     }
     return {{kPhotos, photos},
-            {kApplied, presets.references(m_controller.appliedPresets().wPresetsApplied())}};
+            {kApplied, presets.references(m_controller.appliedPresets().wPresetsApplied())},
+            {kTemporary, QJsonArray::fromStringList(m_controller.companionExchange().temporaryFiles())}};
 }
 
 /// By the place of the photo in the record. Kept apart from it, because the conversion is work for the

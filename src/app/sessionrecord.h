@@ -19,8 +19,9 @@ class Alerts;
 class AppController;
 
 /// Keeps the working set and the applied presets in a file while the program runs, so that they survive a
-/// crash: the paths of the photos with their turns, the positions chosen by hand and edited metadata. Of
-/// several processes at a time, the first one does this. Main thread.
+/// crash: the paths of the photos with their turns, the positions chosen by hand and edited metadata, and the
+/// received files that are to be deleted. Of several processes at a time, the first one does this. Main
+/// thread.
 class SessionRecord final : public QObject
 {
     Q_OBJECT

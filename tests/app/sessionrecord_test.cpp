@@ -45,9 +45,14 @@ private Q_SLOTS:
         files.store.wPresetList().append({namedPreset(u"one"_qs), namedPreset(u"two"_qs)});
         const WPresetList &presets = files.store.wPresets();
         ImageMetadata edited;
+        const QString received = files.folder.path("received.tif");
+        const auto receive = [&received] { return writeFile(received, "x"); };
+        QVERIFY(receive());
         {
             Program first(files);
             first.session.begin(); // nothing to ask about
+            first.app.companionExchange().adoptTemporaryFiles({received, u"/etc/hostname"_qs});
+            QCOMPARE(first.app.companionExchange().temporaryFiles(), QStringList(received));
             first.app.imageSet().addImage(files.photo("a.png"), {});
             first.app.imageSet().addImage(u"/photos/b.jpg"_qs, files.photo("temporary.png"));
             first.app.appliedPresets().addWPresetsToApplied({presets[1], presets[0]});
@@ -72,10 +77,12 @@ private Q_SLOTS:
             other.session.begin();
             other.session.end();
         }
+        QVERIFY(receive()); // a program that is killed does not delete it
         {
             Program second(files);
             files.alerts.expect(kQuestion, {0, false});
             second.session.begin();
+            QVERIFY(QFile::exists(received));
             QTRY_VERIFY(isIdle(second.app.gathering()));
             QCOMPARE(shownNames(second.app.imageSet()), u"b a"_qs);
             QCOMPARE(second.photo(0).readPath(), files.photo("temporary.png"));
@@ -93,6 +100,7 @@ private Q_SLOTS:
             QCOMPARE(names(second.app.appliedPresets().wPresetsApplied()), u"two one"_qs);
             // A crash once more, with the same contents.
         }
+        QVERIFY(!QFile::exists(received) && receive());
         {
             Program third(files);
             files.alerts.expect(kQuestion, {1, false});
@@ -103,6 +111,7 @@ private Q_SLOTS:
             third.session.end();
             QVERIFY(!QFile::exists(SessionRecord::path()));
         }
+        QVERIFY(!QFile::exists(received));
         Program last(files);
         last.session.begin(); // the third one has quit
         QCOMPARE(files.alerts.complaints(), QStringList());

@@ -75,6 +75,7 @@ DesktopApplication::DesktopApplication(ApplicationService &service, const News::
     // Direct: the session manager waits for the answer.
     connect(qGuiApp, &QGuiApplication::commitDataRequest, this, &DesktopApplication::sessionEnds,
             Qt::DirectConnection);
+    qApp->installEventFilter(this);
     m_window.actions().setHandler(ActionId::Feedback,
                                   [] { QDesktopServices::openUrl(AppDelegate::feedbackPage()); });
     m_window.actions().setHandler(ActionId::CheckForUpdates, [this] { m_news.checkForUpdates(); });
@@ -182,6 +183,15 @@ void DesktopApplication::sessionEnds(QSessionManager &manager)
     if (!mayQuit())
         manager.cancel();
     manager.release();
+}
+
+/// The end of the desktop session would close the window as if the user had done it.
+bool DesktopApplication::eventFilter(QObject *object, QEvent *event)
+{
+    if (object != qApp || event->type() != QEvent::Quit || m_isQuitting)
+        return false;
+    terminate();
+    return true;
 }
 
 void DesktopApplication::terminate()

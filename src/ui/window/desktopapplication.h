@@ -53,6 +53,9 @@ public:
     MainWindow &window() { return m_window; }
     AppController &controller() { return m_controller; }
 
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
+
 private:
     bool mayClose();
     bool mayQuit();

@@ -75,6 +75,22 @@ private Q_SLOTS:
         QCOMPARE(namesIn(copies).size(), 1); // the photo in work was completed
     }
 
+    /// The session manager tells the program to end. The next start has nothing to restore.
+    void endsWithTheDesktopSession()
+    {
+        WorkingSet files;
+        ApplicationService service;
+        DesktopApplication program(service, {});
+        program.launch({files.photo("a.png")});
+        QTRY_VERIFY(QFile::exists(SessionRecord::path()));
+        QTimer::singleShot(0, &program, [] {
+            QEvent quit(QEvent::Quit);
+            QCoreApplication::sendEvent(qApp, &quit);
+        });
+        QCOMPARE(QApplication::exec(), 0);
+        QVERIFY(!QFile::exists(SessionRecord::path()) && !program.window().isVisible());
+    }
+
     void signalDuringAQuestionAtTheStart()
     {
         WorkingSet files;
