@@ -1497,6 +1497,14 @@
         <source>Keep Saving</source>
         <translation>Weiter speichern</translation>
     </message>
+    <message>
+        <source>Files elsewhere cannot be opened</source>
+        <translation>Dateien von anderen Orten können nicht geöffnet werden</translation>
+    </message>
+    <message>
+        <source>Copy them to a folder of this computer first: %1</source>
+        <translation>Kopieren Sie sie zuerst in einen Ordner dieses Rechners: %1</translation>
+    </message>
 </context>
 <context>
     <name>plexa::DesktopNotification</name>

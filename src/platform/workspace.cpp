@@ -20,6 +20,8 @@ struct Release {
     void operator()(GDesktopAppInfo *object) const { g_object_unref(object); }
     void operator()(GError *error) const { g_error_free(error); }
     void operator()(GList *uris) const { g_list_free_full(uris, g_free); }
+    void operator()(GFile *file) const { g_object_unref(file); }
+    void operator()(char *text) const { g_free(text); }
 };
 
 using Application = std::unique_ptr<GDesktopAppInfo, Release>;
@@ -69,6 +71,15 @@ bool openByScheme(const QUrl &url)
     const std::unique_ptr<GError, Release> reason(error);
     qWarning("%s: address cannot be opened: %s", qUtf8Printable(url.scheme()), reason ? reason->message : "");
     return false;
+}
+
+QString localPathOf(const QUrl &url)
+{
+    if (url.isLocalFile())
+        return url.toLocalFile();
+    const std::unique_ptr<GFile, Release> file(g_file_new_for_uri(url.toEncoded().constData()));
+    const std::unique_ptr<char, Release> path(g_file_get_path(file.get()));
+    return path ? QFile::decodeName(path.get()) : QString();
 }
 
 Workspace &desktopWorkspace()

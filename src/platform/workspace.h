@@ -30,6 +30,10 @@ public:
 /// @return false if there is no such program or it cannot be started
 bool openByScheme(const QUrl &url);
 
+/// The path of a file, which may be on a share or a camera that the desktop has mounted. Any thread.
+/// @return an empty path if the address has none
+QString localPathOf(const QUrl &url);
+
 /// The workspace of the user's desktop. Has no state.
 Workspace &desktopWorkspace();
 

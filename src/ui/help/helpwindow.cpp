@@ -217,7 +217,8 @@ QWidget *HelpWindow::makeSide()
 
     auto *const side = new QWidget;
     auto *const layout = new QVBoxLayout(side);
-    layout->setContentsMargins(look::kGap, 0, 0, look::kGap);
+    const bool isReversed = layoutDirection() == Qt::RightToLeft;
+    layout->setContentsMargins(isReversed ? 0 : look::kGap, 0, isReversed ? look::kGap : 0, look::kGap);
     layout->setSpacing(look::kGap);
     layout->addWidget(m_search);
     layout->addWidget(m_contentsOrHits, 1);

@@ -2,6 +2,8 @@
 
 #include "ui/widgets/filedrops.h"
 
+#include "platform/workspace.h"
+
 #include <QDropEvent>
 #include <QMimeData>
 #include <QUrl>
@@ -16,8 +18,8 @@ QStringList droppedFiles(const QMimeData *data)
         return {};
     QStringList paths;
     for (const QUrl &url : data->urls()) {
-        if (url.isLocalFile() && !url.toLocalFile().isEmpty())
-            paths.append(url.toLocalFile());
+        if (const QString path = localPathOf(url); !path.isEmpty())
+            paths.append(path);
     }
     return paths;
 }

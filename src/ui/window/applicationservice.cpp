@@ -3,6 +3,7 @@
 #include "ui/window/applicationservice.h"
 
 #include "platform/identity.h"
+#include "platform/workspace.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -116,12 +117,14 @@ void ApplicationService::Open(const QStringList &uris, const QVariantMap &platfo
 {
     applyPlatformData(platformData);
     QStringList paths;
+    QStringList others;
     for (const QString &uri : uris) {
-        const QUrl url(uri);
-        if (url.isLocalFile())
-            paths.append(url.toLocalFile());
+        const QString path = localPathOf(QUrl(uri));
+        (path.isEmpty() ? others : paths).append(path.isEmpty() ? uri : path);
     }
     Q_EMIT opened(paths);
+    if (!others.isEmpty())
+        Q_EMIT refused(others);
 }
 
 void ApplicationService::ActivateAction(const QString &name, const QVariantList &,

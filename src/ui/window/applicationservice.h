@@ -52,6 +52,9 @@ Q_SIGNALS:
     /// Files to open; none: only shows the window.
     void opened(const QStringList &paths);
 
+    /// Addresses that are not of the file system.
+    void refused(const QStringList &addresses);
+
     /// An action of the desktop file, by its name there.
     void actionWanted(const QString &name);
 

@@ -66,6 +66,8 @@ DesktopApplication::DesktopApplication(ApplicationService &service, const News::
     // Queued: the sender waits for the reply of the call, which must not wait for the user.
     connect(&m_service, &ApplicationService::opened, &m_delegate, &AppDelegate::openFiles,
             Qt::QueuedConnection);
+    connect(&m_service, &ApplicationService::refused, this, &DesktopApplication::reportRefused,
+            Qt::QueuedConnection);
     connect(&m_service, &ApplicationService::actionWanted, this, &DesktopApplication::runAction,
             Qt::QueuedConnection);
     const BatchSave &save = m_controller.batchSave();
@@ -121,6 +123,19 @@ void DesktopApplication::windowClosed()
         return;
     // After the window has closed; the user may still decide to keep it.
     QMetaObject::invokeMethod(this, &DesktopApplication::quit, Qt::QueuedConnection);
+}
+
+void DesktopApplication::reportRefused(const QStringList &addresses)
+{
+    constexpr qsizetype kShown = 300; // of what any program may send
+    QString list = addresses.join(QStringLiteral(", "));
+    if (list.size() > kShown)
+        list = list.left(kShown) + u'\u2026';
+    Alert alert;
+    alert.style = Alert::Style::Warning;
+    alert.title = tr("Files elsewhere cannot be opened");
+    alert.text = tr("Copy them to a folder of this computer first: %1").arg(list);
+    m_alerts.run(alert);
 }
 
 /// Asks at the first time only.

@@ -63,6 +63,7 @@ private:
     void quit();
     void sessionEnds(QSessionManager &manager);
     void windowClosed();
+    void reportRefused(const QStringList &addresses);
 
     ApplicationService &m_service;
     bool m_hasPresets = false; // they are read

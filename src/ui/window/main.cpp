@@ -2,6 +2,7 @@
 
 #include "platform/applicationname.h"
 #include "platform/identity.h"
+#include "platform/workspace.h"
 #include "ui/widgets/lightappearance.h"
 #include "ui/widgets/translations.h"
 #include "ui/window/applicationservice.h"
@@ -54,8 +55,8 @@ Arguments argumentsOf(const QCoreApplication &application)
     Arguments arguments;
     arguments.addsPhotos = parser.isSet(addPhotos);
     for (const QString &file : parser.positionalArguments()) {
-        const QUrl url(file);
-        arguments.paths.append(url.isLocalFile() ? url.toLocalFile() : QFileInfo(file).absoluteFilePath());
+        const QString path = QUrl(file).scheme().isEmpty() ? QString() : plexa::localPathOf(QUrl(file));
+        arguments.paths.append(path.isEmpty() ? QFileInfo(file).absoluteFilePath() : path);
     }
     return arguments;
 }
