@@ -29,11 +29,12 @@ bool isPicture(const QMimeData *data)
 } // namespace
 
 ImageWell::ImageWell(const QString &purpose, QWidget *parent)
-    : QFrame(parent)
+    : QAbstractButton(parent)
 {
     setAccessibleName(purpose);
     setAcceptDrops(true);
     setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     setFixedHeight(kHeight);
     setCursor(Qt::PointingHandCursor);
 }
@@ -126,26 +127,20 @@ void ImageWell::dropEvent(QDropEvent *event)
     }
 }
 
-void ImageWell::mouseReleaseEvent(QMouseEvent *event)
-{
-    if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()))
-        Q_EMIT clicked();
-}
-
 void ImageWell::keyPressEvent(QKeyEvent *event)
 {
     if (event->matches(QKeySequence::Paste))
         paste();
-    else if (event->key() == Qt::Key_Space || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        Q_EMIT clicked();
+    else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        click();
     else
-        QFrame::keyPressEvent(event);
+        QAbstractButton::keyPressEvent(event);
 }
 
 void ImageWell::contextMenuEvent(QContextMenuEvent *event)
 {
     QMenu menu(this);
-    menu.addAction(tr("Choose Picture…"), this, &ImageWell::clicked);
+    menu.addAction(tr("Choose Picture…"), this, &QAbstractButton::click);
     QAction *const pasting = menu.addAction(tr("Paste"), this, &ImageWell::paste);
     const QMimeData *const data = QGuiApplication::clipboard()->mimeData();
     pasting->setEnabled(data && isPicture(data));

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include <QFrame>
+#include <QAbstractButton>
 #include <QImage>
 
 class QMimeData;
@@ -10,9 +10,10 @@ class QMimeData;
 namespace plexa
 {
 
-/// A frame for one picture, which takes picture files and pictures that are dropped or pasted. Checks show
-/// through transparent pixels. The owner reads the files and sets the picture. Main thread.
-class ImageWell final : public QFrame
+/// A button with one picture, which takes picture files and pictures that are dropped or pasted; a click, or
+/// the Enter or space key, asks for another. Checks show through transparent pixels. The owner reads the
+/// files and sets the picture. Main thread.
+class ImageWell final : public QAbstractButton
 {
     Q_OBJECT
 
@@ -29,15 +30,12 @@ public:
 Q_SIGNALS:
     void fileChosen(const QString &path);
     void imagePasted(const QImage &image);
-    /// A click, or the Enter or space key.
-    void clicked();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragLeaveEvent(QDragLeaveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
-    void mouseReleaseEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
 

@@ -5,6 +5,7 @@
 #include "ui/widgets/colorwell.h"
 #include "ui/widgets/elidedlabel.h"
 #include "ui/widgets/filedrops.h"
+#include "ui/widgets/imagewell.h"
 #include "ui/widgets/messagepage.h"
 #include "ui/window/messageboxalerts.h"
 
@@ -249,7 +250,8 @@ private Q_SLOTS:
             if (isInner || !(widget->focusPolicy() & Qt::TabFocus) || widget->focusProxy())
                 continue;
             const auto *const button = qobject_cast<QAbstractButton *>(widget);
-            const bool isMute = button && button->text().isEmpty() && !qobject_cast<ColorWell *>(widget) &&
+            const bool drawsItsValue = qobject_cast<ColorWell *>(widget) || qobject_cast<ImageWell *>(widget);
+            const bool isMute = button && button->text().isEmpty() && !drawsItsValue &&
                                 (button->icon().pixmap(16).isNull() || button->toolTip().isEmpty());
             const QAccessibleInterface *const item = QAccessible::queryAccessibleInterface(widget);
             if (item->text(QAccessible::Name).isEmpty() || isMute)
